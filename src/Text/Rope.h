@@ -1,0 +1,81 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Text/TextRange.h"
+
+#include <QStringView>
+
+#include <functional>
+
+/// The text of a document as a persistent B+tree of short leaves.
+///
+/// Units are UTF-16 code units. A leaf holds at most 4096 bytes, one byte a unit when all of its units are below U+0100, two
+/// otherwise; no leaf begins with the second half of a surrogate pair. Copies share their leaves: a copy costs O(1), stays as it is
+/// while the other goes on changing, and may be read and destroyed on any thread. One object must not be changed and read at once.
+///
+/// Lines end after LF, CR LF or a lone CR; a pair split across leaves counts once. Lines are numbered from 0 here.
+class Rope final {
+public:
+    /// Whole leaves in place; `narrow` or `wide` points at the first unit, valid until the rope is changed or destroyed.
+    struct Chunk {
+        qsizetype location = 0;
+        qsizetype length = 0;
+        const uchar *narrow = nullptr;
+        const char16_t *wide = nullptr;
+
+        [[nodiscard]] char16_t at(qsizetype index) const { return narrow ? narrow[index] : wide[index]; }
+    };
+
+    Rope();
+    explicit Rope(QStringView text);
+
+    [[nodiscard]] qsizetype length() const;
+    [[nodiscard]] bool isEmpty() const { return length() == 0; }
+    /// Line breaks plus one. O(1).
+    [[nodiscard]] qsizetype lineCount() const;
+    /// Offset at which line `line` begins; `line` is clamped to the lines there are. O(log n).
+    [[nodiscard]] qsizetype lineStart(qsizetype line) const;
+    /// The line that holds `offset` (0 … length, clamped). O(log n).
+    [[nodiscard]] qsizetype lineAt(qsizetype offset) const;
+    /// Units of the longest line, its break counted in. O(1).
+    [[nodiscard]] qsizetype longestLine() const;
+
+    /// O(log n); for a walk use RopeCursor.
+    [[nodiscard]] char16_t at(qsizetype offset) const;
+    void copy(TextRange range, char16_t *out) const;
+    [[nodiscard]] QString toString(TextRange range) const;
+    [[nodiscard]] QString toString() const { return toString({0, length()}); }
+    /// The chunk that holds `offset`, which must be below `length()`.
+    [[nodiscard]] Chunk chunkAt(qsizetype offset) const;
+    /// Calls `visit` for the chunks that cover `range`, cut to it, until it returns false.
+    void forEachChunk(TextRange range, const std::function<bool(const Chunk &)> &visit) const;
+
+    [[nodiscard]] Rope slice(TextRange range) const;
+    /// `range` must lie in the text. O(log n + text).
+    void replace(TextRange range, QStringView text);
+    /// Shares the leaves of `text`: O(log n) whatever its length.
+    void replace(TextRange range, const Rope &text);
+
+    /// Same units; shared leaves are not compared.
+    friend bool operator==(const Rope &a, const Rope &b);
+};
+
+/// Makes a rope front to back without a second copy of the text. Append in any portions; a pair may be split between two of them.
+class RopeBuilder final {
+public:
+    void append(QStringView text);
+    /// ISO Latin 1, so plain ASCII too.
+    void appendLatin1(const uchar *text, qsizetype length);
+    [[nodiscard]] qsizetype length() const;
+    /// Ends the building and leaves the builder empty.
+    [[nodiscard]] Rope build();
+};
+
+/// Reads a rope by offset; neighbouring offsets cost O(1). The rope must outlive it unchanged.
+class RopeCursor final {
+public:
+    explicit RopeCursor(const Rope &rope);
+    /// 0 … length - 1.
+    [[nodiscard]] char16_t at(qsizetype offset);
+};

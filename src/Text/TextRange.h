@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QtGlobal>
+
+#include <algorithm>
+#include <vector>
+
+/// A half-open stretch of text in UTF-16 code units.
+struct TextRange {
+    qsizetype location = 0;
+    qsizetype length = 0;
+
+    [[nodiscard]] static constexpr TextRange between(qsizetype from, qsizetype to) { return {from, to - from}; }
+
+    [[nodiscard]] constexpr qsizetype end() const { return location + length; }
+    [[nodiscard]] constexpr bool isEmpty() const { return length == 0; }
+    [[nodiscard]] constexpr bool contains(qsizetype offset) const { return location <= offset && offset < end(); }
+    /// True also when the two only meet at an end.
+    [[nodiscard]] constexpr bool touches(TextRange other) const { return location <= other.end() && other.location <= end(); }
+    [[nodiscard]] constexpr TextRange clampedTo(qsizetype textLength) const
+    {
+        const qsizetype from = std::clamp<qsizetype>(location, 0, textLength);
+        return between(from, std::clamp(end(), from, textLength));
+    }
+
+    friend constexpr bool operator==(TextRange, TextRange) = default;
+};
+
+/// The selection of one view: `anchor` stays where the selection began, `caret` moves. Both are UTF-16 offsets.
+struct TextSelection {
+    qsizetype anchor = 0;
+    qsizetype caret = 0;
+
+    [[nodiscard]] static constexpr TextSelection at(qsizetype offset) { return {offset, offset}; }
+
+    [[nodiscard]] constexpr bool isEmpty() const { return anchor == caret; }
+    [[nodiscard]] constexpr TextRange range() const { return TextRange::between(std::min(anchor, caret), std::max(anchor, caret)); }
+
+    friend constexpr bool operator==(TextSelection, TextSelection) = default;
+};
+
+/// One replaced stretch. `position` is in the text after the change; `removed` units stood there before, `inserted` stand there now.
+/// The line counts are line breaks (LF, CR LF, lone CR) lost and gained, including those that a CR LF pair made or broken costs.
+struct TextChange {
+    qsizetype position = 0;
+    qsizetype removed = 0;
+    qsizetype inserted = 0;
+    qsizetype removedLines = 0;
+    qsizetype insertedLines = 0;
+
+    friend constexpr bool operator==(const TextChange &, const TextChange &) = default;
+};
+
+/// All changes of one editing batch, ascending and apart from one another: applying them front to back to the old text gives the new one.
+using TextChangeList = std::vector<TextChange>;
