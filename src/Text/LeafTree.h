@@ -122,6 +122,14 @@ public:
     /// The leaf at `offset`, which becomes the offset inside it.
     [[nodiscard]] const Leaf &leafAt(qsizetype &offset, Side side) const;
 
+    /// Whether the leaf before or behind the leaf from `leafStart` to `leafEnd` is one that `matches`.
+    template<class Matches>
+    [[nodiscard]] bool hasNeighbour(qsizetype leafStart, qsizetype leafEnd, Matches matches) const
+    {
+        const auto matchesAt = [&](qsizetype offset) { return matches(leafAt(offset, Side::right)); };
+        return (leafStart > 0 && matchesAt(leafStart - 1)) || (leafEnd < qsizetype(summary().units) && matchesAt(leafEnd));
+    }
+
     /// Calls `change(branch, offset in the leaf, more)` for the leaf at `offset`. It may change the leaf if that is not shared, or put
     /// another in its place, by `branch.setLeaf()`, and add up to three leaves that follow it to `more`. O(log n).
     template<class Change>

@@ -51,8 +51,8 @@ private:
     [[nodiscard]] bool equals(const TextTree &other) const;
     explicit TextTree(Tree tree) : m_tree(std::move(tree)) {}
     [[nodiscard]] bool replaceInLeaf(TextRange range, QStringView text);
+    void splice(TextRange range, Tree inserted);
     static void changeLeaf(Branch &branch, TextRange range, QStringView text, typename Tree::Branches &more);
-    [[nodiscard]] bool maySurroundSmallLeaf(qsizetype leafStart, qsizetype leafEnd) const;
 };
 
 /// Makes a tree front to back. Long portions go straight into their leaves; what is left over waits in a leaf's worth of units.

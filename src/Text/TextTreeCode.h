@@ -128,13 +128,24 @@ void TextTree<leafBytes, fanout>::replace(TextRange range, QStringView text)
     if (range.isEmpty() && text.isEmpty())
         return;
     if (!replaceInLeaf(range, text))
-        replace(range, TextTree(text));
+        splice(range, TextTree(text).m_tree);
 }
 
 template<int leafBytes, int fanout>
 void TextTree<leafBytes, fanout>::replace(TextRange range, const TextTree &text)
 {
-    Tree inserted = text.m_tree;
+    if (text.length() <= Traits::wideUnits) {
+        std::array<char16_t, Traits::wideUnits> units;
+        text.copy({0, text.length()}, units.data());
+        if (replaceInLeaf(range, QStringView(units.data(), text.length())))
+            return;
+    }
+    splice(range, text.m_tree);
+}
+
+template<int leafBytes, int fanout>
+void TextTree<leafBytes, fanout>::splice(TextRange range, Tree inserted)
+{
     Tree after = m_tree.splitOff(range.location);
     if (!range.isEmpty())
         after = after.splitOff(range.length);
@@ -162,20 +173,13 @@ bool TextTree<leafBytes, fanout>::replaceInLeaf(TextRange range, QStringView tex
     if (QChar::isLowSurrogate(newFirst) || QChar::isHighSurrogate(newLast))
         return false;
     const qsizetype leafStart = range.location - from;
-    if (Traits::isSmall(newLength) && maySurroundSmallLeaf(leafStart, leafStart + leaf.length))
+    const auto isSmall = [](const TextLeaf &neighbour) { return Traits::isSmall(neighbour.bytes()); };
+    if (Traits::isSmall(newLength) && m_tree.hasNeighbour(leafStart, leafStart + leaf.length, isSmall))
         return false;
     m_tree.changeLeaf(range.location, side, [range, text](Branch &branch, qsizetype at, typename Tree::Branches &more) {
         changeLeaf(branch, {at, range.length}, text, more);
     });
     return true;
-}
-
-/// Whether a neighbour of this leaf is small.
-template<int leafBytes, int fanout>
-bool TextTree<leafBytes, fanout>::maySurroundSmallLeaf(qsizetype leafStart, qsizetype leafEnd) const
-{
-    const auto isSmallAt = [this](qsizetype offset) { return Traits::isSmall(leafAt(offset).bytes()); };
-    return (leafStart > 0 && isSmallAt(leafStart - 1)) || (leafEnd < length() && isSmallAt(leafEnd));
 }
 
 template<int leafBytes, int fanout>

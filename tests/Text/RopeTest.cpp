@@ -37,12 +37,25 @@ std::vector<qsizetype> lineStartsOf(const std::u16string &text)
     return starts;
 }
 
+qsizetype leafLengthAt(const Rope &rope, qsizetype offset)
+{
+    return rope.chunkAt(offset).length;
+}
+
+template<int leafBytes, int fanout>
+qsizetype leafLengthAt(const TextTree<leafBytes, fanout> &tree, qsizetype offset)
+{
+    return tree.leafAt(offset).length;
+}
+
 template<class Tree>
 void expectSame(const Tree &tree, const std::u16string &model)
 {
     ASSERT_TRUE(tree.checkInvariants());
     ASSERT_EQ(tree.length(), qsizetype(model.size()));
     ASSERT_EQ(escaped(textOf(tree)), escaped(model));
+    for (qsizetype at = 0; at < tree.length(); at += leafLengthAt(tree, at))
+        ASSERT_FALSE(at > 0 && QChar::isHighSurrogate(model[size_t(at) - 1]) && QChar::isLowSurrogate(model[size_t(at)])) << at;
     const std::vector<qsizetype> starts = lineStartsOf(model);
     ASSERT_EQ(tree.lineCount(), qsizetype(starts.size()));
     qsizetype longest = 0;
@@ -158,13 +171,18 @@ TYPED_TEST(RopeModel, PairsAtLeafEdges)
                 std::u16string model = std::u16string(size_t(before), filler) + pair + std::u16string(30, u'b');
                 TypeParam tree{QStringView(model)};
                 ASSERT_NO_FATAL_FAILURE(expectSame(tree, model));
-                // Torn by an insertion, joined again by a deletion that spans leaves.
+                // Torn by an insertion, joined again by deletions inside a leaf and by one that spans leaves.
                 const std::u16string wedge(25, filler);
                 tree.replace({before + 1, 0}, QStringView(wedge));
                 model.insert(size_t(before) + 1, wedge);
                 ASSERT_NO_FATAL_FAILURE(expectSame(tree, model));
+                const TypeParam torn = tree;
                 tree.replace({before + 1, 25}, QStringView());
                 model.erase(size_t(before) + 1, 25);
+                ASSERT_NO_FATAL_FAILURE(expectSame(tree, model)) << before << escaped(pair);
+                tree = torn;
+                for (int i = 25; i > 0; --i)
+                    tree.replace({before + 1 + (i % 2 ? 0 : i - 1), 1}, QStringView());
                 ASSERT_NO_FATAL_FAILURE(expectSame(tree, model)) << before << escaped(pair);
             }
         }
