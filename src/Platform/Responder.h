@@ -1,0 +1,135 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+#include <optional>
+#include <span>
+#include <string_view>
+#include <type_traits>
+
+class QObject;
+
+/// The name of an action, such as "saveDocument:". Refers to the characters it was made of.
+class Selector {
+public:
+    constexpr Selector() = default;
+    constexpr Selector(const char *name) : m_name(name) {}
+    constexpr explicit Selector(std::string_view name) : m_name(name) {}
+
+    [[nodiscard]] constexpr std::string_view name() const { return m_name; }
+    [[nodiscard]] constexpr bool isEmpty() const { return m_name.empty(); }
+
+    friend constexpr bool operator==(Selector, Selector) = default;
+
+private:
+    std::string_view m_name;
+};
+
+/// What an action is told about the item that sent it.
+struct ActionSender {
+    /// Tells items of one selector apart: the number of a tab, the kind of a find command.
+    int tag = 0;
+    /// What the item stands for: the path of a recent file, the name of a theme.
+    QVariant represented;
+};
+
+enum class CheckMark { none, on, mixed };
+
+/// How a menu item or a button of an action is to be shown now.
+struct ActionState {
+    bool isEnabled = true;
+    CheckMark checkMark = CheckMark::none;
+    /// Instead of the item's own title, already in the language of the interface.
+    std::optional<QString> title = std::nullopt;
+};
+
+class Responder;
+
+/// One action that a class takes.
+struct ActionRow {
+    Selector selector;
+    void (*perform)(Responder &responder, const ActionSender &sender) = nullptr;
+    /// Null when the action is always enabled and never checked.
+    ActionState (*state)(const Responder &responder, const ActionSender &sender) = nullptr;
+};
+
+/// A link of the chain along which actions travel from the focused view to the application. A class takes part by inheriting it and
+/// listing its actions:
+///
+///     const ActionRow *TextView::actionFor(Selector selector) const
+///     {
+///         static constexpr auto rows = std::to_array<ActionRow>({
+///             action<&TextView::undo, &TextView::undoState>("undo:"),
+///             action<&TextView::selectAll>("selectAll:"),
+///         });
+///         return findAction(rows, selector);
+///     }
+///
+/// A subclass looks into its own rows first and asks its base class last. Main thread only.
+class Responder {
+public:
+    Responder() = default;
+    Responder(const Responder &) = delete;
+    Responder &operator=(const Responder &) = delete;
+    virtual ~Responder() = default;
+
+    /// The row of `selector`, or null when this responder does not take it.
+    [[nodiscard]] virtual const ActionRow *actionFor(Selector selector) const;
+
+    /// The one that was set; else the nearest responder among the QObject parents, if this is a QObject; else null.
+    [[nodiscard]] virtual Responder *nextResponder() const;
+    /// `next` must live as long as it is set; null goes back to the parents.
+    void setNextResponder(Responder *next) { m_next = next; }
+
+    /// The first in the chain from here that takes `selector`, or null.
+    [[nodiscard]] Responder *target(Selector selector);
+    /// Lets the target act, whether or not it calls the action enabled; false when nobody takes it.
+    bool perform(Selector selector, const ActionSender &sender = {});
+    /// What the target says, and it alone: a disabled action is not offered to the rest of the chain. Disabled when nobody takes it.
+    [[nodiscard]] ActionState state(Selector selector, const ActionSender &sender = {}) const;
+
+protected:
+    /// The row that calls `Perform` (a member function without parameters or with a `const ActionSender &`) and asks `State` (a const
+    /// one that returns ActionState, likewise; or one that returns bool: enabled or not).
+    template<auto Perform, auto State = nullptr>
+    [[nodiscard]] static constexpr ActionRow action(Selector selector);
+
+    [[nodiscard]] static const ActionRow *findAction(std::span<const ActionRow> rows, Selector selector);
+
+private:
+    /// Only for its type: the class that a member function belongs to.
+    template<typename Class, typename Function>
+    static Class classOf(Function Class::*);
+
+    template<auto Member>
+    static auto call(auto &responder, const ActionSender &sender)
+    {
+        if constexpr (requires { (responder.*Member)(sender); }) {
+            return (responder.*Member)(sender);
+        } else {
+            return (responder.*Member)();
+        }
+    }
+
+    Responder *m_next = nullptr;
+};
+
+/// `object` itself if it is a responder, else the nearest one among its parents, else null.
+[[nodiscard]] Responder *nearestResponder(QObject *object);
+
+template<auto Perform, auto State>
+constexpr ActionRow Responder::action(Selector selector)
+{
+    ActionRow row{.selector = selector, .perform = [](Responder &responder, const ActionSender &sender) {
+                      call<Perform>(static_cast<decltype(classOf(Perform)) &>(responder), sender);
+                  }};
+    if constexpr (!std::is_null_pointer_v<decltype(State)>) {
+        row.state = [](const Responder &responder, const ActionSender &sender) -> ActionState {
+            return {call<State>(static_cast<const decltype(classOf(State)) &>(responder), sender)};
+        };
+    }
+    return row;
+}
