@@ -47,29 +47,43 @@ def long_lines(home):
 
 @dataclasses.dataclass
 class Program:
-    """`command` gets the file's path appended. `go` are the steps to the place of typing, {line} and {unit} being the middle."""
+    """`command` gets the file's path appended. `go` are the steps to the place of typing, {line} and {unit} being the middle.
+
+    `prepare` puts settings into an empty home. `notes` are what a reader of a file's figures must know; `refuses` says why a program
+    is not measured on a file.
+    """
     command: list
     package: str | None
     go: dict
     prepare: object = None
-    samples: tuple = tuple(SAMPLES)
+    notes: dict = dataclasses.field(default_factory=dict)
+    refuses: dict = dataclasses.field(default_factory=dict)
 
 
 TOP = ['key ctrl+Home']
-# Where there is a scroll bar on the right, its middle is a middle click away; the click after it puts the caret there.
+# A middle click into a Qt scroll bar goes there at once (in GTK a left click does); the click after it puts the caret there.
 BAR = ['click 1272 450 2', 'click 640 450']
+BARE = 'bare window'
 
 PROGRAMS = {
     'quillet': Program(['{quillet}'], None, {'20kb': TOP, '100mb': BAR, '1line': BAR}),
     'gvim': Program(['gvim', '-f', '-n'], 'vim-gtk3', {
-        'empty': ['key i'], '20kb': ['key g g i'], '100mb': ['type {line}Gi'], '1line': ['type {unit}|i']}),
+        'empty': ['key i'], '20kb': ['key g g i'], '100mb': ['type {line}Gi'], '1line': ['type {unit}|i']}, notes={
+        '1line': 'gives highlighting up after two seconds, and cannot page within a line'}),
     'kwrite': Program(['kwrite'], 'kwrite', {
-        '20kb': TOP, '100mb': ['key ctrl+g', 'type {line}', 'key Return'], '1line': BAR}, long_lines),
-    'featherpad': Program(['featherpad', '--standalone'], 'featherpad', {'20kb': TOP, '100mb': BAR, '1line': BAR}),
-    'geany': Program(['geany', '--new-instance'], 'geany', {'20kb': TOP, '100mb': BAR, '1line': BAR}),
-    'mousepad': Program(['mousepad', '--disable-server'], 'mousepad', {'20kb': TOP, '100mb': BAR, '1line': BAR}),
-    'gedit': Program(['gedit', '--standalone'], 'gedit', {'20kb': TOP, '100mb': BAR, '1line': BAR}),
-    'bare window': Program([os.path.join(ROOT, 'build', 'bench', 'bin', 'bare_window')], None, {}, samples=('empty',)),
+        '20kb': TOP, '100mb': ['key ctrl+g', 'type {line}', 'key Return'], '1line': BAR}, long_lines,
+        notes={'1line': 'has its limit of 10000 units a line lifted; with it the line would come broken into pieces and cannot be edited'}),
+    'featherpad': Program(['featherpad', '--standalone'], 'featherpad', {'20kb': TOP, '100mb': BAR}, notes={
+        '100mb': 'says that the file is too large for highlighting'}, refuses={
+        '1line': 'shows the first 500000 units of the line and cannot edit them'}),
+    'geany': Program(['geany', '--new-instance'], 'geany', {
+        '20kb': TOP, '100mb': ['key ctrl+l', 'type {line}', 'key Return'], '1line': ['click 710 743', 'click 700 149']}),
+    'mousepad': Program(['mousepad', '--disable-server'], 'mousepad', {
+        '20kb': TOP, '100mb': ['key ctrl+l', 'type {line}', 'key Return'],
+        '1line': ['key ctrl+l', 'key Tab', 'type {unit}', 'key Return']}),
+    'gedit': Program(['gedit', '--standalone'], 'gedit', {
+        '20kb': TOP, '100mb': ['key ctrl+i', 'type {line}', 'key Return'], '1line': ['click 1272 450', 'click 640 450']}),
+    BARE: Program([os.path.join(ROOT, 'build', 'bench', 'bin', 'bare_window')], None, {}),
 }
 
 # Heading, key in a result, unit, places, and whether it means something only when the picture changed by it.
@@ -95,7 +109,7 @@ def middle(path):
 
 
 def command_of(name, path, quillet):
-    return [word.format(quillet=quillet) for word in PROGRAMS[name].command] + ([path] if name != 'bare window' else [])
+    return [word.format(quillet=quillet) for word in PROGRAMS[name].command] + ([path] if name != BARE else [])
 
 
 def one(name, key, args, round_number):
@@ -103,7 +117,7 @@ def one(name, key, args, round_number):
     path = os.path.join(DATA, sample.name)
     line, unit = middle(path)
     steps = [step.format(line=line, unit=unit) for step in program.go.get(key, [])]
-    bare = name == 'bare window'
+    bare = name == BARE
     shots = os.path.join(RESULTS, 'shots', f'{key}-{name.replace(" ", "-")}') if round_number == 1 else None
     before = os.stat(path)
     result = gui_bench.measure(command_of(name, path, args.quillet), steps, 0 if bare else LETTERS, 0 if bare else sample.pages,
@@ -129,7 +143,7 @@ def rounds(names, keys, args, log):
                 pass
         for number in range(1, args.rounds + 1):
             for name in names:
-                if (name, key) in given_up or key not in PROGRAMS[name].samples:
+                if (name, key) in given_up or key in PROGRAMS[name].refuses or (name == BARE and key != 'empty'):
                     continue
                 result = one(name, key, args, number)
                 results.append(result)
@@ -149,9 +163,8 @@ def cell(results, column, limit):
         return 'failed', None
     late = next((result['late'] for result in results if 'late' in result), None)
     if late and STAGES.index(late) <= STAGES.index(STAGE[key]):
-        if unit in ('s', 'ms'):
-            # A picture may well have been there before: nobody can say that it would have stayed.
-            return (f'over {limit:g} s' if late == STAGE[key] and key != 'painted_s' else '–'), None
+        if unit in ('s', 'ms') and key != 'painted_s':
+            return (f'over {limit:g} s' if late == STAGE[key] else '–'), None
     if needs and any(result.get(needs) is False for result in results):
         return 'no effect', None
     values = [result[key] for result in results if key in result]
@@ -177,7 +190,9 @@ def table(key, names, results, limit):
                 text += f' ({ratio:.0f}×)' if ratio >= 20 else f' ({ratio:.1f}×)' if ratio >= 1 else f' ({ratio:.2f}×)'
             cells.append(text)
         lines.append(f'| {name} | ' + ' | '.join(cells) + ' |')
-    return '\n'.join(lines)
+    remarks = [f'{name} {PROGRAMS[name].notes.get(key) or "is not here: it " + PROGRAMS[name].refuses[key]}' for name in names
+               if key in PROGRAMS[name].notes or key in PROGRAMS[name].refuses]
+    return '\n'.join(lines + ['', '. '.join(remarks) + '.'] if remarks else lines)
 
 
 def version(name, quillet):

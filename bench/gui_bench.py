@@ -8,7 +8,7 @@ Runs the command under its own Xvfb (1280x900) with openbox, a private D-Bus ses
 Prints one JSON line:
   open_wall_s, open_cpu_s   until the process tree used less than 10 % of a core for 0.7 s (wall: its last busy moment,
                             or the first picture where that came later)
-  painted_s                 until the screen showed what it shows then, colours and a caret apart
+  painted_s                 until the screen showed what it shows then (or at the limit), colours and a caret apart
   rss_mb, peak_mb           resident and peak memory of the tree then; end_* after the keys
   type_cpu_ms, page_cpu_ms  CPU of the tree per typed letter and per Page Down; *_server_ms what the X server used for it
   *_taken                   whether the picture changed by it; a figure without that is worth nothing
@@ -29,6 +29,7 @@ import screen as screens
 QUIET_S = 0.7
 BUSY_SHARE = 0.10
 LOOK_S = 0.01
+MUCH_INK = 0.02
 
 
 def parents():
@@ -91,6 +92,11 @@ def memory(root):
     return round(now / 1024, 1), round(peak / 1024, 1)
 
 
+def busy(before, after):
+    """Whether a core was used for more than a tenth between two (time, CPU seconds)."""
+    return after[1] - before[1] > BUSY_SHARE * (after[0] - before[0])
+
+
 class Run:
     """One start of one program."""
 
@@ -115,7 +121,8 @@ class Run:
                 film.add(now - since, picture)
                 shown = shown or screens.changed(self._blank, picture)
             window = [entry for entry in window if now - entry[0] <= 0.11] + [(now, self.cpu.seconds())]
-            if len(window) > 1 and window[-1][1] - window[0][1] > BUSY_SHARE * (window[-1][0] - window[0][0]):
+            # Busy is judged over a tenth of a second; the look that saw the last of it dates it.
+            if len(window) > 1 and busy(window[0], window[-1]) and busy(window[-2], window[-1]):
                 last_busy = now
             if shown and now - last_busy > QUIET_S:
                 return last_busy - since
@@ -132,7 +139,8 @@ class Run:
         self.cpu = Cpu(self.program.pid)
         wall = self.settle(since, self.film)
         rss, peak = memory(self.program.pid)
-        painted = self.film.painted() if wall is not None else None
+        # At the limit a window that is still empty is no picture; a screen of text has more ink than any toolbar.
+        painted = self.film.painted(MUCH_INK if wall is None else 0.0)
         self.result.update(open_cpu_s=round(self.cpu.seconds(), 3), rss_mb=rss, peak_mb=peak)
         if painted is not None:
             self.result['painted_s'] = round(painted, 3)
@@ -164,7 +172,7 @@ class Run:
             return False
         self.result[f'{name}_cpu_ms'] = round((self.cpu.seconds() - cpu) / count * 1000, 3)
         self.result[f'{name}_server_ms'] = round((process_cpu(self.screen.server) - server) / count * 1000, 3)
-        self.result[f'{name}_taken'] = screens.changed(before, self.screen.look())
+        self.result[f'{name}_taken'] = screens.changed(before, self.screen.look(), max(24, 4 * count))
         return True
 
     def close(self):

@@ -11,8 +11,10 @@ from collections import Counter
 
 QUIET = {'stdout': subprocess.DEVNULL, 'stderr': subprocess.DEVNULL}
 WIDTH, HEIGHT = 1280, 900
-# Every fourth row below the title bar and above the status bars: four samples a line of text, 0.2 ms a look.
-ROWS = range(44, 800, 4)
+# Every fourth row below the title bar and above the status bars: four samples a line of text.
+ROWS = range(44, 872, 4)
+# The rows that make the first picture: above the place where messages and search bars come and go.
+PICTURE_ROWS = range(44, 800, 4)
 # Openbox settings: one size of window for all programs, no matter what size they would choose.
 OPENBOX = '''<?xml version="1.0"?>
 <openbox_config xmlns="http://openbox.org/3.4/rc">
@@ -118,12 +120,13 @@ class Film:
         self._seen, self.scenes = {}, []
 
     def add(self, moment, picture):
+        picture = picture[:len(PICTURE_ROWS) * WIDTH]
         picture = self._seen.setdefault(picture, picture)
         if not self.scenes or self.scenes[-1][1] is not picture:
             self.scenes.append((moment, picture))
 
-    def painted(self):
-        """The moment from which on the screen stayed as it is at the end, or None.
+    def painted(self, least=0.0):
+        """The moment from which on the screen stayed as it is at the end, or None; None too where less than `least` of it is ink.
 
         What counts is where there is ink, not its colour (highlighting may come later), and a tenth of it may differ (a blinking
         caret, a progress bar).
@@ -133,6 +136,8 @@ class Film:
         last = self.scenes[-1][1]
         background = Counter(last).most_common(1)[0][0]
         target = ink(last, background)
+        if target.bit_count() < least * len(last):
+            return None
         allowed = max(200, target.bit_count() // 10)
         moment, differs = None, {}
         for when, picture in reversed(self.scenes):
@@ -145,5 +150,5 @@ class Film:
 
 
 def changed(before, after, least=24):
-    """True when at least `least` sampled pixels differ, which is more than a caret of a pixel or two."""
+    """True when at least `least` sampled pixels differ; a caret of a pixel or two has less than 24."""
     return before != after and sum(a != b for a, b in zip(before, after)) >= least
