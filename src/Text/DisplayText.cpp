@@ -75,8 +75,9 @@ bool mayRunRightToLeft(QStringView text)
 {
     return std::any_of(text.begin(), text.end(), [](QChar c) {
         const char16_t unit = c.unicode();
-        return unit >= 0x590 && (unit < 0x900 || unit == 0x200F || (unit >= 0x202A && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069) ||
-                                 (unit >= 0xD802 && unit <= 0xD83B) || (unit >= 0xFB1D && unit < 0xFE00) || (unit >= 0xFE70 && unit < 0xFF00));
+        return unit >= 0x590 &&
+               (unit < 0x900 || unit == 0x200F || (unit >= 0x202A && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069) ||
+                (unit >= 0xD802 && unit <= 0xD83B) || (unit >= 0xFB1D && unit < 0xFE00) || (unit >= 0xFE70 && unit < 0xFF00));
     });
 }
 

@@ -13,7 +13,8 @@ constexpr qsizetype searchBack = 512;
 
 bool isAsciiMark(char16_t unit)
 {
-    return (unit > 0x20 && unit < u'0') || (unit > u'9' && unit < u'A') || (unit > u'Z' && unit < u'a' && unit != u'_') || (unit > u'z' && unit < 0x7F);
+    return (unit > 0x20 && unit < u'0') || (unit > u'9' && unit < u'A') || (unit > u'Z' && unit < u'a' && unit != u'_') ||
+           (unit > u'z' && unit < 0x7F);
 }
 
 /// The last index whose prefix sum is not above `value`.
@@ -28,8 +29,7 @@ int indexAt(const std::vector<Value> &sums, Value value)
 
 LongLine::LongLine(const Rope &text, TextRange range, qsizetype segmentLength, const Estimate &estimate)
     : m_start(range.location), m_length(range.length), m_segmentLength(segmentLength), m_segments(cut(text, range, estimate))
-{
-}
+{}
 
 qsizetype LongLine::cutBefore(const Rope &text, qsizetype from, qsizetype limit)
 {

@@ -267,9 +267,10 @@ void RowMap::mergeWithNext(size_t block)
 void RowMap::checkInvariants() const
 {
     for (const Block &block : m_blocks) {
-        const bool isRight = block.lines > 0 && block.rows >= block.lines && (block.kind != Kind::single || block.rows == block.lines) &&
-                             (block.kind != Kind::mixed || (std::ssize(block.perLine) == block.lines &&
-                                                            std::accumulate(block.perLine.begin(), block.perLine.end(), qint64{0}) == block.rows));
+        const bool isRight =
+            block.lines > 0 && block.rows >= block.lines && (block.kind != Kind::single || block.rows == block.lines) &&
+            (block.kind != Kind::mixed || (std::ssize(block.perLine) == block.lines &&
+                                           std::accumulate(block.perLine.begin(), block.perLine.end(), qint64{0}) == block.rows));
         if (!isRight) {
             qFatal("RowMap: a block does not add up");
         }

@@ -84,7 +84,8 @@ UnitClass classOf(char16_t unit)
         return UnitClass::blank;
     }
     if (unit < 0x80) {
-        const bool isWord = (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || (unit >= u'0' && unit <= u'9') || unit == u'_';
+        const bool isWord =
+            (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || (unit >= u'0' && unit <= u'9') || unit == u'_';
         return isWord ? UnitClass::word : UnitClass::mark;
     }
     const int8_t type = u_charType(unit);

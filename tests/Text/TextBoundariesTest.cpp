@@ -40,9 +40,11 @@ TEST_P(CaretStops, ForwardAndBack)
 
 INSTANTIATE_TEST_SUITE_P(Texts, CaretStops,
                          testing::Values(StopsCase{"ascii", u"a|b|\n|c"_s}, StopsCase{"carriage returns", u"a|\r\n|\r|\r\n|\n|b"_s},
-                                         StopsCase{"combining", u"e\u0301|a\u0308\u0323|x"_s}, StopsCase{"pairs", u"\U0001F600|a|\U0001F601|\U0001F602"_s},
+                                         StopsCase{"combining", u"e\u0301|a\u0308\u0323|x"_s},
+                                         StopsCase{"pairs", u"\U0001F600|a|\U0001F601|\U0001F602"_s},
                                          StopsCase{"family", u"x|\U0001F468\u200D\U0001F469\u200D\U0001F467|y"_s},
-                                         StopsCase{"flags", u"\U0001F1E9\U0001F1EA|\U0001F1EB\U0001F1F7|a"_s}, StopsCase{"hangul", u"\u1112\u1161\u11AB|\uAE00"_s},
+                                         StopsCase{"flags", u"\U0001F1E9\U0001F1EA|\U0001F1EB\U0001F1F7|a"_s},
+                                         StopsCase{"hangul", u"\u1112\u1161\u11AB|\uAE00"_s},
                                          StopsCase{"mark after break", u"a|\n|\u0301|b"_s}));
 
 /// `text` with bars where Control and the arrow keys stop.
