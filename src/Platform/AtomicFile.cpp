@@ -56,7 +56,7 @@ QStringView reasonOf(int error)
     case ENOENT:
         return u"“%@” could not be saved, because its folder does not exist.";
     case ENOTDIR:
-        return u"“%@” could not be saved, because its folder is not a folder.";
+        return u"“%@” could not be saved, because a file stands where its folder should be.";
     case EISDIR:
         return u"“%@” could not be saved, because there is a folder of that name.";
     case ENAMETOOLONG:

@@ -72,7 +72,7 @@ TEST(TextFileCorpus, ReadsEveryFileAsItsCaseSays)
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QJsonArray cases = QJsonDocument::fromJson(file.readAll()).array();
     ASSERT_FALSE(cases.isEmpty());
-    for (const QJsonValue &value : cases) {
+    for (const auto &value : cases) {
         const QJsonObject expected = value.toObject();
         SCOPED_TRACE((expected[u"file"].toString() + u": "_s + expected[u"what"].toString()).toStdString());
         const auto forced = expected.contains(u"forced") ? std::optional(TextEncoding(quint32(expected[u"forced"].toInteger())))

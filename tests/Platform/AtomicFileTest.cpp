@@ -159,6 +159,22 @@ TEST_F(AtomicFileTest, AKillBetweenAnyTwoStepsLeavesOldOrNew)
     EXPECT_GE(newOnes, 2);
 }
 
+TEST_F(AtomicFileTest, ContentIsOnDiskBeforeItGetsTheName)
+{
+    put(u"a"_s, oldContent);
+    FaultyCalls calls;
+    QStringList order;
+    calls.before = [&](const char *call) {
+        const QString name = QString::fromLatin1(call);
+        if ((name == u"write" || name == u"fchmod" || name == u"fsync" || name == u"rename") && (order.isEmpty() || order.last() != name)) {
+            order += name;
+        }
+        return 0;
+    };
+    ASSERT_TRUE(save(u"a"_s, calls));
+    EXPECT_EQ(order.join(u' '), u"write fchmod fsync rename fsync");
+}
+
 TEST_F(AtomicFileTest, GoesOnAfterInterruptionsAndShortWrites)
 {
     FaultyCalls calls;
