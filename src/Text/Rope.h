@@ -2,11 +2,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Text/TextRange.h"
+#include "Text/TextTree.h"
 
+#include <QString>
 #include <QStringView>
 
 #include <functional>
+
+extern template class TextTree<4096, 32>;
 
 /// The text of a document as a persistent B+tree of short leaves.
 ///
@@ -27,23 +30,23 @@ public:
         [[nodiscard]] char16_t at(qsizetype index) const { return narrow ? narrow[index] : wide[index]; }
     };
 
-    Rope();
-    explicit Rope(QStringView text);
+    Rope() = default;
+    explicit Rope(QStringView text) : m_tree(text) {}
 
-    [[nodiscard]] qsizetype length() const;
+    [[nodiscard]] qsizetype length() const { return m_tree.length(); }
     [[nodiscard]] bool isEmpty() const { return length() == 0; }
     /// Line breaks plus one. O(1).
-    [[nodiscard]] qsizetype lineCount() const;
+    [[nodiscard]] qsizetype lineCount() const { return m_tree.lineCount(); }
     /// Offset at which line `line` begins; `line` is clamped to the lines there are. O(log n).
-    [[nodiscard]] qsizetype lineStart(qsizetype line) const;
+    [[nodiscard]] qsizetype lineStart(qsizetype line) const { return m_tree.lineStart(line); }
     /// The line that holds `offset` (0 … length, clamped). O(log n).
-    [[nodiscard]] qsizetype lineAt(qsizetype offset) const;
+    [[nodiscard]] qsizetype lineAt(qsizetype offset) const { return m_tree.lineAt(offset); }
     /// Units of the longest line, its break counted in. O(1).
-    [[nodiscard]] qsizetype longestLine() const;
+    [[nodiscard]] qsizetype longestLine() const { return m_tree.longestLine(); }
 
     /// O(log n); for a walk use RopeCursor.
-    [[nodiscard]] char16_t at(qsizetype offset) const;
-    void copy(TextRange range, char16_t *out) const;
+    [[nodiscard]] char16_t at(qsizetype offset) const { return m_tree.at(offset); }
+    void copy(TextRange range, char16_t *out) const { m_tree.copy(range, out); }
     [[nodiscard]] QString toString(TextRange range) const;
     [[nodiscard]] QString toString() const { return toString({0, length()}); }
     /// The chunk that holds `offset`, which must be below `length()`.
@@ -51,31 +54,56 @@ public:
     /// Calls `visit` for the chunks that cover `range`, cut to it, until it returns false.
     void forEachChunk(TextRange range, const std::function<bool(const Chunk &)> &visit) const;
 
-    [[nodiscard]] Rope slice(TextRange range) const;
+    [[nodiscard]] Rope slice(TextRange range) const { return Rope(m_tree.slice(range)); }
     /// `range` must lie in the text. O(log n + text).
-    void replace(TextRange range, QStringView text);
+    void replace(TextRange range, QStringView text) { m_tree.replace(range, text); }
     /// Shares the leaves of `text`: O(log n) whatever its length.
-    void replace(TextRange range, const Rope &text);
+    void replace(TextRange range, const Rope &text) { m_tree.replace(range, text.m_tree); }
 
     /// Same units; shared leaves are not compared.
-    friend bool operator==(const Rope &a, const Rope &b);
+    friend bool operator==(const Rope &a, const Rope &b) { return a.m_tree == b.m_tree; }
+
+    /// O(n), for tests and debug builds.
+    [[nodiscard]] bool checkInvariants() const { return m_tree.checkInvariants(); }
+
+private:
+    friend class RopeBuilder;
+    using Tree = TextTree<4096, 32>;
+
+    explicit Rope(Tree tree) : m_tree(std::move(tree)) {}
+
+    Tree m_tree;
 };
 
 /// Makes a rope front to back without a second copy of the text. Append in any portions; a pair may be split between two of them.
 class RopeBuilder final {
 public:
-    void append(QStringView text);
+    void append(QStringView text) { m_builder.append(text); }
     /// ISO Latin 1, so plain ASCII too.
-    void appendLatin1(const uchar *text, qsizetype length);
-    [[nodiscard]] qsizetype length() const;
+    void appendLatin1(const uchar *text, qsizetype length) { m_builder.appendLatin1(text, length); }
+    [[nodiscard]] qsizetype length() const { return m_builder.length(); }
     /// Ends the building and leaves the builder empty.
-    [[nodiscard]] Rope build();
+    [[nodiscard]] Rope build() { return Rope(m_builder.build()); }
+
+private:
+    Rope::Tree::Builder m_builder;
 };
 
 /// Reads a rope by offset; neighbouring offsets cost O(1). The rope must outlive it unchanged.
 class RopeCursor final {
 public:
-    explicit RopeCursor(const Rope &rope);
+    explicit RopeCursor(const Rope &rope) : m_rope(&rope) {}
     /// 0 … length - 1.
-    [[nodiscard]] char16_t at(qsizetype offset);
+    [[nodiscard]] char16_t at(qsizetype offset)
+    {
+        const qsizetype inChunk = offset - m_chunk.location;
+        if (quint64(inChunk) < quint64(m_chunk.length))
+            return m_chunk.at(inChunk);
+        m_chunk = m_rope->chunkAt(offset);
+        return m_chunk.at(offset - m_chunk.location);
+    }
+
+private:
+    const Rope *m_rope;
+    Rope::Chunk m_chunk;
 };

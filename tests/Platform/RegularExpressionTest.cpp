@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/RegularExpression.h"
 
+#include <QStringList>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;

@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Text/TextRange.h"
+
+#include <QString>
+
+class Rope;
+
+/// What stands in `range` as it is shown: of the same length, with control characters and separators that a layout would act upon
+/// replaced by visible stand-ins, and lone surrogates by U+FFFD. A tab stays a tab.
+[[nodiscard]] QString displayText(const Rope &text, TextRange range);
+
+/// True when `text` may be drawn right to left somewhere, so that a stretch of it need not be one interval on the screen.
+[[nodiscard]] bool mayRunRightToLeft(QStringView text);
+
+/// How wide a text will be, in cells of a fixed-pitch font, without laying it out.
+struct CellCount {
+    qsizetype narrow = 0;
+    /// East Asian wide characters and emoji.
+    qsizetype wide = 0;
+    /// Only printable ASCII and tabs: in a fixed-pitch font the count is exact.
+    bool isExact = true;
+};
+
+/// Tabs advance to the next multiple of `tabWidth` cells, counted from the start of `range`.
+[[nodiscard]] CellCount countCells(const Rope &text, TextRange range, int tabWidth);

@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Text/Rope.h"
+
+#include "Text/TextTreeCode.h"
+
+template class TextTree<4096, 32>;
+
+QString Rope::toString(TextRange range) const
+{
+    QString text(range.length, Qt::Uninitialized);
+    copy(range, reinterpret_cast<char16_t *>(text.data()));
+    return text;
+}
+
+Rope::Chunk Rope::chunkAt(qsizetype offset) const
+{
+    qsizetype inLeaf = offset;
+    const TextLeaf &leaf = m_tree.leafAt(inLeaf);
+    return {.location = offset - inLeaf,
+            .length = leaf.length,
+            .narrow = leaf.isWide ? nullptr : leaf.narrow(),
+            .wide = leaf.isWide ? leaf.wide() : nullptr};
+}
+
+void Rope::forEachChunk(TextRange range, const std::function<bool(const Chunk &)> &visit) const
+{
+    for (qsizetype at = range.location; at < range.end();) {
+        Chunk chunk = chunkAt(at);
+        const qsizetype skipped = at - chunk.location;
+        chunk.length = std::min(chunk.length - skipped, range.end() - at);
+        chunk.location = at;
+        if (chunk.narrow)
+            chunk.narrow += skipped;
+        else
+            chunk.wide += skipped;
+        if (!visit(chunk))
+            return;
+        at += chunk.length;
+    }
+}

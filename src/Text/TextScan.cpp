@@ -1,0 +1,187 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Text/TextScan.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace {
+
+constexpr qsizetype blockUnits = 64;
+
+/// The units of a block of 64 that equal `wanted`, the first in the lowest bit.
+#ifdef __SSE2__
+__m128i load(const void *from)
+{
+    return _mm_loadu_si128(static_cast<const __m128i *>(from));
+}
+
+quint64 matches(const uchar *block, char wanted)
+{
+    const __m128i key = _mm_set1_epi8(wanted);
+    quint64 mask = 0;
+    for (int part = 0; part < 4; ++part) {
+        const int bits = _mm_movemask_epi8(_mm_cmpeq_epi8(load(block + part * 16), key));
+        mask |= quint64(quint32(bits)) << (part * 16);
+    }
+    return mask;
+}
+
+quint64 matches(const char16_t *block, char wanted)
+{
+    const __m128i key = _mm_set1_epi16(wanted);
+    quint64 mask = 0;
+    for (int part = 0; part < 4; ++part) {
+        const __m128i low = _mm_cmpeq_epi16(load(block + part * 16), key);
+        const __m128i high = _mm_cmpeq_epi16(load(block + part * 16 + 8), key);
+        mask |= quint64(quint32(_mm_movemask_epi8(_mm_packs_epi16(low, high)))) << (part * 16);
+    }
+    return mask;
+}
+#else
+template<class Unit>
+quint64 matches(const Unit *block, char wanted)
+{
+    quint64 mask = 0;
+    for (qsizetype i = 0; i < blockUnits; ++i)
+        mask |= quint64(block[i] == Unit(wanted)) << i;
+    return mask;
+}
+#endif
+
+/// Gives `visit` the start of every block and the mask of units that end a line in it, until it returns false.
+template<class Unit, class Visit>
+void forEachBreakMask(const Unit *text, qsizetype length, Visit visit)
+{
+    std::array<Unit, blockUnits> tail;
+    for (qsizetype start = 0; start < length; start += blockUnits) {
+        const Unit *block = text + start;
+        const qsizetype left = length - start;
+        if (left < blockUnits) {
+            tail.fill(Unit(0));
+            std::copy_n(block, left, tail.begin());
+            block = tail.data();
+        }
+        const quint64 lf = matches(block, '\n');
+        quint64 breaks = lf;
+        if (quint64 cr = matches(block, '\r')) {
+            if (left <= blockUnits)
+                cr &= ~(quint64(1) << (left - 1));
+            quint64 paired = lf >> 1;
+            if (left > blockUnits && block[blockUnits] == Unit('\n'))
+                paired |= quint64(1) << (blockUnits - 1);
+            breaks |= cr & ~paired;
+        }
+        if (breaks && !visit(start, breaks))
+            return;
+    }
+}
+
+template<class Unit>
+TextSummary summarize(const Unit *text, qsizetype length)
+{
+    TextSummary sum;
+    if (length == 0)
+        return sum;
+    quint32 lineStart = 0;
+    quint32 longest = 0;
+    quint32 count = 0;
+    quint32 first = 0;
+    forEachBreakMask(text, length, [&](qsizetype start, quint64 breaks) {
+        if (count == 0)
+            first = quint32(start) + quint32(std::countr_zero(breaks)) + 1;
+        do {
+            const quint32 end = quint32(start) + quint32(std::countr_zero(breaks)) + 1;
+            longest = std::max(longest, end - lineStart);
+            lineStart = end;
+            ++count;
+            breaks &= breaks - 1;
+        } while (breaks);
+        return true;
+    });
+    sum.units = quint32(length);
+    sum.breaks = count;
+    sum.firstLine = count ? first : sum.units;
+    sum.lastLine = sum.units - lineStart;
+    sum.longestLine = std::max(longest, sum.lastLine);
+    sum.startsWithLf = text[0] == Unit('\n');
+    sum.endsWithCr = text[length - 1] == Unit('\r');
+    return sum;
+}
+
+template<class Unit>
+qsizetype findBreak(const Unit *text, qsizetype length, qsizetype number)
+{
+    qsizetype result = length;
+    forEachBreakMask(text, length, [&](qsizetype start, quint64 breaks) {
+        const qsizetype here = std::popcount(breaks);
+        if (number > here) {
+            number -= here;
+            return true;
+        }
+        for (; number > 1; --number)
+            breaks &= breaks - 1;
+        result = start + std::countr_zero(breaks) + 1;
+        return false;
+    });
+    return result;
+}
+
+} // namespace
+
+TextSummary summarizeText(const uchar *text, qsizetype length)
+{
+    return summarize(text, length);
+}
+TextSummary summarizeText(const char16_t *text, qsizetype length)
+{
+    return summarize(text, length);
+}
+qsizetype endOfBreak(const uchar *text, qsizetype length, qsizetype number)
+{
+    return findBreak(text, length, number);
+}
+qsizetype endOfBreak(const char16_t *text, qsizetype length, qsizetype number)
+{
+    return findBreak(text, length, number);
+}
+
+bool isNarrowText(const char16_t *text, qsizetype length)
+{
+    qsizetype i = 0;
+    // In strides, so that the loop has no branch per unit and is vectorised, yet wide text is found out early.
+    for (; i + 64 <= length; i += 64) {
+        char16_t all = 0;
+        for (qsizetype j = 0; j < 64; ++j)
+            all = char16_t(all | text[i + j]);
+        if (all > 0xff)
+            return false;
+    }
+    char16_t all = 0;
+    for (; i < length; ++i)
+        all = char16_t(all | text[i]);
+    return all <= 0xff;
+}
+
+void widenText(const uchar *text, qsizetype length, char16_t *out)
+{
+    for (qsizetype i = 0; i < length; ++i)
+        out[i] = text[i];
+}
+
+void narrowText(const char16_t *text, qsizetype length, uchar *out)
+{
+    qsizetype i = 0;
+#ifdef __SSE2__
+    for (; i + 16 <= length; i += 16)
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + i), _mm_packus_epi16(load(text + i), load(text + i + 8)));
+#endif
+    for (; i < length; ++i)
+        out[i] = uchar(text[i]);
+}

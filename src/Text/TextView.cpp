@@ -1,0 +1,634 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Text/TextView.h"
+
+#include "Platform/Pasteboard.h"
+#include "Text/TextBoundaries.h"
+#include "Text/TextStorage.h"
+#include "Text/TextViewAccessible.h"
+
+#include <QApplication>
+#include <QFontDatabase>
+#include <QInputMethod>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+
+#include <array>
+#include <cmath>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+// About 3 ms of layout a slice.
+constexpr qsizetype refineBudget = 32 * 1024;
+// A scroll bar counts in int; above this many pixels one step of it is several.
+constexpr double scrollBarLimit = 1 << 30;
+
+} // namespace
+
+TextView::TextView(TextStorage &storage, UndoManager &undoManager, Services services, QWidget *parent)
+    : QAbstractScrollArea(parent), m_storage(storage), m_undoManager(undoManager), m_services(services),
+      m_layout(storage, {.font = QFontDatabase::systemFont(QFontDatabase::FixedFont),
+                         .tabWidth = 4,
+                         .wrapWidth = {},
+                         .devicePixelRatio = devicePixelRatioF()})
+{
+    TextViewAccessible::install();
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_InputMethodEnabled);
+    setInputMethodHints(Qt::ImhMultiLine | Qt::ImhNoAutoUppercase | Qt::ImhNoPredictiveText);
+    setFrameShape(QFrame::NoFrame);
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    viewport()->setCursor(Qt::IBeamCursor);
+    setAcceptDrops(true);
+    applyPaletteColors();
+    connect(&storage, &TextStorage::changed, this, &TextView::storageChanged);
+    connect(&storage, &TextStorage::stylesChanged, this, &TextView::storageStylesChanged);
+}
+
+TextView::~TextView() = default;
+
+const ActionRow *TextView::actionFor(Selector selector) const
+{
+    static constexpr auto rows = std::to_array<ActionRow>({
+        action<&TextView::undo, &TextView::canUndo>("undo:"),
+        action<&TextView::redo, &TextView::canRedo>("redo:"),
+        action<&TextView::cut, &TextView::canCut>("cut:"),
+        action<&TextView::copy, &TextView::hasSelection>("copy:"),
+        action<&TextView::paste, &TextView::canPaste>("paste:"),
+        action<&TextView::deleteSelection, &TextView::canCut>("delete:"),
+        action<&TextView::selectAll>("selectAll:"),
+    });
+    return findAction(rows, selector);
+}
+
+bool TextView::canUndo() const
+{
+    return !isReadOnly() && m_undoManager.canUndo();
+}
+
+bool TextView::canRedo() const
+{
+    return !isReadOnly() && m_undoManager.canRedo();
+}
+
+bool TextView::hasSelection() const
+{
+    return !selection().isEmpty();
+}
+
+bool TextView::canCut() const
+{
+    return !isReadOnly() && hasSelection();
+}
+
+bool TextView::canPaste() const
+{
+    return !isReadOnly() && m_services.pasteboard.hasText();
+}
+
+// Settings
+
+LayoutManager::Settings TextView::settingsForViewport() const
+{
+    LayoutManager::Settings settings = m_layout.settings();
+    settings.devicePixelRatio = devicePixelRatioF();
+    settings.wrapWidth.reset();
+    if (m_wrapMode == WrapMode::viewWidth) {
+        const double width = viewport()->width() - 2 * m_port.insets().horizontal;
+        settings.wrapWidth = std::max(width, 4 * m_layout.cellWidth());
+    }
+    return settings;
+}
+
+void TextView::applySettings(LayoutManager::Settings settings)
+{
+    m_layout.setSettings(std::move(settings));
+    m_port.setSize(viewport()->size());
+    m_layout.setCacheCapacity(static_cast<size_t>(std::max<qint64>(64, 3 * m_port.rowsPerPage())));
+    m_port.settle();
+    viewMoved();
+    viewport()->update();
+}
+
+void TextView::setTextFont(const QFont &font)
+{
+    LayoutManager::Settings settings = settingsForViewport();
+    settings.font = font;
+    applySettings(std::move(settings));
+}
+
+void TextView::setTabWidth(int cells)
+{
+    LayoutManager::Settings settings = settingsForViewport();
+    settings.tabWidth = std::max(1, cells);
+    applySettings(std::move(settings));
+}
+
+void TextView::setWrapMode(WrapMode mode)
+{
+    m_wrapMode = mode;
+    // Wrapped text never needs the bar; asking for it would change the width and so the wrapping.
+    setHorizontalScrollBarPolicy(mode == WrapMode::none ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(mode == WrapMode::none ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOn);
+    applySettings(settingsForViewport());
+}
+
+void TextView::applyPaletteColors()
+{
+    const QPalette &shown = palette();
+    m_colors = {.background = shown.color(QPalette::Base),
+                .text = shown.color(QPalette::Text),
+                .selection = shown.color(QPalette::Highlight),
+                .caret = shown.color(QPalette::Text),
+                .currentLine = {},
+                .invisibles = shown.color(QPalette::PlaceholderText),
+                .mark = {}};
+    // Text keeps its colours on a selection, so the selection must stay near the background.
+    m_colors.selection.setAlphaF(0.35F);
+    m_colors.mark = m_colors.selection;
+    viewport()->update();
+}
+
+void TextView::setColors(const Colors &colors)
+{
+    m_followsPalette = false;
+    m_colors = colors;
+    viewport()->update();
+}
+
+void TextView::setCaretShape(CaretShape shape)
+{
+    m_caretShape = shape;
+    viewport()->update();
+}
+
+void TextView::setInvisibles(Visibility visibility)
+{
+    m_invisibles = visibility;
+    viewport()->update();
+}
+
+void TextView::setAccess(Access access)
+{
+    commitPreedit();
+    m_access = access;
+    QGuiApplication::inputMethod()->update(Qt::ImEnabled | Qt::ImReadOnly);
+}
+
+void TextView::setMarkProvider(MarkProvider provider)
+{
+    m_marks = std::move(provider);
+    viewport()->update();
+}
+
+// The edit primitive
+
+bool TextView::shouldChangeText(TextRange range, QStringView replacement)
+{
+    Q_UNUSED(range)
+    Q_UNUSED(replacement)
+    return !isReadOnly();
+}
+
+bool TextView::replaceText(TextRange range, QStringView text, GroupKind kind, TextSelection after)
+{
+    if (!shouldChangeText(range, text)) {
+        return false;
+    }
+    {
+        const QScopedValueRollback<bool> editing(m_isEditing, true);
+        m_undoManager.beginGroup(kind, selection(), this);
+        m_storage.replaceCharacters(range, text);
+        m_undoManager.endGroup(after);
+        setCaret({after.caret, Affinity::downstream, {}}, after.anchor);
+    }
+    revealCaret();
+    didChangeText();
+    return true;
+}
+
+void TextView::insertText(QStringView text, TextRange range)
+{
+    replaceText(range, text, GroupKind::other, TextSelection::at(range.location + text.length()));
+}
+
+void TextView::removeRange(TextRange range, GroupKind kind)
+{
+    if (!range.isEmpty()) {
+        replaceText(range, {}, kind, TextSelection::at(range.location));
+    }
+}
+
+// Following the storage
+
+void TextView::storageChanged(const TextChangeList &changes)
+{
+    const TextSelection before = selection();
+    m_layout.textChanged(changes);
+    m_port.textChanged(changes, m_isEditing ? Viewport::Editor::thisView : Viewport::Editor::another);
+    m_caret = {mappedOffset(m_caret.offset, changes, Bias::before), Affinity::downstream, {}};
+    m_anchor = mappedOffset(m_anchor, changes, Bias::before);
+    m_dragged = mappedRange(m_dragged, changes);
+    if (isComposing()) {
+        LayoutManager::Preedit preedit = m_layout.preedit();
+        preedit.offset = m_caret.offset;
+        m_layout.setPreedit(std::move(preedit));
+    }
+    if (m_port.settle()) {
+        viewport()->update();
+    }
+    updateForChanges(changes);
+    sendAccessibleChanges(changes);
+    viewMoved();
+    if (!m_isEditing && selection() != before) {
+        emit selectionChanged();
+    }
+}
+
+void TextView::updateForChanges(const TextChangeList &changes)
+{
+    if (changes.empty()) {
+        return;
+    }
+    const TextChange &first = changes.front();
+    const bool isOneRow = changes.size() == 1 && !m_layout.wraps() && first.removedLines == 0 && first.insertedLines == 0;
+    if (isOneRow) {
+        updateRows({first.position, first.inserted});
+        return;
+    }
+    const auto top = m_port.topOf(m_layout.rowOf(m_storage.text().lineStart(m_storage.text().lineAt(first.position))));
+    viewport()->update(0, static_cast<int>(std::floor(top.value_or(0))), viewport()->width(), viewport()->height());
+}
+
+void TextView::storageStylesChanged(const std::vector<TextRange> &ranges)
+{
+    m_layout.stylesChanged(ranges);
+    const TextRange visible = TextRange::between(m_port.anchor(), m_layout.rangeOf(m_port.rowAt(viewport()->height()).row).end());
+    for (const TextRange range : ranges) {
+        if (range.touches(visible)) {
+            updateRows(TextRange::between(std::max(range.location, visible.location), std::min(range.end(), visible.end())));
+        }
+    }
+}
+
+void TextView::updateRows(TextRange range)
+{
+    const double height = m_layout.rowHeight();
+    const Viewport::VisibleRow end = m_port.rowAt(viewport()->height());
+    const auto first = m_port.topOf(m_layout.rowOf(range.location));
+    const auto last = m_port.topOf(m_layout.rowOf(std::min(range.end(), m_storage.length())));
+    if (!first && !last && range.location > m_layout.rangeOf(end.row).end()) {
+        return;
+    }
+    const double top = first.value_or(0);
+    const double bottom = last ? *last + height : viewport()->height();
+    viewport()->update(QRectF(0, top, viewport()->width(), bottom - top).toAlignedRect());
+}
+
+// Selection
+
+void TextView::setCaret(const Caret &caret, qsizetype anchor)
+{
+    const TextSelection before = selection();
+    updateCaret();
+    m_caret = caret;
+    m_anchor = anchor;
+    restartBlinking();
+    // An edit of this view has already moved the ends along with the text, which is no reason to keep silent about it.
+    if (selection() == before && !m_isEditing) {
+        updateCaret();
+        return;
+    }
+    // Rows between the old and the new ends change their look; with no selection at all only the carets do.
+    if (!before.isEmpty() || !selection().isEmpty()) {
+        const auto changed = [this](qsizetype a, qsizetype b) {
+            if (a != b) {
+                updateRows(TextRange::between(std::min(a, b), std::max(a, b)).clampedTo(m_storage.length()));
+            }
+        };
+        if (before.anchor == m_anchor) {
+            changed(before.caret, m_caret.offset);
+        } else {
+            changed(before.anchor, before.caret);
+            changed(m_anchor, m_caret.offset);
+        }
+    } else if (m_colors.currentLine.isValid()) {
+        viewport()->update();
+    }
+    updateCaret();
+    if (hasFocus()) {
+        QGuiApplication::inputMethod()->update(Qt::ImCursorRectangle | Qt::ImAnchorRectangle | Qt::ImCursorPosition | Qt::ImAnchorPosition |
+                                               Qt::ImCurrentSelection | Qt::ImSurroundingText | Qt::ImTextBeforeCursor |
+                                               Qt::ImTextAfterCursor);
+    }
+    sendAccessibleSelection(before);
+    publishPrimarySelection();
+    emit selectionChanged();
+}
+
+void TextView::setSelection(TextSelection selection, Reveal reveal)
+{
+    const auto legal = [this](qsizetype offset) { return TextBoundaries::snapped(m_storage.text(), offset); };
+    if (legal(selection.caret) != m_caret.offset) {
+        m_undoManager.breakCoalescing();
+    }
+    setCaret({legal(selection.caret), Affinity::downstream, {}}, legal(selection.anchor));
+    revealCaret(reveal);
+}
+
+void TextView::revealOffset(qsizetype offset)
+{
+    const RowPosition row = m_layout.rowOf(offset);
+    m_port.reveal(row);
+    const double x = m_layout.xOf(row, offset);
+    m_port.revealX({x, x + m_layout.cellWidth()});
+    viewMoved();
+    viewport()->update();
+}
+
+QString TextView::selectedText() const
+{
+    return m_storage.string(selection().range());
+}
+
+void TextView::revealCaret(Reveal reveal)
+{
+    if (reveal == Reveal::no) {
+        return;
+    }
+    const QPointF before = m_port.position();
+    const RowPosition row = m_layout.rowOf(m_caret.offset, m_caret.affinity);
+    m_port.reveal(row, reveal == Reveal::center ? Viewport::Reveal::center : Viewport::Reveal::nearest);
+    const double x = m_layout.xOf(row, m_caret.offset);
+    m_port.revealX({x, x + 2});
+    if (m_port.position() != before) {
+        viewMoved();
+        viewport()->update();
+    }
+}
+
+void TextView::publishPrimarySelection()
+{
+    if (!m_services.pasteboard.supportsPrimary() || m_pointer.isSelecting || selection().isEmpty()) {
+        return;
+    }
+    // Held keys move the selection many times a second; other programs are told when it rests.
+    m_primarySettles = m_services.scheduler.after(100ms, [this] {
+        const TextRange range = selection().range();
+        if (!range.isEmpty()) {
+            m_services.pasteboard.setPrimary([snapshot = m_storage.snapshot(), range] { return snapshot.text.toString(range); });
+        }
+    });
+}
+
+Caret TextView::caretAt(QPointF point)
+{
+    const Viewport::VisibleRow row = m_port.rowAt(point.y());
+    const qsizetype offset = m_layout.offsetAt(row.row, point.x() - m_port.left());
+    const bool isAtWrap = offset == m_layout.rangeOf(row.row).end() && !m_layout.endsLine(row.row);
+    return {offset, isAtWrap ? Affinity::upstream : Affinity::downstream, {}};
+}
+
+// Undo and the pasteboard
+
+void TextView::undo()
+{
+    commitPreedit();
+    if (isReadOnly()) {
+        return;
+    }
+    const QScopedValueRollback<bool> editing(m_isEditing, true);
+    if (const auto shown = m_undoManager.undo()) {
+        setSelection(*shown, Reveal::nearest);
+        didChangeText();
+    }
+}
+
+void TextView::redo()
+{
+    commitPreedit();
+    if (isReadOnly()) {
+        return;
+    }
+    const QScopedValueRollback<bool> editing(m_isEditing, true);
+    if (const auto shown = m_undoManager.redo()) {
+        setSelection(*shown, Reveal::nearest);
+        didChangeText();
+    }
+}
+
+void TextView::copy()
+{
+    const TextRange range = selection().range();
+    if (range.isEmpty()) {
+        return;
+    }
+    constexpr qsizetype eagerLimit = 1 << 20;
+    if (range.length <= eagerLimit) {
+        m_services.pasteboard.setText(selectedText());
+    } else {
+        m_services.pasteboard.setLazyText([snapshot = m_storage.snapshot(), range] { return snapshot.text.toString(range); });
+    }
+}
+
+void TextView::cut()
+{
+    if (!isReadOnly() && !selection().isEmpty()) {
+        commitPreedit();
+        copy();
+        deleteSelection();
+    }
+}
+
+void TextView::paste()
+{
+    commitPreedit();
+    const QString text = m_services.pasteboard.text();
+    if (!text.isEmpty()) {
+        insertText(text, selection().range());
+    }
+}
+
+void TextView::deleteSelection()
+{
+    removeRange(selection().range(), GroupKind::other);
+}
+
+void TextView::selectAll()
+{
+    commitPreedit();
+    m_undoManager.breakCoalescing();
+    setCaret({m_storage.length(), Affinity::downstream, {}}, 0);
+}
+
+// Scrolling
+
+void TextView::resizeEvent(QResizeEvent *event)
+{
+    QAbstractScrollArea::resizeEvent(event);
+    const bool isWidthNew = m_wrapMode == WrapMode::viewWidth && settingsForViewport().wrapWidth != m_layout.settings().wrapWidth;
+    if (isWidthNew) {
+        applySettings(settingsForViewport());
+        return;
+    }
+    m_port.setSize(viewport()->size());
+    m_layout.setCacheCapacity(static_cast<size_t>(std::max<qint64>(64, 3 * m_port.rowsPerPage())));
+    if (m_port.settle()) {
+        viewport()->update();
+    }
+    viewMoved();
+}
+
+void TextView::viewMoved()
+{
+    syncScrollBars();
+    if (m_layout.wraps() && !m_refining.isPending()) {
+        m_refining = m_services.scheduler.after(0ms, [this] {
+            const bool hasMore = m_layout.refine(m_port.topRow().line, refineBudget);
+            syncScrollBars();
+            if (hasMore) {
+                m_refining = {};
+                viewMoved();
+            }
+        });
+    }
+    emit visibleRowsChanged();
+}
+
+void TextView::syncScrollBars()
+{
+    const QScopedValueRollback<bool> syncing(m_isSyncingScrollBars, true);
+    const double maximumY = m_port.maximumY();
+    m_verticalScale = std::max(1.0, maximumY / scrollBarLimit);
+    const QPointF position = m_port.position();
+    const auto set = [](QScrollBar *bar, double maximum, double value, double page, double step) {
+        bar->setRange(0, static_cast<int>(std::ceil(maximum)));
+        bar->setPageStep(std::max(1, static_cast<int>(page)));
+        bar->setSingleStep(std::max(1, static_cast<int>(step)));
+        bar->setValue(static_cast<int>(std::lround(value)));
+    };
+    const double scale = m_verticalScale;
+    set(verticalScrollBar(), maximumY / scale, position.y() / scale, viewport()->height() / scale, m_layout.rowHeight() / scale);
+    const double width = std::min(m_port.maximumX(), scrollBarLimit);
+    set(horizontalScrollBar(), width, position.x(), viewport()->width(), 4 * m_layout.cellWidth());
+}
+
+void TextView::scrollContentsBy(int dx, int dy)
+{
+    if (m_isSyncingScrollBars) {
+        return;
+    }
+    if (dx != 0) {
+        m_port.setX(horizontalScrollBar()->value());
+    }
+    if (dy != 0) {
+        m_port.setY(verticalScrollBar()->value() * m_verticalScale);
+    }
+    viewMoved();
+    viewport()->update();
+    QGuiApplication::inputMethod()->update(Qt::ImCursorRectangle | Qt::ImAnchorRectangle);
+}
+
+void TextView::scrollRows(int rows)
+{
+    m_port.scrollBy(rows * m_layout.rowHeight());
+    viewMoved();
+    viewport()->update();
+}
+
+// Focus and the caret
+
+void TextView::focusInEvent(QFocusEvent *event)
+{
+    QAbstractScrollArea::focusInEvent(event);
+    restartBlinking();
+    viewport()->update();
+}
+
+void TextView::focusOutEvent(QFocusEvent *event)
+{
+    commitPreedit();
+    m_undoManager.breakCoalescing();
+    QAbstractScrollArea::focusOutEvent(event);
+    m_blinking.cancel();
+    viewport()->update();
+}
+
+bool TextView::focusNextPrevChild(bool next)
+{
+    // Tab belongs to the text; a view that cannot take it lets the focus pass.
+    return isReadOnly() && QAbstractScrollArea::focusNextPrevChild(next);
+}
+
+void TextView::restartBlinking()
+{
+    m_isCaretOn = true;
+    const int period = QApplication::cursorFlashTime();
+    if (!hasFocus() || period < 2) {
+        m_blinking.cancel();
+        return;
+    }
+    m_blinking = m_services.scheduler.every(std::chrono::milliseconds(period / 2), 20ms, [this] {
+        m_isCaretOn = !m_isCaretOn;
+        updateCaret();
+    });
+}
+
+void TextView::updateCaret()
+{
+    viewport()->update(caretInViewport().toAlignedRect().adjusted(-1, 0, 1, 0));
+}
+
+std::optional<QRectF> TextView::caretRow()
+{
+    const auto top = m_port.topOf(m_layout.rowOf(m_caret.offset, m_caret.affinity));
+    return top ? std::optional(QRectF(0, *top, viewport()->width(), m_layout.rowHeight())) : std::nullopt;
+}
+
+QRectF TextView::caretInViewport()
+{
+    const RowPosition row = m_layout.rowOf(m_caret.offset, m_caret.affinity);
+    const auto top = m_port.topOf(row);
+    if (!top) {
+        return {};
+    }
+    double x = m_layout.xOf(row, m_caret.offset);
+    if (isComposing()) {
+        x = m_layout.xInPreedit(row, m_preeditCaret);
+    }
+    const double dpr = devicePixelRatioF();
+    const double left = std::floor((m_port.left() + x) * dpr) / dpr;
+    double width = std::max(1.0, std::round(1.4 * dpr) / dpr);
+    if (m_caretShape != CaretShape::bar) {
+        const qsizetype next = TextBoundaries::nextGrapheme(m_storage.text(), m_caret.offset);
+        const bool isInRow = next <= m_layout.rangeOf(row).end();
+        width = isInRow && next > m_caret.offset ? std::abs(m_layout.xOf(row, next) - x) : m_layout.cellWidth();
+    }
+    return {left, *top, width, m_layout.rowHeight()};
+}
+
+QRect TextView::caretRectangle()
+{
+    return caretInViewport().toAlignedRect().translated(viewport()->pos());
+}
+
+// Looks
+
+void TextView::changeEvent(QEvent *event)
+{
+    QAbstractScrollArea::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && m_followsPalette) {
+        applyPaletteColors();
+    }
+}
+
+bool TextView::viewportEvent(QEvent *event)
+{
+    // There is no event for a screen of another scale; the first painting on it tells.
+    if (event->type() == QEvent::Paint && devicePixelRatioF() != m_layout.settings().devicePixelRatio) {
+        applySettings(settingsForViewport());
+    }
+    return QAbstractScrollArea::viewportEvent(event);
+}

@@ -1,0 +1,232 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Responder.h"
+#include "Platform/Scheduler.h"
+#include "Text/CaretMotion.h"
+#include "Text/UndoManager.h"
+#include "Text/Viewport.h"
+
+#include <QAbstractScrollArea>
+#include <QColor>
+
+class Pasteboard;
+class QMimeData;
+
+/// An editable view of a TextStorage: draws what is visible, moves the caret, takes keys, pointer, input methods and drops.
+///
+/// Any number of views may show one storage; each has its own layout, caret and scroll position and follows the edits of the others.
+/// Every change of the text goes through replaceText(), so undo, highlighting and the other views never miss one. Offsets are UTF-16
+/// units. The storage, the undo manager and the services must outlive the view. Main thread only.
+class TextView : public QAbstractScrollArea, public Responder {
+    Q_OBJECT
+
+public:
+    enum class WrapMode { none, viewWidth };
+    enum class CaretShape { bar, block, underline };
+    enum class Visibility { hidden, shown };
+    enum class Access { readWrite, readOnly };
+    enum class Reveal { no, nearest, center };
+
+    struct Services {
+        Scheduler &scheduler;
+        Pasteboard &pasteboard;
+    };
+    /// An invalid `currentLine` or `selectedText` is not drawn.
+    struct Colors {
+        QColor background;
+        QColor text;
+        QColor selection;
+        QColor caret;
+        QColor currentLine;
+        QColor invisibles;
+        QColor mark;
+    };
+    /// Asked for the stretches to be marked (search hits) within a visible range, ascending.
+    using MarkProvider = std::function<std::vector<TextRange>(TextRange visible)>;
+
+    TextView(TextStorage &storage, UndoManager &undoManager, Services services, QWidget *parent = nullptr);
+    ~TextView() override;
+
+    [[nodiscard]] TextStorage &storage() const { return m_storage; }
+    [[nodiscard]] UndoManager &undoManager() const { return m_undoManager; }
+    [[nodiscard]] LayoutManager &layoutManager() { return m_layout; }
+    [[nodiscard]] Viewport &textViewport() { return m_port; }
+
+    void setTextFont(const QFont &font);
+    [[nodiscard]] const QFont &textFont() const { return m_layout.settings().font; }
+    void setTabWidth(int cells);
+    void setWrapMode(WrapMode mode);
+    [[nodiscard]] WrapMode wrapMode() const { return m_wrapMode; }
+    /// Without a call the colours follow the palette.
+    void setColors(const Colors &colors);
+    [[nodiscard]] const Colors &colors() const { return m_colors; }
+    void setCaretShape(CaretShape shape);
+    void setInvisibles(Visibility visibility);
+    void setAccess(Access access);
+    [[nodiscard]] bool isReadOnly() const { return m_access == Access::readOnly; }
+    void setMarkProvider(MarkProvider provider);
+
+    [[nodiscard]] TextSelection selection() const { return {m_anchor, m_caret.offset}; }
+    /// Both ends are clamped to the text and moved to grapheme boundaries.
+    void setSelection(TextSelection selection, Reveal reveal = Reveal::no);
+    [[nodiscard]] QString selectedText() const;
+    void revealCaret(Reveal reveal = Reveal::nearest);
+    /// Scrolls until `offset` is seen; the caret stays where it is.
+    void revealOffset(qsizetype offset);
+
+    /// Replaces `range` by `text` as one undoable change and puts the caret behind it. Refused in a read-only view.
+    void insertText(QStringView text, TextRange range);
+    /// Caret in the coordinates of the scroll area; where an input method puts its window.
+    [[nodiscard]] QRect caretRectangle();
+    /// The place in the text nearest to a point of the viewport.
+    [[nodiscard]] Caret caretAt(QPointF point);
+    [[nodiscard]] bool isComposing() const { return !m_layout.preedit().text.isEmpty(); }
+
+    // Commands; each is also an action of the responder chain where it has a name there.
+    void undo();
+    void redo();
+    void cut();
+    void copy();
+    void paste();
+    void deleteSelection();
+    void selectAll();
+    virtual void insertNewline();
+    virtual void insertTab();
+    virtual void insertBacktab();
+    virtual void deleteBackward();
+    void deleteForward();
+    void move(Motion motion);
+    void moveAndSelect(Motion motion);
+    void deleteTo(Motion motion);
+    void scrollRows(int rows);
+
+    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+
+signals:
+    void selectionChanged();
+    /// Text, size, font or position changed what is on the screen; for a gutter beside the text.
+    void visibleRowsChanged();
+    /// Control and the wheel: positive is larger.
+    void zoomRequested(int steps);
+
+protected:
+    /// Asked before every change that begins in this view; false refuses it.
+    [[nodiscard]] virtual bool shouldChangeText(TextRange range, QStringView replacement);
+    virtual void didChangeText() {}
+    /// The one way by which this view changes its text.
+    bool replaceText(TextRange range, QStringView text, GroupKind kind, TextSelection after);
+
+    bool event(QEvent *event) override;
+    bool viewportEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void changeEvent(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void inputMethodEvent(QInputMethodEvent *event) override;
+    [[nodiscard]] QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+
+private:
+    enum class Granularity { character, word, line };
+    struct Pointer {
+        Granularity granularity = Granularity::character;
+        TextRange origin;
+        QPointF pressed;
+        QPointF last;
+        bool isSelecting = false;
+        bool mayDrag = false;
+        qint64 doubleClickedAt = 0;
+    };
+
+    [[nodiscard]] bool canUndo() const;
+    [[nodiscard]] bool canRedo() const;
+    [[nodiscard]] bool hasSelection() const;
+    [[nodiscard]] bool canCut() const;
+    [[nodiscard]] bool canPaste() const;
+    void applySettings(LayoutManager::Settings settings);
+    [[nodiscard]] LayoutManager::Settings settingsForViewport() const;
+    void storageChanged(const TextChangeList &changes);
+    void storageStylesChanged(const std::vector<TextRange> &ranges);
+    void updateForChanges(const TextChangeList &changes);
+    void setCaret(const Caret &caret, qsizetype anchor);
+    void syncScrollBars();
+    void viewMoved();
+    void updateRows(TextRange range);
+    void updateCaret();
+    [[nodiscard]] QRectF caretInViewport();
+    [[nodiscard]] std::optional<QRectF> caretRow();
+    void restartBlinking();
+    void publishPrimarySelection();
+    void applyPaletteColors();
+
+    struct KeyCommand;
+    [[nodiscard]] static const KeyCommand *commandFor(const QKeyEvent &event);
+    void removeRange(TextRange range, GroupKind kind);
+
+    void paintRow(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const std::vector<TextRange> &marks);
+    void paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
+    void paintInvisibles(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
+    void paintCaret(QPainter &painter);
+
+    void commitPreedit();
+    void selectAt(const Caret &caret, Granularity granularity);
+    void extendSelection(QPointF point);
+    void autoScroll();
+    [[nodiscard]] bool dragEnabledAt(QPointF point);
+    void startDrag();
+    void dropText(const QString &text, qsizetype offset, TextRange moved);
+    void setDropCaret(std::optional<qsizetype> offset);
+    [[nodiscard]] TextRange granule(qsizetype offset, Granularity granularity) const;
+
+    void sendAccessibleChanges(const TextChangeList &changes);
+    void sendAccessibleSelection(TextSelection before);
+
+    TextStorage &m_storage;
+    UndoManager &m_undoManager;
+    Services m_services;
+    LayoutManager m_layout;
+    Viewport m_port{m_layout};
+    WrapMode m_wrapMode = WrapMode::none;
+    CaretShape m_caretShape = CaretShape::bar;
+    Visibility m_invisibles = Visibility::hidden;
+    Access m_access = Access::readWrite;
+    Colors m_colors;
+    bool m_followsPalette = true;
+    MarkProvider m_marks;
+
+    Caret m_caret;
+    qsizetype m_anchor = 0;
+    Pointer m_pointer;
+    std::optional<qsizetype> m_dropCaret;
+    TextRange m_dragged;
+    bool m_isDragging = false;
+    bool m_isEditing = false;
+    bool m_isSyncingScrollBars = false;
+    bool m_isCaretOn = true;
+    qsizetype m_preeditCaret = 0;
+    bool m_isPreeditCaretShown = true;
+    QPointF m_wheelRest;
+    int m_zoomRest = 0;
+    double m_verticalScale = 1;
+    RepeatingTimer m_blinking;
+    RepeatingTimer m_autoScroll;
+    DelayedTask m_refining;
+    DelayedTask m_primarySettles;
+    // Only while a screen reader listens: what a removal took away.
+    std::optional<TextSnapshot> m_spoken;
+};

@@ -1,0 +1,139 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// The painting of a TextView. From back to front: background, the caret's line, marks, selection, text, invisibles, caret. Only the
+// rows in the region asked for are touched, and nothing is laid out that cannot be seen.
+
+#include "Text/TextStorage.h"
+#include "Text/TextView.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+#include <QStaticText>
+
+#include <cmath>
+
+namespace {
+
+constexpr float blockCaretAlpha = 0.45F;
+
+} // namespace
+
+void TextView::paintEvent(QPaintEvent *event)
+{
+    const QRectF area = event->rect();
+    QPainter painter(viewport());
+    // Larger than what was asked for: at a fractional scale the clip's edge, not the rectangle's, decides about a pixel in between.
+    painter.fillRect(area.adjusted(-1, -1, 1, 1), m_colors.background);
+    painter.setFont(m_layout.settings().font);
+    const double left = m_port.left();
+    const Span visible{area.left() - 1 - left, area.right() + 1 - left};
+    const auto rows = m_port.rows(area.top() - 1, area.bottom() + 1);
+    std::vector<TextRange> marks;
+    if (m_marks && !rows.empty()) {
+        marks = m_marks(TextRange::between(m_layout.rangeOf(rows.front().row).location, m_layout.rangeOf(rows.back().row).end()));
+    }
+    if (m_colors.currentLine.isValid() && hasFocus()) {
+        const qsizetype line = m_storage.text().lineAt(m_caret.offset);
+        for (const Viewport::VisibleRow &row : rows) {
+            if (row.row.line == line) {
+                painter.fillRect(QRectF(area.left() - 1, row.top, area.width() + 2, m_layout.rowHeight()), m_colors.currentLine);
+            }
+        }
+    }
+    for (const Viewport::VisibleRow &row : rows) {
+        paintRow(painter, row, visible, marks);
+    }
+    paintCaret(painter);
+}
+
+void TextView::paintRow(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const std::vector<TextRange> &marks)
+{
+    const double left = m_port.left();
+    for (const TextRange mark : marks) {
+        for (const Span span : m_layout.spansOf(row.row, mark, visible)) {
+            painter.fillRect(QRectF(left + span.left, row.top, span.right - span.left, m_layout.rowHeight()), m_colors.mark);
+        }
+    }
+    paintSelection(painter, row, visible);
+    painter.setPen(m_colors.text);
+    m_layout.forEachLayout(
+        row.row, visible, [&](const SegmentLayout &shown, int inLayout, double x) { shown.drawRow(painter, inLayout, left + x, row.top); });
+    if (m_invisibles == Visibility::shown) {
+        paintInvisibles(painter, row, visible);
+    }
+}
+
+void TextView::paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+{
+    const TextRange selected = selection().range();
+    if (selected.isEmpty()) {
+        return;
+    }
+    const TextRange units = m_layout.rangeOf(row.row);
+    if (selected.end() < units.location || selected.location > units.end()) {
+        return;
+    }
+    const double left = m_port.left();
+    const double height = m_layout.rowHeight();
+    for (const Span span : m_layout.spansOf(row.row, selected, visible)) {
+        painter.fillRect(QRectF(left + span.left, row.top, span.right - span.left, height), m_colors.selection);
+    }
+    // A selected line break shows as a stub behind the text, or an empty line would look unselected.
+    const bool hasBreak = selected.location <= units.end() && selected.end() > units.end() && m_layout.endsLine(row.row);
+    if (hasBreak) {
+        const double end = m_layout.widthOf(row.row);
+        painter.fillRect(QRectF(left + end, row.top, m_layout.cellWidth() / 2, height), m_colors.selection);
+    }
+}
+
+void TextView::paintInvisibles(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+{
+    painter.setPen(m_colors.invisibles);
+    const double left = m_port.left();
+    const double baseline = row.top + m_layout.baseline();
+    m_layout.forEachLayout(row.row, visible, [&](const SegmentLayout &shown, int inLayout, double x) {
+        const TextRange units = m_layout.wraps() ? shown.rowRange(inLayout) : shown.range();
+        RopeCursor cursor(m_storage.text());
+        for (qsizetype offset = units.location; offset < units.end(); ++offset) {
+            const char16_t unit = cursor.at(offset);
+            if (unit == u' ' || unit == u'\t') {
+                const double at = x + shown.xOf(inLayout, offset);
+                if (at > visible.right) {
+                    break;
+                }
+                painter.drawText(QPointF(left + at, baseline), unit == u' ' ? QStringLiteral("\u00B7") : QStringLiteral("\u2192"));
+            }
+        }
+    });
+    const TextRange units = m_layout.rangeOf(row.row);
+    if (m_layout.endsLine(row.row) && units.end() < m_storage.length()) {
+        const double end = m_layout.widthOf(row.row);
+        if (end <= visible.right) {
+            painter.drawText(QPointF(left + end, baseline), QStringLiteral("\u00AC"));
+        }
+    }
+}
+
+void TextView::paintCaret(QPainter &painter)
+{
+    if (m_dropCaret) {
+        const RowPosition row = m_layout.rowOf(*m_dropCaret);
+        if (const auto top = m_port.topOf(row)) {
+            painter.fillRect(QRectF(std::floor(m_port.left() + m_layout.xOf(row, *m_dropCaret)), *top, 2, m_layout.rowHeight()),
+                             m_colors.caret);
+        }
+    }
+    const bool isShown = hasFocus() && (m_isCaretOn || m_caretShape == CaretShape::block) && (!isComposing() || m_isPreeditCaretShown);
+    if (!isShown) {
+        return;
+    }
+    QRectF caret = caretInViewport();
+    QColor color = m_colors.caret;
+    if (m_caretShape == CaretShape::block) {
+        color.setAlphaF(blockCaretAlpha);
+    } else if (m_caretShape == CaretShape::underline) {
+        caret.setTop(caret.bottom() - 2);
+    }
+    painter.fillRect(caret, color);
+}

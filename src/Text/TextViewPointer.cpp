@@ -1,0 +1,355 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// Pointer, wheel, drag and drop in a TextView.
+
+#include "Platform/LazyTextMimeData.h"
+#include "Platform/Pasteboard.h"
+#include "Platform/Translation.h"
+#include "Text/TextBoundaries.h"
+#include "Text/TextStorage.h"
+#include "Text/TextView.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QDrag>
+#include <QDragEnterEvent>
+#include <QInputMethod>
+#include <QMenu>
+#include <QMimeData>
+#include <QPointer>
+#include <QScopedValueRollback>
+#include <QStyleHints>
+
+#include <cmath>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+bool takesDrop(const QMimeData *data)
+{
+    // Files are the window's: it opens them.
+    return data->hasText() && !data->hasUrls();
+}
+
+} // namespace
+
+TextRange TextView::granule(qsizetype offset, Granularity granularity) const
+{
+    const Rope &text = m_storage.text();
+    switch (granularity) {
+    case Granularity::character:
+        return {offset, 0};
+    case Granularity::word:
+        return TextBoundaries::wordAt(text, offset);
+    case Granularity::line: {
+        const qsizetype line = text.lineAt(offset);
+        return TextRange::between(text.lineStart(line), line + 1 < text.lineCount() ? text.lineStart(line + 1) : text.length());
+    }
+    }
+    Q_UNREACHABLE();
+}
+
+void TextView::selectAt(const Caret &caret, Granularity granularity)
+{
+    m_undoManager.breakCoalescing();
+    m_pointer.granularity = granularity;
+    m_pointer.origin = granule(caret.offset, granularity);
+    m_pointer.isSelecting = true;
+    const qsizetype end = m_pointer.origin.end();
+    setCaret({end, granularity == Granularity::character ? caret.affinity : Affinity::downstream, {}}, m_pointer.origin.location);
+}
+
+void TextView::extendSelection(QPointF point)
+{
+    const Caret caret = caretAt(point);
+    const TextRange reached = granule(caret.offset, m_pointer.granularity);
+    const TextRange origin = m_pointer.origin;
+    if (reached.location < origin.location) {
+        setCaret({reached.location, caret.affinity, {}}, origin.end());
+    } else {
+        const bool isWhole = m_pointer.granularity != Granularity::character;
+        setCaret({std::max(reached.end(), origin.end()), isWhole ? Affinity::downstream : caret.affinity, {}}, origin.location);
+    }
+}
+
+void TextView::mousePressEvent(QMouseEvent *event)
+{
+    commitPreedit();
+    m_pointer.last = m_pointer.pressed = event->position();
+    const Caret caret = caretAt(event->position());
+    if (event->button() == Qt::MiddleButton) {
+        if (m_services.pasteboard.supportsPrimary() && !isReadOnly()) {
+            const QString text = m_services.pasteboard.primaryText();
+            if (!text.isEmpty()) {
+                m_undoManager.breakCoalescing();
+                insertText(text, {caret.offset, 0});
+            }
+        }
+        return;
+    }
+    if (event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    const bool isTriple = m_pointer.doubleClickedAt != 0 && static_cast<qint64>(event->timestamp()) - m_pointer.doubleClickedAt <
+                                                                QGuiApplication::styleHints()->mouseDoubleClickInterval();
+    m_pointer.doubleClickedAt = 0;
+    if (isTriple) {
+        selectAt(caret, Granularity::line);
+    } else if (event->modifiers() & Qt::ShiftModifier) {
+        m_undoManager.breakCoalescing();
+        m_pointer.granularity = Granularity::character;
+        m_pointer.origin = {m_anchor, 0};
+        m_pointer.isSelecting = true;
+        extendSelection(event->position());
+    } else if (selection().range().contains(caret.offset) && dragEnabledAt(event->position())) {
+        m_pointer.mayDrag = true;
+    } else {
+        selectAt(caret, Granularity::character);
+    }
+}
+
+bool TextView::dragEnabledAt(QPointF point)
+{
+    // Beside the text of a row there is nothing to take hold of.
+    const Viewport::VisibleRow row = m_port.rowAt(point.y());
+    const double x = point.x() - m_port.left();
+    const auto spans = m_layout.spansOf(row.row, selection().range(), {x, x});
+    return std::any_of(spans.begin(), spans.end(), [x](Span span) { return span.left <= x && x <= span.right; });
+}
+
+void TextView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton) {
+        QAbstractScrollArea::mouseDoubleClickEvent(event);
+        return;
+    }
+    commitPreedit();
+    m_pointer.mayDrag = false;
+    m_pointer.last = m_pointer.pressed = event->position();
+    m_pointer.doubleClickedAt = static_cast<qint64>(event->timestamp());
+    const Viewport::VisibleRow row = m_port.rowAt(event->position().y());
+    selectAt({m_layout.graphemeAt(row.row, event->position().x() - m_port.left()), Affinity::downstream, {}}, Granularity::word);
+}
+
+void TextView::mouseMoveEvent(QMouseEvent *event)
+{
+    m_pointer.last = event->position();
+    if (!(event->buttons() & Qt::LeftButton)) {
+        const bool isOverSelection = !selection().isEmpty() && dragEnabledAt(event->position());
+        viewport()->setCursor(isOverSelection ? Qt::ArrowCursor : Qt::IBeamCursor);
+        return;
+    }
+    if (m_pointer.mayDrag) {
+        if ((event->position() - m_pointer.pressed).manhattanLength() >= QApplication::startDragDistance()) {
+            m_pointer.mayDrag = false;
+            startDrag();
+        }
+        return;
+    }
+    if (!m_pointer.isSelecting) {
+        return;
+    }
+    extendSelection(event->position());
+    if (QRectF(viewport()->rect()).contains(event->position())) {
+        m_autoScroll.cancel();
+    } else if (!m_autoScroll.isPending()) {
+        m_autoScroll = m_services.scheduler.every(30ms, 5ms, [this] { autoScroll(); });
+    }
+}
+
+void TextView::autoScroll()
+{
+    const QRectF area = viewport()->rect();
+    const auto beyond = [](double value, double from, double to) { return value < from ? value - from : std::max(0.0, value - to); };
+    // The farther outside the pointer is, the faster it goes.
+    m_port.scrollBy(beyond(m_pointer.last.y(), area.top(), area.bottom()) / 2);
+    m_port.setX(m_port.position().x() + beyond(m_pointer.last.x(), area.left(), area.right()) / 2);
+    extendSelection(
+        {std::clamp(m_pointer.last.x(), area.left(), area.right()), std::clamp(m_pointer.last.y(), area.top(), area.bottom() - 1)});
+    viewMoved();
+    viewport()->update();
+}
+
+void TextView::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton) {
+        return;
+    }
+    m_autoScroll.cancel();
+    if (m_pointer.mayDrag) {
+        // The press in the selection was no drag: it meant the place.
+        m_pointer.mayDrag = false;
+        const Caret caret = caretAt(event->position());
+        setCaret(caret, caret.offset);
+    }
+    m_pointer.isSelecting = false;
+    revealCaret();
+    publishPrimarySelection();
+}
+
+void TextView::wheelEvent(QWheelEvent *event)
+{
+    if (event->modifiers() & Qt::ControlModifier) {
+        m_zoomRest += event->angleDelta().y();
+        const int steps = m_zoomRest / QWheelEvent::DefaultDeltasPerStep;
+        m_zoomRest -= steps * QWheelEvent::DefaultDeltasPerStep;
+        if (steps != 0) {
+            emit zoomRequested(steps);
+        }
+        event->accept();
+        return;
+    }
+    QPointF pixels = event->pixelDelta();
+    // X11 reports pixels that mean nothing.
+    if (pixels.isNull() || QGuiApplication::platformName() == QLatin1String("xcb")) {
+        const double row = QApplication::wheelScrollLines() * m_layout.rowHeight();
+        pixels = QPointF(event->angleDelta()) / QWheelEvent::DefaultDeltasPerStep * row;
+    }
+    if (event->modifiers() & Qt::ShiftModifier) {
+        pixels = pixels.transposed();
+    }
+    // Only whole device pixels move; what is left over counts with the next turn of the wheel.
+    const double dpr = devicePixelRatioF();
+    m_wheelRest += pixels;
+    const QPointF whole(std::trunc(m_wheelRest.x() * dpr) / dpr, std::trunc(m_wheelRest.y() * dpr) / dpr);
+    m_wheelRest -= whole;
+    m_port.scrollBy(-whole.y());
+    m_port.setX(m_port.position().x() - whole.x());
+    viewMoved();
+    viewport()->update();
+    event->accept();
+}
+
+void TextView::contextMenuEvent(QContextMenuEvent *event)
+{
+    struct Item {
+        const char *selector;
+        QStringView title;
+    };
+    constexpr Item items[] = {{"undo:", u"Undo"},     {"redo:", u"Redo"}, {nullptr, {}},
+                              {"cut:", u"Cut"},       {"copy:", u"Copy"}, {"paste:", u"Paste"},
+                              {"delete:", u"Delete"}, {nullptr, {}},      {"selectAll:", u"Select All"}};
+    auto *menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    for (const Item &item : items) {
+        if (!item.selector) {
+            menu->addSeparator();
+            continue;
+        }
+        const Selector selector(item.selector);
+        QAction *entry = menu->addAction(localized(item.title), this, [this, selector] { perform(selector); });
+        entry->setEnabled(state(selector).isEnabled);
+    }
+    const QPoint place = event->reason() == QContextMenuEvent::Keyboard ? mapToGlobal(caretRectangle().bottomLeft()) : event->globalPos();
+    menu->popup(place);
+}
+
+// Drag and drop
+
+void TextView::startDrag()
+{
+    m_dragged = selection().range();
+    m_isDragging = true;
+    const QPointer<TextView> alive(this);
+    auto *drag = new QDrag(this);
+    drag->setMimeData(new LazyTextMimeData([snapshot = m_storage.snapshot(), range = m_dragged] { return snapshot.text.toString(range); }));
+    const Qt::DropActions allowed = isReadOnly() ? Qt::DropActions(Qt::CopyAction) : Qt::CopyAction | Qt::MoveAction;
+    const Qt::DropAction done = drag->exec(allowed, isReadOnly() ? Qt::CopyAction : Qt::MoveAction);
+    if (!alive) {
+        return;
+    }
+    // A move within this view has already taken the text from where it was.
+    if (done == Qt::MoveAction && m_isDragging && !m_dragged.isEmpty()) {
+        removeRange(m_dragged, GroupKind::other);
+    }
+    m_isDragging = false;
+    m_dragged = {};
+}
+
+void TextView::setDropCaret(std::optional<qsizetype> offset)
+{
+    if (m_dropCaret != offset) {
+        m_dropCaret = offset;
+        viewport()->update();
+    }
+}
+
+void TextView::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (isReadOnly() || !takesDrop(event->mimeData())) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+}
+
+void TextView::dragMoveEvent(QDragMoveEvent *event)
+{
+    if (isReadOnly() || !takesDrop(event->mimeData())) {
+        setDropCaret({});
+        event->ignore();
+        return;
+    }
+    const double edge = m_layout.rowHeight();
+    const QPointF point = event->position();
+    if (point.y() < edge) {
+        scrollRows(-1);
+    } else if (point.y() > viewport()->height() - edge) {
+        scrollRows(1);
+    }
+    setDropCaret(caretAt(point).offset);
+    event->acceptProposedAction();
+}
+
+void TextView::dragLeaveEvent(QDragLeaveEvent *event)
+{
+    setDropCaret({});
+    event->accept();
+}
+
+void TextView::dropEvent(QDropEvent *event)
+{
+    setDropCaret({});
+    if (isReadOnly() || !takesDrop(event->mimeData())) {
+        event->ignore();
+        return;
+    }
+    const bool isOwnMove = m_isDragging && event->source() == this && event->dropAction() == Qt::MoveAction;
+    const TextRange moved = isOwnMove ? m_dragged : TextRange{};
+    event->acceptProposedAction();
+    dropText(event->mimeData()->text(), caretAt(event->position()).offset, moved);
+    if (isOwnMove) {
+        m_isDragging = false;
+    }
+    setFocus(Qt::MouseFocusReason);
+}
+
+void TextView::dropText(const QString &text, qsizetype offset, TextRange taken)
+{
+    if (!taken.isEmpty() && taken.location <= offset && offset <= taken.end()) {
+        return; // onto itself
+    }
+    if (!shouldChangeText(taken, {}) || !shouldChangeText({offset, 0}, text)) {
+        return;
+    }
+    m_undoManager.breakCoalescing();
+    qsizetype at = offset;
+    {
+        const QScopedValueRollback<bool> editing(m_isEditing, true);
+        m_undoManager.beginGroup(GroupKind::other, selection(), this);
+        m_storage.beginEditing();
+        if (!taken.isEmpty()) {
+            m_storage.replaceCharacters(taken, QStringView());
+            at -= taken.end() <= offset ? taken.length : 0;
+        }
+        m_storage.replaceCharacters({at, 0}, text);
+        m_storage.endEditing();
+        m_undoManager.endGroup({at, at + text.length()});
+        setCaret({at + text.length(), Affinity::downstream, {}}, at);
+    }
+    revealCaret();
+    didChangeText();
+}

@@ -1,0 +1,130 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Text/TextStorage.h"
+
+#include <QObject>
+
+#include <chrono>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <vector>
+
+/// What the edits of a group have in common; all but `other` let groups grow together.
+enum class GroupKind { typing, deletingBackward, deletingForward, other };
+
+/// The edits of one document in groups that are undone and redone as one. Main thread only.
+///
+/// It records whatever is replaced in its storage. Edits inside beginGroup() … endGroup() belong to that group, those of a batch outside
+/// any to one of their own. Groups of the same view and kind that follow each other within a second, each beginning where the last ended,
+/// become one, unless breakCoalescing() came between them. The text that groups keep shares leaves with the document; a group of many
+/// edits is kept as the stretch around them before and after. When the groups keep more than `unitLimit()` units, the oldest go.
+class UndoManager final : public QObject, private EditRecorder {
+    Q_OBJECT
+
+public:
+    /// Time since any fixed moment; never runs backwards.
+    using Clock = std::function<std::chrono::milliseconds()>;
+
+    /// Becomes the recorder of `storage`, which must outlive it.
+    UndoManager(TextStorage &storage, Clock clock, QObject *parent = nullptr);
+    ~UndoManager() override;
+
+    /// `view` only tells groups of different views apart. Calls nest, and the outermost ones count. A group without edits leaves no trace.
+    void beginGroup(GroupKind kind, TextSelection before, const void *view);
+    void endGroup(TextSelection after);
+    [[nodiscard]] bool isGrouping() const { return m_depth > 0; }
+    /// The next group begins anew: to be called when the caret jumps, the focus changes, the document is saved.
+    void breakCoalescing() { m_mayCoalesce = false; }
+
+    [[nodiscard]] bool canUndo() const { return m_done > 0; }
+    [[nodiscard]] bool canRedo() const { return m_done < qsizetype(m_groups.size()); }
+    /// Takes back the last group in one batch and returns the selection from before it. Nothing when there is none, or a group is open.
+    std::optional<TextSelection> undo();
+    /// Repeats the group taken back last and returns the selection from after it.
+    std::optional<TextSelection> redo();
+
+    /// Forgets all groups; the text stays at the save point if it is there now.
+    void removeAllActions();
+    /// The text as it is now is the one saved. A group that is open ends here; its further edits make another.
+    void markSavePoint();
+    [[nodiscard]] bool isAtSavePoint() const { return m_savePoint == m_done; }
+
+    /// How many UTF-16 code units of removed and inserted text are kept at most; the last group is kept whatever its size.
+    [[nodiscard]] qsizetype unitLimit() const { return m_unitLimit; }
+    void setUnitLimit(qsizetype limit);
+
+    /// While it lives edits are not recorded. The groups recorded before do not fit the text after such an edit, so they go with it, and
+    /// so does the save point.
+    class Pause final {
+    public:
+        explicit Pause(UndoManager &manager) : m_manager(manager) { ++m_manager.m_pauses; }
+        ~Pause() { --m_manager.m_pauses; }
+        Q_DISABLE_COPY_MOVE(Pause)
+
+    private:
+        UndoManager &m_manager;
+    };
+
+signals:
+    /// canUndo(), canRedo() or isAtSavePoint() gives another answer than before.
+    void stateChanged();
+
+private:
+    struct Edit {
+        qsizetype position = 0;
+        Rope removed;
+        Rope inserted;
+    };
+    struct Group {
+        GroupKind kind = GroupKind::other;
+        const void *view = nullptr;
+        TextSelection before;
+        TextSelection after;
+        std::chrono::milliseconds time{0};
+        std::vector<Edit> edits;
+        qsizetype units = 0;
+        /// Set while a group of many edits is open: the text before it, and the stretch that its edits touched.
+        std::optional<Rope> textBefore;
+        TextChange hull;
+    };
+    struct State {
+        bool canUndo = false;
+        bool canRedo = false;
+        bool isAtSavePoint = true;
+        friend bool operator==(const State &, const State &) = default;
+    };
+    /// Whose edits a group that is open now takes.
+    enum class Opened { none, byCaller, byEdit };
+
+    TextStorage &m_storage;
+    Clock m_clock;
+    std::deque<Group> m_groups;
+    qsizetype m_done = 0;      ///< groups applied to the text; those behind can be redone
+    qsizetype m_savePoint = 0; ///< the number done at the last save, -1 when that text cannot be reached any more
+    qsizetype m_units = 0;
+    qsizetype m_unitLimit = qsizetype(256) * 1024 * 1024;
+
+    int m_depth = 0;
+    int m_pauses = 0;
+    bool m_isReplaying = false;
+    bool m_mayCoalesce = false;
+    Group m_next;                   ///< what begins with the next edit
+    Opened m_opened = Opened::none; ///< m_groups[m_done - 1] still takes edits
+    State m_lastState;
+
+    void recordEdit(qsizetype position, const Rope &removed, const Rope &inserted) override;
+    void openGroup(const Edit &first);
+    [[nodiscard]] bool continuesLastGroup(const Edit &first) const;
+    void closeGroup(TextSelection after);
+    void closeGroupOfBatch();
+    [[nodiscard]] TextSelection selectionAfterEdits() const;
+    static bool extendEdit(Edit &last, const Edit &next);
+    void keepHull(Group &group);
+    void dropRedo();
+    void dropOldGroups();
+    void replay(const std::function<void()> &edits, qsizetype done);
+    void tellState();
+};

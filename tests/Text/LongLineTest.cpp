@@ -1,0 +1,121 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Text/LongLine.h"
+
+#include "Text/DisplayText.h"
+#include "Text/Rope.h"
+#include "Text/TextBoundaries.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+LongLine::Measure byLength(TextRange range)
+{
+    return {static_cast<double>(range.length), 1 + range.length / 10, false};
+}
+
+QString randomLine(std::mt19937 &random, int length)
+{
+    static const QString pieces[] = {u"a"_s, u"word"_s, u" "_s, u"\t"_s, u","_s, u"é"_s, u"e\u0301"_s, u"\U0001F600"_s, u"水"_s, u"}{"_s};
+    QString line;
+    while (line.length() < length) {
+        line += pieces[std::uniform_int_distribution<size_t>(0, std::size(pieces) - 1)(random)];
+    }
+    return line;
+}
+
+void checkCuts(const LongLine &line, const Rope &text, qsizetype segmentLength)
+{
+    qsizetype expected = line.range().location;
+    double x = 0;
+    qint64 rows = 0;
+    for (int index = 0; index < line.segmentCount(); ++index) {
+        const TextRange segment = line.segment(index);
+        ASSERT_EQ(segment.location, expected);
+        ASSERT_LE(segment.length, segmentLength + segmentLength / 2);
+        ASSERT_EQ(TextBoundaries::snapped(text, segment.location), segment.location) << "a cut inside a grapheme";
+        ASSERT_EQ(line.segmentAt(segment.location), index);
+        ASSERT_DOUBLE_EQ(line.x(index), x);
+        ASSERT_EQ(line.firstRow(index), rows);
+        ASSERT_EQ(line.segmentAtRow(rows), index);
+        ASSERT_EQ(line.segmentAtX(x + 0.5), index);
+        expected = segment.end();
+        x += line.measure(index).width;
+        rows += line.measure(index).rows;
+    }
+    ASSERT_EQ(expected, line.range().end());
+    ASSERT_EQ(line.rowCount(), rows);
+}
+
+class LongLineWalk : public testing::TestWithParam<unsigned> {};
+
+TEST_P(LongLineWalk, EditsKeepTheSegmentsWholeAndTheCutsElsewhere)
+{
+    constexpr qsizetype segmentLength = 64;
+    std::mt19937 random(GetParam());
+    const auto below = [&](qsizetype limit) { return std::uniform_int_distribution<qsizetype>(0, limit - 1)(random); };
+    const QString before = u"first line\n"_s;
+    QString plain = before + randomLine(random, 3000);
+    Rope text(plain);
+    LongLine line(text, {before.length(), plain.length() - before.length()}, segmentLength, byLength);
+    ASSERT_NO_FATAL_FAILURE(checkCuts(line, text, segmentLength));
+    for (int step = 0; step < 300; ++step) {
+        qsizetype from = TextBoundaries::snapped(text, before.length() + below(line.range().length + 1));
+        from = std::max(from, before.length());
+        qsizetype to = from;
+        for (qsizetype count = below(step % 20 == 0 ? 150 : 4); count > 0; --count) {
+            to = TextBoundaries::nextGrapheme(text, to);
+        }
+        const QString inserted = below(3) == 0 ? QString() : randomLine(random, static_cast<int>(below(step % 30 == 0 ? 400 : 6)));
+        std::vector<qsizetype> farBefore;
+        for (int index = 0; index < line.segmentCount() && line.segment(index).end() < from; ++index) {
+            farBefore.push_back(line.segment(index).location);
+        }
+        plain.replace(from, to - from, inserted);
+        text.replace(TextRange::between(from, to), inserted);
+        line.replaced(text, from, to - from, inserted.length(), byLength);
+        ASSERT_EQ(line.range().end(), plain.length());
+        for (size_t index = 0; index < farBefore.size(); ++index) {
+            ASSERT_EQ(line.segment(static_cast<int>(index)).location, farBefore[index]) << "an edit moved a cut before it";
+        }
+        // A combining mark that came to stand at a cut is the one thing that may break the rule; the alphabet has none alone.
+        ASSERT_NO_FATAL_FAILURE(checkCuts(line, text, segmentLength)) << "seed " << GetParam() << ", step " << step;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, LongLineWalk, testing::Range(1U, 7U));
+
+TEST(LongLine, CutsAfterTabsThenSpacesThenMarks)
+{
+    const auto cut = [](const QString &text) { return LongLine::cutBefore(Rope(text), 0, 10); };
+    EXPECT_EQ(cut(u"ab\tcd ef,gh0123"_s), 3);
+    EXPECT_EQ(cut(u"abc cd,ef0123456"_s), 4);
+    EXPECT_EQ(cut(u"abc,def;gh0123"_s), 8);
+    EXPECT_EQ(cut(u"abcdefghijklmn"_s), 10);
+    EXPECT_EQ(cut(u"abcdefghi\U0001F600jkl"_s), 9) << "a pair stays together";
+    EXPECT_EQ(cut(u"abcdefghie\u0301jkl"_s), 9) << "a letter keeps its accent";
+}
+
+TEST(DisplayText, ReplacesWhatALayoutWouldActUponAndKeepsTheLength)
+{
+    const QString text = u"a\tb\u0001c\u2028d\u2029e\u0085f\u007F"_s + QChar(0xD800) + u"g\U0001F600"_s + QChar(0xDC00);
+    const QString shown = displayText(Rope(text), {0, text.length()});
+    EXPECT_EQ(shown, u"a\tb\u2401c\u21B5d\u00B6e\u2424f\u2421\uFFFDg\U0001F600\uFFFD"_s);
+}
+
+TEST(DisplayText, CountsCells)
+{
+    const auto cells = [](const QString &text) {
+        const CellCount count = countCells(Rope(text), {0, text.length()}, 4);
+        return std::tuple(count.narrow, count.wide, count.isExact);
+    };
+    EXPECT_EQ(cells(u"ab\tc\t"_s), std::tuple(8, 0, true));
+    EXPECT_EQ(cells(u"é水e\u0301\U0001F600"_s), std::tuple(2, 2, false));
+}
+
+} // namespace

@@ -1,0 +1,100 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Text/RowMap.h"
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <random>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A plain list of rows a line, 0 where nothing is known.
+class RowMapModel {
+public:
+    std::vector<qint64> rows = std::vector<qint64>(1, 0);
+
+    void compare(const RowMap &map) const
+    {
+        map.checkInvariants();
+        ASSERT_EQ(map.lineCount(), std::ssize(rows));
+        qint64 before = 0;
+        bool isKnown = true;
+        for (size_t line = 0; line < rows.size(); ++line) {
+            const auto number = static_cast<qsizetype>(line);
+            ASSERT_EQ(map.isMeasured(number), rows[line] > 0) << "line " << line;
+            if (isKnown) {
+                ASSERT_EQ(map.rowsBefore(number), before) << "line " << line;
+            }
+            const RowMap::Place place = map.lineAtRow(map.rowsBefore(number));
+            ASSERT_EQ(place.line, number);
+            ASSERT_EQ(place.row, 0);
+            if (rows[line] > 1 && isKnown) {
+                ASSERT_EQ(map.lineAtRow(before + rows[line] - 1).row, rows[line] - 1);
+            }
+            isKnown = isKnown && rows[line] > 0;
+            before += rows[line];
+        }
+        const bool hasGap = std::find(rows.begin(), rows.end(), 0) != rows.end();
+        ASSERT_EQ(map.gapNear(0).has_value(), hasGap);
+        if (!hasGap) {
+            ASSERT_EQ(map.rowCount(), before);
+        }
+    }
+};
+
+class RowMapWalk : public testing::TestWithParam<unsigned> {};
+
+TEST_P(RowMapWalk, AgreesWithAPlainList)
+{
+    std::mt19937 random(GetParam());
+    const auto below = [&](qsizetype limit) { return std::uniform_int_distribution<qsizetype>(0, limit - 1)(random); };
+    RowMap map([](qsizetype, qsizetype count) { return count + count / 3; });
+    RowMapModel model;
+    for (int step = 0; step < 400; ++step) {
+        const qsizetype lines = std::ssize(model.rows);
+        const qsizetype line = below(lines);
+        switch (below(5)) {
+        case 0: {
+            const qsizetype removed = std::min(below(4), lines - line - 1);
+            const qsizetype inserted = below(step % 50 == 0 ? 300 : 5);
+            map.linesChanged(line, removed, inserted);
+            const auto at = model.rows.begin() + line;
+            model.rows.insert(model.rows.erase(at, at + removed + 1), static_cast<size_t>(inserted) + 1, 0);
+            break;
+        }
+        case 1: {
+            const qsizetype count = std::min<qsizetype>(1 + below(80), lines - line);
+            map.setSingleRows(line, count);
+            std::fill_n(model.rows.begin() + line, count, 1);
+            break;
+        }
+        default: {
+            const qint64 rows = 1 + below(3);
+            map.setRows(line, rows);
+            model.rows[static_cast<size_t>(line)] = rows;
+        }
+        }
+        ASSERT_NO_FATAL_FAILURE(model.compare(map)) << "seed " << GetParam() << ", step " << step;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RowMapWalk, testing::Range(1U, 9U));
+
+TEST(RowMap, ManyMeasuredLinesStayFewBlocks)
+{
+    RowMap map([](qsizetype, qsizetype count) { return count; });
+    map.reset(1'000'000);
+    for (qsizetype line = 400'000; line < 410'000; ++line) {
+        map.setRows(line, line % 100 == 0 ? 7 : 1);
+    }
+    EXPECT_LT(map.blockCount(), 250);
+    map.setSingleRows(0, 400'000);
+    map.setSingleRows(410'000, 590'000);
+    EXPECT_FALSE(map.gapNear(5).has_value());
+    EXPECT_EQ(map.rowCount(), 1'000'000 + 100 * 6);
+}
+
+} // namespace

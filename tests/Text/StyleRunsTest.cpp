@@ -1,0 +1,134 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Text/StyleRuns.h"
+#include "RandomText.h"
+#include "Text/StyleRunsCode.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace {
+
+using Styles = std::vector<StyleId>;
+
+template<class Runs>
+void expectSame(const Runs &runs, const Styles &model, TextRange range)
+{
+    ASSERT_TRUE(runs.checkInvariants());
+    ASSERT_EQ(runs.length(), qsizetype(model.size()));
+    Styles read;
+    StyleId previous = 0xffff;
+    runs.forEachRun(range, [&](TextRange run, StyleId style) {
+        EXPECT_EQ(run.location, range.location + qsizetype(read.size()));
+        EXPECT_NE(style, previous);
+        previous = style;
+        read.insert(read.end(), size_t(run.length), style);
+    });
+    ASSERT_EQ(read, Styles(model.begin() + range.location, model.begin() + range.end()));
+}
+
+std::vector<TextRange> differences(const Styles &a, const Styles &b)
+{
+    std::vector<TextRange> result;
+    for (size_t i = 0; i < a.size(); ++i) {
+        if (a[i] == b[i])
+            continue;
+        if (!result.empty() && result.back().end() == qsizetype(i))
+            ++result.back().length;
+        else
+            result.push_back({qsizetype(i), 1});
+    }
+    return result;
+}
+
+template<class Runs>
+void runScript(quint32 seed)
+{
+    Random random(seed);
+    std::ostringstream script;
+    Runs runs;
+    Styles model;
+    std::vector<std::pair<Runs, Styles>> snapshots;
+    for (int step = 0; step < 150; ++step) {
+        const qsizetype length = qsizetype(model.size());
+        const qsizetype from = random.below(length + 1);
+        const TextRange range{from, std::min(random.below(random.oneIn(6) ? 150 : 8), length - from)};
+        if (random.oneIn(2)) {
+            const qsizetype inserted = random.below(random.oneIn(6) ? 80 : 4);
+            script << "replace({" << from << "," << range.length << "}, " << inserted << ");\n";
+            runs.replace(range, inserted);
+            const StyleId style = from > 0 ? model[size_t(from) - 1] : plainStyle;
+            model.erase(model.begin() + from, model.begin() + range.end());
+            model.insert(model.begin() + from, size_t(inserted), style);
+        } else {
+            std::vector<StyleRun> wanted;
+            Styles changed = model;
+            script << "assign({" << from << "," << range.length << "}, {";
+            for (qsizetype at = from; at < range.end(); at += wanted.back().length) {
+                // Some of it stays as it is.
+                const StyleId style = random.oneIn(3) ? model[size_t(at)] : StyleId(random.below(3));
+                wanted.push_back({std::min(1 + random.below(5), range.end() - at), style});
+                script << "{" << wanted.back().length << "," << style << "},";
+                std::fill_n(changed.begin() + at, wanted.back().length, style);
+            }
+            script << "});\n";
+            ASSERT_EQ(runs.assign(range, wanted), differences(model, changed)) << "seed " << seed << "\n" << script.str();
+            model = changed;
+        }
+        ASSERT_NO_FATAL_FAILURE(expectSame(runs, model, {0, runs.length()})) << "seed " << seed << "\n" << script.str();
+        const qsizetype part = random.below(runs.length() + 1);
+        ASSERT_NO_FATAL_FAILURE(expectSame(runs, model, {part, random.below(runs.length() - part + 1)})) << script.str();
+        if (random.oneIn(12))
+            snapshots.emplace_back(runs, model);
+    }
+    for (const auto &[snapshot, styles] : snapshots)
+        ASSERT_NO_FATAL_FAILURE(expectSame(snapshot, styles, {0, snapshot.length()})) << "seed " << seed << "\n" << script.str();
+}
+
+TEST(StyleRuns, RandomChangesEqualThoseOfAVector)
+{
+    for (quint32 seed = 1; seed <= 60 && !testing::Test::HasFatalFailure(); ++seed) {
+        runScript<RunTree<4, 4>>(seed);
+        runScript<RunTree<9, 5>>(seed);
+        runScript<StyleRuns>(seed);
+    }
+}
+
+TEST(StyleRuns, RunsLongerThanALeafEntryGoOn)
+{
+    StyleRuns runs;
+    runs.replace({0, 0}, 10'000'000);
+    const StyleRun coloured{300'000, 7};
+    EXPECT_EQ(runs.assign({1'000'000, 300'000}, {&coloured, 1}).size(), 1U);
+    runs.replace({1'200'000, 0}, 100'000);
+    runs.replace({500'000, 400'000}, 0);
+    std::vector<StyleRun> read;
+    runs.forEachRun({0, runs.length()}, [&](TextRange range, StyleId style) { read.push_back({range.length, style}); });
+    EXPECT_EQ(read, (std::vector<StyleRun>{{600'000, 0}, {400'000, 7}, {8'700'000, 0}}));
+    EXPECT_TRUE(runs.checkInvariants());
+
+    const TreeCounters before = treeCounters;
+    for (int i = 0; i < 1000; ++i)
+        runs.replace({5'000'000 + i, 0}, 1);
+    EXPECT_LE(treeCounters.leavesMade - before.leavesMade, 4U);
+    EXPECT_LE(treeCounters.nodesMade - before.nodesMade, 4U);
+}
+
+TEST(StyleTable, EqualAttributesHaveOneNumber)
+{
+    StyleTable table;
+    EXPECT_EQ(table.intern({}), plainStyle);
+    const TextAttributes red{.foreground = 0xffff0000};
+    const TextAttributes blackOrNone{.foreground = 0};
+    const StyleId style = table.intern(red);
+    EXPECT_EQ(table.intern(red), style);
+    EXPECT_NE(table.intern(blackOrNone), plainStyle);
+    EXPECT_EQ(table.attributes(style), red);
+    for (quint32 colour = 1; table.count() < 65'536; ++colour)
+        (void)table.intern({.background = colour});
+    EXPECT_EQ(table.intern({.isBold = true}), plainStyle) << "a full table";
+    EXPECT_EQ(table.intern(red), style);
+}
+
+} // namespace

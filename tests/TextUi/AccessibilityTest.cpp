@@ -1,0 +1,136 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "ViewFixture.h"
+
+#include <QAccessible>
+#include <gtest/gtest.h>
+#include <private/qguiapplication_p.h>
+#include <qpa/qplatformaccessibility.h>
+#include <qpa/qplatformintegration.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QStringList *heard = nullptr;
+
+void listen(QAccessibleEvent *event)
+{
+    switch (event->type()) {
+    case QAccessible::TextInserted: {
+        const auto *inserted = static_cast<QAccessibleTextInsertEvent *>(event);
+        *heard += u"+%1 %2"_s.arg(inserted->changePosition()).arg(inserted->textInserted());
+        break;
+    }
+    case QAccessible::TextRemoved: {
+        const auto *removed = static_cast<QAccessibleTextRemoveEvent *>(event);
+        *heard += u"-%1 %2"_s.arg(removed->changePosition()).arg(removed->textRemoved());
+        break;
+    }
+    case QAccessible::TextCaretMoved:
+        *heard += u"@%1"_s.arg(static_cast<QAccessibleTextCursorEvent *>(event)->cursorPosition());
+        break;
+    case QAccessible::TextSelectionChanged: {
+        const auto *selected = static_cast<QAccessibleTextSelectionEvent *>(event);
+        *heard += u"[%1,%2]"_s.arg(selected->selectionStart()).arg(selected->selectionEnd());
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+class Accessibility : public testing::Test {
+protected:
+    Accessibility()
+    {
+        QGuiApplicationPrivate::platformIntegration()->accessibility()->setActive(true);
+        heard = &m_heard;
+        QAccessible::installUpdateHandler(listen);
+    }
+    ~Accessibility() override
+    {
+        QAccessible::installUpdateHandler(nullptr);
+        QGuiApplicationPrivate::platformIntegration()->accessibility()->setActive(false);
+    }
+    QStringList takeHeard() { return std::exchange(m_heard, {}); }
+
+    QStringList m_heard;
+};
+
+TEST_F(Accessibility, TellsEditsCaretAndSelection)
+{
+    ViewFixture fixture(u"abc"_s);
+    fixture.view.setSelection(TextSelection::at(1));
+    takeHeard();
+    fixture.keys(u"x"_s);
+    EXPECT_EQ(takeHeard(), (QStringList{u"+1 x"_s, u"@2"_s}));
+    fixture.keys(u"<BS>"_s);
+    EXPECT_EQ(takeHeard(), (QStringList{u"-1 x"_s, u"@1"_s}));
+    fixture.keys(u"<S-Right>"_s);
+    EXPECT_EQ(takeHeard(), (QStringList{u"[1,2]"_s, u"@2"_s}));
+    fixture.keys(u"Y"_s);
+    EXPECT_EQ(takeHeard(), (QStringList{u"-1 b"_s, u"+1 Y"_s, u"[2,2]"_s, u"@2"_s}));
+}
+
+TEST_F(Accessibility, GivesTextByPieceWithoutTheWhole)
+{
+    const QString text = u"First line here\nse\u0301cond, one\n"_s;
+    ViewFixture fixture(text);
+    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&fixture.view);
+    ASSERT_NE(interface, nullptr);
+    EXPECT_EQ(interface->role(), QAccessible::EditableText);
+    EXPECT_TRUE(interface->state().multiLine);
+    QAccessibleTextInterface *access = interface->textInterface();
+    ASSERT_NE(access, nullptr);
+    struct Case {
+        int offset;
+        QAccessible::TextBoundaryType boundary;
+        QString before;
+        QString at;
+        QString after;
+    };
+    const Case cases[] = {{0, QAccessible::CharBoundary, {}, u"F"_s, u"i"_s},
+                          {17, QAccessible::CharBoundary, u"s"_s, u"e\u0301"_s, u"c"_s},
+                          {7, QAccessible::WordBoundary, u" "_s, u"line"_s, u" "_s},
+                          {3, QAccessible::LineBoundary, {}, u"First line here\n"_s, u"se\u0301cond, one\n"_s},
+                          {20, QAccessible::ParagraphBoundary, u"First line here\n"_s, u"se\u0301cond, one\n"_s, {}},
+                          {-1, QAccessible::LineBoundary, u"se\u0301cond, one\n"_s, {}, {}},
+                          {5, QAccessible::NoBoundary, {}, text, {}}};
+    for (const Case &c : cases) {
+        int start = -1;
+        int end = -1;
+        EXPECT_EQ(access->textAtOffset(c.offset, c.boundary, &start, &end), c.at) << c.offset << " by " << c.boundary;
+        EXPECT_EQ(text.mid(start, end - start), c.at);
+        EXPECT_EQ(access->textBeforeOffset(c.offset, c.boundary, &start, &end), c.before) << c.offset << " by " << c.boundary;
+        EXPECT_EQ(access->textAfterOffset(c.offset, c.boundary, &start, &end), c.after) << c.offset << " by " << c.boundary;
+    }
+    EXPECT_EQ(access->characterCount(), text.length());
+    EXPECT_EQ(access->text(6, 10), u"line"_s);
+    for (const int offset : {0, 6, 16, 20}) {
+        const QRect rect = access->characterRect(offset);
+        EXPECT_EQ(access->offsetAtPoint(rect.center()), offset);
+    }
+    access->setSelection(0, 6, 10);
+    EXPECT_EQ(fixture.view.selectedText(), u"line"_s);
+    EXPECT_EQ(access->selectionCount(), 1);
+    access->setCursorPosition(2);
+    EXPECT_EQ(access->cursorPosition(), 2);
+    interface->editableTextInterface()->replaceText(0, 5, u"Last"_s);
+    EXPECT_TRUE(fixture.storage.text().toString().startsWith(u"Last line"_s));
+    fixture.keys(u"<C-z>"_s);
+    EXPECT_EQ(fixture.storage.text().toString(), text);
+}
+
+TEST_F(Accessibility, HugeTextsAreAnsweredInBoundedPieces)
+{
+    ViewFixture fixture(QString(500'000, u'x'));
+    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&fixture.view);
+    EXPECT_LE(interface->text(QAccessible::Value).length(), 100'000);
+    int start = 0;
+    int end = 0;
+    EXPECT_LE(interface->textInterface()->textAtOffset(250'000, QAccessible::LineBoundary, &start, &end).length(), 100'000);
+    EXPECT_EQ(end, 500'000);
+}
+
+} // namespace

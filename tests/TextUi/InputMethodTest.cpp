@@ -1,0 +1,99 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "ViewFixture.h"
+
+#include <QApplication>
+#include <QInputMethodEvent>
+#include <QTextCharFormat>
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void compose(ViewFixture &fixture, const QString &preedit, int caret = -1)
+{
+    QList<QInputMethodEvent::Attribute> attributes;
+    if (caret >= 0) {
+        attributes.append({QInputMethodEvent::Cursor, caret, 1, {}});
+    }
+    QInputMethodEvent event(preedit, attributes);
+    QApplication::sendEvent(&fixture.view, &event);
+}
+
+void commit(ViewFixture &fixture, const QString &text, int from = 0, int length = 0)
+{
+    QInputMethodEvent event;
+    event.setCommitString(text, from, length);
+    QApplication::sendEvent(&fixture.view, &event);
+}
+
+QVariant ask(ViewFixture &fixture, Qt::InputMethodQuery query)
+{
+    QInputMethodQueryEvent event(query);
+    QApplication::sendEvent(&fixture.view, &event);
+    return event.value(query);
+}
+
+TEST(InputMethod, ComposingIsShownButIsNoText)
+{
+    ViewFixture fixture(u"ab"_s);
+    fixture.view.setSelection(TextSelection::at(1));
+    const QImage before = fixture.image();
+    const QRect caret = fixture.view.caretRectangle();
+    compose(fixture, u"nihon"_s, 2);
+    EXPECT_EQ(fixture.storage.text().toString(), u"ab"_s);
+    EXPECT_FALSE(fixture.undo.canUndo());
+    EXPECT_NE(fixture.image(), before);
+    EXPECT_NEAR(fixture.view.caretRectangle().left(), caret.left() + 2 * fixture.view.layoutManager().cellWidth(), 1.5);
+    EXPECT_NEAR(fixture.pointOf(2).x(), 6 + 7 * fixture.view.layoutManager().cellWidth(), 1.5) << "what stands behind makes room";
+    compose(fixture, u"日"_s);
+    compose(fixture, {});
+    fixture.view.setFocus();
+    EXPECT_EQ(fixture.image(), before) << "cancelled: as if it had not been";
+    compose(fixture, u"nihon"_s);
+    commit(fixture, u"日本"_s);
+    EXPECT_EQ(fixture.marked(), u"a日本|b"_s);
+    fixture.keys(u"<C-z>"_s);
+    EXPECT_EQ(fixture.storage.text().toString(), u"ab"_s) << "a commit is one undo step";
+}
+
+TEST(InputMethod, DeadKeysReplacementAndSelection)
+{
+    ViewFixture fixture(u"abcdef"_s);
+    fixture.view.setSelection(TextSelection::at(3));
+    commit(fixture, u"ê"_s);
+    EXPECT_EQ(fixture.marked(), u"abcê|def"_s);
+    commit(fixture, u"X"_s, -2, 2);
+    EXPECT_EQ(fixture.marked(), u"abX|def"_s);
+    fixture.view.setSelection({1, 3});
+    compose(fixture, u"k"_s);
+    EXPECT_EQ(fixture.storage.text().toString(), u"adef"_s) << "what is selected makes way when composing begins";
+    commit(fixture, u"か"_s);
+    EXPECT_EQ(fixture.marked(), u"aか|def"_s);
+    fixture.view.setAccess(TextView::Access::readOnly);
+    commit(fixture, u"no"_s);
+    EXPECT_EQ(fixture.storage.text().toString(), u"aかdef"_s);
+    EXPECT_FALSE(ask(fixture, Qt::ImEnabled).toBool());
+}
+
+TEST(InputMethod, AnswersWithAnExcerptOfTheText)
+{
+    const QString text = u"start "_s + QString(100'000, u'x') + u" \U0001F600 end"_s;
+    ViewFixture fixture(text);
+    const qsizetype caret = 50'000;
+    fixture.view.setSelection({caret - 3, caret});
+    const QString around = ask(fixture, Qt::ImSurroundingText).toString();
+    EXPECT_LE(around.toUtf8().size(), 4000);
+    EXPECT_GE(around.length(), 1000);
+    const int position = ask(fixture, Qt::ImCursorPosition).toInt();
+    EXPECT_EQ(around.left(position), ask(fixture, Qt::ImTextBeforeCursor).toString());
+    EXPECT_EQ(ask(fixture, Qt::ImAnchorPosition).toInt(), position - 3);
+    EXPECT_EQ(ask(fixture, Qt::ImAbsolutePosition).toInt(), caret);
+    EXPECT_EQ(ask(fixture, Qt::ImCurrentSelection).toString(), u"xxx"_s);
+    fixture.view.selectAll();
+    EXPECT_LE(ask(fixture, Qt::ImCurrentSelection).toString().length(), 2000);
+    EXPECT_GE(ask(fixture, Qt::ImCursorRectangle).toRect().width(), 1);
+}
+
+} // namespace

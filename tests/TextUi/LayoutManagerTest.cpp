@@ -1,0 +1,242 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Text/LayoutManager.h"
+#include "Text/DisplayText.h"
+#include "Text/TextBoundaries.h"
+#include "Text/TextStorage.h"
+#include "Text/Viewport.h"
+#include "ViewFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+LayoutManager::Settings settings(std::optional<double> wrapWidth = {})
+{
+    return {.font = testFont(), .tabWidth = 4, .wrapWidth = wrapWidth, .devicePixelRatio = 1};
+}
+
+const QString mixedText =
+    u"int main(int argc) {\n\treturn 0; // läuft\n\n  e\u0301te\u0301\t水曜日は emoji \U0001F600 and more words to wrap around\n"
+    u"עברית and then العربية mixed with English\nlast line without a break"_s;
+
+QString randomText(std::mt19937 &random, int pieces)
+{
+    static const QString alphabet[] = {
+        u"word "_s, u"x"_s, u"\n"_s, u"\t"_s, u" "_s, u"é"_s, u"水"_s, u"\U0001F600"_s, u"averylongwordwithoutblanks"_s, u"\r\n"_s};
+    QString text;
+    for (int i = 0; i < pieces; ++i) {
+        text += alphabet[std::uniform_int_distribution<size_t>(0, std::size(alphabet) - 1)(random)];
+    }
+    return text;
+}
+
+class LayoutWidths : public testing::TestWithParam<double> {
+protected:
+    static std::optional<double> width() { return GetParam() > 0 ? std::optional(GetParam()) : std::nullopt; }
+};
+
+/// Below the segment limit a line looks like one layout of the whole line.
+TEST_P(LayoutWidths, RowsMatchAPlainLayout)
+{
+    TextStorage storage;
+    storage.replaceCharacters({0, 0}, mixedText);
+    LayoutManager layout(storage, settings(width()));
+    std::optional<RowPosition> row = layout.rowOf(0);
+    for (qsizetype line = 0; line < storage.text().lineCount(); ++line) {
+        const qsizetype start = storage.text().lineStart(line);
+        const QString plain = mixedText.mid(start, mixedText.indexOf(u'\n', start) - start);
+        QTextLayout reference(plain, testFont());
+        QTextOption option;
+        option.setWrapMode(width() ? QTextOption::WrapAtWordBoundaryOrAnywhere : QTextOption::NoWrap);
+        option.setTabStopDistance(4 * layout.cellWidth());
+        option.setFlags(QTextOption::IncludeTrailingSpaces);
+        option.setTextDirection(Qt::LeftToRight);
+        reference.setTextOption(option);
+        reference.beginLayout();
+        for (QTextLine shown = reference.createLine(); shown.isValid(); shown = reference.createLine()) {
+            shown.setLineWidth(width().value_or(100'000));
+        }
+        reference.endLayout();
+        for (int number = 0; number < reference.lineCount(); ++number) {
+            const QTextLine shown = reference.lineAt(number);
+            ASSERT_TRUE(row.has_value());
+            const TextRange range = layout.rangeOf(*row);
+            EXPECT_EQ(range, (TextRange{start + shown.textStart(), shown.textLength()})) << "line " << line;
+            for (qsizetype offset = range.location; offset < range.end(); ++offset) {
+                EXPECT_NEAR(layout.xOf(*row, offset), shown.cursorToX(static_cast<int>(offset - start)), 0.02);
+            }
+            for (double x = -5; x < shown.naturalTextWidth() + 20; x += 3.7) {
+                EXPECT_EQ(layout.offsetAt(*row, x), start + shown.xToCursor(x)) << "x " << x << " of line " << line;
+            }
+            row = layout.next(*row);
+        }
+    }
+    EXPECT_FALSE(row.has_value());
+}
+
+/// The caret's place is found again under the caret.
+TEST_P(LayoutWidths, OffsetsAndPlacesAgree)
+{
+    TextStorage storage;
+    storage.replaceCharacters({0, 0}, mixedText);
+    LayoutManager layout(storage, settings(width()));
+    const qsizetype rightToLeft = mixedText.indexOf(u"עברית");
+    const qsizetype afterIt = mixedText.indexOf(u'\n', rightToLeft);
+    for (qsizetype offset = 0;; offset = TextBoundaries::nextGrapheme(storage.text(), offset)) {
+        const RowPosition row = layout.rowOf(offset);
+        // Where directions meet one place belongs to two offsets.
+        if (offset < rightToLeft || offset > afterIt) {
+            EXPECT_EQ(layout.offsetAt(row, layout.xOf(row, offset)), offset);
+        }
+        EXPECT_TRUE(layout.rangeOf(row).touches({offset, 0}));
+        if (offset == storage.length()) {
+            break;
+        }
+    }
+}
+
+TEST_P(LayoutWidths, StepsDownAndUpMeetTheSameRows)
+{
+    std::mt19937 random(3);
+    TextStorage storage;
+    storage.replaceCharacters({0, 0}, randomText(random, 800));
+    LayoutManager layout(storage, settings(width()));
+    std::vector<RowPosition> down;
+    for (std::optional<RowPosition> row = layout.rowOf(0); row; row = layout.next(*row)) {
+        down.push_back(*row);
+    }
+    ASSERT_EQ(layout.rowCount(), std::ssize(down)) << "all rows are laid out by now";
+    for (size_t i = 0; i < down.size(); ++i) {
+        EXPECT_EQ(layout.numberOf(down[i]), static_cast<qint64>(i));
+        EXPECT_EQ(layout.rowNumber(static_cast<qint64>(i)), down[i]);
+    }
+    std::optional<RowPosition> row = down.back();
+    for (size_t i = down.size(); i-- > 0; row = layout.previous(*row)) {
+        ASSERT_TRUE(row.has_value());
+        EXPECT_EQ(*row, down[i]);
+    }
+    EXPECT_FALSE(row.has_value());
+}
+
+INSTANTIATE_TEST_SUITE_P(Widths, LayoutWidths, testing::Values(0.0, 150.0, 333.3));
+
+TEST(LayoutManager, RefiningFindsTheRowsOfEveryLineAndNeverMovesTheAnchor)
+{
+    std::mt19937 random(11);
+    TextStorage storage;
+    storage.replaceCharacters({0, 0}, randomText(random, 4000) + u"\n"_s + QString(9000, u'y') + u"\n"_s + randomText(random, 500));
+    LayoutManager fresh(storage, settings(200));
+    qint64 rows = 0;
+    for (std::optional<RowPosition> row = fresh.rowOf(0); row; row = fresh.next(*row)) {
+        ++rows;
+    }
+    LayoutManager layout(storage, settings(200));
+    Viewport port(layout);
+    port.setSize({220, 300});
+    port.setAnchor(storage.length() / 2, 3);
+    const auto before = port.rows(0, 300);
+    int slices = 0;
+    while (layout.refine(port.topRow().line, 2000)) {
+        ++slices;
+        const auto now = port.rows(0, 300);
+        ASSERT_EQ(now.size(), before.size());
+        for (size_t i = 0; i < now.size(); ++i) {
+            ASSERT_EQ(now[i].row, before[i].row);
+            ASSERT_EQ(now[i].top, before[i].top);
+        }
+    }
+    EXPECT_GT(slices, 5);
+    layout.checkInvariants();
+    // The one long line counts by its estimate until it was on the screen.
+    EXPECT_NEAR(static_cast<double>(layout.rowCount()), static_cast<double>(rows), 3);
+}
+
+class LayoutWalk : public testing::TestWithParam<unsigned> {};
+
+/// Layouts that live through edits answer like new ones; two of different widths stay apart.
+TEST_P(LayoutWalk, EditedLayoutsEqualFreshOnes)
+{
+    std::mt19937 random(GetParam());
+    const auto below = [&](qsizetype limit) { return std::uniform_int_distribution<qsizetype>(0, limit - 1)(random); };
+    TextStorage storage;
+    storage.replaceCharacters({0, 0}, randomText(random, 300));
+    LayoutManager narrow(storage, settings(160));
+    LayoutManager unwrapped(storage, settings());
+    QObject::connect(&storage, &TextStorage::changed, &storage, [&](const TextChangeList &changes) {
+        narrow.textChanged(changes);
+        unwrapped.textChanged(changes);
+    });
+    for (int step = 0; step < 60; ++step) {
+        storage.beginEditing();
+        for (qsizetype edits = 1 + below(3); edits > 0; --edits) {
+            const qsizetype from = TextBoundaries::snapped(storage.text(), below(storage.length() + 1));
+            const qsizetype to = TextBoundaries::snapped(storage.text(), std::min(storage.length(), from + below(40)));
+            storage.replaceCharacters(TextRange::between(from, std::max(from, to)), randomText(random, static_cast<int>(below(8))));
+        }
+        storage.endEditing();
+        for (LayoutManager *layout : {&narrow, &unwrapped}) {
+            layout->checkInvariants();
+            LayoutManager fresh(storage, layout->settings());
+            std::optional<RowPosition> row = layout->rowOf(0);
+            for (std::optional<RowPosition> expected = fresh.rowOf(0); expected;
+                 expected = fresh.next(*expected), row = layout->next(*row)) {
+                ASSERT_TRUE(row.has_value());
+                ASSERT_EQ(*row, *expected) << "seed " << GetParam() << " step " << step;
+                ASSERT_EQ(layout->rangeOf(*row), fresh.rangeOf(*expected));
+                ASSERT_EQ(layout->widthOf(*row), fresh.widthOf(*expected));
+            }
+            ASSERT_FALSE(row.has_value());
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, LayoutWalk, testing::Range(1U, 4U));
+
+TEST(LayoutManager, ALongLineCostsOneSegmentAKey)
+{
+    TextStorage storage;
+    QString line;
+    while (line.length() < 2'000'000) {
+        line += u"{\"name\": \"value\", \"number\": 12345}, "_s;
+    }
+    storage.replaceCharacters({0, 0}, line);
+    LayoutManager layout(storage, settings());
+    QObject::connect(&storage, &TextStorage::changed, &storage, [&](const TextChangeList &changes) { layout.textChanged(changes); });
+    const qsizetype middle = line.length() / 2;
+    const RowPosition row = layout.rowOf(middle);
+    const double x = layout.xOf(row, middle);
+    EXPECT_NEAR(x, static_cast<double>(middle) * layout.cellWidth(), 1);
+    EXPECT_EQ(layout.offsetAt(row, x), middle);
+    layout.forEachLayout(row, {x - 600, x + 600}, [](const SegmentLayout &, int, double) {});
+    for (int key = 0; key < 20; ++key) {
+        const LayoutManager::Counters before = layout.counters();
+        storage.replaceCharacters({middle + key, 0}, u"x"_s);
+        layout.forEachLayout(row, {x - 600, x + 600}, [](const SegmentLayout &, int, double) {});
+        EXPECT_NEAR(layout.xOf(row, middle + key + 1), x + (key + 1) * layout.cellWidth(), 1);
+        EXPECT_LE(layout.counters().layouts - before.layouts, 2);
+        EXPECT_LE(layout.counters().units - before.units, 3200);
+    }
+}
+
+TEST(LayoutManager, SpansFollowTheDirectionOfTheText)
+{
+    TextStorage storage;
+    storage.replaceCharacters({0, 0}, u"abc אבג def"_s);
+    LayoutManager layout(storage, settings());
+    const RowPosition row = layout.rowOf(0);
+    const auto spans = layout.spansOf(row, {2, 4}, {0, 1000});
+    // "c " runs to the right; the first two Hebrew letters stand at the right end of their word.
+    ASSERT_EQ(spans.size(), 2U);
+    const double cell = layout.cellWidth();
+    EXPECT_NEAR(spans[0].left, 2 * cell, 0.1);
+    EXPECT_NEAR(spans[0].right, 4 * cell, 0.1);
+    EXPECT_GT(std::max(spans[1].left, spans[1].right), 5 * cell);
+    EXPECT_EQ(layout.spansOf(row, {0, 3}, {0, 1000}).size(), 1U);
+}
+
+} // namespace

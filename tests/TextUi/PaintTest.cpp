@@ -1,0 +1,210 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "ViewFixture.h"
+
+#include "Text/TextBoundaries.h"
+
+#include <QScrollBar>
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// What a view shows after a long session, painted piece by piece as the events ask for it, kept in a picture like a window's.
+class Canvas : public QObject {
+public:
+    explicit Canvas(TextView &view) : m_view(view), m_picture(view.viewport()->size() * view.devicePixelRatioF(), QImage::Format_RGB32)
+    {
+        m_picture.setDevicePixelRatio(view.devicePixelRatioF());
+        view.viewport()->installEventFilter(this);
+        m_dirty = view.viewport()->rect();
+    }
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint && !m_isRendering) {
+            m_dirty += static_cast<QPaintEvent *>(event)->region();
+        }
+        return false;
+    }
+    /// Renders only what was asked to be painted since the last time.
+    const QImage &picture()
+    {
+        QCoreApplication::processEvents();
+        m_isRendering = true;
+        if (!m_dirty.isEmpty()) {
+            m_view.viewport()->render(&m_picture, m_dirty.boundingRect().topLeft(), m_dirty);
+        }
+        m_isRendering = false;
+        m_dirty = {};
+        return m_picture;
+    }
+    [[nodiscard]] qint64 dirtyArea() const
+    {
+        qint64 area = 0;
+        for (const QRect &rect : m_dirty) {
+            area += qint64(rect.width()) * rect.height();
+        }
+        return area;
+    }
+
+private:
+    TextView &m_view;
+    QImage m_picture;
+    QRegion m_dirty;
+    bool m_isRendering = false;
+};
+
+/// Bars that come and go would change the size of the picture.
+void keepScrollBars(TextView &view)
+{
+    view.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    view.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+}
+
+QImage freshPicture(ViewFixture &fixture)
+{
+    TextView view(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard});
+    view.setTextFont(fixture.view.textFont());
+    view.setColors(fixture.view.colors());
+    view.resize(fixture.view.size());
+    view.setWrapMode(fixture.view.wrapMode());
+    keepScrollBars(view);
+    view.show();
+    view.setFocus();
+    (void)QTest::qWaitForWindowActive(&view);
+    view.setSelection(fixture.view.selection());
+    view.textViewport().setAnchor(fixture.view.textViewport().anchor(), fixture.view.textViewport().pixelsAbove());
+    Canvas canvas(view);
+    QImage picture = canvas.picture().copy();
+    view.hide();
+    fixture.view.activateWindow();
+    fixture.view.setFocus();
+    (void)QTest::qWaitForWindowActive(&fixture.view);
+    return picture;
+}
+
+class PaintWalk : public testing::TestWithParam<std::tuple<unsigned, TextView::WrapMode>> {};
+
+/// Everything that changes the look asks for its repainting: the long-lived picture equals a new one.
+TEST_P(PaintWalk, AnOldViewLooksLikeANewOne)
+{
+    const auto [seed, wrap] = GetParam();
+    std::mt19937 random(seed);
+    const auto below = [&](int limit) { return std::uniform_int_distribution<int>(0, limit - 1)(random); };
+    ViewFixture fixture(
+        QString(
+            u"some words, \u0435\u0301 and\ta tab\n\nanother line that is quite a bit longer than the view is wide, so that it wraps\n"_s)
+            .repeated(40),
+        {320, 200});
+    TextView::Colors colors = fixture.view.colors();
+    colors.currentLine = seed % 2 == 0 ? QColor(240, 240, 255) : QColor();
+    fixture.view.setColors(colors);
+    fixture.view.setWrapMode(wrap);
+    keepScrollBars(fixture.view);
+    Canvas canvas(fixture.view);
+    static const QString keys[] = {u"x"_s,        u"<Left>"_s, u"<Down>"_s,   u"<Up>"_s,  u"<S-Down>"_s,  u"<S-Right>"_s,
+                                   u"<BS>"_s,     u"<Del>"_s,  u"<CR>"_s,     u"<C-z>"_s, u"<C-S-z>"_s,   u"<PageDown>"_s,
+                                   u"<PageUp>"_s, u"<End>"_s,  u"<S-Home>"_s, u"<C-a>"_s, u"<C-Right>"_s, u"<C-S-Left>"_s,
+                                   u"<C-Down>"_s, u"<Tab>"_s,  u"<C-c>"_s,    u"<C-v>"_s, u" "_s,         u"<C-End>"_s};
+    for (int step = 0; step < 120; ++step) {
+        QString did;
+        switch (below(8)) {
+        case 0:
+            fixture.view.verticalScrollBar()->setValue(below(fixture.view.verticalScrollBar()->maximum() + 1));
+            did = u"scroll"_s;
+            break;
+        case 1: {
+            const qsizetype at = TextBoundaries::snapped(fixture.storage.text(), below(static_cast<int>(fixture.storage.length()) + 1));
+            fixture.storage.replaceCharacters({at, 0}, below(2) == 0 ? u"other\nedit"_s : u"y"_s);
+            did = u"edit from elsewhere"_s;
+            break;
+        }
+        case 2: {
+            const qsizetype at = below(static_cast<int>(fixture.storage.length()) + 1);
+            const qsizetype end = std::min<qsizetype>(fixture.storage.length(), at + below(60));
+            const StyleId style = fixture.storage.styles().intern(
+                {.foreground = 0xFF000000U + static_cast<quint32>(below(0xFFFFFF)), .isBold = below(2) == 0});
+            fixture.storage.setStyle(TextRange::between(at, end), style);
+            did = u"style"_s;
+            break;
+        }
+        default:
+            did = keys[below(static_cast<int>(std::size(keys)))];
+            fixture.keys(did);
+        }
+        (void)canvas.picture();
+        if (step % 10 == 9) {
+            // A new view knows neither at which end of a wrap the caret was nor how wide the rows are that it has not seen.
+            fixture.view.horizontalScrollBar()->setValue(0);
+            fixture.view.setSelection(fixture.view.selection());
+            const QImage old = canvas.picture().copy();
+            const QImage fresh = freshPicture(fixture);
+            ASSERT_TRUE(old == fresh) << "seed " << seed << ", step " << step << ", after " << did.toStdString();
+            (void)canvas.picture();
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Walks, PaintWalk,
+                         testing::Combine(testing::Range(1U, 6U),
+                                          testing::Values(TextView::WrapMode::none, TextView::WrapMode::viewWidth)));
+
+TEST(Paint, AKeyRepaintsItsRowAndLaysOutItsLine)
+{
+    ViewFixture fixture(QString(u"a line of text\n"_s).repeated(100'000), {600, 600});
+    fixture.view.setSelection(TextSelection::at(750'000), TextView::Reveal::center);
+    Canvas canvas(fixture.view);
+    (void)canvas.picture();
+    QCoreApplication::processEvents();
+    const LayoutManager::Counters before = fixture.view.layoutManager().counters();
+    fixture.keys(u"x"_s);
+    QCoreApplication::processEvents();
+    EXPECT_LE(canvas.dirtyArea(), 600 * 4 * static_cast<qint64>(fixture.view.layoutManager().rowHeight()));
+    (void)canvas.picture();
+    EXPECT_LE(fixture.view.layoutManager().counters().layouts - before.layouts, 1);
+}
+
+TEST(Paint, AFullRepaintLaysOutTheVisibleRowsOnly)
+{
+    ViewFixture fixture(QString(u"a line of text\n"_s).repeated(50'000), {600, 600});
+    const qint64 rows = fixture.view.textViewport().rowsPerPage() + 2;
+    const LayoutManager::Counters before = fixture.view.layoutManager().counters();
+    fixture.view.verticalScrollBar()->setValue(fixture.view.verticalScrollBar()->maximum() / 2);
+    (void)fixture.image();
+    EXPECT_LE(fixture.view.layoutManager().counters().layouts - before.layouts, rows + 2);
+    const LayoutManager::Counters again = fixture.view.layoutManager().counters();
+    (void)fixture.image();
+    EXPECT_EQ(fixture.view.layoutManager().counters().layouts, again.layouts) << "what is known is not laid out again";
+}
+
+TEST(Paint, ATenMegabyteLineOpensScrollsAndTakesKeysWithinFixedCounts)
+{
+    QString line;
+    while (line.length() < 10'000'000) {
+        line += u"{\"id\":12345,\"name\":\"some value\",\"list\":[1,2,3]},"_s;
+    }
+    ViewFixture fixture(line, {800, 400});
+    (void)fixture.image();
+    EXPECT_LE(fixture.view.layoutManager().counters().layouts, 8);
+    fixture.view.horizontalScrollBar()->setValue(fixture.view.horizontalScrollBar()->maximum() / 2);
+    (void)fixture.image();
+    EXPECT_LE(fixture.view.layoutManager().counters().layouts, 14);
+    fixture.view.setSelection(TextSelection::at(5'000'000), TextView::Reveal::nearest);
+    (void)fixture.image();
+    const LayoutManager::Counters before = fixture.view.layoutManager().counters();
+    fixture.keys(u"abc"_s);
+    (void)fixture.image();
+    EXPECT_LE(fixture.view.layoutManager().counters().layouts - before.layouts, 9);
+    EXPECT_EQ(fixture.storage.string({5'000'000, 3}), u"abc"_s);
+    fixture.view.setWrapMode(TextView::WrapMode::viewWidth);
+    (void)fixture.image();
+    fixture.keys(u"d<CR>"_s);
+    (void)fixture.image();
+    EXPECT_LE(fixture.view.layoutManager().counters().units - before.units, 400'000);
+}
+
+} // namespace

@@ -1,0 +1,42 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Pasteboard.h"
+#include "Platform/Scheduler.h"
+#include "Text/TextStorage.h"
+#include "Text/TextView.h"
+#include "Text/UndoManager.h"
+
+#include <QString>
+
+/// Text with marks: `|` is the caret, `^` the other end of the selection when there is one.
+struct MarkedText {
+    QString text;
+    TextSelection selection;
+
+    explicit MarkedText(const QString &marked);
+    [[nodiscard]] static QString marked(QString text, TextSelection selection);
+};
+
+/// A font that every test machine has, 10 points at 96 dpi.
+[[nodiscard]] QFont testFont();
+
+/// A view on a storage with everything around it injected; shown offscreen and active.
+class ViewFixture {
+public:
+    explicit ViewFixture(const QString &text = {}, QSize size = {400, 300});
+
+    /// Keys as Vim users write them: `abc<Left><C-S-Right><BS><CR><Tab>`.
+    void keys(const QString &keys);
+    [[nodiscard]] QString marked() { return MarkedText::marked(storage.text().toString(), view.selection()); }
+    [[nodiscard]] QPoint pointOf(qsizetype offset);
+    /// Paints and gives what is seen.
+    [[nodiscard]] QImage image();
+
+    TextStorage storage;
+    ManualScheduler scheduler;
+    UndoManager undo{storage, [this] { return scheduler.now(); }};
+    MemoryPasteboard pasteboard;
+    TextView view{storage, undo, {scheduler, pasteboard}};
+};

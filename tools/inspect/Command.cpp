@@ -1,0 +1,71 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Command.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+std::optional<QString> Arguments::value(QStringView option) const
+{
+    const auto found = options.find(option.toString());
+    return found == options.end() || found->isEmpty() ? std::nullopt : std::optional(found->last());
+}
+
+std::optional<Arguments> parseArguments(const CommandRow &command, const QStringList &given)
+{
+    Arguments arguments;
+    bool mayBeOption = true;
+    for (qsizetype index = 0; index < given.size(); ++index) {
+        const QString &argument = given[index];
+        if (mayBeOption && argument == u"--") {
+            mayBeOption = false;
+            continue;
+        }
+        // A dash alone is a name like any other.
+        if (!mayBeOption || !argument.startsWith(u'-') || argument.size() == 1) {
+            arguments.positionals += argument;
+            continue;
+        }
+        const auto row = std::find_if(command.options.begin(), command.options.end(), [&](const OptionRow &option) {
+            return argument.startsWith(u"--") && option.name == QStringView(argument).sliced(2);
+        });
+        if (row == command.options.end()) {
+            return std::nullopt;
+        }
+        QStringList &values = arguments.options[row->name.toString()];
+        if (row->value.isEmpty()) {
+            continue;
+        }
+        if (++index == given.size() || (row->isValid && !row->isValid(given[index]))) {
+            return std::nullopt;
+        }
+        values += given[index];
+    }
+    const qsizetype wanted = command.positionals.isEmpty() ? 0 : command.positionals.count(u' ') + 1;
+    return arguments.positionals.size() == wanted ? std::optional(arguments) : std::nullopt;
+}
+
+QString usageLine(const CommandRow &command)
+{
+    QString line = command.name.toString();
+    if (!command.positionals.isEmpty()) {
+        line += u' ' + command.positionals.toString();
+    }
+    for (const OptionRow &option : command.options) {
+        line += u" [--"_s + option.name.toString() + (option.value.isEmpty() ? QString() : u' ' + option.value.toString()) + u']';
+    }
+    return line;
+}
+
+bool isNumber(const QString &value)
+{
+    bool isOk = false;
+    (void)value.toUInt(&isOk, 0);
+    return isOk;
+}
+
+quint32 toNumber(const QString &value)
+{
+    return value.toUInt(nullptr, 0);
+}

@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QHash>
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+#include <span>
+
+/// One option of a command, "--name" or "--name VALUE".
+struct OptionRow {
+    /// Without the dashes.
+    QStringView name;
+    /// What the usage calls the value; empty for an option that has none.
+    QStringView value = {};
+    /// What a value must look like, checked before the command runs; null for any.
+    bool (*isValid)(const QString &value) = nullptr;
+};
+
+/// What was given to a command; everything in it fits the command's row.
+class Arguments {
+public:
+    QStringList positionals;
+    QHash<QString, QStringList> options;
+
+    [[nodiscard]] bool has(QStringView option) const { return options.contains(option.toString()); }
+    /// Of an option given more than once, the last value; none when it was not given.
+    [[nodiscard]] std::optional<QString> value(QStringView option) const;
+    [[nodiscard]] QStringList values(QStringView option) const { return options.value(option.toString()); }
+};
+
+/// One thing that the tool can be asked.
+struct CommandRow {
+    QStringView name;
+    /// As the usage names them; all of them are needed.
+    QStringView positionals;
+    std::span<const OptionRow> options;
+    /// What it answers, in a few words for the usage.
+    QStringView purpose;
+    /// The object to print. One that holds "error" says that the operation failed.
+    QJsonObject (*run)(const Arguments &arguments);
+};
+
+/// The rows of each subject; `main.cpp` lists the subjects.
+[[nodiscard]] std::span<const CommandRow> fileCommands();
+
+/// The arguments by the row, or none when they do not fit it.
+[[nodiscard]] std::optional<Arguments> parseArguments(const CommandRow &command, const QStringList &given);
+[[nodiscard]] QString usageLine(const CommandRow &command);
+
+/// A whole number, decimal or with 0x in front, that fits into 32 bits.
+[[nodiscard]] bool isNumber(const QString &value);
+[[nodiscard]] quint32 toNumber(const QString &value);
