@@ -24,7 +24,7 @@ enum class AlertButtonRole {
 };
 
 struct AlertButton {
-    QString title;
+    QString title = {};
     AlertButtonRole role = AlertButtonRole::normal;
 };
 
@@ -32,18 +32,21 @@ struct AlertButton {
 struct Alert {
     AlertStyle style = AlertStyle::warning;
     /// What happened or what is asked, in one sentence.
-    QString messageText;
+    QString messageText = {};
     /// What follows from it; may be empty.
-    QString informativeText;
+    QString informativeText = {};
     /// In the order in which they answer 1000, 1001, 1002 …; the first is the default button. None stands for a single "OK".
-    QList<AlertButton> buttons;
+    QList<AlertButton> buttons = {};
 
     /// A line for the user to fill in; it has the focus first.
     struct TextField {
-        QString placeholder;
-        QString text;
+        QString placeholder = {};
+        QString text = {};
     };
-    std::optional<TextField> textField;
+    std::optional<TextField> textField = {};
+
+    /// The answer of an alert that is closed without a choice: that of its cancel button, else of its last one.
+    [[nodiscard]] int cancelAnswer() const;
 
     /// A critical alert that says what went wrong and, unless empty, what can be done about it.
     [[nodiscard]] static Alert forError(const QString &description, const QString &recoverySuggestion = {});
@@ -57,7 +60,7 @@ struct AlertReply {
     /// 1000 + the place of the button that was chosen.
     int button = firstButton;
     /// What the text field holds, if there is one.
-    QString text;
+    QString text = {};
 };
 
 struct OpenPanel {
@@ -65,16 +68,16 @@ struct OpenPanel {
 
     Choice choice = Choice::files;
     /// Empty for the desktop's own words.
-    QString title;
+    QString title = {};
     /// Absolute path; empty for the desktop's own choice.
-    QString startFolder;
+    QString startFolder = {};
 };
 
 struct SavePanel {
-    QString title;
-    QString startFolder;
+    QString title = {};
+    QString startFolder = {};
     /// File name without a folder.
-    QString suggestedName;
+    QString suggestedName = {};
 };
 
 /// Asks the user. Everything belongs to a window that it blocks while it is open (null: none, then it blocks nothing), and everything

@@ -33,7 +33,7 @@ struct ActionSender {
     /// Tells items of one selector apart: the number of a tab, the kind of a find command.
     int tag = 0;
     /// What the item stands for: the path of a recent file, the name of a theme.
-    QVariant represented;
+    QVariant represented = {};
 };
 
 enum class CheckMark { none, on, mixed };

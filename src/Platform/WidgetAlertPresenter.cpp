@@ -1,0 +1,206 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Platform/WidgetAlertPresenter.h"
+
+#include "Platform/Translation.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QGridLayout>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include <utility>
+
+namespace {
+
+QMessageBox::Icon iconOf(AlertStyle style)
+{
+    switch (style) {
+    case AlertStyle::informational:
+        return QMessageBox::Information;
+    case AlertStyle::warning:
+        return QMessageBox::Warning;
+    case AlertStyle::critical:
+        return QMessageBox::Critical;
+    }
+    return QMessageBox::NoIcon;
+}
+
+QMessageBox::ButtonRole roleOf(AlertButtonRole role)
+{
+    switch (role) {
+    case AlertButtonRole::normal:
+        return QMessageBox::AcceptRole;
+    case AlertButtonRole::cancel:
+        return QMessageBox::RejectRole;
+    case AlertButtonRole::destructive:
+        return QMessageBox::DestructiveRole;
+    }
+    return QMessageBox::InvalidRole;
+}
+
+/// A file's name may hold anything; only its text is shown, never markup.
+QString asPlainText(QString text)
+{
+    return text.remove(QChar(u'\0'));
+}
+
+/// Adds the buttons; answers with them in the order of the alert, which is not the order in which the desktop lays them out.
+QList<QAbstractButton *> addButtons(QMessageBox &box, const Alert &alert)
+{
+    QList<QAbstractButton *> buttons;
+    for (const AlertButton &button : alert.buttons) {
+        QPushButton *added = box.addButton(button.title, roleOf(button.role));
+        if (button.role == AlertButtonRole::cancel) {
+            box.setEscapeButton(added);
+        }
+        buttons.append(added);
+    }
+    if (buttons.isEmpty()) {
+        buttons.append(box.addButton(localized(u"OK"), QMessageBox::AcceptRole));
+    }
+    if (alert.buttons.isEmpty() || alert.buttons.first().role != AlertButtonRole::destructive) {
+        box.setDefaultButton(qobject_cast<QPushButton *>(buttons.first()));
+    } else if (auto *cancel = qobject_cast<QPushButton *>(box.escapeButton())) {
+        box.setDefaultButton(cancel);
+    }
+    return buttons;
+}
+
+/// Puts a line to fill in below the texts.
+QLineEdit *addTextField(QMessageBox &box, const Alert::TextField &field)
+{
+    auto *edit = new QLineEdit(field.text, &box);
+    edit->setPlaceholderText(field.placeholder);
+    edit->selectAll();
+    auto *grid = qobject_cast<QGridLayout *>(box.layout());
+    const int buttonRow = grid->rowCount() - 1;
+    QLayoutItem *buttons = nullptr;
+    for (int index = 0; index < grid->count(); ++index) {
+        int row = 0;
+        int column = 0;
+        int rows = 0;
+        int columns = 0;
+        grid->getItemPosition(index, &row, &column, &rows, &columns);
+        if (row == buttonRow) {
+            buttons = grid->takeAt(index);
+            break;
+        }
+    }
+    grid->addWidget(edit, buttonRow, 0, 1, grid->columnCount());
+    if (buttons) {
+        grid->addItem(buttons, buttonRow + 1, 0, 1, grid->columnCount());
+    }
+    edit->setFocus();
+    return edit;
+}
+
+/// Puts `panel` into `folder`; the desktop chooses when there is none.
+void startIn(QFileDialog &panel, const QString &folder)
+{
+    if (!folder.isEmpty() && QDir(folder).exists()) {
+        panel.setDirectory(folder);
+    }
+}
+
+} // namespace
+
+void WidgetAlertPresenter::present(const Alert &alert, QWidget *window, AlertCompletion completion)
+{
+    auto *box = new QMessageBox(window);
+    box->setIcon(iconOf(alert.style));
+    box->setTextFormat(Qt::PlainText);
+    box->setText(asPlainText(alert.messageText));
+    box->setInformativeText(asPlainText(alert.informativeText));
+    const QList<QAbstractButton *> buttons = addButtons(*box, alert);
+    const QLineEdit *edit = alert.textField ? addTextField(*box, *alert.textField) : nullptr;
+    const int cancelAnswer = alert.cancelAnswer();
+    QObject::connect(box, &QDialog::finished, &m_context, [box, buttons, edit, cancelAnswer, completion = std::move(completion)] {
+        // Closed by the window manager, there is no button.
+        const qsizetype place = buttons.indexOf(box->clickedButton());
+        const int answer = place < 0 ? cancelAnswer : AlertReply::firstButton + int(place);
+        if (completion) {
+            completion({.button = answer, .text = edit ? edit->text() : QString()});
+        }
+    });
+    enqueue(box, window);
+}
+
+void WidgetAlertPresenter::present(const OpenPanel &panel, QWidget *window, OpenCompletion completion)
+{
+    auto *dialog = new QFileDialog(window, panel.title);
+    dialog->setAcceptMode(QFileDialog::AcceptOpen);
+    switch (panel.choice) {
+    case OpenPanel::Choice::file:
+        dialog->setFileMode(QFileDialog::ExistingFile);
+        break;
+    case OpenPanel::Choice::files:
+        dialog->setFileMode(QFileDialog::ExistingFiles);
+        break;
+    case OpenPanel::Choice::folder:
+        dialog->setFileMode(QFileDialog::Directory);
+        dialog->setOption(QFileDialog::ShowDirsOnly);
+        break;
+    }
+    startIn(*dialog, panel.startFolder);
+    QObject::connect(dialog, &QDialog::finished, &m_context, [dialog, completion = std::move(completion)](int result) {
+        completion(result == QDialog::Accepted ? dialog->selectedFiles() : QStringList());
+    });
+    enqueue(dialog, window);
+}
+
+void WidgetAlertPresenter::present(const SavePanel &panel, QWidget *window, SaveCompletion completion)
+{
+    auto *dialog = new QFileDialog(window, panel.title);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    startIn(*dialog, panel.startFolder);
+    dialog->selectFile(panel.suggestedName);
+    QObject::connect(dialog, &QDialog::finished, &m_context, [dialog, completion = std::move(completion)](int result) {
+        const QStringList paths = dialog->selectedFiles();
+        completion(result == QDialog::Accepted && !paths.isEmpty() ? std::optional(paths.first()) : std::nullopt);
+    });
+    enqueue(dialog, window);
+}
+
+void WidgetAlertPresenter::beep()
+{
+    QApplication::beep();
+}
+
+void WidgetAlertPresenter::enqueue(QDialog *dialog, QWidget *window)
+{
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    if (!window) {
+        dialog->setWindowModality(Qt::NonModal);
+        dialog->show();
+        return;
+    }
+    dialog->setWindowModality(Qt::WindowModal);
+    QObject::connect(dialog, &QDialog::finished, &m_context, [this, window] { openNext(window); });
+    if (!m_queues.contains(window)) {
+        QObject::connect(window, &QObject::destroyed, &m_context, [this, window] { m_queues.remove(window); });
+    }
+    QList<QDialog *> &queue = m_queues[window];
+    queue.append(dialog);
+    if (queue.size() == 1) {
+        dialog->open();
+    }
+}
+
+void WidgetAlertPresenter::openNext(QWidget *window)
+{
+    const auto queue = m_queues.find(window);
+    if (queue == m_queues.end()) {
+        return;
+    }
+    if (!queue->isEmpty()) {
+        queue->removeFirst();
+    }
+    if (!queue->isEmpty()) {
+        queue->first()->open();
+    }
+}

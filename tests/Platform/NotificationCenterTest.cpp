@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Platform/NotificationCenter.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+using testing::ElementsAre;
+
+TEST(NotificationCenter, DeliversByNameAndObject)
+{
+    NotificationCenter center;
+    std::vector<std::string> heard;
+    const int one = 1;
+    const int other = 2;
+    const auto any = center.observe("A", nullptr, [&](const void *object) { heard.push_back(object == &one ? "any:one" : "any"); });
+    const auto only = center.observe("A", &one, [&] { heard.push_back("one"); });
+    const auto wrongName = center.observe("B", nullptr, [&] { heard.push_back("B"); });
+    center.post("A", &one);
+    EXPECT_THAT(heard, ElementsAre("any:one", "one"));
+    heard.clear();
+    center.post("A", &other);
+    center.post("A", nullptr);
+    center.post("C", nullptr);
+    EXPECT_THAT(heard, ElementsAre("any", "any"));
+}
+
+TEST(NotificationCenter, ObserversComeAndGoDuringADelivery)
+{
+    NotificationCenter center;
+    std::vector<int> heard;
+    NotificationCenter::Token first;
+    NotificationCenter::Token second;
+    NotificationCenter::Token third;
+    NotificationCenter::Token late;
+    first = center.observe("A", nullptr, [&] {
+        heard.push_back(1);
+        first.reset();
+        second.reset();
+        late = center.observe("A", nullptr, [&] { heard.push_back(4); });
+        center.post("B", nullptr);
+    });
+    second = center.observe("A", nullptr, [&] { heard.push_back(2); });
+    third = center.observe("A", nullptr, [&] { heard.push_back(3); });
+    const auto nested = center.observe("B", nullptr, [&] {
+        heard.push_back(5);
+        if (heard.size() < 4) {
+            center.post("A", nullptr);
+        }
+    });
+    center.post("A", nullptr);
+    EXPECT_THAT(heard, ElementsAre(1, 5, 3, 4, 3));
+    EXPECT_FALSE(first.isObserving());
+    EXPECT_TRUE(late.isObserving());
+}
+
+TEST(NotificationCenter, TokensOutliveTheCentreAndMayBeHeldByCallbacks)
+{
+    auto center = std::make_unique<NotificationCenter>();
+    int heard = 0;
+    auto inner = std::make_shared<NotificationCenter::Token>(center->observe("A", nullptr, [&] { ++heard; }));
+    auto outer = center->observe("A", nullptr, [inner] {});
+    inner.reset();
+    center->post("A", nullptr);
+    EXPECT_EQ(heard, 1);
+    outer.reset();
+    center->post("A", nullptr);
+    EXPECT_EQ(heard, 1);
+
+    auto replaced = center->observe("A", nullptr, [&] { heard += 10; });
+    replaced = center->observe("A", nullptr, [&] { ++heard; });
+    center->post("A", nullptr);
+    EXPECT_EQ(heard, 2);
+    inner = std::make_shared<NotificationCenter::Token>(center->observe("A", nullptr, [] {}));
+    outer = center->observe("A", nullptr, [inner] {});
+    inner.reset();
+    center.reset();
+    EXPECT_FALSE(replaced.isObserving());
+}

@@ -1,0 +1,131 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Platform/Scheduler.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+
+#include <gmock/gmock.h>
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+TEST(ManualScheduler, RunsWhatIsDueInOrderOfTime)
+{
+    ManualScheduler scheduler;
+    std::vector<std::pair<int, int>> calls;
+    const auto note = [&](int name) { return [&, name] { calls.emplace_back(name, int(scheduler.now().count())); }; };
+    const auto late = scheduler.after(30ms, note(1));
+    const auto early = scheduler.after(10ms, note(2));
+    const auto sameTime = scheduler.after(30ms, note(3));
+    const auto timer = scheduler.every(20ms, 0ms, note(4));
+    const auto never = scheduler.after(41ms, note(5));
+    const auto backwards = scheduler.after(-5ms, note(6));
+
+    scheduler.advance(0ms);
+    EXPECT_THAT(calls, ElementsAre(std::pair(6, 0)));
+    scheduler.advance(40ms);
+    EXPECT_THAT(calls,
+                ElementsAre(std::pair(6, 0), std::pair(2, 10), std::pair(4, 20), std::pair(1, 30), std::pair(3, 30), std::pair(4, 40)));
+    EXPECT_EQ(scheduler.now(), 40ms);
+    EXPECT_FALSE(late.isPending());
+    EXPECT_TRUE(timer.isPending());
+    EXPECT_TRUE(never.isPending());
+    EXPECT_EQ(scheduler.pendingCount(), 2);
+}
+
+TEST(ManualScheduler, CallsMayScheduleAndCancelAnything)
+{
+    ManualScheduler scheduler;
+    std::vector<int> calls;
+    DelayedTask debounce;
+    RepeatingTimer timer;
+    DelayedTask victim = scheduler.after(25ms, [&] { calls.push_back(-1); });
+    // Replaces itself twice through its own handle, which destroys the call that is running.
+    std::function<void()> again = [&] {
+        calls.push_back(1);
+        EXPECT_FALSE(debounce.isPending());
+        if (std::ranges::count(calls, 1) < 3) {
+            debounce = scheduler.after(10ms, again);
+        }
+    };
+    debounce = scheduler.after(10ms, again);
+    timer = scheduler.every(15ms, 0ms, [&] {
+        calls.push_back(2);
+        victim.cancel();
+        timer.cancel();
+        EXPECT_FALSE(timer.isPending());
+    });
+    scheduler.advance(100ms);
+    EXPECT_THAT(calls, ElementsAre(1, 2, 1, 1));
+    EXPECT_EQ(scheduler.pendingCount(), 0);
+}
+
+TEST(Scheduler, HandlesAndSchedulersMayGoInAnyOrder)
+{
+    int calls = 0;
+    auto scheduler = std::make_unique<ManualScheduler>();
+    {
+        const auto dropped = scheduler->after(1ms, [&] { ++calls; });
+    }
+    DelayedTask survivor = scheduler->after(1ms, [&] { ++calls; });
+    DelayedTask replaced = scheduler->after(1ms, [&] { calls += 10; });
+    replaced = scheduler->after(1ms, [&] { ++calls; });
+    DelayedTask moved = std::move(replaced);
+    // The call owns the handle of another one: both go when the first does.
+    auto inner = std::make_shared<DelayedTask>(scheduler->after(5ms, [&] { calls += 100; }));
+    DelayedTask outer = scheduler->after(5ms, [inner] {});
+    inner.reset();
+    scheduler->advance(2ms);
+    EXPECT_EQ(calls, 2);
+    outer.cancel();
+    EXPECT_EQ(scheduler->pendingCount(), 0);
+
+    auto owned = std::make_shared<DelayedTask>(scheduler->after(5ms, [] {}));
+    DelayedTask owner = scheduler->after(5ms, [owned] {});
+    owned.reset();
+    survivor = scheduler->after(1ms, [&] { ++calls; });
+    scheduler.reset();
+    EXPECT_FALSE(survivor.isPending());
+    survivor.cancel();
+    EXPECT_EQ(calls, 2);
+}
+
+TEST(EventLoopScheduler, CallsFromTheEventLoop)
+{
+    EventLoopScheduler scheduler;
+    const auto start = scheduler.now();
+    QEventLoop loop;
+    int ticks = 0;
+    bool isOver = false;
+    const auto cancelled = std::make_unique<DelayedTask>(scheduler.after(0ms, [&] { ADD_FAILURE() << "was cancelled"; }));
+    cancelled->cancel();
+    DelayedTask task;
+    RepeatingTimer timer = scheduler.every(2ms, 1ms, [&] {
+        if (++ticks == 3) {
+            timer.cancel();
+            task = scheduler.after(5ms, [&] {
+                isOver = true;
+                loop.quit();
+            });
+        }
+    });
+    EXPECT_FALSE(isOver);
+    loop.exec();
+    EXPECT_EQ(ticks, 3);
+    EXPECT_TRUE(isOver);
+    EXPECT_FALSE(task.isPending());
+    EXPECT_GE(scheduler.now() - start, 10ms);
+}
+
+TEST(EventLoopScheduler, MayBeDestroyedByItsOwnCall)
+{
+    auto scheduler = std::make_unique<EventLoopScheduler>();
+    QEventLoop loop;
+    DelayedTask task = scheduler->after(0ms, [&] {
+        scheduler.reset();
+        loop.quit();
+    });
+    loop.exec();
+    EXPECT_FALSE(task.isPending());
+}

@@ -1,0 +1,172 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Platform/WidgetAlertPresenter.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gmock/gmock.h>
+
+using namespace Qt::StringLiterals;
+using testing::ElementsAre;
+
+namespace {
+
+const Alert closeQuestion{
+    .messageText = u"Do you want to save <b>a.txt</b>?"_s,
+    .informativeText = u"It will be lost."_s,
+    .buttons = {{u"Save"_s}, {u"Cancel"_s, AlertButtonRole::cancel}, {u"Don’t Save"_s, AlertButtonRole::destructive}}};
+
+template<typename Dialog>
+QList<Dialog *> openDialogs(const QWidget &window)
+{
+    QList<Dialog *> open;
+    for (Dialog *dialog : window.findChildren<Dialog *>()) {
+        if (dialog->isVisible()) {
+            open << dialog;
+        }
+    }
+    return open;
+}
+
+void click(const QMessageBox &box, const QString &title)
+{
+    for (QAbstractButton *button : box.buttons()) {
+        if (button->text().remove(u'&') == title) {
+            button->click();
+            return;
+        }
+    }
+    ADD_FAILURE() << "there is no button " << title.toStdString();
+}
+
+} // namespace
+
+TEST(WidgetAlertPresenter, AnswersWithThePlaceOfTheButton)
+{
+    QWidget window;
+    window.show();
+    WidgetAlertPresenter presenter;
+    std::vector<int> answers;
+    const auto note = [&](const AlertReply &reply) { answers.push_back(reply.button); };
+    const auto ask = [&] {
+        presenter.present(closeQuestion, &window, note);
+        return openDialogs<QMessageBox>(window).first();
+    };
+
+    QMessageBox *box = ask();
+    EXPECT_TRUE(answers.empty()) << "presenting must not wait";
+    EXPECT_EQ(box->windowModality(), Qt::WindowModal);
+    EXPECT_EQ(box->textFormat(), Qt::PlainText) << "a file's name is no markup";
+    EXPECT_EQ(box->defaultButton()->text().remove(u'&'), u"Save"_s);
+    click(*box, u"Don’t Save"_s);
+    click(*ask(), u"Cancel"_s);
+    click(*ask(), u"Save"_s);
+    QTest::keyClick(ask(), Qt::Key_Escape);
+    ask()->close();
+    EXPECT_THAT(answers, ElementsAre(1002, 1001, 1000, 1001, 1001));
+
+    presenter.present(Alert::forError(u"“a” could not be read."_s, u"Try again."_s), &window, note);
+    box = openDialogs<QMessageBox>(window).first();
+    EXPECT_EQ(box->informativeText(), u"Try again."_s);
+    QTest::keyClick(box, Qt::Key_Escape);
+    EXPECT_EQ(answers.back(), 1000);
+}
+
+TEST(WidgetAlertPresenter, AlertsOfAWindowComeOneAfterTheOther)
+{
+    auto window = std::make_unique<QWidget>();
+    window->show();
+    WidgetAlertPresenter presenter;
+    std::vector<std::string> events;
+    presenter.present(closeQuestion, window.get(), [&](const AlertReply &) {
+        events.push_back("first");
+        presenter.present(closeQuestion, window.get(), [&](const AlertReply &) { events.push_back("third"); });
+    });
+    presenter.present(closeQuestion, window.get(), [&](const AlertReply &) { events.push_back("second"); });
+    for (int count = 0; count < 3; ++count) {
+        const auto open = openDialogs<QMessageBox>(*window);
+        ASSERT_EQ(open.size(), 1);
+        click(*open.first(), u"Cancel"_s);
+    }
+    EXPECT_THAT(events, ElementsAre("first", "second", "third"));
+    EXPECT_TRUE(openDialogs<QMessageBox>(*window).isEmpty());
+
+    presenter.present(closeQuestion, window.get(), [&](const AlertReply &) { events.push_back("never"); });
+    presenter.present(closeQuestion, window.get(), [&](const AlertReply &) { events.push_back("never"); });
+    window.reset();
+    EXPECT_EQ(events.size(), 3U);
+}
+
+TEST(WidgetAlertPresenter, AsksForALineOfText)
+{
+    QWidget window;
+    window.show();
+    WidgetAlertPresenter presenter;
+    AlertReply reply;
+    presenter.present({.messageText = u"Go to Line"_s,
+                       .buttons = {{u"Go"_s}, {u"Cancel"_s, AlertButtonRole::cancel}},
+                       .textField = Alert::TextField{.placeholder = u"Line number"_s}},
+                      &window, [&](const AlertReply &given) { reply = given; });
+    QMessageBox *box = openDialogs<QMessageBox>(window).first();
+    auto *edit = box->findChild<QLineEdit *>();
+    EXPECT_EQ(box->focusWidget(), edit);
+    EXPECT_EQ(edit->placeholderText(), u"Line number"_s);
+    for (const QAbstractButton *button : box->buttons()) {
+        EXPECT_GT(button->mapTo(box, QPoint()).y(), edit->mapTo(box, QPoint()).y()) << "the buttons come last";
+    }
+    QTest::keyClicks(edit, u"42"_s);
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_EQ(reply.button, 1000);
+    EXPECT_EQ(reply.text, u"42"_s);
+}
+
+TEST(WidgetAlertPresenter, PanelsStartWhereTheyAreTold)
+{
+    const QTemporaryDir folder;
+    QWidget window;
+    window.show();
+    WidgetAlertPresenter presenter;
+    std::optional<QString> saved;
+    QStringList opened{u"untouched"_s};
+    presenter.present(SavePanel{.startFolder = folder.path(), .suggestedName = u"notes.txt"_s}, &window,
+                      [&](const std::optional<QString> &path) { saved = path; });
+    presenter.present(OpenPanel{.startFolder = u"/nowhere/at/all"_s}, &window, [&](const QStringList &paths) { opened = paths; });
+    QFileDialog *panel = openDialogs<QFileDialog>(window).first();
+    EXPECT_EQ(panel->windowModality(), Qt::WindowModal);
+    EXPECT_EQ(panel->acceptMode(), QFileDialog::AcceptSave);
+    QMetaObject::invokeMethod(panel, "accept");
+    EXPECT_EQ(saved, folder.filePath(u"notes.txt"_s));
+    panel = openDialogs<QFileDialog>(window).first();
+    EXPECT_EQ(panel->fileMode(), QFileDialog::ExistingFiles);
+    panel->reject();
+    EXPECT_EQ(opened, QStringList());
+}
+
+TEST(ScriptedAlertPresenter, CancelsWhatHasNoAnswer)
+{
+    ScriptedAlertPresenter presenter;
+    std::vector<int> answers;
+    const auto note = [&](const AlertReply &reply) { answers.push_back(reply.button); };
+    presenter.answer(1002);
+    presenter.present(closeQuestion, nullptr, note);
+    presenter.present(closeQuestion, nullptr, note);
+    presenter.present(Alert::forError(u"Wrong."_s), nullptr, note);
+    presenter.present(Alert{.messageText = u"?"_s, .buttons = {{u"Yes"_s}, {u"No"_s}}}, nullptr, note);
+    EXPECT_THAT(answers, ElementsAre(1002, 1001, 1000, 1001));
+    EXPECT_EQ(presenter.alerts().size(), 4U);
+
+    std::optional<QString> path = u"x"_s;
+    const auto keep = [&](const std::optional<QString> &given) { path = given; };
+    presenter.present(SavePanel{}, nullptr, keep);
+    EXPECT_EQ(path, std::nullopt);
+    presenter.answerSave(u"/a"_s);
+    presenter.present(SavePanel{}, nullptr, keep);
+    EXPECT_EQ(path, u"/a"_s);
+}

@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Platform/FirstResponder.h"
+
+#include "Platform/Responder.h"
+
+#include <QGuiApplication>
+#include <QLineEdit>
+#include <QVBoxLayout>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class Pane final : public QWidget, public Responder {
+public:
+    using QWidget::QWidget;
+
+    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override
+    {
+        static constexpr auto rows = std::to_array<ActionRow>({action<&Pane::count>("copy:"), action<&Pane::count>("save:")});
+        return findAction(rows, selector);
+    }
+
+    int calls = 0;
+
+private:
+    void count() { ++calls; }
+};
+
+} // namespace
+
+TEST(FirstResponder, BeginsAtTheFocusWidget)
+{
+    Pane window;
+    QWidget inner(&window);
+    QLineEdit edit(&inner);
+    inner.setFocusPolicy(Qt::StrongFocus);
+    window.show();
+    inner.setFocus();
+    ASSERT_EQ(firstResponder(&window), &window);
+
+    edit.setFocus();
+    Responder *responder = firstResponder(&window);
+    ASSERT_NE(responder, &window);
+    EXPECT_FALSE(responder->state("copy:").isEnabled) << "nothing is selected";
+    EXPECT_FALSE(responder->state("undo:").isEnabled);
+    edit.insert(u"needle"_s);
+    EXPECT_TRUE(responder->state("undo:").isEnabled);
+    EXPECT_TRUE(responder->perform("selectAll:"));
+    EXPECT_TRUE(responder->state("copy:").isEnabled);
+    EXPECT_TRUE(responder->perform("cut:"));
+    EXPECT_EQ(edit.text(), QString());
+    EXPECT_TRUE(responder->state("paste:").isEnabled);
+    responder->perform("paste:");
+    EXPECT_EQ(edit.text(), u"needle"_s);
+    responder->perform("delete:");
+    EXPECT_EQ(edit.text(), u"needle"_s) << "there was no selection to delete";
+    responder->perform("undo:");
+    EXPECT_EQ(edit.text(), QString());
+
+    edit.setText(u"secret"_s);
+    edit.setEchoMode(QLineEdit::Password);
+    edit.selectAll();
+    EXPECT_FALSE(responder->state("copy:").isEnabled);
+    edit.setReadOnly(true);
+    EXPECT_FALSE(responder->state("paste:").isEnabled);
+
+    EXPECT_EQ(window.calls, 0);
+    responder->perform("save:");
+    EXPECT_EQ(window.calls, 1);
+}
