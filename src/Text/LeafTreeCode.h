@@ -268,9 +268,10 @@ void LeafTree<Traits>::changeLeaf(Branch &branch, qsizetype offset, Side side, C
     Branches added;
     changeLeaf(child, offset, side, change, added);
     node->nodes[i] = std::exchange(child.node, nullptr);
-    node->sums[i] = child.summary;
+    const Summary before = std::exchange(node->sums[i], child.summary);
     if (added.isEmpty()) {
-        branch.summary = node->total();
+        if (!branch.summary.follow(before, child.summary))
+            branch.summary = node->total();
         return;
     }
     Branches all;
