@@ -35,7 +35,8 @@ enum class Side { left, right };
 /// happen in place where nobody else holds the node, and copy the path to it otherwise.
 ///
 /// `Traits` gives:
-/// - `Summary`, a monoid by `+=` with a member `units`, the length by which the tree is addressed;
+/// - `Summary`, with a member `units`, the length by which the tree is addressed; `total(summaries)`, an associative sum; and
+///   `follow(before, after)`, which brings a sum up to date when one part changed, or returns false when it must be added up again;
 /// - `Leaf`, derived from TreeNode, never empty in a tree, and `fanout`, 4 … 127;
 /// - `summarize(leaf)`, `destroy(leaf)`, `cut(leaf, at)` into two new leaves;
 /// - `belongTogether(left, right)` for two neighbours that may not stay so (too small both, or a split pair), and
@@ -148,13 +149,7 @@ private:
         Summary sums[fanout];
         TreeNode *nodes[fanout];
 
-        [[nodiscard]] Summary total() const
-        {
-            Summary sum = sums[0];
-            for (int i = 1; i < childCount; ++i)
-                sum += sums[i];
-            return sum;
-        }
+        [[nodiscard]] Summary total() const { return Summary::total({sums, childCount}); }
     };
 
     Branch m_root;

@@ -7,9 +7,8 @@
 template<class Traits>
 void LeafTree<Traits>::release(const TreeNode *node)
 {
-    if (node->references.fetch_sub(1, std::memory_order_release) != 1)
+    if (node->references.fetch_sub(1, std::memory_order_acq_rel) != 1)
         return;
-    std::atomic_thread_fence(std::memory_order_acquire);
     if (node->level == 0) {
         Traits::destroy(static_cast<Leaf *>(const_cast<TreeNode *>(node)));
         return;
@@ -112,7 +111,8 @@ auto LeafTree<Traits>::build(std::vector<Branch> row) -> Branch
         }
         row = std::move(above);
     }
-    return std::move(row.front());
+    Branch root = std::move(row.front());
+    return root;
 }
 
 /// Appends one or two branches of the higher of the two levels, which hold `left` and then `right`.
@@ -268,9 +268,10 @@ void LeafTree<Traits>::changeLeaf(Branch &branch, qsizetype offset, Side side, C
     Branches added;
     changeLeaf(child, offset, side, change, added);
     node->nodes[i] = std::exchange(child.node, nullptr);
-    node->sums[i] = child.summary;
+    const Summary before = std::exchange(node->sums[i], child.summary);
     if (added.isEmpty()) {
-        branch.summary = node->total();
+        if (!branch.summary.follow(before, child.summary))
+            branch.summary = node->total();
         return;
     }
     Branches all;

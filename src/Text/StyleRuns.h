@@ -55,10 +55,17 @@ private:
 struct RunSummary {
     quint32 units = 0;
 
-    RunSummary &operator+=(const RunSummary &next)
+    [[nodiscard]] static RunSummary total(std::span<const RunSummary> parts)
     {
-        units += next.units;
-        return *this;
+        RunSummary sum;
+        for (const RunSummary &part : parts)
+            sum.units += part.units;
+        return sum;
+    }
+    bool follow(const RunSummary &before, const RunSummary &after)
+    {
+        units += after.units - before.units;
+        return true;
     }
     friend bool operator==(const RunSummary &, const RunSummary &) = default;
 };

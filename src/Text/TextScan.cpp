@@ -15,43 +15,61 @@ namespace {
 
 constexpr qsizetype blockUnits = 64;
 
-/// The units of a block of 64 that equal `wanted`, the first in the lowest bit.
+/// Which of 64 units are LF and which are CR, the first in the lowest bit.
+struct BlockMasks {
+    quint64 lf = 0;
+    quint64 cr = 0;
+};
+
 #ifdef __SSE2__
 __m128i load(const void *from)
 {
     return _mm_loadu_si128(static_cast<const __m128i *>(from));
 }
 
-quint64 matches(const uchar *block, char wanted)
+/// One byte a unit, 0xff where 16 units equal `key`.
+__m128i equal16(const uchar *units, char key)
 {
-    const __m128i key = _mm_set1_epi8(wanted);
-    quint64 mask = 0;
-    for (int part = 0; part < 4; ++part) {
-        const int bits = _mm_movemask_epi8(_mm_cmpeq_epi8(load(block + part * 16), key));
-        mask |= quint64(quint32(bits)) << (part * 16);
-    }
-    return mask;
+    return _mm_cmpeq_epi8(load(units), _mm_set1_epi8(key));
+}
+__m128i equal16(const char16_t *units, char key)
+{
+    const __m128i wide = _mm_set1_epi16(key);
+    return _mm_packs_epi16(_mm_cmpeq_epi16(load(units), wide), _mm_cmpeq_epi16(load(units + 8), wide));
 }
 
-quint64 matches(const char16_t *block, char wanted)
+quint64 bits(const __m128i (&bytes)[4])
 {
-    const __m128i key = _mm_set1_epi16(wanted);
-    quint64 mask = 0;
+    const auto part = [&bytes](int i) { return quint64(quint32(_mm_movemask_epi8(bytes[i]))); };
+    return part(0) | part(1) << 16 | part(2) << 32 | part(3) << 48;
+}
+
+bool hasAny(const __m128i (&bytes)[4])
+{
+    return _mm_movemask_epi8(_mm_or_si128(_mm_or_si128(bytes[0], bytes[1]), _mm_or_si128(bytes[2], bytes[3]))) != 0;
+}
+
+template<class Unit>
+BlockMasks scanBlock(const Unit *block)
+{
+    __m128i lf[4];
+    __m128i cr[4];
     for (int part = 0; part < 4; ++part) {
-        const __m128i low = _mm_cmpeq_epi16(load(block + part * 16), key);
-        const __m128i high = _mm_cmpeq_epi16(load(block + part * 16 + 8), key);
-        mask |= quint64(quint32(_mm_movemask_epi8(_mm_packs_epi16(low, high)))) << (part * 16);
+        lf[part] = equal16(block + part * 16, '\n');
+        cr[part] = equal16(block + part * 16, '\r');
     }
-    return mask;
+    return {bits(lf), hasAny(cr) ? bits(cr) : 0};
 }
 #else
 template<class Unit>
-quint64 matches(const Unit *block, char wanted)
+BlockMasks scanBlock(const Unit *block)
 {
-    quint64 mask = 0;
-    for (qsizetype i = 0; i < blockUnits; ++i)
-        mask |= quint64(block[i] == Unit(wanted)) << i;
-    return mask;
+    BlockMasks masks;
+    for (qsizetype i = 0; i < blockUnits; ++i) {
+        masks.lf |= quint64(block[i] == Unit('\n')) << i;
+        masks.cr |= quint64(block[i] == Unit('\r')) << i;
+    }
+    return masks;
 }
 #endif
 
@@ -68,9 +86,9 @@ void forEachBreakMask(const Unit *text, qsizetype length, Visit visit)
             std::copy_n(block, left, tail.begin());
             block = tail.data();
         }
-        const quint64 lf = matches(block, '\n');
+        auto [lf, cr] = scanBlock(block);
         quint64 breaks = lf;
-        if (quint64 cr = matches(block, '\r')) {
+        if (cr) {
             if (left <= blockUnits)
                 cr &= ~(quint64(1) << (left - 1));
             quint64 paired = lf >> 1;

@@ -4,6 +4,8 @@
 
 #include <QtGlobal>
 
+#include <span>
+
 /// What a stretch of text adds to its document, so that two stretches can be put together without being read again.
 ///
 /// Lines end after LF, CR LF or a lone CR. A CR at the very end may be half of a pair whose LF has yet to come: `breaks` leaves it
@@ -21,7 +23,10 @@ struct TextSummary {
 
     /// Breaks when nothing follows.
     [[nodiscard]] quint32 closedBreaks() const { return breaks + (endsWithCr ? 1 : 0); }
-    TextSummary &operator+=(const TextSummary &next);
+    /// The sum of one or more stretches that are not empty.
+    [[nodiscard]] static TextSummary total(std::span<const TextSummary> parts);
+    /// One of the stretches that this is the sum of changed. False when that does not tell the new sum.
+    bool follow(const TextSummary &before, const TextSummary &after);
 
     friend bool operator==(const TextSummary &, const TextSummary &) = default;
 };
@@ -39,24 +44,47 @@ void widenText(const uchar *text, qsizetype length, char16_t *out);
 /// The units must be narrow.
 void narrowText(const char16_t *text, qsizetype length, uchar *out);
 
-inline TextSummary &TextSummary::operator+=(const TextSummary &next)
+inline bool TextSummary::follow(const TextSummary &before, const TextSummary &after)
 {
-    if (next.units == 0)
-        return *this;
-    if (units == 0)
-        return *this = next;
-    quint32 open = lastLine;
-    if (endsWithCr && !next.startsWithLf) {
-        ++breaks;
-        open = 0;
+    // As long as the lines at both ends of the stretch are as they were, what lies around it sees no difference.
+    const bool hasSameEnds = before.breaks > 0 && after.breaks > 0 && before.firstLine == after.firstLine &&
+                             before.lastLine == after.lastLine && before.startsWithLf == after.startsWithLf &&
+                             before.endsWithCr == after.endsWithCr;
+    const bool mayLoseLongest = after.longestLine < before.longestLine && before.longestLine == longestLine;
+    if (!hasSameEnds || mayLoseLongest)
+        return false;
+    units += after.units - before.units;
+    breaks += after.breaks - before.breaks;
+    longestLine = qMax(longestLine, after.longestLine);
+    return true;
+}
+
+inline TextSummary TextSummary::total(std::span<const TextSummary> parts)
+{
+    TextSummary sum;
+    quint32 open = 0;
+    bool endsInCr = false;
+    for (const TextSummary &part : parts) {
+        if (endsInCr && !part.startsWithLf) {
+            if (sum.breaks++ == 0)
+                sum.firstLine = open;
+            open = 0;
+        }
+        open += part.firstLine;
+        sum.longestLine = qMax(sum.longestLine, qMax(part.longestLine, open));
+        if (part.breaks > 0) {
+            if (sum.breaks == 0)
+                sum.firstLine = open;
+            open = part.lastLine;
+        }
+        sum.units += part.units;
+        sum.breaks += part.breaks;
+        endsInCr = part.endsWithCr;
     }
-    const quint32 middle = open + next.firstLine;
-    if (breaks == 0)
-        firstLine += next.firstLine;
-    lastLine = next.breaks == 0 ? middle : next.lastLine;
-    longestLine = qMax(qMax(longestLine, next.longestLine), middle);
-    units += next.units;
-    breaks += next.breaks;
-    endsWithCr = next.endsWithCr;
-    return *this;
+    if (sum.breaks == 0)
+        sum.firstLine = open;
+    sum.lastLine = open;
+    sum.startsWithLf = parts.front().startsWithLf;
+    sum.endsWithCr = endsInCr;
+    return sum;
 }

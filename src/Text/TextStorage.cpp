@@ -9,6 +9,8 @@
 namespace {
 
 constexpr size_t mostStyleChanges = 4000;
+/// Debug builds check the trees of texts up to this length after every edit.
+[[maybe_unused]] constexpr qsizetype longestChecked = 10'000;
 
 TextRange hullOf(TextRange a, TextRange b)
 {
@@ -103,6 +105,7 @@ void TextStorage::edit(TextRange range, const Text &text, qsizetype textLength)
     m_text.replace(range, text);
     m_runs.replace(range, textLength);
     ++m_revision;
+    Q_ASSERT(length() > longestChecked || checkInvariants());
     m_changes.add({.position = range.location,
                    .removed = range.length,
                    .inserted = textLength,
@@ -138,6 +141,7 @@ void TextStorage::setStyles(TextRange window, std::span<const StyleRun> runs)
         return;
     const EditBatch batch(*this);
     addStyleChanges(m_runs.assign(window, runs));
+    Q_ASSERT(length() > longestChecked || checkInvariants());
 }
 
 void TextStorage::addStyleChanges(std::vector<TextRange> ranges)

@@ -71,6 +71,6 @@ private:
     qsizetype m_length = 0;
 
     qsizetype addLeaf(const char16_t *text, qsizetype length);
-    qsizetype fillPending(qsizetype available);
+    qsizetype makeRoom(qsizetype wanted);
     void addFullPending();
 };

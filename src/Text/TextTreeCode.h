@@ -227,13 +227,13 @@ qsizetype TextTree<leafBytes, fanout>::Builder::addLeaf(const char16_t *text, qs
     return count;
 }
 
-/// How many units may be put behind those that wait.
+/// How many of `wanted` units may be put behind those that wait.
 template<int leafBytes, int fanout>
-qsizetype TextTree<leafBytes, fanout>::Builder::fillPending(qsizetype available)
+qsizetype TextTree<leafBytes, fanout>::Builder::makeRoom(qsizetype wanted)
 {
     if (!m_pending)
         m_pending = std::make_unique_for_overwrite<char16_t[]>(size_t(Traits::narrowUnits));
-    return std::min(available, Traits::narrowUnits - m_pendingLength);
+    return std::min(wanted, Traits::narrowUnits - m_pendingLength);
 }
 
 template<int leafBytes, int fanout>
@@ -257,7 +257,7 @@ void TextTree<leafBytes, fanout>::Builder::append(QStringView text)
         if (m_pendingLength == 0 && left > Traits::narrowUnits) {
             used = addLeaf(from, left);
         } else {
-            used = fillPending(left);
+            used = makeRoom(left);
             std::copy_n(from, used, m_pending.get() + m_pendingLength);
             m_pendingLength += used;
             addFullPending();
@@ -277,7 +277,7 @@ void TextTree<leafBytes, fanout>::Builder::appendLatin1(const uchar *text, qsize
             used = Traits::narrowUnits;
             m_leaves.emplace_back(TextLeaf::makeNarrow(text, used));
         } else {
-            used = fillPending(length);
+            used = makeRoom(length);
             widenText(text, used, m_pending.get() + m_pendingLength);
             m_pendingLength += used;
             addFullPending();

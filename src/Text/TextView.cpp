@@ -533,7 +533,7 @@ void TextView::scrollContentsBy(int dx, int dy)
 
 void TextView::scrollRows(int rows)
 {
-    m_port.scrollBy(rows * m_layout.rowHeight());
+    m_port.scrollRows(rows);
     viewMoved();
     viewport()->update();
 }

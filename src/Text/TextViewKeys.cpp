@@ -174,8 +174,7 @@ void TextView::move(Motion motion)
         setCaret(caret, caret.offset);
         if (before) {
             // A page turns the text under the caret, which stays where it is on the screen.
-            m_port.scrollBy(static_cast<double>(motion == Motion::pageUp ? -m_port.rowsPerPage() : m_port.rowsPerPage()) *
-                            m_layout.rowHeight());
+            m_port.scrollRows(motion == Motion::pageUp ? -m_port.rowsPerPage() : m_port.rowsPerPage());
             viewMoved();
             viewport()->update();
         }

@@ -3,7 +3,7 @@
 #include "Text/UndoManager.h"
 
 #include <algorithm>
-#include <ranges>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -99,7 +99,7 @@ void UndoManager::openGroup(const Edit &first)
 
 bool UndoManager::continuesLastGroup(const Edit &first) const
 {
-    if (!m_mayCoalesce || m_done == 0 || isAtSavePoint())
+    if (!m_mayCoalesce || m_done == 0)
         return false;
     const Group &group = m_groups[size_t(m_done) - 1];
     if (group.kind != m_next.kind || group.view != m_next.view || m_clock() - group.time >= longestPause)
@@ -143,11 +143,12 @@ void UndoManager::keepHull(Group &group)
 {
     const Edit &first = group.edits.front();
     group.hull = {.position = first.position, .removed = first.removed.length(), .inserted = first.inserted.length()};
-    for (const Edit &edit : group.edits | std::views::drop(1))
-        widen(group.hull, edit.position, edit.removed.length(), edit.inserted.length());
+    std::for_each(std::next(group.edits.begin()), group.edits.end(),
+                  [&group](const Edit &edit) { widen(group.hull, edit.position, edit.removed.length(), edit.inserted.length()); });
     Rope text = m_storage.text();
-    for (const Edit &edit : group.edits | std::views::reverse)
+    std::for_each(group.edits.rbegin(), group.edits.rend(), [&text](const Edit &edit) {
         text.replace({edit.position, edit.inserted.length()}, edit.removed);
+    });
     group.textBefore = std::move(text);
     group.edits.clear();
     group.edits.shrink_to_fit();
@@ -197,8 +198,9 @@ std::optional<TextSelection> UndoManager::undo()
     const Group group = m_groups[size_t(m_done) - 1];
     replay(
         [&] {
-            for (const Edit &edit : group.edits | std::views::reverse)
+            std::for_each(group.edits.rbegin(), group.edits.rend(), [this](const Edit &edit) {
                 m_storage.replaceCharacters({edit.position, edit.inserted.length()}, edit.removed);
+            });
         },
         m_done - 1);
     return group.before;

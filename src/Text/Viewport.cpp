@@ -168,6 +168,15 @@ void Viewport::scrollBy(double pixels)
     place(topRow(), m_above + pixels);
 }
 
+void Viewport::scrollRows(qint64 rows)
+{
+    RowPosition top = topRow();
+    // Upwards from a row that is cut off, the first step shows the rest of it.
+    const bool isCut = m_above > 0;
+    m_layout.step(top, isCut && rows < 0 ? rows + 1 : rows);
+    place(top, m_layout.previous(top) ? 0 : -insets().vertical);
+}
+
 void Viewport::reveal(const RowPosition &row, Reveal how)
 {
     const double height = m_layout.rowHeight();

@@ -60,6 +60,8 @@ public:
     void setX(double x);
     void setY(double y);
     void scrollBy(double pixels);
+    /// By whole rows; afterwards the top row is seen whole.
+    void scrollRows(qint64 rows);
     void reveal(const RowPosition &row, Reveal how = Reveal::nearest);
     /// Scrolls sideways until the span (pixels along the row) is seen.
     void revealX(Span span);

@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <mutex>
 #include <sstream>
+#include <thread>
 
 namespace {
 
@@ -243,6 +245,48 @@ TEST(Rope, ChunksAndCursorsReadWhatIsThere)
     });
     EXPECT_EQ(read, text.substr(3, 30'001));
     EXPECT_EQ(rope.toString({100, 50}), QStringView(text).mid(100, 50));
+}
+
+/// Workers read and drop snapshots while the text goes on changing in place.
+TEST(Rope, SnapshotsMayBeReadAndDroppedOnAnotherThread)
+{
+    Rope rope{QStringView(proseOf(50'000))};
+    std::mutex mutex;
+    Rope shared = rope;
+    bool isDone = false;
+    int wrong = 0;
+    std::thread worker([&] {
+        for (bool isLast = false; !isLast;) {
+            Rope snapshot;
+            {
+                const std::lock_guard lock(mutex);
+                snapshot = std::exchange(shared, Rope());
+                isLast = isDone;
+            }
+            qsizetype breaks = 0;
+            snapshot.forEachChunk({0, snapshot.length()}, [&breaks](const Rope::Chunk &chunk) {
+                for (qsizetype i = 0; i < chunk.length; ++i)
+                    breaks += chunk.at(i) == u'\n';
+                return true;
+            });
+            wrong += breaks + 1 != snapshot.lineCount();
+        }
+    });
+    Random random(5);
+    for (int i = 0; i < 5000; ++i) {
+        rope.replace({random.below(rope.length() - 10), random.below(10)}, QStringView(i % 3 ? u"a\n" : u"\u4e2d"));
+        if (i % 16 == 0) {
+            const std::lock_guard lock(mutex);
+            shared = rope;
+        }
+    }
+    {
+        const std::lock_guard lock(mutex);
+        isDone = true;
+    }
+    worker.join();
+    EXPECT_EQ(wrong, 0);
+    EXPECT_TRUE(rope.checkInvariants());
 }
 
 /// What an operation did to the trees.
