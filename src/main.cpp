@@ -1,7 +1,84 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "App/CommandLine.h"
+#include "App/MainWindow.h"
+#include "App/Preferences.h"
+#include "App/TerminationSignals.h"
+#include "Platform/DefaultsStore.h"
+#include "Platform/SystemPasteboard.h"
+#include "Platform/WidgetAlertPresenter.h"
 
-int main()
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void print(FILE *stream, const QString &text)
 {
-    return 0;
+    std::fputs(text.toLocal8Bit().constData(), stream);
+}
+
+void complain(const CommandLine &line)
+{
+    for (const QString &complaint : line.complaints) {
+        print(stderr, u"quillet: "_s + complaint + u'\n');
+    }
+}
+
+int run(QApplication &application, const QStringList &files)
+{
+    QApplication::setApplicationName(u"Quillet"_s);
+    QApplication::setApplicationDisplayName(u"Quillet"_s);
+    QApplication::setApplicationVersion(QStringLiteral(QUILLET_VERSION));
+    QApplication::setDesktopFileName(u"org.quillet.Quillet"_s);
+
+    EventLoopScheduler scheduler;
+    NotificationCenter notifications;
+    DefaultsStore defaults(DefaultsStore::standardPath(), scheduler);
+    Preferences preferences(defaults, notifications);
+    SystemPasteboard pasteboard;
+    WidgetAlertPresenter presenter;
+    // Leaves the event loop at once, where quit() would have windows ask first.
+    const TerminationSignals termination([] { QCoreApplication::exit(0); });
+
+    MainWindow window({scheduler, notifications, defaults, preferences, pasteboard, presenter});
+    window.show();
+    if (!files.isEmpty()) {
+        window.show(files.first());
+    }
+    return application.exec();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QStringList arguments;
+    for (int index = 1; index < argc; ++index) {
+        arguments << QFile::decodeName(argv[index]);
+    }
+    const CommandLine line = CommandLine::parse(arguments, QDir::currentPath());
+    complain(line);
+    switch (line.request) {
+    case CommandLine::Request::refuse:
+        print(stderr, CommandLine::help());
+        return 2;
+    case CommandLine::Request::showHelp:
+        print(stdout, CommandLine::help());
+        return 0;
+    case CommandLine::Request::showVersion:
+        print(stdout, u"Quillet "_s + QStringLiteral(QUILLET_VERSION) + u'\n');
+        return 0;
+    case CommandLine::Request::openFiles:
+        break;
+    }
+    // The arguments are all read; the application object would look for its own among them.
+    int applicationArguments = 1;
+    QApplication application(applicationArguments, argv);
+    return run(application, line.files);
 }

@@ -4,9 +4,10 @@
 
 #include "Platform/Responder.h"
 
+#include <QApplication>
 #include <QClipboard>
-#include <QGuiApplication>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QMimeData>
 #include <QPointer>
 
@@ -58,7 +59,7 @@ private:
     [[nodiscard]] bool canCopy() const { return m_edit->hasSelectedText() && m_edit->echoMode() == QLineEdit::Normal; }
     [[nodiscard]] bool canPaste() const
     {
-        const QMimeData *data = QGuiApplication::clipboard()->mimeData();
+        const QMimeData *data = QApplication::clipboard()->mimeData();
         return isEditable() && data && data->hasText();
     }
     [[nodiscard]] bool canDelete() const { return isEditable() && m_edit->hasSelectedText(); }
@@ -66,11 +67,32 @@ private:
     QPointer<QLineEdit> m_edit;
 };
 
+/// What had the focus when a menu bar took it.
+QPointer<QWidget> behindMenuBar;
+
+QWidget *focusBehindMenuBar(const QWidget *window)
+{
+    QWidget *focus = window->focusWidget();
+    if (!qobject_cast<QMenuBar *>(focus)) {
+        return focus;
+    }
+    return behindMenuBar && behindMenuBar->window() == window ? behindMenuBar.get() : nullptr;
+}
+
 } // namespace
+
+void keepFirstResponderBehind(QMenuBar &menuBar)
+{
+    QObject::connect(qApp, &QApplication::focusChanged, &menuBar, [&menuBar](QWidget *before, QWidget *now) {
+        if (now == &menuBar && before) {
+            behindMenuBar = before;
+        }
+    });
+}
 
 Responder *firstResponder(QWidget *window)
 {
-    QWidget *focus = window->focusWidget();
+    QWidget *focus = focusBehindMenuBar(window);
     auto *edit = qobject_cast<QLineEdit *>(focus);
     if (edit && !dynamic_cast<Responder *>(focus)) {
         static LineEditResponder responder;

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <concepts>
 #include <functional>
 #include <memory>
 #include <string_view>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -52,7 +52,9 @@ public:
 
     /// `object` null: whatever the notification is about.
     [[nodiscard]] Token observe(NotificationName name, const void *object, Callback callback);
-    [[nodiscard]] Token observe(NotificationName name, const void *object, std::invocable auto callback)
+    template<typename Function>
+    requires std::is_invocable_v<Function &>
+    [[nodiscard]] Token observe(NotificationName name, const void *object, Function callback)
     {
         return observe(name, object, Callback([wrapped = std::move(callback)](const void *) mutable { wrapped(); }));
     }

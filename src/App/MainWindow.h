@@ -1,0 +1,87 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/NotificationCenter.h"
+#include "Platform/Responder.h"
+
+#include <QMainWindow>
+
+#include <functional>
+#include <memory>
+
+class AlertPresenter;
+class DefaultsStore;
+class OpenFile;
+class Pasteboard;
+class Preferences;
+class Scheduler;
+class TextView;
+
+/// What the windows of the program use; made in `main`, and by every test for itself.
+struct AppServices {
+    Scheduler &scheduler;
+    NotificationCenter &notifications;
+    DefaultsStore &defaults;
+    Preferences &preferences;
+    Pasteboard &pasteboard;
+    AlertPresenter &presenter;
+};
+
+/// A window that edits one file. Never loses text without asking: not by closing, not by opening another file, not by a failed save.
+class MainWindow final : public QMainWindow, public Responder {
+    Q_OBJECT
+
+public:
+    /// The services must outlive the window. It begins with an empty text.
+    explicit MainWindow(const AppServices &services);
+    ~MainWindow() override;
+
+    /// Shows the file at `path` (absolute) instead, at once: what was shown before must be saved or given up. A file that cannot be read
+    /// is answered with an alert and changes nothing.
+    void show(const QString &path);
+    /// Asks first when there is unsaved text.
+    void open(const QString &path);
+
+    [[nodiscard]] OpenFile &file() { return *m_file; }
+    [[nodiscard]] TextView &textView() { return *m_textView; }
+
+    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+    using QMainWindow::show;
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    /// Gets true when the text was written, or may be given up.
+    using Completion = std::function<void(bool mayGoOn)>;
+
+    void openDocument();
+    void saveDocument();
+    void saveDocumentAs();
+    void terminate();
+    void toggleLineWrap();
+    [[nodiscard]] ActionState lineWrapState() const;
+    void increaseFontSize() { changeFontSize(1); }
+    void decreaseFontSize() { changeFontSize(-1); }
+    void resetFontSize();
+    void changeFontSize(int steps);
+
+    void save(Completion completion);
+    void saveAs(Completion completion);
+    void write(const QString &path, const Completion &completion);
+    void askToSave(Completion completion);
+
+    void setFile(std::unique_ptr<OpenFile> file);
+    void applyPreferences();
+    void updateTitle();
+    [[nodiscard]] QString panelFolder() const;
+    void rememberPanelFolder(const QString &path);
+
+    AppServices m_services;
+    std::unique_ptr<OpenFile> m_file;
+    TextView *m_textView = nullptr;
+    NotificationCenter::Token m_preferencesObserver;
+    /// The next closing has been asked about.
+    bool m_mayClose = false;
+};

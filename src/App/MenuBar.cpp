@@ -1,0 +1,120 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "App/MenuBar.h"
+
+#include "Platform/AlertPresenter.h"
+#include "Platform/FirstResponder.h"
+#include "Platform/Translation.h"
+
+#include <QAction>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using enum MenuCommand::Place;
+
+constexpr auto commands = std::to_array<MenuCommand>({
+    {u"File", "openDocument:", u"Open…", "Ctrl+O"},
+    {u"File", "saveDocument:", u"Save", "Ctrl+S", startsGroup},
+    {u"File", "saveDocumentAs:", u"Save As…", "Ctrl+Shift+S"},
+    {u"File", "terminate:", u"Quit Quillet", "Ctrl+Q", startsGroup},
+
+    {u"Edit", "undo:", u"Undo", "Ctrl+Z"},
+    {u"Edit", "redo:", u"Redo", "Ctrl+Shift+Z; Ctrl+Y"},
+    {u"Edit", "cut:", u"Cut", "Ctrl+X", startsGroup},
+    {u"Edit", "copy:", u"Copy", "Ctrl+C"},
+    {u"Edit", "paste:", u"Paste", "Ctrl+V"},
+    {u"Edit", "delete:", u"Delete"},
+    {u"Edit", "selectAll:", u"Select All", "Ctrl+A", startsGroup},
+
+    {u"View", "toggleLineWrap:", u"Wrap Lines", "Ctrl+Alt+W", inGroup, MenuCommand::Look::checkable},
+    // Where "+" needs Shift, the key without it means the same.
+    {u"View", "increaseFontSize:", u"Bigger", "Ctrl++; Ctrl+=", startsGroup},
+    {u"View", "decreaseFontSize:", u"Smaller", "Ctrl+-"},
+    {u"View", "resetFontSize:", u"Actual Size", "Ctrl+0"},
+});
+
+/// Gives the titles of one menu their underlined letters: the first letter of a word that no title before has, else none.
+class Mnemonics {
+public:
+    [[nodiscard]] QString mark(QString title)
+    {
+        title.replace(u'&', "&&"_L1);
+        for (qsizetype place = 0; place < title.size(); ++place) {
+            const QChar letter = title[place].toLower();
+            if (letter.isLetter() && (place == 0 || title[place - 1].isSpace()) && !m_taken.contains(letter)) {
+                m_taken += letter;
+                return title.insert(place, u'&');
+            }
+        }
+        return title;
+    }
+
+private:
+    QString m_taken;
+};
+
+void show(QAction &item, const QString &title, const ActionState &state)
+{
+    item.setEnabled(state.isEnabled);
+    item.setText(state.title.value_or(title));
+    if (item.isCheckable()) {
+        item.setChecked(state.checkMark != CheckMark::none);
+    }
+}
+
+void choose(QMainWindow &window, const MenuCommand &command, AlertPresenter &presenter)
+{
+    Responder *responder = firstResponder(&window);
+    if (!responder || !responder->state(command.selector).isEnabled || !responder->perform(command.selector)) {
+        presenter.beep();
+    }
+}
+
+} // namespace
+
+QList<QKeySequence> MenuCommand::keySequences() const
+{
+    // An empty text would be read as one empty sequence.
+    return *shortcuts ? QKeySequence::listFromString(QString::fromLatin1(shortcuts)) : QList<QKeySequence>();
+}
+
+std::span<const MenuCommand> menuCommands()
+{
+    return commands;
+}
+
+void installMenuBar(QMainWindow &window, AlertPresenter &presenter)
+{
+    keepFirstResponderBehind(*window.menuBar());
+    Mnemonics menuMnemonics;
+    Mnemonics itemMnemonics;
+    QMenu *menu = nullptr;
+    QStringView menuTitle;
+    for (const MenuCommand &command : commands) {
+        if (menuTitle != command.menu) {
+            menuTitle = command.menu;
+            menu = window.menuBar()->addMenu(menuMnemonics.mark(localized(menuTitle)));
+            itemMnemonics = {};
+        } else if (command.place == startsGroup) {
+            menu->addSeparator();
+        }
+        const QString title = itemMnemonics.mark(localized(command.title));
+        QAction *item = menu->addAction(title);
+        item->setCheckable(command.look == MenuCommand::Look::checkable);
+        item->setShortcuts(command.keySequences());
+        QObject::connect(item, &QAction::triggered, &window, [&window, &command, &presenter] { choose(window, command, presenter); });
+        QObject::connect(menu, &QMenu::aboutToShow, item, [&window, &command, item, title] {
+            const Responder *responder = firstResponder(&window);
+            show(*item, title, responder ? responder->state(command.selector) : ActionState{.isEnabled = false});
+        });
+        // While the menu is closed nobody looks, and a key that cannot do its work is to be heard rather than swallowed.
+        QObject::connect(menu, &QMenu::aboutToHide, item, [item] { item->setEnabled(true); });
+    }
+}

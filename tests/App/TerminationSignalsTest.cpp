@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "App/TerminationSignals.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+
+#include <csignal>
+
+TEST(TerminationSignals, BecomeCallsFromTheEventLoop)
+{
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        int calls = 0;
+        QEventLoop loop;
+        const TerminationSignals termination([&] {
+            ++calls;
+            loop.quit();
+        });
+        std::raise(signal);
+        std::raise(signal);
+        EXPECT_EQ(calls, 0) << "nothing of the program runs inside the handler";
+        loop.exec();
+        QCoreApplication::processEvents();
+        EXPECT_EQ(calls, 1) << "two signals at once are one wish";
+    }
+    struct sigaction action = {};
+    sigaction(SIGTERM, nullptr, &action);
+    EXPECT_EQ(action.sa_handler, SIG_DFL);
+}
