@@ -2,39 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/SystemPasteboard.h"
 
+#include "Platform/LazyTextMimeData.h"
+
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QMimeData>
 
 #include <utility>
-
-using namespace Qt::StringLiterals;
-
-namespace {
-
-/// Promises text and makes it when another program, or this one, asks.
-class LazyTextData final : public QMimeData {
-public:
-    explicit LazyTextData(Pasteboard::Provider provider) : m_provider(std::move(provider)) {}
-
-    [[nodiscard]] QStringList formats() const override { return {u"text/plain"_s, u"text/plain;charset=utf-8"_s}; }
-    [[nodiscard]] bool hasFormat(const QString &mimeType) const override { return formats().contains(mimeType); }
-
-protected:
-    [[nodiscard]] QVariant retrieveData(const QString &mimeType, QMetaType type) const override
-    {
-        if (!hasFormat(mimeType)) {
-            return {};
-        }
-        const QString text = m_provider();
-        return type.id() == QMetaType::QByteArray ? QVariant(text.toUtf8()) : QVariant(text);
-    }
-
-private:
-    Pasteboard::Provider m_provider;
-};
-
-} // namespace
 
 SystemPasteboard::SystemPasteboard() : m_clipboard(QGuiApplication::clipboard())
 {
@@ -64,7 +37,7 @@ void SystemPasteboard::setText(const QString &text)
 void SystemPasteboard::setLazyText(Provider provider)
 {
     ++m_changeCount;
-    auto *data = new LazyTextData(std::move(provider));
+    auto *data = new LazyTextMimeData(std::move(provider));
     m_own = data;
     m_clipboard->setMimeData(data, QClipboard::Clipboard);
 }
@@ -77,7 +50,7 @@ bool SystemPasteboard::supportsPrimary() const
 void SystemPasteboard::setPrimary(Provider provider)
 {
     if (supportsPrimary()) {
-        m_clipboard->setMimeData(new LazyTextData(std::move(provider)), QClipboard::Selection);
+        m_clipboard->setMimeData(new LazyTextMimeData(std::move(provider)), QClipboard::Selection);
     }
 }
 

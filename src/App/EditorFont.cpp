@@ -1,0 +1,20 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "App/EditorFont.h"
+
+#include "App/Preferences.h"
+
+#include <QFontDatabase>
+
+QFont editorFont(const Preferences &preferences)
+{
+    const QString name = preferences.fontName();
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (!name.isEmpty() && QFontDatabase::hasFamily(name)) {
+        font = QFont(name);
+        font.setStyleHint(QFont::Monospace);
+    }
+    font.setWeight(QFont::Normal);
+    font.setPointSizeF(preferences.fontSize());
+    return font;
+}

@@ -1,0 +1,186 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Platform/DefaultsStore.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+class DefaultsStoreTest : public testing::Test {
+protected:
+    [[nodiscard]] QString path() const { return m_folder.filePath(u"config/Quillet/Quillet.conf"_s); }
+
+    /// A store as a new start of the program has it.
+    [[nodiscard]] std::unique_ptr<DefaultsStore> start()
+    {
+        auto store = std::make_unique<DefaultsStore>(path(), scheduler);
+        store->registerDefault("editor.tabWidth"_L1, 4);
+        store->registerDefault("editor.fontSize"_L1, 13.0);
+        store->registerDefault("editor.wrapLines"_L1, true);
+        store->registerDefault("editor.fontName"_L1, u"Mono"_s);
+        store->registerDefault("toolbar.items"_L1, QStringList({u"new"_s, u"open"_s}));
+        return store;
+    }
+
+    void write(const QByteArray &content)
+    {
+        QDir().mkpath(QFileInfo(path()).path());
+        QFile file(path());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+
+    [[nodiscard]] static QByteArray read(const QString &name)
+    {
+        QFile file(name);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    ManualScheduler scheduler;
+    QTemporaryDir m_folder;
+};
+
+} // namespace
+
+TEST_F(DefaultsStoreTest, RegisteredValuesAnswerAndAreNotWritten)
+{
+    {
+        const auto store = start();
+        EXPECT_EQ(store->integer("editor.tabWidth"_L1), 4);
+        EXPECT_EQ(store->stringList("toolbar.items"_L1), QStringList({u"new"_s, u"open"_s}));
+        EXPECT_EQ(store->string("io.panels.lastDirectory"_L1), QString());
+        EXPECT_FALSE(store->isSet("editor.tabWidth"_L1));
+    }
+    EXPECT_FALSE(QFileInfo::exists(m_folder.filePath(u"config"_s))) << "nothing was set, so nothing is made";
+
+    start()->set("editor.tabWidth"_L1, 8);
+    const QByteArray content = read(path());
+    EXPECT_TRUE(content.contains("editor.tabWidth=8")) << content.constData();
+    EXPECT_FALSE(content.contains("fontSize")) << content.constData();
+    const QFile::Permissions others =
+        QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
+    EXPECT_FALSE(QFile::permissions(QFileInfo(path()).path()) & others);
+
+    const auto store = start();
+    EXPECT_TRUE(store->isSet("editor.tabWidth"_L1));
+    store->remove("editor.tabWidth"_L1);
+    EXPECT_EQ(store->integer("editor.tabWidth"_L1), 4);
+    EXPECT_TRUE(store->synchronize());
+    EXPECT_FALSE(read(path()).contains("tabWidth"));
+}
+
+TEST_F(DefaultsStoreTest, ValuesComeBackAsTheyWere)
+{
+    const QStringList lists[] = {{}, {u"one"_s}, {u"a"_s, u"b,c"_s, u"d e"_s}, {u"@x"_s, u""_s}};
+    const QString texts[] = {u""_s, u"@Invalid()"_s, u"a, b; \"c\" = d\\"_s, u"Grüße 😀"_s, u"true"_s, u" 12 "_s};
+    for (const QStringList &list : lists) {
+        start()->set("toolbar.items"_L1, list);
+        EXPECT_EQ(start()->stringList("toolbar.items"_L1), list) << list.size();
+    }
+    for (const QString &text : texts) {
+        start()->set("editor.fontName"_L1, text);
+        EXPECT_EQ(start()->string("editor.fontName"_L1), text);
+    }
+    {
+        const auto store = start();
+        store->set("editor.fontSize"_L1, 0.1);
+        store->set("editor.wrapLines"_L1, false);
+        store->set("editor.tabWidth"_L1, -3);
+        EXPECT_FALSE(store->boolean("editor.wrapLines"_L1)) << "also before it is written";
+    }
+    const auto store = start();
+    EXPECT_EQ(store->real("editor.fontSize"_L1), 0.1);
+    EXPECT_FALSE(store->boolean("editor.wrapLines"_L1));
+    EXPECT_EQ(store->integer("editor.tabWidth"_L1), -3);
+}
+
+TEST_F(DefaultsStoreTest, ValuesOfTheWrongTypeCountAsNotSet)
+{
+    write("[General]\neditor.tabWidth=abc\neditor.fontSize=nan\neditor.wrapLines=maybe\neditor.fontName=Deja, Mono\ntoolbar.items=save\n");
+    auto store = start();
+    EXPECT_EQ(store->integer("editor.tabWidth"_L1), 4);
+    EXPECT_EQ(store->real("editor.fontSize"_L1), 13.0);
+    EXPECT_TRUE(store->boolean("editor.wrapLines"_L1));
+    EXPECT_EQ(store->string("editor.fontName"_L1), u"Deja, Mono"_s);
+    EXPECT_EQ(store->stringList("toolbar.items"_L1), QStringList(u"save"_s));
+
+    write("[General]\neditor.tabWidth=99999999999\neditor.fontSize=12\neditor.wrapLines=0\neditor.fontName=@Variant(\\0\\x1)\n");
+    store = start();
+    EXPECT_EQ(store->integer("editor.tabWidth"_L1), 4);
+    EXPECT_EQ(store->real("editor.fontSize"_L1), 12.0);
+    EXPECT_FALSE(store->boolean("editor.wrapLines"_L1));
+    EXPECT_EQ(store->string("editor.fontName"_L1), u"Mono"_s);
+}
+
+TEST_F(DefaultsStoreTest, WritesAMomentAfterTheFirstChange)
+{
+    const auto store = start();
+    store->set("editor.tabWidth"_L1, 2);
+    EXPECT_FALSE(QFileInfo::exists(path()));
+    scheduler.advance(400ms);
+    store->set("editor.tabWidth"_L1, 3);
+    scheduler.advance(200ms);
+    EXPECT_TRUE(read(path()).contains("editor.tabWidth=3")) << "more changes must not put it off";
+    EXPECT_EQ(scheduler.pendingCount(), 0);
+
+    // Somebody edits the file meanwhile: only what changed here is written.
+    write("[General]\neditor.tabWidth=7\neditor.fontSize=20\n");
+    store->set("editor.wrapLines"_L1, false);
+    scheduler.advance(500ms);
+    const QByteArray content = read(path());
+    EXPECT_TRUE(content.contains("editor.tabWidth=7") && content.contains("fontSize=20") && content.contains("wrapLines=false"))
+        << content.constData();
+}
+
+TEST_F(DefaultsStoreTest, ADamagedFileIsUsedAsFarAsItGoesAndKept)
+{
+    const QByteArray damaged("[General]\neditor.tabWidth=6\n\x00\x01\xff garbage\n[unclosed\neditor.fontSize=20\n", 63);
+    write(damaged);
+    {
+        const auto store = start();
+        EXPECT_EQ(store->integer("editor.tabWidth"_L1), 6);
+        EXPECT_TRUE(store->synchronize());
+        EXPECT_EQ(read(path()), damaged) << "reading changes nothing";
+        store->set("editor.wrapLines"_L1, false);
+    }
+    EXPECT_EQ(read(path() + u".damaged"_s), damaged);
+    const auto store = start();
+    EXPECT_EQ(store->integer("editor.tabWidth"_L1), 6);
+    EXPECT_FALSE(store->boolean("editor.wrapLines"_L1));
+}
+
+TEST_F(DefaultsStoreTest, WhatCannotBeWrittenStaysInMemory)
+{
+    // A file where the folder should be stops every user, root too.
+    QFile obstacle(m_folder.filePath(u"config"_s));
+    ASSERT_TRUE(obstacle.open(QIODevice::WriteOnly));
+    const auto store = start();
+    store->set("editor.tabWidth"_L1, 2);
+    EXPECT_FALSE(store->synchronize());
+    EXPECT_EQ(store->integer("editor.tabWidth"_L1), 2);
+    ASSERT_TRUE(obstacle.remove());
+    EXPECT_TRUE(store->synchronize());
+    EXPECT_TRUE(read(path()).contains("editor.tabWidth=2"));
+}
+
+TEST_F(DefaultsStoreTest, LivesWhereTheDesktopSays)
+{
+    const QByteArray before = qgetenv("XDG_CONFIG_HOME");
+    qputenv("XDG_CONFIG_HOME", "/some/where/");
+    EXPECT_EQ(DefaultsStore::standardPath(), u"/some/where/Quillet/Quillet.conf"_s);
+    qputenv("XDG_CONFIG_HOME", "rela/tive");
+    EXPECT_EQ(DefaultsStore::standardPath(), QDir::homePath() + u"/.config/Quillet/Quillet.conf"_s);
+    qunsetenv("XDG_CONFIG_HOME");
+    EXPECT_EQ(DefaultsStore::standardPath(), QDir::homePath() + u"/.config/Quillet/Quillet.conf"_s);
+    if (!before.isNull()) {
+        qputenv("XDG_CONFIG_HOME", before);
+    }
+}
