@@ -6,6 +6,8 @@
 
 #include <unicode/uchar.h>
 
+#include <cstring>
+
 namespace {
 
 constexpr char16_t replacement = 0xFFFD;
@@ -81,33 +83,104 @@ bool mayRunRightToLeft(QStringView text)
     });
 }
 
-CellCount countCells(const Rope &text, TextRange range, int tabWidth)
+namespace {
+
+/// True when all eight bytes are printable ASCII.
+bool areAllPrintable(const uchar *bytes)
 {
+    quint64 word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    constexpr quint64 ones = 0x0101010101010101;
+    constexpr quint64 highs = 0x8080808080808080;
+    // A high bit comes up for bytes below 0x20, for 0x7F and for those that have it already.
+    return (((word - 0x20 * ones) | (word + ones) | word) & highs) == 0;
+}
+
+/// Counts the cells of one line at a time, unit by unit or a chunk at once.
+class CellCounter {
+public:
+    explicit CellCounter(int tabWidth) : m_tabWidth(tabWidth) {}
+
+    /// Counts up to the next line break; gives the index of the break, or the chunk's length.
+    qsizetype countUntilBreak(const Rope::Chunk &chunk, qsizetype index)
+    {
+        while (index < chunk.length) {
+            if (chunk.narrow && index + 8 <= chunk.length && areAllPrintable(chunk.narrow + index)) {
+                cells.narrow += 8;
+                index += 8;
+                continue;
+            }
+            const char16_t unit = chunk.at(index);
+            if (unit == u'\n' || unit == u'\r') {
+                break;
+            }
+            countUnit(unit);
+            ++index;
+        }
+        return index;
+    }
+
     CellCount cells;
-    const auto countUnit = [&](char16_t unit) {
+
+private:
+    void countUnit(char16_t unit)
+    {
         if (unit >= 0x20 && unit < 0x7F) {
             ++cells.narrow;
-            return;
+        } else if (unit == u'\t') {
+            cells.narrow += m_tabWidth - (cells.narrow + 2 * cells.wide) % m_tabWidth;
+        } else {
+            cells.isExact = false;
+            if (QChar::isHighSurrogate(unit) || (unit >= 0x1100 && isWide(unit))) {
+                ++cells.wide;
+            } else if (unit < 0x300 || (!QChar::isLowSurrogate(unit) && !takesNoCell(unit))) {
+                ++cells.narrow;
+            }
         }
-        if (unit == u'\t') {
-            const qsizetype column = cells.narrow + 2 * cells.wide;
-            cells.narrow += tabWidth - column % tabWidth;
-            return;
-        }
-        cells.isExact = false;
-        if (unit < 0x300) {
-            ++cells.narrow;
-        } else if (QChar::isHighSurrogate(unit) || isWide(unit)) {
-            ++cells.wide;
-        } else if (!QChar::isLowSurrogate(unit) && !takesNoCell(unit)) {
-            ++cells.narrow;
-        }
-    };
+    }
+
+    int m_tabWidth;
+};
+
+} // namespace
+
+CellCount countCells(const Rope &text, TextRange range, int tabWidth)
+{
+    CellCounter counter(tabWidth);
     text.forEachChunk(range, [&](const Rope::Chunk &chunk) {
-        for (qsizetype i = 0; i < chunk.length; ++i) {
-            countUnit(chunk.at(i));
-        }
+        counter.countUntilBreak(chunk, 0);
         return true;
     });
-    return cells;
+    return counter.cells;
+}
+
+std::vector<qsizetype> countCellsOfLines(const Rope &text, qsizetype start, qsizetype mostLines, qsizetype unitBudget, int tabWidth)
+{
+    std::vector<qsizetype> lines;
+    CellCounter counter(tabWidth);
+    const auto endLine = [&] {
+        lines.push_back(counter.cells.narrow + 2 * counter.cells.wide);
+        counter.cells = {};
+    };
+    bool isAfterReturn = false;
+    bool isDone = false;
+    text.forEachChunk(TextRange::between(start, text.length()), [&](const Rope::Chunk &chunk) {
+        for (qsizetype index = 0; index < chunk.length && !isDone; ++index) {
+            if (isAfterReturn && chunk.at(index) == u'\n') {
+                isAfterReturn = false;
+                continue;
+            }
+            index = counter.countUntilBreak(chunk, index);
+            isAfterReturn = index < chunk.length && chunk.at(index) == u'\r';
+            if (index < chunk.length) {
+                endLine();
+                isDone = std::ssize(lines) >= mostLines || chunk.location + index - start >= unitBudget;
+            }
+        }
+        return !isDone;
+    });
+    if (!isDone) {
+        endLine();
+    }
+    return lines;
 }

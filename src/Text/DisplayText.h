@@ -6,6 +6,8 @@
 
 #include <QString>
 
+#include <vector>
+
 class Rope;
 
 /// What stands in `range` as it is shown: of the same length, with control characters and separators that a layout would act upon
@@ -26,3 +28,8 @@ struct CellCount {
 
 /// Tabs advance to the next multiple of `tabWidth` cells, counted from the start of `range`.
 [[nodiscard]] CellCount countCells(const Rope &text, TextRange range, int tabWidth);
+
+/// The cells of each line from `start` on, which must begin a line; a wide character counts as two. Ends with the line in which the
+/// unit budget is used up, after `mostLines` or with the text. About a nanosecond a unit.
+[[nodiscard]] std::vector<qsizetype> countCellsOfLines(const Rope &text, qsizetype start, qsizetype mostLines, qsizetype unitBudget,
+                                                       int tabWidth);

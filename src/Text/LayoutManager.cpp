@@ -584,65 +584,29 @@ void LayoutManager::forEachLayout(const RowPosition &row, Span visible,
     }
 }
 
-bool LayoutManager::fitsOneRow(const Line &line) const
+void LayoutManager::measureGap(RowMap::Stretch gap, qsizetype unitBudget)
 {
-    if (!m_isFixedPitch || static_cast<double>(line.length) * m_cellWidth > *m_settings.wrapWidth) {
-        return line.length == 0;
-    }
-    const CellCount cells = countCells(m_storage.text(), {line.start, line.length}, m_settings.tabWidth);
-    return cells.isExact && static_cast<double>(cells.narrow) * m_cellWidth <= *m_settings.wrapWidth;
-}
-
-qsizetype LayoutManager::refineGap(RowMap::Stretch gap, qsizetype unitBudget)
-{
-    const Rope &text = m_storage.text();
-    constexpr qsizetype costOfLayout = 4;
-    constexpr qsizetype costOfLine = 16;
-    qsizetype firstSingle = gap.firstLine;
-    qsizetype lineNumber = gap.firstLine;
-    qsizetype start = text.lineStart(lineNumber);
-    const auto flushSingles = [&] {
-        if (lineNumber > firstSingle) {
-            m_rows.setSingleRows(firstSingle, lineNumber - firstSingle);
-        }
-        firstSingle = lineNumber + 1;
-    };
-    for (; lineNumber < gap.firstLine + gap.count && unitBudget > 0; ++lineNumber) {
-        const Line line = lineFrom(lineNumber, start);
-        start = text.lineStart(lineNumber + 1);
-        unitBudget -= line.length + costOfLine;
-        if (fitsOneRow(line)) {
-            continue;
-        }
-        flushSingles();
-        if (isLong(line)) {
-            m_rows.setRows(lineNumber, longLine(line).rowCount());
-        } else {
-            unitBudget -= costOfLayout * line.length;
-            m_rows.setRows(lineNumber, makeLayout({line.start, line.length})->rowCount());
-        }
-    }
-    flushSingles();
-    return unitBudget;
+    const qsizetype start = m_storage.text().lineStart(gap.firstLine);
+    const auto cells = countCellsOfLines(m_storage.text(), start, gap.count, unitBudget, m_settings.tabWidth);
+    const auto perRow = static_cast<qsizetype>(cellsPerRow());
+    std::vector<quint32> rows(cells.size());
+    std::transform(cells.begin(), cells.end(), rows.begin(),
+                   [perRow](qsizetype count) { return static_cast<quint32>(std::max<qsizetype>(1, (count + perRow - 1) / perRow)); });
+    m_rows.setRowsOfLines(gap.firstLine, rows);
 }
 
 bool LayoutManager::refine(qsizetype line, qsizetype unitBudget)
 {
-    constexpr qsizetype tail = 256;
-    while (wraps() && unitBudget > 0) {
-        const auto gap = m_rows.gapNear(line);
-        if (!gap) {
-            return false;
-        }
-        // Downwards from the line first, then what lies above it, nearest first.
-        const qsizetype end = gap->firstLine + gap->count;
-        qsizetype from = std::clamp(line, gap->firstLine, end - 1);
-        if (end <= line) {
-            from = std::max(gap->firstLine, end - tail);
-        }
-        unitBudget = refineGap({from, end - from}, unitBudget);
+    const auto gap = wraps() ? m_rows.gapNear(line) : std::nullopt;
+    if (!gap) {
+        return false;
     }
-    return wraps() && m_rows.gapNear(line).has_value();
+    // Downwards from the line first, then what lies above it.
+    const qsizetype end = gap->firstLine + gap->count;
+    const qsizetype from = std::clamp(line, gap->firstLine, end - 1);
+    const bool isAbove = end <= line;
+    measureGap(isAbove ? *gap : RowMap::Stretch{from, end - from}, unitBudget);
+    return m_rows.gapNear(line).has_value();
 }
 
 void LayoutManager::checkInvariants() const

@@ -176,48 +176,60 @@ void RowMap::linesChanged(qsizetype first, qsizetype removed, qsizetype inserted
 
 void RowMap::setRows(qsizetype line, qint64 rows)
 {
-    if (rows == 1) {
-        setSingleRows(line, 1);
-        return;
-    }
     const Found found = find(line);
     Block &block = m_blocks[found.block];
-    if (block.kind == Kind::mixed) {
-        quint32 &entry = block.perLine[static_cast<size_t>(found.lineInBlock)];
-        if (entry != rows) {
-            block.rows += rows - entry;
-            entry = static_cast<quint32>(rows);
-            m_isSummed = false;
-        }
+    if (block.kind == Kind::single && rows == 1) {
         return;
     }
-    const size_t index = splitAt(line);
-    splitAt(line + 1);
-    m_blocks[index] = {.kind = Kind::mixed, .lines = 1, .rows = rows, .perLine = {static_cast<quint32>(rows)}};
-    m_isSummed = false;
-    mergeAround(index);
+    if (block.kind != Kind::mixed) {
+        setRowsOfLines(line, {static_cast<quint32>(rows)});
+        return;
+    }
+    quint32 &entry = block.perLine[static_cast<size_t>(found.lineInBlock)];
+    if (entry != rows) {
+        block.rows += rows - entry;
+        entry = static_cast<quint32>(rows);
+        m_isSummed = false;
+    }
 }
 
-void RowMap::setSingleRows(qsizetype firstLine, qsizetype count)
+void RowMap::setRowsOfLines(qsizetype firstLine, const std::vector<quint32> &rows)
 {
-    const Found found = find(firstLine);
-    Block &block = m_blocks[found.block];
-    if (block.kind == Kind::single && found.lineInBlock + count <= block.lines) {
-        return;
-    }
-    if (block.kind == Kind::mixed && count == 1) {
-        quint32 &entry = block.perLine[static_cast<size_t>(found.lineInBlock)];
-        block.rows += 1 - static_cast<qint64>(entry);
-        entry = 1;
-        m_isSummed = false;
-        return;
-    }
-    const size_t from = splitAt(firstLine);
-    const size_t to = splitAt(firstLine + count);
-    m_blocks.erase(m_blocks.begin() + static_cast<qsizetype>(from) + 1, m_blocks.begin() + static_cast<qsizetype>(to));
-    m_blocks[from] = {.kind = Kind::single, .lines = count, .rows = count, .perLine = {}};
+    const auto from = static_cast<qsizetype>(splitAt(firstLine));
+    const auto to = static_cast<qsizetype>(splitAt(firstLine + std::ssize(rows)));
+    std::vector<Block> blocks = blocksOf(rows);
+    const auto last = static_cast<size_t>(from) + blocks.size() - 1;
+    const auto rest = m_blocks.erase(m_blocks.begin() + from, m_blocks.begin() + to);
+    m_blocks.insert(rest, std::make_move_iterator(blocks.begin()), std::make_move_iterator(blocks.end()));
     m_isSummed = false;
-    mergeAround(from);
+    mergeAround(last);
+    mergeAround(static_cast<size_t>(from));
+}
+
+std::vector<RowMap::Block> RowMap::blocksOf(const std::vector<quint32> &rows)
+{
+    std::vector<Block> blocks;
+    for (auto at = rows.begin(); at != rows.end();) {
+        const auto ones = std::find_if(at, rows.end(), [](quint32 count) { return count != 1; });
+        if (ones - at > shortStretch || ones == rows.end()) {
+            blocks.push_back({.kind = Kind::single, .lines = ones - at, .rows = ones - at, .perLine = {}});
+            at = ones;
+            continue;
+        }
+        // Up to the next long stretch of single rows.
+        auto end = ones;
+        while (end != rows.end() && end - at < mixedLimit) {
+            const auto next = std::find_if(end + 1, rows.end(), [](quint32 count) { return count != 1; });
+            ++end;
+            if (next - end > shortStretch) {
+                break;
+            }
+            end = next == rows.end() ? end : std::min(next, at + mixedLimit);
+        }
+        blocks.push_back({.kind = Kind::mixed, .lines = end - at, .rows = std::accumulate(at, end, qint64{0}), .perLine = {at, end}});
+        at = end;
+    }
+    return blocks;
 }
 
 bool RowMap::merges(const Block &a, const Block &b)

@@ -10,7 +10,7 @@
 
 /// How many rows each line of a wrapped text takes.
 ///
-/// Lines that were laid out know their rows; a stretch of lines that were not is one gap with an estimate. Measured neighbours of one
+/// Lines that were laid out or counted know their rows; a stretch of others is one gap with an estimate. Measured neighbours of one
 /// row each are one entry whatever their number, so a text that hardly wraps stays a handful of blocks. A question costs a sum over
 /// the blocks, made once after each change. Lines and rows are numbered from 0.
 class RowMap final {
@@ -34,8 +34,8 @@ public:
     /// Lines first … first + removed were replaced by first … first + inserted; all of the new ones are unmeasured.
     void linesChanged(qsizetype first, qsizetype removed, qsizetype inserted);
     void setRows(qsizetype line, qint64 rows);
-    /// `count` lines from `firstLine` on take one row each.
-    void setSingleRows(qsizetype firstLine, qsizetype count);
+    /// The rows of as many lines from `firstLine` on. Costs a pass over them, whatever their number, and one over the blocks.
+    void setRowsOfLines(qsizetype firstLine, const std::vector<quint32> &rows);
 
     [[nodiscard]] qsizetype lineCount() const;
     [[nodiscard]] qint64 rowCount() const;
@@ -70,6 +70,7 @@ private:
     void estimateGap(size_t block, qsizetype firstLine);
     void mergeAround(size_t block);
     void mergeWithNext(size_t block);
+    [[nodiscard]] static std::vector<Block> blocksOf(const std::vector<quint32> &rows);
     [[nodiscard]] static bool merges(const Block &a, const Block &b);
 
     Estimate m_estimate;

@@ -20,8 +20,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// About 3 ms of layout a slice.
-constexpr qsizetype refineBudget = 32 * 1024;
+// Some 2 ms a slice.
+constexpr qsizetype refineBudget = 2 * 1024 * 1024;
 // A scroll bar counts in int; above this many pixels one step of it is several.
 constexpr double scrollBarLimit = 1 << 30;
 

@@ -118,4 +118,25 @@ TEST(DisplayText, CountsCells)
     EXPECT_EQ(cells(u"é水e\u0301\U0001F600"_s), std::tuple(2, 2, false));
 }
 
+TEST(DisplayText, CountsCellsLineByLine)
+{
+    const Rope text(u"abc\n\tx\r\n\rlonger than eight cells\n水\n"_s);
+    const std::vector<qsizetype> all{3, 5, 0, 23, 2, 0};
+    EXPECT_EQ(countCellsOfLines(text, 0, 100, 1'000'000, 4), all);
+    EXPECT_EQ(countCellsOfLines(text, text.lineStart(2), 2, 1'000'000, 4), (std::vector<qsizetype>{0, 23}));
+    EXPECT_EQ(countCellsOfLines(text, 0, 100, 5, 4), (std::vector<qsizetype>{3, 5})) << "the line in which the budget ends is whole";
+    EXPECT_EQ(countCellsOfLines(text, text.length(), 1, 10, 4), std::vector<qsizetype>{0});
+    // Breaks at every place around the edges of the tree's leaves.
+    for (const QString &lineBreak : {u"\n"_s, u"\r\n"_s, u"\r"_s}) {
+        QString lines;
+        std::vector<qsizetype> expected;
+        for (qsizetype length = 4000; length < 4110; ++length) {
+            lines += QString(length, u'x') + lineBreak;
+            expected.push_back(length);
+        }
+        expected.push_back(0);
+        EXPECT_EQ(countCellsOfLines(Rope(lines), 0, 1000, lines.length() + 1, 4), expected);
+    }
+}
+
 } // namespace
