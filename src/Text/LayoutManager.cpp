@@ -13,7 +13,7 @@
 namespace {
 
 // Shorter segments make a key press cheaper, but in a wrapped text every cut ends a row before its time.
-constexpr qsizetype unwrappedSegment = 1024;
+constexpr qsizetype unwrappedSegment = 384;
 constexpr qsizetype wrappedSegment = 4096;
 constexpr size_t longLineLimit = 256;
 

@@ -10,6 +10,7 @@
 namespace {
 
 constexpr qsizetype searchBack = 512;
+constexpr int groupSize = 128;
 
 bool isAsciiMark(char16_t unit)
 {
@@ -17,19 +18,13 @@ bool isAsciiMark(char16_t unit)
            (unit > u'z' && unit < 0x7F);
 }
 
-/// The last index whose prefix sum is not above `value`.
-template<class Value>
-int indexAt(const std::vector<Value> &sums, Value value)
-{
-    const auto after = std::upper_bound(sums.begin() + 1, sums.end() - 1, value);
-    return static_cast<int>(after - sums.begin()) - 1;
-}
-
 } // namespace
 
 LongLine::LongLine(const Rope &text, TextRange range, qsizetype segmentLength, const Estimate &estimate)
     : m_start(range.location), m_length(range.length), m_segmentLength(segmentLength), m_segments(cut(text, range, estimate))
-{}
+{
+    sumUp();
+}
 
 qsizetype LongLine::cutBefore(const Rope &text, qsizetype from, qsizetype limit)
 {
@@ -77,81 +72,106 @@ std::vector<LongLine::Segment> LongLine::cut(const Rope &text, TextRange range, 
     return segments;
 }
 
-void LongLine::sum() const
+void LongLine::Sums::add(const Segment &segment)
 {
-    if (m_isSummed) {
-        return;
+    offset += segment.length;
+    x += segment.measure.width;
+    row += segment.measure.rows;
+}
+
+void LongLine::sumUp()
+{
+    m_sums.clear();
+    m_total = {};
+    for (size_t i = 0; i < m_segments.size(); ++i) {
+        if (i % groupSize == 0) {
+            m_sums.push_back(m_total);
+        }
+        m_total.add(m_segments[i]);
     }
-    const size_t count = m_segments.size() + 1;
-    m_offsets.resize(count);
-    m_xs.resize(count);
-    m_rows.resize(count);
-    m_offsets[0] = 0;
-    m_xs[0] = 0;
-    m_rows[0] = 0;
-    for (size_t i = 0; i + 1 < count; ++i) {
-        m_offsets[i + 1] = m_offsets[i] + m_segments[i].length;
-        m_xs[i + 1] = m_xs[i] + m_segments[i].measure.width;
-        m_rows[i + 1] = m_rows[i] + m_segments[i].measure.rows;
+}
+
+LongLine::Sums LongLine::before(int index) const
+{
+    Sums sums = m_sums[static_cast<size_t>(index / groupSize)];
+    for (int i = index / groupSize * groupSize; i < index; ++i) {
+        sums.add(m_segments[static_cast<size_t>(i)]);
     }
-    m_isSummed = true;
+    return sums;
+}
+
+/// The last segment that begins at or before `value`.
+template<class Value>
+int LongLine::lastNotBeyond(Value Sums::*member, Value value) const
+{
+    const auto after = std::upper_bound(m_sums.begin() + 1, m_sums.end(), value,
+                                        [member](Value wanted, const Sums &sums) { return wanted < sums.*member; });
+    Sums sums = *(after - 1);
+    auto index = static_cast<size_t>(after - m_sums.begin() - 1) * groupSize;
+    for (; index + 1 < m_segments.size(); ++index) {
+        sums.add(m_segments[index]);
+        if (value < sums.*member) {
+            break;
+        }
+    }
+    return static_cast<int>(index);
+}
+
+void LongLine::setSegment(int index, const Segment &segment)
+{
+    Segment &old = m_segments[static_cast<size_t>(index)];
+    const qsizetype units = segment.length - old.length;
+    const double pixels = segment.measure.width - old.measure.width;
+    const qint64 rows = segment.measure.rows - old.measure.rows;
+    old = segment;
+    const auto shift = [=](Sums &sums) { sums = {sums.offset + units, sums.x + pixels, sums.row + rows}; };
+    std::for_each(m_sums.begin() + index / groupSize + 1, m_sums.end(), shift);
+    shift(m_total);
 }
 
 TextRange LongLine::segment(int index) const
 {
-    sum();
-    return {m_start + m_offsets[static_cast<size_t>(index)], m_segments[static_cast<size_t>(index)].length};
+    return {m_start + before(index).offset, m_segments[static_cast<size_t>(index)].length};
 }
 
 int LongLine::segmentAt(qsizetype offset) const
 {
-    sum();
-    return indexAt(m_offsets, std::clamp<qsizetype>(offset - m_start, 0, m_length));
+    return lastNotBeyond(&Sums::offset, std::clamp<qsizetype>(offset - m_start, 0, m_length));
 }
 
 double LongLine::x(int index) const
 {
-    sum();
-    return m_xs[static_cast<size_t>(index)];
+    return before(index).x;
 }
 
 double LongLine::width() const
 {
-    sum();
-    return m_xs.back();
+    return m_total.x;
 }
 
 int LongLine::segmentAtX(double x) const
 {
-    sum();
-    return indexAt(m_xs, std::max(x, 0.0));
+    return lastNotBeyond(&Sums::x, std::max(x, 0.0));
 }
 
 qint64 LongLine::firstRow(int index) const
 {
-    sum();
-    return m_rows[static_cast<size_t>(index)];
+    return before(index).row;
 }
 
 qint64 LongLine::rowCount() const
 {
-    sum();
-    return m_rows.back();
+    return m_total.row;
 }
 
 int LongLine::segmentAtRow(qint64 row) const
 {
-    sum();
-    return indexAt(m_rows, std::max<qint64>(row, 0));
+    return lastNotBeyond(&Sums::row, std::max<qint64>(row, 0));
 }
 
 void LongLine::setMeasure(int index, Measure measure)
 {
-    Measure &old = m_segments[static_cast<size_t>(index)].measure;
-    if (old.width != measure.width || old.rows != measure.rows) {
-        m_isSummed = false;
-    }
-    old = measure;
+    setSegment(index, {m_segments[static_cast<size_t>(index)].length, measure});
 }
 
 void LongLine::replaced(const Rope &text, qsizetype position, qsizetype removed, qsizetype inserted, const Estimate &estimate)
@@ -161,21 +181,26 @@ void LongLine::replaced(const Rope &text, qsizetype position, qsizetype removed,
     const int last = removed > 0 ? std::max(first, segmentAt(position + removed - 1)) : first;
     const qsizetype start = segment(first).location;
     qsizetype length = segment(last).end() - start - removed + inserted;
+    m_length += inserted - removed;
     auto from = m_segments.begin() + first;
     auto to = m_segments.begin() + last + 1;
-    m_length += inserted - removed;
     // A sliver would stay forever: it joins its neighbour.
     if (length < m_segmentLength / 4 && to != m_segments.end()) {
         length += to->length;
         ++to;
     }
+    const bool isTooLong = length > m_segmentLength + m_segmentLength / 2;
+    if (to - from == 1 && !isTooLong && length > 0) {
+        setSegment(first, {length, estimate({start, length})});
+        return;
+    }
     std::vector<Segment> fresh;
-    if (length > m_segmentLength + m_segmentLength / 2) {
+    if (isTooLong) {
         fresh = cut(text, {start, length}, estimate);
-    } else if (length > 0 || m_segments.size() == static_cast<size_t>(to - from)) {
+    } else if (length > 0 || std::ssize(m_segments) == to - from) {
         fresh.push_back({length, estimate({start, length})});
     }
     from = m_segments.erase(from, to);
     m_segments.insert(from, fresh.begin(), fresh.end());
-    m_isSummed = false;
+    sumUp();
 }

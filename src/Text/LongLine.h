@@ -56,17 +56,27 @@ private:
         qsizetype length = 0;
         Measure measure;
     };
+    /// What all segments before some place add up to.
+    struct Sums {
+        qsizetype offset = 0;
+        double x = 0;
+        qint64 row = 0;
 
-    void sum() const;
+        void add(const Segment &segment);
+    };
+
+    void sumUp();
+    [[nodiscard]] Sums before(int index) const;
+    template<class Value>
+    [[nodiscard]] int lastNotBeyond(Value Sums::*member, Value value) const;
+    void setSegment(int index, const Segment &segment);
     [[nodiscard]] std::vector<Segment> cut(const Rope &text, TextRange range, const Estimate &estimate) const;
 
     qsizetype m_start = 0;
     qsizetype m_length = 0;
     qsizetype m_segmentLength = 0;
     std::vector<Segment> m_segments;
-    // Prefix sums over the segments, one entry more than there are segments.
-    mutable std::vector<qsizetype> m_offsets;
-    mutable std::vector<double> m_xs;
-    mutable std::vector<qint64> m_rows;
-    mutable bool m_isSummed = false;
+    // For every 128th segment, so that a key press in the middle of tens of thousands does not add them all up again.
+    std::vector<Sums> m_sums;
+    Sums m_total;
 };

@@ -25,6 +25,13 @@ constexpr qsizetype refineBudget = 2 * 1024 * 1024;
 // A scroll bar counts in int; above this many pixels one step of it is several.
 constexpr double scrollBarLimit = 1 << 30;
 
+/// True when the bar would look the same with these values.
+bool isScrollBarNear(const QScrollBar &bar, double maximum, double value)
+{
+    const double invisible = bar.maximum() / 2000.0;
+    return bar.maximum() > 0 && std::abs(bar.maximum() - maximum) < invisible && std::abs(bar.value() - value) < invisible;
+}
+
 } // namespace
 
 TextView::TextView(TextStorage &storage, UndoManager &undoManager, Services services, QWidget *parent)
@@ -483,7 +490,13 @@ void TextView::resizeEvent(QResizeEvent *event)
 
 void TextView::viewMoved()
 {
-    syncScrollBars();
+    // A typed letter moves the bars by less than a pixel, but setting them paints them: that waits until the keys rest.
+    if (m_isEditing && isScrollBarNear(*verticalScrollBar(), m_port.maximumY() / m_verticalScale, m_port.position().y() / m_verticalScale) &&
+        isScrollBarNear(*horizontalScrollBar(), m_port.maximumX(), m_port.position().x())) {
+        m_barsSettle = m_services.scheduler.after(150ms, [this] { syncScrollBars(); });
+    } else {
+        syncScrollBars();
+    }
     if (m_layout.wraps() && !m_refining.isPending()) {
         m_refining = m_services.scheduler.after(0ms, [this] {
             const bool hasMore = m_layout.refine(m_port.topRow().line, refineBudget);

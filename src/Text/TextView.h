@@ -227,6 +227,7 @@ private:
     RepeatingTimer m_autoScroll;
     DelayedTask m_refining;
     DelayedTask m_primarySettles;
+    DelayedTask m_barsSettle;
     // Only while a screen reader listens: what a removal took away.
     std::optional<TextSnapshot> m_spoken;
 };
