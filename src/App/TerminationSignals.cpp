@@ -27,13 +27,18 @@ void passOn(int)
     errno = error;
 }
 
-void setHandler(void (*handler)(int))
+/// Puts `handler` in the place of `expected`; a signal that is dealt with in another way is left alone.
+void exchangeHandler(void (*expected)(int), void (*handler)(int))
 {
-    struct sigaction action = {};
-    action.sa_handler = handler;
-    action.sa_flags = SA_RESTART;
-    sigemptyset(&action.sa_mask);
     for (const int number : handledSignals) {
+        struct sigaction action = {};
+        sigaction(number, nullptr, &action);
+        if (action.sa_handler != expected) {
+            continue;
+        }
+        action.sa_handler = handler;
+        action.sa_flags = SA_RESTART;
+        sigemptyset(&action.sa_mask);
         sigaction(number, &action, nullptr);
     }
 }
@@ -54,7 +59,8 @@ TerminationSignals::TerminationSignals(std::function<void()> action)
         }
         action();
     });
-    setHandler(passOn);
+    // A signal that is ignored was meant to be: nohup does so.
+    exchangeHandler(SIG_DFL, passOn);
 }
 
 TerminationSignals::~TerminationSignals()
@@ -62,7 +68,7 @@ TerminationSignals::~TerminationSignals()
     if (!m_notifier) {
         return;
     }
-    setHandler(SIG_DFL);
+    exchangeHandler(passOn, SIG_DFL);
     signalSocket = -1;
     m_notifier.reset();
     ::close(m_sockets[0]);

@@ -8,7 +8,7 @@
 class QSocketNotifier;
 
 /// Turns SIGTERM, SIGINT and SIGHUP into a call from the event loop of the thread that made it. There is one at a time; while it lives the
-/// signals do not end the program by themselves.
+/// signals do not end the program by themselves. One that was ignored before stays so.
 class TerminationSignals final {
 public:
     explicit TerminationSignals(std::function<void()> action);

@@ -10,7 +10,9 @@
 #include <QGridLayout>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
+#include <QWindow>
 
 #include <utility>
 
@@ -96,6 +98,40 @@ QLineEdit *addTextField(QMessageBox &box, const Alert::TextField &field)
     }
     edit->setFocus();
     return edit;
+}
+
+/// Calls `action` from the event loop when `window` has been painted.
+class FirstPaint final : public QObject {
+public:
+    FirstPaint(QWidget *window, std::function<void()> action) : QObject(window), m_action(std::move(action))
+    {
+        window->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint) {
+            watched->removeEventFilter(this);
+            QMetaObject::invokeMethod(
+                this, [this] { finish(); }, Qt::QueuedConnection);
+        }
+        return false;
+    }
+
+private:
+    void finish()
+    {
+        m_action();
+        deleteLater();
+    }
+
+    std::function<void()> m_action;
+};
+
+bool isOnScreen(const QWidget *window)
+{
+    const QWindow *handle = window->window()->windowHandle();
+    return handle && handle->isExposed();
 }
 
 /// Puts `panel` into `folder`; the desktop chooses when there is none.
@@ -187,20 +223,32 @@ void WidgetAlertPresenter::enqueue(QDialog *dialog, QWidget *window)
     QList<QDialog *> &queue = m_queues[window];
     queue.append(dialog);
     if (queue.size() == 1) {
-        dialog->open();
+        openFirst(window);
     }
+}
+
+void WidgetAlertPresenter::openFirst(QWidget *window)
+{
+    const QList<QDialog *> queue = m_queues.value(window);
+    if (queue.isEmpty()) {
+        return;
+    }
+    if (isOnScreen(window)) {
+        queue.first()->open();
+        return;
+    }
+    // Where a dialog belongs is known when its window has its place.
+    new FirstPaint(window, [this, window, context = QPointer(&m_context)] {
+        if (context) {
+            openFirst(window);
+        }
+    });
 }
 
 void WidgetAlertPresenter::openNext(QWidget *window)
 {
-    const auto queue = m_queues.find(window);
-    if (queue == m_queues.end()) {
-        return;
-    }
-    if (!queue->isEmpty()) {
+    if (const auto queue = m_queues.find(window); queue != m_queues.end() && !queue->isEmpty()) {
         queue->removeFirst();
-    }
-    if (!queue->isEmpty()) {
-        queue->first()->open();
+        openFirst(window);
     }
 }

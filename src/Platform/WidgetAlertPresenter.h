@@ -21,6 +21,9 @@ public:
 private:
     /// Opens `dialog` now, or when the one that its window shows has closed.
     void enqueue(QDialog *dialog, QWidget *window);
+    /// Opens the first that waits, as soon as the window can be seen.
+    void openFirst(QWidget *window);
+    /// The first has closed.
     void openNext(QWidget *window);
 
     /// Ends the connections to dialogs that outlive the presenter.

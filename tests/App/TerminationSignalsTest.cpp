@@ -23,7 +23,16 @@ TEST(TerminationSignals, BecomeCallsFromTheEventLoop)
         QCoreApplication::processEvents();
         EXPECT_EQ(calls, 1) << "two signals at once are one wish";
     }
+    std::signal(SIGHUP, SIG_IGN);
+    {
+        const TerminationSignals termination([] { ADD_FAILURE() << "was to be ignored"; });
+        std::raise(SIGHUP);
+        QCoreApplication::processEvents();
+    }
     struct sigaction action = {};
+    sigaction(SIGHUP, nullptr, &action);
+    EXPECT_EQ(action.sa_handler, SIG_IGN);
+    std::signal(SIGHUP, SIG_DFL);
     sigaction(SIGTERM, nullptr, &action);
     EXPECT_EQ(action.sa_handler, SIG_DFL);
 }

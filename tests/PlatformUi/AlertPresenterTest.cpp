@@ -52,6 +52,7 @@ TEST(WidgetAlertPresenter, AnswersWithThePlaceOfTheButton)
 {
     QWidget window;
     window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     WidgetAlertPresenter presenter;
     std::vector<int> answers;
     const auto note = [&](const AlertReply &reply) { answers.push_back(reply.button); };
@@ -82,7 +83,6 @@ TEST(WidgetAlertPresenter, AnswersWithThePlaceOfTheButton)
 TEST(WidgetAlertPresenter, AlertsOfAWindowComeOneAfterTheOther)
 {
     auto window = std::make_unique<QWidget>();
-    window->show();
     WidgetAlertPresenter presenter;
     std::vector<std::string> events;
     presenter.present(closeQuestion, window.get(), [&](const AlertReply &) {
@@ -90,6 +90,9 @@ TEST(WidgetAlertPresenter, AlertsOfAWindowComeOneAfterTheOther)
         presenter.present(closeQuestion, window.get(), [&](const AlertReply &) { events.push_back("third"); });
     });
     presenter.present(closeQuestion, window.get(), [&](const AlertReply &) { events.push_back("second"); });
+    EXPECT_TRUE(openDialogs<QMessageBox>(*window).isEmpty()) << "before its window is there a dialog has no place";
+    window->show();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !openDialogs<QMessageBox>(*window).isEmpty(); }));
     for (int count = 0; count < 3; ++count) {
         const auto open = openDialogs<QMessageBox>(*window);
         ASSERT_EQ(open.size(), 1);
@@ -108,6 +111,7 @@ TEST(WidgetAlertPresenter, AsksForALineOfText)
 {
     QWidget window;
     window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     WidgetAlertPresenter presenter;
     AlertReply reply;
     presenter.present({.messageText = u"Go to Line"_s,
@@ -132,6 +136,7 @@ TEST(WidgetAlertPresenter, PanelsStartWhereTheyAreTold)
     const QTemporaryDir folder;
     QWidget window;
     window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     WidgetAlertPresenter presenter;
     std::optional<QString> saved;
     QStringList opened{u"untouched"_s};
