@@ -46,6 +46,7 @@ LayoutManager::LayoutManager(const TextStorage &storage, Settings settings)
 {
     measureFont();
     forgetLayouts();
+    m_revision = m_storage.revision();
 }
 
 LayoutManager::~LayoutManager() = default;
@@ -107,6 +108,11 @@ void LayoutManager::findWidest()
 
 void LayoutManager::textChanged(const TextChangeList &changes)
 {
+    m_revision = m_storage.revision();
+    if (std::exchange(m_isBehind, m_storage.hasUnreportedChanges()) || m_isBehind) {
+        forgetLayouts();
+        return;
+    }
     for (const TextChange &change : changes) {
         changeCache(change);
         if (changes.size() == 1) {
@@ -182,13 +188,24 @@ void LayoutManager::setPreedit(Preedit preedit)
     }
 }
 
-LayoutManager::Line LayoutManager::lineAt(qsizetype line) const
+/// Asked before it was told of an edit: what was laid out belongs to another text.
+void LayoutManager::catchUp()
+{
+    if (m_revision != m_storage.revision()) {
+        m_revision = m_storage.revision();
+        m_isBehind = true;
+        forgetLayouts();
+    }
+}
+
+LayoutManager::Line LayoutManager::lineAt(qsizetype line)
 {
     return lineFrom(line, m_storage.text().lineStart(line));
 }
 
-LayoutManager::Line LayoutManager::lineFrom(qsizetype line, qsizetype start) const
+LayoutManager::Line LayoutManager::lineFrom(qsizetype line, qsizetype start)
 {
+    catchUp();
     const Rope &text = m_storage.text();
     if (line + 1 >= text.lineCount()) {
         return {start, text.length() - start};
@@ -241,12 +258,22 @@ qint64 LayoutManager::estimateRows(qsizetype firstLine, qsizetype count) const
     return units * 2 <= unitsPerRow * lines ? count : static_cast<qint64>(lines / 2 + units / unitsPerRow);
 }
 
+/// At a cut between two segments the preedit text is in the one behind.
+bool LayoutManager::holdsPreedit(TextRange range) const
+{
+    if (m_preedit.text.isEmpty() || m_preedit.offset < range.location || m_preedit.offset > range.end()) {
+        return false;
+    }
+    const Rope &text = m_storage.text();
+    return m_preedit.offset < range.end() || range.end() == text.length() || text.at(range.end()) == u'\n' || text.at(range.end()) == u'\r';
+}
+
 std::unique_ptr<SegmentLayout> LayoutManager::makeLayout(TextRange range)
 {
     ++m_counters.layouts;
     m_counters.units += range.length;
     std::optional<SegmentLayout::Insertion> insertion;
-    if (!m_preedit.text.isEmpty() && m_preedit.offset >= range.location && m_preedit.offset <= range.end()) {
+    if (holdsPreedit(range)) {
         insertion = {m_preedit.offset, m_preedit.text, m_preedit.formats};
     }
     const SegmentLayout::Style style{.font = m_settings.font,
@@ -303,7 +330,9 @@ SegmentLayout &LayoutManager::layoutSegment(LongLine &line, qsizetype lineNumber
 {
     SegmentLayout &found = layout(line.segment(segment));
     const LongLine::Measure &known = line.measure(segment);
-    if (!known.isExact || known.rows != found.rowCount()) {
+    // What was measured changes with styles and with a preedit text; less than a pixel comes from rounding.
+    const bool isStillRight = known.isExact && known.rows == found.rowCount() && std::abs(known.width - found.width()) < 1;
+    if (!isStillRight) {
         line.setMeasure(segment, {found.width(), found.rowCount(), true});
     }
     if (wraps()) {
@@ -497,6 +526,15 @@ double LayoutManager::xOf(const RowPosition &row, qsizetype offset)
 {
     const Placed placed = placedAt(row, offset);
     return placed.x + placed.layout.xOf(placed.row, offset);
+}
+
+RowPosition LayoutManager::rowInPreedit(qsizetype position)
+{
+    RowPosition row = rowOf(m_preedit.offset);
+    if (wraps()) {
+        row.row = placedAt(row, m_preedit.offset).layout.rowInPreedit(position);
+    }
+    return row;
 }
 
 double LayoutManager::xInPreedit(const RowPosition &row, qsizetype position)

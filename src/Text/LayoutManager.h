@@ -71,7 +71,8 @@ public:
 
     [[nodiscard]] const Settings &settings() const { return m_settings; }
     void setSettings(Settings settings);
-    /// The storage already holds the new text.
+    /// The storage already holds the new text. Should it be newer than that, since an observer edits while it is told of an edit, every
+    /// layout is forgotten.
     void textChanged(const TextChangeList &changes);
     void stylesChanged(const std::vector<TextRange> &ranges);
     void setPreedit(Preedit preedit);
@@ -104,6 +105,8 @@ public:
 
     // Along a row.
     [[nodiscard]] double xOf(const RowPosition &row, qsizetype offset);
+    /// The row that holds a place in the preedit text, counted in its units; there must be one.
+    [[nodiscard]] RowPosition rowInPreedit(qsizetype position);
     /// x of a place in the preedit text, counted in its units; the row must hold it.
     [[nodiscard]] double xInPreedit(const RowPosition &row, qsizetype position);
     /// The grapheme boundary nearest to `x`, within the row.
@@ -141,12 +144,14 @@ private:
     void measureFont();
     void forgetLayouts();
     void findWidest();
-    [[nodiscard]] Line lineAt(qsizetype line) const;
-    [[nodiscard]] Line lineFrom(qsizetype line, qsizetype start) const;
+    void catchUp();
+    [[nodiscard]] Line lineAt(qsizetype line);
+    [[nodiscard]] Line lineFrom(qsizetype line, qsizetype start);
     [[nodiscard]] bool isLong(const Line &line) const { return line.length > m_segmentLength; }
     LongLine &longLine(const Line &line);
     void changeLongLines(const TextChange &change);
     SegmentLayout &layout(TextRange range);
+    [[nodiscard]] bool holdsPreedit(TextRange range) const;
     std::unique_ptr<SegmentLayout> makeLayout(TextRange range);
     void trimCache();
     void changeCache(const TextChange &change);
@@ -166,6 +171,9 @@ private:
 
     const TextStorage &m_storage;
     Settings m_settings;
+    // The text that the layouts belong to; behind means that reports of older edits have yet to come.
+    quint64 m_revision = 0;
+    bool m_isBehind = false;
     Preedit m_preedit;
     RowMap m_rows;
     std::vector<LongLine> m_longLines;                   // by place in the text

@@ -149,6 +149,12 @@ double SegmentLayout::xBehind(int row, qsizetype offset) const
     return m_layout.lineAt(row).cursorToX(layoutIndex(offset), QTextLine::Trailing);
 }
 
+int SegmentLayout::rowInPreedit(qsizetype position) const
+{
+    const QTextLine line = m_layout.lineForTextPosition(static_cast<int>(m_preeditAt + position));
+    return line.isValid() ? line.lineNumber() : rowCount() - 1;
+}
+
 double SegmentLayout::xInPreedit(int row, qsizetype position) const
 {
     return m_layout.lineAt(row).cursorToX(static_cast<int>(m_preeditAt + position));

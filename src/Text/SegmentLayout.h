@@ -56,6 +56,8 @@ public:
     /// The far edge of the character at `offset`; where directions meet that is not the near edge of the next one.
     [[nodiscard]] double xBehind(int row, qsizetype offset) const;
     [[nodiscard]] qsizetype offsetAt(int row, double x, QTextLine::CursorPosition how) const;
+    /// The row of a position in the preedit text, counted in its units.
+    [[nodiscard]] int rowInPreedit(qsizetype position) const;
     /// Where in the preedit text, x of a position counted in its units.
     [[nodiscard]] double xInPreedit(int row, qsizetype position) const;
 

@@ -44,6 +44,37 @@ qsizetype mappedOffset(qsizetype offset, const TextChangeList &changes, Bias bia
     return ChangeWalk(changes, bias).map(offset);
 }
 
+LinePlace LinePlace::of(const Rope &text, qsizetype offset)
+{
+    const qsizetype line = text.lineAt(offset);
+    return {line, offset - text.lineStart(line)};
+}
+
+qsizetype mappedPlace(qsizetype offset, LinePlace before, const Rope &text, const TextChangeList &changes, Bias bias)
+{
+    qsizetype shift = 0;
+    qsizetype lineShift = 0;
+    for (const TextChange &change : changes) {
+        const qsizetype start = change.position - shift;
+        if (offset <= start)
+            break;
+        const bool isInside = offset < start + change.removed;
+        if (isInside && change.removedLines > 0 && change.insertedLines > 0) {
+            const qsizetype first = text.lineAt(change.position);
+            const auto share = double(change.insertedLines) / double(change.removedLines);
+            const qsizetype inChange = qsizetype(double(before.line + lineShift - first) * share);
+            const qsizetype line = first + std::clamp<qsizetype>(inChange, 0, change.insertedLines);
+            const qsizetype lineStart = text.lineStart(line);
+            const qsizetype lineEnd = line + 1 < text.lineCount() ? text.lineStart(line + 1) - 1 : text.length();
+            const qsizetype place = std::clamp(lineStart + before.column, lineStart, std::max(lineStart, lineEnd));
+            return std::clamp(place, change.position, change.position + change.inserted);
+        }
+        shift += change.inserted - change.removed;
+        lineShift += change.insertedLines - change.removedLines;
+    }
+    return mappedOffset(offset, changes, bias);
+}
+
 TextSelection mappedSelection(TextSelection selection, const TextChangeList &changes, Bias bias)
 {
     return {mappedOffset(selection.anchor, changes, bias), mappedOffset(selection.caret, changes, bias)};

@@ -18,6 +18,19 @@ enum class Bias { before, after };
 /// offset at the edge of replaced text stays at that edge, whatever its bias. O(changes).
 [[nodiscard]] qsizetype mappedOffset(qsizetype offset, const TextChangeList &changes, Bias bias);
 
+/// A place as a user sees it: a line (from 0) and the units before it in that line.
+struct LinePlace {
+    qsizetype line = 0;
+    qsizetype column = 0;
+
+    [[nodiscard]] static LinePlace of(const Rope &text, qsizetype offset);
+};
+
+/// Like mappedOffset(), but an offset inside lines that were replaced goes to the same line and column of what came in their place, as
+/// far as there is one: when all hits of a search are replaced at once, a view keeps its place. `before` is where the offset stood,
+/// `text` is the text after the changes.
+[[nodiscard]] qsizetype mappedPlace(qsizetype offset, LinePlace before, const Rope &text, const TextChangeList &changes, Bias bias);
+
 /// Anchor and caret both by `bias`.
 [[nodiscard]] TextSelection mappedSelection(TextSelection selection, const TextChangeList &changes, Bias bias);
 

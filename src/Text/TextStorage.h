@@ -61,6 +61,8 @@ public:
     void beginEditing() { ++m_depth; }
     void endEditing();
     [[nodiscard]] bool isEditing() const { return m_depth > 0; }
+    /// True while the text is newer than the reports: inside a batch with edits, and when an observer edits during a report.
+    [[nodiscard]] bool hasUnreportedChanges() const { return !m_changes.isEmpty() || !m_reports.empty(); }
 
     /// `range` must lie in the text and may not split a surrogate pair. The new text takes the style of the unit before it.
     /// Outside a batch it makes one. O(log n + text).

@@ -207,9 +207,15 @@ bool TextView::replaceText(TextRange range, QStringView text, GroupKind kind, Te
     {
         const QScopedValueRollback<bool> editing(m_isEditing, true);
         m_undoManager.beginGroup(kind, selection(), this);
+        m_selectionToCome = after;
+        m_awaitsReport = true;
         m_storage.replaceCharacters(range, text);
         m_undoManager.endGroup(after);
-        setCaret({after.caret, Affinity::downstream, {}}, after.anchor);
+        if (m_storage.hasUnreportedChanges()) {
+            return true; // the caret goes there with the report
+        }
+        const TextSelection reached = std::exchange(m_selectionToCome, std::nullopt).value_or(after);
+        setCaret({reached.caret, Affinity::downstream, {}}, reached.anchor);
     }
     revealCaret();
     didChangeText();
@@ -234,14 +240,18 @@ void TextView::storageChanged(const TextChangeList &changes)
 {
     const TextSelection before = selection();
     m_layout.textChanged(changes);
-    m_port.textChanged(changes, m_isEditing ? Viewport::Editor::thisView : Viewport::Editor::another);
-    m_caret = {mappedOffset(m_caret.offset, changes, Bias::before), Affinity::downstream, {}};
-    m_anchor = mappedOffset(m_anchor, changes, Bias::before);
-    m_dragged = mappedRange(m_dragged, changes);
+    m_port.textChanged(m_storage.text(), changes, m_isEditing ? Viewport::Editor::thisView : Viewport::Editor::another);
+    mapPlaces(changes);
+    if (m_storage.hasUnreportedChanges()) {
+        // An observer has gone on editing: what is to be shown is known with the last report.
+        m_isBehind = true;
+        return;
+    }
+    if (std::exchange(m_isBehind, false)) {
+        viewport()->update();
+    }
     if (isComposing()) {
-        LayoutManager::Preedit preedit = m_layout.preedit();
-        preedit.offset = m_caret.offset;
-        m_layout.setPreedit(std::move(preedit));
+        movePreedit();
     }
     if (m_port.settle()) {
         viewport()->update();
@@ -249,8 +259,38 @@ void TextView::storageChanged(const TextChangeList &changes)
     updateForChanges(changes);
     sendAccessibleChanges(changes);
     viewMoved();
-    if (!m_isEditing && selection() != before) {
+    if (m_selectionToCome && !m_isEditing) {
+        setSelection(*std::exchange(m_selectionToCome, std::nullopt), Reveal::nearest);
+        didChangeText();
+    } else if (!m_isEditing && selection() != before) {
+        sendAccessibleSelection(before);
         emit selectionChanged();
+    }
+}
+
+/// Everything that remembers a place in the text goes where that text went.
+void TextView::mapPlaces(const TextChangeList &changes)
+{
+    const Rope &text = m_storage.text();
+    const auto map = [&](qsizetype offset, LinePlace place, Bias bias) {
+        return TextBoundaries::snapped(text, mappedPlace(offset, place, text, changes, bias));
+    };
+    // What comes in at an end of a selection stays outside.
+    const bool isCaretFirst = m_caret.offset < m_anchor;
+    const bool isAnchorFirst = m_anchor < m_caret.offset;
+    m_caret = {map(m_caret.offset, m_caretPlace, isCaretFirst ? Bias::after : Bias::before), Affinity::downstream, {}};
+    m_anchor = map(m_anchor, m_anchorPlace, isAnchorFirst ? Bias::after : Bias::before);
+    m_caretPlace = LinePlace::of(text, m_caret.offset);
+    m_anchorPlace = LinePlace::of(text, m_anchor);
+    if (m_awaitsReport && (m_isEditing || !m_storage.hasUnreportedChanges())) {
+        m_awaitsReport = false;
+    } else if (m_selectionToCome && !m_awaitsReport) {
+        m_selectionToCome = mappedSelection(*m_selectionToCome, changes, Bias::before);
+    }
+    m_dragged = mappedRange(m_dragged, changes).clampedTo(text.length());
+    m_pointer.origin = mappedRange(m_pointer.origin, changes).clampedTo(text.length());
+    if (m_dropCaret) {
+        m_dropCaret = std::min(mappedOffset(*m_dropCaret, changes, Bias::before), text.length());
     }
 }
 
@@ -302,6 +342,11 @@ void TextView::setCaret(const Caret &caret, qsizetype anchor)
     updateCaret();
     m_caret = caret;
     m_anchor = anchor;
+    m_caretPlace = LinePlace::of(m_storage.text(), m_caret.offset);
+    m_anchorPlace = LinePlace::of(m_storage.text(), m_anchor);
+    if (isComposing() && m_layout.preedit().offset != m_caret.offset) {
+        movePreedit();
+    }
     restartBlinking();
     // An edit of this view has already moved the ends along with the text, which is no reason to keep silent about it.
     if (selection() == before && !m_isEditing) {
@@ -366,9 +411,9 @@ void TextView::revealCaret(Reveal reveal)
         return;
     }
     const QPointF before = m_port.position();
-    const RowPosition row = m_layout.rowOf(m_caret.offset, m_caret.affinity);
+    const RowPosition row = caretRow();
     m_port.reveal(row, reveal == Reveal::center ? Viewport::Reveal::center : Viewport::Reveal::nearest);
-    const double x = m_layout.xOf(row, m_caret.offset);
+    const double x = caretX(row);
     m_port.revealX({x, x + 2});
     if (m_port.position() != before) {
         viewMoved();
@@ -594,23 +639,24 @@ void TextView::updateCaret()
     viewport()->update(caretInViewport().toAlignedRect().adjusted(-1, 0, 1, 0));
 }
 
-std::optional<QRectF> TextView::caretRow()
+RowPosition TextView::caretRow()
 {
-    const auto top = m_port.topOf(m_layout.rowOf(m_caret.offset, m_caret.affinity));
-    return top ? std::optional(QRectF(0, *top, viewport()->width(), m_layout.rowHeight())) : std::nullopt;
+    return isComposing() ? m_layout.rowInPreedit(m_preeditCaret) : m_layout.rowOf(m_caret.offset, m_caret.affinity);
+}
+
+double TextView::caretX(const RowPosition &row)
+{
+    return isComposing() ? m_layout.xInPreedit(row, m_preeditCaret) : m_layout.xOf(row, m_caret.offset);
 }
 
 QRectF TextView::caretInViewport()
 {
-    const RowPosition row = m_layout.rowOf(m_caret.offset, m_caret.affinity);
+    const RowPosition row = caretRow();
     const auto top = m_port.topOf(row);
     if (!top) {
         return {};
     }
-    double x = m_layout.xOf(row, m_caret.offset);
-    if (isComposing()) {
-        x = m_layout.xInPreedit(row, m_preeditCaret);
-    }
+    double x = caretX(row);
     const double dpr = devicePixelRatioF();
     const double left = std::floor((m_port.left() + x) * dpr) / dpr;
     double width = std::max(1.0, std::round(1.4 * dpr) / dpr);

@@ -115,7 +115,7 @@ protected:
     /// Asked before every change that begins in this view; false refuses it.
     [[nodiscard]] virtual bool shouldChangeText(TextRange range, QStringView replacement);
     virtual void didChangeText() {}
-    /// The one way by which this view changes its text.
+    /// The one way by which this view changes its text. Not inside a batch of the storage.
     bool replaceText(TextRange range, QStringView text, GroupKind kind, TextSelection after);
 
     bool event(QEvent *event) override;
@@ -162,6 +162,7 @@ private:
     [[nodiscard]] LayoutManager::Settings settingsForViewport() const;
     void storageChanged(const TextChangeList &changes);
     void storageStylesChanged(const std::vector<TextRange> &ranges);
+    void mapPlaces(const TextChangeList &changes);
     void updateForChanges(const TextChangeList &changes);
     void setCaret(const Caret &caret, qsizetype anchor);
     void syncScrollBars();
@@ -169,7 +170,9 @@ private:
     void updateRows(TextRange range);
     void updateCaret();
     [[nodiscard]] QRectF caretInViewport();
-    [[nodiscard]] std::optional<QRectF> caretRow();
+    [[nodiscard]] RowPosition caretRow();
+    /// Pixels along that row.
+    [[nodiscard]] double caretX(const RowPosition &row);
     void restartBlinking();
     void publishPrimarySelection();
     void applyPaletteColors();
@@ -184,6 +187,9 @@ private:
     void paintCaret(QPainter &painter);
 
     void commitPreedit();
+    void commitText(const QInputMethodEvent &event);
+    /// Composing goes on at the caret.
+    void movePreedit();
     void selectAt(const Caret &caret, Granularity granularity);
     void extendSelection(QPointF point);
     void autoScroll();
@@ -211,11 +217,18 @@ private:
 
     Caret m_caret;
     qsizetype m_anchor = 0;
+    // Where the two stand in the text that this view last heard of.
+    LinePlace m_caretPlace;
+    LinePlace m_anchorPlace;
+    // While this view edits: where the two will be, and whether the edit was reported yet. An observer may edit on in between.
+    std::optional<TextSelection> m_selectionToCome;
+    bool m_awaitsReport = false;
     Pointer m_pointer;
     std::optional<qsizetype> m_dropCaret;
     TextRange m_dragged;
     bool m_isDragging = false;
     bool m_isEditing = false;
+    bool m_isBehind = false;
     bool m_isSyncingScrollBars = false;
     bool m_isCaretOn = true;
     qsizetype m_preeditCaret = 0;

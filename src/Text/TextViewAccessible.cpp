@@ -271,13 +271,19 @@ void TextViewAccessible::deleteText(int start, int end)
 
 void TextViewAccessible::insertText(int offset, const QString &text)
 {
-    view().insertText(text, {resolved(offset), 0});
+    replaceText(offset, offset, text);
 }
 
 void TextViewAccessible::replaceText(int start, int end, const QString &text)
 {
-    const qsizetype from = resolved(start);
-    view().insertText(text, TextRange::between(from, std::max(from, resolved(end))));
+    const Rope &content = view().storage().text();
+    const qsizetype first = resolved(start);
+    const qsizetype last = resolved(end);
+    // Whole letters, and none where nothing is to be replaced.
+    const qsizetype from = TextBoundaries::snapped(content, first);
+    const qsizetype before = TextBoundaries::snapped(content, last);
+    const qsizetype to = before < last ? TextBoundaries::nextGrapheme(content, before) : last;
+    view().insertText(text, TextRange::between(from, last > first ? to : from));
 }
 
 // What a view tells

@@ -32,6 +32,16 @@ TextRange surroundingRange(const Rope &text, qsizetype caret)
     return TextRange::between(from, std::max(from, to));
 }
 
+/// An input method that counts letters otherwise may point into a surrogate pair.
+TextRange wholePairs(const Rope &text, TextRange range)
+{
+    const auto splitsPair = [&text](qsizetype offset) {
+        return offset > 0 && offset < text.length() && QChar::isLowSurrogate(text.at(offset)) &&
+               QChar::isHighSurrogate(text.at(offset - 1));
+    };
+    return TextRange::between(range.location - (splitsPair(range.location) ? 1 : 0), range.end() + (splitsPair(range.end()) ? 1 : 0));
+}
+
 struct PreeditLook {
     QList<QTextLayout::FormatRange> formats;
     qsizetype caret = 0;
@@ -77,14 +87,7 @@ void TextView::inputMethodEvent(QInputMethodEvent *event)
         m_layout.setPreedit({});
     }
     if (changesText) {
-        // The replacement counts from the caret, which after a selection is deleted stands at its start.
-        TextRange range = selection().range();
-        if (event->replacementLength() > 0 || event->replacementStart() != 0) {
-            const qsizetype from = range.location + event->replacementStart();
-            range = TextRange::between(from, std::max(from + event->replacementLength(), from)).clampedTo(m_storage.length());
-        }
-        const QString text = event->commitString();
-        replaceText(range, text, GroupKind::typing, TextSelection::at(range.location + text.length()));
+        commitText(*event);
     } else if (beginsComposing && !selection().isEmpty()) {
         deleteSelection();
     }
@@ -108,6 +111,31 @@ void TextView::inputMethodEvent(QInputMethodEvent *event)
     viewport()->update();
     QGuiApplication::inputMethod()->update(Qt::ImCursorRectangle | Qt::ImSurroundingText | Qt::ImCursorPosition | Qt::ImAnchorPosition);
     event->accept();
+}
+
+void TextView::commitText(const QInputMethodEvent &event)
+{
+    m_undoManager.beginGroup(GroupKind::typing, selection(), this);
+    TextRange range = selection().range();
+    if (event.replacementLength() > 0 || event.replacementStart() != 0) {
+        // The replacement counts from the caret, which after a selection is deleted stands at its start.
+        removeRange(range, GroupKind::typing);
+        const Rope &text = m_storage.text();
+        const qsizetype from = std::clamp<qsizetype>(m_caret.offset + event.replacementStart(), 0, text.length());
+        range = wholePairs(text, TextRange{from, event.replacementLength()}.clampedTo(text.length()));
+    }
+    const QString text = event.commitString();
+    const TextSelection after = TextSelection::at(range.location + text.length());
+    replaceText(range, text, GroupKind::typing, after);
+    m_undoManager.endGroup(selection());
+}
+
+void TextView::movePreedit()
+{
+    LayoutManager::Preedit preedit = m_layout.preedit();
+    preedit.offset = m_caret.offset;
+    m_layout.setPreedit(std::move(preedit));
+    viewport()->update();
 }
 
 void TextView::commitPreedit()

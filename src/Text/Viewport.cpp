@@ -5,6 +5,7 @@
 #include "Text/TextStorage.h"
 
 #include <cmath>
+#include <limits>
 #include <tuple>
 
 void Viewport::setSize(QSizeF size)
@@ -17,12 +18,20 @@ qint64 Viewport::rowsPerPage() const
     return std::max<qint64>(1, static_cast<qint64>(m_size.height() / m_layout.rowHeight()));
 }
 
-void Viewport::textChanged(const TextChangeList &changes, Editor editor)
+void Viewport::textChanged(const Rope &text, const TextChangeList &changes, Editor editor)
 {
     if (m_anchor == 0 && m_above <= 0) {
+        m_held = 0;
         return; // the top of the text stays the top
     }
-    m_anchor = mappedOffset(m_anchor, changes, editor == Editor::thisView ? Bias::before : Bias::after);
+    const auto map = [&](qsizetype offset, LinePlace place) {
+        const qsizetype mapped = mappedPlace(offset, place, text, changes, editor == Editor::thisView ? Bias::before : Bias::after);
+        return std::clamp<qsizetype>(mapped, 0, text.length());
+    };
+    m_anchor = map(m_anchor, {m_line, m_anchor - m_lineStart});
+    m_line = text.lineAt(m_anchor);
+    m_lineStart = text.lineStart(m_line);
+    m_held = m_anchor;
 }
 
 RowPosition Viewport::topRow()
@@ -57,13 +66,21 @@ void Viewport::place(const RowPosition &row, double above)
         }
     }
     m_anchor = m_layout.wraps() ? m_layout.rangeOf(top).location : top.lineStart;
+    m_line = top.line;
+    m_lineStart = top.lineStart;
+    m_held = m_anchor;
     m_above = m_layout.snapped(above);
 }
 
 bool Viewport::settle()
 {
     const auto before = std::tuple(m_anchor, m_above, m_x);
-    place(topRow(), m_above);
+    const qsizetype held = m_held;
+    const RowPosition row = m_layout.rowOf(held);
+    place(row, m_above);
+    if (topRow() == row) {
+        m_held = held;
+    }
     setX(m_x);
     return before != std::tuple(m_anchor, m_above, m_x);
 }
@@ -152,6 +169,11 @@ void Viewport::setX(double x)
 
 void Viewport::setY(double y)
 {
+    if (y >= maximumY()) {
+        // Whatever the estimates: the lowest position shows the end of the text.
+        place(m_layout.rowOf(std::numeric_limits<qsizetype>::max()), 0);
+        return;
+    }
     const double distance = y - position().y();
     if (std::abs(distance) <= 3 * m_size.height()) {
         scrollBy(distance);

@@ -7,6 +7,8 @@
 #include <QPointF>
 #include <QSizeF>
 
+class Rope;
+
 /// Which part of a layout is on the screen.
 ///
 /// The place is kept as an anchor: the row at the top edge, by the offset of a unit in it, and how many pixels of that row are above
@@ -37,9 +39,10 @@ public:
     /// Whole rows that fit, at least 1.
     [[nodiscard]] qint64 rowsPerPage() const;
 
-    /// Keeps the anchor on its text. `isOwnEdit`: text that the user of this view inserts just before the top row shall be seen.
+    /// Keeps the anchor on its text, of which `text` is the new state. Text that the user of this view inserts just before the top row
+    /// shall be seen, that of another goes above it.
     enum class Editor { thisView, another };
-    void textChanged(const TextChangeList &changes, Editor editor);
+    void textChanged(const Rope &text, const TextChangeList &changes, Editor editor);
     /// Puts the anchor and the horizontal position back into what the layout has; call after text, size or settings changed. True
     /// when that moved what is on the screen.
     bool settle();
@@ -80,6 +83,12 @@ private:
     QSizeF m_size{1, 1};
     Insets m_insets;
     qsizetype m_anchor = 0;
+    // The line that holds the anchor, and where it begins.
+    qsizetype m_line = 0;
+    qsizetype m_lineStart = 0;
+    // What the rows made anew shall show at the top: the anchor as it was when the user last scrolled. Rows of every other width begin
+    // elsewhere, and their starts would creep up the text while a window is resized.
+    qsizetype m_held = 0;
     double m_above = -Insets{}.vertical;
     double m_x = 0;
 };

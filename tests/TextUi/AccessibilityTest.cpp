@@ -133,4 +133,45 @@ TEST_F(Accessibility, HugeTextsAreAnsweredInBoundedPieces)
     EXPECT_EQ(end, 500'000);
 }
 
+TEST_F(Accessibility, TellsOfEditsFromElsewhere)
+{
+    ViewFixture fixture(u"abc def ghi"_s);
+    fixture.view.setSelection({4, 7});
+    takeHeard();
+    fixture.storage.beginEditing();
+    fixture.storage.replaceCharacters({8, 3}, u"G"_s);
+    fixture.storage.replaceCharacters({0, 3}, u"XY"_s);
+    fixture.storage.endEditing();
+    EXPECT_EQ(takeHeard(), (QStringList{u"-0 abc"_s, u"+0 XY"_s, u"-7 ghi"_s, u"+7 G"_s, u"[3,6]"_s, u"@6"_s}));
+}
+
+TEST_F(Accessibility, OffsetsInsideALetterAreNoFault)
+{
+    ViewFixture fixture(u"a\U0001F600b"_s);
+    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&fixture.view);
+    interface->editableTextInterface()->deleteText(2, 3);
+    EXPECT_EQ(fixture.storage.text().toString(), u"ab"_s);
+    interface->editableTextInterface()->insertText(-1, u"\U0001F600"_s);
+    interface->editableTextInterface()->insertText(3, u"x"_s);
+    EXPECT_EQ(fixture.storage.text().toString(), u"abx\U0001F600"_s);
+    fixture.view.selectAll();
+    fixture.view.deleteSelection();
+    QAccessibleTextInterface *access = interface->textInterface();
+    for (const int offset : {-2, -1, 0, 7}) {
+        int start = -1;
+        int end = -1;
+        for (const auto boundary : {QAccessible::CharBoundary, QAccessible::WordBoundary, QAccessible::LineBoundary,
+                                    QAccessible::ParagraphBoundary, QAccessible::NoBoundary}) {
+            EXPECT_EQ(access->textAtOffset(offset, boundary, &start, &end), QString());
+            EXPECT_EQ(access->textBeforeOffset(offset, boundary, &start, &end), QString());
+            EXPECT_EQ(access->textAfterOffset(offset, boundary, &start, &end), QString());
+            EXPECT_EQ(start, 0);
+            EXPECT_EQ(end, 0);
+        }
+        EXPECT_EQ(access->characterRect(offset).height(), static_cast<int>(std::ceil(fixture.view.layoutManager().rowHeight())));
+        EXPECT_EQ(access->attributes(offset, &start, &end), QString());
+    }
+    EXPECT_EQ(access->text(-1, -2), QString());
+}
+
 } // namespace

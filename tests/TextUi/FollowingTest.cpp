@@ -1,0 +1,178 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// A view while others edit its text, and while its size and font change.
+
+#include "ViewFixture.h"
+
+#include <QScrollBar>
+#include <QTest>
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct FollowCase {
+    const char *name;
+    QString before;
+    TextRange range;
+    QString text;
+    QString after;
+};
+
+class Following : public testing::TestWithParam<FollowCase> {};
+
+TEST_P(Following, CaretAndSelectionGoWithTheirText)
+{
+    const FollowCase &c = GetParam();
+    const MarkedText before(c.before);
+    ViewFixture fixture(before.text);
+    fixture.view.setSelection(before.selection);
+    fixture.storage.replaceCharacters(c.range, c.text);
+    EXPECT_EQ(fixture.marked(), c.after) << c.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Edits, Following,
+                         testing::Values(FollowCase{"text before a selection stays outside", u"a^bc|d"_s, {1, 0}, u"X"_s, u"aX^bc|d"_s},
+                                         FollowCase{"and behind it", u"a^bc|d"_s, {3, 0}, u"X"_s, u"a^bc|Xd"_s},
+                                         FollowCase{"backward too", u"a|bc^d"_s, {1, 0}, u"X"_s, u"aX|bc^d"_s},
+                                         FollowCase{"text at the caret goes behind it", u"a|b"_s, {1, 0}, u"X"_s, u"a|Xb"_s},
+                                         FollowCase{"never into a grapheme", u"ae|b"_s, {2, 0}, u"\u0301"_s, u"a|e\u0301b"_s},
+                                         FollowCase{"nor into a line break", u"a\r|b"_s, {2, 0}, u"\n"_s, u"a|\r\nb"_s},
+                                         FollowCase{"a selection that is taken away", u"a^bc|d"_s, {0, 4}, u""_s, u"|"_s}));
+
+TEST(Following, TheMouseGoesOnSelectingFromTheTextItWasPressedOn)
+{
+    ViewFixture fixture(u"one two three four"_s);
+    QWidget *target = fixture.view.viewport();
+    QTest::mouseDClick(target, Qt::LeftButton, {}, fixture.pointOf(5));
+    fixture.storage.replaceCharacters({0, 4}, QStringView());
+    const QPoint to = fixture.pointOf(11);
+    QMouseEvent event(QEvent::MouseMove, to, target->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
+    QApplication::sendEvent(target, &event);
+    EXPECT_EQ(fixture.marked(), u"^two three four|"_s);
+    fixture.storage.replaceCharacters({0, fixture.storage.length()}, u"ab"_s);
+    QApplication::sendEvent(target, &event);
+    EXPECT_LE(fixture.view.selection().range().end(), 2);
+    (void)fixture.image();
+}
+
+TEST(Following, AnObserverMayEditInsideTheReportOfAnEdit)
+{
+    for (const TextView::WrapMode wrap : {TextView::WrapMode::none, TextView::WrapMode::viewWidth}) {
+        // Lines as long as what comes in: a layout that is moved once too often would stand for another line.
+        QString text;
+        for (int line = 10; line < 40; ++line) {
+            text += u"a%1\n"_s.arg(line);
+        }
+        ViewFixture fixture(text + QString(9000, u'x') + u"\nend"_s);
+        QObject::connect(&fixture.storage, &TextStorage::changed, &fixture.storage, [&](const TextChangeList &changes) {
+            if (fixture.storage.string({changes.front().position, 1}) == u"Z") {
+                fixture.storage.replaceCharacters({0, 0}, u"bbb\n"_s);
+            }
+        });
+        // It hears of the first edit when the storage holds both.
+        TextView late(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard});
+        late.setTextFont(testFont());
+        late.setWrapMode(wrap);
+        late.resize(fixture.view.size());
+        late.show();
+        (void)late.viewport()->grab();
+        fixture.view.insertText(u"Z", {40, 0});
+        EXPECT_EQ(fixture.view.selection(), TextSelection::at(45));
+        late.layoutManager().checkInvariants();
+        TextView fresh(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard});
+        fresh.setTextFont(testFont());
+        fresh.setWrapMode(wrap);
+        fresh.resize(fixture.view.size());
+        fresh.show();
+        late.scrollRows(4);
+        fresh.scrollRows(4);
+        EXPECT_EQ(late.viewport()->grab().toImage(), fresh.viewport()->grab().toImage());
+    }
+}
+
+TEST(Following, ReplacingEverywhereAndTakingItBackMovesNoOtherView)
+{
+    ViewFixture fixture(QString(u"a word in a line\n"_s).repeated(3000));
+    TextView other(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard});
+    other.setTextFont(testFont());
+    other.resize(300, 200);
+    other.show();
+    const auto topLine = [](TextView &view) { return view.textViewport().topRow().line; };
+    other.verticalScrollBar()->setValue(other.verticalScrollBar()->maximum() / 3);
+    other.setSelection(TextSelection::at(fixture.storage.text().lineStart(1200) + 3));
+    fixture.view.verticalScrollBar()->setValue(fixture.view.verticalScrollBar()->maximum() / 2);
+    fixture.view.setSelection(TextSelection::at(fixture.view.textViewport().anchor() + 100));
+    const qsizetype line = topLine(other);
+    const qsizetype ownLine = topLine(fixture.view);
+    fixture.storage.beginEditing();
+    for (qsizetype hit = 2999; hit >= 0; --hit) {
+        fixture.storage.replaceCharacters({hit * 17 + 2, 4}, u"term of"_s);
+    }
+    fixture.storage.endEditing();
+    EXPECT_EQ(topLine(other), line);
+    EXPECT_EQ(topLine(fixture.view), ownLine);
+    EXPECT_EQ(fixture.storage.text().lineAt(other.selection().caret), 1200);
+    fixture.view.undo();
+    EXPECT_EQ(topLine(other), line);
+}
+
+TEST(Following, ANewWidthKeepsTheTopOfTheView)
+{
+    ViewFixture fixture((QString(u"lorem ipsum dolor sit amet "_s).repeated(185) + u"\n"_s).repeated(40), {400, 300});
+    fixture.view.setWrapMode(TextView::WrapMode::viewWidth);
+    fixture.view.textViewport().setAnchor(100'000, 0);
+    const qsizetype before = fixture.view.textViewport().anchor();
+    for (int width = 400; width < 700; width += 7) {
+        fixture.view.resize(width, 300);
+    }
+    for (int width = 700; width > 400; width -= 7) {
+        fixture.view.resize(width, 300);
+    }
+    fixture.view.resize(400, 300);
+    EXPECT_EQ(fixture.view.textViewport().anchor(), before);
+    QFont font = testFont();
+    font.setPixelSize(19);
+    fixture.view.setTextFont(font);
+    fixture.view.setTextFont(testFont());
+    fixture.view.setWrapMode(TextView::WrapMode::none);
+    fixture.view.setTabWidth(8);
+    fixture.view.setWrapMode(TextView::WrapMode::viewWidth);
+    EXPECT_EQ(fixture.view.textViewport().anchor(), before);
+    for (const QSize size : {QSize(400, 0), QSize(1, 300), QSize(0, 0), QSize(5, 5)}) {
+        fixture.view.resize(size);
+        fixture.view.viewport()->resize(size);
+        fixture.keys(u"<Down><PageDown><PageUp><End>"_s);
+        (void)fixture.image();
+    }
+}
+
+TEST(Following, TheEndCanBeReachedBeforeRowsAreMeasured)
+{
+    ViewFixture fixture(QString(u"x\n"_s).repeated(4000) + (QString(150, u'水') + u"\n"_s).repeated(40), {300, 200});
+    fixture.view.setWrapMode(TextView::WrapMode::viewWidth);
+    QScrollBar *bar = fixture.view.verticalScrollBar();
+    bar->setValue(bar->maximum());
+    EXPECT_TRUE(fixture.view.textViewport().topOf(fixture.view.layoutManager().rowOf(fixture.storage.length())).has_value());
+}
+
+TEST(Following, TheHorizontalRangeCoversWhatWasPainted)
+{
+    ViewFixture fixture(QString(u"a line of fifty letters, more or less, as it may be\n"_s).repeated(100) + QString(40, u'水') + u"\n"_s,
+                        {300, 300});
+    QScrollBar *bar = fixture.view.horizontalScrollBar();
+    fixture.view.verticalScrollBar()->setValue(fixture.view.verticalScrollBar()->maximum());
+    (void)fixture.image();
+    fixture.scheduler.advance(std::chrono::milliseconds(1));
+    bar->setValue(bar->maximum());
+    LayoutManager &layout = fixture.view.layoutManager();
+    const qsizetype end = fixture.storage.length() - 1;
+    EXPECT_LT(fixture.view.textViewport().left() + layout.xOf(layout.rowOf(end), end), fixture.view.viewport()->width());
+    bar->setValue(0);
+    (void)fixture.image();
+    EXPECT_EQ(bar->value(), 0);
+}
+
+} // namespace
