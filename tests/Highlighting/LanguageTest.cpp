@@ -3,6 +3,8 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/Languages/LanguageRow.h"
 
+#include <QDir>
+#include <QFile>
 #include <QSet>
 
 #include <gtest/gtest.h>
@@ -160,6 +162,32 @@ TEST(Language, LosesNoneOfTheBuiltInRules)
     }
 }
 
+// The files are what the highlighter is tried on: a rule that finds nothing in its language's file is tried by nobody.
+TEST(Language, FindsEveryRuleInItsSampleFile)
+{
+    for (const Language &language : LanguageRegistry::all()) {
+        const QDir folder(QStringLiteral(QUILLET_TEST_DATA "/highlight/") + language.id());
+        const QStringList names = folder.entryList(QDir::Files | QDir::Hidden);
+        QString text;
+        for (const QString &name : names) {
+            QFile file(folder.filePath(name));
+            ASSERT_TRUE(file.open(QFile::ReadOnly)) << file.fileName().toStdString();
+            text += QString::fromUtf8(file.readAll());
+            EXPECT_EQ(LanguageRegistry::detect(file.fileName(), {}), language) << file.fileName().toStdString();
+        }
+        ASSERT_FALSE(text.isEmpty()) << language.id().toStdString();
+        const auto expectFound = [&](const RegularExpression &rule, const char *kind, size_t place) {
+            EXPECT_TRUE(rule.clone().firstMatch(text)) << language.id().toStdString() << ", " << kind << ' ' << place + 1;
+        };
+        for (size_t place = 0; place < language.spans().size(); ++place) {
+            expectFound(language.spans()[place].regex, "span", place);
+        }
+        for (size_t place = 0; place < language.rules().size(); ++place) {
+            expectFound(language.rules()[place].regex, "rule", place);
+        }
+    }
+}
+
 TEST(Language, DropsRulesThatDoNotCompileAndKeepsTheOthersInOrder)
 {
     using enum RuleTraits;
@@ -197,6 +225,7 @@ TEST(Language, CompilesOnceForAllThreads)
     std::vector<const TokenRule *> seen(4);
     {
         std::vector<std::jthread> threads;
+        threads.reserve(seen.size());
         for (const TokenRule *&place : seen) {
             threads.emplace_back([&, copy = language] {
                 start.arrive_and_wait();
