@@ -47,6 +47,7 @@ struct CommandRow {
 /// The rows of each subject; `main.cpp` lists the subjects.
 [[nodiscard]] std::span<const CommandRow> fileCommands();
 [[nodiscard]] std::span<const CommandRow> preferencesCommands();
+[[nodiscard]] std::span<const CommandRow> languageCommands();
 
 /// The arguments by the row, or none when they do not fit it.
 [[nodiscard]] std::optional<Arguments> parseArguments(const CommandRow &command, const QStringList &given);
