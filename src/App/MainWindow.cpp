@@ -236,7 +236,7 @@ void MainWindow::resetFontSize()
 
 QString MainWindow::panelFolder() const
 {
-    const QString last = m_services.defaults.string(lastFolderKey);
+    QString last = m_services.defaults.string(lastFolderKey);
     if (!last.isEmpty() && QFileInfo::exists(last)) {
         return last;
     }

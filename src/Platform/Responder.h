@@ -16,16 +16,17 @@ class QObject;
 class Selector {
 public:
     constexpr Selector() = default;
-    constexpr Selector(const char *name) : m_name(name) {}
-    constexpr explicit Selector(std::string_view name) : m_name(name) {}
+    constexpr Selector(const char *name) : Selector(std::string_view(name)) {}
+    constexpr explicit Selector(std::string_view name) : m_characters(name.data()), m_length(name.size()) {}
 
-    [[nodiscard]] constexpr std::string_view name() const { return m_name; }
-    [[nodiscard]] constexpr bool isEmpty() const { return m_name.empty(); }
+    [[nodiscard]] constexpr std::string_view name() const { return {m_characters, m_length}; }
+    [[nodiscard]] constexpr bool isEmpty() const { return m_length == 0; }
 
-    friend constexpr bool operator==(Selector, Selector) = default;
+    friend constexpr bool operator==(Selector one, Selector other) { return one.name() == other.name(); }
 
 private:
-    std::string_view m_name;
+    const char *m_characters = nullptr;
+    size_t m_length = 0;
 };
 
 /// What an action is told about the item that sent it.

@@ -84,7 +84,7 @@ QStringList absoluteFolders(const QString &list)
 /// The entry's file below `folder`: every "-" of an id may stand for a folder.
 QString entryFile(const QString &folder, const QString &id)
 {
-    const QString flat = folder + u'/' + id + u".desktop"_s;
+    QString flat = folder + u'/' + id + u".desktop"_s;
     if (QFileInfo::exists(flat)) {
         return flat;
     }

@@ -5,6 +5,8 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 
+#include <gtest/gtest.h>
+
 #include <csignal>
 
 TEST(TerminationSignals, BecomeCallsFromTheEventLoop)

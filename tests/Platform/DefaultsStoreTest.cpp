@@ -7,6 +7,8 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include <gtest/gtest.h>
+
 #include <cmath>
 
 using namespace Qt::StringLiterals;
