@@ -118,6 +118,9 @@ protected:
     /// The one way by which this view changes its text. Not inside a batch of the storage.
     bool replaceText(TextRange range, QStringView text, GroupKind kind, TextSelection after);
 
+    /// Lets the user drag `content`, which it takes over, and tells how that ended. Tests drop it at once.
+    virtual Qt::DropAction runDrag(QMimeData *content, Qt::DropActions allowed, Qt::DropAction proposed);
+
     bool event(QEvent *event) override;
     bool viewportEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
@@ -194,8 +197,10 @@ private:
     void extendSelection(QPointF point);
     void autoScroll();
     [[nodiscard]] bool dragEnabledAt(QPointF point);
+    [[nodiscard]] qsizetype graphemeUnder(QPointF point);
     void startDrag();
-    void dropText(const QString &text, qsizetype offset, TextRange moved);
+    /// False when it was refused. `taken` is what goes away where the text came from.
+    bool dropText(const QString &text, qsizetype offset, TextRange taken);
     void setDropCaret(std::optional<qsizetype> offset);
     [[nodiscard]] TextRange granule(qsizetype offset, Granularity granularity) const;
 
@@ -226,7 +231,6 @@ private:
     Pointer m_pointer;
     std::optional<qsizetype> m_dropCaret;
     TextRange m_dragged;
-    bool m_isDragging = false;
     bool m_isEditing = false;
     bool m_isBehind = false;
     bool m_isSyncingScrollBars = false;
