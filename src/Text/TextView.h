@@ -43,7 +43,7 @@ public:
         QColor invisibles;
         QColor mark;
     };
-    /// Asked for the stretches to be marked (search hits) within a visible range, ascending.
+    /// Asked for the stretches to be marked (search hits) within what is seen of a row, ascending.
     using MarkProvider = std::function<std::vector<TextRange>(TextRange visible)>;
 
     TextView(TextStorage &storage, UndoManager &undoManager, Services services, QWidget *parent = nullptr);
@@ -170,6 +170,8 @@ private:
     void setCaret(const Caret &caret, qsizetype anchor);
     void syncScrollBars();
     void viewMoved();
+    void refineSoon();
+    void noticeWidth();
     void updateRows(TextRange range);
     void updateCaret();
     [[nodiscard]] QRectF caretInViewport();
@@ -184,7 +186,8 @@ private:
     [[nodiscard]] static const KeyCommand *commandFor(const QKeyEvent &event);
     void removeRange(TextRange range, GroupKind kind);
 
-    void paintRow(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const std::vector<TextRange> &marks);
+    void paintRow(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
+    void paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintInvisibles(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintCaret(QPainter &painter);
@@ -243,6 +246,7 @@ private:
     RepeatingTimer m_blinking;
     RepeatingTimer m_autoScroll;
     DelayedTask m_refining;
+    DelayedTask m_widening;
     DelayedTask m_primarySettles;
     // Only while a screen reader listens: what a removal took away.
     std::optional<TextSnapshot> m_spoken;
