@@ -167,6 +167,7 @@ private:
     [[nodiscard]] bool fitsOneRow(const Line &line) const;
     [[nodiscard]] LongLine::Measure estimate(TextRange range) const;
     [[nodiscard]] qint64 estimateRows(qsizetype firstLine, qsizetype count) const;
+    [[nodiscard]] qint64 estimateLongLine(const Line &line) const;
     qsizetype refineGap(RowMap::Stretch gap, qsizetype unitBudget);
 
     const TextStorage &m_storage;

@@ -198,6 +198,39 @@ void RowMap::setRows(qsizetype line, qint64 rows)
     mergeAround(index);
 }
 
+void RowMap::setMeasured(qsizetype firstLine, const std::vector<quint32> &rows)
+{
+    std::vector<Block> fresh;
+    for (auto at = rows.begin(); at != rows.end();) {
+        const auto isOne = [](quint32 count) { return count == 1; };
+        const qsizetype ones = std::find_if_not(at, rows.end(), isOne) - at;
+        if (ones > shortStretch) {
+            fresh.push_back({.kind = Kind::single, .lines = ones, .rows = ones, .perLine = {}});
+            at += ones;
+            continue;
+        }
+        if (fresh.empty() || fresh.back().kind != Kind::mixed || fresh.back().lines >= mixedLimit) {
+            fresh.push_back({.kind = Kind::mixed, .lines = 0, .rows = 0, .perLine = {}});
+        }
+        Block &block = fresh.back();
+        const auto end = at + std::min(std::max<qsizetype>(ones, 1), mixedLimit - block.lines);
+        block.rows = std::accumulate(at, end, block.rows);
+        block.perLine.insert(block.perLine.end(), at, end);
+        block.lines = std::ssize(block.perLine);
+        at = end;
+    }
+    if (fresh.empty()) {
+        return;
+    }
+    const size_t from = splitAt(firstLine);
+    const size_t to = splitAt(firstLine + std::ssize(rows));
+    const auto begin = m_blocks.begin() + static_cast<qsizetype>(from);
+    m_blocks.insert(m_blocks.erase(begin, m_blocks.begin() + static_cast<qsizetype>(to)), fresh.begin(), fresh.end());
+    m_isSummed = false;
+    mergeAround(from + fresh.size() - 1);
+    mergeAround(from);
+}
+
 void RowMap::setSingleRows(qsizetype firstLine, qsizetype count)
 {
     const Found found = find(firstLine);

@@ -34,6 +34,8 @@ public:
     /// Lines first … first + removed were replaced by first … first + inserted; all of the new ones are unmeasured.
     void linesChanged(qsizetype first, qsizetype removed, qsizetype inserted);
     void setRows(qsizetype line, qint64 rows);
+    /// The lines from `firstLine` on take so many rows each. One sum over the blocks, however many lines.
+    void setMeasured(qsizetype firstLine, const std::vector<quint32> &rows);
     /// `count` lines from `firstLine` on take one row each.
     void setSingleRows(qsizetype firstLine, qsizetype count);
 
