@@ -41,6 +41,11 @@ bool needsStandIn(char16_t unit)
 
 bool isWide(char16_t unit)
 {
+    // The ideographs, syllables and kana that most wide text consists of; the rest is looked up.
+    if ((unit >= 0x4E00 && unit < 0xA000) || (unit >= 0xAC00 && unit < 0xD7A4) || (unit >= 0x3041 && unit < 0x3097) ||
+        (unit >= 0x30A1 && unit < 0x30FB)) {
+        return true;
+    }
     const int width = u_getIntPropertyValue(unit, UCHAR_EAST_ASIAN_WIDTH);
     return width == U_EA_WIDE || width == U_EA_FULLWIDTH;
 }

@@ -33,6 +33,8 @@ qsizetype LongLine::cutBefore(const Rope &text, qsizetype from, qsizetype limit)
     const auto count = limit - first;
     const bool hasNext = limit < text.length();
     text.copy({first, count + (hasNext ? 1 : 0)}, units.data());
+    const auto *const searched = units.data();
+    const bool hasTab = std::find(searched, searched + count, u'\t') != searched + count;
     qsizetype afterSpace = 0;
     qsizetype afterMark = 0;
     for (qsizetype i = count; i > 0; --i) {
@@ -47,6 +49,9 @@ qsizetype LongLine::cutBefore(const Rope &text, qsizetype from, qsizetype limit)
         }
         if (unit == u' ' && afterSpace == 0) {
             afterSpace = i;
+            if (!hasTab) {
+                break;
+            }
         } else if (isAsciiMark(unit) && afterMark == 0) {
             afterMark = i;
         }

@@ -162,7 +162,17 @@ double SegmentLayout::xInPreedit(int row, qsizetype position) const
 
 qsizetype SegmentLayout::offsetAt(int row, double x, QTextLine::CursorPosition how) const
 {
-    return offset(m_layout.lineAt(row).xToCursor(x, how));
+    const QTextLine line = m_layout.lineAt(row);
+    const int index = line.xToCursor(x, how);
+    // The layout never answers with the end of a row that wraps, as if there were always a blank that goes over the edge. A word or
+    // a script without blanks may be broken there.
+    const int end = line.textStart() + line.textLength();
+    if (how == QTextLine::CursorBetweenCharacters && row + 1 < rowCount() && index < end && m_layout.nextCursorPosition(index) == end) {
+        const double near = line.cursorToX(index);
+        const double far = line.cursorToX(index, QTextLine::Trailing);
+        return offset(std::abs(x - far) < std::abs(x - near) ? end : index);
+    }
+    return offset(index);
 }
 
 void SegmentLayout::drawRow(QPainter &painter, int row, double x, double top) const

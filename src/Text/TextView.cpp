@@ -339,6 +339,7 @@ void TextView::updateRows(TextRange range)
 void TextView::setCaret(const Caret &caret, qsizetype anchor)
 {
     const TextSelection before = selection();
+    const qsizetype lineBefore = m_caretPlace.line;
     updateCaret();
     m_caret = caret;
     m_anchor = anchor;
@@ -366,7 +367,9 @@ void TextView::setCaret(const Caret &caret, qsizetype anchor)
             changed(before.anchor, before.caret);
             changed(m_anchor, m_caret.offset);
         }
-    } else if (m_colors.currentLine.isValid()) {
+    }
+    // A line has more rows than those between the two ends.
+    if (m_colors.currentLine.isValid() && m_caretPlace.line != lineBefore) {
         viewport()->update();
     }
     updateCaret();
@@ -542,17 +545,33 @@ void TextView::viewMoved()
     } else {
         syncScrollBars();
     }
-    if (m_layout.wraps() && !m_refining.isPending()) {
-        m_refining = m_services.scheduler.after(0ms, [this] {
-            const bool hasMore = m_layout.refine(m_port.topRow().line, refineBudget);
-            syncScrollBars();
-            if (hasMore) {
-                m_refining = {};
-                viewMoved();
-            }
-        });
-    }
+    refineSoon();
     emit visibleRowsChanged();
+}
+
+/// Measuring goes on in slices; it moves the scroll bar and nothing that is on the screen.
+void TextView::refineSoon()
+{
+    if (!m_layout.wraps() || m_refining.isPending()) {
+        return;
+    }
+    m_refining = m_services.scheduler.after(0ms, [this] {
+        const bool hasMore = m_layout.refine(m_port.topRow().line, refineBudget);
+        syncScrollBars();
+        if (hasMore) {
+            m_refining = {};
+            refineSoon();
+        }
+    });
+}
+
+/// Painting lays out rows that may be wider than all before.
+void TextView::noticeWidth()
+{
+    const double width = std::ceil(std::min(m_port.maximumX(), scrollBarLimit));
+    if (width > horizontalScrollBar()->maximum() * 1.0005 && !m_widening.isPending()) {
+        m_widening = m_services.scheduler.after(0ms, [this] { syncScrollBars(); });
+    }
 }
 
 void TextView::syncScrollBars()
@@ -665,7 +684,9 @@ QRectF TextView::caretInViewport()
         const bool isInRow = next <= m_layout.rangeOf(row).end();
         width = isInRow && next > m_caret.offset ? std::abs(m_layout.xOf(row, next) - x) : m_layout.cellWidth();
     }
-    return {left, *top, width, m_layout.rowHeight()};
+    // Blanks that hang over the edge of a wrapped row do not take the caret with them.
+    const double rightmost = m_layout.wraps() ? std::max(0.0, viewport()->width() - width) : left;
+    return {std::min(left, rightmost), *top, width, m_layout.rowHeight()};
 }
 
 QRect TextView::caretRectangle()

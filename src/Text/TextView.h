@@ -43,7 +43,7 @@ public:
         QColor invisibles;
         QColor mark;
     };
-    /// Asked for the stretches to be marked (search hits) within a visible range, ascending.
+    /// Asked for the stretches to be marked (search hits) within what is seen of a row, ascending.
     using MarkProvider = std::function<std::vector<TextRange>(TextRange visible)>;
 
     TextView(TextStorage &storage, UndoManager &undoManager, Services services, QWidget *parent = nullptr);
@@ -118,6 +118,9 @@ protected:
     /// The one way by which this view changes its text. Not inside a batch of the storage.
     bool replaceText(TextRange range, QStringView text, GroupKind kind, TextSelection after);
 
+    /// Lets the user drag `content`, which it takes over, and tells how that ended. Tests drop it at once.
+    virtual Qt::DropAction runDrag(QMimeData *content, Qt::DropActions allowed, Qt::DropAction proposed);
+
     bool event(QEvent *event) override;
     bool viewportEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
@@ -167,6 +170,8 @@ private:
     void setCaret(const Caret &caret, qsizetype anchor);
     void syncScrollBars();
     void viewMoved();
+    void refineSoon();
+    void noticeWidth();
     void updateRows(TextRange range);
     void updateCaret();
     [[nodiscard]] QRectF caretInViewport();
@@ -181,7 +186,8 @@ private:
     [[nodiscard]] static const KeyCommand *commandFor(const QKeyEvent &event);
     void removeRange(TextRange range, GroupKind kind);
 
-    void paintRow(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const std::vector<TextRange> &marks);
+    void paintRow(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
+    void paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintInvisibles(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintCaret(QPainter &painter);
@@ -194,8 +200,10 @@ private:
     void extendSelection(QPointF point);
     void autoScroll();
     [[nodiscard]] bool dragEnabledAt(QPointF point);
+    [[nodiscard]] qsizetype graphemeUnder(QPointF point);
     void startDrag();
-    void dropText(const QString &text, qsizetype offset, TextRange moved);
+    /// False when it was refused. `taken` is what goes away where the text came from.
+    bool dropText(const QString &text, qsizetype offset, TextRange taken);
     void setDropCaret(std::optional<qsizetype> offset);
     [[nodiscard]] TextRange granule(qsizetype offset, Granularity granularity) const;
 
@@ -226,7 +234,6 @@ private:
     Pointer m_pointer;
     std::optional<qsizetype> m_dropCaret;
     TextRange m_dragged;
-    bool m_isDragging = false;
     bool m_isEditing = false;
     bool m_isBehind = false;
     bool m_isSyncingScrollBars = false;
@@ -239,6 +246,7 @@ private:
     RepeatingTimer m_blinking;
     RepeatingTimer m_autoScroll;
     DelayedTask m_refining;
+    DelayedTask m_widening;
     DelayedTask m_primarySettles;
     DelayedTask m_barsSettle;
     // Only while a screen reader listens: what a removal took away.

@@ -29,10 +29,6 @@ void TextView::paintEvent(QPaintEvent *event)
     const double left = m_port.left();
     const Span visible{area.left() - 1 - left, area.right() + 1 - left};
     const auto rows = m_port.rows(area.top() - 1, area.bottom() + 1);
-    std::vector<TextRange> marks;
-    if (m_marks && !rows.empty()) {
-        marks = m_marks(TextRange::between(m_layout.rangeOf(rows.front().row).location, m_layout.rangeOf(rows.back().row).end()));
-    }
     if (m_colors.currentLine.isValid() && hasFocus()) {
         const qsizetype line = m_storage.text().lineAt(m_caret.offset);
         for (const Viewport::VisibleRow &row : rows) {
@@ -42,19 +38,36 @@ void TextView::paintEvent(QPaintEvent *event)
         }
     }
     for (const Viewport::VisibleRow &row : rows) {
-        paintRow(painter, row, visible, marks);
+        paintRow(painter, row, visible);
     }
     paintCaret(painter);
+    noticeWidth();
 }
 
-void TextView::paintRow(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const std::vector<TextRange> &marks)
+void TextView::paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
 {
-    const double left = m_port.left();
-    for (const TextRange mark : marks) {
+    if (!m_marks) {
+        return;
+    }
+    // Of a long line only what can be seen is asked for: it may hold millions.
+    TextRange seen = m_layout.rangeOf(row.row);
+    m_layout.forEachLayout(row.row, visible, [&, isFirst = true](const SegmentLayout &shown, int, double) mutable {
+        if (!m_layout.wraps()) {
+            seen = TextRange::between(isFirst ? shown.range().location : seen.location, shown.range().end());
+            isFirst = false;
+        }
+    });
+    for (const TextRange mark : m_marks(seen)) {
         for (const Span span : m_layout.spansOf(row.row, mark, visible)) {
-            painter.fillRect(QRectF(left + span.left, row.top, span.right - span.left, m_layout.rowHeight()), m_colors.mark);
+            painter.fillRect(QRectF(m_port.left() + span.left, row.top, span.right - span.left, m_layout.rowHeight()), m_colors.mark);
         }
     }
+}
+
+void TextView::paintRow(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+{
+    const double left = m_port.left();
+    paintMarks(painter, row, visible);
     paintSelection(painter, row, visible);
     painter.setPen(m_colors.text);
     m_layout.forEachLayout(
@@ -98,8 +111,11 @@ void TextView::paintInvisibles(QPainter &painter, const Viewport::VisibleRow &ro
         for (qsizetype offset = units.location; offset < units.end(); ++offset) {
             const char16_t unit = cursor.at(offset);
             if (unit == u' ' || unit == u'\t') {
-                const double at = x + shown.xOf(inLayout, offset);
-                if (at > visible.right) {
+                // Right to left the near edge of a blank is its right one, and what follows may be in sight again.
+                double at = x + shown.xOf(inLayout, offset);
+                if (shown.mixesDirections()) {
+                    at = std::min(at, x + shown.xBehind(inLayout, offset));
+                } else if (at > visible.right) {
                     break;
                 }
                 painter.drawText(QPointF(left + at, baseline), unit == u' ' ? QStringLiteral("\u00B7") : QStringLiteral("\u2192"));

@@ -27,6 +27,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
+// Set while a drag of its text is under way; a program has one pointer and one drag.
+QPointer<TextView> draggingView;
+
 bool takesDrop(const QMimeData *data)
 {
     // Files are the window's: it opens them.
@@ -63,13 +66,14 @@ void TextView::selectAt(const Caret &caret, Granularity granularity)
 
 void TextView::extendSelection(QPointF point)
 {
-    const Caret caret = caretAt(point);
+    // Letters are counted by the nearest gap, words and lines by what is under the pointer.
+    const bool isWhole = m_pointer.granularity != Granularity::character;
+    const Caret caret = isWhole ? Caret{graphemeUnder(point), Affinity::downstream, {}} : caretAt(point);
     const TextRange reached = granule(caret.offset, m_pointer.granularity);
     const TextRange origin = m_pointer.origin;
     if (reached.location < origin.location) {
         setCaret({reached.location, caret.affinity, {}}, origin.end());
     } else {
-        const bool isWhole = m_pointer.granularity != Granularity::character;
         setCaret({std::max(reached.end(), origin.end()), isWhole ? Affinity::downstream : caret.affinity, {}}, origin.location);
     }
 }
@@ -77,6 +81,7 @@ void TextView::extendSelection(QPointF point)
 void TextView::mousePressEvent(QMouseEvent *event)
 {
     commitPreedit();
+    const bool isNear = (event->position() - m_pointer.pressed).manhattanLength() < QApplication::startDragDistance();
     m_pointer.last = m_pointer.pressed = event->position();
     const Caret caret = caretAt(event->position());
     if (event->button() == Qt::MiddleButton) {
@@ -93,8 +98,9 @@ void TextView::mousePressEvent(QMouseEvent *event)
         event->ignore();
         return;
     }
-    const bool isTriple = m_pointer.doubleClickedAt != 0 && static_cast<qint64>(event->timestamp()) - m_pointer.doubleClickedAt <
-                                                                QGuiApplication::styleHints()->mouseDoubleClickInterval();
+    const bool isTriple =
+        isNear && m_pointer.doubleClickedAt != 0 &&
+        static_cast<qint64>(event->timestamp()) - m_pointer.doubleClickedAt < QGuiApplication::styleHints()->mouseDoubleClickInterval();
     m_pointer.doubleClickedAt = 0;
     if (isTriple) {
         selectAt(caret, Granularity::line);
@@ -104,7 +110,7 @@ void TextView::mousePressEvent(QMouseEvent *event)
         m_pointer.origin = {m_anchor, 0};
         m_pointer.isSelecting = true;
         extendSelection(event->position());
-    } else if (selection().range().contains(caret.offset) && dragEnabledAt(event->position())) {
+    } else if (dragEnabledAt(event->position())) {
         m_pointer.mayDrag = true;
     } else {
         selectAt(caret, Granularity::character);
@@ -130,14 +136,22 @@ void TextView::mouseDoubleClickEvent(QMouseEvent *event)
     m_pointer.mayDrag = false;
     m_pointer.last = m_pointer.pressed = event->position();
     m_pointer.doubleClickedAt = static_cast<qint64>(event->timestamp());
-    const Viewport::VisibleRow row = m_port.rowAt(event->position().y());
-    selectAt({m_layout.graphemeAt(row.row, event->position().x() - m_port.left()), Affinity::downstream, {}}, Granularity::word);
+    selectAt({graphemeUnder(event->position()), Affinity::downstream, {}}, Granularity::word);
+}
+
+qsizetype TextView::graphemeUnder(QPointF point)
+{
+    const Viewport::VisibleRow row = m_port.rowAt(point.y());
+    return m_layout.graphemeAt(row.row, point.x() - m_port.left());
 }
 
 void TextView::mouseMoveEvent(QMouseEvent *event)
 {
     m_pointer.last = event->position();
     if (!(event->buttons() & Qt::LeftButton)) {
+        // The release may have gone elsewhere, to a dialog that came up.
+        m_autoScroll.cancel();
+        m_pointer.isSelecting = false;
         const bool isOverSelection = !selection().isEmpty() && dragEnabledAt(event->position());
         viewport()->setCursor(isOverSelection ? Qt::ArrowCursor : Qt::IBeamCursor);
         return;
@@ -167,8 +181,8 @@ void TextView::autoScroll()
     // The farther outside the pointer is, the faster it goes.
     m_port.scrollBy(beyond(m_pointer.last.y(), area.top(), area.bottom()) / 2);
     m_port.setX(m_port.position().x() + beyond(m_pointer.last.x(), area.left(), area.right()) / 2);
-    extendSelection(
-        {std::clamp(m_pointer.last.x(), area.left(), area.right()), std::clamp(m_pointer.last.y(), area.top(), area.bottom() - 1)});
+    extendSelection({std::clamp(m_pointer.last.x(), area.left(), area.right()),
+                     std::clamp(m_pointer.last.y(), area.top(), std::max(area.top(), area.bottom() - 1))});
     viewMoved();
     viewport()->update();
 }
@@ -186,7 +200,10 @@ void TextView::mouseReleaseEvent(QMouseEvent *event)
         setCaret(caret, caret.offset);
     }
     m_pointer.isSelecting = false;
-    revealCaret();
+    // A whole word or line may end far outside, and what was clicked at is in sight.
+    if (m_pointer.granularity == Granularity::character) {
+        revealCaret();
+    }
     publishPrimarySelection();
 }
 
@@ -252,21 +269,27 @@ void TextView::contextMenuEvent(QContextMenuEvent *event)
 void TextView::startDrag()
 {
     m_dragged = selection().range();
-    m_isDragging = true;
+    draggingView = this;
     const QPointer<TextView> alive(this);
-    auto *drag = new QDrag(this);
-    drag->setMimeData(new LazyTextMimeData([snapshot = m_storage.snapshot(), range = m_dragged] { return snapshot.text.toString(range); }));
+    auto *content = new LazyTextMimeData([snapshot = m_storage.snapshot(), range = m_dragged] { return snapshot.text.toString(range); });
     const Qt::DropActions allowed = isReadOnly() ? Qt::DropActions(Qt::CopyAction) : Qt::CopyAction | Qt::MoveAction;
-    const Qt::DropAction done = drag->exec(allowed, isReadOnly() ? Qt::CopyAction : Qt::MoveAction);
+    const Qt::DropAction done = runDrag(content, allowed, isReadOnly() ? Qt::CopyAction : Qt::MoveAction);
     if (!alive) {
         return;
     }
-    // A move within this view has already taken the text from where it was.
-    if (done == Qt::MoveAction && m_isDragging && !m_dragged.isEmpty()) {
+    // A move to a view of the same text has already taken it from where it was.
+    if (done == Qt::MoveAction && draggingView == this && !m_dragged.isEmpty()) {
         removeRange(m_dragged, GroupKind::other);
     }
-    m_isDragging = false;
+    draggingView.clear();
     m_dragged = {};
+}
+
+Qt::DropAction TextView::runDrag(QMimeData *content, Qt::DropActions allowed, Qt::DropAction proposed)
+{
+    auto *drag = new QDrag(this);
+    drag->setMimeData(content);
+    return drag->exec(allowed, proposed);
 }
 
 void TextView::setDropCaret(std::optional<qsizetype> offset)
@@ -317,23 +340,29 @@ void TextView::dropEvent(QDropEvent *event)
         event->ignore();
         return;
     }
-    const bool isOwnMove = m_isDragging && event->source() == this && event->dropAction() == Qt::MoveAction;
-    const TextRange moved = isOwnMove ? m_dragged : TextRange{};
+    // What is being composed would be committed over the dropped text.
+    commitPreedit();
+    const bool isOwnText = draggingView && &draggingView->m_storage == &m_storage;
+    const bool isOwnMove = isOwnText && event->dropAction() == Qt::MoveAction && !draggingView->isReadOnly();
+    const TextRange moved = isOwnMove ? draggingView->m_dragged : TextRange{};
+    if (!dropText(event->mimeData()->text(), caretAt(event->position()).offset, moved)) {
+        event->ignore(); // or the source would delete what did not arrive
+        return;
+    }
     event->acceptProposedAction();
-    dropText(event->mimeData()->text(), caretAt(event->position()).offset, moved);
     if (isOwnMove) {
-        m_isDragging = false;
+        draggingView.clear();
     }
     setFocus(Qt::MouseFocusReason);
 }
 
-void TextView::dropText(const QString &text, qsizetype offset, TextRange taken)
+bool TextView::dropText(const QString &text, qsizetype offset, TextRange taken)
 {
     if (!taken.isEmpty() && taken.location <= offset && offset <= taken.end()) {
-        return; // onto itself
+        return true; // onto itself
     }
-    if (!shouldChangeText(taken, {}) || !shouldChangeText({offset, 0}, text)) {
-        return;
+    if ((!taken.isEmpty() && !shouldChangeText(taken, {})) || !shouldChangeText({offset, 0}, text)) {
+        return false;
     }
     m_undoManager.breakCoalescing();
     qsizetype at = offset;
@@ -352,4 +381,5 @@ void TextView::dropText(const QString &text, qsizetype offset, TextRange taken)
     }
     revealCaret();
     didChangeText();
+    return true;
 }

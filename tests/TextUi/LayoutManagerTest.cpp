@@ -71,6 +71,11 @@ TEST_P(LayoutWidths, RowsMatchAPlainLayout)
                 EXPECT_NEAR(layout.xOf(*row, offset), shown.cursorToX(static_cast<int>(offset - start)), 0.02);
             }
             for (double x = -5; x < shown.naturalTextWidth() + 20; x += 3.7) {
+                const bool isLastOfWrap = number + 1 < reference.lineCount() &&
+                                          reference.nextCursorPosition(shown.xToCursor(x)) == shown.textStart() + shown.textLength();
+                if (isLastOfWrap) {
+                    continue; // the plain layout never answers with the end of such a row
+                }
                 EXPECT_EQ(layout.offsetAt(*row, x), start + shown.xToCursor(x)) << "x " << x << " of line " << line;
             }
             row = layout.next(*row);

@@ -1,0 +1,132 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// Dragging text out of a view and dropping it.
+
+#include "ViewFixture.h"
+
+#include <QDropEvent>
+#include <QMimeData>
+#include <QTest>
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Ends every drag at once by a drop.
+class DragView : public TextView {
+public:
+    using TextView::TextView;
+
+    std::function<Qt::DropAction(const QMimeData &)> dropIt;
+
+protected:
+    Qt::DropAction runDrag(QMimeData *content, Qt::DropActions, Qt::DropAction) override
+    {
+        const std::unique_ptr<QMimeData> owned(content);
+        return dropIt(*owned);
+    }
+};
+
+class Dropping : public testing::Test {
+protected:
+    Dropping()
+    {
+        for (DragView *view : {&source, &other}) {
+            view->setTextFont(testFont());
+            view->resize(300, 200);
+            view->show();
+        }
+    }
+    void setText(const QString &marked)
+    {
+        const MarkedText text(marked);
+        const UndoManager::Pause pause(around.undo);
+        around.storage.replaceCharacters({0, around.storage.length()}, text.text);
+        source.setSelection(text.selection);
+    }
+    static QPoint pointOf(TextView &view, qsizetype offset)
+    {
+        const RowPosition row = view.layoutManager().rowOf(offset);
+        return QPointF(view.textViewport().left() + view.layoutManager().xOf(row, offset), view.textViewport().topOf(row).value_or(0) + 3)
+            .toPoint();
+    }
+    /// Drags the selection of `source` to an offset of `onto`.
+    void drag(TextView &onto, qsizetype offset, Qt::DropAction action)
+    {
+        source.dropIt = [&](const QMimeData &data) {
+            QDragEnterEvent enter(pointOf(onto, offset), action, &data, Qt::LeftButton, {});
+            QApplication::sendEvent(onto.viewport(), &enter);
+            QDropEvent event(pointOf(onto, offset), action, &data, Qt::LeftButton, {});
+            QApplication::sendEvent(onto.viewport(), &event);
+            ended = event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
+            return ended;
+        };
+        const QPoint from = pointOf(source, source.selection().range().location) + QPoint(3, 0);
+        const QPoint to = from + QPoint(60, 0);
+        QTest::mousePress(source.viewport(), Qt::LeftButton, {}, from);
+        QMouseEvent event(QEvent::MouseMove, to, source.viewport()->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(source.viewport(), &event);
+        QTest::mouseRelease(source.viewport(), Qt::LeftButton, {}, to);
+    }
+    [[nodiscard]] QString text() const { return around.storage.text().toString(); }
+
+    ViewFixture around;
+    DragView source{around.storage, around.undo, {around.scheduler, around.pasteboard}};
+    DragView other{around.storage, around.undo, {around.scheduler, around.pasteboard}};
+    Qt::DropAction ended = Qt::IgnoreAction;
+};
+
+TEST_F(Dropping, WithinAViewTextIsMovedOrCopiedInOneStep)
+{
+    struct Case {
+        qsizetype to;
+        Qt::DropAction action;
+        QString after;
+    };
+    const Case cases[] = {{0, Qt::MoveAction, u"^two|one  three"_s},   {13, Qt::MoveAction, u"one  three^two|"_s},
+                          {4, Qt::MoveAction, u"one ^two| three"_s},   {7, Qt::MoveAction, u"one ^two| three"_s},
+                          {5, Qt::MoveAction, u"one ^two| three"_s},   {5, Qt::CopyAction, u"one t^two|wo three"_s},
+                          {7, Qt::CopyAction, u"one two^two| three"_s}};
+    for (const Case &c : cases) {
+        setText(u"one ^two| three"_s);
+        drag(source, c.to, c.action);
+        EXPECT_EQ(MarkedText::marked(text(), source.selection()), c.after) << "to " << c.to;
+        around.undo.undo();
+        EXPECT_EQ(text(), u"one two three"_s);
+    }
+}
+
+TEST_F(Dropping, BetweenTwoViewsOfOneTextItIsTheSame)
+{
+    setText(u"one ^two| three"_s);
+    drag(other, 13, Qt::MoveAction);
+    EXPECT_EQ(text(), u"one  threetwo"_s);
+    around.undo.undo();
+    EXPECT_EQ(text(), u"one two three"_s) << "one step takes it back";
+    setText(u"one ^two| three"_s);
+    drag(other, 5, Qt::MoveAction);
+    EXPECT_EQ(text(), u"one two three"_s) << "onto itself, seen in the other view";
+}
+
+TEST_F(Dropping, AnotherTextTakesItOrTheSourceKeepsIt)
+{
+    class Refusing : public DragView {
+        using DragView::DragView;
+        bool shouldChangeText(TextRange, QStringView) override { return false; }
+    };
+    ViewFixture elsewhere(u"abc"_s);
+    setText(u"one ^two| three"_s);
+    drag(elsewhere.view, 1, Qt::MoveAction);
+    EXPECT_EQ(text(), u"one  three"_s);
+    EXPECT_EQ(elsewhere.storage.text().toString(), u"atwobc"_s);
+    setText(u"one ^two| three"_s);
+    Refusing refusing(elsewhere.storage, elsewhere.undo, {elsewhere.scheduler, elsewhere.pasteboard});
+    refusing.resize(300, 200);
+    drag(refusing, 1, Qt::MoveAction);
+    EXPECT_EQ(ended, Qt::IgnoreAction);
+    EXPECT_EQ(text(), u"one two three"_s);
+}
+
+} // namespace
