@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/Pasteboard.h"
 
+#include <gtest/gtest.h>
+
 using namespace Qt::StringLiterals;
 
 TEST(MemoryPasteboard, MakesTextsOnlyWhenAsked)

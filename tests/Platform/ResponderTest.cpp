@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QStringList>
 
+#include <gtest/gtest.h>
+
 #include <array>
 
 using namespace Qt::StringLiterals;

@@ -8,6 +8,8 @@
 #include <QLineEdit>
 #include <QVBoxLayout>
 
+#include <gtest/gtest.h>
+
 #include <array>
 
 using namespace Qt::StringLiterals;

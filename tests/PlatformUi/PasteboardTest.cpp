@@ -6,6 +6,8 @@
 #include <QGuiApplication>
 #include <QMimeData>
 
+#include <gtest/gtest.h>
+
 using namespace Qt::StringLiterals;
 
 TEST(SystemPasteboard, MakesTextsOnlyWhenAsked)
