@@ -26,7 +26,7 @@ Starts naiveStarts(QStringView text)
     return starts;
 }
 
-LineEnding naiveEnding(QString text)
+LineEnding naiveEnding(const QString &text)
 {
     const qsizetype pairs = text.count(u"\r\n"_s);
     const qsizetype lf = text.count(u'\n') - pairs;
