@@ -66,7 +66,8 @@ void MainWindow::setFile(std::unique_ptr<OpenFile> file)
 {
     delete m_textView;
     m_file = std::move(file);
-    m_textView = new TextView(m_file->storage(), m_file->undoManager(), {m_services.scheduler, m_services.pasteboard}, this);
+    m_textView = new TextView(m_file->storage(), m_file->undoManager(), {m_services.scheduler, m_services.pasteboard},
+                              editorFont(m_services.preferences), this);
     connect(&m_file->undoManager(), &UndoManager::stateChanged, this, [this] { setWindowModified(m_file->isDirty()); });
     connect(m_textView, &TextView::zoomRequested, this, &MainWindow::changeFontSize);
     applyPreferences();

@@ -17,15 +17,19 @@ constexpr qsizetype unwrappedSegment = 384;
 constexpr qsizetype wrappedSegment = 4096;
 constexpr size_t longLineLimit = 256;
 
-double widthOfRepeated(const QFont &font, char16_t unit)
+/// The advances of the units of `text`, each on its own.
+std::vector<double> advancesOf(const QFont &font, const QString &text)
 {
-    constexpr int count = 64;
-    QTextLayout layout(QString(count, QChar(unit)), font);
+    QTextLayout layout(text, font);
     layout.beginLayout();
     QTextLine line = layout.createLine();
     line.setLineWidth(1'000'000);
     layout.endLayout();
-    return line.naturalTextWidth() / count;
+    std::vector<double> advances;
+    for (int i = 0; i < text.length(); ++i) {
+        advances.push_back(line.cursorToX(i + 1) - line.cursorToX(i));
+    }
+    return advances;
 }
 
 /// The first element of a list sorted by place that ends at or behind `offset`.
@@ -53,8 +57,11 @@ LayoutManager::~LayoutManager() = default;
 
 void LayoutManager::setSettings(Settings settings)
 {
+    const bool isFontNew = settings.font != m_settings.font || settings.devicePixelRatio != m_settings.devicePixelRatio;
     m_settings = std::move(settings);
-    measureFont();
+    if (isFontNew) {
+        measureFont();
+    }
     forgetLayouts();
 }
 
@@ -64,11 +71,10 @@ void LayoutManager::measureFont()
     const double dpr = m_settings.devicePixelRatio;
     m_rowHeight = std::ceil((metrics.ascent() + metrics.descent() + std::max(0.0, metrics.leading())) * dpr) / dpr;
     m_baseline = std::round(metrics.ascent() * dpr) / dpr;
-    m_cellWidth = widthOfRepeated(m_settings.font, u'0');
-    m_isFixedPitch = m_cellWidth == widthOfRepeated(m_settings.font, u'i') && m_cellWidth == widthOfRepeated(m_settings.font, u'W') &&
-                     m_cellWidth == widthOfRepeated(m_settings.font, u' ');
+    const auto advances = advancesOf(m_settings.font, QStringLiteral("0iW.0"));
+    m_cellWidth = advances.front();
+    m_isFixedPitch = std::all_of(advances.begin(), advances.end(), [this](double advance) { return advance == m_cellWidth; });
     m_wideWidth = 0;
-    m_segmentLength = wraps() ? wrappedSegment : unwrappedSegment;
 }
 
 double LayoutManager::snapped(double pixels) const
@@ -80,13 +86,14 @@ double LayoutManager::wideWidth() const
 {
     // Asked only once such a character turns up: it loads a fallback font.
     if (m_wideWidth == 0) {
-        m_wideWidth = widthOfRepeated(m_settings.font, u'\u6C34');
+        m_wideWidth = advancesOf(m_settings.font, QStringLiteral("\u6C34")).front();
     }
     return m_wideWidth;
 }
 
 void LayoutManager::forgetLayouts()
 {
+    m_segmentLength = wraps() ? wrappedSegment : unwrappedSegment;
     m_cache.clear();
     m_longLines.clear();
     m_widest = 0;

@@ -8,7 +8,6 @@
 #include "Text/TextViewAccessible.h"
 
 #include <QApplication>
-#include <QFontDatabase>
 #include <QInputMethod>
 #include <QScopedValueRollback>
 #include <QScrollBar>
@@ -29,17 +28,14 @@ constexpr double scrollBarLimit = 1 << 30;
 bool isScrollBarNear(const QScrollBar &bar, double maximum, double value)
 {
     const double invisible = bar.maximum() / 2000.0;
-    return bar.maximum() > 0 && std::abs(bar.maximum() - maximum) < invisible && std::abs(bar.value() - value) < invisible;
+    return std::abs(bar.maximum() - std::ceil(maximum)) <= invisible && std::abs(bar.value() - std::round(value)) <= invisible;
 }
 
 } // namespace
 
-TextView::TextView(TextStorage &storage, UndoManager &undoManager, Services services, QWidget *parent)
+TextView::TextView(TextStorage &storage, UndoManager &undoManager, Services services, const QFont &font, QWidget *parent)
     : QAbstractScrollArea(parent), m_storage(storage), m_undoManager(undoManager), m_services(services),
-      m_layout(storage, {.font = QFontDatabase::systemFont(QFontDatabase::FixedFont),
-                         .tabWidth = 4,
-                         .wrapWidth = {},
-                         .devicePixelRatio = devicePixelRatioF()})
+      m_layout(storage, {.font = font, .tabWidth = 4, .wrapWidth = {}, .devicePixelRatio = devicePixelRatioF()})
 {
     TextViewAccessible::install();
     setFocusPolicy(Qt::StrongFocus);
@@ -128,6 +124,9 @@ void TextView::setTextFont(const QFont &font)
 
 void TextView::setTabWidth(int cells)
 {
+    if (std::max(1, cells) == m_layout.settings().tabWidth) {
+        return;
+    }
     LayoutManager::Settings settings = settingsForViewport();
     settings.tabWidth = std::max(1, cells);
     applySettings(std::move(settings));
@@ -539,7 +538,8 @@ void TextView::resizeEvent(QResizeEvent *event)
 void TextView::viewMoved()
 {
     // A typed letter moves the bars by less than a pixel, but setting them paints them: that waits until the keys rest.
-    if (m_isEditing && isScrollBarNear(*verticalScrollBar(), m_port.maximumY() / m_verticalScale, m_port.position().y() / m_verticalScale) &&
+    if (m_isEditing &&
+        isScrollBarNear(*verticalScrollBar(), m_port.maximumY() / m_verticalScale, m_port.position().y() / m_verticalScale) &&
         isScrollBarNear(*horizontalScrollBar(), m_port.maximumX(), m_port.position().x())) {
         m_barsSettle = m_services.scheduler.after(150ms, [this] { syncScrollBars(); });
     } else {

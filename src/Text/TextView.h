@@ -46,7 +46,7 @@ public:
     /// Asked for the stretches to be marked (search hits) within what is seen of a row, ascending.
     using MarkProvider = std::function<std::vector<TextRange>(TextRange visible)>;
 
-    TextView(TextStorage &storage, UndoManager &undoManager, Services services, QWidget *parent = nullptr);
+    TextView(TextStorage &storage, UndoManager &undoManager, Services services, const QFont &font, QWidget *parent = nullptr);
     ~TextView() override;
 
     [[nodiscard]] TextStorage &storage() const { return m_storage; }

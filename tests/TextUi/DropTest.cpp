@@ -73,8 +73,8 @@ protected:
     [[nodiscard]] QString text() const { return around.storage.text().toString(); }
 
     ViewFixture around;
-    DragView source{around.storage, around.undo, {around.scheduler, around.pasteboard}};
-    DragView other{around.storage, around.undo, {around.scheduler, around.pasteboard}};
+    DragView source{around.storage, around.undo, {around.scheduler, around.pasteboard}, testFont()};
+    DragView other{around.storage, around.undo, {around.scheduler, around.pasteboard}, testFont()};
     Qt::DropAction ended = Qt::IgnoreAction;
 };
 
@@ -122,7 +122,7 @@ TEST_F(Dropping, AnotherTextTakesItOrTheSourceKeepsIt)
     EXPECT_EQ(text(), u"one  three"_s);
     EXPECT_EQ(elsewhere.storage.text().toString(), u"atwobc"_s);
     setText(u"one ^two| three"_s);
-    Refusing refusing(elsewhere.storage, elsewhere.undo, {elsewhere.scheduler, elsewhere.pasteboard});
+    Refusing refusing(elsewhere.storage, elsewhere.undo, {elsewhere.scheduler, elsewhere.pasteboard}, testFont());
     refusing.resize(300, 200);
     drag(refusing, 1, Qt::MoveAction);
     EXPECT_EQ(ended, Qt::IgnoreAction);

@@ -73,7 +73,7 @@ TEST(Following, AnObserverMayEditInsideTheReportOfAnEdit)
             }
         });
         // It hears of the first edit when the storage holds both.
-        TextView late(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard});
+        TextView late(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard}, testFont());
         late.setTextFont(testFont());
         late.setWrapMode(wrap);
         late.resize(fixture.view.size());
@@ -82,7 +82,7 @@ TEST(Following, AnObserverMayEditInsideTheReportOfAnEdit)
         fixture.view.insertText(u"Z", {40, 0});
         EXPECT_EQ(fixture.view.selection(), TextSelection::at(45));
         late.layoutManager().checkInvariants();
-        TextView fresh(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard});
+        TextView fresh(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard}, testFont());
         fresh.setTextFont(testFont());
         fresh.setWrapMode(wrap);
         fresh.resize(fixture.view.size());
@@ -96,7 +96,7 @@ TEST(Following, AnObserverMayEditInsideTheReportOfAnEdit)
 TEST(Following, ReplacingEverywhereAndTakingItBackMovesNoOtherView)
 {
     ViewFixture fixture(QString(u"a word in a line\n"_s).repeated(3000));
-    TextView other(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard});
+    TextView other(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard}, testFont());
     other.setTextFont(testFont());
     other.resize(300, 200);
     other.show();

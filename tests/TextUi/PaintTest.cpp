@@ -67,7 +67,7 @@ void keepScrollBars(TextView &view)
 
 QImage freshPicture(ViewFixture &fixture)
 {
-    TextView view(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard});
+    TextView view(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard}, testFont());
     view.setTextFont(fixture.view.textFont());
     view.setColors(fixture.view.colors());
     view.resize(fixture.view.size());

@@ -237,7 +237,7 @@ TEST(TextView, DropsInsertAndFilesPassThrough)
 TEST(TextView, ScrollPositionHoldsWhileOthersEditAbove)
 {
     ViewFixture fixture(QString(u"some line of text\n"_s).repeated(500));
-    TextView other(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard});
+    TextView other(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard}, testFont());
     other.setTextFont(testFont());
     other.resize(200, 150);
     other.setWrapMode(TextView::WrapMode::viewWidth);

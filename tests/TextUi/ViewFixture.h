@@ -38,5 +38,5 @@ public:
     ManualScheduler scheduler;
     UndoManager undo{storage, [this] { return scheduler.now(); }};
     MemoryPasteboard pasteboard;
-    TextView view{storage, undo, {scheduler, pasteboard}};
+    TextView view{storage, undo, {scheduler, pasteboard}, testFont()};
 };
