@@ -279,10 +279,7 @@ std::unique_ptr<SegmentLayout> LayoutManager::makeLayout(TextRange range)
 {
     ++m_counters.layouts;
     m_counters.units += range.length;
-    std::optional<SegmentLayout::Insertion> insertion;
-    if (holdsPreedit(range)) {
-        insertion = {m_preedit.offset, m_preedit.text, m_preedit.formats};
-    }
+    const auto insertion = holdsPreedit(range) ? std::optional(m_preedit) : std::nullopt;
     const SegmentLayout::Style style{.font = m_settings.font,
                                      .tabStop = m_settings.tabWidth * m_cellWidth,
                                      .wrapWidth = m_settings.wrapWidth,

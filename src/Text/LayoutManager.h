@@ -53,12 +53,7 @@ public:
         double devicePixelRatio = 1;
     };
 
-    /// Text that an input method composes; shown in the view but not part of the storage.
-    struct Preedit {
-        qsizetype offset = 0;
-        QString text;
-        QList<QTextLayout::FormatRange> formats;
-    };
+    using Preedit = SegmentLayout::Preedit;
 
     /// What was laid out and copied so far; guards the cost of an operation in tests.
     struct Counters {

@@ -69,7 +69,7 @@ QList<QTextLayout::FormatRange> SegmentFormats::formats(const TextStorage &stora
 }
 
 SegmentLayout::SegmentLayout(TextRange range, const QString &text, QList<QTextLayout::FormatRange> formats, const Style &style,
-                             const std::optional<Insertion> &preedit)
+                             const std::optional<Preedit> &preedit)
     : m_range(range), m_layout(text, style.font), m_rowHeight(style.rowHeight), m_mixesDirections(mayRunRightToLeft(text))
 {
     QTextOption option;

@@ -32,7 +32,8 @@ public:
         double rowHeight = 0;
         double baseline = 0;
     };
-    struct Insertion {
+    /// Text that an input method composes; shown in the view but not part of the storage.
+    struct Preedit {
         qsizetype offset = 0;
         QString text;
         QList<QTextLayout::FormatRange> formats;
@@ -40,7 +41,7 @@ public:
 
     /// `text` is shown for `range` and as long as it.
     SegmentLayout(TextRange range, const QString &text, QList<QTextLayout::FormatRange> formats, const Style &style,
-                  const std::optional<Insertion> &preedit);
+                  const std::optional<Preedit> &preedit);
 
     [[nodiscard]] TextRange range() const { return m_range; }
     void moveBy(qsizetype distance) { m_range.location += distance; }

@@ -449,25 +449,22 @@ Caret TextView::caretAt(QPointF point)
 
 void TextView::undo()
 {
-    commitPreedit();
-    if (isReadOnly()) {
-        return;
-    }
-    const QScopedValueRollback<bool> editing(m_isEditing, true);
-    if (const auto shown = m_undoManager.undo()) {
-        setSelection(*shown, Reveal::nearest);
-        didChangeText();
-    }
+    replay(&UndoManager::undo);
 }
 
 void TextView::redo()
+{
+    replay(&UndoManager::redo);
+}
+
+void TextView::replay(std::optional<TextSelection> (UndoManager::*step)())
 {
     commitPreedit();
     if (isReadOnly()) {
         return;
     }
     const QScopedValueRollback<bool> editing(m_isEditing, true);
-    if (const auto shown = m_undoManager.redo()) {
+    if (const auto shown = (m_undoManager.*step)()) {
         setSelection(*shown, Reveal::nearest);
         didChangeText();
     }

@@ -163,6 +163,7 @@ private:
     [[nodiscard]] bool canPaste() const;
     void applySettings(LayoutManager::Settings settings);
     [[nodiscard]] LayoutManager::Settings settingsForViewport() const;
+    void replay(std::optional<TextSelection> (UndoManager::*step)());
     void storageChanged(const TextChangeList &changes);
     void storageStylesChanged(const std::vector<TextRange> &ranges);
     void mapPlaces(const TextChangeList &changes);
