@@ -177,7 +177,7 @@ void RowMap::linesChanged(qsizetype first, qsizetype removed, qsizetype inserted
 void RowMap::setRows(qsizetype line, qint64 rows)
 {
     if (rows == 1) {
-        setSingleRows(line, 1);
+        setSingleRow(line);
         return;
     }
     const Found found = find(line);
@@ -231,26 +231,27 @@ void RowMap::setMeasured(qsizetype firstLine, const std::vector<quint32> &rows)
     mergeAround(from);
 }
 
-void RowMap::setSingleRows(qsizetype firstLine, qsizetype count)
+void RowMap::setSingleRow(qsizetype line)
 {
-    const Found found = find(firstLine);
+    const Found found = find(line);
     Block &block = m_blocks[found.block];
-    if (block.kind == Kind::single && found.lineInBlock + count <= block.lines) {
+    if (block.kind == Kind::single) {
         return;
     }
-    if (block.kind == Kind::mixed && count == 1) {
+    if (block.kind == Kind::mixed) {
         quint32 &entry = block.perLine[static_cast<size_t>(found.lineInBlock)];
-        block.rows += 1 - static_cast<qint64>(entry);
-        entry = 1;
-        m_isSummed = false;
+        if (entry != 1) {
+            block.rows += 1 - static_cast<qint64>(entry);
+            entry = 1;
+            m_isSummed = false;
+        }
         return;
     }
-    const size_t from = splitAt(firstLine);
-    const size_t to = splitAt(firstLine + count);
-    m_blocks.erase(m_blocks.begin() + static_cast<qsizetype>(from) + 1, m_blocks.begin() + static_cast<qsizetype>(to));
-    m_blocks[from] = {.kind = Kind::single, .lines = count, .rows = count, .perLine = {}};
+    const size_t index = splitAt(line);
+    splitAt(line + 1);
+    m_blocks[index] = {.kind = Kind::single, .lines = 1, .rows = 1, .perLine = {}};
     m_isSummed = false;
-    mergeAround(from);
+    mergeAround(index);
 }
 
 bool RowMap::merges(const Block &a, const Block &b)

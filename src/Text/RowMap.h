@@ -36,8 +36,6 @@ public:
     void setRows(qsizetype line, qint64 rows);
     /// The lines from `firstLine` on take so many rows each. One sum over the blocks, however many lines.
     void setMeasured(qsizetype firstLine, const std::vector<quint32> &rows);
-    /// `count` lines from `firstLine` on take one row each.
-    void setSingleRows(qsizetype firstLine, qsizetype count);
 
     [[nodiscard]] qsizetype lineCount() const;
     [[nodiscard]] qint64 rowCount() const;
@@ -66,6 +64,7 @@ private:
     };
 
     void sum() const;
+    void setSingleRow(qsizetype line);
     [[nodiscard]] Found find(qsizetype line) const;
     /// Makes `line` the first of a block and returns that block's index.
     size_t splitAt(qsizetype line);

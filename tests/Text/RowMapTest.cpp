@@ -66,9 +66,13 @@ TEST_P(RowMapWalk, AgreesWithAPlainList)
             break;
         }
         case 1: {
-            const qsizetype count = std::min<qsizetype>(1 + below(80), lines - line);
-            map.setSingleRows(line, count);
-            std::fill_n(model.rows.begin() + line, count, 1);
+            const qsizetype count = std::min<qsizetype>(1 + below(step % 20 == 0 ? 900 : 80), lines - line);
+            std::vector<quint32> rows(static_cast<size_t>(count), 1);
+            if (below(2) == 0) {
+                std::generate(rows.begin(), rows.end(), [&] { return static_cast<quint32>(below(9) == 0 ? 1 + below(3) : 1); });
+            }
+            map.setMeasured(line, rows);
+            std::copy(rows.begin(), rows.end(), model.rows.begin() + line);
             break;
         }
         default: {
@@ -91,8 +95,8 @@ TEST(RowMap, ManyMeasuredLinesStayFewBlocks)
         map.setRows(line, line % 100 == 0 ? 7 : 1);
     }
     EXPECT_LT(map.blockCount(), 250);
-    map.setSingleRows(0, 400'000);
-    map.setSingleRows(410'000, 590'000);
+    map.setMeasured(0, std::vector<quint32>(400'000, 1));
+    map.setMeasured(410'000, std::vector<quint32>(590'000, 1));
     EXPECT_FALSE(map.gapNear(5).has_value());
     EXPECT_EQ(map.rowCount(), 1'000'000 + 100 * 6);
 }
