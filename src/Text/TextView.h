@@ -246,8 +246,7 @@ private:
     double m_verticalScale = 1;
     RepeatingTimer m_blinking;
     RepeatingTimer m_autoScroll;
-    DelayedTask m_refining;
-    DelayedTask m_widening;
+    DelayedTask m_refining, m_widening;
     DelayedTask m_primarySettles;
     DelayedTask m_barsSettle;
     // Only while a screen reader listens: what a removal took away.
