@@ -139,7 +139,7 @@ TEST_P(PaintWalk, AnOldViewLooksLikeANewOne)
                       .invisibles = seed % 2 == 1 ? TextView::Visibility::shown : TextView::Visibility::hidden,
                       .hasMarks = seed % 3 != 0};
     looks.apply(fixture.view);
-    TextView other(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard});
+    TextView other(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard}, testFont());
     other.setTextFont(testFont());
     other.resize(250, 150);
     other.setWrapMode(TextView::WrapMode::viewWidth);
