@@ -39,6 +39,10 @@ bool needsStandIn(char16_t unit)
 
 bool isWide(char16_t unit)
 {
+    // The first wide character is a Hangul letter; the look-up costs more than all else here.
+    if (unit < 0x1100) {
+        return false;
+    }
     const int width = u_getIntPropertyValue(unit, UCHAR_EAST_ASIAN_WIDTH);
     return width == U_EA_WIDE || width == U_EA_FULLWIDTH;
 }
@@ -141,11 +145,14 @@ CellCount countCells(const Rope &text, TextRange range, int tabWidth)
             return;
         }
         cells.isExact = false;
+        if (QChar::isLowSurrogate(unit)) {
+            return;
+        }
         if (unit < 0x300) {
             ++cells.narrow;
         } else if (QChar::isHighSurrogate(unit) || isWide(unit)) {
             ++cells.wide;
-        } else if (!QChar::isLowSurrogate(unit) && !takesNoCell(unit)) {
+        } else if (!takesNoCell(unit)) {
             ++cells.narrow;
         }
     };

@@ -121,6 +121,10 @@ public:
     /// Calls `visit` with the layouts that show the row between the two x, the row within the layout, and the layout's x.
     void forEachLayout(const RowPosition &row, Span visible, const std::function<void(const SegmentLayout &, int, double)> &visit);
 
+    /// Grows whenever a part of an unwrapped long line turned out to be of another width than estimated, so that what is right of it
+    /// stands elsewhere now, on the screen too.
+    [[nodiscard]] quint64 shifts() const { return m_shifts; }
+
     /// Lays out unmeasured lines near `line` until about `unitBudget` units were looked at. True while there is more to do.
     bool refine(qsizetype line, qsizetype unitBudget);
 
@@ -182,6 +186,7 @@ private:
     SegmentFormats m_formats;
     size_t m_cacheCapacity = 256;
     quint64 m_clock = 0;
+    quint64 m_shifts = 0;
     qsizetype m_segmentLength = 0;
     double m_rowHeight = 0;
     double m_baseline = 0;
