@@ -337,6 +337,7 @@ SegmentLayout &LayoutManager::layoutSegment(LongLine &line, qsizetype lineNumber
     // What was measured changes with styles and with a preedit text; less than a pixel comes from rounding.
     const bool isStillRight = known.isExact && known.rows == found.rowCount() && std::abs(known.width - found.width()) < 1;
     if (!isStillRight) {
+        m_shifts += !wraps() && known.width != found.width() ? 1 : 0;
         line.setMeasure(segment, {found.width(), found.rowCount(), true});
     }
     if (wraps()) {

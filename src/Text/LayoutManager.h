@@ -116,6 +116,10 @@ public:
     /// Calls `visit` with the layouts that show the row between the two x, the row within the layout, and the layout's x.
     void forEachLayout(const RowPosition &row, Span visible, const std::function<void(const SegmentLayout &, int, double)> &visit);
 
+    /// Grows whenever a part of an unwrapped long line turned out to be of another width than estimated, so that what is right of it
+    /// stands elsewhere now, on the screen too.
+    [[nodiscard]] quint64 shifts() const { return m_shifts; }
+
     /// Estimates lines that were never looked at by their widths, from `line` on first, until about `unitBudget` units were counted.
     /// True while there is more to do. Costs about a nanosecond a unit; rows on the screen do not move by it.
     bool refine(qsizetype line, qsizetype unitBudget);
@@ -176,6 +180,7 @@ private:
     SegmentFormats m_formats;
     size_t m_cacheCapacity = 256;
     quint64 m_clock = 0;
+    quint64 m_shifts = 0;
     qsizetype m_segmentLength = 0;
     double m_rowHeight = 0;
     double m_baseline = 0;

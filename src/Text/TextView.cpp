@@ -563,8 +563,9 @@ void TextView::refineSoon()
 }
 
 /// Painting lays out rows that may be wider than all before.
-void TextView::noticeWidth()
+void TextView::noticeWidths()
 {
+    noticeShifts();
     const double width = std::ceil(std::min(m_port.maximumX(), scrollBarLimit));
     if (width > horizontalScrollBar()->maximum() * 1.0005 && !m_widening.isPending()) {
         m_widening = m_services.scheduler.after(0ms, [this] { syncScrollBars(); });
@@ -612,6 +613,14 @@ void TextView::scrollRows(int rows)
     viewport()->update();
 }
 
+/// Some question laid out what is left of the screen, and all that is on it moved.
+void TextView::noticeShifts()
+{
+    if (std::exchange(m_seenShifts, m_layout.shifts()) != m_layout.shifts()) {
+        viewport()->update();
+    }
+}
+
 // Focus and the caret
 
 void TextView::focusInEvent(QFocusEvent *event)
@@ -653,6 +662,7 @@ void TextView::restartBlinking()
 void TextView::updateCaret()
 {
     viewport()->update(caretInViewport().toAlignedRect().adjusted(-1, 0, 1, 0));
+    noticeShifts();
 }
 
 RowPosition TextView::caretRow()

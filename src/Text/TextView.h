@@ -172,12 +172,12 @@ private:
     void syncScrollBars();
     void viewMoved();
     void refineSoon();
-    void noticeWidth();
+    void noticeWidths();
+    void noticeShifts();
     void updateRows(TextRange range);
     void updateCaret();
     [[nodiscard]] QRectF caretInViewport();
     [[nodiscard]] RowPosition caretRow();
-    /// Pixels along that row.
     [[nodiscard]] double caretX(const RowPosition &row);
     void restartBlinking();
     void publishPrimarySelection();
@@ -195,7 +195,6 @@ private:
 
     void commitPreedit();
     void commitText(const QInputMethodEvent &event);
-    /// Composing goes on at the caret.
     void movePreedit();
     void selectAt(const Caret &caret, Granularity granularity);
     void extendSelection(QPointF point);
@@ -227,8 +226,7 @@ private:
     Caret m_caret;
     qsizetype m_anchor = 0;
     // Where the two stand in the text that this view last heard of.
-    LinePlace m_caretPlace;
-    LinePlace m_anchorPlace;
+    LinePlace m_caretPlace, m_anchorPlace;
     // While this view edits: where the two will be, and whether the edit was reported yet. An observer may edit on in between.
     std::optional<TextSelection> m_selectionToCome;
     bool m_awaitsReport = false;
@@ -244,6 +242,7 @@ private:
     QPointF m_wheelRest;
     int m_zoomRest = 0;
     double m_verticalScale = 1;
+    quint64 m_seenShifts = 0;
     RepeatingTimer m_blinking;
     RepeatingTimer m_autoScroll;
     DelayedTask m_refining, m_widening;

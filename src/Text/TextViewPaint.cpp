@@ -41,7 +41,7 @@ void TextView::paintEvent(QPaintEvent *event)
         paintRow(painter, row, visible);
     }
     paintCaret(painter);
-    noticeWidth();
+    noticeWidths();
 }
 
 void TextView::paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
