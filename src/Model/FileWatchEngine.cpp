@@ -56,11 +56,6 @@ void FileWatchMailbox::close()
     m_engine = nullptr;
 }
 
-FileWatchEngine::Notifier::~Notifier()
-{
-    calls.close(file);
-}
-
 FileWatchEngine::FileWatchEngine(QObject &receiver, Scheduler *scheduler, WatchCalls &calls, Workers &workers)
     : m_receiver(receiver), m_scheduler(scheduler), m_calls(calls), m_workers(workers), m_mailbox(std::make_shared<FileWatchMailbox>(*this))
 {}
@@ -103,12 +98,10 @@ void FileWatchEngine::endOwnWrite(const std::shared_ptr<FileWatchLink> &link, qu
     }
     Record &record = found->second;
     record.endedWrite = write;
-    record.isGraceOver = false;
-    record.isCaptured = false;
     want(record, Purpose::capture);
-    record.grace = m_scheduler->after(graceAfterOwnWrite, [this, &record] {
-        record.isGraceOver = true;
-        settle(record);
+    record.grace = m_scheduler->after(graceAfterOwnWrite, [this, &record, write] {
+        record.link->settledWrites = write;
+        want(record, Purpose::report);
     });
 }
 
@@ -154,9 +147,6 @@ void FileWatchEngine::handle(const inotify_event &event)
         isKnown = isKnown || std::ranges::any_of(record.watches, isOfEvent);
         const bool isConcerned =
             isOverflow || std::ranges::any_of(record.watches, [&](const auto &watch) { return concerns(watch, event); });
-        if ((event.mask & IN_IGNORED) != 0) {
-            std::erase_if(record.watches, isOfEvent);
-        }
         if (isConcerned && (event.mask & contentEvents) != 0) {
             noteChange(record);
         } else if (isConcerned) {
@@ -210,7 +200,7 @@ void FileWatchEngine::startLook(Record &record)
     const quint64 number = ++m_lastLook;
     record.look = number;
     Look &look = m_looks[number];
-    look.key = record.link.get();
+    look.link = record.link;
     look.purpose = std::exchange(record.wanted, Purpose::none);
     look.endedWrite = record.endedWrite;
     look.slow = m_scheduler->after(slowLook, [this, &look] {
@@ -234,29 +224,18 @@ void FileWatchEngine::uncountLook()
 void FileWatchEngine::endLook(quint64 number, WatchedPath found)
 {
     const auto node = m_looks.extract(number);
-    Look &look = node.mapped();
-    const auto at = m_records.find(look.key);
-    // A record may have been removed, and another made in its place.
-    if (at == m_records.end() || at->second.look != number) {
+    const Look &look = node.mapped();
+    if (const auto at = m_records.find(look.link.get()); at == m_records.end()) {
         release(found.watches);
     } else {
         Record &record = at->second;
-        record.look = 0;
         adopt(record, std::move(found.watches));
-        // Whatever was seen before or during an own write says nothing about others.
-        if (look.endedWrite == record.link->begunWrites) {
-            if (look.purpose == Purpose::capture) {
-                capture(record, found);
-            } else {
-                compare(record, look.purpose, found);
-            }
-        }
-        record.poll.cancel();
-        if (found.needsPolling) {
-            record.poll = m_scheduler->after(pollInterval, [this, &record] { want(record, Purpose::poll); });
-        }
+        judge(record, look, found);
+        record.poll =
+            found.needsPolling ? m_scheduler->after(pollInterval, [this, &record] { want(record, Purpose::poll); }) : DelayedTask();
+        record.look = 0;
         if (record.wanted != Purpose::none) {
-            m_waiting.push_back(look.key);
+            m_waiting.push_back(look.link.get());
         }
     }
     if (m_looks.empty()) {
@@ -295,21 +274,20 @@ void FileWatchEngine::release(const std::vector<PathWatch> &watches)
 
 // What was found
 
-void FileWatchEngine::capture(Record &record, const WatchedPath &found)
+void FileWatchEngine::judge(Record &record, const Look &look, const WatchedPath &found)
 {
-    record.known = found.stamp;
-    record.isKnownMissing = found.isMissing;
-    record.isCaptured = true;
-    settle(record);
-}
-
-void FileWatchEngine::compare(Record &record, Purpose purpose, const WatchedPath &found)
-{
-    if (purpose == Purpose::arm || record.link->isSuspended()) {
+    if (look.purpose == Purpose::capture) {
+        record.known = found.stamp;
+        record.isKnownMissing = found.isMissing;
+        return;
+    }
+    // What was seen before an own write ended says nothing about others.
+    const bool isOwnDoing = record.link->isSuspended() || look.endedWrite != record.endedWrite;
+    if (look.purpose == Purpose::arm || isOwnDoing) {
         return;
     }
     if (found.isMissing) {
-        if (purpose == Purpose::report || !record.isKnownMissing) {
+        if (look.purpose == Purpose::report || !record.isKnownMissing) {
             record.isKnownMissing = true;
             report(record, FileWatcher::Event::deleted);
         }
@@ -319,14 +297,6 @@ void FileWatchEngine::compare(Record &record, Purpose purpose, const WatchedPath
     if (found.stamp != record.known) {
         record.known = found.stamp;
         report(record, FileWatcher::Event::contentChanged);
-    }
-}
-
-void FileWatchEngine::settle(Record &record)
-{
-    if (record.isGraceOver && record.isCaptured && record.endedWrite == record.link->begunWrites && record.link->isSuspended()) {
-        record.link->settledWrites = record.endedWrite;
-        want(record, Purpose::report);
     }
 }
 

@@ -67,8 +67,12 @@ private:
     /// Open as long as a look uses it.
     struct Notifier {
         WatchCalls &calls;
-        int file = -1;
-        ~Notifier();
+        const int file;
+
+        Notifier(WatchCalls &system, int descriptor) : calls(system), file(descriptor) {}
+        Notifier(const Notifier &) = delete;
+        Notifier &operator=(const Notifier &) = delete;
+        ~Notifier() { calls.close(file); }
     };
 
     struct Record {
@@ -82,15 +86,13 @@ private:
         /// 0 for none.
         quint64 look = 0;
         quint64 endedWrite = 0;
-        bool isGraceOver = true;
-        bool isCaptured = false;
         DelayedTask debounce;
         DelayedTask grace;
         DelayedTask poll;
     };
 
     struct Look {
-        FileWatchLink *key = nullptr;
+        std::shared_ptr<FileWatchLink> link;
         Purpose purpose = Purpose::none;
         quint64 endedWrite = 0;
         bool isSlow = false;
@@ -113,9 +115,7 @@ private:
     void adopt(Record &record, std::vector<PathWatch> watches);
     void release(const std::vector<PathWatch> &watches);
 
-    void capture(Record &record, const WatchedPath &found);
-    void compare(Record &record, Purpose purpose, const WatchedPath &found);
-    void settle(Record &record);
+    void judge(Record &record, const Look &look, const WatchedPath &found);
     void report(const Record &record, FileWatcher::Event event);
 
     QObject &m_receiver;

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Model/WatchedPath.h"
 
+#include <QList>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
