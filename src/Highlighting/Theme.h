@@ -3,15 +3,13 @@
 #pragma once
 
 #include "Highlighting/Scope.h"
+#include "Platform/Appearance.h"
 #include "Text/StyleTable.h"
 
 #include <array>
 #include <initializer_list>
 #include <optional>
 #include <span>
-
-/// Whether the desktop wants light or dark programs.
-enum class Appearance { light, dark };
 
 /// `color` moved towards `other`, by 0 (stays as it is) to 1 (becomes the other), each channel on its own.
 [[nodiscard]] quint32 blended(quint32 color, quint32 other, double fraction);
