@@ -35,13 +35,12 @@ constexpr bool isSeparator(char16_t unit)
     return unit == 0x2028 || unit == 0x2029;
 }
 
-/// The lines that `range` is in, with their ends; U+2028 and U+2029 end lines too, which the rope does not count. `range` must lie in the
-/// text; an empty one is in the line of the unit behind it.
+/// From the start of the line that holds the start of `range` to the end, its break included, of the line that holds its end: when a line
+/// is broken in two, both are in it. U+2028 and U+2029 end lines too, which the rope does not count. `range` must lie in the text.
 TextRange lineRange(const Rope &text, TextRange range)
 {
-    const qsizetype last = range.isEmpty() ? range.location : range.end() - 1;
     qsizetype from = text.lineStart(text.lineAt(range.location));
-    const qsizetype lastLine = text.lineAt(last);
+    const qsizetype lastLine = text.lineAt(range.end());
     qsizetype to = lastLine + 1 < text.lineCount() ? text.lineStart(lastLine + 1) : text.length();
     // Separators never stand in a leaf of one byte a unit.
     text.forEachChunk(TextRange::between(from, range.location), [&](const Rope::Chunk &chunk) {
@@ -52,7 +51,7 @@ TextRange lineRange(const Rope &text, TextRange range)
         }
         return true;
     });
-    text.forEachChunk(TextRange::between(last, to), [&](const Rope::Chunk &chunk) {
+    text.forEachChunk(TextRange::between(range.end(), to), [&](const Rope::Chunk &chunk) {
         for (qsizetype index = chunk.wide ? 0 : chunk.length; index < chunk.length; ++index) {
             if (isSeparator(chunk.wide[index])) {
                 to = chunk.location + index + 1;
@@ -280,7 +279,7 @@ TextRange SyntaxHighlighter::highlight(TextRange range, std::vector<TextRange> &
     }
     range = range.clampedTo(text.length());
     if (range.isEmpty()) {
-        range = {std::min(text.length() - 1, range.location), 1};
+        range = {std::min(text.length() - 1, range.location), 0};
     }
     range = lineRange(text, range);
     cloneRules();
@@ -407,9 +406,11 @@ void SyntaxHighlighter::markFresh(TextRange range)
     qsizetype first = range.location / chunkSize;
     qsizetype last = (range.end() - 1) / chunkSize;
     // Every chunk inside one line has the same pass, over the line as a whole: it need not be done again for the others.
-    if (const TextRange line = lineRange(m_storage.text(), {range.location, 0}); line.length > chunkSize && contains(line, range)) {
+    const TextRange line = lineRange(m_storage.text(), {range.location, 0});
+    const bool isLastLine = line.end() == m_storage.length();
+    if (range.end() < line.end() || isLastLine) {
         first = std::min(first, (line.location + chunkSize - 1) / chunkSize);
-        last = std::max(last, (line.end() == m_storage.length() ? line.end() - 1 : line.end() - chunkSize) / chunkSize);
+        last = std::max(last, (line.end() - 1) / chunkSize - (isLastLine ? 0 : 1));
     }
     if (m_freshChunks.size() <= size_t(last)) {
         m_freshChunks.resize(size_t(last) + 1);
