@@ -49,6 +49,7 @@ struct CommandRow {
 /// The rows of each subject; `main.cpp` lists the subjects.
 [[nodiscard]] std::span<const CommandRow> fileCommands();
 [[nodiscard]] std::span<const CommandRow> highlightCommands();
+[[nodiscard]] std::span<const CommandRow> languageCommands();
 [[nodiscard]] std::span<const CommandRow> preferencesCommands();
 
 /// The arguments by the row, or none when they do not fit it.

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-// Rules that several languages have. clang-format off keeps one rule on one line.
+// Rules that several languages have.
 
 // clang-format off
 inline constexpr RuleRow cBlockComment =      {Scope::comment,  RuleTraits::none,   uR"(/\*(?:[^*]|\*(?!/))*\*/)"};

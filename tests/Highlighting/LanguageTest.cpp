@@ -1,0 +1,275 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Highlighting/LanguageRegistry.h"
+#include "Highlighting/Languages/LanguageRow.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSet>
+
+#include <gtest/gtest.h>
+
+#include <latch>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Detection {
+    QString path;
+    QString firstLine;
+    QString expected;
+};
+
+struct HardText {
+    QString language;
+    enum Kind { span, token } kind;
+    size_t rule;
+    QString text;
+};
+
+} // namespace
+
+TEST(LanguageRegistry, DetectsByExtensionThenNameThenFirstLine)
+{
+    const Detection cases[] = {
+        // Extensions, whatever the case, and only the last.
+        {u"/home/a/Parser.SWIFT"_s, {}, u"swift"_s},
+        {u"a.c++"_s, {}, u"c"_s},
+        {u"app.dockerfile"_s, {}, u"dockerfile"_s},
+        {u"/x.swift/main.go"_s, {}, u"go"_s},
+        {u"archive.py.json"_s, {}, u"json"_s},
+        {u"x.command"_s, {}, u"shell"_s},
+        {u"x.profile"_s, {}, u"shell"_s},
+        {u"index.vue"_s, {}, u"html"_s},
+        {u"Info.plist"_s, {}, u"html"_s},
+        {u"Main.storyboard"_s, {}, u"html"_s},
+        {u"docker-compose.yml"_s, {}, u"yaml"_s},
+        {u".gitlab-ci.yml"_s, {}, u"yaml"_s},
+        {u"pyproject.toml"_s, {}, u"toml"_s},
+        {u"/a/b.rs/"_s, {}, u"rust"_s},
+        // An extension goes before a first line.
+        {u"setup.py"_s, u"#!/bin/sh"_s, u"python"_s},
+        // Names that are known as a whole.
+        {u"Dockerfile"_s, {}, u"dockerfile"_s},
+        {u"/srv/dockerfile"_s, {}, u"dockerfile"_s},
+        {u"Containerfile"_s, {}, u"dockerfile"_s},
+        {u"GNUmakefile"_s, {}, u"makefile"_s},
+        {u"makefile.am"_s, {}, u"makefile"_s},
+        {u"CMakeLists.txt"_s, {}, u"cmake"_s},
+        {u"go.mod"_s, {}, u"go"_s},
+        {u"hosts"_s, {}, u"ini"_s},
+        {u"gitconfig"_s, {}, u"ini"_s},
+        {u".gitconfig"_s, {}, u"ini"_s},
+        {u".profile"_s, {}, u"shell"_s},
+        {u"~/.bashrc"_s, {}, u"shell"_s},
+        {u"poetry.lock"_s, {}, u"toml"_s},
+        {u"Cargo.lock"_s, {}, u"toml"_s},
+        {u"LICENSE"_s, {}, u"markdown"_s},
+        {u"ReadMe"_s, {}, u"markdown"_s},
+        {u"CHANGELOG"_s, {}, u"markdown"_s},
+        {u"Makefile"_s, u"#!/usr/bin/env python"_s, u"makefile"_s},
+        // What is known neither way.
+        {u"LICENSE.txt"_s, {}, u"text"_s},
+        {u"package.lock"_s, {}, u"text"_s},
+        {u".swift"_s, {}, u"text"_s},
+        {u"swift"_s, {}, u"text"_s},
+        {u"a.swift."_s, {}, u"text"_s},
+        {u"a.b/c"_s, {}, u"text"_s},
+        {u"/"_s, {}, u"text"_s},
+        {{}, {}, u"text"_s},
+        // First lines.
+        {u"build"_s, u"#!/bin/sh"_s, u"shell"_s},
+        {u"tool.unknown"_s, u"#!/usr/bin/env node"_s, u"javascript"_s},
+        {u"tool.unknown"_s, u"// no mark"_s, u"text"_s},
+        {{}, u"#!/usr/bin/env deno run"_s, u"javascript"_s},
+        {{}, u"#!/usr/bin/env python3.12"_s, u"python"_s},
+        {{}, u"#!/usr/bin/ruby -w"_s, u"ruby"_s},
+        {{}, u"#!/usr/bin/env lua"_s, u"lua"_s},
+        {{}, u"#!/bin/zsh"_s, u"shell"_s},
+        {{}, u"#!/usr/bin/env fish"_s, u"shell"_s},
+        {{}, u"#! /bin/sh"_s, u"shell"_s},
+        {{}, u" #!/bin/sh"_s, u"text"_s},
+        {{}, u"#!/bin/SH"_s, u"text"_s},
+        {{}, u"#!/usr/bin/perl"_s, u"text"_s},
+        {{}, u"#!/usr/bin/nodejs"_s, u"text"_s},
+        // The order decides which of two it is.
+        {{}, u"#!/bin/sh -c 'exec python node'"_s, u"javascript"_s},
+        {{}, u"#!/bin/sh -c 'exec lua ruby'"_s, u"ruby"_s},
+    };
+    for (const Detection &c : cases) {
+        EXPECT_EQ(LanguageRegistry::detect(c.path, c.firstLine).id().toStdString(), c.expected.toStdString())
+            << "path \"" << c.path.toStdString() << "\", first line \"" << c.firstLine.toStdString() << '"';
+    }
+}
+
+TEST(LanguageRegistry, IsOneListWithoutContradictions)
+{
+    const auto &all = LanguageRegistry::all();
+    ASSERT_EQ(all.size(), 27u);
+    EXPECT_EQ(all.front().id(), u"swift"_s);
+    EXPECT_EQ(all.back().id(), u"text"_s);
+    QSet<QString> ids;
+    QSet<QString> extensions;
+    QSet<QString> filenames;
+    for (const Language &language : all) {
+        const auto claim = [&](QSet<QString> &claimed, const QString &entry) {
+            EXPECT_EQ(entry, entry.toLower());
+            EXPECT_FALSE(claimed.contains(entry)) << entry.toStdString() << " once more in " << language.id().toStdString();
+            claimed.insert(entry);
+        };
+        claim(ids, language.id());
+        std::ranges::for_each(language.extensions(), [&](const QString &entry) { claim(extensions, entry); });
+        std::ranges::for_each(language.filenames(), [&](const QString &entry) { claim(filenames, entry); });
+        EXPECT_EQ(LanguageRegistry::withID(language.id()), language);
+        EXPECT_EQ(language.bracketPairs().size(), 3u);
+        EXPECT_EQ(language.defaultIndentWidth().has_value(), language.defaultInsertSpaces().has_value());
+    }
+    EXPECT_FALSE(LanguageRegistry::withID(u"Swift"));
+    EXPECT_FALSE(LanguageRegistry::withID(u""));
+}
+
+TEST(LanguageRegistry, KeepsWhatIsOddOnPurpose)
+{
+    const auto language = [](QStringView id) { return LanguageRegistry::withID(id).value(); };
+    EXPECT_EQ(language(u"lua").lineComment(), u"--");
+    EXPECT_FALSE(language(u"lua").blockComment());
+    EXPECT_EQ(language(u"json").lineComment(), u"//");
+    EXPECT_FALSE(language(u"html").lineComment());
+    EXPECT_EQ(language(u"html").blockComment(), (DelimiterPair{u"<!--", u"-->"}));
+    for (const Language &each : LanguageRegistry::all()) {
+        const bool hasTabs = each.id() == u"go" || each.id() == u"makefile";
+        const bool isTheUsers = each.id() == u"diff" || each.id() == u"text";
+        EXPECT_EQ(each.defaultInsertSpaces(), isTheUsers ? std::nullopt : std::optional(!hasTabs)) << each.id().toStdString();
+    }
+    EXPECT_EQ(Language(), Language::plainText());
+    EXPECT_TRUE(Language().rules().empty() && Language().spans().empty() && !Language().lineComment());
+}
+
+TEST(Language, LosesNoneOfTheBuiltInRules)
+{
+    for (const LanguageRow &row : builtInLanguages()) {
+        if (!row.rules) {
+            continue;
+        }
+        const Language language(row);
+        EXPECT_EQ(language.spans().size(), row.rules->spans.size()) << language.id().toStdString();
+        EXPECT_EQ(language.rules().size(), row.rules->tokens.size()) << language.id().toStdString();
+        for (const TokenRule &rule : language.rules()) {
+            EXPECT_LE(rule.group, rule.regex.groupCount()) << language.id().toStdString();
+        }
+    }
+}
+
+// The files are what the highlighter is tried on: a rule that finds nothing in its language's file is tried by nobody.
+TEST(Language, FindsEveryRuleInItsSampleFile)
+{
+    for (const Language &language : LanguageRegistry::all()) {
+        const QDir folder(QStringLiteral(QUILLET_TEST_DATA "/highlight/") + language.id());
+        const QStringList names = folder.entryList(QDir::Files | QDir::Hidden);
+        QString text;
+        for (const QString &name : names) {
+            QFile file(folder.filePath(name));
+            ASSERT_TRUE(file.open(QFile::ReadOnly)) << file.fileName().toStdString();
+            text += QString::fromUtf8(file.readAll());
+            EXPECT_EQ(LanguageRegistry::detect(file.fileName(), {}), language) << file.fileName().toStdString();
+        }
+        ASSERT_FALSE(text.isEmpty()) << language.id().toStdString();
+        const auto expectFound = [&](const RegularExpression &rule, const char *kind, size_t place) {
+            EXPECT_TRUE(rule.clone().firstMatch(text)) << language.id().toStdString() << ", " << kind << ' ' << place + 1;
+        };
+        for (size_t place = 0; place < language.spans().size(); ++place) {
+            expectFound(language.spans()[place].regex, "span", place);
+        }
+        for (size_t place = 0; place < language.rules().size(); ++place) {
+            expectFound(language.rules()[place].regex, "rule", place);
+        }
+    }
+}
+
+TEST(Language, DropsRulesThatDoNotCompileAndKeepsTheOthersInOrder)
+{
+    using enum RuleTraits;
+    static constexpr auto spans = std::to_array<RuleRow>({{Scope::comment, none, u"(?<=a*)b"}, {Scope::string, none, u"<.*>"}});
+    static constexpr auto tokens = std::to_array<RuleRow>({{Scope::keyword, words, u"if|else", u"unless"},
+                                                           {Scope::type, none, u"(["},
+                                                           {Scope::number, lines | group1, u"^(\\d)"},
+                                                           {Scope::link, none, u"^a"}});
+    static constexpr LanguageRules rules = {spans, tokens};
+    static constexpr LanguageRow row = {.id = u"x", .name = u"X", .rules = &rules};
+    const Language language(row);
+
+    ASSERT_EQ(language.spans().size(), 1u);
+    EXPECT_EQ(language.spans()[0].scope, Scope::string);
+    EXPECT_TRUE(language.spans()[0].regex.clone().firstMatch(u"<\n>"));
+    ASSERT_EQ(language.rules().size(), 3u);
+    const auto find = [&](size_t rule, QStringView text) {
+        const auto match = language.rules()[rule].regex.clone().firstMatch(text);
+        return match ? match->group(language.rules()[rule].group) : std::nullopt;
+    };
+    EXPECT_EQ(find(0, u"elsewhere unless"), (TextRange{10, 6}));
+    EXPECT_EQ(find(1, u"a\n1"), (TextRange{2, 1}));
+    EXPECT_EQ(find(2, u"b\na"), std::nullopt);
+
+    static constexpr auto broken = std::to_array<RuleRow>({{Scope::type, none, u"("}});
+    static constexpr LanguageRules brokenRules = {broken, broken};
+    static constexpr LanguageRow brokenRow = {.id = u"y", .name = u"Y", .rules = &brokenRules};
+    EXPECT_TRUE(Language(brokenRow).spans().empty() && Language(brokenRow).rules().empty());
+}
+
+TEST(Language, CompilesOnceForAllThreads)
+{
+    const Language language(*std::ranges::find(builtInLanguages(), QStringView(u"ruby"), &LanguageRow::id));
+    std::latch start(4);
+    std::vector<const TokenRule *> seen(4);
+    {
+        std::vector<std::jthread> threads;
+        threads.reserve(seen.size());
+        for (const TokenRule *&place : seen) {
+            threads.emplace_back([&, copy = language] {
+                start.arrive_and_wait();
+                RegularExpression regex = copy.rules()[0].regex.clone();
+                place = regex.firstMatch(u"x # y") && copy.matchesShebang(u"#!ruby") ? copy.rules().data() : nullptr;
+            });
+        }
+    }
+    EXPECT_EQ(seen, std::vector(4, language.rules().data()));
+}
+
+// A search that would go on for minutes ends as "nothing more", and is counted.
+TEST(Language, GivesUpOnHardTexts)
+{
+    const auto repeated = [](QStringView piece) { return piece.toString().repeated(1'000'000 / piece.size()); };
+    const HardText texts[] = {
+        // Every opening looks for its end in all of the rest.
+        {u"ruby"_s, HardText::span, 1, repeated(u"<<A\n")},
+        {u"lua"_s, HardText::span, 0, repeated(u"--[[")},
+        {u"html"_s, HardText::span, 0, repeated(u"<!--")},
+        // Every unit is a place to come back to.
+        {u"c"_s, HardText::span, 0, u"/*"_s + repeated(u"* ")},
+        {u"java"_s, HardText::token, 1, u'"' + repeated(u"x")},
+        // Several repeats share the blanks out among themselves in every possible way.
+        {u"yaml"_s, HardText::token, 1, repeated(u" ")},
+        {u"ini"_s, HardText::token, 2, repeated(u" ")},
+    };
+    for (const HardText &hard : texts) {
+        const Language language = LanguageRegistry::withID(hard.language).value();
+        RegularExpression regex =
+            hard.kind == HardText::span ? language.spans()[hard.rule].regex.clone() : language.rules()[hard.rule].regex.clone();
+        EXPECT_FALSE(regex.firstMatch(hard.text)) << hard.language.toStdString();
+        EXPECT_EQ(regex.limitHits(), 1) << hard.language.toStdString() << ": this text is not hard";
+    }
+}
+
+TEST(Language, MatchesLongCommentsAndStrings)
+{
+    const QString inside = u"a * b; "_s.repeated(36'000);
+    const auto matched = [](const RegularExpression &rule, const QString &text) {
+        const auto match = rule.clone().firstMatch(text);
+        return match ? match->range().length : 0;
+    };
+    const Language c = LanguageRegistry::withID(u"c").value();
+    EXPECT_EQ(matched(c.spans()[0].regex, u"/*"_s + inside + u"*/ x"_s), inside.size() + 4);
+    EXPECT_EQ(matched(c.rules()[2].regex, u'"' + inside + u"\" x"_s), inside.size() + 2);
+}
