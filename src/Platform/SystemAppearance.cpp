@@ -96,6 +96,8 @@ private:
         if (!bus.isConnected()) {
             return;
         }
+        // Without it the library does not know the slot's parameter and connects nothing.
+        qRegisterMetaType<QDBusVariant>();
         // From whoever sends it: to know the sender the library would ask the bus for it and wait.
         bus.connect(QString(), portalPath, settingsInterface, u"SettingChanged"_s, this,
                     SLOT(settingChanged(QString, QString, QDBusVariant)));
