@@ -119,10 +119,10 @@ void keystroke(benchmark::State &state, const Language &language)
     addQuantiles(state, times);
 }
 
-/// A letter typed in a text of 5 M units: the letter, and the pass after the pause.
-void largeText(benchmark::State &state, const Language &language)
+/// A letter typed in a long text: the letter, and the pass after the pause.
+void typeInLargeText(benchmark::State &state, const Language &language, const QString &text)
 {
-    Document document(language, textOf(language, 5'000'000));
+    Document document(language, text);
     std::minstd_rand random(1);
     std::vector<double> times;
     double edits = 0;
@@ -138,6 +138,17 @@ void largeText(benchmark::State &state, const Language &language)
     }
     state.counters["edit_us"] = edits / double(times.size());
     addQuantiles(state, times);
+}
+
+void largeText(benchmark::State &state, const Language &language)
+{
+    typeInLargeText(state, language, textOf(language, 5'000'000));
+}
+
+/// 1 M units in one line, which every pass has to do as a whole.
+void longLine(benchmark::State &state, const Language &language)
+{
+    typeInLargeText(state, language, textOf(language, 1'000'000).replace(u'\n', u' '));
 }
 
 /// All of a text of 1 M units, and what its runs take.
@@ -207,6 +218,7 @@ int main(int argc, char **argv)
         add("firstColours", language, firstColours, 30);
         add("keystroke", language, keystroke, 100);
         add("largeText", language, largeText, 20);
+        add("longLine", language, longLine, 2);
         add("wholeText", language, wholeText, 2);
         add("rules", language, rules, 3);
     }
