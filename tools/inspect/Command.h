@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Model/TextFile.h"
+
 #include <QHash>
 #include <QJsonObject>
 #include <QString>
@@ -46,12 +48,16 @@ struct CommandRow {
 
 /// The rows of each subject; `main.cpp` lists the subjects.
 [[nodiscard]] std::span<const CommandRow> fileCommands();
-[[nodiscard]] std::span<const CommandRow> preferencesCommands();
+[[nodiscard]] std::span<const CommandRow> highlightCommands();
 [[nodiscard]] std::span<const CommandRow> languageCommands();
+[[nodiscard]] std::span<const CommandRow> preferencesCommands();
 
 /// The arguments by the row, or none when they do not fit it.
 [[nodiscard]] std::optional<Arguments> parseArguments(const CommandRow &command, const QStringList &given);
 [[nodiscard]] QString usageLine(const CommandRow &command);
+
+/// The answer when a file could not be opened as text.
+[[nodiscard]] QJsonObject answerOf(const TextFile::ReadError &error);
 
 /// A whole number, decimal or with 0x in front, that fits into 32 bits.
 [[nodiscard]] bool isNumber(const QString &value);

@@ -3,7 +3,6 @@
 #include "Command.h"
 
 #include "Model/LineIndex.h"
-#include "Model/TextFile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -56,14 +55,6 @@ QString nameOf(TextFile::ReadError::Kind kind)
         return u"binary"_s;
     }
     Q_UNREACHABLE();
-}
-
-QJsonObject answerOf(const TextFile::ReadError &error)
-{
-    const auto suggestion = error.recoverySuggestion();
-    return {{u"error"_s, nameOf(error.kind)},
-            {u"description"_s, error.description()},
-            {u"recoverySuggestion"_s, suggestion ? QJsonValue(*suggestion) : QJsonValue()}};
 }
 
 QJsonArray lineStartsOf(const Rope &text)
@@ -159,6 +150,14 @@ constexpr auto rows = std::to_array<CommandRow>({
 });
 
 } // namespace
+
+QJsonObject answerOf(const TextFile::ReadError &error)
+{
+    const auto suggestion = error.recoverySuggestion();
+    return {{u"error"_s, nameOf(error.kind)},
+            {u"description"_s, error.description()},
+            {u"recoverySuggestion"_s, suggestion ? QJsonValue(*suggestion) : QJsonValue()}};
+}
 
 std::span<const CommandRow> fileCommands()
 {

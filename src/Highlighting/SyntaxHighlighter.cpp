@@ -1,0 +1,452 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Highlighting/SyntaxHighlighter.h"
+
+#include <QScopedValueRollback>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace {
+
+/// Spans are looked for so many units before the lines at work, and in a window longer than these by twice as many: where the text's
+/// start cuts the window short, it reaches further down instead.
+constexpr qsizetype spanMargin = 0x20000;
+
+TextRange intersection(TextRange a, TextRange b)
+{
+    const qsizetype from = std::max(a.location, b.location);
+    return TextRange::between(from, std::max(from, std::min(a.end(), b.end())));
+}
+
+TextRange hull(TextRange a, TextRange b)
+{
+    return TextRange::between(std::min(a.location, b.location), std::max(a.end(), b.end()));
+}
+
+bool contains(TextRange outer, TextRange inner)
+{
+    return outer.location <= inner.location && inner.end() <= outer.end();
+}
+
+constexpr bool isSeparator(char16_t unit)
+{
+    return unit == 0x2028 || unit == 0x2029;
+}
+
+/// From the start of the line that holds the start of `range` to the end, its break included, of the line that holds its end: when a line
+/// is broken in two, both are in it. U+2028 and U+2029 end lines too, which the rope does not count. `range` must lie in the text.
+TextRange lineRange(const Rope &text, TextRange range)
+{
+    qsizetype from = text.lineStart(text.lineAt(range.location));
+    const qsizetype lastLine = text.lineAt(range.end());
+    qsizetype to = lastLine + 1 < text.lineCount() ? text.lineStart(lastLine + 1) : text.length();
+    // Separators never stand in a leaf of one byte a unit.
+    text.forEachChunk(TextRange::between(from, range.location), [&](const Rope::Chunk &chunk) {
+        for (qsizetype index = chunk.wide ? 0 : chunk.length; index < chunk.length; ++index) {
+            if (isSeparator(chunk.wide[index])) {
+                from = chunk.location + index + 1;
+            }
+        }
+        return true;
+    });
+    text.forEachChunk(TextRange::between(range.end(), to), [&](const Rope::Chunk &chunk) {
+        for (qsizetype index = chunk.wide ? 0 : chunk.length; index < chunk.length; ++index) {
+            if (isSeparator(chunk.wide[index])) {
+                to = chunk.location + index + 1;
+                return false;
+            }
+        }
+        return true;
+    });
+    return TextRange::between(from, to);
+}
+
+bool isSwitchedOff(const RegularExpression &regex)
+{
+    return regex.limitHits() >= SyntaxHighlighter::mostGivenUp;
+}
+
+} // namespace
+
+/// A part of the text in one piece, which is what expressions search quickest. Positions are still those of the text.
+class SyntaxHighlighter::Excerpt {
+public:
+    void load(const Rope &text, TextRange range)
+    {
+        if (m_units && contains(m_range, range)) {
+            return;
+        }
+        m_units = std::make_unique_for_overwrite<char16_t[]>(size_t(range.length));
+        m_range = range;
+        text.copy(range, m_units.get());
+    }
+
+    /// Calls `visit(group)` for the capture group `group` of every match in `range`, which must be loaded; nothing outside it is seen.
+    template<typename Visitor>
+    void forEachMatch(RegularExpression &regex, TextRange range, int group, Visitor &&visit) const
+    {
+        const TextRange searched{range.location - m_range.location, range.length};
+        regex.forEachMatch(QStringView(m_units.get(), m_range.length), searched, [&](const RegularExpression &match) {
+            if (const auto found = match.group(group); found && !found->isEmpty()) {
+                visit(TextRange{found->location + m_range.location, found->length});
+            }
+            return true;
+        });
+    }
+
+private:
+    std::unique_ptr<char16_t[]> m_units;
+    TextRange m_range;
+};
+
+/// The colours of one pass, a byte for each unit: at once the map of what is taken, which is asked for every match and mostly for a few
+/// units, and the result.
+class SyntaxHighlighter::Paint {
+public:
+    explicit Paint(TextRange range) : m_range(range), m_claims(size_t(range.length), unclaimed) {}
+
+    [[nodiscard]] TextRange range() const { return m_range; }
+
+    /// Both of these want a part of `range()`.
+    [[nodiscard]] bool isFree(TextRange range) const
+    {
+        const auto from = m_claims.begin() + (range.location - m_range.location);
+        return std::all_of(from, from + range.length, [](quint8 claim) { return claim == unclaimed; });
+    }
+    void claim(TextRange range, Scope scope)
+    {
+        std::fill_n(m_claims.begin() + (range.location - m_range.location), range.length, quint8(size_t(scope) + 1));
+    }
+
+    [[nodiscard]] std::vector<StyleRun> runs(const std::vector<StyleId> &styles) const
+    {
+        std::vector<StyleRun> runs;
+        for (auto from = m_claims.begin(); from != m_claims.end();) {
+            const auto to = std::find_if(from, m_claims.end(), [claim = *from](quint8 other) { return other != claim; });
+            runs.push_back({to - from, *from == unclaimed ? plainStyle : styles[*from - 1]});
+            from = to;
+        }
+        return runs;
+    }
+
+private:
+    static constexpr quint8 unclaimed = 0;
+
+    TextRange m_range;
+    std::vector<quint8> m_claims; ///< else the scope's number plus one
+};
+
+SyntaxHighlighter::SyntaxHighlighter(TextStorage &storage, const Language &language, const Theme &theme, Scheduler &scheduler,
+                                     NotificationCenter &notifications)
+    : m_storage(storage), m_scheduler(scheduler), m_notifications(notifications), m_language(language), m_theme(theme)
+{
+    rebuildAttributeCache();
+    m_edits = QObject::connect(
+        &storage, &TextStorage::didProcessEditing, &storage,
+        [this](TextStorage::EditMask mask, TextRange range, qsizetype changeInLength) { noteEdit(mask, range, changeInLength); });
+}
+
+SyntaxHighlighter::~SyntaxHighlighter()
+{
+    QObject::disconnect(m_edits);
+}
+
+void SyntaxHighlighter::setLanguage(const Language &language)
+{
+    if (language == m_language) {
+        return;
+    }
+    m_language = language;
+    rehighlightAll();
+}
+
+void SyntaxHighlighter::setTheme(const Theme &theme)
+{
+    if (theme == m_theme) {
+        return;
+    }
+    m_theme = theme;
+    rebuildAttributeCache();
+    rehighlightAll();
+}
+
+void SyntaxHighlighter::rebuildAttributeCache()
+{
+    m_styles.clear();
+    for (const ScopeRow &row : scopes) {
+        m_styles.push_back(m_storage.styles().intern(m_theme.attributes(row.scope)));
+    }
+}
+
+/// Searching changes an expression, and the clones count for this text alone how often they were too slow.
+void SyntaxHighlighter::cloneRules()
+{
+    if (std::exchange(m_hasRules, true)) {
+        return;
+    }
+    for (const SpanRule &rule : m_language.spans()) {
+        m_spanRules.push_back({rule.scope, rule.regex.clone()});
+    }
+    for (const TokenRule &rule : m_language.rules()) {
+        m_tokenRules.push_back({rule.scope, rule.regex.clone(), rule.group});
+    }
+}
+
+void SyntaxHighlighter::rehighlightAll()
+{
+    m_pendingWork.cancel();
+    m_spansAreStale = true;
+    m_spanWindow = {};
+    m_spans.clear();
+    m_editSinceSpans.reset();
+    m_freshChunks.clear();
+    m_spanRules.clear();
+    m_tokenRules.clear();
+    m_hasRules = false;
+    applyBaseAttributes({0, m_storage.length()});
+    m_notifications.post(needsVisibleRefresh, this);
+}
+
+void SyntaxHighlighter::applyBaseAttributes(TextRange range)
+{
+    const QScopedValueRollback guard(m_isApplying, true);
+    m_storage.setStyle(range.clampedTo(m_storage.length()), plainStyle);
+}
+
+void SyntaxHighlighter::ensureHighlighted(TextRange range)
+{
+    range = range.clampedTo(m_storage.length());
+    if (range.isEmpty()) {
+        return;
+    }
+    const qsizetype first = range.location / chunkSize;
+    const qsizetype last = (range.end() - 1) / chunkSize;
+    bool isMissing = false;
+    for (qsizetype chunk = first; chunk <= last && !isMissing; ++chunk) {
+        isMissing = !isFresh(chunk);
+    }
+    if (!isMissing) {
+        return;
+    }
+    const auto stretch = TextRange::between(first * chunkSize, std::min((last + 1) * chunkSize, m_storage.length()));
+    std::vector<TextRange> outdated;
+    const TextRange done = highlight(stretch, outdated);
+    markFresh(stretch);
+    markStale(outdated, done);
+}
+
+void SyntaxHighlighter::noteEdit(TextStorage::EditMask mask, TextRange range, qsizetype changeInLength)
+{
+    if (m_isApplying || !(mask & TextStorage::editedCharacters)) {
+        return;
+    }
+    m_spansAreStale = true;
+    const Edit edit{range.location, range.length - changeInLength, range.length};
+    if (const auto &known = m_editSinceSpans) {
+        const TextRange both = hull({known->location, known->inserted}, {edit.location, edit.removed});
+        m_editSinceSpans = {both.location, both.length - known->inserted + known->removed, both.length - edit.removed + edit.inserted};
+    } else {
+        m_editSinceSpans = edit;
+    }
+    m_freshChunks.resize(std::min(m_freshChunks.size(), size_t(range.location / chunkSize)));
+    if (m_storage.length() <= largeTextThreshold) {
+        rehighlightEdit(range);
+        return;
+    }
+    m_pendingWork = m_scheduler.after(editDebounce, [this, range] {
+        rehighlightEdit(range);
+        m_notifications.post(needsVisibleRefresh, this);
+    });
+}
+
+void SyntaxHighlighter::rehighlightEdit(TextRange range)
+{
+    std::vector<TextRange> outdated;
+    const TextRange done = highlight(range, outdated);
+    markFresh(range);
+    markStale(outdated, done);
+}
+
+/// Colours the lines of `range` and the spans in them; returns what was coloured. `outdated` gets where spans came or went since the last
+/// search, which may be elsewhere.
+TextRange SyntaxHighlighter::highlight(TextRange range, std::vector<TextRange> &outdated)
+{
+    const Rope &text = m_storage.text();
+    if (text.isEmpty()) {
+        return {};
+    }
+    range = range.clampedTo(text.length());
+    if (range.isEmpty()) {
+        range = {std::min(text.length() - 1, range.location), 0};
+    }
+    range = lineRange(text, range);
+    cloneRules();
+    Excerpt excerpt;
+    refreshSpans(range, excerpt, outdated);
+    for (const Span &span : m_spans) {
+        if (!intersection(span.range, range).isEmpty()) {
+            range = hull(range, span.range);
+        }
+    }
+    excerpt.load(text, range);
+    Paint paint(range);
+    paintSpans(paint);
+    paintTokens(paint, excerpt);
+    const QScopedValueRollback guard(m_isApplying, true);
+    m_storage.setStyles(range, paint.runs(m_styles));
+    return range;
+}
+
+void SyntaxHighlighter::refreshSpans(TextRange range, Excerpt &excerpt, std::vector<TextRange> &outdated)
+{
+    const qsizetype windowStart = std::max<qsizetype>(range.location - spanMargin, 0);
+    const TextRange window = TextRange{windowStart, range.length + 2 * spanMargin}.clampedTo(m_storage.length());
+    if (!m_spansAreStale && contains(m_spanWindow, window)) {
+        return;
+    }
+    const auto edit = std::exchange(m_editSinceSpans, std::nullopt);
+    std::vector<Span> before = std::exchange(m_spans, {});
+    const TextRange windowBefore = std::exchange(m_spanWindow, window);
+    m_spansAreStale = false;
+    if (!m_spanRules.empty() && !window.isEmpty()) {
+        excerpt.load(m_storage.text(), window);
+        findSpans(excerpt);
+    }
+    if (edit) {
+        findOutdated(before, windowBefore, *edit, outdated);
+    }
+}
+
+void SyntaxHighlighter::findSpans(const Excerpt &excerpt)
+{
+    for (SpanRule &rule : m_spanRules) {
+        if (!isSwitchedOff(rule.regex)) {
+            excerpt.forEachMatch(rule.regex, m_spanWindow, 0, [&](TextRange found) { m_spans.push_back({found, rule.scope}); });
+        }
+    }
+    // Stable, so that of two that begin together the earlier rule's is the first; it then stays and the other goes.
+    std::ranges::stable_sort(m_spans, {}, [](const Span &span) { return span.range.location; });
+    qsizetype end = 0;
+    std::erase_if(m_spans, [&end](const Span &span) {
+        const bool overlaps = span.range.location < end;
+        end = overlaps ? end : span.range.end();
+        return overlaps;
+    });
+}
+
+/// Where the spans from before `edit` and those of now differ, as far as both were looked for: what is coloured there is out of date.
+void SyntaxHighlighter::findOutdated(const std::vector<Span> &before, TextRange windowBefore, const Edit &edit,
+                                     std::vector<TextRange> &outdated) const
+{
+    const auto moved = [&edit](qsizetype offset) {
+        return offset < edit.location + edit.removed ? std::min(offset, edit.location) : offset - edit.removed + edit.inserted;
+    };
+    const TextRange common = intersection(m_spanWindow, TextRange::between(moved(windowBefore.location), moved(windowBefore.end())));
+    const auto add = [&](TextRange range) {
+        if (const TextRange part = intersection(range, common); !part.isEmpty()) {
+            outdated.push_back(part);
+        }
+    };
+    auto now = m_spans.begin();
+    for (const Span &old : before) {
+        const bool isUntouched = old.range.end() <= edit.location || old.range.location >= edit.location + edit.removed;
+        const qsizetype from = old.range.end() <= edit.location ? old.range.location : moved(old.range.location);
+        const qsizetype to = old.range.end() <= edit.location ? old.range.end() : moved(old.range.end());
+        const Span expected{TextRange::between(from, to), old.scope};
+        for (; now != m_spans.end() && now->range.location < from; ++now) {
+            add(now->range);
+        }
+        if (isUntouched && now != m_spans.end() && *now == expected) {
+            ++now;
+        } else {
+            add(expected.range);
+        }
+    }
+    for (; now != m_spans.end(); ++now) {
+        add(now->range);
+    }
+}
+
+void SyntaxHighlighter::paintSpans(Paint &paint) const
+{
+    for (const Span &span : m_spans) {
+        if (const TextRange part = intersection(span.range, paint.range()); !part.isEmpty()) {
+            paint.claim(part, span.scope);
+        }
+    }
+}
+
+void SyntaxHighlighter::paintTokens(Paint &paint, const Excerpt &excerpt)
+{
+    for (TokenRule &rule : m_tokenRules) {
+        if (isSwitchedOff(rule.regex)) {
+            continue;
+        }
+        excerpt.forEachMatch(rule.regex, paint.range(), rule.group, [&](TextRange found) {
+            if (paint.isFree(found)) {
+                paint.claim(found, rule.scope);
+            }
+        });
+    }
+}
+
+bool SyntaxHighlighter::isFresh(qsizetype chunk) const
+{
+    return size_t(chunk) < m_freshChunks.size() && m_freshChunks[size_t(chunk)];
+}
+
+void SyntaxHighlighter::markFresh(TextRange range)
+{
+    range = range.clampedTo(m_storage.length());
+    if (range.isEmpty()) {
+        return;
+    }
+    qsizetype first = range.location / chunkSize;
+    qsizetype last = (range.end() - 1) / chunkSize;
+    // Every chunk inside one line has the same pass, over the line as a whole: it need not be done again for the others.
+    const TextRange line = lineRange(m_storage.text(), {range.location, 0});
+    const bool isLastLine = line.end() == m_storage.length();
+    if (range.end() < line.end() || isLastLine) {
+        first = std::min(first, (line.location + chunkSize - 1) / chunkSize);
+        last = std::max(last, (line.end() - 1) / chunkSize - (isLastLine ? 0 : 1));
+    }
+    if (m_freshChunks.size() <= size_t(last)) {
+        m_freshChunks.resize(size_t(last) + 1);
+    }
+    std::fill(m_freshChunks.begin() + first, m_freshChunks.begin() + last + 1, true);
+}
+
+/// Outdated text outside `except` has to be asked for again.
+void SyntaxHighlighter::markStale(const std::vector<TextRange> &ranges, TextRange except)
+{
+    const auto mark = [this](TextRange range) {
+        const qsizetype end = range.isEmpty() ? 0 : std::min((range.end() - 1) / chunkSize + 1, qsizetype(m_freshChunks.size()));
+        for (qsizetype chunk = range.location / chunkSize; chunk < end; ++chunk) {
+            m_freshChunks[size_t(chunk)] = false;
+        }
+    };
+    for (const TextRange range : ranges) {
+        mark(intersection(range, {0, except.location}));
+        mark(intersection(range, TextRange::between(except.end(), std::max(except.end(), range.end()))));
+    }
+}
+
+int SyntaxHighlighter::givenUpSearches() const
+{
+    int count = 0;
+    for (const SpanRule &rule : m_spanRules) {
+        count += rule.regex.limitHits();
+    }
+    for (const TokenRule &rule : m_tokenRules) {
+        count += rule.regex.limitHits();
+    }
+    return count;
+}
+
+int SyntaxHighlighter::rulesSwitchedOff() const
+{
+    return int(std::ranges::count_if(m_spanRules, [](const SpanRule &rule) { return isSwitchedOff(rule.regex); }) +
+               std::ranges::count_if(m_tokenRules, [](const TokenRule &rule) { return isSwitchedOff(rule.regex); }));
+}

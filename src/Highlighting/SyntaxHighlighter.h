@@ -1,0 +1,115 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Highlighting/Language.h"
+#include "Highlighting/Theme.h"
+#include "Platform/NotificationCenter.h"
+#include "Platform/Scheduler.h"
+#include "Text/TextStorage.h"
+
+#include <optional>
+#include <vector>
+
+/// Colours the text of one storage in place, as styles of the storage.
+///
+/// Never the whole text at once: a text is coloured by chunks when someone asks for them (`ensureHighlighted`), and an edit colours its
+/// own lines at once, or in a large text after a pause. Constructs of many lines (spans) are looked for in a window around the work, and
+/// a pass always covers a span as a whole. In a pass spans go before token rules, an earlier rule before a later one, and a match that
+/// meets a unit which is taken is left out altogether.
+///
+/// A pass searches the lines it covers as if they were all there is: `^` and `\A` match at its first line, whichever that is.
+///
+/// Unclassified text has the plain style, which every view draws in the foreground of its theme.
+///
+/// Main thread only. The storage, the scheduler and the notification centre must outlive the highlighter. All offsets are UTF-16 units.
+class SyntaxHighlighter final {
+public:
+    /// The colours of text that may be in view are missing or out of date: whoever shows it calls `ensureHighlighted` for what it shows.
+    /// The object is the highlighter.
+    static constexpr NotificationName needsVisibleRefresh = "QLT.HighlighterNeedsVisibleRefresh";
+
+    /// Texts longer than this are coloured `editDebounce` after the last edit, not at each.
+    static constexpr qsizetype largeTextThreshold = 0x40000;
+    static constexpr Scheduler::Milliseconds editDebounce{120};
+    static constexpr qsizetype chunkSize = 16384;
+    /// A rule whose searches were given up so many times, because they cost too much, is not tried again before the next reset.
+    static constexpr int mostGivenUp = 3;
+
+    /// Follows the edits of `storage` from now on, but colours nothing before `rehighlightAll`.
+    SyntaxHighlighter(TextStorage &storage, const Language &language, const Theme &theme, Scheduler &scheduler,
+                      NotificationCenter &notifications);
+    ~SyntaxHighlighter();
+    Q_DISABLE_COPY_MOVE(SyntaxHighlighter)
+
+    [[nodiscard]] const Language &language() const { return m_language; }
+    [[nodiscard]] const Theme &theme() const { return m_theme; }
+    /// These two begin anew when it is another.
+    void setLanguage(const Language &language);
+    void setTheme(const Theme &theme);
+
+    /// Colours the chunks that `range` touches, unless they are as they should be.
+    void ensureHighlighted(TextRange range);
+    /// Forgets everything, makes all text plain and asks for what is in view.
+    void rehighlightAll();
+    /// Makes the text in `range` plain. The range may reach beyond the text.
+    void applyBaseAttributes(TextRange range);
+
+    /// Counts since the last reset, to tell why colours are missing: searches that cost too much, and rules that are off for it.
+    [[nodiscard]] int givenUpSearches() const;
+    [[nodiscard]] int rulesSwitchedOff() const;
+
+private:
+    struct Span {
+        TextRange range;
+        Scope scope;
+
+        friend bool operator==(const Span &, const Span &) = default;
+    };
+    /// All edits since the spans were found, as one: `removed` units at `location` became `inserted`.
+    struct Edit {
+        qsizetype location = 0;
+        qsizetype removed = 0;
+        qsizetype inserted = 0;
+    };
+    class Excerpt;
+    class Paint;
+
+    TextStorage &m_storage;
+    Scheduler &m_scheduler;
+    NotificationCenter &m_notifications;
+    QMetaObject::Connection m_edits;
+    Language m_language;
+    Theme m_theme;
+    std::vector<StyleId> m_styles; ///< by scope
+
+    /// Clones of the language's, made for the first pass.
+    std::vector<SpanRule> m_spanRules;
+    std::vector<TokenRule> m_tokenRules;
+    bool m_hasRules = false;
+
+    std::vector<Span> m_spans; ///< ascending and apart
+    TextRange m_spanWindow;
+    bool m_spansAreStale = true;
+    std::optional<Edit> m_editSinceSpans;
+
+    std::vector<bool> m_freshChunks; ///< by index; those beyond are not
+    DelayedTask m_pendingWork;
+    bool m_isApplying = false;
+
+    void rebuildAttributeCache();
+    void cloneRules();
+    void noteEdit(TextStorage::EditMask mask, TextRange range, qsizetype changeInLength);
+    void rehighlightEdit(TextRange range);
+
+    TextRange highlight(TextRange range, std::vector<TextRange> &outdated);
+    void refreshSpans(TextRange range, Excerpt &excerpt, std::vector<TextRange> &outdated);
+    void findSpans(const Excerpt &excerpt);
+    void findOutdated(const std::vector<Span> &before, TextRange windowBefore, const Edit &edit, std::vector<TextRange> &outdated) const;
+    void paintSpans(Paint &paint) const;
+    void paintTokens(Paint &paint, const Excerpt &excerpt);
+
+    [[nodiscard]] bool isFresh(qsizetype chunk) const;
+    void markFresh(TextRange range);
+    void markStale(const std::vector<TextRange> &ranges, TextRange except);
+};

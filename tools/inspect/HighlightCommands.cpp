@@ -1,0 +1,135 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Command.h"
+
+#include "Highlighting/LanguageRegistry.h"
+#include "Highlighting/SyntaxHighlighter.h"
+
+#include <QHash>
+#include <QJsonArray>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool isLanguageId(const QString &value)
+{
+    return LanguageRegistry::withID(value).has_value();
+}
+
+/// "LOCATION,LENGTH" as it was given, or none.
+std::optional<TextRange> rangeOf(const QString &value)
+{
+    const qsizetype comma = value.indexOf(u',');
+    bool isLocation = false;
+    bool isLength = false;
+    const quint32 location = value.left(std::max<qsizetype>(comma, 0)).toUInt(&isLocation);
+    const quint32 length = value.mid(comma + 1).toUInt(&isLength);
+    return comma > 0 && isLocation && isLength ? std::optional(TextRange{location, length}) : std::nullopt;
+}
+
+bool isRange(const QString &value)
+{
+    return rangeOf(value).has_value();
+}
+
+/// The dark theme with another colour for each scope, so that a style names its scope.
+Theme themeOfScopes()
+{
+    Theme theme = Theme::dark();
+    for (const ScopeRow &row : scopes) {
+        theme.colors[size_t(row.scope)] = 0xFF000000 | quint32(row.scope);
+    }
+    return theme;
+}
+
+QString firstLineOf(const Rope &text)
+{
+    return text.toString(TextRange{0, text.lineStart(1)}.clampedTo(std::min<qsizetype>(text.length(), 1000)));
+}
+
+QJsonObject runHighlight(const Arguments &arguments)
+{
+    const QString &path = arguments.positionals[0];
+    const auto contents = TextFile::read(path, std::nullopt);
+    if (!contents) {
+        return answerOf(contents.error());
+    }
+    const auto id = arguments.value(u"language");
+    const Language language = id ? *LanguageRegistry::withID(*id) : LanguageRegistry::detect(path, firstLineOf(contents->text));
+
+    TextStorage storage;
+    storage.replaceCharacters({0, 0}, contents->text);
+    ManualScheduler scheduler;
+    NotificationCenter notifications;
+    const Theme theme = themeOfScopes();
+    SyntaxHighlighter highlighter(storage, language, theme, scheduler, notifications);
+    highlighter.rehighlightAll();
+    const auto range = arguments.value(u"ensure");
+    highlighter.ensureHighlighted(range ? *rangeOf(*range) : TextRange{0, storage.length()});
+
+    QHash<StyleId, QString> names;
+    for (const ScopeRow &row : scopes) {
+        names[storage.styles().intern(theme.attributes(row.scope))] = row.rawValue.toString();
+    }
+    QJsonArray runs;
+    storage.forEachStyle({0, storage.length()}, [&](TextRange run, StyleId style) {
+        if (style != plainStyle) {
+            runs.append(QJsonArray{qint64(run.location), qint64(run.length), names[style]});
+        }
+    });
+    return {{u"language"_s, language.id()}, {u"runs"_s, runs}};
+}
+
+QString hex(quint32 color)
+{
+    return u"#%1"_s.arg(color & 0xFFFFFF, 6, 16, QChar(u'0')).toUpper();
+}
+
+QJsonArray namesIn(const ScopeSet &set)
+{
+    QJsonArray names;
+    for (const ScopeRow &row : scopes) {
+        if (set.contains(row.scope)) {
+            names.append(row.rawValue.toString());
+        }
+    }
+    return names;
+}
+
+QJsonObject runTheme(const Arguments &arguments)
+{
+    const Theme &theme = Theme::resolved(arguments.positionals[0], arguments.has(u"dark") ? Appearance::dark : Appearance::light);
+    QJsonObject colors;
+    for (const ScopeRow &row : scopes) {
+        if (const auto color = theme.color(row.scope)) {
+            colors[row.rawValue.toString()] = hex(*color);
+        }
+    }
+    QJsonObject answer{{u"name"_s, theme.name.toString()},
+                       {u"isDark"_s, theme.isDark},
+                       {u"colors"_s, colors},
+                       {u"bold"_s, namesIn(theme.bold)},
+                       {u"italic"_s, namesIn(theme.italic)}};
+    for (const ThemeColorRow &row : themeColors) {
+        answer[row.name.toString()] = hex(theme.*row.color);
+    }
+    return answer;
+}
+
+constexpr auto highlightOptions = std::to_array<OptionRow>({{u"language", u"ID", isLanguageId}, {u"ensure", u"LOCATION,LENGTH", isRange}});
+constexpr auto themeOptions = std::to_array<OptionRow>({{u"dark"}});
+
+constexpr auto rows = std::to_array<CommandRow>({
+    {u"highlight", u"FILE", highlightOptions, u"the scope of every stretch of the text that has one", runHighlight},
+    {u"theme", u"NAME", themeOptions, u"the theme that a preference of that name gives", runTheme},
+});
+
+} // namespace
+
+std::span<const CommandRow> highlightCommands()
+{
+    return rows;
+}
