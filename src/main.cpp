@@ -4,7 +4,9 @@
 #include "App/MainWindow.h"
 #include "App/Preferences.h"
 #include "App/TerminationSignals.h"
+#include "Model/DocumentStore.h"
 #include "Platform/DefaultsStore.h"
+#include "Platform/SystemAppearance.h"
 #include "Platform/SystemPasteboard.h"
 #include "Platform/WidgetAlertPresenter.h"
 
@@ -46,7 +48,13 @@ int run(QApplication &application, const QStringList &files)
     // Leaves the event loop at once, where quit() would have windows ask first.
     const TerminationSignals termination([] { QCoreApplication::exit(0); });
 
-    MainWindow window({scheduler, notifications, defaults, preferences, pasteboard, presenter});
+    DetachedWorkers workers;
+    FileWatcherQueue watchers;
+    const SystemAppearance appearance(std::make_unique<PortalAppearanceSource>());
+    DocumentStore documents({scheduler, notifications, defaults, workers, watchers, {}}, [&appearance] { return appearance.current(); });
+    QObject::connect(&appearance, &SystemAppearance::changed, &application, [&] { notifications.post(Preferences::didChange, nullptr); });
+
+    MainWindow window({scheduler, notifications, defaults, preferences, pasteboard, presenter, documents});
     window.show();
     if (!files.isEmpty()) {
         window.show(files.first());

@@ -4,8 +4,8 @@
 
 #include "App/EditorFont.h"
 #include "App/MenuBar.h"
-#include "App/OpenFile.h"
 #include "App/Preferences.h"
+#include "Model/DocumentStore.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Translation.h"
@@ -14,6 +14,7 @@
 #include <QCloseEvent>
 #include <QDir>
 #include <QFileInfo>
+#include <QStatusBar>
 
 #include <array>
 #include <utility>
@@ -25,9 +26,22 @@ namespace {
 constexpr QSize startSize(1000, 680);
 constexpr auto lastFolderKey = "io.panels.lastDirectory"_L1;
 
-UndoManager::Clock clockOf(Scheduler &scheduler)
+constexpr Scheduler::Milliseconds highlightDelay{50};
+
+QColor colorOf(quint32 color)
 {
-    return [&scheduler] { return scheduler.now(); };
+    return QColor::fromRgb(color);
+}
+
+TextView::Colors colorsOf(const Theme &theme)
+{
+    return {.background = colorOf(theme.background),
+            .text = colorOf(theme.foreground),
+            .selection = colorOf(theme.selection),
+            .caret = colorOf(theme.caret),
+            .currentLine = {},
+            .invisibles = colorOf(theme.invisibles),
+            .mark = colorOf(theme.selection)};
 }
 
 } // namespace
@@ -36,15 +50,16 @@ MainWindow::MainWindow(const AppServices &services) : m_services(services)
 {
     resize(startSize);
     installMenuBar(*this, m_services.presenter);
-    setFile(std::make_unique<OpenFile>(clockOf(m_services.scheduler)));
+    setDocument(std::make_unique<TextDocument>(m_services.documents.services(), QString(), std::nullopt));
     m_preferencesObserver =
-        m_services.notifications.observe(Preferences::didChange, &m_services.preferences, [this] { applyPreferences(); });
+        m_services.notifications.observe(Preferences::didChange, nullptr, [this] { applyPreferences(); });
 }
 
 MainWindow::~MainWindow()
 {
-    // The view refers to the file's text.
+    // The view refers to the document's text.
     delete m_textView;
+    m_services.documents.remove(*m_document);
 }
 
 const ActionRow *MainWindow::actionFor(Selector selector) const
@@ -53,6 +68,7 @@ const ActionRow *MainWindow::actionFor(Selector selector) const
         action<&MainWindow::openDocument>("openDocument:"),
         action<&MainWindow::saveDocument>("saveDocument:"),
         action<&MainWindow::saveDocumentAs>("saveDocumentAs:"),
+        action<&MainWindow::revertDocument, &MainWindow::canRevert>("revertDocument:"),
         action<&MainWindow::terminate>("terminate:"),
         action<&MainWindow::toggleLineWrap, &MainWindow::lineWrapState>("toggleLineWrap:"),
         action<&MainWindow::increaseFontSize>("increaseFontSize:"),
@@ -62,18 +78,77 @@ const ActionRow *MainWindow::actionFor(Selector selector) const
     return findAction(rows, selector);
 }
 
-void MainWindow::setFile(std::unique_ptr<OpenFile> file)
+void MainWindow::setDocument(std::unique_ptr<TextDocument> document)
 {
     delete m_textView;
-    m_file = std::move(file);
-    m_textView = new TextView(m_file->storage(), m_file->undoManager(), {m_services.scheduler, m_services.pasteboard},
+    if (m_document) {
+        m_services.documents.remove(*m_document);
+    }
+    m_document = &m_services.documents.add(std::move(document));
+    m_textView = new TextView(m_document->storage(), m_document->undoManager(), {m_services.scheduler, m_services.pasteboard},
                               editorFont(m_services.preferences), this);
-    connect(&m_file->undoManager(), &UndoManager::stateChanged, this, [this] { setWindowModified(m_file->isDirty()); });
+    m_metadataObserver = m_services.notifications.observe(TextDocument::didChangeMetadata, m_document, [this] {
+        updateTitle();
+        showExternalState();
+    });
+    m_highlightObserver = m_services.notifications.observe(SyntaxHighlighter::needsVisibleRefresh, m_document->highlighter(),
+                                                           [this] { highlightVisible(); });
     connect(m_textView, &TextView::zoomRequested, this, &MainWindow::changeFontSize);
+    connect(m_textView, &TextView::visibleRowsChanged, this, [this] {
+        m_highlighting = m_services.scheduler.after(highlightDelay, [this] { highlightVisible(); });
+    });
     applyPreferences();
     setCentralWidget(m_textView);
     m_textView->setFocus();
+    m_highlighting = m_services.scheduler.after(Scheduler::Milliseconds(0), [this] { highlightVisible(); });
     updateTitle();
+    showExternalState();
+}
+
+void MainWindow::applyTheme()
+{
+    m_services.documents.refreshAppearance();
+    m_textView->setColors(colorsOf(m_services.documents.theme()));
+}
+
+void MainWindow::highlightVisible()
+{
+    m_document->highlighter()->ensureHighlighted(m_textView->visibleRange());
+}
+
+void MainWindow::showExternalState()
+{
+    const auto messageOf = [](TextDocument::ExternalState state) {
+        switch (state) {
+        case TextDocument::ExternalState::conflicted:
+            return u"“%@” was changed by another program. Your edits are kept; saving replaces its version.";
+        case TextDocument::ExternalState::deleted:
+            return u"“%@” was deleted or moved. The text is kept here; saving writes the file anew.";
+        case TextDocument::ExternalState::none:
+            break;
+        }
+        return u"";
+    };
+    const QString message = localized(messageOf(m_document->externalState()));
+    if (message.isEmpty()) {
+        statusBar()->hide();
+        return;
+    }
+    statusBar()->showMessage(formatted(message, m_document->displayName()));
+    statusBar()->show();
+}
+
+bool MainWindow::canRevert() const
+{
+    return !m_document->isUntitled();
+}
+
+void MainWindow::revertDocument()
+{
+    if (const auto reverted = m_document->revertToFileOnDisk(); !reverted) {
+        const TextFile::ReadError &error = reverted.error();
+        m_services.presenter.present(Alert::forError(error.description(), error.recoverySuggestion().value_or(QString())), this, {});
+    }
 }
 
 void MainWindow::applyPreferences()
@@ -85,6 +160,7 @@ void MainWindow::applyPreferences()
     }
     m_textView->setTabWidth(preferences.tabWidth());
     m_textView->setInvisibles(preferences.showInvisibles() ? TextView::Visibility::shown : TextView::Visibility::hidden);
+    applyTheme();
     const auto wrapMode = preferences.wrapLines() ? TextView::WrapMode::viewWidth : TextView::WrapMode::none;
     if (m_textView->wrapMode() != wrapMode) {
         m_textView->setWrapMode(wrapMode);
@@ -94,19 +170,19 @@ void MainWindow::applyPreferences()
 void MainWindow::updateTitle()
 {
     // Doubled, the mark's placeholder stands for itself.
-    setWindowTitle(m_file->displayName().replace("[*]"_L1, "[*][*]"_L1) + u"[*]"_s);
-    setWindowFilePath(m_file->path());
-    setWindowModified(m_file->isDirty());
+    setWindowTitle(m_document->displayName().replace("[*]"_L1, "[*][*]"_L1) + u"[*]"_s);
+    setWindowFilePath(m_document->path());
+    setWindowModified(m_document->isDirty());
 }
 
 void MainWindow::show(const QString &path)
 {
-    auto file = OpenFile::read(path, clockOf(m_services.scheduler));
-    if (file) {
-        setFile(*std::move(file));
+    const auto contents = TextFile::read(path);
+    if (contents) {
+        setDocument(std::make_unique<TextDocument>(m_services.documents.services(), path, *contents));
         return;
     }
-    const TextFile::ReadError &error = file.error();
+    const TextFile::ReadError &error = contents.error();
     m_services.presenter.present(Alert::forError(error.description(), error.recoverySuggestion().value_or(QString())), this, {});
 }
 
@@ -142,17 +218,17 @@ void MainWindow::saveDocumentAs()
 
 void MainWindow::save(Completion completion)
 {
-    if (m_file->path().isEmpty()) {
+    if (m_document->path().isEmpty()) {
         saveAs(std::move(completion));
     } else {
-        write(m_file->path(), completion);
+        write(m_document->path(), completion);
     }
 }
 
 void MainWindow::saveAs(Completion completion)
 {
-    const QString &path = m_file->path();
-    const SavePanel panel{.startFolder = path.isEmpty() ? panelFolder() : QFileInfo(path).path(), .suggestedName = m_file->displayName()};
+    const QString &path = m_document->path();
+    const SavePanel panel{.startFolder = path.isEmpty() ? panelFolder() : QFileInfo(path).path(), .suggestedName = m_document->displayName()};
     m_services.presenter.present(panel, this, [this, completion = std::move(completion)](const std::optional<QString> &chosen) {
         if (!chosen) {
             completion(false);
@@ -165,7 +241,7 @@ void MainWindow::saveAs(Completion completion)
 
 void MainWindow::write(const QString &path, const Completion &completion)
 {
-    const Result<void> saved = m_file->save(path);
+    const Result<void> saved = m_document->save(path);
     updateTitle();
     if (!saved) {
         m_services.presenter.present(Alert::forError(saved.error().message), this, {});
@@ -175,11 +251,11 @@ void MainWindow::write(const QString &path, const Completion &completion)
 
 void MainWindow::askToSave(Completion completion)
 {
-    if (!m_file->isDirty()) {
+    if (!m_document->isDirty()) {
         completion(true);
         return;
     }
-    const Alert question{.messageText = formatted(localized(u"Do you want to save the changes made to “%@”?"), m_file->displayName()),
+    const Alert question{.messageText = formatted(localized(u"Do you want to save the changes made to “%@”?"), m_document->displayName()),
                          .informativeText = localized(u"Your changes will be lost if you don’t save them."),
                          .buttons = {{localized(u"Save")},
                                      {localized(u"Cancel"), AlertButtonRole::cancel},
@@ -200,7 +276,7 @@ void MainWindow::terminate()
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
-    if (std::exchange(m_mayClose, false) || !m_file->isDirty()) {
+    if (std::exchange(m_mayClose, false) || !m_document->isDirty()) {
         event->accept();
         return;
     }
@@ -241,7 +317,7 @@ QString MainWindow::panelFolder() const
     if (!last.isEmpty() && QFileInfo::exists(last)) {
         return last;
     }
-    return m_file->path().isEmpty() ? QDir::homePath() : QFileInfo(m_file->path()).path();
+    return m_document->path().isEmpty() ? QDir::homePath() : QFileInfo(m_document->path()).path();
 }
 
 void MainWindow::rememberPanelFolder(const QString &path)

@@ -4,6 +4,7 @@
 
 #include "Platform/NotificationCenter.h"
 #include "Platform/Responder.h"
+#include "Platform/Scheduler.h"
 
 #include <QMainWindow>
 
@@ -12,11 +13,13 @@
 
 class AlertPresenter;
 class DefaultsStore;
-class OpenFile;
+class DocumentStore;
 class Pasteboard;
 class Preferences;
 class Scheduler;
+class TextDocument;
 class TextView;
+struct Theme;
 
 /// What the windows of the program use; made in `main`, and by every test for itself.
 struct AppServices {
@@ -26,6 +29,7 @@ struct AppServices {
     Preferences &preferences;
     Pasteboard &pasteboard;
     AlertPresenter &presenter;
+    DocumentStore &documents;
 };
 
 /// A window that edits one file. Never loses text without asking: not by closing, not by opening another file, not by a failed save.
@@ -43,7 +47,7 @@ public:
     /// Asks first when there is unsaved text.
     void open(const QString &path);
 
-    [[nodiscard]] OpenFile &file() { return *m_file; }
+    [[nodiscard]] TextDocument &document() { return *m_document; }
     [[nodiscard]] TextView &textView() { return *m_textView; }
 
     [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
@@ -72,16 +76,24 @@ private:
     void write(const QString &path, const Completion &completion);
     void askToSave(Completion completion);
 
-    void setFile(std::unique_ptr<OpenFile> file);
+    void setDocument(std::unique_ptr<TextDocument> document);
+    void applyTheme();
+    void highlightVisible();
+    void showExternalState();
+    void revertDocument();
+    [[nodiscard]] bool canRevert() const;
     void applyPreferences();
     void updateTitle();
     [[nodiscard]] QString panelFolder() const;
     void rememberPanelFolder(const QString &path);
 
     AppServices m_services;
-    std::unique_ptr<OpenFile> m_file;
+    TextDocument *m_document = nullptr; // the store owns it
     TextView *m_textView = nullptr;
     NotificationCenter::Token m_preferencesObserver;
+    NotificationCenter::Token m_metadataObserver;
+    NotificationCenter::Token m_highlightObserver;
+    DelayedTask m_highlighting;
     /// The next closing has been asked about.
     bool m_mayClose = false;
 };

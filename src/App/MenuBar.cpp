@@ -23,6 +23,7 @@ constexpr auto commands = std::to_array<MenuCommand>({
     {u"File", "openDocument:", u"Open…", "Ctrl+O"},
     {u"File", "saveDocument:", u"Save", "Ctrl+S", startsGroup},
     {u"File", "saveDocumentAs:", u"Save As…", "Ctrl+Shift+S"},
+    {u"File", "revertDocument:", u"Revert to File on Disk"},
     {u"File", "terminate:", u"Quit Quillet", "Ctrl+Q", startsGroup},
 
     {u"Edit", "undo:", u"Undo", "Ctrl+Z"},

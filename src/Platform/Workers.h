@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QThreadPool>
+
 #include <functional>
 #include <memory>
 
@@ -10,7 +12,7 @@ class Workers {
 public:
     virtual ~Workers() = default;
 
-    /// Runs `job` once, which must not throw. Any thread; `job` is destroyed on the thread that ran it.
+    /// Runs `job` once, which must not throw. Any thread.
     virtual void run(std::function<void()> job) = 0;
 };
 
@@ -18,6 +20,20 @@ public:
 class InlineWorkers final : public Workers {
 public:
     void run(std::function<void()> job) override { job(); }
+};
+
+/// For computing: as many jobs at once as the machine has cores. Destroying this drops jobs that have not begun and waits for the others.
+class PoolWorkers final : public Workers {
+public:
+    PoolWorkers() = default;
+    PoolWorkers(const PoolWorkers &) = delete;
+    PoolWorkers &operator=(const PoolWorkers &) = delete;
+    ~PoolWorkers() override { m_pool.clear(); }
+
+    void run(std::function<void()> job) override { m_pool.start(std::move(job)); }
+
+private:
+    QThreadPool m_pool;
 };
 
 /// For system calls that may never return, as on a network share whose server is gone: every job has a thread at once, and nobody waits

@@ -392,6 +392,16 @@ void TextView::setSelection(TextSelection selection, Reveal reveal)
     revealCaret(reveal);
 }
 
+TextRange TextView::visibleRange()
+{
+    const double height = viewport()->height();
+    const double width = viewport()->width();
+    const auto first = m_port.rowAt(-height / 2).row;
+    const auto last = m_port.rowAt(height * 3 / 2).row;
+    const double left = -m_port.left();
+    return TextRange::between(m_layout.offsetAt(first, left - width / 2), m_layout.offsetAt(last, left + width * 3 / 2));
+}
+
 void TextView::revealOffset(qsizetype offset)
 {
     const RowPosition row = m_layout.rowOf(offset);

@@ -78,6 +78,8 @@ public:
 
     /// Replaces `range` by `text` as one undoable change and puts the caret behind it. Refused in a read-only view.
     void insertText(QStringView text, TextRange range);
+    /// The units that can be seen, half a view above and below counted in; in a line wider than the view those near its visible part.
+    [[nodiscard]] TextRange visibleRange();
     /// Caret in the coordinates of the scroll area; where an input method puts its window.
     [[nodiscard]] QRect caretRectangle();
     /// The place in the text nearest to a point of the viewport.

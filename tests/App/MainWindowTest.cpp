@@ -3,8 +3,9 @@
 #include "App/MainWindow.h"
 
 #include "App/MenuBar.h"
-#include "App/OpenFile.h"
 #include "App/Preferences.h"
+#include "Model/DocumentStore.h"
+#include "Model/WatchedPath.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Pasteboard.h"
@@ -49,7 +50,7 @@ protected:
         QFile file(path(name));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
     }
-    [[nodiscard]] QString text() { return window.file().storage().string(); }
+    [[nodiscard]] QString text() { return window.document().storage().string(); }
     void type(const QString &keys) { QTest::keyClicks(&window.textView(), keys); }
     void press(const char *keys) { QTest::keySequence(&window.textView(), QKeySequence(QString::fromLatin1(keys))); }
 
@@ -82,7 +83,10 @@ protected:
     Preferences preferences{defaults, notifications};
     MemoryPasteboard pasteboard;
     ScriptedAlertPresenter presenter;
-    MainWindow window{{scheduler, notifications, defaults, preferences, pasteboard, presenter}};
+    InlineWorkers workers;
+    FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
+    DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
+    MainWindow window{{scheduler, notifications, defaults, preferences, pasteboard, presenter, documents}};
 };
 
 } // namespace
@@ -95,13 +99,14 @@ TEST_F(MainWindowTest, OpensEditsAndSaves)
     EXPECT_EQ(window.windowTitle(), u"a [*][*].txt[*]"_s);
     EXPECT_EQ(window.windowFilePath(), path(u"a [*].txt"_s));
     EXPECT_FALSE(window.isWindowModified());
-    EXPECT_FALSE(window.file().undoManager().canUndo()) << "opening is no edit";
+    EXPECT_FALSE(window.document().undoManager().canUndo()) << "opening is no edit";
     press("Ctrl+S");
     EXPECT_EQ(read(u"a [*].txt"_s), "one\r\ntwo\r\n");
 
     type(u"x"_s);
     EXPECT_TRUE(window.isWindowModified());
     press("Ctrl+Z");
+    scheduler.advance(std::chrono::milliseconds(500));
     EXPECT_FALSE(window.isWindowModified()) << "back at the text on the disk";
     type(u"y"_s);
     press("Ctrl+S");

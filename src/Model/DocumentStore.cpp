@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Model/DocumentStore.h"
+
+#include "Platform/DefaultsStore.h"
+
+using namespace Qt::StringLiterals;
+
+DocumentStore::DocumentStore(const DocumentServices &services, AppearanceQuery appearance)
+    : m_services(services), m_appearance(std::move(appearance))
+{}
+
+const Theme &DocumentStore::theme() const
+{
+    return Theme::resolved(m_services.defaults.string("editor.themeName"_L1), m_appearance ? m_appearance() : std::nullopt);
+}
+
+TextDocument &DocumentStore::add(std::unique_ptr<TextDocument> document)
+{
+    TextDocument &added = *m_documents.emplace_back(std::move(document));
+    added.attachHighlighter(theme());
+    m_services.notifications.post(didChange, this);
+    return added;
+}
+
+void DocumentStore::remove(const TextDocument &document)
+{
+    const auto place = std::find_if(m_documents.begin(), m_documents.end(), [&](const auto &open) { return open.get() == &document; });
+    if (place == m_documents.end()) {
+        return;
+    }
+    if (m_services.discardDraft) {
+        m_services.discardDraft(document.id());
+    }
+    m_documents.erase(place);
+    m_services.notifications.post(didChange, this);
+}
+
+void DocumentStore::refreshAppearance()
+{
+    const Theme &shown = theme();
+    for (const auto &document : m_documents) {
+        if (document->highlighter()) {
+            document->highlighter()->setTheme(shown);
+        }
+    }
+}

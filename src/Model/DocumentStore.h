@@ -1,0 +1,37 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Model/TextDocument.h"
+#include "Platform/Appearance.h"
+
+#include <memory>
+#include <vector>
+
+/// All open documents. It owns them, gives each its highlighter, and keeps their colours those of the chosen theme. Main thread only.
+class DocumentStore final {
+public:
+    /// A document was added or removed; about the store.
+    static constexpr NotificationName didChange = "QLT.DocumentStoreDidChange";
+    /// Light or dark, as the desktop is now; none when that is not known.
+    using AppearanceQuery = std::function<std::optional<Appearance>()>;
+
+    DocumentStore(const DocumentServices &services, AppearanceQuery appearance);
+
+    [[nodiscard]] const DocumentServices &services() const { return m_services; }
+    /// In the order in which they came.
+    [[nodiscard]] const std::vector<std::unique_ptr<TextDocument>> &documents() const { return m_documents; }
+
+    /// Takes the document; it is coloured when a view asks.
+    TextDocument &add(std::unique_ptr<TextDocument> document);
+    /// Destroys the document; its views must be gone. Nothing happens when it is not here.
+    void remove(const TextDocument &document);
+    /// The theme or the desktop's appearance changed.
+    void refreshAppearance();
+    [[nodiscard]] const Theme &theme() const;
+
+private:
+    DocumentServices m_services;
+    AppearanceQuery m_appearance;
+    std::vector<std::unique_ptr<TextDocument>> m_documents;
+};

@@ -1,0 +1,414 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Model/TextDocument.h"
+
+#include "Highlighting/LanguageRegistry.h"
+#include "Model/SaveTransformation.h"
+#include "Model/TextHash.h"
+#include "Platform/DefaultsStore.h"
+#include "Platform/Translation.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype firstLineReach = 512;
+
+/// Where two texts begin to differ and where they end to, so that a reload leaves carets and colours alone that stand elsewhere.
+TextChange differenceOf(const Rope &before, const Rope &after)
+{
+    const qsizetype shorter = std::min(before.length(), after.length());
+    RopeCursor old(before);
+    RopeCursor fresh(after);
+    qsizetype head = 0;
+    while (head < shorter && old.at(head) == fresh.at(head)) {
+        ++head;
+    }
+    qsizetype tail = 0;
+    while (tail < shorter - head && old.at(before.length() - 1 - tail) == fresh.at(after.length() - 1 - tail)) {
+        ++tail;
+    }
+    // Neither edge may part a surrogate pair.
+    if (head > 0 && QChar::isHighSurrogate(old.at(head - 1))) {
+        --head;
+    }
+    if (tail > 0 && QChar::isLowSurrogate(old.at(before.length() - tail))) {
+        --tail;
+    }
+    return {.position = head, .removed = before.length() - tail - head, .inserted = after.length() - tail - head};
+}
+
+} // namespace
+
+TextDocument::TextDocument(const DocumentServices &services, const QString &path, const std::optional<TextFile::Contents> &contents,
+                           const QUuid &id)
+    : m_services(services), m_id(id), m_undoManager(m_storage, [&scheduler = services.scheduler] { return scheduler.now(); }), m_path(path)
+{
+    if (contents) {
+        {
+            const UndoManager::Pause pause(m_undoManager);
+            m_storage.replaceCharacters({}, contents->text);
+        }
+        m_undoManager.markSavePoint();
+        m_encoding = contents->encoding;
+        m_lineEnding = contents->lineEnding;
+    }
+    rememberSavedText();
+    detectLanguage();
+    QObject::connect(&m_storage, &TextStorage::didProcessEditing, &m_context, [this](TextStorage::EditMask mask) { noteEdit(mask); });
+    startWatching();
+}
+
+TextDocument::~TextDocument() = default;
+
+std::unique_ptr<TextDocument> TextDocument::generated(const DocumentServices &services, const QString &title, const QString &text,
+                                                      const Language &language)
+{
+    auto document = std::make_unique<TextDocument>(services, QString(), TextFile::Contents{.text = Rope(text)});
+    document->m_generatedTitle = title;
+    document->languageWasChosenManually = true;
+    document->m_language = language;
+    return document;
+}
+
+QString TextDocument::displayName() const
+{
+    if (m_generatedTitle) {
+        return *m_generatedTitle;
+    }
+    return m_path.isEmpty() ? localized(u"Untitled") : QFileInfo(m_path).fileName();
+}
+
+QString TextDocument::displayPath() const
+{
+    if (m_generatedTitle) {
+        return formatted(localized(u"%@ - read only"), *m_generatedTitle);
+    }
+    if (m_path.isEmpty()) {
+        return localized(u"Untitled - not saved");
+    }
+    const QString home = QDir::homePath();
+    return m_path.startsWith(home + u'/') ? u'~' + m_path.mid(home.length()) : m_path;
+}
+
+void TextDocument::postMetadata() const
+{
+    m_services.notifications.post(didChangeMetadata, this);
+}
+
+void TextDocument::setDirty(bool isDirty)
+{
+    if (m_isDirty != isDirty) {
+        m_isDirty = isDirty;
+        postMetadata();
+    }
+}
+
+// Dirty or not
+
+void TextDocument::noteEdit(TextStorage::EditMask mask)
+{
+    if (!mask.testFlag(TextStorage::editedCharacters) || m_isLoading) {
+        return;
+    }
+    setDirty(true);
+    m_dirtyHashing.cancel();
+    m_dirtyCheck = m_services.scheduler.after(dirtyCheckDelay, [this] { checkDirty(); });
+}
+
+void TextDocument::rememberSavedText()
+{
+    m_savedHashing.cancel();
+    if (m_storage.length() < largeText) {
+        m_savedContentHash = textHash(m_storage.text());
+        return;
+    }
+    m_savedContentHash.reset();
+    m_savedHashing = BackgroundTask::start(
+        m_services.workers, [text = m_storage.text()](const std::stop_token &stop) { return textHash(text, stop); },
+        [this](std::optional<quint64> hash) {
+            m_savedContentHash = hash;
+            if (std::exchange(m_isCheckWanted, false)) {
+                checkDirty();
+            }
+        });
+}
+
+void TextDocument::checkDirty()
+{
+    if (!m_savedContentHash) {
+        m_isCheckWanted = true;
+        return;
+    }
+    if (m_storage.length() < largeText) {
+        applyDirtyCheck(textHash(m_storage.text()));
+        return;
+    }
+    m_dirtyHashing = BackgroundTask::start(
+        m_services.workers, [text = m_storage.text()](const std::stop_token &stop) { return textHash(text, stop); },
+        [this, revision = m_storage.revision()](std::optional<quint64> hash) {
+            if (hash && revision == m_storage.revision()) {
+                applyDirtyCheck(*hash);
+            }
+        });
+}
+
+void TextDocument::applyDirtyCheck(quint64 hash)
+{
+    setDirty(hash != m_savedContentHash);
+}
+
+// Properties
+
+void TextDocument::setEncoding(TextEncoding encoding)
+{
+    if (m_encoding != encoding) {
+        m_encoding = encoding;
+        postMetadata();
+    }
+}
+
+void TextDocument::setLineEnding(LineEnding lineEnding)
+{
+    if (m_lineEnding == lineEnding) {
+        return;
+    }
+    m_lineEnding = lineEnding;
+    if (!m_isLoading) {
+        setDirty(true);
+    }
+    postMetadata();
+}
+
+void TextDocument::setLanguage(const Language &language)
+{
+    if (m_language == language) {
+        return;
+    }
+    m_language = language;
+    if (m_highlighter) {
+        m_highlighter->setLanguage(language);
+    }
+    postMetadata();
+}
+
+void TextDocument::attachHighlighter(const Theme &theme)
+{
+    m_highlighter = std::make_unique<SyntaxHighlighter>(m_storage, m_language, theme, m_services.scheduler, m_services.notifications);
+    m_highlighter->rehighlightAll();
+}
+
+void TextDocument::detectLanguage()
+{
+    const QString head = m_storage.string({0, std::min(m_storage.length(), firstLineReach)});
+    setLanguage(LanguageRegistry::detect(m_path, head.section(u'\n', 0, 0)));
+}
+
+// Saving and reading
+
+void TextDocument::transformForSaving()
+{
+    const SaveTransformation transformation = saveTransformation(
+        m_storage.text(), {.trimsTrailingWhitespace = m_services.defaults.boolean("editor.trimTrailingWhitespaceOnSave"_L1),
+                           .ensuresTrailingNewline = m_services.defaults.boolean("editor.ensureTrailingNewlineOnSave"_L1)});
+    if (transformation.isNeeded()) {
+        m_undoManager.breakCoalescing();
+        m_storage.replaceCharacters(transformation.range, transformation.replacement);
+        lastSelectedRange = {std::min(m_storage.length(), lastSelectedRange.location), 0};
+    }
+}
+
+Result<void> TextDocument::save(const QString &path)
+{
+    transformForSaving();
+    if (m_watcher) {
+        m_watcher->beginOwnWrite();
+    }
+    const Result<void> written = TextFile::write(m_storage.text(), path, m_encoding, m_lineEnding);
+    if (!written) {
+        if (m_watcher) {
+            m_watcher->endOwnWrite();
+        }
+        return written;
+    }
+    m_undoManager.breakCoalescing();
+    m_undoManager.markSavePoint();
+    m_dirtyCheck.cancel();
+    m_dirtyHashing.cancel();
+    rememberSavedText();
+    m_isDirty = false;
+    m_externalState = ExternalState::none;
+    if (m_services.discardDraft) {
+        m_services.discardDraft(m_id);
+    }
+    postMetadata();
+    if (m_watcher) {
+        m_watcher->endOwnWrite();
+    }
+    if (path != m_path) {
+        m_path = path;
+        if (!languageWasChosenManually) {
+            detectLanguage();
+        }
+        startWatching();
+    }
+    postMetadata();
+    return {};
+}
+
+void TextDocument::replaceText(const Rope &text)
+{
+    m_isLoading = true;
+    const TextChange difference = differenceOf(m_storage.text(), text);
+    if (difference.removed > 0 || difference.inserted > 0) {
+        m_storage.replaceCharacters({difference.position, difference.removed}, text.slice({difference.position, difference.inserted}));
+    }
+    m_isLoading = false;
+}
+
+void TextDocument::adopt(const TextFile::Contents &contents)
+{
+    replaceText(contents.text);
+    m_encoding = contents.encoding;
+    m_lineEnding = contents.lineEnding;
+    m_dirtyCheck.cancel();
+    m_dirtyHashing.cancel();
+    m_fileReading.cancel();
+    rememberSavedText();
+    m_isDirty = false;
+    m_externalState = ExternalState::none;
+    lastSelectedRange = {std::min(m_storage.length(), lastSelectedRange.location), 0};
+    if (m_highlighter) {
+        m_highlighter->rehighlightAll();
+    }
+}
+
+void TextDocument::reload(const TextFile::Contents &contents)
+{
+    {
+        const UndoManager::Pause pause(m_undoManager);
+        adopt(contents);
+    }
+    m_undoManager.removeAllActions();
+    m_undoManager.markSavePoint();
+    if (m_services.discardDraft) {
+        m_services.discardDraft(m_id);
+    }
+    m_services.notifications.post(didReloadFromDisk, this);
+    postMetadata();
+}
+
+tl::expected<void, TextFile::ReadError> TextDocument::revertToFileOnDisk()
+{
+    if (m_path.isEmpty()) {
+        return {};
+    }
+    const auto contents = TextFile::read(m_path);
+    if (!contents) {
+        return tl::unexpected(contents.error());
+    }
+    reload(*contents);
+    return {};
+}
+
+tl::expected<void, TextFile::ReadError> TextDocument::reinterpret(TextEncoding encoding)
+{
+    if (m_path.isEmpty()) {
+        return {};
+    }
+    const auto contents = TextFile::read(m_path, encoding);
+    if (!contents) {
+        return tl::unexpected(contents.error());
+    }
+    m_undoManager.breakCoalescing();
+    adopt(*contents);
+    m_undoManager.breakCoalescing();
+    m_undoManager.markSavePoint();
+    postMetadata();
+    return {};
+}
+
+// What others do to the file
+
+void TextDocument::startWatching()
+{
+    m_deletedCheck.cancel();
+    m_fileReading.cancel();
+    m_watcher.reset();
+    if (!m_path.isEmpty()) {
+        m_watcher = std::make_unique<FileWatcher>(m_services.watchers, m_path, [this](FileWatcher::Event event) { handleFileEvent(event); });
+    }
+}
+
+void TextDocument::handleFileEvent(FileWatcher::Event event)
+{
+    if (event == FileWatcher::Event::deleted) {
+        m_deletedCheck = m_services.scheduler.after(deletionCheckDelay, [this] { checkDeleted(); });
+    } else {
+        compareWithFile();
+    }
+}
+
+void TextDocument::checkDeleted()
+{
+    if (m_path.isEmpty()) {
+        return;
+    }
+    // On a worker: asking a share whose server is gone may take minutes.
+    m_fileLooking = BackgroundTask::start(
+        m_services.workers, [path = m_path](const std::stop_token &) { return QFileInfo::exists(path); },
+        [this](bool exists) {
+            if (!exists) {
+                m_isDirty = true; // the text here is the only one now
+                setExternalState(ExternalState::deleted);
+            }
+        });
+}
+
+void TextDocument::setExternalState(ExternalState state)
+{
+    m_externalState = state;
+    m_services.notifications.post(didDetectExternalChange, this);
+    postMetadata();
+}
+
+void TextDocument::compareWithFile()
+{
+    m_fileReading = BackgroundTask::start(
+        m_services.workers,
+        [path = m_path, snapshot = m_storage.snapshot()](const std::stop_token &stop) -> std::optional<FileReading> {
+            auto contents = TextFile::read(path);
+            const auto hash = contents ? textHash(contents->text, stop) : std::nullopt;
+            const auto ownHash = hash ? textHash(snapshot.text, stop) : std::nullopt;
+            if (!ownHash) {
+                return std::nullopt;
+            }
+            return FileReading{std::move(*contents), *hash, *ownHash, snapshot.revision};
+        },
+        [this](std::optional<FileReading> reading) { applyReading(std::move(reading)); });
+}
+
+void TextDocument::applyReading(std::optional<FileReading> reading)
+{
+    if (!reading) {
+        return;
+    }
+    if (reading->revision != m_storage.revision()) {
+        compareWithFile(); // typed meanwhile: the comparison was with another text
+        return;
+    }
+    if (reading->hash == reading->ownHash) {
+        m_savedHashing.cancel();
+        m_savedContentHash = reading->hash;
+        setDirty(false);
+        return;
+    }
+    if (!m_isDirty && m_services.defaults.boolean("watch.reloadClean"_L1)) {
+        reload(reading->contents);
+        return;
+    }
+    setExternalState(ExternalState::conflicted);
+}

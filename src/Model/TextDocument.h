@@ -1,0 +1,170 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Highlighting/Language.h"
+#include "Highlighting/SyntaxHighlighter.h"
+#include "Model/FileWatcher.h"
+#include "Model/LineIndex.h"
+#include "Model/TextFile.h"
+#include "Platform/BackgroundTask.h"
+#include "Platform/NotificationCenter.h"
+#include "Platform/Scheduler.h"
+#include "Text/TextStorage.h"
+#include "Text/UndoManager.h"
+
+#include <QUuid>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+class DefaultsStore;
+
+/// What documents use; must outlive them.
+struct DocumentServices {
+    Scheduler &scheduler;
+    NotificationCenter &notifications;
+    DefaultsStore &defaults;
+    Workers &workers;
+    FileWatcherQueue &watchers;
+    /// The text is safe in its file: what was kept of it elsewhere may go. May be empty.
+    std::function<void(const QUuid &id)> discardDraft;
+};
+
+/// One open text: its storage and history, the file it belongs to, whether it differs from that file, and what others did to the file.
+///
+/// The text is dirty from the first edit on; 0.4 s after the last one it is compared, by hash, with what was read or written last, so
+/// that an edit taken back leaves it clean. A large text is hashed on a worker from a snapshot, and the answer counts only if nothing
+/// was typed meanwhile: no key waits for a pass over the text. What to do about a conflict is for the views; the document only tells.
+///
+/// Main thread only. Paths are absolute. All notifications have the document as their object.
+class TextDocument final {
+public:
+    /// Dirty flag, title, encoding, line ending, language, file or external state may have changed.
+    static constexpr NotificationName didChangeMetadata = "QLT.DocumentDidChangeMetadata";
+    /// The text was replaced from the file.
+    static constexpr NotificationName didReloadFromDisk = "QLT.DocumentDidReloadFromDisk";
+    /// It became conflicted or deleted.
+    static constexpr NotificationName didDetectExternalChange = "QLT.DocumentDidDetectExternalChange";
+
+    enum class ExternalState {
+        none,
+        /// The file changed on disk while the text has unsaved edits.
+        conflicted,
+        /// The file disappeared.
+        deleted,
+    };
+
+    /// From this many units on a text is hashed on a worker.
+    static constexpr qsizetype largeText = 512 * 1024;
+    static constexpr Scheduler::Milliseconds dirtyCheckDelay{400};
+    static constexpr Scheduler::Milliseconds deletionCheckDelay{400};
+
+    /// `path` is empty for a text without a file; no contents are an empty text.
+    TextDocument(const DocumentServices &services, const QString &path, const std::optional<TextFile::Contents> &contents,
+                 const QUuid &id = QUuid::createUuid());
+    /// A text that the program makes itself and nobody saves.
+    [[nodiscard]] static std::unique_ptr<TextDocument> generated(const DocumentServices &services, const QString &title, const QString &text,
+                                                                 const Language &language);
+    ~TextDocument();
+    Q_DISABLE_COPY_MOVE(TextDocument)
+
+    [[nodiscard]] const QUuid &id() const { return m_id; }
+    [[nodiscard]] TextStorage &storage() { return m_storage; }
+    [[nodiscard]] UndoManager &undoManager() { return m_undoManager; }
+    [[nodiscard]] const LineIndex &lineIndex() const { return m_lineIndex; }
+    [[nodiscard]] const QString &path() const { return m_path; }
+    [[nodiscard]] bool isUntitled() const { return m_path.isEmpty(); }
+    [[nodiscard]] bool isGenerated() const { return m_generatedTitle.has_value(); }
+    /// The generated title, else the file's name, else "Untitled".
+    [[nodiscard]] QString displayName() const;
+    /// The path with the home folder as "~", or what the text is when it has none.
+    [[nodiscard]] QString displayPath() const;
+
+    [[nodiscard]] bool isDirty() const { return m_isDirty; }
+    [[nodiscard]] ExternalState externalState() const { return m_externalState; }
+    /// The document replaces its own text; edits seen now are nobody's.
+    [[nodiscard]] bool isLoading() const { return m_isLoading; }
+
+    [[nodiscard]] TextEncoding encoding() const { return m_encoding; }
+    void setEncoding(TextEncoding encoding);
+    [[nodiscard]] LineEnding lineEnding() const { return m_lineEnding; }
+    void setLineEnding(LineEnding lineEnding);
+    [[nodiscard]] const Language &language() const { return m_language; }
+    void setLanguage(const Language &language);
+    /// The user picked the language; saving under another name keeps it.
+    bool languageWasChosenManually = false;
+
+    /// Null until the store attached one.
+    [[nodiscard]] SyntaxHighlighter *highlighter() const { return m_highlighter.get(); }
+    void attachHighlighter(const Theme &theme);
+
+    /// Remembered for new views and the session: units, and pixels.
+    TextRange lastSelectedRange;
+    double lastScrollOffset = 0;
+
+    /// Writes the text to `path`, which becomes its file, after trimming and ending the text as the settings want. When that fails the
+    /// document is as it was, except for that.
+    [[nodiscard]] Result<void> save(const QString &path);
+    /// Takes the file's text; the history goes. Does nothing without a file; when that fails nothing has changed.
+    [[nodiscard]] tl::expected<void, TextFile::ReadError> revertToFileOnDisk();
+    /// Reads the file as `encoding`, as a step that can be undone.
+    [[nodiscard]] tl::expected<void, TextFile::ReadError> reinterpret(TextEncoding encoding);
+
+private:
+    /// The file's contents with the hash of their text, read on a worker.
+    struct FileReading {
+        TextFile::Contents contents;
+        quint64 hash = 0;
+        /// Of the document's text, as it was at `revision`.
+        quint64 ownHash = 0;
+        quint64 revision = 0;
+    };
+
+    void noteEdit(TextStorage::EditMask mask);
+    void checkDirty();
+    void applyDirtyCheck(quint64 hash);
+    void rememberSavedText();
+    void setDirty(bool isDirty);
+    void postMetadata() const;
+
+    void transformForSaving();
+    void replaceText(const Rope &text);
+    void adopt(const TextFile::Contents &contents);
+    void reload(const TextFile::Contents &contents);
+    void detectLanguage();
+
+    void startWatching();
+    void handleFileEvent(FileWatcher::Event event);
+    void checkDeleted();
+    void compareWithFile();
+    void applyReading(std::optional<FileReading> reading);
+    void setExternalState(ExternalState state);
+
+    DocumentServices m_services;
+    QUuid m_id;
+    TextStorage m_storage;
+    UndoManager m_undoManager;
+    LineIndex m_lineIndex;
+    QString m_path;
+    bool m_isDirty = false;
+    ExternalState m_externalState = ExternalState::none;
+    bool m_isLoading = false;
+    TextEncoding m_encoding = TextEncoding::utf8;
+    LineEnding m_lineEnding = LineEnding::lf;
+    Language m_language;
+    std::optional<QString> m_generatedTitle;
+    std::unique_ptr<SyntaxHighlighter> m_highlighter;
+    std::unique_ptr<FileWatcher> m_watcher;
+    /// None while a worker still computes it.
+    std::optional<quint64> m_savedContentHash;
+    bool m_isCheckWanted = false;
+    DelayedTask m_dirtyCheck;
+    DelayedTask m_deletedCheck;
+    BackgroundTask m_savedHashing;
+    BackgroundTask m_dirtyHashing;
+    BackgroundTask m_fileReading;
+    BackgroundTask m_fileLooking;
+    QObject m_context;
+};

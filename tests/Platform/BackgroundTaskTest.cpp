@@ -1,0 +1,81 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Platform/BackgroundTask.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QThread>
+
+#include <gmock/gmock.h>
+
+#include <semaphore>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(BackgroundTask, HandsItsResultOverFromTheEventLoopUnlessItIsGone)
+{
+    InlineWorkers workers;
+    std::vector<int> results;
+    const auto give = [](int result) { return [result](const std::stop_token &) { return result; }; };
+    const auto take = [&](int result) { results.push_back(result); };
+
+    const auto kept = BackgroundTask::start(workers, give(1), take);
+    auto cancelled = BackgroundTask::start(workers, give(2), take);
+    cancelled.cancel();
+    auto replaced = BackgroundTask::start(workers, give(3), take);
+    replaced = BackgroundTask::start(workers, give(4), take);
+    // Its own handle begins the next from within the call; what the call holds must outlive it.
+    BackgroundTask chain;
+    const auto held = std::make_shared<int>(5);
+    chain = BackgroundTask::start(workers, give(0), [&, held](int) {
+        chain = BackgroundTask::start(workers, give(6), take);
+        results.push_back(*held);
+    });
+    EXPECT_THAT(results, IsEmpty());
+    EXPECT_TRUE(kept.isPending());
+    EXPECT_FALSE(cancelled.isPending());
+    QCoreApplication::processEvents();
+    EXPECT_THAT(results, ElementsAre(1, 4, 5));
+    QCoreApplication::processEvents();
+    EXPECT_THAT(results, ElementsAre(1, 4, 5, 6));
+    EXPECT_FALSE(kept.isPending());
+    EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST(BackgroundTask, StopsOnItsWorker)
+{
+    std::binary_semaphore hasBegun(0);
+    bool wasStopped = false;
+    QThread *finishedOn = nullptr;
+    const auto owned = std::make_shared<int>();
+    auto workers = std::make_unique<PoolWorkers>();
+    auto stopped = BackgroundTask::start(
+        *workers,
+        [&](const std::stop_token &stop) {
+            hasBegun.release();
+            while (!stop.stop_requested()) {
+                QThread::yieldCurrentThread();
+            }
+            wasStopped = true;
+            return QThread::currentThread();
+        },
+        [owned](QThread *) { ADD_FAILURE() << "was cancelled"; });
+    hasBegun.acquire();
+    stopped.cancel();
+    EXPECT_EQ(owned.use_count(), 1) << "dropped by the thread that it belongs to";
+
+    QEventLoop loop;
+    const auto other = BackgroundTask::start(
+        *workers, [](const std::stop_token &) { return QThread::currentThread(); },
+        [&](QThread *worker) {
+            finishedOn = worker;
+            loop.quit();
+        });
+    loop.exec();
+    EXPECT_NE(finishedOn, nullptr);
+    EXPECT_NE(finishedOn, QThread::currentThread());
+    workers.reset();
+    EXPECT_TRUE(wasStopped);
+    QCoreApplication::processEvents();
+}
