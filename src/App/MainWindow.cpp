@@ -51,15 +51,25 @@ MainWindow::MainWindow(const AppServices &services) : m_services(services)
     resize(startSize);
     installMenuBar(*this, m_services.presenter);
     setDocument(std::make_unique<TextDocument>(m_services.documents.services(), QString(), std::nullopt));
-    m_preferencesObserver =
-        m_services.notifications.observe(Preferences::didChange, nullptr, [this] { applyPreferences(); });
+    m_preferencesObserver = m_services.notifications.observe(Preferences::didChange, nullptr, [this] { applyPreferences(); });
 }
 
 MainWindow::~MainWindow()
 {
+    closeDocument();
+}
+
+void MainWindow::closeDocument()
+{
+    // A new document may come to stand where the old one was in memory: nothing may still wait for that address.
+    m_metadataObserver.reset();
+    m_highlightObserver.reset();
+    m_highlighting.cancel();
     // The view refers to the document's text.
-    delete m_textView;
-    m_services.documents.remove(*m_document);
+    delete std::exchange(m_textView, nullptr);
+    if (m_document) {
+        m_services.documents.remove(*std::exchange(m_document, nullptr));
+    }
 }
 
 const ActionRow *MainWindow::actionFor(Selector selector) const
@@ -80,10 +90,7 @@ const ActionRow *MainWindow::actionFor(Selector selector) const
 
 void MainWindow::setDocument(std::unique_ptr<TextDocument> document)
 {
-    delete m_textView;
-    if (m_document) {
-        m_services.documents.remove(*m_document);
-    }
+    closeDocument();
     m_document = &m_services.documents.add(std::move(document));
     m_textView = new TextView(m_document->storage(), m_document->undoManager(), {m_services.scheduler, m_services.pasteboard},
                               editorFont(m_services.preferences), this);
@@ -91,12 +98,11 @@ void MainWindow::setDocument(std::unique_ptr<TextDocument> document)
         updateTitle();
         showExternalState();
     });
-    m_highlightObserver = m_services.notifications.observe(SyntaxHighlighter::needsVisibleRefresh, m_document->highlighter(),
-                                                           [this] { highlightVisible(); });
+    m_highlightObserver =
+        m_services.notifications.observe(SyntaxHighlighter::needsVisibleRefresh, m_document->highlighter(), [this] { highlightVisible(); });
     connect(m_textView, &TextView::zoomRequested, this, &MainWindow::changeFontSize);
-    connect(m_textView, &TextView::visibleRowsChanged, this, [this] {
-        m_highlighting = m_services.scheduler.after(highlightDelay, [this] { highlightVisible(); });
-    });
+    connect(m_textView, &TextView::visibleRowsChanged, this,
+            [this] { m_highlighting = m_services.scheduler.after(highlightDelay, [this] { highlightVisible(); }); });
     applyPreferences();
     setCentralWidget(m_textView);
     m_textView->setFocus();
@@ -228,7 +234,8 @@ void MainWindow::save(Completion completion)
 void MainWindow::saveAs(Completion completion)
 {
     const QString &path = m_document->path();
-    const SavePanel panel{.startFolder = path.isEmpty() ? panelFolder() : QFileInfo(path).path(), .suggestedName = m_document->displayName()};
+    const SavePanel panel{.startFolder = path.isEmpty() ? panelFolder() : QFileInfo(path).path(),
+                          .suggestedName = m_document->displayName()};
     m_services.presenter.present(panel, this, [this, completion = std::move(completion)](const std::optional<QString> &chosen) {
         if (!chosen) {
             completion(false);

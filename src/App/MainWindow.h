@@ -77,6 +77,7 @@ private:
     void askToSave(Completion completion);
 
     void setDocument(std::unique_ptr<TextDocument> document);
+    void closeDocument();
     void applyTheme();
     void highlightVisible();
     void showExternalState();

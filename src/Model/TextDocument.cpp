@@ -339,7 +339,8 @@ void TextDocument::startWatching()
     m_fileReading.cancel();
     m_watcher.reset();
     if (!m_path.isEmpty()) {
-        m_watcher = std::make_unique<FileWatcher>(m_services.watchers, m_path, [this](FileWatcher::Event event) { handleFileEvent(event); });
+        m_watcher =
+            std::make_unique<FileWatcher>(m_services.watchers, m_path, [this](FileWatcher::Event event) { handleFileEvent(event); });
     }
 }
 

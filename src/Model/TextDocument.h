@@ -65,8 +65,8 @@ public:
     TextDocument(const DocumentServices &services, const QString &path, const std::optional<TextFile::Contents> &contents,
                  const QUuid &id = QUuid::createUuid());
     /// A text that the program makes itself and nobody saves.
-    [[nodiscard]] static std::unique_ptr<TextDocument> generated(const DocumentServices &services, const QString &title, const QString &text,
-                                                                 const Language &language);
+    [[nodiscard]] static std::unique_ptr<TextDocument> generated(const DocumentServices &services, const QString &title,
+                                                                 const QString &text, const Language &language);
     ~TextDocument();
     Q_DISABLE_COPY_MOVE(TextDocument)
 

@@ -50,8 +50,9 @@ protected:
     DocumentTest()
     {
         defaults.registerDefault("watch.reloadClean"_L1, true);
-        for (const auto &[name, letter] : {std::pair(TextDocument::didChangeMetadata, u'm'), std::pair(TextDocument::didReloadFromDisk, u'r'),
-                                           std::pair(TextDocument::didDetectExternalChange, u'x')}) {
+        for (const auto &[name, letter] :
+             {std::pair(TextDocument::didChangeMetadata, u'm'), std::pair(TextDocument::didReloadFromDisk, u'r'),
+              std::pair(TextDocument::didDetectExternalChange, u'x')}) {
             observers.push_back(notifications.observe(name, nullptr, [this, letter = QChar(letter)] { heard += letter; }));
         }
     }
@@ -116,7 +117,9 @@ TEST_F(DocumentTest, IsDirtyFromTheFirstEditAndCleanAgainWhenItIsTakenBack)
     document.setEncoding(TextEncoding::utf16);
     EXPECT_EQ(takeHeard(), u"m"_s);
     ASSERT_TRUE(document.save(path()));
-    EXPECT_EQ(read(), QByteArray("\xFF\xFE" "a\0b\0c\0\r\0\n\0", 12));
+    EXPECT_EQ(read(), QByteArray("\xFF\xFE"
+                                 "a\0b\0c\0\r\0\n\0",
+                                 12));
     EXPECT_FALSE(document.isDirty());
     EXPECT_EQ(takeHeard(), u"mm"_s);
     EXPECT_EQ(discarded.size(), 1);
