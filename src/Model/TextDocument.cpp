@@ -16,6 +16,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qsizetype firstLineReach = 512;
+// Colouring works on whole lines; one of megabytes would hold up the keys for half a second after each pause.
+constexpr qsizetype longestColouredLine = 1'000'000;
 
 /// Where two texts begin to differ and where they end to, so that a reload leaves carets and colours alone that stand elsewhere.
 TextChange differenceOf(const Rope &before, const Rope &after)
@@ -190,14 +192,20 @@ void TextDocument::setLanguage(const Language &language)
     }
     m_language = language;
     if (m_highlighter) {
-        m_highlighter->setLanguage(language);
+        m_highlighter->setLanguage(colouredLanguage());
     }
     postMetadata();
 }
 
+const Language &TextDocument::colouredLanguage() const
+{
+    return m_storage.text().longestLine() > longestColouredLine ? Language::plainText() : m_language;
+}
+
 void TextDocument::attachHighlighter(const Theme &theme)
 {
-    m_highlighter = std::make_unique<SyntaxHighlighter>(m_storage, m_language, theme, m_services.scheduler, m_services.notifications);
+    m_highlighter =
+        std::make_unique<SyntaxHighlighter>(m_storage, colouredLanguage(), theme, m_services.scheduler, m_services.notifications);
     m_highlighter->rehighlightAll();
 }
 

@@ -122,6 +122,8 @@ private:
         quint64 revision = 0;
     };
 
+    /// Plain text for a text with a line of megabytes.
+    [[nodiscard]] const Language &colouredLanguage() const;
     void noteEdit(TextStorage::EditMask mask);
     void checkDirty();
     void applyDirtyCheck(quint64 hash);

@@ -149,6 +149,13 @@ TEST_F(DocumentTest, ALargeTextIsHashedElsewhereAndOldAnswersAreDropped)
     EXPECT_TRUE(document.isDirty()) << "the answer was about a text that is no more";
 }
 
+TEST_F(DocumentTest, ALineOfMegabytesIsNotColoured)
+{
+    const TextDocument &document = open("int x;" + QByteArray(1'100'000, ' ') + "int y;\n", u"a.c"_s);
+    EXPECT_EQ(document.language().id(), u"c"_s);
+    EXPECT_EQ(document.highlighter()->language().id(), u"text"_s);
+}
+
 TEST_F(DocumentTest, SavesUnderANewNameWithItsLanguage)
 {
     TextDocument &document = open("int x;\n");
