@@ -6,6 +6,7 @@
 #include "App/TerminationSignals.h"
 #include "Model/DocumentStore.h"
 #include "Platform/DefaultsStore.h"
+#include "Platform/Localization.h"
 #include "Platform/SystemAppearance.h"
 #include "Platform/SystemPasteboard.h"
 #include "Platform/WidgetAlertPresenter.h"
@@ -43,6 +44,8 @@ int run(QApplication &application, const QStringList &files)
     NotificationCenter notifications;
     DefaultsStore defaults(DefaultsStore::standardPath(), scheduler);
     Preferences preferences(defaults, notifications);
+    preferences.setLanguageResolver(Localization::use);
+    Localization::use(preferences.language());
     SystemPasteboard pasteboard;
     WidgetAlertPresenter presenter;
     // Leaves the event loop at once, where quit() would have windows ask first.
