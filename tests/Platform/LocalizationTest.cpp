@@ -1,10 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "Platform/Localization.h"
+#include "Platform/ToolkitTexts.h"
 #include "Platform/Translation.h"
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QMap>
 
 #include <future>
@@ -103,4 +105,18 @@ TEST_F(LocalizationTest, WhatATableLacksShowsInEnglish)
         EXPECT_EQ(StringBundle::parse(damaged), (QHash<QString, QString>())) << damaged;
     }
     EXPECT_EQ(StringBundle(QLocale::c(), {}).text(u"Save"), u"Save");
+}
+
+TEST(ToolkitTexts, FollowTheLanguage)
+{
+    const auto control = [] { return QCoreApplication::translate("QShortcut", "Ctrl"); };
+    {
+        ToolkitTexts texts;
+        texts.use(QLocale(QLocale::German));
+        EXPECT_EQ(control(), u"Strg");
+        texts.use(QLocale(QLocale::English));
+        EXPECT_EQ(control(), u"Ctrl");
+        texts.use(QLocale(QLocale::German));
+    }
+    EXPECT_EQ(control(), u"Ctrl");
 }
