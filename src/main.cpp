@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "App/CommandLine.h"
 #include "App/MainWindow.h"
-#include "App/Preferences.h"
 #include "App/TerminationSignals.h"
 #include "Model/DocumentStore.h"
+#include "Model/Preferences.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Localization.h"
 #include "Platform/SystemAppearance.h"

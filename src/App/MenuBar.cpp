@@ -23,7 +23,7 @@ constexpr auto commands = std::to_array<MenuCommand>({
     {u"File", "openDocument:", u"Open…", "Ctrl+O"},
     {u"File", "saveDocument:", u"Save", "Ctrl+S", startsGroup},
     {u"File", "saveDocumentAs:", u"Save As…", "Ctrl+Shift+S"},
-    {u"File", "revertDocument:", u"Revert to File on Disk"},
+    {u"File", "revertDocumentToSaved:", u"Revert to Saved"},
     {u"File", "terminate:", u"Quit Quillet", "Ctrl+Q", startsGroup},
 
     {u"Edit", "undo:", u"Undo", "Ctrl+Z"},
@@ -34,7 +34,16 @@ constexpr auto commands = std::to_array<MenuCommand>({
     {u"Edit", "delete:", u"Delete"},
     {u"Edit", "selectAll:", u"Select All", "Ctrl+A", startsGroup},
 
+    {u"Edit", "toggleComment:", u"Toggle Comment", "Ctrl+/; Ctrl+#", startsGroup},
+    {u"Edit", "insertTab:", u"Shift Right", "Ctrl+]"},
+    {u"Edit", "insertBacktab:", u"Shift Left", "Ctrl+["},
+    {u"Edit", "duplicateLine:", u"Duplicate Line", "Ctrl+Shift+D"},
+    {u"Edit", "deleteLine:", u"Delete Line", "Ctrl+Shift+K"},
+
+    {u"View", "toggleLineNumbers:", u"Show Line Numbers", "Ctrl+Alt+L", inGroup, MenuCommand::Look::checkable},
     {u"View", "toggleLineWrap:", u"Wrap Lines", "Ctrl+Alt+W", inGroup, MenuCommand::Look::checkable},
+    {u"View", "toggleInvisibles:", u"Show Invisibles", "Ctrl+Alt+I", inGroup, MenuCommand::Look::checkable},
+    {u"View", "toggleCurrentLineHighlight:", u"Highlight Current Line", "", inGroup, MenuCommand::Look::checkable},
     // Where "+" needs Shift, the key without it means the same.
     {u"View", "increaseFontSize:", u"Bigger", "Ctrl++; Ctrl+=", startsGroup},
     {u"View", "decreaseFontSize:", u"Smaller", "Ctrl+-"},

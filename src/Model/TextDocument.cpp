@@ -384,6 +384,14 @@ void TextDocument::setExternalState(ExternalState state)
     postMetadata();
 }
 
+void TextDocument::clearExternalState()
+{
+    if (m_externalState != ExternalState::none) {
+        m_externalState = ExternalState::none;
+        postMetadata();
+    }
+}
+
 void TextDocument::compareWithFile()
 {
     m_fileReading = BackgroundTask::start(

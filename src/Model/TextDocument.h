@@ -84,6 +84,8 @@ public:
 
     [[nodiscard]] bool isDirty() const { return m_isDirty; }
     [[nodiscard]] ExternalState externalState() const { return m_externalState; }
+    /// The user keeps the text as it is, whatever became of the file.
+    void clearExternalState();
     /// The document replaces its own text; edits seen now are nobody's.
     [[nodiscard]] bool isLoading() const { return m_isLoading; }
 

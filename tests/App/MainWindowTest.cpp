@@ -3,8 +3,8 @@
 #include "App/MainWindow.h"
 
 #include "App/MenuBar.h"
-#include "App/Preferences.h"
 #include "Model/DocumentStore.h"
+#include "Model/Preferences.h"
 #include "Model/WatchedPath.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"

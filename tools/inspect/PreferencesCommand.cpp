@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Command.h"
 
-#include "App/Preferences.h"
+#include "Model/Preferences.h"
 #include "Platform/DefaultsStore.h"
 
 #include <array>
