@@ -6,8 +6,10 @@
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Platform/DefaultsStore.h"
+#include "Platform/Localization.h"
 #include "Platform/SystemAppearance.h"
 #include "Platform/SystemPasteboard.h"
+#include "Platform/ToolkitTexts.h"
 #include "Platform/WidgetAlertPresenter.h"
 
 #include <QApplication>
@@ -43,6 +45,13 @@ int run(QApplication &application, const QStringList &files)
     NotificationCenter notifications;
     DefaultsStore defaults(DefaultsStore::standardPath(), scheduler);
     Preferences preferences(defaults, notifications);
+    ToolkitTexts toolkitTexts;
+    const auto chooseLanguage = [&toolkitTexts](AppLanguage language) {
+        Localization::use(language);
+        toolkitTexts.use(Localization::current().locale());
+    };
+    preferences.setLanguageResolver(chooseLanguage);
+    chooseLanguage(preferences.language());
     SystemPasteboard pasteboard;
     WidgetAlertPresenter presenter;
     // Leaves the event loop at once, where quit() would have windows ask first.

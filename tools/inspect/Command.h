@@ -54,6 +54,7 @@ struct CommandRow {
 [[nodiscard]] std::span<const CommandRow> keysCommands();
 [[nodiscard]] std::span<const CommandRow> languageCommands();
 [[nodiscard]] std::span<const CommandRow> preferencesCommands();
+[[nodiscard]] std::span<const CommandRow> stringsCommands();
 
 /// The arguments by the row, or none when they do not fit it.
 [[nodiscard]] std::optional<Arguments> parseArguments(const CommandRow &command, const QStringList &given);

@@ -13,6 +13,8 @@ namespace {
 
 /// A preferences store of the tool's own, on the disk as the program's is.
 struct PrivatePreferences {
+    PrivatePreferences() { preferences.setLanguageResolver(Localization::use); }
+
     ManualScheduler scheduler;
     DefaultsStore defaults{DefaultsStore::standardPath(), scheduler};
     NotificationCenter notifications;
