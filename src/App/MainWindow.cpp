@@ -11,9 +11,12 @@
 #include "Platform/Translation.h"
 #include "Text/TextView.h"
 
+#include <QActionGroup>
 #include <QCloseEvent>
 #include <QDir>
 #include <QFileInfo>
+#include <QMenu>
+#include <QMenuBar>
 #include <QStatusBar>
 
 #include <array>
@@ -50,6 +53,7 @@ MainWindow::MainWindow(const AppServices &services) : m_services(services)
 {
     resize(startSize);
     installMenuBar(*this, m_services.presenter);
+    installEncodingMenu();
     setDocument(std::make_unique<TextDocument>(m_services.documents.services(), QString(), std::nullopt));
     m_preferencesObserver = m_services.notifications.observe(Preferences::didChange, nullptr, [this] { applyPreferences(); });
 }
@@ -152,9 +156,38 @@ bool MainWindow::canRevert() const
 void MainWindow::revertDocument()
 {
     if (const auto reverted = m_document->revertToFileOnDisk(); !reverted) {
-        const TextFile::ReadError &error = reverted.error();
-        m_services.presenter.present(Alert::forError(error.description(), error.recoverySuggestion().value_or(QString())), this, {});
+        presentError(reverted.error());
     }
+}
+
+void MainWindow::installEncodingMenu()
+{
+    QMenu *menu = menuBar()->addMenu(localized(u"Text Encoding"));
+    auto *choices = new QActionGroup(menu);
+    for (const TextEncoding encoding : TextFile::selectableEncodings) {
+        QAction *item = menu->addAction(displayName(encoding));
+        item->setCheckable(true);
+        choices->addAction(item);
+        connect(item, &QAction::triggered, this, [this, encoding] { chooseEncoding(encoding); });
+        connect(menu, &QMenu::aboutToShow, item, [this, item, encoding] { item->setChecked(m_document->encoding() == encoding); });
+    }
+}
+
+/// A text that is as in its file is read anew; any other keeps its characters and is saved in the encoding.
+void MainWindow::chooseEncoding(TextEncoding encoding)
+{
+    if (m_document->isUntitled() || m_document->isDirty()) {
+        m_document->setEncoding(encoding);
+        return;
+    }
+    if (const auto read = m_document->reinterpret(encoding); !read) {
+        presentError(read.error());
+    }
+}
+
+void MainWindow::presentError(const TextFile::ReadError &error)
+{
+    m_services.presenter.present(Alert::forError(error.description(), error.recoverySuggestion().value_or(QString())), this, {});
 }
 
 void MainWindow::applyPreferences()
@@ -188,8 +221,7 @@ void MainWindow::show(const QString &path)
         setDocument(std::make_unique<TextDocument>(m_services.documents.services(), path, *contents));
         return;
     }
-    const TextFile::ReadError &error = contents.error();
-    m_services.presenter.present(Alert::forError(error.description(), error.recoverySuggestion().value_or(QString())), this, {});
+    presentError(contents.error());
 }
 
 void MainWindow::open(const QString &path)

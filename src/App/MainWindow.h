@@ -2,9 +2,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Model/TextFile.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/Responder.h"
 #include "Platform/Scheduler.h"
+#include "Platform/TextEncoding.h"
 
 #include <QMainWindow>
 
@@ -83,6 +85,9 @@ private:
     void showExternalState();
     void revertDocument();
     [[nodiscard]] bool canRevert() const;
+    void presentError(const TextFile::ReadError &error);
+    void installEncodingMenu();
+    void chooseEncoding(TextEncoding encoding);
     void applyPreferences();
     void updateTitle();
     [[nodiscard]] QString panelFolder() const;

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Highlighting/SyntaxHighlighter.h"
 
+#include "Text/LineRange.h"
+
 #include <QScopedValueRollback>
 
 #include <algorithm>
@@ -28,39 +30,6 @@ TextRange hull(TextRange a, TextRange b)
 bool contains(TextRange outer, TextRange inner)
 {
     return outer.location <= inner.location && inner.end() <= outer.end();
-}
-
-constexpr bool isSeparator(char16_t unit)
-{
-    return unit == 0x2028 || unit == 0x2029;
-}
-
-/// From the start of the line that holds the start of `range` to the end, its break included, of the line that holds its end: when a line
-/// is broken in two, both are in it. U+2028 and U+2029 end lines too, which the rope does not count. `range` must lie in the text.
-TextRange lineRange(const Rope &text, TextRange range)
-{
-    qsizetype from = text.lineStart(text.lineAt(range.location));
-    const qsizetype lastLine = text.lineAt(range.end());
-    qsizetype to = lastLine + 1 < text.lineCount() ? text.lineStart(lastLine + 1) : text.length();
-    // Separators never stand in a leaf of one byte a unit.
-    text.forEachChunk(TextRange::between(from, range.location), [&](const Rope::Chunk &chunk) {
-        for (qsizetype index = chunk.wide ? 0 : chunk.length; index < chunk.length; ++index) {
-            if (isSeparator(chunk.wide[index])) {
-                from = chunk.location + index + 1;
-            }
-        }
-        return true;
-    });
-    text.forEachChunk(TextRange::between(range.end(), to), [&](const Rope::Chunk &chunk) {
-        for (qsizetype index = chunk.wide ? 0 : chunk.length; index < chunk.length; ++index) {
-            if (isSeparator(chunk.wide[index])) {
-                to = chunk.location + index + 1;
-                return false;
-            }
-        }
-        return true;
-    });
-    return TextRange::between(from, to);
 }
 
 bool isSwitchedOff(const RegularExpression &regex)

@@ -73,12 +73,13 @@ void FileWatchEngine::start()
     }
 }
 
-void FileWatchEngine::add(const std::shared_ptr<FileWatchLink> &link, const QByteArray &path)
+void FileWatchEngine::add(const std::shared_ptr<FileWatchLink> &link, const QByteArray &path, const std::optional<FileStamp> &known)
 {
     Record &record = m_records[link.get()];
     record.link = link;
     record.path = path;
-    want(record, Purpose::capture);
+    record.known = known;
+    want(record, known ? Purpose::report : Purpose::capture);
 }
 
 void FileWatchEngine::remove(const std::shared_ptr<FileWatchLink> &link)

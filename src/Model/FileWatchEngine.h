@@ -56,7 +56,7 @@ public:
     [[nodiscard]] const std::shared_ptr<FileWatchMailbox> &mailbox() const { return m_mailbox; }
 
     void start();
-    void add(const std::shared_ptr<FileWatchLink> &link, const QByteArray &path);
+    void add(const std::shared_ptr<FileWatchLink> &link, const QByteArray &path, const std::optional<FileStamp> &known);
     void remove(const std::shared_ptr<FileWatchLink> &link);
     void endOwnWrite(const std::shared_ptr<FileWatchLink> &link, quint64 write);
 

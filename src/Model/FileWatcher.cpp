@@ -10,12 +10,13 @@
 
 using namespace Qt::StringLiterals;
 
-FileWatcher::FileWatcher(FileWatcherQueue &queue, const QString &path, std::function<void(Event)> onEvent)
+FileWatcher::FileWatcher(FileWatcherQueue &queue, const QString &path, const std::optional<FileStamp> &known,
+                         std::function<void(Event)> onEvent)
     : m_path(QDir::isAbsolutePath(path) ? path : QDir::currentPath() + u'/' + path), m_queue(queue.m_mailbox),
       m_link(std::make_shared<FileWatchLink>())
 {
     m_link->onEvent = std::move(onEvent);
-    m_queue->post([link = m_link, name = QFile::encodeName(m_path)](FileWatchEngine &engine) { engine.add(link, name); });
+    m_queue->post([link = m_link, name = QFile::encodeName(m_path), known](FileWatchEngine &engine) { engine.add(link, name, known); });
 }
 
 void FileWatcher::stop()

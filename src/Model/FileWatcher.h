@@ -9,11 +9,13 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class FileWatcherQueue;
 class FileWatchMailbox;
 class Scheduler;
 class WatchCalls;
+struct FileStamp;
 class Workers;
 struct FileWatchLink;
 
@@ -31,9 +33,10 @@ public:
     /// `renamed` is there for callers that tell it apart; this class reports the other two.
     enum class Event { contentChanged, deleted, renamed };
 
-    /// The file as it is soon after this call is the known one; it need not exist. A relative `path` counts from the working folder of
-    /// now. `onEvent` is called from the event loop and may destroy the watcher. Without its `queue` a watcher is silent.
-    FileWatcher(FileWatcherQueue &queue, const QString &path, std::function<void(Event)> onEvent);
+    /// `known` is the file as the caller has read it, and what happened to it since is reported. Without one the file as it is soon
+    /// after this call is the known one; it need not exist. A relative `path` counts from the working folder of now. `onEvent` is called
+    /// from the event loop and may destroy the watcher. Without its `queue` a watcher is silent.
+    FileWatcher(FileWatcherQueue &queue, const QString &path, const std::optional<FileStamp> &known, std::function<void(Event)> onEvent);
     FileWatcher(const FileWatcher &) = delete;
     FileWatcher &operator=(const FileWatcher &) = delete;
     ~FileWatcher() { stop(); }

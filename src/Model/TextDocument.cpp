@@ -61,7 +61,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
     rememberSavedText();
     detectLanguage();
     QObject::connect(&m_storage, &TextStorage::didProcessEditing, &m_context, [this](TextStorage::EditMask mask) { noteEdit(mask); });
-    startWatching();
+    startWatching(contents ? contents->stamp : std::nullopt);
 }
 
 TextDocument::~TextDocument() = default;
@@ -261,7 +261,7 @@ Result<void> TextDocument::save(const QString &path)
         if (!languageWasChosenManually) {
             detectLanguage();
         }
-        startWatching();
+        startWatching({});
     }
     postMetadata();
     return {};
@@ -341,14 +341,14 @@ tl::expected<void, TextFile::ReadError> TextDocument::reinterpret(TextEncoding e
 
 // What others do to the file
 
-void TextDocument::startWatching()
+void TextDocument::startWatching(const std::optional<FileStamp> &known)
 {
     m_deletedCheck.cancel();
     m_fileReading.cancel();
     m_watcher.reset();
     if (!m_path.isEmpty()) {
         m_watcher =
-            std::make_unique<FileWatcher>(m_services.watchers, m_path, [this](FileWatcher::Event event) { handleFileEvent(event); });
+            std::make_unique<FileWatcher>(m_services.watchers, m_path, known, [this](FileWatcher::Event event) { handleFileEvent(event); });
     }
 }
 

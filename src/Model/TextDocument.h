@@ -137,7 +137,7 @@ private:
     void reload(const TextFile::Contents &contents);
     void detectLanguage();
 
-    void startWatching();
+    void startWatching(const std::optional<FileStamp> &known);
     void handleFileEvent(FileWatcher::Event event);
     void checkDeleted();
     void compareWithFile();

@@ -452,6 +452,9 @@ tl::expected<Contents, ReadError> TextFile::read(const QString &path, std::optio
         if (outcome == Reading::Outcome::failed) {
             return failed(reading.error, reading.error == ReadError::Kind::tooLarge ? std::max<qint64>(size, before->st_size) : 0);
         }
+        if (!isLast) {
+            reading.contents.stamp = FileStamp::of(*before);
+        }
         return std::move(reading.contents);
     }
 }

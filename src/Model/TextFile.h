@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Model/FileStamp.h"
 #include "Model/LineEnding.h"
 #include "Platform/FileCalls.h"
 #include "Platform/Result.h"
@@ -31,6 +32,8 @@ public:
         LineEnding lineEnding = LineEnding::lf;
         /// Nothing decoded the bytes cleanly and U+FFFD stands for what was not UTF-8.
         bool isLossyDecode = false;
+        /// The file as it was when it was read; none when it kept changing.
+        std::optional<FileStamp> stamp = std::nullopt;
     };
 
     struct ReadError {

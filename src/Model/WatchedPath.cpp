@@ -194,7 +194,7 @@ WatchedPath WatchedPath::arm(const QByteArray &path, int notifier, WatchCalls &c
     }
     struct stat status = {};
     if (calls.stat(path.constData(), &status) == 0) {
-        found.stamp = FileStamp{.modified = status.st_mtim, .size = status.st_size};
+        found.stamp = FileStamp::of(status);
     } else {
         found.isMissing = isGone(errno);
     }

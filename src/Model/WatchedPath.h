@@ -2,13 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Model/FileStamp.h"
 #include "Platform/FileCalls.h"
 
 #include <QByteArray>
 
-#include <compare>
 #include <cstdint>
-#include <ctime>
 #include <optional>
 #include <vector>
 
@@ -24,18 +23,6 @@ public:
     virtual int inotifyAddWatch(int notifier, const char *path, uint32_t mask);
     virtual int inotifyRemoveWatch(int notifier, int descriptor);
     virtual int statfs(const char *path, struct statfs *status);
-};
-
-/// What tells one content of a file from another without reading it.
-struct FileStamp {
-    timespec modified = {};
-    /// Bytes.
-    qint64 size = 0;
-
-    friend bool operator==(const FileStamp &a, const FileStamp &b)
-    {
-        return a.modified.tv_sec == b.modified.tv_sec && a.modified.tv_nsec == b.modified.tv_nsec && a.size == b.size;
-    }
 };
 
 /// One inode on the way to a file, and which of its events concern the file.

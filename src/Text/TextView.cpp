@@ -62,6 +62,7 @@ const ActionRow *TextView::actionFor(Selector selector) const
         action<&TextView::paste, &TextView::canPaste>("paste:"),
         action<&TextView::deleteSelection, &TextView::canCut>("delete:"),
         action<&TextView::selectAll>("selectAll:"),
+        action<&TextView::centerSelection>("centerSelectionInVisibleArea:"),
     });
     return findAction(rows, selector);
 }
@@ -189,6 +190,37 @@ void TextView::setMarkProvider(MarkProvider provider)
     viewport()->update();
 }
 
+void TextView::setMisspellings(MarkProvider provider)
+{
+    m_misspellings = std::move(provider);
+    viewport()->update();
+}
+
+void TextView::showIndicator(TextRange range)
+{
+    // Full for a while, then it fades; a step is hardly seen.
+    constexpr double initialStrength = 2;
+    updateRows(m_indicated.clampedTo(m_storage.length()));
+    m_indicated = range.clampedTo(m_storage.length());
+    m_indicatorStrength = initialStrength;
+    m_indicatorFades = m_services.scheduler.every(40ms, 10ms, [this] { fadeIndicator(); });
+    updateRows(m_indicated);
+}
+
+void TextView::fadeIndicator()
+{
+    constexpr double step = 0.125;
+    const bool isFull = m_indicatorStrength > 1;
+    m_indicatorStrength -= step;
+    if (!isFull) {
+        updateRows(m_indicated);
+    }
+    if (m_indicatorStrength <= 0) {
+        m_indicatorFades.cancel();
+        m_indicated = {};
+    }
+}
+
 // The edit primitive
 
 bool TextView::shouldChangeText(TextRange range, QStringView replacement)
@@ -287,6 +319,7 @@ void TextView::mapPlaces(const TextChangeList &changes)
         m_selectionToCome = mappedSelection(*m_selectionToCome, changes, Bias::before);
     }
     m_dragged = mappedRange(m_dragged, changes).clampedTo(text.length());
+    m_indicated = mappedRange(m_indicated, changes).clampedTo(text.length());
     m_pointer.origin = mappedRange(m_pointer.origin, changes).clampedTo(text.length());
     if (m_dropCaret) {
         m_dropCaret = std::min(mappedOffset(*m_dropCaret, changes, Bias::before), text.length());
@@ -338,7 +371,7 @@ void TextView::updateRows(TextRange range)
 void TextView::setCaret(const Caret &caret, qsizetype anchor)
 {
     const TextSelection before = selection();
-    const qsizetype lineBefore = m_caretPlace.line;
+    const QRectF rowBefore = caretRowInViewport();
     updateCaret();
     m_caret = caret;
     m_anchor = anchor;
@@ -348,6 +381,10 @@ void TextView::setCaret(const Caret &caret, qsizetype anchor)
         movePreedit();
     }
     restartBlinking();
+    if (const QRectF row = caretRowInViewport(); row != rowBefore) {
+        viewport()->update(rowBefore.toAlignedRect());
+        viewport()->update(row.toAlignedRect());
+    }
     // An edit of this view has already moved the ends along with the text, which is no reason to keep silent about it.
     if (selection() == before && !m_isEditing) {
         updateCaret();
@@ -366,10 +403,6 @@ void TextView::setCaret(const Caret &caret, qsizetype anchor)
             changed(before.anchor, before.caret);
             changed(m_anchor, m_caret.offset);
         }
-    }
-    // A line has more rows than those between the two ends.
-    if (m_colors.currentLine.isValid() && m_caretPlace.line != lineBefore) {
-        viewport()->update();
     }
     updateCaret();
     if (hasFocus()) {
@@ -408,6 +441,18 @@ void TextView::revealOffset(qsizetype offset)
     m_port.reveal(row);
     const double x = m_layout.xOf(row, offset);
     m_port.revealX({x, x + m_layout.cellWidth()});
+    viewMoved();
+    viewport()->update();
+}
+
+void TextView::centerSelection()
+{
+    revealCaret(Reveal::center);
+}
+
+void TextView::setScrollOffset(double pixels)
+{
+    m_port.setY(pixels);
     viewMoved();
     viewport()->update();
 }
@@ -673,6 +718,16 @@ void TextView::updateCaret()
 {
     viewport()->update(caretInViewport().toAlignedRect().adjusted(-1, 0, 1, 0));
     noticeShifts();
+}
+
+/// Empty while the row of the caret has no colour of its own, and when it is not on the screen.
+QRectF TextView::caretRowInViewport()
+{
+    if (!m_colors.currentLine.isValid()) {
+        return {};
+    }
+    const auto top = m_port.topOf(caretRow());
+    return top ? QRectF(0, *top, viewport()->width(), m_layout.rowHeight()) : QRectF();
 }
 
 RowPosition TextView::caretRow()

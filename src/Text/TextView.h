@@ -12,6 +12,7 @@
 #include <QColor>
 
 class Pasteboard;
+class QMenu;
 class QMimeData;
 
 /// An editable view of a TextStorage: draws what is visible, moves the caret, takes keys, pointer, input methods and drops.
@@ -33,7 +34,7 @@ public:
         Scheduler &scheduler;
         Pasteboard &pasteboard;
     };
-    /// An invalid `currentLine` or `selectedText` is not drawn.
+    /// An invalid `currentLine`, which is behind the row of the caret, is not drawn.
     struct Colors {
         QColor background;
         QColor text;
@@ -67,6 +68,10 @@ public:
     void setAccess(Access access);
     [[nodiscard]] bool isReadOnly() const { return m_access == Access::readOnly; }
     void setMarkProvider(MarkProvider provider);
+    /// The stretches to be underlined with a wavy line.
+    void setMisspellings(MarkProvider provider);
+    /// Draws the eye to `range`, which is seen already: a highlight that fades within a second.
+    void showIndicator(TextRange range);
 
     [[nodiscard]] TextSelection selection() const { return {m_anchor, m_caret.offset}; }
     /// Both ends are clamped to the text and moved to grapheme boundaries.
@@ -75,6 +80,10 @@ public:
     void revealCaret(Reveal reveal = Reveal::nearest);
     /// Scrolls until `offset` is seen; the caret stays where it is.
     void revealOffset(qsizetype offset);
+    void centerSelection();
+    /// Pixels from the top of the content to the top of what is seen; estimated where rows were not laid out yet.
+    [[nodiscard]] double scrollOffset() { return m_port.position().y(); }
+    void setScrollOffset(double pixels);
 
     /// Replaces `range` by `text` as one undoable change and puts the caret behind it. Refused in a read-only view.
     void insertText(QStringView text, TextRange range);
@@ -112,6 +121,8 @@ signals:
     void visibleRowsChanged();
     /// Control and the wheel: positive is larger.
     void zoomRequested(int steps);
+    /// The context menu is about to be shown for the text at `offset`; observers add what they have to offer.
+    void contextMenuRequested(QMenu *menu, qsizetype offset);
 
 protected:
     /// Asked before every change that begins in this view; false refuses it.
@@ -119,6 +130,9 @@ protected:
     virtual void didChangeText() {}
     /// The one way by which this view changes its text. Not inside a batch of the storage.
     bool replaceText(TextRange range, QStringView text, GroupKind kind, TextSelection after);
+
+    /// What an input method has shown so far becomes text.
+    void commitPreedit();
 
     /// Lets the user drag `content`, which it takes over, and tells how that ended. Tests drop it at once.
     virtual Qt::DropAction runDrag(QMimeData *content, Qt::DropActions allowed, Qt::DropAction proposed);
@@ -185,17 +199,22 @@ private:
     void publishPrimarySelection();
     void applyPaletteColors();
 
+    [[nodiscard]] QRectF caretRowInViewport();
+    void fadeIndicator();
+
     struct KeyCommand;
     [[nodiscard]] static const KeyCommand *commandFor(const QKeyEvent &event);
     void removeRange(TextRange range, GroupKind kind);
 
     void paintRow(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
+    [[nodiscard]] TextRange seenOf(const Viewport::VisibleRow &row, Span visible);
     void paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
+    void paintIndicator(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
+    void paintMisspellings(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintInvisibles(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintCaret(QPainter &painter);
 
-    void commitPreedit();
     void commitText(const QInputMethodEvent &event);
     void movePreedit();
     void selectAt(const Caret &caret, Granularity granularity);
@@ -224,6 +243,11 @@ private:
     Colors m_colors;
     bool m_followsPalette = true;
     MarkProvider m_marks;
+    MarkProvider m_misspellings;
+    TextRange m_indicated;
+    /// From 1, full, to 0.
+    double m_indicatorStrength = 0;
+    RepeatingTimer m_indicatorFades;
 
     Caret m_caret;
     qsizetype m_anchor = 0;

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 
-// The painting of a TextView. From back to front: background, the caret's line, marks, selection, text, invisibles, caret. Only the
-// rows in the region asked for are touched, and nothing is laid out that cannot be seen.
+// The painting of a TextView. From back to front: background, the caret's row, marks, selection, text, underlines, invisibles, caret. Only
+// the rows in the region asked for are touched, and nothing is laid out that cannot be seen.
 
 #include "Text/TextStorage.h"
 #include "Text/TextView.h"
@@ -16,6 +16,19 @@
 namespace {
 
 constexpr float blockCaretAlpha = 0.45F;
+constexpr QColor indicatorColor(0xFF, 0xC8, 0x1E);
+constexpr QColor misspellingColor(0xE5, 0x3E, 0x3E);
+
+/// Puts the painter's state back when it goes.
+class PainterState final {
+public:
+    explicit PainterState(QPainter &painter) : m_painter(painter) { m_painter.save(); }
+    ~PainterState() { m_painter.restore(); }
+    Q_DISABLE_COPY_MOVE(PainterState)
+
+private:
+    QPainter &m_painter;
+};
 
 } // namespace
 
@@ -29,13 +42,8 @@ void TextView::paintEvent(QPaintEvent *event)
     const double left = m_port.left();
     const Span visible{area.left() - 1 - left, area.right() + 1 - left};
     const auto rows = m_port.rows(area.top() - 1, area.bottom() + 1);
-    if (m_colors.currentLine.isValid() && hasFocus()) {
-        const qsizetype line = m_storage.text().lineAt(m_caret.offset);
-        for (const Viewport::VisibleRow &row : rows) {
-            if (row.row.line == line) {
-                painter.fillRect(QRectF(area.left() - 1, row.top, area.width() + 2, m_layout.rowHeight()), m_colors.currentLine);
-            }
-        }
+    if (hasFocus()) {
+        painter.fillRect(caretRowInViewport(), m_colors.currentLine);
     }
     for (const Viewport::VisibleRow &row : rows) {
         paintRow(painter, row, visible);
@@ -44,22 +52,68 @@ void TextView::paintEvent(QPaintEvent *event)
     noticeWidths();
 }
 
+/// The units of the row that can be seen: of a long line only these are asked for, it may hold millions.
+TextRange TextView::seenOf(const Viewport::VisibleRow &row, Span visible)
+{
+    TextRange seen = m_layout.rangeOf(row.row);
+    if (!m_layout.wraps()) {
+        m_layout.forEachLayout(row.row, visible, [&, isFirst = true](const SegmentLayout &shown, int, double) mutable {
+            seen = TextRange::between(isFirst ? shown.range().location : seen.location, shown.range().end());
+            isFirst = false;
+        });
+    }
+    return seen;
+}
+
 void TextView::paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
 {
     if (!m_marks) {
         return;
     }
-    // Of a long line only what can be seen is asked for: it may hold millions.
-    TextRange seen = m_layout.rangeOf(row.row);
-    m_layout.forEachLayout(row.row, visible, [&, isFirst = true](const SegmentLayout &shown, int, double) mutable {
-        if (!m_layout.wraps()) {
-            seen = TextRange::between(isFirst ? shown.range().location : seen.location, shown.range().end());
-            isFirst = false;
-        }
-    });
-    for (const TextRange mark : m_marks(seen)) {
+    for (const TextRange mark : m_marks(seenOf(row, visible))) {
         for (const Span span : m_layout.spansOf(row.row, mark, visible)) {
             painter.fillRect(QRectF(m_port.left() + span.left, row.top, span.right - span.left, m_layout.rowHeight()), m_colors.mark);
+        }
+    }
+}
+
+void TextView::paintIndicator(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+{
+    if (m_indicatorStrength <= 0 || !m_indicated.touches(m_layout.rangeOf(row.row))) {
+        return;
+    }
+    QColor fill = indicatorColor;
+    fill.setAlphaF(0.5F * float(std::min(1.0, m_indicatorStrength)));
+    QColor edge = indicatorColor;
+    edge.setAlphaF(float(std::min(1.0, m_indicatorStrength)));
+    const PainterState state(painter);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(edge, 1.5));
+    painter.setBrush(fill);
+    for (const Span span : m_layout.spansOf(row.row, m_indicated, visible)) {
+        const QRectF box(m_port.left() + span.left, row.top, span.right - span.left, m_layout.rowHeight());
+        painter.drawRoundedRect(box.adjusted(-2, 0.75, 2, -0.75), 3, 3);
+    }
+}
+
+void TextView::paintMisspellings(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+{
+    if (!m_misspellings) {
+        return;
+    }
+    constexpr double amplitude = 1;
+    constexpr double step = 2;
+    const double bottom = row.top + std::min(m_layout.baseline() + 3, m_layout.rowHeight() - amplitude - 0.5);
+    const PainterState state(painter);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(misspellingColor, 1));
+    for (const TextRange word : m_misspellings(seenOf(row, visible))) {
+        for (const Span span : m_layout.spansOf(row.row, word, visible)) {
+            QPolygonF wave;
+            for (double x = span.left; x <= span.right; x += step) {
+                wave << QPointF(m_port.left() + x, bottom + (wave.size() % 2 == 0 ? amplitude : -amplitude));
+            }
+            painter.drawPolyline(wave);
         }
     }
 }
@@ -69,9 +123,11 @@ void TextView::paintRow(QPainter &painter, const Viewport::VisibleRow &row, Span
     const double left = m_port.left();
     paintMarks(painter, row, visible);
     paintSelection(painter, row, visible);
+    paintIndicator(painter, row, visible);
     painter.setPen(m_colors.text);
     m_layout.forEachLayout(
         row.row, visible, [&](const SegmentLayout &shown, int inLayout, double x) { shown.drawRow(painter, inLayout, left + x, row.top); });
+    paintMisspellings(painter, row, visible);
     if (m_invisibles == Visibility::shown) {
         paintInvisibles(painter, row, visible);
     }

@@ -30,10 +30,10 @@ namespace {
 // Set while a drag of its text is under way; a program has one pointer and one drag.
 QPointer<TextView> draggingView;
 
-bool takesDrop(const QMimeData *data)
+bool takesDrop(const QDropEvent &event)
 {
-    // Files are the window's: it opens them.
-    return data->hasText() && !data->hasUrls();
+    // Files are the window's, which opens them; with Alt held they come as text.
+    return event.mimeData()->hasText() && (!event.mimeData()->hasUrls() || event.modifiers().testFlag(Qt::AltModifier));
 }
 
 } // namespace
@@ -249,6 +249,13 @@ void TextView::contextMenuEvent(QContextMenuEvent *event)
     constexpr Item items[] = {{"undo:", u"Undo"},     {"redo:", u"Redo"}, {nullptr, {}},
                               {"cut:", u"Cut"},       {"copy:", u"Copy"}, {"paste:", u"Paste"},
                               {"delete:", u"Delete"}, {nullptr, {}},      {"selectAll:", u"Select All"}};
+    const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
+    const qsizetype offset = isByKey ? m_caret.offset : graphemeUnder(event->pos());
+    // What the menu does concerns what was clicked.
+    if (!isByKey && !dragEnabledAt(event->pos())) {
+        commitPreedit();
+        setSelection(TextSelection::at(caretAt(event->pos()).offset));
+    }
     auto *menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     for (const Item &item : items) {
@@ -260,8 +267,8 @@ void TextView::contextMenuEvent(QContextMenuEvent *event)
         QAction *entry = menu->addAction(localized(item.title), this, [this, selector] { perform(selector); });
         entry->setEnabled(state(selector).isEnabled);
     }
-    const QPoint place = event->reason() == QContextMenuEvent::Keyboard ? mapToGlobal(caretRectangle().bottomLeft()) : event->globalPos();
-    menu->popup(place);
+    emit contextMenuRequested(menu, offset);
+    menu->popup(isByKey ? mapToGlobal(caretRectangle().bottomLeft()) : event->globalPos());
 }
 
 // Drag and drop
@@ -302,7 +309,7 @@ void TextView::setDropCaret(std::optional<qsizetype> offset)
 
 void TextView::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (isReadOnly() || !takesDrop(event->mimeData())) {
+    if (isReadOnly() || !takesDrop(*event)) {
         event->ignore();
         return;
     }
@@ -311,7 +318,7 @@ void TextView::dragEnterEvent(QDragEnterEvent *event)
 
 void TextView::dragMoveEvent(QDragMoveEvent *event)
 {
-    if (isReadOnly() || !takesDrop(event->mimeData())) {
+    if (isReadOnly() || !takesDrop(*event)) {
         setDropCaret({});
         event->ignore();
         return;
@@ -336,7 +343,7 @@ void TextView::dragLeaveEvent(QDragLeaveEvent *event)
 void TextView::dropEvent(QDropEvent *event)
 {
     setDropCaret({});
-    if (isReadOnly() || !takesDrop(event->mimeData())) {
+    if (isReadOnly() || !takesDrop(*event)) {
         event->ignore();
         return;
     }

@@ -214,6 +214,29 @@ TEST_F(MainWindowTest, TheMenuShowsAndDoesWhatTheFocusTakes)
     EXPECT_EQ(text(), u"abc"_s);
 }
 
+TEST_F(MainWindowTest, AnotherEncodingReadsACleanFileAnewAndOnlySavesAChangedOne)
+{
+    const QString titleOfLatin1 = displayName(TextEncoding::isoLatin1);
+    window.show(write(u"a.txt"_s, "caf\xC3\xA9"));
+    EXPECT_TRUE(item(u"Text Encoding"_s, displayName(TextEncoding::utf8))->isChecked());
+    item(u"Text Encoding"_s, titleOfLatin1)->trigger();
+    EXPECT_EQ(text(), u"cafÃ©"_s);
+    EXPECT_FALSE(window.isWindowModified());
+    EXPECT_TRUE(item(u"Text Encoding"_s, titleOfLatin1)->isChecked());
+    press("Ctrl+Z");
+    EXPECT_EQ(text(), u"café"_s);
+    EXPECT_TRUE(window.isWindowModified());
+    item(u"Text Encoding"_s, displayName(TextEncoding::utf16BigEndian))->trigger();
+    EXPECT_EQ(text(), u"café"_s);
+    press("Ctrl+S");
+    EXPECT_EQ(read(u"a.txt"_s), QByteArray("\0c\0a\0f\0\xE9", 8));
+
+    std::ignore = write(u"a.txt"_s, "\xFF\xFE\xFF");
+    item(u"Text Encoding"_s, displayName(TextEncoding::utf8))->trigger();
+    EXPECT_EQ(presenter.alerts().size(), 1U);
+    EXPECT_EQ(text(), u"café"_s);
+}
+
 TEST_F(MainWindowTest, ZoomingIsAPreference)
 {
     const double size = window.textView().textFont().pointSizeF();

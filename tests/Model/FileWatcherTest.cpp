@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Model/FileWatcher.h"
 
+#include "Model/TextFile.h"
 #include "Model/WatchedPath.h"
 #include "Platform/AtomicFile.h"
 #include "Platform/Scheduler.h"
@@ -148,7 +149,7 @@ protected:
 
     [[nodiscard]] std::unique_ptr<FileWatcher> watch(const QString &watched)
     {
-        auto watcher = std::make_unique<FileWatcher>(*queue, watched, [this](Event event) { events.push_back(event); });
+        auto watcher = std::make_unique<FileWatcher>(*queue, watched, std::nullopt, [this](Event event) { events.push_back(event); });
         settle();
         return watcher;
     }
@@ -310,6 +311,30 @@ TEST_F(FileWatcherTest, DoesNotReportOwnWrites)
     EXPECT_THAT(after(1s), ElementsAre(changed));
 }
 
+TEST_F(FileWatcherTest, ReportsWhatHappenedSinceTheFileWasRead)
+{
+    const auto watchAsRead = [this] {
+        const auto contents = TextFile::read(path);
+        return [this, stamp = contents->stamp] {
+            return std::make_unique<FileWatcher>(*queue, path, stamp, [this](Event event) { events.push_back(event); });
+        };
+    };
+    auto watcher = watchAsRead()();
+    EXPECT_THAT(after(10s), IsEmpty());
+
+    const auto watchLater = watchAsRead();
+    put(path, "changed before the watcher came");
+    watcher = watchLater();
+    EXPECT_THAT(after(10s), ElementsAre(changed));
+
+    watcher.reset();
+    settle();
+    const auto watchTooLate = watchAsRead();
+    QFile::remove(path);
+    watcher = watchTooLate();
+    EXPECT_THAT(after(10s), ElementsAre(deleted));
+}
+
 TEST_F(FileWatcherTest, OwnWritesHideNothingOfOthers)
 {
     // What was sent before the write is about a text that is gone.
@@ -320,8 +345,8 @@ TEST_F(FileWatcherTest, OwnWritesHideNothingOfOthers)
         watcher->beginOwnWrite();
         second->beginOwnWrite();
     };
-    watcher = std::make_unique<FileWatcher>(*queue, path, save);
-    second = std::make_unique<FileWatcher>(*queue, path, save);
+    watcher = std::make_unique<FileWatcher>(*queue, path, std::nullopt, save);
+    second = std::make_unique<FileWatcher>(*queue, path, std::nullopt, save);
     after(0s);
     put(path, "before");
     EXPECT_THAT(after(1s), ElementsAre(changed));
@@ -522,7 +547,7 @@ TEST_F(FileWatcherTest, MayBeDestroyedWhileEventsAreUnderWay)
 
     std::unique_ptr<FileWatcher> own;
     int calledBack = 0;
-    own = std::make_unique<FileWatcher>(*queue, path, [&](Event) {
+    own = std::make_unique<FileWatcher>(*queue, path, std::nullopt, [&](Event) {
         ++calledBack;
         own.reset();
     });
@@ -559,11 +584,11 @@ TEST(FileWatcherThread, ReportsWhileAShareIsDead)
     };
     {
         FileWatcherQueue queue(calls);
-        FileWatcher dead(queue, u"/dead/file"_s, [](Event) { ADD_FAILURE() << "says something"; });
+        FileWatcher dead(queue, u"/dead/file"_s, std::nullopt, [](Event) { ADD_FAILURE() << "says something"; });
         isHanging.acquire();
         QEventLoop loop;
         std::vector<Event> events;
-        FileWatcher watcher(queue, path, [&](Event event) {
+        FileWatcher watcher(queue, path, std::nullopt, [&](Event event) {
             events.push_back(event);
             loop.quit();
         });

@@ -1,0 +1,16 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Text/Rope.h"
+
+/// From the start of the line that holds the start of `range` to the end, its break included, of the line that holds its end: when a line
+/// is broken in two, both are in it. U+2028 and U+2029 end lines here too, which the rope does not count. `range` must lie in the text.
+[[nodiscard]] TextRange lineRange(const Rope &text, TextRange range);
+
+/// The lines of which `selection` holds a part; of an empty one the line that it stands in. A selection that ends with a line break
+/// does not touch the line behind it.
+[[nodiscard]] inline TextRange selectedLines(const Rope &text, TextRange selection)
+{
+    return lineRange(text, {selection.location, std::max<qsizetype>(selection.length - 1, 0)});
+}
