@@ -1,0 +1,130 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Text/FindField.h"
+
+#include <QAccessible>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QScopedValueRollback>
+#include <QToolButton>
+
+#include <algorithm>
+
+namespace {
+
+constexpr QColor wrongColor(0xE0, 0x20, 0x20);
+constexpr float wrongShare = 0.22F;
+/// Pixels that stay for what is typed.
+constexpr int leastTextWidth = 56;
+constexpr int noteGap = 4;
+
+QColor mixed(const QColor &color, const QColor &other, float share)
+{
+    const auto mix = [share](int a, int b) {
+        return static_cast<int>(static_cast<float>(a) * (1 - share) + static_cast<float>(b) * share);
+    };
+    return {mix(color.red(), other.red()), mix(color.green(), other.green()), mix(color.blue(), other.blue())};
+}
+
+} // namespace
+
+FindField::FindField(History history, QWidget *parent) : QLineEdit(parent), m_history(std::move(history)), m_note(new QLabel(this))
+{
+    setClearButtonEnabled(true);
+    m_note->setForegroundRole(QPalette::PlaceholderText);
+    m_note->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_note->hide();
+    connect(this, &QLineEdit::textEdited, this, [this] { m_entry = -1; });
+}
+
+void FindField::setNote(const QString &note, const QString &explanation)
+{
+    m_note->setToolTip(explanation);
+    setToolTip(explanation);
+    if (note == m_note->text()) {
+        return;
+    }
+    m_note->setText(note);
+    placeNote();
+    if (!note.isEmpty()) {
+        QAccessibleEvent event(m_note, QAccessible::NameChanged);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+QString FindField::note() const
+{
+    return m_note->text();
+}
+
+void FindField::placeNote()
+{
+    const auto *clearButton = findChild<QToolButton *>();
+    const int right = clearButton ? clearButton->x() : width() - noteGap;
+    const int noteWidth = m_note->text().isEmpty() ? 0 : m_note->sizeHint().width();
+    const bool fits = noteWidth > 0 && right - noteWidth >= leastTextWidth;
+    m_note->setGeometry(right - noteWidth, 0, noteWidth, height());
+    m_note->setVisible(fits);
+    setTextMargins(0, 0, fits ? noteWidth + noteGap : 0, 0);
+}
+
+void FindField::setState(State state)
+{
+    if (std::exchange(m_state, state) != state) {
+        applyState();
+    }
+}
+
+void FindField::applyState()
+{
+    const QScopedValueRollback<bool> applying(m_isApplyingState, true);
+    setPalette({});
+    if (m_state == State::wrong) {
+        QPalette shown = palette();
+        shown.setColor(QPalette::Base, mixed(shown.color(QPalette::Base), wrongColor, wrongShare));
+        setPalette(shown);
+    }
+}
+
+void FindField::changeEvent(QEvent *event)
+{
+    QLineEdit::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && !m_isApplyingState && m_state == State::wrong) {
+        applyState();
+    }
+}
+
+void FindField::resizeEvent(QResizeEvent *event)
+{
+    QLineEdit::resizeEvent(event);
+    placeNote();
+}
+
+void FindField::keyPressEvent(QKeyEvent *event)
+{
+    const bool isPlain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    if (isPlain && (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down)) {
+        showEntry(m_entry + (event->key() == Qt::Key_Up ? 1 : -1));
+        return;
+    }
+    QLineEdit::keyPressEvent(event);
+}
+
+void FindField::showEntry(int entry)
+{
+    const QStringList history = m_history();
+    if (m_entry < 0) {
+        m_typed = text();
+        // What is entered already is no step back.
+        if (entry == 0 && !history.isEmpty() && history.first() == m_typed) {
+            ++entry;
+        }
+    }
+    const int last = static_cast<int>(history.size()) - 1;
+    const int wanted = std::clamp(entry, -1, last);
+    if (wanted == m_entry) {
+        return;
+    }
+    m_entry = wanted;
+    setText(m_entry < 0 ? m_typed : history[m_entry]);
+}

@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QLineEdit>
+#include <QStringList>
+
+#include <functional>
+
+class QLabel;
+
+/// A line edit that offers what was entered before (Up and Down), has room for a note at its end, and can show that its text is wrong.
+class FindField final : public QLineEdit {
+    Q_OBJECT
+
+public:
+    enum class State { normal, wrong };
+    /// The latest first.
+    using History = std::function<QStringList()>;
+
+    explicit FindField(History history, QWidget *parent = nullptr);
+
+    /// Hidden where it would leave no room to type. Told to screen readers when it changes.
+    void setNote(const QString &note, const QString &explanation = {});
+    [[nodiscard]] QString note() const;
+    void setState(State state);
+    [[nodiscard]] State state() const { return m_state; }
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    void showEntry(int entry);
+    void placeNote();
+    void applyState();
+
+    History m_history;
+    QLabel *m_note = nullptr;
+    State m_state = State::normal;
+    bool m_isApplyingState = false;
+    /// Which entry of the history is shown; -1 for what was typed.
+    int m_entry = -1;
+    QString m_typed;
+};

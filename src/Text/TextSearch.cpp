@@ -1,0 +1,518 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Text/TextSearch.h"
+
+#include "Platform/Translation.h"
+
+#include <unicode/ubrk.h>
+#include <unicode/uchar.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype literalWindow = qsizetype(32) * 1024;
+constexpr qsizetype expressionWindow = qsizetype(128) * 1024;
+/// What look-around sees beyond the searched units.
+constexpr qsizetype context = 256;
+/// Lines of one window that may use up their limits before the rest of it is given up.
+constexpr int mostHardLines = 8;
+
+// Characters
+
+char32_t characterAt(const Rope &text, qsizetype offset)
+{
+    const char16_t unit = text.at(offset);
+    if (QChar::isHighSurrogate(unit) && offset + 1 < text.length() && QChar::isLowSurrogate(text.at(offset + 1))) {
+        return QChar::surrogateToUcs4(unit, text.at(offset + 1));
+    }
+    return unit;
+}
+
+char32_t characterBefore(const Rope &text, qsizetype offset)
+{
+    const char16_t unit = text.at(offset - 1);
+    if (QChar::isLowSurrogate(unit) && offset > 1 && QChar::isHighSurrogate(text.at(offset - 2))) {
+        return QChar::surrogateToUcs4(text.at(offset - 2), unit);
+    }
+    return unit;
+}
+
+bool splitsPair(const Rope &text, qsizetype offset)
+{
+    return offset > 0 && offset < text.length() && QChar::isLowSurrogate(text.at(offset)) && QChar::isHighSurrogate(text.at(offset - 1));
+}
+
+/// As `\w` of a regular expression has it.
+bool isWordCharacter(char32_t character)
+{
+    constexpr uint32_t kinds = U_GC_M_MASK | U_GC_ND_MASK | U_GC_PC_MASK;
+    const auto point = static_cast<UChar32>(character);
+    return u_hasBinaryProperty(point, UCHAR_ALPHABETIC) || (U_GET_GC_MASK(point) & kinds) != 0 || character == 0x200C ||
+           character == 0x200D;
+}
+
+/// Whether a word of a script that is written without blanks ends at `offset`.
+bool isDictionaryBoundary(const Rope &text, qsizetype offset)
+{
+    constexpr qsizetype around = 64;
+    struct Closer {
+        void operator()(UBreakIterator *iterator) const { ubrk_close(iterator); }
+    };
+    UErrorCode status = U_ZERO_ERROR;
+    thread_local const std::unique_ptr<UBreakIterator, Closer> words(ubrk_open(UBRK_WORD, "", nullptr, 0, &status));
+    if (!words) {
+        return false;
+    }
+    const TextRange range = TextRange::between(std::max<qsizetype>(0, offset - around), std::min(text.length(), offset + around));
+    std::array<char16_t, 2 * around> units;
+    text.copy(range, units.data());
+    ubrk_setText(words.get(), units.data(), static_cast<int32_t>(range.length), &status);
+    return U_SUCCESS(status) && ubrk_isBoundary(words.get(), static_cast<int32_t>(offset - range.location));
+}
+
+bool isWordEdge(const Rope &text, qsizetype offset)
+{
+    constexpr char32_t firstWithoutBlanks = 0x0E00;
+    if (offset == 0 || offset == text.length()) {
+        return true;
+    }
+    const char32_t before = characterBefore(text, offset);
+    const char32_t behind = characterAt(text, offset);
+    if (!isWordCharacter(before) || !isWordCharacter(behind)) {
+        return true;
+    }
+    return before >= firstWithoutBlanks && behind >= firstWithoutBlanks && isDictionaryBoundary(text, offset);
+}
+
+/// Simple case folding, which is one to one, of every unit that is a character.
+const std::vector<char16_t> &foldingTable()
+{
+    static const std::vector<char16_t> table = [] {
+        std::vector<char16_t> folded(0x10000);
+        for (UChar32 unit = 0; unit < 0x10000; ++unit) {
+            const UChar32 other = u_foldCase(unit, U_FOLD_CASE_DEFAULT);
+            folded[static_cast<size_t>(unit)] = static_cast<char16_t>(other < 0x10000 ? other : unit);
+        }
+        return folded;
+    }();
+    return table;
+}
+
+void fold(char16_t *units, qsizetype count)
+{
+    const char16_t *table = foldingTable().data();
+    for (qsizetype i = 0; i < count; ++i) {
+        const char16_t unit = units[i];
+        units[i] = table[unit];
+        if (QChar::isHighSurrogate(unit) && i + 1 < count && QChar::isLowSurrogate(units[i + 1])) {
+            const auto folded =
+                static_cast<char32_t>(u_foldCase(static_cast<UChar32>(QChar::surrogateToUcs4(unit, units[i + 1])), U_FOLD_CASE_DEFAULT));
+            if (folded >= 0x10000) {
+                units[i] = QChar::highSurrogate(folded);
+                units[i + 1] = QChar::lowSurrogate(folded);
+            }
+            ++i;
+        }
+    }
+}
+
+// Expressions
+
+/// Whether `group`, which follows "(?", makes `.` match a line's end.
+bool changesLineEnds(QStringView group)
+{
+    for (const QChar unit : group) {
+        if (unit == u's' || unit == u'd') {
+            return true;
+        }
+        if (!unit.isLetter() && unit != u'-') {
+            break;
+        }
+    }
+    return false;
+}
+
+/// False when the expression might match a line's end; when in doubt it might.
+bool staysInLine(QStringView pattern)
+{
+    for (qsizetype at = 0; at < pattern.size(); ++at) {
+        const char16_t unit = pattern[at].unicode();
+        const QStringView rest = pattern.sliced(at + 1);
+        if (unit < 0x20) {
+            return false;
+        }
+        if (unit == u'\\') {
+            if (rest.isEmpty() || (rest.front().isLetter() && !u"dwSbBAGZz"_s.contains(rest.front())) || rest.front() == u'0') {
+                return false;
+            }
+            ++at;
+        } else if (unit == u'[' && (rest.startsWith(u'^') || rest.startsWith(u':'))) {
+            return false;
+        } else if (unit == u'(' && rest.startsWith(u'?') && changesLineEnds(rest.sliced(1))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// `pattern` where no word goes on at either end.
+QString asWholeWord(const QString &pattern)
+{
+    return u"(?:(?<!\\w)|(?!\\w))(?:"_s + pattern + u")(?:(?!\\w)|(?<=\\W))"_s;
+}
+
+} // namespace
+
+/// A stretch of the text in one piece for the engine.
+struct TextSearcher::Excerpt {
+    QString units;
+    qsizetype start = 0;
+    /// Where matches may lie.
+    TextRange region;
+
+    Excerpt(const Rope &text, TextRange matchable) : region(matchable)
+    {
+        const auto legal = [&text](qsizetype offset) { return splitsPair(text, offset) ? offset - 1 : offset; };
+        start = legal(std::max<qsizetype>(0, region.location - context));
+        units = text.toString(TextRange::between(start, legal(std::min(text.length(), region.end() + context))));
+    }
+    [[nodiscard]] TextRange inUnits(TextRange range) const { return {range.location - start, range.length}; }
+};
+
+struct TextSearcher::Walk {
+    /// A hit where it was found.
+    struct Place {
+        TextRange hit;
+        /// Null for literal patterns.
+        const Excerpt *excerpt = nullptr;
+    };
+
+    const Rope &text;
+    TextRange range;
+    const SearchControl &control;
+    std::function<bool(const Place &)> visit;
+    qsizetype at = range.location;
+
+    /// Goes on at `next`; false when it is time to stop.
+    [[nodiscard]] bool goOn(qsizetype next)
+    {
+        if (control.searched) {
+            control.searched->fetch_add(std::min(next, range.end()) - at, std::memory_order_relaxed);
+        }
+        at = next;
+        return !control.stop.stop_requested();
+    }
+};
+
+Result<TextSearcher> TextSearcher::compile(const SearchQuery &query)
+{
+    TextSearcher searcher;
+    searcher.m_query = query;
+    if (!query.isRegularExpression) {
+        QString needle = query.pattern;
+        if (!query.matchesCase) {
+            fold(reinterpret_cast<char16_t *>(needle.data()), needle.size());
+        }
+        searcher.m_needle.setPattern(needle);
+        searcher.m_checksWords = query.matchesWholeWords;
+        return searcher;
+    }
+    const RegularExpression::Options options{.anchorsMatchLines = true};
+    const QString prefix = query.matchesCase ? QString() : u"(?i)"_s;
+    // As it was typed first: what is wrong is told in the user's terms.
+    auto expression = RegularExpression::compile(query.pattern, options);
+    if (expression && !query.matchesCase) {
+        expression = RegularExpression::compile(prefix + query.pattern, options);
+    }
+    if (!expression) {
+        return tl::make_unexpected(expression.error());
+    }
+    if (query.matchesWholeWords) {
+        // Inside the expression, so that it looks for another way to match when a word goes on. A comment or quotation that is open at
+        // the pattern's end swallows what is added.
+        auto whole = RegularExpression::compile(prefix + asWholeWord(query.pattern), options);
+        const bool isSame = whole && whole->groupCount() == expression->groupCount();
+        searcher.m_checksWords = !isSame;
+        if (isSame) {
+            expression = std::move(whole);
+        }
+    }
+    searcher.m_staysInLine = staysInLine(query.pattern);
+    searcher.m_expression = std::move(*expression);
+    return searcher;
+}
+
+TextSearcher TextSearcher::clone() const
+{
+    TextSearcher copy;
+    copy.m_query = m_query;
+    copy.m_needle = m_needle;
+    if (m_expression) {
+        copy.m_expression = m_expression->clone();
+    }
+    copy.m_staysInLine = m_staysInLine;
+    copy.m_checksWords = m_checksWords;
+    return copy;
+}
+
+bool TextSearcher::accepts(const Rope &text, TextRange hit) const
+{
+    if (splitsPair(text, hit.location) || splitsPair(text, hit.end())) {
+        return false;
+    }
+    if (!m_checksWords) {
+        return true;
+    }
+    return isWordEdge(text, hit.location) && isWordEdge(text, hit.end());
+}
+
+// Walking
+
+void TextSearcher::walk(Walk &walk)
+{
+    walk.range = walk.range.clampedTo(walk.text.length());
+    walk.at = walk.range.location;
+    if (m_query.pattern.isEmpty()) {
+        return;
+    }
+    const auto search = m_expression ? &TextSearcher::searchExpression : &TextSearcher::searchLiteral;
+    while (walk.at < walk.range.end() && (this->*search)(walk)) {
+    }
+}
+
+bool TextSearcher::searchLiteral(Walk &walk)
+{
+    const qsizetype length = m_query.pattern.size();
+    const qsizetype windowEnd = std::min(walk.at + literalWindow, walk.range.end());
+    QString units = walk.text.toString(TextRange::between(walk.at, std::min(walk.text.length(), windowEnd + length - 1)));
+    if (!m_query.matchesCase) {
+        fold(reinterpret_cast<char16_t *>(units.data()), units.size());
+    }
+    qsizetype from = 0;
+    for (qsizetype found; (found = m_needle.indexIn(QStringView(units), from)) >= 0;) {
+        const TextRange hit{walk.at + found, length};
+        const bool isHit = accepts(walk.text, hit);
+        if (isHit && !walk.visit({hit})) {
+            return false;
+        }
+        from = found + (isHit ? length : 1);
+    }
+    return walk.goOn(std::max(windowEnd, walk.at + from));
+}
+
+bool TextSearcher::searchExpression(Walk &walk)
+{
+    const Rope &text = walk.text;
+    qsizetype windowEnd = std::min(walk.at + expressionWindow, walk.range.end());
+    if (windowEnd < walk.range.end()) {
+        const qsizetype line = text.lineStart(text.lineAt(windowEnd));
+        windowEnd = line > walk.at ? line : windowEnd;
+    }
+    return searchExcerpt(walk, windowEnd);
+}
+
+/// One window: matches begin in it and may go on behind it.
+bool TextSearcher::searchExcerpt(Walk &walk, qsizetype windowEnd)
+{
+    const Rope &text = walk.text;
+    qsizetype limit = std::min(text.length(), windowEnd + reach);
+    if (m_staysInLine) {
+        const qsizetype line = text.lineAt(windowEnd - 1);
+        limit = line + 1 < text.lineCount() ? std::min(limit, text.lineStart(line + 1)) : limit;
+    }
+    if (splitsPair(text, limit)) {
+        --limit;
+    }
+    const Excerpt excerpt(text, TextRange::between(walk.at, std::max(limit, windowEnd)));
+    const int limitHits = m_expression->limitHits();
+    qsizetype next = walk.at;
+    bool goesOn = true;
+    m_expression->forEachMatch(excerpt.units, excerpt.inUnits(excerpt.region), RegularExpression::Bounds::window(),
+                               [&](const RegularExpression &found) {
+                                   const TextRange hit{found.range().location + excerpt.start, found.range().length};
+                                   if (hit.location >= windowEnd) {
+                                       return false;
+                                   }
+                                   next = std::max(next, hit.end());
+                                   goesOn = hit.isEmpty() || !accepts(text, hit) || walk.visit({hit, &excerpt});
+                                   return goesOn;
+                               });
+    if (!goesOn) {
+        return false;
+    }
+    if (m_expression->limitHits() == limitHits) {
+        return walk.goOn(std::max(windowEnd, next));
+    }
+    if (!walk.goOn(next)) {
+        return false;
+    }
+    return searchLines(walk, excerpt, windowEnd);
+}
+
+/// The rest of a window that was too hard as a whole: every line has an allowance of its own.
+bool TextSearcher::searchLines(Walk &walk, const Excerpt &excerpt, qsizetype windowEnd)
+{
+    const Rope &text = walk.text;
+    int hardLines = 0;
+    while (walk.at < windowEnd && hardLines < mostHardLines) {
+        const qsizetype line = text.lineAt(walk.at);
+        const qsizetype end = std::min(line + 1 < text.lineCount() ? text.lineStart(line + 1) : text.length(), excerpt.region.end());
+        const int limitHits = m_expression->limitHits();
+        qsizetype next = std::min(end, windowEnd);
+        bool goesOn = true;
+        m_expression->forEachMatch(excerpt.units, excerpt.inUnits(TextRange::between(walk.at, end)), RegularExpression::Bounds::window(),
+                                   [&](const RegularExpression &found) {
+                                       const TextRange hit{found.range().location + excerpt.start, found.range().length};
+                                       if (hit.location >= windowEnd) {
+                                           return false;
+                                       }
+                                       next = std::max(next, hit.end());
+                                       goesOn = hit.isEmpty() || !accepts(text, hit) || walk.visit({hit, &excerpt});
+                                       return goesOn;
+                                   });
+        hardLines += m_expression->limitHits() - limitHits;
+        if (!goesOn || !walk.goOn(next)) {
+            return false;
+        }
+    }
+    if (hardLines == 0) {
+        return true;
+    }
+    m_gaveUp = true;
+    return walk.goOn(std::max(windowEnd, walk.at));
+}
+
+// Questions
+
+void TextSearcher::forEachHit(const Rope &text, TextRange range, const Visitor &visit, const SearchControl &control)
+{
+    Walk hits{.text = text, .range = range, .control = control, .visit = [&visit](const Walk::Place &place) { return visit(place.hit); }};
+    walk(hits);
+}
+
+std::optional<TextRange> TextSearcher::firstHit(const Rope &text, TextRange range, const SearchControl &control)
+{
+    std::optional<TextRange> first;
+    const auto take = [&first](TextRange hit) {
+        first = hit;
+        return false;
+    };
+    forEachHit(text, range, take, control);
+    return first;
+}
+
+std::optional<TextRange> TextSearcher::lastHit(const Rope &text, TextRange range, const SearchControl &control)
+{
+    constexpr qsizetype smallest = 4096;
+    range = range.clampedTo(text.length());
+    std::optional<TextRange> last;
+    qsizetype size = smallest;
+    for (qsizetype end = range.end(); end > range.location && !last && !control.stop.stop_requested();) {
+        qsizetype from = std::max(range.location, end - size);
+        if (from > range.location) {
+            // Lines that are longer than a window are cut, or a file of one line would be searched again and again.
+            const qsizetype line = text.lineStart(text.lineAt(from));
+            from = from - line <= size ? std::max(line, range.location) : from;
+        }
+        const auto take = [&last](TextRange hit) {
+            last = hit;
+            return true;
+        };
+        forEachHit(text, TextRange::between(from, end), take, control);
+        end = from;
+        size = std::min(2 * size, expressionWindow);
+    }
+    return last;
+}
+
+// Replacing
+
+Result<QString> TextSearcher::replacementTemplate(const QString &typed) const
+{
+    if (!m_expression) {
+        return typed;
+    }
+    QString result;
+    for (qsizetype at = 0; at < typed.size(); ++at) {
+        const QChar unit = typed[at];
+        const QChar next = at + 1 < typed.size() ? typed[at + 1] : QChar();
+        if (unit == u'\\') {
+            if (next.isNull()) {
+                return failure(localized(u"The replacement ends with a lone “\\”; “\\\\” stands for one."));
+            }
+            result += next == u'n' ? u"\n"_s : next == u't' ? u"\t"_s : QString(unit) + next;
+            ++at;
+            continue;
+        }
+        if (unit == u'$') {
+            if (next < u'0' || next > u'9') {
+                return failure(localized(u"“$” in the replacement needs the number of a group; “\\$” stands for the character."));
+            }
+            if (const int number = next.digitValue(); number > m_expression->groupCount()) {
+                return failure(formatted(localized(u"The replacement refers to group %d, but the expression has %d."), number,
+                                         m_expression->groupCount()));
+            }
+        }
+        result += unit;
+    }
+    return result;
+}
+
+std::optional<QString> TextSearcher::replacement(const Rope &text, TextRange hit, const QString &replacementTemplate)
+{
+    std::optional<QString> result;
+    const auto take = [&](const Walk::Place &place) {
+        if (place.hit == hit) {
+            result = place.excerpt ? RegularExpression::replacement(m_expression->match(), place.excerpt->units, replacementTemplate)
+                                   : replacementTemplate;
+        }
+        return false;
+    };
+    const SearchControl control;
+    Walk one{.text = text, .range = {hit.location, 1}, .control = control, .visit = take};
+    walk(one);
+    return result;
+}
+
+TextReplacement TextSearcher::replacementOfAll(const Rope &text, const QString &replacementTemplate, const SearchControl &control)
+{
+    TextReplacement result;
+    Rope changed;
+    qsizetype shift = 0;
+    const auto apply = [&changed, &shift](TextRange range, const QString &inserted) {
+        changed.replace({range.location + shift, range.length}, inserted);
+        shift += inserted.size() - range.length;
+    };
+    const auto take = [&](const Walk::Place &place) {
+        QString inserted = place.excerpt ? RegularExpression::replacement(m_expression->match(), place.excerpt->units, replacementTemplate)
+                                         : replacementTemplate;
+        if (result.count == 0) {
+            result.hull = place.hit;
+        }
+        result.hull = TextRange::between(result.hull.location, place.hit.end());
+        ++result.count;
+        if (size_t(result.count) <= TextReplacement::mostEdits) {
+            result.edits.push_back({place.hit, std::move(inserted)});
+            return true;
+        }
+        if (!result.edits.empty()) {
+            changed = text;
+            for (const TextReplacement::Edit &edit : std::exchange(result.edits, {})) {
+                apply(edit.range, edit.text);
+            }
+        }
+        apply(place.hit, inserted);
+        return true;
+    };
+    Walk all{.text = text, .range = {0, text.length()}, .control = control, .visit = take};
+    walk(all);
+    if (result.count > 0 && result.edits.empty()) {
+        result.hullText = changed.slice({result.hull.location, result.hull.length + shift});
+    }
+    return result;
+}

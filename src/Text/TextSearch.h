@@ -1,0 +1,117 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/RegularExpression.h"
+#include "Platform/Result.h"
+#include "Text/Rope.h"
+
+#include <QStringMatcher>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <vector>
+
+/// What is sought.
+struct SearchQuery {
+    QString pattern = {};
+    bool matchesCase = false;
+    bool matchesWholeWords = false;
+    /// ICU syntax; else the pattern stands for itself.
+    bool isRegularExpression = false;
+
+    friend bool operator==(const SearchQuery &, const SearchQuery &) = default;
+};
+
+/// How others take part in a search that may take long.
+struct SearchControl {
+    std::stop_token stop = {};
+    /// Grows by the units that were searched; null when nobody asks.
+    std::shared_ptr<std::atomic<qsizetype>> searched = nullptr;
+};
+
+/// What replacing all hits does to a text.
+struct TextReplacement {
+    struct Edit {
+        /// In the text before all edits.
+        TextRange range;
+        QString text;
+    };
+    /// Above this many, one stretch of new text stands for them all.
+    static constexpr size_t mostEdits = 1000;
+
+    qsizetype count = 0;
+    /// Ascending; empty when `hull` stands for them.
+    std::vector<Edit> edits;
+    /// From the first hit to the end of the last, in the text before, and what comes there instead. Leaves between hits are shared.
+    TextRange hull;
+    Rope hullText;
+};
+
+/// Finds the hits of one query in ropes without copying them: only a window of some 100 KB is ever in one piece.
+///
+/// Hits do not overlap and are never empty; which ones there are in a run of overlapping candidates depends on where the search began.
+/// Case is folded character by character, so that a hit is as long as the pattern: "ß" is found by "ẞ" and "σ" by "ς", but "ss" finds no
+/// "ß". A whole word is one that no word character (letter, mark, digit, connector) continues; in scripts without blanks ICU's
+/// dictionary divides words, for literal patterns.
+///
+/// A regular expression sees the lines around it: `^` and `$` are the ends of lines, and look-around sees 256 units beyond what can be
+/// matched. Its hits may span lines; those of up to `reach` units are found wherever they lie, longer ones may be cut short. It never
+/// runs for long: what is too hard is tried once more line by line, and given up when even that is (`gaveUp`).
+///
+/// One object serves one thread at a time. All offsets are UTF-16 units.
+class TextSearcher final {
+public:
+    static constexpr qsizetype reach = qsizetype(32) * 1024;
+    /// Calls end with the first false.
+    using Visitor = std::function<bool(TextRange hit)>;
+
+    /// Fails with what is wrong with the pattern. One that is empty has no hits.
+    [[nodiscard]] static Result<TextSearcher> compile(const SearchQuery &query);
+
+    /// For another thread. May be called while this one does not search.
+    [[nodiscard]] TextSearcher clone() const;
+    [[nodiscard]] const SearchQuery &query() const { return m_query; }
+
+    /// Visits the hits that begin in `range`, from its start on, in order; they may end behind it.
+    void forEachHit(const Rope &text, TextRange range, const Visitor &visit, const SearchControl &control = {});
+    /// The first that begins in `range`.
+    [[nodiscard]] std::optional<TextRange> firstHit(const Rope &text, TextRange range, const SearchControl &control = {});
+    /// The last that begins in `range`, looked for from its end in windows that begin at lines.
+    [[nodiscard]] std::optional<TextRange> lastHit(const Rope &text, TextRange range, const SearchControl &control = {});
+
+    /// True when a search of this object left out stretches that were too hard for the expression.
+    [[nodiscard]] bool gaveUp() const { return m_gaveUp; }
+
+    /// What `replacement` takes, made of what was typed. For a regular expression `$1` is group 1, `\n` a line break, `\t` a tab, and `\`
+    /// protects the next character; fails with words when `$` is not followed by the number of a group that exists. Else it is itself.
+    [[nodiscard]] Result<QString> replacementTemplate(const QString &typed) const;
+    /// What comes in place of `hit`; none when that is no hit (any more).
+    [[nodiscard]] std::optional<QString> replacement(const Rope &text, TextRange hit, const QString &replacementTemplate);
+    /// Stopped, it tells of what it had found till then.
+    [[nodiscard]] TextReplacement replacementOfAll(const Rope &text, const QString &replacementTemplate, const SearchControl &control = {});
+
+private:
+    struct Excerpt;
+    struct Walk;
+
+    TextSearcher() = default;
+    bool searchLiteral(Walk &walk);
+    bool searchExpression(Walk &walk);
+    bool searchExcerpt(Walk &walk, qsizetype windowEnd);
+    bool searchLines(Walk &walk, const Excerpt &excerpt, qsizetype windowEnd);
+    [[nodiscard]] bool accepts(const Rope &text, TextRange hit) const;
+    void walk(Walk &walk);
+
+    SearchQuery m_query;
+    QStringMatcher m_needle;
+    std::optional<RegularExpression> m_expression;
+    /// The expression cannot match a line's end.
+    bool m_staysInLine = false;
+    /// Whole words are sorted out after the match, since the expression could not be told.
+    bool m_checksWords = false;
+    bool m_gaveUp = false;
+};

@@ -1,0 +1,241 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Text/TextSearch.h"
+
+#include "RandomText.h"
+
+#include <gmock/gmock.h>
+
+using namespace Qt::StringLiterals;
+using testing::HasSubstr;
+
+namespace {
+
+/// Switches as letters: c matches case, w whole words, r regular expression. Hits stand in [brackets].
+struct SearchCase {
+    const char *name;
+    QString pattern;
+    QString switches;
+    QString marked;
+};
+
+SearchQuery queryOf(const QString &pattern, const QString &switches)
+{
+    return {.pattern = pattern,
+            .matchesCase = switches.contains(u'c'),
+            .matchesWholeWords = switches.contains(u'w'),
+            .isRegularExpression = switches.contains(u'r')};
+}
+
+TextSearcher searcherOf(const QString &pattern, const QString &switches)
+{
+    auto searcher = TextSearcher::compile(queryOf(pattern, switches));
+    EXPECT_TRUE(searcher) << pattern.toStdString();
+    return *std::move(searcher);
+}
+
+std::vector<TextRange> hitsOf(TextSearcher &searcher, const Rope &text, TextRange range)
+{
+    std::vector<TextRange> hits;
+    searcher.forEachHit(text, range, [&hits](TextRange hit) {
+        hits.push_back(hit);
+        return true;
+    });
+    return hits;
+}
+
+std::vector<TextRange> hitsOf(TextSearcher &searcher, const Rope &text)
+{
+    return hitsOf(searcher, text, {0, text.length()});
+}
+
+QString marked(QString text, const std::vector<TextRange> &hits)
+{
+    for (auto hit = hits.rbegin(); hit != hits.rend(); ++hit) {
+        text.insert(hit->end(), u']').insert(hit->location, u'[');
+    }
+    return text;
+}
+
+class Searching : public testing::TestWithParam<SearchCase> {};
+
+TEST_P(Searching, FindsWhatIsMarked)
+{
+    const SearchCase &c = GetParam();
+    const QString text = QString(c.marked).remove(u'[').remove(u']');
+    TextSearcher searcher = searcherOf(c.pattern, c.switches);
+    const Rope rope(text);
+    const auto hits = hitsOf(searcher, rope);
+    EXPECT_EQ(marked(text, hits).toStdString(), c.marked.toStdString()) << c.name << ": " << c.pattern.toStdString();
+    EXPECT_EQ(searcher.firstHit(rope, {0, rope.length()}), hits.empty() ? std::nullopt : std::optional(hits.front()));
+    EXPECT_EQ(searcher.lastHit(rope, {0, rope.length()}), hits.empty() ? std::nullopt : std::optional(hits.back()));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Literal, Searching,
+    testing::Values(SearchCase{"in any case", u"ab"_s, u""_s, u"[ab] [AB] [aB] ba"_s},
+                    SearchCase{"in this case", u"aB"_s, u"c"_s, u"ab AB [aB]"_s}, SearchCase{"nothing in nothing", u"a"_s, u""_s, u""_s},
+                    SearchCase{"nothing is no hit", u""_s, u""_s, u"abc"_s},
+                    SearchCase{"hits do not overlap", u"aa"_s, u""_s, u"[aa][aa]a"_s},
+                    SearchCase{"specials stand for themselves", u"a.*$\\"_s, u""_s, u"ab [a.*$\\]"_s},
+                    SearchCase{"sharp s is not two", u"ss"_s, u""_s, u"ß ẞ [SS]"_s},
+                    SearchCase{"sharp s has a capital", u"ß"_s, u""_s, u"[ß][ẞ] ss"_s},
+                    SearchCase{"dotted capital is its own letter", u"i"_s, u""_s, u"İ[I][i]ı"_s},
+                    SearchCase{"dotted capital finds itself", u"İ"_s, u""_s, u"[İ]Ii"_s},
+                    SearchCase{"final sigma", u"ΟΔΟΣ"_s, u""_s, u"[οδος] [οδοσ]"_s},
+                    SearchCase{"Kelvin sign and micro sign", u"kµ"_s, u""_s, u"[\u212Aμ][KΜ]"_s},
+                    SearchCase{"capitals beyond 16 bits", u"\U00010428"_s, u""_s, u"[\U00010400][\U00010428]\U00010429"_s},
+                    SearchCase{"which differ with case", u"\U00010428"_s, u"c"_s, u"\U00010400[\U00010428]"_s},
+                    SearchCase{"no halves of pairs", QString(QChar(0xDE00)), u"c"_s, u"\U0001F600"_s},
+                    SearchCase{"whole words", u"foo"_s, u"w"_s, u"[foo] foot _foo [Foo]-bar foo1 (foo\u0301) \u00e9foo"_s},
+                    SearchCase{"words next to marks only", u"-x"_s, u"w"_s, u"a[-x] -xy [-x]"_s},
+                    SearchCase{"words by dictionary", u"中国"_s, u"w"_s, u"我爱[中国]。"_s},
+                    SearchCase{"a later word after one that goes on", u"aa"_s, u"w"_s, u"aaa [aa]"_s}));
+
+INSTANTIATE_TEST_SUITE_P(Expressions, Searching,
+                         testing::Values(SearchCase{"lines", u"^b.$"_s, u"r"_s, u"[bb]\nabb\nbbb\n[ba]"_s},
+                                         SearchCase{"line ends of all kinds", u"b$"_s, u"r"_s, u"a[b]\r\na[b]\ra[b]\na[b]"_s},
+                                         SearchCase{"empty matches are no hits", u"x*"_s, u"r"_s, u"a[xx]b\n"_s},
+                                         SearchCase{"in any case", u"stra.e"_s, u"r"_s, u"[STRAẞE] [strase]"_s},
+                                         SearchCase{"in this case", u"A+"_s, u"cr"_s, u"a[AA]"_s},
+                                         SearchCase{"over lines", u"a\\s+b"_s, u"r"_s, u"[a\n\nb] ab"_s},
+                                         SearchCase{"look-around sees other lines", u"(?<=a\\n)b(?=\\nc)"_s, u"r"_s, u"a\n[b]\nc\nb\nc"_s},
+                                         SearchCase{"start and end of the text", u"\\Aa|a\\z"_s, u"r"_s, u"[a]a\na[a]"_s},
+                                         SearchCase{"whole words take another way", u"foo|foobar"_s, u"rw"_s, u"[foobar] foox [foo]"_s},
+                                         SearchCase{"whole words with a comment", u"(?x) a+ # letters"_s, u"rw"_s, u"[aa] aab"_s},
+                                         SearchCase{"pairs are characters", u"."_s, u"r"_s, u"[\U0001F600][a]"_s}));
+
+/// Whatever the size of windows and chunks, what is found is what is found in one piece.
+TEST(TextSearch, FindsWhatABlindSearchFindsAcrossChunksAndWindows)
+{
+    for (quint32 seed = 1; seed <= 40; ++seed) {
+        Random random(seed);
+        const std::u16string units = random.text(1000 + random.below(90'000));
+        const QString text = QString::fromStdU16String(units);
+        const qsizetype at = random.below(text.size() - 20);
+        const QString pattern = text.mid(at, 1 + random.below(12));
+        const Rope rope(text);
+        TextSearcher literal = searcherOf(pattern, u"c"_s);
+        std::vector<TextRange> expected;
+        for (qsizetype from = 0; (from = text.indexOf(pattern, from)) >= 0;) {
+            const auto splits = [&text](qsizetype i) {
+                return i > 0 && i < text.size() && text[i].isLowSurrogate() && text[i - 1].isHighSurrogate();
+            };
+            const bool isHit = !splits(from) && !splits(from + pattern.size());
+            if (isHit) {
+                expected.push_back({from, pattern.size()});
+            }
+            from += isHit ? pattern.size() : 1;
+        }
+        EXPECT_EQ(hitsOf(literal, rope), expected) << "seed " << seed << ", pattern " << escaped(pattern.toStdU16String());
+        // From the end back, hit by hit, one never comes to a place where none is.
+        for (const TextRange hit : expected) {
+            ASSERT_EQ(literal.firstHit(rope, {hit.location, rope.length()}), hit) << "seed " << seed;
+            ASSERT_EQ(literal.lastHit(rope, {0, hit.location + 1})->location, hit.location) << "seed " << seed;
+        }
+    }
+}
+
+TEST(TextSearch, ExpressionsFindHitsAcrossTheirWindows)
+{
+    // Lines, then one line that is longer than any window; hits every 1001 units, some at every kind of border.
+    QString text;
+    std::vector<TextRange> expected;
+    for (int i = 0; i < 700; ++i) {
+        text += QString(i < 300 ? 990 : 995, u'.') + (i < 300 ? u"\n1234"_s : u"1234"_s);
+        expected.push_back({text.size() - 4, 4});
+        text += i < 300 ? u"x\nyyyy"_s : u"-"_s;
+    }
+    const Rope rope(text);
+    for (const QString &pattern : {u"\\d+"_s, u"(?s)\\d+"_s, u"12[^a]4"_s}) {
+        TextSearcher searcher = searcherOf(pattern, u"r"_s);
+        EXPECT_EQ(hitsOf(searcher, rope), expected) << pattern.toStdString();
+        EXPECT_FALSE(searcher.gaveUp());
+    }
+    TextSearcher over = searcherOf(u"x\\n\\w"_s, u"r"_s);
+    EXPECT_EQ(hitsOf(over, rope).size(), 300U);
+    TextSearcher starts = searcherOf(u"^\\d"_s, u"r"_s);
+    EXPECT_EQ(hitsOf(starts, rope).size(), 300U) << "the middle of a line is no start";
+}
+
+TEST(TextSearch, AnEvilExpressionIsGivenUpAndHarmlessLinesAreStillSearched)
+{
+    const QString evil = QString(60, u'a') + u"!\n"_s;
+    TextSearcher searcher = searcherOf(u"(a+)+$"_s, u"r"_s);
+    const QString text = u"xa\n"_s + evil + u"aa\n"_s;
+    EXPECT_EQ(marked(text, hitsOf(searcher, Rope(text))), u"x[a]\n"_s + evil + u"[aa]\n"_s);
+    EXPECT_TRUE(searcher.gaveUp());
+    EXPECT_TRUE(hitsOf(searcher, Rope(evil.repeated(20'000))).empty()) << "and it ends";
+    EXPECT_FALSE(searcher.clone().gaveUp());
+}
+
+TEST(TextSearch, StopsAndTellsHowFarItCame)
+{
+    const Rope text(QString(u"ab"_s).repeated(200'000));
+    std::stop_source stop;
+    const auto searched = std::make_shared<std::atomic<qsizetype>>(0);
+    TextSearcher searcher = searcherOf(u"a"_s, u""_s);
+    qsizetype count = 0;
+    searcher.forEachHit(text, {0, text.length()},
+                        [&](TextRange) {
+                            if (++count == 1000) {
+                                stop.request_stop();
+                            }
+                            return true;
+                        },
+                        {.stop = stop.get_token(), .searched = searched});
+    EXPECT_LT(count, 100'000);
+    EXPECT_EQ(*searched, 2 * count);
+}
+
+TEST(TextSearch, SaysWhatIsWrong)
+{
+    const auto error = [](const QString &pattern) {
+        return TextSearcher::compile(queryOf(pattern, u"rw"_s)).error().message.toStdString();
+    };
+    EXPECT_THAT(error(u"(a"_s), testing::AllOf(HasSubstr("“(a”"), HasSubstr("parenthesis")));
+    EXPECT_THAT(error(u"a)|(b"_s), HasSubstr("parenthesis"));
+
+    const TextSearcher searcher = searcherOf(u"(a)"_s, u"r"_s);
+    for (const QString &bad : {u"$"_s, u"$a"_s, u"$2"_s, u"a\\"_s}) {
+        EXPECT_FALSE(searcher.replacementTemplate(bad)) << bad.toStdString();
+    }
+    EXPECT_EQ(searcher.replacementTemplate(u"\\n\\t\\\\n\\$$1"_s), u"\n\t\\\\n\\$$1"_s);
+    EXPECT_EQ(searcherOf(u"a"_s, u""_s).replacementTemplate(u"$9\\n"_s), u"$9\\n"_s) << "literally";
+}
+
+TEST(TextSearch, Replaces)
+{
+    struct Row {
+        QString pattern;
+        QString switches;
+        QString typed;
+        QString before;
+        QString after;
+    };
+    const std::vector<Row> rows{{u"a"_s, u""_s, u"$1\\"_s, u"aXA"_s, u"$1\\X$1\\"_s},
+                                {u"(\\w+) (\\w+)"_s, u"r"_s, u"$2\\n$1"_s, u"one two, a b"_s, u"two\none, b\na"_s},
+                                {u"^"_s, u"r"_s, u"x"_s, u"a\nb"_s, u"a\nb"_s},
+                                {u"[ \\t]+$"_s, u"r"_s, u""_s, u"a  \nb\t"_s, u"a\nb"_s}};
+    for (const Row &row : rows) {
+        TextSearcher searcher = searcherOf(row.pattern, row.switches);
+        const QString replacement = *searcher.replacementTemplate(row.typed);
+        for (const int copies : {1, 1500}) {
+            const Rope text(QString(row.before + u'\n').repeated(copies));
+            const TextReplacement all = searcher.replacementOfAll(text, replacement);
+            Rope changed = text;
+            for (auto edit = all.edits.rbegin(); edit != all.edits.rend(); ++edit) {
+                changed.replace(edit->range, edit->text);
+            }
+            if (all.edits.empty()) {
+                changed.replace(all.hull, all.hullText);
+            }
+            EXPECT_EQ(changed.toString(), QString(row.after + u'\n').repeated(copies)) << row.pattern.toStdString();
+        }
+    }
+    TextSearcher searcher = searcherOf(u"(?<=x)(a)"_s, u"r"_s);
+    EXPECT_EQ(searcher.replacement(Rope(u"axa"_s), {2, 1}, u"<$1>"_s), u"<a>"_s);
+    EXPECT_EQ(searcher.replacement(Rope(u"axa"_s), {0, 1}, u"<$1>"_s), std::nullopt) << "no hit there";
+}
+
+} // namespace
