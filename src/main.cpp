@@ -2,13 +2,16 @@
 // SPDX-License-Identifier: MIT
 #include "App/CommandLine.h"
 #include "App/MainWindow.h"
-#include "App/Preferences.h"
 #include "App/TerminationSignals.h"
 #include "Model/DocumentStore.h"
+#include "Model/Preferences.h"
 #include "Platform/DefaultsStore.h"
+#include "Platform/Localization.h"
 #include "Platform/SystemAppearance.h"
 #include "Platform/SystemPasteboard.h"
+#include "Platform/ToolkitTexts.h"
 #include "Platform/WidgetAlertPresenter.h"
+#include "Text/FindState.h"
 
 #include <QApplication>
 #include <QDir>
@@ -43,6 +46,13 @@ int run(QApplication &application, const QStringList &files)
     NotificationCenter notifications;
     DefaultsStore defaults(DefaultsStore::standardPath(), scheduler);
     Preferences preferences(defaults, notifications);
+    ToolkitTexts toolkitTexts;
+    const auto chooseLanguage = [&toolkitTexts](AppLanguage language) {
+        Localization::use(language);
+        toolkitTexts.use(Localization::current().locale());
+    };
+    preferences.setLanguageResolver(chooseLanguage);
+    chooseLanguage(preferences.language());
     SystemPasteboard pasteboard;
     WidgetAlertPresenter presenter;
     // Leaves the event loop at once, where quit() would have windows ask first.
@@ -54,7 +64,8 @@ int run(QApplication &application, const QStringList &files)
     DocumentStore documents({scheduler, notifications, defaults, workers, watchers, {}}, [&appearance] { return appearance.current(); });
     QObject::connect(&appearance, &SystemAppearance::changed, &application, [&] { notifications.post(Preferences::didChange, nullptr); });
 
-    MainWindow window({scheduler, notifications, defaults, preferences, pasteboard, presenter, documents});
+    FindState find;
+    MainWindow window({scheduler, notifications, defaults, preferences, pasteboard, presenter, documents, workers, find});
     window.show();
     if (!files.isEmpty()) {
         window.show(files.first());

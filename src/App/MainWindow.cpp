@@ -2,14 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "App/MainWindow.h"
 
-#include "App/EditorFont.h"
 #include "App/MenuBar.h"
-#include "App/Preferences.h"
 #include "Model/DocumentStore.h"
+#include "Model/Preferences.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
+#include "Platform/Localization.h"
 #include "Platform/Translation.h"
-#include "Text/TextView.h"
 
 #include <QActionGroup>
 #include <QCloseEvent>
@@ -17,7 +16,6 @@
 #include <QFileInfo>
 #include <QMenu>
 #include <QMenuBar>
-#include <QStatusBar>
 
 #include <array>
 #include <utility>
@@ -29,33 +27,17 @@ namespace {
 constexpr QSize startSize(1000, 680);
 constexpr auto lastFolderKey = "io.panels.lastDirectory"_L1;
 
-constexpr Scheduler::Milliseconds highlightDelay{50};
-
-QColor colorOf(quint32 color)
-{
-    return QColor::fromRgb(color);
-}
-
-TextView::Colors colorsOf(const Theme &theme)
-{
-    return {.background = colorOf(theme.background),
-            .text = colorOf(theme.foreground),
-            .selection = colorOf(theme.selection),
-            .caret = colorOf(theme.caret),
-            .currentLine = {},
-            .invisibles = colorOf(theme.invisibles),
-            .mark = colorOf(theme.selection)};
-}
-
 } // namespace
 
 MainWindow::MainWindow(const AppServices &services) : m_services(services)
 {
     resize(startSize);
-    installMenuBar(*this, m_services.presenter);
-    installEncodingMenu();
+    installMenus();
+    m_languageObserver = m_services.notifications.observe(Localization::didChangeNotification, nullptr, [this] {
+        installMenus();
+        updateTitle();
+    });
     setDocument(std::make_unique<TextDocument>(m_services.documents.services(), QString(), std::nullopt));
-    m_preferencesObserver = m_services.notifications.observe(Preferences::didChange, nullptr, [this] { applyPreferences(); });
 }
 
 MainWindow::~MainWindow()
@@ -67,13 +49,23 @@ void MainWindow::closeDocument()
 {
     // A new document may come to stand where the old one was in memory: nothing may still wait for that address.
     m_metadataObserver.reset();
-    m_highlightObserver.reset();
-    m_highlighting.cancel();
-    // The view refers to the document's text.
-    delete std::exchange(m_textView, nullptr);
+    // The editor refers to the document's text.
+    delete std::exchange(m_editor, nullptr);
     if (m_document) {
         m_services.documents.remove(*std::exchange(m_document, nullptr));
     }
+}
+
+template<bool (Preferences::*value)() const, void (Preferences::*setValue)(bool)>
+void MainWindow::toggle()
+{
+    (m_services.preferences.*setValue)(!(m_services.preferences.*value)());
+}
+
+template<bool (Preferences::*value)() const>
+ActionState MainWindow::stateOf() const
+{
+    return {.checkMark = (m_services.preferences.*value)() ? CheckMark::on : CheckMark::none};
 }
 
 const ActionRow *MainWindow::actionFor(Selector selector) const
@@ -82,9 +74,16 @@ const ActionRow *MainWindow::actionFor(Selector selector) const
         action<&MainWindow::openDocument>("openDocument:"),
         action<&MainWindow::saveDocument>("saveDocument:"),
         action<&MainWindow::saveDocumentAs>("saveDocumentAs:"),
-        action<&MainWindow::revertDocument, &MainWindow::canRevert>("revertDocument:"),
+        action<&MainWindow::revertDocument, &MainWindow::canRevert>("revertDocumentToSaved:"),
         action<&MainWindow::terminate>("terminate:"),
-        action<&MainWindow::toggleLineWrap, &MainWindow::lineWrapState>("toggleLineWrap:"),
+        action<&MainWindow::toggle<&Preferences::showLineNumbers, &Preferences::setShowLineNumbers>,
+               &MainWindow::stateOf<&Preferences::showLineNumbers>>("toggleLineNumbers:"),
+        action<&MainWindow::toggle<&Preferences::wrapLines, &Preferences::setWrapLines>, &MainWindow::stateOf<&Preferences::wrapLines>>(
+            "toggleLineWrap:"),
+        action<&MainWindow::toggle<&Preferences::showInvisibles, &Preferences::setShowInvisibles>,
+               &MainWindow::stateOf<&Preferences::showInvisibles>>("toggleInvisibles:"),
+        action<&MainWindow::toggle<&Preferences::highlightCurrentLine, &Preferences::setHighlightCurrentLine>,
+               &MainWindow::stateOf<&Preferences::highlightCurrentLine>>("toggleCurrentLineHighlight:"),
         action<&MainWindow::increaseFontSize>("increaseFontSize:"),
         action<&MainWindow::decreaseFontSize>("decreaseFontSize:"),
         action<&MainWindow::resetFontSize>("resetFontSize:"),
@@ -96,56 +95,17 @@ void MainWindow::setDocument(std::unique_ptr<TextDocument> document)
 {
     closeDocument();
     m_document = &m_services.documents.add(std::move(document));
-    m_textView = new TextView(m_document->storage(), m_document->undoManager(), {m_services.scheduler, m_services.pasteboard},
-                              editorFont(m_services.preferences), this);
-    m_metadataObserver = m_services.notifications.observe(TextDocument::didChangeMetadata, m_document, [this] {
-        updateTitle();
-        showExternalState();
-    });
-    m_highlightObserver =
-        m_services.notifications.observe(SyntaxHighlighter::needsVisibleRefresh, m_document->highlighter(), [this] { highlightVisible(); });
-    connect(m_textView, &TextView::zoomRequested, this, &MainWindow::changeFontSize);
-    connect(m_textView, &TextView::visibleRowsChanged, this,
-            [this] { m_highlighting = m_services.scheduler.after(highlightDelay, [this] { highlightVisible(); }); });
-    applyPreferences();
-    setCentralWidget(m_textView);
-    m_textView->setFocus();
-    m_highlighting = m_services.scheduler.after(Scheduler::Milliseconds(0), [this] { highlightVisible(); });
+    m_editor = new EditorViewController(m_services.editors(), *m_document, this);
+    m_editor->setDelegate(this);
+    m_metadataObserver = m_services.notifications.observe(TextDocument::didChangeMetadata, m_document, [this] { updateTitle(); });
+    setCentralWidget(m_editor);
+    m_editor->setFocus();
     updateTitle();
-    showExternalState();
 }
 
-void MainWindow::applyTheme()
+void MainWindow::editorDidDropFiles(EditorViewController & /*editor*/, const QStringList &paths)
 {
-    m_services.documents.refreshAppearance();
-    m_textView->setColors(colorsOf(m_services.documents.theme()));
-}
-
-void MainWindow::highlightVisible()
-{
-    m_document->highlighter()->ensureHighlighted(m_textView->visibleRange());
-}
-
-void MainWindow::showExternalState()
-{
-    const auto messageOf = [](TextDocument::ExternalState state) {
-        switch (state) {
-        case TextDocument::ExternalState::conflicted:
-            return u"“%@” was changed by another program. Your edits are kept; saving replaces its version.";
-        case TextDocument::ExternalState::deleted:
-            return u"“%@” was deleted or moved. The text is kept here; saving writes the file anew.";
-        case TextDocument::ExternalState::none:
-            break;
-        }
-        return u"";
-    };
-    const QString message = localized(messageOf(m_document->externalState()));
-    if (message.isEmpty()) {
-        statusBar()->hide();
-        return;
-    }
-    statusBar()->showMessage(formatted(message, m_document->displayName()));
-    statusBar()->show();
+    open(paths.first());
 }
 
 bool MainWindow::canRevert() const
@@ -158,6 +118,12 @@ void MainWindow::revertDocument()
     if (const auto reverted = m_document->revertToFileOnDisk(); !reverted) {
         presentError(reverted.error());
     }
+}
+
+void MainWindow::installMenus()
+{
+    installMenuBar(*this, m_services.presenter);
+    installEncodingMenu();
 }
 
 void MainWindow::installEncodingMenu()
@@ -188,22 +154,6 @@ void MainWindow::chooseEncoding(TextEncoding encoding)
 void MainWindow::presentError(const TextFile::ReadError &error)
 {
     m_services.presenter.present(Alert::forError(error.description(), error.recoverySuggestion().value_or(QString())), this, {});
-}
-
-void MainWindow::applyPreferences()
-{
-    const Preferences &preferences = m_services.preferences;
-    const QFont font = editorFont(preferences);
-    if (m_textView->textFont() != font) {
-        m_textView->setTextFont(font);
-    }
-    m_textView->setTabWidth(preferences.tabWidth());
-    m_textView->setInvisibles(preferences.showInvisibles() ? TextView::Visibility::shown : TextView::Visibility::hidden);
-    applyTheme();
-    const auto wrapMode = preferences.wrapLines() ? TextView::WrapMode::viewWidth : TextView::WrapMode::none;
-    if (m_textView->wrapMode() != wrapMode) {
-        m_textView->setWrapMode(wrapMode);
-    }
 }
 
 void MainWindow::updateTitle()
@@ -328,16 +278,6 @@ void MainWindow::closeEvent(QCloseEvent *event)
     });
     // Answered at once, the closing under way is the one to let through.
     event->setAccepted(std::exchange(m_mayClose, false));
-}
-
-void MainWindow::toggleLineWrap()
-{
-    m_services.preferences.setWrapLines(!m_services.preferences.wrapLines());
-}
-
-ActionState MainWindow::lineWrapState() const
-{
-    return {.checkMark = m_services.preferences.wrapLines() ? CheckMark::on : CheckMark::none};
 }
 
 void MainWindow::changeFontSize(int steps)

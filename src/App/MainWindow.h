@@ -2,10 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Editor/EditorViewController.h"
 #include "Model/TextFile.h"
-#include "Platform/NotificationCenter.h"
-#include "Platform/Responder.h"
-#include "Platform/Scheduler.h"
 #include "Platform/TextEncoding.h"
 
 #include <QMainWindow>
@@ -18,10 +16,7 @@ class DefaultsStore;
 class DocumentStore;
 class Pasteboard;
 class Preferences;
-class Scheduler;
 class TextDocument;
-class TextView;
-struct Theme;
 
 /// What the windows of the program use; made in `main`, and by every test for itself.
 struct AppServices {
@@ -32,10 +27,17 @@ struct AppServices {
     Pasteboard &pasteboard;
     AlertPresenter &presenter;
     DocumentStore &documents;
+    Workers &workers;
+    FindState &find;
+
+    [[nodiscard]] EditorServices editors() const
+    {
+        return {scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find};
+    }
 };
 
 /// A window that edits one file. Never loses text without asking: not by closing, not by opening another file, not by a failed save.
-class MainWindow final : public QMainWindow, public Responder {
+class MainWindow final : public QMainWindow, public Responder, private EditorViewControllerDelegate {
     Q_OBJECT
 
 public:
@@ -50,7 +52,8 @@ public:
     void open(const QString &path);
 
     [[nodiscard]] TextDocument &document() { return *m_document; }
-    [[nodiscard]] TextView &textView() { return *m_textView; }
+    [[nodiscard]] EditorViewController &editor() { return *m_editor; }
+    [[nodiscard]] EditorTextView &textView() { return m_editor->textView(); }
 
     [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
     using QMainWindow::show;
@@ -59,6 +62,10 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    void editorWantsFocus(EditorViewController & /*editor*/) override {}
+    void editorDidChangeSelection(EditorViewController & /*editor*/) override {}
+    void editorDidDropFiles(EditorViewController &editor, const QStringList &paths) override;
+
     /// Gets true when the text was written, or may be given up.
     using Completion = std::function<void(bool mayGoOn)>;
 
@@ -66,8 +73,11 @@ private:
     void saveDocument();
     void saveDocumentAs();
     void terminate();
-    void toggleLineWrap();
-    [[nodiscard]] ActionState lineWrapState() const;
+    /// A preference that an action switches.
+    template<bool (Preferences::*value)() const, void (Preferences::*setValue)(bool)>
+    void toggle();
+    template<bool (Preferences::*value)() const>
+    [[nodiscard]] ActionState stateOf() const;
     void increaseFontSize() { changeFontSize(1); }
     void decreaseFontSize() { changeFontSize(-1); }
     void resetFontSize();
@@ -80,26 +90,21 @@ private:
 
     void setDocument(std::unique_ptr<TextDocument> document);
     void closeDocument();
-    void applyTheme();
-    void highlightVisible();
-    void showExternalState();
     void revertDocument();
     [[nodiscard]] bool canRevert() const;
     void presentError(const TextFile::ReadError &error);
+    void installMenus();
     void installEncodingMenu();
     void chooseEncoding(TextEncoding encoding);
-    void applyPreferences();
     void updateTitle();
     [[nodiscard]] QString panelFolder() const;
     void rememberPanelFolder(const QString &path);
 
     AppServices m_services;
     TextDocument *m_document = nullptr; // the store owns it
-    TextView *m_textView = nullptr;
-    NotificationCenter::Token m_preferencesObserver;
+    EditorViewController *m_editor = nullptr;
     NotificationCenter::Token m_metadataObserver;
-    NotificationCenter::Token m_highlightObserver;
-    DelayedTask m_highlighting;
+    NotificationCenter::Token m_languageObserver;
     /// The next closing has been asked about.
     bool m_mayClose = false;
 };

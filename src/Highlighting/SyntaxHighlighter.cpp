@@ -170,6 +170,7 @@ void SyntaxHighlighter::rehighlightAll()
     m_spanWindow = {};
     m_spans.clear();
     m_editSinceSpans.reset();
+    m_uncolouredEdit.reset();
     m_freshChunks.clear();
     m_spanRules.clear();
     m_tokenRules.clear();
@@ -202,7 +203,7 @@ void SyntaxHighlighter::ensureHighlighted(TextRange range)
     const auto stretch = TextRange::between(first * chunkSize, std::min((last + 1) * chunkSize, m_storage.length()));
     std::vector<TextRange> outdated;
     const TextRange done = highlight(stretch, outdated);
-    markFresh(stretch);
+    markFresh(stretch, hull(stretch, done));
     markStale(outdated, done);
 }
 
@@ -213,28 +214,55 @@ void SyntaxHighlighter::noteEdit(TextStorage::EditMask mask, TextRange range, qs
     }
     m_spansAreStale = true;
     const Edit edit{range.location, range.length - changeInLength, range.length};
-    if (const auto &known = m_editSinceSpans) {
-        const TextRange both = hull({known->location, known->inserted}, {edit.location, edit.removed});
-        m_editSinceSpans = {both.location, both.length - known->inserted + known->removed, both.length - edit.removed + edit.inserted};
-    } else {
-        m_editSinceSpans = edit;
-    }
+    const Edit known = m_editSinceSpans.value_or(Edit{edit.location, 0, 0});
+    const TextRange both = hull({known.location, known.inserted}, {edit.location, edit.removed});
+    m_editSinceSpans = {both.location, both.length - known.inserted + known.removed, both.length - edit.removed + edit.inserted};
+    addUncoloured(edit);
     m_freshChunks.resize(std::min(m_freshChunks.size(), size_t(range.location / chunkSize)));
     if (m_storage.length() <= largeTextThreshold) {
-        rehighlightEdit(range);
+        rehighlightEdit();
         return;
     }
-    m_pendingWork = m_scheduler.after(editDebounce, [this, range] {
-        rehighlightEdit(range);
+    m_pendingWork = m_scheduler.after(editDebounce, [this] {
+        rehighlightEdit();
         m_notifications.post(needsVisibleRefresh, this);
     });
 }
 
-void SyntaxHighlighter::rehighlightEdit(TextRange range)
+/// Keeps what is known of the text around the edit, as its chunks are about to count as stale.
+void SyntaxHighlighter::addUncoloured(const Edit &edit)
 {
+    const qsizetype chunk = edit.location / chunkSize;
+    const qsizetype end = edit.location + edit.removed;
+    const qsizetype change = edit.inserted - edit.removed;
+    UncolouredEdit all{{edit.location, edit.removed}, end, edit.location % chunkSize == 0 || isFresh(chunk)};
+    if (const auto &before = m_uncolouredEdit) {
+        all.range = hull(before->range, all.range);
+        all.knownEnd = std::max(before->knownEnd, end);
+        if (chunk >= before->range.location / chunkSize) {
+            all.isKnownBefore = before->isKnownBefore;
+        }
+    } else {
+        for (qsizetype known = end / chunkSize; isFresh(known); ++known) {
+            all.knownEnd = std::min((known + 1) * chunkSize, m_storage.length() - change);
+        }
+    }
+    all.range.length += change;
+    all.knownEnd += change;
+    m_uncolouredEdit = all;
+}
+
+void SyntaxHighlighter::rehighlightEdit()
+{
+    const auto edit = std::exchange(m_uncolouredEdit, std::nullopt);
+    if (!edit || edit->range.length > largeTextThreshold) {
+        return; // too much for one pass: whoever shows a part of it will ask
+    }
+    const TextRange range = edit->range;
     std::vector<TextRange> outdated;
     const TextRange done = highlight(range, outdated);
-    markFresh(range);
+    const qsizetype knownFrom = edit->isKnownBefore ? range.location / chunkSize * chunkSize : range.location;
+    markFresh(range, hull(done, TextRange::between(knownFrom, std::max(edit->knownEnd, range.end()))));
     markStale(outdated, done);
 }
 
@@ -318,6 +346,12 @@ void SyntaxHighlighter::findOutdated(const std::vector<Span> &before, TextRange 
             outdated.push_back(part);
         }
     };
+    if (!m_spanRules.empty()) {
+        // Above the edit a span may have come or gone where one of the windows did not reach.
+        const auto above = TextRange::between(std::max<qsizetype>(edit.location - spanMargin, 0), edit.location);
+        outdated.push_back(intersection(above, {0, common.location}));
+        outdated.push_back(intersection(above, TextRange::between(common.end(), std::max(common.end(), above.end()))));
+    }
     auto now = m_spans.begin();
     for (const Span &old : before) {
         const bool isUntouched = old.range.end() <= edit.location || old.range.location >= edit.location + edit.removed;
@@ -366,7 +400,8 @@ bool SyntaxHighlighter::isFresh(qsizetype chunk) const
     return size_t(chunk) < m_freshChunks.size() && m_freshChunks[size_t(chunk)];
 }
 
-void SyntaxHighlighter::markFresh(TextRange range)
+/// The chunks that `range` touches, as far as they are whole in `coloured`.
+void SyntaxHighlighter::markFresh(TextRange range, TextRange coloured)
 {
     range = range.clampedTo(m_storage.length());
     if (range.isEmpty()) {
@@ -380,6 +415,11 @@ void SyntaxHighlighter::markFresh(TextRange range)
     if (range.end() < line.end() || isLastLine) {
         first = std::min(first, (line.location + chunkSize - 1) / chunkSize);
         last = std::max(last, (line.end() - 1) / chunkSize - (isLastLine ? 0 : 1));
+    }
+    first = std::max(first, (coloured.location + chunkSize - 1) / chunkSize);
+    last = coloured.end() < m_storage.length() ? std::min(last, coloured.end() / chunkSize - 1) : last;
+    if (first > last) {
+        return;
     }
     if (m_freshChunks.size() <= size_t(last)) {
         m_freshChunks.resize(size_t(last) + 1);
@@ -397,6 +437,10 @@ void SyntaxHighlighter::markStale(const std::vector<TextRange> &ranges, TextRang
         }
     };
     for (const TextRange range : ranges) {
+        if (m_uncolouredEdit && !range.isEmpty()) {
+            m_uncolouredEdit->isKnownBefore = false;
+            m_uncolouredEdit->knownEnd = m_uncolouredEdit->range.end();
+        }
         mark(intersection(range, {0, except.location}));
         mark(intersection(range, TextRange::between(except.end(), std::max(except.end(), range.end()))));
     }

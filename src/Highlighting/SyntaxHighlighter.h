@@ -72,6 +72,13 @@ private:
         qsizetype removed = 0;
         qsizetype inserted = 0;
     };
+    /// All edits whose lines were not coloured yet, as one.
+    struct UncolouredEdit {
+        TextRange range; ///< in the text as it is now
+        /// The text from the end of `range` to here had its colours, and if `isKnownBefore` also that from the start of its chunk.
+        qsizetype knownEnd = 0;
+        bool isKnownBefore = false;
+    };
     class Excerpt;
     class Paint;
 
@@ -94,13 +101,15 @@ private:
     std::optional<Edit> m_editSinceSpans;
 
     std::vector<bool> m_freshChunks; ///< by index; those beyond are not
+    std::optional<UncolouredEdit> m_uncolouredEdit;
     DelayedTask m_pendingWork;
     bool m_isApplying = false;
 
     void rebuildAttributeCache();
     void cloneRules();
     void noteEdit(TextStorage::EditMask mask, TextRange range, qsizetype changeInLength);
-    void rehighlightEdit(TextRange range);
+    void addUncoloured(const Edit &edit);
+    void rehighlightEdit();
 
     TextRange highlight(TextRange range, std::vector<TextRange> &outdated);
     void refreshSpans(TextRange range, Excerpt &excerpt, std::vector<TextRange> &outdated);
@@ -110,6 +119,6 @@ private:
     void paintTokens(Paint &paint, const Excerpt &excerpt);
 
     [[nodiscard]] bool isFresh(qsizetype chunk) const;
-    void markFresh(TextRange range);
+    void markFresh(TextRange range, TextRange coloured);
     void markStale(const std::vector<TextRange> &ranges, TextRange except);
 };

@@ -59,7 +59,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
         m_lineEnding = contents->lineEnding;
     }
     rememberSavedText();
-    detectLanguage();
+    m_language = detectedLanguage();
     QObject::connect(&m_storage, &TextStorage::didProcessEditing, &m_context, [this](TextStorage::EditMask mask) { noteEdit(mask); });
     startWatching(contents ? contents->stamp : std::nullopt);
 }
@@ -113,7 +113,13 @@ void TextDocument::setDirty(bool isDirty)
 
 void TextDocument::noteEdit(TextStorage::EditMask mask)
 {
-    if (!mask.testFlag(TextStorage::editedCharacters) || m_isLoading) {
+    if (!mask.testFlag(TextStorage::editedCharacters)) {
+        return;
+    }
+    if (m_highlighter) {
+        m_highlighter->setLanguage(colouredLanguage()); // a line may have become too long for it, or short enough
+    }
+    if (m_isLoading) {
         return;
     }
     setDirty(true);
@@ -124,6 +130,8 @@ void TextDocument::noteEdit(TextStorage::EditMask mask)
 void TextDocument::rememberSavedText()
 {
     m_savedHashing.cancel();
+    m_isCheckWanted = false;
+    m_isOnlyCopy = false;
     if (m_storage.length() < largeText) {
         m_savedContentHash = textHash(m_storage.text());
         return;
@@ -160,7 +168,7 @@ void TextDocument::checkDirty()
 
 void TextDocument::applyDirtyCheck(quint64 hash)
 {
-    setDirty(hash != m_savedContentHash);
+    setDirty(m_isOnlyCopy || hash != m_savedContentHash);
 }
 
 // Properties
@@ -209,10 +217,10 @@ void TextDocument::attachHighlighter(const Theme &theme)
     m_highlighter->rehighlightAll();
 }
 
-void TextDocument::detectLanguage()
+Language TextDocument::detectedLanguage() const
 {
     const QString head = m_storage.string({0, std::min(m_storage.length(), firstLineReach)});
-    setLanguage(LanguageRegistry::detect(m_path, head.section(u'\n', 0, 0)));
+    return LanguageRegistry::detect(m_path, head.section(u'\n', 0, 0));
 }
 
 // Saving and reading
@@ -244,11 +252,7 @@ Result<void> TextDocument::save(const QString &path)
     }
     m_undoManager.breakCoalescing();
     m_undoManager.markSavePoint();
-    m_dirtyCheck.cancel();
-    m_dirtyHashing.cancel();
-    rememberSavedText();
-    m_isDirty = false;
-    m_externalState = ExternalState::none;
+    agreeWithFile();
     if (m_services.discardDraft) {
         m_services.discardDraft(m_id);
     }
@@ -259,12 +263,30 @@ Result<void> TextDocument::save(const QString &path)
     if (path != m_path) {
         m_path = path;
         if (!languageWasChosenManually) {
-            detectLanguage();
+            setLanguage(detectedLanguage());
         }
         startWatching({});
     }
     postMetadata();
     return {};
+}
+
+/// The text is the file's as of now; whatever was asked about either before is answered.
+void TextDocument::agreeWithFile()
+{
+    m_dirtyCheck.cancel();
+    m_dirtyHashing.cancel();
+    forgetFileQuestions();
+    rememberSavedText();
+    m_isDirty = false;
+    m_externalState = ExternalState::none;
+}
+
+void TextDocument::forgetFileQuestions()
+{
+    m_deletedCheck.cancel();
+    m_fileLooking.cancel();
+    m_fileReading.cancel();
 }
 
 void TextDocument::replaceText(const Rope &text)
@@ -282,12 +304,7 @@ void TextDocument::adopt(const TextFile::Contents &contents)
     replaceText(contents.text);
     m_encoding = contents.encoding;
     m_lineEnding = contents.lineEnding;
-    m_dirtyCheck.cancel();
-    m_dirtyHashing.cancel();
-    m_fileReading.cancel();
-    rememberSavedText();
-    m_isDirty = false;
-    m_externalState = ExternalState::none;
+    agreeWithFile();
     lastSelectedRange = {std::min(m_storage.length(), lastSelectedRange.location), 0};
     if (m_highlighter) {
         m_highlighter->rehighlightAll();
@@ -343,8 +360,7 @@ tl::expected<void, TextFile::ReadError> TextDocument::reinterpret(TextEncoding e
 
 void TextDocument::startWatching(const std::optional<FileStamp> &known)
 {
-    m_deletedCheck.cancel();
-    m_fileReading.cancel();
+    forgetFileQuestions();
     m_watcher.reset();
     if (!m_path.isEmpty()) {
         m_watcher =
@@ -357,6 +373,7 @@ void TextDocument::handleFileEvent(FileWatcher::Event event)
     if (event == FileWatcher::Event::deleted) {
         m_deletedCheck = m_services.scheduler.after(deletionCheckDelay, [this] { checkDeleted(); });
     } else {
+        forgetFileQuestions(); // it is there, whatever it was before
         compareWithFile();
     }
 }
@@ -371,7 +388,9 @@ void TextDocument::checkDeleted()
         m_services.workers, [path = m_path](const std::stop_token &) { return QFileInfo::exists(path); },
         [this](bool exists) {
             if (!exists) {
-                m_isDirty = true; // the text here is the only one now
+                m_fileReading.cancel(); // of a file that was there
+                m_isDirty = true;
+                m_isOnlyCopy = true;
                 setExternalState(ExternalState::deleted);
             }
         });
@@ -382,6 +401,14 @@ void TextDocument::setExternalState(ExternalState state)
     m_externalState = state;
     m_services.notifications.post(didDetectExternalChange, this);
     postMetadata();
+}
+
+void TextDocument::clearExternalState()
+{
+    if (m_externalState != ExternalState::none) {
+        m_externalState = ExternalState::none;
+        postMetadata();
+    }
 }
 
 void TextDocument::compareWithFile()
@@ -412,6 +439,7 @@ void TextDocument::applyReading(std::optional<FileReading> reading)
     if (reading->hash == reading->ownHash) {
         m_savedHashing.cancel();
         m_savedContentHash = reading->hash;
+        m_isOnlyCopy = false;
         setDirty(false);
         return;
     }

@@ -84,6 +84,8 @@ public:
 
     [[nodiscard]] bool isDirty() const { return m_isDirty; }
     [[nodiscard]] ExternalState externalState() const { return m_externalState; }
+    /// The user keeps the text as it is, whatever became of the file.
+    void clearExternalState();
     /// The document replaces its own text; edits seen now are nobody's.
     [[nodiscard]] bool isLoading() const { return m_isLoading; }
 
@@ -133,9 +135,11 @@ private:
 
     void transformForSaving();
     void replaceText(const Rope &text);
+    void agreeWithFile();
+    void forgetFileQuestions();
     void adopt(const TextFile::Contents &contents);
     void reload(const TextFile::Contents &contents);
-    void detectLanguage();
+    [[nodiscard]] Language detectedLanguage() const;
 
     void startWatching(const std::optional<FileStamp> &known);
     void handleFileEvent(FileWatcher::Event event);
@@ -162,6 +166,8 @@ private:
     /// None while a worker still computes it.
     std::optional<quint64> m_savedContentHash;
     bool m_isCheckWanted = false;
+    /// The file is gone, so no text is a saved one.
+    bool m_isOnlyCopy = false;
     DelayedTask m_dirtyCheck;
     DelayedTask m_deletedCheck;
     BackgroundTask m_savedHashing;

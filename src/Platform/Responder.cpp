@@ -29,8 +29,26 @@ Responder *Responder::target(Selector selector)
     return responder;
 }
 
+namespace {
+
+Responder::Observer &theObserver()
+{
+    static Responder::Observer observer;
+    return observer;
+}
+
+} // namespace
+
+void Responder::setObserver(Observer observer)
+{
+    theObserver() = std::move(observer);
+}
+
 bool Responder::perform(Selector selector, const ActionSender &sender)
 {
+    if (const Observer &observer = theObserver()) {
+        observer(selector);
+    }
     Responder *responder = target(selector);
     if (!responder) {
         return false;

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QVariant>
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -87,6 +88,10 @@ public:
 
     /// The first in the chain from here that takes `selector`, or null.
     [[nodiscard]] Responder *target(Selector selector);
+    /// Told of every action before it is carried out, whoever sends it and takes it; for tools that watch.
+    using Observer = std::function<void(Selector selector)>;
+    static void setObserver(Observer observer);
+
     /// Lets the target act, whether or not it calls the action enabled; false when nobody takes it.
     bool perform(Selector selector, const ActionSender &sender = {});
     /// What the target says, and it alone: a disabled action is not offered to the rest of the chain. Disabled when nobody takes it.

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/Translation.h"
 
-#include <QLocale>
+#include "Platform/Localization.h"
 
 #include <array>
 #include <cmath>
@@ -49,7 +49,7 @@ std::optional<Placeholder> placeholderAt(QStringView text)
 
 QString localized(QStringView english)
 {
-    return english.toString();
+    return Localization::current().text(english);
 }
 
 QString formattedList(QStringView pattern, const QStringList &arguments)
@@ -97,8 +97,10 @@ QString formattedByteCount(qint64 bytes)
         const double scale = std::pow(10.0, unit.digits);
         const double value = std::round(double(bytes) / unit.size * scale) / scale;
         if (value < 1000 || &unit == &units.back()) {
-            // "1.5 GB", not "1.50 GB".
-            return QString::number(value, 'f', QLocale::FloatingPointShortest) + u' ' + unit.name.toString();
+            // "1.5 GB", not "1.50 GB"; "5000 PB", not "5,000 PB".
+            QLocale locale = Localization::current().locale();
+            locale.setNumberOptions(QLocale::OmitGroupSeparator);
+            return locale.toString(value, 'f', QLocale::FloatingPointShortest) + u' ' + unit.name.toString();
         }
     }
     Q_UNREACHABLE();

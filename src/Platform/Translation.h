@@ -7,7 +7,7 @@
 
 #include <concepts>
 
-/// The text that the interface shows for `english`, which is the key of the language tables. Any thread.
+/// The text that the interface shows for `english`, which is the key of the language tables, in the language chosen. Any thread.
 [[nodiscard]] QString localized(QStringView english);
 
 /// Puts `arguments` in place of "%@" and "%d", in order, or of "%1$@" and "%1$d" by number; "%%" is a per cent sign.
@@ -30,5 +30,5 @@
     return formattedList(pattern, QStringList{formatArgument(arguments)...});
 }
 
-/// A file's size in decimal multiples as file managers write it: "999 bytes", "12 KB", "104.9 MB", "1.25 GB".
+/// A file's size in decimal multiples as file managers write it: "999 bytes", "12 KB", "104.9 MB", "1.25 GB"; in the language chosen.
 [[nodiscard]] QString formattedByteCount(qint64 bytes);

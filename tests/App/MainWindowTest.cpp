@@ -3,12 +3,13 @@
 #include "App/MainWindow.h"
 
 #include "App/MenuBar.h"
-#include "App/Preferences.h"
 #include "Model/DocumentStore.h"
+#include "Model/Preferences.h"
 #include "Model/WatchedPath.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Pasteboard.h"
+#include "Text/FindState.h"
 #include "Text/TextView.h"
 
 #include <QDir>
@@ -86,7 +87,8 @@ protected:
     InlineWorkers workers;
     FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
     DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
-    MainWindow window{{scheduler, notifications, defaults, preferences, pasteboard, presenter, documents}};
+    FindState find;
+    MainWindow window{{scheduler, notifications, defaults, preferences, pasteboard, presenter, documents, workers, find}};
 };
 
 } // namespace

@@ -32,6 +32,13 @@ struct Document {
     }
 
     void ensureAll() { highlighter.ensureHighlighted({0, storage.length()}); }
+    /// Chunk by chunk: those that count as coloured are left as they are.
+    void ensureEach()
+    {
+        for (qsizetype offset = 0; offset < storage.length(); offset += SyntaxHighlighter::chunkSize) {
+            highlighter.ensureHighlighted({offset, 1});
+        }
+    }
     void type(qsizetype location, const QString &text) { storage.replaceCharacters({location, 0}, text); }
     void erase(qsizetype location, qsizetype length) { storage.replaceCharacters({location, length}, u""); }
 

@@ -277,6 +277,87 @@ TEST(SyntaxHighlighter, AfterEditsIsAsIfTheTextHadJustBeenOpened)
     }
 }
 
+TEST(SyntaxHighlighter, WhatAnEditLeavesUncolouredIsColouredWhenItIsAskedFor)
+{
+    using namespace std::chrono_literals;
+    const std::vector<QString> tokens = {u"'"_s, u"if"_s, u"for ("_s, u"\n"_s, u"Xy"_s, u"x7;"_s, u"@"_s, u"\n\n//"_s};
+    const std::vector<QString> spans = {u"/*"_s, u"*/\n"_s, u"\n"_s, u"if"_s, u"x7;"_s};
+    // A window does not reach over the whole of the large texts, so what is a span in them depends on it: they get none.
+    for (const unsigned seed : {1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u}) {
+        const bool isLarge = seed % 2 == 0;
+        const std::vector<QString> &pieces = isLarge ? tokens : spans;
+        std::minstd_rand random(seed);
+        const auto below = [&](qsizetype limit) { return qsizetype(random() % quint64(limit)); };
+        Document edited(Language(plainRow), filled(isLarge ? 17 * chunk : 3 * chunk));
+        for (int step = 0; step < 60; ++step) {
+            if (below(3) == 0) {
+                edited.highlighter.ensureHighlighted({below(edited.storage.length()), below(2 * chunk)});
+            }
+            const qsizetype near = below(edited.storage.length() - 3 * chunk / 2);
+            {
+                const EditBatch batch(edited.storage);
+                for (qsizetype edits = 1 + below(3); edits > 0; --edits) {
+                    const qsizetype removed = below(4) == 0 ? below(600) : 0;
+                    const QString text = below(8) == 0 ? filled(below(900)) : pieces[size_t(below(qsizetype(pieces.size())))];
+                    edited.storage.replaceCharacters({near + below(chunk), removed}, text);
+                }
+            }
+            if (below(4) == 0) {
+                edited.scheduler.advance(120ms);
+            }
+            if (step % 10 == 9) {
+                edited.scheduler.advance(120ms);
+                edited.ensureEach();
+                Document opened(Language(plainRow), edited.storage.string());
+                opened.ensureAll();
+                const std::string is = edited.colours();
+                const std::string ought = opened.colours();
+                const auto [wrong, right] = std::ranges::mismatch(is, ought);
+                ASSERT_EQ(wrong, is.end()) << "seed " << seed << " step " << step << " at " << wrong - is.begin();
+                edited.highlighter.rehighlightAll();
+            }
+        }
+    }
+}
+
+TEST(SyntaxHighlighter, ColoursAllThatWasTypedSinceTheLastPause)
+{
+    using namespace std::chrono_literals;
+    Document document(Language(plainRow), u"\n"_s + filled(300000));
+    document.highlighter.ensureHighlighted({0, chunk});
+    document.type(0, u"if"_s);
+    document.scheduler.advance(100ms);
+    document.type(2, u"\n"_s);
+    document.type(3, u"for"_s);
+    document.scheduler.advance(120ms);
+    EXPECT_EQ(document.colours({0, 6}), "kk.kkk");
+
+    // What is too long for one pass is left to those who show it, and what shrinks to nothing meanwhile does no harm.
+    document.storage.replaceCharacters({0, document.storage.length()}, filled(2'000'000));
+    document.scheduler.advance(120ms);
+    EXPECT_FALSE(document.isFresh(1'000'000));
+    document.type(1'000'000, u"if"_s);
+    document.erase(0, document.storage.length());
+    document.scheduler.advance(120ms);
+    EXPECT_EQ(document.colours(), "");
+}
+
+TEST(SyntaxHighlighter, ASpanThatEndsFarFromWhatIsShownIsNoticed)
+{
+    using namespace std::chrono_literals;
+    const QString code = filled(3 * chunk);
+    Document document(Language(plainRow), u"/*"_s + code + u"*/\n"_s + filled(40 * chunk));
+    document.ensureAll();
+    document.highlighter.rehighlightAll();
+    document.highlighter.ensureHighlighted({0, 4 * chunk});
+    document.highlighter.ensureHighlighted({35 * chunk, chunk});
+    document.erase(2 + code.size(), 2);
+    document.highlighter.ensureHighlighted({35 * chunk, chunk});
+    document.scheduler.advance(120ms);
+    document.ensureEach();
+    EXPECT_EQ(document.colours().find('c'), std::string::npos);
+}
+
 TEST(SyntaxHighlighter, GivesUpRulesThatCostTooMuch)
 {
     Document document(Language(slowRow), u"<"_s + u"a"_s.repeated(4000) + u"c 12\n"_s);

@@ -92,7 +92,8 @@ protected:
     NotificationCenter notifications;
     DefaultsStore defaults{QString(), scheduler};
     HeldWorkers workers;
-    FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
+    InlineWorkers lookers;
+    FileWatcherQueue watchers{scheduler, WatchCalls::system(), lookers};
     QList<QUuid> discarded;
     DocumentStore store{{scheduler, notifications, defaults, workers, watchers, [this](const QUuid &id) { discarded.append(id); }}, {}};
     std::vector<NotificationCenter::Token> observers;
@@ -149,11 +150,34 @@ TEST_F(DocumentTest, ALargeTextIsHashedElsewhereAndOldAnswersAreDropped)
     EXPECT_TRUE(document.isDirty()) << "the answer was about a text that is no more";
 }
 
+TEST_F(DocumentTest, AnAnswerAboutAnEarlierSaveCleansNothing)
+{
+    workers.isHeld = true;
+    TextDocument &document = open(QByteArray("0123456789abcde\n").repeated(int(TextDocument::largeText / 16) + 1));
+    document.storage().replaceCharacters({0, 0}, u"x"_s);
+    settle();
+    ASSERT_TRUE(document.save(path()));
+    document.setLineEnding(LineEnding::crlf);
+    workers.finish();
+    settle(50ms);
+    workers.finish();
+    settle(50ms);
+    EXPECT_TRUE(document.isDirty()) << "nothing was edited since, so there is nothing to compare";
+}
+
 TEST_F(DocumentTest, ALineOfMegabytesIsNotColoured)
 {
-    const TextDocument &document = open("int x;" + QByteArray(1'100'000, ' ') + "int y;\n", u"a.c"_s);
+    TextDocument &document = open("int x;" + QByteArray(1'100'000, ' ') + "int y;\n", u"a.c"_s);
+    const auto coloured = [&document] { return document.highlighter()->language().id(); };
     EXPECT_EQ(document.language().id(), u"c"_s);
-    EXPECT_EQ(document.highlighter()->language().id(), u"text"_s);
+    EXPECT_EQ(coloured(), u"text"_s);
+    document.storage().replaceCharacters({7, 1'000'000}, QStringView());
+    EXPECT_EQ(coloured(), u"c"_s) << "the line is short now";
+    document.undoManager().undo();
+    EXPECT_EQ(coloured(), u"text"_s);
+    write("int z;\n", u"a.c"_s);
+    ASSERT_TRUE(document.revertToFileOnDisk());
+    EXPECT_EQ(coloured(), u"c"_s);
 }
 
 TEST_F(DocumentTest, SavesUnderANewNameWithItsLanguage)
@@ -252,6 +276,76 @@ TEST_F(DocumentTest, NoticesWhatOthersDo)
         EXPECT_EQ(document.externalState(), State::none) << c.name << ": its own saving is no news";
         EXPECT_FALSE(document.isDirty()) << c.name;
     }
+}
+
+TEST_F(DocumentTest, WhatWasReadBeforeASaveIsNotTakenAfterIt)
+{
+    TextDocument &document = open("text\n");
+    document.storage().replaceCharacters({0, 0}, u"x"_s);
+    settle();
+    workers.isHeld = true;
+    put(path(), "other\n");
+    settle();
+    workers.finish();
+    ASSERT_TRUE(document.save(path()));
+    takeHeard();
+    settle(2s);
+    EXPECT_EQ(document.storage().string(), u"xtext\n"_s);
+    EXPECT_TRUE(document.undoManager().canUndo());
+    EXPECT_EQ(document.externalState(), TextDocument::ExternalState::none);
+    EXPECT_EQ(takeHeard(), QString());
+}
+
+TEST_F(DocumentTest, AFileThatIsBackIsNotCalledDeleted)
+{
+    // Each comes when the file was found missing and before that is told.
+    const std::pair<const char *, std::function<void(TextDocument &)>> cases[] = {
+        {"saved anew", [](TextDocument &document) { ASSERT_TRUE(document.save(document.path())); }},
+        {"saved elsewhere", [](TextDocument &document) { ASSERT_TRUE(document.save(document.path() + u"x"_s)); }},
+        {"reverted",
+         [](TextDocument &document) {
+             put(document.path(), "text\n");
+             ASSERT_TRUE(document.revertToFileOnDisk());
+         }},
+        {"reinterpreted",
+         [](TextDocument &document) {
+             put(document.path(), "text\n");
+             ASSERT_TRUE(document.reinterpret(TextEncoding::isoLatin1));
+         }},
+    };
+    int number = 0;
+    for (const auto &[name, act] : cases) {
+        const QString file = u"file%1.txt"_s.arg(++number);
+        workers.isHeld = false;
+        TextDocument &document = open("text\n", file);
+        workers.isHeld = true;
+        QFile::remove(path(file));
+        settle();
+        workers.finish();
+        act(document);
+        settle(2s);
+        workers.finish();
+        settle(50ms);
+        EXPECT_EQ(document.externalState(), TextDocument::ExternalState::none) << name;
+        EXPECT_FALSE(document.isDirty()) << name;
+    }
+}
+
+TEST_F(DocumentTest, TheOnlyCopyStaysDirtyUntilItIsSaved)
+{
+    TextDocument &document = open("text\n");
+    QFile::remove(path());
+    settle();
+    ASSERT_EQ(document.externalState(), TextDocument::ExternalState::deleted);
+    document.storage().replaceCharacters({0, 0}, u"x"_s);
+    document.undoManager().undo();
+    settle();
+    EXPECT_TRUE(document.isDirty());
+    ASSERT_TRUE(document.save(path()));
+    document.storage().replaceCharacters({0, 0}, u"x"_s);
+    document.undoManager().undo();
+    settle();
+    EXPECT_FALSE(document.isDirty());
 }
 
 TEST(SaveTransformation, ReachesTheLastLineOnly)

@@ -39,7 +39,10 @@ protected:
     std::unique_ptr<SystemAppearance> made()
     {
         auto appearance = std::make_unique<SystemAppearance>(std::make_unique<FakeSource>(tell));
-        QObject::connect(appearance.get(), &SystemAppearance::changed, [this](Appearance now) { told.push_back(now); });
+        QObject::connect(appearance.get(), &SystemAppearance::changed, [this, made = appearance.get()](Appearance now) {
+            EXPECT_EQ(made->current(), now) << "whoever hears of it asks";
+            told.push_back(now);
+        });
         return appearance;
     }
 };

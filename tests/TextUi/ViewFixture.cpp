@@ -49,7 +49,7 @@ ViewFixture::ViewFixture(const QString &text, QSize size)
     (void)QTest::qWaitForWindowActive(&view);
 }
 
-void ViewFixture::keys(const QString &keys)
+void sendKeys(QWidget &widget, const QString &keys)
 {
     static const QHash<QString, Qt::Key> names{
         {u"Left"_s, Qt::Key_Left},    {u"Right"_s, Qt::Key_Right}, {u"Up"_s, Qt::Key_Up},         {u"Down"_s, Qt::Key_Down},
@@ -58,7 +58,7 @@ void ViewFixture::keys(const QString &keys)
         {u"Insert"_s, Qt::Key_Insert}};
     for (qsizetype i = 0; i < keys.length(); ++i) {
         if (keys[i] != u'<') {
-            QTest::keyClick(&view, keys[i].toLatin1());
+            QTest::keyClick(&widget, keys[i].toLatin1());
             continue;
         }
         const qsizetype end = keys.indexOf(u'>', i);
@@ -69,12 +69,14 @@ void ViewFixture::keys(const QString &keys)
         for (const QString &part : parts) {
             modifiers |= part == u"C" ? Qt::ControlModifier : part == u"S" ? Qt::ShiftModifier : Qt::AltModifier;
         }
-        const Qt::Key key =
-            names.value(name, name.length() == 1 ? static_cast<Qt::Key>(name.front().toUpper().unicode()) : Qt::Key_unknown);
+        Qt::Key key = names.value(name, name.length() == 1 ? static_cast<Qt::Key>(name.front().toUpper().unicode()) : Qt::Key_unknown);
+        if (key == Qt::Key_Tab && modifiers == Qt::ShiftModifier) {
+            key = Qt::Key_Backtab;
+        }
         if (key == Qt::Key_unknown) {
             qFatal("no such key: %s", qPrintable(name));
         }
-        QTest::keyClick(&view, key, modifiers);
+        QTest::keyClick(&widget, key, modifiers);
     }
 }
 

@@ -22,13 +22,15 @@ struct MarkedText {
 /// A font that every test machine has, 10 points at 96 dpi.
 [[nodiscard]] QFont testFont();
 
+/// Keys as Vim users write them: `abc<Left><C-S-Right><BS><CR><Tab>`.
+void sendKeys(QWidget &widget, const QString &keys);
+
 /// A view on a storage with everything around it injected; shown offscreen and active.
 class ViewFixture {
 public:
     explicit ViewFixture(const QString &text = {}, QSize size = {400, 300});
 
-    /// Keys as Vim users write them: `abc<Left><C-S-Right><BS><CR><Tab>`.
-    void keys(const QString &keys);
+    void keys(const QString &keys) { sendKeys(view, keys); }
     [[nodiscard]] QString marked() { return MarkedText::marked(storage.text().toString(), view.selection()); }
     [[nodiscard]] QPoint pointOf(qsizetype offset);
     /// Paints and gives what is seen.

@@ -2,6 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "Command.h"
 
+#include "Highlighting/LanguageRegistry.h"
+#include "Model/Preferences.h"
+#include "Platform/DefaultsStore.h"
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -68,4 +72,40 @@ bool isNumber(const QString &value)
 quint32 toNumber(const QString &value)
 {
     return value.toUInt(nullptr, 0);
+}
+
+std::optional<TextRange> toRange(const QString &value)
+{
+    const qsizetype comma = value.indexOf(u',');
+    bool isLocation = false;
+    bool isLength = false;
+    const quint32 location = value.left(std::max<qsizetype>(comma, 0)).toUInt(&isLocation);
+    const quint32 length = value.mid(comma + 1).toUInt(&isLength);
+    return comma > 0 && isLocation && isLength ? std::optional(TextRange{location, length}) : std::nullopt;
+}
+
+bool isRange(const QString &value)
+{
+    return toRange(value).has_value();
+}
+
+bool isLanguageID(const QString &value)
+{
+    return LanguageRegistry::withID(value).has_value();
+}
+
+bool setPreference(Preferences &preferences, const QString &setting)
+{
+    const qsizetype equals = setting.indexOf(u'=');
+    const PreferenceRow *row = equals < 0 ? nullptr : Preferences::rowForKey(QStringView(setting).left(equals));
+    return row && preferences.setFromText(*row, setting.mid(equals + 1));
+}
+
+bool isPreferenceSetting(const QString &setting)
+{
+    ManualScheduler scheduler;
+    DefaultsStore defaults(QString(), scheduler);
+    NotificationCenter notifications;
+    Preferences preferences(defaults, notifications);
+    return setPreference(preferences, setting);
 }

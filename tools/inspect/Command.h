@@ -12,6 +12,8 @@
 #include <optional>
 #include <span>
 
+class Preferences;
+
 /// One option of a command, "--name" or "--name VALUE".
 struct OptionRow {
     /// Without the dashes.
@@ -49,8 +51,10 @@ struct CommandRow {
 /// The rows of each subject; `main.cpp` lists the subjects.
 [[nodiscard]] std::span<const CommandRow> fileCommands();
 [[nodiscard]] std::span<const CommandRow> highlightCommands();
+[[nodiscard]] std::span<const CommandRow> keysCommands();
 [[nodiscard]] std::span<const CommandRow> languageCommands();
 [[nodiscard]] std::span<const CommandRow> preferencesCommands();
+[[nodiscard]] std::span<const CommandRow> stringsCommands();
 
 /// The arguments by the row, or none when they do not fit it.
 [[nodiscard]] std::optional<Arguments> parseArguments(const CommandRow &command, const QStringList &given);
@@ -58,6 +62,15 @@ struct CommandRow {
 
 /// The answer when a file could not be opened as text.
 [[nodiscard]] QJsonObject answerOf(const TextFile::ReadError &error);
+
+/// "LOCATION,LENGTH" as it was given, or none.
+[[nodiscard]] std::optional<TextRange> toRange(const QString &value);
+[[nodiscard]] bool isRange(const QString &value);
+[[nodiscard]] bool isLanguageID(const QString &value);
+
+/// "KEY=VALUE" for one of the preferences: what it says, through the typed setter. False, and nothing set, when it says nothing.
+bool setPreference(Preferences &preferences, const QString &setting);
+[[nodiscard]] bool isPreferenceSetting(const QString &setting);
 
 /// A whole number, decimal or with 0x in front, that fits into 32 bits.
 [[nodiscard]] bool isNumber(const QString &value);

@@ -14,27 +14,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-bool isLanguageId(const QString &value)
-{
-    return LanguageRegistry::withID(value).has_value();
-}
-
-/// "LOCATION,LENGTH" as it was given, or none.
-std::optional<TextRange> rangeOf(const QString &value)
-{
-    const qsizetype comma = value.indexOf(u',');
-    bool isLocation = false;
-    bool isLength = false;
-    const quint32 location = value.left(std::max<qsizetype>(comma, 0)).toUInt(&isLocation);
-    const quint32 length = value.mid(comma + 1).toUInt(&isLength);
-    return comma > 0 && isLocation && isLength ? std::optional(TextRange{location, length}) : std::nullopt;
-}
-
-bool isRange(const QString &value)
-{
-    return rangeOf(value).has_value();
-}
-
 /// The dark theme with another colour for each scope, so that a style names its scope.
 Theme themeOfScopes()
 {
@@ -68,7 +47,7 @@ QJsonObject runHighlight(const Arguments &arguments)
     SyntaxHighlighter highlighter(storage, language, theme, scheduler, notifications);
     highlighter.rehighlightAll();
     const auto range = arguments.value(u"ensure");
-    highlighter.ensureHighlighted(range ? *rangeOf(*range) : TextRange{0, storage.length()});
+    highlighter.ensureHighlighted(range ? *toRange(*range) : TextRange{0, storage.length()});
 
     QHash<StyleId, QString> names;
     for (const ScopeRow &row : scopes) {
@@ -119,7 +98,7 @@ QJsonObject runTheme(const Arguments &arguments)
     return answer;
 }
 
-constexpr auto highlightOptions = std::to_array<OptionRow>({{u"language", u"ID", isLanguageId}, {u"ensure", u"LOCATION,LENGTH", isRange}});
+constexpr auto highlightOptions = std::to_array<OptionRow>({{u"language", u"ID", isLanguageID}, {u"ensure", u"LOCATION,LENGTH", isRange}});
 constexpr auto themeOptions = std::to_array<OptionRow>({{u"dark"}});
 
 constexpr auto rows = std::to_array<CommandRow>({

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Command.h"
 
-#include "App/Preferences.h"
+#include "Model/Preferences.h"
 #include "Platform/DefaultsStore.h"
 
 #include <array>
@@ -13,33 +13,19 @@ namespace {
 
 /// A preferences store of the tool's own, on the disk as the program's is.
 struct PrivatePreferences {
+    PrivatePreferences() { preferences.setLanguageResolver(Localization::use); }
+
     ManualScheduler scheduler;
     DefaultsStore defaults{DefaultsStore::standardPath(), scheduler};
     NotificationCenter notifications;
     Preferences preferences{defaults, notifications};
 };
 
-bool set(Preferences &preferences, const QString &setting)
-{
-    const qsizetype equals = setting.indexOf(u'=');
-    const PreferenceRow *row = equals < 0 ? nullptr : Preferences::rowForKey(QStringView(setting).left(equals));
-    return row && preferences.setFromText(*row, setting.mid(equals + 1));
-}
-
-bool isSetting(const QString &setting)
-{
-    ManualScheduler scheduler;
-    DefaultsStore defaults(QString(), scheduler);
-    NotificationCenter notifications;
-    Preferences preferences(defaults, notifications);
-    return set(preferences, setting);
-}
-
 QJsonObject runPreferences(const Arguments &arguments)
 {
     PrivatePreferences store;
     for (const QString &setting : arguments.values(u"set")) {
-        set(store.preferences, setting);
+        setPreference(store.preferences, setting);
     }
     QJsonObject values;
     for (const PreferenceRow &row : Preferences::table()) {
@@ -48,7 +34,7 @@ QJsonObject runPreferences(const Arguments &arguments)
     return {{u"values"_s, values}};
 }
 
-constexpr auto preferencesOptions = std::to_array<OptionRow>({{u"set", u"KEY=VALUE", isSetting}});
+constexpr auto preferencesOptions = std::to_array<OptionRow>({{u"set", u"KEY=VALUE", isPreferenceSetting}});
 
 constexpr auto rows = std::to_array<CommandRow>({
     {u"preferences", u"", preferencesOptions, u"every preference with its value after the settings", runPreferences},

@@ -17,8 +17,8 @@ namespace {
 
 enum ExitStatus { answered = 0, failed = 1, wrongArguments = 2 };
 
-constexpr auto subjects =
-    std::to_array<std::span<const CommandRow> (*)()>({fileCommands, highlightCommands, languageCommands, preferencesCommands});
+constexpr auto subjects = std::to_array<std::span<const CommandRow> (*)()>(
+    {fileCommands, highlightCommands, keysCommands, languageCommands, preferencesCommands, stringsCommands});
 
 const CommandRow *commandNamed(const QString &name)
 {

@@ -1,12 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "App/Preferences.h"
+#include "Model/Preferences.h"
 
-#include "App/EditorFont.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Terminals.h"
 
-#include <QFontDatabase>
 #include <QSet>
 
 #include <gtest/gtest.h>
@@ -112,20 +110,4 @@ TEST_F(PreferencesTest, TheTableIsConsistent)
     EXPECT_EQ(Preferences::rowForKey(u"editor.unknown"), nullptr);
     EXPECT_EQ(preferences.value(Preference::toolbarItemIDs).toStringList().size(), 1);
     EXPECT_FALSE(preferences.setFromText(Preferences::row(Preference::fontSize), u"inf"_s));
-}
-
-TEST_F(PreferencesTest, TheFontIsTheDesktopsWhenItIsMissing)
-{
-    preferences.setFontSize(20);
-    preferences.setFontName(u"No Such Font"_s);
-    QFont font = editorFont(preferences);
-    EXPECT_EQ(font.families(), QFontDatabase::systemFont(QFontDatabase::FixedFont).families());
-    EXPECT_EQ(font.pointSizeF(), 20);
-    const QStringList families = QFontDatabase::families();
-    if (!families.isEmpty()) {
-        preferences.setFontName(families.last());
-        font = editorFont(preferences);
-        EXPECT_EQ(font.family(), families.last());
-        EXPECT_EQ(font.pointSizeF(), 20);
-    }
 }

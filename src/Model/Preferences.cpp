@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "App/Preferences.h"
+#include "Model/Preferences.h"
 
 #include "Platform/DefaultsStore.h"
 #include "Platform/Terminals.h"

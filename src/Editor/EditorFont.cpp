@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "App/EditorFont.h"
+#include "Editor/EditorFont.h"
 
-#include "App/Preferences.h"
+#include "Model/Preferences.h"
 
 #include <QFontDatabase>
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/Localization.h"
 #include "Platform/NotificationCenter.h"
 
 #include <QLatin1StringView>
@@ -50,15 +51,12 @@ enum class Preference {
     terminalIdentifier,
 };
 
-enum class AppLanguage { system, english, german };
 enum class VimKeymapPreset { plain, lazyVim };
 enum class ToolbarStyle { combined, separate, hidden };
 
 // As the settings file names them, in the order of the cases; an unknown name stands for the first.
-constexpr std::array appLanguageNames = {QLatin1StringView("system"), QLatin1StringView("en"), QLatin1StringView("de")};
 constexpr std::array vimKeymapPresetNames = {QLatin1StringView("plain"), QLatin1StringView("lazyvim")};
 constexpr std::array toolbarStyleNames = {QLatin1StringView("combined"), QLatin1StringView("separate"), QLatin1StringView("hidden")};
-static_assert(appLanguageNames.size() == size_t(AppLanguage::german) + 1);
 static_assert(vimKeymapPresetNames.size() == size_t(VimKeymapPreset::lazyVim) + 1);
 static_assert(toolbarStyleNames.size() == size_t(ToolbarStyle::hidden) + 1);
 
@@ -96,7 +94,7 @@ public:
     /// After a setter of the toolbar's style, items, labels or title; about the preferences.
     static constexpr NotificationName toolbarConfigurationDidChange = "QLT.ToolbarConfigurationDidChange";
     /// After setLanguage, before `didChange`; about nothing.
-    static constexpr NotificationName languageDidChange = "QLT.LanguageDidChange";
+    static constexpr NotificationName languageDidChange = Localization::didChangeNotification;
 
     /// Registers the defaults. `defaults` and `notifications` must outlive the preferences.
     Preferences(DefaultsStore &defaults, NotificationCenter &notifications);

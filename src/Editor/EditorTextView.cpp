@@ -1,0 +1,244 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Editor/EditorTextView.h"
+
+#include "Editor/LineNumberRulerView.h"
+#include "Text/TextStorage.h"
+
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QMimeData>
+#include <QUrl>
+
+#include <array>
+
+namespace {
+
+QColor colorOf(quint32 color)
+{
+    return QColor::fromRgb(color);
+}
+
+/// The files, folders left out, that a drag holds; none when it shall become text.
+QStringList droppedFiles(const QDropEvent &event)
+{
+    QStringList paths;
+    if (event.modifiers() & Qt::AltModifier) {
+        return paths;
+    }
+    for (const QUrl &url : event.mimeData()->urls()) {
+        if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isFile()) {
+            paths << url.toLocalFile();
+        }
+    }
+    return paths;
+}
+
+} // namespace
+
+EditorTextView::EditorTextView(TextStorage &storage, UndoManager &undoManager, const Services &services, const QFont &font, QWidget *parent)
+    : TextView(storage, undoManager, {services.scheduler, services.pasteboard}, font, parent), m_beep(services.beep),
+      m_ruler(new LineNumberRulerView(*this, this))
+{
+    connect(m_ruler, &LineNumberRulerView::thicknessChanged, this, &EditorTextView::placeRuler);
+    connect(this, &TextView::visibleRowsChanged, m_ruler, &LineNumberRulerView::refresh);
+    connect(this, &TextView::selectionChanged, this, [this] {
+        m_ruler->refresh();
+        if (m_delegate) {
+            m_delegate->editorTextViewDidChangeSelection(*this);
+        }
+    });
+    placeRuler();
+}
+
+const ActionRow *EditorTextView::actionFor(Selector selector) const
+{
+    static constexpr auto rows = std::to_array<ActionRow>({
+        action<&EditorTextView::insertTab, &EditorTextView::isEditable>("insertTab:"),
+        action<&EditorTextView::insertBacktab, &EditorTextView::isEditable>("insertBacktab:"),
+        action<&EditorTextView::toggleComment, &EditorTextView::canToggleComment>("toggleComment:"),
+        action<&EditorTextView::duplicateLine, &EditorTextView::isEditable>("duplicateLine:"),
+        action<&EditorTextView::deleteLine, &EditorTextView::isEditable>("deleteLine:"),
+    });
+    const ActionRow *row = findAction(rows, selector);
+    return row ? row : TextView::actionFor(selector);
+}
+
+// Looks
+
+void EditorTextView::setTheme(const Theme &theme, CurrentLine currentLine)
+{
+    setColors({.background = colorOf(theme.background),
+               .text = colorOf(theme.foreground),
+               .selection = colorOf(theme.selection),
+               .caret = colorOf(theme.caret),
+               .currentLine = currentLine == CurrentLine::highlighted ? colorOf(theme.currentLine) : QColor(),
+               .invisibles = colorOf(theme.invisibles),
+               .mark = colorOf(blended(theme.background, theme.isDark ? 0xFFD8A200 : 0xFFFFC800, theme.isDark ? 0.45 : 0.5))});
+    m_ruler->setTheme(theme);
+    m_ruler->setHighlightsCurrentLine(currentLine == CurrentLine::highlighted ? LineNumberRulerView::CurrentLine::highlighted
+                                                                              : LineNumberRulerView::CurrentLine::plain);
+}
+
+void EditorTextView::setIndentation(Indentation indentation)
+{
+    m_indentation = indentation;
+    setTabWidth(indentation.width);
+}
+
+void EditorTextView::setLineNumbers(Visibility visibility)
+{
+    m_ruler->setVisible(visibility == Visibility::shown);
+    placeRuler();
+}
+
+void EditorTextView::placeRuler()
+{
+    const int thickness = m_ruler->isHidden() ? 0 : m_ruler->thickness();
+    if (viewportMargins().left() != thickness) {
+        setViewportMargins(thickness, 0, 0, 0);
+    }
+    const QRect port = viewport()->geometry();
+    m_ruler->setGeometry(port.left() - thickness, port.top(), thickness, port.height());
+}
+
+void EditorTextView::resizeEvent(QResizeEvent *event)
+{
+    TextView::resizeEvent(event);
+    placeRuler();
+}
+
+// Commands
+
+bool EditorTextView::canToggleComment() const
+{
+    return !isReadOnly() && m_language.lineComment().has_value();
+}
+
+void EditorTextView::apply(const std::optional<LineEdit> &edit, GroupKind kind)
+{
+    if (edit) {
+        replaceText(edit->range, edit->replacement, kind, edit->after);
+    }
+}
+
+void EditorTextView::insertTab()
+{
+    commitPreedit();
+    const TextRange selected = selection().range();
+    const Rope &text = storage().text();
+    if (text.lineAt(selected.location) != text.lineAt(selected.end())) {
+        shiftSelectedLines(LineEditing::Shift::indent);
+    } else if (m_indentation.unit == Indentation::Unit::tab) {
+        TextView::insertTab();
+    } else {
+        apply(LineEditing::tabbed(text, selected, m_indentation.width), GroupKind::typing);
+    }
+}
+
+void EditorTextView::insertBacktab()
+{
+    shiftSelectedLines(LineEditing::Shift::outdent);
+}
+
+void EditorTextView::shiftSelectedLines(LineEditing::Shift shift)
+{
+    commitPreedit();
+    apply(LineEditing::shifted(storage().text(), selection().range(), shift, m_indentation));
+}
+
+void EditorTextView::insertNewline()
+{
+    if (m_autoIndent == AutoIndent::off) {
+        TextView::insertNewline();
+        return;
+    }
+    commitPreedit();
+    apply(LineEditing::brokenLine(storage().text(), selection().range(), m_indentation), GroupKind::typing);
+}
+
+void EditorTextView::deleteBackward()
+{
+    commitPreedit();
+    const TextSelection selected = selection();
+    const auto edit = selected.isEmpty() && m_indentation.unit == Indentation::Unit::spaces
+                          ? LineEditing::unindented(storage().text(), selected.caret, m_indentation.width)
+                          : std::nullopt;
+    if (edit) {
+        apply(edit, GroupKind::deletingBackward);
+    } else {
+        TextView::deleteBackward();
+    }
+}
+
+void EditorTextView::toggleComment()
+{
+    if (!canToggleComment()) {
+        m_beep();
+        return;
+    }
+    commitPreedit();
+    apply(LineEditing::commentToggled(storage().text(), selection().range(), *m_language.lineComment()));
+}
+
+void EditorTextView::duplicateLine()
+{
+    commitPreedit();
+    apply(LineEditing::duplicated(storage().text(), selection().range()));
+}
+
+void EditorTextView::deleteLine()
+{
+    commitPreedit();
+    apply(LineEditing::deleted(storage().text(), selection().range()));
+}
+
+// Focus and drops
+
+void EditorTextView::focusInEvent(QFocusEvent *event)
+{
+    TextView::focusInEvent(event);
+    if (m_delegate) {
+        m_delegate->editorTextViewWantsFocus(*this);
+    }
+}
+
+void EditorTextView::mousePressEvent(QMouseEvent *event)
+{
+    if (m_delegate) {
+        m_delegate->editorTextViewWantsFocus(*this);
+    }
+    TextView::mousePressEvent(event);
+}
+
+void EditorTextView::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (droppedFiles(*event).isEmpty()) {
+        TextView::dragEnterEvent(event);
+        return;
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+}
+
+void EditorTextView::dragMoveEvent(QDragMoveEvent *event)
+{
+    if (droppedFiles(*event).isEmpty()) {
+        TextView::dragMoveEvent(event);
+        return;
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+}
+
+void EditorTextView::dropEvent(QDropEvent *event)
+{
+    const QStringList paths = droppedFiles(*event);
+    if (paths.isEmpty() || !m_delegate) {
+        TextView::dropEvent(event);
+        return;
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    m_delegate->editorTextViewDidDropFiles(*this, paths);
+}

@@ -1,0 +1,86 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Editor/LineEditing.h"
+#include "Highlighting/Language.h"
+#include "Highlighting/Theme.h"
+#include "Text/TextView.h"
+
+class EditorTextView;
+class LineNumberRulerView;
+
+/// What an EditorTextView tells its editor.
+class EditorTextViewDelegate {
+public:
+    /// It got the focus or was clicked.
+    virtual void editorTextViewWantsFocus(EditorTextView &view) = 0;
+    virtual void editorTextViewDidChangeSelection(EditorTextView &view) = 0;
+    /// Absolute paths of files that exist.
+    virtual void editorTextViewDidDropFiles(EditorTextView &view, const QStringList &paths) = 0;
+
+protected:
+    ~EditorTextViewDelegate() = default;
+};
+
+/// A text view for source code: tab stops, indentation, comments, whole lines, and the line numbers beside it. Files that are dropped on it
+/// go to its editor; with Alt held their names become text.
+class EditorTextView final : public TextView {
+    Q_OBJECT
+
+public:
+    struct Services {
+        Scheduler &scheduler;
+        Pasteboard &pasteboard;
+        /// The sound for a command that cannot do its work.
+        std::function<void()> beep;
+    };
+    enum class AutoIndent { off, on };
+    enum class CurrentLine { plain, highlighted };
+
+    EditorTextView(TextStorage &storage, UndoManager &undoManager, const Services &services, const QFont &font, QWidget *parent = nullptr);
+
+    /// Must outlive the view or be taken back by null.
+    void setEditorDelegate(EditorTextViewDelegate *delegate) { m_delegate = delegate; }
+    void setTheme(const Theme &theme, CurrentLine currentLine);
+    void setIndentation(Indentation indentation);
+    [[nodiscard]] Indentation indentation() const { return m_indentation; }
+    void setAutoIndent(AutoIndent autoIndent) { m_autoIndent = autoIndent; }
+    void setLanguage(const Language &language) { m_language = language; }
+    [[nodiscard]] const Language &language() const { return m_language; }
+
+    [[nodiscard]] LineNumberRulerView &ruler() { return *m_ruler; }
+    void setLineNumbers(Visibility visibility);
+
+    void insertNewline() override;
+    void insertTab() override;
+    void insertBacktab() override;
+    void deleteBackward() override;
+    void shiftSelectedLines(LineEditing::Shift shift);
+    void toggleComment();
+    void duplicateLine();
+    void deleteLine();
+
+    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+
+protected:
+    void focusInEvent(QFocusEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    [[nodiscard]] bool isEditable() const { return !isReadOnly(); }
+    [[nodiscard]] bool canToggleComment() const;
+    void apply(const std::optional<LineEdit> &edit, GroupKind kind = GroupKind::other);
+    void placeRuler();
+
+    EditorTextViewDelegate *m_delegate = nullptr;
+    std::function<void()> m_beep;
+    Indentation m_indentation;
+    AutoIndent m_autoIndent = AutoIndent::on;
+    Language m_language;
+    LineNumberRulerView *m_ruler;
+};

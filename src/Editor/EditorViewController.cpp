@@ -1,0 +1,258 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Editor/EditorViewController.h"
+
+#include "Editor/EditorFont.h"
+#include "Editor/ExternalChangeBanner.h"
+#include "Editor/LineNumberRulerView.h"
+#include "Model/DocumentStore.h"
+#include "Model/Preferences.h"
+#include "Platform/AlertPresenter.h"
+#include "Platform/Localization.h"
+#include "Text/FindBar.h"
+#include "Text/LineRange.h"
+#include "Text/TextFinder.h"
+
+#include <QVBoxLayout>
+
+#include <array>
+
+namespace {
+
+constexpr QSize startSize(800, 600);
+
+} // namespace
+
+EditorViewController::EditorViewController(const EditorServices &services, TextDocument &document, QWidget *parent)
+    : QWidget(parent), m_services(services), m_document(document), m_stack(new QVBoxLayout(this)),
+      m_textView(new EditorTextView(document.storage(), document.undoManager(),
+                                    {services.scheduler, services.pasteboard, [&presenter = services.presenter] { presenter.beep(); }},
+                                    editorFont(services.preferences), this)),
+      m_finder(new TextFinder(
+          *m_textView, {services.scheduler, services.workers, services.find, [&presenter = services.presenter] { presenter.beep(); }},
+          this)),
+      m_findBar(new FindBar(*m_finder, services.scheduler, this))
+{
+    resize(startSize);
+    m_stack->setContentsMargins({});
+    m_stack->setSpacing(0);
+    m_stack->addWidget(m_findBar);
+    m_stack->addWidget(m_textView, 1);
+    m_textView->setEditorDelegate(this);
+    m_textView->setAccess(document.isGenerated() ? TextView::Access::readOnly : TextView::Access::readWrite);
+    m_textView->setLanguage(document.language());
+    setFocusProxy(m_textView);
+    applyPreferences();
+    observe();
+    restoreViewState();
+    updateBanner();
+    highlightVisibleRange();
+}
+
+EditorViewController::~EditorViewController()
+{
+    // The view may still tell of losing the focus while it goes.
+    m_textView->setEditorDelegate(nullptr);
+    delete m_textView;
+}
+
+const ActionRow *EditorViewController::actionFor(Selector selector) const
+{
+    static constexpr auto rows = std::to_array<ActionRow>({
+        action<&EditorViewController::performTextFinderAction, &EditorViewController::textFinderActionState>("performTextFinderAction:"),
+    });
+    return findAction(rows, selector);
+}
+
+void EditorViewController::performTextFinderAction(const ActionSender &sender)
+{
+    m_findBar->performTextFinderAction(sender);
+}
+
+ActionState EditorViewController::textFinderActionState(const ActionSender &sender) const
+{
+    return m_findBar->textFinderActionState(sender);
+}
+
+void EditorViewController::retranslate()
+{
+    m_findBar->retranslate();
+    updateBanner();
+}
+
+void EditorViewController::observe()
+{
+    connect(&m_document.storage(), &TextStorage::didProcessEditing, this, [this](TextStorage::EditMask mask) {
+        if (mask.testFlag(TextStorage::editedCharacters)) {
+            m_textView->ruler().updateThickness();
+            m_textView->ruler().refresh();
+        }
+    });
+    connect(m_textView, &TextView::visibleRowsChanged, this, &EditorViewController::scheduleVisibleHighlight);
+    connect(m_textView, &TextView::zoomRequested, this,
+            [this](int steps) { m_services.preferences.setFontSize(m_services.preferences.fontSize() + steps); });
+    const auto observe = [this](NotificationName name, const void *object, std::function<void()> reaction) {
+        m_observers.push_back(m_services.notifications.observe(name, object, std::move(reaction)));
+    };
+    observe(Preferences::didChange, nullptr, [this] { applyPreferences(); });
+    observe(TextDocument::didChangeMetadata, &m_document, [this] {
+        adoptLanguage();
+        updateBanner();
+    });
+    observe(Localization::didChangeNotification, nullptr, [this] { retranslate(); });
+    observe(TextDocument::didDetectExternalChange, &m_document, [this] { updateBanner(); });
+    observe(TextDocument::didReloadFromDisk, &m_document, [this] {
+        m_textView->ruler().update();
+        highlightVisibleRange();
+        updateBanner();
+    });
+    if (m_document.highlighter()) {
+        observe(SyntaxHighlighter::needsVisibleRefresh, m_document.highlighter(), [this] { scheduleVisibleHighlight(); });
+    }
+}
+
+// Preferences
+
+void EditorViewController::applyPreferences()
+{
+    const Preferences &preferences = m_services.preferences;
+    m_services.documents.refreshAppearance();
+    m_textView->setTheme(m_services.documents.theme(), preferences.highlightCurrentLine() ? EditorTextView::CurrentLine::highlighted
+                                                                                          : EditorTextView::CurrentLine::plain);
+    const QFont font = editorFont(preferences);
+    if (m_textView->textFont() != font) {
+        m_textView->setTextFont(font);
+        m_textView->ruler().setEditorFont(font);
+    }
+    applyIndentation();
+    m_textView->setAutoIndent(preferences.autoIndent() ? EditorTextView::AutoIndent::on : EditorTextView::AutoIndent::off);
+    const auto visibility = [](bool isShown) { return isShown ? TextView::Visibility::shown : TextView::Visibility::hidden; };
+    m_textView->setInvisibles(visibility(preferences.showInvisibles()));
+    m_textView->setLineNumbers(visibility(preferences.showLineNumbers()));
+    const auto wrapMode = preferences.wrapLines() ? TextView::WrapMode::viewWidth : TextView::WrapMode::none;
+    if (m_textView->wrapMode() != wrapMode) {
+        m_textView->setWrapMode(wrapMode);
+    }
+    if (m_banner) {
+        m_banner->applyTheme(m_services.documents.theme());
+    }
+}
+
+/// A language with an indentation of its own goes before what the user has set for all.
+void EditorViewController::applyIndentation()
+{
+    const Preferences &preferences = m_services.preferences;
+    const Language &language = m_document.language();
+    const bool usesSpaces = language.defaultInsertSpaces().value_or(preferences.insertSpaces());
+    m_textView->setIndentation({.width = language.defaultIndentWidth().value_or(preferences.tabWidth()),
+                                .unit = usesSpaces ? Indentation::Unit::spaces : Indentation::Unit::tab});
+}
+
+void EditorViewController::adoptLanguage()
+{
+    if (m_textView->language() != m_document.language()) {
+        m_textView->setLanguage(m_document.language());
+        applyIndentation();
+    }
+}
+
+// Colours
+
+void EditorViewController::highlightVisibleRange()
+{
+    m_visibleHighlightWork.cancel();
+    if (m_document.highlighter()) {
+        m_document.highlighter()->ensureHighlighted(m_textView->visibleRange());
+    }
+}
+
+void EditorViewController::scheduleVisibleHighlight()
+{
+    m_visibleHighlightWork = m_services.scheduler.after(highlightDelay, [this] { highlightVisibleRange(); });
+}
+
+// Where the user was
+
+void EditorViewController::restoreViewState()
+{
+    m_textView->setSelection(TextSelection::at(std::min(m_document.storage().length(), m_document.lastSelectedRange.location)));
+    if (m_document.lastScrollOffset > 0) {
+        // The view has its size by then.
+        m_scrolling = m_services.scheduler.after(Scheduler::Milliseconds(0),
+                                                 [this, offset = m_document.lastScrollOffset] { m_textView->setScrollOffset(offset); });
+    }
+}
+
+void EditorViewController::saveViewState()
+{
+    m_document.lastSelectedRange = m_textView->selection().range();
+    m_document.lastScrollOffset = m_textView->scrollOffset();
+}
+
+void EditorViewController::scrollToLine(qsizetype line)
+{
+    const Rope &text = m_document.storage().text();
+    const qsizetype offset = std::min(LineIndex::startOfLine(line, text), text.length());
+    m_textView->setSelection(TextSelection::at(offset), TextView::Reveal::nearest);
+    m_textView->showIndicator(lineRange(text, {offset, 0}));
+}
+
+// The file changed elsewhere
+
+void EditorViewController::updateBanner()
+{
+    const TextDocument::ExternalState state = m_document.externalState();
+    if (state == TextDocument::ExternalState::none) {
+        if (ExternalChangeBanner *banner = std::exchange(m_banner, nullptr)) {
+            if (banner->isAncestorOf(focusWidget())) {
+                m_textView->setFocus();
+            }
+            banner->hide();
+            banner->deleteLater(); // one of its buttons may be what led here
+        }
+        return;
+    }
+    if (!m_banner) {
+        m_banner = new ExternalChangeBanner(this);
+        // What fails leaves all as it was, the banner too.
+        m_banner->onReload = [this] { std::ignore = m_document.revertToFileOnDisk(); };
+        m_banner->onKeep = [this] { m_document.clearExternalState(); };
+        m_banner->onSave = [this] { saveAgain(); };
+        m_stack->insertWidget(0, m_banner);
+    }
+    m_banner->applyTheme(m_services.documents.theme());
+    m_banner->configure(state, m_document.displayName());
+}
+
+void EditorViewController::saveAgain()
+{
+    if (m_document.isUntitled()) {
+        return;
+    }
+    if (const Result<void> saved = m_document.save(m_document.path()); !saved) {
+        m_services.presenter.present(Alert::forError(saved.error().message), window(), {});
+    }
+}
+
+// From the text view
+
+void EditorViewController::editorTextViewWantsFocus(EditorTextView & /*view*/)
+{
+    if (m_delegate) {
+        m_delegate->editorWantsFocus(*this);
+    }
+}
+
+void EditorViewController::editorTextViewDidChangeSelection(EditorTextView & /*view*/)
+{
+    if (m_delegate) {
+        m_delegate->editorDidChangeSelection(*this);
+    }
+}
+
+void EditorViewController::editorTextViewDidDropFiles(EditorTextView & /*view*/, const QStringList &paths)
+{
+    if (m_delegate) {
+        m_delegate->editorDidDropFiles(*this, paths);
+    }
+}

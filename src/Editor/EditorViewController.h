@@ -1,0 +1,106 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Editor/EditorTextView.h"
+#include "Platform/NotificationCenter.h"
+#include "Platform/Responder.h"
+
+#include <QWidget>
+
+#include <vector>
+
+class AlertPresenter;
+class DocumentStore;
+class EditorViewController;
+class ExternalChangeBanner;
+class FindBar;
+class FindState;
+class Preferences;
+class QVBoxLayout;
+class TextDocument;
+class TextFinder;
+class Workers;
+
+/// What editors use; must outlive them.
+struct EditorServices {
+    Scheduler &scheduler;
+    NotificationCenter &notifications;
+    Preferences &preferences;
+    Pasteboard &pasteboard;
+    AlertPresenter &presenter;
+    DocumentStore &documents;
+    Workers &workers;
+    FindState &find;
+};
+
+/// What an editor tells the pane that holds it.
+class EditorViewControllerDelegate {
+public:
+    virtual void editorWantsFocus(EditorViewController &editor) = 0;
+    virtual void editorDidChangeSelection(EditorViewController &editor) = 0;
+    /// Absolute paths of files that exist.
+    virtual void editorDidDropFiles(EditorViewController &editor, const QStringList &paths) = 0;
+
+protected:
+    ~EditorViewControllerDelegate() = default;
+};
+
+/// One editor for one document: the text with its line numbers, a banner when others changed the file, and everything set as the
+/// preferences and the document's language want. Several editors may show a document; they share its text, colours and history, each has
+/// its own layout, caret and scroll position. Only what is seen, and half a view around it, is coloured. Main thread only.
+class EditorViewController final : public QWidget, public Responder, private EditorTextViewDelegate {
+    Q_OBJECT
+
+public:
+    /// Between the last scrolling or typing and the colouring of what came into view.
+    static constexpr Scheduler::Milliseconds highlightDelay{50};
+
+    /// Begins where the document was left. `document` must outlive the editor.
+    EditorViewController(const EditorServices &services, TextDocument &document, QWidget *parent = nullptr);
+    ~EditorViewController() override;
+
+    /// Must outlive the editor or be taken back by null.
+    void setDelegate(EditorViewControllerDelegate *delegate) { m_delegate = delegate; }
+    [[nodiscard]] TextDocument &document() { return m_document; }
+    [[nodiscard]] EditorTextView &textView() { return *m_textView; }
+
+    /// Puts the caret at the start of a line, from 1, and shows where that is; clamped to the lines there are.
+    void scrollToLine(qsizetype line);
+    /// Has the document remember caret and scroll position for the next editor of it.
+    void saveViewState();
+
+    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+
+private:
+    void observe();
+    void retranslate();
+    void performTextFinderAction(const ActionSender &sender);
+    [[nodiscard]] ActionState textFinderActionState(const ActionSender &sender) const;
+    void applyPreferences();
+    void applyIndentation();
+    void adoptLanguage();
+    void restoreViewState();
+
+    void highlightVisibleRange();
+    void scheduleVisibleHighlight();
+
+    void updateBanner();
+    void saveAgain();
+
+    void editorTextViewWantsFocus(EditorTextView &view) override;
+    void editorTextViewDidChangeSelection(EditorTextView &view) override;
+    void editorTextViewDidDropFiles(EditorTextView &view, const QStringList &paths) override;
+
+    EditorServices m_services;
+    TextDocument &m_document;
+    EditorViewControllerDelegate *m_delegate = nullptr;
+    QVBoxLayout *m_stack;
+    EditorTextView *m_textView;
+    ExternalChangeBanner *m_banner = nullptr;
+    TextFinder *m_finder;
+    FindBar *m_findBar;
+    DelayedTask m_visibleHighlightWork;
+    DelayedTask m_scrolling;
+    std::vector<NotificationCenter::Token> m_observers;
+};

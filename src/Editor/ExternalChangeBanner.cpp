@@ -1,0 +1,102 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Editor/ExternalChangeBanner.h"
+
+#include "Highlighting/Theme.h"
+#include "Platform/ElidedLabel.h"
+#include "Platform/Translation.h"
+
+#include <QAccessible>
+#include <QHBoxLayout>
+#include <QPushButton>
+
+#include <array>
+#include <span>
+
+namespace {
+
+constexpr quint32 lightYellow = 0xFFFFCC00;
+constexpr quint32 darkYellow = 0xFFFFD60A;
+constexpr int leastHeight = 32;
+
+struct ButtonRow {
+    QStringView title;
+    std::function<void()> ExternalChangeBanner::*callback;
+};
+
+struct StateRow {
+    QStringView sentence;
+    std::array<ButtonRow, 2> buttons;
+};
+
+const StateRow *rowOf(TextDocument::ExternalState state)
+{
+    static constexpr StateRow conflicted = {
+        u"“%@” changed on disk and has unsaved edits here.",
+        {{{u"Reload from Disk", &ExternalChangeBanner::onReload}, {u"Keep Mine", &ExternalChangeBanner::onKeep}}}};
+    static constexpr StateRow deleted = {u"“%@” was deleted or moved.",
+                                         {{{u"Save Again", &ExternalChangeBanner::onSave}, {u"Dismiss", &ExternalChangeBanner::onKeep}}}};
+    switch (state) {
+    case TextDocument::ExternalState::conflicted:
+        return &conflicted;
+    case TextDocument::ExternalState::deleted:
+        return &deleted;
+    case TextDocument::ExternalState::none:
+        break;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+ExternalChangeBanner::ExternalChangeBanner(QWidget *parent)
+    : QWidget(parent), m_stack(new QHBoxLayout(this)), m_label(new ElidedLabel(Qt::ElideMiddle, this))
+{
+    setAutoFillBackground(true);
+    setMinimumHeight(leastHeight);
+    m_stack->setContentsMargins(12, 6, 12, 6);
+    m_stack->setSpacing(8);
+    m_stack->addWidget(m_label, 1);
+}
+
+void ExternalChangeBanner::configure(TextDocument::ExternalState state, const QString &filename)
+{
+    for (QPushButton *button : std::exchange(m_buttons, {})) {
+        // One of them may be what led here.
+        button->hide();
+        button->deleteLater();
+    }
+    const StateRow *row = rowOf(state);
+    const QString sentence = row ? formatted(localized(row->sentence), filename) : QString();
+    for (const ButtonRow &button : row ? std::span<const ButtonRow>(row->buttons) : std::span<const ButtonRow>()) {
+        addButton(localized(button.title), button.callback);
+    }
+    if (m_label->text() != sentence) {
+        m_label->setText(sentence);
+        setAccessibleName(sentence);
+        QAccessibleEvent announcement(this, QAccessible::Alert);
+        QAccessible::updateAccessibility(&announcement);
+    }
+}
+
+void ExternalChangeBanner::addButton(const QString &title, std::function<void()> ExternalChangeBanner::*callback)
+{
+    auto *button = new QPushButton(title, this);
+    button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, this, [this, callback] {
+        if (this->*callback) {
+            (this->*callback)();
+        }
+    });
+    m_stack->addWidget(button);
+    m_buttons.push_back(button);
+}
+
+void ExternalChangeBanner::applyTheme(const Theme &theme)
+{
+    QPalette colors = palette();
+    const quint32 yellow = theme.isDark ? darkYellow : lightYellow;
+    colors.setColor(QPalette::Window, QColor::fromRgb(blended(yellow, theme.background, theme.isDark ? 0.72 : 0.62)));
+    colors.setColor(QPalette::WindowText, theme.isDark ? Qt::white : Qt::black);
+    setPalette(colors);
+}

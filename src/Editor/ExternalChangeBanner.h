@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Model/TextDocument.h"
+
+#include <QWidget>
+
+#include <functional>
+#include <vector>
+
+class ElidedLabel;
+class QHBoxLayout;
+class QPushButton;
+struct Theme;
+
+/// A bar above a text whose file was changed or deleted by others: a sentence and what can be done about it. It only shows and reports.
+class ExternalChangeBanner final : public QWidget {
+public:
+    explicit ExternalChangeBanner(QWidget *parent = nullptr);
+
+    /// "Reload from Disk".
+    std::function<void()> onReload;
+    /// "Keep Mine" and "Dismiss".
+    std::function<void()> onKeep;
+    /// "Save Again".
+    std::function<void()> onSave;
+
+    /// Says what happened to the file of the document called `filename`; nothing for `none`. A screen reader is told what is new.
+    void configure(TextDocument::ExternalState state, const QString &filename);
+    void applyTheme(const Theme &theme);
+
+private:
+    void addButton(const QString &title, std::function<void()> ExternalChangeBanner::*callback);
+
+    QHBoxLayout *m_stack;
+    ElidedLabel *m_label;
+    std::vector<QPushButton *> m_buttons;
+};

@@ -1,0 +1,198 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Editor/LineNumberRulerView.h"
+
+#include "Text/TextStorage.h"
+#include "Text/TextView.h"
+
+#include <QCoreApplication>
+#include <QFontDatabase>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <cmath>
+
+namespace {
+
+constexpr int leastDigits = 3;
+constexpr double padding = 10;
+constexpr double smallerBy = 1.5;
+constexpr double smallestFont = 9;
+/// Rows that reach so far beyond the visible part are drawn too.
+constexpr double overdraw = 20;
+
+QFont numberFont(double pointSize)
+{
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    font.setWeight(QFont::Normal);
+    font.setPointSizeF(pointSize);
+    return font;
+}
+
+/// Also of a font that was given in pixels.
+double pointSize(const QFont &font)
+{
+    return font.pointSizeF() > 0 ? font.pointSizeF() : QFontInfo(font).pointSizeF();
+}
+
+QColor colorOf(quint32 color)
+{
+    return QColor::fromRgb(color);
+}
+
+} // namespace
+
+LineNumberRulerView::LineNumberRulerView(TextView &client, QWidget *parent)
+    : QWidget(parent), m_client(client), m_theme(&Theme::light()), m_editorFont(client.textFont())
+{
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setCursor(Qt::ArrowCursor);
+    updateThickness();
+}
+
+void LineNumberRulerView::setTheme(const Theme &theme)
+{
+    m_theme = &theme;
+    update();
+}
+
+void LineNumberRulerView::setEditorFont(const QFont &font)
+{
+    m_editorFont = font;
+    m_digits = 0;
+    updateThickness();
+    update();
+}
+
+void LineNumberRulerView::setHighlightsCurrentLine(CurrentLine current)
+{
+    m_current = current;
+    update();
+}
+
+void LineNumberRulerView::setExplicitNumbers(std::optional<Numbers> numbers)
+{
+    m_numbers = std::move(numbers);
+    updateThickness();
+    update();
+}
+
+qint64 LineNumberRulerView::lineCount() const
+{
+    if (!m_numbers) {
+        return m_client.storage().text().lineCount();
+    }
+    qint64 largest = 1;
+    for (const std::optional<qint64> number : *m_numbers) {
+        largest = std::max(largest, number.value_or(1));
+    }
+    return largest;
+}
+
+void LineNumberRulerView::updateThickness()
+{
+    const qsizetype digits = std::max<qsizetype>(leastDigits, QString::number(std::max<qint64>(lineCount(), 1)).size());
+    if (digits == m_digits) {
+        return;
+    }
+    m_digits = digits;
+    const QFontMetricsF metrics(numberFont(pointSize(m_editorFont)));
+    const double wanted = std::ceil(metrics.horizontalAdvance(QString(digits, u'8'))) + 2 * padding;
+    if (std::abs(wanted - m_thickness) > 0.5) {
+        m_thickness = int(wanted);
+        updateGeometry();
+        emit thicknessChanged();
+    }
+}
+
+qsizetype LineNumberRulerView::currentLine() const
+{
+    return m_current == CurrentLine::highlighted ? m_client.storage().text().lineAt(m_client.selection().range().location) : -1;
+}
+
+LineNumberRulerView::Shown LineNumberRulerView::shown() const
+{
+    Viewport &port = m_client.textViewport();
+    return {port.topRow(), port.pixelsAbove(), m_client.storage().text().lineCount(), currentLine()};
+}
+
+void LineNumberRulerView::refresh()
+{
+    const Shown now = shown();
+    // A line that wraps may get or lose a row without any other sign of it.
+    if (m_client.layoutManager().wraps() || m_shown != now) {
+        m_shown = now;
+        update();
+    }
+}
+
+QString LineNumberRulerView::labelOf(const RowPosition &row) const
+{
+    if (!m_numbers) {
+        return QString::number(row.line + 1);
+    }
+    const auto number = size_t(row.line) < m_numbers->size() ? (*m_numbers)[size_t(row.line)] : std::nullopt;
+    return number ? QString::number(*number) : QString();
+}
+
+void LineNumberRulerView::paintEvent(QPaintEvent *event)
+{
+    const QRectF area = event->rect();
+    QPainter painter(this);
+    painter.fillRect(area.adjusted(-1, -1, 1, 1), colorOf(m_theme->gutterBackground));
+    const double separator = 1 / std::max(1.0, devicePixelRatioF());
+    painter.fillRect(QRectF(width() - separator, area.top() - 1, separator, area.height() + 2), colorOf(m_theme->gutterSeparator));
+
+    const QFont font = numberFont(std::max(pointSize(m_editorFont) - smallerBy, smallestFont));
+    painter.setFont(font);
+    LayoutManager &layout = m_client.layoutManager();
+    const QFontMetricsF metrics(font);
+    const double baseline = (layout.rowHeight() - metrics.height()) / 2 + metrics.ascent();
+    const double right = width() - padding - separator;
+    const qsizetype current = currentLine();
+    for (const Viewport::VisibleRow &row : m_client.textViewport().rows(area.top() - overdraw, area.bottom() + overdraw)) {
+        if (!layout.startsLine(row.row)) {
+            continue;
+        }
+        const QString label = labelOf(row.row);
+        painter.setPen(colorOf(row.row.line == current ? m_theme->gutterActiveForeground : m_theme->gutterForeground));
+        painter.drawText(QPointF(right - metrics.horizontalAdvance(label), std::round(row.top + baseline)), label);
+    }
+}
+
+void LineNumberRulerView::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    m_client.setFocus(Qt::MouseFocusReason);
+    m_pressedLine = m_client.textViewport().rowAt(event->position().y()).row.line;
+    selectLines(m_pressedLine, m_pressedLine);
+}
+
+void LineNumberRulerView::mouseMoveEvent(QMouseEvent *event)
+{
+    if (event->buttons() & Qt::LeftButton) {
+        selectLines(m_pressedLine, m_client.textViewport().rowAt(event->position().y()).row.line);
+        m_client.revealCaret();
+    }
+}
+
+/// From one line to the other, in whichever order, the breaks included.
+void LineNumberRulerView::selectLines(qsizetype from, qsizetype to)
+{
+    const Rope &text = m_client.storage().text();
+    const auto endOf = [&text](qsizetype line) { return line + 1 < text.lineCount() ? text.lineStart(line + 1) : text.length(); };
+    if (to < from) {
+        m_client.setSelection({endOf(from), text.lineStart(to)});
+    } else {
+        m_client.setSelection({text.lineStart(from), endOf(to)});
+    }
+}
+
+void LineNumberRulerView::wheelEvent(QWheelEvent *event)
+{
+    // The text scrolls wherever the pointer is beside it.
+    QCoreApplication::sendEvent(m_client.viewport(), event);
+}

@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Highlighting/Theme.h"
+#include "Text/Viewport.h"
+
+#include <QWidget>
+
+#include <optional>
+#include <vector>
+
+class TextView;
+
+/// The gutter at the left of a text view: the number of each line that is seen, that of the caret's line brighter. It asks the layout for
+/// the rows on the screen and for nothing else. A click selects the line, dragging selects lines.
+class LineNumberRulerView final : public QWidget {
+    Q_OBJECT
+
+public:
+    enum class CurrentLine { plain, highlighted };
+    /// A number for each line of the text, none for lines that show none.
+    using Numbers = std::vector<std::optional<qint64>>;
+
+    /// `client` must outlive the ruler.
+    explicit LineNumberRulerView(TextView &client, QWidget *parent = nullptr);
+
+    void setTheme(const Theme &theme);
+    void setEditorFont(const QFont &font);
+    void setHighlightsCurrentLine(CurrentLine current);
+    /// Instead of the lines' own; none goes back to those.
+    void setExplicitNumbers(std::optional<Numbers> numbers);
+
+    /// The largest number to make room for.
+    [[nodiscard]] qint64 lineCount() const;
+    /// Pixels; room for three digits at least.
+    [[nodiscard]] int thickness() const { return m_thickness; }
+    /// To be called after the text changed; the width stays unless the number of digits changes.
+    void updateThickness();
+    /// The text under it scrolled, changed or has another selection; paints only if that can be seen here.
+    void refresh();
+
+    [[nodiscard]] QSize sizeHint() const override { return {m_thickness, 0}; }
+
+signals:
+    void thicknessChanged();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+
+private:
+    /// What decides about the picture while nothing wraps.
+    struct Shown {
+        RowPosition top;
+        double above = 0;
+        qint64 lines = 0;
+        qsizetype currentLine = -1;
+
+        friend bool operator==(const Shown &, const Shown &) = default;
+    };
+
+    [[nodiscard]] Shown shown() const;
+    [[nodiscard]] qsizetype currentLine() const;
+    [[nodiscard]] QString labelOf(const RowPosition &row) const;
+    void selectLines(qsizetype from, qsizetype to);
+
+    TextView &m_client;
+    const Theme *m_theme;
+    QFont m_editorFont;
+    CurrentLine m_current = CurrentLine::highlighted;
+    std::optional<Numbers> m_numbers;
+    int m_thickness = 0;
+    /// That the thickness has room for.
+    qsizetype m_digits = 0;
+    qsizetype m_pressedLine = 0;
+    std::optional<Shown> m_shown;
+};

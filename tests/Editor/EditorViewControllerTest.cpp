@@ -1,0 +1,328 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Editor/EditorViewController.h"
+
+#include "Editor/ExternalChangeBanner.h"
+#include "Editor/LineNumberRulerView.h"
+#include "Highlighting/LanguageRegistry.h"
+#include "Model/DocumentStore.h"
+#include "Model/Preferences.h"
+#include "Model/WatchedPath.h"
+#include "Platform/AlertPresenter.h"
+#include "Platform/DefaultsStore.h"
+#include "Platform/Pasteboard.h"
+#include "Text/FindState.h"
+#include "TextUi/ViewFixture.h"
+
+#include <QFile>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class EditorTest : public testing::Test, private EditorViewControllerDelegate {
+protected:
+    [[nodiscard]] TextDocument &document(const QString &text)
+    {
+        auto made = std::make_unique<TextDocument>(store.services(), QString(), TextFile::Contents{.text = Rope(text)});
+        return store.add(std::move(made));
+    }
+    [[nodiscard]] TextDocument &openFile(const QByteArray &bytes)
+    {
+        write(bytes);
+        return store.add(std::make_unique<TextDocument>(store.services(), path, TextFile::read(path).value()));
+    }
+    void write(const QByteArray &bytes) const
+    {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+    [[nodiscard]] std::unique_ptr<EditorViewController> open(TextDocument &document, QSize size = {600, 400})
+    {
+        auto editor = std::make_unique<EditorViewController>(services, document);
+        editor->setDelegate(this);
+        editor->resize(size);
+        editor->show();
+        editor->setFocus();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(editor.get()));
+        pass(Scheduler::Milliseconds(100));
+        return editor;
+    }
+    void pass(Scheduler::Milliseconds time)
+    {
+        for (int turn = 0; turn < 16; ++turn) {
+            QCoreApplication::processEvents();
+            scheduler.advance(time / 16);
+        }
+    }
+    [[nodiscard]] static ExternalChangeBanner *banner(const EditorViewController &editor)
+    {
+        // One that is being taken down is hidden already.
+        for (QWidget *child : editor.findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
+            if (auto *found = dynamic_cast<ExternalChangeBanner *>(child); found && !found->isHidden()) {
+                return found;
+            }
+        }
+        return nullptr;
+    }
+    [[nodiscard]] static QPushButton *button(const EditorViewController &editor, const QString &title)
+    {
+        for (QPushButton *found : banner(editor)->findChildren<QPushButton *>()) {
+            if (found->text() == title && !found->isHidden()) {
+                return found;
+            }
+        }
+        return nullptr;
+    }
+    /// Of the unit at `offset`, whether it is coloured.
+    [[nodiscard]] static bool isColoured(TextDocument &document, qsizetype offset)
+    {
+        return document.storage().styleAt(offset) != plainStyle;
+    }
+
+    QTemporaryDir folder;
+    QString path = folder.filePath(u"a.c"_s);
+    ManualScheduler scheduler;
+    NotificationCenter notifications;
+    DefaultsStore defaults{QString(), scheduler};
+    Preferences preferences{defaults, notifications};
+    MemoryPasteboard pasteboard;
+    ScriptedAlertPresenter presenter;
+    InlineWorkers workers;
+    FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
+    DocumentStore store{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
+    FindState find;
+    EditorServices services{scheduler, notifications, preferences, pasteboard, presenter, store, workers, find};
+    QStringList dropped;
+    int focusRequests = 0;
+    int selectionChanges = 0;
+
+private:
+    void editorWantsFocus(EditorViewController & /*editor*/) override { ++focusRequests; }
+    void editorDidChangeSelection(EditorViewController & /*editor*/) override { ++selectionChanges; }
+    void editorDidDropFiles(EditorViewController & /*editor*/, const QStringList &paths) override { dropped += paths; }
+};
+
+QString lines(int count)
+{
+    QString text;
+    for (int line = 1; line <= count; ++line) {
+        text += u"int line%1; // a comment of some length, so that it wraps in a narrow view\n"_s.arg(line);
+    }
+    return text;
+}
+
+} // namespace
+
+TEST_F(EditorTest, TwoEditorsOfADocumentShareTextAndHistoryOnly)
+{
+    TextDocument &shared = document(lines(500));
+    const auto one = open(shared, {300, 300});
+    const auto other = open(shared, {700, 400});
+    one->textView().setSelection(TextSelection::at(shared.storage().text().lineStart(300)), TextView::Reveal::center);
+    const double scroll = one->textView().scrollOffset();
+    const qsizetype caret = one->textView().selection().caret;
+    ASSERT_GT(scroll, 0);
+    other->textView().setSelection(TextSelection::at(0));
+    sendKeys(other->textView(), u"x<CR>y"_s);
+    EXPECT_EQ(one->textView().selection().caret, caret + 3);
+    EXPECT_GT(one->textView().scrollOffset(), scroll);
+    const QPoint before = one->textView().caretRectangle().topLeft();
+    sendKeys(other->textView(), u"<CR><CR>"_s);
+    EXPECT_EQ(one->textView().caretRectangle().topLeft(), before);
+    one->textView().undo();
+    EXPECT_TRUE(shared.storage().string().startsWith(u"int line1"));
+    EXPECT_FALSE(shared.undoManager().canUndo());
+}
+
+TEST_F(EditorTest, FollowsThePreferences)
+{
+    TextDocument &text = document(u"a\tb\n"_s);
+    const auto editor = open(text);
+    EditorTextView &view = editor->textView();
+    EXPECT_EQ(view.wrapMode() == TextView::WrapMode::viewWidth, preferences.wrapLines());
+    preferences.setWrapLines(false);
+    EXPECT_EQ(view.horizontalScrollBarPolicy(), Qt::ScrollBarAsNeeded);
+    preferences.setWrapLines(true);
+    EXPECT_EQ(view.horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+    const int width = view.viewport()->width();
+    preferences.setShowLineNumbers(false);
+    EXPECT_EQ(view.viewport()->width(), width + view.ruler().thickness());
+    preferences.setShowLineNumbers(true);
+    EXPECT_EQ(view.viewport()->width(), width);
+    preferences.setTabWidth(3);
+    preferences.setInsertSpaces(true);
+    EXPECT_EQ(view.indentation().width, 3);
+    // A Makefile wants its tabs whatever the user likes.
+    text.setLanguage(LanguageRegistry::withID(u"makefile").value());
+    EXPECT_EQ(view.indentation().unit, Indentation::Unit::tab);
+    const Language &language = text.language();
+    EXPECT_EQ(view.indentation().width, language.defaultIndentWidth().value_or(3));
+    EXPECT_TRUE(view.state("toggleComment:").isEnabled);
+    preferences.setThemeName(u"Solarized Dark"_s);
+    EXPECT_EQ(view.colors().background, QColor::fromRgb(Theme::solarizedDark().background));
+    preferences.setHighlightCurrentLine(false);
+    EXPECT_FALSE(view.colors().currentLine.isValid());
+    preferences.setFontSize(20);
+    EXPECT_EQ(view.textFont().pointSizeF(), 20);
+}
+
+TEST_F(EditorTest, ColoursWhatIsSeenOnceThingsAreQuiet)
+{
+    TextDocument &text = document(lines(20000));
+    text.setLanguage(LanguageRegistry::withID(u"c").value());
+    const auto editor = open(text);
+    EXPECT_TRUE(isColoured(text, 0));
+    const qsizetype far = text.storage().text().lineStart(15000);
+    EXPECT_FALSE(isColoured(text, far));
+    editor->textView().setSelection(TextSelection::at(far), TextView::Reveal::center);
+    scheduler.advance(EditorViewController::highlightDelay - Scheduler::Milliseconds(1));
+    EXPECT_FALSE(isColoured(text, far));
+    scheduler.advance(Scheduler::Milliseconds(1));
+    EXPECT_TRUE(isColoured(text, far));
+    // Half a view more, above and below.
+    EXPECT_TRUE(isColoured(text, text.storage().text().lineStart(14992)));
+}
+
+TEST_F(EditorTest, ComesBackToCaretAndScrollPosition)
+{
+    TextDocument &text = document(lines(500));
+    auto editor = open(text);
+    const qsizetype caret = text.storage().text().lineStart(200) + 4;
+    editor->textView().setSelection({caret + 5, caret}, TextView::Reveal::center);
+    const double scroll = editor->textView().scrollOffset();
+    editor->saveViewState();
+    editor.reset();
+    editor = open(text);
+    EXPECT_EQ(editor->textView().selection(), TextSelection::at(caret));
+    EXPECT_EQ(editor->textView().scrollOffset(), scroll);
+    editor->scrollToLine(1000);
+    EXPECT_EQ(editor->textView().selection(), TextSelection::at(text.storage().length()));
+    editor->scrollToLine(3);
+    EXPECT_EQ(editor->textView().selection(), TextSelection::at(text.storage().text().lineStart(2)));
+}
+
+TEST_F(EditorTest, AGeneratedTextCannotBeEdited)
+{
+    TextDocument &keys = store.add(TextDocument::generated(store.services(), u"Keys"_s, u"text"_s, Language::plainText()));
+    const auto editor = open(keys);
+    sendKeys(editor->textView(), u"x<CR><BS><Tab>"_s);
+    EXPECT_EQ(keys.storage().string(), u"text"_s);
+}
+
+TEST_F(EditorTest, TheBannerSaysWhatHappenedAndDoesItsWork)
+{
+    TextDocument &text = openFile("one");
+    const auto editor = open(text);
+    EXPECT_FALSE(banner(*editor));
+    sendKeys(editor->textView(), u"my "_s);
+    write("their version");
+    pass(Scheduler::Milliseconds(1600));
+    ASSERT_TRUE(banner(*editor));
+    EXPECT_EQ(banner(*editor)->accessibleName(), u"“a.c” changed on disk and has unsaved edits here."_s);
+    button(*editor, u"Keep Mine"_s)->click();
+    EXPECT_FALSE(banner(*editor));
+    EXPECT_EQ(text.storage().string(), u"my one"_s);
+    EXPECT_TRUE(text.isDirty());
+
+    write("their second version");
+    pass(Scheduler::Milliseconds(1600));
+    button(*editor, u"Reload from Disk"_s)->click();
+    EXPECT_FALSE(banner(*editor));
+    EXPECT_EQ(text.storage().string(), u"their second version"_s);
+    EXPECT_FALSE(text.isDirty());
+
+    QFile::remove(path);
+    pass(Scheduler::Milliseconds(1600));
+    ASSERT_TRUE(banner(*editor));
+    EXPECT_EQ(banner(*editor)->accessibleName(), u"“a.c” was deleted or moved."_s);
+    const auto second = open(text);
+    EXPECT_TRUE(banner(*second));
+    button(*second, u"Dismiss"_s)->click();
+    EXPECT_FALSE(banner(*editor));
+    EXPECT_TRUE(text.isDirty());
+
+    write("back");
+    pass(Scheduler::Milliseconds(1600));
+    QFile::remove(path);
+    pass(Scheduler::Milliseconds(1600));
+    button(*editor, u"Save Again"_s)->click();
+    EXPECT_TRUE(QFile::exists(path));
+    EXPECT_FALSE(banner(*editor));
+    QFile::remove(path);
+    pass(Scheduler::Milliseconds(1600));
+    folder.remove();
+    button(*editor, u"Save Again"_s)->click();
+    EXPECT_EQ(presenter.alerts().size(), 1U);
+    EXPECT_TRUE(banner(*editor));
+}
+
+TEST_F(EditorTest, TheRulerIsAsWideAsItsLargestNumber)
+{
+    TextDocument &text = document(QString());
+    const auto editor = open(text);
+    LineNumberRulerView &ruler = editor->textView().ruler();
+    const int three = ruler.thickness();
+    const auto insert = [&text](int count) { text.storage().replaceCharacters({0, 0}, QString(count, u'\n')); };
+    insert(998);
+    EXPECT_EQ(ruler.thickness(), three);
+    insert(1);
+    EXPECT_GT(ruler.thickness(), three);
+    EXPECT_EQ(editor->textView().viewport()->x(), ruler.thickness());
+    text.storage().replaceCharacters({0, 1}, QStringView());
+    EXPECT_EQ(ruler.thickness(), three);
+    ruler.setExplicitNumbers(LineNumberRulerView::Numbers{1, std::nullopt, 12345});
+    EXPECT_EQ(ruler.lineCount(), 12345);
+    EXPECT_GT(ruler.thickness(), three);
+    ruler.setExplicitNumbers(LineNumberRulerView::Numbers{std::nullopt});
+    EXPECT_EQ(ruler.lineCount(), 1);
+}
+
+TEST_F(EditorTest, AClickOnANumberSelectsItsLine)
+{
+    TextDocument &text = document(lines(20));
+    preferences.setWrapLines(false);
+    const auto editor = open(text);
+    EditorTextView &view = editor->textView();
+    const double height = view.layoutManager().rowHeight();
+    const auto at = [&](int line) { return QPoint(5, int(view.textViewport().insets().vertical + (line - 0.5) * height)); };
+    const Rope &rope = text.storage().text();
+    QTest::mousePress(&view.ruler(), Qt::LeftButton, {}, at(3));
+    EXPECT_EQ(view.selection(), (TextSelection{rope.lineStart(2), rope.lineStart(3)}));
+    QTest::mouseMove(&view.ruler(), at(5));
+    EXPECT_EQ(view.selection(), (TextSelection{rope.lineStart(2), rope.lineStart(5)}));
+    QTest::mouseMove(&view.ruler(), at(1));
+    EXPECT_EQ(view.selection(), (TextSelection{rope.lineStart(3), 0}));
+}
+
+TEST_F(EditorTest, TypingPaintsTheRulerOnlyWhereItChanges)
+{
+    class PaintCounter final : public QObject {
+    public:
+        int paints = 0;
+        bool eventFilter(QObject * /*watched*/, QEvent *event) override
+        {
+            paints += event->type() == QEvent::Paint ? 1 : 0;
+            return false;
+        }
+    } counter;
+    TextDocument &text = document(lines(100));
+    preferences.setWrapLines(false);
+    const auto editor = open(text);
+    editor->textView().ruler().installEventFilter(&counter);
+    sendKeys(editor->textView(), u"abc"_s);
+    pass(Scheduler::Milliseconds(10));
+    EXPECT_EQ(counter.paints, 0);
+    sendKeys(editor->textView(), u"<CR>"_s);
+    pass(Scheduler::Milliseconds(10));
+    EXPECT_EQ(counter.paints, 1);
+    EXPECT_GT(selectionChanges, 0);
+    EXPECT_GT(focusRequests, 0);
+}
