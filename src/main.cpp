@@ -7,6 +7,7 @@
 #include "Model/Preferences.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Localization.h"
+#include "Platform/SymbolIcon.h"
 #include "Platform/SystemAppearance.h"
 #include "Platform/SystemPasteboard.h"
 #include "Platform/ToolkitTexts.h"
@@ -41,6 +42,7 @@ int run(QApplication &application, const QStringList &files)
     QApplication::setApplicationDisplayName(u"Quillet"_s);
     QApplication::setApplicationVersion(QStringLiteral(QUILLET_VERSION));
     QApplication::setDesktopFileName(u"org.quillet.Quillet"_s);
+    QApplication::setWindowIcon(applicationIcon());
 
     EventLoopScheduler scheduler;
     NotificationCenter notifications;

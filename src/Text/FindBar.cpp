@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "Text/FindBar.h"
 
+#include "Platform/SymbolIcon.h"
 #include "Platform/Translation.h"
 #include "Text/FindField.h"
 #include "Text/FindState.h"
-#include "Text/GlyphButton.h"
 #include "Text/TextFinder.h"
 #include "Text/TextView.h"
 
@@ -18,6 +18,7 @@
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QStyle>
+#include <QToolButton>
 
 #include <array>
 
@@ -42,6 +43,16 @@ QColor mixed(const QColor &color, const QColor &other, double share)
 QString numberText(qsizetype number)
 {
     return QLocale().toString(static_cast<qlonglong>(number));
+}
+
+QToolButton *symbolButton(const QString &symbol, QWidget *parent)
+{
+    auto *button = new QToolButton(parent);
+    button->setAutoRaise(true);
+    button->setIcon(symbolIcon(symbol));
+    const int side = button->fontMetrics().height();
+    button->setIconSize({side, side});
+    return button;
 }
 
 /// Title for screen readers, and with the key that does the same as the tool tip.
@@ -78,17 +89,17 @@ void FindBar::makeRows()
         field->setMinimumWidth(narrowestField);
         field->setMaximumWidth(widestField);
     }
-    m_previous = new GlyphButton(GlyphButton::Glyph::up, m_panel);
-    m_next = new GlyphButton(GlyphButton::Glyph::down, m_panel);
-    m_matchCase = new GlyphButton(GlyphButton::Glyph::matchCase, m_panel);
-    m_wholeWords = new GlyphButton(GlyphButton::Glyph::wholeWord, m_panel);
-    m_expression = new GlyphButton(GlyphButton::Glyph::expression, m_panel);
+    m_previous = symbolButton(u"chevron.up"_s, m_panel);
+    m_next = symbolButton(u"chevron.down"_s, m_panel);
+    m_matchCase = symbolButton(u"textformat"_s, m_panel);
+    m_wholeWords = symbolButton(u"whole.word"_s, m_panel);
+    m_expression = symbolButton(u"regex"_s, m_panel);
     for (QToolButton *toggle : {m_matchCase, m_wholeWords, m_expression}) {
         toggle->setCheckable(true);
     }
     m_replace = new QToolButton(m_panel);
     m_replaceAll = new QToolButton(m_panel);
-    m_done = new GlyphButton(GlyphButton::Glyph::close, m_panel);
+    m_done = symbolButton(u"xmark"_s, m_panel);
     m_message = new QLabel(m_panel);
     m_message->setWordWrap(true);
     m_message->hide();
