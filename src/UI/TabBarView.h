@@ -11,6 +11,7 @@
 class FlatButton;
 class QMenu;
 class TabBarView;
+class TabStrip;
 struct Theme;
 
 /// What a tab bar asks of the pane that it belongs to. Indexes are those of tabs that the bar has; the bar changes nothing by itself, the
@@ -51,31 +52,29 @@ public:
     /// Looks all texts of its own up anew; the titles are the pane's.
     void retranslate();
 
-    [[nodiscard]] int tabCount() const { return int(m_items.size()); }
-    /// −1: none.
-    [[nodiscard]] int selectedIndex() const { return m_selectedIndex; }
-
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
     bool event(QEvent *event) override;
+    void changeEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
 private:
-    [[nodiscard]] TabItemView *makeItem();
-    void keepFocusInRow();
+    void addItem();
+    void dropLastItem();
+    void updateTabStop();
     void updateFonts();
     void applyPalette();
 
     void layOut();
-    void revealNow(int index);
+    void reveal(int index);
+    [[nodiscard]] bool isInView(int index) const;
     void scrollTo(int offset);
-    void scrollBy(int distance) { scrollTo(m_offset + distance); }
-    void placeItems();
-    [[nodiscard]] int contentWidth() const;
+    /// The last scroll position.
+    [[nodiscard]] int greatestOffset() const;
 
     void select(int index);
     void requestClose(int index);
@@ -96,7 +95,7 @@ private:
 
     /// What is seen of the row; the strip in it holds the items.
     QWidget *m_viewport;
-    QWidget *m_strip;
+    TabStrip *m_strip;
     std::vector<TabItemView *> m_items;
     FlatButton *m_scrollLeftButton;
     FlatButton *m_scrollRightButton;

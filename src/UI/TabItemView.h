@@ -36,7 +36,7 @@ public:
     enum class Selection { selected, other };
 
     /// The format of a dragged tab: its index as a decimal number.
-    static const QString mimeType;
+    static QString mimeType();
 
     explicit TabItemView(QWidget *parent = nullptr);
 
@@ -47,9 +47,11 @@ public:
     std::function<void(int from)> onDrop;
     std::function<void(Step step)> onStep;
     std::function<void(QPoint globalPosition)> onContextMenu;
+    /// The keyboard came to the item or left it.
+    std::function<void()> onFocusChange;
 
     /// A screen reader is told what is new.
-    void show(const TabDescriptor &descriptor, int index, Selection selection);
+    void setContent(const TabDescriptor &descriptor, int index, Selection selection);
     void setLook(const Theme &theme, PaneActivity activity);
     void retranslate();
 
@@ -61,8 +63,6 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
 
 protected:
-    bool event(QEvent *event) override;
-    void changeEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void enterEvent(QEnterEvent *event) override;
@@ -71,6 +71,8 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragLeaveEvent(QDragLeaveEvent *event) override;
@@ -85,8 +87,10 @@ private:
     void startDrag();
     [[nodiscard]] bool hasMark() const { return m_descriptor.isDirty || m_descriptor.hasExternalChange; }
     [[nodiscard]] QColor textColor() const;
+    [[nodiscard]] QFont titleFont() const;
     void paintGround(QPainter &painter) const;
     void paintTitle(QPainter &painter) const;
+    void paintMarks(QPainter &painter) const;
 
     TabDescriptor m_descriptor;
     int m_index = 0;

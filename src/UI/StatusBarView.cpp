@@ -1,0 +1,336 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "UI/StatusBarView.h"
+
+#include "Highlighting/LanguageRegistry.h"
+#include "Highlighting/Theme.h"
+#include "Model/TextFile.h"
+#include "Platform/ElidedLabel.h"
+#include "Platform/Localization.h"
+#include "Platform/Translation.h"
+#include "UI/InterfaceFont.h"
+#include "UI/PopUpButton.h"
+#include "UI/SystemColors.h"
+#include "UI/VimBadge.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QEvent>
+#include <QFontDatabase>
+#include <QPainter>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int leastHeight = 24;
+constexpr int leftInset = 10;
+constexpr int rightInset = 8;
+/// Between the badge, the path and the controls; these have margins of their own.
+constexpr int textGap = 10;
+constexpr int controlGap = textGap - 2 * FlatButton::textMargin + 2;
+/// What the path keeps before a control goes, in characters.
+constexpr int leastPathLength = 10;
+
+constexpr auto lineEndingTitles = std::to_array<QStringView>({u"LF", u"CRLF", u"CR"});
+static_assert(lineEndingTitles.size() == lineEndings.size());
+
+constexpr auto indentChoices = std::to_array<Indentation>({
+    {2, Indentation::Unit::spaces},
+    {4, Indentation::Unit::spaces},
+    {8, Indentation::Unit::spaces},
+    {2, Indentation::Unit::tab},
+    {4, Indentation::Unit::tab},
+    {8, Indentation::Unit::tab},
+});
+
+QString languageTitle(const Language &language)
+{
+    return language == Language::plainText() ? localized(language.name()) : language.name();
+}
+
+std::vector<Language> languagesByTitle()
+{
+    std::vector<Language> languages = LanguageRegistry::all();
+    std::ranges::sort(languages, {}, languageTitle);
+    return languages;
+}
+
+/// The titles of `row` in order.
+QStringList titles(const auto &row, const auto &title)
+{
+    QStringList list;
+    for (const auto &entry : row) {
+        list.append(title(entry));
+    }
+    return list;
+}
+
+/// Has the pop-up show the first of `row` that is wanted; what it shows stays if there is none.
+void showChoice(PopUpButton &popUp, const auto &row, const auto &isWanted)
+{
+    if (const auto found = std::ranges::find_if(row, isWanted); found != std::end(row)) {
+        popUp.setShownIndex(int(found - std::begin(row)));
+    }
+}
+
+} // namespace
+
+StatusBarView::StatusBarView(Scheduler &scheduler, NotificationCenter &notifications, QWidget *parent)
+    : QWidget(parent), m_scheduler(scheduler), m_theme(&Theme::light())
+{
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    makeControls();
+    updateFonts();
+    retranslate();
+    applyPalette();
+    m_languageObserver = notifications.observe(Localization::didChangeNotification, nullptr, [this] { retranslate(); });
+}
+
+StatusBarView::~StatusBarView() = default;
+
+// The keyboard goes through the controls in the order in which they are made.
+void StatusBarView::makeControls()
+{
+    m_vimBadge = new VimBadge(this);
+    m_pathLabel = new ElidedLabel(Qt::ElideLeft, this);
+    m_positionButton = new FlatButton(this);
+    connect(m_positionButton, &QAbstractButton::clicked, this, [this] {
+        if (m_delegate) {
+            m_delegate->statusBarDidClickPosition();
+        }
+    });
+    const auto popUp = [this](void (StatusBarView::*choose)(int)) {
+        auto *made = new PopUpButton(m_scheduler, this);
+        connect(made, &PopUpButton::chosen, this, choose);
+        return made;
+    };
+    m_indentPopUp = popUp(&StatusBarView::chooseIndentation);
+    m_lineEndingPopUp = popUp(&StatusBarView::chooseLineEnding);
+    m_encodingPopUp = popUp(&StatusBarView::chooseEncoding);
+    m_languagePopUp = popUp(&StatusBarView::chooseLanguage);
+}
+
+void StatusBarView::retranslate()
+{
+    m_positionButton->setToolTip(localized(u"Go to Line (⌘L)"));
+    m_indentPopUp->setTitle(localized(u"Indentation"));
+    m_lineEndingPopUp->setTitle(localized(u"Line Endings"));
+    m_encodingPopUp->setTitle(localized(u"Text Encoding"));
+    m_languagePopUp->setTitle(localized(u"Syntax"));
+
+    m_sortedLanguages = languagesByTitle();
+    m_indentPopUp->setChoices(titles(indentChoices, [](Indentation choice) {
+        return formatted(localized(choice.unit == Indentation::Unit::spaces ? u"Spaces: %d" : u"Tabs: %d"), choice.width);
+    }));
+    m_lineEndingPopUp->setChoices(titles(lineEndingTitles, [](QStringView title) { return title.toString(); }));
+    m_encodingPopUp->setChoices(titles(TextFile::selectableEncodings, displayName));
+    m_languagePopUp->setChoices(titles(m_sortedLanguages, languageTitle));
+    showState();
+}
+
+// Looks
+
+void StatusBarView::setTheme(const Theme &theme)
+{
+    m_theme = &theme;
+    applyPalette();
+}
+
+void StatusBarView::applyPalette()
+{
+    QPalette colors = QGuiApplication::palette();
+    const QColor text = QColor::fromRgb(m_theme->gutterForeground);
+    colors.setColor(QPalette::Window, QColor::fromRgb(m_theme->gutterBackground));
+    colors.setColor(QPalette::WindowText, text);
+    colors.setColor(QPalette::ButtonText, text);
+    setPalette(colors);
+    showMessageOrPath();
+    m_vimBadge->setTheme(*m_theme);
+    update();
+}
+
+void StatusBarView::updateFonts()
+{
+    const QFont font = scaledFont(QApplication::font(), TextSize::status);
+    for (QWidget *widget : std::initializer_list<QWidget *>{m_pathLabel, m_positionButton, m_indentPopUp, m_lineEndingPopUp,
+                                                            m_encodingPopUp, m_languagePopUp}) {
+        widget->setFont(font);
+    }
+    m_vimBadge->setFont(scaledFont(QFontDatabase::systemFont(QFontDatabase::FixedFont), TextSize::badge));
+    updateGeometry();
+    layOut();
+}
+
+void StatusBarView::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::ApplicationFontChange) {
+        updateFonts();
+    } else if (event->type() == QEvent::ApplicationPaletteChange) {
+        applyPalette();
+    }
+}
+
+QSize StatusBarView::sizeHint() const
+{
+    return {m_pathLabel->sizeHint().width() + leftInset + rightInset, qMax(leastHeight, m_positionButton->sizeHint().height() + 4)};
+}
+
+QSize StatusBarView::minimumSizeHint() const
+{
+    return {leftInset + rightInset + m_pathLabel->minimumSizeHint().width(), sizeHint().height()};
+}
+
+void StatusBarView::paintEvent(QPaintEvent * /*event*/)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().color(QPalette::Active, QPalette::Window));
+    painter.fillRect(QRectF(0, 0, width(), 1 / qMax(1.0, devicePixelRatioF())), QColor::fromRgb(m_theme->gutterSeparator));
+}
+
+void StatusBarView::resizeEvent(QResizeEvent * /*event*/)
+{
+    layOut();
+}
+
+/// From the right edge the controls, from the left the badge and the path. The path shrinks first; when it has no more to give, controls
+/// go, and at last the badge is cut.
+void StatusBarView::layOut()
+{
+    // From the most important to the least, which is also from the right to the left but for the position.
+    std::vector<QWidget *> controls;
+    if (m_state) {
+        controls = {m_positionButton, m_languagePopUp, m_encodingPopUp, m_lineEndingPopUp, m_indentPopUp};
+    }
+    const int leastPath = qMin(m_pathLabel->sizeHint().width(), leastPathLength * m_pathLabel->fontMetrics().averageCharWidth());
+    int free = width() - leftInset - rightInset - leastPath - textGap;
+    if (!m_vimBadge->isHidden()) {
+        free -= m_vimBadge->sizeHint().width() + textGap;
+    }
+    std::vector<QWidget *> shown;
+    for (QWidget *control : controls) {
+        free -= control->sizeHint().width() + controlGap;
+        if (free < 0) {
+            break;
+        }
+        shown.push_back(control);
+    }
+    int right = width() - rightInset + FlatButton::textMargin;
+    for (QWidget *control :
+         std::initializer_list<QWidget *>{m_languagePopUp, m_encodingPopUp, m_lineEndingPopUp, m_indentPopUp, m_positionButton}) {
+        const bool isShown = std::ranges::find(shown, control) != shown.end();
+        control->setVisible(isShown);
+        if (isShown) {
+            const QSize size = control->sizeHint();
+            right -= size.width();
+            control->setGeometry(right, (height() - size.height()) / 2, size.width(), size.height());
+            right -= controlGap;
+        }
+    }
+    int left = leftInset;
+    if (!m_vimBadge->isHidden()) {
+        const QSize size = m_vimBadge->sizeHint();
+        m_vimBadge->setGeometry(left, (height() - size.height()) / 2, qBound(0, right - left, size.width()), size.height());
+        left += m_vimBadge->width() + textGap;
+    }
+    m_pathLabel->setGeometry(left, 0, qBound(0, right - left, m_pathLabel->sizeHint().width()), height());
+}
+
+// State
+
+void StatusBarView::setState(const std::optional<State> &state)
+{
+    m_state = state;
+    showState();
+}
+
+void StatusBarView::showState()
+{
+    m_vimBadge->setState(m_state ? m_state->vim : std::nullopt);
+    if (m_state) {
+        const State &state = *m_state;
+        m_positionButton->setText(positionTitle());
+        showChoice(*m_languagePopUp, m_sortedLanguages, [&](const Language &language) { return language == state.language; });
+        showChoice(*m_encodingPopUp, TextFile::selectableEncodings, [&](TextEncoding encoding) { return encoding == state.encoding; });
+        showChoice(*m_lineEndingPopUp, lineEndings, [&](const LineEndingRow &row) { return row.ending == state.lineEnding; });
+        const auto unit = state.usesSpaces ? Indentation::Unit::spaces : Indentation::Unit::tab;
+        showChoice(*m_indentPopUp, indentChoices,
+                   [&](Indentation choice) { return choice.width == state.indentWidth && choice.unit == unit; });
+    }
+    showMessageOrPath();
+    layOut();
+}
+
+QString StatusBarView::positionTitle() const
+{
+    QString title = formatted(localized(u"Ln %d, Col %d"), m_state->line, m_state->column);
+    if (m_state->selectionLength >= 1) {
+        title += m_state->selectedLineCount < 2
+                     ? formatted(localized(u"  (%d selected)"), m_state->selectionLength)
+                     : formatted(localized(u"  (%d selected, %d lines)"), m_state->selectionLength, m_state->selectedLineCount);
+    }
+    return title;
+}
+
+void StatusBarView::showMessageOrPath()
+{
+    QPalette colors = palette();
+    if (m_flashMessage) {
+        colors.setColor(QPalette::WindowText, SystemColor::accent());
+    }
+    m_pathLabel->setPalette(colors);
+    const QString text = m_flashMessage ? *m_flashMessage : m_state ? m_state->path : localized(u"No document");
+    if (text != m_pathLabel->text()) {
+        m_pathLabel->setText(text);
+    }
+}
+
+void StatusBarView::flash(const QString &message, Scheduler::Milliseconds duration)
+{
+    m_flashMessage = message;
+    m_flashWork = m_scheduler.after(duration, [this] {
+        m_flashMessage.reset();
+        showMessageOrPath();
+        layOut();
+    });
+    showMessageOrPath();
+    layOut();
+    QAccessibleEvent announcement(m_pathLabel, QAccessible::Alert);
+    QAccessible::updateAccessibility(&announcement);
+    emit flashed(message);
+}
+
+// Choices
+
+void StatusBarView::chooseLanguage(int index)
+{
+    if (m_delegate) {
+        // A copy, since the list may be made anew meanwhile.
+        const Language chosen = m_sortedLanguages.at(size_t(index));
+        m_delegate->statusBarDidChooseLanguage(chosen);
+    }
+}
+
+void StatusBarView::chooseEncoding(int index)
+{
+    if (m_delegate) {
+        m_delegate->statusBarDidChooseEncoding(TextFile::selectableEncodings.at(size_t(index)));
+    }
+}
+
+void StatusBarView::chooseLineEnding(int index)
+{
+    if (m_delegate) {
+        m_delegate->statusBarDidChooseLineEnding(index);
+    }
+}
+
+void StatusBarView::chooseIndentation(int index)
+{
+    if (m_delegate) {
+        m_delegate->statusBarDidChooseIndentation(indentChoices.at(size_t(index)));
+    }
+}

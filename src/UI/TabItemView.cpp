@@ -1,0 +1,367 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "UI/TabItemView.h"
+
+#include "Highlighting/Theme.h"
+#include "Platform/Translation.h"
+#include "UI/FlatButton.h"
+#include "UI/PlainToolTip.h"
+#include "UI/SystemColors.h"
+#include "UI/TabAccessible.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QDrag>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QPainter>
+#include <QPointer>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int leastWidth = 96;
+constexpr int greatestWidth = 220;
+constexpr int titleInset = 12;
+constexpr int gap = 4;
+constexpr int closeButtonSide = 18;
+constexpr int closeButtonInset = 4;
+constexpr int closeSymbolSide = 10;
+constexpr double dotSide = 7;
+constexpr double dotInset = 6;
+constexpr int selectionBarHeight = 2;
+constexpr int separatorInset = 4;
+constexpr int insertionMarkWidth = 3;
+
+constexpr double hoverOpacity = 0.4;
+constexpr double inactiveOpacity = 0.6;
+constexpr double dotOpacity = 0.85;
+
+QColor withOpacity(QColor color, double opacity)
+{
+    color.setAlphaF(float(opacity));
+    return color;
+}
+
+/// The index in a dragged tab: decimal digits, perhaps with a sign, nothing else.
+std::optional<int> draggedIndex(const QMimeData &data)
+{
+    const QByteArray text = data.data(TabItemView::mimeType());
+    const bool hasPlus = text.size() > 1 && text[0] == '+' && text[1] != '-';
+    int index = 0;
+    const char *end = text.constData() + text.size();
+    const auto [stop, error] = std::from_chars(text.constData() + (hasPlus ? 1 : 0), end, index);
+    return error == std::errc() && stop == end ? std::optional(index) : std::nullopt;
+}
+
+/// Copies the callback: what it leads to may destroy the item.
+template<typename... Arguments>
+void call(std::function<void(Arguments...)> callback, std::type_identity_t<Arguments>... arguments)
+{
+    if (callback) {
+        callback(arguments...);
+    }
+}
+
+} // namespace
+
+QString TabItemView::mimeType()
+{
+    return u"org.quillet.Quillet.tab"_s;
+}
+
+TabItemView::TabItemView(QWidget *parent) : QWidget(parent), m_theme(&Theme::light()), m_closeButton(new FlatButton(this))
+{
+    TabItemAccessible::install();
+    setAcceptDrops(true);
+    m_closeButton->setSymbol(u"xmark"_s, closeSymbolSide);
+    m_closeButton->setFixedSize(closeButtonSide, closeButtonSide);
+    m_closeButton->setFocusPolicy(Qt::NoFocus);
+    m_closeButton->hide();
+    connect(m_closeButton, &QAbstractButton::clicked, this, [this] { call(onClose); });
+    retranslate();
+}
+
+void TabItemView::setContent(const TabDescriptor &descriptor, int index, Selection selection)
+{
+    m_index = index;
+    const bool wasSelected = isSelected();
+    if (descriptor == m_descriptor && selection == m_selection) {
+        return;
+    }
+    m_descriptor = descriptor;
+    m_selection = selection;
+    setToolTip(plainToolTip(descriptor.tooltip));
+    updateAccessibleTexts();
+    if (wasSelected != isSelected()) {
+        QAccessible::State changed;
+        changed.selected = true;
+        QAccessibleStateChangeEvent stateChange(this, changed);
+        QAccessible::updateAccessibility(&stateChange);
+        if (isSelected()) {
+            QAccessibleEvent selected(this, QAccessible::Selection);
+            QAccessible::updateAccessibility(&selected);
+        }
+    }
+    setLook(*m_theme, m_activity);
+}
+
+void TabItemView::setLook(const Theme &theme, PaneActivity activity)
+{
+    m_theme = &theme;
+    m_activity = activity;
+    QPalette colors = QGuiApplication::palette();
+    colors.setColor(QPalette::ButtonText, textColor());
+    if (colors.color(QPalette::ButtonText) != m_closeButton->palette().color(QPalette::ButtonText)) {
+        m_closeButton->setPalette(colors);
+    }
+    update();
+}
+
+void TabItemView::retranslate()
+{
+    m_closeButton->setToolTip(localized(u"Close Tab (⌘W)"));
+    m_closeButton->setAccessibleName(localized(u"Close Tab"));
+    updateAccessibleTexts();
+}
+
+void TabItemView::updateAccessibleTexts()
+{
+    QStringList states;
+    if (m_descriptor.isDirty) {
+        states.append(localized(u"edited"));
+    }
+    if (m_descriptor.hasExternalChange) {
+        states.append(localized(u"changed on disk"));
+    }
+    states.append(m_descriptor.tooltip);
+    setAccessibleName(m_descriptor.title);
+    setAccessibleDescription(states.join(u", "_s));
+}
+
+// Painting
+
+QSize TabItemView::sizeHint() const
+{
+    QFont font = titleFont();
+    font.setWeight(QFont::Medium);
+    const int title = QFontMetrics(font).horizontalAdvance(m_descriptor.title) + 1;
+    const int width = titleInset + title + gap + closeButtonSide + closeButtonInset;
+    return {std::clamp(width, leastWidth, greatestWidth), parentWidget() ? parentWidget()->height() : height()};
+}
+
+QFont TabItemView::titleFont() const
+{
+    QFont title = font();
+    title.setWeight(isSelected() ? QFont::Medium : QFont::Normal);
+    return title;
+}
+
+QColor TabItemView::textColor() const
+{
+    if (!isSelected()) {
+        return QColor::fromRgb(m_theme->gutterForeground);
+    }
+    return withOpacity(QColor::fromRgb(m_theme->foreground), m_activity == PaneActivity::active ? 1 : inactiveOpacity);
+}
+
+void TabItemView::paintEvent(QPaintEvent * /*event*/)
+{
+    QPainter painter(this);
+    paintGround(painter);
+    paintTitle(painter);
+    paintMarks(painter);
+}
+
+void TabItemView::paintGround(QPainter &painter) const
+{
+    const QColor ground = QColor::fromRgb(m_theme->background);
+    if (isSelected()) {
+        painter.fillRect(rect(), ground);
+        const QColor bar = m_activity == PaneActivity::active ? SystemColor::accent() : QColor::fromRgb(m_theme->gutterForeground);
+        painter.fillRect(0, 0, width(), selectionBarHeight, bar);
+    } else if (m_isHovering) {
+        painter.fillRect(rect(), withOpacity(ground, hoverOpacity));
+    }
+    const double devicePixel = 1 / qMax(1.0, devicePixelRatioF());
+    painter.fillRect(QRectF(width() - devicePixel, separatorInset, devicePixel, height() - 2 * separatorInset),
+                     QColor::fromRgb(m_theme->gutterSeparator));
+}
+
+void TabItemView::paintTitle(QPainter &painter) const
+{
+    const QFont font = titleFont();
+    const QRect place(titleInset, 0, m_closeButton->x() - gap - titleInset, height());
+    painter.setFont(font);
+    painter.setPen(textColor());
+    painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                     QFontMetrics(font).elidedText(m_descriptor.title, Qt::ElideMiddle, place.width(), Qt::TextSingleLine));
+}
+
+/// The dot, the focus and where a dragged tab would go.
+void TabItemView::paintMarks(QPainter &painter) const
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (hasMark() && !m_isHovering) {
+        const QColor color = textColor();
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(m_descriptor.hasExternalChange ? SystemColor::yellow(m_theme->isDark)
+                                                        : withOpacity(color, color.alphaF() * dotOpacity));
+        painter.drawEllipse(QRectF(width() - dotInset - dotSide, (height() - dotSide) / 2, dotSide, dotSide));
+    }
+    if (hasFocus()) {
+        painter.setPen(QPen(SystemColor::accent(), 1.5));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(3.5, 4.5, -3.5, -3.5), 4, 4);
+    }
+    if (m_insertionMark) {
+        const int x = m_insertionMark == Edge::left ? 0 : width() - insertionMarkWidth;
+        painter.fillRect(x, 0, insertionMarkWidth, height(), SystemColor::accent());
+    }
+}
+
+void TabItemView::resizeEvent(QResizeEvent * /*event*/)
+{
+    m_closeButton->move(width() - closeButtonInset - closeButtonSide, (height() - closeButtonSide) / 2);
+}
+
+// Pointer and keyboard
+
+void TabItemView::setHovering(bool isHovering)
+{
+    m_isHovering = isHovering;
+    m_closeButton->setVisible(isHovering);
+    update();
+}
+
+void TabItemView::enterEvent(QEnterEvent * /*event*/)
+{
+    setHovering(true);
+}
+
+void TabItemView::leaveEvent(QEvent * /*event*/)
+{
+    setHovering(false);
+}
+
+void TabItemView::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton) {
+        m_pressPosition = event->globalPosition().toPoint();
+        call(onSelect);
+    }
+}
+
+void TabItemView::mouseMoveEvent(QMouseEvent *event)
+{
+    // Compared on the screen: selecting may have moved the item under the pointer.
+    if ((event->buttons() & Qt::LeftButton) != 0 && m_pressPosition &&
+        (event->globalPosition().toPoint() - *m_pressPosition).manhattanLength() >= QApplication::startDragDistance()) {
+        m_pressPosition.reset();
+        startDrag();
+    }
+}
+
+void TabItemView::mouseReleaseEvent(QMouseEvent *event)
+{
+    m_pressPosition.reset();
+    if (event->button() == Qt::MiddleButton && rect().contains(event->position().toPoint())) {
+        call(onClose);
+    }
+}
+
+void TabItemView::contextMenuEvent(QContextMenuEvent *event)
+{
+    call(onContextMenu, event->reason() == QContextMenuEvent::Keyboard ? mapToGlobal(rect().bottomLeft()) : event->globalPos());
+}
+
+void TabItemView::keyPressEvent(QKeyEvent *event)
+{
+    struct StepRow {
+        int key;
+        Step step;
+    };
+    static constexpr auto steps = std::to_array<StepRow>(
+        {{Qt::Key_Left, Step::previous}, {Qt::Key_Right, Step::next}, {Qt::Key_Home, Step::first}, {Qt::Key_End, Step::last}});
+    const auto row = std::ranges::find(steps, event->key(), &StepRow::key);
+    if (row != steps.end()) {
+        call(onStep, row->step);
+    } else if (event->key() == Qt::Key_Space || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        call(onSelect);
+    } else {
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void TabItemView::focusInEvent(QFocusEvent * /*event*/)
+{
+    update();
+    call(onFocusChange);
+}
+
+void TabItemView::focusOutEvent(QFocusEvent * /*event*/)
+{
+    update();
+    call(onFocusChange);
+}
+
+// Dragging
+
+void TabItemView::startDrag()
+{
+    // The row is the source: the item may be gone before the drag ends.
+    auto *drag = new QDrag(parentWidget());
+    auto *payload = new QMimeData;
+    payload->setData(mimeType(), QByteArray::number(m_index));
+    drag->setMimeData(payload);
+    drag->setPixmap(grab());
+    drag->setHotSpot({width() / 2, height() / 2});
+    const QPointer<TabItemView> self(this);
+    drag->exec(Qt::MoveAction);
+    if (self) {
+        // What the pointer does during a drag is not told.
+        setHovering(rect().contains(mapFromGlobal(QCursor::pos())));
+    }
+}
+
+void TabItemView::dragEnterEvent(QDragEnterEvent *event)
+{
+    const std::optional<int> from = draggedIndex(*event->mimeData());
+    if (!from || (event->possibleActions() & Qt::MoveAction) == 0) {
+        event->ignore();
+        return;
+    }
+    event->setDropAction(Qt::MoveAction);
+    event->accept();
+    // The tab comes to this place and moves the others towards where it was.
+    setInsertionMark(*from == m_index ? std::nullopt : std::optional(*from < m_index ? Edge::right : Edge::left));
+}
+
+void TabItemView::dragLeaveEvent(QDragLeaveEvent * /*event*/)
+{
+    setInsertionMark(std::nullopt);
+}
+
+void TabItemView::dropEvent(QDropEvent *event)
+{
+    setInsertionMark(std::nullopt);
+    const std::optional<int> from = draggedIndex(*event->mimeData());
+    if (!from || (event->possibleActions() & Qt::MoveAction) == 0) {
+        event->ignore();
+        return;
+    }
+    event->setDropAction(Qt::MoveAction);
+    event->accept();
+    call(onDrop, *from);
+}
+
+void TabItemView::setInsertionMark(std::optional<Edge> edge)
+{
+    m_insertionMark = edge;
+    update();
+}

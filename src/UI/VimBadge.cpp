@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "UI/VimBadge.h"
+
+#include "Highlighting/Theme.h"
+#include "UI/SystemColors.h"
+
+#include <QPainter>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr double cornerRadius = 3;
+constexpr int heightMargin = 2;
+constexpr float opacityOnDark = 0.85F;
+constexpr float opacityOnLight = 0.75F;
+
+QString badgeText(const StatusBarView::VimState &state)
+{
+    if (state.commandLine) {
+        return u' ' + *state.commandLine + u"█ "_s;
+    }
+    return u' ' + state.mode + (state.pending.isEmpty() ? QString() : u"  "_s + state.pending) + u' ';
+}
+
+} // namespace
+
+VimBadge::VimBadge(QWidget *parent) : QLabel(parent), m_theme(&Theme::light())
+{
+    setTextFormat(Qt::PlainText);
+    hide();
+}
+
+void VimBadge::setState(const std::optional<StatusBarView::VimState> &state)
+{
+    if (state == m_state) {
+        return;
+    }
+    m_state = state;
+    setText(state ? badgeText(*state) : QString());
+    setVisible(state.has_value());
+    update();
+}
+
+void VimBadge::setTheme(const Theme &theme)
+{
+    m_theme = &theme;
+    update();
+}
+
+QSize VimBadge::sizeHint() const
+{
+    const QFontMetrics metrics(font());
+    return {metrics.horizontalAdvance(text()), metrics.height() + 2 * heightMargin};
+}
+
+void VimBadge::paintEvent(QPaintEvent * /*event*/)
+{
+    if (!m_state) {
+        return;
+    }
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QColor ground = m_state->commandLine ? SystemColor::purple() : m_state->isInsert ? SystemColor::green() : SystemColor::accent();
+    ground.setAlphaF(m_theme->isDark ? opacityOnDark : opacityOnLight);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ground);
+    painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
+    painter.setPen(Qt::white);
+    painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, fontMetrics().elidedText(text(), Qt::ElideLeft, width()));
+}
