@@ -31,6 +31,8 @@ constexpr int rightInset = 8;
 /// Between the badge, the path and the controls; these have margins of their own.
 constexpr int textGap = 10;
 constexpr int controlGap = textGap - 2 * FlatButton::textMargin + 2;
+/// Above and below controls. They are as high as the bar lets them, so that their texts and the path stand on one line.
+constexpr int controlMargin = 2;
 /// What the path keeps before a control goes, in characters.
 constexpr int leastPathLength = 10;
 
@@ -176,7 +178,8 @@ void StatusBarView::changeEvent(QEvent *event)
 
 QSize StatusBarView::sizeHint() const
 {
-    return {m_pathLabel->sizeHint().width() + leftInset + rightInset, qMax(leastHeight, m_positionButton->sizeHint().height() + 4)};
+    return {m_pathLabel->sizeHint().width() + leftInset + rightInset,
+            qMax(leastHeight, m_positionButton->sizeHint().height() + 2 * controlMargin)};
 }
 
 QSize StatusBarView::minimumSizeHint() const
@@ -224,9 +227,9 @@ void StatusBarView::layOut()
         const bool isShown = std::ranges::find(shown, control) != shown.end();
         control->setVisible(isShown);
         if (isShown) {
-            const QSize size = control->sizeHint();
-            right -= size.width();
-            control->setGeometry(right, (height() - size.height()) / 2, size.width(), size.height());
+            const int controlWidth = control->sizeHint().width();
+            right -= controlWidth;
+            control->setGeometry(right, controlMargin, controlWidth, height() - 2 * controlMargin);
             right -= controlGap;
         }
     }

@@ -80,7 +80,13 @@ TabBarView::TabBarView(QWidget *parent)
     retranslate();
 }
 
-TabBarView::~TabBarView() = default;
+TabBarView::~TabBarView()
+{
+    // An item that has the focus loses it when there is no bar any more.
+    for (TabItemView *item : m_items) {
+        item->onFocusChange = {};
+    }
+}
 
 void TabBarView::retranslate()
 {
@@ -163,7 +169,10 @@ void TabBarView::updateTabStop()
     for (TabItemView *item : m_items) {
         item->setFocusPolicy(item == stop ? Qt::TabFocus : Qt::NoFocus);
     }
+    // The order takes only widgets that the keyboard can come to.
+    m_strip->setFocusPolicy(Qt::TabFocus);
     setTabOrder(m_strip, stop);
+    m_strip->setFocusPolicy(Qt::NoFocus);
 }
 
 void TabBarView::select(int index)

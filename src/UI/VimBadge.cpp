@@ -52,7 +52,7 @@ void VimBadge::setTheme(const Theme &theme)
 QSize VimBadge::sizeHint() const
 {
     const QFontMetrics metrics(font());
-    return {metrics.horizontalAdvance(text()), metrics.height() + 2 * heightMargin};
+    return {metrics.horizontalAdvance(text()) + 1, metrics.height() + 2 * heightMargin};
 }
 
 void VimBadge::paintEvent(QPaintEvent * /*event*/)

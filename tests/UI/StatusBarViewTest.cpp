@@ -1,0 +1,255 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "UI/StatusBarView.h"
+
+#include "Highlighting/LanguageRegistry.h"
+#include "Highlighting/Theme.h"
+#include "Model/TextFile.h"
+#include "Platform/Localization.h"
+#include "UI/PopUpButton.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QLabel>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+class StatusBarViewTest : public testing::Test, private StatusBarViewDelegate {
+protected:
+    using State = StatusBarView::State;
+
+    StatusBarViewTest()
+    {
+        bar.setDelegate(this);
+        bar.resize(1200, bar.sizeHint().height());
+        bar.show();
+    }
+    ~StatusBarViewTest() override { Localization::use(AppLanguage::english); }
+
+    [[nodiscard]] static State someState()
+    {
+        return {.path = u"~/work/file.py"_s, .line = 3, .column = 2, .language = LanguageRegistry::detect(u"file.py", {})};
+    }
+
+    /// What is seen, from left to right.
+    [[nodiscard]] std::vector<QWidget *> parts() const
+    {
+        std::vector<QWidget *> found;
+        for (QWidget *child : bar.findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
+            if (!child->isHidden() && !child->geometry().isEmpty()) {
+                found.push_back(child);
+            }
+        }
+        std::ranges::sort(found, {}, &QWidget::x);
+        return found;
+    }
+    [[nodiscard]] QStringList texts() const
+    {
+        QStringList list;
+        for (const QWidget *part : parts()) {
+            list.append(part->property("text").toString());
+        }
+        return list;
+    }
+
+    [[nodiscard]] PopUpButton *popUp(const QString &toolTip) const
+    {
+        for (PopUpButton *button : bar.findChildren<PopUpButton *>()) {
+            if (button->toolTip() == toolTip) {
+                return button;
+            }
+        }
+        return nullptr;
+    }
+    [[nodiscard]] QStringList titles(const QString &toolTip) const
+    {
+        QStringList list;
+        for (const QAction *entry : popUp(toolTip)->menu()->actions()) {
+            list.append(entry->isChecked() ? u'*' + entry->text() : entry->text());
+        }
+        return list;
+    }
+    void choose(const QString &toolTip, qsizetype index) { popUp(toolTip)->menu()->actions().at(index)->trigger(); }
+    void speakGerman()
+    {
+        Localization::use(AppLanguage::german);
+        notifications.post(Localization::didChangeNotification, nullptr);
+    }
+
+    ManualScheduler scheduler;
+    NotificationCenter notifications;
+    StatusBarView bar{scheduler, notifications};
+    QStringList reports;
+
+private:
+    void statusBarDidChooseLanguage(const Language &language) override { reports.append(u"language "_s + language.id()); }
+    void statusBarDidChooseEncoding(TextEncoding encoding) override { reports.append(u"encoding %1"_s.arg(quint32(encoding))); }
+    void statusBarDidChooseLineEnding(int index) override { reports.append(u"line ending %1"_s.arg(index)); }
+    void statusBarDidChooseIndentation(Indentation indentation) override
+    {
+        reports.append(u"%1 %2"_s.arg(indentation.unit == Indentation::Unit::tab ? u"tabs"_s : u"spaces"_s).arg(indentation.width));
+    }
+    void statusBarDidClickPosition() override { reports.append(u"position"_s); }
+};
+
+} // namespace
+
+TEST_F(StatusBarViewTest, ShowsTheStateAndFollowsTheLanguage)
+{
+    EXPECT_EQ(texts(), QStringList{u"No document"_s});
+    State state = someState();
+    bar.setState(state);
+    EXPECT_EQ(texts(), (QStringList{u"~/work/file.py"_s, u"Ln 3, Col 2"_s, u"Spaces: 4"_s, u"LF"_s, u"UTF-8"_s, u"Python"_s}));
+
+    state.selectionLength = 5;
+    state.selectedLineCount = 1;
+    state.vim = {.mode = u"NORMAL"_s, .pending = u"2d"_s};
+    state.encoding = TextEncoding::windows1252;
+    state.lineEnding = LineEnding::crlf;
+    state.indentWidth = 8;
+    state.usesSpaces = false;
+    state.language = Language::plainText();
+    bar.setState(state);
+    const QString encoding = displayName(TextEncoding::windows1252);
+    EXPECT_EQ(texts(), (QStringList{u" NORMAL  2d "_s, u"~/work/file.py"_s, u"Ln 3, Col 2  (5 selected)"_s, u"Tabs: 8"_s, u"CRLF"_s,
+                                    encoding, u"Plain Text"_s}));
+
+    state.selectedLineCount = 3;
+    state.vim->commandLine = u":s/a/b"_s;
+    state.indentWidth = 3;
+    state.encoding = TextEncoding(12345);
+    bar.setState(state);
+    EXPECT_EQ(texts(), (QStringList{u" :s/a/b█ "_s, u"~/work/file.py"_s, u"Ln 3, Col 2  (5 selected, 3 lines)"_s, u"Tabs: 8"_s, u"CRLF"_s,
+                                    encoding, u"Plain Text"_s}))
+        << "what no menu has leaves the choice as it was";
+
+    speakGerman();
+    EXPECT_EQ(texts(), (QStringList{u" :s/a/b█ "_s, u"~/work/file.py"_s, u"Zeile 3, Spalte 2  (5 ausgewählt, 3 Zeilen)"_s,
+                                    u"Tabulatoren: 8"_s, u"CRLF"_s, encoding, u"Reiner Text"_s}));
+    const QStringList languages = titles(u"Syntax"_s);
+    EXPECT_EQ(languages.filter(u"*"_s), QStringList{u"*Reiner Text"_s});
+    EXPECT_LT(languages.indexOf(u"Python"_s), languages.indexOf(u"*Reiner Text"_s)) << "in the order of the titles shown";
+
+    bar.setState(std::nullopt);
+    EXPECT_EQ(texts(), QStringList{u"Kein Dokument"_s});
+}
+
+TEST_F(StatusBarViewTest, AFlashGivesWayToTheLatestPath)
+{
+    QSignalSpy flashed(&bar, &StatusBarView::flashed);
+    bar.setState(someState());
+    bar.flash(u"Saved"_s, 2s);
+    EXPECT_EQ(flashed.value(0).value(0).toString(), u"Saved"_s);
+    State other = someState();
+    other.path = u"~/other"_s;
+    bar.setState(other);
+    EXPECT_EQ(texts()[0], u"Saved"_s);
+
+    scheduler.advance(1s);
+    bar.flash(u"Copied to “x”"_s, 5s);
+    scheduler.advance(4999ms);
+    EXPECT_EQ(texts()[0], u"Copied to “x”"_s) << "the first one's end must not end the second";
+    bar.setTheme(Theme::dark());
+    EXPECT_EQ(texts()[0], u"Copied to “x”"_s);
+    scheduler.advance(1ms);
+    EXPECT_EQ(texts()[0], u"~/other"_s);
+    EXPECT_EQ(scheduler.pendingCount(), 0);
+
+    bar.flash(u"Saved"_s, 2s);
+    bar.setState(std::nullopt);
+    EXPECT_EQ(texts(), QStringList{u"Saved"_s});
+    scheduler.advance(2s);
+    EXPECT_EQ(texts(), QStringList{u"No document"_s});
+}
+
+TEST_F(StatusBarViewTest, ChoicesAreReportedAndShownWhenTheyTakeEffect)
+{
+    bar.setState(someState());
+    const QStringList languages = titles(u"Syntax"_s);
+    EXPECT_EQ(size_t(languages.size()), LanguageRegistry::all().size());
+    choose(u"Syntax"_s, languages.indexOf(u"Plain Text"_s));
+    choose(u"Text Encoding"_s, 4);
+    choose(u"Line Endings"_s, 2);
+    choose(u"Indentation"_s, 0);
+    choose(u"Indentation"_s, 5);
+    QTest::mouseClick(parts()[1], Qt::LeftButton);
+    EXPECT_EQ(reports, (QStringList{u"language text"_s, u"encoding 5"_s, u"line ending 2"_s, u"spaces 2"_s, u"tabs 8"_s, u"position"_s}));
+    EXPECT_EQ(titles(u"Line Endings"_s), (QStringList{u"*LF"_s, u"CRLF"_s, u"CR"_s})) << "nobody said that it took effect";
+
+    State changed = someState();
+    changed.lineEnding = LineEnding::cr;
+    bar.setState(changed);
+    EXPECT_EQ(titles(u"Line Endings"_s), (QStringList{u"LF"_s, u"CRLF"_s, u"*CR"_s}));
+}
+
+TEST_F(StatusBarViewTest, WhereItIsNarrowTheLeastImportantGoesFirst)
+{
+    State state = someState();
+    state.path = QString(300, u'x');
+    state.vim = {.mode = u"COMMAND"_s, .commandLine = u":"_s + QString(30, u'y')};
+    speakGerman();
+    bar.setState(state);
+    const QStringList byImportance = {u"Zeile 3, Spalte 2"_s, u"Python"_s, u"UTF-8"_s, u"LF"_s, u"Leerzeichen: 4"_s};
+    qsizetype before = byImportance.size();
+    for (int width = 1400; width >= 40; width -= 20) {
+        SCOPED_TRACE(width);
+        bar.resize(width, bar.height());
+        const QStringList shown = texts();
+        QStringList controls;
+        std::ranges::copy_if(byImportance, std::back_inserter(controls), [&](const QString &text) { return shown.contains(text); });
+        EXPECT_EQ(controls, byImportance.first(controls.size())) << shown.join(u", "_s).toStdString();
+        EXPECT_LE(controls.size(), before);
+        before = controls.size();
+        int right = 0;
+        for (const QWidget *part : parts()) {
+            EXPECT_GE(part->x(), right) << "they overlap";
+            right = part->geometry().right() + 1;
+        }
+        EXPECT_LE(right, width);
+    }
+    EXPECT_EQ(before, 0) << "the narrowest bar has no room for any";
+}
+
+TEST_F(StatusBarViewTest, TheKeyboardReachesEverythingAndFindsLanguagesByTyping)
+{
+    bar.setState(someState());
+    bar.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&bar));
+    QSet<QString> names;
+    for (int i = 0; i < 5; ++i) {
+        QWidget *focused = QApplication::focusWidget();
+        QTest::keyClick(focused ? focused : &bar, Qt::Key_Tab);
+        ASSERT_TRUE(QApplication::focusWidget());
+        names.insert(QAccessible::queryAccessibleInterface(QApplication::focusWidget())->text(QAccessible::Name));
+    }
+    EXPECT_EQ(names, (QSet<QString>{u"Indentation: Spaces: 4"_s, u"Line Endings: LF"_s, u"Ln 3, Col 2"_s, u"Syntax: Python"_s,
+                                    u"Text Encoding: UTF-8"_s}));
+
+    QMenu *menu = popUp(u"Syntax"_s)->menu();
+    menu->popup({});
+    QStringList found;
+    const auto type = [&](const QString &text) {
+        QTest::keyClicks(menu, text);
+        found.append(menu->activeAction() ? menu->activeAction()->text() : QString());
+    };
+    type({});
+    type(u"javas"_s);
+    scheduler.advance(2s);
+    type(u"p"_s);
+    type(u"p"_s);
+    type(u"p"_s);
+    type(u"p"_s);
+    scheduler.advance(2s);
+    type(u"PLAIN t"_s);
+    EXPECT_EQ(found, (QStringList{u"Python"_s, u"JavaScript"_s, u"PHP"_s, u"Plain Text"_s, u"Python"_s, u"PHP"_s, u"Plain Text"_s}));
+    QTest::keyClick(menu, Qt::Key_Return);
+    EXPECT_EQ(reports, QStringList{u"language text"_s});
+}

@@ -1,0 +1,322 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "UI/TabBarView.h"
+
+#include "Highlighting/Theme.h"
+#include "Platform/Localization.h"
+#include "UI/FlatButton.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <QTest>
+#include <QVBoxLayout>
+#include <QWheelEvent>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class TabBarViewTest : public testing::Test, private TabBarViewDelegate {
+protected:
+    TabBarViewTest()
+    {
+        bar.setDelegate(this);
+        bar.resize(800, bar.sizeHint().height());
+        bar.show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&bar));
+    }
+
+    void setCount(int count, int selectedIndex)
+    {
+        tabs.clear();
+        for (int i = 0; i < count; ++i) {
+            tabs.push_back({.title = u"tab %1"_s.arg(i), .tooltip = u"/folder/tab %1"_s.arg(i)});
+        }
+        bar.setTabs(tabs, selectedIndex);
+    }
+    /// In the order of the row.
+    [[nodiscard]] std::vector<TabItemView *> items() const
+    {
+        std::vector<TabItemView *> found;
+        for (TabItemView *item : bar.findChildren<TabItemView *>()) {
+            if (!item->isHidden()) {
+                found.push_back(item);
+            }
+        }
+        std::ranges::sort(found, {}, &QWidget::x);
+        return found;
+    }
+    [[nodiscard]] FlatButton *button(const QString &name) const
+    {
+        for (FlatButton *found : bar.findChildren<FlatButton *>()) {
+            if (found->accessibleName() == name) {
+                return found;
+            }
+        }
+        return nullptr;
+    }
+    [[nodiscard]] FlatButton *closeButton(int index) const { return items()[size_t(index)]->findChild<FlatButton *>(); }
+    void hover(QWidget *widget)
+    {
+        const QPointF center = QRectF(widget->rect()).center();
+        QEnterEvent enter(center, widget->mapTo(&bar, center), widget->mapToGlobal(center));
+        QApplication::sendEvent(widget, &enter);
+    }
+    /// Whether all of the item can be seen, with no button over it.
+    [[nodiscard]] bool isInView(int index) const
+    {
+        const QWidget *item = items()[size_t(index)];
+        const QRect place(item->mapTo(&bar, QPoint()), item->size());
+        int left = 0;
+        int right = button(u"All Tabs"_s)->isHidden() ? button(u"New Tab"_s)->x() : button(u"All Tabs"_s)->x();
+        if (const QWidget *scroller = button(u"Scroll Left"_s); !scroller->isHidden()) {
+            left = scroller->geometry().right() + 1;
+        }
+        if (const QWidget *scroller = button(u"Scroll Right"_s); !scroller->isHidden()) {
+            right = scroller->x();
+        }
+        return place.left() >= left && place.right() < right;
+    }
+    /// Drags `payload` over an item and drops it there if it is welcome.
+    [[nodiscard]] bool drop(int index, const QString &format, const QByteArray &payload) const
+    {
+        QMimeData data;
+        data.setData(format, payload);
+        TabItemView *item = items()[size_t(index)];
+        QDragEnterEvent enter({5, 5}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(item, &enter);
+        QDropEvent dropped({5, 5}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(item, &dropped);
+        EXPECT_EQ(enter.isAccepted(), dropped.isAccepted());
+        EXPECT_TRUE(!dropped.isAccepted() || dropped.dropAction() == Qt::MoveAction) << "a copy is not offered";
+        return dropped.isAccepted();
+    }
+    [[nodiscard]] QStringList taken() { return std::exchange(reports, {}); }
+
+    std::vector<TabDescriptor> tabs;
+    TabBarView bar;
+
+private:
+    void tabBarDidSelectTab(TabBarView &, int index) override
+    {
+        reports.append(u"select %1"_s.arg(index));
+        bar.setTabs(tabs, index);
+    }
+    void tabBarDidRequestClose(TabBarView &, int index) override
+    {
+        reports.append(u"close %1"_s.arg(index));
+        tabs.erase(tabs.begin() + index);
+        bar.setTabs(tabs, qMin(index, int(tabs.size()) - 1));
+    }
+    void tabBarDidRequestNewTab(TabBarView &) override { reports.append(u"new"_s); }
+    void tabBarDidMoveTab(TabBarView &, int from, int to) override { reports.append(u"move %1 %2"_s.arg(from).arg(to)); }
+
+    QStringList reports;
+};
+
+/// How many children all widgets got while it lives.
+class ChildCounter final : public QObject {
+public:
+    ChildCounter() { qApp->installEventFilter(this); }
+    bool eventFilter(QObject * /*object*/, QEvent *event) override
+    {
+        count += event->type() == QEvent::ChildAdded && static_cast<QChildEvent *>(event)->child()->isWidgetType() ? 1 : 0;
+        return false;
+    }
+    int count = 0;
+};
+
+} // namespace
+
+TEST_F(TabBarViewTest, PointerSelectsClosesAndAsksForNewTabs)
+{
+    setCount(3, 0);
+    QTest::mousePress(items()[2], Qt::LeftButton);
+    EXPECT_EQ(taken(), QStringList{u"select 2"_s}) << "at the press, not later";
+    QTest::mouseRelease(items()[2], Qt::LeftButton);
+    QTest::mouseClick(items()[1], Qt::RightButton);
+    EXPECT_EQ(taken(), QStringList());
+
+    QTest::mouseClick(items()[0], Qt::MiddleButton);
+    EXPECT_EQ(taken(), QStringList{u"close 0"_s});
+    QTest::mousePress(items()[0], Qt::MiddleButton);
+    QTest::mouseRelease(items()[0], Qt::MiddleButton, {}, {-5, 5});
+    EXPECT_EQ(taken(), QStringList()) << "let go elsewhere";
+
+    EXPECT_TRUE(closeButton(0)->isHidden());
+    hover(items()[0]);
+    ASSERT_FALSE(closeButton(0)->isHidden());
+    QTest::mouseClick(closeButton(0), Qt::LeftButton);
+    EXPECT_EQ(taken(), QStringList{u"close 0"_s});
+    ASSERT_EQ(items().size(), 1U);
+    EXPECT_FALSE(closeButton(0)->isHidden()) << "the pointer is now over the tab that came into the place";
+    QTest::mouseClick(closeButton(0), Qt::LeftButton);
+    EXPECT_EQ(items().size(), 0U) << "the one that was clicked is gone as well";
+
+    QTest::mouseClick(button(u"New Tab"_s), Qt::LeftButton);
+    EXPECT_EQ(taken(), (QStringList{u"close 0"_s, u"new"_s}));
+    EXPECT_EQ(button(u"New Tab"_s)->toolTip(), Localization::current().text(u"New Tab (⌘N)"));
+}
+
+TEST_F(TabBarViewTest, ManyTabsScrollAndStandInAMenu)
+{
+    setCount(3, 1);
+    EXPECT_TRUE(button(u"All Tabs"_s)->isHidden());
+    EXPECT_TRUE(button(u"Scroll Right"_s)->isHidden());
+
+    setCount(40, 30);
+    bar.scrollSelectedTabIntoView();
+    EXPECT_FALSE(isInView(30)) << "not before everything has its place";
+    QApplication::processEvents();
+    EXPECT_TRUE(isInView(30));
+    EXPECT_FALSE(isInView(0));
+    EXPECT_FALSE(button(u"Scroll Left"_s)->isHidden());
+    bar.resize(300, bar.height());
+    EXPECT_TRUE(isInView(30)) << "what was in view stays there";
+
+    const auto wheel = [&](int delta) {
+        QWheelEvent event({10, 10}, bar.mapToGlobal(QPointF(10, 10)), {}, {0, delta}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                          false);
+        QApplication::sendEvent(&bar, &event);
+    };
+    wheel(120 * 100);
+    EXPECT_TRUE(isInView(0));
+    EXPECT_TRUE(button(u"Scroll Left"_s)->isHidden());
+    wheel(-120 * 100);
+    EXPECT_TRUE(isInView(39));
+    EXPECT_TRUE(button(u"Scroll Right"_s)->isHidden());
+    const int before = items()[39]->mapTo(&bar, QPoint()).x();
+    for (int i = 0; i < 120; ++i) {
+        wheel(1);
+    }
+    const int byHundredths = items()[39]->mapTo(&bar, QPoint()).x() - before;
+    wheel(-120);
+    wheel(120);
+    EXPECT_EQ(items()[39]->mapTo(&bar, QPoint()).x() - before, byHundredths) << "small turns add up";
+    QTest::mouseClick(button(u"Scroll Left"_s), Qt::LeftButton);
+    EXPECT_GT(items()[39]->mapTo(&bar, QPoint()).x() - before, byHundredths);
+
+    tabs[3] = {.title = u"a & b"_s, .tooltip = u"/<b>x</b>"_s, .isDirty = true};
+    bar.setTabs(tabs, 3);
+    QMenu *menu = button(u"All Tabs"_s)->menu();
+    emit menu->aboutToShow();
+    ASSERT_EQ(menu->actions().size(), 40);
+    EXPECT_EQ(menu->actions()[3]->text(), u"a && b  •"_s);
+    EXPECT_TRUE(menu->actions()[3]->isChecked());
+    EXPECT_EQ(menu->actions()[4]->text(), u"tab 4"_s);
+    EXPECT_FALSE(menu->actions()[4]->isChecked());
+    menu->actions()[39]->trigger();
+    EXPECT_EQ(taken(), QStringList{u"select 39"_s});
+    EXPECT_FALSE(items()[3]->toolTip().contains(u"<b>"_s)) << "a path is no markup";
+}
+
+TEST_F(TabBarViewTest, AChangeMakesNoMoreWidgetsThanItAddsTabs)
+{
+    setCount(40, 0);
+    const int of40 = int(bar.findChildren<QWidget *>().size());
+    const std::vector<TabItemView *> before = items();
+    ChildCounter counter;
+    tabs[7].isDirty = true;
+    bar.setTabs(tabs, 39);
+    bar.setTheme(Theme::dark());
+    bar.setActivePane(PaneActivity::inactive);
+    EXPECT_EQ(counter.count, 0);
+    EXPECT_EQ(items(), before);
+    tabs.push_back({.title = u"new"_s});
+    bar.setTabs(tabs, 40);
+    EXPECT_LE(counter.count, 2) << "the tab and its button";
+    tabs.resize(5);
+    bar.setTabs(tabs, 4);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(items().size(), 5U);
+    EXPECT_EQ(bar.findChildren<QWidget *>().size(), of40 - 35 * 2) << "dropped ones are gone";
+}
+
+TEST_F(TabBarViewTest, DroppedTabsMoveWithinTheBar)
+{
+    setCount(5, 0);
+    const QString format = TabItemView::mimeType();
+    EXPECT_TRUE(drop(3, format, "1"));
+    EXPECT_TRUE(drop(0, format, "+4"));
+    EXPECT_EQ(taken(), (QStringList{u"move 1 3"_s, u"move 4 0"_s}));
+    for (const char *index : {"2", "5", "-1", "2147483647"}) {
+        EXPECT_TRUE(drop(2, format, index)) << index << " is an index, of this tab or of a longer bar";
+    }
+    for (const char *bad : {"", "+", "-", "x", "1x", " 1", "1 ", "1.0", "+-1", "--1", "99999999999", "0x1"}) {
+        EXPECT_FALSE(drop(2, format, bad)) << '"' << bad << '"';
+    }
+    EXPECT_FALSE(drop(2, u"text/plain"_s, "1"));
+    EXPECT_EQ(taken(), QStringList());
+}
+
+TEST_F(TabBarViewTest, TheRowIsOneStopOfTheKeyboard)
+{
+    QWidget window;
+    auto *layout = new QVBoxLayout(&window);
+    auto *before = new FlatButton(&window);
+    layout->addWidget(before);
+    layout->addWidget(&bar);
+    window.resize(500, 100);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    setCount(20, 2);
+    before->setFocus();
+    const auto press = [](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+        const auto *item = qobject_cast<TabItemView *>(QApplication::focusWidget());
+        return item ? item->index() : -1;
+    };
+    EXPECT_EQ(press(Qt::Key_Tab), 2);
+    EXPECT_EQ(press(Qt::Key_Right), 3);
+    EXPECT_EQ(press(Qt::Key_End), 19);
+    EXPECT_TRUE(isInView(19));
+    EXPECT_EQ(press(Qt::Key_Right), 19);
+    EXPECT_EQ(press(Qt::Key_Left), 18);
+    EXPECT_EQ(press(Qt::Key_Tab), -1);
+    EXPECT_EQ(QApplication::focusWidget(), button(u"All Tabs"_s));
+    EXPECT_EQ(press(Qt::Key_Backtab, Qt::ShiftModifier), 2) << "left for good, the row is entered at the selected tab";
+    EXPECT_EQ(press(Qt::Key_Home), 0);
+    EXPECT_TRUE(isInView(0));
+    EXPECT_EQ(press(Qt::Key_Left), 0);
+    EXPECT_EQ(taken(), QStringList()) << "moving selects nothing";
+    EXPECT_EQ(press(Qt::Key_Space), 0);
+    EXPECT_EQ(press(Qt::Key_End), 19);
+    EXPECT_EQ(press(Qt::Key_Return), 19);
+    EXPECT_EQ(taken(), (QStringList{u"select 0"_s, u"select 19"_s}));
+    tabs.resize(4);
+    bar.setTabs(tabs, 0);
+    EXPECT_EQ(QApplication::focusWidget(), items()[3]) << "its tab was closed";
+    EXPECT_EQ(press(Qt::Key_Backtab, Qt::ShiftModifier), -1);
+    EXPECT_EQ(QApplication::focusWidget(), before);
+    bar.setParent(nullptr);
+}
+
+TEST_F(TabBarViewTest, ScreenReadersKnowTheTabs)
+{
+    setCount(3, 1);
+    tabs[1].isDirty = true;
+    tabs[1].hasExternalChange = true;
+    bar.setTabs(tabs, 1);
+    QAccessibleInterface *tab = QAccessible::queryAccessibleInterface(items()[1]);
+    QAccessibleInterface *list = tab->parent();
+    EXPECT_EQ(list->role(), QAccessible::PageTabList);
+    EXPECT_EQ(list->text(QAccessible::Name), u"Tabs"_s);
+    EXPECT_EQ(list->childCount(), 3);
+    EXPECT_EQ(tab->role(), QAccessible::PageTab);
+    EXPECT_EQ(tab->text(QAccessible::Name), u"tab 1"_s);
+    EXPECT_EQ(tab->text(QAccessible::Description), u"edited, changed on disk, /folder/tab 1"_s);
+    EXPECT_TRUE(tab->state().selected);
+    QAccessibleInterface *other = QAccessible::queryAccessibleInterface(items()[2]);
+    EXPECT_FALSE(other->state().selected);
+    EXPECT_TRUE(other->state().selectable && other->state().focusable);
+    other->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(taken(), QStringList{u"select 2"_s});
+    EXPECT_TRUE(other->state().selected);
+    items()[2]->setFocus();
+    EXPECT_TRUE(other->state().focused);
+}
