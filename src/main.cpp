@@ -11,6 +11,7 @@
 #include "Platform/SystemPasteboard.h"
 #include "Platform/ToolkitTexts.h"
 #include "Platform/WidgetAlertPresenter.h"
+#include "Text/FindState.h"
 
 #include <QApplication>
 #include <QDir>
@@ -63,7 +64,8 @@ int run(QApplication &application, const QStringList &files)
     DocumentStore documents({scheduler, notifications, defaults, workers, watchers, {}}, [&appearance] { return appearance.current(); });
     QObject::connect(&appearance, &SystemAppearance::changed, &application, [&] { notifications.post(Preferences::didChange, nullptr); });
 
-    MainWindow window({scheduler, notifications, defaults, preferences, pasteboard, presenter, documents});
+    FindState find;
+    MainWindow window({scheduler, notifications, defaults, preferences, pasteboard, presenter, documents, workers, find});
     window.show();
     if (!files.isEmpty()) {
         window.show(files.first());

@@ -7,6 +7,7 @@
 #include "Model/Preferences.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
+#include "Platform/Localization.h"
 #include "Platform/Translation.h"
 
 #include <QActionGroup>
@@ -31,8 +32,11 @@ constexpr auto lastFolderKey = "io.panels.lastDirectory"_L1;
 MainWindow::MainWindow(const AppServices &services) : m_services(services)
 {
     resize(startSize);
-    installMenuBar(*this, m_services.presenter);
-    installEncodingMenu();
+    installMenus();
+    m_languageObserver = m_services.notifications.observe(Localization::didChangeNotification, nullptr, [this] {
+        installMenus();
+        updateTitle();
+    });
     setDocument(std::make_unique<TextDocument>(m_services.documents.services(), QString(), std::nullopt));
 }
 
@@ -114,6 +118,12 @@ void MainWindow::revertDocument()
     if (const auto reverted = m_document->revertToFileOnDisk(); !reverted) {
         presentError(reverted.error());
     }
+}
+
+void MainWindow::installMenus()
+{
+    installMenuBar(*this, m_services.presenter);
+    installEncodingMenu();
 }
 
 void MainWindow::installEncodingMenu()

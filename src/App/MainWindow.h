@@ -27,8 +27,13 @@ struct AppServices {
     Pasteboard &pasteboard;
     AlertPresenter &presenter;
     DocumentStore &documents;
+    Workers &workers;
+    FindState &find;
 
-    [[nodiscard]] EditorServices editors() const { return {scheduler, notifications, preferences, pasteboard, presenter, documents}; }
+    [[nodiscard]] EditorServices editors() const
+    {
+        return {scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find};
+    }
 };
 
 /// A window that edits one file. Never loses text without asking: not by closing, not by opening another file, not by a failed save.
@@ -88,6 +93,7 @@ private:
     void revertDocument();
     [[nodiscard]] bool canRevert() const;
     void presentError(const TextFile::ReadError &error);
+    void installMenus();
     void installEncodingMenu();
     void chooseEncoding(TextEncoding encoding);
     void updateTitle();
@@ -98,6 +104,7 @@ private:
     TextDocument *m_document = nullptr; // the store owns it
     EditorViewController *m_editor = nullptr;
     NotificationCenter::Token m_metadataObserver;
+    NotificationCenter::Token m_languageObserver;
     /// The next closing has been asked about.
     bool m_mayClose = false;
 };

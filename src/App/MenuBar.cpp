@@ -34,6 +34,43 @@ constexpr auto commands = std::to_array<MenuCommand>({
     {u"Edit", "delete:", u"Delete"},
     {u"Edit", "selectAll:", u"Select All", "Ctrl+A", startsGroup},
 
+    {.menu = u"Edit",
+     .selector = "performTextFinderAction:",
+     .title = u"Find",
+     .shortcuts = "Ctrl+F; Ctrl+Shift+F",
+     .place = startsGroup,
+     .submenu = u"Find",
+     .tag = 1},
+    {.menu = u"Edit",
+     .selector = "performTextFinderAction:",
+     .title = u"Find and Replace…",
+     .shortcuts = "Ctrl+Alt+F; Ctrl+H",
+     .submenu = u"Find",
+     .tag = 12},
+    {.menu = u"Edit",
+     .selector = "performTextFinderAction:",
+     .title = u"Find Next",
+     .shortcuts = "Ctrl+G; F3",
+     .submenu = u"Find",
+     .tag = 2},
+    {.menu = u"Edit",
+     .selector = "performTextFinderAction:",
+     .title = u"Find Previous",
+     .shortcuts = "Ctrl+Shift+G; Shift+F3",
+     .submenu = u"Find",
+     .tag = 3},
+    {.menu = u"Edit",
+     .selector = "performTextFinderAction:",
+     .title = u"Use Selection for Find",
+     .shortcuts = "Ctrl+E",
+     .submenu = u"Find",
+     .tag = 7},
+    {.menu = u"Edit",
+     .selector = "centerSelectionInVisibleArea:",
+     .title = u"Jump to Selection",
+     .shortcuts = "Ctrl+J",
+     .place = startsGroup,
+     .submenu = u"Find"},
     {u"Edit", "toggleComment:", u"Toggle Comment", "Ctrl+/; Ctrl+#", startsGroup},
     {u"Edit", "insertTab:", u"Shift Right", "Ctrl+]"},
     {u"Edit", "insertBacktab:", u"Shift Left", "Ctrl+["},
@@ -82,10 +119,67 @@ void show(QAction &item, const QString &title, const ActionState &state)
 void choose(QMainWindow &window, const MenuCommand &command, AlertPresenter &presenter)
 {
     Responder *responder = firstResponder(&window);
-    if (!responder || !responder->state(command.selector).isEnabled || !responder->perform(command.selector)) {
+    const ActionSender sender{.tag = command.tag};
+    if (!responder || !responder->state(command.selector, sender).isEnabled || !responder->perform(command.selector, sender)) {
         presenter.beep();
     }
 }
+
+/// Makes menus from rows that come in the order of the items.
+class MenuBuilder final {
+public:
+    MenuBuilder(QMainWindow &window, AlertPresenter &presenter) : m_window(window), m_presenter(presenter) {}
+
+    void add(const MenuCommand &command)
+    {
+        if (!m_menu.menu || QStringView(m_menu.title) != command.menu) {
+            m_menu = {command.menu, m_window.menuBar()->addMenu(m_titles.mark(localized(command.menu))), {}};
+            m_submenu = {};
+        } else if (command.place == startsGroup && (!command.submenu || !isInSubmenu(command))) {
+            m_menu.menu->addSeparator();
+        } else if (command.place == startsGroup) {
+            m_submenu.menu->addSeparator();
+        }
+        if (command.submenu && !isInSubmenu(command)) {
+            m_submenu = {command.submenu, m_menu.menu->addMenu(m_menu.mnemonics.mark(localized(command.submenu))), {}};
+        }
+        addItem(command, command.submenu ? m_submenu : m_menu);
+    }
+
+private:
+    struct Menu {
+        const char16_t *title = nullptr;
+        QMenu *menu = nullptr;
+        Mnemonics mnemonics = {};
+    };
+
+    [[nodiscard]] bool isInSubmenu(const MenuCommand &command) const
+    {
+        return m_submenu.menu && QStringView(m_submenu.title) == command.submenu;
+    }
+
+    void addItem(const MenuCommand &command, Menu &menu)
+    {
+        const QString title = menu.mnemonics.mark(localized(command.title));
+        QAction *item = menu.menu->addAction(title);
+        item->setCheckable(command.look == MenuCommand::Look::checkable);
+        item->setShortcuts(command.keySequences());
+        QObject::connect(item, &QAction::triggered, &m_window,
+                         [&window = m_window, &command, &presenter = m_presenter] { choose(window, command, presenter); });
+        QObject::connect(menu.menu, &QMenu::aboutToShow, item, [&window = m_window, &command, item, title] {
+            const Responder *responder = firstResponder(&window);
+            show(*item, title, responder ? responder->state(command.selector, {.tag = command.tag}) : ActionState{.isEnabled = false});
+        });
+        // While the menu is closed nobody looks, and a key that cannot do its work is to be heard rather than swallowed.
+        QObject::connect(menu.menu, &QMenu::aboutToHide, item, [item] { item->setEnabled(true); });
+    }
+
+    QMainWindow &m_window;
+    AlertPresenter &m_presenter;
+    Mnemonics m_titles;
+    Menu m_menu;
+    Menu m_submenu;
+};
 
 } // namespace
 
@@ -102,29 +196,15 @@ std::span<const MenuCommand> menuCommands()
 
 void installMenuBar(QMainWindow &window, AlertPresenter &presenter)
 {
-    keepFirstResponderBehind(*window.menuBar());
-    Mnemonics menuMnemonics;
-    Mnemonics itemMnemonics;
-    QMenu *menu = nullptr;
-    QStringView menuTitle;
+    QMenuBar *bar = window.menuBar();
+    keepFirstResponderBehind(*bar);
+    for (QMenu *old : bar->findChildren<QMenu *>(Qt::FindDirectChildrenOnly)) {
+        old->close();
+        old->deleteLater(); // it may be what led here
+    }
+    bar->clear();
+    MenuBuilder builder(window, presenter);
     for (const MenuCommand &command : commands) {
-        if (menuTitle != command.menu) {
-            menuTitle = command.menu;
-            menu = window.menuBar()->addMenu(menuMnemonics.mark(localized(menuTitle)));
-            itemMnemonics = {};
-        } else if (command.place == startsGroup) {
-            menu->addSeparator();
-        }
-        const QString title = itemMnemonics.mark(localized(command.title));
-        QAction *item = menu->addAction(title);
-        item->setCheckable(command.look == MenuCommand::Look::checkable);
-        item->setShortcuts(command.keySequences());
-        QObject::connect(item, &QAction::triggered, &window, [&window, &command, &presenter] { choose(window, command, presenter); });
-        QObject::connect(menu, &QMenu::aboutToShow, item, [&window, &command, item, title] {
-            const Responder *responder = firstResponder(&window);
-            show(*item, title, responder ? responder->state(command.selector) : ActionState{.isEnabled = false});
-        });
-        // While the menu is closed nobody looks, and a key that cannot do its work is to be heard rather than swallowed.
-        QObject::connect(menu, &QMenu::aboutToHide, item, [item] { item->setEnabled(true); });
+        builder.add(command);
     }
 }

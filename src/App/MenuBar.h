@@ -29,6 +29,10 @@ struct MenuCommand {
     const char *shortcuts = "";
     Place place = Place::inGroup;
     Look look = Look::plain;
+    /// The submenu that the item is in; null for none. Items of one submenu follow each other.
+    const char16_t *submenu = nullptr;
+    /// Tells items of one selector apart.
+    int tag = 0;
 
     [[nodiscard]] QList<QKeySequence> keySequences() const;
 };
@@ -36,6 +40,7 @@ struct MenuCommand {
 /// All items in the order of the menus.
 [[nodiscard]] std::span<const MenuCommand> menuCommands();
 
-/// Gives `window` its menu bar. Items act on the window's first responder and are shown as it says when their menu opens; one that is
-/// chosen by its keys while it is disabled beeps. `presenter` must outlive the window.
+/// Gives `window` its menu bar, in place of one that it has: after another language was chosen. Items act on the window's first responder
+/// and are shown as it says when their menu opens; one that is chosen by its keys while it is disabled beeps. `presenter` must outlive the
+/// window.
 void installMenuBar(QMainWindow &window, AlertPresenter &presenter);

@@ -3,10 +3,12 @@
 #include "Editor/EditorTextView.h"
 
 #include "Editor/LineNumberRulerView.h"
+#include "Platform/Translation.h"
 #include "Text/TextStorage.h"
 
 #include <QDropEvent>
 #include <QFileInfo>
+#include <QMenu>
 #include <QMimeData>
 #include <QUrl>
 
@@ -48,7 +50,15 @@ EditorTextView::EditorTextView(TextStorage &storage, UndoManager &undoManager, c
             m_delegate->editorTextViewDidChangeSelection(*this);
         }
     });
+    connect(this, &TextView::contextMenuRequested, this, &EditorTextView::addCommands);
     placeRuler();
+}
+
+void EditorTextView::addCommands(QMenu *menu)
+{
+    menu->addSeparator();
+    QAction *item = menu->addAction(localized(u"Toggle Comment"), this, &EditorTextView::toggleComment);
+    item->setEnabled(canToggleComment());
 }
 
 const ActionRow *EditorTextView::actionFor(Selector selector) const

@@ -76,6 +76,7 @@ private:
     [[nodiscard]] bool canToggleComment() const;
     void apply(const std::optional<LineEdit> &edit, GroupKind kind = GroupKind::other);
     void placeRuler();
+    void addCommands(QMenu *menu);
 
     EditorTextViewDelegate *m_delegate = nullptr;
     std::function<void()> m_beep;

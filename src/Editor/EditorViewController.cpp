@@ -8,9 +8,14 @@
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Platform/AlertPresenter.h"
+#include "Platform/Localization.h"
+#include "Text/FindBar.h"
 #include "Text/LineRange.h"
+#include "Text/TextFinder.h"
 
 #include <QVBoxLayout>
+
+#include <array>
 
 namespace {
 
@@ -22,11 +27,16 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
     : QWidget(parent), m_services(services), m_document(document), m_stack(new QVBoxLayout(this)),
       m_textView(new EditorTextView(document.storage(), document.undoManager(),
                                     {services.scheduler, services.pasteboard, [&presenter = services.presenter] { presenter.beep(); }},
-                                    editorFont(services.preferences), this))
+                                    editorFont(services.preferences), this)),
+      m_finder(new TextFinder(
+          *m_textView, {services.scheduler, services.workers, services.find, [&presenter = services.presenter] { presenter.beep(); }},
+          this)),
+      m_findBar(new FindBar(*m_finder, services.scheduler, this))
 {
     resize(startSize);
     m_stack->setContentsMargins({});
     m_stack->setSpacing(0);
+    m_stack->addWidget(m_findBar);
     m_stack->addWidget(m_textView, 1);
     m_textView->setEditorDelegate(this);
     m_textView->setAccess(document.isGenerated() ? TextView::Access::readOnly : TextView::Access::readWrite);
@@ -44,6 +54,30 @@ EditorViewController::~EditorViewController()
     // The view may still tell of losing the focus while it goes.
     m_textView->setEditorDelegate(nullptr);
     delete m_textView;
+}
+
+const ActionRow *EditorViewController::actionFor(Selector selector) const
+{
+    static constexpr auto rows = std::to_array<ActionRow>({
+        action<&EditorViewController::performTextFinderAction, &EditorViewController::textFinderActionState>("performTextFinderAction:"),
+    });
+    return findAction(rows, selector);
+}
+
+void EditorViewController::performTextFinderAction(const ActionSender &sender)
+{
+    m_findBar->performTextFinderAction(sender);
+}
+
+ActionState EditorViewController::textFinderActionState(const ActionSender &sender) const
+{
+    return m_findBar->textFinderActionState(sender);
+}
+
+void EditorViewController::retranslate()
+{
+    m_findBar->retranslate();
+    updateBanner();
 }
 
 void EditorViewController::observe()
@@ -65,6 +99,7 @@ void EditorViewController::observe()
         adoptLanguage();
         updateBanner();
     });
+    observe(Localization::didChangeNotification, nullptr, [this] { retranslate(); });
     observe(TextDocument::didDetectExternalChange, &m_document, [this] { updateBanner(); });
     observe(TextDocument::didReloadFromDisk, &m_document, [this] {
         m_textView->ruler().update();

@@ -14,9 +14,13 @@ class AlertPresenter;
 class DocumentStore;
 class EditorViewController;
 class ExternalChangeBanner;
+class FindBar;
+class FindState;
 class Preferences;
 class QVBoxLayout;
 class TextDocument;
+class TextFinder;
+class Workers;
 
 /// What editors use; must outlive them.
 struct EditorServices {
@@ -26,6 +30,8 @@ struct EditorServices {
     Pasteboard &pasteboard;
     AlertPresenter &presenter;
     DocumentStore &documents;
+    Workers &workers;
+    FindState &find;
 };
 
 /// What an editor tells the pane that holds it.
@@ -64,8 +70,13 @@ public:
     /// Has the document remember caret and scroll position for the next editor of it.
     void saveViewState();
 
+    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+
 private:
     void observe();
+    void retranslate();
+    void performTextFinderAction(const ActionSender &sender);
+    [[nodiscard]] ActionState textFinderActionState(const ActionSender &sender) const;
     void applyPreferences();
     void applyIndentation();
     void adoptLanguage();
@@ -87,6 +98,8 @@ private:
     QVBoxLayout *m_stack;
     EditorTextView *m_textView;
     ExternalChangeBanner *m_banner = nullptr;
+    TextFinder *m_finder;
+    FindBar *m_findBar;
     DelayedTask m_visibleHighlightWork;
     DelayedTask m_scrolling;
     std::vector<NotificationCenter::Token> m_observers;

@@ -5,6 +5,7 @@
 #include "Text/TextStorage.h"
 #include "Text/TextView.h"
 
+#include <QCoreApplication>
 #include <QFontDatabase>
 #include <QMouseEvent>
 #include <QPainter>

@@ -67,7 +67,7 @@ QHash<QString, QString> StringBundle::parse(const QByteArray &json)
 {
     QHash<QString, QString> texts;
     const QJsonObject groups = QJsonDocument::fromJson(json).object();
-    for (const QJsonValue &group : groups) {
+    for (const auto &group : groups) {
         const QJsonObject entries = group.toObject();
         for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
             if (entry.value().isString()) {

@@ -300,7 +300,8 @@ QString FindBar::noteText() const
 {
     const TextFinder::Status status = m_finder.status();
     if (status.progress) {
-        return formatted(localized(u"Searching… %d %%"), static_cast<int>(*status.progress * 100));
+        const QStringView pattern = status.isReplacing ? u"Replacing… %d %%" : u"Searching… %d %%";
+        return formatted(localized(pattern), static_cast<int>(*status.progress * 100));
     }
     if (status.replaced) {
         return *status.replaced == 1 ? localized(u"1 replaced") : formatted(localized(u"%@ replaced"), numberText(*status.replaced));
@@ -335,7 +336,7 @@ void FindBar::showStatus()
     m_pattern->setNote(noteText(), explanation);
     m_pattern->setState(m_finder.patternError().isEmpty() ? FindField::State::normal : FindField::State::wrong);
     m_replacement->setState(m_finder.replacementError().isEmpty() ? FindField::State::normal : FindField::State::wrong);
-    const bool canFind = !m_finder.query().pattern.isEmpty() && m_finder.patternError().isEmpty() && status.count.value_or(1) > 0;
+    const bool canFind = !m_finder.query().pattern.isEmpty() && m_finder.patternError().isEmpty();
     for (QToolButton *button : {m_previous, m_next, m_replace, m_replaceAll}) {
         button->setEnabled(canFind);
     }

@@ -67,12 +67,12 @@ void GlyphButton::paintLetters(QPainter &painter) const
                             : m_glyph == Glyph::expression ? QStringLiteral(".*")
                                                            : QStringLiteral("ab");
     const bool isWord = m_glyph == Glyph::wholeWord;
-    const QRectF box = QRectF(rect()).adjusted(0, 0, 0, isWord ? -3 : 0);
+    const QRectF box = QRectF(rect()).adjusted(0, 0, 0, isWord ? -2 : 0);
     painter.drawText(box, Qt::AlignCenter, letters);
     if (isWord) {
         // A bracket below says that the word ends there.
         const double half = fontMetrics().horizontalAdvance(letters) / 2.0 + 1;
-        const double bottom = box.center().y() + fontMetrics().height() * 0.5 + 1.5;
+        const double bottom = box.center().y() + fontMetrics().height() * 0.5 + 2;
         const double x = box.center().x();
         painter.setPen(QPen(painter.pen().color(), 1.2));
         painter.drawPolyline(QPolygonF({{x - half, bottom - 3}, {x - half, bottom}, {x + half, bottom}, {x + half, bottom - 3}}));

@@ -179,6 +179,9 @@ void TextFinder::startCounting()
                 m_view->viewport()->update();
             }
             emit statusChanged();
+            if (m_view && m_wanted && m_seeking.isPending()) {
+                seek(Seek(*m_wanted));
+            }
         });
 }
 
@@ -223,6 +226,7 @@ TextFinder::Status TextFinder::status()
     if (!m_view) {
         return status;
     }
+    status.isReplacing = m_replacing.isPending();
     if (m_isSlow && isBusy()) {
         const auto length = static_cast<double>(std::max<qsizetype>(1, m_view->storage().length()));
         status.progress = std::clamp(static_cast<double>(m_searched->load(std::memory_order_relaxed)) / length, 0.0, 1.0);
@@ -524,6 +528,10 @@ void TextFinder::applyReplacement(const TextReplacement &replacement)
         if (replacement.edits.empty()) {
             storage.replaceCharacters(replacement.hull, replacement.hullText);
         }
+    }
+    if (m_view && replacement.edits.empty()) {
+        // The ends of a selection found their places one by one, and what is between them now is nobody's choice.
+        m_view->setSelection(TextSelection::at(m_view->selection().range().location));
     }
     undo.endGroup(m_view ? m_view->selection() : TextSelection());
     m_outcome.replaced = replacement.count;

@@ -41,6 +41,7 @@ public:
         std::optional<qsizetype> selected;
         /// How much is done (0 … 1) of work that takes longer than a moment.
         std::optional<double> progress;
+        bool isReplacing = false;
         /// Hits that the last replacing of all replaced; goes with the next search.
         std::optional<qsizetype> replaced;
         /// The last search went on at the other end of the text.

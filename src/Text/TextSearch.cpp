@@ -329,6 +329,9 @@ bool TextSearcher::searchExcerpt(Walk &walk, qsizetype windowEnd)
         --limit;
     }
     const Excerpt excerpt(text, TextRange::between(walk.at, std::max(limit, windowEnd)));
+    if (m_isHard) {
+        return searchLines(walk, excerpt, windowEnd);
+    }
     const int limitHits = m_expression->limitHits();
     qsizetype next = walk.at;
     bool goesOn = true;
@@ -348,6 +351,8 @@ bool TextSearcher::searchExcerpt(Walk &walk, qsizetype windowEnd)
     if (m_expression->limitHits() == limitHits) {
         return walk.goOn(std::max(windowEnd, next));
     }
+    // What failed once would fail in most windows; hits that span lines are worth another try in each.
+    m_isHard = m_staysInLine;
     if (!walk.goOn(next)) {
         return false;
     }

@@ -113,5 +113,7 @@ private:
     bool m_staysInLine = false;
     /// Whole words are sorted out after the match, since the expression could not be told.
     bool m_checksWords = false;
+    /// A window was too hard: the others are searched line by line from the start.
+    bool m_isHard = false;
     bool m_gaveUp = false;
 };

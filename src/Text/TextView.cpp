@@ -16,6 +16,7 @@
 #include <cmath>
 
 using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -502,6 +503,11 @@ Caret TextView::caretAt(QPointF point)
 
 // Undo and the pasteboard
 
+QString TextView::withLineFeeds(QString text)
+{
+    return text.replace("\r\n"_L1, "\n"_L1).replace(u'\r', u'\n');
+}
+
 void TextView::undo()
 {
     replay(&UndoManager::undo);
@@ -553,7 +559,7 @@ void TextView::paste()
     commitPreedit();
     const QString text = m_services.pasteboard.text();
     if (!text.isEmpty()) {
-        insertText(text, selection().range());
+        insertText(withLineFeeds(text), selection().range());
     }
 }
 

@@ -131,6 +131,8 @@ protected:
     /// The one way by which this view changes its text. Not inside a batch of the storage.
     bool replaceText(TextRange range, QStringView text, GroupKind kind, TextSelection after);
 
+    /// A text from elsewhere as it is kept here, where lines end with LF alone.
+    [[nodiscard]] static QString withLineFeeds(QString text);
     /// What an input method has shown so far becomes text.
     void commitPreedit();
 

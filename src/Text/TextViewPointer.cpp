@@ -86,7 +86,7 @@ void TextView::mousePressEvent(QMouseEvent *event)
     const Caret caret = caretAt(event->position());
     if (event->button() == Qt::MiddleButton) {
         if (m_services.pasteboard.supportsPrimary() && !isReadOnly()) {
-            const QString text = m_services.pasteboard.primaryText();
+            const QString text = withLineFeeds(m_services.pasteboard.primaryText());
             if (!text.isEmpty()) {
                 m_undoManager.breakCoalescing();
                 insertText(text, {caret.offset, 0});
@@ -352,7 +352,7 @@ void TextView::dropEvent(QDropEvent *event)
     const bool isOwnText = draggingView && &draggingView->m_storage == &m_storage;
     const bool isOwnMove = isOwnText && event->dropAction() == Qt::MoveAction && !draggingView->isReadOnly();
     const TextRange moved = isOwnMove ? draggingView->m_dragged : TextRange{};
-    if (!dropText(event->mimeData()->text(), caretAt(event->position()).offset, moved)) {
+    if (!dropText(withLineFeeds(event->mimeData()->text()), caretAt(event->position()).offset, moved)) {
         event->ignore(); // or the source would delete what did not arrive
         return;
     }

@@ -9,6 +9,7 @@
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Pasteboard.h"
+#include "Text/FindState.h"
 #include "Text/TextView.h"
 
 #include <QDir>
@@ -86,7 +87,8 @@ protected:
     InlineWorkers workers;
     FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
     DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
-    MainWindow window{{scheduler, notifications, defaults, preferences, pasteboard, presenter, documents}};
+    FindState find;
+    MainWindow window{{scheduler, notifications, defaults, preferences, pasteboard, presenter, documents, workers, find}};
 };
 
 } // namespace

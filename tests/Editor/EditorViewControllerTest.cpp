@@ -11,6 +11,7 @@
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Pasteboard.h"
+#include "Text/FindState.h"
 #include "TextUi/ViewFixture.h"
 
 #include <QFile>
@@ -97,7 +98,8 @@ protected:
     InlineWorkers workers;
     FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
     DocumentStore store{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
-    EditorServices services{scheduler, notifications, preferences, pasteboard, presenter, store};
+    FindState find;
+    EditorServices services{scheduler, notifications, preferences, pasteboard, presenter, store, workers, find};
     QStringList dropped;
     int focusRequests = 0;
     int selectionChanges = 0;

@@ -48,10 +48,11 @@ TEST_F(LocalizationTest, TheFirstOfTheUsersLanguagesThatThereIsDecides)
         {{{u"LANGUAGE"_s, u"de"_s}, {u"LC_ALL"_s, u"C.UTF-8"_s}}, english},
         {{{u"LANGUAGE"_s, u"de"_s}, {u"LANG"_s, u"POSIX"_s}}, english},
     };
-    for (const auto &[environment, expected] : cases) {
+    for (const Case &one : cases) {
+        const Environment &environment = one.environment;
         const QStringList languages =
             Localization::systemLanguages([&](const char *name) { return environment.value(QString::fromLatin1(name)); });
-        EXPECT_EQ(Localization::languageFor(languages), expected)
+        EXPECT_EQ(Localization::languageFor(languages), one.expected)
             << environment.keys().join(u' ').toStdString() << " = " << environment.values().join(u' ').toStdString();
     }
 }

@@ -35,6 +35,13 @@ public:
         }
         QCoreApplication::processEvents();
     }
+    void releaseLast()
+    {
+        const auto job = std::move(m_jobs.back());
+        m_jobs.pop_back();
+        job();
+        QCoreApplication::processEvents();
+    }
     [[nodiscard]] size_t count() const { return m_jobs.size(); }
 
 private:
@@ -293,6 +300,7 @@ TEST(FindBar, ReplacesAllAsOneStep)
         EXPECT_EQ(editor.storage.string(), after);
         EXPECT_EQ(editor.note(), lines == 5 ? u"10 replaced"_s : u"2,400 replaced"_s);
         EXPECT_EQ(editor.storage.text().lineAt(editor.view->selection().caret), 3) << "the caret keeps its place";
+        EXPECT_TRUE(editor.view->selection().isEmpty());
         editor.view->undo();
         EXPECT_EQ(editor.storage.string(), before);
         EXPECT_FALSE(editor.undo.canUndo());
@@ -364,6 +372,18 @@ TEST(FindBar, SearchesALargeTextInTheBackground)
     editor.workers.release();
     EXPECT_LT(std::abs(editor.view->selection().range().location - place), 1000);
     EXPECT_EQ(editor.view->selectedText(), u"rare"_s);
+
+    editor.field(0)->setText(u"often"_s);
+    ASSERT_EQ(editor.workers.count(), 0U);
+    editor.view->setSelection({0, 8});
+    editor.field(0)->setText(u"rarely"_s);
+    ASSERT_EQ(editor.workers.count(), 1U);
+    editor.scheduler.advance(100ms);
+    editor.workers.releaseLast();
+    EXPECT_EQ(editor.note(), u"Not found"_s) << "counting found that there are none before seeking did";
+    EXPECT_EQ(editor.view->selectedText(), u"XXXXXXXX"_s);
+    editor.workers.release();
+    EXPECT_EQ(editor.view->selectedText(), u"XXXXXXXX"_s);
 
     editor.field(0)->setText(u"nowhere"_s);
     EXPECT_TRUE(editor.workers.count() > 0);

@@ -209,6 +209,17 @@ TEST(TextView, PrimarySelectionIsPublishedLazilyAndPastedAtThePointer)
     EXPECT_EQ(fixture.pasteboard.text(), u"clip"_s);
 }
 
+TEST(TextView, WhatComesFromElsewhereHasLineFeedsOnly)
+{
+    ViewFixture fixture;
+    fixture.pasteboard.setText(u"a\r\nb\rc\n"_s);
+    fixture.view.paste();
+    EXPECT_EQ(fixture.storage.string(), u"a\nb\nc\n"_s);
+    fixture.pasteboard.setPrimaryFromElsewhere(u"\r\n"_s);
+    QTest::mouseClick(fixture.view.viewport(), Qt::MiddleButton, {}, fixture.pointOf(0));
+    EXPECT_EQ(fixture.storage.string(), u"\na\nb\nc\n"_s);
+}
+
 TEST(TextView, DropsInsertAndFilesPassThrough)
 {
     ViewFixture fixture(u"one two"_s);

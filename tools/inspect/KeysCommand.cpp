@@ -12,6 +12,7 @@
 #include "Platform/DefaultsStore.h"
 #include "Platform/FirstResponder.h"
 #include "Platform/Pasteboard.h"
+#include "Text/FindState.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
@@ -49,7 +50,8 @@ public:
     DetachedWorkers workers;
     FileWatcherQueue watchers;
     DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
-    AppServices services{scheduler, notifications, defaults, preferences, pasteboard, presenter, documents};
+    FindState find;
+    AppServices services{scheduler, notifications, defaults, preferences, pasteboard, presenter, documents, workers, find};
     QStringList actions;
 };
 

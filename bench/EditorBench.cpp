@@ -1,0 +1,183 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// What a person waits for: from a key to the end of the painting that it causes, in the program's own editor, coloured, offscreen.
+
+#include "Editor/EditorViewController.h"
+#include "Highlighting/LanguageRegistry.h"
+#include "Model/DocumentStore.h"
+#include "Model/Preferences.h"
+#include "Platform/AlertPresenter.h"
+#include "Platform/DefaultsStore.h"
+#include "Platform/Pasteboard.h"
+#include "Text/FindState.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QWindow>
+
+#include <qpa/qwindowsysteminterface.h>
+
+#include <time.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr double frame = 16'000;
+
+/// Microseconds that this thread has computed, so that a busy machine does not count.
+double now()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return double(time.tv_sec) * 1e6 + double(time.tv_nsec) / 1e3;
+}
+
+/// An editor in a window, with everything around it as in the program.
+class Stage {
+public:
+    explicit Stage(qsizetype length)
+    {
+        preferences.setThemeName(u"Dark"_s);
+        const QString sample = sampleText();
+        QString text;
+        text.reserve(length + sample.size());
+        while (text.size() < length) {
+            text += sample;
+        }
+        TextFile::Contents contents{.text = Rope(text)};
+        document = &store.add(std::make_unique<TextDocument>(store.services(), QString(), contents));
+        document->setLanguage(LanguageRegistry::withID(u"c").value());
+        editor = std::make_unique<EditorViewController>(
+            EditorServices{scheduler, notifications, preferences, pasteboard, presenter, store, workers, find}, *document);
+        editor->resize(1270, 850);
+        editor->show();
+        editor->activateWindow();
+        editor->setFocus();
+        pass(400);
+    }
+
+    /// Presses a key and paints; the microseconds till all of it is done.
+    double press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}, const QString &text = {})
+    {
+        QWindow *window = QGuiApplication::focusWindow();
+        const double start = now();
+        QWindowSystemInterface::handleKeyEvent<QWindowSystemInterface::SynchronousDelivery>(window, QEvent::KeyPress, key, modifiers, text);
+        QCoreApplication::processEvents();
+        return now() - start;
+    }
+
+    /// Lets time go by; the longest time for which it could not have taken a key, in microseconds.
+    static double pass(int milliseconds)
+    {
+        double longest = 0;
+        const QDeadlineTimer end(milliseconds);
+        while (!end.hasExpired()) {
+            const double start = now();
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 1);
+            longest = std::max(longest, now() - start);
+        }
+        return longest;
+    }
+
+    EventLoopScheduler scheduler;
+    NotificationCenter notifications;
+    DefaultsStore defaults{QString(), scheduler};
+    Preferences preferences{defaults, notifications};
+    MemoryPasteboard pasteboard;
+    ScriptedAlertPresenter presenter;
+    DetachedWorkers workers;
+    FileWatcherQueue watchers;
+    DocumentStore store{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
+    FindState find;
+    TextDocument *document = nullptr;
+    std::unique_ptr<EditorViewController> editor;
+
+private:
+    static QString sampleText()
+    {
+        QFile file(QStringLiteral(QUILLET_TEST_DATA "/highlight/c/ring.cpp"));
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    }
+};
+
+void report(benchmark::State &state, std::vector<double> microseconds)
+{
+    std::ranges::sort(microseconds);
+    const auto quantile = [&](double part) { return microseconds[size_t(part * double(microseconds.size() - 1))] / 1000; };
+    state.counters["p50_ms"] = quantile(0.5);
+    state.counters["p99_ms"] = quantile(0.99);
+    state.counters["max_ms"] = quantile(1);
+    state.counters["frames_over_16_ms"] = double(std::ranges::count_if(microseconds, [](double time) { return time > frame; }));
+    state.counters["frames"] = double(microseconds.size());
+}
+
+/// Words, blanks and some new lines in the middle of the text, with a pause now and then.
+void typing(benchmark::State &state)
+{
+    Stage stage(state.range(0));
+    const Rope &text = stage.document->storage().text();
+    stage.editor->textView().setSelection(TextSelection::at(text.lineStart(text.lineCount() / 2)), TextView::Reveal::center);
+    Stage::pass(400);
+    std::vector<double> times;
+    double longest = 0;
+    for (auto _ : state) {
+        for (int index = 0; index < 1500; ++index) {
+            if (index % 60 == 59) {
+                times.push_back(stage.press(Qt::Key_Return, {}, u"\r"_s));
+                longest = std::max(longest, Stage::pass(150));
+            } else if (index % 7 == 6) {
+                times.push_back(stage.press(Qt::Key_Space, {}, u" "_s));
+            } else {
+                times.push_back(stage.press(Qt::Key_A, {}, u"a"_s));
+            }
+        }
+    }
+    report(state, times);
+    state.counters["longest_after_a_pause_ms"] = longest / 1000;
+}
+
+/// Down through the text; after each step the time in which colours follow.
+void scrolling(benchmark::State &state, Qt::Key key, Qt::KeyboardModifiers modifiers, int steps, int pause)
+{
+    Stage stage(1'000'000);
+    std::vector<double> times;
+    for (auto _ : state) {
+        for (int step = 0; step < steps; ++step) {
+            times.push_back(stage.press(key, modifiers));
+            if (pause > 0) {
+                times.push_back(Stage::pass(pause));
+            }
+        }
+    }
+    report(state, times);
+}
+
+BENCHMARK(typing)->Name("key in C")->Arg(20'000)->Arg(1'000'000)->Arg(100'000'000)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(scrolling, line, Qt::Key_Down, Qt::ControlModifier, 1500, 0)
+    ->Name("line by line, 1 MB")
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(scrolling, page, Qt::Key_PageDown, Qt::NoModifier, 250, 0)
+    ->Name("page by page, 1 MB")
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(scrolling, restingPage, Qt::Key_PageDown, Qt::NoModifier, 250, 80)
+    ->Name("page by page, 1 MB, resting")
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    int applicationArguments = 1;
+    const QApplication application(applicationArguments, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+}
