@@ -21,14 +21,11 @@ namespace {
 
 constexpr QSize startSize(420, 300);
 
+/// As its speakers call it: "American English", "Deutsch".
 QString languageName(const QString &dictionary)
 {
     const QLocale locale(dictionary);
-    const QString territory = dictionary.section(u'_', 1, 1);
-    const QString language = locale.nativeLanguageName();
-    return locale.language() == QLocale::C ? dictionary
-           : territory.isEmpty()           ? language
-                                           : u"%1 (%2)"_s.arg(language.section(u' ', -1), locale.nativeTerritoryName());
+    return locale.language() == QLocale::C ? dictionary : locale.nativeLanguageName();
 }
 
 /// Underlines the first letter that none of the others has.
@@ -161,7 +158,7 @@ void SpellingPanel::show(SpellingController &target)
         makeWindow();
     }
     follow(target);
-    // It stays above the window of the text, and goes away with it.
+    // It stays above the window of the text.
     m_window->winId();
     if (QWindow *owner = target.view().window()->windowHandle()) {
         m_window->windowHandle()->setTransientParent(owner);
@@ -196,7 +193,7 @@ void SpellingPanel::update()
     for (const QString &dictionary : m_checker.dictionaries()) {
         names << languageName(dictionary);
     }
-    m_dictionaries->setText(names.join(u", "_s));
+    m_dictionaries->setText(names.isEmpty() ? QString() : formatted(localized(u"Dictionaries: %@"), names.join(u", "_s)));
     const bool canCheck = m_target && m_target->canCheck();
     m_findNext->setEnabled(canCheck && m_target->outcome() != SpellingController::Outcome::searching);
 }
