@@ -46,6 +46,8 @@ public:
         QString word;
         /// The likeliest first; none when they are still looked for.
         std::optional<QStringList> guesses;
+
+        friend bool operator==(const Correction &, const Correction &) = default;
     };
     enum class Outcome { none, searching, found, nothingFound };
 

@@ -8,10 +8,12 @@
 
 #include <QAccessible>
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QVBoxLayout>
 #include <QWindow>
 
@@ -59,13 +61,13 @@ void SpellingPanel::makeWindow()
     m_replacementTitle = new QLabel;
     m_replacement = new QLineEdit;
     m_replacementTitle->setBuddy(m_replacement);
+    m_replacement->installEventFilter(this);
     m_guessesTitle = new QLabel;
     m_guesses = new QListWidget;
     m_guessesTitle->setBuddy(m_guesses);
     m_dictionaries = new QLabel;
     m_dictionaries->setTextFormat(Qt::PlainText);
     m_dictionaries->setWordWrap(true);
-    m_dictionaries->setEnabled(false);
 
     auto *buttons = new QVBoxLayout;
     for (QPushButton **button : {&m_change, &m_findNext, &m_ignore, &m_learn}) {
@@ -96,6 +98,7 @@ void SpellingPanel::makeWindow()
     QWidget::setTabOrder(m_ignore, m_learn);
     connectControls();
     retranslate();
+    showCorrection(Typed::replace);
     m_window->resize(startSize);
 }
 
@@ -104,12 +107,13 @@ void SpellingPanel::connectControls()
     connect(m_guesses, &QListWidget::currentTextChanged, this, [this](const QString &guess) {
         if (!guess.isEmpty()) {
             m_replacement->setText(guess);
+            m_change->setEnabled(m_correction.has_value());
         }
     });
     // The default button acts on Return, a double click is all that is missing.
     connect(m_guesses, &QListWidget::itemDoubleClicked, this, &SpellingPanel::change);
-    connect(m_replacement, &QLineEdit::textChanged, this, [this] {
-        m_change->setEnabled(m_correction && m_target && m_target->canReplace() && m_replacement->text() != m_correction->word);
+    connect(m_replacement, &QLineEdit::textEdited, this, [this](const QString &text) {
+        m_change->setEnabled(m_correction && m_target && m_target->canReplace() && text != m_correction->word);
     });
     connect(m_change, &QPushButton::clicked, this, &SpellingPanel::change);
     connect(m_findNext, &QPushButton::clicked, this, &SpellingPanel::findNext);
@@ -138,6 +142,20 @@ void SpellingPanel::retranslate()
     update();
 }
 
+/// Up and Down in the field go through the suggestions.
+bool SpellingPanel::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_replacement && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        const int row = m_guesses->currentRow() + (key == Qt::Key_Down ? 1 : -1);
+        if ((key == Qt::Key_Up || key == Qt::Key_Down) && row >= 0 && row < m_guesses->count()) {
+            m_guesses->setCurrentRow(row);
+            return true;
+        }
+    }
+    return QObject::eventFilter(watched, event);
+}
+
 void SpellingPanel::follow(SpellingController &target)
 {
     if (m_target == &target) {
@@ -156,6 +174,7 @@ void SpellingPanel::show(SpellingController &target)
 {
     if (!m_window) {
         makeWindow();
+        place(*target.view().window());
     }
     follow(target);
     // It stays above the window of the text.
@@ -173,16 +192,25 @@ void SpellingPanel::show(SpellingController &target)
     }
 }
 
+/// In the corner of the text's window, where it covers least of what is read.
+void SpellingPanel::place(const QWidget &owner)
+{
+    constexpr QPoint gap(24, 24);
+    const QRect around = owner.geometry();
+    m_window->move(around.bottomRight() - QPoint(m_window->width(), m_window->height()) - gap);
+}
+
 void SpellingPanel::update()
 {
-    if (!m_window || !m_window->isVisible()) {
+    if (!m_window || !m_window->isVisible() || m_isActing) {
         return;
     }
     const auto before = std::exchange(m_correction, m_target ? m_target->selectedCorrection() : std::nullopt);
-    const bool isSame = before && m_correction && before->range == m_correction->range && before->word == m_correction->word &&
-                        before->guesses == m_correction->guesses;
-    if (!isSame) {
-        showCorrection();
+    const bool isSearching = m_target && m_target->outcome() == SpellingController::Outcome::searching;
+    const bool wasSearching = std::exchange(m_wasSearching, isSearching);
+    if (before != m_correction || wasSearching != isSearching) {
+        const bool isSameWord = before && m_correction && before->range == m_correction->range && before->word == m_correction->word;
+        showCorrection(isSameWord && m_replacement->isModified() ? Typed::keep : Typed::replace);
     }
     if (const QString text = message(); text != m_message->text()) {
         m_message->setText(text);
@@ -194,8 +222,7 @@ void SpellingPanel::update()
         names << languageName(dictionary);
     }
     m_dictionaries->setText(names.isEmpty() ? QString() : formatted(localized(u"Dictionaries: %@"), names.join(u", "_s)));
-    const bool canCheck = m_target && m_target->canCheck();
-    m_findNext->setEnabled(canCheck && m_target->outcome() != SpellingController::Outcome::searching);
+    m_findNext->setEnabled(m_target && m_target->canCheck());
 }
 
 QString SpellingPanel::message() const
@@ -214,7 +241,7 @@ QString SpellingPanel::message() const
     return outcome == Outcome::nothingFound ? localized(u"No misspelled words were found.") : localized(u"No misspelled word is selected.");
 }
 
-void SpellingPanel::showCorrection()
+void SpellingPanel::showCorrection(Typed typed)
 {
     const QStringList guesses = m_correction ? m_correction->guesses.value_or(QStringList()) : QStringList();
     {
@@ -223,20 +250,27 @@ void SpellingPanel::showCorrection()
         m_guesses->addItems(guesses);
         m_guesses->setCurrentRow(guesses.isEmpty() ? -1 : 0);
     }
-    m_replacement->setText(!guesses.isEmpty() ? guesses.first() : m_correction ? m_correction->word : QString());
-    m_replacement->selectAll();
-    const bool canReplace = m_correction && m_target->canReplace();
-    m_replacement->setEnabled(canReplace);
-    m_guesses->setEnabled(canReplace);
-    m_change->setEnabled(canReplace && m_replacement->text() != m_correction->word);
-    m_ignore->setEnabled(m_correction.has_value());
-    m_learn->setEnabled(m_correction.has_value());
+    if (typed == Typed::replace) {
+        m_replacement->setText(!guesses.isEmpty() ? guesses.first() : m_correction ? m_correction->word : QString());
+        m_replacement->selectAll();
+    }
+    // Field and list keep the focus without a word too; the buttons while the next word is sought, or it would wander off.
+    if (!m_target || m_target->outcome() != SpellingController::Outcome::searching) {
+        const bool canReplace = m_correction && m_target->canReplace();
+        m_replacement->setReadOnly(!canReplace);
+        m_change->setEnabled(canReplace && m_replacement->text() != m_correction->word);
+        m_ignore->setEnabled(m_correction.has_value());
+        m_learn->setEnabled(m_correction.has_value());
+    }
 }
 
 void SpellingPanel::change()
 {
     if (m_correction && m_target && m_change->isEnabled()) {
-        m_target->replace(*m_correction, m_replacement->text());
+        {
+            const QScopedValueRollback acting(m_isActing, true);
+            m_target->replace(*m_correction, m_replacement->text());
+        }
         findNext();
     }
 }
@@ -244,14 +278,17 @@ void SpellingPanel::change()
 void SpellingPanel::act(void (SpellingController::*action)(const QString &word))
 {
     if (m_correction && m_target) {
-        (m_target->*action)(QString(m_correction->word));
+        {
+            const QScopedValueRollback acting(m_isActing, true);
+            (m_target->*action)(m_correction->word);
+        }
         findNext();
     }
 }
 
 void SpellingPanel::findNext()
 {
-    if (m_target) {
+    if (m_target && m_target->outcome() != SpellingController::Outcome::searching) {
         m_target->checkSpelling();
     }
 }

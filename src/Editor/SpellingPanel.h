@@ -37,12 +37,19 @@ public:
     /// Null until it is shown first.
     [[nodiscard]] QDialog *window() const { return m_window.get(); }
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+    /// What was typed into the field.
+    enum class Typed { replace, keep };
+
     void makeWindow();
+    void place(const QWidget &owner);
     void connectControls();
     void update();
     [[nodiscard]] QString message() const;
-    void showCorrection();
+    void showCorrection(Typed typed);
     void change();
     void act(void (SpellingController::*action)(const QString &word));
     void findNext();
@@ -50,6 +57,9 @@ private:
     SpellChecker &m_checker;
     QPointer<SpellingController> m_target;
     std::optional<SpellingController::Correction> m_correction;
+    bool m_wasSearching = false;
+    /// What goes on to the next word: in between there is nothing to show.
+    bool m_isActing = false;
 
     std::unique_ptr<QDialog> m_window;
     QLabel *m_message = nullptr;

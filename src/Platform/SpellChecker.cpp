@@ -15,6 +15,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <numeric>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -55,6 +56,24 @@ QString uncapitalised(const QString &word)
     return word.first(1).toLower() + word.sliced(1);
 }
 
+/// Units to be changed, put in or left out, whatever their case.
+ptrdiff_t editDistance(const QString &word, const QString &other)
+{
+    const QString from = word.toLower();
+    const QString to = other.toLower();
+    std::vector<ptrdiff_t> row(size_t(to.size()) + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (const QChar unit : from) {
+        ptrdiff_t diagonal = row[0]++;
+        for (size_t place = 1; place < row.size(); ++place) {
+            const ptrdiff_t changed = diagonal + (unit == to[qsizetype(place) - 1] ? 0 : 1);
+            diagonal = row[place];
+            row[place] = std::min({changed, row[place] + 1, row[place - 1] + 1});
+        }
+    }
+    return row.back();
+}
+
 } // namespace
 
 /// The dictionaries, shared with the workers. A lock is held for one word at a time, so that suggestions get in between those of a batch.
@@ -88,28 +107,29 @@ public:
         return !isAnybodys;
     }
 
-    /// The best of every language, then the second-best of each.
+    /// Of each language in the order that its dictionary gives them; of different languages the nearer to the word first.
     [[nodiscard]] QStringList suggestions(const QString &word)
     {
         const std::lock_guard lock(m_mutex);
         load();
         std::vector<QStringList> all;
-        qsizetype longest = 0;
         for (const auto &dictionary : m_dictionaries) {
             if (dictionary->isResponsible(word)) {
                 all.push_back(dictionary->suggestions(word));
-                longest = std::max(longest, all.back().size());
             }
         }
         QStringList merged;
-        for (qsizetype place = 0; place < longest; ++place) {
-            for (const QStringList &suggestions : all) {
-                if (place < suggestions.size() && !merged.contains(suggestions[place])) {
-                    merged << suggestions[place];
-                }
+        const auto distance = [&word](const QStringList &list) { return list.isEmpty() ? PTRDIFF_MAX : editDistance(word, list.first()); };
+        while (merged.size() < mostSuggestions) {
+            const auto nearest = std::ranges::min_element(all, {}, distance);
+            if (nearest == all.end() || nearest->isEmpty()) {
+                break;
+            }
+            if (const QString guess = nearest->takeFirst(); !merged.contains(guess)) {
+                merged << guess;
             }
         }
-        return merged.first(std::min(merged.size(), mostSuggestions));
+        return merged;
     }
 
 private:
