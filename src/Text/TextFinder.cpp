@@ -461,9 +461,6 @@ void TextFinder::replace(const QString &typed)
     if (const auto hit = selectedHit()) {
         if (const auto text = m_searcher->replacement(m_view->storage().text(), *hit, *checked)) {
             m_view->insertText(*text, *hit);
-            if (!m_view) {
-                return;
-            }
         }
     }
     const TextRange place = selectedHit().value_or(m_view->selection().range());

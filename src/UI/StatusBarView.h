@@ -1,0 +1,134 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Editor/LineEditing.h"
+#include "Highlighting/Language.h"
+#include "Model/LineEnding.h"
+#include "Platform/NotificationCenter.h"
+#include "Platform/Scheduler.h"
+#include "Platform/TextEncoding.h"
+
+#include <QString>
+#include <QWidget>
+
+#include <optional>
+#include <vector>
+
+class ElidedLabel;
+class FlatButton;
+class PopUpButton;
+class VimBadge;
+struct Theme;
+
+/// What a status bar reports of the user's choices. The bar shows what it was last told: a choice shows when `setState` says so.
+class StatusBarViewDelegate {
+public:
+    virtual void statusBarDidChooseLanguage(const Language &language) = 0;
+    virtual void statusBarDidChooseEncoding(TextEncoding encoding) = 0;
+    /// An index of `lineEndings`.
+    virtual void statusBarDidChooseLineEnding(int index) = 0;
+    virtual void statusBarDidChooseIndentation(Indentation indentation) = 0;
+    virtual void statusBarDidClickPosition() = 0;
+
+protected:
+    ~StatusBarViewDelegate() = default;
+};
+
+/// The bar below the panes of a window: where the caret is, what the document is, and short messages. It knows no document; it shows the
+/// state it is given and reports choices. Where the window is narrow the path gives way first, then the controls, the least important
+/// first. Main thread only.
+class StatusBarView final : public QWidget {
+    Q_OBJECT
+
+public:
+    struct VimState {
+        /// "NORMAL", "INSERT", "VISUAL", "V-LINE" or "COMMAND".
+        QString mode;
+        /// The keys so far of a command that is not complete.
+        QString pending;
+        /// With its prefix, while it is open.
+        std::optional<QString> commandLine;
+        bool isInsert = false;
+
+        friend bool operator==(const VimState &, const VimState &) = default;
+    };
+
+    struct State {
+        /// As the user is to read it.
+        QString path;
+        /// From 1.
+        qsizetype line = 1;
+        /// From 1, in UTF-16 code units.
+        qsizetype column = 1;
+        /// UTF-16 code units.
+        qsizetype selectionLength = 0;
+        /// Lines that the selection touches; 0 without one.
+        qsizetype selectedLineCount = 0;
+        Language language;
+        TextEncoding encoding = TextEncoding::utf8;
+        LineEnding lineEnding = LineEnding::lf;
+        /// Columns.
+        int indentWidth = 4;
+        /// The tab key inserts spaces.
+        bool usesSpaces = true;
+        /// None while Vim editing is off.
+        std::optional<VimState> vim;
+    };
+
+    /// The scheduler and the centre must outlive the bar. The bar follows the interface's language by itself.
+    StatusBarView(Scheduler &scheduler, NotificationCenter &notifications, QWidget *parent = nullptr);
+    ~StatusBarView() override;
+
+    /// Must outlive the bar or be taken back by null.
+    void setDelegate(StatusBarViewDelegate *delegate) { m_delegate = delegate; }
+    /// `theme` must outlive the bar, as the built-in ones do.
+    void setTheme(const Theme &theme);
+    /// None: there is no document. An encoding or indentation that the menus do not have leaves their choice as it was.
+    void setState(const std::optional<State> &state);
+    /// Shows `message` in place of the path for so long, or until the next; screen readers are told.
+    void flash(const QString &message, Scheduler::Milliseconds duration);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+signals:
+    void flashed(const QString &message);
+
+protected:
+    void changeEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void makeControls();
+    void retranslate();
+    void updateFonts();
+    void applyPalette();
+    void showState();
+    void showMessageOrPath();
+    void layOut();
+
+    [[nodiscard]] QString positionTitle() const;
+    void chooseLanguage(int index);
+    void chooseEncoding(int index);
+    void chooseLineEnding(int index);
+    void chooseIndentation(int index);
+
+    Scheduler &m_scheduler;
+    StatusBarViewDelegate *m_delegate = nullptr;
+    const Theme *m_theme;
+    std::optional<State> m_state;
+    DelayedTask m_flashWork;
+    std::optional<QString> m_flashMessage;
+    std::vector<Language> m_sortedLanguages;
+
+    VimBadge *m_vimBadge;
+    ElidedLabel *m_pathLabel;
+    FlatButton *m_positionButton;
+    PopUpButton *m_indentPopUp;
+    PopUpButton *m_lineEndingPopUp;
+    PopUpButton *m_encodingPopUp;
+    PopUpButton *m_languagePopUp;
+    NotificationCenter::Token m_languageObserver;
+};

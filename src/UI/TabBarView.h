@@ -1,0 +1,106 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "UI/TabItemView.h"
+
+#include <QWidget>
+
+#include <vector>
+
+class FlatButton;
+class QMenu;
+class TabBarView;
+struct Theme;
+
+/// What a tab bar asks of the pane that it belongs to. Indexes are those of tabs that the bar has; the bar changes nothing by itself, the
+/// pane answers by `setTabs`, at once or later.
+class TabBarViewDelegate {
+public:
+    virtual void tabBarDidSelectTab(TabBarView &bar, int index) = 0;
+    virtual void tabBarDidRequestClose(TabBarView &bar, int index) = 0;
+    virtual void tabBarDidRequestNewTab(TabBarView &bar) = 0;
+    /// The tab at `from` shall be at `to` when it is back in; the two differ.
+    virtual void tabBarDidMoveTab(TabBarView &bar, int from, int to) = 0;
+
+protected:
+    ~TabBarViewDelegate() = default;
+};
+
+/// The tabs above a pane, the button for a new one, and where they do not all fit: buttons that scroll, and a menu of all tabs.
+///
+/// An item belongs to a place in the row, not to a document: when the tabs change, items are told what to show, and only as many are made
+/// or dropped as the row grows or shrinks by. So the pointer stays over an item when the tab under it is closed. With the keyboard the row
+/// is one stop: the arrows, Home and End go along it, Space and Enter select. Main thread only.
+class TabBarView final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit TabBarView(QWidget *parent = nullptr);
+    ~TabBarView() override;
+
+    /// Must outlive the bar or be taken back by null.
+    void setDelegate(TabBarViewDelegate *delegate) { m_delegate = delegate; }
+    /// `theme` must outlive the bar, as the built-in ones do.
+    void setTheme(const Theme &theme);
+    void setActivePane(PaneActivity activity);
+    /// The tabs from left to right. Without tabs, or with an index outside of them, none is selected.
+    void setTabs(std::vector<TabDescriptor> tabs, int selectedIndex);
+    /// In the next turn of the event loop, when everything has its place.
+    void scrollSelectedTabIntoView();
+    /// Looks all texts of its own up anew; the titles are the pane's.
+    void retranslate();
+
+    [[nodiscard]] int tabCount() const { return int(m_items.size()); }
+    /// −1: none.
+    [[nodiscard]] int selectedIndex() const { return m_selectedIndex; }
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+
+private:
+    [[nodiscard]] TabItemView *makeItem();
+    void keepFocusInRow();
+    void updateFonts();
+    void applyPalette();
+
+    void layOut();
+    void revealNow(int index);
+    void scrollTo(int offset);
+    void scrollBy(int distance) { scrollTo(m_offset + distance); }
+    void placeItems();
+    [[nodiscard]] int contentWidth() const;
+
+    void select(int index);
+    void requestClose(int index);
+    void move(int from, int to);
+    void moveFocus(TabItemView::Step step, int from);
+    void showMenuOfTab(int index, QPoint globalPosition);
+    void fillMenuOfTabs();
+
+    TabBarViewDelegate *m_delegate = nullptr;
+    const Theme *m_theme;
+    PaneActivity m_activity = PaneActivity::active;
+    int m_selectedIndex = -1;
+    /// How many pixels of the row lie left of what is seen.
+    int m_offset = 0;
+    /// By how much the wheel was turned beyond whole pixels.
+    double m_wheelRemainder = 0;
+    bool m_shallReveal = false;
+
+    /// What is seen of the row; the strip in it holds the items.
+    QWidget *m_viewport;
+    QWidget *m_strip;
+    std::vector<TabItemView *> m_items;
+    FlatButton *m_scrollLeftButton;
+    FlatButton *m_scrollRightButton;
+    FlatButton *m_allTabsButton;
+    FlatButton *m_newTabButton;
+    QMenu *m_allTabsMenu;
+};
