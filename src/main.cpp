@@ -3,10 +3,12 @@
 #include "App/CommandLine.h"
 #include "App/MainWindow.h"
 #include "App/TerminationSignals.h"
+#include "Editor/SpellingPanel.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Localization.h"
+#include "Platform/SpellChecker.h"
 #include "Platform/SymbolIcon.h"
 #include "Platform/SystemAppearance.h"
 #include "Platform/SystemPasteboard.h"
@@ -67,7 +69,13 @@ int run(QApplication &application, const QStringList &files)
     QObject::connect(&appearance, &SystemAppearance::changed, &application, [&] { notifications.post(Preferences::didChange, nullptr); });
 
     FindState find;
-    MainWindow window({scheduler, notifications, defaults, preferences, pasteboard, presenter, documents, workers, find});
+    SpellChecker spellChecker(workers, SpellChecker::systemSetup());
+    SpellingPanel spellingPanel(spellChecker);
+    const auto spellingLanguages = notifications.observe(Localization::didChangeNotification, nullptr, [&spellChecker] {
+        spellChecker.setLanguages(SpellChecker::systemSetup().languages);
+    });
+    MainWindow window(
+        {scheduler, notifications, defaults, preferences, pasteboard, presenter, documents, workers, find, &spellChecker, &spellingPanel});
     window.show();
     if (!files.isEmpty()) {
         window.show(files.first());

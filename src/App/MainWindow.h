@@ -29,10 +29,12 @@ struct AppServices {
     DocumentStore &documents;
     Workers &workers;
     FindState &find;
+    SpellChecker *spellChecker = nullptr;
+    SpellingPanel *spellingPanel = nullptr;
 
     [[nodiscard]] EditorServices editors() const
     {
-        return {scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find};
+        return {scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, spellChecker, spellingPanel};
     }
 };
 

@@ -5,6 +5,8 @@
 #include "Editor/EditorFont.h"
 #include "Editor/ExternalChangeBanner.h"
 #include "Editor/LineNumberRulerView.h"
+#include "Editor/SpellingController.h"
+#include "Editor/SpellingPanel.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Platform/AlertPresenter.h"
@@ -42,6 +44,7 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
     m_textView->setAccess(document.isGenerated() ? TextView::Access::readOnly : TextView::Access::readWrite);
     m_textView->setLanguage(document.language());
     setFocusProxy(m_textView);
+    makeSpelling();
     applyPreferences();
     observe();
     restoreViewState();
@@ -53,6 +56,7 @@ EditorViewController::~EditorViewController()
 {
     // The view may still tell of losing the focus while it goes.
     m_textView->setEditorDelegate(nullptr);
+    m_spelling.reset();
     delete m_textView;
 }
 
@@ -60,6 +64,9 @@ const ActionRow *EditorViewController::actionFor(Selector selector) const
 {
     static constexpr auto rows = std::to_array<ActionRow>({
         action<&EditorViewController::performTextFinderAction, &EditorViewController::textFinderActionState>("performTextFinderAction:"),
+        action<&EditorViewController::toggleSpelling, &EditorViewController::spellingState>("toggleContinuousSpellChecking:"),
+        action<&EditorViewController::checkSpelling, &EditorViewController::canCheckSpelling>("checkSpelling:"),
+        action<&EditorViewController::showSpellingPanel, &EditorViewController::hasSpelling>("showGuessPanel:"),
     });
     return findAction(rows, selector);
 }
@@ -78,6 +85,9 @@ void EditorViewController::retranslate()
 {
     m_findBar->retranslate();
     updateBanner();
+    if (m_services.spellingPanel) {
+        m_services.spellingPanel->retranslate();
+    }
 }
 
 void EditorViewController::observe()
@@ -153,6 +163,9 @@ void EditorViewController::adoptLanguage()
     if (m_textView->language() != m_document.language()) {
         m_textView->setLanguage(m_document.language());
         applyIndentation();
+        if (m_spelling) {
+            m_spelling->setLanguage(m_document.language());
+        }
     }
 }
 
@@ -234,10 +247,61 @@ void EditorViewController::saveAgain()
     }
 }
 
+// Spelling
+
+void EditorViewController::makeSpelling()
+{
+    if (!m_services.spellChecker || !m_services.spellingPanel) {
+        return;
+    }
+    AlertPresenter &presenter = m_services.presenter;
+    m_spelling = std::make_unique<SpellingController>(
+        *m_textView, m_document.highlighter(), m_document.language(),
+        SpellingController::Services{
+            m_services.scheduler, *m_services.spellChecker, *m_services.spellingPanel, [&presenter] { presenter.beep(); },
+            [this, &presenter](const QString &message) { presenter.present(Alert::forError(message), window(), {}); }});
+    connect(m_textView, &TextView::contextMenuRequested, m_spelling.get(),
+            [this](QMenu *menu, qsizetype offset) { m_spelling->addCorrections(*menu, offset); });
+}
+
+void EditorViewController::toggleSpelling()
+{
+    if (m_spelling) {
+        m_spelling->toggleContinuous();
+    }
+}
+
+ActionState EditorViewController::spellingState() const
+{
+    return m_spelling ? m_spelling->continuousState() : ActionState{.isEnabled = false};
+}
+
+void EditorViewController::checkSpelling()
+{
+    if (m_spelling) {
+        m_spelling->checkSpelling();
+    }
+}
+
+bool EditorViewController::canCheckSpelling() const
+{
+    return m_spelling && m_spelling->canCheck();
+}
+
+void EditorViewController::showSpellingPanel()
+{
+    if (m_spelling) {
+        m_spelling->showPanel();
+    }
+}
+
 // From the text view
 
 void EditorViewController::editorTextViewWantsFocus(EditorTextView & /*view*/)
 {
+    if (m_spelling) {
+        m_services.spellingPanel->follow(*m_spelling);
+    }
     if (m_delegate) {
         m_delegate->editorWantsFocus(*this);
     }

@@ -8,6 +8,7 @@
 
 #include <QWidget>
 
+#include <memory>
 #include <vector>
 
 class AlertPresenter;
@@ -18,6 +19,9 @@ class FindBar;
 class FindState;
 class Preferences;
 class QVBoxLayout;
+class SpellChecker;
+class SpellingController;
+class SpellingPanel;
 class TextDocument;
 class TextFinder;
 class Workers;
@@ -32,6 +36,9 @@ struct EditorServices {
     DocumentStore &documents;
     Workers &workers;
     FindState &find;
+    /// Both or none: without them no spelling is checked.
+    SpellChecker *spellChecker = nullptr;
+    SpellingPanel *spellingPanel = nullptr;
 };
 
 /// What an editor tells the pane that holds it.
@@ -69,6 +76,8 @@ public:
     void scrollToLine(qsizetype line);
     /// Has the document remember caret and scroll position for the next editor of it.
     void saveViewState();
+    /// Null where no spelling is checked.
+    [[nodiscard]] SpellingController *spelling() { return m_spelling.get(); }
 
     [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
 
@@ -88,6 +97,14 @@ private:
     void updateBanner();
     void saveAgain();
 
+    void makeSpelling();
+    void toggleSpelling();
+    [[nodiscard]] ActionState spellingState() const;
+    void checkSpelling();
+    [[nodiscard]] bool canCheckSpelling() const;
+    void showSpellingPanel();
+    [[nodiscard]] bool hasSpelling() const { return m_spelling != nullptr; }
+
     void editorTextViewWantsFocus(EditorTextView &view) override;
     void editorTextViewDidChangeSelection(EditorTextView &view) override;
     void editorTextViewDidDropFiles(EditorTextView &view, const QStringList &paths) override;
@@ -100,6 +117,7 @@ private:
     ExternalChangeBanner *m_banner = nullptr;
     TextFinder *m_finder;
     FindBar *m_findBar;
+    std::unique_ptr<SpellingController> m_spelling;
     DelayedTask m_visibleHighlightWork;
     DelayedTask m_scrolling;
     std::vector<NotificationCenter::Token> m_observers;

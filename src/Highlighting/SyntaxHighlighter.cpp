@@ -446,6 +446,15 @@ void SyntaxHighlighter::markStale(const std::vector<TextRange> &ranges, TextRang
     }
 }
 
+void SyntaxHighlighter::forEachScope(TextRange range, const std::function<void(TextRange, Scope)> &visit) const
+{
+    m_storage.forEachStyle(range, [&](TextRange run, StyleId style) {
+        const auto found = std::ranges::find(m_styles, style);
+        const bool isPlain = style == plainStyle || found == m_styles.end();
+        visit(run, isPlain ? Scope::plain : scopes[size_t(found - m_styles.begin())].scope);
+    });
+}
+
 int SyntaxHighlighter::givenUpSearches() const
 {
     int count = 0;

@@ -4,6 +4,7 @@
 
 #include "Editor/ExternalChangeBanner.h"
 #include "Editor/LineNumberRulerView.h"
+#include "Editor/SpellingPanel.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
@@ -11,10 +12,12 @@
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Pasteboard.h"
+#include "Platform/SpellChecker.h"
 #include "Text/FindState.h"
 #include "TextUi/ViewFixture.h"
 
 #include <QFile>
+#include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTemporaryDir>
@@ -325,4 +328,26 @@ TEST_F(EditorTest, TypingPaintsTheRulerOnlyWhereItChanges)
     EXPECT_EQ(counter.paints, 1);
     EXPECT_GT(selectionChanges, 0);
     EXPECT_GT(focusRequests, 0);
+}
+
+TEST_F(EditorTest, ChecksSpellingWhereThereIsAChecker)
+{
+    TextDocument &text = document(u"the wrod\n"_s);
+    EXPECT_FALSE(open(text)->state("checkSpelling:").isEnabled);
+
+    SpellChecker checker(workers, {{QStringLiteral(QUILLET_TEST_DATA "/spelling")}, {u"en"_s}, {}});
+    SpellingPanel panel(checker);
+    services.spellChecker = &checker;
+    services.spellingPanel = &panel;
+    const auto one = open(text);
+    const auto other = open(text);
+    one->textView().perform("toggleContinuousSpellChecking:");
+    EXPECT_EQ(one->textView().state("toggleContinuousSpellChecking:").checkMark, CheckMark::on);
+    EXPECT_EQ(other->textView().state("toggleContinuousSpellChecking:").checkMark, CheckMark::none);
+    EXPECT_TRUE(other->textView().perform("checkSpelling:"));
+    pass(Scheduler::Milliseconds(100));
+    EXPECT_EQ(other->textView().selectedText(), u"wrod");
+    QMenu menu;
+    emit other->textView().contextMenuRequested(&menu, 5);
+    EXPECT_FALSE(menu.isEmpty());
 }

@@ -1,0 +1,346 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Editor/SpellingController.h"
+
+#include "Editor/SpellingPanel.h"
+#include "Highlighting/SyntaxHighlighter.h"
+#include "Platform/SpellChecker.h"
+#include "Platform/Translation.h"
+#include "Text/TextView.h"
+
+#include <QMenu>
+#include <QScopedValueRollback>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype mostMenuGuesses = 5;
+/// Keys and input methods change no more than so at a time; what is pasted is not being typed.
+constexpr qsizetype longestTyped = 4;
+
+constexpr auto markdownId = "markdown"_L1;
+
+bool isTextual(Scope scope)
+{
+    return scope == Scope::comment || scope == Scope::string || scope == Scope::escape;
+}
+
+bool hasTextualScopes(const Language &language)
+{
+    const auto isOfThese = [](const auto &rule) { return isTextual(rule.scope); };
+    return std::ranges::any_of(language.spans(), isOfThese) || std::ranges::any_of(language.rules(), isOfThese);
+}
+
+} // namespace
+
+SpellingController::SpellingController(TextView &view, SyntaxHighlighter *highlighter, const Language &language, Services services,
+                                       QObject *parent)
+    : QObject(parent), m_view(view), m_highlighter(highlighter), m_services(std::move(services))
+{
+    setLanguage(language);
+    connect(&view.storage(), &TextStorage::changed, this, &SpellingController::noteEdit);
+    connect(&view, &TextView::selectionChanged, this, &SpellingController::noteSelection);
+    connect(&m_services.checker, &SpellChecker::answersChanged, this, &SpellingController::noteAnswers);
+}
+
+SpellingController::~SpellingController()
+{
+    m_view.setMisspellings({});
+}
+
+void SpellingController::setLanguage(const Language &language)
+{
+    m_language = language;
+    m_checksScopesOnly = m_highlighter && language.id() != markdownId && hasTextualScopes(language);
+    if (m_isContinuous) {
+        m_view.viewport()->update();
+    }
+}
+
+// Which words count
+
+bool SpellingController::isChecked(Scope scope) const
+{
+    return m_checksScopesOnly ? isTextual(scope) : scope != Scope::string;
+}
+
+std::vector<SpellingWord> SpellingController::wordsTouching(TextRange range) const
+{
+    const auto setting = m_checksScopesOnly ? SpellingWords::Setting::code : SpellingWords::Setting::prose;
+    std::vector<SpellingWord> words = SpellingWords::touching(m_view.storage().text(), range, setting);
+    // What is not coloured is prose throughout, in a language without comments and strings.
+    if (words.empty() || !m_highlighter || (!m_checksScopesOnly && m_language.id() != markdownId)) {
+        return words;
+    }
+    std::vector<TextRange> checked;
+    m_highlighter->forEachScope(TextRange::between(words.front().range.location, words.back().range.end()),
+                                [&](TextRange run, Scope scope) {
+                                    if (!isChecked(scope)) {
+                                        return;
+                                    }
+                                    if (!checked.empty() && checked.back().end() == run.location) {
+                                        checked.back().length += run.length;
+                                    } else {
+                                        checked.push_back(run);
+                                    }
+                                });
+    auto run = checked.begin();
+    std::erase_if(words, [&](const SpellingWord &word) {
+        while (run != checked.end() && run->end() < word.range.end()) {
+            ++run;
+        }
+        return run == checked.end() || run->location > word.range.location;
+    });
+    return words;
+}
+
+std::vector<TextRange> SpellingController::misspellingsIn(TextRange seen)
+{
+    std::vector<TextRange> found;
+    for (const SpellingWord &word : wordsTouching(seen)) {
+        if (!isBeingTyped(word.range) && m_services.checker.check(word.text) == SpellChecker::Answer::wrong) {
+            found.push_back(word.range);
+        }
+    }
+    return found;
+}
+
+bool SpellingController::isBeingTyped(TextRange word) const
+{
+    return m_typedAt && m_view.selection() == TextSelection::at(*m_typedAt) && word.location < *m_typedAt && *m_typedAt <= word.end();
+}
+
+// Continuous checking
+
+void SpellingController::toggleContinuous()
+{
+    m_isContinuous = !m_isContinuous;
+    m_view.setMisspellings(m_isContinuous ? [this](TextRange seen) { return misspellingsIn(seen); } : TextView::MarkProvider());
+    m_view.viewport()->update();
+}
+
+bool SpellingController::canCheck() const
+{
+    return m_services.checker.isAvailable();
+}
+
+ActionState SpellingController::continuousState() const
+{
+    return {.isEnabled = canCheck() || m_isContinuous, .checkMark = m_isContinuous ? CheckMark::on : CheckMark::none};
+}
+
+void SpellingController::noteEdit(const TextChangeList &changes)
+{
+    m_typedAt.reset();
+    if (changes.size() == 1 && changes.front().inserted <= longestTyped && changes.front().removed <= longestTyped) {
+        m_typedAt = changes.front().position + changes.front().inserted;
+    }
+    if (m_search) {
+        endSearch(Outcome::none);
+    }
+}
+
+void SpellingController::noteSelection()
+{
+    if (const TextSelection selection = m_view.selection(); m_typedAt && selection != TextSelection::at(*m_typedAt)) {
+        const auto words = wordsTouching({selection.caret, 0});
+        const bool isInSameWord = selection.isEmpty() && std::ranges::any_of(words, [&](const SpellingWord &word) {
+                                      return word.range.touches({*m_typedAt, 0}) && word.range.location < selection.caret;
+                                  });
+        if (isInSameWord) {
+            m_typedAt = selection.caret;
+        } else {
+            m_typedAt.reset();
+            if (m_isContinuous) {
+                m_view.viewport()->update();
+            }
+        }
+    }
+    if (m_isSelecting) {
+        return;
+    }
+    if (m_search) {
+        endSearch(Outcome::none);
+    } else {
+        m_outcome = Outcome::none;
+        emit changed();
+    }
+}
+
+void SpellingController::noteAnswers()
+{
+    if (m_isContinuous) {
+        m_view.viewport()->update();
+    }
+    if (m_search && !m_nextSlice.isPending()) {
+        goOn();
+    } else {
+        emit changed();
+    }
+}
+
+// From mistake to mistake
+
+void SpellingController::checkSpelling()
+{
+    if (!canCheck()) {
+        endSearch(Outcome::nothingFound);
+        m_services.beep();
+        return;
+    }
+    const qsizetype start = m_view.selection().range().end();
+    m_search = Search{.from = start, .start = start};
+    m_outcome = Outcome::searching;
+    goOn();
+}
+
+/// Searches one slice. A word whose answer is not known yet ends it, after the rest was asked for too; the answers come back here.
+void SpellingController::goOn()
+{
+    m_nextSlice.cancel();
+    Search &search = *m_search;
+    const qsizetype limit = search.hasWrapped ? search.start : m_view.storage().length();
+    const auto slice = TextRange::between(search.from, std::min(search.from + sliceLength, limit));
+    if (m_highlighter) {
+        m_highlighter->ensureHighlighted(slice);
+    }
+    std::optional<qsizetype> pending;
+    for (const SpellingWord &word : wordsTouching(slice)) {
+        if (word.range.location < slice.location || word.range.location >= slice.end()) {
+            continue;
+        }
+        const SpellChecker::Answer answer = m_services.checker.check(word.text);
+        if (answer == SpellChecker::Answer::wrong && !pending) {
+            select(word.range);
+            return;
+        }
+        if (answer == SpellChecker::Answer::pending && !pending) {
+            pending = word.range.location;
+        }
+    }
+    search.from = pending.value_or(slice.end());
+    if (!pending && search.from == limit) {
+        if (search.hasWrapped || search.start == 0) {
+            endSearch(Outcome::nothingFound);
+            m_services.beep();
+            return;
+        }
+        search.hasWrapped = true;
+        search.from = 0;
+    }
+    if (!pending) {
+        m_nextSlice = m_services.scheduler.after(Scheduler::Milliseconds(0), [this] { goOn(); });
+    }
+    emit changed();
+}
+
+void SpellingController::endSearch(Outcome outcome)
+{
+    m_search.reset();
+    m_nextSlice.cancel();
+    m_outcome = outcome;
+    emit changed();
+}
+
+void SpellingController::select(TextRange word)
+{
+    {
+        const QScopedValueRollback selecting(m_isSelecting, true);
+        m_view.setSelection({word.location, word.end()}, TextView::Reveal::nearest);
+        m_view.showIndicator(word);
+    }
+    endSearch(Outcome::found);
+}
+
+void SpellingController::showPanel()
+{
+    m_services.panel.show(*this);
+}
+
+// One word
+
+std::optional<SpellingController::Correction> SpellingController::correctionAt(qsizetype offset, std::chrono::milliseconds patience)
+{
+    for (const SpellingWord &word : wordsTouching({offset, 0})) {
+        if (m_services.checker.check(word.text) == SpellChecker::Answer::wrong) {
+            return Correction{word.range, word.text, m_services.checker.suggestions(word.text, patience)};
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<SpellingController::Correction> SpellingController::selectedCorrection()
+{
+    const TextRange selected = m_view.selection().range();
+    if (selected.isEmpty()) {
+        return std::nullopt;
+    }
+    auto correction = correctionAt(selected.location, {});
+    return correction && correction->range == selected ? correction : std::nullopt;
+}
+
+bool SpellingController::canReplace() const
+{
+    return !m_view.isReadOnly();
+}
+
+void SpellingController::replace(const Correction &correction, const QString &replacement)
+{
+    const TextStorage &storage = m_view.storage();
+    const bool isThere = correction.range.end() <= storage.length() && storage.string(correction.range) == correction.word;
+    if (!isThere || !canReplace()) {
+        m_services.beep();
+        return;
+    }
+    m_view.insertText(replacement, correction.range);
+}
+
+void SpellingController::learn(const QString &word)
+{
+    if (const Result<void> learned = m_services.checker.learn(word); !learned) {
+        m_services.report(learned.error().message);
+    }
+}
+
+void SpellingController::ignore(const QString &word)
+{
+    m_services.checker.ignore(word);
+}
+
+void SpellingController::addCorrections(QMenu &menu, qsizetype offset)
+{
+    // Who does not check spelling needs no dictionaries.
+    if (!m_isContinuous && !m_services.checker.isInUse()) {
+        return;
+    }
+    const auto correction = correctionAt(offset, menuPatience);
+    if (!correction) {
+        return;
+    }
+    QAction *const before = menu.actions().value(0);
+    const auto add = [&](const QString &title, std::function<void()> reaction) {
+        auto *item = new QAction(QString(title).replace(u'&', u"&&"_s), &menu);
+        connect(item, &QAction::triggered, this, std::move(reaction));
+        menu.insertAction(before, item);
+        return item;
+    };
+    const QStringList guesses = correction->guesses.value_or(QStringList());
+    for (const QString &guess : guesses.first(std::min(guesses.size(), mostMenuGuesses))) {
+        QAction *item = add(guess, [this, correction, guess] { replace(*correction, guess); });
+        QFont font = menu.font();
+        font.setBold(true);
+        item->setFont(font);
+        item->setEnabled(canReplace());
+    }
+    if (guesses.isEmpty()) {
+        add(localized(u"No Suggestions"), [] {})->setEnabled(false);
+    }
+    menu.insertSeparator(before);
+    add(localized(u"Learn Spelling"), [this, word = correction->word] { learn(word); });
+    add(localized(u"Ignore Spelling"), [this, word = correction->word] { ignore(word); });
+    menu.insertSeparator(before);
+}

@@ -1,0 +1,362 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Editor/SpellingController.h"
+
+#include "Editor/SpellingPanel.h"
+#include "EditorFixture.h"
+#include "Highlighting/LanguageRegistry.h"
+#include "Highlighting/SyntaxHighlighter.h"
+#include "Platform/SpellChecker.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QPushButton>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using Outcome = SpellingController::Outcome;
+
+namespace {
+
+/// The text with «» around the words that count.
+QString withWordsMarked(QString text, TextRange range, SpellingWords::Setting setting)
+{
+    const std::vector<SpellingWord> words = SpellingWords::touching(Rope(text), range, setting);
+    for (auto word = words.rbegin(); word != words.rend(); ++word) {
+        EXPECT_EQ(word->text, text.sliced(word->range.location, word->range.length));
+        text.insert(word->range.end(), u'»').insert(word->range.location, u'«');
+    }
+    return text;
+}
+
+class SpellingTest : public testing::Test {
+protected:
+    SpellingTest() { open(u""_s); }
+
+    /// `marked` as EditorFixture takes it.
+    void open(const QString &marked, const QString &languageId = {})
+    {
+        spelling.reset();
+        highlighter.reset();
+        editor = std::make_unique<EditorFixture>(marked);
+        const Language language = LanguageRegistry::withID(languageId).value_or(Language::plainText());
+        highlighter = std::make_unique<SyntaxHighlighter>(editor->storage, language, Theme::light(), editor->scheduler, notifications);
+        highlighter->ensureHighlighted({0, editor->storage.length()});
+        spelling = std::make_unique<SpellingController>(editor->view, highlighter.get(), language,
+                                                        SpellingController::Services{editor->scheduler, checker, panel, [this] { ++beeps; },
+                                                                                     [this](const QString &text) { reports << text; }});
+    }
+    void settle()
+    {
+        for (int turn = 0; turn < 8; ++turn) {
+            QCoreApplication::processEvents();
+            editor->scheduler.advance(Scheduler::Milliseconds(1));
+        }
+    }
+    /// The words that the view underlines.
+    [[nodiscard]] QStringList underlined()
+    {
+        // The first question has it found out.
+        (void)spelling->misspellingsIn({0, editor->storage.length()});
+        settle();
+        QStringList words;
+        for (const TextRange range : spelling->misspellingsIn({0, editor->storage.length()})) {
+            words << editor->storage.string(range);
+        }
+        return words;
+    }
+    [[nodiscard]] QString afterCheck()
+    {
+        spelling->checkSpelling();
+        settle();
+        settle();
+        return editor->marked();
+    }
+
+    InlineWorkers workers;
+    QTemporaryDir folder;
+    SpellChecker checker{workers, {{QStringLiteral(QUILLET_TEST_DATA "/spelling")}, {u"en"_s, u"de"_s}, folder.filePath(u"words.txt"_s)}};
+    NotificationCenter notifications;
+    SpellingPanel panel{checker};
+    int beeps = 0;
+    QStringList reports;
+    std::unique_ptr<EditorFixture> editor;
+    std::unique_ptr<SyntaxHighlighter> highlighter;
+    std::unique_ptr<SpellingController> spelling;
+};
+
+} // namespace
+
+TEST(SpellingWordsTest, LeavesAloneWhatNoDictionaryHas)
+{
+    using enum SpellingWords::Setting;
+    struct Case {
+        SpellingWords::Setting setting;
+        QString marked;
+    };
+    for (const auto &[setting, marked] : {
+             Case{prose, u"«The» «well»-«known» «don't», «don’t» 'a' «Größe» («naïve»)"_s},
+             Case{prose, u"a 2nd v2 x86 HTTP URLs iPhone camelCase snake_case NASA"_s},
+             Case{prose, u"_«stressed» «words»_ *«and»* «more»:«here» «word»."_s},
+             Case{prose, u"«see» https://example.com/a-b?c=d#e, («or» www.example.com/x) «or» «here»"_s},
+             Case{prose, u"«mail» ann.bee@example.com, <bob@example.org> «or» @nick «and» «more»"_s},
+             Case{prose, u"[«text»](https://example.com/teh) «behind»"_s},
+             Case{prose, u"/usr/share ~/notes ./configure ../up a/b/c src/Text/Rope.h «and»/«or» «end»"_s},
+             Case{prose, u"--verbose file.txt .hidden std::string call() `code` &nbsp; $home 100%done «rest»"_s},
+             Case{prose, u"\\section C:\\temp «text»"_s},
+             Case{prose, u"言葉 «слово» «words»"_s},
+             Case{code, u"\"\\n«hello» \\t«you» \\x41bc \\\\«path» %d\""_s},
+             Case{code, u"// @param «wide» «the» «width»"_s},
+         }) {
+        const QString text = QString(marked).remove(u'«').remove(u'»');
+        EXPECT_EQ(withWordsMarked(text, {0, text.size()}, setting), marked);
+    }
+    // A stretch may begin and end inside a word or an address; only what touches it is told.
+    EXPECT_EQ(withWordsMarked(u"before words here behind"_s, {9, 6}, prose), u"before «words» «here» behind");
+    EXPECT_EQ(withWordsMarked(u"https://example.com/words"_s, {21, 2}, prose), u"https://example.com/words");
+    EXPECT_EQ(withWordsMarked(u"a word"_s, {6, 0}, prose), u"a «word»");
+    EXPECT_EQ(withWordsMarked(QString(100000, u'x') + u" word"_s, {100001, 4}, prose).right(7), u" «word»");
+}
+
+TEST_F(SpellingTest, ChecksCommentsAndStringsOfPrograms)
+{
+    open(u"int speling = wrod; // the wrod is here\nchar *str = \"a strng\\nhere hree\"; /* teh\n\ncommnt */ foo"_s, u"c"_s);
+    EXPECT_EQ(underlined(), QStringList({u"wrod"_s, u"strng"_s, u"hree"_s, u"teh"_s, u"commnt"_s}));
+    open(u"# the hedding\n\nthe wrod and `teh code` and *hree*\n\n```\nteh code\n```\n<https://teh.example>\n"_s, u"markdown"_s);
+    EXPECT_EQ(underlined(), QStringList({u"hedding"_s, u"wrod"_s, u"hree"_s}));
+    open(u"teh \"wrod\" // hree\nGröße Grösse"_s);
+    EXPECT_EQ(underlined(), QStringList({u"teh"_s, u"wrod"_s, u"hree"_s, u"Grösse"_s}));
+    spelling->setLanguage(LanguageRegistry::withID(u"c").value());
+    highlighter->setLanguage(LanguageRegistry::withID(u"c").value());
+    highlighter->ensureHighlighted({0, editor->storage.length()});
+    EXPECT_EQ(underlined(), QStringList({u"wrod"_s, u"hree"_s}));
+}
+
+TEST_F(SpellingTest, UnderlinesInTheViewWhileSwitchedOn)
+{
+    open(u"the wrod is here|\n"_s);
+    const auto redPixels = [this] {
+        (void)editor->view.grab();
+        settle();
+        const QImage image = editor->view.viewport()->grab().toImage();
+        int count = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor color = image.pixelColor(x, y);
+                count += color.red() > 200 && color.green() < 160 && color.blue() < 160 ? 1 : 0;
+            }
+        }
+        return count;
+    };
+    EXPECT_EQ(redPixels(), 0);
+    EXPECT_FALSE(checker.isInUse());
+    spelling->toggleContinuous();
+    EXPECT_EQ(spelling->continuousState().checkMark, CheckMark::on);
+    EXPECT_GT(redPixels(), 10);
+    spelling->ignore(u"wrod"_s);
+    EXPECT_EQ(redPixels(), 0);
+    spelling->toggleContinuous();
+    EXPECT_EQ(spelling->continuousState().checkMark, CheckMark::none);
+}
+
+TEST_F(SpellingTest, SparesTheWordThatIsBeingTyped)
+{
+    open(u"teh |"_s);
+    const auto after = [this](const QString &keys) {
+        sendKeys(editor->view, keys);
+        return underlined().join(u' ');
+    };
+    EXPECT_EQ(after(u"w"_s), u"teh");
+    EXPECT_EQ(after(u"rod"_s), u"teh");
+    EXPECT_EQ(after(u"x<BS>"_s), u"teh");
+    EXPECT_EQ(after(u"<Left>"_s), u"teh"); // still in it
+    EXPECT_EQ(after(u"<End>"_s), u"teh");
+    EXPECT_EQ(after(u" "_s), u"teh wrod");
+    EXPECT_EQ(after(u"<Left>"_s), u"teh wrod"); // come back, it was not typed now
+    EXPECT_EQ(after(u"<End>hree"_s), u"teh wrod");
+    EXPECT_EQ(after(u"<Up><Home>"_s), u"teh wrod hree");
+    EXPECT_EQ(after(u" <Left>"_s), u"teh wrod hree");
+    // Pasted at once, it is not typed.
+    editor->view.insertText(u"commnt "_s, {0, 0});
+    editor->view.insertText(u"spelingg"_s, {0, 0});
+    EXPECT_THAT(underlined(), testing::Contains(u"spelinggcommnt"_s));
+}
+
+TEST_F(SpellingTest, GoesFromMistakeToMistake)
+{
+    open(u"|the wrod is here, teh word\n"_s);
+    EXPECT_EQ(afterCheck(), u"the ^wrod| is here, teh word\n");
+    EXPECT_EQ(spelling->outcome(), Outcome::found);
+    EXPECT_EQ(afterCheck(), u"the wrod is here, ^teh| word\n");
+    EXPECT_EQ(afterCheck(), u"the ^wrod| is here, teh word\n");
+    EXPECT_EQ(beeps, 0);
+    spelling->ignore(u"wrod"_s);
+    EXPECT_EQ(afterCheck(), u"the wrod is here, ^teh| word\n");
+    spelling->ignore(u"teh"_s);
+    EXPECT_EQ(afterCheck(), u"the wrod is here, ^teh| word\n");
+    EXPECT_EQ(spelling->outcome(), Outcome::nothingFound);
+    EXPECT_EQ(beeps, 1);
+}
+
+TEST_F(SpellingTest, SearchesALargeTextInSlices)
+{
+    const QString line = u"the word is here and the spelling of the comment\n"_s;
+    const QString text = line.repeated(2000);
+    open(text + u"|teh\n"_s);
+    editor->view.setSelection(TextSelection::at(0));
+    spelling->checkSpelling();
+    EXPECT_EQ(spelling->outcome(), Outcome::searching);
+    settle();
+    settle();
+    EXPECT_EQ(editor->view.selection().range(), (TextRange{text.size(), 3}));
+
+    // Who moves or types meanwhile has other plans.
+    for (const QString &keys : {u"<Right>"_s, u"x"_s}) {
+        editor->view.setSelection(TextSelection::at(0));
+        spelling->checkSpelling();
+        ASSERT_EQ(spelling->outcome(), Outcome::searching);
+        sendKeys(editor->view, keys);
+        const TextSelection selection = editor->view.selection();
+        for (int turn = 0; turn < 100; ++turn) {
+            settle();
+        }
+        EXPECT_EQ(spelling->outcome(), Outcome::none);
+        EXPECT_EQ(editor->view.selection(), selection);
+    }
+}
+
+TEST_F(SpellingTest, CorrectsAWordAsOneStep)
+{
+    open(u"the |wrod is here\n"_s);
+    (void)underlined();
+    for (const qsizetype offset : {4, 6, 8}) {
+        const auto correction = spelling->correctionAt(offset, SpellingController::menuPatience);
+        ASSERT_TRUE(correction) << offset;
+        EXPECT_EQ(correction->range, (TextRange{4, 4}));
+        EXPECT_THAT(correction->guesses.value_or(QStringList()), testing::Contains(u"word"_s));
+    }
+    EXPECT_FALSE(spelling->correctionAt(0, {}));
+    EXPECT_FALSE(spelling->correctionAt(9, {}));
+
+    const auto correction = spelling->correctionAt(4, SpellingController::menuPatience).value();
+    spelling->replace(correction, u"word"_s);
+    EXPECT_EQ(editor->storage.string(), u"the word is here\n");
+    editor->view.undo();
+    EXPECT_EQ(editor->storage.string(), u"the wrod is here\n");
+    EXPECT_FALSE(editor->undo.canUndo());
+    editor->view.insertText(u"some"_s, {0, 3});
+    spelling->replace(correction, u"word"_s); // the word stands elsewhere by now
+    EXPECT_EQ(editor->storage.string(), u"some wrod is here\n");
+    EXPECT_EQ(beeps, 1);
+    editor->view.setAccess(TextView::Access::readOnly);
+    spelling->replace(spelling->correctionAt(5, {}).value(), u"word"_s);
+    EXPECT_EQ(editor->storage.string(), u"some wrod is here\n");
+}
+
+TEST_F(SpellingTest, OffersCorrectionsInTheContextMenu)
+{
+    open(u"the |wrod is here\n"_s);
+    const auto titles = [this](qsizetype offset) {
+        QMenu menu;
+        menu.addAction(u"Cut"_s);
+        spelling->addCorrections(menu, offset);
+        QStringList all;
+        for (const QAction *item : menu.actions()) {
+            all << (item->isSeparator() ? u"-"_s : item->text());
+        }
+        return all;
+    };
+    EXPECT_EQ(titles(4), QStringList(u"Cut"_s)); // nobody asked for spelling yet
+    spelling->toggleContinuous();
+    (void)underlined();
+    EXPECT_EQ(titles(0), QStringList(u"Cut"_s));
+    const QStringList offered = titles(5);
+    EXPECT_EQ(offered.first(), u"word");
+    EXPECT_EQ(offered.last(5), QStringList({u"-"_s, u"Learn Spelling"_s, u"Ignore Spelling"_s, u"-"_s, u"Cut"_s}));
+
+    QMenu menu;
+    spelling->addCorrections(menu, 5);
+    menu.actions().first()->trigger();
+    EXPECT_EQ(editor->storage.string(), u"the word is here\n");
+}
+
+TEST_F(SpellingTest, PanelFollowsTheViewAndWorksWithKeys)
+{
+    open(u"|the wrod is here, teh word and commnt\n"_s);
+    spelling->showPanel();
+    settle();
+    QDialog &window = *panel.window();
+    auto &replacement = *window.findChild<QLineEdit *>();
+    auto &guesses = *window.findChild<QListWidget *>();
+    const auto button = [&](const QString &title) {
+        for (auto *found : window.findChildren<QPushButton *>()) {
+            if (QString(found->text()).remove(u'&') == title) {
+                return found;
+            }
+        }
+        return static_cast<QPushButton *>(nullptr);
+    };
+    EXPECT_EQ(editor->view.selectedText(), u"wrod");
+    EXPECT_EQ(window.focusWidget(), &replacement);
+    ASSERT_GT(guesses.count(), 1);
+    EXPECT_EQ(replacement.text(), u"word");
+    for (const QWidget *control : std::initializer_list<QWidget *>{&replacement, &guesses}) {
+        EXPECT_FALSE(control->accessibleName().isEmpty());
+    }
+    QTest::keyClick(&replacement, Qt::Key_Down);
+    EXPECT_EQ(replacement.text(), guesses.item(1)->text());
+    QTest::keyClick(&replacement, Qt::Key_Up);
+    // Return in the field changes the word and goes on.
+    QTest::keyClick(&replacement, Qt::Key_Return);
+    settle();
+    EXPECT_EQ(editor->storage.string(), u"the word is here, teh word and commnt\n");
+    EXPECT_EQ(editor->view.selectedText(), u"teh");
+    QTest::keyClicks(&replacement, u"that"_s);
+    button(u"Change"_s)->click();
+    settle();
+    EXPECT_EQ(editor->storage.string(), u"the word is here, that word and commnt\n");
+    EXPECT_EQ(editor->view.selectedText(), u"commnt");
+    button(u"Learn"_s)->setFocus();
+    QTest::keyClick(button(u"Learn"_s), Qt::Key_Space);
+    settle();
+    EXPECT_EQ(window.focusWidget(), button(u"Learn"_s));
+    EXPECT_EQ(editor->view.selectedText(), u"that"); // no word of the small dictionary
+    button(u"Ignore"_s)->click();
+    settle();
+    EXPECT_EQ(beeps, 1);
+    EXPECT_EQ(spelling->outcome(), Outcome::nothingFound);
+    EXPECT_FALSE(button(u"Change"_s)->isEnabled());
+    EXPECT_TRUE(button(u"Find Next"_s)->isEnabled());
+
+    // Another view, then none.
+    EditorFixture other(u"^hree|"_s);
+    SpellingController second(other.view, nullptr, Language::plainText(),
+                              {other.scheduler, checker, panel, [this] { ++beeps; }, [](const QString &) {}});
+    panel.follow(second);
+    settle();
+    EXPECT_FALSE(replacement.isReadOnly());
+    EXPECT_TRUE(window.findChild<QLabel *>()->text().contains(u"hree"_s));
+    panel.follow(*spelling);
+    spelling.reset();
+    settle();
+    EXPECT_TRUE(replacement.isReadOnly());
+    EXPECT_FALSE(button(u"Find Next"_s)->isEnabled());
+}
+
+TEST_F(SpellingTest, WithoutADictionaryNothingIsOffered)
+{
+    checker.setLanguages({u"fi"_s});
+    open(u"the ^wrod| is here\n"_s);
+    EXPECT_FALSE(spelling->canCheck());
+    EXPECT_FALSE(spelling->continuousState().isEnabled);
+    EXPECT_EQ(underlined(), QStringList());
+    EXPECT_EQ(afterCheck(), u"the ^wrod| is here\n");
+    EXPECT_EQ(beeps, 1);
+    spelling->showPanel();
+    settle();
+    EXPECT_TRUE(panel.window()->findChild<QLabel *>()->text().contains(u"hunspell-"_s));
+}

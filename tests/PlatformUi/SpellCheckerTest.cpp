@@ -1,0 +1,232 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Platform/SpellChecker.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using enum SpellChecker::Answer;
+
+namespace {
+
+const QString data = QStringLiteral(QUILLET_TEST_DATA "/spelling");
+
+/// Keeps jobs until they are let go.
+class HeldWorkers final : public Workers {
+public:
+    void run(std::function<void()> job) override { jobs.push_back(std::move(job)); }
+    void runAll()
+    {
+        for (const auto &job : std::exchange(jobs, {})) {
+            job();
+        }
+    }
+
+    std::vector<std::function<void()>> jobs;
+};
+
+class SpellCheckerTest : public testing::Test {
+protected:
+    [[nodiscard]] std::unique_ptr<SpellChecker> checker(const QStringList &languages = {u"en_US.UTF-8"_s, u"de"_s}) const
+    {
+        return std::make_unique<SpellChecker>(const_cast<InlineWorkers &>(workers),
+                                              SpellChecker::Setup{{folder.path(), data}, languages, learned});
+    }
+    [[nodiscard]] static SpellChecker::Answer answer(SpellChecker &checker, const QString &word)
+    {
+        SpellChecker::Answer found = checker.check(word);
+        for (int turn = 0; turn < 8 && found == pending; ++turn) {
+            QCoreApplication::processEvents();
+            found = checker.check(word);
+        }
+        return found;
+    }
+    static void write(const QString &path, const QByteArray &bytes)
+    {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+    [[nodiscard]] QByteArray learnedFile() const
+    {
+        QFile file(learned);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    InlineWorkers workers;
+    QTemporaryDir folder;
+    QString learned = folder.filePath(u"settings/Quillet/dictionary.txt"_s);
+};
+
+} // namespace
+
+TEST_F(SpellCheckerTest, AsksTheDictionariesOfAllLanguagesInTheirEncodings)
+{
+    const auto spelling = checker();
+    EXPECT_EQ(spelling->dictionaries(), QStringList({u"en_US"_s, u"de_AT"_s}));
+    struct Case {
+        QString word;
+        SpellChecker::Answer expected;
+    };
+    for (const Case &row : {Case{u"words"_s, correct}, Case{u"Words"_s, correct}, Case{u"wrods"_s, wrong}, Case{u"naïve"_s, correct},
+                            Case{u"Größe"_s, correct}, Case{u"Füsse"_s, wrong}, Case{u"don't"_s, correct}, Case{u"don’t"_s, correct},
+                            // Not in the encoding of one of them, and in no language's script.
+                            Case{u"wœrd"_s, wrong}, Case{u"слово"_s, correct}, Case{u"言葉"_s, correct}}) {
+        EXPECT_EQ(answer(*spelling, row.word), row.expected) << qPrintable(row.word);
+    }
+    EXPECT_THAT(spelling->suggestions(u"wrod"_s).value_or(QStringList()), testing::Contains(u"word"_s));
+    EXPECT_THAT(spelling->suggestions(u"Grösse"_s).value_or(QStringList()), testing::Contains(u"Größe"_s));
+
+    spelling->setLanguages({u"en"_s});
+    EXPECT_EQ(answer(*spelling, u"Größe"_s), wrong);
+}
+
+TEST_F(SpellCheckerTest, WorksInBatchesBehindTheMainThread)
+{
+    HeldWorkers held;
+    SpellChecker spelling(held, {{data}, {u"en"_s}, {}});
+    const QSignalSpy changes(&spelling, &SpellChecker::answersChanged);
+    for (const QString &word : {u"word"_s, u"wrod"_s, u"word"_s}) {
+        EXPECT_EQ(spelling.check(word), pending);
+        EXPECT_TRUE(spelling.isCorrect(word));
+    }
+    QCoreApplication::processEvents();
+    ASSERT_EQ(held.jobs.size(), 1U);
+    EXPECT_EQ(spelling.check(u"here"_s), pending); // while the others are on their way
+    held.runAll();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(changes.count(), 1);
+    EXPECT_EQ(spelling.check(u"wrod"_s), wrong);
+    QCoreApplication::processEvents();
+    held.runAll();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(spelling.check(u"here"_s), correct);
+    EXPECT_TRUE(held.jobs.empty());
+
+    EXPECT_FALSE(spelling.suggestions(u"wrod"_s));
+    held.runAll();
+    EXPECT_THAT(spelling.suggestions(u"wrod"_s).value_or(QStringList()), testing::Contains(u"word"_s));
+}
+
+TEST_F(SpellCheckerTest, ForgetsWhatNobodyAsksForAnyMore)
+{
+    const auto spelling = checker();
+    int asked = 0;
+    const auto isForgotten = [&](const QString &word) { return spelling->check(word) == pending; };
+    ASSERT_EQ(answer(*spelling, u"wrod"_s), wrong);
+    ASSERT_EQ(answer(*spelling, u"hree"_s), wrong);
+    for (; asked < 20000; ++asked) {
+        (void)spelling->check(u"wo%1rd"_s.arg(asked));
+        if (asked % 1000 == 0) {
+            QCoreApplication::processEvents();
+            QCoreApplication::processEvents();
+            EXPECT_FALSE(isForgotten(u"wrod"_s)) << asked;
+        }
+    }
+    EXPECT_TRUE(isForgotten(u"hree"_s));
+}
+
+TEST_F(SpellCheckerTest, LearnsForGoodAndIgnoresForNow)
+{
+    {
+        const auto spelling = checker();
+        ASSERT_EQ(answer(*spelling, u"quillet"_s), wrong);
+        ASSERT_TRUE(spelling->learn(u"quillet"_s));
+        ASSERT_TRUE(spelling->learn(u"quillet"_s));
+        spelling->ignore(u"teh"_s);
+        for (const QString &word : {u"quillet"_s, u"Quillet"_s, u"teh"_s}) {
+            EXPECT_EQ(answer(*spelling, word), correct) << qPrintable(word);
+        }
+    }
+    EXPECT_EQ(learnedFile(), "quillet\n");
+    const auto later = checker();
+    EXPECT_EQ(answer(*later, u"quillet"_s), correct);
+    EXPECT_EQ(answer(*later, u"teh"_s), wrong);
+
+    // What others put into the file meanwhile stays, readable or not, and what is readable counts.
+    const QByteArray foreign = "\xFF\xFEjunk\nno word here\nhallo\r\n\nFüsse"_ba;
+    write(learned, foreign);
+    ASSERT_TRUE(later->learn(u"teh"_s));
+    EXPECT_EQ(learnedFile(), foreign + "\nteh\n");
+    const auto last = checker();
+    for (const QString &word : {u"hallo"_s, u"Füsse"_s, u"teh"_s}) {
+        EXPECT_EQ(answer(*last, word), correct) << qPrintable(word);
+    }
+    EXPECT_EQ(answer(*last, u"junk"_s), wrong);
+}
+
+TEST_F(SpellCheckerTest, SaysWhenAWordCannotBeKept)
+{
+    write(folder.filePath(u"settings"_s), "a file where the folder should be");
+    const auto spelling = checker();
+    const Result<void> outcome = spelling->learn(u"quillet"_s);
+    ASSERT_FALSE(outcome);
+    EXPECT_TRUE(outcome.error().message.contains(u"dictionary.txt"_s)) << qPrintable(outcome.error().message);
+    EXPECT_EQ(answer(*spelling, u"quillet"_s), correct);
+}
+
+TEST_F(SpellCheckerTest, WithoutAUsableDictionaryAllIsCorrect)
+{
+    const auto none = checker({u"fi_FI"_s});
+    EXPECT_FALSE(none->isAvailable());
+    EXPECT_EQ(answer(*none, u"wrod"_s), correct);
+    EXPECT_EQ(none->suggestions(u"wrod"_s), QStringList());
+
+    // Found, but when they are read it turns out what they are.
+    const auto damaged = [&](const QByteArray &words) {
+        write(folder.filePath(u"fr_FR.aff"_s), "SET UTF-8\n");
+        write(folder.filePath(u"fr_FR.dic"_s), words);
+        const auto spelling = checker({u"fr"_s});
+        EXPECT_TRUE(spelling->isAvailable());
+        EXPECT_EQ(answer(*spelling, u"wrod"_s), correct) << words.constData();
+        EXPECT_FALSE(spelling->isAvailable());
+    };
+    damaged("");
+    damaged("12\n");
+    damaged("\x7F"
+            "ELF\x02\x01\nword\n");
+    write(folder.filePath(u"fr_FR.aff"_s), "SET UTF-8\n");
+    write(folder.filePath(u"fr_FR.dic"_s), "1\nmot\n");
+    const auto good = checker({u"fr"_s, u"en"_s});
+    EXPECT_EQ(answer(*good, u"mot"_s), correct);
+    EXPECT_EQ(answer(*good, u"wrod"_s), wrong);
+}
+
+TEST(SpellDictionaryTest, FindsTheDictionaryOfALanguage)
+{
+    const QTemporaryDir folder;
+    for (const QString &name : {u"de_CH"_s, u"de_DE"_s, u"en_GB"_s, u"fi"_s, u"hyph_sv"_s, u"pt_BR"_s}) {
+        for (const QString &suffix : {u".aff"_s, u".dic"_s}) {
+            QFile file(folder.filePath(name + suffix));
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        }
+    }
+    ASSERT_TRUE(QFile::remove(folder.filePath(u"en_GB.aff"_s)));
+    const auto namesFor = [&](const QStringList &languages) {
+        QStringList names;
+        for (const auto &files : SpellDictionary::installed({folder.path(), data}, languages)) {
+            names << files.name;
+        }
+        return names;
+    };
+    EXPECT_EQ(namesFor({u"de_CH.UTF-8@euro"_s}), QStringList(u"de_CH"_s));
+    EXPECT_EQ(namesFor({u"de"_s, u"de-DE"_s}), QStringList(u"de_DE"_s));
+    EXPECT_EQ(namesFor({u"de_LU"_s, u"en_GB"_s}), QStringList({u"de_DE"_s, u"en_US"_s}));
+    EXPECT_EQ(namesFor({u"fi_FI"_s, u"pt"_s, u"sv"_s, u"C"_s, u""_s}), QStringList({u"fi"_s, u"pt_BR"_s}));
+
+    const std::map<std::string, QString> variables = {
+        {"DICPATH", u"/one:relative:/two/"_s}, {"HOME", u"/home/ann"_s}, {"XDG_DATA_DIRS", u"/opt/share"_s}};
+    const QStringList folders = SpellDictionary::folders([&](const char *name) {
+        const auto found = variables.find(name);
+        return found == variables.end() ? QString() : found->second;
+    });
+    EXPECT_EQ(folders.first(3), QStringList({u"/one"_s, u"/two"_s, u"/home/ann/.local/share/hunspell"_s}));
+    EXPECT_THAT(folders, testing::IsSupersetOf({u"/opt/share/hunspell"_s, u"/usr/share/hunspell"_s, u"/usr/share/myspell/dicts"_s}));
+}
