@@ -133,6 +133,7 @@ void FindBar::makeRows()
 void FindBar::connectControls()
 {
     connect(m_pattern, &QLineEdit::textChanged, this, &FindBar::queryEdited);
+    connect(m_replacement, &QLineEdit::textChanged, &m_finder, &TextFinder::forgetReplacementError);
     for (const QToolButton *toggle : {m_matchCase, m_wholeWords, m_expression}) {
         connect(toggle, &QToolButton::toggled, this, &FindBar::queryEdited);
     }
@@ -485,7 +486,7 @@ bool FindBar::eventFilter(QObject *watched, QEvent *event)
         }
         break;
     case QEvent::FocusOut:
-        if (watched == m_pattern && m_isOpen) {
+        if (m_isOpen) {
             m_finder.share();
         }
         break;

@@ -176,6 +176,8 @@ TEST(FindBar, SaysWhatIsWrongWithAnExpression)
     EXPECT_EQ(editor.field(1)->state(), FindField::State::wrong);
     EXPECT_THAT(editor.message().toStdString(), testing::HasSubstr("group 2"));
     editor.field(1)->setText(u"<$1>"_s);
+    EXPECT_EQ(editor.field(1)->state(), FindField::State::normal) << "what was typed since may be right";
+    EXPECT_EQ(editor.message(), QString());
     editor.button(u"Replace"_s)->click();
     EXPECT_EQ(editor.marked(), "a<1> b^22|");
     EXPECT_EQ(editor.message(), QString());
@@ -235,6 +237,13 @@ TEST(FindBar, TakesTheSelectionAndFollowsOtherWindows)
     editor.view->setSelection({0, 3});
     editor.perform(FindAction::useSelection);
     EXPECT_EQ(other.field(0)->text(), u"a\\.b"_s) << "as an expression it stands for itself";
+
+    editor.button(u"Match Case"_s)->setFocus();
+    editor.key(Qt::Key_Space);
+    editor.view->setFocus();
+    editor.view->setSelection({0, 0});
+    editor.perform(FindAction::showFindBar);
+    EXPECT_TRUE(editor.button(u"Match Case"_s)->isChecked()) << "as the bar was left";
 }
 
 TEST(FindBar, RemembersWhatWasSought)
