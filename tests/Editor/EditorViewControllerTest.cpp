@@ -227,9 +227,16 @@ TEST_F(EditorTest, TheBannerSaysWhatHappenedAndDoesItsWork)
     pass(Scheduler::Milliseconds(1600));
     ASSERT_TRUE(banner(*editor));
     EXPECT_EQ(banner(*editor)->accessibleName(), u"“a.c” changed on disk and has unsaved edits here."_s);
-    button(*editor, u"Keep Mine"_s)->click();
+    const QPointer<QPushButton> keep = button(*editor, u"Keep Mine"_s);
+    keep->setFocus();
+    text.storage().replaceCharacters({0, 2}, u"My");
+    write("their other version");
+    pass(Scheduler::Milliseconds(1600));
+    ASSERT_EQ(button(*editor, u"Keep Mine"_s), keep) << "a button that is being pressed stays";
+    EXPECT_TRUE(keep->hasFocus());
+    keep->click();
     EXPECT_FALSE(banner(*editor));
-    EXPECT_EQ(text.storage().string(), u"my one"_s);
+    EXPECT_EQ(text.storage().string(), u"My one"_s);
     EXPECT_TRUE(text.isDirty());
 
     write("their second version");
