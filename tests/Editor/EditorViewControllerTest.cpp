@@ -307,6 +307,23 @@ TEST_F(EditorTest, AClickOnANumberSelectsItsLine)
     EXPECT_EQ(view.selection(), (TextSelection{rope.lineStart(2), rope.lineStart(5)}));
     QTest::mouseMove(&view.ruler(), at(1));
     EXPECT_EQ(view.selection(), (TextSelection{rope.lineStart(3), 0}));
+    QTest::mouseRelease(&view.ruler(), Qt::LeftButton, {}, at(1));
+
+    QTest::mouseClick(&view.ruler(), Qt::LeftButton, Qt::ShiftModifier, at(4));
+    EXPECT_EQ(view.selection(), (TextSelection{rope.lineStart(2), rope.lineStart(4)})) << "from where the selection began";
+
+    QTest::mousePress(&view.ruler(), Qt::LeftButton, {}, at(3));
+    QTest::mouseMove(&view.ruler(), QPoint(5, view.ruler().height() + 20));
+    pass(Scheduler::Milliseconds(1000));
+    EXPECT_EQ(view.selection(), (TextSelection{rope.lineStart(2), rope.length()})) << "scrolls while the pointer rests outside";
+    EXPECT_GT(view.scrollOffset(), 0);
+    QTest::mouseRelease(&view.ruler(), Qt::LeftButton, {}, QPoint(5, view.ruler().height() + 20));
+
+    QInputMethodEvent composing(u"´"_s, {});
+    view.setSelection(TextSelection::at(0));
+    QApplication::sendEvent(&view, &composing);
+    QTest::mouseClick(&view.ruler(), Qt::LeftButton, {}, at(10));
+    EXPECT_FALSE(view.isComposing()) << "what was composed stays where it is";
 }
 
 TEST_F(EditorTest, TypingPaintsTheRulerOnlyWhereItChanges)
