@@ -181,6 +181,14 @@ TEST(FindBar, SaysWhatIsWrongWithAnExpression)
     editor.button(u"Replace"_s)->click();
     EXPECT_EQ(editor.marked(), "a<1> b^22|");
     EXPECT_EQ(editor.message(), QString());
+
+    const QString hard = (QString(60, u'a') + u"b\n"_s).repeated(50);
+    editor.storage.replaceCharacters({0, editor.storage.length()}, hard);
+    editor.field(0)->setText(u"(a+)+$"_s);
+    EXPECT_EQ(editor.note(), u"Not found"_s);
+    EXPECT_THAT(editor.message().toStdString(), testing::HasSubstr("too hard")) << "so that nobody relies on it";
+    editor.field(0)->setText(u"c"_s);
+    EXPECT_EQ(editor.message(), QString());
 }
 
 TEST(FindBar, ClosesToTheTextAndWorksClosed)
