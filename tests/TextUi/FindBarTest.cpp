@@ -270,6 +270,12 @@ TEST(FindBar, RemembersWhatWasSought)
         seen << editor.field(0)->text();
     }
     EXPECT_EQ(seen, (QStringList{u"three"_s, u"one"_s, u"two"_s, u"two"_s, u"one"_s, u"three"_s, u"new"_s}));
+    seen.clear();
+    for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Up, Qt::Key_Return, Qt::Key_Up, Qt::Key_Down}) {
+        editor.key(key);
+        seen << editor.field(0)->text();
+    }
+    EXPECT_EQ(seen, (QStringList{u"three"_s, u"one"_s, u"one"_s, u"three"_s, u"one"_s})) << "what is sought again is the latest";
 }
 
 TEST(FindBar, ReplacesTheSelectedHitOnly)
