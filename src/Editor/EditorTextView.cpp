@@ -78,13 +78,14 @@ const ActionRow *EditorTextView::actionFor(Selector selector) const
 
 void EditorTextView::setTheme(const Theme &theme, CurrentLine currentLine)
 {
+    // Dark grounds take little of the colour, or comments could not be read on it.
     setColors({.background = colorOf(theme.background),
                .text = colorOf(theme.foreground),
                .selection = colorOf(theme.selection),
                .caret = colorOf(theme.caret),
                .currentLine = currentLine == CurrentLine::highlighted ? colorOf(theme.currentLine) : QColor(),
                .invisibles = colorOf(theme.invisibles),
-               .mark = colorOf(blended(theme.background, theme.isDark ? 0xFFD8A200 : 0xFFFFC800, theme.isDark ? 0.45 : 0.5))});
+               .mark = colorOf(blended(theme.background, theme.isDark ? 0xFFD8A200 : 0xFFFFC800, theme.isDark ? 0.22 : 0.5))});
     m_ruler->setTheme(theme);
     m_ruler->setHighlightsCurrentLine(currentLine == CurrentLine::highlighted ? LineNumberRulerView::CurrentLine::highlighted
                                                                               : LineNumberRulerView::CurrentLine::plain);
@@ -237,6 +238,7 @@ void EditorTextView::dragMoveEvent(QDragMoveEvent *event)
         TextView::dragMoveEvent(event);
         return;
     }
+    setDropCaret({});
     event->setDropAction(Qt::CopyAction);
     event->accept();
 }
@@ -248,6 +250,7 @@ void EditorTextView::dropEvent(QDropEvent *event)
         TextView::dropEvent(event);
         return;
     }
+    setDropCaret({});
     event->setDropAction(Qt::CopyAction);
     event->accept();
     m_delegate->editorTextViewDidDropFiles(*this, paths);

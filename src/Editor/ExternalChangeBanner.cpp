@@ -10,6 +10,7 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 
+#include <algorithm>
 #include <array>
 #include <span>
 
@@ -61,15 +62,24 @@ ExternalChangeBanner::ExternalChangeBanner(QWidget *parent)
 
 void ExternalChangeBanner::configure(TextDocument::ExternalState state, const QString &filename)
 {
-    for (QPushButton *button : std::exchange(m_buttons, {})) {
-        // One of them may be what led here.
-        button->hide();
-        button->deleteLater();
-    }
     const StateRow *row = rowOf(state);
     const QString sentence = row ? formatted(localized(row->sentence), filename) : QString();
-    for (const ButtonRow &button : row ? std::span<const ButtonRow>(row->buttons) : std::span<const ButtonRow>()) {
-        addButton(localized(button.title), button.callback);
+    const auto buttons = row ? std::span<const ButtonRow>(row->buttons) : std::span<const ButtonRow>();
+    // Buttons that stay the same stay: one of them may be pressed or have the focus.
+    const auto shows = [](const QPushButton *shown, const ButtonRow &wanted) { return shown->text() == localized(wanted.title); };
+    if (!std::ranges::equal(m_buttons, buttons, shows)) {
+        const bool hadFocus = std::ranges::any_of(m_buttons, &QPushButton::hasFocus);
+        for (QPushButton *button : std::exchange(m_buttons, {})) {
+            // One of them may be what led here.
+            button->hide();
+            button->deleteLater();
+        }
+        for (const ButtonRow &button : buttons) {
+            addButton(localized(button.title), button.callback);
+        }
+        if (hadFocus && !m_buttons.empty()) {
+            m_buttons.front()->setFocus();
+        }
     }
     if (m_label->text() != sentence) {
         m_label->setText(sentence);

@@ -35,6 +35,12 @@ double pointSize(const QFont &font)
     return font.pointSizeF() > 0 ? font.pointSizeF() : QFontInfo(font).pointSizeF();
 }
 
+/// The place at the left edge of the text's viewport, which begins and ends where the ruler does.
+QPointF besideText(const QMouseEvent &event)
+{
+    return {0, event.position().y()};
+}
+
 QColor colorOf(quint32 color)
 {
     return QColor::fromRgb(color);
@@ -167,27 +173,21 @@ void LineNumberRulerView::mousePressEvent(QMouseEvent *event)
         return;
     }
     m_client.setFocus(Qt::MouseFocusReason);
-    m_pressedLine = m_client.textViewport().rowAt(event->position().y()).row.line;
-    selectLines(m_pressedLine, m_pressedLine);
+    const bool isExtended = event->modifiers().testFlag(Qt::ShiftModifier);
+    m_client.beginSelectingLines(besideText(*event), isExtended ? TextView::LineSelection::extended : TextView::LineSelection::anew);
 }
 
 void LineNumberRulerView::mouseMoveEvent(QMouseEvent *event)
 {
     if (event->buttons() & Qt::LeftButton) {
-        selectLines(m_pressedLine, m_client.textViewport().rowAt(event->position().y()).row.line);
-        m_client.revealCaret();
+        m_client.goOnSelecting(besideText(*event));
     }
 }
 
-/// From one line to the other, in whichever order, the breaks included.
-void LineNumberRulerView::selectLines(qsizetype from, qsizetype to)
+void LineNumberRulerView::mouseReleaseEvent(QMouseEvent *event)
 {
-    const Rope &text = m_client.storage().text();
-    const auto endOf = [&text](qsizetype line) { return line + 1 < text.lineCount() ? text.lineStart(line + 1) : text.length(); };
-    if (to < from) {
-        m_client.setSelection({endOf(from), text.lineStart(to)});
-    } else {
-        m_client.setSelection({text.lineStart(from), endOf(to)});
+    if (event->button() == Qt::LeftButton) {
+        m_client.endSelecting();
     }
 }
 

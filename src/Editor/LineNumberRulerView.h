@@ -13,7 +13,8 @@
 class TextView;
 
 /// The gutter at the left of a text view: the number of each line that is seen, that of the caret's line brighter. It asks the layout for
-/// the rows on the screen and for nothing else. A click selects the line, dragging selects lines.
+/// the rows on the screen and for nothing else. A click selects the line, dragging or a click with
+/// Shift selects lines.
 class LineNumberRulerView final : public QWidget {
     Q_OBJECT
 
@@ -49,6 +50,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
 private:
@@ -65,7 +67,6 @@ private:
     [[nodiscard]] Shown shown() const;
     [[nodiscard]] qsizetype currentLine() const;
     [[nodiscard]] QString labelOf(const RowPosition &row) const;
-    void selectLines(qsizetype from, qsizetype to);
 
     TextView &m_client;
     const Theme *m_theme;
@@ -75,6 +76,5 @@ private:
     int m_thickness = 0;
     /// That the thickness has room for.
     qsizetype m_digits = 0;
-    qsizetype m_pressedLine = 0;
     std::optional<Shown> m_shown;
 };

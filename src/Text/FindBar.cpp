@@ -144,6 +144,7 @@ void FindBar::makeRows()
 void FindBar::connectControls()
 {
     connect(m_pattern, &QLineEdit::textChanged, this, &FindBar::queryEdited);
+    connect(m_replacement, &QLineEdit::textChanged, &m_finder, &TextFinder::forgetReplacementError);
     for (const QToolButton *toggle : {m_matchCase, m_wholeWords, m_expression}) {
         connect(toggle, &QToolButton::toggled, this, &FindBar::queryEdited);
     }
@@ -338,20 +339,18 @@ QString FindBar::noteText() const
 void FindBar::showStatus()
 {
     const TextFinder::Status status = m_finder.status();
-    QString explanation;
-    if (status.isIncomplete) {
-        explanation = localized(u"The expression is too hard for parts of this text. There may be more hits.");
-    } else if (status.hasWrapped) {
-        explanation = localized(u"The search went on at the other end of the text.");
-    }
-    m_pattern->setNote(noteText(), explanation);
+    m_pattern->setNote(noteText(), status.hasWrapped ? localized(u"The search went on at the other end of the text.") : QString());
     m_pattern->setState(m_finder.patternError().isEmpty() ? FindField::State::normal : FindField::State::wrong);
     m_replacement->setState(m_finder.replacementError().isEmpty() ? FindField::State::normal : FindField::State::wrong);
     const bool canFind = !m_finder.query().pattern.isEmpty() && m_finder.patternError().isEmpty();
     for (QToolButton *button : {m_previous, m_next, m_replace, m_replaceAll}) {
         button->setEnabled(canFind);
     }
-    showMessage(m_finder.patternError().isEmpty() ? m_finder.replacementError() : m_finder.patternError());
+    QString message = m_finder.patternError().isEmpty() ? m_finder.replacementError() : m_finder.patternError();
+    if (message.isEmpty() && status.isIncomplete) {
+        message = localized(u"The expression is too hard for parts of this text. There may be more hits.");
+    }
+    showMessage(message);
     if (m_rows == Rows::findAndReplace && !m_finder.canReplace()) {
         setRows(Rows::find);
     }
@@ -496,7 +495,7 @@ bool FindBar::eventFilter(QObject *watched, QEvent *event)
         }
         break;
     case QEvent::FocusOut:
-        if (watched == m_pattern && m_isOpen) {
+        if (m_isOpen) {
             m_finder.share();
         }
         break;

@@ -34,7 +34,6 @@ FindField::FindField(History history, QWidget *parent) : QLineEdit(parent), m_hi
     m_note->setForegroundRole(QPalette::PlaceholderText);
     m_note->setAttribute(Qt::WA_TransparentForMouseEvents);
     m_note->hide();
-    connect(this, &QLineEdit::textEdited, this, [this] { m_entry = -1; });
 }
 
 void FindField::setNote(const QString &note, const QString &explanation)
@@ -104,15 +103,20 @@ void FindField::keyPressEvent(QKeyEvent *event)
 {
     const bool isPlain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
     if (isPlain && (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down)) {
-        showEntry(m_entry + (event->key() == Qt::Key_Up ? 1 : -1));
+        stepThroughHistory(event->key() == Qt::Key_Up ? 1 : -1);
         return;
     }
     QLineEdit::keyPressEvent(event);
 }
 
-void FindField::showEntry(int entry)
+void FindField::stepThroughHistory(int step)
 {
     const QStringList history = m_history();
+    // The entry may have been edited, or be another since a search put its text first.
+    if (m_entry >= history.size() || (m_entry >= 0 && history[m_entry] != text())) {
+        m_entry = -1;
+    }
+    int entry = m_entry + step;
     if (m_entry < 0) {
         m_typed = text();
         // What is entered already is no step back.

@@ -32,7 +32,7 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
-    void showEntry(int entry);
+    void stepThroughHistory(int step);
     void placeNote();
     void applyState();
 

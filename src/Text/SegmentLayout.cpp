@@ -136,7 +136,9 @@ int SegmentLayout::rowAt(qsizetype offset) const
 
 double SegmentLayout::rowWidth(int row) const
 {
-    return m_layout.lineAt(row).naturalTextWidth();
+    const QTextLine line = m_layout.lineAt(row);
+    // Where the row ends for the caret: the natural width also counts how far the last letter leans out.
+    return m_mixesDirections ? line.naturalTextWidth() : line.cursorToX(line.textStart() + line.textLength());
 }
 
 double SegmentLayout::xOf(int row, qsizetype offset) const

@@ -73,6 +73,14 @@ void TextFinder::setQuery(const SearchQuery &query)
     refresh();
 }
 
+void TextFinder::forgetReplacementError()
+{
+    if (!m_replacementError.isEmpty()) {
+        m_replacementError.clear();
+        emit statusChanged();
+    }
+}
+
 void TextFinder::share()
 {
     m_services.shared.setQuery(m_query);

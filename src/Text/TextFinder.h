@@ -64,6 +64,8 @@ public:
     /// What is wrong with the pattern; empty when nothing is.
     [[nodiscard]] const QString &patternError() const { return m_patternError; }
     [[nodiscard]] const QString &replacementError() const { return m_replacementError; }
+    /// Another replacement is being typed, which may be right.
+    void forgetReplacementError();
     [[nodiscard]] Status status();
 
     /// Hits are marked and counted while the marks are shown.

@@ -113,6 +113,13 @@ public:
     void deleteTo(Motion motion);
     void scrollRows(int rows);
 
+    // For a gutter beside the text, which selects whole lines by a press and by dragging on. Points are the viewport's.
+    enum class LineSelection { anew, extended };
+    void beginSelectingLines(QPointF point, LineSelection how);
+    /// Scrolls by itself as long as the pointer is outside.
+    void goOnSelecting(QPointF point);
+    void endSelecting();
+
     [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
 
 signals:
@@ -135,6 +142,8 @@ protected:
     [[nodiscard]] static QString withLineFeeds(QString text);
     /// What an input method has shown so far becomes text.
     void commitPreedit();
+    /// Where a drag that is under way would leave its text; none when it would not.
+    void setDropCaret(std::optional<qsizetype> offset);
 
     /// Lets the user drag `content`, which it takes over, and tells how that ended. Tests drop it at once.
     virtual Qt::DropAction runDrag(QMimeData *content, Qt::DropActions allowed, Qt::DropAction proposed);
@@ -227,7 +236,6 @@ private:
     void startDrag();
     /// False when it was refused. `taken` is what goes away where the text came from.
     bool dropText(const QString &text, qsizetype offset, TextRange taken);
-    void setDropCaret(std::optional<qsizetype> offset);
     [[nodiscard]] TextRange granule(qsizetype offset, Granularity granularity) const;
 
     void sendAccessibleChanges(const TextChangeList &changes);

@@ -163,11 +163,27 @@ void TextView::mouseMoveEvent(QMouseEvent *event)
         }
         return;
     }
+    goOnSelecting(event->position());
+}
+
+void TextView::beginSelectingLines(QPointF point, LineSelection how)
+{
+    commitPreedit();
+    // The end of lines that were selected upwards is the start of the next line.
+    const qsizetype kept = m_anchor > m_caret.offset ? m_anchor - 1 : m_anchor;
+    const qsizetype from = how == LineSelection::extended ? kept : caretAt(point).offset;
+    selectAt({from, Affinity::downstream, {}}, Granularity::line);
+    goOnSelecting(point);
+}
+
+void TextView::goOnSelecting(QPointF point)
+{
     if (!m_pointer.isSelecting) {
         return;
     }
-    extendSelection(event->position());
-    if (QRectF(viewport()->rect()).contains(event->position())) {
+    m_pointer.last = point;
+    extendSelection(point);
+    if (QRectF(viewport()->rect()).contains(point)) {
         m_autoScroll.cancel();
     } else if (!m_autoScroll.isPending()) {
         m_autoScroll = m_services.scheduler.every(30ms, 5ms, [this] { autoScroll(); });
@@ -192,13 +208,18 @@ void TextView::mouseReleaseEvent(QMouseEvent *event)
     if (event->button() != Qt::LeftButton) {
         return;
     }
-    m_autoScroll.cancel();
     if (m_pointer.mayDrag) {
         // The press in the selection was no drag: it meant the place.
         m_pointer.mayDrag = false;
         const Caret caret = caretAt(event->position());
         setCaret(caret, caret.offset);
     }
+    endSelecting();
+}
+
+void TextView::endSelecting()
+{
+    m_autoScroll.cancel();
     m_pointer.isSelecting = false;
     // A whole word or line may end far outside, and what was clicked at is in sight.
     if (m_pointer.granularity == Granularity::character) {

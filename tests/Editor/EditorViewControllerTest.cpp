@@ -16,12 +16,16 @@
 #include "Text/FindState.h"
 #include "TextUi/ViewFixture.h"
 
+#include <QDropEvent>
 #include <QFile>
 #include <QMenu>
+#include <QMimeData>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <cmath>
 
 #include <gtest/gtest.h>
 
@@ -230,9 +234,16 @@ TEST_F(EditorTest, TheBannerSaysWhatHappenedAndDoesItsWork)
     pass(Scheduler::Milliseconds(1600));
     ASSERT_TRUE(banner(*editor));
     EXPECT_EQ(banner(*editor)->accessibleName(), u"“a.c” changed on disk and has unsaved edits here."_s);
-    button(*editor, u"Keep Mine"_s)->click();
+    const QPointer<QPushButton> keep = button(*editor, u"Keep Mine"_s);
+    keep->setFocus();
+    text.storage().replaceCharacters({0, 2}, u"My");
+    write("their other version");
+    pass(Scheduler::Milliseconds(1600));
+    ASSERT_EQ(button(*editor, u"Keep Mine"_s), keep) << "a button that is being pressed stays";
+    EXPECT_TRUE(keep->hasFocus());
+    keep->click();
     EXPECT_FALSE(banner(*editor));
-    EXPECT_EQ(text.storage().string(), u"my one"_s);
+    EXPECT_EQ(text.storage().string(), u"My one"_s);
     EXPECT_TRUE(text.isDirty());
 
     write("their second version");
@@ -303,6 +314,74 @@ TEST_F(EditorTest, AClickOnANumberSelectsItsLine)
     EXPECT_EQ(view.selection(), (TextSelection{rope.lineStart(2), rope.lineStart(5)}));
     QTest::mouseMove(&view.ruler(), at(1));
     EXPECT_EQ(view.selection(), (TextSelection{rope.lineStart(3), 0}));
+    QTest::mouseRelease(&view.ruler(), Qt::LeftButton, {}, at(1));
+
+    QTest::mouseClick(&view.ruler(), Qt::LeftButton, Qt::ShiftModifier, at(4));
+    EXPECT_EQ(view.selection(), (TextSelection{rope.lineStart(2), rope.lineStart(4)})) << "from where the selection began";
+
+    QTest::mousePress(&view.ruler(), Qt::LeftButton, {}, at(3));
+    QTest::mouseMove(&view.ruler(), QPoint(5, view.ruler().height() + 20));
+    pass(Scheduler::Milliseconds(1000));
+    EXPECT_EQ(view.selection(), (TextSelection{rope.lineStart(2), rope.length()})) << "scrolls while the pointer rests outside";
+    EXPECT_GT(view.scrollOffset(), 0);
+    QTest::mouseRelease(&view.ruler(), Qt::LeftButton, {}, QPoint(5, view.ruler().height() + 20));
+
+    QInputMethodEvent composing(u"´"_s, {});
+    view.setSelection(TextSelection::at(0));
+    QApplication::sendEvent(&view, &composing);
+    QTest::mouseClick(&view.ruler(), Qt::LeftButton, {}, at(10));
+    EXPECT_FALSE(view.isComposing()) << "what was composed stays where it is";
+}
+
+TEST_F(EditorTest, NoDropCaretStaysWhenADragIsOfFilesAgain)
+{
+    const auto editor = open(openFile("one two"));
+    EditorTextView &view = editor->textView();
+    view.setSelection(TextSelection::at(7));
+    QMimeData files;
+    files.setUrls({QUrl::fromLocalFile(path)});
+    const auto drawn = [&] { return view.viewport()->grab().toImage(); };
+    const auto drag = [&](Qt::KeyboardModifiers modifiers) {
+        QDragMoveEvent move(QPoint(20, 15), Qt::CopyAction, &files, Qt::LeftButton, modifiers);
+        QApplication::sendEvent(view.viewport(), &move);
+    };
+    QDragEnterEvent enter(QPoint(20, 15), Qt::CopyAction, &files, Qt::LeftButton, {});
+    QApplication::sendEvent(view.viewport(), &enter);
+    const QImage before = drawn();
+    drag(Qt::AltModifier);
+    EXPECT_NE(drawn(), before);
+    drag({});
+    EXPECT_EQ(drawn(), before);
+    drag(Qt::AltModifier);
+    QDropEvent drop(QPoint(20, 15), Qt::CopyAction, &files, Qt::LeftButton, {});
+    QApplication::sendEvent(view.viewport(), &drop);
+    EXPECT_EQ(drawn(), before);
+    EXPECT_EQ(dropped, QStringList(path));
+}
+
+TEST_F(EditorTest, MarkedTextCanBeReadInEveryTheme)
+{
+    const auto contrast = [](quint32 one, quint32 other) {
+        const auto luminance = [](quint32 color) {
+            const auto linear = [](double part) { return part <= 0.04 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4); };
+            const QColor rgb = QColor::fromRgb(color);
+            return 0.2126 * linear(rgb.redF()) + 0.7152 * linear(rgb.greenF()) + 0.0722 * linear(rgb.blueF()) + 0.05;
+        };
+        const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
+        return lighter / darker;
+    };
+    const auto editor = open(document(QString()));
+    for (const Theme &theme : Theme::all()) {
+        editor->textView().setTheme(theme, EditorTextView::CurrentLine::plain);
+        const quint32 mark = editor->textView().colors().mark.rgb();
+        EXPECT_GT(contrast(mark, theme.background), 1.2) << theme.name.toUtf8().data();
+        for (const quint32 color : theme.colors) {
+            if (color != 0) {
+                EXPECT_GT(contrast(color, mark), 0.6 * contrast(color, theme.background))
+                    << theme.name.toUtf8().data() << std::hex << color;
+            }
+        }
+    }
 }
 
 TEST_F(EditorTest, TypingPaintsTheRulerOnlyWhereItChanges)

@@ -176,8 +176,18 @@ TEST(FindBar, SaysWhatIsWrongWithAnExpression)
     EXPECT_EQ(editor.field(1)->state(), FindField::State::wrong);
     EXPECT_THAT(editor.message().toStdString(), testing::HasSubstr("group 2"));
     editor.field(1)->setText(u"<$1>"_s);
+    EXPECT_EQ(editor.field(1)->state(), FindField::State::normal) << "what was typed since may be right";
+    EXPECT_EQ(editor.message(), QString());
     editor.button(u"Replace"_s)->click();
     EXPECT_EQ(editor.marked(), "a<1> b^22|");
+    EXPECT_EQ(editor.message(), QString());
+
+    const QString hard = (QString(60, u'a') + u"b\n"_s).repeated(50);
+    editor.storage.replaceCharacters({0, editor.storage.length()}, hard);
+    editor.field(0)->setText(u"(a+)+$"_s);
+    EXPECT_EQ(editor.note(), u"Not found"_s);
+    EXPECT_THAT(editor.message().toStdString(), testing::HasSubstr("too hard")) << "so that nobody relies on it";
+    editor.field(0)->setText(u"c"_s);
     EXPECT_EQ(editor.message(), QString());
 }
 
@@ -235,6 +245,13 @@ TEST(FindBar, TakesTheSelectionAndFollowsOtherWindows)
     editor.view->setSelection({0, 3});
     editor.perform(FindAction::useSelection);
     EXPECT_EQ(other.field(0)->text(), u"a\\.b"_s) << "as an expression it stands for itself";
+
+    editor.button(u"Match Case"_s)->setFocus();
+    editor.key(Qt::Key_Space);
+    editor.view->setFocus();
+    editor.view->setSelection({0, 0});
+    editor.perform(FindAction::showFindBar);
+    EXPECT_TRUE(editor.button(u"Match Case"_s)->isChecked()) << "as the bar was left";
 }
 
 TEST(FindBar, RemembersWhatWasSought)
@@ -253,6 +270,12 @@ TEST(FindBar, RemembersWhatWasSought)
         seen << editor.field(0)->text();
     }
     EXPECT_EQ(seen, (QStringList{u"three"_s, u"one"_s, u"two"_s, u"two"_s, u"one"_s, u"three"_s, u"new"_s}));
+    seen.clear();
+    for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Up, Qt::Key_Return, Qt::Key_Up, Qt::Key_Down}) {
+        editor.key(key);
+        seen << editor.field(0)->text();
+    }
+    EXPECT_EQ(seen, (QStringList{u"three"_s, u"one"_s, u"one"_s, u"three"_s, u"one"_s})) << "what is sought again is the latest";
 }
 
 TEST(FindBar, ReplacesTheSelectedHitOnly)

@@ -219,6 +219,16 @@ TEST(Paint, WhatIsMeasuredLeftOfTheViewRepaintsIt)
     EXPECT_TRUE(old == canvas.picture());
 }
 
+TEST(Paint, ASelectedBreakJoinsALetterThatLeansOut)
+{
+    ViewFixture fixture(u"7\nf\nT\n)\n"_s);
+    fixture.storage.setStyle({0, fixture.storage.length()}, fixture.storage.styles().intern({.isItalic = true}));
+    for (qsizetype line = 0; line < 4; ++line) {
+        const RowPosition row = fixture.view.layoutManager().rowOf(2 * line);
+        EXPECT_EQ(fixture.view.layoutManager().widthOf(row), fixture.view.layoutManager().xOf(row, 2 * line + 1)) << "line " << line;
+    }
+}
+
 TEST(Paint, AKeyRepaintsItsRowAndLaysOutItsLine)
 {
     ViewFixture fixture(QString(u"a line of text\n"_s).repeated(100'000), {600, 600});
