@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "App/AppDelegate.h"
 #include "App/CommandLine.h"
-#include "App/MainWindow.h"
 #include "App/TerminationSignals.h"
 #include "Editor/SpellingPanel.h"
 #include "Model/DocumentStore.h"
@@ -11,6 +11,7 @@
 #include "Platform/SpellChecker.h"
 #include "Platform/SymbolIcon.h"
 #include "Platform/SystemAppearance.h"
+#include "Platform/SystemDesktop.h"
 #include "Platform/SystemPasteboard.h"
 #include "Platform/ToolkitTexts.h"
 #include "Platform/WidgetAlertPresenter.h"
@@ -74,12 +75,12 @@ int run(QApplication &application, const QStringList &files)
     const auto spellingLanguages = notifications.observe(Localization::didChangeNotification, nullptr, [&spellChecker] {
         spellChecker.setLanguages(SpellChecker::systemSetup().languages);
     });
-    MainWindow window(
-        {scheduler, notifications, defaults, preferences, pasteboard, presenter, documents, workers, find, &spellChecker, &spellingPanel});
-    window.show();
-    if (!files.isEmpty()) {
-        window.show(files.first());
-    }
+    SystemDesktop desktop;
+    AppDelegate delegate({scheduler, notifications, defaults, preferences, pasteboard, presenter, documents, workers, find, desktop,
+                          &spellChecker, &spellingPanel});
+    QApplication::setQuitOnLastWindowClosed(false);
+    QObject::connect(&delegate, &AppDelegate::finished, &application, &QCoreApplication::quit, Qt::QueuedConnection);
+    delegate.launch(files);
     return application.exec();
 }
 

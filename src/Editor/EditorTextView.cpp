@@ -3,14 +3,12 @@
 #include "Editor/EditorTextView.h"
 
 #include "Editor/LineNumberRulerView.h"
+#include "Platform/DroppedFiles.h"
 #include "Platform/Translation.h"
 #include "Text/TextStorage.h"
 
 #include <QDropEvent>
-#include <QFileInfo>
 #include <QMenu>
-#include <QMimeData>
-#include <QUrl>
 
 #include <array>
 
@@ -21,19 +19,10 @@ QColor colorOf(quint32 color)
     return QColor::fromRgb(color);
 }
 
-/// The files, folders left out, that a drag holds; none when it shall become text.
-QStringList droppedFiles(const QDropEvent &event)
+/// The files that a drag brings; none when it shall become text.
+QStringList filesOf(const QDropEvent &event)
 {
-    QStringList paths;
-    if (event.modifiers() & Qt::AltModifier) {
-        return paths;
-    }
-    for (const QUrl &url : event.mimeData()->urls()) {
-        if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isFile()) {
-            paths << url.toLocalFile();
-        }
-    }
-    return paths;
+    return event.modifiers().testFlag(Qt::AltModifier) ? QStringList() : droppedFiles(*event.mimeData());
 }
 
 } // namespace
@@ -224,7 +213,7 @@ void EditorTextView::mousePressEvent(QMouseEvent *event)
 
 void EditorTextView::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (droppedFiles(*event).isEmpty()) {
+    if (filesOf(*event).isEmpty()) {
         TextView::dragEnterEvent(event);
         return;
     }
@@ -234,7 +223,7 @@ void EditorTextView::dragEnterEvent(QDragEnterEvent *event)
 
 void EditorTextView::dragMoveEvent(QDragMoveEvent *event)
 {
-    if (droppedFiles(*event).isEmpty()) {
+    if (filesOf(*event).isEmpty()) {
         TextView::dragMoveEvent(event);
         return;
     }
@@ -245,7 +234,7 @@ void EditorTextView::dragMoveEvent(QDragMoveEvent *event)
 
 void EditorTextView::dropEvent(QDropEvent *event)
 {
-    const QStringList paths = droppedFiles(*event);
+    const QStringList paths = filesOf(*event);
     if (paths.isEmpty() || !m_delegate) {
         TextView::dropEvent(event);
         return;

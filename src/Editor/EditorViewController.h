@@ -63,7 +63,7 @@ public:
     /// Between the last scrolling or typing and the colouring of what came into view.
     static constexpr Scheduler::Milliseconds highlightDelay{50};
 
-    /// Begins where the document was left. `document` must outlive the editor.
+    /// Begins where the document was left, and keeps it alive.
     EditorViewController(const EditorServices &services, TextDocument &document, QWidget *parent = nullptr);
     ~EditorViewController() override;
 
@@ -111,6 +111,7 @@ private:
 
     EditorServices m_services;
     TextDocument &m_document;
+    std::shared_ptr<TextDocument> m_keepsDocument;
     EditorViewControllerDelegate *m_delegate = nullptr;
     QVBoxLayout *m_stack;
     EditorTextView *m_textView;

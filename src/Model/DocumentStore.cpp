@@ -32,8 +32,16 @@ void DocumentStore::remove(const TextDocument &document)
     if (m_services.discardDraft) {
         m_services.discardDraft(document.id());
     }
+    const std::shared_ptr<TextDocument> removed = *place;
     m_documents.erase(place);
     m_services.notifications.post(didChange, this);
+}
+
+TextDocument *DocumentStore::documentAt(const QString &path) const
+{
+    const QString identity = TextDocument::identityOf(path);
+    const auto found = std::ranges::find_if(m_documents, [&](const auto &open) { return !open->isUntitled() && open->identity() == identity; });
+    return found == m_documents.end() ? nullptr : found->get();
 }
 
 void DocumentStore::refreshAppearance()

@@ -20,12 +20,14 @@ public:
 
     [[nodiscard]] const DocumentServices &services() const { return m_services; }
     /// In the order in which they came.
-    [[nodiscard]] const std::vector<std::unique_ptr<TextDocument>> &documents() const { return m_documents; }
+    [[nodiscard]] const std::vector<std::shared_ptr<TextDocument>> &documents() const { return m_documents; }
 
     /// Takes the document; it is coloured when a view asks.
     TextDocument &add(std::unique_ptr<TextDocument> document);
-    /// Destroys the document; its views must be gone. Nothing happens when it is not here.
+    /// Gives the document up, and what was kept of it elsewhere. Nothing happens when it is not here.
     void remove(const TextDocument &document);
+    /// The document of the file at `path`, by whatever name it was opened; null when there is none. `path` is absolute.
+    [[nodiscard]] TextDocument *documentAt(const QString &path) const;
     /// The theme or the desktop's appearance changed.
     void refreshAppearance();
     [[nodiscard]] const Theme &theme() const;
@@ -33,5 +35,5 @@ public:
 private:
     DocumentServices m_services;
     AppearanceQuery m_appearance;
-    std::vector<std::unique_ptr<TextDocument>> m_documents;
+    std::vector<std::shared_ptr<TextDocument>> m_documents;
 };

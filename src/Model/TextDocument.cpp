@@ -47,7 +47,8 @@ TextChange differenceOf(const Rope &before, const Rope &after)
 
 TextDocument::TextDocument(const DocumentServices &services, const QString &path, const std::optional<TextFile::Contents> &contents,
                            const QUuid &id)
-    : m_services(services), m_id(id), m_undoManager(m_storage, [&scheduler = services.scheduler] { return scheduler.now(); }), m_path(path)
+    : m_services(services), m_id(id), m_undoManager(m_storage, [&scheduler = services.scheduler] { return scheduler.now(); }), m_path(path),
+      m_identity(path.isEmpty() ? QString() : identityOf(path))
 {
     if (contents) {
         {
@@ -65,6 +66,12 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
 }
 
 TextDocument::~TextDocument() = default;
+
+QString TextDocument::identityOf(const QString &path)
+{
+    const QString canonical = QFileInfo(path).canonicalFilePath();
+    return canonical.isEmpty() ? QDir::cleanPath(path) : canonical;
+}
 
 std::unique_ptr<TextDocument> TextDocument::generated(const DocumentServices &services, const QString &title, const QString &text,
                                                       const Language &language)
@@ -262,6 +269,7 @@ Result<void> TextDocument::save(const QString &path)
     }
     if (path != m_path) {
         m_path = path;
+        m_identity = identityOf(path);
         if (!languageWasChosenManually) {
             setLanguage(detectedLanguage());
         }

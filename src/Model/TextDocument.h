@@ -38,8 +38,10 @@ struct DocumentServices {
 /// that an edit taken back leaves it clean. A large text is hashed on a worker from a snapshot, and the answer counts only if nothing
 /// was typed meanwhile: no key waits for a pass over the text. What to do about a conflict is for the views; the document only tells.
 ///
+/// The store owns it; a view may hold it a little longer, until the event is over in which it was closed.
+///
 /// Main thread only. Paths are absolute. All notifications have the document as their object.
-class TextDocument final {
+class TextDocument final : public std::enable_shared_from_this<TextDocument> {
 public:
     /// Dirty flag, title, encoding, line ending, language, file or external state may have changed.
     static constexpr NotificationName didChangeMetadata = "QLT.DocumentDidChangeMetadata";
@@ -75,6 +77,10 @@ public:
     [[nodiscard]] UndoManager &undoManager() { return m_undoManager; }
     [[nodiscard]] const LineIndex &lineIndex() const { return m_lineIndex; }
     [[nodiscard]] const QString &path() const { return m_path; }
+    /// One name for a file, however it is reached; of a file that is not there its path without "." and "..". Asks the file system.
+    [[nodiscard]] static QString identityOf(const QString &path);
+    /// Of the document's file when it was opened or saved there.
+    [[nodiscard]] const QString &identity() const { return m_identity; }
     [[nodiscard]] bool isUntitled() const { return m_path.isEmpty(); }
     [[nodiscard]] bool isGenerated() const { return m_generatedTitle.has_value(); }
     /// The generated title, else the file's name, else "Untitled".
@@ -154,6 +160,7 @@ private:
     UndoManager m_undoManager;
     LineIndex m_lineIndex;
     QString m_path;
+    QString m_identity;
     bool m_isDirty = false;
     ExternalState m_externalState = ExternalState::none;
     bool m_isLoading = false;

@@ -53,6 +53,7 @@ struct CommandRow {
 [[nodiscard]] std::span<const CommandRow> highlightCommands();
 [[nodiscard]] std::span<const CommandRow> keysCommands();
 [[nodiscard]] std::span<const CommandRow> languageCommands();
+[[nodiscard]] std::span<const CommandRow> menuCommandRows();
 [[nodiscard]] std::span<const CommandRow> preferencesCommands();
 [[nodiscard]] std::span<const CommandRow> stringsCommands();
 

@@ -2,14 +2,15 @@
 // SPDX-License-Identifier: MIT
 #include "Command.h"
 
-#include "App/MainWindow.h"
-#include "App/MenuBar.h"
+#include "App/AppDelegate.h"
+#include "App/MainMenu.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "KeyWords.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
+#include "Platform/Desktop.h"
 #include "Platform/FirstResponder.h"
 #include "Platform/Pasteboard.h"
 #include "Text/FindState.h"
@@ -51,8 +52,10 @@ public:
     FileWatcherQueue watchers;
     DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
     FindState find;
-    AppServices services{scheduler, notifications, defaults, preferences, pasteboard, presenter, documents, workers, find};
+    RecordingDesktop desktop;
+    AppDelegate application{{scheduler, notifications, defaults, preferences, pasteboard, presenter, documents, workers, find, desktop}};
     QStringList actions;
+    QStringList messages;
 };
 
 void runEventLoop(int milliseconds)
@@ -83,21 +86,21 @@ void press(const KeyPress &key)
     }
 }
 
-void send(MainWindow &window, const QByteArray &selector, Stage &stage)
+void send(const QByteArray &selector, Stage &stage)
 {
-    Responder *responder = firstResponder(&window);
+    Responder *responder = firstResponder(stage.application.frontmostWindow());
     if (!responder || !responder->perform(Selector(selector.constData()))) {
         stage.presenter.beep();
     }
 }
 
-void play(MainWindow &window, const std::vector<KeyWord> &words, Stage &stage)
+void play(const std::vector<KeyWord> &words, Stage &stage)
 {
     for (const KeyWord &word : words) {
         if (const auto *key = std::get_if<KeyPress>(&word)) {
             press(*key);
         } else if (const auto *action = std::get_if<ActionWord>(&word)) {
-            send(window, action->selector, stage);
+            send(action->selector, stage);
         } else {
             runEventLoop(std::get<WaitWord>(word).milliseconds);
         }
@@ -106,40 +109,65 @@ void play(MainWindow &window, const std::vector<KeyWord> &words, Stage &stage)
     }
 }
 
-QJsonObject commandStates(MainWindow &window, bool (*answer)(const ActionState &))
+QJsonObject commandStates(const Stage &stage, bool (*answer)(const ActionState &))
 {
     QJsonObject states;
-    const Responder *responder = firstResponder(&window);
-    for (const MenuCommand &command : menuCommands()) {
+    const Responder *responder = firstResponder(stage.application.frontmostWindow());
+    for (const MenuCommand &command : MainMenu::commands()) {
         const auto name = command.selector.name();
-        states[QString::fromLatin1(name.data(), qsizetype(name.size()))] = responder && answer(responder->state(command.selector));
+        if (!name.empty()) {
+            states[QString::fromLatin1(name.data(), qsizetype(name.size()))] =
+                responder && answer(responder->state(command.selector, {.tag = command.tag}));
+        }
     }
     return states;
 }
 
-QJsonObject stateOf(MainWindow &window, const Stage &stage)
+QJsonObject stateOf(MainWindowController &window, const Stage &stage)
 {
-    const TextRange selected = window.textView().selection().range();
+    WorkspaceViewController &workspace = window.workspace();
+    const TextRange selected = workspace.currentEditor()->textView().selection().range();
     QJsonArray alerts;
     for (const Alert &alert : stage.presenter.alerts()) {
         alerts << alert.messageText;
     }
-    return {{u"text"_s, window.document().storage().string()},
+    QJsonArray tabs;
+    for (const auto &document : workspace.activePane()->documents()) {
+        tabs << document->displayName();
+    }
+    return {{u"text"_s, workspace.currentDocument()->storage().string()},
             {u"selection"_s, QJsonArray{selected.location, selected.length}},
-            {u"isDirty"_s, window.document().isDirty()},
+            {u"isDirty"_s, workspace.currentDocument()->isDirty()},
             {u"mode"_s, QJsonValue::Null},
             {u"pending"_s, QString()},
             {u"commandLine"_s, QJsonValue::Null},
             {u"registers"_s, QJsonObject()},
             {u"clipboard"_s, stage.pasteboard.text()},
-            {u"messages"_s, QJsonArray()},
+            {u"messages"_s, QJsonArray::fromStringList(stage.messages)},
             {u"actions"_s, QJsonArray::fromStringList(stage.actions)},
             {u"beeps"_s, stage.presenter.beepCount()},
-            {u"tabs"_s, QJsonArray{window.document().displayName()}},
-            {u"panes"_s, 1},
+            {u"tabs"_s, tabs},
+            {u"panes"_s, int(workspace.panes().size())},
             {u"alerts"_s, alerts},
-            {u"enabled"_s, commandStates(window, [](const ActionState &state) { return state.isEnabled; })},
-            {u"checked"_s, commandStates(window, [](const ActionState &state) { return state.checkMark == CheckMark::on; })}};
+            {u"enabled"_s, commandStates(stage, [](const ActionState &state) { return state.isEnabled; })},
+            {u"checked"_s, commandStates(stage, [](const ActionState &state) { return state.checkMark == CheckMark::on; })}};
+}
+
+/// Shows FILE and the others in tabs, FILE's in front, as the options want it.
+void prepare(MainWindowController &window, const QStringList &paths, const Arguments &arguments)
+{
+    WorkspaceViewController &workspace = window.workspace();
+    workspace.open(paths);
+    workspace.activePane()->selectDocument(0);
+    workspace.focusEditor();
+    if (const auto language = arguments.value(u"language")) {
+        workspace.currentDocument()->setLanguage(LanguageRegistry::withID(*language).value());
+    }
+    if (const auto range = arguments.value(u"select")) {
+        const TextRange selected = toRange(*range)->clampedTo(workspace.currentDocument()->storage().length());
+        workspace.currentEditor()->textView().setSelection({selected.location, selected.end()});
+    }
+    QCoreApplication::processEvents();
 }
 
 QJsonObject runKeys(const Arguments &arguments)
@@ -151,26 +179,24 @@ QJsonObject runKeys(const Arguments &arguments)
     if (const auto text = arguments.value(u"clipboard")) {
         stage.pasteboard.setTextFromElsewhere(*text);
     }
-    const QString path = QFileInfo(arguments.positionals.first()).absoluteFilePath();
-    if (const auto contents = TextFile::read(path); !contents) {
-        return answerOf(contents.error());
+    QStringList paths;
+    for (const QString &name : arguments.positionals + arguments.values(u"open")) {
+        paths << QFileInfo(name).absoluteFilePath();
+        if (const auto contents = TextFile::read(paths.last()); !contents) {
+            return answerOf(contents.error());
+        }
     }
-    MainWindow window(stage.services);
+    MainWindowController &window = stage.application.makeWindow();
     if (!activate(window)) {
         return {{u"error"_s, u"noWindow"_s}};
     }
-    window.show(path);
-    if (const auto language = arguments.value(u"language")) {
-        window.document().setLanguage(LanguageRegistry::withID(*language).value());
-    }
-    if (const auto range = arguments.value(u"select")) {
-        const TextRange selected = toRange(*range)->clampedTo(window.document().storage().length());
-        window.textView().setSelection({selected.location, selected.end()});
-    }
-    QCoreApplication::processEvents();
+    QObject::connect(&window.workspace().statusBar(), &StatusBarView::flashed, &window,
+                     [&stage](const QString &message) { stage.messages << message; });
+    prepare(window, paths, arguments);
     stage.actions.clear();
-    play(window, parseKeyWords(arguments.value(u"keys").value_or(QString())).value(), stage);
-    return stateOf(window, stage);
+    play(parseKeyWords(arguments.value(u"keys").value_or(QString())).value(), stage);
+    MainWindowController *shown = stage.application.frontmostWindow();
+    return shown ? stateOf(*shown, stage) : QJsonObject{{u"error"_s, u"noWindow"_s}};
 }
 
 bool areKeys(const QString &keys)
@@ -184,6 +210,7 @@ constexpr auto keysOptions = std::to_array<OptionRow>({
     {u"select", u"LOCATION,LENGTH", isRange},
     {u"language", u"ID", isLanguageID},
     {u"clipboard", u"TEXT"},
+    {u"open", u"FILE2"},
 });
 
 constexpr auto rows = std::to_array<CommandRow>({

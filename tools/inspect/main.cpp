@@ -18,7 +18,7 @@ namespace {
 enum ExitStatus { answered = 0, failed = 1, wrongArguments = 2 };
 
 constexpr auto subjects = std::to_array<std::span<const CommandRow> (*)()>(
-    {fileCommands, highlightCommands, keysCommands, languageCommands, preferencesCommands, stringsCommands});
+    {fileCommands, highlightCommands, keysCommands, languageCommands, menuCommandRows, preferencesCommands, stringsCommands});
 
 const CommandRow *commandNamed(const QString &name)
 {

@@ -1,0 +1,188 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "App/AppDelegate.h"
+
+#include "App/MainMenu.h"
+#include "Model/DocumentStore.h"
+#include "Platform/AlertPresenter.h"
+#include "Platform/Desktop.h"
+#include "Platform/Localization.h"
+#include "Platform/Translation.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QStandardPaths>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(services)
+{
+    m_languageObserver = m_services.notifications.observe(Localization::didChangeNotification, nullptr, [this] {
+        for (MainWindowController *window : m_windows) {
+            MainMenu::install(*window, m_services.presenter);
+        }
+    });
+}
+
+AppDelegate::~AppDelegate()
+{
+    while (!m_windows.empty()) {
+        MainWindowController *window = m_windows.back();
+        disconnect(window, nullptr, this, nullptr);
+        delete window;
+        m_windows.pop_back();
+    }
+}
+
+const ActionRow *AppDelegate::actionFor(Selector selector) const
+{
+    using Self = AppDelegate;
+    static constexpr auto rows = std::to_array<ActionRow>({
+        action<&Self::newWindow>("newWindow:"),
+        action<&Self::terminate>("terminate:"),
+        action<&Self::showAbout>("orderFrontStandardAboutPanel:"),
+        action<&Self::showShortcuts>("showShortcuts:"),
+        action<&Self::revealSupportFolder>("revealSupportFolder:"),
+    });
+    return findAction(rows, selector);
+}
+
+// Windows
+
+MainWindowController &AppDelegate::makeWindow()
+{
+    auto *window = new MainWindowController(m_services, *this);
+    window->setNextResponder(this);
+    MainMenu::install(*window, m_services.presenter);
+    m_windows.push_back(window);
+    connect(window, &MainWindowController::closed, this, [this, window] { windowClosed(*window); });
+    connect(window, &MainWindowController::closingRefused, this, [this] { m_isTerminating = false; });
+    return *window;
+}
+
+void AppDelegate::windowClosed(MainWindowController &window)
+{
+    std::erase(m_windows, &window);
+    // What nobody shows any more goes, but for texts that were not saved: opening the file again brings those back.
+    for (const auto &document : window.workspace().documents()) {
+        const bool isShown = std::ranges::any_of(workspaces(), [&](const WorkspaceViewController *other) {
+            return std::ranges::any_of(other->panes(), [&](const PaneViewController *pane) { return pane->holds(*document); });
+        });
+        if (!isShown && (!document->isDirty() || document->isUntitled())) {
+            m_services.documents.remove(*document);
+        }
+    }
+    window.deleteLater();
+    if (m_windows.empty()) {
+        emit finished();
+    } else if (m_isTerminating) {
+        closeNext();
+    }
+}
+
+MainWindowController *AppDelegate::frontmostWindow() const
+{
+    const auto active = std::ranges::find_if(m_windows, [](const MainWindowController *window) { return window->isActiveWindow(); });
+    if (active != m_windows.end()) {
+        return *active;
+    }
+    return m_windows.empty() ? nullptr : m_windows.front();
+}
+
+WorkspaceViewController &AppDelegate::openWindow()
+{
+    MainWindowController &window = makeWindow();
+    window.show();
+    return window.workspace();
+}
+
+std::vector<WorkspaceViewController *> AppDelegate::workspaces() const
+{
+    std::vector<WorkspaceViewController *> all;
+    for (MainWindowController *window : m_windows) {
+        all.push_back(&window->workspace());
+    }
+    return all;
+}
+
+// Files
+
+void AppDelegate::launch(const QStringList &paths)
+{
+    MainWindowController &window = makeWindow();
+    window.show();
+    if (!paths.isEmpty()) {
+        window.workspace().open(paths);
+    }
+}
+
+void AppDelegate::open(const QStringList &paths)
+{
+    MainWindowController *front = frontmostWindow();
+    MainWindowController &window = front ? *front : makeWindow();
+    window.show();
+    window.raise();
+    window.activateWindow();
+    if (!paths.isEmpty()) {
+        window.workspace().open(paths);
+    }
+}
+
+// Commands
+
+void AppDelegate::newWindow()
+{
+    std::ignore = openWindow();
+}
+
+void AppDelegate::terminate()
+{
+    m_isTerminating = true;
+    closeNext();
+}
+
+/// Each window asks about its own texts; one that is kept open ends it.
+void AppDelegate::closeNext()
+{
+    if (MainWindowController *window = frontmostWindow()) {
+        window->close();
+    }
+}
+
+void AppDelegate::inform(const QString &message, const QString &details)
+{
+    m_services.presenter.present(Alert{.style = AlertStyle::informational, .messageText = message, .informativeText = details},
+                                 frontmostWindow(), {});
+}
+
+void AppDelegate::showAbout()
+{
+    inform(u"Quillet "_s + QCoreApplication::applicationVersion(), localized(u"An editor for plain text and source code."));
+}
+
+void AppDelegate::showShortcuts()
+{
+    inform(localized(u"Keyboard Shortcuts"),
+           localized(u"Files\n"
+                     "  ⌘N new tab · ⇧⌘N new window · ⌘O open · ⌘S save · ⇧⌘S save as · ⌘W close tab\n"
+                     "  ⌥⌘B backup (copy beside the file) · ⌥⌘R reveal in Finder · ⌥⌘T open in terminal\n\n"
+                     "Navigation\n"
+                     "  ⌃⇥ / ⌃⇧⇥ next / previous tab · ⌘1…⌘8 tab by number · ⌘9 last tab · ⌘L go to line\n\n"
+                     "Splits\n"
+                     "  ⌘\\ split right · ⇧⌘\\ split down · ⌥⌘\\ close split · ⌥⌘] focus next pane\n\n"
+                     "Editing\n"
+                     "  ⌘/ toggle comment · ⌘] / ⌘[ shift right / left · ⇧⌘D duplicate line · ⌃⇧K delete line\n\n"
+                     "View\n"
+                     "  ⌥⌘L line numbers · ⌥⌘W wrap · ⌥⌘I invisibles · ⌘+ / ⌘- / ⌘0 font size\n\n"
+                     "Find\n"
+                     "  ⌘F find · ⌥⌘F find and replace · ⌘G / ⇧⌘G next / previous · ⌘E use selection"));
+}
+
+void AppDelegate::revealSupportFolder()
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Quillet"_s;
+    QDir().mkpath(folder);
+    m_services.desktop.reveal(folder);
+}

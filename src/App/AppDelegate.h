@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "UI/MainWindowController.h"
+
+#include <memory>
+
+/// The life of the process: its windows, the files handed to it, its end, and the commands that concern no window. Main thread only.
+class AppDelegate final : public QObject, public Responder, private WorkspaceHost {
+    Q_OBJECT
+
+public:
+    explicit AppDelegate(const WorkspaceServices &services);
+    ~AppDelegate() override;
+
+    /// Shows the first window and opens the files in it; absolute paths.
+    void launch(const QStringList &paths);
+    /// Files from outside, for the window in front; with none a window comes to the front.
+    void open(const QStringList &paths);
+
+    [[nodiscard]] MainWindowController &makeWindow();
+    /// In the order in which they came.
+    [[nodiscard]] const std::vector<MainWindowController *> &windows() const { return m_windows; }
+    /// The active one, else the first; null when there is none.
+    [[nodiscard]] MainWindowController *frontmostWindow() const;
+
+    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+    [[nodiscard]] Responder *nextResponder() const override { return nullptr; }
+
+signals:
+    /// The last window has closed.
+    void finished();
+
+private:
+    void newWindow();
+    void terminate();
+    void closeNext();
+    void showAbout();
+    void showShortcuts();
+    void revealSupportFolder();
+    void windowClosed(MainWindowController &window);
+    void inform(const QString &message, const QString &details);
+
+    [[nodiscard]] WorkspaceViewController &openWindow() override;
+    [[nodiscard]] std::vector<WorkspaceViewController *> workspaces() const override;
+
+    WorkspaceServices m_services;
+    std::vector<MainWindowController *> m_windows;
+    bool m_isTerminating = false;
+    NotificationCenter::Token m_languageObserver;
+};

@@ -1,0 +1,378 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "App/MainMenu.h"
+
+#include "Highlighting/LanguageRegistry.h"
+#include "Highlighting/Theme.h"
+#include "Platform/AlertPresenter.h"
+#include "Platform/FirstResponder.h"
+#include "Platform/Translation.h"
+
+#include <QAction>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QSet>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using enum MenuCommand::Place;
+using enum MenuCommand::Look;
+using enum MenuCommand::Content;
+
+// Where a chord needs AltGr on a German keyboard, another one follows that does not; the same for those that modal editing may take.
+constexpr auto rows = std::to_array<MenuCommand>({
+    {u"Quillet", "orderFrontStandardAboutPanel:", u"About Quillet"},
+    {u"Quillet", "showSettings:", u"Settings…", "Ctrl+,", startsGroup},
+    {.menu = u"Quillet", .selector = "", .title = u"Services", .place = startsGroup, .content = notHere},
+    {.menu = u"Quillet", .selector = "hide:", .title = u"Hide Quillet", .place = startsGroup, .content = notHere},
+    {.menu = u"Quillet", .selector = "hideOtherApplications:", .title = u"Hide Others", .content = notHere},
+    {.menu = u"Quillet", .selector = "unhideAllApplications:", .title = u"Show All", .content = notHere},
+    {u"Quillet", "terminate:", u"Quit Quillet", "Ctrl+Q", startsGroup},
+
+    {u"File", "newDocument:", u"New Tab", "Ctrl+N; Ctrl+T"},
+    {u"File", "newWindow:", u"New Window", "Ctrl+Shift+N"},
+    {u"File", "openDocument:", u"Open…", "Ctrl+O"},
+    {.menu = u"File", .selector = "openRecentDocument:", .title = u"Open Recent", .submenu = u"Open Recent", .content = nothingYet},
+    {u"File", "closeTab:", u"Close Tab", "Ctrl+W; Ctrl+F4", startsGroup},
+    {u"File", "performClose:", u"Close Window", "Ctrl+Shift+W"},
+    {u"File", "saveDocument:", u"Save", "Ctrl+S", startsGroup},
+    {u"File", "saveDocumentAs:", u"Save As…", "Ctrl+Shift+S"},
+    {u"File", "revertDocumentToSaved:", u"Revert to Saved"},
+    {.menu = u"File", .selector = "compareWithFile:", .title = u"Compare", .submenu = u"Compare", .content = nothingYet},
+    {u"File", "makeBackup:", u"Backup", "Ctrl+Alt+B"},
+    {u"File", "moveDocumentToTrash:", u"Move to Trash…"},
+    {u"File", "revealInFinder:", u"Reveal in Finder", "Ctrl+Alt+R", startsGroup},
+    {u"File", "copyFilePath:", u"Copy Path", "Ctrl+Alt+Shift+C"},
+    {u"File", "openInTerminal:", u"Open in Terminal", "Ctrl+Alt+T"},
+
+    {u"Edit", "undo:", u"Undo", "Ctrl+Z"},
+    {u"Edit", "redo:", u"Redo", "Ctrl+Shift+Z; Ctrl+Y"},
+    {u"Edit", "cut:", u"Cut", "Ctrl+X", startsGroup},
+    {u"Edit", "copy:", u"Copy", "Ctrl+C"},
+    {u"Edit", "paste:", u"Paste", "Ctrl+V"},
+    {u"Edit", "delete:", u"Delete"},
+    {u"Edit", "selectAll:", u"Select All", "Ctrl+A"},
+    {.menu = u"Edit",
+     .selector = "performTextFinderAction:",
+     .title = u"Find",
+     .shortcuts = "Ctrl+F; Ctrl+Shift+F",
+     .place = startsGroup,
+     .submenu = u"Find",
+     .tag = 1},
+    {.menu = u"Edit",
+     .selector = "performTextFinderAction:",
+     .title = u"Find and Replace…",
+     .shortcuts = "Ctrl+Alt+F; Ctrl+H",
+     .submenu = u"Find",
+     .tag = 12},
+    {.menu = u"Edit",
+     .selector = "performTextFinderAction:",
+     .title = u"Find Next",
+     .shortcuts = "Ctrl+G; F3",
+     .submenu = u"Find",
+     .tag = 2},
+    {.menu = u"Edit",
+     .selector = "performTextFinderAction:",
+     .title = u"Find Previous",
+     .shortcuts = "Ctrl+Shift+G; Shift+F3",
+     .submenu = u"Find",
+     .tag = 3},
+    {.menu = u"Edit",
+     .selector = "performTextFinderAction:",
+     .title = u"Use Selection for Find",
+     .shortcuts = "Ctrl+E",
+     .submenu = u"Find",
+     .tag = 7},
+    {.menu = u"Edit",
+     .selector = "centerSelectionInVisibleArea:",
+     .title = u"Jump to Selection",
+     .shortcuts = "Ctrl+J",
+     .place = startsGroup,
+     .submenu = u"Find"},
+    {u"Edit", "toggleComment:", u"Toggle Comment", "Ctrl+/; Ctrl+#", startsGroup},
+    {u"Edit", "insertTab:", u"Shift Right", "Ctrl+]; Ctrl+Ä"},
+    {u"Edit", "insertBacktab:", u"Shift Left", "Ctrl+[; Ctrl+Ö"},
+    {u"Edit", "duplicateLine:", u"Duplicate Line", "Ctrl+Shift+D"},
+    {u"Edit", "deleteLine:", u"Delete Line", "Ctrl+Shift+K"},
+    {.menu = u"Edit",
+     .selector = "showGuessPanel:",
+     .title = u"Show Spelling and Grammar",
+     .shortcuts = "Ctrl+:",
+     .place = startsGroup,
+     .submenu = u"Spelling and Grammar"},
+    {.menu = u"Edit",
+     .selector = "checkSpelling:",
+     .title = u"Check Document Now",
+     .shortcuts = "Ctrl+;",
+     .submenu = u"Spelling and Grammar"},
+    {.menu = u"Edit",
+     .selector = "toggleContinuousSpellChecking:",
+     .title = u"Check Spelling While Typing",
+     .place = startsGroup,
+     .look = checkable,
+     .submenu = u"Spelling and Grammar"},
+
+    {u"View", "toggleLineNumbers:", u"Show Line Numbers", "Ctrl+Alt+L", inGroup, checkable},
+    {u"View", "toggleLineWrap:", u"Wrap Lines", "Ctrl+Alt+W", inGroup, checkable},
+    {u"View", "toggleInvisibles:", u"Show Invisibles", "Ctrl+Alt+I", inGroup, checkable},
+    {u"View", "toggleCurrentLineHighlight:", u"Highlight Current Line", "", inGroup, checkable},
+    {.menu = u"View",
+     .selector = "selectLanguageFromMenu:",
+     .title = u"Syntax",
+     .place = startsGroup,
+     .look = checkable,
+     .submenu = u"Syntax",
+     .content = languages},
+    {.menu = u"View", .selector = "selectTheme:", .title = u"Theme", .look = checkable, .submenu = u"Theme", .content = themes},
+    {u"View", "increaseFontSize:", u"Bigger", "Ctrl++; Ctrl+=", startsGroup},
+    {u"View", "decreaseFontSize:", u"Smaller", "Ctrl+-"},
+    {u"View", "resetFontSize:", u"Actual Size", "Ctrl+0"},
+    {u"View", "toggleFullScreen:", u"Enter Full Screen", "F11", startsGroup},
+
+    {u"Navigate", "goToLine:", u"Go to Line…", "Ctrl+L; Ctrl+Shift+L"},
+    {u"Navigate", "selectNextTab:", u"Next Tab", "Ctrl+Tab; Ctrl+PgDown", startsGroup},
+    {u"Navigate", "selectPreviousTab:", u"Previous Tab", "Ctrl+Shift+Tab; Ctrl+PgUp"},
+    {.menu = u"Navigate", .selector = "selectTabByNumber:", .title = u"Tab %d", .shortcuts = "Ctrl+1", .place = startsGroup, .tag = 1},
+    {.menu = u"Navigate", .selector = "selectTabByNumber:", .title = u"Tab %d", .shortcuts = "Ctrl+2", .tag = 2},
+    {.menu = u"Navigate", .selector = "selectTabByNumber:", .title = u"Tab %d", .shortcuts = "Ctrl+3", .tag = 3},
+    {.menu = u"Navigate", .selector = "selectTabByNumber:", .title = u"Tab %d", .shortcuts = "Ctrl+4", .tag = 4},
+    {.menu = u"Navigate", .selector = "selectTabByNumber:", .title = u"Tab %d", .shortcuts = "Ctrl+5", .tag = 5},
+    {.menu = u"Navigate", .selector = "selectTabByNumber:", .title = u"Tab %d", .shortcuts = "Ctrl+6", .tag = 6},
+    {.menu = u"Navigate", .selector = "selectTabByNumber:", .title = u"Tab %d", .shortcuts = "Ctrl+7", .tag = 7},
+    {.menu = u"Navigate", .selector = "selectTabByNumber:", .title = u"Tab %d", .shortcuts = "Ctrl+8", .tag = 8},
+    {.menu = u"Navigate", .selector = "selectTabByNumber:", .title = u"Last Tab", .shortcuts = "Ctrl+9", .tag = 9},
+
+    {u"Editor", "splitEditorRight:", u"Split Right", "Ctrl+\\; Ctrl+<"},
+    {u"Editor", "splitEditorDown:", u"Split Down", "Ctrl+Shift+\\; Ctrl+|; Ctrl+>"},
+    {u"Editor", "closeSplit:", u"Close Split", "Ctrl+Alt+\\; Ctrl+Alt+<"},
+    {u"Editor", "focusNextPane:", u"Focus Next Pane", "Ctrl+Alt+]; Ctrl+Alt+Ä", startsGroup},
+    {u"Editor", "toggleSplitOrientation:", u"Toggle Split Orientation"},
+
+    {u"Window", "newWindow:", u"New Window", "Ctrl+Shift+N"},
+    {u"Window", "moveTabToNewWindow:", u"Move Tab to New Window"},
+    {u"Window", "performMiniaturize:", u"Minimize", "Ctrl+M", startsGroup},
+    {u"Window", "performZoom:", u"Zoom"},
+    {.menu = u"Window", .selector = "arrangeInFront:", .title = u"Bring All to Front", .place = startsGroup, .content = notHere},
+
+    {u"Help", "showShortcuts:", u"Keyboard Shortcuts"},
+    {u"Help", "showVimKeyReference:", u"Vim Key Reference"},
+    {u"Help", "revealSupportFolder:", u"Reveal Local Data Folder"},
+});
+
+/// Gives the titles of one menu their underlined letters: the first letter of a word that no title before has, else none.
+class Mnemonics {
+public:
+    [[nodiscard]] QString mark(QString title)
+    {
+        title.replace(u'&', "&&"_L1);
+        for (qsizetype place = 0; place < title.size(); ++place) {
+            const QChar letter = title[place].toLower();
+            if (letter.isLetter() && (place == 0 || title[place - 1].isSpace()) && !m_taken.contains(letter)) {
+                m_taken += letter;
+                return title.insert(place, u'&');
+            }
+        }
+        return title;
+    }
+
+private:
+    QString m_taken;
+};
+
+void show(QAction &item, const QString &title, const ActionState &state)
+{
+    item.setEnabled(state.isEnabled);
+    item.setText(state.title.value_or(title));
+    if (item.isCheckable()) {
+        item.setChecked(state.checkMark != CheckMark::none);
+    }
+}
+
+void choose(QMainWindow &window, Selector selector, const ActionSender &sender, AlertPresenter &presenter)
+{
+    Responder *responder = firstResponder(&window);
+    if (!responder || !responder->state(selector, sender).isEnabled || !responder->perform(selector, sender)) {
+        presenter.beep();
+    }
+}
+
+MenuNode itemOf(const MenuCommand &row, const QString &title, const QVariant &represented = {})
+{
+    return {.title = title, .command = &row, .sender = {.tag = row.tag, .represented = represented}};
+}
+
+std::vector<MenuNode> languageItems(const MenuCommand &row)
+{
+    std::vector<MenuNode> items;
+    for (const Language &language : LanguageRegistry::all()) {
+        items.push_back(itemOf(row, language == Language::plainText() ? localized(language.name()) : language.name(), language.id()));
+    }
+    std::ranges::stable_sort(items, {}, &MenuNode::title);
+    return items;
+}
+
+std::vector<MenuNode> themeItems(const MenuCommand &row)
+{
+    std::vector<MenuNode> items = {itemOf(row, localized(u"System"), u"System"_s), {.kind = MenuNode::Kind::separator}};
+    for (const Theme &theme : Theme::all()) {
+        items.push_back(itemOf(row, localized(theme.name), theme.name.toString()));
+    }
+    return items;
+}
+
+std::vector<MenuNode> itemsOf(const MenuCommand &row)
+{
+    switch (row.content) {
+    case itself:
+        return {itemOf(row, formatted(localized(row.title), row.tag))};
+    case languages:
+        return languageItems(row);
+    case themes:
+        return themeItems(row);
+    case nothingYet:
+    case notHere:
+        break;
+    }
+    return {};
+}
+
+/// Makes the widgets of a menu bar.
+class MenuInstaller final {
+public:
+    MenuInstaller(QMainWindow &window, AlertPresenter &presenter) : m_window(window), m_presenter(presenter) {}
+
+    void addItems(QMenu &menu, const std::vector<MenuNode> &nodes)
+    {
+        Mnemonics mnemonics;
+        for (const MenuNode &node : nodes) {
+            switch (node.kind) {
+            case MenuNode::Kind::separator:
+                menu.addSeparator();
+                break;
+            case MenuNode::Kind::menu: {
+                QMenu *submenu = menu.addMenu(mnemonics.mark(node.title));
+                submenu->setEnabled(!node.children.empty());
+                addItems(*submenu, node.children);
+                break;
+            }
+            case MenuNode::Kind::item:
+                addItem(menu, node, mnemonics.mark(node.title));
+                break;
+            }
+        }
+    }
+
+private:
+    void addItem(QMenu &menu, const MenuNode &node, QString title)
+    {
+        QAction *item = menu.addAction(title);
+        item->setCheckable(node.command->look == checkable);
+        if (node.sender.represented.isNull()) {
+            title = setKeys(*item, *node.command, title);
+        }
+        const Selector selector = node.command->selector;
+        QObject::connect(item, &QAction::triggered, &m_window,
+                         [&window = m_window, selector, sender = node.sender, &presenter = m_presenter] {
+                             choose(window, selector, sender, presenter);
+                         });
+        QObject::connect(&menu, &QMenu::aboutToShow, item, [&window = m_window, selector, sender = node.sender, item, title] {
+            const Responder *responder = firstResponder(&window);
+            ::show(*item, title, responder ? responder->state(selector, sender) : ActionState{.isEnabled = false});
+        });
+        // While the menu is closed nobody looks, and a key that cannot do its work is to be heard rather than swallowed.
+        QObject::connect(&menu, &QMenu::aboutToHide, item, [item] { item->setEnabled(true); });
+    }
+
+    /// Two items of one window may not have the same keys; the second one only shows them. Answers with the title to show.
+    QString setKeys(QAction &item, const MenuCommand &command, const QString &title)
+    {
+        const QList<QKeySequence> keys = command.keySequences();
+        if (keys.isEmpty()) {
+            return title;
+        }
+        if (m_taken.contains(keys.first())) {
+            const QString withKeys = title + u'\t' + keys.first().toString(QKeySequence::NativeText);
+            item.setText(withKeys);
+            return withKeys;
+        }
+        m_taken.insert(keys.first());
+        item.setShortcuts(keys);
+        return title;
+    }
+
+    QMainWindow &m_window;
+    AlertPresenter &m_presenter;
+    QSet<QKeySequence> m_taken;
+};
+
+} // namespace
+
+QList<QKeySequence> MenuCommand::keySequences() const
+{
+    // An empty text would be read as one empty sequence.
+    return *shortcuts ? QKeySequence::listFromString(QString::fromUtf8(shortcuts)) : QList<QKeySequence>();
+}
+
+std::span<const MenuCommand> MainMenu::commands()
+{
+    return rows;
+}
+
+QKeySequence MainMenu::keyOf(Selector selector)
+{
+    const auto row = std::ranges::find(rows, selector, &MenuCommand::selector);
+    return row == rows.end() || row->keySequences().isEmpty() ? QKeySequence() : row->keySequences().first();
+}
+
+std::vector<MenuNode> MainMenu::build()
+{
+    std::vector<MenuNode> menus;
+    const char16_t *menu = nullptr;
+    const char16_t *submenu = nullptr;
+    for (const MenuCommand &row : rows) {
+        if (row.content == notHere) {
+            continue;
+        }
+        if (!menu || QStringView(menu) != row.menu) {
+            menu = row.menu;
+            submenu = nullptr;
+            menus.push_back({.kind = MenuNode::Kind::menu, .title = localized(menu)});
+        }
+        std::vector<MenuNode> *items = &menus.back().children;
+        const bool isInSubmenu = row.submenu && submenu && QStringView(submenu) == row.submenu;
+        if (isInSubmenu) {
+            items = &items->back().children;
+        }
+        if (row.place == startsGroup && !items->empty()) {
+            items->push_back({.kind = MenuNode::Kind::separator});
+        }
+        if (row.submenu && !isInSubmenu) {
+            items->push_back({.kind = MenuNode::Kind::menu, .title = localized(row.submenu)});
+            items = &items->back().children;
+        }
+        submenu = row.submenu;
+        std::ranges::move(itemsOf(row), std::back_inserter(*items));
+    }
+    return menus;
+}
+
+void MainMenu::install(QMainWindow &window, AlertPresenter &presenter)
+{
+    QMenuBar *bar = window.menuBar();
+    keepFirstResponderBehind(*bar);
+    for (QMenu *old : bar->findChildren<QMenu *>(Qt::FindDirectChildrenOnly)) {
+        old->close();
+        old->deleteLater(); // it may be what led here
+    }
+    bar->clear();
+    MenuInstaller installer(window, presenter);
+    Mnemonics mnemonics;
+    for (const MenuNode &menu : build()) {
+        installer.addItems(*bar->addMenu(mnemonics.mark(menu.title)), menu.children);
+    }
+}

@@ -1,0 +1,201 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "UI/MainWindowController.h"
+
+#include "Model/DocumentStore.h"
+#include "Platform/AlertPresenter.h"
+#include "Platform/DefaultsStore.h"
+#include "Platform/Translation.h"
+
+#include <QCloseEvent>
+#include <QScreen>
+#include <QShortcut>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize startSize(1040, 700);
+constexpr QSize leastSize(480, 300);
+constexpr auto frameKey = "window.frame.QuilletMainWindow"_L1;
+
+/// The first widget in `region` that the Tab key reaches; null when there is none.
+QWidget *firstStop(QWidget &region)
+{
+    if (region.focusPolicy() & Qt::TabFocus) {
+        return &region;
+    }
+    for (QWidget *next = region.nextInFocusChain(); next != &region; next = next->nextInFocusChain()) {
+        if (region.isAncestorOf(next) && (next->focusPolicy() & Qt::TabFocus) && next->isVisible() && next->isEnabled()) {
+            return next;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+MainWindowController::MainWindowController(const WorkspaceServices &services, WorkspaceHost &host)
+    : m_services(services), m_workspace(new WorkspaceViewController(services, host, this))
+{
+    setMinimumSize(leastSize);
+    restoreFrame();
+    setCentralWidget(m_workspace);
+    connect(m_workspace, &WorkspaceViewController::currentDocumentChanged, this, &MainWindowController::updateTitle);
+    connect(new QShortcut(Qt::Key_F6, this), &QShortcut::activated, this, [this] { focusNextRegion(1); });
+    connect(new QShortcut(Qt::SHIFT | Qt::Key_F6, this), &QShortcut::activated, this, [this] { focusNextRegion(-1); });
+    m_workspace->addPane({}, 0);
+    m_workspace->openUntitled();
+}
+
+MainWindowController::~MainWindowController()
+{
+    disconnect(m_workspace, nullptr, this, nullptr);
+    delete m_workspace;
+}
+
+const ActionRow *MainWindowController::actionFor(Selector selector) const
+{
+    using Self = MainWindowController;
+    static constexpr auto rows = std::to_array<ActionRow>({
+        action<&Self::performClose>("performClose:"),
+        action<&Self::performMiniaturize>("performMiniaturize:"),
+        action<&Self::performZoom>("performZoom:"),
+        action<&Self::toggleFullScreen>("toggleFullScreen:"),
+    });
+    return findAction(rows, selector);
+}
+
+void MainWindowController::updateTitle()
+{
+    const TextDocument *document = m_workspace->currentDocument();
+    // Doubled, the mark's placeholder stands for itself.
+    setWindowTitle(document ? document->displayName().replace("[*]"_L1, "[*][*]"_L1) + u"[*]"_s : u"Quillet"_s);
+    setWindowFilePath(document ? document->path() : QString());
+    setWindowModified(document && document->isDirty());
+}
+
+/// The size it was left with; where it stands is the window manager's affair.
+void MainWindowController::restoreFrame()
+{
+    const QStringList sides = m_services.defaults.string(frameKey).split(u'x');
+    QSize size = startSize;
+    if (sides.size() == 2 && sides[0].toInt() > 0 && sides[1].toInt() > 0) {
+        size = {sides[0].toInt(), sides[1].toInt()};
+    }
+    const QScreen *shown = screen();
+    resize(size.boundedTo(shown ? shown->availableSize() : size).expandedTo(leastSize));
+}
+
+void MainWindowController::performZoom()
+{
+    setWindowState(windowState() ^ Qt::WindowMaximized);
+}
+
+void MainWindowController::toggleFullScreen()
+{
+    setWindowState(windowState() ^ Qt::WindowFullScreen);
+}
+
+std::vector<QWidget *> MainWindowController::regions() const
+{
+    std::vector<QWidget *> regions;
+    if (EditorViewController *editor = m_workspace->currentEditor()) {
+        regions = {&editor->textView(), &m_workspace->activePane()->tabBar(), &m_workspace->statusBar()};
+    }
+    return regions;
+}
+
+void MainWindowController::focusNextRegion(int step)
+{
+    const std::vector<QWidget *> all = regions();
+    const auto count = std::ssize(all);
+    const QWidget *focused = QApplication::focusWidget();
+    const auto here =
+        std::ranges::find_if(all, [focused](const QWidget *region) { return region == focused || region->isAncestorOf(focused); });
+    const auto start = here == all.end() ? -step : here - all.begin();
+    for (std::ptrdiff_t tried = 1; tried <= count; ++tried) {
+        if (QWidget *target = firstStop(*all[size_t((start + (step * tried) % count + count) % count)])) {
+            target->setFocus(Qt::TabFocusReason);
+            return;
+        }
+    }
+}
+
+bool MainWindowController::event(QEvent *event)
+{
+    if (event->type() == QEvent::WindowActivate && !isAncestorOf(QApplication::focusWidget())) {
+        m_workspace->focusEditor();
+    }
+    return QMainWindow::event(event);
+}
+
+// Closing
+
+void MainWindowController::closeEvent(QCloseEvent *event)
+{
+    Documents dirty = m_workspace->documents();
+    std::erase_if(dirty, [](const auto &document) { return !document->isDirty(); });
+    if (!m_mayClose && !dirty.empty()) {
+        event->ignore();
+        confirmClosingAll(dirty, [this](bool mayClose) {
+            m_mayClose = mayClose;
+            if (mayClose) {
+                close();
+            } else {
+                emit closingRefused();
+            }
+        });
+        // Answered at once, the closing under way is the one to go through.
+        if (!m_mayClose) {
+            return;
+        }
+    }
+    event->accept();
+    if (!isFullScreen() && !isMaximized()) {
+        m_services.defaults.set(frameKey, u"%1x%2"_s.arg(width()).arg(height()));
+    }
+    if (!std::exchange(m_isClosed, true)) {
+        emit closed();
+    }
+}
+
+void MainWindowController::confirmClosingAll(const Documents &documents, const Completion &completion)
+{
+    QStringList names;
+    for (const auto &document : documents) {
+        names << document->displayName();
+    }
+    const bool isOne = documents.size() == 1;
+    const QString consequence = localized(u"Your changes will be lost if you don’t save them.");
+    const Alert question{.messageText = isOne ? formatted(localized(u"Do you want to save the changes made to “%@”?"), names.first())
+                                              : formatted(localized(u"You have %d documents with unsaved changes."), int(documents.size())),
+                         .informativeText = isOne ? consequence : names.join(u", "_s) + u"\n\n"_s + consequence,
+                         .buttons = {{localized(isOne ? u"Save" : u"Save All")},
+                                     {localized(u"Cancel"), AlertButtonRole::cancel},
+                                     {localized(u"Close Without Saving"), AlertButtonRole::destructive}}};
+    m_services.presenter.present(question, this, [this, documents, completion](const AlertReply &reply) {
+        if (reply.button == AlertReply::firstButton) {
+            saveAll(documents, completion);
+        } else {
+            completion(reply.button == AlertReply::thirdButton);
+        }
+    });
+}
+
+void MainWindowController::saveAll(const Documents &documents, const Completion &completion)
+{
+    if (documents.empty()) {
+        completion(true);
+        return;
+    }
+    m_workspace->save(*documents.front(), [this, documents, completion](bool isSaved) {
+        if (isSaved) {
+            saveAll(Documents(documents.begin() + 1, documents.end()), completion);
+        } else {
+            completion(false);
+        }
+    });
+}

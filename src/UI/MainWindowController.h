@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "UI/WorkspaceViewController.h"
+
+#include <QMainWindow>
+
+/// One main window: its title, its toolbar, its closing. Never loses text without asking.
+class MainWindowController final : public QMainWindow, public Responder {
+    Q_OBJECT
+
+public:
+    /// Shows one untitled tab.
+    MainWindowController(const WorkspaceServices &services, WorkspaceHost &host);
+    ~MainWindowController() override;
+
+    [[nodiscard]] WorkspaceViewController &workspace() { return *m_workspace; }
+
+    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+
+signals:
+    /// It is closed, and nobody will see it again.
+    void closed();
+    /// The user kept it open when asked.
+    void closingRefused();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    bool event(QEvent *event) override;
+
+private:
+    using Documents = PaneViewController::Documents;
+    using Completion = WorkspaceViewController::Completion;
+
+    void confirmClosingAll(const Documents &documents, const Completion &completion);
+    void saveAll(const Documents &documents, const Completion &completion);
+    void updateTitle();
+    void restoreFrame();
+    void performClose() { close(); }
+    void performMiniaturize() { showMinimized(); }
+    void performZoom();
+    void toggleFullScreen();
+    /// F6: from the text to the tabs, the status bar and the toolbar, and round again.
+    void focusNextRegion(int step);
+    [[nodiscard]] std::vector<QWidget *> regions() const;
+
+    WorkspaceServices m_services;
+    WorkspaceViewController *m_workspace;
+    /// The closing has been asked about.
+    bool m_mayClose = false;
+    bool m_isClosed = false;
+};

@@ -1,0 +1,467 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// The commands of a window's menus and tool bar that concern its current document, and when each can be used.
+
+#include "Highlighting/LanguageRegistry.h"
+#include "Model/DocumentStore.h"
+#include "Model/Preferences.h"
+#include "Platform/AlertPresenter.h"
+#include "Platform/DefaultsStore.h"
+#include "Platform/Desktop.h"
+#include "Platform/Pasteboard.h"
+#include "Platform/Translation.h"
+#include "UI/WorkspaceViewController.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto lastFolderKey = "io.panels.lastDirectory"_L1;
+constexpr std::chrono::seconds shortFlash{2};
+constexpr std::chrono::seconds longFlash{5};
+
+QString folderOf(const QString &path)
+{
+    return QFileInfo(path).path();
+}
+
+QString nameOf(const QString &path)
+{
+    return QFileInfo(path).fileName();
+}
+
+} // namespace
+
+template<bool (Preferences::*value)() const, void (Preferences::*setValue)(bool)>
+void WorkspaceViewController::toggle()
+{
+    (m_services.preferences.*setValue)(!(m_services.preferences.*value)());
+}
+
+template<bool (Preferences::*value)() const>
+ActionState WorkspaceViewController::stateOf() const
+{
+    return {.checkMark = (m_services.preferences.*value)() ? CheckMark::on : CheckMark::none};
+}
+
+const ActionRow *WorkspaceViewController::actionFor(Selector selector) const
+{
+    using Self = WorkspaceViewController;
+    static constexpr auto rows = std::to_array<ActionRow>({
+        action<&Self::newDocument>("newDocument:"),
+        action<&Self::openDocument>("openDocument:"),
+        action<&Self::saveDocument, &Self::hasDocument>("saveDocument:"),
+        action<&Self::saveDocumentAs, &Self::hasDocument>("saveDocumentAs:"),
+        action<&Self::closeTab, &Self::hasDocument>("closeTab:"),
+        action<&Self::revertDocumentToSaved, &Self::canRevert>("revertDocumentToSaved:"),
+        action<&Self::makeBackup, &Self::hasFile>("makeBackup:"),
+        action<&Self::openInTerminal, &Self::hasFile>("openInTerminal:"),
+        action<&Self::moveDocumentToTrash, &Self::hasFile>("moveDocumentToTrash:"),
+        action<&Self::revealInFinder, &Self::hasFile>("revealInFinder:"),
+        action<&Self::copyFilePath, &Self::hasFile>("copyFilePath:"),
+        action<&Self::showFindInterface, &Self::hasEditor>("showFindInterface:"),
+        action<&Self::goToLine, &Self::hasEditor>("goToLine:"),
+        // Nothing compares texts yet.
+        action<&Self::compare, &Self::cannot>("compareWithFileOnDisk:"),
+        action<&Self::compare, &Self::cannot>("compareWithFile:"),
+        action<&Self::compare, &Self::cannot>("compareWithOpenDocument:"),
+        action<&Self::splitEditorRight>("splitEditorRight:"),
+        action<&Self::splitEditorDown>("splitEditorDown:"),
+        action<&Self::closeSplit, &Self::hasSeveralPanes>("closeSplit:"),
+        action<&Self::closeOtherSplits, &Self::hasSeveralPanes>("closeOtherSplits:"),
+        action<&Self::focusNextPane, &Self::hasSeveralPanes>("focusNextPane:"),
+        action<&Self::focusPreviousPane, &Self::hasSeveralPanes>("focusPreviousPane:"),
+        action<&Self::toggleSplitOrientation, &Self::hasSeveralPanes>("toggleSplitOrientation:"),
+        action<&Self::moveTabToNewWindow, &Self::hasSeveralTabsInAll>("moveTabToNewWindow:"),
+        action<&Self::selectNextTab, &Self::hasSeveralTabs>("selectNextTab:"),
+        action<&Self::selectPreviousTab, &Self::hasSeveralTabs>("selectPreviousTab:"),
+        action<&Self::selectTabByNumber>("selectTabByNumber:"),
+        action<&Self::selectLanguageFromMenu, &Self::languageState>("selectLanguageFromMenu:"),
+        action<&Self::selectTheme, &Self::themeState>("selectTheme:"),
+        action<&Self::toggle<&Preferences::showLineNumbers, &Preferences::setShowLineNumbers>,
+               &Self::stateOf<&Preferences::showLineNumbers>>("toggleLineNumbers:"),
+        action<&Self::toggle<&Preferences::wrapLines, &Preferences::setWrapLines>, &Self::stateOf<&Preferences::wrapLines>>(
+            "toggleLineWrap:"),
+        action<&Self::toggle<&Preferences::showInvisibles, &Preferences::setShowInvisibles>, &Self::stateOf<&Preferences::showInvisibles>>(
+            "toggleInvisibles:"),
+        action<&Self::toggle<&Preferences::highlightCurrentLine, &Preferences::setHighlightCurrentLine>,
+               &Self::stateOf<&Preferences::highlightCurrentLine>>("toggleCurrentLineHighlight:"),
+        action<&Self::increaseFontSize>("increaseFontSize:"),
+        action<&Self::decreaseFontSize>("decreaseFontSize:"),
+        action<&Self::resetFontSize>("resetFontSize:"),
+    });
+    return findAction(rows, selector);
+}
+
+// Enabling
+
+bool WorkspaceViewController::hasFile() const
+{
+    const TextDocument *document = currentDocument();
+    return document && !document->isUntitled();
+}
+
+bool WorkspaceViewController::canRevert() const
+{
+    return hasFile() && currentDocument()->isDirty();
+}
+
+bool WorkspaceViewController::hasSeveralTabs() const
+{
+    return m_activePane && m_activePane->count() > 1;
+}
+
+bool WorkspaceViewController::hasSeveralTabsInAll() const
+{
+    int count = 0;
+    for (const PaneViewController *pane : m_panes) {
+        count += pane->count();
+    }
+    return count > 1;
+}
+
+ActionState WorkspaceViewController::themeState(const ActionSender &sender) const
+{
+    return {.checkMark = sender.represented.toString() == m_services.preferences.themeName() ? CheckMark::on : CheckMark::none};
+}
+
+ActionState WorkspaceViewController::languageState(const ActionSender &sender) const
+{
+    const TextDocument *document = currentDocument();
+    const bool isOn = document && document->language().id() == sender.represented.toString();
+    return {.isEnabled = document != nullptr, .checkMark = isOn ? CheckMark::on : CheckMark::none};
+}
+
+// Questions and answers
+
+void WorkspaceViewController::beep()
+{
+    m_services.presenter.beep();
+}
+
+void WorkspaceViewController::presentError(const QString &description, const QString &recoverySuggestion)
+{
+    m_services.presenter.present(Alert::forError(description, recoverySuggestion), window(), {});
+}
+
+void WorkspaceViewController::presentError(const TextFile::ReadError &error)
+{
+    presentError(error.description(), error.recoverySuggestion().value_or(QString()));
+}
+
+void WorkspaceViewController::present(const Alert &alert, std::function<void(int button)> completion)
+{
+    m_services.presenter.present(alert, window(),
+                                 [completion = std::move(completion)](const AlertReply &reply) { completion(reply.button); });
+}
+
+// Opening and saving
+
+QString WorkspaceViewController::panelFolder() const
+{
+    const QString last = m_services.defaults.string(lastFolderKey);
+    if (!last.isEmpty() && QFileInfo::exists(last)) {
+        return last;
+    }
+    return hasFile() ? folderOf(currentDocument()->path()) : QDir::homePath();
+}
+
+void WorkspaceViewController::rememberPanelFolder(const QString &path)
+{
+    m_services.defaults.set(lastFolderKey, folderOf(path));
+}
+
+void WorkspaceViewController::openDocument()
+{
+    m_services.presenter.present(OpenPanel{.choice = OpenPanel::Choice::files, .startFolder = panelFolder()}, window(),
+                                 [this](const QStringList &paths) {
+                                     if (!paths.isEmpty()) {
+                                         rememberPanelFolder(paths.first());
+                                         open(paths);
+                                     }
+                                 });
+}
+
+void WorkspaceViewController::saveDocument()
+{
+    if (TextDocument *document = currentDocument()) {
+        save(*document, [](bool) {});
+    }
+}
+
+void WorkspaceViewController::saveDocumentAs()
+{
+    if (TextDocument *document = currentDocument()) {
+        saveAs(*document, [](bool) {});
+    }
+}
+
+void WorkspaceViewController::save(TextDocument &document, const Completion &completion)
+{
+    if (document.isUntitled()) {
+        saveAs(document, completion);
+        return;
+    }
+    const Result<void> saved = document.save(document.path());
+    if (saved) {
+        m_statusBar->flash(localized(u"Saved"), shortFlash);
+    } else {
+        presentError(saved.error().message);
+    }
+    completion(saved.has_value());
+}
+
+void WorkspaceViewController::saveAs(TextDocument &document, const Completion &completion)
+{
+    const SavePanel panel{.startFolder = document.isUntitled() ? panelFolder() : folderOf(document.path()),
+                          .suggestedName = document.displayName()};
+    m_services.presenter.present(panel, window(),
+                                 [this, document = document.shared_from_this(), completion](const std::optional<QString> &path) {
+                                     if (!path) {
+                                         completion(false);
+                                         return;
+                                     }
+                                     rememberPanelFolder(*path);
+                                     const Result<void> saved = document->save(*path);
+                                     if (saved) {
+                                         m_statusBar->flash(formatted(localized(u"Saved as “%@”"), nameOf(*path)), shortFlash);
+                                     } else {
+                                         presentError(saved.error().message);
+                                     }
+                                     completion(saved.has_value());
+                                 });
+}
+
+void WorkspaceViewController::confirmClose(TextDocument &document, const Completion &completion)
+{
+    const Alert question{.messageText = formatted(localized(u"Do you want to save the changes made to “%@”?"), document.displayName()),
+                         .informativeText = localized(u"Your changes will be lost if you don’t save them."),
+                         .buttons = {{localized(u"Save")},
+                                     {localized(u"Cancel"), AlertButtonRole::cancel},
+                                     {localized(u"Don’t Save"), AlertButtonRole::destructive}}};
+    present(question, [this, document = document.shared_from_this(), completion](int button) {
+        if (button == AlertReply::firstButton) {
+            save(*document, completion);
+        } else {
+            completion(button == AlertReply::thirdButton);
+        }
+    });
+}
+
+void WorkspaceViewController::revertDocumentToSaved()
+{
+    if (!hasFile()) {
+        return;
+    }
+    const auto document = currentDocument()->shared_from_this();
+    const Alert question{.messageText = formatted(localized(u"Revert “%@” to the version on disk?"), document->displayName()),
+                         .informativeText = localized(u"Your unsaved changes will be lost."),
+                         .buttons = {{localized(u"Revert")}, {localized(u"Cancel"), AlertButtonRole::cancel}}};
+    present(question, [this, document](int button) {
+        if (button != AlertReply::firstButton) {
+            return;
+        }
+        if (const auto reverted = document->revertToFileOnDisk(); !reverted) {
+            presentError(reverted.error());
+        }
+    });
+}
+
+// Files
+
+void WorkspaceViewController::makeBackup()
+{
+    if (!hasFile()) {
+        beep();
+        return;
+    }
+    const TextDocument &document = *currentDocument();
+    const auto copy = TextFile::nextAvailableCopy(document.path());
+    if (!copy) {
+        presentError(formatted(localized(u"There is no free name for a copy of “%@” in its folder."), document.displayName()));
+        return;
+    }
+    TextDocument &current = *currentDocument();
+    if (const Result<void> written = TextFile::write(current.storage().text(), *copy, current.encoding(), current.lineEnding()); !written) {
+        presentError(written.error().message);
+        return;
+    }
+    m_statusBar->flash(formatted(localized(u"Copied to “%@”"), nameOf(*copy)), longFlash);
+}
+
+void WorkspaceViewController::openInTerminal()
+{
+    if (!hasFile()) {
+        beep();
+        return;
+    }
+    const auto opened = m_services.desktop.openTerminal(folderOf(currentDocument()->path()), m_services.preferences.terminalIdentifier());
+    if (!opened) {
+        presentError(opened.error().message);
+    }
+}
+
+void WorkspaceViewController::moveDocumentToTrash()
+{
+    if (!hasFile()) {
+        beep();
+        return;
+    }
+    const auto document = currentDocument()->shared_from_this();
+    const QString consequence = document->isDirty()
+                                    ? localized(u"This file has unsaved changes. They will not be written before it is moved.")
+                                    : localized(u"You can put it back from the Trash.");
+    const Alert question{.messageText = formatted(localized(u"Move “%@” to the Trash?"), document->displayName()),
+                         .informativeText = consequence,
+                         .buttons = {{localized(u"Move to Trash")}, {localized(u"Cancel"), AlertButtonRole::cancel}}};
+    present(question, [this, document](int button) {
+        if (button == AlertReply::firstButton) {
+            trash(*document);
+        }
+    });
+}
+
+void WorkspaceViewController::trash(TextDocument &document)
+{
+    if (const Result<void> moved = m_services.desktop.moveToTrash(document.path()); !moved) {
+        presentError(moved.error().message);
+        return;
+    }
+    m_services.documents.remove(document);
+    removeFromAllPanes(document);
+}
+
+void WorkspaceViewController::revealInFinder()
+{
+    if (hasFile()) {
+        m_services.desktop.reveal(currentDocument()->path());
+    } else {
+        beep();
+    }
+}
+
+void WorkspaceViewController::copyFilePath()
+{
+    if (hasFile()) {
+        m_services.pasteboard.setText(currentDocument()->path());
+    } else {
+        beep();
+    }
+}
+
+void WorkspaceViewController::compare()
+{
+    beep();
+}
+
+// The text
+
+void WorkspaceViewController::showFindInterface()
+{
+    if (EditorViewController *editor = currentEditor()) {
+        editor->textView().setFocus();
+        editor->perform("performTextFinderAction:", {.tag = 1});
+    } else {
+        beep();
+    }
+}
+
+void WorkspaceViewController::goToLine()
+{
+    if (!currentEditor()) {
+        return;
+    }
+    const Alert question{.style = AlertStyle::informational,
+                         .messageText = localized(u"Go to Line"),
+                         .buttons = {{localized(u"Go")}, {localized(u"Cancel"), AlertButtonRole::cancel}},
+                         .textField = Alert::TextField{.placeholder = localized(u"Line number")}};
+    m_services.presenter.present(question, window(), [editor = QPointer(currentEditor())](const AlertReply &reply) {
+        bool isNumber = false;
+        const qint64 line = reply.text.trimmed().toLongLong(&isNumber, 10);
+        if (editor && reply.button == AlertReply::firstButton && isNumber && line > 0) {
+            editor->scrollToLine(qsizetype(line));
+            editor->textView().setFocus();
+        }
+    });
+}
+
+void WorkspaceViewController::chooseLanguage(const Language &language)
+{
+    if (TextDocument *document = currentDocument()) {
+        document->languageWasChosenManually = true;
+        document->setLanguage(language);
+        updateStatusBar();
+    }
+}
+
+void WorkspaceViewController::selectLanguageFromMenu(const ActionSender &sender)
+{
+    if (const auto language = LanguageRegistry::withID(sender.represented.toString())) {
+        chooseLanguage(*language);
+    }
+}
+
+void WorkspaceViewController::selectTheme(const ActionSender &sender)
+{
+    const QString name = sender.represented.toString();
+    if (!name.isEmpty()) {
+        m_services.preferences.setThemeName(name);
+    }
+}
+
+void WorkspaceViewController::changeFontSize(int steps)
+{
+    m_services.preferences.setFontSize(m_services.preferences.fontSize() + steps);
+}
+
+void WorkspaceViewController::resetFontSize()
+{
+    m_services.preferences.setFontSize(std::get<double>(Preferences::row(Preference::fontSize).defaultValue));
+}
+
+// From the status bar
+
+void WorkspaceViewController::statusBarDidChooseLanguage(const Language &language)
+{
+    chooseLanguage(language);
+}
+
+void WorkspaceViewController::statusBarDidChooseEncoding(TextEncoding encoding)
+{
+    TextDocument *document = currentDocument();
+    if (!document) {
+        return;
+    }
+    if (document->isUntitled() || document->isDirty()) {
+        document->setEncoding(encoding);
+        return;
+    }
+    if (const auto read = document->reinterpret(encoding); !read) {
+        presentError(read.error());
+    }
+}
+
+void WorkspaceViewController::statusBarDidChooseLineEnding(int index)
+{
+    constexpr std::array endings = {LineEnding::lf, LineEnding::crlf, LineEnding::cr};
+    if (TextDocument *document = currentDocument(); document && index >= 0 && size_t(index) < endings.size()) {
+        document->setLineEnding(endings[size_t(index)]);
+    }
+}
+
+void WorkspaceViewController::statusBarDidChooseIndentation(Indentation indentation)
+{
+    m_services.preferences.setTabWidth(indentation.width);
+    m_services.preferences.setInsertSpaces(indentation.unit == Indentation::Unit::spaces);
+}
+
+void WorkspaceViewController::statusBarDidClickPosition()
+{
+    goToLine();
+}

@@ -1,0 +1,262 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "App/MainMenu.h"
+#include "Highlighting/LanguageRegistry.h"
+#include "Platform/Localization.h"
+#include "Platform/SystemDesktop.h"
+#include "WindowFixture.h"
+
+#include <QMenu>
+#include <QMenuBar>
+#include <QSet>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class CommandsTest : public WindowTest {
+protected:
+    void SetUp() override
+    {
+        WindowTest::SetUp();
+        QObject::connect(&workspace().statusBar(), &StatusBarView::flashed, &window(),
+                         [this](const QString &message) { flashes << message; });
+    }
+    [[nodiscard]] QAction *item(const QString &menuTitle, const QString &title) const
+    {
+        for (const QAction *top : window().menuBar()->actions()) {
+            if (top->text().remove(u'&') == menuTitle) {
+                emit top->menu()->aboutToShow();
+                for (QAction *action : top->menu()->actions()) {
+                    if (action->text().remove(u'&') == title) {
+                        return action;
+                    }
+                }
+            }
+        }
+        return nullptr;
+    }
+
+    QStringList flashes;
+};
+
+} // namespace
+
+TEST_F(CommandsTest, SaveSaysWhatItDid)
+{
+    presenter.answerSave(path(u"new.c"_s));
+    type(u"text"_s);
+    QTest::keySequence(&textView(), QKeySequence(u"Ctrl+S"_s));
+    EXPECT_EQ(read(u"new.c"_s), "text");
+    EXPECT_EQ(window().windowTitle(), u"new.c[*]"_s);
+    EXPECT_FALSE(window().isWindowModified());
+    type(u"!"_s);
+    EXPECT_TRUE(window().isWindowModified());
+    send("saveDocument:");
+    send("saveDocumentAs:");
+    EXPECT_EQ(flashes, (QStringList{u"Saved as “new.c”"_s, u"Saved"_s}));
+    EXPECT_EQ(defaults.string("io.panels.lastDirectory"_L1), folder.path());
+    folder.remove();
+    type(u"?"_s);
+    send("saveDocument:");
+    EXPECT_EQ(presenter.alerts().size(), 1U);
+    EXPECT_TRUE(window().isWindowModified());
+}
+
+TEST_F(CommandsTest, WhatNeedsAFileBeepsWithoutOne)
+{
+    for (const char *selector : {"makeBackup:", "openInTerminal:", "moveDocumentToTrash:", "revealInFinder:", "copyFilePath:"}) {
+        const int beeps = presenter.beepCount();
+        EXPECT_FALSE(isEnabled(selector)) << selector;
+        send(selector);
+        EXPECT_EQ(presenter.beepCount(), beeps + 1) << selector;
+    }
+    const QString file = write(u"a.txt"_s, "a\r\n");
+    workspace().open({file});
+    type(u"x"_s);
+    send("makeBackup:");
+    send("makeBackup:");
+    EXPECT_EQ(read(u"a 2.txt"_s), "xa\r\n");
+    EXPECT_EQ(flashes, (QStringList{u"Copied to “a 2.txt”"_s, u"Copied to “a 3.txt”"_s}));
+    EXPECT_TRUE(window().isWindowModified());
+    send("openInTerminal:");
+    send("revealInFinder:");
+    send("copyFilePath:");
+    EXPECT_EQ(desktop.terminals, QStringList{folder.path()});
+    EXPECT_EQ(desktop.revealed, QStringList{file});
+    EXPECT_EQ(pasteboard.text(), file);
+    EXPECT_TRUE(presenter.alerts().empty());
+}
+
+TEST_F(CommandsTest, TheTrashAsksFirstAndKeepsTheTabWhenItFails)
+{
+    const QString file = write(u"a.txt"_s, "a");
+    workspace().open({file, write(u"b.txt"_s, "b")});
+    send("selectPreviousTab:");
+    send("splitEditorRight:");
+    send("moveDocumentToTrash:");
+    EXPECT_EQ(lastAlert(), u"Move “a.txt” to the Trash?"_s);
+    EXPECT_TRUE(desktop.trashed.isEmpty());
+    presenter.answer(AlertReply::firstButton);
+    desktop.result = failure(u"no room"_s);
+    send("moveDocumentToTrash:");
+    EXPECT_EQ(lastAlert(), u"no room"_s);
+    EXPECT_EQ(workspace().panes().size(), 2U);
+    presenter.answer(AlertReply::firstButton);
+    desktop.result = {};
+    send("moveDocumentToTrash:");
+    EXPECT_EQ(desktop.trashed, (QStringList{file, file}));
+    EXPECT_EQ(workspace().panes().size(), 1U);
+    EXPECT_EQ(tabs(), QStringList{u"b.txt"_s});
+    EXPECT_EQ(documents.documents().size(), 1U);
+}
+
+TEST_F(CommandsTest, RevertAsksAndIsThereOnlyForEditedFiles)
+{
+    workspace().open({write(u"a.txt"_s, "a")});
+    EXPECT_FALSE(isEnabled("revertDocumentToSaved:"));
+    type(u"x"_s);
+    EXPECT_TRUE(isEnabled("revertDocumentToSaved:"));
+    send("revertDocumentToSaved:");
+    EXPECT_EQ(text(), u"xa"_s);
+    presenter.answer(AlertReply::firstButton);
+    send("revertDocumentToSaved:");
+    EXPECT_EQ(text(), u"a"_s);
+    EXPECT_FALSE(window().isWindowModified());
+}
+
+TEST_F(CommandsTest, GoToLineTakesWholeNumbersOnly)
+{
+    workspace().open({write(u"a.txt"_s, QByteArray("x\n").repeated(30))});
+    struct Case {
+        const char16_t *entered;
+        qsizetype line;
+    };
+    constexpr Case cases[] = {
+        {u" 12 ", 12}, {u"+13", 13}, {u"0", 1}, {u"-3", 1}, {u"12:4", 1}, {u"", 1}, {u"x", 1}, {u"99", 31}, {u"99999999999999999999", 1}};
+    for (const Case &tested : cases) {
+        textView().setSelection(TextSelection::at(0));
+        presenter.answer(AlertReply::firstButton, QString::fromUtf16(tested.entered));
+        send("goToLine:");
+        EXPECT_EQ(LineIndex::lineNumber(textView().selection().caret, workspace().currentDocument()->storage().text()), tested.line)
+            << QString::fromUtf16(tested.entered).toStdString();
+    }
+}
+
+TEST_F(CommandsTest, LanguagesThemesAndViewOptionsAreChecked)
+{
+    workspace().open({write(u"a.txt"_s, "x")});
+    const auto isOn = [this](Selector selector, const QVariant &represented = {}) {
+        return firstResponder(&window())->state(selector, {.represented = represented}).checkMark == CheckMark::on;
+    };
+    EXPECT_TRUE(isOn("selectLanguageFromMenu:", u"text"_s));
+    send("selectLanguageFromMenu:", {.represented = u"python"_s});
+    EXPECT_TRUE(isOn("selectLanguageFromMenu:", u"python"_s));
+    EXPECT_TRUE(workspace().currentDocument()->languageWasChosenManually);
+    EXPECT_TRUE(isEnabled("toggleComment:"));
+    send("selectLanguageFromMenu:", {.represented = u"klingon"_s});
+    send("selectTheme:", {.represented = u"Solarized Dark"_s});
+    EXPECT_TRUE(isOn("selectTheme:", u"Solarized Dark"_s));
+    EXPECT_EQ(textView().colors().background, QColor::fromRgb(Theme::solarizedDark().background));
+    for (const char *selector : {"toggleLineNumbers:", "toggleLineWrap:", "toggleInvisibles:", "toggleCurrentLineHighlight:"}) {
+        const bool before = isOn(selector);
+        send(selector);
+        EXPECT_EQ(isOn(selector), !before) << selector;
+    }
+    send("increaseFontSize:");
+    EXPECT_EQ(preferences.fontSize(), 14);
+    send("resetFontSize:");
+    EXPECT_EQ(preferences.fontSize(), 13);
+}
+
+TEST_F(CommandsTest, ClosingAWindowAsksOnceForAllItsTexts)
+{
+    send("newWindow:");
+    WorkspaceViewController &other = workspace(1);
+    other.open({write(u"a"_s, "a"), write(u"b"_s, "b")});
+    for (const auto &document : other.documents()) {
+        document->storage().replaceCharacters({}, u"x"_s);
+    }
+    window(1).close();
+    EXPECT_EQ(lastAlert(), u"You have 2 documents with unsaved changes."_s);
+    EXPECT_EQ(application.windows().size(), 2U);
+    presenter.answer(AlertReply::firstButton);
+    window(1).close();
+    EXPECT_EQ(application.windows().size(), 1U);
+    EXPECT_EQ(read(u"a"_s) + read(u"b"_s), "xaxb");
+    EXPECT_EQ(documents.documents().size(), 1U);
+    // The only one left is clean.
+    bool isFinished = false;
+    QObject::connect(&application, &AppDelegate::finished, &application, [&] { isFinished = true; });
+    send("terminate:");
+    EXPECT_TRUE(isFinished);
+}
+
+TEST_F(CommandsTest, QuittingStopsAtTheWindowThatIsKept)
+{
+    send("newWindow:");
+    workspace(1).currentDocument()->storage().replaceCharacters({}, u"x"_s);
+    bool isFinished = false;
+    QObject::connect(&application, &AppDelegate::finished, &application, [&] { isFinished = true; });
+    send("terminate:");
+    EXPECT_FALSE(isFinished);
+    // It was given up: the next closing is only its own.
+    send("newWindow:");
+    presenter.answer(AlertReply::thirdButton);
+    application.windows().front()->close();
+    EXPECT_FALSE(isFinished);
+}
+
+TEST_F(CommandsTest, TheMenusFollowFocusAndLanguage)
+{
+    EXPECT_FALSE(item(u"File"_s, u"Backup"_s)->isEnabled());
+    workspace().open({write(u"a.txt"_s, "x")});
+    EXPECT_TRUE(item(u"File"_s, u"Backup"_s)->isEnabled());
+    EXPECT_TRUE(item(u"View"_s, u"Show Line Numbers"_s)->isChecked());
+    EXPECT_FALSE(item(u"File"_s, u"Open Recent"_s)->isEnabled());
+    item(u"File"_s, u"New Tab"_s)->trigger();
+    EXPECT_EQ(tabs().size(), 2);
+    QTest::keySequence(&textView(), QKeySequence(u"Ctrl+Shift+N"_s));
+    EXPECT_EQ(application.windows().size(), 2U) << "two items have these keys";
+    preferences.setLanguageResolver(Localization::use);
+    preferences.setLanguage(AppLanguage::german);
+    EXPECT_TRUE(item(u"Datei"_s, u"Sicherungskopie"_s));
+    EXPECT_FALSE(item(u"File"_s, u"Backup"_s));
+    EXPECT_EQ(tabs().last(), u"Unbenannt"_s);
+    preferences.setLanguage(AppLanguage::english);
+    Localization::use(AppLanguage::english);
+}
+
+TEST(MainMenu, KeysAreTheirOwnAndCommandsKnown)
+{
+    QSet<QKeySequence> taken;
+    QSet<QString> selectors;
+    for (const MenuCommand &command : MainMenu::commands()) {
+        const QList<QKeySequence> keys = command.keySequences();
+        if (command.selector == Selector("newWindow:") && selectors.contains(u"newWindow:"_s)) {
+            continue;
+        }
+        selectors.insert(QString::fromLatin1(command.selector.name().data(), qsizetype(command.selector.name().size())));
+        for (const QKeySequence &key : keys) {
+            EXPECT_FALSE(taken.contains(key)) << key.toString().toStdString();
+            EXPECT_EQ(key.count(), 1) << command.shortcuts;
+            taken.insert(key);
+        }
+    }
+}
+
+TEST(SystemDesktop, ReadsTheCommandOfAnEntry)
+{
+    struct Case {
+        const char16_t *exec;
+        QStringList command;
+    };
+    const Case cases[] = {{u"kitty", {u"kitty"_s}},
+                          {u"gnome-terminal --wait %U", {u"gnome-terminal"_s, u"--wait"_s}},
+                          {u"\"/opt/my term/run\" -e \"a \\\"b\\\"\" 50%%", {u"/opt/my term/run"_s, u"-e"_s, u"a \"b\""_s, u"50%"_s}},
+                          {u"\"unclosed", {}},
+                          {u"", {}}};
+    for (const Case &tested : cases) {
+        EXPECT_EQ(SystemDesktop::commandOf(QString::fromUtf16(tested.exec)), tested.command);
+    }
+}

@@ -1,0 +1,79 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "App/AppDelegate.h"
+#include "Model/DocumentStore.h"
+#include "Model/Preferences.h"
+#include "Model/WatchedPath.h"
+#include "Platform/AlertPresenter.h"
+#include "Platform/DefaultsStore.h"
+#include "Platform/Desktop.h"
+#include "Platform/FirstResponder.h"
+#include "Platform/Pasteboard.h"
+#include "Text/FindState.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+/// The whole program around a window that is shown offscreen and active, with everything outside of it replaced.
+class WindowTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        application.launch({});
+        window().activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    }
+
+    [[nodiscard]] MainWindowController &window(size_t index = 0) const { return *application.windows().at(index); }
+    [[nodiscard]] WorkspaceViewController &workspace(size_t index = 0) const { return window(index).workspace(); }
+    [[nodiscard]] PaneViewController &pane(size_t index) const { return *workspace().panes().at(index); }
+    [[nodiscard]] EditorTextView &textView() const { return workspace().currentEditor()->textView(); }
+    [[nodiscard]] QString text() const { return workspace().currentDocument()->storage().string(); }
+    [[nodiscard]] QStringList tabs(size_t index = 0) const { return titlesOf(pane(index)); }
+    [[nodiscard]] static QStringList titlesOf(const PaneViewController &pane)
+    {
+        QStringList titles;
+        for (const auto &document : pane.documents()) {
+            titles << document->displayName();
+        }
+        return titles;
+    }
+
+    void type(const QString &keys) const { QTest::keyClicks(&textView(), keys); }
+    bool send(Selector selector, const ActionSender &sender = {}) const { return firstResponder(&window())->perform(selector, sender); }
+    [[nodiscard]] bool isEnabled(Selector selector) const { return firstResponder(&window())->state(selector).isEnabled; }
+
+    [[nodiscard]] QString path(const QString &name) const { return folder.filePath(name); }
+    QString write(const QString &name, const QByteArray &content) const
+    {
+        QFile file(path(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        return file.fileName();
+    }
+    [[nodiscard]] QByteArray read(const QString &name) const
+    {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+    }
+    [[nodiscard]] QString lastAlert() const { return presenter.alerts().empty() ? QString() : presenter.alerts().back().messageText; }
+
+    QTemporaryDir folder;
+    ManualScheduler scheduler;
+    NotificationCenter notifications;
+    DefaultsStore defaults{QString(), scheduler};
+    Preferences preferences{defaults, notifications};
+    MemoryPasteboard pasteboard;
+    ScriptedAlertPresenter presenter;
+    InlineWorkers workers;
+    FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
+    DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
+    FindState find;
+    RecordingDesktop desktop;
+    AppDelegate application{{scheduler, notifications, defaults, preferences, pasteboard, presenter, documents, workers, find, desktop}};
+};

@@ -1,0 +1,203 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "WindowFixture.h"
+
+#include <QDir>
+#include <QSplitter>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class WorkspaceTest : public WindowTest {};
+
+constexpr auto save = AlertReply::firstButton;
+constexpr auto cancel = AlertReply::secondButton;
+constexpr auto dontSave = AlertReply::thirdButton;
+
+} // namespace
+
+TEST_F(WorkspaceTest, OpensFilesInPlaceOfAnEmptyTab)
+{
+    EXPECT_EQ(tabs(), QStringList{u"Untitled"_s});
+    workspace().open({write(u"a.c"_s, "int a;\n"), path(u"missing.c"_s), write(u"b.c"_s, "int b;\n"), path(u"gone.c"_s)});
+    EXPECT_EQ(tabs(), (QStringList{u"a.c"_s, u"b.c"_s}));
+    EXPECT_EQ(presenter.alerts().size(), 1U);
+    EXPECT_TRUE(lastAlert().contains(u"missing.c"));
+    EXPECT_EQ(text(), u"int b;\n"_s);
+    EXPECT_TRUE(textView().hasFocus());
+    EXPECT_EQ(window().windowTitle(), u"b.c[*]"_s);
+    EXPECT_EQ(documents.documents().size(), 2U);
+
+    // By whatever name, it is the same file.
+    QFile::link(path(u"a.c"_s), path(u"link.c"_s));
+    QDir(folder.path()).mkdir(u"sub"_s);
+    workspace().open({path(u"sub/../link.c"_s)});
+    EXPECT_EQ(tabs().size(), 2);
+    EXPECT_EQ(text(), u"int a;\n"_s);
+
+    send("newDocument:");
+    type(u"x"_s);
+    workspace().open({write(u"c.c"_s, "c")});
+    EXPECT_EQ(tabs(), (QStringList{u"a.c"_s, u"b.c"_s, u"Untitled"_s, u"c.c"_s}));
+}
+
+TEST_F(WorkspaceTest, ATextOpenInAnotherWindowIsShared)
+{
+    workspace().open({write(u"a.c"_s, "int a;\n")});
+    type(u"x"_s);
+    send("newWindow:");
+    ASSERT_EQ(application.windows().size(), 2U);
+    workspace(1).open({path(u"a.c"_s)});
+    EXPECT_EQ(workspace(1).currentDocument(), workspace().currentDocument());
+    // It is safe there, so nobody is asked here.
+    workspace(1).activePane()->closeCurrentTab();
+    EXPECT_TRUE(presenter.alerts().empty());
+    EXPECT_EQ(workspace().currentDocument()->storage().string(), u"xint a;\n"_s);
+    EXPECT_TRUE(std::ranges::count(documents.documents(), workspace().currentDocument(), [](const auto &open) { return open.get(); }) == 1);
+}
+
+TEST_F(WorkspaceTest, ClosingATabAsksAboutUnsavedText)
+{
+    workspace().open({write(u"a.c"_s, "a")});
+    type(u"x"_s);
+    presenter.answer(cancel);
+    send("closeTab:");
+    EXPECT_EQ(lastAlert(), u"Do you want to save the changes made to “a.c”?"_s);
+    EXPECT_EQ(tabs(), QStringList{u"a.c"_s});
+    presenter.answer(save);
+    send("closeTab:");
+    EXPECT_EQ(read(u"a.c"_s), "xa");
+    EXPECT_EQ(tabs(), QStringList{u"Untitled"_s});
+
+    type(u"lost"_s);
+    // A cancelled panel is no answer, a refused folder neither.
+    presenter.answer(save);
+    send("closeTab:");
+    presenter.answer(save);
+    presenter.answerSave(path(u"no/such/folder"_s));
+    send("closeTab:");
+    EXPECT_EQ(text(), u"lost"_s);
+    presenter.answer(dontSave);
+    send("closeTab:");
+    EXPECT_EQ(text(), QString());
+    EXPECT_EQ(documents.documents().size(), 1U);
+}
+
+TEST_F(WorkspaceTest, PanesSurviveByTheRules)
+{
+    workspace().open({write(u"a"_s, "aaa"), write(u"b"_s, "bbb")});
+    textView().setSelection({1, 3});
+    send("splitEditorRight:");
+    ASSERT_EQ(workspace().panes().size(), 2U);
+    EXPECT_EQ(tabs(1), QStringList{u"b"_s});
+    EXPECT_EQ(textView().selection(), TextSelection::at(1)) << "the other caret, without the selection";
+    EXPECT_TRUE(pane(1).isActive());
+    EXPECT_EQ(workspace().orientation(), Qt::Horizontal);
+    type(u"x"_s);
+    send("newDocument:");
+    send("splitEditorDown:");
+    EXPECT_EQ(workspace().orientation(), Qt::Vertical);
+    ASSERT_EQ(workspace().panes().size(), 3U);
+    send("focusNextPane:");
+    EXPECT_TRUE(pane(0).isActive());
+    EXPECT_EQ(text(), u"bxbb"_s);
+    send("focusPreviousPane:");
+    send("focusPreviousPane:");
+    EXPECT_TRUE(pane(1).isActive());
+    // What is shown nowhere else goes to the left neighbour, at its end.
+    send("closeSplit:");
+    EXPECT_EQ(tabs(0), (QStringList{u"a"_s, u"b"_s}));
+    EXPECT_TRUE(pane(0).isActive());
+    send("closeSplit:");
+    EXPECT_EQ(workspace().panes().size(), 1U);
+    EXPECT_EQ(tabs(0), (QStringList{u"Untitled"_s, u"a"_s, u"b"_s}));
+    const int beeps = presenter.beepCount();
+    send("closeSplit:");
+    send("closeOtherSplits:");
+    EXPECT_EQ(presenter.beepCount(), beeps + 2);
+}
+
+TEST_F(WorkspaceTest, ClosingTheLastTabOfAPaneTakesThePane)
+{
+    workspace().open({write(u"a"_s, "aaa")});
+    send("splitEditorRight:");
+    type(u"x"_s);
+    // Shown in the other pane as well: no question.
+    send("closeTab:");
+    EXPECT_TRUE(presenter.alerts().empty());
+    EXPECT_EQ(workspace().panes().size(), 1U);
+    EXPECT_TRUE(textView().hasFocus());
+    EXPECT_EQ(text(), u"xaaa"_s);
+}
+
+TEST_F(WorkspaceTest, PanesAreEquallyWide)
+{
+    window().resize(1001, 600);
+    QCoreApplication::processEvents();
+    send("splitEditorRight:");
+    send("splitEditorRight:");
+    const auto *split = workspace().findChild<QSplitter *>();
+    const int width = (split->width() - 2) / 3;
+    EXPECT_EQ(split->sizes(), (QList<int>{width, width, split->width() - 2 - 2 * width}));
+    send("toggleSplitOrientation:");
+    EXPECT_EQ(split->orientation(), Qt::Vertical);
+    // A window stays as small as it may be, however many panes there are.
+    for (int count = 0; count < 6; ++count) {
+        send("splitEditorRight:");
+    }
+    window().resize(480, 300);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(window().size(), QSize(480, 300));
+}
+
+TEST_F(WorkspaceTest, TabsAreReachedByNumberAndInTurn)
+{
+    workspace().open({write(u"a"_s, "a"), write(u"b"_s, "b"), write(u"c"_s, "c"), write(u"d"_s, "d")});
+    send("selectNextTab:");
+    EXPECT_EQ(text(), u"a"_s);
+    send("selectPreviousTab:");
+    EXPECT_EQ(text(), u"d"_s);
+    send("selectTabByNumber:", {.tag = 2});
+    EXPECT_EQ(text(), u"b"_s);
+    send("selectTabByNumber:", {.tag = 9});
+    EXPECT_EQ(text(), u"d"_s);
+    EXPECT_EQ(presenter.beepCount(), 0);
+    send("selectTabByNumber:", {.tag = 5});
+    EXPECT_EQ(presenter.beepCount(), 1);
+    pane(0).moveTab(0, 2);
+    EXPECT_EQ(tabs(), (QStringList{u"b"_s, u"c"_s, u"a"_s, u"d"_s}));
+    EXPECT_EQ(text(), u"d"_s);
+    // Closing one selects that which comes into its place, the last its neighbour.
+    send("closeTab:");
+    EXPECT_EQ(text(), u"a"_s);
+    send("selectTabByNumber:", {.tag = 1});
+    send("closeTab:");
+    EXPECT_EQ(text(), u"c"_s);
+}
+
+TEST_F(WorkspaceTest, CaretsComeBackWithTheirTabs)
+{
+    workspace().open({write(u"a"_s, QByteArray("line\n").repeated(500)), write(u"b"_s, "b")});
+    send("selectPreviousTab:");
+    textView().setSelection(TextSelection::at(1500), TextView::Reveal::center);
+    const double scroll = textView().scrollOffset();
+    send("selectNextTab:");
+    send("selectNextTab:");
+    EXPECT_EQ(textView().selection(), TextSelection::at(1500));
+    EXPECT_EQ(textView().scrollOffset(), scroll);
+}
+
+TEST_F(WorkspaceTest, ATabMovesToAWindowOfItsOwn)
+{
+    workspace().open({write(u"a"_s, "a"), write(u"b"_s, "b")});
+    type(u"x"_s);
+    EXPECT_TRUE(isEnabled("moveTabToNewWindow:"));
+    send("moveTabToNewWindow:");
+    ASSERT_EQ(application.windows().size(), 2U);
+    EXPECT_EQ(tabs(), QStringList{u"a"_s});
+    EXPECT_EQ(titlesOf(*workspace(1).activePane()), QStringList{u"b"_s});
+    EXPECT_EQ(workspace(1).currentDocument()->storage().string(), u"xb"_s);
+    EXPECT_EQ(documents.documents().size(), 2U);
+    EXPECT_FALSE(isEnabled("moveTabToNewWindow:"));
+}

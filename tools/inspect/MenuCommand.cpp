@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Command.h"
+
+#include "App/MainMenu.h"
+#include "Platform/Localization.h"
+
+#include <QJsonArray>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QJsonArray answerOf(const std::vector<MenuNode> &nodes);
+
+QJsonObject answerOf(const MenuNode &node)
+{
+    switch (node.kind) {
+    case MenuNode::Kind::separator:
+        return {{u"separator"_s, true}};
+    case MenuNode::Kind::menu:
+        return {{u"title"_s, node.title}, {u"items"_s, answerOf(node.children)}};
+    case MenuNode::Kind::item:
+        break;
+    }
+    const QList<QKeySequence> keys = node.sender.represented.isNull() ? node.command->keySequences() : QList<QKeySequence>();
+    const auto name = node.command->selector.name();
+    QJsonObject item = {{u"title"_s, node.title},
+                        {u"key"_s, keys.isEmpty() ? QString() : keys.first().toString(QKeySequence::PortableText)},
+                        {u"action"_s, QString::fromLatin1(name.data(), qsizetype(name.size()))}};
+    if (node.sender.tag != 0) {
+        item[u"tag"_s] = node.sender.tag;
+    }
+    return item;
+}
+
+QJsonArray answerOf(const std::vector<MenuNode> &nodes)
+{
+    QJsonArray items;
+    for (const MenuNode &node : nodes) {
+        items << answerOf(node);
+    }
+    return items;
+}
+
+QJsonObject runMenu(const Arguments &arguments)
+{
+    Localization::use(arguments.value(u"language") == u"de"_s ? AppLanguage::german : AppLanguage::english);
+    return {{u"menus"_s, answerOf(MainMenu::build())}};
+}
+
+constexpr auto menuOptions =
+    std::to_array<OptionRow>({{u"language", u"en|de", [](const QString &value) { return value == u"en"_s || value == u"de"_s; }}});
+
+constexpr auto rows = std::to_array<CommandRow>({
+    {u"menu", u"", menuOptions, u"the menu bar with its titles, keys and actions", runMenu},
+});
+
+} // namespace
+
+std::span<const CommandRow> menuCommandRows()
+{
+    return rows;
+}
