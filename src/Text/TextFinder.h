@@ -55,7 +55,7 @@ public:
     TextFinder(TextView &view, Services services, QObject *parent = nullptr);
     ~TextFinder() override;
 
-    [[nodiscard]] TextView *view() const { return m_view; }
+    [[nodiscard]] TextView *view() const { return m_view.data(); }
     [[nodiscard]] FindState &shared() const { return m_services.shared; }
 
     /// What is sought from now on in this view; others learn of it when it is used.
@@ -132,6 +132,7 @@ private:
     void select(TextRange hit, Purpose purpose);
     [[nodiscard]] std::optional<TextRange> selectedHit() const;
 
+    void replaceSelectedHit(const QString &replacementTemplate);
     void startReplacing(const QString &replacementTemplate);
     void applyReplacement(const TextReplacement &replacement);
     [[nodiscard]] std::optional<QString> checkedTemplate(const QString &typed);
