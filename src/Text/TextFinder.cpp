@@ -459,6 +459,15 @@ std::optional<QString> TextFinder::checkedTemplate(const QString &typed)
     return *std::move(checked);
 }
 
+void TextFinder::replaceSelectedHit(const QString &replacementTemplate)
+{
+    if (const auto hit = selectedHit()) {
+        if (const auto text = m_searcher->replacement(m_view->storage().text(), *hit, replacementTemplate)) {
+            m_view->insertText(*text, *hit);
+        }
+    }
+}
+
 void TextFinder::replace(const QString &typed)
 {
     const auto checked = checkedTemplate(typed);
@@ -466,10 +475,10 @@ void TextFinder::replace(const QString &typed)
         return;
     }
     share();
-    if (const auto hit = selectedHit()) {
-        if (const auto text = m_searcher->replacement(m_view->storage().text(), *hit, *checked)) {
-            m_view->insertText(*text, *hit);
-        }
+    replaceSelectedHit(*checked);
+    // Who hears of the edit may close the view.
+    if (!m_view) {
+        return;
     }
     const TextRange place = selectedHit().value_or(m_view->selection().range());
     seek({.direction = Direction::forward, .from = place.end()});

@@ -132,6 +132,7 @@ private:
     void select(TextRange hit, Purpose purpose);
     [[nodiscard]] std::optional<TextRange> selectedHit() const;
 
+    void replaceSelectedHit(const QString &replacementTemplate);
     void startReplacing(const QString &replacementTemplate);
     void applyReplacement(const TextReplacement &replacement);
     [[nodiscard]] std::optional<QString> checkedTemplate(const QString &typed);
