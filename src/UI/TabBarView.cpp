@@ -9,8 +9,11 @@
 #include "UI/PlainToolTip.h"
 #include "UI/TabAccessible.h"
 
+#include <QActionGroup>
 #include <QApplication>
+#include <QDragEnterEvent>
 #include <QMenu>
+#include <QMimeData>
 #include <QPainter>
 #include <QWheelEvent>
 
@@ -30,6 +33,8 @@ constexpr int scrollButtonWidth = 20;
 constexpr int scrollSymbolSide = 10;
 /// How far a scroll button and a notch of the wheel go.
 constexpr int scrollStep = 120;
+/// How far the row goes with each move of a dragged tab over a scroll button.
+constexpr int dragScrollStep = 16;
 /// What the wheel reports for a notch.
 constexpr int notch = 120;
 /// Titles in the menu of all tabs are cut at this width, in characters.
@@ -49,9 +54,10 @@ quint32 groundOf(const Theme &theme)
 TabBarView::TabBarView(QWidget *parent)
     : QWidget(parent), m_theme(&Theme::light()), m_viewport(new QWidget(this)), m_strip(new TabStrip(m_viewport)),
       m_scrollLeftButton(new FlatButton(this)), m_scrollRightButton(new FlatButton(this)), m_allTabsButton(new FlatButton(this)),
-      m_newTabButton(new FlatButton(this)), m_allTabsMenu(new QMenu(this))
+      m_newTabButton(new FlatButton(this)), m_allTabsMenu(new QMenu(this)), m_allTabsChoice(new QActionGroup(this))
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setAcceptDrops(true);
     m_scrollLeftButton->setSymbol(u"chevron.left"_s, scrollSymbolSide);
     m_scrollRightButton->setSymbol(u"chevron.right"_s, scrollSymbolSide);
     for (FlatButton *button : {m_scrollLeftButton, m_scrollRightButton}) {
@@ -237,11 +243,12 @@ void TabBarView::fillMenuOfTabs()
         const TabDescriptor &tab = item->descriptor();
         QString title = metrics.elidedText(tab.title, Qt::ElideMiddle, width).replace(u'&', u"&&"_s);
         if (tab.isDirty || tab.hasExternalChange) {
-            title += u"  •"_s;
+            title += u" (%1)"_s.arg(localized(tab.hasExternalChange ? u"changed on disk" : u"edited"));
         }
         const int index = item->index();
         QAction *entry = m_allTabsMenu->addAction(title, this, [this, index] { select(index); });
         entry->setToolTip(plainToolTip(tab.tooltip));
+        m_allTabsChoice->addAction(entry);
         entry->setCheckable(true);
         entry->setChecked(item->isSelected());
         if (item->isSelected()) {
@@ -301,16 +308,6 @@ void TabBarView::paintEvent(QPaintEvent * /*event*/)
     painter.fillRect(QRectF(0, height() - devicePixel, width(), devicePixel), QColor::fromRgb(m_theme->gutterSeparator));
 }
 
-void TabBarView::changeEvent(QEvent *event)
-{
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::ApplicationFontChange) {
-        updateFonts();
-    } else if (event->type() == QEvent::ApplicationPaletteChange) {
-        applyPalette();
-    }
-}
-
 // Places and scrolling
 
 void TabBarView::scrollSelectedTabIntoView()
@@ -321,10 +318,15 @@ void TabBarView::scrollSelectedTabIntoView()
 
 bool TabBarView::event(QEvent *event)
 {
+    const bool isHandled = QWidget::event(event);
     if (event->type() == QEvent::LayoutRequest && std::exchange(m_shallReveal, false)) {
         reveal(m_selectedIndex);
+    } else if (event->type() == QEvent::ApplicationFontChange) {
+        updateFonts();
+    } else if (event->type() == QEvent::ApplicationPaletteChange) {
+        applyPalette();
     }
-    return QWidget::event(event);
+    return isHandled;
 }
 
 void TabBarView::resizeEvent(QResizeEvent * /*event*/)
@@ -411,4 +413,23 @@ void TabBarView::wheelEvent(QWheelEvent *event)
     m_wheelRemainder -= whole;
     scrollTo(m_offset - int(whole));
     event->accept();
+}
+
+// A tab is dragged past what is seen by way of the scroll buttons; nothing can be dropped there.
+
+void TabBarView::dragEnterEvent(QDragEnterEvent *event)
+{
+    dragMoveEvent(event);
+}
+
+void TabBarView::dragMoveEvent(QDragMoveEvent *event)
+{
+    const QWidget *under = childAt(event->position().toPoint());
+    const bool isOverButton = under && (under == m_scrollLeftButton || under == m_scrollRightButton);
+    if (!isOverButton || !event->mimeData()->hasFormat(TabItemView::mimeType())) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+    scrollTo(m_offset + (under == m_scrollLeftButton ? -dragScrollStep : dragScrollStep));
 }

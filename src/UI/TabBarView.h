@@ -9,6 +9,7 @@
 #include <vector>
 
 class FlatButton;
+class QActionGroup;
 class QMenu;
 class TabBarView;
 class TabStrip;
@@ -57,10 +58,11 @@ public:
 
 protected:
     bool event(QEvent *event) override;
-    void changeEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
 
 private:
     void addItem();
@@ -102,4 +104,5 @@ private:
     FlatButton *m_allTabsButton;
     FlatButton *m_newTabButton;
     QMenu *m_allTabsMenu;
+    QActionGroup *m_allTabsChoice;
 };

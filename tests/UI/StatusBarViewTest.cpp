@@ -216,6 +216,16 @@ TEST_F(StatusBarViewTest, WhereItIsNarrowTheLeastImportantGoesFirst)
         EXPECT_LE(right, width);
     }
     EXPECT_EQ(before, 0) << "the narrowest bar has no room for any";
+
+    bar.resize(1200, bar.height());
+    const QFont font = QApplication::font();
+    const int width = parts().back()->width();
+    QApplication::setFont(QFont(font.family(), font.pointSize() * 2));
+    QApplication::processEvents();
+    EXPECT_GT(bar.sizeHint().height(), bar.height());
+    EXPECT_GT(parts().back()->width(), width);
+    QApplication::setFont(font);
+    QApplication::processEvents();
 }
 
 TEST_F(StatusBarViewTest, TheKeyboardReachesEverythingAndFindsLanguagesByTyping)
