@@ -17,7 +17,8 @@
 #include <QPainter>
 #include <QWheelEvent>
 
-#include <cmath>
+#include <cstdlib>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -31,12 +32,10 @@ constexpr int rightInset = 8;
 constexpr int buttonGap = 2;
 constexpr int scrollButtonWidth = 20;
 constexpr int scrollSymbolSide = 10;
-/// How far a scroll button and a notch of the wheel go.
+/// How far a scroll button goes, in pixels.
 constexpr int scrollStep = 120;
-/// How far the row goes with each move of a dragged tab over a scroll button.
+/// How far the row goes, in pixels, with each move of a dragged tab over a scroll button.
 constexpr int dragScrollStep = 16;
-/// What the wheel reports for a notch.
-constexpr int notch = 120;
 /// Titles in the menu of all tabs are cut at this width, in characters.
 constexpr int menuTitleLength = 60;
 
@@ -408,10 +407,8 @@ void TabBarView::wheelEvent(QWheelEvent *event)
     const QPoint pixels = event->pixelDelta();
     const QPoint angle = event->angleDelta();
     const auto larger = [](QPoint delta) { return std::abs(delta.x()) > std::abs(delta.y()) ? delta.x() : delta.y(); };
-    m_wheelRemainder += pixels.isNull() ? double(larger(angle)) / notch * scrollStep : larger(pixels);
-    const double whole = std::trunc(m_wheelRemainder);
-    m_wheelRemainder -= whole;
-    scrollTo(m_offset - int(whole));
+    // A notch is 120 units of angle, which is as good as a scroll step in pixels.
+    scrollTo(m_offset - larger(pixels.isNull() ? angle : pixels));
     event->accept();
 }
 

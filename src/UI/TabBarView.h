@@ -91,8 +91,6 @@ private:
     int m_selectedIndex = -1;
     /// How many pixels of the row lie left of what is seen.
     int m_offset = 0;
-    /// By how much the wheel was turned beyond whole pixels.
-    double m_wheelRemainder = 0;
     bool m_shallReveal = false;
 
     /// What is seen of the row; the strip in it holds the items.

@@ -190,16 +190,12 @@ TEST_F(TabBarViewTest, ManyTabsScrollAndStandInAMenu)
     wheel(-120 * 100);
     EXPECT_TRUE(isInView(39));
     EXPECT_TRUE(button(u"Scroll Right"_s)->isHidden());
-    const int before = items()[39]->mapTo(&bar, QPoint()).x();
-    for (int i = 0; i < 120; ++i) {
-        wheel(1);
-    }
-    const int byHundredths = items()[39]->mapTo(&bar, QPoint()).x() - before;
-    wheel(-120);
-    wheel(120);
-    EXPECT_EQ(items()[39]->mapTo(&bar, QPoint()).x() - before, byHundredths) << "small turns add up";
     QTest::mouseClick(button(u"Scroll Left"_s), Qt::LeftButton);
-    EXPECT_GT(items()[39]->mapTo(&bar, QPoint()).x() - before, byHundredths);
+    EXPECT_FALSE(isInView(39));
+    bar.setTabs(tabs, 10);
+    bar.scrollSelectedTabIntoView();
+    QApplication::processEvents();
+    EXPECT_TRUE(isInView(10)) << "coming from the right, too";
 
     tabs[3] = {.title = u"a & b"_s, .tooltip = u"/<b>x</b>"_s, .isDirty = true};
     bar.setTabs(tabs, 3);
