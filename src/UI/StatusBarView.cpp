@@ -166,14 +166,15 @@ void StatusBarView::updateFonts()
     layOut();
 }
 
-void StatusBarView::changeEvent(QEvent *event)
+bool StatusBarView::event(QEvent *event)
 {
-    QWidget::changeEvent(event);
+    const bool isHandled = QWidget::event(event);
     if (event->type() == QEvent::ApplicationFontChange) {
         updateFonts();
     } else if (event->type() == QEvent::ApplicationPaletteChange) {
         applyPalette();
     }
+    return isHandled;
 }
 
 QSize StatusBarView::sizeHint() const

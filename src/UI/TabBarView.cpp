@@ -9,12 +9,16 @@
 #include "UI/PlainToolTip.h"
 #include "UI/TabAccessible.h"
 
+#include <QActionGroup>
 #include <QApplication>
+#include <QDragEnterEvent>
 #include <QMenu>
+#include <QMimeData>
 #include <QPainter>
 #include <QWheelEvent>
 
-#include <cmath>
+#include <cstdlib>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -28,10 +32,10 @@ constexpr int rightInset = 8;
 constexpr int buttonGap = 2;
 constexpr int scrollButtonWidth = 20;
 constexpr int scrollSymbolSide = 10;
-/// How far a scroll button and a notch of the wheel go.
+/// How far a scroll button goes, in pixels.
 constexpr int scrollStep = 120;
-/// What the wheel reports for a notch.
-constexpr int notch = 120;
+/// How far the row goes, in pixels, with each move of a dragged tab over a scroll button.
+constexpr int dragScrollStep = 16;
 /// Titles in the menu of all tabs are cut at this width, in characters.
 constexpr int menuTitleLength = 60;
 
@@ -49,9 +53,10 @@ quint32 groundOf(const Theme &theme)
 TabBarView::TabBarView(QWidget *parent)
     : QWidget(parent), m_theme(&Theme::light()), m_viewport(new QWidget(this)), m_strip(new TabStrip(m_viewport)),
       m_scrollLeftButton(new FlatButton(this)), m_scrollRightButton(new FlatButton(this)), m_allTabsButton(new FlatButton(this)),
-      m_newTabButton(new FlatButton(this)), m_allTabsMenu(new QMenu(this))
+      m_newTabButton(new FlatButton(this)), m_allTabsMenu(new QMenu(this)), m_allTabsChoice(new QActionGroup(this))
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setAcceptDrops(true);
     m_scrollLeftButton->setSymbol(u"chevron.left"_s, scrollSymbolSide);
     m_scrollRightButton->setSymbol(u"chevron.right"_s, scrollSymbolSide);
     for (FlatButton *button : {m_scrollLeftButton, m_scrollRightButton}) {
@@ -237,11 +242,12 @@ void TabBarView::fillMenuOfTabs()
         const TabDescriptor &tab = item->descriptor();
         QString title = metrics.elidedText(tab.title, Qt::ElideMiddle, width).replace(u'&', u"&&"_s);
         if (tab.isDirty || tab.hasExternalChange) {
-            title += u"  •"_s;
+            title += u" (%1)"_s.arg(localized(tab.hasExternalChange ? u"changed on disk" : u"edited"));
         }
         const int index = item->index();
         QAction *entry = m_allTabsMenu->addAction(title, this, [this, index] { select(index); });
         entry->setToolTip(plainToolTip(tab.tooltip));
+        m_allTabsChoice->addAction(entry);
         entry->setCheckable(true);
         entry->setChecked(item->isSelected());
         if (item->isSelected()) {
@@ -301,16 +307,6 @@ void TabBarView::paintEvent(QPaintEvent * /*event*/)
     painter.fillRect(QRectF(0, height() - devicePixel, width(), devicePixel), QColor::fromRgb(m_theme->gutterSeparator));
 }
 
-void TabBarView::changeEvent(QEvent *event)
-{
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::ApplicationFontChange) {
-        updateFonts();
-    } else if (event->type() == QEvent::ApplicationPaletteChange) {
-        applyPalette();
-    }
-}
-
 // Places and scrolling
 
 void TabBarView::scrollSelectedTabIntoView()
@@ -321,10 +317,15 @@ void TabBarView::scrollSelectedTabIntoView()
 
 bool TabBarView::event(QEvent *event)
 {
+    const bool isHandled = QWidget::event(event);
     if (event->type() == QEvent::LayoutRequest && std::exchange(m_shallReveal, false)) {
         reveal(m_selectedIndex);
+    } else if (event->type() == QEvent::ApplicationFontChange) {
+        updateFonts();
+    } else if (event->type() == QEvent::ApplicationPaletteChange) {
+        applyPalette();
     }
-    return QWidget::event(event);
+    return isHandled;
 }
 
 void TabBarView::resizeEvent(QResizeEvent * /*event*/)
@@ -406,9 +407,26 @@ void TabBarView::wheelEvent(QWheelEvent *event)
     const QPoint pixels = event->pixelDelta();
     const QPoint angle = event->angleDelta();
     const auto larger = [](QPoint delta) { return std::abs(delta.x()) > std::abs(delta.y()) ? delta.x() : delta.y(); };
-    m_wheelRemainder += pixels.isNull() ? double(larger(angle)) / notch * scrollStep : larger(pixels);
-    const double whole = std::trunc(m_wheelRemainder);
-    m_wheelRemainder -= whole;
-    scrollTo(m_offset - int(whole));
+    // A notch is 120 units of angle, which is as good as a scroll step in pixels.
+    scrollTo(m_offset - larger(pixels.isNull() ? angle : pixels));
     event->accept();
+}
+
+// A tab is dragged past what is seen by way of the scroll buttons; nothing can be dropped there.
+
+void TabBarView::dragEnterEvent(QDragEnterEvent *event)
+{
+    dragMoveEvent(event);
+}
+
+void TabBarView::dragMoveEvent(QDragMoveEvent *event)
+{
+    const QWidget *under = childAt(event->position().toPoint());
+    const bool isOverButton = under && (under == m_scrollLeftButton || under == m_scrollRightButton);
+    if (!isOverButton || !event->mimeData()->hasFormat(TabItemView::mimeType())) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+    scrollTo(m_offset + (under == m_scrollLeftButton ? -dragScrollStep : dragScrollStep));
 }

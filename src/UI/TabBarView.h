@@ -9,6 +9,7 @@
 #include <vector>
 
 class FlatButton;
+class QActionGroup;
 class QMenu;
 class TabBarView;
 class TabStrip;
@@ -57,10 +58,11 @@ public:
 
 protected:
     bool event(QEvent *event) override;
-    void changeEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
 
 private:
     void addItem();
@@ -89,8 +91,6 @@ private:
     int m_selectedIndex = -1;
     /// How many pixels of the row lie left of what is seen.
     int m_offset = 0;
-    /// By how much the wheel was turned beyond whole pixels.
-    double m_wheelRemainder = 0;
     bool m_shallReveal = false;
 
     /// What is seen of the row; the strip in it holds the items.
@@ -102,4 +102,5 @@ private:
     FlatButton *m_allTabsButton;
     FlatButton *m_newTabButton;
     QMenu *m_allTabsMenu;
+    QActionGroup *m_allTabsChoice;
 };

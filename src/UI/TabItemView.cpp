@@ -320,7 +320,8 @@ void TabItemView::startDrag()
     payload->setData(mimeType(), QByteArray::number(m_index));
     drag->setMimeData(payload);
     drag->setPixmap(grab());
-    drag->setHotSpot({width() / 2, height() / 2});
+    // Below the pointer, so that the row and the mark in it stay seen.
+    drag->setHotSpot({width() / 2, -height() / 2});
     const QPointer<TabItemView> self(this);
     drag->exec(Qt::MoveAction);
     if (self) {

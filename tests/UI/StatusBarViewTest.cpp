@@ -199,7 +199,7 @@ TEST_F(StatusBarViewTest, WhereItIsNarrowTheLeastImportantGoesFirst)
     bar.setState(state);
     const QStringList byImportance = {u"Zeile 3, Spalte 2"_s, u"Python"_s, u"UTF-8"_s, u"LF"_s, u"Leerzeichen: 4"_s};
     qsizetype before = byImportance.size();
-    for (int width = 1400; width >= 40; width -= 20) {
+    for (int width = 1400; width >= 40; width -= 3) {
         SCOPED_TRACE(width);
         bar.resize(width, bar.height());
         const QStringList shown = texts();
@@ -208,6 +208,9 @@ TEST_F(StatusBarViewTest, WhereItIsNarrowTheLeastImportantGoesFirst)
         EXPECT_EQ(controls, byImportance.first(controls.size())) << shown.join(u", "_s).toStdString();
         EXPECT_LE(controls.size(), before);
         before = controls.size();
+        if (!controls.isEmpty()) {
+            EXPECT_GE(parts()[1]->width(), 10 * parts()[1]->fontMetrics().averageCharWidth()) << "a control goes before the path is gone";
+        }
         int right = 0;
         for (const QWidget *part : parts()) {
             EXPECT_GE(part->x(), right) << "they overlap";
@@ -216,6 +219,16 @@ TEST_F(StatusBarViewTest, WhereItIsNarrowTheLeastImportantGoesFirst)
         EXPECT_LE(right, width);
     }
     EXPECT_EQ(before, 0) << "the narrowest bar has no room for any";
+
+    bar.resize(1200, bar.height());
+    const QFont font = QApplication::font();
+    const int width = parts().back()->width();
+    QApplication::setFont(QFont(font.family(), font.pointSize() * 2));
+    QApplication::processEvents();
+    EXPECT_GT(bar.sizeHint().height(), bar.height());
+    EXPECT_GT(parts().back()->width(), width);
+    QApplication::setFont(font);
+    QApplication::processEvents();
 }
 
 TEST_F(StatusBarViewTest, TheKeyboardReachesEverythingAndFindsLanguagesByTyping)
