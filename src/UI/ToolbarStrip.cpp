@@ -25,7 +25,7 @@ constexpr int margin = 4;
 constexpr int titleMargin = 8;
 constexpr int titleMargins = 2 * titleMargin;
 /// A title of this width says something still.
-constexpr int narrowestTitle = 60;
+constexpr int narrowestTitle = 84;
 
 /// What the titles of the menus take, also those for which there is no room now. Asking the menu bar itself would have it lay out its
 /// corners, and so ask back.
