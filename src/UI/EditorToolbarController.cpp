@@ -202,14 +202,17 @@ void EditorToolbarController::updateTitle()
 
 void EditorToolbarController::perform(const ToolbarAction &spec)
 {
+    const QPointer alive(this);
     chooseAction(m_window, spec.action, {}, m_services.presenter);
-    // A toggle has changed its look by the click alone.
-    validate();
+    if (alive) {
+        // A toggle has changed its look by the click alone.
+        validate();
+    }
 }
 
 void EditorToolbarController::fill(QMenu &menu) const
 {
-    menu.clear();
+    emptyMenu(menu);
     if (m_fillMenu) {
         m_fillMenu(menu);
     }

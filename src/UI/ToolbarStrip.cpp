@@ -63,10 +63,17 @@ protected:
 
 } // namespace
 
+void emptyMenu(QMenu &menu)
+{
+    qDeleteAll(menu.findChildren<QMenu *>(Qt::FindDirectChildrenOnly));
+    menu.clear();
+}
+
 ToolbarStrip::ToolbarStrip(QWidget *parent)
     : QWidget(parent), m_title(new ElidedLabel(Qt::ElideMiddle, this)), m_extension(new ExtensionButton(this)),
       m_extensionMenu(new QMenu(this))
 {
+    setAccessibleName(localized(u"Toolbar"));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     // Beside the menus it must not look like one of them.
     QFont bold;
@@ -203,7 +210,7 @@ void ToolbarStrip::resizeEvent(QResizeEvent * /*event*/)
 
 void ToolbarStrip::fillExtension()
 {
-    m_extensionMenu->clear();
+    emptyMenu(*m_extensionMenu);
     for (size_t i = m_shownCount; i < m_items.size(); ++i) {
         m_fill(*m_extensionMenu, *m_items[i]);
     }

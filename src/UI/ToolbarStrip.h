@@ -65,3 +65,6 @@ private:
     std::function<void(QMenu &menu, ToolbarActionItem &item)> m_fill;
     QMenuBar *m_menuBar = nullptr;
 };
+
+/// Takes everything out of `menu`. Its submenus go too, which clear() would keep.
+void emptyMenu(QMenu &menu);

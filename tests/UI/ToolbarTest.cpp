@@ -277,11 +277,16 @@ TEST_F(ToolbarTest, ActionWithAMenuOpensWhatItsFillerPuts)
 {
     configure(ToolbarStyle::combined, {u"compare"_s});
     EXPECT_FALSE(button(u"compare"_s)->isEnabled()) << "it would be empty";
-    controller->setMenuFiller([](QMenu &menu) { menu.addAction(u"With File"_s); });
+    controller->setMenuFiller([](QMenu &menu) {
+        menu.addAction(u"With File"_s);
+        menu.addMenu(u"With Recent"_s);
+    });
     EXPECT_TRUE(button(u"compare"_s)->isEnabled());
     for (int opening = 0; opening < 2; ++opening) {
-        emit button(u"compare"_s)->menu()->aboutToShow();
-        EXPECT_EQ(titles(*button(u"compare"_s)->menu()), QStringList(u"With File"_s));
+        QMenu *menu = button(u"compare"_s)->menu();
+        emit menu->aboutToShow();
+        EXPECT_EQ(titles(*menu), QStringList({u"With File"_s, u"With Recent"_s}));
+        EXPECT_EQ(menu->findChildren<QMenu *>().size(), 1) << "those of the last opening are gone";
     }
 }
 
