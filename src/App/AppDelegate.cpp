@@ -8,6 +8,7 @@
 #include "Platform/Desktop.h"
 #include "Platform/Localization.h"
 #include "Platform/Translation.h"
+#include "UI/EditorToolbarController.h"
 
 #include <QApplication>
 #include <QDir>
@@ -56,6 +57,7 @@ MainWindowController &AppDelegate::makeWindow()
     auto *window = new MainWindowController(m_services, *this);
     window->setNextResponder(this);
     MainMenu::install(*window, m_services.presenter);
+    window->toolbar().setKeyNames([](Selector action) { return MainMenu::keyOf(action).toString(QKeySequence::NativeText); });
     m_windows.push_back(window);
     connect(window, &MainWindowController::closed, this, [this, window] { windowClosed(*window); });
     connect(window, &MainWindowController::closingRefused, this, [this] { m_isTerminating = false; });

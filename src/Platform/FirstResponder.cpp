@@ -2,12 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/FirstResponder.h"
 
-#include "Platform/Responder.h"
+#include "Platform/AlertPresenter.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
-#include <QMenuBar>
 #include <QMimeData>
 #include <QPointer>
 
@@ -67,32 +66,45 @@ private:
     QPointer<QLineEdit> m_edit;
 };
 
-/// What had the focus when a menu bar took it.
-QPointer<QWidget> behindMenuBar;
+/// Marks the widgets that act on what lies behind them.
+constexpr const char *barProperty = "actsOnFocusBehind";
+/// What had the focus when a bar took it.
+QPointer<QWidget> behindBar;
 
-QWidget *focusBehindMenuBar(const QWidget *window)
+bool isInBar(const QWidget *widget)
 {
-    QWidget *focus = window->focusWidget();
-    if (!qobject_cast<QMenuBar *>(focus)) {
-        return focus;
+    for (; widget; widget = widget->isWindow() ? nullptr : widget->parentWidget()) {
+        if (widget->property(barProperty).toBool()) {
+            return true;
+        }
     }
-    return behindMenuBar && behindMenuBar->window() == window ? behindMenuBar.get() : nullptr;
+    return false;
 }
 
 } // namespace
 
-void keepFirstResponderBehind(QMenuBar &menuBar)
+void keepFirstResponderBehind(QWidget &bar)
 {
-    QObject::connect(qApp, &QApplication::focusChanged, &menuBar, [&menuBar](QWidget *before, QWidget *now) {
-        if (now == &menuBar && before) {
-            behindMenuBar = before;
+    bar.setProperty(barProperty, true);
+    static const auto connection = QObject::connect(qApp, &QApplication::focusChanged, [](QWidget *before, QWidget *now) {
+        if (before && isInBar(now) && !isInBar(before)) {
+            behindBar = before;
         }
     });
 }
 
+QWidget *focusBehindBars(const QWidget *window)
+{
+    QWidget *focus = window->focusWidget();
+    if (!isInBar(focus)) {
+        return focus;
+    }
+    return behindBar && behindBar->window() == window ? behindBar.get() : nullptr;
+}
+
 Responder *firstResponder(QWidget *window)
 {
-    QWidget *focus = focusBehindMenuBar(window);
+    QWidget *focus = focusBehindBars(window);
     auto *edit = qobject_cast<QLineEdit *>(focus);
     if (edit && !dynamic_cast<Responder *>(focus)) {
         static LineEditResponder responder;
@@ -100,4 +112,12 @@ Responder *firstResponder(QWidget *window)
         return &responder;
     }
     return nearestResponder(focus ? focus : window);
+}
+
+void chooseAction(QWidget &window, Selector selector, const ActionSender &sender, AlertPresenter &presenter)
+{
+    Responder *responder = firstResponder(&window);
+    if (!responder || !responder->state(selector, sender).isEnabled || !responder->perform(selector, sender)) {
+        presenter.beep();
+    }
 }

@@ -2,14 +2,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-class QMenuBar;
+#include "Platform/Responder.h"
+
+class AlertPresenter;
 class QWidget;
-class Responder;
 
 /// Where the actions of `window` begin: the nearest responder of its focus widget, else of the window itself, else null. A focused line
 /// edit counts as one that takes "undo:", "redo:", "cut:", "copy:", "paste:", "delete:" and "selectAll:". Valid until the focus moves.
 [[nodiscard]] Responder *firstResponder(QWidget *window);
 
-/// From now on the focus widget of `menuBar`'s window counts as focused while the menu bar itself has the focus, as it does when it is
-/// used with keys: the menus act on the text behind them.
-void keepFirstResponderBehind(QMenuBar &menuBar);
+/// From now on what had the focus before counts as focused while `bar`, a menu bar or a toolbar, or a widget in it has the focus, as it
+/// does when it is used with keys: its commands act on the text behind.
+void keepFirstResponderBehind(QWidget &bar);
+/// What counts as focused in `window`, by the rule above; null for nothing.
+[[nodiscard]] QWidget *focusBehindBars(const QWidget *window);
+
+/// Carries out the command that a menu or a toolbar of `window` offers, on its first responder; beeps when that does not take it or calls
+/// it disabled.
+void chooseAction(QWidget &window, Selector selector, const ActionSender &sender, AlertPresenter &presenter);

@@ -22,7 +22,7 @@ static void registerIcons()
 
 namespace {
 
-QString pathOf(QStringView name)
+QString pathOf(const QString &name)
 {
     return u":/icons/%1.svg"_s.arg(name);
 }
@@ -101,10 +101,11 @@ private:
 
 } // namespace
 
-QIcon symbolIcon(QStringView name, const QColor &normal)
+QIcon symbolIcon(QAnyStringView name, const QColor &normal)
 {
     registerIcons();
-    return QFile::exists(pathOf(name)) ? QIcon(new SymbolEngine(name.toString(), normal)) : QIcon();
+    const QString known = name.toString();
+    return QFile::exists(pathOf(known)) ? QIcon(new SymbolEngine(known, normal)) : QIcon();
 }
 
 QIcon applicationIcon()

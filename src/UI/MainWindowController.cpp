@@ -6,6 +6,7 @@
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Translation.h"
+#include "UI/EditorToolbarController.h"
 
 #include <QCloseEvent>
 #include <QScreen>
@@ -38,12 +39,14 @@ QWidget *firstStop(QWidget &region)
 } // namespace
 
 MainWindowController::MainWindowController(const WorkspaceServices &services, WorkspaceHost &host)
-    : m_services(services), m_workspace(new WorkspaceViewController(services, host, this))
+    : m_services(services), m_workspace(new WorkspaceViewController(services, host, this)),
+      m_toolbar(new EditorToolbarController(*this, {services.scheduler, services.notifications, services.preferences, services.presenter}))
 {
     setMinimumSize(leastSize);
     restoreFrame();
     setCentralWidget(m_workspace);
     connect(m_workspace, &WorkspaceViewController::currentDocumentChanged, this, &MainWindowController::updateTitle);
+    connect(m_workspace, &WorkspaceViewController::currentDocumentChanged, m_toolbar, &EditorToolbarController::validateSoon);
     connect(new QShortcut(Qt::Key_F6, this), &QShortcut::activated, this, [this] { focusNextRegion(1); });
     connect(new QShortcut(Qt::SHIFT | Qt::Key_F6, this), &QShortcut::activated, this, [this] { focusNextRegion(-1); });
     m_workspace->addPane({}, 0);
@@ -104,6 +107,9 @@ std::vector<QWidget *> MainWindowController::regions() const
     std::vector<QWidget *> regions;
     if (EditorViewController *editor = m_workspace->currentEditor()) {
         regions = {&editor->textView(), &m_workspace->activePane()->tabBar(), &m_workspace->statusBar()};
+    }
+    if (QWidget *entry = m_toolbar->entry()) {
+        regions.push_back(entry);
     }
     return regions;
 }

@@ -6,6 +6,8 @@
 
 #include <QMainWindow>
 
+class EditorToolbarController;
+
 /// One main window: its title, its toolbar, its closing. Never loses text without asking.
 class MainWindowController final : public QMainWindow, public Responder {
     Q_OBJECT
@@ -16,6 +18,7 @@ public:
     ~MainWindowController() override;
 
     [[nodiscard]] WorkspaceViewController &workspace() { return *m_workspace; }
+    [[nodiscard]] EditorToolbarController &toolbar() { return *m_toolbar; }
 
     [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
 
@@ -47,6 +50,7 @@ private:
 
     WorkspaceServices m_services;
     WorkspaceViewController *m_workspace;
+    EditorToolbarController *m_toolbar;
     /// The closing has been asked about.
     bool m_mayClose = false;
     bool m_isClosed = false;

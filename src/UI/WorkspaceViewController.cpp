@@ -6,8 +6,8 @@
 #include "Model/Preferences.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/Localization.h"
+#include "UI/PaneSplitter.h"
 
-#include <QSplitter>
 #include <QVBoxLayout>
 
 namespace {
@@ -19,14 +19,12 @@ constexpr int leastPaneExtent = 180;
 } // namespace
 
 WorkspaceViewController::WorkspaceViewController(const WorkspaceServices &services, WorkspaceHost &host, QWidget *parent)
-    : FileDropView(parent), m_services(services), m_host(host), m_splitView(new QSplitter(Qt::Horizontal, this)),
+    : FileDropView(parent), m_services(services), m_host(host), m_splitView(new PaneSplitter(this)),
       m_statusBar(new StatusBarView(services.scheduler, services.notifications, this))
 {
     resize(startSize);
     setAcceptDrops(true);
     onDropFiles = [this](const QStringList &paths) { open(paths); };
-    m_splitView->setHandleWidth(1);
-    m_splitView->setChildrenCollapsible(false);
     m_statusBar->setDelegate(this);
     auto *stack = new QVBoxLayout(this);
     stack->setContentsMargins({});
@@ -73,6 +71,7 @@ void WorkspaceViewController::applyTheme()
 {
     m_services.documents.refreshAppearance();
     m_statusBar->setTheme(m_services.documents.theme());
+    m_splitView->setDividerColor(QColor::fromRgb(m_services.documents.theme().gutterSeparator));
 }
 
 // Opening

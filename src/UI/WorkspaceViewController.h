@@ -8,7 +8,7 @@
 #include "UI/PaneViewController.h"
 #include "UI/StatusBarView.h"
 
-class QSplitter;
+class PaneSplitter;
 class WorkspaceViewController;
 struct Alert;
 
@@ -173,7 +173,7 @@ private:
 
     WorkspaceServices m_services;
     WorkspaceHost &m_host;
-    QSplitter *m_splitView;
+    PaneSplitter *m_splitView;
     StatusBarView *m_statusBar;
     std::vector<PaneViewController *> m_panes;
     PaneViewController *m_activePane = nullptr;

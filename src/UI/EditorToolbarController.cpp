@@ -1,0 +1,261 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "UI/EditorToolbarController.h"
+
+#include "Model/Preferences.h"
+#include "Model/TextDocument.h"
+#include "Platform/FirstResponder.h"
+#include "Platform/Localization.h"
+#include "Platform/SymbolIcon.h"
+#include "UI/ToolbarActionItem.h"
+#include "UI/ToolbarCatalogue.h"
+#include "UI/ToolbarStrip.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProxyStyle>
+#include <QToolBar>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto validationInterval = 50ms;
+// Logical pixels.
+constexpr int symbolSideBesideMenus = 18;
+constexpr int symbolSideInRow = 20;
+
+/// The window's title as its frame shows it.
+QString titleOf(const QWidget &window)
+{
+    // A doubled placeholder stands for itself.
+    QString title = window.windowTitle();
+    title.replace("[*][*]"_L1, "\n"_L1);
+    title.replace("[*]"_L1, window.isWindowModified() ? "*"_L1 : ""_L1);
+    return title.replace("\n"_L1, "[*]"_L1);
+}
+
+/// Makes the titles of a menu bar as high as the toolbar beside them: else they would stand at the upper edge of their row.
+class TitleStyle final : public QProxyStyle {
+public:
+    TitleStyle(int height, QObject *owner) : QProxyStyle(QApplication::style()->name()), m_height(height) { setParent(owner); }
+
+    [[nodiscard]] QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &contents,
+                                         const QWidget *widget) const override
+    {
+        const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+        return type == CT_MenuBarItem ? size.expandedTo({0, m_height}) : size;
+    }
+
+private:
+    int m_height;
+};
+
+} // namespace
+
+EditorToolbarController::EditorToolbarController(QMainWindow &window, const ToolbarServices &services)
+    : QObject(&window), m_window(window), m_services(services), m_lastValidation(services.scheduler.now() - validationInterval)
+{
+    NotificationCenter &notifications = m_services.notifications;
+    const auto applyAgain = [this] { apply(); };
+    const auto validateAgain = [this] { validateSoon(); };
+    m_observers = {notifications.observe(Preferences::toolbarConfigurationDidChange, nullptr, applyAgain),
+                   notifications.observe(Localization::didChangeNotification, nullptr, applyAgain),
+                   notifications.observe(TextDocument::didChangeMetadata, nullptr, validateAgain),
+                   notifications.observe(Preferences::didChange, nullptr, validateAgain)};
+    connect(qApp, &QApplication::focusChanged, this, validateAgain);
+    m_window.installEventFilter(this);
+    apply();
+}
+
+EditorToolbarController::~EditorToolbarController() = default;
+
+void EditorToolbarController::setMenuFiller(MenuFiller filler)
+{
+    m_fillMenu = std::move(filler);
+    validate();
+}
+
+void EditorToolbarController::setKeyNames(KeyNames names)
+{
+    m_keyNames = std::move(names);
+    apply();
+}
+
+QWidget *EditorToolbarController::entry() const
+{
+    return m_strip ? m_strip->entry() : nullptr;
+}
+
+// Construction
+
+void EditorToolbarController::apply()
+{
+    removeStrip();
+    if (m_services.preferences.toolbarStyle() == ToolbarStyle::hidden) {
+        return;
+    }
+    m_strip = new ToolbarStrip;
+    for (const ToolbarAction *action : ToolbarCatalogue::configuredActions(m_services.preferences)) {
+        addItem(*action);
+    }
+    m_strip->setExtensionFiller([this](QMenu &menu, ToolbarActionItem &item) { addToExtension(menu, item); });
+    connect(m_strip, &ToolbarStrip::left, this, [this] {
+        if (QWidget *behind = focusBehindBars(&m_window)) {
+            behind->setFocus(Qt::OtherFocusReason);
+        }
+    });
+    keepFirstResponderBehind(*m_strip);
+    updateTitle();
+    installStrip();
+    validate();
+}
+
+void EditorToolbarController::removeStrip()
+{
+    if (!m_strip) {
+        return;
+    }
+    if (QWidget *behind = focusBehindBars(&m_window); behind && m_strip->isAncestorOf(m_window.focusWidget())) {
+        behind->setFocus(Qt::OtherFocusReason);
+    }
+    if (m_window.menuBar()->cornerWidget() == m_strip) {
+        m_window.menuBar()->setCornerWidget(nullptr);
+        m_window.menuBar()->setStyle(nullptr);
+    }
+    // One of the buttons may be what led here.
+    m_strip->hide();
+    m_strip->deleteLater();
+    m_strip = nullptr;
+    if (m_bar) {
+        m_window.removeToolBar(m_bar);
+        m_bar->deleteLater();
+        m_bar = nullptr;
+    }
+}
+
+void EditorToolbarController::installStrip()
+{
+    if (m_services.preferences.toolbarStyle() == ToolbarStyle::combined) {
+        m_strip->setRoomBeside(*m_window.menuBar());
+        m_window.menuBar()->setStyle(new TitleStyle(m_strip->sizeHint().height(), m_strip));
+        m_window.menuBar()->setCornerWidget(m_strip);
+    } else {
+        m_bar = new QToolBar;
+        m_bar->setObjectName(u"QuilletToolbar"_s);
+        m_bar->setMovable(false);
+        m_bar->setContextMenuPolicy(Qt::PreventContextMenu);
+        // Else the window's own context menu would offer to hide it.
+        m_bar->toggleViewAction()->setVisible(false);
+        m_bar->addWidget(m_strip);
+        m_window.addToolBar(Qt::TopToolBarArea, m_bar);
+    }
+    m_strip->show();
+}
+
+void EditorToolbarController::addItem(const ToolbarAction &spec)
+{
+    const auto labels = m_services.preferences.toolbarShowsLabels() ? ToolbarActionItem::Labels::shown : ToolbarActionItem::Labels::hidden;
+    auto *item = new ToolbarActionItem(spec, labels, m_keyNames ? m_keyNames(spec.action) : QString(), m_strip);
+    const bool isBesideMenus = m_services.preferences.toolbarStyle() == ToolbarStyle::combined;
+    const int side = isBesideMenus ? symbolSideBesideMenus : symbolSideInRow;
+    item->setIconSize({side, side});
+    if (spec.hasMenu) {
+        auto *menu = new QMenu(item);
+        connect(menu, &QMenu::aboutToShow, this, [this, menu] { fill(*menu); });
+        item->setMenu(menu);
+    } else {
+        connect(item, &QToolButton::clicked, this, [this, &spec] { perform(spec); });
+    }
+    m_strip->addItem(*item);
+}
+
+void EditorToolbarController::addToExtension(QMenu &menu, ToolbarActionItem &item)
+{
+    const ToolbarAction &spec = item.spec();
+    if (spec.hasMenu) {
+        QMenu *submenu = menu.addMenu(item.icon(), item.text());
+        fill(*submenu);
+        submenu->setEnabled(item.isEnabled());
+        return;
+    }
+    QAction *action = menu.addAction(item.icon(), item.text(), this, [this, &spec] { perform(spec); });
+    action->setEnabled(item.isEnabled());
+    action->setCheckable(item.isCheckable());
+    action->setChecked(item.isChecked());
+}
+
+void EditorToolbarController::updateTitle()
+{
+    if (m_strip) {
+        m_strip->setTitle(m_services.preferences.windowShowsTitle() ? titleOf(m_window) : QString());
+    }
+}
+
+// Doing and showing
+
+void EditorToolbarController::perform(const ToolbarAction &spec)
+{
+    const QPointer alive(this);
+    chooseAction(m_window, spec.action, {}, m_services.presenter);
+    if (alive) {
+        // A toggle has changed its look by the click alone.
+        validate();
+    }
+}
+
+void EditorToolbarController::fill(QMenu &menu) const
+{
+    emptyMenu(menu);
+    if (m_fillMenu) {
+        m_fillMenu(menu);
+    }
+}
+
+ActionState EditorToolbarController::stateOf(const ToolbarAction &spec) const
+{
+    const Responder *responder = firstResponder(&m_window);
+    ActionState state = responder ? responder->state(spec.action) : ActionState{.isEnabled = false};
+    if (spec.isToggle()) {
+        state.checkMark = (m_services.preferences.*spec.isOn)() ? CheckMark::on : CheckMark::none;
+    }
+    if (spec.hasMenu && state.isEnabled) {
+        QMenu menu;
+        fill(menu);
+        state.isEnabled = !menu.isEmpty();
+    }
+    return state;
+}
+
+void EditorToolbarController::validate()
+{
+    m_validation.cancel();
+    m_lastValidation = m_services.scheduler.now();
+    if (m_strip) {
+        for (ToolbarActionItem *item : m_strip->items()) {
+            item->setState(stateOf(item->spec()));
+        }
+    }
+}
+
+void EditorToolbarController::validateSoon()
+{
+    if (!m_validation.isPending()) {
+        const auto due = m_lastValidation + validationInterval - m_services.scheduler.now();
+        m_validation = m_services.scheduler.after(std::max(due, Scheduler::Milliseconds(0)), [this] { validate(); });
+    }
+}
+
+bool EditorToolbarController::eventFilter(QObject *object, QEvent *event)
+{
+    if (object == &m_window && (event->type() == QEvent::WindowTitleChange || event->type() == QEvent::ModifiedChange)) {
+        updateTitle();
+    }
+    return QObject::eventFilter(object, event);
+}
