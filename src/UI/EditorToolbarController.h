@@ -5,9 +5,11 @@
 #include "Platform/NotificationCenter.h"
 #include "Platform/Scheduler.h"
 #include "UI/ToolbarAction.h"
+#include "UI/ToolbarStrip.h"
 
 #include <QObject>
 #include <QPointer>
+#include <QToolBar>
 
 #include <array>
 #include <functional>
@@ -16,9 +18,7 @@ class AlertPresenter;
 class Preferences;
 class QMainWindow;
 class QMenu;
-class QToolBar;
 class ToolbarActionItem;
-class ToolbarStrip;
 
 /// What a toolbar uses.
 struct ToolbarServices {
