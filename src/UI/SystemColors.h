@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Highlighting/Theme.h"
+
 #include <QColor>
 #include <QGuiApplication>
 #include <QPalette>
@@ -9,9 +11,9 @@
 /// Colours that mean something, the same in every theme of one brightness.
 namespace SystemColor {
 
-[[nodiscard]] inline QColor yellow(bool isDark)
+[[nodiscard]] inline QColor yellow(const Theme &theme)
 {
-    return QColor::fromRgb(isDark ? 0xFFFFD60A : 0xFFFFCC00);
+    return QColor::fromRgb(theme.isDark ? 0xFFFFD60A : 0xFFFFCC00);
 }
 /// Dark enough for white text.
 [[nodiscard]] inline QColor green()

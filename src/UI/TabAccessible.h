@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QAccessibleWidget>
+#include <QWidget>
 
 class TabItemView;
 

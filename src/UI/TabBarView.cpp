@@ -111,7 +111,7 @@ void TabBarView::retranslate()
 
 // Tabs
 
-void TabBarView::setTabs(std::vector<TabDescriptor> tabs, int selectedIndex)
+void TabBarView::setTabs(const std::vector<TabDescriptor> &tabs, int selectedIndex)
 {
     m_selectedIndex = selectedIndex >= 0 && selectedIndex < int(tabs.size()) ? selectedIndex : -1;
     while (m_items.size() < tabs.size()) {

@@ -47,7 +47,7 @@ public:
     void setTheme(const Theme &theme);
     void setActivePane(PaneActivity activity);
     /// The tabs from left to right. Without tabs, or with an index outside of them, none is selected.
-    void setTabs(std::vector<TabDescriptor> tabs, int selectedIndex);
+    void setTabs(const std::vector<TabDescriptor> &tabs, int selectedIndex);
     /// In the next turn of the event loop, when everything has its place.
     void scrollSelectedTabIntoView();
     /// Looks all texts of its own up anew; the titles are the pane's.
