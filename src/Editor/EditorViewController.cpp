@@ -26,7 +26,8 @@ constexpr QSize startSize(800, 600);
 } // namespace
 
 EditorViewController::EditorViewController(const EditorServices &services, TextDocument &document, QWidget *parent)
-    : QWidget(parent), m_services(services), m_document(document), m_keepsDocument(document.shared_from_this()), m_stack(new QVBoxLayout(this)),
+    : QWidget(parent), m_services(services), m_document(document), m_keepsDocument(document.shared_from_this()),
+      m_stack(new QVBoxLayout(this)),
       m_textView(new EditorTextView(document.storage(), document.undoManager(),
                                     {services.scheduler, services.pasteboard, [&presenter = services.presenter] { presenter.beep(); }},
                                     editorFont(services.preferences), this)),

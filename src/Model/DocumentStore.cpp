@@ -40,7 +40,8 @@ void DocumentStore::remove(const TextDocument &document)
 TextDocument *DocumentStore::documentAt(const QString &path) const
 {
     const QString identity = TextDocument::identityOf(path);
-    const auto found = std::ranges::find_if(m_documents, [&](const auto &open) { return !open->isUntitled() && open->identity() == identity; });
+    const auto found =
+        std::ranges::find_if(m_documents, [&](const auto &open) { return !open->isUntitled() && open->identity() == identity; });
     return found == m_documents.end() ? nullptr : found->get();
 }
 
