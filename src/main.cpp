@@ -76,8 +76,10 @@ int run(QApplication &application, const QStringList &files)
         spellChecker.setLanguages(SpellChecker::systemSetup().languages);
     });
     SystemDesktop desktop;
-    AppDelegate delegate({scheduler, notifications, defaults, preferences, pasteboard, presenter, documents, workers, find, desktop,
-                          &spellChecker, &spellingPanel});
+    AppDelegate delegate(
+        {{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, &spellChecker, &spellingPanel},
+         defaults,
+         desktop});
     QApplication::setQuitOnLastWindowClosed(false);
     QObject::connect(&delegate, &AppDelegate::finished, &application, &QCoreApplication::quit, Qt::QueuedConnection);
     delegate.launch(files);

@@ -193,14 +193,6 @@ void show(QAction &item, const QString &title, const ActionState &state)
     }
 }
 
-void choose(QMainWindow &window, Selector selector, const ActionSender &sender, AlertPresenter &presenter)
-{
-    Responder *responder = firstResponder(&window);
-    if (!responder || !responder->state(selector, sender).isEnabled || !responder->perform(selector, sender)) {
-        presenter.beep();
-    }
-}
-
 MenuNode itemOf(const MenuCommand &row, const QString &title, const QVariant &represented = {})
 {
     return {.title = title, .command = &row, .sender = {.tag = row.tag, .represented = represented}};
@@ -278,7 +270,7 @@ private:
         const Selector selector = node.command->selector;
         QObject::connect(item, &QAction::triggered, &m_window,
                          [&window = m_window, selector, sender = node.sender, &presenter = m_presenter] {
-                             choose(window, selector, sender, presenter);
+                             chooseAction(window, selector, sender, presenter);
                          });
         QObject::connect(&menu, &QMenu::aboutToShow, item, [&window = m_window, selector, sender = node.sender, item, title] {
             const Responder *responder = firstResponder(&window);

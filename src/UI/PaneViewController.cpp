@@ -138,7 +138,7 @@ void PaneViewController::showEditor(TextDocument &document)
     saveViewState();
     const bool hadFocus = m_currentEditor && m_currentEditor->isAncestorOf(QApplication::focusWidget());
     if (!editor) {
-        editor = new EditorViewController(m_services.editors(), document, m_container);
+        editor = new EditorViewController(m_services, document, m_container);
         editor->setDelegate(this);
         m_container->layout()->addWidget(editor);
     }

@@ -53,7 +53,7 @@ public:
     DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
     FindState find;
     RecordingDesktop desktop;
-    AppDelegate application{{scheduler, notifications, defaults, preferences, pasteboard, presenter, documents, workers, find, desktop}};
+    AppDelegate application{{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find}, defaults, desktop}};
     QStringList actions;
     QStringList messages;
 };
