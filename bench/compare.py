@@ -23,10 +23,17 @@ LETTERS = 40
 
 @dataclasses.dataclass
 class Sample:
-    """A file to open; `pages` Page Downs are pressed in it. The keys of a program's `go` are the names of these."""
+    """A file to open; `pages` Page Downs are pressed in it. The keys of a program's `go` are the names of these.
+
+    With `others` they are opened too, and nothing is pressed.
+    """
     name: str
     title: str
     pages: int
+    others: list = dataclasses.field(default_factory=list)
+
+    def paths(self):
+        return [os.path.join(DATA, name) for name in [self.name, *self.others]]
 
 
 SAMPLES = {
@@ -34,6 +41,7 @@ SAMPLES = {
     '20kb': Sample('small.c', 'C, 20 kB', 10),
     '100mb': Sample('large.c', 'C, 100 MB', LETTERS),
     '1line': Sample('line.json', 'JSON, 10 MB in one line', LETTERS),
+    '20files': Sample(make_files.MANY[0], 'Twenty files of C, 20 kB each', 0, make_files.MANY[1:]),
 }
 
 
@@ -108,8 +116,15 @@ def middle(path):
         return file.read(half).count(b'\n') + 1, half
 
 
-def command_of(name, path, quillet):
-    return [word.format(quillet=quillet) for word in PROGRAMS[name].command] + ([path] if name != BARE else [])
+def command_of(name, paths, quillet):
+    return [word.format(quillet=quillet) for word in PROGRAMS[name].command] + (paths if name != BARE else [])
+
+
+def drop_caches():
+    """Has the kernel forget what it read from disk, as after a start of the machine."""
+    os.sync()
+    with open('/proc/sys/vm/drop_caches', 'w', encoding='ascii') as file:
+        file.write('3')
 
 
 def one(name, key, args, round_number):
@@ -117,10 +132,13 @@ def one(name, key, args, round_number):
     path = os.path.join(DATA, sample.name)
     line, unit = middle(path)
     steps = [step.format(line=line, unit=unit) for step in program.go.get(key, [])]
-    bare = name == BARE
+    passive = name == BARE or bool(sample.others) or args.cold
+    if args.cold:
+        drop_caches()
     shots = os.path.join(RESULTS, 'shots', f'{key}-{name.replace(" ", "-")}') if round_number == 1 else None
     before = os.stat(path)
-    result = gui_bench.measure(command_of(name, path, args.quillet), steps, 0 if bare else LETTERS, 0 if bare else sample.pages,
+    result = gui_bench.measure(command_of(name, sample.paths(), args.quillet), [] if passive else steps,
+                               0 if passive else LETTERS, 0 if passive else sample.pages,
                                args.limit, shots, program.prepare)
     after = os.stat(path)
     if (before.st_size, before.st_mtime_ns) != (after.st_size, after.st_mtime_ns):
@@ -138,9 +156,10 @@ def rounds(names, keys, args, log):
     for name in names:
         one(name, 'empty', args, 0)  # Reads the program into the disk cache; not counted.
     for key in keys:
-        with open(os.path.join(DATA, SAMPLES[key].name), 'rb') as file:
-            while file.read(1 << 20):
-                pass
+        for path in SAMPLES[key].paths():
+            with open(path, 'rb') as file:
+                while file.read(1 << 20):
+                    pass
         for number in range(1, args.rounds + 1):
             for name in names:
                 if (name, key) in given_up or key in PROGRAMS[name].refuses or (name == BARE and key != 'empty'):
@@ -216,12 +235,12 @@ def machine():
 
 def report(names, keys, results, args):
     parts = [f'Machine: {machine()}. {datetime.date.today()}, load before the start {args.load:.1f}. '
-             f'Medians of {args.rounds} round{"s" if args.rounds > 1 else ""}; in brackets: how many times Quillet\'s figure.']
+             f'{"Nothing in the disk cache. " if args.cold else ""}Medians of {args.rounds} round{"s" if args.rounds > 1 else ""}; in brackets: how many times Quillet\'s figure.']
     for key in keys:
         parts += [f'### {SAMPLES[key].title}', table(key, names, results, args.limit)]
     rows = ['| | version | command | to the place of typing |', '|---|---|---|---|']
     for name in names:
-        command = ' '.join(command_of(name, 'FILE', os.path.relpath(args.quillet, ROOT))).replace(ROOT + '/', '')
+        command = ' '.join(command_of(name, ['FILE'], os.path.relpath(args.quillet, ROOT))).replace(ROOT + '/', '')
         ways = '; '.join(f'{key}: {", ".join(PROGRAMS[name].go[key])}' for key in keys if key in PROGRAMS[name].go)
         rows.append(f'| {name} | {version(name, args.quillet)} | `{command}` | {ways.replace("|", chr(92) + "|") or "–"} |')
     parts += ['### Programs', '\n'.join(rows)]
@@ -243,12 +262,15 @@ def main():
     parser.add_argument('--rounds', type=int, default=5)
     parser.add_argument('--limit', type=float, default=90, help='seconds that anything may take')
     parser.add_argument('--quillet', default=os.path.join(ROOT, 'build', 'bench', 'bin', 'quillet'), help='the binary to measure')
+    parser.add_argument('--cold', action='store_true', help='only start, with nothing in the disk cache; needs root')
     args = parser.parse_args()
+    if args.cold and not os.access('/proc/sys/vm/drop_caches', os.W_OK):
+        parser.error('--cold needs root')
     names = choice(args.only, PROGRAMS, 'program', parser)
     keys = choice(args.files, SAMPLES, 'file', parser)
     args.quillet, args.load = os.path.abspath(args.quillet), os.getloadavg()[0]
     for name in names:
-        binary = command_of(name, '', args.quillet)[0]
+        binary = command_of(name, [], args.quillet)[0]
         if not shutil.which(binary):
             parser.error(f'{binary} is missing; leave {name} out with --only or build it')
     make_files.make(DATA)

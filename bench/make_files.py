@@ -157,6 +157,8 @@ def write_json(file, size):
 
 FILES = {'small.c': (write_c, SMALL), 'large.c': (write_c, LARGE), 'line.json': (write_json, LINE),
          'empty.txt': (lambda file, size: None, 0)}
+MANY = [f'many-{number:02}.c' for number in range(1, 21)]
+FILES |= {name: (write_c, SMALL) for name in MANY}
 
 
 def make(folder):

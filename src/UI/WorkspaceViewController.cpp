@@ -125,14 +125,16 @@ bool WorkspaceViewController::isShownBeside(const PaneViewController &except, co
     return false;
 }
 
-void WorkspaceViewController::show(TextDocument &document)
+/// Gives the document a tab if it has none, in the pane that is active then.
+PaneViewController &WorkspaceViewController::place(TextDocument &document)
 {
     if (PaneViewController *pane = paneShowing(document)) {
         setActivePane(*pane);
-        pane->selectDocument(pane->indexOf(document));
-    } else {
-        targetPane().add(document, PaneViewController::Select::yes);
+        return *pane;
     }
+    PaneViewController &pane = targetPane();
+    pane.add(document, PaneViewController::Select::no);
+    return pane;
 }
 
 void WorkspaceViewController::open(const QStringList &paths)
@@ -140,6 +142,8 @@ void WorkspaceViewController::open(const QStringList &paths)
     const std::shared_ptr<TextDocument> empty = placeholder();
     std::optional<TextFile::ReadError> firstError;
     TextDocument *last = nullptr;
+    // Only what stays in front gets an editor: twenty files need one.
+    std::unordered_map<PaneViewController *, TextDocument *> selected;
     for (const QString &path : paths) {
         TextDocument *document = m_services.documents.documentAt(path);
         if (!document) {
@@ -150,8 +154,11 @@ void WorkspaceViewController::open(const QStringList &paths)
             }
             document = &m_services.documents.add(std::make_unique<TextDocument>(m_services.documents.services(), path, *contents));
         }
-        show(*document);
+        selected[&place(*document)] = document;
         last = document;
+    }
+    for (const auto &[pane, document] : selected) {
+        pane->selectDocument(pane->indexOf(*document));
     }
     if (last) {
         if (empty) {

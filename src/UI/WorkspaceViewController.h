@@ -85,7 +85,7 @@ private:
     [[nodiscard]] PaneViewController &targetPane();
     [[nodiscard]] PaneViewController *paneShowing(const TextDocument &document) const;
     [[nodiscard]] qsizetype indexOf(const PaneViewController &pane) const;
-    void show(TextDocument &document);
+    PaneViewController &place(TextDocument &document);
     /// In any window but for `except`.
     [[nodiscard]] bool isShownBeside(const PaneViewController &except, const TextDocument &document) const;
     void removeFromAllPanes(const TextDocument &document);
