@@ -1,14 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 
-// What a person waits for: from a key to the end of the painting that it causes, in the program's own editor, coloured, offscreen.
+// What a person waits for: from a key to the end of the painting that it causes, in a window of the program, coloured, offscreen.
 
-#include "Editor/EditorViewController.h"
+#include "App/AppDelegate.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
+#include "Platform/Desktop.h"
 #include "Platform/Pasteboard.h"
 #include "Text/FindState.h"
 
@@ -37,7 +38,7 @@ double now()
     return double(time.tv_sec) * 1e6 + double(time.tv_nsec) / 1e3;
 }
 
-/// An editor in a window, with everything around it as in the program.
+/// A window with everything around it as in the program.
 class Stage {
 public:
     explicit Stage(qsizetype length)
@@ -52,12 +53,12 @@ public:
         TextFile::Contents contents{.text = Rope(text)};
         document = &store.add(std::make_unique<TextDocument>(store.services(), QString(), contents));
         document->setLanguage(LanguageRegistry::withID(u"c").value());
-        editor = std::make_unique<EditorViewController>(
-            EditorServices{scheduler, notifications, preferences, pasteboard, presenter, store, workers, find}, *document);
-        editor->resize(1270, 850);
-        editor->show();
-        editor->activateWindow();
-        editor->setFocus();
+        application.launch({});
+        MainWindowController &window = *application.windows().front();
+        window.resize(1270, 850);
+        window.activateWindow();
+        window.workspace().adopt(*document);
+        editor = window.workspace().currentEditor();
         pass(400);
     }
 
@@ -95,7 +96,9 @@ public:
     DocumentStore store{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
     FindState find;
     TextDocument *document = nullptr;
-    std::unique_ptr<EditorViewController> editor;
+    RecordingDesktop desktop;
+    AppDelegate application{{{scheduler, notifications, preferences, pasteboard, presenter, store, workers, find}, defaults, desktop}};
+    EditorViewController *editor = nullptr;
 
 private:
     static QString sampleText()
