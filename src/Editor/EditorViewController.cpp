@@ -15,6 +15,7 @@
 #include "Text/LineRange.h"
 #include "Text/TextFinder.h"
 
+#include <QMenu>
 #include <QVBoxLayout>
 
 #include <array>

@@ -8,6 +8,7 @@
 #include "Platform/Translation.h"
 #include "UI/EditorToolbarController.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QScreen>
 #include <QShortcut>

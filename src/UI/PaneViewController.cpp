@@ -6,6 +6,7 @@
 #include "Model/Preferences.h"
 #include "Platform/Localization.h"
 
+#include <QApplication>
 #include <QVBoxLayout>
 
 namespace {

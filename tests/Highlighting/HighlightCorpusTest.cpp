@@ -18,6 +18,8 @@
 #include <QDirIterator>
 #include <QFile>
 
+#include <gtest/gtest.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Highlighting/Theme.h"
 
+#include <gtest/gtest.h>
+
 TEST(Theme, IsFoundByItsExactNameElseByTheAppearance)
 {
     EXPECT_EQ(Theme::named(u"Dark"), &Theme::dark());

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Text/RowMap.h"
 
+#include <QString>
+
 #include <gtest/gtest.h>
 
 #include <numeric>

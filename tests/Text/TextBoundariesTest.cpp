@@ -4,6 +4,8 @@
 
 #include "Text/Rope.h"
 
+#include <QStringList>
+
 #include <gtest/gtest.h>
 
 using namespace TextBoundaries;
