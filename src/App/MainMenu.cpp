@@ -288,7 +288,7 @@ private:
             return title;
         }
         if (m_taken.contains(keys.first())) {
-            const QString withKeys = title + u'\t' + keys.first().toString(QKeySequence::NativeText);
+            QString withKeys = title + u'\t' + keys.first().toString(QKeySequence::NativeText);
             item.setText(withKeys);
             return withKeys;
         }

@@ -84,7 +84,7 @@ void PaneViewController::refreshTabs()
                         .isDirty = document->isDirty(),
                         .hasExternalChange = document->externalState() != TextDocument::ExternalState::none});
     }
-    m_tabBar->setTabs(std::move(tabs), m_selectedIndex);
+    m_tabBar->setTabs(tabs, m_selectedIndex);
     m_tabBar->scrollSelectedTabIntoView();
 }
 

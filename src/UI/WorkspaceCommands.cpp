@@ -165,7 +165,7 @@ void WorkspaceViewController::present(const Alert &alert, std::function<void(int
 
 QString WorkspaceViewController::panelFolder() const
 {
-    const QString last = m_services.defaults.string(lastFolderKey);
+    QString last = m_services.defaults.string(lastFolderKey);
     if (!last.isEmpty() && QFileInfo::exists(last)) {
         return last;
     }
