@@ -239,6 +239,11 @@ void EditorViewController::updateBanner()
     m_banner->configure(state, m_document.displayName());
 }
 
+QWidget *EditorViewController::banner() const
+{
+    return m_banner;
+}
+
 void EditorViewController::saveAgain()
 {
     if (m_document.isUntitled()) {

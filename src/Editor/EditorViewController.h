@@ -71,6 +71,8 @@ public:
     void setDelegate(EditorViewControllerDelegate *delegate) { m_delegate = delegate; }
     [[nodiscard]] TextDocument &document() { return m_document; }
     [[nodiscard]] EditorTextView &textView() { return *m_textView; }
+    /// Null while nothing is to be said of the file.
+    [[nodiscard]] QWidget *banner() const;
 
     /// Puts the caret at the start of a line, from 1, and shows where that is; clamped to the lines there are.
     void scrollToLine(qsizetype line);

@@ -109,6 +109,9 @@ std::vector<QWidget *> MainWindowController::regions() const
     if (EditorViewController *editor = m_workspace->currentEditor()) {
         regions = {&editor->textView(), &m_workspace->activePane()->tabBar(), &m_workspace->statusBar()};
     }
+    if (QWidget *banner = regions.empty() ? nullptr : m_workspace->currentEditor()->banner()) {
+        regions.insert(regions.begin() + 1, banner);
+    }
     if (QWidget *entry = m_toolbar->entry()) {
         regions.push_back(entry);
     }

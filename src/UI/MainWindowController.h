@@ -44,7 +44,7 @@ private:
     void performMiniaturize() { showMinimized(); }
     void performZoom();
     void toggleFullScreen();
-    /// F6: from the text to the tabs, the status bar and the toolbar, and round again.
+    /// F6: from the text to a banner above it, the tabs, the status bar and the toolbar, and round again.
     void focusNextRegion(int step);
     [[nodiscard]] std::vector<QWidget *> regions() const;
 

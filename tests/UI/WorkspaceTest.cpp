@@ -3,6 +3,7 @@
 #include "WindowFixture.h"
 
 #include <QDir>
+#include <QMenuBar>
 #include <QSplitter>
 
 using namespace Qt::StringLiterals;
@@ -186,6 +187,29 @@ TEST_F(WorkspaceTest, CaretsComeBackWithTheirTabs)
     send("selectNextTab:");
     EXPECT_EQ(textView().selection(), TextSelection::at(1500));
     EXPECT_EQ(textView().scrollOffset(), scroll);
+}
+
+TEST_F(WorkspaceTest, F6GoesRoundTheRegions)
+{
+    workspace().open({write(u"a"_s, "a")});
+    type(u"x"_s);
+    write(u"a"_s, "theirs");
+    for (int turn = 0; turn < 64; ++turn) {
+        QCoreApplication::processEvents();
+        scheduler.advance(Scheduler::Milliseconds(50));
+    }
+    ASSERT_TRUE(workspace().currentEditor()->banner());
+    const auto pressF6 = [](Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_F6, modifiers);
+        return QApplication::focusWidget();
+    };
+    EXPECT_TRUE(workspace().currentEditor()->banner()->isAncestorOf(pressF6()));
+    const QWidget *inTabs = pressF6();
+    EXPECT_TRUE(pane(0).tabBar().isAncestorOf(inTabs) || inTabs == &pane(0).tabBar());
+    EXPECT_TRUE(workspace().statusBar().isAncestorOf(pressF6()));
+    EXPECT_TRUE(window().menuBar()->isAncestorOf(pressF6()));
+    EXPECT_EQ(pressF6(), &textView());
+    EXPECT_TRUE(window().menuBar()->isAncestorOf(pressF6(Qt::ShiftModifier)));
 }
 
 TEST_F(WorkspaceTest, ATabMovesToAWindowOfItsOwn)
