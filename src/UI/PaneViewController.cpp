@@ -26,7 +26,6 @@ PaneViewController::PaneViewController(const WorkspaceServices &services, PaneVi
     stack->addWidget(m_container, 1);
     auto *place = new QVBoxLayout(m_container);
     place->setContentsMargins({});
-    m_container->setAutoFillBackground(true);
     m_tabBar->setDelegate(this);
     m_tabBar->setActivePane(PaneActivity::inactive);
     applyTheme();
@@ -90,11 +89,7 @@ void PaneViewController::refreshTabs()
 
 void PaneViewController::applyTheme()
 {
-    const Theme &theme = m_services.documents.theme();
-    QPalette colors = m_container->palette();
-    colors.setColor(QPalette::Window, QColor::fromRgb(theme.background));
-    m_container->setPalette(colors);
-    m_tabBar->setTheme(theme);
+    m_tabBar->setTheme(m_services.documents.theme());
     refreshTabs();
 }
 

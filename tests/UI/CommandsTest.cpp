@@ -158,6 +158,7 @@ TEST_F(CommandsTest, LanguagesThemesAndViewOptionsAreChecked)
     send("selectTheme:", {.represented = u"Solarized Dark"_s});
     EXPECT_TRUE(isOn("selectTheme:", u"Solarized Dark"_s));
     EXPECT_EQ(textView().colors().background, QColor::fromRgb(Theme::solarizedDark().background));
+    EXPECT_EQ(workspace().currentEditor()->palette(), QApplication::palette()) << "what finds in the text looks like the desktop";
     for (const char *selector : {"toggleLineNumbers:", "toggleLineWrap:", "toggleInvisibles:", "toggleCurrentLineHighlight:"}) {
         const bool before = isOn(selector);
         send(selector);
