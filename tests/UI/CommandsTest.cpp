@@ -245,6 +245,27 @@ TEST(MainMenu, KeysAreTheirOwnAndCommandsKnown)
     }
 }
 
+TEST(MainMenu, NoKeyIsMeantTwiceOnAnyKeyboard)
+{
+    // One key press with Shift is both of these on an American or a German keyboard, and then it does neither.
+    const QStringList shifted = {u"\\|"_s, u"=+"_s, u"-_"_s, u"[{"_s, u"]}"_s, u";:"_s, u"/?"_s, u",<"_s, u".>"_s, u"<>"_s,
+                                 u",;"_s,  u".:"_s, u"#'"_s, u"+*"_s, u"7/"_s, u"0="_s, u"8*"_s, u"9("_s, u"1!"_s};
+    QStringList keys;
+    for (const MenuCommand &command : MainMenu::commands()) {
+        for (const QKeySequence &key : command.keySequences()) {
+            keys << key.toString();
+        }
+    }
+    for (const QString &key : keys) {
+        for (const QString &pair : shifted) {
+            if (key.endsWith(u"+Shift+"_s + pair[0])) {
+                const QString same = QString(key).replace(u"Shift+"_s + pair[0], pair.last(1));
+                EXPECT_FALSE(keys.contains(same)) << key.toStdString() << " and " << same.toStdString();
+            }
+        }
+    }
+}
+
 TEST(SystemDesktop, ReadsTheCommandOfAnEntry)
 {
     struct Case {
