@@ -4,6 +4,7 @@
 
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
+#include "Platform/FirstResponder.h"
 #include "Platform/Localization.h"
 
 #include <QVBoxLayout>
@@ -27,6 +28,7 @@ PaneViewController::PaneViewController(const WorkspaceServices &services, PaneVi
     place->setContentsMargins({});
     m_container->setAutoFillBackground(true);
     m_tabBar->setDelegate(this);
+    keepFirstResponderBehind(*m_tabBar);
     m_tabBar->setActivePane(PaneActivity::inactive);
     applyTheme();
 
