@@ -148,7 +148,7 @@ constexpr auto rows = std::to_array<MenuCommand>({
     {.menu = u"Navigate", .selector = "selectTabByNumber:", .title = u"Last Tab", .shortcuts = "Ctrl+9", .tag = 9},
 
     {u"Editor", "splitEditorRight:", u"Split Right", "Ctrl+\\; Ctrl+<"},
-    {u"Editor", "splitEditorDown:", u"Split Down", "Ctrl+Shift+\\; Ctrl+|; Ctrl+>"},
+    {u"Editor", "splitEditorDown:", u"Split Down", "Ctrl+Shift+\\; Ctrl+>"},
     {u"Editor", "closeSplit:", u"Close Split", "Ctrl+Alt+\\; Ctrl+Alt+<"},
     {u"Editor", "focusNextPane:", u"Focus Next Pane", "Ctrl+Alt+]; Ctrl+Alt+Ä", startsGroup},
     {u"Editor", "toggleSplitOrientation:", u"Toggle Split Orientation"},

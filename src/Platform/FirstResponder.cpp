@@ -99,7 +99,11 @@ QWidget *focusBehindBars(const QWidget *window)
     if (!isInBar(focus)) {
         return focus;
     }
-    return behindBar && behindBar->window() == window ? behindBar.get() : nullptr;
+    if (behindBar && behindBar->window() == window && behindBar->isVisible()) {
+        return behindBar;
+    }
+    const auto *main = dynamic_cast<const MainFocus *>(window);
+    return main ? main->mainFocus() : nullptr;
 }
 
 Responder *firstResponder(QWidget *window)

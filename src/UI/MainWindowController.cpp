@@ -57,7 +57,7 @@ MainWindowController::MainWindowController(const WorkspaceServices &services, Wo
 MainWindowController::~MainWindowController()
 {
     disconnect(m_workspace, nullptr, this, nullptr);
-    delete m_workspace;
+    delete std::exchange(m_workspace, nullptr);
 }
 
 const ActionRow *MainWindowController::actionFor(Selector selector) const
@@ -70,6 +70,12 @@ const ActionRow *MainWindowController::actionFor(Selector selector) const
         action<&Self::toggleFullScreen>("toggleFullScreen:"),
     });
     return findAction(rows, selector);
+}
+
+QWidget *MainWindowController::mainFocus() const
+{
+    EditorViewController *editor = m_workspace ? m_workspace->currentEditor() : nullptr;
+    return editor ? &editor->textView() : nullptr;
 }
 
 void MainWindowController::updateTitle()
@@ -140,6 +146,16 @@ bool MainWindowController::event(QEvent *event)
         m_workspace->focusEditor();
     }
     return QMainWindow::event(event);
+}
+
+void MainWindowController::keyPressEvent(QKeyEvent *event)
+{
+    // What a bar has no use for itself.
+    if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
+        m_workspace->focusEditor();
+        return;
+    }
+    QMainWindow::keyPressEvent(event);
 }
 
 // Closing

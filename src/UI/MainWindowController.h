@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/FirstResponder.h"
 #include "UI/WorkspaceViewController.h"
 
 #include <QMainWindow>
@@ -9,7 +10,7 @@
 class EditorToolbarController;
 
 /// One main window: its title, its toolbar, its closing. Never loses text without asking.
-class MainWindowController final : public QMainWindow, public Responder {
+class MainWindowController final : public QMainWindow, public Responder, public MainFocus {
     Q_OBJECT
 
 public:
@@ -21,6 +22,7 @@ public:
     [[nodiscard]] EditorToolbarController &toolbar() { return *m_toolbar; }
 
     [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+    [[nodiscard]] QWidget *mainFocus() const override;
 
 signals:
     /// It is closed, and nobody will see it again.
@@ -31,6 +33,7 @@ signals:
 protected:
     void closeEvent(QCloseEvent *event) override;
     bool event(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     using Documents = PaneViewController::Documents;

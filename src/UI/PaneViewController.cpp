@@ -4,6 +4,7 @@
 
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
+#include "Platform/FirstResponder.h"
 #include "Platform/Localization.h"
 
 #include <QApplication>
@@ -27,6 +28,7 @@ PaneViewController::PaneViewController(const WorkspaceServices &services, PaneVi
     auto *place = new QVBoxLayout(m_container);
     place->setContentsMargins({});
     m_tabBar->setDelegate(this);
+    keepFirstResponderBehind(*m_tabBar);
     m_tabBar->setActivePane(PaneActivity::inactive);
     applyTheme();
 
@@ -125,6 +127,12 @@ void PaneViewController::selectDocument(int index)
     m_delegate.paneDidChangeState(*this);
 }
 
+/// Or will have it when its window is the active one again.
+bool PaneViewController::editorHasFocus() const
+{
+    return m_currentEditor && m_currentEditor->isAncestorOf(window()->focusWidget());
+}
+
 void PaneViewController::showEditor(TextDocument &document)
 {
     EditorViewController *&editor = m_editors[&document];
@@ -132,7 +140,7 @@ void PaneViewController::showEditor(TextDocument &document)
         return;
     }
     saveViewState();
-    const bool hadFocus = m_currentEditor && m_currentEditor->isAncestorOf(QApplication::focusWidget());
+    const bool hadFocus = editorHasFocus();
     if (!editor) {
         editor = new EditorViewController(m_services, document, m_container);
         editor->setDelegate(this);
@@ -178,11 +186,15 @@ void PaneViewController::removeDocument(int index)
     }
     const std::shared_ptr<TextDocument> removed = m_documents[size_t(index)];
     const int before = m_selectedIndex;
+    const bool hadFocus = editorHasFocus();
     m_documents.erase(m_documents.begin() + index);
     dropEditor(*removed);
     m_selectedIndex = std::min(std::max(count() - 1, 0), before);
     if (!m_documents.empty()) {
         selectDocument(m_selectedIndex);
+        if (hadFocus && !editorHasFocus()) {
+            focusEditor();
+        }
         return;
     }
     refreshTabs();

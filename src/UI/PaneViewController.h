@@ -73,6 +73,7 @@ public:
 private:
     void refreshTabs();
     void applyTheme();
+    [[nodiscard]] bool editorHasFocus() const;
     void showEditor(TextDocument &document);
     void requestClose(int index);
     void dropEditor(const TextDocument &document);

@@ -244,7 +244,7 @@ void ToolbarStrip::moveFocus(int step)
 
 void ToolbarStrip::keyPressEvent(QKeyEvent *event)
 {
-    // All are taken: the menu bar, if it is the parent, would make something else of the arrows.
+    // All are taken: the menu bar, if it is the parent, would open its menus at arrows and letters.
     switch (event->key()) {
     case Qt::Key_Left:
         moveFocus(-1);
@@ -262,7 +262,6 @@ void ToolbarStrip::keyPressEvent(QKeyEvent *event)
         emit left();
         return;
     default:
-        // Tab and the rest.
-        QWidget::keyPressEvent(event);
+        break;
     }
 }

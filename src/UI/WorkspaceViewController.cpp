@@ -5,6 +5,7 @@
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Platform/AlertPresenter.h"
+#include "Platform/FirstResponder.h"
 #include "Platform/Localization.h"
 #include "UI/PaneSplitter.h"
 
@@ -26,6 +27,7 @@ WorkspaceViewController::WorkspaceViewController(const WorkspaceServices &servic
     setAcceptDrops(true);
     onDropFiles = [this](const QStringList &paths) { open(paths); };
     m_statusBar->setDelegate(this);
+    keepFirstResponderBehind(*m_statusBar);
     auto *stack = new QVBoxLayout(this);
     stack->setContentsMargins({});
     stack->setSpacing(0);

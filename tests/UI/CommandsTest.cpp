@@ -228,6 +228,36 @@ TEST_F(CommandsTest, TheMenusFollowFocusAndLanguage)
     Localization::use(AppLanguage::english);
 }
 
+TEST_F(CommandsTest, BarsThatHaveTheFocusActOnTheText)
+{
+    workspace().open({write(u"a.txt"_s, "x"), write(u"b.txt"_s, "y")});
+    QWidget *text = &textView();
+    for (const char *bar : {"tabs", "status bar", "toolbar"}) {
+        QTest::keySequence(window().focusWidget(), QKeySequence(Qt::Key_F6));
+        EXPECT_FALSE(text->hasFocus()) << bar;
+        EXPECT_TRUE(isEnabled("selectAll:")) << bar;
+        EXPECT_TRUE(isEnabled("closeTab:")) << bar;
+    }
+    // Beside the menu bar, it does not leave letters to the menus.
+    QTest::keyClick(window().focusWidget(), Qt::Key_N);
+    EXPECT_FALSE(QApplication::activePopupWidget());
+    // The text behind goes, and its neighbour takes its place.
+    send("closeTab:");
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(tabs(), QStringList{u"a.txt"_s});
+    EXPECT_TRUE(isEnabled("selectAll:"));
+    EXPECT_TRUE(isEnabled("closeTab:"));
+    // From everywhere Escape leads back.
+    for (int steps = 1; steps <= 3; ++steps) {
+        workspace().focusEditor();
+        for (int step = 0; step < steps; ++step) {
+            QTest::keySequence(window().focusWidget(), QKeySequence(Qt::Key_F6));
+        }
+        QTest::keyClick(window().focusWidget(), Qt::Key_Escape);
+        EXPECT_TRUE(textView().hasFocus()) << steps;
+    }
+}
+
 TEST(MainMenu, KeysAreTheirOwnAndCommandsKnown)
 {
     QSet<QKeySequence> taken;
@@ -242,6 +272,27 @@ TEST(MainMenu, KeysAreTheirOwnAndCommandsKnown)
             EXPECT_FALSE(taken.contains(key)) << key.toString().toStdString();
             EXPECT_EQ(key.count(), 1) << command.shortcuts;
             taken.insert(key);
+        }
+    }
+}
+
+TEST(MainMenu, NoKeyIsMeantTwiceOnAnyKeyboard)
+{
+    // One key press with Shift is both of these on an American or a German keyboard, and then it does neither.
+    const QStringList shifted = {u"\\|"_s, u"=+"_s, u"-_"_s, u"[{"_s, u"]}"_s, u";:"_s, u"/?"_s, u",<"_s, u".>"_s, u"<>"_s,
+                                 u",;"_s,  u".:"_s, u"#'"_s, u"+*"_s, u"7/"_s, u"0="_s, u"8*"_s, u"9("_s, u"1!"_s};
+    QStringList keys;
+    for (const MenuCommand &command : MainMenu::commands()) {
+        for (const QKeySequence &key : command.keySequences()) {
+            keys << key.toString();
+        }
+    }
+    for (const QString &key : keys) {
+        for (const QString &pair : shifted) {
+            if (key.endsWith(u"+Shift+"_s + pair[0])) {
+                const QString same = QString(key).replace(u"Shift+"_s + pair[0], pair.last(1));
+                EXPECT_FALSE(keys.contains(same)) << key.toStdString() << " and " << same.toStdString();
+            }
         }
     }
 }

@@ -3,7 +3,9 @@
 #include "WindowFixture.h"
 
 #include <QDir>
+#include <QDropEvent>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QSplitter>
 
 using namespace Qt::StringLiterals;
@@ -169,9 +171,17 @@ TEST_F(WorkspaceTest, TabsAreReachedByNumberAndInTurn)
     pane(0).moveTab(0, 2);
     EXPECT_EQ(tabs(), (QStringList{u"b"_s, u"c"_s, u"a"_s, u"d"_s}));
     EXPECT_EQ(text(), u"d"_s);
-    // Closing one selects that which comes into its place, the last its neighbour.
+    // Closing one selects that which comes into its place, the last its neighbour; typing goes on there.
+    textView().setFocus();
     send("closeTab:");
     EXPECT_EQ(text(), u"a"_s);
+    EXPECT_TRUE(textView().hasFocus());
+    // Another pane keeps the focus that it has.
+    send("splitEditorRight:");
+    QWidget *right = &textView();
+    pane(0).removeDocument(2);
+    EXPECT_TRUE(right->hasFocus());
+    send("closeSplit:");
     send("selectTabByNumber:", {.tag = 1});
     send("closeTab:");
     EXPECT_EQ(text(), u"c"_s);
@@ -210,6 +220,33 @@ TEST_F(WorkspaceTest, F6GoesRoundTheRegions)
     EXPECT_TRUE(window().menuBar()->isAncestorOf(pressF6()));
     EXPECT_EQ(pressF6(), &textView());
     EXPECT_TRUE(window().menuBar()->isAncestorOf(pressF6(Qt::ShiftModifier)));
+}
+
+TEST_F(WorkspaceTest, FilesAreDroppedAnywhere)
+{
+    workspace().open({write(u"a"_s, "a")});
+    send("splitEditorRight:");
+    const auto drop = [](QWidget &target, const QList<QUrl> &urls) {
+        QMimeData data;
+        data.setUrls(urls);
+        QDragEnterEvent enter({5, 5}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&target, &enter);
+        QDropEvent dropped({5, 5}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&target, &dropped);
+        EXPECT_EQ(enter.isAccepted(), dropped.isAccepted());
+        EXPECT_TRUE(!dropped.isAccepted() || dropped.dropAction() == Qt::CopyAction) << "the file stays where it was";
+        return dropped.isAccepted();
+    };
+    const QUrl inFolder = QUrl::fromLocalFile(folder.path());
+    const QUrl file = QUrl::fromLocalFile(write(u"b"_s, "b"));
+    EXPECT_FALSE(drop(workspace(), {inFolder, QUrl(u"https://example.org/x"_s), QUrl::fromLocalFile(path(u"gone"_s))}));
+    EXPECT_TRUE(drop(workspace(), {inFolder, file}));
+    EXPECT_EQ(tabs(1), (QStringList{u"a"_s, u"b"_s}));
+    // On a text they come to its pane.
+    EXPECT_TRUE(drop(*pane(0).currentEditor()->textView().viewport(), {QUrl::fromLocalFile(write(u"c"_s, "c"))}));
+    EXPECT_EQ(tabs(0), (QStringList{u"a"_s, u"c"_s}));
+    EXPECT_TRUE(pane(0).isActive());
+    EXPECT_TRUE(presenter.alerts().empty());
 }
 
 TEST_F(WorkspaceTest, ATabMovesToAWindowOfItsOwn)

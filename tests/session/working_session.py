@@ -1,0 +1,202 @@
+#!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The Quillet authors
+# SPDX-License-Identifier: MIT
+"""An hour's work in a minute, with the real keys in real windows; what counts is what lies on the disk and what the windows are called.
+Usage: working_session.py PROGRAM [--pictures FOLDER]"""
+import argparse
+import sys
+
+from desktop import Desktop, missing_tools
+
+SKIPPED = 77
+
+# The stops of the status bar after its first one, the position.
+INDENTATION, LINE_ENDING, ENCODING, LANGUAGE = range(1, 5)
+
+
+def expect(got, wanted, what):
+    if got != wanted:
+        raise AssertionError(f"{what}: {got!r} instead of {wanted!r}")
+
+
+class Session:
+    def __init__(self, desktop):
+        self.desktop = desktop
+        self.names = {"one.txt": "Größe one\nsecond\nthird\n", "two.txt": "two two\n", "three.txt": "three\n"}
+        for name, text in self.names.items():
+            (desktop.files / name).write_text(text)
+
+    def on_disk(self, name):
+        try:
+            return (self.desktop.files / name).read_bytes()
+        except FileNotFoundError:
+            return None
+
+    def until_on_disk(self, name, content):
+        try:
+            self.desktop.until(f"{name} to be written", lambda: self.on_disk(name) == content)
+        except AssertionError:
+            expect(self.on_disk(name), content, name)
+            raise
+
+    def until_title(self, name):
+        return self.desktop.until_title(f"{name} — Quillet")
+
+    def save(self, name, content):
+        """Ctrl+S, until the file `name` has the content and the mark is gone from the title."""
+        self.desktop.keys("ctrl+s")
+        self.until_on_disk(name, content)
+        self.until_title(name)
+
+    def dialog(self, keys, *windows):
+        """Presses keys and waits for the dialog that they bring up in front of these windows."""
+        self.desktop.keys(keys)
+        dialog = self.desktop.until_other_window("", *windows)
+        self.desktop.picture(f"dialog-{keys}")
+        return dialog
+
+    def choose(self, stop, title):
+        """Chooses an entry of one of the status bar's menus by the keyboard alone and goes back to the text."""
+        desktop = self.desktop
+        closed = desktop.visible_windows()
+        desktop.keys("F6", "F6", *["Tab"] * stop, "space")
+        desktop.until("the menu to be open", lambda: desktop.visible_windows() > closed)
+        desktop.type(title)
+        desktop.picture(f"status-{title}")
+        desktop.keys("Return")
+        # The display gives the keyboard back to the window only then.
+        desktop.until("the menu to be closed", lambda: desktop.visible_windows() == closed)
+        # From there the toolbar is next, then the text.
+        desktop.keys("F6", "F6")
+
+    def run(self):
+        self.open_and_edit_two_panes()
+        self.save_as_and_go_to_line()
+        self.choose_line_ends_and_encoding()
+        self.replace_all()
+        self.close_tabs()
+        self.move_tab_and_quit()
+        expect(self.desktop.complaints(), "", "standard error")
+
+    def open_and_edit_two_panes(self):
+        desktop = self.desktop
+        desktop.start_program(*self.names)
+        self.window = self.until_title("three.txt")
+        desktop.keys("ctrl+1")
+        self.until_title("one.txt")
+        desktop.keys("ctrl+backslash")
+        desktop.type("right ")
+        self.until_title("one.txt*")
+        desktop.click(self.window, 0.25, 0.5)
+        desktop.keys("ctrl+2")
+        self.until_title("two.txt")
+        desktop.type("left ")
+        desktop.picture("two-panes")
+        desktop.keys("ctrl+End")
+        desktop.type("end")
+        self.save("two.txt", b"left two two\nend")
+        desktop.keys("ctrl+alt+bracketright")
+        self.until_title("one.txt*")
+        expect(self.on_disk("one.txt"), self.names["one.txt"].encode(), "the file that was not saved yet")
+        self.save("one.txt", "right Größe one\nsecond\nthird\n".encode())
+
+    def save_as_and_go_to_line(self):
+        desktop = self.desktop
+        self.dialog("ctrl+shift+s", self.window)
+        desktop.type("renamed.txt")
+        desktop.keys("Return")
+        self.until_title("renamed.txt")
+        self.until_on_disk("renamed.txt", self.on_disk("one.txt"))
+        self.dialog("ctrl+l", self.window)
+        desktop.type("3")
+        desktop.keys("Return")
+        self.until_title("renamed.txt")
+        desktop.type("the ")
+        self.until_title("renamed.txt*")
+        desktop.keys("ctrl+alt+b")
+        changed = "right Größe one\nsecond\nthe third\n".encode()
+        self.until_on_disk("renamed 2.txt", changed)
+        self.until_title("renamed.txt*")
+        self.save("renamed.txt", changed)
+
+    def choose_line_ends_and_encoding(self):
+        self.choose(LINE_ENDING, "CRLF")
+        self.until_title("renamed.txt*")
+        self.choose(ENCODING, "ISO-8859-1")
+        self.desktop.type("new ")
+        text = "right Größe one\r\nsecond\r\nthe new third\r\n"
+        self.save("renamed.txt", text.encode("latin-1"))
+
+    def replace_all(self):
+        desktop = self.desktop
+        self.desktop.keys("ctrl+alt+f")
+        desktop.type("e")
+        desktop.keys("Tab")
+        desktop.type("E")
+        desktop.picture("find-bar")
+        # Past the buttons for the previous and next hit, the three switches and the one that replaces once.
+        desktop.keys(*["Tab"] * 7, "space", "Escape")
+        self.until_title("renamed.txt*")
+        self.save("renamed.txt", "right GrößE onE\r\nsEcond\r\nthE nEw third\r\n".encode("latin-1"))
+        desktop.keys("ctrl+z")
+        self.save("renamed.txt", "right Größe one\r\nsecond\r\nthe new third\r\n".encode("latin-1"))
+
+    def close_tabs(self):
+        desktop = self.desktop
+        # Its only tab is shown on the left too, so the pane goes, and nothing is asked.
+        desktop.keys("ctrl+w")
+        self.until_title("two.txt")
+        desktop.type("+")
+        self.until_title("two.txt*")
+        self.dialog("ctrl+w", self.window)
+        desktop.keys("Escape")
+        self.until_title("two.txt*")
+        self.dialog("ctrl+w", self.window)
+        desktop.keys("Return")
+        self.until_title("three.txt")
+        self.until_on_disk("two.txt", b"left two two\nend+")
+        desktop.type("lost ")
+        self.until_title("three.txt*")
+        self.dialog("ctrl+w", self.window)
+        desktop.keys("Tab", "space")
+        self.until_title("renamed.txt")
+        expect(self.on_disk("three.txt"), b"three\n", "the file that was not to be saved")
+
+    def move_tab_and_quit(self):
+        desktop = self.desktop
+        desktop.keys("ctrl+n")
+        self.until_title("Untitled")
+        desktop.type("draft")
+        self.until_title("Untitled*")
+        desktop.keys("alt+w", "m")
+        second = desktop.until_other_window(self.window)
+        self.until_title("Untitled*")
+        desktop.picture("second-window")
+        self.dialog("ctrl+q", self.window, second)
+        desktop.keys("Escape")
+        self.until_title("Untitled*")
+        question = self.dialog("ctrl+q", self.window, second)
+        desktop.keys("Return")
+        desktop.until_other_window(self.window, second, question)
+        desktop.picture("save-as-while-quitting")
+        desktop.type("draft.txt")
+        desktop.keys("Return")
+        expect(desktop.exit_code(), 0, "exit code")
+        expect(self.on_disk("draft.txt"), b"draft", "the draft")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("program")
+    parser.add_argument("--pictures", help="takes pictures of the screen into this folder")
+    arguments = parser.parse_args()
+    if missing := missing_tools():
+        print(f"not run: {', '.join(missing)} not installed")
+        return SKIPPED
+    with Desktop(arguments.program, arguments.pictures) as desktop:
+        Session(desktop).run()
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
