@@ -164,25 +164,33 @@ constexpr auto rows = std::to_array<MenuCommand>({
     {u"Help", "revealSupportFolder:", u"Reveal Local Data Folder"},
 });
 
-/// Gives the titles of one menu their underlined letters: the first letter of a word that no title before has, else none.
-class Mnemonics {
-public:
-    [[nodiscard]] QString mark(QString title)
-    {
-        title.replace(u'&', "&&"_L1);
-        for (qsizetype place = 0; place < title.size(); ++place) {
-            const QChar letter = title[place].toLower();
-            if (letter.isLetter() && (place == 0 || title[place - 1].isSpace()) && !m_taken.contains(letter)) {
-                m_taken += letter;
-                return title.insert(place, u'&');
+/// The titles of one menu with their underlined letters: the first letter of a word that no title before has; those that find none get
+/// any letter that is left, if there is one.
+QStringList withMnemonics(const std::vector<MenuNode> &nodes)
+{
+    QStringList titles;
+    for (const MenuNode &node : nodes) {
+        titles << QString(node.title).replace(u'&', "&&"_L1);
+    }
+    QString taken;
+    QSet<qsizetype> marked;
+    const auto markAll = [&](const auto &mayStand) {
+        for (qsizetype index = 0; index < titles.size(); ++index) {
+            QString &title = titles[index];
+            for (qsizetype place = 0; place < title.size() && !marked.contains(index); ++place) {
+                const QChar letter = title[place].toLower();
+                if (letter.isLetterOrNumber() && mayStand(title, place) && !taken.contains(letter)) {
+                    taken += letter;
+                    marked.insert(index);
+                    title.insert(place, u'&');
+                }
             }
         }
-        return title;
-    }
-
-private:
-    QString m_taken;
-};
+    };
+    markAll([](const QString &title, qsizetype place) { return place == 0 || title[place - 1].isSpace(); });
+    markAll([](const QString &, qsizetype) { return true; });
+    return titles;
+}
 
 void show(QAction &item, const QString &title, const ActionState &state)
 {
@@ -240,20 +248,22 @@ public:
 
     void addItems(QMenu &menu, const std::vector<MenuNode> &nodes)
     {
-        Mnemonics mnemonics;
-        for (const MenuNode &node : nodes) {
+        const QStringList titles = withMnemonics(nodes);
+        for (size_t index = 0; index < nodes.size(); ++index) {
+            const MenuNode &node = nodes[index];
+            const QString &title = titles[qsizetype(index)];
             switch (node.kind) {
             case MenuNode::Kind::separator:
                 menu.addSeparator();
                 break;
             case MenuNode::Kind::menu: {
-                QMenu *submenu = menu.addMenu(mnemonics.mark(node.title));
+                QMenu *submenu = menu.addMenu(title);
                 submenu->setEnabled(!node.children.empty());
                 addItems(*submenu, node.children);
                 break;
             }
             case MenuNode::Kind::item:
-                addItem(menu, node, mnemonics.mark(node.title));
+                addItem(menu, node, title);
                 break;
             }
         }
@@ -363,8 +373,9 @@ void MainMenu::install(QMainWindow &window, AlertPresenter &presenter)
     }
     bar->clear();
     MenuInstaller installer(window, presenter);
-    Mnemonics mnemonics;
-    for (const MenuNode &menu : build()) {
-        installer.addItems(*bar->addMenu(mnemonics.mark(menu.title)), menu.children);
+    const std::vector<MenuNode> menus = build();
+    const QStringList titles = withMnemonics(menus);
+    for (size_t index = 0; index < menus.size(); ++index) {
+        installer.addItems(*bar->addMenu(titles[qsizetype(index)]), menus[index].children);
     }
 }

@@ -228,6 +228,20 @@ TEST_F(CommandsTest, TheMenusFollowFocusAndLanguage)
     Localization::use(AppLanguage::english);
 }
 
+TEST_F(CommandsTest, EveryMenuHasALetterOfItsOwn)
+{
+    QString letters;
+    for (const QAction *menu : window().menuBar()->actions()) {
+        const qsizetype mark = menu->text().indexOf(u'&');
+        ASSERT_GE(mark, 0) << menu->text().toStdString();
+        const QChar letter = menu->text()[mark + 1].toLower();
+        EXPECT_FALSE(letters.contains(letter)) << menu->text().toStdString();
+        letters += letter;
+    }
+    // One inside a word only when the words' first letters are taken.
+    EXPECT_EQ(letters, u"qfevndwh"_s);
+}
+
 TEST_F(CommandsTest, BarsThatHaveTheFocusActOnTheText)
 {
     workspace().open({write(u"a.txt"_s, "x"), write(u"b.txt"_s, "y")});
