@@ -156,7 +156,10 @@ void TextFinder::refresh()
         } else if (counts) {
             m_countSoon = m_services.scheduler.after(countDelay, [this] { startCounting(); });
         }
-        m_view->viewport()->update();
+        // With nothing marked, before and now, a key paints no more than its row.
+        if (std::exchange(m_hasMarks, counts) || counts) {
+            m_view->viewport()->update();
+        }
     }
     emit statusChanged();
 }

@@ -150,6 +150,7 @@ private:
     QString m_patternError;
     QString m_replacementError;
     Marking m_marking = Marking::hidden;
+    bool m_hasMarks = false;
 
     std::optional<HitIndex> m_index;
     quint64 m_indexRevision = 0;

@@ -20,6 +20,7 @@
 #include <QFile>
 #include <QMenu>
 #include <QMimeData>
+#include <QPaintEvent>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTemporaryDir>
@@ -384,24 +385,31 @@ TEST_F(EditorTest, MarkedTextCanBeReadInEveryTheme)
     }
 }
 
-TEST_F(EditorTest, TypingPaintsTheRulerOnlyWhereItChanges)
+TEST_F(EditorTest, TypingPaintsOnlyWhatItChanges)
 {
     class PaintCounter final : public QObject {
     public:
         int paints = 0;
+        int height = 0;
         bool eventFilter(QObject * /*watched*/, QEvent *event) override
         {
-            paints += event->type() == QEvent::Paint ? 1 : 0;
+            if (event->type() == QEvent::Paint) {
+                ++paints;
+                height = std::max(height, static_cast<QPaintEvent *>(event)->region().boundingRect().height());
+            }
             return false;
         }
-    } counter;
+    } counter, textCounter;
     TextDocument &text = document(lines(100));
     preferences.setWrapLines(false);
     const auto editor = open(text);
     editor->textView().ruler().installEventFilter(&counter);
+    editor->textView().viewport()->installEventFilter(&textCounter);
     sendKeys(editor->textView(), u"abc"_s);
     pass(Scheduler::Milliseconds(10));
     EXPECT_EQ(counter.paints, 0);
+    EXPECT_GT(textCounter.paints, 0);
+    EXPECT_LE(textCounter.height, 2 * editor->textView().layoutManager().rowHeight()) << "a letter paints its row";
     sendKeys(editor->textView(), u"<CR>"_s);
     pass(Scheduler::Milliseconds(10));
     EXPECT_EQ(counter.paints, 1);
