@@ -100,7 +100,7 @@ QWidget *focusBehindBars(const QWidget *window)
         return focus;
     }
     if (behindBar && behindBar->window() == window && behindBar->isVisible()) {
-        return behindBar;
+        return behindBar.data();
     }
     const auto *main = dynamic_cast<const MainFocus *>(window);
     return main ? main->mainFocus() : nullptr;
