@@ -338,6 +338,10 @@ QString FindBar::noteText() const
 
 void FindBar::showStatus()
 {
+    // Every key changes it, and nobody looks; opening asks anew.
+    if (!m_isOpen) {
+        return;
+    }
     const TextFinder::Status status = m_finder.status();
     m_pattern->setNote(noteText(), status.hasWrapped ? localized(u"The search went on at the other end of the text.") : QString());
     m_pattern->setState(m_finder.patternError().isEmpty() ? FindField::State::normal : FindField::State::wrong);

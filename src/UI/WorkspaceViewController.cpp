@@ -38,7 +38,6 @@ WorkspaceViewController::WorkspaceViewController(const WorkspaceServices &servic
         applyTheme();
         updateStatusBar();
     }));
-    m_observers.push_back(m_services.notifications.observe(TextDocument::didChangeMetadata, nullptr, [this] { updateState(); }));
     m_observers.push_back(m_services.notifications.observe(Localization::didChangeNotification, nullptr, [this] { updateState(); }));
 }
 
