@@ -52,9 +52,9 @@ const ActionRow *AppDelegate::actionFor(Selector selector) const
 
 // Windows
 
-MainWindowController &AppDelegate::makeWindow()
+MainWindowController &AppDelegate::makeWindow(MainWindowController::Content content)
 {
-    auto *window = new MainWindowController(m_services, *this);
+    auto *window = new MainWindowController(m_services, *this, content);
     window->setNextResponder(this);
     MainMenu::install(*window, m_services.presenter);
     window->toolbar().setKeyNames([](Selector action) { return MainMenu::keyOf(action).toString(QKeySequence::NativeText); });
@@ -113,10 +113,13 @@ std::vector<WorkspaceViewController *> AppDelegate::workspaces() const
 
 void AppDelegate::launch(const QStringList &paths)
 {
-    MainWindowController &window = makeWindow();
+    // An untitled text that the files replace at once would be made, laid out and thrown away.
+    using Content = MainWindowController::Content;
+    MainWindowController &window = makeWindow(paths.isEmpty() ? Content::untitledTab : Content::nothing);
     window.show();
-    if (!paths.isEmpty()) {
-        window.workspace().open(paths);
+    window.workspace().open(paths);
+    if (!window.workspace().currentDocument()) {
+        window.workspace().openUntitled();
     }
 }
 

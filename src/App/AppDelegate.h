@@ -19,7 +19,7 @@ public:
     /// Files from outside, for the window in front; with none a window comes to the front.
     void open(const QStringList &paths);
 
-    [[nodiscard]] MainWindowController &makeWindow();
+    [[nodiscard]] MainWindowController &makeWindow(MainWindowController::Content content = MainWindowController::Content::untitledTab);
     /// In the order in which they came.
     [[nodiscard]] const std::vector<MainWindowController *> &windows() const { return m_windows; }
     /// The active one, else the first; null when there is none.

@@ -39,7 +39,7 @@ QWidget *firstStop(QWidget &region)
 
 } // namespace
 
-MainWindowController::MainWindowController(const WorkspaceServices &services, WorkspaceHost &host)
+MainWindowController::MainWindowController(const WorkspaceServices &services, WorkspaceHost &host, Content content)
     : m_services(services), m_workspace(new WorkspaceViewController(services, host, this)),
       m_toolbar(new EditorToolbarController(*this, {services.scheduler, services.notifications, services.preferences, services.presenter}))
 {
@@ -51,7 +51,9 @@ MainWindowController::MainWindowController(const WorkspaceServices &services, Wo
     connect(new QShortcut(Qt::Key_F6, this), &QShortcut::activated, this, [this] { focusNextRegion(1); });
     connect(new QShortcut(Qt::SHIFT | Qt::Key_F6, this), &QShortcut::activated, this, [this] { focusNextRegion(-1); });
     m_workspace->addPane({}, 0);
-    m_workspace->openUntitled();
+    if (content == Content::untitledTab) {
+        m_workspace->openUntitled();
+    }
 }
 
 MainWindowController::~MainWindowController()

@@ -14,8 +14,10 @@ class MainWindowController final : public QMainWindow, public Responder, public 
     Q_OBJECT
 
 public:
-    /// Shows one untitled tab.
-    MainWindowController(const WorkspaceServices &services, WorkspaceHost &host);
+    /// What a new window shows. One without a tab is to be given one before the event loop goes on.
+    enum class Content { untitledTab, nothing };
+
+    MainWindowController(const WorkspaceServices &services, WorkspaceHost &host, Content content = Content::untitledTab);
     ~MainWindowController() override;
 
     [[nodiscard]] WorkspaceViewController &workspace() { return *m_workspace; }
