@@ -4,7 +4,9 @@
 
 #include "Platform/Translation.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRandomGenerator>
 
 #include <algorithm>
@@ -389,4 +391,13 @@ Result<QString> resolvedLinks(const QString &path)
     return followLinks(QFile::encodeName(path), FileCalls::system()).map([](const QByteArray &target) {
         return QFile::decodeName(target);
     });
+}
+
+void makePrivateFolder(const QString &path)
+{
+    if (path.isEmpty() || QFileInfo::exists(path)) {
+        return;
+    }
+    makePrivateFolder(QFileInfo(path).path());
+    QDir().mkdir(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }

@@ -73,3 +73,6 @@ private:
 
 /// The path that writing through `path` reaches: symbolic links at its end are followed, also one that leads nowhere. Fails with ELOOP.
 [[nodiscard]] Result<QString> resolvedLinks(const QString &path);
+
+/// Makes the folder `path` and what is missing above it, for the user only. What fails shows when a file is written there.
+void makePrivateFolder(const QString &path);

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/DefaultsStore.h"
 
+#include "Platform/AtomicFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -63,16 +65,6 @@ std::optional<bool> asBoolean(const QVariant &value)
         return false;
     }
     return std::nullopt;
-}
-
-/// Makes `path` and what lies above it, for the user only.
-void makePrivateFolder(const QString &path)
-{
-    if (QFileInfo::exists(path)) {
-        return;
-    }
-    makePrivateFolder(QFileInfo(path).path());
-    QDir().mkdir(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
 } // namespace

@@ -33,16 +33,6 @@ QString environment(const char *name)
     return qEnvironmentVariable(name);
 }
 
-/// For the user only, as settings are.
-void makePrivateFolder(const QString &path)
-{
-    if (path.isEmpty() || QFileInfo::exists(path)) {
-        return;
-    }
-    makePrivateFolder(QFileInfo(path).path());
-    QDir().mkdir(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-}
-
 bool isWord(const QString &line)
 {
     return !line.isEmpty() && line.size() <= longestLearnedWord && std::ranges::all_of(line, [](QChar character) {

@@ -333,30 +333,38 @@ bool TextSearcher::searchExcerpt(Walk &walk, qsizetype windowEnd)
         return searchLines(walk, excerpt, windowEnd);
     }
     const int limitHits = m_expression->limitHits();
-    qsizetype next = walk.at;
+    const auto behindHits = searchRange(walk, excerpt, excerpt.region, windowEnd);
+    if (!behindHits) {
+        return false;
+    }
+    if (m_expression->limitHits() == limitHits) {
+        return walk.goOn(std::max(windowEnd, *behindHits));
+    }
+    // What failed once would fail in most windows; hits that span lines are worth another try in each.
+    m_isHard = m_staysInLine;
+    if (!walk.goOn(*behindHits)) {
+        return false;
+    }
+    return searchLines(walk, excerpt, windowEnd);
+}
+
+/// Visits the hits of `range` that begin before `windowEnd`; answers where the last of them ends, or `range` begins, and with nothing when
+/// the visitor wants no more.
+std::optional<qsizetype> TextSearcher::searchRange(Walk &walk, const Excerpt &excerpt, TextRange range, qsizetype windowEnd)
+{
+    qsizetype behindHits = range.location;
     bool goesOn = true;
-    m_expression->forEachMatch(excerpt.units, excerpt.inUnits(excerpt.region), RegularExpression::Bounds::window(),
+    m_expression->forEachMatch(excerpt.units, excerpt.inUnits(range), RegularExpression::Bounds::window(),
                                [&](const RegularExpression &found) {
                                    const TextRange hit{found.range().location + excerpt.start, found.range().length};
                                    if (hit.location >= windowEnd) {
                                        return false;
                                    }
-                                   next = std::max(next, hit.end());
-                                   goesOn = hit.isEmpty() || !accepts(text, hit) || walk.visit({hit, &excerpt});
+                                   behindHits = std::max(behindHits, hit.end());
+                                   goesOn = hit.isEmpty() || !accepts(walk.text, hit) || walk.visit({hit, &excerpt});
                                    return goesOn;
                                });
-    if (!goesOn) {
-        return false;
-    }
-    if (m_expression->limitHits() == limitHits) {
-        return walk.goOn(std::max(windowEnd, next));
-    }
-    // What failed once would fail in most windows; hits that span lines are worth another try in each.
-    m_isHard = m_staysInLine;
-    if (!walk.goOn(next)) {
-        return false;
-    }
-    return searchLines(walk, excerpt, windowEnd);
+    return goesOn ? std::optional(behindHits) : std::nullopt;
 }
 
 /// The rest of a window that was too hard as a whole: every line has an allowance of its own.
@@ -368,20 +376,9 @@ bool TextSearcher::searchLines(Walk &walk, const Excerpt &excerpt, qsizetype win
         const qsizetype line = text.lineAt(walk.at);
         const qsizetype end = std::min(line + 1 < text.lineCount() ? text.lineStart(line + 1) : text.length(), excerpt.region.end());
         const int limitHits = m_expression->limitHits();
-        qsizetype next = std::min(end, windowEnd);
-        bool goesOn = true;
-        m_expression->forEachMatch(excerpt.units, excerpt.inUnits(TextRange::between(walk.at, end)), RegularExpression::Bounds::window(),
-                                   [&](const RegularExpression &found) {
-                                       const TextRange hit{found.range().location + excerpt.start, found.range().length};
-                                       if (hit.location >= windowEnd) {
-                                           return false;
-                                       }
-                                       next = std::max(next, hit.end());
-                                       goesOn = hit.isEmpty() || !accepts(text, hit) || walk.visit({hit, &excerpt});
-                                       return goesOn;
-                                   });
+        const auto behindHits = searchRange(walk, excerpt, TextRange::between(walk.at, end), windowEnd);
         hardLines += m_expression->limitHits() - limitHits;
-        if (!goesOn || !walk.goOn(next)) {
+        if (!behindHits || !walk.goOn(std::max(*behindHits, std::min(end, windowEnd)))) {
             return false;
         }
     }

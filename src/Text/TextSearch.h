@@ -102,6 +102,7 @@ private:
     bool searchLiteral(Walk &walk);
     bool searchExpression(Walk &walk);
     bool searchExcerpt(Walk &walk, qsizetype windowEnd);
+    std::optional<qsizetype> searchRange(Walk &walk, const Excerpt &excerpt, TextRange range, qsizetype windowEnd);
     bool searchLines(Walk &walk, const Excerpt &excerpt, qsizetype windowEnd);
     [[nodiscard]] bool accepts(const Rope &text, TextRange hit) const;
     void walk(Walk &walk);

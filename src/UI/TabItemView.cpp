@@ -68,6 +68,19 @@ void call(std::function<void(Arguments...)> callback, std::type_identity_t<Argum
     }
 }
 
+/// Accepts a tab that is to be moved, and refuses all else; the place where the tab was.
+std::optional<int> acceptTab(QDropEvent &event)
+{
+    const std::optional<int> from = draggedIndex(*event.mimeData());
+    if (!from || (event.possibleActions() & Qt::MoveAction) == 0) {
+        event.ignore();
+        return std::nullopt;
+    }
+    event.setDropAction(Qt::MoveAction);
+    event.accept();
+    return from;
+}
+
 } // namespace
 
 QString TabItemView::mimeType()
@@ -331,13 +344,10 @@ void TabItemView::startDrag()
 
 void TabItemView::dragEnterEvent(QDragEnterEvent *event)
 {
-    const std::optional<int> from = draggedIndex(*event->mimeData());
-    if (!from || (event->possibleActions() & Qt::MoveAction) == 0) {
-        event->ignore();
+    const std::optional<int> from = acceptTab(*event);
+    if (!from) {
         return;
     }
-    event->setDropAction(Qt::MoveAction);
-    event->accept();
     // The tab comes to this place and moves the others towards where it was.
     setInsertionMark(*from == m_index ? std::nullopt : std::optional(*from < m_index ? Edge::right : Edge::left));
 }
@@ -350,13 +360,10 @@ void TabItemView::dragLeaveEvent(QDragLeaveEvent * /*event*/)
 void TabItemView::dropEvent(QDropEvent *event)
 {
     setInsertionMark(std::nullopt);
-    const std::optional<int> from = draggedIndex(*event->mimeData());
-    if (!from || (event->possibleActions() & Qt::MoveAction) == 0) {
-        event->ignore();
+    const std::optional<int> from = acceptTab(*event);
+    if (!from) {
         return;
     }
-    event->setDropAction(Qt::MoveAction);
-    event->accept();
     call(onDrop, *from);
 }
 
