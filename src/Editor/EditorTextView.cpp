@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/EditorTextView.h"
 
-#include "Editor/LineNumberRulerView.h"
 #include "Platform/DroppedFiles.h"
 #include "Platform/Translation.h"
 #include "Text/TextStorage.h"
@@ -13,11 +12,6 @@
 #include <array>
 
 namespace {
-
-QColor colorOf(quint32 color)
-{
-    return QColor::fromRgb(color);
-}
 
 /// The files that a drag brings; none when it shall become text.
 QStringList filesOf(const QDropEvent &event)
@@ -68,16 +62,15 @@ const ActionRow *EditorTextView::actionFor(Selector selector) const
 void EditorTextView::setTheme(const Theme &theme, CurrentLine currentLine)
 {
     // Dark grounds take little of the colour, or comments could not be read on it.
-    setColors({.background = colorOf(theme.background),
-               .text = colorOf(theme.foreground),
-               .selection = colorOf(theme.selection),
-               .caret = colorOf(theme.caret),
-               .currentLine = currentLine == CurrentLine::highlighted ? colorOf(theme.currentLine) : QColor(),
-               .invisibles = colorOf(theme.invisibles),
-               .mark = colorOf(blended(theme.background, theme.isDark ? 0xFFD8A200 : 0xFFFFC800, theme.isDark ? 0.22 : 0.5))});
+    setColors({.background = QColor::fromRgb(theme.background),
+               .text = QColor::fromRgb(theme.foreground),
+               .selection = QColor::fromRgb(theme.selection),
+               .caret = QColor::fromRgb(theme.caret),
+               .currentLine = currentLine == CurrentLine::highlighted ? QColor::fromRgb(theme.currentLine) : QColor(),
+               .invisibles = QColor::fromRgb(theme.invisibles),
+               .mark = QColor::fromRgb(blended(theme.background, theme.isDark ? 0xFFD8A200 : 0xFFFFC800, theme.isDark ? 0.22 : 0.5))});
     m_ruler->setTheme(theme);
-    m_ruler->setHighlightsCurrentLine(currentLine == CurrentLine::highlighted ? LineNumberRulerView::CurrentLine::highlighted
-                                                                              : LineNumberRulerView::CurrentLine::plain);
+    m_ruler->setHighlightsCurrentLine(currentLine);
 }
 
 void EditorTextView::setIndentation(Indentation indentation)

@@ -3,12 +3,12 @@
 #pragma once
 
 #include "Editor/LineEditing.h"
+#include "Editor/LineNumberRulerView.h"
 #include "Highlighting/Language.h"
 #include "Highlighting/Theme.h"
 #include "Text/TextView.h"
 
 class EditorTextView;
-class LineNumberRulerView;
 
 /// What an EditorTextView tells its editor.
 class EditorTextViewDelegate {
@@ -36,7 +36,7 @@ public:
         std::function<void()> beep;
     };
     enum class AutoIndent { off, on };
-    enum class CurrentLine { plain, highlighted };
+    using CurrentLine = LineNumberRulerView::CurrentLine;
 
     EditorTextView(TextStorage &storage, UndoManager &undoManager, const Services &services, const QFont &font, QWidget *parent = nullptr);
 

@@ -27,8 +27,7 @@ constexpr QSize startSize(800, 600);
 } // namespace
 
 EditorViewController::EditorViewController(const EditorServices &services, TextDocument &document, QWidget *parent)
-    : QWidget(parent), m_services(services), m_document(document), m_keepsDocument(document.shared_from_this()),
-      m_stack(new QVBoxLayout(this)),
+    : QWidget(parent), m_services(services), m_document(document.shared_from_this()), m_stack(new QVBoxLayout(this)),
       m_textView(new EditorTextView(document.storage(), document.undoManager(),
                                     {services.scheduler, services.pasteboard, [&presenter = services.presenter] { presenter.beep(); }},
                                     editorFont(services.preferences), this)),
@@ -94,7 +93,7 @@ void EditorViewController::retranslate()
 
 void EditorViewController::observe()
 {
-    connect(&m_document.storage(), &TextStorage::didProcessEditing, this, [this](TextStorage::EditMask mask) {
+    connect(&m_document->storage(), &TextStorage::didProcessEditing, this, [this](TextStorage::EditMask mask) {
         if (mask.testFlag(TextStorage::editedCharacters)) {
             m_textView->ruler().updateThickness();
             m_textView->ruler().refresh();
@@ -107,19 +106,19 @@ void EditorViewController::observe()
         m_observers.push_back(m_services.notifications.observe(name, object, std::move(reaction)));
     };
     observe(Preferences::didChange, nullptr, [this] { applyPreferences(); });
-    observe(TextDocument::didChangeMetadata, &m_document, [this] {
+    observe(TextDocument::didChangeMetadata, m_document.get(), [this] {
         adoptLanguage();
         updateBanner();
     });
     observe(Localization::didChangeNotification, nullptr, [this] { retranslate(); });
-    observe(TextDocument::didDetectExternalChange, &m_document, [this] { updateBanner(); });
-    observe(TextDocument::didReloadFromDisk, &m_document, [this] {
+    observe(TextDocument::didDetectExternalChange, m_document.get(), [this] { updateBanner(); });
+    observe(TextDocument::didReloadFromDisk, m_document.get(), [this] {
         m_textView->ruler().update();
         highlightVisibleRange();
         updateBanner();
     });
-    if (m_document.highlighter()) {
-        observe(SyntaxHighlighter::needsVisibleRefresh, m_document.highlighter(), [this] { scheduleVisibleHighlight(); });
+    if (m_document->highlighter()) {
+        observe(SyntaxHighlighter::needsVisibleRefresh, m_document->highlighter(), [this] { scheduleVisibleHighlight(); });
     }
 }
 
@@ -154,7 +153,7 @@ void EditorViewController::applyPreferences()
 void EditorViewController::applyIndentation()
 {
     const Preferences &preferences = m_services.preferences;
-    const Language &language = m_document.language();
+    const Language &language = m_document->language();
     const bool usesSpaces = language.defaultInsertSpaces().value_or(preferences.insertSpaces());
     m_textView->setIndentation({.width = language.defaultIndentWidth().value_or(preferences.tabWidth()),
                                 .unit = usesSpaces ? Indentation::Unit::spaces : Indentation::Unit::tab});
@@ -162,11 +161,11 @@ void EditorViewController::applyIndentation()
 
 void EditorViewController::adoptLanguage()
 {
-    if (m_textView->language() != m_document.language()) {
-        m_textView->setLanguage(m_document.language());
+    if (m_textView->language() != m_document->language()) {
+        m_textView->setLanguage(m_document->language());
         applyIndentation();
         if (m_spelling) {
-            m_spelling->setLanguage(m_document.language());
+            m_spelling->setLanguage(m_document->language());
         }
     }
 }
@@ -176,8 +175,8 @@ void EditorViewController::adoptLanguage()
 void EditorViewController::highlightVisibleRange()
 {
     m_visibleHighlightWork.cancel();
-    if (m_document.highlighter()) {
-        m_document.highlighter()->ensureHighlighted(m_textView->visibleRange());
+    if (m_document->highlighter()) {
+        m_document->highlighter()->ensureHighlighted(m_textView->visibleRange());
     }
 }
 
@@ -190,23 +189,23 @@ void EditorViewController::scheduleVisibleHighlight()
 
 void EditorViewController::restoreViewState()
 {
-    m_textView->setSelection(TextSelection::at(std::min(m_document.storage().length(), m_document.lastSelectedRange.location)));
-    if (m_document.lastScrollOffset > 0) {
+    m_textView->setSelection(TextSelection::at(std::min(m_document->storage().length(), m_document->lastSelectedRange.location)));
+    if (m_document->lastScrollOffset > 0) {
         // The view has its size by then.
         m_scrolling = m_services.scheduler.after(Scheduler::Milliseconds(0),
-                                                 [this, offset = m_document.lastScrollOffset] { m_textView->setScrollOffset(offset); });
+                                                 [this, offset = m_document->lastScrollOffset] { m_textView->setScrollOffset(offset); });
     }
 }
 
 void EditorViewController::saveViewState()
 {
-    m_document.lastSelectedRange = m_textView->selection().range();
-    m_document.lastScrollOffset = m_textView->scrollOffset();
+    m_document->lastSelectedRange = m_textView->selection().range();
+    m_document->lastScrollOffset = m_textView->scrollOffset();
 }
 
 void EditorViewController::scrollToLine(qsizetype line)
 {
-    const Rope &text = m_document.storage().text();
+    const Rope &text = m_document->storage().text();
     const qsizetype offset = std::min(LineIndex::startOfLine(line, text), text.length());
     m_textView->setSelection(TextSelection::at(offset), TextView::Reveal::nearest);
     m_textView->showIndicator(lineRange(text, {offset, 0}));
@@ -216,7 +215,7 @@ void EditorViewController::scrollToLine(qsizetype line)
 
 void EditorViewController::updateBanner()
 {
-    const TextDocument::ExternalState state = m_document.externalState();
+    const TextDocument::ExternalState state = m_document->externalState();
     if (state == TextDocument::ExternalState::none) {
         if (ExternalChangeBanner *banner = std::exchange(m_banner, nullptr)) {
             if (banner->isAncestorOf(focusWidget())) {
@@ -230,13 +229,13 @@ void EditorViewController::updateBanner()
     if (!m_banner) {
         m_banner = new ExternalChangeBanner(this);
         // What fails leaves all as it was, the banner too.
-        m_banner->onReload = [this] { std::ignore = m_document.revertToFileOnDisk(); };
-        m_banner->onKeep = [this] { m_document.clearExternalState(); };
+        m_banner->onReload = [this] { std::ignore = m_document->revertToFileOnDisk(); };
+        m_banner->onKeep = [this] { m_document->clearExternalState(); };
         m_banner->onSave = [this] { saveAgain(); };
         m_stack->insertWidget(0, m_banner);
     }
     m_banner->applyTheme(m_services.documents.theme());
-    m_banner->configure(state, m_document.displayName());
+    m_banner->configure(state, m_document->displayName());
 }
 
 QWidget *EditorViewController::banner() const
@@ -246,10 +245,10 @@ QWidget *EditorViewController::banner() const
 
 void EditorViewController::saveAgain()
 {
-    if (m_document.isUntitled()) {
+    if (m_document->isUntitled()) {
         return;
     }
-    if (const Result<void> saved = m_document.save(m_document.path()); !saved) {
+    if (const Result<void> saved = m_document->save(m_document->path()); !saved) {
         m_services.presenter.present(Alert::forError(saved.error().message), window(), {});
     }
 }
@@ -263,7 +262,7 @@ void EditorViewController::makeSpelling()
     }
     AlertPresenter &presenter = m_services.presenter;
     m_spelling = std::make_unique<SpellingController>(
-        *m_textView, m_document.highlighter(), m_document.language(),
+        *m_textView, m_document->highlighter(), m_document->language(),
         SpellingController::Services{
             m_services.scheduler, *m_services.spellChecker, *m_services.spellingPanel, [&presenter] { presenter.beep(); },
             [this, &presenter](const QString &message) { presenter.present(Alert::forError(message), window(), {}); }});

@@ -69,7 +69,7 @@ public:
 
     /// Must outlive the editor or be taken back by null.
     void setDelegate(EditorViewControllerDelegate *delegate) { m_delegate = delegate; }
-    [[nodiscard]] TextDocument &document() { return m_document; }
+    [[nodiscard]] TextDocument &document() { return *m_document; }
     [[nodiscard]] EditorTextView &textView() { return *m_textView; }
     /// Null while nothing is to be said of the file.
     [[nodiscard]] QWidget *banner() const;
@@ -112,8 +112,7 @@ private:
     void editorTextViewDidDropFiles(EditorTextView &view, const QStringList &paths) override;
 
     EditorServices m_services;
-    TextDocument &m_document;
-    std::shared_ptr<TextDocument> m_keepsDocument;
+    std::shared_ptr<TextDocument> m_document;
     EditorViewControllerDelegate *m_delegate = nullptr;
     QVBoxLayout *m_stack;
     EditorTextView *m_textView;

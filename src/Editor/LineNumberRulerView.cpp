@@ -41,11 +41,6 @@ QPointF besideText(const QMouseEvent &event)
     return {0, event.position().y()};
 }
 
-QColor colorOf(quint32 color)
-{
-    return QColor::fromRgb(color);
-}
-
 } // namespace
 
 LineNumberRulerView::LineNumberRulerView(TextView &client, QWidget *parent)
@@ -145,9 +140,9 @@ void LineNumberRulerView::paintEvent(QPaintEvent *event)
 {
     const QRectF area = event->rect();
     QPainter painter(this);
-    painter.fillRect(area.adjusted(-1, -1, 1, 1), colorOf(m_theme->gutterBackground));
+    painter.fillRect(area.adjusted(-1, -1, 1, 1), QColor::fromRgb(m_theme->gutterBackground));
     const double separator = 1 / std::max(1.0, devicePixelRatioF());
-    painter.fillRect(QRectF(width() - separator, area.top() - 1, separator, area.height() + 2), colorOf(m_theme->gutterSeparator));
+    painter.fillRect(QRectF(width() - separator, area.top() - 1, separator, area.height() + 2), QColor::fromRgb(m_theme->gutterSeparator));
 
     const QFont font = numberFont(std::max(pointSize(m_editorFont) - smallerBy, smallestFont));
     painter.setFont(font);
@@ -161,7 +156,7 @@ void LineNumberRulerView::paintEvent(QPaintEvent *event)
             continue;
         }
         const QString label = labelOf(row.row);
-        painter.setPen(colorOf(row.row.line == current ? m_theme->gutterActiveForeground : m_theme->gutterForeground));
+        painter.setPen(QColor::fromRgb(row.row.line == current ? m_theme->gutterActiveForeground : m_theme->gutterForeground));
         painter.drawText(QPointF(right - metrics.horizontalAdvance(label), std::round(row.top + baseline)), label);
     }
 }
