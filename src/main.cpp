@@ -20,6 +20,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QSessionManager>
 
 #include <cstdio>
 
@@ -60,8 +61,6 @@ int run(QApplication &application, const QStringList &files)
     chooseLanguage(preferences.language());
     SystemPasteboard pasteboard;
     WidgetAlertPresenter presenter;
-    // Leaves the event loop at once, where quit() would have windows ask first.
-    const TerminationSignals termination([] { QCoreApplication::exit(0); });
 
     DetachedWorkers workers;
     FileWatcherQueue watchers;
@@ -81,6 +80,19 @@ int run(QApplication &application, const QStringList &files)
          defaults,
          desktop});
     QApplication::setQuitOnLastWindowClosed(false);
+    const TerminationSignals termination([&delegate] { delegate.terminate(); });
+    QObject::connect(
+        &application, &QGuiApplication::commitDataRequest, &delegate,
+        [&delegate](QSessionManager &session) {
+            if (session.allowsInteraction() && !delegate.prepareForSessionEnd()) {
+                session.cancel();
+            }
+        },
+        Qt::DirectConnection);
+    QObject::connect(
+        &application, &QGuiApplication::saveStateRequest, &delegate,
+        // As it was started by hand, without the toolkit's options.
+        [](QSessionManager &session) { session.setRestartCommand({QCoreApplication::applicationFilePath()}); }, Qt::DirectConnection);
     QObject::connect(&delegate, &AppDelegate::finished, &application, &QCoreApplication::quit, Qt::QueuedConnection);
     delegate.launch(files);
     return application.exec();

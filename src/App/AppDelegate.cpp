@@ -18,6 +18,21 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// Lines of items, " · " between them, break between items only.
+QString withUnbrokenItems(const QString &text)
+{
+    constexpr QChar noBreakSpace(0x00A0);
+    QStringList items = text.split(u" · "_s);
+    for (QString &item : items) {
+        item.replace(u' ', noBreakSpace).replace(u'-', u"-\u2060"_s);
+    }
+    return items.join(noBreakSpace + u"· "_s);
+}
+
+} // namespace
+
 AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(services)
 {
     m_languageObserver = m_services.notifications.observe(Localization::didChangeNotification, nullptr, [this] {
@@ -148,7 +163,17 @@ void AppDelegate::terminate()
     closeNext();
 }
 
-/// Each window asks about its own texts; one that is kept open ends it.
+bool AppDelegate::prepareForSessionEnd()
+{
+    const bool isAllSaved = std::ranges::none_of(m_windows, [](MainWindowController *window) {
+        return std::ranges::any_of(window->workspace().documents(), [](const auto &document) { return document->isDirty(); });
+    });
+    if (!isAllSaved) {
+        terminate();
+    }
+    return isAllSaved;
+}
+
 void AppDelegate::closeNext()
 {
     if (MainWindowController *window = frontmostWindow()) {
@@ -170,24 +195,26 @@ void AppDelegate::showAbout()
 void AppDelegate::showShortcuts()
 {
     inform(localized(u"Keyboard Shortcuts"),
-           localized(u"Files\n"
-                     "  ⌘N new tab · ⇧⌘N new window · ⌘O open · ⌘S save · ⇧⌘S save as · ⌘W close tab\n"
-                     "  ⌥⌘B backup (copy beside the file) · ⌥⌘R reveal in Finder · ⌥⌘T open in terminal\n\n"
-                     "Navigation\n"
-                     "  ⌃⇥ / ⌃⇧⇥ next / previous tab · ⌘1…⌘8 tab by number · ⌘9 last tab · ⌘L go to line\n\n"
-                     "Splits\n"
-                     "  ⌘\\ split right · ⇧⌘\\ split down · ⌥⌘\\ close split · ⌥⌘] focus next pane\n\n"
-                     "Editing\n"
-                     "  ⌘/ toggle comment · ⌘] / ⌘[ shift right / left · ⇧⌘D duplicate line · ⌃⇧K delete line\n\n"
-                     "View\n"
-                     "  ⌥⌘L line numbers · ⌥⌘W wrap · ⌥⌘I invisibles · ⌘+ / ⌘- / ⌘0 font size\n\n"
-                     "Find\n"
-                     "  ⌘F find · ⌥⌘F find and replace · ⌘G / ⇧⌘G next / previous · ⌘E use selection"));
+           withUnbrokenItems(localized(u"Files\n"
+                                       "  ⌘N new tab · ⇧⌘N new window · ⌘O open · ⌘S save · ⇧⌘S save as · ⌘W close tab\n"
+                                       "  ⌥⌘B backup (copy beside the file) · ⌥⌘R reveal in Finder · ⌥⌘T open in terminal\n\n"
+                                       "Navigation\n"
+                                       "  ⌃⇥ / ⌃⇧⇥ next / previous tab · ⌘1…⌘8 tab by number · ⌘9 last tab · ⌘L go to line\n\n"
+                                       "Splits\n"
+                                       "  ⌘\\ split right · ⇧⌘\\ split down · ⌥⌘\\ close split · ⌥⌘] focus next pane\n\n"
+                                       "Editing\n"
+                                       "  ⌘/ toggle comment · ⌘] / ⌘[ shift right / left · ⇧⌘D duplicate line · ⌃⇧K delete line\n\n"
+                                       "View\n"
+                                       "  ⌥⌘L line numbers · ⌥⌘W wrap · ⌥⌘I invisibles · ⌘+ / ⌘- / ⌘0 font size\n\n"
+                                       "Find\n"
+                                       "  ⌘F find · ⌥⌘F find and replace · ⌘G / ⇧⌘G next / previous · ⌘E use selection")));
 }
 
 void AppDelegate::revealSupportFolder()
 {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Quillet"_s;
     QDir().mkpath(folder);
-    m_services.desktop.reveal(folder);
+    m_services.desktop.reveal(folder, [this, folder](const QString &problem) {
+        m_services.presenter.present(Alert::forError(problem, folder), frontmostWindow(), {});
+    });
 }

@@ -16,6 +16,10 @@ public:
 
     /// Shows the first window and opens the files in it; absolute paths.
     void launch(const QStringList &paths);
+    /// Closes the windows one after the other, each of which asks about texts that are not saved. One that is kept ends it.
+    void terminate();
+    /// The session of the desktop is about to end: false holds it up, because texts are not saved; the user is asked about them.
+    [[nodiscard]] bool prepareForSessionEnd();
     /// Files from outside, for the window in front; with none a window comes to the front.
     void open(const QStringList &paths);
 
@@ -34,7 +38,6 @@ signals:
 
 private:
     void newWindow();
-    void terminate();
     void closeNext();
     void showAbout();
     void showShortcuts();

@@ -7,6 +7,7 @@
 #include "Editor/LineNumberRulerView.h"
 #include "Editor/SpellingController.h"
 #include "Editor/SpellingPanel.h"
+#include "Editor/ThemePalette.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Platform/AlertPresenter.h"
@@ -15,6 +16,8 @@
 #include "Text/LineRange.h"
 #include "Text/TextFinder.h"
 
+#include <QEvent>
+#include <QGuiApplication>
 #include <QMenu>
 #include <QVBoxLayout>
 
@@ -130,6 +133,7 @@ void EditorViewController::applyPreferences()
     m_services.documents.refreshAppearance();
     m_textView->setTheme(m_services.documents.theme(), preferences.highlightCurrentLine() ? EditorTextView::CurrentLine::highlighted
                                                                                           : EditorTextView::CurrentLine::plain);
+    applyPalette();
     const QFont font = editorFont(preferences);
     if (m_textView->textFont() != font) {
         m_textView->setTextFont(font);
@@ -147,6 +151,21 @@ void EditorViewController::applyPreferences()
     if (m_banner) {
         m_banner->applyTheme(m_services.documents.theme());
     }
+}
+
+/// Find bar and scroll bars stand beside the text.
+void EditorViewController::applyPalette()
+{
+    setPalette(paletteBeside(m_services.documents.theme(), QGuiApplication::palette()));
+}
+
+bool EditorViewController::event(QEvent *event)
+{
+    const bool isHandled = QWidget::event(event);
+    if (event->type() == QEvent::ApplicationPaletteChange) {
+        applyPalette();
+    }
+    return isHandled;
 }
 
 /// A language with an indentation of its own goes before what the user has set for all.

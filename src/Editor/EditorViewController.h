@@ -83,12 +83,16 @@ public:
 
     [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
 
+protected:
+    bool event(QEvent *event) override;
+
 private:
     void observe();
     void retranslate();
     void performTextFinderAction(const ActionSender &sender);
     [[nodiscard]] ActionState textFinderActionState(const ActionSender &sender) const;
     void applyPreferences();
+    void applyPalette();
     void applyIndentation();
     void adoptLanguage();
     void restoreViewState();

@@ -36,6 +36,22 @@ Alert Alert::forError(const QString &description, const QString &recoverySuggest
 void ScriptedAlertPresenter::present(const Alert &alert, QWidget *, AlertCompletion completion)
 {
     m_alerts.push_back(alert);
+    if (m_holds) {
+        m_held.push_back({alert, std::move(completion)});
+    } else {
+        reply(alert, completion);
+    }
+}
+
+void ScriptedAlertPresenter::answerHeld()
+{
+    if (const std::optional<HeldAlert> oldest = takeFirst(m_held)) {
+        reply(oldest->alert, oldest->completion);
+    }
+}
+
+void ScriptedAlertPresenter::reply(const Alert &alert, const AlertCompletion &completion)
+{
     AlertReply reply{.button = alert.cancelAnswer(), .text = alert.textField ? alert.textField->text : QString()};
     if (const auto given = takeFirst(m_replies)) {
         reply = *given;

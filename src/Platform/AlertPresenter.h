@@ -119,12 +119,24 @@ public:
     void answerOpen(const QStringList &paths) { m_openPaths.push_back(paths); }
     void answerSave(const QString &path) { m_savePaths.push_back(path); }
 
+    /// From now on alerts stay open, until answerHeld() answers the oldest as one that comes then.
+    void hold() { m_holds = true; }
+    void answerHeld();
+
     [[nodiscard]] const std::vector<Alert> &alerts() const { return m_alerts; }
     [[nodiscard]] const std::vector<OpenPanel> &openPanels() const { return m_openPanels; }
     [[nodiscard]] const std::vector<SavePanel> &savePanels() const { return m_savePanels; }
     [[nodiscard]] int beepCount() const { return m_beepCount; }
 
 private:
+    void reply(const Alert &alert, const AlertCompletion &completion);
+
+    struct HeldAlert {
+        Alert alert;
+        AlertCompletion completion;
+    };
+    std::deque<HeldAlert> m_held;
+    bool m_holds = false;
     std::vector<Alert> m_alerts;
     std::vector<OpenPanel> m_openPanels;
     std::vector<SavePanel> m_savePanels;

@@ -29,7 +29,9 @@ QString pathOf(const QString &name)
 
 class SymbolEngine final : public QIconEngine {
 public:
-    SymbolEngine(QString name, const QColor &normal) : m_name(std::move(name)), m_normal(normal) {}
+    SymbolEngine(QString name, const QColor &normal, const QColor &disabled)
+        : m_name(std::move(name)), m_normal(normal), m_disabled(disabled)
+    {}
 
     void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State state) override
     {
@@ -55,7 +57,7 @@ public:
         return picture;
     }
 
-    [[nodiscard]] QIconEngine *clone() const override { return new SymbolEngine(m_name, m_normal); }
+    [[nodiscard]] QIconEngine *clone() const override { return new SymbolEngine(m_name, m_normal, m_disabled); }
     QString iconName() override { return m_name; }
 
 private:
@@ -64,7 +66,7 @@ private:
         const QPalette palette = QGuiApplication::palette();
         switch (mode) {
         case QIcon::Disabled:
-            return palette.color(QPalette::Disabled, QPalette::ButtonText);
+            return m_disabled.isValid() ? m_disabled : palette.color(QPalette::Disabled, QPalette::ButtonText);
         case QIcon::Selected:
             return palette.color(QPalette::Active, QPalette::HighlightedText);
         case QIcon::Normal:
@@ -97,15 +99,16 @@ private:
 
     QString m_name;
     QColor m_normal;
+    QColor m_disabled;
 };
 
 } // namespace
 
-QIcon symbolIcon(QAnyStringView name, const QColor &normal)
+QIcon symbolIcon(QAnyStringView name, const QColor &normal, const QColor &disabled)
 {
     registerIcons();
     const QString known = name.toString();
-    return QFile::exists(pathOf(known)) ? QIcon(new SymbolEngine(known, normal)) : QIcon();
+    return QFile::exists(pathOf(known)) ? QIcon(new SymbolEngine(known, normal, disabled)) : QIcon();
 }
 
 QIcon applicationIcon()

@@ -19,9 +19,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-void openFolder(const QString &path)
+void openFolder(const QString &path, const Desktop::Failure &failed)
 {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).path()));
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).path()))) {
+        failed(localized(u"No file manager was found."));
+    }
 }
 
 /// The value of `key` in the main group of a desktop entry.
@@ -45,23 +47,24 @@ QString entryValue(const QString &path, QLatin1StringView key)
 
 } // namespace
 
-void SystemDesktop::reveal(const QString &path)
+void SystemDesktop::reveal(const QString &path, Failure failed)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
-        openFolder(path);
+        openFolder(path, failed);
         return;
     }
     QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s,
                                                        u"org.freedesktop.FileManager1"_s, u"ShowItems"_s);
     call << QStringList{QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded)} << QString();
     auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call));
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [path](QDBusPendingCallWatcher *finished) {
-        if (finished->isError()) {
-            openFolder(path);
-        }
-        finished->deleteLater();
-    });
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
+                     [path, failed = std::move(failed)](QDBusPendingCallWatcher *finished) {
+                         if (finished->isError()) {
+                             openFolder(path, failed);
+                         }
+                         finished->deleteLater();
+                     });
 }
 
 Result<void> SystemDesktop::moveToTrash(const QString &path)

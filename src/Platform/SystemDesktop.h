@@ -7,7 +7,7 @@
 /// The desktop that the program runs on.
 class SystemDesktop final : public Desktop {
 public:
-    void reveal(const QString &path) override;
+    void reveal(const QString &path, Failure failed) override;
     [[nodiscard]] Result<void> moveToTrash(const QString &path) override;
     [[nodiscard]] Result<void> openTerminal(const QString &folder, const QString &preferredTerminal) override;
 

@@ -2,33 +2,57 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/WidgetAlertPresenter.h"
 
+#include "Platform/SymbolIcon.h"
 #include "Platform/Translation.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QGridLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
+#include <QStyle>
 #include <QWindow>
 
+#include <array>
 #include <utility>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
-QMessageBox::Icon iconOf(AlertStyle style)
+struct StyleIcon {
+    /// Has the desktop's icon, and its sound.
+    QMessageBox::Icon icon;
+    QLatin1StringView themeIcon;
+    /// Where the desktop has none.
+    QLatin1StringView symbol;
+    QRgb color;
+};
+
+/// In the order of AlertStyle.
+constexpr std::array styleIcons = {
+    StyleIcon{QMessageBox::Information, "dialog-information"_L1, "info.circle"_L1, 0xFF2F7FD1},
+    StyleIcon{QMessageBox::Warning, "dialog-warning"_L1, "exclamationmark.triangle"_L1, 0xFFD98E04},
+    StyleIcon{QMessageBox::Critical, "dialog-error"_L1, "xmark.octagon"_L1, 0xFFC9302C},
+};
+
+void setStyle(QMessageBox &box, AlertStyle style)
 {
-    switch (style) {
-    case AlertStyle::informational:
-        return QMessageBox::Information;
-    case AlertStyle::warning:
-        return QMessageBox::Warning;
-    case AlertStyle::critical:
-        return QMessageBox::Critical;
+    const StyleIcon &row = styleIcons[size_t(style)];
+    box.setIcon(row.icon);
+    if (!QIcon::hasThemeIcon(row.themeIcon)) {
+        const int side = box.style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, &box);
+        box.setIconPixmap(symbolIcon(row.symbol, QColor::fromRgba(row.color)).pixmap({side, side}, box.devicePixelRatioF()));
     }
-    return QMessageBox::NoIcon;
+    if (auto *message = box.findChild<QLabel *>(u"qt_msgbox_label"_s)) {
+        QFont font = message->font();
+        font.setBold(true);
+        message->setFont(font);
+    }
 }
 
 QMessageBox::ButtonRole roleOf(AlertButtonRole role)
@@ -147,9 +171,9 @@ void startIn(QFileDialog &panel, const QString &folder)
 void WidgetAlertPresenter::present(const Alert &alert, QWidget *window, AlertCompletion completion)
 {
     auto *box = new QMessageBox(window);
-    box->setIcon(iconOf(alert.style));
     box->setTextFormat(Qt::PlainText);
     box->setText(asPlainText(alert.messageText));
+    setStyle(*box, alert.style);
     box->setInformativeText(asPlainText(alert.informativeText));
     const QList<QAbstractButton *> buttons = addButtons(*box, alert);
     const QLineEdit *edit = alert.textField ? addTextField(*box, *alert.textField) : nullptr;

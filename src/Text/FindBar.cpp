@@ -113,16 +113,18 @@ void FindBar::makeRows()
         row->addStretch(1);
         return row;
     };
+    m_findButtons = rowOf({m_previous, m_next, m_matchCase, m_wholeWords, m_expression});
+    m_replaceButtons = rowOf({m_replace, m_replaceAll});
     auto *grid = new QGridLayout(m_panel);
     grid->setContentsMargins(panelMargins);
     grid->setHorizontalSpacing(gap);
     grid->setVerticalSpacing(gap);
     grid->addWidget(m_pattern, 0, 0);
-    grid->addLayout(rowOf({m_previous, m_next, m_matchCase, m_wholeWords, m_expression}), 0, 1);
+    grid->addLayout(m_findButtons, 0, 1, 1, 2);
     grid->addWidget(m_done, 0, 3);
-    grid->addWidget(m_replacement, 1, 0);
-    grid->addLayout(rowOf({m_replace, m_replaceAll}), 1, 1, 1, 2);
-    grid->addWidget(m_message, 2, 0, 1, 4);
+    grid->addWidget(m_replacement, 2, 0);
+    grid->addLayout(m_replaceButtons, 2, 1, 1, 2);
+    grid->addWidget(m_message, 4, 0, 1, 4);
     // The fields take what there is; only what is beyond their width is left empty.
     grid->setColumnStretch(0, 1000);
     grid->setColumnStretch(2, 1);
@@ -220,6 +222,7 @@ void FindBar::setRows(Rows rows)
     for (QWidget *widget : std::to_array<QWidget *>({m_replacement, m_replace, m_replaceAll})) {
         widget->setVisible(replaces);
     }
+    placeButtons();
     fitHeight();
 }
 
@@ -376,6 +379,23 @@ void FindBar::showMessage(const QString &message)
     }
 }
 
+void FindBar::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange) {
+        tintSymbols();
+    }
+    QWidget::changeEvent(event);
+}
+
+/// The bar may have other colours than the rest of the program: those of the text below it.
+void FindBar::tintSymbols()
+{
+    for (QToolButton *button : {m_previous, m_next, m_matchCase, m_wholeWords, m_expression, m_done}) {
+        button->setIcon(symbolIcon(button->icon().name(), palette().color(QPalette::Active, QPalette::ButtonText),
+                                   palette().color(QPalette::Disabled, QPalette::ButtonText)));
+    }
+}
+
 void FindBar::paintEvent(QPaintEvent *event)
 {
     Q_UNUSED(event)
@@ -398,6 +418,28 @@ QSize FindBar::minimumSizeHint() const
     return {0, height()};
 }
 
+/// Where the bar is too narrow for a field with its buttons beside it, they stand below it.
+void FindBar::placeButtons()
+{
+    const int buttons = std::max(m_findButtons->sizeHint().width(), m_rows == Rows::find ? 0 : m_replaceButtons->sizeHint().width());
+    const int needed = panelMargins.left() + narrowestField + gap + buttons + gap + m_done->sizeHint().width() + panelMargins.right();
+    const bool isNarrow = width() < needed;
+    if (std::exchange(m_isNarrow, isNarrow) == isNarrow) {
+        return;
+    }
+    auto *grid = static_cast<QGridLayout *>(m_panel->layout());
+    int row = 0;
+    for (QHBoxLayout *layout : {m_findButtons, m_replaceButtons}) {
+        grid->removeItem(layout);
+        if (isNarrow) {
+            grid->addLayout(layout, row + 1, 0, 1, 4);
+        } else {
+            grid->addLayout(layout, row, 1, 1, 2);
+        }
+        row += 2;
+    }
+}
+
 int FindBar::panelHeight() const
 {
     QLayout *layout = m_panel->layout();
@@ -408,6 +450,7 @@ int FindBar::panelHeight() const
 void FindBar::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
+    placeButtons();
     const int panel = panelHeight();
     // The panel's lower edge is the bar's, so that it slides in from above.
     m_panel->setGeometry(0, height() - panel, width(), panel);

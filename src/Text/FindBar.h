@@ -10,6 +10,7 @@
 #include <QWidget>
 
 class FindField;
+class QHBoxLayout;
 class QLabel;
 class QToolButton;
 class TextFinder;
@@ -53,6 +54,7 @@ protected:
     bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
@@ -68,9 +70,11 @@ private:
     void showStatus();
     [[nodiscard]] QString noteText() const;
     void showMessage(const QString &message);
+    void tintSymbols();
     void replace();
     void replaceAll();
 
+    void placeButtons();
     [[nodiscard]] int panelHeight() const;
     void slide();
     void fitHeight();
@@ -91,8 +95,11 @@ private:
     QToolButton *m_replace = nullptr;
     QToolButton *m_replaceAll = nullptr;
     QLabel *m_message = nullptr;
+    QHBoxLayout *m_findButtons = nullptr;
+    QHBoxLayout *m_replaceButtons = nullptr;
 
     Rows m_rows = Rows::find;
+    bool m_isNarrow = false;
     bool m_isOpen = false;
     bool m_isEntering = false;
     RepeatingTimer m_sliding;

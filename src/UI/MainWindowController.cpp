@@ -168,7 +168,13 @@ void MainWindowController::closeEvent(QCloseEvent *event)
     std::erase_if(dirty, [](const auto &document) { return !document->isDirty(); });
     if (!m_mayClose && !dirty.empty()) {
         event->ignore();
+        if (std::exchange(m_isAsking, true)) {
+            // The question is on the screen already, perhaps behind another window.
+            activateWindow();
+            return;
+        }
         confirmClosingAll(dirty, [this](bool mayClose) {
+            m_isAsking = false;
             m_mayClose = mayClose;
             if (mayClose) {
                 close();

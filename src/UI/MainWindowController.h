@@ -56,6 +56,8 @@ private:
     WorkspaceServices m_services;
     WorkspaceViewController *m_workspace;
     EditorToolbarController *m_toolbar;
+    /// Whether it may close has been asked, and is not answered.
+    bool m_isAsking = false;
     /// The closing has been asked about.
     bool m_mayClose = false;
     bool m_isClosed = false;

@@ -15,6 +15,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QPointer>
 
 #include <array>
 
@@ -340,7 +341,11 @@ void WorkspaceViewController::trash(TextDocument &document)
 void WorkspaceViewController::revealInFinder()
 {
     if (hasFile()) {
-        m_services.desktop.reveal(currentDocument()->path());
+        m_services.desktop.reveal(currentDocument()->path(), [workspace = QPointer(this)](const QString &problem) {
+            if (workspace) {
+                workspace->presentError(problem);
+            }
+        });
     } else {
         beep();
     }

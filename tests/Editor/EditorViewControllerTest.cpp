@@ -385,6 +385,17 @@ TEST_F(EditorTest, MarkedTextCanBeReadInEveryTheme)
     }
 }
 
+TEST_F(EditorTest, ControlsBesideTheTextAreAsDarkAsIt)
+{
+    const auto editor = open(document(QString()));
+    const auto *bar = editor->findChild<QScrollBar *>();
+    const auto isDark = [&] { return bar->palette().color(QPalette::Button).lightness() < 128; };
+    for (const Theme &theme : Theme::all()) {
+        preferences.setThemeName(theme.name.toString());
+        EXPECT_EQ(isDark(), theme.isDark) << theme.name.toUtf8().data();
+    }
+}
+
 TEST_F(EditorTest, TypingPaintsOnlyWhatItChanges)
 {
     class PaintCounter final : public QObject {

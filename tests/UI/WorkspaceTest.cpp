@@ -87,6 +87,28 @@ TEST_F(WorkspaceTest, ClosingATabAsksAboutUnsavedText)
     EXPECT_EQ(documents.documents().size(), 1U);
 }
 
+TEST_F(WorkspaceTest, QuittingAsksEachWindowOnce)
+{
+    bool isFinished = false;
+    QObject::connect(&application, &AppDelegate::finished, [&] { isFinished = true; });
+    type(u"one"_s);
+    EXPECT_TRUE(application.makeWindow().workspace().currentDocument());
+    presenter.hold();
+    EXPECT_FALSE(application.prepareForSessionEnd()) << "a text is not saved";
+    application.terminate();
+    application.terminate();
+    EXPECT_EQ(presenter.alerts().size(), 1U) << "the question is on the screen";
+    presenter.answer(cancel);
+    presenter.answerHeld();
+    EXPECT_EQ(application.windows().size(), 2U);
+    application.terminate();
+    EXPECT_EQ(presenter.alerts().size(), 2U) << "the wish came again";
+    presenter.answer(dontSave);
+    presenter.answerHeld();
+    EXPECT_TRUE(isFinished) << "the other window has nothing to lose";
+    EXPECT_TRUE(application.prepareForSessionEnd());
+}
+
 TEST_F(WorkspaceTest, PanesSurviveByTheRules)
 {
     workspace().open({write(u"a"_s, "aaa"), write(u"b"_s, "bbb")});
