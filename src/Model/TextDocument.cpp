@@ -134,11 +134,15 @@ void TextDocument::noteEdit(TextStorage::EditMask mask)
     m_dirtyCheck = m_services.scheduler.after(dirtyCheckDelay, [this] { checkDirty(); });
 }
 
-void TextDocument::rememberSavedText()
+void TextDocument::rememberSavedText(std::optional<quint64> hash)
 {
     m_savedHashing.cancel();
     m_isCheckWanted = false;
     m_isOnlyCopy = false;
+    if (hash) {
+        m_savedContentHash = hash;
+        return;
+    }
     if (m_storage.length() < largeText) {
         m_savedContentHash = textHash(m_storage.text());
         return;
@@ -146,8 +150,8 @@ void TextDocument::rememberSavedText()
     m_savedContentHash.reset();
     m_savedHashing = BackgroundTask::start(
         m_services.workers, [text = m_storage.text()](const std::stop_token &stop) { return textHash(text, stop); },
-        [this](std::optional<quint64> hash) {
-            m_savedContentHash = hash;
+        [this](std::optional<quint64> computed) {
+            m_savedContentHash = computed;
             if (std::exchange(m_isCheckWanted, false)) {
                 checkDirty();
             }
@@ -280,12 +284,12 @@ Result<void> TextDocument::save(const QString &path)
 }
 
 /// The text is the file's as of now; whatever was asked about either before is answered.
-void TextDocument::agreeWithFile()
+void TextDocument::agreeWithFile(std::optional<quint64> hash)
 {
     m_dirtyCheck.cancel();
     m_dirtyHashing.cancel();
     forgetFileQuestions();
-    rememberSavedText();
+    rememberSavedText(hash);
     m_isDirty = false;
     m_externalState = ExternalState::none;
 }
@@ -297,33 +301,38 @@ void TextDocument::forgetFileQuestions()
     m_fileReading.cancel();
 }
 
-void TextDocument::replaceText(const Rope &text)
+void TextDocument::replaceText(const Rope &text, const TextChange &difference)
 {
     m_isLoading = true;
-    const TextChange difference = differenceOf(m_storage.text(), text);
     if (difference.removed > 0 || difference.inserted > 0) {
         m_storage.replaceCharacters({difference.position, difference.removed}, text.slice({difference.position, difference.inserted}));
     }
     m_isLoading = false;
 }
 
-void TextDocument::adopt(const TextFile::Contents &contents)
+TextDocument::FileReading TextDocument::comparedWith(const TextFile::Contents &contents) const
 {
-    replaceText(contents.text);
-    m_encoding = contents.encoding;
-    m_lineEnding = contents.lineEnding;
-    agreeWithFile();
+    return {
+        .contents = contents, .difference = differenceOf(m_storage.text(), contents.text), .revision = m_storage.revision(), .hash = {}};
+}
+
+void TextDocument::adopt(const FileReading &reading)
+{
+    replaceText(reading.contents.text, reading.difference);
+    m_encoding = reading.contents.encoding;
+    m_lineEnding = reading.contents.lineEnding;
+    agreeWithFile(reading.hash);
     lastSelectedRange = {std::min(m_storage.length(), lastSelectedRange.location), 0};
     if (m_highlighter) {
         m_highlighter->rehighlightAll();
     }
 }
 
-void TextDocument::reload(const TextFile::Contents &contents)
+void TextDocument::reload(const FileReading &reading)
 {
     {
         const UndoManager::Pause pause(m_undoManager);
-        adopt(contents);
+        adopt(reading);
     }
     m_undoManager.removeAllActions();
     m_undoManager.markSavePoint();
@@ -343,7 +352,7 @@ tl::expected<void, TextFile::ReadError> TextDocument::revertToFileOnDisk()
     if (!contents) {
         return tl::unexpected(contents.error());
     }
-    reload(*contents);
+    reload(comparedWith(*contents));
     return {};
 }
 
@@ -357,7 +366,7 @@ tl::expected<void, TextFile::ReadError> TextDocument::reinterpret(TextEncoding e
         return tl::unexpected(contents.error());
     }
     m_undoManager.breakCoalescing();
-    adopt(*contents);
+    adopt(comparedWith(*contents));
     m_undoManager.breakCoalescing();
     m_undoManager.markSavePoint();
     postMetadata();
@@ -426,11 +435,11 @@ void TextDocument::compareWithFile()
         [path = m_path, snapshot = m_storage.snapshot()](const std::stop_token &stop) -> std::optional<FileReading> {
             auto contents = TextFile::read(path);
             const auto hash = contents ? textHash(contents->text, stop) : std::nullopt;
-            const auto ownHash = hash ? textHash(snapshot.text, stop) : std::nullopt;
-            if (!ownHash) {
+            if (!hash) {
                 return std::nullopt;
             }
-            return FileReading{std::move(*contents), *hash, *ownHash, snapshot.revision};
+            const TextChange difference = differenceOf(snapshot.text, contents->text);
+            return FileReading{std::move(*contents), difference, snapshot.revision, hash};
         },
         [this](std::optional<FileReading> reading) { applyReading(std::move(reading)); });
 }
@@ -444,7 +453,7 @@ void TextDocument::applyReading(std::optional<FileReading> reading)
         compareWithFile(); // typed meanwhile: the comparison was with another text
         return;
     }
-    if (reading->hash == reading->ownHash) {
+    if (reading->difference.removed == 0 && reading->difference.inserted == 0) {
         m_savedHashing.cancel();
         m_savedContentHash = reading->hash;
         m_isOnlyCopy = false;
@@ -452,7 +461,7 @@ void TextDocument::applyReading(std::optional<FileReading> reading)
         return;
     }
     if (!m_isDirty && m_services.defaults.boolean("watch.reloadClean"_L1)) {
-        reload(reading->contents);
+        reload(*reading);
         return;
     }
     setExternalState(ExternalState::conflicted);

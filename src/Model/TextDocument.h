@@ -121,13 +121,13 @@ public:
     [[nodiscard]] tl::expected<void, TextFile::ReadError> reinterpret(TextEncoding encoding);
 
 private:
-    /// The file's contents with the hash of their text, read on a worker.
+    /// What the file holds, and what is different from the document's text as it was at `revision`.
     struct FileReading {
         TextFile::Contents contents;
-        quint64 hash = 0;
-        /// Of the document's text, as it was at `revision`.
-        quint64 ownHash = 0;
+        TextChange difference;
         quint64 revision = 0;
+        /// Of the file's text; none where it is still to be computed.
+        std::optional<quint64> hash;
     };
 
     /// Plain text for a text with a line of megabytes.
@@ -135,16 +135,17 @@ private:
     void noteEdit(TextStorage::EditMask mask);
     void checkDirty();
     void applyDirtyCheck(quint64 hash);
-    void rememberSavedText();
+    void rememberSavedText(std::optional<quint64> hash = {});
     void setDirty(bool isDirty);
     void postMetadata() const;
 
     void transformForSaving();
-    void replaceText(const Rope &text);
-    void agreeWithFile();
+    void replaceText(const Rope &text, const TextChange &difference);
+    void agreeWithFile(std::optional<quint64> hash = {});
     void forgetFileQuestions();
-    void adopt(const TextFile::Contents &contents);
-    void reload(const TextFile::Contents &contents);
+    [[nodiscard]] FileReading comparedWith(const TextFile::Contents &contents) const;
+    void adopt(const FileReading &reading);
+    void reload(const FileReading &reading);
     [[nodiscard]] Language detectedLanguage() const;
 
     void startWatching(const std::optional<FileStamp> &known);

@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDialog>
 #include <QScreen>
 #include <QShortcut>
 
@@ -171,6 +172,9 @@ void MainWindowController::closeEvent(QCloseEvent *event)
         if (std::exchange(m_isAsking, true)) {
             // The question is on the screen already, perhaps behind another window.
             activateWindow();
+            for (QDialog *dialog : findChildren<QDialog *>(Qt::FindDirectChildrenOnly)) {
+                dialog->activateWindow();
+            }
             return;
         }
         confirmClosingAll(dirty, [this](bool mayClose) {
