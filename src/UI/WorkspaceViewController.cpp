@@ -331,12 +331,15 @@ void WorkspaceViewController::closeOtherSplits()
         beep();
         return;
     }
+    PaneViewController &kept = *m_activePane;
     for (PaneViewController *pane : std::vector(m_panes)) {
-        if (pane != m_activePane) {
+        if (pane != &kept) {
+            // Its neighbour gets the focus, and is active by that.
             removePane(*pane);
         }
     }
-    focusEditor();
+    setActivePane(kept);
+    kept.focusEditor();
 }
 
 void WorkspaceViewController::focusPane(int step)

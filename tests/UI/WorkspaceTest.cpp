@@ -143,6 +143,22 @@ TEST_F(WorkspaceTest, PanesSurviveByTheRules)
     EXPECT_EQ(presenter.beepCount(), beeps + 2);
 }
 
+TEST_F(WorkspaceTest, ClosingTheOtherPanesKeepsTheActiveOne)
+{
+    for (const int kept : {0, 1, 2}) {
+        workspace().open({write(u"a"_s, "aaa")});
+        send("splitEditorRight:");
+        send("splitEditorRight:");
+        PaneViewController &active = pane(size_t(kept));
+        workspace().setActivePane(active);
+        active.focusEditor();
+        send("closeOtherSplits:");
+        EXPECT_EQ(workspace().panes(), std::vector{&active}) << kept;
+        EXPECT_EQ(workspace().activePane(), &active) << kept;
+        EXPECT_TRUE(textView().hasFocus()) << kept;
+    }
+}
+
 TEST_F(WorkspaceTest, ClosingTheLastTabOfAPaneTakesThePane)
 {
     workspace().open({write(u"a"_s, "aaa")});
