@@ -9,6 +9,7 @@
 #include "Platform/Localization.h"
 #include "UI/PaneSplitter.h"
 
+#include <QPointer>
 #include <QVBoxLayout>
 
 namespace {
@@ -114,11 +115,11 @@ PaneViewController *WorkspaceViewController::paneShowing(const TextDocument &doc
     return found == m_panes.end() ? nullptr : *found;
 }
 
-bool WorkspaceViewController::isShownBeside(const PaneViewController &except, const TextDocument &document) const
+bool WorkspaceViewController::isShownBeside(const PaneViewController *except, const TextDocument &document) const
 {
     for (const WorkspaceViewController *workspace : m_host.workspaces()) {
         for (const PaneViewController *pane : workspace->m_panes) {
-            if (pane != &except && pane->holds(document)) {
+            if (pane != except && pane->holds(document)) {
                 return true;
             }
         }
@@ -488,12 +489,14 @@ void WorkspaceViewController::paneDidDropFiles(PaneViewController &pane, const Q
 
 void WorkspaceViewController::paneRequestsClose(PaneViewController &pane, TextDocument &document, CloseCompletion completion)
 {
-    if (isShownBeside(pane, document)) {
+    if (isShownBeside(&pane, document)) {
         completion(true);
         return;
     }
-    const auto close = [this, document = document.shared_from_this(), completion = std::move(completion)](bool mayClose) {
-        if (mayClose) {
+    const auto close = [this, pane = QPointer(&pane), document = document.shared_from_this(),
+                        completion = std::move(completion)](bool mayClose) {
+        // Another window may have opened it while the question was.
+        if (mayClose && !isShownBeside(pane, *document)) {
             m_services.documents.remove(*document);
         }
         completion(mayClose);

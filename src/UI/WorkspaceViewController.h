@@ -86,8 +86,8 @@ private:
     [[nodiscard]] PaneViewController *paneShowing(const TextDocument &document) const;
     [[nodiscard]] qsizetype indexOf(const PaneViewController &pane) const;
     PaneViewController &place(TextDocument &document);
-    /// In any window but for `except`.
-    [[nodiscard]] bool isShownBeside(const PaneViewController &except, const TextDocument &document) const;
+    /// In any window but for `except`, which may be null.
+    [[nodiscard]] bool isShownBeside(const PaneViewController *except, const TextDocument &document) const;
     void removeFromAllPanes(const TextDocument &document);
     void redistributePanes();
     void limitPanes();

@@ -109,6 +109,21 @@ TEST_F(WorkspaceTest, QuittingAsksEachWindowOnce)
     EXPECT_TRUE(application.prepareForSessionEnd());
 }
 
+TEST_F(WorkspaceTest, ATextThatIsShownElsewhereByThenStaysOpen)
+{
+    workspace().open({write(u"a.c"_s, "a")});
+    type(u"x"_s);
+    send("newWindow:");
+    presenter.hold();
+    workspace().activePane()->closeCurrentTab();
+    workspace(1).open({path(u"a.c"_s)});
+    presenter.answer(dontSave);
+    presenter.answerHeld();
+    EXPECT_EQ(tabs(), QStringList{u"Untitled"_s});
+    EXPECT_EQ(workspace(1).currentDocument()->storage().string(), u"xa"_s);
+    EXPECT_EQ(documents.documentAt(path(u"a.c"_s)), workspace(1).currentDocument());
+}
+
 TEST_F(WorkspaceTest, PanesSurviveByTheRules)
 {
     workspace().open({write(u"a"_s, "aaa"), write(u"b"_s, "bbb")});
