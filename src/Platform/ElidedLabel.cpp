@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/ElidedLabel.h"
 
+#include "Platform/PlainToolTip.h"
+
 #include <QHelpEvent>
 #include <QStylePainter>
 #include <QToolTip>
@@ -27,7 +29,7 @@ QSize ElidedLabel::minimumSizeHint() const
 bool ElidedLabel::event(QEvent *event)
 {
     if (event->type() == QEvent::ToolTip && sizeHint().width() > width()) {
-        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), text(), this);
+        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), plainToolTip(text()), this);
         return true;
     }
     return QLabel::event(event);

@@ -3,10 +3,10 @@
 #include "UI/TabBarView.h"
 
 #include "Highlighting/Theme.h"
+#include "Platform/PlainToolTip.h"
 #include "Platform/Translation.h"
 #include "UI/FlatButton.h"
 #include "UI/InterfaceFont.h"
-#include "UI/PlainToolTip.h"
 #include "UI/TabAccessible.h"
 
 #include <QActionGroup>

@@ -3,9 +3,9 @@
 #include "UI/TabItemView.h"
 
 #include "Highlighting/Theme.h"
+#include "Platform/PlainToolTip.h"
 #include "Platform/Translation.h"
 #include "UI/FlatButton.h"
-#include "UI/PlainToolTip.h"
 #include "UI/SystemColors.h"
 #include "UI/TabAccessible.h"
 
