@@ -101,6 +101,7 @@ QLineEdit *addTextField(QMessageBox &box, const Alert::TextField &field)
 {
     auto *edit = new QLineEdit(field.text, &box);
     edit->setPlaceholderText(field.placeholder);
+    edit->setAccessibleName(field.placeholder);
     edit->selectAll();
     auto *grid = qobject_cast<QGridLayout *>(box.layout());
     const int buttonRow = grid->rowCount() - 1;
@@ -171,10 +172,13 @@ void startIn(QFileDialog &panel, const QString &folder)
 void WidgetAlertPresenter::present(const Alert &alert, QWidget *window, AlertCompletion completion)
 {
     auto *box = new QMessageBox(window);
-    box->setTextFormat(Qt::PlainText);
     box->setText(asPlainText(alert.messageText));
     setStyle(*box, alert.style);
     box->setInformativeText(asPlainText(alert.informativeText));
+    // The box itself would have it for the first text only.
+    for (QLabel *label : box->findChildren<QLabel *>()) {
+        label->setTextFormat(Qt::PlainText);
+    }
     const QList<QAbstractButton *> buttons = addButtons(*box, alert);
     const QLineEdit *edit = alert.textField ? addTextField(*box, *alert.textField) : nullptr;
     const int cancelAnswer = alert.cancelAnswer();

@@ -2,9 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/WidgetAlertPresenter.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -20,7 +22,7 @@ namespace {
 
 const Alert closeQuestion{
     .messageText = u"Do you want to save <b>a.txt</b>?"_s,
-    .informativeText = u"It will be lost."_s,
+    .informativeText = u"<i>b.txt</i> will be lost."_s,
     .buttons = {{u"Save"_s}, {u"Cancel"_s, AlertButtonRole::cancel}, {u"Don’t Save"_s, AlertButtonRole::destructive}}};
 
 template<typename Dialog>
@@ -64,7 +66,9 @@ TEST(WidgetAlertPresenter, AnswersWithThePlaceOfTheButton)
     QMessageBox *box = ask();
     EXPECT_TRUE(answers.empty()) << "presenting must not wait";
     EXPECT_EQ(box->windowModality(), Qt::WindowModal);
-    EXPECT_EQ(box->textFormat(), Qt::PlainText) << "a file's name is no markup";
+    for (const QLabel *label : box->findChildren<QLabel *>()) {
+        EXPECT_EQ(label->textFormat(), Qt::PlainText) << "a file's name is no markup: " << label->text().toStdString();
+    }
     EXPECT_EQ(box->defaultButton()->text().remove(u'&'), u"Save"_s);
     click(*box, u"Don’t Save"_s);
     click(*ask(), u"Cancel"_s);
@@ -122,6 +126,7 @@ TEST(WidgetAlertPresenter, AsksForALineOfText)
     auto *edit = box->findChild<QLineEdit *>();
     EXPECT_EQ(box->focusWidget(), edit);
     EXPECT_EQ(edit->placeholderText(), u"Line number"_s);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(edit)->text(QAccessible::Name), u"Line number"_s);
     for (const QAbstractButton *button : box->buttons()) {
         EXPECT_GT(button->mapTo(box, QPoint()).y(), edit->mapTo(box, QPoint()).y()) << "the buttons come last";
     }
