@@ -5,13 +5,13 @@
 #include "App/MainMenu.h"
 #include "Model/DocumentStore.h"
 #include "Platform/AlertPresenter.h"
+#include "Platform/AtomicFile.h"
 #include "Platform/Desktop.h"
 #include "Platform/Localization.h"
 #include "Platform/Translation.h"
 #include "UI/EditorToolbarController.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QStandardPaths>
 
 #include <array>
@@ -213,7 +213,7 @@ void AppDelegate::showShortcuts()
 void AppDelegate::revealSupportFolder()
 {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Quillet"_s;
-    QDir().mkpath(folder);
+    makePrivateFolder(folder);
     m_services.desktop.reveal(folder, [this, folder](const QString &problem) {
         m_services.presenter.present(Alert::forError(problem, folder), frontmostWindow(), {});
     });
