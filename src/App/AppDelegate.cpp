@@ -142,9 +142,7 @@ void AppDelegate::open(const QStringList &paths)
 {
     MainWindowController *front = frontmostWindow();
     MainWindowController &window = front ? *front : makeWindow();
-    window.show();
-    window.raise();
-    window.activateWindow();
+    window.comeToFront();
     if (!paths.isEmpty()) {
         window.workspace().open(paths);
     }

@@ -81,6 +81,14 @@ QWidget *MainWindowController::mainFocus() const
     return editor ? &editor->textView() : nullptr;
 }
 
+void MainWindowController::comeToFront()
+{
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
 void MainWindowController::updateTitle()
 {
     const TextDocument *document = m_workspace->currentDocument();
@@ -169,9 +177,9 @@ void MainWindowController::closeEvent(QCloseEvent *event)
     std::erase_if(dirty, [](const auto &document) { return !document->isDirty(); });
     if (!m_mayClose && !dirty.empty()) {
         event->ignore();
+        // Where nobody sees it, the question would never be answered.
+        comeToFront();
         if (std::exchange(m_isAsking, true)) {
-            // The question is on the screen already, perhaps behind another window.
-            activateWindow();
             for (QDialog *dialog : findChildren<QDialog *>(Qt::FindDirectChildrenOnly)) {
                 dialog->activateWindow();
             }

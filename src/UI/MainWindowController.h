@@ -26,6 +26,9 @@ public:
     [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
     [[nodiscard]] QWidget *mainFocus() const override;
 
+    /// Shows it before all others, also when it is minimised.
+    void comeToFront();
+
 signals:
     /// It is closed, and nobody will see it again.
     void closed();

@@ -210,6 +210,22 @@ TEST_F(CommandsTest, QuittingStopsAtTheWindowThatIsKept)
     EXPECT_FALSE(isFinished);
 }
 
+TEST_F(CommandsTest, AMinimisedWindowComesForwardWhenItIsNeeded)
+{
+    type(u"x"_s);
+    presenter.hold();
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        window().showMinimized();
+        window().close();
+        EXPECT_FALSE(window().isMinimized()) << "nobody would see the question";
+    }
+    presenter.answerHeld();
+    window().showMinimized();
+    application.open({write(u"a.txt"_s, "a")});
+    EXPECT_FALSE(window().isMinimized());
+    EXPECT_EQ(tabs().last(), u"a.txt"_s);
+}
+
 TEST_F(CommandsTest, TheMenusFollowFocusAndLanguage)
 {
     EXPECT_FALSE(item(u"File"_s, u"Backup"_s)->isEnabled());
