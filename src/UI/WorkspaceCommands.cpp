@@ -321,9 +321,15 @@ void WorkspaceViewController::moveDocumentToTrash()
     const Alert question{.messageText = formatted(localized(u"Move “%@” to the Trash?"), document->displayName()),
                          .informativeText = consequence,
                          .buttons = {{localized(u"Move to Trash")}, {localized(u"Cancel"), AlertButtonRole::cancel}}};
-    present(question, [this, document](int button) {
-        if (button == AlertReply::firstButton) {
+    present(question, [this, document, path = document->path()](int button) {
+        if (button != AlertReply::firstButton) {
+            return;
+        }
+        // Another window may have given it a file that nobody was asked about.
+        if (document->path() == path) {
             trash(*document);
+        } else {
+            beep();
         }
     });
 }

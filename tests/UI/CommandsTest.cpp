@@ -112,6 +112,15 @@ TEST_F(CommandsTest, TheTrashAsksFirstAndKeepsTheTabWhenItFails)
     EXPECT_EQ(workspace().panes().size(), 1U);
     EXPECT_EQ(tabs(), QStringList{u"b.txt"_s});
     EXPECT_EQ(documents.documents().size(), 1U);
+
+    // Saved under another name while the question was open, it is not the file that was asked about.
+    presenter.hold();
+    send("moveDocumentToTrash:");
+    std::ignore = workspace().currentDocument()->save(path(u"c.txt"_s));
+    presenter.answer(AlertReply::firstButton);
+    presenter.answerHeld();
+    EXPECT_EQ(desktop.trashed.size(), 2);
+    EXPECT_EQ(tabs(), QStringList{u"c.txt"_s});
 }
 
 TEST_F(CommandsTest, RevertAsksAndIsThereOnlyForEditedFiles)
