@@ -14,6 +14,15 @@ namespace {
 
 constexpr QSize startSize(600, 400);
 
+/// Screen readers call a text as its tab does.
+void updateName(EditorViewController &editor)
+{
+    const QString name = editor.document().displayName();
+    if (name != editor.textView().accessibleName()) {
+        editor.textView().setAccessibleName(name);
+    }
+}
+
 } // namespace
 
 PaneViewController::PaneViewController(const WorkspaceServices &services, PaneViewControllerDelegate &delegate, QWidget *parent)
@@ -85,6 +94,9 @@ void PaneViewController::refreshTabs()
                         .isDirty = document->isDirty(),
                         .hasExternalChange = document->externalState() != TextDocument::ExternalState::none});
     }
+    if (m_currentEditor) {
+        updateName(*m_currentEditor);
+    }
     m_tabBar->setTabs(tabs, m_selectedIndex);
     m_tabBar->scrollSelectedTabIntoView();
 }
@@ -144,6 +156,7 @@ void PaneViewController::showEditor(TextDocument &document)
     if (!editor) {
         editor = new EditorViewController(m_services, document, m_container);
         editor->setDelegate(this);
+        updateName(*editor);
         m_container->layout()->addWidget(editor);
     }
     editor->show();

@@ -45,10 +45,12 @@ protected:
 TEST_F(CommandsTest, SaveSaysWhatItDid)
 {
     presenter.answerSave(path(u"new.c"_s));
+    EXPECT_EQ(textView().accessibleName(), u"Untitled"_s);
     type(u"text"_s);
     QTest::keySequence(&textView(), QKeySequence(u"Ctrl+S"_s));
     EXPECT_EQ(read(u"new.c"_s), "text");
     EXPECT_EQ(window().windowTitle(), u"new.c[*]"_s);
+    EXPECT_EQ(textView().accessibleName(), u"new.c"_s);
     EXPECT_FALSE(window().isWindowModified());
     type(u"!"_s);
     EXPECT_TRUE(window().isWindowModified());
