@@ -174,8 +174,14 @@ void EditorViewController::applyIndentation()
     const Preferences &preferences = m_services.preferences;
     const Language &language = m_document->language();
     const bool usesSpaces = language.defaultInsertSpaces().value_or(preferences.insertSpaces());
-    m_textView->setIndentation({.width = language.defaultIndentWidth().value_or(preferences.tabWidth()),
-                                .unit = usesSpaces ? Indentation::Unit::spaces : Indentation::Unit::tab});
+    const Indentation indentation{.width = language.defaultIndentWidth().value_or(preferences.tabWidth()),
+                                  .unit = usesSpaces ? Indentation::Unit::spaces : Indentation::Unit::tab};
+    const bool isOther = m_textView->indentation() != indentation;
+    m_textView->setIndentation(indentation);
+    // Who shows it may have heard of the cause before this editor did.
+    if (isOther && m_delegate) {
+        m_delegate->editorDidChangeIndentation(*this);
+    }
 }
 
 void EditorViewController::adoptLanguage()

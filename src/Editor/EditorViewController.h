@@ -46,6 +46,8 @@ class EditorViewControllerDelegate {
 public:
     virtual void editorWantsFocus(EditorViewController &editor) = 0;
     virtual void editorDidChangeSelection(EditorViewController &editor) = 0;
+    /// By the preferences or by the language of its document.
+    virtual void editorDidChangeIndentation(EditorViewController &editor) = 0;
     /// Absolute paths of files that exist.
     virtual void editorDidDropFiles(EditorViewController &editor, const QStringList &paths) = 0;
 

@@ -24,6 +24,8 @@ struct Indentation {
     Unit unit = Unit::spaces;
 
     [[nodiscard]] QString level() const { return unit == Unit::spaces ? QString(width, u' ') : QStringLiteral("\t"); }
+
+    friend bool operator==(Indentation, Indentation) = default;
 };
 
 /// The commands of an editor that work on whole lines or on the blanks before them, as functions of the text. Nothing is returned where

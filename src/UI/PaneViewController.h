@@ -80,6 +80,7 @@ private:
 
     void editorWantsFocus(EditorViewController &editor) override;
     void editorDidChangeSelection(EditorViewController &editor) override;
+    void editorDidChangeIndentation(EditorViewController &editor) override { editorDidChangeSelection(editor); }
     void editorDidDropFiles(EditorViewController &editor, const QStringList &paths) override;
     void tabBarDidSelectTab(TabBarView &bar, int index) override;
     void tabBarDidRequestClose(TabBarView &bar, int index) override;

@@ -407,7 +407,6 @@ void WorkspaceViewController::chooseLanguage(const Language &language)
     if (TextDocument *document = currentDocument()) {
         document->languageWasChosenManually = true;
         document->setLanguage(language);
-        updateStatusBar();
     }
 }
 

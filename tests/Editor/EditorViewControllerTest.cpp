@@ -115,6 +115,7 @@ protected:
 private:
     void editorWantsFocus(EditorViewController & /*editor*/) override { ++focusRequests; }
     void editorDidChangeSelection(EditorViewController & /*editor*/) override { ++selectionChanges; }
+    void editorDidChangeIndentation(EditorViewController & /*editor*/) override {}
     void editorDidDropFiles(EditorViewController & /*editor*/, const QStringList &paths) override { dropped += paths; }
 };
 

@@ -9,6 +9,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QSet>
+#include <QToolButton>
 
 using namespace Qt::StringLiterals;
 
@@ -181,6 +182,26 @@ TEST_F(CommandsTest, LanguagesThemesAndViewOptionsAreChecked)
     EXPECT_EQ(preferences.fontSize(), 14);
     send("resetFontSize:");
     EXPECT_EQ(preferences.fontSize(), 13);
+}
+
+TEST_F(CommandsTest, TheStatusBarShowsWhatIsChosenInIt)
+{
+    const auto popUp = [this](const QString &kind) {
+        const QList<QToolButton *> buttons = workspace().statusBar().findChildren<QToolButton *>();
+        return *std::ranges::find(buttons, kind, &QToolButton::toolTip);
+    };
+    const auto choose = [&](const QString &kind, const QString &title) {
+        const QList<QAction *> entries = popUp(kind)->menu()->actions();
+        (*std::ranges::find(entries, title, &QAction::text))->trigger();
+        return popUp(kind)->text();
+    };
+    for (const QString &title : {u"Tabs: 8"_s, u"Tabs: 2"_s, u"Spaces: 2"_s}) {
+        EXPECT_EQ(choose(u"Indentation"_s, title), title);
+    }
+    EXPECT_EQ(choose(u"Line Endings"_s, u"CRLF"_s), u"CRLF"_s);
+    EXPECT_EQ(choose(u"Text Encoding"_s, u"UTF-16"_s), u"UTF-16"_s);
+    EXPECT_EQ(choose(u"Syntax"_s, u"Python"_s), u"Python"_s);
+    EXPECT_EQ(popUp(u"Indentation"_s)->text(), u"Spaces: 4"_s) << "the language has its own";
 }
 
 TEST_F(CommandsTest, ClosingAWindowAsksOnceForAllItsTexts)
