@@ -282,14 +282,14 @@ void WorkspaceViewController::makeBackup()
         beep();
         return;
     }
-    const TextDocument &document = *currentDocument();
+    TextDocument &document = *currentDocument();
     const auto copy = TextFile::nextAvailableCopy(document.path());
     if (!copy) {
         presentError(formatted(localized(u"There is no free name for a copy of “%@” in its folder."), document.displayName()));
         return;
     }
-    TextDocument &current = *currentDocument();
-    if (const Result<void> written = TextFile::write(current.storage().text(), *copy, current.encoding(), current.lineEnding()); !written) {
+    const Result<void> written = TextFile::write(document.storage().text(), *copy, document.encoding(), document.lineEnding());
+    if (!written) {
         presentError(written.error().message);
         return;
     }
@@ -459,9 +459,8 @@ void WorkspaceViewController::statusBarDidChooseEncoding(TextEncoding encoding)
 
 void WorkspaceViewController::statusBarDidChooseLineEnding(int index)
 {
-    constexpr std::array endings = {LineEnding::lf, LineEnding::crlf, LineEnding::cr};
-    if (TextDocument *document = currentDocument(); document && index >= 0 && size_t(index) < endings.size()) {
-        document->setLineEnding(endings[size_t(index)]);
+    if (TextDocument *document = currentDocument(); document && index >= 0 && size_t(index) < lineEndings.size()) {
+        document->setLineEnding(lineEndings[size_t(index)].ending);
     }
 }
 
