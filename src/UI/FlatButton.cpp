@@ -86,7 +86,9 @@ void FlatButton::paintGround(QPainter &painter) const
     }
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF ground = QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75);
-    if (isEnabled() && (isDown() || underMouse())) {
+    // A menu of its own that closes by a click elsewhere leaves it under a pointer that is gone.
+    const bool isPointedAt = underMouse() && rect().contains(mapFromGlobal(QCursor::pos()));
+    if (isEnabled() && (isDown() || isPointedAt)) {
         QColor color = palette().color(QPalette::Active, QPalette::ButtonText);
         color.setAlphaF(float(isDown() ? pressedOpacity : hoverOpacity));
         painter.setPen(Qt::NoPen);
