@@ -128,6 +128,13 @@ void PaneViewController::add(TextDocument &document, Select select, std::optiona
     }
 }
 
+void PaneViewController::append(const Documents &documents)
+{
+    m_documents.insert(m_documents.end(), documents.begin(), documents.end());
+    refreshTabs();
+    m_delegate.paneDidChangeState(*this);
+}
+
 void PaneViewController::selectDocument(int index)
 {
     if (index < 0 || index >= count()) {

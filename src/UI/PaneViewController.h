@@ -60,6 +60,8 @@ public:
 
     /// At the end when there is no index; a document that is here already is only selected.
     void add(TextDocument &document, Select select, std::optional<int> index = {});
+    /// At the end; none may be here already. Nothing is selected.
+    void append(const Documents &documents);
     void selectDocument(int index);
     /// Takes the tab away; the document stays open elsewhere.
     void removeDocument(int index);

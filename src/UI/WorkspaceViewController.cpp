@@ -146,19 +146,32 @@ void WorkspaceViewController::open(const QStringList &paths)
     TextDocument *last = nullptr;
     // Only what stays in front gets an editor: twenty files need one.
     std::unordered_map<PaneViewController *, TextDocument *> selected;
+    // New ones get their tabs together, or a thousand files would have their tabs laid out a thousand times.
+    PaneViewController::Documents fresh;
+    const auto placeFresh = [&] {
+        if (!fresh.empty()) {
+            PaneViewController &pane = targetPane();
+            selected[&pane] = fresh.back().get();
+            pane.append(std::exchange(fresh, {}));
+        }
+    };
     for (const QString &path : paths) {
         TextDocument *document = m_services.documents.documentAt(path);
-        if (!document) {
+        if (document) {
+            placeFresh();
+            selected[&place(*document)] = document;
+        } else {
             auto contents = TextFile::read(path);
             if (!contents) {
                 firstError = firstError ? firstError : std::optional(contents.error());
                 continue;
             }
             document = &m_services.documents.add(std::make_unique<TextDocument>(m_services.documents.services(), path, *contents));
+            fresh.push_back(document->shared_from_this());
         }
-        selected[&place(*document)] = document;
         last = document;
     }
+    placeFresh();
     for (const auto &[pane, document] : selected) {
         pane->selectDocument(pane->indexOf(*document));
     }

@@ -45,6 +45,20 @@ TEST_F(WorkspaceTest, OpensFilesInPlaceOfAnEmptyTab)
     EXPECT_EQ(tabs(), (QStringList{u"a.c"_s, u"b.c"_s, u"Untitled"_s, u"c.c"_s}));
 }
 
+TEST_F(WorkspaceTest, AHundredFilesCostNoHundredUpdates)
+{
+    QStringList files;
+    for (int number = 0; number < 100; ++number) {
+        files << write(u"%1.txt"_s.arg(number), "a");
+    }
+    int updates = 0;
+    QObject::connect(&workspace(), &WorkspaceViewController::currentDocumentChanged, [&] { ++updates; });
+    workspace().open(files + files);
+    EXPECT_EQ(tabs().size(), 100);
+    EXPECT_EQ(workspace().currentDocument()->displayName(), u"99.txt"_s);
+    EXPECT_LT(updates, 10);
+}
+
 TEST_F(WorkspaceTest, ATextOpenInAnotherWindowIsShared)
 {
     workspace().open({write(u"a.c"_s, "int a;\n")});
