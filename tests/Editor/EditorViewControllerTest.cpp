@@ -6,14 +6,8 @@
 #include "Editor/LineNumberRulerView.h"
 #include "Editor/SpellingPanel.h"
 #include "Highlighting/LanguageRegistry.h"
-#include "Model/DocumentStore.h"
-#include "Model/Preferences.h"
-#include "Model/WatchedPath.h"
-#include "Platform/AlertPresenter.h"
-#include "Platform/DefaultsStore.h"
-#include "Platform/Pasteboard.h"
 #include "Platform/SpellChecker.h"
-#include "Text/FindState.h"
+#include "Surroundings.h"
 #include "TextUi/ViewFixture.h"
 
 #include <QDropEvent>
@@ -23,7 +17,6 @@
 #include <QPaintEvent>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <cmath>
@@ -34,17 +27,17 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class EditorTest : public testing::Test, private EditorViewControllerDelegate {
+class EditorTest : public testing::Test, protected Surroundings, private EditorViewControllerDelegate {
 protected:
     [[nodiscard]] TextDocument &document(const QString &text)
     {
-        auto made = std::make_unique<TextDocument>(store.services(), QString(), TextFile::Contents{.text = Rope(text)});
-        return store.add(std::move(made));
+        auto made = std::make_unique<TextDocument>(documents.services(), QString(), TextFile::Contents{.text = Rope(text)});
+        return documents.add(std::move(made));
     }
     [[nodiscard]] TextDocument &openFile(const QByteArray &bytes)
     {
         write(bytes);
-        return store.add(std::make_unique<TextDocument>(store.services(), path, TextFile::read(path).value()));
+        return documents.add(std::make_unique<TextDocument>(documents.services(), path, TextFile::read(path).value()));
     }
     void write(const QByteArray &bytes) const
     {
@@ -95,19 +88,7 @@ protected:
         return document.storage().styleAt(offset) != plainStyle;
     }
 
-    QTemporaryDir folder;
     QString path = folder.filePath(u"a.c"_s);
-    ManualScheduler scheduler;
-    NotificationCenter notifications;
-    DefaultsStore defaults{QString(), scheduler};
-    Preferences preferences{defaults, notifications};
-    MemoryPasteboard pasteboard;
-    ScriptedAlertPresenter presenter;
-    InlineWorkers workers;
-    FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
-    DocumentStore store{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
-    FindState find;
-    EditorServices services{scheduler, notifications, preferences, pasteboard, presenter, store, workers, find};
     QStringList dropped;
     int focusRequests = 0;
     int selectionChanges = 0;
@@ -220,7 +201,7 @@ TEST_F(EditorTest, ComesBackToCaretAndScrollPosition)
 
 TEST_F(EditorTest, AGeneratedTextCannotBeEdited)
 {
-    TextDocument &keys = store.add(TextDocument::generated(store.services(), u"Keys"_s, u"text"_s, Language::plainText()));
+    TextDocument &keys = documents.add(TextDocument::generated(documents.services(), u"Keys"_s, u"text"_s, Language::plainText()));
     const auto editor = open(keys);
     sendKeys(editor->textView(), u"x<CR><BS><Tab>"_s);
     EXPECT_EQ(keys.storage().string(), u"text"_s);

@@ -3,24 +3,16 @@
 #pragma once
 
 #include "App/AppDelegate.h"
-#include "Model/DocumentStore.h"
-#include "Model/Preferences.h"
-#include "Model/WatchedPath.h"
-#include "Platform/AlertPresenter.h"
-#include "Platform/DefaultsStore.h"
-#include "Platform/Desktop.h"
 #include "Platform/FirstResponder.h"
-#include "Platform/Pasteboard.h"
-#include "Text/FindState.h"
+#include "Surroundings.h"
 
 #include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
 /// The whole program around a window that is shown offscreen and active, with everything outside of it replaced.
-class WindowTest : public testing::Test {
+class WindowTest : public testing::Test, protected Surroundings {
 protected:
     void SetUp() override
     {
@@ -63,17 +55,5 @@ protected:
     }
     [[nodiscard]] QString lastAlert() const { return presenter.alerts().empty() ? QString() : presenter.alerts().back().messageText; }
 
-    QTemporaryDir folder;
-    ManualScheduler scheduler;
-    NotificationCenter notifications;
-    DefaultsStore defaults{QString(), scheduler};
-    Preferences preferences{defaults, notifications};
-    MemoryPasteboard pasteboard;
-    ScriptedAlertPresenter presenter;
-    InlineWorkers workers;
-    FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
-    DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
-    FindState find;
-    RecordingDesktop desktop;
-    AppDelegate application{{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find}, defaults, desktop}};
+    AppDelegate application{services};
 };

@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Model/DocumentStore.h"
+#include "Model/Preferences.h"
+#include "Model/WatchedPath.h"
+#include "Platform/AlertPresenter.h"
+#include "Platform/DefaultsStore.h"
+#include "Platform/Desktop.h"
+#include "Platform/Pasteboard.h"
+#include "Platform/Workers.h"
+#include "Text/FindState.h"
+#include "UI/WorkspaceServices.h"
+
+#include <QTemporaryDir>
+
+/// All that editors and windows use, with nothing of this machine in it but a folder that goes with it: time stands until it is advanced,
+/// questions are answered by the test, settings and clipboard are kept in memory.
+struct Surroundings {
+    QTemporaryDir folder;
+    ManualScheduler scheduler;
+    NotificationCenter notifications;
+    DefaultsStore defaults{QString(), scheduler};
+    Preferences preferences{defaults, notifications};
+    MemoryPasteboard pasteboard;
+    ScriptedAlertPresenter presenter;
+    InlineWorkers workers;
+    FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
+    DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
+    FindState find;
+    RecordingDesktop desktop;
+    WorkspaceServices services{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find}, defaults, desktop};
+};
