@@ -137,31 +137,29 @@ void TextDocument::noteEdit(TextStorage::EditMask mask)
 void TextDocument::rememberSavedText(std::optional<quint64> hash)
 {
     m_savedHashing.cancel();
-    m_isCheckWanted = false;
     m_isOnlyCopy = false;
+    m_savedLength = m_storage.length();
+    m_savedContentHash = hash;
+    m_unhashedText = {};
     if (hash) {
-        m_savedContentHash = hash;
         return;
     }
     if (m_storage.length() < largeText) {
         m_savedContentHash = textHash(m_storage.text());
-        return;
+    } else {
+        m_unhashedText = m_storage.text();
     }
-    m_savedContentHash.reset();
-    m_savedHashing = BackgroundTask::start(
-        m_services.workers, [text = m_storage.text()](const std::stop_token &stop) { return textHash(text, stop); },
-        [this](std::optional<quint64> computed) {
-            m_savedContentHash = computed;
-            if (std::exchange(m_isCheckWanted, false)) {
-                checkDirty();
-            }
-        });
 }
 
 void TextDocument::checkDirty()
 {
+    // A letter more or less tells without a look at the text.
+    if (m_storage.length() != m_savedLength) {
+        setDirty(true);
+        return;
+    }
     if (!m_savedContentHash) {
-        m_isCheckWanted = true;
+        hashSavedText();
         return;
     }
     if (m_storage.length() < largeText) {
@@ -174,6 +172,20 @@ void TextDocument::checkDirty()
             if (hash && revision == m_storage.revision()) {
                 applyDirtyCheck(*hash);
             }
+        });
+}
+
+void TextDocument::hashSavedText()
+{
+    if (m_savedHashing.isPending()) {
+        return;
+    }
+    m_savedHashing = BackgroundTask::start(
+        m_services.workers, [text = m_unhashedText](const std::stop_token &stop) { return textHash(text, stop); },
+        [this](std::optional<quint64> hash) {
+            m_savedContentHash = hash;
+            m_unhashedText = {};
+            checkDirty();
         });
 }
 
@@ -454,9 +466,7 @@ void TextDocument::applyReading(std::optional<FileReading> reading)
         return;
     }
     if (reading->difference.removed == 0 && reading->difference.inserted == 0) {
-        m_savedHashing.cancel();
-        m_savedContentHash = reading->hash;
-        m_isOnlyCopy = false;
+        rememberSavedText(reading->hash);
         setDirty(false);
         return;
     }

@@ -34,9 +34,10 @@ struct DocumentServices {
 
 /// One open text: its storage and history, the file it belongs to, whether it differs from that file, and what others did to the file.
 ///
-/// The text is dirty from the first edit on; 0.4 s after the last one it is compared, by hash, with what was read or written last, so
-/// that an edit taken back leaves it clean. A large text is hashed on a worker from a snapshot, and the answer counts only if nothing
-/// was typed meanwhile: no key waits for a pass over the text. What to do about a conflict is for the views; the document only tells.
+/// The text is dirty from the first edit on; 0.4 s after the last one it is compared, by length and hash, with what was read or written
+/// last, so that an edit taken back leaves it clean. A large text is hashed on a worker from a snapshot, and the answer counts only if
+/// nothing was typed meanwhile: no key waits for a pass over the text. What to do about a conflict is for the views; the document only
+/// tells.
 ///
 /// The store owns it; a view may hold it a little longer, until the event is over in which it was closed.
 ///
@@ -134,6 +135,7 @@ private:
     [[nodiscard]] const Language &colouredLanguage() const;
     void noteEdit(TextStorage::EditMask mask);
     void checkDirty();
+    void hashSavedText();
     void applyDirtyCheck(quint64 hash);
     void rememberSavedText(std::optional<quint64> hash = {});
     void setDirty(bool isDirty);
@@ -171,9 +173,10 @@ private:
     std::optional<QString> m_generatedTitle;
     std::unique_ptr<SyntaxHighlighter> m_highlighter;
     std::unique_ptr<FileWatcher> m_watcher;
-    /// None while a worker still computes it.
+    // Of the saved text: the hash of a large one is computed when it is first asked for, and then the text is let go.
+    qsizetype m_savedLength = 0;
     std::optional<quint64> m_savedContentHash;
-    bool m_isCheckWanted = false;
+    Rope m_unhashedText;
     /// The file is gone, so no text is a saved one.
     bool m_isOnlyCopy = false;
     DelayedTask m_dirtyCheck;

@@ -25,8 +25,11 @@ class HeldWorkers final : public Workers {
 public:
     bool isHeld = false;
 
+    int count = 0;
+
     void run(std::function<void()> job) override
     {
+        ++count;
         m_jobs.push_back(std::move(job));
         if (!isHeld) {
             finish();
@@ -148,6 +151,9 @@ TEST_F(DocumentTest, ALargeTextIsHashedElsewhereAndOldAnswersAreDropped)
     workers.finish();
     settle(50ms);
     EXPECT_TRUE(document.isDirty()) << "the answer was about a text that is no more";
+    const int before = workers.count;
+    settle(500ms);
+    EXPECT_EQ(workers.count, before) << "a text of another length needs no hash";
 }
 
 TEST_F(DocumentTest, AnAnswerAboutAnEarlierSaveCleansNothing)
