@@ -72,7 +72,6 @@ MainWindowController &AppDelegate::makeWindow(MainWindowController::Content cont
     auto *window = new MainWindowController(m_services, *this, content);
     window->setNextResponder(this);
     MainMenu::install(*window, m_services.presenter);
-    window->toolbar().setKeyNames([](Selector action) { return MainMenu::keyOf(action).toString(QKeySequence::NativeText); });
     m_windows.push_back(window);
     connect(window, &MainWindowController::closed, this, [this, window] { windowClosed(*window); });
     connect(window, &MainWindowController::closingRefused, this, [this] { m_isTerminating = false; });
@@ -122,6 +121,13 @@ std::vector<WorkspaceViewController *> AppDelegate::workspaces() const
         all.push_back(&window->workspace());
     }
     return all;
+}
+
+QString AppDelegate::keyName(Selector action) const
+{
+    // The menu has it with its relatives, as one of several actions of finding; the toolbar has it alone.
+    const Selector inMenu = action == "showFindInterface:" ? Selector("performTextFinderAction:") : action;
+    return MainMenu::keyOf(inMenu).toString(QKeySequence::NativeText);
 }
 
 // Files

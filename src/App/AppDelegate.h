@@ -47,6 +47,7 @@ private:
 
     [[nodiscard]] WorkspaceViewController &openWindow() override;
     [[nodiscard]] std::vector<WorkspaceViewController *> workspaces() const override;
+    [[nodiscard]] QString keyName(Selector action) const override;
 
     WorkspaceServices m_services;
     std::vector<MainWindowController *> m_windows;

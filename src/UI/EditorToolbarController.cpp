@@ -82,12 +82,6 @@ void EditorToolbarController::setMenuFiller(MenuFiller filler)
     validate();
 }
 
-void EditorToolbarController::setKeyNames(KeyNames names)
-{
-    m_keyNames = std::move(names);
-    apply();
-}
-
 QWidget *EditorToolbarController::entry() const
 {
     return m_strip ? m_strip->entry() : nullptr;
@@ -162,7 +156,7 @@ void EditorToolbarController::installStrip()
 void EditorToolbarController::addItem(const ToolbarAction &spec)
 {
     const auto labels = m_services.preferences.toolbarShowsLabels() ? ToolbarActionItem::Labels::shown : ToolbarActionItem::Labels::hidden;
-    auto *item = new ToolbarActionItem(spec, labels, m_keyNames ? m_keyNames(spec.action) : QString(), m_strip);
+    auto *item = new ToolbarActionItem(spec, labels, m_services.keyName ? m_services.keyName(spec.action) : QString(), m_strip);
     const bool isBesideMenus = m_services.preferences.toolbarStyle() == ToolbarStyle::combined;
     const int side = isBesideMenus ? symbolSideBesideMenus : symbolSideInRow;
     item->setIconSize({side, side});

@@ -26,6 +26,8 @@ struct ToolbarServices {
     NotificationCenter &notifications;
     const Preferences &preferences;
     AlertPresenter &presenter;
+    /// The keys of a command as the user reads them, empty for none; may itself be empty.
+    std::function<QString(Selector action)> keyName = {};
 };
 
 /// The toolbar of one main window, as the preferences want it: beside the menus in the menu bar's row, in a row of its own, or none. It is
@@ -40,8 +42,6 @@ class EditorToolbarController final : public QObject {
 public:
     /// Puts what the button of an action with a menu opens into `menu`, which is empty; nothing disables the button.
     using MenuFiller = std::function<void(QMenu &menu)>;
-    /// The keys of a command as the user reads them; empty for none.
-    using KeyNames = std::function<QString(Selector action)>;
 
     /// The window owns the controller; the services must outlive it. The window keeps its menu bar.
     EditorToolbarController(QMainWindow &window, const ToolbarServices &services);
@@ -49,7 +49,6 @@ public:
 
     /// For the one action that has a menu.
     void setMenuFiller(MenuFiller filler);
-    void setKeyNames(KeyNames names);
 
     /// Lets the buttons show what can be done now.
     void validate();
@@ -78,7 +77,6 @@ private:
     QMainWindow &m_window;
     ToolbarServices m_services;
     MenuFiller m_fillMenu;
-    KeyNames m_keyNames;
     QPointer<ToolbarStrip> m_strip;
     /// Around the strip where it has a row of its own.
     QPointer<QToolBar> m_bar;

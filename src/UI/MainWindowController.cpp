@@ -42,7 +42,8 @@ QWidget *firstStop(QWidget &region)
 
 MainWindowController::MainWindowController(const WorkspaceServices &services, WorkspaceHost &host, Content content)
     : m_services(services), m_workspace(new WorkspaceViewController(services, host, this)),
-      m_toolbar(new EditorToolbarController(*this, {services.scheduler, services.notifications, services.preferences, services.presenter}))
+      m_toolbar(new EditorToolbarController(*this, {services.scheduler, services.notifications, services.preferences, services.presenter,
+                                                    [&host](Selector action) { return host.keyName(action); }}))
 {
     setMinimumSize(leastSize);
     restoreFrame();

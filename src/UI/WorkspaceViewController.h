@@ -19,6 +19,8 @@ public:
     [[nodiscard]] virtual WorkspaceViewController &openWindow() = 0;
     /// Of all windows.
     [[nodiscard]] virtual std::vector<WorkspaceViewController *> workspaces() const = 0;
+    /// The keys of a command as the user reads them; empty when it has none.
+    [[nodiscard]] virtual QString keyName(Selector action) const = 0;
 
 protected:
     ~WorkspaceHost() = default;

@@ -130,7 +130,9 @@ protected:
     ScriptedAlertPresenter presenter;
     QMainWindow window;
     Text *text = new Text(preferences);
-    EditorToolbarController *controller = new EditorToolbarController(window, {scheduler, notifications, preferences, presenter});
+    EditorToolbarController *controller =
+        new EditorToolbarController(window, {scheduler, notifications, preferences, presenter,
+                                             [](Selector action) { return action == "saveDocument:" ? u"Ctrl+S"_s : QString(); }});
 };
 
 } // namespace
@@ -180,7 +182,6 @@ TEST_F(ToolbarTest, StandsWhereTheStyleSays)
 
 TEST_F(ToolbarTest, NamesItsButtonsInTheLanguageChosen)
 {
-    controller->setKeyNames([](Selector action) { return action == "saveDocument:" ? u"Ctrl+S"_s : QString(); });
     EXPECT_EQ(button(u"save"_s)->toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
     EXPECT_EQ(button(u"save"_s)->toolTip(), u"Save (Ctrl+S)"_s);
     EXPECT_EQ(button(u"open"_s)->toolTip(), u"Open"_s);
