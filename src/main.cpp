@@ -7,6 +7,7 @@
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Platform/DefaultsStore.h"
+#include "Platform/DesktopPalette.h"
 #include "Platform/Localization.h"
 #include "Platform/SpellChecker.h"
 #include "Platform/SymbolIcon.h"
@@ -48,6 +49,7 @@ int run(QApplication &application, const QStringList &files)
     QApplication::setDesktopFileName(u"org.quillet.Quillet"_s);
     QApplication::setWindowIcon(applicationIcon());
 
+    const DesktopPalette palette;
     EventLoopScheduler scheduler;
     NotificationCenter notifications;
     DefaultsStore defaults(DefaultsStore::standardPath(), scheduler);

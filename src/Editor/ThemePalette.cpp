@@ -17,7 +17,7 @@ QPalette paletteBeside(const Theme &theme, const QPalette &desktop)
         colors.setColor(role, text);
         colors.setColor(QPalette::Disabled, role, ground(0.45));
     }
-    colors.setColor(QPalette::PlaceholderText, ground(0.55));
+    colors.setColor(QPalette::PlaceholderText, ground(0.7));
     colors.setColor(QPalette::Base, QColor::fromRgb(theme.background));
     for (const auto role : {QPalette::Highlight, QPalette::HighlightedText, QPalette::Link, QPalette::LinkVisited, QPalette::ToolTipBase,
                             QPalette::ToolTipText}) {
