@@ -2,21 +2,23 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/WidgetAlertPresenter.h"
 
+#include "Platform/FilePanel.h"
 #include "Platform/SymbolIcon.h"
 #include "Platform/Translation.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QFileDialog>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 #include <QStyle>
 #include <QWindow>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -195,8 +197,7 @@ void WidgetAlertPresenter::present(const Alert &alert, QWidget *window, AlertCom
 
 void WidgetAlertPresenter::present(const OpenPanel &panel, QWidget *window, OpenCompletion completion)
 {
-    auto *dialog = new QFileDialog(window, panel.title);
-    dialog->setAcceptMode(QFileDialog::AcceptOpen);
+    auto *dialog = new FilePanel(*this, window, panel.title, QFileDialog::AcceptOpen);
     switch (panel.choice) {
     case OpenPanel::Choice::file:
         dialog->setFileMode(QFileDialog::ExistingFile);
@@ -218,8 +219,7 @@ void WidgetAlertPresenter::present(const OpenPanel &panel, QWidget *window, Open
 
 void WidgetAlertPresenter::present(const SavePanel &panel, QWidget *window, SaveCompletion completion)
 {
-    auto *dialog = new QFileDialog(window, panel.title);
-    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    auto *dialog = new FilePanel(*this, window, panel.title, QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
     startIn(*dialog, panel.startFolder);
     dialog->selectFile(panel.suggestedName);

@@ -5,6 +5,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -157,6 +158,38 @@ TEST(WidgetAlertPresenter, PanelsStartWhereTheyAreTold)
     EXPECT_EQ(panel->fileMode(), QFileDialog::ExistingFiles);
     panel->reject();
     EXPECT_EQ(opened, QStringList());
+}
+
+TEST(WidgetAlertPresenter, AsksBeforeAFileIsReplaced)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(u"notes.txt"_s));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.close();
+    QWidget window;
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    WidgetAlertPresenter presenter;
+    std::optional<QString> saved;
+    presenter.present(SavePanel{.startFolder = folder.path(), .suggestedName = u"notes.txt"_s}, &window,
+                      [&](const std::optional<QString> &path) { saved = path; });
+    QFileDialog *panel = openDialogs<QFileDialog>(window).first();
+    const auto ask = [&] {
+        QMetaObject::invokeMethod(panel, "accept");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !openDialogs<QMessageBox>(*panel).isEmpty(); }));
+        return openDialogs<QMessageBox>(*panel).value(0);
+    };
+    QMessageBox *box = ask();
+    ASSERT_NE(box, nullptr);
+    EXPECT_THAT(box->text().toStdString(), testing::HasSubstr("notes.txt"));
+    EXPECT_EQ(box->defaultButton()->text().remove(u'&'), u"Cancel"_s) << "a slip of the Return key must not cost a file";
+    click(*box, u"Cancel"_s);
+    EXPECT_EQ(saved, std::nullopt);
+    EXPECT_TRUE(panel->isVisible()) << "for another name";
+    box = ask();
+    ASSERT_NE(box, nullptr);
+    click(*box, u"Replace"_s);
+    EXPECT_EQ(saved, file.fileName());
 }
 
 TEST(ScriptedAlertPresenter, CancelsWhatHasNoAnswer)
