@@ -35,6 +35,12 @@ struct StyleIcon {
     QRgb color;
 };
 
+enum class HasIcon { no, yes };
+
+/// Logical pixels.
+constexpr int narrowestTextField = 260;
+constexpr int widestLine = 760;
+
 /// In the order of AlertStyle.
 constexpr std::array styleIcons = {
     StyleIcon{QMessageBox::Information, "dialog-information"_L1, "info.circle"_L1, 0xFF2F7FD1},
@@ -42,11 +48,13 @@ constexpr std::array styleIcons = {
     StyleIcon{QMessageBox::Critical, "dialog-error"_L1, "xmark.octagon"_L1, 0xFFC9302C},
 };
 
-void setStyle(QMessageBox &box, AlertStyle style)
+void setStyle(QMessageBox &box, AlertStyle style, HasIcon hasIcon)
 {
     const StyleIcon &row = styleIcons[size_t(style)];
     box.setIcon(row.icon);
-    if (!QIcon::hasThemeIcon(row.themeIcon)) {
+    if (hasIcon == HasIcon::no) {
+        box.setIconPixmap({});
+    } else if (!QIcon::hasThemeIcon(row.themeIcon)) {
         const int side = box.style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, &box);
         box.setIconPixmap(symbolIcon(row.symbol, QColor::fromRgba(row.color)).pixmap({side, side}, box.devicePixelRatioF()));
     }
@@ -74,6 +82,16 @@ QMessageBox::ButtonRole roleOf(AlertButtonRole role)
 QString asPlainText(QString text)
 {
     return text.remove(QChar(u'\0'));
+}
+
+/// A text that has lines of its own, such as a list, is not broken elsewhere if that can be helped.
+void keepLines(const QMessageBox &box)
+{
+    auto *text = box.findChild<QLabel *>(u"qt_msgbox_informativelabel"_s);
+    if (text && text->text().contains(u'\n')) {
+        const int widest = std::min(widestLine, box.screen()->availableSize().width() * 3 / 4);
+        text->setMinimumWidth(std::min(text->fontMetrics().size(0, text->text()).width() + 1, widest));
+    }
 }
 
 /// Adds the buttons; answers with them in the order of the alert, which is not the order in which the desktop lays them out.
@@ -104,6 +122,7 @@ QLineEdit *addTextField(QMessageBox &box, const Alert::TextField &field)
     auto *edit = new QLineEdit(field.text, &box);
     edit->setPlaceholderText(field.placeholder);
     edit->setAccessibleName(field.placeholder);
+    edit->setMinimumWidth(narrowestTextField);
     edit->selectAll();
     auto *grid = qobject_cast<QGridLayout *>(box.layout());
     const int buttonRow = grid->rowCount() - 1;
@@ -118,6 +137,13 @@ QLineEdit *addTextField(QMessageBox &box, const Alert::TextField &field)
             buttons = grid->takeAt(index);
             break;
         }
+    }
+    // Above the field that it names, not where it would stand beside a picture.
+    if (auto *message = box.findChild<QLabel *>(u"qt_msgbox_label"_s)) {
+        message->setIndent(0);
+        message->setContentsMargins({});
+        grid->removeWidget(message);
+        grid->addWidget(message, 0, 0, 1, grid->columnCount());
     }
     grid->addWidget(edit, buttonRow, 0, 1, grid->columnCount());
     if (buttons) {
@@ -175,12 +201,14 @@ void WidgetAlertPresenter::present(const Alert &alert, QWidget *window, AlertCom
 {
     auto *box = new QMessageBox(window);
     box->setText(asPlainText(alert.messageText));
-    setStyle(*box, alert.style);
+    // What asks for a line to fill in tells nothing.
+    setStyle(*box, alert.style, alert.textField ? HasIcon::no : HasIcon::yes);
     box->setInformativeText(asPlainText(alert.informativeText));
     // The box itself would have it for the first text only.
     for (QLabel *label : box->findChildren<QLabel *>()) {
         label->setTextFormat(Qt::PlainText);
     }
+    keepLines(*box);
     const QList<QAbstractButton *> buttons = addButtons(*box, alert);
     const QLineEdit *edit = alert.textField ? addTextField(*box, *alert.textField) : nullptr;
     const int cancelAnswer = alert.cancelAnswer();

@@ -128,6 +128,8 @@ TEST(WidgetAlertPresenter, AsksForALineOfText)
     EXPECT_EQ(box->focusWidget(), edit);
     EXPECT_EQ(edit->placeholderText(), u"Line number"_s);
     EXPECT_EQ(QAccessible::queryAccessibleInterface(edit)->text(QAccessible::Name), u"Line number"_s);
+    const auto *message = box->findChild<QLabel *>(u"qt_msgbox_label"_s);
+    EXPECT_EQ(message->mapTo(box, message->contentsRect().topLeft()).x(), edit->mapTo(box, QPoint()).x()) << "the title is in line";
     for (const QAbstractButton *button : box->buttons()) {
         EXPECT_GT(button->mapTo(box, QPoint()).y(), edit->mapTo(box, QPoint()).y()) << "the buttons come last";
     }
