@@ -62,6 +62,21 @@ void name(QToolButton *button, const QString &title, const QString &key)
     button->setToolTip(u"%1 (%2)"_s.arg(title, key));
 }
 
+/// As far as known: while hits are being counted, seeking may have ended without one.
+bool isNotFound(const TextFinder::Status &status)
+{
+    return status.count ? *status.count == 0 : status.isNotFound;
+}
+
+FindField::State patternState(const TextFinder &finder, const TextFinder::Status &status)
+{
+    if (!finder.patternError().isEmpty()) {
+        return FindField::State::wrong;
+    }
+    const bool isSought = !finder.query().pattern.isEmpty() && !status.progress && !status.replaced;
+    return isSought && isNotFound(status) ? FindField::State::notFound : FindField::State::normal;
+}
+
 } // namespace
 
 FindBar::FindBar(TextFinder &finder, Scheduler &scheduler, QWidget *parent)
@@ -311,6 +326,17 @@ void FindBar::replaceAll()
 
 // What is shown
 
+void FindBar::enableButtons(bool canFind)
+{
+    for (QToolButton *button : {m_previous, m_next, m_replace, m_replaceAll}) {
+        // The focus would go to the button that closes the bar.
+        if (!canFind && button->hasFocus()) {
+            m_pattern->setFocus(Qt::OtherFocusReason);
+        }
+        button->setEnabled(canFind);
+    }
+}
+
 QString FindBar::noteText() const
 {
     const TextFinder::Status status = m_finder.status();
@@ -324,7 +350,7 @@ QString FindBar::noteText() const
     if (m_finder.query().pattern.isEmpty() || !m_finder.patternError().isEmpty()) {
         return {};
     }
-    if (status.count == 0 || (!status.count && status.isNotFound)) {
+    if (isNotFound(status)) {
         return localized(u"Not found");
     }
     if (!status.count) {
@@ -347,12 +373,9 @@ void FindBar::showStatus()
     }
     const TextFinder::Status status = m_finder.status();
     m_pattern->setNote(noteText(), status.hasWrapped ? localized(u"The search went on at the other end of the text.") : QString());
-    m_pattern->setState(m_finder.patternError().isEmpty() ? FindField::State::normal : FindField::State::wrong);
+    m_pattern->setState(patternState(m_finder, status));
     m_replacement->setState(m_finder.replacementError().isEmpty() ? FindField::State::normal : FindField::State::wrong);
-    const bool canFind = !m_finder.query().pattern.isEmpty() && m_finder.patternError().isEmpty();
-    for (QToolButton *button : {m_previous, m_next, m_replace, m_replaceAll}) {
-        button->setEnabled(canFind);
-    }
+    enableButtons(!m_finder.query().pattern.isEmpty() && m_finder.patternError().isEmpty() && (!isNotFound(status) || status.isIncomplete));
     QString message = m_finder.patternError().isEmpty() ? m_finder.replacementError() : m_finder.patternError();
     if (message.isEmpty() && status.isIncomplete) {
         message = localized(u"The expression is too hard for parts of this text. There may be more hits.");

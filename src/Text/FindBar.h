@@ -68,6 +68,8 @@ private:
     void queryEdited();
     void followShared();
     void showStatus();
+    /// Those that go to a hit or replace it.
+    void enableButtons(bool canFind);
     [[nodiscard]] QString noteText() const;
     void showMessage(const QString &message);
     void tintSymbols();

@@ -14,6 +14,7 @@ namespace {
 
 constexpr QColor wrongColor(0xE0, 0x20, 0x20);
 constexpr float wrongShare = 0.22F;
+constexpr float notFoundShare = 0.75F;
 /// Pixels that stay for what is typed.
 constexpr int leastTextWidth = 56;
 constexpr int noteGap = 4;
@@ -78,6 +79,12 @@ void FindField::applyState()
 {
     const QScopedValueRollback<bool> applying(m_isApplyingState, true);
     setPalette({});
+    m_note->setPalette({});
+    if (m_state == State::notFound) {
+        QPalette shown = palette();
+        shown.setColor(QPalette::PlaceholderText, mixed(shown.color(QPalette::Text), wrongColor, notFoundShare));
+        m_note->setPalette(shown);
+    }
     if (m_state == State::wrong) {
         QPalette shown = palette();
         shown.setColor(QPalette::Base, mixed(shown.color(QPalette::Base), wrongColor, wrongShare));
@@ -88,7 +95,7 @@ void FindField::applyState()
 void FindField::changeEvent(QEvent *event)
 {
     QLineEdit::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange && !m_isApplyingState && m_state == State::wrong) {
+    if (event->type() == QEvent::PaletteChange && !m_isApplyingState && m_state != State::normal) {
         applyState();
     }
 }

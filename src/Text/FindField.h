@@ -14,7 +14,8 @@ class FindField final : public QLineEdit {
     Q_OBJECT
 
 public:
-    enum class State { normal, wrong };
+    /// What is not found is told by the colour of the note, what is wrong by that of the field.
+    enum class State { normal, notFound, wrong };
     /// The latest first.
     using History = std::function<QStringList()>;
 

@@ -127,8 +127,12 @@ TEST(FindBar, FindsWhileTypingAndGoesRoundFromHitToHit)
     editor.type(u"x"_s);
     EXPECT_EQ(editor.marked(), "an ant, |a man, an Ant") << "back where it was";
     EXPECT_EQ(editor.note(), u"Not found"_s);
+    EXPECT_EQ(editor.field(0)->state(), FindField::State::notFound);
+    EXPECT_FALSE(editor.button(u"Find Next"_s)->isEnabled()) << "there is nowhere to go";
     editor.key(Qt::Key_Backspace);
     EXPECT_EQ(editor.note(), u"2 of 2"_s);
+    EXPECT_EQ(editor.field(0)->state(), FindField::State::normal);
+    EXPECT_TRUE(editor.button(u"Find Next"_s)->isEnabled());
     EXPECT_EQ(editor.beeps, 0);
 
     editor.key(Qt::Key_Return);
@@ -149,6 +153,19 @@ TEST(FindBar, FindsWhileTypingAndGoesRoundFromHitToHit)
     EXPECT_EQ(editor.note(), u"1 hit"_s);
     editor.storage.replaceCharacters({0, 0}, u"ant "_s);
     EXPECT_EQ(editor.note(), u"2 hits"_s);
+}
+
+TEST(FindBar, ReplacingTheLastHitLeadsBackToTheField)
+{
+    FindState shared;
+    Editor editor(shared, u"|one two"_s);
+    editor.perform(FindAction::showReplaceBar);
+    editor.type(u"two"_s);
+    editor.button(u"Replace"_s)->setFocus();
+    editor.key(Qt::Key_Return);
+    EXPECT_EQ(editor.storage.string(), u"one "_s);
+    EXPECT_FALSE(editor.button(u"Replace"_s)->isEnabled());
+    EXPECT_EQ(editor.window.focusWidget(), editor.field(0)) << "not the button that closes the bar";
 }
 
 TEST(FindBar, SaysWhatIsWrongWithAnExpression)
@@ -187,6 +204,7 @@ TEST(FindBar, SaysWhatIsWrongWithAnExpression)
     editor.field(0)->setText(u"(a+)+$"_s);
     EXPECT_EQ(editor.note(), u"Not found"_s);
     EXPECT_THAT(editor.message().toStdString(), testing::HasSubstr("too hard")) << "so that nobody relies on it";
+    EXPECT_TRUE(editor.button(u"Find Next"_s)->isEnabled());
     editor.field(0)->setText(u"c"_s);
     EXPECT_EQ(editor.message(), QString());
 }
