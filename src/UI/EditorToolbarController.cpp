@@ -7,6 +7,7 @@
 #include "Platform/FirstResponder.h"
 #include "Platform/Localization.h"
 #include "Platform/SymbolIcon.h"
+#include "Platform/Translation.h"
 #include "UI/ToolbarActionItem.h"
 #include "UI/ToolbarCatalogue.h"
 #include "UI/ToolbarStrip.h"
@@ -18,6 +19,7 @@
 #include <QMenuBar>
 #include <QProxyStyle>
 #include <QToolBar>
+#include <QToolButton>
 
 #include <algorithm>
 
@@ -30,6 +32,7 @@ constexpr auto validationInterval = 50ms;
 // Logical pixels.
 constexpr int symbolSideBesideMenus = 18;
 constexpr int symbolSideInRow = 20;
+constexpr int menuExtensionWidth = 24;
 
 /// The window's title as its frame shows it.
 QString titleOf(const QWidget &window)
@@ -41,7 +44,34 @@ QString titleOf(const QWidget &window)
     return title.replace("\n"_L1, "[*]"_L1);
 }
 
-/// Makes the titles of a menu bar as high as the toolbar beside them: else they would stand at the upper edge of their row.
+/// The button for the menus that have no room.
+QToolButton *menuExtension(const QMenuBar &menuBar)
+{
+    return menuBar.findChild<QToolButton *>(u"qt_menubar_ext_button"_s);
+}
+
+/// The toolkit's picture is black on any ground, and nothing tells what the button is for.
+void adornMenuExtension(const QMenuBar &menuBar)
+{
+    if (QToolButton *button = menuExtension(menuBar)) {
+        button->setIcon(symbolIcon(u"chevron.right.2"));
+        const QString name = localized(u"More Menus");
+        button->setToolTip(name);
+        button->setAccessibleName(name);
+    }
+}
+
+/// Gives a menu bar with its button a style of its own; null gives them the program's back.
+void setStyle(QMenuBar &menuBar, QStyle *style)
+{
+    menuBar.setStyle(style);
+    if (QToolButton *button = menuExtension(menuBar)) {
+        button->setStyle(style);
+    }
+}
+
+/// Makes the titles of a menu bar as high as the toolbar beside them: else they would stand at the upper edge of their row. The button for
+/// those that have no room is made as wide as its symbol.
 class TitleStyle final : public QProxyStyle {
 public:
     TitleStyle(int height, QObject *owner) : QProxyStyle(QApplication::style()->name()), m_height(height) { setParent(owner); }
@@ -51,6 +81,12 @@ public:
     {
         const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
         return type == CT_MenuBarItem ? size.expandedTo({0, m_height}) : size;
+    }
+
+    [[nodiscard]] int pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const override
+    {
+        const int length = QProxyStyle::pixelMetric(metric, option, widget);
+        return metric == PM_ToolBarExtensionExtent ? std::max(length, menuExtensionWidth) : length;
     }
 
 private:
@@ -92,6 +128,7 @@ QWidget *EditorToolbarController::entry() const
 void EditorToolbarController::apply()
 {
     removeStrip();
+    adornMenuExtension(*m_window.menuBar());
     if (m_services.preferences.toolbarStyle() == ToolbarStyle::hidden) {
         return;
     }
@@ -121,7 +158,7 @@ void EditorToolbarController::removeStrip()
     }
     if (m_window.menuBar()->cornerWidget() == m_strip) {
         m_window.menuBar()->setCornerWidget(nullptr);
-        m_window.menuBar()->setStyle(nullptr);
+        setStyle(*m_window.menuBar(), nullptr);
     }
     // One of the buttons may be what led here.
     m_strip->hide();
@@ -138,7 +175,7 @@ void EditorToolbarController::installStrip()
 {
     if (m_services.preferences.toolbarStyle() == ToolbarStyle::combined) {
         m_strip->setRoomBeside(*m_window.menuBar());
-        m_window.menuBar()->setStyle(new TitleStyle(m_strip->sizeHint().height(), m_strip));
+        setStyle(*m_window.menuBar(), new TitleStyle(m_strip->sizeHint().height(), m_strip));
         m_window.menuBar()->setCornerWidget(m_strip);
     } else {
         m_bar = new QToolBar;

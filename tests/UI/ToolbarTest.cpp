@@ -17,6 +17,7 @@
 #include <QMenuBar>
 #include <QTest>
 #include <QToolBar>
+#include <QToolButton>
 
 #include <gtest/gtest.h>
 
@@ -332,6 +333,15 @@ TEST_F(ToolbarTest, PutsWhatDoesNotFitIntoAMenu)
     }
     window.resize(300, 300);
     configure(ToolbarStyle::combined, {u"open"_s, u"find"_s, u"trash"_s, u"save"_s});
+    for (const QString &title : {u"Navigate"_s, u"Editor"_s, u"Help"_s}) {
+        window.menuBar()->addMenu(title);
+    }
+    settle();
+    const auto *menus = window.menuBar()->findChild<QToolButton *>(u"qt_menubar_ext_button"_s);
+    ASSERT_TRUE(menus && menus->isVisible());
+    EXPECT_EQ(menus->accessibleName(), u"More Menus"_s);
+    EXPECT_GE(menus->width(), menus->iconSize().width()) << "cut off, it would be half an arrow";
+    EXPECT_LE(menus->geometry().right(), controller->strip()->x());
     openedExtension().actions().last()->trigger();
     EXPECT_EQ(text->done, u"save "_s);
 }
