@@ -21,6 +21,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize startSize(1040, 700);
+/// Logical pixels, enough for the frame of any window manager, which is not known before the window is shown.
+constexpr QSize frameRoom(16, 48);
 constexpr QSize leastSize(480, 300);
 constexpr auto frameKey = "window.frame.QuilletMainWindow"_L1;
 
@@ -108,7 +110,7 @@ void MainWindowController::restoreFrame()
         size = {sides[0].toInt(), sides[1].toInt()};
     }
     const QScreen *shown = screen();
-    resize(size.boundedTo(shown ? shown->availableSize() : size).expandedTo(leastSize));
+    resize(size.boundedTo(shown ? shown->availableSize() - frameRoom : size).expandedTo(leastSize));
 }
 
 void MainWindowController::performZoom()
