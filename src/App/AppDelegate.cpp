@@ -26,7 +26,7 @@ QString withUnbrokenItems(const QString &text)
     constexpr QChar noBreakSpace(0x00A0);
     QStringList items = text.split(u" · "_s);
     for (QString &item : items) {
-        item.replace(u' ', noBreakSpace).replace(u'-', u"-\u2060"_s);
+        item.replace(u' ', noBreakSpace).replace(u'-', u"-\u2060"_s).replace(u'+', u"+\u2060"_s);
     }
     return items.join(noBreakSpace + u"· "_s);
 }
