@@ -32,7 +32,7 @@ constexpr auto validationInterval = 50ms;
 // Logical pixels.
 constexpr int symbolSideBesideMenus = 18;
 constexpr int symbolSideInRow = 20;
-constexpr int menuExtensionWidth = 24;
+constexpr int menuExtensionWidth = 15;
 
 /// The window's title as its frame shows it.
 QString titleOf(const QWidget &window)
@@ -54,7 +54,9 @@ QToolButton *menuExtension(const QMenuBar &menuBar)
 void adornMenuExtension(const QMenuBar &menuBar)
 {
     if (QToolButton *button = menuExtension(menuBar)) {
-        button->setIcon(symbolIcon(u"chevron.right.2"));
+        // Another than that of the toolbar's button beside it; small, since a title more may stand here.
+        button->setIcon(symbolIcon(u"chevron.down"));
+        button->setIconSize({menuExtensionWidth, menuExtensionWidth});
         const QString name = localized(u"More Menus");
         button->setToolTip(name);
         button->setAccessibleName(name);
