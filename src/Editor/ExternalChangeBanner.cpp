@@ -19,6 +19,9 @@ namespace {
 constexpr quint32 lightYellow = 0xFFFFCC00;
 constexpr quint32 darkYellow = 0xFFFFD60A;
 constexpr int leastHeight = 32;
+/// A sentence that is shortened to less says too little.
+constexpr int leastSentenceWidth = 320;
+constexpr int spacing = 8;
 
 struct ButtonRow {
     QStringView title;
@@ -51,13 +54,33 @@ const StateRow *rowOf(TextDocument::ExternalState state)
 } // namespace
 
 ExternalChangeBanner::ExternalChangeBanner(QWidget *parent)
-    : QWidget(parent), m_stack(new QHBoxLayout(this)), m_label(new ElidedLabel(Qt::ElideMiddle, this))
+    : QWidget(parent), m_stack(new QHBoxLayout(this)), m_buttonStack(new QHBoxLayout), m_label(new ElidedLabel(Qt::ElideMiddle, this))
 {
     setAutoFillBackground(true);
     setMinimumHeight(leastHeight);
     m_stack->setContentsMargins(12, 6, 12, 6);
-    m_stack->setSpacing(8);
+    m_stack->setSpacing(spacing);
     m_stack->addWidget(m_label, 1);
+    m_stack->addLayout(m_buttonStack);
+}
+
+void ExternalChangeBanner::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    arrange();
+}
+
+void ExternalChangeBanner::arrange()
+{
+    const QMargins margins = m_stack->contentsMargins();
+    const int room = width() - margins.left() - margins.right();
+    int buttons = -spacing;
+    for (const QPushButton *button : m_buttons) {
+        buttons += spacing + button->sizeHint().width();
+    }
+    const int sentence = std::min(m_label->sizeHint().width(), leastSentenceWidth);
+    m_stack->setDirection(sentence + spacing + buttons <= room ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    m_buttonStack->setDirection(buttons <= room ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
 }
 
 void ExternalChangeBanner::configure(TextDocument::ExternalState state, const QString &filename)
@@ -84,6 +107,7 @@ void ExternalChangeBanner::configure(TextDocument::ExternalState state, const QS
     if (m_label->text() != sentence) {
         m_label->setText(sentence);
         setAccessibleName(sentence);
+        arrange();
         QAccessibleEvent announcement(this, QAccessible::Alert);
         QAccessible::updateAccessibility(&announcement);
     }
@@ -98,7 +122,7 @@ void ExternalChangeBanner::addButton(const QString &title, std::function<void()>
             (this->*callback)();
         }
     });
-    m_stack->addWidget(button);
+    m_buttonStack->addWidget(button);
     m_buttons.push_back(button);
 }
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 class ElidedLabel;
-class QHBoxLayout;
+class QBoxLayout;
 class QPushButton;
 struct Theme;
 
@@ -30,10 +30,16 @@ public:
     void configure(TextDocument::ExternalState state, const QString &filename);
     void applyTheme(const Theme &theme);
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     void addButton(const QString &title, std::function<void()> ExternalChangeBanner::*callback);
+    /// Where sentence or buttons would be cut off beside each other, they stand below each other.
+    void arrange();
 
-    QHBoxLayout *m_stack;
+    QBoxLayout *m_stack;
+    QBoxLayout *m_buttonStack;
     ElidedLabel *m_label;
     std::vector<QPushButton *> m_buttons;
 };

@@ -218,6 +218,19 @@ TEST_F(EditorTest, TheBannerSaysWhatHappenedAndDoesItsWork)
     ASSERT_TRUE(banner(*editor));
     EXPECT_EQ(banner(*editor)->accessibleName(), u"“a.c” changed on disk and has unsaved edits here."_s);
     const QPointer<QPushButton> keep = button(*editor, u"Keep Mine"_s);
+    const QPushButton *reload = button(*editor, u"Reload from Disk"_s);
+    const QSize usual = editor->size();
+    for (const int width : {170, 330, 800}) {
+        editor->resize(width, 300);
+        pass(Scheduler::Milliseconds(100));
+        for (const QPushButton *shown : {static_cast<const QPushButton *>(keep), reload}) {
+            EXPECT_GE(shown->width(), shown->sizeHint().width()) << "cut off at " << width;
+            EXPECT_TRUE(banner(*editor)->rect().contains({shown->mapTo(banner(*editor), QPoint()), shown->size()})) << width;
+        }
+        const bool isBeside = banner(*editor)->height() < 2 * keep->height();
+        EXPECT_EQ(isBeside, width == 800) << width << ": the sentence would be too short to tell what happened";
+    }
+    editor->resize(usual);
     keep->setFocus();
     text.storage().replaceCharacters({0, 2}, u"My");
     write("their other version");
