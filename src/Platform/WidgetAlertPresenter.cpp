@@ -39,6 +39,7 @@ enum class HasIcon { no, yes };
 
 /// Logical pixels.
 constexpr int narrowestTextField = 260;
+constexpr int usualLine = 360;
 constexpr int widestLine = 760;
 
 /// In the order of AlertStyle.
@@ -84,14 +85,17 @@ QString asPlainText(QString text)
     return text.remove(QChar(u'\0'));
 }
 
-/// A text that has lines of its own, such as a list, is not broken elsewhere if that can be helped.
-void keepLines(const QMessageBox &box)
+/// Keeps the text from being broken after a few words; one that has lines of its own, such as a list, from being broken at all if that
+/// can be helped.
+void widenText(const QMessageBox &box)
 {
     auto *text = box.findChild<QLabel *>(u"qt_msgbox_informativelabel"_s);
-    if (text && text->text().contains(u'\n')) {
-        const int widest = std::min(widestLine, box.screen()->availableSize().width() * 3 / 4);
-        text->setMinimumWidth(std::min(text->fontMetrics().size(0, text->text()).width() + 1, widest));
+    if (!text) {
+        return;
     }
+    const bool hasLines = text->text().contains(u'\n');
+    const int widest = std::min(hasLines ? widestLine : usualLine, box.screen()->availableSize().width() * 3 / 4);
+    text->setMinimumWidth(std::min(text->fontMetrics().size(0, text->text()).width() + 1, widest));
 }
 
 /// Adds the buttons; answers with them in the order of the alert, which is not the order in which the desktop lays them out.
@@ -208,7 +212,7 @@ void WidgetAlertPresenter::present(const Alert &alert, QWidget *window, AlertCom
     for (QLabel *label : box->findChildren<QLabel *>()) {
         label->setTextFormat(Qt::PlainText);
     }
-    keepLines(*box);
+    widenText(*box);
     const QList<QAbstractButton *> buttons = addButtons(*box, alert);
     const QLineEdit *edit = alert.textField ? addTextField(*box, *alert.textField) : nullptr;
     const int cancelAnswer = alert.cancelAnswer();
