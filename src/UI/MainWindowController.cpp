@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDialog>
+#include <QMenuBar>
 #include <QScreen>
 #include <QShortcut>
 
@@ -54,6 +55,7 @@ MainWindowController::MainWindowController(const WorkspaceServices &services, Wo
     connect(m_workspace, &WorkspaceViewController::currentDocumentChanged, m_toolbar, &EditorToolbarController::validateSoon);
     connect(new QShortcut(Qt::Key_F6, this), &QShortcut::activated, this, [this] { focusNextRegion(1); });
     connect(new QShortcut(Qt::SHIFT | Qt::Key_F6, this), &QShortcut::activated, this, [this] { focusNextRegion(-1); });
+    connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this, &MainWindowController::openFirstMenu);
     m_workspace->addPane({}, 0);
     if (content == Content::untitledTab) {
         m_workspace->openUntitled();
@@ -148,9 +150,19 @@ void MainWindowController::focusNextRegion(int step)
     const auto start = here == all.end() ? -step : here - all.begin();
     for (std::ptrdiff_t tried = 1; tried <= count; ++tried) {
         if (QWidget *target = firstStop(*all[size_t((start + (step * tried) % count + count) % count)])) {
+            // As after the Tab key, else some styles do not show where the focus is.
+            setAttribute(Qt::WA_KeyboardFocusChange);
             target->setFocus(Qt::TabFocusReason);
             return;
         }
+    }
+}
+
+void MainWindowController::openFirstMenu()
+{
+    const QList<QAction *> menus = menuBar()->actions();
+    if (!menus.isEmpty()) {
+        menuBar()->setActiveAction(menus.first());
     }
 }
 

@@ -54,6 +54,8 @@ private:
     void toggleFullScreen();
     /// F6: from the text to a banner above it, the tabs, the status bar and the toolbar, and round again.
     void focusNextRegion(int step);
+    /// F10, as in other programs.
+    void openFirstMenu();
     [[nodiscard]] std::vector<QWidget *> regions() const;
 
     WorkspaceServices m_services;

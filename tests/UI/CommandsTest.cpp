@@ -320,6 +320,11 @@ TEST_F(CommandsTest, BarsThatHaveTheFocusActOnTheText)
         QTest::keyClick(window().focusWidget(), Qt::Key_Escape);
         EXPECT_TRUE(textView().hasFocus()) << steps;
     }
+    QTest::keySequence(&textView(), QKeySequence(Qt::Key_F10));
+    QWidget *menu = QApplication::activePopupWidget();
+    ASSERT_TRUE(menu);
+    EXPECT_EQ(menu, window().menuBar()->actions().first()->menu());
+    menu->close();
 }
 
 TEST(MainMenu, KeysAreTheirOwnAndCommandsKnown)
