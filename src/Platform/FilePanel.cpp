@@ -78,9 +78,10 @@ void FilePanel::adorn()
 
 void FilePanel::accept()
 {
-    const QStringList paths = selectedFiles();
-    if (m_isOwn && acceptMode() == AcceptSave && !paths.isEmpty() && QFileInfo(paths.first()).isFile()) {
-        askToReplace(QFileInfo(paths.first()).fileName());
+    const QFileInfo chosen(selectedFiles().value(0));
+    // A folder is opened.
+    if (m_isOwn && acceptMode() == AcceptSave && chosen.exists() && !chosen.isDir()) {
+        askToReplace(chosen.fileName());
     } else {
         QFileDialog::accept();
     }
