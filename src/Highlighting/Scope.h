@@ -5,7 +5,6 @@
 #include <QStringView>
 
 #include <array>
-#include <optional>
 
 /// What a piece of text is, as far as its colour goes. The set is closed: rules name a scope, themes give each of them a look.
 enum class Scope {
@@ -68,14 +67,4 @@ static_assert([] {
 [[nodiscard]] constexpr QStringView rawValue(Scope scope)
 {
     return scopes[size_t(scope)].rawValue;
-}
-
-[[nodiscard]] constexpr std::optional<Scope> scopeWithRawValue(QStringView rawValue)
-{
-    for (const ScopeRow &row : scopes) {
-        if (row.rawValue == rawValue) {
-            return row.scope;
-        }
-    }
-    return std::nullopt;
 }

@@ -111,7 +111,7 @@ RegularExpression::RegularExpression(URegularExpression *expression, Limits limi
 
 RegularExpression::RegularExpression(RegularExpression &&other) noexcept
     : m_expression(std::exchange(other.m_expression, nullptr)), m_limits(other.m_limits), m_groupCount(other.m_groupCount),
-      m_limitHits(other.m_limitHits), m_searched(other.m_searched), m_isSearching(std::exchange(other.m_isSearching, false))
+      m_limitHits(other.m_limitHits), m_isSearching(std::exchange(other.m_isSearching, false))
 {}
 
 RegularExpression &RegularExpression::operator=(RegularExpression &&other) noexcept
@@ -120,7 +120,6 @@ RegularExpression &RegularExpression::operator=(RegularExpression &&other) noexc
     m_limits = other.m_limits;
     m_groupCount = other.m_groupCount;
     m_limitHits = other.m_limitHits;
-    m_searched = other.m_searched;
     m_isSearching = std::exchange(other.m_isSearching, false);
     return *this;
 }
@@ -141,7 +140,6 @@ RegularExpression RegularExpression::clone() const
 void RegularExpression::begin(QStringView text, TextRange range, Bounds bounds)
 {
     Q_ASSERT(range.location >= 0 && range.length >= 0 && range.end() <= text.size());
-    m_searched = range;
     if (text.size() > engineMaximum) {
         // Beyond what the engine can address.
         m_isSearching = false;
@@ -153,18 +151,7 @@ void RegularExpression::begin(QStringView text, TextRange range, Bounds bounds)
     uregex_useAnchoringBounds(m_expression, bounds.areAnchoring, &status);
     uregex_useTransparentBounds(m_expression, bounds.areTransparent, &status);
     uregex_setTimeLimit(m_expression, m_limits.ticks + int32_t(range.length / std::max(1, m_limits.unitsPerExtraTick)), &status);
-    m_isSearching = U_SUCCESS(status);
-    continueAt(range.location);
-}
-
-void RegularExpression::continueAt(qsizetype location)
-{
-    Q_ASSERT(location >= m_searched.location && location <= m_searched.end());
-    if (!m_isSearching) {
-        return;
-    }
-    UErrorCode status = U_ZERO_ERROR;
-    uregex_setRegionAndStart(m_expression, m_searched.location, m_searched.end(), location, &status);
+    uregex_setRegion64(m_expression, range.location, range.end(), &status);
     m_isSearching = U_SUCCESS(status);
 }
 
@@ -211,12 +198,6 @@ std::optional<RegularExpression::Match> RegularExpression::firstMatch(QStringVie
         return std::nullopt;
     }
     return match();
-}
-
-bool RegularExpression::hitEnd() const
-{
-    UErrorCode status = U_ZERO_ERROR;
-    return uregex_hitEnd(m_expression, &status);
 }
 
 QString RegularExpression::replacement(const Match &match, QStringView text, QStringView format)
@@ -270,18 +251,6 @@ QString RegularExpression::escapedPattern(QStringView text)
     QString result;
     for (const QChar unit : text) {
         if (u"\\*?+[](){}^$|./"_s.contains(unit)) {
-            result += u'\\';
-        }
-        result += unit;
-    }
-    return result;
-}
-
-QString RegularExpression::escapedFormat(QStringView text)
-{
-    QString result;
-    for (const QChar unit : text) {
-        if (unit == u'\\' || unit == u'$') {
             result += u'\\';
         }
         result += unit;

@@ -81,8 +81,6 @@ public:
     void begin(QStringView text, TextRange range, Bounds bounds);
     /// Goes on to the next match, which never overlaps the one before; false when there is none.
     [[nodiscard]] bool findNext();
-    /// Goes on at `location`, inside the range, with an allowance as at the beginning.
-    void continueAt(qsizetype location);
     /// The match that `findNext` found last. Valid until the next call of it.
     [[nodiscard]] TextRange range() const { return *group(0); }
     [[nodiscard]] std::optional<TextRange> group(int number) const;
@@ -107,8 +105,6 @@ public:
     [[nodiscard]] std::optional<Match> firstMatch(QStringView text, TextRange range) { return firstMatch(text, range, Bounds{}); }
     [[nodiscard]] std::optional<Match> firstMatch(QStringView text) { return firstMatch(text, {0, text.size()}); }
 
-    /// True when the last `findNext` looked at the end of the range: more text there could have changed its outcome.
-    [[nodiscard]] bool hitEnd() const;
     /// Searches of this object that were given up so far.
     [[nodiscard]] int limitHits() const { return m_limitHits; }
 
@@ -120,8 +116,6 @@ public:
 
     /// A pattern that matches `text` itself.
     [[nodiscard]] static QString escapedPattern(QStringView text);
-    /// A format of `replacement` that gives `text` itself.
-    [[nodiscard]] static QString escapedFormat(QStringView text);
 
 private:
     RegularExpression(URegularExpression *expression, Limits limits, int groupCount);
@@ -130,7 +124,6 @@ private:
     Limits m_limits;
     int m_groupCount = 0;
     int m_limitHits = 0;
-    TextRange m_searched;
     /// The engine has a text and its last call did not fail.
     bool m_isSearching = false;
 };

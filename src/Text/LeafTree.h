@@ -113,7 +113,6 @@ public:
 
     [[nodiscard]] const Summary &summary() const { return m_root.summary; }
     [[nodiscard]] bool isEmpty() const { return !m_root; }
-    [[nodiscard]] bool isOneLeaf() const { return m_root && m_root.node->level == 0; }
     [[nodiscard]] bool sharesRootWith(const LeafTree &other) const { return m_root.node == other.m_root.node; }
 
     /// The first leaf by whose end `reached(sum)` holds, else the last one; `before` becomes the sum of what stands left of it.
@@ -169,7 +168,7 @@ private:
     static const Leaf &edgeLeaf(const Branch &branch, Side side);
     template<class Change>
     static void changeLeaf(Branch &branch, qsizetype offset, Side side, Change &change, Branches &more);
-    static bool check(const Branch &branch, bool isRoot, const Leaf *&previous);
+    static bool check(const Branch &branch, int fewestChildren, const Leaf *&previous);
     /// The child that `offset` falls into; `offset` becomes the offset in it.
     static int childAt(const Inner &node, qsizetype &offset, Side side)
     {

@@ -304,11 +304,11 @@ template<class Traits>
 bool LeafTree<Traits>::checkInvariants() const
 {
     const Leaf *previous = nullptr;
-    return !m_root || check(m_root, true, previous);
+    return !m_root || check(m_root, 2, previous);
 }
 
 template<class Traits>
-bool LeafTree<Traits>::check(const Branch &branch, bool isRoot, const Leaf *&previous)
+bool LeafTree<Traits>::check(const Branch &branch, int fewestChildren, const Leaf *&previous)
 {
     if (branch.node->level == 0) {
         const Leaf &leaf = branch.leaf();
@@ -318,13 +318,13 @@ bool LeafTree<Traits>::check(const Branch &branch, bool isRoot, const Leaf *&pre
         return isFit && fitsBefore;
     }
     const Inner &node = *inner(branch);
-    if (node.childCount > fanout || node.childCount < (isRoot ? 2 : fanout / 2) || !(branch.summary == node.total()))
+    if (node.childCount > fanout || node.childCount < fewestChildren || !(branch.summary == node.total()))
         return false;
     for (int i = 0; i < node.childCount; ++i) {
         if (node.nodes[i]->level != node.level - 1)
             return false;
         Branch child(node.nodes[i], node.sums[i]);
-        const bool isSound = check(child, false, previous);
+        const bool isSound = check(child, fanout / 2, previous);
         child.node = nullptr;
         if (!isSound)
             return false;

@@ -73,7 +73,6 @@ public:
     /// The attribute sets that style ids of this storage stand for.
     [[nodiscard]] StyleTable &styles() { return m_styles; }
     [[nodiscard]] const StyleTable &styles() const { return m_styles; }
-    [[nodiscard]] const StyleRuns &styleRuns() const { return m_runs; }
     /// `offset` must be below `length()`.
     [[nodiscard]] StyleId styleAt(qsizetype offset) const { return m_runs.styleAt(offset); }
     /// Calls `visit` for the runs in `range`, cut to it, neighbours differing.

@@ -20,7 +20,7 @@ enum class GroupKind { typing, deletingBackward, deletingForward, other };
 /// It records whatever is replaced in its storage. Edits inside beginGroup() … endGroup() belong to that group, those of a batch outside
 /// any to one of their own. Groups of the same view and kind that follow each other within a second, each beginning where the last ended,
 /// become one, unless breakCoalescing() came between them. The text that groups keep shares leaves with the document; a group of many
-/// edits is kept as the stretch around them before and after. When the groups keep more than `unitLimit()` units, the oldest go.
+/// edits is kept as the stretch around them before and after. When the groups keep more units than the limit, the oldest go.
 class UndoManager final : public QObject, private EditRecorder {
     Q_OBJECT
 
@@ -52,8 +52,8 @@ public:
     void markSavePoint();
     [[nodiscard]] bool isAtSavePoint() const { return m_savePoint == m_done; }
 
-    /// How many UTF-16 code units of removed and inserted text are kept at most; the last group is kept whatever its size.
-    [[nodiscard]] qsizetype unitLimit() const { return m_unitLimit; }
+    /// How many UTF-16 code units of removed and inserted text are kept at most, 256 Mi without a call; the last group is kept whatever
+    /// its size.
     void setUnitLimit(qsizetype limit);
 
     /// While it lives edits are not recorded. The groups recorded before do not fit the text after such an edit, so they go with it, and
