@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Model/DocumentStore.h"
 
+#include "Model/Preferences.h"
 #include "Platform/DefaultsStore.h"
-
-using namespace Qt::StringLiterals;
 
 DocumentStore::DocumentStore(const DocumentServices &services, AppearanceQuery appearance)
     : m_services(services), m_appearance(std::move(appearance))
@@ -12,7 +11,8 @@ DocumentStore::DocumentStore(const DocumentServices &services, AppearanceQuery a
 
 const Theme &DocumentStore::theme() const
 {
-    return Theme::resolved(m_services.defaults.string("editor.themeName"_L1), m_appearance ? m_appearance() : std::nullopt);
+    return Theme::resolved(m_services.defaults.string(Preferences::row(Preference::themeName).key),
+                           m_appearance ? m_appearance() : std::nullopt);
 }
 
 TextDocument &DocumentStore::add(std::unique_ptr<TextDocument> document)

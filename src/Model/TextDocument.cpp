@@ -3,6 +3,7 @@
 #include "Model/TextDocument.h"
 
 #include "Highlighting/LanguageRegistry.h"
+#include "Model/Preferences.h"
 #include "Model/SaveTransformation.h"
 #include "Model/TextHash.h"
 #include "Platform/DefaultsStore.h"
@@ -248,11 +249,16 @@ Language TextDocument::detectedLanguage() const
 
 // Saving and reading
 
+bool TextDocument::isOn(Preference preference) const
+{
+    return m_services.defaults.boolean(Preferences::row(preference).key);
+}
+
 void TextDocument::transformForSaving()
 {
-    const SaveTransformation transformation = saveTransformation(
-        m_storage.text(), {.trimsTrailingWhitespace = m_services.defaults.boolean("editor.trimTrailingWhitespaceOnSave"_L1),
-                           .ensuresTrailingNewline = m_services.defaults.boolean("editor.ensureTrailingNewlineOnSave"_L1)});
+    const SaveTransformation transformation =
+        saveTransformation(m_storage.text(), {.trimsTrailingWhitespace = isOn(Preference::trimTrailingWhitespaceOnSave),
+                                              .ensuresTrailingNewline = isOn(Preference::ensureTrailingNewlineOnSave)});
     if (transformation.isNeeded()) {
         m_undoManager.breakCoalescing();
         m_storage.replaceCharacters(transformation.range, transformation.replacement);
@@ -470,7 +476,7 @@ void TextDocument::applyReading(std::optional<FileReading> reading)
         setDirty(false);
         return;
     }
-    if (!m_isDirty && m_services.defaults.boolean("watch.reloadClean"_L1)) {
+    if (!m_isDirty && isOn(Preference::reloadCleanFilesAutomatically)) {
         reload(*reading);
         return;
     }

@@ -20,6 +20,7 @@
 #include <optional>
 
 class DefaultsStore;
+enum class Preference;
 
 /// What documents use; must outlive them.
 struct DocumentServices {
@@ -141,6 +142,7 @@ private:
     void setDirty(bool isDirty);
     void postMetadata() const;
 
+    [[nodiscard]] bool isOn(Preference preference) const;
     void transformForSaving();
     void replaceText(const Rope &text, const TextChange &difference);
     void agreeWithFile(std::optional<quint64> hash = {});
