@@ -20,7 +20,7 @@ constexpr qsizetype firstLineReach = 512;
 // Colouring works on whole lines; one of megabytes would hold up the keys for half a second after each pause.
 constexpr qsizetype longestColouredLine = 1'000'000;
 
-/// Where two texts begin to differ and where they end to, so that a reload leaves carets and colours alone that stand elsewhere.
+/// Where two texts begin to differ and where they end to, so that a reload leaves carets alone that stand elsewhere.
 TextChange differenceOf(const Rope &before, const Rope &after)
 {
     const qsizetype shorter = std::min(before.length(), after.length());
