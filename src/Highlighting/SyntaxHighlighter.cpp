@@ -16,22 +16,6 @@ namespace {
 /// start cuts the window short, it reaches further down instead.
 constexpr qsizetype spanMargin = 0x20000;
 
-TextRange intersection(TextRange a, TextRange b)
-{
-    const qsizetype from = std::max(a.location, b.location);
-    return TextRange::between(from, std::max(from, std::min(a.end(), b.end())));
-}
-
-TextRange hull(TextRange a, TextRange b)
-{
-    return TextRange::between(std::min(a.location, b.location), std::max(a.end(), b.end()));
-}
-
-bool contains(TextRange outer, TextRange inner)
-{
-    return outer.location <= inner.location && inner.end() <= outer.end();
-}
-
 bool isSwitchedOff(const RegularExpression &regex)
 {
     return regex.limitHits() >= SyntaxHighlighter::mostGivenUp;
@@ -44,7 +28,7 @@ class SyntaxHighlighter::Excerpt {
 public:
     void load(const Rope &text, TextRange range)
     {
-        if (m_units && contains(m_range, range)) {
+        if (m_units && m_range.contains(range)) {
             return;
         }
         m_units = std::make_unique_for_overwrite<char16_t[]>(size_t(range.length));
@@ -203,7 +187,7 @@ void SyntaxHighlighter::ensureHighlighted(TextRange range)
     const auto stretch = TextRange::between(first * chunkSize, std::min((last + 1) * chunkSize, m_storage.length()));
     std::vector<TextRange> outdated;
     const TextRange done = highlight(stretch, outdated);
-    markFresh(stretch, hull(stretch, done));
+    markFresh(stretch, stretch.united(done));
     markStale(outdated, done);
 }
 
@@ -215,7 +199,7 @@ void SyntaxHighlighter::noteEdit(TextStorage::EditMask mask, TextRange range, qs
     m_spansAreStale = true;
     const Edit edit{range.location, range.length - changeInLength, range.length};
     const Edit known = m_editSinceSpans.value_or(Edit{edit.location, 0, 0});
-    const TextRange both = hull({known.location, known.inserted}, {edit.location, edit.removed});
+    const TextRange both = TextRange{known.location, known.inserted}.united({edit.location, edit.removed});
     m_editSinceSpans = {both.location, both.length - known.inserted + known.removed, both.length - edit.removed + edit.inserted};
     addUncoloured(edit);
     m_freshChunks.resize(std::min(m_freshChunks.size(), size_t(range.location / chunkSize)));
@@ -237,7 +221,7 @@ void SyntaxHighlighter::addUncoloured(const Edit &edit)
     const qsizetype change = edit.inserted - edit.removed;
     UncolouredEdit all{{edit.location, edit.removed}, end, edit.location % chunkSize == 0 || isFresh(chunk)};
     if (const auto &before = m_uncolouredEdit) {
-        all.range = hull(before->range, all.range);
+        all.range = before->range.united(all.range);
         all.knownEnd = std::max(before->knownEnd, end);
         if (chunk >= before->range.location / chunkSize) {
             all.isKnownBefore = before->isKnownBefore;
@@ -262,7 +246,7 @@ void SyntaxHighlighter::rehighlightEdit()
     std::vector<TextRange> outdated;
     const TextRange done = highlight(range, outdated);
     const qsizetype knownFrom = edit->isKnownBefore ? range.location / chunkSize * chunkSize : range.location;
-    markFresh(range, hull(done, TextRange::between(knownFrom, std::max(edit->knownEnd, range.end()))));
+    markFresh(range, done.united(TextRange::between(knownFrom, std::max(edit->knownEnd, range.end()))));
     markStale(outdated, done);
 }
 
@@ -283,8 +267,8 @@ TextRange SyntaxHighlighter::highlight(TextRange range, std::vector<TextRange> &
     Excerpt excerpt;
     refreshSpans(range, excerpt, outdated);
     for (const Span &span : m_spans) {
-        if (!intersection(span.range, range).isEmpty()) {
-            range = hull(range, span.range);
+        if (!span.range.intersected(range).isEmpty()) {
+            range = range.united(span.range);
         }
     }
     excerpt.load(text, range);
@@ -300,7 +284,7 @@ void SyntaxHighlighter::refreshSpans(TextRange range, Excerpt &excerpt, std::vec
 {
     const qsizetype windowStart = std::max<qsizetype>(range.location - spanMargin, 0);
     const TextRange window = TextRange{windowStart, range.length + 2 * spanMargin}.clampedTo(m_storage.length());
-    if (!m_spansAreStale && contains(m_spanWindow, window)) {
+    if (!m_spansAreStale && m_spanWindow.contains(window)) {
         return;
     }
     const auto edit = std::exchange(m_editSinceSpans, std::nullopt);
@@ -340,17 +324,17 @@ void SyntaxHighlighter::findOutdated(const std::vector<Span> &before, TextRange 
     const auto moved = [&edit](qsizetype offset) {
         return offset < edit.location + edit.removed ? std::min(offset, edit.location) : offset - edit.removed + edit.inserted;
     };
-    const TextRange common = intersection(m_spanWindow, TextRange::between(moved(windowBefore.location), moved(windowBefore.end())));
+    const TextRange common = m_spanWindow.intersected(TextRange::between(moved(windowBefore.location), moved(windowBefore.end())));
     const auto add = [&](TextRange range) {
-        if (const TextRange part = intersection(range, common); !part.isEmpty()) {
+        if (const TextRange part = range.intersected(common); !part.isEmpty()) {
             outdated.push_back(part);
         }
     };
     if (!m_spanRules.empty()) {
         // Above the edit a span may have come or gone where one of the windows did not reach.
         const auto above = TextRange::between(std::max<qsizetype>(edit.location - spanMargin, 0), edit.location);
-        outdated.push_back(intersection(above, {0, common.location}));
-        outdated.push_back(intersection(above, TextRange::between(common.end(), std::max(common.end(), above.end()))));
+        outdated.push_back(above.intersected({0, common.location}));
+        outdated.push_back(above.intersected(TextRange::between(common.end(), std::max(common.end(), above.end()))));
     }
     auto now = m_spans.begin();
     for (const Span &old : before) {
@@ -375,7 +359,7 @@ void SyntaxHighlighter::findOutdated(const std::vector<Span> &before, TextRange 
 void SyntaxHighlighter::paintSpans(Paint &paint) const
 {
     for (const Span &span : m_spans) {
-        if (const TextRange part = intersection(span.range, paint.range()); !part.isEmpty()) {
+        if (const TextRange part = span.range.intersected(paint.range()); !part.isEmpty()) {
             paint.claim(part, span.scope);
         }
     }
@@ -441,8 +425,8 @@ void SyntaxHighlighter::markStale(const std::vector<TextRange> &ranges, TextRang
             m_uncolouredEdit->isKnownBefore = false;
             m_uncolouredEdit->knownEnd = m_uncolouredEdit->range.end();
         }
-        mark(intersection(range, {0, except.location}));
-        mark(intersection(range, TextRange::between(except.end(), std::max(except.end(), range.end()))));
+        mark(range.intersected({0, except.location}));
+        mark(range.intersected(TextRange::between(except.end(), std::max(except.end(), range.end()))));
     }
 }
 

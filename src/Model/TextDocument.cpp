@@ -322,7 +322,7 @@ void TextDocument::forgetFileQuestions()
 void TextDocument::replaceText(const Rope &text, const TextChange &difference)
 {
     m_isLoading = true;
-    if (difference.removed > 0 || difference.inserted > 0) {
+    if (!difference.isEmpty()) {
         m_storage.replaceCharacters({difference.position, difference.removed}, text.slice({difference.position, difference.inserted}));
     }
     m_isLoading = false;
@@ -471,7 +471,7 @@ void TextDocument::applyReading(std::optional<FileReading> reading)
         compareWithFile(); // typed meanwhile: the comparison was with another text
         return;
     }
-    if (reading->difference.removed == 0 && reading->difference.inserted == 0) {
+    if (reading->difference.isEmpty()) {
         rememberSavedText(reading->hash);
         setDirty(false);
         return;

@@ -315,8 +315,7 @@ private:
 
 bool isSameState(const struct stat &a, const struct stat &b)
 {
-    const auto isSame = [](const timespec &x, const timespec &y) { return x.tv_sec == y.tv_sec && x.tv_nsec == y.tv_nsec; };
-    return a.st_size == b.st_size && isSame(a.st_mtim, b.st_mtim) && isSame(a.st_ctim, b.st_ctim);
+    return FileStamp::of(a) == FileStamp::of(b) && a.st_ctim.tv_sec == b.st_ctim.tv_sec && a.st_ctim.tv_nsec == b.st_ctim.tv_nsec;
 }
 
 /// The units of a chunk with every LF replaced by the ending.

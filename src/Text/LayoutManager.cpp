@@ -573,17 +573,16 @@ std::vector<Span> LayoutManager::spansOf(const RowPosition &row, TextRange range
     };
     forEachLayout(row, visible, [&](const SegmentLayout &shown, int inLayout, double x) {
         const TextRange inRow = wraps() ? shown.rowRange(inLayout) : shown.range();
-        const qsizetype from = std::max(range.location, inRow.location);
-        const qsizetype to = std::min(range.end(), inRow.end());
-        if (from >= to) {
+        const TextRange shared = range.intersected(inRow);
+        if (shared.isEmpty()) {
             return;
         }
         if (!shown.mixesDirections()) {
-            add(x + shown.xOf(inLayout, from), x + shown.xOf(inLayout, to));
+            add(x + shown.xOf(inLayout, shared.location), x + shown.xOf(inLayout, shared.end()));
             return;
         }
         // Neighbours in the text need not be neighbours on the screen, so each character is taken by its own two edges.
-        for (qsizetype offset = from; offset < to; ++offset) {
+        for (qsizetype offset = shared.location; offset < shared.end(); ++offset) {
             add(x + shown.xOf(inLayout, offset), x + shown.xBehind(inLayout, offset));
         }
     });

@@ -6,6 +6,11 @@
 
 template class TextTree<4096, 32>;
 
+bool Rope::splitsPair(qsizetype offset) const
+{
+    return offset > 0 && offset < length() && QChar::isLowSurrogate(at(offset)) && QChar::isHighSurrogate(at(offset - 1));
+}
+
 QString Rope::toString(TextRange range) const
 {
     QString text(range.length, Qt::Uninitialized);

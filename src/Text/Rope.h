@@ -46,6 +46,8 @@ public:
 
     /// O(log n); for a walk use RopeCursor.
     [[nodiscard]] char16_t at(qsizetype offset) const { return m_tree.at(offset); }
+    /// Whether `offset` (0 … length) stands between the halves of a surrogate pair.
+    [[nodiscard]] bool splitsPair(qsizetype offset) const;
     void copy(TextRange range, char16_t *out) const { m_tree.copy(range, out); }
     [[nodiscard]] QString toString(TextRange range) const;
     [[nodiscard]] QString toString() const { return toString({0, length()}); }

@@ -180,7 +180,7 @@ qsizetype TextBoundaries::snapped(const Rope &text, qsizetype offset)
     if (offset <= 0 || offset >= text.length() || (isPlain(text.at(offset)) && text.at(offset) != u'\n')) {
         return std::clamp<qsizetype>(offset, 0, text.length());
     }
-    if (QChar::isLowSurrogate(text.at(offset)) && QChar::isHighSurrogate(text.at(offset - 1))) {
+    if (text.splitsPair(offset)) {
         --offset;
     }
     const Excerpt excerpt(text, offset, UBRK_CHARACTER);

@@ -13,12 +13,29 @@ struct TextRange {
     qsizetype length = 0;
 
     [[nodiscard]] static constexpr TextRange between(qsizetype from, qsizetype to) { return {from, to - from}; }
+    /// Between two offsets of which either may be the first.
+    [[nodiscard]] static constexpr TextRange spanning(qsizetype one, qsizetype other)
+    {
+        return between(std::min(one, other), std::max(one, other));
+    }
 
     [[nodiscard]] constexpr qsizetype end() const { return location + length; }
     [[nodiscard]] constexpr bool isEmpty() const { return length == 0; }
     [[nodiscard]] constexpr bool contains(qsizetype offset) const { return location <= offset && offset < end(); }
+    [[nodiscard]] constexpr bool contains(TextRange other) const { return location <= other.location && other.end() <= end(); }
     /// True also when the two only meet at an end.
     [[nodiscard]] constexpr bool touches(TextRange other) const { return location <= other.end() && other.location <= end(); }
+    /// The two and what lies between them.
+    [[nodiscard]] constexpr TextRange united(TextRange other) const
+    {
+        return between(std::min(location, other.location), std::max(end(), other.end()));
+    }
+    /// What both have; empty where that is nothing.
+    [[nodiscard]] constexpr TextRange intersected(TextRange other) const
+    {
+        const qsizetype from = std::max(location, other.location);
+        return between(from, std::max(from, std::min(end(), other.end())));
+    }
     [[nodiscard]] constexpr TextRange clampedTo(qsizetype textLength) const
     {
         const qsizetype from = std::clamp<qsizetype>(location, 0, textLength);
@@ -36,7 +53,7 @@ struct TextSelection {
     [[nodiscard]] static constexpr TextSelection at(qsizetype offset) { return {offset, offset}; }
 
     [[nodiscard]] constexpr bool isEmpty() const { return anchor == caret; }
-    [[nodiscard]] constexpr TextRange range() const { return TextRange::between(std::min(anchor, caret), std::max(anchor, caret)); }
+    [[nodiscard]] constexpr TextRange range() const { return TextRange::spanning(anchor, caret); }
 
     friend constexpr bool operator==(TextSelection, TextSelection) = default;
 };
@@ -49,6 +66,8 @@ struct TextChange {
     qsizetype inserted = 0;
     qsizetype removedLines = 0;
     qsizetype insertedLines = 0;
+
+    [[nodiscard]] constexpr bool isEmpty() const { return removed == 0 && inserted == 0; }
 
     friend constexpr bool operator==(const TextChange &, const TextChange &) = default;
 };

@@ -42,11 +42,6 @@ char32_t characterBefore(const Rope &text, qsizetype offset)
     return unit;
 }
 
-bool splitsPair(const Rope &text, qsizetype offset)
-{
-    return offset > 0 && offset < text.length() && QChar::isLowSurrogate(text.at(offset)) && QChar::isHighSurrogate(text.at(offset - 1));
-}
-
 /// As `\w` of a regular expression has it.
 bool isWordCharacter(char32_t character)
 {
@@ -177,7 +172,7 @@ struct TextSearcher::Excerpt {
 
     Excerpt(const Rope &text, TextRange matchable) : region(matchable)
     {
-        const auto legal = [&text](qsizetype offset) { return splitsPair(text, offset) ? offset - 1 : offset; };
+        const auto legal = [&text](qsizetype offset) { return text.splitsPair(offset) ? offset - 1 : offset; };
         start = legal(std::max<qsizetype>(0, region.location - context));
         units = text.toString(TextRange::between(start, legal(std::min(text.length(), region.end() + context))));
     }
@@ -262,7 +257,7 @@ TextSearcher TextSearcher::clone() const
 
 bool TextSearcher::accepts(const Rope &text, TextRange hit) const
 {
-    if (splitsPair(text, hit.location) || splitsPair(text, hit.end())) {
+    if (text.splitsPair(hit.location) || text.splitsPair(hit.end())) {
         return false;
     }
     if (!m_checksWords) {
@@ -325,7 +320,7 @@ bool TextSearcher::searchExcerpt(Walk &walk, qsizetype windowEnd)
         const qsizetype line = text.lineAt(windowEnd - 1);
         limit = line + 1 < text.lineCount() ? std::min(limit, text.lineStart(line + 1)) : limit;
     }
-    if (splitsPair(text, limit)) {
+    if (text.splitsPair(limit)) {
         --limit;
     }
     const Excerpt excerpt(text, TextRange::between(walk.at, std::max(limit, windowEnd)));

@@ -12,11 +12,6 @@ constexpr size_t mostStyleChanges = 4000;
 /// Debug builds check the trees of texts up to this length after every edit.
 [[maybe_unused]] constexpr qsizetype longestChecked = 10'000;
 
-TextRange hullOf(TextRange a, TextRange b)
-{
-    return TextRange::between(std::min(a.location, b.location), std::max(a.end(), b.end()));
-}
-
 /// Ascending and apart.
 void normalize(std::vector<TextRange> &ranges)
 {
@@ -26,7 +21,7 @@ void normalize(std::vector<TextRange> &ranges)
         if (range.isEmpty())
             continue;
         if (kept > 0 && ranges[kept - 1].touches(range))
-            ranges[kept - 1] = hullOf(ranges[kept - 1], range);
+            ranges[kept - 1] = ranges[kept - 1].united(range);
         else
             ranges[kept++] = range;
     }
@@ -61,16 +56,17 @@ void TextStorage::endEditing()
 void TextStorage::send(const Report &report)
 {
     EditMask mask;
-    TextRange range = report.changes.empty() ? report.styles.front() : TextRange{report.changes.front().position, 0};
+    TextRange range;
     qsizetype changeInLength = 0;
-    for (const TextChange &change : report.changes) {
-        mask |= editedCharacters;
-        range = hullOf(range, {change.position, change.inserted});
-        changeInLength += change.inserted - change.removed;
-    }
     if (!report.styles.empty()) {
         mask |= editedAttributes;
-        range = hullOf(range, hullOf(report.styles.front(), report.styles.back()));
+        range = report.styles.front().united(report.styles.back());
+    }
+    for (const TextChange &change : report.changes) {
+        const TextRange edited{change.position, change.inserted};
+        range = mask ? range.united(edited) : edited;
+        mask |= editedCharacters;
+        changeInLength += change.inserted - change.removed;
     }
     if (mask & editedCharacters)
         emit changed(report.changes);
@@ -151,15 +147,13 @@ void TextStorage::addStyleChanges(std::vector<TextRange> ranges)
         return;
     normalize(m_styleChanges);
     if (m_styleChanges.size() > mostStyleChanges)
-        m_styleChanges.assign(1, hullOf(m_styleChanges.front(), m_styleChanges.back()));
+        m_styleChanges.assign(1, m_styleChanges.front().united(m_styleChanges.back()));
 }
 
 bool TextStorage::isValid(TextRange range) const
 {
-    const auto splitsPair = [this](qsizetype offset) {
-        return offset > 0 && offset < length() && QChar::isLowSurrogate(m_text.at(offset)) && QChar::isHighSurrogate(m_text.at(offset - 1));
-    };
-    return range.location >= 0 && range.length >= 0 && range.end() <= length() && !splitsPair(range.location) && !splitsPair(range.end());
+    return range.location >= 0 && range.length >= 0 && range.end() <= length() && !m_text.splitsPair(range.location) &&
+           !m_text.splitsPair(range.end());
 }
 
 bool TextStorage::checkInvariants() const

@@ -332,7 +332,7 @@ void TextView::storageStylesChanged(const std::vector<TextRange> &ranges)
     const TextRange visible = TextRange::between(m_port.anchor(), m_layout.rangeOf(m_port.rowAt(viewport()->height()).row).end());
     for (const TextRange range : ranges) {
         if (range.touches(visible)) {
-            updateRows(TextRange::between(std::max(range.location, visible.location), std::min(range.end(), visible.end())));
+            updateRows(range.intersected(visible));
         }
     }
 }
@@ -379,7 +379,7 @@ void TextView::setCaret(const Caret &caret, qsizetype anchor)
     if (!before.isEmpty() || !selection().isEmpty()) {
         const auto changed = [this](qsizetype a, qsizetype b) {
             if (a != b) {
-                updateRows(TextRange::between(std::min(a, b), std::max(a, b)).clampedTo(m_storage.length()));
+                updateRows(TextRange::spanning(a, b).clampedTo(m_storage.length()));
             }
         };
         if (before.anchor == m_anchor) {

@@ -35,11 +35,8 @@ TextRange surroundingRange(const Rope &text, qsizetype caret)
 /// An input method that counts letters otherwise may point into a surrogate pair.
 TextRange wholePairs(const Rope &text, TextRange range)
 {
-    const auto splitsPair = [&text](qsizetype offset) {
-        return offset > 0 && offset < text.length() && QChar::isLowSurrogate(text.at(offset)) &&
-               QChar::isHighSurrogate(text.at(offset - 1));
-    };
-    return TextRange::between(range.location - (splitsPair(range.location) ? 1 : 0), range.end() + (splitsPair(range.end()) ? 1 : 0));
+    return TextRange::between(range.location - (text.splitsPair(range.location) ? 1 : 0),
+                              range.end() + (text.splitsPair(range.end()) ? 1 : 0));
 }
 
 struct PreeditLook {

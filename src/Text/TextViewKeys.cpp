@@ -197,7 +197,7 @@ void TextView::deleteTo(Motion motion)
         return;
     }
     const qsizetype to = moved(m_caret, motion, m_layout, m_storage.text(), m_port.rowsPerPage()).offset;
-    removeRange(TextRange::between(std::min(to, m_caret.offset), std::max(to, m_caret.offset)), GroupKind::other);
+    removeRange(TextRange::spanning(to, m_caret.offset), GroupKind::other);
 }
 
 void TextView::insertNewline()

@@ -5,7 +5,6 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/SyntaxHighlighter.h"
 
-#include <QHash>
 #include <QJsonArray>
 
 #include <array>
@@ -14,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The dark theme with another colour for each scope, so that a style names its scope.
+/// The dark theme with another colour for each scope, so that no two of them look alike.
 Theme themeOfScopes()
 {
     Theme theme = Theme::dark();
@@ -43,20 +42,15 @@ QJsonObject runHighlight(const Arguments &arguments)
     storage.replaceCharacters({0, 0}, contents->text);
     ManualScheduler scheduler;
     NotificationCenter notifications;
-    const Theme theme = themeOfScopes();
-    SyntaxHighlighter highlighter(storage, language, theme, scheduler, notifications);
+    SyntaxHighlighter highlighter(storage, language, themeOfScopes(), scheduler, notifications);
     highlighter.rehighlightAll();
     const auto range = arguments.value(u"ensure");
     highlighter.ensureHighlighted(range ? *toRange(*range) : TextRange{0, storage.length()});
 
-    QHash<StyleId, QString> names;
-    for (const ScopeRow &row : scopes) {
-        names[storage.styles().intern(theme.attributes(row.scope))] = row.rawValue.toString();
-    }
     QJsonArray runs;
-    storage.forEachStyle({0, storage.length()}, [&](TextRange run, StyleId style) {
-        if (style != plainStyle) {
-            runs.append(QJsonArray{qint64(run.location), qint64(run.length), names[style]});
+    highlighter.forEachScope({0, storage.length()}, [&](TextRange run, Scope scope) {
+        if (scope != Scope::plain) {
+            runs.append(QJsonArray{qint64(run.location), qint64(run.length), rawValue(scope).toString()});
         }
     });
     return {{u"language"_s, language.id()}, {u"runs"_s, runs}};
