@@ -217,7 +217,13 @@ bool TextView::shouldChangeText(TextRange range, QStringView replacement)
 
 bool TextView::replaceText(TextRange range, QStringView text, GroupKind kind, TextSelection after)
 {
-    if (!shouldChangeText(range, text)) {
+    const Replacement edit{range, text};
+    return replaceTexts({&edit, 1}, kind, after);
+}
+
+bool TextView::replaceTexts(std::span<const Replacement> edits, GroupKind kind, TextSelection after)
+{
+    if (!std::ranges::all_of(edits, [this](const Replacement &edit) { return shouldChangeText(edit.range, edit.text); })) {
         return false;
     }
     {
@@ -225,7 +231,14 @@ bool TextView::replaceText(TextRange range, QStringView text, GroupKind kind, Te
         m_undoManager.beginGroup(kind, selection(), this);
         m_selectionToCome = after;
         m_awaitsReport = true;
-        m_storage.replaceCharacters(range, text);
+        {
+            const EditBatch batch(m_storage);
+            qsizetype shift = 0;
+            for (const Replacement &edit : edits) {
+                m_storage.replaceCharacters({edit.range.location + shift, edit.range.length}, edit.text);
+                shift += edit.text.size() - edit.range.length;
+            }
+        }
         m_undoManager.endGroup(after);
         if (m_storage.hasUnreportedChanges()) {
             return true; // the caret goes there with the report

@@ -11,6 +11,8 @@
 #include <QAbstractScrollArea>
 #include <QColor>
 
+#include <span>
+
 class Pasteboard;
 class QMenu;
 class QMimeData;
@@ -18,7 +20,7 @@ class QMimeData;
 /// An editable view of a TextStorage: draws what is visible, moves the caret, takes keys, pointer, input methods and drops.
 ///
 /// Any number of views may show one storage; each has its own layout, caret and scroll position and follows the edits of the others.
-/// Every change of the text goes through replaceText(), so undo, highlighting and the other views never miss one. Offsets are UTF-16
+/// Every change of the text goes through replaceTexts(), so undo, highlighting and the other views never miss one. Offsets are UTF-16
 /// units. The storage, the undo manager and the services must outlive the view. Main thread only.
 class TextView : public QAbstractScrollArea, public Responder {
     Q_OBJECT
@@ -135,7 +137,15 @@ protected:
     /// Asked before every change that begins in this view; false refuses it.
     [[nodiscard]] virtual bool shouldChangeText(TextRange range, QStringView replacement);
     virtual void didChangeText() {}
-    /// The one way by which this view changes its text. Not inside a batch of the storage.
+    /// `text` in place of `range`, which is of the text before all edits of its step.
+    struct Replacement {
+        TextRange range;
+        QStringView text;
+    };
+    /// The one way by which this view changes its text: `edits`, ascending and apart, as one step of undo that is reported once, and then
+    /// the selection `after`. When shouldChangeText() refuses one of them nothing changes, and false is returned. Not inside a batch of the
+    /// storage.
+    bool replaceTexts(std::span<const Replacement> edits, GroupKind kind, TextSelection after);
     bool replaceText(TextRange range, QStringView text, GroupKind kind, TextSelection after);
 
     /// A text from elsewhere as it is kept here, where lines end with LF alone.

@@ -14,11 +14,9 @@
 #include <QContextMenuEvent>
 #include <QDrag>
 #include <QDragEnterEvent>
-#include <QInputMethod>
 #include <QMenu>
 #include <QMimeData>
 #include <QPointer>
-#include <QScopedValueRollback>
 #include <QStyleHints>
 
 #include <cmath>
@@ -389,25 +387,11 @@ bool TextView::dropText(const QString &text, qsizetype offset, TextRange taken)
     if (!taken.isEmpty() && taken.location <= offset && offset <= taken.end()) {
         return true; // onto itself
     }
-    if ((!taken.isEmpty() && !shouldChangeText(taken, {})) || !shouldChangeText({offset, 0}, text)) {
-        return false;
+    std::vector<Replacement> edits{{{offset, 0}, text}};
+    if (!taken.isEmpty()) {
+        edits.insert(taken.location < offset ? edits.begin() : edits.end(), {taken, {}});
     }
+    const qsizetype at = taken.location < offset ? offset - taken.length : offset;
     m_undoManager.breakCoalescing();
-    qsizetype at = offset;
-    {
-        const QScopedValueRollback<bool> editing(m_isEditing, true);
-        m_undoManager.beginGroup(GroupKind::other, selection(), this);
-        m_storage.beginEditing();
-        if (!taken.isEmpty()) {
-            m_storage.replaceCharacters(taken, QStringView());
-            at -= taken.end() <= offset ? taken.length : 0;
-        }
-        m_storage.replaceCharacters({at, 0}, text);
-        m_storage.endEditing();
-        m_undoManager.endGroup({at, at + text.length()});
-        setCaret({at + text.length(), Affinity::downstream, {}}, at);
-    }
-    revealCaret();
-    didChangeText();
-    return true;
+    return replaceTexts(edits, GroupKind::other, {at, at + text.length()});
 }

@@ -98,6 +98,18 @@ TEST_F(Dropping, WithinAViewTextIsMovedOrCopiedInOneStep)
     }
 }
 
+TEST_F(Dropping, TheDroppedTextIsSelectedWhateverObserversAdd)
+{
+    setText(u"one ^two| three"_s);
+    QObject::connect(&around.storage, &TextStorage::changed, &around.storage, [this] {
+        if (!text().startsWith(u'x')) {
+            around.storage.replaceCharacters({}, u"x");
+        }
+    });
+    drag(source, 13, Qt::MoveAction);
+    EXPECT_EQ(MarkedText::marked(text(), source.selection()), u"xone  three^two|"_s);
+}
+
 TEST_F(Dropping, BetweenTwoViewsOfOneTextItIsTheSame)
 {
     setText(u"one ^two| three"_s);
