@@ -6,7 +6,6 @@
 #include <QString>
 #include <QThread>
 
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <utility>
 
 static_assert(std::all_of(lineEndings.begin(), lineEndings.end(),
                           [](const LineEndingRow &row) { return &row == &lineEndings[size_t(row.ending)]; }));

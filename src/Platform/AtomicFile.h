@@ -9,8 +9,6 @@
 #include <QByteArrayView>
 #include <QString>
 
-#include <span>
-
 /// Replaces a file as one step: whoever looks sees the old content or the new one, never a mixture, through crashes and power cuts too.
 ///
 /// The content goes to a temporary file in the same folder, is flushed to disk and renamed over the target; then the folder is

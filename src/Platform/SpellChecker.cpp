@@ -7,7 +7,6 @@
 #include "Platform/Localization.h"
 #include "Platform/Translation.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 

@@ -8,7 +8,6 @@
 #include "Text/TextRange.h"
 
 #include <QFont>
-#include <QTextLayout>
 
 #include <memory>
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <span>
+#include <tuple>
 #include <utility>
 #include <vector>
 

@@ -4,6 +4,8 @@
 
 #include "Text/StyleRunsCode.h"
 
+#include <new>
+
 template class RunTree<256, 32>;
 
 RunLeaf *RunLeaf::make(std::span<const Run> runs)

@@ -7,9 +7,7 @@
 #include "Text/TextRange.h"
 
 #include <functional>
-#include <new>
 #include <span>
-#include <tuple>
 #include <vector>
 
 /// So many units of one style.

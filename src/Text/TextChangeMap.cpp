@@ -4,8 +4,6 @@
 
 #include "Text/Rope.h"
 
-#include <utility>
-
 namespace {
 
 /// Maps ascending offsets, going through the changes once.

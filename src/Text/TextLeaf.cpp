@@ -3,6 +3,7 @@
 #include "Text/TextLeaf.h"
 
 #include <cstring>
+#include <new>
 
 TextLeaf *TextLeaf::allocate(qsizetype capacity)
 {

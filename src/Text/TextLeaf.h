@@ -7,9 +7,7 @@
 
 #include <QChar>
 
-#include <algorithm>
 #include <array>
-#include <new>
 
 /// A short stretch of text in one allocation: this head, then the units, one byte each when all are below U+0100, else two.
 struct alignas(16) TextLeaf : TreeNode {

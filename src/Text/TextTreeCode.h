@@ -6,6 +6,7 @@
 
 #include "Text/TextTree.h"
 
+#include <algorithm>
 #include <cstring>
 
 struct LineSum {

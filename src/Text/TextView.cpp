@@ -10,7 +10,6 @@
 #include <QApplication>
 #include <QInputMethod>
 #include <QScopedValueRollback>
-#include <QScrollBar>
 
 #include <array>
 #include <cmath>

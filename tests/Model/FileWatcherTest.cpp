@@ -12,7 +12,6 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
-#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>

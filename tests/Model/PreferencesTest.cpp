@@ -3,7 +3,6 @@
 #include "Model/Preferences.h"
 
 #include "Platform/DefaultsStore.h"
-#include "Platform/Terminals.h"
 
 #include <QSet>
 

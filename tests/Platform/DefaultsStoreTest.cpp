@@ -9,8 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 

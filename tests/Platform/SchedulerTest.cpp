@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/Scheduler.h"
 
-#include <QCoreApplication>
 #include <QEventLoop>
 
 #include <gmock/gmock.h>

@@ -3,8 +3,6 @@
 #include "Platform/WidgetAlertPresenter.h"
 
 #include <QAccessible>
-#include <QApplication>
-#include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QLabel>

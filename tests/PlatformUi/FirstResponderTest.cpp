@@ -4,9 +4,7 @@
 
 #include "Platform/Responder.h"
 
-#include <QGuiApplication>
 #include <QLineEdit>
-#include <QVBoxLayout>
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,6 @@
 #include "Platform/SpellChecker.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>

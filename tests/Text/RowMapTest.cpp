@@ -2,14 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "Text/RowMap.h"
 
-#include <QString>
-
 #include <gtest/gtest.h>
 
-#include <numeric>
 #include <random>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

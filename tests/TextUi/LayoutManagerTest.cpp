@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "Text/LayoutManager.h"
-#include "Text/DisplayText.h"
 #include "Text/TextBoundaries.h"
 #include "Text/TextStorage.h"
 #include "Text/Viewport.h"

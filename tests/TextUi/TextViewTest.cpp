@@ -2,13 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "ViewFixture.h"
 
-#include <QInputMethodEvent>
 #include <QMimeData>
 #include <QScrollBar>
 #include <QTest>
 #include <gtest/gtest.h>
-
-#include <random>
 
 using namespace Qt::StringLiterals;
 
