@@ -86,8 +86,10 @@ int run(QApplication &application, const QStringList &files)
     QObject::connect(
         &application, &QGuiApplication::commitDataRequest, &delegate,
         [&delegate](QSessionManager &session) {
-            if (session.allowsInteraction() && !delegate.prepareForSessionEnd()) {
+            // To be allowed to ask means to hold up all others.
+            if (delegate.hasUnsavedText() && session.allowsInteraction()) {
                 session.cancel();
+                delegate.terminate();
             }
         },
         Qt::DirectConnection);

@@ -167,15 +167,11 @@ void AppDelegate::terminate()
     closeNext();
 }
 
-bool AppDelegate::prepareForSessionEnd()
+bool AppDelegate::hasUnsavedText() const
 {
-    const bool isAllSaved = std::ranges::none_of(m_windows, [](MainWindowController *window) {
+    return std::ranges::any_of(m_windows, [](MainWindowController *window) {
         return std::ranges::any_of(window->workspace().documents(), [](const auto &document) { return document->isDirty(); });
     });
-    if (!isAllSaved) {
-        terminate();
-    }
-    return isAllSaved;
 }
 
 void AppDelegate::closeNext()

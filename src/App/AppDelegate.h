@@ -18,8 +18,8 @@ public:
     void launch(const QStringList &paths);
     /// Closes the windows one after the other, each of which asks about texts that are not saved. One that is kept ends it.
     void terminate();
-    /// The session of the desktop is about to end: false holds it up, because texts are not saved; the user is asked about them.
-    [[nodiscard]] bool prepareForSessionEnd();
+    /// Whether quitting would have to ask.
+    [[nodiscard]] bool hasUnsavedText() const;
     /// Files from outside, for the window in front; with none a window comes to the front.
     void open(const QStringList &paths);
 

@@ -108,7 +108,7 @@ TEST_F(WorkspaceTest, QuittingAsksEachWindowOnce)
     type(u"one"_s);
     EXPECT_TRUE(application.makeWindow().workspace().currentDocument());
     presenter.hold();
-    EXPECT_FALSE(application.prepareForSessionEnd()) << "a text is not saved";
+    EXPECT_TRUE(application.hasUnsavedText());
     application.terminate();
     application.terminate();
     EXPECT_EQ(presenter.alerts().size(), 1U) << "the question is on the screen";
@@ -120,7 +120,7 @@ TEST_F(WorkspaceTest, QuittingAsksEachWindowOnce)
     presenter.answer(dontSave);
     presenter.answerHeld();
     EXPECT_TRUE(isFinished) << "the other window has nothing to lose";
-    EXPECT_TRUE(application.prepareForSessionEnd());
+    EXPECT_FALSE(application.hasUnsavedText());
 }
 
 TEST_F(WorkspaceTest, ATextThatIsShownElsewhereByThenStaysOpen)
