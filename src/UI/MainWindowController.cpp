@@ -190,19 +190,18 @@ void MainWindowController::closeEvent(QCloseEvent *event)
 {
     Documents dirty = m_workspace->documents();
     std::erase_if(dirty, [](const auto &document) { return !document->isDirty(); });
-    if (!m_mayClose && !dirty.empty()) {
+    if (m_closing < Closing::allowed && !dirty.empty()) {
         event->ignore();
         // Where nobody sees it, the question would never be answered.
         comeToFront();
-        if (std::exchange(m_isAsking, true)) {
+        if (std::exchange(m_closing, Closing::asked) == Closing::asked) {
             for (QDialog *dialog : findChildren<QDialog *>(Qt::FindDirectChildrenOnly)) {
                 dialog->activateWindow();
             }
             return;
         }
         confirmClosingAll(dirty, [this](bool mayClose) {
-            m_isAsking = false;
-            m_mayClose = mayClose;
+            m_closing = mayClose ? Closing::allowed : Closing::notAsked;
             if (mayClose) {
                 close();
             } else {
@@ -210,7 +209,7 @@ void MainWindowController::closeEvent(QCloseEvent *event)
             }
         });
         // Answered at once, the closing under way is the one to go through.
-        if (!m_mayClose) {
+        if (m_closing < Closing::allowed) {
             return;
         }
     }
@@ -218,7 +217,7 @@ void MainWindowController::closeEvent(QCloseEvent *event)
     if (!isFullScreen() && !isMaximized()) {
         m_services.defaults.set(frameKey, u"%1x%2"_s.arg(width()).arg(height()));
     }
-    if (!std::exchange(m_isClosed, true)) {
+    if (std::exchange(m_closing, Closing::done) != Closing::done) {
         emit closed();
     }
 }

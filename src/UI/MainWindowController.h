@@ -61,9 +61,7 @@ private:
     WorkspaceServices m_services;
     WorkspaceViewController *m_workspace;
     EditorToolbarController *m_toolbar;
-    /// Whether it may close has been asked, and is not answered.
-    bool m_isAsking = false;
-    /// The closing has been asked about.
-    bool m_mayClose = false;
-    bool m_isClosed = false;
+    /// `asked` while the user is to answer.
+    enum class Closing { notAsked, asked, allowed, done };
+    Closing m_closing = Closing::notAsked;
 };
