@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/DesktopPalette.h"
 
+#include "Platform/ColorMix.h"
+
 #include <QApplication>
 #include <QEvent>
 #include <QToolTip>
@@ -18,12 +20,6 @@ constexpr double leastContrast = 2.5;
 constexpr double hintShare = 0.6;
 /// The tool tips' ground where nobody chose one.
 constexpr QColor toolkitToolTip(255, 255, 220);
-
-QColor blended(const QColor &ground, const QColor &color, double share)
-{
-    const auto mix = [share](int a, int b) { return int(std::lround(a * (1 - share) + b * share)); };
-    return {mix(ground.red(), color.red()), mix(ground.green(), color.green()), mix(ground.blue(), color.blue())};
-}
 
 double luminance(const QColor &color)
 {
@@ -47,8 +43,8 @@ QPalette legibleHints(const QPalette &desktop)
     for (const auto group : {QPalette::Active, QPalette::Inactive}) {
         const QColor ground = desktop.color(group, QPalette::Base);
         const QColor hint = desktop.color(group, QPalette::PlaceholderText);
-        if (contrast(ground, blended(ground, hint, hint.alphaF())) < leastContrast) {
-            mended.setColor(group, QPalette::PlaceholderText, blended(ground, desktop.color(group, QPalette::Text), hintShare));
+        if (contrast(ground, mixed(ground, hint, hint.alphaF())) < leastContrast) {
+            mended.setColor(group, QPalette::PlaceholderText, mixed(ground, desktop.color(group, QPalette::Text), hintShare));
         }
     }
     return mended;
@@ -61,7 +57,7 @@ QPalette plainToolTips(const QPalette &desktop)
     if (desktop.color(QPalette::ToolTipBase) != toolkitToolTip) {
         return mended;
     }
-    const auto shade = [&desktop](double share) { return blended(desktop.color(QPalette::Base), desktop.color(QPalette::Text), share); };
+    const auto shade = [&desktop](double share) { return mixed(desktop.color(QPalette::Base), desktop.color(QPalette::Text), share); };
     mended.setColor(QPalette::ToolTipBase, shade(0.03));
     mended.setColor(QPalette::ToolTipText, shade(0.85));
     return mended;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Text/FindBar.h"
 
+#include "Platform/ColorMix.h"
 #include "Platform/SymbolIcon.h"
 #include "Platform/Translation.h"
 #include "Text/FindField.h"
@@ -33,12 +34,6 @@ constexpr int widestField = 420;
 constexpr int narrowestField = 90;
 constexpr QMargins panelMargins(8, 5, 6, 6);
 constexpr int gap = 4;
-
-QColor mixed(const QColor &color, const QColor &other, double share)
-{
-    const auto mix = [share](int a, int b) { return static_cast<int>(a * (1 - share) + b * share); };
-    return {mix(color.red(), other.red()), mix(color.green(), other.green()), mix(color.blue(), other.blue())};
-}
 
 QString numberText(qsizetype number)
 {
@@ -337,9 +332,8 @@ void FindBar::enableButtons(bool canFind)
     }
 }
 
-QString FindBar::noteText() const
+QString FindBar::noteText(const TextFinder::Status &status) const
 {
-    const TextFinder::Status status = m_finder.status();
     if (status.progress) {
         const QStringView pattern = status.isReplacing ? u"Replacing… %d %%" : u"Searching… %d %%";
         return formatted(localized(pattern), static_cast<int>(*status.progress * 100));
@@ -372,7 +366,7 @@ void FindBar::showStatus()
         return;
     }
     const TextFinder::Status status = m_finder.status();
-    m_pattern->setNote(noteText(), status.hasWrapped ? localized(u"The search went on at the other end of the text.") : QString());
+    m_pattern->setNote(noteText(status), status.hasWrapped ? localized(u"The search went on at the other end of the text.") : QString());
     m_pattern->setState(patternState(m_finder, status));
     m_replacement->setState(m_finder.replacementError().isEmpty() ? FindField::State::normal : FindField::State::wrong);
     enableButtons(!m_finder.query().pattern.isEmpty() && m_finder.patternError().isEmpty() && (!isNotFound(status) || status.isIncomplete));

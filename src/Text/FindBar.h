@@ -5,6 +5,7 @@
 #include "Platform/NotificationCenter.h"
 #include "Platform/Responder.h"
 #include "Platform/Scheduler.h"
+#include "Text/TextFinder.h"
 #include "Text/TextSearch.h"
 
 #include <QWidget>
@@ -13,7 +14,6 @@ class FindField;
 class QHBoxLayout;
 class QLabel;
 class QToolButton;
-class TextFinder;
 
 /// What the tag of "performTextFinderAction:" asks for.
 enum class FindAction {
@@ -70,7 +70,7 @@ private:
     void showStatus();
     /// Those that go to a hit or replace it.
     void enableButtons(bool canFind);
-    [[nodiscard]] QString noteText() const;
+    [[nodiscard]] QString noteText(const TextFinder::Status &status) const;
     void showMessage(const QString &message);
     void tintSymbols();
     void replace();

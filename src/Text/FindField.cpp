@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Text/FindField.h"
 
+#include "Platform/ColorMix.h"
+
 #include <QAccessible>
 #include <QKeyEvent>
 #include <QLabel>
@@ -13,19 +15,11 @@
 namespace {
 
 constexpr QColor wrongColor(0xE0, 0x20, 0x20);
-constexpr float wrongShare = 0.22F;
-constexpr float notFoundShare = 0.75F;
+constexpr double wrongShare = 0.22;
+constexpr double notFoundShare = 0.75;
 /// Pixels that stay for what is typed.
 constexpr int leastTextWidth = 56;
 constexpr int noteGap = 4;
-
-QColor mixed(const QColor &color, const QColor &other, float share)
-{
-    const auto mix = [share](int a, int b) {
-        return static_cast<int>(static_cast<float>(a) * (1 - share) + static_cast<float>(b) * share);
-    };
-    return {mix(color.red(), other.red()), mix(color.green(), other.green()), mix(color.blue(), other.blue())};
-}
 
 } // namespace
 
