@@ -1,11 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Model/Preferences.h"
-#include "Model/TextDocument.h"
-#include "Platform/AlertPresenter.h"
-#include "Platform/DefaultsStore.h"
 #include "Platform/Localization.h"
 #include "Platform/SymbolIcon.h"
+#include "Surroundings.h"
 #include "UI/EditorToolbarController.h"
 #include "UI/ToolbarActionItem.h"
 #include "UI/ToolbarCatalogue.h"
@@ -62,7 +59,7 @@ private:
     Preferences &m_preferences;
 };
 
-class ToolbarTest : public testing::Test {
+class ToolbarTest : public testing::Test, protected Surroundings {
 protected:
     void SetUp() override
     {
@@ -124,11 +121,6 @@ protected:
         return ids;
     }
 
-    ManualScheduler scheduler;
-    NotificationCenter notifications;
-    DefaultsStore defaults{QString(), scheduler};
-    Preferences preferences{defaults, notifications};
-    ScriptedAlertPresenter presenter;
     QMainWindow window;
     Text *text = new Text(preferences);
     EditorToolbarController *controller =
