@@ -19,6 +19,24 @@ void widen(TextChange &hull, qsizetype position, qsizetype removed, qsizetype in
     hull = {.position = from, .removed = hull.removed + to - from - hull.inserted, .inserted = to - from - removed + inserted};
 }
 
+/// Halves of pairs that were apart may have met by the edit that is now taken back; the storage is given such a pair as a whole.
+void replaceWholePairs(TextStorage &storage, TextRange range, Rope text)
+{
+    const Rope &old = storage.text();
+    const auto splitsPair = [&old](qsizetype offset) {
+        return offset > 0 && offset < old.length() && QChar::isLowSurrogate(old.at(offset)) && QChar::isHighSurrogate(old.at(offset - 1));
+    };
+    if (splitsPair(range.location)) {
+        text.replace({0, 0}, old.slice({range.location - 1, 1}));
+        range = {range.location - 1, range.length + 1};
+    }
+    if (splitsPair(range.end())) {
+        text.replace({text.length(), 0}, old.slice({range.end(), 1}));
+        ++range.length;
+    }
+    storage.replaceCharacters(range, text);
+}
+
 } // namespace
 
 UndoManager::UndoManager(TextStorage &storage, Clock clock, QObject *parent)
@@ -199,7 +217,7 @@ std::optional<TextSelection> UndoManager::undo()
     replay(
         [&] {
             std::for_each(group.edits.rbegin(), group.edits.rend(), [this](const Edit &edit) {
-                m_storage.replaceCharacters({edit.position, edit.inserted.length()}, edit.removed);
+                replaceWholePairs(m_storage, {edit.position, edit.inserted.length()}, edit.removed);
             });
         },
         m_done - 1);
@@ -215,7 +233,7 @@ std::optional<TextSelection> UndoManager::redo()
     replay(
         [&] {
             for (const Edit &edit : group.edits)
-                m_storage.replaceCharacters({edit.position, edit.removed.length()}, edit.inserted);
+                replaceWholePairs(m_storage, {edit.position, edit.removed.length()}, edit.inserted);
         },
         m_done + 1);
     return group.after;

@@ -132,6 +132,31 @@ TEST_F(Undo, ABatchOutsideAnyGroupIsOne)
     EXPECT_EQ(undo.undo(), (TextSelection{0, 4}));
 }
 
+TEST_F(Undo, HalvesOfAPairPartAgain)
+{
+    const QString apart = QString(u'a') + QChar(0xd83d) + u'x' + QChar(0xde00) + u'b';
+    const QString met = u"a\U0001F600b"_s;
+    type(apart);
+    group(GroupKind::other, {2, 1}, {});
+    group(GroupKind::other, {0, 1}, QStringView(u"-"));
+    EXPECT_EQ(unwind(), (QStringList{u"-"_s + met.mid(1), met, apart, QString()}));
+    while (undo.redo()) {
+    }
+    EXPECT_EQ(storage.string(), u"-"_s + met.mid(1));
+    // One half comes to the other, from either side.
+    for (const qsizetype kept : {2, 3}) {
+        storage.replaceCharacters({0, storage.length()}, QStringView(apart));
+        storage.replaceCharacters({1, 3}, QStringView(apart).mid(kept == 2 ? 1 : 3, 1));
+        const QString single = storage.string();
+        group(GroupKind::other, {kept == 2 ? 2 : 1, 0}, QStringView(apart).mid(kept == 2 ? 3 : 1, 1));
+        EXPECT_EQ(storage.string(), met);
+        undo.undo();
+        EXPECT_EQ(storage.string(), single);
+        undo.redo();
+        EXPECT_EQ(storage.string(), met);
+    }
+}
+
 TEST_F(Undo, WhatAnObserverEditsDuringUndoIsRecorded)
 {
     type(u"text");
