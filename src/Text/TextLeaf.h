@@ -73,12 +73,14 @@ struct TextTraits {
     static void makeLeaves(const char16_t *text, qsizetype length, Put put)
     {
         const qsizetype limit = isNarrowText(text, length) ? narrowUnits : wideUnits;
-        const qsizetype count = (length + limit - 1) / limit;
+        // Where there are cuts, every leaf has room for the second half of a pair at its end.
+        const qsizetype room = length <= limit || limit == narrowUnits ? limit : limit - 1;
+        const qsizetype count = (length + room - 1) / room;
         qsizetype from = 0;
         for (qsizetype i = 1; i <= count; ++i) {
             qsizetype to = length * i / count;
             if (i < count && isPair(text[to - 1], text[to]))
-                to += to - from < limit ? 1 : -1;
+                ++to;
             put(TextLeaf::make(text + from, to - from, leafBytes));
             from = to;
         }

@@ -200,6 +200,26 @@ std::u16string proseOf(qsizetype length)
     return text;
 }
 
+/// Leaves as full as they get, the halves of a pair where they meet.
+TYPED_TEST(RopeModel, HalvesOfAPairMeetBetweenFullLeaves)
+{
+    std::vector<size_t> lengths;
+    for (const size_t fullest : {4, 8, 16, 2048}) {
+        for (size_t length = fullest - 2; length <= fullest + 1; ++length)
+            lengths.push_back(length);
+    }
+    for (const size_t before : lengths) {
+        for (const size_t after : lengths) {
+            const std::u16string left = std::u16string(before - 1, u'\u4e2d') + char16_t(0xd83d);
+            const std::u16string right = char16_t(0xde00) + std::u16string(after - 1, u'\u4e2d');
+            TypeParam tree{QStringView(left)};
+            tree.replace({tree.length(), 0}, TypeParam(QStringView(right)));
+            ASSERT_TRUE(tree.checkInvariants()) << before << " and " << after;
+            ASSERT_TRUE(textOf(tree) == left + right);
+        }
+    }
+}
+
 TEST(Rope, LatinPortionsOfAnyLengthMakeFullNarrowLeaves)
 {
     const std::u16string text = proseOf(100'000);
