@@ -27,12 +27,20 @@ void RunPacker::add(qsizetype length, StyleId style)
 {
     if (length == 0)
         return;
-    if (!m_runs.empty() && m_runs.back().style == style && m_runs.back().length + length <= RunLeaf::longestRun) {
-        m_runs.back().length = quint16(m_runs.back().length + length);
-        return;
-    }
     // Half full, so that typing has room.
     constexpr qsizetype piece = (RunLeaf::longestRun + 1) / 2;
+    if (!m_runs.empty() && m_runs.back().style == style) {
+        const qsizetype last = m_runs.back().length;
+        if (last + length <= RunLeaf::longestRun) {
+            m_runs.back().length = quint16(last + length);
+            return;
+        }
+        // One that would fit together with the first piece.
+        if (length > RunLeaf::longestRun && last < piece) {
+            length += last;
+            m_runs.pop_back();
+        }
+    }
     for (; length > RunLeaf::longestRun; length -= piece)
         m_runs.push_back({quint16(piece), style});
     m_runs.push_back({quint16(length), style});

@@ -115,6 +115,25 @@ TEST(StyleRuns, RunsLongerThanALeafEntryGoOn)
     EXPECT_LE(treeCounters.nodesMade - before.nodesMade, 4U);
 }
 
+/// Lengths around the limits of an entry, in every order and at every place.
+TEST(StyleRuns, LongStretchesGoBesideShortOnesOfTheirStyle)
+{
+    const qsizetype lengths[] = {1, 32'767, 32'768, 65'535, 65'536, 98'303, 200'000};
+    for (const qsizetype first : lengths) {
+        for (const qsizetype second : lengths) {
+            for (const qsizetype at : {qsizetype(0), first / 2, first}) {
+                StyleRuns runs;
+                runs.replace({0, 0}, first);
+                runs.replace({at, 0}, second);
+                ASSERT_TRUE(runs.checkInvariants()) << second << " in " << first << " at " << at;
+                runs.replace({at, 1}, 70'000);
+                ASSERT_TRUE(runs.checkInvariants()) << "70000 after " << second << " in " << first << " at " << at;
+                ASSERT_EQ(runs.length(), first + second + 69'999);
+            }
+        }
+    }
+}
+
 TEST(StyleTable, EqualAttributesHaveOneNumber)
 {
     StyleTable table;
