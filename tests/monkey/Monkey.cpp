@@ -1,0 +1,492 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "monkey/Monkey.h"
+
+#include "App/MainMenu.h"
+#include "Highlighting/Theme.h"
+#include "UI/ToolbarCatalogue.h"
+#include "fuzz/Require.h"
+
+#include <QApplication>
+#include <QInputMethodEvent>
+#include <QMimeData>
+#include <QThread>
+#include <QTimer>
+#include <QUrl>
+#include <QWindow>
+
+#include <qpa/qplatformdrag.h>
+#include <qpa/qwindowsysteminterface.h>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using Input = QWindowSystemInterface;
+
+namespace {
+
+constexpr size_t traceLength = 25;
+/// Turns of a loop that a drag or a menu runs by itself, until it is ended.
+constexpr int mostNestedTurns = 20;
+constexpr int turnsBetweenFullChecks = 10;
+
+} // namespace
+
+Monkey::Monkey(quint32 seed, int steps, Stage::Work work, Talk talk)
+    : m_seed(seed), m_random(seed), m_steps(steps), m_work(work), m_talk(talk), m_ground(m_random)
+{}
+
+Monkey::~Monkey() = default;
+
+void Monkey::start()
+{
+    raiseCurtain();
+    QTimer::singleShot(0, this, &Monkey::tick);
+}
+
+void Monkey::printTrace() const
+{
+    const auto print = [](const QByteArray &line) { (void)!write(STDERR_FILENO, line.constData(), size_t(line.size())); };
+    for (const QByteArray &line : m_trace) {
+        print(line);
+    }
+    print("monkey: seed " + QByteArray::number(m_seed) + ", failed at step " + QByteArray::number(m_step) + "\n");
+}
+
+void Monkey::note(const QString &what)
+{
+    m_trace.push_back(QByteArray::number(m_step) + ' ' + what.toUtf8() + '\n');
+    if (m_trace.size() > traceLength) {
+        m_trace.pop_front();
+    }
+    if (m_talk == Talk::always) {
+        std::fputs(m_trace.back().constData(), stderr);
+    }
+}
+
+void Monkey::tick()
+{
+    if (QThread::currentThread()->loopLevel() > 1) {
+        if (++m_nestedTurns > mostNestedTurns) {
+            leaveNestedLoop();
+        }
+    } else if (m_nestedTurns = 0; std::exchange(m_isCheckDue, false)) {
+        check();
+    } else if (m_step++ == m_steps) {
+        m_stage.reset();
+        QCoreApplication::quit();
+        return;
+    } else {
+        step();
+        m_isCheckDue = true;
+    }
+    QTimer::singleShot(0, this, &Monkey::tick);
+}
+
+void Monkey::raiseCurtain()
+{
+    m_stage.reset();
+    m_stage = std::make_unique<Stage>(m_random, m_ground, m_work);
+    m_stage->application->launch({});
+    m_stage->application->windows().front()->activateWindow();
+    note(u"start"_s);
+}
+
+void Monkey::leaveNestedLoop()
+{
+    note(u"leave a loop"_s);
+    m_nestedTurns = 0;
+    if (QWindow *window = QGuiApplication::focusWindow()) {
+        Input::handleKeyEvent<Input::SynchronousDelivery>(window, QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    }
+    if (m_pressed) {
+        Input::handleMouseEvent<Input::SynchronousDelivery>(m_pressed, QPointF(1, 1), QPointF(m_pressed->mapToGlobal(QPoint(1, 1))),
+                                                            Qt::NoButton, Qt::LeftButton, QEvent::MouseButtonRelease);
+    }
+}
+
+void Monkey::step()
+{
+    struct Habit {
+        qsizetype weight;
+        void (Monkey::*act)();
+        /// Not while a question is open: input does not reach the window then.
+        bool isInput = true;
+    };
+    static constexpr auto habits = std::to_array<Habit>({
+        {.weight = 22, .act = &Monkey::pressKey},
+        {.weight = 12, .act = &Monkey::pressShortcut},
+        {.weight = 10, .act = &Monkey::typeLetters},
+        {.weight = 12, .act = &Monkey::sendCommand},
+        {.weight = 3, .act = &Monkey::composeText},
+        {.weight = 14, .act = &Monkey::click},
+        {.weight = 5, .act = &Monkey::drag},
+        {.weight = 4, .act = &Monkey::turnWheel},
+        {.weight = 2, .act = &Monkey::dropFiles},
+        {.weight = 2, .act = &Monkey::tidyWindows},
+        {.weight = 2, .act = &Monkey::openFiles},
+        {.weight = 2, .act = &Monkey::fillPasteboard},
+        {.weight = 3, .act = &Monkey::resizeWindow, .isInput = false},
+        {.weight = 3, .act = &Monkey::changePreference, .isInput = false},
+        {.weight = 4, .act = &Monkey::changeFile, .isInput = false},
+        {.weight = 10, .act = &Monkey::passTime, .isInput = false},
+    });
+    if (m_stage->application->windows().empty()) {
+        raiseCurtain();
+        return;
+    }
+    if (!QGuiApplication::focusWindow() && m_random.oneIn(4)) {
+        note(u"come back"_s);
+        MainWindowController *window = oneOf(m_stage->application->windows());
+        window->showNormal();
+        window->activateWindow();
+        return;
+    }
+    const bool isBlocked = m_stage->presenter.hasOpenQuestions();
+    if (isBlocked && m_random.oneIn(3)) {
+        note(u"answer"_s);
+        m_stage->presenter.answerOne();
+        return;
+    }
+    static constexpr qsizetype total = [] {
+        qsizetype sum = 0;
+        for (const Habit &habit : habits) {
+            sum += habit.weight;
+        }
+        return sum;
+    }();
+    qsizetype choice = m_random.below(total);
+    for (const Habit &habit : habits) {
+        choice -= habit.weight;
+        if (choice < 0) {
+            if (!isBlocked || !habit.isInput) {
+                (this->*habit.act)();
+            }
+            return;
+        }
+    }
+}
+
+// Looking
+
+void Monkey::check()
+{
+    const auto &windows = m_stage->application->windows();
+    std::vector<const TextDocument *> shown;
+    for (MainWindowController *window : windows) {
+        REQUIRE(window->isVisible());
+        checkWorkspace(window->workspace());
+        for (const auto &document : window->workspace().documents()) {
+            shown.push_back(document.get());
+        }
+    }
+    for (const auto &document : m_stage->documents->documents()) {
+        const bool isShown = std::find(shown.begin(), shown.end(), document.get()) != shown.end();
+        // Unsaved changes of a file outlive their window: opening it again brings them back.
+        REQUIRE(isShown || (document->isDirty() && !document->isUntitled()));
+        REQUIRE(m_step % turnsBetweenFullChecks != 0 || document->storage().checkInvariants());
+    }
+    for (const TextDocument *document : shown) {
+        const auto &kept = m_stage->documents->documents();
+        REQUIRE(std::any_of(kept.begin(), kept.end(), [&](const auto &one) { return one.get() == document; }));
+    }
+}
+
+void Monkey::checkWorkspace(WorkspaceViewController &workspace)
+{
+    const auto &panes = workspace.panes();
+    REQUIRE(!panes.empty());
+    REQUIRE(std::find(panes.begin(), panes.end(), workspace.activePane()) != panes.end());
+    for (const PaneViewController *pane : panes) {
+        REQUIRE(pane->count() > 0);
+        REQUIRE(pane->selectedIndex() >= 0 && pane->selectedIndex() < pane->count());
+        REQUIRE(pane->isActive() == (pane == workspace.activePane()));
+        EditorViewController *editor = pane->currentEditor();
+        REQUIRE(editor != nullptr && editor->isVisible());
+        REQUIRE(&editor->document() == pane->currentDocument());
+        REQUIRE(pane->documents()[size_t(pane->selectedIndex())].get() == pane->currentDocument());
+        const Rope &text = editor->document().storage().text();
+        const TextRange selected = editor->textView().selection().range();
+        REQUIRE(selected.location >= 0 && selected.end() <= text.length());
+        for (const qsizetype offset : {selected.location, selected.end()}) {
+            REQUIRE(offset == 0 || offset == text.length() || !QChar::isLowSurrogate(text.at(offset)) ||
+                    !QChar::isHighSurrogate(text.at(offset - 1)));
+        }
+    }
+}
+
+// Doing
+
+Qt::KeyboardModifiers Monkey::anyModifiers()
+{
+    static constexpr auto modifiers = std::to_array<Qt::KeyboardModifiers::Int>(
+        {Qt::NoModifier, Qt::NoModifier, Qt::NoModifier, Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier,
+         Qt::ShiftModifier | Qt::ControlModifier, Qt::ShiftModifier | Qt::AltModifier});
+    return Qt::KeyboardModifiers(oneOf(modifiers));
+}
+
+void Monkey::sendKey(Qt::Key key, Qt::KeyboardModifiers modifiers, const QString &text)
+{
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        // The press may have closed the window.
+        if (QWindow *window = QGuiApplication::focusWindow()) {
+            Input::handleKeyEvent<Input::AsynchronousDelivery>(window, type, int(key), modifiers, text);
+        }
+    }
+}
+
+void Monkey::pressKey()
+{
+    static constexpr auto keys = std::to_array<Qt::Key>(
+        {Qt::Key_Left,     Qt::Key_Right,  Qt::Key_Up,   Qt::Key_Down,      Qt::Key_Home,   Qt::Key_End,    Qt::Key_PageUp,
+         Qt::Key_PageDown, Qt::Key_Return, Qt::Key_Tab,  Qt::Key_Backspace, Qt::Key_Delete, Qt::Key_Escape, Qt::Key_Escape,
+         Qt::Key_Backtab,  Qt::Key_F6,     Qt::Key_Menu, Qt::Key_Space,     Qt::Key_F10,    Qt::Key_Insert});
+    const Qt::Key key = oneOf(keys);
+    const auto modifiers = anyModifiers();
+    const bool isPlain = (modifiers & ~Qt::ShiftModifier) == Qt::NoModifier;
+    const QString text = !isPlain                ? QString()
+                         : key == Qt::Key_Return ? u"\r"_s
+                         : key == Qt::Key_Tab    ? u"\t"_s
+                         : key == Qt::Key_Space  ? u" "_s
+                                                 : QString();
+    const qsizetype times = m_random.oneIn(4) ? 1 + m_random.below(6) : 1;
+    note(u"key %1 x %2"_s.arg(QKeySequence(QKeyCombination(modifiers, key)).toString()).arg(times));
+    for (qsizetype i = 0; i < times; ++i) {
+        sendKey(key, modifiers, text);
+    }
+}
+
+void Monkey::pressShortcut()
+{
+    const auto sequences = oneOf(MainMenu::commands()).keySequences();
+    if (sequences.isEmpty()) {
+        return;
+    }
+    const QKeySequence &sequence = oneOf(sequences);
+    note(u"shortcut "_s + sequence.toString());
+    for (int i = 0; i < sequence.count(); ++i) {
+        sendKey(sequence[uint(i)].key(), sequence[uint(i)].keyboardModifiers());
+    }
+}
+
+void Monkey::typeLetters()
+{
+    static constexpr auto words = std::to_array<QStringView>(
+        {u"word", u"äöüß ÄÖÜ", u"{", u"}", u"\"", u"// x", u"(a+)+$", u"#include <a>", u"\u4e2d\u6587", u"12", u":w", u"dd"});
+    const QStringView word = oneOf(words);
+    note(u"type "_s + word.toString());
+    for (const QChar letter : word) {
+        const bool isKey = letter.unicode() < 0x80;
+        sendKey(isKey ? Qt::Key(letter.toUpper().unicode()) : Qt::Key_unknown, letter.isUpper() ? Qt::ShiftModifier : Qt::NoModifier,
+                letter);
+    }
+}
+
+void Monkey::sendCommand()
+{
+    const MenuCommand &command = oneOf(MainMenu::commands());
+    MainWindowController *window = m_stage->application->frontmostWindow();
+    Responder *responder = window ? firstResponder(window) : nullptr;
+    const ActionSender sender{.tag = command.tag};
+    // Quitting comes up by its key.
+    if (!responder || command.selector.isEmpty() || command.selector == "terminate:" ||
+        !responder->state(command.selector, sender).isEnabled) {
+        return;
+    }
+    note(u"command "_s + QLatin1StringView(command.selector.name().data(), qsizetype(command.selector.name().size())));
+    responder->perform(command.selector, sender);
+}
+
+void Monkey::composeText()
+{
+    QObject *object = QGuiApplication::focusObject();
+    if (!object) {
+        return;
+    }
+    const QString preedit = m_random.oneIn(3) ? QString() : u"´"_s;
+    QInputMethodEvent event(preedit, {{QInputMethodEvent::Cursor, int(preedit.size()), 1, {}}});
+    if (m_random.oneIn(2)) {
+        event.setCommitString(u"é"_s, m_random.oneIn(4) ? -1 : 0, m_random.oneIn(4) ? 1 : 0);
+    }
+    note(u"compose \"%1\" + \"%2\""_s.arg(preedit, event.commitString()));
+    QCoreApplication::sendEvent(object, &event);
+}
+
+QWindow *Monkey::target()
+{
+    const QWidget *popup = QApplication::activePopupWidget();
+    if (popup && !m_random.oneIn(4)) {
+        return popup->windowHandle();
+    }
+    const auto &windows = m_stage->application->windows();
+    return windows.empty() ? nullptr : oneOf(windows)->windowHandle();
+}
+
+QPoint Monkey::anyPlace(const QWindow &window)
+{
+    const auto within = [this](int length) { return int(m_random.below(std::max(1, length))); };
+    // Half of it where the tabs, the toolbar and the status bar are.
+    switch (m_random.below(6)) {
+    case 0:
+    case 1:
+        return {within(window.width()), within(std::min(window.height(), 120))};
+    case 2:
+        return {within(window.width()), window.height() - 1 - within(std::min(window.height(), 30))};
+    default:
+        return {within(window.width()), within(window.height())};
+    }
+}
+
+void Monkey::sendMouse(QEvent::Type type, QPoint place, Qt::MouseButton button, Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers)
+{
+    Input::handleMouseEvent<Input::AsynchronousDelivery>(m_pressed, QPointF(place), QPointF(m_pressed->mapToGlobal(place)), buttons, button,
+                                                         type, modifiers);
+}
+
+void Monkey::click()
+{
+    m_pressed = target();
+    if (!m_pressed) {
+        return;
+    }
+    const QPoint place = anyPlace(*m_pressed);
+    static constexpr auto buttons =
+        std::to_array<Qt::MouseButton>({Qt::LeftButton, Qt::LeftButton, Qt::LeftButton, Qt::RightButton, Qt::MiddleButton});
+    const Qt::MouseButton button = oneOf(buttons);
+    const auto modifiers = anyModifiers();
+    const qsizetype times = m_random.oneIn(3) ? 1 + m_random.below(3) : 1;
+    note(u"click %1 x %2 at %3, %4"_s.arg(int(button)).arg(times).arg(place.x()).arg(place.y()));
+    sendMouse(QEvent::MouseMove, place, Qt::NoButton, Qt::NoButton, modifiers);
+    for (qsizetype i = 0; i < times; ++i) {
+        sendMouse(QEvent::MouseButtonPress, place, button, button, modifiers);
+        sendMouse(QEvent::MouseButtonRelease, place, button, Qt::NoButton, modifiers);
+    }
+}
+
+void Monkey::drag()
+{
+    m_pressed = target();
+    if (!m_pressed) {
+        return;
+    }
+    const QPoint from = anyPlace(*m_pressed);
+    const QPoint to = anyPlace(*m_pressed);
+    note(u"drag %1, %2 to %3, %4"_s.arg(from.x()).arg(from.y()).arg(to.x()).arg(to.y()));
+    sendMouse(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
+    for (int i = 1; i <= 5; ++i) {
+        sendMouse(QEvent::MouseMove, from + (to - from) * i / 5, Qt::NoButton, Qt::LeftButton);
+    }
+    if (m_random.oneIn(5)) {
+        sendKey(Qt::Key_Escape, Qt::NoModifier);
+    }
+    sendMouse(QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
+}
+
+void Monkey::turnWheel()
+{
+    if (QWindow *window = target()) {
+        const QPoint place = anyPlace(*window);
+        const QPoint turn(m_random.oneIn(4) ? 120 : 0, int(m_random.below(9) - 4) * 120);
+        const auto modifiers = anyModifiers();
+        note(u"wheel %1 at %2, %3"_s.arg(turn.y()).arg(place.x()).arg(place.y()));
+        Input::handleWheelEvent(window, QPointF(place), QPointF(window->mapToGlobal(place)), QPoint(), turn, modifiers);
+    }
+}
+
+void Monkey::dropFiles()
+{
+    QWindow *window = target();
+    if (!window) {
+        return;
+    }
+    QMimeData data;
+    if (m_random.oneIn(3)) {
+        data.setText(u"dropped\ntext"_s);
+    } else {
+        data.setUrls({QUrl::fromLocalFile(m_ground.anyPath()), QUrl::fromLocalFile(m_ground.folder())});
+    }
+    const QPoint place = anyPlace(*window);
+    note(u"drop at %1, %2"_s.arg(place.x()).arg(place.y()));
+    const QPointer<QWindow> alive = window;
+    (void)Input::handleDrag(window, &data, place, Qt::CopyAction | Qt::MoveAction, Qt::LeftButton, Qt::NoModifier);
+    if (!alive) {
+        return;
+    }
+    if (m_random.oneIn(4)) {
+        (void)Input::handleDrag(window, nullptr, QPoint(), Qt::IgnoreAction, Qt::NoButton, Qt::NoModifier);
+    } else {
+        (void)Input::handleDrop(window, &data, place, Qt::CopyAction | Qt::MoveAction, Qt::NoButton, Qt::NoModifier);
+    }
+}
+
+void Monkey::resizeWindow()
+{
+    const QSize size(480 + int(m_random.below(900)), 300 + int(m_random.below(600)));
+    note(u"resize to %1 x %2"_s.arg(size.width()).arg(size.height()));
+    MainWindowController *window = oneOf(m_stage->application->windows());
+    m_random.oneIn(3) ? window->resize(480, 300) : window->resize(size);
+}
+
+void Monkey::tidyWindows()
+{
+    const auto &windows = m_stage->application->windows();
+    if (windows.size() > 3 || m_random.oneIn(8)) {
+        note(u"close a window"_s);
+        oneOf(windows)->close();
+    } else {
+        note(u"activate a window"_s);
+        oneOf(windows)->activateWindow();
+    }
+}
+
+void Monkey::openFiles()
+{
+    QStringList paths;
+    for (qsizetype count = 1 + m_random.below(3); count > 0; --count) {
+        paths << m_ground.anyPath();
+    }
+    note(u"open "_s + paths.join(u' '));
+    m_stage->application->open(paths);
+}
+
+void Monkey::changePreference()
+{
+    const PreferenceRow &row = oneOf(Preferences::table());
+    QString value;
+    if (row.preference == Preference::themeName) {
+        value = oneOf(Theme::all()).name.toString();
+    } else if (row.preference == Preference::fontName) {
+        value = m_random.oneIn(2) ? u"DejaVu Sans Mono"_s : u"No Such Font"_s;
+    } else if (!row.choices.empty()) {
+        value = oneOf(row.choices);
+    } else if (row.type == PreferenceType::boolean) {
+        value = m_random.oneIn(2) ? u"true"_s : u"false"_s;
+    } else if (row.type == PreferenceType::integer || row.type == PreferenceType::real) {
+        value = QString::number(m_random.below(40));
+    } else {
+        return;
+    }
+    note(u"preference %1 = %2"_s.arg(row.key, value));
+    m_stage->preferences.setFromText(row, value);
+}
+
+void Monkey::changeFile()
+{
+    note(m_ground.change());
+    m_stage->desktop.result = m_random.oneIn(3) ? Result<void>(failure(u"no"_s)) : Result<void>();
+}
+
+void Monkey::passTime()
+{
+    static constexpr auto durations = std::to_array<int>({1, 20, 60, 250, 450, 1000, 5000});
+    const int duration = oneOf(durations);
+    note(u"%1 ms"_s.arg(duration));
+    m_stage->scheduler.advance(Scheduler::Milliseconds(duration));
+}
+
+void Monkey::fillPasteboard()
+{
+    const auto text = QString::fromStdU16String(m_random.text(m_random.below(60)));
+    note(u"pasteboard, %1 units"_s.arg(text.size()));
+    m_stage->pasteboard.setTextFromElsewhere(text);
+}
