@@ -370,7 +370,11 @@ void Monkey::drag()
         return;
     }
     const QPoint from = anyPlace(*m_pressed);
-    const QPoint to = anyPlace(*m_pressed);
+    QPoint to = anyPlace(*m_pressed);
+    // Tabs and selections are dragged along a line.
+    if (m_random.oneIn(2)) {
+        to.setY(from.y());
+    }
     note(u"drag %1, %2 to %3, %4"_s.arg(from.x()).arg(from.y()).arg(to.x()).arg(to.y()));
     sendMouse(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
     for (int i = 1; i <= 5; ++i) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "App/AppDelegate.h"
+#include "Editor/SpellingPanel.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Model/WatchedPath.h"
@@ -11,6 +12,7 @@
 #include "Platform/Desktop.h"
 #include "Platform/Localization.h"
 #include "Platform/Pasteboard.h"
+#include "Platform/SpellChecker.h"
 #include "Text/FindState.h"
 #include "Text/RandomText.h"
 
@@ -89,8 +91,11 @@ struct Stage {
             workers = std::make_unique<InlineWorkers>();
             watchers = std::make_unique<FileWatcherQueue>(scheduler, WatchCalls::system(), *workers);
         }
+        speller.emplace(*workers, SpellChecker::Setup{{QStringLiteral(QUILLET_TEST_DATA "/spelling")}, {QStringLiteral("en")}, {}});
+        spellingPanel.emplace(*speller);
         documents.emplace(DocumentServices{scheduler, notifications, defaults, *workers, *watchers, {}}, DocumentStore::AppearanceQuery());
-        const EditorServices editors{scheduler, notifications, preferences, pasteboard, presenter, *documents, *workers, find};
+        const EditorServices editors{scheduler,  notifications, preferences, pasteboard, presenter,
+                                     *documents, *workers,      find,        &*speller,  &*spellingPanel};
         application.emplace(WorkspaceServices{editors, defaults, desktop});
         preferences.setLanguageResolver(Localization::use);
         preferences.setLanguage(AppLanguage::english);
@@ -106,6 +111,8 @@ struct Stage {
     std::unique_ptr<FileWatcherQueue> watchers;
     std::optional<DocumentStore> documents;
     FindState find;
+    std::optional<SpellChecker> speller;
+    std::optional<SpellingPanel> spellingPanel;
     RecordingDesktop desktop;
     std::optional<AppDelegate> application;
 };
