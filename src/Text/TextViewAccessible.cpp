@@ -49,6 +49,16 @@ void *TextViewAccessible::interface_cast(QAccessible::InterfaceType type)
     }
 }
 
+QAccessibleInterface *TextViewAccessible::child(int /*index*/) const
+{
+    return nullptr;
+}
+
+int TextViewAccessible::indexOfChild(const QAccessibleInterface * /*child*/) const
+{
+    return -1;
+}
+
 QAccessible::State TextViewAccessible::state() const
 {
     QAccessible::State state = QAccessibleWidget::state();
@@ -141,7 +151,11 @@ TextRange TextViewAccessible::pieceAt(qsizetype offset, QAccessible::TextBoundar
         return TextRange::between(start, TextBoundaries::nextGrapheme(text, start));
     }
     case QAccessible::WordBoundary:
-        return TextBoundaries::wordAt(text, offset);
+        // At a line's end that is the word before; from there a reader would never come to the next line.
+        if (const TextRange word = TextBoundaries::wordAt(text, offset); word.contains(offset) || offset >= text.length()) {
+            return word;
+        }
+        return pieceAt(offset, QAccessible::CharBoundary);
     case QAccessible::LineBoundary: {
         LayoutManager &layout = view().layoutManager();
         const RowPosition row = layout.rowOf(offset);

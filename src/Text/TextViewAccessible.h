@@ -20,6 +20,10 @@ public:
     explicit TextViewAccessible(TextView &view);
 
     void *interface_cast(QAccessible::InterfaceType type) override;
+    /// None: gutter and viewport are how the text is made, and have nothing to tell.
+    [[nodiscard]] int childCount() const override { return 0; }
+    [[nodiscard]] QAccessibleInterface *child(int index) const override;
+    [[nodiscard]] int indexOfChild(const QAccessibleInterface *child) const override;
     [[nodiscard]] QAccessible::State state() const override;
     [[nodiscard]] QString text(QAccessible::Text kind) const override;
     void setText(QAccessible::Text kind, const QString &text) override;

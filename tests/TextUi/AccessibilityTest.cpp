@@ -93,6 +93,7 @@ TEST_F(Accessibility, GivesTextByPieceWithoutTheWhole)
     const Case cases[] = {{0, QAccessible::CharBoundary, {}, u"F"_s, u"i"_s},
                           {17, QAccessible::CharBoundary, u"s"_s, u"e\u0301"_s, u"c"_s},
                           {7, QAccessible::WordBoundary, u" "_s, u"line"_s, u" "_s},
+                          {15, QAccessible::WordBoundary, u"here"_s, u"\n"_s, u"se\u0301cond"_s},
                           {3, QAccessible::LineBoundary, {}, u"First line here\n"_s, u"se\u0301cond, one\n"_s},
                           {20, QAccessible::ParagraphBoundary, u"First line here\n"_s, u"se\u0301cond, one\n"_s, {}},
                           {-1, QAccessible::LineBoundary, u"se\u0301cond, one\n"_s, {}, {}},
