@@ -10,6 +10,7 @@
 #include "Editor/ThemePalette.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
+#include "Platform/AccessibleRole.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/Localization.h"
 #include "Text/FindBar.h"
@@ -39,6 +40,7 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
           this)),
       m_findBar(new FindBar(*m_finder, services.scheduler, this))
 {
+    setAccessibleRole(*this, QAccessible::Grouping);
     resize(startSize);
     m_stack->setContentsMargins({});
     m_stack->setSpacing(0);

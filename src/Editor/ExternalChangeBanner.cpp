@@ -3,10 +3,10 @@
 #include "Editor/ExternalChangeBanner.h"
 
 #include "Highlighting/Theme.h"
+#include "Platform/AccessibleRole.h"
 #include "Platform/ElidedLabel.h"
 #include "Platform/Translation.h"
 
-#include <QAccessible>
 #include <QHBoxLayout>
 #include <QPushButton>
 
@@ -56,6 +56,8 @@ const StateRow *rowOf(TextDocument::ExternalState state)
 ExternalChangeBanner::ExternalChangeBanner(QWidget *parent)
     : QWidget(parent), m_stack(new QHBoxLayout(this)), m_buttonStack(new QHBoxLayout), m_label(new ElidedLabel(Qt::ElideMiddle, this))
 {
+    setAccessibleRole(*this, QAccessible::Grouping);
+    becomeNotice(*m_label);
     setAutoFillBackground(true);
     setMinimumHeight(leastHeight);
     m_stack->setContentsMargins(12, 6, 12, 6);
@@ -108,8 +110,9 @@ void ExternalChangeBanner::configure(TextDocument::ExternalState state, const QS
         m_label->setText(sentence);
         setAccessibleName(sentence);
         arrange();
-        QAccessibleEvent announcement(this, QAccessible::Alert);
-        QAccessible::updateAccessibility(&announcement);
+        if (isVisible()) {
+            announce(*m_label);
+        }
     }
 }
 

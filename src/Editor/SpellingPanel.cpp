@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/SpellingPanel.h"
 
+#include "Platform/AccessibleRole.h"
 #include "Platform/SpellChecker.h"
 #include "Platform/Translation.h"
 #include "Text/TextView.h"
 
-#include <QAccessible>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -53,6 +53,7 @@ void SpellingPanel::makeWindow()
     m_window = std::make_unique<QDialog>(nullptr, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
     m_window->setAttribute(Qt::WA_QuitOnClose, false);
     m_message = new QLabel;
+    becomeNotice(*m_message);
     m_message->setTextFormat(Qt::PlainText);
     m_message->setWordWrap(true);
     QFont bold = m_message->font();
@@ -214,8 +215,7 @@ void SpellingPanel::update()
     }
     if (const QString text = message(); text != m_message->text()) {
         m_message->setText(text);
-        QAccessibleEvent event(m_message, QAccessible::NameChanged);
-        QAccessible::updateAccessibility(&event);
+        announce(*m_message);
     }
     QStringList names;
     for (const QString &dictionary : m_checker.dictionaries()) {

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Text/FindBar.h"
 
+#include "Platform/AccessibleRole.h"
 #include "Platform/ColorMix.h"
 #include "Platform/SymbolIcon.h"
 #include "Platform/Translation.h"
@@ -10,7 +11,6 @@
 #include "Text/TextFinder.h"
 #include "Text/TextView.h"
 
-#include <QAccessible>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -77,6 +77,7 @@ FindField::State patternState(const TextFinder &finder, const TextFinder::Status
 FindBar::FindBar(TextFinder &finder, Scheduler &scheduler, QWidget *parent)
     : QWidget(parent), m_finder(finder), m_scheduler(scheduler), m_panel(new QWidget(this))
 {
+    setAccessibleRole(*this, QAccessible::Grouping);
     makeRows();
     connectControls();
     retranslate();
@@ -111,6 +112,7 @@ void FindBar::makeRows()
     m_replaceAll = new QToolButton(m_panel);
     m_done = symbolButton(u"xmark"_s, m_panel);
     m_message = new QLabel(m_panel);
+    becomeNotice(*m_message);
     m_message->setWordWrap(true);
     m_message->hide();
 
@@ -176,6 +178,9 @@ void FindBar::connectControls()
 void FindBar::retranslate()
 {
     setAccessibleName(localized(u"Find"));
+    for (const FindField *field : {m_pattern, m_replacement}) {
+        field->nameClearButton(localized(u"Clear Text"));
+    }
     m_pattern->setPlaceholderText(localized(u"Find"));
     m_pattern->setAccessibleName(localized(u"Find"));
     m_replacement->setPlaceholderText(localized(u"Replace with"));
@@ -295,8 +300,13 @@ void FindBar::queryEdited()
     if (m_isEntering) {
         return;
     }
-    m_finder.setQuery(enteredQuery());
-    m_finder.findWhileTyping();
+    {
+        // What is found where comes at once in most texts; what is known in between would only be said for nothing.
+        const QScopedValueRollback<bool> asking(m_isAsking, true);
+        m_finder.setQuery(enteredQuery());
+        m_finder.findWhileTyping();
+    }
+    showStatus();
 }
 
 /// Another window, or this one's text, gave all windows something else to seek.
@@ -362,11 +372,12 @@ QString FindBar::noteText(const TextFinder::Status &status) const
 void FindBar::showStatus()
 {
     // Every key changes it, and nobody looks; opening asks anew.
-    if (!m_isOpen) {
+    if (!m_isOpen || m_isAsking) {
         return;
     }
     const TextFinder::Status status = m_finder.status();
-    m_pattern->setNote(noteText(status), status.hasWrapped ? localized(u"The search went on at the other end of the text.") : QString());
+    const QString explanation = status.hasWrapped ? localized(u"The search went on at the other end of the text.") : QString();
+    m_pattern->setNote(noteText(status), explanation, status.progress ? FindField::Saying::silently : FindField::Saying::aloud);
     m_pattern->setState(patternState(m_finder, status));
     m_replacement->setState(m_finder.replacementError().isEmpty() ? FindField::State::normal : FindField::State::wrong);
     enableButtons(!m_finder.query().pattern.isEmpty() && m_finder.patternError().isEmpty() && (!isNotFound(status) || status.isIncomplete));
@@ -385,14 +396,12 @@ void FindBar::showMessage(const QString &message)
     if (message == m_message->text()) {
         return;
     }
+    const bool wasShown = m_message->isVisible();
     m_message->setText(message);
     m_message->setVisible(!message.isEmpty());
     fitHeight();
-    if (!message.isEmpty()) {
-        QAccessibleEvent named(m_message, QAccessible::NameChanged);
-        QAccessible::updateAccessibility(&named);
-        QAccessibleEvent alert(m_message, QAccessible::Alert);
-        QAccessible::updateAccessibility(&alert);
+    if (wasShown && !message.isEmpty()) {
+        announce(*m_message);
     }
 }
 

@@ -104,5 +104,6 @@ private:
     bool m_isNarrow = false;
     bool m_isOpen = false;
     bool m_isEntering = false;
+    bool m_isAsking = false;
     RepeatingTimer m_sliding;
 };

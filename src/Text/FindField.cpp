@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "Text/FindField.h"
 
+#include "Platform/AccessibleRole.h"
 #include "Platform/ColorMix.h"
 
-#include <QAccessible>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QScopedValueRollback>
@@ -25,13 +25,14 @@ constexpr int noteGap = 4;
 
 FindField::FindField(History history, QWidget *parent) : QLineEdit(parent), m_history(std::move(history)), m_note(new QLabel(this))
 {
+    becomeNotice(*m_note);
     setClearButtonEnabled(true);
     m_note->setForegroundRole(QPalette::PlaceholderText);
     m_note->setAttribute(Qt::WA_TransparentForMouseEvents);
     m_note->hide();
 }
 
-void FindField::setNote(const QString &note, const QString &explanation)
+void FindField::setNote(const QString &note, const QString &explanation, Saying saying)
 {
     m_note->setToolTip(explanation);
     setToolTip(explanation);
@@ -39,10 +40,11 @@ void FindField::setNote(const QString &note, const QString &explanation)
         return;
     }
     m_note->setText(note);
+    const bool wasShown = m_note->isVisible();
     placeNote();
-    if (!note.isEmpty()) {
-        QAccessibleEvent event(m_note, QAccessible::NameChanged);
-        QAccessible::updateAccessibility(&event);
+    // Said too where there is no room for it.
+    if (saying == Saying::aloud && !note.isEmpty() && m_note->isVisible() == wasShown) {
+        announce(*m_note);
     }
 }
 
@@ -60,6 +62,14 @@ void FindField::placeNote()
     m_note->setGeometry(right - noteWidth, 0, noteWidth, height());
     m_note->setVisible(fits);
     setTextMargins(0, 0, fits ? noteWidth + noteGap : 0, 0);
+}
+
+void FindField::nameClearButton(const QString &name) const
+{
+    if (auto *button = findChild<QToolButton *>()) {
+        button->setAccessibleName(name);
+        button->setToolTip(name);
+    }
 }
 
 void FindField::setState(State state)

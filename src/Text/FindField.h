@@ -16,14 +16,17 @@ class FindField final : public QLineEdit {
 public:
     /// What is not found is told by the colour of the note, what is wrong by that of the field.
     enum class State { normal, notFound, wrong };
+    enum class Saying { aloud, silently };
     /// The latest first.
     using History = std::function<QStringList()>;
 
     explicit FindField(History history, QWidget *parent = nullptr);
 
-    /// Hidden where it would leave no room to type. Told to screen readers when it changes.
-    void setNote(const QString &note, const QString &explanation = {});
+    /// Hidden where it would leave no room to type. Screen readers say it when it changes aloud.
+    void setNote(const QString &note, const QString &explanation, Saying saying);
     [[nodiscard]] QString note() const;
+    /// What the button that empties the field is called.
+    void nameClearButton(const QString &name) const;
     void setState(State state);
     [[nodiscard]] State state() const { return m_state; }
 

@@ -5,6 +5,7 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/Theme.h"
 #include "Model/TextFile.h"
+#include "Platform/AccessibleRole.h"
 #include "Platform/ElidedLabel.h"
 #include "Platform/Localization.h"
 #include "Platform/Translation.h"
@@ -13,7 +14,6 @@
 #include "UI/SystemColors.h"
 #include "UI/VimBadge.h"
 
-#include <QAccessible>
 #include <QApplication>
 #include <QEvent>
 #include <QFontDatabase>
@@ -83,6 +83,7 @@ void showChoice(PopUpButton &popUp, const auto &row, const auto &isWanted)
 StatusBarView::StatusBarView(Scheduler &scheduler, NotificationCenter &notifications, QWidget *parent)
     : QWidget(parent), m_scheduler(scheduler), m_theme(&Theme::light())
 {
+    setAccessibleRole(*this, QAccessible::StatusBar);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     makeControls();
     updateFonts();
@@ -98,6 +99,9 @@ void StatusBarView::makeControls()
 {
     m_vimBadge = new VimBadge(this);
     m_pathLabel = new ElidedLabel(Qt::ElideLeft, this);
+    m_flashLabel = new ElidedLabel(Qt::ElideLeft, this);
+    becomeNotice(*m_flashLabel);
+    m_flashLabel->hide();
     m_positionButton = new FlatButton(this);
     connect(m_positionButton, &QAbstractButton::clicked, this, [this] {
         if (m_delegate) {
@@ -157,7 +161,7 @@ void StatusBarView::applyPalette()
 void StatusBarView::updateFonts()
 {
     const QFont font = scaledFont(QApplication::font(), TextSize::status);
-    for (QWidget *widget : std::initializer_list<QWidget *>{m_pathLabel, m_positionButton, m_indentPopUp, m_lineEndingPopUp,
+    for (QWidget *widget : std::initializer_list<QWidget *>{m_pathLabel, m_flashLabel, m_positionButton, m_indentPopUp, m_lineEndingPopUp,
                                                             m_encodingPopUp, m_languagePopUp}) {
         widget->setFont(font);
     }
@@ -204,12 +208,13 @@ void StatusBarView::resizeEvent(QResizeEvent * /*event*/)
 /// go, and at last the badge is cut.
 void StatusBarView::layOut()
 {
+    ElidedLabel &label = shownLabel();
     // From the most important to the least, which is also from the right to the left but for the position.
     std::vector<QWidget *> controls;
     if (m_state) {
         controls = {m_positionButton, m_languagePopUp, m_encodingPopUp, m_lineEndingPopUp, m_indentPopUp};
     }
-    const int leastPath = qMin(m_pathLabel->sizeHint().width(), leastPathLength * m_pathLabel->fontMetrics().averageCharWidth());
+    const int leastPath = qMin(label.sizeHint().width(), leastPathLength * label.fontMetrics().averageCharWidth());
     int free = width() - leftInset - rightInset - leastPath - textGap;
     if (!m_vimBadge->isHidden()) {
         free -= m_vimBadge->sizeHint().width() + textGap;
@@ -240,7 +245,7 @@ void StatusBarView::layOut()
         m_vimBadge->setGeometry(left, (height() - size.height()) / 2, qBound(0, right - left, size.width()), size.height());
         left += m_vimBadge->width() + textGap;
     }
-    m_pathLabel->setGeometry(left, 0, qBound(0, right - left, m_pathLabel->sizeHint().width()), height());
+    label.setGeometry(left, 0, qBound(0, right - left, label.sizeHint().width()), height());
 }
 
 // State
@@ -282,14 +287,14 @@ QString StatusBarView::positionTitle() const
 void StatusBarView::showMessageOrPath()
 {
     QPalette colors = palette();
-    if (m_flashMessage) {
-        colors.setColor(QPalette::WindowText, SystemColor::accent());
+    colors.setColor(QPalette::WindowText, SystemColor::accent());
+    m_flashLabel->setPalette(colors);
+    const QString path = m_state ? m_state->path : localized(u"No document");
+    if (path != m_pathLabel->text()) {
+        m_pathLabel->setText(path);
     }
-    m_pathLabel->setPalette(colors);
-    const QString text = m_flashMessage ? *m_flashMessage : m_state ? m_state->path : localized(u"No document");
-    if (text != m_pathLabel->text()) {
-        m_pathLabel->setText(text);
-    }
+    m_pathLabel->setVisible(!m_flashMessage);
+    m_flashLabel->setVisible(m_flashMessage.has_value());
 }
 
 void StatusBarView::flash(const QString &message, Scheduler::Milliseconds duration)
@@ -300,10 +305,13 @@ void StatusBarView::flash(const QString &message, Scheduler::Milliseconds durati
         showMessageOrPath();
         layOut();
     });
+    const bool wasShown = m_flashLabel->isVisible();
+    m_flashLabel->setText(message);
     showMessageOrPath();
     layOut();
-    QAccessibleEvent announcement(m_pathLabel, QAccessible::Alert);
-    QAccessible::updateAccessibility(&announcement);
+    if (wasShown) {
+        announce(*m_flashLabel);
+    }
     emit flashed(message);
 }
 

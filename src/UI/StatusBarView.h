@@ -109,6 +109,7 @@ private:
     void showMessageOrPath();
     void layOut();
 
+    [[nodiscard]] ElidedLabel &shownLabel() const { return m_flashMessage ? *m_flashLabel : *m_pathLabel; }
     [[nodiscard]] QString positionTitle() const;
     void chooseLanguage(int index);
     void chooseEncoding(int index);
@@ -125,6 +126,8 @@ private:
 
     VimBadge *m_vimBadge;
     ElidedLabel *m_pathLabel;
+    /// In its place while there is a message.
+    ElidedLabel *m_flashLabel;
     FlatButton *m_positionButton;
     PopUpButton *m_indentPopUp;
     PopUpButton *m_lineEndingPopUp;
