@@ -270,12 +270,12 @@ public:
     }
 
 private:
-    void addItem(QMenu &menu, const MenuNode &node, QString title)
+    void addItem(QMenu &menu, const MenuNode &node, const QString &title)
     {
         QAction *item = menu.addAction(title);
         item->setCheckable(node.command->look == checkable);
         if (node.sender.represented.isNull()) {
-            title = setKeys(*item, *node.command, title);
+            setKeys(*item, *node.command);
         }
         const Selector selector = node.command->selector;
         QObject::connect(item, &QAction::triggered, &m_window,
@@ -290,21 +290,21 @@ private:
         QObject::connect(&menu, &QMenu::aboutToHide, item, [item] { item->setEnabled(true); });
     }
 
-    /// Two items of one window may not have the same keys; the second one only shows them. Answers with the title to show.
-    QString setKeys(QAction &item, const MenuCommand &command, const QString &title)
+    /// Two items of one window may not have the same keys; the second one only shows them.
+    void setKeys(QAction &item, const MenuCommand &command)
     {
         const QList<QKeySequence> keys = command.keySequences();
         if (keys.isEmpty()) {
-            return title;
+            return;
         }
         if (m_taken.contains(keys.first())) {
-            QString withKeys = title + u'\t' + keys.first().toString(QKeySequence::NativeText);
-            item.setText(withKeys);
-            return withKeys;
+            // Of a menu, which never has the focus.
+            item.setShortcutContext(Qt::WidgetShortcut);
+            item.setShortcut(keys.first());
+            return;
         }
         m_taken.insert(keys.first());
         item.setShortcuts(keys);
-        return title;
     }
 
     QMainWindow &m_window;

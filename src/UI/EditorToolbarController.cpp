@@ -182,6 +182,7 @@ void EditorToolbarController::installStrip()
     } else {
         m_bar = new QToolBar;
         m_bar->setObjectName(u"QuilletToolbar"_s);
+        m_bar->setAccessibleName(m_strip->accessibleName());
         m_bar->setMovable(false);
         m_bar->setContextMenuPolicy(Qt::PreventContextMenu);
         // Else the window's own context menu would offer to hide it.

@@ -7,6 +7,7 @@
 #include "Platform/DefaultsStore.h"
 #include "Platform/Translation.h"
 #include "UI/EditorToolbarController.h"
+#include "UI/WindowAccessible.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -48,6 +49,7 @@ MainWindowController::MainWindowController(const WorkspaceServices &services, Wo
       m_toolbar(new EditorToolbarController(*this, {services.scheduler, services.notifications, services.preferences, services.presenter,
                                                     [&host](Selector action) { return host.keyName(action); }}))
 {
+    WindowAccessible::install();
     setMinimumSize(leastSize);
     restoreFrame();
     setCentralWidget(m_workspace);

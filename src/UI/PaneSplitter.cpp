@@ -2,13 +2,18 @@
 // SPDX-License-Identifier: MIT
 #include "UI/PaneSplitter.h"
 
+#include "Platform/AccessibleRole.h"
+
 #include <QPainter>
 
 namespace {
 
 class Divider final : public QSplitterHandle {
 public:
-    Divider(Qt::Orientation orientation, PaneSplitter &splitter) : QSplitterHandle(orientation, &splitter), m_splitter(splitter) {}
+    Divider(Qt::Orientation orientation, PaneSplitter &splitter) : QSplitterHandle(orientation, &splitter), m_splitter(splitter)
+    {
+        setAccessibleRole(*this, QAccessible::Separator);
+    }
 
 protected:
     void paintEvent(QPaintEvent * /*event*/) override

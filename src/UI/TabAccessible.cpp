@@ -8,13 +8,8 @@ namespace {
 
 QAccessibleInterface *makeAccessible(const QString & /*className*/, QObject *object)
 {
-    if (auto *item = qobject_cast<TabItemView *>(object)) {
-        return new TabItemAccessible(*item);
-    }
-    if (auto *strip = qobject_cast<TabStrip *>(object)) {
-        return new QAccessibleWidget(strip, QAccessible::PageTabList);
-    }
-    return nullptr;
+    auto *item = qobject_cast<TabItemView *>(object);
+    return item ? new TabItemAccessible(*item) : nullptr;
 }
 
 } // namespace

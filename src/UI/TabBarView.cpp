@@ -3,11 +3,11 @@
 #include "UI/TabBarView.h"
 
 #include "Highlighting/Theme.h"
+#include "Platform/AccessibleRole.h"
 #include "Platform/PlainToolTip.h"
 #include "Platform/Translation.h"
 #include "UI/FlatButton.h"
 #include "UI/InterfaceFont.h"
-#include "UI/TabAccessible.h"
 
 #include <QActionGroup>
 #include <QApplication>
@@ -51,10 +51,11 @@ quint32 groundOf(const Theme &theme)
 } // namespace
 
 TabBarView::TabBarView(QWidget *parent)
-    : QWidget(parent), m_theme(&Theme::light()), m_viewport(new QWidget(this)), m_strip(new TabStrip(m_viewport)),
+    : QWidget(parent), m_theme(&Theme::light()), m_viewport(new QWidget(this)), m_strip(new QWidget(m_viewport)),
       m_scrollLeftButton(new FlatButton(this)), m_scrollRightButton(new FlatButton(this)), m_allTabsButton(new FlatButton(this)),
       m_newTabButton(new FlatButton(this)), m_allTabsMenu(new QMenu(this)), m_allTabsChoice(new QActionGroup(this))
 {
+    setAccessibleRole(*m_strip, QAccessible::PageTabList);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setAcceptDrops(true);
     m_scrollLeftButton->setSymbol(u"chevron.left"_s, scrollSymbolSide);

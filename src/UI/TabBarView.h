@@ -12,7 +12,6 @@ class FlatButton;
 class QActionGroup;
 class QMenu;
 class TabBarView;
-class TabStrip;
 struct Theme;
 
 /// What a tab bar asks of the pane that it belongs to. Indexes are those of tabs that the bar has; the bar changes nothing by itself, the
@@ -95,7 +94,7 @@ private:
 
     /// What is seen of the row; the strip in it holds the items.
     QWidget *m_viewport;
-    TabStrip *m_strip;
+    QWidget *m_strip;
     std::vector<TabItemView *> m_items;
     FlatButton *m_scrollLeftButton;
     FlatButton *m_scrollRightButton;

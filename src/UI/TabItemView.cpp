@@ -116,10 +116,9 @@ void TabItemView::setContent(const TabDescriptor &descriptor, int index, Selecti
         changed.selected = true;
         QAccessibleStateChangeEvent stateChange(this, changed);
         QAccessible::updateAccessibility(&stateChange);
-        if (isSelected()) {
-            QAccessibleEvent selected(this, QAccessible::Selection);
-            QAccessible::updateAccessibility(&selected);
-        }
+        // The bridge to the bus tells of the state for these only.
+        QAccessibleEvent event(this, isSelected() ? QAccessible::Selection : QAccessible::SelectionRemove);
+        QAccessible::updateAccessibility(&event);
     }
     setLook(*m_theme, m_activity);
 }
@@ -153,8 +152,13 @@ void TabItemView::updateAccessibleTexts()
         states.append(localized(u"changed on disk"));
     }
     states.append(m_descriptor.tooltip);
-    setAccessibleName(m_descriptor.title);
-    setAccessibleDescription(states.join(u", "_s));
+    // Set again, they would be said again.
+    if (m_descriptor.title != accessibleName()) {
+        setAccessibleName(m_descriptor.title);
+    }
+    if (const QString description = states.join(u", "_s); description != accessibleDescription()) {
+        setAccessibleDescription(description);
+    }
 }
 
 // Painting

@@ -6,6 +6,7 @@
 #include "Platform/SymbolIcon.h"
 #include "Platform/Translation.h"
 #include "UI/ToolbarActionItem.h"
+#include "UI/WindowAccessible.h"
 
 #include <QKeyEvent>
 #include <QMenu>
@@ -73,6 +74,7 @@ ToolbarStrip::ToolbarStrip(QWidget *parent)
     : QWidget(parent), m_title(new ElidedLabel(Qt::ElideMiddle, this)), m_extension(new ExtensionButton(this)),
       m_extensionMenu(new QMenu(this))
 {
+    WindowAccessible::install();
     setAccessibleName(localized(u"Toolbar"));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     // Beside the menus it must not look like one of them.
