@@ -142,7 +142,7 @@ QString TextViewAccessible::text(int start, int end) const
     return view().storage().string(TextRange::between(from, to));
 }
 
-TextRange TextViewAccessible::pieceAt(qsizetype offset, QAccessible::TextBoundaryType boundary) const
+TextRange TextViewAccessible::wholePieceAt(qsizetype offset, QAccessible::TextBoundaryType boundary) const
 {
     const Rope &text = view().storage().text();
     switch (boundary) {
@@ -155,7 +155,7 @@ TextRange TextViewAccessible::pieceAt(qsizetype offset, QAccessible::TextBoundar
         if (const TextRange word = TextBoundaries::wordAt(text, offset); word.contains(offset) || offset >= text.length()) {
             return word;
         }
-        return pieceAt(offset, QAccessible::CharBoundary);
+        return wholePieceAt(offset, QAccessible::CharBoundary);
     case QAccessible::LineBoundary: {
         LayoutManager &layout = view().layoutManager();
         const RowPosition row = layout.rowOf(offset);
@@ -177,11 +177,30 @@ TextRange TextViewAccessible::pieceAt(qsizetype offset, QAccessible::TextBoundar
     return {0, text.length()};
 }
 
+TextRange TextViewAccessible::pieceAt(qsizetype offset, QAccessible::TextBoundaryType boundary) const
+{
+    const TextRange whole = wholePieceAt(offset, boundary);
+    if (whole.length <= answerLimit) {
+        return whole;
+    }
+    // Parts begin and end between letters.
+    const Rope &text = view().storage().text();
+    const qsizetype at = TextBoundaries::snapped(text, std::min(offset, whole.end() - 1));
+    const auto bound = [&](qsizetype part) {
+        return part == 0 ? whole.location : TextBoundaries::snapped(text, std::min(whole.location + part * answerLimit, whole.end()));
+    };
+    qsizetype part = (at - whole.location) / answerLimit;
+    if (bound(part + 1) <= at) {
+        ++part;
+    }
+    return TextRange::between(bound(part), bound(part + 1));
+}
+
 QString TextViewAccessible::answer(TextRange piece, int *start, int *end) const
 {
     *start = static_cast<int>(piece.location);
     *end = static_cast<int>(piece.end());
-    return view().storage().string({piece.location, std::min(piece.length, answerLimit)});
+    return view().storage().string(piece);
 }
 
 QString TextViewAccessible::textAtOffset(int offset, QAccessible::TextBoundaryType boundary, int *start, int *end) const

@@ -52,6 +52,8 @@ public:
 private:
     [[nodiscard]] TextView &view() const;
     [[nodiscard]] qsizetype resolved(int offset) const;
+    [[nodiscard]] TextRange wholePieceAt(qsizetype offset, QAccessible::TextBoundaryType boundary) const;
+    /// The same, but for a huge one that part of it which holds the offset; the parts follow one another.
     [[nodiscard]] TextRange pieceAt(qsizetype offset, QAccessible::TextBoundaryType boundary) const;
     [[nodiscard]] QString answer(TextRange piece, int *start, int *end) const;
 };

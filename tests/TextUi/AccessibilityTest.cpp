@@ -125,13 +125,27 @@ TEST_F(Accessibility, GivesTextByPieceWithoutTheWhole)
 
 TEST_F(Accessibility, HugeTextsAreAnsweredInBoundedPieces)
 {
-    ViewFixture fixture(QString(500'000, u'x'));
+    // A letter of two units lies across the end of the first part.
+    const QString text = u'-' + u"\U0001F600"_s.repeated(100'000) + u'|';
+    ViewFixture fixture(text);
     QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&fixture.view);
     EXPECT_LE(interface->text(QAccessible::Value).length(), 100'000);
     int start = 0;
     int end = 0;
-    EXPECT_LE(interface->textInterface()->textAtOffset(250'000, QAccessible::LineBoundary, &start, &end).length(), 100'000);
-    EXPECT_EQ(end, 500'000);
+    QAccessibleTextInterface *access = interface->textInterface();
+    for (const int offset : {0, 65'535, 65'536, 65'537, 150'000, 200'001}) {
+        const QString part = access->textAtOffset(offset, QAccessible::LineBoundary, &start, &end);
+        EXPECT_LE(part.length(), 65'537);
+        EXPECT_TRUE(start <= offset && offset < end) << offset << " in " << start << ".." << end;
+        EXPECT_EQ(part, text.mid(start, end - start));
+        EXPECT_FALSE(part.front().isLowSurrogate() || part.back().isHighSurrogate()) << offset;
+    }
+    QString all;
+    for (int at = 0; at < text.length(); at = end) {
+        all += access->textAtOffset(at, QAccessible::LineBoundary, &start, &end);
+        ASSERT_GT(end, at);
+    }
+    EXPECT_EQ(all, text) << "the parts follow one another";
 }
 
 TEST_F(Accessibility, TellsOfEditsFromElsewhere)
