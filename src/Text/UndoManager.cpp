@@ -23,14 +23,11 @@ void widen(TextChange &hull, qsizetype position, qsizetype removed, qsizetype in
 void replaceWholePairs(TextStorage &storage, TextRange range, Rope text)
 {
     const Rope &old = storage.text();
-    const auto splitsPair = [&old](qsizetype offset) {
-        return offset > 0 && offset < old.length() && QChar::isLowSurrogate(old.at(offset)) && QChar::isHighSurrogate(old.at(offset - 1));
-    };
-    if (splitsPair(range.location)) {
+    if (old.splitsPair(range.location)) {
         text.replace({0, 0}, old.slice({range.location - 1, 1}));
         range = {range.location - 1, range.length + 1};
     }
-    if (splitsPair(range.end())) {
+    if (old.splitsPair(range.end())) {
         text.replace({text.length(), 0}, old.slice({range.end(), 1}));
         ++range.length;
     }
