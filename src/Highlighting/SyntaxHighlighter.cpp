@@ -271,11 +271,16 @@ TextRange SyntaxHighlighter::highlight(TextRange range, std::vector<TextRange> &
             range = range.united(span.range);
         }
     }
+    const QScopedValueRollback guard(m_isApplying, true);
+    if (m_spanRules.empty() && m_tokenRules.empty()) {
+        // There is nothing to look for, in a line that may have megabytes.
+        m_storage.setStyles(range, std::vector{StyleRun{range.length, plainStyle}});
+        return range;
+    }
     excerpt.load(text, range);
     Paint paint(range);
     paintSpans(paint);
     paintTokens(paint, excerpt);
-    const QScopedValueRollback guard(m_isApplying, true);
     m_storage.setStyles(range, paint.runs(m_styles));
     return range;
 }
