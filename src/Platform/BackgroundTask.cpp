@@ -13,6 +13,7 @@ BackgroundTask::BackgroundTask(Workers &workers, std::function<void(const std::s
             return;
         }
         work(state->stop.get_token());
+        state->workIsDone.release();
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),
             [state] {
@@ -31,6 +32,21 @@ BackgroundTask &BackgroundTask::operator=(BackgroundTask &&other) noexcept
         m_state = std::move(other.m_state);
     }
     return *this;
+}
+
+bool BackgroundTask::waitUntil(std::chrono::steady_clock::time_point deadline)
+{
+    if (!isPending()) {
+        return true;
+    }
+    const auto state = m_state; // `done` may put another task in the place of this one
+    if (!state->workIsDone.try_acquire_until(deadline)) {
+        return false;
+    }
+    if (const auto call = std::exchange(state->finish, nullptr)) {
+        call();
+    }
+    return true;
 }
 
 void BackgroundTask::cancel()

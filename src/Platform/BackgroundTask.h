@@ -4,9 +4,11 @@
 
 #include "Platform/Workers.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <semaphore>
 #include <stop_token>
 #include <type_traits>
 #include <utility>
@@ -33,6 +35,9 @@ public:
             [result, done = std::move(done)]() mutable { done(*std::move(*result)); });
     }
 
+    /// Waits until the work is done or `deadline` has come. When it is done, calls `done` at once rather than from the event loop and
+    /// returns true; also true when it was over before.
+    [[nodiscard]] bool waitUntil(std::chrono::steady_clock::time_point deadline);
     /// Harmless when it is over.
     void cancel();
     /// True until `done` is called or the task cancelled.
@@ -43,6 +48,7 @@ private:
         std::stop_source stop;
         /// Main thread; empty once it is over.
         std::function<void()> finish;
+        std::binary_semaphore workIsDone{0};
     };
 
     BackgroundTask(Workers &workers, std::function<void(const std::stop_token &)> work, std::function<void()> finish);

@@ -79,3 +79,31 @@ TEST(BackgroundTask, StopsOnItsWorker)
     EXPECT_TRUE(wasStopped);
     QCoreApplication::processEvents();
 }
+
+TEST(BackgroundTask, CanBeWaitedForUntilADeadline)
+{
+    using std::chrono::steady_clock;
+    PoolWorkers workers;
+    std::binary_semaphore mayEnd(0);
+    std::vector<int> results;
+    BackgroundTask task = BackgroundTask::start(
+        workers,
+        [&](const std::stop_token &) {
+            mayEnd.acquire();
+            return 1;
+        },
+        [&](int result) {
+            results.push_back(result);
+            task = BackgroundTask::start(workers, [](const std::stop_token &) { return 2; }, [&](int next) { results.push_back(next); });
+        });
+    EXPECT_FALSE(task.waitUntil(steady_clock::now()));
+    EXPECT_THAT(results, IsEmpty());
+    mayEnd.release();
+    const auto far = steady_clock::now() + std::chrono::minutes(1);
+    EXPECT_TRUE(task.waitUntil(far));
+    EXPECT_THAT(results, ElementsAre(1));
+    EXPECT_TRUE(task.waitUntil(far));
+    EXPECT_TRUE(task.waitUntil(far)) << "it is over";
+    QCoreApplication::processEvents();
+    EXPECT_THAT(results, ElementsAre(1, 2)) << "each once";
+}
