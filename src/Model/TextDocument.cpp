@@ -48,8 +48,15 @@ TextChange differenceOf(const Rope &before, const Rope &after)
 
 TextDocument::TextDocument(const DocumentServices &services, const QString &path, const std::optional<TextFile::Contents> &contents,
                            const QUuid &id)
+    : TextDocument(services, path, path.isEmpty() ? QString() : identityOf(path), contents, id)
+{
+    startWatching(contents ? contents->stamp : std::nullopt);
+}
+
+TextDocument::TextDocument(const DocumentServices &services, const QString &path, const QString &identity,
+                           const std::optional<TextFile::Contents> &contents, const QUuid &id)
     : m_services(services), m_id(id), m_undoManager(m_storage, [&scheduler = services.scheduler] { return scheduler.now(); }), m_path(path),
-      m_identity(path.isEmpty() ? QString() : identityOf(path))
+      m_identity(identity)
 {
     if (contents) {
         {
@@ -63,7 +70,6 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
     rememberSavedText();
     m_language = detectedLanguage();
     QObject::connect(&m_storage, &TextStorage::didProcessEditing, &m_context, [this](TextStorage::EditMask mask) { noteEdit(mask); });
-    startWatching(contents ? contents->stamp : std::nullopt);
 }
 
 TextDocument::~TextDocument() = default;
@@ -82,6 +88,73 @@ std::unique_ptr<TextDocument> TextDocument::generated(const DocumentServices &se
     document->languageWasChosenManually = true;
     document->m_language = language;
     return document;
+}
+
+std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &services, const QString &path,
+                                                      const TextFile::Contents &contents, const QUuid &id)
+{
+    std::unique_ptr<TextDocument> document(new TextDocument(services, path, QDir::cleanPath(path), contents, id));
+    document->m_isDraft = true;
+    document->startWatching(std::nullopt);
+    if (!path.isEmpty()) {
+        document->m_arrival = BackgroundTask::start(
+            services.workers, [path](const std::stop_token &) { return identityOf(path); },
+            [self = document.get(), path](const QString &identity) {
+                if (self->m_path == path) {
+                    self->m_identity = identity;
+                }
+            });
+    }
+    return document;
+}
+
+std::unique_ptr<TextDocument> TextDocument::awaiting(const DocumentServices &services, const QString &path, TextEncoding encoding,
+                                                     LineEnding lineEnding, const QUuid &id)
+{
+    const TextFile::Contents nothing{.text = {}, .encoding = encoding, .lineEnding = lineEnding};
+    std::unique_ptr<TextDocument> document(new TextDocument(services, path, QDir::cleanPath(path), nothing, id));
+    document->m_isWaiting = true;
+    document->m_arrival = BackgroundTask::start(
+        services.workers,
+        [path](const std::stop_token &) {
+            return Arrival{TextFile::read(path), identityOf(path)};
+        },
+        [self = document.get()](const Arrival &arrival) { self->arrive(arrival); });
+    return document;
+}
+
+void TextDocument::arrive(const Arrival &arrival)
+{
+    m_isWaiting = false;
+    if (!arrival.contents) {
+        m_arrivalError = arrival.contents.error();
+        m_services.notifications.post(didFailToArrive, this);
+        return;
+    }
+    m_identity = arrival.identity;
+    const TextRange selection = lastSelectedRange;
+    {
+        const UndoManager::Pause pause(m_undoManager);
+        adopt(comparedWith(*arrival.contents));
+    }
+    m_undoManager.removeAllActions();
+    m_undoManager.markSavePoint();
+    const bool fits = selection.location <= m_storage.length() && selection.length <= m_storage.length() - selection.location;
+    lastSelectedRange = fits ? selection : TextRange();
+    if (!languageWasChosenManually) {
+        setLanguage(detectedLanguage());
+    }
+    startWatching(arrival.contents->stamp);
+    m_services.notifications.post(didReloadFromDisk, this);
+    postMetadata();
+}
+
+bool TextDocument::hasUnsavedText() const
+{
+    if (isGenerated() || m_isWaiting || (isUntitled() && m_storage.length() == 0)) {
+        return false;
+    }
+    return m_isDirty || m_isDraft || isUntitled();
 }
 
 QString TextDocument::displayName() const
@@ -199,7 +272,7 @@ void TextDocument::applyDirtyCheck(quint64 hash)
 
 void TextDocument::setEncoding(TextEncoding encoding)
 {
-    if (m_encoding != encoding) {
+    if (m_encoding != encoding && !m_isWaiting) {
         m_encoding = encoding;
         postMetadata();
     }
@@ -207,7 +280,7 @@ void TextDocument::setEncoding(TextEncoding encoding)
 
 void TextDocument::setLineEnding(LineEnding lineEnding)
 {
-    if (m_lineEnding == lineEnding) {
+    if (m_lineEnding == lineEnding || m_isWaiting) {
         return;
     }
     m_lineEnding = lineEnding;
@@ -268,6 +341,9 @@ void TextDocument::transformForSaving()
 
 Result<void> TextDocument::save(const QString &path)
 {
+    if (m_isWaiting) {
+        return failure(formatted(localized(u"“%@” cannot be saved, because it has not been read yet."), displayName()));
+    }
     transformForSaving();
     if (m_watcher) {
         m_watcher->beginOwnWrite();
@@ -309,6 +385,7 @@ void TextDocument::agreeWithFile(std::optional<quint64> hash)
     forgetFileQuestions();
     rememberSavedText(hash);
     m_isDirty = false;
+    m_isDraft = false;
     m_externalState = ExternalState::none;
 }
 
@@ -363,7 +440,7 @@ void TextDocument::reload(const FileReading &reading)
 
 tl::expected<void, TextFile::ReadError> TextDocument::revertToFileOnDisk()
 {
-    if (m_path.isEmpty()) {
+    if (m_path.isEmpty() || m_isWaiting) {
         return {};
     }
     const auto contents = TextFile::read(m_path);
@@ -376,7 +453,7 @@ tl::expected<void, TextFile::ReadError> TextDocument::revertToFileOnDisk()
 
 tl::expected<void, TextFile::ReadError> TextDocument::reinterpret(TextEncoding encoding)
 {
-    if (m_path.isEmpty()) {
+    if (m_path.isEmpty() || m_isWaiting) {
         return {};
     }
     const auto contents = TextFile::read(m_path, encoding);
@@ -473,10 +550,11 @@ void TextDocument::applyReading(std::optional<FileReading> reading)
     }
     if (reading->difference.isEmpty()) {
         rememberSavedText(reading->hash);
+        m_isDraft = false;
         setDirty(false);
         return;
     }
-    if (!m_isDirty && isOn(Preference::reloadCleanFilesAutomatically)) {
+    if (!hasUnsavedText() && isOn(Preference::reloadCleanFilesAutomatically)) {
         reload(*reading);
         return;
     }

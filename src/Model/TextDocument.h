@@ -40,6 +40,9 @@ struct DocumentServices {
 /// nothing was typed meanwhile: no key waits for a pass over the text. What to do about a conflict is for the views; the document only
 /// tells.
 ///
+/// A document may have been restored: from a draft, and then its text counts as clean but stands in no file; or from a file that is still
+/// being read, and until then it is empty and nothing changes or writes it.
+///
 /// The store owns it; a view may hold it a little longer, until the event is over in which it was closed.
 ///
 /// Main thread only. Paths are absolute. All notifications have the document as their object.
@@ -51,6 +54,9 @@ public:
     static constexpr NotificationName didReloadFromDisk = "QLT.DocumentDidReloadFromDisk";
     /// It became conflicted or deleted.
     static constexpr NotificationName didDetectExternalChange = "QLT.DocumentDidDetectExternalChange";
+
+    /// The file that it waited for cannot be read; whoever hears of it may destroy the document.
+    static constexpr NotificationName didFailToArrive = "QLT.DocumentDidFailToArrive";
 
     enum class ExternalState {
         none,
@@ -68,6 +74,14 @@ public:
     /// `path` is empty for a text without a file; no contents are an empty text.
     TextDocument(const DocumentServices &services, const QString &path, const std::optional<TextFile::Contents> &contents,
                  const QUuid &id = QUuid::createUuid());
+    /// A text that was not saved when it was kept, of the file at `path`, which may be gone, or of none. Asks no file system: that may
+    /// hang.
+    [[nodiscard]] static std::unique_ptr<TextDocument> fromDraft(const DocumentServices &services, const QString &path,
+                                                                 const TextFile::Contents &contents, const QUuid &id);
+    /// A file that a worker reads, since its place may not answer; as its text comes, it is that of a document that was opened. Until then
+    /// it has the encoding and the line ending given.
+    [[nodiscard]] static std::unique_ptr<TextDocument> awaiting(const DocumentServices &services, const QString &path,
+                                                                TextEncoding encoding, LineEnding lineEnding, const QUuid &id);
     /// A text that the program makes itself and nobody saves.
     [[nodiscard]] static std::unique_ptr<TextDocument> generated(const DocumentServices &services, const QString &title,
                                                                  const QString &text, const Language &language);
@@ -76,6 +90,7 @@ public:
 
     [[nodiscard]] const QUuid &id() const { return m_id; }
     [[nodiscard]] TextStorage &storage() { return m_storage; }
+    [[nodiscard]] const TextStorage &storage() const { return m_storage; }
     [[nodiscard]] UndoManager &undoManager() { return m_undoManager; }
     [[nodiscard]] const LineIndex &lineIndex() const { return m_lineIndex; }
     [[nodiscard]] const QString &path() const { return m_path; }
@@ -91,6 +106,13 @@ public:
     [[nodiscard]] QString displayPath() const;
 
     [[nodiscard]] bool isDirty() const { return m_isDirty; }
+    /// The text would be lost with the document: it is dirty, without a file or from a draft, and not an empty one without a file.
+    [[nodiscard]] bool hasUnsavedText() const;
+    [[nodiscard]] bool isWaiting() const { return m_isWaiting; }
+    /// Waits for the file that is being read, until `deadline`.
+    void waitForFile(std::chrono::steady_clock::time_point deadline) { std::ignore = m_arrival.waitUntil(deadline); }
+    /// Why there is no text although it is not waiting.
+    [[nodiscard]] const std::optional<TextFile::ReadError> &arrivalError() const { return m_arrivalError; }
     [[nodiscard]] ExternalState externalState() const { return m_externalState; }
     /// The user keeps the text as it is, whatever became of the file.
     void clearExternalState();
@@ -115,7 +137,7 @@ public:
     double lastScrollOffset = 0;
 
     /// Writes the text to `path`, which becomes its file, after trimming and ending the text as the settings want. When that fails the
-    /// document is as it was, except for that.
+    /// document is as it was, except for that. Refused while it waits for its text.
     [[nodiscard]] Result<void> save(const QString &path);
     /// Takes the file's text; the history goes. Does nothing without a file; when that fails nothing has changed.
     [[nodiscard]] tl::expected<void, TextFile::ReadError> revertToFileOnDisk();
@@ -132,6 +154,15 @@ private:
         std::optional<quint64> hash;
     };
 
+    struct Arrival {
+        tl::expected<TextFile::Contents, TextFile::ReadError> contents;
+        QString identity;
+    };
+
+    TextDocument(const DocumentServices &services, const QString &path, const QString &identity,
+                 const std::optional<TextFile::Contents> &contents, const QUuid &id);
+
+    void arrive(const Arrival &arrival);
     /// Plain text for a text with a line of megabytes.
     [[nodiscard]] const Language &colouredLanguage() const;
     void noteEdit(TextStorage::EditMask mask);
@@ -167,6 +198,9 @@ private:
     QString m_path;
     QString m_identity;
     bool m_isDirty = false;
+    bool m_isDraft = false;
+    bool m_isWaiting = false;
+    std::optional<TextFile::ReadError> m_arrivalError;
     ExternalState m_externalState = ExternalState::none;
     bool m_isLoading = false;
     TextEncoding m_encoding = TextEncoding::utf8;
@@ -187,5 +221,6 @@ private:
     BackgroundTask m_dirtyHashing;
     BackgroundTask m_fileReading;
     BackgroundTask m_fileLooking;
+    BackgroundTask m_arrival;
     QObject m_context;
 };

@@ -94,7 +94,8 @@ TEST(BackgroundTask, CanBeWaitedForUntilADeadline)
         },
         [&](int result) {
             results.push_back(result);
-            task = BackgroundTask::start(workers, [](const std::stop_token &) { return 2; }, [&](int next) { results.push_back(next); });
+            task = BackgroundTask::start(
+                workers, [](const std::stop_token &) { return 2; }, [&](int next) { results.push_back(next); });
         });
     EXPECT_FALSE(task.waitUntil(steady_clock::now()));
     EXPECT_THAT(results, IsEmpty());

@@ -1,0 +1,386 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Model/SessionStore.h"
+
+#include "Model/DraftFile.h"
+#include "Model/Preferences.h"
+#include "Model/TextDocument.h"
+#include "Platform/AtomicFile.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QThreadPool>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <mutex>
+#include <set>
+#include <sys/file.h>
+#include <unistd.h>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto patienceAtEnd = 5s;
+/// Thousands of tabs have less.
+constexpr qint64 largestSnapshot = 64 * 1024 * 1024;
+constexpr auto temporaryFiles = ".quillet-*"_L1;
+/// The beginning of 2001 in UTC, in seconds of Unix.
+constexpr double referenceDate = 978307200;
+
+bool isPlainName(const QString &name)
+{
+    return !name.isEmpty() && !name.contains(u'/') && !name.contains(QChar::Null) && name != u"."_s && name != u".."_s;
+}
+
+/// Goes with the process however it ends. -1 with `errno` EWOULDBLOCK when another one has it.
+int lockFile(const QString &path)
+{
+    const int file = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (file >= 0 && ::flock(file, LOCK_EX | LOCK_NB) != 0) {
+        const int error = errno;
+        ::close(file);
+        errno = error;
+        return -1;
+    }
+    return file;
+}
+
+} // namespace
+
+/// What the store's thread works with. It may outlive the store, when the disk hangs.
+struct SessionStore::Queue {
+    QString root;
+    QString drafts;
+    FileCalls &calls;
+
+    std::mutex mutex = {};
+    // Guarded: what waits for the thread. A job that finds nothing has been overtaken.
+    struct WaitingText {
+        Rope text = {};
+        /// Of the job that is to write it: one that waited for a text that was discarded must not take a later one.
+        quint64 ticket = 0;
+    };
+    std::map<QString, WaitingText> texts = {};
+    std::optional<Snapshot> snapshot = {};
+    // Guarded: what is to be tried again.
+    std::set<QString> failedDrafts = {};
+    bool hasFailedSnapshot = false;
+    // Guarded: they may be readable again some day.
+    std::set<QString> unreadableDrafts = {};
+
+    /// Main thread.
+    std::function<void(const Error &error)> tell = {};
+    bool hasTold = false;
+
+    static void writeDraft(const std::shared_ptr<Queue> &queue, const QString &name, quint64 ticket);
+    static void note(const std::shared_ptr<Queue> &queue, const QString &name, const Result<void> &written);
+    void writeSnapshot();
+    void prune(const Snapshot &written);
+};
+
+void SessionStore::Queue::note(const std::shared_ptr<Queue> &queue, const QString &name, const Result<void> &written)
+{
+    const std::lock_guard lock(queue->mutex);
+    if (written) {
+        queue->failedDrafts.erase(name);
+    } else {
+        queue->failedDrafts.insert(name);
+    }
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(),
+        [queue = std::weak_ptr(queue), written] {
+            const auto state = queue.lock();
+            if (!state) {
+                return;
+            }
+            if (written) {
+                state->hasTold = false;
+            } else if (!std::exchange(state->hasTold, true) && state->tell) {
+                state->tell(written.error());
+            }
+        },
+        Qt::QueuedConnection);
+}
+
+SessionStore::Places SessionStore::Places::standard()
+{
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    return {.rootDirectory = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Quillet"_s,
+            .runtimeDirectory = QDir::isAbsolutePath(runtime) ? runtime : QString()};
+}
+
+SessionStore::SessionStore(const Places &places, const Preferences &preferences, FileCalls &calls)
+    : m_root(places.rootDirectory), m_preferences(preferences), m_calls(calls),
+      m_queue(std::make_shared<Queue>(places.rootDirectory, places.rootDirectory + u"/Drafts"_s, calls)),
+      m_thread(std::make_unique<QThreadPool>())
+{
+    m_thread->setObjectName(u"org.quillet.Quillet.session"_s);
+    m_thread->setMaxThreadCount(1);
+    m_thread->setThreadPriority(QThread::LowPriority);
+    makePrivateFolder(draftsDirectory());
+    // Several folders may be in use at once, each by one program.
+    const QByteArray folder = QCryptographicHash::hash(QFile::encodeName(QDir::cleanPath(m_root)), QCryptographicHash::Sha1).toHex();
+    const QString lockName = u"/quillet-session-"_s + QString::fromLatin1(folder.first(16)) + u".lock"_s;
+    m_lock = places.runtimeDirectory.isEmpty() ? -1 : lockFile(places.runtimeDirectory + lockName);
+    if (m_lock < 0 && (places.runtimeDirectory.isEmpty() || errno != EWOULDBLOCK)) {
+        m_lock = lockFile(m_root + u"/session.lock"_s);
+    }
+    // Where no lock can be had because nothing can be written, nobody is disturbed.
+    m_isOwner = m_lock >= 0 || errno != EWOULDBLOCK;
+}
+
+SessionStore::~SessionStore()
+{
+    m_queue->tell = nullptr;
+    if (!waitUntilWritten(patienceAtEnd)) {
+        // Its destructor would wait for a disk that does not answer.
+        std::ignore = m_thread.release();
+    }
+    if (m_lock >= 0) {
+        ::close(m_lock);
+    }
+}
+
+QString SessionStore::draftsDirectory() const
+{
+    return m_queue->drafts;
+}
+
+QString SessionStore::snapshotPath() const
+{
+    return m_root + u"/session.json"_s;
+}
+
+void SessionStore::onProblem(std::function<void(const Error &error)> tell)
+{
+    m_queue->tell = std::move(tell);
+}
+
+bool SessionStore::keepsUnsavedText() const
+{
+    return m_isOwner && m_preferences.autosaveDrafts() && m_preferences.restoreSession() && isHealthy();
+}
+
+bool SessionStore::isHealthy() const
+{
+    const std::lock_guard lock(m_queue->mutex);
+    return m_queue->failedDrafts.empty() && !m_queue->hasFailedSnapshot;
+}
+
+// Reading
+
+QStringList SessionStore::draftsOnDisk() const
+{
+    return QDir(draftsDirectory()).entryList({u"*.draft"_s}, QDir::Files, QDir::Time | QDir::Reversed);
+}
+
+SessionStore::Saved SessionStore::read()
+{
+    Saved saved;
+    if (!m_isOwner) {
+        return saved;
+    }
+    // Of writing that was cut off.
+    QDir root(m_root);
+    for (const QString &name : root.entryList({temporaryFiles}, QDir::Files | QDir::Hidden)) {
+        root.remove(name);
+    }
+    const QFileInfo info(snapshotPath());
+    if (info.exists() || info.isSymLink()) {
+        QFile file(snapshotPath());
+        if (info.isFile() && info.size() <= largestSnapshot && file.open(QIODevice::ReadOnly)) {
+            saved.snapshot = Snapshot::fromJson(file.readAll());
+        }
+        if (!saved.snapshot) {
+            const QString folder = m_root + u"/Unreadable session "_s + QDateTime::currentDateTime().toString(u"yyyy-MM-dd HH.mm.ss"_s);
+            saved.setAside = folder;
+            if (!setAside(folder)) {
+                m_isOwner = false;
+                saved.setAside = m_root;
+                return saved;
+            }
+        }
+    }
+    std::set<QString> named;
+    if (saved.snapshot) {
+        for (const Snapshot::Document &document : saved.snapshot->documents) {
+            named.insert(document.draftFilename.value_or(QString()));
+        }
+    }
+    for (const QString &name : draftsOnDisk()) {
+        m_drafts.emplace(name, std::nullopt);
+        if (!named.contains(name)) {
+            saved.otherDrafts << name;
+        }
+    }
+    return saved;
+}
+
+bool SessionStore::setAside(const QString &folder)
+{
+    makePrivateFolder(folder);
+    const auto move = [&](const QString &from, const QString &to) {
+        return m_calls.rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+    };
+    const bool hasDrafts = !QDir(draftsDirectory()).isEmpty();
+    // The drafts first: as long as the snapshot is there, what is in their folder is not used.
+    if ((hasDrafts && !move(draftsDirectory(), folder + u"/Drafts"_s)) || !move(snapshotPath(), folder + u"/session.json"_s)) {
+        return false;
+    }
+    makePrivateFolder(draftsDirectory());
+    return true;
+}
+
+std::optional<Rope> SessionStore::draft(const QString &name)
+{
+    if (!isPlainName(name)) {
+        return std::nullopt;
+    }
+    auto text = DraftFile::read(draftsDirectory() + u'/' + name);
+    if (!text) {
+        const std::lock_guard lock(m_queue->mutex);
+        m_queue->unreadableDrafts.insert(name);
+    }
+    return text;
+}
+
+void SessionStore::adoptDraft(const TextDocument &document, const QString &name)
+{
+    // Under another name it is written anew; the old one goes when a snapshot with the new one is there.
+    if (name == DraftFile::nameFor(document.id())) {
+        m_drafts[name] = document.storage().revision();
+    }
+}
+
+// Writing
+
+std::optional<QString> SessionStore::writeDraft(const TextDocument &document)
+{
+    if (!m_isOwner || !m_preferences.autosaveDrafts() || document.isGenerated()) {
+        return std::nullopt;
+    }
+    if (!document.hasUnsavedText()) {
+        discardDraft(document.id());
+        return std::nullopt;
+    }
+    const QString name = DraftFile::nameFor(document.id());
+    const quint64 revision = document.storage().revision();
+    quint64 ticket = 0;
+    {
+        const std::lock_guard lock(m_queue->mutex);
+        const auto kept = m_drafts.find(name);
+        if (kept != m_drafts.end() && kept->second == revision && !m_queue->failedDrafts.contains(name)) {
+            return name;
+        }
+        Queue::WaitingText &waiting = m_queue->texts[name];
+        waiting.text = document.storage().text();
+        if (waiting.ticket == 0) {
+            ticket = waiting.ticket = ++m_lastTicket;
+        }
+    }
+    m_drafts[name] = revision;
+    if (ticket != 0) {
+        m_thread->start([queue = m_queue, name, ticket] { Queue::writeDraft(queue, name, ticket); });
+    }
+    return name;
+}
+
+void SessionStore::Queue::writeDraft(const std::shared_ptr<Queue> &queue, const QString &name, quint64 ticket)
+{
+    Rope text;
+    {
+        const std::lock_guard lock(queue->mutex);
+        const auto waiting = queue->texts.find(name);
+        if (waiting == queue->texts.end() || waiting->second.ticket != ticket) {
+            return;
+        }
+        text = std::move(waiting->second.text);
+        queue->texts.erase(waiting);
+    }
+    queue->note(queue, name, DraftFile::write(text, queue->drafts + u'/' + name, queue->calls));
+}
+
+void SessionStore::discardDraft(const QUuid &document)
+{
+    const QString name = DraftFile::nameFor(document);
+    if (!m_isOwner || m_drafts.erase(name) == 0) {
+        return;
+    }
+    {
+        const std::lock_guard lock(m_queue->mutex);
+        m_queue->texts.erase(name);
+    }
+    m_thread->start([queue = m_queue, name] {
+        queue->calls.unlink(QFile::encodeName(queue->drafts + u'/' + name).constData());
+        const std::lock_guard lock(queue->mutex);
+        queue->failedDrafts.erase(name);
+    });
+}
+
+void SessionStore::write(Snapshot snapshot)
+{
+    if (!m_isOwner) {
+        return;
+    }
+    snapshot.savedAt = double(QDateTime::currentMSecsSinceEpoch()) / 1000 - referenceDate;
+    bool isWaiting = false;
+    {
+        const std::lock_guard lock(m_queue->mutex);
+        isWaiting = std::exchange(m_queue->snapshot, std::move(snapshot)).has_value();
+    }
+    if (!isWaiting) {
+        m_thread->start([queue = m_queue] { queue->writeSnapshot(); });
+    }
+}
+
+void SessionStore::Queue::writeSnapshot()
+{
+    Snapshot written;
+    {
+        const std::lock_guard lock(mutex);
+        written = *std::exchange(snapshot, std::nullopt);
+    }
+    const Result<void> result =
+        AtomicFile::open(root + u"/session.json"_s, AtomicFile::NewFile::privateToUser, calls).and_then([&](AtomicFile file) {
+            return file.write(written.toJson()).and_then([&] { return file.commit(); });
+        });
+    {
+        const std::lock_guard lock(mutex);
+        hasFailedSnapshot = !result;
+    }
+    if (result) {
+        prune(written);
+    }
+}
+
+/// Deletes what `written`, which is on disk, does not name.
+void SessionStore::Queue::prune(const Snapshot &written)
+{
+    std::set<QString> kept;
+    {
+        const std::lock_guard lock(mutex);
+        kept = unreadableDrafts;
+    }
+    for (const Snapshot::Document &document : written.documents) {
+        kept.insert(document.draftFilename.value_or(QString()));
+    }
+    for (const QString &name : QDir(drafts).entryList(QDir::Files | QDir::Hidden | QDir::System)) {
+        if (!kept.contains(name)) {
+            calls.unlink(QFile::encodeName(drafts + u'/' + name).constData());
+        }
+    }
+}
+
+bool SessionStore::waitUntilWritten(std::chrono::milliseconds patience)
+{
+    return m_thread->waitForDone(int(patience.count()));
+}

@@ -1,0 +1,530 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Model/SessionStore.h"
+
+#include "Model/DocumentStore.h"
+#include "Model/DraftFile.h"
+#include "Model/Preferences.h"
+#include "Model/SessionRestoration.h"
+#include "Model/WatchedPath.h"
+#include "Platform/AtomicFile.h"
+#include "Platform/DefaultsStore.h"
+#include "Platform/FaultyCalls.h"
+#include "Platform/Workers.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <semaphore>
+
+using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
+using Snapshot = SessionStore::Snapshot;
+
+namespace {
+
+const QUuid firstId(u"{1b4e28ba-2fa1-11d2-883f-0016d3cca427}"_s);
+const QUuid secondId(u"{2b4e28ba-2fa1-11d2-883f-0016d3cca427}"_s);
+
+/// Does the work when the test says so.
+class HeldWorkers final : public Workers {
+public:
+    void run(std::function<void()> job) override { m_jobs.push_back(std::move(job)); }
+    void finish()
+    {
+        for (const auto &job : std::exchange(m_jobs, {})) {
+            job();
+        }
+    }
+
+private:
+    std::vector<std::function<void()>> m_jobs;
+};
+
+class SessionStoreTest : public testing::Test {
+protected:
+    [[nodiscard]] QString root() const { return folder.filePath(u"data/Quillet"_s); }
+    [[nodiscard]] std::unique_ptr<SessionStore> open()
+    {
+        return std::make_unique<SessionStore>(SessionStore::Places{root(), folder.path()}, preferences, calls);
+    }
+    [[nodiscard]] std::unique_ptr<TextDocument> document(const QString &text, const QUuid &id = QUuid::createUuid(),
+                                                         const QString &path = {})
+    {
+        return std::make_unique<TextDocument>(services, path, TextFile::Contents{.text = Rope(text)}, id);
+    }
+    static void edit(TextDocument &document, const QString &text)
+    {
+        document.storage().replaceCharacters({0, document.storage().length()}, text);
+    }
+    /// A snapshot of one pane with these documents, as a window makes it.
+    static Snapshot snapshotOf(SessionStore &store, const std::vector<TextDocument *> &documents)
+    {
+        Snapshot snapshot{.panes = {{}}};
+        for (TextDocument *document : documents) {
+            snapshot.documents << Snapshot::Document{.id = document->id(),
+                                                     .filePath = document->isUntitled() ? std::nullopt : std::optional(document->path()),
+                                                     .draftFilename = store.writeDraft(*document),
+                                                     .encodingRawValue = quint32(document->encoding()),
+                                                     .lineEnding = rawValue(document->lineEnding()).toString()};
+            snapshot.panes.front().documentIDs << document->id();
+        }
+        return snapshot;
+    }
+    [[nodiscard]] QStringList drafts() const { return QDir(root() + u"/Drafts"_s).entryList(QDir::Files | QDir::Hidden); }
+    /// Lets time pass and what workers and the kernel said arrive.
+    void settle()
+    {
+        for (auto passed = 0ms; passed < 1s; passed += 50ms) {
+            QCoreApplication::processEvents();
+            scheduler.advance(50ms);
+            QCoreApplication::processEvents();
+        }
+    }
+    static bool isWritten(SessionStore &store) { return store.waitUntilWritten(1min); }
+    void put(const QString &name, const QByteArray &content) const
+    {
+        QDir().mkpath(QFileInfo(root() + u'/' + name).path());
+        QFile file(root() + u'/' + name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+    [[nodiscard]] static QByteArray contentOf(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+    }
+
+    QTemporaryDir folder;
+    ManualScheduler scheduler;
+    NotificationCenter notifications;
+    DefaultsStore defaults{QString(), scheduler};
+    Preferences preferences{defaults, notifications};
+    InlineWorkers workers;
+    FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
+    DocumentServices services{scheduler, notifications, defaults, workers, watchers, {}};
+    DocumentStore documents{services, {}};
+    FaultyCalls calls;
+};
+
+constexpr auto wholeSnapshot = R"({
+    "documents": [
+        {
+            "draftFilename": "1B4E28BA-2FA1-11D2-883F-0016D3CCA427.draft",
+            "encodingRawValue": 2415919360,
+            "filePath": "/tmp/ä \" b.c",
+            "id": "1B4E28BA-2FA1-11D2-883F-0016D3CCA427",
+            "languageID": "c",
+            "lineEnding": "\r\n",
+            "scrollOffset": 12.5,
+            "selectionLength": 2,
+            "selectionLocation": 1
+        }
+    ],
+    "focusedPaneIndex": 0,
+    "panes": [
+        {
+            "documentIDs": [
+                "1B4E28BA-2FA1-11D2-883F-0016D3CCA427"
+            ],
+            "selectedIndex": 0
+        }
+    ],
+    "savedAt": 817287000.25,
+    "splitIsVertical": false,
+    "windowFrame": "{{10, -20}, {1040, 700}}"
+}
+)";
+
+} // namespace
+
+TEST(SessionSnapshot, IsReadAndWrittenToTheLetter)
+{
+    const auto snapshot = Snapshot::fromJson(wholeSnapshot);
+    ASSERT_TRUE(snapshot);
+    EXPECT_EQ(snapshot->toJson().toStdString(), wholeSnapshot);
+    EXPECT_EQ(snapshot->documents.front().id, firstId);
+    EXPECT_EQ(snapshot->documents.front().encodingRawValue, quint32(TextEncoding::utf16BigEndian));
+    EXPECT_EQ(snapshot->documents.front().selection, (TextRange{1, 2}));
+
+    const Snapshot least{.documents = {{.id = firstId}}, .panes = {{.documentIDs = {secondId}}}};
+    const QByteArray json = least.toJson();
+    EXPECT_FALSE(json.contains("null") || json.contains("filePath") || json.contains("windowFrame"));
+    EXPECT_EQ(Snapshot::fromJson(json), least);
+    QByteArray more = json;
+    EXPECT_TRUE(
+        Snapshot::fromJson(more.replace("\"id\"", "\"bookmark\": \"AAAA\", \"id\"").replace("\"panes\"", "\"later\": [{}], \"panes\"")));
+}
+
+TEST(SessionSnapshot, AnythingElseIsNone)
+{
+    const QByteArray json(wholeSnapshot);
+    // Every key but the optional ones is needed.
+    for (const char *key : {"documents", "encodingRawValue", "id", "lineEnding", "scrollOffset", "selectionLength", "selectionLocation",
+                            "focusedPaneIndex", "panes", "documentIDs", "selectedIndex", "savedAt", "splitIsVertical"}) {
+        QByteArray damaged = json;
+        EXPECT_FALSE(Snapshot::fromJson(damaged.replace('"' + QByteArray(key) + '"', "\"x\""))) << key;
+    }
+    struct Change {
+        const char *from, *to;
+    };
+    for (const auto &[from, to] : std::to_array<Change>({
+             {"2415919360", "-1"},
+             {"2415919360", "4294967300"},
+             {"2415919360", "1.5"},
+             {"\"selectionLocation\": 1", "\"selectionLocation\": 1e300"},
+             {"12.5", "1e999"},
+             {"12.5", "\"12.5\""},
+             {"817287000.25", "[]"},
+             {"\"lineEnding\": \"\\r\\n\"", "\"lineEnding\": 13"},
+             {"false", "0"},
+             {"\"{{10, -20}, {1040, 700}}\"", "{}"},
+             {"\"c\"", "true"},
+             {"\"1B4E28BA-2FA1-11D2-883F-0016D3CCA427.draft\"", "7"},
+             {"\"id\": \"1B", "\"id\": \"XX"},
+         })) {
+        QByteArray damaged = json;
+        damaged.replace(from, to);
+        ASSERT_NE(damaged, json) << from;
+        EXPECT_FALSE(Snapshot::fromJson(damaged)) << to;
+    }
+    for (qsizetype length = 0; length < json.size() - 1; length += 7) {
+        EXPECT_FALSE(Snapshot::fromJson(json.first(length)));
+    }
+    EXPECT_FALSE(Snapshot::fromJson("[]"));
+    EXPECT_FALSE(Snapshot::fromJson(QByteArray(100000, '[')));
+}
+
+TEST(WindowFrame, IsWhatItIsWrittenAs)
+{
+    const WindowFrame frame{-5, 10, 800, 600};
+    EXPECT_EQ(frame.toString(), u"{{-5, 10}, {800, 600}}"_s);
+    EXPECT_EQ(WindowFrame::fromString(frame.toString()), frame);
+    EXPECT_EQ(WindowFrame::fromString(u" {{-5.2,1e1},{ 799.6, 600}}"_s), frame);
+    for (const auto &text : {u""_s, u"{}"_s, u"{{1, 2}, {3}}"_s, u"{{1, 2}, {0, 4}}"_s, u"{{1, 2}, {3, -4}}"_s, u"{{1, nan}, {3, 4}}"_s,
+                             u"{{1e30, 2}, {3, 4}}"_s, u"{{1, 2}, {3, 4}} x"_s, u"{{1, 2}, {x, 4}}"_s, u"{{inf, 2}, {3, 4}}"_s}) {
+        EXPECT_FALSE(WindowFrame::fromString(text)) << text.toStdString();
+    }
+}
+
+TEST_F(SessionStoreTest, WhatWasTypedComesBack)
+{
+    const QString path = folder.filePath(u"a.txt"_s);
+    ASSERT_TRUE(writeAtomically(path, "in the file\n", AtomicFile::NewFile::readableByOthers));
+    const QString unusual = u"\uFEFFä\u2028\r\U0001F600\n\xD800 end"_s;
+    {
+        auto store = open();
+        EXPECT_TRUE(store->isOwner() && store->keepsUnsavedText());
+        EXPECT_FALSE(store->read().snapshot);
+        auto untitled = document({}, firstId);
+        edit(*untitled, unusual);
+        auto file = document(u"in the file\n"_s, secondId, path);
+        edit(*file, u"changed"_s);
+        auto clean = document(u"in the file\n"_s, QUuid::createUuid(), path);
+        auto empty = document({});
+        edit(*empty, u"x"_s);
+        edit(*empty, {});
+        auto generated = TextDocument::generated(services, u"Keys"_s, u"text"_s, Language::plainText());
+        EXPECT_EQ(store->writeDraft(*generated), std::nullopt);
+        Snapshot snapshot = snapshotOf(*store, {untitled.get(), file.get(), empty.get()});
+        EXPECT_EQ(snapshot.documents[0].draftFilename, u"1B4E28BA-2FA1-11D2-883F-0016D3CCA427.draft"_s);
+        EXPECT_EQ(snapshot.documents[2].draftFilename, std::nullopt);
+        snapshot.documents[0].lineEnding = u"\r"_s;
+        snapshot.documents[0].encodingRawValue = quint32(TextEncoding::windows1252);
+        snapshot.documents[0].languageID = u"python"_s;
+        snapshot.documents[0].selection = {3, 2};
+        snapshot.documents[1].selection = {3, 500};
+        snapshot.documents[1].scrollOffset = 7;
+        store->write(snapshot);
+        ASSERT_TRUE(isWritten(*store));
+    }
+    constexpr auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther | QFile::ExeGroup | QFile::ExeOther;
+    for (const QString &name : {root(), root() + u"/Drafts"_s, root() + u"/session.json"_s, root() + u"/Drafts/"_s + drafts().front()}) {
+        EXPECT_FALSE(QFileInfo(name).permissions() & others) << name.toStdString();
+    }
+    auto store = open();
+    const SessionStore::Saved saved = store->read();
+    ASSERT_TRUE(saved.snapshot);
+    EXPECT_GT(saved.snapshot->savedAt, 817000000);
+    EXPECT_TRUE(saved.otherDrafts.isEmpty());
+    const auto restored = restoreDocuments(saved, *store, documents);
+    ASSERT_EQ(restored.size(), 2U) << "an empty tab does not come back";
+    TextDocument &untitled = *restored[0].document;
+    EXPECT_EQ(untitled.id(), firstId);
+    EXPECT_EQ(untitled.storage().string(), u"\uFEFFä\u2028\r\U0001F600\n\uFFFD end"_s);
+    EXPECT_EQ(untitled.encoding(), TextEncoding::windows1252);
+    EXPECT_EQ(untitled.lineEnding(), LineEnding::cr);
+    EXPECT_EQ(untitled.language().id(), u"python"_s);
+    EXPECT_TRUE(untitled.languageWasChosenManually);
+    EXPECT_EQ(untitled.lastSelectedRange, (TextRange{3, 2}));
+    TextDocument &file = *restored[1].document;
+    EXPECT_EQ(file.path(), path);
+    EXPECT_EQ(file.storage().string(), u"changed"_s);
+    EXPECT_EQ(file.lastSelectedRange, TextRange()) << "beyond the text";
+    EXPECT_EQ(file.lastScrollOffset, 7);
+    // It counts as clean, but until it is saved it is kept.
+    EXPECT_FALSE(file.isDirty());
+    EXPECT_TRUE(file.hasUnsavedText());
+    const int steps = calls.steps;
+    EXPECT_EQ(store->writeDraft(file), DraftFile::nameFor(secondId));
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(calls.steps, steps) << "it is there already";
+    ASSERT_TRUE(file.save(path));
+    EXPECT_FALSE(file.hasUnsavedText());
+    EXPECT_EQ(store->writeDraft(file), std::nullopt);
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(drafts(), QStringList{DraftFile::nameFor(firstId)});
+}
+
+TEST_F(SessionStoreTest, ADraftOfAFileThatOthersChangedIsNotReplacedByIt)
+{
+    put(u"a.txt"_s, "in the file\n");
+    put(u"Drafts/"_s + DraftFile::nameFor(firstId), "typed");
+    const QString path = root() + u"/a.txt"_s;
+    auto store = open();
+    const Snapshot snapshot{.documents = {{.id = firstId, .filePath = path, .draftFilename = DraftFile::nameFor(firstId)}}};
+    const auto restored = restoreDocuments({.snapshot = snapshot}, *store, documents);
+    ASSERT_EQ(restored.size(), 1U);
+    TextDocument &restoredText = *restored.front().document;
+    settle();
+    put(u"a.txt"_s, "by another program\n");
+    settle();
+    EXPECT_EQ(restoredText.externalState(), TextDocument::ExternalState::conflicted);
+    EXPECT_EQ(restoredText.storage().string(), u"typed"_s);
+    ASSERT_TRUE(restoredText.revertToFileOnDisk());
+    EXPECT_FALSE(restoredText.hasUnsavedText());
+}
+
+TEST_F(SessionStoreTest, DamagedEntriesLoseNoText)
+{
+    put(u"a.txt"_s, "file");
+    put(u"Drafts/"_s + DraftFile::nameFor(firstId), "typed \xFF\xC3");
+    put(u"Drafts/"_s + DraftFile::nameFor(secondId), "just before the end");
+    put(u"Drafts/odd name.draft"_s, "odd");
+    put(u"Drafts/empty.draft"_s, "");
+    put(u"secret.draft"_s, "outside");
+    const QString path = root() + u"/a.txt"_s;
+    const Snapshot snapshot{.documents = {{.id = firstId, .draftFilename = DraftFile::nameFor(firstId), .lineEnding = u"?"_s},
+                                          {.id = firstId, .draftFilename = u"odd name.draft"_s, .selection = {-5, 1}},
+                                          {.id = QUuid::createUuid(), .draftFilename = u"../secret.draft"_s},
+                                          {.id = QUuid::createUuid(), .filePath = path, .selection = {2, 1}},
+                                          {.id = QUuid::createUuid(), .filePath = path},
+                                          {.id = QUuid::createUuid(), .filePath = root() + u"/gone.txt"_s},
+                                          {.id = QUuid::createUuid(), .filePath = u"relative"_s}}};
+    put(u"session.json"_s, snapshot.toJson());
+    auto store = open();
+    const auto saved = store->read();
+    const auto restored = restoreDocuments(saved, *store, documents);
+    QStringList texts;
+    for (const auto &[id, restoredText] : restored) {
+        texts << restoredText->storage().string();
+    }
+    EXPECT_EQ(texts, (QStringList{u"typed \uFFFD\uFFFD"_s, u"odd"_s, u"file"_s, u"file"_s, u"just before the end"_s}));
+    EXPECT_NE(restored[0].document->id(), restored[1].document->id());
+    EXPECT_EQ(restored[2].document, restored[3].document) << "one file, one text";
+    EXPECT_EQ(restored[2].document->lastSelectedRange, (TextRange{2, 1}));
+    EXPECT_EQ(restored[4].document->id(), secondId);
+    EXPECT_EQ(documents.documents().size(), 4U);
+    // The odd one gets a name of its own before the old one goes.
+    std::vector<TextDocument *> all;
+    for (const auto &open : documents.documents()) {
+        all.push_back(open.get());
+    }
+    store->write(snapshotOf(*store, all));
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(drafts().size(), 3);
+    EXPECT_FALSE(drafts().contains(u"odd name.draft"_s));
+    EXPECT_EQ(contentOf(root() + u"/Drafts/"_s + DraftFile::nameFor(restored[1].document->id())), "odd");
+}
+
+TEST_F(SessionStoreTest, ADraftOfAnEntryThatDoesNotNameItYetIsNewerThanItsFile)
+{
+    put(u"a.txt"_s, "file");
+    put(u"Drafts/"_s + DraftFile::nameFor(firstId), "typed");
+    put(u"session.json"_s, Snapshot{.documents = {{.id = firstId, .filePath = root() + u"/a.txt"_s}}}.toJson());
+    auto store = open();
+    const auto restored = restoreDocuments(store->read(), *store, documents);
+    ASSERT_EQ(restored.size(), 1U);
+    EXPECT_EQ(restored.front().document->storage().string(), u"typed"_s);
+    EXPECT_EQ(restored.front().document->path(), root() + u"/a.txt"_s);
+}
+
+TEST_F(SessionStoreTest, AnUnreadableSnapshotIsSetAsideWithItsDrafts)
+{
+    for (const QByteArray &garbage : {QByteArray("{\"documents\": 3}"), QByteArray(50 * 1024 * 1024, '{'), QByteArray()}) {
+        QDir(root()).removeRecursively();
+        put(u"session.json"_s, garbage);
+        put(u"Drafts/one.draft"_s, "text");
+        put(u".quillet-cutoff"_s, "half");
+        auto store = open();
+        const auto saved = store->read();
+        EXPECT_FALSE(saved.snapshot);
+        ASSERT_TRUE(saved.setAside);
+        EXPECT_TRUE(saved.otherDrafts.isEmpty());
+        EXPECT_EQ(contentOf(*saved.setAside + u"/session.json"_s), garbage);
+        EXPECT_EQ(contentOf(*saved.setAside + u"/Drafts/one.draft"_s), "text");
+        EXPECT_FALSE(QFile::exists(root() + u"/.quillet-cutoff"_s));
+        auto untitled = document(u"new"_s);
+        store->write(snapshotOf(*store, {untitled.get()}));
+        ASSERT_TRUE(isWritten(*store));
+        EXPECT_EQ(drafts().size(), 1);
+        EXPECT_EQ(contentOf(*saved.setAside + u"/Drafts/one.draft"_s), "text");
+    }
+    // It cannot be moved: nothing is written over it.
+    QDir(root()).removeRecursively();
+    put(u"session.json"_s, "garbage");
+    put(u"Drafts/one.draft"_s, "text");
+    calls.before = [](const char *call) { return std::string(call) == "rename" ? EROFS : 0; };
+    auto store = open();
+    EXPECT_TRUE(store->read().setAside);
+    EXPECT_FALSE(store->keepsUnsavedText());
+    calls.before = nullptr;
+    auto untitled = document(u"new"_s);
+    store->write(snapshotOf(*store, {untitled.get()}));
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(contentOf(store->snapshotPath()), "garbage");
+    EXPECT_EQ(drafts(), QStringList{u"one.draft"_s});
+}
+
+TEST_F(SessionStoreTest, OnlyOneProgramOwnsTheFolder)
+{
+    auto first = open();
+    auto untitled = document(u"text"_s, firstId);
+    first->write(snapshotOf(*first, {untitled.get()}));
+    ASSERT_TRUE(isWritten(*first));
+    auto second = open();
+    EXPECT_FALSE(second->isOwner() || second->keepsUnsavedText());
+    EXPECT_FALSE(second->read().snapshot);
+    EXPECT_EQ(second->writeDraft(*untitled), std::nullopt);
+    second->write({});
+    second->discardDraft(firstId);
+    EXPECT_TRUE(isWritten(*second));
+    EXPECT_EQ(drafts(), QStringList{DraftFile::nameFor(firstId)});
+    // Another folder is nobody else's, also without a place for locks.
+    EXPECT_TRUE(SessionStore({folder.filePath(u"other"_s), folder.path()}, preferences).isOwner());
+    EXPECT_TRUE(SessionStore({folder.filePath(u"third"_s), {}}, preferences).isOwner());
+    first.reset();
+    EXPECT_TRUE(open()->read().snapshot);
+}
+
+TEST_F(SessionStoreTest, WritesTheLatestTextOnceAndNothingThatIsThere)
+{
+    auto store = open();
+    auto text = document({}, firstId);
+    edit(*text, u"1"_s);
+    // The thread is busy with another text meanwhile.
+    auto other = document(u"other"_s);
+    std::binary_semaphore hasBegun(0);
+    std::binary_semaphore mayGoOn(0);
+    calls.before = [&, isFirst = true](const char *) mutable {
+        if (std::exchange(isFirst, false)) {
+            hasBegun.release();
+            mayGoOn.acquire();
+        }
+        return 0;
+    };
+    store->writeDraft(*other);
+    hasBegun.acquire();
+    store->writeDraft(*text);
+    // What waits is overtaken, discarded, and comes anew.
+    store->discardDraft(firstId);
+    for (const auto &version : {u"2"_s, u"3"_s, u"4"_s}) {
+        edit(*text, version);
+        store->write(snapshotOf(*store, {text.get(), other.get()}));
+    }
+    int renames = 0;
+    mayGoOn.release();
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(contentOf(root() + u"/Drafts/"_s + DraftFile::nameFor(firstId)), "4");
+    calls.before = [&](const char *call) {
+        renames += std::string(call) == "rename" ? 1 : 0;
+        return 0;
+    };
+    const Snapshot same = snapshotOf(*store, {text.get(), other.get()});
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(renames, 0) << "both are there";
+    // Without the other one its draft goes.
+    store->write(snapshotOf(*store, {text.get()}));
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(renames, 1);
+    EXPECT_EQ(drafts(), QStringList{DraftFile::nameFor(firstId)});
+    // Drafts that are not wanted are not touched.
+    preferences.setAutosaveDrafts(false);
+    EXPECT_FALSE(store->keepsUnsavedText());
+    edit(*text, u"5"_s);
+    EXPECT_EQ(store->writeDraft(*text), std::nullopt);
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(contentOf(root() + u"/Drafts/"_s + drafts().front()), "4");
+}
+
+TEST_F(SessionStoreTest, AFullDiskIsToldOfOnceAndTriedAgain)
+{
+    auto store = open();
+    std::vector<int> problems;
+    store->onProblem([&](const Error &error) { problems.push_back(error.code); });
+    auto text = document({}, firstId);
+    edit(*text, u"old"_s);
+    store->write(snapshotOf(*store, {text.get()}));
+    ASSERT_TRUE(isWritten(*store));
+    calls.before = [](const char *call) { return std::string(call) == "write" ? ENOSPC : 0; };
+    edit(*text, u"new"_s);
+    for (int tick = 0; tick < 3; ++tick) {
+        store->write(snapshotOf(*store, {text.get()}));
+        ASSERT_TRUE(isWritten(*store));
+    }
+    QCoreApplication::processEvents();
+    EXPECT_EQ(problems, std::vector{ENOSPC});
+    EXPECT_FALSE(store->keepsUnsavedText());
+    EXPECT_EQ(contentOf(root() + u"/Drafts/"_s + drafts().front()), "old") << "better than none";
+    calls.before = nullptr;
+    store->write(snapshotOf(*store, {text.get()}));
+    ASSERT_TRUE(isWritten(*store));
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(store->keepsUnsavedText());
+    EXPECT_EQ(contentOf(root() + u"/Drafts/"_s + drafts().front()), "new");
+    EXPECT_EQ(drafts().size(), 1);
+    EXPECT_EQ(problems.size(), 1U);
+}
+
+TEST_F(SessionStoreTest, FilesThatDoNotAnswerAreWaitedForInTheirTabs)
+{
+    put(u"slow.txt"_s, "first\r\nsecond\r\n");
+    const QString path = root() + u"/slow.txt"_s;
+    HeldWorkers held;
+    DocumentStore slow{{scheduler, notifications, defaults, held, watchers, {}}, {}};
+    int failures = 0;
+    const auto observer = notifications.observe(TextDocument::didFailToArrive, nullptr, [&] { ++failures; });
+    const Snapshot snapshot{
+        .documents = {{.id = firstId, .filePath = path, .encodingRawValue = quint32(TextEncoding::utf8), .selection = {7, 3}},
+                      {.id = secondId, .filePath = root() + u"/gone.txt"_s, .encodingRawValue = quint32(TextEncoding::utf8)}}};
+    auto store = open();
+    const auto restored = restoreDocuments({.snapshot = snapshot}, *store, slow, 0ms);
+    ASSERT_EQ(restored.size(), 2U);
+    TextDocument &text = *restored.front().document;
+    EXPECT_TRUE(text.isWaiting());
+    EXPECT_FALSE(text.hasUnsavedText());
+    // Nothing may come of the empty text that is there meanwhile.
+    text.setLineEnding(LineEnding::cr);
+    EXPECT_FALSE(text.save(path));
+    EXPECT_FALSE(text.isDirty());
+    EXPECT_EQ(contentOf(path), "first\r\nsecond\r\n");
+    EXPECT_EQ(text.lastSelectedRange, (TextRange{7, 3}));
+
+    held.finish();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(text.isWaiting());
+    EXPECT_EQ(text.storage().string(), u"first\nsecond\n"_s);
+    EXPECT_EQ(text.lineEnding(), LineEnding::crlf);
+    EXPECT_FALSE(text.isDirty() || text.hasUnsavedText() || text.undoManager().canUndo());
+    EXPECT_EQ(text.lastSelectedRange, (TextRange{7, 3}));
+    EXPECT_EQ(slow.documentAt(path), &text);
+    EXPECT_EQ(failures, 1);
+    EXPECT_TRUE(restored.back().document->arrivalError());
+    settle();
+    EXPECT_TRUE(text.save(path));
+}
