@@ -7,6 +7,7 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
+#include "Model/SessionStore.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Desktop.h"
@@ -18,6 +19,7 @@
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QFile>
+#include <QTemporaryDir>
 #include <QWindow>
 
 #include <qpa/qwindowsysteminterface.h>
@@ -93,11 +95,14 @@ public:
     ScriptedAlertPresenter presenter;
     DetachedWorkers workers;
     FileWatcherQueue watchers;
+    QTemporaryDir folder;
+    SessionStore session{{folder.path(), {}}, preferences};
     DocumentStore store{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
     FindState find;
     TextDocument *document = nullptr;
     RecordingDesktop desktop;
-    AppDelegate application{{{scheduler, notifications, preferences, pasteboard, presenter, store, workers, find}, defaults, desktop}};
+    AppDelegate application{
+        {{scheduler, notifications, preferences, pasteboard, presenter, store, workers, find}, defaults, desktop, session}};
     EditorViewController *editor = nullptr;
 
 private:

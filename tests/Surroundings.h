@@ -4,6 +4,7 @@
 
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
+#include "Model/SessionStore.h"
 #include "Model/WatchedPath.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
@@ -18,6 +19,12 @@
 /// All that editors and windows use, with nothing of this machine in it but a folder that goes with it: time stands until it is advanced,
 /// questions are answered by the test, settings and clipboard are kept in memory.
 struct Surroundings {
+    Surroundings() : Surroundings(QString()) {}
+    /// With the session of another one that is gone, which used the same folder for its data.
+    explicit Surroundings(const QString &data) : session({data.isEmpty() ? folder.filePath(QStringLiteral("data")) : data, {}}, preferences)
+    {}
+    Q_DISABLE_COPY_MOVE(Surroundings)
+
     QTemporaryDir folder;
     ManualScheduler scheduler;
     NotificationCenter notifications;
@@ -27,8 +34,11 @@ struct Surroundings {
     ScriptedAlertPresenter presenter;
     InlineWorkers workers;
     FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
-    DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
+    SessionStore session;
+    DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, [this](const QUuid &id) { session.discardDraft(id); }},
+                            {}};
     FindState find;
     RecordingDesktop desktop;
-    WorkspaceServices services{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find}, defaults, desktop};
+    WorkspaceServices services{
+        {scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find}, defaults, desktop, session};
 };

@@ -4,6 +4,8 @@
 
 #include "App/MainMenu.h"
 #include "Model/DocumentStore.h"
+#include "Model/Preferences.h"
+#include "Model/SessionStore.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/AtomicFile.h"
 #include "Platform/Desktop.h"
@@ -12,13 +14,16 @@
 #include "UI/EditorToolbarController.h"
 
 #include <QApplication>
-#include <QStandardPaths>
 
 #include <array>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// For a disk that is busy. One that hangs is not waited for any longer.
+constexpr std::chrono::milliseconds userPatience{5000};
+constexpr std::chrono::milliseconds systemPatience{700};
 
 /// Lines of items, " · " between them, break between items only.
 QString withUnbrokenItems(const QString &text)
@@ -40,10 +45,24 @@ AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(service
             MainMenu::install(*window, m_services.presenter);
         }
     });
+    m_services.session.onSetAside([this](const QString &folder) {
+        warn(localized(u"The last session could not be read."),
+             formatted(localized(m_services.session.isOwner()
+                                     ? u"It was moved to “%@”, together with the texts that had not been saved."
+                                     : u"It was left in “%@”, together with the texts that had not been saved. As long as it is there, no "
+                                       u"session is kept."),
+                       folder));
+    });
+    m_services.session.onProblem([this](const Error &error) {
+        warn(localized(u"Unsaved changes cannot be kept at the moment."),
+             error.message + u' ' + localized(u"Until that is mended, only what you save is safe."));
+    });
 }
 
 AppDelegate::~AppDelegate()
 {
+    m_services.session.onSetAside({});
+    m_services.session.onProblem({});
     while (!m_windows.empty()) {
         MainWindowController *window = m_windows.back();
         disconnect(window, nullptr, this, nullptr);
@@ -81,17 +100,18 @@ MainWindowController &AppDelegate::makeWindow(MainWindowController::Content cont
 void AppDelegate::windowClosed(MainWindowController &window)
 {
     std::erase(m_windows, &window);
-    // What nobody shows any more goes, but for texts that were not saved: opening the file again brings those back.
+    // What nobody shows any more goes, but for texts that were not saved: the next start brings those back, or opening the file again.
     for (const auto &document : window.workspace().documents()) {
         const bool isShown = std::ranges::any_of(workspaces(), [&](const WorkspaceViewController *other) {
             return std::ranges::any_of(other->panes(), [&](const PaneViewController *pane) { return pane->holds(*document); });
         });
-        if (!isShown && (!document->isDirty() || document->isUntitled())) {
+        if (!isShown && !document->hasUnsavedText()) {
             m_services.documents.remove(*document);
         }
     }
     window.deleteLater();
     if (m_windows.empty()) {
+        m_services.session.waitUntilWritten(userPatience);
         emit finished();
     } else if (m_isTerminating) {
         closeNext();
@@ -134,13 +154,25 @@ QString AppDelegate::keyName(Selector action) const
 
 void AppDelegate::launch(const QStringList &paths)
 {
-    // An untitled text that the files replace at once would be made, laid out and thrown away.
     using Content = MainWindowController::Content;
-    MainWindowController &window = makeWindow(paths.isEmpty() ? Content::untitledTab : Content::nothing);
+    const Preferences &preferences = m_services.preferences;
+    const bool restores = preferences.restoreSession() && (paths.isEmpty() || preferences.restoreSessionWhenOpeningFiles());
+    MainWindowController &window = makeWindow(restores ? Content::session : Content::nothing);
+    WorkspaceViewController &workspace = window.workspace();
+    // An untitled text that the files replace at once would be made, laid out and thrown away.
+    if (paths.isEmpty() && !workspace.currentDocument()) {
+        workspace.openUntitled();
+    }
     window.show();
-    window.workspace().open(paths);
-    if (!window.workspace().currentDocument()) {
-        window.workspace().openUntitled();
+    workspace.open(paths);
+    if (!workspace.currentDocument()) {
+        workspace.openUntitled();
+    }
+    if (m_services.session.isHeldByOther() && preferences.restoreSession()) {
+        inform(
+            localized(u"Quillet is running already."),
+            localized(u"The other one keeps the session. This one works as well, but its tabs do not come back at the next start, and it "
+                      u"asks about unsaved changes before it ends."));
     }
 }
 
@@ -163,14 +195,33 @@ void AppDelegate::newWindow()
 
 void AppDelegate::terminate()
 {
+    if (keepSession(userPatience)) {
+        emit finished();
+        return;
+    }
     m_isTerminating = true;
     closeNext();
+}
+
+void AppDelegate::terminateNow()
+{
+    keepSession(systemPatience);
+    emit finished();
+}
+
+bool AppDelegate::keepSession(std::chrono::milliseconds patience)
+{
+    for (WorkspaceViewController *workspace : workspaces()) {
+        workspace->writeSessionSnapshot();
+    }
+    const bool isWritten = m_services.session.waitUntilWritten(patience);
+    return !hasUnsavedText() || (isWritten && m_services.session.keepsUnsavedText());
 }
 
 bool AppDelegate::hasUnsavedText() const
 {
     return std::ranges::any_of(m_windows, [](MainWindowController *window) {
-        return std::ranges::any_of(window->workspace().documents(), [](const auto &document) { return document->isDirty(); });
+        return std::ranges::any_of(window->workspace().documents(), [](const auto &document) { return document->hasUnsavedText(); });
     });
 }
 
@@ -185,6 +236,14 @@ void AppDelegate::inform(const QString &message, const QString &details)
 {
     m_services.presenter.present(Alert{.style = AlertStyle::informational, .messageText = message, .informativeText = details},
                                  frontmostWindow(), {});
+}
+
+/// In the window in front, as soon as there is one that is shown.
+void AppDelegate::warn(const QString &message, const QString &details)
+{
+    m_warning = m_services.scheduler.after(Scheduler::Milliseconds(0), [this, message, details] {
+        m_services.presenter.present(Alert{.messageText = message, .informativeText = details}, frontmostWindow(), {});
+    });
 }
 
 void AppDelegate::showAbout()
@@ -212,7 +271,7 @@ void AppDelegate::showShortcuts()
 
 void AppDelegate::revealSupportFolder()
 {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Quillet"_s;
+    const QString folder = m_services.session.rootDirectory();
     makePrivateFolder(folder);
     m_services.desktop.reveal(folder, [this, folder](const QString &problem) {
         m_services.presenter.present(Alert::forError(problem, folder), frontmostWindow(), {});

@@ -14,12 +14,15 @@ public:
     explicit AppDelegate(const WorkspaceServices &services);
     ~AppDelegate() override;
 
-    /// Shows the first window and opens the files in it; absolute paths.
+    /// Shows the first window, with the session if the settings say so, and opens the files in it; absolute paths.
     void launch(const QStringList &paths);
-    /// Closes the windows one after the other, each of which asks about texts that are not saved. One that is kept ends it.
+    /// Ends the program. The session is kept, with all unsaved text; where it cannot be, the windows close one after the other and each
+    /// asks about its texts. One that is left open ends it.
     void terminate();
-    /// Whether quitting would have to ask.
-    [[nodiscard]] bool hasUnsavedText() const;
+    /// Ends the program within a second, without a question.
+    void terminateNow();
+    /// Writes the session of every window. False when text would be lost if the program ended now.
+    bool keepSession(std::chrono::milliseconds patience);
     /// Files from outside, for the window in front; with none a window comes to the front.
     void open(const QStringList &paths);
 
@@ -33,12 +36,14 @@ public:
     [[nodiscard]] Responder *nextResponder() const override { return nullptr; }
 
 signals:
-    /// The last window has closed.
+    /// The program is to end. Windows may still be there.
     void finished();
 
 private:
     void newWindow();
     void closeNext();
+    [[nodiscard]] bool hasUnsavedText() const;
+    void warn(const QString &message, const QString &details);
     void showAbout();
     void showShortcuts();
     void revealSupportFolder();
@@ -52,5 +57,6 @@ private:
     WorkspaceServices m_services;
     std::vector<MainWindowController *> m_windows;
     bool m_isTerminating = false;
+    DelayedTask m_warning;
     NotificationCenter::Token m_languageObserver;
 };

@@ -47,7 +47,7 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
     m_stack->addWidget(m_findBar);
     m_stack->addWidget(m_textView, 1);
     m_textView->setEditorDelegate(this);
-    m_textView->setAccess(document.isGenerated() ? TextView::Access::readOnly : TextView::Access::readWrite);
+    applyAccess();
     m_textView->setLanguage(document.language());
     setFocusProxy(m_textView);
     makeSpelling();
@@ -118,6 +118,9 @@ void EditorViewController::observe()
     observe(Localization::didChangeNotification, nullptr, [this] { retranslate(); });
     observe(TextDocument::didDetectExternalChange, m_document.get(), [this] { updateBanner(); });
     observe(TextDocument::didReloadFromDisk, m_document.get(), [this] {
+        if (applyAccess()) {
+            restoreViewState(); // the text has come only now
+        }
         m_textView->ruler().update();
         highlightVisibleRange();
         updateBanner();
@@ -214,6 +217,14 @@ void EditorViewController::scheduleVisibleHighlight()
 
 // Where the user was
 
+bool EditorViewController::applyAccess()
+{
+    const bool wasReadOnly = m_textView->isReadOnly();
+    const bool isReadOnly = m_document->isGenerated() || m_document->isWaiting();
+    m_textView->setAccess(isReadOnly ? TextView::Access::readOnly : TextView::Access::readWrite);
+    return wasReadOnly && !isReadOnly;
+}
+
 void EditorViewController::restoreViewState()
 {
     m_textView->setSelection(TextSelection::at(std::min(m_document->storage().length(), m_document->lastSelectedRange.location)));
@@ -226,6 +237,9 @@ void EditorViewController::restoreViewState()
 
 void EditorViewController::saveViewState()
 {
+    if (m_document->isWaiting()) {
+        return; // it remembers where the user was in the text that is to come
+    }
     m_document->lastSelectedRange = m_textView->selection().range();
     m_document->lastScrollOffset = m_textView->scrollOffset();
 }

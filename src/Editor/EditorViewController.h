@@ -98,6 +98,8 @@ private:
     void applyIndentation();
     void adoptLanguage();
     void restoreViewState();
+    /// Lets the text be changed or not; true when it may be from now on.
+    bool applyAccess();
 
     void highlightVisibleRange();
     void scheduleVisibleHighlight();

@@ -30,21 +30,26 @@ struct ButtonRow {
 
 struct StateRow {
     QStringView sentence;
-    std::array<ButtonRow, 2> buttons;
+    std::span<const ButtonRow> buttons;
 };
 
 const StateRow *rowOf(TextDocument::ExternalState state)
 {
-    static constexpr StateRow conflicted = {
-        u"“%@” changed on disk and has unsaved edits here.",
-        {{{u"Reload from Disk", &ExternalChangeBanner::onReload}, {u"Keep Mine", &ExternalChangeBanner::onKeep}}}};
-    static constexpr StateRow deleted = {u"“%@” was deleted or moved.",
-                                         {{{u"Save Again", &ExternalChangeBanner::onSave}, {u"Dismiss", &ExternalChangeBanner::onKeep}}}};
+    static constexpr std::array conflictButtons = {ButtonRow{u"Reload from Disk", &ExternalChangeBanner::onReload},
+                                                   ButtonRow{u"Keep Mine", &ExternalChangeBanner::onKeep}};
+    static constexpr std::array deletionButtons = {ButtonRow{u"Save Again", &ExternalChangeBanner::onSave},
+                                                   ButtonRow{u"Dismiss", &ExternalChangeBanner::onKeep}};
+    static constexpr StateRow conflicted = {u"“%@” changed on disk and has unsaved edits here.", conflictButtons};
+    static constexpr StateRow deleted = {u"“%@” was deleted or moved.", deletionButtons};
+    static constexpr StateRow waiting = {
+        u"Waiting for “%@”, whose place does not answer. You can go on with other tabs, or close this one.", {}};
     switch (state) {
     case TextDocument::ExternalState::conflicted:
         return &conflicted;
     case TextDocument::ExternalState::deleted:
         return &deleted;
+    case TextDocument::ExternalState::waiting:
+        return &waiting;
     case TextDocument::ExternalState::none:
         break;
     }
@@ -89,7 +94,7 @@ void ExternalChangeBanner::configure(TextDocument::ExternalState state, const QS
 {
     const StateRow *row = rowOf(state);
     const QString sentence = row ? formatted(localized(row->sentence), filename) : QString();
-    const auto buttons = row ? std::span<const ButtonRow>(row->buttons) : std::span<const ButtonRow>();
+    const auto buttons = row ? row->buttons : std::span<const ButtonRow>();
     // Buttons that stay the same stay: one of them may be pressed or have the focus.
     const auto shows = [](const QPushButton *shown, const ButtonRow &wanted) { return shown->text() == localized(wanted.title); };
     if (!std::ranges::equal(m_buttons, buttons, shows)) {

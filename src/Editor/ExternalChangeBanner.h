@@ -14,7 +14,8 @@ class QBoxLayout;
 class QPushButton;
 struct Theme;
 
-/// A bar above a text whose file was changed or deleted by others: a sentence and what can be done about it. It only shows and reports.
+/// A bar above a text whose file was changed or deleted by others, or does not come: a sentence and what can be done about it. It only
+/// shows and reports.
 class ExternalChangeBanner final : public QWidget {
 public:
     explicit ExternalChangeBanner(QWidget *parent = nullptr);

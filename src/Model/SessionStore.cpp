@@ -135,7 +135,8 @@ SessionStore::SessionStore(const Places &places, const Preferences &preferences,
         m_lock = lockFile(m_root + u"/session.lock"_s);
     }
     // Where no lock can be had because nothing can be written, nobody is disturbed.
-    m_isOwner = m_lock >= 0 || errno != EWOULDBLOCK;
+    m_isHeldByOther = m_lock < 0 && errno == EWOULDBLOCK;
+    m_isOwner = !m_isHeldByOther;
 }
 
 SessionStore::~SessionStore()
@@ -186,7 +187,7 @@ QStringList SessionStore::draftsOnDisk() const
 SessionStore::Saved SessionStore::read()
 {
     Saved saved;
-    if (!m_isOwner) {
+    if (!m_isOwner || std::exchange(m_hasRead, true)) {
         return saved;
     }
     // Of writing that was cut off.
@@ -194,22 +195,7 @@ SessionStore::Saved SessionStore::read()
     for (const QString &name : root.entryList({temporaryFiles}, QDir::Files | QDir::Hidden)) {
         root.remove(name);
     }
-    const QFileInfo info(snapshotPath());
-    if (info.exists() || info.isSymLink()) {
-        QFile file(snapshotPath());
-        if (info.isFile() && info.size() <= largestSnapshot && file.open(QIODevice::ReadOnly)) {
-            saved.snapshot = Snapshot::fromJson(file.readAll());
-        }
-        if (!saved.snapshot) {
-            const QString folder = m_root + u"/Unreadable session "_s + QDateTime::currentDateTime().toString(u"yyyy-MM-dd HH.mm.ss"_s);
-            saved.setAside = folder;
-            if (!setAside(folder)) {
-                m_isOwner = false;
-                saved.setAside = m_root;
-                return saved;
-            }
-        }
-    }
+    saved.snapshot = readSnapshot();
     std::set<QString> named;
     if (saved.snapshot) {
         for (const Snapshot::Document &document : saved.snapshot->documents) {
@@ -223,6 +209,46 @@ SessionStore::Saved SessionStore::read()
         }
     }
     return saved;
+}
+
+std::optional<SessionStore::Snapshot> SessionStore::readSnapshot()
+{
+    const QFileInfo info(snapshotPath());
+    if (!info.exists() && !info.isSymLink()) {
+        return std::nullopt;
+    }
+    QFile file(snapshotPath());
+    if (info.isFile() && info.size() <= largestSnapshot && file.open(QIODevice::ReadOnly)) {
+        if (auto snapshot = Snapshot::fromJson(file.readAll())) {
+            return snapshot;
+        }
+    }
+    QString folder = m_root + u"/Unreadable session "_s + QDateTime::currentDateTime().toString(u"yyyy-MM-dd HH.mm.ss"_s);
+    if (!setAside(folder)) {
+        m_isOwner = false; // it must not be written over
+        folder = m_root;
+    }
+    if (m_tellSetAside) {
+        m_tellSetAside(folder);
+    }
+    return std::nullopt;
+}
+
+/// What was not brought back still is not saved.
+void SessionStore::carryOver()
+{
+    const Saved saved = read();
+    if (saved.snapshot) {
+        std::ranges::copy_if(saved.snapshot->documents, std::back_inserter(m_carriedOver),
+                             [](const Snapshot::Document &document) { return document.draftFilename.has_value(); });
+    }
+    for (const QString &name : saved.otherDrafts) {
+        const QUuid id = DraftFile::documentOf(name);
+        m_carriedOver << Snapshot::Document{.id = id.isNull() ? QUuid::createUuid() : id,
+                                            .draftFilename = name,
+                                            .encodingRawValue = quint32(TextEncoding::utf8),
+                                            .lineEnding = rawValue(LineEnding::lf).toString()};
+    }
 }
 
 bool SessionStore::setAside(const QString &folder)
@@ -328,9 +354,13 @@ void SessionStore::discardDraft(const QUuid &document)
 
 void SessionStore::write(Snapshot snapshot)
 {
+    if (!m_hasRead) {
+        carryOver();
+    }
     if (!m_isOwner) {
         return;
     }
+    snapshot.documents << m_carriedOver;
     snapshot.savedAt = double(QDateTime::currentMSecsSinceEpoch()) / 1000 - referenceDate;
     bool isWaiting = false;
     {

@@ -48,8 +48,6 @@ public:
         std::optional<Snapshot> snapshot;
         /// Drafts that the snapshot does not name: of texts that were typed just before the program was killed.
         QStringList otherDrafts;
-        /// There was a snapshot that cannot be read. Where it is now, the drafts with it.
-        std::optional<QString> setAside;
     };
 
     /// Makes the folders, for the user only. `preferences` and `calls` must outlive the store.
@@ -64,12 +62,14 @@ public:
 
     /// False while another program owns the folder, and after a snapshot that can neither be read nor moved out of the way.
     [[nodiscard]] bool isOwner() const { return m_isOwner; }
+    [[nodiscard]] bool isHeldByOther() const { return m_isHeldByOther; }
     /// Whether text that is not saved comes back at the next start: the settings want it and writing works.
     [[nodiscard]] bool keepsUnsavedText() const;
     /// Everything that was to be written so far was.
     [[nodiscard]] bool isHealthy() const;
 
-    /// Once, before anything is written. A snapshot that cannot be read is moved to a folder of its own, with all drafts.
+    /// Once. A snapshot that cannot be read is moved to a folder of its own, with all drafts. When this was not called before the first
+    /// snapshot is written, what it would have returned is carried over: texts that were not saved are in that snapshot too.
     [[nodiscard]] Saved read();
     /// A draft's text; none when the name is none of a draft, or when it cannot be read: then it is left where it is.
     [[nodiscard]] std::optional<Rope> draft(const QString &name);
@@ -88,11 +88,15 @@ public:
 
     /// Called when drafts cannot be written, with the reason: once, and again only after a time in which they could.
     void onProblem(std::function<void(const Error &error)> tell);
+    /// Called when there was a snapshot that cannot be read, with the folder where it is now, and the drafts with it.
+    void onSetAside(std::function<void(const QString &folder)> tell) { m_tellSetAside = std::move(tell); }
 
 private:
     struct Queue;
 
+    [[nodiscard]] std::optional<Snapshot> readSnapshot();
     [[nodiscard]] bool setAside(const QString &folder);
+    void carryOver();
     [[nodiscard]] QStringList draftsOnDisk() const;
 
     QString m_root;
@@ -100,6 +104,11 @@ private:
     FileCalls &m_calls;
     int m_lock = -1;
     bool m_isOwner = true;
+    bool m_isHeldByOther = false;
+    bool m_hasRead = false;
+    /// Of earlier programs, not brought back by this one.
+    QList<Snapshot::Document> m_carriedOver;
+    std::function<void(const QString &folder)> m_tellSetAside;
     /// Drafts that may be on disk, and the revision of the text that was last handed over.
     std::map<QString, std::optional<quint64>> m_drafts;
     quint64 m_lastTicket = 0;

@@ -113,7 +113,7 @@ std::unique_ptr<TextDocument> TextDocument::awaiting(const DocumentServices &ser
 {
     const TextFile::Contents nothing{.text = {}, .encoding = encoding, .lineEnding = lineEnding};
     std::unique_ptr<TextDocument> document(new TextDocument(services, path, QDir::cleanPath(path), nothing, id));
-    document->m_isWaiting = true;
+    document->m_externalState = ExternalState::waiting;
     document->m_arrival = BackgroundTask::start(
         services.workers,
         [path](const std::stop_token &) {
@@ -125,7 +125,7 @@ std::unique_ptr<TextDocument> TextDocument::awaiting(const DocumentServices &ser
 
 void TextDocument::arrive(const Arrival &arrival)
 {
-    m_isWaiting = false;
+    m_externalState = ExternalState::none;
     if (!arrival.contents) {
         m_arrivalError = arrival.contents.error();
         m_services.notifications.post(didFailToArrive, this);
@@ -151,7 +151,7 @@ void TextDocument::arrive(const Arrival &arrival)
 
 bool TextDocument::hasUnsavedText() const
 {
-    if (isGenerated() || m_isWaiting || (isUntitled() && m_storage.length() == 0)) {
+    if (isGenerated() || isWaiting() || (isUntitled() && m_storage.length() == 0)) {
         return false;
     }
     return m_isDirty || m_isDraft || isUntitled();
@@ -272,7 +272,7 @@ void TextDocument::applyDirtyCheck(quint64 hash)
 
 void TextDocument::setEncoding(TextEncoding encoding)
 {
-    if (m_encoding != encoding && !m_isWaiting) {
+    if (m_encoding != encoding && !isWaiting()) {
         m_encoding = encoding;
         postMetadata();
     }
@@ -280,7 +280,7 @@ void TextDocument::setEncoding(TextEncoding encoding)
 
 void TextDocument::setLineEnding(LineEnding lineEnding)
 {
-    if (m_lineEnding == lineEnding || m_isWaiting) {
+    if (m_lineEnding == lineEnding || isWaiting()) {
         return;
     }
     m_lineEnding = lineEnding;
@@ -341,7 +341,7 @@ void TextDocument::transformForSaving()
 
 Result<void> TextDocument::save(const QString &path)
 {
-    if (m_isWaiting) {
+    if (isWaiting()) {
         return failure(formatted(localized(u"“%@” cannot be saved, because it has not been read yet."), displayName()));
     }
     transformForSaving();
@@ -440,7 +440,7 @@ void TextDocument::reload(const FileReading &reading)
 
 tl::expected<void, TextFile::ReadError> TextDocument::revertToFileOnDisk()
 {
-    if (m_path.isEmpty() || m_isWaiting) {
+    if (m_path.isEmpty() || isWaiting()) {
         return {};
     }
     const auto contents = TextFile::read(m_path);
@@ -453,7 +453,7 @@ tl::expected<void, TextFile::ReadError> TextDocument::revertToFileOnDisk()
 
 tl::expected<void, TextFile::ReadError> TextDocument::reinterpret(TextEncoding encoding)
 {
-    if (m_path.isEmpty() || m_isWaiting) {
+    if (m_path.isEmpty() || isWaiting()) {
         return {};
     }
     const auto contents = TextFile::read(m_path, encoding);
@@ -517,7 +517,7 @@ void TextDocument::setExternalState(ExternalState state)
 
 void TextDocument::clearExternalState()
 {
-    if (m_externalState != ExternalState::none) {
+    if (m_externalState != ExternalState::none && !isWaiting()) {
         m_externalState = ExternalState::none;
         postMetadata();
     }

@@ -64,6 +64,8 @@ public:
         conflicted,
         /// The file disappeared.
         deleted,
+        /// The file is still being read.
+        waiting,
     };
 
     /// From this many units on a text is hashed on a worker.
@@ -108,7 +110,7 @@ public:
     [[nodiscard]] bool isDirty() const { return m_isDirty; }
     /// The text would be lost with the document: it is dirty, without a file or from a draft, and not an empty one without a file.
     [[nodiscard]] bool hasUnsavedText() const;
-    [[nodiscard]] bool isWaiting() const { return m_isWaiting; }
+    [[nodiscard]] bool isWaiting() const { return m_externalState == ExternalState::waiting; }
     /// Waits for the file that is being read, until `deadline`.
     void waitForFile(std::chrono::steady_clock::time_point deadline) { std::ignore = m_arrival.waitUntil(deadline); }
     /// Why there is no text although it is not waiting.
@@ -199,7 +201,6 @@ private:
     QString m_identity;
     bool m_isDirty = false;
     bool m_isDraft = false;
-    bool m_isWaiting = false;
     std::optional<TextFile::ReadError> m_arrivalError;
     ExternalState m_externalState = ExternalState::none;
     bool m_isLoading = false;

@@ -3,6 +3,7 @@
 #include "UI/MainWindowController.h"
 
 #include "Model/DocumentStore.h"
+#include "Model/SessionStore.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Translation.h"
@@ -58,6 +59,9 @@ MainWindowController::MainWindowController(const WorkspaceServices &services, Wo
     connect(new QShortcut(Qt::Key_F6, this), &QShortcut::activated, this, [this] { focusNextRegion(1); });
     connect(new QShortcut(Qt::SHIFT | Qt::Key_F6, this), &QShortcut::activated, this, [this] { focusNextRegion(-1); });
     connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this, &MainWindowController::openFirstMenu);
+    if (content == Content::session && m_workspace->restoreSession()) {
+        return;
+    }
     m_workspace->addPane({}, 0);
     if (content == Content::untitledTab) {
         m_workspace->openUntitled();
@@ -191,7 +195,9 @@ void MainWindowController::keyPressEvent(QKeyEvent *event)
 void MainWindowController::closeEvent(QCloseEvent *event)
 {
     Documents dirty = m_workspace->documents();
-    std::erase_if(dirty, [](const auto &document) { return !document->isDirty(); });
+    // A text from a draft counts as clean: as long as drafts are kept, it comes back.
+    const bool isKept = m_services.session.keepsUnsavedText();
+    std::erase_if(dirty, [isKept](const auto &document) { return isKept ? !document->isDirty() : !document->hasUnsavedText(); });
     if (m_closing < Closing::allowed && !dirty.empty()) {
         event->ignore();
         // Where nobody sees it, the question would never be answered.
@@ -220,6 +226,7 @@ void MainWindowController::closeEvent(QCloseEvent *event)
         m_services.defaults.set(frameKey, u"%1x%2"_s.arg(width()).arg(height()));
     }
     if (std::exchange(m_closing, Closing::done) != Closing::done) {
+        m_workspace->writeSessionSnapshot();
         emit closed();
     }
 }
@@ -231,7 +238,10 @@ void MainWindowController::confirmClosingAll(const Documents &documents, const C
         names << document->displayName();
     }
     const bool isOne = documents.size() == 1;
-    const QString consequence = localized(u"Your changes will be lost if you don’t save them.");
+    const QString consequence =
+        !isOne && m_services.session.keepsUnsavedText()
+            ? localized(u"Unsaved changes are kept as local drafts and will be restored the next time you open Quillet.")
+            : localized(u"Your changes will be lost if you don’t save them.");
     const Alert question{.messageText = isOne ? formatted(localized(u"Do you want to save the changes made to “%@”?"), names.first())
                                               : formatted(localized(u"You have %d documents with unsaved changes."), int(documents.size())),
                          .informativeText = isOne ? consequence : names.join(u", "_s) + u"\n\n"_s + consequence,

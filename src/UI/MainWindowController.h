@@ -14,8 +14,9 @@ class MainWindowController final : public QMainWindow, public Responder, public 
     Q_OBJECT
 
 public:
-    /// What a new window shows. One without a tab is to be given one before the event loop goes on.
-    enum class Content { untitledTab, nothing };
+    /// What a new window shows; `session` is nothing when there is none. One without a tab is to be given one before the event loop goes
+    /// on.
+    enum class Content { untitledTab, session, nothing };
 
     MainWindowController(const WorkspaceServices &services, WorkspaceHost &host, Content content = Content::untitledTab);
     ~MainWindowController() override;

@@ -10,6 +10,8 @@
 #include <QApplication>
 #include <QVBoxLayout>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr QSize startSize(600, 400);
@@ -89,10 +91,11 @@ void PaneViewController::refreshTabs()
 {
     std::vector<TabDescriptor> tabs;
     for (const auto &document : m_documents) {
-        tabs.push_back({.title = document->displayName(),
+        const bool isWaiting = document->isWaiting();
+        tabs.push_back({.title = isWaiting ? document->displayName() + u" …"_s : document->displayName(),
                         .tooltip = document->displayPath(),
                         .isDirty = document->isDirty(),
-                        .hasExternalChange = document->externalState() != TextDocument::ExternalState::none});
+                        .hasExternalChange = !isWaiting && document->externalState() != TextDocument::ExternalState::none});
     }
     if (m_currentEditor) {
         updateName(*m_currentEditor);

@@ -110,7 +110,7 @@ bool WorkspaceViewController::hasFile() const
 
 bool WorkspaceViewController::canRevert() const
 {
-    return hasFile() && currentDocument()->isDirty();
+    return hasFile() && currentDocument()->hasUnsavedText();
 }
 
 bool WorkspaceViewController::hasSeveralTabs() const
@@ -278,7 +278,7 @@ void WorkspaceViewController::revertDocumentToSaved()
 
 void WorkspaceViewController::makeBackup()
 {
-    if (!hasFile()) {
+    if (!hasFile() || currentDocument()->isWaiting()) {
         beep();
         return;
     }
@@ -315,7 +315,7 @@ void WorkspaceViewController::moveDocumentToTrash()
         return;
     }
     const auto document = currentDocument()->shared_from_this();
-    const QString consequence = document->isDirty()
+    const QString consequence = document->hasUnsavedText()
                                     ? localized(u"This file has unsaved changes. They will not be written before it is moved.")
                                     : localized(u"You can put it back from the Trash.");
     const Alert question{.messageText = formatted(localized(u"Move “%@” to the Trash?"), document->displayName()),
@@ -448,7 +448,7 @@ void WorkspaceViewController::statusBarDidChooseEncoding(TextEncoding encoding)
     if (!document) {
         return;
     }
-    if (document->isUntitled() || document->isDirty()) {
+    if (document->isUntitled() || document->hasUnsavedText()) {
         document->setEncoding(encoding);
         return;
     }

@@ -6,9 +6,11 @@
 
 class DefaultsStore;
 class Desktop;
+class SessionStore;
 
 /// What windows and what is in them use; made in `main`, and by every test for itself. Must outlive them.
 struct WorkspaceServices : EditorServices {
     DefaultsStore &defaults;
     Desktop &desktop;
+    SessionStore &session;
 };

@@ -37,9 +37,13 @@ WorkspaceViewController::WorkspaceViewController(const WorkspaceServices &servic
     applyTheme();
     m_observers.push_back(m_services.notifications.observe(Preferences::didChange, nullptr, [this] {
         applyTheme();
+        startAutosaveTimer();
         updateStatusBar();
     }));
+    m_observers.push_back(
+        m_services.notifications.observe(TextDocument::didFailToArrive, nullptr, [this] { dropDocumentsThatCannotBeRead(); }));
     m_observers.push_back(m_services.notifications.observe(Localization::didChangeNotification, nullptr, [this] { updateState(); }));
+    startAutosaveTimer();
 }
 
 WorkspaceViewController::~WorkspaceViewController()
@@ -219,10 +223,8 @@ PaneViewController &WorkspaceViewController::addPane(const PaneViewController::D
     auto *pane = new PaneViewController(m_services, *this, this);
     m_splitView->addWidget(pane);
     m_panes.push_back(pane);
-    for (const auto &document : documents) {
-        pane->add(*document, PaneViewController::Select::no);
-    }
     if (!documents.empty()) {
+        pane->append(documents);
         pane->selectDocument(std::min(int(documents.size()) - 1, selectedIndex));
     }
     redistributePanes();
@@ -514,7 +516,7 @@ void WorkspaceViewController::paneRequestsClose(PaneViewController &pane, TextDo
         }
         completion(mayClose);
     };
-    if (document.isDirty()) {
+    if (document.hasUnsavedText()) {
         confirmClose(document, close);
     } else {
         close(true);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Model/SessionSnapshot.h"
 #include "Model/TextFile.h"
 #include "Platform/TextEncoding.h"
 #include "UI/FileDropView.h"
@@ -9,6 +10,7 @@
 #include "UI/StatusBarView.h"
 
 class PaneSplitter;
+struct RestoredDocument;
 class WorkspaceViewController;
 struct Alert;
 
@@ -65,6 +67,13 @@ public:
     void focusPaneShowing(const TextDocument &document);
     void focusEditor();
 
+    /// Fills the window, which has no panes yet, as the session was left. False when there is nothing to be brought back.
+    bool restoreSession();
+    /// Has the session store keep the window as it is now, with all texts that are not saved, also those of other windows.
+    void writeSessionSnapshot();
+    /// Keeps what was typed since the last time, in drafts or, if the settings say so, in its files.
+    void performAutosave();
+
     /// Gets true when the text was written.
     void save(TextDocument &document, const Completion &completion);
     void saveAs(TextDocument &document, const Completion &completion);
@@ -99,6 +108,14 @@ private:
     void updateStatusBar();
     void updateState();
     void applyTheme();
+
+    // Session
+    void startAutosaveTimer();
+    [[nodiscard]] SessionSnapshot sessionSnapshot();
+    void restorePanes(const SessionSnapshot &snapshot, const std::vector<RestoredDocument> &restored);
+    [[nodiscard]] QString windowFrame() const;
+    void applyWindowFrame(const QString &frame);
+    void dropDocumentsThatCannotBeRead();
 
     // Commands
     void newDocument() { openUntitled(); }
@@ -179,5 +196,8 @@ private:
     StatusBarView *m_statusBar;
     std::vector<PaneViewController *> m_panes;
     PaneViewController *m_activePane = nullptr;
+    RepeatingTimer m_autosaveTimer;
+    /// As the store was last given it.
+    std::optional<SessionSnapshot> m_lastSnapshot;
     std::vector<NotificationCenter::Token> m_observers;
 };

@@ -362,18 +362,20 @@ TEST_F(SessionStoreTest, AnUnreadableSnapshotIsSetAsideWithItsDrafts)
         put(u"Drafts/one.draft"_s, "text");
         put(u".quillet-cutoff"_s, "half");
         auto store = open();
+        std::optional<QString> setAside;
+        store->onSetAside([&](const QString &where) { setAside = where; });
         const auto saved = store->read();
         EXPECT_FALSE(saved.snapshot);
-        ASSERT_TRUE(saved.setAside);
+        ASSERT_TRUE(setAside);
         EXPECT_TRUE(saved.otherDrafts.isEmpty());
-        EXPECT_EQ(contentOf(*saved.setAside + u"/session.json"_s), garbage);
-        EXPECT_EQ(contentOf(*saved.setAside + u"/Drafts/one.draft"_s), "text");
+        EXPECT_EQ(contentOf(*setAside + u"/session.json"_s), garbage);
+        EXPECT_EQ(contentOf(*setAside + u"/Drafts/one.draft"_s), "text");
         EXPECT_FALSE(QFile::exists(root() + u"/.quillet-cutoff"_s));
         auto untitled = document(u"new"_s);
         store->write(snapshotOf(*store, {untitled.get()}));
         ASSERT_TRUE(isWritten(*store));
         EXPECT_EQ(drafts().size(), 1);
-        EXPECT_EQ(contentOf(*saved.setAside + u"/Drafts/one.draft"_s), "text");
+        EXPECT_EQ(contentOf(*setAside + u"/Drafts/one.draft"_s), "text");
     }
     // It cannot be moved: nothing is written over it.
     QDir(root()).removeRecursively();
@@ -381,7 +383,7 @@ TEST_F(SessionStoreTest, AnUnreadableSnapshotIsSetAsideWithItsDrafts)
     put(u"Drafts/one.draft"_s, "text");
     calls.before = [](const char *call) { return std::string(call) == "rename" ? EROFS : 0; };
     auto store = open();
-    EXPECT_TRUE(store->read().setAside);
+    EXPECT_FALSE(store->read().snapshot);
     EXPECT_FALSE(store->keepsUnsavedText());
     calls.before = nullptr;
     auto untitled = document(u"new"_s);
@@ -389,6 +391,29 @@ TEST_F(SessionStoreTest, AnUnreadableSnapshotIsSetAsideWithItsDrafts)
     ASSERT_TRUE(isWritten(*store));
     EXPECT_EQ(contentOf(store->snapshotPath()), "garbage");
     EXPECT_EQ(drafts(), QStringList{u"one.draft"_s});
+}
+
+TEST_F(SessionStoreTest, WhatIsNotBroughtBackIsCarriedOver)
+{
+    put(u"Drafts/"_s + DraftFile::nameFor(firstId), "typed");
+    put(u"Drafts/"_s + DraftFile::nameFor(secondId), "just before the end");
+    put(u"session.json"_s, Snapshot{.documents = {{.id = firstId, .filePath = u"/a.txt"_s, .draftFilename = DraftFile::nameFor(firstId)},
+                                                  {.id = QUuid::createUuid(), .filePath = u"/b.txt"_s}}}
+                               .toJson());
+    for (int start = 0; start < 2; ++start) {
+        auto store = open();
+        auto text = document(u"another"_s);
+        store->write(snapshotOf(*store, {text.get()}));
+        store->write(snapshotOf(*store, {}));
+        ASSERT_TRUE(isWritten(*store));
+        EXPECT_EQ(drafts().size(), 2);
+    }
+    auto store = open();
+    const auto restored = restoreDocuments(store->read(), *store, documents);
+    ASSERT_EQ(restored.size(), 2U);
+    EXPECT_EQ(restored[0].document->path(), u"/a.txt"_s);
+    EXPECT_EQ(restored[0].document->storage().string(), u"typed"_s);
+    EXPECT_EQ(restored[1].document->id(), secondId);
 }
 
 TEST_F(SessionStoreTest, OnlyOneProgramOwnsTheFolder)

@@ -229,6 +229,7 @@ TEST_F(CommandsTest, ClosingAWindowAsksOnceForAllItsTexts)
 
 TEST_F(CommandsTest, QuittingStopsAtTheWindowThatIsKept)
 {
+    preferences.setAutosaveDrafts(false); // else it asks nothing
     send("newWindow:");
     workspace(1).currentDocument()->storage().replaceCharacters({}, u"x"_s);
     bool isFinished = false;

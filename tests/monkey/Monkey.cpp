@@ -183,7 +183,7 @@ void Monkey::check()
     for (const auto &document : m_stage->documents->documents()) {
         const bool isShown = std::find(shown.begin(), shown.end(), document.get()) != shown.end();
         // Unsaved changes of a file outlive their window: opening it again brings them back.
-        REQUIRE(isShown || (document->isDirty() && !document->isUntitled()));
+        REQUIRE(isShown || document->hasUnsavedText());
         REQUIRE(m_step % turnsBetweenFullChecks != 0 || document->storage().checkInvariants());
     }
     for (const TextDocument *document : shown) {

@@ -6,6 +6,7 @@
 #include "Editor/SpellingPanel.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
+#include "Model/SessionStore.h"
 #include "Model/WatchedPath.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
@@ -93,10 +94,12 @@ struct Stage {
         }
         speller.emplace(*workers, SpellChecker::Setup{{QStringLiteral(QUILLET_TEST_DATA "/spelling")}, {QStringLiteral("en")}, {}});
         spellingPanel.emplace(*speller);
-        documents.emplace(DocumentServices{scheduler, notifications, defaults, *workers, *watchers, {}}, DocumentStore::AppearanceQuery());
+        documents.emplace(DocumentServices{scheduler, notifications, defaults, *workers, *watchers,
+                                           [this](const QUuid &id) { session.discardDraft(id); }},
+                          DocumentStore::AppearanceQuery());
         const EditorServices editors{scheduler,  notifications, preferences, pasteboard, presenter,
                                      *documents, *workers,      find,        &*speller,  &*spellingPanel};
-        application.emplace(WorkspaceServices{editors, defaults, desktop});
+        application.emplace(WorkspaceServices{editors, defaults, desktop, session});
         preferences.setLanguageResolver(Localization::use);
         preferences.setLanguage(AppLanguage::english);
     }
@@ -109,6 +112,8 @@ struct Stage {
     MoodyPresenter presenter;
     std::unique_ptr<Workers> workers;
     std::unique_ptr<FileWatcherQueue> watchers;
+    QTemporaryDir data;
+    SessionStore session{{data.path(), {}}, preferences};
     std::optional<DocumentStore> documents;
     FindState find;
     std::optional<SpellChecker> speller;

@@ -8,6 +8,7 @@
 #include "KeyWords.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
+#include "Model/SessionStore.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Desktop.h"
@@ -50,10 +51,12 @@ public:
     ScriptedAlertPresenter presenter;
     DetachedWorkers workers;
     FileWatcherQueue watchers;
+    SessionStore session{{SessionStore::Places::standard().rootDirectory, {}}, preferences};
     DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
     FindState find;
     RecordingDesktop desktop;
-    AppDelegate application{{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find}, defaults, desktop}};
+    AppDelegate application{
+        {{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find}, defaults, desktop, session}};
     QStringList actions;
     QStringList messages;
 };

@@ -1,0 +1,121 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "App/Program.h"
+
+#include "App/AppDelegate.h"
+#include "App/TerminationSignals.h"
+#include "Editor/SpellingPanel.h"
+#include "Model/DocumentStore.h"
+#include "Model/Preferences.h"
+#include "Model/SessionStore.h"
+#include "Platform/DefaultsStore.h"
+#include "Platform/DesktopPalette.h"
+#include "Platform/Localization.h"
+#include "Platform/SpellChecker.h"
+#include "Platform/SymbolIcon.h"
+#include "Platform/SystemAppearance.h"
+#include "Platform/SystemDesktop.h"
+#include "Platform/SystemPasteboard.h"
+#include "Platform/ToolkitTexts.h"
+#include "Platform/WidgetAlertPresenter.h"
+#include "Text/FindState.h"
+
+#include <QApplication>
+#include <QSessionManager>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Of a session manager that is ending everybody.
+constexpr std::chrono::milliseconds sessionManagerPatience{700};
+
+void setUp()
+{
+    QApplication::setApplicationName(u"Quillet"_s);
+    QApplication::setApplicationDisplayName(u"Quillet"_s);
+    QApplication::setDesktopFileName(u"org.quillet.Quillet"_s);
+    QApplication::setWindowIcon(applicationIcon());
+    QApplication::setQuitOnLastWindowClosed(false);
+}
+
+} // namespace
+
+struct Program::Parts {
+    explicit Parts(QApplication &application)
+    {
+        const auto chooseLanguage = [this](AppLanguage language) {
+            Localization::use(language);
+            toolkitTexts.use(Localization::current().locale());
+        };
+        preferences.setLanguageResolver(chooseLanguage);
+        chooseLanguage(preferences.language());
+        spellChecker.setLanguages(SpellChecker::systemSetup().languages);
+        spellingLanguages = notifications.observe(Localization::didChangeNotification, nullptr,
+                                                  [this] { spellChecker.setLanguages(SpellChecker::systemSetup().languages); });
+        QObject::connect(&appearance, &SystemAppearance::changed, &delegate,
+                         [this] { notifications.post(Preferences::didChange, nullptr); });
+        QObject::connect(
+            &application, &QGuiApplication::commitDataRequest, &delegate,
+            [this](QSessionManager &manager) {
+                // To be allowed to ask means to hold up all others: only when there is something to ask.
+                if (!delegate.keepSession(sessionManagerPatience) && manager.allowsInteraction()) {
+                    manager.cancel();
+                    delegate.terminate();
+                }
+            },
+            Qt::DirectConnection);
+        QObject::connect(
+            &application, &QGuiApplication::saveStateRequest, &delegate,
+            // As it was started by hand, without the toolkit's options.
+            [](QSessionManager &manager) { manager.setRestartCommand({QCoreApplication::applicationFilePath()}); }, Qt::DirectConnection);
+        QObject::connect(&delegate, &AppDelegate::finished, &application, &QCoreApplication::quit, Qt::QueuedConnection);
+    }
+
+    DesktopPalette palette;
+    EventLoopScheduler scheduler;
+    NotificationCenter notifications;
+    DefaultsStore defaults{DefaultsStore::standardPath(), scheduler};
+    Preferences preferences{defaults, notifications};
+    ToolkitTexts toolkitTexts;
+    SystemPasteboard pasteboard;
+    WidgetAlertPresenter presenter;
+
+    DetachedWorkers workers;
+    FileWatcherQueue watchers;
+    SystemAppearance appearance{std::make_unique<PortalAppearanceSource>()};
+    SessionStore session{SessionStore::Places::standard(), preferences};
+    DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, [this](const QUuid &id) { session.discardDraft(id); }},
+                            [this] { return appearance.current(); }};
+
+    FindState find;
+    SpellChecker spellChecker{workers, SpellChecker::systemSetup()};
+    SpellingPanel spellingPanel{spellChecker};
+    NotificationCenter::Token spellingLanguages;
+    SystemDesktop desktop;
+    AppDelegate delegate{
+        {{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, &spellChecker, &spellingPanel},
+         defaults,
+         desktop,
+         session}};
+    TerminationSignals termination{[this] { delegate.terminateNow(); }};
+};
+
+Program::Program(QApplication &application)
+{
+    setUp();
+    m_parts = std::make_unique<Parts>(application);
+}
+
+Program::~Program() = default;
+
+AppDelegate &Program::delegate()
+{
+    return m_parts->delegate;
+}
+
+int Program::run(const QStringList &files)
+{
+    m_parts->delegate.launch(files);
+    return QApplication::exec();
+}

@@ -1,0 +1,306 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Editor/ExternalChangeBanner.h"
+#include "WindowFixture.h"
+
+#include <QDir>
+#include <QSignalSpy>
+
+using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The program over a folder for its data that stays when it is gone.
+struct Life : Surroundings {
+    explicit Life(const QString &data) : Surroundings(data) { presenter.hold(); }
+
+    [[nodiscard]] WorkspaceViewController &workspace(size_t index = 0) const { return application.windows().at(index)->workspace(); }
+    [[nodiscard]] PaneViewController &pane(size_t index) const { return *workspace().panes().at(index); }
+    [[nodiscard]] static QStringList titles(const PaneViewController &pane)
+    {
+        QStringList titles;
+        for (const auto &document : pane.documents()) {
+            titles << document->displayName();
+        }
+        return titles;
+    }
+    [[nodiscard]] QStringList texts(size_t index = 0) const
+    {
+        QStringList texts;
+        for (const auto &document : workspace(index).documents()) {
+            texts << document->storage().string();
+        }
+        return texts;
+    }
+    void type(const QString &text) const { type(text, workspace()); }
+    static void type(const QString &text, WorkspaceViewController &workspace)
+    {
+        QTest::keyClicks(&workspace.currentEditor()->textView(), text);
+    }
+    void send(Selector selector) const { firstResponder(application.windows().front())->perform(selector); }
+    /// As long as it takes for everything typed to be kept; then the program may be killed.
+    void tick()
+    {
+        scheduler.advance(3s);
+        ASSERT_TRUE(session.waitUntilWritten(1min));
+        QCoreApplication::processEvents();
+    }
+    [[nodiscard]] QStringList drafts() const { return QDir(session.draftsDirectory()).entryList(QDir::Files | QDir::Hidden); }
+    [[nodiscard]] QString lastAlert() const { return presenter.alerts().empty() ? QString() : presenter.alerts().back().messageText; }
+
+    AppDelegate application{services};
+};
+
+class SessionTest : public testing::Test {
+protected:
+    [[nodiscard]] std::unique_ptr<Life> start(const QStringList &paths = {})
+    {
+        auto run = std::make_unique<Life>(data());
+        run->application.launch(paths);
+        return run;
+    }
+    [[nodiscard]] QString data() const { return folder.filePath(u"data"_s); }
+    QString write(const QString &name, const QByteArray &content) const
+    {
+        QFile file(folder.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        return file.fileName();
+    }
+    [[nodiscard]] QByteArray read(const QString &name) const
+    {
+        QFile file(folder.filePath(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+    }
+
+    QTemporaryDir folder;
+};
+
+} // namespace
+
+TEST_F(SessionTest, AProgramThatWasKilledComesBackAsItWas)
+{
+    QByteArray lines;
+    for (int line = 0; line < 300; ++line) {
+        lines += "line " + QByteArray::number(line) + '\n';
+    }
+    const QString path = write(u"lines.txt"_s, lines);
+    double offset = 0;
+    {
+        auto run = start({path, write(u"b.c"_s, "int b;\n")});
+        run->application.windows().front()->resize(700, 500);
+        run->send("newDocument:");
+        run->type(u"typed"_s);
+        run->send("newDocument:");
+        run->pane(0).selectDocument(0);
+        run->send("splitEditorDown:");
+        run->workspace().currentEditor()->scrollToLine(200);
+        run->type(u"x"_s);
+        offset = run->workspace().currentEditor()->textView().scrollOffset();
+        run->tick();
+        EXPECT_EQ(run->drafts().size(), 2);
+    }
+    auto run = start();
+    ASSERT_EQ(run->workspace().panes().size(), 2U);
+    EXPECT_EQ(run->workspace().orientation(), Qt::Vertical);
+    EXPECT_EQ(run->application.windows().front()->size(), QSize(700, 500));
+    EXPECT_EQ(Life::titles(run->pane(0)), (QStringList{u"lines.txt"_s, u"b.c"_s, u"Untitled"_s})) << "an empty one does not";
+    EXPECT_EQ(run->pane(0).selectedIndex(), 0);
+    EXPECT_EQ(run->workspace().activePane(), &run->pane(1));
+    EXPECT_EQ(run->pane(1).currentDocument(), run->pane(0).currentDocument());
+    EXPECT_EQ(run->pane(0).documents()[2]->storage().string(), u"typed"_s);
+    EXPECT_EQ(run->pane(0).documents()[1]->storage().string(), u"int b;\n"_s);
+    EXPECT_TRUE(run->pane(1).currentDocument()->storage().string().contains(u"xline 199\n"));
+    EXPECT_EQ(run->workspace().currentEditor()->textView().selection().caret, lines.indexOf("line 199") + 1);
+    run->scheduler.advance(1ms);
+    EXPECT_EQ(run->workspace().currentEditor()->textView().scrollOffset(), offset);
+    EXPECT_TRUE(run->presenter.alerts().empty());
+
+    // Until it is saved, a text that came back is asked about like any other, and comes back again.
+    run->tick();
+    EXPECT_EQ(run->drafts().size(), 2);
+    run->workspace().focusPaneShowing(*run->pane(0).documents()[2]);
+    run->send("closeTab:");
+    EXPECT_TRUE(run->lastAlert().contains(u"Untitled"));
+    run.reset();
+    run = start();
+    EXPECT_EQ(run->drafts().size(), 2);
+    const auto saved = run->pane(0).documents()[0];
+    ASSERT_TRUE(saved->save(path));
+    run->tick();
+    EXPECT_EQ(run->drafts().size(), 1);
+}
+
+TEST_F(SessionTest, QuittingAsksNothingAndLosesNothing)
+{
+    {
+        auto run = start({write(u"a.txt"_s, "a")});
+        QSignalSpy finished(&run->application, &AppDelegate::finished);
+        run->type(u"1"_s);
+        // The session is that of one window, the texts of all are kept.
+        run->send("newWindow:");
+        ASSERT_EQ(run->application.windows().size(), 2U);
+        Life::type(u"2"_s, run->workspace(1));
+        run->application.terminate();
+        EXPECT_EQ(finished.count(), 1);
+        EXPECT_TRUE(run->presenter.alerts().empty());
+    }
+    {
+        auto run = start();
+        EXPECT_EQ(run->texts(), (QStringList{u"2"_s, u"1a"_s}));
+        run->application.terminateNow();
+        EXPECT_TRUE(run->presenter.alerts().empty());
+    }
+    // Where nothing is kept, it asks.
+    auto run = start();
+    EXPECT_EQ(run->texts(), (QStringList{u"2"_s, u"1a"_s}));
+    run->preferences.setAutosaveDrafts(false);
+    QSignalSpy finished(&run->application, &AppDelegate::finished);
+    run->application.terminate();
+    EXPECT_EQ(finished.count(), 0);
+    EXPECT_TRUE(run->lastAlert().contains(u"2 documents"));
+    EXPECT_TRUE(run->presenter.alerts().back().informativeText.contains(u"will be lost"));
+    run->application.terminateNow();
+    EXPECT_EQ(finished.count(), 1);
+}
+
+TEST_F(SessionTest, AClosedWindowsTextsComeBack)
+{
+    {
+        auto run = start({write(u"a.txt"_s, "a")});
+        run->type(u"1"_s);
+        run->send("newDocument:");
+        run->type(u"2"_s);
+        run->send("newWindow:");
+        run->application.windows().front()->close();
+        EXPECT_TRUE(run->presenter.alerts().back().informativeText.contains(u"restored the next time"));
+        run->presenter.answer(AlertReply::thirdButton);
+        run->presenter.answerHeld();
+        ASSERT_EQ(run->application.windows().size(), 1U);
+        Life::type(u"3"_s, run->workspace());
+        run->tick();
+        run->application.windows().front()->close();
+        run->presenter.answer(AlertReply::thirdButton);
+        run->presenter.answerHeld();
+        EXPECT_TRUE(run->application.windows().empty());
+    }
+    auto run = start();
+    EXPECT_EQ(run->texts(), (QStringList{u"3"_s, u"1a"_s, u"2"_s}));
+    // What the user does not want goes.
+    run->workspace().focusPaneShowing(*run->workspace().documents()[2]);
+    run->send("closeTab:");
+    run->presenter.answer(AlertReply::thirdButton);
+    run->presenter.answerHeld();
+    run->tick();
+    EXPECT_EQ(run->drafts().size(), 2);
+    run.reset();
+    EXPECT_EQ(start()->texts(), (QStringList{u"3"_s, u"1a"_s}));
+}
+
+TEST_F(SessionTest, FilesOpenBesideTheSessionOrInItsPlace)
+{
+    const QString path = write(u"b.txt"_s, "b");
+    {
+        auto run = start({write(u"a.txt"_s, "a")});
+        run->send("newDocument:");
+        run->type(u"typed"_s);
+        run->tick();
+    }
+    EXPECT_EQ(start({path})->texts(), (QStringList{u"a"_s, u"typed"_s, u"b"_s}));
+    {
+        auto run = std::make_unique<Life>(data());
+        run->preferences.setRestoreSessionWhenOpeningFiles(false);
+        run->application.launch({path});
+        EXPECT_EQ(run->texts(), QStringList{u"b"_s});
+        run->tick();
+    }
+    {
+        auto run = std::make_unique<Life>(data());
+        run->preferences.setRestoreSession(false);
+        const QByteArray before = read(u"data/session.json"_s);
+        run->application.launch({});
+        EXPECT_EQ(run->texts(), QStringList{QString()});
+        run->tick();
+        EXPECT_EQ(read(u"data/session.json"_s), before);
+    }
+    EXPECT_EQ(start()->texts(), (QStringList{u"b"_s, u"typed"_s})) << "the unsaved text was carried over";
+}
+
+TEST_F(SessionTest, SavesToTheFilesThemselvesWhenThatIsWanted)
+{
+    auto run = start({write(u"a.txt"_s, "a")});
+    run->preferences.setAutosaveToDisk(true);
+    run->type(u"1"_s);
+    run->send("newDocument:");
+    run->type(u"2"_s);
+    run->tick();
+    EXPECT_EQ(read(u"a.txt"_s), "1a");
+    EXPECT_EQ(run->drafts().size(), 1) << "of the one without a file";
+    // However the interval is set, it is half a second at least.
+    run->defaults.set("session.autosaveInterval"_L1, 0.1);
+    run->preferences.setShowInvisibles(true);
+    run->type(u"3"_s);
+    run->scheduler.advance(400ms);
+    ASSERT_TRUE(run->session.waitUntilWritten(1min));
+    const QString draft = u"data/Drafts/"_s + run->drafts().front();
+    EXPECT_EQ(read(draft), "2");
+    run->scheduler.advance(100ms);
+    ASSERT_TRUE(run->session.waitUntilWritten(1min));
+    EXPECT_EQ(read(draft), "23");
+    for (const double absurd : {1e300, -1.0}) {
+        run->defaults.set("session.autosaveInterval"_L1, absurd);
+        run->preferences.setShowInvisibles(true);
+    }
+}
+
+TEST_F(SessionTest, AnIdleProgramWritesNothing)
+{
+    auto run = start({write(u"a.txt"_s, "a")});
+    run->type(u"1"_s);
+    run->send("newWindow:");
+    run->tick();
+    run->tick();
+    const QByteArray before = read(u"data/session.json"_s);
+    EXPECT_TRUE(before.contains("savedAt"));
+    run->tick();
+    EXPECT_EQ(read(u"data/session.json"_s), before) << "it holds the time of writing";
+}
+
+TEST_F(SessionTest, SaysWhatCannotBeKept)
+{
+    {
+        auto first = start();
+        auto second = start();
+        EXPECT_EQ(second->presenter.alerts().size(), 1U);
+        EXPECT_TRUE(second->lastAlert().contains(u"running already"));
+        EXPECT_TRUE(first->presenter.alerts().empty());
+        second->type(u"typed"_s);
+        second->tick();
+        second->application.terminate();
+        EXPECT_TRUE(second->lastAlert().contains(u"save the changes")) << "it would be lost";
+    }
+    {
+        QFile session(data() + u"/session.json"_s);
+        ASSERT_TRUE(session.open(QIODevice::WriteOnly));
+        session.write("[]");
+    }
+    auto run = start();
+    run->scheduler.advance(1ms);
+    ASSERT_EQ(run->presenter.alerts().size(), 1U);
+    EXPECT_TRUE(run->lastAlert().contains(u"last session could not be read"));
+    EXPECT_TRUE(run->presenter.alerts().back().informativeText.contains(data() + u"/Unreadable session"_s));
+    EXPECT_EQ(run->texts(), QStringList{QString()});
+    // A folder in the way of the drafts stands for any disk that cannot be written to.
+    QDir(run->session.draftsDirectory()).removeRecursively();
+    QFile inTheWay(run->session.draftsDirectory());
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    run->type(u"typed"_s);
+    run->tick();
+    run->tick();
+    run->scheduler.advance(1ms);
+    ASSERT_EQ(run->presenter.alerts().size(), 2U);
+    EXPECT_TRUE(run->lastAlert().contains(u"cannot be kept"));
+    run->application.terminate();
+    EXPECT_TRUE(run->lastAlert().contains(u"save the changes"));
+}
