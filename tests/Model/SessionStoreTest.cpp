@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Model/SessionStore.h"
 
+#include "HeldWorkers.h"
 #include "Model/DocumentStore.h"
 #include "Model/DraftFile.h"
 #include "Model/Preferences.h"
@@ -30,21 +31,6 @@ namespace {
 
 const QUuid firstId(u"{1b4e28ba-2fa1-11d2-883f-0016d3cca427}"_s);
 const QUuid secondId(u"{2b4e28ba-2fa1-11d2-883f-0016d3cca427}"_s);
-
-/// Does the work when the test says so.
-class HeldWorkers final : public Workers {
-public:
-    void run(std::function<void()> job) override { m_jobs.push_back(std::move(job)); }
-    void finish()
-    {
-        for (const auto &job : std::exchange(m_jobs, {})) {
-            job();
-        }
-    }
-
-private:
-    std::vector<std::function<void()>> m_jobs;
-};
 
 class SessionStoreTest : public testing::Test {
 protected:

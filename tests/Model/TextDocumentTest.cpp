@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "HeldWorkers.h"
 #include "Model/DocumentStore.h"
 #include "Model/SaveTransformation.h"
 #include "Model/TextHash.h"
@@ -13,46 +14,17 @@
 
 #include <gtest/gtest.h>
 
-#include <deque>
-
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// Does the work when the test says so, or at once.
-class HeldWorkers final : public Workers {
-public:
-    bool isHeld = false;
-
-    int count = 0;
-
-    void run(std::function<void()> job) override
-    {
-        ++count;
-        m_jobs.push_back(std::move(job));
-        if (!isHeld) {
-            finish();
-        }
-    }
-    void finish()
-    {
-        while (!m_jobs.empty()) {
-            const auto job = std::move(m_jobs.front());
-            m_jobs.pop_front();
-            job();
-        }
-    }
-
-private:
-    std::deque<std::function<void()>> m_jobs;
-};
 
 class DocumentTest : public testing::Test {
 protected:
     DocumentTest()
     {
         defaults.registerDefault("watch.reloadClean"_L1, true);
+        workers.isHeld = false;
         for (const auto &[name, letter] :
              {std::pair(TextDocument::didChangeMetadata, u'm'), std::pair(TextDocument::didReloadFromDisk, u'r'),
               std::pair(TextDocument::didDetectExternalChange, u'x')}) {

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "Editor/ExternalChangeBanner.h"
+#include "HeldWorkers.h"
 #include "WindowFixture.h"
 
 #include <QDir>
@@ -303,4 +304,57 @@ TEST_F(SessionTest, SaysWhatCannotBeKept)
     EXPECT_TRUE(run->lastAlert().contains(u"cannot be kept"));
     run->application.terminate();
     EXPECT_TRUE(run->lastAlert().contains(u"save the changes"));
+}
+
+TEST_F(SessionTest, ATabWhoseFileDoesNotComeSaysSo)
+{
+    const QString path = write(u"slow.txt"_s, "first\nsecond\n");
+    {
+        auto life = start({path, write(u"b.txt"_s, "b"), write(u"gone.txt"_s, "c")});
+        life->pane(0).selectDocument(0);
+        life->workspace().currentEditor()->textView().setSelection(TextSelection::at(8));
+        life->tick();
+    }
+    Surroundings surroundings(data());
+    HeldWorkers held;
+    DocumentStore documents({surroundings.scheduler, surroundings.notifications, surroundings.defaults, held, surroundings.watchers, {}},
+                            {});
+    AppDelegate application({{surroundings.scheduler, surroundings.notifications, surroundings.preferences, surroundings.pasteboard,
+                              surroundings.presenter, documents, held, surroundings.find},
+                             surroundings.defaults,
+                             surroundings.desktop,
+                             surroundings.session});
+    application.launch({});
+    WorkspaceViewController &workspace = application.windows().front()->workspace();
+    PaneViewController &pane = *workspace.panes().front();
+    EditorTextView &view = workspace.currentEditor()->textView();
+    ASSERT_TRUE(workspace.currentEditor()->banner());
+    EXPECT_TRUE(workspace.currentEditor()->banner()->accessibleName().contains(u"Waiting for “slow.txt”"));
+    QTest::keyClicks(&view, u"typed"_s);
+    EXPECT_EQ(workspace.currentDocument()->storage().length(), 0);
+    // What is kept of it meanwhile is what was known.
+    surroundings.scheduler.advance(3s);
+    EXPECT_EQ(workspace.currentDocument()->lastSelectedRange, (TextRange{8, 0}));
+    pane.selectDocument(1);
+    EXPECT_TRUE(workspace.currentDocument()->isWaiting());
+    pane.closeCurrentTab();
+    EXPECT_EQ(pane.count(), 2);
+    pane.selectDocument(0);
+    QFile::remove(folder.filePath(u"gone.txt"_s));
+
+    held.finish();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(pane.count(), 1) << "what cannot be read goes";
+    EXPECT_FALSE(workspace.currentEditor()->banner());
+    EXPECT_EQ(view.selection().caret, 8);
+    QTest::keyClicks(&view, u"x"_s);
+    EXPECT_EQ(workspace.currentDocument()->storage().string(), u"first\nsexcond\n"_s);
+}
+
+TEST_F(SessionTest, ATabWhoseFileCannotBeReadGoes)
+{
+    const QString path = write(u"a.txt"_s, "a");
+    start({path, write(u"b.txt"_s, "b")})->tick();
+    QFile::remove(path);
+    EXPECT_EQ(start()->texts(), QStringList{u"b"_s});
 }
