@@ -100,12 +100,14 @@ MainWindowController &AppDelegate::makeWindow(MainWindowController::Content cont
 void AppDelegate::windowClosed(MainWindowController &window)
 {
     std::erase(m_windows, &window);
+    const bool isKept = m_services.session.keepsUnsavedText();
     // What nobody shows any more goes, but for texts that were not saved: the next start brings those back, or opening the file again.
     for (const auto &document : window.workspace().documents()) {
         const bool isShown = std::ranges::any_of(workspaces(), [&](const WorkspaceViewController *other) {
             return std::ranges::any_of(other->panes(), [&](const PaneViewController *pane) { return pane->holds(*document); });
         });
-        if (!isShown && !document->hasUnsavedText()) {
+        const bool isWanted = document->hasUnsavedText() && (isKept || !document->isUntitled());
+        if (!isShown && !isWanted) {
             m_services.documents.remove(*document);
         }
     }

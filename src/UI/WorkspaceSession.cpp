@@ -21,6 +21,8 @@ namespace {
 
 constexpr double shortestInterval = 0.5;
 constexpr double longestInterval = 24 * 60 * 60;
+/// Of the interval: a pause of that length is taken for the end of typing.
+constexpr int pauseShare = 3;
 /// Of a window that is put where it was, this much has to be seen.
 constexpr QSize leastVisible(100, 50);
 
@@ -70,8 +72,27 @@ SessionSnapshot::Document entryOf(const TextDocument &document, SessionStore &st
 void WorkspaceViewController::startAutosaveTimer()
 {
     const double seconds = std::clamp(m_services.preferences.autosaveInterval(), shortestInterval, longestInterval);
-    const Scheduler::Milliseconds interval(qint64(seconds * 1000));
-    m_autosaveTimer = m_services.scheduler.every(interval, interval / 2, [this] { performAutosave(); });
+    m_autosaveInterval = Scheduler::Milliseconds(qint64(seconds * 1000));
+    m_autosaveTimer = m_services.scheduler.every(m_autosaveInterval, m_autosaveInterval / 2, [this] { performAutosave(); });
+    m_autosaveSoon.cancel();
+}
+
+void WorkspaceViewController::autosaveSoon()
+{
+    m_lastActivity = m_services.scheduler.now();
+    if (!m_autosaveSoon.isPending()) {
+        m_autosaveSoon = m_services.scheduler.after(m_autosaveInterval / pauseShare, [this] { autosaveIfQuiet(); });
+    }
+}
+
+void WorkspaceViewController::autosaveIfQuiet()
+{
+    const Scheduler::Milliseconds left = m_lastActivity + m_autosaveInterval / pauseShare - m_services.scheduler.now();
+    if (left > Scheduler::Milliseconds(0)) {
+        m_autosaveSoon = m_services.scheduler.after(left, [this] { autosaveIfQuiet(); });
+    } else {
+        performAutosave();
+    }
 }
 
 void WorkspaceViewController::performAutosave()

@@ -487,6 +487,7 @@ void WorkspaceViewController::paneDidChangeState(PaneViewController &pane)
 {
     if (&pane == m_activePane) {
         updateState();
+        autosaveSoon();
     }
 }
 

@@ -111,6 +111,9 @@ private:
 
     // Session
     void startAutosaveTimer();
+    /// After a pause, so that what was done before it is kept well within the interval.
+    void autosaveSoon();
+    void autosaveIfQuiet();
     [[nodiscard]] SessionSnapshot sessionSnapshot();
     void restorePanes(const SessionSnapshot &snapshot, const std::vector<RestoredDocument> &restored);
     [[nodiscard]] QString windowFrame() const;
@@ -196,7 +199,10 @@ private:
     StatusBarView *m_statusBar;
     std::vector<PaneViewController *> m_panes;
     PaneViewController *m_activePane = nullptr;
+    Scheduler::Milliseconds m_autosaveInterval{};
     RepeatingTimer m_autosaveTimer;
+    DelayedTask m_autosaveSoon;
+    Scheduler::Milliseconds m_lastActivity{};
     /// As the store was last given it.
     std::optional<SessionSnapshot> m_lastSnapshot;
     std::vector<NotificationCenter::Token> m_observers;

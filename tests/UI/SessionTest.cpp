@@ -241,14 +241,23 @@ TEST_F(SessionTest, SavesToTheFilesThemselvesWhenThatIsWanted)
     // However the interval is set, it is half a second at least.
     run->defaults.set("session.autosaveInterval"_L1, 0.1);
     run->preferences.setShowInvisibles(true);
-    run->type(u"3"_s);
-    run->scheduler.advance(400ms);
-    ASSERT_TRUE(run->session.waitUntilWritten(1min));
     const QString draft = u"data/Drafts/"_s + run->drafts().front();
-    EXPECT_EQ(read(draft), "2");
-    run->scheduler.advance(100ms);
+    const auto typeAndWait = [&](const QString &letter) {
+        run->type(letter);
+        run->scheduler.advance(100ms);
+        EXPECT_TRUE(run->session.waitUntilWritten(1min));
+    };
+    for (const auto &letter : {u"3"_s, u"4"_s, u"5"_s, u"6"_s}) {
+        typeAndWait(letter);
+        EXPECT_EQ(read(draft), "2");
+    }
+    typeAndWait(u"7"_s);
+    EXPECT_EQ(read(draft), "234567");
+    // After a pause it does not wait that long.
+    run->type(u"8"_s);
+    run->scheduler.advance(170ms);
     ASSERT_TRUE(run->session.waitUntilWritten(1min));
-    EXPECT_EQ(read(draft), "23");
+    EXPECT_EQ(read(draft), "2345678");
     for (const double absurd : {1e300, -1.0}) {
         run->defaults.set("session.autosaveInterval"_L1, absurd);
         run->preferences.setShowInvisibles(true);
@@ -310,10 +319,10 @@ TEST_F(SessionTest, ATabWhoseFileDoesNotComeSaysSo)
 {
     const QString path = write(u"slow.txt"_s, "first\nsecond\n");
     {
-        auto life = start({path, write(u"b.txt"_s, "b"), write(u"gone.txt"_s, "c")});
-        life->pane(0).selectDocument(0);
-        life->workspace().currentEditor()->textView().setSelection(TextSelection::at(8));
-        life->tick();
+        auto run = start({path, write(u"b.txt"_s, "b"), write(u"gone.txt"_s, "c")});
+        run->pane(0).selectDocument(0);
+        run->workspace().currentEditor()->textView().setSelection(TextSelection::at(8));
+        run->tick();
     }
     Surroundings surroundings(data());
     HeldWorkers held;
