@@ -231,6 +231,8 @@ void WorkspaceViewController::saveAs(TextDocument &document, const Completion &c
                                      rememberPanelFolder(*path);
                                      const Result<void> saved = document->save(*path);
                                      if (saved) {
+                                         // Until the session knows its file, it would not come back.
+                                         writeSessionSnapshot();
                                          m_statusBar->flash(formatted(localized(u"Saved as “%@”"), nameOf(*path)), shortFlash);
                                      } else {
                                          presentError(saved.error().message);

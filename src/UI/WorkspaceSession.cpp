@@ -132,13 +132,17 @@ SessionSnapshot WorkspaceViewController::sessionSnapshot()
                              .focusedPaneIndex = m_activePane ? indexOf(*m_activePane) : 0,
                              .splitIsVertical = orientation() == Qt::Horizontal,
                              .windowFrame = windowFrame()};
-    for (PaneViewController *pane : m_panes) {
-        pane->saveViewState();
+    for (const PaneViewController *pane : m_panes) {
         SessionSnapshot::Pane entry{.documentIDs = {}, .selectedIndex = pane->selectedIndex()};
         for (const auto &document : pane->documents()) {
             entry.documentIDs << document->id();
         }
         snapshot.panes << entry;
+    }
+    // Of a document in several panes, what is remembered is where the user was last.
+    std::ranges::for_each(m_panes, &PaneViewController::saveViewState);
+    if (m_activePane) {
+        m_activePane->saveViewState();
     }
     std::set<const TextDocument *> named;
     const auto add = [&](const std::shared_ptr<TextDocument> &document) {

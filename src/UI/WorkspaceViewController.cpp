@@ -279,7 +279,9 @@ void WorkspaceViewController::redistributePanes()
     limitPanes();
     const int extent = orientation() == Qt::Horizontal ? m_splitView->width() : m_splitView->height();
     const int count = int(m_panes.size());
-    if (count == 0 || m_splitView->width() <= 1 || m_splitView->height() <= 1) {
+    // Before it is shown the window has no room to be shared.
+    m_isSharedOut = isVisible() && count > 0 && m_splitView->width() > 1 && m_splitView->height() > 1;
+    if (!m_isSharedOut) {
         return;
     }
     const int available = extent - m_splitView->handleWidth() * (count - 1);
@@ -305,6 +307,15 @@ void WorkspaceViewController::resizeEvent(QResizeEvent *event)
 {
     FileDropView::resizeEvent(event);
     limitPanes();
+}
+
+void WorkspaceViewController::showEvent(QShowEvent *event)
+{
+    FileDropView::showEvent(event);
+    if (!m_isSharedOut) {
+        layout()->activate();
+        redistributePanes();
+    }
 }
 
 void WorkspaceViewController::setOrientation(Qt::Orientation orientation)

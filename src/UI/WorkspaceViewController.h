@@ -88,6 +88,7 @@ signals:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
     // Panes and tabs
@@ -199,6 +200,8 @@ private:
     StatusBarView *m_statusBar;
     std::vector<PaneViewController *> m_panes;
     PaneViewController *m_activePane = nullptr;
+    /// The panes have got their equal shares of the window.
+    bool m_isSharedOut = false;
     Scheduler::Milliseconds m_autosaveInterval{};
     RepeatingTimer m_autosaveTimer;
     DelayedTask m_autosaveSoon;

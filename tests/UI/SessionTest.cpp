@@ -367,3 +367,19 @@ TEST_F(SessionTest, ATabWhoseFileCannotBeReadGoes)
     QFile::remove(path);
     EXPECT_EQ(start()->texts(), QStringList{u"b"_s});
 }
+
+TEST_F(SessionTest, PanesComeBackWithEqualShares)
+{
+    {
+        auto run = start();
+        run->type(u"text"_s);
+        run->send("splitEditorRight:");
+        run->send("newDocument:");
+        run->type(u"other"_s);
+        run->tick();
+    }
+    auto run = start();
+    QCoreApplication::processEvents();
+    ASSERT_EQ(run->workspace().panes().size(), 2U);
+    EXPECT_LE(std::abs(run->pane(0).width() - run->pane(1).width()), 1);
+}
