@@ -55,7 +55,8 @@ AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(service
     });
     m_services.session.onProblem([this](const Error &error) {
         warn(localized(u"Unsaved changes cannot be kept at the moment."),
-             error.message + u' ' + localized(u"Until that is mended, only what you save is safe."));
+             formatted(localized(u"The folder “%@” cannot be written to: %@. Until that is mended, only what you save is safe."),
+                       m_services.session.draftsDirectory(), qt_error_string(error.code)));
     });
 }
 

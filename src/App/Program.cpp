@@ -69,7 +69,9 @@ struct Program::Parts {
             &application, &QGuiApplication::saveStateRequest, &delegate,
             // As it was started by hand, without the toolkit's options.
             [](QSessionManager &manager) { manager.setRestartCommand({QCoreApplication::applicationFilePath()}); }, Qt::DirectConnection);
-        QObject::connect(&delegate, &AppDelegate::finished, &application, &QCoreApplication::quit, Qt::QueuedConnection);
+        // Not quit(), which would close the windows that are left, and they would ask.
+        QObject::connect(
+            &delegate, &AppDelegate::finished, &application, [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
     }
 
     DesktopPalette palette;

@@ -13,7 +13,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QStandardPaths>
 #include <QThreadPool>
 
 #include <cerrno>
@@ -113,9 +112,12 @@ void SessionStore::Queue::note(const std::shared_ptr<Queue> &queue, const QStrin
 
 SessionStore::Places SessionStore::Places::standard()
 {
-    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    return {.rootDirectory = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Quillet"_s,
-            .runtimeDirectory = QDir::isAbsolutePath(runtime) ? runtime : QString()};
+    const auto folder = [](const char *variable, const QString &otherwise) {
+        const QString path = qEnvironmentVariable(variable);
+        return QDir::isAbsolutePath(path) ? QDir::cleanPath(path) : otherwise;
+    };
+    return {.rootDirectory = folder("XDG_DATA_HOME", QDir::homePath() + u"/.local/share"_s) + u"/Quillet"_s,
+            .runtimeDirectory = folder("XDG_RUNTIME_DIR", {})};
 }
 
 SessionStore::SessionStore(const Places &places, const Preferences &preferences, FileCalls &calls)
