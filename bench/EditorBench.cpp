@@ -7,6 +7,7 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
+#include "Model/RecentDocuments.h"
 #include "Model/SessionStore.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
@@ -101,8 +102,9 @@ public:
     FindState find;
     TextDocument *document = nullptr;
     RecordingDesktop desktop;
+    RecentDocuments recent{QString(), workers};
     AppDelegate application{
-        {{scheduler, notifications, preferences, pasteboard, presenter, store, workers, find}, defaults, desktop, session}};
+        {{scheduler, notifications, preferences, pasteboard, presenter, store, workers, find}, defaults, desktop, session, recent}};
     EditorViewController *editor = nullptr;
 
 private:

@@ -5,6 +5,7 @@
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Model/SessionStore.h"
+#include "Model/RecentDocuments.h"
 #include "Model/WatchedPath.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
@@ -39,6 +40,7 @@ struct Surroundings {
                             {}};
     FindState find;
     RecordingDesktop desktop;
+    RecentDocuments recent{QString(), workers};
     WorkspaceServices services{
-        {scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find}, defaults, desktop, session};
+        {scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find}, defaults, desktop, session, recent};
 };

@@ -6,6 +6,7 @@
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Model/SessionStore.h"
+#include "Model/RecentDocuments.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/AtomicFile.h"
 #include "Platform/Desktop.h"
@@ -42,7 +43,7 @@ AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(service
 {
     m_languageObserver = m_services.notifications.observe(Localization::didChangeNotification, nullptr, [this] {
         for (MainWindowController *window : m_windows) {
-            MainMenu::install(*window, m_services.presenter);
+            MainMenu::install(*window, m_services.presenter, m_services.recent);
         }
     });
     m_services.session.onSetAside([this](const QString &folder) {
@@ -81,6 +82,8 @@ const ActionRow *AppDelegate::actionFor(Selector selector) const
         action<&Self::showAbout>("orderFrontStandardAboutPanel:"),
         action<&Self::showShortcuts>("showShortcuts:"),
         action<&Self::revealSupportFolder>("revealSupportFolder:"),
+        action<&Self::openRecentDocument>("openRecentDocument:"),
+        action<&Self::clearRecentDocuments, &Self::hasRecentDocuments>("clearRecentDocuments:"),
     });
     return findAction(rows, selector);
 }
@@ -91,7 +94,7 @@ MainWindowController &AppDelegate::makeWindow(MainWindowController::Content cont
 {
     auto *window = new MainWindowController(m_services, *this, content);
     window->setNextResponder(this);
-    MainMenu::install(*window, m_services.presenter);
+    MainMenu::install(*window, m_services.presenter, m_services.recent);
     m_windows.push_back(window);
     connect(window, &MainWindowController::closed, this, [this, window] { windowClosed(*window); });
     connect(window, &MainWindowController::closingRefused, this, [this] { m_isTerminating = false; });
@@ -187,6 +190,25 @@ void AppDelegate::open(const QStringList &paths)
     if (!paths.isEmpty()) {
         window.workspace().open(paths);
     }
+}
+
+void AppDelegate::openRecentDocument(const ActionSender &sender)
+{
+    if (const auto path = m_services.recent.resolve(sender.represented.toString())) {
+        open({*path});
+    } else {
+        m_services.presenter.beep();
+    }
+}
+
+void AppDelegate::clearRecentDocuments()
+{
+    m_services.recent.clear();
+}
+
+bool AppDelegate::hasRecentDocuments() const
+{
+    return !m_services.recent.entries().empty();
 }
 
 // Commands

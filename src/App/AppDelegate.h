@@ -47,6 +47,9 @@ private:
     void showAbout();
     void showShortcuts();
     void revealSupportFolder();
+    void openRecentDocument(const ActionSender &sender);
+    void clearRecentDocuments();
+    [[nodiscard]] bool hasRecentDocuments() const;
     void windowClosed(MainWindowController &window);
     void inform(const QString &message, const QString &details);
 

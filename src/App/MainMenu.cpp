@@ -4,11 +4,14 @@
 
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/Theme.h"
+#include "Model/RecentDocuments.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/FirstResponder.h"
+#include "Platform/PlainToolTip.h"
 #include "Platform/Translation.h"
 
 #include <QAction>
+#include <QFileInfo>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
@@ -24,6 +27,9 @@ using enum MenuCommand::Place;
 using enum MenuCommand::Look;
 using enum MenuCommand::Content;
 
+/// Of a file's name, in letters.
+constexpr int longestTitle = 60;
+
 // Where a chord needs AltGr on a German keyboard, another one follows that does not; the same for those that modal editing may take.
 constexpr auto rows = std::to_array<MenuCommand>({
     {u"Quillet", "orderFrontStandardAboutPanel:", u"About Quillet"},
@@ -37,7 +43,8 @@ constexpr auto rows = std::to_array<MenuCommand>({
     {u"File", "newDocument:", u"New Tab", "Ctrl+N; Ctrl+T"},
     {u"File", "newWindow:", u"New Window", "Ctrl+Shift+N"},
     {u"File", "openDocument:", u"Open…", "Ctrl+O"},
-    {.menu = u"File", .selector = "openRecentDocument:", .title = u"Open Recent", .submenu = u"Open Recent", .content = nothingYet},
+    {.menu = u"File", .selector = "openRecentDocument:", .title = u"Open Recent", .submenu = u"Open Recent", .content = recentDocuments},
+    {.menu = u"File", .selector = "clearRecentDocuments:", .title = u"Clear Menu", .place = startsGroup, .submenu = u"Open Recent"},
     {u"File", "closeTab:", u"Close Tab", "Ctrl+W; Ctrl+F4", startsGroup},
     {u"File", "performClose:", u"Close Window", "Ctrl+Shift+W"},
     {u"File", "saveDocument:", u"Save", "Ctrl+S", startsGroup},
@@ -165,15 +172,18 @@ constexpr auto rows = std::to_array<MenuCommand>({
 });
 
 /// The titles of one menu with their underlined letters: the first letter of a word that no title before has; those that find none get
-/// any letter that is left, if there is one.
+/// any letter that is left, if there is one. Names of files get none, since they come and go and the others should keep theirs.
 QStringList withMnemonics(const std::vector<MenuNode> &nodes)
 {
     QStringList titles;
-    for (const MenuNode &node : nodes) {
-        titles << QString(node.title).replace(u'&', "&&"_L1);
-    }
     QString taken;
     QSet<qsizetype> marked;
+    for (const MenuNode &node : nodes) {
+        if (node.kind == MenuNode::Kind::item && (!node.command || node.command->content == recentDocuments)) {
+            marked.insert(titles.size());
+        }
+        titles << QString(node.title).replace(u'&', "&&"_L1);
+    }
     const auto markAll = [&](const auto &mayStand) {
         for (qsizetype index = 0; index < titles.size(); ++index) {
             QString &title = titles[index];
@@ -225,7 +235,47 @@ std::vector<MenuNode> themeItems(const MenuCommand &row)
     return items;
 }
 
-std::vector<MenuNode> itemsOf(const MenuCommand &row)
+/// The names of the files; where some are alike, with as few of their folders as tell them apart.
+QStringList titlesOf(std::span<const RecentDocuments::Entry> entries)
+{
+    QStringList titles;
+    for (const RecentDocuments::Entry &entry : entries) {
+        // What follows a tab would be taken for a key.
+        titles << QFileInfo(entry.path).fileName().replace(u'\t', u' ');
+    }
+    const QStringList names = titles;
+    constexpr int mostFolders = 100;
+    for (int count = 1; count <= mostFolders; ++count) {
+        const QStringList before = titles;
+        for (size_t index = 0; index < entries.size(); ++index) {
+            const auto place = qsizetype(index);
+            if (before.count(before[place]) > 1) {
+                const QString folders = QFileInfo(entries[index].path).path().section(u'/', -count);
+                titles[place] = names[place] + u" – "_s + (folders.isEmpty() ? u"/"_s : folders);
+            }
+        }
+        if (titles == before) {
+            break;
+        }
+    }
+    return titles;
+}
+
+std::vector<MenuNode> recentDocumentItems(const MenuCommand &row, std::span<const RecentDocuments::Entry> entries)
+{
+    std::vector<MenuNode> items;
+    const QStringList titles = titlesOf(entries);
+    for (size_t index = 0; index < entries.size(); ++index) {
+        items.push_back(itemOf(row, titles[qsizetype(index)], entries[index].path));
+        items.back().toolTip = entries[index].path;
+    }
+    if (items.empty()) {
+        items.push_back({.title = localized(u"No Recent Files")});
+    }
+    return items;
+}
+
+std::vector<MenuNode> itemsOf(const MenuCommand &row, std::span<const RecentDocuments::Entry> recent = {})
 {
     switch (row.content) {
     case itself:
@@ -234,6 +284,8 @@ std::vector<MenuNode> itemsOf(const MenuCommand &row)
         return languageItems(row);
     case themes:
         return themeItems(row);
+    case recentDocuments:
+        return recentDocumentItems(row, recent);
     case nothingYet:
     case notHere:
         break;
@@ -241,10 +293,31 @@ std::vector<MenuNode> itemsOf(const MenuCommand &row)
     return {};
 }
 
+void beginGroup(const MenuCommand &row, std::vector<MenuNode> &items)
+{
+    if (row.place == startsGroup && !items.empty()) {
+        items.push_back({.kind = MenuNode::Kind::separator});
+    }
+}
+
+/// All of the menu that has the recent documents.
+std::vector<MenuNode> recentMenu(std::span<const RecentDocuments::Entry> entries)
+{
+    std::vector<MenuNode> items;
+    const auto first = std::ranges::find(rows, recentDocuments, &MenuCommand::content);
+    for (auto row = first; row != rows.end() && row->submenu && QStringView(row->submenu) == first->submenu; ++row) {
+        beginGroup(*row, items);
+        std::ranges::move(itemsOf(*row, entries), std::back_inserter(items));
+    }
+    return items;
+}
+
 /// Makes the widgets of a menu bar.
 class MenuInstaller final {
 public:
-    MenuInstaller(QMainWindow &window, AlertPresenter &presenter) : m_window(window), m_presenter(presenter) {}
+    MenuInstaller(QMainWindow &window, AlertPresenter &presenter, RecentDocuments &recent)
+        : m_window(window), m_presenter(presenter), m_recent(recent)
+    {}
 
     void addItems(QMenu &menu, const std::vector<MenuNode> &nodes)
     {
@@ -260,6 +333,9 @@ public:
                 QMenu *submenu = menu.addMenu(title);
                 submenu->setEnabled(!node.children.empty());
                 addItems(*submenu, node.children);
+                if (node.command) {
+                    fillWhenItOpens(*submenu);
+                }
                 break;
             }
             case MenuNode::Kind::item:
@@ -270,9 +346,31 @@ public:
     }
 
 private:
+    void fillWhenItOpens(QMenu &menu) const
+    {
+        menu.setToolTipsVisible(true);
+        QObject::connect(&menu, &QMenu::aboutToShow, &menu, [&menu, installer = *this]() mutable {
+            menu.clear();
+            std::vector<MenuNode> nodes = recentMenu(installer.m_recent.reachable());
+            const QFontMetrics metrics(menu.font());
+            for (MenuNode &node : nodes) {
+                node.title = metrics.elidedText(node.title, Qt::ElideMiddle, metrics.averageCharWidth() * longestTitle);
+            }
+            installer.m_isOpening = true;
+            installer.addItems(menu, nodes);
+        });
+    }
+
     void addItem(QMenu &menu, const MenuNode &node, const QString &title)
     {
         QAction *item = menu.addAction(title);
+        if (!node.command) {
+            item->setEnabled(false);
+            return;
+        }
+        if (!node.toolTip.isEmpty()) {
+            item->setToolTip(plainToolTip(node.toolTip));
+        }
         item->setCheckable(node.command->look == checkable);
         if (node.sender.represented.isNull()) {
             setKeys(*item, *node.command);
@@ -282,10 +380,14 @@ private:
                          [&window = m_window, selector, sender = node.sender, &presenter = m_presenter] {
                              chooseAction(window, selector, sender, presenter);
                          });
-        QObject::connect(&menu, &QMenu::aboutToShow, item, [&window = m_window, selector, sender = node.sender, item, title] {
+        const auto update = [&window = m_window, selector, sender = node.sender, item, title] {
             const Responder *responder = firstResponder(&window);
             ::show(*item, title, responder ? responder->state(selector, sender) : ActionState{.isEnabled = false});
-        });
+        };
+        QObject::connect(&menu, &QMenu::aboutToShow, item, update);
+        if (m_isOpening) {
+            update();
+        }
         // While the menu is closed nobody looks, and a key that cannot do its work is to be heard rather than swallowed.
         QObject::connect(&menu, &QMenu::aboutToHide, item, [item] { item->setEnabled(true); });
     }
@@ -309,7 +411,10 @@ private:
 
     QMainWindow &m_window;
     AlertPresenter &m_presenter;
+    RecentDocuments &m_recent;
     QSet<QKeySequence> m_taken;
+    /// The menu is already telling its items that it opens, and will not tell new ones.
+    bool m_isOpening = false;
 };
 
 } // namespace
@@ -350,11 +455,11 @@ std::vector<MenuNode> MainMenu::build()
         if (isInSubmenu) {
             items = &items->back().children;
         }
-        if (row.place == startsGroup && !items->empty()) {
-            items->push_back({.kind = MenuNode::Kind::separator});
-        }
+        beginGroup(row, *items);
         if (row.submenu && !isInSubmenu) {
-            items->push_back({.kind = MenuNode::Kind::menu, .title = localized(row.submenu)});
+            items->push_back({.kind = MenuNode::Kind::menu,
+                              .title = localized(row.submenu),
+                              .command = row.content == recentDocuments ? &row : nullptr});
             items = &items->back().children;
         }
         submenu = row.submenu;
@@ -363,7 +468,7 @@ std::vector<MenuNode> MainMenu::build()
     return menus;
 }
 
-void MainMenu::install(QMainWindow &window, AlertPresenter &presenter)
+void MainMenu::install(QMainWindow &window, AlertPresenter &presenter, RecentDocuments &recent)
 {
     QMenuBar *bar = window.menuBar();
     keepFirstResponderBehind(*bar);
@@ -372,7 +477,7 @@ void MainMenu::install(QMainWindow &window, AlertPresenter &presenter)
         old->deleteLater(); // it may be what led here
     }
     bar->clear();
-    MenuInstaller installer(window, presenter);
+    MenuInstaller installer(window, presenter, recent);
     const std::vector<MenuNode> menus = build();
     const QStringList titles = withMnemonics(menus);
     for (size_t index = 0; index < menus.size(); ++index) {

@@ -12,6 +12,7 @@
 
 class AlertPresenter;
 class QMainWindow;
+class RecentDocuments;
 
 /// One item of the menu bar, or the place of items that are listed elsewhere.
 struct MenuCommand {
@@ -22,7 +23,7 @@ struct MenuCommand {
     };
     enum class Look { plain, checkable };
     /// What stands in the place of the row: nothing where it is not for this desktop.
-    enum class Content { itself, languages, themes, nothingYet, notHere };
+    enum class Content { itself, languages, themes, recentDocuments, nothingYet, notHere };
 
     /// English titles are the keys of the language tables.
     const char16_t *menu;
@@ -47,8 +48,10 @@ struct MenuNode {
 
     Kind kind = Kind::item;
     QString title = {};
+    /// Of an item; it is disabled when it has none. Of a menu only when that is made anew each time it opens.
     const MenuCommand *command = nullptr;
     ActionSender sender = {};
+    QString toolTip = {};
     std::vector<MenuNode> children = {};
 };
 
@@ -59,13 +62,13 @@ public:
 
     /// All rows in the order of the menus.
     [[nodiscard]] static std::span<const MenuCommand> commands();
-    /// The menus as they are now.
+    /// The menus as they are now, while there are no recent documents.
     [[nodiscard]] static std::vector<MenuNode> build();
     /// The first key of a command; empty when it has none.
     [[nodiscard]] static QKeySequence keyOf(Selector selector);
 
     /// Gives `window` its menu bar, in place of one that it has: after another language was chosen. Items act on the window's first
     /// responder and are shown as it says when their menu opens; one that is chosen by its keys while it is disabled beeps. `presenter`
-    /// must outlive the window.
-    static void install(QMainWindow &window, AlertPresenter &presenter);
+    /// and `recent` must outlive the window.
+    static void install(QMainWindow &window, AlertPresenter &presenter, RecentDocuments &recent);
 };

@@ -7,9 +7,11 @@
 #include "Editor/SpellingPanel.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
+#include "Model/RecentDocuments.h"
 #include "Model/SessionStore.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/DesktopPalette.h"
+#include "Platform/DesktopRecentFiles.h"
 #include "Platform/Localization.h"
 #include "Platform/SpellChecker.h"
 #include "Platform/SymbolIcon.h"
@@ -53,6 +55,7 @@ struct Program::Parts {
         spellChecker.setLanguages(SpellChecker::systemSetup().languages);
         spellingLanguages = notifications.observe(Localization::didChangeNotification, nullptr,
                                                   [this] { spellChecker.setLanguages(SpellChecker::systemSetup().languages); });
+        recent.onNote([this](const QStringList &paths) { desktopRecentFiles.note(paths); });
         QObject::connect(&appearance, &SystemAppearance::changed, &delegate,
                          [this] { notifications.post(Preferences::didChange, nullptr); });
         QObject::connect(
@@ -95,11 +98,14 @@ struct Program::Parts {
     SpellingPanel spellingPanel{spellChecker};
     NotificationCenter::Token spellingLanguages;
     SystemDesktop desktop;
+    RecentDocuments recent{session.rootDirectory() + u"/recent-documents.json"_s, workers};
+    DesktopRecentFiles desktopRecentFiles{DesktopRecentFiles::standardPath(), workers};
     AppDelegate delegate{
         {{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, &spellChecker, &spellingPanel},
          defaults,
          desktop,
-         session}};
+         session,
+         recent}};
     TerminationSignals termination{[this] { delegate.terminateNow(); }};
 };
 

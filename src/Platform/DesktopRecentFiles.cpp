@@ -208,8 +208,8 @@ void DesktopRecentFiles::note(const QStringList &paths)
         m_state->isWorking = true;
     }
     m_workers.run([state = m_state] {
-        for (QStringList paths = state->next(); !paths.isEmpty(); paths = state->next()) {
-            addTo(state->file, paths);
+        for (QStringList noted = state->next(); !noted.isEmpty(); noted = state->next()) {
+            addTo(state->file, noted);
         }
     });
 }

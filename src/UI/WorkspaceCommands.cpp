@@ -6,6 +6,7 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
+#include "Model/RecentDocuments.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Desktop.h"
@@ -233,6 +234,7 @@ void WorkspaceViewController::saveAs(TextDocument &document, const Completion &c
                                      if (saved) {
                                          // Until the session knows its file, it would not come back.
                                          writeSessionSnapshot();
+                                         m_services.recent.note({*path});
                                          m_statusBar->flash(formatted(localized(u"Saved as “%@”"), nameOf(*path)), shortFlash);
                                      } else {
                                          presentError(saved.error().message);

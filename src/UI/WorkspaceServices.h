@@ -7,10 +7,12 @@
 class DefaultsStore;
 class Desktop;
 class SessionStore;
+class RecentDocuments;
 
 /// What windows and what is in them use; made in `main`, and by every test for itself. Must outlive them.
 struct WorkspaceServices : EditorServices {
     DefaultsStore &defaults;
     Desktop &desktop;
     SessionStore &session;
+    RecentDocuments &recent;
 };

@@ -4,6 +4,7 @@
 
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
+#include "Model/RecentDocuments.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/FirstResponder.h"
 #include "Platform/Localization.h"
@@ -148,6 +149,7 @@ void WorkspaceViewController::open(const QStringList &paths)
     const std::shared_ptr<TextDocument> empty = placeholder();
     std::optional<TextFile::ReadError> firstError;
     TextDocument *last = nullptr;
+    QStringList readPaths;
     // Only what stays in front gets an editor: twenty files need one.
     std::unordered_map<PaneViewController *, TextDocument *> selected;
     // New ones get their tabs together, or a thousand files would have their tabs laid out a thousand times.
@@ -172,6 +174,7 @@ void WorkspaceViewController::open(const QStringList &paths)
             }
             document = &m_services.documents.add(std::make_unique<TextDocument>(m_services.documents.services(), path, *contents));
             fresh.push_back(document->shared_from_this());
+            readPaths << path;
         }
         last = document;
     }
@@ -185,6 +188,7 @@ void WorkspaceViewController::open(const QStringList &paths)
         }
         focusPaneShowing(*last);
     }
+    m_services.recent.note(readPaths);
     if (firstError) {
         presentError(*firstError);
     }

@@ -11,6 +11,8 @@
 #include <QSet>
 #include <QToolButton>
 
+#include <gmock/gmock.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -265,7 +267,7 @@ TEST_F(CommandsTest, TheMenusFollowFocusAndLanguage)
     workspace().open({write(u"a.txt"_s, "x")});
     EXPECT_TRUE(item(u"File"_s, u"Backup"_s)->isEnabled());
     EXPECT_TRUE(item(u"View"_s, u"Show Line Numbers"_s)->isChecked());
-    EXPECT_FALSE(item(u"File"_s, u"Open Recent"_s)->isEnabled());
+    EXPECT_FALSE(item(u"File"_s, u"Compare"_s)->isEnabled());
     item(u"File"_s, u"New Tab"_s)->trigger();
     EXPECT_EQ(tabs().size(), 2);
     QTest::keySequence(&textView(), QKeySequence(u"Ctrl+Shift+N"_s));
@@ -326,6 +328,86 @@ TEST_F(CommandsTest, BarsThatHaveTheFocusActOnTheText)
     ASSERT_TRUE(menu);
     EXPECT_EQ(menu, window().menuBar()->actions().first()->menu());
     menu->close();
+}
+
+// Recent documents
+
+namespace {
+
+class RecentDocumentsMenu : public CommandsTest {
+protected:
+    /// Opens the menu and answers with its titles, "-" for a separator, those that are disabled in brackets.
+    [[nodiscard]] std::string opened() const
+    {
+        QMenu *menu = recentMenu();
+        emit menu->aboutToShow();
+        QStringList titles;
+        for (const QAction *action : menu->actions()) {
+            titles << (action->isSeparator() ? u"-"_s : action->isEnabled() ? action->text() : u'(' + action->text() + u')');
+        }
+        emit menu->aboutToHide();
+        return titles.join(u" | "_s).toStdString();
+    }
+    [[nodiscard]] QMenu *recentMenu() const { return item(u"File"_s, u"Open Recent"_s)->menu(); }
+    void choose(qsizetype index) const { recentMenu()->actions().at(index)->trigger(); }
+};
+
+} // namespace
+
+TEST_F(RecentDocumentsMenu, ShowsWhatWasOpenedAndSaved)
+{
+    EXPECT_EQ(opened(), "(No Recent Files) | - | (&Clear Menu)");
+    const QString first = write(u"a&b\tc <i>.txt"_s, "1");
+    const QString second = write(u"clear.txt"_s, "2");
+    workspace().open({first, path(u"missing.txt"_s), second});
+    workspace().open({first});
+    presenter.answerSave(path(u"saved.txt"_s));
+    send("saveDocumentAs:");
+    EXPECT_EQ(opened(), "saved.txt | clear.txt | a&&b c <i>.txt | - | &Clear Menu") << "what was open already was not opened again";
+    EXPECT_TRUE(recentMenu()->toolTipsVisible());
+    EXPECT_EQ(recentMenu()->actions()[0]->toolTip(), path(u"saved.txt"_s));
+    EXPECT_TRUE(recentMenu()->actions()[2]->toolTip().contains(u"&lt;i&gt;"_s));
+    presenter.answerSave(u"/missing/folder/x"_s);
+    send("saveDocumentAs:");
+    QFile::remove(path(u"saved.txt"_s));
+    EXPECT_TRUE(opened().starts_with("clear.txt | a&&b"));
+    EXPECT_EQ(recent.entries().size(), 3U);
+
+    QFile::remove(first);
+    QFile::remove(second);
+    EXPECT_EQ(opened(), "(No Recent Files) | - | &Clear Menu") << "hidden, and still to be cleared";
+    choose(2);
+    EXPECT_TRUE(recent.entries().empty());
+    EXPECT_TRUE(opened().ends_with("(&Clear Menu)"));
+}
+
+TEST_F(RecentDocumentsMenu, TellsFilesOfOneNameApart)
+{
+    for (const QString &name : {u"a/x"_s, u"a/y"_s, u"b/y"_s}) {
+        QDir().mkpath(path(name));
+    }
+    workspace().open({write(u"a/x/main.c"_s, "1"), write(u"a/y/main.c"_s, "2"), write(u"b/y/main.c"_s, "3"), write(u"b/main.h"_s, "4"),
+                      write(u"n"_s.repeated(200), "5")});
+    EXPECT_THAT(opened(), testing::MatchesRegex("n+…n+ . main.h . main.c – b/y . main.c – a/y . main.c – x . - . &Clear Menu"));
+}
+
+TEST_F(RecentDocumentsMenu, OpensInTheWindowInFront)
+{
+    const QString file = write(u"a.txt"_s, "a");
+    recent.note({file, path(u"gone.txt"_s)});
+    EXPECT_EQ(opened(), "a.txt | - | &Clear Menu");
+    send("newWindow:");
+    choose(0);
+    EXPECT_EQ(application.frontmostWindow()->workspace().currentDocument()->path(), file);
+    EXPECT_EQ(application.windows().size(), 2U);
+    EXPECT_EQ(presenter.beepCount(), 0);
+    QFile::remove(file);
+    choose(0);
+    send("openRecentDocument:", {.represented = path(u"gone.txt"_s)});
+    send("openRecentDocument:", {.represented = write(u"unknown.txt"_s, "b")});
+    send("openRecentDocument:");
+    EXPECT_EQ(presenter.beepCount(), 4);
+    EXPECT_TRUE(presenter.alerts().empty());
 }
 
 TEST(MainMenu, KeysAreTheirOwnAndCommandsKnown)

@@ -7,6 +7,7 @@
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Model/SessionStore.h"
+#include "Model/RecentDocuments.h"
 #include "Model/WatchedPath.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
@@ -99,7 +100,8 @@ struct Stage {
                           DocumentStore::AppearanceQuery());
         const EditorServices editors{scheduler,  notifications, preferences, pasteboard, presenter,
                                      *documents, *workers,      find,        &*speller,  &*spellingPanel};
-        application.emplace(WorkspaceServices{editors, defaults, desktop, session});
+        recent.emplace(QString(), *workers);
+        application.emplace(WorkspaceServices{editors, defaults, desktop, session, *recent});
         preferences.setLanguageResolver(Localization::use);
         preferences.setLanguage(AppLanguage::english);
     }
@@ -119,5 +121,6 @@ struct Stage {
     std::optional<SpellChecker> speller;
     std::optional<SpellingPanel> spellingPanel;
     RecordingDesktop desktop;
+    std::optional<RecentDocuments> recent;
     std::optional<AppDelegate> application;
 };

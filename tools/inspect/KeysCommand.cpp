@@ -9,6 +9,7 @@
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Model/SessionStore.h"
+#include "Model/RecentDocuments.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"
 #include "Platform/Desktop.h"
@@ -55,8 +56,9 @@ public:
     DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
     FindState find;
     RecordingDesktop desktop;
+    RecentDocuments recent{QString(), workers};
     AppDelegate application{
-        {{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find}, defaults, desktop, session}};
+        {{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find}, defaults, desktop, session, recent}};
     QStringList actions;
     QStringList messages;
 };

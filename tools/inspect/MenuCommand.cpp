@@ -25,6 +25,9 @@ QJsonObject answerOf(const MenuNode &node)
     case MenuNode::Kind::item:
         break;
     }
+    if (!node.command) {
+        return {{u"title"_s, node.title}, {u"key"_s, QString()}, {u"action"_s, QString()}};
+    }
     const QList<QKeySequence> keys = node.sender.represented.isNull() ? node.command->keySequences() : QList<QKeySequence>();
     const auto name = node.command->selector.name();
     QJsonObject item = {{u"title"_s, node.title},
