@@ -4,8 +4,8 @@
 
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
-#include "Model/SessionStore.h"
 #include "Model/RecentDocuments.h"
+#include "Model/SessionStore.h"
 #include "Model/WatchedPath.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/DefaultsStore.h"

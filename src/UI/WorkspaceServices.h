@@ -6,10 +6,10 @@
 
 class DefaultsStore;
 class Desktop;
-class SessionStore;
 class RecentDocuments;
+class SessionStore;
 
-/// What windows and what is in them use; made in `main`, and by every test for itself. Must outlive them.
+/// What windows and what is in them use; made by Program, and by every test for itself. Must outlive them.
 struct WorkspaceServices : EditorServices {
     DefaultsStore &defaults;
     Desktop &desktop;

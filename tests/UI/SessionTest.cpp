@@ -332,7 +332,8 @@ TEST_F(SessionTest, ATabWhoseFileDoesNotComeSaysSo)
                               surroundings.presenter, documents, held, surroundings.find},
                              surroundings.defaults,
                              surroundings.desktop,
-                             surroundings.session});
+                             surroundings.session,
+                             surroundings.recent});
     application.launch({});
     WorkspaceViewController &workspace = application.windows().front()->workspace();
     PaneViewController &pane = *workspace.panes().front();
