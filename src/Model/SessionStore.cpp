@@ -128,7 +128,7 @@ SessionStore::SessionStore(const Places &places, const Preferences &preferences,
     m_thread->setObjectName(u"org.quillet.Quillet.session"_s);
     m_thread->setMaxThreadCount(1);
     m_thread->setThreadPriority(QThread::LowPriority);
-    makePrivateFolder(draftsDirectory());
+    makePrivateFolder(draftsDirectory(), m_calls);
     // Several folders may be in use at once, each by one program.
     const QByteArray folder = QCryptographicHash::hash(QFile::encodeName(QDir::cleanPath(m_root)), QCryptographicHash::Sha1).toHex();
     const QString lockName = u"/quillet-session-"_s + QString::fromLatin1(folder.first(16)) + u".lock"_s;
@@ -255,7 +255,7 @@ void SessionStore::carryOver()
 
 bool SessionStore::setAside(const QString &folder)
 {
-    makePrivateFolder(folder);
+    makePrivateFolder(folder, m_calls);
     const auto move = [&](const QString &from, const QString &to) {
         return m_calls.rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
     };
@@ -264,7 +264,7 @@ bool SessionStore::setAside(const QString &folder)
     if ((hasDrafts && !move(draftsDirectory(), folder + u"/Drafts"_s)) || !move(snapshotPath(), folder + u"/session.json"_s)) {
         return false;
     }
-    makePrivateFolder(draftsDirectory());
+    makePrivateFolder(draftsDirectory(), m_calls);
     return true;
 }
 

@@ -393,11 +393,24 @@ Result<QString> resolvedLinks(const QString &path)
     });
 }
 
-void makePrivateFolder(const QString &path)
+void makePrivateFolder(const QString &path, FileCalls &calls)
 {
     if (path.isEmpty() || QFileInfo::exists(path)) {
         return;
     }
-    makePrivateFolder(QFileInfo(path).path());
-    QDir().mkdir(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    const QString parent = QFileInfo(path).path();
+    makePrivateFolder(parent, calls);
+    if (calls.mkdir(QFile::encodeName(path).constData(), S_IRWXU) == 0) {
+        flushFolder(parent, calls);
+    }
+}
+
+void flushFolder(const QString &path, FileCalls &calls)
+{
+    const QByteArray name = QFile::encodeName(path);
+    const int folder = retried([&] { return calls.open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0); });
+    if (folder >= 0) {
+        std::ignore = retried([&] { return calls.fsync(folder); });
+        calls.close(folder);
+    }
 }

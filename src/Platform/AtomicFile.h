@@ -72,5 +72,9 @@ private:
 /// The path that writing through `path` reaches: symbolic links at its end are followed, also one that leads nowhere. Fails with ELOOP.
 [[nodiscard]] Result<QString> resolvedLinks(const QString &path);
 
-/// Makes the folder `path` and what is missing above it, for the user only. What fails shows when a file is written there.
-void makePrivateFolder(const QString &path);
+/// Makes the folder `path` and what is missing above it, for the user only; then they are on disk. What fails shows when a file is written
+/// there.
+void makePrivateFolder(const QString &path, FileCalls &calls = FileCalls::system());
+
+/// Which files the folder has is on disk now, where the file system can tell it so.
+void flushFolder(const QString &path, FileCalls &calls);

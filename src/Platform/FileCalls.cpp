@@ -53,6 +53,11 @@ int FileCalls::unlink(const char *path)
     return ::unlink(path);
 }
 
+int FileCalls::mkdir(const char *path, mode_t mode)
+{
+    return ::mkdir(path, mode);
+}
+
 int FileCalls::stat(const char *path, struct stat *status)
 {
     return ::stat(path, status);

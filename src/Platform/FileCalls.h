@@ -22,6 +22,7 @@ public:
     virtual int close(int file);
     virtual int rename(const char *from, const char *to);
     virtual int unlink(const char *path);
+    virtual int mkdir(const char *path, mode_t mode);
 
     virtual int stat(const char *path, struct stat *status);
     virtual int lstat(const char *path, struct stat *status);

@@ -50,6 +50,10 @@ public:
     {
         return step("unlink", [&] { return FileCalls::unlink(path); });
     }
+    int mkdir(const char *path, mode_t mode) override
+    {
+        return step("mkdir", [&] { return FileCalls::mkdir(path, mode); });
+    }
     int stat(const char *path, struct stat *status) override
     {
         return step("stat", [&] { return FileCalls::stat(path, status); });
