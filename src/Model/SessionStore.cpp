@@ -84,6 +84,7 @@ struct SessionStore::Queue {
     static void note(const std::shared_ptr<Queue> &queue, const QString &name, const Result<void> &written);
     void writeSnapshot();
     void prune(const Snapshot &written);
+    void remove(const QStringList &names);
 };
 
 void SessionStore::Queue::note(const std::shared_ptr<Queue> &queue, const QString &name, const Result<void> &written)
@@ -348,7 +349,7 @@ void SessionStore::discardDraft(const QUuid &document)
         m_queue->texts.erase(name);
     }
     m_thread->start([queue = m_queue, name] {
-        queue->calls.unlink(QFile::encodeName(queue->drafts + u'/' + name).constData());
+        queue->remove({name});
         const std::lock_guard lock(queue->mutex);
         queue->failedDrafts.erase(name);
     });
@@ -405,10 +406,20 @@ void SessionStore::Queue::prune(const Snapshot &written)
     for (const Snapshot::Document &document : written.documents) {
         kept.insert(document.draftFilename.value_or(QString()));
     }
-    for (const QString &name : QDir(drafts).entryList(QDir::Files | QDir::Hidden | QDir::System)) {
-        if (!kept.contains(name)) {
-            calls.unlink(QFile::encodeName(drafts + u'/' + name).constData());
-        }
+    QStringList names = QDir(drafts).entryList(QDir::Files | QDir::Hidden | QDir::System);
+    names.removeIf([&](const QString &name) { return kept.contains(name); });
+    remove(names);
+}
+
+void SessionStore::Queue::remove(const QStringList &names)
+{
+    bool isChanged = false;
+    for (const QString &name : names) {
+        isChanged |= calls.unlink(QFile::encodeName(drafts + u'/' + name).constData()) == 0;
+    }
+    if (isChanged) {
+        // An old draft must not come back when the power fails: it would stand before its file, which was saved since.
+        flushFolder(drafts, calls);
     }
 }
 
