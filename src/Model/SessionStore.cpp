@@ -69,7 +69,8 @@ struct SessionStore::Queue {
         quint64 ticket = 0;
     };
     std::map<QString, WaitingText> texts = {};
-    std::optional<Snapshot> snapshot = {};
+    /// By the ticket of the job that is to write it.
+    std::map<quint64, Snapshot> snapshots = {};
     // Guarded: what is to be tried again.
     std::set<QString> failedDrafts = {};
     bool hasFailedSnapshot = false;
@@ -82,7 +83,7 @@ struct SessionStore::Queue {
 
     static void writeDraft(const std::shared_ptr<Queue> &queue, const QString &name, quint64 ticket);
     static void note(const std::shared_ptr<Queue> &queue, const QString &name, const Result<void> &written);
-    void writeSnapshot();
+    void writeSnapshot(quint64 ticket);
     void prune(const Snapshot &written);
     void remove(const QStringList &names);
 };
@@ -365,22 +366,24 @@ void SessionStore::write(Snapshot snapshot)
     }
     snapshot.documents << m_carriedOver;
     snapshot.savedAt = double(QDateTime::currentMSecsSinceEpoch()) / 1000 - referenceDate;
-    bool isWaiting = false;
     {
         const std::lock_guard lock(m_queue->mutex);
-        isWaiting = std::exchange(m_queue->snapshot, std::move(snapshot)).has_value();
+        // One that waits is overtaken, unless drafts wait behind it: this one may name them.
+        if (const auto waiting = m_queue->snapshots.find(m_lastTicket); waiting != m_queue->snapshots.end()) {
+            waiting->second = std::move(snapshot);
+            return;
+        }
+        m_queue->snapshots.emplace(++m_lastTicket, std::move(snapshot));
     }
-    if (!isWaiting) {
-        m_thread->start([queue = m_queue] { queue->writeSnapshot(); });
-    }
+    m_thread->start([queue = m_queue, ticket = m_lastTicket] { queue->writeSnapshot(ticket); });
 }
 
-void SessionStore::Queue::writeSnapshot()
+void SessionStore::Queue::writeSnapshot(quint64 ticket)
 {
     Snapshot written;
     {
         const std::lock_guard lock(mutex);
-        written = *std::exchange(snapshot, std::nullopt);
+        written = std::move(snapshots.extract(ticket).mapped());
     }
     const Result<void> result =
         AtomicFile::open(root + u"/session.json"_s, AtomicFile::NewFile::privateToUser, calls).and_then([&](AtomicFile file) {

@@ -111,6 +111,7 @@ private:
     std::function<void(const QString &folder)> m_tellSetAside;
     /// Drafts that may be on disk, and the revision of the text that was last handed over.
     std::map<QString, std::optional<quint64>> m_drafts;
+    /// Of the jobs that write.
     quint64 m_lastTicket = 0;
     std::shared_ptr<Queue> m_queue;
     std::unique_ptr<QThreadPool> m_thread;

@@ -473,6 +473,28 @@ TEST_F(SessionStoreTest, WritesTheLatestTextOnceAndNothingThatIsThere)
     EXPECT_EQ(contentOf(root() + u"/Drafts/"_s + drafts().front()), "4");
 }
 
+TEST_F(SessionStoreTest, ASnapshotDoesNotOvertakeTheDraftsThatItNames)
+{
+    auto store = open();
+    auto first = document(u"first"_s, firstId);
+    auto second = document(u"second"_s, secondId);
+    std::binary_semaphore mayGoOn(0);
+    bool isMissing = false;
+    calls.before = [&, isFirst = true](const char *) mutable {
+        if (std::exchange(isFirst, false)) {
+            mayGoOn.acquire();
+        }
+        isMissing |= contentOf(store->snapshotPath()).contains(DraftFile::nameFor(secondId).toLatin1()) && drafts().size() < 2;
+        return 0;
+    };
+    store->write(snapshotOf(*store, {first.get()}));
+    store->write(snapshotOf(*store, {first.get(), second.get()}));
+    mayGoOn.release();
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_FALSE(isMissing);
+    EXPECT_EQ(drafts().size(), 2);
+}
+
 TEST_F(SessionStoreTest, AFullDiskIsToldOfOnceAndTriedAgain)
 {
     auto store = open();
