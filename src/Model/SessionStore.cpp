@@ -124,7 +124,7 @@ SessionStore::Places SessionStore::Places::standard()
 
 SessionStore::SessionStore(const Places &places, const Preferences &preferences, FileCalls &calls)
     : m_root(places.rootDirectory), m_preferences(preferences), m_calls(calls),
-      m_queue(std::make_shared<Queue>(places.rootDirectory, places.rootDirectory + u"/Drafts"_s, calls)),
+      m_queue(new Queue{.root = places.rootDirectory, .drafts = places.rootDirectory + u"/Drafts"_s, .calls = calls}),
       m_thread(std::make_unique<QThreadPool>())
 {
     m_thread->setObjectName(u"org.quillet.Quillet.session"_s);
