@@ -36,7 +36,11 @@ public:
 
 private:
     /// Ids that were damaged into copies of each other still are texts of their own.
-    QUuid unusedId(const QUuid &id) { return !id.isNull() && m_ids.insert(id).second ? id : QUuid::createUuid(); }
+    QUuid unusedId(const QUuid &id)
+    {
+        const bool isUsable = !id.isNull() && !m_store.hasUnreadableDraft(id);
+        return isUsable && m_ids.insert(id).second ? id : QUuid::createUuid();
+    }
 
     void restore(const SessionSnapshot::Document &entry)
     {

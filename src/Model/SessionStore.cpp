@@ -275,12 +275,19 @@ std::optional<Rope> SessionStore::draft(const QString &name)
     if (!isPlainName(name)) {
         return std::nullopt;
     }
-    auto text = DraftFile::read(draftsDirectory() + u'/' + name);
-    if (!text) {
+    const QString path = draftsDirectory() + u'/' + name;
+    auto text = DraftFile::read(path);
+    if (!text && QFileInfo::exists(path)) {
         const std::lock_guard lock(m_queue->mutex);
         m_queue->unreadableDrafts.insert(name);
     }
     return text;
+}
+
+bool SessionStore::hasUnreadableDraft(const QUuid &document) const
+{
+    const std::lock_guard lock(m_queue->mutex);
+    return m_queue->unreadableDrafts.contains(DraftFile::nameFor(document));
 }
 
 void SessionStore::adoptDraft(const TextDocument &document, const QString &name)

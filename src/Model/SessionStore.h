@@ -73,6 +73,8 @@ public:
     [[nodiscard]] Saved read();
     /// A draft's text; none when the name is none of a draft, or when it cannot be read: then it is left where it is.
     [[nodiscard]] std::optional<Rope> draft(const QString &name);
+    /// Some day it may be readable again: another document must not write or discard it as its own.
+    [[nodiscard]] bool hasUnreadableDraft(const QUuid &document) const;
     /// `document` has the text of the draft `name` and goes on using it.
     void adoptDraft(const TextDocument &document, const QString &name);
 

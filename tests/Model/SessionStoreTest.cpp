@@ -340,6 +340,46 @@ TEST_F(SessionStoreTest, ADraftOfAnEntryThatDoesNotNameItYetIsNewerThanItsFile)
     EXPECT_EQ(restored.front().document->path(), root() + u"/a.txt"_s);
 }
 
+TEST_F(SessionStoreTest, ADraftThatCannotBeReadIsLeftWhereItIs)
+{
+    put(u"a.txt"_s, "file");
+    put(u"Drafts/other.draft"_s, "other");
+    const QString broken = root() + u"/Drafts/"_s + DraftFile::nameFor(firstId);
+    // Reading it fails, also for the superuser.
+    ASSERT_TRUE(QFile::link(u"/proc/self/mem"_s, broken));
+    const auto entry = [&](const QUuid &id) {
+        return Snapshot::Document{.id = id, .filePath = root() + u"/a.txt"_s, .draftFilename = DraftFile::nameFor(id)};
+    };
+    put(u"session.json"_s, Snapshot{.documents = {entry(firstId)}}.toJson());
+    auto store = open();
+    auto restored = restoreDocuments(store->read(), *store, documents);
+    ASSERT_EQ(restored.size(), 2U);
+    EXPECT_EQ(restored.front().idInSnapshot, firstId);
+    TextDocument &file = *restored.front().document;
+    EXPECT_EQ(file.storage().string(), u"file"_s);
+    store->write(snapshotOf(*store, {&file}));
+    edit(file, u"new"_s);
+    store->write(snapshotOf(*store, {&file}));
+    store->discardDraft(file.id());
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(drafts(), QStringList{QFileInfo(broken).fileName()});
+
+    // One that is missing is nothing that may be readable again.
+    store.reset();
+    put(u"session.json"_s, Snapshot{.documents = {entry(secondId)}}.toJson());
+    store = open();
+    restored = restoreDocuments(store->read(), *store, documents);
+    ASSERT_EQ(restored.size(), 1U);
+    edit(*restored.front().document, u"newer"_s);
+    store->write(snapshotOf(*store, {restored.front().document.get()}));
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(restored.front().document->id(), secondId);
+    EXPECT_EQ(drafts().size(), 2);
+    store->write({});
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(drafts(), QStringList{QFileInfo(broken).fileName()});
+}
+
 TEST_F(SessionStoreTest, AnUnreadableSnapshotIsSetAsideWithItsDrafts)
 {
     for (const QByteArray &garbage : {QByteArray("{\"documents\": 3}"), QByteArray(50 * 1024 * 1024, '{'), QByteArray()}) {
