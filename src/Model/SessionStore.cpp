@@ -238,9 +238,12 @@ std::optional<SessionStore::Snapshot> SessionStore::readSnapshot()
     return std::nullopt;
 }
 
-/// What was not brought back still is not saved.
+/// What was not brought back still is not saved. Before a draft is written, which would be taken for one of these.
 void SessionStore::carryOver()
 {
+    if (m_hasRead) {
+        return;
+    }
     const Saved saved = read();
     if (saved.snapshot) {
         std::ranges::copy_if(saved.snapshot->documents, std::back_inserter(m_carriedOver),
@@ -302,6 +305,7 @@ void SessionStore::adoptDraft(const TextDocument &document, const QString &name)
 
 std::optional<QString> SessionStore::writeDraft(const TextDocument &document)
 {
+    carryOver();
     if (!m_isOwner || !m_preferences.autosaveDrafts() || document.isGenerated()) {
         return std::nullopt;
     }
@@ -365,9 +369,7 @@ void SessionStore::discardDraft(const QUuid &document)
 
 void SessionStore::write(Snapshot snapshot)
 {
-    if (!m_hasRead) {
-        carryOver();
-    }
+    carryOver();
     if (!m_isOwner) {
         return;
     }

@@ -68,8 +68,8 @@ public:
     /// Everything that was to be written so far was.
     [[nodiscard]] bool isHealthy() const;
 
-    /// Once. A snapshot that cannot be read is moved to a folder of its own, with all drafts. When this was not called before the first
-    /// snapshot is written, what it would have returned is carried over: texts that were not saved are in that snapshot too.
+    /// Once. A snapshot that cannot be read is moved to a folder of its own, with all drafts. When this was not called before anything is
+    /// written, what it would have returned is carried over: texts that were not saved are in the next snapshots too.
     [[nodiscard]] Saved read();
     /// A draft's text; none when the name is none of a draft, or when it cannot be read: then it is left where it is.
     [[nodiscard]] std::optional<Rope> draft(const QString &name);

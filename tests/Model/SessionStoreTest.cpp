@@ -429,6 +429,8 @@ TEST_F(SessionStoreTest, WhatIsNotBroughtBackIsCarriedOver)
     for (int start = 0; start < 2; ++start) {
         auto store = open();
         auto text = document(u"another"_s);
+        store->writeDraft(*text);
+        ASSERT_TRUE(isWritten(*store));
         store->write(snapshotOf(*store, {text.get()}));
         store->write(snapshotOf(*store, {}));
         ASSERT_TRUE(isWritten(*store));
@@ -440,6 +442,17 @@ TEST_F(SessionStoreTest, WhatIsNotBroughtBackIsCarriedOver)
     EXPECT_EQ(restored[0].document->path(), u"/a.txt"_s);
     EXPECT_EQ(restored[0].document->storage().string(), u"typed"_s);
     EXPECT_EQ(restored[1].document->id(), secondId);
+
+    // What cannot be read goes away without the drafts of this program.
+    store.reset();
+    put(u"session.json"_s, "garbage");
+    store = open();
+    auto text = document(u"new"_s);
+    store->writeDraft(*text);
+    ASSERT_TRUE(isWritten(*store));
+    store->write(snapshotOf(*store, {text.get()}));
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(drafts(), QStringList{DraftFile::nameFor(text->id())});
 }
 
 TEST_F(SessionStoreTest, OnlyOneProgramOwnsTheFolder)
