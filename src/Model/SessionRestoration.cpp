@@ -30,11 +30,21 @@ public:
                 restoreDraft(name);
             }
         }
-        dropMissing(std::chrono::steady_clock::now() + patience);
+        const auto deadline = std::chrono::steady_clock::now() + patience;
+        for (Made &made : m_made) {
+            finish(made, deadline);
+        }
         return std::move(m_restored);
     }
 
 private:
+    struct Made {
+        QUuid idInSnapshot;
+        /// Null for the file of another entry.
+        std::unique_ptr<TextDocument> document;
+        QString path;
+    };
+
     /// Ids that were damaged into copies of each other still are texts of their own.
     QUuid unusedId(const QUuid &id)
     {
@@ -53,8 +63,8 @@ private:
             if (path.isEmpty()) {
                 return;
             }
-            if (const auto same = m_files.find(path); same != m_files.end()) {
-                m_restored.push_back({entry.id, same->second});
+            if (m_paths.contains(path)) {
+                m_made.push_back({entry.id, nullptr, path});
                 return;
             }
             document = TextDocument::awaiting(m_documents.services(), path, empty.encoding, empty.lineEnding, unusedId(entry.id));
@@ -104,23 +114,24 @@ private:
 
     void add(const QUuid &id, std::unique_ptr<TextDocument> document, const QString &path)
     {
-        const auto added = m_documents.add(std::move(document)).shared_from_this();
-        m_restored.push_back({id, added});
-        if (!path.isEmpty()) {
-            m_files.emplace(path, added);
-        }
+        m_paths.insert(path);
+        m_made.push_back({id, std::move(document), path});
     }
 
-    void dropMissing(std::chrono::steady_clock::time_point deadline)
+    /// The store gets the document when it has its text: a highlighter would colour all of that as an edit.
+    void finish(Made &made, std::chrono::steady_clock::time_point deadline)
     {
-        std::erase_if(m_restored, [&](const RestoredDocument &restored) {
-            restored.document->waitForFile(deadline);
-            if (restored.document->arrivalError()) {
-                m_documents.remove(*restored.document);
-                return true;
+        if (made.document) {
+            made.document->waitForFile(deadline);
+            if (made.document->arrivalError()) {
+                return;
             }
-            return false;
-        });
+            const auto added = m_documents.add(std::move(made.document)).shared_from_this();
+            m_restored.push_back({made.idInSnapshot, added});
+            m_files.emplace(made.path, added);
+        } else if (const auto same = m_files.find(made.path); same != m_files.end()) {
+            m_restored.push_back({made.idInSnapshot, same->second});
+        }
     }
 
     const SessionStore::Saved &m_saved;
@@ -128,6 +139,8 @@ private:
     DocumentStore &m_documents;
     std::set<QString> m_otherDrafts;
     std::set<QUuid> m_ids;
+    std::set<QString> m_paths;
+    std::vector<Made> m_made;
     std::map<QString, std::shared_ptr<TextDocument>> m_files;
     std::vector<RestoredDocument> m_restored;
 };

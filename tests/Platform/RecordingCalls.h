@@ -28,7 +28,8 @@ struct RecordedCall {
     int inode = 0;
 };
 
-/// The real calls, except that nothing waits for the disk, kept in their order; other threads than the one that made the object go on call by call, as it lets them.
+/// The real calls, except that nothing waits for the disk, kept in their order; other threads than the one that made the object go on call
+/// by call, as it lets them.
 class RecordingCalls final : public FileCalls {
 public:
     /// How many there are so far. The calls themselves are to be read when no thread makes any.
