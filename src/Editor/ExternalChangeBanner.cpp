@@ -42,7 +42,7 @@ const StateRow *rowOf(TextDocument::ExternalState state)
     static constexpr StateRow conflicted = {u"“%@” changed on disk and has unsaved edits here.", conflictButtons};
     static constexpr StateRow deleted = {u"“%@” was deleted or moved.", deletionButtons};
     static constexpr StateRow waiting = {
-        u"Waiting for “%@”, whose place does not answer. You can go on with other tabs, or close this one.", {}};
+        u"Waiting for “%@”: its folder does not answer. You can go on with other tabs, or close this one.", {}};
     switch (state) {
     case TextDocument::ExternalState::conflicted:
         return &conflicted;
