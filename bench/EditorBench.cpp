@@ -14,6 +14,7 @@
 #include "Platform/Desktop.h"
 #include "Platform/Pasteboard.h"
 #include "Text/FindState.h"
+#include "Vim/VimRegisters.h"
 
 #include <benchmark/benchmark.h>
 
@@ -100,11 +101,15 @@ public:
     SessionStore session{{folder.path(), {}}, preferences};
     DocumentStore store{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
     FindState find;
+    VimRegisters registers{pasteboard, preferences};
     TextDocument *document = nullptr;
     RecordingDesktop desktop;
     RecentDocuments recent{QString(), workers};
-    AppDelegate application{
-        {{scheduler, notifications, preferences, pasteboard, presenter, store, workers, find}, defaults, desktop, session, recent}};
+    AppDelegate application{{{scheduler, notifications, preferences, pasteboard, presenter, store, workers, find, registers},
+                             defaults,
+                             desktop,
+                             session,
+                             recent}};
     EditorViewController *editor = nullptr;
 
 private:

@@ -14,6 +14,7 @@
 #include "Platform/Workers.h"
 #include "Text/FindState.h"
 #include "UI/WorkspaceServices.h"
+#include "Vim/VimRegisters.h"
 
 #include <QTemporaryDir>
 
@@ -39,8 +40,12 @@ struct Surroundings {
     DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, [this](const QUuid &id) { session.discardDraft(id); }},
                             {}};
     FindState find;
+    VimRegisters registers{pasteboard, preferences};
     RecordingDesktop desktop;
     RecentDocuments recent{QString(), workers};
-    WorkspaceServices services{
-        {scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find}, defaults, desktop, session, recent};
+    WorkspaceServices services{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers},
+                               defaults,
+                               desktop,
+                               session,
+                               recent};
 };

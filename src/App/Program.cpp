@@ -21,6 +21,7 @@
 #include "Platform/ToolkitTexts.h"
 #include "Platform/WidgetAlertPresenter.h"
 #include "Text/FindState.h"
+#include "Vim/VimRegisters.h"
 
 #include <QApplication>
 #include <QSessionManager>
@@ -94,6 +95,7 @@ struct Program::Parts {
                             [this] { return appearance.current(); }};
 
     FindState find;
+    VimRegisters registers{pasteboard, preferences};
     SpellChecker spellChecker{workers, SpellChecker::systemSetup()};
     SpellingPanel spellingPanel{spellChecker};
     NotificationCenter::Token spellingLanguages;
@@ -101,7 +103,7 @@ struct Program::Parts {
     RecentDocuments recent{session.rootDirectory() + u"/recent-documents.json"_s, workers};
     DesktopRecentFiles desktopRecentFiles{DesktopRecentFiles::standardPath(), workers};
     AppDelegate delegate{
-        {{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, &spellChecker, &spellingPanel},
+        {{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers, &spellChecker, &spellingPanel},
          defaults,
          desktop,
          session,

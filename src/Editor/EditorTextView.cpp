@@ -2,11 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/EditorTextView.h"
 
+#include "Editor/EditorVim.h"
 #include "Platform/DroppedFiles.h"
 #include "Platform/Translation.h"
 #include "Text/TextStorage.h"
 
 #include <QDropEvent>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
 #include <QMenu>
 
 #include <array>
@@ -55,6 +58,50 @@ const ActionRow *EditorTextView::actionFor(Selector selector) const
     });
     const ActionRow *row = findAction(rows, selector);
     return row ? row : TextView::actionFor(selector);
+}
+
+// Modal editing
+
+bool EditorTextView::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride && m_vim && m_vim->wantsKey(static_cast<const QKeyEvent &>(*event))) {
+        event->accept();
+        return true;
+    }
+    return TextView::event(event);
+}
+
+void EditorTextView::keyPressEvent(QKeyEvent *event)
+{
+    if (m_vim && m_vim->handleKey(*event)) {
+        event->accept();
+        return;
+    }
+    TextView::keyPressEvent(event);
+}
+
+void EditorTextView::inputMethodEvent(QInputMethodEvent *event)
+{
+    if (m_vim && m_vim->handleInputMethod(*event)) {
+        event->accept();
+        return;
+    }
+    TextView::inputMethodEvent(event);
+}
+
+void EditorTextView::willReplay()
+{
+    if (m_vim) {
+        m_vim->breakInsertSession();
+    }
+}
+
+void EditorTextView::focusOutEvent(QFocusEvent *event)
+{
+    if (m_vim) {
+        m_vim->breakInsertSession();
+    }
+    TextView::focusOutEvent(event);
 }
 
 // Looks

@@ -9,6 +9,7 @@
 #include "Text/TextView.h"
 
 class EditorTextView;
+class EditorVim;
 
 /// What an EditorTextView tells its editor.
 class EditorTextViewDelegate {
@@ -52,6 +53,9 @@ public:
     [[nodiscard]] LineNumberRulerView &ruler() { return *m_ruler; }
     void setLineNumbers(Visibility visibility);
 
+    /// Gets the keys before the view does; null takes it away. Must outlive the view or be taken back.
+    void setVim(EditorVim *vim) { m_vim = vim; }
+
     void insertNewline() override;
     void insertTab() override;
     void insertBacktab() override;
@@ -64,6 +68,11 @@ public:
     [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
 
 protected:
+    void willReplay() override;
+    bool event(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void inputMethodEvent(QInputMethodEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -72,6 +81,8 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
+    friend class EditorVim;
+
     [[nodiscard]] bool isEditable() const { return !isReadOnly(); }
     [[nodiscard]] bool canToggleComment() const;
     void apply(const std::optional<LineEdit> &edit, GroupKind kind = GroupKind::other);
@@ -79,6 +90,7 @@ private:
     void addCommands(QMenu *menu);
 
     EditorTextViewDelegate *m_delegate = nullptr;
+    EditorVim *m_vim = nullptr;
     std::function<void()> m_beep;
     Indentation m_indentation;
     AutoIndent m_autoIndent = AutoIndent::on;

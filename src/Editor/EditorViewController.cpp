@@ -3,6 +3,7 @@
 #include "Editor/EditorViewController.h"
 
 #include "Editor/EditorFont.h"
+#include "Editor/EditorVim.h"
 #include "Editor/ExternalChangeBanner.h"
 #include "Editor/LineNumberRulerView.h"
 #include "Editor/SpellingController.h"
@@ -62,6 +63,8 @@ EditorViewController::~EditorViewController()
 {
     // The view may still tell of losing the focus while it goes.
     m_textView->setEditorDelegate(nullptr);
+    m_delegate = nullptr;
+    m_vim.reset();
     m_spelling.reset();
     delete m_textView;
 }
@@ -153,8 +156,38 @@ void EditorViewController::applyPreferences()
     if (m_textView->wrapMode() != wrapMode) {
         m_textView->setWrapMode(wrapMode);
     }
+    applyVimMode();
     if (m_banner) {
         m_banner->applyTheme(m_services.documents.theme());
+    }
+}
+
+void EditorViewController::applyVimMode()
+{
+    const VimKeymapPreset preset = m_services.preferences.vimKeymapPreset();
+    const bool wasOn = m_vim != nullptr;
+    if (!m_services.preferences.vimMode()) {
+        m_vim.reset();
+    } else if (m_vim) {
+        m_vim->engine().setKeymap(preset);
+    } else {
+        m_vim = std::make_unique<EditorVim>(*m_textView, m_services.registers, preset,
+                                            EditorVim::Callbacks{.stateChanged =
+                                                                     [this] {
+                                                                         if (m_delegate) {
+                                                                             m_delegate->editorDidChangeVimState(*this);
+                                                                         }
+                                                                     },
+                                                                 .runCommand =
+                                                                     [this](const QString &command) {
+                                                                         if (m_delegate) {
+                                                                             m_delegate->editorRunsVimCommand(*this, command);
+                                                                         }
+                                                                     },
+                                                                 .beep = [&presenter = m_services.presenter] { presenter.beep(); }});
+    }
+    if (wasOn != (m_vim != nullptr) && m_delegate) {
+        m_delegate->editorDidChangeVimState(*this);
     }
 }
 

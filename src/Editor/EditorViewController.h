@@ -13,6 +13,7 @@
 
 class AlertPresenter;
 class DocumentStore;
+class EditorVim;
 class EditorViewController;
 class ExternalChangeBanner;
 class FindBar;
@@ -24,6 +25,7 @@ class SpellingController;
 class SpellingPanel;
 class TextDocument;
 class TextFinder;
+class VimRegisters;
 class Workers;
 
 /// What editors use; must outlive them.
@@ -36,6 +38,7 @@ struct EditorServices {
     DocumentStore &documents;
     Workers &workers;
     FindState &find;
+    VimRegisters &registers;
     /// Both or none: without them no spelling is checked.
     SpellChecker *spellChecker = nullptr;
     SpellingPanel *spellingPanel = nullptr;
@@ -48,6 +51,9 @@ public:
     virtual void editorDidChangeSelection(EditorViewController &editor) = 0;
     /// By the preferences or by the language of its document.
     virtual void editorDidChangeIndentation(EditorViewController &editor) = 0;
+    virtual void editorDidChangeVimState(EditorViewController &editor) = 0;
+    /// What was entered in its command line.
+    virtual void editorRunsVimCommand(EditorViewController &editor, const QString &command) = 0;
     /// Absolute paths of files that exist.
     virtual void editorDidDropFiles(EditorViewController &editor, const QStringList &paths) = 0;
 
@@ -80,6 +86,8 @@ public:
     void scrollToLine(qsizetype line);
     /// Has the document remember caret and scroll position for the next editor of it.
     void saveViewState();
+    /// Null while modal editing is off.
+    [[nodiscard]] EditorVim *vim() { return m_vim.get(); }
     /// Null where no spelling is checked.
     [[nodiscard]] SpellingController *spelling() { return m_spelling.get(); }
 
@@ -96,6 +104,7 @@ private:
     void applyPreferences();
     void applyPalette();
     void applyIndentation();
+    void applyVimMode();
     void adoptLanguage();
     void restoreViewState();
     /// Lets the text be changed or not; true when it may be from now on.
@@ -128,6 +137,7 @@ private:
     TextFinder *m_finder;
     FindBar *m_findBar;
     std::unique_ptr<SpellingController> m_spelling;
+    std::unique_ptr<EditorVim> m_vim;
     DelayedTask m_visibleHighlightWork;
     DelayedTask m_scrolling;
     std::vector<NotificationCenter::Token> m_observers;

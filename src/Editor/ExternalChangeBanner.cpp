@@ -41,8 +41,8 @@ const StateRow *rowOf(TextDocument::ExternalState state)
                                                    ButtonRow{u"Dismiss", &ExternalChangeBanner::onKeep}};
     static constexpr StateRow conflicted = {u"“%@” changed on disk and has unsaved edits here.", conflictButtons};
     static constexpr StateRow deleted = {u"“%@” was deleted or moved.", deletionButtons};
-    static constexpr StateRow waiting = {
-        u"Waiting for “%@”: its folder does not answer. You can go on with other tabs, or close this one.", {}};
+    static constexpr StateRow waiting = {u"Waiting for “%@”: its folder does not answer. You can go on with other tabs, or close this one.",
+                                         {}};
     switch (state) {
     case TextDocument::ExternalState::conflicted:
         return &conflicted;

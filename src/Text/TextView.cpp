@@ -300,6 +300,7 @@ void TextView::storageChanged(const TextChangeList &changes)
 void TextView::mapPlaces(const TextChangeList &changes)
 {
     const Rope &text = m_storage.text();
+    m_shownCaret.reset();
     const auto map = [&](qsizetype offset, LinePlace place, Bias bias) {
         return TextBoundaries::snapped(text, mappedPlace(offset, place, text, changes, bias));
     };
@@ -370,6 +371,7 @@ void TextView::setCaret(const Caret &caret, qsizetype anchor)
     const TextSelection before = selection();
     const QRectF rowBefore = caretRowInViewport();
     updateCaret();
+    m_shownCaret.reset();
     m_caret = caret;
     m_anchor = anchor;
     m_caretPlace = LinePlace::of(m_storage.text(), m_caret.offset);
@@ -420,6 +422,20 @@ void TextView::setSelection(TextSelection selection, Reveal reveal)
     }
     setCaret({legal(selection.caret), Affinity::downstream, {}}, legal(selection.anchor));
     revealCaret(reveal);
+}
+
+void TextView::showCaretAt(TextSelection selection, qsizetype place)
+{
+    setSelection(selection);
+    const qsizetype shown = TextBoundaries::snapped(m_storage.text(), place);
+    if (shown != m_caret.offset) {
+        updateCaret();
+        viewport()->update(caretRowInViewport().toAlignedRect());
+        m_shownCaret = shown;
+        updateCaret();
+        viewport()->update(caretRowInViewport().toAlignedRect());
+    }
+    revealCaret();
 }
 
 TextRange TextView::visibleRange()
@@ -520,6 +536,7 @@ void TextView::replay(std::optional<TextSelection> (UndoManager::*step)())
     if (isReadOnly()) {
         return;
     }
+    willReplay();
     const QScopedValueRollback<bool> editing(m_isEditing, true);
     if (const auto shown = (m_undoManager.*step)()) {
         setSelection(*shown, Reveal::nearest);
@@ -627,12 +644,12 @@ QRectF TextView::caretRowInViewport()
 
 RowPosition TextView::caretRow()
 {
-    return isComposing() ? m_layout.rowInPreedit(m_preeditCaret) : m_layout.rowOf(m_caret.offset, m_caret.affinity);
+    return isComposing() ? m_layout.rowInPreedit(m_preeditCaret) : m_layout.rowOf(shownCaret(), m_caret.affinity);
 }
 
 double TextView::caretX(const RowPosition &row)
 {
-    return isComposing() ? m_layout.xInPreedit(row, m_preeditCaret) : m_layout.xOf(row, m_caret.offset);
+    return isComposing() ? m_layout.xInPreedit(row, m_preeditCaret) : m_layout.xOf(row, shownCaret());
 }
 
 QRectF TextView::caretInViewport()
@@ -647,9 +664,9 @@ QRectF TextView::caretInViewport()
     const double left = std::floor((m_port.left() + x) * dpr) / dpr;
     double width = std::max(1.0, std::round(1.4 * dpr) / dpr);
     if (m_caretShape != CaretShape::bar) {
-        const qsizetype next = TextBoundaries::nextGrapheme(m_storage.text(), m_caret.offset);
+        const qsizetype next = TextBoundaries::nextGrapheme(m_storage.text(), shownCaret());
         const bool isInRow = next <= m_layout.rangeOf(row).end();
-        width = isInRow && next > m_caret.offset ? std::abs(m_layout.xOf(row, next) - x) : m_layout.cellWidth();
+        width = isInRow && next > shownCaret() ? std::abs(m_layout.xOf(row, next) - x) : m_layout.cellWidth();
     }
     // Blanks that hang over the edge of a wrapped row do not take the caret with them.
     const double rightmost = m_layout.wraps() ? std::max(0.0, viewport()->width() - width) : left;

@@ -89,6 +89,8 @@ public:
 
     /// Replaces `range` by `text` as one undoable change and puts the caret behind it. Refused in a read-only view.
     void insertText(QStringView text, TextRange range);
+    /// Selects, and shows the caret at `place` instead of at the selection's end, until one of them changes; scrolls until it is seen.
+    void showCaretAt(TextSelection selection, qsizetype place);
     /// The units that can be seen, half a view above and below counted in; in a line wider than the view those near its visible part.
     [[nodiscard]] TextRange visibleRange();
     /// Caret in the coordinates of the scroll area; where an input method puts its window.
@@ -137,6 +139,8 @@ protected:
     /// Asked before every change that begins in this view; false refuses it.
     [[nodiscard]] virtual bool shouldChangeText(TextRange range, QStringView replacement);
     virtual void didChangeText() {}
+    /// Something is about to be undone or redone in this view.
+    virtual void willReplay() {}
     /// `text` in place of `range`, which is of the text before all edits of its step.
     struct Replacement {
         TextRange range;
@@ -215,6 +219,7 @@ private:
     void updateCaret();
     [[nodiscard]] QRectF caretInViewport();
     [[nodiscard]] RowPosition caretRow();
+    [[nodiscard]] qsizetype shownCaret() const { return m_shownCaret.value_or(m_caret.offset); }
     [[nodiscard]] double caretX(const RowPosition &row);
     void restartBlinking();
     void publishPrimarySelection();
@@ -271,6 +276,7 @@ private:
 
     Caret m_caret;
     qsizetype m_anchor = 0;
+    std::optional<qsizetype> m_shownCaret;
     // Where the two stand in the text that this view last heard of.
     LinePlace m_caretPlace, m_anchorPlace;
     // While this view edits: where the two will be, and whether the edit was reported yet. An observer may edit on in between.

@@ -279,6 +279,11 @@ void PaneViewController::editorDidChangeSelection(EditorViewController &editor)
     }
 }
 
+void PaneViewController::editorRunsVimCommand(EditorViewController & /*editor*/, const QString &command)
+{
+    m_delegate.paneRunsVimCommand(*this, command);
+}
+
 void PaneViewController::editorDidDropFiles(EditorViewController & /*editor*/, const QStringList &paths)
 {
     m_delegate.paneDidDropFiles(*this, paths);

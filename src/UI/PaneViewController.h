@@ -23,6 +23,8 @@ public:
     virtual void paneRequestsNewDocument(PaneViewController &pane) = 0;
     virtual void paneDidDropFiles(PaneViewController &pane, const QStringList &paths) = 0;
     virtual void paneRequestsClose(PaneViewController &pane, TextDocument &document, CloseCompletion completion) = 0;
+    /// What was entered in the command line of its editor.
+    virtual void paneRunsVimCommand(PaneViewController &pane, const QString &command) = 0;
     /// The last tab went. May destroy the pane, later.
     virtual void paneDidBecomeEmpty(PaneViewController &pane) = 0;
 
@@ -83,6 +85,8 @@ private:
     void editorWantsFocus(EditorViewController &editor) override;
     void editorDidChangeSelection(EditorViewController &editor) override;
     void editorDidChangeIndentation(EditorViewController &editor) override { editorDidChangeSelection(editor); }
+    void editorDidChangeVimState(EditorViewController &editor) override { editorDidChangeSelection(editor); }
+    void editorRunsVimCommand(EditorViewController &editor, const QString &command) override;
     void editorDidDropFiles(EditorViewController &editor, const QStringList &paths) override;
     void tabBarDidSelectTab(TabBarView &bar, int index) override;
     void tabBarDidRequestClose(TabBarView &bar, int index) override;

@@ -68,6 +68,7 @@ const ActionRow *WorkspaceViewController::actionFor(Selector selector) const
         action<&Self::revealInFinder, &Self::hasFile>("revealInFinder:"),
         action<&Self::copyFilePath, &Self::hasFile>("copyFilePath:"),
         action<&Self::showFindInterface, &Self::hasEditor>("showFindInterface:"),
+        action<&Self::closeWindowFromVim>("closeWindowFromVim:"),
         action<&Self::goToLine, &Self::hasEditor>("goToLine:"),
         // Nothing compares texts yet.
         action<&Self::compare, &Self::cannot>("compareWithFileOnDisk:"),

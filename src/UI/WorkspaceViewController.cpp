@@ -2,12 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "UI/WorkspaceViewController.h"
 
+#include "Editor/EditorVim.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Model/RecentDocuments.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/FirstResponder.h"
 #include "Platform/Localization.h"
+#include "Platform/Translation.h"
 #include "UI/PaneSplitter.h"
 
 #include <QPointer>
@@ -18,6 +20,20 @@ namespace {
 constexpr QSize startSize(1000, 680);
 /// No divider comes closer to another one, or to the window's edge, as long as there is room.
 constexpr int leastPaneExtent = 180;
+
+std::optional<StatusBarView::VimState> vimStateOf(EditorViewController &editor)
+{
+    if (!editor.vim()) {
+        return std::nullopt;
+    }
+    const VimEngine &engine = editor.vim()->engine();
+    const bool hasLine = engine.mode() == VimEngine::Mode::commandLine;
+    return StatusBarView::VimState{.mode = displayName(engine.mode()),
+                                   .pending = engine.pendingDescription(),
+                                   .commandLine =
+                                       hasLine ? std::optional(QChar(engine.commandLinePrefix()) + engine.commandLineText()) : std::nullopt,
+                                   .isInsert = engine.mode() == VimEngine::Mode::insert};
+}
 
 } // namespace
 
@@ -487,7 +503,7 @@ void WorkspaceViewController::updateStatusBar()
         .lineEnding = document->lineEnding(),
         .indentWidth = indentation.width,
         .usesSpaces = indentation.unit == Indentation::Unit::spaces,
-        .vim = std::nullopt,
+        .vim = vimStateOf(*editor),
     });
 }
 
@@ -537,6 +553,12 @@ void WorkspaceViewController::paneRequestsClose(PaneViewController &pane, TextDo
     } else {
         close(true);
     }
+}
+
+void WorkspaceViewController::paneRunsVimCommand(PaneViewController & /*pane*/, const QString &command)
+{
+    // There are none yet.
+    m_statusBar->flash(formatted(localized(u"Not a command: %@"), command.trimmed()), std::chrono::seconds(5));
 }
 
 void WorkspaceViewController::paneDidBecomeEmpty(PaneViewController &pane)

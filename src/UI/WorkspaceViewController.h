@@ -146,6 +146,7 @@ private:
     void focusNextPane() { focusPane(1); }
     void focusPreviousPane() { focusPane(-1); }
     void toggleSplitOrientation();
+    void closeWindowFromVim() { window()->close(); }
     void goToLine();
     void selectLanguageFromMenu(const ActionSender &sender);
     void selectTheme(const ActionSender &sender);
@@ -184,6 +185,7 @@ private:
     void paneRequestsNewDocument(PaneViewController &pane) override;
     void paneDidDropFiles(PaneViewController &pane, const QStringList &paths) override;
     void paneRequestsClose(PaneViewController &pane, TextDocument &document, CloseCompletion completion) override;
+    void paneRunsVimCommand(PaneViewController &pane, const QString &command) override;
     void paneDidBecomeEmpty(PaneViewController &pane) override;
 
     void statusBarDidChooseLanguage(const Language &language) override;

@@ -97,6 +97,8 @@ private:
     void editorWantsFocus(EditorViewController & /*editor*/) override { ++focusRequests; }
     void editorDidChangeSelection(EditorViewController & /*editor*/) override { ++selectionChanges; }
     void editorDidChangeIndentation(EditorViewController & /*editor*/) override {}
+    void editorDidChangeVimState(EditorViewController &) override {}
+    void editorRunsVimCommand(EditorViewController &, const QString &) override {}
     void editorDidDropFiles(EditorViewController & /*editor*/, const QStringList &paths) override { dropped += paths; }
 };
 

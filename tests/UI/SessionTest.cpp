@@ -329,7 +329,7 @@ TEST_F(SessionTest, ATabWhoseFileDoesNotComeSaysSo)
     DocumentStore documents({surroundings.scheduler, surroundings.notifications, surroundings.defaults, held, surroundings.watchers, {}},
                             {});
     AppDelegate application({{surroundings.scheduler, surroundings.notifications, surroundings.preferences, surroundings.pasteboard,
-                              surroundings.presenter, documents, held, surroundings.find},
+                              surroundings.presenter, documents, held, surroundings.find, surroundings.registers},
                              surroundings.defaults,
                              surroundings.desktop,
                              surroundings.session,

@@ -17,6 +17,7 @@
 #include "Platform/SpellChecker.h"
 #include "Text/FindState.h"
 #include "Text/RandomText.h"
+#include "Vim/VimRegisters.h"
 
 #include <QPointer>
 #include <QTemporaryDir>
@@ -98,8 +99,8 @@ struct Stage {
         documents.emplace(DocumentServices{scheduler, notifications, defaults, *workers, *watchers,
                                            [this](const QUuid &id) { session.discardDraft(id); }},
                           DocumentStore::AppearanceQuery());
-        const EditorServices editors{scheduler,  notifications, preferences, pasteboard, presenter,
-                                     *documents, *workers,      find,        &*speller,  &*spellingPanel};
+        const EditorServices editors{scheduler, notifications, preferences, pasteboard, presenter,      *documents,
+                                     *workers,  find,          registers,   &*speller,  &*spellingPanel};
         recent.emplace(QString(), *workers);
         application.emplace(WorkspaceServices{editors, defaults, desktop, session, *recent});
         preferences.setLanguageResolver(Localization::use);
@@ -118,6 +119,7 @@ struct Stage {
     SessionStore session{{data.path(), {}}, preferences};
     std::optional<DocumentStore> documents;
     FindState find;
+    VimRegisters registers{pasteboard, preferences};
     std::optional<SpellChecker> speller;
     std::optional<SpellingPanel> spellingPanel;
     RecordingDesktop desktop;

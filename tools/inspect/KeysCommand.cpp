@@ -4,6 +4,7 @@
 
 #include "App/AppDelegate.h"
 #include "App/MainMenu.h"
+#include "Editor/EditorVim.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "KeyWords.h"
 #include "Model/DocumentStore.h"
@@ -16,6 +17,7 @@
 #include "Platform/FirstResponder.h"
 #include "Platform/Pasteboard.h"
 #include "Text/FindState.h"
+#include "Vim/VimRegisters.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
@@ -55,10 +57,14 @@ public:
     SessionStore session{{SessionStore::Places::standard().rootDirectory, {}}, preferences};
     DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
     FindState find;
+    VimRegisters registers{pasteboard, preferences};
     RecordingDesktop desktop;
     RecentDocuments recent{QString(), workers};
-    AppDelegate application{
-        {{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find}, defaults, desktop, session, recent}};
+    AppDelegate application{{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers},
+                             defaults,
+                             desktop,
+                             session,
+                             recent}};
     QStringList actions;
     QStringList messages;
 };
@@ -128,10 +134,29 @@ QJsonObject commandStates(const Stage &stage, bool (*answer)(const ActionState &
     return states;
 }
 
+QJsonValue modeOf(const EditorVim *vim)
+{
+    static constexpr std::array<QStringView, 5> names = {u"normal", u"insert", u"visual", u"visualLine", u"commandLine"};
+    return vim ? QJsonValue(names[size_t(vim->engine().mode())].toString()) : QJsonValue();
+}
+
+QJsonObject registersOf(const VimRegisters &registers)
+{
+    const auto answer = [](const VimRegisterContents &contents) {
+        return QJsonObject{{u"text"_s, contents.text.toString()}, {u"isLinewise"_s, contents.isLinewise}};
+    };
+    QJsonObject all{{u"\""_s, answer(registers.unnamed())}};
+    for (const auto &[name, contents] : registers.named()) {
+        all[QString(QChar(name))] = answer(contents);
+    }
+    return all;
+}
+
 QJsonObject stateOf(MainWindowController &window, const Stage &stage)
 {
     WorkspaceViewController &workspace = window.workspace();
     const TextRange selected = workspace.currentEditor()->textView().selection().range();
+    const EditorVim *vim = workspace.currentEditor()->vim();
     QJsonArray alerts;
     for (const Alert &alert : stage.presenter.alerts()) {
         alerts << alert.messageText;
@@ -143,10 +168,11 @@ QJsonObject stateOf(MainWindowController &window, const Stage &stage)
     return {{u"text"_s, workspace.currentDocument()->storage().string()},
             {u"selection"_s, QJsonArray{selected.location, selected.length}},
             {u"isDirty"_s, workspace.currentDocument()->isDirty()},
-            {u"mode"_s, QJsonValue::Null},
-            {u"pending"_s, QString()},
-            {u"commandLine"_s, QJsonValue::Null},
-            {u"registers"_s, QJsonObject()},
+            {u"mode"_s, modeOf(vim)},
+            {u"pending"_s, vim ? vim->engine().pendingDescription() : QString()},
+            {u"commandLine"_s,
+             vim && vim->engine().mode() == VimEngine::Mode::commandLine ? QJsonValue(vim->engine().commandLineText()) : QJsonValue()},
+            {u"registers"_s, registersOf(stage.registers)},
             {u"clipboard"_s, stage.pasteboard.text()},
             {u"messages"_s, QJsonArray::fromStringList(stage.messages)},
             {u"actions"_s, QJsonArray::fromStringList(stage.actions)},

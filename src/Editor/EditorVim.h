@@ -1,0 +1,75 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Vim/VimEngine.h"
+
+#include <functional>
+#include <memory>
+
+class EditorTextView;
+class QInputMethodEvent;
+class QKeyEvent;
+
+/// The modal editing of one text view: what the view's keys are to the engine, and what the engine does to the view.
+///
+/// In normal and visual modes letters come from where they are on the keyboard, so that other scripts need no switching, and input methods
+/// are off, but for the character that `f`, `t` and `r` wait for. Control chords that the engine has no use for stay shortcuts.
+/// Main thread only.
+class EditorVim final : private VimTextView, private VimEngineDelegate {
+public:
+    struct Callbacks {
+        /// Mode, pending keys or command line are others.
+        std::function<void()> stateChanged;
+        /// A command line was entered.
+        std::function<void(const QString &command)> runCommand;
+        std::function<void()> beep;
+    };
+
+    /// `view` and `registers` must outlive it.
+    EditorVim(EditorTextView &view, VimRegisters &registers, VimKeymapPreset preset, Callbacks callbacks);
+    ~EditorVim();
+    Q_DISABLE_COPY_MOVE(EditorVim)
+
+    [[nodiscard]] VimEngine &engine() { return *m_engine; }
+    [[nodiscard]] const VimEngine &engine() const { return *m_engine; }
+
+    [[nodiscard]] bool wantsKey(const QKeyEvent &event) const;
+    /// True when the key is done with.
+    bool handleKey(const QKeyEvent &event);
+    /// True when what an input method typed is done with.
+    bool handleInputMethod(const QInputMethodEvent &event);
+    /// The view loses the keyboard, or something is undone in it: what is typed after that is another step of undo.
+    void breakInsertSession() { m_engine->pauseInsertSession(); }
+
+private:
+    [[nodiscard]] VimKeyEvent translated(const QKeyEvent &event) const;
+    void updateInputMethod();
+
+    [[nodiscard]] const Rope &text() const override;
+    [[nodiscard]] TextRange selectedRange() const override;
+    void select(TextRange range, qsizetype caret) override;
+    bool replace(std::span<const Edit> edits) override;
+    void insertText(const QString &text) override;
+    void undo() override;
+    void redo() override;
+    void beginUndoGroup() override;
+    void endUndoGroup() override;
+    [[nodiscard]] qsizetype visibleLineCount() const override;
+    [[nodiscard]] TextRange visibleRange() const override;
+    void centerSelection() override;
+    void revealSelection() override;
+    void showIndicator(TextRange range) override;
+    [[nodiscard]] QString indentationUnit() const override;
+    void toggleComment() override;
+    void setCaretLook(VimCaret look) override;
+    void perform(Selector action) override;
+    void beep() override;
+
+    void vimEngineRunsCommand(VimEngine &engine, const QString &command) override;
+    void vimEngineDidChangeState(VimEngine &engine) override;
+
+    EditorTextView &m_view;
+    Callbacks m_callbacks;
+    std::unique_ptr<VimEngine> m_engine;
+};

@@ -1,0 +1,462 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// What modal editing does to the text: operators, commands, registers, repeating.
+
+#include "Text/TextBoundaries.h"
+#include "Vim/VimEngine.h"
+#include "Vim/VimEngineTables.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A paste of more is refused: it would come from a mistyped count.
+constexpr qsizetype longestPaste = qsizetype(1) << 30;
+
+/// Upper case becomes lower, all else upper, character by character.
+QString withFlippedCase(const Rope &text)
+{
+    QString flipped;
+    for (qsizetype place = 0; place < text.length();) {
+        const qsizetype end = TextBoundaries::nextGrapheme(text, place);
+        const QString character = text.toString(TextRange::between(place, end));
+        const QString lower = character.toLower();
+        flipped += character == character.toUpper() && character != lower ? lower : character.toUpper();
+        place = end;
+    }
+    return flipped;
+}
+
+Rope repeatedText(const Rope &text, qsizetype count)
+{
+    Rope result;
+    Rope power = text;
+    for (qsizetype left = count; left > 0; left /= 2) {
+        if (left % 2 == 1) {
+            result.replace({result.length(), 0}, power);
+        }
+        power.replace({power.length(), 0}, Rope(power));
+    }
+    return result;
+}
+
+bool endsWithBreak(const Rope &text)
+{
+    return !text.isEmpty() && text.at(text.length() - 1) == u'\n';
+}
+
+} // namespace
+
+const std::array<VimEngine::OperatorRow, 8> VimEngine::Tables::operators = {{
+    {OperatorKind::remove, u'd'},
+    {OperatorKind::change, u'c'},
+    {OperatorKind::yank, u'y'},
+    {OperatorKind::indent, u'>'},
+    {OperatorKind::outdent, u'<'},
+    {OperatorKind::lowercase, u'u', true},
+    {OperatorKind::uppercase, u'U', true},
+    {OperatorKind::toggleCase, u'~', true},
+}};
+
+const std::array<VimEngine::PrefixRow, 9> VimEngine::Tables::prefixKeys = {{
+    {u'"', {.what = Awaiting::registerName}},
+    {u'g', {.what = Awaiting::gPrefix}},
+    {u'z', {.what = Awaiting::zPrefix}},
+    {u'f', {.what = Awaiting::findCharacter, .find = VimMotion::FindKind::forwardTo}},
+    {u't', {.what = Awaiting::findCharacter, .find = VimMotion::FindKind::forwardBefore}},
+    {u'F', {.what = Awaiting::findCharacter, .find = VimMotion::FindKind::backwardTo}},
+    {u'T', {.what = Awaiting::findCharacter, .find = VimMotion::FindKind::backwardBefore}},
+    {u'`', {.what = Awaiting::gotoMark, .isExact = true}},
+    {u'\'', {.what = Awaiting::gotoMark}},
+}};
+
+const std::array<VimEngine::ControlRow, 6> VimEngine::Tables::controlKeys = {{
+    {u'r', [](VimEngine &engine) { engine.m_view.redo(); }},
+    {u'd', [](VimEngine &engine) { engine.scrollLines(engine.m_view.visibleLineCount() / 2); }},
+    {u'u', [](VimEngine &engine) { engine.scrollLines(-(engine.m_view.visibleLineCount() / 2)); }},
+    {u'f', [](VimEngine &engine) { engine.scrollLines(engine.m_view.visibleLineCount()); }},
+    {u'b', [](VimEngine &engine) { engine.scrollLines(-engine.m_view.visibleLineCount()); }},
+    {u'w',
+     [](VimEngine &engine) {
+         engine.m_awaiting = Awaited{.what = Awaiting::windowPrefix};
+         engine.m_pendingKeys = u"^w"_s;
+         engine.notify();
+     }},
+}};
+
+const std::array<VimEngine::CommandRow, 35> VimEngine::Tables::commands = {{
+    {u'i', [](VimEngine &engine, qsizetype) { engine.enterInsert(engine.caret()); }},
+    {u'a',
+     [](VimEngine &engine, qsizetype) {
+         const qsizetype place = engine.caret();
+         engine.enterInsert(std::min(engine.charactersFrom(place, 1).end(), engine.buffer().lineContentEnd(place)));
+     }},
+    {u'I', [](VimEngine &engine, qsizetype) { engine.enterInsert(engine.buffer().firstNonBlank(engine.caret())); }},
+    {u'A', [](VimEngine &engine, qsizetype) { engine.enterInsert(engine.buffer().lineContentEnd(engine.caret())); }},
+    {u'o', [](VimEngine &engine, qsizetype) { engine.openLine(Side::after); }},
+    {u'O', [](VimEngine &engine, qsizetype) { engine.openLine(Side::before); }},
+    {u'x',
+     [](VimEngine &engine, qsizetype count) {
+         engine.apply(OperatorKind::remove, engine.charactersFrom(engine.caret(), count), Span::characters);
+     }},
+    {u'X',
+     [](VimEngine &engine, qsizetype count) {
+         const qsizetype place = engine.caret();
+         const qsizetype start = std::max(place - count, engine.buffer().lineStart(place));
+         engine.apply(OperatorKind::remove, TextRange::between(start, place), Span::characters);
+     }},
+    {u'D',
+     [](VimEngine &engine, qsizetype) {
+         const qsizetype place = engine.caret();
+         const qsizetype end = std::max(engine.buffer().lineContentEnd(place), place);
+         engine.apply(OperatorKind::remove, TextRange::between(place, end), Span::characters);
+     }},
+    {u'C',
+     [](VimEngine &engine, qsizetype) {
+         const qsizetype place = engine.caret();
+         const qsizetype end = std::max(engine.buffer().lineContentEnd(place), place);
+         engine.apply(OperatorKind::change, TextRange::between(place, end), Span::characters);
+     }},
+    {u's',
+     [](VimEngine &engine, qsizetype count) {
+         engine.apply(OperatorKind::change, engine.charactersFrom(engine.caret(), count), Span::characters);
+     }},
+    {u'S', [](VimEngine &engine, qsizetype count) { engine.applyLinewiseOperator(OperatorKind::change, count); }},
+    {u'Y', [](VimEngine &engine, qsizetype count) { engine.applyLinewiseOperator(OperatorKind::yank, count); }},
+    {u'r', [](VimEngine &engine, qsizetype) { engine.m_awaiting = Awaited{.what = Awaiting::replaceCharacter}; }},
+    {u'~', [](VimEngine &engine, qsizetype count) { engine.toggleCaseUnderCaret(count); }},
+    {u'J', [](VimEngine &engine, qsizetype count) { engine.joinLines(std::max<qsizetype>(count, 2)); }},
+    {u'p', [](VimEngine &engine, qsizetype count) { engine.paste(Side::after, count); }},
+    {u'P', [](VimEngine &engine, qsizetype count) { engine.paste(Side::before, count); }},
+    {u'u',
+     [](VimEngine &engine, qsizetype) {
+         engine.m_view.undo();
+         engine.moveCaret(engine.m_view.selectedRange().location);
+         engine.resetPending();
+     }},
+    {u'v', [](VimEngine &engine, qsizetype) { engine.toggleVisual(Mode::visual); }},
+    {u'V', [](VimEngine &engine, qsizetype) { engine.toggleVisual(Mode::visualLine); }},
+    {u'.', [](VimEngine &engine, qsizetype) { engine.repeatLastChange(); }},
+    {u':', [](VimEngine &engine, qsizetype) { engine.beginCommandLine(u':'); }},
+    {u'/', [](VimEngine &engine, qsizetype) { engine.beginCommandLine(u'/'); }},
+    {u'?', [](VimEngine &engine, qsizetype) { engine.beginCommandLine(u'?'); }},
+    {u'n', [](VimEngine &engine, qsizetype) { engine.repeatSearch(false); }},
+    {u'N', [](VimEngine &engine, qsizetype) { engine.repeatSearch(true); }},
+    {u'*', [](VimEngine &engine, qsizetype) { engine.searchWordUnderCaret(SearchDirection::forward); }},
+    {u'#', [](VimEngine &engine, qsizetype) { engine.searchWordUnderCaret(SearchDirection::backward); }},
+    {u'm', [](VimEngine &engine, qsizetype) { engine.m_awaiting = Awaited{.what = Awaiting::setMark}; }},
+    {u'd', [](VimEngine &engine, qsizetype) { engine.applyToSelection(OperatorKind::remove); }, CommandRow::Modes::visual},
+    {u'c', [](VimEngine &engine, qsizetype) { engine.applyToSelection(OperatorKind::change); }, CommandRow::Modes::visual},
+    {u'y', [](VimEngine &engine, qsizetype) { engine.applyToSelection(OperatorKind::yank); }, CommandRow::Modes::visual},
+    {u'>', [](VimEngine &engine, qsizetype) { engine.applyToSelection(OperatorKind::indent); }, CommandRow::Modes::visual},
+    {u'<', [](VimEngine &engine, qsizetype) { engine.applyToSelection(OperatorKind::outdent); }, CommandRow::Modes::visual},
+}};
+
+// Editing
+
+bool VimEngine::edit(TextRange range, const Rope &text)
+{
+    const VimTextView::Edit change{wholeCharacters(m_view.text(), range.clampedTo(m_view.text().length())), text};
+    const bool isDone = m_view.replace({&change, 1});
+    m_changedBuffer = m_changedBuffer || isDone;
+    return isDone;
+}
+
+TextRange VimEngine::charactersFrom(qsizetype caret, qsizetype count) const
+{
+    const qsizetype end = std::min(caret + count, buffer().lineContentEnd(caret));
+    return wholeCharacters(m_view.text(), TextRange::between(caret, std::max(end, caret)));
+}
+
+QString VimEngine::leadingWhitespace(qsizetype offset) const
+{
+    VimBuffer text = buffer();
+    const qsizetype start = text.lineStart(offset);
+    qsizetype end = start;
+    while (end < text.length() && isSpaceOrTab(text.at(end))) {
+        ++end;
+    }
+    return text.text().toString(TextRange::between(start, end));
+}
+
+void VimEngine::store(TextRange range, Span span)
+{
+    m_registers.set({.text = m_view.text().slice(range), .isLinewise = span == Span::lines}, m_pendingRegister);
+}
+
+// Operators
+
+void VimEngine::apply(OperatorKind kind, TextRange given, Span span)
+{
+    const TextRange range = wholeCharacters(m_view.text(), given);
+    if (kind == OperatorKind::change) {
+        changeRange(range, span);
+        return;
+    }
+    if (!range.isEmpty()) {
+        switch (kind) {
+        case OperatorKind::remove:
+            store(range, span);
+            edit(range, Rope());
+            moveCaret(span == Span::lines ? buffer().firstNonBlank(range.location) : range.location);
+            break;
+        case OperatorKind::yank:
+            store(range, span);
+            moveCaret(range.location);
+            break;
+        case OperatorKind::indent:
+        case OperatorKind::outdent:
+            shiftLines(range, kind);
+            break;
+        case OperatorKind::lowercase:
+        case OperatorKind::uppercase:
+        case OperatorKind::toggleCase:
+            changeCase(range, kind);
+            break;
+        case OperatorKind::change:
+            break;
+        }
+    }
+    resetPending();
+}
+
+void VimEngine::applyLinewiseOperator(OperatorKind kind, qsizetype count)
+{
+    const VimBuffer text = buffer();
+    const qsizetype last = text.line(caret(), count - 1).value_or(text.lastLineStart());
+    apply(kind, linewiseRange(caret(), std::max(last, caret())), Span::lines);
+}
+
+void VimEngine::applyToSelection(OperatorKind kind)
+{
+    const Span span = m_mode == Mode::visualLine ? Span::lines : Span::characters;
+    const TextRange selected = m_view.selectedRange();
+    setMode(Mode::normal);
+    m_visualHead = selected.location;
+    m_view.select({selected.location, 0}, selected.location);
+    apply(kind, selected, span);
+}
+
+void VimEngine::changeRange(TextRange range, Span span)
+{
+    const QString indentation = span == Span::lines ? leadingWhitespace(range.location) : QString();
+    if (!range.isEmpty()) {
+        store(range, span);
+    }
+    beginInsertSession();
+    if (span == Span::lines) {
+        edit(range, Rope(QString(indentation + u'\n')));
+    } else if (!range.isEmpty()) {
+        edit(range, Rope());
+    }
+    moveCaret(range.location + indentation.size());
+    resetPending();
+}
+
+void VimEngine::shiftLines(TextRange range, OperatorKind kind)
+{
+    VimBuffer text = buffer();
+    const QString unit = m_view.indentationUnit();
+    std::vector<VimTextView::Edit> edits;
+    const qsizetype last = std::max(range.end() - 1, range.location);
+    for (TextRange line = text.lineRange(range.location);; line = text.lineRange(line.end())) {
+        if (kind == OperatorKind::indent) {
+            if (!text.isEmptyLine(line)) {
+                edits.push_back({{line.location, 0}, Rope(unit)});
+            }
+        } else {
+            qsizetype removed = 0;
+            if (!line.isEmpty() && text.at(line.location) == u'\t') {
+                removed = 1;
+            } else {
+                while (removed < std::min(unit.size(), line.length) && text.at(line.location + removed) == u' ') {
+                    ++removed;
+                }
+            }
+            if (removed > 0) {
+                edits.push_back({{line.location, removed}, Rope()});
+            }
+        }
+        if (line.end() > last || line.end() >= text.length()) {
+            break;
+        }
+    }
+    if (!edits.empty() && m_view.replace(edits)) {
+        m_changedBuffer = true;
+    }
+    VimBuffer after = buffer();
+    moveCaret(after.firstNonBlank(range.location));
+}
+
+void VimEngine::changeCase(TextRange range, OperatorKind kind)
+{
+    const Rope text = m_view.text().slice(range);
+    const QString changed = kind == OperatorKind::toggleCase  ? withFlippedCase(text)
+                            : kind == OperatorKind::uppercase ? text.toString().toUpper()
+                                                              : text.toString().toLower();
+    edit(range, Rope(changed));
+    moveCaret(range.location);
+}
+
+// Commands
+
+void VimEngine::enterInsert(qsizetype place)
+{
+    beginInsertSession();
+    moveCaret(place);
+    resetPending();
+}
+
+void VimEngine::openLine(Side side)
+{
+    const TextRange line = buffer().lineRange(caret());
+    const QString indentation = leadingWhitespace(line.location);
+    const qsizetype place = side == Side::after ? line.end() : line.location;
+    beginInsertSession();
+    edit({place, 0}, Rope(QString(indentation + u'\n')));
+    moveCaret(place + indentation.size());
+    resetPending();
+}
+
+void VimEngine::toggleCaseUnderCaret(qsizetype count)
+{
+    const TextRange range = charactersFrom(caret(), count);
+    if (!range.isEmpty()) {
+        const QString flipped = withFlippedCase(m_view.text().slice(range));
+        edit(range, Rope(flipped));
+        moveCaret(range.location + flipped.size());
+    }
+    resetPending();
+}
+
+void VimEngine::joinLines(qsizetype count)
+{
+    m_view.beginUndoGroup();
+    for (qsizetype joined = 1; joined < count; ++joined) {
+        VimBuffer text = buffer();
+        const TextRange line = text.lineRange(caret());
+        const qsizetype end = text.lineContentEnd(line.location);
+        if (end >= line.end() || line.end() >= text.length()) {
+            break;
+        }
+        qsizetype next = line.end();
+        while (next < text.length() && isSpaceOrTab(text.at(next))) {
+            ++next;
+        }
+        const bool isGlued = end == line.location || isSpaceOrTab(text.at(end - 1)) ||
+                             (next < text.length() && (text.at(next) == u'\n' || text.at(next) == u'\r'));
+        if (!edit(TextRange::between(end, next), Rope(isGlued ? u""_s : u" "_s))) {
+            break;
+        }
+        moveCaret(end);
+    }
+    m_view.endUndoGroup();
+    resetPending();
+}
+
+void VimEngine::replaceCharacter(QStringView key, qsizetype count)
+{
+    const TextRange range = charactersFrom(caret(), count);
+    if (!range.isEmpty()) {
+        edit(range, repeatedText(Rope(key), range.length));
+        moveCaret(range.end() - 1);
+    }
+    resetPending();
+}
+
+void VimEngine::paste(Side side, qsizetype count)
+{
+    const VimRegisterContents contents = m_registers.contents(m_pendingRegister);
+    if (contents.text.length() > longestPaste / count) {
+        m_view.beep();
+    } else if (!contents.text.isEmpty()) {
+        Rope text = repeatedText(contents.text, count);
+        VimBuffer before = buffer();
+        if (contents.isLinewise) {
+            if (!endsWithBreak(text)) {
+                text.replace({text.length(), 0}, u"\n");
+            }
+            const TextRange line = before.lineRange(caret());
+            const qsizetype place = side == Side::after ? line.end() : line.location;
+            edit({place, 0}, text);
+            moveCaret(buffer().firstNonBlank(place));
+        } else {
+            const qsizetype place = side == Side::after ? charactersFrom(caret(), 1).end() : caret();
+            edit({place, 0}, text);
+            moveCaret(place + text.length() - 1);
+        }
+    }
+    resetPending();
+}
+
+void VimEngine::repeatLastChange()
+{
+    resetPending();
+    if (m_isReplaying || !m_lastChangeKeys) {
+        return;
+    }
+    m_isReplaying = true;
+    m_view.beginUndoGroup();
+    const QString keys = *m_lastChangeKeys;
+    for (qsizetype place = 0; place < keys.size();) {
+        const qsizetype length = keys[place].isHighSurrogate() && place + 1 < keys.size() ? 2 : 1;
+        handleNormal(QStringView(keys).sliced(place, length));
+        place += length;
+    }
+    if (m_mode == Mode::insert) {
+        if (m_lastChangeInsertedText && !m_lastChangeInsertedText->isEmpty()) {
+            m_view.insertText(*m_lastChangeInsertedText);
+        }
+        leaveToNormal();
+    }
+    m_view.endUndoGroup();
+    m_isReplaying = false;
+}
+
+// For key maps
+
+void VimEngine::toggleCommentFromKeymap()
+{
+    m_view.toggleComment();
+    if (isVisual()) {
+        setMode(Mode::normal);
+    }
+    moveCaret(m_view.selectedRange().location);
+    resetPending();
+}
+
+void VimEngine::moveLines(int by)
+{
+    const VimBuffer text = buffer();
+    const TextRange selected = m_view.selectedRange();
+    const TextRange block =
+        isVisual() ? linewiseRange(selected.location, std::max(selected.end() - 1, selected.location)) : text.lineRange(caret());
+    const bool isUp = by < 1;
+    if (isUp ? block.location == 0 : block.end() >= text.length()) {
+        resetPending();
+        return;
+    }
+    const TextRange other = text.lineRange(isUp ? block.location - 1 : block.end());
+    const TextRange whole = block.united(other);
+    Rope upper = text.text().slice(isUp ? block : other);
+    const bool hasBreak = endsWithBreak(upper);
+    if (!hasBreak) {
+        upper.replace({upper.length(), 0}, u"\n");
+    }
+    const qsizetype upperLength = upper.length();
+    upper.replace({upper.length(), 0}, text.text().slice(isUp ? other : block));
+    if (!hasBreak) {
+        upper.replace({upper.length() - 1, 1}, QStringView());
+    }
+    const qsizetype start = isUp ? whole.location : whole.location + upperLength;
+    const bool wasVisual = isVisual();
+    edit(whole, upper);
+    if (wasVisual) {
+        m_visualAnchor = start;
+        moveCaret(std::max(start + block.length - 1, start));
+    } else {
+        moveCaret(buffer().firstNonBlank(start));
+    }
+    resetPending();
+}

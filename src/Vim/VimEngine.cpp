@@ -1,0 +1,479 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// Keys, modes and what is pending. What keys do to the text is in VimCommands.cpp, where they lead in VimEngineMotions.cpp.
+
+#include "Vim/VimEngine.h"
+
+#include "Vim/VimEngineTables.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype largestCount = 1'000'000'000;
+
+qsizetype numberIn(const QString &digits, qsizetype otherwise)
+{
+    bool isNumber = false;
+    const qlonglong number = digits.toLongLong(&isNumber);
+    return isNumber ? std::min<qsizetype>(number, largestCount) : otherwise;
+}
+
+} // namespace
+
+QString displayName(VimEngine::Mode mode)
+{
+    static constexpr std::array<QStringView, 5> names = {u"NORMAL", u"INSERT", u"VISUAL", u"V-LINE", u"COMMAND"};
+    static_assert(names.size() == size_t(VimEngine::Mode::commandLine) + 1);
+    return names[size_t(mode)].toString();
+}
+
+VimEngine::VimEngine(VimTextView &view, VimEngineDelegate &delegate, VimRegisters &registers, VimKeymapPreset preset)
+    : m_view(view), m_delegate(delegate), m_registers(registers), m_keymap(preset)
+{
+    m_view.setCaretLook(VimCaret::block);
+}
+
+VimEngine::~VimEngine()
+{
+    pauseInsertSession();
+    m_view.setCaretLook(VimCaret::bar);
+}
+
+// Keys
+
+bool VimEngine::handle(const VimKeyEvent &event)
+{
+    const QString &characters = event.charactersIgnoringModifiers;
+    const char16_t key = characters.isEmpty() ? 0 : characters.front().unicode();
+    if ((characters.size() == 1 && key == VimKey::escape) || (event.control && characters == u"["_s)) {
+        leaveToNormal();
+        return true;
+    }
+    if (m_mode == Mode::insert) {
+        return handleInsert(event);
+    }
+    if (m_mode == Mode::commandLine) {
+        handleCommandLine(event);
+        return true;
+    }
+    if (characters.isEmpty()) {
+        return true;
+    }
+    const VimKeyStroke stroke{.character = key, .control = event.control, .option = event.option};
+    const auto outcome = m_keymap.consume(stroke, isVisual() ? VimKeymap::Table::visual : VimKeymap::Table::normal);
+    if (const auto *action = std::get_if<VimKeymapAction>(&outcome)) {
+        perform(*action);
+    } else if (std::holds_alternative<VimKeymap::Pending>(outcome)) {
+        notify();
+    } else if (const auto &strokes = std::get<VimKeymap::Passthrough>(outcome); strokes != VimKeymap::Passthrough{stroke}) {
+        for (const VimKeyStroke &earlier : strokes) {
+            handleStroke(earlier, QString(QChar(earlier.character)));
+        }
+    } else {
+        handleStroke(stroke, characters);
+    }
+    return true;
+}
+
+bool VimEngine::wants(const VimKeyEvent &event) const
+{
+    const QString &characters = event.charactersIgnoringModifiers;
+    if (characters.isEmpty()) {
+        return false;
+    }
+    const char16_t key = characters.front().unicode();
+    if (key == VimKey::escape || (event.control && key == u'[')) {
+        return true;
+    }
+    switch (m_mode) {
+    case Mode::insert:
+        return event.control && key == u'c';
+    case Mode::commandLine:
+        return !event.control || !event.characters.isEmpty();
+    case Mode::normal:
+    case Mode::visual:
+    case Mode::visualLine:
+        break;
+    }
+    const VimKeyStroke stroke{.character = key, .control = event.control, .option = event.option};
+    if (m_keymap.isWaiting() || m_keymap.wants(stroke, isVisual() ? VimKeymap::Table::visual : VimKeymap::Table::normal)) {
+        return true;
+    }
+    return event.control ? isControlKey(key) : !event.option;
+}
+
+void VimEngine::handleStroke(const VimKeyStroke &stroke, QStringView key)
+{
+    if (stroke.control) {
+        handleControl(stroke.character);
+        return;
+    }
+    const auto row = std::ranges::find(Tables::navigationKeys, stroke.character, &Tables::NavigationRow::key);
+    if (row == Tables::navigationKeys.end()) {
+        handleNormal(key);
+    } else if (row->isControl) {
+        handleControl(row->standsFor);
+    } else {
+        handleNormal(QStringView(&row->standsFor, 1));
+    }
+}
+
+void VimEngine::perform(const VimKeymapAction &action)
+{
+    resetPending();
+    if (const auto *selector = std::get_if<Selector>(&action)) {
+        m_view.perform(*selector);
+    } else {
+        (this->*std::get<void (VimEngine::*)()>(action))();
+    }
+    notify();
+}
+
+bool VimEngine::handleInsert(const VimKeyEvent &event)
+{
+    if (event.control) {
+        const bool isEnd = event.charactersIgnoringModifiers == u"c"_s;
+        if (isEnd) {
+            leaveToNormal();
+        }
+        return isEnd;
+    }
+    noteInsertedText(event.characters);
+    return false;
+}
+
+void VimEngine::noteInsertedText(const QString &text)
+{
+    if (m_mode == Mode::insert) {
+        m_insertedText += text;
+    }
+}
+
+void VimEngine::handleControl(char16_t key)
+{
+    const auto row = std::ranges::find(Tables::controlKeys, key, &ControlRow::key);
+    if (row != Tables::controlKeys.end()) {
+        row->perform(*this);
+    }
+}
+
+bool VimEngine::isControlKey(char16_t key)
+{
+    // Control-c ends the insert mode, and is to do no harm when it is pressed once too often.
+    return key == u'c' || std::ranges::find(Tables::controlKeys, key, &ControlRow::key) != Tables::controlKeys.end();
+}
+
+void VimEngine::handleNormal(QStringView key)
+{
+    m_pendingKeys += key;
+    notify();
+    const char16_t unit = key.size() == 1 ? key.front().unicode() : 0;
+    if (m_awaiting) {
+        complete(*std::exchange(m_awaiting, std::nullopt), key);
+        return;
+    }
+    if (!takeCountOrPrefix(unit) && !takeOperator(unit) && !executeMotion(unit) && !executeCommand(unit)) {
+        resetPending();
+    }
+}
+
+bool VimEngine::takeCountOrPrefix(char16_t key)
+{
+    QString &digits = m_pendingOperator ? m_operatorCountBuffer : m_countBuffer;
+    if (key >= u'0' && key <= u'9' && (key != u'0' || !digits.isEmpty())) {
+        digits += QChar(key);
+        return true;
+    }
+    if (const auto row = std::ranges::find(Tables::prefixKeys, key, &PrefixRow::key); row != Tables::prefixKeys.end()) {
+        m_awaiting = row->awaited;
+        return true;
+    }
+    if ((key == u'i' || key == u'a') && (m_pendingOperator || isVisual())) {
+        m_awaiting =
+            Awaited{.what = Awaiting::textObject, .extent = key == u'a' ? VimTextObject::Extent::around : VimTextObject::Extent::inner};
+        return true;
+    }
+    return false;
+}
+
+bool VimEngine::takeOperator(char16_t key)
+{
+    if (m_pendingOperator) {
+        const auto row = std::ranges::find(Tables::operators, *m_pendingOperator, &OperatorRow::kind);
+        if (row->key != key) {
+            return false;
+        }
+        applyLinewiseOperator(row->kind, effectiveCount());
+        return true;
+    }
+    const auto row = std::ranges::find(Tables::operators, key, &OperatorRow::key);
+    if (m_mode != Mode::normal || row == Tables::operators.end() || row->followsG) {
+        return false;
+    }
+    m_pendingOperator = row->kind;
+    return true;
+}
+
+bool VimEngine::executeCommand(char16_t key)
+{
+    const auto row = std::ranges::find_if(Tables::commands, [&](const CommandRow &command) {
+        return command.key == key && (command.modes == CommandRow::Modes::all || isVisual());
+    });
+    if (row == Tables::commands.end()) {
+        return false;
+    }
+    row->perform(*this, effectiveCount());
+    return true;
+}
+
+// What a key completes
+
+void VimEngine::complete(const Awaited &awaited, QStringView key)
+{
+    const char16_t unit = key.size() == 1 ? key.front().unicode() : 0;
+    switch (awaited.what) {
+    case Awaiting::findCharacter:
+        if (unit == 0) {
+            resetPending(); // one unit is compared with another
+            return;
+        }
+        m_lastFind = LastFind{unit, awaited.find};
+        findOnLine(unit, awaited.find);
+        return;
+    case Awaiting::gotoMark:
+        goToMark(key.toString(), awaited.isExact);
+        return;
+    case Awaiting::textObject:
+        takeObject(awaited.extent, unit);
+        return;
+    case Awaiting::replaceCharacter:
+        replaceCharacter(key, effectiveCount());
+        return;
+    case Awaiting::setMark:
+        m_marks[key.toString()] = caret();
+        resetPending();
+        return;
+    case Awaiting::registerName:
+        m_pendingRegister = unit;
+        return;
+    case Awaiting::gPrefix:
+        completeG(unit);
+        return;
+    case Awaiting::zPrefix:
+        if (unit == u'z') {
+            m_view.centerSelection();
+        } else if (unit == u't' || unit == u'b') {
+            m_view.revealSelection();
+        }
+        resetPending();
+        return;
+    case Awaiting::windowPrefix:
+        completeWindow(unit);
+        return;
+    }
+}
+
+void VimEngine::completeG(char16_t key)
+{
+    if (key == u'g') {
+        goToLine(effectiveCount(), 0);
+        return;
+    }
+    const auto row =
+        std::ranges::find_if(Tables::operators, [key](const OperatorRow &known) { return known.followsG && known.key == key; });
+    if (row != Tables::operators.end() && !m_pendingOperator) {
+        m_pendingOperator = row->kind;
+    } else {
+        resetPending();
+    }
+}
+
+void VimEngine::completeWindow(char16_t key)
+{
+    resetPending();
+    const auto row = std::ranges::find(Tables::windowKeys, key, &Tables::WindowRow::key);
+    if (row == Tables::windowKeys.end()) {
+        m_view.beep();
+    } else {
+        m_view.perform(row->action);
+    }
+}
+
+void VimEngine::takeObject(VimTextObject::Extent extent, char16_t key)
+{
+    VimBuffer text = buffer();
+    const auto object = VimTextObject::range(text, caret(), key, extent, effectiveCount());
+    if (!object) {
+        resetPending();
+    } else if (m_pendingOperator) {
+        apply(*m_pendingOperator, object->range, object->linewise ? Span::lines : Span::characters);
+    } else {
+        m_visualAnchor = object->range.location;
+        moveCaret(std::max(object->range.end() - 1, object->range.location));
+        resetPending();
+    }
+}
+
+// State
+
+void VimEngine::setKeymap(VimKeymapPreset preset)
+{
+    m_keymap = VimKeymap(preset);
+}
+
+void VimEngine::notify()
+{
+    m_delegate.vimEngineDidChangeState(*this);
+}
+
+void VimEngine::setMode(Mode mode)
+{
+    if (m_mode == mode) {
+        return;
+    }
+    m_mode = mode;
+    m_view.setCaretLook(mode == Mode::insert ? VimCaret::bar : VimCaret::block);
+    notify();
+}
+
+bool VimEngine::awaitsCharacter() const
+{
+    return m_awaiting && (m_awaiting->what == Awaiting::findCharacter || m_awaiting->what == Awaiting::replaceCharacter);
+}
+
+QString VimEngine::pendingDescription() const
+{
+    return m_keymap.isWaiting() ? m_keymap.pendingDescription() : m_pendingKeys;
+}
+
+qsizetype VimEngine::effectiveCount() const
+{
+    const qsizetype count = std::max<qsizetype>(numberIn(m_countBuffer, 1), 1);
+    return std::min(largestCount, std::max<qsizetype>(count * numberIn(m_operatorCountBuffer, 1), 1));
+}
+
+void VimEngine::clearPending()
+{
+    m_countBuffer.clear();
+    m_operatorCountBuffer.clear();
+    m_pendingOperator.reset();
+    m_pendingRegister.reset();
+    m_awaiting.reset();
+    m_pendingKeys.clear();
+    notify();
+}
+
+void VimEngine::resetPending()
+{
+    if (m_changedBuffer && !m_isReplaying && m_mode != Mode::insert) {
+        m_lastChangeKeys = m_pendingKeys;
+        m_lastChangeInsertedText.reset();
+    }
+    m_changedBuffer = false;
+    clearPending();
+}
+
+qsizetype VimEngine::caret() const
+{
+    return isVisual() ? m_visualHead : m_view.selectedRange().location;
+}
+
+void VimEngine::moveCaret(qsizetype target, Keep keep)
+{
+    VimBuffer text = buffer();
+    const qsizetype place = m_mode == Mode::normal ? text.clampToNormalMode(target) : std::clamp<qsizetype>(target, 0, text.length());
+    if (isVisual()) {
+        updateVisualSelection(place);
+    } else {
+        m_view.select({place, 0}, place);
+    }
+    if (keep == Keep::nothing) {
+        m_desiredColumn = place - text.lineStart(place);
+    }
+}
+
+void VimEngine::leaveToNormal()
+{
+    if (m_mode == Mode::insert) {
+        endInsertSession();
+        moveCaret(std::max<qsizetype>(caret() - 1, 0));
+    }
+    m_keymap.forget();
+    m_commandLineText.clear();
+    clearPending();
+    setMode(Mode::normal);
+    moveCaret(m_view.selectedRange().location);
+}
+
+// Insert sessions
+
+/// What the command itself changes first belongs to the session as well.
+void VimEngine::beginInsertSession()
+{
+    m_insertCommandKeys = m_pendingKeys;
+    m_insertedText.clear();
+    setMode(Mode::insert);
+    resumeInsertSession();
+}
+
+void VimEngine::endInsertSession()
+{
+    if (!m_isReplaying) {
+        m_lastChangeKeys = m_insertCommandKeys;
+        m_lastChangeInsertedText = m_insertedText;
+    }
+    m_insertedText.clear();
+    m_changedBuffer = false;
+    pauseInsertSession();
+}
+
+void VimEngine::pauseInsertSession()
+{
+    if (std::exchange(m_isInUndoGroup, false)) {
+        m_view.endUndoGroup();
+    }
+}
+
+void VimEngine::resumeInsertSession()
+{
+    if (m_mode == Mode::insert && !std::exchange(m_isInUndoGroup, true)) {
+        m_view.beginUndoGroup();
+    }
+}
+
+// Visual modes
+
+void VimEngine::enterVisual(Mode mode)
+{
+    m_visualAnchor = caret();
+    m_visualHead = m_visualAnchor;
+    setMode(mode);
+    updateVisualSelection(m_visualHead);
+    resetPending();
+}
+
+void VimEngine::toggleVisual(Mode mode)
+{
+    if (m_mode != mode) {
+        enterVisual(mode);
+        return;
+    }
+    const qsizetype head = m_visualHead;
+    setMode(Mode::normal);
+    moveCaret(head);
+    resetPending();
+}
+
+void VimEngine::updateVisualSelection(qsizetype head)
+{
+    m_visualHead = head;
+    const Rope &text = m_view.text();
+    const qsizetype low = std::min(m_visualAnchor, head);
+    const qsizetype high = std::max(m_visualAnchor, head);
+    const TextRange selected = m_mode == Mode::visualLine
+                                   ? linewiseRange(low, high)
+                                   : wholeCharacters(text, TextRange::between(low, std::min(high + 1, text.length())));
+    m_view.select(selected, head);
+}

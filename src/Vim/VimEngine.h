@@ -1,0 +1,220 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Vim/VimKeymap.h"
+#include "Vim/VimMotion.h"
+#include "Vim/VimRegisters.h"
+#include "Vim/VimTextObject.h"
+#include "Vim/VimTextView.h"
+
+#include <map>
+#include <optional>
+#include <variant>
+
+class VimEngine;
+
+/// What an engine tells the editor that has it.
+class VimEngineDelegate {
+public:
+    /// A command line was entered; without its ":".
+    virtual void vimEngineRunsCommand(VimEngine &engine, const QString &command) = 0;
+    /// Mode, pending keys or command line are others.
+    virtual void vimEngineDidChangeState(VimEngine &engine) = 0;
+
+protected:
+    ~VimEngineDelegate() = default;
+};
+
+/// Turns keys into modal editing of one text view. It reads and changes the text through that view alone, so undo, colours and other views
+/// follow. The caret is the moving end of a visual selection, else where the view's selection begins; every position is in UTF-16 units.
+///
+/// A command is what was typed since the last reset: count, register, operator, its count, motion or object. Whatever ends it, done or
+/// cancelled, ends in resetPending(), which also keeps the keys of one that changed the text, for ".". Marks are plain offsets.
+/// Main thread only.
+class VimEngine final {
+public:
+    enum class Mode { normal, insert, visual, visualLine, commandLine };
+    enum class OperatorKind { remove, change, yank, indent, outdent, lowercase, uppercase, toggleCase };
+
+    /// All must outlive the engine.
+    VimEngine(VimTextView &view, VimEngineDelegate &delegate, VimRegisters &registers, VimKeymapPreset preset);
+    ~VimEngine();
+    Q_DISABLE_COPY_MOVE(VimEngine)
+
+    /// True when the key is done with; false leaves it to the view.
+    bool handle(const VimKeyEvent &event);
+    /// Whether handle() has a use for a key, which otherwise is a shortcut's.
+    [[nodiscard]] bool wants(const VimKeyEvent &event) const;
+
+    [[nodiscard]] Mode mode() const { return m_mode; }
+    /// The next key is taken as the character that it types, composed or of any script, rather than as a command.
+    [[nodiscard]] bool awaitsCharacter() const;
+    [[nodiscard]] bool takesText() const { return m_mode == Mode::insert || m_mode == Mode::commandLine; }
+    /// Of a key map's, else of a command's keys so far.
+    [[nodiscard]] QString pendingDescription() const;
+    [[nodiscard]] const QString &pendingKeys() const { return m_pendingKeys; }
+    [[nodiscard]] char16_t commandLinePrefix() const { return m_commandLinePrefix; }
+    [[nodiscard]] const QString &commandLineText() const { return m_commandLineText; }
+
+    void setKeymap(VimKeymapPreset preset);
+    /// What Escape does.
+    void leaveToNormal();
+    /// An input method typed `text` while in insert mode.
+    void noteInsertedText(const QString &text);
+    /// The changes of an insert session are one step of undo, until the view loses the keyboard or somebody undoes in between.
+    void pauseInsertSession();
+    void resumeInsertSession();
+
+    void toggleCommentFromKeymap();
+    void moveLinesDown() { moveLines(1); }
+    void moveLinesUp() { moveLines(-1); }
+
+private:
+    enum class Awaiting {
+        findCharacter,
+        gotoMark,
+        textObject,
+        replaceCharacter,
+        setMark,
+        registerName,
+        gPrefix,
+        zPrefix,
+        windowPrefix,
+    };
+    struct Awaited {
+        Awaiting what = Awaiting::gPrefix;
+        VimMotion::FindKind find = VimMotion::FindKind::forwardTo;
+        /// Of a mark: its place rather than its line.
+        bool isExact = false;
+        VimTextObject::Extent extent = VimTextObject::Extent::inner;
+    };
+    enum class Span { characters, lines };
+    enum class Keep { nothing, desiredColumn };
+    enum class Side { before, after };
+    enum class SearchDirection { forward, backward };
+    struct Tables;
+    struct OperatorRow;
+    struct PrefixRow;
+    struct ControlRow;
+    struct MotionRow;
+    struct CommandRow;
+
+    // Keys
+    bool handleInsert(const VimKeyEvent &event);
+    void handleCommandLine(const VimKeyEvent &event);
+    void handleStroke(const VimKeyStroke &stroke, QStringView key);
+    void handleControl(char16_t key);
+    /// `key` is one character, of one unit or more.
+    void handleNormal(QStringView key);
+    bool takeCountOrPrefix(char16_t key);
+    bool takeOperator(char16_t key);
+    bool executeMotion(char16_t key);
+    bool executeCommand(char16_t key);
+    void perform(const VimKeymapAction &action);
+    void complete(const Awaited &awaited, QStringView key);
+    void completeG(char16_t key);
+    void completeWindow(char16_t key);
+    void takeObject(VimTextObject::Extent extent, char16_t key);
+
+    // State
+    void notify();
+    void setMode(Mode mode);
+    void clearPending();
+    void resetPending();
+    [[nodiscard]] qsizetype effectiveCount() const;
+    [[nodiscard]] bool hasCount() const { return !m_countBuffer.isEmpty() || !m_operatorCountBuffer.isEmpty(); }
+    [[nodiscard]] bool isVisual() const { return m_mode == Mode::visual || m_mode == Mode::visualLine; }
+    [[nodiscard]] VimBuffer buffer() const { return VimBuffer(m_view.text()); }
+    [[nodiscard]] qsizetype caret() const;
+    void moveCaret(qsizetype target, Keep keep = Keep::nothing);
+    void beginInsertSession();
+    void endInsertSession();
+    void enterVisual(Mode mode);
+    void toggleVisual(Mode mode);
+    void updateVisualSelection(qsizetype head);
+
+    // Motions
+    void applyMotion(const VimMotion::Result &result);
+    void applyVertical(qsizetype lines);
+    void findOnLine(char16_t character, VimMotion::FindKind kind);
+    void repeatFind(bool isReversed);
+    void goToLine(std::optional<qsizetype> number, qsizetype otherwise);
+    void goToMark(const QString &name, bool isExact);
+    void goToVisibleLine(char16_t key);
+    void scrollLines(qsizetype lines);
+    [[nodiscard]] TextRange linewiseRange(qsizetype from, qsizetype to) const;
+
+    // Operators and commands
+    bool edit(TextRange range, const Rope &text);
+    void apply(OperatorKind kind, TextRange range, Span span);
+    void applyLinewiseOperator(OperatorKind kind, qsizetype count);
+    void applyToSelection(OperatorKind kind);
+    void changeRange(TextRange range, Span span);
+    void shiftLines(TextRange range, OperatorKind kind);
+    void changeCase(TextRange range, OperatorKind kind);
+    void store(TextRange range, Span span);
+    void enterInsert(qsizetype place);
+    void openLine(Side side);
+    void toggleCaseUnderCaret(qsizetype count);
+    void joinLines(qsizetype count);
+    void replaceCharacter(QStringView key, qsizetype count);
+    void paste(Side side, qsizetype count);
+    void repeatLastChange();
+    void moveLines(int by);
+    [[nodiscard]] QString leadingWhitespace(qsizetype offset) const;
+    /// From the caret, `count` characters on, but not beyond the line.
+    [[nodiscard]] TextRange charactersFrom(qsizetype caret, qsizetype count) const;
+
+    // Command line and search
+    void beginCommandLine(char16_t prefix);
+    void performSearch(const QString &pattern, SearchDirection direction);
+    void repeatSearch(bool isReversed);
+    void searchWordUnderCaret(SearchDirection direction);
+    void jumpToMatch(const QString &pattern, SearchDirection direction);
+    [[nodiscard]] static bool isControlKey(char16_t key);
+
+    VimTextView &m_view;
+    VimEngineDelegate &m_delegate;
+    VimRegisters &m_registers;
+    VimKeymap m_keymap;
+
+    Mode m_mode = Mode::normal;
+    /// As typed since the last reset.
+    QString m_pendingKeys;
+    QString m_commandLineText;
+    char16_t m_commandLinePrefix = u':';
+    QString m_countBuffer;
+    QString m_operatorCountBuffer;
+    std::optional<OperatorKind> m_pendingOperator;
+    std::optional<char16_t> m_pendingRegister;
+    std::optional<Awaited> m_awaiting;
+    qsizetype m_visualAnchor = 0;
+    qsizetype m_visualHead = 0;
+    /// Units from the start of the line, for `j` and `k`.
+    qsizetype m_desiredColumn = 0;
+
+    struct LastFind {
+        char16_t character;
+        VimMotion::FindKind kind;
+    };
+    struct LastSearch {
+        QString pattern;
+        SearchDirection direction;
+    };
+    std::optional<LastFind> m_lastFind;
+    std::optional<LastSearch> m_lastSearch;
+    std::map<QString, qsizetype> m_marks;
+
+    // For ".".
+    std::optional<QString> m_lastChangeKeys;
+    std::optional<QString> m_lastChangeInsertedText;
+    QString m_insertCommandKeys;
+    QString m_insertedText;
+    bool m_isReplaying = false;
+    bool m_changedBuffer = false;
+    bool m_isInUndoGroup = false;
+};
+
+/// As the status bar names it.
+[[nodiscard]] QString displayName(VimEngine::Mode mode);

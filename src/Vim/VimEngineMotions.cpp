@@ -1,0 +1,349 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// Where the caret goes in modal editing, and the search.
+
+#include "Text/TextBoundaries.h"
+#include "Text/TextSearch.h"
+#include "Vim/VimEngine.h"
+#include "Vim/VimEngineTables.h"
+
+using namespace Qt::StringLiterals;
+using VimMotion::Kind;
+using VimMotion::Words;
+
+namespace {
+
+/// Goes on from where the last step led, until a step leads nowhere.
+template<typename Step>
+qsizetype repeated(qsizetype from, qsizetype count, const Step &step)
+{
+    for (qsizetype done = 0; done < count; ++done) {
+        const qsizetype next = step(from);
+        if (next == from) {
+            break;
+        }
+        from = next;
+    }
+    return from;
+}
+
+/// The start of the character that begins at `offset` or behind it.
+qsizetype characterAtOrBehind(const Rope &text, qsizetype offset)
+{
+    const qsizetype before = TextBoundaries::snapped(text, offset);
+    return before < offset ? TextBoundaries::nextGrapheme(text, before) : before;
+}
+
+} // namespace
+
+const std::array<VimEngine::MotionRow, 13> VimEngine::Tables::motions = {{
+    {u'h',
+     [](const MotionRow::Request &request) -> VimMotion::Result {
+         return {.position = std::max(request.caret - request.count, request.text.lineStart(request.caret))};
+     }},
+    {u'l',
+     [](const MotionRow::Request &request) -> VimMotion::Result {
+         const qsizetype end = request.text.lineContentEnd(request.caret);
+         const qsizetype last = request.mode == Mode::normal ? std::max(end - 1, request.text.lineStart(request.caret)) : end;
+         const qsizetype target = characterAtOrBehind(request.text.text(), std::min(request.caret + request.count, last));
+         return {.position = request.mode == Mode::normal ? request.text.clampToNormalMode(target) : target};
+     }},
+    {u'w',
+     [](const MotionRow::Request &request) -> VimMotion::Result {
+         return {.position = repeated(request.caret, request.count,
+                                      [&](qsizetype from) { return VimMotion::nextWordStart(request.text, from, Words::small); }),
+                 .isWordMotion = true};
+     }},
+    {u'W',
+     [](const MotionRow::Request &request) -> VimMotion::Result {
+         return {.position = repeated(request.caret, request.count,
+                                      [&](qsizetype from) { return VimMotion::nextWordStart(request.text, from, Words::big); }),
+                 .isWordMotion = true};
+     }},
+    {u'b',
+     [](const MotionRow::Request &request) -> VimMotion::Result {
+         return {.position = repeated(request.caret, request.count,
+                                      [&](qsizetype from) { return VimMotion::previousWordStart(request.text, from, Words::small); })};
+     }},
+    {u'B',
+     [](const MotionRow::Request &request) -> VimMotion::Result {
+         return {.position = repeated(request.caret, request.count,
+                                      [&](qsizetype from) { return VimMotion::previousWordStart(request.text, from, Words::big); })};
+     }},
+    {u'e',
+     [](const MotionRow::Request &request) -> VimMotion::
+                                               Result {
+                                                   return {.position = repeated(request.caret, request.count,
+                                                                                [&](qsizetype from) {
+                                                                                    return VimMotion::nextWordEnd(request.text, from,
+                                                                                                                  Words::small);
+                                                                                }),
+                                                           .kind = Kind::inclusive};
+                                               }},
+    {u'E',
+     [](const MotionRow::Request &request) -> VimMotion::
+                                               Result {
+                                                   return {.position = repeated(request.caret, request.count,
+                                                                                [&](qsizetype from) {
+                                                                                    return VimMotion::nextWordEnd(request.text, from,
+                                                                                                                  Words::big);
+                                                                                }),
+                                                           .kind = Kind::inclusive};
+                                               }},
+    {u'0', [](const MotionRow::Request &request) -> VimMotion::Result { return {.position = request.text.lineStart(request.caret)}; },
+     MotionRow::Unmoved::succeeds},
+    {u'^', [](const MotionRow::Request &request) -> VimMotion::Result { return {.position = request.text.firstNonBlank(request.caret)}; },
+     MotionRow::Unmoved::succeeds},
+    {u'$',
+     [](const MotionRow::Request &request) -> VimMotion::
+                                               Result {
+                                                   return {.position = VimMotion::lineEnd(request.text, request.caret, request.count),
+                                                           .kind = Kind::inclusive};
+                                               },
+     MotionRow::Unmoved::succeeds},
+    {u'{',
+     [](const MotionRow::Request &request) -> VimMotion::
+                                               Result {
+                                                   return {.position = repeated(request.caret, request.count, [&](qsizetype from) {
+                                                               return VimMotion::nextParagraphBoundary(request.text, from,
+                                                                                                       VimMotion::Direction::backward);
+                                                           })};
+                                               }},
+    {u'}',
+     [](const MotionRow::Request &request) -> VimMotion::
+                                               Result {
+                                                   return {.position = repeated(request.caret, request.count, [&](qsizetype from) {
+                                                               return VimMotion::nextParagraphBoundary(request.text, from,
+                                                                                                       VimMotion::Direction::forward);
+                                                           })};
+                                               }},
+}};
+
+bool VimEngine::executeMotion(char16_t key)
+{
+    if (const auto row = std::ranges::find(Tables::motions, key, &MotionRow::key); row != Tables::motions.end()) {
+        VimBuffer text = buffer();
+        const qsizetype from = caret();
+        VimMotion::Result result = row->target({text, from, effectiveCount(), m_mode});
+        result.failed = row->unmoved == MotionRow::Unmoved::fails && result.position == from;
+        applyMotion(result);
+        return true;
+    }
+    // Those that depend on what was typed before, or on the screen.
+    switch (key) {
+    case u'j':
+        applyVertical(effectiveCount());
+        return true;
+    case u'k':
+        applyVertical(-effectiveCount());
+        return true;
+    case u'G':
+        goToLine(hasCount() ? std::optional(effectiveCount()) : std::nullopt, buffer().lastLineStart());
+        return true;
+    case u'%': {
+        VimBuffer text = buffer();
+        applyMotion(VimMotion::matchingBracket(text, caret()));
+        return true;
+    }
+    case u';':
+    case u',':
+        repeatFind(key == u',');
+        return true;
+    case u'H':
+    case u'M':
+    case u'L':
+        goToVisibleLine(key);
+        return true;
+    default:
+        return false;
+    }
+}
+
+void VimEngine::applyMotion(const VimMotion::Result &result)
+{
+    if (result.failed) {
+        resetPending();
+        return;
+    }
+    if (!m_pendingOperator) {
+        moveCaret(result.position);
+        resetPending();
+        return;
+    }
+    VimBuffer text = buffer();
+    const qsizetype from = caret();
+    TextRange range = TextRange::spanning(from, result.position);
+    switch (result.kind) {
+    case Kind::exclusive:
+        if (const qsizetype lineEnd = text.lineContentEnd(range.location);
+            result.isWordMotion && lineEnd < range.end() && text.lineStart(range.location) != text.lineStart(range.end())) {
+            range = TextRange::between(range.location, std::max(lineEnd, range.location));
+        }
+        break;
+    case Kind::inclusive:
+        range = TextRange::between(range.location, std::min(range.end() + 1, text.length()));
+        break;
+    case Kind::linewise:
+        apply(*m_pendingOperator, linewiseRange(from, result.position), Span::lines);
+        return;
+    }
+    apply(*m_pendingOperator, range, Span::characters);
+}
+
+void VimEngine::applyVertical(qsizetype lines)
+{
+    VimBuffer text = buffer();
+    const auto line = text.line(caret(), lines);
+    if (!line) {
+        resetPending();
+        return;
+    }
+    const qsizetype target = std::min(std::max(text.lineContentEnd(*line), *line), *line + m_desiredColumn);
+    if (m_pendingOperator) {
+        apply(*m_pendingOperator, linewiseRange(caret(), target), Span::lines);
+        return;
+    }
+    moveCaret(target, Keep::desiredColumn);
+    resetPending();
+}
+
+TextRange VimEngine::linewiseRange(qsizetype from, qsizetype to) const
+{
+    const VimBuffer text = buffer();
+    return text.lineRange(std::min(from, to)).united(text.lineRange(std::max(from, to)));
+}
+
+void VimEngine::goToLine(std::optional<qsizetype> number, qsizetype otherwise)
+{
+    VimBuffer text = buffer();
+    const qsizetype line = number ? text.startOfLine(*number) : otherwise;
+    applyMotion({.position = text.firstNonBlank(line), .kind = Kind::linewise});
+}
+
+void VimEngine::goToVisibleLine(char16_t key)
+{
+    VimBuffer text = buffer();
+    const TextRange seen = m_view.visibleRange();
+    const qsizetype place = key == u'H'   ? seen.location
+                            : key == u'M' ? seen.location + seen.length / 2
+                                          : std::max(seen.end() - 1, seen.location);
+    applyMotion({.position = text.firstNonBlank(place), .kind = Kind::linewise});
+}
+
+void VimEngine::goToMark(const QString &name, bool isExact)
+{
+    if (const auto mark = m_marks.find(name); mark != m_marks.end()) {
+        VimBuffer text = buffer();
+        const qsizetype place = std::min(mark->second, text.length());
+        moveCaret(isExact ? place : text.firstNonBlank(place));
+    }
+    resetPending();
+}
+
+void VimEngine::scrollLines(qsizetype lines)
+{
+    VimBuffer text = buffer();
+    const qsizetype line = text.line(caret(), lines).value_or(lines < 0 ? 0 : text.lastLineStart());
+    moveCaret(text.firstNonBlank(line));
+}
+
+void VimEngine::findOnLine(char16_t character, VimMotion::FindKind kind)
+{
+    VimBuffer text = buffer();
+    applyMotion(VimMotion::find(text, caret(), character, kind, effectiveCount()));
+}
+
+void VimEngine::repeatFind(bool isReversed)
+{
+    if (m_lastFind) {
+        findOnLine(m_lastFind->character, isReversed ? VimMotion::reversed(m_lastFind->kind) : m_lastFind->kind);
+    } else {
+        resetPending();
+    }
+}
+
+// Command line and search
+
+void VimEngine::beginCommandLine(char16_t prefix)
+{
+    m_commandLinePrefix = prefix;
+    m_commandLineText.clear();
+    setMode(Mode::commandLine);
+    resetPending();
+}
+
+void VimEngine::handleCommandLine(const VimKeyEvent &event)
+{
+    if (event.characters == u"\r"_s || event.characters == u"\n"_s) {
+        const QString text = std::exchange(m_commandLineText, {});
+        setMode(Mode::normal);
+        if (m_commandLinePrefix == u':') {
+            m_delegate.vimEngineRunsCommand(*this, text);
+        } else {
+            performSearch(text, m_commandLinePrefix == u'/' ? SearchDirection::forward : SearchDirection::backward);
+        }
+    } else if (event.characters == QString(QChar(VimKey::backspace))) {
+        if (m_commandLineText.isEmpty()) {
+            setMode(Mode::normal);
+        } else {
+            m_commandLineText.truncate(TextBoundaries::previousGrapheme(Rope(m_commandLineText), m_commandLineText.size()));
+        }
+    } else {
+        m_commandLineText += event.characters;
+    }
+    notify();
+}
+
+void VimEngine::performSearch(const QString &pattern, SearchDirection direction)
+{
+    if (!pattern.isEmpty()) {
+        m_lastSearch = LastSearch{pattern, direction};
+        jumpToMatch(pattern, direction);
+    }
+}
+
+void VimEngine::repeatSearch(bool isReversed)
+{
+    if (m_lastSearch) {
+        const bool isForward = (m_lastSearch->direction == SearchDirection::forward) != isReversed;
+        jumpToMatch(m_lastSearch->pattern, isForward ? SearchDirection::forward : SearchDirection::backward);
+    }
+    resetPending();
+}
+
+void VimEngine::searchWordUnderCaret(SearchDirection direction)
+{
+    VimBuffer text = buffer();
+    const auto word = VimTextObject::range(text, caret(), u'w', VimTextObject::Extent::inner, 1);
+    if (word && !word->range.isEmpty()) {
+        const QString escaped = RegularExpression::escapedPattern(text.text().toString(word->range));
+        performSearch(u"\\b"_s + escaped + u"\\b"_s, direction);
+    }
+    resetPending();
+}
+
+void VimEngine::jumpToMatch(const QString &pattern, SearchDirection direction)
+{
+    auto searcher = TextSearcher::compile({.pattern = pattern, .matchesCase = true, .isRegularExpression = true});
+    if (!searcher) {
+        return;
+    }
+    const Rope &text = m_view.text();
+    const qsizetype from = caret();
+    const TextRange behind = TextRange::between(std::min(from + 1, text.length()), text.length() + 1);
+    const TextRange before{0, from};
+    const TextRange all{0, text.length() + 1};
+    std::optional<TextRange> hit;
+    if (direction == SearchDirection::forward) {
+        hit = searcher->firstHit(text, behind);
+        hit = hit ? hit : searcher->firstHit(text, all);
+    } else {
+        hit = searcher->lastHit(text, before);
+        hit = hit ? hit : searcher->lastHit(text, all);
+    }
+    if (hit) {
+        moveCaret(hit->location);
+        m_view.showIndicator(*hit);
+    }
+}

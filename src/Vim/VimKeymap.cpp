@@ -1,0 +1,153 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Vim/VimKeymap.h"
+
+#include "Model/Preferences.h"
+#include "Platform/Translation.h"
+#include "Vim/VimEngine.h"
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+enum class Modes { both, normal, visual };
+
+struct MappingRow {
+    /// " " is the leader; "^" and "~" before a key stand for Control and Option.
+    QStringView keys;
+    const char16_t *label;
+    const char16_t *section;
+    VimKeymapAction action;
+    Modes modes = Modes::both;
+};
+
+const auto lazyVim = std::to_array<MappingRow>({
+    {u"H", u"previous tab", u"Tabs", Selector("selectPreviousTab:")},
+    {u"L", u"next tab", u"Tabs", Selector("selectNextTab:")},
+    {u"[b", u"previous tab", u"Tabs", Selector("selectPreviousTab:")},
+    {u"]b", u"next tab", u"Tabs", Selector("selectNextTab:")},
+    {u" bd", u"close tab", u"Tabs", Selector("closeTab:")},
+    {u" bb", u"other tab", u"Tabs", Selector("selectPreviousTab:")},
+    {u"^h", u"previous pane", u"Panes", Selector("focusPreviousPane:")},
+    {u"^k", u"previous pane", u"Panes", Selector("focusPreviousPane:")},
+    {u"^l", u"next pane", u"Panes", Selector("focusNextPane:")},
+    {u"^j", u"next pane", u"Panes", Selector("focusNextPane:")},
+    {u" |", u"split right", u"Panes", Selector("splitEditorRight:")},
+    {u" -", u"split down", u"Panes", Selector("splitEditorDown:")},
+    {u" wd", u"close split", u"Panes", Selector("closeSplit:")},
+    {u" ww", u"other pane", u"Panes", Selector("focusNextPane:")},
+    {u"^s", u"save", u"Files", Selector("saveDocument:")},
+    {u" ff", u"open…", u"Files", Selector("openDocument:")},
+    {u" fn", u"new tab", u"Files", Selector("newDocument:")},
+    {u" qq", u"close window", u"Files", Selector("closeWindowFromVim:")},
+    {u" ss", u"find", u"Files", Selector("showFindInterface:")},
+    {u"gcc", u"toggle comment on the line", u"Editing", &VimEngine::toggleCommentFromKeymap, Modes::normal},
+    {u"gc", u"toggle comment on the selection", u"Editing", &VimEngine::toggleCommentFromKeymap, Modes::visual},
+    {u"~j", u"move line down", u"Editing", &VimEngine::moveLinesDown},
+    {u"~k", u"move line up", u"Editing", &VimEngine::moveLinesUp},
+});
+
+QList<VimKeyStroke> strokesOf(QStringView keys)
+{
+    QList<VimKeyStroke> strokes;
+    VimKeyStroke next;
+    for (const QChar key : keys) {
+        if (key == u'^' || key == u'~') {
+            (key == u'^' ? next.control : next.option) = true;
+            continue;
+        }
+        next.character = key.unicode();
+        strokes << std::exchange(next, {});
+    }
+    return strokes;
+}
+
+QString written(const QList<VimKeyStroke> &keys, QStringView space, QStringView control)
+{
+    QString text;
+    for (const VimKeyStroke &key : keys) {
+        if (key.control) {
+            text += control;
+        } else if (key.option) {
+            text += u"⌥"_s;
+        }
+        text += key.character == u' ' ? space.toString() : QString(QChar(key.character));
+    }
+    return text;
+}
+
+} // namespace
+
+VimKeymap::VimKeymap(VimKeymapPreset preset)
+{
+    if (preset != VimKeymapPreset::lazyVim) {
+        return;
+    }
+    for (const MappingRow &row : lazyVim) {
+        if (row.modes != Modes::visual) {
+            m_normal.insert_or_assign(strokesOf(row.keys), row.action);
+        }
+        if (row.modes != Modes::normal) {
+            m_visual.insert_or_assign(strokesOf(row.keys), row.action);
+        }
+    }
+}
+
+bool VimKeymap::hasLonger(const Mappings &mappings, const QList<VimKeyStroke> &keys)
+{
+    return std::ranges::any_of(mappings, [&](const auto &mapping) {
+        return mapping.first.size() > keys.size() && std::equal(keys.begin(), keys.end(), mapping.first.begin());
+    });
+}
+
+VimKeymap::Outcome VimKeymap::consume(const VimKeyStroke &stroke, Table table)
+{
+    const Mappings &mappings = mappingsOf(table);
+    if (mappings.empty()) {
+        return Passthrough{stroke};
+    }
+    m_buffer << stroke;
+    if (const auto mapping = mappings.find(m_buffer); mapping != mappings.end()) {
+        m_buffer.clear();
+        return mapping->second;
+    }
+    if (hasLonger(mappings, m_buffer)) {
+        return Pending();
+    }
+    return std::exchange(m_buffer, {});
+}
+
+bool VimKeymap::wants(const VimKeyStroke &stroke, Table table) const
+{
+    const Mappings &mappings = mappingsOf(table);
+    const QList<VimKeyStroke> keys = m_buffer + QList{stroke};
+    return mappings.contains(keys) || hasLonger(mappings, keys);
+}
+
+QString VimKeymap::pendingDescription() const
+{
+    return written(m_buffer, u"␣", u"^");
+}
+
+std::vector<VimKeymap::Mapping> VimKeymap::mappings(VimKeymapPreset preset)
+{
+    std::vector<Mapping> all;
+    if (preset != VimKeymapPreset::lazyVim) {
+        return all;
+    }
+    for (const bool isOnlyVisual : {false, true}) {
+        for (const MappingRow &row : lazyVim) {
+            if ((row.modes == Modes::visual) == isOnlyVisual) {
+                all.push_back({strokesOf(row.keys), localized(row.label), row.action, localized(row.section)});
+            }
+        }
+    }
+    return all;
+}
+
+QString VimKeymap::describe(const QList<VimKeyStroke> &keys)
+{
+    return written(keys, u"<leader>", u"⌃");
+}

@@ -1,0 +1,168 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Vim/VimMotion.h"
+
+#include <string_view>
+
+namespace {
+
+using CharacterClass = VimBuffer::CharacterClass;
+
+/// Whether a word of class `of` goes on at `offset`.
+bool continues(VimBuffer &text, qsizetype offset, CharacterClass of, VimMotion::Words words)
+{
+    const CharacterClass here = text.characterClass(offset);
+    return words == VimMotion::Words::big ? here != CharacterClass::blank : here == of;
+}
+
+qsizetype pastBlanks(VimBuffer &text, qsizetype from)
+{
+    while (from < text.length() && text.characterClass(from) == CharacterClass::blank) {
+        ++from;
+    }
+    return from;
+}
+
+} // namespace
+
+namespace VimMotion {
+
+FindKind reversed(FindKind kind)
+{
+    switch (kind) {
+    case FindKind::forwardTo:
+        return FindKind::backwardTo;
+    case FindKind::forwardBefore:
+        return FindKind::backwardBefore;
+    case FindKind::backwardTo:
+        return FindKind::forwardTo;
+    case FindKind::backwardBefore:
+        break;
+    }
+    return FindKind::forwardBefore;
+}
+
+qsizetype nextWordStart(VimBuffer &text, qsizetype from, Words words)
+{
+    if (from >= text.length()) {
+        return from;
+    }
+    if (const CharacterClass here = text.characterClass(from); here != CharacterClass::blank) {
+        while (from < text.length() && continues(text, from, here, words)) {
+            ++from;
+        }
+    }
+    return pastBlanks(text, from);
+}
+
+qsizetype previousWordStart(VimBuffer &text, qsizetype from, Words words)
+{
+    qsizetype place = from - 1;
+    while (place > 0 && text.characterClass(place) == CharacterClass::blank) {
+        --place;
+    }
+    if (place <= 0) {
+        return 0;
+    }
+    const CharacterClass here = text.characterClass(place);
+    while (place > 0 && continues(text, place - 1, here, words)) {
+        --place;
+    }
+    return place;
+}
+
+qsizetype nextWordEnd(VimBuffer &text, qsizetype from, Words words)
+{
+    qsizetype place = pastBlanks(text, from + 1);
+    if (place >= text.length()) {
+        return std::max<qsizetype>(text.length() - 1, 0);
+    }
+    const CharacterClass here = text.characterClass(place);
+    while (place + 1 < text.length() && continues(text, place + 1, here, words)) {
+        ++place;
+    }
+    return place;
+}
+
+qsizetype lineEnd(VimBuffer &text, qsizetype from, qsizetype count)
+{
+    const qsizetype line = text.line(from, count - 1).value_or(text.lineStart(from));
+    return std::max(text.lineContentEnd(line) - 1, line);
+}
+
+qsizetype nextParagraphBoundary(VimBuffer &text, qsizetype from, Direction direction)
+{
+    TextRange line = text.lineRange(from);
+    if (direction == Direction::forward) {
+        while (line.end() < text.length()) {
+            line = text.lineRange(line.end());
+            if (text.isEmptyLine(line)) {
+                return line.location;
+            }
+        }
+        return text.length();
+    }
+    while (line.location > 0) {
+        line = text.lineRange(line.location - 1);
+        if (text.isEmptyLine(line)) {
+            return line.location;
+        }
+    }
+    return 0;
+}
+
+Result matchingBracket(VimBuffer &text, qsizetype from)
+{
+    static constexpr std::u16string_view brackets = u"()[]{}";
+    const Result none{.position = from, .kind = Kind::inclusive, .failed = true};
+    const qsizetype lineEnd = text.lineContentEnd(from);
+    qsizetype place = from;
+    while (place < lineEnd && brackets.find(text.at(place)) == std::u16string_view::npos) {
+        ++place;
+    }
+    if (place >= lineEnd) {
+        return none;
+    }
+    const size_t index = brackets.find(text.at(place));
+    const char16_t own = brackets[index];
+    const char16_t partner = brackets[index ^ 1];
+    const qsizetype step = index % 2 == 0 ? 1 : -1;
+    qsizetype depth = 0;
+    for (; place >= 0 && place < text.length(); place += step) {
+        const char16_t unit = text.at(place);
+        depth += unit == own ? 1 : unit == partner ? -1 : 0;
+        if (depth == 0) {
+            return {.position = place, .kind = Kind::inclusive};
+        }
+    }
+    return none;
+}
+
+Result find(VimBuffer &text, qsizetype from, char16_t character, FindKind kind, qsizetype count)
+{
+    const bool isForward = kind == FindKind::forwardTo || kind == FindKind::forwardBefore;
+    const bool isBefore = kind == FindKind::forwardBefore || kind == FindKind::backwardBefore;
+    const qsizetype step = isForward ? 1 : -1;
+    const Kind motionKind = isForward ? Kind::inclusive : Kind::exclusive;
+    const qsizetype lineStart = text.lineStart(from);
+    const qsizetype lineEnd = text.lineContentEnd(from);
+    const auto isOnLine = [&](qsizetype place) { return place >= lineStart && place < lineEnd; };
+    qsizetype place = from + step;
+    if (isBefore && isOnLine(place) && text.at(place) == character) {
+        place += step; // repeated, it goes on instead of staying before the same one
+    }
+    qsizetype found = from;
+    for (qsizetype nth = 0; nth < count; ++nth) {
+        while (isOnLine(place) && text.at(place) != character) {
+            place += step;
+        }
+        if (!isOnLine(place)) {
+            return {.position = from, .kind = motionKind, .failed = true};
+        }
+        found = place;
+        place += step;
+    }
+    return {.position = isBefore ? found - step : found, .kind = motionKind};
+}
+
+} // namespace VimMotion

@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Vim/VimBuffer.h"
+
+/// Where motions lead. Pure functions over the text; offsets are UTF-16 units and lie in the text or at its end.
+namespace VimMotion {
+
+enum class Kind { exclusive, inclusive, linewise };
+
+struct Result {
+    qsizetype position = 0;
+    Kind kind = Kind::exclusive;
+    /// It did not move or found nothing.
+    bool failed = false;
+    /// Of `w` and `W`, which do not take an operator on to the next line.
+    bool isWordMotion = false;
+};
+
+/// `f`, `t`, `F` and `T`.
+enum class FindKind { forwardTo, forwardBefore, backwardTo, backwardBefore };
+[[nodiscard]] FindKind reversed(FindKind kind);
+
+enum class Words {
+    /// Runs of one character class.
+    small,
+    /// Runs of anything but blanks.
+    big,
+};
+
+[[nodiscard]] qsizetype nextWordStart(VimBuffer &text, qsizetype from, Words words);
+[[nodiscard]] qsizetype previousWordStart(VimBuffer &text, qsizetype from, Words words);
+/// The last unit of the word.
+[[nodiscard]] qsizetype nextWordEnd(VimBuffer &text, qsizetype from, Words words);
+/// The last character of the line `count` - 1 below, or of this line where there is none.
+[[nodiscard]] qsizetype lineEnd(VimBuffer &text, qsizetype from, qsizetype count);
+
+enum class Direction { forward, backward };
+/// The next empty line; lines of blanks are none. Without one an end of the text.
+[[nodiscard]] qsizetype nextParagraphBoundary(VimBuffer &text, qsizetype from, Direction direction);
+/// The partner of the first bracket at or behind `from` on its line.
+[[nodiscard]] Result matchingBracket(VimBuffer &text, qsizetype from);
+/// The `count`-th occurrence on the line.
+[[nodiscard]] Result find(VimBuffer &text, qsizetype from, char16_t character, FindKind kind, qsizetype count);
+
+} // namespace VimMotion

@@ -1,0 +1,76 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Vim/VimRegisters.h"
+
+#include "Model/Preferences.h"
+#include "Platform/Pasteboard.h"
+
+#include <QChar>
+
+namespace {
+
+constexpr qsizetype eagerLimit = 1 << 20;
+
+char16_t lowerCase(char16_t name)
+{
+    return char16_t(QChar::toLower(name));
+}
+
+bool isClipboard(char16_t name)
+{
+    return name == u'+' || name == u'*';
+}
+
+} // namespace
+
+void VimRegisters::set(const VimRegisterContents &contents, std::optional<char16_t> name)
+{
+    if (name ? isClipboard(*name) : m_preferences.vimSharesClipboard()) {
+        writeToClipboard(contents.text);
+    }
+    m_unnamed = contents;
+    if (!name || isClipboard(*name)) {
+        return;
+    }
+    VimRegisterContents &kept = m_named[lowerCase(*name)];
+    if (QChar::isUpper(*name)) {
+        kept.text.replace({kept.text.length(), 0}, contents.text);
+        kept.isLinewise = kept.isLinewise || contents.isLinewise;
+    } else {
+        kept = contents;
+    }
+}
+
+VimRegisterContents VimRegisters::contents(std::optional<char16_t> name) const
+{
+    if (!name) {
+        const bool isOthers = m_preferences.vimSharesClipboard() && m_pasteboard.changeCount() != m_lastWrittenChangeCount;
+        return isOthers ? clipboard() : m_unnamed;
+    }
+    if (isClipboard(*name)) {
+        return clipboard();
+    }
+    const auto kept = m_named.find(lowerCase(*name));
+    return kept == m_named.end() ? VimRegisterContents() : kept->second;
+}
+
+void VimRegisters::writeToClipboard(const Rope &text)
+{
+    if (text.isEmpty()) {
+        return;
+    }
+    if (text.length() <= eagerLimit) {
+        m_pasteboard.setText(text.toString());
+    } else {
+        m_pasteboard.setLazyText([text] { return text.toString(); });
+    }
+    m_lastWrittenChangeCount = m_pasteboard.changeCount();
+}
+
+VimRegisterContents VimRegisters::clipboard() const
+{
+    // As text is kept here, where lines end with LF alone.
+    QString text = m_pasteboard.text();
+    text.replace(QLatin1StringView("\r\n"), QLatin1StringView("\n")).replace(u'\r', u'\n');
+    return {.text = Rope(text), .isLinewise = text.endsWith(u'\n')};
+}

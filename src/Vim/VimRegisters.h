@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Text/Rope.h"
+
+#include <map>
+#include <optional>
+
+class Pasteboard;
+class Preferences;
+
+struct VimRegisterContents {
+    /// A rope, so that yanking a large text copies nothing.
+    Rope text;
+    /// Whole lines, to be pasted as lines.
+    bool isLinewise = false;
+};
+
+/// What was yanked and deleted, by all editors of the process. There are named registers, "+" and "*", which are the clipboard, and the
+/// unnamed one, which has what was stored last. With the preference on, the unnamed one is shared with the clipboard: what is stored goes
+/// there too, and what other programs put there is what it has. Main thread only.
+class VimRegisters final {
+public:
+    /// Both must outlive the registers.
+    VimRegisters(Pasteboard &pasteboard, const Preferences &preferences) : m_pasteboard(pasteboard), m_preferences(preferences) {}
+
+    /// An upper-case name appends to the register of the lower-case one.
+    void set(const VimRegisterContents &contents, std::optional<char16_t> name);
+    /// Empty for a register that was never stored to.
+    [[nodiscard]] VimRegisterContents contents(std::optional<char16_t> name) const;
+
+    [[nodiscard]] const std::map<char16_t, VimRegisterContents> &named() const { return m_named; }
+    /// Without a look at the clipboard.
+    [[nodiscard]] const VimRegisterContents &unnamed() const { return m_unnamed; }
+
+private:
+    void writeToClipboard(const Rope &text);
+    [[nodiscard]] VimRegisterContents clipboard() const;
+
+    Pasteboard &m_pasteboard;
+    const Preferences &m_preferences;
+    std::map<char16_t, VimRegisterContents> m_named;
+    VimRegisterContents m_unnamed;
+    /// Right after this program wrote to the clipboard; none before, and then what is there is somebody else's.
+    std::optional<int> m_lastWrittenChangeCount;
+};

@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Responder.h"
+#include "Text/Rope.h"
+
+#include <span>
+
+/// Lines on the screen, and how far the caret looks like what.
+enum class VimCaret { bar, block };
+
+/// What the modal editing of a text needs of the view that shows it. Offsets are UTF-16 units.
+class VimTextView {
+public:
+    /// `text` in place of `range`, which is of the text before all edits of its step.
+    struct Edit {
+        TextRange range;
+        Rope text;
+    };
+
+    [[nodiscard]] virtual const Rope &text() const = 0;
+    [[nodiscard]] virtual TextRange selectedRange() const = 0;
+    /// Selects, and shows the caret at `caret`, one of the ends of `range` or the character before its end.
+    virtual void select(TextRange range, qsizetype caret) = 0;
+
+    /// One change of the text: `edits`, ascending and apart. False when it was refused.
+    virtual bool replace(std::span<const Edit> edits) = 0;
+    /// As if it had been typed over the selection.
+    virtual void insertText(const QString &text) = 0;
+    virtual void undo() = 0;
+    virtual void redo() = 0;
+    /// Changes till the end are one step of undo. Calls nest.
+    virtual void beginUndoGroup() = 0;
+    virtual void endUndoGroup() = 0;
+
+    /// Lines that fit on the screen, at least 1.
+    [[nodiscard]] virtual qsizetype visibleLineCount() const = 0;
+    /// From the first to the last unit that is seen.
+    [[nodiscard]] virtual TextRange visibleRange() const = 0;
+    virtual void centerSelection() = 0;
+    virtual void revealSelection() = 0;
+    /// Draws the eye to a search's hit.
+    virtual void showIndicator(TextRange range) = 0;
+
+    /// One level of it: blanks or a tab.
+    [[nodiscard]] virtual QString indentationUnit() const = 0;
+    virtual void toggleComment() = 0;
+    virtual void setCaretLook(VimCaret look) = 0;
+    /// Up the responder chain.
+    virtual void perform(Selector action) = 0;
+    virtual void beep() = 0;
+
+protected:
+    ~VimTextView() = default;
+};
