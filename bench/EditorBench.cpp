@@ -4,6 +4,7 @@
 // What a person waits for: from a key to the end of the painting that it causes, in a window of the program, coloured, offscreen.
 
 #include "App/AppDelegate.h"
+#include "Editor/EditorVim.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
@@ -172,6 +173,64 @@ void scrolling(benchmark::State &state, Qt::Key key, Qt::KeyboardModifiers modif
     report(state, times);
 }
 
+/// The engine's own work for keys of modal editing in the middle of the text, as keys a second and as microseconds a command; nothing is
+/// painted.
+void modalKeys(benchmark::State &state)
+{
+    Stage stage(state.range(0));
+    stage.preferences.setVimMode(true);
+    VimEngine &engine = stage.editor->vim()->engine();
+    const Rope &text = stage.document->storage().text();
+    stage.editor->textView().setSelection(TextSelection::at(text.lineStart(text.lineCount() / 2)), TextView::Reveal::center);
+    constexpr int rounds = 300;
+    double all = 0;
+    double keys = 0;
+    for (auto _ : state) {
+        for (const QString &command : {u"w"_s, u"j"_s, u"}"_s, u"{"_s, u"dw"_s, u"ciwab\x1B"_s, u"p"_s, u"u"_s, u"."_s, u"k"_s}) {
+            const double start = now();
+            for (int round = 0; round < rounds; ++round) {
+                for (const QChar key : command) {
+                    engine.handle({.characters = QString(key), .charactersIgnoringModifiers = QString(key)});
+                }
+                if (engine.mode() == VimEngine::Mode::insert) {
+                    state.SkipWithError("a command did not end");
+                }
+            }
+            const double spent = now() - start;
+            state.counters["us_" + command.left(3).toStdString()] = spent / rounds;
+            all += spent;
+            keys += double(command.size()) * rounds;
+        }
+    }
+    state.counters["keys_per_second"] = keys / all * 1e6;
+}
+
+/// From one end of 100 MB to the other and back: everything between has to be read.
+void modalJumps(benchmark::State &state)
+{
+    Stage stage(1);
+    stage.preferences.setVimMode(true);
+    QString text = u"first {\n"_s;
+    while (text.size() < 100'000'000) {
+        text += u"    some words of a line (which are many)\n"_s;
+    }
+    text += u"} first\n"_s;
+    TextStorage &storage = stage.document->storage();
+    storage.replaceCharacters({0, storage.length()}, text);
+    VimEngine &engine = stage.editor->vim()->engine();
+    for (auto _ : state) {
+        for (const QString &command : {u"gg"_s, u"G"_s, u"gg%"_s, u"%"_s, u"gg}"_s, u"{"_s, u"*"_s, u"N"_s}) {
+            const double start = now();
+            for (const QChar key : command) {
+                engine.handle({.characters = QString(key), .charactersIgnoringModifiers = QString(key)});
+            }
+            state.counters["ms_" + command.toStdString()] = (now() - start) / 1000;
+        }
+    }
+}
+
+BENCHMARK(modalJumps)->Name("modal jumps, 100 MB")->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(modalKeys)->Name("modal keys in C")->Arg(20'000)->Arg(100'000'000)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(typing)->Name("key in C")->Arg(20'000)->Arg(1'000'000)->Arg(100'000'000)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(scrolling, line, Qt::Key_Down, Qt::ControlModifier, 1500, 0)
     ->Name("line by line, 1 MB")

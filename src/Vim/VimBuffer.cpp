@@ -9,11 +9,6 @@
 
 namespace {
 
-constexpr bool isBreak(char16_t unit)
-{
-    return unit == u'\n' || unit == u'\r' || unit == u'\u2028' || unit == u'\u2029';
-}
-
 /// Breaks that the rope does not count. Leaves of narrow units, which are most of any text, cannot hold one.
 bool hasSeparators(const Rope &text, TextRange range)
 {

@@ -50,6 +50,12 @@ private:
     RopeCursor m_cursor;
 };
 
+/// What ends a line; of CR LF either.
+[[nodiscard]] constexpr bool isBreak(char16_t unit)
+{
+    return unit == u'\n' || unit == u'\r' || unit == u'\u2028' || unit == u'\u2029';
+}
+
 [[nodiscard]] constexpr bool isSpaceOrTab(char16_t unit)
 {
     return unit == u' ' || unit == u'\t';
