@@ -103,7 +103,7 @@ VimKeyEvent EditorVim::translated(const QKeyEvent &event) const
     }
     const bool takesLiterally = m_engine->takesText() || m_engine->awaitsCharacter();
     QString text = event.text();
-    if (key.control && event.key() >= Qt::Key_Space && event.key() < Qt::Key_Escape) {
+    if ((key.control || (key.option && text.isEmpty())) && event.key() >= Qt::Key_Space && event.key() < Qt::Key_Escape) {
         const QString name = QString(QChar(char16_t(event.key())));
         text = event.modifiers() & Qt::ShiftModifier ? name : name.toLower();
         text = latinInPlaceOf(text, event);
@@ -129,7 +129,9 @@ bool EditorVim::handleKey(const QKeyEvent &event)
         // Keys of the view that modal editing has nothing in place of: chords, and modifiers by themselves.
         return !key.control && !key.option;
     }
-    return m_engine->handle(key);
+    const bool isDone = m_engine->handle(key);
+    updateInputMethod();
+    return isDone;
 }
 
 bool EditorVim::handleInputMethod(const QInputMethodEvent &event)
@@ -146,6 +148,7 @@ bool EditorVim::handleInputMethod(const QInputMethodEvent &event)
         m_engine->handle({.characters = character, .charactersIgnoringModifiers = character});
         place += length;
     }
+    updateInputMethod();
     return true;
 }
 
@@ -166,7 +169,6 @@ void EditorVim::vimEngineRunsCommand(VimEngine & /*engine*/, const QString &comm
 void EditorVim::vimEngineDidChangeState(VimEngine & /*engine*/)
 {
     if (m_engine) {
-        updateInputMethod();
         m_callbacks.stateChanged();
     }
 }

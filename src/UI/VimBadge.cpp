@@ -3,6 +3,7 @@
 #include "UI/VimBadge.h"
 
 #include "Highlighting/Theme.h"
+#include "Platform/AccessibleRole.h"
 #include "UI/SystemColors.h"
 
 #include <QPainter>
@@ -29,6 +30,7 @@ QString badgeText(const StatusBarView::VimState &state)
 VimBadge::VimBadge(QWidget *parent) : QLabel(parent), m_theme(&Theme::light())
 {
     setTextFormat(Qt::PlainText);
+    becomeNotice(*this);
     hide();
 }
 
@@ -37,9 +39,18 @@ void VimBadge::setState(const std::optional<StatusBarView::VimState> &state)
     if (state == m_state) {
         return;
     }
+    // The mode is told when it changes, keys are not: whoever pressed them knows.
+    const bool isOtherMode = state && (!m_state || state->mode != m_state->mode);
+    const bool wasVisible = isVisible();
     m_state = state;
     setText(state ? badgeText(*state) : QString());
+    if (isOtherMode) {
+        setAccessibleName(state->mode);
+    }
     setVisible(state.has_value());
+    if (isOtherMode && wasVisible) {
+        announce(*this);
+    }
     update();
 }
 

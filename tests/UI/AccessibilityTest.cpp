@@ -154,3 +154,18 @@ TEST_F(WindowAccessibility, TheBannerIsSaidAgainWhenItChanges)
     banner.configure(TextDocument::ExternalState::deleted, u"a"_s);
     EXPECT_EQ(takeHeard(), "“a” was deleted or moved.;");
 }
+
+TEST_F(WindowAccessibility, TellsTheModeOfModalEditing)
+{
+    std::ignore = takeHeard();
+    preferences.setVimMode(true);
+    EXPECT_EQ(takeHeard(), "NORMAL;");
+    type(u"i"_s);
+    EXPECT_EQ(takeHeard(), "INSERT;");
+    type(u"abc"_s);
+    QTest::keyClick(&textView(), Qt::Key_Escape);
+    type(u"2"_s);
+    EXPECT_EQ(takeHeard(), "NORMAL;") << "keys are not told";
+    type(u"v"_s);
+    EXPECT_EQ(takeHeard(), "VISUAL;");
+}

@@ -201,11 +201,30 @@ void prepare(MainWindowController &window, const QStringList &paths, const Argum
     QCoreApplication::processEvents();
 }
 
+const PreferenceRow *textRowOf(const QString &setting)
+{
+    const PreferenceRow *row = Preferences::rowForKey(setting.section(u'=', 0, 0));
+    return row && row->type == PreferenceType::text && setting.contains(u'=') ? row : nullptr;
+}
+
+/// A name that a preference does not know may stand in the settings file all the same.
+bool isPreferenceOrText(const QString &setting)
+{
+    return isPreferenceSetting(setting) || textRowOf(setting);
+}
+
+void storePreference(Stage &stage, const QString &setting)
+{
+    if (!setPreference(stage.preferences, setting)) {
+        stage.defaults.set(textRowOf(setting)->key, setting.section(u'=', 1));
+    }
+}
+
 QJsonObject runKeys(const Arguments &arguments)
 {
     Stage stage;
     for (const QString &setting : arguments.values(u"pref")) {
-        setPreference(stage.preferences, setting);
+        storePreference(stage, setting);
     }
     if (const auto text = arguments.value(u"clipboard")) {
         stage.pasteboard.setTextFromElsewhere(*text);
@@ -237,7 +256,7 @@ bool areKeys(const QString &keys)
 
 constexpr auto keysOptions = std::to_array<OptionRow>({
     {u"keys", u"KEYS", areKeys},
-    {u"pref", u"KEY=VALUE", isPreferenceSetting},
+    {u"pref", u"KEY=VALUE", isPreferenceOrText},
     {u"select", u"LOCATION,LENGTH", isRange},
     {u"language", u"ID", isLanguageID},
     {u"clipboard", u"TEXT"},

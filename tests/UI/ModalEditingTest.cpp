@@ -1,0 +1,163 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Editor/EditorVim.h"
+#include "UI/VimBadge.h"
+#include "WindowFixture.h"
+
+#include <QInputMethodEvent>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class ModalEditingTest : public WindowTest {
+protected:
+    void SetUp() override
+    {
+        WindowTest::SetUp();
+        preferences.setVimMode(true);
+    }
+    [[nodiscard]] VimEngine &engine() const { return workspace().currentEditor()->vim()->engine(); }
+    void start(const QByteArray &content) { workspace().open({write(u"a.txt"_s, content)}); }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const { QTest::keyClick(&textView(), key, modifiers); }
+    /// A key of a keyboard of another script, by the kernel's code.
+    void pressForeign(const QString &text, quint32 code, Qt::KeyboardModifiers modifiers = {}) const
+    {
+        QKeyEvent event(QEvent::KeyPress, 0, modifiers, code + 8, 0, 0, text);
+        QCoreApplication::sendEvent(&textView(), &event);
+    }
+    void commit(const QString &text) const
+    {
+        QInputMethodEvent event;
+        event.setCommitString(text);
+        QCoreApplication::sendEvent(&textView(), &event);
+    }
+    [[nodiscard]] bool takesInputMethod() const { return textView().testAttribute(Qt::WA_InputMethodEnabled); }
+    [[nodiscard]] bool claims(Qt::Key key, Qt::KeyboardModifiers modifiers) const
+    {
+        QKeyEvent event(QEvent::ShortcutOverride, key, modifiers);
+        event.ignore();
+        QCoreApplication::sendEvent(&textView(), &event);
+        return event.isAccepted();
+    }
+    [[nodiscard]] qsizetype caret() const { return textView().selection().caret; }
+};
+
+} // namespace
+
+TEST_F(ModalEditingTest, AnInsertSessionIsOneStepOfUndoUntilTheFocusGoes)
+{
+    start("one two\n");
+    type(u"cwfirst, "_s);
+    press(Qt::Key_Backspace);
+    press(Qt::Key_Return);
+    type(u"second "_s);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(text(), u"first,\nsecond two\n"_s);
+    type(u"u"_s);
+    EXPECT_EQ(text(), u"one two\n"_s);
+    press(Qt::Key_R, Qt::ControlModifier);
+    EXPECT_EQ(text(), u"first,\nsecond two\n"_s);
+
+    type(u"ggIa"_s);
+    textView().clearFocus();
+    textView().setFocus();
+    type(u"b"_s);
+    press(Qt::Key_Escape);
+    type(u"u"_s);
+    EXPECT_EQ(text(), u"afirst,\nsecond two\n"_s);
+    // Undoing while inserting is no step of the session.
+    type(u"ix"_s);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(text(), u"afirst,\nsecond two\n"_s);
+    type(u"y"_s);
+    press(Qt::Key_Escape);
+    type(u"u"_s);
+    EXPECT_EQ(text(), u"afirst,\nsecond two\n"_s);
+}
+
+TEST_F(ModalEditingTest, LettersComeFromTheirPlaceOnTheKeyboard)
+{
+    start("one two\n");
+    pressForeign(u"ц"_s, 17); // w
+    EXPECT_EQ(caret(), 4);
+    pressForeign(u"Ш"_s, 23, Qt::ShiftModifier); // I
+    pressForeign(u"ы"_s, 31);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(text(), u"ыone two\n"_s) << "what is inserted is what is written";
+    // As is the character that is looked for.
+    type(u"$F"_s);
+    pressForeign(u"ы"_s, 31);
+    EXPECT_EQ(caret(), 0);
+}
+
+TEST_F(ModalEditingTest, InputMethodsTypeTextAndNoCommands)
+{
+    start("one tw\u00e9\n");
+    EXPECT_FALSE(takesInputMethod());
+    type(u"f"_s);
+    EXPECT_TRUE(takesInputMethod());
+    commit(u"é"_s);
+    EXPECT_EQ(caret(), 6);
+    EXPECT_FALSE(takesInputMethod());
+    type(u"r"_s);
+    commit(u"\U0001F600"_s);
+    EXPECT_EQ(text(), u"one tw\U0001F600\n"_s);
+    type(u"0i"_s);
+    EXPECT_TRUE(takesInputMethod());
+    commit(u"日本"_s);
+    press(Qt::Key_Escape);
+    type(u"."_s);
+    EXPECT_EQ(text(), u"日日本本one tw\U0001F600\n"_s) << "repeated like typed text";
+    preferences.setVimMode(false);
+    EXPECT_TRUE(takesInputMethod());
+}
+
+TEST_F(ModalEditingTest, ControlChordsThatItHasNoUseForStayShortcuts)
+{
+    for (const Qt::Key key : {Qt::Key_R, Qt::Key_D, Qt::Key_U, Qt::Key_F, Qt::Key_B, Qt::Key_W, Qt::Key_C, Qt::Key_BracketLeft}) {
+        EXPECT_TRUE(claims(key, Qt::ControlModifier)) << key;
+    }
+    for (const Qt::Key key : {Qt::Key_S, Qt::Key_N, Qt::Key_T, Qt::Key_P, Qt::Key_G, Qt::Key_L}) {
+        EXPECT_FALSE(claims(key, Qt::ControlModifier)) << key;
+    }
+    EXPECT_FALSE(claims(Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier)) << "the other key of Find";
+    EXPECT_FALSE(claims(Qt::Key_J, Qt::AltModifier));
+    preferences.setVimKeymapPreset(VimKeymapPreset::lazyVim);
+    EXPECT_TRUE(claims(Qt::Key_S, Qt::ControlModifier));
+    EXPECT_TRUE(claims(Qt::Key_J, Qt::AltModifier));
+    type(u"i"_s);
+    EXPECT_FALSE(claims(Qt::Key_S, Qt::ControlModifier));
+    EXPECT_FALSE(claims(Qt::Key_W, Qt::ControlModifier));
+    EXPECT_TRUE(claims(Qt::Key_C, Qt::ControlModifier));
+}
+
+TEST_F(ModalEditingTest, TheWindowShowsModeAndKeysAtOnce)
+{
+    start("one two three\n");
+    const auto badge = [this] { return workspace().statusBar().findChild<VimBadge *>()->text().trimmed(); };
+    EXPECT_EQ(badge(), u"NORMAL"_s);
+    type(u"2d3"_s);
+    EXPECT_EQ(badge(), u"NORMAL  2d3"_s);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(badge(), u"NORMAL"_s);
+    type(u"i"_s);
+    EXPECT_EQ(badge(), u"INSERT"_s);
+    press(Qt::Key_Escape);
+    type(u"/thr"_s);
+    EXPECT_EQ(badge(), u"/thr█"_s);
+    press(Qt::Key_Return);
+    EXPECT_EQ(caret(), 8);
+    EXPECT_EQ(badge(), u"NORMAL"_s);
+    // Each editor has its mode, all have the same registers.
+    type(u"yiwi"_s);
+    send("newDocument:");
+    EXPECT_EQ(badge(), u"NORMAL"_s);
+    type(u"p"_s);
+    EXPECT_EQ(text(), u"three"_s);
+    press(Qt::Key_W, Qt::ControlModifier);
+    type(u"v"_s);
+    EXPECT_EQ(workspace().panes().size(), 2U);
+    preferences.setVimMode(false);
+    EXPECT_TRUE(workspace().statusBar().findChild<VimBadge *>()->isHidden());
+}
