@@ -287,6 +287,14 @@ std::optional<Rope> SessionStore::draft(const QString &name)
     return text;
 }
 
+std::optional<FileStamp> SessionStore::draftStamp(const QString &name) const
+{
+    struct stat status = {};
+    const QString path = draftsDirectory() + u'/' + name;
+    return isPlainName(name) && m_calls.stat(QFile::encodeName(path).constData(), &status) == 0 ? std::optional(FileStamp::of(status))
+                                                                                                : std::nullopt;
+}
+
 bool SessionStore::hasUnreadableDraft(const QUuid &document) const
 {
     const std::lock_guard lock(m_queue->mutex);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Model/FileStamp.h"
 #include "Model/SessionSnapshot.h"
 #include "Platform/FileCalls.h"
 #include "Platform/Result.h"
@@ -73,6 +74,8 @@ public:
     [[nodiscard]] Saved read();
     /// A draft's text; none when the name is none of a draft, or when it cannot be read: then it is left where it is.
     [[nodiscard]] std::optional<Rope> draft(const QString &name);
+    /// When the draft was written; none when that cannot be told.
+    [[nodiscard]] std::optional<FileStamp> draftStamp(const QString &name) const;
     /// Some day it may be readable again: another document must not write or discard it as its own.
     [[nodiscard]] bool hasUnreadableDraft(const QUuid &document) const;
     /// `document` has the text of the draft `name` and goes on using it.

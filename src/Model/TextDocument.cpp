@@ -10,6 +10,7 @@
 #include "Platform/Translation.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 using namespace Qt::StringLiterals;
@@ -42,6 +43,14 @@ TextChange differenceOf(const Rope &before, const Rope &after)
         --tail;
     }
     return {.position = head, .removed = before.length() - tail - head, .inserted = after.length() - tail - head};
+}
+
+/// Also at the same time, since clocks tick a few times in a hundredth of a second only.
+bool hasChangedSince(const QString &path, const FileStamp &stamp)
+{
+    struct stat status = {};
+    const auto time = [](const timespec &value) { return std::pair(value.tv_sec, value.tv_nsec); };
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0 && time(status.st_mtim) >= time(stamp.modified);
 }
 
 } // namespace
@@ -98,10 +107,16 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
     document->startWatching(std::nullopt);
     if (!path.isEmpty()) {
         document->m_arrival = BackgroundTask::start(
-            services.workers, [path](const std::stop_token &) { return identityOf(path); },
-            [self = document.get(), path](const QString &identity) {
+            services.workers,
+            [path, kept = contents.stamp](const std::stop_token &) {
+                return std::pair(identityOf(path), kept && hasChangedSince(path, *kept));
+            },
+            [self = document.get(), path](const std::pair<QString, bool> &found) {
                 if (self->m_path == path) {
-                    self->m_identity = identity;
+                    self->m_identity = found.first;
+                    if (found.second) {
+                        self->compareWithFile();
+                    }
                 }
             });
     }

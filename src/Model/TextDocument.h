@@ -76,8 +76,8 @@ public:
     /// `path` is empty for a text without a file; no contents are an empty text.
     TextDocument(const DocumentServices &services, const QString &path, const std::optional<TextFile::Contents> &contents,
                  const QUuid &id = QUuid::createUuid());
-    /// A text that was not saved when it was kept, of the file at `path`, which may be gone, or of none. Asks no file system: that may
-    /// hang.
+    /// A text that was not saved when it was kept, of the file at `path`, which may be gone, or of none. The stamp is that of where it was
+    /// kept: a file that was written since is compared with it. Asks no file system by itself: that may hang.
     [[nodiscard]] static std::unique_ptr<TextDocument> fromDraft(const DocumentServices &services, const QString &path,
                                                                  const TextFile::Contents &contents, const QUuid &id);
     /// A file that a worker reads, since its place may not answer; as its text comes, it is that of a document that was opened. Until then

@@ -14,6 +14,7 @@
 #include "Platform/Workers.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -284,6 +285,36 @@ TEST_F(SessionStoreTest, ADraftOfAFileThatOthersChangedIsNotReplacedByIt)
     EXPECT_EQ(restoredText.storage().string(), u"typed"_s);
     ASSERT_TRUE(restoredText.revertToFileOnDisk());
     EXPECT_FALSE(restoredText.hasUnsavedText());
+}
+
+TEST_F(SessionStoreTest, AFileThatWasWrittenAfterItsDraftIsComparedWithIt)
+{
+    struct Case {
+        const char *file;
+        int secondsLater;
+        TextDocument::ExternalState state;
+        bool isUnsaved;
+    };
+    using enum TextDocument::ExternalState;
+    // The program may have been killed when the file was saved and the draft was still there.
+    for (const auto &[content, secondsLater, state, isUnsaved] :
+         std::to_array<Case>({{"old", -5, none, true}, {"saved later", 5, conflicted, true}, {"typed", 5, none, false}})) {
+        put(u"a.txt"_s, content);
+        put(u"Drafts/"_s + DraftFile::nameFor(firstId), "typed");
+        QFile file(root() + u"/a.txt"_s);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(secondsLater), QFileDevice::FileModificationTime));
+        file.close();
+        const Snapshot snapshot{.documents = {{.id = firstId, .filePath = file.fileName(), .draftFilename = DraftFile::nameFor(firstId)}}};
+        auto store = open();
+        const auto restored = restoreDocuments({.snapshot = snapshot}, *store, documents);
+        settle();
+        TextDocument &text = *restored.front().document;
+        EXPECT_EQ(text.externalState(), state) << content;
+        EXPECT_EQ(text.hasUnsavedText(), isUnsaved) << content;
+        EXPECT_EQ(text.storage().string(), u"typed"_s);
+        documents.remove(text);
+    }
 }
 
 TEST_F(SessionStoreTest, DamagedEntriesLoseNoText)
