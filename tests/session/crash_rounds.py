@@ -1,0 +1,425 @@
+#!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The Quillet authors
+# SPDX-License-Identifier: MIT
+"""Works at random, kills the program at a bad moment, and looks what comes back: nothing that was kept may be lost, and nothing else come.
+Usage: crash_rounds.py PROGRAM [--rounds N] [--seed S] [--patience SECONDS] [--keep]"""
+import argparse
+import collections
+import random
+import sys
+import time
+
+from driven_program import PATIENCE, Driven, Home
+
+SETTINGS = "session.autosaveInterval=0.5\n"
+# No blanks: the editor would begin the next line with those of the line before.
+LETTERS = "abcdefghijklmnopqrstuvwxyz0123456789_-.äß€"
+
+
+class Loss(Exception):
+    pass
+
+
+def require(condition, what):
+    if not condition:
+        raise Loss(what)
+
+
+def shortened(text):
+    text = repr(text)
+    return text if len(text) <= 80 else text[:50] + "…" + text[-25:]
+
+
+def difference(got, wanted, place=""):
+    """The first one there is."""
+    if isinstance(got, dict) and isinstance(wanted, dict):
+        for key in sorted(got.keys() | wanted.keys()):
+            if got.get(key) != wanted.get(key):
+                return difference(got.get(key), wanted.get(key), f"{place} {key}")
+    return f"{shortened(got)} instead of {shortened(wanted)} at{place}"
+
+
+class State:
+    """What the program shows; of windows that follow the first only the texts count."""
+
+    def __init__(self, answer):
+        self.windows = answer["windows"]
+        self.question = answer.get("question")
+        self.texts = {}
+        for window in self.windows:
+            self.texts.update(window["texts"])
+
+    def pane(self):
+        return self.windows[0]["panes"][self.windows[0]["active"]]
+
+    def current(self):
+        """Id and text of the tab in front."""
+        pane = self.pane()
+        identity = pane["tabs"][pane["selected"]]
+        return identity, self.texts[identity]
+
+    def tab_count(self):
+        return sum(len(pane["tabs"]) for pane in self.windows[0]["panes"])
+
+    def comes_back(self, identity):
+        return bool(self.texts[identity]["path"] or self.texts[identity]["text"])
+
+    def wanted(self):
+        """Of one window, what has to come back: all but empty tabs without a file."""
+        window = self.windows[0]
+        panes, active = [], 0
+        for index, pane in enumerate(window["panes"]):
+            tabs = [identity for identity in pane["tabs"] if self.comes_back(identity)]
+            if tabs:
+                selected = pane["tabs"][pane["selected"]]
+                active = len(panes) if index == window["active"] else active
+                panes.append({"tabs": tabs, "selected": tabs.index(selected) if selected in tabs else 0})
+        # Of a selection its beginning comes back.
+        texts = {identity: {"path": text["path"], "text": text["text"], "caret": text["range"][0], "scroll": text["scroll"]}
+                 for identity, text in self.texts.items() if self.comes_back(identity)}
+        if not panes:
+            return {}
+        # What the editors in front show, where their document has one place only.
+        shown = {}
+        for pane in window["panes"]:
+            identity = pane["tabs"][pane["selected"]]
+            if self.comes_back(identity) and sum(identity in other["tabs"] for other in window["panes"]) == 1:
+                shown[identity] = (pane["range"][0], pane["scroll"])
+        return {"panes": panes, "active": active, "isSideBySide": window["isSideBySide"] or len(panes) == 1, "size": window["size"],
+                "texts": texts, "shown": shown}
+
+
+class Disk:
+    """What lies there when nothing runs."""
+
+    def __init__(self, home):
+        self.session = home.session()
+        self.drafts = home.drafts()
+        self.files = home.file_texts()
+
+    def wanted(self):
+        """Path and text of what has to come back from it."""
+        texts, named = {}, set()
+        entries = self.session["documents"] if self.session else []
+        for entry in entries:
+            named.add(entry.get("draftFilename"))
+        for entry in entries:
+            own = entry["id"] + ".draft"
+            name = entry.get("draftFilename") or (own if own not in named else None)
+            path = entry.get("filePath", "")
+            if name in self.drafts:
+                texts[entry["id"].lower()] = (path, self.drafts[name])
+                named.add(name)
+            elif path in self.files:
+                texts[entry["id"].lower()] = (path, self.files[path])
+        for name, text in self.drafts.items():
+            if name not in named and text:
+                texts[name.removesuffix(".draft").lower()] = ("", text)
+        return texts
+
+    def holds(self, state):
+        """Everything that was typed, and where."""
+        if not self.session or len(state.windows) != 1:
+            return False
+        window = state.windows[0]
+        panes = [([identity.lower() for identity in pane["documentIDs"]], pane["selectedIndex"]) for pane in self.session["panes"]]
+        if panes != [(pane["tabs"], pane["selected"]) for pane in window["panes"]]:
+            return False
+        if (self.session["focusedPaneIndex"], self.session["splitIsVertical"]) != (window["active"], window["isSideBySide"]):
+            return False
+        entries = {entry["id"].lower(): entry for entry in self.session["documents"]}
+        if entries.keys() != state.texts.keys():
+            return False
+        drafts = {name for name in (entry.get("draftFilename") for entry in entries.values()) if name}
+        if drafts != self.drafts.keys():
+            return False
+        for identity, text in state.texts.items():
+            entry = entries[identity]
+            kept = self.drafts[entry["draftFilename"]] if "draftFilename" in entry else self.files.get(text["path"], "")
+            place = [entry["selectionLocation"], entry["selectionLength"]], entry["scrollOffset"]
+            if kept != text["text"] or entry.get("filePath", "") != text["path"] or place != (text["range"], text["scroll"]):
+                return False
+        return True
+
+
+class Rounds:
+    def __init__(self, program, seed, patience):
+        self.program = program
+        self.random = random.Random(seed)
+        self.patience = patience
+        self.home = Home(SETTINGS)
+        self.name_count = 0
+        for name, lines in (("short.txt", 3), ("long.txt", 300), ("longer.txt", 900)):
+            (self.home.files / name).write_text("".join(f"line-{line}-of-{name}\n" for line in range(lines)))
+        self.openable = [str(file) for file in self.home.files.iterdir()]
+        # Every version of each text, by its id; as indexes, the latest that is on disk for certain and the one that was saved last.
+        self.versions = collections.defaultdict(list)
+        self.certain = {}
+        self.saved = {}
+        self.dismissed = set()
+        self.check = lambda state: None
+        self.slowest = self.slowest_end = 0.0
+
+    # What is known of the texts
+
+    def note(self, state):
+        for identity, text in state.texts.items():
+            if not self.versions[identity] or self.versions[identity][-1] != text["text"]:
+                self.versions[identity].append(text["text"])
+
+    def version(self, identity, text):
+        """-1 when it was never typed."""
+        versions = self.versions.get(identity, [])
+        return max((index for index, version in enumerate(versions) if version == text), default=-1)
+
+    def note_certain(self, state):
+        self.certain = {identity: self.version(identity, text["text"]) for identity, text in state.texts.items()
+                        if state.comes_back(identity)}
+
+    # Working
+
+    def state(self):
+        state = State(self.driven.ask("state"))
+        self.note(state)
+        for identity in list(self.certain):
+            if identity not in state.texts:
+                # Closed by the user, who was asked.
+                del self.certain[identity]
+        return state
+
+    def typing(self):
+        """The command; what the text is like between the keys is noted."""
+        lines = ("".join(self.random.choices(LETTERS, k=self.random.randint(1, 12))) for _ in range(self.random.randint(1, 8)))
+        keys = "\n".join(lines)
+        state = self.state()
+        identity, text = state.current()
+        location, length = state.pane()["range"]
+        units = text["text"].encode("utf-16-le")
+        before, after = units[:2 * location].decode("utf-16-le"), units[2 * (location + length):].decode("utf-16-le")
+        self.versions[identity] += [before + keys[:count] + after for count in range(1, len(keys) + 1)]
+        return "type " + keys.replace("\n", "\\n")
+
+    def saving(self):
+        identity, text = self.state().current()
+        self.saved[identity] = self.version(identity, text["text"])
+        return "do saveDocument:"
+
+    def new_path(self):
+        self.name_count += 1
+        return str(self.home.files / f"{self.name_count}.txt")
+
+    def save(self):
+        self.driven.ask(self.saving())
+        if "question" in self.driven.ask("state"):
+            self.driven.ask(f"answer {self.new_path()}")
+
+    def close(self):
+        self.driven.ask("do closeTab:")
+        state = State(self.driven.ask("state"))
+        if state.question:
+            answer = self.random.choice(("Don’t Save", "Don’t Save", "Cancel"))
+            self.driven.ask(f"answer {answer}")
+
+    def step(self):
+        ask, choice = self.driven.ask, self.random.random
+        keys = self.random.choice(("Ctrl+Home", "Ctrl+End", "PgDown", "PgUp", "Down", "Right", "Shift+Right", "Shift+Down", "End"))
+        split = self.random.choice(("splitEditorRight:", "splitEditorDown:", "closeSplit:", "toggleSplitOrientation:", "focusNextPane:"))
+        tab = self.random.choice(("selectNextTab:", "selectPreviousTab:"))
+        steps = ((30, lambda: ask(self.typing())), (6, lambda: ask("do newDocument:")),
+                 (5, lambda: ask(f"open {self.random.choice(self.openable)}")), (14, lambda: ask(f"keys {keys}")),
+                 (8, lambda: ask(f"do {split}")), (8, lambda: ask(f"do {tab}")), (8, lambda: ask("do undo:")), (3, lambda: ask("do redo:")),
+                 (8, self.save), (8 + 4 * max(0, self.state().tab_count() - 6), self.close), (2, lambda: time.sleep(choice() * 0.7)))
+        self.random.choices([step for _, step in steps], [weight for weight, _ in steps])[0]()
+        state = self.state()
+        require(not state.question, f"the program asks: {state.question}")
+        return state
+
+    # Ways to end
+
+    def settle(self):
+        """Waits until the disk holds everything."""
+        begin = time.monotonic()
+        while True:
+            state = self.state()
+            if Disk(self.home).holds(state):
+                break
+            require(time.monotonic() - begin < PATIENCE, "what was typed is not written")
+            time.sleep(0.01)
+        self.slowest = max(self.slowest, time.monotonic() - begin)
+        self.note_certain(state)
+        return state
+
+    def kill_settled(self):
+        state = self.settle()
+        self.driven.kill()
+        self.expect_all(state)
+
+    def terminate(self):
+        state = self.state()
+        took, code = self.driven.terminate()
+        require(code == 0, f"exit code {code} when told to end")
+        require(took < self.patience, f"told to end, it took {took:.2f} s")
+        self.slowest_end = max(self.slowest_end, took)
+        self.note_certain(state)
+        self.expect_all(state)
+
+    def kill_typing(self):
+        self.driven.send(self.typing())
+        time.sleep(self.random.random() ** 3 * 0.9)
+        self.kill()
+
+    def kill_saving(self):
+        _, text = self.state().current()
+        if not text["path"]:
+            self.save()
+            self.state()
+        self.driven.ask(self.typing())
+        self.state()
+        if self.random.random() < 0.5:
+            time.sleep(self.random.random() * 0.4)
+        self.driven.send(self.saving())
+        time.sleep(self.random.random() ** 2 * 0.03)
+        self.kill()
+
+    def kill_at_tick(self):
+        trace = self.home.trace()
+        if self.random.random() < 0.5:
+            # Its draft is written before the session knows of it.
+            self.driven.ask("do newDocument:")
+        self.driven.ask(self.typing())
+        self.state()
+        deadline = time.monotonic() + PATIENCE
+        while self.home.trace() == trace:
+            require(time.monotonic() < deadline, "nothing is written after typing")
+            time.sleep(0.0005)
+        time.sleep(self.random.random() ** 2 * 0.006)
+        self.kill()
+
+    def kill(self):
+        self.driven.freeze()
+        disk = Disk(self.home)
+        self.driven.kill()
+        self.expect_disk(disk)
+
+    # What comes back
+
+    def expect_all(self, state):
+        wanted = state.wanted()
+
+        def check(found):
+            for key, value in wanted.items():
+                got = found.wanted().get(key)
+                if key == "shown":
+                    got = {identity: got[identity] for identity in got if identity in value}
+                require(got == value, f"{key}: {difference(got, value)}")
+            require(wanted or not found.wanted(), f"came back without being kept: {found.texts}")
+        self.check = check
+
+    def expect_disk(self, disk):
+        wanted = disk.wanted()
+
+        def check(found):
+            for identity, (path, text) in wanted.items():
+                require(identity in found.texts, f"on disk, not back: {shortened(text)} {path}")
+                got = found.texts[identity]
+                require((got["path"], got["text"]) == (path, text), f"{shortened(got['text'])} instead of {shortened(text)} {path}")
+        self.check = check
+
+    def check_texts(self, found):
+        files = self.home.file_texts()
+        for identity, index in self.certain.items():
+            require(identity in found.texts, f"lost: {shortened(self.versions[identity][index])}")
+        for identity, text in found.texts.items():
+            if not found.comes_back(identity):
+                continue
+            in_file = files.get(text["path"])
+            if self.version(identity, text["text"]) < 0 and text["text"] == in_file:
+                # Typed into another tab of the file, which was closed or is not in the session yet.
+                require(any(in_file in versions for versions in self.versions.values()), f"not of this file: {shortened(in_file)}")
+                self.versions[identity].append(in_file)
+            version = self.version(identity, text["text"])
+            require(version >= 0, f"never typed: {shortened(text['text'])}")
+            require(identity not in self.dismissed, f"dismissed, but back: {shortened(text['text'])}")
+            require(version >= self.certain.get(identity, 0), f"older than what was kept: {shortened(text['text'])}")
+            # Killed when the file was saved and the draft not deleted yet; the user is told that they differ.
+            saved = self.saved.get(identity, -1)
+            is_older = version < saved and in_file == self.versions[identity][saved]
+            require(not is_older or text["isConflicted"], f"older than its file: {shortened(text['text'])} {text['path']}")
+            require(text["isUnsaved"] or in_file == text["text"], f"counts as saved, but is not: {shortened(text['text'])}")
+
+    def start(self):
+        """Checks what came back; views need a moment until they are where they were."""
+        self.driven = Driven(self.program, self.home)
+        deadline = time.monotonic() + 5
+        while True:
+            state = State(self.driven.ask("state"))
+            try:
+                require(not state.question, f"the program asks: {state.question}")
+                self.check(state)
+                self.check_texts(state)
+                break
+            except Loss:
+                if time.monotonic() > deadline:
+                    raise
+                time.sleep(0.05)
+        self.note(state)
+        self.note_certain(state)
+        return state
+
+    def round(self):
+        """Answers with how it ended."""
+        gone = set()
+        state = self.start()
+        for _ in range(self.random.randint(1, 10)):
+            before = state
+            state = self.step()
+            gone |= before.texts.keys() - state.texts.keys()
+            if self.random.random() < 0.05:
+                self.settle()
+                self.dismissed |= gone - state.texts.keys()
+        end = self.random.choice((self.kill_settled, self.kill_settled, self.terminate, self.kill_typing, self.kill_typing,
+                                  self.kill_saving, self.kill_at_tick, self.kill_at_tick))
+        end()
+        if end in (self.kill_settled, self.terminate):
+            self.dismissed |= gone - state.texts.keys()
+        complaints = self.home.complaints()
+        require(not complaints, f"the program complains: {complaints[:3]}")
+        return end.__name__
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("program")
+    parser.add_argument("--rounds", type=int, default=100)
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--patience", type=float, default=1, help="seconds in which the program has to end when it is told to")
+    parser.add_argument("--keep", action="store_true", help="the folders of a loss stay")
+    arguments = parser.parse_args()
+    losses = 0
+    ends = collections.Counter()
+    everything = [Rounds(arguments.program, arguments.seed, arguments.patience)]
+    for number in range(1, arguments.rounds + 1):
+        rounds = everything[-1]
+        try:
+            ends[rounds.round()] += 1
+            if number == arguments.rounds:
+                rounds.start()
+                rounds.driven.kill()
+        except (Loss, RuntimeError, BrokenPipeError) as problem:
+            losses += 1
+            place = f" ({rounds.home.path})" if arguments.keep else ""
+            print(f"seed {arguments.seed}, round {number}: {problem}{place}", file=sys.stderr)
+            rounds.driven.kill()
+            rounds.home.remove(keep=arguments.keep)
+            # Anew: what follows from a loss is none.
+            everything.append(Rounds(arguments.program, f"{arguments.seed}/{number}", arguments.patience))
+    everything[-1].home.remove()
+    print(", ".join(f"{count} {name}" for name, count in sorted(ends.items())))
+    print(f"everything was written within {max(rounds.slowest for rounds in everything):.2f} s, "
+          f"the program ended within {max(rounds.slowest_end for rounds in everything):.2f} s")
+    print(f"{arguments.rounds} rounds, {losses} losses")
+    return 1 if losses else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

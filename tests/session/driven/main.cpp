@@ -1,0 +1,265 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// The program without a display: it does what the lines of its standard input say, and answers each with a line of JSON when it is done.
+//
+//     type TEXT        keys for the text in front, one by one; "\n" is a line break
+//     keys CTRL+N      one chord, for the window in front
+//     do SELECTOR      an action, as a menu sends it
+//     open PATH
+//     answer WORDS     presses that button of the question that is asked, or gives the file panel this path
+//     state            what there is to be seen
+#include "App/AppDelegate.h"
+#include "App/Program.h"
+#include "Model/TextDocument.h"
+#include "Platform/FirstResponder.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QFileDialog>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QSocketNotifier>
+#include <QTest>
+#include <QTimer>
+
+#include <array>
+#include <cstdio>
+#include <deque>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class Driver final {
+public:
+    explicit Driver(Program &program) : m_program(program)
+    {
+        QObject::connect(&m_input, &QSocketNotifier::activated, &m_input, [this] { readLines(); });
+    }
+
+private:
+    struct Command {
+        QStringView name;
+        void (Driver::*run)(const QString &rest);
+    };
+
+    void readLines();
+    void obey(const QString &line);
+    void later(std::function<void()> step) { m_steps.push_back(std::move(step)); }
+    void nextStep();
+    void answer();
+
+    void type(const QString &text);
+    void press(const QString &chord);
+    void perform(const QString &selector);
+    void open(const QString &path) { window().workspace().open({path}); }
+    void answerQuestion(const QString &words);
+    void tellState(const QString &);
+
+    [[nodiscard]] MainWindowController &window() const { return *m_program.delegate().frontmostWindow(); }
+    [[nodiscard]] static QDialog *question();
+    [[nodiscard]] static QJsonObject stateOf(const PaneViewController &pane);
+    [[nodiscard]] static QJsonObject stateOf(const TextDocument &document);
+
+    Program &m_program;
+    QSocketNotifier m_input{STDIN_FILENO, QSocketNotifier::Read};
+    QByteArray m_unread;
+    /// Events are handled between them, as between keys.
+    std::deque<std::function<void()>> m_steps;
+    bool m_isBusy = false;
+    QJsonObject m_answer;
+};
+
+void Driver::readLines()
+{
+    QByteArray bytes(4096, Qt::Uninitialized);
+    const ssize_t count = ::read(STDIN_FILENO, bytes.data(), size_t(bytes.size()));
+    if (count <= 0) {
+        m_input.setEnabled(false);
+        QCoreApplication::exit(3);
+        return;
+    }
+    m_unread += bytes.first(count);
+    for (qsizetype end = m_unread.indexOf('\n'); end >= 0; end = m_unread.indexOf('\n')) {
+        later([this, line = QString::fromUtf8(m_unread.first(end))] { obey(line); });
+        m_unread = m_unread.sliced(end + 1);
+    }
+    if (!m_isBusy) {
+        m_isBusy = true;
+        nextStep();
+    }
+}
+
+void Driver::nextStep()
+{
+    m_isBusy = !m_steps.empty();
+    if (m_isBusy) {
+        const auto step = std::move(m_steps.front());
+        m_steps.pop_front();
+        step();
+        QTimer::singleShot(0, &m_input, [this] { nextStep(); });
+    }
+}
+
+void Driver::obey(const QString &line)
+{
+    static constexpr auto commands = std::to_array<Command>({
+        {u"type", &Driver::type},
+        {u"keys", &Driver::press},
+        {u"do", &Driver::perform},
+        {u"open", &Driver::open},
+        {u"answer", &Driver::answerQuestion},
+        {u"state", &Driver::tellState},
+    });
+    const QString name = line.section(u' ', 0, 0);
+    const auto command = std::ranges::find(commands, QStringView(name), &Command::name);
+    if (command == commands.end()) {
+        m_answer.insert("error"_L1, u"unknown command: "_s + line);
+    } else {
+        (this->*command->run)(line.section(u' ', 1));
+    }
+    later([this] { answer(); });
+}
+
+void Driver::answer()
+{
+    const QByteArray line = QJsonDocument(std::exchange(m_answer, {})).toJson(QJsonDocument::Compact) + '\n';
+    std::fwrite(line.constData(), 1, size_t(line.size()), stdout);
+    std::fflush(stdout);
+}
+
+void Driver::type(const QString &text)
+{
+    QString keys = text;
+    keys.replace("\\n"_L1, "\r"_L1);
+    for (const QChar character : keys) {
+        later([this, character] {
+            EditorViewController *editor = window().workspace().currentEditor();
+            if (!editor || question()) {
+                m_answer.insert("error"_L1, u"no text to type into"_s);
+                return;
+            }
+            const int key = character == u'\r' ? int(Qt::Key_Return) : int(character.toUpper().unicode());
+            for (const auto kind : {QEvent::KeyPress, QEvent::KeyRelease}) {
+                QKeyEvent event(kind, key, Qt::NoModifier, QString(character));
+                QApplication::sendEvent(&editor->textView(), &event);
+            }
+        });
+    }
+}
+
+void Driver::press(const QString &chord)
+{
+    QTest::keySequence(window().windowHandle(), QKeySequence::fromString(chord));
+}
+
+void Driver::perform(const QString &selector)
+{
+    const QByteArray name = selector.toLatin1();
+    Responder *responder = firstResponder(&window());
+    if (!responder || !responder->perform(Selector(std::string_view(name.constData(), size_t(name.size()))), {})) {
+        m_answer.insert("error"_L1, u"nobody takes "_s + selector);
+    }
+}
+
+QDialog *Driver::question()
+{
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (auto *dialog = qobject_cast<QDialog *>(widget); dialog && dialog->isVisible()) {
+            return dialog;
+        }
+    }
+    return nullptr;
+}
+
+void Driver::answerQuestion(const QString &words)
+{
+    QDialog *dialog = question();
+    if (auto *panel = qobject_cast<QFileDialog *>(dialog)) {
+        panel->findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(words);
+        dialog->accept();
+        return;
+    }
+    const auto buttons = dialog ? dialog->findChildren<QAbstractButton *>() : QList<QAbstractButton *>();
+    const auto button = std::ranges::find_if(buttons, [&](const QAbstractButton *each) { return each->text().remove(u'&') == words; });
+    if (button == buttons.end()) {
+        m_answer.insert("error"_L1, u"no such button: "_s + words);
+    } else {
+        (*button)->click();
+    }
+}
+
+QJsonObject Driver::stateOf(const PaneViewController &pane)
+{
+    QJsonArray tabs;
+    for (const auto &document : pane.documents()) {
+        tabs << document->id().toString(QUuid::WithoutBraces);
+    }
+    EditorTextView &view = pane.currentEditor()->textView();
+    const TextRange selection = view.selection().range();
+    return {{"tabs"_L1, tabs},
+            {"selected"_L1, pane.selectedIndex()},
+            {"range"_L1, QJsonArray{selection.location, selection.length}},
+            {"scroll"_L1, view.scrollOffset()}};
+}
+
+QJsonObject Driver::stateOf(const TextDocument &document)
+{
+    const TextRange range = document.lastSelectedRange;
+    return {{"path"_L1, document.path()},
+            {"isDirty"_L1, document.isDirty()},
+            {"isConflicted"_L1, document.externalState() == TextDocument::ExternalState::conflicted},
+            {"isUnsaved"_L1, document.hasUnsavedText()},
+            {"text"_L1, document.storage().string()},
+            {"range"_L1, QJsonArray{range.location, range.length}},
+            {"scroll"_L1, document.lastScrollOffset}};
+}
+
+void Driver::tellState(const QString &)
+{
+    QJsonArray windows;
+    for (MainWindowController *each : m_program.delegate().windows()) {
+        WorkspaceViewController &workspace = each->workspace();
+        QJsonArray panes;
+        qsizetype active = 0;
+        for (PaneViewController *pane : workspace.panes()) {
+            active = pane->isActive() ? panes.size() : active;
+            pane->saveViewState();
+            panes << stateOf(*pane);
+        }
+        if (workspace.activePane()) {
+            workspace.activePane()->saveViewState();
+        }
+        QJsonObject texts;
+        for (const auto &document : workspace.documents()) {
+            texts.insert(document->id().toString(QUuid::WithoutBraces), stateOf(*document));
+        }
+        windows << QJsonObject{{"panes"_L1, panes},
+                               {"active"_L1, active},
+                               {"isSideBySide"_L1, workspace.orientation() == Qt::Horizontal},
+                               {"size"_L1, QJsonArray{each->width(), each->height()}},
+                               {"texts"_L1, texts}};
+    }
+    m_answer.insert("windows"_L1, windows);
+    if (const QDialog *dialog = question()) {
+        const auto *box = qobject_cast<const QMessageBox *>(dialog);
+        m_answer.insert("question"_L1, box ? box->text() : dialog->windowTitle());
+    }
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    Program program(*qApp);
+    const Driver driver(program);
+    return program.run(QApplication::arguments().mid(1));
+}

@@ -1,0 +1,124 @@
+# SPDX-FileCopyrightText: 2026 The Quillet authors
+# SPDX-License-Identifier: MIT
+"""The program without a display, told what to do line by line, in folders of its own that outlive it; and what lies in these."""
+import json
+import os
+import pathlib
+import select
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+
+# Seconds for anything that is waited for: only a failure takes that long.
+PATIENCE = 30
+
+
+class Home:
+    """The user's folders."""
+
+    def __init__(self, settings):
+        self.path = pathlib.Path(tempfile.mkdtemp(prefix="quillet-crashes-"))
+        self.files = self.path / "files"
+        self.data = self.path / "data" / "Quillet"
+        self.log = self.path / "log"
+        for name in ("files", "home", "config", "data", "state", "cache", "run"):
+            (self.path / name).mkdir(mode=0o700)
+        (self.path / "config" / "Quillet").mkdir()
+        (self.path / "config" / "Quillet" / "Quillet.conf").write_text("[General]\n" + settings)
+        self.environment = dict(os.environ, HOME=str(self.path / "home"), XDG_RUNTIME_DIR=str(self.path / "run"), LC_ALL="C.UTF-8",
+                                ASAN_OPTIONS="detect_leaks=0", QT_QPA_PLATFORM="offscreen")
+        for name in ("CONFIG", "DATA", "STATE", "CACHE"):
+            self.environment[f"XDG_{name}_HOME"] = str(self.path / name.lower())
+        # No service of this desktop is asked, and none is started.
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={self.path}/run/no-bus"
+        for name in ("DISPLAY", "WAYLAND_DISPLAY", "SESSION_MANAGER", "LANGUAGE"):
+            self.environment.pop(name, None)
+
+    def remove(self, keep=False):
+        if not keep:
+            shutil.rmtree(self.path)
+
+    def session(self):
+        """None when there is none."""
+        try:
+            return json.loads((self.data / "session.json").read_bytes())
+        except FileNotFoundError:
+            return None
+
+    def drafts(self):
+        return {draft.name: draft.read_bytes().decode() for draft in (self.data / "Drafts").glob("*.draft")}
+
+    def file_texts(self):
+        return {str(file): file.read_bytes().decode() for file in self.files.iterdir() if not file.name.startswith(".")}
+
+    def trace(self):
+        """Differs when anything of the session was written since."""
+        found = []
+        for folder in (self.data, self.data / "Drafts"):
+            for entry in os.scandir(folder):
+                try:
+                    found.append((entry.name, entry.inode(), entry.stat().st_mtime_ns))
+                except FileNotFoundError:
+                    found.append((entry.name, 0, 0))
+        return sorted(found)
+
+    def complaints(self):
+        lines = self.log.read_text(errors="replace").splitlines() if self.log.exists() else []
+        return [line for line in lines if "ERROR:" in line or "runtime error" in line or "ASSERT" in line]
+
+
+class Driven:
+    def __init__(self, program, home):
+        self.log = open(home.log, "ab")
+        self.process = subprocess.Popen([os.path.abspath(program)], env=home.environment, cwd=home.files, stdin=subprocess.PIPE,
+                                        stdout=subprocess.PIPE, stderr=self.log)
+        self.unread = b""
+
+    def send(self, command):
+        self.process.stdin.write(command.encode() + b"\n")
+        self.process.stdin.flush()
+
+    def ask(self, command):
+        """Sends the command and waits until it is done."""
+        self.send(command)
+        deadline = time.monotonic() + PATIENCE
+        while b"\n" not in self.unread:
+            if not select.select([self.process.stdout], [], [], max(0, deadline - time.monotonic()))[0]:
+                raise RuntimeError(f"no answer to “{command}”")
+            bytes_read = os.read(self.process.stdout.fileno(), 1 << 16)
+            if not bytes_read:
+                raise RuntimeError(f"the program ended at “{command}” with {self.process.wait()}")
+            self.unread += bytes_read
+        line, self.unread = self.unread.split(b"\n", 1)
+        return json.loads(line)
+
+    def freeze(self):
+        """Not another instruction; then the disk is at rest."""
+        self.process.send_signal(signal.SIGSTOP)
+        os.waitid(os.P_PID, self.process.pid, os.WSTOPPED | os.WNOWAIT)
+
+    def kill(self):
+        if self.process.poll() is None:
+            self.process.kill()
+        self.end()
+
+    def terminate(self):
+        """How many seconds it took, and the exit code."""
+        begin = time.monotonic()
+        self.process.terminate()
+        try:
+            code = self.process.wait(timeout=PATIENCE)
+        except subprocess.TimeoutExpired:
+            self.process.kill()
+            code = None
+        took = time.monotonic() - begin
+        self.end()
+        return took, code
+
+    def end(self):
+        self.process.wait()
+        self.process.stdin.close()
+        self.process.stdout.close()
+        self.log.close()
