@@ -1,0 +1,139 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Model/Preferences.h"
+#include "Platform/DefaultsStore.h"
+#include "Platform/Pasteboard.h"
+#include "Text/TextBoundaries.h"
+#include "Text/UndoManager.h"
+#include "Vim/VimEngine.h"
+
+#include <gtest/gtest.h>
+
+/// A text with modal editing and nothing to show it: a screen has twenty lines.
+class VimView final : public VimTextView, private VimEngineDelegate {
+public:
+    explicit VimView(const QString &content, VimKeymapPreset preset = VimKeymapPreset::plain) : engine(*this, *this, registers, preset)
+    {
+        {
+            const UndoManager::Pause pause(undoManager);
+            storage.replaceCharacters({}, content);
+        }
+        preferences.setVimSharesClipboard(false);
+    }
+
+    /// As Vim users write them: <Esc>, <CR>, <BS>, <C-r>, <A-j>, <lt>.
+    void press(const QString &keys)
+    {
+        for (qsizetype place = 0; place < keys.size(); ++place) {
+            VimKeyEvent event;
+            QString key = keys.mid(place, keys[place].isHighSurrogate() ? 2 : 1);
+            if (key == u'<') {
+                const QString name = keys.mid(place + 1, keys.indexOf(u'>', place) - place - 1);
+                place += name.size() + 1;
+                event.control = name.startsWith(u"C-");
+                event.option = name.startsWith(u"A-");
+                key = named(event.control || event.option ? name.mid(2) : name);
+            } else {
+                place += key.size() - 1;
+            }
+            event.charactersIgnoringModifiers = key;
+            event.characters = event.control ? QString() : key;
+            if (!engine.handle(event)) {
+                insertText(key == u"\r" ? QStringLiteral("\n") : key);
+            }
+        }
+    }
+    [[nodiscard]] QString string() const { return storage.string(); }
+    /// With "|" for the caret; with the selection between "^" and "|" in the visual modes.
+    [[nodiscard]] QString marked() const
+    {
+        QString all = string();
+        all.insert(selected.end(), u'|');
+        return selected.isEmpty() ? all : all.insert(selected.location, u'^');
+    }
+
+    [[nodiscard]] const Rope &text() const override { return storage.text(); }
+    [[nodiscard]] TextRange selectedRange() const override { return selected; }
+    void select(TextRange range, qsizetype) override
+    {
+        const qsizetype from = TextBoundaries::snapped(text(), range.location);
+        selected = TextRange::between(from, std::max(from, TextBoundaries::snapped(text(), range.end())));
+    }
+    bool replace(std::span<const Edit> edits) override
+    {
+        if (isReadOnly) {
+            return false;
+        }
+        undoManager.beginGroup(GroupKind::other, TextSelection::at(selected.location), this);
+        qsizetype shift = 0;
+        for (const Edit &edit : edits) {
+            storage.replaceCharacters({edit.range.location + shift, edit.range.length}, edit.text);
+            shift += edit.text.length() - edit.range.length;
+        }
+        selected = {edits.front().range.location, 0};
+        undoManager.endGroup(TextSelection::at(selected.location));
+        return true;
+    }
+    void insertText(const QString &inserted) override
+    {
+        const Edit edit{selected, Rope(inserted)};
+        const qsizetype end = selected.location + inserted.size();
+        if (replace({&edit, 1})) {
+            selected = {end, 0};
+        }
+    }
+    void undo() override { show(undoManager.undo()); }
+    void redo() override { show(undoManager.redo()); }
+    void beginUndoGroup() override { undoManager.beginGroup(GroupKind::other, TextSelection::at(selected.location), this); }
+    void endUndoGroup() override { undoManager.endGroup(TextSelection::at(selected.location)); }
+    [[nodiscard]] qsizetype visibleLineCount() const override { return 20; }
+    [[nodiscard]] TextRange visibleRange() const override { return {0, text().length()}; }
+    void centerSelection() override {}
+    void revealSelection() override {}
+    void showIndicator(TextRange) override {}
+    [[nodiscard]] QString indentationUnit() const override { return QStringLiteral("    "); }
+    void toggleComment() override { actions << QStringLiteral("toggleComment"); }
+    void setCaretLook(VimCaret look) override { caretLook = look; }
+    void perform(Selector action) override { actions << QString::fromLatin1(action.name().data(), qsizetype(action.name().size())); }
+    void beep() override { ++beeps; }
+
+    ManualScheduler scheduler;
+    NotificationCenter notifications;
+    DefaultsStore defaults{QString(), scheduler};
+    Preferences preferences{defaults, notifications};
+    MemoryPasteboard pasteboard;
+    VimRegisters registers{pasteboard, preferences};
+    TextStorage storage;
+    UndoManager undoManager{storage, [] { return std::chrono::milliseconds(0); }};
+    TextRange selected;
+    bool isReadOnly = false;
+    VimCaret caretLook = VimCaret::bar;
+    QStringList actions;
+    int beeps = 0;
+    VimEngine engine;
+
+private:
+    static QString named(const QString &name)
+    {
+        if (name == u"Esc") {
+            return QString(QChar(VimKey::escape));
+        }
+        if (name == u"CR") {
+            return QStringLiteral("\r");
+        }
+        if (name == u"BS") {
+            return QString(QChar(VimKey::backspace));
+        }
+        return name == u"lt" ? QStringLiteral("<") : name;
+    }
+    void show(const std::optional<TextSelection> &selection)
+    {
+        if (selection) {
+            select(selection->range(), selection->caret);
+        }
+    }
+    void vimEngineRunsCommand(VimEngine &, const QString &) override {}
+    void vimEngineDidChangeState(VimEngine &) override {}
+};
