@@ -72,7 +72,13 @@ const std::array<VimEngine::PrefixRow, 9> VimEngine::Tables::prefixKeys = {{
 }};
 
 const std::array<VimEngine::ControlRow, 6> VimEngine::Tables::controlKeys = {{
-    {u'r', [](VimEngine &engine) { engine.m_view.redo(); }},
+    {u'r',
+     [](VimEngine &engine) {
+         engine.m_view.redo();
+         if (engine.m_mode == Mode::normal) {
+             engine.moveCaret(engine.m_view.selectedRange().location); // onto a character
+         }
+     }},
     {u'd', [](VimEngine &engine) { engine.scrollLines(engine.m_view.visibleLineCount() / 2); }},
     {u'u', [](VimEngine &engine) { engine.scrollLines(-(engine.m_view.visibleLineCount() / 2)); }},
     {u'f', [](VimEngine &engine) { engine.scrollLines(engine.m_view.visibleLineCount()); }},
@@ -234,7 +240,7 @@ void VimEngine::applyToSelection(OperatorKind kind)
     const TextRange selected = m_view.selectedRange();
     setMode(Mode::normal);
     m_visualHead = selected.location;
-    m_view.select({selected.location, 0}, selected.location);
+    moveCaret(selected.location);
     apply(kind, selected, span);
 }
 
