@@ -75,9 +75,7 @@ const std::array<VimEngine::ControlRow, 6> VimEngine::Tables::controlKeys = {{
     {u'r',
      [](VimEngine &engine) {
          engine.m_view.redo();
-         if (engine.m_mode == Mode::normal) {
-             engine.moveCaret(engine.m_view.selectedRange().location); // onto a character
-         }
+         engine.moveCaret(engine.m_view.selectedRange().location); // onto a character
      }},
     {u'd', [](VimEngine &engine) { engine.scrollLines(engine.m_view.visibleLineCount() / 2); }},
     {u'u', [](VimEngine &engine) { engine.scrollLines(-(engine.m_view.visibleLineCount() / 2)); }},

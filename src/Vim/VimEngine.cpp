@@ -377,7 +377,8 @@ void VimEngine::resetPending()
 
 qsizetype VimEngine::caret() const
 {
-    return isVisual() ? m_visualHead : m_view.selectedRange().location;
+    // Others may have shortened the text meanwhile.
+    return isVisual() ? std::min(m_visualHead, m_view.text().length()) : m_view.selectedRange().location;
 }
 
 void VimEngine::moveCaret(qsizetype target, Keep keep)
