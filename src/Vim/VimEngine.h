@@ -94,6 +94,7 @@ private:
     enum class Side { before, after };
     enum class SearchDirection { forward, backward };
     struct Tables;
+    friend struct VimTables;
     struct OperatorRow;
     struct PrefixRow;
     struct ControlRow;

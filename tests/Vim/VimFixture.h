@@ -11,7 +11,9 @@
 
 #include <gtest/gtest.h>
 
-/// A text with modal editing and nothing to show it: a screen has twenty lines.
+#include <map>
+
+/// A text with modal editing and nothing to show it: a screen has twenty lines, and shows them all unless a test says otherwise.
 class VimView final : public VimTextView, private VimEngineDelegate {
 public:
     explicit VimView(const QString &content, VimKeymapPreset preset = VimKeymapPreset::plain) : engine(*this, *this, registers, preset)
@@ -23,7 +25,7 @@ public:
         preferences.setVimSharesClipboard(false);
     }
 
-    /// As Vim users write them: <Esc>, <CR>, <BS>, <C-r>, <A-j>, <lt>.
+    /// As Vim users write them: <Esc>, <CR>, <C-r>, <A-j>, <Left>, <lt>.
     void press(const QString &keys)
     {
         for (qsizetype place = 0; place < keys.size(); ++place) {
@@ -39,25 +41,28 @@ public:
                 place += key.size() - 1;
             }
             event.charactersIgnoringModifiers = key;
-            event.characters = event.control ? QString() : key;
-            if (!engine.handle(event)) {
+            const bool isText = !event.control && (key.front() < QChar(VimKey::up) || key.front() > QChar(VimKey::pageDown));
+            event.characters = isText ? key : QString();
+            if (!engine.handle(event) && isText) {
                 insertText(key == u"\r" ? QStringLiteral("\n") : key);
             }
         }
     }
     [[nodiscard]] QString string() const { return storage.string(); }
-    /// With "|" for the caret; with the selection between "^" and "|" in the visual modes.
+    /// With "|" for the caret; with the selection between "^" and "|" in the visual modes, "|" where it is moved.
     [[nodiscard]] QString marked() const
     {
         QString all = string();
-        all.insert(selected.end(), u'|');
-        return selected.isEmpty() ? all : all.insert(selected.location, u'^');
+        const bool isBackward = caret == selected.location && selected.length > 1;
+        all.insert(selected.end(), isBackward ? u'^' : u'|');
+        return selected.isEmpty() ? all : all.insert(selected.location, isBackward ? u'|' : u'^');
     }
 
     [[nodiscard]] const Rope &text() const override { return storage.text(); }
     [[nodiscard]] TextRange selectedRange() const override { return selected; }
-    void select(TextRange range, qsizetype) override
+    void select(TextRange range, qsizetype at) override
     {
+        caret = at;
         const qsizetype from = TextBoundaries::snapped(text(), range.location);
         selected = TextRange::between(from, std::max(from, TextBoundaries::snapped(text(), range.end())));
     }
@@ -89,11 +94,11 @@ public:
     void beginUndoGroup() override { undoManager.beginGroup(GroupKind::other, TextSelection::at(selected.location), this); }
     void endUndoGroup() override { undoManager.endGroup(TextSelection::at(selected.location)); }
     [[nodiscard]] qsizetype visibleLineCount() const override { return 20; }
-    [[nodiscard]] TextRange visibleRange() const override { return {0, text().length()}; }
-    void centerSelection() override {}
-    void revealSelection() override {}
-    void showIndicator(TextRange) override {}
-    [[nodiscard]] QString indentationUnit() const override { return QStringLiteral("    "); }
+    [[nodiscard]] TextRange visibleRange() const override { return visible.value_or(TextRange{0, text().length()}); }
+    void centerSelection() override { actions << QStringLiteral("center"); }
+    void revealSelection() override { actions << QStringLiteral("reveal"); }
+    void showIndicator(TextRange range) override { indicator = range; }
+    [[nodiscard]] QString indentationUnit() const override { return indentation; }
     void toggleComment() override { actions << QStringLiteral("toggleComment"); }
     void setCaretLook(VimCaret look) override { caretLook = look; }
     void perform(Selector action) override { actions << QString::fromLatin1(action.name().data(), qsizetype(action.name().size())); }
@@ -108,6 +113,11 @@ public:
     TextStorage storage;
     UndoManager undoManager{storage, [] { return std::chrono::milliseconds(0); }};
     TextRange selected;
+    qsizetype caret = 0;
+    std::optional<TextRange> visible;
+    TextRange indicator;
+    QString indentation = QStringLiteral("    ");
+    QStringList commandLines;
     bool isReadOnly = false;
     VimCaret caretLook = VimCaret::bar;
     QStringList actions;
@@ -117,16 +127,23 @@ public:
 private:
     static QString named(const QString &name)
     {
-        if (name == u"Esc") {
-            return QString(QChar(VimKey::escape));
-        }
-        if (name == u"CR") {
-            return QStringLiteral("\r");
-        }
-        if (name == u"BS") {
-            return QString(QChar(VimKey::backspace));
-        }
-        return name == u"lt" ? QStringLiteral("<") : name;
+        static const std::map<QString, char16_t> names = {
+            {QStringLiteral("Esc"), VimKey::escape},
+            {QStringLiteral("CR"), u'\r'},
+            {QStringLiteral("BS"), VimKey::backspace},
+            {QStringLiteral("lt"), u'<'},
+            {QStringLiteral("Up"), VimKey::up},
+            {QStringLiteral("Down"), VimKey::down},
+            {QStringLiteral("Left"), VimKey::left},
+            {QStringLiteral("Right"), VimKey::right},
+            {QStringLiteral("Home"), VimKey::home},
+            {QStringLiteral("End"), VimKey::end},
+            {QStringLiteral("PageUp"), VimKey::pageUp},
+            {QStringLiteral("PageDown"), VimKey::pageDown},
+            {QStringLiteral("Del"), VimKey::forwardDelete},
+        };
+        const auto known = names.find(name);
+        return known == names.end() ? name : QString(QChar(known->second));
     }
     void show(const std::optional<TextSelection> &selection)
     {
@@ -134,6 +151,6 @@ private:
             select(selection->range(), selection->caret);
         }
     }
-    void vimEngineRunsCommand(VimEngine &, const QString &) override {}
+    void vimEngineRunsCommand(VimEngine &, const QString &command) override { commandLines << command; }
     void vimEngineDidChangeState(VimEngine &) override {}
 };

@@ -1,0 +1,88 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Text/RandomText.h"
+#include "VimFixture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Whole commands and pieces of them, so that both come up often.
+const QStringList pieces = {
+    u"h"_s,     u"j"_s,     u"k"_s,     u"l"_s,   u"w"_s,     u"b"_s,      u"e"_s,      u"$"_s,     u"G"_s,      u"gg"_s,    u"%"_s,
+    u"fa"_s,    u"ta"_s,    u"Fa"_s,    u"Ta"_s,  u";"_s,     u"d"_s,      u"c"_s,      u"y"_s,     u">"_s,      u"<lt>"_s,  u"iw"_s,
+    u"ap"_s,    u"i("_s,    u"aB"_s,    u"a\""_s, u"x"_s,     u"rZ"_s,     u"r😀"_s,     u"J"_s,     u"p"_s,      u"P"_s,     u"u"_s,
+    u"<C-r>"_s, u"v"_s,     u"V"_s,     u"."_s,   u"n"_s,     u"*"_s,      u"#"_s,      u"ma"_s,    u"`a"_s,     u"o"_s,     u"2"_s,
+    u"3"_s,     u"g~"_s,    u"gu"_s,    u"gU"_s,  u"x y\n"_s, u"é😀"_s,     u"<C-d>"_s,  u"<C-u>"_s, u"<Left>"_s, u"<End>"_s, u"<Del>"_s,
+    u"gc"_s,    u"<A-j>"_s, u"<A-k>"_s, u" "_s,   u"[b"_s,    u"/a<CR>"_s, u"?.<CR>"_s, u"<Esc>"_s, u"<Esc>"_s,  u"<Esc>"_s};
+
+void expectSound(const VimView &view)
+{
+    const Rope &text = view.text();
+    const TextRange selected = view.selected;
+    ASSERT_LE(selected.end(), text.length());
+    ASSERT_EQ(TextBoundaries::snapped(text, selected.location), selected.location);
+    ASSERT_EQ(TextBoundaries::snapped(text, selected.end()), selected.end());
+    VimBuffer buffer(text);
+    switch (view.engine.mode()) {
+    case VimEngine::Mode::normal:
+        if (selected.isEmpty()) {
+            ASSERT_EQ(TextBoundaries::snapped(text, buffer.clampToNormalMode(selected.location)), selected.location);
+        }
+        break;
+    case VimEngine::Mode::insert:
+        ASSERT_TRUE(selected.isEmpty());
+        break;
+    case VimEngine::Mode::visual:
+        ASSERT_TRUE(!selected.isEmpty() || selected.location == text.length());
+        ASSERT_TRUE(selected.isEmpty() || selected.contains(view.caret) || view.caret == text.length()) << view.caret;
+        break;
+    case VimEngine::Mode::visualLine:
+        ASSERT_EQ(selected, buffer.lineRange(selected.location).united(buffer.lineRange(std::max(selected.end() - 1, selected.location))));
+        break;
+    case VimEngine::Mode::commandLine:
+        break;
+    }
+}
+
+void walk(quint32 seed, int steps)
+{
+    Random random(seed);
+    QString start = QString::fromStdU16String(random.text(60 + random.below(200)));
+    for (const QString &piece : {u"(a)"_s, u"{ \"b c\" }"_s, u"\n\n"_s, u"  x"_s, u"⚠️ cafe\u0301 "_s}) {
+        const QChar *place = start.constData() + random.below(start.size());
+        start.insert(place->isLowSurrogate() ? 0 : place - start.constData(), piece);
+    }
+    VimView view(start, seed % 2 == 0 ? VimKeymapPreset::plain : VimKeymapPreset::lazyVim);
+    start = view.string();
+    for (int step = 0; step < steps; ++step) {
+        const QString key = random.oneIn(4) ? QString(QChar(u' ' + char16_t(random.below(95)))) : pieces[random.below(pieces.size())];
+        SCOPED_TRACE("seed " + std::to_string(seed) + ", step " + std::to_string(step) + ", key " + key.toStdString());
+        view.press(key == u"<" ? u"<lt>"_s : key);
+        ASSERT_NO_FATAL_FAILURE(expectSound(view));
+        if (step % 100 == 0) {
+            ASSERT_TRUE(view.storage.checkInvariants());
+        }
+        if (view.text().length() > 20000) {
+            view.press(u"<Esc>Gdgg"_s);
+        }
+    }
+    view.press(u"<Esc>"_s);
+    ASSERT_TRUE(view.storage.checkInvariants());
+    while (view.undoManager.canUndo()) {
+        view.press(u"u"_s);
+        ASSERT_NO_FATAL_FAILURE(expectSound(view)) << "undone, seed " << seed;
+    }
+    EXPECT_EQ(view.string(), start) << "seed " << seed;
+}
+
+} // namespace
+
+TEST(VimWalk, RandomKeysKeepTheCaretInPlaceAndAreUndone)
+{
+    // More of them by hand: VIM_WALKS=1000.
+    const int walks = std::max(qEnvironmentVariableIntValue("VIM_WALKS"), 8);
+    for (int seed = 1; seed <= walks && !testing::Test::HasFailure(); ++seed) {
+        walk(quint32(seed), 1000);
+    }
+}
