@@ -263,8 +263,9 @@ void VimEngine::shiftLines(TextRange range, OperatorKind kind)
     VimBuffer text = buffer();
     const QString unit = m_view.indentationUnit();
     std::vector<VimTextView::Edit> edits;
+    const qsizetype start = text.lineStart(range.location);
     const qsizetype last = std::max(range.end() - 1, range.location);
-    for (TextRange line = text.lineRange(range.location);; line = text.lineRange(line.end())) {
+    for (TextRange line = text.lineRange(start);; line = text.lineRange(line.end())) {
         if (kind == OperatorKind::indent) {
             if (!text.isEmptyLine(line)) {
                 edits.push_back({{line.location, 0}, Rope(unit)});
@@ -289,8 +290,7 @@ void VimEngine::shiftLines(TextRange range, OperatorKind kind)
     if (!edits.empty() && m_view.replace(edits)) {
         m_changedBuffer = true;
     }
-    VimBuffer after = buffer();
-    moveCaret(after.firstNonBlank(range.location));
+    moveCaret(buffer().firstNonBlank(start));
 }
 
 void VimEngine::changeCase(TextRange range, OperatorKind kind)

@@ -181,6 +181,7 @@ constexpr Case operatorCases[] = {
     {u"a\n|\n", u">>", u"a\n|\n"},
     {u"      |a\n\tb\nc\n", u"3<lt><lt>", u"  |a\nb\nc\n"},
     {u"    a|b\nc d\n", u"<lt>l", u"    a|b\nc d\n"},
+    {u"    |x y\nc d\n", u"<lt>e", u"|x y\nc d\n"},
 };
 
 constexpr Case objectCases[] = {
@@ -296,6 +297,7 @@ constexpr Case visualCases[] = {
     {u"a |b\n", u"vhy$p", u"a b |b\n"},
     {u"|a b\n", u"wv0y", u"|a b\n"},
     {u"a|b\nc\n", u"vj>", u"    |ab\n    c\n"},
+    {u"    a|b\nc\n", u"v<lt>", u"|ab\nc\n"},
     {u"|ab\n", u"vl\"xyx\"xP", u"a|bb\n"},
     {u"|a b a b\n", u"v/b<CR>", u"a |b a b\n"},
     {u"|a b a b\n", u"/b<CR>0vn", u"^a b| a b\n"},
