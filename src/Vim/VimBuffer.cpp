@@ -143,6 +143,9 @@ qsizetype VimBuffer::clampToNormalMode(qsizetype offset)
 TextRange wholeCharacters(const Rope &text, TextRange range)
 {
     const qsizetype start = TextBoundaries::snapped(text, range.location);
+    if (range.isEmpty()) {
+        return {start, 0};
+    }
     const qsizetype before = TextBoundaries::snapped(text, range.end());
     return TextRange::between(start, before < range.end() ? TextBoundaries::nextGrapheme(text, before) : before);
 }

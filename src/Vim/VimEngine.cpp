@@ -5,6 +5,7 @@
 
 #include "Vim/VimEngine.h"
 
+#include "Text/TextBoundaries.h"
 #include "Vim/VimEngineTables.h"
 
 using namespace Qt::StringLiterals;
@@ -384,7 +385,8 @@ qsizetype VimEngine::caret() const
 void VimEngine::moveCaret(qsizetype target, Keep keep)
 {
     VimBuffer text = buffer();
-    const qsizetype place = m_mode == Mode::normal ? text.clampToNormalMode(target) : std::clamp<qsizetype>(target, 0, text.length());
+    const qsizetype place = TextBoundaries::snapped(text.text(), m_mode == Mode::normal ? text.clampToNormalMode(target)
+                                                                                        : std::clamp<qsizetype>(target, 0, text.length()));
     if (isVisual()) {
         updateVisualSelection(place);
     } else {

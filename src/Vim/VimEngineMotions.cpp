@@ -35,6 +35,27 @@ qsizetype characterAtOrBehind(const Rope &text, qsizetype offset)
     return before < offset ? TextBoundaries::nextGrapheme(text, before) : before;
 }
 
+/// Of the character at `offset`. What looks for something behind the caret begins here, or it would find the rest of a character that the
+/// caret does not leave.
+qsizetype lastUnit(const Rope &text, qsizetype offset)
+{
+    return std::max(TextBoundaries::nextGrapheme(text, offset) - 1, offset);
+}
+
+/// Words that begin within a character are none.
+qsizetype nextWord(VimBuffer &text, qsizetype from, Words words)
+{
+    do {
+        from = VimMotion::nextWordStart(text, from, words);
+    } while (from < text.length() && TextBoundaries::snapped(text.text(), from) < from);
+    return from;
+}
+
+qsizetype nextEnd(VimBuffer &text, qsizetype from, Words words)
+{
+    return VimMotion::nextWordEnd(text, lastUnit(text.text(), from), words);
+}
+
 } // namespace
 
 const std::array<VimEngine::MotionRow, 13> VimEngine::Tables::motions = {{
@@ -45,20 +66,21 @@ const std::array<VimEngine::MotionRow, 13> VimEngine::Tables::motions = {{
     {u'l',
      [](const MotionRow::Request &request) -> VimMotion::Result {
          const qsizetype end = request.text.lineContentEnd(request.caret);
-         const qsizetype last = request.mode == Mode::normal ? std::max(end - 1, request.text.lineStart(request.caret)) : end;
-         const qsizetype target = characterAtOrBehind(request.text.text(), std::min(request.caret + request.count, last));
-         return {.position = request.mode == Mode::normal ? request.text.clampToNormalMode(target) : target};
+         const Rope &text = request.text.text();
+         const qsizetype last = TextBoundaries::snapped(text, std::max(end - 1, request.text.lineStart(request.caret)));
+         const qsizetype limit = request.mode == Mode::normal ? last : end;
+         return {.position = characterAtOrBehind(text, std::min(request.caret + request.count, limit))};
      }},
     {u'w',
      [](const MotionRow::Request &request) -> VimMotion::Result {
-         return {.position = repeated(request.caret, request.count,
-                                      [&](qsizetype from) { return VimMotion::nextWordStart(request.text, from, Words::small); }),
+         return {.position =
+                     repeated(request.caret, request.count, [&](qsizetype from) { return nextWord(request.text, from, Words::small); }),
                  .isWordMotion = true};
      }},
     {u'W',
      [](const MotionRow::Request &request) -> VimMotion::Result {
-         return {.position = repeated(request.caret, request.count,
-                                      [&](qsizetype from) { return VimMotion::nextWordStart(request.text, from, Words::big); }),
+         return {.position =
+                     repeated(request.caret, request.count, [&](qsizetype from) { return nextWord(request.text, from, Words::big); }),
                  .isWordMotion = true};
      }},
     {u'b',
@@ -74,21 +96,17 @@ const std::array<VimEngine::MotionRow, 13> VimEngine::Tables::motions = {{
     {u'e',
      [](const MotionRow::Request &request) -> VimMotion::
                                                Result {
-                                                   return {.position = repeated(request.caret, request.count,
-                                                                                [&](qsizetype from) {
-                                                                                    return VimMotion::nextWordEnd(request.text, from,
-                                                                                                                  Words::small);
-                                                                                }),
+                                                   return {.position = repeated(
+                                                               request.caret, request.count,
+                                                               [&](qsizetype from) { return nextEnd(request.text, from, Words::small); }),
                                                            .kind = Kind::inclusive};
                                                }},
     {u'E',
      [](const MotionRow::Request &request) -> VimMotion::
                                                Result {
-                                                   return {.position = repeated(request.caret, request.count,
-                                                                                [&](qsizetype from) {
-                                                                                    return VimMotion::nextWordEnd(request.text, from,
-                                                                                                                  Words::big);
-                                                                                }),
+                                                   return {.position = repeated(
+                                                               request.caret, request.count,
+                                                               [&](qsizetype from) { return nextEnd(request.text, from, Words::big); }),
                                                            .kind = Kind::inclusive};
                                                }},
     {u'0', [](const MotionRow::Request &request) -> VimMotion::Result { return {.position = request.text.lineStart(request.caret)}; },
@@ -126,7 +144,7 @@ bool VimEngine::executeMotion(char16_t key)
         VimBuffer text = buffer();
         const qsizetype from = caret();
         VimMotion::Result result = row->target({text, from, effectiveCount(), m_mode});
-        result.failed = row->unmoved == MotionRow::Unmoved::fails && result.position == from;
+        result.failed = row->unmoved == MotionRow::Unmoved::fails && TextBoundaries::snapped(text.text(), result.position) == from;
         applyMotion(result);
         return true;
     }
@@ -251,7 +269,9 @@ void VimEngine::scrollLines(qsizetype lines)
 void VimEngine::findOnLine(char16_t character, VimMotion::FindKind kind)
 {
     VimBuffer text = buffer();
-    applyMotion(VimMotion::find(text, caret(), character, kind, effectiveCount()));
+    const bool isForward = kind == VimMotion::FindKind::forwardTo || kind == VimMotion::FindKind::forwardBefore;
+    const qsizetype from = isForward ? lastUnit(text.text(), caret()) : caret();
+    applyMotion(VimMotion::find(text, from, character, kind, effectiveCount()));
 }
 
 void VimEngine::repeatFind(bool isReversed)
@@ -331,7 +351,7 @@ void VimEngine::jumpToMatch(const QString &pattern, SearchDirection direction)
     }
     const Rope &text = m_view.text();
     const qsizetype from = caret();
-    const TextRange behind = TextRange::between(std::min(from + 1, text.length()), text.length() + 1);
+    const TextRange behind = TextRange::between(std::min(lastUnit(text, from) + 1, text.length()), text.length() + 1);
     const TextRange before{0, from};
     const TextRange all{0, text.length() + 1};
     std::optional<TextRange> hit;

@@ -53,6 +53,13 @@ constexpr Case motionCases[] = {
     {u"|abc d\n", u"3l", u"abc| d\n"},
     {u"|abc\nd\n", u"9l", u"ab|c\nd\n"},
     {u"|a\U0001F600b", u"ll", u"a\U0001F600|b"},
+    {u"a|\U0001F600\n", u"9l", u"a|\U0001F600\n"},
+    {u"|a\U0001F600\nabc\n", u"$j", u"a\U0001F600\na|bc\n"},
+    {u"|\u26a0\ufe0f warn\n", u"w", u"\u26a0\ufe0f |warn\n"},
+    {u"|\U0001F600 abc\n", u"e", u"\U0001F600 ab|c\n"},
+    {u"|cafe\u0301 bar\n", u"2e", u"cafe\u0301 ba|r\n"},
+    {u"|cafe\u0301 bar\n", u"eE", u"cafe\u0301 ba|r\n"},
+    {u"|a\U0001F600-b-\n", u"t-;", u"a\U0001F600-|b-\n"},
     {u"|abc\nd\nefg\n", u"$jj", u"abc\nd\nef|g\n"},
     {u"abc\nd\nef|g\n", u"0llkk", u"ab|c\nd\nefg\n"},
     {u"|a\nb\nc\n", u"2j", u"a\nb\n|c\n"},
@@ -123,6 +130,7 @@ constexpr Case searchCases[] = {
     {u"fo|o xfoo foo a\n", u"2*", u"foo xfoo |foo a\n"},
     {u"foo a foo |foo\n", u"#N", u"foo a foo |foo\n"},
     {u"|a.b axb a.b\n", u"W*", u"a.b |axb a.b\n"},
+    {u"|e\u0301a\n", u"/.<CR>", u"e\u0301|a\n"},
     {u"|..a..", u"*", u"|..a.."},
 };
 
@@ -139,6 +147,9 @@ constexpr Case operatorCases[] = {
     {u"ab|cd\n", u"dh", u"a|cd\n"},
     {u"|abcd\n", u"d3l", u"|d\n"},
     {u"ab|c\n", u"dl", u"ab|c\n"},
+    {u"a|\U0001F600\n", u"dl", u"a|\U0001F600\n"},
+    {u"|cafe\u0301 bar\n", u"de", u"| bar\n"},
+    {u"a |\U0001F600", u"de", u"a |\U0001F600"},
     {u"a |b\n", u"d0", u"|b\n"},
     {u"  ab |c\n", u"d^", u"  |c\n"},
     {u"one |two three\n", u"d$", u"one| \n"},
@@ -304,6 +315,8 @@ constexpr Case visualCases[] = {
     {u"a |b c\n", u"ma0v`a", u"^a b| c\n"},
     {u"|a\n b\n", u"v<C-f>", u"^a\n b|\n"},
     {u"|a-b\n", u"vf-", u"^a-|b\n"},
+    {u"|a\U0001F600\nb\n", u"ylv$P", u"^aa|\U0001F600\nb\n"},
+    {u"|\U0001F600 \U0001F600 b\n", u"vee", u"^\U0001F600 \U0001F600 b|\n"},
     {u"|a\U0001F600b\n", u"vl", u"^a\U0001F600|b\n"},
 };
 
