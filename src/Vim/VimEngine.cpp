@@ -392,6 +392,7 @@ void VimEngine::moveCaret(qsizetype target, Keep keep)
     } else {
         m_view.select({place, 0}, place);
     }
+    m_lastPlace = place;
     if (keep == Keep::nothing) {
         m_desiredColumn = place - text.lineStart(place);
     }

@@ -192,8 +192,9 @@ private:
     std::optional<Awaited> m_awaiting;
     qsizetype m_visualAnchor = 0;
     qsizetype m_visualHead = 0;
-    /// Units from the start of the line, for `j` and `k`.
+    /// Units from the start of the line, for `j` and `k`; of the caret itself when that was moved by others than the engine.
     qsizetype m_desiredColumn = 0;
+    qsizetype m_lastPlace = 0;
 
     struct LastFind {
         char16_t character;

@@ -217,6 +217,9 @@ void VimEngine::applyVertical(qsizetype lines)
         resetPending();
         return;
     }
+    if (caret() != m_lastPlace) {
+        m_desiredColumn = caret() - text.lineStart(caret());
+    }
     const qsizetype target = std::min(std::max(text.lineContentEnd(*line), *line), *line + m_desiredColumn);
     if (m_pendingOperator) {
         apply(*m_pendingOperator, linewiseRange(caret(), target), Span::lines);

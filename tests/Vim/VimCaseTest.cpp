@@ -61,7 +61,7 @@ constexpr Case motionCases[] = {
     {u"|cafe\u0301 bar\n", u"eE", u"cafe\u0301 ba|r\n"},
     {u"|a\U0001F600-b-\n", u"t-;", u"a\U0001F600-|b-\n"},
     {u"|abc\nd\nefg\n", u"$jj", u"abc\nd\nef|g\n"},
-    {u"abc\nd\nef|g\n", u"0llkk", u"ab|c\nd\nefg\n"},
+    {u"abc\nd\nef|g\n", u"kk", u"ab|c\nd\nefg\n"},
     {u"|a\nb\nc\n", u"2j", u"a\nb\n|c\n"},
     {u"|a\nb\nc\n", u"5j", u"|a\nb\nc\n"},
     {u"a\n|b\n", u"2k", u"a\n|b\n"},
