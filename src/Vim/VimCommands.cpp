@@ -363,8 +363,12 @@ void VimEngine::replaceCharacter(QStringView key, qsizetype count)
 {
     const TextRange range = charactersFrom(caret(), count);
     if (!range.isEmpty()) {
-        edit(range, repeatedText(Rope(key), range.length));
-        moveCaret(range.end() - 1);
+        qsizetype characters = 0;
+        for (qsizetype place = range.location; place < range.end(); place = TextBoundaries::nextGrapheme(m_view.text(), place)) {
+            ++characters;
+        }
+        edit(range, repeatedText(Rope(key), characters));
+        moveCaret(range.location + characters * key.size() - 1);
     }
     resetPending();
 }

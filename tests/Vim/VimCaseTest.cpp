@@ -247,6 +247,8 @@ constexpr Case commandCases[] = {
     {u"|abc\n", u"2rx", u"x|xc\n"},
     {u"a|bc\nd\n", u"9rx", u"ax|x\nd\n"},
     {u"|\n", u"rx", u"|\n"},
+    {u"a|\U0001F600e\u0301b\n", u"4rx", u"ax|xb\n"},
+    {u"|abc\n", u"2r\U0001F600", u"\U0001F600|\U0001F600c\n"},
     {u"|aBc\n", u"3~", u"Ab|C\n"},
     {u"a|b\n", u"~", u"a|B\n"},
     {u"|a\n  b\nc\n", u"3J", u"a b| c\n"},
