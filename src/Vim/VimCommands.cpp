@@ -448,7 +448,7 @@ void VimEngine::moveLines(int by)
     const TextRange other = text.lineRange(isUp ? block.location - 1 : block.end());
     const TextRange whole = block.united(other);
     Rope upper = text.text().slice(isUp ? block : other);
-    const bool hasBreak = endsWithBreak(upper);
+    const bool hasBreak = !upper.isEmpty() && isBreak(upper.at(upper.length() - 1));
     if (!hasBreak) {
         upper.replace({upper.length(), 0}, u"\n");
     }

@@ -610,6 +610,8 @@ TEST(VimCase, KeyMaps)
 
     for (const auto &[before, keys, after] : std::to_array<Case>({{u"a\n  b", u"<A-j>", u"  b\n|a"},
                                                                   {u"a\n  b", u"G<A-k>", u"  |b\na"},
+                                                                  {u"a\nb\u2028c\n", u"j<A-k>", u"|b\u2028a\nc\n"},
+                                                                  {u"a\n", u"v}V<A-k>", u"^\n|a"},
                                                                   {u"a\nb\n", u"Vj<A-j>", u"^a\nb\n|"},
                                                                   {u"a\nb\nc\n", u"Vj<A-j>", u"c\n^a\nb\n|"}})) {
         VimView view(plain(before), VimKeymapPreset::lazyVim);
