@@ -68,11 +68,14 @@ bool VimEngine::handle(const VimKeyEvent &event)
         perform(*action);
     } else if (std::holds_alternative<VimKeymap::Pending>(outcome)) {
         notify();
-    } else if (const auto &strokes = std::get<VimKeymap::Passthrough>(outcome); strokes != VimKeymap::Passthrough{stroke}) {
-        for (const VimKeyStroke &earlier : strokes) {
-            handleStroke(earlier, QString(QChar(earlier.character)));
-        }
     } else {
+        // Those that waited are keys of mappings, of one unit each.
+        const auto &strokes = std::get<VimKeymap::Passthrough>(outcome);
+        std::for_each(strokes.begin(), std::prev(strokes.end()),
+                      [this](const VimKeyStroke &earlier) { handleStroke(earlier, QString(QChar(earlier.character))); });
+        if (m_mode == Mode::insert) {
+            return handleInsert(event);
+        }
         handleStroke(stroke, characters);
     }
     return true;

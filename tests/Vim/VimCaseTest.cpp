@@ -609,6 +609,8 @@ TEST(VimCase, KeyMaps)
     EXPECT_EQ(plainKeys.actions, QStringList());
 
     for (const auto &[before, keys, after] : std::to_array<Case>({{u"a\n  b", u"<A-j>", u"  b\n|a"},
+                                                                  {u"ab\n", u" s:x<Esc>", u":|xb\n"},
+                                                                  {u"a\U0001F601\n", u" f\U0001F600x", u"|\U0001F601\n"},
                                                                   {u"a\n  b", u"G<A-k>", u"  |b\na"},
                                                                   {u"a\nb\u2028c\n", u"j<A-k>", u"|b\u2028a\nc\n"},
                                                                   {u"a\n", u"v}V<A-k>", u"^\n|a"},
