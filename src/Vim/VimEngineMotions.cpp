@@ -354,12 +354,19 @@ void VimEngine::jumpToMatch(const QString &pattern, SearchDirection direction)
     }
     const Rope &text = m_view.text();
     const qsizetype from = caret();
-    const TextRange behind = TextRange::between(std::min(lastUnit(text, from) + 1, text.length()), text.length() + 1);
+    const qsizetype last = lastUnit(text, from);
     const TextRange before{0, from};
     const TextRange all{0, text.length() + 1};
     std::optional<TextRange> hit;
     if (direction == SearchDirection::forward) {
-        hit = searcher->firstHit(text, behind);
+        // From the start of the line: of hits that could overlap it is always the same ones, wherever the caret is.
+        const auto take = [&](TextRange found) {
+            if (found.location > last) {
+                hit = found;
+            }
+            return !hit;
+        };
+        searcher->forEachHit(text, TextRange::between(text.lineStart(text.lineAt(from)), text.length() + 1), take);
         hit = hit ? hit : searcher->firstHit(text, all);
     } else {
         hit = searcher->lastHit(text, before);

@@ -120,6 +120,7 @@ constexpr Case searchCases[] = {
     {u"a |foo\n", u"/foo<CR>", u"a |foo\n"},
     {u"|a b a b\n", u"2/b<CR>n", u"a b a |b\n"},
     {u"|a b a b\n", u"/b<CR>N", u"a b a |b\n"},
+    {u"|aaaaa\n", u"/aa<CR>", u"aa|aaa\n"},
     {u"a b a |b\n", u"?b<CR>n", u"a b a |b\n"},
     {u"|a b a b\n", u"?a<CR>N", u"|a b a b\n"},
     {u"|ab B\n", u"/x<BS>B<CR>", u"ab |B\n"},
