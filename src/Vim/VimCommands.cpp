@@ -245,14 +245,10 @@ void VimEngine::applyToSelection(OperatorKind kind)
 void VimEngine::changeRange(TextRange range, Span span)
 {
     const QString indentation = span == Span::lines ? leadingWhitespace(range.location) : QString();
+    beginInsertSession();
     if (!range.isEmpty()) {
         store(range, span);
-    }
-    beginInsertSession();
-    if (span == Span::lines) {
-        edit(range, Rope(QString(indentation + u'\n')));
-    } else if (!range.isEmpty()) {
-        edit(range, Rope());
+        edit(range, span == Span::lines ? Rope(QString(indentation + u'\n')) : Rope());
     }
     moveCaret(range.location + indentation.size());
     resetPending();

@@ -244,6 +244,7 @@ constexpr Case commandCases[] = {
     {u"a|bc\nd\n", u"2Cx<Esc>", u"a|x\nd\n"},
     {u"|abc\n", u"2sx<Esc>", u"|xc\n"},
     {u"|\n", u"sx<Esc>", u"|x\n"},
+    {u"|", u"Sx<Esc>", u"|x"},
     {u" |a\nb\nc\n", u"2Sx<Esc>", u" |x\nc\n"},
     {u"|abc\n", u"2rx", u"x|xc\n"},
     {u"a|bc\nd\n", u"9rx", u"ax|x\nd\n"},
