@@ -28,8 +28,8 @@ std::optional<Result> word(const Request &request, bool isBig)
         return isBig && here == CharacterClass::punctuation ? CharacterClass::word : here;
     };
     const qsizetype last = text.length() - 1;
-    qsizetype start = std::min(request.caret, last);
-    qsizetype end = start;
+    qsizetype start = request.caret;
+    qsizetype end = std::min(start, last);
     const CharacterClass first = classAt(start);
     while (start > 0 && classAt(start - 1) == first) {
         --start;
@@ -73,7 +73,7 @@ std::optional<Result> bigWord(const Request &request)
 std::optional<Result> paragraph(const Request &request)
 {
     VimBuffer &text = request.text;
-    TextRange first = text.lineRange(std::min(request.caret, std::max<qsizetype>(text.length() - 1, 0)));
+    TextRange first = text.lineRange(request.caret);
     TextRange last = first;
     const bool isEmpty = text.isEmptyLine(first);
     const auto extendDown = [&](bool overEmpty) {
