@@ -300,7 +300,7 @@ void VimEngine::handleCommandLine(const VimKeyEvent &event)
 {
     if (event.characters == u"\r"_s || event.characters == u"\n"_s) {
         const QString text = std::exchange(m_commandLineText, {});
-        setMode(Mode::normal);
+        leaveToNormal();
         if (m_commandLinePrefix == u':') {
             m_delegate.vimEngineRunsCommand(*this, text);
         } else {
@@ -308,7 +308,7 @@ void VimEngine::handleCommandLine(const VimKeyEvent &event)
         }
     } else if (event.characters == QString(QChar(VimKey::backspace))) {
         if (m_commandLineText.isEmpty()) {
-            setMode(Mode::normal);
+            leaveToNormal();
         } else {
             m_commandLineText.truncate(TextBoundaries::previousGrapheme(Rope(m_commandLineText), m_commandLineText.size()));
         }

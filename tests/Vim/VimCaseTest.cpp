@@ -315,6 +315,8 @@ constexpr Case visualCases[] = {
     {u"    a|b\nc\n", u"v<lt>", u"|ab\nc\n"},
     {u"|ab\n", u"vl\"xyx\"xP", u"a|bb\n"},
     {u"|a b a b\n", u"v/b<CR>", u"a |b a b\n"},
+    {u"a |b c\n", u"vl/x<CR>", u"a |b c\n"},
+    {u"a |b c\n", u"vl:<BS>", u"a |b c\n"},
     {u"|a b a b\n", u"/b<CR>0vn", u"^a b| a b\n"},
     {u"a |b c\n", u"ma0v`a", u"^a b| c\n"},
     {u"|a\n b\n", u"v<C-f>", u"^a\n b|\n"},
