@@ -86,7 +86,7 @@ public:
         const Edit edit{selected, Rope(inserted)};
         const qsizetype end = selected.location + inserted.size();
         if (replace({&edit, 1})) {
-            selected = {end, 0};
+            select({end, 0}, end);
         }
     }
     void undo() override { show(undoManager.undo()); }
