@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// The keys of modal editing, one table for each place where a key may come. Private to the sources of the engine.
+// The keys of modal editing, one table for each place where a key may come. Private to the sources of the engine and its tests.
 
 #include "Vim/VimEngine.h"
 
