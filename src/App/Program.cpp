@@ -42,18 +42,24 @@ void setUp()
     QApplication::setQuitOnLastWindowClosed(false);
 }
 
+/// Chosen before anything is made that has words, and whenever the user chooses another.
+struct InterfaceLanguage {
+    InterfaceLanguage(Preferences &preferences, ToolkitTexts &toolkitTexts)
+    {
+        const auto choose = [&toolkitTexts](AppLanguage language) {
+            Localization::use(language);
+            toolkitTexts.use(Localization::current().locale());
+        };
+        preferences.setLanguageResolver(choose);
+        choose(preferences.language());
+    }
+};
+
 } // namespace
 
 struct Program::Parts {
     explicit Parts(QApplication &application)
     {
-        const auto chooseLanguage = [this](AppLanguage language) {
-            Localization::use(language);
-            toolkitTexts.use(Localization::current().locale());
-        };
-        preferences.setLanguageResolver(chooseLanguage);
-        chooseLanguage(preferences.language());
-        spellChecker.setLanguages(SpellChecker::systemSetup().languages);
         spellingLanguages = notifications.observe(Localization::didChangeNotification, nullptr,
                                                   [this] { spellChecker.setLanguages(SpellChecker::systemSetup().languages); });
         recent.onNote([this](const QStringList &paths) { desktopRecentFiles.note(paths); });
@@ -84,6 +90,7 @@ struct Program::Parts {
     DefaultsStore defaults{DefaultsStore::standardPath(), scheduler};
     Preferences preferences{defaults, notifications};
     ToolkitTexts toolkitTexts;
+    const InterfaceLanguage language{preferences, toolkitTexts};
     SystemPasteboard pasteboard;
     WidgetAlertPresenter presenter;
 

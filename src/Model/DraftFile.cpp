@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Model/DraftFile.h"
 
-#include "Platform/AtomicFile.h"
+#include "Model/TextFile.h"
 #include "Platform/TextEncoding.h"
 
 #include <QFile>
@@ -40,28 +40,7 @@ QUuid DraftFile::documentOf(const QString &name)
 
 Result<void> DraftFile::write(const Rope &text, const QString &path, FileCalls &calls)
 {
-    auto file = AtomicFile::open(path, AtomicFile::NewFile::privateToUser, calls);
-    if (!file) {
-        return tl::make_unexpected(file.error());
-    }
-    const auto encoder = TextEncoder::make(TextEncoding::utf8, TextEncoder::Mode::lossy);
-    Result<void> written;
-    QByteArray bytes;
-    const auto pass = [&] {
-        written = file->write(bytes);
-        bytes.resize(0);
-        return written.has_value();
-    };
-    text.forEachChunk({0, text.length()}, [&](const Rope::Chunk &chunk) {
-        std::ignore = chunk.narrow ? encoder->encode(std::span(chunk.narrow, size_t(chunk.length)), bytes)
-                                   : encoder->encode(QStringView(chunk.wide, chunk.length), bytes);
-        return pass();
-    });
-    if (written) {
-        std::ignore = encoder->finish(bytes);
-        pass();
-    }
-    return written ? file->commit() : written;
+    return TextFile::write(text, path, TextEncoding::utf8, LineEnding::lf, calls, AtomicFile::NewFile::privateToUser);
 }
 
 std::optional<Rope> DraftFile::read(const QString &path)

@@ -6,6 +6,7 @@
 #include "Model/Preferences.h"
 #include "Model/TextDocument.h"
 #include "Platform/AtomicFile.h"
+#include "Platform/StandardFolder.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
@@ -114,12 +115,9 @@ void SessionStore::Queue::note(const std::shared_ptr<Queue> &queue, const QStrin
 
 SessionStore::Places SessionStore::Places::standard()
 {
-    const auto folder = [](const char *variable, const QString &otherwise) {
-        const QString path = qEnvironmentVariable(variable);
-        return QDir::isAbsolutePath(path) ? QDir::cleanPath(path) : otherwise;
-    };
-    return {.rootDirectory = folder("XDG_DATA_HOME", QDir::homePath() + u"/.local/share"_s) + u"/Quillet"_s,
-            .runtimeDirectory = folder("XDG_RUNTIME_DIR", {})};
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    return {.rootDirectory = standardFolder("XDG_DATA_HOME", u".local/share") + u"/Quillet"_s,
+            .runtimeDirectory = QDir::isAbsolutePath(runtime) ? QDir::cleanPath(runtime) : QString()};
 }
 
 SessionStore::SessionStore(const Places &places, const Preferences &preferences, FileCalls &calls)
@@ -402,10 +400,7 @@ void SessionStore::Queue::writeSnapshot(quint64 ticket)
         const std::lock_guard lock(mutex);
         written = std::move(snapshots.extract(ticket).mapped());
     }
-    const Result<void> result =
-        AtomicFile::open(root + u"/session.json"_s, AtomicFile::NewFile::privateToUser, calls).and_then([&](AtomicFile file) {
-            return file.write(written.toJson()).and_then([&] { return file.commit(); });
-        });
+    const Result<void> result = writeAtomically(root + u"/session.json"_s, written.toJson(), AtomicFile::NewFile::privateToUser, calls);
     {
         const std::lock_guard lock(mutex);
         hasFailedSnapshot = !result;

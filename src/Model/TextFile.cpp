@@ -458,14 +458,15 @@ tl::expected<Contents, ReadError> TextFile::read(const QString &path, std::optio
     }
 }
 
-Result<void> TextFile::write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding, FileCalls &calls)
+Result<void> TextFile::write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding, FileCalls &calls,
+                             AtomicFile::NewFile newFile)
 {
     for (const TextEncoder::Mode mode : {TextEncoder::Mode::strict, TextEncoder::Mode::lossy}) {
         auto encoder = TextEncoder::make(encoding, mode);
         if (!encoder) {
             break;
         }
-        auto file = AtomicFile::open(path, AtomicFile::NewFile::readableByOthers, calls);
+        auto file = AtomicFile::open(path, newFile, calls);
         if (!file) {
             return tl::make_unexpected(file.error());
         }

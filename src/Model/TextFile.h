@@ -4,6 +4,7 @@
 
 #include "Model/FileStamp.h"
 #include "Model/LineEnding.h"
+#include "Platform/AtomicFile.h"
 #include "Platform/FileCalls.h"
 #include "Platform/Result.h"
 #include "Platform/TextEncoding.h"
@@ -77,7 +78,7 @@ public:
     /// without a word. No byte-order mark is added, except by `TextEncoding::utf16`. Fails as AtomicFile does, or with
     /// `inapplicableEncodingError`.
     [[nodiscard]] static Result<void> write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding,
-                                            FileCalls &calls);
+                                            FileCalls &calls, AtomicFile::NewFile newFile = AtomicFile::NewFile::readableByOthers);
     [[nodiscard]] static Result<void> write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding)
     {
         return write(text, path, encoding, lineEnding, FileCalls::system());

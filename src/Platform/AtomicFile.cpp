@@ -379,9 +379,9 @@ void AtomicFile::discard()
     }
 }
 
-Result<void> writeAtomically(const QString &path, QByteArrayView bytes, AtomicFile::NewFile newFile)
+Result<void> writeAtomically(const QString &path, QByteArrayView bytes, AtomicFile::NewFile newFile, FileCalls &calls)
 {
-    return AtomicFile::open(path, newFile).and_then([&](AtomicFile file) {
+    return AtomicFile::open(path, newFile, calls).and_then([&](AtomicFile file) {
         return file.write(bytes).and_then([&] { return file.commit(); });
     });
 }

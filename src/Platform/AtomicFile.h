@@ -67,7 +67,8 @@ private:
 };
 
 /// `bytes` as the whole content of the file at `path`, in the manner of AtomicFile.
-[[nodiscard]] Result<void> writeAtomically(const QString &path, QByteArrayView bytes, AtomicFile::NewFile newFile);
+[[nodiscard]] Result<void> writeAtomically(const QString &path, QByteArrayView bytes, AtomicFile::NewFile newFile,
+                                           FileCalls &calls = FileCalls::system());
 
 /// The path that writing through `path` reaches: symbolic links at its end are followed, also one that leads nowhere. Fails with ELOOP.
 [[nodiscard]] Result<QString> resolvedLinks(const QString &path);

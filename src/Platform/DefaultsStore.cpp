@@ -3,6 +3,7 @@
 #include "Platform/DefaultsStore.h"
 
 #include "Platform/AtomicFile.h"
+#include "Platform/StandardFolder.h"
 
 #include <QDir>
 #include <QFile>
@@ -80,11 +81,7 @@ DefaultsStore::~DefaultsStore()
 
 QString DefaultsStore::standardPath()
 {
-    QString folder = qEnvironmentVariable("XDG_CONFIG_HOME");
-    if (!QDir::isAbsolutePath(folder)) {
-        folder = QDir::homePath() + u"/.config"_s;
-    }
-    return QDir::cleanPath(folder) + u"/Quillet/Quillet.conf"_s;
+    return standardFolder("XDG_CONFIG_HOME", u".config") + u"/Quillet/Quillet.conf"_s;
 }
 
 void DefaultsStore::registerDefault(QLatin1StringView key, QVariant value)

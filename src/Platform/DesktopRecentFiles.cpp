@@ -3,6 +3,7 @@
 #include "Platform/DesktopRecentFiles.h"
 
 #include "Platform/AtomicFile.h"
+#include "Platform/StandardFolder.h"
 
 #include <QDir>
 #include <QDomDocument>
@@ -190,11 +191,7 @@ DesktopRecentFiles::DesktopRecentFiles(QString file, Workers &workers)
 
 QString DesktopRecentFiles::standardPath()
 {
-    QString folder = qEnvironmentVariable("XDG_DATA_HOME");
-    if (!QDir::isAbsolutePath(folder)) {
-        folder = QDir::homePath() + u"/.local/share"_s;
-    }
-    return QDir::cleanPath(folder) + u"/recently-used.xbel"_s;
+    return standardFolder("XDG_DATA_HOME", u".local/share") + u"/recently-used.xbel"_s;
 }
 
 void DesktopRecentFiles::note(const QStringList &paths)

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "Platform/Terminals.h"
+#include "Platform/StandardFolder.h"
 
 #include <QDir>
 #include <QFile>
@@ -100,15 +101,11 @@ QString entryFile(const QString &folder, const QString &id)
 
 TerminalLookup TerminalLookup::fromEnvironment()
 {
-    QString dataHome = qEnvironmentVariable("XDG_DATA_HOME");
-    if (!QDir::isAbsolutePath(dataHome)) {
-        dataHome = QDir::homePath() + u"/.local/share"_s;
-    }
     QStringList dataFolders = absoluteFolders(qEnvironmentVariable("XDG_DATA_DIRS"));
     if (dataFolders.isEmpty()) {
         dataFolders = {u"/usr/local/share"_s, u"/usr/share"_s};
     }
-    dataFolders.prepend(dataHome);
+    dataFolders.prepend(standardFolder("XDG_DATA_HOME", u".local/share"));
     TerminalLookup lookup{.applicationFolders = {},
                           .programFolders = absoluteFolders(qEnvironmentVariable("PATH")),
                           .terminalVariable = qEnvironmentVariable("TERMINAL"),

@@ -74,7 +74,6 @@ void WorkspaceViewController::startAutosaveTimer()
     const double seconds = std::clamp(m_services.preferences.autosaveInterval(), shortestInterval, longestInterval);
     m_autosaveInterval = Scheduler::Milliseconds(qint64(seconds * 1000));
     m_autosaveTimer = m_services.scheduler.every(m_autosaveInterval, m_autosaveInterval / 2, [this] { performAutosave(); });
-    m_autosaveSoon.cancel();
 }
 
 void WorkspaceViewController::autosaveSoon()
