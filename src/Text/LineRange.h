@@ -4,6 +4,12 @@
 
 #include "Text/Rope.h"
 
+/// U+2028 and U+2029, which end lines, but not for the rope, whose leaves of one byte a unit cannot hold them.
+[[nodiscard]] constexpr bool isLineSeparator(char16_t unit)
+{
+    return unit == 0x2028 || unit == 0x2029;
+}
+
 /// From the start of the line that holds the start of `range` to the end, its break included, of the line that holds its end: when a line
 /// is broken in two, both are in it. U+2028 and U+2029 end lines here too, which the rope does not count. `range` must lie in the text.
 [[nodiscard]] TextRange lineRange(const Rope &text, TextRange range);

@@ -2,21 +2,19 @@
 // SPDX-License-Identifier: MIT
 #include "Vim/VimBuffer.h"
 
-#include "Text/LineRange.h"
 #include "Text/TextBoundaries.h"
 
 #include <QChar>
 
 namespace {
 
-/// Breaks that the rope does not count. Leaves of narrow units, which are most of any text, cannot hold one.
+/// Breaks that the rope does not count; most leaves need no look.
 bool hasSeparators(const Rope &text, TextRange range)
 {
     bool isFound = false;
     text.forEachChunk(range, [&](const Rope::Chunk &chunk) {
         if (!chunk.narrow) {
-            isFound =
-                std::any_of(chunk.wide, chunk.wide + chunk.length, [](char16_t unit) { return unit == u'\u2028' || unit == u'\u2029'; });
+            isFound = std::any_of(chunk.wide, chunk.wide + chunk.length, isLineSeparator);
         }
         return !isFound;
     });
@@ -146,6 +144,11 @@ TextRange wholeCharacters(const Rope &text, TextRange range)
     if (range.isEmpty()) {
         return {start, 0};
     }
-    const qsizetype before = TextBoundaries::snapped(text, range.end());
-    return TextRange::between(start, before < range.end() ? TextBoundaries::nextGrapheme(text, before) : before);
+    return TextRange::between(start, characterAtOrBehind(text, range.end()));
+}
+
+qsizetype characterAtOrBehind(const Rope &text, qsizetype offset)
+{
+    const qsizetype before = TextBoundaries::snapped(text, offset);
+    return before < offset ? TextBoundaries::nextGrapheme(text, before) : before;
 }

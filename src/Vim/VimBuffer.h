@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Text/Rope.h"
+#include "Text/LineRange.h"
 
 #include <optional>
 
@@ -53,7 +53,7 @@ private:
 /// What ends a line; of CR LF either.
 [[nodiscard]] constexpr bool isBreak(char16_t unit)
 {
-    return unit == u'\n' || unit == u'\r' || unit == u'\u2028' || unit == u'\u2029';
+    return unit == u'\n' || unit == u'\r' || isLineSeparator(unit);
 }
 
 [[nodiscard]] constexpr bool isSpaceOrTab(char16_t unit)
@@ -61,5 +61,7 @@ private:
     return unit == u' ' || unit == u'\t';
 }
 
+/// The start of the character that begins at `offset` or behind it.
+[[nodiscard]] qsizetype characterAtOrBehind(const Rope &text, qsizetype offset);
 /// `range` with the characters that it would cut in two.
 [[nodiscard]] TextRange wholeCharacters(const Rope &text, TextRange range);

@@ -14,6 +14,9 @@ namespace {
 /// A paste of more is refused: it would come from a mistyped count.
 constexpr qsizetype longestPaste = qsizetype(1) << 30;
 
+/// More characters than any line has.
+constexpr qsizetype wholeLine = longestPaste;
+
 /// Upper case becomes lower, all else upper, character by character.
 QString withFlippedCase(const Rope &text)
 {
@@ -112,15 +115,11 @@ const std::array<VimEngine::CommandRow, 35> VimEngine::Tables::commands = {{
      }},
     {u'D',
      [](VimEngine &engine, qsizetype) {
-         const qsizetype place = engine.caret();
-         const qsizetype end = std::max(engine.buffer().lineContentEnd(place), place);
-         engine.apply(OperatorKind::remove, TextRange::between(place, end), Span::characters);
+         engine.apply(OperatorKind::remove, engine.charactersFrom(engine.caret(), wholeLine), Span::characters);
      }},
     {u'C',
      [](VimEngine &engine, qsizetype) {
-         const qsizetype place = engine.caret();
-         const qsizetype end = std::max(engine.buffer().lineContentEnd(place), place);
-         engine.apply(OperatorKind::change, TextRange::between(place, end), Span::characters);
+         engine.apply(OperatorKind::change, engine.charactersFrom(engine.caret(), wholeLine), Span::characters);
      }},
     {u's',
      [](VimEngine &engine, qsizetype count) {
@@ -237,7 +236,6 @@ void VimEngine::applyToSelection(OperatorKind kind)
     const Span span = m_mode == Mode::visualLine ? Span::lines : Span::characters;
     const TextRange selected = m_view.selectedRange();
     setMode(Mode::normal);
-    m_visualHead = selected.location;
     moveCaret(selected.location);
     apply(kind, selected, span);
 }

@@ -8,6 +8,8 @@
 #include "Text/TextBoundaries.h"
 #include "Vim/VimEngineTables.h"
 
+#include <QScopedValueRollback>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -45,6 +47,16 @@ VimEngine::~VimEngine()
 // Keys
 
 bool VimEngine::handle(const VimKeyEvent &event)
+{
+    const QScopedValueRollback handling(m_isHandling, true);
+    const bool isDone = handleKey(event);
+    if (std::exchange(m_hasNews, false)) {
+        m_delegate.vimEngineDidChangeState(*this);
+    }
+    return isDone;
+}
+
+bool VimEngine::handleKey(const VimKeyEvent &event)
 {
     const QString &characters = event.charactersIgnoringModifiers;
     const char16_t key = characters.isEmpty() ? 0 : characters.front().unicode();
@@ -329,7 +341,11 @@ void VimEngine::setKeymap(VimKeymapPreset preset)
 
 void VimEngine::notify()
 {
-    m_delegate.vimEngineDidChangeState(*this);
+    if (m_isHandling) {
+        m_hasNews = true;
+    } else {
+        m_delegate.vimEngineDidChangeState(*this);
+    }
 }
 
 void VimEngine::setMode(Mode mode)

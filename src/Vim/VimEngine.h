@@ -53,7 +53,6 @@ public:
     [[nodiscard]] bool takesText() const { return m_mode == Mode::insert || m_mode == Mode::commandLine; }
     /// Of a key map's, else of a command's keys so far.
     [[nodiscard]] QString pendingDescription() const;
-    [[nodiscard]] const QString &pendingKeys() const { return m_pendingKeys; }
     [[nodiscard]] char16_t commandLinePrefix() const { return m_commandLinePrefix; }
     [[nodiscard]] const QString &commandLineText() const { return m_commandLineText; }
 
@@ -102,6 +101,7 @@ private:
     struct CommandRow;
 
     // Keys
+    bool handleKey(const VimKeyEvent &event);
     bool handleInsert(const VimKeyEvent &event);
     void handleCommandLine(const VimKeyEvent &event);
     void handleStroke(const VimKeyStroke &stroke, QStringView key);
@@ -216,6 +216,9 @@ private:
     bool m_isReplaying = false;
     bool m_changedBuffer = false;
     bool m_isInUndoGroup = false;
+    /// What is to be told while a key is handled is told once, at its end.
+    bool m_isHandling = false;
+    bool m_hasNews = false;
 };
 
 /// As the status bar names it.

@@ -10,30 +10,11 @@
 
 using namespace Qt::StringLiterals;
 using VimMotion::Kind;
+using VimMotion::Request;
+using Target = VimMotion::Result;
 using VimMotion::Words;
 
 namespace {
-
-/// Goes on from where the last step led, until a step leads nowhere.
-template<typename Step>
-qsizetype repeated(qsizetype from, qsizetype count, const Step &step)
-{
-    for (qsizetype done = 0; done < count; ++done) {
-        const qsizetype next = step(from);
-        if (next == from) {
-            break;
-        }
-        from = next;
-    }
-    return from;
-}
-
-/// The start of the character that begins at `offset` or behind it.
-qsizetype characterAtOrBehind(const Rope &text, qsizetype offset)
-{
-    const qsizetype before = TextBoundaries::snapped(text, offset);
-    return before < offset ? TextBoundaries::nextGrapheme(text, before) : before;
-}
 
 /// Of the character at `offset`. What looks for something behind the caret begins here, or it would find the rest of a character that the
 /// caret does not leave.
@@ -56,86 +37,89 @@ qsizetype nextEnd(VimBuffer &text, qsizetype from, Words words)
     return VimMotion::nextWordEnd(text, lastUnit(text.text(), from), words);
 }
 
+/// Where `step` leads that often, or as often as it leads anywhere.
+template<auto step, auto how>
+qsizetype repeated(const Request &request)
+{
+    qsizetype from = request.caret;
+    for (qsizetype done = 0; done < request.count; ++done) {
+        const qsizetype next = step(request.text, from, how);
+        if (next == from) {
+            break;
+        }
+        from = next;
+    }
+    return from;
+}
+
+Target left(const Request &request)
+{
+    return {.position = std::max(request.caret - request.count, request.text.lineStart(request.caret))};
+}
+
+Target right(const Request &request)
+{
+    const Rope &text = request.text.text();
+    const qsizetype end = request.text.lineContentEnd(request.caret);
+    const qsizetype last = TextBoundaries::snapped(text, std::max(end - 1, request.text.lineStart(request.caret)));
+    return {.position = characterAtOrBehind(text, std::min(request.caret + request.count, request.mayStandOnBreak ? end : last))};
+}
+
+template<Words words>
+Target wordStart(const Request &request)
+{
+    return {.position = repeated<nextWord, words>(request), .isWordMotion = true};
+}
+
+template<Words words>
+Target wordStartBefore(const Request &request)
+{
+    return {.position = repeated<VimMotion::previousWordStart, words>(request)};
+}
+
+template<Words words>
+Target wordEnd(const Request &request)
+{
+    return {.position = repeated<nextEnd, words>(request), .kind = Kind::inclusive};
+}
+
+template<VimMotion::Direction direction>
+Target paragraph(const Request &request)
+{
+    return {.position = repeated<VimMotion::nextParagraphBoundary, direction>(request)};
+}
+
+Target lineStart(const Request &request)
+{
+    return {.position = request.text.lineStart(request.caret)};
+}
+
+Target firstNonBlank(const Request &request)
+{
+    return {.position = request.text.firstNonBlank(request.caret)};
+}
+
+Target lineEnd(const Request &request)
+{
+    return {.position = VimMotion::lineEnd(request.text, request.caret, request.count), .kind = Kind::inclusive};
+}
+
 } // namespace
 
 const std::array<VimEngine::MotionRow, 13> VimEngine::Tables::motions = {{
-    {u'h',
-     [](const MotionRow::Request &request) -> VimMotion::Result {
-         return {.position = std::max(request.caret - request.count, request.text.lineStart(request.caret))};
-     }},
-    {u'l',
-     [](const MotionRow::Request &request) -> VimMotion::Result {
-         const qsizetype end = request.text.lineContentEnd(request.caret);
-         const Rope &text = request.text.text();
-         const qsizetype last = TextBoundaries::snapped(text, std::max(end - 1, request.text.lineStart(request.caret)));
-         const qsizetype limit = request.mode == Mode::normal ? last : end;
-         return {.position = characterAtOrBehind(text, std::min(request.caret + request.count, limit))};
-     }},
-    {u'w',
-     [](const MotionRow::Request &request) -> VimMotion::Result {
-         return {.position =
-                     repeated(request.caret, request.count, [&](qsizetype from) { return nextWord(request.text, from, Words::small); }),
-                 .isWordMotion = true};
-     }},
-    {u'W',
-     [](const MotionRow::Request &request) -> VimMotion::Result {
-         return {.position =
-                     repeated(request.caret, request.count, [&](qsizetype from) { return nextWord(request.text, from, Words::big); }),
-                 .isWordMotion = true};
-     }},
-    {u'b',
-     [](const MotionRow::Request &request) -> VimMotion::Result {
-         return {.position = repeated(request.caret, request.count,
-                                      [&](qsizetype from) { return VimMotion::previousWordStart(request.text, from, Words::small); })};
-     }},
-    {u'B',
-     [](const MotionRow::Request &request) -> VimMotion::Result {
-         return {.position = repeated(request.caret, request.count,
-                                      [&](qsizetype from) { return VimMotion::previousWordStart(request.text, from, Words::big); })};
-     }},
-    {u'e',
-     [](const MotionRow::Request &request) -> VimMotion::
-                                               Result {
-                                                   return {.position = repeated(
-                                                               request.caret, request.count,
-                                                               [&](qsizetype from) { return nextEnd(request.text, from, Words::small); }),
-                                                           .kind = Kind::inclusive};
-                                               }},
-    {u'E',
-     [](const MotionRow::Request &request) -> VimMotion::
-                                               Result {
-                                                   return {.position = repeated(
-                                                               request.caret, request.count,
-                                                               [&](qsizetype from) { return nextEnd(request.text, from, Words::big); }),
-                                                           .kind = Kind::inclusive};
-                                               }},
-    {u'0', [](const MotionRow::Request &request) -> VimMotion::Result { return {.position = request.text.lineStart(request.caret)}; },
-     MotionRow::Unmoved::succeeds},
-    {u'^', [](const MotionRow::Request &request) -> VimMotion::Result { return {.position = request.text.firstNonBlank(request.caret)}; },
-     MotionRow::Unmoved::succeeds},
-    {u'$',
-     [](const MotionRow::Request &request) -> VimMotion::
-                                               Result {
-                                                   return {.position = VimMotion::lineEnd(request.text, request.caret, request.count),
-                                                           .kind = Kind::inclusive};
-                                               },
-     MotionRow::Unmoved::succeeds},
-    {u'{',
-     [](const MotionRow::Request &request) -> VimMotion::
-                                               Result {
-                                                   return {.position = repeated(request.caret, request.count, [&](qsizetype from) {
-                                                               return VimMotion::nextParagraphBoundary(request.text, from,
-                                                                                                       VimMotion::Direction::backward);
-                                                           })};
-                                               }},
-    {u'}',
-     [](const MotionRow::Request &request) -> VimMotion::
-                                               Result {
-                                                   return {.position = repeated(request.caret, request.count, [&](qsizetype from) {
-                                                               return VimMotion::nextParagraphBoundary(request.text, from,
-                                                                                                       VimMotion::Direction::forward);
-                                                           })};
-                                               }},
+    {u'h', left},
+    {u'l', right},
+    {u'w', wordStart<Words::small>},
+    {u'W', wordStart<Words::big>},
+    {u'b', wordStartBefore<Words::small>},
+    {u'B', wordStartBefore<Words::big>},
+    {u'e', wordEnd<Words::small>},
+    {u'E', wordEnd<Words::big>},
+    {u'0', lineStart, MotionRow::Unmoved::succeeds},
+    {u'^', firstNonBlank, MotionRow::Unmoved::succeeds},
+    {u'$', lineEnd, MotionRow::Unmoved::succeeds},
+    {u'{', paragraph<VimMotion::Direction::backward>},
+    {u'}', paragraph<VimMotion::Direction::forward>},
 }};
 
 bool VimEngine::executeMotion(char16_t key)
@@ -143,7 +127,7 @@ bool VimEngine::executeMotion(char16_t key)
     if (const auto row = std::ranges::find(Tables::motions, key, &MotionRow::key); row != Tables::motions.end()) {
         VimBuffer text = buffer();
         const qsizetype from = caret();
-        VimMotion::Result result = row->target({text, from, effectiveCount(), m_mode});
+        Target result = row->target({text, from, effectiveCount(), m_mode != Mode::normal});
         result.failed = row->unmoved == MotionRow::Unmoved::fails && TextBoundaries::snapped(text.text(), result.position) == from;
         applyMotion(result);
         return true;

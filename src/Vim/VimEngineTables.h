@@ -27,16 +27,10 @@ struct VimEngine::ControlRow {
 
 /// Where a key leads. The result fails by itself when it is where the caret is, unless it says otherwise.
 struct VimEngine::MotionRow {
-    struct Request {
-        VimBuffer &text;
-        qsizetype caret;
-        qsizetype count;
-        Mode mode;
-    };
     enum class Unmoved { fails, succeeds };
 
     char16_t key;
-    VimMotion::Result (*target)(const Request &request);
+    VimMotion::Result (*target)(const VimMotion::Request &request);
     Unmoved unmoved = Unmoved::fails;
 };
 

@@ -18,6 +18,15 @@ struct Result {
     bool isWordMotion = false;
 };
 
+/// From where, and how often.
+struct Request {
+    VimBuffer &text;
+    qsizetype caret = 0;
+    qsizetype count = 1;
+    /// The caret may stand on a line's break.
+    bool mayStandOnBreak = false;
+};
+
 /// `f`, `t`, `F` and `T`.
 enum class FindKind { forwardTo, forwardBefore, backwardTo, backwardBefore };
 [[nodiscard]] FindKind reversed(FindKind kind);

@@ -7,7 +7,7 @@
 
 #include <span>
 
-/// Lines on the screen, and how far the caret looks like what.
+/// How the caret looks.
 enum class VimCaret { bar, block };
 
 /// What the modal editing of a text needs of the view that shows it. Offsets are UTF-16 units.
