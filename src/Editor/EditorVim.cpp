@@ -3,6 +3,7 @@
 #include "Editor/EditorVim.h"
 
 #include "Editor/EditorTextView.h"
+#include "Text/PasteboardText.h"
 #include "Text/TextStorage.h"
 
 #include <QInputMethodEvent>
@@ -208,7 +209,7 @@ bool EditorVim::replace(std::span<const Edit> edits)
 
 void EditorVim::insertText(const QString &text)
 {
-    m_view.insertText(EditorTextView::withLineFeeds(text), m_view.selection().range());
+    m_view.insertText(withLineFeeds(text), m_view.selection().range());
 }
 
 void EditorVim::undo()

@@ -3,6 +3,7 @@
 #include "Text/TextView.h"
 
 #include "Platform/Pasteboard.h"
+#include "Text/PasteboardText.h"
 #include "Text/TextBoundaries.h"
 #include "Text/TextStorage.h"
 #include "Text/TextViewAccessible.h"
@@ -515,11 +516,6 @@ Caret TextView::caretAt(QPointF point)
 
 // Undo and the pasteboard
 
-QString TextView::withLineFeeds(QString text)
-{
-    return text.replace("\r\n"_L1, "\n"_L1).replace(u'\r', u'\n');
-}
-
 void TextView::undo()
 {
     replay(&UndoManager::undo);
@@ -550,12 +546,7 @@ void TextView::copy()
     if (range.isEmpty()) {
         return;
     }
-    constexpr qsizetype eagerLimit = 1 << 20;
-    if (range.length <= eagerLimit) {
-        m_services.pasteboard.setText(selectedText());
-    } else {
-        m_services.pasteboard.setLazyText([snapshot = m_storage.snapshot(), range] { return snapshot.text.toString(range); });
-    }
+    setText(m_services.pasteboard, m_storage.text().slice(range));
 }
 
 void TextView::cut()

@@ -152,8 +152,6 @@ protected:
     bool replaceTexts(std::span<const Replacement> edits, GroupKind kind, TextSelection after);
     bool replaceText(TextRange range, QStringView text, GroupKind kind, TextSelection after);
 
-    /// A text from elsewhere as it is kept here, where lines end with LF alone.
-    [[nodiscard]] static QString withLineFeeds(QString text);
     /// What an input method has shown so far becomes text.
     void commitPreedit();
     /// Where a drag that is under way would leave its text; none when it would not.

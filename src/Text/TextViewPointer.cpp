@@ -6,6 +6,7 @@
 #include "Platform/LazyTextMimeData.h"
 #include "Platform/Pasteboard.h"
 #include "Platform/Translation.h"
+#include "Text/PasteboardText.h"
 #include "Text/TextBoundaries.h"
 #include "Text/TextStorage.h"
 #include "Text/TextView.h"

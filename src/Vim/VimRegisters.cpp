@@ -4,12 +4,11 @@
 
 #include "Model/Preferences.h"
 #include "Platform/Pasteboard.h"
+#include "Text/PasteboardText.h"
 
 #include <QChar>
 
 namespace {
-
-constexpr qsizetype eagerLimit = 1 << 20;
 
 char16_t lowerCase(char16_t name)
 {
@@ -59,18 +58,12 @@ void VimRegisters::writeToClipboard(const Rope &text)
     if (text.isEmpty()) {
         return;
     }
-    if (text.length() <= eagerLimit) {
-        m_pasteboard.setText(text.toString());
-    } else {
-        m_pasteboard.setLazyText([text] { return text.toString(); });
-    }
+    setText(m_pasteboard, text);
     m_lastWrittenChangeCount = m_pasteboard.changeCount();
 }
 
 VimRegisterContents VimRegisters::clipboard() const
 {
-    // As text is kept here, where lines end with LF alone.
-    QString text = m_pasteboard.text();
-    text.replace(QLatin1StringView("\r\n"), QLatin1StringView("\n")).replace(u'\r', u'\n');
+    const QString text = withLineFeeds(m_pasteboard.text());
     return {.text = Rope(text), .isLinewise = text.endsWith(u'\n')};
 }
