@@ -192,6 +192,8 @@ struct TextSearcher::Walk {
     const SearchControl &control;
     std::function<bool(const Place &)> visit;
     qsizetype at = range.location;
+    /// An empty hit at the end of the text is one.
+    bool takesEnd = false;
 
     /// Goes on at `next`; false when it is time to stop.
     [[nodiscard]] bool goOn(qsizetype next)
@@ -217,7 +219,7 @@ Result<TextSearcher> TextSearcher::compile(const SearchQuery &query)
         searcher.m_checksWords = query.matchesWholeWords;
         return searcher;
     }
-    const RegularExpression::Options options{.anchorsMatchLines = true};
+    const RegularExpression::Options options{.anchorsMatchLines = !query.isBareExpression};
     const QString prefix = query.matchesCase ? QString() : u"(?i)"_s;
     // As it was typed first: what is wrong is told in the user's terms.
     auto expression = RegularExpression::compile(query.pattern, options);
@@ -270,13 +272,16 @@ bool TextSearcher::accepts(const Rope &text, TextRange hit) const
 
 void TextSearcher::walk(Walk &walk)
 {
+    walk.takesEnd = m_query.isBareExpression && walk.range.end() > walk.text.length();
     walk.range = walk.range.clampedTo(walk.text.length());
     walk.at = walk.range.location;
     if (m_query.pattern.isEmpty()) {
         return;
     }
     const auto search = m_expression ? &TextSearcher::searchExpression : &TextSearcher::searchLiteral;
-    while (walk.at < walk.range.end() && (this->*search)(walk)) {
+    bool goesOn = walk.at < walk.range.end() || walk.takesEnd;
+    while (goesOn) {
+        goesOn = (this->*search)(walk) && walk.at < walk.range.end();
     }
 }
 
@@ -317,7 +322,7 @@ bool TextSearcher::searchExcerpt(Walk &walk, qsizetype windowEnd)
     const Rope &text = walk.text;
     qsizetype limit = std::min(text.length(), windowEnd + reach);
     if (m_staysInLine) {
-        const qsizetype line = text.lineAt(windowEnd - 1);
+        const qsizetype line = text.lineAt(std::max<qsizetype>(windowEnd - 1, 0));
         limit = line + 1 < text.lineCount() ? std::min(limit, text.lineStart(line + 1)) : limit;
     }
     if (text.splitsPair(limit)) {
@@ -349,14 +354,18 @@ std::optional<qsizetype> TextSearcher::searchRange(Walk &walk, const Excerpt &ex
 {
     qsizetype behindHits = range.location;
     bool goesOn = true;
+    // Nothing at the end of a stretch is nothing at the start of the next.
+    const qsizetype end = std::min(windowEnd, range.end());
+    const qsizetype last = walk.takesEnd && end == walk.text.length() ? end : end - 1;
     m_expression->forEachMatch(excerpt.units, excerpt.inUnits(range), RegularExpression::Bounds::window(),
                                [&](const RegularExpression &found) {
                                    const TextRange hit{found.range().location + excerpt.start, found.range().length};
-                                   if (hit.location >= windowEnd) {
+                                   if (hit.location > last) {
                                        return false;
                                    }
                                    behindHits = std::max(behindHits, hit.end());
-                                   goesOn = hit.isEmpty() || !accepts(walk.text, hit) || walk.visit({hit, &excerpt});
+                                   const bool isNone = hit.isEmpty() && !m_query.isBareExpression;
+                                   goesOn = isNone || !accepts(walk.text, hit) || walk.visit({hit, &excerpt});
                                    return goesOn;
                                });
     return goesOn ? std::optional(behindHits) : std::nullopt;
@@ -406,7 +415,7 @@ std::optional<TextRange> TextSearcher::firstHit(const Rope &text, TextRange rang
 std::optional<TextRange> TextSearcher::lastHit(const Rope &text, TextRange range, const SearchControl &control)
 {
     constexpr qsizetype smallest = 4096;
-    range = range.clampedTo(text.length());
+    range = range.clampedTo(text.length() + 1);
     std::optional<TextRange> last;
     qsizetype size = smallest;
     for (qsizetype end = range.end(); end > range.location && !last && !control.stop.stop_requested();) {

@@ -22,6 +22,8 @@ struct SearchQuery {
     bool matchesWholeWords = false;
     /// ICU syntax; else the pattern stands for itself.
     bool isRegularExpression = false;
+    /// As the expression is by itself: `^` and `$` are the ends of the text rather than of lines, and matches of nothing are hits.
+    bool isBareExpression = false;
 
     friend bool operator==(const SearchQuery &, const SearchQuery &) = default;
 };
@@ -53,10 +55,10 @@ struct TextReplacement {
 
 /// Finds the hits of one query in ropes without copying them: only a window of some 100 KB is ever in one piece.
 ///
-/// Hits do not overlap and are never empty; which ones there are in a run of overlapping candidates depends on where the search began.
-/// Case is folded character by character, so that a hit is as long as the pattern: "ß" is found by "ẞ" and "σ" by "ς", but "ss" finds no
-/// "ß". A whole word is one that no word character (letter, mark, digit, connector) continues; in scripts without blanks ICU's
-/// dictionary divides words, for literal patterns.
+/// Hits do not overlap and, unless the expression is bare, are never empty; which ones there are in a run of overlapping candidates depends
+/// on where the search began. Case is folded character by character, so that a hit is as long as the pattern: "ß" is found by "ẞ" and "σ"
+/// by "ς", but "ss" finds no "ß". A whole word is one that no word character (letter, mark, digit, connector) continues; in scripts without
+/// blanks ICU's dictionary divides words, for literal patterns.
 ///
 /// A regular expression sees the lines around it: `^` and `$` are the ends of lines, and look-around sees 256 units beyond what can be
 /// matched. Its hits may span lines; those of up to `reach` units are found wherever they lie, longer ones may be cut short. It never
@@ -76,7 +78,8 @@ public:
     [[nodiscard]] TextSearcher clone() const;
     [[nodiscard]] const SearchQuery &query() const { return m_query; }
 
-    /// Visits the hits that begin in `range`, from its start on, in order; they may end behind it.
+    /// Visits the hits that begin in `range`, from its start on, in order; they may end behind it. An empty one at the text's end begins in
+    /// a range that goes beyond that.
     void forEachHit(const Rope &text, TextRange range, const Visitor &visit, const SearchControl &control = {});
     /// The first that begins in `range`.
     [[nodiscard]] std::optional<TextRange> firstHit(const Rope &text, TextRange range, const SearchControl &control = {});

@@ -332,7 +332,7 @@ void VimEngine::searchWordUnderCaret(SearchDirection direction)
 
 void VimEngine::jumpToMatch(const QString &pattern, SearchDirection direction)
 {
-    auto searcher = TextSearcher::compile({.pattern = pattern, .matchesCase = true, .isRegularExpression = true});
+    auto searcher = TextSearcher::compile({.pattern = pattern, .matchesCase = true, .isRegularExpression = true, .isBareExpression = true});
     if (!searcher) {
         return;
     }

@@ -24,7 +24,8 @@ SearchQuery queryOf(const QString &pattern, const QString &switches)
     return {.pattern = pattern,
             .matchesCase = switches.contains(u'c'),
             .matchesWholeWords = switches.contains(u'w'),
-            .isRegularExpression = switches.contains(u'r')};
+            .isRegularExpression = switches.contains(u'r') || switches.contains(u'b'),
+            .isBareExpression = switches.contains(u'b')};
 }
 
 TextSearcher searcherOf(const QString &pattern, const QString &switches)
@@ -46,7 +47,7 @@ std::vector<TextRange> hitsOf(TextSearcher &searcher, const Rope &text, TextRang
 
 std::vector<TextRange> hitsOf(TextSearcher &searcher, const Rope &text)
 {
-    return hitsOf(searcher, text, {0, text.length()});
+    return hitsOf(searcher, text, {0, text.length() + 1});
 }
 
 QString marked(QString text, const std::vector<TextRange> &hits)
@@ -67,8 +68,8 @@ TEST_P(Searching, FindsWhatIsMarked)
     const Rope rope(text);
     const auto hits = hitsOf(searcher, rope);
     EXPECT_EQ(marked(text, hits).toStdString(), c.marked.toStdString()) << c.name << ": " << c.pattern.toStdString();
-    EXPECT_EQ(searcher.firstHit(rope, {0, rope.length()}), hits.empty() ? std::nullopt : std::optional(hits.front()));
-    EXPECT_EQ(searcher.lastHit(rope, {0, rope.length()}), hits.empty() ? std::nullopt : std::optional(hits.back()));
+    EXPECT_EQ(searcher.firstHit(rope, {0, rope.length() + 1}), hits.empty() ? std::nullopt : std::optional(hits.front()));
+    EXPECT_EQ(searcher.lastHit(rope, {0, rope.length() + 1}), hits.empty() ? std::nullopt : std::optional(hits.back()));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -103,7 +104,23 @@ INSTANTIATE_TEST_SUITE_P(Expressions, Searching,
                                          SearchCase{"start and end of the text", u"\\Aa|a\\z"_s, u"r"_s, u"[a]a\na[a]"_s},
                                          SearchCase{"whole words take another way", u"foo|foobar"_s, u"rw"_s, u"[foobar] foox [foo]"_s},
                                          SearchCase{"whole words with a comment", u"(?x) a+ # letters"_s, u"rw"_s, u"[aa] aab"_s},
-                                         SearchCase{"pairs are characters", u"."_s, u"r"_s, u"[\U0001F600][a]"_s}));
+                                         SearchCase{"pairs are characters", u"."_s, u"r"_s, u"[\U0001F600][a]"_s},
+                                         SearchCase{"bare: ends of the text", u"^a|a$"_s, u"cb"_s, u"[a]a\na\na[a]\n"_s},
+                                         SearchCase{"bare: nothing is a hit", u"x*"_s, u"cb"_s, u"[]a[xx][]b[]\n[]"_s},
+                                         SearchCase{"bare: nothing in nothing", u"$"_s, u"cb"_s, u"[]"_s}));
+
+/// Empty matches at the ends of windows are neither left out nor found twice.
+TEST(TextSearch, FindsEveryEmptyMatchOnce)
+{
+    const QString line = QString(999, u'a') + u'\n';
+    for (const auto &[pattern, perLine] : {std::pair{u"(?<=\\n)"_s, 1}, std::pair{u"(?<=a)(?=\\n)|(?<=\\n)(?=a)"_s, 2}}) {
+        TextSearcher searcher = searcherOf(pattern, u"cb"_s);
+        const int lines = 700;
+        const auto hits = hitsOf(searcher, Rope(line.repeated(lines)));
+        EXPECT_EQ(std::ssize(hits), lines * perLine - (perLine - 1)) << pattern.toStdString();
+        EXPECT_TRUE(std::ranges::is_sorted(hits, std::ranges::less_equal(), &TextRange::location)) << "none is there twice";
+    }
+}
 
 /// Whatever the size of windows and chunks, what is found is what is found in one piece.
 TEST(TextSearch, FindsWhatABlindSearchFindsAcrossChunksAndWindows)
