@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "App/CommandLine.h"
 
+#include "Platform/FilePath.h"
 #include "Platform/Translation.h"
 
 #include <QDir>
@@ -26,14 +27,6 @@ constexpr auto options = std::to_array<OptionRow>({
     {"--version"_L1, "-v"_L1, CommandLine::Request::showVersion, u"show the version and end"},
 });
 
-QString expanded(const QString &name, const QString &folder)
-{
-    if (name == "~"_L1 || name.startsWith("~/"_L1)) {
-        return QDir::cleanPath(QDir::homePath() + name.mid(1));
-    }
-    return QDir::cleanPath(QDir(folder).absoluteFilePath(name));
-}
-
 } // namespace
 
 CommandLine CommandLine::parse(const QStringList &arguments, const QString &folder)
@@ -54,7 +47,7 @@ CommandLine CommandLine::parse(const QStringList &arguments, const QString &fold
             }
             return {.request = option->request, .files = {}, .complaints = {}};
         }
-        const QString path = expanded(argument, folder);
+        const QString path = absoluteFilePath(argument, folder);
         const QFileInfo file(path);
         if (!file.exists()) {
             line.complaints << formatted(localized(u"“%@” does not exist."), argument);

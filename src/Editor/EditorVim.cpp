@@ -132,6 +132,7 @@ bool EditorVim::handleKey(const QKeyEvent &event)
     }
     const bool isDone = m_engine->handle(key);
     updateInputMethod();
+    runEnteredCommand();
     return isDone;
 }
 
@@ -150,6 +151,7 @@ bool EditorVim::handleInputMethod(const QInputMethodEvent &event)
         place += length;
     }
     updateInputMethod();
+    runEnteredCommand();
     return true;
 }
 
@@ -164,7 +166,16 @@ void EditorVim::updateInputMethod()
 
 void EditorVim::vimEngineRunsCommand(VimEngine & /*engine*/, const QString &command)
 {
-    m_callbacks.runCommand(command);
+    m_enteredCommand = command;
+}
+
+/// The last that is done with a key: a command may switch modal editing off, and so be the end of the engine and of this.
+void EditorVim::runEnteredCommand()
+{
+    if (m_enteredCommand) {
+        const auto run = m_callbacks.runCommand;
+        run(*std::exchange(m_enteredCommand, std::nullopt));
+    }
 }
 
 void EditorVim::vimEngineDidChangeState(VimEngine & /*engine*/)

@@ -44,6 +44,7 @@ public:
 
 private:
     [[nodiscard]] VimKeyEvent translated(const QKeyEvent &event) const;
+    void runEnteredCommand();
     void updateInputMethod();
 
     [[nodiscard]] const Rope &text() const override;
@@ -72,4 +73,5 @@ private:
     EditorTextView &m_view;
     Callbacks m_callbacks;
     std::unique_ptr<VimEngine> m_engine;
+    std::optional<QString> m_enteredCommand;
 };

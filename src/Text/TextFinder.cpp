@@ -497,7 +497,8 @@ void TextFinder::replaceAll(const QString &typed)
     m_seeking.cancel();
     m_wanted.reset();
     if (isSmall()) {
-        applyReplacement(m_searcher->replacementOfAll(m_view->storage().text(), *checked));
+        const Rope &text = m_view->storage().text();
+        applyReplacement(m_searcher->replacementOfAll(text, {0, text.length()}, *checked));
     } else {
         startReplacing(*checked);
     }
@@ -510,7 +511,8 @@ void TextFinder::startReplacing(const QString &replacementTemplate)
         m_services.workers,
         [searcher = copyOf(*m_searcher), snapshot = m_view->storage().snapshot(), searched = m_searched,
          replacementTemplate](const std::stop_token &stop) {
-            return searcher->replacementOfAll(snapshot.text, replacementTemplate, {.stop = stop, .searched = searched});
+            return searcher->replacementOfAll(snapshot.text, {0, snapshot.text.length()}, replacementTemplate,
+                                              TextReplacement::Occurrences::all, {.stop = stop, .searched = searched});
         },
         [this, replacementTemplate, revision = m_view->storage().revision()](const TextReplacement &replacement) {
             if (!canReplace()) {
@@ -532,25 +534,7 @@ void TextFinder::applyReplacement(const TextReplacement &replacement)
         emit statusChanged();
         return;
     }
-    TextStorage &storage = m_view->storage();
-    UndoManager &undo = m_view->undoManager();
-    undo.beginGroup(GroupKind::other, m_view->selection(), m_view);
-    {
-        const EditBatch batch(storage);
-        qsizetype shift = 0;
-        for (const TextReplacement::Edit &edit : replacement.edits) {
-            storage.replaceCharacters({edit.range.location + shift, edit.range.length}, edit.text);
-            shift += edit.text.size() - edit.range.length;
-        }
-        if (replacement.edits.empty()) {
-            storage.replaceCharacters(replacement.hull, replacement.hullText);
-        }
-    }
-    if (m_view && replacement.edits.empty()) {
-        // The ends of a selection found their places one by one, and what is between them now is nobody's choice.
-        m_view->setSelection(TextSelection::at(m_view->selection().range().location));
-    }
-    undo.endGroup(m_view ? m_view->selection() : TextSelection());
+    m_view->apply(replacement);
     m_outcome.replaced = replacement.count;
     emit statusChanged();
 }

@@ -3,6 +3,7 @@
 #include "Text/TextSearch.h"
 
 #include "Platform/Translation.h"
+#include "Text/LineRange.h"
 
 #include <unicode/ubrk.h>
 #include <unicode/uchar.h>
@@ -485,16 +486,28 @@ std::optional<QString> TextSearcher::replacement(const Rope &text, TextRange hit
     return result;
 }
 
-TextReplacement TextSearcher::replacementOfAll(const Rope &text, const QString &replacementTemplate, const SearchControl &control)
+TextReplacement TextSearcher::replacementOfAll(const Rope &text, TextRange range, const QString &replacementTemplate,
+                                               TextReplacement::Occurrences occurrences, const SearchControl &control)
 {
     TextReplacement result;
     Rope changed;
     qsizetype shift = 0;
-    const auto apply = [&changed, &shift](TextRange range, const QString &inserted) {
-        changed.replace({range.location + shift, range.length}, inserted);
-        shift += inserted.size() - range.length;
+    TextRange line{-1, 0};
+    const auto apply = [&changed, &shift](TextRange place, const QString &inserted) {
+        changed.replace({place.location + shift, place.length}, inserted);
+        shift += inserted.size() - place.length;
     };
     const auto take = [&](const Walk::Place &place) {
+        if (occurrences == TextReplacement::Occurrences::firstOfLine) {
+            if (place.hit.location < line.end()) {
+                return true;
+            }
+            const TextRange own = lineRange(text, {place.hit.location, 0});
+            if (own.location == line.location) {
+                return true; // at the end of the text
+            }
+            line = own;
+        }
         QString inserted = place.excerpt ? RegularExpression::replacement(m_expression->match(), place.excerpt->units, replacementTemplate)
                                          : replacementTemplate;
         if (result.count == 0) {
@@ -515,7 +528,7 @@ TextReplacement TextSearcher::replacementOfAll(const Rope &text, const QString &
         apply(place.hit, inserted);
         return true;
     };
-    Walk all{.text = text, .range = {0, text.length()}, .control = control, .visit = take};
+    Walk all{.text = text, .range = range, .control = control, .visit = take};
     walk(all);
     if (result.count > 0 && result.edits.empty()) {
         result.hullText = changed.slice({result.hull.location, result.hull.length + shift});

@@ -37,6 +37,8 @@ struct SearchControl {
 
 /// What replacing all hits does to a text.
 struct TextReplacement {
+    enum class Occurrences { all, firstOfLine };
+
     struct Edit {
         /// In the text before all edits.
         TextRange range;
@@ -94,8 +96,10 @@ public:
     [[nodiscard]] Result<QString> replacementTemplate(const QString &typed) const;
     /// What comes in place of `hit`; none when that is no hit (any more).
     [[nodiscard]] std::optional<QString> replacement(const Rope &text, TextRange hit, const QString &replacementTemplate);
-    /// Stopped, it tells of what it had found till then.
-    [[nodiscard]] TextReplacement replacementOfAll(const Rope &text, const QString &replacementTemplate, const SearchControl &control = {});
+    /// Of the hits that begin in `range`. Stopped, it tells of what it had found till then.
+    [[nodiscard]] TextReplacement replacementOfAll(const Rope &text, TextRange range, const QString &replacementTemplate,
+                                                   TextReplacement::Occurrences occurrences = TextReplacement::Occurrences::all,
+                                                   const SearchControl &control = {});
 
 private:
     struct Excerpt;

@@ -5,11 +5,13 @@
 #include "Platform/Pasteboard.h"
 #include "Text/PasteboardText.h"
 #include "Text/TextBoundaries.h"
+#include "Text/TextSearch.h"
 #include "Text/TextStorage.h"
 #include "Text/TextViewAccessible.h"
 
 #include <QApplication>
 #include <QInputMethod>
+#include <QPointer>
 #include <QScopedValueRollback>
 
 #include <array>
@@ -254,6 +256,37 @@ bool TextView::replaceTexts(std::span<const Replacement> edits, GroupKind kind, 
 void TextView::insertText(QStringView text, TextRange range)
 {
     replaceText(range, text, GroupKind::other, TextSelection::at(range.location + text.length()));
+}
+
+void TextView::apply(const TextReplacement &replacement)
+{
+    const QPointer<TextView> view(this);
+    TextStorage &storage = m_storage;
+    UndoManager &undo = m_undoManager;
+    const bool isStretch = replacement.edits.empty();
+    undo.beginGroup(GroupKind::other, selection(), this);
+    {
+        const EditBatch batch(storage);
+        qsizetype shift = 0;
+        for (const TextReplacement::Edit &edit : replacement.edits) {
+            if (shouldChangeText(edit.range, edit.text)) {
+                storage.replaceCharacters({edit.range.location + shift, edit.range.length}, edit.text);
+                shift += edit.text.size() - edit.range.length;
+            }
+        }
+        if (isStretch && shouldChangeText(replacement.hull, {})) {
+            storage.replaceCharacters(replacement.hull, replacement.hullText);
+        }
+    }
+    // Who hears of the edit may close the view.
+    if (view && isStretch) {
+        // The ends of a selection found their places one by one, and what is between them now is nobody's choice.
+        setSelection(TextSelection::at(selection().range().location));
+    }
+    undo.endGroup(view ? selection() : TextSelection());
+    if (view) {
+        didChangeText();
+    }
 }
 
 void TextView::removeRange(TextRange range, GroupKind kind)

@@ -16,6 +16,7 @@
 class Pasteboard;
 class QMenu;
 class QMimeData;
+struct TextReplacement;
 
 /// An editable view of a TextStorage: draws what is visible, moves the caret, takes keys, pointer, input methods and drops.
 ///
@@ -123,6 +124,10 @@ public:
     /// Scrolls by itself as long as the pointer is outside.
     void goOnSelecting(QPointF point);
     void endSelecting();
+
+    /// Makes the edits of `replacement`, which is of the text as it is, as one step of undo; those that shouldChangeText() refuses are left
+    /// out. Of a stretch of new text it is asked once, without the text. The caret stays where its surroundings are.
+    void apply(const TextReplacement &replacement);
 
     [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
 

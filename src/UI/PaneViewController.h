@@ -70,6 +70,7 @@ public:
     void moveTab(int from, int to);
     void selectNextTab(int step);
     /// Asks first when there is unsaved text.
+    void requestClose(int index);
     void closeCurrentTab() { requestClose(m_selectedIndex); }
     void focusEditor();
     void saveViewState();
@@ -79,7 +80,6 @@ private:
     void applyTheme();
     [[nodiscard]] bool editorHasFocus() const;
     void showEditor(TextDocument &document);
-    void requestClose(int index);
     void dropEditor(const TextDocument &document);
 
     void editorWantsFocus(EditorViewController &editor) override;

@@ -11,6 +11,7 @@
 #include "Platform/Localization.h"
 #include "Platform/Translation.h"
 #include "UI/PaneSplitter.h"
+#include "UI/SubstitutionRunner.h"
 
 #include <QPointer>
 #include <QVBoxLayout>
@@ -553,12 +554,6 @@ void WorkspaceViewController::paneRequestsClose(PaneViewController &pane, TextDo
     } else {
         close(true);
     }
-}
-
-void WorkspaceViewController::paneRunsVimCommand(PaneViewController & /*pane*/, const QString &command)
-{
-    // There are none yet.
-    m_statusBar->flash(formatted(localized(u"Not a command: %@"), command.trimmed()), std::chrono::seconds(5));
 }
 
 void WorkspaceViewController::paneDidBecomeEmpty(PaneViewController &pane)

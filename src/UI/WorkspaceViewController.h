@@ -8,8 +8,10 @@
 #include "UI/FileDropView.h"
 #include "UI/PaneViewController.h"
 #include "UI/StatusBarView.h"
+#include "Vim/VimExCommands.h"
 
 class PaneSplitter;
+class SubstitutionRunner;
 struct RestoredDocument;
 class WorkspaceViewController;
 struct Alert;
@@ -36,7 +38,8 @@ protected:
 class WorkspaceViewController final : public FileDropView,
                                       public Responder,
                                       private PaneViewControllerDelegate,
-                                      private StatusBarViewDelegate {
+                                      private StatusBarViewDelegate,
+                                      private VimCommandHost {
     Q_OBJECT
 
 public:
@@ -79,6 +82,9 @@ public:
     void saveAs(TextDocument &document, const Completion &completion);
     /// Gets true when the tab may close.
     void confirmClose(TextDocument &document, const Completion &completion);
+
+    /// What was typed behind ":" in modal editing.
+    void runVimCommand(const QString &command);
 
     [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
 
@@ -124,7 +130,7 @@ private:
     // Commands
     void newDocument() { openUntitled(); }
     void openDocument();
-    void saveDocument();
+    void saveDocument() override;
     void saveDocumentAs();
     void revertDocumentToSaved();
     void makeBackup();
@@ -134,19 +140,19 @@ private:
     void copyFilePath();
     void showFindInterface();
     void compare();
-    void closeTab();
+    void closeTab() override;
     void selectNextTab();
     void selectPreviousTab();
     void selectTabByNumber(const ActionSender &sender);
     void moveTabToNewWindow();
-    void splitEditorRight() { makeSplit(Qt::Horizontal); }
-    void splitEditorDown() { makeSplit(Qt::Vertical); }
+    void splitEditorRight() override { makeSplit(Qt::Horizontal); }
+    void splitEditorDown() override { makeSplit(Qt::Vertical); }
     void closeSplit();
-    void closeOtherSplits();
+    void closeOtherSplits() override;
     void focusNextPane() { focusPane(1); }
     void focusPreviousPane() { focusPane(-1); }
     void toggleSplitOrientation();
-    void closeWindowFromVim() { window()->close(); }
+    void closeWindowFromVim() override { window()->close(); }
     void goToLine();
     void selectLanguageFromMenu(const ActionSender &sender);
     void selectTheme(const ActionSender &sender);
@@ -156,6 +162,15 @@ private:
     void decreaseFontSize() { changeFontSize(-1); }
     void resetFontSize();
     void changeFontSize(int steps);
+
+    // Ex commands
+    void showVimMessage(const QString &message) override;
+    void scrollToLine(qsizetype number) override;
+    void substitute(const VimSubstitution &substitution) override;
+    void saveAndClose() override;
+    void forceCloseCurrentTab() override;
+    void editFile(const QString &name) override;
+    void revertWithoutAsking();
 
     // Enabling
     [[nodiscard]] bool hasDocument() const { return currentDocument() != nullptr; }
@@ -185,7 +200,7 @@ private:
     void paneRequestsNewDocument(PaneViewController &pane) override;
     void paneDidDropFiles(PaneViewController &pane, const QStringList &paths) override;
     void paneRequestsClose(PaneViewController &pane, TextDocument &document, CloseCompletion completion) override;
-    void paneRunsVimCommand(PaneViewController &pane, const QString &command) override;
+    void paneRunsVimCommand(PaneViewController & /*pane*/, const QString &command) override { runVimCommand(command); }
     void paneDidBecomeEmpty(PaneViewController &pane) override;
 
     void statusBarDidChooseLanguage(const Language &language) override;
@@ -210,5 +225,6 @@ private:
     Scheduler::Milliseconds m_lastActivity{};
     /// As the store was last given it.
     std::optional<SessionSnapshot> m_lastSnapshot;
+    std::unique_ptr<SubstitutionRunner> m_substitutions;
     std::vector<NotificationCenter::Token> m_observers;
 };

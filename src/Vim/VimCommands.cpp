@@ -78,7 +78,7 @@ const std::array<VimEngine::ControlRow, 6> VimEngine::Tables::controlKeys = {{
     {u'r',
      [](VimEngine &engine) {
          engine.m_view.redo();
-         engine.moveCaret(engine.m_view.selectedRange().location); // onto a character
+         engine.settleCaret();
      }},
     {u'd', [](VimEngine &engine) { engine.scrollLines(engine.m_view.visibleLineCount() / 2); }},
     {u'u', [](VimEngine &engine) { engine.scrollLines(-(engine.m_view.visibleLineCount() / 2)); }},
@@ -135,7 +135,7 @@ const std::array<VimEngine::CommandRow, 35> VimEngine::Tables::commands = {{
     {u'u',
      [](VimEngine &engine, qsizetype) {
          engine.m_view.undo();
-         engine.moveCaret(engine.m_view.selectedRange().location);
+         engine.settleCaret();
          engine.resetPending();
      }},
     {u'v', [](VimEngine &engine, qsizetype) { engine.toggleVisual(Mode::visual); }},

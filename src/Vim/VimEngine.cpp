@@ -417,6 +417,11 @@ void VimEngine::moveCaret(qsizetype target, Keep keep)
     }
 }
 
+void VimEngine::settleCaret()
+{
+    moveCaret(m_view.selectedRange().location);
+}
+
 void VimEngine::leaveToNormal()
 {
     if (m_mode == Mode::insert) {

@@ -59,6 +59,8 @@ public:
     void setKeymap(VimKeymapPreset preset);
     /// What Escape does.
     void leaveToNormal();
+    /// Something else moved the caret or changed the text: puts it on a character.
+    void settleCaret();
     /// An input method typed `text` while in insert mode.
     void noteInsertedText(const QString &text);
     /// The changes of an insert session are one step of undo, until the view loses the keyboard or somebody undoes in between.

@@ -239,7 +239,7 @@ TEST(TextSearch, Replaces)
         const QString replacement = *searcher.replacementTemplate(row.typed);
         for (const int copies : {1, 1500}) {
             const Rope text(QString(row.before + u'\n').repeated(copies));
-            const TextReplacement all = searcher.replacementOfAll(text, replacement);
+            const TextReplacement all = searcher.replacementOfAll(text, {0, text.length()}, replacement);
             Rope changed = text;
             for (auto edit = all.edits.rbegin(); edit != all.edits.rend(); ++edit) {
                 changed.replace(edit->range, edit->text);

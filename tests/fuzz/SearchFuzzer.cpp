@@ -48,7 +48,7 @@ void checkReplacing(TextSearcher &searcher, const QString &text, const std::vect
         return;
     }
     const bool wasHard = searcher.gaveUp();
-    const TextReplacement all = searcher.replacementOfAll(rope, *format);
+    const TextReplacement all = searcher.replacementOfAll(rope, {0, rope.length()}, *format);
     QString result = text;
     if (all.edits.empty()) {
         result.replace(all.hull.location, all.hull.length, all.hullText.toString());

@@ -1,0 +1,113 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "UI/SubstitutionRunner.h"
+
+#include "Platform/Translation.h"
+#include "Text/TextStorage.h"
+#include "Text/TextView.h"
+
+#include <QKeyEvent>
+
+using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype searchedAtOnce = qsizetype(512) * 1024;
+/// Before anything is said of a search that goes on.
+constexpr Scheduler::Milliseconds patience = 500ms;
+constexpr Scheduler::Milliseconds toBeRead = 5s;
+constexpr Scheduler::Milliseconds untilReplaced = 24h;
+
+} // namespace
+
+SubstitutionRunner::SubstitutionRunner(Services services) : m_services(std::move(services)) {}
+
+SubstitutionRunner::~SubstitutionRunner() = default;
+
+void SubstitutionRunner::run(TextView &view, const VimSubstitution &substitution)
+{
+    finish({});
+    auto searcher = substitution.searcher();
+    if (!searcher) {
+        finish(formatted(localized(u"Bad pattern: %@"), substitution.pattern));
+        return;
+    }
+    m_view = &view;
+    m_substitution = substitution;
+    const Rope &text = view.storage().text();
+    if (!substitution.isOfWholeText || text.length() <= searchedAtOnce) {
+        TextReplacement replacement = substitution.replacementIn(text, view.selection().range().location, *searcher);
+        arrive({std::move(replacement), searcher->gaveUp()});
+        return;
+    }
+    view.installEventFilter(this);
+    m_tellSoon = m_services.scheduler.after(patience, [this] { m_services.tell(localized(u"Substituting… Esc stops."), untilReplaced); });
+    start();
+}
+
+void SubstitutionRunner::start()
+{
+    const auto search = [substitution = m_substitution, snapshot = m_view->storage().snapshot()](const std::stop_token &stop) {
+        auto searcher = substitution.searcher();
+        TextReplacement replacement = substitution.replacementIn(snapshot.text, 0, *searcher, {.stop = stop, .searched = nullptr});
+        return Outcome{std::move(replacement), searcher->gaveUp()};
+    };
+    m_search = BackgroundTask::start(m_services.workers, search, [this, revision = m_view->storage().revision()](const Outcome &outcome) {
+        if (m_view && m_view->storage().revision() != revision) {
+            start();
+        } else {
+            arrive(outcome);
+        }
+    });
+}
+
+void SubstitutionRunner::arrive(const Outcome &outcome)
+{
+    const auto count = outcome.replacement.count;
+    if (!m_view) {
+        finish(localized(u"The substitution was stopped; nothing was changed."));
+        return;
+    }
+    if (count == 0 && !outcome.isIncomplete) {
+        finish(formatted(localized(u"Pattern not found: %@"), m_substitution.pattern));
+        return;
+    }
+    const QPointer<TextView> view = m_view;
+    if (count > 0) {
+        view->apply(outcome.replacement);
+    }
+    const QString done = count == 1 ? localized(u"1 substitution") : formatted(localized(u"%d substitutions"), count);
+    finish(outcome.isIncomplete ? done + u". "_s + localized(u"The expression is too hard for parts of this text. There may be more hits.")
+                                : done);
+    if (view && count > 0) {
+        m_services.changed(*view);
+    }
+}
+
+/// Whatever was under way is over. What is said of it may be nothing.
+void SubstitutionRunner::finish(const QString &message)
+{
+    m_search.cancel();
+    m_tellSoon.cancel();
+    if (m_view) {
+        m_view->removeEventFilter(this);
+    }
+    m_view = nullptr;
+    if (!message.isEmpty()) {
+        m_services.tell(message, toBeRead);
+    }
+}
+
+bool SubstitutionRunner::eventFilter(QObject *object, QEvent *event)
+{
+    const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
+    if (!isKey || static_cast<const QKeyEvent *>(event)->key() != Qt::Key_Escape) {
+        return QObject::eventFilter(object, event);
+    }
+    event->accept();
+    if (event->type() == QEvent::KeyPress) {
+        finish(localized(u"The substitution was stopped; nothing was changed."));
+    }
+    return true;
+}

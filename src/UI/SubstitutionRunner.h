@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/BackgroundTask.h"
+#include "Platform/Scheduler.h"
+#include "Vim/VimSubstitution.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <functional>
+
+class TextView;
+
+/// Carries out one `:s` at a time: at once in a short text, else on a worker, while the view can be used; when its text has changed
+/// meanwhile, once more. Escape in the view stops it, and then nothing was changed. Main thread only; the services must outlive it, the
+/// view need not.
+class SubstitutionRunner final : public QObject {
+    Q_OBJECT
+
+public:
+    struct Services {
+        Scheduler &scheduler;
+        Workers &workers;
+        /// Shows what there is to be said for so long.
+        std::function<void(const QString &message, Scheduler::Milliseconds duration)> tell;
+        /// The text of that view was changed.
+        std::function<void(TextView &view)> changed;
+    };
+
+    explicit SubstitutionRunner(Services services);
+    ~SubstitutionRunner() override;
+
+    /// One that is under way is stopped.
+    void run(TextView &view, const VimSubstitution &substitution);
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
+private:
+    struct Outcome {
+        TextReplacement replacement;
+        /// Some stretches were too hard for the expression.
+        bool isIncomplete = false;
+    };
+
+    void start();
+    void arrive(const Outcome &outcome);
+    void finish(const QString &message);
+
+    Services m_services;
+    QPointer<TextView> m_view;
+    VimSubstitution m_substitution;
+    BackgroundTask m_search;
+    DelayedTask m_tellSoon;
+};

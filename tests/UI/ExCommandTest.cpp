@@ -1,0 +1,197 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Editor/EditorVim.h"
+#include "HeldWorkers.h"
+#include "UI/SubstitutionRunner.h"
+#include "WindowFixture.h"
+
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class ExCommandTest : public WindowTest {
+protected:
+    void SetUp() override
+    {
+        WindowTest::SetUp();
+        preferences.setVimMode(true);
+        QObject::connect(&workspace().statusBar(), &StatusBarView::flashed, &window(),
+                         [this](const QString &message) { messages << message; });
+    }
+    void start(const QByteArray &content) { workspace().open({write(u"a.txt"_s, content)}); }
+    void run(const QString &command)
+    {
+        messages.clear();
+        type(u":"_s + command);
+        QTest::keyClick(&textView(), Qt::Key_Return);
+    }
+    [[nodiscard]] TextDocument &document() const { return *workspace().currentDocument(); }
+
+    QStringList messages;
+};
+
+} // namespace
+
+TEST_F(ExCommandTest, WritesAndCloses)
+{
+    start("one\n");
+    type(u"x"_s);
+    run(u"w"_s);
+    EXPECT_EQ(read(u"a.txt"_s), "ne\n");
+    EXPECT_EQ(messages, QStringList{u"Saved"_s});
+    type(u"x"_s);
+    run(u"q"_s);
+    EXPECT_EQ(lastAlert(), u"Do you want to save the changes made to “a.txt”?"_s);
+    EXPECT_EQ(tabs(), QStringList{u"a.txt"_s});
+    run(u"x"_s);
+    EXPECT_EQ(read(u"a.txt"_s), "e\n");
+    EXPECT_EQ(tabs(), QStringList{u"Untitled"_s});
+    EXPECT_EQ(documents.documents().size(), 1U);
+
+    // What cannot be written stays.
+    start("two\n");
+    type(u"x"_s);
+    ASSERT_TRUE(QDir(folder.path()).rename(u"a.txt"_s, u"b.txt"_s));
+    ASSERT_TRUE(QDir(folder.path()).mkdir(u"a.txt"_s)) << "a folder in its place";
+    run(u"wq"_s);
+    EXPECT_EQ(tabs(), QStringList{u"a.txt"_s});
+    const auto questions = presenter.alerts().size();
+    run(u"q!"_s);
+    EXPECT_EQ(tabs(), QStringList{u"Untitled"_s});
+    EXPECT_EQ(presenter.alerts().size(), questions) << "nothing is asked";
+    EXPECT_EQ(documents.documents().size(), 1U);
+}
+
+TEST_F(ExCommandTest, GivesUpNoTextThatIsShownBeside)
+{
+    start("one\n");
+    type(u"x"_s);
+    run(u"vs"_s);
+    EXPECT_EQ(workspace().orientation(), Qt::Horizontal);
+    run(u"sp"_s);
+    EXPECT_EQ(workspace().orientation(), Qt::Vertical);
+    EXPECT_EQ(workspace().panes().size(), 3U);
+    run(u"q!"_s);
+    EXPECT_EQ(workspace().panes().size(), 2U);
+    EXPECT_EQ(text(), u"ne\n"_s);
+    EXPECT_TRUE(document().isDirty());
+    run(u"only"_s);
+    EXPECT_EQ(workspace().panes().size(), 1U);
+    run(u"qa"_s);
+    EXPECT_EQ(lastAlert(), u"Do you want to save the changes made to “a.txt”?"_s);
+    EXPECT_EQ(application.windows().size(), 1U);
+}
+
+TEST_F(ExCommandTest, OpensFilesAndReadsThemAgain)
+{
+    start("one\n");
+    write(u"b c.txt"_s, "two\n");
+    run(u"e "_s + path(u"b c.txt"_s));
+    EXPECT_EQ(text(), u"two\n"_s);
+    const QString home = qEnvironmentVariable("HOME");
+    const QString working = QDir::currentPath();
+    qputenv("HOME", folder.path().toUtf8());
+    run(u"e ~/a.txt"_s);
+    EXPECT_EQ(text(), u"one\n"_s);
+    qputenv("HOME", home.toUtf8());
+    QDir::setCurrent(folder.path());
+    run(u"e b c.txt"_s);
+    QDir::setCurrent(working);
+    EXPECT_EQ(text(), u"two\n"_s);
+    EXPECT_EQ(tabs(), (QStringList{u"a.txt"_s, u"b c.txt"_s}));
+    run(u"e missing.txt"_s);
+    EXPECT_EQ(presenter.alerts().size(), 1U);
+
+    type(u"ddp"_s);
+    write(u"b c.txt"_s, "three\n");
+    run(u"e!"_s);
+    EXPECT_EQ(text(), u"three\n"_s);
+    EXPECT_FALSE(document().isDirty());
+    type(u"x"_s);
+    QFile::remove(path(u"b c.txt"_s));
+    run(u"e"_s);
+    EXPECT_EQ(text(), u"hree\n"_s) << "nothing to read, nothing lost";
+    run(u"new"_s);
+    EXPECT_EQ(messages, QStringList{u"Not a command: new"_s});
+}
+
+TEST_F(ExCommandTest, LeavesTheCaretOnACharacter)
+{
+    start("one\ntwo\nend");
+    type(u"G$"_s);
+    run(u"s/d//"_s);
+    EXPECT_EQ(messages, QStringList{u"1 substitution"_s});
+    EXPECT_EQ(textView().selection().caret, 9);
+    run(u"2"_s);
+    EXPECT_EQ(textView().selection().caret, 4);
+    run(u"-1"_s);
+    EXPECT_EQ(textView().selection().caret, 0);
+    run(u"%s/(/x/"_s);
+    EXPECT_EQ(messages, QStringList{u"Bad pattern: ("_s});
+    run(u"%s/z/x/"_s);
+    EXPECT_EQ(messages, QStringList{u"Pattern not found: z"_s});
+    EXPECT_EQ(text(), u"one\ntwo\nen"_s);
+    type(u"u"_s);
+    EXPECT_EQ(text(), u"one\ntwo\nend"_s);
+}
+
+TEST_F(ExCommandTest, SwitchesModalEditingOffFromWithin)
+{
+    start("abc\n");
+    run(u"vs"_s);
+    run(u"set novim"_s);
+    EXPECT_FALSE(preferences.vimMode());
+    type(u"x"_s);
+    EXPECT_EQ(text(), u"xabc\n"_s);
+    EXPECT_EQ(pane(0).currentEditor()->vim(), nullptr);
+}
+
+TEST_F(ExCommandTest, KeepsTheWindowUsableWhileItSubstitutesInALongText)
+{
+    const QByteArray lines = QByteArray("aaa " + QByteArray(60, '-') + "\n").repeated(10'000);
+    start(lines + "end");
+    const QString before = text();
+    HeldWorkers held;
+    std::vector<TextView *> changed;
+    SubstitutionRunner runner({.scheduler = scheduler,
+                               .workers = held,
+                               .tell = [this](const QString &message, auto) { messages << message; },
+                               .changed = [&changed](TextView &view) { changed.push_back(&view); }});
+    const auto settle = [&held] {
+        held.finish();
+        QCoreApplication::sendPostedEvents();
+    };
+    const VimSubstitution everywhere{.isOfWholeText = true, .pattern = u"a"_s, .replacement = u"bb"_s, .isGlobal = true};
+    const auto take = [this] { return std::exchange(messages, {}); };
+
+    runner.run(textView(), everywhere);
+    EXPECT_EQ(take(), QStringList());
+    scheduler.advance(std::chrono::seconds(1));
+    EXPECT_EQ(take(), QStringList{u"Substituting… Esc stops."_s});
+    QTest::keyClick(&textView(), Qt::Key_Escape);
+    EXPECT_EQ(take(), QStringList{u"The substitution was stopped; nothing was changed."_s});
+    settle();
+    EXPECT_EQ(text(), before);
+    EXPECT_TRUE(take().isEmpty());
+
+    // The text is another one meanwhile.
+    runner.run(textView(), everywhere);
+    type(u"Gx"_s);
+    settle();
+    EXPECT_EQ(held.count, 3);
+    settle();
+    EXPECT_EQ(take(), QStringList{u"30000 substitutions"_s});
+    EXPECT_EQ(text(), u"bbbbbb "_s + QString(before.mid(4)).replace(u"a"_s, u"bb"_s).chopped(3) + u"nd"_s);
+    EXPECT_EQ(changed, std::vector<TextView *>{&textView()});
+    type(u"u"_s);
+    EXPECT_EQ(text(), before.chopped(3) + u"nd"_s) << "one step";
+
+    runner.run(textView(), everywhere);
+    run(u"q!"_s);
+    messages.clear();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    settle();
+    EXPECT_EQ(take(), QStringList{u"The substitution was stopped; nothing was changed."_s}) << "its tab is gone";
+}

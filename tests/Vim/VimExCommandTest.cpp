@@ -1,0 +1,228 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Model/Preferences.h"
+#include "Platform/DefaultsStore.h"
+#include "Vim/VimExCommands.h"
+#include "Vim/VimSubstitution.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Writes down what it is told to do.
+class RecordingHost final : public VimCommandHost {
+public:
+    QStringList calls;
+
+private:
+    void showVimMessage(const QString &message) override { calls << message; }
+    void scrollToLine(qsizetype number) override { calls << u"line %1"_s.arg(number); }
+    void substitute(const VimSubstitution &substitution) override
+    {
+        calls << u"%1 by %2"_s.arg(substitution.pattern, substitution.replacement) +
+                     (substitution.isOfWholeText ? u" in all"_s : QString()) + (substitution.isGlobal ? u" g"_s : QString()) +
+                     (substitution.ignoresCase ? u" i"_s : QString());
+    }
+    void saveDocument() override { calls << u"save"_s; }
+    void saveAndClose() override { calls << u"save and close"_s; }
+    void closeTab() override { calls << u"close"_s; }
+    void forceCloseCurrentTab() override { calls << u"force close"_s; }
+    void closeWindowFromVim() override { calls << u"close window"_s; }
+    void editFile(const QString &name) override { calls << u"edit '%1'"_s.arg(name); }
+    void splitEditorRight() override { calls << u"right"_s; }
+    void splitEditorDown() override { calls << u"down"_s; }
+    void closeOtherSplits() override { calls << u"only"_s; }
+};
+
+struct Fixture {
+    ManualScheduler scheduler;
+    NotificationCenter notifications;
+    DefaultsStore defaults{QString(), scheduler};
+    Preferences preferences{defaults, notifications};
+    RecordingHost host;
+
+    QString run(const QString &typed)
+    {
+        host.calls.clear();
+        VimExCommand::run(typed, host, preferences);
+        return host.calls.join(u", ");
+    }
+};
+
+} // namespace
+
+TEST(VimExCommand, DoesWhatIsTyped)
+{
+    struct Row {
+        QStringView typed;
+        QStringView done;
+    };
+    constexpr Row rows[] = {
+        {u"", u""},
+        {u" \t ", u""},
+        {u"\t12 ", u"line 12"},
+        {u"+3", u"line 3"},
+        {u"-3", u"line -3"},
+        {u"0", u"line 0"},
+        {u"+", u"Not a command: +"},
+        {u"+-3", u"Not a command: +-3"},
+        {u"1 2", u"Not a command: 1 2"},
+        {u"\u0661", u"Not a command: \u0661"},
+        {u"99999999999999999999", u"Not a command: 99999999999999999999"},
+        {u" w ", u"save"},
+        {u"w elsewhere", u"save"},
+        {u"W", u"Not a command: W"},
+        {u"w!", u"Not a command: w!"},
+        {u"write", u"save"},
+        {u"wq", u"save and close"},
+        {u"x", u"save and close"},
+        {u"wqa", u"save and close"},
+        {u"xa", u"save and close"},
+        {u"q", u"close"},
+        {u"close", u"close"},
+        {u"q!", u"force close"},
+        {u"qa", u"close window"},
+        {u"qa!", u"close window"},
+        {u"e", u"edit ''"},
+        {u"e!", u"edit ''"},
+        {u"edit a b.txt", u"edit 'a b.txt'"},
+        {u"e  a", u"edit ' a'"},
+        {u"e\ta", u"Not a command: e\ta"},
+        {u"noh", u""},
+        {u"nohl", u""},
+        {u"nohlsearch", u""},
+        {u"vs", u"right"},
+        {u"vsplit", u"right"},
+        {u"sp", u"down"},
+        {u"split", u"down"},
+        {u"only", u"only"},
+        {u"on", u"only"},
+        {u"set", u"Not an option: "},
+        {u"set  nu", u"Not an option:  nu"},
+        {u"set ts", u"Not an option: ts"},
+        {u"set ts=", u"Not an option: ts="},
+        {u"set ts=x", u"Not an option: ts=x"},
+        {u"set width=4", u"Not an option: width=4"},
+        {u"set vim", u"Not an option: vim"},
+        {u"set no", u"Not an option: no"},
+        {u"s/a/b/", u"a by b"},
+        {u"s/a/b", u"a by b"},
+        {u"%s/a/b/gi", u"a by b in all g i"},
+        {u"s/a/b/xig/more", u"a by b g i"},
+        {u"s/a/b//g", u"a by b"},
+        {u"s/a\\/b/c\\/d/", u"a/b by c/d"},
+        {u"s/\\d\\\\/x\\", u"\\d\\\\ by x"},
+        {u"s/a//", u"a by "},
+        {u"s/a", u"Malformed substitution"},
+        {u"s//x/", u"Malformed substitution"},
+        {u"%s/", u"Malformed substitution"},
+        {u"s /a/b/", u"Not a command: s /a/b/"},
+        {u"%", u"Not a command: %"},
+    };
+    Fixture fixture;
+    for (const Row &row : rows) {
+        EXPECT_EQ(fixture.run(row.typed.toString()).toStdString(), row.done.toString().toStdString())
+            << '"' << row.typed.toString().toStdString() << '"';
+    }
+    std::set<QStringView> names;
+    for (const VimExCommand &command : VimExCommand::table()) {
+        for (const QStringView name : command.names) {
+            EXPECT_TRUE(name.isEmpty() || names.insert(name).second) << name.toString().toStdString() << " is there twice";
+            EXPECT_TRUE(name.isEmpty() || std::ranges::any_of(rows, [name](const Row &row) { return row.typed.startsWith(name); }))
+                << name.toString().toStdString() << " has no case";
+        }
+    }
+}
+
+TEST(VimExCommand, SetsOptions)
+{
+    Fixture fixture;
+    const auto set = [&fixture](const QString &option) {
+        EXPECT_EQ(fixture.run(u"set "_s + option), QString()) << option.toStdString();
+        const Preferences &now = fixture.preferences;
+        return u"%1%2%3%4%5 %6"_s.arg(now.showLineNumbers())
+            .arg(now.wrapLines())
+            .arg(now.showInvisibles())
+            .arg(now.insertSpaces())
+            .arg(now.vimMode())
+            .arg(now.tabWidth());
+    };
+    fixture.preferences.setVimMode(true);
+    const std::pair<QStringView, QStringView> rows[] = {
+        {u"nonumber", u"00011 4"}, {u"nu", u"10011 4"},         {u"nonu", u"00011 4"},           {u"number", u"10011 4"},
+        {u"wrap", u"11011 4"},     {u"nowrap", u"10011 4"},     {u"list", u"10111 4"},           {u"nolist", u"10011 4"},
+        {u"noet", u"10001 4"},     {u"expandtab", u"10011 4"},  {u"noexpandtab", u"10001 4"},    {u"et", u"10011 4"},
+        {u"ts=8", u"10011 8"},     {u"tabstop=+2", u"10011 2"}, {u"sw=0", u"10011 1"},           {u"shiftwidth=40", u"10011 16"},
+        {u"tsx=4", u"10011 4"},    {u"ts=x=5", u"10011 5"},     {u"sw=9000000000", u"10011 16"}, {u"ts=-7", u"10011 1"},
+        {u"novim", u"10010 1"},
+    };
+    for (const auto &[option, expected] : rows) {
+        EXPECT_EQ(set(option.toString()).toStdString(), expected.toString().toStdString()) << option.toString().toStdString();
+    }
+    fixture.preferences.setVimMode(true);
+    EXPECT_EQ(set(u"novim!"_s), u"10010 1"_s);
+}
+
+TEST(VimSubstitution, ReplacesInTheLineOrEverywhere)
+{
+    struct Row {
+        QStringView before;
+        QStringView command;
+        QStringView after;
+        qsizetype count;
+    };
+    constexpr Row rows[] = {
+        {u"aaa\n|aba\naa", u"s/a/x/", u"aaa\nxba\naa", 1},
+        {u"aaa\n|aba\naa", u"s/a/x/g", u"aaa\nxbx\naa", 2},
+        {u"aaa\n|aba\naa", u"%s/a/x/", u"xaa\nxba\nxa", 3},
+        {u"aaa\n|aba\naa", u"%s/a/x/g", u"xxx\nxbx\nxx", 7},
+        {u"|aA\rAb\r\nA", u"%s/a/x/i", u"xA\rxb\r\nx", 3},
+        {u"|a\u2028a\n", u"%s/a/x/", u"x\u2028x\n", 2},
+        {u"|one two\nthree four\n", u"%s/(\\w+) (\\w+)/$2 \\$1$3/", u"two $1\nfour $1\n", 2},
+        {u"|a.b\n", u"s/\\./\\n\\t\\//", u"ant/b\n", 1},
+        // Ends are those of what is searched.
+        {u"a\n|a\na\n", u"s/^/> /", u"a\n> a\na\n", 1},
+        {u"a\n|a\na\n", u"s/$/;/g", u"a\na;\na\n", 1},
+        {u"a\n|a", u"s/$/;/", u"a\na;", 1},
+        {u"|a\na\na", u"%s/^/> /", u"> a\na\na", 1},
+        {u"|a\na", u"%s/(?m)^/> /", u"> a\n> a", 2},
+        {u"|", u"s/^/x/", u"x", 1},
+        {u"a\n|", u"s/x*/x/g", u"a\nx", 1},
+        {u"|ab", u"s/x*/-/g", u"-a-b-", 3},
+        {u"|ab", u"s/x*/-/", u"-ab", 1},
+        {u"|a\n", u"s/\\n/,/", u"a,", 1},
+        {u"|a\nb\n", u"%s/\\n//g", u"ab", 2},
+        {u"|foobar foo\n", u"s/foo(?=bar)/x/", u"xbar foo\n", 1},
+        {u"x\n|y\n", u"s/x/z/", u"x\ny\n", 0},
+    };
+    for (const Row &row : rows) {
+        const qsizetype caret = row.before.indexOf(u'|');
+        Rope text(row.before.toString().remove(caret, 1));
+        const auto substitution = VimSubstitution::parse(row.command);
+        ASSERT_TRUE(substitution) << row.command.toString().toStdString();
+        auto searcher = substitution->searcher();
+        ASSERT_TRUE(searcher) << row.command.toString().toStdString();
+        const TextReplacement all = substitution->replacementIn(text, caret, *searcher);
+        for (auto edit = all.edits.rbegin(); edit != all.edits.rend(); ++edit) {
+            text.replace(edit->range, edit->text);
+        }
+        EXPECT_EQ(text.toString().toStdString(), row.after.toString().toStdString()) << row.command.toString().toStdString();
+        EXPECT_EQ(all.count, row.count) << row.command.toString().toStdString();
+    }
+    // So many that they are one stretch.
+    const Rope text(u"-ab ab\n"_s.repeated(1500) + u"-"_s);
+    for (const auto &[command, line, count] : {std::tuple{u"%s/ab/x/", u"-x ab\n"_s, 1500}, {u"%s/ab/x/g", u"-x x\n"_s, 3000}}) {
+        const auto substitution = *VimSubstitution::parse(command);
+        auto searcher = *substitution.searcher();
+        const TextReplacement all = substitution.replacementIn(text, 0, searcher);
+        Rope changed = text;
+        changed.replace(all.hull, all.hullText);
+        EXPECT_EQ(changed.toString(), line.repeated(1500) + u"-"_s);
+        EXPECT_EQ(all.count, count);
+    }
+    EXPECT_FALSE(VimSubstitution{.pattern = u"("_s}.searcher());
+}
