@@ -7,6 +7,7 @@
 #include "Model/RecentDocuments.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/FirstResponder.h"
+#include "Platform/Mnemonics.h"
 #include "Platform/PlainToolTip.h"
 #include "Platform/Translation.h"
 
@@ -171,34 +172,25 @@ constexpr auto rows = std::to_array<MenuCommand>({
     {u"Help", "revealSupportFolder:", u"Reveal Local Data Folder"},
 });
 
-/// The titles of one menu with their underlined letters: the first letter of a word that no title before has; those that find none get
-/// any letter that is left, if there is one. Names of files get none, since they come and go and the others should keep theirs.
-QStringList withMnemonics(const std::vector<MenuNode> &nodes)
+/// The titles of one menu with their underlined letters. Names of files get none, since they come and go and the others should keep theirs.
+QStringList markedTitles(const std::vector<MenuNode> &nodes)
 {
-    QStringList titles;
-    QString taken;
-    QSet<qsizetype> marked;
-    for (const MenuNode &node : nodes) {
-        if (node.kind == MenuNode::Kind::item && (!node.command || node.command->content == recentDocuments)) {
-            marked.insert(titles.size());
-        }
-        titles << QString(node.title).replace(u'&', "&&"_L1);
-    }
-    const auto markAll = [&](const auto &mayStand) {
-        for (qsizetype index = 0; index < titles.size(); ++index) {
-            QString &title = titles[index];
-            for (qsizetype place = 0; place < title.size() && !marked.contains(index); ++place) {
-                const QChar letter = title[place].toLower();
-                if (letter.isLetterOrNumber() && mayStand(title, place) && !taken.contains(letter)) {
-                    taken += letter;
-                    marked.insert(index);
-                    title.insert(place, u'&');
-                }
-            }
-        }
+    const auto isFile = [](const MenuNode &node) {
+        return node.kind == MenuNode::Kind::item && (!node.command || node.command->content == recentDocuments);
     };
-    markAll([](const QString &title, qsizetype place) { return place == 0 || title[place - 1].isSpace(); });
-    markAll([](const QString &, qsizetype) { return true; });
+    QStringList titles;
+    for (const MenuNode &node : nodes) {
+        if (!isFile(node)) {
+            titles << node.title;
+        }
+    }
+    QString taken;
+    titles = withMnemonics(titles, taken);
+    for (size_t index = 0; index < nodes.size(); ++index) {
+        if (isFile(nodes[index])) {
+            titles.insert(qsizetype(index), QString(nodes[index].title).replace(u'&', "&&"_L1));
+        }
+    }
     return titles;
 }
 
@@ -321,7 +313,7 @@ public:
 
     void addItems(QMenu &menu, const std::vector<MenuNode> &nodes)
     {
-        const QStringList titles = withMnemonics(nodes);
+        const QStringList titles = markedTitles(nodes);
         for (size_t index = 0; index < nodes.size(); ++index) {
             const MenuNode &node = nodes[index];
             const QString &title = titles[qsizetype(index)];
@@ -479,7 +471,7 @@ void MainMenu::install(QMainWindow &window, AlertPresenter &presenter, RecentDoc
     bar->clear();
     MenuInstaller installer(window, presenter, recent);
     const std::vector<MenuNode> menus = build();
-    const QStringList titles = withMnemonics(menus);
+    const QStringList titles = markedTitles(menus);
     for (size_t index = 0; index < menus.size(); ++index) {
         installer.addItems(*bar->addMenu(titles[qsizetype(index)]), menus[index].children);
     }
