@@ -74,3 +74,10 @@ void ScriptedAlertPresenter::present(const SavePanel &panel, QWidget *, SaveComp
     const std::optional<QString> path = takeFirst(m_savePaths);
     completion(path);
 }
+
+void ScriptedAlertPresenter::present(const FontPanel &panel, QWidget *, FontCompletion completion)
+{
+    m_fontPanels.push_back(panel);
+    const std::optional<FontChoice> font = takeFirst(m_fonts);
+    completion(font);
+}

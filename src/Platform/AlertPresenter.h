@@ -80,6 +80,21 @@ struct SavePanel {
     QString suggestedName = {};
 };
 
+/// The kind and size of letters.
+struct FontChoice {
+    QString family = {};
+    double pointSize = 0;
+};
+
+struct FontPanel {
+    QString title = {};
+    /// What is chosen at first.
+    FontChoice current = {};
+    /// Points, both included.
+    double leastSize = 1;
+    double greatestSize = 1000;
+};
+
 /// Asks the user. Everything belongs to a window that it blocks while it is open (null: none, then it blocks nothing), and everything
 /// answers through a completion, never by waiting. Completions are called at most once, perhaps before the call returns, and not at all
 /// when the window is destroyed first. Main thread only.
@@ -90,6 +105,8 @@ public:
     using OpenCompletion = std::function<void(const QStringList &paths)>;
     /// Absolute path; replacing a file that exists has been confirmed already. None when the panel was cancelled.
     using SaveCompletion = std::function<void(const std::optional<QString> &path)>;
+    /// None when the panel was cancelled.
+    using FontCompletion = std::function<void(const std::optional<FontChoice> &font)>;
 
     AlertPresenter() = default;
     AlertPresenter(const AlertPresenter &) = delete;
@@ -100,6 +117,7 @@ public:
     virtual void present(const Alert &alert, QWidget *window, AlertCompletion completion) = 0;
     virtual void present(const OpenPanel &panel, QWidget *window, OpenCompletion completion) = 0;
     virtual void present(const SavePanel &panel, QWidget *window, SaveCompletion completion) = 0;
+    virtual void present(const FontPanel &panel, QWidget *window, FontCompletion completion) = 0;
     /// The sound for "that cannot be done now".
     virtual void beep() = 0;
 };
@@ -112,12 +130,14 @@ public:
     void present(const Alert &alert, QWidget *window, AlertCompletion completion) override;
     void present(const OpenPanel &panel, QWidget *window, OpenCompletion completion) override;
     void present(const SavePanel &panel, QWidget *window, SaveCompletion completion) override;
+    void present(const FontPanel &panel, QWidget *window, FontCompletion completion) override;
     void beep() override { ++m_beepCount; }
 
     /// Answers lie ready in the order in which they are given, for each kind apart. `button` is 1000, 1001, …
     void answer(int button, const QString &text = {}) { m_replies.push_back({.button = button, .text = text}); }
     void answerOpen(const QStringList &paths) { m_openPaths.push_back(paths); }
     void answerSave(const QString &path) { m_savePaths.push_back(path); }
+    void answerFont(const FontChoice &font) { m_fonts.push_back(font); }
 
     /// From now on alerts stay open, until answerHeld() answers the oldest as one that comes then.
     void hold() { m_holds = true; }
@@ -126,6 +146,7 @@ public:
     [[nodiscard]] const std::vector<Alert> &alerts() const { return m_alerts; }
     [[nodiscard]] const std::vector<OpenPanel> &openPanels() const { return m_openPanels; }
     [[nodiscard]] const std::vector<SavePanel> &savePanels() const { return m_savePanels; }
+    [[nodiscard]] const std::vector<FontPanel> &fontPanels() const { return m_fontPanels; }
     [[nodiscard]] int beepCount() const { return m_beepCount; }
 
 private:
@@ -140,8 +161,10 @@ private:
     std::vector<Alert> m_alerts;
     std::vector<OpenPanel> m_openPanels;
     std::vector<SavePanel> m_savePanels;
+    std::vector<FontPanel> m_fontPanels;
     std::deque<AlertReply> m_replies;
     std::deque<QStringList> m_openPaths;
     std::deque<QString> m_savePaths;
+    std::deque<FontChoice> m_fonts;
     int m_beepCount = 0;
 };

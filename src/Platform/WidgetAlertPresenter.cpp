@@ -3,6 +3,7 @@
 #include "Platform/WidgetAlertPresenter.h"
 
 #include "Platform/FilePanel.h"
+#include "Platform/FontDialog.h"
 #include "Platform/SymbolIcon.h"
 #include "Platform/Translation.h"
 
@@ -258,6 +259,15 @@ void WidgetAlertPresenter::present(const SavePanel &panel, QWidget *window, Save
     QObject::connect(dialog, &QDialog::finished, &m_context, [dialog, completion = std::move(completion)](int result) {
         const QStringList paths = dialog->selectedFiles();
         completion(result == QDialog::Accepted && !paths.isEmpty() ? std::optional(paths.first()) : std::nullopt);
+    });
+    enqueue(dialog, window);
+}
+
+void WidgetAlertPresenter::present(const FontPanel &panel, QWidget *window, FontCompletion completion)
+{
+    auto *dialog = new FontDialog(panel, window);
+    QObject::connect(dialog, &QDialog::finished, &m_context, [dialog, completion = std::move(completion)](int result) {
+        completion(result == QDialog::Accepted ? std::optional(dialog->chosen()) : std::nullopt);
     });
     enqueue(dialog, window);
 }

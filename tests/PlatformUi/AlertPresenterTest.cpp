@@ -3,10 +3,14 @@
 #include "Platform/WidgetAlertPresenter.h"
 
 #include <QAccessible>
+#include <QCheckBox>
+#include <QDoubleSpinBox>
 #include <QFile>
 #include <QFileDialog>
+#include <QFontDatabase>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -190,6 +194,45 @@ TEST(WidgetAlertPresenter, AsksBeforeAFileIsReplaced)
     ASSERT_NE(box, nullptr);
     click(*box, u"Replace"_s);
     EXPECT_EQ(saved, file.fileName());
+}
+
+TEST(WidgetAlertPresenter, FontsAreChosenByFamilyAndSize)
+{
+    QWidget window;
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    WidgetAlertPresenter presenter;
+    std::optional<FontChoice> answer;
+    const QString fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
+    const QStringList families = QFontDatabase::families();
+    const auto proportional = std::ranges::find_if_not(families, [](const QString &family) { return QFontDatabase::isFixedPitch(family); });
+    ASSERT_NE(proportional, families.end());
+    const auto ask = [&](const QString &family) {
+        presenter.present(FontPanel{.current = {family, 12.5}, .leastSize = 6, .greatestSize = 96}, &window,
+                          [&answer](const std::optional<FontChoice> &font) { answer = font; });
+        return openDialogs<QDialog>(window).first();
+    };
+
+    QDialog *dialog = ask(fixed);
+    auto *list = dialog->findChild<QListWidget *>();
+    auto *fixedOnly = dialog->findChild<QCheckBox *>();
+    auto *size = dialog->findChild<QDoubleSpinBox *>();
+    EXPECT_TRUE(fixedOnly->isChecked());
+    EXPECT_TRUE(list->findItems(*proportional, Qt::MatchExactly).isEmpty());
+    fixedOnly->click();
+    ASSERT_EQ(list->findItems(*proportional, Qt::MatchExactly).size(), 1);
+    list->setCurrentItem(list->findItems(*proportional, Qt::MatchExactly).first());
+    size->setValue(200);
+    dialog->accept();
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->family, *proportional);
+    EXPECT_EQ(answer->pointSize, 96);
+
+    dialog = ask(*proportional);
+    EXPECT_FALSE(dialog->findChild<QCheckBox *>()->isChecked()) << "else the current one would not be listed";
+    EXPECT_EQ(dialog->findChild<QListWidget *>()->currentItem()->text(), *proportional);
+    dialog->reject();
+    EXPECT_FALSE(answer);
 }
 
 TEST(ScriptedAlertPresenter, CancelsWhatHasNoAnswer)

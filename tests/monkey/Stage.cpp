@@ -113,3 +113,9 @@ void MoodyPresenter::present(const SavePanel & /*panel*/, QWidget *window, SaveC
     const auto path = m_random.oneIn(4) ? std::nullopt : std::optional(m_ground.anyPath());
     ask(window, [path, completion = std::move(completion)] { completion(path); });
 }
+
+void MoodyPresenter::present(const FontPanel &panel, QWidget *window, FontCompletion completion)
+{
+    const auto font = m_random.oneIn(4) ? std::nullopt : std::optional(FontChoice{panel.current.family, double(m_random.below(120))});
+    ask(window, [font, completion = std::move(completion)] { completion(font); });
+}

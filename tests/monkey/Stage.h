@@ -62,6 +62,7 @@ public:
     void present(const Alert &alert, QWidget *window, AlertCompletion completion) override;
     void present(const OpenPanel &panel, QWidget *window, OpenCompletion completion) override;
     void present(const SavePanel &panel, QWidget *window, SaveCompletion completion) override;
+    void present(const FontPanel &panel, QWidget *window, FontCompletion completion) override;
     void beep() override {}
 
     [[nodiscard]] bool hasOpenQuestions() const { return !m_open.empty(); }
