@@ -13,6 +13,7 @@
 #include "Platform/Localization.h"
 #include "Platform/Translation.h"
 #include "UI/EditorToolbarController.h"
+#include "UI/SettingsWindowController.h"
 
 #include <QApplication>
 
@@ -46,6 +47,7 @@ AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(service
             MainMenu::install(*window, m_services.presenter, m_services.recent);
         }
     });
+    connect(qApp, &QGuiApplication::focusWindowChanged, this, &AppDelegate::rememberActiveWindow);
     m_services.session.onSetAside([this](const QString &folder) {
         warn(localized(u"The last session could not be read."),
              formatted(localized(m_services.session.isOwner()
@@ -80,6 +82,7 @@ const ActionRow *AppDelegate::actionFor(Selector selector) const
         action<&Self::newWindow>("newWindow:"),
         action<&Self::terminate>("terminate:"),
         action<&Self::showAbout>("orderFrontStandardAboutPanel:"),
+        action<&Self::showSettings>("showSettings:"),
         action<&Self::showShortcuts>("showShortcuts:"),
         action<&Self::revealSupportFolder>("revealSupportFolder:"),
         action<&Self::openRecentDocument>("openRecentDocument:"),
@@ -130,7 +133,19 @@ MainWindowController *AppDelegate::frontmostWindow() const
     if (active != m_windows.end()) {
         return *active;
     }
+    if (std::ranges::find(m_windows, m_lastActive.data()) != m_windows.end()) {
+        return m_lastActive;
+    }
     return m_windows.empty() ? nullptr : m_windows.front();
+}
+
+/// For commands that come from a window beside them, or from outside.
+void AppDelegate::rememberActiveWindow()
+{
+    const auto active = std::ranges::find_if(m_windows, [](const MainWindowController *window) { return window->isActiveWindow(); });
+    if (active != m_windows.end()) {
+        m_lastActive = *active;
+    }
 }
 
 WorkspaceViewController &AppDelegate::openWindow()
@@ -274,6 +289,28 @@ void AppDelegate::warn(const QString &message, const QString &details)
 void AppDelegate::showAbout()
 {
     inform(u"Quillet "_s + QCoreApplication::applicationVersion(), localized(u"An editor for plain text and source code."));
+}
+
+void AppDelegate::showSettings()
+{
+    if (!m_settings) {
+        m_settings = std::make_unique<SettingsWindowController>(SettingsServices{.preferences = m_services.preferences,
+                                                                                 .notifications = m_services.notifications,
+                                                                                 .presenter = m_services.presenter,
+                                                                                 .dataFolder = m_services.session.rootDirectory(),
+                                                                                 .showKeyReference = [this] { showKeyReference(); }});
+    }
+    m_settings->comeToFront(frontmostWindow());
+}
+
+void AppDelegate::showKeyReference()
+{
+    MainWindowController *front = frontmostWindow();
+    MainWindowController &window = front ? *front : makeWindow();
+    window.comeToFront();
+    if (!window.workspace().perform("showVimKeyReference:")) {
+        m_services.presenter.beep();
+    }
 }
 
 void AppDelegate::showShortcuts()

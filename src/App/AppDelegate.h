@@ -4,7 +4,11 @@
 
 #include "UI/MainWindowController.h"
 
+#include <QPointer>
+
 #include <memory>
+
+class SettingsWindowController;
 
 /// The life of the process: its windows, the files handed to it, its end, and the commands that concern no window. Main thread only.
 class AppDelegate final : public QObject, public Responder, private WorkspaceHost {
@@ -29,7 +33,7 @@ public:
     [[nodiscard]] MainWindowController &makeWindow(MainWindowController::Content content = MainWindowController::Content::untitledTab);
     /// In the order in which they came.
     [[nodiscard]] const std::vector<MainWindowController *> &windows() const { return m_windows; }
-    /// The active one, else the first; null when there is none.
+    /// The active one, else the one that was last, else the first; null when there is none.
     [[nodiscard]] MainWindowController *frontmostWindow() const;
 
     [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
@@ -45,6 +49,9 @@ private:
     [[nodiscard]] bool hasUnsavedText() const;
     void warn(const QString &message, const QString &details);
     void showAbout();
+    void showSettings();
+    void showKeyReference();
+    void rememberActiveWindow();
     void showShortcuts();
     void revealSupportFolder();
     void openRecentDocument(const ActionSender &sender);
@@ -59,6 +66,9 @@ private:
 
     WorkspaceServices m_services;
     std::vector<MainWindowController *> m_windows;
+    QPointer<MainWindowController> m_lastActive;
+    /// Made when it is shown first.
+    std::unique_ptr<SettingsWindowController> m_settings;
     bool m_isTerminating = false;
     DelayedTask m_warning;
     NotificationCenter::Token m_languageObserver;

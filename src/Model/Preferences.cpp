@@ -133,6 +133,17 @@ QString displayName(ToolbarStyle style)
     return {};
 }
 
+QString displayName(VimKeymapPreset preset)
+{
+    switch (preset) {
+    case VimKeymapPreset::plain:
+        return localized(u"Vim");
+    case VimKeymapPreset::lazyVim:
+        return localized(u"Vim with LazyVim keys");
+    }
+    return {};
+}
+
 Preferences::Preferences(DefaultsStore &defaults, NotificationCenter &notifications) : m_defaults(defaults), m_notifications(notifications)
 {
     for (const PreferenceRow &row : rows) {

@@ -62,6 +62,7 @@ static_assert(toolbarStyleNames.size() == size_t(ToolbarStyle::hidden) + 1);
 
 /// In the language of the interface.
 [[nodiscard]] QString displayName(ToolbarStyle style);
+[[nodiscard]] QString displayName(VimKeymapPreset preset);
 
 enum class PreferenceType { text, list, real, integer, boolean };
 

@@ -1,0 +1,467 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Editor/EditorFont.h"
+#include "Platform/Localization.h"
+#include "Platform/Translation.h"
+#include "UI/SettingsForm.h"
+#include "UI/ToolbarCatalogue.h"
+#include "UI/ToolbarSelection.h"
+#include "WindowFixture.h"
+
+#include <QAccessible>
+#include <QCheckBox>
+#include <QFontInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTabWidget>
+
+#include <set>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+enum Page { appearance, editing, saving, toolbar };
+
+struct CheckboxCase {
+    const char *name;
+    Page page;
+    Preference preference;
+};
+
+constexpr auto checkboxCases = std::to_array<CheckboxCase>({
+    {"showLineNumbers", appearance, Preference::showLineNumbers},
+    {"wrapLines", appearance, Preference::wrapLines},
+    {"showInvisibles", appearance, Preference::showInvisibles},
+    {"highlightCurrentLine", appearance, Preference::highlightCurrentLine},
+    {"insertSpaces", editing, Preference::insertSpaces},
+    {"autoIndent", editing, Preference::autoIndent},
+    {"vimMode", editing, Preference::vimMode},
+    {"vimSharesClipboard", editing, Preference::vimSharesClipboard},
+    {"trimTrailingWhitespaceOnSave", saving, Preference::trimTrailingWhitespaceOnSave},
+    {"ensureTrailingNewlineOnSave", saving, Preference::ensureTrailingNewlineOnSave},
+    {"autosaveDrafts", saving, Preference::autosaveDrafts},
+    {"autosaveToDisk", saving, Preference::autosaveToDisk},
+    {"restoreSession", saving, Preference::restoreSession},
+    {"restoreSessionWhenOpeningFiles", saving, Preference::restoreSessionWhenOpeningFiles},
+    {"reloadCleanFilesAutomatically", saving, Preference::reloadCleanFilesAutomatically},
+    {"windowShowsTitle", toolbar, Preference::windowShowsTitle},
+    {"toolbarShowsLabels", toolbar, Preference::toolbarShowsLabels},
+});
+
+struct PopUpCase {
+    const char *name;
+    Page page;
+    Preference preference;
+    const char *text;
+    const char *value;
+};
+
+constexpr auto popUpCases = std::to_array<PopUpCase>({
+    {"themePopUp", appearance, Preference::themeName, "Solarized Dark", "Solarized Dark"},
+    {"themePopUp", appearance, Preference::themeName, "System", "System"},
+    {"tabWidthPopUp", editing, Preference::tabWidth, "2", "2"},
+    {"tabWidthPopUp", editing, Preference::tabWidth, "8", "8"},
+    {"vimPresetPopUp", editing, Preference::vimKeymapPreset, "Vim with LazyVim keys", "lazyvim"},
+    {"vimPresetPopUp", editing, Preference::vimKeymapPreset, "Vim", "plain"},
+    {"toolbarStyle", toolbar, Preference::toolbarStyle, "Hidden", "hidden"},
+    {"toolbarStyle", toolbar, Preference::toolbarStyle, "Below the menu bar", "separate"},
+});
+
+class SettingsTest : public WindowTest {
+protected:
+    void SetUp() override
+    {
+        Localization::use(AppLanguage::english);
+        preferences.setLanguageResolver(Localization::use);
+        WindowTest::SetUp();
+        showSettings();
+    }
+    void TearDown() override { Localization::use(AppLanguage::english); }
+
+    void showSettings() const
+    {
+        send("showSettings:");
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&settings()));
+    }
+
+    [[nodiscard]] static std::vector<QWidget *> settingsWindows()
+    {
+        std::vector<QWidget *> found;
+        for (QWidget *widget : QApplication::topLevelWidgets()) {
+            if (widget->objectName() == u"settings"_s) {
+                found.push_back(widget);
+            }
+        }
+        return found;
+    }
+    [[nodiscard]] static QWidget &settings() { return *settingsWindows().at(0); }
+    [[nodiscard]] static QTabWidget &tabWidget()
+    {
+        for (auto *tabs : settings().findChildren<QTabWidget *>()) {
+            if (!tabs->isHidden()) {
+                return *tabs;
+            }
+        }
+        throw std::runtime_error("no pages");
+    }
+    template<typename Widget>
+    [[nodiscard]] static Widget &control(const char *name, Page page)
+    {
+        tabWidget().setCurrentIndex(page);
+        return *tabWidget().findChild<Widget *>(QString::fromLatin1(name));
+    }
+    /// As a user does with the arrow keys.
+    static void choose(QComboBox &popUp, const QString &text)
+    {
+        popUp.setFocus();
+        QTest::keyClick(&popUp, Qt::Key_Home);
+        for (int steps = popUp.count(); popUp.currentText() != text && steps > 0; --steps) {
+            QTest::keyClick(&popUp, Qt::Key_Down);
+        }
+        EXPECT_EQ(popUp.currentText(), text);
+    }
+    [[nodiscard]] static QStringList titlesOf(const QListWidget &list)
+    {
+        QStringList titles;
+        for (int row = 0; row < list.count(); ++row) {
+            titles << (list.item(row)->checkState() == Qt::Checked ? u"+"_s : u"-"_s) + list.item(row)->text();
+        }
+        return titles;
+    }
+};
+
+/// The letter that a title has underlined; null for none.
+QChar mnemonicOf(const QString &title)
+{
+    for (qsizetype place = title.indexOf(u'&'); place >= 0 && place + 1 < title.size(); place = title.indexOf(u'&', place + 2)) {
+        if (title[place + 1] != u'&') {
+            return title[place + 1].toLower();
+        }
+    }
+    return {};
+}
+
+/// The letters of a page and the tabs; each may be there once.
+QString mnemonicsOf(const QTabWidget &tabs)
+{
+    QString letters;
+    for (int index = 0; index < tabs.count(); ++index) {
+        letters += mnemonicOf(tabs.tabText(index));
+    }
+    for (const QWidget *widget : tabs.currentWidget()->findChildren<QWidget *>()) {
+        const auto *label = qobject_cast<const QLabel *>(widget);
+        const auto *button = qobject_cast<const QAbstractButton *>(widget);
+        if (label && label->buddy()) {
+            letters += mnemonicOf(label->text());
+        } else if (button && !button->text().isEmpty()) {
+            letters += mnemonicOf(button->text());
+        }
+    }
+    return letters;
+}
+
+bool isClipped(const QWidget &widget)
+{
+    const auto *label = qobject_cast<const QLabel *>(&widget);
+    if (label && label->wordWrap()) {
+        return label->height() < label->heightForWidth(label->width());
+    }
+    const bool hasText = label || qobject_cast<const QAbstractButton *>(&widget) || qobject_cast<const QComboBox *>(&widget);
+    return hasText && (widget.width() < widget.sizeHint().width() || widget.height() < widget.sizeHint().height());
+}
+
+} // namespace
+
+// Every control stores at once, and shows what was stored by others.
+
+TEST_F(SettingsTest, CheckboxesAreTheirPreferences)
+{
+    for (const CheckboxCase &row : checkboxCases) {
+        SCOPED_TRACE(row.name);
+        auto &box = control<QCheckBox>(row.name, row.page);
+        const bool before = preferences.value(row.preference).toBool();
+        EXPECT_EQ(box.isChecked(), before);
+        QTest::keyClick(&box, Qt::Key_Space);
+        EXPECT_EQ(preferences.value(row.preference).toBool(), !before);
+        EXPECT_TRUE(preferences.setFromText(Preferences::row(row.preference), before ? u"true"_s : u"false"_s));
+        EXPECT_EQ(box.isChecked(), before);
+    }
+}
+
+TEST_F(SettingsTest, PopUpsAreTheirPreferences)
+{
+    for (const PopUpCase &row : popUpCases) {
+        SCOPED_TRACE(std::string(row.name) + " " + row.text);
+        auto &popUp = control<QComboBox>(row.name, row.page);
+        const QString before = popUp.currentText();
+        const QString stored = preferences.value(row.preference).toString();
+        choose(popUp, QString::fromLatin1(row.text));
+        EXPECT_EQ(preferences.value(row.preference).toString(), QString::fromLatin1(row.value));
+        EXPECT_TRUE(preferences.setFromText(Preferences::row(row.preference), stored));
+        EXPECT_EQ(popUp.currentText(), before);
+    }
+    preferences.setThemeName(u"Gone"_s);
+    EXPECT_EQ(control<QComboBox>("themePopUp", appearance).currentText(), u"System"_s) << "which is what is shown then";
+    auto &style = control<QComboBox>("toolbarStyle", toolbar);
+    QWheelEvent wheel({4, 4}, style.mapToGlobal(QPointF(4, 4)), {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&style, &wheel);
+    EXPECT_EQ(preferences.toolbarStyle(), ToolbarStyle::combined) << "the wheel scrolls";
+}
+
+TEST_F(SettingsTest, UnusualIndentWidthIsShownAsLongAsItIsStored)
+{
+    auto &popUp = control<QComboBox>("tabWidthPopUp", editing);
+    const auto titles = [&popUp] {
+        QStringList texts;
+        for (int index = 0; index < popUp.count(); ++index) {
+            texts << popUp.itemText(index);
+        }
+        return texts.join(u' ');
+    };
+    preferences.setTabWidth(5);
+    EXPECT_EQ(popUp.currentText(), u"5"_s);
+    EXPECT_EQ(titles(), u"2 3 4 5 8"_s);
+    preferences.setTabWidth(16);
+    EXPECT_EQ(titles(), u"2 3 4 8 16"_s);
+    choose(popUp, u"2"_s);
+    EXPECT_EQ(titles(), u"2 3 4 8"_s);
+    EXPECT_EQ(preferences.tabWidth(), 2);
+}
+
+TEST_F(SettingsTest, IntervalIsReadWhenItsEditingEnds)
+{
+    struct Case {
+        QString typed;
+        double stored;
+        QString shown;
+    };
+    auto &field = control<QLineEdit>("intervalField", saving);
+    const auto type = [&field](const QString &text) {
+        field.setFocus();
+        field.selectAll();
+        QTest::keyClick(&field, Qt::Key_Delete);
+        QTest::keyClicks(&field, text);
+    };
+    for (const Case &row : {Case{u"0.1"_s, 0.5, u"0.5"_s}, Case{u"2,25"_s, 2.25, u"2.25"_s}, Case{u" 3600 "_s, 3600, u"3600"_s},
+                            Case{u"soon"_s, 3, u"3"_s}, Case{u""_s, 3, u"3"_s}, Case{u"inf"_s, 3, u"3"_s}, Case{u"nan"_s, 3, u"3"_s},
+                            Case{u"1.000,5"_s, 3, u"3"_s}, Case{u"-4"_s, 0.5, u"0.5"_s}}) {
+        SCOPED_TRACE(row.typed.toStdString());
+        preferences.setAutosaveInterval(3);
+        type(row.typed);
+        preferences.setWrapLines(!preferences.wrapLines());
+        EXPECT_EQ(field.text(), row.typed) << "other changes leave it alone";
+        EXPECT_EQ(preferences.autosaveInterval(), 3);
+        QTest::keyClick(&field, Qt::Key_Return);
+        EXPECT_EQ(preferences.autosaveInterval(), row.stored);
+        EXPECT_EQ(field.text(), row.shown);
+        EXPECT_TRUE(settings().isVisible());
+    }
+    type(u"7"_s);
+    QTest::keyClick(&field, Qt::Key_Tab);
+    EXPECT_EQ(preferences.autosaveInterval(), 7);
+    type(u"8"_s);
+    QTest::keyClick(&settings(), Qt::Key_Escape);
+    EXPECT_EQ(preferences.autosaveInterval(), 8) << "closing ends it too";
+    showSettings();
+    type(u"9,5"_s);
+    preferences.setLanguage(AppLanguage::german);
+    EXPECT_EQ(preferences.autosaveInterval(), 9.5);
+    EXPECT_EQ(control<QLineEdit>("intervalField", saving).text(), u"9,5"_s);
+}
+
+TEST_F(SettingsTest, FontIsChosenInItsPanel)
+{
+    auto &label = control<QLabel>("fontLabel", appearance);
+    auto &note = control<QLabel>("fontNote", appearance);
+    auto &button = control<QPushButton>("fontButton", appearance);
+    preferences.setFontName(u"No Such Font"_s);
+    preferences.setFontSize(12.6);
+    const QString used = QFontInfo(editorFont(preferences)).family();
+    EXPECT_EQ(label.text(), u"No Such Font 13"_s);
+    EXPECT_TRUE(note.isVisible());
+    EXPECT_TRUE(note.text().contains(used));
+
+    QTest::keyClick(&button, Qt::Key_Space);
+    EXPECT_EQ(preferences.fontName(), u"No Such Font"_s) << "it was cancelled";
+    ASSERT_EQ(presenter.fontPanels().size(), 1);
+    EXPECT_EQ(presenter.fontPanels()[0].current.family, used);
+    EXPECT_EQ(presenter.fontPanels()[0].current.pointSize, 12.6);
+
+    const QString family = QFontDatabase::families().value(0);
+    presenter.answerFont({family, 200});
+    QTest::mouseClick(&button, Qt::LeftButton);
+    EXPECT_EQ(preferences.fontName(), family);
+    EXPECT_EQ(preferences.fontSize(), 96);
+    EXPECT_EQ(label.text(), family + u" 96"_s);
+    EXPECT_FALSE(note.isVisible());
+}
+
+TEST_F(SettingsTest, AnotherLanguageMakesThePagesAnew)
+{
+    auto &popUp = control<QComboBox>("languagePopUp", appearance);
+    const QPoint place = settings().pos();
+    popUp.setFocus();
+    popUp.setCurrentIndex(popUp.findText(u"English"_s));
+    QTest::keyClick(&popUp, Qt::Key_Down);
+    EXPECT_EQ(preferences.language(), AppLanguage::german);
+    EXPECT_TRUE(settings().isVisible());
+    EXPECT_EQ(settings().windowTitle(), u"Einstellungen"_s);
+    EXPECT_EQ(settings().pos(), place);
+    EXPECT_EQ(tabWidget().currentIndex(), appearance);
+    EXPECT_EQ(settings().focusWidget(), &control<QComboBox>("languagePopUp", appearance));
+    EXPECT_EQ(control<QComboBox>("languagePopUp", appearance).currentText(), u"Deutsch"_s);
+
+    tabWidget().setCurrentIndex(saving);
+    QTest::keyClick(&settings(), Qt::Key_W, Qt::ControlModifier);
+    preferences.setLanguage(AppLanguage::english);
+    EXPECT_FALSE(settings().isVisible());
+    showSettings();
+    EXPECT_EQ(settings().windowTitle(), u"Settings"_s);
+    EXPECT_EQ(tabWidget().currentIndex(), saving);
+    EXPECT_EQ(settingsWindows().size(), 1);
+}
+
+// The list of the toolbar's actions.
+
+TEST(ToolbarSelection, OffersAllAndKeepsTheOrder)
+{
+    ToolbarSelection selection({u"trash"_s, u"unknown"_s, u"new"_s, u"trash"_s});
+    EXPECT_EQ(selection.rows().size(), ToolbarCatalogue::all().size());
+    EXPECT_EQ(selection.ids(), QStringList({u"trash"_s, u"new"_s}));
+    EXPECT_EQ(selection.rows()[2].action->id, "open"_L1);
+    EXPECT_FALSE(selection.move(0, -1));
+    EXPECT_FALSE(selection.move(std::ssize(selection.rows()), 0));
+    EXPECT_TRUE(selection.move(0, 5));
+    EXPECT_EQ(selection.rows()[0].action->id, "new"_L1);
+    EXPECT_EQ(selection.rows()[5].action->id, "trash"_L1);
+    EXPECT_TRUE(selection.move(5, 4));
+    selection.setChosen(3, true);
+    EXPECT_EQ(selection.ids(), QStringList({u"new"_s, selection.rows()[3].action->id, u"trash"_s}));
+    EXPECT_TRUE(ToolbarSelection({}).ids().isEmpty());
+}
+
+TEST_F(SettingsTest, ToolbarActionsAreCheckedAndMoved)
+{
+    auto &list = control<QListWidget>("toolbarItems", toolbar);
+    auto &up = control<QPushButton>("moveUp", toolbar);
+    auto &down = control<QPushButton>("moveDown", toolbar);
+    const auto stored = [this] { return preferences.toolbarItemIDs().join(u' '); };
+    EXPECT_EQ(list.count(), int(ToolbarCatalogue::all().size()));
+    EXPECT_EQ(titlesOf(list).mid(0, 7).join(u' '), u"+New +Open +Save +Backup +Terminal +Move to Trash -Save As"_s);
+    EXPECT_FALSE(up.isEnabled());
+
+    list.setFocus();
+    list.setCurrentRow(1);
+    QTest::keyClick(&list, Qt::Key_Space);
+    EXPECT_EQ(stored(), u"new save backup terminal trash"_s);
+    EXPECT_EQ(titlesOf(list).value(1), u"-Open"_s) << "an unchecked row stays where it is";
+    QTest::keyClick(&list, Qt::Key_Down, Qt::AltModifier);
+    QTest::keyClick(&list, Qt::Key_Space);
+    EXPECT_EQ(stored(), u"new save open backup terminal trash"_s);
+    QTest::mouseClick(&up, Qt::LeftButton);
+    QTest::mouseClick(&up, Qt::LeftButton);
+    EXPECT_EQ(stored(), u"open new save backup terminal trash"_s);
+    EXPECT_EQ(list.currentRow(), 0);
+    EXPECT_FALSE(up.isEnabled());
+    QTest::keyClick(&list, Qt::Key_Up, Qt::AltModifier);
+    EXPECT_EQ(stored(), u"open new save backup terminal trash"_s);
+    list.setCurrentRow(list.count() - 1);
+    EXPECT_FALSE(down.isEnabled());
+    EXPECT_TRUE(up.isEnabled());
+    // What a drop does.
+    ASSERT_TRUE(list.model()->moveRow({}, 0, {}, 3));
+    EXPECT_EQ(stored(), u"new save open backup terminal trash"_s);
+}
+
+TEST_F(SettingsTest, ToolbarFollowsOthersAndGoesBackToItsDefaults)
+{
+    auto &list = control<QListWidget>("toolbarItems", toolbar);
+    preferences.setToolbarItemIDs({u"find"_s, u"later"_s, u"new"_s});
+    EXPECT_EQ(titlesOf(list).mid(0, 3).join(u' '), u"+Find +New -Open"_s);
+    list.setCurrentRow(2);
+    QTest::keyClick(&list, Qt::Key_Space);
+    EXPECT_EQ(preferences.toolbarItemIDs(), QStringList({u"find"_s, u"new"_s, u"open"_s})) << "what is no row is not kept";
+
+    preferences.setToolbarStyle(ToolbarStyle::hidden);
+    preferences.setToolbarShowsLabels(false);
+    preferences.setWindowShowsTitle(true);
+    QTest::mouseClick(&control<QPushButton>("restoreDefaults", toolbar), Qt::LeftButton);
+    EXPECT_EQ(preferences.toolbarItemIDs().join(u' '), u"new open save backup terminal trash"_s);
+    EXPECT_EQ(preferences.toolbarStyle(), ToolbarStyle::combined);
+    EXPECT_TRUE(preferences.toolbarShowsLabels());
+    EXPECT_FALSE(preferences.windowShowsTitle());
+    EXPECT_EQ(titlesOf(list).mid(0, 3).join(u' '), u"+New +Open +Save"_s);
+    EXPECT_TRUE(control<QCheckBox>("toolbarShowsLabels", toolbar).isChecked());
+}
+
+// Keys, readers, words.
+
+TEST_F(SettingsTest, EveryPageIsUsableByKeysAndReadersInBothLanguages)
+{
+    for (const AppLanguage language : {AppLanguage::english, AppLanguage::german}) {
+        preferences.setLanguage(language);
+        for (int page = 0; page < tabWidget().count(); ++page) {
+            SCOPED_TRACE(tabWidget().tabText(page).toStdString());
+            tabWidget().setCurrentIndex(page);
+            QCoreApplication::processEvents();
+            const QString letters = mnemonicsOf(tabWidget());
+            EXPECT_FALSE(letters.contains(QChar())) << "a title without a letter";
+            EXPECT_EQ(std::set<QChar>(letters.begin(), letters.end()).size(), size_t(letters.size())) << letters.toStdString();
+
+            // From the tabs through all controls, downwards, and back.
+            QWidget *current = tabWidget().currentWidget();
+            settings().setFocus();
+            control<QWidget>("qt_tabwidget_tabbar", Page(page)).setFocus();
+            std::vector<QWidget *> visited;
+            for (int steps = 0; steps < 30; ++steps) {
+                QTest::keyClick(&settings(), Qt::Key_Tab);
+                QWidget *focused = settings().focusWidget();
+                if (!current->isAncestorOf(focused)) {
+                    break;
+                }
+                const auto top = [&](const QWidget *widget) { return widget->mapTo(current, QPoint(0, widget->height() / 2)).y(); };
+                EXPECT_TRUE(visited.empty() || top(focused) >= top(visited.back()) - 4) << focused->objectName().toStdString();
+                visited.push_back(focused);
+            }
+            for (QWidget *widget : current->findChildren<QWidget *>()) {
+                if (widget->isVisible() && widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus)) {
+                    EXPECT_NE(std::ranges::find(visited, widget), visited.end()) << widget->objectName().toStdString();
+                    const QAccessibleInterface *reader = QAccessible::queryAccessibleInterface(widget);
+                    EXPECT_FALSE(reader->text(QAccessible::Name).isEmpty()) << widget->objectName().toStdString();
+                }
+                EXPECT_FALSE(widget->isVisible() && isClipped(*widget)) << widget->objectName().toStdString();
+            }
+        }
+    }
+}
+
+// The window among the others.
+
+TEST_F(SettingsTest, CountsAsNoEditorWindow)
+{
+    ASSERT_EQ(settingsWindows().size(), 1);
+    QTest::keyClick(&settings(), Qt::Key_Escape);
+    EXPECT_FALSE(settings().isVisible());
+    showSettings();
+    EXPECT_EQ(settingsWindows().size(), 1);
+    EXPECT_EQ(settings().windowModality(), Qt::NonModal);
+    EXPECT_EQ(application.windows().size(), 1);
+    QSignalSpy finished(&application, &AppDelegate::finished);
+    window().close();
+    EXPECT_EQ(finished.count(), 1);
+}
+
+TEST_F(SettingsTest, ActsOnTheWindowThatWasInFront)
+{
+    MainWindowController &second = application.makeWindow();
+    second.comeToFront();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&second));
+    showSettings();
+    EXPECT_EQ(application.frontmostWindow(), &second);
+    QTest::keyClick(&control<QPushButton>("showKeyReference", editing), Qt::Key_Space);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&second));
+}
