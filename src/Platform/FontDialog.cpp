@@ -10,10 +10,12 @@
 #include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QFontDatabase>
-#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QIcon>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -68,6 +70,12 @@ void FontDialog::arrange()
     sizeTitle->setBuddy(m_size);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     m_accept = buttons->button(QDialogButtonBox::Ok);
+    // The toolkit's own pictures are for desktops that have none, and look it.
+    if (!QIcon::hasThemeIcon(u"dialog-ok"_s)) {
+        for (QAbstractButton *button : buttons->buttons()) {
+            button->setIcon({});
+        }
+    }
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 

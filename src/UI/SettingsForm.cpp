@@ -9,6 +9,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QScrollBar>
 #include <QStyle>
@@ -71,6 +72,15 @@ FormPopUp::FormPopUp(QWidget *parent) : QComboBox(parent)
 {
     setFocusPolicy(Qt::StrongFocus);
     setSizeAdjustPolicy(QComboBox::AdjustToContents);
+}
+
+void FormPopUp::keyPressEvent(QKeyEvent *event)
+{
+    if (!event->text().isEmpty() && (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))) {
+        event->ignore();
+        return;
+    }
+    QComboBox::keyPressEvent(event);
 }
 
 void FormPopUp::wheelEvent(QWheelEvent *event)

@@ -10,7 +10,7 @@
 class QGridLayout;
 class QLabel;
 
-/// A pop-up button of a form that may scroll: the wheel scrolls, and chooses nothing by accident.
+/// A pop-up button of a form that may scroll and has underlined letters: neither the wheel nor a letter with Alt chooses by accident.
 class FormPopUp final : public QComboBox {
     Q_OBJECT
 
@@ -21,6 +21,7 @@ public:
     void showValue(const QVariant &value) { setCurrentIndex(findData(value)); }
 
 protected:
+    void keyPressEvent(QKeyEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 };
 

@@ -210,6 +210,10 @@ TEST_F(SettingsTest, PopUpsAreTheirPreferences)
     QWheelEvent wheel({4, 4}, style.mapToGlobal(QPointF(4, 4)), {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
     QApplication::sendEvent(&style, &wheel);
     EXPECT_EQ(preferences.toolbarStyle(), ToolbarStyle::combined) << "the wheel scrolls";
+    QTest::keyClick(&style, 'h', Qt::AltModifier);
+    EXPECT_EQ(preferences.toolbarStyle(), ToolbarStyle::combined) << "no title has this letter";
+    QTest::keyClick(&style, 'h');
+    EXPECT_EQ(preferences.toolbarStyle(), ToolbarStyle::hidden);
 }
 
 TEST_F(SettingsTest, UnusualIndentWidthIsShownAsLongAsItIsStored)
