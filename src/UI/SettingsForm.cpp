@@ -43,12 +43,13 @@ public:
     }
 
 protected:
-    void changeEvent(QEvent *event) override
+    bool event(QEvent *event) override
     {
-        QLabel::changeEvent(event);
-        if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ApplicationFontChange) {
+        const QEvent::Type type = event->type();
+        if (type == QEvent::PaletteChange || type == QEvent::ApplicationFontChange) {
             applyLook();
         }
+        return QLabel::event(event);
     }
 
 private:

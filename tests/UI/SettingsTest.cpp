@@ -443,6 +443,20 @@ TEST_F(SettingsTest, EveryPageIsUsableByKeysAndReadersInBothLanguages)
     }
 }
 
+TEST_F(SettingsTest, NotesFollowTheDesktopsColours)
+{
+    const QPalette before = QApplication::palette();
+    const auto &note = control<QLabel>("fontNote", appearance);
+    for (const auto &[ground, text] : {std::pair(Qt::black, Qt::white), std::pair(Qt::white, Qt::black)}) {
+        QApplication::setPalette(QPalette(text, ground, text, text, text, text, ground));
+        QCoreApplication::processEvents();
+        const int between = note.palette().color(QPalette::WindowText).lightness();
+        EXPECT_GT(std::abs(between - QColor(ground).lightness()), 150) << "can be read";
+        EXPECT_GT(std::abs(between - QColor(text).lightness()), 40) << "and is fainter than the rest";
+    }
+    QApplication::setPalette(before);
+}
+
 // The window among the others.
 
 TEST_F(SettingsTest, CountsAsNoEditorWindow)
