@@ -99,6 +99,11 @@ std::unique_ptr<TextDocument> TextDocument::generated(const DocumentServices &se
     return document;
 }
 
+void TextDocument::setGeneratedText(const QString &text)
+{
+    reload(comparedWith({.text = Rope(text)}));
+}
+
 std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &services, const QString &path,
                                                       const TextFile::Contents &contents, const QUuid &id)
 {

@@ -87,6 +87,8 @@ public:
     /// A text that the program makes itself and nobody saves.
     [[nodiscard]] static std::unique_ptr<TextDocument> generated(const DocumentServices &services, const QString &title,
                                                                  const QString &text, const Language &language);
+    /// Of a generated document; there is no way back.
+    void setGeneratedText(const QString &text);
     ~TextDocument();
     Q_DISABLE_COPY_MOVE(TextDocument)
 

@@ -73,6 +73,10 @@ void SubstitutionRunner::arrive(const Outcome &outcome)
         finish(formatted(localized(u"Pattern not found: %@"), m_substitution.pattern));
         return;
     }
+    if (count > 0 && m_view->isReadOnly()) {
+        finish(localized(u"This text is read-only; nothing was changed."));
+        return;
+    }
     const QPointer<TextView> view = m_view;
     if (count > 0) {
         view->apply(outcome.replacement);

@@ -13,6 +13,7 @@
 #include "Platform/Pasteboard.h"
 #include "Platform/Translation.h"
 #include "UI/WorkspaceViewController.h"
+#include "Vim/VimReference.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -70,6 +71,7 @@ const ActionRow *WorkspaceViewController::actionFor(Selector selector) const
         action<&Self::showFindInterface, &Self::hasEditor>("showFindInterface:"),
         action<&Self::closeWindowFromVim>("closeWindowFromVim:"),
         action<&Self::goToLine, &Self::hasEditor>("goToLine:"),
+        action<&Self::showVimKeyReference>("showVimKeyReference:"),
         // Nothing compares texts yet.
         action<&Self::compare, &Self::cannot>("compareWithFileOnDisk:"),
         action<&Self::compare, &Self::cannot>("compareWithFile:"),
@@ -374,6 +376,28 @@ void WorkspaceViewController::copyFilePath()
 void WorkspaceViewController::compare()
 {
     beep();
+}
+
+// Generated texts
+
+void WorkspaceViewController::showVimKeyReference()
+{
+    const QString title = VimReference::title;
+    const QString text = VimReference::markdown(m_services.preferences.vimKeymapPreset());
+    const auto &open = m_services.documents.documents();
+    const auto found =
+        std::ranges::find_if(open, [&](const auto &document) { return document->isGenerated() && document->displayName() == title; });
+    if (found != open.end()) {
+        const std::shared_ptr<TextDocument> document = *found;
+        document->setGeneratedText(text);
+        if (!paneShowing(*document)) {
+            adopt(*document);
+        }
+        focusPaneShowing(*document);
+        return;
+    }
+    adopt(m_services.documents.add(
+        TextDocument::generated(m_services.documents.services(), title, text, *LanguageRegistry::withID(u"markdown"))));
 }
 
 // The text

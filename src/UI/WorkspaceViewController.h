@@ -154,6 +154,7 @@ private:
     void toggleSplitOrientation();
     void closeWindowFromVim() override { window()->close(); }
     void goToLine();
+    void showVimKeyReference();
     void selectLanguageFromMenu(const ActionSender &sender);
     void selectTheme(const ActionSender &sender);
     template<bool (Preferences::*value)() const, void (Preferences::*setValue)(bool)>

@@ -30,10 +30,10 @@ constexpr auto commands = std::to_array<VimExCommand>({
 });
 
 constexpr auto options = std::to_array<VimOption>({
-    {{u"number", u"nu"}, &Preferences::setShowLineNumbers},
-    {{u"wrap"}, &Preferences::setWrapLines},
-    {{u"list"}, &Preferences::setShowInvisibles},
-    {{u"expandtab", u"et"}, &Preferences::setInsertSpaces},
+    {{u"number", u"nu"}, &Preferences::setShowLineNumbers, u"line numbers"},
+    {{u"wrap"}, &Preferences::setWrapLines, u"line wrapping"},
+    {{u"list"}, &Preferences::setShowInvisibles, u"invisible characters"},
+    {{u"expandtab", u"et"}, &Preferences::setInsertSpaces, u"spaces or tabs"},
 });
 
 /// One setting under four names, and under all that begin with them.

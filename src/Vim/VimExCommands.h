@@ -57,6 +57,7 @@ struct VimExCommand {
 struct VimOption {
     std::array<QStringView, 2> names;
     void (Preferences::*set)(bool value);
+    const char16_t *purpose;
 
     [[nodiscard]] static std::span<const VimOption> table();
     /// False when there is no such option.

@@ -195,3 +195,37 @@ TEST_F(ExCommandTest, KeepsTheWindowUsableWhileItSubstitutesInALongText)
     settle();
     EXPECT_EQ(take(), QStringList{u"The substitution was stopped; nothing was changed."_s}) << "its tab is gone";
 }
+
+TEST_F(ExCommandTest, ShowsTheKeysInATabThatCannotBeEdited)
+{
+    start("one\n");
+    ASSERT_TRUE(send("showVimKeyReference:"));
+    EXPECT_EQ(tabs(), (QStringList{u"a.txt"_s, u"Vim Keys.md"_s}));
+    EXPECT_EQ(document().language().id(), u"markdown"_s);
+    const QString before = text();
+    type(u"ddixyz"_s);
+    QTest::keyClick(&textView(), Qt::Key_Escape);
+    run(u"%s/Key/x/"_s);
+    EXPECT_EQ(messages, QStringList{u"This text is read-only; nothing was changed."_s});
+    EXPECT_EQ(text(), before);
+    EXPECT_FALSE(document().isDirty());
+    type(u"/Motions"_s);
+    QTest::keyClick(&textView(), Qt::Key_Return);
+    EXPECT_GT(textView().selection().caret, 0);
+
+    // The one that is open is shown again, with what has changed meanwhile.
+    preferences.setVimKeymapPreset(VimKeymapPreset::lazyVim);
+    send("splitEditorRight:");
+    workspace().setActivePane(pane(1));
+    send("newDocument:");
+    pane(1).removeDocument(0);
+    send("showVimKeyReference:");
+    EXPECT_EQ(workspace().activePane(), &pane(0));
+    EXPECT_EQ(tabs(1), QStringList{u"Untitled"_s});
+    EXPECT_NE(text(), before);
+    EXPECT_EQ(documents.documents().size(), 3U);
+    run(u"q"_s);
+    EXPECT_EQ(tabs(), QStringList{u"a.txt"_s});
+    EXPECT_TRUE(presenter.alerts().empty());
+    EXPECT_EQ(documents.documents().size(), 2U);
+}

@@ -31,6 +31,16 @@ class LanguageCommands(unittest.TestCase):
             "shebangPatterns": [r"\bnode\b", r"\bbun\b", r"\bdeno\b"], "lineComment": "//", "blockComment": ["/*", "*/"],
             "indentWidth": 2, "insertSpaces": True, "spans": 2, "rules": 9})
 
+    def test_key_reference(self):
+        plain = ask("key-reference")["markdown"]
+        self.assertEqual(plain, ask("key-reference", "--preset", "plain", "--language", "en")["markdown"])
+        self.assertTrue(plain.startswith("# Vim keys\n"))
+        self.assertIn("Not active", plain)
+        german = ask("key-reference", "--preset", "lazyvim", "--language", "de")["markdown"]
+        self.assertTrue(german.startswith("# Vim-Tasten\n"))
+        self.assertIn("Zurzeit aktiv.", german)
+        self.assertEqual(subprocess.run([PROGRAM, "key-reference", "--preset", "emacs"], capture_output=True).returncode, 2)
+
 
 if __name__ == "__main__":
     unittest.main()

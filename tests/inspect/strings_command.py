@@ -70,7 +70,7 @@ class Strings(unittest.TestCase):
         for key, text in self.german.items():
             with self.subTest(key):
                 self.assertTrue(text)
-                self.assertNotRegex(re.sub(r"„[^„“]*“", "", text), '[„“”"]', "quotation marks")
+                self.assertNotRegex(re.sub(r'„[^„“]*“|"\+', "", text), '[„“”"]', "quotation marks")
                 self.assertNotIn("...", text)
                 self.assertNotRegex(text, r"\b(Sie|Ihnen|Ihre?[mnrs]?|[Dd]u|[Dd]ein\w*)\b", "addresses somebody")
                 self.assertNotRegex(text, r"\b([Ss]ichern|[Gg]esichert|Reiter|Ctrl|Shift)\b", "decided otherwise")
@@ -81,7 +81,9 @@ class Strings(unittest.TestCase):
     def test_no_text_names_what_is_not_here(self):
         for key in self.answer["keys"]:
             for text in (self.german[key], self.english.get(key, key)):
-                self.assertNotRegex(text, r"[⌘⌥⌃⇧⇥]|(?<!-)Finder|macOS|~/Library|System Settings", key)
+                # The reference of keys writes them short, and says how.
+                short = "[⌘⇧⇥]" if "⌃ st" in text or "(⌃V)" in text else "[⌘⌥⌃⇧⇥]"
+                self.assertNotRegex(text, short + r"|(?<!-)Finder|macOS|~/Library|System Settings", key)
 
 
 class Collecting(unittest.TestCase):

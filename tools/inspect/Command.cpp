@@ -74,6 +74,16 @@ quint32 toNumber(const QString &value)
     return value.toUInt(nullptr, 0);
 }
 
+bool isInterfaceLanguage(const QString &value)
+{
+    return value == u"en"_s || value == u"de"_s;
+}
+
+void useInterfaceLanguage(const Arguments &arguments)
+{
+    Localization::use(arguments.value(u"language") == u"de"_s ? AppLanguage::german : AppLanguage::english);
+}
+
 std::optional<TextRange> toRange(const QString &value)
 {
     const qsizetype comma = value.indexOf(u',');

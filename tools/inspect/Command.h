@@ -55,6 +55,7 @@ struct CommandRow {
 [[nodiscard]] std::span<const CommandRow> languageCommands();
 [[nodiscard]] std::span<const CommandRow> menuCommandRows();
 [[nodiscard]] std::span<const CommandRow> preferencesCommands();
+[[nodiscard]] std::span<const CommandRow> referenceCommands();
 [[nodiscard]] std::span<const CommandRow> stringsCommands();
 
 /// The arguments by the row, or none when they do not fit it.
@@ -63,6 +64,12 @@ struct CommandRow {
 
 /// The answer when a file could not be opened as text.
 [[nodiscard]] QJsonObject answerOf(const TextFile::ReadError &error);
+
+/// "en" or "de".
+[[nodiscard]] bool isInterfaceLanguage(const QString &value);
+inline constexpr OptionRow interfaceLanguageOption{u"language", u"en|de", isInterfaceLanguage};
+/// The answer is in the language that was asked for, else in English.
+void useInterfaceLanguage(const Arguments &arguments);
 
 /// "LOCATION,LENGTH" as it was given, or none.
 [[nodiscard]] std::optional<TextRange> toRange(const QString &value);

@@ -3,7 +3,6 @@
 #include "Command.h"
 
 #include "App/MainMenu.h"
-#include "Platform/Localization.h"
 
 #include <QJsonArray>
 
@@ -50,12 +49,11 @@ QJsonArray answerOf(const std::vector<MenuNode> &nodes)
 
 QJsonObject runMenu(const Arguments &arguments)
 {
-    Localization::use(arguments.value(u"language") == u"de"_s ? AppLanguage::german : AppLanguage::english);
+    useInterfaceLanguage(arguments);
     return {{u"menus"_s, answerOf(MainMenu::build())}};
 }
 
-constexpr auto menuOptions =
-    std::to_array<OptionRow>({{u"language", u"en|de", [](const QString &value) { return value == u"en"_s || value == u"de"_s; }}});
+constexpr std::array menuOptions = {interfaceLanguageOption};
 
 constexpr auto rows = std::to_array<CommandRow>({
     {u"menu", u"", menuOptions, u"the menu bar with its titles, keys and actions", runMenu},

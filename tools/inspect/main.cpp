@@ -17,8 +17,9 @@ namespace {
 
 enum ExitStatus { answered = 0, failed = 1, wrongArguments = 2 };
 
-constexpr auto subjects = std::to_array<std::span<const CommandRow> (*)()>(
-    {fileCommands, highlightCommands, keysCommands, languageCommands, menuCommandRows, preferencesCommands, stringsCommands});
+constexpr auto subjects =
+    std::to_array<std::span<const CommandRow> (*)()>({fileCommands, highlightCommands, keysCommands, languageCommands, menuCommandRows,
+                                                      preferencesCommands, referenceCommands, stringsCommands});
 
 const CommandRow *commandNamed(const QString &name)
 {

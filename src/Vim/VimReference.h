@@ -1,0 +1,37 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QStringList>
+
+#include <vector>
+
+enum class VimKeymapPreset;
+
+/// The keys of modal editing for those who read, in the language of the interface.
+namespace VimReference {
+
+struct Row {
+    /// Each one key, or several as they are typed.
+    QStringList keys;
+    QString text;
+};
+
+struct Section {
+    QString heading;
+    /// May be empty.
+    QString intro;
+    std::vector<Row> rows;
+};
+
+/// The name of the document.
+inline constexpr QLatin1StringView title("Vim Keys.md");
+
+/// Without the keys of a key map.
+[[nodiscard]] std::vector<Section> sections();
+/// All of it as Markdown, with columns that line up; says whether `preset` has the keys of LazyVim.
+[[nodiscard]] QString markdown(VimKeymapPreset preset);
+/// `markdown` with the cells of every table as wide as the widest of their column, in characters.
+[[nodiscard]] QString aligningTables(const QString &markdown);
+
+} // namespace VimReference

@@ -1,0 +1,36 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Command.h"
+
+#include "Model/Preferences.h"
+#include "Vim/VimReference.h"
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QJsonObject runKeyReference(const Arguments &arguments)
+{
+    useInterfaceLanguage(arguments);
+    const bool isLazyVim = arguments.value(u"preset") == vimKeymapPresetNames[size_t(VimKeymapPreset::lazyVim)];
+    return {{u"markdown"_s, VimReference::markdown(isLazyVim ? VimKeymapPreset::lazyVim : VimKeymapPreset::plain)}};
+}
+
+constexpr auto options = std::to_array<OptionRow>({
+    {u"preset", u"plain|lazyvim",
+     [](const QString &value) { return std::ranges::find(vimKeymapPresetNames, value) != vimKeymapPresetNames.end(); }},
+    interfaceLanguageOption,
+});
+
+constexpr auto rows = std::to_array<CommandRow>({
+    {u"key-reference", u"", options, u"the reference of the keys of modal editing", runKeyReference},
+});
+
+} // namespace
+
+std::span<const CommandRow> referenceCommands()
+{
+    return rows;
+}
