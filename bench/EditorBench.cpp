@@ -16,6 +16,7 @@
 #include "Platform/Pasteboard.h"
 #include "Text/FindState.h"
 #include "Vim/VimRegisters.h"
+#include "Vim/VimSubstitution.h"
 
 #include <benchmark/benchmark.h>
 
@@ -229,6 +230,35 @@ void modalJumps(benchmark::State &state)
     }
 }
 
+/// More than a million hits in 100 MB: looking for them, which a worker does, the change on the main thread, its painting left out, and
+/// taking it back.
+void substitution(benchmark::State &state)
+{
+    Stage stage(1);
+    QString text;
+    while (text.size() < 100'000'000) {
+        text += u"    some words of a line (which are some 88 units, so that there are a few more than a million)\n"_s;
+    }
+    TextStorage &storage = stage.document->storage();
+    storage.replaceCharacters({0, storage.length()}, text);
+    text.clear();
+    const VimSubstitution substitution{.isOfWholeText = true, .pattern = u"s(o)me"_s, .replacement = u"n$1ne"_s, .isGlobal = false};
+    for (auto _ : state) {
+        double start = now();
+        auto searcher = substitution.searcher();
+        const TextReplacement found = substitution.replacementIn(storage.text(), 0, *searcher);
+        state.counters["ms_search"] = (now() - start) / 1000;
+        start = now();
+        stage.editor->textView().applyReplacement(found);
+        state.counters["ms_change"] = (now() - start) / 1000;
+        start = now();
+        stage.editor->textView().undo();
+        state.counters["ms_undo"] = (now() - start) / 1000;
+        state.counters["hits"] = double(found.count);
+    }
+}
+
+BENCHMARK(substitution)->Name("substitution, 100 MB")->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(modalJumps)->Name("modal jumps, 100 MB")->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(modalKeys)->Name("modal keys in C")->Arg(20'000)->Arg(100'000'000)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(typing)->Name("key in C")->Arg(20'000)->Arg(1'000'000)->Arg(100'000'000)->Iterations(1)->Unit(benchmark::kMillisecond);

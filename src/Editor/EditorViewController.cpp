@@ -49,6 +49,7 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
     m_stack->addWidget(m_textView, 1);
     m_textView->setEditorDelegate(this);
     applyAccess();
+    m_awaitsText = m_document->isWaiting();
     m_textView->setLanguage(document.language());
     setFocusProxy(m_textView);
     makeSpelling();
@@ -115,14 +116,16 @@ void EditorViewController::observe()
     };
     observe(Preferences::didChange, nullptr, [this] { applyPreferences(); });
     observe(TextDocument::didChangeMetadata, m_document.get(), [this] {
+        applyAccess();
         adoptLanguage();
         updateBanner();
     });
     observe(Localization::didChangeNotification, nullptr, [this] { retranslate(); });
     observe(TextDocument::didDetectExternalChange, m_document.get(), [this] { updateBanner(); });
     observe(TextDocument::didReloadFromDisk, m_document.get(), [this] {
-        if (applyAccess()) {
-            restoreViewState(); // the text has come only now
+        applyAccess();
+        if (std::exchange(m_awaitsText, false)) {
+            restoreViewState();
         }
         m_textView->ruler().update();
         highlightVisibleRange();
@@ -250,12 +253,10 @@ void EditorViewController::scheduleVisibleHighlight()
 
 // Where the user was
 
-bool EditorViewController::applyAccess()
+void EditorViewController::applyAccess()
 {
-    const bool wasReadOnly = m_textView->isReadOnly();
     const bool isReadOnly = m_document->isGenerated() || m_document->isWaiting();
     m_textView->setAccess(isReadOnly ? TextView::Access::readOnly : TextView::Access::readWrite);
-    return wasReadOnly && !isReadOnly;
 }
 
 void EditorViewController::restoreViewState()

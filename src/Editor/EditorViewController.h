@@ -107,8 +107,7 @@ private:
     void applyVimMode();
     void adoptLanguage();
     void restoreViewState();
-    /// Lets the text be changed or not; true when it may be from now on.
-    bool applyAccess();
+    void applyAccess();
 
     void highlightVisibleRange();
     void scheduleVisibleHighlight();
@@ -138,6 +137,8 @@ private:
     FindBar *m_findBar;
     std::unique_ptr<SpellingController> m_spelling;
     std::unique_ptr<EditorVim> m_vim;
+    /// The user's place is still to be shown, in a text that has not come.
+    bool m_awaitsText = false;
     DelayedTask m_visibleHighlightWork;
     DelayedTask m_scrolling;
     std::vector<NotificationCenter::Token> m_observers;

@@ -204,7 +204,7 @@ void TextDocument::postMetadata() const
 
 void TextDocument::setDirty(bool isDirty)
 {
-    if (m_isDirty != isDirty) {
+    if (m_isDirty != isDirty && !isGenerated()) {
         m_isDirty = isDirty;
         postMetadata();
     }
@@ -386,6 +386,8 @@ Result<void> TextDocument::save(const QString &path)
         m_watcher->endOwnWrite();
     }
     if (path != m_path) {
+        // A file of the user's from now on.
+        m_generatedTitle.reset();
         m_path = path;
         m_identity = identityOf(path);
         if (!languageWasChosenManually) {

@@ -534,7 +534,7 @@ void TextFinder::applyReplacement(const TextReplacement &replacement)
         emit statusChanged();
         return;
     }
-    m_view->apply(replacement);
+    m_view->applyReplacement(replacement);
     m_outcome.replaced = replacement.count;
     emit statusChanged();
 }

@@ -258,7 +258,7 @@ void TextView::insertText(QStringView text, TextRange range)
     replaceText(range, text, GroupKind::other, TextSelection::at(range.location + text.length()));
 }
 
-void TextView::apply(const TextReplacement &replacement)
+void TextView::applyReplacement(const TextReplacement &replacement)
 {
     const QPointer<TextView> view(this);
     TextStorage &storage = m_storage;

@@ -127,7 +127,7 @@ public:
 
     /// Makes the edits of `replacement`, which is of the text as it is, as one step of undo; those that shouldChangeText() refuses are left
     /// out. Of a stretch of new text it is asked once, without the text. The caret stays where its surroundings are.
-    void apply(const TextReplacement &replacement);
+    void applyReplacement(const TextReplacement &replacement);
 
     [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
 

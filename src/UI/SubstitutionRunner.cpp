@@ -79,7 +79,7 @@ void SubstitutionRunner::arrive(const Outcome &outcome)
     }
     const QPointer<TextView> view = m_view;
     if (count > 0) {
-        view->apply(outcome.replacement);
+        view->applyReplacement(outcome.replacement);
     }
     const QString done = count == 1 ? localized(u"1 substitution") : formatted(localized(u"%d substitutions"), count);
     finish(outcome.isIncomplete ? done + u". "_s + localized(u"The expression is too hard for parts of this text. There may be more hits.")

@@ -224,8 +224,25 @@ TEST_F(ExCommandTest, ShowsTheKeysInATabThatCannotBeEdited)
     EXPECT_EQ(tabs(1), QStringList{u"Untitled"_s});
     EXPECT_NE(text(), before);
     EXPECT_EQ(documents.documents().size(), 3U);
+    // Nothing of it is to be saved.
+    document().setLineEnding(LineEnding::crlf);
+    workspace().performAutosave();
+    EXPECT_FALSE(document().isDirty());
+    EXPECT_FALSE(QDir(path(u"data/drafts"_s)).exists(u"*"_s));
     run(u"q"_s);
     EXPECT_EQ(tabs(), QStringList{u"a.txt"_s});
     EXPECT_TRUE(presenter.alerts().empty());
     EXPECT_EQ(documents.documents().size(), 2U);
+}
+
+TEST_F(ExCommandTest, MakesAFileOfTheKeysThatAreSaved)
+{
+    ASSERT_TRUE(send("showVimKeyReference:"));
+    presenter.answerSave(path(u"keys.md"_s));
+    run(u"w"_s);
+    EXPECT_EQ(tabs().last(), u"keys.md"_s);
+    type(u"ddix"_s);
+    EXPECT_TRUE(document().isDirty()) << "it can be edited now";
+    send("showVimKeyReference:");
+    EXPECT_EQ(tabs().last(), u"Vim Keys.md"_s) << "another one, which leaves the file alone";
 }

@@ -102,6 +102,31 @@ TEST(VimReference, NamesTheKeysThatThereAre)
     EXPECT_FALSE(isObject(u"iz"_s));
 }
 
+/// Texts of one word too, which look like no text in the code.
+TEST(VimReference, IsAllInGerman)
+{
+    const auto texts = [](AppLanguage language) {
+        Localization::use(language);
+        QStringList all;
+        for (const VimReference::Section &section : VimReference::sections()) {
+            all << section.heading;
+            for (const VimReference::Row &row : section.rows) {
+                all << row.text;
+            }
+        }
+        for (const VimKeymap::Mapping &mapping : VimKeymap::mappings(VimKeymapPreset::lazyVim)) {
+            all << mapping.section << mapping.label;
+        }
+        return all;
+    };
+    const QStringList english = texts(AppLanguage::english);
+    const QStringList german = texts(AppLanguage::german);
+    Localization::use(AppLanguage::english);
+    for (qsizetype index = 0; index < english.size(); ++index) {
+        EXPECT_TRUE(german[index] != english[index] || english[index] == u"Tabs"_s) << english[index].toStdString();
+    }
+}
+
 TEST(VimReference, HasColumnsThatLineUp)
 {
     for (const AppLanguage language : {AppLanguage::english, AppLanguage::german}) {
