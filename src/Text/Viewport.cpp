@@ -233,7 +233,8 @@ void Viewport::revealX(Span span)
     }
     // Some context beside the caret, so that typing at the edge does not scroll at every key.
     const double margin = std::min(4 * m_layout.cellWidth(), m_size.width() / 4);
-    const double visible = m_size.width() - 2 * insets().horizontal;
+    // A view that is too narrow, as one that is not shown yet may be, begins with the span.
+    const double visible = std::max(m_size.width() - 2 * insets().horizontal, span.right - span.left);
     if (span.left < m_x) {
         setX(span.left - margin);
     } else if (span.right > m_x + visible) {

@@ -306,6 +306,15 @@ TEST(TextView, ScrollingReachesBothEndsAndThePageKeysMoveTheCaretWithTheText)
     EXPECT_GT(bar->value(), 0);
 }
 
+/// A window that is not shown yet has no room for them.
+TEST(TextView, WhatIsShownInNoRoomBeginsWithTheCaret)
+{
+    ViewFixture fixture(QString(200, u'x'), {4, 300});
+    fixture.view.setSelection(TextSelection::at(0), TextView::Reveal::nearest);
+    fixture.view.resize(400, 300);
+    EXPECT_EQ(fixture.view.horizontalScrollBar()->value(), 0);
+}
+
 TEST(TextView, BlinkingTouchesTheCaretOnly)
 {
     ViewFixture fixture(u"some text"_s);
