@@ -25,19 +25,14 @@ QStringList filesOf(const QDropEvent &event)
 } // namespace
 
 EditorTextView::EditorTextView(TextStorage &storage, UndoManager &undoManager, const Services &services, const QFont &font, QWidget *parent)
-    : TextView(storage, undoManager, {services.scheduler, services.pasteboard}, font, parent), m_beep(services.beep),
-      m_ruler(new LineNumberRulerView(*this, this))
+    : NumberedTextView(storage, undoManager, {services.scheduler, services.pasteboard}, font, parent), m_beep(services.beep)
 {
-    connect(m_ruler, &LineNumberRulerView::thicknessChanged, this, &EditorTextView::placeRuler);
-    connect(this, &TextView::visibleRowsChanged, m_ruler, &LineNumberRulerView::refresh);
     connect(this, &TextView::selectionChanged, this, [this] {
-        m_ruler->refresh();
         if (m_delegate) {
             m_delegate->editorTextViewDidChangeSelection(*this);
         }
     });
     connect(this, &TextView::contextMenuRequested, this, &EditorTextView::addCommands);
-    placeRuler();
 }
 
 void EditorTextView::addCommands(QMenu *menu)
@@ -106,46 +101,10 @@ void EditorTextView::focusOutEvent(QFocusEvent *event)
 
 // Looks
 
-void EditorTextView::setTheme(const Theme &theme, CurrentLine currentLine)
-{
-    // Dark grounds take little of the colour, or comments could not be read on it.
-    setColors({.background = QColor::fromRgb(theme.background),
-               .text = QColor::fromRgb(theme.foreground),
-               .selection = QColor::fromRgb(theme.selection),
-               .caret = QColor::fromRgb(theme.caret),
-               .currentLine = currentLine == CurrentLine::highlighted ? QColor::fromRgb(theme.currentLine) : QColor(),
-               .invisibles = QColor::fromRgb(theme.invisibles),
-               .mark = QColor::fromRgb(blended(theme.background, theme.isDark ? 0xFFD8A200 : 0xFFFFC800, theme.isDark ? 0.22 : 0.5))});
-    m_ruler->setTheme(theme);
-    m_ruler->setHighlightsCurrentLine(currentLine);
-}
-
 void EditorTextView::setIndentation(Indentation indentation)
 {
     m_indentation = indentation;
     setTabWidth(indentation.width);
-}
-
-void EditorTextView::setLineNumbers(Visibility visibility)
-{
-    m_ruler->setVisible(visibility == Visibility::shown);
-    placeRuler();
-}
-
-void EditorTextView::placeRuler()
-{
-    const int thickness = m_ruler->isHidden() ? 0 : m_ruler->thickness();
-    if (viewportMargins().left() != thickness) {
-        setViewportMargins(thickness, 0, 0, 0);
-    }
-    const QRect port = viewport()->geometry();
-    m_ruler->setGeometry(port.left() - thickness, port.top(), thickness, port.height());
-}
-
-void EditorTextView::resizeEvent(QResizeEvent *event)
-{
-    TextView::resizeEvent(event);
-    placeRuler();
 }
 
 // Commands

@@ -3,10 +3,8 @@
 #pragma once
 
 #include "Editor/LineEditing.h"
-#include "Editor/LineNumberRulerView.h"
+#include "Editor/NumberedTextView.h"
 #include "Highlighting/Language.h"
-#include "Highlighting/Theme.h"
-#include "Text/TextView.h"
 
 class EditorTextView;
 class EditorVim;
@@ -24,9 +22,9 @@ protected:
     ~EditorTextViewDelegate() = default;
 };
 
-/// A text view for source code: tab stops, indentation, comments, whole lines, and the line numbers beside it. Files that are dropped on it
+/// A text view for source code: tab stops, indentation, comments, and whole lines. Files that are dropped on it
 /// go to its editor; with Alt held their names become text.
-class EditorTextView final : public TextView {
+class EditorTextView final : public NumberedTextView {
     Q_OBJECT
 
 public:
@@ -37,21 +35,16 @@ public:
         std::function<void()> beep;
     };
     enum class AutoIndent { off, on };
-    using CurrentLine = LineNumberRulerView::CurrentLine;
 
     EditorTextView(TextStorage &storage, UndoManager &undoManager, const Services &services, const QFont &font, QWidget *parent = nullptr);
 
     /// Must outlive the view or be taken back by null.
     void setEditorDelegate(EditorTextViewDelegate *delegate) { m_delegate = delegate; }
-    void setTheme(const Theme &theme, CurrentLine currentLine);
     void setIndentation(Indentation indentation);
     [[nodiscard]] Indentation indentation() const { return m_indentation; }
     void setAutoIndent(AutoIndent autoIndent) { m_autoIndent = autoIndent; }
     void setLanguage(const Language &language) { m_language = language; }
     [[nodiscard]] const Language &language() const { return m_language; }
-
-    [[nodiscard]] LineNumberRulerView &ruler() { return *m_ruler; }
-    void setLineNumbers(Visibility visibility);
 
     /// Gets the keys before the view does; null takes it away. Must outlive the view or be taken back.
     void setVim(EditorVim *vim) { m_vim = vim; }
@@ -75,7 +68,6 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragMoveEvent(QDragMoveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
@@ -86,7 +78,6 @@ private:
     [[nodiscard]] bool isEditable() const { return !isReadOnly(); }
     [[nodiscard]] bool canToggleComment() const;
     void apply(const std::optional<LineEdit> &edit, GroupKind kind = GroupKind::other);
-    void placeRuler();
     void addCommands(QMenu *menu);
 
     EditorTextViewDelegate *m_delegate = nullptr;
@@ -95,5 +86,4 @@ private:
     Indentation m_indentation;
     AutoIndent m_autoIndent = AutoIndent::on;
     Language m_language;
-    LineNumberRulerView *m_ruler;
 };

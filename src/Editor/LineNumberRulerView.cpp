@@ -80,14 +80,7 @@ void LineNumberRulerView::setExplicitNumbers(std::optional<Numbers> numbers)
 
 qint64 LineNumberRulerView::lineCount() const
 {
-    if (!m_numbers) {
-        return m_client.storage().text().lineCount();
-    }
-    qint64 largest = 1;
-    for (const std::optional<qint64> number : *m_numbers) {
-        largest = std::max(largest, number.value_or(1));
-    }
-    return largest;
+    return m_numbers ? m_numbers->largest : m_client.storage().text().lineCount();
 }
 
 void LineNumberRulerView::updateThickness()
@@ -132,7 +125,7 @@ QString LineNumberRulerView::labelOf(const RowPosition &row) const
     if (!m_numbers) {
         return QString::number(row.line + 1);
     }
-    const auto number = size_t(row.line) < m_numbers->size() ? (*m_numbers)[size_t(row.line)] : std::nullopt;
+    const std::optional<qint64> number = m_numbers->ofLine(row.line);
     return number ? QString::number(*number) : QString();
 }
 

@@ -7,8 +7,8 @@
 
 #include <QWidget>
 
+#include <functional>
 #include <optional>
-#include <vector>
 
 class TextView;
 
@@ -20,8 +20,11 @@ class LineNumberRulerView final : public QWidget {
 
 public:
     enum class CurrentLine { plain, highlighted };
-    /// A number for each line of the text, none for lines that show none.
-    using Numbers = std::vector<std::optional<qint64>>;
+    /// A number for each line of the text, from 0; none for lines that show none.
+    struct Numbers {
+        std::function<std::optional<qint64>(qsizetype line)> ofLine;
+        qint64 largest = 1;
+    };
 
     /// `client` must outlive the ruler.
     explicit LineNumberRulerView(TextView &client, QWidget *parent = nullptr);

@@ -144,6 +144,10 @@ protected:
     /// Asked before every change that begins in this view; false refuses it.
     [[nodiscard]] virtual bool shouldChangeText(TextRange range, QStringView replacement);
     virtual void didChangeText() {}
+    /// Paints what is behind marks, selection and text of one row; `visible` is along the row.
+    virtual void paintBehind(QPainter & /*painter*/, const Viewport::VisibleRow & /*row*/, Span /*visible*/) {}
+    /// The units of the row that can be seen.
+    [[nodiscard]] TextRange seenOf(const Viewport::VisibleRow &row, Span visible);
     /// Something is about to be undone or redone in this view.
     virtual void willReplay() {}
     /// `text` in place of `range`, which is of the text before all edits of its step.
@@ -237,7 +241,6 @@ private:
 
     void paintRow(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
-    [[nodiscard]] TextRange seenOf(const Viewport::VisibleRow &row, Span visible);
     void paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintIndicator(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintMisspellings(QPainter &painter, const Viewport::VisibleRow &row, Span visible);

@@ -120,6 +120,7 @@ void TextView::paintMisspellings(QPainter &painter, const Viewport::VisibleRow &
 void TextView::paintRow(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
 {
     const double left = m_port.left();
+    paintBehind(painter, row, visible);
     paintMarks(painter, row, visible);
     paintSelection(painter, row, visible);
     paintIndicator(painter, row, visible);
