@@ -1,0 +1,316 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Diff/LineDiff.h"
+
+#include "Diff/EditSearch.h"
+#include "Diff/LineKey.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+
+namespace {
+
+/// Stands for every line that the other text has nowhere.
+constexpr quint32 unmatched = ~quint32(0);
+
+/// A text as the comparison reads it. From `begin` to `end`, the end of its last line, it has `lineCount` lines that are still to be
+/// compared.
+struct Reading {
+    Reading(const LineTable &table, Whitespace whitespace)
+        : chunks(table.text()), keys(table.text(), whitespace), end(table.end()), lineCount(table.count())
+    {}
+
+    [[nodiscard]] TextRange lineAt(qsizetype start) { return TextRange::between(start, chunks.lineEnd(start, end)); }
+    [[nodiscard]] TextRange lastLine() { return TextRange::between(chunks.lineStart(begin, end), end); }
+
+    ChunkReader chunks;
+    LineKeyReader keys;
+    qsizetype begin = 0;
+    qsizetype end = 0;
+    qsizetype lineCount = 0;
+};
+
+/// Equal units of two texts: up to and with the outermost LF in them.
+struct CommonLines {
+    qsizetype lines = 0;
+    qsizetype units = 0;
+};
+
+/// The lines of one text by their content: each has the number of the first that equals it.
+class LineNumbers {
+public:
+    /// Of the lines that `text` has left. None when stopped.
+    [[nodiscard]] static std::optional<LineNumbers> make(Reading &text, const DiffControl &control);
+
+    [[nodiscard]] std::span<const quint32> numbers() const { return m_numbers; }
+    [[nodiscard]] qsizetype start(qsizetype line) const { return m_starts[size_t(line)]; }
+    /// The number of the lines that equal `key`, or `unmatched`.
+    [[nodiscard]] quint32 find(const LineKey &key, size_t hash) { return *place(key, hash).number; }
+
+private:
+    /// Linear probing; `tag` is a part of the hash, `number` a line.
+    struct Slot {
+        quint32 tag = 0;
+        quint32 number = unmatched;
+    };
+    struct Place {
+        quint32 *tag;
+        quint32 *number;
+    };
+
+    explicit LineNumbers(Reading &text);
+    [[nodiscard]] Place place(const LineKey &key, size_t hash);
+    [[nodiscard]] size_t slotOf(size_t hash) const { return hash & (m_slots.size() - 1); }
+    [[nodiscard]] TextRange range(qsizetype line) const { return TextRange::between(start(line), start(line + 1) - 1); }
+
+    /// And, behind the last, where one more would begin.
+    std::vector<quint32> m_starts;
+    std::vector<quint32> m_numbers;
+    std::vector<Slot> m_slots;
+    LineKeyReader m_keys;
+};
+
+LineNumbers::LineNumbers(Reading &text) : m_keys(text.keys)
+{
+    const auto count = size_t(text.lineCount);
+    m_starts.reserve(count + 1);
+    m_starts.push_back(quint32(text.begin));
+    m_numbers.reserve(count);
+    m_slots.resize(std::bit_ceil(count + count / 4 + 1));
+}
+
+std::optional<LineNumbers> LineNumbers::make(Reading &text, const DiffControl &control)
+{
+    // The slots of so many lines come from memory at once.
+    constexpr size_t batch = 32;
+    std::array<size_t, batch> hashes{};
+    LineNumbers result(text);
+    const auto count = size_t(text.lineCount);
+    qsizetype at = text.begin;
+    for (size_t first = 0; first < count; first += batch) {
+        const qsizetype batchStart = at;
+        const size_t size = std::min(batch, count - first);
+        for (size_t i = 0; i < size; ++i) {
+            const TextRange line = text.lineAt(at);
+            hashes[i] = text.keys.key(line).hash();
+            __builtin_prefetch(&result.m_slots[result.slotOf(hashes[i])]);
+            at = line.end() + 1;
+            result.m_starts.push_back(quint32(at));
+        }
+        for (size_t i = 0; i < size; ++i) {
+            const auto line = qsizetype(first + i);
+            const Place place = result.place(text.keys.key(result.range(line)), hashes[i]);
+            if (*place.number == unmatched) {
+                *place.tag = quint32(hashes[i] >> 32);
+                *place.number = quint32(line);
+            }
+            result.m_numbers.push_back(*place.number);
+        }
+        if (!control.advance(at - batchStart)) {
+            return std::nullopt;
+        }
+    }
+    return result;
+}
+
+LineNumbers::Place LineNumbers::place(const LineKey &key, size_t hash)
+{
+    const auto tag = quint32(hash >> 32);
+    size_t at = slotOf(hash);
+    while (m_slots[at].number != unmatched && (m_slots[at].tag != tag || m_keys.key(range(m_slots[at].number)) != key)) {
+        at = slotOf(at + 1);
+    }
+    return {&m_slots[at].tag, &m_slots[at].number};
+}
+
+/// Two texts from both ends towards the middle.
+class Comparison {
+public:
+    Comparison(const LineTable &left, const LineTable &right, Whitespace whitespace, const DiffControl &control)
+        : m_old(left, whitespace), m_new(right, whitespace), m_control(control)
+    {}
+
+    /// None when stopped.
+    [[nodiscard]] std::optional<std::vector<LineDiff::Result::Match>> run();
+
+private:
+    [[nodiscard]] bool isStopped() const { return m_control.stop.stop_requested(); }
+    [[nodiscard]] CommonLines commonStartLines(qsizetype old, qsizetype newer);
+    [[nodiscard]] CommonLines commonEndLines();
+    [[nodiscard]] bool isSame(TextRange old, TextRange newer) { return m_old.keys.key(old) == m_new.keys.key(newer); }
+    qsizetype takeStart();
+    qsizetype takeEnd();
+    [[nodiscard]] std::optional<std::vector<quint32>> numbersOfNew(LineNumbers &old);
+
+    Reading m_old;
+    Reading m_new;
+    const DiffControl &m_control;
+};
+
+CommonLines Comparison::commonStartLines(qsizetype old, qsizetype newer)
+{
+    CommonLines common;
+    qsizetype units = 0;
+    while (old + units < m_old.end && newer + units < m_new.end) {
+        const Rope::Chunk a = m_old.chunks.after(old + units, m_old.end);
+        const Rope::Chunk b = m_new.chunks.after(newer + units, m_new.end);
+        const qsizetype same = commonStart(a, b);
+        const Rope::Chunk equal = cut(a, 0, same);
+        if (const qsizetype last = lastLineFeed(equal); last >= 0) {
+            common.lines += countLineFeeds(equal);
+            common.units = units + last + 1;
+        }
+        units += same;
+        if (same < std::min(a.length, b.length) || isStopped()) {
+            break;
+        }
+    }
+    return common;
+}
+
+CommonLines Comparison::commonEndLines()
+{
+    CommonLines common;
+    qsizetype units = 0;
+    while (m_old.end - units > m_old.begin && m_new.end - units > m_new.begin) {
+        const Rope::Chunk a = m_old.chunks.before(m_old.begin, m_old.end - units);
+        const Rope::Chunk b = m_new.chunks.before(m_new.begin, m_new.end - units);
+        const qsizetype same = commonEnd(a, b);
+        const Rope::Chunk equal = cut(a, a.length - same, same);
+        if (const qsizetype first = firstLineFeed(equal); first >= 0) {
+            common.lines += countLineFeeds(equal);
+            common.units = units + same - first;
+        }
+        units += same;
+        if (same < std::min(a.length, b.length) || isStopped()) {
+            break;
+        }
+    }
+    return common;
+}
+
+/// Takes the lines that both begin with off them and tells how many there are.
+qsizetype Comparison::takeStart()
+{
+    qsizetype taken = 0;
+    const auto take = [this, &taken](qsizetype lines, qsizetype oldUnits, qsizetype newUnits) {
+        taken += lines;
+        m_old.lineCount -= lines;
+        m_new.lineCount -= lines;
+        m_old.begin += oldUnits;
+        m_new.begin += newUnits;
+        return m_control.advance(oldUnits + newUnits);
+    };
+    while (m_old.lineCount > 0 && m_new.lineCount > 0) {
+        const CommonLines common = commonStartLines(m_old.begin, m_new.begin);
+        if (!take(common.lines, common.units, common.units)) {
+            break;
+        }
+        // Lines may be equal and not have the same units, and no LF shows where the last one ends.
+        const TextRange old = m_old.lineAt(m_old.begin);
+        const TextRange newer = m_new.lineAt(m_new.begin);
+        if (!isSame(old, newer) || !take(1, old.length + 1, newer.length + 1)) {
+            break;
+        }
+    }
+    return taken;
+}
+
+qsizetype Comparison::takeEnd()
+{
+    qsizetype taken = 0;
+    const auto take = [this, &taken](qsizetype lines, qsizetype oldUnits, qsizetype newUnits) {
+        taken += lines;
+        m_old.lineCount -= lines;
+        m_new.lineCount -= lines;
+        m_old.end -= oldUnits;
+        m_new.end -= newUnits;
+        return m_control.advance(oldUnits + newUnits);
+    };
+    while (m_old.lineCount > 0 && m_new.lineCount > 0) {
+        const CommonLines common = commonEndLines();
+        if (!take(common.lines, common.units, common.units)) {
+            break;
+        }
+        const TextRange old = m_old.lastLine();
+        const TextRange newer = m_new.lastLine();
+        if (!isSame(old, newer) || !take(1, old.length + 1, newer.length + 1)) {
+            break;
+        }
+    }
+    return taken;
+}
+
+std::optional<std::vector<quint32>> Comparison::numbersOfNew(LineNumbers &old)
+{
+    std::vector<quint32> numbers;
+    numbers.reserve(size_t(m_new.lineCount));
+    qsizetype at = m_new.begin;
+    // The old line that this one is most likely to equal.
+    qsizetype likely = 0;
+    while (qsizetype(numbers.size()) < m_new.lineCount) {
+        const qsizetype from = at;
+        if (likely < m_old.lineCount) {
+            const CommonLines common = commonStartLines(old.start(likely), at);
+            const auto known = old.numbers().subspan(size_t(likely), size_t(common.lines));
+            numbers.insert(numbers.end(), known.begin(), known.end());
+            likely += common.lines;
+            at += common.units;
+        }
+        const TextRange line = m_new.lineAt(at);
+        const LineKey key = m_new.keys.key(line);
+        const quint32 number = old.find(key, key.hash());
+        numbers.push_back(number);
+        const bool isLikely = likely < m_old.lineCount && (number == unmatched || old.numbers()[size_t(likely)] == number);
+        likely = isLikely || number == unmatched ? likely + 1 : qsizetype(number) + 1;
+        at = line.end() + 1;
+        if (!m_control.advance(at - from)) {
+            return std::nullopt;
+        }
+    }
+    return numbers;
+}
+
+std::optional<std::vector<LineDiff::Result::Match>> Comparison::run()
+{
+    std::vector<LineDiff::Result::Match> matches;
+    const qsizetype start = takeStart();
+    const qsizetype ends = takeEnd();
+    const qsizetype oldCount = m_old.lineCount;
+    const qsizetype newCount = m_new.lineCount;
+    matches.push_back({0, 0, start});
+    if (oldCount > 0 && newCount > 0) {
+        auto oldNumbers = LineNumbers::make(m_old, m_control);
+        const auto newNumbers = oldNumbers ? numbersOfNew(*oldNumbers) : std::nullopt;
+        const auto found = newNumbers ? EditSearch::matches(oldNumbers->numbers(), *newNumbers, m_control.stop) : std::nullopt;
+        if (!found) {
+            return std::nullopt;
+        }
+        for (const EditSearch::Match &match : *found) {
+            matches.push_back({start + match.old, start + match.newer, match.count});
+        }
+    }
+    matches.push_back({start + oldCount, start + newCount, ends});
+    return isStopped() ? std::nullopt : std::optional(std::move(matches));
+}
+
+} // namespace
+
+std::optional<LineDiff::Result> LineDiff::compare(const Rope &old, const Rope &newer, Whitespace whitespace, const DiffControl &control)
+{
+    const qsizetype before = control.processed ? control.processed->load(std::memory_order_relaxed) : 0;
+    auto left = LineTable::make(old, control);
+    auto right = left ? LineTable::make(newer, control) : std::nullopt;
+    if (!right) {
+        return std::nullopt;
+    }
+    const auto matches = Comparison(*left, *right, whitespace, control).run();
+    if (!matches) {
+        return std::nullopt;
+    }
+    if (control.processed) {
+        control.processed->store(before + 2 * (old.length() + newer.length()), std::memory_order_relaxed);
+    }
+    return Result(std::move(*left), std::move(*right), *matches);
+}
