@@ -13,6 +13,7 @@
 #include <span>
 
 class Preferences;
+class QFile;
 
 /// One option of a command, "--name" or "--name VALUE".
 struct OptionRow {
@@ -49,6 +50,7 @@ struct CommandRow {
 };
 
 /// The rows of each subject; `main.cpp` lists the subjects.
+[[nodiscard]] std::span<const CommandRow> diffCommands();
 [[nodiscard]] std::span<const CommandRow> fileCommands();
 [[nodiscard]] std::span<const CommandRow> highlightCommands();
 [[nodiscard]] std::span<const CommandRow> keysCommands();
@@ -62,6 +64,10 @@ struct CommandRow {
 [[nodiscard]] std::optional<Arguments> parseArguments(const CommandRow &command, const QStringList &given);
 [[nodiscard]] QString usageLine(const CommandRow &command);
 
+/// The file as UTF-8 text as it stands, breaks included; none when it cannot be read or is not, then `file` tells which.
+[[nodiscard]] std::optional<QString> utf8TextOf(QFile &file);
+/// The answer when that gave none.
+[[nodiscard]] QJsonObject answerOfUtf8(const QFile &file);
 /// The answer when a file could not be opened as text.
 [[nodiscard]] QJsonObject answerOf(const TextFile::ReadError &error);
 

@@ -91,13 +91,6 @@ QJsonObject runText(const Arguments &arguments)
     return answer;
 }
 
-/// All of the open file as UTF-8 text; none when it cannot be read or is not.
-std::optional<QString> utf8TextOf(QFile &file)
-{
-    const QByteArray bytes = file.readAll();
-    return file.error() == QFile::NoError ? decodedStrictly(bytes, TextEncoding::utf8) : std::nullopt;
-}
-
 QJsonObject runWrite(const Arguments &arguments)
 {
     const QString &path = arguments.positionals[0];
@@ -121,13 +114,9 @@ QJsonObject runWrite(const Arguments &arguments)
 QJsonObject runLineStarts(const Arguments &arguments)
 {
     QFile file(arguments.positionals[0]);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return answerOf({TextFile::ReadError::Kind::notReadable, file.fileName()});
-    }
     const auto text = utf8TextOf(file);
     if (!text) {
-        return answerOf({file.error() == QFile::NoError ? TextFile::ReadError::Kind::undecodable : TextFile::ReadError::Kind::notReadable,
-                         file.fileName()});
+        return answerOfUtf8(file);
     }
     return {{u"lineStarts"_s, lineStartsOf(Rope(*text))}, {u"length"_s, qint64(text->size())}};
 }
@@ -150,6 +139,21 @@ constexpr auto rows = std::to_array<CommandRow>({
 });
 
 } // namespace
+
+std::optional<QString> utf8TextOf(QFile &file)
+{
+    if (!file.isOpen() && !file.open(QIODevice::ReadOnly)) {
+        return std::nullopt;
+    }
+    const QByteArray bytes = file.readAll();
+    return file.error() == QFile::NoError ? decodedStrictly(bytes, TextEncoding::utf8) : std::nullopt;
+}
+
+QJsonObject answerOfUtf8(const QFile &file)
+{
+    return answerOf({file.error() == QFile::NoError ? TextFile::ReadError::Kind::undecodable : TextFile::ReadError::Kind::notReadable,
+                     file.fileName()});
+}
 
 QJsonObject answerOf(const TextFile::ReadError &error)
 {
