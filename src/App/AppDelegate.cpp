@@ -44,7 +44,7 @@ AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(service
 {
     m_languageObserver = m_services.notifications.observe(Localization::didChangeNotification, nullptr, [this] {
         for (MainWindowController *window : m_windows) {
-            MainMenu::install(*window, m_services.presenter, m_services.recent);
+            MainMenu::install(*window, m_services.presenter, menuSources());
         }
     });
     connect(qApp, &QGuiApplication::focusWindowChanged, this, &AppDelegate::rememberActiveWindow);
@@ -67,6 +67,9 @@ AppDelegate::~AppDelegate()
 {
     m_services.session.onSetAside({});
     m_services.session.onProblem({});
+    for (DiffWindowController *window : std::exchange(m_comparisons, {})) {
+        delete window;
+    }
     while (!m_windows.empty()) {
         MainWindowController *window = m_windows.back();
         disconnect(window, nullptr, this, nullptr);
@@ -97,11 +100,28 @@ MainWindowController &AppDelegate::makeWindow(MainWindowController::Content cont
 {
     auto *window = new MainWindowController(m_services, *this, content);
     window->setNextResponder(this);
-    MainMenu::install(*window, m_services.presenter, m_services.recent);
+    MainMenu::install(*window, m_services.presenter, menuSources());
+    window->toolbar().setMenuFiller(
+        [this, window](QMenu &menu) { MainMenu::populateCompareMenu(menu, *window, m_services.presenter, menuSources()); });
     m_windows.push_back(window);
     connect(window, &MainWindowController::closed, this, [this, window] { windowClosed(*window); });
     connect(window, &MainWindowController::closingRefused, this, [this] { m_isTerminating = false; });
     return *window;
+}
+
+MenuSources AppDelegate::menuSources() const
+{
+    const auto otherDocuments = [this](QMainWindow &window) {
+        const auto *current = static_cast<MainWindowController &>(window).workspace().currentDocument();
+        std::vector<MenuSources::Document> others;
+        for (const auto &document : m_services.documents.documents()) {
+            if (document.get() != current) {
+                others.push_back({document->displayName(), document->id().toString(), document->path()});
+            }
+        }
+        return others;
+    };
+    return {m_services.recent, otherDocuments};
 }
 
 void AppDelegate::windowClosed(MainWindowController &window)
@@ -146,6 +166,19 @@ void AppDelegate::rememberActiveWindow()
     if (active != m_windows.end()) {
         m_lastActive = *active;
     }
+}
+
+void AppDelegate::openComparison(DiffViewController::Side left, DiffViewController::Side right, const Language &language)
+{
+    auto *window = new DiffWindowController(m_services, std::move(left), std::move(right), language);
+    window->setNextResponder(this);
+    MainMenu::installKeys(*window, m_services.presenter);
+    m_comparisons.push_back(window);
+    connect(window, &DiffWindowController::closed, this, [this, window] {
+        std::erase(m_comparisons, window);
+        window->deleteLater();
+    });
+    window->comeToFront();
 }
 
 WorkspaceViewController &AppDelegate::openWindow()

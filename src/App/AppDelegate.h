@@ -2,11 +2,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Diff/DiffWindowController.h"
 #include "UI/MainWindowController.h"
 
 #include <QPointer>
 
 #include <memory>
+
+struct MenuSources;
 
 class SettingsWindowController;
 
@@ -35,6 +38,7 @@ public:
     [[nodiscard]] const std::vector<MainWindowController *> &windows() const { return m_windows; }
     /// The active one, else the one that was last, else the first; null when there is none.
     [[nodiscard]] MainWindowController *frontmostWindow() const;
+    [[nodiscard]] const std::vector<DiffWindowController *> &comparisons() const { return m_comparisons; }
 
     [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
     [[nodiscard]] Responder *nextResponder() const override { return nullptr; }
@@ -60,12 +64,17 @@ private:
     void windowClosed(MainWindowController &window);
     void inform(const QString &message, const QString &details);
 
+    [[nodiscard]] MenuSources menuSources() const;
+
     [[nodiscard]] WorkspaceViewController &openWindow() override;
+    void openComparison(DiffViewController::Side left, DiffViewController::Side right, const Language &language) override;
     [[nodiscard]] std::vector<WorkspaceViewController *> workspaces() const override;
     [[nodiscard]] QString keyName(Selector action) const override;
 
     WorkspaceServices m_services;
     std::vector<MainWindowController *> m_windows;
+    /// Those that are open.
+    std::vector<DiffWindowController *> m_comparisons;
     QPointer<MainWindowController> m_lastActive;
     /// Made when it is shown first.
     std::unique_ptr<SettingsWindowController> m_settings;

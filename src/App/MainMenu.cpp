@@ -17,6 +17,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QSet>
+#include <QShortcut>
 
 #include <array>
 
@@ -51,7 +52,14 @@ constexpr auto rows = std::to_array<MenuCommand>({
     {u"File", "saveDocument:", u"Save", "Ctrl+S", startsGroup},
     {u"File", "saveDocumentAs:", u"Save As…", "Ctrl+Shift+S"},
     {u"File", "revertDocumentToSaved:", u"Revert to Saved"},
-    {.menu = u"File", .selector = "compareWithFile:", .title = u"Compare", .submenu = u"Compare", .content = nothingYet},
+    {u"File", "compareWithFileOnDisk:", u"With File on Disk", "Ctrl+Alt+D", inGroup, plain, u"Compare"},
+    {u"File", "compareWithFile:", u"With File…", "", inGroup, plain, u"Compare"},
+    {.menu = u"File",
+     .selector = "compareWithOpenDocument:",
+     .title = u"Other Open Files",
+     .place = startsGroup,
+     .submenu = u"Compare",
+     .content = openDocuments},
     {u"File", "makeBackup:", u"Backup", "Ctrl+Alt+B"},
     {u"File", "moveDocumentToTrash:", u"Move to Trash…"},
     {u"File", "revealInFinder:", u"Reveal in Finder", "Ctrl+Alt+R", startsGroup},
@@ -176,7 +184,8 @@ constexpr auto rows = std::to_array<MenuCommand>({
 QStringList markedTitles(const std::vector<MenuNode> &nodes)
 {
     const auto isFile = [](const MenuNode &node) {
-        return node.kind == MenuNode::Kind::item && (!node.command || node.command->content == recentDocuments);
+        return node.kind == MenuNode::Kind::item &&
+               (!node.command || node.command->content == recentDocuments || node.command->content == openDocuments);
     };
     QStringList titles;
     for (const MenuNode &node : nodes) {
@@ -267,7 +276,29 @@ std::vector<MenuNode> recentDocumentItems(const MenuCommand &row, std::span<cons
     return items;
 }
 
-std::vector<MenuNode> itemsOf(const MenuCommand &row, std::span<const RecentDocuments::Entry> recent = {})
+/// Below the title of their group.
+std::vector<MenuNode> otherDocumentItems(const MenuCommand &row, std::span<const MenuSources::Document> documents)
+{
+    constexpr auto indent = "    "_L1;
+    std::vector<MenuNode> items;
+    if (!documents.empty()) {
+        items.push_back({.title = localized(row.title)});
+    }
+    for (const MenuSources::Document &document : documents) {
+        // What follows a tab would be taken for a key.
+        items.push_back(itemOf(row, indent + QString(document.title).replace(u'\t', u' '), document.id));
+        items.back().toolTip = document.path;
+    }
+    return items;
+}
+
+/// What there is now of that which comes and goes.
+struct Contents {
+    std::vector<RecentDocuments::Entry> recent = {};
+    std::vector<MenuSources::Document> others = {};
+};
+
+std::vector<MenuNode> itemsOf(const MenuCommand &row, const Contents &contents = {})
 {
     switch (row.content) {
     case itself:
@@ -277,8 +308,9 @@ std::vector<MenuNode> itemsOf(const MenuCommand &row, std::span<const RecentDocu
     case themes:
         return themeItems(row);
     case recentDocuments:
-        return recentDocumentItems(row, recent);
-    case nothingYet:
+        return recentDocumentItems(row, contents.recent);
+    case openDocuments:
+        return otherDocumentItems(row, contents.others);
     case notHere:
         break;
     }
@@ -292,14 +324,31 @@ void beginGroup(const MenuCommand &row, std::vector<MenuNode> &items)
     }
 }
 
-/// All of the menu that has the recent documents.
-std::vector<MenuNode> recentMenu(std::span<const RecentDocuments::Entry> entries)
+/// Of the submenu that `first` is the first of.
+std::span<const MenuCommand> submenuFrom(const MenuCommand &first)
+{
+    const auto begin = std::find_if(rows.begin(), rows.end(), [&first](const MenuCommand &row) { return &row == &first; });
+    const auto end = std::find_if(begin, rows.end(),
+                                  [&first](const MenuCommand &row) { return !row.submenu || QStringView(row.submenu) != first.submenu; });
+    return {begin, end};
+}
+
+/// Whether a submenu is made anew each time it opens.
+bool comesAndGoes(std::span<const MenuCommand> submenu)
+{
+    return std::ranges::any_of(submenu,
+                               [](const MenuCommand &row) { return row.content == recentDocuments || row.content == openDocuments; });
+}
+
+std::vector<MenuNode> nodesOf(std::span<const MenuCommand> submenu, const Contents &contents)
 {
     std::vector<MenuNode> items;
-    const auto first = std::ranges::find(rows, recentDocuments, &MenuCommand::content);
-    for (auto row = first; row != rows.end() && row->submenu && QStringView(row->submenu) == first->submenu; ++row) {
-        beginGroup(*row, items);
-        std::ranges::move(itemsOf(*row, entries), std::back_inserter(items));
+    for (const MenuCommand &row : submenu) {
+        std::vector<MenuNode> added = itemsOf(row, contents);
+        if (!added.empty()) {
+            beginGroup(row, items);
+            std::ranges::move(added, std::back_inserter(items));
+        }
     }
     return items;
 }
@@ -307,8 +356,11 @@ std::vector<MenuNode> recentMenu(std::span<const RecentDocuments::Entry> entries
 /// Makes the widgets of a menu bar.
 class MenuInstaller final {
 public:
-    MenuInstaller(QMainWindow &window, AlertPresenter &presenter, RecentDocuments &recent)
-        : m_window(window), m_presenter(presenter), m_recent(recent)
+    /// Items have their keys, or only show those of others.
+    enum class Keys { active, shown };
+
+    MenuInstaller(QMainWindow &window, AlertPresenter &presenter, const MenuSources &sources, Keys keys = Keys::active)
+        : m_window(window), m_presenter(presenter), m_sources(sources), m_keys(keys)
     {}
 
     void addItems(QMenu &menu, const std::vector<MenuNode> &nodes)
@@ -326,7 +378,7 @@ public:
                 submenu->setEnabled(!node.children.empty());
                 addItems(*submenu, node.children);
                 if (node.command) {
-                    fillWhenItOpens(*submenu);
+                    fillWhenItOpens(*submenu, submenuFrom(*node.command));
                 }
                 break;
             }
@@ -337,19 +389,33 @@ public:
         }
     }
 
+    void fill(QMenu &menu, std::span<const MenuCommand> submenu)
+    {
+        const bool hasRecent = std::ranges::find(submenu, recentDocuments, &MenuCommand::content) != submenu.end();
+        std::vector<MenuNode> nodes = nodesOf(submenu, {.recent = hasRecent ? m_sources.recent.reachable() : Contents().recent,
+                                                        .others = hasRecent ? Contents().others : m_sources.otherDocuments(m_window)});
+        const QFontMetrics metrics(menu.font());
+        for (MenuNode &node : nodes) {
+            node.title = metrics.elidedText(node.title, Qt::ElideMiddle, metrics.averageCharWidth() * longestTitle);
+        }
+        m_isOpening = true;
+        addItems(menu, nodes);
+    }
+
 private:
-    void fillWhenItOpens(QMenu &menu) const
+    void fillWhenItOpens(QMenu &menu, std::span<const MenuCommand> submenu) const
     {
         menu.setToolTipsVisible(true);
-        QObject::connect(&menu, &QMenu::aboutToShow, &menu, [&menu, installer = *this]() mutable {
+        QObject::connect(&menu, &QMenu::aboutToShow, &menu, [&menu, submenu, installer = *this] {
             menu.clear();
-            std::vector<MenuNode> nodes = recentMenu(installer.m_recent.reachable());
-            const QFontMetrics metrics(menu.font());
-            for (MenuNode &node : nodes) {
-                node.title = metrics.elidedText(node.title, Qt::ElideMiddle, metrics.averageCharWidth() * longestTitle);
+            MenuInstaller anew = installer;
+            // The items that had them are gone.
+            for (const MenuCommand &row : submenu) {
+                for (const QKeySequence &keys : row.keySequences()) {
+                    anew.m_taken.remove(keys);
+                }
             }
-            installer.m_isOpening = true;
-            installer.addItems(menu, nodes);
+            anew.fill(menu, submenu);
         });
     }
 
@@ -391,7 +457,7 @@ private:
         if (keys.isEmpty()) {
             return;
         }
-        if (m_taken.contains(keys.first())) {
+        if (m_keys == Keys::shown || m_taken.contains(keys.first())) {
             // Of a menu, which never has the focus.
             item.setShortcutContext(Qt::WidgetShortcut);
             item.setShortcut(keys.first());
@@ -403,7 +469,8 @@ private:
 
     QMainWindow &m_window;
     AlertPresenter &m_presenter;
-    RecentDocuments &m_recent;
+    MenuSources m_sources;
+    Keys m_keys;
     QSet<QKeySequence> m_taken;
     /// The menu is already telling its items that it opens, and will not tell new ones.
     bool m_isOpening = false;
@@ -444,23 +511,22 @@ std::vector<MenuNode> MainMenu::build()
         }
         std::vector<MenuNode> *items = &menus.back().children;
         const bool isInSubmenu = row.submenu && submenu && QStringView(submenu) == row.submenu;
-        if (isInSubmenu) {
-            items = &items->back().children;
-        }
-        beginGroup(row, *items);
         if (row.submenu && !isInSubmenu) {
+            beginGroup(row, *items);
             items->push_back({.kind = MenuNode::Kind::menu,
                               .title = localized(row.submenu),
-                              .command = row.content == recentDocuments ? &row : nullptr});
-            items = &items->back().children;
+                              .command = comesAndGoes(submenuFrom(row)) ? &row : nullptr});
+            std::ranges::move(nodesOf(submenuFrom(row), {}), std::back_inserter(items->back().children));
+        } else if (!isInSubmenu) {
+            beginGroup(row, *items);
+            std::ranges::move(itemsOf(row), std::back_inserter(*items));
         }
         submenu = row.submenu;
-        std::ranges::move(itemsOf(row), std::back_inserter(*items));
     }
     return menus;
 }
 
-void MainMenu::install(QMainWindow &window, AlertPresenter &presenter, RecentDocuments &recent)
+void MainMenu::install(QMainWindow &window, AlertPresenter &presenter, const MenuSources &sources)
 {
     QMenuBar *bar = window.menuBar();
     keepFirstResponderBehind(*bar);
@@ -469,10 +535,33 @@ void MainMenu::install(QMainWindow &window, AlertPresenter &presenter, RecentDoc
         old->deleteLater(); // it may be what led here
     }
     bar->clear();
-    MenuInstaller installer(window, presenter, recent);
+    MenuInstaller installer(window, presenter, sources);
     const std::vector<MenuNode> menus = build();
     const QStringList titles = markedTitles(menus);
     for (size_t index = 0; index < menus.size(); ++index) {
         installer.addItems(*bar->addMenu(titles[qsizetype(index)]), menus[index].children);
+    }
+}
+
+void MainMenu::populateCompareMenu(QMenu &menu, QMainWindow &window, AlertPresenter &presenter, const MenuSources &sources)
+{
+    const auto first = std::ranges::find(rows, Selector("compareWithFileOnDisk:"), &MenuCommand::selector);
+    menu.setToolTipsVisible(true);
+    MenuInstaller(window, presenter, sources, MenuInstaller::Keys::shown).fill(menu, submenuFrom(*first));
+}
+
+void MainMenu::installKeys(QWidget &window, AlertPresenter &presenter)
+{
+    QSet<QKeySequence> taken;
+    for (const MenuCommand &row : rows) {
+        for (const QKeySequence &keys : row.keySequences()) {
+            if (row.content == notHere || taken.contains(keys)) {
+                continue;
+            }
+            taken.insert(keys);
+            QObject::connect(new QShortcut(keys, &window), &QShortcut::activated, &window, [&window, &row, &presenter] {
+                chooseAction(window, row.selector, {.tag = row.tag, .represented = {}}, presenter);
+            });
+        }
     }
 }

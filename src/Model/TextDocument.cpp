@@ -7,6 +7,7 @@
 #include "Model/SaveTransformation.h"
 #include "Model/TextHash.h"
 #include "Platform/DefaultsStore.h"
+#include "Platform/HomePath.h"
 #include "Platform/Translation.h"
 
 #include <QDir>
@@ -193,8 +194,7 @@ QString TextDocument::displayPath() const
     if (m_path.isEmpty()) {
         return localized(u"Untitled - not saved");
     }
-    const QString home = QDir::homePath();
-    return m_path.startsWith(home + u'/') ? u'~' + m_path.mid(home.length()) : m_path;
+    return abbreviatedPath(m_path);
 }
 
 void TextDocument::postMetadata() const

@@ -71,6 +71,8 @@ struct OpenPanel {
     QString title = {};
     /// Absolute path; empty for the desktop's own choice.
     QString startFolder = {};
+    /// Of the button that takes the choice; empty for the desktop's own word.
+    QString prompt = {};
 };
 
 struct SavePanel {

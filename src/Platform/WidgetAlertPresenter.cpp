@@ -244,6 +244,9 @@ void WidgetAlertPresenter::present(const OpenPanel &panel, QWidget *window, Open
         break;
     }
     startIn(*dialog, panel.startFolder);
+    if (!panel.prompt.isEmpty()) {
+        dialog->setLabelText(QFileDialog::Accept, panel.prompt);
+    }
     QObject::connect(dialog, &QDialog::finished, &m_context, [dialog, completion = std::move(completion)](int result) {
         completion(result == QDialog::Accepted ? dialog->selectedFiles() : QStringList());
     });

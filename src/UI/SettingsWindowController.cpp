@@ -6,6 +6,7 @@
 #include "Highlighting/Theme.h"
 #include "Model/Preferences.h"
 #include "Platform/AlertPresenter.h"
+#include "Platform/HomePath.h"
 #include "Platform/Mnemonics.h"
 #include "Platform/Translation.h"
 #include "UI/ToolbarSettingsView.h"
@@ -84,8 +85,7 @@ QString displayName(AppLanguage language)
 /// A path as it is told: from the home folder on, and with places where a line may break.
 QString toldPath(const QString &path)
 {
-    const QString home = QDir::homePath();
-    QString told = path.startsWith(home + u'/') ? u'~' + path.sliced(home.size()) : path;
+    QString told = abbreviatedPath(path);
     constexpr QChar zeroWidthSpace(0x200B);
     return told.replace(u'/', u'/' + QString(zeroWidthSpace));
 }

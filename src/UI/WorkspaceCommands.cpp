@@ -13,7 +13,6 @@
 #include "Platform/Pasteboard.h"
 #include "Platform/Translation.h"
 #include "UI/WorkspaceViewController.h"
-#include "Vim/VimReference.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -72,10 +71,9 @@ const ActionRow *WorkspaceViewController::actionFor(Selector selector) const
         action<&Self::closeWindowFromVim>("closeWindowFromVim:"),
         action<&Self::goToLine, &Self::hasEditor>("goToLine:"),
         action<&Self::showVimKeyReference>("showVimKeyReference:"),
-        // Nothing compares texts yet.
-        action<&Self::compare, &Self::cannot>("compareWithFileOnDisk:"),
-        action<&Self::compare, &Self::cannot>("compareWithFile:"),
-        action<&Self::compare, &Self::cannot>("compareWithOpenDocument:"),
+        action<&Self::compareWithFileOnDisk, &Self::hasFile>("compareWithFileOnDisk:"),
+        action<&Self::compareWithFile, &Self::hasDocument>("compareWithFile:"),
+        action<&Self::compareWithOpenDocument, &Self::hasSeveralDocuments>("compareWithOpenDocument:"),
         action<&Self::splitEditorRight>("splitEditorRight:"),
         action<&Self::splitEditorDown>("splitEditorDown:"),
         action<&Self::closeSplit, &Self::hasSeveralPanes>("closeSplit:"),
@@ -371,33 +369,6 @@ void WorkspaceViewController::copyFilePath()
     } else {
         beep();
     }
-}
-
-void WorkspaceViewController::compare()
-{
-    beep();
-}
-
-// Generated texts
-
-void WorkspaceViewController::showVimKeyReference()
-{
-    const QString title = VimReference::title;
-    const QString text = VimReference::markdown(m_services.preferences.vimKeymapPreset());
-    const auto &open = m_services.documents.documents();
-    const auto found =
-        std::ranges::find_if(open, [&](const auto &document) { return document->isGenerated() && document->displayName() == title; });
-    if (found != open.end()) {
-        const std::shared_ptr<TextDocument> document = *found;
-        document->setGeneratedText(text);
-        if (!paneShowing(*document)) {
-            adopt(*document);
-        }
-        focusPaneShowing(*document);
-        return;
-    }
-    adopt(m_services.documents.add(
-        TextDocument::generated(m_services.documents.services(), title, text, *LanguageRegistry::withID(u"markdown"))));
 }
 
 // The text

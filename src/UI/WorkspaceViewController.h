@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Diff/DiffViewController.h"
 #include "Model/SessionSnapshot.h"
 #include "Model/TextFile.h"
 #include "Platform/TextEncoding.h"
@@ -21,6 +22,8 @@ class WorkspaceHost {
 public:
     /// The workspace of a new window, which has one empty untitled tab and is shown.
     [[nodiscard]] virtual WorkspaceViewController &openWindow() = 0;
+    /// A window that shows both texts side by side, with the colours of `language`.
+    virtual void openComparison(DiffViewController::Side left, DiffViewController::Side right, const Language &language) = 0;
     /// Of all windows.
     [[nodiscard]] virtual std::vector<WorkspaceViewController *> workspaces() const = 0;
     /// The keys of a command as the user reads them; empty when it has none.
@@ -139,7 +142,10 @@ private:
     void revealInFinder();
     void copyFilePath();
     void showFindInterface();
-    void compare();
+    void compareWithFileOnDisk();
+    void compareWithFile();
+    void compareWithOpenDocument(const ActionSender &sender);
+    void compare(DiffViewController::Side left);
     void closeTab() override;
     void selectNextTab();
     void selectPreviousTab();
@@ -181,7 +187,7 @@ private:
     [[nodiscard]] bool hasSeveralPanes() const { return m_panes.size() > 1; }
     [[nodiscard]] bool hasSeveralTabs() const;
     [[nodiscard]] bool hasSeveralTabsInAll() const;
-    [[nodiscard]] bool cannot() const { return false; }
+    [[nodiscard]] bool hasSeveralDocuments() const;
     template<bool (Preferences::*value)() const>
     [[nodiscard]] ActionState stateOf() const;
     [[nodiscard]] ActionState themeState(const ActionSender &sender) const;

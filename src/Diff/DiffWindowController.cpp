@@ -1,0 +1,75 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Diff/DiffWindowController.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QScreen>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize startSize(1180, 720);
+constexpr QSize leastSize(700, 320);
+/// Logical pixels, enough for the frame of any window manager, which is not known before the window is shown.
+constexpr QSize frameRoom(16, 48);
+
+} // namespace
+
+DiffWindowController::DiffWindowController(const EditorServices &services, Side left, Side right, const Language &language)
+{
+    // Doubled, the mark's placeholder stands for itself.
+    setWindowTitle(QString(left.title + u" \u2194 "_s + right.title).replace("[*]"_L1, "[*][*]"_L1));
+    m_content = new DiffViewController(services, std::move(left), std::move(right), language, this);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->addWidget(m_content);
+    setFocusProxy(m_content);
+    setMinimumSize(leastSize);
+    const QScreen *shown = screen();
+    resize(startSize.boundedTo(shown ? shown->availableSize() - frameRoom : startSize).expandedTo(leastSize));
+}
+
+void DiffWindowController::comeToFront()
+{
+    if (!isVisible()) {
+        if (const QScreen *shown = screen()) {
+            move(shown->availableGeometry().center() - rect().center());
+        }
+    }
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+    m_content->setFocus();
+}
+
+const ActionRow *DiffWindowController::actionFor(Selector selector) const
+{
+    using Self = DiffWindowController;
+    static constexpr auto rows = std::to_array<ActionRow>({
+        action<&Self::performClose>("performClose:"),
+        action<&Self::performClose>("closeTab:"),
+        action<&Self::performMiniaturize>("performMiniaturize:"),
+        action<&Self::performZoom>("performZoom:"),
+        action<&Self::toggleFullScreen>("toggleFullScreen:"),
+    });
+    return findAction(rows, selector);
+}
+
+void DiffWindowController::closeEvent(QCloseEvent *event)
+{
+    event->accept();
+    emit closed();
+}
+
+void DiffWindowController::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
+        close();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}

@@ -1,0 +1,109 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// What a window shows of other texts than those that are edited: comparisons, and the reference of keys.
+
+#include "Highlighting/LanguageRegistry.h"
+#include "Model/DocumentStore.h"
+#include "Model/Preferences.h"
+#include "Platform/AlertPresenter.h"
+#include "Platform/HomePath.h"
+#include "Platform/Translation.h"
+#include "UI/WorkspaceViewController.h"
+#include "Vim/VimReference.h"
+
+#include <QFileInfo>
+
+namespace {
+
+DiffViewController::Side editorSide(const TextDocument &document)
+{
+    return {document.displayName(), document.isDirty() ? localized(u"in the editor (unsaved)") : localized(u"in the editor"),
+            document.storage().text()};
+}
+
+} // namespace
+
+bool WorkspaceViewController::hasSeveralDocuments() const
+{
+    return m_services.documents.documents().size() > 1;
+}
+
+/// With the current document on the right.
+void WorkspaceViewController::compare(DiffViewController::Side left)
+{
+    const TextDocument &document = *currentDocument();
+    m_host.openComparison(std::move(left), editorSide(document), document.language());
+}
+
+void WorkspaceViewController::compareWithFileOnDisk()
+{
+    if (!hasFile()) {
+        beep();
+        return;
+    }
+    const TextDocument &document = *currentDocument();
+    const auto read = TextFile::read(document.path());
+    if (!read) {
+        presentError(read.error());
+        return;
+    }
+    compare({document.displayName(), localized(u"on disk"), read->text});
+}
+
+void WorkspaceViewController::compareWithFile()
+{
+    if (!currentDocument()) {
+        beep();
+        return;
+    }
+    const auto document = currentDocument()->shared_from_this();
+    const OpenPanel panel{.choice = OpenPanel::Choice::file,
+                          .title = formatted(localized(u"Choose a file to compare with “%@”."), document->displayName()),
+                          .startFolder = document->isUntitled() ? panelFolder() : QFileInfo(document->path()).path(),
+                          .prompt = localized(u"Compare")};
+    m_services.presenter.present(panel, window(), [this, document](const QStringList &paths) {
+        if (paths.isEmpty()) {
+            return;
+        }
+        const auto read = TextFile::read(paths.first());
+        if (!read) {
+            presentError(read.error());
+            return;
+        }
+        const QFileInfo file(paths.first());
+        m_host.openComparison({file.fileName(), abbreviatedPath(file.path()), read->text}, editorSide(*document), document->language());
+    });
+}
+
+void WorkspaceViewController::compareWithOpenDocument(const ActionSender &sender)
+{
+    const auto &open = m_services.documents.documents();
+    const QUuid id(sender.represented.toString());
+    const auto found = std::ranges::find_if(open, [&id](const auto &document) { return !id.isNull() && document->id() == id; });
+    if (found == open.end() || !currentDocument()) {
+        beep();
+        return;
+    }
+    compare(editorSide(**found));
+}
+
+void WorkspaceViewController::showVimKeyReference()
+{
+    const QString title = VimReference::title;
+    const QString text = VimReference::markdown(m_services.preferences.vimKeymapPreset());
+    const auto &open = m_services.documents.documents();
+    const auto found =
+        std::ranges::find_if(open, [&](const auto &document) { return document->isGenerated() && document->displayName() == title; });
+    if (found != open.end()) {
+        const std::shared_ptr<TextDocument> document = *found;
+        document->setGeneratedText(text);
+        if (!paneShowing(*document)) {
+            adopt(*document);
+        }
+        focusPaneShowing(*document);
+        return;
+    }
+    adopt(m_services.documents.add(
+        TextDocument::generated(m_services.documents.services(), title, text, *LanguageRegistry::withID(u"markdown"))));
+}

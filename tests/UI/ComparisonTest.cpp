@@ -1,0 +1,243 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Diff/DiffOverview.h"
+#include "Diff/DiffText.h"
+#include "Diff/DiffWindowController.h"
+#include "HeldWorkers.h"
+#include "Text/FindBar.h"
+#include "WindowFixture.h"
+
+#include <QCheckBox>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QScrollBar>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class ComparisonTest : public WindowTest {
+protected:
+    /// A file with the first text on disk and the second in the editor.
+    DiffViewController &compare(const QByteArray &old, const QString &edited)
+    {
+        workspace().open({write(u"a.txt"_s, old)});
+        TextStorage &storage = workspace().currentDocument()->storage();
+        storage.replaceCharacters({0, storage.length()}, edited);
+        EXPECT_TRUE(send("compareWithFileOnDisk:"));
+        return application.comparisons().back()->content();
+    }
+    [[nodiscard]] static QString shown(const DiffTextView &view) { return view.storage().string(); }
+    [[nodiscard]] static QPushButton *button(DiffViewController &content, const QString &text)
+    {
+        for (QPushButton *candidate : content.findChildren<QPushButton *>()) {
+            if (candidate->text() == text) {
+                return candidate;
+            }
+        }
+        return nullptr;
+    }
+    [[nodiscard]] QStringList compareMenu() const
+    {
+        for (const QAction *top : window().menuBar()->actions()) {
+            for (QAction *action : top->menu()->actions()) {
+                if (action->menu() && action->text().remove(u'&') == u"Compare"_s) {
+                    emit action->menu()->aboutToShow();
+                    QStringList titles;
+                    for (QAction *item : action->menu()->actions()) {
+                        titles << item->text().remove(u'&') + u' ' + item->shortcut().toString() +
+                                      (item->isEnabled() ? QString() : u" off"_s);
+                    }
+                    return titles;
+                }
+            }
+        }
+        return {};
+    }
+};
+
+} // namespace
+
+TEST_F(ComparisonTest, PutsTheRowsSideBySide)
+{
+    DiffViewController &content = compare("same\nonly old\nchanged one\nend\n", u"same\nchanged two\nend\nonly new\n"_s);
+    EXPECT_EQ(shown(content.leftView()), u"same\nonly old\nchanged one\nend\n\n"_s);
+    EXPECT_EQ(shown(content.rightView()), u"same\nchanged two\n\nend\nonly new\n"_s);
+    EXPECT_EQ(application.comparisons().back()->windowTitle(), u"a.txt \u2194 a.txt"_s);
+    EXPECT_EQ(content.leftView().accessibleName(), u"a.txt  ·  on disk"_s);
+    EXPECT_EQ(content.rightView().accessibleName(), u"a.txt  ·  in the editor (unsaved)"_s);
+    EXPECT_EQ(content.summary(), u"2 changes   +2  \u22122"_s);
+    type(u"x"_s);
+    EXPECT_EQ(shown(content.rightView()).count(u'x'), 0) << "it stays as it was";
+    QTest::keyClicks(&content.rightView(), u"xyz\b"_s);
+    EXPECT_EQ(shown(content.rightView()), u"same\nchanged two\n\nend\nonly new\n"_s);
+    application.comparisons().back()->close();
+    EXPECT_TRUE(application.comparisons().empty());
+}
+
+TEST_F(ComparisonTest, GoesThroughTheChangesByKeysAndButtons)
+{
+    const QByteArray lines = QByteArray("line\n").repeated(100);
+    DiffViewController &content =
+        compare("a\n" + lines + "b\n" + lines + "c\n" + lines, QString::fromUtf8("A\n" + lines + "B\n" + lines + "C\n" + lines));
+    const auto place = [&content] { return content.summary().section(u"   "_s, 0, 0); };
+    EXPECT_EQ(place(), u"3 changes"_s);
+    QTest::keyClick(&content.rightView(), Qt::Key_P);
+    EXPECT_EQ(place(), u"3 of 3 changes"_s);
+    QTest::keyClick(&content.leftView(), Qt::Key_N);
+    EXPECT_EQ(place(), u"1 of 3 changes"_s);
+    button(content, u"Next"_s)->click();
+    EXPECT_EQ(place(), u"2 of 3 changes"_s);
+    for (const DiffTextView *view : {&content.leftView(), &content.rightView()}) {
+        EXPECT_EQ(view->storage().text().lineAt(view->selection().caret), 101);
+    }
+    EXPECT_NEAR(content.leftView().scrollOffset(), content.leftView().topOfRow(101) - content.leftView().viewport()->height() / 3.0, 1);
+    EXPECT_EQ(content.leftView().scrollOffset(), content.rightView().scrollOffset());
+    button(content, u"Previous"_s)->click();
+    EXPECT_EQ(place(), u"1 of 3 changes"_s);
+    // The strip, in the middle of it.
+    auto *strip = content.findChild<DiffOverview *>();
+    QTest::mouseClick(strip, Qt::LeftButton, {}, {5, strip->height() / 2});
+    EXPECT_NEAR(double(content.leftView().topRow()), 151 - double(content.leftView().textViewport().rowsPerPage()) / 2, 2);
+}
+
+TEST_F(ComparisonTest, TellsThatThereIsNothingToSee)
+{
+    DiffViewController &content = compare("a b\n", u" ab\n"_s);
+    EXPECT_EQ(content.summary(), u"1 change   +1  \u22121"_s);
+    content.nextChange();
+    content.findChild<QCheckBox *>()->click();
+    EXPECT_EQ(content.summary(), u"Identical, ignoring whitespace"_s);
+    EXPECT_EQ(shown(content.rightView()), u" ab\n"_s);
+    EXPECT_FALSE(button(content, u"Next"_s)->isEnabled());
+    const int beeps = presenter.beepCount();
+    QTest::keyClick(&content.leftView(), Qt::Key_N);
+    content.previousChange();
+    EXPECT_EQ(presenter.beepCount(), beeps + 2);
+    content.findChild<QCheckBox *>()->click();
+    EXPECT_EQ(content.summary(), u"1 change   +1  \u22121"_s);
+    EXPECT_EQ(content.currentChange(), -1);
+    workspace().currentDocument()->storage().replaceCharacters({0, 4}, u"a b\n");
+    send("compareWithFileOnDisk:");
+    EXPECT_EQ(application.comparisons().back()->content().summary(), u"The two files are identical"_s);
+}
+
+TEST_F(ComparisonTest, ScrollsBothColumnsTogether)
+{
+    const QByteArray lines = QByteArray("line\n").repeated(300);
+    DiffViewController &content = compare(lines, QString(300, u'x') + u'\n' + QString::fromUtf8(lines) + u"more\n"_s);
+    QCoreApplication::processEvents();
+    const auto y = [](DiffTextView &view) { return view.textViewport().position().y(); };
+    const auto x = [](DiffTextView &view) { return view.horizontalScrollBar()->value(); };
+    content.leftView().setScrollOffset(1000);
+    EXPECT_EQ(y(content.rightView()), y(content.leftView()));
+    content.rightView().setScrollOffset(1e9);
+    EXPECT_EQ(y(content.rightView()), y(content.leftView())) << "to the very end, although one has less to be scrolled aside";
+    content.rightView().setScrollOffset(0);
+    content.rightView().horizontalScrollBar()->setValue(50);
+    EXPECT_EQ(y(content.leftView()), 0);
+    EXPECT_EQ(x(content.rightView()), 50) << "the narrow one does not hold it back";
+    // Another font moves nothing but by its own size.
+    preferences.setFontSize(20);
+    EXPECT_EQ(content.leftView().topRow(), content.rightView().topRow());
+    // Finding in one of them leaves the rows side by side.
+    content.leftView().setFocus();
+    content.perform("performTextFinderAction:", {.tag = int(FindAction::showFindBar)});
+    QCoreApplication::processEvents();
+    EXPECT_EQ(content.leftView().mapTo(&content, QPoint()).y(), content.rightView().mapTo(&content, QPoint()).y());
+}
+
+TEST_F(ComparisonTest, ComparesWithOtherFilesAndTexts)
+{
+    workspace().open({write(u"a.cpp"_s, "int a;\n")});
+    EXPECT_EQ(compareMenu(), (QStringList{u"With File on Disk Ctrl+Alt+D"_s, u"With File… "_s}));
+    presenter.answerOpen({write(u"b.cpp"_s, "int b;\n")});
+    send("compareWithFile:");
+    EXPECT_EQ(presenter.openPanels().back().title, u"Choose a file to compare with “a.cpp”."_s);
+    EXPECT_EQ(application.comparisons().back()->windowTitle(), u"b.cpp \u2194 a.cpp"_s);
+    EXPECT_TRUE(application.comparisons().back()->content().leftView().accessibleName().endsWith(folder.path()));
+    presenter.answerOpen({path(u"missing"_s)});
+    send("compareWithFile:");
+    EXPECT_EQ(presenter.alerts().size(), 1U);
+    EXPECT_FALSE(isEnabled("compareWithOpenDocument:"));
+
+    const QString id = workspace().currentDocument()->id().toString();
+    send("newDocument:");
+    EXPECT_EQ(compareMenu(),
+              (QStringList{u"With File on Disk Ctrl+Alt+D off"_s, u"With File… "_s, u" "_s, u"Other Open Files  off"_s, u"    a.cpp "_s}));
+    EXPECT_EQ(compareMenu().first(), u"With File on Disk Ctrl+Alt+D off"_s) << "opened once more";
+    const int beeps = presenter.beepCount();
+    send("compareWithOpenDocument:");
+    send("compareWithFileOnDisk:");
+    EXPECT_EQ(presenter.beepCount(), beeps + 2);
+    send("compareWithOpenDocument:", {.represented = id});
+    EXPECT_EQ(application.comparisons().back()->windowTitle(), u"a.cpp \u2194 Untitled"_s);
+    EXPECT_EQ(application.comparisons().size(), 2U);
+    QTest::keyClick(application.comparisons().back(), Qt::Key_Escape);
+    EXPECT_EQ(application.comparisons().size(), 1U);
+}
+
+TEST_F(ComparisonTest, IsThereWhileLongTextsAreCompared)
+{
+    const QString lines = u"a line of some length\n"_s.repeated(20'000);
+    HeldWorkers held;
+    EditorServices slow{scheduler, notifications, preferences, pasteboard, presenter, documents, held, find, registers};
+    const Language &plain = Language::plainText();
+    {
+        const DiffWindowController window(slow, {u"a"_s, {}, Rope(lines)}, {u"b"_s, {}, Rope(lines)}, plain);
+        EXPECT_EQ(held.count, 1);
+    }
+    held.finish();
+    QCoreApplication::sendPostedEvents();
+
+    DiffWindowController window(slow, {u"a"_s, {}, Rope(lines)}, {u"b"_s, {}, Rope(lines + u"more\n"_s)}, plain);
+    DiffViewController &content = window.content();
+    EXPECT_EQ(content.result(), nullptr);
+    EXPECT_EQ(content.summary(), u"Comparing… 0 %"_s);
+    EXPECT_FALSE(button(content, u"Next"_s)->isEnabled());
+    content.nextChange();
+    held.finish();
+    QCoreApplication::sendPostedEvents();
+    EXPECT_EQ(content.summary(), u"1 change   +1  \u22120"_s);
+    EXPECT_EQ(shown(content.leftView()), lines + u"\n"_s);
+}
+
+TEST(DiffOverview, MarksWhereChangesAre)
+{
+    const auto marks = [](const QString &old, const QString &newer, int height) {
+        QString all;
+        for (const DiffOverview::Mark &mark : DiffOverview::marks(*LineDiff::compare(Rope(old), Rope(newer)), height)) {
+            all += u"%1:%2-%3 "_s.arg(int(mark.kind)).arg(mark.top).arg(mark.bottom);
+        }
+        return all.trimmed();
+    };
+    const QString lines = u"x\n"_s.repeated(98);
+    EXPECT_EQ(marks(u"a\n"_s + lines + u"b\n"_s, u"A\n"_s + lines + u"b\n"_s, 100), u"3:0-2"_s);
+    EXPECT_EQ(marks(lines + u"a\nb\n"_s, lines, 100), u"1:98-100"_s);
+    EXPECT_EQ(marks(lines, lines + u"a\nb\n"_s, 50), u"2:48-50"_s);
+    EXPECT_EQ(marks(u"a\n"_s, u"b\n"_s, 1), u"3:0-1"_s);
+    // More changes than pixels: no more marks than there is room for.
+    QString old;
+    QString newer;
+    for (int line = 0; line < 500; ++line) {
+        old += u"same\nold %1\n"_s.arg(line);
+        newer += u"same\nnew %1\n"_s.arg(line);
+    }
+    EXPECT_LE(marks(old, newer, 40).count(u' ') + 1, 40);
+}
+
+TEST(DiffText, ShadesRowsBySide)
+{
+    using Kind = LineDiff::Row::Kind;
+    using LineDiff::Side;
+    for (const Theme &theme : Theme::all()) {
+        EXPECT_FALSE(DiffText::rowColor(theme, Kind::equal, Side::left));
+        EXPECT_EQ(DiffText::rowColor(theme, Kind::deleted, Side::right), DiffText::rowColor(theme, Kind::inserted, Side::left));
+        EXPECT_EQ(DiffText::rowColor(theme, Kind::deleted, Side::left), DiffText::rowColor(theme, Kind::modified, Side::left));
+        EXPECT_NE(DiffText::rowColor(theme, Kind::modified, Side::left), DiffText::rowColor(theme, Kind::modified, Side::right));
+    }
+    const auto result = LineDiff::compare(Rope(u"a \U0001F600 b\u0301 c\n"_s), Rope(u"a \U0001F600 d\u0301\u0301 c\n"_s));
+    EXPECT_EQ(DiffText::emphasis(*result, Side::left, 0), (std::vector<TextRange>{{5, 2}}));
+    EXPECT_EQ(DiffText::emphasis(*result, Side::right, 0), (std::vector<TextRange>{{5, 3}}));
+}
