@@ -228,6 +228,10 @@ void DiffViewController::applyTheme()
     QPalette quiet = chrome;
     quiet.setColor(QPalette::WindowText, QColor::fromRgb(theme.gutterForeground));
     m_summaryLabel->setPalette(quiet);
+    // Some styles draw an empty box in the colour of texts alone.
+    QPalette box = chrome;
+    box.setColor(QPalette::Base, QColor::fromRgb(blended(theme.background, theme.foreground, theme.isDark ? 0.2 : 0)));
+    m_ignoresWhitespace->setPalette(box);
     m_overview->applyTheme(theme);
     for (const auto &column : m_columns) {
         column->view->applyTheme(theme);
