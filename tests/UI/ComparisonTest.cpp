@@ -46,6 +46,7 @@ protected:
                     emit action->menu()->aboutToShow();
                     QStringList titles;
                     for (QAction *item : action->menu()->actions()) {
+                        EXPECT_EQ(item->shortcutContext(), Qt::WindowShortcut) << "its keys work";
                         titles << item->text().remove(u'&') + u' ' + item->shortcut().toString() +
                                       (item->isEnabled() ? QString() : u" off"_s);
                     }
@@ -138,6 +139,8 @@ TEST_F(ComparisonTest, ScrollsBothColumnsTogether)
     content.rightView().horizontalScrollBar()->setValue(50);
     EXPECT_EQ(y(content.leftView()), 0);
     EXPECT_EQ(x(content.rightView()), 50) << "the narrow one does not hold it back";
+    emit content.leftView().visibleRowsChanged();
+    EXPECT_EQ(x(content.rightView()), 50) << "nor when it tells of something else";
     // Another font moves nothing but by its own size.
     preferences.setFontSize(20);
     EXPECT_EQ(content.leftView().topRow(), content.rightView().topRow());
