@@ -112,8 +112,8 @@ class Writer:
         return '\n'.join(lines) + '\n'
 
 
-def write_c(file, size):
-    writer = Writer(SEED)
+def write_c(file, size, seed=SEED):
+    writer = Writer(seed)
     units = [writer.unit().split('@') for _ in range(min(6000, size // 400))]
     left, number, misses = size, 0, 0
     head = '// Made for measuring; it is never compiled.\n#include <stdint.h>\n#include <stdlib.h>\n\n'

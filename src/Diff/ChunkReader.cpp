@@ -68,7 +68,20 @@ qsizetype ChunkReader::lineStart(qsizetype start, qsizetype offset)
 
 qsizetype countLineFeeds(const Rope::Chunk &chunk)
 {
-    return withUnits(chunk, [&chunk](const auto *units) { return qsizetype(std::count(units, units + chunk.length, u'\n')); });
+    // Counted in bytes for as many units as cannot overflow one, which compilers do by vectors.
+    return withUnits(chunk, [length = chunk.length](const auto *units) {
+        qsizetype count = 0;
+        qsizetype at = 0;
+        while (at < length) {
+            const qsizetype end = std::min(length, at + 192);
+            quint8 found = 0;
+            for (; at < end; ++at) {
+                found = quint8(found + (units[at] == u'\n'));
+            }
+            count += found;
+        }
+        return count;
+    });
 }
 
 qsizetype firstLineFeed(const Rope::Chunk &chunk)

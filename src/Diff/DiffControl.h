@@ -14,7 +14,8 @@ enum class Whitespace { counts, ignored };
 /// How others take part in a comparison that may take long. Any thread may stop it or read how far it is.
 struct DiffControl {
     std::stop_token stop = {};
-    /// Grows from 0 to twice the lengths of both texts together, in UTF-16 units; null when nobody asks.
+    /// Grows from 0 to twice the lengths of both texts together, in UTF-16 units, while they are read; null when nobody asks. The
+    /// search for the fewest edits comes after that and is short but for texts of very many equal lines.
     std::shared_ptr<std::atomic<qsizetype>> processed = nullptr;
 
     /// For the comparison itself: tells of progress, false when it is to stop.

@@ -6,6 +6,9 @@
 
 namespace {
 
+/// Entries that are compared before it is asked again whether to stop.
+constexpr qsizetype stopInterval = 1'000'000;
+
 /// How far the best ways of each number of edits reach, on the diagonals -d, -d + 2 … d: offsets into the old list, which may lie beyond
 /// its end. Diagonal k holds the places where old offset - new offset = k.
 class Trace {
@@ -66,22 +69,28 @@ std::optional<std::vector<EditSearch::Match>> EditSearch::matches(std::span<cons
     const int newCount = int(newer.size());
     const int limit = int(std::min<qsizetype>(qsizetype(oldCount) + newCount, mostEdits));
     Trace trace;
+    qsizetype compared = 0;
     for (int edits = 0; edits <= limit; ++edits) {
-        if (stop.stop_requested()) {
-            return std::nullopt;
-        }
         trace.begin(edits);
         for (int diagonal = -edits; diagonal <= edits; diagonal += 2) {
             int x = 0;
             if (edits > 0) {
                 x = trace.insertsLast(edits, diagonal) ? trace.before(edits, diagonal + 1) : trace.before(edits, diagonal - 1) + 1;
             }
+            const int start = x;
             while (x < oldCount && x - diagonal < newCount && old[size_t(x)] == newer[size_t(x - diagonal)]) {
                 ++x;
             }
             trace.reach(edits, diagonal, x);
             if (x >= oldCount && x - diagonal >= newCount) {
                 return backtracked(trace, edits, oldCount, newCount);
+            }
+            compared += 1 + x - start;
+            if (compared > stopInterval) {
+                compared = 0;
+                if (stop.stop_requested()) {
+                    return std::nullopt;
+                }
             }
         }
     }

@@ -11,6 +11,9 @@
 
 namespace {
 
+/// Units from which a line is certain to lie in several leaves.
+constexpr qsizetype longLine = 4096;
+
 /// Stands for every line that the other text has nowhere.
 constexpr quint32 unmatched = ~quint32(0);
 
@@ -24,6 +27,8 @@ struct Reading {
     [[nodiscard]] TextRange lineAt(qsizetype start) { return TextRange::between(start, chunks.lineEnd(start, end)); }
     [[nodiscard]] TextRange lastLine() { return TextRange::between(chunks.lineStart(begin, end), end); }
 
+    [[nodiscard]] bool isNarrow(TextRange range);
+
     ChunkReader chunks;
     LineKeyReader keys;
     qsizetype begin = 0;
@@ -31,13 +36,25 @@ struct Reading {
     qsizetype lineCount = 0;
 };
 
+bool Reading::isNarrow(TextRange range)
+{
+    for (qsizetype at = range.location; at < range.end();) {
+        const Rope::Chunk chunk = chunks.after(at, range.end());
+        if (!chunk.narrow) {
+            return false;
+        }
+        at += chunk.length;
+    }
+    return true;
+}
+
 /// Equal units of two texts: up to and with the outermost LF in them.
 struct CommonLines {
     qsizetype lines = 0;
     qsizetype units = 0;
 };
 
-/// The lines of one text by their content: each has the number of the first that equals it.
+/// The lines of one text by their content: equal ones have the same number, numbers go up from 0.
 class LineNumbers {
 public:
     /// Of the lines that `text` has left. None when stopped.
@@ -45,106 +62,152 @@ public:
 
     [[nodiscard]] std::span<const quint32> numbers() const { return m_numbers; }
     [[nodiscard]] qsizetype start(qsizetype line) const { return m_starts[size_t(line)]; }
+    /// The first line of a number.
+    [[nodiscard]] qsizetype firstLine(quint32 number) const { return m_contents[number].line; }
     /// The number of the lines that equal `key`, or `unmatched`.
-    [[nodiscard]] quint32 find(const LineKey &key, size_t hash) { return *place(key, hash).number; }
+    [[nodiscard]] quint32 find(const LineKey &key) { return slotFor(key, quint32(key.hash())).number; }
 
 private:
-    /// Linear probing; `tag` is a part of the hash, `number` a line.
+    /// Linear probing from the place that the hash says.
     struct Slot {
-        quint32 tag = 0;
+        quint32 hash = 0;
         quint32 number = unmatched;
     };
-    struct Place {
-        quint32 *tag;
-        quint32 *number;
+    struct Content {
+        /// The units in their leaf, so that they need not be looked for; null where the key is made of them.
+        const void *units = nullptr;
+        quint32 line = 0;
+        quint32 length : 31 = 0;
+        quint32 isWide : 1 = 0;
     };
+    static constexpr size_t batch = 32;
 
     explicit LineNumbers(Reading &text);
-    [[nodiscard]] Place place(const LineKey &key, size_t hash);
-    [[nodiscard]] size_t slotOf(size_t hash) const { return hash & (m_slots.size() - 1); }
+    void makeRoom();
+    [[nodiscard]] Slot &slotFor(const LineKey &key, quint32 hash);
+    [[nodiscard]] bool isSame(const Content &content, const LineKey &key);
+    void add(Slot &slot, const LineKey &key, quint32 hash);
+    [[nodiscard]] size_t placeOf(size_t hash) const { return hash & (m_slots.size() - 1); }
     [[nodiscard]] TextRange range(qsizetype line) const { return TextRange::between(start(line), start(line + 1) - 1); }
 
     /// And, behind the last, where one more would begin.
     std::vector<quint32> m_starts;
     std::vector<quint32> m_numbers;
+    std::vector<Content> m_contents;
     std::vector<Slot> m_slots;
     LineKeyReader m_keys;
 };
 
-LineNumbers::LineNumbers(Reading &text) : m_keys(text.keys)
+LineNumbers::LineNumbers(Reading &text) : m_slots(4 * batch), m_keys(text.keys)
 {
-    const auto count = size_t(text.lineCount);
-    m_starts.reserve(count + 1);
+    m_starts.reserve(size_t(text.lineCount) + 1);
     m_starts.push_back(quint32(text.begin));
-    m_numbers.reserve(count);
-    m_slots.resize(std::bit_ceil(count + count / 4 + 1));
+    m_numbers.reserve(size_t(text.lineCount));
 }
 
 std::optional<LineNumbers> LineNumbers::make(Reading &text, const DiffControl &control)
 {
-    // The slots of so many lines come from memory at once.
-    constexpr size_t batch = 32;
-    std::array<size_t, batch> hashes{};
+    std::array<quint32, batch> hashes{};
     LineNumbers result(text);
     const auto count = size_t(text.lineCount);
-    qsizetype at = text.begin;
     for (size_t first = 0; first < count; first += batch) {
-        const qsizetype batchStart = at;
+        // The slots of so many lines come from memory at once.
+        result.makeRoom();
         const size_t size = std::min(batch, count - first);
         for (size_t i = 0; i < size; ++i) {
-            const TextRange line = text.lineAt(at);
-            hashes[i] = text.keys.key(line).hash();
-            __builtin_prefetch(&result.m_slots[result.slotOf(hashes[i])]);
-            at = line.end() + 1;
-            result.m_starts.push_back(quint32(at));
+            const TextRange line = text.lineAt(result.m_starts.back());
+            hashes[i] = quint32(text.keys.key(line).hash());
+            __builtin_prefetch(&result.m_slots[result.placeOf(hashes[i])]);
+            result.m_starts.push_back(quint32(line.end() + 1));
         }
         for (size_t i = 0; i < size; ++i) {
-            const auto line = qsizetype(first + i);
-            const Place place = result.place(text.keys.key(result.range(line)), hashes[i]);
-            if (*place.number == unmatched) {
-                *place.tag = quint32(hashes[i] >> 32);
-                *place.number = quint32(line);
+            const LineKey key = text.keys.key(result.range(qsizetype(first + i)));
+            Slot &slot = result.slotFor(key, hashes[i]);
+            if (slot.number == unmatched) {
+                result.add(slot, key, hashes[i]);
             }
-            result.m_numbers.push_back(*place.number);
+            result.m_numbers.push_back(slot.number);
         }
-        if (!control.advance(at - batchStart)) {
+        if (!control.advance(result.m_starts.back() - result.start(qsizetype(first)))) {
             return std::nullopt;
         }
     }
     return result;
 }
 
-LineNumbers::Place LineNumbers::place(const LineKey &key, size_t hash)
+/// For one more batch; an eighth of the slots at least stays empty.
+void LineNumbers::makeRoom()
 {
-    const auto tag = quint32(hash >> 32);
-    size_t at = slotOf(hash);
-    while (m_slots[at].number != unmatched && (m_slots[at].tag != tag || m_keys.key(range(m_slots[at].number)) != key)) {
-        at = slotOf(at + 1);
+    if (8 * (m_contents.size() + batch) <= 7 * m_slots.size()) {
+        return;
     }
-    return {&m_slots[at].tag, &m_slots[at].number};
+    std::vector<Slot> grown(2 * m_slots.size());
+    grown.swap(m_slots);
+    for (const Slot &slot : grown) {
+        if (slot.number != unmatched) {
+            size_t at = placeOf(slot.hash);
+            while (m_slots[at].number != unmatched) {
+                at = placeOf(at + 1);
+            }
+            m_slots[at] = slot;
+        }
+    }
+}
+
+LineNumbers::Slot &LineNumbers::slotFor(const LineKey &key, quint32 hash)
+{
+    size_t at = placeOf(hash);
+    while (m_slots[at].number != unmatched && (m_slots[at].hash != hash || !isSame(m_contents[m_slots[at].number], key))) {
+        at = placeOf(at + 1);
+    }
+    return m_slots[at];
+}
+
+bool LineNumbers::isSame(const Content &content, const LineKey &key)
+{
+    if (!content.units) {
+        return m_keys.key(range(content.line)) == key;
+    }
+    return LineKey{.narrow = content.isWide ? nullptr : static_cast<const uchar *>(content.units),
+                   .wide = content.isWide ? static_cast<const char16_t *>(content.units) : nullptr,
+                   .length = content.length} == key;
+}
+
+void LineNumbers::add(Slot &slot, const LineKey &key, quint32 hash)
+{
+    slot = {.hash = hash, .number = quint32(m_contents.size())};
+    Content content{.line = quint32(m_numbers.size())};
+    if (key.isInPlace && key.length < qsizetype(1) << 31) {
+        content.units = key.narrow ? static_cast<const void *>(key.narrow) : key.wide;
+        content.length = quint32(key.length) & 0x7fffffff;
+        content.isWide = !key.narrow;
+    }
+    m_contents.push_back(content);
 }
 
 /// Two texts from both ends towards the middle.
 class Comparison {
 public:
     Comparison(const LineTable &left, const LineTable &right, Whitespace whitespace, const DiffControl &control)
-        : m_old(left, whitespace), m_new(right, whitespace), m_control(control)
+        : m_old(left, whitespace), m_new(right, whitespace), m_whitespace(whitespace), m_control(control)
     {}
 
     /// None when stopped.
     [[nodiscard]] std::optional<std::vector<LineDiff::Result::Match>> run();
 
 private:
+    [[nodiscard]] bool isOnePair() const { return m_old.lineCount == 1 && m_new.lineCount == 1; }
     [[nodiscard]] bool isStopped() const { return m_control.stop.stop_requested(); }
     [[nodiscard]] CommonLines commonStartLines(qsizetype old, qsizetype newer);
     [[nodiscard]] CommonLines commonEndLines();
-    [[nodiscard]] bool isSame(TextRange old, TextRange newer) { return m_old.keys.key(old) == m_new.keys.key(newer); }
+    [[nodiscard]] bool isSame(TextRange old, TextRange newer);
     qsizetype takeStart();
     qsizetype takeEnd();
     [[nodiscard]] std::optional<std::vector<quint32>> numbersOfNew(LineNumbers &old);
 
     Reading m_old;
     Reading m_new;
+    Whitespace m_whitespace;
     const DiffControl &m_control;
 };
 
@@ -190,6 +253,26 @@ CommonLines Comparison::commonEndLines()
     return common;
 }
 
+bool Comparison::isSame(TextRange old, TextRange newer)
+{
+    // Lines of many leaves are not put together when it can be helped.
+    const bool isLong = std::max(old.length, newer.length) > longLine;
+    if (m_whitespace == Whitespace::ignored || !isLong || !m_old.isNarrow(old) || !m_new.isNarrow(newer)) {
+        return m_old.keys.key(old) == m_new.keys.key(newer);
+    }
+    qsizetype units = 0;
+    while (old.length == newer.length && units < old.length) {
+        const Rope::Chunk a = m_old.chunks.after(old.location + units, old.end());
+        const Rope::Chunk b = m_new.chunks.after(newer.location + units, newer.end());
+        const qsizetype same = commonStart(a, b);
+        if (same < std::min(a.length, b.length)) {
+            return false;
+        }
+        units += same;
+    }
+    return old.length == newer.length;
+}
+
 /// Takes the lines that both begin with off them and tells how many there are.
 qsizetype Comparison::takeStart()
 {
@@ -230,7 +313,8 @@ qsizetype Comparison::takeEnd()
     };
     while (m_old.lineCount > 0 && m_new.lineCount > 0) {
         const CommonLines common = commonEndLines();
-        if (!take(common.lines, common.units, common.units)) {
+        // Two lines that are left alone were compared from the other side.
+        if (!take(common.lines, common.units, common.units) || isOnePair()) {
             break;
         }
         const TextRange old = m_old.lastLine();
@@ -259,11 +343,10 @@ std::optional<std::vector<quint32>> Comparison::numbersOfNew(LineNumbers &old)
             at += common.units;
         }
         const TextRange line = m_new.lineAt(at);
-        const LineKey key = m_new.keys.key(line);
-        const quint32 number = old.find(key, key.hash());
+        const quint32 number = old.find(m_new.keys.key(line));
         numbers.push_back(number);
         const bool isLikely = likely < m_old.lineCount && (number == unmatched || old.numbers()[size_t(likely)] == number);
-        likely = isLikely || number == unmatched ? likely + 1 : qsizetype(number) + 1;
+        likely = isLikely || number == unmatched ? likely + 1 : old.firstLine(number) + 1;
         at = line.end() + 1;
         if (!m_control.advance(at - from)) {
             return std::nullopt;
@@ -280,7 +363,7 @@ std::optional<std::vector<LineDiff::Result::Match>> Comparison::run()
     const qsizetype oldCount = m_old.lineCount;
     const qsizetype newCount = m_new.lineCount;
     matches.push_back({0, 0, start});
-    if (oldCount > 0 && newCount > 0) {
+    if (oldCount > 0 && newCount > 0 && !isOnePair()) {
         auto oldNumbers = LineNumbers::make(m_old, m_control);
         const auto newNumbers = oldNumbers ? numbersOfNew(*oldNumbers) : std::nullopt;
         const auto found = newNumbers ? EditSearch::matches(oldNumbers->numbers(), *newNumbers, m_control.stop) : std::nullopt;

@@ -73,9 +73,12 @@ LineKey LineKeyReader::key(TextRange line)
     }
     const Rope::Chunk first = m_chunks.after(line.location, line.end());
     if (first.length == line.length) {
-        return first.narrow ? narrowKey(first.narrow, first.length) : wideKey(QStringView(first.wide, first.length));
+        LineKey key = first.narrow ? narrowKey(first.narrow, first.length) : wideKey(QStringView(first.wide, first.length));
+        key.isInPlace = first.narrow ? key.narrow == first.narrow : key.wide == first.wide;
+        return key;
     }
-    m_bytes.clear();
+    m_bytes.resize(0);
+    m_bytes.reserve(line.length);
     qsizetype at = line.location;
     while (at < line.end()) {
         const Rope::Chunk chunk = m_chunks.after(at, line.end());

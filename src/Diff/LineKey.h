@@ -13,6 +13,8 @@ struct LineKey {
     const uchar *narrow = nullptr;
     const char16_t *wide = nullptr;
     qsizetype length = 0;
+    /// The units are the text's own and stay where they are as long as it.
+    bool isInPlace = false;
 
     [[nodiscard]] size_t hash() const;
     friend bool operator==(const LineKey &a, const LineKey &b);

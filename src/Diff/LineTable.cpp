@@ -31,7 +31,8 @@ std::optional<LineTable> LineTable::make(const Rope &text, const DiffControl &co
 
 TextRange LineTable::range(qsizetype line) const
 {
-    return TextRange::between(start(line), line + 1 < m_count ? start(line + 1) - 1 : m_end);
+    const qsizetype from = start(line);
+    return TextRange::between(from, ChunkReader(m_text).lineEnd(from, m_end));
 }
 
 qsizetype LineTable::start(qsizetype line) const
@@ -44,9 +45,10 @@ qsizetype LineTable::start(qsizetype line) const
         return 0;
     }
     const Entry &entry = *std::prev(next);
+    ChunkReader chunks(m_text);
     qsizetype start = entry.start;
     for (qsizetype left = line - entry.line; left > 0; --left) {
-        start = ChunkReader(m_text).lineEnd(start, m_text.length()) + 1;
+        start = chunks.lineEnd(start, m_text.length()) + 1;
     }
     return start;
 }
