@@ -17,6 +17,8 @@ constexpr qsizetype longLine = 4096;
 /// Stands for every line that the other text has nowhere.
 constexpr quint32 unmatched = ~quint32(0);
 
+enum class End { first, last };
+
 /// A text as the comparison reads it. From `begin` to `end`, the end of its last line, it has `lineCount` lines that are still to be
 /// compared.
 struct Reading {
@@ -28,6 +30,7 @@ struct Reading {
     [[nodiscard]] TextRange lastLine() { return TextRange::between(chunks.lineStart(begin, end), end); }
 
     [[nodiscard]] bool isNarrow(TextRange range);
+    void take(End from, qsizetype lines, qsizetype units);
 
     ChunkReader chunks;
     LineKeyReader keys;
@@ -46,6 +49,16 @@ bool Reading::isNarrow(TextRange range)
         at += chunk.length;
     }
     return true;
+}
+
+void Reading::take(End from, qsizetype lines, qsizetype units)
+{
+    lineCount -= lines;
+    if (from == End::first) {
+        begin += units;
+    } else {
+        end -= units;
+    }
 }
 
 /// Equal units of two texts: up to and with the outermost LF in them.
@@ -201,6 +214,8 @@ private:
     [[nodiscard]] CommonLines commonStartLines(qsizetype old, qsizetype newer);
     [[nodiscard]] CommonLines commonEndLines();
     [[nodiscard]] bool isSame(TextRange old, TextRange newer);
+    /// False when stopped.
+    [[nodiscard]] bool take(End from, qsizetype lines, qsizetype oldUnits, qsizetype newUnits);
     qsizetype takeStart();
     qsizetype takeEnd();
     [[nodiscard]] std::optional<std::vector<quint32>> numbersOfNew(LineNumbers &old);
@@ -273,57 +288,48 @@ bool Comparison::isSame(TextRange old, TextRange newer)
     return old.length == newer.length;
 }
 
+bool Comparison::take(End from, qsizetype lines, qsizetype oldUnits, qsizetype newUnits)
+{
+    m_old.take(from, lines, oldUnits);
+    m_new.take(from, lines, newUnits);
+    return m_control.advance(oldUnits + newUnits);
+}
+
 /// Takes the lines that both begin with off them and tells how many there are.
 qsizetype Comparison::takeStart()
 {
-    qsizetype taken = 0;
-    const auto take = [this, &taken](qsizetype lines, qsizetype oldUnits, qsizetype newUnits) {
-        taken += lines;
-        m_old.lineCount -= lines;
-        m_new.lineCount -= lines;
-        m_old.begin += oldUnits;
-        m_new.begin += newUnits;
-        return m_control.advance(oldUnits + newUnits);
-    };
+    const qsizetype before = m_old.lineCount;
     while (m_old.lineCount > 0 && m_new.lineCount > 0) {
         const CommonLines common = commonStartLines(m_old.begin, m_new.begin);
-        if (!take(common.lines, common.units, common.units)) {
+        if (!take(End::first, common.lines, common.units, common.units)) {
             break;
         }
         // Lines may be equal and not have the same units, and no LF shows where the last one ends.
         const TextRange old = m_old.lineAt(m_old.begin);
         const TextRange newer = m_new.lineAt(m_new.begin);
-        if (!isSame(old, newer) || !take(1, old.length + 1, newer.length + 1)) {
+        if (!isSame(old, newer) || !take(End::first, 1, old.length + 1, newer.length + 1)) {
             break;
         }
     }
-    return taken;
+    return before - m_old.lineCount;
 }
 
 qsizetype Comparison::takeEnd()
 {
-    qsizetype taken = 0;
-    const auto take = [this, &taken](qsizetype lines, qsizetype oldUnits, qsizetype newUnits) {
-        taken += lines;
-        m_old.lineCount -= lines;
-        m_new.lineCount -= lines;
-        m_old.end -= oldUnits;
-        m_new.end -= newUnits;
-        return m_control.advance(oldUnits + newUnits);
-    };
+    const qsizetype before = m_old.lineCount;
     while (m_old.lineCount > 0 && m_new.lineCount > 0) {
         const CommonLines common = commonEndLines();
         // Two lines that are left alone were compared from the other side.
-        if (!take(common.lines, common.units, common.units) || isOnePair()) {
+        if (!take(End::last, common.lines, common.units, common.units) || isOnePair()) {
             break;
         }
         const TextRange old = m_old.lastLine();
         const TextRange newer = m_new.lastLine();
-        if (!isSame(old, newer) || !take(1, old.length + 1, newer.length + 1)) {
+        if (!isSame(old, newer) || !take(End::last, 1, old.length + 1, newer.length + 1)) {
             break;
         }
     }
-    return taken;
+    return before - m_old.lineCount;
 }
 
 std::optional<std::vector<quint32>> Comparison::numbersOfNew(LineNumbers &old)
