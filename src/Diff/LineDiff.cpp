@@ -93,6 +93,7 @@ private:
         quint32 length : 31 = 0;
         quint32 isWide : 1 = 0;
     };
+    /// Lines whose slots are fetched from memory together.
     static constexpr size_t batch = 32;
 
     explicit LineNumbers(Reading &text);
@@ -124,9 +125,9 @@ std::optional<LineNumbers> LineNumbers::make(Reading &text, const DiffControl &c
     LineNumbers result(text);
     const auto count = size_t(text.lineCount);
     for (size_t first = 0; first < count; first += batch) {
-        // The slots of so many lines come from memory at once.
         result.makeRoom();
         const size_t size = std::min(batch, count - first);
+        const qsizetype batchStart = result.m_starts.back();
         for (size_t i = 0; i < size; ++i) {
             const TextRange line = text.lineAt(result.m_starts.back());
             hashes[i] = quint32(text.keys.key(line).hash());
@@ -134,14 +135,14 @@ std::optional<LineNumbers> LineNumbers::make(Reading &text, const DiffControl &c
             result.m_starts.push_back(quint32(line.end() + 1));
         }
         for (size_t i = 0; i < size; ++i) {
-            const LineKey key = text.keys.key(result.range(qsizetype(first + i)));
+            const LineKey key = text.keys.key(result.range(qsizetype(result.m_numbers.size())));
             Slot &slot = result.slotFor(key, hashes[i]);
             if (slot.number == unmatched) {
                 result.add(slot, key, hashes[i]);
             }
             result.m_numbers.push_back(slot.number);
         }
-        if (!control.advance(result.m_starts.back() - result.start(qsizetype(first)))) {
+        if (!control.advance(result.m_starts.back() - batchStart)) {
             return std::nullopt;
         }
     }

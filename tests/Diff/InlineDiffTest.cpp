@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Diff/InlineDiff.h"
 
+#include <QString>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
