@@ -34,6 +34,9 @@ int main(int argc, char **argv)
         arguments << QFile::decodeName(argv[index]);
     }
     const CommandLine line = CommandLine::parse(arguments, QDir::currentPath());
+    if (line.language) {
+        Localization::use(*line.language);
+    }
     complain(line);
     switch (line.request) {
     case CommandLine::Request::refuse:
@@ -45,6 +48,11 @@ int main(int argc, char **argv)
     case CommandLine::Request::showVersion:
         print(stdout, u"Quillet "_s + QStringLiteral(QUILLET_VERSION) + u'\n');
         return 0;
+    case CommandLine::Request::compare:
+        if (line.files.size() < 2) {
+            return 2;
+        }
+        break;
     case CommandLine::Request::openFiles:
         break;
     }
@@ -52,6 +60,6 @@ int main(int argc, char **argv)
     int applicationArguments = 1;
     QApplication application(applicationArguments, argv);
     QApplication::setApplicationVersion(QStringLiteral(QUILLET_VERSION));
-    Program program(application);
-    return program.run(line.files);
+    Program program(application, line.language);
+    return program.run(line);
 }

@@ -3,6 +3,8 @@
 #include "App/AppDelegate.h"
 
 #include "App/MainMenu.h"
+#include "App/StandardInput.h"
+#include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
 #include "Model/RecentDocuments.h"
@@ -10,6 +12,7 @@
 #include "Platform/AlertPresenter.h"
 #include "Platform/AtomicFile.h"
 #include "Platform/Desktop.h"
+#include "Platform/HomePath.h"
 #include "Platform/Localization.h"
 #include "Platform/Translation.h"
 #include "UI/EditorToolbarController.h"
@@ -177,6 +180,9 @@ void AppDelegate::openComparison(DiffViewController::Side left, DiffViewControll
     connect(window, &DiffWindowController::closed, this, [this, window] {
         std::erase(m_comparisons, window);
         window->deleteLater();
+        if (m_windows.empty() && m_comparisons.empty()) {
+            emit finished();
+        }
     });
     window->comeToFront();
 }
@@ -228,6 +234,53 @@ void AppDelegate::launch(const QStringList &paths)
             localized(u"The other one keeps the session. This one works as well, but its tabs do not come back at the next start, and it "
                       u"asks about unsaved changes before it ends."));
     }
+}
+
+void AppDelegate::compare(const QString &oldPath, const QString &newPath)
+{
+    const auto old = TextFile::read(oldPath);
+    const auto newer = TextFile::read(newPath);
+    if (!old || !newer) {
+        const TextFile::ReadError &error = old ? newer.error() : old.error();
+        m_services.presenter.present(Alert::forError(error.description(), error.recoverySuggestion().value_or(QString())), nullptr,
+                                     [this](const AlertReply &) { emit finished(); });
+        return;
+    }
+    const auto sideOf = [](const QString &path, const Rope &text) {
+        const QFileInfo file(path);
+        return DiffViewController::Side{file.fileName(), abbreviatedPath(file.path()), text};
+    };
+    constexpr qsizetype enoughOfALine = 512;
+    const Rope start = newer->text.slice({0, std::min(newer->text.length(), enoughOfALine)});
+    openComparison(sideOf(oldPath, old->text), sideOf(newPath, newer->text),
+                   LanguageRegistry::detect(newPath, start.toString().section(u'\n', 0, 0)));
+}
+
+void AppDelegate::goTo(const QString &path, qsizetype line, qsizetype column)
+{
+    TextDocument *document = m_services.documents.documentAt(path);
+    MainWindowController *front = frontmostWindow();
+    if (document && front) {
+        front->workspace().goTo(*document, line, column);
+    }
+}
+
+void AppDelegate::openStream(int descriptor)
+{
+    m_reading = BackgroundTask::start(
+        m_services.workers, [descriptor](const std::stop_token &) { return readStream(descriptor); },
+        [this](const tl::expected<TextFile::Contents, TextFile::ReadError> &contents) {
+            MainWindowController *front = frontmostWindow();
+            MainWindowController &window = front ? *front : makeWindow();
+            if (contents) {
+                window.workspace().adopt(
+                    m_services.documents.add(std::make_unique<TextDocument>(m_services.documents.services(), QString(), *contents)));
+            } else {
+                m_services.presenter.present(
+                    Alert::forError(contents.error().description(), contents.error().recoverySuggestion().value_or(QString())), &window,
+                    {});
+            }
+        });
 }
 
 void AppDelegate::open(const QStringList &paths)

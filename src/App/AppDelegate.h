@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Diff/DiffWindowController.h"
+#include "Platform/BackgroundTask.h"
 #include "UI/MainWindowController.h"
 
 #include <QPointer>
@@ -23,6 +24,12 @@ public:
 
     /// Shows the first window, with the session if the settings say so, and opens the files in it; absolute paths.
     void launch(const QStringList &paths);
+    /// Shows two files side by side, and no other window; the program ends with the comparison. Absolute paths.
+    void compare(const QString &oldPath, const QString &newPath);
+    /// To a place in a file that is open: line and column from 1, a column of 0 for none; beyond the end it is the end.
+    void goTo(const QString &path, qsizetype line, qsizetype column);
+    /// Opens what comes on a descriptor, once it has ended, as a text without a file.
+    void openStream(int descriptor);
     /// Ends the program. The session is kept, with all unsaved text; where it cannot be, the windows close one after the other and each
     /// asks about its texts. One that is left open ends it.
     void terminate();
@@ -78,6 +85,7 @@ private:
     QPointer<MainWindowController> m_lastActive;
     /// Made when it is shown first.
     std::unique_ptr<SettingsWindowController> m_settings;
+    BackgroundTask m_reading;
     bool m_isTerminating = false;
     DelayedTask m_warning;
     NotificationCenter::Token m_languageObserver;

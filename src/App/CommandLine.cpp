@@ -7,64 +7,206 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
+enum class Option { compare, language, help, version };
+
 struct OptionRow {
+    Option option;
     QLatin1StringView longName;
+    /// Empty when there is none.
     QLatin1StringView shortName;
-    CommandLine::Request request;
+    /// What it takes, as the help shows it.
+    QLatin1StringView values;
+    int valueCount;
     const char16_t *purpose;
 };
 
 constexpr auto options = std::to_array<OptionRow>({
-    {"--help"_L1, "-h"_L1, CommandLine::Request::showHelp, u"show this help and end"},
-    {"--version"_L1, "-v"_L1, CommandLine::Request::showVersion, u"show the version and end"},
+    {Option::compare, "--diff"_L1, "-d"_L1, "OLD NEW"_L1, 2, u"compare two files side by side"},
+    {Option::language, "--language"_L1, {}, "en|de"_L1, 1, u"the language of the interface, this time"},
+    {Option::help, "--help"_L1, "-h"_L1, {}, 0, u"show this help and end"},
+    {Option::version, "--version"_L1, "-v"_L1, {}, 0, u"show the version and end"},
 });
+
+struct Words {
+    QLatin1StringView form;
+    const char16_t *purpose;
+};
+/// What is no option.
+constexpr auto others = std::to_array<Words>({
+    {"FILE:LINE[:COLUMN]"_L1, u"open a file at a place"},
+    {"+LINE[:COLUMN] FILE"_L1, u"the same; + alone is the last line"},
+    {"-"_L1, u"open what comes from the standard input"},
+    {"--"_L1, u"all that follows are names of files"},
+});
+
+/// Numbers that nobody counts to mean the last line or column.
+qsizetype number(const QString &digits)
+{
+    bool fits = false;
+    const qint64 value = digits.toLongLong(&fits);
+    return fits ? qsizetype(value) : std::numeric_limits<qsizetype>::max();
+}
+
+class Parser {
+public:
+    explicit Parser(const QString &folder) : m_folder(folder) {}
+
+    [[nodiscard]] CommandLine parse(const QStringList &arguments)
+    {
+        bool mayBeOption = true;
+        for (qsizetype at = 0; at < arguments.size(); ++at) {
+            const QString &argument = arguments[at];
+            if (!mayBeOption || (!argument.startsWith(u'-') && !takePlace(argument))) {
+                addFile(argument);
+            } else if (argument == "--"_L1) {
+                mayBeOption = false;
+            } else if (argument == "-"_L1) {
+                m_line.readsStandardInput = true;
+            } else if (argument.startsWith(u'-')) {
+                const qsizetype taken = takeOption(arguments, at);
+                if (taken < 0) {
+                    return m_line;
+                }
+                at += taken;
+            }
+        }
+        return m_line;
+    }
+
+private:
+    /// "+12:3", for the next file.
+    bool takePlace(const QString &argument)
+    {
+        static const QRegularExpression place(u"^\\+(\\d*)(?::(\\d+))?$"_s);
+        const auto match = place.match(argument);
+        if (match.hasMatch()) {
+            m_nextLine = match.captured(1).isEmpty() ? std::numeric_limits<qsizetype>::max() : number(match.captured(1));
+            m_nextColumn = match.hasCaptured(2) ? number(match.captured(2)) : 0;
+        }
+        return match.hasMatch();
+    }
+
+    /// As compilers write it, with a colon at the end perhaps; of what may be meant, the file with the longest name.
+    [[nodiscard]] std::optional<CommandLine::File> placeIn(const QString &argument) const
+    {
+        static const std::array forms = {QRegularExpression(u"^(.+):(\\d+):?$"_s), QRegularExpression(u"^(.+):(\\d+):(\\d+):?$"_s)};
+        for (const QRegularExpression &form : forms) {
+            const auto match = form.match(argument);
+            const QString path = match.hasMatch() ? absoluteFilePath(match.captured(1), m_folder) : QString();
+            if (!path.isEmpty() && QFileInfo::exists(path)) {
+                return CommandLine::File{path, number(match.captured(2)), match.hasCaptured(3) ? number(match.captured(3)) : 0};
+            }
+        }
+        return std::nullopt;
+    }
+
+    void addFile(const QString &argument)
+    {
+        CommandLine::File file{absoluteFilePath(argument, m_folder), std::exchange(m_nextLine, 0), std::exchange(m_nextColumn, 0)};
+        if (!QFileInfo::exists(file.path)) {
+            const auto place = placeIn(argument);
+            if (!place) {
+                complain(formatted(localized(u"“%@” does not exist."), argument));
+                return;
+            }
+            file = *place;
+        }
+        if (QFileInfo(file.path).isDir()) {
+            complain(formatted(localized(u"“%@” is a folder."), argument));
+        } else {
+            m_line.files.push_back(file);
+        }
+    }
+
+    /// How many arguments more it takes; below 0 when nothing else counts.
+    qsizetype takeOption(const QStringList &arguments, qsizetype at)
+    {
+        const QString &argument = arguments[at];
+        const QString name = argument.startsWith("--"_L1) ? argument.section(u'=', 0, 0) : argument;
+        const auto row = std::ranges::find_if(options, [&](const OptionRow &known) {
+            return name == known.longName || (!known.shortName.isEmpty() && name == known.shortName);
+        });
+        const bool hasValue = name != argument;
+        if (row == options.end() || (hasValue && row->valueCount != 1)) {
+            return refuse(formatted(localized(u"There is no option “%@”."), argument));
+        }
+        const qsizetype wanted = hasValue ? 0 : row->valueCount;
+        const QStringList values = hasValue ? QStringList{argument.sliced(name.size() + 1)} : arguments.mid(at + 1, wanted);
+        if (values.size() < row->valueCount) {
+            return refuse(formatted(localized(u"“%@” needs more: %@"), argument, QString(row->values)));
+        }
+        switch (row->option) {
+        case Option::compare:
+            m_line.request = CommandLine::Request::compare;
+            m_line.files.clear();
+            std::ranges::for_each(values, [this](const QString &value) { addFile(value); });
+            return -1;
+        case Option::language:
+            if (values.first() != "en"_L1 && values.first() != "de"_L1) {
+                return refuse(formatted(localized(u"“%@” is no language of the interface; there are “en” and “de”."), values.first()));
+            }
+            m_line.language = values.first() == "de"_L1 ? AppLanguage::german : AppLanguage::english;
+            return wanted;
+        case Option::help:
+            return end(CommandLine::Request::showHelp);
+        case Option::version:
+            return end(CommandLine::Request::showVersion);
+        }
+        return wanted;
+    }
+
+    qsizetype end(CommandLine::Request request)
+    {
+        m_line = {.request = request, .language = m_line.language};
+        return -1;
+    }
+
+    qsizetype refuse(const QString &reason)
+    {
+        const qsizetype ended = end(CommandLine::Request::refuse);
+        complain(reason);
+        return ended;
+    }
+
+    void complain(const QString &complaint) { m_line.complaints << complaint; }
+
+    QString m_folder;
+    CommandLine m_line;
+    qsizetype m_nextLine = 0;
+    qsizetype m_nextColumn = 0;
+};
 
 } // namespace
 
 CommandLine CommandLine::parse(const QStringList &arguments, const QString &folder)
 {
-    CommandLine line;
-    bool mayBeOption = true;
-    for (const QString &argument : arguments) {
-        if (mayBeOption && argument == "--"_L1) {
-            mayBeOption = false;
-            continue;
-        }
-        if (mayBeOption && argument.startsWith(u'-')) {
-            const auto option =
-                std::ranges::find_if(options, [&](const OptionRow &row) { return argument == row.longName || argument == row.shortName; });
-            if (option == options.end()) {
-                return {
-                    .request = Request::refuse, .files = {}, .complaints = {formatted(localized(u"There is no option “%@”."), argument)}};
-            }
-            return {.request = option->request, .files = {}, .complaints = {}};
-        }
-        const QString path = absoluteFilePath(argument, folder);
-        const QFileInfo file(path);
-        if (!file.exists()) {
-            line.complaints << formatted(localized(u"“%@” does not exist."), argument);
-        } else if (file.isDir()) {
-            line.complaints << formatted(localized(u"“%@” is a folder."), argument);
-        } else {
-            line.files << path;
-        }
-    }
-    return line;
+    return Parser(folder).parse(arguments);
 }
 
 QString CommandLine::help()
 {
-    QString text = localized(u"Usage: quillet [OPTION] [FILE…]") + u"\n\n"_s;
+    std::vector<std::pair<QString, QString>> rows;
     for (const OptionRow &option : options) {
-        text += u"  %1, %2  %3\n"_s.arg(option.shortName).arg(option.longName, -10).arg(localized(option.purpose));
+        const QString names = (option.shortName.isEmpty() ? QString() : option.shortName + u", "_s) + option.longName;
+        rows.emplace_back(option.values.isEmpty() ? names : names + u' ' + option.values, localized(option.purpose));
+    }
+    for (const Words &words : others) {
+        rows.emplace_back(QString(words.form), localized(words.purpose));
+    }
+    const qsizetype width = std::ranges::max(rows, {}, [](const auto &row) { return row.first.size(); }).first.size();
+    QString text = localized(u"Usage: quillet [OPTION] [FILE…]") + u"\n\n"_s;
+    for (const auto &[form, purpose] : rows) {
+        text += u"  "_s + form.leftJustified(width) + u"  "_s + purpose + u'\n';
     }
     return text;
 }

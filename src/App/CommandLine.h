@@ -2,21 +2,40 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/Localization.h"
+
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+#include <vector>
+
 /// What the program was asked to do when it was started.
 struct CommandLine {
-    enum class Request { openFiles, showHelp, showVersion, refuse };
+    enum class Request { openFiles, compare, showHelp, showVersion, refuse };
+    struct File {
+        /// Absolute; it exists.
+        QString path;
+        /// From 1; 0 where none was given. The column is counted in UTF-16 units.
+        qsizetype line = 0;
+        qsizetype column = 0;
+
+        friend bool operator==(const File &, const File &) = default;
+    };
 
     Request request = Request::openFiles;
-    /// Files that exist, absolute, in the order given.
-    QStringList files;
+    /// In the order given; two of them for a comparison, the old one first.
+    std::vector<File> files = {};
+    /// What comes from the standard input is opened too.
+    bool readsStandardInput = false;
+    /// Of the interface, this time.
+    std::optional<AppLanguage> language = {};
     /// For standard error, one a line: why the request is refused, or what is not opened.
-    QStringList complaints;
+    QStringList complaints = {};
 
     /// `arguments` without the program's own name; relative ones start at `folder`, "~/" at the home folder. What begins with "-" is an
-    /// option unless it follows "--".
+    /// option unless it follows "--"; "+LINE" or "+LINE:COLUMN" is about the file after it. A file that is really called "a:12" is meant
+    /// before line 12 of "a".
     [[nodiscard]] static CommandLine parse(const QStringList &arguments, const QString &folder);
     [[nodiscard]] static QString help();
 };

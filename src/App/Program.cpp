@@ -26,6 +26,8 @@
 #include <QApplication>
 #include <QSessionManager>
 
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -44,21 +46,21 @@ void setUp()
 
 /// Chosen before anything is made that has words, and whenever the user chooses another.
 struct InterfaceLanguage {
-    InterfaceLanguage(Preferences &preferences, ToolkitTexts &toolkitTexts)
+    InterfaceLanguage(Preferences &preferences, ToolkitTexts &toolkitTexts, std::optional<AppLanguage> thisTime)
     {
         const auto choose = [&toolkitTexts](AppLanguage language) {
             Localization::use(language);
             toolkitTexts.use(Localization::current().locale());
         };
         preferences.setLanguageResolver(choose);
-        choose(preferences.language());
+        choose(thisTime.value_or(preferences.language()));
     }
 };
 
 } // namespace
 
 struct Program::Parts {
-    explicit Parts(QApplication &application)
+    Parts(QApplication &application, std::optional<AppLanguage> thisTime) : language(preferences, toolkitTexts, thisTime)
     {
         spellingLanguages = notifications.observe(Localization::didChangeNotification, nullptr,
                                                   [this] { spellChecker.setLanguages(SpellChecker::systemSetup().languages); });
@@ -90,7 +92,7 @@ struct Program::Parts {
     DefaultsStore defaults{DefaultsStore::standardPath(), scheduler};
     Preferences preferences{defaults, notifications};
     ToolkitTexts toolkitTexts;
-    const InterfaceLanguage language{preferences, toolkitTexts};
+    const InterfaceLanguage language;
     SystemPasteboard pasteboard;
     WidgetAlertPresenter presenter;
 
@@ -118,10 +120,10 @@ struct Program::Parts {
     TerminationSignals termination{[this] { delegate.terminateNow(); }};
 };
 
-Program::Program(QApplication &application)
+Program::Program(QApplication &application, std::optional<AppLanguage> language)
 {
     setUp();
-    m_parts = std::make_unique<Parts>(application);
+    m_parts = std::make_unique<Parts>(application, language);
 }
 
 Program::~Program() = default;
@@ -131,8 +133,25 @@ AppDelegate &Program::delegate()
     return m_parts->delegate;
 }
 
-int Program::run(const QStringList &files)
+int Program::run(const CommandLine &line)
 {
-    m_parts->delegate.launch(files);
+    AppDelegate &delegate = m_parts->delegate;
+    if (line.request == CommandLine::Request::compare) {
+        delegate.compare(line.files[0].path, line.files[1].path);
+        return QApplication::exec();
+    }
+    QStringList paths;
+    for (const CommandLine::File &file : line.files) {
+        paths << file.path;
+    }
+    delegate.launch(paths);
+    for (const CommandLine::File &file : line.files) {
+        if (file.line > 0) {
+            delegate.goTo(file.path, file.line, file.column);
+        }
+    }
+    if (line.readsStandardInput) {
+        delegate.openStream(STDIN_FILENO);
+    }
     return QApplication::exec();
 }

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QStringList>
+#include "App/CommandLine.h"
 
 #include <memory>
 
@@ -12,14 +12,15 @@ class QApplication;
 /// Everything that lives as long as the program. There is one, made on the main thread after the application object and gone before it.
 class Program final {
 public:
-    explicit Program(QApplication &application);
+    /// In `language`, this time, if there is one.
+    explicit Program(QApplication &application, std::optional<AppLanguage> language = {});
     Program(const Program &) = delete;
     Program &operator=(const Program &) = delete;
     ~Program();
 
     [[nodiscard]] AppDelegate &delegate();
-    /// Shows the first window and opens the files, absolute paths. Returns when the program is to end, with its exit code.
-    int run(const QStringList &files);
+    /// Shows the first window, or a comparison, with what `line` names. Returns when the program is to end, with its exit code.
+    int run(const CommandLine &line);
 
 private:
     struct Parts;

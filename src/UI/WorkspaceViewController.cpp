@@ -10,6 +10,7 @@
 #include "Platform/FirstResponder.h"
 #include "Platform/Localization.h"
 #include "Platform/Translation.h"
+#include "Text/LineRange.h"
 #include "UI/PaneSplitter.h"
 #include "UI/SubstitutionRunner.h"
 
@@ -230,6 +231,21 @@ TextDocument &WorkspaceViewController::openUntitled()
     pane.add(document, PaneViewController::Select::yes);
     pane.focusEditor();
     return document;
+}
+
+void WorkspaceViewController::goTo(TextDocument &document, qsizetype line, qsizetype column)
+{
+    if (!paneShowing(document)) {
+        return;
+    }
+    focusPaneShowing(document);
+    const Rope &text = document.storage().text();
+    const qsizetype start = LineIndex::startOfLine(std::min(line, text.lineCount()), text);
+    const TextRange whole = lineRange(text, {start, 0});
+    const char16_t last = whole.isEmpty() ? u' ' : text.at(whole.end() - 1);
+    const qsizetype end = whole.end() - (last == u'\n' || isLineSeparator(last) ? 1 : 0);
+    const qsizetype place = start + std::clamp<qsizetype>(column - 1, 0, std::max<qsizetype>(end - start, 0));
+    currentEditor()->textView().setSelection(TextSelection::at(place), TextView::Reveal::center);
 }
 
 // Panes

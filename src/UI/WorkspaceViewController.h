@@ -67,6 +67,9 @@ public:
     /// Shows a document that exists already.
     void adopt(TextDocument &document);
     TextDocument &openUntitled();
+    /// Shows a document that has a tab here at a place: line and column (UTF-16 units) from 1, a column of 0 for none. Beyond the end it
+    /// is the end.
+    void goTo(TextDocument &document, qsizetype line, qsizetype column);
     PaneViewController &addPane(const PaneViewController::Documents &documents, int selectedIndex);
     void setActivePane(PaneViewController &pane);
     void removePane(PaneViewController &pane);

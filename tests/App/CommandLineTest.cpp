@@ -12,6 +12,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+using Files = std::vector<CommandLine::File>;
+
 class CommandLineTest : public testing::Test {
 protected:
     void SetUp() override
@@ -35,26 +37,69 @@ TEST_F(CommandLineTest, FilesThatExistAreOpened)
 {
     const CommandLine line = parse({u"./inner/../a.txt"_s, u"missing"_s, u"inner"_s, path(u"a:12"_s), u"--"_s, u"-b"_s, u"--help"_s});
     EXPECT_EQ(line.request, CommandLine::Request::openFiles);
-    EXPECT_EQ(line.files, QStringList({path(u"a.txt"_s), path(u"a:12"_s), path(u"-b"_s)}));
+    EXPECT_EQ(line.files, (Files{{path(u"a.txt"_s)}, {path(u"a:12"_s)}, {path(u"-b"_s)}}));
     ASSERT_EQ(line.complaints.size(), 3);
     EXPECT_TRUE(line.complaints[0].contains(u"missing"_s));
     EXPECT_TRUE(line.complaints[1].contains(u"folder"_s));
     EXPECT_TRUE(line.complaints[2].contains(u"--help"_s));
 
     const QString fromHome = QDir::home().relativeFilePath(path(u"a.txt"_s));
-    EXPECT_EQ(parse({u"~/"_s + fromHome}).files, QStringList(path(u"a.txt"_s)));
-    EXPECT_TRUE(parse({}).files.isEmpty());
+    EXPECT_EQ(parse({u"~/"_s + fromHome}).files, (Files{{path(u"a.txt"_s)}}));
+    EXPECT_TRUE(parse({}).files.empty());
+    EXPECT_FALSE(parse({}).readsStandardInput);
+    EXPECT_TRUE(parse({u"a.txt"_s, u"-"_s}).readsStandardInput);
+}
+
+TEST_F(CommandLineTest, PlacesStandBehindOrBeforeAFile)
+{
+    const QString a = path(u"a.txt"_s);
+    const QString colon = path(u"a:12"_s);
+    constexpr auto end = std::numeric_limits<qsizetype>::max();
+    const std::pair<QStringList, Files> rows[] = {
+        {{u"a.txt:7"_s}, {{a, 7}}},
+        {{u"a.txt:7:3"_s}, {{a, 7, 3}}},
+        {{u"a.txt:7:3:"_s}, {{a, 7, 3}}},
+        {{u"a:12"_s}, {{colon}}},
+        {{u"a:12:5"_s}, {{colon, 5}}},
+        {{u"a:12:5:6"_s}, {{colon, 5, 6}}},
+        {{u"+7"_s, u"a.txt"_s, u"a:12"_s}, {{a, 7}, {colon}}},
+        {{u"+7:3"_s, u"a.txt"_s}, {{a, 7, 3}}},
+        {{u"+"_s, u"a.txt"_s}, {{a, end}}},
+        {{u"+99999999999999999999"_s, u"a.txt"_s}, {{a, end}}},
+        {{u"--"_s, u"a.txt:2"_s}, {{a, 2}}},
+    };
+    for (const auto &[arguments, files] : rows) {
+        const CommandLine line = parse(arguments);
+        EXPECT_EQ(line.files, files) << arguments.join(u' ').toStdString();
+        EXPECT_TRUE(line.complaints.isEmpty()) << arguments.join(u' ').toStdString();
+    }
+    for (const QString &name : {u"missing:7"_s, u"a.txt:x"_s, u"a.txt:"_s, u":7"_s, u"+x"_s}) {
+        EXPECT_TRUE(parse({name}).complaints.value(0).contains(name)) << name.toStdString();
+    }
 }
 
 TEST_F(CommandLineTest, OptionsAreKnownOrRefused)
 {
     EXPECT_EQ(parse({u"a.txt"_s, u"--version"_s}).request, CommandLine::Request::showVersion);
     EXPECT_EQ(parse({u"-h"_s, u"--unknown"_s}).request, CommandLine::Request::showHelp);
-    for (const QString &option : {u"--unknown"_s, u"-b"_s, u"--help=x"_s, u"-"_s}) {
+    for (const QString &option : {u"--unknown"_s, u"-b"_s, u"--help=x"_s, u"--diff=a"_s, u"--language"_s, u"--diff"_s}) {
         const CommandLine line = parse({u"a.txt"_s, option});
         EXPECT_EQ(line.request, CommandLine::Request::refuse) << option.toStdString();
-        EXPECT_TRUE(line.files.isEmpty());
+        EXPECT_TRUE(line.files.empty());
         EXPECT_TRUE(line.complaints.value(0).contains(option));
     }
-    EXPECT_TRUE(CommandLine::help().contains(u"--version"_s));
+    EXPECT_EQ(parse({u"--language"_s, u"fr"_s}).request, CommandLine::Request::refuse);
+    EXPECT_EQ(parse({u"--language"_s, u"de"_s, u"a.txt"_s}).language, AppLanguage::german);
+    EXPECT_EQ(parse({u"--language=en"_s, u"--help"_s}).language, AppLanguage::english);
+    EXPECT_EQ(parse({u"--language=en"_s, u"a.txt"_s}).files.size(), 1U);
+
+    const CommandLine compared = parse({u"-b"_s, u"--diff"_s});
+    EXPECT_EQ(compared.request, CommandLine::Request::refuse);
+    const CommandLine two = parse({u"--diff"_s, u"a.txt"_s, u"a:12"_s});
+    EXPECT_EQ(two.request, CommandLine::Request::compare);
+    EXPECT_EQ(two.files, (Files{{path(u"a.txt"_s)}, {path(u"a:12"_s)}}));
+    EXPECT_EQ(parse({u"-d"_s, u"a.txt"_s, u"missing"_s}).complaints.size(), 1);
+    for (const QString &part : {u"--version"_s, u"--diff OLD NEW"_s, u"FILE:LINE[:COLUMN]"_s}) {
+        EXPECT_TRUE(CommandLine::help().contains(part)) << part.toStdString();
+    }
 }

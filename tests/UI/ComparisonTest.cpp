@@ -12,6 +12,7 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSignalSpy>
 
 using namespace Qt::StringLiterals;
 
@@ -204,6 +205,22 @@ TEST_F(ComparisonTest, IsThereWhileLongTextsAreCompared)
     QCoreApplication::sendPostedEvents();
     EXPECT_EQ(content.summary(), u"1 change   +1  \u22120"_s);
     EXPECT_EQ(shown(content.leftView()), lines + u"\n"_s);
+}
+
+TEST_F(ComparisonTest, MayBeAllThatTheProgramShows)
+{
+    window().close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QSignalSpy finished(&application, &AppDelegate::finished);
+    application.compare(write(u"a.c"_s, "int a;\n"), write(u"b.c"_s, "int b;\n"));
+    ASSERT_EQ(application.comparisons().size(), 1U);
+    EXPECT_TRUE(application.windows().empty());
+    EXPECT_EQ(application.comparisons().back()->windowTitle(), u"a.c \u2194 b.c"_s);
+    application.comparisons().back()->close();
+    EXPECT_EQ(finished.size(), 1);
+    application.compare(path(u"a.c"_s), path(u"missing"_s));
+    EXPECT_EQ(presenter.alerts().size(), 1U);
+    EXPECT_EQ(finished.size(), 2);
 }
 
 TEST(DiffOverview, MarksWhereChangesAre)

@@ -328,3 +328,20 @@ TEST_F(WorkspaceTest, ATabMovesToAWindowOfItsOwn)
     EXPECT_EQ(documents.documents().size(), 2U);
     EXPECT_FALSE(isEnabled("moveTabToNewWindow:"));
 }
+
+TEST_F(WorkspaceTest, GoesToPlacesInFiles)
+{
+    workspace().open({write(u"a.txt"_s, "one\ntwo three\nfour"), write(u"b.txt"_s, "x")});
+    const auto placeOf = [this](qsizetype line, qsizetype column) {
+        application.goTo(path(u"a.txt"_s), line, column);
+        return textView().selection().caret;
+    };
+    EXPECT_EQ(placeOf(2, 0), 4);
+    EXPECT_EQ(tabs().at(pane(0).selectedIndex()), u"a.txt"_s);
+    EXPECT_EQ(placeOf(2, 5), 8);
+    EXPECT_EQ(placeOf(2, 99), 13) << "no further than the line";
+    EXPECT_EQ(placeOf(99, 3), 16);
+    EXPECT_EQ(placeOf(std::numeric_limits<qsizetype>::max(), std::numeric_limits<qsizetype>::max()), 18);
+    application.goTo(path(u"missing"_s), 1, 1);
+    EXPECT_EQ(textView().selection().caret, 18);
+}

@@ -261,5 +261,9 @@ int main(int argc, char **argv)
     const QApplication application(argc, argv);
     Program program(*qApp);
     const Driver driver(program);
-    return program.run(QApplication::arguments().mid(1));
+    CommandLine line;
+    for (const QString &path : QApplication::arguments().mid(1)) {
+        line.files.push_back({.path = path});
+    }
+    return program.run(line);
 }
