@@ -2,12 +2,16 @@
 // SPDX-License-Identifier: MIT
 #include "App/CommandLine.h"
 #include "App/Program.h"
+#include "App/RunningInstance.h"
+#include "Platform/Translation.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFile>
 
 #include <cstdio>
+
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -16,6 +20,21 @@ namespace {
 void print(FILE *stream, const QString &text)
 {
     std::fputs(text.toLocal8Bit().constData(), stream);
+}
+
+using Answer = RunningInstance::Answer;
+
+/// To the program that runs, if one does.
+Answer handOver(const CommandLine &line)
+{
+    constexpr std::chrono::seconds patience{3};
+    const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN", qEnvironmentVariable("DESKTOP_STARTUP_ID"));
+    return RunningInstance::handOver(QDBusConnection::sessionBus(),
+                                     {.files = line.files,
+                                      .opensNewWindow = line.opensNewWindow,
+                                      .stream = line.readsStandardInput ? STDIN_FILENO : -1,
+                                      .activationToken = token},
+                                     patience);
 }
 
 void complain(const CommandLine &line)
@@ -60,6 +79,18 @@ int main(int argc, char **argv)
     int applicationArguments = 1;
     QApplication application(applicationArguments, argv);
     QApplication::setApplicationVersion(QStringLiteral(QUILLET_VERSION));
+    const bool isComparison = line.request == CommandLine::Request::compare;
+    const auto answer = isComparison ? Answer::none : handOver(line);
+    if (answer == Answer::taken) {
+        return 0;
+    }
     Program program(application, line.language);
+    // Of two that start at the same time, one is the first.
+    if (answer == Answer::nobodyRuns && !program.listen() && handOver(line) == Answer::taken) {
+        return 0;
+    }
+    if (answer == Answer::none && !isComparison) {
+        print(stderr, u"quillet: "_s + localized(u"The Quillet that is running does not answer. This one works alone.") + u'\n');
+    }
     return program.run(line);
 }

@@ -3,6 +3,7 @@
 #include "App/AppDelegate.h"
 
 #include "App/MainMenu.h"
+#include "App/RunningInstance.h"
 #include "App/StandardInput.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
@@ -21,6 +22,8 @@
 #include <QApplication>
 
 #include <array>
+
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -265,10 +268,43 @@ void AppDelegate::goTo(const QString &path, qsizetype line, qsizetype column)
     }
 }
 
+void AppDelegate::open(const OpenRequest &request)
+{
+    if (!request.activationToken.isEmpty()) {
+        // The toolkit takes it from there when the window asks to be active.
+        qputenv("XDG_ACTIVATION_TOKEN", request.activationToken.toUtf8());
+    }
+    QStringList paths;
+    for (const CommandLine::File &file : request.files) {
+        paths << file.path;
+    }
+    if (request.opensNewWindow) {
+        WorkspaceViewController &workspace = openWindow();
+        workspace.window()->activateWindow();
+        workspace.open(paths);
+        m_lastActive = m_windows.back();
+    } else {
+        open(paths);
+    }
+    for (const CommandLine::File &file : request.files) {
+        if (file.line > 0) {
+            goTo(file.path, file.line, file.column);
+        }
+    }
+    if (request.stream >= 0) {
+        openStream(request.stream);
+    }
+}
+
 void AppDelegate::openStream(int descriptor)
 {
     m_reading = BackgroundTask::start(
-        m_services.workers, [descriptor](const std::stop_token &) { return readStream(descriptor); },
+        m_services.workers,
+        [descriptor](const std::stop_token &) {
+            auto contents = readStream(descriptor);
+            ::close(descriptor);
+            return contents;
+        },
         [this](const tl::expected<TextFile::Contents, TextFile::ReadError> &contents) {
             MainWindowController *front = frontmostWindow();
             MainWindowController &window = front ? *front : makeWindow();

@@ -11,6 +11,7 @@
 #include <memory>
 
 struct MenuSources;
+struct OpenRequest;
 
 class SettingsWindowController;
 
@@ -28,8 +29,10 @@ public:
     void compare(const QString &oldPath, const QString &newPath);
     /// To a place in a file that is open: line and column from 1, a column of 0 for none; beyond the end it is the end.
     void goTo(const QString &path, qsizetype line, qsizetype column);
-    /// Opens what comes on a descriptor, once it has ended, as a text without a file.
+    /// Opens what comes on a descriptor, once it has ended, as a text without a file. Closes it.
     void openStream(int descriptor);
+    /// What another start or the desktop asks for; the window comes to the front.
+    void open(const OpenRequest &request);
     /// Ends the program. The session is kept, with all unsaved text; where it cannot be, the windows close one after the other and each
     /// asks about its texts. One that is left open ends it.
     void terminate();

@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-enum class Option { compare, language, help, version };
+enum class Option { newWindow, compare, language, help, version };
 
 struct OptionRow {
     Option option;
@@ -31,6 +31,7 @@ struct OptionRow {
 };
 
 constexpr auto options = std::to_array<OptionRow>({
+    {Option::newWindow, "--new-window"_L1, "-n"_L1, {}, 0, u"open the files in a window of their own"},
     {Option::compare, "--diff"_L1, "-d"_L1, "OLD NEW"_L1, 2, u"compare two files side by side"},
     {Option::language, "--language"_L1, {}, "en|de"_L1, 1, u"the language of the interface, this time"},
     {Option::help, "--help"_L1, "-h"_L1, {}, 0, u"show this help and end"},
@@ -146,6 +147,9 @@ private:
             return refuse(formatted(localized(u"“%@” needs more: %@"), argument, QString(row->values)));
         }
         switch (row->option) {
+        case Option::newWindow:
+            m_line.opensNewWindow = true;
+            return wanted;
         case Option::compare:
             m_line.request = CommandLine::Request::compare;
             m_line.files.clear();

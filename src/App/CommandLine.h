@@ -26,6 +26,7 @@ struct CommandLine {
     Request request = Request::openFiles;
     /// In the order given; two of them for a comparison, the old one first.
     std::vector<File> files = {};
+    bool opensNewWindow = false;
     /// What comes from the standard input is opened too.
     bool readsStandardInput = false;
     /// Of the interface, this time.

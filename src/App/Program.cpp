@@ -3,6 +3,7 @@
 #include "App/Program.h"
 
 #include "App/AppDelegate.h"
+#include "App/RunningInstance.h"
 #include "App/TerminationSignals.h"
 #include "Editor/SpellingPanel.h"
 #include "Model/DocumentStore.h"
@@ -117,6 +118,7 @@ struct Program::Parts {
          desktop,
          session,
          recent}};
+    RunningInstance instance{QDBusConnection::sessionBus(), [this](const OpenRequest &request) { delegate.open(request); }};
     TerminationSignals termination{[this] { delegate.terminateNow(); }};
 };
 
@@ -131,6 +133,11 @@ Program::~Program() = default;
 AppDelegate &Program::delegate()
 {
     return m_parts->delegate;
+}
+
+bool Program::listen()
+{
+    return m_parts->instance.registerHere();
 }
 
 int Program::run(const CommandLine &line)

@@ -21,6 +21,8 @@ public:
     [[nodiscard]] AppDelegate &delegate();
     /// Shows the first window, or a comparison, with what `line` names. Returns when the program is to end, with its exit code.
     int run(const CommandLine &line);
+    /// Other starts find this one from now on; false when there is another that they find, or no bus.
+    [[nodiscard]] bool listen();
 
 private:
     struct Parts;

@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "App/CommandLine.h"
+
+#include <QDBusConnection>
+#include <QObject>
+
+#include <chrono>
+#include <functional>
+
+/// What a start of the program, or the desktop, asks of the one that runs.
+struct OpenRequest {
+    std::vector<CommandLine::File> files = {};
+    bool opensNewWindow = false;
+    /// What comes on it is opened too; below 0 there is none. Whoever is asked closes it.
+    int stream = -1;
+    /// By which the desktop lets a window come to the front; may be empty.
+    QString activationToken = {};
+};
+
+/// The one program of a user's session, which others find on the session bus: as `org.freedesktop.Application`, and by an interface of its
+/// own that knows places in files. Main thread only.
+class RunningInstance final : public QObject {
+    Q_OBJECT
+
+public:
+    enum class Answer { taken, nobodyRuns, none };
+
+    /// Hands `request` to the program that runs and waits for it so long. Closes nothing.
+    [[nodiscard]] static Answer handOver(QDBusConnection bus, const OpenRequest &request, std::chrono::milliseconds patience);
+
+    /// `open` is called from the event loop.
+    RunningInstance(const QDBusConnection &bus, std::function<void(const OpenRequest &request)> open);
+    ~RunningInstance() override;
+
+    /// Is the one that is found from now on; false when there is another, or no bus.
+    [[nodiscard]] bool registerHere();
+    void take(const OpenRequest &request) { m_open(request); }
+
+private:
+    QDBusConnection m_bus;
+    std::function<void(const OpenRequest &)> m_open;
+    bool m_isRegistered = false;
+};
