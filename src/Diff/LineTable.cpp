@@ -52,15 +52,3 @@ qsizetype LineTable::start(qsizetype line) const
     }
     return start;
 }
-
-qsizetype LineTable::lineAt(qsizetype offset) const
-{
-    const auto next = std::ranges::upper_bound(m_entries, offset, {}, [](const Entry &entry) { return qsizetype(entry.start); });
-    const Entry entry = next == m_entries.begin() ? Entry() : *std::prev(next);
-    ChunkReader chunks(m_text);
-    qsizetype line = entry.line;
-    for (qsizetype at = chunks.lineEnd(entry.start, offset); at < offset; at = chunks.lineEnd(at + 1, offset)) {
-        ++line;
-    }
-    return std::max<qsizetype>(0, std::min(line, m_count - 1));
-}

@@ -27,9 +27,6 @@ public:
     [[nodiscard]] TextRange range(qsizetype line) const;
     /// Where line `line` begins, 0 … count; that of `count` is behind the last line and its LF. O(log n).
     [[nodiscard]] qsizetype start(qsizetype line) const;
-    /// The line that holds `offset` (0 … the text's length); an LF belongs to the line that it ends, and what follows the last line to that
-    /// one. 0 without lines. O(log n).
-    [[nodiscard]] qsizetype lineAt(qsizetype offset) const;
 
 private:
     /// The first line that begins behind an LF of a leaf; the leaf's other LFs follow it.
