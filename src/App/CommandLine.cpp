@@ -17,20 +17,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-enum class Option { newWindow, compare, language, help, version };
+using OptionRow = CommandLine::OptionRow;
+using Option = OptionRow::Option;
 
-struct OptionRow {
-    Option option;
-    QLatin1StringView longName;
-    /// Empty when there is none.
-    QLatin1StringView shortName;
-    /// What it takes, as the help shows it.
-    QLatin1StringView values;
-    int valueCount;
-    const char16_t *purpose;
-};
-
-constexpr auto options = std::to_array<OptionRow>({
+constexpr auto optionRows = std::to_array<OptionRow>({
     {Option::newWindow, "--new-window"_L1, "-n"_L1, {}, 0, u"open the files in a window of their own"},
     {Option::compare, "--diff"_L1, "-d"_L1, "OLD NEW"_L1, 2, u"compare two files side by side"},
     {Option::language, "--language"_L1, {}, "en|de"_L1, 1, u"the language of the interface, this time"},
@@ -38,12 +28,8 @@ constexpr auto options = std::to_array<OptionRow>({
     {Option::version, "--version"_L1, "-v"_L1, {}, 0, u"show the version and end"},
 });
 
-struct Words {
-    QLatin1StringView form;
-    const char16_t *purpose;
-};
 /// What is no option.
-constexpr auto others = std::to_array<Words>({
+constexpr auto others = std::to_array<std::pair<QLatin1StringView, const char16_t *>>({
     {"FILE:LINE[:COLUMN]"_L1, u"open a file at a place"},
     {"+LINE[:COLUMN] FILE"_L1, u"the same; + alone is the last line"},
     {"-"_L1, u"open what comes from the standard input"},
@@ -134,11 +120,11 @@ private:
     {
         const QString &argument = arguments[at];
         const QString name = argument.startsWith("--"_L1) ? argument.section(u'=', 0, 0) : argument;
-        const auto row = std::ranges::find_if(options, [&](const OptionRow &known) {
+        const auto row = std::ranges::find_if(optionRows, [&](const OptionRow &known) {
             return name == known.longName || (!known.shortName.isEmpty() && name == known.shortName);
         });
         const bool hasValue = name != argument;
-        if (row == options.end() || (hasValue && row->valueCount != 1)) {
+        if (row == optionRows.end() || (hasValue && row->valueCount != 1)) {
             return refuse(formatted(localized(u"There is no option “%@”."), argument));
         }
         const qsizetype wanted = hasValue ? 0 : row->valueCount;
@@ -192,6 +178,16 @@ private:
 
 } // namespace
 
+std::span<const OptionRow> CommandLine::options()
+{
+    return optionRows;
+}
+
+std::span<const std::pair<QLatin1StringView, const char16_t *>> CommandLine::otherForms()
+{
+    return others;
+}
+
 CommandLine CommandLine::parse(const QStringList &arguments, const QString &folder)
 {
     return Parser(folder).parse(arguments);
@@ -200,12 +196,12 @@ CommandLine CommandLine::parse(const QStringList &arguments, const QString &fold
 QString CommandLine::help()
 {
     std::vector<std::pair<QString, QString>> rows;
-    for (const OptionRow &option : options) {
+    for (const OptionRow &option : optionRows) {
         const QString names = (option.shortName.isEmpty() ? QString() : option.shortName + u", "_s) + option.longName;
         rows.emplace_back(option.values.isEmpty() ? names : names + u' ' + option.values, localized(option.purpose));
     }
-    for (const Words &words : others) {
-        rows.emplace_back(QString(words.form), localized(words.purpose));
+    for (const auto &[form, purpose] : others) {
+        rows.emplace_back(QString(form), localized(purpose));
     }
     const qsizetype width = std::ranges::max(rows, {}, [](const auto &row) { return row.first.size(); }).first.size();
     QString text = localized(u"Usage: quillet [OPTION] [FILE…]") + u"\n\n"_s;

@@ -8,6 +8,8 @@
 #include <QStringList>
 
 #include <optional>
+#include <span>
+#include <utility>
 #include <vector>
 
 /// What the program was asked to do when it was started.
@@ -34,9 +36,29 @@ struct CommandLine {
     /// For standard error, one a line: why the request is refused, or what is not opened.
     QStringList complaints = {};
 
+    struct OptionRow;
+    /// In the order in which they are told of.
+    [[nodiscard]] static std::span<const OptionRow> options();
+    /// What is no option: its form and what it is for, in English.
+    [[nodiscard]] static std::span<const std::pair<QLatin1StringView, const char16_t *>> otherForms();
+
     /// `arguments` without the program's own name; relative ones start at `folder`, "~/" at the home folder. What begins with "-" is an
     /// option unless it follows "--"; "+LINE" or "+LINE:COLUMN" is about the file after it. A file that is really called "a:12" is meant
     /// before line 12 of "a".
     [[nodiscard]] static CommandLine parse(const QStringList &arguments, const QString &folder);
     [[nodiscard]] static QString help();
+};
+
+struct CommandLine::OptionRow {
+    enum class Option { newWindow, compare, language, help, version };
+
+    Option option;
+    QLatin1StringView longName;
+    /// Empty when there is none.
+    QLatin1StringView shortName;
+    /// What it takes, as the help shows it.
+    QLatin1StringView values;
+    int valueCount;
+    /// English.
+    const char16_t *purpose;
 };

@@ -211,7 +211,7 @@ bool EditorVim::replace(std::span<const Edit> edits)
     for (const Edit &edit : edits) {
         texts.push_back(edit.text.toString());
     }
-    std::vector<TextView::Replacement> replacements;
+    std::vector<EditorTextView::Replacement> replacements;
     for (size_t index = 0; index < edits.size(); ++index) {
         replacements.push_back({edits[index].range, texts[index]});
     }

@@ -51,6 +51,7 @@ struct CommandRow {
 
 /// The rows of each subject; `main.cpp` lists the subjects.
 [[nodiscard]] std::span<const CommandRow> diffCommands();
+[[nodiscard]] std::span<const CommandRow> commandLineCommands();
 [[nodiscard]] std::span<const CommandRow> fileCommands();
 [[nodiscard]] std::span<const CommandRow> highlightCommands();
 [[nodiscard]] std::span<const CommandRow> keysCommands();

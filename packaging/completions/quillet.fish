@@ -1,0 +1,5 @@
+complete -c quillet -s n -l new-window -d 'open the files in a window of their own'
+complete -c quillet -s d -l diff -r -d 'compare two files side by side'
+complete -c quillet -l language -x -a 'en de' -d 'the language of the interface, this time'
+complete -c quillet -s h -l help -d 'show this help and end'
+complete -c quillet -s v -l version -d 'show the version and end'

@@ -1,0 +1,12 @@
+#compdef quillet
+_arguments \
+    '(-n --new-window)-n[open the files in a window of their own]' \
+    '(-n --new-window)--new-window[open the files in a window of their own]' \
+    '(-d --diff)-d[compare two files side by side]:file:_files:file:_files' \
+    '(-d --diff)--diff[compare two files side by side]:file:_files:file:_files' \
+    '(--language)--language[the language of the interface, this time]:word:(en de)' \
+    '(-h --help)-h[show this help and end]' \
+    '(-h --help)--help[show this help and end]' \
+    '(-v --version)-v[show the version and end]' \
+    '(-v --version)--version[show the version and end]' \
+    '*:file:_files'
