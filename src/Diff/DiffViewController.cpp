@@ -205,13 +205,18 @@ void DiffViewController::applyPreferences()
 {
     m_services.documents.refreshAppearance();
     const QFont font = editorFont(m_services.preferences);
-    for (const auto &column : m_columns) {
-        if (column->view->textFont() != font) {
-            column->view->setTextFont(font);
+    {
+        // Each keeps its row while the rows get another height.
+        const QScopedValueRollback<bool> changing(m_isFollowing, true);
+        for (const auto &column : m_columns) {
+            if (column->view->textFont() != font) {
+                column->view->setTextFont(font);
+            }
+            column->view->ruler().setEditorFont(font);
+            column->view->setTabWidth(m_language.defaultIndentWidth().value_or(m_services.preferences.tabWidth()));
         }
-        column->view->ruler().setEditorFont(font);
-        column->view->setTabWidth(m_language.defaultIndentWidth().value_or(m_services.preferences.tabWidth()));
     }
+    follow(*m_columns[0]);
     applyTheme();
 }
 

@@ -143,8 +143,11 @@ TEST_F(ComparisonTest, ScrollsBothColumnsTogether)
     emit content.leftView().visibleRowsChanged();
     EXPECT_EQ(x(content.rightView()), 50) << "nor when it tells of something else";
     // Another font moves nothing but by its own size.
+    content.rightView().setScrollOffset(content.rightView().topOfRow(100));
     preferences.setFontSize(20);
-    EXPECT_EQ(content.leftView().topRow(), content.rightView().topRow());
+    EXPECT_EQ(content.leftView().topRow(), 100);
+    EXPECT_EQ(content.rightView().topRow(), 100);
+    EXPECT_EQ(y(content.rightView()), y(content.leftView()));
     // Finding in one of them leaves the rows side by side.
     content.leftView().setFocus();
     content.perform("performTextFinderAction:", {.tag = int(FindAction::showFindBar)});
