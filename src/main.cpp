@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 
 #include <cstdio>
 
@@ -25,7 +26,7 @@ void print(FILE *stream, const QString &text)
 using Answer = RunningInstance::Answer;
 
 /// To the program that runs, if one does.
-Answer handOver(const CommandLine &line)
+RunningInstance::Outcome handOver(const CommandLine &line)
 {
     constexpr std::chrono::seconds patience{3};
     const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN", qEnvironmentVariable("DESKTOP_STARTUP_ID"));
@@ -34,7 +35,24 @@ Answer handOver(const CommandLine &line)
                                       .opensNewWindow = line.opensNewWindow,
                                       .stream = line.readsStandardInput ? STDIN_FILENO : -1,
                                       .activationToken = token},
-                                     patience);
+                                     line.waits ? RunningInstance::Until::closed : RunningInstance::Until::taken, patience);
+}
+
+/// As a program of its own, that goes on when this one has done with waiting.
+void startAnother(const CommandLine &line)
+{
+    constexpr std::chrono::seconds patience{20};
+    QProcess program;
+    program.setProgram(QCoreApplication::applicationFilePath());
+    if (line.language) {
+        program.setArguments({u"--language"_s, *line.language == AppLanguage::german ? u"de"_s : u"en"_s});
+    }
+    program.setStandardInputFile(QProcess::nullDevice());
+    program.setStandardOutputFile(QProcess::nullDevice());
+    program.setStandardErrorFile(QProcess::nullDevice());
+    if (program.startDetached()) {
+        std::ignore = RunningInstance::waitUntilOneRuns(QDBusConnection::sessionBus(), patience);
+    }
 }
 
 void complain(const CommandLine &line)
@@ -80,16 +98,22 @@ int main(int argc, char **argv)
     QApplication application(applicationArguments, argv);
     QApplication::setApplicationVersion(QStringLiteral(QUILLET_VERSION));
     const bool isComparison = line.request == CommandLine::Request::compare;
-    const auto answer = isComparison ? Answer::none : handOver(line);
-    if (answer == Answer::taken) {
-        return 0;
+    auto given = isComparison ? RunningInstance::Outcome{} : handOver(line);
+    if (given.answer == Answer::nobodyRuns && line.waits && QDBusConnection::sessionBus().isConnected()) {
+        startAnother(line);
+        given = handOver(line);
+    }
+    if (given.answer == Answer::taken) {
+        return given.status;
     }
     Program program(application, line.language);
     // Of two that start at the same time, one is the first.
-    if (answer == Answer::nobodyRuns && !program.listen() && handOver(line) == Answer::taken) {
-        return 0;
+    if (given.answer == Answer::nobodyRuns && !program.listen()) {
+        if (const auto late = handOver(line); late.answer == Answer::taken) {
+            return late.status;
+        }
     }
-    if (answer == Answer::none && !isComparison) {
+    if (given.answer == Answer::none && !isComparison) {
         print(stderr, u"quillet: "_s + localized(u"The Quillet that is running does not answer. This one works alone.") + u'\n');
     }
     return program.run(line);

@@ -1,5 +1,7 @@
 #compdef quillet
 _arguments \
+    '(-w --wait)-w[end when the files are closed; 1 when edits were not saved]' \
+    '(-w --wait)--wait[end when the files are closed; 1 when edits were not saved]' \
     '(-n --new-window)-n[open the files in a window of their own]' \
     '(-n --new-window)--new-window[open the files in a window of their own]' \
     '(-d --diff)-d[compare two files side by side]:file:_files:file:_files' \

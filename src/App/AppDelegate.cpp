@@ -54,6 +54,7 @@ AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(service
         }
     });
     connect(qApp, &QGuiApplication::focusWindowChanged, this, &AppDelegate::rememberActiveWindow);
+    m_documentObserver = m_services.notifications.observe(DocumentStore::didChange, nullptr, [this] { noticeClosed(); });
     m_services.session.onSetAside([this](const QString &folder) {
         warn(localized(u"The last session could not be read."),
              formatted(localized(m_services.session.isOwner()
@@ -71,6 +72,11 @@ AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(service
 
 AppDelegate::~AppDelegate()
 {
+    // What is still open was saved or not.
+    for (const Waiting &waiting : std::exchange(m_waiting, {})) {
+        const bool isDirty = std::ranges::any_of(waiting.documents, [](const auto &document) { return document->hasUnsavedText(); });
+        waiting.closed(isDirty ? 1 : waiting.status);
+    }
     m_services.session.onSetAside({});
     m_services.session.onProblem({});
     for (DiffWindowController *window : std::exchange(m_comparisons, {})) {
@@ -291,32 +297,83 @@ void AppDelegate::open(const OpenRequest &request)
             goTo(file.path, file.line, file.column);
         }
     }
+    std::vector<std::shared_ptr<TextDocument>> opened;
+    for (const CommandLine::File &file : request.files) {
+        if (TextDocument *document = m_services.documents.documentAt(file.path)) {
+            opened.push_back(document->shared_from_this());
+        }
+    }
+    const bool waitsForStream = request.files.empty() && request.stream >= 0;
     if (request.stream >= 0) {
-        openStream(request.stream);
+        openStream(request.stream, waitsForStream ? request.closed : nullptr);
+    }
+    if (request.closed && !waitsForStream) {
+        tellWhenClosed(opened, request.closed);
     }
 }
 
-void AppDelegate::openStream(int descriptor)
+/// What could not be opened is not saved either.
+void AppDelegate::tellWhenClosed(const std::vector<std::shared_ptr<TextDocument>> &documents, const std::function<void(int status)> &closed)
 {
-    m_reading = BackgroundTask::start(
+    if (documents.empty()) {
+        closed(1);
+    } else {
+        m_waiting.push_back({documents, closed});
+    }
+}
+
+void AppDelegate::noticeClosed()
+{
+    const auto &open = m_services.documents.documents();
+    for (Waiting &waiting : m_waiting) {
+        std::erase_if(waiting.documents, [&](const std::shared_ptr<TextDocument> &document) {
+            const bool isOpen = std::ranges::find(open, document) != open.end();
+            waiting.status = !isOpen && document->isDirty() ? 1 : waiting.status;
+            return !isOpen;
+        });
+    }
+    // Whoever hears of it may begin to wait for something else.
+    std::vector<Waiting> over;
+    std::erase_if(m_waiting, [&over](Waiting &waiting) {
+        const bool isOver = waiting.documents.empty();
+        if (isOver) {
+            over.push_back(std::move(waiting));
+        }
+        return isOver;
+    });
+    for (const Waiting &waiting : over) {
+        waiting.closed(waiting.status);
+    }
+}
+
+void AppDelegate::openStream(int descriptor, const std::function<void(int status)> &closed)
+{
+    std::erase_if(m_readings, [](const BackgroundTask &reading) { return !reading.isPending(); });
+    m_readings.push_back(BackgroundTask::start(
         m_services.workers,
         [descriptor](const std::stop_token &) {
             auto contents = readStream(descriptor);
             ::close(descriptor);
             return contents;
         },
-        [this](const tl::expected<TextFile::Contents, TextFile::ReadError> &contents) {
+        [this, closed](const tl::expected<TextFile::Contents, TextFile::ReadError> &contents) {
             MainWindowController *front = frontmostWindow();
             MainWindowController &window = front ? *front : makeWindow();
+            std::vector<std::shared_ptr<TextDocument>> opened;
             if (contents) {
-                window.workspace().adopt(
-                    m_services.documents.add(std::make_unique<TextDocument>(m_services.documents.services(), QString(), *contents)));
+                TextDocument &document =
+                    m_services.documents.add(std::make_unique<TextDocument>(m_services.documents.services(), QString(), *contents));
+                opened.push_back(document.shared_from_this());
+                window.workspace().adopt(document);
             } else {
                 m_services.presenter.present(
                     Alert::forError(contents.error().description(), contents.error().recoverySuggestion().value_or(QString())), &window,
                     {});
             }
-        });
+            if (closed) {
+                tellWhenClosed(opened, closed);
+            }
+        }));
 }
 
 void AppDelegate::open(const QStringList &paths)

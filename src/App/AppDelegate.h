@@ -29,8 +29,8 @@ public:
     void compare(const QString &oldPath, const QString &newPath);
     /// To a place in a file that is open: line and column from 1, a column of 0 for none; beyond the end it is the end.
     void goTo(const QString &path, qsizetype line, qsizetype column);
-    /// Opens what comes on a descriptor, once it has ended, as a text without a file. Closes it.
-    void openStream(int descriptor);
+    /// Opens what comes on a descriptor, once it has ended, as a text without a file. Closes it. For `closed` see OpenRequest.
+    void openStream(int descriptor, const std::function<void(int status)> &closed = {});
     /// What another start or the desktop asks for; the window comes to the front.
     void open(const OpenRequest &request);
     /// Ends the program. The session is kept, with all unsaved text; where it cannot be, the windows close one after the other and each
@@ -58,8 +58,17 @@ signals:
     void finished();
 
 private:
+    /// What somebody waits for.
+    struct Waiting {
+        std::vector<std::shared_ptr<TextDocument>> documents;
+        std::function<void(int status)> closed;
+        int status = 0;
+    };
+
     void newWindow();
     void closeNext();
+    void tellWhenClosed(const std::vector<std::shared_ptr<TextDocument>> &documents, const std::function<void(int status)> &closed);
+    void noticeClosed();
     [[nodiscard]] bool hasUnsavedText() const;
     void warn(const QString &message, const QString &details);
     void showAbout();
@@ -88,7 +97,9 @@ private:
     QPointer<MainWindowController> m_lastActive;
     /// Made when it is shown first.
     std::unique_ptr<SettingsWindowController> m_settings;
-    BackgroundTask m_reading;
+    std::vector<BackgroundTask> m_readings;
+    std::vector<Waiting> m_waiting;
+    NotificationCenter::Token m_documentObserver;
     bool m_isTerminating = false;
     DelayedTask m_warning;
     NotificationCenter::Token m_languageObserver;

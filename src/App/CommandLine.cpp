@@ -21,6 +21,7 @@ using OptionRow = CommandLine::OptionRow;
 using Option = OptionRow::Option;
 
 constexpr auto optionRows = std::to_array<OptionRow>({
+    {Option::wait, "--wait"_L1, "-w"_L1, {}, 0, u"end when the files are closed; 1 when edits were not saved"},
     {Option::newWindow, "--new-window"_L1, "-n"_L1, {}, 0, u"open the files in a window of their own"},
     {Option::compare, "--diff"_L1, "-d"_L1, "OLD NEW"_L1, 2, u"compare two files side by side"},
     {Option::language, "--language"_L1, {}, "en|de"_L1, 1, u"the language of the interface, this time"},
@@ -133,6 +134,9 @@ private:
             return refuse(formatted(localized(u"“%@” needs more: %@"), argument, QString(row->values)));
         }
         switch (row->option) {
+        case Option::wait:
+            m_line.waits = true;
+            return wanted;
         case Option::newWindow:
             m_line.opensNewWindow = true;
             return wanted;

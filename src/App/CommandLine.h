@@ -29,6 +29,8 @@ struct CommandLine {
     /// In the order given; two of them for a comparison, the old one first.
     std::vector<File> files = {};
     bool opensNewWindow = false;
+    /// Ends when the files have been closed again.
+    bool waits = false;
     /// What comes from the standard input is opened too.
     bool readsStandardInput = false;
     /// Of the interface, this time.
@@ -50,7 +52,7 @@ struct CommandLine {
 };
 
 struct CommandLine::OptionRow {
-    enum class Option { newWindow, compare, language, help, version };
+    enum class Option { wait, newWindow, compare, language, help, version };
 
     Option option;
     QLatin1StringView longName;

@@ -5,8 +5,13 @@
 #include <QDBusAbstractAdaptor>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusServiceWatcher>
 #include <QDBusUnixFileDescriptor>
+#include <QEventLoop>
+#include <QTimer>
 #include <QUrl>
+
+#include <limits>
 
 #include <unistd.h>
 
@@ -19,6 +24,7 @@ constexpr auto objectPath = "/org/quillet/Quillet"_L1;
 constexpr auto tokenKey = "activation-token"_L1;
 constexpr auto newWindowKey = "new-window"_L1;
 constexpr auto streamKey = "stream"_L1;
+constexpr auto waitKey = "wait"_L1;
 
 OpenRequest requestOf(const QVariantMap &options)
 {
@@ -69,9 +75,11 @@ public:
     explicit FilesAdaptor(RunningInstance &instance) : QDBusAbstractAdaptor(&instance), m_instance(instance) {}
 
 public slots:
-    /// Lines and columns as in CommandLine::File, one of each for every path. Options: "new-window", "activation-token", "stream".
+    /// Lines and columns as in CommandLine::File, one of each for every path. Options: "new-window", "activation-token", "stream", and
+    /// "wait", with which the exit status is answered when all is closed.
     // NOLINTNEXTLINE(readability-identifier-naming): the bus calls it so
-    void Open(const QStringList &paths, const QList<qlonglong> &lines, const QList<qlonglong> &columns, const QVariantMap &options)
+    int Open(const QStringList &paths, const QList<qlonglong> &lines, const QList<qlonglong> &columns, const QVariantMap &options,
+             const QDBusMessage &call)
     {
         OpenRequest request = requestOf(options);
         for (qsizetype index = 0; index < paths.size(); ++index) {
@@ -80,17 +88,32 @@ public slots:
         if (const auto stream = options.value(streamKey).value<QDBusUnixFileDescriptor>(); stream.isValid()) {
             request.stream = ::dup(stream.fileDescriptor());
         }
+        if (options.value(waitKey).toBool()) {
+            call.setDelayedReply(true);
+            request.closed = [bus = m_instance.bus(), call](int status) { bus.send(call.createReply(status)); };
+        }
         m_instance.take(request);
+        return 0;
     }
 
 private:
     RunningInstance &m_instance;
 };
 
-RunningInstance::Answer RunningInstance::handOver(QDBusConnection bus, const OpenRequest &request, std::chrono::milliseconds patience)
+RunningInstance::Outcome RunningInstance::handOver(QDBusConnection bus, const OpenRequest &request, Until until,
+                                                   std::chrono::milliseconds patience)
 {
+    const auto answerTo = [&bus](const QString &interface, const QString &method, const QVariantList &arguments, int milliseconds) {
+        QDBusMessage call = QDBusMessage::createMethodCall(serviceName, objectPath, interface, method);
+        call.setAutoStartService(false);
+        call.setArguments(arguments);
+        return bus.call(call, QDBus::Block, milliseconds);
+    };
     if (!bus.isConnected() || !bus.interface()->isServiceRegistered(serviceName)) {
-        return Answer::nobodyRuns;
+        return {Answer::nobodyRuns};
+    }
+    if (answerTo(u"org.freedesktop.DBus.Peer"_s, u"Ping"_s, {}, int(patience.count())).type() != QDBusMessage::ReplyMessage) {
+        return {Answer::none};
     }
     QStringList paths;
     QList<qlonglong> lines;
@@ -104,11 +127,30 @@ RunningInstance::Answer RunningInstance::handOver(QDBusConnection bus, const Ope
     if (request.stream >= 0) {
         options.insert(streamKey, QVariant::fromValue(QDBusUnixFileDescriptor(request.stream)));
     }
-    QDBusMessage call = QDBusMessage::createMethodCall(serviceName, objectPath, serviceName, u"Open"_s);
-    call.setAutoStartService(false);
-    call << paths << QVariant::fromValue(lines) << QVariant::fromValue(columns) << options;
-    const QDBusMessage reply = bus.call(call, QDBus::Block, int(patience.count()));
-    return reply.type() == QDBusMessage::ReplyMessage ? Answer::taken : Answer::none;
+    const bool waits = until == Until::closed;
+    options.insert(waitKey, waits);
+    const QDBusMessage reply = answerTo(serviceName, u"Open"_s, {paths, QVariant::fromValue(lines), QVariant::fromValue(columns), options},
+                                        waits ? std::numeric_limits<int>::max() : int(patience.count()));
+    if (reply.type() == QDBusMessage::ReplyMessage) {
+        return {Answer::taken, reply.arguments().value(0).toInt()};
+    }
+    // One that ended meanwhile has told nobody what became of the files.
+    return waits ? Outcome{Answer::taken, 1} : Outcome{Answer::none};
+}
+
+bool RunningInstance::waitUntilOneRuns(QDBusConnection bus, std::chrono::milliseconds patience)
+{
+    QEventLoop loop;
+    QDBusServiceWatcher watcher(serviceName, bus, QDBusServiceWatcher::WatchForRegistration);
+    QObject::connect(&watcher, &QDBusServiceWatcher::serviceRegistered, &loop, &QEventLoop::quit);
+    QTimer::singleShot(patience, &loop, &QEventLoop::quit);
+    if (!bus.isConnected()) {
+        return false;
+    }
+    if (!bus.interface()->isServiceRegistered(serviceName)) {
+        loop.exec();
+    }
+    return bus.interface()->isServiceRegistered(serviceName);
 }
 
 RunningInstance::RunningInstance(const QDBusConnection &bus, std::function<void(const OpenRequest &request)> open)

@@ -18,6 +18,8 @@ struct OpenRequest {
     int stream = -1;
     /// By which the desktop lets a window come to the front; may be empty.
     QString activationToken = {};
+    /// Somebody waits until all of it is closed again, and gets the exit status: 0, or 1 when edits were not saved. May be empty.
+    std::function<void(int status)> closed = {};
 };
 
 /// The one program of a user's session, which others find on the session bus: as `org.freedesktop.Application`, and by an interface of its
@@ -27,9 +29,17 @@ class RunningInstance final : public QObject {
 
 public:
     enum class Answer { taken, nobodyRuns, none };
+    enum class Until { taken, closed };
+    struct Outcome {
+        Answer answer = Answer::none;
+        /// For the exit, when it was taken.
+        int status = 0;
+    };
 
-    /// Hands `request` to the program that runs and waits for it so long. Closes nothing.
-    [[nodiscard]] static Answer handOver(QDBusConnection bus, const OpenRequest &request, std::chrono::milliseconds patience);
+    /// Hands `request` to the program that runs, which has so long to answer at all. Closes nothing.
+    [[nodiscard]] static Outcome handOver(QDBusConnection bus, const OpenRequest &request, Until until, std::chrono::milliseconds patience);
+    /// Whether there is one, after at most so long.
+    [[nodiscard]] static bool waitUntilOneRuns(QDBusConnection bus, std::chrono::milliseconds patience);
 
     /// `open` is called from the event loop.
     RunningInstance(const QDBusConnection &bus, std::function<void(const OpenRequest &request)> open);
@@ -38,6 +48,7 @@ public:
     /// Is the one that is found from now on; false when there is another, or no bus.
     [[nodiscard]] bool registerHere();
     void take(const OpenRequest &request) { m_open(request); }
+    [[nodiscard]] const QDBusConnection &bus() const { return m_bus; }
 
 private:
     QDBusConnection m_bus;

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "App/RunningInstance.h"
 #include "WindowFixture.h"
 
 #include <QDir>
@@ -344,4 +345,34 @@ TEST_F(WorkspaceTest, GoesToPlacesInFiles)
     EXPECT_EQ(placeOf(std::numeric_limits<qsizetype>::max(), std::numeric_limits<qsizetype>::max()), 18);
     application.goTo(path(u"missing"_s), 1, 1);
     EXPECT_EQ(textView().selection().caret, 18);
+}
+
+TEST_F(WorkspaceTest, TellsThoseWhoWaitForFiles)
+{
+    std::vector<int> statuses;
+    const auto open = [&](const std::vector<CommandLine::File> &files) {
+        application.open({.files = files, .closed = [&statuses](int status) { statuses.push_back(status); }});
+    };
+    write(u"a.txt"_s, "a");
+    write(u"b.txt"_s, "b");
+    open({{path(u"a.txt"_s)}, {path(u"b.txt"_s)}});
+    send("closeTab:");
+    EXPECT_TRUE(statuses.empty());
+    type(u"x"_s);
+    presenter.answer(AlertReply::firstButton);
+    send("closeTab:");
+    EXPECT_EQ(std::exchange(statuses, {}), std::vector<int>{0}) << "saved";
+    EXPECT_EQ(read(u"a.txt"_s), "xa");
+
+    open({{path(u"b.txt"_s), 1, 2}});
+    EXPECT_EQ(textView().selection().caret, 1);
+    type(u"x"_s);
+    presenter.answer(AlertReply::thirdButton);
+    send("closeTab:");
+    EXPECT_EQ(std::exchange(statuses, {}), std::vector<int>{1}) << "not saved";
+    open({{path(u"missing"_s)}});
+    EXPECT_EQ(std::exchange(statuses, {}), std::vector<int>{1}) << "not opened";
+    application.open({.files = {{path(u"a.txt"_s)}}, .opensNewWindow = true});
+    EXPECT_EQ(application.windows().size(), 2U);
+    EXPECT_EQ(workspace(1).currentDocument()->path(), path(u"a.txt"_s));
 }

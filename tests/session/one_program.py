@@ -108,6 +108,30 @@ class OneProgram(unittest.TestCase):
         first.terminate()
         self.assertEqual(first.wait(PATIENCE), 0)
 
+    def test_it_waits_until_files_are_closed(self):
+        first = self.start(self.write("a.txt", "one\n"))
+        wait_for(lambda: "a.txt" in self.session(), "the first file")
+        waiting = self.start("--wait", self.write("b.txt", "two\n"))
+        wait_for(lambda: "b.txt" in self.session(), "the second file")
+        self.assertIsNone(waiting.poll())
+        self.assertEqual(self.start("--wait", "missing").wait(PATIENCE), 1)
+        first.terminate()
+        self.assertEqual(waiting.wait(PATIENCE), 0, "nothing was edited")
+
+    def test_it_starts_one_to_wait_for(self):
+        waiting = self.start("--wait", self.write("a.txt", "one\n"))
+        wait_for(lambda: "a.txt" in self.session(), "the file")
+        self.assertIsNone(waiting.poll())
+        others = []
+        for process in pathlib.Path("/proc").glob("[0-9]*"):
+            with contextlib.suppress(OSError):
+                if str(self.home).encode() in (process / "environ").read_bytes() and int(process.name) != waiting.pid \
+                        and os.readlink(process / "exe") == os.path.realpath(PROGRAM):
+                    others.append(int(process.name))
+        self.assertEqual(len(others), 1)
+        os.kill(others[0], signal.SIGTERM)
+        self.assertEqual(waiting.wait(PATIENCE), 0)
+
     def test_without_a_bus_it_works_alone(self):
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + str(self.home / "nothing")
         alone = self.start(self.write("a.txt", "one\n"))
