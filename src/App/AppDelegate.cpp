@@ -292,6 +292,11 @@ void AppDelegate::open(const OpenRequest &request)
     } else {
         open(paths);
     }
+    attend(request);
+}
+
+void AppDelegate::attend(const OpenRequest &request)
+{
     for (const CommandLine::File &file : request.files) {
         if (file.line > 0) {
             goTo(file.path, file.line, file.column);
@@ -319,6 +324,7 @@ void AppDelegate::tellWhenClosed(const std::vector<std::shared_ptr<TextDocument>
         closed(1);
     } else {
         m_waiting.push_back({documents, closed});
+        std::ranges::for_each(documents, [](const auto &document) { document->setAwaited(TextDocument::Awaited::yes); });
     }
 }
 
@@ -328,7 +334,8 @@ void AppDelegate::noticeClosed()
     for (Waiting &waiting : m_waiting) {
         std::erase_if(waiting.documents, [&](const std::shared_ptr<TextDocument> &document) {
             const bool isOpen = std::ranges::find(open, document) != open.end();
-            waiting.status = !isOpen && document->isDirty() ? 1 : waiting.status;
+            const bool isLost = document->isDirty() || document->awaited() == TextDocument::Awaited::aborted;
+            waiting.status = !isOpen && isLost ? 1 : waiting.status;
             return !isOpen;
         });
     }

@@ -33,6 +33,8 @@ public:
     void openStream(int descriptor, const std::function<void(int status)> &closed = {});
     /// What another start or the desktop asks for; the window comes to the front.
     void open(const OpenRequest &request);
+    /// What is left of it when its files are open: their places, the stream, those who wait.
+    void attend(const OpenRequest &request);
     /// Ends the program. The session is kept, with all unsaved text; where it cannot be, the windows close one after the other and each
     /// asks about its texts. One that is left open ends it.
     void terminate();

@@ -84,9 +84,11 @@ struct Program::Parts {
             [](QSessionManager &manager) { manager.setRestartCommand({QCoreApplication::applicationFilePath()}); }, Qt::DirectConnection);
         // Not quit(), which would close the windows that are left, and they would ask.
         QObject::connect(
-            &delegate, &AppDelegate::finished, &application, [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
+            &delegate, &AppDelegate::finished, &application, [this] { QCoreApplication::exit(status); }, Qt::QueuedConnection);
     }
 
+    /// Of the exit.
+    int status = 0;
     DesktopPalette palette;
     EventLoopScheduler scheduler;
     NotificationCenter notifications;
@@ -152,13 +154,14 @@ int Program::run(const CommandLine &line)
         paths << file.path;
     }
     delegate.launch(paths);
-    for (const CommandLine::File &file : line.files) {
-        if (file.line > 0) {
-            delegate.goTo(file.path, file.line, file.column);
-        }
+    OpenRequest request{.files = line.files, .stream = line.readsStandardInput ? STDIN_FILENO : -1};
+    if (line.waits) {
+        // With nobody to hand over to, this one is waited for itself.
+        request.closed = [this](int status) {
+            m_parts->status = status;
+            m_parts->delegate.terminate();
+        };
     }
-    if (line.readsStandardInput) {
-        delegate.openStream(STDIN_FILENO);
-    }
+    delegate.attend(request);
     return QApplication::exec();
 }

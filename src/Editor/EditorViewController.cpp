@@ -160,8 +160,10 @@ void EditorViewController::applyPreferences()
         m_textView->setWrapMode(wrapMode);
     }
     applyVimMode();
-    if (m_banner) {
-        m_banner->applyTheme(m_services.documents.theme());
+    for (ExternalChangeBanner *banner : {m_banner, m_awaitedBanner}) {
+        if (banner) {
+            banner->applyTheme(m_services.documents.theme());
+        }
     }
 }
 
@@ -290,15 +292,10 @@ void EditorViewController::scrollToLine(qsizetype line)
 
 void EditorViewController::updateBanner()
 {
+    updateAwaitedBanner();
     const TextDocument::ExternalState state = m_document->externalState();
     if (state == TextDocument::ExternalState::none) {
-        if (ExternalChangeBanner *banner = std::exchange(m_banner, nullptr)) {
-            if (banner->isAncestorOf(focusWidget())) {
-                m_textView->setFocus();
-            }
-            banner->hide();
-            banner->deleteLater(); // one of its buttons may be what led here
-        }
+        dropBanner(m_banner);
         return;
     }
     if (!m_banner) {
@@ -313,9 +310,41 @@ void EditorViewController::updateBanner()
     m_banner->configure(state, m_document->displayName());
 }
 
+void EditorViewController::updateAwaitedBanner()
+{
+    if (m_document->awaited() == TextDocument::Awaited::no) {
+        dropBanner(m_awaitedBanner);
+        return;
+    }
+    if (!m_awaitedBanner) {
+        m_awaitedBanner = new ExternalChangeBanner(this);
+        const auto send = [this](Selector selector) {
+            // Its pane is the one that the command is about.
+            m_textView->setFocus();
+            perform(selector);
+        };
+        m_awaitedBanner->onDone = [send] { send("finishWaiting:"); };
+        m_awaitedBanner->onAbort = [send] { send("abortWaiting:"); };
+        m_stack->insertWidget(0, m_awaitedBanner);
+    }
+    m_awaitedBanner->applyTheme(m_services.documents.theme());
+    m_awaitedBanner->configureAwaited(m_document->displayName());
+}
+
+void EditorViewController::dropBanner(ExternalChangeBanner *&banner)
+{
+    if (ExternalChangeBanner *dropped = std::exchange(banner, nullptr)) {
+        if (dropped->isAncestorOf(focusWidget())) {
+            m_textView->setFocus();
+        }
+        dropped->hide();
+        dropped->deleteLater(); // one of its buttons may be what led here
+    }
+}
+
 QWidget *EditorViewController::banner() const
 {
-    return m_banner;
+    return m_banner ? m_banner : m_awaitedBanner;
 }
 
 void EditorViewController::saveAgain()

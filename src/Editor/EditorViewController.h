@@ -113,6 +113,8 @@ private:
     void scheduleVisibleHighlight();
 
     void updateBanner();
+    void updateAwaitedBanner();
+    void dropBanner(ExternalChangeBanner *&banner);
     void saveAgain();
 
     void makeSpelling();
@@ -133,6 +135,8 @@ private:
     QVBoxLayout *m_stack;
     EditorTextView *m_textView;
     ExternalChangeBanner *m_banner = nullptr;
+    /// While a program waits for the document.
+    ExternalChangeBanner *m_awaitedBanner = nullptr;
     TextFinder *m_finder;
     FindBar *m_findBar;
     std::unique_ptr<SpellingController> m_spelling;

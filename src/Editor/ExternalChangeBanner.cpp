@@ -23,17 +23,19 @@ constexpr int leastHeight = 32;
 constexpr int leastSentenceWidth = 320;
 constexpr int spacing = 8;
 
-struct ButtonRow {
+} // namespace
+
+struct ExternalChangeBanner::ButtonRow {
     QStringView title;
     std::function<void()> ExternalChangeBanner::*callback;
 };
 
-struct StateRow {
+struct ExternalChangeBanner::StateRow {
     QStringView sentence;
     std::span<const ButtonRow> buttons;
 };
 
-const StateRow *rowOf(TextDocument::ExternalState state)
+const ExternalChangeBanner::StateRow *ExternalChangeBanner::rowOf(TextDocument::ExternalState state)
 {
     static constexpr std::array conflictButtons = {ButtonRow{u"Reload from Disk", &ExternalChangeBanner::onReload},
                                                    ButtonRow{u"Keep Mine", &ExternalChangeBanner::onKeep}};
@@ -55,8 +57,6 @@ const StateRow *rowOf(TextDocument::ExternalState state)
     }
     return nullptr;
 }
-
-} // namespace
 
 ExternalChangeBanner::ExternalChangeBanner(QWidget *parent)
     : QWidget(parent), m_stack(new QHBoxLayout(this)), m_buttonStack(new QHBoxLayout), m_label(new ElidedLabel(Qt::ElideMiddle, this))
@@ -92,7 +92,19 @@ void ExternalChangeBanner::arrange()
 
 void ExternalChangeBanner::configure(TextDocument::ExternalState state, const QString &filename)
 {
-    const StateRow *row = rowOf(state);
+    say(rowOf(state), filename);
+}
+
+void ExternalChangeBanner::configureAwaited(const QString &filename)
+{
+    static constexpr std::array buttons = {ButtonRow{u"Done", &ExternalChangeBanner::onDone},
+                                           ButtonRow{u"Abort", &ExternalChangeBanner::onAbort}};
+    static constexpr StateRow awaited = {u"A program waits until “%@” is closed.", buttons};
+    say(&awaited, filename);
+}
+
+void ExternalChangeBanner::say(const StateRow *row, const QString &filename)
+{
     const QString sentence = row ? formatted(localized(row->sentence), filename) : QString();
     const auto buttons = row ? row->buttons : std::span<const ButtonRow>();
     // Buttons that stay the same stay: one of them may be pressed or have the focus.

@@ -14,8 +14,8 @@ class QBoxLayout;
 class QPushButton;
 struct Theme;
 
-/// A bar above a text whose file was changed or deleted by others, or does not come: a sentence and what can be done about it. It only
-/// shows and reports.
+/// A bar above a text whose file was changed or deleted by others, or does not come, or for which a program waits: a sentence and what can
+/// be done about it. It only shows and reports.
 class ExternalChangeBanner final : public QWidget {
 public:
     explicit ExternalChangeBanner(QWidget *parent = nullptr);
@@ -26,15 +26,25 @@ public:
     std::function<void()> onKeep;
     /// "Save Again".
     std::function<void()> onSave;
+    /// "Done".
+    std::function<void()> onDone;
+    /// "Abort".
+    std::function<void()> onAbort;
 
     /// Says what happened to the file of the document called `filename`; nothing for `none`. A screen reader is told what is new.
     void configure(TextDocument::ExternalState state, const QString &filename);
+    /// Says that a program waits until that document is closed.
+    void configureAwaited(const QString &filename);
     void applyTheme(const Theme &theme);
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    struct ButtonRow;
+    struct StateRow;
+    [[nodiscard]] static const StateRow *rowOf(TextDocument::ExternalState state);
+    void say(const StateRow *row, const QString &filename);
     void addButton(const QString &title, std::function<void()> ExternalChangeBanner::*callback);
     /// Where sentence or buttons would be cut off beside each other, they stand below each other.
     void arrange();

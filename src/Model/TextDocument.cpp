@@ -202,6 +202,12 @@ void TextDocument::postMetadata() const
     m_services.notifications.post(didChangeMetadata, this);
 }
 
+void TextDocument::setAwaited(Awaited awaited)
+{
+    m_awaited = awaited;
+    postMetadata();
+}
+
 void TextDocument::setDirty(bool isDirty)
 {
     if (m_isDirty != isDirty && !isGenerated()) {

@@ -109,6 +109,11 @@ public:
     /// The path with the home folder as "~", or what the text is when it has none.
     [[nodiscard]] QString displayPath() const;
 
+    /// Whether a program waits until the document is closed, and what it is to be told then.
+    enum class Awaited { no, yes, aborted };
+    [[nodiscard]] Awaited awaited() const { return m_awaited; }
+    void setAwaited(Awaited awaited);
+
     [[nodiscard]] bool isDirty() const { return m_isDirty; }
     /// The text would be lost with the document: it is dirty, without a file or from a draft, and not an empty one without a file.
     [[nodiscard]] bool hasUnsavedText() const;
@@ -201,6 +206,7 @@ private:
     LineIndex m_lineIndex;
     QString m_path;
     QString m_identity;
+    Awaited m_awaited = Awaited::no;
     bool m_isDirty = false;
     bool m_isDraft = false;
     std::optional<TextFile::ReadError> m_arrivalError;

@@ -61,6 +61,8 @@ const ActionRow *WorkspaceViewController::actionFor(Selector selector) const
         action<&Self::saveDocument, &Self::hasDocument>("saveDocument:"),
         action<&Self::saveDocumentAs, &Self::hasDocument>("saveDocumentAs:"),
         action<&Self::closeTab, &Self::hasDocument>("closeTab:"),
+        action<&Self::finishWaiting, &Self::hasDocument>("finishWaiting:"),
+        action<&Self::abortWaiting, &Self::hasDocument>("abortWaiting:"),
         action<&Self::revertDocumentToSaved, &Self::canRevert>("revertDocumentToSaved:"),
         action<&Self::makeBackup, &Self::hasFile>("makeBackup:"),
         action<&Self::openInTerminal, &Self::hasFile>("openInTerminal:"),
@@ -242,6 +244,24 @@ void WorkspaceViewController::saveAs(TextDocument &document, const Completion &c
                                      }
                                      completion(saved.has_value());
                                  });
+}
+
+/// The program that waits for the current document goes on with what was written.
+void WorkspaceViewController::finishWaiting()
+{
+    if (TextDocument *document = currentDocument()) {
+        document->setAwaited(TextDocument::Awaited::yes);
+        document->hasUnsavedText() ? saveAndClose() : closeTab();
+    }
+}
+
+/// It is told that nothing came of it.
+void WorkspaceViewController::abortWaiting()
+{
+    if (TextDocument *document = currentDocument()) {
+        document->setAwaited(TextDocument::Awaited::aborted);
+        closeTab();
+    }
 }
 
 void WorkspaceViewController::confirmClose(TextDocument &document, const Completion &completion)

@@ -178,6 +178,8 @@ private:
     void scrollToLine(qsizetype number) override;
     void substitute(const VimSubstitution &substitution) override;
     void saveAndClose() override;
+    void finishWaiting();
+    void abortWaiting();
     void forceCloseCurrentTab() override;
     void editFile(const QString &name) override;
     void revertWithoutAsking();

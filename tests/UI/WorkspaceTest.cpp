@@ -3,6 +3,8 @@
 #include "App/RunningInstance.h"
 #include "WindowFixture.h"
 
+#include <QPushButton>
+
 #include <QDir>
 #include <QDropEvent>
 #include <QMenuBar>
@@ -370,6 +372,27 @@ TEST_F(WorkspaceTest, TellsThoseWhoWaitForFiles)
     presenter.answer(AlertReply::thirdButton);
     send("closeTab:");
     EXPECT_EQ(std::exchange(statuses, {}), std::vector<int>{1}) << "not saved";
+    // The bar that tells of it.
+    const auto press = [this](const QString &title) {
+        for (QPushButton *button : workspace().currentEditor()->findChildren<QPushButton *>()) {
+            if (button->text() == title) {
+                button->click();
+                return;
+            }
+        }
+        ADD_FAILURE() << title.toStdString();
+    };
+    open({{path(u"b.txt"_s)}});
+    type(u"y"_s);
+    press(u"Done"_s);
+    EXPECT_EQ(std::exchange(statuses, {}), std::vector<int>{0});
+    EXPECT_EQ(read(u"b.txt"_s), "yb");
+    open({{path(u"b.txt"_s)}});
+    press(u"Abort"_s);
+    EXPECT_EQ(std::exchange(statuses, {}), std::vector<int>{1}) << "although nothing was edited";
+    workspace().open({path(u"b.txt"_s)});
+    EXPECT_EQ(workspace().currentEditor()->banner(), nullptr);
+
     open({{path(u"missing"_s)}});
     EXPECT_EQ(std::exchange(statuses, {}), std::vector<int>{1}) << "not opened";
     application.open({.files = {{path(u"a.txt"_s)}}, .opensNewWindow = true});

@@ -139,6 +139,7 @@ class OneProgram(unittest.TestCase):
         alone.terminate()
         self.assertEqual(alone.wait(PATIENCE), 0)
         self.assertEqual(alone.stderr.read(), "")
+        self.assertEqual(self.start("--wait", "missing").wait(PATIENCE), 1, "nothing to wait for")
 
 
 if __name__ == "__main__":
