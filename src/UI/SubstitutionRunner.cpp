@@ -42,6 +42,11 @@ void SubstitutionRunner::run(TextView &view, const VimSubstitution &substitution
         return;
     }
     view.installEventFilter(this);
+    m_viewGone = connect(&view, &QObject::destroyed, this, [this] {
+        // Nothing but a widget is left of it.
+        m_view = nullptr;
+        finish(localized(u"The substitution was stopped; nothing was changed."));
+    });
     m_tellSoon = m_services.scheduler.after(patience, [this] { m_services.tell(localized(u"Substituting… Esc stops."), untilReplaced); });
     start();
 }
@@ -54,7 +59,7 @@ void SubstitutionRunner::start()
         return Outcome{std::move(replacement), searcher->gaveUp()};
     };
     m_search = BackgroundTask::start(m_services.workers, search, [this, revision = m_view->storage().revision()](const Outcome &outcome) {
-        if (m_view && m_view->storage().revision() != revision) {
+        if (m_view->storage().revision() != revision) {
             start();
         } else {
             arrive(outcome);
@@ -65,10 +70,6 @@ void SubstitutionRunner::start()
 void SubstitutionRunner::arrive(const Outcome &outcome)
 {
     const auto count = outcome.replacement.count;
-    if (!m_view) {
-        finish(localized(u"The substitution was stopped; nothing was changed."));
-        return;
-    }
     if (count == 0 && !outcome.isIncomplete) {
         finish(formatted(localized(u"Pattern not found: %@"), m_substitution.pattern));
         return;
@@ -94,6 +95,7 @@ void SubstitutionRunner::finish(const QString &message)
 {
     m_search.cancel();
     m_tellSoon.cancel();
+    disconnect(m_viewGone);
     if (m_view) {
         m_view->removeEventFilter(this);
     }

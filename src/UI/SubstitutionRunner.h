@@ -14,8 +14,8 @@
 class TextView;
 
 /// Carries out one `:s` at a time: at once in a short text, else on a worker, while the view can be used; when its text has changed
-/// meanwhile, once more. Escape in the view stops it, and then nothing was changed. Main thread only; the services must outlive it, the
-/// view need not.
+/// meanwhile, once more. Escape in the view stops it, as its end does, and then nothing was changed. Main thread only; the services must
+/// outlive it, the view need not.
 class SubstitutionRunner final : public QObject {
     Q_OBJECT
 
@@ -51,6 +51,7 @@ private:
 
     Services m_services;
     QPointer<TextView> m_view;
+    QMetaObject::Connection m_viewGone;
     VimSubstitution m_substitution;
     BackgroundTask m_search;
     DelayedTask m_tellSoon;
