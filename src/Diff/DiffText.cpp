@@ -17,6 +17,10 @@ quint32 hueOf(LineDiff::Side side)
     return side == LineDiff::Side::left ? removedHue : addedHue;
 }
 
+/// Units. In a longer line all counts as changed: it has too many characters to be looked at, but for some thousand that are composed of
+/// dozens of units each, and finding that out would hold up the painting.
+constexpr qsizetype longestExamined = 32 * InlineDiff::mostCharacters;
+
 double shade(const Theme &theme, double dark, double light)
 {
     return theme.isDark ? dark : light;
@@ -47,6 +51,11 @@ std::vector<TextRange> DiffText::emphasis(const LineDiff::Result &result, Side s
 {
     if (result.runAt(row).kind != Row::Kind::modified) {
         return {};
+    }
+    const qsizetype length = result.lineRange(side, row)->length;
+    const qsizetype otherLength = result.lineRange(side == Side::left ? Side::right : Side::left, row)->length;
+    if (std::max(length, otherLength) > longestExamined) {
+        return length > 0 ? std::vector<TextRange>{{0, length}} : std::vector<TextRange>();
     }
     const InlineDiff::Spans spans = result.emphasis(row);
     const QString line = side == Side::left ? result.leftText(row) : result.rightText(row);

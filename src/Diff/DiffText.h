@@ -15,7 +15,7 @@ using LineDiff::Side;
 /// O(runs log n + empty lines).
 [[nodiscard]] Rope composed(const LineDiff::Result &result, Side side);
 
-/// What the side has changed of a row, in its line of the composed text. O(log n + line).
+/// What the side has changed of a row, in its line of the composed text. O(log n + line); of very long lines, O(log n).
 [[nodiscard]] std::vector<TextRange> emphasis(const LineDiff::Result &result, Side side, qsizetype row);
 
 /// 0xFFRRGGBB behind a row; none for one that is the same on both sides.

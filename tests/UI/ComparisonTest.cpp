@@ -263,4 +263,9 @@ TEST(DiffText, ShadesRowsBySide)
     const auto result = LineDiff::compare(Rope(u"a \U0001F600 b\u0301 c\n"_s), Rope(u"a \U0001F600 d\u0301\u0301 c\n"_s));
     EXPECT_EQ(DiffText::emphasis(*result, Side::left, 0), (std::vector<TextRange>{{5, 2}}));
     EXPECT_EQ(DiffText::emphasis(*result, Side::right, 0), (std::vector<TextRange>{{5, 3}}));
+    // A line of megabytes is not taken apart to be painted, whatever it consists of.
+    const QString composed = (u'e' + QString(99, u'\u0301')).repeated(1000);
+    const auto ofLong = LineDiff::compare(Rope(composed + u"a\n"_s), Rope(composed + u"b\n"_s));
+    EXPECT_EQ(DiffText::emphasis(*ofLong, Side::left, 0), (std::vector<TextRange>{{0, composed.size() + 1}}));
+    EXPECT_TRUE(DiffText::emphasis(*LineDiff::compare(Rope(composed), Rope(u"\n"_s)), Side::right, 0).empty());
 }
