@@ -109,6 +109,8 @@ DiffViewController::~DiffViewController()
 {
     for (const auto &column : m_columns) {
         disconnect(column->view, nullptr, this, nullptr);
+    }
+    for (const auto &column : m_columns) {
         delete column->findBar;
         delete column->widget;
     }
@@ -408,10 +410,15 @@ void DiffViewController::follow(Column &moved)
         return;
     }
     const QScopedValueRollback<bool> following(m_isFollowing, true);
-    moved.position = position;
+    const QPointF before = std::exchange(moved.position, position);
     Column &follower = other(moved);
-    follower.view->setScrollOffset(position.y());
-    follower.view->horizontalScrollBar()->setValue(moved.view->horizontalScrollBar()->value());
+    // Only as it moved: a column of short lines is left of the other one and stays there.
+    if (position.y() != before.y()) {
+        follower.view->setScrollOffset(position.y());
+    }
+    if (position.x() != before.x()) {
+        follower.view->horizontalScrollBar()->setValue(moved.view->horizontalScrollBar()->value());
+    }
     follower.position = follower.view->textViewport().position();
 }
 

@@ -142,6 +142,10 @@ TEST_F(ComparisonTest, ScrollsBothColumnsTogether)
     EXPECT_EQ(x(content.rightView()), 50) << "the narrow one does not hold it back";
     emit content.leftView().visibleRowsChanged();
     EXPECT_EQ(x(content.rightView()), 50) << "nor when it tells of something else";
+    content.leftView().setScrollOffset(500);
+    content.nextChange();
+    EXPECT_EQ(y(content.rightView()), y(content.leftView()));
+    EXPECT_EQ(x(content.rightView()), 50) << "nor when it is scrolled up and down";
     // Another font moves nothing but by its own size.
     content.rightView().setScrollOffset(content.rightView().topOfRow(100));
     preferences.setFontSize(20);
