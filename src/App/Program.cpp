@@ -66,6 +66,7 @@ struct Program::Parts {
         spellingLanguages = notifications.observe(Localization::didChangeNotification, nullptr,
                                                   [this] { spellChecker.setLanguages(SpellChecker::systemSetup().languages); });
         recent.onNote([this](const QStringList &paths) { desktopRecentFiles.note(paths); });
+        QObject::connect(&appearance, &SystemAppearance::wishesChanged, &palette, &DesktopPalette::adapt);
         QObject::connect(&appearance, &SystemAppearance::changed, &delegate,
                          [this] { notifications.post(Preferences::didChange, nullptr); });
         QObject::connect(

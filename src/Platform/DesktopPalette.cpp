@@ -18,6 +18,8 @@ namespace {
 constexpr double leastContrast = 2.5;
 /// How much of the text's colour hints have.
 constexpr double hintShare = 0.6;
+/// At which white can be read on an accent.
+constexpr double legibleContrast = 3;
 /// The tool tips' ground where nobody chose one.
 constexpr QColor toolkitToolTip(255, 255, 220);
 
@@ -34,7 +36,80 @@ double contrast(const QColor &one, const QColor &other)
     return (lighter + 0.05) / (darker + 0.05);
 }
 
+bool isDark(const QPalette &palette)
+{
+    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
+}
+
+/// Of the toolkit's, which has no dark one.
+QPalette plainPalette(Appearance appearance)
+{
+    const bool isDark = appearance == Appearance::dark;
+    QPalette palette(isDark ? 0x3A3A3D : 0xEFEFF0, isDark ? 0x2B2B2D : 0xF3F3F4);
+    const QColor base = isDark ? 0x1F1F21 : 0xFFFFFF;
+    const QColor text = isDark ? 0xE8E8E8 : 0x1C1C1E;
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+        palette.setColor(role, text);
+        palette.setColor(QPalette::Disabled, role, mixed(palette.color(QPalette::Window), text, 0.45));
+    }
+    palette.setColor(QPalette::Base, base);
+    palette.setColor(QPalette::AlternateBase, mixed(base, text, 0.04));
+    palette.setColor(QPalette::ToolTipBase, mixed(base, text, 0.1));
+    palette.setColor(QPalette::PlaceholderText, mixed(base, text, hintShare));
+    palette.setColor(QPalette::Highlight, isDark ? 0x3A6FB5 : 0x3074C8);
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Link, isDark ? 0x7DB4F5 : 0x1F5FB8);
+    palette.setColor(QPalette::LinkVisited, isDark ? 0xC39CF0 : 0x7440A8);
+    return palette;
+}
+
+void setAccent(QPalette &palette, const QColor &accent)
+{
+    const QColor text = contrast(accent, Qt::white) >= legibleContrast ? Qt::white : Qt::black;
+    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+        palette.setColor(group, QPalette::Highlight, accent);
+        palette.setColor(group, QPalette::HighlightedText, text);
+    }
+}
+
+void setHighContrast(QPalette &palette, bool isDark)
+{
+    const QColor text = isDark ? Qt::white : Qt::black;
+    const QColor ground = isDark ? Qt::black : Qt::white;
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+        palette.setColor(role, text);
+        palette.setColor(QPalette::Disabled, role, mixed(ground, text, 0.6));
+    }
+    for (const auto role : {QPalette::Window, QPalette::Base, QPalette::AlternateBase, QPalette::ToolTipBase}) {
+        palette.setColor(role, ground);
+    }
+    palette.setColor(QPalette::Button, mixed(ground, text, 0.08));
+    palette.setColor(QPalette::PlaceholderText, mixed(ground, text, 0.75));
+    // Of these the borders are made.
+    for (const auto role : {QPalette::Mid, QPalette::Dark, QPalette::Shadow}) {
+        palette.setColor(role, mixed(ground, text, 0.7));
+    }
+}
+
 } // namespace
+
+QPalette asWished(const QPalette &desktop, const DesktopWishes &wishes)
+{
+    const bool wasDark = isDark(desktop);
+    const bool isDark = wishes.scheme.value_or(wasDark ? Appearance::dark : Appearance::light) == Appearance::dark;
+    QPalette wished;
+    wished.setResolveMask(0);
+    if (isDark != wasDark) {
+        wished = plainPalette(isDark ? Appearance::dark : Appearance::light);
+    }
+    if (wishes.accent) {
+        setAccent(wished, *wishes.accent);
+    }
+    if (wishes.hasHighContrast) {
+        setHighContrast(wished, isDark);
+    }
+    return wished;
+}
 
 QPalette legibleHints(const QPalette &desktop)
 {
@@ -63,23 +138,42 @@ QPalette plainToolTips(const QPalette &desktop)
     return mended;
 }
 
-DesktopPalette::DesktopPalette()
+DesktopPalette::DesktopPalette(std::function<QPalette()> desktop) : m_desktop(std::move(desktop))
 {
     mend();
     qApp->installEventFilter(this);
 }
 
+void DesktopPalette::adapt(const DesktopWishes &wishes)
+{
+    m_wishes = wishes;
+    mend();
+}
+
 bool DesktopPalette::eventFilter(QObject *object, QEvent *event)
 {
-    if (event->type() == QEvent::ApplicationPaletteChange && object == qApp) {
+    // Where every colour is set here, another theme changes none of the application's and is only told of to the windows.
+    const bool isForeign = event->type() == QEvent::ApplicationPaletteChange && object == qApp && QApplication::palette() != m_shown;
+    if (isForeign || event->type() == QEvent::ThemeChange) {
         mend();
     }
     return QObject::eventFilter(object, event);
 }
 
+QPalette DesktopPalette::systemPalette()
+{
+    QApplication::setPalette(QPalette());
+    return QApplication::palette();
+}
+
 void DesktopPalette::mend()
 {
-    const QPalette shown = QApplication::palette();
+    const QPalette desktop = m_desktop();
+    QPalette mended = asWished(desktop, m_wishes);
+    if (const QPalette hints = legibleHints(mended.resolve(desktop)); hints.resolveMask() != 0) {
+        mended = hints.resolve(mended);
+    }
+    const QPalette shown = mended.resolve(desktop);
     const QPalette toolTips = plainToolTips(shown);
     if (toolTips.resolveMask() != 0) {
         QToolTip::setPalette(toolTips.resolve(shown));
@@ -87,8 +181,9 @@ void DesktopPalette::mend()
     } else if (std::exchange(m_hasSetToolTips, false)) {
         QToolTip::setPalette(shown);
     }
-    if (const QPalette hints = legibleHints(shown); hints.resolveMask() != 0) {
-        // Only what is set becomes the application's own: the other colours go on following the desktop. Comes back here.
-        QApplication::setPalette(hints.resolve(shown));
+    if (mended.resolveMask() != 0) {
+        // Only what is set becomes the application's own: the other colours go on following the desktop.
+        QApplication::setPalette(shown);
     }
+    m_shown = QApplication::palette();
 }

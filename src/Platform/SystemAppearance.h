@@ -4,31 +4,40 @@
 
 #include "Platform/Appearance.h"
 
+#include <QColor>
 #include <QObject>
 
 #include <functional>
 #include <memory>
 #include <optional>
 
-/// Where the desktop says whether programs shall be light or dark.
-class AppearanceSource {
-public:
+/// How the desktop wants programs to look.
+struct DesktopWishes {
     /// None: no preference, or none that is known.
-    using Answer = std::optional<Appearance>;
+    std::optional<Appearance> scheme = {};
+    /// Of what is chosen or stands out.
+    std::optional<QColor> accent = {};
+    bool hasHighContrast = false;
 
-    virtual ~AppearanceSource() = default;
-    /// Asks, and from then on calls `tell` in the thread of the call for the answer and for every change; never before this returns.
-    /// Is called once. A source that has nothing to say never calls.
-    virtual void start(std::function<void(Answer)> tell) = 0;
+    friend bool operator==(const DesktopWishes &, const DesktopWishes &) = default;
 };
 
-/// The desktop portal's setting, asked for over the session bus. Nothing waits for the bus: not even connecting to it.
+/// Where the desktop says what it wishes.
+class AppearanceSource {
+public:
+    virtual ~AppearanceSource() = default;
+    /// Asks, and from then on calls `tell` in the thread of the call for every answer and every change; never before this returns.
+    /// Is called once. A source that has nothing to say never calls.
+    virtual void start(std::function<void(const DesktopWishes &wishes)> tell) = 0;
+};
+
+/// The desktop portal's settings, asked for over the session bus. Nothing waits for the bus: not even connecting to it.
 class PortalAppearanceSource final : public AppearanceSource {
 public:
     PortalAppearanceSource();
     ~PortalAppearanceSource() override;
 
-    void start(std::function<void(Answer)> tell) override;
+    void start(std::function<void(const DesktopWishes &wishes)> tell) override;
 
 private:
     class Client;
@@ -48,6 +57,8 @@ public:
     [[nodiscard]] Appearance current() const { return m_current; }
 
 signals:
+    /// Whoever gives the application its palette does so before this returns.
+    void wishesChanged(const DesktopWishes &wishes);
     /// `current()` is another than before.
     void changed(Appearance appearance);
 
@@ -56,7 +67,7 @@ protected:
 
 private:
     std::unique_ptr<AppearanceSource> m_source;
-    AppearanceSource::Answer m_answer;
+    DesktopWishes m_wishes;
     Appearance m_current;
 
     void update();

@@ -34,19 +34,67 @@ TEST(DesktopPalette, MendsOnlyWhatCannotBeRead)
     EXPECT_EQ(plainToolTips(chosen).resolveMask(), 0U);
 }
 
+TEST(DesktopPalette, LooksAsTheDesktopWishes)
+{
+    QPalette light = paletteOf(Qt::white, Qt::black);
+    light.setColor(QPalette::Window, 0xEEEEEE);
+    light.setColor(QPalette::WindowText, Qt::black);
+    EXPECT_EQ(asWished(light, {}).resolveMask(), 0U);
+    EXPECT_EQ(asWished(light, {.scheme = Appearance::light}).resolveMask(), 0U);
+    const QPalette dark = asWished(light, {.scheme = Appearance::dark});
+    for (const auto &[ground, text] : {std::pair(QPalette::Window, QPalette::WindowText),
+                                       {QPalette::Base, QPalette::Text},
+                                       {QPalette::Button, QPalette::ButtonText},
+                                       {QPalette::ToolTipBase, QPalette::ToolTipText}}) {
+        EXPECT_LT(dark.color(ground).lightness(), 80);
+        EXPECT_GT(dark.color(text).lightness(), 200);
+        EXPECT_GT(dark.color(QPalette::Disabled, text).lightness(), dark.color(ground).lightness() + 40);
+    }
+    EXPECT_GT(asWished(dark, {.scheme = Appearance::light}).color(QPalette::Window).lightness(), 200);
+    EXPECT_EQ(asWished(dark, {.scheme = Appearance::dark}).resolveMask(), 0U);
+
+    const QPalette accented = asWished(light, {.accent = QColor(0x9141AC)});
+    EXPECT_EQ(accented.color(QPalette::Highlight), QColor(0x9141AC));
+    EXPECT_EQ(accented.color(QPalette::HighlightedText), QColor(Qt::white));
+    EXPECT_FALSE(accented.isBrushSet(QPalette::Active, QPalette::Window));
+    EXPECT_EQ(asWished(light, {.accent = QColor(0xF6D32D)}).color(QPalette::HighlightedText), QColor(Qt::black));
+
+    EXPECT_EQ(asWished(light, {.hasHighContrast = true}).color(QPalette::Base), QColor(Qt::white));
+    const QPalette stark = asWished(light, {.scheme = Appearance::dark, .hasHighContrast = true});
+    EXPECT_EQ(stark.color(QPalette::Base), QColor(Qt::black));
+    EXPECT_EQ(stark.color(QPalette::Text), QColor(Qt::white));
+}
+
 TEST(DesktopPalette, FollowsTheDesktop)
 {
     const QPalette before = QApplication::palette();
     const QPalette toolTipBefore = QToolTip::palette();
-    QApplication::setPalette(paletteOf(0x232629, 0xEFF0F1));
+    QPalette desktop = paletteOf(0x232629, 0xEFF0F1);
+    const auto changeTo = [&desktop](const QPalette &palette) {
+        desktop = palette;
+        QApplication::setPalette(palette);
+        QCoreApplication::sendPostedEvents();
+    };
+    changeTo(desktop);
     {
-        const DesktopPalette mending;
+        DesktopPalette mending([&desktop] { return desktop; });
         EXPECT_GT(QApplication::palette().color(QPalette::PlaceholderText).lightness(), 120);
         EXPECT_LT(QToolTip::palette().color(QPalette::ToolTipBase).lightness(), 60);
-        QApplication::setPalette(paletteOf(Qt::white, Qt::black));
-        QCoreApplication::sendPostedEvents();
+        changeTo(paletteOf(Qt::white, Qt::black));
         EXPECT_LT(QApplication::palette().color(QPalette::PlaceholderText).lightness(), 180);
         EXPECT_GT(QToolTip::palette().color(QPalette::ToolTipBase).lightness(), 220);
+
+        mending.adapt({.scheme = Appearance::dark, .accent = QColor(0x9141AC)});
+        EXPECT_LT(QApplication::palette().color(QPalette::Base).lightness(), 60);
+        EXPECT_EQ(QApplication::palette().color(QPalette::Highlight), QColor(0x9141AC));
+        EXPECT_LT(QToolTip::palette().color(QPalette::ToolTipBase).lightness(), 80);
+        // A desktop that becomes dark itself as well has colours of its own for it.
+        QPalette ownDark = paletteOf(0x101820, 0xEFF0F1);
+        ownDark.setColor(QPalette::Window, 0x101820);
+        ownDark.setColor(QPalette::WindowText, 0xEFF0F1);
+        changeTo(ownDark);
+        EXPECT_EQ(QApplication::palette().color(QPalette::Base), QColor(0x101820));
+        EXPECT_EQ(QApplication::palette().color(QPalette::Highlight), QColor(0x9141AC));
     }
     QApplication::setPalette(before);
     QToolTip::setPalette(toolTipBefore);

@@ -13,17 +13,17 @@ namespace {
 
 class FakeSource final : public AppearanceSource {
 public:
-    explicit FakeSource(std::function<void(Answer)> &tell) : m_tell(tell) {}
-    void start(std::function<void(Answer)> tell) override { m_tell = std::move(tell); }
+    explicit FakeSource(std::function<void(const DesktopWishes &)> &tell) : m_tell(tell) {}
+    void start(std::function<void(const DesktopWishes &wishes)> tell) override { m_tell = std::move(tell); }
 
 private:
-    std::function<void(Answer)> &m_tell;
+    std::function<void(const DesktopWishes &)> &m_tell;
 };
 
 class SystemAppearanceTest : public testing::Test {
 protected:
     const QPalette before = QGuiApplication::palette();
-    std::function<void(AppearanceSource::Answer)> tell;
+    std::function<void(const DesktopWishes &)> tell;
     std::vector<Appearance> told;
 
     SystemAppearanceTest() { setPalette(Qt::white, Qt::black); }
@@ -65,17 +65,17 @@ TEST_F(SystemAppearanceTest, GoesByThePaletteUntilTheDesktopSpeaks)
 TEST_F(SystemAppearanceTest, FollowsTheDesktopAndFallsBackToThePalette)
 {
     const auto appearance = made();
-    tell(Appearance::dark);
+    tell({.scheme = Appearance::dark});
     EXPECT_EQ(appearance->current(), Appearance::dark);
-    tell(Appearance::dark);
+    tell({.scheme = Appearance::dark});
     setPalette(Qt::lightGray, Qt::black);
     EXPECT_THAT(told, ElementsAre(Appearance::dark));
 
-    tell(std::nullopt);
+    tell({});
     EXPECT_THAT(told, ElementsAre(Appearance::dark, Appearance::light));
-    tell(Appearance::light);
+    tell({.scheme = Appearance::light});
     setPalette(Qt::black, Qt::white);
     EXPECT_THAT(told, ElementsAre(Appearance::dark, Appearance::light));
-    tell(std::nullopt);
+    tell({});
     EXPECT_THAT(told, ElementsAre(Appearance::dark, Appearance::light, Appearance::dark));
 }
