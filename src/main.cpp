@@ -33,6 +33,7 @@ RunningInstance::Outcome handOver(const CommandLine &line)
     return RunningInstance::handOver(QDBusConnection::sessionBus(),
                                      {.files = line.files,
                                       .opensNewWindow = line.opensNewWindow,
+                                      .opensNewTab = line.opensNewTab,
                                       .stream = line.readsStandardInput ? STDIN_FILENO : -1,
                                       .activationToken = token},
                                      line.waits ? RunningInstance::Until::closed : RunningInstance::Until::taken, patience);

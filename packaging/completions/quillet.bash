@@ -7,7 +7,7 @@ _quillet()
         --language) COMPREPLY=($(compgen -W 'en de' -- "$word")); return ;;
     esac
     if [[ $word == -* ]]; then
-        COMPREPLY=($(compgen -W '-w --wait -n --new-window -d --diff --language -h --help -v --version' -- "$word"))
+        COMPREPLY=($(compgen -W '-w --wait -n --new-window -t --new-tab -d --diff --language -h --help -v --version' -- "$word"))
     else
         compopt -o default
     fi

@@ -4,6 +4,8 @@ _arguments \
     '(-w --wait)--wait[end when the files are closed; 1 when edits were not saved]' \
     '(-n --new-window)-n[open the files in a window of their own]' \
     '(-n --new-window)--new-window[open the files in a window of their own]' \
+    '(-t --new-tab)-t[open an empty tab]' \
+    '(-t --new-tab)--new-tab[open an empty tab]' \
     '(-d --diff)-d[compare two files side by side]:file:_files:file:_files' \
     '(-d --diff)--diff[compare two files side by side]:file:_files:file:_files' \
     '(--language)--language[the language of the interface, this time]:word:(en de)' \

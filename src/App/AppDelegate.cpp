@@ -308,23 +308,47 @@ void AppDelegate::attend(const OpenRequest &request)
             opened.push_back(document->shared_from_this());
         }
     }
+    MainWindowController *front = frontmostWindow();
+    if (request.opensNewTab && front) {
+        front->workspace().openUntitled();
+    }
+    Waiting waiting{request.waiter, request.closed, opened};
     const bool waitsForStream = request.files.empty() && request.stream >= 0;
     if (request.stream >= 0) {
-        openStream(request.stream, waitsForStream ? request.closed : nullptr);
+        openStream(request.stream, waitsForStream ? waiting : Waiting());
     }
     if (request.closed && !waitsForStream) {
-        tellWhenClosed(opened, request.closed);
+        tellWhenClosed(std::move(waiting));
+    }
+}
+
+void AppDelegate::forgetWaiter(const QString &waiter)
+{
+    std::vector<std::shared_ptr<TextDocument>> freed;
+    std::erase_if(m_waiting, [&](const Waiting &waiting) {
+        const bool isMeant = waiting.waiter == waiter;
+        if (isMeant) {
+            freed.insert(freed.end(), waiting.documents.begin(), waiting.documents.end());
+        }
+        return isMeant;
+    });
+    for (const auto &document : freed) {
+        const bool isStillAwaited = std::ranges::any_of(
+            m_waiting, [&](const Waiting &waiting) { return std::ranges::find(waiting.documents, document) != waiting.documents.end(); });
+        if (!isStillAwaited) {
+            document->setAwaited(TextDocument::Awaited::no);
+        }
     }
 }
 
 /// What could not be opened is not saved either.
-void AppDelegate::tellWhenClosed(const std::vector<std::shared_ptr<TextDocument>> &documents, const std::function<void(int status)> &closed)
+void AppDelegate::tellWhenClosed(Waiting waiting)
 {
-    if (documents.empty()) {
-        closed(1);
+    if (waiting.documents.empty()) {
+        waiting.closed(1);
     } else {
-        m_waiting.push_back({documents, closed});
-        std::ranges::for_each(documents, [](const auto &document) { document->setAwaited(TextDocument::Awaited::yes); });
+        std::ranges::for_each(waiting.documents, [](const auto &document) { document->setAwaited(TextDocument::Awaited::yes); });
+        m_waiting.push_back(std::move(waiting));
     }
 }
 
@@ -353,7 +377,7 @@ void AppDelegate::noticeClosed()
     }
 }
 
-void AppDelegate::openStream(int descriptor, const std::function<void(int status)> &closed)
+void AppDelegate::openStream(int descriptor, const Waiting &waiting)
 {
     std::erase_if(m_readings, [](const BackgroundTask &reading) { return !reading.isPending(); });
     m_readings.push_back(BackgroundTask::start(
@@ -363,22 +387,22 @@ void AppDelegate::openStream(int descriptor, const std::function<void(int status
             ::close(descriptor);
             return contents;
         },
-        [this, closed](const tl::expected<TextFile::Contents, TextFile::ReadError> &contents) {
+        [this, waiting](const tl::expected<TextFile::Contents, TextFile::ReadError> &contents) {
             MainWindowController *front = frontmostWindow();
             MainWindowController &window = front ? *front : makeWindow();
-            std::vector<std::shared_ptr<TextDocument>> opened;
+            Waiting forThis = waiting;
             if (contents) {
                 TextDocument &document =
                     m_services.documents.add(std::make_unique<TextDocument>(m_services.documents.services(), QString(), *contents));
-                opened.push_back(document.shared_from_this());
+                forThis.documents.push_back(document.shared_from_this());
                 window.workspace().adopt(document);
             } else {
                 m_services.presenter.present(
                     Alert::forError(contents.error().description(), contents.error().recoverySuggestion().value_or(QString())), &window,
                     {});
             }
-            if (closed) {
-                tellWhenClosed(opened, closed);
+            if (forThis.closed) {
+                tellWhenClosed(std::move(forThis));
             }
         }));
 }

@@ -29,12 +29,14 @@ public:
     void compare(const QString &oldPath, const QString &newPath);
     /// To a place in a file that is open: line and column from 1, a column of 0 for none; beyond the end it is the end.
     void goTo(const QString &path, qsizetype line, qsizetype column);
-    /// Opens what comes on a descriptor, once it has ended, as a text without a file. Closes it. For `closed` see OpenRequest.
-    void openStream(int descriptor, const std::function<void(int status)> &closed = {});
+    /// Opens what comes on a descriptor, once it has ended, as a text without a file. Closes it.
+    void openStream(int descriptor) { openStream(descriptor, {}); }
     /// What another start or the desktop asks for; the window comes to the front.
     void open(const OpenRequest &request);
     /// What is left of it when its files are open: their places, the stream, those who wait.
     void attend(const OpenRequest &request);
+    /// Somebody who waited will not hear of it: what it waited for is an ordinary text again. See OpenRequest.
+    void forgetWaiter(const QString &waiter);
     /// Ends the program. The session is kept, with all unsaved text; where it cannot be, the windows close one after the other and each
     /// asks about its texts. One that is left open ends it.
     void terminate();
@@ -62,14 +64,16 @@ signals:
 private:
     /// What somebody waits for.
     struct Waiting {
-        std::vector<std::shared_ptr<TextDocument>> documents;
+        QString waiter;
         std::function<void(int status)> closed;
+        std::vector<std::shared_ptr<TextDocument>> documents = {};
         int status = 0;
     };
 
     void newWindow();
     void closeNext();
-    void tellWhenClosed(const std::vector<std::shared_ptr<TextDocument>> &documents, const std::function<void(int status)> &closed);
+    void openStream(int descriptor, const Waiting &waiting);
+    void tellWhenClosed(Waiting waiting);
     void noticeClosed();
     [[nodiscard]] bool hasUnsavedText() const;
     void warn(const QString &message, const QString &details);

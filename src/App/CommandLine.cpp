@@ -23,6 +23,7 @@ using Option = OptionRow::Option;
 constexpr auto optionRows = std::to_array<OptionRow>({
     {Option::wait, "--wait"_L1, "-w"_L1, {}, 0, u"end when the files are closed; 1 when edits were not saved"},
     {Option::newWindow, "--new-window"_L1, "-n"_L1, {}, 0, u"open the files in a window of their own"},
+    {Option::newTab, "--new-tab"_L1, "-t"_L1, {}, 0, u"open an empty tab"},
     {Option::compare, "--diff"_L1, "-d"_L1, "OLD NEW"_L1, 2, u"compare two files side by side"},
     {Option::language, "--language"_L1, {}, "en|de"_L1, 1, u"the language of the interface, this time"},
     {Option::help, "--help"_L1, "-h"_L1, {}, 0, u"show this help and end"},
@@ -139,6 +140,9 @@ private:
             return wanted;
         case Option::newWindow:
             m_line.opensNewWindow = true;
+            return wanted;
+        case Option::newTab:
+            m_line.opensNewTab = true;
             return wanted;
         case Option::compare:
             m_line.request = CommandLine::Request::compare;

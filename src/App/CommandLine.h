@@ -29,6 +29,8 @@ struct CommandLine {
     /// In the order given; two of them for a comparison, the old one first.
     std::vector<File> files = {};
     bool opensNewWindow = false;
+    /// An empty tab, besides the files.
+    bool opensNewTab = false;
     /// Ends when the files have been closed again.
     bool waits = false;
     /// What comes from the standard input is opened too.
@@ -52,7 +54,7 @@ struct CommandLine {
 };
 
 struct CommandLine::OptionRow {
-    enum class Option { wait, newWindow, compare, language, help, version };
+    enum class Option { wait, newWindow, newTab, compare, language, help, version };
 
     Option option;
     QLatin1StringView longName;

@@ -121,7 +121,9 @@ struct Program::Parts {
          desktop,
          session,
          recent}};
-    RunningInstance instance{QDBusConnection::sessionBus(), [this](const OpenRequest &request) { delegate.open(request); }};
+    RunningInstance instance{QDBusConnection::sessionBus(),
+                             {.open = [this](const OpenRequest &request) { delegate.open(request); },
+                              .gone = [this](const QString &waiter) { delegate.forgetWaiter(waiter); }}};
     TerminationSignals termination{[this] { delegate.terminateNow(); }};
 };
 
@@ -155,7 +157,11 @@ int Program::run(const CommandLine &line)
         paths << file.path;
     }
     delegate.launch(paths);
-    OpenRequest request{.files = line.files, .stream = line.readsStandardInput ? STDIN_FILENO : -1};
+    // Without a session there is one already.
+    const TextDocument *shown = delegate.frontmostWindow()->workspace().currentDocument();
+    const bool showsEmptyTab = shown && shown->isUntitled() && shown->storage().length() == 0;
+    OpenRequest request{
+        .files = line.files, .opensNewTab = line.opensNewTab && !showsEmptyTab, .stream = line.readsStandardInput ? STDIN_FILENO : -1};
     if (line.waits) {
         // With nobody to hand over to, this one is waited for itself.
         request.closed = [this](int status) {

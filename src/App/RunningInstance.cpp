@@ -5,7 +5,6 @@
 #include <QDBusAbstractAdaptor>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QDBusServiceWatcher>
 #include <QDBusUnixFileDescriptor>
 #include <QEventLoop>
 #include <QTimer>
@@ -23,12 +22,15 @@ constexpr auto serviceName = "org.quillet.Quillet"_L1;
 constexpr auto objectPath = "/org/quillet/Quillet"_L1;
 constexpr auto tokenKey = "activation-token"_L1;
 constexpr auto newWindowKey = "new-window"_L1;
+constexpr auto newTabKey = "new-tab"_L1;
 constexpr auto streamKey = "stream"_L1;
 constexpr auto waitKey = "wait"_L1;
 
 OpenRequest requestOf(const QVariantMap &options)
 {
-    return {.opensNewWindow = options.value(newWindowKey).toBool(), .activationToken = options.value(tokenKey).toString()};
+    return {.opensNewWindow = options.value(newWindowKey).toBool(),
+            .opensNewTab = options.value(newTabKey).toBool(),
+            .activationToken = options.value(tokenKey).toString()};
 }
 
 } // namespace
@@ -58,6 +60,7 @@ public slots:
     {
         OpenRequest request = requestOf(platformData);
         request.opensNewWindow = name == newWindowKey;
+        request.opensNewTab = name == newTabKey;
         m_instance.take(request);
     }
     // NOLINTEND(readability-identifier-naming)
@@ -75,8 +78,8 @@ public:
     explicit FilesAdaptor(RunningInstance &instance) : QDBusAbstractAdaptor(&instance), m_instance(instance) {}
 
 public slots:
-    /// Lines and columns as in CommandLine::File, one of each for every path. Options: "new-window", "activation-token", "stream", and
-    /// "wait", with which the exit status is answered when all is closed.
+    /// Lines and columns as in CommandLine::File, one of each for every path. Options: "new-window", "new-tab", "activation-token",
+    /// "stream", and "wait", with which the exit status is answered when all is closed.
     // NOLINTNEXTLINE(readability-identifier-naming): the bus calls it so
     int Open(const QStringList &paths, const QList<qlonglong> &lines, const QList<qlonglong> &columns, const QVariantMap &options,
              const QDBusMessage &call)
@@ -91,6 +94,7 @@ public slots:
         if (options.value(waitKey).toBool()) {
             call.setDelayedReply(true);
             request.closed = [bus = m_instance.bus(), call](int status) { bus.send(call.createReply(status)); };
+            request.waiter = call.service();
         }
         m_instance.take(request);
         return 0;
@@ -123,7 +127,7 @@ RunningInstance::Outcome RunningInstance::handOver(QDBusConnection bus, const Op
         lines << file.line;
         columns << file.column;
     }
-    QVariantMap options{{newWindowKey, request.opensNewWindow}, {tokenKey, request.activationToken}};
+    QVariantMap options{{newWindowKey, request.opensNewWindow}, {newTabKey, request.opensNewTab}, {tokenKey, request.activationToken}};
     if (request.stream >= 0) {
         options.insert(streamKey, QVariant::fromValue(QDBusUnixFileDescriptor(request.stream)));
     }
@@ -153,9 +157,14 @@ bool RunningInstance::waitUntilOneRuns(QDBusConnection bus, std::chrono::millise
     return bus.interface()->isServiceRegistered(serviceName);
 }
 
-RunningInstance::RunningInstance(const QDBusConnection &bus, std::function<void(const OpenRequest &request)> open)
-    : m_bus(bus), m_open(std::move(open))
+RunningInstance::RunningInstance(const QDBusConnection &bus, Handlers handlers) : m_bus(bus), m_handlers(std::move(handlers))
 {
+    m_waiters.setConnection(bus);
+    m_waiters.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
+    connect(&m_waiters, &QDBusServiceWatcher::serviceUnregistered, this, [this](const QString &name) {
+        m_waiters.removeWatchedService(name);
+        m_handlers.gone(name);
+    });
     new ApplicationAdaptor(*this);
     new FilesAdaptor(*this);
 }
@@ -166,6 +175,14 @@ RunningInstance::~RunningInstance()
         m_bus.unregisterService(serviceName);
         m_bus.unregisterObject(objectPath);
     }
+}
+
+void RunningInstance::take(const OpenRequest &request)
+{
+    if (!request.waiter.isEmpty()) {
+        m_waiters.addWatchedService(request.waiter);
+    }
+    m_handlers.open(request);
 }
 
 bool RunningInstance::registerHere()

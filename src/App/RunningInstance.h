@@ -5,6 +5,7 @@
 #include "App/CommandLine.h"
 
 #include <QDBusConnection>
+#include <QDBusServiceWatcher>
 #include <QObject>
 
 #include <chrono>
@@ -14,12 +15,15 @@
 struct OpenRequest {
     std::vector<CommandLine::File> files = {};
     bool opensNewWindow = false;
+    bool opensNewTab = false;
     /// What comes on it is opened too; below 0 there is none. Whoever is asked closes it.
     int stream = -1;
     /// By which the desktop lets a window come to the front; may be empty.
     QString activationToken = {};
     /// Somebody waits until all of it is closed again, and gets the exit status: 0, or 1 when edits were not saved. May be empty.
     std::function<void(int status)> closed = {};
+    /// Who that is, for RunningInstance::Handlers::gone; may be empty.
+    QString waiter = {};
 };
 
 /// The one program of a user's session, which others find on the session bus: as `org.freedesktop.Application`, and by an interface of its
@@ -41,17 +45,23 @@ public:
     /// Whether there is one, after at most so long.
     [[nodiscard]] static bool waitUntilOneRuns(QDBusConnection bus, std::chrono::milliseconds patience);
 
-    /// `open` is called from the event loop.
-    RunningInstance(const QDBusConnection &bus, std::function<void(const OpenRequest &request)> open);
+    /// Both are called from the event loop.
+    struct Handlers {
+        std::function<void(const OpenRequest &request)> open;
+        /// Somebody who waited has ended before it was told.
+        std::function<void(const QString &waiter)> gone;
+    };
+    RunningInstance(const QDBusConnection &bus, Handlers handlers);
     ~RunningInstance() override;
 
     /// Is the one that is found from now on; false when there is another, or no bus.
     [[nodiscard]] bool registerHere();
-    void take(const OpenRequest &request) { m_open(request); }
+    void take(const OpenRequest &request);
     [[nodiscard]] const QDBusConnection &bus() const { return m_bus; }
 
 private:
     QDBusConnection m_bus;
-    std::function<void(const OpenRequest &)> m_open;
+    Handlers m_handlers;
+    QDBusServiceWatcher m_waiters;
     bool m_isRegistered = false;
 };

@@ -395,6 +395,20 @@ TEST_F(WorkspaceTest, TellsThoseWhoWaitForFiles)
 
     open({{path(u"missing"_s)}});
     EXPECT_EQ(std::exchange(statuses, {}), std::vector<int>{1}) << "not opened";
+    // Of two who wait one ends, then the other.
+    const auto wait = [&](const QString &waiter) {
+        application.open({.files = {{path(u"b.txt"_s)}}, .closed = [&](int) { ADD_FAILURE(); }, .waiter = waiter});
+    };
+    wait(u":1.7"_s);
+    wait(u":1.8"_s);
+    application.forgetWaiter(u":1.7"_s);
+    EXPECT_NE(workspace().currentEditor()->banner(), nullptr);
+    application.forgetWaiter(u":1.8"_s);
+    EXPECT_EQ(workspace().currentEditor()->banner(), nullptr);
+    send("closeTab:");
+    const qsizetype before = tabs().size();
+    application.open(OpenRequest{.opensNewTab = true});
+    EXPECT_EQ(tabs().size(), before + 1);
     application.open({.files = {{path(u"a.txt"_s)}}, .opensNewWindow = true});
     EXPECT_EQ(application.windows().size(), 2U);
     EXPECT_EQ(workspace(1).currentDocument()->path(), path(u"a.txt"_s));
