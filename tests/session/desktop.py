@@ -13,8 +13,8 @@ TOOLS = ("Xvfb", "openbox", "xdotool")
 PATIENCE = 30
 
 
-def missing_tools():
-    return [tool for tool in TOOLS if not shutil.which(tool)]
+def missing_tools(tools=TOOLS):
+    return [tool for tool in tools if not shutil.which(tool)]
 
 
 class Desktop:
@@ -60,20 +60,23 @@ class Desktop:
         self.log.close()
         self.folder.cleanup()
 
-    def start_display(self):
+    def start_x_server(self, size):
         reader, writer = os.pipe()
-        self.start("Xvfb", "-displayfd", str(writer), "-screen", "0", f"{self.size}x24", "-nolisten", "tcp", pass_fds=(writer,))
+        self.start("Xvfb", "-displayfd", str(writer), "-screen", "0", f"{size}x24", "-nolisten", "tcp", pass_fds=(writer,))
         os.close(writer)
         with os.fdopen(reader) as answer:
             number = answer.readline().strip()
         if not number:
             raise RuntimeError("Xvfb did not start")
         self.environment["DISPLAY"] = f":{number}"
+
+    def start_display(self):
+        self.start_x_server(self.size)
         self.start("openbox", "--sm-disable")
         self.until("the window manager to be there", lambda: self.ask("get_num_desktops"))
 
     def start(self, *command, **options):
-        process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+        process = subprocess.Popen(command, env=options.pop("environment", self.environment), stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                    stderr=options.pop("stderr", subprocess.DEVNULL), **options)
         self.processes.append(process)
         return process
@@ -89,6 +92,10 @@ class Desktop:
         """What the program wrote to its standard error."""
         return (self.path / "log").read_text(errors="replace")
 
+    def x_environment(self):
+        """For what speaks to the X server."""
+        return self.environment
+
     # Waiting
 
     def until(self, what, condition):
@@ -103,7 +110,7 @@ class Desktop:
 
     def ask(self, *command):
         """What xdotool answers, empty when it fails."""
-        done = subprocess.run(("xdotool", *map(str, command)), env=self.environment, capture_output=True, text=True, timeout=PATIENCE)
+        done = subprocess.run(("xdotool", *map(str, command)), env=self.x_environment(), capture_output=True, text=True, timeout=PATIENCE)
         return done.stdout.strip() if done.returncode == 0 else ""
 
     # Windows
@@ -126,24 +133,39 @@ class Desktop:
         """How many the program has, open menus among them."""
         return len(self.ask("search", "--onlyvisible", "--pid", self.started.pid).split())
 
+    def open_menu(self, *keys):
+        closed = self.visible_windows()
+        self.keys(*keys)
+        self.until("the menu to be open", lambda: self.visible_windows() > closed)
+
+    def close_menu(self, *keys):
+        opened = self.visible_windows()
+        self.keys(*keys)
+        # The display gives the keyboard back to the window only then.
+        self.until("the menu to be closed", lambda: self.visible_windows() < opened)
+
     # Keys and mouse, which go to the window in front
 
     def keys(self, *keys):
-        subprocess.run(("xdotool", "key", "--delay", "0", *keys), env=self.environment, check=True)
+        self.mouse("key", "--delay", "0", *keys)
 
     def type(self, text):
-        subprocess.run(("xdotool", "type", "--delay", "0", "--", text), env=self.environment, check=True)
+        self.mouse("type", "--delay", "0", "--", text)
+
+    def mouse(self, *command):
+        """Or keys: as xdotool has them."""
+        subprocess.run(("xdotool", *map(str, command)), env=self.x_environment(), check=True)
 
     def click(self, window, x, y, button=1):
         """At a place in the window, in pixels or as shares of its sides."""
         size = dict(line.split("=") for line in self.ask("getwindowgeometry", "--shell", window).splitlines())
         x, y = (int(int(size[side]) * share) if isinstance(share, float) else share
                 for side, share in (("WIDTH", x), ("HEIGHT", y)))
-        subprocess.run(("xdotool", "mousemove", "--window", window, str(x), str(y), "click", str(button)), env=self.environment, check=True)
+        self.mouse("mousemove", "--window", window, x, y, "click", button)
 
     def picture(self, name):
         if self.pictures:
             self.pictures.mkdir(parents=True, exist_ok=True)
             self.picture_count += 1
             file = self.pictures / f"{self.picture_count:02}-{name}.png"
-            subprocess.run(("import", "-window", "root", str(file)), env=self.environment, check=True)
+            subprocess.run(("import", "-window", "root", str(file)), env=self.x_environment(), check=True)

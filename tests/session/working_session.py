@@ -2,11 +2,12 @@
 # SPDX-FileCopyrightText: 2026 The Quillet authors
 # SPDX-License-Identifier: MIT
 """An hour's work in a minute, with the real keys in real windows; what counts is what lies on the disk and what the windows are called.
-Usage: working_session.py PROGRAM [--pictures FOLDER]"""
+Usage: working_session.py PROGRAM [--display x11|wayland] [--scale S] [--pictures FOLDER]"""
 import argparse
 import sys
 import traceback
 
+import wayland_desktop
 from desktop import Desktop, missing_tools
 
 SKIPPED = 77
@@ -59,14 +60,10 @@ class Session:
     def choose(self, stop, title):
         """Chooses an entry of one of the status bar's menus by the keyboard alone and goes back to the text."""
         desktop = self.desktop
-        closed = desktop.visible_windows()
-        desktop.keys("F6", "F6", *["Tab"] * stop, "space")
-        desktop.until("the menu to be open", lambda: desktop.visible_windows() > closed)
+        desktop.open_menu("F6", "F6", *["Tab"] * stop, "space")
         desktop.type(title)
         desktop.picture(f"status-{title}")
-        desktop.keys("Return")
-        # The display gives the keyboard back to the window only then.
-        desktop.until("the menu to be closed", lambda: desktop.visible_windows() == closed)
+        desktop.close_menu("Return")
         # From there the toolbar is next, then the text.
         desktop.keys("F6", "F6")
 
@@ -175,7 +172,7 @@ class Session:
         desktop.picture("second-window")
         # Nothing is asked: what was not saved comes back, from whichever window.
         desktop.keys("ctrl+q")
-        expect(desktop.exit_code(), 0, "exit code")
+        expect((desktop.exit_code(), desktop.complaints()), (0, ""), "exit code")
         desktop.start_program()
         self.window = self.until_title("Untitled")
         desktop.picture("started-again")
@@ -188,21 +185,26 @@ class Session:
         self.until_title("draft.txt")
         self.until_on_disk("draft.txt", b"draft")
         desktop.keys("ctrl+q")
-        expect(desktop.exit_code(), 0, "exit code")
+        expect((desktop.exit_code(), desktop.complaints()), (0, ""), "exit code")
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("program")
     parser.add_argument("--pictures", help="takes pictures of the screen into this folder")
+    parser.add_argument("--display", choices=("x11", "wayland"), default="x11")
+    parser.add_argument("--scale", type=float, default=1, help="of its screen")
     arguments = parser.parse_args()
-    if missing := missing_tools():
+    is_wayland = arguments.display == "wayland"
+    if missing := missing_tools(*[wayland_desktop.TOOLS] * is_wayland):
         print(f"not run: {', '.join(missing)} not installed")
         return SKIPPED
     # A busy X server loses a synthetic key now and then; what is broken fails twice.
     for attempt in (1, 2):
         try:
-            with Desktop(arguments.program, arguments.pictures) as desktop:
+            desktop = (wayland_desktop.WaylandDesktop(arguments.program, arguments.pictures, scale=arguments.scale) if is_wayland
+                       else Desktop(arguments.program, arguments.pictures))
+            with desktop:
                 Session(desktop).run()
             return 0
         except AssertionError:

@@ -1,0 +1,112 @@
+# SPDX-FileCopyrightText: 2026 The Quillet authors
+# SPDX-License-Identifier: MIT
+"""The same desktop under Wayland: a compositor whose screens are windows of the X display, so keys and mouse are xdotool's here too."""
+import json
+import os
+import pathlib
+import subprocess
+import tempfile
+
+from desktop import PATIENCE, Desktop
+
+TOOLS = ("Xvfb", "sway", "swaymsg", "xdotool", "import")
+NOBODY = 65534
+# A menu covers more pixels than this, a caret that blinks or a button that is lit fewer.
+MENU_PIXELS = 4000
+
+CONFIGURATION = """\
+output * resolution {width}x{height} scale {scale}
+default_border none
+xwayland disable
+for_window [app_id=".*"] floating enable
+focus_on_window_activation focus
+"""
+
+
+class WaylandDesktop(Desktop):
+    """`scale` may be a fraction."""
+
+    def __init__(self, program, pictures=None, size="1200x800", scale=1):
+        super().__init__(program, pictures, size)
+        self.scale = scale
+        self.display_size = "2600x1700"
+
+    def start_display(self):
+        self.start_x_server(self.display_size)
+        # The compositor refuses to be the superuser's, and nobody else's programs may use another's runtime folder.
+        self.run = tempfile.TemporaryDirectory(prefix="quillet-wayland-")
+        run = pathlib.Path(self.run.name)
+        width, height = self.size.split("x")
+        configuration = run / "configuration"
+        configuration.write_text(CONFIGURATION.format(width=width, height=height, scale=self.scale))
+        as_user = ()
+        if os.geteuid() == 0:
+            os.chown(run, NOBODY, NOBODY)
+            os.chown(configuration, NOBODY, NOBODY)
+            as_user = ("setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups")
+        environment = dict(self.environment, XDG_RUNTIME_DIR=str(run), HOME=str(run), WLR_BACKENDS="x11", WLR_RENDERER="pixman")
+        for name in ("CONFIG", "DATA", "STATE", "CACHE"):
+            environment.pop(f"XDG_{name}_HOME")
+        self.start(*as_user, "sway", "-c", str(configuration), environment=environment)
+        self.environment["SWAYSOCK"] = str(self.until("the compositor's socket", lambda: next(run.glob("sway-ipc.*.sock"), None)))
+        self.until("the compositor to answer", lambda: self.outputs())
+        socket = self.until("the display's socket", lambda: next(run.glob("wayland-?"), None))
+        self.display = self.environment.pop("DISPLAY")
+        self.environment |= {"WAYLAND_DISPLAY": str(socket), "QT_QPA_PLATFORM": "wayland"}
+        # No window manager of the X display gives the keyboard to the compositor's window, which comes after the root.
+        screens = self.until("the screen's window", lambda: self.ask("search", "--onlyvisible", "--maxdepth", 1, "--name", ".*").split()[1:])
+        self.mouse("windowfocus", "--sync", screens[0])
+
+    def __exit__(self, *failure):
+        super().__exit__(*failure)
+        if hasattr(self, "run"):
+            self.run.cleanup()
+
+    def x_environment(self):
+        return dict(self.environment, DISPLAY=self.display if hasattr(self, "display") else self.environment["DISPLAY"])
+
+    def sway(self, *command):
+        done = subprocess.run(("swaymsg", *map(str, command)), env=self.environment, capture_output=True, text=True, timeout=PATIENCE)
+        return done.stdout if done.returncode == 0 else ""
+
+    def outputs(self):
+        return json.loads(self.sway("-r", "-t", "get_outputs") or "[]")
+
+    def windows(self):
+        def below(node):
+            if node.get("pid"):
+                yield node
+            for child in node.get("nodes", []) + node.get("floating_nodes", []):
+                yield from below(child)
+
+        return list(below(json.loads(self.sway("-r", "-t", "get_tree") or "{}")))
+
+    def focused(self):
+        return next((window for window in self.windows() if window["focused"]), {})
+
+    def front(self):
+        return str(self.focused().get("id", ""))
+
+    def title(self):
+        return self.focused().get("name") or ""
+
+    def screen(self):
+        return subprocess.run(("import", "-window", "root", "-depth", "8", "rgb:-"), env=self.x_environment(), capture_output=True,
+                              check=True).stdout
+
+    def open_menu(self, *keys):
+        """The compositor tells of no menus, but they are seen."""
+        before = self.screen()
+        self.keys(*keys)
+        self.until("the menu to open or to close", lambda: self.differs(before))
+
+    close_menu = open_menu
+
+    def differs(self, before):
+        now = self.screen()
+        return now != before and sum(now[at:at + 3] != before[at:at + 3] for at in range(0, len(now), 3)) > MENU_PIXELS
+
+    def click(self, window, x, y, button=1):
+        place = next(found["rect"] for found in self.windows() if str(found["id"]) == str(window))
+        x, y = (int(place[side] * share) if isinstance(share, float) else share for side, share in (("width", x), ("height", y)))
+        self.mouse("mousemove", int((place["x"] + x) * self.scale), int((place["y"] + y) * self.scale), "click", button)
