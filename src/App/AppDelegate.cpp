@@ -98,6 +98,7 @@ const ActionRow *AppDelegate::actionFor(Selector selector) const
         action<&Self::terminate>("terminate:"),
         action<&Self::showAbout>("orderFrontStandardAboutPanel:"),
         action<&Self::showSettings>("showSettings:"),
+        action<&Self::showUserGuide>("showUserGuide:"),
         action<&Self::showShortcuts>("showShortcuts:"),
         action<&Self::revealSupportFolder>("revealSupportFolder:"),
         action<&Self::openRecentDocument>("openRecentDocument:"),
@@ -504,21 +505,23 @@ void AppDelegate::showAbout()
 void AppDelegate::showSettings()
 {
     if (!m_settings) {
-        m_settings = std::make_unique<SettingsWindowController>(SettingsServices{.preferences = m_services.preferences,
-                                                                                 .notifications = m_services.notifications,
-                                                                                 .presenter = m_services.presenter,
-                                                                                 .dataFolder = m_services.session.rootDirectory(),
-                                                                                 .showKeyReference = [this] { showKeyReference(); }});
+        m_settings = std::make_unique<SettingsWindowController>(
+            SettingsServices{.preferences = m_services.preferences,
+                             .notifications = m_services.notifications,
+                             .presenter = m_services.presenter,
+                             .dataFolder = m_services.session.rootDirectory(),
+                             .showKeyReference = [this] { showInWindow("showVimKeyReference:"); }});
     }
     m_settings->comeToFront(frontmostWindow());
 }
 
-void AppDelegate::showKeyReference()
+/// For those who ask from a window that has no tabs.
+void AppDelegate::showInWindow(Selector reference)
 {
     MainWindowController *front = frontmostWindow();
     MainWindowController &window = front ? *front : makeWindow();
     window.comeToFront();
-    if (!window.workspace().perform("showVimKeyReference:")) {
+    if (!window.workspace().perform(reference)) {
         m_services.presenter.beep();
     }
 }

@@ -79,7 +79,8 @@ private:
     void warn(const QString &message, const QString &details);
     void showAbout();
     void showSettings();
-    void showKeyReference();
+    void showUserGuide() { showInWindow("showUserGuide:"); }
+    void showInWindow(Selector reference);
     void rememberActiveWindow();
     void showShortcuts();
     void revealSupportFolder();

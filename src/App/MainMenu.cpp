@@ -175,7 +175,8 @@ constexpr auto rows = std::to_array<MenuCommand>({
     {u"Window", "performZoom:", u"Zoom"},
     {.menu = u"Window", .selector = "arrangeInFront:", .title = u"Bring All to Front", .place = startsGroup, .content = notHere},
 
-    {u"Help", "showShortcuts:", u"Keyboard Shortcuts"},
+    {u"Help", "showUserGuide:", u"User’s Guide", "F1"},
+    {u"Help", "showShortcuts:", u"Keyboard Shortcuts", "", startsGroup},
     {u"Help", "showVimKeyReference:", u"Vim Key Reference"},
     {u"Help", "revealSupportFolder:", u"Reveal Local Data Folder"},
 });

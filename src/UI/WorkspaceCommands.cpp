@@ -73,6 +73,7 @@ const ActionRow *WorkspaceViewController::actionFor(Selector selector) const
         action<&Self::closeWindowFromVim>("closeWindowFromVim:"),
         action<&Self::goToLine, &Self::hasEditor>("goToLine:"),
         action<&Self::showVimKeyReference>("showVimKeyReference:"),
+        action<&Self::showUserGuide>("showUserGuide:"),
         action<&Self::compareWithFileOnDisk, &Self::hasFile>("compareWithFileOnDisk:"),
         action<&Self::compareWithFile, &Self::hasDocument>("compareWithFile:"),
         action<&Self::compareWithOpenDocument, &Self::hasSeveralDocuments>("compareWithOpenDocument:"),

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 
-// What a window shows of other texts than those that are edited: comparisons, and the reference of keys.
+// What a window shows of other texts than those that are edited: comparisons, and what the program says about itself.
 
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
@@ -9,6 +9,7 @@
 #include "Platform/AlertPresenter.h"
 #include "Platform/HomePath.h"
 #include "Platform/Translation.h"
+#include "UI/UserGuide.h"
 #include "UI/WorkspaceViewController.h"
 #include "Vim/VimReference.h"
 
@@ -90,8 +91,17 @@ void WorkspaceViewController::compareWithOpenDocument(const ActionSender &sender
 
 void WorkspaceViewController::showVimKeyReference()
 {
-    const QString title = VimReference::title;
-    const QString text = VimReference::markdown(m_services.preferences.vimKeymapPreset());
+    showGenerated(VimReference::title, VimReference::markdown(m_services.preferences.vimKeymapPreset()));
+}
+
+void WorkspaceViewController::showUserGuide()
+{
+    showGenerated(UserGuide::title, UserGuide::markdown());
+}
+
+/// Markdown that nobody edits, in the tab that has it already if there is one.
+void WorkspaceViewController::showGenerated(const QString &title, const QString &text)
+{
     const auto &open = m_services.documents.documents();
     const auto found =
         std::ranges::find_if(open, [&](const auto &document) { return document->isGenerated() && document->displayName() == title; });

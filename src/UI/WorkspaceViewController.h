@@ -164,6 +164,8 @@ private:
     void closeWindowFromVim() override { window()->close(); }
     void goToLine();
     void showVimKeyReference();
+    void showUserGuide();
+    void showGenerated(const QString &title, const QString &text);
     void selectLanguageFromMenu(const ActionSender &sender);
     void selectTheme(const ActionSender &sender);
     template<bool (Preferences::*value)() const, void (Preferences::*setValue)(bool)>

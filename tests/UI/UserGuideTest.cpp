@@ -1,0 +1,208 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "UI/UserGuide.h"
+
+#include "App/MainMenu.h"
+#include "Platform/Localization.h"
+#include "WindowFixture.h"
+
+#include <QDir>
+#include <QRegularExpression>
+#include <QSet>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Mention {
+    int section = 0;
+    QString path;
+    /// As the guide has them.
+    QStringList keys;
+};
+
+/// Every **Menu › Command**, whether lines break in it or not, with the keys in the parentheses behind it.
+std::vector<Mention> mentions()
+{
+    static const QRegularExpression form(u"^## (\\d+)\\.|\\*\\*([^*]+?\\s›\\s[^*]+)\\*\\*(?:\\s+\\(([^)]*)\\))?"_s,
+                                         QRegularExpression::MultilineOption);
+    static const QRegularExpression between(u" or | oder "_s);
+    std::vector<Mention> found;
+    int section = 0;
+    for (auto all = form.globalMatch(UserGuide::markdown()); all.hasNext();) {
+        const auto match = all.next();
+        if (match.hasCaptured(1)) {
+            section = match.captured(1).toInt();
+            continue;
+        }
+        const QString keys = match.captured(3).simplified();
+        found.push_back({section, match.captured(2).simplified(), keys.isEmpty() ? QStringList() : keys.split(between)});
+    }
+    return found;
+}
+
+/// A key in the German guide or the English one, as the menu table has it.
+QString portable(QString key)
+{
+    key.replace(u"Strg"_s, u"Ctrl"_s).replace(u"Umschalt"_s, u"Shift"_s);
+    return key.replace(u"Bild aufwärts"_s, u"PgUp"_s).replace(u"Bild abwärts"_s, u"PgDown"_s);
+}
+
+using Paths = QHash<QString, MenuNode>;
+
+void addPaths(const std::vector<MenuNode> &nodes, const QString &above, Paths &paths)
+{
+    for (const MenuNode &node : nodes) {
+        const QString path = above.isEmpty() ? node.title : above + u" › "_s + node.title;
+        paths.insert(path, node);
+        addPaths(node.children, path, paths);
+    }
+}
+
+/// Of all menus, submenus and items, in the language of the interface.
+Paths pathsOfMenus()
+{
+    Paths paths;
+    addPaths(MainMenu::build(), {}, paths);
+    return paths;
+}
+
+std::string described(const QString &text)
+{
+    return Localization::current().locale().name().toStdString() + ": " + text.toStdString();
+}
+
+class UserGuideTest : public testing::TestWithParam<AppLanguage> {
+protected:
+    void SetUp() override { Localization::use(GetParam()); }
+    void TearDown() override { Localization::use(AppLanguage::english); }
+};
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(Languages, UserGuideTest, testing::Values(AppLanguage::english, AppLanguage::german),
+                         [](const auto &test) { return test.param == AppLanguage::german ? "german" : "english"; });
+
+TEST_P(UserGuideTest, NamesEveryCommandAsTheMenusDo)
+{
+    const Paths paths = pathsOfMenus();
+    QSet<QString> named;
+    for (const Mention &mention : mentions()) {
+        const auto node = paths.find(mention.path);
+        if (node == paths.end()) {
+            ADD_FAILURE() << "no menu has “" << described(mention.path) << "”";
+            continue;
+        }
+        named.insert(mention.path);
+        QStringList keys;
+        for (const QKeySequence &sequence : node->kind == MenuNode::Kind::item ? node->command->keySequences() : QList<QKeySequence>()) {
+            keys << sequence.toString(QKeySequence::PortableText);
+        }
+        QStringList given = mention.keys;
+        std::ranges::transform(given, given.begin(), portable);
+        EXPECT_TRUE(given.isEmpty() || given == keys) << described(mention.path) << " has " << keys.join(u", "_s).toStdString();
+    }
+    for (auto node = paths.begin(); node != paths.end(); ++node) {
+        // A menu is told of by its items, and what is chosen from a list by that list.
+        const bool isCommand = node->kind == MenuNode::Kind::item && node->command && node->sender.represented.isNull() &&
+                               node->command->selector != Selector("selectTabByNumber:");
+        EXPECT_TRUE(!isCommand || named.contains(node.key())) << "the guide does not name “" << described(node.key()) << "”";
+    }
+}
+
+TEST_P(UserGuideTest, QuotesWhatTheProgramSays)
+{
+    const QHash<QString, QString> &german = Localization::resolveBundle(AppLanguage::german).texts();
+    QSet<QString> shown;
+    for (auto text = german.begin(); text != german.end(); ++text) {
+        shown.insert(Localization::current().text(text.key()));
+    }
+    const bool isGerman = GetParam() == AppLanguage::german;
+    const QRegularExpression quoted(isGerman ? u"„([^„“]+)“"_s : u"“([^“”]+)”"_s);
+    qsizetype count = 0;
+    QString prose;
+    for (QString paragraph : UserGuide::markdown().split(u"\n\n"_s)) {
+        if (!paragraph.startsWith("> "_L1)) {
+            prose += paragraph + u' ';
+            continue;
+        }
+        // A whole sentence, with a file's name in it.
+        paragraph.remove(u"> "_s).replace(isGerman ? u"notizen.txt"_s : u"notes.txt"_s, u"%@"_s);
+        EXPECT_TRUE(shown.contains(paragraph.simplified())) << described(paragraph);
+        ++count;
+    }
+    for (auto all = quoted.globalMatch(prose); all.hasNext(); ++count) {
+        const QString text = all.next().captured(1).simplified();
+        EXPECT_TRUE(shown.contains(text)) << described(text);
+    }
+    EXPECT_GT(count, 30);
+}
+
+TEST(UserGuide, SaysTheSameInBothLanguages)
+{
+    QStringList commands[2];
+    for (const AppLanguage language : {AppLanguage::english, AppLanguage::german}) {
+        Localization::use(language);
+        const Paths paths = pathsOfMenus();
+        for (const Mention &mention : mentions()) {
+            const MenuNode node = paths.value(mention.path);
+            const std::string_view selector = node.command ? node.command->selector.name() : std::string_view("menu");
+            commands[language == AppLanguage::german] << u"%1 %2 %3 %4"_s.arg(mention.section)
+                                                             .arg(QLatin1StringView(selector.data(), qsizetype(selector.size())))
+                                                             .arg(node.sender.tag)
+                                                             .arg(mention.keys.size());
+        }
+    }
+    Localization::use(AppLanguage::english);
+    // Words stand in another order, and sections do not.
+    std::ranges::for_each(commands, [](QStringList &list) { list.sort(); });
+    EXPECT_EQ(commands[0].join(u'\n').toStdString(), commands[1].join(u'\n').toStdString());
+    EXPECT_GT(commands[0].size(), 60);
+}
+
+namespace {
+
+class UserGuideWindowTest : public WindowTest {
+protected:
+    void SetUp() override
+    {
+        Localization::use(AppLanguage::english);
+        preferences.setLanguageResolver(Localization::use);
+        WindowTest::SetUp();
+    }
+    void TearDown() override { Localization::use(AppLanguage::english); }
+};
+
+} // namespace
+
+TEST_F(UserGuideWindowTest, IsATextOfTheLanguageThatNobodyEdits)
+{
+    workspace().open({write(u"a.txt"_s, "one\n")});
+    ASSERT_TRUE(send("showUserGuide:"));
+    EXPECT_EQ(tabs(), (QStringList{u"a.txt"_s, u"Quillet Guide.md"_s}));
+    EXPECT_EQ(workspace().currentDocument()->language().id(), u"markdown"_s);
+    const QString english = text();
+    EXPECT_TRUE(english.startsWith("# Quillet: "_L1)) << english.left(80).toStdString();
+    type(u"x"_s);
+    send("deleteLine:");
+    workspace().performAutosave();
+    EXPECT_EQ(text(), english);
+    EXPECT_FALSE(QDir(path(u"data/drafts"_s)).exists(u"*"_s));
+
+    // Asked for again it is the same tab, where the reader was.
+    textView().setSelection(TextSelection::at(english.size() / 2));
+    send("selectPreviousTab:");
+    send("showUserGuide:");
+    EXPECT_EQ(tabs().size(), 2);
+    EXPECT_EQ(textView().selection().caret, english.size() / 2);
+    preferences.setLanguage(AppLanguage::german);
+    send("showUserGuide:");
+    EXPECT_EQ(tabs(), (QStringList{u"a.txt"_s, u"Quillet Guide.md"_s}));
+    EXPECT_NE(text(), english);
+    EXPECT_TRUE(text().contains(u"Datei › Öffnen"_s));
+
+    // A window that has no tabs, such as a comparison, has it shown in one that does.
+    send("closeTab:");
+    ASSERT_TRUE(application.perform("showUserGuide:"));
+    EXPECT_EQ(tabs().last(), u"Quillet Guide.md"_s);
+}
