@@ -43,6 +43,12 @@ public:
     [[nodiscard]] qsizetype lineAt(qsizetype offset) const { return m_tree.lineAt(offset); }
     /// Units of the longest line, its break counted in. O(1).
     [[nodiscard]] qsizetype longestLine() const { return m_tree.longestLine(); }
+    /// Where a surrogate pair counts as one. O(1).
+    [[nodiscard]] qsizetype characterCount() const { return m_tree.characterCount(); }
+    /// How many such characters stand before `offset` (0 … length, clamped), whole or in part. O(log n).
+    [[nodiscard]] qsizetype characterAt(qsizetype offset) const { return m_tree.characterAt(offset); }
+    /// Offset at which such a character begins; `character` is clamped to 0 … characterCount. O(log n).
+    [[nodiscard]] qsizetype characterStart(qsizetype character) const { return m_tree.characterStart(character); }
 
     /// O(log n); for a walk use RopeCursor.
     [[nodiscard]] char16_t at(qsizetype offset) const { return m_tree.at(offset); }

@@ -101,6 +101,25 @@ void forEachBreakMask(const Unit *text, qsizetype length, Visit visit)
     }
 }
 
+/// 1 where a surrogate pair ends, else 0.
+quint32 endsPair(const char16_t *unit)
+{
+    return quint32((unit[-1] & 0xfc00) == 0xd800) & quint32((unit[0] & 0xfc00) == 0xdc00);
+}
+
+quint32 countPairs(const uchar * /*text*/, qsizetype /*length*/)
+{
+    return 0;
+}
+
+quint32 countPairs(const char16_t *text, qsizetype length)
+{
+    quint32 pairs = 0;
+    for (qsizetype i = 1; i < length; ++i)
+        pairs += endsPair(text + i);
+    return pairs;
+}
+
 template<class Unit>
 TextSummary summarize(const Unit *text, qsizetype length)
 {
@@ -128,6 +147,7 @@ TextSummary summarize(const Unit *text, qsizetype length)
     sum.firstLine = count ? first : sum.units;
     sum.lastLine = sum.units - lineStart;
     sum.longestLine = std::max(longest, sum.lastLine);
+    sum.pairs = countPairs(text, length);
     sum.startsWithLf = text[0] == Unit('\n');
     sum.endsWithCr = text[length - 1] == Unit('\r');
     return sum;
@@ -168,6 +188,14 @@ qsizetype endOfBreak(const uchar *text, qsizetype length, qsizetype number)
 qsizetype endOfBreak(const char16_t *text, qsizetype length, qsizetype number)
 {
     return findBreak(text, length, number);
+}
+
+qsizetype startOfCharacter(const char16_t *text, qsizetype length, qsizetype number)
+{
+    qsizetype at = 0;
+    for (; number > 0 && at < length; --number)
+        at += at + 1 < length && endsPair(text + at + 1) ? 2 : 1;
+    return at;
 }
 
 bool isNarrowText(const char16_t *text, qsizetype length)

@@ -18,6 +18,8 @@ struct TextSummary {
     /// From the end of the last break.
     quint32 lastLine = 0;
     quint32 longestLine = 0;
+    /// Surrogate pairs that lie in the stretch as a whole.
+    quint32 pairs = 0;
     bool startsWithLf = false;
     bool endsWithCr = false;
 
@@ -38,6 +40,9 @@ struct TextSummary {
 [[nodiscard]] qsizetype endOfBreak(const uchar *text, qsizetype length, qsizetype number);
 [[nodiscard]] qsizetype endOfBreak(const char16_t *text, qsizetype length, qsizetype number);
 
+/// The offset of the character of this number (from 0), where a surrogate pair is one; `length` when there are not so many.
+[[nodiscard]] qsizetype startOfCharacter(const char16_t *text, qsizetype length, qsizetype number);
+
 /// Whether all units are below U+0100.
 [[nodiscard]] bool isNarrowText(const char16_t *text, qsizetype length);
 void widenText(const uchar *text, qsizetype length, char16_t *out);
@@ -55,6 +60,7 @@ inline bool TextSummary::follow(const TextSummary &before, const TextSummary &af
         return false;
     units += after.units - before.units;
     breaks += after.breaks - before.breaks;
+    pairs += after.pairs - before.pairs;
     longestLine = qMax(longestLine, after.longestLine);
     return true;
 }
@@ -79,6 +85,7 @@ inline TextSummary TextSummary::total(std::span<const TextSummary> parts)
         }
         sum.units += part.units;
         sum.breaks += part.breaks;
+        sum.pairs += part.pairs;
         endsInCr = part.endsWithCr;
     }
     if (sum.breaks == 0)

@@ -23,6 +23,9 @@ public:
     [[nodiscard]] qsizetype longestLine() const { return m_tree.summary().longestLine; }
     [[nodiscard]] qsizetype lineStart(qsizetype line) const;
     [[nodiscard]] qsizetype lineAt(qsizetype offset) const;
+    [[nodiscard]] qsizetype characterCount() const { return length() - m_tree.summary().pairs; }
+    [[nodiscard]] qsizetype characterAt(qsizetype offset) const;
+    [[nodiscard]] qsizetype characterStart(qsizetype character) const;
 
     /// The leaf that holds `offset`, which becomes the offset in it. The text must not be empty.
     [[nodiscard]] const TextLeaf &leafAt(qsizetype &offset) const { return m_tree.leafAt(offset, Side::right); }

@@ -22,6 +22,18 @@ struct LineSum {
     }
 };
 
+struct CharacterSum {
+    qsizetype units = 0;
+    qsizetype pairs = 0;
+
+    [[nodiscard]] qsizetype characters() const { return units - pairs; }
+    void add(const TextSummary &next)
+    {
+        units += next.units;
+        pairs += next.pairs;
+    }
+};
+
 template<int leafBytes, int fanout>
 TextTree<leafBytes, fanout>::TextTree(QStringView text)
 {
@@ -64,6 +76,32 @@ qsizetype TextTree<leafBytes, fanout>::lineAt(qsizetype offset) const
     if (inLeaf > 0)
         sum.add(leaf.summarize(inLeaf));
     return sum.breaks + (sum.endsWithCr && leaf.at(inLeaf) != u'\n' ? 1 : 0);
+}
+
+template<int leafBytes, int fanout>
+qsizetype TextTree<leafBytes, fanout>::characterAt(qsizetype offset) const
+{
+    if (offset >= length())
+        return characterCount();
+    if (offset <= 0)
+        return 0;
+    CharacterSum sum;
+    const TextLeaf &leaf = m_tree.seek(sum, [offset](const CharacterSum &next) { return next.units > offset; });
+    sum.add(leaf.summarize(offset - sum.units));
+    return sum.characters();
+}
+
+template<int leafBytes, int fanout>
+qsizetype TextTree<leafBytes, fanout>::characterStart(qsizetype character) const
+{
+    if (character >= characterCount())
+        return length();
+    if (character <= 0)
+        return 0;
+    CharacterSum sum;
+    const TextLeaf &leaf = m_tree.seek(sum, [character](const CharacterSum &next) { return next.characters() > character; });
+    const qsizetype inLeaf = character - sum.characters();
+    return sum.units + (leaf.isWide ? startOfCharacter(leaf.wide(), leaf.length, inLeaf) : inLeaf);
 }
 
 template<int leafBytes, int fanout>

@@ -39,6 +39,12 @@ std::vector<qsizetype> lineStartsOf(const std::u16string &text)
     return starts;
 }
 
+bool splitsPair(const std::u16string &text, qsizetype offset)
+{
+    return offset > 0 && offset < qsizetype(text.size()) && QChar::isHighSurrogate(text[size_t(offset) - 1]) &&
+           QChar::isLowSurrogate(text[size_t(offset)]);
+}
+
 qsizetype leafLengthAt(const Rope &rope, qsizetype offset)
 {
     return rope.chunkAt(offset).length;
@@ -57,12 +63,18 @@ void expectSame(const Tree &tree, const std::u16string &model)
     ASSERT_EQ(tree.length(), qsizetype(model.size()));
     ASSERT_EQ(escaped(textOf(tree)), escaped(model));
     for (qsizetype at = 0; at < tree.length(); at += leafLengthAt(tree, at))
-        ASSERT_FALSE(at > 0 && QChar::isHighSurrogate(model[size_t(at) - 1]) && QChar::isLowSurrogate(model[size_t(at)])) << at;
+        ASSERT_FALSE(splitsPair(model, at)) << at;
     const std::vector<qsizetype> starts = lineStartsOf(model);
     ASSERT_EQ(tree.lineCount(), qsizetype(starts.size()));
     qsizetype longest = 0;
     qsizetype line = 0;
+    qsizetype characters = 0;
     for (qsizetype offset = 0; offset <= qsizetype(model.size()); ++offset) {
+        if (offset > 0 && !splitsPair(model, offset - 1))
+            ++characters;
+        ASSERT_EQ(tree.characterAt(offset), characters) << "offset " << offset;
+        if (!splitsPair(model, offset))
+            ASSERT_EQ(tree.characterStart(characters), offset) << "character " << characters;
         if (line + 1 < qsizetype(starts.size()) && starts[size_t(line) + 1] == offset)
             ++line;
         ASSERT_EQ(tree.lineAt(offset), line) << "offset " << offset;
