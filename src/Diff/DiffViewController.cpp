@@ -8,6 +8,7 @@
 #include "Editor/ThemePalette.h"
 #include "Model/DocumentStore.h"
 #include "Model/Preferences.h"
+#include "Platform/AccessibleRole.h"
 #include "Platform/AlertPresenter.h"
 #include "Platform/ElidedLabel.h"
 #include "Platform/Localization.h"
@@ -93,7 +94,6 @@ DiffViewController::DiffViewController(const EditorServices &services, Side left
     };
     go(Qt::Key_F7, &DiffViewController::nextChange);
     go(Qt::Key_F8, &DiffViewController::previousChange);
-    setFocusProxy(&rightView());
 
     retranslate();
     applyPreferences();
@@ -172,6 +172,7 @@ QWidget *DiffViewController::makeFooter()
     row->setContentsMargins(sideInset, 2, sideInset, 2);
     row->setSpacing(spacing);
     m_summaryLabel = new QLabel(m_footerBar);
+    becomeNotice(*m_summaryLabel);
     m_summaryLabel->setFont(smaller(font()));
     m_summaryLabel->setTextFormat(Qt::PlainText);
     m_ignoresWhitespace = new QCheckBox(m_footerBar);
@@ -310,7 +311,7 @@ void DiffViewController::show(LineDiff::Result result)
         column->position = column->view->textViewport().position();
     }
     m_overview->setResult(m_result);
-    updateSummary();
+    tellSummary();
     m_currentChange = -1;
 }
 
@@ -363,6 +364,15 @@ void DiffViewController::updateSummary()
     m_nextButton->setEnabled(canGo);
 }
 
+/// Screen readers say it too, again if it is as it was. How far a comparison has got they are not told.
+void DiffViewController::tellSummary()
+{
+    updateSummary();
+    if (m_summaryLabel->isVisible()) {
+        announce(*m_summaryLabel);
+    }
+}
+
 // Going through the changes
 
 void DiffViewController::nextChange()
@@ -390,7 +400,7 @@ void DiffViewController::goTo(int change)
     for (const auto &column : m_columns) {
         column->view->setSelection(TextSelection::at(column->storage.text().lineStart(row)));
     }
-    updateSummary();
+    tellSummary();
 }
 
 /// The row's top gets to that part of the view's height.

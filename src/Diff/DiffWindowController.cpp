@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Diff/DiffWindowController.h"
 
+#include "Platform/AccessibleRole.h"
+
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QScreen>
@@ -20,13 +22,13 @@ constexpr QSize frameRoom(16, 48);
 
 DiffWindowController::DiffWindowController(const EditorServices &services, Side left, Side right, const Language &language)
 {
+    setAccessibleRole(*this, QAccessible::Window);
     // Doubled, the mark's placeholder stands for itself.
     setWindowTitle(QString(left.title + u" \u2194 "_s + right.title).replace("[*]"_L1, "[*][*]"_L1));
     m_content = new DiffViewController(services, std::move(left), std::move(right), language, this);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->addWidget(m_content);
-    setFocusProxy(m_content);
     setMinimumSize(leastSize);
     const QScreen *shown = screen();
     resize(startSize.boundedTo(shown ? shown->availableSize() - frameRoom : startSize).expandedTo(leastSize));
@@ -43,7 +45,8 @@ void DiffWindowController::comeToFront()
     show();
     raise();
     activateWindow();
-    m_content->setFocus();
+    // No focus proxy: the Tab key would come to it wherever it goes around the window, and never to the other column.
+    m_content->rightView().setFocus();
 }
 
 const ActionRow *DiffWindowController::actionFor(Selector selector) const
