@@ -183,6 +183,10 @@ void SpellingPanel::show(SpellingController &target)
     if (QWindow *owner = target.view().window()->windowHandle()) {
         m_window->windowHandle()->setTransientParent(owner);
     }
+    if (!m_window->isVisible()) {
+        // Said when it is shown, and not once more when it is brought up to date.
+        m_message->setText(message());
+    }
     m_window->show();
     m_window->raise();
     m_window->activateWindow();

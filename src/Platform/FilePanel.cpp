@@ -6,8 +6,10 @@
 #include "Platform/SymbolIcon.h"
 #include "Platform/Translation.h"
 
+#include <QComboBox>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
@@ -60,6 +62,12 @@ void FilePanel::adorn()
         header->setStretchLastSection(false);
         for (int column = 0; column < header->count(); ++column) {
             header->setSectionResizeMode(column, column == 0 ? QHeaderView::Stretch : QHeaderView::ResizeToContents);
+        }
+    }
+    // What screen readers call the pop-ups.
+    for (const auto &[label, popUp] : {std::pair("lookInLabel"_L1, "lookInCombo"_L1), std::pair("fileTypeLabel"_L1, "fileTypeCombo"_L1)}) {
+        if (auto *title = findChild<QLabel *>(label)) {
+            title->setBuddy(findChild<QComboBox *>(popUp));
         }
     }
     // The toolkit's own pictures are for desktops that have none, and look it.
