@@ -86,19 +86,24 @@ void TextViewAccessible::setText(QAccessible::Text kind, const QString &text)
     }
 }
 
-qsizetype TextViewAccessible::resolved(int offset) const
+qsizetype TextViewAccessible::resolved(int character) const
 {
-    if (offset == -1) {
+    if (character == -1) {
         return view().storage().length();
     }
-    return offset == -2 ? view().selection().caret : std::clamp<qsizetype>(offset, 0, view().storage().length());
+    return character == -2 ? view().selection().caret : view().storage().text().characterStart(character);
+}
+
+int TextViewAccessible::told(qsizetype offset) const
+{
+    return static_cast<int>(view().storage().text().characterAt(offset));
 }
 
 void TextViewAccessible::selection(int index, int *start, int *end) const
 {
     const TextRange range = index == 0 ? view().selection().range() : TextRange{};
-    *start = static_cast<int>(range.location);
-    *end = static_cast<int>(range.end());
+    *start = told(range.location);
+    *end = told(range.end());
 }
 
 int TextViewAccessible::selectionCount() const
@@ -127,7 +132,7 @@ void TextViewAccessible::setSelection(int index, int start, int end)
 
 int TextViewAccessible::cursorPosition() const
 {
-    return static_cast<int>(view().selection().caret);
+    return told(view().selection().caret);
 }
 
 void TextViewAccessible::setCursorPosition(int position)
@@ -198,8 +203,8 @@ TextRange TextViewAccessible::pieceAt(qsizetype offset, QAccessible::TextBoundar
 
 QString TextViewAccessible::answer(TextRange piece, int *start, int *end) const
 {
-    *start = static_cast<int>(piece.location);
-    *end = static_cast<int>(piece.end());
+    *start = told(piece.location);
+    *end = told(piece.end());
     return view().storage().string(piece);
 }
 
@@ -228,7 +233,7 @@ QString TextViewAccessible::textAfterOffset(int offset, QAccessible::TextBoundar
 
 int TextViewAccessible::characterCount() const
 {
-    return static_cast<int>(view().storage().length());
+    return told(view().storage().length());
 }
 
 QRect TextViewAccessible::characterRect(int offset) const
@@ -255,7 +260,7 @@ int TextViewAccessible::offsetAtPoint(const QPoint &point) const
         return -1;
     }
     const Viewport::VisibleRow row = view().textViewport().rowAt(local.y());
-    return static_cast<int>(view().layoutManager().graphemeAt(row.row, local.x() - view().textViewport().left()));
+    return told(view().layoutManager().graphemeAt(row.row, local.x() - view().textViewport().left()));
 }
 
 void TextViewAccessible::scrollToSubstring(int start, int end)
@@ -292,8 +297,8 @@ QString TextViewAccessible::attributes(int offset, int *start, int *end) const
             description += QStringLiteral("text-underline-style:solid;");
         }
     });
-    *start = static_cast<int>(found.location);
-    *end = static_cast<int>(found.end());
+    *start = told(found.location);
+    *end = told(found.end());
     return description;
 }
 
@@ -304,7 +309,12 @@ void TextViewAccessible::deleteText(int start, int end)
 
 void TextViewAccessible::insertText(int offset, const QString &text)
 {
-    replaceText(offset, offset, text);
+    // The bridge to the bus fills up to the length that it was told, which readers count in bytes.
+    qsizetype length = text.length();
+    while (length > 0 && text.at(length - 1).isNull()) {
+        --length;
+    }
+    replaceText(offset, offset, text.first(length));
 }
 
 void TextViewAccessible::replaceText(int start, int end, const QString &text)
@@ -327,16 +337,17 @@ void TextView::sendAccessibleChanges(const TextChangeList &changes)
         m_spoken.reset();
         return;
     }
+    const Rope &text = m_storage.text();
     qsizetype moved = 0;
     for (const TextChange &change : changes) {
-        const auto position = static_cast<int>(change.position);
+        const auto position = static_cast<int>(text.characterAt(change.position));
         if (change.removed > 0 && m_spoken) {
             const TextRange gone{change.position - moved, std::min(change.removed, answerLimit)};
             QAccessibleTextRemoveEvent event(this, position, m_spoken->text.toString(gone.clampedTo(m_spoken->text.length())));
             QAccessible::updateAccessibility(&event);
         }
         if (change.inserted > 0) {
-            QAccessibleTextInsertEvent event(this, position, m_storage.string({change.position, std::min(change.inserted, answerLimit)}));
+            QAccessibleTextInsertEvent event(this, position, text.toString({change.position, std::min(change.inserted, answerLimit)}));
             QAccessible::updateAccessibility(&event);
         }
         moved += change.inserted - change.removed;
@@ -352,12 +363,13 @@ void TextView::sendAccessibleSelection(TextSelection before)
     if (!m_spoken) {
         m_spoken = m_storage.snapshot();
     }
+    const auto told = [&text = m_storage.text()](qsizetype offset) { return static_cast<int>(text.characterAt(offset)); };
     if (!before.isEmpty() || !selection().isEmpty()) {
         const TextRange range = selection().range();
-        QAccessibleTextSelectionEvent event(this, static_cast<int>(range.location), static_cast<int>(range.end()));
-        event.setCursorPosition(static_cast<int>(m_caret.offset));
+        QAccessibleTextSelectionEvent event(this, told(range.location), told(range.end()));
+        event.setCursorPosition(told(m_caret.offset));
         QAccessible::updateAccessibility(&event);
     }
-    QAccessibleTextCursorEvent event(this, static_cast<int>(m_caret.offset));
+    QAccessibleTextCursorEvent event(this, told(m_caret.offset));
     QAccessible::updateAccessibility(&event);
 }

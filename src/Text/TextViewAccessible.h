@@ -10,8 +10,9 @@ class TextView;
 
 /// A TextView for screen readers: text, caret, selections, editing and where each character is on the screen.
 ///
-/// Answers come from storage and layout piece by piece; nothing copies the whole text. Offsets are UTF-16 units; −1 stands for the
-/// text's length and −2 for the caret, as the interface has it.
+/// Answers come from storage and layout piece by piece; nothing copies the whole text. Readers count characters, of which a surrogate pair
+/// is one: the bridge to the bus passes offsets on as they are, and who cuts a line out of what was told with units for characters never
+/// says the end of a line with two emoji. −1 stands for the text's length and −2 for the caret, as the interface has it.
 class TextViewAccessible final : public QAccessibleWidget, public QAccessibleTextInterface, public QAccessibleEditableTextInterface {
 public:
     /// Makes every TextView answer through this class; the first call counts.
@@ -51,7 +52,10 @@ public:
 
 private:
     [[nodiscard]] TextView &view() const;
-    [[nodiscard]] qsizetype resolved(int offset) const;
+    /// In units, what a reader counts in characters.
+    [[nodiscard]] qsizetype resolved(int character) const;
+    /// In characters, what is counted in units.
+    [[nodiscard]] int told(qsizetype offset) const;
     [[nodiscard]] TextRange wholePieceAt(qsizetype offset, QAccessible::TextBoundaryType boundary) const;
     /// The same, but for a huge one that part of it which holds the offset; the parts follow one another.
     [[nodiscard]] TextRange pieceAt(qsizetype offset, QAccessible::TextBoundaryType boundary) const;

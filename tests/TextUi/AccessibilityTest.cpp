@@ -127,25 +127,53 @@ TEST_F(Accessibility, HugeTextsAreAnsweredInBoundedPieces)
 {
     // A letter of two units lies across the end of the first part.
     const QString text = u'-' + u"\U0001F600"_s.repeated(100'000) + u'|';
+    const QList<uint> characters = text.toUcs4();
     ViewFixture fixture(text);
     QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&fixture.view);
     EXPECT_LE(interface->text(QAccessible::Value).length(), 100'000);
     int start = 0;
     int end = 0;
     QAccessibleTextInterface *access = interface->textInterface();
-    for (const int offset : {0, 65'535, 65'536, 65'537, 150'000, 200'001}) {
+    for (const int offset : {0, 32'767, 32'768, 32'769, 75'000, 100'001}) {
         const QString part = access->textAtOffset(offset, QAccessible::LineBoundary, &start, &end);
         EXPECT_LE(part.length(), 65'537);
         EXPECT_TRUE(start <= offset && offset < end) << offset << " in " << start << ".." << end;
-        EXPECT_EQ(part, text.mid(start, end - start));
+        EXPECT_EQ(part.toUcs4(), characters.mid(start, end - start));
         EXPECT_FALSE(part.front().isLowSurrogate() || part.back().isHighSurrogate()) << offset;
     }
     QString all;
-    for (int at = 0; at < text.length(); at = end) {
+    for (int at = 0; at < access->characterCount(); at = end) {
         all += access->textAtOffset(at, QAccessible::LineBoundary, &start, &end);
         ASSERT_GT(end, at);
     }
     EXPECT_EQ(all, text) << "the parts follow one another";
+}
+
+TEST_F(Accessibility, CountsCharactersNotUnits)
+{
+    ViewFixture fixture(u"\U0001F600a\n\U0001F600\U0001F601 end\nlast"_s);
+    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&fixture.view);
+    QAccessibleTextInterface *access = interface->textInterface();
+    EXPECT_EQ(access->characterCount(), 14);
+    int start = -1;
+    int end = -1;
+    EXPECT_EQ(access->textAtOffset(3, QAccessible::LineBoundary, &start, &end), u"\U0001F600\U0001F601 end\n"_s);
+    EXPECT_EQ(std::pair(start, end), std::pair(3, 10)) << "as long as a reader finds the line to be";
+    EXPECT_EQ(access->text(4, 6), u"\U0001F601 "_s);
+    EXPECT_EQ(access->offsetAtPoint(access->characterRect(4).center()), 4);
+    access->setSelection(0, 4, 5);
+    EXPECT_EQ(fixture.view.selectedText(), u"\U0001F601"_s);
+    access->selection(0, &start, &end);
+    EXPECT_EQ(std::pair(start, end), std::pair(4, 5));
+    access->setCursorPosition(5);
+    EXPECT_EQ(access->cursorPosition(), 5);
+
+    takeHeard();
+    fixture.keys(u"<BS><S-Left>"_s);
+    EXPECT_EQ(takeHeard(), (QStringList{u"-4 \U0001F601"_s, u"@4"_s, u"[3,4]"_s, u"@3"_s}));
+    // Padded, as it comes from the bus.
+    interface->editableTextInterface()->insertText(1, u"é\0"_s);
+    EXPECT_EQ(fixture.storage.text().toString(), u"\U0001F600éa\n\U0001F600 end\nlast"_s);
 }
 
 TEST_F(Accessibility, TellsOfEditsFromElsewhere)
@@ -162,13 +190,13 @@ TEST_F(Accessibility, TellsOfEditsFromElsewhere)
 
 TEST_F(Accessibility, OffsetsInsideALetterAreNoFault)
 {
-    ViewFixture fixture(u"a\U0001F600b"_s);
+    ViewFixture fixture(u"ae\u0301b"_s);
     QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&fixture.view);
     interface->editableTextInterface()->deleteText(2, 3);
     EXPECT_EQ(fixture.storage.text().toString(), u"ab"_s);
-    interface->editableTextInterface()->insertText(-1, u"\U0001F600"_s);
+    interface->editableTextInterface()->insertText(-1, u"e\u0301"_s);
     interface->editableTextInterface()->insertText(3, u"x"_s);
-    EXPECT_EQ(fixture.storage.text().toString(), u"abx\U0001F600"_s);
+    EXPECT_EQ(fixture.storage.text().toString(), u"abxe\u0301"_s);
     fixture.view.selectAll();
     fixture.view.deleteSelection();
     QAccessibleTextInterface *access = interface->textInterface();
