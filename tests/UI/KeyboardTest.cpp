@@ -1,0 +1,119 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Diff/DiffWindowController.h"
+#include "Editor/EditorViewController.h"
+#include "Editor/SpellingPanel.h"
+#include "KeyboardTour.h"
+#include "Platform/Localization.h"
+#include "Platform/Translation.h"
+#include "Platform/WidgetAlertPresenter.h"
+#include "UI/SettingsWindowController.h"
+#include "WindowFixture.h"
+
+#include <QTabWidget>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Every window, in both languages, with nothing but the keyboard.
+class KeyboardTest : public WindowTest, public testing::WithParamInterface<AppLanguage> {
+protected:
+    void SetUp() override
+    {
+        WindowTest::SetUp();
+        preferences.setLanguage(GetParam());
+    }
+    void TearDown() override { preferences.setLanguage(AppLanguage::english); }
+
+    static QStringList tour(QWidget &window)
+    {
+        window.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+        // Tabs have a key of their own and menus; their row goes on by itself when the focus moves.
+        return KeyboardTour(window, {localized(u"Close Tab"), localized(u"Scroll Left"), localized(u"Scroll Right")}).take();
+    }
+    /// Of the dialog that the presenter has opened for the window.
+    QStringList tourOfDialog()
+    {
+        auto *dialog = window().findChild<QDialog *>();
+        EXPECT_TRUE(dialog && dialog->isVisible());
+        QStringList names = dialog ? tour(*dialog) : QStringList();
+        if (dialog) {
+            QTest::keyClick(dialog->focusWidget() ? dialog->focusWidget() : dialog, Qt::Key_Escape);
+            EXPECT_FALSE(dialog->isVisible()) << "Escape leaves it";
+            QCoreApplication::sendPostedEvents(dialog, QEvent::DeferredDelete);
+        }
+        return names;
+    }
+
+    WidgetAlertPresenter dialogs;
+};
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(Languages, KeyboardTest, testing::Values(AppLanguage::english, AppLanguage::german));
+
+TEST_P(KeyboardTest, EditorWindow)
+{
+    for (const QString &name : {u"a.txt"_s, u"b.txt"_s, u"c.txt"_s}) {
+        application.open({write(name, "text\n")});
+    }
+    type(u"x"_s);
+    write(u"c.txt"_s, "another text\n");
+    ASSERT_TRUE(QTest::qWaitFor([this] {
+        scheduler.advance(std::chrono::milliseconds(300));
+        return workspace().currentEditor()->banner() != nullptr;
+    }));
+    send("performTextFinderAction:", {.tag = 12});
+    scheduler.advance(std::chrono::seconds(1));
+    QTest::keyClicks(QApplication::focusWidget(), u"e"_s);
+    const QStringList names = tour(window());
+    for (const QStringView name :
+         {u"Find", u"Replace with", u"Replace All", u"Match Case", u"Reload from Disk", u"Keep Mine", u"New Tab", u"Save"}) {
+        EXPECT_TRUE(names.contains(localized(name))) << name.toUtf8().toStdString();
+    }
+}
+
+TEST_P(KeyboardTest, Settings)
+{
+    send("showSettings:");
+    const QWidgetList shown = QApplication::topLevelWidgets();
+    const auto isSettings = [](QWidget *window) { return qobject_cast<SettingsWindowController *>(window) && window->isVisible(); };
+    const auto settings = std::ranges::find_if(shown, isSettings);
+    ASSERT_NE(settings, shown.end());
+    auto &tabs = *(*settings)->findChild<QTabWidget *>();
+    for (int page = 0; page < 4; ++page) {
+        tabs.setCurrentIndex(page);
+        SCOPED_TRACE(tabs.tabText(page).toStdString());
+        EXPECT_GT(tour(**settings).size(), 5);
+    }
+}
+
+TEST_P(KeyboardTest, Comparison)
+{
+    workspace().open({write(u"a.txt"_s, "one\ntwo\n")});
+    type(u"x"_s);
+    send("compareWithFileOnDisk:");
+    DiffWindowController &comparison = *application.comparisons().back();
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&comparison)->role(), QAccessible::Window);
+    EXPECT_EQ(tour(comparison).size(), 5) << "two texts and three controls";
+}
+
+TEST_P(KeyboardTest, Dialogs)
+{
+    const AlertButton cancel{u"Cancel"_s, AlertButtonRole::cancel};
+    dialogs.present(Alert{.messageText = u"Save?"_s, .buttons = {{u"Save"_s}, cancel, {u"No"_s}}}, &window(), {});
+    EXPECT_EQ(tourOfDialog().size(), 3);
+    dialogs.present(
+        Alert{.messageText = u"Where?"_s, .buttons = {{u"Go"_s}, cancel}, .textField = Alert::TextField{.placeholder = u"Line"_s}},
+        &window(), {});
+    EXPECT_EQ(tourOfDialog().size(), 3);
+    dialogs.present(FontPanel{.title = u"Font"_s, .current = {u"DejaVu Sans Mono"_s, 12}, .leastSize = 6, .greatestSize = 96}, &window(),
+                    [](const auto &) {});
+    EXPECT_EQ(tourOfDialog().size(), 5);
+    dialogs.present(OpenPanel{.startFolder = folder.path()}, &window(), [](const auto &) {});
+    EXPECT_GT(tourOfDialog().size(), 5);
+    dialogs.present(SavePanel{.startFolder = folder.path(), .suggestedName = u"a.txt"_s}, &window(), [](const auto &) {});
+    EXPECT_GT(tourOfDialog().size(), 5);
+}
