@@ -42,6 +42,9 @@ enum class HasIcon { no, yes };
 constexpr int narrowestTextField = 260;
 constexpr int usualLine = 360;
 constexpr int widestLine = 760;
+/// What the toolkit leaves free beside a box, on screens that are wider than small ones.
+constexpr int roomBesideBox = 480;
+constexpr int smallScreen = 1024;
 
 /// In the order of AlertStyle.
 constexpr std::array styleIcons = {
@@ -95,8 +98,12 @@ void widenText(const QMessageBox &box)
         return;
     }
     const bool hasLines = text->text().contains(u'\n');
-    const int widest = std::min(hasLines ? widestLine : usualLine, box.screen()->availableSize().width() * 3 / 4);
+    const int screen = box.screen()->availableSize().width();
+    const int widest = std::min(hasLines ? widestLine : usualLine, screen * 3 / 4);
     text->setMinimumWidth(std::min(text->fontMetrics().size(0, text->text()).width() + 1, widest));
+    // The box cuts off what would make it wider than it allows itself to be.
+    const int excess = box.layout()->totalMinimumSize().width() - (screen > smallScreen ? screen - roomBesideBox : screen);
+    text->setMinimumWidth(text->minimumWidth() - std::max(excess, 0));
 }
 
 /// Adds the buttons; answers with them in the order of the alert, which is not the order in which the desktop lays them out.
