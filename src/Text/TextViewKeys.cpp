@@ -96,6 +96,11 @@ const TextView::KeyCommand *TextView::commandFor(const QKeyEvent &event)
 
 namespace {
 
+bool hasControlAndAlt(const QKeyEvent &event)
+{
+    return event.modifiers().testFlags(Qt::ControlModifier | Qt::AltModifier);
+}
+
 /// Text as a key press means it: AltGr arrives as Control and Alt on some keyboards, Control or Alt alone make a chord.
 bool isTextInput(const QKeyEvent &event)
 {
@@ -116,9 +121,9 @@ bool isTextInput(const QKeyEvent &event)
 bool TextView::event(QEvent *event)
 {
     if (event->type() == QEvent::ShortcutOverride) {
-        // Claimed: what the text takes. All else is left to the shortcuts of the window.
+        // Claimed: what the text takes. All else is left to the shortcuts of the window, and so is what may be AltGr but mostly is not.
         const auto &key = static_cast<const QKeyEvent &>(*event);
-        if (commandFor(key) || (isTextInput(key) && !isReadOnly())) {
+        if (commandFor(key) || (isTextInput(key) && !hasControlAndAlt(key) && !isReadOnly())) {
             event->accept();
             return true;
         }

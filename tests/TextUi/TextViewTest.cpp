@@ -131,12 +131,14 @@ TEST(TextView, ShortcutOverrideClaimsTextAndEditingKeysOnly)
     EXPECT_TRUE(isClaimed(Qt::Key_A, Qt::NoModifier, u"a"_s));
     EXPECT_TRUE(isClaimed(Qt::Key_Z, Qt::ControlModifier, u"\u001A"_s));
     EXPECT_TRUE(isClaimed(Qt::Key_Backspace, Qt::ControlModifier, u"\u007F"_s));
-    EXPECT_TRUE(isClaimed(Qt::Key_BraceLeft, Qt::ControlModifier | Qt::AltModifier, u"{"_s)) << "AltGr";
+    EXPECT_TRUE(isClaimed(Qt::Key_BraceLeft, Qt::GroupSwitchModifier, u"{"_s)) << "AltGr";
+    EXPECT_FALSE(isClaimed(Qt::Key_Adiaeresis, Qt::ControlModifier | Qt::AltModifier, u"ä"_s)) << "may be a shortcut";
     EXPECT_FALSE(isClaimed(Qt::Key_S, Qt::ControlModifier, u"\u0013"_s));
     EXPECT_FALSE(isClaimed(Qt::Key_F, Qt::AltModifier, u"f"_s));
     EXPECT_FALSE(isClaimed(Qt::Key_Control, Qt::ControlModifier, {}));
     EXPECT_FALSE(isClaimed(Qt::Key_F10, Qt::NoModifier, {}));
     QTest::keyClick(&fixture.view, Qt::Key_BraceLeft, Qt::ControlModifier | Qt::AltModifier);
+    EXPECT_EQ(fixture.storage.text().toString(), u"{abc"_s) << "AltGr of some keyboards, when it is none";
     fixture.view.setAccess(TextView::Access::readOnly);
     EXPECT_FALSE(isClaimed(Qt::Key_A, Qt::NoModifier, u"a"_s));
     fixture.keys(u"x<BS><CR>"_s);
