@@ -13,6 +13,7 @@
 #include "Platform/DefaultsStore.h"
 #include "Platform/DesktopPalette.h"
 #include "Platform/DesktopRecentFiles.h"
+#include "Platform/ForeignKeyboard.h"
 #include "Platform/Localization.h"
 #include "Platform/SpellChecker.h"
 #include "Platform/SymbolIcon.h"
@@ -91,6 +92,7 @@ struct Program::Parts {
     /// Of the exit.
     int status = 0;
     DesktopPalette palette;
+    ForeignChords foreignChords;
     EventLoopScheduler scheduler;
     NotificationCenter notifications;
     DefaultsStore defaults{DefaultsStore::standardPath(), scheduler};
