@@ -68,7 +68,7 @@ bool EditorTextView::event(QEvent *event)
 
 void EditorTextView::keyPressEvent(QKeyEvent *event)
 {
-    if (m_vim && m_vim->handleKey(*event)) {
+    if (cancelsPreedit(*event) || (m_vim && m_vim->handleKey(*event))) {
         event->accept();
         return;
     }

@@ -3,9 +3,12 @@
 #include "Editor/EditorVim.h"
 
 #include "Editor/EditorTextView.h"
+#include "Platform/ForeignKeyboard.h"
 #include "Text/PasteboardText.h"
 #include "Text/TextStorage.h"
 
+#include <QGuiApplication>
+#include <QInputMethod>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 
@@ -35,38 +38,34 @@ constexpr auto functionKeys = std::to_array<KeyRow>({
     {Qt::Key_PageDown, VimKey::pageDown},
 });
 
-/// The letters of the three rows of a US keyboard by the kernel's key codes, which X and Wayland pass on with 8 added.
-struct KeyboardRow {
-    quint32 firstCode;
-    QStringView plain;
-    QStringView shifted;
-};
-constexpr auto keyboard = std::to_array<KeyboardRow>({
-    {16, u"qwertyuiop[]", u"QWERTYUIOP{}"},
-    {30, u"asdfghjkl;'`", u"ASDFGHJKL:\"~"},
-    {44, u"zxcvbnm,./", u"ZXCVBNM<>?"},
+/// Dead keys by the signs that they stand for when nothing is to be composed.
+constexpr auto deadKeys = std::to_array<KeyRow>({
+    {Qt::Key_Dead_Grave, u'`'},
+    {Qt::Key_Dead_Acute, u'\''},
+    {Qt::Key_Dead_Circumflex, u'^'},
+    {Qt::Key_Dead_Tilde, u'~'},
+    {Qt::Key_Dead_Diaeresis, u'"'},
 });
-constexpr quint32 scanCodeOffset = 8;
 
 bool isPrivateUse(char16_t unit)
 {
     return unit >= 0xE000 && unit <= 0xF8FF;
 }
 
-/// What the key would be on a US keyboard, for a letter of another script.
-QString latinInPlaceOf(const QString &text, const QKeyEvent &event)
+/// What the key means as a command when it writes `text`.
+QString commandText(const QString &text, const QKeyEvent &event)
 {
-    const QChar letter = text.isEmpty() ? QChar() : text.front();
-    if (!letter.isLetter() || letter.script() == QChar::Script_Latin || event.nativeScanCode() < scanCodeOffset) {
-        return text;
+    if (ForeignKeyboard::wrote(event) && !event.modifiers().testFlag(Qt::GroupSwitchModifier)) {
+        return ForeignKeyboard::textInPlaceOf(event).value_or(text);
     }
-    const quint32 code = event.nativeScanCode() - scanCodeOffset;
-    for (const KeyboardRow &row : keyboard) {
-        if (code >= row.firstCode && code - row.firstCode < quint32(row.plain.size())) {
-            return (event.modifiers() & Qt::ShiftModifier ? row.shifted : row.plain).sliced(code - row.firstCode, 1).toString();
-        }
-    }
-    return text;
+    const auto *dead = std::ranges::find(deadKeys, Qt::Key(event.key()), &KeyRow::key);
+    return text.isEmpty() && dead != deadKeys.end() ? QString(QChar(dead->character)) : text;
+}
+
+/// On some keyboards AltGr comes as Control and Alt, and what it types is text.
+bool isAltGr(const QKeyEvent &event)
+{
+    return event.modifiers().testFlags(Qt::ControlModifier | Qt::AltModifier) && !event.text().isEmpty() && event.text().front().isPrint();
 }
 
 } // namespace
@@ -90,42 +89,53 @@ EditorVim::~EditorVim()
 
 VimKeyEvent EditorVim::translated(const QKeyEvent &event) const
 {
-    // On some keyboards AltGr comes as Control and Alt, and what it types is text.
-    const bool isAltGr =
-        event.modifiers().testFlags(Qt::ControlModifier | Qt::AltModifier) && !event.text().isEmpty() && event.text().front().isPrint();
+    ForeignKeyboard::note(event);
+    const bool isText = isAltGr(event);
     VimKeyEvent key{.characters = {},
                     .charactersIgnoringModifiers = {},
-                    .control = event.modifiers().testFlag(Qt::ControlModifier) && !isAltGr,
-                    .option = event.modifiers().testFlag(Qt::AltModifier) && !isAltGr};
+                    .control = event.modifiers().testFlag(Qt::ControlModifier) && !isText,
+                    .option = event.modifiers().testFlag(Qt::AltModifier) && !isText};
     if (const auto *row = std::ranges::find(functionKeys, Qt::Key(event.key()), &KeyRow::key); row != functionKeys.end()) {
         key.charactersIgnoringModifiers = QString(QChar(row->character));
         key.characters = isPrivateUse(row->character) ? QString() : key.charactersIgnoringModifiers;
         return key;
     }
-    const bool takesLiterally = m_engine->takesText() || m_engine->awaitsCharacter();
     QString text = event.text();
-    if ((key.control || (key.option && text.isEmpty())) && event.key() >= Qt::Key_Space && event.key() < Qt::Key_Escape) {
+    // Another of the user's layouts may have told what key it is.
+    const bool isNamed =
+        (key.control || (key.option && text.isEmpty())) && event.key() >= Qt::Key_Space && event.key() <= Qt::Key_AsciiTilde;
+    if (isNamed) {
         const QString name = QString(QChar(char16_t(event.key())));
         text = event.modifiers() & Qt::ShiftModifier ? name : name.toLower();
-        text = latinInPlaceOf(text, event);
     } else if (!text.isEmpty() && !text.front().isPrint() && !text.front().isSurrogate()) {
         text.clear();
     }
     key.characters = key.control ? QString() : text;
-    key.charactersIgnoringModifiers = takesLiterally ? text : latinInPlaceOf(text, event);
+    const bool isLiteral = isNamed || (takesCharacters() && !key.control);
+    key.charactersIgnoringModifiers = isLiteral ? text : commandText(text, event);
     return key;
 }
 
 bool EditorVim::wantsKey(const QKeyEvent &event) const
 {
-    return m_engine->wants(translated(event));
+    // What may be AltGr but mostly is not is a shortcut first.
+    return !isAltGr(event) && m_engine->wants(translated(event));
 }
 
 bool EditorVim::handleKey(const QKeyEvent &event)
 {
+    if (event.key() == Qt::Key_Escape && !m_preedit.isEmpty()) {
+        QGuiApplication::inputMethod()->reset();
+        setPreedit({});
+        return true;
+    }
     const VimKeyEvent key = translated(event);
     if (m_engine->mode() == VimEngine::Mode::insert) {
         m_engine->resumeInsertSession();
+        if (m_engine->wants(key)) {
+            // What ends the mode would have it typed as commands.
+            m_view.commitPreedit();
+        }
     } else if (!m_engine->wants(key)) {
         // Keys of the view that modal editing has nothing in place of: chords, and modifiers by themselves.
         return !key.control && !key.option;
@@ -144,20 +154,34 @@ bool EditorVim::handleInputMethod(const QInputMethodEvent &event)
         return false;
     }
     const QString committed = event.commitString();
-    for (qsizetype place = 0; place < committed.size();) {
+    for (qsizetype place = 0; place < committed.size() && takesCharacters();) {
         const qsizetype length = committed[place].isHighSurrogate() && place + 1 < committed.size() ? 2 : 1;
         const QString character = committed.sliced(place, length);
         m_engine->handle({.characters = character, .charactersIgnoringModifiers = character});
         place += length;
     }
+    setPreedit(takesCharacters() ? event.preeditString() : QString());
     updateInputMethod();
     runEnteredCommand();
     return true;
 }
 
+void EditorVim::setPreedit(const QString &text)
+{
+    if (m_preedit != text) {
+        m_preedit = text;
+        m_callbacks.stateChanged();
+    }
+}
+
+bool EditorVim::takesCharacters() const
+{
+    return m_engine->takesText() || m_engine->awaitsCharacter();
+}
+
 void EditorVim::updateInputMethod()
 {
-    const bool isOn = !m_view.isReadOnly() && (m_engine->takesText() || m_engine->awaitsCharacter());
+    const bool isOn = !m_view.isReadOnly() && takesCharacters();
     if (m_view.testAttribute(Qt::WA_InputMethodEnabled) != isOn) {
         m_view.setAttribute(Qt::WA_InputMethodEnabled, isOn);
         m_view.updateMicroFocus(Qt::ImEnabled);

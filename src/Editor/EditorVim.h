@@ -13,9 +13,9 @@ class QKeyEvent;
 
 /// The modal editing of one text view: what the view's keys are to the engine, and what the engine does to the view.
 ///
-/// In normal and visual modes letters come from where they are on the keyboard, so that other scripts need no switching, and input methods
-/// are off, but for the character that `f`, `t` and `r` wait for. Control chords that the engine has no use for stay shortcuts.
-/// Main thread only.
+/// In normal and visual modes keys of a keyboard of another script are those in the same places of a US keyboard, so that nobody needs to
+/// switch, dead keys are the signs that they stand for, and input methods are off, but for the character that `f`, `t` and `r` wait for.
+/// Control chords that the engine has no use for stay shortcuts. Main thread only.
 class EditorVim final : private VimTextView, private VimEngineDelegate {
 public:
     struct Callbacks {
@@ -34,6 +34,9 @@ public:
     [[nodiscard]] VimEngine &engine() { return *m_engine; }
     [[nodiscard]] const VimEngine &engine() const { return *m_engine; }
 
+    /// What an input method composes for the command line, or as the character that is waited for.
+    [[nodiscard]] const QString &preedit() const { return m_preedit; }
+
     [[nodiscard]] bool wantsKey(const QKeyEvent &event) const;
     /// True when the key is done with.
     bool handleKey(const QKeyEvent &event);
@@ -46,6 +49,8 @@ private:
     [[nodiscard]] VimKeyEvent translated(const QKeyEvent &event) const;
     void runEnteredCommand();
     void updateInputMethod();
+    void setPreedit(const QString &text);
+    [[nodiscard]] bool takesCharacters() const;
 
     [[nodiscard]] const Rope &text() const override;
     [[nodiscard]] TextRange selectedRange() const override;
@@ -74,4 +79,5 @@ private:
     Callbacks m_callbacks;
     std::unique_ptr<VimEngine> m_engine;
     std::optional<QString> m_enteredCommand;
+    QString m_preedit;
 };

@@ -163,6 +163,8 @@ protected:
 
     /// What an input method has shown so far becomes text.
     void commitPreedit();
+    /// True when the key gave up what an input method had shown so far. It comes here only from one that does not do that itself.
+    bool cancelsPreedit(const QKeyEvent &event);
     /// Where a drag that is under way would leave its text; none when it would not.
     void setDropCaret(std::optional<qsizetype> offset);
 

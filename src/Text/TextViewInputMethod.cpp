@@ -12,6 +12,7 @@
 #include <QGuiApplication>
 #include <QInputMethod>
 #include <QInputMethodEvent>
+#include <QKeyEvent>
 #include <QTextCharFormat>
 
 namespace {
@@ -148,6 +149,17 @@ void TextView::commitPreedit()
     }
 }
 
+bool TextView::cancelsPreedit(const QKeyEvent &event)
+{
+    if (!isComposing() || event.key() != Qt::Key_Escape) {
+        return false;
+    }
+    QGuiApplication::inputMethod()->reset();
+    m_layout.setPreedit({});
+    viewport()->update();
+    return true;
+}
+
 QVariant TextView::inputMethodQuery(Qt::InputMethodQuery query) const
 {
     // Layout is made on demand, so even a question changes the cache.
@@ -157,7 +169,7 @@ QVariant TextView::inputMethodQuery(Qt::InputMethodQuery query) const
     const TextRange selected = selection().range();
     switch (query) {
     case Qt::ImEnabled:
-        return isEnabled() && !isReadOnly();
+        return testAttribute(Qt::WA_InputMethodEnabled) && isEnabled() && !isReadOnly();
     case Qt::ImReadOnly:
         return isReadOnly();
     case Qt::ImHints:

@@ -134,6 +134,9 @@ bool TextView::event(QEvent *event)
 void TextView::keyPressEvent(QKeyEvent *event)
 {
     event->accept();
+    if (cancelsPreedit(*event)) {
+        return;
+    }
     if (const KeyCommand *row = commandFor(*event)) {
         switch (row->kind) {
         case KeyCommand::Kind::motion:

@@ -29,12 +29,13 @@ std::optional<StatusBarView::VimState> vimStateOf(EditorViewController &editor)
         return std::nullopt;
     }
     const VimEngine &engine = editor.vim()->engine();
+    const QString &preedit = editor.vim()->preedit();
     const bool hasLine = engine.mode() == VimEngine::Mode::commandLine;
-    return StatusBarView::VimState{.mode = displayName(engine.mode()),
-                                   .pending = engine.pendingDescription(),
-                                   .commandLine =
-                                       hasLine ? std::optional(QChar(engine.commandLinePrefix()) + engine.commandLineText()) : std::nullopt,
-                                   .isInsert = engine.mode() == VimEngine::Mode::insert};
+    return StatusBarView::VimState{
+        .mode = displayName(engine.mode()),
+        .pending = engine.pendingDescription() + preedit,
+        .commandLine = hasLine ? std::optional(QChar(engine.commandLinePrefix()) + engine.commandLineText() + preedit) : std::nullopt,
+        .isInsert = engine.mode() == VimEngine::Mode::insert};
 }
 
 } // namespace

@@ -58,6 +58,15 @@ TEST(InputMethod, ComposingIsShownButIsNoText)
     EXPECT_EQ(fixture.storage.text().toString(), u"ab"_s) << "a commit is one undo step";
 }
 
+TEST(InputMethod, EscapeGivesUpWhatIsComposed)
+{
+    ViewFixture fixture(u"ab"_s);
+    compose(fixture, u"nihon"_s);
+    fixture.keys(u"<Esc>"_s);
+    EXPECT_FALSE(fixture.view.isComposing());
+    EXPECT_EQ(fixture.storage.text().toString(), u"ab"_s);
+}
+
 TEST(InputMethod, DeadKeysReplacementAndSelection)
 {
     ViewFixture fixture(u"abcdef"_s);

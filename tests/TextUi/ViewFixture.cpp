@@ -52,10 +52,10 @@ ViewFixture::ViewFixture(const QString &text, QSize size)
 void sendKeys(QWidget &widget, const QString &keys)
 {
     static const QHash<QString, Qt::Key> names{
-        {u"Left"_s, Qt::Key_Left},    {u"Right"_s, Qt::Key_Right}, {u"Up"_s, Qt::Key_Up},         {u"Down"_s, Qt::Key_Down},
-        {u"Home"_s, Qt::Key_Home},    {u"End"_s, Qt::Key_End},     {u"PageUp"_s, Qt::Key_PageUp}, {u"PageDown"_s, Qt::Key_PageDown},
-        {u"BS"_s, Qt::Key_Backspace}, {u"Del"_s, Qt::Key_Delete},  {u"CR"_s, Qt::Key_Return},     {u"Tab"_s, Qt::Key_Tab},
-        {u"Insert"_s, Qt::Key_Insert}};
+        {u"Left"_s, Qt::Key_Left},     {u"Right"_s, Qt::Key_Right}, {u"Up"_s, Qt::Key_Up},         {u"Down"_s, Qt::Key_Down},
+        {u"Home"_s, Qt::Key_Home},     {u"End"_s, Qt::Key_End},     {u"PageUp"_s, Qt::Key_PageUp}, {u"PageDown"_s, Qt::Key_PageDown},
+        {u"BS"_s, Qt::Key_Backspace},  {u"Del"_s, Qt::Key_Delete},  {u"CR"_s, Qt::Key_Return},     {u"Tab"_s, Qt::Key_Tab},
+        {u"Insert"_s, Qt::Key_Insert}, {u"Esc"_s, Qt::Key_Escape}};
     for (qsizetype i = 0; i < keys.length(); ++i) {
         if (keys[i] != u'<') {
             QTest::keyClick(&widget, keys[i].toLatin1());

@@ -26,16 +26,31 @@ protected:
         QKeyEvent event(QEvent::KeyPress, 0, modifiers, code + 8, 0, 0, text);
         QCoreApplication::sendEvent(&textView(), &event);
     }
+    void pressKey(Qt::Key key, const QString &text, Qt::KeyboardModifiers modifiers = {}) const
+    {
+        QKeyEvent event(QEvent::KeyPress, key, modifiers, text);
+        QCoreApplication::sendEvent(&textView(), &event);
+    }
+    void compose(const QString &preedit) const
+    {
+        QInputMethodEvent event(preedit, {});
+        QCoreApplication::sendEvent(&textView(), &event);
+    }
     void commit(const QString &text) const
     {
         QInputMethodEvent event;
         event.setCommitString(text);
         QCoreApplication::sendEvent(&textView(), &event);
     }
-    [[nodiscard]] bool takesInputMethod() const { return textView().testAttribute(Qt::WA_InputMethodEnabled); }
-    [[nodiscard]] bool claims(Qt::Key key, Qt::KeyboardModifiers modifiers) const
+    [[nodiscard]] bool takesInputMethod() const
     {
-        QKeyEvent event(QEvent::ShortcutOverride, key, modifiers);
+        QInputMethodQueryEvent query(Qt::ImEnabled);
+        QCoreApplication::sendEvent(&textView(), &query);
+        return query.value(Qt::ImEnabled).toBool();
+    }
+    [[nodiscard]] bool claims(Qt::Key key, Qt::KeyboardModifiers modifiers, const QString &text = {}) const
+    {
+        QKeyEvent event(QEvent::ShortcutOverride, key, modifiers, text);
         event.ignore();
         QCoreApplication::sendEvent(&textView(), &event);
         return event.isAccepted();
@@ -85,10 +100,36 @@ TEST_F(ModalEditingTest, LettersComeFromTheirPlaceOnTheKeyboard)
     pressForeign(u"ы"_s, 31);
     press(Qt::Key_Escape);
     EXPECT_EQ(text(), u"ыone two\n"_s) << "what is inserted is what is written";
+    // So are signs, which such a keyboard has elsewhere.
+    pressForeign(u";"_s, 5, Qt::ShiftModifier); // $
+    EXPECT_EQ(caret(), 7);
     // As is the character that is looked for.
-    type(u"$F"_s);
+    pressForeign(u"А"_s, 33, Qt::ShiftModifier); // F
     pressForeign(u"ы"_s, 31);
     EXPECT_EQ(caret(), 0);
+    type(u"l"_s);
+    pressForeign(u"Ч"_s, 45); // x, with caps lock: X
+    EXPECT_EQ(text(), u"one two\n"_s);
+}
+
+TEST_F(ModalEditingTest, DeadKeysAreTheirSigns)
+{
+    start("  \"one\" two\n");
+    const auto pressDead = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { pressKey(key, {}, modifiers); };
+    type(u"fnma"_s);
+    pressDead(Qt::Key_Dead_Circumflex);
+    EXPECT_EQ(caret(), 2);
+    pressDead(Qt::Key_Dead_Grave);
+    type(u"a"_s);
+    EXPECT_EQ(caret(), 4);
+    pressDead(Qt::Key_Dead_Acute);
+    type(u"a"_s);
+    EXPECT_EQ(caret(), 2);
+    type(u"di"_s);
+    pressDead(Qt::Key_Dead_Diaeresis, Qt::ShiftModifier);
+    type(u"ft"_s);
+    pressDead(Qt::Key_Dead_Tilde, Qt::ShiftModifier);
+    EXPECT_EQ(text(), u"  \"\" Two\n"_s);
 }
 
 TEST_F(ModalEditingTest, InputMethodsTypeTextAndNoCommands)
@@ -113,6 +154,37 @@ TEST_F(ModalEditingTest, InputMethodsTypeTextAndNoCommands)
     EXPECT_TRUE(takesInputMethod());
 }
 
+TEST_F(ModalEditingTest, WhatIsComposedIsNeverACommand)
+{
+    start("one two\n");
+    const auto badge = [this] { return workspace().statusBar().findChild<VimBadge *>()->text().trimmed(); };
+    commit(u"dd"_s);
+    EXPECT_EQ(text(), u"one two\n"_s) << "it comes too late";
+    type(u"i"_s);
+    compose(u"dd"_s);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(badge(), u"INSERT"_s) << "Escape gives up what is composed, and no more";
+    commit(u"ä"_s);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(badge(), u"NORMAL"_s);
+    EXPECT_EQ(text(), u"äone two\n"_s);
+
+    type(u"/"_s);
+    compose(u"ni"_s);
+    EXPECT_EQ(badge(), u"/ni█"_s);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(badge(), u"/█"_s);
+    type(u"t"_s);
+    press(Qt::Key_Return);
+    EXPECT_EQ(caret(), 5);
+    type(u"r"_s);
+    compose(u"ni"_s);
+    EXPECT_EQ(badge(), u"NORMAL  rni"_s);
+    commit(u"日x"_s);
+    EXPECT_EQ(badge(), u"NORMAL"_s);
+    EXPECT_EQ(text(), u"äone 日wo\n"_s);
+}
+
 TEST_F(ModalEditingTest, ControlChordsThatItHasNoUseForStayShortcuts)
 {
     for (const Qt::Key key : {Qt::Key_R, Qt::Key_D, Qt::Key_U, Qt::Key_F, Qt::Key_B, Qt::Key_W, Qt::Key_C, Qt::Key_BracketLeft}) {
@@ -123,6 +195,7 @@ TEST_F(ModalEditingTest, ControlChordsThatItHasNoUseForStayShortcuts)
     }
     EXPECT_FALSE(claims(Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier)) << "the other key of Find";
     EXPECT_FALSE(claims(Qt::Key_J, Qt::AltModifier));
+    EXPECT_FALSE(claims(Qt::Key_Adiaeresis, Qt::ControlModifier | Qt::AltModifier, u"ä"_s)) << "writes a letter all the same";
     preferences.setVimKeymapPreset(VimKeymapPreset::lazyVim);
     EXPECT_TRUE(claims(Qt::Key_S, Qt::ControlModifier));
     EXPECT_TRUE(claims(Qt::Key_J, Qt::AltModifier));
