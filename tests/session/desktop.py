@@ -20,10 +20,11 @@ def missing_tools(tools=TOOLS):
 class Desktop:
     """A context; everything that it started ends with it."""
 
-    def __init__(self, program, pictures=None, size="1200x800"):
+    def __init__(self, program, pictures=None, size="1200x800", settings=""):
         self.program = pathlib.Path(program).resolve()
         self.pictures = pathlib.Path(pictures) if pictures else None
         self.size = size
+        self.settings = settings
         self.processes = []
         self.picture_count = 0
 
@@ -33,6 +34,9 @@ class Desktop:
         self.files = self.path / "files"
         for name in ("files", "home", "config", "data", "state", "cache", "run"):
             (self.path / name).mkdir(mode=0o700)
+        if self.settings:
+            (self.path / "config" / "Quillet").mkdir()
+            (self.path / "config" / "Quillet" / "Quillet.conf").write_text("[General]\n" + self.settings)
         self.environment = dict(os.environ, HOME=str(self.path / "home"), XDG_RUNTIME_DIR=str(self.path / "run"), LC_ALL="C.UTF-8",
                                 XDG_CURRENT_DESKTOP="openbox")
         for name in ("CONFIG", "DATA", "STATE", "CACHE"):
@@ -98,9 +102,9 @@ class Desktop:
 
     # Waiting
 
-    def until(self, what, condition):
+    def until(self, what, condition, patience=PATIENCE):
         """Waits until `condition()` is true, and answers with that."""
-        deadline = time.monotonic() + PATIENCE
+        deadline = time.monotonic() + patience
         while not (answer := condition()):
             if time.monotonic() > deadline:
                 self.picture("failure")
