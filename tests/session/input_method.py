@@ -9,8 +9,8 @@ import shutil
 import subprocess
 import sys
 
-from desktop import Desktop, missing_tools
-from keyboards import SKIPPED, Case, Rounds
+from desktop import missing_tools
+from keyboards import SKIPPED, Case, failed_cases
 
 # The desktop's own interpreter has the library that the engine needs.
 PYTHON = "/usr/bin/python3"
@@ -76,12 +76,8 @@ def main():
     for settings, table in (("", TYPING), ("editor.vimMode=true\n", MODAL)):
         for options in ((), ("--ignores-escape",)):
             cases = [Case("us", *case) for case in table if arguments.only in case[1] and (not options or "<Esc>" in case[1])]
-            if cases:
-                with Desktop(arguments.program, arguments.pictures, settings=settings) as desktop:
-                    start_input_method(desktop, *options)
-                    rounds = Rounds(desktop, cases, PAUSE)
-                    rounds.run()
-                    has_failed |= rounds.has_failed
+            has_failed |= bool(failed_cases(arguments.program, cases, arguments.pictures, settings,
+                                            lambda desktop: start_input_method(desktop, *options), PAUSE))
     return 1 if has_failed else 0
 
 

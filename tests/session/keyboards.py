@@ -122,7 +122,7 @@ class Rounds:
 
     def __init__(self, desktop, cases, pause=PAUSE):
         self.desktop, self.cases, self.pause = desktop, cases, pause
-        self.has_failed = False
+        self.failed = []
         self.files = [desktop.files / f"{index:03}.py" for index in range(len(cases))]
         for file, case in zip(self.files, cases):
             file.write_text(case.before)
@@ -141,12 +141,7 @@ class Rounds:
         self.keyboard.press("<C-q>")
         desktop.exit_code()
         if complaints := desktop.complaints():
-            self.fail(complaints)
-
-    def fail(self, what):
-        print(what, file=sys.stderr)
-        self.desktop.picture("failure")
-        self.has_failed = True
+            raise AssertionError(complaints)
 
     def run_case(self, file, case):
         after = case.after if isinstance(case.after, re.Pattern) else re.compile(re.escape(case.after.replace("{path}", str(file))))
@@ -156,10 +151,24 @@ class Rounds:
         try:
             self.desktop.until("the text to be saved", lambda: after.fullmatch(file.read_text()), patience=CASE_PATIENCE)
         except AssertionError:
+            self.desktop.picture("failure")
             # The other cases are to have their turn.
             self.keyboard.use("us")
             self.keyboard.press("<Esc><Esc><C-s>", pause=0.3)
-            self.fail(f"{case}\n  gave {file.read_text()!r}\n  not  {after.pattern!r}")
+            self.failed.append(case)
+            print(f"{case}\n  gave {file.read_text()!r}\n  not  {after.pattern!r}", file=sys.stderr)
+
+
+def failed_cases(program, cases, pictures, settings, prepare=lambda desktop: None, pause=PAUSE):
+    """A busy machine hands on the keys of a second as one, and then a dead key may overtake others; what is broken fails twice."""
+    for attempt_pause in (pause, 8 * pause):
+        if cases:
+            with Desktop(program, pictures, settings=settings) as desktop:
+                prepare(desktop)
+                rounds = Rounds(desktop, cases, attempt_pause)
+                rounds.run()
+                cases = rounds.failed
+    return cases
 
 
 class Commands:
@@ -261,11 +270,7 @@ def main():
                                      ("editor.vimMode=true\neditor.vimKeymapPreset=lazyvim\n", (), FOREIGN_MAPPED)):
         cases = [Case(*case) for case in local] + [Case(layout, *case) for layout in ("ru", "us,ru", "gr", "us,gr") for case in foreign]
         cases = [case for case in cases if arguments.only in str(case)]
-        if cases:
-            with Desktop(arguments.program, arguments.pictures, settings=settings) as desktop:
-                rounds = Rounds(desktop, cases)
-                rounds.run()
-                has_failed |= rounds.has_failed
+        has_failed |= bool(failed_cases(arguments.program, cases, arguments.pictures, settings))
     if not arguments.only:
         with Desktop(arguments.program, arguments.pictures, settings="editor.showsLineNumbers=true\n") as desktop:
             Commands(desktop).run()
