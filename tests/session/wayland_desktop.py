@@ -54,8 +54,7 @@ class WaylandDesktop(Desktop):
         self.display = self.environment.pop("DISPLAY")
         self.environment |= {"WAYLAND_DISPLAY": str(socket), "QT_QPA_PLATFORM": "wayland"}
         # No window manager of the X display gives the keyboard to the compositor's window, which comes after the root.
-        screens = self.until("the screen's window", lambda: self.ask("search", "--onlyvisible", "--maxdepth", 1, "--name", ".*").split()[1:])
-        self.mouse("windowfocus", "--sync", screens[0])
+        self.mouse("windowfocus", "--sync", self.until("the screen's window", self.screens)[0])
 
     def __exit__(self, *failure):
         super().__exit__(*failure)
@@ -107,6 +106,43 @@ class WaylandDesktop(Desktop):
         return now != before and sum(now[at:at + 3] != before[at:at + 3] for at in range(0, len(now), 3)) > MENU_PIXELS
 
     def click(self, window, x, y, button=1):
+        self.mouse("mousemove", *self.on_display(window, x, y), "click", button)
+
+    def drag(self, window, start, end):
+        """From one place in the window to another, each as for click()."""
+        (x, y), (end_x, end_y) = self.on_display(window, *start), self.on_display(window, *end)
+        self.mouse("mousemove", x, y, "mousedown", 1)
+        for step in range(1, 11):
+            self.mouse("mousemove", x + (end_x - x) * step // 10, y + (end_y - y) * step // 10)
+        self.mouse("mouseup", 1)
+
+    def on_display(self, window, x, y):
+        """Of a place in a window on the first screen, in pixels or as shares of its sides."""
         place = next(found["rect"] for found in self.windows() if str(found["id"]) == str(window))
         x, y = (int(place[side] * share) if isinstance(share, float) else share for side, share in (("width", x), ("height", y)))
-        self.mouse("mousemove", int((place["x"] + x) * self.scale), int((place["y"] + y) * self.scale), "click", button)
+        return int((place["x"] + x) * self.scale), int((place["y"] + y) * self.scale)
+
+    def screens(self):
+        """The windows on the X display, after its root."""
+        return self.ask("search", "--onlyvisible", "--maxdepth", 1, "--name", ".*").split()[1:]
+
+    def add_screen(self, scale):
+        """Beside the first one, on the display and in the user's eyes."""
+        self.sway("create_output")
+        self.until("the second screen", lambda: len(self.screens()) == 2)
+        name = self.until("the second output", lambda: self.outputs()[1:])[0]["name"]
+        width, height = self.size.split("x")
+        self.sway("output", self.outputs()[0]["name"], "position", 0, 0)
+        self.sway("output", name, "resolution", self.size, "scale", scale, "position", width, 0)
+        self.mouse("windowmove", self.screens()[1], width, 0)
+
+    def move_to_screen(self, window, index):
+        """The keyboard goes with it."""
+        output = sorted(self.outputs(), key=lambda found: found["rect"]["x"])[index]
+        self.sway(f'[con_id={window}] move window to output {output["name"]}')
+        self.sway(f"[con_id={window}] focus, resize set width 90 ppt height 90 ppt, move position center")
+        self.mouse("windowfocus", "--sync", self.screens()[index])
+        # Which may be smaller than the window.
+        left, width = output["rect"]["x"], output["rect"]["width"]
+        self.until("the window on the other screen", lambda: self.front() == window
+                   and left <= self.focused()["rect"]["x"] + self.focused()["rect"]["width"] / 2 < left + width)

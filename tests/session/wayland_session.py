@@ -1,0 +1,116 @@
+#!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The Quillet authors
+# SPDX-License-Identifier: MIT
+"""What differs under Wayland: both clipboards, drags, a huge selection, screens of several scales.
+Usage: wayland_session.py PROGRAM [--pictures FOLDER] [--megabytes N]"""
+import argparse
+import subprocess
+import sys
+
+from desktop import PATIENCE, missing_tools
+from wayland_desktop import TOOLS, WaylandDesktop
+from working_session import SKIPPED, Session, expect
+
+# Where the text begins in a window without decoration, and what a row of it is high, in pixels of a screen at scale 1.
+TEXT_LEFT, FIRST_ROW, ROW_HEIGHT = 56, 73, 19
+
+CLIPBOARD_TOOLS = ("wl-copy", "wl-paste")
+
+
+class WaylandSession(Session):
+    def __init__(self, desktop, megabytes):
+        super().__init__(desktop)
+        self.megabytes = megabytes
+
+    def run(self):
+        desktop = self.desktop
+        desktop.start_program("one.txt")
+        self.window = self.until_title("one.txt")
+        self.exchange_with_other_programs()
+        self.paste_what_is_selected()
+        self.drag_text()
+        self.move_between_screens()
+        self.select_everything()
+        desktop.keys("ctrl+q")
+        expect((desktop.exit_code(), desktop.complaints()), (0, ""), "exit code")
+
+    def pasted(self, *options):
+        done = subprocess.run(("wl-paste", "--no-newline", *options), env=self.desktop.environment, capture_output=True, timeout=PATIENCE)
+        return done.stdout.decode()
+
+    def exchange_with_other_programs(self):
+        desktop = self.desktop
+        desktop.keys("ctrl+Home", "shift+End", "ctrl+c")
+        desktop.until("the copy", lambda: self.pasted() == "Größe one")
+        subprocess.run(("wl-copy", "Ängström 🎈"), env=desktop.environment, check=True, timeout=PATIENCE)
+        desktop.until("the other program's copy", lambda: self.pasted() == "Ängström 🎈")
+        desktop.keys("Right", "ctrl+v")
+        self.save("one.txt", "Größe oneÄngström 🎈\nsecond\nthird\n".encode())
+
+    def paste_what_is_selected(self):
+        desktop = self.desktop
+        desktop.keys("ctrl+Home", "Down", "shift+End")
+        desktop.until("the selection", lambda: self.pasted("--primary") == "second")
+        desktop.click(self.window, 0.5, 0.5, button=2)
+        self.save("one.txt", "Größe oneÄngström 🎈\nsecond\nthird\nsecond".encode())
+        expect(self.pasted(), "Ängström 🎈", "clipboard")
+
+    def drag_text(self):
+        desktop = self.desktop
+        # The last line by its middle to the end of the first.
+        desktop.keys("ctrl+End", "shift+Home")
+        desktop.picture("before-drag")
+        desktop.drag(self.window, (TEXT_LEFT + 20, self.row(4)), (0.6, self.row(1)))
+        desktop.picture("after-drag")
+        self.save("one.txt", "Größe oneÄngström 🎈second\nsecond\nthird\n".encode())
+
+    def row(self, line):
+        return FIRST_ROW + (line - 1) * ROW_HEIGHT
+
+    def move_between_screens(self):
+        desktop = self.desktop
+        desktop.add_screen(scale=2)
+        desktop.move_to_screen(self.window, 1)
+        desktop.keys("ctrl+End")
+        desktop.type("there ")
+        desktop.picture("second-screen")
+        desktop.move_to_screen(self.window, 0)
+        desktop.type("and back")
+        desktop.picture("first-screen-again")
+        self.save("one.txt", "Größe oneÄngström 🎈second\nsecond\nthird\nthere and back".encode())
+
+    def select_everything(self):
+        desktop = self.desktop
+        line = "All work and no play makes a dull text of many, many lines.\n"
+        text = line * (self.megabytes * 1_000_000 // len(line))
+        (desktop.files / "huge.txt").write_text(text)
+        self.dialog("ctrl+o", self.window)
+        desktop.type("huge.txt")
+        desktop.keys("Return")
+        self.until_title("huge.txt")
+        desktop.keys("ctrl+a")
+        desktop.until("the selection", lambda: len(self.pasted("--primary")) == len(text))
+        desktop.keys("ctrl+c")
+        desktop.until("the copy", lambda: len(self.pasted()) == len(text))
+        desktop.keys("Right")
+        desktop.type("end")
+        self.until_title("huge.txt*")
+        self.save("huge.txt", (text + "end").encode())
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("program")
+    parser.add_argument("--pictures", help="takes pictures of the screen into this folder")
+    parser.add_argument("--megabytes", type=int, default=5, help="of the text that is selected")
+    arguments = parser.parse_args()
+    if missing := missing_tools((*TOOLS, *CLIPBOARD_TOOLS)):
+        print(f"not run: {', '.join(missing)} not installed")
+        return SKIPPED
+    with WaylandDesktop(arguments.program, arguments.pictures) as desktop:
+        WaylandSession(desktop, arguments.megabytes).run()
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
