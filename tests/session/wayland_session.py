@@ -7,7 +7,7 @@ import argparse
 import subprocess
 import sys
 
-from desktop import PATIENCE, missing_tools
+from desktop import PATIENCE, missing_tools, run_twice
 from wayland_desktop import TOOLS, WaylandDesktop
 from working_session import SKIPPED, Session, expect
 
@@ -107,9 +107,8 @@ def main():
     if missing := missing_tools((*TOOLS, *CLIPBOARD_TOOLS)):
         print(f"not run: {', '.join(missing)} not installed")
         return SKIPPED
-    with WaylandDesktop(arguments.program, arguments.pictures) as desktop:
-        WaylandSession(desktop, arguments.megabytes).run()
-    return 0
+    return run_twice(lambda: WaylandDesktop(arguments.program, arguments.pictures),
+                     lambda desktop: WaylandSession(desktop, arguments.megabytes).run())
 
 
 if __name__ == "__main__":

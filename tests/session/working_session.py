@@ -5,10 +5,9 @@
 Usage: working_session.py PROGRAM [--display x11|wayland] [--scale S] [--pictures FOLDER]"""
 import argparse
 import sys
-import traceback
 
-import wayland_desktop
-from desktop import Desktop, missing_tools
+from desktop import Desktop, missing_tools, run_twice
+from wayland_desktop import TOOLS, WaylandDesktop
 
 SKIPPED = 77
 
@@ -196,21 +195,12 @@ def main():
     parser.add_argument("--scale", type=float, default=1, help="of its screen")
     arguments = parser.parse_args()
     is_wayland = arguments.display == "wayland"
-    if missing := missing_tools(*[wayland_desktop.TOOLS] * is_wayland):
+    if missing := missing_tools(*[TOOLS] * is_wayland):
         print(f"not run: {', '.join(missing)} not installed")
         return SKIPPED
-    # A busy X server loses a synthetic key now and then; what is broken fails twice.
-    for attempt in (1, 2):
-        try:
-            desktop = (wayland_desktop.WaylandDesktop(arguments.program, arguments.pictures, scale=arguments.scale) if is_wayland
-                       else Desktop(arguments.program, arguments.pictures))
-            with desktop:
-                Session(desktop).run()
-            return 0
-        except AssertionError:
-            print(f"attempt {attempt}:", file=sys.stderr)
-            traceback.print_exc()
-    return 1
+    make = WaylandDesktop if is_wayland else Desktop
+    options = {"scale": arguments.scale} if is_wayland else {}
+    return run_twice(lambda: make(arguments.program, arguments.pictures, **options), lambda desktop: Session(desktop).run())
 
 
 if __name__ == "__main__":
