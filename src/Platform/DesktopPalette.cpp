@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QScopedValueRollback>
 #include <QToolTip>
 
 #include <algorithm>
@@ -80,11 +81,14 @@ void setHighContrast(QPalette &palette, bool isDark)
         palette.setColor(role, text);
         palette.setColor(QPalette::Disabled, role, mixed(ground, text, 0.6));
     }
-    for (const auto role : {QPalette::Window, QPalette::Base, QPalette::AlternateBase, QPalette::ToolTipBase}) {
-        palette.setColor(role, ground);
+    // On black the toolkit's outlines are black as well: there, fields and boxes are told from the window by their ground.
+    const QColor field = mixed(ground, text, isDark ? 0.3 : 0);
+    palette.setColor(QPalette::Window, ground);
+    for (const auto role : {QPalette::Base, QPalette::AlternateBase, QPalette::ToolTipBase}) {
+        palette.setColor(role, field);
     }
-    palette.setColor(QPalette::Button, mixed(ground, text, 0.08));
-    palette.setColor(QPalette::PlaceholderText, mixed(ground, text, 0.75));
+    palette.setColor(QPalette::Button, mixed(ground, text, isDark ? 0.15 : 0.08));
+    palette.setColor(QPalette::PlaceholderText, mixed(field, text, 0.75));
     // Of these the borders are made.
     for (const auto role : {QPalette::Mid, QPalette::Dark, QPalette::Shadow}) {
         palette.setColor(role, mixed(ground, text, 0.7));
@@ -154,7 +158,7 @@ bool DesktopPalette::eventFilter(QObject *object, QEvent *event)
 {
     // Where every colour is set here, another theme changes none of the application's and is only told of to the windows.
     const bool isForeign = event->type() == QEvent::ApplicationPaletteChange && object == qApp && QApplication::palette() != m_shown;
-    if (isForeign || event->type() == QEvent::ThemeChange) {
+    if (!m_isMending && (isForeign || event->type() == QEvent::ThemeChange)) {
         mend();
     }
     return QObject::eventFilter(object, event);
@@ -168,6 +172,8 @@ QPalette DesktopPalette::systemPalette()
 
 void DesktopPalette::mend()
 {
+    // Of the palettes that are set meanwhile everybody hears at once.
+    const QScopedValueRollback mending(m_isMending, true);
     const QPalette desktop = m_desktop();
     QPalette mended = asWished(desktop, m_wishes);
     if (const QPalette hints = legibleHints(mended.resolve(desktop)); hints.resolveMask() != 0) {

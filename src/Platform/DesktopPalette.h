@@ -42,5 +42,6 @@ private:
     DesktopWishes m_wishes;
     /// The application's, as it was left.
     QPalette m_shown;
+    bool m_isMending = false;
     bool m_hasSetToolTips = false;
 };
