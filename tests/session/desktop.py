@@ -157,13 +157,13 @@ class Desktop:
     # Keys and mouse, which go to the window in front
 
     def keys(self, *keys):
-        self.mouse("key", "--delay", "0", *keys)
+        self.xdotool("key", "--delay", "0", *keys)
 
     def type(self, text):
-        self.mouse("type", "--delay", "0", "--", text)
+        self.xdotool("type", "--delay", "0", "--", text)
 
-    def mouse(self, *command):
-        """Or keys: as xdotool has them."""
+    def xdotool(self, *command):
+        """Keys and mouse, which go to the window in front."""
         subprocess.run(("xdotool", *map(str, command)), env=self.x_environment(), check=True)
 
     def click(self, window, x, y, button=1):
@@ -171,7 +171,7 @@ class Desktop:
         size = dict(line.split("=") for line in self.ask("getwindowgeometry", "--shell", window).splitlines())
         x, y = (int(int(size[side]) * share) if isinstance(share, float) else share
                 for side, share in (("WIDTH", x), ("HEIGHT", y)))
-        self.mouse("mousemove", "--window", window, x, y, "click", button)
+        self.xdotool("mousemove", "--window", window, x, y, "click", button)
 
     def picture(self, name):
         if self.pictures:

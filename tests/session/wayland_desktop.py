@@ -33,6 +33,7 @@ class WaylandDesktop(Desktop):
 
     def start_display(self):
         self.start_x_server(self.display_size)
+        self.display = self.environment["DISPLAY"]
         # The compositor refuses to be the superuser's, and nobody else's programs may use another's runtime folder.
         self.run = tempfile.TemporaryDirectory(prefix="quillet-wayland-")
         run = pathlib.Path(self.run.name)
@@ -51,10 +52,10 @@ class WaylandDesktop(Desktop):
         self.environment["SWAYSOCK"] = str(self.until("the compositor's socket", lambda: next(run.glob("sway-ipc.*.sock"), None)))
         self.until("the compositor to answer", lambda: self.outputs())
         socket = self.until("the display's socket", lambda: next(run.glob("wayland-?"), None))
-        self.display = self.environment.pop("DISPLAY")
+        del self.environment["DISPLAY"]
         self.environment |= {"WAYLAND_DISPLAY": str(socket), "QT_QPA_PLATFORM": "wayland"}
         # No window manager of the X display gives the keyboard to the compositor's window, which comes after the root.
-        self.mouse("windowfocus", "--sync", self.until("the screen's window", self.screens)[0])
+        self.xdotool("windowfocus", "--sync", self.until("the screen's window", self.screens)[0])
 
     def __exit__(self, *failure):
         super().__exit__(*failure)
@@ -62,7 +63,7 @@ class WaylandDesktop(Desktop):
             self.run.cleanup()
 
     def x_environment(self):
-        return dict(self.environment, DISPLAY=self.display if hasattr(self, "display") else self.environment["DISPLAY"])
+        return dict(self.environment, DISPLAY=self.display)
 
     def sway(self, *command):
         done = subprocess.run(("swaymsg", *map(str, command)), env=self.environment, capture_output=True, text=True, timeout=PATIENCE)
@@ -106,15 +107,15 @@ class WaylandDesktop(Desktop):
         return now != before and sum(now[at:at + 3] != before[at:at + 3] for at in range(0, len(now), 3)) > MENU_PIXELS
 
     def click(self, window, x, y, button=1):
-        self.mouse("mousemove", *self.on_display(window, x, y), "click", button)
+        self.xdotool("mousemove", *self.on_display(window, x, y), "click", button)
 
     def drag(self, window, start, end):
         """From one place in the window to another, each as for click()."""
         (x, y), (end_x, end_y) = self.on_display(window, *start), self.on_display(window, *end)
-        self.mouse("mousemove", x, y, "mousedown", 1)
+        self.xdotool("mousemove", x, y, "mousedown", 1)
         for step in range(1, 11):
-            self.mouse("mousemove", x + (end_x - x) * step // 10, y + (end_y - y) * step // 10)
-        self.mouse("mouseup", 1)
+            self.xdotool("mousemove", x + (end_x - x) * step // 10, y + (end_y - y) * step // 10)
+        self.xdotool("mouseup", 1)
 
     def on_display(self, window, x, y):
         """Of a place in a window on the first screen, in pixels or as shares of its sides."""
@@ -134,14 +135,14 @@ class WaylandDesktop(Desktop):
         width, height = self.size.split("x")
         self.sway("output", self.outputs()[0]["name"], "position", 0, 0)
         self.sway("output", name, "resolution", self.size, "scale", scale, "position", width, 0)
-        self.mouse("windowmove", self.screens()[1], width, 0)
+        self.xdotool("windowmove", self.screens()[1], width, 0)
 
     def move_to_screen(self, window, index):
         """The keyboard goes with it."""
         output = sorted(self.outputs(), key=lambda found: found["rect"]["x"])[index]
         self.sway(f'[con_id={window}] move window to output {output["name"]}')
         self.sway(f"[con_id={window}] focus, resize set width 90 ppt height 90 ppt, move position center")
-        self.mouse("windowfocus", "--sync", self.screens()[index])
+        self.xdotool("windowfocus", "--sync", self.screens()[index])
         # Which may be smaller than the window.
         left, width = output["rect"]["x"], output["rect"]["width"]
         self.until("the window on the other screen", lambda: self.front() == window

@@ -195,7 +195,7 @@ def main():
     parser.add_argument("--scale", type=float, default=1, help="of its screen")
     arguments = parser.parse_args()
     is_wayland = arguments.display == "wayland"
-    if missing := missing_tools(*[TOOLS] * is_wayland):
+    if missing := missing_tools(TOOLS) if is_wayland else missing_tools():
         print(f"not run: {', '.join(missing)} not installed")
         return SKIPPED
     make = WaylandDesktop if is_wayland else Desktop
