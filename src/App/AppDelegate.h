@@ -29,8 +29,6 @@ public:
     void compare(const QString &oldPath, const QString &newPath);
     /// To a place in a file that is open: line and column from 1, a column of 0 for none; beyond the end it is the end.
     void goTo(const QString &path, qsizetype line, qsizetype column);
-    /// Opens what comes on a descriptor, once it has ended, as a text without a file. Closes it.
-    void openStream(int descriptor) { openStream(descriptor, {}); }
     /// What another start or the desktop asks for; the window comes to the front.
     void open(const OpenRequest &request);
     /// What is left of it when its files are open: their places, the stream, those who wait.
@@ -72,6 +70,7 @@ private:
 
     void newWindow();
     void closeNext();
+    /// Opens what comes on a descriptor, once it has ended, as a text without a file. Closes it.
     void openStream(int descriptor, const Waiting &waiting);
     void tellWhenClosed(Waiting waiting);
     void noticeClosed();
