@@ -3,7 +3,7 @@
 
 // What comparing two texts costs, once they are read. The pairs are those of compare_diff.py.
 
-#include "Diff/LineDiff.h"
+#include "Text/LineDiff.h"
 
 #include <benchmark/benchmark.h>
 

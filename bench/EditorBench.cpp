@@ -4,19 +4,19 @@
 // What a person waits for: from a key to the end of the painting that it causes, in a window of the program, coloured, offscreen.
 
 #include "App/AppDelegate.h"
+#include "Base/Pasteboard.h"
+#include "Desktop/Desktop.h"
 #include "Editor/EditorVim.h"
+#include "Find/FindState.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
-#include "Model/Preferences.h"
 #include "Model/RecentDocuments.h"
-#include "Model/SessionStore.h"
-#include "Platform/AlertPresenter.h"
-#include "Platform/DefaultsStore.h"
-#include "Platform/Desktop.h"
-#include "Platform/Pasteboard.h"
-#include "Text/FindState.h"
+#include "Session/SessionStore.h"
+#include "Settings/DefaultsStore.h"
+#include "Settings/Preferences.h"
 #include "Vim/VimRegisters.h"
 #include "Vim/VimSubstitution.h"
+#include "Widgets/AlertPresenter.h"
 
 #include <benchmark/benchmark.h>
 

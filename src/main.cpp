@@ -3,7 +3,7 @@
 #include "App/CommandLine.h"
 #include "App/Program.h"
 #include "App/RunningInstance.h"
-#include "Platform/Translation.h"
+#include "Base/Translation.h"
 
 #include <QApplication>
 #include <QDir>

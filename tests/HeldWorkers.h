@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Workers.h"
+#include "Base/Workers.h"
 
 #include <deque>
 

@@ -2,19 +2,19 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/Pasteboard.h"
+#include "Base/Workers.h"
+#include "Desktop/Desktop.h"
+#include "Files/WatchedPath.h"
+#include "Find/FindState.h"
 #include "Model/DocumentStore.h"
-#include "Model/Preferences.h"
 #include "Model/RecentDocuments.h"
-#include "Model/SessionStore.h"
-#include "Model/WatchedPath.h"
-#include "Platform/AlertPresenter.h"
-#include "Platform/DefaultsStore.h"
-#include "Platform/Desktop.h"
-#include "Platform/Pasteboard.h"
-#include "Platform/Workers.h"
-#include "Text/FindState.h"
+#include "Session/SessionStore.h"
+#include "Settings/DefaultsStore.h"
+#include "Settings/Preferences.h"
 #include "UI/WorkspaceServices.h"
 #include "Vim/VimRegisters.h"
+#include "Widgets/AlertPresenter.h"
 
 #include <QTemporaryDir>
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/BackgroundTask.h"
 #include "Diff/DiffWindowController.h"
-#include "Platform/BackgroundTask.h"
 #include "UI/MainWindowController.h"
 
 #include <QPointer>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "App/CommandLine.h"
 
-#include "Platform/FilePath.h"
-#include "Platform/Translation.h"
+#include "Base/FilePath.h"
+#include "Base/Translation.h"
 
 #include <QDir>
 #include <QFileInfo>

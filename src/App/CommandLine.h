@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Localization.h"
+#include "Base/Localization.h"
 
 #include <QString>
 #include <QStringList>

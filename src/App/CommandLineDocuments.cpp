@@ -3,7 +3,7 @@
 #include "App/CommandLineDocuments.h"
 
 #include "App/CommandLine.h"
-#include "Platform/Translation.h"
+#include "Base/Translation.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "App/MainMenu.h"
 
+#include "Base/Translation.h"
+#include "Commands/FirstResponder.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/Theme.h"
 #include "Model/RecentDocuments.h"
-#include "Platform/AlertPresenter.h"
-#include "Platform/FirstResponder.h"
-#include "Platform/Mnemonics.h"
-#include "Platform/PlainToolTip.h"
-#include "Platform/Translation.h"
+#include "Widgets/AlertPresenter.h"
+#include "Widgets/Mnemonics.h"
+#include "Widgets/PlainToolTip.h"
 
 #include <QAction>
 #include <QFileInfo>

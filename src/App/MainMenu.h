@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Responder.h"
+#include "Commands/Responder.h"
 
 #include <QKeySequence>
 #include <QList>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "App/StandardInput.h"
 
-#include "Platform/Translation.h"
+#include "Base/Translation.h"
 
 #include <QTemporaryFile>
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Diff/LineDiff.h"
+#include "Text/LineDiff.h"
 
 struct Theme;
 

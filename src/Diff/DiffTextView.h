@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Diff/LineDiff.h"
 #include "Editor/NumberedTextView.h"
+#include "Text/LineDiff.h"
 
 #include <QHash>
 

@@ -2,19 +2,19 @@
 // SPDX-License-Identifier: MIT
 #include "Diff/DiffViewController.h"
 
+#include "Base/Localization.h"
+#include "Base/Translation.h"
 #include "Diff/DiffOverview.h"
 #include "Diff/DiffText.h"
 #include "Editor/EditorFont.h"
 #include "Editor/ThemePalette.h"
+#include "Find/FindBar.h"
+#include "Find/TextFinder.h"
 #include "Model/DocumentStore.h"
-#include "Model/Preferences.h"
-#include "Platform/AccessibleRole.h"
-#include "Platform/AlertPresenter.h"
-#include "Platform/ElidedLabel.h"
-#include "Platform/Localization.h"
-#include "Platform/Translation.h"
-#include "Text/FindBar.h"
-#include "Text/TextFinder.h"
+#include "Settings/Preferences.h"
+#include "Widgets/AccessibleRole.h"
+#include "Widgets/AlertPresenter.h"
+#include "Widgets/ElidedLabel.h"
 
 #include <QCheckBox>
 #include <QEvent>

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Diff/DiffControl.h"
+#include "Base/BackgroundTask.h"
 #include "Diff/DiffTextView.h"
 #include "Editor/EditorViewController.h"
 #include "Highlighting/SyntaxHighlighter.h"
-#include "Platform/BackgroundTask.h"
+#include "Text/DiffControl.h"
 
 class DiffOverview;
 class ElidedLabel;

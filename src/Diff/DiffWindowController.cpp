@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Diff/DiffWindowController.h"
 
-#include "Platform/AccessibleRole.h"
+#include "Widgets/AccessibleRole.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/EditorFont.h"
 
-#include "Model/Preferences.h"
+#include "Settings/Preferences.h"
 
 #include <QFontDatabase>
 

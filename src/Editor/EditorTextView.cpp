@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/EditorTextView.h"
 
+#include "Base/Translation.h"
+#include "Desktop/DroppedFiles.h"
 #include "Editor/EditorVim.h"
-#include "Platform/DroppedFiles.h"
-#include "Platform/Translation.h"
 #include "Text/TextStorage.h"
 
 #include <QDropEvent>

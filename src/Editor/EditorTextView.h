@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Editor/LineEditing.h"
 #include "Editor/NumberedTextView.h"
 #include "Highlighting/Language.h"
+#include "Text/LineEditing.h"
 
 class EditorTextView;
 class EditorVim;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/EditorViewController.h"
 
+#include "Base/Localization.h"
 #include "Editor/EditorFont.h"
 #include "Editor/EditorVim.h"
 #include "Editor/ExternalChangeBanner.h"
@@ -9,14 +10,13 @@
 #include "Editor/SpellingController.h"
 #include "Editor/SpellingPanel.h"
 #include "Editor/ThemePalette.h"
+#include "Find/FindBar.h"
+#include "Find/TextFinder.h"
 #include "Model/DocumentStore.h"
-#include "Model/Preferences.h"
-#include "Platform/AccessibleRole.h"
-#include "Platform/AlertPresenter.h"
-#include "Platform/Localization.h"
-#include "Text/FindBar.h"
+#include "Settings/Preferences.h"
 #include "Text/LineRange.h"
-#include "Text/TextFinder.h"
+#include "Widgets/AccessibleRole.h"
+#include "Widgets/AlertPresenter.h"
 
 #include <QEvent>
 #include <QGuiApplication>

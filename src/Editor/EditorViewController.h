@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/NotificationCenter.h"
+#include "Commands/Responder.h"
 #include "Editor/EditorTextView.h"
-#include "Platform/NotificationCenter.h"
-#include "Platform/Responder.h"
 
 #include <QWidget>
 

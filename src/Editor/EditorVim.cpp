@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/EditorVim.h"
 
+#include "Desktop/ForeignKeyboard.h"
 #include "Editor/EditorTextView.h"
-#include "Platform/ForeignKeyboard.h"
 #include "Text/PasteboardText.h"
 #include "Text/TextStorage.h"
 

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/ExternalChangeBanner.h"
 
+#include "Base/Translation.h"
 #include "Highlighting/Theme.h"
-#include "Platform/AccessibleRole.h"
-#include "Platform/ElidedLabel.h"
-#include "Platform/Translation.h"
+#include "Widgets/AccessibleRole.h"
+#include "Widgets/ElidedLabel.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>

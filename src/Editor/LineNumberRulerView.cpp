@@ -3,7 +3,7 @@
 #include "Editor/LineNumberRulerView.h"
 
 #include "Text/TextStorage.h"
-#include "Text/TextView.h"
+#include "View/TextView.h"
 
 #include <QCoreApplication>
 #include <QFontDatabase>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Highlighting/Theme.h"
-#include "Text/Viewport.h"
+#include "View/Viewport.h"
 
 #include <QWidget>
 

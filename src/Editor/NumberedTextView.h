@@ -4,7 +4,7 @@
 
 #include "Editor/LineNumberRulerView.h"
 #include "Highlighting/Theme.h"
-#include "Text/TextView.h"
+#include "View/TextView.h"
 
 /// A text view in the colours of a theme, with the numbers of its lines beside it.
 class NumberedTextView : public TextView {

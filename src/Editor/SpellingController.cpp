@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/SpellingController.h"
 
+#include "Base/Translation.h"
 #include "Editor/SpellingPanel.h"
 #include "Highlighting/SyntaxHighlighter.h"
-#include "Platform/SpellChecker.h"
-#include "Platform/Translation.h"
-#include "Text/TextView.h"
+#include "Spelling/SpellChecker.h"
+#include "View/TextView.h"
 
 #include <QMenu>
 #include <QScopedValueRollback>

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Editor/SpellingWords.h"
+#include "Base/Scheduler.h"
+#include "Commands/Responder.h"
 #include "Highlighting/Language.h"
-#include "Platform/Responder.h"
-#include "Platform/Scheduler.h"
+#include "Spelling/SpellingWords.h"
 #include "Text/TextStorage.h"
 
 #include <QObject>

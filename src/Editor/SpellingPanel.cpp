@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/SpellingPanel.h"
 
-#include "Platform/AccessibleRole.h"
-#include "Platform/SpellChecker.h"
-#include "Platform/Translation.h"
-#include "Text/TextView.h"
+#include "Base/Translation.h"
+#include "Spelling/SpellChecker.h"
+#include "View/TextView.h"
+#include "Widgets/AccessibleRole.h"
 
 #include <QGridLayout>
 #include <QKeyEvent>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Highlighting/Scope.h"
-#include "Platform/RegularExpression.h"
+#include "Text/RegularExpression.h"
 
 /// A token inside a line: every match of the expression has the scope, as far as capture group `group` reaches (0 is all of it).
 struct TokenRule {

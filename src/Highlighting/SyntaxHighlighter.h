@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/NotificationCenter.h"
+#include "Base/Scheduler.h"
 #include "Highlighting/Language.h"
 #include "Highlighting/Theme.h"
-#include "Platform/NotificationCenter.h"
-#include "Platform/Scheduler.h"
 #include "Text/TextStorage.h"
 
 #include <functional>

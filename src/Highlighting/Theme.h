@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/Appearance.h"
 #include "Highlighting/Scope.h"
-#include "Platform/Appearance.h"
 #include "Text/StyleTable.h"
 
 #include <array>

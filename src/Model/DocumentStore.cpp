@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Model/DocumentStore.h"
 
-#include "Model/Preferences.h"
-#include "Platform/DefaultsStore.h"
+#include "Settings/DefaultsStore.h"
+#include "Settings/Preferences.h"
 
 DocumentStore::DocumentStore(const DocumentServices &services, AppearanceQuery appearance)
     : m_services(services), m_appearance(std::move(appearance))

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/Appearance.h"
 #include "Model/TextDocument.h"
-#include "Platform/Appearance.h"
 
 #include <memory>
 #include <vector>

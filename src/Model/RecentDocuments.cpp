@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Model/RecentDocuments.h"
 
-#include "Platform/AtomicFile.h"
+#include "Base/AtomicFile.h"
 
 #include <QDir>
 #include <QFile>

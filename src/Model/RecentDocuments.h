@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/BackgroundTask.h"
+#include "Base/BackgroundTask.h"
 
 #include <QString>
 #include <QStringList>

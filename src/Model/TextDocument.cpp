@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "Model/TextDocument.h"
 
+#include "Base/HomePath.h"
+#include "Base/Translation.h"
+#include "Files/TextHash.h"
 #include "Highlighting/LanguageRegistry.h"
-#include "Model/Preferences.h"
 #include "Model/SaveTransformation.h"
-#include "Model/TextHash.h"
-#include "Platform/DefaultsStore.h"
-#include "Platform/HomePath.h"
-#include "Platform/Translation.h"
+#include "Settings/DefaultsStore.h"
+#include "Settings/Preferences.h"
 
 #include <QDir>
 #include <QFile>

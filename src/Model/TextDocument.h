@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/BackgroundTask.h"
+#include "Base/NotificationCenter.h"
+#include "Base/Scheduler.h"
+#include "Files/FileWatcher.h"
+#include "Files/TextFile.h"
 #include "Highlighting/Language.h"
 #include "Highlighting/SyntaxHighlighter.h"
-#include "Model/FileWatcher.h"
-#include "Model/LineIndex.h"
-#include "Model/TextFile.h"
-#include "Platform/BackgroundTask.h"
-#include "Platform/NotificationCenter.h"
-#include "Platform/Scheduler.h"
+#include "Text/LineIndex.h"
 #include "Text/TextStorage.h"
 #include "Text/UndoManager.h"
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Text/PasteboardText.h"
 
-#include "Platform/Pasteboard.h"
+#include "Base/Pasteboard.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Text/TextSearch.h"
 
-#include "Platform/Translation.h"
+#include "Base/Translation.h"
 #include "Text/LineRange.h"
 
 #include <unicode/ubrk.h>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/RegularExpression.h"
-#include "Platform/Result.h"
+#include "Base/Result.h"
+#include "Text/RegularExpression.h"
 #include "Text/Rope.h"
 
 #include <QStringMatcher>

@@ -2,15 +2,15 @@
 // SPDX-License-Identifier: MIT
 #include "UI/EditorToolbarController.h"
 
-#include "Model/Preferences.h"
+#include "Base/Localization.h"
+#include "Base/Translation.h"
+#include "Commands/FirstResponder.h"
 #include "Model/TextDocument.h"
-#include "Platform/FirstResponder.h"
-#include "Platform/Localization.h"
-#include "Platform/SymbolIcon.h"
-#include "Platform/Translation.h"
+#include "Settings/Preferences.h"
 #include "UI/ToolbarActionItem.h"
 #include "UI/ToolbarCatalogue.h"
 #include "UI/ToolbarStrip.h"
+#include "Widgets/SymbolIcon.h"
 
 #include <QApplication>
 #include <QEvent>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/NotificationCenter.h"
-#include "Platform/Scheduler.h"
+#include "Base/NotificationCenter.h"
+#include "Base/Scheduler.h"
 #include "UI/ToolbarAction.h"
 #include "UI/ToolbarStrip.h"
 

@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "UI/MainWindowController.h"
 
+#include "Base/Translation.h"
 #include "Model/DocumentStore.h"
-#include "Model/SessionStore.h"
-#include "Platform/AlertPresenter.h"
-#include "Platform/DefaultsStore.h"
-#include "Platform/Translation.h"
+#include "Session/SessionStore.h"
+#include "Settings/DefaultsStore.h"
 #include "UI/EditorToolbarController.h"
 #include "UI/WindowAccessible.h"
+#include "Widgets/AlertPresenter.h"
 
 #include <QApplication>
 #include <QCloseEvent>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/FirstResponder.h"
+#include "Commands/FirstResponder.h"
 #include "UI/WorkspaceViewController.h"
 
 #include <QMainWindow>

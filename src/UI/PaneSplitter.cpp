@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "UI/PaneSplitter.h"
 
-#include "Platform/AccessibleRole.h"
+#include "Widgets/AccessibleRole.h"
 
 #include <QPainter>
 

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "UI/PaneViewController.h"
 
+#include "Base/Localization.h"
+#include "Commands/FirstResponder.h"
 #include "Model/DocumentStore.h"
-#include "Model/Preferences.h"
-#include "Platform/FirstResponder.h"
-#include "Platform/Localization.h"
+#include "Settings/Preferences.h"
 
 #include <QApplication>
 #include <QVBoxLayout>

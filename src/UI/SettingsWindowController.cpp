@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "UI/SettingsWindowController.h"
 
+#include "Base/HomePath.h"
+#include "Base/Translation.h"
 #include "Editor/EditorFont.h"
 #include "Highlighting/Theme.h"
-#include "Model/Preferences.h"
-#include "Platform/AlertPresenter.h"
-#include "Platform/HomePath.h"
-#include "Platform/Mnemonics.h"
-#include "Platform/Translation.h"
+#include "Settings/Preferences.h"
 #include "UI/ToolbarSettingsView.h"
+#include "Widgets/AlertPresenter.h"
+#include "Widgets/Mnemonics.h"
 
 #include <QApplication>
 #include <QCheckBox>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/NotificationCenter.h"
+#include "Base/NotificationCenter.h"
 
 #include <QDialog>
 #include <QHash>

@@ -2,17 +2,17 @@
 // SPDX-License-Identifier: MIT
 #include "UI/StatusBarView.h"
 
+#include "Base/Localization.h"
+#include "Base/Translation.h"
+#include "Files/TextFile.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/Theme.h"
-#include "Model/TextFile.h"
-#include "Platform/AccessibleRole.h"
-#include "Platform/ElidedLabel.h"
-#include "Platform/Localization.h"
-#include "Platform/Translation.h"
-#include "UI/InterfaceFont.h"
-#include "UI/PopUpButton.h"
-#include "UI/SystemColors.h"
 #include "UI/VimBadge.h"
+#include "Widgets/AccessibleRole.h"
+#include "Widgets/ElidedLabel.h"
+#include "Widgets/InterfaceFont.h"
+#include "Widgets/PopUpButton.h"
+#include "Widgets/SystemColors.h"
 
 #include <QApplication>
 #include <QEvent>

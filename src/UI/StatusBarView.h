@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Editor/LineEditing.h"
+#include "Base/NotificationCenter.h"
+#include "Base/Scheduler.h"
+#include "Files/LineEnding.h"
+#include "Files/TextEncoding.h"
 #include "Highlighting/Language.h"
-#include "Model/LineEnding.h"
-#include "Platform/NotificationCenter.h"
-#include "Platform/Scheduler.h"
-#include "Platform/TextEncoding.h"
+#include "Text/LineEditing.h"
 
 #include <QString>
 #include <QWidget>

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "UI/SubstitutionRunner.h"
 
-#include "Platform/Translation.h"
+#include "Base/Translation.h"
 #include "Text/TextStorage.h"
-#include "Text/TextView.h"
+#include "View/TextView.h"
 
 #include <QKeyEvent>
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/BackgroundTask.h"
-#include "Platform/Scheduler.h"
+#include "Base/BackgroundTask.h"
+#include "Base/Scheduler.h"
 #include "Vim/VimSubstitution.h"
 
 #include <QObject>

@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "UI/TabBarView.h"
 
+#include "Base/Translation.h"
 #include "Highlighting/Theme.h"
-#include "Platform/AccessibleRole.h"
-#include "Platform/PlainToolTip.h"
-#include "Platform/Translation.h"
-#include "UI/FlatButton.h"
-#include "UI/InterfaceFont.h"
+#include "Widgets/AccessibleRole.h"
+#include "Widgets/FlatButton.h"
+#include "Widgets/InterfaceFont.h"
+#include "Widgets/PlainToolTip.h"
 
 #include <QActionGroup>
 #include <QApplication>

@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "UI/TabItemView.h"
 
+#include "Base/Translation.h"
 #include "Highlighting/Theme.h"
-#include "Platform/PlainToolTip.h"
-#include "Platform/Translation.h"
-#include "UI/FlatButton.h"
-#include "UI/SystemColors.h"
 #include "UI/TabAccessible.h"
+#include "Widgets/FlatButton.h"
+#include "Widgets/PlainToolTip.h"
+#include "Widgets/SystemColors.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "UI/ToolbarActionItem.h"
 
-#include "Platform/SymbolIcon.h"
-#include "Platform/Translation.h"
+#include "Base/Translation.h"
+#include "Widgets/SymbolIcon.h"
 
 #include <QEvent>
 #include <QGuiApplication>

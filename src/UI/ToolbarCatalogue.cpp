@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "UI/ToolbarCatalogue.h"
 
-#include "Model/Preferences.h"
+#include "Settings/Preferences.h"
 
 #include <algorithm>
 #include <array>

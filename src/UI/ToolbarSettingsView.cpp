@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "UI/ToolbarSettingsView.h"
 
-#include "Model/Preferences.h"
-#include "Platform/ColorMix.h"
-#include "Platform/SymbolIcon.h"
-#include "Platform/Translation.h"
+#include "Base/Translation.h"
+#include "Desktop/ColorMix.h"
+#include "Settings/Preferences.h"
 #include "UI/ToolbarAction.h"
+#include "Widgets/SymbolIcon.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>

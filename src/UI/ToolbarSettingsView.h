@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "UI/SettingsForm.h"
 #include "UI/ToolbarSelection.h"
+#include "Widgets/SettingsForm.h"
 
 class Preferences;
 class QCheckBox;

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "UI/ToolbarStrip.h"
 
-#include "Platform/ElidedLabel.h"
-#include "Platform/SymbolIcon.h"
-#include "Platform/Translation.h"
+#include "Base/Translation.h"
 #include "UI/ToolbarActionItem.h"
 #include "UI/WindowAccessible.h"
+#include "Widgets/ElidedLabel.h"
+#include "Widgets/SymbolIcon.h"
 
 #include <QKeyEvent>
 #include <QMenu>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "UI/UserGuide.h"
 
-#include "Platform/Localization.h"
+#include "Base/Localization.h"
 
 #include <QFile>
 

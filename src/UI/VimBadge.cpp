@@ -3,8 +3,8 @@
 #include "UI/VimBadge.h"
 
 #include "Highlighting/Theme.h"
-#include "Platform/AccessibleRole.h"
-#include "UI/SystemColors.h"
+#include "Widgets/AccessibleRole.h"
+#include "Widgets/SystemColors.h"
 
 #include <QPainter>
 

@@ -3,16 +3,16 @@
 
 // The commands of a window's menus and tool bar that concern its current document, and when each can be used.
 
+#include "Base/Pasteboard.h"
+#include "Base/Translation.h"
+#include "Desktop/Desktop.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
-#include "Model/Preferences.h"
 #include "Model/RecentDocuments.h"
-#include "Platform/AlertPresenter.h"
-#include "Platform/DefaultsStore.h"
-#include "Platform/Desktop.h"
-#include "Platform/Pasteboard.h"
-#include "Platform/Translation.h"
+#include "Settings/DefaultsStore.h"
+#include "Settings/Preferences.h"
 #include "UI/WorkspaceViewController.h"
+#include "Widgets/AlertPresenter.h"
 
 #include <QDir>
 #include <QFileInfo>

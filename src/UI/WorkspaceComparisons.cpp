@@ -3,15 +3,15 @@
 
 // What a window shows of other texts than those that are edited: comparisons, and what the program says about itself.
 
+#include "Base/HomePath.h"
+#include "Base/Translation.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
-#include "Model/Preferences.h"
-#include "Platform/AlertPresenter.h"
-#include "Platform/HomePath.h"
-#include "Platform/Translation.h"
+#include "Settings/Preferences.h"
 #include "UI/UserGuide.h"
 #include "UI/WorkspaceViewController.h"
 #include "Vim/VimReference.h"
+#include "Widgets/AlertPresenter.h"
 
 #include <QFileInfo>
 

@@ -4,9 +4,9 @@
 // A window in the session: how it is kept, and how it comes back.
 
 #include "Model/DocumentStore.h"
-#include "Model/Preferences.h"
-#include "Model/SessionRestoration.h"
-#include "Model/SessionStore.h"
+#include "Session/SessionRestoration.h"
+#include "Session/SessionStore.h"
+#include "Settings/Preferences.h"
 #include "UI/PaneSplitter.h"
 #include "UI/WorkspaceViewController.h"
 

@@ -2,17 +2,17 @@
 // SPDX-License-Identifier: MIT
 #include "UI/WorkspaceViewController.h"
 
+#include "Base/Localization.h"
+#include "Base/Translation.h"
+#include "Commands/FirstResponder.h"
 #include "Editor/EditorVim.h"
 #include "Model/DocumentStore.h"
-#include "Model/Preferences.h"
 #include "Model/RecentDocuments.h"
-#include "Platform/AlertPresenter.h"
-#include "Platform/FirstResponder.h"
-#include "Platform/Localization.h"
-#include "Platform/Translation.h"
+#include "Settings/Preferences.h"
 #include "Text/LineRange.h"
 #include "UI/PaneSplitter.h"
 #include "UI/SubstitutionRunner.h"
+#include "Widgets/AlertPresenter.h"
 
 #include <QPointer>
 #include <QVBoxLayout>

@@ -3,13 +3,13 @@
 #pragma once
 
 #include "Diff/DiffViewController.h"
-#include "Model/SessionSnapshot.h"
-#include "Model/TextFile.h"
-#include "Platform/TextEncoding.h"
-#include "UI/FileDropView.h"
+#include "Files/TextEncoding.h"
+#include "Files/TextFile.h"
+#include "Session/SessionSnapshot.h"
 #include "UI/PaneViewController.h"
 #include "UI/StatusBarView.h"
 #include "Vim/VimExCommands.h"
+#include "Widgets/FileDropView.h"
 
 class PaneSplitter;
 class SubstitutionRunner;

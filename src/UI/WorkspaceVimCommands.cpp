@@ -3,9 +3,9 @@
 
 // What the ex commands of modal editing do in a window.
 
+#include "Base/FilePath.h"
 #include "Editor/EditorVim.h"
 #include "Model/DocumentStore.h"
-#include "Platform/FilePath.h"
 #include "UI/SubstitutionRunner.h"
 #include "UI/WorkspaceViewController.h"
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Vim/VimKeymap.h"
 
-#include "Model/Preferences.h"
-#include "Platform/Translation.h"
+#include "Base/Translation.h"
+#include "Settings/Preferences.h"
 #include "Vim/VimEngine.h"
 
 #include <array>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Vim/VimReference.h"
 
-#include "Model/Preferences.h"
-#include "Platform/Translation.h"
+#include "Base/Translation.h"
+#include "Settings/Preferences.h"
 #include "Vim/VimExCommands.h"
 #include "Vim/VimKeymap.h"
 

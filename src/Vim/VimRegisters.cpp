@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Vim/VimRegisters.h"
 
-#include "Model/Preferences.h"
-#include "Platform/Pasteboard.h"
+#include "Base/Pasteboard.h"
+#include "Settings/Preferences.h"
 #include "Text/PasteboardText.h"
 
 #include <QChar>

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Diff/InlineDiff.h"
+#include "Text/InlineDiff.h"
 
 #include <QString>
 

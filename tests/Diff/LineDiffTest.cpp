@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Diff/LineDiff.h"
+#include "Text/LineDiff.h"
 
-#include "Diff/LineKey.h"
 #include "Diff/NaiveDiff.h"
+#include "Text/LineKey.h"
 #include "Text/RandomText.h"
 
 #include <QRegularExpression>

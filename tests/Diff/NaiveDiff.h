@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Diff/DiffControl.h"
+#include "Text/DiffControl.h"
 
 #include <QStringList>
 

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/Pasteboard.h"
+#include "Base/Scheduler.h"
 #include "Editor/EditorTextView.h"
-#include "Platform/Pasteboard.h"
-#include "Platform/Scheduler.h"
 #include "TextUi/ViewFixture.h"
 
 #include <QTest>

@@ -6,7 +6,7 @@
 #include "Editor/LineNumberRulerView.h"
 #include "Editor/SpellingPanel.h"
 #include "Highlighting/LanguageRegistry.h"
-#include "Platform/SpellChecker.h"
+#include "Spelling/SpellChecker.h"
 #include "Surroundings.h"
 #include "TextUi/ViewFixture.h"
 

@@ -6,7 +6,7 @@
 #include "EditorFixture.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/SyntaxHighlighter.h"
-#include "Platform/SpellChecker.h"
+#include "Spelling/SpellChecker.h"
 
 #include <QLabel>
 #include <QLineEdit>

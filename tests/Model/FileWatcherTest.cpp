@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Model/FileWatcher.h"
+#include "Files/FileWatcher.h"
 
-#include "Model/TextFile.h"
-#include "Model/WatchedPath.h"
-#include "Platform/AtomicFile.h"
-#include "Platform/Scheduler.h"
-#include "Platform/Workers.h"
+#include "Base/AtomicFile.h"
+#include "Base/Scheduler.h"
+#include "Base/Workers.h"
+#include "Files/TextFile.h"
+#include "Files/WatchedPath.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Model/LineIndex.h"
+#include "Text/LineIndex.h"
 
-#include "Model/LineEnding.h"
+#include "Files/LineEnding.h"
 
 #include <gtest/gtest.h>
 

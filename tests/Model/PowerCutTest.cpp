@@ -3,15 +3,15 @@
 
 // The power goes after any call that the store makes, and the disk may have kept any of what it was not told to flush. What comes back then
 // is what was typed, at least as far as it was said to be written.
+#include "Base/AtomicFile.h"
+#include "Base/Workers.h"
+#include "Files/WatchedPath.h"
 #include "Model/DiskModel.h"
 #include "Model/DocumentStore.h"
-#include "Model/DraftFile.h"
-#include "Model/Preferences.h"
-#include "Model/SessionRestoration.h"
-#include "Model/WatchedPath.h"
-#include "Platform/AtomicFile.h"
-#include "Platform/DefaultsStore.h"
-#include "Platform/Workers.h"
+#include "Session/DraftFile.h"
+#include "Session/SessionRestoration.h"
+#include "Settings/DefaultsStore.h"
+#include "Settings/Preferences.h"
 #include "Text/RandomText.h"
 
 #include <QCoreApplication>

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Model/Preferences.h"
+#include "Settings/Preferences.h"
 
-#include "Platform/DefaultsStore.h"
+#include "Settings/DefaultsStore.h"
 
 #include <QSet>
 

@@ -1,17 +1,17 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Model/SessionStore.h"
+#include "Session/SessionStore.h"
 
+#include "Base/AtomicFile.h"
+#include "Base/Workers.h"
+#include "Files/WatchedPath.h"
 #include "HeldWorkers.h"
 #include "Model/DocumentStore.h"
-#include "Model/DraftFile.h"
-#include "Model/Preferences.h"
-#include "Model/SessionRestoration.h"
-#include "Model/WatchedPath.h"
-#include "Platform/AtomicFile.h"
-#include "Platform/DefaultsStore.h"
 #include "Platform/FaultyCalls.h"
-#include "Platform/Workers.h"
+#include "Session/DraftFile.h"
+#include "Session/SessionRestoration.h"
+#include "Settings/DefaultsStore.h"
+#include "Settings/Preferences.h"
 
 #include <QCoreApplication>
 #include <QDateTime>

@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "Base/Workers.h"
+#include "Files/TextHash.h"
+#include "Files/WatchedPath.h"
 #include "HeldWorkers.h"
 #include "Model/DocumentStore.h"
 #include "Model/SaveTransformation.h"
-#include "Model/TextHash.h"
-#include "Model/WatchedPath.h"
-#include "Platform/DefaultsStore.h"
-#include "Platform/Workers.h"
+#include "Settings/DefaultsStore.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Model/TextFile.h"
+#include "Files/TextFile.h"
 
 #include "Platform/FaultyCalls.h"
 

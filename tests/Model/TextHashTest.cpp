@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Model/TextHash.h"
+#include "Files/TextHash.h"
 
-#include "Platform/TextEncoding.h"
+#include "Files/TextEncoding.h"
 #include "Text/Rope.h"
 
 #include <gtest/gtest.h>

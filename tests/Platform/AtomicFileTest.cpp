@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Platform/AtomicFile.h"
+#include "Base/AtomicFile.h"
 
 #include "Platform/FaultyCalls.h"
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/FileCalls.h"
+#include "Base/FileCalls.h"
 
 #include <cerrno>
 #include <functional>

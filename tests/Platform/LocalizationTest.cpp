@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Platform/Localization.h"
-#include "Platform/ToolkitTexts.h"
-#include "Platform/Translation.h"
+#include "Base/Localization.h"
+#include "Base/ToolkitTexts.h"
+#include "Base/Translation.h"
 
 #include <gtest/gtest.h>
 

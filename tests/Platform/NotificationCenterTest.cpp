@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Platform/NotificationCenter.h"
+#include "Base/NotificationCenter.h"
 
 #include <gmock/gmock.h>
 

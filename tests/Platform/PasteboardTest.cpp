@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Platform/Pasteboard.h"
+#include "Base/Pasteboard.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Platform/Responder.h"
+#include "Commands/Responder.h"
 
 #include <QObject>
 #include <QStringList>

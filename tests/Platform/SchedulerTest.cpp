@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Platform/Scheduler.h"
+#include "Base/Scheduler.h"
 
 #include <QEventLoop>
 

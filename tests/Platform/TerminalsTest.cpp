@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Platform/Terminals.h"
+#include "Desktop/Terminals.h"
 
 #include <QDir>
 #include <QFile>

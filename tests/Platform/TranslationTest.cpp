@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Platform/Translation.h"
+#include "Base/Translation.h"
 
 #include <gtest/gtest.h>
 

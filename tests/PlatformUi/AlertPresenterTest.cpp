@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Platform/WidgetAlertPresenter.h"
+#include "Widgets/WidgetAlertPresenter.h"
 
 #include <QAccessible>
 #include <QCheckBox>

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Platform/DesktopPalette.h"
+#include "Desktop/DesktopPalette.h"
 
 #include <QApplication>
 #include <QTimer>

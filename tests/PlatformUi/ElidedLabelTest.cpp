@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Platform/ElidedLabel.h"
+#include "Widgets/ElidedLabel.h"
 
 #include <QApplication>
 #include <QHelpEvent>

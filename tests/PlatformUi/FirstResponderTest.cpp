@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Platform/FirstResponder.h"
+#include "Commands/FirstResponder.h"
 
-#include "Platform/Responder.h"
+#include "Commands/Responder.h"
 
 #include <QLineEdit>
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Platform/ForeignKeyboard.h"
+#include "Desktop/ForeignKeyboard.h"
 
 #include <QAction>
 #include <QKeyEvent>

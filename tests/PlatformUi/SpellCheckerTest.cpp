@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Platform/SpellChecker.h"
+#include "Spelling/SpellChecker.h"
 
 #include <QCoreApplication>
 #include <QFile>

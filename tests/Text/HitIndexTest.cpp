@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Text/HitIndex.h"
+#include "Find/HitIndex.h"
 
 #include "RandomText.h"
 

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "Text/LongLine.h"
 
-#include "Text/DisplayText.h"
 #include "Text/Rope.h"
 #include "Text/TextBoundaries.h"
+#include "View/DisplayText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Text/RowMap.h"
+#include "View/RowMap.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Text/FindBar.h"
+#include "Find/FindBar.h"
 
-#include "Text/FindField.h"
-#include "Text/FindState.h"
-#include "Text/TextFinder.h"
+#include "Find/FindField.h"
+#include "Find/FindState.h"
+#include "Find/TextFinder.h"
 #include "ViewFixture.h"
 
 #include <QLabel>

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Text/LayoutManager.h"
+#include "View/LayoutManager.h"
 #include "Text/TextBoundaries.h"
 #include "Text/TextStorage.h"
-#include "Text/Viewport.h"
+#include "View/Viewport.h"
 #include "ViewFixture.h"
 
 #include <gtest/gtest.h>

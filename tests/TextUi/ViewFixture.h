@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Pasteboard.h"
-#include "Platform/Scheduler.h"
+#include "Base/Pasteboard.h"
+#include "Base/Scheduler.h"
 #include "Text/TextStorage.h"
-#include "Text/TextView.h"
 #include "Text/UndoManager.h"
+#include "View/TextView.h"
 
 #include <QString>
 

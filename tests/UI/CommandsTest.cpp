@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "App/MainMenu.h"
+#include "Base/Localization.h"
+#include "Desktop/SystemDesktop.h"
 #include "Highlighting/LanguageRegistry.h"
-#include "Platform/Localization.h"
-#include "Platform/SystemDesktop.h"
 #include "WindowFixture.h"
 
 #include <QMenu>

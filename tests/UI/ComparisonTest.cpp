@@ -3,8 +3,8 @@
 #include "Diff/DiffOverview.h"
 #include "Diff/DiffText.h"
 #include "Diff/DiffWindowController.h"
+#include "Find/FindBar.h"
 #include "HeldWorkers.h"
-#include "Text/FindBar.h"
 #include "WindowFixture.h"
 
 #include <QCheckBox>

@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "Base/Localization.h"
+#include "Base/Translation.h"
 #include "Diff/DiffWindowController.h"
 #include "Editor/EditorViewController.h"
 #include "Editor/SpellingPanel.h"
 #include "KeyboardTour.h"
-#include "Platform/Localization.h"
-#include "Platform/Translation.h"
-#include "Platform/WidgetAlertPresenter.h"
 #include "UI/SettingsWindowController.h"
+#include "Widgets/WidgetAlertPresenter.h"
 #include "WindowFixture.h"
 
 #include <QTabWidget>

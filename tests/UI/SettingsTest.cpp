@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "Base/Localization.h"
+#include "Base/Translation.h"
 #include "Editor/EditorFont.h"
-#include "Platform/Localization.h"
-#include "Platform/Translation.h"
-#include "UI/SettingsForm.h"
 #include "UI/ToolbarCatalogue.h"
 #include "UI/ToolbarSelection.h"
+#include "Widgets/SettingsForm.h"
 #include "WindowFixture.h"
 
 #include <QAccessible>

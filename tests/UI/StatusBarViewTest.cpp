@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "UI/StatusBarView.h"
 
+#include "Base/Localization.h"
+#include "Files/TextFile.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/Theme.h"
-#include "Model/TextFile.h"
-#include "Platform/Localization.h"
-#include "UI/PopUpButton.h"
+#include "Widgets/PopUpButton.h"
 
 #include <QAccessible>
 #include <QApplication>

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "UI/TabBarView.h"
 
+#include "Base/Localization.h"
 #include "Highlighting/Theme.h"
-#include "Platform/Localization.h"
-#include "UI/FlatButton.h"
+#include "Widgets/FlatButton.h"
 
 #include <QAccessible>
 #include <QApplication>

@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Platform/Localization.h"
-#include "Platform/SymbolIcon.h"
+#include "Base/Localization.h"
 #include "Surroundings.h"
 #include "UI/EditorToolbarController.h"
 #include "UI/ToolbarActionItem.h"
 #include "UI/ToolbarCatalogue.h"
 #include "UI/ToolbarStrip.h"
+#include "Widgets/SymbolIcon.h"
 
 #include <QLabel>
 #include <QMainWindow>

@@ -3,7 +3,7 @@
 #include "UI/UserGuide.h"
 
 #include "App/MainMenu.h"
-#include "Platform/Localization.h"
+#include "Base/Localization.h"
 #include "WindowFixture.h"
 
 #include <QDir>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "App/AppDelegate.h"
-#include "Platform/FirstResponder.h"
+#include "Commands/FirstResponder.h"
 #include "Surroundings.h"
 
 #include <QFile>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Model/Preferences.h"
-#include "Platform/DefaultsStore.h"
+#include "Settings/DefaultsStore.h"
+#include "Settings/Preferences.h"
 #include "Vim/VimExCommands.h"
 #include "Vim/VimSubstitution.h"
 

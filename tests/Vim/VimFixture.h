@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Model/Preferences.h"
-#include "Platform/DefaultsStore.h"
-#include "Platform/Pasteboard.h"
+#include "Base/Pasteboard.h"
+#include "Settings/DefaultsStore.h"
+#include "Settings/Preferences.h"
 #include "Text/TextBoundaries.h"
 #include "Text/UndoManager.h"
 #include "Vim/VimEngine.h"

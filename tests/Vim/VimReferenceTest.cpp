@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "Vim/VimReference.h"
-#include "Platform/Localization.h"
-#include "Platform/Translation.h"
+#include "Base/Localization.h"
+#include "Base/Translation.h"
 #include "Vim/VimExCommands.h"
 #include "Vim/VimSubstitution.h"
 #include "Vim/VimTextObject.h"

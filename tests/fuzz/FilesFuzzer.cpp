@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // Bytes as files: nothing crashes whatever they are, portions do not matter, and what was read without loss is written as it was.
-#include "Model/TextFile.h"
+#include "Files/TextFile.h"
 #include "Require.h"
 
 #include <QFile>

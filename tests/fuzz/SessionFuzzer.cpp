@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: MIT
 
 // Bytes as a session: nothing crashes whatever they are, what is read from them is written the same, and a draft that is there comes back.
+#include "Base/Workers.h"
+#include "Files/WatchedPath.h"
 #include "Model/DocumentStore.h"
-#include "Model/DraftFile.h"
-#include "Model/Preferences.h"
-#include "Model/SessionRestoration.h"
-#include "Model/WatchedPath.h"
-#include "Platform/DefaultsStore.h"
-#include "Platform/Workers.h"
 #include "Require.h"
+#include "Session/DraftFile.h"
+#include "Session/SessionRestoration.h"
+#include "Settings/DefaultsStore.h"
+#include "Settings/Preferences.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -3,21 +3,21 @@
 #pragma once
 
 #include "App/AppDelegate.h"
+#include "Base/Localization.h"
+#include "Base/Pasteboard.h"
+#include "Desktop/Desktop.h"
 #include "Editor/SpellingPanel.h"
+#include "Files/WatchedPath.h"
+#include "Find/FindState.h"
 #include "Model/DocumentStore.h"
-#include "Model/Preferences.h"
 #include "Model/RecentDocuments.h"
-#include "Model/SessionStore.h"
-#include "Model/WatchedPath.h"
-#include "Platform/AlertPresenter.h"
-#include "Platform/DefaultsStore.h"
-#include "Platform/Desktop.h"
-#include "Platform/Localization.h"
-#include "Platform/Pasteboard.h"
-#include "Platform/SpellChecker.h"
-#include "Text/FindState.h"
+#include "Session/SessionStore.h"
+#include "Settings/DefaultsStore.h"
+#include "Settings/Preferences.h"
+#include "Spelling/SpellChecker.h"
 #include "Text/RandomText.h"
 #include "Vim/VimRegisters.h"
+#include "Widgets/AlertPresenter.h"
 
 #include <QPointer>
 #include <QTemporaryDir>

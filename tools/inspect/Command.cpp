@@ -3,8 +3,8 @@
 #include "Command.h"
 
 #include "Highlighting/LanguageRegistry.h"
-#include "Model/Preferences.h"
-#include "Platform/DefaultsStore.h"
+#include "Settings/DefaultsStore.h"
+#include "Settings/Preferences.h"
 
 #include <algorithm>
 

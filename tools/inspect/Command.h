@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Model/TextFile.h"
+#include "Files/TextFile.h"
 
 #include <QHash>
 #include <QJsonObject>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Command.h"
 
-#include "Diff/LineDiff.h"
+#include "Text/LineDiff.h"
 
 #include <QFile>
 #include <QJsonArray>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Command.h"
 
-#include "Model/LineIndex.h"
+#include "Text/LineIndex.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -4,20 +4,20 @@
 
 #include "App/AppDelegate.h"
 #include "App/MainMenu.h"
+#include "Base/Pasteboard.h"
+#include "Commands/FirstResponder.h"
+#include "Desktop/Desktop.h"
 #include "Editor/EditorVim.h"
+#include "Find/FindState.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "KeyWords.h"
 #include "Model/DocumentStore.h"
-#include "Model/Preferences.h"
 #include "Model/RecentDocuments.h"
-#include "Model/SessionStore.h"
-#include "Platform/AlertPresenter.h"
-#include "Platform/DefaultsStore.h"
-#include "Platform/Desktop.h"
-#include "Platform/FirstResponder.h"
-#include "Platform/Pasteboard.h"
-#include "Text/FindState.h"
+#include "Session/SessionStore.h"
+#include "Settings/DefaultsStore.h"
+#include "Settings/Preferences.h"
 #include "Vim/VimRegisters.h"
+#include "Widgets/AlertPresenter.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>

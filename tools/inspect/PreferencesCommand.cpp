@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Command.h"
 
-#include "Model/Preferences.h"
-#include "Platform/DefaultsStore.h"
+#include "Settings/DefaultsStore.h"
+#include "Settings/Preferences.h"
 
 #include <array>
 

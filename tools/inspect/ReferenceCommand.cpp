@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Command.h"
 
-#include "Model/Preferences.h"
+#include "Settings/Preferences.h"
 #include "Vim/VimReference.h"
 
 #include <array>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Command.h"
 
-#include "Platform/Localization.h"
+#include "Base/Localization.h"
 
 #include <QFile>
 #include <QJsonArray>

@@ -11,8 +11,8 @@
 //     state            what there is to be seen
 #include "App/AppDelegate.h"
 #include "App/Program.h"
+#include "Commands/FirstResponder.h"
 #include "Model/TextDocument.h"
-#include "Platform/FirstResponder.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -1,0 +1,81 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Base/FileCalls.h"
+#include "Base/Result.h"
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QString>
+
+/// Replaces a file as one step: whoever looks sees the old content or the new one, never a mixture, through crashes and power cuts too.
+///
+/// The content goes to a temporary file in the same folder, is flushed to disk and renamed over the target; then the folder is
+/// flushed. Until `commit()` succeeds the target is untouched, and whatever fails, the temporary file is removed. (Only when the
+/// process is killed does one stay behind, hidden, its name beginning with ".quillet-".)
+///
+/// An existing target keeps its mode, its owner and group where the user may give files away, its ACL and its extended attributes;
+/// at no instant has anybody access to the content who may not read the target. A symbolic link stays and the file that it leads to is
+/// written, even when that does not exist yet. A hard link does not: after the rename the file's other names keep the old content.
+///
+/// Refused with the reason, rather than replaced: a file that the user may not write to, and a name that is a folder, a pipe, a socket
+/// or a device. Errors carry `errno` and a sentence with the file's name. Any thread, one object per thread at a time.
+class AtomicFile final {
+public:
+    /// Permissions of a file that did not exist, before the user's mask is applied.
+    enum class NewFile : mode_t { readableByOthers = 0666, privateToUser = 0600 };
+
+    [[nodiscard]] static Result<AtomicFile> open(const QString &path, NewFile newFile, FileCalls &calls);
+    [[nodiscard]] static Result<AtomicFile> open(const QString &path, NewFile newFile) { return open(path, newFile, FileCalls::system()); }
+
+    AtomicFile(AtomicFile &&other) noexcept;
+    AtomicFile &operator=(AtomicFile &&) = delete;
+    /// Without a commit: as if nothing had been opened.
+    ~AtomicFile();
+
+    /// After a failure the object is good for nothing but to be destroyed.
+    [[nodiscard]] Result<void> write(QByteArrayView bytes);
+    /// Once, at the end. When the last of its steps fails, the folder's flush, the new content is in place but may not be on disk.
+    [[nodiscard]] Result<void> commit();
+
+    /// The file that is written: the path given, symbolic links followed.
+    [[nodiscard]] QString target() const;
+
+private:
+    AtomicFile(FileCalls &calls, QByteArray target, NewFile newFile);
+
+    [[nodiscard]] Result<void> examineTarget();
+    [[nodiscard]] Result<void> create();
+    [[nodiscard]] Result<void> flushBuffer();
+    [[nodiscard]] Result<void> takeOverIdentity();
+    [[nodiscard]] Result<mode_t> takeOverOwner(const struct stat &wanted);
+    [[nodiscard]] Result<void> takeOverAttributes();
+    [[nodiscard]] Result<void> closeTemporary();
+    [[nodiscard]] tl::unexpected<Error> failed(int error) const;
+    void discard();
+
+    FileCalls *m_calls;
+    QByteArray m_target;
+    /// Empty when there is none (any more).
+    QByteArray m_temporary;
+    QByteArray m_buffer;
+    /// The temporary file's, until it gets the target's.
+    mode_t m_mode;
+    int m_file = -1;
+    bool m_targetExists = false;
+};
+
+/// `bytes` as the whole content of the file at `path`, in the manner of AtomicFile.
+[[nodiscard]] Result<void> writeAtomically(const QString &path, QByteArrayView bytes, AtomicFile::NewFile newFile,
+                                           FileCalls &calls = FileCalls::system());
+
+/// The path that writing through `path` reaches: symbolic links at its end are followed, also one that leads nowhere. Fails with ELOOP.
+[[nodiscard]] Result<QString> resolvedLinks(const QString &path);
+
+/// Makes the folder `path` and what is missing above it, for the user only; then they are on disk. What fails shows when a file is written
+/// there.
+void makePrivateFolder(const QString &path, FileCalls &calls = FileCalls::system());
+
+/// Which files the folder has is on disk now, where the file system can tell it so.
+void flushFolder(const QString &path, FileCalls &calls);

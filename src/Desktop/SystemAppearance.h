@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Base/Appearance.h"
+
+#include <QColor>
+#include <QObject>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+/// How the desktop wants programs to look.
+struct DesktopWishes {
+    /// None: no preference, or none that is known.
+    std::optional<Appearance> scheme = {};
+    /// Of what is chosen or stands out.
+    std::optional<QColor> accent = {};
+    bool hasHighContrast = false;
+
+    friend bool operator==(const DesktopWishes &, const DesktopWishes &) = default;
+};
+
+/// Where the desktop says what it wishes.
+class AppearanceSource {
+public:
+    virtual ~AppearanceSource() = default;
+    /// Asks, and from then on calls `tell` in the thread of the call for every answer and every change; never before this returns.
+    /// Is called once. A source that has nothing to say never calls.
+    virtual void start(std::function<void(const DesktopWishes &wishes)> tell) = 0;
+};
+
+/// The desktop portal's settings, asked for over the session bus. Nothing waits for the bus: not even connecting to it.
+class PortalAppearanceSource final : public AppearanceSource {
+public:
+    PortalAppearanceSource();
+    ~PortalAppearanceSource() override;
+
+    void start(std::function<void(const DesktopWishes &wishes)> tell) override;
+
+private:
+    class Client;
+
+    std::unique_ptr<Client> m_client;
+};
+
+/// Whether the desktop is light or dark at the moment: as the source says, and while it says nothing, as the application's palette is.
+/// Main thread only; needs the application object.
+class SystemAppearance final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit SystemAppearance(std::unique_ptr<AppearanceSource> source, QObject *parent = nullptr);
+    ~SystemAppearance() override;
+
+    [[nodiscard]] Appearance current() const { return m_current; }
+
+signals:
+    /// Whoever gives the application its palette does so before this returns.
+    void wishesChanged(const DesktopWishes &wishes);
+    /// `current()` is another than before.
+    void changed(Appearance appearance);
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
+private:
+    std::unique_ptr<AppearanceSource> m_source;
+    DesktopWishes m_wishes;
+    Appearance m_current;
+
+    void update();
+};

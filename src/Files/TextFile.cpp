@@ -1,0 +1,510 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Files/TextFile.h"
+
+#include "Base/AtomicFile.h"
+#include "Base/Translation.h"
+#include "Text/RegularExpression.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Contents = TextFile::Contents;
+using ReadError = TextFile::ReadError;
+
+constexpr size_t blockSize = 256 * 1024;
+constexpr size_t binaryTestSize = 8192;
+
+struct ByteOrderMark {
+    TextEncoding encoding;
+    QByteArrayView bytes;
+};
+
+/// In the order in which they are looked for: one mark is the beginning of another.
+constexpr auto byteOrderMarks = std::to_array<ByteOrderMark>({
+    {TextEncoding::utf8, {"\xEF\xBB\xBF", 3}},
+    {TextEncoding::utf32LittleEndian, {"\xFF\xFE\0\0", 4}},
+    {TextEncoding::utf32BigEndian, {"\0\0\xFE\xFF", 4}},
+    {TextEncoding::utf16LittleEndian, {"\xFF\xFE", 2}},
+    {TextEncoding::utf16BigEndian, {"\xFE\xFF", 2}},
+});
+
+QString lastComponent(QString path)
+{
+    while (path.size() > 1 && path.endsWith(u'/')) {
+        path.chop(1);
+    }
+    return path.mid(path.lastIndexOf(u'/') + 1);
+}
+
+/// Folds line breaks and passes the text on to a rope.
+class RopeSink final : public TextSink {
+public:
+    void append(std::span<uchar> latin1) override { m_builder.appendLatin1(latin1.data(), qsizetype(m_breaks.addAndFold(latin1))); }
+    void append(std::span<char16_t> units) override { m_builder.append(QStringView(units.data(), qsizetype(m_breaks.addAndFold(units)))); }
+
+    [[nodiscard]] Contents contents(TextEncoding encoding) { return {m_builder.build(), encoding, m_breaks.ending()}; }
+
+private:
+    RopeBuilder m_builder;
+    LineBreakCounter m_breaks;
+};
+
+/// The bytes of one open file, as often as they are needed: from the descriptor block by block, or from a copy in memory.
+class FileBytes final {
+public:
+    FileBytes(const QString &path, FileCalls &calls) : m_calls(calls)
+    {
+        // A pipe would otherwise keep us waiting for a writer.
+        m_file = calls.open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0);
+    }
+    ~FileBytes()
+    {
+        if (m_file >= 0) {
+            m_calls.close(m_file);
+        }
+    }
+    Q_DISABLE_COPY_MOVE(FileBytes)
+
+    [[nodiscard]] bool isOpen() const { return m_file >= 0; }
+    /// None when the file is no regular file or gives no answer.
+    [[nodiscard]] std::optional<struct stat> status() const
+    {
+        struct stat status = {};
+        if (m_calls.fstat(m_file, &status) != 0 || !S_ISREG(status.st_mode)) {
+            return std::nullopt;
+        }
+        return status;
+    }
+
+    [[nodiscard]] bool goTo(qint64 offset)
+    {
+        m_offset = offset;
+        return m_isInMemory || m_calls.lseek(m_file, offset, SEEK_SET) == offset;
+    }
+
+    /// A full block, or what is left of the file; empty at its end, none when it cannot be read. Overwritten by the next call.
+    [[nodiscard]] std::optional<std::span<uchar>> next()
+    {
+        if (m_isInMemory) {
+            const size_t length = std::min(m_block.size(), m_memory.size() - size_t(m_offset));
+            std::copy_n(m_memory.begin() + m_offset, length, m_block.begin());
+            m_offset += qint64(length);
+            return std::span(m_block).first(length);
+        }
+        const auto length = fill(m_block);
+        if (!length) {
+            return std::nullopt;
+        }
+        m_offset += qint64(*length);
+        return std::span(m_block).first(*length);
+    }
+
+    /// From now on the bytes come from memory. False when they cannot be read; more than `limit` of them are not kept.
+    [[nodiscard]] bool copyToMemory(qint64 limit)
+    {
+        if (!goTo(0)) {
+            return false;
+        }
+        std::vector<uchar> memory;
+        while (qint64(memory.size()) <= limit) {
+            const auto block = next();
+            if (!block) {
+                return false;
+            }
+            if (block->empty()) {
+                break;
+            }
+            memory.insert(memory.end(), block->begin(), block->end());
+        }
+        m_memory = std::move(memory);
+        m_isInMemory = true;
+        return true;
+    }
+    [[nodiscard]] qint64 sizeInMemory() const { return qint64(m_memory.size()); }
+
+private:
+    [[nodiscard]] std::optional<size_t> fill(std::span<uchar> bytes)
+    {
+        size_t length = 0;
+        while (length < bytes.size()) {
+            const ssize_t count = m_calls.read(m_file, bytes.data() + length, bytes.size() - length);
+            if (count == 0) {
+                break;
+            }
+            if (count > 0) {
+                length += size_t(count);
+            } else if (errno != EINTR) {
+                return std::nullopt;
+            }
+        }
+        return length;
+    }
+
+    FileCalls &m_calls;
+    int m_file = -1;
+    qint64 m_offset = 0;
+    std::vector<uchar> m_block = std::vector<uchar>(blockSize);
+    std::vector<uchar> m_memory;
+    bool m_isInMemory = false;
+};
+
+/// One attempt to read a file of a size known beforehand.
+class Reading final {
+public:
+    enum class Outcome { done, failed, changedMeanwhile };
+
+    Reading(FileBytes &bytes, qint64 size, std::optional<TextEncoding> forcedEncoding)
+        : m_bytes(bytes), m_size(size), m_forcedEncoding(forcedEncoding)
+    {}
+
+    /// Done: `contents` holds the text. Failed: `error` says why.
+    Outcome run()
+    {
+        if (m_size > TextFile::largestSize) {
+            return fail(ReadError::Kind::tooLarge);
+        }
+        if (const Outcome outcome = readHead(); outcome != Outcome::done) {
+            return outcome;
+        }
+        if (m_forcedEncoding) {
+            return readForced();
+        }
+        if (std::find(m_head.begin(), m_head.end(), 0) != m_head.end()) {
+            return fail(ReadError::Kind::binary);
+        }
+        return readDetected();
+    }
+
+    Contents contents;
+    ReadError::Kind error = ReadError::Kind::notReadable;
+
+private:
+    enum class Pass { decoded, refused, unreadable, changedMeanwhile };
+
+    Outcome fail(ReadError::Kind kind)
+    {
+        error = kind;
+        return Outcome::failed;
+    }
+
+    Outcome readHead()
+    {
+        if (!m_bytes.goTo(0)) {
+            return fail(ReadError::Kind::notReadable);
+        }
+        const auto block = m_bytes.next();
+        if (!block) {
+            return fail(ReadError::Kind::notReadable);
+        }
+        m_head.assign(block->begin(), block->begin() + std::ptrdiff_t(std::min(block->size(), binaryTestSize)));
+        return Outcome::done;
+    }
+
+    [[nodiscard]] bool startsWith(QByteArrayView mark) const
+    {
+        return m_head.size() >= size_t(mark.size()) && std::memcmp(m_head.data(), mark.data(), size_t(mark.size())) == 0;
+    }
+
+    Outcome readForced()
+    {
+        const bool hasUtf8Mark = *m_forcedEncoding == TextEncoding::utf8 && startsWith(byteOrderMarks[0].bytes);
+        const Pass pass =
+            decode(*m_forcedEncoding, TextDecoder::strict(*m_forcedEncoding), hasUtf8Mark ? byteOrderMarks[0].bytes.size() : 0);
+        return pass == Pass::refused ? fail(ReadError::Kind::undecodable) : outcomeOf(pass);
+    }
+
+    Outcome readDetected()
+    {
+        for (const ByteOrderMark &mark : byteOrderMarks) {
+            if (!startsWith(mark.bytes)) {
+                continue;
+            }
+            if (const Pass pass = decode(mark.encoding, TextDecoder::strict(mark.encoding), mark.bytes.size()); pass != Pass::refused) {
+                return outcomeOf(pass);
+            }
+        }
+        for (const TextEncoding encoding : TextFile::candidateEncodings) {
+            if (const Pass pass = decode(encoding, TextDecoder::strict(encoding), 0); pass != Pass::refused) {
+                return outcomeOf(pass);
+            }
+        }
+        const Outcome outcome = outcomeOf(decode(TextEncoding::utf8, TextDecoder::lossyUtf8(), 0));
+        contents.isLossyDecode = true;
+        return outcome;
+    }
+
+    Outcome outcomeOf(Pass pass)
+    {
+        switch (pass) {
+        case Pass::decoded:
+            return Outcome::done;
+        case Pass::changedMeanwhile:
+            return Outcome::changedMeanwhile;
+        case Pass::refused:
+        case Pass::unreadable:
+            break;
+        }
+        return fail(ReadError::Kind::notReadable);
+    }
+
+    /// Bytes of which every text in the encoding has a multiple: a wrong number of them need not be read to be refused.
+    static qint64 unitSize(TextEncoding encoding)
+    {
+        switch (encoding) {
+        case TextEncoding::utf16:
+        case TextEncoding::utf16BigEndian:
+        case TextEncoding::utf16LittleEndian:
+            return 2;
+        case TextEncoding::utf32BigEndian:
+        case TextEncoding::utf32LittleEndian:
+            return 4;
+        default:
+            return 1;
+        }
+    }
+
+    /// One pass over the file from `offset` on.
+    Pass decode(TextEncoding encoding, std::unique_ptr<TextDecoder> decoder, qint64 offset)
+    {
+        if (!decoder || (m_size - offset) % unitSize(encoding) != 0) {
+            return Pass::refused;
+        }
+        if (!m_bytes.goTo(offset)) {
+            return Pass::unreadable;
+        }
+        RopeSink sink;
+        qint64 end = offset;
+        while (true) {
+            const auto block = m_bytes.next();
+            if (!block) {
+                return Pass::unreadable;
+            }
+            end += qint64(block->size());
+            if (end > m_size || (block->empty() && end != m_size)) {
+                return Pass::changedMeanwhile;
+            }
+            if (block->empty()) {
+                break;
+            }
+            if (!decoder->decode(*block, sink)) {
+                return Pass::refused;
+            }
+        }
+        if (!decoder->finish(sink)) {
+            return Pass::refused;
+        }
+        contents = sink.contents(encoding);
+        return Pass::decoded;
+    }
+
+    FileBytes &m_bytes;
+    qint64 m_size;
+    std::optional<TextEncoding> m_forcedEncoding;
+    std::vector<uchar> m_head;
+};
+
+bool isSameState(const struct stat &a, const struct stat &b)
+{
+    return FileStamp::of(a) == FileStamp::of(b) && a.st_ctim.tv_sec == b.st_ctim.tv_sec && a.st_ctim.tv_nsec == b.st_ctim.tv_nsec;
+}
+
+/// The units of a chunk with every LF replaced by the ending.
+template<typename Unit>
+void applyLineEnding(std::span<const Unit> units, LineEnding ending, std::vector<Unit> &out)
+{
+    out.clear();
+    for (const Unit unit : units) {
+        if (unit == u'\n') {
+            for (const QChar breakUnit : rawValue(ending)) {
+                out.push_back(Unit(breakUnit.unicode()));
+            }
+        } else {
+            out.push_back(unit);
+        }
+    }
+}
+
+/// Encodes a rope chunk by chunk.
+class RopeEncoder final {
+public:
+    RopeEncoder(std::unique_ptr<TextEncoder> encoder, LineEnding lineEnding) : m_encoder(std::move(encoder)), m_lineEnding(lineEnding) {}
+
+    /// The bytes are put into `out`; false when a character cannot be represented.
+    [[nodiscard]] bool encode(const Rope::Chunk &chunk, QByteArray &out)
+    {
+        if (chunk.narrow) {
+            std::span units(chunk.narrow, size_t(chunk.length));
+            if (m_lineEnding != LineEnding::lf) {
+                applyLineEnding(units, m_lineEnding, m_narrow);
+                units = m_narrow;
+            }
+            return m_encoder->encode(units, out);
+        }
+        std::span units(chunk.wide, size_t(chunk.length));
+        if (m_lineEnding != LineEnding::lf) {
+            applyLineEnding(units, m_lineEnding, m_wide);
+            units = m_wide;
+        }
+        return m_encoder->encode(QStringView(units.data(), qsizetype(units.size())), out);
+    }
+    [[nodiscard]] bool finish(QByteArray &out) { return m_encoder->finish(out); }
+
+private:
+    std::unique_ptr<TextEncoder> m_encoder;
+    LineEnding m_lineEnding;
+    std::vector<uchar> m_narrow;
+    std::vector<char16_t> m_wide;
+};
+
+enum class WriteOutcome { written, notRepresentable };
+
+Result<WriteOutcome> writeEncoded(const Rope &text, AtomicFile file, RopeEncoder encoder)
+{
+    WriteOutcome outcome = WriteOutcome::written;
+    Result<void> written;
+    QByteArray bytes;
+    text.forEachChunk({0, text.length()}, [&](const Rope::Chunk &chunk) {
+        bytes.resize(0);
+        if (!encoder.encode(chunk, bytes)) {
+            outcome = WriteOutcome::notRepresentable;
+            return false;
+        }
+        written = file.write(bytes);
+        return written.has_value();
+    });
+    bytes.resize(0);
+    if (written && (outcome == WriteOutcome::notRepresentable || !encoder.finish(bytes))) {
+        return WriteOutcome::notRepresentable;
+    }
+    return written.and_then([&] { return file.write(bytes); }).and_then([&] { return file.commit(); }).map([&] { return outcome; });
+}
+
+} // namespace
+
+QString TextFile::ReadError::description() const
+{
+    const QString name = lastComponent(path);
+    switch (kind) {
+    case Kind::notReadable:
+        return formatted(localized(u"“%@” could not be read."), name);
+    case Kind::tooLarge:
+        return formatted(localized(u"“%@” is %@, which is larger than the 100 MB limit."), name, formattedByteCount(size));
+    case Kind::undecodable:
+        return formatted(localized(u"The text encoding of “%@” could not be determined."), name);
+    case Kind::binary:
+        return formatted(localized(u"“%@” appears to be a binary file."), name);
+    }
+    Q_UNREACHABLE();
+}
+
+std::optional<QString> TextFile::ReadError::recoverySuggestion() const
+{
+    switch (kind) {
+    case Kind::undecodable:
+        return localized(u"Try opening it with an explicit encoding from the File menu.");
+    case Kind::binary:
+        return localized(u"Opening it as text would show garbled content and could corrupt the file if saved.");
+    case Kind::notReadable:
+    case Kind::tooLarge:
+        break;
+    }
+    return std::nullopt;
+}
+
+tl::expected<Contents, ReadError> TextFile::read(const QString &path, std::optional<TextEncoding> forcedEncoding, FileCalls &calls)
+{
+    const auto failed = [&](ReadError::Kind kind, qint64 size = 0) { return tl::make_unexpected(ReadError{kind, path, size}); };
+    struct stat named = {};
+    if (calls.stat(QFile::encodeName(path).constData(), &named) == 0 && S_ISREG(named.st_mode) && named.st_size > largestSize) {
+        return failed(ReadError::Kind::tooLarge, named.st_size);
+    }
+    FileBytes bytes(path, calls);
+    if (!bytes.isOpen()) {
+        return failed(ReadError::Kind::notReadable);
+    }
+    // Passes over a file that others write to may see different bytes, so an attempt counts only if the file looks the same after it.
+    // When it never does, its bytes are copied once and everything is decided on the copy.
+    constexpr int attempts = 3;
+    for (int attempt = 1;; ++attempt) {
+        const auto before = bytes.status();
+        const bool isLast = attempt > attempts;
+        if (!before || (isLast && !bytes.copyToMemory(largestSize))) {
+            return failed(ReadError::Kind::notReadable);
+        }
+        const qint64 size = isLast ? bytes.sizeInMemory() : before->st_size;
+        Reading reading(bytes, size, forcedEncoding);
+        const auto outcome = reading.run();
+        const auto after = bytes.status();
+        if (outcome == Reading::Outcome::changedMeanwhile || (!isLast && after && !isSameState(*before, *after))) {
+            continue;
+        }
+        if (outcome == Reading::Outcome::failed) {
+            return failed(reading.error, reading.error == ReadError::Kind::tooLarge ? std::max<qint64>(size, before->st_size) : 0);
+        }
+        if (!isLast) {
+            reading.contents.stamp = FileStamp::of(*before);
+        }
+        return std::move(reading.contents);
+    }
+}
+
+Result<void> TextFile::write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding, FileCalls &calls,
+                             AtomicFile::NewFile newFile)
+{
+    for (const TextEncoder::Mode mode : {TextEncoder::Mode::strict, TextEncoder::Mode::lossy}) {
+        auto encoder = TextEncoder::make(encoding, mode);
+        if (!encoder) {
+            break;
+        }
+        auto file = AtomicFile::open(path, newFile, calls);
+        if (!file) {
+            return tl::make_unexpected(file.error());
+        }
+        const auto outcome = writeEncoded(text, *std::move(file), RopeEncoder(std::move(encoder), lineEnding));
+        if (!outcome) {
+            return tl::make_unexpected(outcome.error());
+        }
+        if (*outcome == WriteOutcome::written) {
+            return {};
+        }
+    }
+    return failure(formatted(localized(u"“%@” could not be saved in the text encoding “%@”."), lastComponent(path), displayName(encoding)),
+                   inapplicableEncodingError);
+}
+
+std::optional<QString> TextFile::nextAvailableCopy(const QString &path)
+{
+    const QString name = lastComponent(path);
+    const QString folder = path.left(path.lastIndexOf(name));
+    // A dot in front makes a hidden file, not an extension.
+    const qsizetype dot = name.lastIndexOf(u'.');
+    const bool hasExtension = dot > 0 && dot < name.size() - 1;
+    const QString extension = hasExtension ? name.mid(dot) : QString();
+    QString base = hasExtension ? name.left(dot) : name;
+    if (const auto number = RegularExpression::compile(u" \\d+$").value().firstMatch(base)) {
+        base.remove(number->range().location, number->range().length);
+    }
+    if (base.isEmpty()) {
+        return std::nullopt;
+    }
+    constexpr int largestNumber = 9999;
+    for (int number = 2; number <= largestNumber; ++number) {
+        const QString copy = folder + base + u' ' + QString::number(number) + extension;
+        struct stat status = {};
+        // A symbolic link that leads nowhere takes its name all the same.
+        if (FileCalls::system().lstat(QFile::encodeName(copy).constData(), &status) != 0) {
+            return copy;
+        }
+    }
+    return std::nullopt;
+}

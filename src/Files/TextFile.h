@@ -1,0 +1,90 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Base/AtomicFile.h"
+#include "Base/FileCalls.h"
+#include "Base/Result.h"
+#include "Files/FileStamp.h"
+#include "Files/LineEnding.h"
+#include "Files/TextEncoding.h"
+#include "Text/Rope.h"
+
+#include <QString>
+
+#include <array>
+#include <optional>
+
+/// Turns files into editable text and back: whether a file may be opened at all, in which encoding it is, how it breaks its lines.
+/// Keeps no state. Any thread.
+class TextFile final {
+public:
+    TextFile() = delete;
+
+    /// The largest file that is read, in bytes.
+    static constexpr qint64 largestSize = 100 * 1024 * 1024;
+    /// `Error::code` of a write in an encoding that nothing here can write.
+    static constexpr int inapplicableEncodingError = 517;
+
+    struct Contents {
+        /// Every line break is a single LF.
+        Rope text;
+        TextEncoding encoding = TextEncoding::utf8;
+        LineEnding lineEnding = LineEnding::lf;
+        /// Nothing decoded the bytes cleanly and U+FFFD stands for what was not UTF-8.
+        bool isLossyDecode = false;
+        /// The file as it was when it was read; none when it kept changing.
+        std::optional<FileStamp> stamp = std::nullopt;
+    };
+
+    struct ReadError {
+        enum class Kind { notReadable, tooLarge, undecodable, binary };
+
+        Kind kind = Kind::notReadable;
+        QString path;
+        /// Bytes; only for `tooLarge`.
+        qint64 size = 0;
+
+        /// A sentence with the file's name.
+        [[nodiscard]] QString description() const;
+        /// What to do about it; none when there is nothing.
+        [[nodiscard]] std::optional<QString> recoverySuggestion() const;
+    };
+
+    /// Encodings tried in this order when a file has no byte-order mark.
+    static constexpr std::array candidateEncodings = {
+        TextEncoding::utf8,      TextEncoding::utf16,       TextEncoding::utf16BigEndian, TextEncoding::utf16LittleEndian,
+        TextEncoding::isoLatin1, TextEncoding::windows1252, TextEncoding::macOSRoman,
+    };
+
+    /// What the user may choose from, in the order of menus.
+    static constexpr std::array selectableEncodings = {
+        TextEncoding::utf8,        TextEncoding::utf16,      TextEncoding::utf16BigEndian, TextEncoding::utf16LittleEndian,
+        TextEncoding::isoLatin1,   TextEncoding::isoLatin2,  TextEncoding::windows1250,    TextEncoding::windows1251,
+        TextEncoding::windows1252, TextEncoding::macOSRoman, TextEncoding::ascii,
+    };
+
+    /// Reads the file block by block into the rope: beside the text itself it needs less than a megabyte. With `forcedEncoding` the
+    /// bytes are that or nothing, and a file that looks binary is read too. A file that others change meanwhile is read anew.
+    [[nodiscard]] static tl::expected<Contents, ReadError> read(const QString &path, std::optional<TextEncoding> forcedEncoding,
+                                                                FileCalls &calls);
+    [[nodiscard]] static tl::expected<Contents, ReadError> read(const QString &path,
+                                                                std::optional<TextEncoding> forcedEncoding = std::nullopt)
+    {
+        return read(path, forcedEncoding, FileCalls::system());
+    }
+
+    /// Writes `text`, whose breaks are LF, in the manner of AtomicFile. Characters that the encoding lacks are substituted, on purpose
+    /// without a word. No byte-order mark is added, except by `TextEncoding::utf16`. Fails as AtomicFile does, or with
+    /// `inapplicableEncodingError`.
+    [[nodiscard]] static Result<void> write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding,
+                                            FileCalls &calls, AtomicFile::NewFile newFile = AtomicFile::NewFile::readableByOthers);
+    [[nodiscard]] static Result<void> write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding)
+    {
+        return write(text, path, encoding, lineEnding, FileCalls::system());
+    }
+
+    /// A free name for a copy beside the file: "a 2.txt" for "a.txt" and for "a 7.txt". None when the name would consist of the number
+    /// only, or 2 … 9999 are taken.
+    [[nodiscard]] static std::optional<QString> nextAvailableCopy(const QString &path);
+};

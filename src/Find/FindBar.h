@@ -1,0 +1,109 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Base/NotificationCenter.h"
+#include "Base/Scheduler.h"
+#include "Commands/Responder.h"
+#include "Find/TextFinder.h"
+#include "Text/TextSearch.h"
+
+#include <QWidget>
+
+class FindField;
+class QHBoxLayout;
+class QLabel;
+class QToolButton;
+
+/// What the tag of "performTextFinderAction:" asks for.
+enum class FindAction {
+    showFindBar = 1,
+    findNext = 2,
+    findPrevious = 3,
+    useSelection = 7,
+    showReplaceBar = 12,
+};
+
+/// The bar above a text in which one finds and replaces. It is closed at first, then as wide as its place and as high as it needs.
+/// Main thread only. The scheduler must outlive it; so must the finder, but on the way out of their window it may go first.
+class FindBar final : public QWidget {
+    Q_OBJECT
+
+public:
+    FindBar(TextFinder &finder, Scheduler &scheduler, QWidget *parent = nullptr);
+    ~FindBar() override;
+
+    enum class Rows { find, findAndReplace };
+    /// What is selected within one line becomes the search text, else it is the one that all windows share. Takes the focus.
+    void open(Rows rows);
+    /// Gives the focus to the text. The selection stays.
+    void close();
+    [[nodiscard]] bool isOpen() const { return m_isOpen; }
+
+    /// For "performTextFinderAction:"; works whether the bar is open or not. Unknown tags do nothing.
+    void performTextFinderAction(const ActionSender &sender);
+    [[nodiscard]] ActionState textFinderActionState(const ActionSender &sender) const;
+
+    /// Sets all texts anew.
+    void retranslate();
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    [[nodiscard]] bool takesKey(const QObject *widget, const QKeyEvent &event);
+    [[nodiscard]] QToolButton *toggleFor(const QKeyEvent &event) const;
+    void makeRows();
+    void connectControls();
+    void setRows(Rows rows);
+    [[nodiscard]] SearchQuery enteredQuery() const;
+    void enter(const SearchQuery &query);
+    void queryEdited();
+    void followShared();
+    void showStatus();
+    /// Those that go to a hit or replace it.
+    void enableButtons(bool canFind);
+    [[nodiscard]] QString noteText(const TextFinder::Status &status) const;
+    void showMessage(const QString &message);
+    void tintSymbols();
+    void replace();
+    void replaceAll();
+
+    void placeButtons();
+    [[nodiscard]] int panelHeight() const;
+    void slide();
+    void fitHeight();
+
+    TextFinder &m_finder;
+    Scheduler &m_scheduler;
+    NotificationCenter::Token m_sharedObserver;
+
+    QWidget *m_panel = nullptr;
+    FindField *m_pattern = nullptr;
+    QToolButton *m_previous = nullptr;
+    QToolButton *m_next = nullptr;
+    QToolButton *m_matchCase = nullptr;
+    QToolButton *m_wholeWords = nullptr;
+    QToolButton *m_expression = nullptr;
+    QToolButton *m_done = nullptr;
+    FindField *m_replacement = nullptr;
+    QToolButton *m_replace = nullptr;
+    QToolButton *m_replaceAll = nullptr;
+    QLabel *m_message = nullptr;
+    QHBoxLayout *m_findButtons = nullptr;
+    QHBoxLayout *m_replaceButtons = nullptr;
+
+    Rows m_rows = Rows::find;
+    bool m_isNarrow = false;
+    bool m_isOpen = false;
+    bool m_isEntering = false;
+    bool m_isAsking = false;
+    RepeatingTimer m_sliding;
+};

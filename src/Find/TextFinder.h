@@ -1,0 +1,179 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Base/BackgroundTask.h"
+#include "Base/Scheduler.h"
+#include "Find/HitIndex.h"
+#include "Text/TextSearch.h"
+#include "Text/TextStorage.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <functional>
+
+class FindState;
+class TextView;
+
+/// Finds and replaces in one text view: knows the query, how many hits there are and which one is selected, and has the view mark them.
+///
+/// The main thread never waits: a text of more than some 100 KB is searched on a worker, in a snapshot, and once more when the text has
+/// changed meanwhile. What is seen of the text is always searched at once, so marks follow typing in a text of any size.
+/// Main thread only; the services must outlive it, the view need not.
+class TextFinder final : public QObject {
+    Q_OBJECT
+
+public:
+    struct Services {
+        Scheduler &scheduler;
+        Workers &workers;
+        FindState &shared;
+        /// The sound for "nothing found".
+        std::function<void()> beep;
+    };
+    enum class Marking { hidden, shown };
+
+    struct Status {
+        /// Unknown while hits are being counted.
+        std::optional<qsizetype> count;
+        /// Which of them is selected, from 1.
+        std::optional<qsizetype> selected;
+        /// How much is done (0 … 1) of work that takes longer than a moment.
+        std::optional<double> progress;
+        bool isReplacing = false;
+        /// Hits that the last replacing of all replaced; goes with the next search.
+        std::optional<qsizetype> replaced;
+        /// The last search went on at the other end of the text.
+        bool hasWrapped = false;
+        /// There was no hit for the last search.
+        bool isNotFound = false;
+        /// Some stretches were too hard for the expression.
+        bool isIncomplete = false;
+    };
+
+    TextFinder(TextView &view, Services services, QObject *parent = nullptr);
+    ~TextFinder() override;
+
+    [[nodiscard]] TextView *view() const { return m_view.data(); }
+    [[nodiscard]] FindState &shared() const { return m_services.shared; }
+
+    /// What is sought from now on in this view; others learn of it when it is used.
+    void setQuery(const SearchQuery &query);
+    [[nodiscard]] const SearchQuery &query() const { return m_query; }
+    /// What is wrong with the pattern; empty when nothing is.
+    [[nodiscard]] const QString &patternError() const { return m_patternError; }
+    [[nodiscard]] const QString &replacementError() const { return m_replacementError; }
+    /// Another replacement is being typed, which may be right.
+    void forgetReplacementError();
+    [[nodiscard]] Status status();
+
+    /// Hits are marked and counted while the marks are shown.
+    void setMarking(Marking marking);
+
+    /// Selects the first hit from where the selection was before the typing began; back there when there is none.
+    void findWhileTyping();
+    /// To the hit behind or before the selection, at the text's end on from its other end. While marks are hidden the shared query is
+    /// sought.
+    void findNext();
+    void findPrevious();
+    /// Makes the query the one that all windows have in common.
+    void share();
+    /// The shared search text becomes what is selected; false when nothing is, or more than one line.
+    bool useSelection();
+    [[nodiscard]] bool hasUsableSelection() const;
+
+    /// Replaces the hit that is selected, if one is, and goes on to the next. `typed` is a template when the query is an expression.
+    void replace(const QString &typed);
+    /// Replaces all hits in the whole text as one undoable change.
+    void replaceAll(const QString &typed);
+    [[nodiscard]] bool canReplace() const;
+
+    /// Gives up whatever goes on in the background; false when nothing does.
+    bool cancel();
+
+signals:
+    /// Something else is to be shown of status(), patternError() or replacementError().
+    void statusChanged();
+
+private:
+    enum class Direction { forward, backward };
+    enum class Purpose { typing, going };
+    struct Seek {
+        Direction direction = Direction::forward;
+        Purpose purpose = Purpose::going;
+        /// Hits begin there or behind; going back, before it.
+        qsizetype from = 0;
+    };
+    struct Found {
+        TextRange hit;
+        bool hasWrapped = false;
+    };
+    struct Selected {
+        TextRange hit;
+        TextSelection selection;
+        quint64 revision = 0;
+    };
+
+    void useShared();
+    [[nodiscard]] qsizetype searchedAtOnce() const;
+    [[nodiscard]] bool isSmall() const;
+    [[nodiscard]] bool hasIndex() const;
+    void refresh();
+    void startCounting();
+    void restartProgress();
+    [[nodiscard]] bool isBusy() const;
+
+    void go(Direction direction);
+    void seek(const Seek &wanted);
+    void seekInBackground();
+    [[nodiscard]] std::optional<Found> foundByIndex(const Seek &wanted);
+    void arrive(const std::optional<Found> &found, Purpose purpose);
+    void select(TextRange hit, Purpose purpose);
+    [[nodiscard]] std::optional<TextRange> selectedHit() const;
+
+    void replaceSelectedHit(const QString &replacementTemplate);
+    void startReplacing(const QString &replacementTemplate);
+    void applyReplacement(const TextReplacement &replacement);
+    [[nodiscard]] std::optional<QString> checkedTemplate(const QString &typed);
+
+    void storageChanged(const TextChangeList &changes);
+    void selectionChanged();
+    [[nodiscard]] std::vector<TextRange> marksIn(TextRange seen);
+    void markSurroundings(TextRange seen);
+    void forgetOutcome();
+
+    QPointer<TextView> m_view;
+    Services m_services;
+    SearchQuery m_query;
+    std::optional<TextSearcher> m_searcher;
+    QString m_patternError;
+    QString m_replacementError;
+    Marking m_marking = Marking::hidden;
+    bool m_hasMarks = false;
+
+    std::optional<HitIndex> m_index;
+    quint64 m_indexRevision = 0;
+    DelayedTask m_countSoon;
+    BackgroundTask m_counting;
+    std::optional<Seek> m_wanted;
+    BackgroundTask m_seeking;
+    BackgroundTask m_replacing;
+    std::shared_ptr<std::atomic<qsizetype>> m_searched;
+    RepeatingTimer m_progressTimer;
+    bool m_isSlow = false;
+
+    std::optional<Selected> m_selected;
+    /// Where the selection was before what was typed moved it.
+    TextSelection m_origin;
+    quint64 m_seenRevision = 0;
+    bool m_isSelecting = false;
+    Status m_outcome;
+
+    struct Marked {
+        TextRange range;
+        quint64 revision = 0;
+        std::vector<TextRange> hits;
+    };
+    std::optional<Marked> m_marked;
+};

@@ -1,0 +1,155 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Session/SessionRestoration.h"
+
+#include "Highlighting/LanguageRegistry.h"
+#include "Model/DocumentStore.h"
+#include "Session/DraftFile.h"
+
+#include <QDir>
+
+#include <set>
+
+namespace {
+
+class Restoration final {
+public:
+    Restoration(const SessionStore::Saved &saved, SessionStore &store, DocumentStore &documents)
+        : m_saved(saved), m_store(store), m_documents(documents), m_otherDrafts(saved.otherDrafts.begin(), saved.otherDrafts.end())
+    {}
+
+    std::vector<RestoredDocument> run(std::chrono::milliseconds patience)
+    {
+        if (m_saved.snapshot) {
+            for (const SessionSnapshot::Document &entry : m_saved.snapshot->documents) {
+                restore(entry);
+            }
+        }
+        for (const QString &name : m_saved.otherDrafts) {
+            if (m_otherDrafts.contains(name)) {
+                restoreDraft(name);
+            }
+        }
+        const auto deadline = std::chrono::steady_clock::now() + patience;
+        for (Made &made : m_made) {
+            finish(made, deadline);
+        }
+        return std::move(m_restored);
+    }
+
+private:
+    struct Made {
+        QUuid idInSnapshot;
+        /// Null for the file of another entry.
+        std::unique_ptr<TextDocument> document;
+        QString path;
+    };
+
+    /// Ids that were damaged into copies of each other still are texts of their own.
+    QUuid unusedId(const QUuid &id)
+    {
+        const bool isUsable = !id.isNull() && !m_store.hasUnreadableDraft(id);
+        return isUsable && m_ids.insert(id).second ? id : QUuid::createUuid();
+    }
+
+    void restore(const SessionSnapshot::Document &entry)
+    {
+        const QString path = entry.filePath && QDir::isAbsolutePath(*entry.filePath) ? *entry.filePath : QString();
+        const TextFile::Contents empty{.text = {},
+                                       .encoding = TextEncoding(entry.encodingRawValue),
+                                       .lineEnding = lineEndingWithRawValue(entry.lineEnding).value_or(LineEnding::lf)};
+        std::unique_ptr<TextDocument> document = draftOf(entry, path, empty);
+        if (!document) {
+            if (path.isEmpty()) {
+                return;
+            }
+            if (m_paths.contains(path)) {
+                m_made.push_back({entry.id, nullptr, path});
+                return;
+            }
+            document = TextDocument::awaiting(m_documents.services(), path, empty.encoding, empty.lineEnding, unusedId(entry.id));
+        }
+        if (const auto language = LanguageRegistry::withID(entry.languageID.value_or(QString()))) {
+            document->languageWasChosenManually = true;
+            document->setLanguage(*language);
+        }
+        const qsizetype length = document->storage().length();
+        const TextRange selection = entry.selection;
+        const bool isRange = selection.location >= 0 && selection.length >= 0;
+        if (isRange && (document->isWaiting() || (selection.location <= length && selection.length <= length - selection.location))) {
+            document->lastSelectedRange = selection;
+        }
+        document->lastScrollOffset = std::max(0.0, entry.scrollOffset);
+        add(entry.id, std::move(document), path);
+    }
+
+    /// From the draft that the entry names, or from one of its own that was written just before the program was killed.
+    std::unique_ptr<TextDocument> draftOf(const SessionSnapshot::Document &entry, const QString &path, TextFile::Contents contents)
+    {
+        const QString own = DraftFile::nameFor(entry.id);
+        QString name = entry.draftFilename.value_or(QString());
+        if (name.isEmpty() && m_otherDrafts.erase(own) != 0) {
+            name = own;
+        }
+        const auto text = name.isEmpty() ? std::nullopt : m_store.draft(name);
+        if (!text) {
+            return nullptr;
+        }
+        contents.text = *text;
+        contents.stamp = m_store.draftStamp(name);
+        auto document = TextDocument::fromDraft(m_documents.services(), path, contents, unusedId(entry.id));
+        m_store.adoptDraft(*document, name);
+        return document;
+    }
+
+    void restoreDraft(const QString &name)
+    {
+        const auto text = m_store.draft(name);
+        if (!text || text->isEmpty()) {
+            return;
+        }
+        auto document = TextDocument::fromDraft(m_documents.services(), QString(), {.text = *text}, unusedId(DraftFile::documentOf(name)));
+        m_store.adoptDraft(*document, name);
+        add({}, std::move(document), {});
+    }
+
+    void add(const QUuid &id, std::unique_ptr<TextDocument> document, const QString &path)
+    {
+        m_paths.insert(path);
+        m_made.push_back({id, std::move(document), path});
+    }
+
+    /// The store gets the document when it has its text: a highlighter would colour all of that as an edit.
+    void finish(Made &made, std::chrono::steady_clock::time_point deadline)
+    {
+        if (made.document) {
+            made.document->waitForFile(deadline);
+            if (made.document->arrivalError()) {
+                return;
+            }
+            const auto added = m_documents.add(std::move(made.document)).shared_from_this();
+            m_restored.push_back({made.idInSnapshot, added});
+            m_files.emplace(made.path, added);
+        } else if (const auto same = m_files.find(made.path); same != m_files.end()) {
+            m_restored.push_back({made.idInSnapshot, same->second});
+        }
+    }
+
+    const SessionStore::Saved &m_saved;
+    SessionStore &m_store;
+    DocumentStore &m_documents;
+    std::set<QString> m_otherDrafts;
+    std::set<QUuid> m_ids;
+    std::set<QString> m_paths;
+    std::vector<Made> m_made;
+    std::map<QString, std::shared_ptr<TextDocument>> m_files;
+    std::vector<RestoredDocument> m_restored;
+};
+
+} // namespace
+
+std::vector<RestoredDocument> restoreDocuments(const SessionStore::Saved &saved, SessionStore &store, DocumentStore &documents,
+                                               std::chrono::milliseconds patience)
+{
+    return Restoration(saved, store, documents).run(patience);
+}

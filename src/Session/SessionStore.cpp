@@ -1,0 +1,444 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Session/SessionStore.h"
+
+#include "Base/AtomicFile.h"
+#include "Base/StandardFolder.h"
+#include "Model/TextDocument.h"
+#include "Session/DraftFile.h"
+#include "Settings/Preferences.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QThreadPool>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <mutex>
+#include <set>
+#include <sys/file.h>
+#include <unistd.h>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto patienceAtEnd = 5s;
+/// Thousands of tabs have less.
+constexpr qint64 largestSnapshot = 64 * 1024 * 1024;
+constexpr auto temporaryFiles = ".quillet-*"_L1;
+/// The beginning of 2001 in UTC, in seconds of Unix.
+constexpr double referenceDate = 978307200;
+
+bool isPlainName(const QString &name)
+{
+    return !name.isEmpty() && !name.contains(u'/') && !name.contains(QChar::Null) && name != u"."_s && name != u".."_s;
+}
+
+/// Goes with the process however it ends. -1 with `errno` EWOULDBLOCK when another one has it.
+int lockFile(const QString &path)
+{
+    const int file = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (file >= 0 && ::flock(file, LOCK_EX | LOCK_NB) != 0) {
+        const int error = errno;
+        ::close(file);
+        errno = error;
+        return -1;
+    }
+    return file;
+}
+
+} // namespace
+
+/// What the store's thread works with. It may outlive the store, when the disk hangs.
+struct SessionStore::Queue {
+    QString root;
+    QString drafts;
+    FileCalls &calls;
+
+    std::mutex mutex = {};
+    // Guarded: what waits for the thread. A job that finds nothing has been overtaken.
+    struct WaitingText {
+        Rope text = {};
+        /// Of the job that is to write it: one that waited for a text that was discarded must not take a later one.
+        quint64 ticket = 0;
+    };
+    std::map<QString, WaitingText> texts = {};
+    /// By the ticket of the job that is to write it.
+    std::map<quint64, Snapshot> snapshots = {};
+    // Guarded: what is to be tried again.
+    std::set<QString> failedDrafts = {};
+    bool hasFailedSnapshot = false;
+    // Guarded: they may be readable again some day.
+    std::set<QString> unreadableDrafts = {};
+
+    /// Main thread.
+    std::function<void(const Error &error)> tell = {};
+    bool hasTold = false;
+
+    static void writeDraft(const std::shared_ptr<Queue> &queue, const QString &name, quint64 ticket);
+    static void note(const std::shared_ptr<Queue> &queue, const QString &name, const Result<void> &written);
+    void writeSnapshot(quint64 ticket);
+    void prune(const Snapshot &written);
+    void remove(const QStringList &names);
+};
+
+void SessionStore::Queue::note(const std::shared_ptr<Queue> &queue, const QString &name, const Result<void> &written)
+{
+    const std::lock_guard lock(queue->mutex);
+    if (written) {
+        queue->failedDrafts.erase(name);
+    } else {
+        queue->failedDrafts.insert(name);
+    }
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(),
+        [queue = std::weak_ptr(queue), written] {
+            const auto state = queue.lock();
+            if (!state) {
+                return;
+            }
+            if (written) {
+                state->hasTold = false;
+            } else if (!std::exchange(state->hasTold, true) && state->tell) {
+                state->tell(written.error());
+            }
+        },
+        Qt::QueuedConnection);
+}
+
+SessionStore::Places SessionStore::Places::standard()
+{
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    return {.rootDirectory = standardFolder("XDG_DATA_HOME", u".local/share") + u"/Quillet"_s,
+            .runtimeDirectory = QDir::isAbsolutePath(runtime) ? QDir::cleanPath(runtime) : QString()};
+}
+
+SessionStore::SessionStore(const Places &places, const Preferences &preferences, FileCalls &calls)
+    : m_root(places.rootDirectory), m_preferences(preferences), m_calls(calls),
+      m_queue(new Queue{.root = places.rootDirectory, .drafts = places.rootDirectory + u"/Drafts"_s, .calls = calls}),
+      m_thread(std::make_unique<QThreadPool>())
+{
+    m_thread->setObjectName(u"org.quillet.Quillet.session"_s);
+    m_thread->setMaxThreadCount(1);
+    m_thread->setThreadPriority(QThread::LowPriority);
+    makePrivateFolder(draftsDirectory(), m_calls);
+    // Several folders may be in use at once, each by one program.
+    const QByteArray folder = QCryptographicHash::hash(QFile::encodeName(QDir::cleanPath(m_root)), QCryptographicHash::Sha1).toHex();
+    const QString lockName = u"/quillet-session-"_s + QString::fromLatin1(folder.first(16)) + u".lock"_s;
+    m_lock = places.runtimeDirectory.isEmpty() ? -1 : lockFile(places.runtimeDirectory + lockName);
+    if (m_lock < 0 && (places.runtimeDirectory.isEmpty() || errno != EWOULDBLOCK)) {
+        m_lock = lockFile(m_root + u"/session.lock"_s);
+    }
+    // Where no lock can be had because nothing can be written, nobody is disturbed.
+    m_isHeldByOther = m_lock < 0 && errno == EWOULDBLOCK;
+    m_isOwner = !m_isHeldByOther;
+}
+
+SessionStore::~SessionStore()
+{
+    m_queue->tell = nullptr;
+    if (!waitUntilWritten(patienceAtEnd)) {
+        // Its destructor would wait for a disk that does not answer.
+        std::ignore = m_thread.release();
+    }
+    if (m_lock >= 0) {
+        ::close(m_lock);
+    }
+}
+
+QString SessionStore::draftsDirectory() const
+{
+    return m_queue->drafts;
+}
+
+QString SessionStore::snapshotPath() const
+{
+    return m_root + u"/session.json"_s;
+}
+
+void SessionStore::onProblem(std::function<void(const Error &error)> tell)
+{
+    m_queue->tell = std::move(tell);
+}
+
+bool SessionStore::keepsUnsavedText() const
+{
+    return m_isOwner && m_preferences.autosaveDrafts() && m_preferences.restoreSession() && isHealthy();
+}
+
+bool SessionStore::isHealthy() const
+{
+    const std::lock_guard lock(m_queue->mutex);
+    return m_queue->failedDrafts.empty() && !m_queue->hasFailedSnapshot;
+}
+
+// Reading
+
+QStringList SessionStore::draftsOnDisk() const
+{
+    return QDir(draftsDirectory()).entryList({u"*.draft"_s}, QDir::Files, QDir::Time | QDir::Reversed);
+}
+
+SessionStore::Saved SessionStore::read()
+{
+    Saved saved;
+    if (!m_isOwner || std::exchange(m_hasRead, true)) {
+        return saved;
+    }
+    // Of writing that was cut off.
+    QDir root(m_root);
+    for (const QString &name : root.entryList({temporaryFiles}, QDir::Files | QDir::Hidden)) {
+        root.remove(name);
+    }
+    saved.snapshot = readSnapshot();
+    std::set<QString> named;
+    if (saved.snapshot) {
+        for (const Snapshot::Document &document : saved.snapshot->documents) {
+            named.insert(document.draftFilename.value_or(QString()));
+        }
+    }
+    for (const QString &name : draftsOnDisk()) {
+        m_drafts.emplace(name, std::nullopt);
+        if (!named.contains(name)) {
+            saved.otherDrafts << name;
+        }
+    }
+    return saved;
+}
+
+std::optional<SessionStore::Snapshot> SessionStore::readSnapshot()
+{
+    const QFileInfo info(snapshotPath());
+    if (!info.exists() && !info.isSymLink()) {
+        return std::nullopt;
+    }
+    QFile file(snapshotPath());
+    if (info.isFile() && info.size() <= largestSnapshot && file.open(QIODevice::ReadOnly)) {
+        if (auto snapshot = Snapshot::fromJson(file.readAll())) {
+            return snapshot;
+        }
+    }
+    QString folder = m_root + u"/Unreadable session "_s + QDateTime::currentDateTime().toString(u"yyyy-MM-dd HH.mm.ss"_s);
+    if (!setAside(folder)) {
+        m_isOwner = false; // it must not be written over
+        folder = m_root;
+    }
+    if (m_tellSetAside) {
+        m_tellSetAside(folder);
+    }
+    return std::nullopt;
+}
+
+/// What was not brought back still is not saved. Before a draft is written, which would be taken for one of these.
+void SessionStore::carryOver()
+{
+    if (m_hasRead) {
+        return;
+    }
+    const Saved saved = read();
+    if (saved.snapshot) {
+        std::ranges::copy_if(saved.snapshot->documents, std::back_inserter(m_carriedOver),
+                             [](const Snapshot::Document &document) { return document.draftFilename.has_value(); });
+    }
+    for (const QString &name : saved.otherDrafts) {
+        const QUuid id = DraftFile::documentOf(name);
+        m_carriedOver << Snapshot::Document{.id = id.isNull() ? QUuid::createUuid() : id,
+                                            .draftFilename = name,
+                                            .encodingRawValue = quint32(TextEncoding::utf8),
+                                            .lineEnding = rawValue(LineEnding::lf).toString()};
+    }
+}
+
+bool SessionStore::setAside(const QString &folder)
+{
+    makePrivateFolder(folder, m_calls);
+    const auto move = [&](const QString &from, const QString &to) {
+        return m_calls.rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+    };
+    const bool hasDrafts = !QDir(draftsDirectory()).isEmpty();
+    // The drafts first: as long as the snapshot is there, what is in their folder is not used.
+    if ((hasDrafts && !move(draftsDirectory(), folder + u"/Drafts"_s)) || !move(snapshotPath(), folder + u"/session.json"_s)) {
+        return false;
+    }
+    makePrivateFolder(draftsDirectory(), m_calls);
+    return true;
+}
+
+std::optional<Rope> SessionStore::draft(const QString &name)
+{
+    if (!isPlainName(name)) {
+        return std::nullopt;
+    }
+    const QString path = draftsDirectory() + u'/' + name;
+    auto text = DraftFile::read(path);
+    if (!text && QFileInfo::exists(path)) {
+        const std::lock_guard lock(m_queue->mutex);
+        m_queue->unreadableDrafts.insert(name);
+    }
+    return text;
+}
+
+std::optional<FileStamp> SessionStore::draftStamp(const QString &name) const
+{
+    struct stat status = {};
+    const QString path = draftsDirectory() + u'/' + name;
+    return isPlainName(name) && m_calls.stat(QFile::encodeName(path).constData(), &status) == 0 ? std::optional(FileStamp::of(status))
+                                                                                                : std::nullopt;
+}
+
+bool SessionStore::hasUnreadableDraft(const QUuid &document) const
+{
+    const std::lock_guard lock(m_queue->mutex);
+    return m_queue->unreadableDrafts.contains(DraftFile::nameFor(document));
+}
+
+void SessionStore::adoptDraft(const TextDocument &document, const QString &name)
+{
+    // Under another name it is written anew; the old one goes when a snapshot with the new one is there.
+    if (name == DraftFile::nameFor(document.id())) {
+        m_drafts[name] = document.storage().revision();
+    }
+}
+
+// Writing
+
+std::optional<QString> SessionStore::writeDraft(const TextDocument &document)
+{
+    carryOver();
+    if (!m_isOwner || !m_preferences.autosaveDrafts() || document.isGenerated()) {
+        return std::nullopt;
+    }
+    if (!document.hasUnsavedText()) {
+        discardDraft(document.id());
+        return std::nullopt;
+    }
+    const QString name = DraftFile::nameFor(document.id());
+    const quint64 revision = document.storage().revision();
+    quint64 ticket = 0;
+    {
+        const std::lock_guard lock(m_queue->mutex);
+        const auto kept = m_drafts.find(name);
+        if (kept != m_drafts.end() && kept->second == revision && !m_queue->failedDrafts.contains(name)) {
+            return name;
+        }
+        Queue::WaitingText &waiting = m_queue->texts[name];
+        waiting.text = document.storage().text();
+        if (waiting.ticket == 0) {
+            ticket = waiting.ticket = ++m_lastTicket;
+        }
+    }
+    m_drafts[name] = revision;
+    if (ticket != 0) {
+        m_thread->start([queue = m_queue, name, ticket] { Queue::writeDraft(queue, name, ticket); });
+    }
+    return name;
+}
+
+void SessionStore::Queue::writeDraft(const std::shared_ptr<Queue> &queue, const QString &name, quint64 ticket)
+{
+    Rope text;
+    {
+        const std::lock_guard lock(queue->mutex);
+        const auto waiting = queue->texts.find(name);
+        if (waiting == queue->texts.end() || waiting->second.ticket != ticket) {
+            return;
+        }
+        text = std::move(waiting->second.text);
+        queue->texts.erase(waiting);
+    }
+    queue->note(queue, name, DraftFile::write(text, queue->drafts + u'/' + name, queue->calls));
+}
+
+void SessionStore::discardDraft(const QUuid &document)
+{
+    const QString name = DraftFile::nameFor(document);
+    if (!m_isOwner || m_drafts.erase(name) == 0) {
+        return;
+    }
+    {
+        const std::lock_guard lock(m_queue->mutex);
+        m_queue->texts.erase(name);
+    }
+    m_thread->start([queue = m_queue, name] {
+        queue->remove({name});
+        const std::lock_guard lock(queue->mutex);
+        queue->failedDrafts.erase(name);
+    });
+}
+
+void SessionStore::write(Snapshot snapshot)
+{
+    carryOver();
+    if (!m_isOwner) {
+        return;
+    }
+    snapshot.documents << m_carriedOver;
+    snapshot.savedAt = double(QDateTime::currentMSecsSinceEpoch()) / 1000 - referenceDate;
+    {
+        const std::lock_guard lock(m_queue->mutex);
+        // One that waits is overtaken, unless drafts wait behind it: this one may name them.
+        if (const auto waiting = m_queue->snapshots.find(m_lastTicket); waiting != m_queue->snapshots.end()) {
+            waiting->second = std::move(snapshot);
+            return;
+        }
+        m_queue->snapshots.emplace(++m_lastTicket, std::move(snapshot));
+    }
+    m_thread->start([queue = m_queue, ticket = m_lastTicket] { queue->writeSnapshot(ticket); });
+}
+
+void SessionStore::Queue::writeSnapshot(quint64 ticket)
+{
+    Snapshot written;
+    {
+        const std::lock_guard lock(mutex);
+        written = std::move(snapshots.extract(ticket).mapped());
+    }
+    const Result<void> result = writeAtomically(root + u"/session.json"_s, written.toJson(), AtomicFile::NewFile::privateToUser, calls);
+    {
+        const std::lock_guard lock(mutex);
+        hasFailedSnapshot = !result;
+    }
+    if (result) {
+        prune(written);
+    }
+}
+
+/// Deletes what `written`, which is on disk, does not name.
+void SessionStore::Queue::prune(const Snapshot &written)
+{
+    std::set<QString> kept;
+    {
+        const std::lock_guard lock(mutex);
+        kept = unreadableDrafts;
+    }
+    for (const Snapshot::Document &document : written.documents) {
+        kept.insert(document.draftFilename.value_or(QString()));
+    }
+    QStringList names = QDir(drafts).entryList(QDir::Files | QDir::Hidden | QDir::System);
+    names.removeIf([&](const QString &name) { return kept.contains(name); });
+    remove(names);
+}
+
+void SessionStore::Queue::remove(const QStringList &names)
+{
+    bool isChanged = false;
+    for (const QString &name : names) {
+        isChanged |= calls.unlink(QFile::encodeName(drafts + u'/' + name).constData()) == 0;
+    }
+    if (isChanged) {
+        // An old draft must not come back when the power fails: it would stand before its file, which was saved since.
+        flushFolder(drafts, calls);
+    }
+}
+
+bool SessionStore::waitUntilWritten(std::chrono::milliseconds patience)
+{
+    return m_thread->waitForDone(int(patience.count()));
+}

@@ -1,0 +1,123 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Base/FileCalls.h"
+#include "Base/Result.h"
+#include "Files/FileStamp.h"
+#include "Session/SessionSnapshot.h"
+#include "Text/Rope.h"
+
+#include <QStringList>
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+
+class Preferences;
+class QThreadPool;
+class TextDocument;
+
+/// Keeps the session and the texts that were not saved ("drafts") in a folder of the user's, from one start of the program to the next.
+///
+/// The folder holds `session.json` (SessionSnapshot) and `Drafts` with one DraftFile for each such text. A draft is on disk before a
+/// snapshot names it, and goes only when a snapshot that does not name it is on disk: whenever the program is killed or the power fails,
+/// the snapshot that is there finds its drafts.
+///
+/// All writing is done in the order asked for by a thread of the store's own, from ropes that cost nothing to take; of what waits to be
+/// written only the latest version is. What was written already is not written again.
+///
+/// One running program owns a folder; in another one the store writes nothing and finds nothing. Main thread only.
+class SessionStore final {
+public:
+    using Snapshot = SessionSnapshot;
+
+    /// Absolute paths.
+    struct Places {
+        QString rootDirectory;
+        /// For the lock; empty when there is none.
+        QString runtimeDirectory;
+
+        /// In the user's data folder: $XDG_DATA_HOME if that is absolute, else ~/.local/share.
+        [[nodiscard]] static Places standard();
+    };
+
+    /// What earlier programs left.
+    struct Saved {
+        std::optional<Snapshot> snapshot;
+        /// Drafts that the snapshot does not name: of texts that were typed just before the program was killed.
+        QStringList otherDrafts;
+    };
+
+    /// Makes the folders, for the user only. `preferences` and `calls` must outlive the store.
+    SessionStore(const Places &places, const Preferences &preferences, FileCalls &calls = FileCalls::system());
+    /// Waits for what is to be written, unless the disk hangs.
+    ~SessionStore();
+    Q_DISABLE_COPY_MOVE(SessionStore)
+
+    [[nodiscard]] const QString &rootDirectory() const { return m_root; }
+    [[nodiscard]] QString draftsDirectory() const;
+    [[nodiscard]] QString snapshotPath() const;
+
+    /// False while another program owns the folder, and after a snapshot that can neither be read nor moved out of the way.
+    [[nodiscard]] bool isOwner() const { return m_isOwner; }
+    [[nodiscard]] bool isHeldByOther() const { return m_isHeldByOther; }
+    /// Whether text that is not saved comes back at the next start: the settings want it and writing works.
+    [[nodiscard]] bool keepsUnsavedText() const;
+    /// Everything that was to be written so far was.
+    [[nodiscard]] bool isHealthy() const;
+
+    /// Once. A snapshot that cannot be read is moved to a folder of its own, with all drafts. When this was not called before anything is
+    /// written, what it would have returned is carried over: texts that were not saved are in the next snapshots too.
+    [[nodiscard]] Saved read();
+    /// A draft's text; none when the name is none of a draft, or when it cannot be read: then it is left where it is.
+    [[nodiscard]] std::optional<Rope> draft(const QString &name);
+    /// When the draft was written; none when that cannot be told.
+    [[nodiscard]] std::optional<FileStamp> draftStamp(const QString &name) const;
+    /// Some day it may be readable again: another document must not write or discard it as its own.
+    [[nodiscard]] bool hasUnreadableDraft(const QUuid &document) const;
+    /// `document` has the text of the draft `name` and goes on using it.
+    void adoptDraft(const TextDocument &document, const QString &name);
+
+    /// Writes the document's unsaved text and returns the name for the snapshot. None, and the draft goes, when all is saved; none, and
+    /// nothing is touched, when drafts are not wanted or nobody saves the document.
+    std::optional<QString> writeDraft(const TextDocument &document);
+    /// The text is safe elsewhere, or not wanted any more.
+    void discardDraft(const QUuid &document);
+    /// Then deletes the drafts that it does not name.
+    void write(Snapshot snapshot);
+    /// Returns true when everything is written, false when `patience` is over first.
+    bool waitUntilWritten(std::chrono::milliseconds patience);
+
+    /// Called when drafts cannot be written, with the reason: once, and again only after a time in which they could.
+    void onProblem(std::function<void(const Error &error)> tell);
+    /// Called when there was a snapshot that cannot be read, with the folder where it is now, and the drafts with it.
+    void onSetAside(std::function<void(const QString &folder)> tell) { m_tellSetAside = std::move(tell); }
+
+private:
+    struct Queue;
+
+    [[nodiscard]] std::optional<Snapshot> readSnapshot();
+    [[nodiscard]] bool setAside(const QString &folder);
+    void carryOver();
+    [[nodiscard]] QStringList draftsOnDisk() const;
+
+    QString m_root;
+    const Preferences &m_preferences;
+    FileCalls &m_calls;
+    int m_lock = -1;
+    bool m_isOwner = true;
+    bool m_isHeldByOther = false;
+    bool m_hasRead = false;
+    /// Of earlier programs, not brought back by this one.
+    QList<Snapshot::Document> m_carriedOver;
+    std::function<void(const QString &folder)> m_tellSetAside;
+    /// Drafts that may be on disk, and the revision of the text that was last handed over.
+    std::map<QString, std::optional<quint64>> m_drafts;
+    /// Of the jobs that write.
+    quint64 m_lastTicket = 0;
+    std::shared_ptr<Queue> m_queue;
+    std::unique_ptr<QThreadPool> m_thread;
+};

@@ -1,0 +1,663 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "View/LayoutManager.h"
+
+#include "Text/TextStorage.h"
+#include "View/DisplayText.h"
+
+#include <QFontMetricsF>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// Shorter segments make a key press cheaper, but in a wrapped text every cut ends a row before its time.
+constexpr qsizetype unwrappedSegment = 384;
+constexpr qsizetype wrappedSegment = 4096;
+constexpr size_t longLineLimit = 256;
+
+/// The advances of the units of `text`, each on its own.
+std::vector<double> advancesOf(const QFont &font, const QString &text)
+{
+    QTextLayout layout(text, font);
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    line.setLineWidth(1'000'000);
+    layout.endLayout();
+    std::vector<double> advances;
+    for (int i = 0; i < text.length(); ++i) {
+        advances.push_back(line.cursorToX(i + 1) - line.cursorToX(i));
+    }
+    return advances;
+}
+
+/// The first element of a list sorted by place that ends at or behind `offset`.
+template<class List, class RangeOf>
+auto firstTouching(List &list, qsizetype offset, RangeOf rangeOf)
+{
+    return std::partition_point(list.begin(), list.end(), [&](const auto &entry) { return rangeOf(entry).end() < offset; });
+}
+
+constexpr auto layoutRange = [](const std::unique_ptr<SegmentLayout> &layout) { return layout->range(); };
+constexpr auto lineRange = [](const LongLine &line) { return line.range(); };
+
+} // namespace
+
+LayoutManager::LayoutManager(const TextStorage &storage, Settings settings)
+    : m_storage(storage), m_settings(std::move(settings)),
+      m_rows([this](qsizetype firstLine, qsizetype count) { return estimateRows(firstLine, count); })
+{
+    measureFont();
+    forgetLayouts();
+    m_revision = m_storage.revision();
+}
+
+LayoutManager::~LayoutManager() = default;
+
+void LayoutManager::setSettings(Settings settings)
+{
+    const bool isFontNew = settings.font != m_settings.font || settings.devicePixelRatio != m_settings.devicePixelRatio;
+    m_settings = std::move(settings);
+    if (isFontNew) {
+        measureFont();
+    }
+    forgetLayouts();
+}
+
+void LayoutManager::measureFont()
+{
+    const QFontMetricsF metrics(m_settings.font);
+    const double dpr = m_settings.devicePixelRatio;
+    m_rowHeight = std::ceil((metrics.ascent() + metrics.descent() + std::max(0.0, metrics.leading())) * dpr) / dpr;
+    m_baseline = std::round(metrics.ascent() * dpr) / dpr;
+    const auto advances = advancesOf(m_settings.font, QStringLiteral("0iW.0"));
+    m_cellWidth = advances.front();
+    m_isFixedPitch = std::all_of(advances.begin(), advances.end(), [this](double advance) { return advance == m_cellWidth; });
+    m_wideWidth = 0;
+}
+
+double LayoutManager::snapped(double pixels) const
+{
+    return std::round(pixels * m_settings.devicePixelRatio) / m_settings.devicePixelRatio;
+}
+
+double LayoutManager::wideWidth() const
+{
+    // Asked only once such a character turns up: it loads a fallback font.
+    if (m_wideWidth == 0) {
+        m_wideWidth = advancesOf(m_settings.font, QStringLiteral("\u6C34")).front();
+    }
+    return m_wideWidth;
+}
+
+void LayoutManager::forgetLayouts()
+{
+    m_segmentLength = wraps() ? wrappedSegment : unwrappedSegment;
+    m_cache.clear();
+    m_longLines.clear();
+    m_widest = 0;
+    if (wraps()) {
+        m_rows.reset(m_storage.text().lineCount());
+    }
+}
+
+void LayoutManager::findWidest()
+{
+    m_widest = 0;
+    for (const auto &layout : m_cache) {
+        m_widest = std::max(m_widest, layout->width());
+    }
+    for (const LongLine &line : m_longLines) {
+        m_widest = std::max(m_widest, line.width());
+    }
+}
+
+void LayoutManager::textChanged(const TextChangeList &changes)
+{
+    m_revision = m_storage.revision();
+    if (std::exchange(m_isBehind, m_storage.hasUnreportedChanges()) || m_isBehind) {
+        forgetLayouts();
+        return;
+    }
+    for (const TextChange &change : changes) {
+        changeCache(change);
+        if (changes.size() == 1) {
+            changeLongLines(change);
+        }
+        if (wraps()) {
+            m_rows.linesChanged(m_storage.text().lineAt(change.position), change.removedLines, change.insertedLines);
+        }
+    }
+    if (changes.size() > 1) {
+        m_longLines.clear();
+    }
+    if (wraps() && m_rows.lineCount() != m_storage.text().lineCount()) {
+        // A pair of CR and LF that was made or broken between two lines moves the count by one; then nothing is known for sure.
+        m_rows.reset(m_storage.text().lineCount());
+    }
+    if (!wraps()) {
+        findWidest();
+    }
+}
+
+void LayoutManager::changeCache(const TextChange &change)
+{
+    const auto first = firstTouching(m_cache, change.position, layoutRange);
+    auto last = first;
+    while (last != m_cache.end() && (*last)->range().location <= change.position + change.removed) {
+        ++last;
+    }
+    const auto rest = m_cache.erase(first, last);
+    const qsizetype distance = change.inserted - change.removed;
+    std::for_each(rest, m_cache.end(), [distance](const auto &layout) { layout->moveBy(distance); });
+}
+
+void LayoutManager::changeLongLines(const TextChange &change)
+{
+    const qsizetype distance = change.inserted - change.removed;
+    const bool isInside = change.removedLines == 0 && change.insertedLines == 0;
+    auto line = firstTouching(m_longLines, change.position, lineRange);
+    while (line != m_longLines.end() && line->range().location <= change.position + change.removed) {
+        const bool holdsAll = line->range().location <= change.position && change.position + change.removed <= line->range().end();
+        if (isInside && holdsAll) {
+            line->replaced(m_storage.text(), change.position, change.removed, change.inserted,
+                           [this](TextRange range) { return estimate(range); });
+            ++line;
+        } else {
+            line = m_longLines.erase(line);
+        }
+    }
+    std::for_each(line, m_longLines.end(), [distance](LongLine &later) { later.moveBy(distance); });
+}
+
+void LayoutManager::stylesChanged(const std::vector<TextRange> &ranges)
+{
+    for (const TextRange range : ranges) {
+        const auto first = firstTouching(m_cache, range.location, layoutRange);
+        auto last = first;
+        while (last != m_cache.end() && (*last)->range().location < range.end()) {
+            ++last;
+        }
+        m_cache.erase(first, last);
+    }
+}
+
+void LayoutManager::setPreedit(Preedit preedit)
+{
+    const auto forget = [this](qsizetype offset) { stylesChanged({TextRange{offset, 1}}); };
+    if (!m_preedit.text.isEmpty()) {
+        forget(m_preedit.offset);
+    }
+    m_preedit = std::move(preedit);
+    if (!m_preedit.text.isEmpty()) {
+        forget(m_preedit.offset);
+    }
+}
+
+/// Asked before it was told of an edit: what was laid out belongs to another text.
+void LayoutManager::catchUp()
+{
+    if (m_revision != m_storage.revision()) {
+        m_revision = m_storage.revision();
+        m_isBehind = true;
+        forgetLayouts();
+    }
+}
+
+LayoutManager::Line LayoutManager::lineAt(qsizetype line)
+{
+    return lineFrom(line, m_storage.text().lineStart(line));
+}
+
+LayoutManager::Line LayoutManager::lineFrom(qsizetype line, qsizetype start)
+{
+    catchUp();
+    const Rope &text = m_storage.text();
+    if (line + 1 >= text.lineCount()) {
+        return {start, text.length() - start};
+    }
+    qsizetype end = text.lineStart(line + 1) - 1;
+    if (end > start && text.at(end) == u'\n' && text.at(end - 1) == u'\r') {
+        --end;
+    }
+    return {start, end - start};
+}
+
+LongLine &LayoutManager::longLine(const Line &line)
+{
+    auto place = std::partition_point(m_longLines.begin(), m_longLines.end(),
+                                      [&](const LongLine &other) { return other.range().location < line.start; });
+    if (place != m_longLines.end() && place->range() == TextRange{line.start, line.length}) {
+        return *place;
+    }
+    if (place != m_longLines.end() && place->range().location == line.start) {
+        place = m_longLines.erase(place);
+    }
+    if (m_longLines.size() >= longLineLimit) {
+        m_longLines.clear();
+        place = m_longLines.end();
+    }
+    return *m_longLines.emplace(place, m_storage.text(), TextRange{line.start, line.length}, m_segmentLength,
+                                [this](TextRange range) { return estimate(range); });
+}
+
+double LayoutManager::cellsPerRow() const
+{
+    return std::max(1.0, std::floor(*m_settings.wrapWidth / m_cellWidth));
+}
+
+LongLine::Measure LayoutManager::estimate(TextRange range) const
+{
+    const CellCount cells = countCells(m_storage.text(), range, m_settings.tabWidth);
+    const double width =
+        static_cast<double>(cells.narrow) * m_cellWidth + (cells.wide > 0 ? static_cast<double>(cells.wide) * wideWidth() : 0);
+    const double rows = wraps() ? std::max(1.0, std::ceil(width / (cellsPerRow() * m_cellWidth))) : 1;
+    return {width, static_cast<qint64>(rows), cells.isExact && m_isFixedPitch};
+}
+
+qint64 LayoutManager::estimateRows(qsizetype firstLine, qsizetype count) const
+{
+    const Rope &text = m_storage.text();
+    const auto units = static_cast<double>(text.lineStart(firstLine + count) - text.lineStart(firstLine));
+    const double unitsPerRow = cellsPerRow();
+    const auto lines = static_cast<double>(count);
+    return units * 2 <= unitsPerRow * lines ? count : static_cast<qint64>(lines / 2 + units / unitsPerRow);
+}
+
+/// At a cut between two segments the preedit text is in the one behind.
+bool LayoutManager::holdsPreedit(TextRange range) const
+{
+    if (m_preedit.text.isEmpty() || m_preedit.offset < range.location || m_preedit.offset > range.end()) {
+        return false;
+    }
+    const Rope &text = m_storage.text();
+    return m_preedit.offset < range.end() || range.end() == text.length() || text.at(range.end()) == u'\n' || text.at(range.end()) == u'\r';
+}
+
+std::unique_ptr<SegmentLayout> LayoutManager::makeLayout(TextRange range)
+{
+    ++m_counters.layouts;
+    m_counters.units += range.length;
+    const auto insertion = holdsPreedit(range) ? std::optional(m_preedit) : std::nullopt;
+    const SegmentLayout::Style style{.font = m_settings.font,
+                                     .tabStop = m_settings.tabWidth * m_cellWidth,
+                                     .wrapWidth = m_settings.wrapWidth,
+                                     .rowHeight = m_rowHeight,
+                                     .baseline = m_baseline};
+    return std::make_unique<SegmentLayout>(range, displayText(m_storage.text(), range), m_formats.formats(m_storage, range), style,
+                                           insertion);
+}
+
+SegmentLayout &LayoutManager::layout(TextRange range)
+{
+    auto place =
+        std::partition_point(m_cache.begin(), m_cache.end(), [&](const auto &other) { return other->range().location < range.location; });
+    if (place == m_cache.end() || (*place)->range() != range) {
+        auto fresh = makeLayout(range);
+        m_widest = std::max(m_widest, fresh->width());
+        if (place != m_cache.end() && (*place)->range().location == range.location) {
+            *place = std::move(fresh);
+        } else {
+            place = m_cache.insert(place, std::move(fresh));
+        }
+    }
+    SegmentLayout &found = **place;
+    found.lastUse = ++m_clock;
+    if (m_cache.size() > m_cacheCapacity) {
+        trimCache();
+    }
+    return found;
+}
+
+void LayoutManager::trimCache()
+{
+    // A quarter at a time, so that scrolling does not search for the oldest one at every row.
+    std::vector<quint64> uses;
+    uses.reserve(m_cache.size());
+    std::transform(m_cache.begin(), m_cache.end(), std::back_inserter(uses), [](const auto &layout) { return layout->lastUse; });
+    const auto quarter = uses.begin() + static_cast<qsizetype>(uses.size() / 4);
+    std::nth_element(uses.begin(), quarter, uses.end());
+    std::erase_if(m_cache, [oldest = *quarter](const auto &layout) { return layout->lastUse < oldest; });
+}
+
+SegmentLayout &LayoutManager::layoutShort(qsizetype lineNumber, const Line &line)
+{
+    SegmentLayout &found = layout({line.start, line.length});
+    if (wraps()) {
+        m_rows.setRows(lineNumber, found.rowCount());
+    }
+    return found;
+}
+
+SegmentLayout &LayoutManager::layoutSegment(LongLine &line, qsizetype lineNumber, int segment)
+{
+    SegmentLayout &found = layout(line.segment(segment));
+    const LongLine::Measure &known = line.measure(segment);
+    // What was measured changes with styles and with a preedit text; less than a pixel comes from rounding.
+    const bool isStillRight = known.isExact && known.rows == found.rowCount() && std::abs(known.width - found.width()) < 1;
+    if (!isStillRight) {
+        m_shifts += !wraps() && known.width != found.width() ? 1 : 0;
+        line.setMeasure(segment, {found.width(), found.rowCount(), true});
+    }
+    if (wraps()) {
+        m_rows.setRows(lineNumber, line.rowCount());
+    } else {
+        m_widest = std::max(m_widest, line.width());
+    }
+    return found;
+}
+
+RowPosition LayoutManager::rowOf(qsizetype offset, Affinity affinity)
+{
+    const Rope &text = m_storage.text();
+    const qsizetype lineNumber = text.lineAt(offset);
+    const Line line = lineAt(lineNumber);
+    RowPosition row{lineNumber, line.start, 0, 0};
+    if (!wraps()) {
+        return row;
+    }
+    const bool isUpstream = affinity == Affinity::upstream && offset > line.start;
+    const SegmentLayout *shown = nullptr;
+    if (isLong(line)) {
+        LongLine &cut = longLine(line);
+        row.segment = cut.segmentAt(isUpstream ? offset - 1 : offset);
+        shown = &layoutSegment(cut, lineNumber, row.segment);
+    } else {
+        shown = &layoutShort(lineNumber, line);
+    }
+    row.row = shown->rowAt(offset);
+    if (isUpstream && row.row > 0 && shown->rowRange(row.row).location == offset) {
+        --row.row;
+    }
+    return row;
+}
+
+std::optional<RowPosition> LayoutManager::next(const RowPosition &row)
+{
+    if (wraps()) {
+        const Line line = lineFrom(row.line, row.lineStart);
+        if (isLong(line)) {
+            LongLine &cut = longLine(line);
+            if (row.row + 1 < layoutSegment(cut, row.line, row.segment).rowCount()) {
+                return RowPosition{row.line, row.lineStart, row.segment, row.row + 1};
+            }
+            if (row.segment + 1 < cut.segmentCount()) {
+                return RowPosition{row.line, row.lineStart, row.segment + 1, 0};
+            }
+        } else if (row.row + 1 < layoutShort(row.line, line).rowCount()) {
+            return RowPosition{row.line, row.lineStart, 0, row.row + 1};
+        }
+    }
+    if (row.line + 1 >= m_storage.text().lineCount()) {
+        return std::nullopt;
+    }
+    return RowPosition{row.line + 1, m_storage.text().lineStart(row.line + 1), 0, 0};
+}
+
+std::optional<RowPosition> LayoutManager::previous(const RowPosition &row)
+{
+    if (row.row > 0) {
+        return RowPosition{row.line, row.lineStart, row.segment, row.row - 1};
+    }
+    if (row.segment > 0) {
+        LongLine &cut = longLine(lineFrom(row.line, row.lineStart));
+        return RowPosition{row.line, row.lineStart, row.segment - 1, layoutSegment(cut, row.line, row.segment - 1).rowCount() - 1};
+    }
+    if (row.line == 0) {
+        return std::nullopt;
+    }
+    const Line line = lineAt(row.line - 1);
+    if (!wraps()) {
+        return RowPosition{row.line - 1, line.start, 0, 0};
+    }
+    if (!isLong(line)) {
+        return RowPosition{row.line - 1, line.start, 0, layoutShort(row.line - 1, line).rowCount() - 1};
+    }
+    LongLine &cut = longLine(line);
+    const int last = cut.segmentCount() - 1;
+    return RowPosition{row.line - 1, line.start, last, layoutSegment(cut, row.line - 1, last).rowCount() - 1};
+}
+
+qint64 LayoutManager::step(RowPosition &row, qint64 count)
+{
+    if (!wraps()) {
+        const qsizetype line = std::clamp<qsizetype>(row.line + count, 0, m_storage.text().lineCount() - 1);
+        const qint64 went = line - row.line;
+        row = {line, m_storage.text().lineStart(line), 0, 0};
+        return went;
+    }
+    qint64 went = 0;
+    for (; went != count; went += count > 0 ? 1 : -1) {
+        const auto neighbour = count > 0 ? next(row) : previous(row);
+        if (!neighbour) {
+            break;
+        }
+        row = *neighbour;
+    }
+    return went;
+}
+
+TextRange LayoutManager::rangeOf(const RowPosition &row)
+{
+    const Line line = lineFrom(row.line, row.lineStart);
+    if (!wraps()) {
+        return {line.start, line.length};
+    }
+    return isLong(line) ? layoutSegment(longLine(line), row.line, row.segment).rowRange(row.row)
+                        : layoutShort(row.line, line).rowRange(row.row);
+}
+
+bool LayoutManager::endsLine(const RowPosition &row)
+{
+    const Line line = lineFrom(row.line, row.lineStart);
+    if (!wraps()) {
+        return true;
+    }
+    if (isLong(line)) {
+        LongLine &cut = longLine(line);
+        return row.segment + 1 == cut.segmentCount() && row.row + 1 == layoutSegment(cut, row.line, row.segment).rowCount();
+    }
+    return row.row + 1 == layoutShort(row.line, line).rowCount();
+}
+
+qint64 LayoutManager::rowCount() const
+{
+    return wraps() ? m_rows.rowCount() : m_storage.text().lineCount();
+}
+
+qint64 LayoutManager::numberOf(const RowPosition &row)
+{
+    if (!wraps()) {
+        return row.line;
+    }
+    const qint64 inLine = row.segment > 0 ? longLine(lineFrom(row.line, row.lineStart)).firstRow(row.segment) + row.row : row.row;
+    return m_rows.rowsBefore(row.line) + inLine;
+}
+
+RowPosition LayoutManager::rowNumber(qint64 number)
+{
+    number = std::clamp<qint64>(number, 0, rowCount() - 1);
+    if (!wraps()) {
+        return {number, m_storage.text().lineStart(number), 0, 0};
+    }
+    const RowMap::Place place = m_rows.lineAtRow(number);
+    return rowInLine(place.line, lineAt(place.line), place.row);
+}
+
+RowPosition LayoutManager::rowInLine(qsizetype lineNumber, const Line &line, qint64 row)
+{
+    if (!isLong(line)) {
+        const int last = layoutShort(lineNumber, line).rowCount() - 1;
+        return {lineNumber, line.start, 0, static_cast<int>(std::min<qint64>(row, last))};
+    }
+    LongLine &cut = longLine(line);
+    const int segment = cut.segmentAtRow(row);
+    const qint64 inSegment = row - cut.firstRow(segment);
+    const int last = layoutSegment(cut, lineNumber, segment).rowCount() - 1;
+    return {lineNumber, line.start, segment, static_cast<int>(std::clamp<qint64>(inSegment, 0, last))};
+}
+
+LayoutManager::Placed LayoutManager::placedSegment(LongLine &line, qsizetype lineNumber, int segment)
+{
+    const SegmentLayout &shown = layoutSegment(line, lineNumber, segment);
+    return {shown, 0, line.x(segment)};
+}
+
+LayoutManager::Placed LayoutManager::placedAt(const RowPosition &row, qsizetype offset)
+{
+    const Line line = lineFrom(row.line, row.lineStart);
+    if (!isLong(line)) {
+        return {layoutShort(row.line, line), row.row, 0};
+    }
+    LongLine &cut = longLine(line);
+    if (wraps()) {
+        return {layoutSegment(cut, row.line, row.segment), row.row, 0};
+    }
+    return placedSegment(cut, row.line, cut.segmentAt(offset));
+}
+
+LayoutManager::Placed LayoutManager::placedAtX(const RowPosition &row, double x)
+{
+    const Line line = lineFrom(row.line, row.lineStart);
+    if (wraps() || !isLong(line)) {
+        return placedAt(row, row.lineStart);
+    }
+    LongLine &cut = longLine(line);
+    return placedSegment(cut, row.line, cut.segmentAtX(x));
+}
+
+double LayoutManager::xOf(const RowPosition &row, qsizetype offset)
+{
+    const Placed placed = placedAt(row, offset);
+    return placed.x + placed.layout.xOf(placed.row, offset);
+}
+
+RowPosition LayoutManager::rowInPreedit(qsizetype position)
+{
+    RowPosition row = rowOf(m_preedit.offset);
+    if (wraps()) {
+        row.row = placedAt(row, m_preedit.offset).layout.rowInPreedit(position);
+    }
+    return row;
+}
+
+double LayoutManager::xInPreedit(const RowPosition &row, qsizetype position)
+{
+    const Placed placed = placedAt(row, m_preedit.offset);
+    return placed.x + placed.layout.xInPreedit(placed.row, position);
+}
+
+qsizetype LayoutManager::offsetAt(const RowPosition &row, double x)
+{
+    const Placed placed = placedAtX(row, x);
+    return placed.layout.offsetAt(placed.row, x - placed.x, QTextLine::CursorBetweenCharacters);
+}
+
+qsizetype LayoutManager::graphemeAt(const RowPosition &row, double x)
+{
+    const Placed placed = placedAtX(row, x);
+    return placed.layout.offsetAt(placed.row, x - placed.x, QTextLine::CursorOnCharacter);
+}
+
+std::vector<Span> LayoutManager::spansOf(const RowPosition &row, TextRange range, Span visible)
+{
+    std::vector<Span> spans;
+    const auto add = [&spans](double from, double to) {
+        const Span span{std::min(from, to), std::max(from, to)};
+        if (!spans.empty() && std::abs(spans.back().right - span.left) < 0.01) {
+            spans.back().right = span.right;
+        } else {
+            spans.push_back(span);
+        }
+    };
+    forEachLayout(row, visible, [&](const SegmentLayout &shown, int inLayout, double x) {
+        const TextRange inRow = wraps() ? shown.rowRange(inLayout) : shown.range();
+        const TextRange shared = range.intersected(inRow);
+        if (shared.isEmpty()) {
+            return;
+        }
+        if (!shown.mixesDirections()) {
+            add(x + shown.xOf(inLayout, shared.location), x + shown.xOf(inLayout, shared.end()));
+            return;
+        }
+        // Neighbours in the text need not be neighbours on the screen, so each character is taken by its own two edges.
+        for (qsizetype offset = shared.location; offset < shared.end(); ++offset) {
+            add(x + shown.xOf(inLayout, offset), x + shown.xBehind(inLayout, offset));
+        }
+    });
+    return spans;
+}
+
+double LayoutManager::widthOf(const RowPosition &row)
+{
+    const Line line = lineFrom(row.line, row.lineStart);
+    if (!wraps() && isLong(line)) {
+        return longLine(line).width();
+    }
+    const Placed placed = placedAt(row, row.lineStart);
+    return placed.layout.rowWidth(placed.row);
+}
+
+double LayoutManager::contentWidth() const
+{
+    if (wraps()) {
+        return *m_settings.wrapWidth;
+    }
+    return std::max(m_widest, static_cast<double>(m_storage.text().longestLine()) * m_cellWidth);
+}
+
+void LayoutManager::forEachLayout(const RowPosition &row, Span visible,
+                                  const std::function<void(const SegmentLayout &, int, double)> &visit)
+{
+    const Line line = lineFrom(row.line, row.lineStart);
+    if (wraps() || !isLong(line)) {
+        const Placed placed = placedAt(row, row.lineStart);
+        visit(placed.layout, placed.row, placed.x);
+        return;
+    }
+    LongLine &cut = longLine(line);
+    for (int segment = cut.segmentAtX(visible.left); segment < cut.segmentCount(); ++segment) {
+        const Placed placed = placedSegment(cut, row.line, segment);
+        if (placed.x > visible.right) {
+            break;
+        }
+        visit(placed.layout, placed.row, placed.x);
+    }
+}
+
+void LayoutManager::measureGap(RowMap::Stretch gap, qsizetype unitBudget)
+{
+    const qsizetype start = m_storage.text().lineStart(gap.firstLine);
+    const auto cells = countCellsOfLines(m_storage.text(), start, gap.count, unitBudget, m_settings.tabWidth);
+    const auto perRow = static_cast<qsizetype>(cellsPerRow());
+    std::vector<quint32> rows(cells.size());
+    std::transform(cells.begin(), cells.end(), rows.begin(),
+                   [perRow](qsizetype count) { return static_cast<quint32>(std::max<qsizetype>(1, (count + perRow - 1) / perRow)); });
+    m_rows.setRowsOfLines(gap.firstLine, rows);
+}
+
+bool LayoutManager::refine(qsizetype line, qsizetype unitBudget)
+{
+    const auto gap = wraps() ? m_rows.gapNear(line) : std::nullopt;
+    if (!gap) {
+        return false;
+    }
+    // Downwards from the line first, then what lies above it.
+    const qsizetype end = gap->firstLine + gap->count;
+    const qsizetype from = std::clamp(line, gap->firstLine, end - 1);
+    const bool isAbove = end <= line;
+    measureGap(isAbove ? *gap : RowMap::Stretch{from, end - from}, unitBudget);
+    return m_rows.gapNear(line).has_value();
+}
+
+void LayoutManager::checkInvariants() const
+{
+    m_rows.checkInvariants();
+    const bool isSorted = std::is_sorted(m_cache.begin(), m_cache.end(),
+                                         [](const auto &a, const auto &b) { return a->range().location < b->range().location; });
+    const bool isInText = m_cache.empty() || m_cache.back()->range().end() <= m_storage.text().length();
+    if (!isSorted || !isInText || (wraps() && m_rows.lineCount() != m_storage.text().lineCount())) {
+        qFatal("LayoutManager: the layouts do not match the text");
+    }
+}

@@ -1,0 +1,722 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "View/TextView.h"
+
+#include "Base/Pasteboard.h"
+#include "Text/PasteboardText.h"
+#include "Text/TextBoundaries.h"
+#include "Text/TextSearch.h"
+#include "Text/TextStorage.h"
+#include "View/TextViewAccessible.h"
+
+#include <QApplication>
+#include <QInputMethod>
+#include <QPointer>
+#include <QScopedValueRollback>
+
+#include <array>
+#include <cmath>
+
+using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
+
+TextView::TextView(TextStorage &storage, UndoManager &undoManager, Services services, const QFont &font, QWidget *parent)
+    : QAbstractScrollArea(parent), m_storage(storage), m_undoManager(undoManager), m_services(services),
+      m_layout(storage, {.font = font, .tabWidth = 4, .wrapWidth = {}, .devicePixelRatio = devicePixelRatioF()})
+{
+    TextViewAccessible::install();
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_InputMethodEnabled);
+    setInputMethodHints(Qt::ImhMultiLine | Qt::ImhNoAutoUppercase | Qt::ImhNoPredictiveText);
+    setFrameShape(QFrame::NoFrame);
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    viewport()->setCursor(Qt::IBeamCursor);
+    setAcceptDrops(true);
+    applyPaletteColors();
+    connect(&storage, &TextStorage::changed, this, &TextView::storageChanged);
+    connect(&storage, &TextStorage::stylesChanged, this, &TextView::storageStylesChanged);
+}
+
+TextView::~TextView() = default;
+
+const ActionRow *TextView::actionFor(Selector selector) const
+{
+    static constexpr auto rows = std::to_array<ActionRow>({
+        action<&TextView::undo, &TextView::canUndo>("undo:"),
+        action<&TextView::redo, &TextView::canRedo>("redo:"),
+        action<&TextView::cut, &TextView::canCut>("cut:"),
+        action<&TextView::copy, &TextView::hasSelection>("copy:"),
+        action<&TextView::paste, &TextView::canPaste>("paste:"),
+        action<&TextView::deleteSelection, &TextView::canCut>("delete:"),
+        action<&TextView::selectAll>("selectAll:"),
+        action<&TextView::centerSelection>("centerSelectionInVisibleArea:"),
+    });
+    return findAction(rows, selector);
+}
+
+bool TextView::canUndo() const
+{
+    return !isReadOnly() && m_undoManager.canUndo();
+}
+
+bool TextView::canRedo() const
+{
+    return !isReadOnly() && m_undoManager.canRedo();
+}
+
+bool TextView::hasSelection() const
+{
+    return !selection().isEmpty();
+}
+
+bool TextView::canCut() const
+{
+    return !isReadOnly() && hasSelection();
+}
+
+bool TextView::canPaste() const
+{
+    return !isReadOnly() && m_services.pasteboard.hasText();
+}
+
+// Settings
+
+LayoutManager::Settings TextView::settingsForViewport() const
+{
+    LayoutManager::Settings settings = m_layout.settings();
+    settings.devicePixelRatio = devicePixelRatioF();
+    settings.wrapWidth.reset();
+    if (m_wrapMode == WrapMode::viewWidth) {
+        const double width = viewport()->width() - 2 * m_port.insets().horizontal;
+        settings.wrapWidth = std::max(width, 4 * m_layout.cellWidth());
+    }
+    return settings;
+}
+
+void TextView::applySettings(LayoutManager::Settings settings)
+{
+    m_layout.setSettings(std::move(settings));
+    m_port.setSize(viewport()->size());
+    m_layout.setCacheCapacity(static_cast<size_t>(std::max<qint64>(64, 3 * m_port.rowsPerPage())));
+    m_port.settle();
+    viewMoved();
+    viewport()->update();
+}
+
+void TextView::setTextFont(const QFont &font)
+{
+    LayoutManager::Settings settings = settingsForViewport();
+    settings.font = font;
+    applySettings(std::move(settings));
+}
+
+void TextView::setTabWidth(int cells)
+{
+    if (std::max(1, cells) == m_layout.settings().tabWidth) {
+        return;
+    }
+    LayoutManager::Settings settings = settingsForViewport();
+    settings.tabWidth = std::max(1, cells);
+    applySettings(std::move(settings));
+}
+
+void TextView::setWrapMode(WrapMode mode)
+{
+    m_wrapMode = mode;
+    // Wrapped text never needs the bar; asking for it would change the width and so the wrapping.
+    setHorizontalScrollBarPolicy(mode == WrapMode::none ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(mode == WrapMode::none ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOn);
+    applySettings(settingsForViewport());
+}
+
+void TextView::applyPaletteColors()
+{
+    const QPalette &shown = palette();
+    m_colors = {.background = shown.color(QPalette::Base),
+                .text = shown.color(QPalette::Text),
+                .selection = shown.color(QPalette::Highlight),
+                .caret = shown.color(QPalette::Text),
+                .currentLine = {},
+                .invisibles = shown.color(QPalette::PlaceholderText),
+                .mark = {}};
+    // Text keeps its colours on a selection, so the selection must stay near the background.
+    m_colors.selection.setAlphaF(0.35F);
+    m_colors.mark = m_colors.selection;
+    viewport()->update();
+}
+
+void TextView::setColors(const Colors &colors)
+{
+    m_followsPalette = false;
+    m_colors = colors;
+    viewport()->update();
+}
+
+void TextView::setCaretShape(CaretShape shape)
+{
+    m_caretShape = shape;
+    viewport()->update();
+}
+
+void TextView::setInvisibles(Visibility visibility)
+{
+    m_invisibles = visibility;
+    viewport()->update();
+}
+
+void TextView::setAccess(Access access)
+{
+    commitPreedit();
+    m_access = access;
+    QGuiApplication::inputMethod()->update(Qt::ImEnabled | Qt::ImReadOnly);
+}
+
+void TextView::setMarkProvider(MarkProvider provider)
+{
+    m_marks = std::move(provider);
+    viewport()->update();
+}
+
+void TextView::setMisspellings(MarkProvider provider)
+{
+    m_misspellings = std::move(provider);
+    viewport()->update();
+}
+
+void TextView::showIndicator(TextRange range)
+{
+    // Full for a while, then it fades; a step is hardly seen.
+    constexpr double initialStrength = 2;
+    updateRows(m_indicated.clampedTo(m_storage.length()));
+    m_indicated = range.clampedTo(m_storage.length());
+    m_indicatorStrength = initialStrength;
+    m_indicatorFades = m_services.scheduler.every(40ms, 10ms, [this] { fadeIndicator(); });
+    updateRows(m_indicated);
+}
+
+void TextView::fadeIndicator()
+{
+    constexpr double step = 0.125;
+    const bool isFull = m_indicatorStrength > 1;
+    m_indicatorStrength -= step;
+    if (!isFull) {
+        updateRows(m_indicated);
+    }
+    if (m_indicatorStrength <= 0) {
+        m_indicatorFades.cancel();
+        m_indicated = {};
+    }
+}
+
+// The edit primitive
+
+bool TextView::shouldChangeText(TextRange range, QStringView replacement)
+{
+    Q_UNUSED(range)
+    Q_UNUSED(replacement)
+    return !isReadOnly();
+}
+
+bool TextView::replaceText(TextRange range, QStringView text, GroupKind kind, TextSelection after)
+{
+    const Replacement edit{range, text};
+    return replaceTexts({&edit, 1}, kind, after);
+}
+
+bool TextView::replaceTexts(std::span<const Replacement> edits, GroupKind kind, TextSelection after)
+{
+    if (!std::ranges::all_of(edits, [this](const Replacement &edit) { return shouldChangeText(edit.range, edit.text); })) {
+        return false;
+    }
+    {
+        const QScopedValueRollback<bool> editing(m_isEditing, true);
+        m_undoManager.beginGroup(kind, selection(), this);
+        m_selectionToCome = after;
+        m_awaitsReport = true;
+        {
+            const EditBatch batch(m_storage);
+            qsizetype shift = 0;
+            for (const Replacement &edit : edits) {
+                m_storage.replaceCharacters({edit.range.location + shift, edit.range.length}, edit.text);
+                shift += edit.text.size() - edit.range.length;
+            }
+        }
+        m_undoManager.endGroup(after);
+        if (m_storage.hasUnreportedChanges()) {
+            return true; // the caret goes there with the report
+        }
+        const TextSelection reached = std::exchange(m_selectionToCome, std::nullopt).value_or(after);
+        setCaret({reached.caret, Affinity::downstream, {}}, reached.anchor);
+    }
+    revealCaret();
+    didChangeText();
+    return true;
+}
+
+void TextView::insertText(QStringView text, TextRange range)
+{
+    replaceText(range, text, GroupKind::other, TextSelection::at(range.location + text.length()));
+}
+
+void TextView::applyReplacement(const TextReplacement &replacement)
+{
+    const QPointer<TextView> view(this);
+    TextStorage &storage = m_storage;
+    UndoManager &undo = m_undoManager;
+    const bool isStretch = replacement.edits.empty();
+    undo.beginGroup(GroupKind::other, selection(), this);
+    {
+        const EditBatch batch(storage);
+        qsizetype shift = 0;
+        for (const TextReplacement::Edit &edit : replacement.edits) {
+            if (shouldChangeText(edit.range, edit.text)) {
+                storage.replaceCharacters({edit.range.location + shift, edit.range.length}, edit.text);
+                shift += edit.text.size() - edit.range.length;
+            }
+        }
+        if (isStretch && shouldChangeText(replacement.hull, {})) {
+            storage.replaceCharacters(replacement.hull, replacement.hullText);
+        }
+    }
+    // Who hears of the edit may close the view.
+    if (view && isStretch) {
+        // The ends of a selection found their places one by one, and what is between them now is nobody's choice.
+        setSelection(TextSelection::at(selection().range().location));
+    }
+    undo.endGroup(view ? selection() : TextSelection());
+    if (view) {
+        didChangeText();
+    }
+}
+
+void TextView::removeRange(TextRange range, GroupKind kind)
+{
+    if (!range.isEmpty()) {
+        replaceText(range, {}, kind, TextSelection::at(range.location));
+    }
+}
+
+// Following the storage
+
+void TextView::storageChanged(const TextChangeList &changes)
+{
+    const TextSelection before = selection();
+    m_layout.textChanged(changes);
+    m_port.textChanged(m_storage.text(), changes, m_isEditing ? Viewport::Editor::thisView : Viewport::Editor::another);
+    mapPlaces(changes);
+    if (m_storage.hasUnreportedChanges()) {
+        // An observer has gone on editing: what is to be shown is known with the last report.
+        m_isBehind = true;
+        return;
+    }
+    if (std::exchange(m_isBehind, false)) {
+        viewport()->update();
+    }
+    if (isComposing()) {
+        movePreedit();
+    }
+    if (m_port.settle()) {
+        viewport()->update();
+    }
+    updateForChanges(changes);
+    sendAccessibleChanges(changes);
+    viewMoved();
+    if (m_selectionToCome && !m_isEditing) {
+        setSelection(*std::exchange(m_selectionToCome, std::nullopt), Reveal::nearest);
+        didChangeText();
+    } else if (!m_isEditing && selection() != before) {
+        sendAccessibleSelection(before);
+        emit selectionChanged();
+    }
+}
+
+/// Everything that remembers a place in the text goes where that text went.
+void TextView::mapPlaces(const TextChangeList &changes)
+{
+    const Rope &text = m_storage.text();
+    m_shownCaret.reset();
+    const auto map = [&](qsizetype offset, LinePlace place, Bias bias) {
+        return TextBoundaries::snapped(text, mappedPlace(offset, place, text, changes, bias));
+    };
+    // What comes in at an end of a selection stays outside.
+    const bool isCaretFirst = m_caret.offset < m_anchor;
+    const bool isAnchorFirst = m_anchor < m_caret.offset;
+    m_caret = {map(m_caret.offset, m_caretPlace, isCaretFirst ? Bias::after : Bias::before), Affinity::downstream, {}};
+    m_anchor = map(m_anchor, m_anchorPlace, isAnchorFirst ? Bias::after : Bias::before);
+    m_caretPlace = LinePlace::of(text, m_caret.offset);
+    m_anchorPlace = LinePlace::of(text, m_anchor);
+    if (m_awaitsReport && (m_isEditing || !m_storage.hasUnreportedChanges())) {
+        m_awaitsReport = false;
+    } else if (m_selectionToCome && !m_awaitsReport) {
+        m_selectionToCome = mappedSelection(*m_selectionToCome, changes, Bias::before);
+    }
+    m_dragged = mappedRange(m_dragged, changes).clampedTo(text.length());
+    m_indicated = mappedRange(m_indicated, changes).clampedTo(text.length());
+    m_pointer.origin = mappedRange(m_pointer.origin, changes).clampedTo(text.length());
+    if (m_dropCaret) {
+        m_dropCaret = std::min(mappedOffset(*m_dropCaret, changes, Bias::before), text.length());
+    }
+}
+
+void TextView::updateForChanges(const TextChangeList &changes)
+{
+    if (changes.empty()) {
+        return;
+    }
+    const TextChange &first = changes.front();
+    const bool isOneRow = changes.size() == 1 && !m_layout.wraps() && first.removedLines == 0 && first.insertedLines == 0;
+    if (isOneRow) {
+        updateRows({first.position, first.inserted});
+        return;
+    }
+    const auto top = m_port.topOf(m_layout.rowOf(m_storage.text().lineStart(m_storage.text().lineAt(first.position))));
+    viewport()->update(0, static_cast<int>(std::floor(top.value_or(0))), viewport()->width(), viewport()->height());
+}
+
+void TextView::storageStylesChanged(const std::vector<TextRange> &ranges)
+{
+    m_layout.stylesChanged(ranges);
+    const TextRange visible = TextRange::between(m_port.anchor(), m_layout.rangeOf(m_port.rowAt(viewport()->height()).row).end());
+    for (const TextRange range : ranges) {
+        if (range.touches(visible)) {
+            updateRows(range.intersected(visible));
+        }
+    }
+}
+
+void TextView::updateRows(TextRange range)
+{
+    const double height = m_layout.rowHeight();
+    const Viewport::VisibleRow end = m_port.rowAt(viewport()->height());
+    const auto first = m_port.topOf(m_layout.rowOf(range.location));
+    const auto last = m_port.topOf(m_layout.rowOf(std::min(range.end(), m_storage.length())));
+    if (!first && !last && range.location > m_layout.rangeOf(end.row).end()) {
+        return;
+    }
+    const double top = first.value_or(0);
+    const double bottom = last ? *last + height : viewport()->height();
+    viewport()->update(QRectF(0, top, viewport()->width(), bottom - top).toAlignedRect());
+}
+
+// Selection
+
+void TextView::setCaret(const Caret &caret, qsizetype anchor)
+{
+    const TextSelection before = selection();
+    const QRectF rowBefore = caretRowInViewport();
+    updateCaret();
+    m_shownCaret.reset();
+    m_caret = caret;
+    m_anchor = anchor;
+    m_caretPlace = LinePlace::of(m_storage.text(), m_caret.offset);
+    m_anchorPlace = LinePlace::of(m_storage.text(), m_anchor);
+    if (isComposing() && m_layout.preedit().offset != m_caret.offset) {
+        movePreedit();
+    }
+    restartBlinking();
+    if (const QRectF row = caretRowInViewport(); row != rowBefore) {
+        viewport()->update(rowBefore.toAlignedRect());
+        viewport()->update(row.toAlignedRect());
+    }
+    // An edit of this view has already moved the ends along with the text, which is no reason to keep silent about it.
+    if (selection() == before && !m_isEditing) {
+        updateCaret();
+        return;
+    }
+    // Rows between the old and the new ends change their look; with no selection at all only the carets do.
+    if (!before.isEmpty() || !selection().isEmpty()) {
+        const auto changed = [this](qsizetype a, qsizetype b) {
+            if (a != b) {
+                updateRows(TextRange::spanning(a, b).clampedTo(m_storage.length()));
+            }
+        };
+        if (before.anchor == m_anchor) {
+            changed(before.caret, m_caret.offset);
+        } else {
+            changed(before.anchor, before.caret);
+            changed(m_anchor, m_caret.offset);
+        }
+    }
+    updateCaret();
+    if (hasFocus()) {
+        QGuiApplication::inputMethod()->update(Qt::ImCursorRectangle | Qt::ImAnchorRectangle | Qt::ImCursorPosition | Qt::ImAnchorPosition |
+                                               Qt::ImCurrentSelection | Qt::ImSurroundingText | Qt::ImTextBeforeCursor |
+                                               Qt::ImTextAfterCursor);
+    }
+    sendAccessibleSelection(before);
+    publishPrimarySelection();
+    emit selectionChanged();
+}
+
+void TextView::setSelection(TextSelection selection, Reveal reveal)
+{
+    const auto legal = [this](qsizetype offset) { return TextBoundaries::snapped(m_storage.text(), offset); };
+    if (legal(selection.caret) != m_caret.offset) {
+        m_undoManager.breakCoalescing();
+    }
+    setCaret({legal(selection.caret), Affinity::downstream, {}}, legal(selection.anchor));
+    revealCaret(reveal);
+}
+
+void TextView::showCaretAt(TextSelection selection, qsizetype place)
+{
+    setSelection(selection);
+    const qsizetype shown = TextBoundaries::snapped(m_storage.text(), place);
+    if (shown != m_caret.offset) {
+        updateCaret();
+        viewport()->update(caretRowInViewport().toAlignedRect());
+        m_shownCaret = shown;
+        updateCaret();
+        viewport()->update(caretRowInViewport().toAlignedRect());
+    }
+    revealCaret();
+}
+
+TextRange TextView::visibleRange()
+{
+    const double height = viewport()->height();
+    const double width = viewport()->width();
+    const auto first = m_port.rowAt(-height / 2).row;
+    const auto last = m_port.rowAt(height * 3 / 2).row;
+    const double left = -m_port.left();
+    return TextRange::between(m_layout.offsetAt(first, left - width / 2), m_layout.offsetAt(last, left + width * 3 / 2));
+}
+
+void TextView::revealOffset(qsizetype offset)
+{
+    const RowPosition row = m_layout.rowOf(offset);
+    m_port.reveal(row);
+    const double x = m_layout.xOf(row, offset);
+    m_port.revealX({x, x + m_layout.cellWidth()});
+    viewMoved();
+    viewport()->update();
+}
+
+void TextView::centerSelection()
+{
+    revealCaret(Reveal::center);
+}
+
+void TextView::setScrollOffset(double pixels)
+{
+    m_port.setY(pixels);
+    viewMoved();
+    viewport()->update();
+}
+
+QString TextView::selectedText() const
+{
+    return m_storage.string(selection().range());
+}
+
+void TextView::revealCaret(Reveal reveal)
+{
+    if (reveal == Reveal::no) {
+        return;
+    }
+    const QPointF before = m_port.position();
+    const RowPosition row = caretRow();
+    m_port.reveal(row, reveal == Reveal::center ? Viewport::Reveal::center : Viewport::Reveal::nearest);
+    const double x = caretX(row);
+    m_port.revealX({x, x + 2});
+    if (m_port.position() != before) {
+        viewMoved();
+        viewport()->update();
+    }
+}
+
+void TextView::publishPrimarySelection()
+{
+    if (!m_services.pasteboard.supportsPrimary() || m_pointer.isSelecting || selection().isEmpty()) {
+        return;
+    }
+    // Held keys move the selection many times a second; other programs are told when it rests.
+    m_primarySettles = m_services.scheduler.after(100ms, [this] {
+        const TextRange range = selection().range();
+        if (!range.isEmpty()) {
+            m_services.pasteboard.setPrimary([snapshot = m_storage.snapshot(), range] { return snapshot.text.toString(range); });
+        }
+    });
+}
+
+Caret TextView::caretAt(QPointF point)
+{
+    const Viewport::VisibleRow row = m_port.rowAt(point.y());
+    const qsizetype offset = m_layout.offsetAt(row.row, point.x() - m_port.left());
+    const bool isAtWrap = offset == m_layout.rangeOf(row.row).end() && !m_layout.endsLine(row.row);
+    return {offset, isAtWrap ? Affinity::upstream : Affinity::downstream, {}};
+}
+
+// Undo and the pasteboard
+
+void TextView::undo()
+{
+    replay(&UndoManager::undo);
+}
+
+void TextView::redo()
+{
+    replay(&UndoManager::redo);
+}
+
+void TextView::replay(std::optional<TextSelection> (UndoManager::*step)())
+{
+    commitPreedit();
+    if (isReadOnly()) {
+        return;
+    }
+    willReplay();
+    const QScopedValueRollback<bool> editing(m_isEditing, true);
+    if (const auto shown = (m_undoManager.*step)()) {
+        setSelection(*shown, Reveal::nearest);
+        didChangeText();
+    }
+}
+
+void TextView::copy()
+{
+    const TextRange range = selection().range();
+    if (range.isEmpty()) {
+        return;
+    }
+    setText(m_services.pasteboard, m_storage.text().slice(range));
+}
+
+void TextView::cut()
+{
+    if (!isReadOnly() && !selection().isEmpty()) {
+        commitPreedit();
+        copy();
+        deleteSelection();
+    }
+}
+
+void TextView::paste()
+{
+    commitPreedit();
+    const QString text = m_services.pasteboard.text();
+    if (!text.isEmpty()) {
+        insertText(withLineFeeds(text), selection().range());
+    }
+}
+
+void TextView::deleteSelection()
+{
+    removeRange(selection().range(), GroupKind::other);
+}
+
+void TextView::selectAll()
+{
+    commitPreedit();
+    m_undoManager.breakCoalescing();
+    setCaret({m_storage.length(), Affinity::downstream, {}}, 0);
+}
+
+// Focus and the caret
+
+void TextView::focusInEvent(QFocusEvent *event)
+{
+    QAbstractScrollArea::focusInEvent(event);
+    restartBlinking();
+    viewport()->update();
+}
+
+void TextView::focusOutEvent(QFocusEvent *event)
+{
+    commitPreedit();
+    m_undoManager.breakCoalescing();
+    QAbstractScrollArea::focusOutEvent(event);
+    m_blinking.cancel();
+    viewport()->update();
+}
+
+bool TextView::focusNextPrevChild(bool next)
+{
+    // Tab belongs to the text; a view that cannot take it lets the focus pass.
+    return isReadOnly() && QAbstractScrollArea::focusNextPrevChild(next);
+}
+
+void TextView::restartBlinking()
+{
+    m_isCaretOn = true;
+    const int period = QApplication::cursorFlashTime();
+    if (!hasFocus() || period < 2) {
+        m_blinking.cancel();
+        return;
+    }
+    m_blinking = m_services.scheduler.every(std::chrono::milliseconds(period / 2), 20ms, [this] {
+        m_isCaretOn = !m_isCaretOn;
+        updateCaret();
+    });
+}
+
+void TextView::updateCaret()
+{
+    viewport()->update(caretInViewport().toAlignedRect().adjusted(-1, 0, 1, 0));
+    noticeShifts();
+}
+
+/// Empty while the row of the caret has no colour of its own, and when it is not on the screen.
+QRectF TextView::caretRowInViewport()
+{
+    if (!m_colors.currentLine.isValid()) {
+        return {};
+    }
+    const auto top = m_port.topOf(caretRow());
+    return top ? QRectF(0, *top, viewport()->width(), m_layout.rowHeight()) : QRectF();
+}
+
+RowPosition TextView::caretRow()
+{
+    return isComposing() ? m_layout.rowInPreedit(m_preeditCaret) : m_layout.rowOf(shownCaret(), m_caret.affinity);
+}
+
+double TextView::caretX(const RowPosition &row)
+{
+    return isComposing() ? m_layout.xInPreedit(row, m_preeditCaret) : m_layout.xOf(row, shownCaret());
+}
+
+QRectF TextView::caretInViewport()
+{
+    const RowPosition row = caretRow();
+    const auto top = m_port.topOf(row);
+    if (!top) {
+        return {};
+    }
+    double x = caretX(row);
+    const double dpr = devicePixelRatioF();
+    const double left = std::floor((m_port.left() + x) * dpr) / dpr;
+    double width = std::max(1.0, std::round(1.4 * dpr) / dpr);
+    if (m_caretShape != CaretShape::bar) {
+        const qsizetype next = TextBoundaries::nextGrapheme(m_storage.text(), shownCaret());
+        const bool isInRow = next <= m_layout.rangeOf(row).end();
+        width = isInRow && next > shownCaret() ? std::abs(m_layout.xOf(row, next) - x) : m_layout.cellWidth();
+    }
+    // Blanks that hang over the edge of a wrapped row do not take the caret with them.
+    const double rightmost = m_layout.wraps() ? std::max(0.0, viewport()->width() - width) : left;
+    return {std::min(left, rightmost), *top, width, m_layout.rowHeight()};
+}
+
+QRect TextView::caretRectangle()
+{
+    return caretInViewport().toAlignedRect().translated(viewport()->pos());
+}
+
+// Looks
+
+void TextView::changeEvent(QEvent *event)
+{
+    QAbstractScrollArea::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && m_followsPalette) {
+        applyPaletteColors();
+    }
+}
+
+bool TextView::viewportEvent(QEvent *event)
+{
+    // There is no event for a screen of another scale; the first painting on it tells.
+    if (event->type() == QEvent::Paint && devicePixelRatioF() != m_layout.settings().devicePixelRatio) {
+        applySettings(settingsForViewport());
+    }
+    return QAbstractScrollArea::viewportEvent(event);
+}

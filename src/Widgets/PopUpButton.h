@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Base/Scheduler.h"
+#include "Widgets/FlatButton.h"
+
+#include <QMenu>
+#include <QStringList>
+
+#include <vector>
+
+class QActionGroup;
+
+/// A menu whose entries are found by typing how they begin. What is typed within a second belongs together; the same letter again and
+/// again goes through all entries that begin with it.
+class ChoiceMenu final : public QMenu {
+    Q_OBJECT
+
+public:
+    explicit ChoiceMenu(const Scheduler &scheduler, QWidget *parent = nullptr);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+
+private:
+    [[nodiscard]] bool search(const QString &typed);
+
+    const Scheduler &m_scheduler;
+    QString m_searched;
+    Scheduler::Milliseconds m_lastKey{};
+};
+
+/// A flat button that shows one of several choices and offers the others in a menu, the shown one checked. Choosing changes nothing by
+/// itself: whoever hears of it sets what is shown then.
+class PopUpButton final : public FlatButton {
+    Q_OBJECT
+
+public:
+    explicit PopUpButton(const Scheduler &scheduler, QWidget *parent = nullptr);
+
+    /// What is chosen here: the tool tip, and for screen readers in front of the choice.
+    void setTitle(const QString &title);
+    /// The index shown stays if there are as many choices, else it is the first.
+    void setChoices(const QStringList &titles);
+    /// `index` must be that of a choice.
+    void setShownIndex(int index);
+    [[nodiscard]] int shownIndex() const { return m_shownIndex; }
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+signals:
+    void chosen(int index);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    ChoiceMenu *m_menu;
+    QActionGroup *m_group;
+    QString m_title;
+    int m_shownIndex = 0;
+};
