@@ -9,6 +9,7 @@
 #include "Base/HomePath.h"
 #include "Base/Localization.h"
 #include "Base/Translation.h"
+#include "Commands/Actions.h"
 #include "Desktop/Desktop.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
@@ -90,21 +91,21 @@ AppDelegate::~AppDelegate()
     }
 }
 
-const ActionRow *AppDelegate::actionFor(Selector selector) const
+const ActionRow *AppDelegate::actionFor(const Action &wanted) const
 {
     using Self = AppDelegate;
     static constexpr auto rows = std::to_array<ActionRow>({
-        action<&Self::newWindow>("newWindow:"),
-        action<&Self::terminate>("terminate:"),
-        action<&Self::showAbout>("orderFrontStandardAboutPanel:"),
-        action<&Self::showSettings>("showSettings:"),
-        action<&Self::showUserGuide>("showUserGuide:"),
-        action<&Self::showShortcuts>("showShortcuts:"),
-        action<&Self::revealSupportFolder>("revealSupportFolder:"),
-        action<&Self::openRecentDocument>("openRecentDocument:"),
-        action<&Self::clearRecentDocuments, &Self::hasRecentDocuments>("clearRecentDocuments:"),
+        action<&Self::newWindow>(Actions::newWindow),
+        action<&Self::terminate>(Actions::terminate),
+        action<&Self::showAbout>(Actions::showAbout),
+        action<&Self::showSettings>(Actions::showSettings),
+        action<&Self::showUserGuide>(Actions::showUserGuide),
+        action<&Self::showShortcuts>(Actions::showShortcuts),
+        action<&Self::revealSupportFolder>(Actions::revealSupportFolder),
+        action<&Self::openRecentDocument>(Actions::openRecentDocument),
+        action<&Self::clearRecentDocuments, &Self::hasRecentDocuments>(Actions::clearRecentDocuments),
     });
-    return findAction(rows, selector);
+    return findAction(rows, wanted);
 }
 
 // Windows
@@ -211,13 +212,6 @@ std::vector<WorkspaceViewController *> AppDelegate::workspaces() const
         all.push_back(&window->workspace());
     }
     return all;
-}
-
-QString AppDelegate::keyName(Selector action) const
-{
-    // The menu has it with its relatives, as one of several actions of finding; the toolbar has it alone.
-    const Selector inMenu = action == "showFindInterface:" ? Selector("performTextFinderAction:") : action;
-    return MainMenu::keyOf(inMenu).toString(QKeySequence::NativeText);
 }
 
 // Files
@@ -510,13 +504,18 @@ void AppDelegate::showSettings()
                              .notifications = m_services.notifications,
                              .presenter = m_services.presenter,
                              .dataFolder = m_services.session.rootDirectory(),
-                             .showKeyReference = [this] { showInWindow("showVimKeyReference:"); }});
+                             .showKeyReference = [this] { showInWindow(Actions::showVimKeyReference); }});
     }
     m_settings->comeToFront(frontmostWindow());
 }
 
+void AppDelegate::showUserGuide()
+{
+    showInWindow(Actions::showUserGuide);
+}
+
 /// For those who ask from a window that has no tabs.
-void AppDelegate::showInWindow(Selector reference)
+void AppDelegate::showInWindow(const Action &reference)
 {
     MainWindowController *front = frontmostWindow();
     MainWindowController &window = front ? *front : makeWindow();

@@ -52,7 +52,7 @@ public:
     [[nodiscard]] MainWindowController *frontmostWindow() const;
     [[nodiscard]] const std::vector<DiffWindowController *> &comparisons() const { return m_comparisons; }
 
-    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
     [[nodiscard]] Responder *nextResponder() const override { return nullptr; }
 
 signals:
@@ -78,8 +78,8 @@ private:
     void warn(const QString &message, const QString &details);
     void showAbout();
     void showSettings();
-    void showUserGuide() { showInWindow("showUserGuide:"); }
-    void showInWindow(Selector reference);
+    void showUserGuide();
+    void showInWindow(const Action &reference);
     void rememberActiveWindow();
     void showShortcuts();
     void revealSupportFolder();
@@ -94,7 +94,6 @@ private:
     [[nodiscard]] WorkspaceViewController &openWindow() override;
     void openComparison(DiffViewController::Side left, DiffViewController::Side right, const Language &language) override;
     [[nodiscard]] std::vector<WorkspaceViewController *> workspaces() const override;
-    [[nodiscard]] QString keyName(Selector action) const override;
 
     WorkspaceServices m_services;
     std::vector<MainWindowController *> m_windows;

@@ -2,13 +2,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Commands/Responder.h"
+#include "Commands/Action.h"
 
-#include <QKeySequence>
-#include <QList>
+#include <QVariant>
 
 #include <functional>
-#include <span>
 #include <vector>
 
 class AlertPresenter;
@@ -16,44 +14,21 @@ class QMainWindow;
 class QMenu;
 class RecentDocuments;
 
-/// One item of the menu bar, or the place of items that are listed elsewhere.
-struct MenuCommand {
-    enum class Place {
-        inGroup,
-        /// A separator comes before it.
-        startsGroup,
-    };
-    enum class Look { plain, checkable };
-    /// What stands in the place of the row: nothing where it is not for this desktop.
-    enum class Content { itself, languages, themes, recentDocuments, openDocuments, notHere };
-
-    /// English titles are the keys of the language tables.
-    const char16_t *menu;
-    Selector selector;
-    const char16_t *title;
-    /// As QKeySequence reads them, several with "; " between; empty for none. The first is shown.
-    const char *shortcuts = "";
-    Place place = Place::inGroup;
-    Look look = Look::plain;
-    /// The submenu that the item is in; null for none. Items of one submenu follow each other.
-    const char16_t *submenu = nullptr;
-    /// Tells items of one selector apart; "%d" in the title stands for it.
-    int tag = 0;
-    Content content = Content::itself;
-
-    [[nodiscard]] QList<QKeySequence> keySequences() const;
-};
-
 /// A menu bar, a menu or an item, with titles in the language of the interface.
 struct MenuNode {
     enum class Kind { item, separator, menu };
 
     Kind kind = Kind::item;
     QString title = {};
-    /// Of an item; it is disabled when it has none. Of a menu only when that is made anew each time it opens.
-    const MenuCommand *command = nullptr;
-    ActionSender sender = {};
+    /// Of an item; it is disabled when it has none.
+    const Action *action = nullptr;
+    /// What an item stands for that is one of several of its action.
+    QVariant represented = {};
     QString toolTip = {};
+    /// An item that has the name of a file, or says that there are none.
+    bool comesAndGoes = false;
+    /// Of a menu that is made anew each time it opens.
+    const MenuLayout *filledWhenItOpens = nullptr;
     std::vector<MenuNode> children = {};
 };
 
@@ -76,12 +51,8 @@ class MainMenu final {
 public:
     MainMenu() = delete;
 
-    /// All rows in the order of the menus.
-    [[nodiscard]] static std::span<const MenuCommand> commands();
     /// The menus as they are while there are no recent and no other documents.
     [[nodiscard]] static std::vector<MenuNode> build();
-    /// The first key of a command; empty when it has none.
-    [[nodiscard]] static QKeySequence keyOf(Selector selector);
 
     /// Gives `window` its menu bar, in place of one that it has: after another language was chosen. Items act on the window's first
     /// responder and are shown as it says when their menu opens; one that is chosen by its keys while it is disabled beeps. `presenter`

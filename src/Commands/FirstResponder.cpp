@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Commands/FirstResponder.h"
 
+#include "Commands/Actions.h"
 #include "Widgets/AlertPresenter.h"
 
 #include <QApplication>
@@ -23,18 +24,18 @@ public:
         setNextResponder(nearestResponder(edit->parent()));
     }
 
-    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override
     {
         static constexpr auto rows = std::to_array<ActionRow>({
-            action<&LineEditResponder::undo, &LineEditResponder::canUndo>("undo:"),
-            action<&LineEditResponder::redo, &LineEditResponder::canRedo>("redo:"),
-            action<&LineEditResponder::cut, &LineEditResponder::canCut>("cut:"),
-            action<&LineEditResponder::copy, &LineEditResponder::canCopy>("copy:"),
-            action<&LineEditResponder::paste, &LineEditResponder::canPaste>("paste:"),
-            action<&LineEditResponder::deleteSelection, &LineEditResponder::canDelete>("delete:"),
-            action<&LineEditResponder::selectAll>("selectAll:"),
+            action<&LineEditResponder::undo, &LineEditResponder::canUndo>(Actions::undo),
+            action<&LineEditResponder::redo, &LineEditResponder::canRedo>(Actions::redo),
+            action<&LineEditResponder::cut, &LineEditResponder::canCut>(Actions::cut),
+            action<&LineEditResponder::copy, &LineEditResponder::canCopy>(Actions::copy),
+            action<&LineEditResponder::paste, &LineEditResponder::canPaste>(Actions::paste),
+            action<&LineEditResponder::deleteSelection, &LineEditResponder::canDelete>(Actions::deleteSelection),
+            action<&LineEditResponder::selectAll>(Actions::selectAll),
         });
-        return m_edit ? findAction(rows, selector) : nullptr;
+        return m_edit ? findAction(rows, wanted) : nullptr;
     }
 
 private:
@@ -118,10 +119,10 @@ Responder *firstResponder(QWidget *window)
     return nearestResponder(focus ? focus : window);
 }
 
-void chooseAction(QWidget &window, Selector selector, const ActionSender &sender, AlertPresenter &presenter)
+void chooseAction(QWidget &window, const Action &action, const QVariant &represented, AlertPresenter &presenter)
 {
     Responder *responder = firstResponder(&window);
-    if (!responder || !responder->state(selector, sender).isEnabled || !responder->perform(selector, sender)) {
+    if (!responder || !responder->state(action, represented).isEnabled || !responder->perform(action, represented)) {
         presenter.beep();
     }
 }

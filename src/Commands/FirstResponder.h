@@ -8,7 +8,7 @@ class AlertPresenter;
 class QWidget;
 
 /// Where the actions of `window` begin: the nearest responder of its focus widget, else of the window itself, else null. A focused line
-/// edit counts as one that takes "undo:", "redo:", "cut:", "copy:", "paste:", "delete:" and "selectAll:". Valid until the focus moves.
+/// edit counts as one that undoes, redoes, cuts, copies, pastes, deletes and selects all. Valid until the focus moves.
 [[nodiscard]] Responder *firstResponder(QWidget *window);
 
 /// A window that is about one thing, say a text: what its bars act on when nothing else had the focus before them.
@@ -30,4 +30,4 @@ void keepFirstResponderBehind(QWidget &bar);
 
 /// Carries out the command that a menu or a toolbar of `window` offers, on its first responder; beeps when that does not take it or calls
 /// it disabled.
-void chooseAction(QWidget &window, Selector selector, const ActionSender &sender, AlertPresenter &presenter);
+void chooseAction(QWidget &window, const Action &action, const QVariant &represented, AlertPresenter &presenter);

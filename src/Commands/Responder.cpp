@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-const ActionRow *Responder::actionFor(Selector) const
+const ActionRow *Responder::actionFor(const Action &) const
 {
     return nullptr;
 }
@@ -20,10 +20,10 @@ Responder *Responder::nextResponder() const
     return object ? nearestResponder(object->parent()) : nullptr;
 }
 
-Responder *Responder::target(Selector selector)
+Responder *Responder::target(const Action &wanted)
 {
     Responder *responder = this;
-    while (responder && !responder->actionFor(selector)) {
+    while (responder && !responder->actionFor(wanted)) {
         responder = responder->nextResponder();
     }
     return responder;
@@ -44,32 +44,32 @@ void Responder::setObserver(Observer observer)
     theObserver() = std::move(observer);
 }
 
-bool Responder::perform(Selector selector, const ActionSender &sender)
+bool Responder::perform(const Action &wanted, const QVariant &represented)
 {
     if (const Observer &observer = theObserver()) {
-        observer(selector);
+        observer(wanted);
     }
-    Responder *responder = target(selector);
+    Responder *responder = target(wanted);
     if (!responder) {
         return false;
     }
-    responder->actionFor(selector)->perform(*responder, sender);
+    responder->actionFor(wanted)->perform(*responder, {wanted.tag, represented});
     return true;
 }
 
-ActionState Responder::state(Selector selector, const ActionSender &sender) const
+ActionState Responder::state(const Action &wanted, const QVariant &represented) const
 {
     for (const Responder *responder = this; responder; responder = responder->nextResponder()) {
-        if (const ActionRow *row = responder->actionFor(selector)) {
-            return row->state ? row->state(*responder, sender) : ActionState{};
+        if (const ActionRow *row = responder->actionFor(wanted)) {
+            return row->state ? row->state(*responder, {wanted.tag, represented}) : ActionState{};
         }
     }
     return {.isEnabled = false};
 }
 
-const ActionRow *Responder::findAction(std::span<const ActionRow> rows, Selector selector)
+const ActionRow *Responder::findAction(std::span<const ActionRow> rows, const Action &wanted)
 {
-    const auto found = std::ranges::find(rows, selector, &ActionRow::selector);
+    const auto found = std::ranges::find_if(rows, [&wanted](const ActionRow &row) { return row.action->isNamedLike(wanted); });
     return found == rows.end() ? nullptr : &*found;
 }
 

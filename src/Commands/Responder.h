@@ -2,37 +2,19 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QString>
+#include "Commands/Action.h"
+
 #include <QVariant>
 
 #include <functional>
 #include <optional>
-#include <span>
-#include <string_view>
 #include <type_traits>
 
 class QObject;
 
-/// The name of an action, such as "saveDocument:". Refers to the characters it was made of.
-class Selector {
-public:
-    constexpr Selector() = default;
-    constexpr Selector(const char *name) : Selector(std::string_view(name)) {}
-    constexpr explicit Selector(std::string_view name) : m_characters(name.data()), m_length(name.size()) {}
-
-    [[nodiscard]] constexpr std::string_view name() const { return {m_characters, m_length}; }
-    [[nodiscard]] constexpr bool isEmpty() const { return m_length == 0; }
-
-    friend constexpr bool operator==(Selector one, Selector other) { return one.name() == other.name(); }
-
-private:
-    const char *m_characters = nullptr;
-    size_t m_length = 0;
-};
-
-/// What an action is told about the item that sent it.
+/// What the function that carries an action out is told about the item that sent it.
 struct ActionSender {
-    /// Tells items of one selector apart: the number of a tab, the kind of a find command.
+    /// The action's: the number of a tab, the kind of a find command.
     int tag = 0;
     /// What the item stands for: the path of a recent file, the name of a theme.
     QVariant represented = {};
@@ -50,9 +32,9 @@ struct ActionState {
 
 class Responder;
 
-/// One action that a class takes.
+/// One action that a class takes, or several of one name.
 struct ActionRow {
-    Selector selector;
+    const Action *action;
     void (*perform)(Responder &responder, const ActionSender &sender) = nullptr;
     /// Null when the action is always enabled and never checked.
     ActionState (*state)(const Responder &responder, const ActionSender &sender) = nullptr;
@@ -61,13 +43,13 @@ struct ActionRow {
 /// A link of the chain along which actions travel from the focused view to the application. A class takes part by inheriting it and
 /// listing its actions:
 ///
-///     const ActionRow *TextView::actionFor(Selector selector) const
+///     const ActionRow *TextView::actionFor(const Action &wanted) const
 ///     {
 ///         static constexpr auto rows = std::to_array<ActionRow>({
-///             action<&TextView::undo, &TextView::undoState>("undo:"),
-///             action<&TextView::selectAll>("selectAll:"),
+///             action<&TextView::undo, &TextView::undoState>(Actions::undo),
+///             action<&TextView::selectAll>(Actions::selectAll),
 ///         });
-///         return findAction(rows, selector);
+///         return findAction(rows, wanted);
 ///     }
 ///
 /// A subclass looks into its own rows first and asks its base class last. Main thread only.
@@ -78,32 +60,32 @@ public:
     Responder &operator=(const Responder &) = delete;
     virtual ~Responder() = default;
 
-    /// The row of `selector`, or null when this responder does not take it.
-    [[nodiscard]] virtual const ActionRow *actionFor(Selector selector) const;
+    /// The row of `wanted`, or null when this responder does not take it.
+    [[nodiscard]] virtual const ActionRow *actionFor(const Action &wanted) const;
 
     /// The one that was set; else the nearest responder among the QObject parents, if this is a QObject; else null.
     [[nodiscard]] virtual Responder *nextResponder() const;
     /// `next` must live as long as it is set; null goes back to the parents.
     void setNextResponder(Responder *next) { m_next = next; }
 
-    /// The first in the chain from here that takes `selector`, or null.
-    [[nodiscard]] Responder *target(Selector selector);
+    /// The first in the chain from here that takes `wanted`, or null.
+    [[nodiscard]] Responder *target(const Action &wanted);
     /// Told of every action before it is carried out, whoever sends it and takes it; for tools that watch.
-    using Observer = std::function<void(Selector selector)>;
+    using Observer = std::function<void(const Action &wanted)>;
     static void setObserver(Observer observer);
 
     /// Lets the target act, whether or not it calls the action enabled; false when nobody takes it.
-    bool perform(Selector selector, const ActionSender &sender = {});
+    bool perform(const Action &wanted, const QVariant &represented = {});
     /// What the target says, and it alone: a disabled action is not offered to the rest of the chain. Disabled when nobody takes it.
-    [[nodiscard]] ActionState state(Selector selector, const ActionSender &sender = {}) const;
+    [[nodiscard]] ActionState state(const Action &wanted, const QVariant &represented = {}) const;
 
 protected:
     /// The row that calls `Perform` (a member function without parameters or with a `const ActionSender &`) and asks `State` (a const
     /// one that returns ActionState, likewise; or one that returns bool: enabled or not).
     template<auto Perform, auto State = nullptr>
-    [[nodiscard]] static constexpr ActionRow action(Selector selector);
+    [[nodiscard]] static constexpr ActionRow action(const Action &taken);
 
-    [[nodiscard]] static const ActionRow *findAction(std::span<const ActionRow> rows, Selector selector);
+    [[nodiscard]] static const ActionRow *findAction(std::span<const ActionRow> rows, const Action &wanted);
 
 private:
     /// Only for its type: the class that a member function belongs to.
@@ -127,9 +109,9 @@ private:
 [[nodiscard]] Responder *nearestResponder(QObject *object);
 
 template<auto Perform, auto State>
-constexpr ActionRow Responder::action(Selector selector)
+constexpr ActionRow Responder::action(const Action &taken)
 {
-    ActionRow row{.selector = selector, .perform = [](Responder &responder, const ActionSender &sender) {
+    ActionRow row{.action = &taken, .perform = [](Responder &responder, const ActionSender &sender) {
                       call<Perform>(static_cast<decltype(classOf(Perform)) &>(responder), sender);
                   }};
     if constexpr (!std::is_null_pointer_v<decltype(State)>) {

@@ -4,6 +4,7 @@
 
 #include "Base/Localization.h"
 #include "Base/Translation.h"
+#include "Commands/Actions.h"
 #include "Diff/DiffOverview.h"
 #include "Diff/DiffText.h"
 #include "Editor/EditorFont.h"
@@ -116,13 +117,13 @@ DiffViewController::~DiffViewController()
     }
 }
 
-const ActionRow *DiffViewController::actionFor(Selector selector) const
+const ActionRow *DiffViewController::actionFor(const Action &wanted) const
 {
     using Self = DiffViewController;
     static constexpr auto rows = std::to_array<ActionRow>({
-        action<&Self::performTextFinderAction, &Self::textFinderActionState>("performTextFinderAction:"),
+        action<&Self::performTextFinderAction, &Self::textFinderActionState>(Actions::find),
     });
-    return findAction(rows, selector);
+    return findAction(rows, wanted);
 }
 
 // Parts

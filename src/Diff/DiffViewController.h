@@ -48,7 +48,7 @@ public:
     void previousChange();
     void toggleIgnoreWhitespace();
 
-    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
 
 protected:
     void showEvent(QShowEvent *event) override;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Diff/DiffWindowController.h"
 
+#include "Commands/Actions.h"
 #include "Widgets/AccessibleRole.h"
 
 #include <QCloseEvent>
@@ -49,17 +50,17 @@ void DiffWindowController::comeToFront()
     m_content->rightView().setFocus();
 }
 
-const ActionRow *DiffWindowController::actionFor(Selector selector) const
+const ActionRow *DiffWindowController::actionFor(const Action &wanted) const
 {
     using Self = DiffWindowController;
     static constexpr auto rows = std::to_array<ActionRow>({
-        action<&Self::performClose>("performClose:"),
-        action<&Self::performClose>("closeTab:"),
-        action<&Self::performMiniaturize>("performMiniaturize:"),
-        action<&Self::performZoom>("performZoom:"),
-        action<&Self::toggleFullScreen>("toggleFullScreen:"),
+        action<&Self::performClose>(Actions::performClose),
+        action<&Self::performClose>(Actions::closeTab),
+        action<&Self::performMiniaturize>(Actions::performMiniaturize),
+        action<&Self::performZoom>(Actions::performZoom),
+        action<&Self::toggleFullScreen>(Actions::toggleFullScreen),
     });
-    return findAction(rows, selector);
+    return findAction(rows, wanted);
 }
 
 void DiffWindowController::closeEvent(QCloseEvent *event)

@@ -17,7 +17,7 @@ public:
     [[nodiscard]] DiffViewController &content() { return *m_content; }
     void comeToFront();
 
-    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
 
 signals:
     void closed();

@@ -3,6 +3,7 @@
 #include "Editor/EditorTextView.h"
 
 #include "Base/Translation.h"
+#include "Commands/Actions.h"
 #include "Desktop/DroppedFiles.h"
 #include "Editor/EditorVim.h"
 #include "Text/TextStorage.h"
@@ -42,17 +43,17 @@ void EditorTextView::addCommands(QMenu *menu)
     item->setEnabled(canToggleComment());
 }
 
-const ActionRow *EditorTextView::actionFor(Selector selector) const
+const ActionRow *EditorTextView::actionFor(const Action &wanted) const
 {
     static constexpr auto rows = std::to_array<ActionRow>({
-        action<&EditorTextView::insertTab, &EditorTextView::isEditable>("insertTab:"),
-        action<&EditorTextView::insertBacktab, &EditorTextView::isEditable>("insertBacktab:"),
-        action<&EditorTextView::toggleComment, &EditorTextView::canToggleComment>("toggleComment:"),
-        action<&EditorTextView::duplicateLine, &EditorTextView::isEditable>("duplicateLine:"),
-        action<&EditorTextView::deleteLine, &EditorTextView::isEditable>("deleteLine:"),
+        action<&EditorTextView::insertTab, &EditorTextView::isEditable>(Actions::insertTab),
+        action<&EditorTextView::insertBacktab, &EditorTextView::isEditable>(Actions::insertBacktab),
+        action<&EditorTextView::toggleComment, &EditorTextView::canToggleComment>(Actions::toggleComment),
+        action<&EditorTextView::duplicateLine, &EditorTextView::isEditable>(Actions::duplicateLine),
+        action<&EditorTextView::deleteLine, &EditorTextView::isEditable>(Actions::deleteLine),
     });
-    const ActionRow *row = findAction(rows, selector);
-    return row ? row : TextView::actionFor(selector);
+    const ActionRow *row = findAction(rows, wanted);
+    return row ? row : TextView::actionFor(wanted);
 }
 
 // Modal editing

@@ -58,7 +58,7 @@ public:
     void duplicateLine();
     void deleteLine();
 
-    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
 
 protected:
     void willReplay() override;

@@ -3,6 +3,7 @@
 #include "Editor/EditorViewController.h"
 
 #include "Base/Localization.h"
+#include "Commands/Actions.h"
 #include "Editor/EditorFont.h"
 #include "Editor/EditorVim.h"
 #include "Editor/ExternalChangeBanner.h"
@@ -70,15 +71,15 @@ EditorViewController::~EditorViewController()
     delete m_textView;
 }
 
-const ActionRow *EditorViewController::actionFor(Selector selector) const
+const ActionRow *EditorViewController::actionFor(const Action &wanted) const
 {
     static constexpr auto rows = std::to_array<ActionRow>({
-        action<&EditorViewController::performTextFinderAction, &EditorViewController::textFinderActionState>("performTextFinderAction:"),
-        action<&EditorViewController::toggleSpelling, &EditorViewController::spellingState>("toggleContinuousSpellChecking:"),
-        action<&EditorViewController::checkSpelling, &EditorViewController::canCheckSpelling>("checkSpelling:"),
-        action<&EditorViewController::showSpellingPanel, &EditorViewController::hasSpelling>("showGuessPanel:"),
+        action<&EditorViewController::performTextFinderAction, &EditorViewController::textFinderActionState>(Actions::find),
+        action<&EditorViewController::toggleSpelling, &EditorViewController::spellingState>(Actions::toggleContinuousSpellChecking),
+        action<&EditorViewController::checkSpelling, &EditorViewController::canCheckSpelling>(Actions::checkSpelling),
+        action<&EditorViewController::showSpellingPanel, &EditorViewController::hasSpelling>(Actions::showGuessPanel),
     });
-    return findAction(rows, selector);
+    return findAction(rows, wanted);
 }
 
 void EditorViewController::performTextFinderAction(const ActionSender &sender)
@@ -318,13 +319,13 @@ void EditorViewController::updateAwaitedBanner()
     }
     if (!m_awaitedBanner) {
         m_awaitedBanner = new ExternalChangeBanner(this);
-        const auto send = [this](Selector selector) {
+        const auto send = [this](const Action &action) {
             // Its pane is the one that the command is about.
             m_textView->setFocus();
-            perform(selector);
+            perform(action);
         };
-        m_awaitedBanner->onDone = [send] { send("finishWaiting:"); };
-        m_awaitedBanner->onAbort = [send] { send("abortWaiting:"); };
+        m_awaitedBanner->onDone = [send] { send(Actions::finishWaiting); };
+        m_awaitedBanner->onAbort = [send] { send(Actions::abortWaiting); };
         m_stack->insertWidget(0, m_awaitedBanner);
     }
     m_awaitedBanner->applyTheme(m_services.documents.theme());

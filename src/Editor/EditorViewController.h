@@ -91,7 +91,7 @@ public:
     /// Null where no spelling is checked.
     [[nodiscard]] SpellingController *spelling() { return m_spelling.get(); }
 
-    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
 
 protected:
     bool event(QEvent *event) override;

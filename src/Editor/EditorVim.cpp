@@ -312,7 +312,7 @@ void EditorVim::setCaretLook(VimCaret look)
     m_view.setCaretShape(look == VimCaret::bar ? TextView::CaretShape::bar : TextView::CaretShape::block);
 }
 
-void EditorVim::perform(Selector action)
+void EditorVim::perform(const Action &action)
 {
     if (!m_view.Responder::perform(action)) {
         beep();

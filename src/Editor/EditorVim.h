@@ -69,7 +69,7 @@ private:
     [[nodiscard]] QString indentationUnit() const override;
     void toggleComment() override;
     void setCaretLook(VimCaret look) override;
-    void perform(Selector action) override;
+    void perform(const Action &action) override;
     void beep() override;
 
     void vimEngineRunsCommand(VimEngine &engine, const QString &command) override;

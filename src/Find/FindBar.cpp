@@ -3,6 +3,7 @@
 #include "Find/FindBar.h"
 
 #include "Base/Translation.h"
+#include "Commands/Actions.h"
 #include "Desktop/ColorMix.h"
 #include "Find/FindField.h"
 #include "Find/FindState.h"
@@ -243,20 +244,20 @@ void FindBar::setRows(Rows rows)
 
 void FindBar::performTextFinderAction(const ActionSender &sender)
 {
-    switch (static_cast<FindAction>(sender.tag)) {
-    case FindAction::showFindBar:
+    switch (sender.tag) {
+    case Actions::find.tag:
         open(Rows::find);
         break;
-    case FindAction::showReplaceBar:
+    case Actions::findAndReplace.tag:
         open(Rows::findAndReplace);
         break;
-    case FindAction::findNext:
+    case Actions::findNext.tag:
         m_finder.findNext();
         break;
-    case FindAction::findPrevious:
+    case Actions::findPrevious.tag:
         m_finder.findPrevious();
         break;
-    case FindAction::useSelection:
+    case Actions::useSelectionForFind.tag:
         m_finder.useSelection();
         break;
     }
@@ -264,10 +265,10 @@ void FindBar::performTextFinderAction(const ActionSender &sender)
 
 ActionState FindBar::textFinderActionState(const ActionSender &sender) const
 {
-    switch (static_cast<FindAction>(sender.tag)) {
-    case FindAction::showReplaceBar:
+    switch (sender.tag) {
+    case Actions::findAndReplace.tag:
         return {.isEnabled = m_finder.canReplace()};
-    case FindAction::useSelection:
+    case Actions::useSelectionForFind.tag:
         return {.isEnabled = m_finder.hasUsableSelection()};
     default:
         return {};

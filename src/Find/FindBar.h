@@ -15,15 +15,6 @@ class QHBoxLayout;
 class QLabel;
 class QToolButton;
 
-/// What the tag of "performTextFinderAction:" asks for.
-enum class FindAction {
-    showFindBar = 1,
-    findNext = 2,
-    findPrevious = 3,
-    useSelection = 7,
-    showReplaceBar = 12,
-};
-
 /// The bar above a text in which one finds and replaces. It is closed at first, then as wide as its place and as high as it needs.
 /// Main thread only. The scheduler must outlive it; so must the finder, but on the way out of their window it may go first.
 class FindBar final : public QWidget {
@@ -40,7 +31,7 @@ public:
     void close();
     [[nodiscard]] bool isOpen() const { return m_isOpen; }
 
-    /// For "performTextFinderAction:"; works whether the bar is open or not. Unknown tags do nothing.
+    /// For Actions::find and those named like it; works whether the bar is open or not. Unknown tags do nothing.
     void performTextFinderAction(const ActionSender &sender);
     [[nodiscard]] ActionState textFinderActionState(const ActionSender &sender) const;
 

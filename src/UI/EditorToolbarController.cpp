@@ -196,7 +196,7 @@ void EditorToolbarController::installStrip()
 void EditorToolbarController::addItem(const ToolbarAction &spec)
 {
     const auto labels = m_services.preferences.toolbarShowsLabels() ? ToolbarActionItem::Labels::shown : ToolbarActionItem::Labels::hidden;
-    auto *item = new ToolbarActionItem(spec, labels, m_services.keyName ? m_services.keyName(spec.action) : QString(), m_strip);
+    auto *item = new ToolbarActionItem(spec, labels, m_strip);
     const bool isBesideMenus = m_services.preferences.toolbarStyle() == ToolbarStyle::combined;
     const int side = isBesideMenus ? symbolSideBesideMenus : symbolSideInRow;
     item->setIconSize({side, side});
@@ -256,9 +256,6 @@ ActionState EditorToolbarController::stateOf(const ToolbarAction &spec) const
 {
     const Responder *responder = firstResponder(&m_window);
     ActionState state = responder ? responder->state(spec.action) : ActionState{.isEnabled = false};
-    if (spec.isToggle()) {
-        state.checkMark = (m_services.preferences.*spec.isOn)() ? CheckMark::on : CheckMark::none;
-    }
     if (spec.hasMenu && state.isEnabled) {
         QMenu menu;
         fill(menu);

@@ -26,8 +26,6 @@ struct ToolbarServices {
     NotificationCenter &notifications;
     const Preferences &preferences;
     AlertPresenter &presenter;
-    /// The keys of a command as the user reads them, empty for none; may itself be empty.
-    std::function<QString(Selector action)> keyName = {};
 };
 
 /// The toolbar of one main window, as the preferences want it: beside the menus in the menu bar's row, in a row of its own, or none. It is

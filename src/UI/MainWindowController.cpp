@@ -3,6 +3,7 @@
 #include "UI/MainWindowController.h"
 
 #include "Base/Translation.h"
+#include "Commands/Actions.h"
 #include "Model/DocumentStore.h"
 #include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"
@@ -47,8 +48,7 @@ QWidget *firstStop(QWidget &region)
 
 MainWindowController::MainWindowController(const WorkspaceServices &services, WorkspaceHost &host, Content content)
     : m_services(services), m_workspace(new WorkspaceViewController(services, host, this)),
-      m_toolbar(new EditorToolbarController(*this, {services.scheduler, services.notifications, services.preferences, services.presenter,
-                                                    [&host](Selector action) { return host.keyName(action); }}))
+      m_toolbar(new EditorToolbarController(*this, {services.scheduler, services.notifications, services.preferences, services.presenter}))
 {
     WindowAccessible::install();
     setMinimumSize(leastSize);
@@ -74,16 +74,16 @@ MainWindowController::~MainWindowController()
     delete std::exchange(m_workspace, nullptr);
 }
 
-const ActionRow *MainWindowController::actionFor(Selector selector) const
+const ActionRow *MainWindowController::actionFor(const Action &wanted) const
 {
     using Self = MainWindowController;
     static constexpr auto rows = std::to_array<ActionRow>({
-        action<&Self::performClose>("performClose:"),
-        action<&Self::performMiniaturize>("performMiniaturize:"),
-        action<&Self::performZoom>("performZoom:"),
-        action<&Self::toggleFullScreen>("toggleFullScreen:"),
+        action<&Self::performClose>(Actions::performClose),
+        action<&Self::performMiniaturize>(Actions::performMiniaturize),
+        action<&Self::performZoom>(Actions::performZoom),
+        action<&Self::toggleFullScreen>(Actions::toggleFullScreen),
     });
-    return findAction(rows, selector);
+    return findAction(rows, wanted);
 }
 
 QWidget *MainWindowController::mainFocus() const

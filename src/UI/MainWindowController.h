@@ -24,7 +24,7 @@ public:
     [[nodiscard]] WorkspaceViewController &workspace() { return *m_workspace; }
     [[nodiscard]] EditorToolbarController &toolbar() { return *m_toolbar; }
 
-    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
     [[nodiscard]] QWidget *mainFocus() const override;
 
     /// Shows it before all others, also when it is minimised.

@@ -2,11 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Commands/Action.h"
 #include "Commands/Responder.h"
 
 #include <QLatin1StringView>
-
-class Preferences;
 
 /// One command that a toolbar can offer.
 struct ToolbarAction {
@@ -14,14 +13,11 @@ struct ToolbarAction {
     QLatin1StringView id;
     /// English, the key of the language tables.
     const char16_t *label;
-    QLatin1StringView symbol;
-    Selector action;
-    /// For what is shown as on or off, its state; null for any other.
-    bool (Preferences::*isOn)() const = nullptr;
+    const Action &action;
     /// Red while it is enabled.
     bool isDestructive = false;
     /// Opens a menu instead of acting.
     bool hasMenu = false;
 
-    [[nodiscard]] constexpr bool isToggle() const { return isOn != nullptr; }
+    [[nodiscard]] constexpr QLatin1StringView symbol() const { return QLatin1StringView(action.symbol); }
 };

@@ -3,6 +3,7 @@
 #include "UI/ToolbarActionItem.h"
 
 #include "Base/Translation.h"
+#include "Commands/ActionKeys.h"
 #include "Widgets/SymbolIcon.h"
 
 #include <QEvent>
@@ -21,18 +22,18 @@ QColor destructiveColor()
 
 } // namespace
 
-ToolbarActionItem::ToolbarActionItem(const ToolbarAction &spec, Labels labels, const QString &keys, QWidget *parent)
+ToolbarActionItem::ToolbarActionItem(const ToolbarAction &spec, Labels labels, QWidget *parent)
     : QToolButton(parent), m_spec(spec), m_label(localized(spec.label))
 {
     setAutoRaise(true);
     // A click leaves the focus in the text; with keys one comes here all the same.
     setFocusPolicy(Qt::TabFocus);
-    setIcon(symbolIcon(spec.symbol));
+    setIcon(symbolIcon(spec.symbol()));
     setToolButtonStyle(labels == Labels::shown ? Qt::ToolButtonTextBesideIcon : Qt::ToolButtonIconOnly);
     setText(QString(m_label).replace('&'_L1, "&&"_L1));
-    setToolTip(keys.isEmpty() ? m_label : u"%1 (%2)"_s.arg(m_label, keys));
+    setToolTip(titleWithKey(m_label, spec.action));
     setAccessibleName(m_label);
-    setCheckable(spec.isToggle());
+    setCheckable(spec.action.isCheckable);
     if (spec.hasMenu) {
         setPopupMode(QToolButton::InstantPopup);
     }
@@ -73,7 +74,7 @@ void ToolbarActionItem::applyColor()
         return;
     }
     m_color = color;
-    setIcon(symbolIcon(m_spec.symbol, color));
+    setIcon(symbolIcon(m_spec.symbol(), color));
     // Only these: disabled it looks like any other.
     QPalette own;
     own.setColor(QPalette::Active, QPalette::ButtonText, color);

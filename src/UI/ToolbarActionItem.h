@@ -14,8 +14,8 @@ class ToolbarActionItem final : public QToolButton {
 public:
     enum class Labels { hidden, shown };
 
-    /// `spec` must outlive the button. `keys` are those of the command for the tool tip; may be empty.
-    ToolbarActionItem(const ToolbarAction &spec, Labels labels, const QString &keys, QWidget *parent);
+    /// `spec` must outlive the button.
+    ToolbarActionItem(const ToolbarAction &spec, Labels labels, QWidget *parent);
 
     [[nodiscard]] const ToolbarAction &spec() const { return m_spec; }
     /// In the language of the interface at the time when the button was made.

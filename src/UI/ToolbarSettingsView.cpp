@@ -159,7 +159,7 @@ void ToolbarSettingsView::reload()
         const QSignalBlocker quiet(m_list);
         m_list->clear();
         for (const ToolbarSelection::Row &row : m_selection.rows()) {
-            auto *item = new QListWidgetItem(symbolIcon(row.action->symbol), localized(row.action->label), m_list);
+            auto *item = new QListWidgetItem(symbolIcon(row.action->symbol()), localized(row.action->label), m_list);
             // Dropped on an item, a row would replace it.
             item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsUserCheckable | Qt::ItemIsDragEnabled);
             item->setCheckState(row.isChosen ? Qt::Checked : Qt::Unchecked);

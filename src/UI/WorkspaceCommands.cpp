@@ -5,6 +5,7 @@
 
 #include "Base/Pasteboard.h"
 #include "Base/Translation.h"
+#include "Commands/Actions.h"
 #include "Desktop/Desktop.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
@@ -52,57 +53,57 @@ ActionState WorkspaceViewController::stateOf() const
     return {.checkMark = (m_services.preferences.*value)() ? CheckMark::on : CheckMark::none};
 }
 
-const ActionRow *WorkspaceViewController::actionFor(Selector selector) const
+const ActionRow *WorkspaceViewController::actionFor(const Action &wanted) const
 {
     using Self = WorkspaceViewController;
     static constexpr auto rows = std::to_array<ActionRow>({
-        action<&Self::newDocument>("newDocument:"),
-        action<&Self::openDocument>("openDocument:"),
-        action<&Self::saveDocument, &Self::hasDocument>("saveDocument:"),
-        action<&Self::saveDocumentAs, &Self::hasDocument>("saveDocumentAs:"),
-        action<&Self::closeTab, &Self::hasDocument>("closeTab:"),
-        action<&Self::finishWaiting, &Self::hasDocument>("finishWaiting:"),
-        action<&Self::abortWaiting, &Self::hasDocument>("abortWaiting:"),
-        action<&Self::revertDocumentToSaved, &Self::canRevert>("revertDocumentToSaved:"),
-        action<&Self::makeBackup, &Self::hasFile>("makeBackup:"),
-        action<&Self::openInTerminal, &Self::hasFile>("openInTerminal:"),
-        action<&Self::moveDocumentToTrash, &Self::hasFile>("moveDocumentToTrash:"),
-        action<&Self::revealInFinder, &Self::hasFile>("revealInFinder:"),
-        action<&Self::copyFilePath, &Self::hasFile>("copyFilePath:"),
-        action<&Self::showFindInterface, &Self::hasEditor>("showFindInterface:"),
-        action<&Self::closeWindowFromVim>("closeWindowFromVim:"),
-        action<&Self::goToLine, &Self::hasEditor>("goToLine:"),
-        action<&Self::showVimKeyReference>("showVimKeyReference:"),
-        action<&Self::showUserGuide>("showUserGuide:"),
-        action<&Self::compareWithFileOnDisk, &Self::hasFile>("compareWithFileOnDisk:"),
-        action<&Self::compareWithFile, &Self::hasDocument>("compareWithFile:"),
-        action<&Self::compareWithOpenDocument, &Self::hasSeveralDocuments>("compareWithOpenDocument:"),
-        action<&Self::splitEditorRight>("splitEditorRight:"),
-        action<&Self::splitEditorDown>("splitEditorDown:"),
-        action<&Self::closeSplit, &Self::hasSeveralPanes>("closeSplit:"),
-        action<&Self::closeOtherSplits, &Self::hasSeveralPanes>("closeOtherSplits:"),
-        action<&Self::focusNextPane, &Self::hasSeveralPanes>("focusNextPane:"),
-        action<&Self::focusPreviousPane, &Self::hasSeveralPanes>("focusPreviousPane:"),
-        action<&Self::toggleSplitOrientation, &Self::hasSeveralPanes>("toggleSplitOrientation:"),
-        action<&Self::moveTabToNewWindow, &Self::hasSeveralTabsInAll>("moveTabToNewWindow:"),
-        action<&Self::selectNextTab, &Self::hasSeveralTabs>("selectNextTab:"),
-        action<&Self::selectPreviousTab, &Self::hasSeveralTabs>("selectPreviousTab:"),
-        action<&Self::selectTabByNumber>("selectTabByNumber:"),
-        action<&Self::selectLanguageFromMenu, &Self::languageState>("selectLanguageFromMenu:"),
-        action<&Self::selectTheme, &Self::themeState>("selectTheme:"),
+        action<&Self::newDocument>(Actions::newDocument),
+        action<&Self::openDocument>(Actions::openDocument),
+        action<&Self::saveDocument, &Self::hasDocument>(Actions::saveDocument),
+        action<&Self::saveDocumentAs, &Self::hasDocument>(Actions::saveDocumentAs),
+        action<&Self::closeTab, &Self::hasDocument>(Actions::closeTab),
+        action<&Self::finishWaiting, &Self::hasDocument>(Actions::finishWaiting),
+        action<&Self::abortWaiting, &Self::hasDocument>(Actions::abortWaiting),
+        action<&Self::revertDocumentToSaved, &Self::canRevert>(Actions::revertDocumentToSaved),
+        action<&Self::makeBackup, &Self::hasFile>(Actions::makeBackup),
+        action<&Self::openInTerminal, &Self::hasFile>(Actions::openInTerminal),
+        action<&Self::moveDocumentToTrash, &Self::hasFile>(Actions::moveDocumentToTrash),
+        action<&Self::revealInFinder, &Self::hasFile>(Actions::revealInFinder),
+        action<&Self::copyFilePath, &Self::hasFile>(Actions::copyFilePath),
+        action<&Self::showFindInterface, &Self::hasEditor>(Actions::showFindInterface),
+        action<&Self::closeWindowFromVim>(Actions::closeWindowFromVim),
+        action<&Self::goToLine, &Self::hasEditor>(Actions::goToLine),
+        action<&Self::showVimKeyReference>(Actions::showVimKeyReference),
+        action<&Self::showUserGuide>(Actions::showUserGuide),
+        action<&Self::compareWithFileOnDisk, &Self::hasFile>(Actions::compareWithFileOnDisk),
+        action<&Self::compareWithFile, &Self::hasDocument>(Actions::compareWithFile),
+        action<&Self::compareWithOpenDocument, &Self::hasSeveralDocuments>(Actions::compareWithOpenDocument),
+        action<&Self::splitEditorRight>(Actions::splitEditorRight),
+        action<&Self::splitEditorDown>(Actions::splitEditorDown),
+        action<&Self::closeSplit, &Self::hasSeveralPanes>(Actions::closeSplit),
+        action<&Self::closeOtherSplits, &Self::hasSeveralPanes>(Actions::closeOtherSplits),
+        action<&Self::focusNextPane, &Self::hasSeveralPanes>(Actions::focusNextPane),
+        action<&Self::focusPreviousPane, &Self::hasSeveralPanes>(Actions::focusPreviousPane),
+        action<&Self::toggleSplitOrientation, &Self::hasSeveralPanes>(Actions::toggleSplitOrientation),
+        action<&Self::moveTabToNewWindow, &Self::hasSeveralTabsInAll>(Actions::moveTabToNewWindow),
+        action<&Self::selectNextTab, &Self::hasSeveralTabs>(Actions::selectNextTab),
+        action<&Self::selectPreviousTab, &Self::hasSeveralTabs>(Actions::selectPreviousTab),
+        action<&Self::selectTabByNumber>(Actions::selectTab1),
+        action<&Self::selectLanguageFromMenu, &Self::languageState>(Actions::selectLanguage),
+        action<&Self::selectTheme, &Self::themeState>(Actions::selectTheme),
         action<&Self::toggle<&Preferences::showLineNumbers, &Preferences::setShowLineNumbers>,
-               &Self::stateOf<&Preferences::showLineNumbers>>("toggleLineNumbers:"),
+               &Self::stateOf<&Preferences::showLineNumbers>>(Actions::toggleLineNumbers),
         action<&Self::toggle<&Preferences::wrapLines, &Preferences::setWrapLines>, &Self::stateOf<&Preferences::wrapLines>>(
-            "toggleLineWrap:"),
+            Actions::toggleLineWrap),
         action<&Self::toggle<&Preferences::showInvisibles, &Preferences::setShowInvisibles>, &Self::stateOf<&Preferences::showInvisibles>>(
-            "toggleInvisibles:"),
+            Actions::toggleInvisibles),
         action<&Self::toggle<&Preferences::highlightCurrentLine, &Preferences::setHighlightCurrentLine>,
-               &Self::stateOf<&Preferences::highlightCurrentLine>>("toggleCurrentLineHighlight:"),
-        action<&Self::increaseFontSize>("increaseFontSize:"),
-        action<&Self::decreaseFontSize>("decreaseFontSize:"),
-        action<&Self::resetFontSize>("resetFontSize:"),
+               &Self::stateOf<&Preferences::highlightCurrentLine>>(Actions::toggleCurrentLineHighlight),
+        action<&Self::increaseFontSize>(Actions::increaseFontSize),
+        action<&Self::decreaseFontSize>(Actions::decreaseFontSize),
+        action<&Self::resetFontSize>(Actions::resetFontSize),
     });
-    return findAction(rows, selector);
+    return findAction(rows, wanted);
 }
 
 // Enabling
@@ -398,7 +399,7 @@ void WorkspaceViewController::showFindInterface()
 {
     if (EditorViewController *editor = currentEditor()) {
         editor->textView().setFocus();
-        editor->perform("performTextFinderAction:", {.tag = 1});
+        editor->perform(Actions::find);
     } else {
         beep();
     }

@@ -26,8 +26,6 @@ public:
     virtual void openComparison(DiffViewController::Side left, DiffViewController::Side right, const Language &language) = 0;
     /// Of all windows.
     [[nodiscard]] virtual std::vector<WorkspaceViewController *> workspaces() const = 0;
-    /// The keys of a command as the user reads them; empty when it has none.
-    [[nodiscard]] virtual QString keyName(Selector action) const = 0;
 
 protected:
     ~WorkspaceHost() = default;
@@ -92,7 +90,7 @@ public:
     /// What was typed behind ":" in modal editing.
     void runVimCommand(const QString &command);
 
-    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
 
 signals:
     /// Title, file or dirty mark of the current document may be others.

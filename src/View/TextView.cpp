@@ -3,6 +3,7 @@
 #include "View/TextView.h"
 
 #include "Base/Pasteboard.h"
+#include "Commands/Actions.h"
 #include "Text/PasteboardText.h"
 #include "Text/TextBoundaries.h"
 #include "Text/TextSearch.h"
@@ -39,19 +40,19 @@ TextView::TextView(TextStorage &storage, UndoManager &undoManager, Services serv
 
 TextView::~TextView() = default;
 
-const ActionRow *TextView::actionFor(Selector selector) const
+const ActionRow *TextView::actionFor(const Action &wanted) const
 {
     static constexpr auto rows = std::to_array<ActionRow>({
-        action<&TextView::undo, &TextView::canUndo>("undo:"),
-        action<&TextView::redo, &TextView::canRedo>("redo:"),
-        action<&TextView::cut, &TextView::canCut>("cut:"),
-        action<&TextView::copy, &TextView::hasSelection>("copy:"),
-        action<&TextView::paste, &TextView::canPaste>("paste:"),
-        action<&TextView::deleteSelection, &TextView::canCut>("delete:"),
-        action<&TextView::selectAll>("selectAll:"),
-        action<&TextView::centerSelection>("centerSelectionInVisibleArea:"),
+        action<&TextView::undo, &TextView::canUndo>(Actions::undo),
+        action<&TextView::redo, &TextView::canRedo>(Actions::redo),
+        action<&TextView::cut, &TextView::canCut>(Actions::cut),
+        action<&TextView::copy, &TextView::hasSelection>(Actions::copy),
+        action<&TextView::paste, &TextView::canPaste>(Actions::paste),
+        action<&TextView::deleteSelection, &TextView::canCut>(Actions::deleteSelection),
+        action<&TextView::selectAll>(Actions::selectAll),
+        action<&TextView::centerSelection>(Actions::centerSelection),
     });
-    return findAction(rows, selector);
+    return findAction(rows, wanted);
 }
 
 bool TextView::canUndo() const

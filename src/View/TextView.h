@@ -129,7 +129,7 @@ public:
     /// out. Of a stretch of new text it is asked once, without the text. The caret stays where its surroundings are.
     void applyReplacement(const TextReplacement &replacement);
 
-    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override;
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
 
 signals:
     void selectionChanged();

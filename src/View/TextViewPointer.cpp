@@ -5,6 +5,7 @@
 
 #include "Base/Pasteboard.h"
 #include "Base/Translation.h"
+#include "Commands/Actions.h"
 #include "Desktop/LazyTextMimeData.h"
 #include "Text/PasteboardText.h"
 #include "Text/TextBoundaries.h"
@@ -262,13 +263,8 @@ void TextView::wheelEvent(QWheelEvent *event)
 
 void TextView::contextMenuEvent(QContextMenuEvent *event)
 {
-    struct Item {
-        const char *selector;
-        QStringView title;
-    };
-    constexpr Item items[] = {{"undo:", u"Undo"},     {"redo:", u"Redo"}, {nullptr, {}},
-                              {"cut:", u"Cut"},       {"copy:", u"Copy"}, {"paste:", u"Paste"},
-                              {"delete:", u"Delete"}, {nullptr, {}},      {"selectAll:", u"Select All"}};
+    static constexpr auto items = std::to_array<const Action *>({&Actions::undo, &Actions::redo, nullptr, &Actions::cut, &Actions::copy,
+                                                                 &Actions::paste, &Actions::deleteSelection, nullptr, &Actions::selectAll});
     const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
     const qsizetype offset = isByKey ? m_caret.offset : graphemeUnder(event->pos());
     // What the menu does concerns what was clicked.
@@ -278,14 +274,13 @@ void TextView::contextMenuEvent(QContextMenuEvent *event)
     }
     auto *menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    for (const Item &item : items) {
-        if (!item.selector) {
+    for (const Action *action : items) {
+        if (!action) {
             menu->addSeparator();
             continue;
         }
-        const Selector selector(item.selector);
-        QAction *entry = menu->addAction(localized(item.title), this, [this, selector] { perform(selector); });
-        entry->setEnabled(state(selector).isEnabled);
+        QAction *entry = menu->addAction(localized(action->title), this, [this, action] { perform(*action); });
+        entry->setEnabled(state(*action).isEnabled);
     }
     emit contextMenuRequested(menu, offset);
     menu->popup(isByKey ? mapToGlobal(caretRectangle().bottomLeft()) : event->globalPos());

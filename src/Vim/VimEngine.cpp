@@ -139,8 +139,8 @@ void VimEngine::handleStroke(const VimKeyStroke &stroke, QStringView key)
 void VimEngine::perform(const VimKeymapAction &action)
 {
     resetPending();
-    if (const auto *selector = std::get_if<Selector>(&action)) {
-        m_view.perform(*selector);
+    if (const auto *const *command = std::get_if<const Action *>(&action)) {
+        m_view.perform(**command);
     } else {
         (this->*std::get<void (VimEngine::*)()>(action))();
     }

@@ -4,6 +4,7 @@
 
 // The keys of modal editing, one table for each place where a key may come. Private to the sources of the engine and its tests.
 
+#include "Commands/Actions.h"
 #include "Vim/VimEngine.h"
 
 #include <array>
@@ -63,23 +64,23 @@ struct VimEngine::Tables {
 
     struct WindowRow {
         char16_t key;
-        Selector action;
+        const Action &action;
     };
     /// After Control-w. Panes are a flat list: left and up is the one before, right and down the next.
     static constexpr auto windowKeys = std::to_array<WindowRow>({
-        {u'v', "splitEditorRight:"},
-        {u's', "splitEditorDown:"},
-        {u'S', "splitEditorDown:"},
-        {u'c', "closeSplit:"},
-        {u'q', "closeSplit:"},
-        {u'o', "closeOtherSplits:"},
-        {u'w', "focusNextPane:"},
-        {u'j', "focusNextPane:"},
-        {u'l', "focusNextPane:"},
-        {u'W', "focusPreviousPane:"},
-        {u'p', "focusPreviousPane:"},
-        {u'h', "focusPreviousPane:"},
-        {u'k', "focusPreviousPane:"},
+        {u'v', Actions::splitEditorRight},
+        {u's', Actions::splitEditorDown},
+        {u'S', Actions::splitEditorDown},
+        {u'c', Actions::closeSplit},
+        {u'q', Actions::closeSplit},
+        {u'o', Actions::closeOtherSplits},
+        {u'w', Actions::focusNextPane},
+        {u'j', Actions::focusNextPane},
+        {u'l', Actions::focusNextPane},
+        {u'W', Actions::focusPreviousPane},
+        {u'p', Actions::focusPreviousPane},
+        {u'h', Actions::focusPreviousPane},
+        {u'k', Actions::focusPreviousPane},
     });
 
     static const std::array<OperatorRow, 8> operators;

@@ -3,6 +3,7 @@
 #include "Vim/VimKeymap.h"
 
 #include "Base/Translation.h"
+#include "Commands/Actions.h"
 #include "Settings/Preferences.h"
 #include "Vim/VimEngine.h"
 
@@ -24,25 +25,25 @@ struct MappingRow {
 };
 
 const auto lazyVim = std::to_array<MappingRow>({
-    {u"H", u"previous tab", u"Tabs", Selector("selectPreviousTab:")},
-    {u"L", u"next tab", u"Tabs", Selector("selectNextTab:")},
-    {u"[b", u"previous tab", u"Tabs", Selector("selectPreviousTab:")},
-    {u"]b", u"next tab", u"Tabs", Selector("selectNextTab:")},
-    {u" bd", u"close tab", u"Tabs", Selector("closeTab:")},
-    {u" bb", u"other tab", u"Tabs", Selector("selectPreviousTab:")},
-    {u"^h", u"previous pane", u"Panes", Selector("focusPreviousPane:")},
-    {u"^k", u"previous pane", u"Panes", Selector("focusPreviousPane:")},
-    {u"^l", u"next pane", u"Panes", Selector("focusNextPane:")},
-    {u"^j", u"next pane", u"Panes", Selector("focusNextPane:")},
-    {u" |", u"split right", u"Panes", Selector("splitEditorRight:")},
-    {u" -", u"split down", u"Panes", Selector("splitEditorDown:")},
-    {u" wd", u"close split", u"Panes", Selector("closeSplit:")},
-    {u" ww", u"other pane", u"Panes", Selector("focusNextPane:")},
-    {u"^s", u"save", u"Files", Selector("saveDocument:")},
-    {u" ff", u"open…", u"Files", Selector("openDocument:")},
-    {u" fn", u"new tab", u"Files", Selector("newDocument:")},
-    {u" qq", u"close window", u"Files", Selector("closeWindowFromVim:")},
-    {u" ss", u"find", u"Files", Selector("showFindInterface:")},
+    {u"H", u"previous tab", u"Tabs", &Actions::selectPreviousTab},
+    {u"L", u"next tab", u"Tabs", &Actions::selectNextTab},
+    {u"[b", u"previous tab", u"Tabs", &Actions::selectPreviousTab},
+    {u"]b", u"next tab", u"Tabs", &Actions::selectNextTab},
+    {u" bd", u"close tab", u"Tabs", &Actions::closeTab},
+    {u" bb", u"other tab", u"Tabs", &Actions::selectPreviousTab},
+    {u"^h", u"previous pane", u"Panes", &Actions::focusPreviousPane},
+    {u"^k", u"previous pane", u"Panes", &Actions::focusPreviousPane},
+    {u"^l", u"next pane", u"Panes", &Actions::focusNextPane},
+    {u"^j", u"next pane", u"Panes", &Actions::focusNextPane},
+    {u" |", u"split right", u"Panes", &Actions::splitEditorRight},
+    {u" -", u"split down", u"Panes", &Actions::splitEditorDown},
+    {u" wd", u"close split", u"Panes", &Actions::closeSplit},
+    {u" ww", u"other pane", u"Panes", &Actions::focusNextPane},
+    {u"^s", u"save", u"Files", &Actions::saveDocument},
+    {u" ff", u"open…", u"Files", &Actions::openDocument},
+    {u" fn", u"new tab", u"Files", &Actions::newDocument},
+    {u" qq", u"close window", u"Files", &Actions::closeWindowFromVim},
+    {u" ss", u"find", u"Files", &Actions::showFindInterface},
     {u"gcc", u"toggle comment on the line", u"Editing", &VimEngine::toggleCommentFromKeymap, Modes::normal},
     {u"gc", u"toggle comment on the selection", u"Editing", &VimEngine::toggleCommentFromKeymap, Modes::visual},
     {u"~j", u"move line down", u"Editing", &VimEngine::moveLinesDown},

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Commands/Responder.h"
 #include "Vim/VimKey.h"
 
 #include <QList>
@@ -12,10 +11,11 @@
 #include <vector>
 
 class VimEngine;
+struct Action;
 enum class VimKeymapPreset;
 
 /// What a mapping does: a call of the engine, or an action for the responder chain.
-using VimKeymapAction = std::variant<void (VimEngine::*)(), Selector>;
+using VimKeymapAction = std::variant<void (VimEngine::*)(), const Action *>;
 
 /// Shortcuts of several keys on top of Vim's own, in normal and visual modes. A prefix waits for the next key without a limit of time;
 /// keys that complete no mapping are handed back, to be what they are without it.

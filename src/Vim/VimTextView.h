@@ -2,10 +2,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Commands/Responder.h"
 #include "Text/Rope.h"
 
 #include <span>
+
+struct Action;
 
 /// How the caret looks.
 enum class VimCaret { bar, block };
@@ -48,7 +49,7 @@ public:
     virtual void toggleComment() = 0;
     virtual void setCaretLook(VimCaret look) = 0;
     /// Up the responder chain.
-    virtual void perform(Selector action) = 0;
+    virtual void perform(const Action &action) = 0;
     virtual void beep() = 0;
 
 protected:

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "Editor/EditorViewController.h"
+#include "Commands/Actions.h"
 
 #include "Editor/ExternalChangeBanner.h"
 #include "Editor/LineNumberRulerView.h"
@@ -157,7 +158,7 @@ TEST_F(EditorTest, FollowsThePreferences)
     EXPECT_EQ(view.indentation().unit, Indentation::Unit::tab);
     const Language &language = text.language();
     EXPECT_EQ(view.indentation().width, language.defaultIndentWidth().value_or(3));
-    EXPECT_TRUE(view.state("toggleComment:").isEnabled);
+    EXPECT_TRUE(view.state(Actions::toggleComment).isEnabled);
     preferences.setThemeName(u"Solarized Dark"_s);
     EXPECT_EQ(view.colors().background, QColor::fromRgb(Theme::solarizedDark().background));
     preferences.setHighlightCurrentLine(false);
@@ -428,7 +429,7 @@ TEST_F(EditorTest, TypingPaintsOnlyWhatItChanges)
 TEST_F(EditorTest, ChecksSpellingWhereThereIsAChecker)
 {
     TextDocument &text = document(u"the wrod\n"_s);
-    EXPECT_FALSE(open(text)->state("checkSpelling:").isEnabled);
+    EXPECT_FALSE(open(text)->state(Actions::checkSpelling).isEnabled);
 
     SpellChecker checker(workers, {{QStringLiteral(QUILLET_TEST_DATA "/spelling")}, {u"en"_s}, {}});
     SpellingPanel panel(checker);
@@ -436,10 +437,10 @@ TEST_F(EditorTest, ChecksSpellingWhereThereIsAChecker)
     services.spellingPanel = &panel;
     const auto one = open(text);
     const auto other = open(text);
-    one->textView().perform("toggleContinuousSpellChecking:");
-    EXPECT_EQ(one->textView().state("toggleContinuousSpellChecking:").checkMark, CheckMark::on);
-    EXPECT_EQ(other->textView().state("toggleContinuousSpellChecking:").checkMark, CheckMark::none);
-    EXPECT_TRUE(other->textView().perform("checkSpelling:"));
+    one->textView().perform(Actions::toggleContinuousSpellChecking);
+    EXPECT_EQ(one->textView().state(Actions::toggleContinuousSpellChecking).checkMark, CheckMark::on);
+    EXPECT_EQ(other->textView().state(Actions::toggleContinuousSpellChecking).checkMark, CheckMark::none);
+    EXPECT_TRUE(other->textView().perform(Actions::checkSpelling));
     pass(Scheduler::Milliseconds(100));
     EXPECT_EQ(other->textView().selectedText(), u"wrod");
     QMenu menu;

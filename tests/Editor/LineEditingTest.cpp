@@ -1,9 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "Commands/Actions.h"
 #include "EditorFixture.h"
 #include "Highlighting/LanguageRegistry.h"
 
 #include <gtest/gtest.h>
+
+#include <variant>
 
 using namespace Qt::StringLiterals;
 
@@ -17,8 +20,8 @@ struct Case {
     const char *name;
     /// With `|` for the caret and `^` for the other end of the selection.
     const char16_t *before;
-    /// Keys, or a selector.
-    const char *command;
+    /// Or keys.
+    std::variant<const Action *, const char *> command;
     const char16_t *after;
     Indentation indentation = fourSpaces;
 };
@@ -39,11 +42,10 @@ TEST_P(LineEditingCase, GivesTheTextAndIsOneUndoStep)
     const QString after = QString::fromUtf16(tested.after);
     EditorFixture fixture(before, tested.indentation);
     fixture.view.setLanguage(LanguageRegistry::withID(u"c").value());
-    const QString command = QString::fromLatin1(tested.command);
-    if (command.endsWith(u':')) {
-        EXPECT_TRUE(fixture.view.perform(Selector(tested.command)));
+    if (const auto *const *action = std::get_if<const Action *>(&tested.command)) {
+        EXPECT_TRUE(fixture.view.perform(**action));
     } else {
-        sendKeys(fixture.view, command);
+        sendKeys(fixture.view, QString::fromLatin1(std::get<const char *>(tested.command)));
     }
     EXPECT_EQ(fixture.marked().toStdString(), after.toStdString());
     if (MarkedText(before).text == MarkedText(after).text) {
@@ -91,36 +93,37 @@ INSTANTIATE_TEST_SUITE_P(Backspace, LineEditingCase,
                                          Case{"takes the selection", u"   ^ |a", "<BS>", u"   |a"}));
 
 INSTANTIATE_TEST_SUITE_P(Comment, LineEditingCase,
-                         testing::Values(Case{"goes to the smallest indentation", u"  a^b\n\n      c\n    d|",
-                                              "toggleComment:", u"^  // ab\n\n  //     c\n  //   d|"},
-                                         Case{"comes off with one space", u"^  // ab\n  //c\n|", "toggleComment:", u"^  ab\n  c\n|"},
-                                         Case{"doubles in a mixed block", u"^// a\nb|", "toggleComment:", u"^// // a\n// b|"},
-                                         Case{"leaves blank lines alone", u" |\n", "toggleComment:", u" |\n"},
-                                         Case{"does not touch the line behind the selection", u"^a\n|b", "toggleComment:", u"^// a\n|b"}));
+                         testing::Values(Case{"goes to the smallest indentation", u"  a^b\n\n      c\n    d|", &Actions::toggleComment,
+                                              u"^  // ab\n\n  //     c\n  //   d|"},
+                                         Case{"comes off with one space", u"^  // ab\n  //c\n|", &Actions::toggleComment, u"^  ab\n  c\n|"},
+                                         Case{"doubles in a mixed block", u"^// a\nb|", &Actions::toggleComment, u"^// // a\n// b|"},
+                                         Case{"leaves blank lines alone", u" |\n", &Actions::toggleComment, u" |\n"},
+                                         Case{"does not touch the line behind the selection", u"^a\n|b", &Actions::toggleComment,
+                                              u"^// a\n|b"}));
 
 INSTANTIATE_TEST_SUITE_P(WholeLines, LineEditingCase,
-                         testing::Values(Case{"duplicate", u"a|b\nc", "duplicateLine:", u"ab\n|ab\nc"},
-                                         Case{"duplicate the last", u"ab\nc|d", "duplicateLine:", u"ab\ncd\n|cd"},
-                                         Case{"duplicate several", u"a^b\nc|d\ne", "duplicateLine:", u"ab\ncd\n|ab\ncd\ne"},
-                                         Case{"delete", u"a\nb|c\nd", "deleteLine:", u"a\n|d"},
-                                         Case{"delete the last", u"a\nb|", "deleteLine:", u"a\n|"},
-                                         Case{"delete several", u"a^\nb|c\nd", "deleteLine:", u"|d"},
-                                         Case{"delete nothing", u"a\n|", "deleteLine:", u"a\n|"}));
+                         testing::Values(Case{"duplicate", u"a|b\nc", &Actions::duplicateLine, u"ab\n|ab\nc"},
+                                         Case{"duplicate the last", u"ab\nc|d", &Actions::duplicateLine, u"ab\ncd\n|cd"},
+                                         Case{"duplicate several", u"a^b\nc|d\ne", &Actions::duplicateLine, u"ab\ncd\n|ab\ncd\ne"},
+                                         Case{"delete", u"a\nb|c\nd", &Actions::deleteLine, u"a\n|d"},
+                                         Case{"delete the last", u"a\nb|", &Actions::deleteLine, u"a\n|"},
+                                         Case{"delete several", u"a^\nb|c\nd", &Actions::deleteLine, u"|d"},
+                                         Case{"delete nothing", u"a\n|", &Actions::deleteLine, u"a\n|"}));
 
 TEST(EditorCommands, AskForWhatTheyNeed)
 {
     EditorFixture fixture(u"a|"_s, twoSpaces);
     fixture.view.setLanguage(Language::plainText());
-    EXPECT_FALSE(fixture.view.state("toggleComment:").isEnabled);
+    EXPECT_FALSE(fixture.view.state(Actions::toggleComment).isEnabled);
     fixture.view.toggleComment();
     EXPECT_EQ(fixture.beeps, 1);
     fixture.view.setAutoIndent(EditorTextView::AutoIndent::off);
     sendKeys(fixture.view, u"<Home><Tab><End>{<CR>"_s);
     EXPECT_EQ(fixture.marked(), u"  a{\n|"_s);
     fixture.view.setAccess(TextView::Access::readOnly);
-    for (const char *selector : {"insertTab:", "insertBacktab:", "duplicateLine:", "deleteLine:"}) {
-        EXPECT_FALSE(fixture.view.state(selector).isEnabled) << selector;
-        fixture.view.perform(selector);
+    for (const Action *action : {&Actions::insertTab, &Actions::insertBacktab, &Actions::duplicateLine, &Actions::deleteLine}) {
+        EXPECT_FALSE(fixture.view.state(*action).isEnabled) << action->id;
+        fixture.view.perform(*action);
     }
     EXPECT_EQ(fixture.marked(), u"  a{\n|"_s);
 }

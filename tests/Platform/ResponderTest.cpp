@@ -13,20 +13,29 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr Action copy{"copy:"};
+constexpr Action comment{"comment:"};
+constexpr Action describe{"describe:"};
+constexpr Action firstTab{.id = "selectTab:", .tag = 1};
+constexpr Action secondTab{.id = "selectTab:", .tag = 2};
+constexpr Action thirdTab{.id = "selectTab:", .tag = 3};
+constexpr Action quit{"quit:"};
+constexpr Action unknown{"unknown:"};
+
 QStringList performed;
 
 class View : public QObject, public Responder {
 public:
     explicit View(QObject *parent) : QObject(parent) {}
 
-    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override
     {
         static constexpr auto rows = std::to_array<ActionRow>({
-            action<&View::copy, &View::hasSelection>("copy:"),
-            action<&View::selectTab, &View::tabState>("selectTab:"),
-            action<&View::describe>("describe:"),
+            action<&View::copy, &View::hasSelection>(::copy),
+            action<&View::selectTab, &View::tabState>(firstTab),
+            action<&View::describe>(::describe),
         });
-        return findAction(rows, selector);
+        return findAction(rows, wanted);
     }
 
     bool isSelected = false;
@@ -48,11 +57,11 @@ class Editor final : public View {
 public:
     using View::View;
 
-    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override
     {
-        static constexpr auto rows = std::to_array<ActionRow>({action<&Editor::comment>("comment:")});
-        const ActionRow *row = findAction(rows, selector);
-        return row ? row : View::actionFor(selector);
+        static constexpr auto rows = std::to_array<ActionRow>({action<&Editor::comment>(::comment)});
+        const ActionRow *row = findAction(rows, wanted);
+        return row ? row : View::actionFor(wanted);
     }
 
 private:
@@ -62,11 +71,11 @@ private:
 
 class Application final : public Responder {
 public:
-    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override
     {
         static constexpr auto rows =
-            std::to_array<ActionRow>({action<&Application::quit>("quit:"), action<&Application::copyAlways>("copy:")});
-        return findAction(rows, selector);
+            std::to_array<ActionRow>({action<&Application::quit>(::quit), action<&Application::copyAlways>(::copy)});
+        return findAction(rows, wanted);
     }
 
 private:
@@ -87,14 +96,13 @@ TEST(Responder, ActionsTravelUpToTheFirstThatTakesThem)
 
     EXPECT_EQ(nearestResponder(&plain), &window);
     EXPECT_EQ(editor.nextResponder(), &window);
-    // Names that were made at run time count as equal to literals.
-    EXPECT_TRUE(editor.perform(Selector(std::string_view(std::string("comment:"))), {}));
-    EXPECT_TRUE(editor.perform("copy:"));
-    EXPECT_TRUE(editor.perform("describe:"));
-    EXPECT_TRUE(editor.perform("selectTab:", {.tag = 2, .represented = u"x"_s}));
-    EXPECT_TRUE(editor.perform("quit:"));
-    EXPECT_FALSE(editor.perform("unknown:"));
-    EXPECT_FALSE(window.perform("comment:"));
+    EXPECT_TRUE(editor.perform(comment));
+    EXPECT_TRUE(editor.perform(::copy));
+    EXPECT_TRUE(editor.perform(::describe));
+    EXPECT_TRUE(editor.perform(secondTab, u"x"_s));
+    EXPECT_TRUE(editor.perform(::quit));
+    EXPECT_FALSE(editor.perform(::unknown));
+    EXPECT_FALSE(window.perform(::comment));
     EXPECT_EQ(performed, QStringList({u"comment"_s, u"copy"_s, u"editor"_s, u"tab 2 x"_s, u"quit"_s}));
 }
 
@@ -104,14 +112,14 @@ TEST(Responder, StateIsTheTargetsAlone)
     Editor editor(nullptr);
     editor.setNextResponder(&application);
 
-    EXPECT_FALSE(editor.state("copy:").isEnabled) << "the application would take it, but the editor comes first";
+    EXPECT_FALSE(editor.state(::copy).isEnabled) << "the application would take it, but the editor comes first";
     editor.isSelected = true;
-    EXPECT_TRUE(editor.state("copy:").isEnabled);
-    EXPECT_TRUE(editor.state("quit:").isEnabled);
-    EXPECT_FALSE(editor.state("unknown:").isEnabled);
-    const ActionState first = editor.state("selectTab:", {.tag = 1});
+    EXPECT_TRUE(editor.state(::copy).isEnabled);
+    EXPECT_TRUE(editor.state(::quit).isEnabled);
+    EXPECT_FALSE(editor.state(::unknown).isEnabled);
+    const ActionState first = editor.state(firstTab);
     EXPECT_TRUE(first.isEnabled);
     EXPECT_EQ(first.checkMark, CheckMark::on);
     EXPECT_EQ(first.title, u"Tab"_s);
-    EXPECT_FALSE(editor.state("selectTab:", {.tag = 3}).isEnabled);
+    EXPECT_FALSE(editor.state(thirdTab).isEnabled);
 }

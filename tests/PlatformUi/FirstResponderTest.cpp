@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Commands/FirstResponder.h"
 
-#include "Commands/Responder.h"
+#include "Commands/Actions.h"
 
 #include <QLineEdit>
 
@@ -18,10 +18,11 @@ class Pane final : public QWidget, public Responder {
 public:
     using QWidget::QWidget;
 
-    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override
     {
-        static constexpr auto rows = std::to_array<ActionRow>({action<&Pane::count>("copy:"), action<&Pane::count>("save:")});
-        return findAction(rows, selector);
+        static constexpr auto rows =
+            std::to_array<ActionRow>({action<&Pane::count>(Actions::copy), action<&Pane::count>(Actions::saveDocument)});
+        return findAction(rows, wanted);
     }
 
     int calls = 0;
@@ -45,30 +46,30 @@ TEST(FirstResponder, BeginsAtTheFocusWidget)
     edit.setFocus();
     Responder *responder = firstResponder(&window);
     ASSERT_NE(responder, &window);
-    EXPECT_FALSE(responder->state("copy:").isEnabled) << "nothing is selected";
-    EXPECT_FALSE(responder->state("undo:").isEnabled);
+    EXPECT_FALSE(responder->state(Actions::copy).isEnabled) << "nothing is selected";
+    EXPECT_FALSE(responder->state(Actions::undo).isEnabled);
     edit.insert(u"needle"_s);
-    EXPECT_TRUE(responder->state("undo:").isEnabled);
-    EXPECT_TRUE(responder->perform("selectAll:"));
-    EXPECT_TRUE(responder->state("copy:").isEnabled);
-    EXPECT_TRUE(responder->perform("cut:"));
+    EXPECT_TRUE(responder->state(Actions::undo).isEnabled);
+    EXPECT_TRUE(responder->perform(Actions::selectAll));
+    EXPECT_TRUE(responder->state(Actions::copy).isEnabled);
+    EXPECT_TRUE(responder->perform(Actions::cut));
     EXPECT_EQ(edit.text(), QString());
-    EXPECT_TRUE(responder->state("paste:").isEnabled);
-    responder->perform("paste:");
+    EXPECT_TRUE(responder->state(Actions::paste).isEnabled);
+    responder->perform(Actions::paste);
     EXPECT_EQ(edit.text(), u"needle"_s);
-    responder->perform("delete:");
+    responder->perform(Actions::deleteSelection);
     EXPECT_EQ(edit.text(), u"needle"_s) << "there was no selection to delete";
-    responder->perform("undo:");
+    responder->perform(Actions::undo);
     EXPECT_EQ(edit.text(), QString());
 
     edit.setText(u"secret"_s);
     edit.setEchoMode(QLineEdit::Password);
     edit.selectAll();
-    EXPECT_FALSE(responder->state("copy:").isEnabled);
+    EXPECT_FALSE(responder->state(Actions::copy).isEnabled);
     edit.setReadOnly(true);
-    EXPECT_FALSE(responder->state("paste:").isEnabled);
+    EXPECT_FALSE(responder->state(Actions::paste).isEnabled);
 
     EXPECT_EQ(window.calls, 0);
-    responder->perform("save:");
+    responder->perform(Actions::saveDocument);
     EXPECT_EQ(window.calls, 1);
 }

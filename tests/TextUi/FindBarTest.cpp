@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Find/FindBar.h"
 
+#include "Commands/Actions.h"
 #include "Find/FindField.h"
 #include "Find/FindState.h"
 #include "Find/TextFinder.h"
@@ -86,7 +87,7 @@ struct Editor {
         window.activateWindow();
         (void)QTest::qWaitForWindowActive(&window);
     }
-    void perform(FindAction action) { bar->performTextFinderAction({.tag = static_cast<int>(action)}); }
+    void perform(const Action &action) { bar->performTextFinderAction({.tag = action.tag}); }
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) { QTest::keyClick(window.focusWidget(), key, modifiers); }
     void type(const QString &text) { QTest::keyClicks(window.focusWidget(), text); }
     [[nodiscard]] FindField *field(int row) const { return bar->findChildren<FindField *>()[row]; }
@@ -116,7 +117,7 @@ TEST(FindBar, FindsWhileTypingAndGoesRoundFromHitToHit)
 {
     FindState shared;
     Editor editor(shared, u"an ant, |a man, an Ant"_s);
-    editor.perform(FindAction::showFindBar);
+    editor.perform(Actions::find);
     ASSERT_EQ(editor.window.focusWidget(), editor.field(0));
     editor.type(u"an"_s);
     EXPECT_EQ(editor.marked(), "an ant, a m^an|, an Ant") << "from the caret on";
@@ -159,7 +160,7 @@ TEST(FindBar, ReplacingTheLastHitLeadsBackToTheField)
 {
     FindState shared;
     Editor editor(shared, u"|one two"_s);
-    editor.perform(FindAction::showReplaceBar);
+    editor.perform(Actions::findAndReplace);
     editor.type(u"two"_s);
     editor.button(u"Replace"_s)->setFocus();
     editor.key(Qt::Key_Return);
@@ -172,7 +173,7 @@ TEST(FindBar, SaysWhatIsWrongWithAnExpression)
 {
     FindState shared;
     Editor editor(shared, u"|a1 b22"_s);
-    editor.perform(FindAction::showReplaceBar);
+    editor.perform(Actions::findAndReplace);
     editor.key(Qt::Key_R, Qt::AltModifier);
     editor.scheduler.advance(1s);
     const int height = editor.bar->height();
@@ -213,9 +214,9 @@ TEST(FindBar, ClosesToTheTextAndWorksClosed)
 {
     FindState shared;
     Editor editor(shared, u"|one two one"_s);
-    editor.perform(FindAction::findNext);
+    editor.perform(Actions::findNext);
     EXPECT_EQ(editor.beeps, 1) << "nothing is sought yet";
-    editor.perform(FindAction::showFindBar);
+    editor.perform(Actions::find);
     editor.type(u"two"_s);
     editor.key(Qt::Key_Escape);
     EXPECT_FALSE(editor.bar->isOpen());
@@ -225,14 +226,14 @@ TEST(FindBar, ClosesToTheTextAndWorksClosed)
     EXPECT_FALSE(editor.bar->isVisible());
 
     editor.view->setSelection({0, 3});
-    editor.perform(FindAction::useSelection);
+    editor.perform(Actions::useSelectionForFind);
     EXPECT_FALSE(editor.bar->isOpen());
-    editor.perform(FindAction::findNext);
+    editor.perform(Actions::findNext);
     EXPECT_EQ(editor.marked(), "one two ^one|");
-    editor.perform(FindAction::findPrevious);
+    editor.perform(Actions::findPrevious);
     EXPECT_EQ(editor.marked(), "^one| two one");
     shared.setQuery({.pattern = u"three"_s});
-    editor.perform(FindAction::findPrevious);
+    editor.perform(Actions::findPrevious);
     EXPECT_EQ(editor.beeps, 2);
     EXPECT_EQ(editor.marked(), "^one| two one");
 }
@@ -242,9 +243,9 @@ TEST(FindBar, TakesTheSelectionAndFollowsOtherWindows)
     FindState shared;
     Editor editor(shared, u"o^ne| two\none"_s);
     Editor other(shared, u"|one two"_s);
-    other.perform(FindAction::showFindBar);
+    other.perform(Actions::find);
     editor.activate();
-    editor.perform(FindAction::showFindBar);
+    editor.perform(Actions::find);
     EXPECT_EQ(editor.field(0)->text(), u"ne"_s);
     EXPECT_EQ(editor.note(), u"1 of 2"_s);
     EXPECT_EQ(other.field(0)->text(), u"ne"_s);
@@ -253,7 +254,7 @@ TEST(FindBar, TakesTheSelectionAndFollowsOtherWindows)
 
     editor.key(Qt::Key_Escape);
     editor.view->setSelection({1, 10});
-    editor.perform(FindAction::showFindBar);
+    editor.perform(Actions::find);
     EXPECT_EQ(editor.field(0)->text(), u"ne"_s) << "not of several lines";
     EXPECT_FALSE(editor.bar->textFinderActionState({.tag = 7}).isEnabled);
     editor.key(Qt::Key_R, Qt::AltModifier);
@@ -261,14 +262,14 @@ TEST(FindBar, TakesTheSelectionAndFollowsOtherWindows)
     EXPECT_TRUE(other.button(u"Regular Expression"_s)->isChecked());
     editor.storage.replaceCharacters({0, 0}, u"a.b "_s);
     editor.view->setSelection({0, 3});
-    editor.perform(FindAction::useSelection);
+    editor.perform(Actions::useSelectionForFind);
     EXPECT_EQ(other.field(0)->text(), u"a\\.b"_s) << "as an expression it stands for itself";
 
     editor.button(u"Match Case"_s)->setFocus();
     editor.key(Qt::Key_Space);
     editor.view->setFocus();
     editor.view->setSelection({0, 0});
-    editor.perform(FindAction::showFindBar);
+    editor.perform(Actions::find);
     EXPECT_TRUE(editor.button(u"Match Case"_s)->isChecked()) << "as the bar was left";
 }
 
@@ -276,7 +277,7 @@ TEST(FindBar, RemembersWhatWasSought)
 {
     FindState shared;
     Editor editor(shared, u"|"_s);
-    editor.perform(FindAction::showReplaceBar);
+    editor.perform(Actions::findAndReplace);
     for (const QString &text : {u"one"_s, u"two"_s, u"one"_s, u"three"_s}) {
         editor.field(0)->setText(text);
         editor.key(Qt::Key_Return);
@@ -300,7 +301,7 @@ TEST(FindBar, ReplacesTheSelectedHitOnly)
 {
     FindState shared;
     Editor editor(shared, u"|ab x ab y ab"_s);
-    editor.perform(FindAction::showReplaceBar);
+    editor.perform(Actions::findAndReplace);
     editor.type(u"ab"_s);
     editor.view->setSelection({3, 4});
     editor.key(Qt::Key_Tab);
@@ -319,7 +320,7 @@ TEST(FindBar, ReplacesTheSelectedHitOnly)
 
     editor.view->setAccess(TextView::Access::readOnly);
     EXPECT_FALSE(editor.bar->textFinderActionState({.tag = 12}).isEnabled);
-    editor.perform(FindAction::showReplaceBar);
+    editor.perform(Actions::findAndReplace);
     EXPECT_FALSE(editor.field(1)->isVisible());
     editor.finder.replaceAll(u"x"_s);
     EXPECT_EQ(editor.storage.string(), u"ab x ab! y ab"_s);
@@ -333,7 +334,7 @@ TEST(FindBar, ReplacesAllAsOneStep)
         const QString after = QString(u"a dog! and a dog!\n"_s).repeated(lines);
         Editor editor(shared, before);
         editor.view->setSelection(TextSelection::at(editor.storage.text().lineStart(3) + 8));
-        editor.perform(FindAction::showReplaceBar);
+        editor.perform(Actions::findAndReplace);
         editor.field(0)->setText(u"cat"_s);
         editor.view->setSelection(TextSelection::at(editor.storage.text().lineStart(3) + 8));
         editor.field(1)->setText(u"dog!"_s);
@@ -357,7 +358,7 @@ TEST(FindBar, GoesOnFromAHitInsideACharacter)
 {
     FindState shared;
     Editor editor(shared, u"|e\u0301 e\u0301 \r\n \r\n"_s);
-    editor.perform(FindAction::showFindBar);
+    editor.perform(Actions::find);
     editor.type(u"e"_s);
     EXPECT_EQ(editor.note(), u"1 of 2"_s);
     editor.key(Qt::Key_Return);
@@ -383,7 +384,7 @@ TEST(FindBar, SearchesALargeTextInTheBackground)
     FindState shared;
     Editor editor(shared, u"|"_s + largeText());
     const qsizetype place = editor.storage.length() / 2;
-    editor.perform(FindAction::showFindBar);
+    editor.perform(Actions::find);
     editor.type(u"often"_s);
     EXPECT_EQ(editor.view->selection().range(), (TextRange{0, 5})) << "what is near is found at once";
     EXPECT_EQ(editor.note(), QString());
@@ -442,7 +443,7 @@ TEST(FindBar, ReplacesAllInALargeTextAsItIsThen)
 {
     FindState shared;
     Editor editor(shared, u"|"_s + largeText());
-    editor.perform(FindAction::showReplaceBar);
+    editor.perform(Actions::findAndReplace);
     editor.type(u"often"_s);
     editor.field(1)->setText(u"always"_s);
     editor.button(u"Replace All"_s)->click();
@@ -476,7 +477,7 @@ TEST(FindBar, SlidesUnlessTheStyleIsAgainstIt)
     };
     FindState shared;
     Editor editor(shared, u"|"_s);
-    editor.perform(FindAction::showFindBar);
+    editor.perform(Actions::find);
     EXPECT_EQ(editor.bar->height(), 0);
     editor.scheduler.advance(60ms);
     const int halfway = editor.bar->height();
@@ -490,7 +491,7 @@ TEST(FindBar, SlidesUnlessTheStyleIsAgainstIt)
 
     Still still;
     editor.bar->setStyle(&still);
-    editor.perform(FindAction::showReplaceBar);
+    editor.perform(Actions::findAndReplace);
     EXPECT_GT(editor.bar->height(), full);
     editor.bar->close();
     EXPECT_FALSE(editor.bar->isVisible());
@@ -500,7 +501,7 @@ TEST(FindBar, IsReachedByTabAndNamedWherever)
 {
     FindState shared;
     Editor editor(shared, u"|a"_s);
-    editor.perform(FindAction::showReplaceBar);
+    editor.perform(Actions::findAndReplace);
     editor.type(u"a"_s);
     for (const int width : {400, 190, 600}) {
         editor.window.resize(width, 300);

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "Commands/Actions.h"
 #include "Editor/ExternalChangeBanner.h"
 #include "UI/StatusBarView.h"
 #include "WindowFixture.h"
@@ -90,7 +91,7 @@ protected:
 TEST_F(WindowAccessibility, EveryControlIsReachedAndHasAName)
 {
     type(u"find"_s);
-    send("splitEditorRight:");
+    send(Actions::splitEditorRight);
     QTest::keySequence(&textView(), QKeySequence(u"Ctrl+F"_s));
     QTest::keyClicks(QApplication::focusWidget(), u"f"_s);
     for (const ToolbarStyle style : {ToolbarStyle::combined, ToolbarStyle::separate}) {
@@ -113,9 +114,9 @@ TEST_F(WindowAccessibility, TabsTellOfTheSelection)
 {
     write(u"a"_s, "one");
     application.open({path(u"a"_s)});
-    send("newDocument:");
+    send(Actions::newDocument);
     takeHeard();
-    send("selectTabByNumber:", {.tag = 1});
+    send(Actions::selectTab1);
     EXPECT_EQ(takeHeard(), "+a;-Untitled;");
 }
 

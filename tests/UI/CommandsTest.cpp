@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "App/MainMenu.h"
 #include "Base/Localization.h"
+#include "Commands/ActionKeys.h"
+#include "Commands/Actions.h"
 #include "Desktop/SystemDesktop.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "WindowFixture.h"
@@ -12,6 +14,8 @@
 #include <QToolButton>
 
 #include <gmock/gmock.h>
+
+#include <set>
 
 using namespace Qt::StringLiterals;
 
@@ -57,42 +61,43 @@ TEST_F(CommandsTest, SaveSaysWhatItDid)
     EXPECT_FALSE(window().isWindowModified());
     type(u"!"_s);
     EXPECT_TRUE(window().isWindowModified());
-    send("saveDocument:");
-    send("saveDocumentAs:");
+    send(Actions::saveDocument);
+    send(Actions::saveDocumentAs);
     EXPECT_EQ(flashes, (QStringList{u"Saved as “new.c”"_s, u"Saved"_s}));
     EXPECT_EQ(defaults.string("io.panels.lastDirectory"_L1), folder.path());
     folder.remove();
     type(u"?"_s);
-    send("saveDocument:");
+    send(Actions::saveDocument);
     EXPECT_EQ(presenter.alerts().size(), 1U);
     EXPECT_TRUE(window().isWindowModified());
 }
 
 TEST_F(CommandsTest, WhatNeedsAFileBeepsWithoutOne)
 {
-    for (const char *selector : {"makeBackup:", "openInTerminal:", "moveDocumentToTrash:", "revealInFinder:", "copyFilePath:"}) {
+    for (const Action *action : {&Actions::makeBackup, &Actions::openInTerminal, &Actions::moveDocumentToTrash, &Actions::revealInFinder,
+                                 &Actions::copyFilePath}) {
         const int beeps = presenter.beepCount();
-        EXPECT_FALSE(isEnabled(selector)) << selector;
-        send(selector);
-        EXPECT_EQ(presenter.beepCount(), beeps + 1) << selector;
+        EXPECT_FALSE(isEnabled(*action)) << action->id;
+        send(*action);
+        EXPECT_EQ(presenter.beepCount(), beeps + 1) << action->id;
     }
     const QString file = write(u"a.txt"_s, "a\r\n");
     workspace().open({file});
     type(u"x"_s);
-    send("makeBackup:");
-    send("makeBackup:");
+    send(Actions::makeBackup);
+    send(Actions::makeBackup);
     EXPECT_EQ(read(u"a 2.txt"_s), "xa\r\n");
     EXPECT_EQ(flashes, (QStringList{u"Copied to “a 2.txt”"_s, u"Copied to “a 3.txt”"_s}));
     EXPECT_TRUE(window().isWindowModified());
-    send("openInTerminal:");
-    send("revealInFinder:");
-    send("copyFilePath:");
+    send(Actions::openInTerminal);
+    send(Actions::revealInFinder);
+    send(Actions::copyFilePath);
     EXPECT_EQ(desktop.terminals, QStringList{folder.path()});
     EXPECT_EQ(desktop.revealed, QStringList{file});
     EXPECT_EQ(pasteboard.text(), file);
     EXPECT_TRUE(presenter.alerts().empty());
     desktop.result = failure(u"No file manager was found."_s);
-    send("revealInFinder:");
+    send(Actions::revealInFinder);
     EXPECT_EQ(lastAlert(), u"No file manager was found."_s);
 }
 
@@ -100,19 +105,19 @@ TEST_F(CommandsTest, TheTrashAsksFirstAndKeepsTheTabWhenItFails)
 {
     const QString file = write(u"a.txt"_s, "a");
     workspace().open({file, write(u"b.txt"_s, "b")});
-    send("selectPreviousTab:");
-    send("splitEditorRight:");
-    send("moveDocumentToTrash:");
+    send(Actions::selectPreviousTab);
+    send(Actions::splitEditorRight);
+    send(Actions::moveDocumentToTrash);
     EXPECT_EQ(lastAlert(), u"Move “a.txt” to the Trash?"_s);
     EXPECT_TRUE(desktop.trashed.isEmpty());
     presenter.answer(AlertReply::firstButton);
     desktop.result = failure(u"no room"_s);
-    send("moveDocumentToTrash:");
+    send(Actions::moveDocumentToTrash);
     EXPECT_EQ(lastAlert(), u"no room"_s);
     EXPECT_EQ(workspace().panes().size(), 2U);
     presenter.answer(AlertReply::firstButton);
     desktop.result = {};
-    send("moveDocumentToTrash:");
+    send(Actions::moveDocumentToTrash);
     EXPECT_EQ(desktop.trashed, (QStringList{file, file}));
     EXPECT_EQ(workspace().panes().size(), 1U);
     EXPECT_EQ(tabs(), QStringList{u"b.txt"_s});
@@ -120,7 +125,7 @@ TEST_F(CommandsTest, TheTrashAsksFirstAndKeepsTheTabWhenItFails)
 
     // Saved under another name while the question was open, it is not the file that was asked about.
     presenter.hold();
-    send("moveDocumentToTrash:");
+    send(Actions::moveDocumentToTrash);
     std::ignore = workspace().currentDocument()->save(path(u"c.txt"_s));
     presenter.answer(AlertReply::firstButton);
     presenter.answerHeld();
@@ -131,13 +136,13 @@ TEST_F(CommandsTest, TheTrashAsksFirstAndKeepsTheTabWhenItFails)
 TEST_F(CommandsTest, RevertAsksAndIsThereOnlyForEditedFiles)
 {
     workspace().open({write(u"a.txt"_s, "a")});
-    EXPECT_FALSE(isEnabled("revertDocumentToSaved:"));
+    EXPECT_FALSE(isEnabled(Actions::revertDocumentToSaved));
     type(u"x"_s);
-    EXPECT_TRUE(isEnabled("revertDocumentToSaved:"));
-    send("revertDocumentToSaved:");
+    EXPECT_TRUE(isEnabled(Actions::revertDocumentToSaved));
+    send(Actions::revertDocumentToSaved);
     EXPECT_EQ(text(), u"xa"_s);
     presenter.answer(AlertReply::firstButton);
-    send("revertDocumentToSaved:");
+    send(Actions::revertDocumentToSaved);
     EXPECT_EQ(text(), u"a"_s);
     EXPECT_FALSE(window().isWindowModified());
 }
@@ -154,7 +159,7 @@ TEST_F(CommandsTest, GoToLineTakesWholeNumbersOnly)
     for (const Case &tested : cases) {
         textView().setSelection(TextSelection::at(0));
         presenter.answer(AlertReply::firstButton, QString::fromUtf16(tested.entered));
-        send("goToLine:");
+        send(Actions::goToLine);
         EXPECT_EQ(LineIndex::lineNumber(textView().selection().caret, workspace().currentDocument()->storage().text()), tested.line)
             << QString::fromUtf16(tested.entered).toStdString();
     }
@@ -163,26 +168,27 @@ TEST_F(CommandsTest, GoToLineTakesWholeNumbersOnly)
 TEST_F(CommandsTest, LanguagesThemesAndViewOptionsAreChecked)
 {
     workspace().open({write(u"a.txt"_s, "x")});
-    const auto isOn = [this](Selector selector, const QVariant &represented = {}) {
-        return firstResponder(&window())->state(selector, {.represented = represented}).checkMark == CheckMark::on;
+    const auto isOn = [this](const Action &action, const QVariant &represented = {}) {
+        return firstResponder(&window())->state(action, represented).checkMark == CheckMark::on;
     };
-    EXPECT_TRUE(isOn("selectLanguageFromMenu:", u"text"_s));
-    send("selectLanguageFromMenu:", {.represented = u"python"_s});
-    EXPECT_TRUE(isOn("selectLanguageFromMenu:", u"python"_s));
+    EXPECT_TRUE(isOn(Actions::selectLanguage, u"text"_s));
+    send(Actions::selectLanguage, u"python"_s);
+    EXPECT_TRUE(isOn(Actions::selectLanguage, u"python"_s));
     EXPECT_TRUE(workspace().currentDocument()->languageWasChosenManually);
-    EXPECT_TRUE(isEnabled("toggleComment:"));
-    send("selectLanguageFromMenu:", {.represented = u"klingon"_s});
-    send("selectTheme:", {.represented = u"Solarized Dark"_s});
-    EXPECT_TRUE(isOn("selectTheme:", u"Solarized Dark"_s));
+    EXPECT_TRUE(isEnabled(Actions::toggleComment));
+    send(Actions::selectLanguage, u"klingon"_s);
+    send(Actions::selectTheme, u"Solarized Dark"_s);
+    EXPECT_TRUE(isOn(Actions::selectTheme, u"Solarized Dark"_s));
     EXPECT_EQ(textView().colors().background, QColor::fromRgb(Theme::solarizedDark().background));
-    for (const char *selector : {"toggleLineNumbers:", "toggleLineWrap:", "toggleInvisibles:", "toggleCurrentLineHighlight:"}) {
-        const bool before = isOn(selector);
-        send(selector);
-        EXPECT_EQ(isOn(selector), !before) << selector;
+    for (const Action *action :
+         {&Actions::toggleLineNumbers, &Actions::toggleLineWrap, &Actions::toggleInvisibles, &Actions::toggleCurrentLineHighlight}) {
+        const bool before = isOn(*action);
+        send(*action);
+        EXPECT_EQ(isOn(*action), !before) << action->id;
     }
-    send("increaseFontSize:");
+    send(Actions::increaseFontSize);
     EXPECT_EQ(preferences.fontSize(), 14);
-    send("resetFontSize:");
+    send(Actions::resetFontSize);
     EXPECT_EQ(preferences.fontSize(), 13);
 }
 
@@ -208,7 +214,7 @@ TEST_F(CommandsTest, TheStatusBarShowsWhatIsChosenInIt)
 
 TEST_F(CommandsTest, ClosingAWindowAsksOnceForAllItsTexts)
 {
-    send("newWindow:");
+    send(Actions::newWindow);
     WorkspaceViewController &other = workspace(1);
     other.open({write(u"a"_s, "a"), write(u"b"_s, "b")});
     for (const auto &document : other.documents()) {
@@ -225,21 +231,21 @@ TEST_F(CommandsTest, ClosingAWindowAsksOnceForAllItsTexts)
     // The only one left is clean.
     bool isFinished = false;
     QObject::connect(&application, &AppDelegate::finished, &application, [&] { isFinished = true; });
-    send("terminate:");
+    send(Actions::terminate);
     EXPECT_TRUE(isFinished);
 }
 
 TEST_F(CommandsTest, QuittingStopsAtTheWindowThatIsKept)
 {
     preferences.setAutosaveDrafts(false); // else it asks nothing
-    send("newWindow:");
+    send(Actions::newWindow);
     workspace(1).currentDocument()->storage().replaceCharacters({}, u"x"_s);
     bool isFinished = false;
     QObject::connect(&application, &AppDelegate::finished, &application, [&] { isFinished = true; });
-    send("terminate:");
+    send(Actions::terminate);
     EXPECT_FALSE(isFinished);
     // It was given up: the next closing is only its own.
-    send("newWindow:");
+    send(Actions::newWindow);
     presenter.answer(AlertReply::thirdButton);
     application.windows().front()->close();
     EXPECT_FALSE(isFinished);
@@ -302,18 +308,18 @@ TEST_F(CommandsTest, BarsThatHaveTheFocusActOnTheText)
     for (const char *bar : {"tabs", "status bar", "toolbar"}) {
         QTest::keySequence(window().focusWidget(), QKeySequence(Qt::Key_F6));
         EXPECT_FALSE(text->hasFocus()) << bar;
-        EXPECT_TRUE(isEnabled("selectAll:")) << bar;
-        EXPECT_TRUE(isEnabled("closeTab:")) << bar;
+        EXPECT_TRUE(isEnabled(Actions::selectAll)) << bar;
+        EXPECT_TRUE(isEnabled(Actions::closeTab)) << bar;
     }
     // Beside the menu bar, it does not leave letters to the menus.
     QTest::keyClick(window().focusWidget(), Qt::Key_N);
     EXPECT_FALSE(QApplication::activePopupWidget());
     // The text behind goes, and its neighbour takes its place.
-    send("closeTab:");
+    send(Actions::closeTab);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_EQ(tabs(), QStringList{u"a.txt"_s});
-    EXPECT_TRUE(isEnabled("selectAll:"));
-    EXPECT_TRUE(isEnabled("closeTab:"));
+    EXPECT_TRUE(isEnabled(Actions::selectAll));
+    EXPECT_TRUE(isEnabled(Actions::closeTab));
     // From everywhere Escape leads back.
     for (int steps = 1; steps <= 3; ++steps) {
         workspace().focusEditor();
@@ -362,13 +368,13 @@ TEST_F(RecentDocumentsMenu, ShowsWhatWasOpenedAndSaved)
     workspace().open({first, path(u"missing.txt"_s), second});
     workspace().open({first});
     presenter.answerSave(path(u"saved.txt"_s));
-    send("saveDocumentAs:");
+    send(Actions::saveDocumentAs);
     EXPECT_EQ(opened(), "saved.txt | clear.txt | a&&b c <i>.txt | - | &Clear Menu") << "what was open already was not opened again";
     EXPECT_TRUE(recentMenu()->toolTipsVisible());
     EXPECT_EQ(recentMenu()->actions()[0]->toolTip(), path(u"saved.txt"_s));
     EXPECT_TRUE(recentMenu()->actions()[2]->toolTip().contains(u"&lt;i&gt;"_s));
     presenter.answerSave(u"/missing/folder/x"_s);
-    send("saveDocumentAs:");
+    send(Actions::saveDocumentAs);
     QFile::remove(path(u"saved.txt"_s));
     EXPECT_TRUE(opened().starts_with("clear.txt | a&&b"));
     EXPECT_EQ(recent.entries().size(), 3U);
@@ -396,33 +402,31 @@ TEST_F(RecentDocumentsMenu, OpensInTheWindowInFront)
     const QString file = write(u"a.txt"_s, "a");
     recent.note({file, path(u"gone.txt"_s)});
     EXPECT_EQ(opened(), "a.txt | - | &Clear Menu");
-    send("newWindow:");
+    send(Actions::newWindow);
     choose(0);
     EXPECT_EQ(application.frontmostWindow()->workspace().currentDocument()->path(), file);
     EXPECT_EQ(application.windows().size(), 2U);
     EXPECT_EQ(presenter.beepCount(), 0);
     QFile::remove(file);
     choose(0);
-    send("openRecentDocument:", {.represented = path(u"gone.txt"_s)});
-    send("openRecentDocument:", {.represented = write(u"unknown.txt"_s, "b")});
-    send("openRecentDocument:");
+    send(Actions::openRecentDocument, path(u"gone.txt"_s));
+    send(Actions::openRecentDocument, write(u"unknown.txt"_s, "b"));
+    send(Actions::openRecentDocument);
     EXPECT_EQ(presenter.beepCount(), 4);
     EXPECT_TRUE(presenter.alerts().empty());
 }
 
-TEST(MainMenu, KeysAreTheirOwnAndCommandsKnown)
+TEST(Actions, HaveTheirOwnNamesAndKeys)
 {
+    std::set<std::pair<std::string_view, int>> names;
+    for (const Action *action : Actions::all()) {
+        EXPECT_TRUE(names.emplace(action->id, action->tag).second) << action->id;
+    }
     QSet<QKeySequence> taken;
-    QSet<QString> selectors;
-    for (const MenuCommand &command : MainMenu::commands()) {
-        const QList<QKeySequence> keys = command.keySequences();
-        if (command.selector == Selector("newWindow:") && selectors.contains(u"newWindow:"_s)) {
-            continue;
-        }
-        selectors.insert(QString::fromLatin1(command.selector.name().data(), qsizetype(command.selector.name().size())));
-        for (const QKeySequence &key : keys) {
+    for (const Action *action : Actions::inMenus()) {
+        for (const QKeySequence &key : keySequences(*action)) {
             EXPECT_FALSE(taken.contains(key)) << key.toString().toStdString();
-            EXPECT_EQ(key.count(), 1) << command.shortcuts;
+            EXPECT_EQ(key.count(), 1) << action->keys;
             taken.insert(key);
         }
     }
@@ -434,8 +438,8 @@ TEST(MainMenu, NoKeyIsMeantTwiceOnAnyKeyboard)
     const QStringList shifted = {u"\\|"_s, u"=+"_s, u"-_"_s, u"[{"_s, u"]}"_s, u";:"_s, u"/?"_s, u",<"_s, u".>"_s, u"<>"_s,
                                  u",;"_s,  u".:"_s, u"#'"_s, u"+*"_s, u"7/"_s, u"0="_s, u"8*"_s, u"9("_s, u"1!"_s};
     QStringList keys;
-    for (const MenuCommand &command : MainMenu::commands()) {
-        for (const QKeySequence &key : command.keySequences()) {
+    for (const Action *action : Actions::inMenus()) {
+        for (const QKeySequence &key : keySequences(*action)) {
             keys << key.toString();
         }
     }

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "Commands/Actions.h"
 #include "Diff/DiffOverview.h"
 #include "Diff/DiffText.h"
 #include "Diff/DiffWindowController.h"
@@ -26,7 +27,7 @@ protected:
         workspace().open({write(u"a.txt"_s, old)});
         TextStorage &storage = workspace().currentDocument()->storage();
         storage.replaceCharacters({0, storage.length()}, edited);
-        EXPECT_TRUE(send("compareWithFileOnDisk:"));
+        EXPECT_TRUE(send(Actions::compareWithFileOnDisk));
         return application.comparisons().back()->content();
     }
     [[nodiscard]] static QString shown(const DiffTextView &view) { return view.storage().string(); }
@@ -121,7 +122,7 @@ TEST_F(ComparisonTest, TellsThatThereIsNothingToSee)
     EXPECT_EQ(content.summary(), u"1 change   +1  \u22121"_s);
     EXPECT_EQ(content.currentChange(), -1);
     workspace().currentDocument()->storage().replaceCharacters({0, 4}, u"a b\n");
-    send("compareWithFileOnDisk:");
+    send(Actions::compareWithFileOnDisk);
     EXPECT_EQ(application.comparisons().back()->content().summary(), u"The two files are identical"_s);
 }
 
@@ -154,7 +155,7 @@ TEST_F(ComparisonTest, ScrollsBothColumnsTogether)
     EXPECT_EQ(y(content.rightView()), y(content.leftView()));
     // Finding in one of them leaves the rows side by side.
     content.leftView().setFocus();
-    content.perform("performTextFinderAction:", {.tag = int(FindAction::showFindBar)});
+    content.perform(Actions::find);
     QCoreApplication::processEvents();
     EXPECT_EQ(content.leftView().mapTo(&content, QPoint()).y(), content.rightView().mapTo(&content, QPoint()).y());
 }
@@ -164,25 +165,25 @@ TEST_F(ComparisonTest, ComparesWithOtherFilesAndTexts)
     workspace().open({write(u"a.cpp"_s, "int a;\n")});
     EXPECT_EQ(compareMenu(), (QStringList{u"With File on Disk Ctrl+Alt+D"_s, u"With File… "_s}));
     presenter.answerOpen({write(u"b.cpp"_s, "int b;\n")});
-    send("compareWithFile:");
+    send(Actions::compareWithFile);
     EXPECT_EQ(presenter.openPanels().back().title, u"Choose a file to compare with “a.cpp”."_s);
     EXPECT_EQ(application.comparisons().back()->windowTitle(), u"b.cpp \u2194 a.cpp"_s);
     EXPECT_TRUE(application.comparisons().back()->content().leftView().accessibleName().endsWith(folder.path()));
     presenter.answerOpen({path(u"missing"_s)});
-    send("compareWithFile:");
+    send(Actions::compareWithFile);
     EXPECT_EQ(presenter.alerts().size(), 1U);
-    EXPECT_FALSE(isEnabled("compareWithOpenDocument:"));
+    EXPECT_FALSE(isEnabled(Actions::compareWithOpenDocument));
 
     const QString id = workspace().currentDocument()->id().toString();
-    send("newDocument:");
+    send(Actions::newDocument);
     EXPECT_EQ(compareMenu(),
               (QStringList{u"With File on Disk Ctrl+Alt+D off"_s, u"With File… "_s, u" "_s, u"Other Open Files  off"_s, u"    a.cpp "_s}));
     EXPECT_EQ(compareMenu().first(), u"With File on Disk Ctrl+Alt+D off"_s) << "opened once more";
     const int beeps = presenter.beepCount();
-    send("compareWithOpenDocument:");
-    send("compareWithFileOnDisk:");
+    send(Actions::compareWithOpenDocument);
+    send(Actions::compareWithFileOnDisk);
     EXPECT_EQ(presenter.beepCount(), beeps + 2);
-    send("compareWithOpenDocument:", {.represented = id});
+    send(Actions::compareWithOpenDocument, id);
     EXPECT_EQ(application.comparisons().back()->windowTitle(), u"a.cpp \u2194 Untitled"_s);
     EXPECT_EQ(application.comparisons().size(), 2U);
     QTest::keyClick(application.comparisons().back(), Qt::Key_Escape);

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "Commands/Actions.h"
 #include "Editor/EditorVim.h"
 #include "HeldWorkers.h"
 #include "UI/SubstitutionRunner.h"
@@ -201,7 +202,7 @@ TEST_F(ExCommandTest, KeepsTheWindowUsableWhileItSubstitutesInALongText)
 TEST_F(ExCommandTest, ShowsTheKeysInATabThatCannotBeEdited)
 {
     start("one\n");
-    ASSERT_TRUE(send("showVimKeyReference:"));
+    ASSERT_TRUE(send(Actions::showVimKeyReference));
     EXPECT_EQ(tabs(), (QStringList{u"a.txt"_s, u"Vim Keys.md"_s}));
     EXPECT_EQ(document().language().id(), u"markdown"_s);
     const QString before = text();
@@ -217,11 +218,11 @@ TEST_F(ExCommandTest, ShowsTheKeysInATabThatCannotBeEdited)
 
     // The one that is open is shown again, with what has changed meanwhile.
     preferences.setVimKeymapPreset(VimKeymapPreset::lazyVim);
-    send("splitEditorRight:");
+    send(Actions::splitEditorRight);
     workspace().setActivePane(pane(1));
-    send("newDocument:");
+    send(Actions::newDocument);
     pane(1).removeDocument(0);
-    send("showVimKeyReference:");
+    send(Actions::showVimKeyReference);
     EXPECT_EQ(workspace().activePane(), &pane(0));
     EXPECT_EQ(tabs(1), QStringList{u"Untitled"_s});
     EXPECT_NE(text(), before);
@@ -239,12 +240,12 @@ TEST_F(ExCommandTest, ShowsTheKeysInATabThatCannotBeEdited)
 
 TEST_F(ExCommandTest, MakesAFileOfTheKeysThatAreSaved)
 {
-    ASSERT_TRUE(send("showVimKeyReference:"));
+    ASSERT_TRUE(send(Actions::showVimKeyReference));
     presenter.answerSave(path(u"keys.md"_s));
     run(u"w"_s);
     EXPECT_EQ(tabs().last(), u"keys.md"_s);
     type(u"ddix"_s);
     EXPECT_TRUE(document().isDirty()) << "it can be edited now";
-    send("showVimKeyReference:");
+    send(Actions::showVimKeyReference);
     EXPECT_EQ(tabs().last(), u"Vim Keys.md"_s) << "another one, which leaves the file alone";
 }

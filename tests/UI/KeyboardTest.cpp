@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Base/Localization.h"
 #include "Base/Translation.h"
+#include "Commands/Actions.h"
 #include "Diff/DiffWindowController.h"
 #include "Editor/EditorViewController.h"
 #include "Editor/SpellingPanel.h"
@@ -65,7 +66,7 @@ TEST_P(KeyboardTest, EditorWindow)
         scheduler.advance(std::chrono::milliseconds(300));
         return workspace().currentEditor()->banner() != nullptr;
     }));
-    send("performTextFinderAction:", {.tag = 12});
+    send(Actions::findAndReplace);
     scheduler.advance(std::chrono::seconds(1));
     QTest::keyClicks(QApplication::focusWidget(), u"e"_s);
     const QStringList names = tour(window());
@@ -77,7 +78,7 @@ TEST_P(KeyboardTest, EditorWindow)
 
 TEST_P(KeyboardTest, Settings)
 {
-    send("showSettings:");
+    send(Actions::showSettings);
     const QWidgetList shown = QApplication::topLevelWidgets();
     const auto isSettings = [](QWidget *window) { return qobject_cast<SettingsWindowController *>(window) && window->isVisible(); };
     const auto settings = std::ranges::find_if(shown, isSettings);
@@ -94,7 +95,7 @@ TEST_P(KeyboardTest, Comparison)
 {
     workspace().open({write(u"a.txt"_s, "one\ntwo\n")});
     type(u"x"_s);
-    send("compareWithFileOnDisk:");
+    send(Actions::compareWithFileOnDisk);
     DiffWindowController &comparison = *application.comparisons().back();
     EXPECT_EQ(QAccessible::queryAccessibleInterface(&comparison)->role(), QAccessible::Window);
     EXPECT_EQ(tour(comparison).size(), 5) << "two texts and three controls";

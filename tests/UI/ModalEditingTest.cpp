@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "Commands/Actions.h"
 #include "Editor/EditorVim.h"
 #include "UI/VimBadge.h"
 #include "WindowFixture.h"
@@ -224,7 +225,7 @@ TEST_F(ModalEditingTest, TheWindowShowsModeAndKeysAtOnce)
     EXPECT_EQ(badge(), u"NORMAL"_s);
     // Each editor has its mode, all have the same registers.
     type(u"yiwi"_s);
-    send("newDocument:");
+    send(Actions::newDocument);
     EXPECT_EQ(badge(), u"NORMAL"_s);
     type(u"p"_s);
     EXPECT_EQ(text(), u"three"_s);

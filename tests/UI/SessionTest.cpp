@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "Commands/Actions.h"
 #include "Editor/ExternalChangeBanner.h"
 #include "HeldWorkers.h"
 #include "WindowFixture.h"
@@ -39,7 +40,7 @@ struct Life : Surroundings {
     {
         QTest::keyClicks(&workspace.currentEditor()->textView(), text);
     }
-    void send(Selector selector) const { firstResponder(application.windows().front())->perform(selector); }
+    void send(const Action &action) const { firstResponder(application.windows().front())->perform(action); }
     /// As long as it takes for everything typed to be kept; then the program may be killed.
     void tick()
     {
@@ -91,11 +92,11 @@ TEST_F(SessionTest, AProgramThatWasKilledComesBackAsItWas)
     {
         auto run = start({path, write(u"b.c"_s, "int b;\n")});
         run->application.windows().front()->resize(700, 500);
-        run->send("newDocument:");
+        run->send(Actions::newDocument);
         run->type(u"typed"_s);
-        run->send("newDocument:");
+        run->send(Actions::newDocument);
         run->pane(0).selectDocument(0);
-        run->send("splitEditorDown:");
+        run->send(Actions::splitEditorDown);
         run->workspace().currentEditor()->scrollToLine(200);
         run->type(u"x"_s);
         offset = run->workspace().currentEditor()->textView().scrollOffset();
@@ -122,7 +123,7 @@ TEST_F(SessionTest, AProgramThatWasKilledComesBackAsItWas)
     run->tick();
     EXPECT_EQ(run->drafts().size(), 2);
     run->workspace().focusPaneShowing(*run->pane(0).documents()[2]);
-    run->send("closeTab:");
+    run->send(Actions::closeTab);
     EXPECT_TRUE(run->lastAlert().contains(u"Untitled"));
     run.reset();
     run = start();
@@ -140,7 +141,7 @@ TEST_F(SessionTest, QuittingAsksNothingAndLosesNothing)
         QSignalSpy finished(&run->application, &AppDelegate::finished);
         run->type(u"1"_s);
         // The session is that of one window, the texts of all are kept.
-        run->send("newWindow:");
+        run->send(Actions::newWindow);
         ASSERT_EQ(run->application.windows().size(), 2U);
         Life::type(u"2"_s, run->workspace(1));
         run->application.terminate();
@@ -171,9 +172,9 @@ TEST_F(SessionTest, AClosedWindowsTextsComeBack)
     {
         auto run = start({write(u"a.txt"_s, "a")});
         run->type(u"1"_s);
-        run->send("newDocument:");
+        run->send(Actions::newDocument);
         run->type(u"2"_s);
-        run->send("newWindow:");
+        run->send(Actions::newWindow);
         run->application.windows().front()->close();
         EXPECT_TRUE(run->presenter.alerts().back().informativeText.contains(u"restored the next time"));
         run->presenter.answer(AlertReply::thirdButton);
@@ -190,7 +191,7 @@ TEST_F(SessionTest, AClosedWindowsTextsComeBack)
     EXPECT_EQ(run->texts(), (QStringList{u"3"_s, u"1a"_s, u"2"_s}));
     // What the user does not want goes.
     run->workspace().focusPaneShowing(*run->workspace().documents()[2]);
-    run->send("closeTab:");
+    run->send(Actions::closeTab);
     run->presenter.answer(AlertReply::thirdButton);
     run->presenter.answerHeld();
     run->tick();
@@ -204,7 +205,7 @@ TEST_F(SessionTest, FilesOpenBesideTheSessionOrInItsPlace)
     const QString path = write(u"b.txt"_s, "b");
     {
         auto run = start({write(u"a.txt"_s, "a")});
-        run->send("newDocument:");
+        run->send(Actions::newDocument);
         run->type(u"typed"_s);
         run->tick();
     }
@@ -233,7 +234,7 @@ TEST_F(SessionTest, SavesToTheFilesThemselvesWhenThatIsWanted)
     auto run = start({write(u"a.txt"_s, "a")});
     run->preferences.setAutosaveToDisk(true);
     run->type(u"1"_s);
-    run->send("newDocument:");
+    run->send(Actions::newDocument);
     run->type(u"2"_s);
     run->tick();
     EXPECT_EQ(read(u"a.txt"_s), "1a");
@@ -268,7 +269,7 @@ TEST_F(SessionTest, AnIdleProgramWritesNothing)
 {
     auto run = start({write(u"a.txt"_s, "a")});
     run->type(u"1"_s);
-    run->send("newWindow:");
+    run->send(Actions::newWindow);
     run->tick();
     run->tick();
     const QByteArray before = read(u"data/session.json"_s);
@@ -374,8 +375,8 @@ TEST_F(SessionTest, PanesComeBackWithEqualShares)
     {
         auto run = start();
         run->type(u"text"_s);
-        run->send("splitEditorRight:");
-        run->send("newDocument:");
+        run->send(Actions::splitEditorRight);
+        run->send(Actions::newDocument);
         run->type(u"other"_s);
         run->tick();
     }

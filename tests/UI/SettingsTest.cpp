@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Base/Localization.h"
 #include "Base/Translation.h"
+#include "Commands/Actions.h"
 #include "Editor/EditorFont.h"
 #include "UI/ToolbarCatalogue.h"
 #include "UI/ToolbarSelection.h"
@@ -84,7 +85,7 @@ protected:
 
     void showSettings() const
     {
-        send("showSettings:");
+        send(Actions::showSettings);
         ASSERT_TRUE(QTest::qWaitForWindowActive(&settings()));
     }
 

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "Base/Localization.h"
+#include "Commands/Actions.h"
 #include "Surroundings.h"
 #include "UI/EditorToolbarController.h"
 #include "UI/ToolbarActionItem.h"
@@ -28,15 +29,15 @@ class Text final : public QWidget, public Responder {
 public:
     explicit Text(Preferences &preferences) : m_preferences(preferences) { setFocusPolicy(Qt::StrongFocus); }
 
-    [[nodiscard]] const ActionRow *actionFor(Selector selector) const override
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override
     {
         static constexpr auto rows = std::to_array<ActionRow>({
-            action<&Text::save, &Text::canSave>("saveDocument:"),
-            action<&Text::trash, &Text::canTrash>("moveDocumentToTrash:"),
-            action<&Text::toggleLineNumbers, &Text::canToggle>("toggleLineNumbers:"),
-            action<&Text::save>("compareWithFile:"),
+            action<&Text::save, &Text::canSave>(Actions::saveDocument),
+            action<&Text::trash, &Text::canTrash>(Actions::moveDocumentToTrash),
+            action<&Text::toggleLineNumbers, &Text::lineNumbersState>(Actions::toggleLineNumbers),
+            action<&Text::save>(Actions::compareWithFile),
         });
-        return findAction(rows, selector);
+        return findAction(rows, wanted);
     }
 
     QString done;
@@ -54,7 +55,10 @@ private:
         return true;
     }
     [[nodiscard]] bool canTrash() const { return mayTrash; }
-    [[nodiscard]] bool canToggle() const { return mayToggle; }
+    [[nodiscard]] ActionState lineNumbersState() const
+    {
+        return {.isEnabled = mayToggle, .checkMark = m_preferences.showLineNumbers() ? CheckMark::on : CheckMark::none};
+    }
 
     Preferences &m_preferences;
 };
@@ -123,9 +127,7 @@ protected:
 
     QMainWindow window;
     Text *text = new Text(preferences);
-    EditorToolbarController *controller =
-        new EditorToolbarController(window, {scheduler, notifications, preferences, presenter,
-                                             [](Selector action) { return action == "saveDocument:" ? u"Ctrl+S"_s : QString(); }});
+    EditorToolbarController *controller = new EditorToolbarController(window, {scheduler, notifications, preferences, presenter});
 };
 
 } // namespace
@@ -135,7 +137,7 @@ TEST_F(ToolbarTest, CatalogueHasIdsAndSymbolsAndTheUsersChoice)
     const QStringList ids = everyId();
     EXPECT_EQ(QSet<QString>(ids.begin(), ids.end()).size(), 20);
     for (const ToolbarAction &action : ToolbarCatalogue::all()) {
-        EXPECT_FALSE(symbolIcon(action.symbol).isNull()) << action.symbol.data();
+        EXPECT_FALSE(symbolIcon(action.symbol()).isNull()) << action.id.data();
     }
     preferences.setToolbarItemIDs({u"wrap"_s, u"nonsense"_s, u"new"_s, u""_s});
     QStringList configured;
@@ -177,7 +179,7 @@ TEST_F(ToolbarTest, NamesItsButtonsInTheLanguageChosen)
 {
     EXPECT_EQ(button(u"save"_s)->toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
     EXPECT_EQ(button(u"save"_s)->toolTip(), u"Save (Ctrl+S)"_s);
-    EXPECT_EQ(button(u"open"_s)->toolTip(), u"Open"_s);
+    EXPECT_EQ(button(u"trash"_s)->toolTip(), u"Move to Trash"_s);
 
     preferences.setToolbarShowsLabels(false);
     preferences.setLanguage(AppLanguage::german);

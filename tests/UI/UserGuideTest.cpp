@@ -4,6 +4,8 @@
 
 #include "App/MainMenu.h"
 #include "Base/Localization.h"
+#include "Commands/ActionKeys.h"
+#include "Commands/Actions.h"
 #include "WindowFixture.h"
 
 #include <QDir>
@@ -95,7 +97,7 @@ TEST_P(UserGuideTest, NamesEveryCommandAsTheMenusDo)
         }
         named.insert(mention.path);
         QStringList keys;
-        for (const QKeySequence &sequence : node->kind == MenuNode::Kind::item ? node->command->keySequences() : QList<QKeySequence>()) {
+        for (const QKeySequence &sequence : node->kind == MenuNode::Kind::item ? keySequences(*node->action) : QList<QKeySequence>()) {
             keys << sequence.toString(QKeySequence::PortableText);
         }
         QStringList given = mention.keys;
@@ -104,8 +106,8 @@ TEST_P(UserGuideTest, NamesEveryCommandAsTheMenusDo)
     }
     for (auto node = paths.begin(); node != paths.end(); ++node) {
         // A menu is told of by its items, and what is chosen from a list by that list.
-        const bool isCommand = node->kind == MenuNode::Kind::item && node->command && node->sender.represented.isNull() &&
-                               node->command->selector != Selector("selectTabByNumber:");
+        const bool isCommand = node->kind == MenuNode::Kind::item && node->action && node->represented.isNull() &&
+                               !node->action->isNamedLike(Actions::selectTab1);
         EXPECT_TRUE(!isCommand || named.contains(node.key())) << "the guide does not name “" << described(node.key()) << "”";
     }
 }
@@ -146,10 +148,9 @@ TEST(UserGuide, SaysTheSameInBothLanguages)
         const Paths paths = pathsOfMenus();
         for (const Mention &mention : mentions()) {
             const MenuNode node = paths.value(mention.path);
-            const std::string_view selector = node.command ? node.command->selector.name() : std::string_view("menu");
             commands[language == AppLanguage::german] << u"%1 %2 %3 %4"_s.arg(mention.section)
-                                                             .arg(QLatin1StringView(selector.data(), qsizetype(selector.size())))
-                                                             .arg(node.sender.tag)
+                                                             .arg(node.action ? node.action->name() : u"menu"_s)
+                                                             .arg(node.action ? node.action->tag : 0)
                                                              .arg(mention.keys.size());
         }
     }
@@ -178,31 +179,31 @@ protected:
 TEST_F(UserGuideWindowTest, IsATextOfTheLanguageThatNobodyEdits)
 {
     workspace().open({write(u"a.txt"_s, "one\n")});
-    ASSERT_TRUE(send("showUserGuide:"));
+    ASSERT_TRUE(send(Actions::showUserGuide));
     EXPECT_EQ(tabs(), (QStringList{u"a.txt"_s, u"Quillet Guide.md"_s}));
     EXPECT_EQ(workspace().currentDocument()->language().id(), u"markdown"_s);
     const QString english = text();
     EXPECT_TRUE(english.startsWith("# Quillet: "_L1)) << english.left(80).toStdString();
     type(u"x"_s);
-    send("deleteLine:");
+    send(Actions::deleteLine);
     workspace().performAutosave();
     EXPECT_EQ(text(), english);
     EXPECT_FALSE(QDir(path(u"data/drafts"_s)).exists(u"*"_s));
 
     // Asked for again it is the same tab, where the reader was.
     textView().setSelection(TextSelection::at(english.size() / 2));
-    send("selectPreviousTab:");
-    send("showUserGuide:");
+    send(Actions::selectPreviousTab);
+    send(Actions::showUserGuide);
     EXPECT_EQ(tabs().size(), 2);
     EXPECT_EQ(textView().selection().caret, english.size() / 2);
     preferences.setLanguage(AppLanguage::german);
-    send("showUserGuide:");
+    send(Actions::showUserGuide);
     EXPECT_EQ(tabs(), (QStringList{u"a.txt"_s, u"Quillet Guide.md"_s}));
     EXPECT_NE(text(), english);
     EXPECT_TRUE(text().contains(u"Datei › Öffnen"_s));
 
     // A window that has no tabs, such as a comparison, has it shown in one that does.
-    send("closeTab:");
-    ASSERT_TRUE(application.perform("showUserGuide:"));
+    send(Actions::closeTab);
+    ASSERT_TRUE(application.perform(Actions::showUserGuide));
     EXPECT_EQ(tabs().last(), u"Quillet Guide.md"_s);
 }

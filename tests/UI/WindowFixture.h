@@ -3,6 +3,7 @@
 #pragma once
 
 #include "App/AppDelegate.h"
+#include "Commands/Actions.h"
 #include "Commands/FirstResponder.h"
 #include "Surroundings.h"
 
@@ -37,8 +38,11 @@ protected:
     }
 
     void type(const QString &keys) const { QTest::keyClicks(&textView(), keys); }
-    bool send(Selector selector, const ActionSender &sender = {}) const { return firstResponder(&window())->perform(selector, sender); }
-    [[nodiscard]] bool isEnabled(Selector selector) const { return firstResponder(&window())->state(selector).isEnabled; }
+    bool send(const Action &action, const QVariant &represented = {}) const
+    {
+        return firstResponder(&window())->perform(action, represented);
+    }
+    [[nodiscard]] bool isEnabled(const Action &action) const { return firstResponder(&window())->state(action).isEnabled; }
 
     [[nodiscard]] QString path(const QString &name) const { return folder.filePath(name); }
     QString write(const QString &name, const QByteArray &content) const

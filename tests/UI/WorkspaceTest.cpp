@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "App/RunningInstance.h"
+#include "Commands/Actions.h"
 #include "WindowFixture.h"
 
 #include <QPushButton>
@@ -42,7 +43,7 @@ TEST_F(WorkspaceTest, OpensFilesInPlaceOfAnEmptyTab)
     EXPECT_EQ(tabs().size(), 2);
     EXPECT_EQ(text(), u"int a;\n"_s);
 
-    send("newDocument:");
+    send(Actions::newDocument);
     type(u"x"_s);
     workspace().open({write(u"c.c"_s, "c")});
     EXPECT_EQ(tabs(), (QStringList{u"a.c"_s, u"b.c"_s, u"Untitled"_s, u"c.c"_s}));
@@ -66,7 +67,7 @@ TEST_F(WorkspaceTest, ATextOpenInAnotherWindowIsShared)
 {
     workspace().open({write(u"a.c"_s, "int a;\n")});
     type(u"x"_s);
-    send("newWindow:");
+    send(Actions::newWindow);
     ASSERT_EQ(application.windows().size(), 2U);
     workspace(1).open({path(u"a.c"_s)});
     EXPECT_EQ(workspace(1).currentDocument(), workspace().currentDocument());
@@ -82,24 +83,24 @@ TEST_F(WorkspaceTest, ClosingATabAsksAboutUnsavedText)
     workspace().open({write(u"a.c"_s, "a")});
     type(u"x"_s);
     presenter.answer(cancel);
-    send("closeTab:");
+    send(Actions::closeTab);
     EXPECT_EQ(lastAlert(), u"Do you want to save the changes made to “a.c”?"_s);
     EXPECT_EQ(tabs(), QStringList{u"a.c"_s});
     presenter.answer(save);
-    send("closeTab:");
+    send(Actions::closeTab);
     EXPECT_EQ(read(u"a.c"_s), "xa");
     EXPECT_EQ(tabs(), QStringList{u"Untitled"_s});
 
     type(u"lost"_s);
     // A cancelled panel is no answer, a refused folder neither.
     presenter.answer(save);
-    send("closeTab:");
+    send(Actions::closeTab);
     presenter.answer(save);
     presenter.answerSave(path(u"no/such/folder"_s));
-    send("closeTab:");
+    send(Actions::closeTab);
     EXPECT_EQ(text(), u"lost"_s);
     presenter.answer(dontSave);
-    send("closeTab:");
+    send(Actions::closeTab);
     EXPECT_EQ(text(), QString());
     EXPECT_EQ(documents.documents().size(), 1U);
 }
@@ -129,7 +130,7 @@ TEST_F(WorkspaceTest, ATextThatIsShownElsewhereByThenStaysOpen)
 {
     workspace().open({write(u"a.c"_s, "a")});
     type(u"x"_s);
-    send("newWindow:");
+    send(Actions::newWindow);
     presenter.hold();
     workspace().activePane()->closeCurrentTab();
     workspace(1).open({path(u"a.c"_s)});
@@ -144,33 +145,33 @@ TEST_F(WorkspaceTest, PanesSurviveByTheRules)
 {
     workspace().open({write(u"a"_s, "aaa"), write(u"b"_s, "bbb")});
     textView().setSelection({1, 3});
-    send("splitEditorRight:");
+    send(Actions::splitEditorRight);
     ASSERT_EQ(workspace().panes().size(), 2U);
     EXPECT_EQ(tabs(1), QStringList{u"b"_s});
     EXPECT_EQ(textView().selection(), TextSelection::at(1)) << "the other caret, without the selection";
     EXPECT_TRUE(pane(1).isActive());
     EXPECT_EQ(workspace().orientation(), Qt::Horizontal);
     type(u"x"_s);
-    send("newDocument:");
-    send("splitEditorDown:");
+    send(Actions::newDocument);
+    send(Actions::splitEditorDown);
     EXPECT_EQ(workspace().orientation(), Qt::Vertical);
     ASSERT_EQ(workspace().panes().size(), 3U);
-    send("focusNextPane:");
+    send(Actions::focusNextPane);
     EXPECT_TRUE(pane(0).isActive());
     EXPECT_EQ(text(), u"bxbb"_s);
-    send("focusPreviousPane:");
-    send("focusPreviousPane:");
+    send(Actions::focusPreviousPane);
+    send(Actions::focusPreviousPane);
     EXPECT_TRUE(pane(1).isActive());
     // What is shown nowhere else goes to the left neighbour, at its end.
-    send("closeSplit:");
+    send(Actions::closeSplit);
     EXPECT_EQ(tabs(0), (QStringList{u"a"_s, u"b"_s}));
     EXPECT_TRUE(pane(0).isActive());
-    send("closeSplit:");
+    send(Actions::closeSplit);
     EXPECT_EQ(workspace().panes().size(), 1U);
     EXPECT_EQ(tabs(0), (QStringList{u"Untitled"_s, u"a"_s, u"b"_s}));
     const int beeps = presenter.beepCount();
-    send("closeSplit:");
-    send("closeOtherSplits:");
+    send(Actions::closeSplit);
+    send(Actions::closeOtherSplits);
     EXPECT_EQ(presenter.beepCount(), beeps + 2);
 }
 
@@ -178,12 +179,12 @@ TEST_F(WorkspaceTest, ClosingTheOtherPanesKeepsTheActiveOne)
 {
     for (const int kept : {0, 1, 2}) {
         workspace().open({write(u"a"_s, "aaa")});
-        send("splitEditorRight:");
-        send("splitEditorRight:");
+        send(Actions::splitEditorRight);
+        send(Actions::splitEditorRight);
         PaneViewController &active = pane(size_t(kept));
         workspace().setActivePane(active);
         active.focusEditor();
-        send("closeOtherSplits:");
+        send(Actions::closeOtherSplits);
         EXPECT_EQ(workspace().panes(), std::vector{&active}) << kept;
         EXPECT_EQ(workspace().activePane(), &active) << kept;
         EXPECT_TRUE(textView().hasFocus()) << kept;
@@ -193,10 +194,10 @@ TEST_F(WorkspaceTest, ClosingTheOtherPanesKeepsTheActiveOne)
 TEST_F(WorkspaceTest, ClosingTheLastTabOfAPaneTakesThePane)
 {
     workspace().open({write(u"a"_s, "aaa")});
-    send("splitEditorRight:");
+    send(Actions::splitEditorRight);
     type(u"x"_s);
     // Shown in the other pane as well: no question.
-    send("closeTab:");
+    send(Actions::closeTab);
     EXPECT_TRUE(presenter.alerts().empty());
     EXPECT_EQ(workspace().panes().size(), 1U);
     EXPECT_TRUE(textView().hasFocus());
@@ -207,16 +208,16 @@ TEST_F(WorkspaceTest, PanesAreEquallyWide)
 {
     window().resize(1001, 600);
     QCoreApplication::processEvents();
-    send("splitEditorRight:");
-    send("splitEditorRight:");
+    send(Actions::splitEditorRight);
+    send(Actions::splitEditorRight);
     const auto *split = workspace().findChild<QSplitter *>();
     const int width = (split->width() - 2) / 3;
     EXPECT_EQ(split->sizes(), (QList<int>{width, width, split->width() - 2 - 2 * width}));
-    send("toggleSplitOrientation:");
+    send(Actions::toggleSplitOrientation);
     EXPECT_EQ(split->orientation(), Qt::Vertical);
     // A window stays as small as it may be, however many panes there are.
     for (int count = 0; count < 6; ++count) {
-        send("splitEditorRight:");
+        send(Actions::splitEditorRight);
     }
     window().resize(480, 300);
     QCoreApplication::processEvents();
@@ -226,44 +227,44 @@ TEST_F(WorkspaceTest, PanesAreEquallyWide)
 TEST_F(WorkspaceTest, TabsAreReachedByNumberAndInTurn)
 {
     workspace().open({write(u"a"_s, "a"), write(u"b"_s, "b"), write(u"c"_s, "c"), write(u"d"_s, "d")});
-    send("selectNextTab:");
+    send(Actions::selectNextTab);
     EXPECT_EQ(text(), u"a"_s);
-    send("selectPreviousTab:");
+    send(Actions::selectPreviousTab);
     EXPECT_EQ(text(), u"d"_s);
-    send("selectTabByNumber:", {.tag = 2});
+    send(Actions::selectTab2);
     EXPECT_EQ(text(), u"b"_s);
-    send("selectTabByNumber:", {.tag = 9});
+    send(Actions::selectLastTab);
     EXPECT_EQ(text(), u"d"_s);
     EXPECT_EQ(presenter.beepCount(), 0);
-    send("selectTabByNumber:", {.tag = 5});
+    send(Actions::selectTab5);
     EXPECT_EQ(presenter.beepCount(), 1);
     pane(0).moveTab(0, 2);
     EXPECT_EQ(tabs(), (QStringList{u"b"_s, u"c"_s, u"a"_s, u"d"_s}));
     EXPECT_EQ(text(), u"d"_s);
     // Closing one selects that which comes into its place, the last its neighbour; typing goes on there.
     textView().setFocus();
-    send("closeTab:");
+    send(Actions::closeTab);
     EXPECT_EQ(text(), u"a"_s);
     EXPECT_TRUE(textView().hasFocus());
     // Another pane keeps the focus that it has.
-    send("splitEditorRight:");
+    send(Actions::splitEditorRight);
     QWidget *right = &textView();
     pane(0).removeDocument(2);
     EXPECT_TRUE(right->hasFocus());
-    send("closeSplit:");
-    send("selectTabByNumber:", {.tag = 1});
-    send("closeTab:");
+    send(Actions::closeSplit);
+    send(Actions::selectTab1);
+    send(Actions::closeTab);
     EXPECT_EQ(text(), u"c"_s);
 }
 
 TEST_F(WorkspaceTest, CaretsComeBackWithTheirTabs)
 {
     workspace().open({write(u"a"_s, QByteArray("line\n").repeated(500)), write(u"b"_s, "b")});
-    send("selectPreviousTab:");
+    send(Actions::selectPreviousTab);
     textView().setSelection(TextSelection::at(1500), TextView::Reveal::center);
     const double scroll = textView().scrollOffset();
-    send("selectNextTab:");
-    send("selectNextTab:");
+    send(Actions::selectNextTab);
+    send(Actions::selectNextTab);
     EXPECT_EQ(textView().selection(), TextSelection::at(1500));
     EXPECT_EQ(textView().scrollOffset(), scroll);
 }
@@ -294,7 +295,7 @@ TEST_F(WorkspaceTest, F6GoesRoundTheRegions)
 TEST_F(WorkspaceTest, FilesAreDroppedAnywhere)
 {
     workspace().open({write(u"a"_s, "a")});
-    send("splitEditorRight:");
+    send(Actions::splitEditorRight);
     const auto drop = [](QWidget &target, const QList<QUrl> &urls) {
         QMimeData data;
         data.setUrls(urls);
@@ -322,14 +323,14 @@ TEST_F(WorkspaceTest, ATabMovesToAWindowOfItsOwn)
 {
     workspace().open({write(u"a"_s, "a"), write(u"b"_s, "b")});
     type(u"x"_s);
-    EXPECT_TRUE(isEnabled("moveTabToNewWindow:"));
-    send("moveTabToNewWindow:");
+    EXPECT_TRUE(isEnabled(Actions::moveTabToNewWindow));
+    send(Actions::moveTabToNewWindow);
     ASSERT_EQ(application.windows().size(), 2U);
     EXPECT_EQ(tabs(), QStringList{u"a"_s});
     EXPECT_EQ(titlesOf(*workspace(1).activePane()), QStringList{u"b"_s});
     EXPECT_EQ(workspace(1).currentDocument()->storage().string(), u"xb"_s);
     EXPECT_EQ(documents.documents().size(), 2U);
-    EXPECT_FALSE(isEnabled("moveTabToNewWindow:"));
+    EXPECT_FALSE(isEnabled(Actions::moveTabToNewWindow));
 }
 
 TEST_F(WorkspaceTest, GoesToPlacesInFiles)
@@ -358,11 +359,11 @@ TEST_F(WorkspaceTest, TellsThoseWhoWaitForFiles)
     write(u"a.txt"_s, "a");
     write(u"b.txt"_s, "b");
     open({{path(u"a.txt"_s)}, {path(u"b.txt"_s)}});
-    send("closeTab:");
+    send(Actions::closeTab);
     EXPECT_TRUE(statuses.empty());
     type(u"x"_s);
     presenter.answer(AlertReply::firstButton);
-    send("closeTab:");
+    send(Actions::closeTab);
     EXPECT_EQ(std::exchange(statuses, {}), std::vector<int>{0}) << "saved";
     EXPECT_EQ(read(u"a.txt"_s), "xa");
 
@@ -370,7 +371,7 @@ TEST_F(WorkspaceTest, TellsThoseWhoWaitForFiles)
     EXPECT_EQ(textView().selection().caret, 1);
     type(u"x"_s);
     presenter.answer(AlertReply::thirdButton);
-    send("closeTab:");
+    send(Actions::closeTab);
     EXPECT_EQ(std::exchange(statuses, {}), std::vector<int>{1}) << "not saved";
     // The bar that tells of it.
     const auto press = [this](const QString &title) {
@@ -405,7 +406,7 @@ TEST_F(WorkspaceTest, TellsThoseWhoWaitForFiles)
     EXPECT_NE(workspace().currentEditor()->banner(), nullptr);
     application.forgetWaiter(u":1.8"_s);
     EXPECT_EQ(workspace().currentEditor()->banner(), nullptr);
-    send("closeTab:");
+    send(Actions::closeTab);
     const qsizetype before = tabs().size();
     application.open(OpenRequest{.opensNewTab = true});
     EXPECT_EQ(tabs().size(), before + 1);

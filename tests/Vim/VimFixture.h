@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Base/Pasteboard.h"
+#include "Commands/Actions.h"
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
 #include "Text/TextBoundaries.h"
@@ -101,7 +102,7 @@ public:
     [[nodiscard]] QString indentationUnit() const override { return indentation; }
     void toggleComment() override { actions << QStringLiteral("toggleComment"); }
     void setCaretLook(VimCaret look) override { caretLook = look; }
-    void perform(Selector action) override { actions << QString::fromLatin1(action.name().data(), qsizetype(action.name().size())); }
+    void perform(const Action &action) override { actions << action.name(); }
     void beep() override { ++beeps; }
 
     ManualScheduler scheduler;

@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "monkey/Monkey.h"
 
-#include "App/MainMenu.h"
+#include "Commands/ActionKeys.h"
+#include "Commands/Actions.h"
 #include "Highlighting/Theme.h"
 #include "UI/ToolbarCatalogue.h"
 #include "fuzz/Require.h"
@@ -33,7 +34,7 @@ constexpr int turnsBetweenFullChecks = 10;
 } // namespace
 
 Monkey::Monkey(quint32 seed, int steps, Stage::Work work, Talk talk)
-    : m_seed(seed), m_random(seed), m_steps(steps), m_work(work), m_talk(talk), m_ground(m_random)
+    : m_seed(seed), m_random(seed), m_actions(Actions::inMenus()), m_steps(steps), m_work(work), m_talk(talk), m_ground(m_random)
 {}
 
 Monkey::~Monkey() = default;
@@ -258,7 +259,7 @@ void Monkey::pressKey()
 
 void Monkey::pressShortcut()
 {
-    const auto sequences = oneOf(MainMenu::commands()).keySequences();
+    const auto sequences = keySequences(*oneOf(m_actions));
     if (sequences.isEmpty()) {
         return;
     }
@@ -284,17 +285,15 @@ void Monkey::typeLetters()
 
 void Monkey::sendCommand()
 {
-    const MenuCommand &command = oneOf(MainMenu::commands());
+    const Action &action = *oneOf(m_actions);
     MainWindowController *window = m_stage->application->frontmostWindow();
     Responder *responder = window ? firstResponder(window) : nullptr;
-    const ActionSender sender{.tag = command.tag};
     // Quitting comes up by its key.
-    if (!responder || command.selector.isEmpty() || command.selector == "terminate:" ||
-        !responder->state(command.selector, sender).isEnabled) {
+    if (!responder || action.isNamedLike(Actions::terminate) || !responder->state(action).isEnabled) {
         return;
     }
-    note(u"command "_s + QLatin1StringView(command.selector.name().data(), qsizetype(command.selector.name().size())));
-    responder->perform(command.selector, sender);
+    note(u"command "_s + action.name());
+    responder->perform(action);
 }
 
 void Monkey::composeText()

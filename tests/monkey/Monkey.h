@@ -62,6 +62,7 @@ private:
 
     quint32 m_seed;
     Random m_random;
+    const std::vector<const Action *> m_actions;
     int m_steps;
     Stage::Work m_work;
     Talk m_talk;

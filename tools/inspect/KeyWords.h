@@ -20,7 +20,7 @@ struct KeyPress {
 
 /// An action that goes up the responder chain, by its name.
 struct ActionWord {
-    QByteArray selector;
+    QByteArray name;
 };
 
 struct WaitWord {

@@ -5,6 +5,7 @@
 #include "App/AppDelegate.h"
 #include "App/MainMenu.h"
 #include "Base/Pasteboard.h"
+#include "Commands/Actions.h"
 #include "Commands/FirstResponder.h"
 #include "Desktop/Desktop.h"
 #include "Editor/EditorVim.h"
@@ -40,8 +41,7 @@ class Stage {
 public:
     Stage()
     {
-        Responder::setObserver(
-            [this](Selector selector) { actions << QString::fromLatin1(selector.name().data(), qsizetype(selector.name().size())); });
+        Responder::setObserver([this](const Action &action) { actions << action.name(); });
     }
     ~Stage() { Responder::setObserver({}); }
     Q_DISABLE_COPY_MOVE(Stage)
@@ -97,10 +97,15 @@ void press(const KeyPress &key)
     }
 }
 
-void send(const QByteArray &selector, Stage &stage)
+void send(const QByteArray &name, Stage &stage)
 {
+    const std::string_view id(name.constData(), size_t(name.size()));
+    const Action *known = Actions::named(id);
+    // Of several with that name it means none.
+    Action action = known ? *known : Action{id};
+    action.tag = 0;
     Responder *responder = firstResponder(stage.application.frontmostWindow());
-    if (!responder || !responder->perform(Selector(selector.constData()))) {
+    if (!responder || !responder->perform(action)) {
         stage.presenter.beep();
     }
 }
@@ -111,7 +116,7 @@ void play(const std::vector<KeyWord> &words, Stage &stage)
         if (const auto *key = std::get_if<KeyPress>(&word)) {
             press(*key);
         } else if (const auto *action = std::get_if<ActionWord>(&word)) {
-            send(action->selector, stage);
+            send(action->name, stage);
         } else {
             runEventLoop(std::get<WaitWord>(word).milliseconds);
         }
@@ -124,12 +129,8 @@ QJsonObject commandStates(const Stage &stage, bool (*answer)(const ActionState &
 {
     QJsonObject states;
     const Responder *responder = firstResponder(stage.application.frontmostWindow());
-    for (const MenuCommand &command : MainMenu::commands()) {
-        const auto name = command.selector.name();
-        if (!name.empty()) {
-            states[QString::fromLatin1(name.data(), qsizetype(name.size()))] =
-                responder && answer(responder->state(command.selector, {.tag = command.tag}));
-        }
+    for (const Action *action : Actions::inMenus()) {
+        states[action->name()] = responder && answer(responder->state(*action));
     }
     return states;
 }

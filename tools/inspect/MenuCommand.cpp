@@ -3,6 +3,7 @@
 #include "Command.h"
 
 #include "App/MainMenu.h"
+#include "Commands/ActionKeys.h"
 
 #include <QJsonArray>
 
@@ -24,16 +25,15 @@ QJsonObject answerOf(const MenuNode &node)
     case MenuNode::Kind::item:
         break;
     }
-    if (!node.command) {
+    if (!node.action) {
         return {{u"title"_s, node.title}, {u"key"_s, QString()}, {u"action"_s, QString()}};
     }
-    const QList<QKeySequence> keys = node.sender.represented.isNull() ? node.command->keySequences() : QList<QKeySequence>();
-    const auto name = node.command->selector.name();
+    const QList<QKeySequence> keys = node.represented.isNull() ? keySequences(*node.action) : QList<QKeySequence>();
     QJsonObject item = {{u"title"_s, node.title},
                         {u"key"_s, keys.isEmpty() ? QString() : keys.first().toString(QKeySequence::PortableText)},
-                        {u"action"_s, QString::fromLatin1(name.data(), qsizetype(name.size()))}};
-    if (node.sender.tag != 0) {
-        item[u"tag"_s] = node.sender.tag;
+                        {u"action"_s, node.action->name()}};
+    if (node.action->tag != 0) {
+        item[u"tag"_s] = node.action->tag;
     }
     return item;
 }

@@ -11,6 +11,7 @@
 //     state            what there is to be seen
 #include "App/AppDelegate.h"
 #include "App/Program.h"
+#include "Commands/Actions.h"
 #include "Commands/FirstResponder.h"
 #include "Model/TextDocument.h"
 
@@ -163,7 +164,8 @@ void Driver::perform(const QString &selector)
 {
     const QByteArray name = selector.toLatin1();
     Responder *responder = firstResponder(&window());
-    if (!responder || !responder->perform(Selector(std::string_view(name.constData(), size_t(name.size()))), {})) {
+    const Action *action = Actions::named({name.constData(), size_t(name.size())});
+    if (!responder || !action || !responder->perform(*action)) {
         m_answer.insert("error"_L1, u"nobody takes "_s + selector);
     }
 }

@@ -1,0 +1,283 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Commands/Action.h"
+
+#include <array>
+#include <vector>
+
+/// All commands of the program. A new one is an object and its place in a menu, below, or among those that are in none.
+///
+/// Where a chord needs AltGr on a German keyboard, another one follows that does not; the same for those that modal editing may take.
+namespace Actions {
+
+// Quillet
+
+inline constexpr Action showAbout{"orderFrontStandardAboutPanel:", u"About Quillet"};
+inline constexpr Action showSettings{"showSettings:", u"Settings…", "Ctrl+,"};
+inline constexpr Action hide{"hide:", u"Hide Quillet"};
+inline constexpr Action hideOthers{"hideOtherApplications:", u"Hide Others"};
+inline constexpr Action showAll{"unhideAllApplications:", u"Show All"};
+inline constexpr Action terminate{"terminate:", u"Quit Quillet", "Ctrl+Q"};
+
+// File
+
+inline constexpr Action newDocument{"newDocument:", u"New Tab", "Ctrl+N; Ctrl+T", "doc.badge.plus"};
+inline constexpr Action newWindow{"newWindow:", u"New Window", "Ctrl+Shift+N"};
+inline constexpr Action openDocument{"openDocument:", u"Open…", "Ctrl+O", "folder"};
+inline constexpr Action openRecentDocument{"openRecentDocument:", u"Open Recent"};
+inline constexpr Action clearRecentDocuments{"clearRecentDocuments:", u"Clear Menu"};
+inline constexpr Action closeTab{"closeTab:", u"Close Tab", "Ctrl+W; Ctrl+F4"};
+inline constexpr Action performClose{"performClose:", u"Close Window", "Ctrl+Shift+W"};
+inline constexpr Action saveDocument{"saveDocument:", u"Save", "Ctrl+S", "square.and.arrow.down"};
+inline constexpr Action saveDocumentAs{"saveDocumentAs:", u"Save As…", "Ctrl+Shift+S", "square.and.arrow.down.on.square"};
+inline constexpr Action revertDocumentToSaved{"revertDocumentToSaved:", u"Revert to Saved", "", "arrow.uturn.backward"};
+inline constexpr Action compareWithFileOnDisk{"compareWithFileOnDisk:", u"With File on Disk", "Ctrl+Alt+D"};
+inline constexpr Action compareWithFile{"compareWithFile:", u"With File…", "", "arrow.left.arrow.right"};
+inline constexpr Action compareWithOpenDocument{"compareWithOpenDocument:", u"Other Open Files"};
+inline constexpr Action makeBackup{"makeBackup:", u"Backup", "Ctrl+Alt+B", "doc.on.doc"};
+inline constexpr Action moveDocumentToTrash{"moveDocumentToTrash:", u"Move to Trash…", "", "trash"};
+inline constexpr Action revealInFinder{"revealInFinder:", u"Reveal in Finder", "Ctrl+Alt+R", "arrow.up.forward.square"};
+inline constexpr Action copyFilePath{"copyFilePath:", u"Copy Path", "Ctrl+Alt+Shift+C", "doc.on.clipboard"};
+inline constexpr Action openInTerminal{"openInTerminal:", u"Open in Terminal", "Ctrl+Alt+T", "terminal"};
+
+// Edit
+
+inline constexpr Action undo{"undo:", u"Undo", "Ctrl+Z"};
+inline constexpr Action redo{"redo:", u"Redo", "Ctrl+Shift+Z; Ctrl+Y"};
+inline constexpr Action cut{"cut:", u"Cut", "Ctrl+X"};
+inline constexpr Action copy{"copy:", u"Copy", "Ctrl+C"};
+inline constexpr Action paste{"paste:", u"Paste", "Ctrl+V"};
+inline constexpr Action deleteSelection{"delete:", u"Delete"};
+inline constexpr Action selectAll{"selectAll:", u"Select All", "Ctrl+A"};
+inline constexpr Action find{"performTextFinderAction:", u"Find", "Ctrl+F; Ctrl+Shift+F", "magnifyingglass", 1};
+inline constexpr Action findAndReplace{"performTextFinderAction:", u"Find and Replace…", "Ctrl+Alt+F; Ctrl+H", "", 12};
+inline constexpr Action findNext{"performTextFinderAction:", u"Find Next", "Ctrl+G; F3", "", 2};
+inline constexpr Action findPrevious{"performTextFinderAction:", u"Find Previous", "Ctrl+Shift+G; Shift+F3", "", 3};
+inline constexpr Action useSelectionForFind{"performTextFinderAction:", u"Use Selection for Find", "Ctrl+E", "", 7};
+inline constexpr Action centerSelection{"centerSelectionInVisibleArea:", u"Jump to Selection", "Ctrl+J"};
+inline constexpr Action toggleComment{"toggleComment:", u"Toggle Comment", "Ctrl+/; Ctrl+#", "text.bubble"};
+inline constexpr Action insertTab{"insertTab:", u"Shift Right", "Ctrl+]; Ctrl+Ä"};
+inline constexpr Action insertBacktab{"insertBacktab:", u"Shift Left", "Ctrl+[; Ctrl+Ö"};
+inline constexpr Action duplicateLine{"duplicateLine:", u"Duplicate Line", "Ctrl+Shift+D"};
+inline constexpr Action deleteLine{"deleteLine:", u"Delete Line", "Ctrl+Shift+K"};
+inline constexpr Action showGuessPanel{"showGuessPanel:", u"Show Spelling and Grammar", "Ctrl+:"};
+inline constexpr Action checkSpelling{"checkSpelling:", u"Check Document Now", "Ctrl+;"};
+inline constexpr Action toggleContinuousSpellChecking{
+    .id = "toggleContinuousSpellChecking:", .title = u"Check Spelling While Typing", .isCheckable = true};
+
+// View
+
+inline constexpr Action toggleLineNumbers{
+    .id = "toggleLineNumbers:", .title = u"Show Line Numbers", .keys = "Ctrl+Alt+L", .symbol = "list.number", .isCheckable = true};
+inline constexpr Action toggleLineWrap{
+    .id = "toggleLineWrap:", .title = u"Wrap Lines", .keys = "Ctrl+Alt+W", .symbol = "arrow.turn.down.left", .isCheckable = true};
+inline constexpr Action toggleInvisibles{
+    .id = "toggleInvisibles:", .title = u"Show Invisibles", .keys = "Ctrl+Alt+I", .symbol = "paragraphsign", .isCheckable = true};
+inline constexpr Action toggleCurrentLineHighlight{
+    .id = "toggleCurrentLineHighlight:", .title = u"Highlight Current Line", .isCheckable = true};
+inline constexpr Action selectLanguage{.id = "selectLanguageFromMenu:", .title = u"Syntax", .isCheckable = true};
+inline constexpr Action selectTheme{.id = "selectTheme:", .title = u"Theme", .isCheckable = true};
+inline constexpr Action increaseFontSize{"increaseFontSize:", u"Bigger", "Ctrl++; Ctrl+="};
+inline constexpr Action decreaseFontSize{"decreaseFontSize:", u"Smaller", "Ctrl+-"};
+inline constexpr Action resetFontSize{"resetFontSize:", u"Actual Size", "Ctrl+0"};
+inline constexpr Action toggleFullScreen{"toggleFullScreen:", u"Enter Full Screen", "F11"};
+
+// Navigate
+
+inline constexpr Action goToLine{"goToLine:", u"Go to Line…", "Ctrl+L; Ctrl+Shift+L", "number"};
+inline constexpr Action selectNextTab{"selectNextTab:", u"Next Tab", "Ctrl+Tab; Ctrl+PgDown"};
+inline constexpr Action selectPreviousTab{"selectPreviousTab:", u"Previous Tab", "Ctrl+Shift+Tab; Ctrl+PgUp"};
+inline constexpr Action selectTab1{"selectTabByNumber:", u"Tab %d", "Ctrl+1", "", 1};
+inline constexpr Action selectTab2{"selectTabByNumber:", u"Tab %d", "Ctrl+2", "", 2};
+inline constexpr Action selectTab3{"selectTabByNumber:", u"Tab %d", "Ctrl+3", "", 3};
+inline constexpr Action selectTab4{"selectTabByNumber:", u"Tab %d", "Ctrl+4", "", 4};
+inline constexpr Action selectTab5{"selectTabByNumber:", u"Tab %d", "Ctrl+5", "", 5};
+inline constexpr Action selectTab6{"selectTabByNumber:", u"Tab %d", "Ctrl+6", "", 6};
+inline constexpr Action selectTab7{"selectTabByNumber:", u"Tab %d", "Ctrl+7", "", 7};
+inline constexpr Action selectTab8{"selectTabByNumber:", u"Tab %d", "Ctrl+8", "", 8};
+inline constexpr Action selectLastTab{"selectTabByNumber:", u"Last Tab", "Ctrl+9", "", 9};
+
+// Editor
+
+inline constexpr Action splitEditorRight{"splitEditorRight:", u"Split Right", "Ctrl+\\; Ctrl+<", "rectangle.split.2x1"};
+inline constexpr Action splitEditorDown{"splitEditorDown:", u"Split Down", "Ctrl+Shift+\\; Ctrl+>", "rectangle.split.1x2"};
+inline constexpr Action closeSplit{"closeSplit:", u"Close Split", "Ctrl+Alt+\\; Ctrl+Alt+<", "xmark.rectangle"};
+inline constexpr Action focusNextPane{"focusNextPane:", u"Focus Next Pane", "Ctrl+Alt+]; Ctrl+Alt+Ä"};
+inline constexpr Action toggleSplitOrientation{"toggleSplitOrientation:", u"Toggle Split Orientation"};
+
+// Window
+
+inline constexpr Action moveTabToNewWindow{"moveTabToNewWindow:", u"Move Tab to New Window"};
+inline constexpr Action performMiniaturize{"performMiniaturize:", u"Minimize", "Ctrl+M"};
+inline constexpr Action performZoom{"performZoom:", u"Zoom"};
+inline constexpr Action arrangeInFront{"arrangeInFront:", u"Bring All to Front"};
+
+// Help
+
+inline constexpr Action showUserGuide{"showUserGuide:", u"User’s Guide", "F1"};
+inline constexpr Action showShortcuts{"showShortcuts:", u"Keyboard Shortcuts"};
+inline constexpr Action showVimKeyReference{"showVimKeyReference:", u"Vim Key Reference"};
+inline constexpr Action revealSupportFolder{"revealSupportFolder:", u"Reveal Local Data Folder"};
+
+// Where the menu bar has them
+
+namespace Menus {
+
+using enum MenuRow::Kind;
+
+inline constexpr MenuRow line(separator);
+
+inline constexpr auto quillet = std::to_array<MenuRow>({
+    showAbout,
+    line,
+    showSettings,
+    line,
+    {hide, unavailable},
+    {hideOthers, unavailable},
+    {showAll, unavailable},
+    line,
+    terminate,
+});
+
+inline constexpr auto recentRows = std::to_array<MenuRow>({{openRecentDocument, recentDocuments}, line, clearRecentDocuments});
+inline constexpr MenuLayout recent{u"Open Recent", recentRows};
+inline constexpr auto compareRows =
+    std::to_array<MenuRow>({compareWithFileOnDisk, compareWithFile, line, {compareWithOpenDocument, openDocuments}});
+inline constexpr MenuLayout compare{u"Compare", compareRows};
+
+inline constexpr auto file = std::to_array<MenuRow>({
+    newDocument,
+    newWindow,
+    openDocument,
+    recent,
+    line,
+    closeTab,
+    performClose,
+    line,
+    saveDocument,
+    saveDocumentAs,
+    revertDocumentToSaved,
+    compare,
+    makeBackup,
+    moveDocumentToTrash,
+    line,
+    revealInFinder,
+    copyFilePath,
+    openInTerminal,
+});
+
+inline constexpr auto findRows =
+    std::to_array<MenuRow>({find, findAndReplace, findNext, findPrevious, useSelectionForFind, line, centerSelection});
+inline constexpr MenuLayout finding{u"Find", findRows};
+inline constexpr auto spellingRows = std::to_array<MenuRow>({showGuessPanel, checkSpelling, line, toggleContinuousSpellChecking});
+inline constexpr MenuLayout spelling{u"Spelling and Grammar", spellingRows};
+
+inline constexpr auto edit = std::to_array<MenuRow>({
+    undo,
+    redo,
+    line,
+    cut,
+    copy,
+    paste,
+    deleteSelection,
+    selectAll,
+    line,
+    finding,
+    line,
+    toggleComment,
+    insertTab,
+    insertBacktab,
+    duplicateLine,
+    deleteLine,
+    line,
+    spelling,
+});
+
+inline constexpr auto syntaxRows = std::to_array<MenuRow>({{selectLanguage, languages}});
+inline constexpr MenuLayout syntax{u"Syntax", syntaxRows};
+inline constexpr auto themeRows = std::to_array<MenuRow>({{selectTheme, themes}});
+inline constexpr MenuLayout theme{u"Theme", themeRows};
+
+inline constexpr auto view = std::to_array<MenuRow>({
+    toggleLineNumbers,
+    toggleLineWrap,
+    toggleInvisibles,
+    toggleCurrentLineHighlight,
+    line,
+    syntax,
+    theme,
+    line,
+    increaseFontSize,
+    decreaseFontSize,
+    resetFontSize,
+    line,
+    toggleFullScreen,
+});
+
+inline constexpr auto navigate = std::to_array<MenuRow>({
+    goToLine,
+    line,
+    selectNextTab,
+    selectPreviousTab,
+    line,
+    selectTab1,
+    selectTab2,
+    selectTab3,
+    selectTab4,
+    selectTab5,
+    selectTab6,
+    selectTab7,
+    selectTab8,
+    selectLastTab,
+});
+
+inline constexpr auto editor =
+    std::to_array<MenuRow>({splitEditorRight, splitEditorDown, closeSplit, line, focusNextPane, toggleSplitOrientation});
+
+inline constexpr auto window = std::to_array<MenuRow>({
+    newWindow,
+    moveTabToNewWindow,
+    line,
+    performMiniaturize,
+    performZoom,
+    line,
+    {arrangeInFront, unavailable},
+});
+
+inline constexpr auto help = std::to_array<MenuRow>({showUserGuide, line, showShortcuts, showVimKeyReference, revealSupportFolder});
+
+inline constexpr auto bar = std::to_array<MenuLayout>({
+    {u"Quillet", quillet},
+    {u"File", file},
+    {u"Edit", edit},
+    {u"View", view},
+    {u"Navigate", navigate},
+    {u"Editor", editor},
+    {u"Window", window},
+    {u"Help", help},
+});
+
+} // namespace Menus
+
+// In no menu: for modal editing, toolbars and banners
+
+inline constexpr Action showFindInterface{.id = "showFindInterface:", .keys = find.keys, .symbol = find.symbol};
+inline constexpr Action closeWindowFromVim{"closeWindowFromVim:"};
+inline constexpr Action closeOtherSplits{"closeOtherSplits:"};
+inline constexpr Action focusPreviousPane{"focusPreviousPane:"};
+inline constexpr Action finishWaiting{"finishWaiting:"};
+inline constexpr Action abortWaiting{"abortWaiting:"};
+
+inline constexpr auto inNoMenu = std::to_array<const Action *>(
+    {&showFindInterface, &closeWindowFromVim, &closeOtherSplits, &focusPreviousPane, &finishWaiting, &abortWaiting});
+
+/// Those of the menu bar in its order, each once.
+[[nodiscard]] std::vector<const Action *> inMenus();
+/// Those, then the others.
+[[nodiscard]] std::vector<const Action *> all();
+/// The first of that name; null when there is none. For tools and tests.
+[[nodiscard]] const Action *named(std::string_view id);
+
+} // namespace Actions
