@@ -49,7 +49,7 @@ class Stage {
 public:
     explicit Stage(qsizetype length)
     {
-        preferences.setThemeName(u"Dark"_s);
+        preferences.set(Settings::themeName, u"Dark"_s);
         const QString sample = sampleText();
         QString text;
         text.reserve(length + sample.size());
@@ -101,7 +101,7 @@ public:
     FileWatcherQueue watchers;
     QTemporaryDir folder;
     SessionStore session{{folder.path(), {}}, preferences};
-    DocumentStore store{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
+    DocumentStore store{{scheduler, notifications, preferences, workers, watchers, {}}, {}};
     FindState find;
     VimRegisters registers{pasteboard, preferences};
     TextDocument *document = nullptr;
@@ -179,7 +179,7 @@ void scrolling(benchmark::State &state, Qt::Key key, Qt::KeyboardModifiers modif
 void modalKeys(benchmark::State &state)
 {
     Stage stage(state.range(0));
-    stage.preferences.setVimMode(true);
+    stage.preferences.set(Settings::vimMode, true);
     VimEngine &engine = stage.editor->vim()->engine();
     const Rope &text = stage.document->storage().text();
     stage.editor->textView().setSelection(TextSelection::at(text.lineStart(text.lineCount() / 2)), TextView::Reveal::center);
@@ -210,7 +210,7 @@ void modalKeys(benchmark::State &state)
 void modalJumps(benchmark::State &state)
 {
     Stage stage(1);
-    stage.preferences.setVimMode(true);
+    stage.preferences.set(Settings::vimMode, true);
     QString text = u"first {\n"_s;
     while (text.size() < 100'000'000) {
         text += u"    some words of a line (which are many)\n"_s;

@@ -37,8 +37,8 @@ struct Surroundings {
     InlineWorkers workers;
     FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
     SessionStore session;
-    DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, [this](const QUuid &id) { session.discardDraft(id); }},
-                            {}};
+    DocumentStore documents{
+        {scheduler, notifications, preferences, workers, watchers, [this](const QUuid &id) { session.discardDraft(id); }}, {}};
     FindState find;
     VimRegisters registers{pasteboard, preferences};
     RecordingDesktop desktop;

@@ -220,7 +220,8 @@ void AppDelegate::launch(const QStringList &paths)
 {
     using Content = MainWindowController::Content;
     const Preferences &preferences = m_services.preferences;
-    const bool restores = preferences.restoreSession() && (paths.isEmpty() || preferences.restoreSessionWhenOpeningFiles());
+    const bool restores =
+        preferences.value(Settings::restoreSession) && (paths.isEmpty() || preferences.value(Settings::restoreSessionWhenOpeningFiles));
     MainWindowController &window = makeWindow(restores ? Content::session : Content::nothing);
     WorkspaceViewController &workspace = window.workspace();
     // An untitled text that the files replace at once would be made, laid out and thrown away.
@@ -232,7 +233,7 @@ void AppDelegate::launch(const QStringList &paths)
     if (!workspace.currentDocument()) {
         workspace.openUntitled();
     }
-    if (m_services.session.isHeldByOther() && preferences.restoreSession()) {
+    if (m_services.session.isHeldByOther() && preferences.value(Settings::restoreSession)) {
         inform(
             localized(u"Quillet is running already."),
             localized(u"The other one keeps the session. This one works as well, but its tabs do not come back at the next start, and it "

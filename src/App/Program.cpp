@@ -55,7 +55,7 @@ struct InterfaceLanguage {
             toolkitTexts.use(Localization::current().locale());
         };
         preferences.setLanguageResolver(choose);
-        choose(thisTime.value_or(preferences.language()));
+        choose(thisTime.value_or(preferences.value(Settings::language)));
     }
 };
 
@@ -106,8 +106,9 @@ struct Program::Parts {
     FileWatcherQueue watchers;
     SystemAppearance appearance{std::make_unique<PortalAppearanceSource>()};
     SessionStore session{SessionStore::Places::standard(), preferences};
-    DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, [this](const QUuid &id) { session.discardDraft(id); }},
-                            [this] { return appearance.current(); }};
+    DocumentStore documents{
+        {scheduler, notifications, preferences, workers, watchers, [this](const QUuid &id) { session.discardDraft(id); }},
+        [this] { return appearance.current(); }};
 
     FindState find;
     VimRegisters registers{pasteboard, preferences};

@@ -16,10 +16,6 @@
 /// The language of the interface as the user chose it; `system` leaves it to the desktop.
 enum class AppLanguage { system, english, german };
 
-// As the settings file names them, in the order of the cases.
-constexpr std::array appLanguageNames = {QLatin1StringView("system"), QLatin1StringView("en"), QLatin1StringView("de")};
-static_assert(appLanguageNames.size() == size_t(AppLanguage::german) + 1);
-
 /// What the interface shows in one language for each English text. Never changes, so any thread may read it.
 ///
 /// The file of a table is a JSON object of groups, each an object of English text → shown text. The groups are for whoever edits the

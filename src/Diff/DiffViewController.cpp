@@ -150,8 +150,9 @@ void DiffViewController::makeColumn(Column &column)
             column.highlighter->ensureHighlighted(column.view->visibleRange());
         }
     });
-    connect(column.view, &TextView::zoomRequested, this,
-            [this](int steps) { m_services.preferences.setFontSize(m_services.preferences.fontSize() + steps); });
+    connect(column.view, &TextView::zoomRequested, this, [this](int steps) {
+        m_services.preferences.set(Settings::fontSize, m_services.preferences.value(Settings::fontSize) + steps);
+    });
 }
 
 QWidget *DiffViewController::makeHeader()
@@ -217,7 +218,7 @@ void DiffViewController::applyPreferences()
                 column->view->setTextFont(font);
             }
             column->view->ruler().setEditorFont(font);
-            column->view->setTabWidth(m_language.defaultIndentWidth().value_or(m_services.preferences.tabWidth()));
+            column->view->setTabWidth(m_language.defaultIndentWidth().value_or(m_services.preferences.value(Settings::tabWidth)));
         }
     }
     follow(*m_columns[0]);

@@ -8,13 +8,13 @@
 
 QFont editorFont(const Preferences &preferences)
 {
-    const QString name = preferences.fontName();
+    const QString name = preferences.value(Settings::fontName);
     QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     if (!name.isEmpty() && QFontDatabase::hasFamily(name)) {
         font = QFont(name);
         font.setStyleHint(QFont::Monospace);
     }
     font.setWeight(QFont::Normal);
-    font.setPointSizeF(preferences.fontSize());
+    font.setPointSizeF(preferences.value(Settings::fontSize));
     return font;
 }

@@ -110,8 +110,9 @@ void EditorViewController::observe()
         }
     });
     connect(m_textView, &TextView::visibleRowsChanged, this, &EditorViewController::scheduleVisibleHighlight);
-    connect(m_textView, &TextView::zoomRequested, this,
-            [this](int steps) { m_services.preferences.setFontSize(m_services.preferences.fontSize() + steps); });
+    connect(m_textView, &TextView::zoomRequested, this, [this](int steps) {
+        m_services.preferences.set(Settings::fontSize, m_services.preferences.value(Settings::fontSize) + steps);
+    });
     const auto observe = [this](NotificationName name, const void *object, std::function<void()> reaction) {
         m_observers.push_back(m_services.notifications.observe(name, object, std::move(reaction)));
     };
@@ -143,8 +144,9 @@ void EditorViewController::applyPreferences()
 {
     const Preferences &preferences = m_services.preferences;
     m_services.documents.refreshAppearance();
-    m_textView->setTheme(m_services.documents.theme(), preferences.highlightCurrentLine() ? EditorTextView::CurrentLine::highlighted
-                                                                                          : EditorTextView::CurrentLine::plain);
+    m_textView->setTheme(m_services.documents.theme(), preferences.value(Settings::highlightCurrentLine)
+                                                           ? EditorTextView::CurrentLine::highlighted
+                                                           : EditorTextView::CurrentLine::plain);
     applyPalette();
     const QFont font = editorFont(preferences);
     if (m_textView->textFont() != font) {
@@ -152,11 +154,11 @@ void EditorViewController::applyPreferences()
         m_textView->ruler().setEditorFont(font);
     }
     applyIndentation();
-    m_textView->setAutoIndent(preferences.autoIndent() ? EditorTextView::AutoIndent::on : EditorTextView::AutoIndent::off);
+    m_textView->setAutoIndent(preferences.value(Settings::autoIndent) ? EditorTextView::AutoIndent::on : EditorTextView::AutoIndent::off);
     const auto visibility = [](bool isShown) { return isShown ? TextView::Visibility::shown : TextView::Visibility::hidden; };
-    m_textView->setInvisibles(visibility(preferences.showInvisibles()));
-    m_textView->setLineNumbers(visibility(preferences.showLineNumbers()));
-    const auto wrapMode = preferences.wrapLines() ? TextView::WrapMode::viewWidth : TextView::WrapMode::none;
+    m_textView->setInvisibles(visibility(preferences.value(Settings::showInvisibles)));
+    m_textView->setLineNumbers(visibility(preferences.value(Settings::showLineNumbers)));
+    const auto wrapMode = preferences.value(Settings::wrapLines) ? TextView::WrapMode::viewWidth : TextView::WrapMode::none;
     if (m_textView->wrapMode() != wrapMode) {
         m_textView->setWrapMode(wrapMode);
     }
@@ -170,9 +172,9 @@ void EditorViewController::applyPreferences()
 
 void EditorViewController::applyVimMode()
 {
-    const VimKeymapPreset preset = m_services.preferences.vimKeymapPreset();
+    const VimKeymapPreset preset = m_services.preferences.value(Settings::vimKeymapPreset);
     const bool wasOn = m_vim != nullptr;
-    if (!m_services.preferences.vimMode()) {
+    if (!m_services.preferences.value(Settings::vimMode)) {
         m_vim.reset();
     } else if (m_vim) {
         m_vim->engine().setKeymap(preset);
@@ -217,8 +219,8 @@ void EditorViewController::applyIndentation()
 {
     const Preferences &preferences = m_services.preferences;
     const Language &language = m_document->language();
-    const bool usesSpaces = language.defaultInsertSpaces().value_or(preferences.insertSpaces());
-    const Indentation indentation{.width = language.defaultIndentWidth().value_or(preferences.tabWidth()),
+    const bool usesSpaces = language.defaultInsertSpaces().value_or(preferences.value(Settings::insertSpaces));
+    const Indentation indentation{.width = language.defaultIndentWidth().value_or(preferences.value(Settings::tabWidth)),
                                   .unit = usesSpaces ? Indentation::Unit::spaces : Indentation::Unit::tab};
     const bool isOther = m_textView->indentation() != indentation;
     m_textView->setIndentation(indentation);

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "Model/DocumentStore.h"
 
-#include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
 
 DocumentStore::DocumentStore(const DocumentServices &services, AppearanceQuery appearance)
@@ -11,8 +10,7 @@ DocumentStore::DocumentStore(const DocumentServices &services, AppearanceQuery a
 
 const Theme &DocumentStore::theme() const
 {
-    return Theme::resolved(m_services.defaults.string(Preferences::row(Preference::themeName).key),
-                           m_appearance ? m_appearance() : std::nullopt);
+    return Theme::resolved(m_services.preferences.value(Settings::themeName), m_appearance ? m_appearance() : std::nullopt);
 }
 
 TextDocument &DocumentStore::add(std::unique_ptr<TextDocument> document)

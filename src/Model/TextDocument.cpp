@@ -7,7 +7,6 @@
 #include "Files/TextHash.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/SaveTransformation.h"
-#include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
 
 #include <QDir>
@@ -348,16 +347,12 @@ Language TextDocument::detectedLanguage() const
 
 // Saving and reading
 
-bool TextDocument::isOn(Preference preference) const
-{
-    return m_services.defaults.boolean(Preferences::row(preference).key);
-}
-
 void TextDocument::transformForSaving()
 {
+    const Preferences &preferences = m_services.preferences;
     const SaveTransformation transformation =
-        saveTransformation(m_storage.text(), {.trimsTrailingWhitespace = isOn(Preference::trimTrailingWhitespaceOnSave),
-                                              .ensuresTrailingNewline = isOn(Preference::ensureTrailingNewlineOnSave)});
+        saveTransformation(m_storage.text(), {.trimsTrailingWhitespace = preferences.value(Settings::trimTrailingWhitespaceOnSave),
+                                              .ensuresTrailingNewline = preferences.value(Settings::ensureTrailingNewlineOnSave)});
     if (transformation.isNeeded()) {
         m_undoManager.breakCoalescing();
         m_storage.replaceCharacters(transformation.range, transformation.replacement);
@@ -582,7 +577,7 @@ void TextDocument::applyReading(std::optional<FileReading> reading)
         setDirty(false);
         return;
     }
-    if (!hasUnsavedText() && isOn(Preference::reloadCleanFilesAutomatically)) {
+    if (!hasUnsavedText() && m_services.preferences.value(Settings::reloadCleanFilesAutomatically)) {
         reload(*reading);
         return;
     }

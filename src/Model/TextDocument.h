@@ -19,14 +19,13 @@
 #include <memory>
 #include <optional>
 
-class DefaultsStore;
-enum class Preference;
+class Preferences;
 
 /// What documents use; must outlive them.
 struct DocumentServices {
     Scheduler &scheduler;
     NotificationCenter &notifications;
-    DefaultsStore &defaults;
+    const Preferences &preferences;
     Workers &workers;
     FileWatcherQueue &watchers;
     /// The text is safe in its file: what was kept of it elsewhere may go. May be empty.
@@ -182,7 +181,6 @@ private:
     void setDirty(bool isDirty);
     void postMetadata() const;
 
-    [[nodiscard]] bool isOn(Preference preference) const;
     void transformForSaving();
     void replaceText(const Rope &text, const TextChange &difference);
     void agreeWithFile(std::optional<quint64> hash = {});

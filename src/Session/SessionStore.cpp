@@ -170,7 +170,7 @@ void SessionStore::onProblem(std::function<void(const Error &error)> tell)
 
 bool SessionStore::keepsUnsavedText() const
 {
-    return m_isOwner && m_preferences.autosaveDrafts() && m_preferences.restoreSession() && isHealthy();
+    return m_isOwner && m_preferences.value(Settings::autosaveDrafts) && m_preferences.value(Settings::restoreSession) && isHealthy();
 }
 
 bool SessionStore::isHealthy() const
@@ -312,7 +312,7 @@ void SessionStore::adoptDraft(const TextDocument &document, const QString &name)
 std::optional<QString> SessionStore::writeDraft(const TextDocument &document)
 {
     carryOver();
-    if (!m_isOwner || !m_preferences.autosaveDrafts() || document.isGenerated()) {
+    if (!m_isOwner || !m_preferences.value(Settings::autosaveDrafts) || document.isGenerated()) {
         return std::nullopt;
     }
     if (!document.hasUnsavedText()) {

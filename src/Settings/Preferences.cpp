@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "Settings/Preferences.h"
 
-#include "Base/Translation.h"
-#include "Desktop/Terminals.h"
 #include "Settings/DefaultsStore.h"
 
 #include <algorithm>
@@ -13,89 +11,37 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using enum PreferenceType;
-using Announcement = PreferenceRow::Announcement;
-
-constexpr auto rows = std::to_array<PreferenceRow>({
-    // A font that most desktops lack: they show their own monospaced one.
-    {Preference::fontName, "editor.fontName"_L1, text, "SFMono-Regular"_L1},
-    {.preference = Preference::fontSize, .key = "editor.fontSize"_L1, .type = real, .defaultValue = 13.0, .minimum = 6, .maximum = 96},
-    {Preference::themeName, "editor.themeName"_L1, text, "System"_L1},
-    {Preference::showLineNumbers, "editor.showLineNumbers"_L1, boolean, true},
-    {Preference::wrapLines, "editor.wrapLines"_L1, boolean, false},
-    {Preference::showInvisibles, "editor.showInvisibles"_L1, boolean, false},
-    {Preference::highlightCurrentLine, "editor.highlightCurrentLine"_L1, boolean, true},
-    {.preference = Preference::tabWidth, .key = "editor.tabWidth"_L1, .type = integer, .defaultValue = 4, .minimum = 1, .maximum = 16},
-    {Preference::insertSpaces, "editor.insertSpaces"_L1, boolean, true},
-    {Preference::autoIndent, "editor.autoIndent"_L1, boolean, true},
-    {Preference::vimMode, "editor.vimMode"_L1, boolean, false},
-    {Preference::vimSharesClipboard, "editor.vimSharesClipboard"_L1, boolean, true},
-    {.preference = Preference::vimKeymapPreset,
-     .key = "editor.vimKeymapPreset"_L1,
-     .type = text,
-     .defaultValue = "plain"_L1,
-     .choices = vimKeymapPresetNames},
-    {.preference = Preference::language,
-     .key = "app.language"_L1,
-     .type = text,
-     .defaultValue = "system"_L1,
-     .announcement = Announcement::language,
-     .choices = appLanguageNames},
-    {Preference::trimTrailingWhitespaceOnSave, "editor.trimTrailingWhitespaceOnSave"_L1, boolean, false},
-    {Preference::ensureTrailingNewlineOnSave, "editor.ensureTrailingNewlineOnSave"_L1, boolean, false},
-    {Preference::autosaveDrafts, "session.autosaveDrafts"_L1, boolean, true},
-    {Preference::autosaveToDisk, "session.autosaveToDisk"_L1, boolean, false},
-    {.preference = Preference::autosaveInterval, .key = "session.autosaveInterval"_L1, .type = real, .defaultValue = 3.0, .minimum = 0.5},
-    {Preference::restoreSession, "session.restore"_L1, boolean, true},
-    {Preference::restoreSessionWhenOpeningFiles, "session.restoreWhenOpeningFiles"_L1, boolean, true},
-    {Preference::reloadCleanFilesAutomatically, "watch.reloadClean"_L1, boolean, true},
-    {.preference = Preference::toolbarStyle,
-     .key = "toolbar.style"_L1,
-     .type = text,
-     .defaultValue = "combined"_L1,
-     .announcement = Announcement::toolbar,
-     .choices = toolbarStyleNames},
-    {Preference::toolbarItemIDs, "toolbar.items"_L1, list, "new,open,save,backup,terminal,trash"_L1, Announcement::toolbar},
-    {Preference::toolbarShowsLabels, "toolbar.showsLabels"_L1, boolean, true, Announcement::toolbar},
-    {Preference::windowShowsTitle, "window.showsTitle"_L1, boolean, false, Announcement::toolbar},
-    {Preference::terminalIdentifier, "terminal.bundleIdentifier"_L1, text, ""_L1},
-});
-
-static_assert([] {
-    for (size_t place = 0; place < rows.size(); ++place) {
-        if (size_t(rows[place].preference) != place) {
-            return false;
-        }
-    }
-    return rows.size() == size_t(Preference::terminalIdentifier) + 1;
-}());
+using enum SettingType;
 
 QStringList itemsOf(const QString &text)
 {
     return text.split(u',', Qt::SkipEmptyParts);
 }
 
-QVariant defaultOf(const PreferenceRow &row)
+QVariant defaultOf(const AnySetting &setting)
 {
     return std::visit(
         [&](auto value) -> QVariant {
             if constexpr (std::is_same_v<decltype(value), QLatin1StringView>) {
-                return row.type == list ? QVariant(itemsOf(QString(value))) : QVariant(QString(value));
+                return setting.type == list ? QVariant(itemsOf(QString(value))) : QVariant(QString(value));
             } else {
                 return value;
             }
         },
-        row.defaultValue);
+        setting.byDefault);
 }
 
-/// What `text` says, if it is of the row's type.
-std::optional<QVariant> parsed(const PreferenceRow &row, const QString &text)
+/// What `text` says, if it is of the setting's type.
+std::optional<QVariant> parsed(const AnySetting &setting, const QString &text)
 {
     bool isValid = true;
     QVariant value;
-    switch (row.type) {
-    case PreferenceType::text:
-        isValid = row.choices.empty() || std::ranges::find(row.choices, text) != row.choices.end();
+    switch (setting.type) {
+    case SettingType::text:
+        value = text;
+        break;
+    case choice:
+        isValid = std::ranges::find(setting.choices, text, &SettingChoice::name) != setting.choices.end();
         value = text;
         break;
     case list:
@@ -120,145 +66,100 @@ std::optional<QVariant> parsed(const PreferenceRow &row, const QString &text)
 
 } // namespace
 
-QString displayName(ToolbarStyle style)
-{
-    switch (style) {
-    case ToolbarStyle::combined:
-        return localized(u"Combined with title");
-    case ToolbarStyle::separate:
-        return localized(u"Below the title");
-    case ToolbarStyle::hidden:
-        return localized(u"Hidden");
-    }
-    return {};
-}
-
-QString displayName(VimKeymapPreset preset)
-{
-    switch (preset) {
-    case VimKeymapPreset::plain:
-        return localized(u"Vim");
-    case VimKeymapPreset::lazyVim:
-        return localized(u"Vim with LazyVim keys");
-    }
-    return {};
-}
-
 Preferences::Preferences(DefaultsStore &defaults, NotificationCenter &notifications) : m_defaults(defaults), m_notifications(notifications)
 {
-    for (const PreferenceRow &row : rows) {
-        m_defaults.registerDefault(row.key, defaultOf(row));
+    for (const AnySetting *setting : Settings::all()) {
+        m_defaults.registerDefault(setting->key, defaultOf(*setting));
     }
 }
 
-std::span<const PreferenceRow> Preferences::table()
+QVariant Preferences::storedValue(const AnySetting &setting) const
 {
-    return rows;
-}
-
-const PreferenceRow &Preferences::row(Preference preference)
-{
-    return rows[size_t(preference)];
-}
-
-const PreferenceRow *Preferences::rowForKey(QStringView key)
-{
-    const auto found = std::ranges::find_if(rows, [key](const PreferenceRow &row) { return row.key == key; });
-    return found == rows.end() ? nullptr : &*found;
-}
-
-QVariant Preferences::value(Preference preference) const
-{
-    switch (row(preference).type) {
-    case PreferenceType::text:
-        return row(preference).choices.empty() ? text(preference) : QString(row(preference).choices[size_t(choice(preference))]);
-    case PreferenceType::list:
-        return list(preference);
-    case PreferenceType::real:
-        return real(preference);
-    case PreferenceType::integer:
-        return integer(preference);
-    case PreferenceType::boolean:
-        return boolean(preference);
+    switch (setting.type) {
+    case SettingType::text:
+        return text(setting);
+    case SettingType::choice:
+        return QString(setting.choices[choice(setting)].name);
+    case SettingType::list:
+        return list(setting);
+    case SettingType::real:
+        return real(setting);
+    case SettingType::integer:
+        return integer(setting);
+    case SettingType::boolean:
+        return boolean(setting);
     }
     return {};
 }
 
-bool Preferences::setFromText(const PreferenceRow &row, const QString &text)
+bool Preferences::setFromText(const AnySetting &setting, const QString &text)
 {
-    const auto value = parsed(row, text);
+    const auto value = parsed(setting, text);
     if (value) {
-        set(row.preference, *value);
+        store(setting, *value);
     }
     return value.has_value();
 }
 
-std::optional<QString> Preferences::terminalApplicationPath(const TerminalLookup &lookup) const
+void Preferences::reset(const AnySetting &setting)
 {
-    return lookup.terminal(terminalIdentifier());
+    store(setting, defaultOf(setting));
 }
 
-QString Preferences::text(Preference preference) const
+QString Preferences::text(const AnySetting &setting) const
 {
-    return m_defaults.string(row(preference).key);
+    return m_defaults.string(setting.key);
 }
 
-QStringList Preferences::list(Preference preference) const
+QStringList Preferences::list(const AnySetting &setting) const
 {
-    return m_defaults.stringList(row(preference).key);
+    return m_defaults.stringList(setting.key);
 }
 
-double Preferences::real(Preference preference) const
+double Preferences::real(const AnySetting &setting) const
 {
     // The limits hold for what was written into the file by hand too.
-    return std::clamp(m_defaults.real(row(preference).key), row(preference).minimum, row(preference).maximum);
+    return std::clamp(m_defaults.real(setting.key), setting.details.minimum, setting.details.maximum);
 }
 
-int Preferences::integer(Preference preference) const
+int Preferences::integer(const AnySetting &setting) const
 {
-    return int(std::clamp<double>(m_defaults.integer(row(preference).key), row(preference).minimum, row(preference).maximum));
+    return int(std::clamp<double>(m_defaults.integer(setting.key), setting.details.minimum, setting.details.maximum));
 }
 
-bool Preferences::boolean(Preference preference) const
+bool Preferences::boolean(const AnySetting &setting) const
 {
-    return m_defaults.boolean(row(preference).key);
+    return m_defaults.boolean(setting.key);
 }
 
-int Preferences::choice(Preference preference) const
+size_t Preferences::choice(const AnySetting &setting) const
 {
-    const auto choices = row(preference).choices;
-    const auto found = std::ranges::find(choices, text(preference));
-    return found == choices.end() ? 0 : int(found - choices.begin());
+    const auto found = std::ranges::find(setting.choices, text(setting), &SettingChoice::name);
+    return found == setting.choices.end() ? 0 : size_t(found - setting.choices.begin());
 }
 
-void Preferences::setChoice(Preference preference, int place)
+void Preferences::store(const AnySetting &setting, const QVariant &value)
 {
-    set(preference, QString(row(preference).choices[size_t(place)]));
-}
-
-void Preferences::set(Preference preference, const QVariant &value)
-{
-    const PreferenceRow &changed = row(preference);
     QVariant stored = value;
-    if (changed.type == PreferenceType::real) {
+    if (setting.type == SettingType::real) {
         // A value that is no number at all ends at the minimum.
-        stored = std::fmin(std::fmax(value.toDouble(), changed.minimum), changed.maximum);
-    } else if (changed.type == PreferenceType::integer) {
-        stored = int(std::clamp<double>(value.toInt(), changed.minimum, changed.maximum));
+        stored = std::fmin(std::fmax(value.toDouble(), setting.details.minimum), setting.details.maximum);
+    } else if (setting.type == SettingType::integer) {
+        stored = int(std::clamp<double>(value.toInt(), setting.details.minimum, setting.details.maximum));
     }
-    m_defaults.set(changed.key, stored);
-    announce(changed.announcement);
+    m_defaults.set(setting.key, stored);
+    announce(setting.details.announcement);
 }
 
-void Preferences::announce(PreferenceRow::Announcement announcement)
+void Preferences::announce(AnySetting::Announcement announcement)
 {
-    if (announcement == Announcement::toolbar) {
+    if (announcement == AnySetting::Announcement::toolbar) {
         m_notifications.post(toolbarConfigurationDidChange, this);
         return;
     }
-    if (announcement == Announcement::language) {
+    if (announcement == AnySetting::Announcement::language) {
         if (m_resolveLanguage) {
-            m_resolveLanguage(language());
+            m_resolveLanguage(value(Settings::language));
         }
         m_notifications.post(languageDidChange, nullptr);
     }

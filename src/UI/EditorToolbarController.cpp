@@ -131,7 +131,7 @@ void EditorToolbarController::apply()
 {
     removeStrip();
     adornMenuExtension(*m_window.menuBar());
-    if (m_services.preferences.toolbarStyle() == ToolbarStyle::hidden) {
+    if (m_services.preferences.value(Settings::toolbarStyle) == ToolbarStyle::hidden) {
         return;
     }
     m_strip = new ToolbarStrip;
@@ -175,7 +175,7 @@ void EditorToolbarController::removeStrip()
 
 void EditorToolbarController::installStrip()
 {
-    if (m_services.preferences.toolbarStyle() == ToolbarStyle::combined) {
+    if (m_services.preferences.value(Settings::toolbarStyle) == ToolbarStyle::combined) {
         m_strip->setRoomBeside(*m_window.menuBar());
         setStyle(*m_window.menuBar(), new TitleStyle(m_strip->sizeHint().height(), m_strip));
         m_window.menuBar()->setCornerWidget(m_strip);
@@ -195,9 +195,10 @@ void EditorToolbarController::installStrip()
 
 void EditorToolbarController::addItem(const ToolbarAction &spec)
 {
-    const auto labels = m_services.preferences.toolbarShowsLabels() ? ToolbarActionItem::Labels::shown : ToolbarActionItem::Labels::hidden;
+    const auto labels =
+        m_services.preferences.value(Settings::toolbarShowsLabels) ? ToolbarActionItem::Labels::shown : ToolbarActionItem::Labels::hidden;
     auto *item = new ToolbarActionItem(spec, labels, m_strip);
-    const bool isBesideMenus = m_services.preferences.toolbarStyle() == ToolbarStyle::combined;
+    const bool isBesideMenus = m_services.preferences.value(Settings::toolbarStyle) == ToolbarStyle::combined;
     const int side = isBesideMenus ? symbolSideBesideMenus : symbolSideInRow;
     item->setIconSize({side, side});
     if (spec.hasMenu) {
@@ -228,7 +229,7 @@ void EditorToolbarController::addToExtension(QMenu &menu, ToolbarActionItem &ite
 void EditorToolbarController::updateTitle()
 {
     if (m_strip) {
-        m_strip->setTitle(m_services.preferences.windowShowsTitle() ? titleOf(m_window) : QString());
+        m_strip->setTitle(m_services.preferences.value(Settings::windowShowsTitle) ? titleOf(m_window) : QString());
     }
 }
 

@@ -5,21 +5,20 @@
 #include "Base/NotificationCenter.h"
 
 #include <QDialog>
-#include <QHash>
 
 #include <array>
 #include <functional>
+#include <memory>
 
 class AlertPresenter;
-class FormPopUp;
 class Preferences;
-class QCheckBox;
 class QLabel;
-class QLineEdit;
 class QPushButton;
 class QTabWidget;
+class SettingControls;
 class SettingsForm;
 class ToolbarSettingsView;
+struct SettingRow;
 
 /// What the settings window uses; must outlive it.
 struct SettingsServices {
@@ -49,33 +48,23 @@ protected:
 private:
     void build();
     void rebuild();
-    [[nodiscard]] SettingsForm *makeAppearancePage();
-    [[nodiscard]] SettingsForm *makeEditingPage();
-    void addVimControls(SettingsForm &form);
-    [[nodiscard]] SettingsForm *makeSavingPage();
-    void addFontRow(SettingsForm &form);
-    void addIntervalRow(SettingsForm &form);
-    QCheckBox &makeCheckbox(QLatin1StringView name);
+    void addRow(SettingsForm &form, const SettingRow &row);
+    void addFontRow(SettingsForm &form, const SettingRow &row);
+    void addThemeRow(SettingsForm &form, const SettingRow &row);
+    void addKeymapRow(SettingsForm &form, const SettingRow &row);
+    void addToolbarList(SettingsForm &form, const SettingRow &row);
 
     void refresh();
     void refreshFont();
-    void refreshTabWidths();
-    void refreshInterval();
     void chooseFont();
-    void storeInterval();
 
     SettingsServices m_services;
+    std::unique_ptr<SettingControls> m_controls;
     QTabWidget *m_tabs = nullptr;
     QLabel *m_fontLabel = nullptr;
     /// Says so when there is no such font.
     QLabel *m_fontNote = nullptr;
     QPushButton *m_fontButton = nullptr;
-    QHash<QString, QCheckBox *> m_checkboxes;
-    FormPopUp *m_themePopUp = nullptr;
-    FormPopUp *m_tabWidthPopUp = nullptr;
-    FormPopUp *m_vimPresetPopUp = nullptr;
-    FormPopUp *m_languagePopUp = nullptr;
-    QLineEdit *m_intervalField = nullptr;
     ToolbarSettingsView *m_toolbarView = nullptr;
     std::array<NotificationCenter::Token, 3> m_observers;
 };

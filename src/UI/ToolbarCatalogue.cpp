@@ -51,7 +51,7 @@ const ToolbarAction *ToolbarCatalogue::action(QStringView id)
 std::vector<const ToolbarAction *> ToolbarCatalogue::configuredActions(const Preferences &preferences)
 {
     std::vector<const ToolbarAction *> configured;
-    for (const QString &id : preferences.toolbarItemIDs()) {
+    for (const QString &id : preferences.value(Settings::toolbarItemIDs)) {
         if (const ToolbarAction *known = action(id)) {
             configured.push_back(known);
         }

@@ -8,9 +8,7 @@
 #include "UI/ToolbarAction.h"
 #include "Widgets/SymbolIcon.h"
 
-#include <QCheckBox>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
 #include <QShortcut>
@@ -58,52 +56,28 @@ public:
 
 } // namespace
 
-ToolbarSettingsView::ToolbarSettingsView(Preferences &preferences, QWidget *parent)
-    : SettingsForm(parent), m_preferences(preferences), m_selection(preferences.toolbarItemIDs())
+ToolbarSettingsView::ToolbarSettingsView(SettingsForm &form, const SettingRow &row, Preferences &preferences)
+    : QObject(&form), m_preferences(preferences), m_selection(preferences.value(Settings::toolbarItemIDs))
 {
-    makeControls();
-    makeList();
-    makeButtons();
+    addList(form, row);
+    addButtons(form);
     reload();
-    refresh();
 }
 
-void ToolbarSettingsView::makeControls()
-{
-    m_stylePopUp = new FormPopUp;
-    m_stylePopUp->setObjectName(u"toolbarStyle"_s);
-    for (const ToolbarStyle style : {ToolbarStyle::combined, ToolbarStyle::separate, ToolbarStyle::hidden}) {
-        m_stylePopUp->addItem(displayName(style), int(style));
-    }
-    addRow(localized(u"Toolbar:"), *m_stylePopUp);
-    connect(m_stylePopUp, &QComboBox::activated, this,
-            [this] { m_preferences.setToolbarStyle(ToolbarStyle(m_stylePopUp->currentData().toInt())); });
-
-    m_showsTitle = new QCheckBox(localized(u"Show the file name in the title bar"));
-    m_showsTitle->setObjectName(u"windowShowsTitle"_s);
-    addControl(*m_showsTitle);
-    connect(m_showsTitle, &QCheckBox::clicked, this, [this](bool isOn) { m_preferences.setWindowShowsTitle(isOn); });
-
-    m_showsLabels = new QCheckBox(localized(u"Show labels next to icons"));
-    m_showsLabels->setObjectName(u"toolbarShowsLabels"_s);
-    addControl(*m_showsLabels);
-    connect(m_showsLabels, &QCheckBox::clicked, this, [this](bool isOn) { m_preferences.setToolbarShowsLabels(isOn); });
-}
-
-void ToolbarSettingsView::makeList()
+void ToolbarSettingsView::addList(SettingsForm &form, const SettingRow &row)
 {
     m_list = new ActionList;
     m_list->setItemDelegate(new ActionDelegate(m_list));
-    m_list->setObjectName(u"toolbarItems"_s);
-    m_list->setAccessibleName(localized(u"Toolbar actions"));
+    m_list->setObjectName(row.controlName());
+    m_list->setAccessibleName(localized(row.setting.details.title));
     m_list->setIconSize({symbolSide, symbolSide});
     m_list->setUniformItemSizes(true);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->setDragDropMode(QAbstractItemView::InternalMove);
     m_list->setDefaultDropAction(Qt::MoveAction);
-    addGap();
-    addWideNote(localized(u"Checked actions appear in the toolbar, in this order, aligned to the right."), *m_list);
-    addWide(*m_list);
+    form.addGap();
+    form.addWideNote(localized(row.note), *m_list);
+    form.addWide(*m_list);
     connect(m_list, &QListWidget::itemChanged, this, [this](const QListWidgetItem *item) {
         m_selection.setChosen(m_list->row(item), item->checkState() == Qt::Checked);
         store();
@@ -118,7 +92,7 @@ void ToolbarSettingsView::makeList()
     }
 }
 
-void ToolbarSettingsView::makeButtons()
+void ToolbarSettingsView::addButtons(SettingsForm &form)
 {
     const auto makeButton = [](QStringView name, const QString &title) {
         auto *button = new QPushButton(title);
@@ -134,7 +108,7 @@ void ToolbarSettingsView::makeButtons()
     row->addWidget(m_moveDown);
     row->addStretch();
     row->addWidget(restore);
-    addWide(*row);
+    form.addWide(*row);
     connect(m_moveUp, &QPushButton::clicked, this, [this] { moveSelected(-1); });
     connect(m_moveDown, &QPushButton::clicked, this, [this] { moveSelected(1); });
     connect(restore, &QPushButton::clicked, this, &ToolbarSettingsView::restoreDefaults);
@@ -142,10 +116,7 @@ void ToolbarSettingsView::makeButtons()
 
 void ToolbarSettingsView::refresh()
 {
-    m_stylePopUp->showValue(int(m_preferences.toolbarStyle()));
-    m_showsTitle->setChecked(m_preferences.windowShowsTitle());
-    m_showsLabels->setChecked(m_preferences.toolbarShowsLabels());
-    ToolbarSelection stored(m_preferences.toolbarItemIDs());
+    ToolbarSelection stored(m_preferences.value(Settings::toolbarItemIDs));
     if (stored.ids() != m_selection.ids()) {
         m_selection = std::move(stored);
         reload();
@@ -172,7 +143,7 @@ void ToolbarSettingsView::reload()
 
 void ToolbarSettingsView::store()
 {
-    m_preferences.setToolbarItemIDs(m_selection.ids());
+    m_preferences.set(Settings::toolbarItemIDs, m_selection.ids());
 }
 
 void ToolbarSettingsView::moveSelected(int step)
@@ -198,14 +169,11 @@ void ToolbarSettingsView::rowsMoved(int from, int to)
 
 void ToolbarSettingsView::restoreDefaults()
 {
-    const PreferenceRow &items = Preferences::row(Preference::toolbarItemIDs);
-    m_preferences.setFromText(items, QString(std::get<QLatin1StringView>(items.defaultValue)));
-    m_preferences.setToolbarShowsLabels(true);
-    m_preferences.setToolbarStyle(ToolbarStyle::combined);
-    m_preferences.setWindowShowsTitle(false);
-    m_selection = ToolbarSelection(m_preferences.toolbarItemIDs());
+    for (const SettingRow &row : Settings::toolbarRows) {
+        m_preferences.reset(row.setting);
+    }
+    m_selection = ToolbarSelection(m_preferences.value(Settings::toolbarItemIDs));
     reload();
-    refresh();
 }
 
 void ToolbarSettingsView::updateButtons()

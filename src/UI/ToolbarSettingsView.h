@@ -6,26 +6,25 @@
 #include "Widgets/SettingsForm.h"
 
 class Preferences;
-class QCheckBox;
 class QListWidget;
 class QPushButton;
+struct SettingRow;
 
-/// The page about the toolbar: where it is, and a list of all actions, with those checked that it has. Rows are moved with the buttons,
-/// with Alt and the arrow keys, or by dragging. Everything is stored at once.
-class ToolbarSettingsView final : public SettingsForm {
+/// A list of all actions, with those checked that the toolbar has. Rows are moved with the buttons below it, with Alt and the arrow keys,
+/// or by dragging. Everything is stored at once.
+class ToolbarSettingsView final : public QObject {
     Q_OBJECT
 
 public:
-    /// `preferences` must outlive the view.
-    explicit ToolbarSettingsView(Preferences &preferences, QWidget *parent = nullptr);
+    /// Adds the list to a page, which owns this. `preferences` must outlive it.
+    ToolbarSettingsView(SettingsForm &form, const SettingRow &row, Preferences &preferences);
 
     /// Shows what the preferences say. Rows that are not checked stay where they are, as long as those that are have the same order.
     void refresh();
 
 private:
-    void makeControls();
-    void makeList();
-    void makeButtons();
+    void addList(SettingsForm &form, const SettingRow &row);
+    void addButtons(SettingsForm &form);
     void reload();
     void store();
     void moveSelected(int step);
@@ -35,9 +34,6 @@ private:
 
     Preferences &m_preferences;
     ToolbarSelection m_selection;
-    FormPopUp *m_stylePopUp = nullptr;
-    QCheckBox *m_showsTitle = nullptr;
-    QCheckBox *m_showsLabels = nullptr;
     QListWidget *m_list = nullptr;
     QPushButton *m_moveUp = nullptr;
     QPushButton *m_moveDown = nullptr;

@@ -41,16 +41,22 @@ QString nameOf(const QString &path)
 
 } // namespace
 
-template<bool (Preferences::*value)() const, void (Preferences::*setValue)(bool)>
+template<const Setting<bool> &setting>
 void WorkspaceViewController::toggle()
 {
-    (m_services.preferences.*setValue)(!(m_services.preferences.*value)());
+    m_services.preferences.toggle(setting);
 }
 
-template<bool (Preferences::*value)() const>
+template<const Setting<bool> &setting>
 ActionState WorkspaceViewController::stateOf() const
 {
-    return {.checkMark = (m_services.preferences.*value)() ? CheckMark::on : CheckMark::none};
+    return {.checkMark = m_services.preferences.value(setting) ? CheckMark::on : CheckMark::none};
+}
+
+template<const Setting<bool> &setting>
+constexpr ActionRow WorkspaceViewController::toggleRow(const Action &toggled)
+{
+    return action<&WorkspaceViewController::toggle<setting>, &WorkspaceViewController::stateOf<setting>>(toggled);
 }
 
 const ActionRow *WorkspaceViewController::actionFor(const Action &wanted) const
@@ -91,14 +97,10 @@ const ActionRow *WorkspaceViewController::actionFor(const Action &wanted) const
         action<&Self::selectTabByNumber>(Actions::selectTab1),
         action<&Self::selectLanguageFromMenu, &Self::languageState>(Actions::selectLanguage),
         action<&Self::selectTheme, &Self::themeState>(Actions::selectTheme),
-        action<&Self::toggle<&Preferences::showLineNumbers, &Preferences::setShowLineNumbers>,
-               &Self::stateOf<&Preferences::showLineNumbers>>(Actions::toggleLineNumbers),
-        action<&Self::toggle<&Preferences::wrapLines, &Preferences::setWrapLines>, &Self::stateOf<&Preferences::wrapLines>>(
-            Actions::toggleLineWrap),
-        action<&Self::toggle<&Preferences::showInvisibles, &Preferences::setShowInvisibles>, &Self::stateOf<&Preferences::showInvisibles>>(
-            Actions::toggleInvisibles),
-        action<&Self::toggle<&Preferences::highlightCurrentLine, &Preferences::setHighlightCurrentLine>,
-               &Self::stateOf<&Preferences::highlightCurrentLine>>(Actions::toggleCurrentLineHighlight),
+        toggleRow<Settings::showLineNumbers>(Actions::toggleLineNumbers),
+        toggleRow<Settings::wrapLines>(Actions::toggleLineWrap),
+        toggleRow<Settings::showInvisibles>(Actions::toggleInvisibles),
+        toggleRow<Settings::highlightCurrentLine>(Actions::toggleCurrentLineHighlight),
         action<&Self::increaseFontSize>(Actions::increaseFontSize),
         action<&Self::decreaseFontSize>(Actions::decreaseFontSize),
         action<&Self::resetFontSize>(Actions::resetFontSize),
@@ -135,7 +137,8 @@ bool WorkspaceViewController::hasSeveralTabsInAll() const
 
 ActionState WorkspaceViewController::themeState(const ActionSender &sender) const
 {
-    return {.checkMark = sender.represented.toString() == m_services.preferences.themeName() ? CheckMark::on : CheckMark::none};
+    return {.checkMark =
+                sender.represented.toString() == m_services.preferences.value(Settings::themeName) ? CheckMark::on : CheckMark::none};
 }
 
 ActionState WorkspaceViewController::languageState(const ActionSender &sender) const
@@ -329,7 +332,8 @@ void WorkspaceViewController::openInTerminal()
         beep();
         return;
     }
-    const auto opened = m_services.desktop.openTerminal(folderOf(currentDocument()->path()), m_services.preferences.terminalIdentifier());
+    const auto opened =
+        m_services.desktop.openTerminal(folderOf(currentDocument()->path()), m_services.preferences.value(Settings::terminalIdentifier));
     if (!opened) {
         presentError(opened.error().message);
     }
@@ -443,18 +447,18 @@ void WorkspaceViewController::selectTheme(const ActionSender &sender)
 {
     const QString name = sender.represented.toString();
     if (!name.isEmpty()) {
-        m_services.preferences.setThemeName(name);
+        m_services.preferences.set(Settings::themeName, name);
     }
 }
 
 void WorkspaceViewController::changeFontSize(int steps)
 {
-    m_services.preferences.setFontSize(m_services.preferences.fontSize() + steps);
+    m_services.preferences.set(Settings::fontSize, m_services.preferences.value(Settings::fontSize) + steps);
 }
 
 void WorkspaceViewController::resetFontSize()
 {
-    m_services.preferences.setFontSize(std::get<double>(Preferences::row(Preference::fontSize).defaultValue));
+    m_services.preferences.reset(Settings::fontSize);
 }
 
 // From the status bar
@@ -488,8 +492,8 @@ void WorkspaceViewController::statusBarDidChooseLineEnding(int index)
 
 void WorkspaceViewController::statusBarDidChooseIndentation(Indentation indentation)
 {
-    m_services.preferences.setTabWidth(indentation.width);
-    m_services.preferences.setInsertSpaces(indentation.unit == Indentation::Unit::spaces);
+    m_services.preferences.set(Settings::tabWidth, indentation.width);
+    m_services.preferences.set(Settings::insertSpaces, indentation.unit == Indentation::Unit::spaces);
 }
 
 void WorkspaceViewController::statusBarDidClickPosition()

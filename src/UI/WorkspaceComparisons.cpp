@@ -91,7 +91,7 @@ void WorkspaceViewController::compareWithOpenDocument(const ActionSender &sender
 
 void WorkspaceViewController::showVimKeyReference()
 {
-    showGenerated(VimReference::title, VimReference::markdown(m_services.preferences.vimKeymapPreset()));
+    showGenerated(VimReference::title, VimReference::markdown(m_services.preferences.value(Settings::vimKeymapPreset)));
 }
 
 void WorkspaceViewController::showUserGuide()

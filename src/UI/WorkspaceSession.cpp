@@ -71,7 +71,7 @@ SessionSnapshot::Document entryOf(const TextDocument &document, SessionStore &st
 
 void WorkspaceViewController::startAutosaveTimer()
 {
-    const double seconds = std::clamp(m_services.preferences.autosaveInterval(), shortestInterval, longestInterval);
+    const double seconds = std::clamp(m_services.preferences.value(Settings::autosaveInterval), shortestInterval, longestInterval);
     m_autosaveInterval = Scheduler::Milliseconds(qint64(seconds * 1000));
     m_autosaveTimer = m_services.scheduler.every(m_autosaveInterval, m_autosaveInterval / 2, [this] { performAutosave(); });
 }
@@ -101,11 +101,11 @@ void WorkspaceViewController::performAutosave()
             continue;
         }
         const bool hasQuietFile = !document->isUntitled() && document->externalState() == TextDocument::ExternalState::none;
-        if (!m_services.preferences.autosaveToDisk() || !hasQuietFile || !document->save(document->path())) {
+        if (!m_services.preferences.value(Settings::autosaveToDisk) || !hasQuietFile || !document->save(document->path())) {
             m_services.session.writeDraft(*document);
         }
     }
-    if (!m_services.preferences.restoreSession()) {
+    if (!m_services.preferences.value(Settings::restoreSession)) {
         return;
     }
     // With several windows the session is that of the one in which something changed last.
@@ -118,7 +118,7 @@ void WorkspaceViewController::performAutosave()
 
 void WorkspaceViewController::writeSessionSnapshot()
 {
-    if (m_services.preferences.restoreSession()) {
+    if (m_services.preferences.value(Settings::restoreSession)) {
         m_lastSnapshot = sessionSnapshot();
         m_services.session.write(*m_lastSnapshot);
     }
@@ -174,7 +174,7 @@ QString WorkspaceViewController::windowFrame() const
 
 bool WorkspaceViewController::restoreSession()
 {
-    if (!m_services.preferences.restoreSession()) {
+    if (!m_services.preferences.value(Settings::restoreSession)) {
         return false;
     }
     const SessionStore::Saved saved = m_services.session.read();

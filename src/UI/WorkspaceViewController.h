@@ -16,6 +16,8 @@ class SubstitutionRunner;
 struct RestoredDocument;
 class WorkspaceViewController;
 struct Alert;
+template<typename T>
+struct Setting;
 
 /// What the application does for its windows.
 class WorkspaceHost {
@@ -166,7 +168,7 @@ private:
     void showGenerated(const QString &title, const QString &text);
     void selectLanguageFromMenu(const ActionSender &sender);
     void selectTheme(const ActionSender &sender);
-    template<bool (Preferences::*value)() const, void (Preferences::*setValue)(bool)>
+    template<const Setting<bool> &setting>
     void toggle();
     void increaseFontSize() { changeFontSize(1); }
     void decreaseFontSize() { changeFontSize(-1); }
@@ -193,8 +195,11 @@ private:
     [[nodiscard]] bool hasSeveralTabs() const;
     [[nodiscard]] bool hasSeveralTabsInAll() const;
     [[nodiscard]] bool hasSeveralDocuments() const;
-    template<bool (Preferences::*value)() const>
+    template<const Setting<bool> &setting>
     [[nodiscard]] ActionState stateOf() const;
+    /// Of an action that turns a setting on and off.
+    template<const Setting<bool> &setting>
+    [[nodiscard]] static constexpr ActionRow toggleRow(const Action &toggled);
     [[nodiscard]] ActionState themeState(const ActionSender &sender) const;
     [[nodiscard]] ActionState languageState(const ActionSender &sender) const;
 

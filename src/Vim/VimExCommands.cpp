@@ -23,21 +23,11 @@ constexpr auto commands = std::to_array<VimExCommand>({
     {{u"edit", u"e", u"e!"}, &Host::editFile},
     // A search leaves nothing marked.
     {{u"nohlsearch", u"nohl", u"noh"}, VimExCommand::Ignored{}},
-    {{u"set"}, VimExCommand::Setting{}},
+    {{u"set"}, VimExCommand::Set{}},
     {{u"vsplit", u"vs"}, &Host::splitEditorRight},
     {{u"split", u"sp"}, &Host::splitEditorDown},
     {{u"only", u"on"}, &Host::closeOtherSplits},
 });
-
-constexpr auto options = std::to_array<VimOption>({
-    {{u"number", u"nu"}, &Preferences::setShowLineNumbers, u"line numbers"},
-    {{u"wrap"}, &Preferences::setWrapLines, u"line wrapping"},
-    {{u"list"}, &Preferences::setShowInvisibles, u"invisible characters"},
-    {{u"expandtab", u"et"}, &Preferences::setInsertSpaces, u"spaces or tabs"},
-});
-
-/// One setting under four names, and under all that begin with them.
-constexpr std::array<QStringView, 4> widthOptions = {u"ts", u"tabstop", u"sw", u"shiftwidth"};
 
 template<size_t count>
 bool isAmong(const std::array<QStringView, count> &names, QStringView name)
@@ -55,14 +45,27 @@ std::optional<qint64> integer(QStringView text)
     return areDigits && fits ? std::optional(value) : std::nullopt;
 }
 
-bool setWidth(QStringView option, Preferences &preferences)
+bool apply(const Setting<bool> &setting, QStringView typed, Preferences &preferences)
 {
-    const bool isWidth = std::ranges::any_of(widthOptions, [option](QStringView name) { return option.startsWith(name); });
-    const auto width = option.contains(u'=') ? integer(option.sliced(option.lastIndexOf(u'=') + 1)) : std::nullopt;
-    if (isWidth && width) {
-        preferences.setTabWidth(int(std::clamp<qint64>(*width, 0, std::numeric_limits<int>::max())));
+    constexpr auto off = "no"_L1;
+    const ExOption &option = setting.details.option;
+    const bool isOff = typed.startsWith(off) && isAmong(option.names, typed.sliced(off.size()));
+    const bool isOn = option.direction == ExOption::Direction::both && isAmong(option.names, typed);
+    if (isOff || isOn) {
+        preferences.set(setting, !isOff);
     }
-    return isWidth && width;
+    return isOff || isOn;
+}
+
+bool apply(const Setting<int> &setting, QStringView typed, Preferences &preferences)
+{
+    const bool isMeant =
+        std::ranges::any_of(setting.details.option.names, [typed](QStringView name) { return !name.isEmpty() && typed.startsWith(name); });
+    const auto number = typed.contains(u'=') ? integer(typed.sliced(typed.lastIndexOf(u'=') + 1)) : std::nullopt;
+    if (isMeant && number) {
+        preferences.set(setting, int(std::clamp<qint64>(*number, std::numeric_limits<int>::min(), std::numeric_limits<int>::max())));
+    }
+    return isMeant && number;
 }
 
 void substitute(QStringView command, VimCommandHost &host)
@@ -122,29 +125,18 @@ void VimExCommand::run(const QString &typed, VimCommandHost &host, Preferences &
         (host.**plain)();
     } else if (const auto *withFile = std::get_if<WithFile>(&command->function)) {
         (host.**withFile)(argument);
-    } else if (std::holds_alternative<Setting>(command->function) && !VimOption::apply(argument, preferences)) {
+    } else if (std::holds_alternative<Set>(command->function) && !applyExOption(argument, preferences)) {
         host.showVimMessage(formatted(localized(u"Not an option: %@"), argument));
     }
 }
 
-std::span<const VimOption> VimOption::table()
+bool applyExOption(QStringView typed, Preferences &preferences)
 {
-    return options;
-}
-
-bool VimOption::apply(QStringView option, Preferences &preferences)
-{
-    constexpr auto off = "no"_L1;
-    for (const VimOption &row : options) {
-        const bool isOff = option.startsWith(off) && isAmong(row.names, option.sliced(off.size()));
-        if (isOff || isAmong(row.names, option)) {
-            (preferences.*row.set)(!isOff);
-            return true;
+    return std::ranges::any_of(Settings::all(), [&](const AnySetting *setting) {
+        if (const auto *onOff = setting->as<bool>()) {
+            return apply(*onOff, typed, preferences);
         }
-    }
-    if (option == "novim"_L1 || option == "novim!"_L1) {
-        preferences.setVimMode(false);
-        return true;
-    }
-    return setWidth(option, preferences);
+        const auto *number = setting->as<int>();
+        return number && apply(*number, typed, preferences);
+    });
 }

@@ -39,11 +39,11 @@ protected:
 struct VimExCommand {
     using Plain = void (VimCommandHost::*)();
     using WithFile = void (VimCommandHost::*)(const QString &name);
-    struct Setting {};
+    struct Set {};
     struct Ignored {};
 
     std::array<QStringView, 4> names;
-    std::variant<Ignored, Plain, WithFile, Setting> function;
+    std::variant<Ignored, Plain, WithFile, Set> function;
 
     [[nodiscard]] static std::span<const VimExCommand> table();
     /// Null when there is none of that name.
@@ -53,13 +53,5 @@ struct VimExCommand {
     static void run(const QString &typed, VimCommandHost &host, Preferences &preferences);
 };
 
-/// One option of `:set` that is on or, with "no" before its name, off.
-struct VimOption {
-    std::array<QStringView, 2> names;
-    void (Preferences::*set)(bool value);
-    const char16_t *purpose;
-
-    [[nodiscard]] static std::span<const VimOption> table();
-    /// False when there is no such option.
-    static bool apply(QStringView option, Preferences &preferences);
-};
+/// Carries out what was typed behind `:set`; false when there is no such option.
+bool applyExOption(QStringView typed, Preferences &preferences);

@@ -97,11 +97,6 @@ constexpr auto commandLine = std::to_array<KeyRow>({
     {{u":vs", u":sp", u":only"sv}, u"split right, split down, close the others"},
 });
 
-constexpr auto furtherOptions = std::to_array<KeyRow>({
-    {{u":set shiftwidth=4"sv}, u"indent width"},
-    {{u":set novim"sv}, u"turn the Vim bindings off"},
-});
-
 struct SectionRow {
     const char16_t *heading;
     std::span<const KeyRow> rows;
@@ -129,6 +124,30 @@ void append(std::vector<Row> &rows, std::span<const KeyRow> source)
             }
         }
     }
+}
+
+/// The options of `:set`: switches first.
+std::vector<Row> optionRows()
+{
+    std::vector<Row> switches;
+    std::vector<Row> others;
+    for (const AnySetting *setting : Settings::all()) {
+        const ExOption &option = setting->details.option;
+        if (!option.exists()) {
+            continue;
+        }
+        const QString name = option.names.front().toString();
+        const QString text = localized(option.purpose);
+        if (const auto *number = std::get_if<int>(&setting->byDefault)) {
+            others.push_back({{u":set %1=%2"_s.arg(name).arg(*number)}, text});
+        } else if (option.direction == ExOption::Direction::onlyOff) {
+            others.push_back({{u":set no"_s + name}, text});
+        } else {
+            switches.push_back({{u":set "_s + name, u":set no"_s + name}, text});
+        }
+    }
+    std::ranges::move(others, std::back_inserter(switches));
+    return switches;
 }
 
 QString escaped(QString text)
@@ -242,12 +261,7 @@ std::vector<Section> VimReference::sections()
             all.emplace_back(Section{.heading = localized(row.heading), .intro = row.intro ? localized(row.intro) : QString(), .rows = {}});
         append(section.rows, row.rows);
     }
-    std::vector<Row> &last = all.back().rows;
-    for (const VimOption &option : VimOption::table()) {
-        const QString name = option.names.front().toString();
-        last.push_back({.keys = {u":set "_s + name, u":set no"_s + name}, .text = localized(option.purpose)});
-    }
-    append(last, furtherOptions);
+    std::ranges::move(optionRows(), std::back_inserter(all.back().rows));
     return all;
 }
 

@@ -24,7 +24,7 @@ bool isClipboard(char16_t name)
 
 void VimRegisters::set(const VimRegisterContents &contents, std::optional<char16_t> name)
 {
-    if (name ? isClipboard(*name) : m_preferences.vimSharesClipboard()) {
+    if (name ? isClipboard(*name) : m_preferences.value(Settings::vimSharesClipboard)) {
         writeToClipboard(contents.text);
     }
     m_unnamed = contents;
@@ -43,7 +43,7 @@ void VimRegisters::set(const VimRegisterContents &contents, std::optional<char16
 VimRegisterContents VimRegisters::contents(std::optional<char16_t> name) const
 {
     if (!name) {
-        const bool isOthers = m_preferences.vimSharesClipboard() && m_pasteboard.changeCount() != m_lastWrittenChangeCount;
+        const bool isOthers = m_preferences.value(Settings::vimSharesClipboard) && m_pasteboard.changeCount() != m_lastWrittenChangeCount;
         return isOthers ? clipboard() : m_unnamed;
     }
     if (isClipboard(*name)) {

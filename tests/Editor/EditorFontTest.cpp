@@ -17,14 +17,14 @@ TEST(EditorFont, IsTheDesktopsWhenTheWantedOneIsMissing)
     DefaultsStore store{QString(), scheduler};
     NotificationCenter notifications;
     Preferences preferences{store, notifications};
-    preferences.setFontSize(20);
-    preferences.setFontName(u"No Such Font"_s);
+    preferences.set(Settings::fontSize, 20);
+    preferences.set(Settings::fontName, u"No Such Font"_s);
     QFont font = editorFont(preferences);
     EXPECT_EQ(font.families(), QFontDatabase::systemFont(QFontDatabase::FixedFont).families());
     EXPECT_EQ(font.pointSizeF(), 20);
     const QStringList families = QFontDatabase::families();
     if (!families.isEmpty()) {
-        preferences.setFontName(families.last());
+        preferences.set(Settings::fontName, families.last());
         font = editorFont(preferences);
         EXPECT_EQ(font.family(), families.last());
         EXPECT_EQ(font.pointSizeF(), 20);

@@ -140,18 +140,18 @@ TEST_F(EditorTest, FollowsThePreferences)
     TextDocument &text = document(u"a\tb\n"_s);
     const auto editor = open(text);
     EditorTextView &view = editor->textView();
-    EXPECT_EQ(view.wrapMode() == TextView::WrapMode::viewWidth, preferences.wrapLines());
-    preferences.setWrapLines(false);
+    EXPECT_EQ(view.wrapMode() == TextView::WrapMode::viewWidth, preferences.value(Settings::wrapLines));
+    preferences.set(Settings::wrapLines, false);
     EXPECT_EQ(view.horizontalScrollBarPolicy(), Qt::ScrollBarAsNeeded);
-    preferences.setWrapLines(true);
+    preferences.set(Settings::wrapLines, true);
     EXPECT_EQ(view.horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
     const int width = view.viewport()->width();
-    preferences.setShowLineNumbers(false);
+    preferences.set(Settings::showLineNumbers, false);
     EXPECT_EQ(view.viewport()->width(), width + view.ruler().thickness());
-    preferences.setShowLineNumbers(true);
+    preferences.set(Settings::showLineNumbers, true);
     EXPECT_EQ(view.viewport()->width(), width);
-    preferences.setTabWidth(3);
-    preferences.setInsertSpaces(true);
+    preferences.set(Settings::tabWidth, 3);
+    preferences.set(Settings::insertSpaces, true);
     EXPECT_EQ(view.indentation().width, 3);
     // A Makefile wants its tabs whatever the user likes.
     text.setLanguage(LanguageRegistry::withID(u"makefile").value());
@@ -159,11 +159,11 @@ TEST_F(EditorTest, FollowsThePreferences)
     const Language &language = text.language();
     EXPECT_EQ(view.indentation().width, language.defaultIndentWidth().value_or(3));
     EXPECT_TRUE(view.state(Actions::toggleComment).isEnabled);
-    preferences.setThemeName(u"Solarized Dark"_s);
+    preferences.set(Settings::themeName, u"Solarized Dark"_s);
     EXPECT_EQ(view.colors().background, QColor::fromRgb(Theme::solarizedDark().background));
-    preferences.setHighlightCurrentLine(false);
+    preferences.set(Settings::highlightCurrentLine, false);
     EXPECT_FALSE(view.colors().currentLine.isValid());
-    preferences.setFontSize(20);
+    preferences.set(Settings::fontSize, 20);
     EXPECT_EQ(view.textFont().pointSizeF(), 20);
 }
 
@@ -301,7 +301,7 @@ TEST_F(EditorTest, TheRulerIsAsWideAsItsLargestNumber)
 TEST_F(EditorTest, AClickOnANumberSelectsItsLine)
 {
     TextDocument &text = document(lines(20));
-    preferences.setWrapLines(false);
+    preferences.set(Settings::wrapLines, false);
     const auto editor = open(text);
     EditorTextView &view = editor->textView();
     const double height = view.layoutManager().rowHeight();
@@ -389,7 +389,7 @@ TEST_F(EditorTest, ControlsBesideTheTextAreAsDarkAsIt)
     const auto *bar = editor->findChild<QScrollBar *>();
     const auto isDark = [&] { return bar->palette().color(QPalette::Button).lightness() < 128; };
     for (const Theme &theme : Theme::all()) {
-        preferences.setThemeName(theme.name.toString());
+        preferences.set(Settings::themeName, theme.name.toString());
         EXPECT_EQ(isDark(), theme.isDark) << theme.name.toUtf8().data();
     }
 }
@@ -410,7 +410,7 @@ TEST_F(EditorTest, TypingPaintsOnlyWhatItChanges)
         }
     } counter, textCounter;
     TextDocument &text = document(lines(100));
-    preferences.setWrapLines(false);
+    preferences.set(Settings::wrapLines, false);
     const auto editor = open(text);
     editor->textView().ruler().installEventFilter(&counter);
     editor->textView().viewport()->installEventFilter(&textCounter);

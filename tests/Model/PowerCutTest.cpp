@@ -92,7 +92,7 @@ protected:
     Preferences preferences{defaults, notifications};
     InlineWorkers workers;
     FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
-    DocumentServices services{scheduler, notifications, defaults, workers, watchers, {}};
+    DocumentServices services{scheduler, notifications, preferences, workers, watchers, {}};
     Random random{GetParam()};
 
     RecordingCalls calls;

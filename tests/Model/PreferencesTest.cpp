@@ -26,23 +26,23 @@ protected:
 
 TEST_F(PreferencesTest, NumbersAreMovedWithinTheirLimits)
 {
-    preferences.setFontSize(200);
+    preferences.set(Settings::fontSize, 200);
     EXPECT_EQ(store.real("editor.fontSize"_L1), 96);
-    preferences.setFontSize(2);
+    preferences.set(Settings::fontSize, 2);
     EXPECT_EQ(store.real("editor.fontSize"_L1), 6);
-    preferences.setFontSize(std::numeric_limits<double>::quiet_NaN());
+    preferences.set(Settings::fontSize, std::numeric_limits<double>::quiet_NaN());
     EXPECT_EQ(store.real("editor.fontSize"_L1), 6);
-    preferences.setTabWidth(0);
+    preferences.set(Settings::tabWidth, 0);
     EXPECT_EQ(store.integer("editor.tabWidth"_L1), 1);
-    preferences.setTabWidth(40);
+    preferences.set(Settings::tabWidth, 40);
     EXPECT_EQ(store.integer("editor.tabWidth"_L1), 16);
-    preferences.setAutosaveInterval(0.1);
+    preferences.set(Settings::autosaveInterval, 0.1);
     EXPECT_EQ(store.real("session.autosaveInterval"_L1), 0.5);
-    preferences.setAutosaveInterval(3600);
+    preferences.set(Settings::autosaveInterval, 3600);
     EXPECT_EQ(store.real("session.autosaveInterval"_L1), 3600);
     // Written by hand.
     store.set("editor.tabWidth"_L1, 0);
-    EXPECT_EQ(preferences.tabWidth(), 1);
+    EXPECT_EQ(preferences.value(Settings::tabWidth), 1);
 }
 
 TEST_F(PreferencesTest, UnknownChoicesStandForTheFirst)
@@ -50,16 +50,16 @@ TEST_F(PreferencesTest, UnknownChoicesStandForTheFirst)
     store.set("toolbar.style"_L1, u"sideways"_s);
     store.set("editor.vimKeymapPreset"_L1, u"emacs"_s);
     store.set("app.language"_L1, u"fr"_s);
-    EXPECT_EQ(preferences.toolbarStyle(), ToolbarStyle::combined);
-    EXPECT_EQ(preferences.vimKeymapPreset(), VimKeymapPreset::plain);
-    EXPECT_EQ(preferences.language(), AppLanguage::system);
-    preferences.setToolbarStyle(ToolbarStyle::hidden);
-    preferences.setVimKeymapPreset(VimKeymapPreset::lazyVim);
-    preferences.setLanguage(AppLanguage::german);
+    EXPECT_EQ(preferences.value(Settings::toolbarStyle), ToolbarStyle::combined);
+    EXPECT_EQ(preferences.value(Settings::vimKeymapPreset), VimKeymapPreset::plain);
+    EXPECT_EQ(preferences.value(Settings::language), AppLanguage::system);
+    preferences.set(Settings::toolbarStyle, ToolbarStyle::hidden);
+    preferences.set(Settings::vimKeymapPreset, VimKeymapPreset::lazyVim);
+    preferences.set(Settings::language, AppLanguage::german);
     EXPECT_EQ(store.string("toolbar.style"_L1), u"hidden"_s);
     EXPECT_EQ(store.string("editor.vimKeymapPreset"_L1), u"lazyvim"_s);
     EXPECT_EQ(store.string("app.language"_L1), u"de"_s);
-    EXPECT_EQ(preferences.language(), AppLanguage::german);
+    EXPECT_EQ(preferences.value(Settings::language), AppLanguage::german);
 }
 
 TEST_F(PreferencesTest, EveryChangeIsAnnounced)
@@ -75,38 +75,39 @@ TEST_F(PreferencesTest, EveryChangeIsAnnounced)
         EXPECT_EQ(chosen, AppLanguage::english);
         heard << u"resolved"_s;
     });
-    preferences.setWrapLines(true);
-    preferences.setWrapLines(true);
+    preferences.set(Settings::wrapLines, true);
+    preferences.set(Settings::wrapLines, true);
     EXPECT_EQ(heard, QStringList({u"changed"_s, u"changed"_s}));
     heard.clear();
-    preferences.setLanguage(AppLanguage::english);
+    preferences.set(Settings::language, AppLanguage::english);
     EXPECT_EQ(heard, QStringList({u"resolved"_s, u"language"_s, u"changed"_s}));
     heard.clear();
-    preferences.setToolbarStyle(ToolbarStyle::separate);
-    preferences.setToolbarItemIDs({});
-    preferences.setToolbarShowsLabels(false);
-    preferences.setWindowShowsTitle(true);
+    preferences.set(Settings::toolbarStyle, ToolbarStyle::separate);
+    preferences.set(Settings::toolbarItemIDs, {});
+    preferences.set(Settings::toolbarShowsLabels, false);
+    preferences.set(Settings::windowShowsTitle, true);
     EXPECT_EQ(heard, QStringList(4, u"toolbar"_s));
-    EXPECT_EQ(preferences.toolbarItemIDs(), QStringList());
+    EXPECT_EQ(preferences.value(Settings::toolbarItemIDs), QStringList());
 }
 
-TEST_F(PreferencesTest, TheTableIsConsistent)
+TEST_F(PreferencesTest, WhatASettingAnswersCanBeSetAgain)
 {
     QSet<QString> keys;
-    for (const PreferenceRow &row : Preferences::table()) {
-        SCOPED_TRACE(row.key.latin1());
-        keys << QString(row.key);
-        EXPECT_EQ(Preferences::rowForKey(QString(row.key)), &row);
-        // What a preference answers can be set again, and gives the same.
-        const QVariant value = preferences.value(row.preference);
-        const QString text = row.type == PreferenceType::list ? value.toStringList().join(u',') : value.toString();
-        EXPECT_TRUE(preferences.setFromText(row, text));
-        EXPECT_TRUE(store.isSet(row.key));
-        EXPECT_EQ(preferences.value(row.preference), value);
-        EXPECT_EQ(preferences.setFromText(row, u"no value"_s), row.type <= PreferenceType::list && row.choices.empty());
+    for (const AnySetting *setting : Settings::all()) {
+        SCOPED_TRACE(setting->key.latin1());
+        keys << QString(setting->key);
+        EXPECT_EQ(Settings::withKey(QString(setting->key)), setting);
+        const QVariant value = preferences.storedValue(*setting);
+        const QString text = setting->type == SettingType::list ? value.toStringList().join(u',') : value.toString();
+        EXPECT_TRUE(preferences.setFromText(*setting, text));
+        EXPECT_TRUE(store.isSet(setting->key));
+        EXPECT_EQ(preferences.storedValue(*setting), value);
+        const bool takesAnyText = setting->type == SettingType::text || setting->type == SettingType::list;
+        EXPECT_EQ(preferences.setFromText(*setting, u"no value"_s), takesAnyText);
+        preferences.reset(*setting);
+        EXPECT_EQ(preferences.storedValue(*setting), value);
     }
-    EXPECT_EQ(size_t(keys.size()), Preferences::table().size());
-    EXPECT_EQ(Preferences::rowForKey(u"editor.unknown"), nullptr);
-    EXPECT_EQ(preferences.value(Preference::toolbarItemIDs).toStringList().size(), 1);
-    EXPECT_FALSE(preferences.setFromText(Preferences::row(Preference::fontSize), u"inf"_s));
+    EXPECT_EQ(size_t(keys.size()), Settings::all().size());
+    EXPECT_EQ(Settings::withKey(u"editor.unknown"), nullptr);
+    EXPECT_FALSE(preferences.setFromText(Settings::fontSize, u"inf"_s));
 }

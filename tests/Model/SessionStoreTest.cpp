@@ -94,7 +94,7 @@ protected:
     Preferences preferences{defaults, notifications};
     InlineWorkers workers;
     FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
-    DocumentServices services{scheduler, notifications, defaults, workers, watchers, {}};
+    DocumentServices services{scheduler, notifications, preferences, workers, watchers, {}};
     DocumentStore documents{services, {}};
     FaultyCalls calls;
 };
@@ -549,7 +549,7 @@ TEST_F(SessionStoreTest, WritesTheLatestTextOnceAndNothingThatIsThere)
     EXPECT_EQ(renames, 1);
     EXPECT_EQ(drafts(), QStringList{DraftFile::nameFor(firstId)});
     // Drafts that are not wanted are not touched.
-    preferences.setAutosaveDrafts(false);
+    preferences.set(Settings::autosaveDrafts, false);
     EXPECT_FALSE(store->keepsUnsavedText());
     edit(*text, u"5"_s);
     EXPECT_EQ(store->writeDraft(*text), std::nullopt);
@@ -613,7 +613,7 @@ TEST_F(SessionStoreTest, FilesThatDoNotAnswerAreWaitedForInTheirTabs)
     put(u"slow.txt"_s, "first\r\nsecond\r\n");
     const QString path = root() + u"/slow.txt"_s;
     HeldWorkers held;
-    DocumentStore slow{{scheduler, notifications, defaults, held, watchers, {}}, {}};
+    DocumentStore slow{{scheduler, notifications, preferences, held, watchers, {}}, {}};
     int failures = 0;
     const auto observer = notifications.observe(TextDocument::didFailToArrive, nullptr, [&] { ++failures; });
     const Snapshot snapshot{

@@ -7,6 +7,7 @@
 #include "Model/DocumentStore.h"
 #include "Model/SaveTransformation.h"
 #include "Settings/DefaultsStore.h"
+#include "Settings/Preferences.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -23,7 +24,6 @@ class DocumentTest : public testing::Test {
 protected:
     DocumentTest()
     {
-        defaults.registerDefault("watch.reloadClean"_L1, true);
         workers.isHeld = false;
         for (const auto &[name, letter] :
              {std::pair(TextDocument::didChangeMetadata, u'm'), std::pair(TextDocument::didReloadFromDisk, u'r'),
@@ -66,11 +66,12 @@ protected:
     ManualScheduler scheduler;
     NotificationCenter notifications;
     DefaultsStore defaults{QString(), scheduler};
+    Preferences preferences{defaults, notifications};
     HeldWorkers workers;
     InlineWorkers lookers;
     FileWatcherQueue watchers{scheduler, WatchCalls::system(), lookers};
     QList<QUuid> discarded;
-    DocumentStore store{{scheduler, notifications, defaults, workers, watchers, [this](const QUuid &id) { discarded.append(id); }}, {}};
+    DocumentStore store{{scheduler, notifications, preferences, workers, watchers, [this](const QUuid &id) { discarded.append(id); }}, {}};
     std::vector<NotificationCenter::Token> observers;
     QString heard;
 };
@@ -235,7 +236,7 @@ TEST_F(DocumentTest, NoticesWhatOthersDo)
     };
     int number = 0;
     for (const OutsideCase &c : cases) {
-        defaults.set("watch.reloadClean"_L1, c.reloadsClean);
+        preferences.set(Settings::reloadCleanFilesAutomatically, c.reloadsClean);
         const QString name = u"file%1.txt"_s.arg(++number);
         TextDocument &document = open("text\n", name);
         if (c.isEdited) {

@@ -95,7 +95,7 @@ TEST_F(WindowAccessibility, EveryControlIsReachedAndHasAName)
     QTest::keySequence(&textView(), QKeySequence(u"Ctrl+F"_s));
     QTest::keyClicks(QApplication::focusWidget(), u"f"_s);
     for (const ToolbarStyle style : {ToolbarStyle::combined, ToolbarStyle::separate}) {
-        preferences.setToolbarStyle(style);
+        preferences.set(Settings::toolbarStyle, style);
         QSet<QAccessible::Role> roles;
         visit(*QAccessible::queryAccessibleInterface(&window()), roles);
         EXPECT_TRUE(roles.contains(controls)) << "toolbar, tabs, menus and text are all there";
@@ -159,7 +159,7 @@ TEST_F(WindowAccessibility, TheBannerIsSaidAgainWhenItChanges)
 TEST_F(WindowAccessibility, TellsTheModeOfModalEditing)
 {
     std::ignore = takeHeard();
-    preferences.setVimMode(true);
+    preferences.set(Settings::vimMode, true);
     EXPECT_EQ(takeHeard(), "NORMAL;");
     type(u"i"_s);
     EXPECT_EQ(takeHeard(), "INSERT;");

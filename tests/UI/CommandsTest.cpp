@@ -187,9 +187,9 @@ TEST_F(CommandsTest, LanguagesThemesAndViewOptionsAreChecked)
         EXPECT_EQ(isOn(*action), !before) << action->id;
     }
     send(Actions::increaseFontSize);
-    EXPECT_EQ(preferences.fontSize(), 14);
+    EXPECT_EQ(preferences.value(Settings::fontSize), 14);
     send(Actions::resetFontSize);
-    EXPECT_EQ(preferences.fontSize(), 13);
+    EXPECT_EQ(preferences.value(Settings::fontSize), 13);
 }
 
 TEST_F(CommandsTest, TheStatusBarShowsWhatIsChosenInIt)
@@ -237,7 +237,7 @@ TEST_F(CommandsTest, ClosingAWindowAsksOnceForAllItsTexts)
 
 TEST_F(CommandsTest, QuittingStopsAtTheWindowThatIsKept)
 {
-    preferences.setAutosaveDrafts(false); // else it asks nothing
+    preferences.set(Settings::autosaveDrafts, false); // else it asks nothing
     send(Actions::newWindow);
     workspace(1).currentDocument()->storage().replaceCharacters({}, u"x"_s);
     bool isFinished = false;
@@ -279,11 +279,11 @@ TEST_F(CommandsTest, TheMenusFollowFocusAndLanguage)
     QTest::keySequence(&textView(), QKeySequence(u"Ctrl+Shift+N"_s));
     EXPECT_EQ(application.windows().size(), 2U) << "two items have these keys";
     preferences.setLanguageResolver(Localization::use);
-    preferences.setLanguage(AppLanguage::german);
+    preferences.set(Settings::language, AppLanguage::german);
     EXPECT_TRUE(item(u"Datei"_s, u"Sicherungskopie"_s));
     EXPECT_FALSE(item(u"File"_s, u"Backup"_s));
     EXPECT_EQ(tabs().last(), u"Unbenannt"_s);
-    preferences.setLanguage(AppLanguage::english);
+    preferences.set(Settings::language, AppLanguage::english);
     Localization::use(AppLanguage::english);
 }
 

@@ -149,7 +149,7 @@ TEST_F(ComparisonTest, ScrollsBothColumnsTogether)
     EXPECT_EQ(x(content.rightView()), 50) << "nor when it is scrolled up and down";
     // Another font moves nothing but by its own size.
     content.rightView().setScrollOffset(content.rightView().topOfRow(100));
-    preferences.setFontSize(20);
+    preferences.set(Settings::fontSize, 20);
     EXPECT_EQ(content.leftView().topRow(), 100);
     EXPECT_EQ(content.rightView().topRow(), 100);
     EXPECT_EQ(y(content.rightView()), y(content.leftView()));

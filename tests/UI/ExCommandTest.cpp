@@ -17,7 +17,7 @@ protected:
     void SetUp() override
     {
         WindowTest::SetUp();
-        preferences.setVimMode(true);
+        preferences.set(Settings::vimMode, true);
         QObject::connect(&workspace().statusBar(), &StatusBarView::flashed, &window(),
                          [this](const QString &message) { messages << message; });
     }
@@ -143,7 +143,7 @@ TEST_F(ExCommandTest, SwitchesModalEditingOffFromWithin)
     start("abc\n");
     run(u"vs"_s);
     run(u"set novim"_s);
-    EXPECT_FALSE(preferences.vimMode());
+    EXPECT_FALSE(preferences.value(Settings::vimMode));
     type(u"x"_s);
     EXPECT_EQ(text(), u"xabc\n"_s);
     EXPECT_EQ(pane(0).currentEditor()->vim(), nullptr);
@@ -217,7 +217,7 @@ TEST_F(ExCommandTest, ShowsTheKeysInATabThatCannotBeEdited)
     EXPECT_GT(textView().selection().caret, 0);
 
     // The one that is open is shown again, with what has changed meanwhile.
-    preferences.setVimKeymapPreset(VimKeymapPreset::lazyVim);
+    preferences.set(Settings::vimKeymapPreset, VimKeymapPreset::lazyVim);
     send(Actions::splitEditorRight);
     workspace().setActivePane(pane(1));
     send(Actions::newDocument);

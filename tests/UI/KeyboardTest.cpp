@@ -23,9 +23,9 @@ protected:
     void SetUp() override
     {
         WindowTest::SetUp();
-        preferences.setLanguage(GetParam());
+        preferences.set(Settings::language, GetParam());
     }
-    void TearDown() override { preferences.setLanguage(AppLanguage::english); }
+    void TearDown() override { preferences.set(Settings::language, AppLanguage::english); }
 
     static QStringList tour(QWidget &window)
     {

@@ -16,7 +16,7 @@ protected:
     void SetUp() override
     {
         WindowTest::SetUp();
-        preferences.setVimMode(true);
+        preferences.set(Settings::vimMode, true);
     }
     [[nodiscard]] VimEngine &engine() const { return workspace().currentEditor()->vim()->engine(); }
     void start(const QByteArray &content) { workspace().open({write(u"a.txt"_s, content)}); }
@@ -151,7 +151,7 @@ TEST_F(ModalEditingTest, InputMethodsTypeTextAndNoCommands)
     press(Qt::Key_Escape);
     type(u"."_s);
     EXPECT_EQ(text(), u"日日本本one tw\U0001F600\n"_s) << "repeated like typed text";
-    preferences.setVimMode(false);
+    preferences.set(Settings::vimMode, false);
     EXPECT_TRUE(takesInputMethod());
 }
 
@@ -197,7 +197,7 @@ TEST_F(ModalEditingTest, ControlChordsThatItHasNoUseForStayShortcuts)
     EXPECT_FALSE(claims(Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier)) << "the other key of Find";
     EXPECT_FALSE(claims(Qt::Key_J, Qt::AltModifier));
     EXPECT_FALSE(claims(Qt::Key_Adiaeresis, Qt::ControlModifier | Qt::AltModifier, u"ä"_s)) << "writes a letter all the same";
-    preferences.setVimKeymapPreset(VimKeymapPreset::lazyVim);
+    preferences.set(Settings::vimKeymapPreset, VimKeymapPreset::lazyVim);
     EXPECT_TRUE(claims(Qt::Key_S, Qt::ControlModifier));
     EXPECT_TRUE(claims(Qt::Key_J, Qt::AltModifier));
     type(u"i"_s);
@@ -232,6 +232,6 @@ TEST_F(ModalEditingTest, TheWindowShowsModeAndKeysAtOnce)
     press(Qt::Key_W, Qt::ControlModifier);
     type(u"v"_s);
     EXPECT_EQ(workspace().panes().size(), 2U);
-    preferences.setVimMode(false);
+    preferences.set(Settings::vimMode, false);
     EXPECT_TRUE(workspace().statusBar().findChild<VimBadge *>()->isHidden());
 }

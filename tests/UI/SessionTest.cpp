@@ -157,7 +157,7 @@ TEST_F(SessionTest, QuittingAsksNothingAndLosesNothing)
     // Where nothing is kept, it asks.
     auto run = start();
     EXPECT_EQ(run->texts(), (QStringList{u"2"_s, u"1a"_s}));
-    run->preferences.setAutosaveDrafts(false);
+    run->preferences.set(Settings::autosaveDrafts, false);
     QSignalSpy finished(&run->application, &AppDelegate::finished);
     run->application.terminate();
     EXPECT_EQ(finished.count(), 0);
@@ -212,14 +212,14 @@ TEST_F(SessionTest, FilesOpenBesideTheSessionOrInItsPlace)
     EXPECT_EQ(start({path})->texts(), (QStringList{u"a"_s, u"typed"_s, u"b"_s}));
     {
         auto run = std::make_unique<Life>(data());
-        run->preferences.setRestoreSessionWhenOpeningFiles(false);
+        run->preferences.set(Settings::restoreSessionWhenOpeningFiles, false);
         run->application.launch({path});
         EXPECT_EQ(run->texts(), QStringList{u"b"_s});
         run->tick();
     }
     {
         auto run = std::make_unique<Life>(data());
-        run->preferences.setRestoreSession(false);
+        run->preferences.set(Settings::restoreSession, false);
         const QByteArray before = read(u"data/session.json"_s);
         run->application.launch({});
         EXPECT_EQ(run->texts(), QStringList{QString()});
@@ -232,7 +232,7 @@ TEST_F(SessionTest, FilesOpenBesideTheSessionOrInItsPlace)
 TEST_F(SessionTest, SavesToTheFilesThemselvesWhenThatIsWanted)
 {
     auto run = start({write(u"a.txt"_s, "a")});
-    run->preferences.setAutosaveToDisk(true);
+    run->preferences.set(Settings::autosaveToDisk, true);
     run->type(u"1"_s);
     run->send(Actions::newDocument);
     run->type(u"2"_s);
@@ -241,7 +241,7 @@ TEST_F(SessionTest, SavesToTheFilesThemselvesWhenThatIsWanted)
     EXPECT_EQ(run->drafts().size(), 1) << "of the one without a file";
     // However the interval is set, it is half a second at least.
     run->defaults.set("session.autosaveInterval"_L1, 0.1);
-    run->preferences.setShowInvisibles(true);
+    run->preferences.set(Settings::showInvisibles, true);
     const QString draft = u"data/Drafts/"_s + run->drafts().front();
     const auto typeAndWait = [&](const QString &letter) {
         run->type(letter);
@@ -261,7 +261,7 @@ TEST_F(SessionTest, SavesToTheFilesThemselvesWhenThatIsWanted)
     EXPECT_EQ(read(draft), "2345678");
     for (const double absurd : {1e300, -1.0}) {
         run->defaults.set("session.autosaveInterval"_L1, absurd);
-        run->preferences.setShowInvisibles(true);
+        run->preferences.set(Settings::showInvisibles, true);
     }
 }
 
@@ -327,7 +327,7 @@ TEST_F(SessionTest, ATabWhoseFileDoesNotComeSaysSo)
     }
     Surroundings surroundings(data());
     HeldWorkers held;
-    DocumentStore documents({surroundings.scheduler, surroundings.notifications, surroundings.defaults, held, surroundings.watchers, {}},
+    DocumentStore documents({surroundings.scheduler, surroundings.notifications, surroundings.preferences, held, surroundings.watchers, {}},
                             {});
     AppDelegate application({{surroundings.scheduler, surroundings.notifications, surroundings.preferences, surroundings.pasteboard,
                               surroundings.presenter, documents, held, surroundings.find, surroundings.registers},

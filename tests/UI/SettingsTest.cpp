@@ -27,49 +27,23 @@ namespace {
 
 enum Page { appearance, editing, saving, toolbar };
 
-struct CheckboxCase {
-    const char *name;
-    Page page;
-    Preference preference;
-};
-
-constexpr auto checkboxCases = std::to_array<CheckboxCase>({
-    {"showLineNumbers", appearance, Preference::showLineNumbers},
-    {"wrapLines", appearance, Preference::wrapLines},
-    {"showInvisibles", appearance, Preference::showInvisibles},
-    {"highlightCurrentLine", appearance, Preference::highlightCurrentLine},
-    {"insertSpaces", editing, Preference::insertSpaces},
-    {"autoIndent", editing, Preference::autoIndent},
-    {"vimMode", editing, Preference::vimMode},
-    {"vimSharesClipboard", editing, Preference::vimSharesClipboard},
-    {"trimTrailingWhitespaceOnSave", saving, Preference::trimTrailingWhitespaceOnSave},
-    {"ensureTrailingNewlineOnSave", saving, Preference::ensureTrailingNewlineOnSave},
-    {"autosaveDrafts", saving, Preference::autosaveDrafts},
-    {"autosaveToDisk", saving, Preference::autosaveToDisk},
-    {"restoreSession", saving, Preference::restoreSession},
-    {"restoreSessionWhenOpeningFiles", saving, Preference::restoreSessionWhenOpeningFiles},
-    {"reloadCleanFilesAutomatically", saving, Preference::reloadCleanFilesAutomatically},
-    {"windowShowsTitle", toolbar, Preference::windowShowsTitle},
-    {"toolbarShowsLabels", toolbar, Preference::toolbarShowsLabels},
-});
-
 struct PopUpCase {
     const char *name;
     Page page;
-    Preference preference;
+    const AnySetting &setting;
     const char *text;
     const char *value;
 };
 
 constexpr auto popUpCases = std::to_array<PopUpCase>({
-    {"themePopUp", appearance, Preference::themeName, "Solarized Dark", "Solarized Dark"},
-    {"themePopUp", appearance, Preference::themeName, "System", "System"},
-    {"tabWidthPopUp", editing, Preference::tabWidth, "2", "2"},
-    {"tabWidthPopUp", editing, Preference::tabWidth, "8", "8"},
-    {"vimPresetPopUp", editing, Preference::vimKeymapPreset, "Vim with LazyVim keys", "lazyvim"},
-    {"vimPresetPopUp", editing, Preference::vimKeymapPreset, "Vim", "plain"},
-    {"toolbarStyle", toolbar, Preference::toolbarStyle, "Hidden", "hidden"},
-    {"toolbarStyle", toolbar, Preference::toolbarStyle, "Below the menu bar", "separate"},
+    {"themePopUp", appearance, Settings::themeName, "Solarized Dark", "Solarized Dark"},
+    {"themePopUp", appearance, Settings::themeName, "System", "System"},
+    {"tabWidthPopUp", editing, Settings::tabWidth, "2", "2"},
+    {"tabWidthPopUp", editing, Settings::tabWidth, "8", "8"},
+    {"vimPresetPopUp", editing, Settings::vimKeymapPreset, "Vim with LazyVim keys", "lazyvim"},
+    {"vimPresetPopUp", editing, Settings::vimKeymapPreset, "Vim", "plain"},
+    {"toolbarStyle", toolbar, Settings::toolbarStyle, "Hidden", "hidden"},
+    {"toolbarStyle", toolbar, Settings::toolbarStyle, "Below the menu bar", "separate"},
 });
 
 class SettingsTest : public WindowTest {
@@ -181,15 +155,21 @@ bool isClipped(const QWidget &widget)
 
 TEST_F(SettingsTest, CheckboxesAreTheirPreferences)
 {
-    for (const CheckboxCase &row : checkboxCases) {
-        SCOPED_TRACE(row.name);
-        auto &box = control<QCheckBox>(row.name, row.page);
-        const bool before = preferences.value(row.preference).toBool();
-        EXPECT_EQ(box.isChecked(), before);
-        QTest::keyClick(&box, Qt::Key_Space);
-        EXPECT_EQ(preferences.value(row.preference).toBool(), !before);
-        EXPECT_TRUE(preferences.setFromText(Preferences::row(row.preference), before ? u"true"_s : u"false"_s));
-        EXPECT_EQ(box.isChecked(), before);
+    for (size_t page = 0; page < Settings::pages.size(); ++page) {
+        for (const SettingRow &row : Settings::pages[page].rows) {
+            const auto *setting = row.setting.as<bool>();
+            if (!setting) {
+                continue;
+            }
+            SCOPED_TRACE(setting->key.latin1());
+            auto &box = control<QCheckBox>(row.controlName().latin1(), Page(page));
+            const bool before = preferences.value(*setting);
+            EXPECT_EQ(box.isChecked(), before);
+            QTest::keyClick(&box, Qt::Key_Space);
+            EXPECT_EQ(preferences.value(*setting), !before);
+            preferences.set(*setting, before);
+            EXPECT_EQ(box.isChecked(), before);
+        }
     }
 }
 
@@ -199,22 +179,22 @@ TEST_F(SettingsTest, PopUpsAreTheirPreferences)
         SCOPED_TRACE(std::string(row.name) + " " + row.text);
         auto &popUp = control<QComboBox>(row.name, row.page);
         const QString before = popUp.currentText();
-        const QString stored = preferences.value(row.preference).toString();
+        const QString stored = preferences.storedValue(row.setting).toString();
         choose(popUp, QString::fromLatin1(row.text));
-        EXPECT_EQ(preferences.value(row.preference).toString(), QString::fromLatin1(row.value));
-        EXPECT_TRUE(preferences.setFromText(Preferences::row(row.preference), stored));
+        EXPECT_EQ(preferences.storedValue(row.setting).toString(), QString::fromLatin1(row.value));
+        EXPECT_TRUE(preferences.setFromText(row.setting, stored));
         EXPECT_EQ(popUp.currentText(), before);
     }
-    preferences.setThemeName(u"Gone"_s);
+    preferences.set(Settings::themeName, u"Gone"_s);
     EXPECT_EQ(control<QComboBox>("themePopUp", appearance).currentText(), u"System"_s) << "which is what is shown then";
     auto &style = control<QComboBox>("toolbarStyle", toolbar);
     QWheelEvent wheel({4, 4}, style.mapToGlobal(QPointF(4, 4)), {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
     QApplication::sendEvent(&style, &wheel);
-    EXPECT_EQ(preferences.toolbarStyle(), ToolbarStyle::combined) << "the wheel scrolls";
+    EXPECT_EQ(preferences.value(Settings::toolbarStyle), ToolbarStyle::combined) << "the wheel scrolls";
     QTest::keyClick(&style, 'h', Qt::AltModifier);
-    EXPECT_EQ(preferences.toolbarStyle(), ToolbarStyle::combined) << "no title has this letter";
+    EXPECT_EQ(preferences.value(Settings::toolbarStyle), ToolbarStyle::combined) << "no title has this letter";
     QTest::keyClick(&style, 'h');
-    EXPECT_EQ(preferences.toolbarStyle(), ToolbarStyle::hidden);
+    EXPECT_EQ(preferences.value(Settings::toolbarStyle), ToolbarStyle::hidden);
 }
 
 TEST_F(SettingsTest, UnusualIndentWidthIsShownAsLongAsItIsStored)
@@ -227,14 +207,14 @@ TEST_F(SettingsTest, UnusualIndentWidthIsShownAsLongAsItIsStored)
         }
         return texts.join(u' ');
     };
-    preferences.setTabWidth(5);
+    preferences.set(Settings::tabWidth, 5);
     EXPECT_EQ(popUp.currentText(), u"5"_s);
     EXPECT_EQ(titles(), u"2 3 4 5 8"_s);
-    preferences.setTabWidth(16);
+    preferences.set(Settings::tabWidth, 16);
     EXPECT_EQ(titles(), u"2 3 4 8 16"_s);
     choose(popUp, u"2"_s);
     EXPECT_EQ(titles(), u"2 3 4 8"_s);
-    EXPECT_EQ(preferences.tabWidth(), 2);
+    EXPECT_EQ(preferences.value(Settings::tabWidth), 2);
 }
 
 TEST_F(SettingsTest, IntervalIsReadWhenItsEditingEnds)
@@ -255,26 +235,26 @@ TEST_F(SettingsTest, IntervalIsReadWhenItsEditingEnds)
                             Case{u"soon"_s, 3, u"3"_s}, Case{u""_s, 3, u"3"_s}, Case{u"inf"_s, 3, u"3"_s}, Case{u"nan"_s, 3, u"3"_s},
                             Case{u"1.000,5"_s, 3, u"3"_s}, Case{u"-4"_s, 0.5, u"0.5"_s}}) {
         SCOPED_TRACE(row.typed.toStdString());
-        preferences.setAutosaveInterval(3);
+        preferences.set(Settings::autosaveInterval, 3);
         type(row.typed);
-        preferences.setWrapLines(!preferences.wrapLines());
+        preferences.set(Settings::wrapLines, !preferences.value(Settings::wrapLines));
         EXPECT_EQ(field.text(), row.typed) << "other changes leave it alone";
-        EXPECT_EQ(preferences.autosaveInterval(), 3);
+        EXPECT_EQ(preferences.value(Settings::autosaveInterval), 3);
         QTest::keyClick(&field, Qt::Key_Return);
-        EXPECT_EQ(preferences.autosaveInterval(), row.stored);
+        EXPECT_EQ(preferences.value(Settings::autosaveInterval), row.stored);
         EXPECT_EQ(field.text(), row.shown);
         EXPECT_TRUE(settings().isVisible());
     }
     type(u"7"_s);
     QTest::keyClick(&field, Qt::Key_Tab);
-    EXPECT_EQ(preferences.autosaveInterval(), 7);
+    EXPECT_EQ(preferences.value(Settings::autosaveInterval), 7);
     type(u"8"_s);
     QTest::keyClick(&settings(), Qt::Key_Escape);
-    EXPECT_EQ(preferences.autosaveInterval(), 8) << "closing ends it too";
+    EXPECT_EQ(preferences.value(Settings::autosaveInterval), 8) << "closing ends it too";
     showSettings();
     type(u"9,5"_s);
-    preferences.setLanguage(AppLanguage::german);
-    EXPECT_EQ(preferences.autosaveInterval(), 9.5);
+    preferences.set(Settings::language, AppLanguage::german);
+    EXPECT_EQ(preferences.value(Settings::autosaveInterval), 9.5);
     EXPECT_EQ(control<QLineEdit>("intervalField", saving).text(), u"9,5"_s);
 }
 
@@ -283,15 +263,15 @@ TEST_F(SettingsTest, FontIsChosenInItsPanel)
     auto &label = control<QLabel>("fontLabel", appearance);
     auto &note = control<QLabel>("fontNote", appearance);
     auto &button = control<QPushButton>("fontButton", appearance);
-    preferences.setFontName(u"No Such Font"_s);
-    preferences.setFontSize(12.6);
+    preferences.set(Settings::fontName, u"No Such Font"_s);
+    preferences.set(Settings::fontSize, 12.6);
     const QString used = QFontInfo(editorFont(preferences)).family();
     EXPECT_EQ(label.text(), u"No Such Font 13"_s);
     EXPECT_TRUE(note.isVisible());
     EXPECT_TRUE(note.text().contains(used));
 
     QTest::keyClick(&button, Qt::Key_Space);
-    EXPECT_EQ(preferences.fontName(), u"No Such Font"_s) << "it was cancelled";
+    EXPECT_EQ(preferences.value(Settings::fontName), u"No Such Font"_s) << "it was cancelled";
     ASSERT_EQ(presenter.fontPanels().size(), 1);
     EXPECT_EQ(presenter.fontPanels()[0].current.family, used);
     EXPECT_EQ(presenter.fontPanels()[0].current.pointSize, 12.6);
@@ -299,8 +279,8 @@ TEST_F(SettingsTest, FontIsChosenInItsPanel)
     const QString family = QFontDatabase::families().value(0);
     presenter.answerFont({family, 200});
     QTest::mouseClick(&button, Qt::LeftButton);
-    EXPECT_EQ(preferences.fontName(), family);
-    EXPECT_EQ(preferences.fontSize(), 96);
+    EXPECT_EQ(preferences.value(Settings::fontName), family);
+    EXPECT_EQ(preferences.value(Settings::fontSize), 96);
     EXPECT_EQ(label.text(), family + u" 96"_s);
     EXPECT_FALSE(note.isVisible());
 }
@@ -312,7 +292,7 @@ TEST_F(SettingsTest, AnotherLanguageMakesThePagesAnew)
     popUp.setFocus();
     popUp.setCurrentIndex(popUp.findText(u"English"_s));
     QTest::keyClick(&popUp, Qt::Key_Down);
-    EXPECT_EQ(preferences.language(), AppLanguage::german);
+    EXPECT_EQ(preferences.value(Settings::language), AppLanguage::german);
     EXPECT_TRUE(settings().isVisible());
     EXPECT_EQ(settings().windowTitle(), u"Einstellungen"_s);
     EXPECT_EQ(settings().pos(), place);
@@ -322,7 +302,7 @@ TEST_F(SettingsTest, AnotherLanguageMakesThePagesAnew)
 
     tabWidget().setCurrentIndex(saving);
     QTest::keyClick(&settings(), Qt::Key_W, Qt::ControlModifier);
-    preferences.setLanguage(AppLanguage::english);
+    preferences.set(Settings::language, AppLanguage::english);
     EXPECT_FALSE(settings().isVisible());
     showSettings();
     EXPECT_EQ(settings().windowTitle(), u"Settings"_s);
@@ -354,7 +334,7 @@ TEST_F(SettingsTest, ToolbarActionsAreCheckedAndMoved)
     auto &list = control<QListWidget>("toolbarItems", toolbar);
     auto &up = control<QPushButton>("moveUp", toolbar);
     auto &down = control<QPushButton>("moveDown", toolbar);
-    const auto stored = [this] { return preferences.toolbarItemIDs().join(u' '); };
+    const auto stored = [this] { return preferences.value(Settings::toolbarItemIDs).join(u' '); };
     EXPECT_EQ(list.count(), int(ToolbarCatalogue::all().size()));
     EXPECT_EQ(titlesOf(list).mid(0, 7).join(u' '), u"+New +Open +Save +Backup +Terminal +Move to Trash -Save As"_s);
     EXPECT_FALSE(up.isEnabled());
@@ -385,20 +365,20 @@ TEST_F(SettingsTest, ToolbarActionsAreCheckedAndMoved)
 TEST_F(SettingsTest, ToolbarFollowsOthersAndGoesBackToItsDefaults)
 {
     auto &list = control<QListWidget>("toolbarItems", toolbar);
-    preferences.setToolbarItemIDs({u"find"_s, u"later"_s, u"new"_s});
+    preferences.set(Settings::toolbarItemIDs, {u"find"_s, u"later"_s, u"new"_s});
     EXPECT_EQ(titlesOf(list).mid(0, 3).join(u' '), u"+Find +New -Open"_s);
     list.setCurrentRow(2);
     QTest::keyClick(&list, Qt::Key_Space);
-    EXPECT_EQ(preferences.toolbarItemIDs(), QStringList({u"find"_s, u"new"_s, u"open"_s})) << "what is no row is not kept";
+    EXPECT_EQ(preferences.value(Settings::toolbarItemIDs), QStringList({u"find"_s, u"new"_s, u"open"_s})) << "what is no row is not kept";
 
-    preferences.setToolbarStyle(ToolbarStyle::hidden);
-    preferences.setToolbarShowsLabels(false);
-    preferences.setWindowShowsTitle(true);
+    preferences.set(Settings::toolbarStyle, ToolbarStyle::hidden);
+    preferences.set(Settings::toolbarShowsLabels, false);
+    preferences.set(Settings::windowShowsTitle, true);
     QTest::mouseClick(&control<QPushButton>("restoreDefaults", toolbar), Qt::LeftButton);
-    EXPECT_EQ(preferences.toolbarItemIDs().join(u' '), u"new open save backup terminal trash"_s);
-    EXPECT_EQ(preferences.toolbarStyle(), ToolbarStyle::combined);
-    EXPECT_TRUE(preferences.toolbarShowsLabels());
-    EXPECT_FALSE(preferences.windowShowsTitle());
+    EXPECT_EQ(preferences.value(Settings::toolbarItemIDs).join(u' '), u"new open save backup terminal trash"_s);
+    EXPECT_EQ(preferences.value(Settings::toolbarStyle), ToolbarStyle::combined);
+    EXPECT_TRUE(preferences.value(Settings::toolbarShowsLabels));
+    EXPECT_FALSE(preferences.value(Settings::windowShowsTitle));
     EXPECT_EQ(titlesOf(list).mid(0, 3).join(u' '), u"+New +Open +Save"_s);
     EXPECT_TRUE(control<QCheckBox>("toolbarShowsLabels", toolbar).isChecked());
 }
@@ -408,7 +388,7 @@ TEST_F(SettingsTest, ToolbarFollowsOthersAndGoesBackToItsDefaults)
 TEST_F(SettingsTest, EveryPageIsUsableByKeysAndReadersInBothLanguages)
 {
     for (const AppLanguage language : {AppLanguage::english, AppLanguage::german}) {
-        preferences.setLanguage(language);
+        preferences.set(Settings::language, language);
         for (int page = 0; page < tabWidget().count(); ++page) {
             SCOPED_TRACE(tabWidget().tabText(page).toStdString());
             tabWidget().setCurrentIndex(page);

@@ -48,7 +48,7 @@ public:
 private:
     void save() { done += u"save "_s; }
     void trash() { done += u"trash "_s; }
-    void toggleLineNumbers() { m_preferences.setShowLineNumbers(!m_preferences.showLineNumbers()); }
+    void toggleLineNumbers() { m_preferences.set(Settings::showLineNumbers, !m_preferences.value(Settings::showLineNumbers)); }
     [[nodiscard]] bool canSave() const
     {
         ++questions;
@@ -57,7 +57,7 @@ private:
     [[nodiscard]] bool canTrash() const { return mayTrash; }
     [[nodiscard]] ActionState lineNumbersState() const
     {
-        return {.isEnabled = mayToggle, .checkMark = m_preferences.showLineNumbers() ? CheckMark::on : CheckMark::none};
+        return {.isEnabled = mayToggle, .checkMark = m_preferences.value(Settings::showLineNumbers) ? CheckMark::on : CheckMark::none};
     }
 
     Preferences &m_preferences;
@@ -89,8 +89,8 @@ protected:
     }
     void configure(ToolbarStyle style, const QStringList &ids)
     {
-        preferences.setToolbarItemIDs(ids);
-        preferences.setToolbarStyle(style);
+        preferences.set(Settings::toolbarItemIDs, ids);
+        preferences.set(Settings::toolbarStyle, style);
         settle();
     }
     [[nodiscard]] ToolbarActionItem *button(const QString &id) const
@@ -139,7 +139,7 @@ TEST_F(ToolbarTest, CatalogueHasIdsAndSymbolsAndTheUsersChoice)
     for (const ToolbarAction &action : ToolbarCatalogue::all()) {
         EXPECT_FALSE(symbolIcon(action.symbol()).isNull()) << action.id.data();
     }
-    preferences.setToolbarItemIDs({u"wrap"_s, u"nonsense"_s, u"new"_s, u""_s});
+    preferences.set(Settings::toolbarItemIDs, {u"wrap"_s, u"nonsense"_s, u"new"_s, u""_s});
     QStringList configured;
     for (const ToolbarAction *action : ToolbarCatalogue::configuredActions(preferences)) {
         configured << action->id;
@@ -156,7 +156,7 @@ TEST_F(ToolbarTest, StandsWhereTheStyleSays)
     const QRect title = window.menuBar()->actionGeometry(window.menuBar()->actions().first());
     EXPECT_EQ(title.height(), controller->strip()->height()) << "in one line with the symbols";
 
-    preferences.setToolbarStyle(ToolbarStyle::separate);
+    preferences.set(Settings::toolbarStyle, ToolbarStyle::separate);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     ASSERT_EQ(rows().size(), 1);
     EXPECT_TRUE(rows().first()->isAncestorOf(controller->strip()));
@@ -165,7 +165,7 @@ TEST_F(ToolbarTest, StandsWhereTheStyleSays)
     const std::unique_ptr<QMenu> contextMenu(window.createPopupMenu());
     EXPECT_TRUE(!contextMenu || contextMenu->isEmpty()) << "nothing there hides the toolbar";
 
-    preferences.setToolbarStyle(ToolbarStyle::hidden);
+    preferences.set(Settings::toolbarStyle, ToolbarStyle::hidden);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_EQ(controller->strip(), nullptr);
     EXPECT_TRUE(rows().isEmpty());
@@ -181,8 +181,8 @@ TEST_F(ToolbarTest, NamesItsButtonsInTheLanguageChosen)
     EXPECT_EQ(button(u"save"_s)->toolTip(), u"Save (Ctrl+S)"_s);
     EXPECT_EQ(button(u"trash"_s)->toolTip(), u"Move to Trash"_s);
 
-    preferences.setToolbarShowsLabels(false);
-    preferences.setLanguage(AppLanguage::german);
+    preferences.set(Settings::toolbarShowsLabels, false);
+    preferences.set(Settings::language, AppLanguage::german);
     EXPECT_EQ(button(u"save"_s)->toolButtonStyle(), Qt::ToolButtonIconOnly);
     EXPECT_EQ(button(u"save"_s)->text(), u"Speichern"_s);
     EXPECT_EQ(button(u"save"_s)->accessibleName(), u"Speichern"_s);
@@ -191,7 +191,7 @@ TEST_F(ToolbarTest, NamesItsButtonsInTheLanguageChosen)
 
 TEST_F(ToolbarTest, ShowsTheTitleWithItsMark)
 {
-    preferences.setWindowShowsTitle(true);
+    preferences.set(Settings::windowShowsTitle, true);
     window.setWindowTitle(u"a[*][*].txt[*]"_s);
     window.setWindowModified(true);
     settle();
@@ -201,7 +201,7 @@ TEST_F(ToolbarTest, ShowsTheTitleWithItsMark)
     EXPECT_LE(label->geometry().right(), button(u"new"_s)->x());
     window.setWindowModified(false);
     EXPECT_EQ(label->text(), u"a[*].txt"_s);
-    preferences.setWindowShowsTitle(false);
+    preferences.set(Settings::windowShowsTitle, false);
     EXPECT_FALSE(controller->strip()->findChild<QLabel *>()->isVisible());
 }
 
@@ -232,7 +232,7 @@ TEST_F(ToolbarTest, IsEnabledAsTheFirstResponderSays)
 
 TEST_F(ToolbarTest, DestructiveButtonIsRedWhileEnabled)
 {
-    preferences.setToolbarShowsLabels(false);
+    preferences.set(Settings::toolbarShowsLabels, false);
     const auto ink = [this] {
         const QImage image = button(u"trash"_s)->grab().toImage();
         QColor strongest = Qt::gray;
@@ -254,12 +254,12 @@ TEST_F(ToolbarTest, DestructiveButtonIsRedWhileEnabled)
 TEST_F(ToolbarTest, ToggleShowsWhatIsOn)
 {
     configure(ToolbarStyle::combined, {u"lineNumbers"_s});
-    EXPECT_EQ(button(u"lineNumbers"_s)->isChecked(), preferences.showLineNumbers());
-    const bool before = preferences.showLineNumbers();
+    EXPECT_EQ(button(u"lineNumbers"_s)->isChecked(), preferences.value(Settings::showLineNumbers));
+    const bool before = preferences.value(Settings::showLineNumbers);
     button(u"lineNumbers"_s)->click();
-    EXPECT_EQ(preferences.showLineNumbers(), !before);
+    EXPECT_EQ(preferences.value(Settings::showLineNumbers), !before);
     EXPECT_EQ(button(u"lineNumbers"_s)->isChecked(), !before);
-    preferences.setShowLineNumbers(before);
+    preferences.set(Settings::showLineNumbers, before);
     settle();
     EXPECT_EQ(button(u"lineNumbers"_s)->isChecked(), before) << "changed elsewhere";
 
@@ -318,7 +318,7 @@ TEST_F(ToolbarTest, PutsWhatDoesNotFitIntoAMenu)
         QMenu &menu = openedExtension();
         EXPECT_EQ(titles(menu), hidden);
         const QAction *lines = menu.actions().at(hidden.indexOf(u"Line Numbers"_s));
-        EXPECT_EQ(lines->isChecked(), preferences.showLineNumbers());
+        EXPECT_EQ(lines->isChecked(), preferences.value(Settings::showLineNumbers));
         EXPECT_FALSE(menu.actions().at(hidden.indexOf(u"Invisibles"_s))->isEnabled());
         EXPECT_EQ(titles(*menu.actions().at(hidden.indexOf(u"Compare"_s))->menu()), QStringList(u"With File"_s));
         window.resize(1900, 300);
@@ -353,7 +353,7 @@ TEST_F(ToolbarTest, ActsOnTheTextBehindWhenItIsUsedWithKeys)
     QTest::keyClick(button(u"trash"_s), Qt::Key_Space);
     EXPECT_EQ(text->done, u"save trash "_s);
 
-    preferences.setToolbarShowsLabels(false);
+    preferences.set(Settings::toolbarShowsLabels, false);
     EXPECT_TRUE(text->hasFocus()) << "what had it is made anew";
     controller->entry()->setFocus();
     QTest::keyClick(controller->entry(), Qt::Key_Escape);

@@ -196,7 +196,7 @@ TEST_F(UserGuideWindowTest, IsATextOfTheLanguageThatNobodyEdits)
     send(Actions::showUserGuide);
     EXPECT_EQ(tabs().size(), 2);
     EXPECT_EQ(textView().selection().caret, english.size() / 2);
-    preferences.setLanguage(AppLanguage::german);
+    preferences.set(Settings::language, AppLanguage::german);
     send(Actions::showUserGuide);
     EXPECT_EQ(tabs(), (QStringList{u"a.txt"_s, u"Quillet Guide.md"_s}));
     EXPECT_NE(text(), english);

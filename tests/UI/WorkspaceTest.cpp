@@ -107,7 +107,7 @@ TEST_F(WorkspaceTest, ClosingATabAsksAboutUnsavedText)
 
 TEST_F(WorkspaceTest, QuittingAsksEachWindowOnceWhereNothingIsKept)
 {
-    preferences.setAutosaveDrafts(false);
+    preferences.set(Settings::autosaveDrafts, false);
     bool isFinished = false;
     QObject::connect(&application, &AppDelegate::finished, [&] { isFinished = true; });
     type(u"one"_s);

@@ -467,7 +467,7 @@ TEST(VimCase, RegistersAndTheClipboard)
     view.pasteboard.setTextFromElsewhere(u"L\r\n"_s);
     view.press(u"\"*p"_s);
     EXPECT_EQ(view.marked(), u"one two\n|L\n"_s);
-    view.preferences.setVimSharesClipboard(true);
+    view.preferences.set(Settings::vimSharesClipboard, true);
     view.press(u"yy"_s);
     EXPECT_EQ(view.pasteboard.text(), u"L\n"_s);
     view.pasteboard.setTextFromElsewhere(u"X"_s);
@@ -476,7 +476,7 @@ TEST(VimCase, RegistersAndTheClipboard)
     view.press(u"ggyyp"_s);
     EXPECT_EQ(view.marked(), u"one two\n|one two\nXL\n"_s);
     VimView last(u"a\nb"_s);
-    last.preferences.setVimSharesClipboard(true);
+    last.preferences.set(Settings::vimSharesClipboard, true);
     last.press(u"jyykp"_s);
     EXPECT_EQ(last.marked(), u"a\n|b\nb"_s) << "what was yanked here is still a line";
 

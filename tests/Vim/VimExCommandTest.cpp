@@ -144,14 +144,14 @@ TEST(VimExCommand, SetsOptions)
     const auto set = [&fixture](const QString &option) {
         EXPECT_EQ(fixture.run(u"set "_s + option), QString()) << option.toStdString();
         const Preferences &now = fixture.preferences;
-        return u"%1%2%3%4%5 %6"_s.arg(now.showLineNumbers())
-            .arg(now.wrapLines())
-            .arg(now.showInvisibles())
-            .arg(now.insertSpaces())
-            .arg(now.vimMode())
-            .arg(now.tabWidth());
+        return u"%1%2%3%4%5 %6"_s.arg(now.value(Settings::showLineNumbers))
+            .arg(now.value(Settings::wrapLines))
+            .arg(now.value(Settings::showInvisibles))
+            .arg(now.value(Settings::insertSpaces))
+            .arg(now.value(Settings::vimMode))
+            .arg(now.value(Settings::tabWidth));
     };
-    fixture.preferences.setVimMode(true);
+    fixture.preferences.set(Settings::vimMode, true);
     const std::pair<QStringView, QStringView> rows[] = {
         {u"nonumber", u"00011 4"}, {u"nu", u"10011 4"},         {u"nonu", u"00011 4"},           {u"number", u"10011 4"},
         {u"wrap", u"11011 4"},     {u"nowrap", u"10011 4"},     {u"list", u"10111 4"},           {u"nolist", u"10011 4"},
@@ -163,7 +163,7 @@ TEST(VimExCommand, SetsOptions)
     for (const auto &[option, expected] : rows) {
         EXPECT_EQ(set(option.toString()).toStdString(), expected.toString().toStdString()) << option.toString().toStdString();
     }
-    fixture.preferences.setVimMode(true);
+    fixture.preferences.set(Settings::vimMode, true);
     EXPECT_EQ(set(u"novim!"_s), u"10010 1"_s);
 }
 

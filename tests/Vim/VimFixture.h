@@ -23,7 +23,7 @@ public:
             const UndoManager::Pause pause(undoManager);
             storage.replaceCharacters({}, content);
         }
-        preferences.setVimSharesClipboard(false);
+        preferences.set(Settings::vimSharesClipboard, false);
     }
 
     /// As Vim users write them: <Esc>, <CR>, <C-r>, <A-j>, <Left>, <lt>.

@@ -32,8 +32,8 @@ bool isCommand(const QString &typed)
     if (typed == u"{number}"_s || VimSubstitution::isOne(typed)) {
         return typed == u"{number}"_s || VimSubstitution::parse(typed);
     }
-    if (command && std::holds_alternative<VimExCommand::Setting>(command->function)) {
-        return VimOption::apply(argument, preferences);
+    if (command && std::holds_alternative<VimExCommand::Set>(command->function)) {
+        return applyExOption(argument, preferences);
     }
     return command && argument.isEmpty() != (argument == u"{file}"_s);
 }

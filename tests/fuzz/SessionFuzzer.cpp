@@ -84,7 +84,7 @@ private:
     Preferences m_preferences{m_defaults, m_notifications};
     InlineWorkers m_workers;
     FileWatcherQueue m_watchers{m_scheduler, WatchCalls::system(), m_workers};
-    DocumentServices m_services{m_scheduler, m_notifications, m_defaults, m_workers, m_watchers, {}};
+    DocumentServices m_services{m_scheduler, m_notifications, m_preferences, m_workers, m_watchers, {}};
 };
 
 void checkFrame(const QString &text)

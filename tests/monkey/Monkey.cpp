@@ -454,23 +454,23 @@ void Monkey::openFiles()
 
 void Monkey::changePreference()
 {
-    const PreferenceRow &row = oneOf(Preferences::table());
+    const AnySetting &setting = *oneOf(Settings::all());
     QString value;
-    if (row.preference == Preference::themeName) {
+    if (&setting == &Settings::themeName) {
         value = oneOf(Theme::all()).name.toString();
-    } else if (row.preference == Preference::fontName) {
+    } else if (&setting == &Settings::fontName) {
         value = m_random.oneIn(2) ? u"DejaVu Sans Mono"_s : u"No Such Font"_s;
-    } else if (!row.choices.empty()) {
-        value = oneOf(row.choices);
-    } else if (row.type == PreferenceType::boolean) {
+    } else if (setting.type == SettingType::choice) {
+        value = oneOf(setting.choices).name;
+    } else if (setting.type == SettingType::boolean) {
         value = m_random.oneIn(2) ? u"true"_s : u"false"_s;
-    } else if (row.type == PreferenceType::integer || row.type == PreferenceType::real) {
+    } else if (setting.type == SettingType::integer || setting.type == SettingType::real) {
         value = QString::number(m_random.below(40));
     } else {
         return;
     }
-    note(u"preference %1 = %2"_s.arg(row.key, value));
-    m_stage->preferences.setFromText(row, value);
+    note(u"preference %1 = %2"_s.arg(setting.key, value));
+    m_stage->preferences.setFromText(setting, value);
 }
 
 void Monkey::changeFile()

@@ -97,7 +97,7 @@ struct Stage {
         }
         speller.emplace(*workers, SpellChecker::Setup{{QStringLiteral(QUILLET_TEST_DATA "/spelling")}, {QStringLiteral("en")}, {}});
         spellingPanel.emplace(*speller);
-        documents.emplace(DocumentServices{scheduler, notifications, defaults, *workers, *watchers,
+        documents.emplace(DocumentServices{scheduler, notifications, preferences, *workers, *watchers,
                                            [this](const QUuid &id) { session.discardDraft(id); }},
                           DocumentStore::AppearanceQuery());
         const EditorServices editors{scheduler, notifications, preferences, pasteboard, presenter,      *documents,
@@ -105,7 +105,7 @@ struct Stage {
         recent.emplace(QString(), *workers);
         application.emplace(WorkspaceServices{editors, defaults, desktop, session, *recent});
         preferences.setLanguageResolver(Localization::use);
-        preferences.setLanguage(AppLanguage::english);
+        preferences.set(Settings::language, AppLanguage::english);
     }
 
     ManualScheduler scheduler;

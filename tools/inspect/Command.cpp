@@ -107,8 +107,8 @@ bool isLanguageID(const QString &value)
 bool setPreference(Preferences &preferences, const QString &setting)
 {
     const qsizetype equals = setting.indexOf(u'=');
-    const PreferenceRow *row = equals < 0 ? nullptr : Preferences::rowForKey(QStringView(setting).left(equals));
-    return row && preferences.setFromText(*row, setting.mid(equals + 1));
+    const AnySetting *known = equals < 0 ? nullptr : Settings::withKey(QStringView(setting).left(equals));
+    return known && preferences.setFromText(*known, setting.mid(equals + 1));
 }
 
 bool isPreferenceSetting(const QString &setting)

@@ -55,7 +55,7 @@ public:
     DetachedWorkers workers;
     FileWatcherQueue watchers;
     SessionStore session{{SessionStore::Places::standard().rootDirectory, {}}, preferences};
-    DocumentStore documents{{scheduler, notifications, defaults, workers, watchers, {}}, {}};
+    DocumentStore documents{{scheduler, notifications, preferences, workers, watchers, {}}, {}};
     FindState find;
     VimRegisters registers{pasteboard, preferences};
     RecordingDesktop desktop;
@@ -202,22 +202,23 @@ void prepare(MainWindowController &window, const QStringList &paths, const Argum
     QCoreApplication::processEvents();
 }
 
-const PreferenceRow *textRowOf(const QString &setting)
+const AnySetting *textSettingOf(const QString &setting)
 {
-    const PreferenceRow *row = Preferences::rowForKey(setting.section(u'=', 0, 0));
-    return row && row->type == PreferenceType::text && setting.contains(u'=') ? row : nullptr;
+    const AnySetting *known = Settings::withKey(setting.section(u'=', 0, 0));
+    const bool isText = known && (known->type == SettingType::text || known->type == SettingType::choice);
+    return isText && setting.contains(u'=') ? known : nullptr;
 }
 
 /// A name that a preference does not know may stand in the settings file all the same.
 bool isPreferenceOrText(const QString &setting)
 {
-    return isPreferenceSetting(setting) || textRowOf(setting);
+    return isPreferenceSetting(setting) || textSettingOf(setting);
 }
 
 void storePreference(Stage &stage, const QString &setting)
 {
     if (!setPreference(stage.preferences, setting)) {
-        stage.defaults.set(textRowOf(setting)->key, setting.section(u'=', 1));
+        stage.defaults.set(textSettingOf(setting)->key, setting.section(u'=', 1));
     }
 }
 

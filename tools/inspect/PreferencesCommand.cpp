@@ -28,8 +28,8 @@ QJsonObject runPreferences(const Arguments &arguments)
         setPreference(store.preferences, setting);
     }
     QJsonObject values;
-    for (const PreferenceRow &row : Preferences::table()) {
-        values[row.key] = QJsonValue::fromVariant(store.preferences.value(row.preference));
+    for (const AnySetting *setting : Settings::all()) {
+        values[setting->key] = QJsonValue::fromVariant(store.preferences.storedValue(*setting));
     }
     return {{u"values"_s, values}};
 }

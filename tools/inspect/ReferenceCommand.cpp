@@ -11,16 +11,18 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr auto &presets = choicesOf<VimKeymapPreset>;
+
 QJsonObject runKeyReference(const Arguments &arguments)
 {
     useInterfaceLanguage(arguments);
-    const bool isLazyVim = arguments.value(u"preset") == vimKeymapPresetNames[size_t(VimKeymapPreset::lazyVim)];
+    const bool isLazyVim = arguments.value(u"preset") == presets[size_t(VimKeymapPreset::lazyVim)].name;
     return {{u"markdown"_s, VimReference::markdown(isLazyVim ? VimKeymapPreset::lazyVim : VimKeymapPreset::plain)}};
 }
 
 constexpr auto options = std::to_array<OptionRow>({
     {u"preset", u"plain|lazyvim",
-     [](const QString &value) { return std::ranges::find(vimKeymapPresetNames, value) != vimKeymapPresetNames.end(); }},
+     [](const QString &value) { return std::ranges::find(presets, value, &SettingChoice::name) != presets.end(); }},
     interfaceLanguageOption,
 });
 
