@@ -102,6 +102,7 @@ public:
     QTemporaryDir folder;
     SessionStore session{{folder.path(), {}}, preferences};
     DocumentStore store{{scheduler, notifications, preferences, workers, watchers, {}}, {}};
+    SessionKeeper keeper{scheduler, notifications, preferences, store, session};
     FindState find;
     VimRegisters registers{pasteboard, preferences};
     TextDocument *document = nullptr;
@@ -111,6 +112,7 @@ public:
                              defaults,
                              desktop,
                              session,
+                             keeper,
                              recent}};
     EditorViewController *editor = nullptr;
 

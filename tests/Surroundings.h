@@ -9,6 +9,7 @@
 #include "Find/FindState.h"
 #include "Model/DocumentStore.h"
 #include "Model/RecentDocuments.h"
+#include "Session/SessionKeeper.h"
 #include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
@@ -39,6 +40,7 @@ struct Surroundings {
     SessionStore session;
     DocumentStore documents{
         {scheduler, notifications, preferences, workers, watchers, [this](const QUuid &id) { session.discardDraft(id); }}, {}};
+    SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
     FindState find;
     VimRegisters registers{pasteboard, preferences};
     RecordingDesktop desktop;
@@ -47,5 +49,6 @@ struct Surroundings {
                                defaults,
                                desktop,
                                session,
+                               keeper,
                                recent};
 };

@@ -30,10 +30,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// For a disk that is busy. One that hangs is not waited for any longer.
-constexpr std::chrono::milliseconds userPatience{5000};
-constexpr std::chrono::milliseconds systemPatience{700};
-
 /// Lines of items, " · " between them, break between items only.
 QString withUnbrokenItems(const QString &text)
 {
@@ -56,6 +52,7 @@ AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(service
     });
     connect(qApp, &QGuiApplication::focusWindowChanged, this, &AppDelegate::rememberActiveWindow);
     m_documentObserver = m_services.notifications.observe(DocumentStore::didChange, nullptr, [this] { noticeClosed(); });
+    m_services.keeper.setWindows(this);
     m_services.session.onSetAside([this](const QString &folder) {
         warn(localized(u"The last session could not be read."),
              formatted(localized(m_services.session.isOwner()
@@ -78,6 +75,7 @@ AppDelegate::~AppDelegate()
         const bool isDirty = std::ranges::any_of(waiting.documents, [](const auto &document) { return document->hasUnsavedText(); });
         waiting.closed(isDirty ? 1 : waiting.status);
     }
+    m_services.keeper.setWindows(nullptr);
     m_services.session.onSetAside({});
     m_services.session.onProblem({});
     for (DiffWindowController *window : std::exchange(m_comparisons, {})) {
@@ -154,9 +152,13 @@ void AppDelegate::windowClosed(MainWindowController &window)
     }
     window.deleteLater();
     if (m_windows.empty()) {
-        m_services.session.waitUntilWritten(userPatience);
+        m_services.session.waitUntilWritten(SessionKeeper::userPatience);
         emit finished();
-    } else if (m_isTerminating) {
+        return;
+    }
+    // The session is that of a window that is there.
+    m_services.keeper.keep();
+    if (m_isTerminating) {
         closeNext();
     }
 }
@@ -212,6 +214,26 @@ std::vector<WorkspaceViewController *> AppDelegate::workspaces() const
         all.push_back(&window->workspace());
     }
     return all;
+}
+
+void AppDelegate::rememberPlaces()
+{
+    std::ranges::for_each(workspaces(), &WorkspaceViewController::rememberPlaces);
+    if (MainWindowController *front = frontmostWindow()) {
+        front->workspace().rememberPlaces();
+    }
+}
+
+std::vector<WindowLayout> AppDelegate::layouts() const
+{
+    std::vector<WindowLayout> layouts;
+    std::ranges::transform(workspaces(), std::back_inserter(layouts), &WorkspaceViewController::windowLayout);
+    return layouts;
+}
+
+size_t AppDelegate::frontmostLayout() const
+{
+    return size_t(std::ranges::find(m_windows, frontmostWindow()) - m_windows.begin());
 }
 
 // Files
@@ -441,7 +463,7 @@ void AppDelegate::newWindow()
 
 void AppDelegate::terminate()
 {
-    if (keepSession(userPatience)) {
+    if (m_services.keeper.keepAndWait(SessionKeeper::userPatience)) {
         emit finished();
         return;
     }
@@ -451,24 +473,8 @@ void AppDelegate::terminate()
 
 void AppDelegate::terminateNow()
 {
-    keepSession(systemPatience);
+    std::ignore = m_services.keeper.keepAndWait(SessionKeeper::systemPatience);
     emit finished();
-}
-
-bool AppDelegate::keepSession(std::chrono::milliseconds patience)
-{
-    for (WorkspaceViewController *workspace : workspaces()) {
-        workspace->writeSessionSnapshot();
-    }
-    const bool isWritten = m_services.session.waitUntilWritten(patience);
-    return !hasUnsavedText() || (isWritten && m_services.session.keepsUnsavedText());
-}
-
-bool AppDelegate::hasUnsavedText() const
-{
-    return std::ranges::any_of(m_windows, [](MainWindowController *window) {
-        return std::ranges::any_of(window->workspace().documents(), [](const auto &document) { return document->hasUnsavedText(); });
-    });
 }
 
 void AppDelegate::closeNext()

@@ -4,6 +4,7 @@
 
 #include "Base/BackgroundTask.h"
 #include "Diff/DiffWindowController.h"
+#include "Session/SessionKeeper.h"
 #include "UI/MainWindowController.h"
 
 #include <QPointer>
@@ -16,7 +17,7 @@ struct OpenRequest;
 class SettingsWindowController;
 
 /// The life of the process: its windows, the files handed to it, its end, and the commands that concern no window. Main thread only.
-class AppDelegate final : public QObject, public Responder, private WorkspaceHost {
+class AppDelegate final : public QObject, public Responder, private WorkspaceHost, private SessionWindows {
     Q_OBJECT
 
 public:
@@ -40,8 +41,6 @@ public:
     void terminate();
     /// Ends the program within a second, without a question.
     void terminateNow();
-    /// Writes the session of every window. False when text would be lost if the program ended now.
-    bool keepSession(std::chrono::milliseconds patience);
     /// Files from outside, for the window in front; with none a window comes to the front.
     void open(const QStringList &paths);
 
@@ -74,7 +73,6 @@ private:
     void openStream(int descriptor, const Waiting &waiting);
     void tellWhenClosed(Waiting waiting);
     void noticeClosed();
-    [[nodiscard]] bool hasUnsavedText() const;
     void warn(const QString &message, const QString &details);
     void showAbout();
     void showSettings();
@@ -94,6 +92,10 @@ private:
     [[nodiscard]] WorkspaceViewController &openWindow() override;
     void openComparison(DiffViewController::Side left, DiffViewController::Side right, const Language &language) override;
     [[nodiscard]] std::vector<WorkspaceViewController *> workspaces() const override;
+
+    void rememberPlaces() override;
+    [[nodiscard]] std::vector<WindowLayout> layouts() const override;
+    [[nodiscard]] size_t frontmostLayout() const override;
 
     WorkspaceServices m_services;
     std::vector<MainWindowController *> m_windows;

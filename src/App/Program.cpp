@@ -34,9 +34,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Of a session manager that is ending everybody.
-constexpr std::chrono::milliseconds sessionManagerPatience{700};
-
 void setUp()
 {
     QApplication::setApplicationName(u"Quillet"_s);
@@ -74,7 +71,7 @@ struct Program::Parts {
             &application, &QGuiApplication::commitDataRequest, &delegate,
             [this](QSessionManager &manager) {
                 // To be allowed to ask means to hold up all others: only when there is something to ask.
-                if (!delegate.keepSession(sessionManagerPatience) && manager.allowsInteraction()) {
+                if (!keeper.keepAndWait(SessionKeeper::systemPatience) && manager.allowsInteraction()) {
                     manager.cancel();
                     delegate.terminate();
                 }
@@ -109,6 +106,7 @@ struct Program::Parts {
     DocumentStore documents{
         {scheduler, notifications, preferences, workers, watchers, [this](const QUuid &id) { session.discardDraft(id); }},
         [this] { return appearance.current(); }};
+    SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
 
     FindState find;
     VimRegisters registers{pasteboard, preferences};
@@ -123,6 +121,7 @@ struct Program::Parts {
          defaults,
          desktop,
          session,
+         keeper,
          recent}};
     RunningInstance instance{QDBusConnection::sessionBus(),
                              {.open = [this](const OpenRequest &request) { delegate.open(request); },

@@ -376,9 +376,10 @@ void SessionStore::discardDraft(const QUuid &document)
 void SessionStore::write(Snapshot snapshot)
 {
     carryOver();
-    if (!m_isOwner) {
+    if (!m_isOwner || (snapshot == m_held && isHealthy())) {
         return;
     }
+    m_held = snapshot;
     snapshot.documents << m_carriedOver;
     snapshot.savedAt = double(QDateTime::currentMSecsSinceEpoch()) / 1000 - referenceDate;
     {

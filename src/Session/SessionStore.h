@@ -86,7 +86,7 @@ public:
     std::optional<QString> writeDraft(const TextDocument &document);
     /// The text is safe elsewhere, or not wanted any more.
     void discardDraft(const QUuid &document);
-    /// Then deletes the drafts that it does not name.
+    /// Then deletes the drafts that it does not name. Not when the store was given the same last, and all is well with that.
     void write(Snapshot snapshot);
     /// Returns true when everything is written, false when `patience` is over first.
     bool waitUntilWritten(std::chrono::milliseconds patience);
@@ -111,6 +111,8 @@ private:
     bool m_isOwner = true;
     bool m_isHeldByOther = false;
     bool m_hasRead = false;
+    /// As it was last given.
+    std::optional<Snapshot> m_held;
     /// Of earlier programs, not brought back by this one.
     QList<Snapshot::Document> m_carriedOver;
     std::function<void(const QString &folder)> m_tellSetAside;

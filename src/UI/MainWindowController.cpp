@@ -5,6 +5,7 @@
 #include "Base/Translation.h"
 #include "Commands/Actions.h"
 #include "Model/DocumentStore.h"
+#include "Session/SessionKeeper.h"
 #include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"
 #include "UI/EditorToolbarController.h"
@@ -59,7 +60,8 @@ MainWindowController::MainWindowController(const WorkspaceServices &services, Wo
     connect(new QShortcut(Qt::Key_F6, this), &QShortcut::activated, this, [this] { focusNextRegion(1); });
     connect(new QShortcut(Qt::SHIFT | Qt::Key_F6, this), &QShortcut::activated, this, [this] { focusNextRegion(-1); });
     connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this, &MainWindowController::openFirstMenu);
-    if (content == Content::session && m_workspace->restoreSession()) {
+    if (const auto layout = content == Content::session ? m_services.keeper.restore() : std::nullopt) {
+        m_workspace->setWindowLayout(*layout);
         return;
     }
     m_workspace->addPane({}, 0);
@@ -226,7 +228,7 @@ void MainWindowController::closeEvent(QCloseEvent *event)
         m_services.defaults.set(frameKey, u"%1x%2"_s.arg(width()).arg(height()));
     }
     if (std::exchange(m_closing, Closing::done) != Closing::done) {
-        m_workspace->writeSessionSnapshot();
+        m_services.keeper.keep();
         emit closed();
     }
 }

@@ -10,6 +10,7 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
 #include "Model/RecentDocuments.h"
+#include "Session/SessionKeeper.h"
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
 #include "UI/WorkspaceViewController.h"
@@ -241,7 +242,7 @@ void WorkspaceViewController::saveAs(TextDocument &document, const Completion &c
                                      const Result<void> saved = document->save(*path);
                                      if (saved) {
                                          // Until the session knows its file, it would not come back.
-                                         writeSessionSnapshot();
+                                         m_services.keeper.keep();
                                          m_services.recent.note({*path});
                                          m_statusBar->flash(formatted(localized(u"Saved as “%@”"), nameOf(*path)), shortFlash);
                                      } else {

@@ -7,6 +7,7 @@
 class DefaultsStore;
 class Desktop;
 class RecentDocuments;
+class SessionKeeper;
 class SessionStore;
 
 /// What windows and what is in them use; made by Program, and by every test for itself. Must outlive them.
@@ -14,5 +15,6 @@ struct WorkspaceServices : EditorServices {
     DefaultsStore &defaults;
     Desktop &desktop;
     SessionStore &session;
+    SessionKeeper &keeper;
     RecentDocuments &recent;
 };

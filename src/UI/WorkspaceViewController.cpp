@@ -8,10 +8,12 @@
 #include "Editor/EditorVim.h"
 #include "Model/DocumentStore.h"
 #include "Model/RecentDocuments.h"
+#include "Session/SessionKeeper.h"
 #include "Settings/Preferences.h"
 #include "Text/LineRange.h"
 #include "UI/PaneSplitter.h"
 #include "UI/SubstitutionRunner.h"
+#include "UI/WindowPlacement.h"
 #include "Widgets/AlertPresenter.h"
 
 #include <QPointer>
@@ -57,13 +59,11 @@ WorkspaceViewController::WorkspaceViewController(const WorkspaceServices &servic
     applyTheme();
     m_observers.push_back(m_services.notifications.observe(Preferences::didChange, nullptr, [this] {
         applyTheme();
-        startAutosaveTimer();
         updateStatusBar();
     }));
     m_observers.push_back(
         m_services.notifications.observe(TextDocument::didFailToArrive, nullptr, [this] { dropDocumentsThatCannotBeRead(); }));
     m_observers.push_back(m_services.notifications.observe(Localization::didChangeNotification, nullptr, [this] { updateState(); }));
-    startAutosaveTimer();
 }
 
 WorkspaceViewController::~WorkspaceViewController()
@@ -116,6 +116,16 @@ void WorkspaceViewController::removePlaceholder(const TextDocument &document)
 {
     removeFromAllPanes(document);
     m_services.documents.remove(document);
+}
+
+void WorkspaceViewController::dropDocumentsThatCannotBeRead()
+{
+    for (const auto &document : documents()) {
+        if (document->arrivalError()) {
+            m_services.documents.remove(*document);
+            removeFromAllPanes(*document);
+        }
+    }
 }
 
 void WorkspaceViewController::removeFromAllPanes(const TextDocument &document)
@@ -434,6 +444,39 @@ void WorkspaceViewController::focusEditor()
     }
 }
 
+WindowLayout WorkspaceViewController::windowLayout() const
+{
+    WindowLayout layout{.panes = {},
+                        .activePane = m_activePane ? size_t(indexOf(*m_activePane)) : 0,
+                        .orientation = orientation(),
+                        .frame = frameOf(*window())};
+    for (const PaneViewController *pane : m_panes) {
+        layout.panes.push_back({pane->documents(), pane->selectedIndex()});
+    }
+    return layout;
+}
+
+void WorkspaceViewController::setWindowLayout(const WindowLayout &layout)
+{
+    setOrientation(layout.orientation);
+    for (const WindowLayout::Pane &pane : layout.panes) {
+        addPane(pane.documents, pane.selectedIndex);
+    }
+    setActivePane(*m_panes[layout.activePane]);
+    focusEditor();
+    if (layout.frame) {
+        placeWindow(*window(), *layout.frame);
+    }
+}
+
+void WorkspaceViewController::rememberPlaces()
+{
+    std::ranges::for_each(m_panes, &PaneViewController::saveViewState);
+    if (m_activePane) {
+        m_activePane->saveViewState();
+    }
+}
+
 // Tabs
 
 void WorkspaceViewController::closeTab()
@@ -536,7 +579,7 @@ void WorkspaceViewController::paneDidChangeState(PaneViewController &pane)
 {
     if (&pane == m_activePane) {
         updateState();
-        autosaveSoon();
+        m_services.keeper.noteActivity();
     }
 }
 

@@ -5,7 +5,6 @@
 #include "Diff/DiffViewController.h"
 #include "Files/TextEncoding.h"
 #include "Files/TextFile.h"
-#include "Session/SessionSnapshot.h"
 #include "UI/PaneViewController.h"
 #include "UI/StatusBarView.h"
 #include "Vim/VimExCommands.h"
@@ -13,9 +12,9 @@
 
 class PaneSplitter;
 class SubstitutionRunner;
-struct RestoredDocument;
 class WorkspaceViewController;
 struct Alert;
+struct WindowLayout;
 template<typename T>
 struct Setting;
 
@@ -76,12 +75,11 @@ public:
     void focusPaneShowing(const TextDocument &document);
     void focusEditor();
 
-    /// Fills the window, which has no panes yet, as the session was left. False when there is nothing to be brought back.
-    bool restoreSession();
-    /// Has the session store keep the window as it is now, with all texts that are not saved, also those of other windows.
-    void writeSessionSnapshot();
-    /// Keeps what was typed since the last time, in drafts or, if the settings say so, in its files.
-    void performAutosave();
+    [[nodiscard]] WindowLayout windowLayout() const;
+    /// Of a window that has no panes yet.
+    void setWindowLayout(const WindowLayout &layout);
+    /// Notes in the documents where the user is: of one in several panes, where that was last.
+    void rememberPlaces();
 
     /// Gets true when the text was written.
     void save(TextDocument &document, const Completion &completion);
@@ -122,15 +120,6 @@ private:
     void updateState();
     void applyTheme();
 
-    // Session
-    void startAutosaveTimer();
-    /// After a pause, so that what was done before it is kept well within the interval.
-    void autosaveSoon();
-    void autosaveIfQuiet();
-    [[nodiscard]] SessionSnapshot sessionSnapshot();
-    void restorePanes(const SessionSnapshot &snapshot, const std::vector<RestoredDocument> &restored);
-    [[nodiscard]] QString windowFrame() const;
-    void applyWindowFrame(const QString &frame);
     void dropDocumentsThatCannotBeRead();
 
     // Commands
@@ -236,12 +225,6 @@ private:
     PaneViewController *m_activePane = nullptr;
     /// The panes have got their equal shares of the window.
     bool m_isSharedOut = false;
-    Scheduler::Milliseconds m_autosaveInterval{};
-    RepeatingTimer m_autosaveTimer;
-    DelayedTask m_autosaveSoon;
-    Scheduler::Milliseconds m_lastActivity{};
-    /// As the store was last given it.
-    std::optional<SessionSnapshot> m_lastSnapshot;
     std::unique_ptr<SubstitutionRunner> m_substitutions;
     std::vector<NotificationCenter::Token> m_observers;
 };

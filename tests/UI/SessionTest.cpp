@@ -180,6 +180,9 @@ TEST_F(SessionTest, AClosedWindowsTextsComeBack)
         run->presenter.answer(AlertReply::thirdButton);
         run->presenter.answerHeld();
         ASSERT_EQ(run->application.windows().size(), 1U);
+        ASSERT_TRUE(run->session.waitUntilWritten(1min));
+        const auto kept = SessionSnapshot::fromJson(read(u"data/session.json"_s)).value_or(SessionSnapshot());
+        EXPECT_EQ(kept.panes.value(0).documentIDs, QList{run->workspace().currentDocument()->id()}) << "the window that is left";
         Life::type(u"3"_s, run->workspace());
         run->tick();
         run->application.windows().front()->close();
@@ -227,55 +230,6 @@ TEST_F(SessionTest, FilesOpenBesideTheSessionOrInItsPlace)
         EXPECT_EQ(read(u"data/session.json"_s), before);
     }
     EXPECT_EQ(start()->texts(), (QStringList{u"b"_s, u"typed"_s})) << "the unsaved text was carried over";
-}
-
-TEST_F(SessionTest, SavesToTheFilesThemselvesWhenThatIsWanted)
-{
-    auto run = start({write(u"a.txt"_s, "a")});
-    run->preferences.set(Settings::autosaveToDisk, true);
-    run->type(u"1"_s);
-    run->send(Actions::newDocument);
-    run->type(u"2"_s);
-    run->tick();
-    EXPECT_EQ(read(u"a.txt"_s), "1a");
-    EXPECT_EQ(run->drafts().size(), 1) << "of the one without a file";
-    // However the interval is set, it is half a second at least.
-    run->defaults.set("session.autosaveInterval"_L1, 0.1);
-    run->preferences.set(Settings::showInvisibles, true);
-    const QString draft = u"data/Drafts/"_s + run->drafts().front();
-    const auto typeAndWait = [&](const QString &letter) {
-        run->type(letter);
-        run->scheduler.advance(100ms);
-        EXPECT_TRUE(run->session.waitUntilWritten(1min));
-    };
-    for (const auto &letter : {u"3"_s, u"4"_s, u"5"_s, u"6"_s}) {
-        typeAndWait(letter);
-        EXPECT_EQ(read(draft), "2");
-    }
-    typeAndWait(u"7"_s);
-    EXPECT_EQ(read(draft), "234567");
-    // After a pause it does not wait that long.
-    run->type(u"8"_s);
-    run->scheduler.advance(170ms);
-    ASSERT_TRUE(run->session.waitUntilWritten(1min));
-    EXPECT_EQ(read(draft), "2345678");
-    for (const double absurd : {1e300, -1.0}) {
-        run->defaults.set("session.autosaveInterval"_L1, absurd);
-        run->preferences.set(Settings::showInvisibles, true);
-    }
-}
-
-TEST_F(SessionTest, AnIdleProgramWritesNothing)
-{
-    auto run = start({write(u"a.txt"_s, "a")});
-    run->type(u"1"_s);
-    run->send(Actions::newWindow);
-    run->tick();
-    run->tick();
-    const QByteArray before = read(u"data/session.json"_s);
-    EXPECT_TRUE(before.contains("savedAt"));
-    run->tick();
-    EXPECT_EQ(read(u"data/session.json"_s), before) << "it holds the time of writing";
 }
 
 TEST_F(SessionTest, SaysWhatCannotBeKept)
@@ -329,11 +283,13 @@ TEST_F(SessionTest, ATabWhoseFileDoesNotComeSaysSo)
     HeldWorkers held;
     DocumentStore documents({surroundings.scheduler, surroundings.notifications, surroundings.preferences, held, surroundings.watchers, {}},
                             {});
+    SessionKeeper keeper(surroundings.scheduler, surroundings.notifications, surroundings.preferences, documents, surroundings.session);
     AppDelegate application({{surroundings.scheduler, surroundings.notifications, surroundings.preferences, surroundings.pasteboard,
                               surroundings.presenter, documents, held, surroundings.find, surroundings.registers},
                              surroundings.defaults,
                              surroundings.desktop,
                              surroundings.session,
+                             keeper,
                              surroundings.recent});
     application.launch({});
     WorkspaceViewController &workspace = application.windows().front()->workspace();
@@ -360,14 +316,6 @@ TEST_F(SessionTest, ATabWhoseFileDoesNotComeSaysSo)
     EXPECT_EQ(view.selection().caret, 8);
     QTest::keyClicks(&view, u"x"_s);
     EXPECT_EQ(workspace.currentDocument()->storage().string(), u"first\nsexcond\n"_s);
-}
-
-TEST_F(SessionTest, ATabWhoseFileCannotBeReadGoes)
-{
-    const QString path = write(u"a.txt"_s, "a");
-    start({path, write(u"b.txt"_s, "b")})->tick();
-    QFile::remove(path);
-    EXPECT_EQ(start()->texts(), QStringList{u"b"_s});
 }
 
 TEST_F(SessionTest, PanesComeBackWithEqualShares)

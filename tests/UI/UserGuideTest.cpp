@@ -12,6 +12,7 @@
 #include <QRegularExpression>
 #include <QSet>
 
+using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -186,9 +187,9 @@ TEST_F(UserGuideWindowTest, IsATextOfTheLanguageThatNobodyEdits)
     EXPECT_TRUE(english.startsWith("# Quillet: "_L1)) << english.left(80).toStdString();
     type(u"x"_s);
     send(Actions::deleteLine);
-    workspace().performAutosave();
+    keeper.performAutosave();
     EXPECT_EQ(text(), english);
-    EXPECT_FALSE(QDir(path(u"data/drafts"_s)).exists(u"*"_s));
+    EXPECT_TRUE(session.waitUntilWritten(1min) && QDir(session.draftsDirectory()).isEmpty());
 
     // Asked for again it is the same tab, where the reader was.
     textView().setSelection(TextSelection::at(english.size() / 2));

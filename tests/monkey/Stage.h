@@ -100,10 +100,11 @@ struct Stage {
         documents.emplace(DocumentServices{scheduler, notifications, preferences, *workers, *watchers,
                                            [this](const QUuid &id) { session.discardDraft(id); }},
                           DocumentStore::AppearanceQuery());
+        keeper.emplace(scheduler, notifications, preferences, *documents, session);
         const EditorServices editors{scheduler, notifications, preferences, pasteboard, presenter,      *documents,
                                      *workers,  find,          registers,   &*speller,  &*spellingPanel};
         recent.emplace(QString(), *workers);
-        application.emplace(WorkspaceServices{editors, defaults, desktop, session, *recent});
+        application.emplace(WorkspaceServices{editors, defaults, desktop, session, *keeper, *recent});
         preferences.setLanguageResolver(Localization::use);
         preferences.set(Settings::language, AppLanguage::english);
     }
@@ -119,6 +120,7 @@ struct Stage {
     QTemporaryDir data;
     SessionStore session{{data.path(), {}}, preferences};
     std::optional<DocumentStore> documents;
+    std::optional<SessionKeeper> keeper;
     FindState find;
     VimRegisters registers{pasteboard, preferences};
     std::optional<SpellChecker> speller;

@@ -40,17 +40,19 @@ def difference(got, wanted, place=""):
 
 
 class State:
-    """What the program shows; of windows that follow the first only the texts count."""
+    """What the program shows. The session is that of the window in front, at the end that of the last one."""
 
     def __init__(self, answer):
         self.windows = answer["windows"]
+        self.front = answer["front"]
         self.question = answer.get("question")
         self.texts = {}
         for window in self.windows:
             self.texts.update(window["texts"])
 
     def pane(self):
-        return self.windows[0]["panes"][self.windows[0]["active"]]
+        window = self.windows[self.front]
+        return window["panes"][window["active"]]
 
     def current(self):
         """Id and text of the tab in front."""
@@ -59,14 +61,24 @@ class State:
         return identity, self.texts[identity]
 
     def tab_count(self):
-        return sum(len(pane["tabs"]) for pane in self.windows[0]["panes"])
+        return sum(len(pane["tabs"]) for pane in self.windows[self.front]["panes"])
+
+    def may_close_window(self):
+        """Without a question."""
+        texts = self.windows[self.front]["texts"].values()
+        return len(self.windows) > 1 and not any(text["isUnsaved"] or text["isDirty"] for text in texts)
 
     def comes_back(self, identity):
         return bool(self.texts[identity]["path"] or self.texts[identity]["text"])
 
-    def wanted(self):
-        """Of one window, what has to come back: all but empty tabs without a file."""
-        window = self.windows[0]
+    def in_session(self, number):
+        """The texts of that window, and those that others have not saved."""
+        window = self.windows[number]
+        return {identity: text for identity, text in self.texts.items() if identity in window["texts"] or text["isUnsaved"]}
+
+    def wanted(self, number=0):
+        """With that window as the session, what has to come back: all but empty tabs without a file."""
+        window = self.windows[number]
         panes, active = [], 0
         for index, pane in enumerate(window["panes"]):
             tabs = [identity for identity in pane["tabs"] if self.comes_back(identity)]
@@ -76,14 +88,18 @@ class State:
                 panes.append({"tabs": tabs, "selected": tabs.index(selected) if selected in tabs else 0})
         # Of a selection its beginning comes back.
         texts = {identity: {"path": text["path"], "text": text["text"], "caret": text["range"][0], "scroll": text["scroll"]}
-                 for identity, text in self.texts.items() if self.comes_back(identity)}
-        if not panes:
+                 for identity, text in self.in_session(number).items() if self.comes_back(identity)}
+        if not texts:
             return {}
+        if texts.keys() - window["texts"].keys():
+            # Texts of other windows come to its tabs.
+            return {"texts": texts, "size": window["size"]}
         # What the editors in front show, where their document has one place only.
         shown = {}
         for pane in window["panes"]:
             identity = pane["tabs"][pane["selected"]]
-            if self.comes_back(identity) and sum(identity in other["tabs"] for other in window["panes"]) == 1:
+            places = sum(identity in other["tabs"] for each in self.windows for other in each["panes"])
+            if self.comes_back(identity) and places == 1:
                 shown[identity] = (pane["range"][0], pane["scroll"])
         return {"panes": panes, "active": active, "isSideBySide": window["isSideBySide"] or len(panes) == 1, "size": window["size"],
                 "texts": texts, "shown": shown}
@@ -119,21 +135,22 @@ class Disk:
 
     def holds(self, state):
         """Everything that was typed, and where."""
-        if not self.session or len(state.windows) != 1:
+        if not self.session:
             return False
-        window = state.windows[0]
+        window = state.windows[state.front]
         panes = [([identity.lower() for identity in pane["documentIDs"]], pane["selectedIndex"]) for pane in self.session["panes"]]
         if panes != [(pane["tabs"], pane["selected"]) for pane in window["panes"]]:
             return False
         if (self.session["focusedPaneIndex"], self.session["splitIsVertical"]) != (window["active"], window["isSideBySide"]):
             return False
         entries = {entry["id"].lower(): entry for entry in self.session["documents"]}
-        if entries.keys() != state.texts.keys():
+        texts = state.in_session(state.front)
+        if entries.keys() != texts.keys():
             return False
         drafts = {name for name in (entry.get("draftFilename") for entry in entries.values()) if name}
         if drafts != self.drafts.keys():
             return False
-        for identity, text in state.texts.items():
+        for identity, text in texts.items():
             entry = entries[identity]
             kept = self.drafts[entry["draftFilename"]] if "draftFilename" in entry else self.files.get(text["path"], "")
             place = [entry["selectionLocation"], entry["selectionLength"]], entry["scrollOffset"]
@@ -172,8 +189,8 @@ class Rounds:
         versions = self.versions.get(identity, [])
         return max((index for index, version in enumerate(versions) if version == text), default=-1)
 
-    def note_certain(self, state):
-        self.certain = {identity: self.version(identity, text["text"]) for identity, text in state.texts.items()
+    def note_certain(self, state, window=0):
+        self.certain = {identity: self.version(identity, text["text"]) for identity, text in state.in_session(window).items()
                         if state.comes_back(identity)}
 
     # Working
@@ -182,8 +199,8 @@ class Rounds:
         state = State(self.driven.ask("state"))
         self.note(state)
         for identity in list(self.certain):
-            if identity not in state.texts:
-                # Closed by the user, who was asked.
+            # Closed by the user, who was asked; or a file that another window's session does not have.
+            if identity not in state.texts or (len(state.windows) > 1 and not state.texts[identity]["isUnsaved"]):
                 del self.certain[identity]
         return state
 
@@ -221,14 +238,17 @@ class Rounds:
             self.driven.ask(f"answer {answer}")
 
     def step(self):
-        ask, choice = self.driven.ask, self.random.random
+        ask, choice, before = self.driven.ask, self.random.random, self.state()
         keys = self.random.choice(("Ctrl+Home", "Ctrl+End", "PgDown", "PgUp", "Down", "Right", "Shift+Right", "Shift+Down", "End"))
         split = self.random.choice(("splitEditorRight:", "splitEditorDown:", "closeSplit:", "toggleSplitOrientation:", "focusNextPane:"))
         tab = self.random.choice(("selectNextTab:", "selectPreviousTab:"))
         steps = ((30, lambda: ask(self.typing())), (6, lambda: ask("do newDocument:")),
                  (5, lambda: ask(f"open {self.random.choice(self.openable)}")), (14, lambda: ask(f"keys {keys}")),
                  (8, lambda: ask(f"do {split}")), (8, lambda: ask(f"do {tab}")), (8, lambda: ask("do undo:")), (3, lambda: ask("do redo:")),
-                 (8, self.save), (8 + 4 * max(0, self.state().tab_count() - 6), self.close), (2, lambda: time.sleep(choice() * 0.7)))
+                 (8, self.save), (8 + 4 * max(0, before.tab_count() - 6), self.close), (2, lambda: time.sleep(choice() * 0.7)),
+                 (5 if len(before.windows) < 3 else 0, lambda: ask("do newWindow:")),
+                 (8 if len(before.windows) > 1 else 0, lambda: ask(f"front {self.random.randrange(len(before.windows))}")),
+                 (10 if before.may_close_window() else 0, lambda: ask("do performClose:")))
         self.random.choices([step for _, step in steps], [weight for weight, _ in steps])[0]()
         state = self.state()
         require(not state.question, f"the program asks: {state.question}")
@@ -246,13 +266,13 @@ class Rounds:
             require(time.monotonic() - begin < PATIENCE, "what was typed is not written")
             time.sleep(0.01)
         self.slowest = max(self.slowest, time.monotonic() - begin)
-        self.note_certain(state)
+        self.note_certain(state, state.front)
         return state
 
     def kill_settled(self):
         state = self.settle()
         self.driven.kill()
-        self.expect_all(state)
+        self.expect_all(state.wanted(state.front))
 
     def terminate(self):
         state = self.state()
@@ -260,8 +280,8 @@ class Rounds:
         require(code == 0, f"exit code {code} when told to end")
         require(took < self.patience, f"told to end, it took {took:.2f} s")
         self.slowest_end = max(self.slowest_end, took)
-        self.note_certain(state)
-        self.expect_all(state)
+        self.note_certain(state, -1)
+        self.expect_all(state.wanted(-1))
 
     def kill_typing(self):
         self.driven.send(self.typing())
@@ -303,9 +323,7 @@ class Rounds:
 
     # What comes back
 
-    def expect_all(self, state):
-        wanted = state.wanted()
-
+    def expect_all(self, wanted):
         def check(found):
             for key, value in wanted.items():
                 got = found.wanted().get(key)

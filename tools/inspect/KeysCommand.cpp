@@ -56,6 +56,7 @@ public:
     FileWatcherQueue watchers;
     SessionStore session{{SessionStore::Places::standard().rootDirectory, {}}, preferences};
     DocumentStore documents{{scheduler, notifications, preferences, workers, watchers, {}}, {}};
+    SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
     FindState find;
     VimRegisters registers{pasteboard, preferences};
     RecordingDesktop desktop;
@@ -64,6 +65,7 @@ public:
                              defaults,
                              desktop,
                              session,
+                             keeper,
                              recent}};
     QStringList actions;
     QStringList messages;

@@ -7,6 +7,7 @@
 //     keys CTRL+N      one chord, for the window in front
 //     do SELECTOR      an action, as a menu sends it
 //     open PATH
+//     front NUMBER     that window comes to the front; from 0
 //     answer WORDS     presses that button of the question that is asked, or gives the file panel this path
 //     state            what there is to be seen
 #include "App/AppDelegate.h"
@@ -60,6 +61,7 @@ private:
     void press(const QString &chord);
     void perform(const QString &selector);
     void open(const QString &path) { window().workspace().open({path}); }
+    void bringToFront(const QString &number) { m_program.delegate().windows().at(number.toUInt())->comeToFront(); }
     void answerQuestion(const QString &words);
     void tellState(const QString &);
 
@@ -115,6 +117,7 @@ void Driver::obey(const QString &line)
         {u"keys", &Driver::press},
         {u"do", &Driver::perform},
         {u"open", &Driver::open},
+        {u"front", &Driver::bringToFront},
         {u"answer", &Driver::answerQuestion},
         {u"state", &Driver::tellState},
     });
@@ -226,21 +229,25 @@ QJsonObject Driver::stateOf(const TextDocument &document)
 void Driver::tellState(const QString &)
 {
     QJsonArray windows;
+    // Of a text in several of them, where it was looked at last.
+    for (MainWindowController *each : m_program.delegate().windows()) {
+        each->workspace().rememberPlaces();
+    }
+    window().workspace().rememberPlaces();
     for (MainWindowController *each : m_program.delegate().windows()) {
         WorkspaceViewController &workspace = each->workspace();
         QJsonArray panes;
         qsizetype active = 0;
         for (PaneViewController *pane : workspace.panes()) {
             active = pane->isActive() ? panes.size() : active;
-            pane->saveViewState();
             panes << stateOf(*pane);
-        }
-        if (workspace.activePane()) {
-            workspace.activePane()->saveViewState();
         }
         QJsonObject texts;
         for (const auto &document : workspace.documents()) {
             texts.insert(document->id().toString(QUuid::WithoutBraces), stateOf(*document));
+        }
+        if (each == &window()) {
+            m_answer.insert("front"_L1, windows.size());
         }
         windows << QJsonObject{{"panes"_L1, panes},
                                {"active"_L1, active},

@@ -1,26 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Session/SessionStore.h"
+#include "Session/SessionFixture.h"
 
-#include "Base/AtomicFile.h"
-#include "Base/Workers.h"
-#include "Files/WatchedPath.h"
 #include "HeldWorkers.h"
-#include "Model/DocumentStore.h"
-#include "Platform/FaultyCalls.h"
-#include "Session/DraftFile.h"
 #include "Session/SessionRestoration.h"
-#include "Settings/DefaultsStore.h"
-#include "Settings/Preferences.h"
 
-#include <QCoreApplication>
 #include <QDateTime>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 #include <semaphore>
 
@@ -30,74 +15,11 @@ using Snapshot = SessionStore::Snapshot;
 
 namespace {
 
+using SessionStoreTest = SessionFixture;
+
 const QUuid firstId(u"{1b4e28ba-2fa1-11d2-883f-0016d3cca427}"_s);
 const QUuid secondId(u"{2b4e28ba-2fa1-11d2-883f-0016d3cca427}"_s);
-
-class SessionStoreTest : public testing::Test {
-protected:
-    [[nodiscard]] QString root() const { return folder.filePath(u"data/Quillet"_s); }
-    [[nodiscard]] std::unique_ptr<SessionStore> open()
-    {
-        return std::make_unique<SessionStore>(SessionStore::Places{root(), folder.path()}, preferences, calls);
-    }
-    [[nodiscard]] std::unique_ptr<TextDocument> document(const QString &text, const QUuid &id = QUuid::createUuid(),
-                                                         const QString &path = {})
-    {
-        return std::make_unique<TextDocument>(services, path, TextFile::Contents{.text = Rope(text)}, id);
-    }
-    static void edit(TextDocument &document, const QString &text)
-    {
-        document.storage().replaceCharacters({0, document.storage().length()}, text);
-    }
-    /// A snapshot of one pane with these documents, as a window makes it.
-    static Snapshot snapshotOf(SessionStore &store, const std::vector<TextDocument *> &documents)
-    {
-        Snapshot snapshot{.panes = {{}}};
-        for (TextDocument *document : documents) {
-            snapshot.documents << Snapshot::Document{.id = document->id(),
-                                                     .filePath = document->isUntitled() ? std::nullopt : std::optional(document->path()),
-                                                     .draftFilename = store.writeDraft(*document),
-                                                     .encodingRawValue = quint32(document->encoding()),
-                                                     .lineEnding = rawValue(document->lineEnding()).toString()};
-            snapshot.panes.front().documentIDs << document->id();
-        }
-        return snapshot;
-    }
-    [[nodiscard]] QStringList drafts() const { return QDir(root() + u"/Drafts"_s).entryList(QDir::Files | QDir::Hidden); }
-    /// Lets time pass and what workers and the kernel said arrive.
-    void settle()
-    {
-        for (auto passed = 0ms; passed < 1s; passed += 50ms) {
-            QCoreApplication::processEvents();
-            scheduler.advance(50ms);
-            QCoreApplication::processEvents();
-        }
-    }
-    static bool isWritten(SessionStore &store) { return store.waitUntilWritten(1min); }
-    void put(const QString &name, const QByteArray &content) const
-    {
-        QDir().mkpath(QFileInfo(root() + u'/' + name).path());
-        QFile file(root() + u'/' + name);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    }
-    [[nodiscard]] static QByteArray contentOf(const QString &path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-    }
-
-    QTemporaryDir folder;
-    ManualScheduler scheduler;
-    NotificationCenter notifications;
-    DefaultsStore defaults{QString(), scheduler};
-    Preferences preferences{defaults, notifications};
-    InlineWorkers workers;
-    FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
-    DocumentServices services{scheduler, notifications, preferences, workers, watchers, {}};
-    DocumentStore documents{services, {}};
-    FaultyCalls calls;
-};
+const QUuid thirdId(u"{3b4e28ba-2fa1-11d2-883f-0016d3cca427}"_s);
 
 constexpr auto wholeSnapshot = R"({
     "documents": [
@@ -199,106 +121,18 @@ TEST(WindowFrame, IsWhatItIsWrittenAs)
     }
 }
 
-TEST_F(SessionStoreTest, WhatWasTypedComesBack)
-{
-    const QString path = folder.filePath(u"a.txt"_s);
-    ASSERT_TRUE(writeAtomically(path, "in the file\n", AtomicFile::NewFile::readableByOthers));
-    const QString unusual = u"\uFEFFä\u2028\r\U0001F600\n\xD800 end"_s;
-    {
-        auto store = open();
-        EXPECT_TRUE(store->isOwner() && store->keepsUnsavedText());
-        EXPECT_FALSE(store->read().snapshot);
-        auto untitled = document({}, firstId);
-        edit(*untitled, unusual);
-        auto file = document(u"in the file\n"_s, secondId, path);
-        edit(*file, u"changed"_s);
-        auto clean = document(u"in the file\n"_s, QUuid::createUuid(), path);
-        auto empty = document({});
-        edit(*empty, u"x"_s);
-        edit(*empty, {});
-        auto generated = TextDocument::generated(services, u"Keys"_s, u"text"_s, Language::plainText());
-        EXPECT_EQ(store->writeDraft(*generated), std::nullopt);
-        Snapshot snapshot = snapshotOf(*store, {untitled.get(), file.get(), empty.get()});
-        EXPECT_EQ(snapshot.documents[0].draftFilename, u"1B4E28BA-2FA1-11D2-883F-0016D3CCA427.draft"_s);
-        EXPECT_EQ(snapshot.documents[2].draftFilename, std::nullopt);
-        snapshot.documents[0].lineEnding = u"\r"_s;
-        snapshot.documents[0].encodingRawValue = quint32(TextEncoding::windows1252);
-        snapshot.documents[0].languageID = u"python"_s;
-        snapshot.documents[0].selection = {3, 2};
-        snapshot.documents[1].selection = {3, 500};
-        snapshot.documents[1].scrollOffset = 7;
-        store->write(snapshot);
-        ASSERT_TRUE(isWritten(*store));
-    }
-    constexpr auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther | QFile::ExeGroup | QFile::ExeOther;
-    for (const QString &name : {root(), root() + u"/Drafts"_s, root() + u"/session.json"_s, root() + u"/Drafts/"_s + drafts().front()}) {
-        EXPECT_FALSE(QFileInfo(name).permissions() & others) << name.toStdString();
-    }
-    auto store = open();
-    const SessionStore::Saved saved = store->read();
-    ASSERT_TRUE(saved.snapshot);
-    EXPECT_GT(saved.snapshot->savedAt, 817000000);
-    EXPECT_TRUE(saved.otherDrafts.isEmpty());
-    const auto restored = restoreDocuments(saved, *store, documents);
-    ASSERT_EQ(restored.size(), 2U) << "an empty tab does not come back";
-    TextDocument &untitled = *restored[0].document;
-    EXPECT_EQ(untitled.id(), firstId);
-    EXPECT_EQ(untitled.storage().string(), u"\uFEFFä\u2028\r\U0001F600\n\uFFFD end"_s);
-    EXPECT_EQ(untitled.encoding(), TextEncoding::windows1252);
-    EXPECT_EQ(untitled.lineEnding(), LineEnding::cr);
-    EXPECT_EQ(untitled.language().id(), u"python"_s);
-    EXPECT_TRUE(untitled.languageWasChosenManually);
-    EXPECT_EQ(untitled.lastSelectedRange, (TextRange{3, 2}));
-    TextDocument &file = *restored[1].document;
-    EXPECT_EQ(file.path(), path);
-    EXPECT_EQ(file.storage().string(), u"changed"_s);
-    EXPECT_EQ(file.lastSelectedRange, TextRange()) << "beyond the text";
-    EXPECT_EQ(file.lastScrollOffset, 7);
-    // It counts as clean, but until it is saved it is kept.
-    EXPECT_FALSE(file.isDirty());
-    EXPECT_TRUE(file.hasUnsavedText());
-    const int steps = calls.steps;
-    EXPECT_EQ(store->writeDraft(file), DraftFile::nameFor(secondId));
-    ASSERT_TRUE(isWritten(*store));
-    EXPECT_EQ(calls.steps, steps) << "it is there already";
-    ASSERT_TRUE(file.save(path));
-    EXPECT_FALSE(file.hasUnsavedText());
-    EXPECT_EQ(store->writeDraft(file), std::nullopt);
-    ASSERT_TRUE(isWritten(*store));
-    EXPECT_EQ(drafts(), QStringList{DraftFile::nameFor(firstId)});
-}
-
-TEST_F(SessionStoreTest, ADraftOfAFileThatOthersChangedIsNotReplacedByIt)
-{
-    put(u"a.txt"_s, "in the file\n");
-    put(u"Drafts/"_s + DraftFile::nameFor(firstId), "typed");
-    const QString path = root() + u"/a.txt"_s;
-    auto store = open();
-    const Snapshot snapshot{.documents = {{.id = firstId, .filePath = path, .draftFilename = DraftFile::nameFor(firstId)}}};
-    const auto restored = restoreDocuments({.snapshot = snapshot}, *store, documents);
-    ASSERT_EQ(restored.size(), 1U);
-    TextDocument &restoredText = *restored.front().document;
-    settle();
-    put(u"a.txt"_s, "by another program\n");
-    settle();
-    EXPECT_EQ(restoredText.externalState(), TextDocument::ExternalState::conflicted);
-    EXPECT_EQ(restoredText.storage().string(), u"typed"_s);
-    ASSERT_TRUE(restoredText.revertToFileOnDisk());
-    EXPECT_FALSE(restoredText.hasUnsavedText());
-}
-
 TEST_F(SessionStoreTest, AFileThatWasWrittenAfterItsDraftIsComparedWithIt)
 {
+    using enum TextDocument::ExternalState;
     struct Case {
-        const char *file;
+        const char *content;
         int secondsLater;
         TextDocument::ExternalState state;
         bool isUnsaved;
     };
-    using enum TextDocument::ExternalState;
     // The program may have been killed when the file was saved and the draft was still there.
     for (const auto &[content, secondsLater, state, isUnsaved] :
-         std::to_array<Case>({{"old", -5, none, true}, {"saved later", 5, conflicted, true}, {"typed", 5, none, false}})) {
+         std::to_array<Case>({{"saved later", 5, conflicted, true}, {"typed", 5, none, false}, {"old", -5, none, true}})) {
         put(u"a.txt"_s, content);
         put(u"Drafts/"_s + DraftFile::nameFor(firstId), "typed");
         QFile file(root() + u"/a.txt"_s);
@@ -313,6 +147,13 @@ TEST_F(SessionStoreTest, AFileThatWasWrittenAfterItsDraftIsComparedWithIt)
         EXPECT_EQ(text.externalState(), state) << content;
         EXPECT_EQ(text.hasUnsavedText(), isUnsaved) << content;
         EXPECT_EQ(text.storage().string(), u"typed"_s);
+        if (isUnsaved) {
+            // It counts as clean, but is not replaced by what others write.
+            put(u"a.txt"_s, "by another program\n");
+            settle();
+            EXPECT_EQ(text.externalState(), conflicted);
+            EXPECT_EQ(text.storage().string(), u"typed"_s);
+        }
         documents.remove(text);
     }
 }
@@ -322,6 +163,8 @@ TEST_F(SessionStoreTest, DamagedEntriesLoseNoText)
     put(u"a.txt"_s, "file");
     put(u"Drafts/"_s + DraftFile::nameFor(firstId), "typed \xFF\xC3");
     put(u"Drafts/"_s + DraftFile::nameFor(secondId), "just before the end");
+    put(u"Drafts/"_s + DraftFile::nameFor(thirdId), "newer");
+    put(u"b.txt"_s, "older");
     put(u"Drafts/odd name.draft"_s, "odd");
     put(u"Drafts/empty.draft"_s, "");
     put(u"secret.draft"_s, "outside");
@@ -331,6 +174,7 @@ TEST_F(SessionStoreTest, DamagedEntriesLoseNoText)
                                           {.id = QUuid::createUuid(), .draftFilename = u"../secret.draft"_s},
                                           {.id = QUuid::createUuid(), .filePath = path, .selection = {2, 1}},
                                           {.id = QUuid::createUuid(), .filePath = path},
+                                          {.id = thirdId, .filePath = root() + u"/b.txt"_s},
                                           {.id = QUuid::createUuid(), .filePath = root() + u"/gone.txt"_s},
                                           {.id = QUuid::createUuid(), .filePath = u"relative"_s}}};
     put(u"session.json"_s, snapshot.toJson());
@@ -341,34 +185,23 @@ TEST_F(SessionStoreTest, DamagedEntriesLoseNoText)
     for (const auto &[id, restoredText] : restored) {
         texts << restoredText->storage().string();
     }
-    EXPECT_EQ(texts, (QStringList{u"typed \uFFFD\uFFFD"_s, u"odd"_s, u"file"_s, u"file"_s, u"just before the end"_s}));
+    EXPECT_EQ(texts, (QStringList{u"typed \uFFFD\uFFFD"_s, u"odd"_s, u"file"_s, u"file"_s, u"newer"_s, u"just before the end"_s}));
     EXPECT_NE(restored[0].document->id(), restored[1].document->id());
     EXPECT_EQ(restored[2].document, restored[3].document) << "one file, one text";
     EXPECT_EQ(restored[2].document->lastSelectedRange, (TextRange{2, 1}));
-    EXPECT_EQ(restored[4].document->id(), secondId);
-    EXPECT_EQ(documents.documents().size(), 4U);
+    EXPECT_EQ(restored[4].document->path(), root() + u"/b.txt"_s) << "its entry did not name its draft yet";
+    EXPECT_EQ(restored[5].document->id(), secondId);
+    EXPECT_EQ(documents.documents().size(), 5U);
     // The odd one gets a name of its own before the old one goes.
     std::vector<TextDocument *> all;
     for (const auto &open : documents.documents()) {
         all.push_back(open.get());
     }
-    store->write(snapshotOf(*store, all));
+    store->write(sessionOf(*store, all));
     ASSERT_TRUE(isWritten(*store));
-    EXPECT_EQ(drafts().size(), 3);
+    EXPECT_EQ(drafts().size(), 4);
     EXPECT_FALSE(drafts().contains(u"odd name.draft"_s));
-    EXPECT_EQ(contentOf(root() + u"/Drafts/"_s + DraftFile::nameFor(restored[1].document->id())), "odd");
-}
-
-TEST_F(SessionStoreTest, ADraftOfAnEntryThatDoesNotNameItYetIsNewerThanItsFile)
-{
-    put(u"a.txt"_s, "file");
-    put(u"Drafts/"_s + DraftFile::nameFor(firstId), "typed");
-    put(u"session.json"_s, Snapshot{.documents = {{.id = firstId, .filePath = root() + u"/a.txt"_s}}}.toJson());
-    auto store = open();
-    const auto restored = restoreDocuments(store->read(), *store, documents);
-    ASSERT_EQ(restored.size(), 1U);
-    EXPECT_EQ(restored.front().document->storage().string(), u"typed"_s);
-    EXPECT_EQ(restored.front().document->path(), root() + u"/a.txt"_s);
+    EXPECT_EQ(read(root() + u"/Drafts/"_s + DraftFile::nameFor(restored[1].document->id())), "odd");
 }
 
 TEST_F(SessionStoreTest, ADraftThatCannotBeReadIsLeftWhereItIs)
@@ -388,9 +221,9 @@ TEST_F(SessionStoreTest, ADraftThatCannotBeReadIsLeftWhereItIs)
     EXPECT_EQ(restored.front().idInSnapshot, firstId);
     TextDocument &file = *restored.front().document;
     EXPECT_EQ(file.storage().string(), u"file"_s);
-    store->write(snapshotOf(*store, {&file}));
+    store->write(sessionOf(*store, {&file}));
     edit(file, u"new"_s);
-    store->write(snapshotOf(*store, {&file}));
+    store->write(sessionOf(*store, {&file}));
     store->discardDraft(file.id());
     ASSERT_TRUE(isWritten(*store));
     EXPECT_EQ(drafts(), QStringList{QFileInfo(broken).fileName()});
@@ -402,7 +235,7 @@ TEST_F(SessionStoreTest, ADraftThatCannotBeReadIsLeftWhereItIs)
     restored = restoreDocuments(store->read(), *store, documents);
     ASSERT_EQ(restored.size(), 1U);
     edit(*restored.front().document, u"newer"_s);
-    store->write(snapshotOf(*store, {restored.front().document.get()}));
+    store->write(sessionOf(*store, {restored.front().document.get()}));
     ASSERT_TRUE(isWritten(*store));
     EXPECT_EQ(restored.front().document->id(), secondId);
     EXPECT_EQ(drafts().size(), 2);
@@ -425,14 +258,14 @@ TEST_F(SessionStoreTest, AnUnreadableSnapshotIsSetAsideWithItsDrafts)
         EXPECT_FALSE(saved.snapshot);
         ASSERT_TRUE(setAside);
         EXPECT_TRUE(saved.otherDrafts.isEmpty());
-        EXPECT_EQ(contentOf(*setAside + u"/session.json"_s), garbage);
-        EXPECT_EQ(contentOf(*setAside + u"/Drafts/one.draft"_s), "text");
+        EXPECT_EQ(read(*setAside + u"/session.json"_s), garbage);
+        EXPECT_EQ(read(*setAside + u"/Drafts/one.draft"_s), "text");
         EXPECT_FALSE(QFile::exists(root() + u"/.quillet-cutoff"_s));
         auto untitled = document(u"new"_s);
-        store->write(snapshotOf(*store, {untitled.get()}));
+        store->write(sessionOf(*store, {untitled.get()}));
         ASSERT_TRUE(isWritten(*store));
         EXPECT_EQ(drafts().size(), 1);
-        EXPECT_EQ(contentOf(*setAside + u"/Drafts/one.draft"_s), "text");
+        EXPECT_EQ(read(*setAside + u"/Drafts/one.draft"_s), "text");
     }
     // It cannot be moved: nothing is written over it.
     QDir(root()).removeRecursively();
@@ -444,9 +277,9 @@ TEST_F(SessionStoreTest, AnUnreadableSnapshotIsSetAsideWithItsDrafts)
     EXPECT_FALSE(store->keepsUnsavedText());
     calls.before = nullptr;
     auto untitled = document(u"new"_s);
-    store->write(snapshotOf(*store, {untitled.get()}));
+    store->write(sessionOf(*store, {untitled.get()}));
     ASSERT_TRUE(isWritten(*store));
-    EXPECT_EQ(contentOf(store->snapshotPath()), "garbage");
+    EXPECT_EQ(read(store->snapshotPath()), "garbage");
     EXPECT_EQ(drafts(), QStringList{u"one.draft"_s});
 }
 
@@ -462,8 +295,8 @@ TEST_F(SessionStoreTest, WhatIsNotBroughtBackIsCarriedOver)
         auto text = document(u"another"_s);
         store->writeDraft(*text);
         ASSERT_TRUE(isWritten(*store));
-        store->write(snapshotOf(*store, {text.get()}));
-        store->write(snapshotOf(*store, {}));
+        store->write(sessionOf(*store, {text.get()}));
+        store->write(sessionOf(*store, {}));
         ASSERT_TRUE(isWritten(*store));
         EXPECT_EQ(drafts().size(), 2);
     }
@@ -481,7 +314,7 @@ TEST_F(SessionStoreTest, WhatIsNotBroughtBackIsCarriedOver)
     auto text = document(u"new"_s);
     store->writeDraft(*text);
     ASSERT_TRUE(isWritten(*store));
-    store->write(snapshotOf(*store, {text.get()}));
+    store->write(sessionOf(*store, {text.get()}));
     ASSERT_TRUE(isWritten(*store));
     EXPECT_EQ(drafts(), QStringList{DraftFile::nameFor(text->id())});
 }
@@ -490,7 +323,7 @@ TEST_F(SessionStoreTest, OnlyOneProgramOwnsTheFolder)
 {
     auto first = open();
     auto untitled = document(u"text"_s, firstId);
-    first->write(snapshotOf(*first, {untitled.get()}));
+    first->write(sessionOf(*first, {untitled.get()}));
     ASSERT_TRUE(isWritten(*first));
     auto second = open();
     EXPECT_FALSE(second->isOwner() || second->keepsUnsavedText());
@@ -501,8 +334,8 @@ TEST_F(SessionStoreTest, OnlyOneProgramOwnsTheFolder)
     EXPECT_TRUE(isWritten(*second));
     EXPECT_EQ(drafts(), QStringList{DraftFile::nameFor(firstId)});
     // Another folder is nobody else's, also without a place for locks.
-    EXPECT_TRUE(SessionStore({folder.filePath(u"other"_s), folder.path()}, preferences).isOwner());
-    EXPECT_TRUE(SessionStore({folder.filePath(u"third"_s), {}}, preferences).isOwner());
+    EXPECT_TRUE(SessionStore({path(u"other"_s), path({})}, preferences).isOwner());
+    EXPECT_TRUE(SessionStore({path(u"third"_s), {}}, preferences).isOwner());
     first.reset();
     EXPECT_TRUE(open()->read().snapshot);
 }
@@ -530,21 +363,21 @@ TEST_F(SessionStoreTest, WritesTheLatestTextOnceAndNothingThatIsThere)
     store->discardDraft(firstId);
     for (const auto &version : {u"2"_s, u"3"_s, u"4"_s}) {
         edit(*text, version);
-        store->write(snapshotOf(*store, {text.get(), other.get()}));
+        store->write(sessionOf(*store, {text.get(), other.get()}));
     }
     int renames = 0;
     mayGoOn.release();
     ASSERT_TRUE(isWritten(*store));
-    EXPECT_EQ(contentOf(root() + u"/Drafts/"_s + DraftFile::nameFor(firstId)), "4");
+    EXPECT_EQ(read(root() + u"/Drafts/"_s + DraftFile::nameFor(firstId)), "4");
     calls.before = [&](const char *call) {
         renames += std::string(call) == "rename" ? 1 : 0;
         return 0;
     };
-    const Snapshot same = snapshotOf(*store, {text.get(), other.get()});
+    const Snapshot same = sessionOf(*store, {text.get(), other.get()});
     ASSERT_TRUE(isWritten(*store));
     EXPECT_EQ(renames, 0) << "both are there";
     // Without the other one its draft goes.
-    store->write(snapshotOf(*store, {text.get()}));
+    store->write(sessionOf(*store, {text.get()}));
     ASSERT_TRUE(isWritten(*store));
     EXPECT_EQ(renames, 1);
     EXPECT_EQ(drafts(), QStringList{DraftFile::nameFor(firstId)});
@@ -554,29 +387,7 @@ TEST_F(SessionStoreTest, WritesTheLatestTextOnceAndNothingThatIsThere)
     edit(*text, u"5"_s);
     EXPECT_EQ(store->writeDraft(*text), std::nullopt);
     ASSERT_TRUE(isWritten(*store));
-    EXPECT_EQ(contentOf(root() + u"/Drafts/"_s + drafts().front()), "4");
-}
-
-TEST_F(SessionStoreTest, ASnapshotDoesNotOvertakeTheDraftsThatItNames)
-{
-    auto store = open();
-    auto first = document(u"first"_s, firstId);
-    auto second = document(u"second"_s, secondId);
-    std::binary_semaphore mayGoOn(0);
-    bool isMissing = false;
-    calls.before = [&, isFirst = true](const char *) mutable {
-        if (std::exchange(isFirst, false)) {
-            mayGoOn.acquire();
-        }
-        isMissing |= contentOf(store->snapshotPath()).contains(DraftFile::nameFor(secondId).toLatin1()) && drafts().size() < 2;
-        return 0;
-    };
-    store->write(snapshotOf(*store, {first.get()}));
-    store->write(snapshotOf(*store, {first.get(), second.get()}));
-    mayGoOn.release();
-    ASSERT_TRUE(isWritten(*store));
-    EXPECT_FALSE(isMissing);
-    EXPECT_EQ(drafts().size(), 2);
+    EXPECT_EQ(read(root() + u"/Drafts/"_s + drafts().front()), "4");
 }
 
 TEST_F(SessionStoreTest, AFullDiskIsToldOfOnceAndTriedAgain)
@@ -586,24 +397,24 @@ TEST_F(SessionStoreTest, AFullDiskIsToldOfOnceAndTriedAgain)
     store->onProblem([&](const Error &error) { problems.push_back(error.code); });
     auto text = document({}, firstId);
     edit(*text, u"old"_s);
-    store->write(snapshotOf(*store, {text.get()}));
+    store->write(sessionOf(*store, {text.get()}));
     ASSERT_TRUE(isWritten(*store));
     calls.before = [](const char *call) { return std::string(call) == "write" ? ENOSPC : 0; };
     edit(*text, u"new"_s);
     for (int tick = 0; tick < 3; ++tick) {
-        store->write(snapshotOf(*store, {text.get()}));
+        store->write(sessionOf(*store, {text.get()}));
         ASSERT_TRUE(isWritten(*store));
     }
     QCoreApplication::processEvents();
     EXPECT_EQ(problems, std::vector{ENOSPC});
     EXPECT_FALSE(store->keepsUnsavedText());
-    EXPECT_EQ(contentOf(root() + u"/Drafts/"_s + drafts().front()), "old") << "better than none";
+    EXPECT_EQ(read(root() + u"/Drafts/"_s + drafts().front()), "old") << "better than none";
     calls.before = nullptr;
-    store->write(snapshotOf(*store, {text.get()}));
+    store->write(sessionOf(*store, {text.get()}));
     ASSERT_TRUE(isWritten(*store));
     QCoreApplication::processEvents();
     EXPECT_TRUE(store->keepsUnsavedText());
-    EXPECT_EQ(contentOf(root() + u"/Drafts/"_s + drafts().front()), "new");
+    EXPECT_EQ(read(root() + u"/Drafts/"_s + drafts().front()), "new");
     EXPECT_EQ(drafts().size(), 1);
     EXPECT_EQ(problems.size(), 1U);
 }
@@ -629,7 +440,7 @@ TEST_F(SessionStoreTest, FilesThatDoNotAnswerAreWaitedForInTheirTabs)
     text.setLineEnding(LineEnding::cr);
     EXPECT_FALSE(text.save(path));
     EXPECT_FALSE(text.isDirty());
-    EXPECT_EQ(contentOf(path), "first\r\nsecond\r\n");
+    EXPECT_EQ(read(path), "first\r\nsecond\r\n");
     EXPECT_EQ(text.lastSelectedRange, (TextRange{7, 3}));
 
     held.finish();

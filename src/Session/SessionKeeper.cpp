@@ -1,0 +1,131 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Session/SessionKeeper.h"
+
+#include "Model/DocumentStore.h"
+#include "Session/SessionStore.h"
+#include "Settings/Preferences.h"
+
+namespace {
+
+constexpr double shortestInterval = 0.5;
+constexpr double longestInterval = 24 * 60 * 60;
+/// Of the interval: a pause of that length is taken for the end of typing.
+constexpr int pauseShare = 3;
+
+} // namespace
+
+SessionKeeper::SessionKeeper(Scheduler &scheduler, NotificationCenter &notifications, const Preferences &preferences,
+                             DocumentStore &documents, SessionStore &store)
+    : m_scheduler(scheduler), m_preferences(preferences), m_documents(documents), m_store(store),
+      m_preferencesObserver(notifications.observe(Preferences::didChange, nullptr, [this] { startTimer(); }))
+{
+    startTimer();
+}
+
+void SessionKeeper::startTimer()
+{
+    const double seconds = std::clamp(m_preferences.value(Settings::autosaveInterval), shortestInterval, longestInterval);
+    m_interval = Scheduler::Milliseconds(qint64(seconds * 1000));
+    m_timer = m_scheduler.every(m_interval, m_interval / 2, [this] { performAutosave(); });
+}
+
+void SessionKeeper::noteActivity()
+{
+    m_lastActivity = m_scheduler.now();
+    if (!m_pause.isPending()) {
+        m_pause = m_scheduler.after(m_interval / pauseShare, [this] { autosaveIfQuiet(); });
+    }
+}
+
+void SessionKeeper::autosaveIfQuiet()
+{
+    const Scheduler::Milliseconds left = m_lastActivity + m_interval / pauseShare - m_scheduler.now();
+    if (left > Scheduler::Milliseconds(0)) {
+        m_pause = m_scheduler.after(left, [this] { autosaveIfQuiet(); });
+    } else {
+        performAutosave();
+    }
+}
+
+void SessionKeeper::performAutosave()
+{
+    if (m_preferences.value(Settings::autosaveToDisk)) {
+        saveToFiles();
+    }
+    const DraftNames drafts = writeDrafts();
+    if (const auto windows = layouts(); wantsSession(windows)) {
+        writeSession(windows[m_windows->frontmostLayout()], drafts);
+    }
+}
+
+void SessionKeeper::keep()
+{
+    if (const auto windows = layouts(); wantsSession(windows)) {
+        writeSession(windows[m_windows->frontmostLayout()], writeDrafts());
+    }
+}
+
+bool SessionKeeper::keepAndWait(std::chrono::milliseconds patience)
+{
+    const auto windows = layouts();
+    if (wantsSession(windows)) {
+        writeSession(windows.back(), writeDrafts());
+    }
+    const bool isWritten = m_store.waitUntilWritten(patience);
+    const auto isUnsaved = [](const auto &document) { return document->hasUnsavedText(); };
+    const bool hasUnsavedText = std::ranges::any_of(windows, [&](const WindowLayout &window) {
+        return std::ranges::any_of(window.panes, [&](const auto &pane) { return std::ranges::any_of(pane.documents, isUnsaved); });
+    });
+    return !hasUnsavedText || (isWritten && m_store.keepsUnsavedText());
+}
+
+std::vector<WindowLayout> SessionKeeper::layouts() const
+{
+    return m_windows ? m_windows->layouts() : std::vector<WindowLayout>();
+}
+
+bool SessionKeeper::wantsSession(const std::vector<WindowLayout> &layouts) const
+{
+    return m_preferences.value(Settings::restoreSession) && !layouts.empty();
+}
+
+void SessionKeeper::saveToFiles()
+{
+    for (const auto &document : std::vector(m_documents.documents())) {
+        if (document->isDirty() && !document->isUntitled() && document->externalState() == TextDocument::ExternalState::none) {
+            // One that fails leaves the text dirty, and so it gets a draft.
+            std::ignore = document->save(document->path());
+        }
+    }
+}
+
+DraftNames SessionKeeper::writeDrafts()
+{
+    DraftNames drafts;
+    for (const auto &document : m_documents.documents()) {
+        if (!document->isDirty() && !document->hasUnsavedText()) {
+            continue;
+        }
+        if (const auto name = m_store.writeDraft(*document)) {
+            drafts.emplace(document->id(), *name);
+        }
+    }
+    return drafts;
+}
+
+void SessionKeeper::writeSession(const WindowLayout &window, const DraftNames &drafts)
+{
+    m_windows->rememberPlaces();
+    m_store.write(snapshotOf(window, m_documents.documents(), drafts));
+}
+
+std::optional<WindowLayout> SessionKeeper::restore()
+{
+    if (!m_preferences.value(Settings::restoreSession)) {
+        return std::nullopt;
+    }
+    const SessionStore::Saved saved = m_store.read();
+    const std::vector<RestoredDocument> restored = restoreDocuments(saved, m_store, m_documents);
+    return restored.empty() ? std::nullopt : std::optional(layoutOf(saved.snapshot.value_or(SessionSnapshot()), restored));
+}

@@ -1,0 +1,255 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Session/SessionKeeper.h"
+
+#include "Highlighting/LanguageRegistry.h"
+#include "Session/SessionFixture.h"
+
+using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Documents = std::vector<std::shared_ptr<TextDocument>>;
+
+struct Windows final : SessionWindows {
+    std::vector<WindowLayout> shown;
+    size_t frontmost = 0;
+
+    void rememberPlaces() override {}
+    [[nodiscard]] std::vector<WindowLayout> layouts() const override { return shown; }
+    [[nodiscard]] size_t frontmostLayout() const override { return frontmost; }
+};
+
+class SessionKeeperTest : public SessionFixture {
+protected:
+    SessionKeeperTest() { keeper.setWindows(&windows); }
+
+    std::shared_ptr<TextDocument> add(const QString &text, const QString &path = {})
+    {
+        return documents.add(document(text, QUuid::createUuid(), path)).shared_from_this();
+    }
+    std::shared_ptr<TextDocument> addFile(const QString &name, const QString &text)
+    {
+        put(name, text.toUtf8());
+        return add(text, root() + u'/' + name);
+    }
+    [[nodiscard]] static QList<QUuid> ids(const Documents &all)
+    {
+        QList<QUuid> ids;
+        std::ranges::transform(all, std::back_inserter(ids), &TextDocument::id);
+        return ids;
+    }
+    void showInWindow(const Documents &tabs) { windows.shown.push_back({.panes = {{tabs, 0}}}); }
+    /// As it is on disk.
+    SessionSnapshot kept()
+    {
+        EXPECT_TRUE(isWritten(*store));
+        return SessionSnapshot::fromJson(read(store->snapshotPath())).value_or(SessionSnapshot());
+    }
+    [[nodiscard]] QString draftOf(const TextDocument &document) const
+    {
+        EXPECT_TRUE(isWritten(*store));
+        return QString::fromUtf8(read(store->draftsDirectory() + u'/' + DraftFile::nameFor(document.id())));
+    }
+
+    std::unique_ptr<SessionStore> store = open();
+    Windows windows;
+    SessionKeeper keeper{scheduler, notifications, preferences, documents, *store};
+};
+
+} // namespace
+
+TEST_F(SessionKeeperTest, WhatWasTypedComesBackAsItWas)
+{
+    const auto text = add({});
+    edit(*text, u"\uFEFFä\u2028\r\U0001F600\n\xD800 end"_s);
+    text->setEncoding(TextEncoding::windows1252);
+    text->setLineEnding(LineEnding::cr);
+    text->setLanguage(*LanguageRegistry::withID(u"python"_s));
+    text->languageWasChosenManually = true;
+    text->lastSelectedRange = {3, 2};
+    const auto file = addFile(u"a.txt"_s, u"in the file"_s);
+    edit(*file, u"changed"_s);
+    file->lastScrollOffset = 7;
+    const auto empty = add({});
+    edit(*empty, u"x"_s);
+    edit(*empty, {});
+    const auto clean = addFile(u"b.txt"_s, u"b"_s);
+    clean->lastSelectedRange = {1, 500};
+    const auto keys = documents.add(TextDocument::generated(services, u"Keys"_s, u"text"_s, Language::plainText())).shared_from_this();
+    const auto other = add(u"of another window"_s);
+    const WindowLayout window{.panes = {{{keys, text, file}, 2}, {{file, empty, clean}, 0}},
+                              .activePane = 1,
+                              .orientation = Qt::Vertical,
+                              .frame = WindowFrame{1, 2, 300, 400}};
+    windows.shown = {window};
+    keeper.performAutosave();
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(drafts().size(), 3);
+    constexpr auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther | QFile::ExeGroup | QFile::ExeOther;
+    for (const QString &name : {root(), root() + u"/Drafts"_s, root() + u"/session.json"_s, root() + u"/Drafts/"_s + drafts().front()}) {
+        EXPECT_FALSE(QFileInfo(name).permissions() & others) << name.toStdString();
+    }
+
+    store.reset();
+    store = open();
+    DocumentStore restored(services, {});
+    SessionKeeper next(scheduler, notifications, preferences, restored, *store);
+    const std::optional<WindowLayout> back = next.restore();
+    ASSERT_TRUE(back && back->panes.size() == 2);
+    EXPECT_EQ(ids(back->panes[0].documents), ids({text, file}));
+    EXPECT_EQ(ids(back->panes[1].documents), ids({file, clean, other})) << "its window does not come back, its text does";
+    EXPECT_EQ(back->panes[0].selectedIndex, 1);
+    EXPECT_EQ(back->activePane, 1U);
+    EXPECT_EQ(back->orientation, Qt::Vertical);
+    EXPECT_EQ(back->frame, window.frame);
+    const TextDocument &first = *back->panes[0].documents[0];
+    EXPECT_EQ(first.storage().string(), u"\uFEFFä\u2028\r\U0001F600\n\uFFFD end"_s);
+    EXPECT_EQ(first.encoding(), TextEncoding::windows1252);
+    EXPECT_EQ(first.lineEnding(), LineEnding::cr);
+    EXPECT_EQ(first.language().id(), u"python"_s);
+    EXPECT_TRUE(first.languageWasChosenManually);
+    EXPECT_EQ(first.lastSelectedRange, (TextRange{3, 2}));
+    EXPECT_EQ(back->panes[1].documents[1]->lastSelectedRange, TextRange()) << "beyond the text";
+    TextDocument &second = *back->panes[0].documents[1];
+    EXPECT_EQ(second.path(), file->path());
+    EXPECT_EQ(second.storage().string(), u"changed"_s);
+    EXPECT_EQ(second.lastScrollOffset, 7);
+    // It counts as clean, but until it is saved it is kept.
+    EXPECT_FALSE(second.isDirty());
+    EXPECT_TRUE(second.hasUnsavedText());
+    const int steps = calls.steps;
+    EXPECT_EQ(store->writeDraft(second), DraftFile::nameFor(second.id()));
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(calls.steps, steps) << "it is there already";
+    ASSERT_TRUE(second.save(second.path()));
+    EXPECT_EQ(store->writeDraft(second), std::nullopt);
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(drafts().size(), 2);
+}
+
+TEST_F(SessionKeeperTest, NonsenseInASnapshotLosesNoText)
+{
+    const Documents all = {add(u"a"_s), add(u"b"_s), add(u"c"_s)};
+    const QUuid unknown = QUuid::createUuid();
+    const QUuid a = all[0]->id();
+    const QUuid b = all[1]->id();
+    // One text has lost its entry: nothing names it.
+    const std::vector<RestoredDocument> restored = {{a, all[0]}, {b, all[1]}, {{}, all[2]}};
+    struct Case {
+        const char *what;
+        QList<SessionSnapshot::Pane> panes;
+        qint64 focused;
+        std::vector<Documents> wanted;
+        std::vector<int> selected;
+        size_t active;
+    };
+    for (const auto &[what, panes, focused, wanted, selected, active] : std::to_array<Case>({
+             {"no panes", {}, 3, {all}, {0}, 0},
+             {"unknown and doubled tabs", {{{unknown, b, QUuid(), a, b}, 3}}, 0, {{all[1], all[0], all[2]}}, {1}, 0},
+             {"an empty pane in front", {{{unknown}, 0}, {{a}, 0}, {{b}, 0}}, 0, {{all[0], all[2]}, {all[1]}}, {0, 0}, 0},
+             {"the pane behind it is active", {{{unknown}, 0}, {{a}, 0}, {{a, b}, 1}}, 2, {{all[0]}, {all[0], all[1], all[2]}}, {0, 1}, 1},
+             {"indexes beyond everything", {{{a, b}, 9}}, -1, {all}, {0}, 0},
+         })) {
+        const WindowLayout window = layoutOf({.panes = panes, .focusedPaneIndex = focused, .windowFrame = u"?"_s}, restored);
+        ASSERT_EQ(window.panes.size(), wanted.size()) << what;
+        for (size_t index = 0; index < wanted.size(); ++index) {
+            EXPECT_EQ(window.panes[index].documents, wanted[index]) << what;
+            EXPECT_EQ(window.panes[index].selectedIndex, selected[index]) << what;
+        }
+        EXPECT_EQ(window.activePane, active) << what;
+        EXPECT_FALSE(window.frame) << what;
+    }
+    EXPECT_TRUE(layoutOf({}, {}).panes.empty());
+}
+
+TEST_F(SessionKeeperTest, TheSessionIsThatOfOneWindow)
+{
+    const auto file = addFile(u"a.txt"_s, u"a"_s);
+    const auto unsaved = add(u"typed"_s);
+    const auto other = addFile(u"b.txt"_s, u"b"_s);
+    showInWindow({file, unsaved});
+    showInWindow({other});
+    const auto tabs = [this] { return kept().panes.value(0).documentIDs; };
+    keeper.performAutosave();
+    EXPECT_EQ(tabs(), ids({file, unsaved}));
+    windows.frontmost = 1;
+    keeper.performAutosave();
+    EXPECT_EQ(tabs(), ids({other}));
+    EXPECT_EQ(kept().documents.size(), 2) << "the text of the other window is kept as well";
+    EXPECT_EQ(draftOf(*unsaved), u"typed"_s);
+    // The one that is left is the session, although nothing happened in it.
+    windows.shown.pop_back();
+    windows.frontmost = 0;
+    keeper.keep();
+    EXPECT_EQ(tabs(), ids({file, unsaved}));
+    // At the end it is that of the last one.
+    showInWindow({other});
+    EXPECT_TRUE(keeper.keepAndWait(1min));
+    EXPECT_EQ(tabs(), ids({other}));
+    preferences.set(Settings::autosaveDrafts, false);
+    EXPECT_FALSE(keeper.keepAndWait(1min)) << "a text would be lost";
+    // Without a window the session stays as it was.
+    windows.shown.clear();
+    keeper.performAutosave();
+    EXPECT_TRUE(keeper.keepAndWait(1min));
+    EXPECT_EQ(tabs(), ids({other}));
+}
+
+TEST_F(SessionKeeperTest, WritesAtItsTicksAfterAPauseAndNothingWhenIdle)
+{
+    const auto text = add(u"1"_s);
+    showInWindow({text});
+    const auto expectKept = [&](const QString &wanted, Scheduler::Milliseconds passed) {
+        scheduler.advance(passed);
+        EXPECT_EQ(draftOf(*text), wanted) << passed.count();
+    };
+    expectKept(u"unreadable"_s, 2999ms);
+    expectKept(u"1"_s, 1ms);
+    edit(*text, u"2"_s);
+    keeper.noteActivity();
+    scheduler.advance(900ms);
+    keeper.noteActivity();
+    expectKept(u"1"_s, 999ms);
+    expectKept(u"2"_s, 1ms);
+    const int steps = calls.steps;
+    scheduler.advance(10s);
+    ASSERT_TRUE(isWritten(*store));
+    EXPECT_EQ(calls.steps, steps);
+    // However the interval is set, it is half a second at least.
+    for (const double absurd : {1e300, -1.0, 0.1}) {
+        defaults.set("session.autosaveInterval"_L1, absurd);
+        preferences.set(Settings::showInvisibles, absurd > 0);
+    }
+    edit(*text, u"3"_s);
+    expectKept(u"2"_s, 499ms);
+    expectKept(u"3"_s, 1ms);
+    // Without a session there still are drafts.
+    preferences.set(Settings::restoreSession, false);
+    const SessionSnapshot before = kept();
+    showInWindow({});
+    windows.frontmost = 1;
+    edit(*text, u"4"_s);
+    expectKept(u"4"_s, 500ms);
+    keeper.keep();
+    EXPECT_EQ(kept(), before);
+}
+
+TEST_F(SessionKeeperTest, SavesToTheFilesThemselvesWhenThatIsWanted)
+{
+    const auto saved = addFile(u"a.txt"_s, u"a"_s);
+    const auto failing = addFile(u"gone/b.txt"_s, u"b"_s);
+    const auto untitled = add({});
+    preferences.set(Settings::autosaveToDisk, true);
+    for (const auto &each : {saved, failing, untitled}) {
+        edit(*each, u"typed"_s);
+    }
+    ASSERT_TRUE(QFile::remove(failing->path()) && QDir(root()).rmdir(u"gone"_s));
+    keeper.performAutosave();
+    EXPECT_EQ(read(saved->path()), "typed");
+    EXPECT_FALSE(saved->hasUnsavedText());
+    EXPECT_EQ(draftOf(*failing), u"typed"_s);
+    EXPECT_EQ(draftOf(*untitled), u"typed"_s);
+    EXPECT_EQ(drafts().size(), 2);
+}
