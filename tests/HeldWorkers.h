@@ -12,24 +12,23 @@ public:
     bool isHeld = true;
     /// Jobs so far.
     int count = 0;
+    /// Those that wait.
+    std::deque<std::function<void()>> jobs;
 
     void run(std::function<void()> job) override
     {
         ++count;
-        m_jobs.push_back(std::move(job));
+        jobs.push_back(std::move(job));
         if (!isHeld) {
             finish();
         }
     }
     void finish()
     {
-        while (!m_jobs.empty()) {
-            const auto job = std::move(m_jobs.front());
-            m_jobs.pop_front();
+        while (!jobs.empty()) {
+            const auto job = std::move(jobs.front());
+            jobs.pop_front();
             job();
         }
     }
-
-private:
-    std::deque<std::function<void()>> m_jobs;
 };

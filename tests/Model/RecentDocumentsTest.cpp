@@ -2,12 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "Model/RecentDocuments.h"
 
-#include <QCoreApplication>
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
+#include "HeldWorkers.h"
+#include "TestFolder.h"
 
-#include <gtest/gtest.h>
+#include <QCoreApplication>
 
 #include <sys/stat.h>
 
@@ -15,43 +13,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// A share that does not answer until it is told to.
-class HangingWorkers final : public Workers {
-public:
-    void run(std::function<void()> job) override { jobs.push_back(std::move(job)); }
-    void answer()
-    {
-        for (const auto &job : std::exchange(jobs, {})) {
-            job();
-        }
-    }
-
-    std::vector<std::function<void()>> jobs;
-};
-
-class RecentDocumentsTest : public testing::Test {
+class RecentDocumentsTest : public testing::Test, protected TestFolder {
 protected:
-    [[nodiscard]] QString path(const QString &name) const { return m_folder.filePath(name); }
-    [[nodiscard]] QString listFile() const { return path(u"data/Quillet/recent-documents.json"_s); }
-    [[nodiscard]] QByteArray written() const
-    {
-        QFile file(listFile());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
-    }
-    void put(const QString &file, const QByteArray &content) const
-    {
-        QDir().mkpath(QFileInfo(file).path());
-        QFile written(file);
-        ASSERT_TRUE(written.open(QIODevice::WriteOnly));
-        written.write(content);
-    }
+    [[nodiscard]] QString listFile() const { return path(listName); }
+    [[nodiscard]] QByteArray written() const { return read(listName); }
     [[nodiscard]] QStringList stored() { return pathsOf(RecentDocuments(listFile(), workers).entries()); }
     [[nodiscard]] static QStringList pathsOf(const std::vector<RecentDocuments::Entry> &entries)
     {
         QStringList paths;
-        for (const auto &entry : entries) {
-            paths << entry.path;
-        }
+        std::ranges::transform(entries, std::back_inserter(paths), &RecentDocuments::Entry::path);
         return paths;
     }
     [[nodiscard]] static mode_t mode(const QString &path)
@@ -60,10 +30,8 @@ protected:
         return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_mode & 07777 : 0;
     }
 
+    const QString listName = u"data/Quillet/recent-documents.json"_s;
     InlineWorkers workers;
-
-private:
-    QTemporaryDir m_folder;
 };
 
 } // namespace
@@ -125,7 +93,7 @@ TEST_F(RecentDocumentsTest, TakesNothingStrangeFromItsFile)
          R"({"path":"/9"},{"path":"/10"},{"path":"/11"}])",
          {u"/1"_s, u"/2"_s, u"/3"_s, u"/4"_s, u"/5"_s, u"/6"_s, u"/7"_s, u"/8"_s, u"/9"_s, u"/10"_s}}};
     for (const Case &tested : cases) {
-        put(listFile(), tested.content);
+        put(listName, tested.content);
         EXPECT_EQ(stored(), tested.paths) << tested.content.left(100).constData();
     }
     QFile::remove(listFile());
@@ -135,7 +103,7 @@ TEST_F(RecentDocumentsTest, TakesNothingStrangeFromItsFile)
 
 TEST_F(RecentDocumentsTest, KeepsTheBookmarksOfOthers)
 {
-    put(listFile(), R"([{"bookmark":"Qm9v","path":"/a"},{"bookmark":"a2V5","path":"/b"},{"path":"/c"}])");
+    put(listName, R"([{"bookmark":"Qm9v","path":"/a"},{"bookmark":"a2V5","path":"/b"},{"path":"/c"}])");
     RecentDocuments recent(listFile(), workers);
     recent.note({u"/b"_s, u"/d"_s});
     EXPECT_EQ(written(), R"([{"path":"/d"},{"bookmark":"a2V5","path":"/b"},{"bookmark":"Qm9v","path":"/a"},{"path":"/c"}])");
@@ -143,7 +111,7 @@ TEST_F(RecentDocumentsTest, KeepsTheBookmarksOfOthers)
 
 TEST_F(RecentDocumentsTest, GoesOnInMemoryWhenItCannotWrite)
 {
-    put(path(u"data"_s), "a file where the folder should be");
+    put(u"data"_s, "a file where the folder should be");
     for (const QString &file : {listFile(), QString()}) {
         RecentDocuments recent(file, workers);
         recent.note({u"/a"_s});
@@ -155,7 +123,7 @@ TEST_F(RecentDocumentsTest, HidesWhatIsGoneAndKeepsIt)
 {
     const QString there = path(u"there"_s);
     const QString gone = path(u"gone"_s);
-    put(there, "x");
+    put(u"there"_s, "x");
     RecentDocuments recent(listFile(), workers);
     recent.note({there, gone});
     EXPECT_EQ(pathsOf(recent.reachable()), QStringList(there));
@@ -163,30 +131,30 @@ TEST_F(RecentDocumentsTest, HidesWhatIsGoneAndKeepsIt)
     EXPECT_EQ(recent.resolve(gone), std::nullopt);
     EXPECT_EQ(recent.resolve(QDir::rootPath()), std::nullopt) << "is there, but no entry";
     EXPECT_EQ(stored(), QStringList({gone, there}));
-    put(gone, "x");
+    put(u"gone"_s, "x");
     EXPECT_EQ(pathsOf(recent.reachable()), QStringList({gone, there}));
 }
 
 TEST_F(RecentDocumentsTest, AShareThatHangsIsAskedOnce)
 {
     const QString there = path(u"there"_s);
-    put(there, "x");
-    HangingWorkers share;
+    put(u"there"_s, "x");
+    HeldWorkers share;
     RecentDocuments recent({}, share, std::chrono::milliseconds(0));
     recent.note({there, path(u"gone"_s)});
     EXPECT_EQ(pathsOf(recent.reachable()), QStringList());
     EXPECT_EQ(pathsOf(recent.reachable()), QStringList());
     EXPECT_EQ(recent.resolve(there), std::nullopt);
     EXPECT_EQ(share.jobs.size(), 2U);
-    share.answer();
+    share.finish();
     EXPECT_EQ(pathsOf(recent.reachable()), QStringList(there)) << "the answers are there, though the event loop did not bring them";
     EXPECT_TRUE(share.jobs.empty());
 
     EXPECT_EQ(recent.resolve(there), std::nullopt) << "asked anew";
-    share.answer();
+    share.finish();
     QCoreApplication::processEvents();
     QFile::remove(there);
     EXPECT_EQ(recent.resolve(there), std::nullopt) << "an answer that was too late is not kept";
-    share.answer();
+    share.finish();
     EXPECT_EQ(recent.resolve(there), std::nullopt);
 }
