@@ -110,12 +110,20 @@ const ActionRow *AppDelegate::actionFor(const Action &wanted) const
 
 MainWindowController &AppDelegate::makeWindow(MainWindowController::Content content)
 {
-    auto *window = new MainWindowController(m_services, *this, content);
+    auto *window = new MainWindowController(m_services, m_layouts, content);
     window->setNextResponder(this);
     MainMenu::install(*window, m_services.presenter, menuSources());
     window->toolbar().setMenuFiller(
         [this, window](QMenu &menu) { MainMenu::populateCompareMenu(menu, *window, m_services.presenter, menuSources()); });
     m_windows.push_back(window);
+    WorkspaceViewController &workspace = window->workspace();
+    connect(&workspace.documentActions(), &DocumentActions::comparisonRequested, this, &AppDelegate::openComparison);
+    connect(&workspace, &WorkspaceViewController::tabDetached, this, [this](TextDocument &document) {
+        WorkspaceViewController &other = openWindow();
+        other.adopt(document);
+        other.window()->raise();
+        other.window()->activateWindow();
+    });
     connect(window, &MainWindowController::closed, this, [this, window] { windowClosed(*window); });
     connect(window, &MainWindowController::closingRefused, this, [this] { m_isTerminating = false; });
     return *window;
@@ -139,12 +147,11 @@ MenuSources AppDelegate::menuSources() const
 void AppDelegate::windowClosed(MainWindowController &window)
 {
     std::erase(m_windows, &window);
+    window.workspace().retire();
     const bool isKept = m_services.session.keepsUnsavedText();
     // What nobody shows any more goes, but for texts that were not saved: the next start brings those back, or opening the file again.
-    for (const auto &document : window.workspace().documents()) {
-        const bool isShown = std::ranges::any_of(workspaces(), [&](const WorkspaceViewController *other) {
-            return std::ranges::any_of(other->panes(), [&](const PaneViewController *pane) { return pane->holds(*document); });
-        });
+    for (const auto &document : window.workspace().paneLayout().documents()) {
+        const bool isShown = m_layouts.countOf(*document) > 0;
         const bool isWanted = document->hasUnsavedText() && (isKept || !document->isUntitled());
         if (!isShown && !isWanted) {
             m_services.documents.remove(*document);
@@ -184,9 +191,9 @@ void AppDelegate::rememberActiveWindow()
     }
 }
 
-void AppDelegate::openComparison(DiffViewController::Side left, DiffViewController::Side right, const Language &language)
+void AppDelegate::openComparison(const DiffViewController::Side &left, const DiffViewController::Side &right, const Language &language)
 {
-    auto *window = new DiffWindowController(m_services, std::move(left), std::move(right), language);
+    auto *window = new DiffWindowController(m_services, left, right, language);
     window->setNextResponder(this);
     MainMenu::installKeys(*window, m_services.presenter);
     m_comparisons.push_back(window);

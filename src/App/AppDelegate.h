@@ -17,7 +17,7 @@ struct OpenRequest;
 class SettingsWindowController;
 
 /// The life of the process: its windows, the files handed to it, its end, and the commands that concern no window. Main thread only.
-class AppDelegate final : public QObject, public Responder, private WorkspaceHost, private SessionWindows {
+class AppDelegate final : public QObject, public Responder, private SessionWindows {
     Q_OBJECT
 
 public:
@@ -89,15 +89,18 @@ private:
 
     [[nodiscard]] MenuSources menuSources() const;
 
-    [[nodiscard]] WorkspaceViewController &openWindow() override;
-    void openComparison(DiffViewController::Side left, DiffViewController::Side right, const Language &language) override;
-    [[nodiscard]] std::vector<WorkspaceViewController *> workspaces() const override;
+    /// A new one, which has one empty untitled tab and is shown.
+    [[nodiscard]] WorkspaceViewController &openWindow();
+    /// Both texts side by side, with the colours of `language`.
+    void openComparison(const DiffViewController::Side &left, const DiffViewController::Side &right, const Language &language);
+    [[nodiscard]] std::vector<WorkspaceViewController *> workspaces() const;
 
     void rememberPlaces() override;
     [[nodiscard]] std::vector<WindowLayout> layouts() const override;
     [[nodiscard]] size_t frontmostLayout() const override;
 
     WorkspaceServices m_services;
+    PaneLayouts m_layouts;
     std::vector<MainWindowController *> m_windows;
     /// Those that are open.
     std::vector<DiffWindowController *> m_comparisons;

@@ -267,11 +267,18 @@ inline constexpr Action showFindInterface{.id = "showFindInterface:", .keys = fi
 inline constexpr Action closeWindowFromVim{"closeWindowFromVim:"};
 inline constexpr Action closeOtherSplits{"closeOtherSplits:"};
 inline constexpr Action focusPreviousPane{"focusPreviousPane:"};
+/// What is typed behind ":" in modal editing asks for these as well.
+inline constexpr Action saveAndClose{"saveAndClose:"};
+inline constexpr Action forceCloseTab{"forceCloseTab:"};
+/// What it represents is the name of the file; none means to read the document's own again.
+inline constexpr Action editFile{"editFile:"};
+inline constexpr Action revertWithoutAsking{"revertWithoutAsking:"};
 inline constexpr Action finishWaiting{"finishWaiting:"};
 inline constexpr Action abortWaiting{"abortWaiting:"};
 
-inline constexpr auto inNoMenu = std::to_array<const Action *>(
-    {&showFindInterface, &closeWindowFromVim, &closeOtherSplits, &focusPreviousPane, &finishWaiting, &abortWaiting});
+inline constexpr auto inNoMenu =
+    std::to_array<const Action *>({&showFindInterface, &closeWindowFromVim, &closeOtherSplits, &focusPreviousPane, &saveAndClose,
+                                   &forceCloseTab, &editFile, &revertWithoutAsking, &finishWaiting, &abortWaiting});
 
 /// Those of the menu bar in its order, each once.
 [[nodiscard]] std::vector<const Action *> inMenus();

@@ -28,11 +28,6 @@ QStringList filesOf(const QDropEvent &event)
 EditorTextView::EditorTextView(TextStorage &storage, UndoManager &undoManager, const Services &services, const QFont &font, QWidget *parent)
     : NumberedTextView(storage, undoManager, {services.scheduler, services.pasteboard}, font, parent), m_beep(services.beep)
 {
-    connect(this, &TextView::selectionChanged, this, [this] {
-        if (m_delegate) {
-            m_delegate->editorTextViewDidChangeSelection(*this);
-        }
-    });
     connect(this, &TextView::contextMenuRequested, this, &EditorTextView::addCommands);
 }
 
@@ -198,16 +193,12 @@ void EditorTextView::deleteLine()
 void EditorTextView::focusInEvent(QFocusEvent *event)
 {
     TextView::focusInEvent(event);
-    if (m_delegate) {
-        m_delegate->editorTextViewWantsFocus(*this);
-    }
+    emit activated();
 }
 
 void EditorTextView::mousePressEvent(QMouseEvent *event)
 {
-    if (m_delegate) {
-        m_delegate->editorTextViewWantsFocus(*this);
-    }
+    emit activated();
     TextView::mousePressEvent(event);
 }
 
@@ -235,12 +226,12 @@ void EditorTextView::dragMoveEvent(QDragMoveEvent *event)
 void EditorTextView::dropEvent(QDropEvent *event)
 {
     const QStringList paths = filesOf(*event);
-    if (paths.isEmpty() || !m_delegate) {
+    if (paths.isEmpty()) {
         TextView::dropEvent(event);
         return;
     }
     setDropCaret({});
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    m_delegate->editorTextViewDidDropFiles(*this, paths);
+    emit filesDropped(paths);
 }

@@ -6,21 +6,7 @@
 #include "Highlighting/Language.h"
 #include "Text/LineEditing.h"
 
-class EditorTextView;
 class EditorVim;
-
-/// What an EditorTextView tells its editor.
-class EditorTextViewDelegate {
-public:
-    /// It got the focus or was clicked.
-    virtual void editorTextViewWantsFocus(EditorTextView &view) = 0;
-    virtual void editorTextViewDidChangeSelection(EditorTextView &view) = 0;
-    /// Absolute paths of files that exist.
-    virtual void editorTextViewDidDropFiles(EditorTextView &view, const QStringList &paths) = 0;
-
-protected:
-    ~EditorTextViewDelegate() = default;
-};
 
 /// A text view for source code: tab stops, indentation, comments, and whole lines. Files that are dropped on it
 /// go to its editor; with Alt held their names become text.
@@ -38,8 +24,6 @@ public:
 
     EditorTextView(TextStorage &storage, UndoManager &undoManager, const Services &services, const QFont &font, QWidget *parent = nullptr);
 
-    /// Must outlive the view or be taken back by null.
-    void setEditorDelegate(EditorTextViewDelegate *delegate) { m_delegate = delegate; }
     void setIndentation(Indentation indentation);
     [[nodiscard]] Indentation indentation() const { return m_indentation; }
     void setAutoIndent(AutoIndent autoIndent) { m_autoIndent = autoIndent; }
@@ -59,6 +43,12 @@ public:
     void deleteLine();
 
     [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
+
+signals:
+    /// It got the focus or was clicked.
+    void activated();
+    /// Absolute paths of files that exist.
+    void filesDropped(const QStringList &paths);
 
 protected:
     void willReplay() override;
@@ -80,7 +70,6 @@ private:
     void apply(const std::optional<LineEdit> &edit, GroupKind kind = GroupKind::other);
     void addCommands(QMenu *menu);
 
-    EditorTextViewDelegate *m_delegate = nullptr;
     EditorVim *m_vim = nullptr;
     std::function<void()> m_beep;
     Indentation m_indentation;

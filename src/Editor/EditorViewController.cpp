@@ -10,6 +10,7 @@
 #include "Editor/LineNumberRulerView.h"
 #include "Editor/SpellingController.h"
 #include "Editor/SpellingPanel.h"
+#include "Editor/SubstitutionRunner.h"
 #include "Editor/ThemePalette.h"
 #include "Find/FindBar.h"
 #include "Find/TextFinder.h"
@@ -29,6 +30,7 @@
 namespace {
 
 constexpr QSize startSize(800, 600);
+constexpr Scheduler::Milliseconds messageTime{5000};
 
 } // namespace
 
@@ -48,7 +50,6 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
     m_stack->setSpacing(0);
     m_stack->addWidget(m_findBar);
     m_stack->addWidget(m_textView, 1);
-    m_textView->setEditorDelegate(this);
     applyAccess();
     m_awaitsText = m_document->isWaiting();
     m_textView->setLanguage(document.language());
@@ -64,8 +65,9 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
 EditorViewController::~EditorViewController()
 {
     // The view may still tell of losing the focus while it goes.
-    m_textView->setEditorDelegate(nullptr);
-    m_delegate = nullptr;
+    m_textView->disconnect(this);
+    blockSignals(true);
+    m_substitutions.reset();
     m_vim.reset();
     m_spelling.reset();
     delete m_textView;
@@ -110,6 +112,14 @@ void EditorViewController::observe()
         }
     });
     connect(m_textView, &TextView::visibleRowsChanged, this, &EditorViewController::scheduleVisibleHighlight);
+    connect(m_textView, &TextView::selectionChanged, this, &EditorViewController::stateChanged);
+    connect(m_textView, &EditorTextView::filesDropped, this, &EditorViewController::filesDropped);
+    connect(m_textView, &EditorTextView::activated, this, [this] {
+        if (m_spelling) {
+            m_services.spellingPanel->follow(*m_spelling);
+        }
+        emit activated();
+    });
     connect(m_textView, &TextView::zoomRequested, this, [this](int steps) {
         m_services.preferences.set(Settings::fontSize, m_services.preferences.value(Settings::fontSize) + steps);
     });
@@ -180,22 +190,12 @@ void EditorViewController::applyVimMode()
         m_vim->engine().setKeymap(preset);
     } else {
         m_vim = std::make_unique<EditorVim>(*m_textView, m_services.registers, preset,
-                                            EditorVim::Callbacks{.stateChanged =
-                                                                     [this] {
-                                                                         if (m_delegate) {
-                                                                             m_delegate->editorDidChangeVimState(*this);
-                                                                         }
-                                                                     },
-                                                                 .runCommand =
-                                                                     [this](const QString &command) {
-                                                                         if (m_delegate) {
-                                                                             m_delegate->editorRunsVimCommand(*this, command);
-                                                                         }
-                                                                     },
+                                            EditorVim::Callbacks{.stateChanged = [this] { emit stateChanged(); },
+                                                                 .runCommand = [this](const QString &command) { runCommand(command); },
                                                                  .beep = [&presenter = m_services.presenter] { presenter.beep(); }});
     }
-    if (wasOn != (m_vim != nullptr) && m_delegate) {
-        m_delegate->editorDidChangeVimState(*this);
+    if (wasOn != (m_vim != nullptr)) {
+        emit stateChanged();
     }
 }
 
@@ -225,8 +225,8 @@ void EditorViewController::applyIndentation()
     const bool isOther = m_textView->indentation() != indentation;
     m_textView->setIndentation(indentation);
     // Who shows it may have heard of the cause before this editor did.
-    if (isOther && m_delegate) {
-        m_delegate->editorDidChangeIndentation(*this);
+    if (isOther) {
+        emit stateChanged();
     }
 }
 
@@ -303,8 +303,7 @@ void EditorViewController::updateBanner()
     }
     if (!m_banner) {
         m_banner = new ExternalChangeBanner(this);
-        // What fails leaves all as it was, the banner too.
-        m_banner->onReload = [this] { std::ignore = m_document->revertToFileOnDisk(); };
+        m_banner->onReload = [this] { reload(); };
         m_banner->onKeep = [this] { m_document->clearExternalState(); };
         m_banner->onSave = [this] { saveAgain(); };
         m_stack->insertWidget(0, m_banner);
@@ -350,6 +349,15 @@ QWidget *EditorViewController::banner() const
     return m_banner ? m_banner : m_awaitedBanner;
 }
 
+/// What fails leaves all as it was, the banner too.
+void EditorViewController::reload()
+{
+    if (const auto reverted = m_document->revertToFileOnDisk(); !reverted) {
+        m_services.presenter.present(
+            Alert::forError(reverted.error().description(), reverted.error().recoverySuggestion().value_or(QString())), window(), {});
+    }
+}
+
 void EditorViewController::saveAgain()
 {
     if (m_document->isUntitled()) {
@@ -357,6 +365,46 @@ void EditorViewController::saveAgain()
     }
     if (const Result<void> saved = m_document->save(m_document->path()); !saved) {
         m_services.presenter.present(Alert::forError(saved.error().message), window(), {});
+    }
+}
+
+// Ex commands
+
+void EditorViewController::runCommand(const QString &command)
+{
+    VimExCommand::run(command, *this, m_services.preferences);
+    settleCaret();
+}
+
+/// Behind a change or a jump: on a character, where a key would have left it.
+void EditorViewController::settleCaret()
+{
+    if (m_vim && m_vim->engine().mode() == VimEngine::Mode::normal) {
+        m_vim->engine().settleCaret();
+    }
+}
+
+void EditorViewController::showVimMessage(const QString &message)
+{
+    emit messageShown(message, messageTime);
+}
+
+void EditorViewController::substitute(const VimSubstitution &substitution)
+{
+    if (!m_substitutions) {
+        m_substitutions = std::make_unique<SubstitutionRunner>(SubstitutionRunner::Services{
+            .scheduler = m_services.scheduler,
+            .workers = m_services.workers,
+            .tell = [this](const QString &message, Scheduler::Milliseconds duration) { emit messageShown(message, duration); },
+            .changed = [this](const TextView & /*view*/) { settleCaret(); }});
+    }
+    m_substitutions->run(*m_textView, substitution);
+}
+
+void EditorViewController::performCommand(const Action &action, const QString &argument)
+{
+    if (!perform(action, argument)) {
+        m_services.presenter.beep();
     }
 }
 
@@ -405,31 +453,5 @@ void EditorViewController::showSpellingPanel()
 {
     if (m_spelling) {
         m_spelling->showPanel();
-    }
-}
-
-// From the text view
-
-void EditorViewController::editorTextViewWantsFocus(EditorTextView & /*view*/)
-{
-    if (m_spelling) {
-        m_services.spellingPanel->follow(*m_spelling);
-    }
-    if (m_delegate) {
-        m_delegate->editorWantsFocus(*this);
-    }
-}
-
-void EditorViewController::editorTextViewDidChangeSelection(EditorTextView & /*view*/)
-{
-    if (m_delegate) {
-        m_delegate->editorDidChangeSelection(*this);
-    }
-}
-
-void EditorViewController::editorTextViewDidDropFiles(EditorTextView & /*view*/, const QStringList &paths)
-{
-    if (m_delegate) {
-        m_delegate->editorDidDropFiles(*this, paths);
     }
 }

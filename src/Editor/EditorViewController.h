@@ -6,6 +6,8 @@
 #include "Commands/Responder.h"
 #include "Editor/EditorTextView.h"
 
+#include "Vim/VimExCommands.h"
+
 #include <QWidget>
 
 #include <memory>
@@ -14,7 +16,6 @@
 class AlertPresenter;
 class DocumentStore;
 class EditorVim;
-class EditorViewController;
 class ExternalChangeBanner;
 class FindBar;
 class FindState;
@@ -23,6 +24,7 @@ class QVBoxLayout;
 class SpellChecker;
 class SpellingController;
 class SpellingPanel;
+class SubstitutionRunner;
 class TextDocument;
 class TextFinder;
 class VimRegisters;
@@ -44,27 +46,10 @@ struct EditorServices {
     SpellingPanel *spellingPanel = nullptr;
 };
 
-/// What an editor tells the pane that holds it.
-class EditorViewControllerDelegate {
-public:
-    virtual void editorWantsFocus(EditorViewController &editor) = 0;
-    virtual void editorDidChangeSelection(EditorViewController &editor) = 0;
-    /// By the preferences or by the language of its document.
-    virtual void editorDidChangeIndentation(EditorViewController &editor) = 0;
-    virtual void editorDidChangeVimState(EditorViewController &editor) = 0;
-    /// What was entered in its command line.
-    virtual void editorRunsVimCommand(EditorViewController &editor, const QString &command) = 0;
-    /// Absolute paths of files that exist.
-    virtual void editorDidDropFiles(EditorViewController &editor, const QStringList &paths) = 0;
-
-protected:
-    ~EditorViewControllerDelegate() = default;
-};
-
 /// One editor for one document: the text with its line numbers, a banner when others changed the file, and everything set as the
 /// preferences and the document's language want. Several editors may show a document; they share its text, colours and history, each has
 /// its own layout, caret and scroll position. Only what is seen, and half a view around it, is coloured. Main thread only.
-class EditorViewController final : public QWidget, public Responder, private EditorTextViewDelegate {
+class EditorViewController final : public QWidget, public Responder, private VimCommandHost {
     Q_OBJECT
 
 public:
@@ -75,15 +60,13 @@ public:
     EditorViewController(const EditorServices &services, TextDocument &document, QWidget *parent = nullptr);
     ~EditorViewController() override;
 
-    /// Must outlive the editor or be taken back by null.
-    void setDelegate(EditorViewControllerDelegate *delegate) { m_delegate = delegate; }
     [[nodiscard]] TextDocument &document() { return *m_document; }
     [[nodiscard]] EditorTextView &textView() { return *m_textView; }
     /// Null while nothing is to be said of the file.
     [[nodiscard]] QWidget *banner() const;
 
     /// Puts the caret at the start of a line, from 1, and shows where that is; clamped to the lines there are.
-    void scrollToLine(qsizetype line);
+    void scrollToLine(qsizetype line) override;
     /// Has the document remember caret and scroll position for the next editor of it.
     void saveViewState();
     /// Null while modal editing is off.
@@ -92,6 +75,16 @@ public:
     [[nodiscard]] SpellingController *spelling() { return m_spelling.get(); }
 
     [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
+
+signals:
+    /// Its text got the focus or was clicked.
+    void activated();
+    /// Its selection, its indentation or the state of its modal editing is another.
+    void stateChanged();
+    /// Something to be said for so long.
+    void messageShown(const QString &message, Scheduler::Milliseconds duration);
+    /// Absolute paths of files that exist.
+    void filesDropped(const QStringList &paths);
 
 protected:
     bool event(QEvent *event) override;
@@ -115,7 +108,14 @@ private:
     void updateBanner();
     void updateAwaitedBanner();
     void dropBanner(ExternalChangeBanner *&banner);
+    void reload();
     void saveAgain();
+
+    void runCommand(const QString &command);
+    void settleCaret();
+    void showVimMessage(const QString &message) override;
+    void substitute(const VimSubstitution &substitution) override;
+    void performCommand(const Action &action, const QString &argument) override;
 
     void makeSpelling();
     void toggleSpelling();
@@ -125,13 +125,8 @@ private:
     void showSpellingPanel();
     [[nodiscard]] bool hasSpelling() const { return m_spelling != nullptr; }
 
-    void editorTextViewWantsFocus(EditorTextView &view) override;
-    void editorTextViewDidChangeSelection(EditorTextView &view) override;
-    void editorTextViewDidDropFiles(EditorTextView &view, const QStringList &paths) override;
-
     EditorServices m_services;
     std::shared_ptr<TextDocument> m_document;
-    EditorViewControllerDelegate *m_delegate = nullptr;
     QVBoxLayout *m_stack;
     EditorTextView *m_textView;
     ExternalChangeBanner *m_banner = nullptr;
@@ -141,6 +136,8 @@ private:
     FindBar *m_findBar;
     std::unique_ptr<SpellingController> m_spelling;
     std::unique_ptr<EditorVim> m_vim;
+    /// Made when it is needed first.
+    std::unique_ptr<SubstitutionRunner> m_substitutions;
     /// The user's place is still to be shown, in a text that has not come.
     bool m_awaitsText = false;
     DelayedTask m_visibleHighlightWork;

@@ -33,6 +33,7 @@ void DocumentStore::remove(const TextDocument &document)
     const std::shared_ptr<TextDocument> removed = *place;
     m_documents.erase(place);
     m_services.notifications.post(didChange, this);
+    emit this->removed(*removed);
 }
 
 TextDocument *DocumentStore::documentAt(const QString &path) const

@@ -5,11 +5,15 @@
 #include "Base/Appearance.h"
 #include "Model/TextDocument.h"
 
+#include <QObject>
+
 #include <memory>
 #include <vector>
 
 /// All open documents. It owns them, gives each its highlighter, and keeps their colours those of the chosen theme. Main thread only.
-class DocumentStore final {
+class DocumentStore final : public QObject {
+    Q_OBJECT
+
 public:
     /// A document was added or removed; about the store.
     static constexpr NotificationName didChange = "QLT.DocumentStoreDidChange";
@@ -31,6 +35,10 @@ public:
     /// The theme or the desktop's appearance changed.
     void refreshAppearance();
     [[nodiscard]] const Theme &theme() const;
+
+signals:
+    /// It is not here any more; whoever shows it has to let it go.
+    void removed(const TextDocument &document);
 
 private:
     DocumentServices m_services;

@@ -47,8 +47,8 @@ QWidget *firstStop(QWidget &region)
 
 } // namespace
 
-MainWindowController::MainWindowController(const WorkspaceServices &services, WorkspaceHost &host, Content content)
-    : m_services(services), m_workspace(new WorkspaceViewController(services, host, this)),
+MainWindowController::MainWindowController(const WorkspaceServices &services, PaneLayouts &layouts, Content content)
+    : m_services(services), m_workspace(new WorkspaceViewController(services, layouts, this)),
       m_toolbar(new EditorToolbarController(*this, {services.scheduler, services.notifications, services.preferences, services.presenter}))
 {
     WindowAccessible::install();
@@ -64,7 +64,6 @@ MainWindowController::MainWindowController(const WorkspaceServices &services, Wo
         m_workspace->setWindowLayout(*layout);
         return;
     }
-    m_workspace->addPane({}, 0);
     if (content == Content::untitledTab) {
         m_workspace->openUntitled();
     }
@@ -196,7 +195,7 @@ void MainWindowController::keyPressEvent(QKeyEvent *event)
 
 void MainWindowController::closeEvent(QCloseEvent *event)
 {
-    Documents dirty = m_workspace->documents();
+    PaneLayout::Documents dirty = m_workspace->paneLayout().documents();
     // A text from a draft counts as clean: as long as drafts are kept, it comes back.
     const bool isKept = m_services.session.keepsUnsavedText();
     std::erase_if(dirty, [isKept](const auto &document) { return isKept ? !document->isDirty() : !document->hasUnsavedText(); });
@@ -210,7 +209,7 @@ void MainWindowController::closeEvent(QCloseEvent *event)
             }
             return;
         }
-        confirmClosingAll(dirty, [this](bool mayClose) {
+        m_workspace->documentActions().confirmClosing(dirty, [this](bool mayClose) {
             m_closing = mayClose ? Closing::allowed : Closing::notAsked;
             if (mayClose) {
                 close();
@@ -231,45 +230,4 @@ void MainWindowController::closeEvent(QCloseEvent *event)
         m_services.keeper.keep();
         emit closed();
     }
-}
-
-void MainWindowController::confirmClosingAll(const Documents &documents, const Completion &completion)
-{
-    QStringList names;
-    for (const auto &document : documents) {
-        names << document->displayName();
-    }
-    const bool isOne = documents.size() == 1;
-    const QString consequence =
-        !isOne && m_services.session.keepsUnsavedText()
-            ? localized(u"Unsaved changes are kept as local drafts and will be restored the next time you open Quillet.")
-            : localized(u"Your changes will be lost if you don’t save them.");
-    const Alert question{.messageText = isOne ? formatted(localized(u"Do you want to save the changes made to “%@”?"), names.first())
-                                              : formatted(localized(u"You have %d documents with unsaved changes."), int(documents.size())),
-                         .informativeText = isOne ? consequence : names.join(u", "_s) + u"\n\n"_s + consequence,
-                         .buttons = {{localized(isOne ? u"Save" : u"Save All")},
-                                     {localized(u"Cancel"), AlertButtonRole::cancel},
-                                     {localized(u"Close Without Saving"), AlertButtonRole::destructive}}};
-    m_services.presenter.present(question, this, [this, documents, completion](const AlertReply &reply) {
-        if (reply.button == AlertReply::firstButton) {
-            saveAll(documents, completion);
-        } else {
-            completion(reply.button == AlertReply::thirdButton);
-        }
-    });
-}
-
-void MainWindowController::saveAll(const Documents &documents, const Completion &completion)
-{
-    if (documents.empty()) {
-        completion(true);
-        return;
-    }
-    m_workspace->save(*documents.front(), [this, documents, completion](bool isSaved) {
-        if (isSaved) {
-            saveAll(Documents(documents.begin() + 1, documents.end()), completion);
-        } else {
-            completion(false);
-        }
-    });
 }

@@ -18,7 +18,8 @@ public:
     /// on.
     enum class Content { untitledTab, session, nothing };
 
-    MainWindowController(const WorkspaceServices &services, WorkspaceHost &host, Content content = Content::untitledTab);
+    /// `layouts` has those of all windows.
+    MainWindowController(const WorkspaceServices &services, PaneLayouts &layouts, Content content = Content::untitledTab);
     ~MainWindowController() override;
 
     [[nodiscard]] WorkspaceViewController &workspace() { return *m_workspace; }
@@ -42,11 +43,6 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    using Documents = PaneViewController::Documents;
-    using Completion = WorkspaceViewController::Completion;
-
-    void confirmClosingAll(const Documents &documents, const Completion &completion);
-    void saveAll(const Documents &documents, const Completion &completion);
     void updateTitle();
     void restoreFrame();
     void performClose() { close(); }

@@ -103,11 +103,7 @@ void StatusBarView::makeControls()
     becomeNotice(*m_flashLabel);
     m_flashLabel->hide();
     m_positionButton = new FlatButton(this);
-    connect(m_positionButton, &QAbstractButton::clicked, this, [this] {
-        if (m_delegate) {
-            m_delegate->statusBarDidClickPosition();
-        }
-    });
+    connect(m_positionButton, &QAbstractButton::clicked, this, &StatusBarView::positionClicked);
     const auto popUp = [this](void (StatusBarView::*choose)(int)) {
         auto *made = new PopUpButton(m_scheduler, this);
         connect(made, &PopUpButton::chosen, this, choose);
@@ -319,30 +315,22 @@ void StatusBarView::flash(const QString &message, Scheduler::Milliseconds durati
 
 void StatusBarView::chooseLanguage(int index)
 {
-    if (m_delegate) {
-        // A copy, since the list may be made anew meanwhile.
-        const Language chosen = m_sortedLanguages.at(size_t(index));
-        m_delegate->statusBarDidChooseLanguage(chosen);
-    }
+    // A copy, since the list may be made anew meanwhile.
+    const Language chosen = m_sortedLanguages.at(size_t(index));
+    emit languageChosen(chosen);
 }
 
 void StatusBarView::chooseEncoding(int index)
 {
-    if (m_delegate) {
-        m_delegate->statusBarDidChooseEncoding(TextFile::selectableEncodings.at(size_t(index)));
-    }
+    emit encodingChosen(TextFile::selectableEncodings.at(size_t(index)));
 }
 
 void StatusBarView::chooseLineEnding(int index)
 {
-    if (m_delegate) {
-        m_delegate->statusBarDidChooseLineEnding(index);
-    }
+    emit lineEndingChosen(lineEndings.at(size_t(index)).ending);
 }
 
 void StatusBarView::chooseIndentation(int index)
 {
-    if (m_delegate) {
-        m_delegate->statusBarDidChooseIndentation(indentChoices.at(size_t(index)));
-    }
+    emit indentationChosen(indentChoices.at(size_t(index)));
 }

@@ -21,23 +21,9 @@ class PopUpButton;
 class VimBadge;
 struct Theme;
 
-/// What a status bar reports of the user's choices. The bar shows what it was last told: a choice shows when `setState` says so.
-class StatusBarViewDelegate {
-public:
-    virtual void statusBarDidChooseLanguage(const Language &language) = 0;
-    virtual void statusBarDidChooseEncoding(TextEncoding encoding) = 0;
-    /// An index of `lineEndings`.
-    virtual void statusBarDidChooseLineEnding(int index) = 0;
-    virtual void statusBarDidChooseIndentation(Indentation indentation) = 0;
-    virtual void statusBarDidClickPosition() = 0;
-
-protected:
-    ~StatusBarViewDelegate() = default;
-};
-
 /// The bar below the panes of a window: where the caret is, what the document is, and short messages. It knows no document; it shows the
-/// state it is given and reports choices. Where the window is narrow the path gives way first, then the controls, the least important
-/// first. Main thread only.
+/// state it was last given and tells what the user chose. Where the window is narrow the path gives way first, then the controls, the least
+/// important first. Main thread only.
 class StatusBarView final : public QWidget {
     Q_OBJECT
 
@@ -80,8 +66,6 @@ public:
     StatusBarView(Scheduler &scheduler, NotificationCenter &notifications, QWidget *parent = nullptr);
     ~StatusBarView() override;
 
-    /// Must outlive the bar or be taken back by null.
-    void setDelegate(StatusBarViewDelegate *delegate) { m_delegate = delegate; }
     /// `theme` must outlive the bar, as the built-in ones do.
     void setTheme(const Theme &theme);
     /// None: there is no document. An encoding or indentation that the menus do not have leaves their choice as it was.
@@ -94,6 +78,11 @@ public:
 
 signals:
     void flashed(const QString &message);
+    void languageChosen(const Language &language);
+    void encodingChosen(TextEncoding encoding);
+    void lineEndingChosen(LineEnding lineEnding);
+    void indentationChosen(Indentation indentation);
+    void positionClicked();
 
 protected:
     bool event(QEvent *event) override;
@@ -117,7 +106,6 @@ private:
     void chooseIndentation(int index);
 
     Scheduler &m_scheduler;
-    StatusBarViewDelegate *m_delegate = nullptr;
     const Theme *m_theme;
     std::optional<State> m_state;
     DelayedTask m_flashWork;

@@ -76,11 +76,7 @@ TabBarView::TabBarView(QWidget *parent)
     connect(m_allTabsMenu, &QMenu::aboutToShow, this, &TabBarView::fillMenuOfTabs);
 
     m_newTabButton->setSymbol(u"plus"_s, buttonSymbolSide);
-    connect(m_newTabButton, &QAbstractButton::clicked, this, [this] {
-        if (m_delegate) {
-            m_delegate->tabBarDidRequestNewTab(*this);
-        }
-    });
+    connect(m_newTabButton, &QAbstractButton::clicked, this, &TabBarView::newTabRequested);
     updateFonts();
     applyPalette();
     retranslate();
@@ -183,23 +179,23 @@ void TabBarView::updateTabStop()
 
 void TabBarView::select(int index)
 {
-    if (m_delegate && index < int(m_items.size())) {
-        m_delegate->tabBarDidSelectTab(*this, index);
+    if (index < int(m_items.size())) {
+        emit tabChosen(index);
     }
 }
 
 void TabBarView::requestClose(int index)
 {
-    if (m_delegate && index < int(m_items.size())) {
-        m_delegate->tabBarDidRequestClose(*this, index);
+    if (index < int(m_items.size())) {
+        emit closeRequested(index);
     }
 }
 
 /// A tab that comes from a longer bar has an index that this one may not have.
 void TabBarView::move(int from, int to)
 {
-    if (m_delegate && from >= 0 && from < int(m_items.size()) && from != to) {
-        m_delegate->tabBarDidMoveTab(*this, from, to);
+    if (from >= 0 && from < int(m_items.size()) && from != to) {
+        emit moveRequested(from, to);
     }
 }
 

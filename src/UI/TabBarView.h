@@ -14,25 +14,12 @@ class QMenu;
 class TabBarView;
 struct Theme;
 
-/// What a tab bar asks of the pane that it belongs to. Indexes are those of tabs that the bar has; the bar changes nothing by itself, the
-/// pane answers by `setTabs`, at once or later.
-class TabBarViewDelegate {
-public:
-    virtual void tabBarDidSelectTab(TabBarView &bar, int index) = 0;
-    virtual void tabBarDidRequestClose(TabBarView &bar, int index) = 0;
-    virtual void tabBarDidRequestNewTab(TabBarView &bar) = 0;
-    /// The tab at `from` shall be at `to` when it is back in; the two differ.
-    virtual void tabBarDidMoveTab(TabBarView &bar, int from, int to) = 0;
-
-protected:
-    ~TabBarViewDelegate() = default;
-};
-
 /// The tabs above a pane, the button for a new one, and where they do not all fit: buttons that scroll, and a menu of all tabs.
 ///
 /// An item belongs to a place in the row, not to a document: when the tabs change, items are told what to show, and only as many are made
 /// or dropped as the row grows or shrinks by. So the pointer stays over an item when the tab under it is closed. With the keyboard the row
-/// is one stop: the arrows, Home and End go along it, Space and Enter select. Main thread only.
+/// is one stop: the arrows, Home and End go along it, Space and Enter select. The bar tells what the user chose and changes nothing by
+/// itself; what becomes of it is shown by `setTabs`, at once or later. Main thread only.
 class TabBarView final : public QWidget {
     Q_OBJECT
 
@@ -40,8 +27,6 @@ public:
     explicit TabBarView(QWidget *parent = nullptr);
     ~TabBarView() override;
 
-    /// Must outlive the bar or be taken back by null.
-    void setDelegate(TabBarViewDelegate *delegate) { m_delegate = delegate; }
     /// `theme` must outlive the bar, as the built-in ones do.
     void setTheme(const Theme &theme);
     void setActivePane(PaneActivity activity);
@@ -54,6 +39,14 @@ public:
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
+
+signals:
+    // Indexes are those of tabs that the bar has.
+    void tabChosen(int index);
+    void closeRequested(int index);
+    void newTabRequested();
+    /// The tab at `from` shall be at `to` when it is back in; the two differ.
+    void moveRequested(int from, int to);
 
 protected:
     bool event(QEvent *event) override;
@@ -84,7 +77,6 @@ private:
     void showMenuOfTab(int index, QPoint globalPosition);
     void fillMenuOfTabs();
 
-    TabBarViewDelegate *m_delegate = nullptr;
     const Theme *m_theme;
     PaneActivity m_activity = PaneActivity::active;
     int m_selectedIndex = -1;

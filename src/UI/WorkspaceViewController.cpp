@@ -12,7 +12,6 @@
 #include "Settings/Preferences.h"
 #include "Text/LineRange.h"
 #include "UI/PaneSplitter.h"
-#include "UI/SubstitutionRunner.h"
 #include "UI/WindowPlacement.h"
 #include "Widgets/AlertPresenter.h"
 
@@ -42,14 +41,14 @@ std::optional<StatusBarView::VimState> vimStateOf(EditorViewController &editor)
 
 } // namespace
 
-WorkspaceViewController::WorkspaceViewController(const WorkspaceServices &services, WorkspaceHost &host, QWidget *parent)
-    : FileDropView(parent), m_services(services), m_host(host), m_splitView(new PaneSplitter(this)),
-      m_statusBar(new StatusBarView(services.scheduler, services.notifications, this))
+WorkspaceViewController::WorkspaceViewController(const WorkspaceServices &services, PaneLayouts &layouts, QWidget *parent)
+    : FileDropView(parent), m_services(services), m_layouts(&layouts), m_documentActions(services, m_layout, *this),
+      m_splitView(new PaneSplitter(this)), m_statusBar(new StatusBarView(services.scheduler, services.notifications, this))
 {
     resize(startSize);
     setAcceptDrops(true);
     onDropFiles = [this](const QStringList &paths) { open(paths); };
-    m_statusBar->setDelegate(this);
+    connectParts();
     keepFirstResponderBehind(*m_statusBar);
     auto *stack = new QVBoxLayout(this);
     stack->setContentsMargins({});
@@ -68,29 +67,36 @@ WorkspaceViewController::WorkspaceViewController(const WorkspaceServices &servic
 
 WorkspaceViewController::~WorkspaceViewController()
 {
-    m_statusBar->setDelegate(nullptr);
-    m_activePane = nullptr;
+    retire();
+    m_layout = {};
     for (PaneViewController *pane : std::exchange(m_panes, {})) {
         delete pane;
     }
 }
 
-Qt::Orientation WorkspaceViewController::orientation() const
+void WorkspaceViewController::connectParts()
 {
-    return m_splitView->orientation();
+    m_layouts->add(m_layout);
+    connect(&m_services.documents, &DocumentStore::removed, this, &WorkspaceViewController::takeTabs);
+    // Commands that are about the current document go on from here to where they are carried out.
+    setNextResponder(&m_documentActions);
+    m_documentActions.setNextResponder(nearestResponder(parent()));
+    connect(&m_documentActions, &DocumentActions::filesChosen, this, &WorkspaceViewController::open);
+    connect(&m_documentActions, &DocumentActions::documentMade, this, &WorkspaceViewController::showDocument);
+    connect(&m_documentActions, &DocumentActions::messageShown, m_statusBar, &StatusBarView::flash);
+    connect(m_statusBar, &StatusBarView::languageChosen, &m_documentActions, &DocumentActions::chooseLanguage);
+    connect(m_statusBar, &StatusBarView::encodingChosen, &m_documentActions, &DocumentActions::chooseEncoding);
+    connect(m_statusBar, &StatusBarView::lineEndingChosen, &m_documentActions, &DocumentActions::chooseLineEnding);
+    connect(m_statusBar, &StatusBarView::indentationChosen, this, &WorkspaceViewController::chooseIndentation);
+    connect(m_statusBar, &StatusBarView::positionClicked, this, &WorkspaceViewController::goToLine);
 }
 
-PaneViewController::Documents WorkspaceViewController::documents() const
+void WorkspaceViewController::retire()
 {
-    PaneViewController::Documents all;
-    for (const PaneViewController *pane : m_panes) {
-        for (const auto &document : pane->documents()) {
-            if (std::ranges::find(all, document) == all.end()) {
-                all.push_back(document);
-            }
-        }
+    if (PaneLayouts *layouts = std::exchange(m_layouts, nullptr)) {
+        layouts->remove(m_layout);
+        disconnect(&m_services.documents, nullptr, this, nullptr);
     }
-    return all;
 }
 
 void WorkspaceViewController::applyTheme()
@@ -100,233 +106,97 @@ void WorkspaceViewController::applyTheme()
     m_splitView->setDividerColor(QColor::fromRgb(m_services.documents.theme().gutterSeparator));
 }
 
-// Opening
-
-std::shared_ptr<TextDocument> WorkspaceViewController::placeholder() const
-{
-    if (!m_activePane || m_activePane->count() != 1) {
-        return nullptr;
-    }
-    const auto &only = m_activePane->documents().front();
-    const bool isEmpty = only->isUntitled() && only->storage().length() == 0 && !only->isDirty();
-    return isEmpty ? only : nullptr;
-}
-
-void WorkspaceViewController::removePlaceholder(const TextDocument &document)
-{
-    removeFromAllPanes(document);
-    m_services.documents.remove(document);
-}
-
-void WorkspaceViewController::dropDocumentsThatCannotBeRead()
-{
-    for (const auto &document : documents()) {
-        if (document->arrivalError()) {
-            m_services.documents.remove(*document);
-            removeFromAllPanes(*document);
-        }
-    }
-}
-
-void WorkspaceViewController::removeFromAllPanes(const TextDocument &document)
-{
-    for (WorkspaceViewController *workspace : m_host.workspaces()) {
-        // A pane may go with its last tab.
-        for (PaneViewController *pane : std::vector(workspace->m_panes)) {
-            pane->removeDocument(pane->indexOf(document));
-        }
-    }
-}
-
-PaneViewController &WorkspaceViewController::targetPane()
-{
-    return m_activePane ? *m_activePane : addPane({}, 0);
-}
-
-PaneViewController *WorkspaceViewController::paneShowing(const TextDocument &document) const
-{
-    const auto found = std::ranges::find_if(m_panes, [&](const PaneViewController *pane) { return pane->holds(document); });
-    return found == m_panes.end() ? nullptr : *found;
-}
-
-bool WorkspaceViewController::isShownBeside(const PaneViewController *except, const TextDocument &document) const
-{
-    for (const WorkspaceViewController *workspace : m_host.workspaces()) {
-        for (const PaneViewController *pane : workspace->m_panes) {
-            if (pane != except && pane->holds(document)) {
-                return true;
-            }
-        }
-    }
-    return false;
-}
-
-/// Gives the document a tab if it has none, in the pane that is active then.
-PaneViewController &WorkspaceViewController::place(TextDocument &document)
-{
-    if (PaneViewController *pane = paneShowing(document)) {
-        setActivePane(*pane);
-        return *pane;
-    }
-    PaneViewController &pane = targetPane();
-    pane.add(document, PaneViewController::Select::no);
-    return pane;
-}
-
-void WorkspaceViewController::open(const QStringList &paths)
-{
-    const std::shared_ptr<TextDocument> empty = placeholder();
-    std::optional<TextFile::ReadError> firstError;
-    TextDocument *last = nullptr;
-    QStringList readPaths;
-    // Only what stays in front gets an editor: twenty files need one.
-    std::unordered_map<PaneViewController *, TextDocument *> selected;
-    // New ones get their tabs together, or a thousand files would have their tabs laid out a thousand times.
-    PaneViewController::Documents fresh;
-    const auto placeFresh = [&] {
-        if (!fresh.empty()) {
-            PaneViewController &pane = targetPane();
-            selected[&pane] = fresh.back().get();
-            pane.append(std::exchange(fresh, {}));
-        }
-    };
-    for (const QString &path : paths) {
-        TextDocument *document = m_services.documents.documentAt(path);
-        if (document) {
-            placeFresh();
-            selected[&place(*document)] = document;
-        } else {
-            auto contents = TextFile::read(path);
-            if (!contents) {
-                firstError = firstError ? firstError : std::optional(contents.error());
-                continue;
-            }
-            document = &m_services.documents.add(std::make_unique<TextDocument>(m_services.documents.services(), path, *contents));
-            fresh.push_back(document->shared_from_this());
-            readPaths << path;
-        }
-        last = document;
-    }
-    placeFresh();
-    for (const auto &[pane, document] : selected) {
-        pane->selectDocument(pane->indexOf(*document));
-    }
-    if (last) {
-        if (empty) {
-            removePlaceholder(*empty);
-        }
-        focusPaneShowing(*last);
-    }
-    m_services.recent.note(readPaths);
-    if (firstError) {
-        presentError(*firstError);
-    }
-}
-
-void WorkspaceViewController::adopt(TextDocument &document)
-{
-    const std::shared_ptr<TextDocument> empty = placeholder();
-    PaneViewController &pane = targetPane();
-    pane.add(document, PaneViewController::Select::yes);
-    if (empty && empty.get() != &document) {
-        removePlaceholder(*empty);
-    }
-    pane.focusEditor();
-}
-
-TextDocument &WorkspaceViewController::openUntitled()
-{
-    TextDocument &document =
-        m_services.documents.add(std::make_unique<TextDocument>(m_services.documents.services(), QString(), std::nullopt));
-    PaneViewController &pane = targetPane();
-    pane.add(document, PaneViewController::Select::yes);
-    pane.focusEditor();
-    return document;
-}
-
-void WorkspaceViewController::goTo(TextDocument &document, qsizetype line, qsizetype column)
-{
-    if (!paneShowing(document)) {
-        return;
-    }
-    focusPaneShowing(document);
-    const Rope &text = document.storage().text();
-    const qsizetype start = LineIndex::startOfLine(std::min(line, text.lineCount()), text);
-    const TextRange whole = lineRange(text, {start, 0});
-    const char16_t last = whole.isEmpty() ? u' ' : text.at(whole.end() - 1);
-    const qsizetype end = whole.end() - (last == u'\n' || isLineSeparator(last) ? 1 : 0);
-    const qsizetype place = start + std::clamp<qsizetype>(column - 1, 0, std::max<qsizetype>(end - start, 0));
-    currentEditor()->textView().setSelection(TextSelection::at(place), TextView::Reveal::center);
-}
-
 // Panes
 
-qsizetype WorkspaceViewController::indexOf(const PaneViewController &pane) const
+PaneViewController *WorkspaceViewController::activePane() const
 {
-    return std::ranges::find(m_panes, &pane) - m_panes.begin();
+    return m_layout.isEmpty() ? nullptr : m_panes[size_t(m_layout.activeIndex())];
 }
 
-PaneViewController &WorkspaceViewController::addPane(const PaneViewController::Documents &documents, int selectedIndex)
+EditorViewController *WorkspaceViewController::currentEditor() const
 {
-    auto *pane = new PaneViewController(m_services, *this, this);
-    m_splitView->addWidget(pane);
-    m_panes.push_back(pane);
-    if (!documents.empty()) {
-        pane->append(documents);
-        pane->selectDocument(std::min(int(documents.size()) - 1, selectedIndex));
-    }
-    redistributePanes();
-    if (!m_activePane) {
-        setActivePane(*pane);
-    }
-    return *pane;
+    const PaneViewController *pane = activePane();
+    return pane ? pane->currentEditor() : nullptr;
 }
 
-void WorkspaceViewController::setActivePane(PaneViewController &pane)
+void WorkspaceViewController::setPaneLayout(PaneLayout layout)
 {
-    if (m_activePane == &pane) {
+    if (layout == m_layout) {
         return;
     }
-    if (PaneViewController *before = std::exchange(m_activePane, &pane)) {
-        before->setActive(false);
+    const bool isTurned = layout.orientation() != m_layout.orientation();
+    m_layout = layout;
+    const std::vector<PaneViewController *> before = std::exchange(m_panes, {});
+    for (const PaneLayout::Pane &pane : layout.panes()) {
+        const auto known = std::ranges::find(before, pane.id, &PaneViewController::id);
+        m_panes.push_back(known == before.end() ? makePane(pane.id) : *known);
     }
-    pane.setActive(true);
+    std::vector<PaneViewController *> gone;
+    std::ranges::copy_if(before, std::back_inserter(gone),
+                         [&](const PaneViewController *pane) { return layout.paneWithId(pane->id()) < 0; });
+    std::ranges::for_each(gone, &PaneViewController::saveViewState);
+    for (const PaneLayout::Pane &pane : layout.panes()) {
+        m_panes[size_t(layout.paneWithId(pane.id))]->setContent(pane);
+    }
+    // A text that came in place of another with the keyboard in it has made its pane the active one.
+    m_layout = layout;
+    for (PaneViewController *pane : m_panes) {
+        pane->setActive(pane == activePane());
+    }
+    if (!gone.empty()) {
+        focusEditor();
+    }
+    for (PaneViewController *pane : gone) {
+        // A key of one of its texts may be what led here.
+        pane->hide();
+        pane->setParent(this);
+        pane->deleteLater();
+    }
+    if (isTurned || m_panes != before) {
+        m_splitView->setOrientation(layout.orientation());
+        redistributePanes();
+    }
     updateState();
+    m_services.keeper.noteActivity();
 }
 
-void WorkspaceViewController::removePane(PaneViewController &pane)
+PaneViewController *WorkspaceViewController::makePane(int id)
 {
-    const qsizetype index = indexOf(pane);
-    if (m_panes.size() < 2 || index == qsizetype(m_panes.size())) {
-        return;
-    }
-    pane.saveViewState();
-    PaneViewController &survivor = *m_panes[size_t(index == 0 ? 1 : index - 1)];
-    for (const auto &document : pane.documents()) {
-        const bool isElsewhere =
-            std::ranges::any_of(m_panes, [&](const PaneViewController *other) { return other != &pane && other->holds(*document); });
-        if (!isElsewhere) {
-            survivor.add(*document, PaneViewController::Select::no);
+    auto *pane = new PaneViewController(m_services, id, this);
+    m_splitView->addWidget(pane);
+    connect(pane, &PaneViewController::activated, this, [this, pane] { activate(*pane); });
+    connect(pane, &PaneViewController::stateChanged, this, [this, pane] {
+        if (pane == activePane()) {
+            updateState();
+            m_services.keeper.noteActivity();
         }
-    }
-    m_panes.erase(m_panes.begin() + index);
-    if (m_activePane == &pane) {
-        m_activePane = nullptr;
-        setActivePane(survivor);
-    }
-    // A key of one of its texts may be what led here.
-    pane.hide();
-    pane.setParent(this);
-    pane.deleteLater();
-    redistributePanes();
-    survivor.focusEditor();
+    });
+    connect(pane, &PaneViewController::messageShown, m_statusBar, &StatusBarView::flash);
+    connect(pane, &PaneViewController::filesDropped, this, [this, pane](const QStringList &paths) {
+        activate(*pane);
+        open(paths);
+    });
+    const TabBarView &tabs = pane->tabBar();
+    connect(&tabs, &TabBarView::tabChosen, this, [this, pane](int tab) {
+        activate(*pane);
+        selectTab(tab);
+    });
+    connect(&tabs, &TabBarView::closeRequested, this, [this, pane](int tab) { requestClose(indexOf(*pane), tab); });
+    connect(&tabs, &TabBarView::newTabRequested, this, [this, pane] {
+        activate(*pane);
+        openUntitled();
+    });
+    connect(&tabs, &TabBarView::moveRequested, this,
+            [this, pane](int from, int to) { setPaneLayout(m_layout.moving(indexOf(*pane), from, to)); });
+    return pane;
 }
 
 void WorkspaceViewController::redistributePanes()
 {
     limitPanes();
-    const int extent = orientation() == Qt::Horizontal ? m_splitView->width() : m_splitView->height();
-    const int count = int(m_panes.size());
+    const bool isRow = m_layout.orientation() == Qt::Horizontal;
+    const int extent = isRow ? m_splitView->width() : m_splitView->height();
+    const int count = m_layout.paneCount();
     // Before it is shown the window has no room to be shared.
     m_isSharedOut = isVisible() && count > 0 && m_splitView->width() > 1 && m_splitView->height() > 1;
     if (!m_isSharedOut) {
@@ -341,9 +211,9 @@ void WorkspaceViewController::redistributePanes()
 /// As far apart as dividers have to stay, but never so that the window could not be made small.
 void WorkspaceViewController::limitPanes()
 {
-    const bool isRow = orientation() == Qt::Horizontal;
+    const bool isRow = m_layout.orientation() == Qt::Horizontal;
     const int extent = isRow ? m_splitView->width() : m_splitView->height();
-    const int count = std::max(int(m_panes.size()), 1);
+    const int count = std::max(m_layout.paneCount(), 1);
     const int least = count == 1 ? 0 : std::clamp((extent - (count - 1)) / count, 0, leastPaneExtent);
     for (PaneViewController *pane : m_panes) {
         pane->setMinimumSize(isRow ? least : 0, isRow ? 0 : least);
@@ -366,35 +236,24 @@ void WorkspaceViewController::showEvent(QShowEvent *event)
     }
 }
 
-void WorkspaceViewController::setOrientation(Qt::Orientation orientation)
-{
-    m_splitView->setOrientation(orientation);
-    redistributePanes();
-}
-
 void WorkspaceViewController::makeSplit(Qt::Orientation orientation)
 {
-    setOrientation(orientation);
-    TextDocument *document = currentDocument();
-    if (!document) {
-        addPane({}, 0);
-        return;
+    if (PaneViewController *pane = activePane()) {
+        pane->saveViewState();
     }
-    m_activePane->saveViewState();
-    PaneViewController &pane = addPane({document->shared_from_this()}, 0);
-    setActivePane(pane);
-    pane.focusEditor();
+    setPaneLayout(m_layout.split(orientation));
+    focusEditor();
 }
 
 void WorkspaceViewController::toggleSplitOrientation()
 {
-    setOrientation(orientation() == Qt::Horizontal ? Qt::Vertical : Qt::Horizontal);
+    setPaneLayout(m_layout.turned(m_layout.orientation() == Qt::Horizontal ? Qt::Vertical : Qt::Horizontal));
 }
 
 void WorkspaceViewController::closeSplit()
 {
-    if (m_activePane && hasSeveralPanes()) {
-        removePane(*m_activePane);
+    if (hasSeveralPanes()) {
+        setPaneLayout(m_layout.removing(m_layout.activeIndex()));
     } else {
         beep();
     }
@@ -402,67 +261,55 @@ void WorkspaceViewController::closeSplit()
 
 void WorkspaceViewController::closeOtherSplits()
 {
-    if (!m_activePane || !hasSeveralPanes()) {
+    if (hasSeveralPanes()) {
+        setPaneLayout(m_layout.removingOthers());
+    } else {
         beep();
-        return;
     }
-    PaneViewController &kept = *m_activePane;
-    for (PaneViewController *pane : std::vector(m_panes)) {
-        if (pane != &kept) {
-            // Its neighbour gets the focus, and is active by that.
-            removePane(*pane);
-        }
-    }
-    setActivePane(kept);
-    kept.focusEditor();
 }
 
 void WorkspaceViewController::focusPane(int step)
 {
-    if (!m_activePane || !hasSeveralPanes()) {
-        return;
+    if (hasSeveralPanes()) {
+        setPaneLayout(m_layout.activatingNext(step));
+        focusEditor();
     }
-    const auto count = qsizetype(m_panes.size());
-    PaneViewController &next = *m_panes[size_t((indexOf(*m_activePane) + step + count) % count)];
-    setActivePane(next);
-    next.focusEditor();
 }
 
 void WorkspaceViewController::focusPaneShowing(const TextDocument &document)
 {
-    if (PaneViewController *pane = paneShowing(document)) {
-        setActivePane(*pane);
-        pane->selectDocument(pane->indexOf(document));
-        pane->focusEditor();
+    if (const int pane = m_layout.paneShowing(document); pane >= 0) {
+        setPaneLayout(m_layout.activating(pane));
+        selectTab(m_layout.active()->indexOf(document));
     }
 }
 
 void WorkspaceViewController::focusEditor()
 {
-    if (m_activePane) {
-        m_activePane->focusEditor();
+    if (PaneViewController *pane = activePane()) {
+        pane->focusEditor();
     }
 }
 
 WindowLayout WorkspaceViewController::windowLayout() const
 {
     WindowLayout layout{.panes = {},
-                        .activePane = m_activePane ? size_t(indexOf(*m_activePane)) : 0,
-                        .orientation = orientation(),
+                        .activePane = size_t(std::max(m_layout.activeIndex(), 0)),
+                        .orientation = m_layout.orientation(),
                         .frame = frameOf(*window())};
-    for (const PaneViewController *pane : m_panes) {
-        layout.panes.push_back({pane->documents(), pane->selectedIndex()});
-    }
+    std::ranges::transform(m_layout.panes(), std::back_inserter(layout.panes), [](const PaneLayout::Pane &pane) {
+        return WindowLayout::Pane{pane.tabs, pane.selected};
+    });
     return layout;
 }
 
 void WorkspaceViewController::setWindowLayout(const WindowLayout &layout)
 {
-    setOrientation(layout.orientation);
+    PaneLayout panes = PaneLayout().turned(layout.orientation);
     for (const WindowLayout::Pane &pane : layout.panes) {
-        addPane(pane.documents, pane.selectedIndex);
+        panes = panes.addingPane(pane.documents, pane.selectedIndex);
     }
-    setActivePane(*m_panes[layout.activePane]);
+    setPaneLayout(panes.activating(int(layout.activePane)));
     focusEditor();
     if (layout.frame) {
         placeWindow(*window(), *layout.frame);
@@ -472,64 +319,217 @@ void WorkspaceViewController::setWindowLayout(const WindowLayout &layout)
 void WorkspaceViewController::rememberPlaces()
 {
     std::ranges::for_each(m_panes, &PaneViewController::saveViewState);
-    if (m_activePane) {
-        m_activePane->saveViewState();
+    if (PaneViewController *pane = activePane()) {
+        pane->saveViewState();
     }
+}
+
+void WorkspaceViewController::dropDocumentsThatCannotBeRead()
+{
+    for (const auto &document : m_layout.documents()) {
+        if (document->arrivalError()) {
+            m_services.documents.remove(*document);
+        }
+    }
+}
+
+// Opening
+
+/// The window's only, empty text, which goes when there is something to be shown.
+std::shared_ptr<TextDocument> WorkspaceViewController::placeholder() const
+{
+    if (m_layout.isEmpty() || m_layout.active()->count() != 1) {
+        return nullptr;
+    }
+    auto only = m_layout.current();
+    const bool isEmpty = only->isUntitled() && only->storage().length() == 0 && !only->isDirty();
+    return isEmpty ? only : nullptr;
+}
+
+void WorkspaceViewController::removePlaceholder(const std::shared_ptr<TextDocument> &placeholder)
+{
+    if (placeholder) {
+        m_services.documents.remove(*placeholder);
+    }
+}
+
+void WorkspaceViewController::open(const QStringList &paths)
+{
+    std::optional<TextFile::ReadError> firstError;
+    PaneLayout::Documents opened;
+    QStringList readPaths;
+    for (const QString &path : paths) {
+        TextDocument *document = m_services.documents.documentAt(path);
+        if (!document) {
+            auto contents = TextFile::read(path);
+            if (!contents) {
+                firstError = firstError ? firstError : std::optional(contents.error());
+                continue;
+            }
+            document = &m_services.documents.add(std::make_unique<TextDocument>(m_services.documents.services(), path, *contents));
+            readPaths << path;
+        }
+        opened.push_back(document->shared_from_this());
+    }
+    if (!opened.empty()) {
+        const auto empty = placeholder();
+        setPaneLayout(m_layout.showing(opened));
+        removePlaceholder(empty);
+        focusPaneShowing(*opened.back());
+    }
+    m_services.recent.note(readPaths);
+    if (firstError) {
+        m_services.presenter.present(Alert::forError(firstError->description(), firstError->recoverySuggestion().value_or(QString())),
+                                     window(), {});
+    }
+}
+
+void WorkspaceViewController::adopt(TextDocument &document)
+{
+    const auto empty = placeholder();
+    setPaneLayout(m_layout.adding(document.shared_from_this()));
+    if (empty.get() != &document) {
+        removePlaceholder(empty);
+    }
+    focusEditor();
+}
+
+void WorkspaceViewController::showDocument(TextDocument &document)
+{
+    if (m_layout.paneShowing(document) < 0) {
+        adopt(document);
+    }
+    focusPaneShowing(document);
+}
+
+TextDocument &WorkspaceViewController::openUntitled()
+{
+    TextDocument &document =
+        m_services.documents.add(std::make_unique<TextDocument>(m_services.documents.services(), QString(), std::nullopt));
+    setPaneLayout(m_layout.adding(document.shared_from_this()));
+    focusEditor();
+    return document;
+}
+
+void WorkspaceViewController::goTo(TextDocument &document, qsizetype line, qsizetype column)
+{
+    if (m_layout.paneShowing(document) < 0) {
+        return;
+    }
+    focusPaneShowing(document);
+    const Rope &text = document.storage().text();
+    const qsizetype start = LineIndex::startOfLine(std::min(line, text.lineCount()), text);
+    const TextRange whole = lineRange(text, {start, 0});
+    const char16_t last = whole.isEmpty() ? u' ' : text.at(whole.end() - 1);
+    const qsizetype end = whole.end() - (last == u'\n' || isLineSeparator(last) ? 1 : 0);
+    const qsizetype place = start + std::clamp<qsizetype>(column - 1, 0, std::max<qsizetype>(end - start, 0));
+    currentEditor()->textView().setSelection(TextSelection::at(place), TextView::Reveal::center);
 }
 
 // Tabs
 
-void WorkspaceViewController::closeTab()
+/// In the active pane.
+void WorkspaceViewController::selectTab(int tab)
 {
-    if (m_activePane && currentDocument()) {
-        m_activePane->closeCurrentTab();
+    if (PaneViewController *pane = activePane()) {
+        setPaneLayout(m_layout.selecting(m_layout.activeIndex(), tab));
+        pane->tabBar().scrollSelectedTabIntoView();
+        pane->focusEditor();
     }
 }
 
 void WorkspaceViewController::selectNextTab()
 {
-    if (m_activePane) {
-        m_activePane->selectNextTab(1);
-        focusEditor();
-    }
+    setPaneLayout(m_layout.selectingNext(1));
+    focusEditor();
 }
 
 void WorkspaceViewController::selectPreviousTab()
 {
-    if (m_activePane) {
-        m_activePane->selectNextTab(-1);
-        focusEditor();
-    }
+    setPaneLayout(m_layout.selectingNext(-1));
+    focusEditor();
 }
 
 void WorkspaceViewController::selectTabByNumber(const ActionSender &sender)
 {
     constexpr int lastTab = 9;
-    const int count = m_activePane ? m_activePane->count() : 0;
+    const int count = m_layout.isEmpty() ? 0 : m_layout.active()->count();
     const int index = sender.tag == lastTab ? count - 1 : sender.tag - 1;
     if (index < 0 || index >= count) {
         beep();
         return;
     }
-    m_activePane->selectDocument(index);
-    focusEditor();
+    selectTab(index);
+}
+
+void WorkspaceViewController::closeTab()
+{
+    if (!m_layout.isEmpty()) {
+        requestClose(m_layout.activeIndex(), m_layout.active()->selected);
+    }
+}
+
+bool WorkspaceViewController::isShownBeside(int pane, const TextDocument &document) const
+{
+    const bool isHere = pane >= 0 && m_layout.panes()[size_t(pane)].holds(document);
+    return m_layouts && m_layouts->countOf(document) > (isHere ? 1 : 0);
+}
+
+/// Asks first when there is unsaved text that nobody else shows.
+void WorkspaceViewController::requestClose(int pane, int tab)
+{
+    if (pane < 0 || tab < 0 || tab >= m_layout.panes()[size_t(pane)].count()) {
+        return;
+    }
+    const auto document = m_layout.panes()[size_t(pane)].tabs[size_t(tab)];
+    const auto close = [this, id = m_layout.panes()[size_t(pane)].id, document](bool mayClose) {
+        if (mayClose) {
+            takeTab(m_layout.paneWithId(id), *document);
+        }
+    };
+    if (document->hasUnsavedText() && !isShownBeside(pane, *document)) {
+        m_documentActions.confirmClose(*document, close);
+    } else {
+        close(true);
+    }
+}
+
+void WorkspaceViewController::takeTab(int pane, const TextDocument &document)
+{
+    // Another window may have opened it while the user was asked.
+    if (!isShownBeside(pane, document)) {
+        m_services.documents.remove(document);
+        return;
+    }
+    if (pane < 0 || !m_layout.panes()[size_t(pane)].holds(document)) {
+        return;
+    }
+    if (m_layout.tabCount() == 1) {
+        openUntitled();
+    }
+    setPaneLayout(m_layout.closing(pane, m_layout.panes()[size_t(pane)].indexOf(document)));
+}
+
+/// The document is gone.
+void WorkspaceViewController::takeTabs(const TextDocument &document)
+{
+    if (m_layout.countOf(document) > 0 && m_layout.closing(document).isEmpty()) {
+        openUntitled();
+    }
+    setPaneLayout(m_layout.closing(document));
 }
 
 void WorkspaceViewController::moveTabToNewWindow()
 {
-    TextDocument *document = currentDocument();
-    if (!document) {
+    const auto moved = m_layout.current();
+    if (!moved) {
         beep();
         return;
     }
-    m_activePane->saveViewState();
-    PaneViewController &source = *m_activePane;
-    const std::shared_ptr<TextDocument> moved = document->shared_from_this();
-    WorkspaceViewController &other = m_host.openWindow();
-    other.adopt(*moved);
-    source.removeDocument(source.indexOf(*moved));
-    other.window()->raise();
-    other.window()->activateWindow();
+    PaneViewController &source = *activePane();
+    source.saveViewState();
+    emit tabDetached(*moved);
+    takeTab(indexOf(source), *moved);
 }
 
 // What is told about the current document
@@ -542,85 +542,28 @@ void WorkspaceViewController::updateState()
 
 void WorkspaceViewController::updateStatusBar()
 {
-    TextDocument *document = currentDocument();
     EditorViewController *editor = currentEditor();
-    if (!document || !editor) {
+    if (!editor) {
         m_statusBar->setState(std::nullopt);
         return;
     }
-    const Rope &text = document->storage().text();
+    const TextDocument &document = editor->document();
+    const Rope &text = document.storage().text();
     const TextRange selected = editor->textView().selection().range();
     const qsizetype line = LineIndex::lineNumber(selected.location, text);
     const qsizetype lastLine = LineIndex::lineNumber(selected.end(), text);
     const Indentation indentation = editor->textView().indentation();
     m_statusBar->setState(StatusBarView::State{
-        .path = document->displayPath(),
+        .path = document.displayPath(),
         .line = line,
         .column = selected.location - LineIndex::startOfLine(line, text) + 1,
         .selectionLength = selected.length,
         .selectedLineCount = selected.isEmpty() ? 0 : lastLine - line + 1,
-        .language = document->language(),
-        .encoding = document->encoding(),
-        .lineEnding = document->lineEnding(),
+        .language = document.language(),
+        .encoding = document.encoding(),
+        .lineEnding = document.lineEnding(),
         .indentWidth = indentation.width,
         .usesSpaces = indentation.unit == Indentation::Unit::spaces,
         .vim = vimStateOf(*editor),
     });
-}
-
-// From the panes
-
-void WorkspaceViewController::paneDidBecomeActive(PaneViewController &pane)
-{
-    setActivePane(pane);
-}
-
-void WorkspaceViewController::paneDidChangeState(PaneViewController &pane)
-{
-    if (&pane == m_activePane) {
-        updateState();
-        m_services.keeper.noteActivity();
-    }
-}
-
-void WorkspaceViewController::paneRequestsNewDocument(PaneViewController &pane)
-{
-    setActivePane(pane);
-    openUntitled();
-}
-
-void WorkspaceViewController::paneDidDropFiles(PaneViewController &pane, const QStringList &paths)
-{
-    setActivePane(pane);
-    open(paths);
-}
-
-void WorkspaceViewController::paneRequestsClose(PaneViewController &pane, TextDocument &document, CloseCompletion completion)
-{
-    if (isShownBeside(&pane, document)) {
-        completion(true);
-        return;
-    }
-    const auto close = [this, pane = QPointer(&pane), document = document.shared_from_this(),
-                        completion = std::move(completion)](bool mayClose) {
-        // Another window may have opened it while the question was.
-        if (mayClose && !isShownBeside(pane, *document)) {
-            m_services.documents.remove(*document);
-        }
-        completion(mayClose);
-    };
-    if (document.hasUnsavedText()) {
-        confirmClose(document, close);
-    } else {
-        close(true);
-    }
-}
-
-void WorkspaceViewController::paneDidBecomeEmpty(PaneViewController &pane)
-{
-    if (m_panes.size() < 2) {
-        openUntitled();
-    } else {
-        removePane(pane);
-    }
 }

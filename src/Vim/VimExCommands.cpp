@@ -3,6 +3,7 @@
 #include "Vim/VimExCommands.h"
 
 #include "Base/Translation.h"
+#include "Commands/Actions.h"
 #include "Settings/Preferences.h"
 #include "Vim/VimSubstitution.h"
 
@@ -12,21 +13,19 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using Host = VimCommandHost;
-
 constexpr auto commands = std::to_array<VimExCommand>({
-    {{u"write", u"w"}, &Host::saveDocument},
-    {{u"wq", u"x", u"wqa", u"xa"}, &Host::saveAndClose},
-    {{u"close", u"q"}, &Host::closeTab},
-    {{u"q!"}, &Host::forceCloseCurrentTab},
-    {{u"qa", u"qa!"}, &Host::closeWindowFromVim},
-    {{u"edit", u"e", u"e!"}, &Host::editFile},
+    {{u"write", u"w"}, &Actions::saveDocument},
+    {{u"wq", u"x", u"wqa", u"xa"}, &Actions::saveAndClose},
+    {{u"close", u"q"}, &Actions::closeTab},
+    {{u"q!"}, &Actions::forceCloseTab},
+    {{u"qa", u"qa!"}, &Actions::closeWindowFromVim},
+    {{u"edit", u"e", u"e!"}, &Actions::editFile},
     // A search leaves nothing marked.
     {{u"nohlsearch", u"nohl", u"noh"}, VimExCommand::Ignored{}},
     {{u"set"}, VimExCommand::Set{}},
-    {{u"vsplit", u"vs"}, &Host::splitEditorRight},
-    {{u"split", u"sp"}, &Host::splitEditorDown},
-    {{u"only", u"on"}, &Host::closeOtherSplits},
+    {{u"vsplit", u"vs"}, &Actions::splitEditorRight},
+    {{u"split", u"sp"}, &Actions::splitEditorDown},
+    {{u"only", u"on"}, &Actions::closeOtherSplits},
 });
 
 template<size_t count>
@@ -121,10 +120,8 @@ void VimExCommand::run(const QString &typed, VimCommandHost &host, Preferences &
     const QString argument = blank < 0 ? QString() : text.sliced(blank + 1).toString();
     if (!command) {
         host.showVimMessage(formatted(localized(u"Not a command: %@"), text.toString()));
-    } else if (const auto *plain = std::get_if<Plain>(&command->function)) {
-        (host.**plain)();
-    } else if (const auto *withFile = std::get_if<WithFile>(&command->function)) {
-        (host.**withFile)(argument);
+    } else if (const auto *action = std::get_if<const Action *>(&command->function)) {
+        host.performCommand(**action, argument);
     } else if (std::holds_alternative<Set>(command->function) && !applyExOption(argument, preferences)) {
         host.showVimMessage(formatted(localized(u"Not an option: %@"), argument));
     }

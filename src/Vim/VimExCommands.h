@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Commands/Action.h"
+
 #include <QString>
 
 #include <array>
@@ -11,7 +13,7 @@
 class Preferences;
 struct VimSubstitution;
 
-/// The window in which ex commands are typed. They are about its current document.
+/// The editor in which ex commands are typed.
 class VimCommandHost {
 public:
     /// For a few seconds.
@@ -19,31 +21,20 @@ public:
     /// From 1; others mean the nearest there is.
     virtual void scrollToLine(qsizetype number) = 0;
     virtual void substitute(const VimSubstitution &substitution) = 0;
-    virtual void saveDocument() = 0;
-    virtual void saveAndClose() = 0;
-    virtual void closeTab() = 0;
-    /// Without a question; what was not saved is lost.
-    virtual void forceCloseCurrentTab() = 0;
-    virtual void closeWindowFromVim() = 0;
-    /// Opens the file of that name, or without one reads the document's own again, without a question.
-    virtual void editFile(const QString &name) = 0;
-    virtual void splitEditorRight() = 0;
-    virtual void splitEditorDown() = 0;
-    virtual void closeOtherSplits() = 0;
+    /// A command of the window, with what was written behind its name.
+    virtual void performCommand(const Action &action, const QString &argument) = 0;
 
 protected:
     ~VimCommandHost() = default;
 };
 
-/// One ex command: its names and what it does. Whatever follows the name of one that takes no argument is ignored.
+/// One ex command: its names and what it does, which mostly is a command of the window.
 struct VimExCommand {
-    using Plain = void (VimCommandHost::*)();
-    using WithFile = void (VimCommandHost::*)(const QString &name);
     struct Set {};
     struct Ignored {};
 
     std::array<QStringView, 4> names;
-    std::variant<Ignored, Plain, WithFile, Set> function;
+    std::variant<Ignored, Set, const Action *> function;
 
     [[nodiscard]] static std::span<const VimExCommand> table();
     /// Null when there is none of that name.

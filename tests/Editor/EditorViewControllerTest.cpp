@@ -28,7 +28,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class EditorTest : public testing::Test, protected Surroundings, private EditorViewControllerDelegate {
+class EditorTest : public testing::Test, protected Surroundings {
 protected:
     [[nodiscard]] TextDocument &document(const QString &text)
     {
@@ -49,7 +49,9 @@ protected:
     [[nodiscard]] std::unique_ptr<EditorViewController> open(TextDocument &document, QSize size = {600, 400})
     {
         auto editor = std::make_unique<EditorViewController>(services, document);
-        editor->setDelegate(this);
+        QObject::connect(editor.get(), &EditorViewController::activated, [this] { ++focusRequests; });
+        QObject::connect(editor.get(), &EditorViewController::stateChanged, [this] { ++stateChanges; });
+        QObject::connect(editor.get(), &EditorViewController::filesDropped, [this](const QStringList &paths) { dropped += paths; });
         editor->resize(size);
         editor->show();
         editor->setFocus();
@@ -92,15 +94,7 @@ protected:
     QString path = folder.filePath(u"a.c"_s);
     QStringList dropped;
     int focusRequests = 0;
-    int selectionChanges = 0;
-
-private:
-    void editorWantsFocus(EditorViewController & /*editor*/) override { ++focusRequests; }
-    void editorDidChangeSelection(EditorViewController & /*editor*/) override { ++selectionChanges; }
-    void editorDidChangeIndentation(EditorViewController & /*editor*/) override {}
-    void editorDidChangeVimState(EditorViewController &) override {}
-    void editorRunsVimCommand(EditorViewController &, const QString &) override {}
-    void editorDidDropFiles(EditorViewController & /*editor*/, const QStringList &paths) override { dropped += paths; }
+    int stateChanges = 0;
 };
 
 QString lines(int count)
@@ -422,7 +416,7 @@ TEST_F(EditorTest, TypingPaintsOnlyWhatItChanges)
     sendKeys(editor->textView(), u"<CR>"_s);
     pass(Scheduler::Milliseconds(10));
     EXPECT_EQ(counter.paints, 1);
-    EXPECT_GT(selectionChanges, 0);
+    EXPECT_GT(stateChanges, 0);
     EXPECT_GT(focusRequests, 0);
 }
 

@@ -217,7 +217,7 @@ TEST_F(CommandsTest, ClosingAWindowAsksOnceForAllItsTexts)
     send(Actions::newWindow);
     WorkspaceViewController &other = workspace(1);
     other.open({write(u"a"_s, "a"), write(u"b"_s, "b")});
-    for (const auto &document : other.documents()) {
+    for (const auto &document : other.paneLayout().documents()) {
         document->storage().replaceCharacters({}, u"x"_s);
     }
     window(1).close();

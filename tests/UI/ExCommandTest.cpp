@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Commands/Actions.h"
 #include "Editor/EditorVim.h"
+#include "Editor/SubstitutionRunner.h"
 #include "HeldWorkers.h"
-#include "UI/SubstitutionRunner.h"
 #include "WindowFixture.h"
 
 #include <QDir>
@@ -71,9 +71,9 @@ TEST_F(ExCommandTest, GivesUpNoTextThatIsShownBeside)
     start("one\n");
     type(u"x"_s);
     run(u"vs"_s);
-    EXPECT_EQ(workspace().orientation(), Qt::Horizontal);
+    EXPECT_EQ(workspace().paneLayout().orientation(), Qt::Horizontal);
     run(u"sp"_s);
-    EXPECT_EQ(workspace().orientation(), Qt::Vertical);
+    EXPECT_EQ(workspace().paneLayout().orientation(), Qt::Vertical);
     EXPECT_EQ(workspace().panes().size(), 3U);
     run(u"q!"_s);
     EXPECT_EQ(workspace().panes().size(), 2U);
@@ -220,9 +220,9 @@ TEST_F(ExCommandTest, ShowsTheKeysInATabThatCannotBeEdited)
     // The one that is open is shown again, with what has changed meanwhile.
     preferences.set(Settings::vimKeymapPreset, VimKeymapPreset::lazyVim);
     send(Actions::splitEditorRight);
-    workspace().setActivePane(pane(1));
+    workspace().setPaneLayout(workspace().paneLayout().activating(1));
     send(Actions::newDocument);
-    pane(1).removeDocument(0);
+    workspace().setPaneLayout(workspace().paneLayout().closing(1, 0));
     send(Actions::showVimKeyReference);
     EXPECT_EQ(workspace().activePane(), &pane(0));
     EXPECT_EQ(tabs(1), QStringList{u"Untitled"_s});

@@ -30,7 +30,7 @@ struct Life : Surroundings {
     [[nodiscard]] QStringList texts(size_t index = 0) const
     {
         QStringList texts;
-        for (const auto &document : workspace(index).documents()) {
+        for (const auto &document : workspace(index).paneLayout().documents()) {
             texts << document->storage().string();
         }
         return texts;
@@ -95,7 +95,7 @@ TEST_F(SessionTest, AProgramThatWasKilledComesBackAsItWas)
         run->send(Actions::newDocument);
         run->type(u"typed"_s);
         run->send(Actions::newDocument);
-        run->pane(0).selectDocument(0);
+        run->send(Actions::selectTab1);
         run->send(Actions::splitEditorDown);
         run->workspace().currentEditor()->scrollToLine(200);
         run->type(u"x"_s);
@@ -105,15 +105,15 @@ TEST_F(SessionTest, AProgramThatWasKilledComesBackAsItWas)
     }
     auto run = start();
     ASSERT_EQ(run->workspace().panes().size(), 2U);
-    EXPECT_EQ(run->workspace().orientation(), Qt::Vertical);
+    EXPECT_EQ(run->workspace().paneLayout().orientation(), Qt::Vertical);
     EXPECT_EQ(run->application.windows().front()->size(), QSize(700, 500));
     EXPECT_EQ(Life::titles(run->pane(0)), (QStringList{u"lines.txt"_s, u"b.c"_s, u"Untitled"_s})) << "an empty one does not";
     EXPECT_EQ(run->pane(0).selectedIndex(), 0);
     EXPECT_EQ(run->workspace().activePane(), &run->pane(1));
-    EXPECT_EQ(run->pane(1).currentDocument(), run->pane(0).currentDocument());
+    EXPECT_EQ(&run->pane(1).currentEditor()->document(), &run->pane(0).currentEditor()->document());
     EXPECT_EQ(run->pane(0).documents()[2]->storage().string(), u"typed"_s);
     EXPECT_EQ(run->pane(0).documents()[1]->storage().string(), u"int b;\n"_s);
-    EXPECT_TRUE(run->pane(1).currentDocument()->storage().string().contains(u"xline 199\n"));
+    EXPECT_TRUE(run->pane(1).currentEditor()->document().storage().string().contains(u"xline 199\n"));
     EXPECT_EQ(run->workspace().currentEditor()->textView().selection().caret, lines.indexOf("line 199") + 1);
     run->scheduler.advance(1ms);
     EXPECT_EQ(run->workspace().currentEditor()->textView().scrollOffset(), offset);
@@ -193,7 +193,7 @@ TEST_F(SessionTest, AClosedWindowsTextsComeBack)
     auto run = start();
     EXPECT_EQ(run->texts(), (QStringList{u"3"_s, u"1a"_s, u"2"_s}));
     // What the user does not want goes.
-    run->workspace().focusPaneShowing(*run->workspace().documents()[2]);
+    run->workspace().focusPaneShowing(*run->workspace().paneLayout().documents()[2]);
     run->send(Actions::closeTab);
     run->presenter.answer(AlertReply::thirdButton);
     run->presenter.answerHeld();
@@ -275,7 +275,7 @@ TEST_F(SessionTest, ATabWhoseFileDoesNotComeSaysSo)
     const QString path = write(u"slow.txt"_s, "first\nsecond\n");
     {
         auto run = start({path, write(u"b.txt"_s, "b"), write(u"gone.txt"_s, "c")});
-        run->pane(0).selectDocument(0);
+        run->send(Actions::selectTab1);
         run->workspace().currentEditor()->textView().setSelection(TextSelection::at(8));
         run->tick();
     }
@@ -302,16 +302,16 @@ TEST_F(SessionTest, ATabWhoseFileDoesNotComeSaysSo)
     // What is kept of it meanwhile is what was known.
     surroundings.scheduler.advance(3s);
     EXPECT_EQ(workspace.currentDocument()->lastSelectedRange, (TextRange{8, 0}));
-    pane.selectDocument(1);
+    workspace.perform(Actions::selectTab2);
     EXPECT_TRUE(workspace.currentDocument()->isWaiting());
-    pane.closeCurrentTab();
-    EXPECT_EQ(pane.count(), 2);
-    pane.selectDocument(0);
+    workspace.perform(Actions::closeTab);
+    EXPECT_EQ(pane.documents().size(), 2U);
+    workspace.perform(Actions::selectTab1);
     QFile::remove(folder.filePath(u"gone.txt"_s));
 
     held.finish();
     QCoreApplication::processEvents();
-    EXPECT_EQ(pane.count(), 1) << "what cannot be read goes";
+    EXPECT_EQ(pane.documents().size(), 1U) << "what cannot be read goes";
     EXPECT_FALSE(workspace.currentEditor()->banner());
     EXPECT_EQ(view.selection().caret, 8);
     QTest::keyClicks(&view, u"x"_s);

@@ -22,13 +22,22 @@ using namespace std::chrono_literals;
 
 namespace {
 
-class StatusBarViewTest : public testing::Test, private StatusBarViewDelegate {
+class StatusBarViewTest : public testing::Test {
 protected:
     using State = StatusBarView::State;
 
     StatusBarViewTest()
     {
-        bar.setDelegate(this);
+        QObject::connect(&bar, &StatusBarView::languageChosen,
+                         [this](const Language &language) { reports.append(u"language "_s + language.id()); });
+        QObject::connect(&bar, &StatusBarView::encodingChosen,
+                         [this](TextEncoding encoding) { reports.append(u"encoding %1"_s.arg(quint32(encoding))); });
+        QObject::connect(&bar, &StatusBarView::lineEndingChosen,
+                         [this](LineEnding ending) { reports.append(u"line ending %1"_s.arg(int(ending))); });
+        QObject::connect(&bar, &StatusBarView::indentationChosen, [this](Indentation indentation) {
+            reports.append(u"%1 %2"_s.arg(indentation.unit == Indentation::Unit::tab ? u"tabs"_s : u"spaces"_s).arg(indentation.width));
+        });
+        QObject::connect(&bar, &StatusBarView::positionClicked, [this] { reports.append(u"position"_s); });
         bar.resize(1200, bar.sizeHint().height());
         bar.show();
     }
@@ -88,16 +97,6 @@ protected:
     NotificationCenter notifications;
     StatusBarView bar{scheduler, notifications};
     QStringList reports;
-
-private:
-    void statusBarDidChooseLanguage(const Language &language) override { reports.append(u"language "_s + language.id()); }
-    void statusBarDidChooseEncoding(TextEncoding encoding) override { reports.append(u"encoding %1"_s.arg(quint32(encoding))); }
-    void statusBarDidChooseLineEnding(int index) override { reports.append(u"line ending %1"_s.arg(index)); }
-    void statusBarDidChooseIndentation(Indentation indentation) override
-    {
-        reports.append(u"%1 %2"_s.arg(indentation.unit == Indentation::Unit::tab ? u"tabs"_s : u"spaces"_s).arg(indentation.width));
-    }
-    void statusBarDidClickPosition() override { reports.append(u"position"_s); }
 };
 
 } // namespace

@@ -21,11 +21,21 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class TabBarViewTest : public testing::Test, private TabBarViewDelegate {
+class TabBarViewTest : public testing::Test {
 protected:
     TabBarViewTest()
     {
-        bar.setDelegate(this);
+        QObject::connect(&bar, &TabBarView::tabChosen, [this](int index) {
+            reports.append(u"select %1"_s.arg(index));
+            bar.setTabs(tabs, index);
+        });
+        QObject::connect(&bar, &TabBarView::closeRequested, [this](int index) {
+            reports.append(u"close %1"_s.arg(index));
+            tabs.erase(tabs.begin() + index);
+            bar.setTabs(tabs, qMin(index, int(tabs.size()) - 1));
+        });
+        QObject::connect(&bar, &TabBarView::newTabRequested, [this] { reports.append(u"new"_s); });
+        QObject::connect(&bar, &TabBarView::moveRequested, [this](int from, int to) { reports.append(u"move %1 %2"_s.arg(from).arg(to)); });
         bar.resize(800, bar.sizeHint().height());
         bar.show();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&bar));
@@ -102,20 +112,6 @@ protected:
     TabBarView bar;
 
 private:
-    void tabBarDidSelectTab(TabBarView &, int index) override
-    {
-        reports.append(u"select %1"_s.arg(index));
-        bar.setTabs(tabs, index);
-    }
-    void tabBarDidRequestClose(TabBarView &, int index) override
-    {
-        reports.append(u"close %1"_s.arg(index));
-        tabs.erase(tabs.begin() + index);
-        bar.setTabs(tabs, qMin(index, int(tabs.size()) - 1));
-    }
-    void tabBarDidRequestNewTab(TabBarView &) override { reports.append(u"new"_s); }
-    void tabBarDidMoveTab(TabBarView &, int from, int to) override { reports.append(u"move %1 %2"_s.arg(from).arg(to)); }
-
     QStringList reports;
 };
 

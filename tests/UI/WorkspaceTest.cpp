@@ -72,7 +72,7 @@ TEST_F(WorkspaceTest, ATextOpenInAnotherWindowIsShared)
     workspace(1).open({path(u"a.c"_s)});
     EXPECT_EQ(workspace(1).currentDocument(), workspace().currentDocument());
     // It is safe there, so nobody is asked here.
-    workspace(1).activePane()->closeCurrentTab();
+    workspace(1).perform(Actions::closeTab);
     EXPECT_TRUE(presenter.alerts().empty());
     EXPECT_EQ(workspace().currentDocument()->storage().string(), u"xint a;\n"_s);
     EXPECT_TRUE(std::ranges::count(documents.documents(), workspace().currentDocument(), [](const auto &open) { return open.get(); }) == 1);
@@ -132,7 +132,7 @@ TEST_F(WorkspaceTest, ATextThatIsShownElsewhereByThenStaysOpen)
     type(u"x"_s);
     send(Actions::newWindow);
     presenter.hold();
-    workspace().activePane()->closeCurrentTab();
+    workspace().perform(Actions::closeTab);
     workspace(1).open({path(u"a.c"_s)});
     presenter.answer(dontSave);
     presenter.answerHeld();
@@ -141,67 +141,40 @@ TEST_F(WorkspaceTest, ATextThatIsShownElsewhereByThenStaysOpen)
     EXPECT_EQ(documents.documentAt(path(u"a.c"_s)), workspace(1).currentDocument());
 }
 
-TEST_F(WorkspaceTest, PanesSurviveByTheRules)
+TEST_F(WorkspaceTest, PanesHandTheKeyboardOn)
 {
     workspace().open({write(u"a"_s, "aaa"), write(u"b"_s, "bbb")});
     textView().setSelection({1, 3});
     send(Actions::splitEditorRight);
-    ASSERT_EQ(workspace().panes().size(), 2U);
-    EXPECT_EQ(tabs(1), QStringList{u"b"_s});
     EXPECT_EQ(textView().selection(), TextSelection::at(1)) << "the other caret, without the selection";
-    EXPECT_TRUE(pane(1).isActive());
-    EXPECT_EQ(workspace().orientation(), Qt::Horizontal);
     type(u"x"_s);
     send(Actions::newDocument);
     send(Actions::splitEditorDown);
-    EXPECT_EQ(workspace().orientation(), Qt::Vertical);
     ASSERT_EQ(workspace().panes().size(), 3U);
     send(Actions::focusNextPane);
     EXPECT_TRUE(pane(0).isActive());
     EXPECT_EQ(text(), u"bxbb"_s);
     send(Actions::focusPreviousPane);
-    send(Actions::focusPreviousPane);
+    EXPECT_TRUE(pane(2).isActive());
+    // The text that is closed has the keyboard; shown in the other pane as well, nobody is asked.
+    send(Actions::closeTab);
     EXPECT_TRUE(pane(1).isActive());
-    // What is shown nowhere else goes to the left neighbour, at its end.
+    EXPECT_TRUE(textView().hasFocus());
     send(Actions::closeSplit);
-    EXPECT_EQ(tabs(0), (QStringList{u"a"_s, u"b"_s}));
-    EXPECT_TRUE(pane(0).isActive());
-    send(Actions::closeSplit);
-    EXPECT_EQ(workspace().panes().size(), 1U);
-    EXPECT_EQ(tabs(0), (QStringList{u"Untitled"_s, u"a"_s, u"b"_s}));
+    EXPECT_EQ(tabs(), (QStringList{u"a"_s, u"b"_s, u"Untitled"_s}));
+    EXPECT_TRUE(textView().hasFocus());
+    EXPECT_TRUE(presenter.alerts().empty());
     const int beeps = presenter.beepCount();
     send(Actions::closeSplit);
     send(Actions::closeOtherSplits);
     EXPECT_EQ(presenter.beepCount(), beeps + 2);
-}
-
-TEST_F(WorkspaceTest, ClosingTheOtherPanesKeepsTheActiveOne)
-{
-    for (const int kept : {0, 1, 2}) {
-        workspace().open({write(u"a"_s, "aaa")});
-        send(Actions::splitEditorRight);
-        send(Actions::splitEditorRight);
-        PaneViewController &active = pane(size_t(kept));
-        workspace().setActivePane(active);
-        active.focusEditor();
-        send(Actions::closeOtherSplits);
-        EXPECT_EQ(workspace().panes(), std::vector{&active}) << kept;
-        EXPECT_EQ(workspace().activePane(), &active) << kept;
-        EXPECT_TRUE(textView().hasFocus()) << kept;
-    }
-}
-
-TEST_F(WorkspaceTest, ClosingTheLastTabOfAPaneTakesThePane)
-{
-    workspace().open({write(u"a"_s, "aaa")});
     send(Actions::splitEditorRight);
-    type(u"x"_s);
-    // Shown in the other pane as well: no question.
-    send(Actions::closeTab);
-    EXPECT_TRUE(presenter.alerts().empty());
-    EXPECT_EQ(workspace().panes().size(), 1U);
+    send(Actions::splitEditorRight);
+    PaneViewController *kept = &pane(1);
+    QTest::mouseClick(kept->currentEditor()->textView().viewport(), Qt::LeftButton);
+    send(Actions::closeOtherSplits);
+    EXPECT_EQ(workspace().panes(), std::vector{kept});
     EXPECT_TRUE(textView().hasFocus());
-    EXPECT_EQ(text(), u"xaaa"_s);
 }
 
 TEST_F(WorkspaceTest, PanesAreEquallyWide)
@@ -238,23 +211,17 @@ TEST_F(WorkspaceTest, TabsAreReachedByNumberAndInTurn)
     EXPECT_EQ(presenter.beepCount(), 0);
     send(Actions::selectTab5);
     EXPECT_EQ(presenter.beepCount(), 1);
-    pane(0).moveTab(0, 2);
+    emit pane(0).tabBar().moveRequested(0, 2);
     EXPECT_EQ(tabs(), (QStringList{u"b"_s, u"c"_s, u"a"_s, u"d"_s}));
-    EXPECT_EQ(text(), u"d"_s);
-    // Closing one selects that which comes into its place, the last its neighbour; typing goes on there.
-    textView().setFocus();
+    // Typing goes on in what comes into the place of a closed one; another pane keeps the keyboard that it has.
     send(Actions::closeTab);
     EXPECT_EQ(text(), u"a"_s);
     EXPECT_TRUE(textView().hasFocus());
-    // Another pane keeps the focus that it has.
     send(Actions::splitEditorRight);
-    QWidget *right = &textView();
-    pane(0).removeDocument(2);
+    const QWidget *right = &textView();
+    emit pane(0).tabBar().closeRequested(1);
+    EXPECT_EQ(tabs(), (QStringList{u"b"_s, u"a"_s}));
     EXPECT_TRUE(right->hasFocus());
-    send(Actions::closeSplit);
-    send(Actions::selectTab1);
-    send(Actions::closeTab);
-    EXPECT_EQ(text(), u"c"_s);
 }
 
 TEST_F(WorkspaceTest, CaretsComeBackWithTheirTabs)

@@ -27,15 +27,7 @@ private:
                      (substitution.isOfWholeText ? u" in all"_s : QString()) + (substitution.isGlobal ? u" g"_s : QString()) +
                      (substitution.ignoresCase ? u" i"_s : QString());
     }
-    void saveDocument() override { calls << u"save"_s; }
-    void saveAndClose() override { calls << u"save and close"_s; }
-    void closeTab() override { calls << u"close"_s; }
-    void forceCloseCurrentTab() override { calls << u"force close"_s; }
-    void closeWindowFromVim() override { calls << u"close window"_s; }
-    void editFile(const QString &name) override { calls << u"edit '%1'"_s.arg(name); }
-    void splitEditorRight() override { calls << u"right"_s; }
-    void splitEditorDown() override { calls << u"down"_s; }
-    void closeOtherSplits() override { calls << u"only"_s; }
+    void performCommand(const Action &action, const QString &argument) override { calls << action.name() + argument; }
 };
 
 struct Fixture {
@@ -73,34 +65,34 @@ TEST(VimExCommand, DoesWhatIsTyped)
         {u"1 2", u"Not a command: 1 2"},
         {u"\u0661", u"Not a command: \u0661"},
         {u"99999999999999999999", u"Not a command: 99999999999999999999"},
-        {u" w ", u"save"},
-        {u"w elsewhere", u"save"},
+        {u" w ", u"saveDocument:"},
+        {u"w elsewhere", u"saveDocument:elsewhere"},
         {u"W", u"Not a command: W"},
         {u"w!", u"Not a command: w!"},
-        {u"write", u"save"},
-        {u"wq", u"save and close"},
-        {u"x", u"save and close"},
-        {u"wqa", u"save and close"},
-        {u"xa", u"save and close"},
-        {u"q", u"close"},
-        {u"close", u"close"},
-        {u"q!", u"force close"},
-        {u"qa", u"close window"},
-        {u"qa!", u"close window"},
-        {u"e", u"edit ''"},
-        {u"e!", u"edit ''"},
-        {u"edit a b.txt", u"edit 'a b.txt'"},
-        {u"e  a", u"edit ' a'"},
+        {u"write", u"saveDocument:"},
+        {u"wq", u"saveAndClose:"},
+        {u"x", u"saveAndClose:"},
+        {u"wqa", u"saveAndClose:"},
+        {u"xa", u"saveAndClose:"},
+        {u"q", u"closeTab:"},
+        {u"close", u"closeTab:"},
+        {u"q!", u"forceCloseTab:"},
+        {u"qa", u"closeWindowFromVim:"},
+        {u"qa!", u"closeWindowFromVim:"},
+        {u"e", u"editFile:"},
+        {u"e!", u"editFile:"},
+        {u"edit a b.txt", u"editFile:a b.txt"},
+        {u"e  a", u"editFile: a"},
         {u"e\ta", u"Not a command: e\ta"},
         {u"noh", u""},
         {u"nohl", u""},
         {u"nohlsearch", u""},
-        {u"vs", u"right"},
-        {u"vsplit", u"right"},
-        {u"sp", u"down"},
-        {u"split", u"down"},
-        {u"only", u"only"},
-        {u"on", u"only"},
+        {u"vs", u"splitEditorRight:"},
+        {u"vsplit", u"splitEditorRight:"},
+        {u"sp", u"splitEditorDown:"},
+        {u"split", u"splitEditorDown:"},
+        {u"only", u"closeOtherSplits:"},
+        {u"on", u"closeOtherSplits:"},
         {u"set", u"Not an option: "},
         {u"set  nu", u"Not an option:  nu"},
         {u"set ts", u"Not an option: ts"},

@@ -177,7 +177,7 @@ void Monkey::check()
     for (MainWindowController *window : windows) {
         REQUIRE(window->isVisible());
         checkWorkspace(window->workspace());
-        for (const auto &document : window->workspace().documents()) {
+        for (const auto &document : window->workspace().paneLayout().documents()) {
             shown.push_back(document.get());
         }
     }
@@ -196,16 +196,13 @@ void Monkey::check()
 void Monkey::checkWorkspace(WorkspaceViewController &workspace)
 {
     const auto &panes = workspace.panes();
-    REQUIRE(!panes.empty());
+    REQUIRE(!panes.empty() && workspace.paneLayout().checkInvariants());
     REQUIRE(std::find(panes.begin(), panes.end(), workspace.activePane()) != panes.end());
     for (const PaneViewController *pane : panes) {
-        REQUIRE(pane->count() > 0);
-        REQUIRE(pane->selectedIndex() >= 0 && pane->selectedIndex() < pane->count());
         REQUIRE(pane->isActive() == (pane == workspace.activePane()));
         EditorViewController *editor = pane->currentEditor();
         REQUIRE(editor != nullptr && editor->isVisible());
-        REQUIRE(&editor->document() == pane->currentDocument());
-        REQUIRE(pane->documents()[size_t(pane->selectedIndex())].get() == pane->currentDocument());
+        REQUIRE(&editor->document() == pane->documents().at(size_t(pane->selectedIndex())).get());
         const Rope &text = editor->document().storage().text();
         const TextRange selected = editor->textView().selection().range();
         REQUIRE(selected.location >= 0 && selected.end() <= text.length());

@@ -192,7 +192,7 @@ void prepare(MainWindowController &window, const QStringList &paths, const Argum
 {
     WorkspaceViewController &workspace = window.workspace();
     workspace.open(paths);
-    workspace.activePane()->selectDocument(0);
+    workspace.setPaneLayout(workspace.paneLayout().selecting(0, 0));
     workspace.focusEditor();
     if (const auto language = arguments.value(u"language")) {
         workspace.currentDocument()->setLanguage(LanguageRegistry::withID(*language).value());

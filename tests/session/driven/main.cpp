@@ -243,7 +243,7 @@ void Driver::tellState(const QString &)
             panes << stateOf(*pane);
         }
         QJsonObject texts;
-        for (const auto &document : workspace.documents()) {
+        for (const auto &document : workspace.paneLayout().documents()) {
             texts.insert(document->id().toString(QUuid::WithoutBraces), stateOf(*document));
         }
         if (each == &window()) {
@@ -251,7 +251,7 @@ void Driver::tellState(const QString &)
         }
         windows << QJsonObject{{"panes"_L1, panes},
                                {"active"_L1, active},
-                               {"isSideBySide"_L1, workspace.orientation() == Qt::Horizontal},
+                               {"isSideBySide"_L1, workspace.paneLayout().orientation() == Qt::Horizontal},
                                {"size"_L1, QJsonArray{each->width(), each->height()}},
                                {"texts"_L1, texts}};
     }

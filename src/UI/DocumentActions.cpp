@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-
-// The commands of a window's menus and tool bar that concern its current document, and when each can be used.
+#include "UI/DocumentActions.h"
 
 #include "Base/Pasteboard.h"
 #include "Base/Translation.h"
@@ -11,9 +10,9 @@
 #include "Model/DocumentStore.h"
 #include "Model/RecentDocuments.h"
 #include "Session/SessionKeeper.h"
+#include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
-#include "UI/WorkspaceViewController.h"
 #include "Widgets/AlertPresenter.h"
 
 #include <QDir>
@@ -42,107 +41,48 @@ QString nameOf(const QString &path)
 
 } // namespace
 
-template<const Setting<bool> &setting>
-void WorkspaceViewController::toggle()
-{
-    m_services.preferences.toggle(setting);
-}
+DocumentActions::DocumentActions(const WorkspaceServices &services, const PaneLayout &layout, QWidget &widget)
+    : m_services(services), m_layout(layout), m_widget(widget)
+{}
 
-template<const Setting<bool> &setting>
-ActionState WorkspaceViewController::stateOf() const
+const ActionRow *DocumentActions::actionFor(const Action &wanted) const
 {
-    return {.checkMark = m_services.preferences.value(setting) ? CheckMark::on : CheckMark::none};
-}
-
-template<const Setting<bool> &setting>
-constexpr ActionRow WorkspaceViewController::toggleRow(const Action &toggled)
-{
-    return action<&WorkspaceViewController::toggle<setting>, &WorkspaceViewController::stateOf<setting>>(toggled);
-}
-
-const ActionRow *WorkspaceViewController::actionFor(const Action &wanted) const
-{
-    using Self = WorkspaceViewController;
+    using Self = DocumentActions;
     static constexpr auto rows = std::to_array<ActionRow>({
-        action<&Self::newDocument>(Actions::newDocument),
         action<&Self::openDocument>(Actions::openDocument),
         action<&Self::saveDocument, &Self::hasDocument>(Actions::saveDocument),
         action<&Self::saveDocumentAs, &Self::hasDocument>(Actions::saveDocumentAs),
-        action<&Self::closeTab, &Self::hasDocument>(Actions::closeTab),
-        action<&Self::finishWaiting, &Self::hasDocument>(Actions::finishWaiting),
-        action<&Self::abortWaiting, &Self::hasDocument>(Actions::abortWaiting),
         action<&Self::revertDocumentToSaved, &Self::canRevert>(Actions::revertDocumentToSaved),
+        action<&Self::revertWithoutAsking, &Self::hasFile>(Actions::revertWithoutAsking),
         action<&Self::makeBackup, &Self::hasFile>(Actions::makeBackup),
         action<&Self::openInTerminal, &Self::hasFile>(Actions::openInTerminal),
         action<&Self::moveDocumentToTrash, &Self::hasFile>(Actions::moveDocumentToTrash),
         action<&Self::revealInFinder, &Self::hasFile>(Actions::revealInFinder),
         action<&Self::copyFilePath, &Self::hasFile>(Actions::copyFilePath),
-        action<&Self::showFindInterface, &Self::hasEditor>(Actions::showFindInterface),
-        action<&Self::closeWindowFromVim>(Actions::closeWindowFromVim),
-        action<&Self::goToLine, &Self::hasEditor>(Actions::goToLine),
         action<&Self::showVimKeyReference>(Actions::showVimKeyReference),
         action<&Self::showUserGuide>(Actions::showUserGuide),
         action<&Self::compareWithFileOnDisk, &Self::hasFile>(Actions::compareWithFileOnDisk),
         action<&Self::compareWithFile, &Self::hasDocument>(Actions::compareWithFile),
         action<&Self::compareWithOpenDocument, &Self::hasSeveralDocuments>(Actions::compareWithOpenDocument),
-        action<&Self::splitEditorRight>(Actions::splitEditorRight),
-        action<&Self::splitEditorDown>(Actions::splitEditorDown),
-        action<&Self::closeSplit, &Self::hasSeveralPanes>(Actions::closeSplit),
-        action<&Self::closeOtherSplits, &Self::hasSeveralPanes>(Actions::closeOtherSplits),
-        action<&Self::focusNextPane, &Self::hasSeveralPanes>(Actions::focusNextPane),
-        action<&Self::focusPreviousPane, &Self::hasSeveralPanes>(Actions::focusPreviousPane),
-        action<&Self::toggleSplitOrientation, &Self::hasSeveralPanes>(Actions::toggleSplitOrientation),
-        action<&Self::moveTabToNewWindow, &Self::hasSeveralTabsInAll>(Actions::moveTabToNewWindow),
-        action<&Self::selectNextTab, &Self::hasSeveralTabs>(Actions::selectNextTab),
-        action<&Self::selectPreviousTab, &Self::hasSeveralTabs>(Actions::selectPreviousTab),
-        action<&Self::selectTabByNumber>(Actions::selectTab1),
         action<&Self::selectLanguageFromMenu, &Self::languageState>(Actions::selectLanguage),
-        action<&Self::selectTheme, &Self::themeState>(Actions::selectTheme),
-        toggleRow<Settings::showLineNumbers>(Actions::toggleLineNumbers),
-        toggleRow<Settings::wrapLines>(Actions::toggleLineWrap),
-        toggleRow<Settings::showInvisibles>(Actions::toggleInvisibles),
-        toggleRow<Settings::highlightCurrentLine>(Actions::toggleCurrentLineHighlight),
-        action<&Self::increaseFontSize>(Actions::increaseFontSize),
-        action<&Self::decreaseFontSize>(Actions::decreaseFontSize),
-        action<&Self::resetFontSize>(Actions::resetFontSize),
     });
     return findAction(rows, wanted);
 }
 
 // Enabling
 
-bool WorkspaceViewController::hasFile() const
+bool DocumentActions::hasFile() const
 {
     const TextDocument *document = currentDocument();
     return document && !document->isUntitled();
 }
 
-bool WorkspaceViewController::canRevert() const
+bool DocumentActions::canRevert() const
 {
     return hasFile() && currentDocument()->hasUnsavedText();
 }
 
-bool WorkspaceViewController::hasSeveralTabs() const
-{
-    return m_activePane && m_activePane->count() > 1;
-}
-
-bool WorkspaceViewController::hasSeveralTabsInAll() const
-{
-    int count = 0;
-    for (const PaneViewController *pane : m_panes) {
-        count += pane->count();
-    }
-    return count > 1;
-}
-
-ActionState WorkspaceViewController::themeState(const ActionSender &sender) const
-{
-    return {.checkMark =
-                sender.represented.toString() == m_services.preferences.value(Settings::themeName) ? CheckMark::on : CheckMark::none};
-}
-
-ActionState WorkspaceViewController::languageState(const ActionSender &sender) const
+ActionState DocumentActions::languageState(const ActionSender &sender) const
 {
     const TextDocument *document = currentDocument();
     const bool isOn = document && document->language().id() == sender.represented.toString();
@@ -151,22 +91,22 @@ ActionState WorkspaceViewController::languageState(const ActionSender &sender) c
 
 // Questions and answers
 
-void WorkspaceViewController::beep()
+void DocumentActions::beep()
 {
     m_services.presenter.beep();
 }
 
-void WorkspaceViewController::presentError(const QString &description, const QString &recoverySuggestion)
+void DocumentActions::presentError(const QString &description, const QString &recoverySuggestion)
 {
     m_services.presenter.present(Alert::forError(description, recoverySuggestion), window(), {});
 }
 
-void WorkspaceViewController::presentError(const TextFile::ReadError &error)
+void DocumentActions::presentError(const TextFile::ReadError &error)
 {
     presentError(error.description(), error.recoverySuggestion().value_or(QString()));
 }
 
-void WorkspaceViewController::present(const Alert &alert, std::function<void(int button)> completion)
+void DocumentActions::present(const Alert &alert, std::function<void(int button)> completion)
 {
     m_services.presenter.present(alert, window(),
                                  [completion = std::move(completion)](const AlertReply &reply) { completion(reply.button); });
@@ -174,7 +114,7 @@ void WorkspaceViewController::present(const Alert &alert, std::function<void(int
 
 // Opening and saving
 
-QString WorkspaceViewController::panelFolder() const
+QString DocumentActions::panelFolder() const
 {
     QString last = m_services.defaults.string(lastFolderKey);
     if (!last.isEmpty() && QFileInfo::exists(last)) {
@@ -183,37 +123,37 @@ QString WorkspaceViewController::panelFolder() const
     return hasFile() ? folderOf(currentDocument()->path()) : QDir::homePath();
 }
 
-void WorkspaceViewController::rememberPanelFolder(const QString &path)
+void DocumentActions::rememberPanelFolder(const QString &path)
 {
     m_services.defaults.set(lastFolderKey, folderOf(path));
 }
 
-void WorkspaceViewController::openDocument()
+void DocumentActions::openDocument()
 {
     m_services.presenter.present(OpenPanel{.choice = OpenPanel::Choice::files, .startFolder = panelFolder()}, window(),
                                  [this](const QStringList &paths) {
                                      if (!paths.isEmpty()) {
                                          rememberPanelFolder(paths.first());
-                                         open(paths);
+                                         emit filesChosen(paths);
                                      }
                                  });
 }
 
-void WorkspaceViewController::saveDocument()
+void DocumentActions::saveDocument()
 {
     if (TextDocument *document = currentDocument()) {
         save(*document, [](bool) {});
     }
 }
 
-void WorkspaceViewController::saveDocumentAs()
+void DocumentActions::saveDocumentAs()
 {
     if (TextDocument *document = currentDocument()) {
         saveAs(*document, [](bool) {});
     }
 }
 
-void WorkspaceViewController::save(TextDocument &document, const Completion &completion)
+void DocumentActions::save(TextDocument &document, const Completion &completion)
 {
     if (document.isUntitled()) {
         saveAs(document, completion);
@@ -221,14 +161,14 @@ void WorkspaceViewController::save(TextDocument &document, const Completion &com
     }
     const Result<void> saved = document.save(document.path());
     if (saved) {
-        m_statusBar->flash(localized(u"Saved"), shortFlash);
+        emit messageShown(localized(u"Saved"), shortFlash);
     } else {
         presentError(saved.error().message);
     }
     completion(saved.has_value());
 }
 
-void WorkspaceViewController::saveAs(TextDocument &document, const Completion &completion)
+void DocumentActions::saveAs(TextDocument &document, const Completion &completion)
 {
     const SavePanel panel{.startFolder = document.isUntitled() ? panelFolder() : folderOf(document.path()),
                           .suggestedName = document.displayName()};
@@ -244,7 +184,7 @@ void WorkspaceViewController::saveAs(TextDocument &document, const Completion &c
                                          // Until the session knows its file, it would not come back.
                                          m_services.keeper.keep();
                                          m_services.recent.note({*path});
-                                         m_statusBar->flash(formatted(localized(u"Saved as “%@”"), nameOf(*path)), shortFlash);
+                                         emit messageShown(formatted(localized(u"Saved as “%@”"), nameOf(*path)), shortFlash);
                                      } else {
                                          presentError(saved.error().message);
                                      }
@@ -252,25 +192,7 @@ void WorkspaceViewController::saveAs(TextDocument &document, const Completion &c
                                  });
 }
 
-/// The program that waits for the current document goes on with what was written.
-void WorkspaceViewController::finishWaiting()
-{
-    if (TextDocument *document = currentDocument()) {
-        document->setAwaited(TextDocument::Awaited::yes);
-        document->hasUnsavedText() ? saveAndClose() : closeTab();
-    }
-}
-
-/// It is told that nothing came of it.
-void WorkspaceViewController::abortWaiting()
-{
-    if (TextDocument *document = currentDocument()) {
-        document->setAwaited(TextDocument::Awaited::aborted);
-        closeTab();
-    }
-}
-
-void WorkspaceViewController::confirmClose(TextDocument &document, const Completion &completion)
+void DocumentActions::confirmClose(TextDocument &document, const Completion &completion)
 {
     const Alert question{.messageText = formatted(localized(u"Do you want to save the changes made to “%@”?"), document.displayName()),
                          .informativeText = localized(u"Your changes will be lost if you don’t save them."),
@@ -286,7 +208,48 @@ void WorkspaceViewController::confirmClose(TextDocument &document, const Complet
     });
 }
 
-void WorkspaceViewController::revertDocumentToSaved()
+void DocumentActions::confirmClosing(const PaneLayout::Documents &documents, const Completion &completion)
+{
+    QStringList names;
+    for (const auto &document : documents) {
+        names << document->displayName();
+    }
+    const bool isOne = documents.size() == 1;
+    const QString consequence =
+        !isOne && m_services.session.keepsUnsavedText()
+            ? localized(u"Unsaved changes are kept as local drafts and will be restored the next time you open Quillet.")
+            : localized(u"Your changes will be lost if you don’t save them.");
+    const Alert question{.messageText = isOne ? formatted(localized(u"Do you want to save the changes made to “%@”?"), names.first())
+                                              : formatted(localized(u"You have %d documents with unsaved changes."), int(documents.size())),
+                         .informativeText = isOne ? consequence : names.join(u", "_s) + u"\n\n"_s + consequence,
+                         .buttons = {{localized(isOne ? u"Save" : u"Save All")},
+                                     {localized(u"Cancel"), AlertButtonRole::cancel},
+                                     {localized(u"Close Without Saving"), AlertButtonRole::destructive}}};
+    m_services.presenter.present(question, window(), [this, documents, completion](const AlertReply &reply) {
+        if (reply.button == AlertReply::firstButton) {
+            saveAll(documents, completion);
+        } else {
+            completion(reply.button == AlertReply::thirdButton);
+        }
+    });
+}
+
+void DocumentActions::saveAll(const PaneLayout::Documents &documents, const Completion &completion)
+{
+    if (documents.empty()) {
+        completion(true);
+        return;
+    }
+    save(*documents.front(), [this, documents, completion](bool isSaved) {
+        if (isSaved) {
+            saveAll(PaneLayout::Documents(documents.begin() + 1, documents.end()), completion);
+        } else {
+            completion(false);
+        }
+    });
+}
+
+void DocumentActions::revertDocumentToSaved()
 {
     if (!hasFile()) {
         return;
@@ -305,9 +268,20 @@ void WorkspaceViewController::revertDocumentToSaved()
     });
 }
 
+/// A file that cannot be read leaves the text as it is.
+void DocumentActions::revertWithoutAsking()
+{
+    if (!hasFile()) {
+        return;
+    }
+    if (const auto reverted = currentDocument()->revertToFileOnDisk(); !reverted) {
+        presentError(reverted.error());
+    }
+}
+
 // Files
 
-void WorkspaceViewController::makeBackup()
+void DocumentActions::makeBackup()
 {
     if (!hasFile() || currentDocument()->isWaiting()) {
         beep();
@@ -324,10 +298,10 @@ void WorkspaceViewController::makeBackup()
         presentError(written.error().message);
         return;
     }
-    m_statusBar->flash(formatted(localized(u"Copied to “%@”"), nameOf(*copy)), longFlash);
+    emit messageShown(formatted(localized(u"Copied to “%@”"), nameOf(*copy)), longFlash);
 }
 
-void WorkspaceViewController::openInTerminal()
+void DocumentActions::openInTerminal()
 {
     if (!hasFile()) {
         beep();
@@ -340,7 +314,7 @@ void WorkspaceViewController::openInTerminal()
     }
 }
 
-void WorkspaceViewController::moveDocumentToTrash()
+void DocumentActions::moveDocumentToTrash()
 {
     if (!hasFile()) {
         beep();
@@ -366,22 +340,21 @@ void WorkspaceViewController::moveDocumentToTrash()
     });
 }
 
-void WorkspaceViewController::trash(TextDocument &document)
+void DocumentActions::trash(TextDocument &document)
 {
     if (const Result<void> moved = m_services.desktop.moveToTrash(document.path()); !moved) {
         presentError(moved.error().message);
         return;
     }
     m_services.documents.remove(document);
-    removeFromAllPanes(document);
 }
 
-void WorkspaceViewController::revealInFinder()
+void DocumentActions::revealInFinder()
 {
     if (hasFile()) {
-        m_services.desktop.reveal(currentDocument()->path(), [workspace = QPointer(this)](const QString &problem) {
-            if (workspace) {
-                workspace->presentError(problem);
+        m_services.desktop.reveal(currentDocument()->path(), [self = QPointer(this)](const QString &problem) {
+            if (self) {
+                self->presentError(problem);
             }
         });
     } else {
@@ -389,7 +362,7 @@ void WorkspaceViewController::revealInFinder()
     }
 }
 
-void WorkspaceViewController::copyFilePath()
+void DocumentActions::copyFilePath()
 {
     if (hasFile()) {
         m_services.pasteboard.setText(currentDocument()->path());
@@ -400,36 +373,7 @@ void WorkspaceViewController::copyFilePath()
 
 // The text
 
-void WorkspaceViewController::showFindInterface()
-{
-    if (EditorViewController *editor = currentEditor()) {
-        editor->textView().setFocus();
-        editor->perform(Actions::find);
-    } else {
-        beep();
-    }
-}
-
-void WorkspaceViewController::goToLine()
-{
-    if (!currentEditor()) {
-        return;
-    }
-    const Alert question{.style = AlertStyle::informational,
-                         .messageText = localized(u"Go to Line"),
-                         .buttons = {{localized(u"Go")}, {localized(u"Cancel"), AlertButtonRole::cancel}},
-                         .textField = Alert::TextField{.placeholder = localized(u"Line number")}};
-    m_services.presenter.present(question, window(), [editor = QPointer(currentEditor())](const AlertReply &reply) {
-        bool isNumber = false;
-        const qint64 line = reply.text.trimmed().toLongLong(&isNumber, 10);
-        if (editor && reply.button == AlertReply::firstButton && isNumber && line > 0) {
-            editor->scrollToLine(qsizetype(line));
-            editor->textView().setFocus();
-        }
-    });
-}
-
-void WorkspaceViewController::chooseLanguage(const Language &language)
+void DocumentActions::chooseLanguage(const Language &language)
 {
     if (TextDocument *document = currentDocument()) {
         document->languageWasChosenManually = true;
@@ -437,39 +381,14 @@ void WorkspaceViewController::chooseLanguage(const Language &language)
     }
 }
 
-void WorkspaceViewController::selectLanguageFromMenu(const ActionSender &sender)
+void DocumentActions::selectLanguageFromMenu(const ActionSender &sender)
 {
     if (const auto language = LanguageRegistry::withID(sender.represented.toString())) {
         chooseLanguage(*language);
     }
 }
 
-void WorkspaceViewController::selectTheme(const ActionSender &sender)
-{
-    const QString name = sender.represented.toString();
-    if (!name.isEmpty()) {
-        m_services.preferences.set(Settings::themeName, name);
-    }
-}
-
-void WorkspaceViewController::changeFontSize(int steps)
-{
-    m_services.preferences.set(Settings::fontSize, m_services.preferences.value(Settings::fontSize) + steps);
-}
-
-void WorkspaceViewController::resetFontSize()
-{
-    m_services.preferences.reset(Settings::fontSize);
-}
-
-// From the status bar
-
-void WorkspaceViewController::statusBarDidChooseLanguage(const Language &language)
-{
-    chooseLanguage(language);
-}
-
-void WorkspaceViewController::statusBarDidChooseEncoding(TextEncoding encoding)
+void DocumentActions::chooseEncoding(TextEncoding encoding)
 {
     TextDocument *document = currentDocument();
     if (!document) {
@@ -484,20 +403,9 @@ void WorkspaceViewController::statusBarDidChooseEncoding(TextEncoding encoding)
     }
 }
 
-void WorkspaceViewController::statusBarDidChooseLineEnding(int index)
+void DocumentActions::chooseLineEnding(LineEnding lineEnding)
 {
-    if (TextDocument *document = currentDocument(); document && index >= 0 && size_t(index) < lineEndings.size()) {
-        document->setLineEnding(lineEndings[size_t(index)].ending);
+    if (TextDocument *document = currentDocument()) {
+        document->setLineEnding(lineEnding);
     }
-}
-
-void WorkspaceViewController::statusBarDidChooseIndentation(Indentation indentation)
-{
-    m_services.preferences.set(Settings::tabWidth, indentation.width);
-    m_services.preferences.set(Settings::insertSpaces, indentation.unit == Indentation::Unit::spaces);
-}
-
-void WorkspaceViewController::statusBarDidClickPosition()
-{
-    goToLine();
 }

@@ -8,8 +8,8 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
 #include "Settings/Preferences.h"
+#include "UI/DocumentActions.h"
 #include "UI/UserGuide.h"
-#include "UI/WorkspaceViewController.h"
 #include "Vim/VimReference.h"
 #include "Widgets/AlertPresenter.h"
 
@@ -25,19 +25,19 @@ DiffViewController::Side editorSide(const TextDocument &document)
 
 } // namespace
 
-bool WorkspaceViewController::hasSeveralDocuments() const
+bool DocumentActions::hasSeveralDocuments() const
 {
     return m_services.documents.documents().size() > 1;
 }
 
 /// With the current document on the right.
-void WorkspaceViewController::compare(DiffViewController::Side left)
+void DocumentActions::compare(const Side &left)
 {
     const TextDocument &document = *currentDocument();
-    m_host.openComparison(std::move(left), editorSide(document), document.language());
+    emit comparisonRequested(left, editorSide(document), document.language());
 }
 
-void WorkspaceViewController::compareWithFileOnDisk()
+void DocumentActions::compareWithFileOnDisk()
 {
     if (!hasFile()) {
         beep();
@@ -52,7 +52,7 @@ void WorkspaceViewController::compareWithFileOnDisk()
     compare({document.displayName(), localized(u"on disk"), read->text});
 }
 
-void WorkspaceViewController::compareWithFile()
+void DocumentActions::compareWithFile()
 {
     if (!currentDocument()) {
         beep();
@@ -73,11 +73,11 @@ void WorkspaceViewController::compareWithFile()
             return;
         }
         const QFileInfo file(paths.first());
-        m_host.openComparison({file.fileName(), abbreviatedPath(file.path()), read->text}, editorSide(*document), document->language());
+        emit comparisonRequested({file.fileName(), abbreviatedPath(file.path()), read->text}, editorSide(*document), document->language());
     });
 }
 
-void WorkspaceViewController::compareWithOpenDocument(const ActionSender &sender)
+void DocumentActions::compareWithOpenDocument(const ActionSender &sender)
 {
     const auto &open = m_services.documents.documents();
     const QUuid id(sender.represented.toString());
@@ -89,18 +89,18 @@ void WorkspaceViewController::compareWithOpenDocument(const ActionSender &sender
     compare(editorSide(**found));
 }
 
-void WorkspaceViewController::showVimKeyReference()
+void DocumentActions::showVimKeyReference()
 {
     showGenerated(VimReference::title, VimReference::markdown(m_services.preferences.value(Settings::vimKeymapPreset)));
 }
 
-void WorkspaceViewController::showUserGuide()
+void DocumentActions::showUserGuide()
 {
     showGenerated(UserGuide::title, UserGuide::markdown());
 }
 
 /// Markdown that nobody edits, in the tab that has it already if there is one.
-void WorkspaceViewController::showGenerated(const QString &title, const QString &text)
+void DocumentActions::showGenerated(const QString &title, const QString &text)
 {
     const auto &open = m_services.documents.documents();
     const auto found =
@@ -108,12 +108,9 @@ void WorkspaceViewController::showGenerated(const QString &title, const QString 
     if (found != open.end()) {
         const std::shared_ptr<TextDocument> document = *found;
         document->setGeneratedText(text);
-        if (!paneShowing(*document)) {
-            adopt(*document);
-        }
-        focusPaneShowing(*document);
+        emit documentMade(*document);
         return;
     }
-    adopt(m_services.documents.add(
+    emit documentMade(m_services.documents.add(
         TextDocument::generated(m_services.documents.services(), title, text, *LanguageRegistry::withID(u"markdown"))));
 }

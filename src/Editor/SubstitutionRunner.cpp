@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "UI/SubstitutionRunner.h"
+#include "Editor/SubstitutionRunner.h"
 
 #include "Base/Translation.h"
 #include "Text/TextStorage.h"

@@ -1,0 +1,90 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Diff/DiffViewController.h"
+#include "Files/TextFile.h"
+#include "Model/PaneLayout.h"
+#include "UI/WorkspaceServices.h"
+
+struct Alert;
+
+/// What can be done with the documents of a window, and the commands for its current one. Saving, and asking before something is lost, end
+/// with a completion, which may come later. It changes no panes: it tells what is to be shown, and what is closed leaves the store, of
+/// which every window hears. Main thread only.
+class DocumentActions final : public QObject, public Responder {
+    Q_OBJECT
+
+public:
+    using Completion = std::function<void(bool isDone)>;
+    using Side = DiffViewController::Side;
+
+    /// `layout` is what the window shows, `widget` something in it. All must outlive this.
+    DocumentActions(const WorkspaceServices &services, const PaneLayout &layout, QWidget &widget);
+
+    /// Gets true when the text was written.
+    void save(TextDocument &document, const Completion &completion);
+    void saveAs(TextDocument &document, const Completion &completion);
+    /// Gets true when it may be closed.
+    void confirmClose(TextDocument &document, const Completion &completion);
+    /// The same for a window that shows all these. There is one at least.
+    void confirmClosing(const PaneLayout::Documents &documents, const Completion &completion);
+
+    // Of the current document
+    void chooseLanguage(const Language &language);
+    void chooseEncoding(TextEncoding encoding);
+    void chooseLineEnding(LineEnding lineEnding);
+
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
+
+signals:
+    /// Absolute paths of what the user wants to see.
+    void filesChosen(const QStringList &paths);
+    /// It is to be shown, where it has a tab already or in a new one.
+    void documentMade(TextDocument &document);
+    void messageShown(const QString &message, Scheduler::Milliseconds duration);
+    /// Two texts are to be shown side by side, with the colours of `language`.
+    void comparisonRequested(const DiffViewController::Side &left, const DiffViewController::Side &right, const Language &language);
+
+private:
+    void openDocument();
+    void saveDocument();
+    void saveDocumentAs();
+    void saveAll(const PaneLayout::Documents &documents, const Completion &completion);
+    void revertDocumentToSaved();
+    void revertWithoutAsking();
+    void makeBackup();
+    void openInTerminal();
+    void moveDocumentToTrash();
+    void trash(TextDocument &document);
+    void revealInFinder();
+    void copyFilePath();
+    void selectLanguageFromMenu(const ActionSender &sender);
+    void compareWithFileOnDisk();
+    void compareWithFile();
+    void compareWithOpenDocument(const ActionSender &sender);
+    void compare(const Side &left);
+    void showVimKeyReference();
+    void showUserGuide();
+    void showGenerated(const QString &title, const QString &text);
+
+    [[nodiscard]] TextDocument *currentDocument() const { return m_layout.current().get(); }
+    /// Which questions block.
+    [[nodiscard]] QWidget *window() const { return m_widget.window(); }
+    [[nodiscard]] bool hasDocument() const { return currentDocument() != nullptr; }
+    [[nodiscard]] bool hasFile() const;
+    [[nodiscard]] bool canRevert() const;
+    [[nodiscard]] bool hasSeveralDocuments() const;
+    [[nodiscard]] ActionState languageState(const ActionSender &sender) const;
+
+    void presentError(const QString &description, const QString &recoverySuggestion = {});
+    void presentError(const TextFile::ReadError &error);
+    void present(const Alert &alert, std::function<void(int button)> completion);
+    void beep();
+    [[nodiscard]] QString panelFolder() const;
+    void rememberPanelFolder(const QString &path);
+
+    WorkspaceServices m_services;
+    const PaneLayout &m_layout;
+    QWidget &m_widget;
+};

@@ -1,0 +1,189 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// The commands of a window that concern its panes, its tabs and the look of its texts, and when each can be used.
+
+#include "Base/FilePath.h"
+#include "Base/Translation.h"
+#include "Commands/Actions.h"
+#include "Model/TextDocument.h"
+#include "Settings/Preferences.h"
+#include "UI/WorkspaceViewController.h"
+#include "Widgets/AlertPresenter.h"
+
+#include <QDir>
+#include <QPointer>
+
+#include <array>
+
+template<const Setting<bool> &setting>
+void WorkspaceViewController::toggle()
+{
+    m_services.preferences.toggle(setting);
+}
+
+template<const Setting<bool> &setting>
+ActionState WorkspaceViewController::stateOf() const
+{
+    return {.checkMark = m_services.preferences.value(setting) ? CheckMark::on : CheckMark::none};
+}
+
+template<const Setting<bool> &setting>
+constexpr ActionRow WorkspaceViewController::toggleRow(const Action &toggled)
+{
+    return action<&WorkspaceViewController::toggle<setting>, &WorkspaceViewController::stateOf<setting>>(toggled);
+}
+
+const ActionRow *WorkspaceViewController::actionFor(const Action &wanted) const
+{
+    using Self = WorkspaceViewController;
+    static constexpr auto rows = std::to_array<ActionRow>({
+        action<&Self::newDocument>(Actions::newDocument),
+        action<&Self::closeTab, &Self::hasDocument>(Actions::closeTab),
+        action<&Self::saveAndClose, &Self::hasDocument>(Actions::saveAndClose),
+        action<&Self::forceCloseTab, &Self::hasDocument>(Actions::forceCloseTab),
+        action<&Self::editFile>(Actions::editFile),
+        action<&Self::finishWaiting, &Self::hasDocument>(Actions::finishWaiting),
+        action<&Self::abortWaiting, &Self::hasDocument>(Actions::abortWaiting),
+        action<&Self::showFindInterface, &Self::hasEditor>(Actions::showFindInterface),
+        action<&Self::closeWindowFromVim>(Actions::closeWindowFromVim),
+        action<&Self::goToLine, &Self::hasEditor>(Actions::goToLine),
+        action<&Self::splitEditorRight>(Actions::splitEditorRight),
+        action<&Self::splitEditorDown>(Actions::splitEditorDown),
+        action<&Self::closeSplit, &Self::hasSeveralPanes>(Actions::closeSplit),
+        action<&Self::closeOtherSplits, &Self::hasSeveralPanes>(Actions::closeOtherSplits),
+        action<&Self::focusNextPane, &Self::hasSeveralPanes>(Actions::focusNextPane),
+        action<&Self::focusPreviousPane, &Self::hasSeveralPanes>(Actions::focusPreviousPane),
+        action<&Self::toggleSplitOrientation, &Self::hasSeveralPanes>(Actions::toggleSplitOrientation),
+        action<&Self::moveTabToNewWindow, &Self::hasSeveralTabsInAll>(Actions::moveTabToNewWindow),
+        action<&Self::selectNextTab, &Self::hasSeveralTabs>(Actions::selectNextTab),
+        action<&Self::selectPreviousTab, &Self::hasSeveralTabs>(Actions::selectPreviousTab),
+        action<&Self::selectTabByNumber>(Actions::selectTab1),
+        action<&Self::selectTheme, &Self::themeState>(Actions::selectTheme),
+        toggleRow<Settings::showLineNumbers>(Actions::toggleLineNumbers),
+        toggleRow<Settings::wrapLines>(Actions::toggleLineWrap),
+        toggleRow<Settings::showInvisibles>(Actions::toggleInvisibles),
+        toggleRow<Settings::highlightCurrentLine>(Actions::toggleCurrentLineHighlight),
+        action<&Self::increaseFontSize>(Actions::increaseFontSize),
+        action<&Self::decreaseFontSize>(Actions::decreaseFontSize),
+        action<&Self::resetFontSize>(Actions::resetFontSize),
+    });
+    return findAction(rows, wanted);
+}
+
+ActionState WorkspaceViewController::themeState(const ActionSender &sender) const
+{
+    return {.checkMark =
+                sender.represented.toString() == m_services.preferences.value(Settings::themeName) ? CheckMark::on : CheckMark::none};
+}
+
+void WorkspaceViewController::beep()
+{
+    m_services.presenter.beep();
+}
+
+// The end of a text
+
+void WorkspaceViewController::saveAndClose()
+{
+    const auto document = m_layout.current();
+    if (!document) {
+        return;
+    }
+    m_documentActions.save(*document, [this, id = m_layout.active()->id, document](bool isSaved) {
+        if (const int pane = m_layout.paneWithId(id); isSaved && pane >= 0) {
+            requestClose(pane, m_layout.panes()[size_t(pane)].indexOf(*document));
+        }
+    });
+}
+
+/// Without a question; what was not saved is lost.
+void WorkspaceViewController::forceCloseTab()
+{
+    if (const auto document = m_layout.current()) {
+        takeTab(m_layout.activeIndex(), *document);
+    }
+}
+
+/// The program that waits for the current document goes on with what was written.
+void WorkspaceViewController::finishWaiting()
+{
+    if (TextDocument *document = currentDocument()) {
+        document->setAwaited(TextDocument::Awaited::yes);
+        document->hasUnsavedText() ? saveAndClose() : closeTab();
+    }
+}
+
+/// It is told that nothing came of it.
+void WorkspaceViewController::abortWaiting()
+{
+    if (TextDocument *document = currentDocument()) {
+        document->setAwaited(TextDocument::Awaited::aborted);
+        closeTab();
+    }
+}
+
+/// Opens the file of that name, or without one reads the document's own again, without a question.
+void WorkspaceViewController::editFile(const ActionSender &sender)
+{
+    if (const QString name = sender.represented.toString(); name.isEmpty()) {
+        perform(Actions::revertWithoutAsking);
+    } else {
+        open({absoluteFilePath(name, QDir::currentPath())});
+    }
+}
+
+// The text
+
+void WorkspaceViewController::showFindInterface()
+{
+    if (EditorViewController *editor = currentEditor()) {
+        editor->textView().setFocus();
+        editor->perform(Actions::find);
+    } else {
+        beep();
+    }
+}
+
+void WorkspaceViewController::goToLine()
+{
+    if (!currentEditor()) {
+        return;
+    }
+    const Alert question{.style = AlertStyle::informational,
+                         .messageText = localized(u"Go to Line"),
+                         .buttons = {{localized(u"Go")}, {localized(u"Cancel"), AlertButtonRole::cancel}},
+                         .textField = Alert::TextField{.placeholder = localized(u"Line number")}};
+    m_services.presenter.present(question, window(), [editor = QPointer(currentEditor())](const AlertReply &reply) {
+        bool isNumber = false;
+        const qint64 line = reply.text.trimmed().toLongLong(&isNumber, 10);
+        if (editor && reply.button == AlertReply::firstButton && isNumber && line > 0) {
+            editor->scrollToLine(qsizetype(line));
+            editor->textView().setFocus();
+        }
+    });
+}
+
+void WorkspaceViewController::selectTheme(const ActionSender &sender)
+{
+    const QString name = sender.represented.toString();
+    if (!name.isEmpty()) {
+        m_services.preferences.set(Settings::themeName, name);
+    }
+}
+
+void WorkspaceViewController::changeFontSize(int steps)
+{
+    m_services.preferences.set(Settings::fontSize, m_services.preferences.value(Settings::fontSize) + steps);
+}
+
+void WorkspaceViewController::resetFontSize()
+{
+    m_services.preferences.reset(Settings::fontSize);
+}
+
+void WorkspaceViewController::chooseIndentation(Indentation indentation)
+{
+    m_services.preferences.set(Settings::tabWidth, indentation.width);
+    m_services.preferences.set(Settings::insertSpaces, indentation.unit == Indentation::Unit::spaces);
+}
