@@ -4,23 +4,20 @@
 """The man page and the completions that are installed say what the program's options are. Usage: command_line.py PROGRAM [--write]
 
 With --write they are made anew."""
-import json
-import pathlib
-import shutil
 import subprocess
 import sys
 import unittest
 
-PROGRAM = sys.argv.pop(1)
-FOLDER = pathlib.Path(__file__).resolve().parent.parent.parent / "packaging"
+from inspection import ROOT, ask, need
+
+FOLDER = ROOT / "packaging"
 # The answer's part, its language, the file.
 DOCUMENTS = (("man", "en", "man/quillet.1"), ("man", "de", "man/quillet.de.1"), ("bash", "en", "completions/quillet.bash"),
              ("zsh", "en", "completions/quillet.zsh"), ("fish", "en", "completions/quillet.fish"))
 
 
-def ask(language):
-    command = [PROGRAM, "command-line", "--language", language]
-    return json.loads(subprocess.run(command, capture_output=True, check=True, timeout=120).stdout.decode("utf-8"))
+def part_of(part, language):
+    return ask("command-line", "--language", language)[part]
 
 
 class CommandLine(unittest.TestCase):
@@ -28,14 +25,13 @@ class CommandLine(unittest.TestCase):
         for part, language, name in DOCUMENTS:
             with self.subTest(name):
                 text = (FOLDER / name).read_text(encoding="utf-8")
-                self.assertEqual(text, ask(language)[part], "command_line.py PROGRAM --write makes it anew")
+                self.assertEqual(text, part_of(part, language), "command_line.py PROGRAM --write makes it anew")
                 for option in ("--diff", "--language", "--new-window"):
                     self.assertIn(option.removeprefix("--") if part == "fish" else option, text.replace("\\-", "-"))
 
     def test_shells_take_it(self):
         for shell, name in (("bash", "quillet.bash"), ("zsh", "quillet.zsh"), ("fish", "quillet.fish")):
-            if shutil.which(shell):
-                subprocess.run([shell, "-n", FOLDER / "completions" / name], check=True, capture_output=True)
+            subprocess.run([shell, "-n", FOLDER / "completions" / name], check=True, capture_output=True)
         script = f"source {FOLDER}/completions/quillet.bash; COMP_WORDS=(quillet {{}}); COMP_CWORD={{}}; _quillet; echo ${{{{COMPREPLY[*]}}}}"
 
         def complete(words, index):
@@ -45,16 +41,16 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(complete("--language d", 2), ["de"])
 
     def test_man_takes_it(self):
-        if shutil.which("groff"):
-            for name in ("quillet.1", "quillet.de.1"):
-                done = subprocess.run(["groff", "-man", "-Tutf8", "-Kutf8", "-ww", "-z", FOLDER / "man" / name], capture_output=True, text=True, check=True)
-                self.assertEqual(done.stderr, "")
+        for name in ("quillet.1", "quillet.de.1"):
+            done = subprocess.run(["groff", "-man", "-Tutf8", "-Kutf8", "-ww", "-z", FOLDER / "man" / name], capture_output=True, text=True, check=True)
+            self.assertEqual(done.stderr, "")
 
 
 if __name__ == "__main__":
     if "--write" in sys.argv:
         for part, language, name in DOCUMENTS:
             (FOLDER / name).parent.mkdir(parents=True, exist_ok=True)
-            (FOLDER / name).write_text(ask(language)[part], encoding="utf-8")
+            (FOLDER / name).write_text(part_of(part, language), encoding="utf-8")
     else:
+        need({"fish": "fish", "groff": "groff-base", "zsh": "zsh"})
         unittest.main()

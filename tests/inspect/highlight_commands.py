@@ -2,39 +2,23 @@
 # SPDX-FileCopyrightText: 2026 The Quillet authors
 # SPDX-License-Identifier: MIT
 """What quillet-inspect says about colours. Usage: highlight_commands.py PROGRAM"""
-import json
-import pathlib
-import subprocess
-import sys
-import tempfile
 import unittest
 
-PROGRAM = sys.argv.pop(1)
-
-
-def run(*arguments):
-    return subprocess.run([PROGRAM, *map(str, arguments)], capture_output=True, timeout=120)
-
-
-def ask(*arguments, status=0):
-    result = run(*arguments)
-    assert result.returncode == status, (arguments, result)
-    return json.loads(result.stdout.decode("utf-8"))
+from inspection import FILES, ask, run
 
 
 class HighlightCommands(unittest.TestCase):
     def test_highlight(self):
-        with tempfile.TemporaryDirectory() as folder:
-            script = pathlib.Path(folder, "script")
-            script.write_text("#!/bin/sh\necho ü 1 # no\n", encoding="utf-8")
-            runs = [[0, 9, "preprocessor"], [10, 4, "builtin"], [17, 1, "number"], [19, 4, "comment"]]
-            self.assertEqual(ask("highlight", script), {"language": "shell", "runs": runs})
-            self.assertEqual(ask("highlight", script, "--language", "text"), {"language": "text", "runs": []})
-            script.write_text("if\n" * 20000, encoding="utf-8")
-            part = ask("highlight", script, "--language", "c", "--ensure", "16384,1")["runs"]
-            # The line that begins in the first chunk belongs to it, and the one that the second chunk ends in is done as a whole.
-            self.assertEqual([part[0], part[-1]], [[16383, 2, "keyword"], [32766, 2, "keyword"]])
-            self.assertEqual(ask("highlight", pathlib.Path(folder, "none"), status=1)["error"], "notReadable")
+        script = FILES / "script"
+        script.write_text("#!/bin/sh\necho ü 1 # no\n", encoding="utf-8")
+        runs = [[0, 9, "preprocessor"], [10, 4, "builtin"], [17, 1, "number"], [19, 4, "comment"]]
+        self.assertEqual(ask("highlight", script), {"language": "shell", "runs": runs})
+        self.assertEqual(ask("highlight", script, "--language", "text"), {"language": "text", "runs": []})
+        script.write_text("if\n" * 20000, encoding="utf-8")
+        part = ask("highlight", script, "--language", "c", "--ensure", "16384,1")["runs"]
+        # The line that begins in the first chunk belongs to it, and the one that the second chunk ends in is done as a whole.
+        self.assertEqual([part[0], part[-1]], [[16383, 2, "keyword"], [32766, 2, "keyword"]])
+        self.assertEqual(ask("highlight", FILES / "none", status=1)["error"], "notReadable")
 
     def test_theme(self):
         self.assertEqual(ask("theme", "System")["name"], "Light")

@@ -2,30 +2,21 @@
 # SPDX-FileCopyrightText: 2026 The Quillet authors
 # SPDX-License-Identifier: MIT
 """What keys do in a real window, as quillet-inspect tells. Usage: keys_command.py PROGRAM"""
-import json
-import os
-import subprocess
-import sys
-import tempfile
 import unittest
 
-PROGRAM = sys.argv.pop(1)
+from inspection import FILES, ask, run
 
 
-def run(text, keys, *options, name="a.c"):
+def press(text, keys, *options, name="a.c"):
     """(answer, what the file holds afterwards)"""
-    with tempfile.TemporaryDirectory() as folder:
-        path = os.path.join(folder, name)
-        with open(path, "w", encoding="utf-8", newline="") as file:
-            file.write(text)
-        done = subprocess.run([PROGRAM, "keys", path, "--keys", keys, *options], capture_output=True, timeout=120)
-        with open(path, encoding="utf-8", newline="") as file:
-            return json.loads(done.stdout.decode("utf-8")), file.read()
+    path = FILES / name
+    path.write_bytes(text.encode())
+    return ask("keys", path, "--keys", keys, *options), path.read_bytes().decode()
 
 
 class KeysCommand(unittest.TestCase):
     def expect(self, given, keys, *options, name="a.c", **wanted):
-        answer, _ = run(given, keys, *options, name=name)
+        answer, _ = press(given, keys, *options, name=name)
         self.assertEqual({key: answer[key] for key in wanted}, wanted, f"{keys} on {given!r}")
 
     def test_keys_reach_the_text(self):
@@ -39,7 +30,7 @@ class KeysCommand(unittest.TestCase):
         self.expect("a\n", "<Tab>", "--pref", "editor.tabWidth=3", "--language", "text", text="   a\n")
 
     def test_shortcuts_and_actions(self):
-        answer, saved = run("a\n", "x<C-s><Cmd:toggleComment:><C-S-D><Cmd:noSuchThing:>")
+        answer, saved = press("a\n", "x<C-s><Cmd:toggleComment:><C-S-D><Cmd:noSuchThing:>")
         self.assertEqual(saved, "xa\n")
         self.assertEqual(answer["actions"], ["saveDocument:", "toggleComment:", "duplicateLine:", "noSuchThing:"])
         self.assertEqual(answer["beeps"], 1)
@@ -55,7 +46,7 @@ class KeysCommand(unittest.TestCase):
 
     def test_wrong_arguments(self):
         for keys in ("<Nonsense>", "<C-", "<Wait:soon>"):
-            done = subprocess.run([PROGRAM, "keys", "/dev/null", "--keys", keys], capture_output=True)
+            done = run("keys", "/dev/null", "--keys", keys)
             self.assertEqual((done.returncode, done.stdout), (2, b""), keys)
 
 

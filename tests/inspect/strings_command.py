@@ -6,12 +6,11 @@ import json
 import pathlib
 import re
 import subprocess
-import sys
 import tempfile
 import unittest
 
-PROGRAM = sys.argv.pop(1)
-ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+from inspection import ROOT, ask
+
 FOLDER_IN_KEYS = "~/Library/Application Support/Quillet"
 
 
@@ -44,7 +43,7 @@ def placeholders(text):
 class Strings(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.answer = json.loads(subprocess.run([PROGRAM, "strings"], capture_output=True, check=True, timeout=120).stdout.decode("utf-8"))
+        cls.answer = ask("strings")
         cls.german, cls.twice_in_german = read_table("de")
         cls.english, cls.twice_in_english = read_table("en")
 

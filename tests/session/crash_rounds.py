@@ -9,7 +9,8 @@ import random
 import sys
 import time
 
-from driven_program import PATIENCE, Driven, Home
+from desktop import PATIENCE, until
+from driven_program import Driven, Home
 
 SETTINGS = "session.autosaveInterval=0.5\n"
 # No blanks: the editor would begin the next line with those of the line before.
@@ -238,14 +239,14 @@ class Rounds:
             self.driven.ask(f"answer {answer}")
 
     def step(self):
-        ask, choice, before = self.driven.ask, self.random.random, self.state()
+        ask, before = self.driven.ask, self.state()
         keys = self.random.choice(("Ctrl+Home", "Ctrl+End", "PgDown", "PgUp", "Down", "Right", "Shift+Right", "Shift+Down", "End"))
         split = self.random.choice(("splitEditorRight:", "splitEditorDown:", "closeSplit:", "toggleSplitOrientation:", "focusNextPane:"))
         tab = self.random.choice(("selectNextTab:", "selectPreviousTab:"))
         steps = ((30, lambda: ask(self.typing())), (6, lambda: ask("do newDocument:")),
                  (5, lambda: ask(f"open {self.random.choice(self.openable)}")), (14, lambda: ask(f"keys {keys}")),
                  (8, lambda: ask(f"do {split}")), (8, lambda: ask(f"do {tab}")), (8, lambda: ask("do undo:")), (3, lambda: ask("do redo:")),
-                 (8, self.save), (8 + 4 * max(0, before.tab_count() - 6), self.close), (2, lambda: time.sleep(choice() * 0.7)),
+                 (8, self.save), (8 + 4 * max(0, before.tab_count() - 6), self.close), (2, self.settle),
                  (5 if len(before.windows) < 3 else 0, lambda: ask("do newWindow:")),
                  (8 if len(before.windows) > 1 else 0, lambda: ask(f"front {self.random.randrange(len(before.windows))}")),
                  (10 if before.may_close_window() else 0, lambda: ask("do performClose:")))
@@ -259,12 +260,11 @@ class Rounds:
     def settle(self):
         """Waits until the disk holds everything."""
         begin = time.monotonic()
-        while True:
+
+        def settled():
             state = self.state()
-            if Disk(self.home).holds(state):
-                break
-            require(time.monotonic() - begin < PATIENCE, "what was typed is not written")
-            time.sleep(0.01)
+            return state if Disk(self.home).holds(state) else None
+        state = until("what was typed to be written", settled)
         self.slowest = max(self.slowest, time.monotonic() - begin)
         self.note_certain(state, state.front)
         return state
@@ -283,9 +283,14 @@ class Rounds:
         self.note_certain(state, -1)
         self.expect_all(state.wanted(-1))
 
+    def look_on(self, most):
+        """For a moment, which is longer where everything takes longer."""
+        for _ in range(int(self.random.random() ** 2 * most)):
+            self.home.trace()
+
     def kill_typing(self):
         self.driven.send(self.typing())
-        time.sleep(self.random.random() ** 3 * 0.9)
+        self.look_on(3000)
         self.kill()
 
     def kill_saving(self):
@@ -296,9 +301,9 @@ class Rounds:
         self.driven.ask(self.typing())
         self.state()
         if self.random.random() < 0.5:
-            time.sleep(self.random.random() * 0.4)
+            self.look_on(2000)
         self.driven.send(self.saving())
-        time.sleep(self.random.random() ** 2 * 0.03)
+        self.look_on(100)
         self.kill()
 
     def kill_at_tick(self):
@@ -308,11 +313,8 @@ class Rounds:
             self.driven.ask("do newDocument:")
         self.driven.ask(self.typing())
         self.state()
-        deadline = time.monotonic() + PATIENCE
-        while self.home.trace() == trace:
-            require(time.monotonic() < deadline, "nothing is written after typing")
-            time.sleep(0.0005)
-        time.sleep(self.random.random() ** 2 * 0.006)
+        until("something to be written after typing", lambda: self.home.trace() != trace)
+        self.look_on(20)
         self.kill()
 
     def kill(self):
@@ -368,18 +370,20 @@ class Rounds:
     def start(self):
         """Checks what came back; views need a moment until they are where they were."""
         self.driven = Driven(self.program, self.home)
-        deadline = time.monotonic() + 5
-        while True:
+        problem = None
+
+        def checked():
+            nonlocal problem
             state = State(self.driven.ask("state"))
             try:
                 require(not state.question, f"the program asks: {state.question}")
                 self.check(state)
                 self.check_texts(state)
-                break
-            except Loss:
-                if time.monotonic() > deadline:
-                    raise
-                time.sleep(0.05)
+                return state
+            except Loss as loss:
+                problem = loss
+                return None
+        state = until("all to be back", checked, lambda: f": {problem}")
         self.note(state)
         self.note_certain(state)
         return state
@@ -410,7 +414,7 @@ def main():
     parser.add_argument("program")
     parser.add_argument("--rounds", type=int, default=100)
     parser.add_argument("--seed", type=int, default=1)
-    parser.add_argument("--patience", type=float, default=1, help="seconds in which the program has to end when it is told to")
+    parser.add_argument("--patience", type=float, default=PATIENCE, help="seconds in which the program has to end when it is told to")
     parser.add_argument("--keep", action="store_true", help="the folders of a loss stay")
     arguments = parser.parse_args()
     losses = 0
@@ -423,7 +427,7 @@ def main():
             if number == arguments.rounds:
                 rounds.start()
                 rounds.driven.kill()
-        except (Loss, RuntimeError, BrokenPipeError) as problem:
+        except (Loss, AssertionError, RuntimeError, BrokenPipeError) as problem:
             losses += 1
             place = f" ({rounds.home.path})" if arguments.keep else ""
             print(f"seed {arguments.seed}, round {number}: {problem}{place}", file=sys.stderr)

@@ -1,22 +1,53 @@
 # SPDX-FileCopyrightText: 2026 The Quillet authors
 # SPDX-License-Identifier: MIT
 """A desktop of its own for one run of the program: display, window manager, folders, keys and mouse."""
+import argparse
 import os
 import pathlib
-import shutil
 import subprocess
 import sys
 import tempfile
-import time
-import traceback
 
-TOOLS = ("Xvfb", "openbox", "xdotool")
-# Seconds for anything that is waited for: a sanitized program on a busy machine is slow, and only a failure takes that long.
-PATIENCE = 30
+sys.path.append(str(pathlib.Path(__file__).resolve().parents[1]))
+from world import PATIENCE, make_world, need, start_bus, until  # noqa: E402, F401
+
+# The programs that a desktop is made of, and the packages that bring them.
+TOOLS = {"Xvfb": "xvfb", "openbox": "openbox", "xdotool": "xdotool", "setxkbmap": "x11-xkb-utils", "dbus-daemon": "dbus-daemon"}
 
 
-def missing_tools(tools=TOOLS):
-    return [tool for tool in tools if not shutil.which(tool)]
+def expect(got, wanted, what):
+    if got != wanted:
+        raise AssertionError(f"{what}: {got!r} instead of {wanted!r}")
+
+
+def arguments_of(description, **options):
+    """The command line of a test: the program, a folder for pictures and these options, each with its default."""
+    parser = argparse.ArgumentParser(description=description)
+    parser.add_argument("program")
+    parser.add_argument("--pictures", help="takes pictures of the screen into this folder")
+    for name, default in options.items():
+        parser.add_argument(f"--{name}", type=type(default), default=default)
+    return parser.parse_args()
+
+
+def activity(processes):
+    """How often each thread of these processes, and of those they started, has run until now; None while one of them is at work."""
+    counts = {}
+    waiting = list(processes)
+    while waiting:
+        tasks = f"/proc/{waiting.pop()}/task"
+        try:
+            for task in os.listdir(tasks):
+                with open(f"{tasks}/{task}/status") as file:
+                    status = dict(line.split(":\t", 1) for line in file if ":\t" in line)
+                if status["State"][0] in "RDW":
+                    return None
+                counts[task] = status["voluntary_ctxt_switches"], status["nonvoluntary_ctxt_switches"]
+                with open(f"{tasks}/{task}/children") as file:
+                    waiting += file.read().split()
+        except (FileNotFoundError, ProcessLookupError):
+            pass  # Ended meanwhile.
+    return counts
 
 
 class Desktop:
@@ -34,19 +65,9 @@ class Desktop:
         self.folder = tempfile.TemporaryDirectory(prefix="quillet-session-")
         self.path = pathlib.Path(self.folder.name)
         self.files = self.path / "files"
-        for name in ("files", "home", "config", "data", "state", "cache", "run"):
-            (self.path / name).mkdir(mode=0o700)
-        if self.settings:
-            (self.path / "config" / "Quillet").mkdir()
-            (self.path / "config" / "Quillet" / "Quillet.conf").write_text("[General]\n" + self.settings)
-        self.environment = dict(os.environ, HOME=str(self.path / "home"), XDG_RUNTIME_DIR=str(self.path / "run"), LC_ALL="C.UTF-8",
-                                XDG_CURRENT_DESKTOP="openbox")
-        for name in ("CONFIG", "DATA", "STATE", "CACHE"):
-            self.environment[f"XDG_{name}_HOME"] = str(self.path / name.lower())
-        # Neither another desktop's screen nor its services.
-        for name in ("QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "SESSION_MANAGER", "QT_SCALE_FACTOR", "LANGUAGE"):
-            self.environment.pop(name, None)
+        self.environment = make_world(self.path, self.settings)
         self.log = open(self.path / "log", "w+b")
+        self.desktop_log = open(self.path / "desktop-log", "w+b")
         try:
             self.start_display()
         except BaseException:
@@ -64,11 +85,13 @@ class Desktop:
                     process.kill()
                     process.wait()
         self.log.close()
+        self.desktop_log.close()
         self.folder.cleanup()
 
     def start_x_server(self, size):
         reader, writer = os.pipe()
-        self.start("Xvfb", "-displayfd", str(writer), "-screen", "0", f"{size}x24", "-nolisten", "tcp", pass_fds=(writer,))
+        # Keys do not repeat, since on a busy machine the end of a press may come late; nor does it begin anew when a first client has gone.
+        self.start("Xvfb", "-displayfd", str(writer), "-screen", "0", f"{size}x24", "-nolisten", "tcp", "-noreset", "-r", pass_fds=(writer,))
         os.close(writer)
         with os.fdopen(reader) as answer:
             number = answer.readline().strip()
@@ -78,12 +101,17 @@ class Desktop:
 
     def start_display(self):
         self.start_x_server(self.size)
-        self.start("openbox", "--sm-disable")
+        # Its theme is among the machine's.
+        self.start("openbox", "--sm-disable", environment=self.environment | {"XDG_DATA_DIRS": "/usr/share"})
         self.until("the window manager to be there", lambda: self.ask("get_num_desktops"))
+        self.rest()
+
+    def start_bus(self):
+        self.processes.append(start_bus(self.path, self.environment))
 
     def start(self, *command, **options):
         process = subprocess.Popen(command, env=options.pop("environment", self.environment), stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                                   stderr=options.pop("stderr", subprocess.DEVNULL), **options)
+                                   stderr=options.pop("stderr", self.desktop_log), **options)
         self.processes.append(process)
         return process
 
@@ -108,15 +136,26 @@ class Desktop:
 
     # Waiting
 
-    def until(self, what, condition, patience=PATIENCE):
+    def until(self, what, condition):
         """Waits until `condition()` is true, and answers with that."""
-        deadline = time.monotonic() + patience
-        while not (answer := condition()):
-            if time.monotonic() > deadline:
-                self.picture("failure")
-                raise AssertionError(f"waited in vain for {what}; the window in front is “{self.title()}”\n{self.complaints()}")
-            time.sleep(0.02)
-        return answer
+        return until(what, condition, self.explain)
+
+    def explain(self):
+        self.picture("failure")
+        return (f"; the window in front is “{self.title()}”\n{self.complaints()}\n"
+                f"The desktop says:\n{(self.path / 'desktop-log').read_text(errors='replace')}")
+
+    def rest(self):
+        """Waits until everything that was started sleeps and nothing ran meanwhile: what was sent before has had its effect, but for what
+        waits for a clock."""
+        before = None
+
+        def has_rested():
+            nonlocal before
+            before, last = activity(process.pid for process in self.processes), before
+            return before is not None and before == last
+
+        self.until("everything to be at rest", has_rested)
 
     def ask(self, *command):
         """What xdotool answers, empty when it fails."""
@@ -139,32 +178,19 @@ class Desktop:
         """Waits for a window in front that is none of these."""
         return self.until("another window", lambda: (front := self.front()) not in ("", *windows) and front)
 
-    def visible_windows(self):
-        """How many the program has, open menus among them."""
-        return len(self.ask("search", "--onlyvisible", "--pid", self.started.pid).split())
-
-    def open_menu(self, *keys):
-        closed = self.visible_windows()
-        self.keys(*keys)
-        self.until("the menu to be open", lambda: self.visible_windows() > closed)
-
-    def close_menu(self, *keys):
-        opened = self.visible_windows()
-        self.keys(*keys)
-        # The display gives the keyboard back to the window only then.
-        self.until("the menu to be closed", lambda: self.visible_windows() < opened)
-
     # Keys and mouse, which go to the window in front
 
     def keys(self, *keys):
-        self.xdotool("key", "--delay", "0", *keys)
+        """One after the other, each when the one before has had its effect."""
+        for key in keys:
+            self.xdotool("key", "--delay", "0", key)
 
     def type(self, text):
         self.xdotool("type", "--delay", "0", "--", text)
 
     def xdotool(self, *command):
-        """Keys and mouse, which go to the window in front."""
         subprocess.run(("xdotool", *map(str, command)), env=self.x_environment(), check=True)
+        self.rest()
 
     def click(self, window, x, y, button=1):
         """At a place in the window, in pixels or as shares of its sides."""
@@ -179,16 +205,3 @@ class Desktop:
             self.picture_count += 1
             file = self.pictures / f"{self.picture_count:02}-{name}.png"
             subprocess.run(("import", "-window", "root", str(file)), env=self.x_environment(), check=True)
-
-
-def run_twice(make_desktop, run):
-    """The exit code of a test. A busy X server loses a synthetic key now and then; what is broken fails twice."""
-    for attempt in (1, 2):
-        try:
-            with make_desktop() as desktop:
-                run(desktop)
-            return 0
-        except AssertionError:
-            print(f"attempt {attempt}:", file=sys.stderr)
-            traceback.print_exc()
-    return 1

@@ -11,8 +11,7 @@ import subprocess
 import tempfile
 import time
 
-# Seconds for anything that is waited for: only a failure takes that long.
-PATIENCE = 30
+from desktop import PATIENCE, make_world
 
 
 class Home:
@@ -23,18 +22,7 @@ class Home:
         self.files = self.path / "files"
         self.data = self.path / "data" / "Quillet"
         self.log = self.path / "log"
-        for name in ("files", "home", "config", "data", "state", "cache", "run"):
-            (self.path / name).mkdir(mode=0o700)
-        (self.path / "config" / "Quillet").mkdir()
-        (self.path / "config" / "Quillet" / "Quillet.conf").write_text("[General]\n" + settings)
-        self.environment = dict(os.environ, HOME=str(self.path / "home"), XDG_RUNTIME_DIR=str(self.path / "run"), LC_ALL="C.UTF-8",
-                                ASAN_OPTIONS="detect_leaks=0", QT_QPA_PLATFORM="offscreen")
-        for name in ("CONFIG", "DATA", "STATE", "CACHE"):
-            self.environment[f"XDG_{name}_HOME"] = str(self.path / name.lower())
-        # No service of this desktop is asked, and none is started.
-        self.environment["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={self.path}/run/no-bus"
-        for name in ("DISPLAY", "WAYLAND_DISPLAY", "SESSION_MANAGER", "LANGUAGE"):
-            self.environment.pop(name, None)
+        self.environment = make_world(self.path, settings) | {"ASAN_OPTIONS": "detect_leaks=0", "QT_QPA_PLATFORM": "offscreen"}
 
     def remove(self, keep=False):
         if not keep:

@@ -3,8 +3,6 @@
 # SPDX-License-Identifier: MIT
 """What a screen reader hears while a text is read and edited, over a real accessibility bus.
 Usage: hear_text.py PROGRAM [--pictures FOLDER]"""
-import sys
-
 from screen_reader import Atspi, below, expect, has, main
 
 NAME = "two.txt"
@@ -49,8 +47,6 @@ def hear_reading(desktop, text):
     expect(text.get_character_count(), len(TEXT), "length")
     expect(text.get_text(0, -1), TEXT, "text")
     expect(pieces(text, Atspi.TextBoundaryType.LINE_START), TEXT.splitlines(keepends=True), "lines")
-    expect("".join(pieces(text, Atspi.TextBoundaryType.WORD_START)), TEXT, "words")
-    expect("se\u0301" in pieces(text, Atspi.TextBoundaryType.CHAR), False, "letters")
     expect(pieces(text, Atspi.TextBoundaryType.CHAR)[12:16], ["\t", "s", "e\u0301", "c"], "letters")
     # By the keys: where the caret comes to, and what is there.
     at = 0
@@ -65,9 +61,6 @@ def hear_reading(desktop, text):
         expect(text.get_caret_offset(), place, f"caret after {key} from {at}")
         expect(text.get_text_at_offset(place, boundary).content, what, f"what is said after {key} from {at}")
         at = place
-    box = text.get_character_extents(21, Atspi.CoordType.SCREEN)
-    after = text.get_character_extents(22, Atspi.CoordType.SCREEN)
-    expect((abs(box.x + box.width - after.x) <= 1, box.y, box.height), (True, after.y, after.height), "place behind the picture")
     for offset in (0, 1, 21, 22, 24):
         place = text.get_character_extents(offset, Atspi.CoordType.SCREEN)
         expect(text.get_offset_at_point(place.x + 2, place.y + 2, Atspi.CoordType.SCREEN), offset, "letter at its own place")
@@ -83,10 +76,6 @@ def hear_typing(desktop, text):
     expect((text.get_selection(0).start_offset, text.get_selection(0).end_offset), (0, 1), "selection")
     desktop.keys("ctrl+x")
     desktop.until_heard(("text-changed:delete", "text", NAME, 0, "f"))
-    desktop.keys("ctrl+End", "ctrl+v")
-    desktop.until_heard(("text-changed:insert", "text", NAME, 34, "f"), ("text-caret-moved", "text", NAME, 35, ""))
-    desktop.keys("ctrl+z")
-    desktop.until_heard(("text-changed:delete", "text", NAME, 34, "f"))
     desktop.keys("ctrl+z")
     desktop.until_heard(("text-changed:insert", "text", NAME, 0, "f"))
     text.set_caret_offset(22)
@@ -152,4 +141,4 @@ def run(desktop):
 
 
 if __name__ == "__main__":
-    sys.exit(main(__doc__, run))
+    main(__doc__, run)

@@ -5,7 +5,6 @@ import ctypes
 import ctypes.util
 import re
 import subprocess
-import time
 
 # The codes of the keys of a US keyboard by what they type there, without and with Shift.
 ROWS = ((10, "1234567890-=", "!@#$%^&*()_+"), (24, "qwertyuiop[]", "QWERTYUIOP{}"), (38, "asdfghjkl;'`", "ASDFGHJKL:\"~"),
@@ -29,19 +28,17 @@ def places():
 
 
 class Keyboard:
-    """Of the display that `environment` names. Keys are written as on a US keyboard: "a", "A", "<C-a>", "<C-S-PgDn>", "<G-q>" with AltGr."""
+    """Of the desktop's display. Keys are written as on a US keyboard: "a", "A", "<C-a>", "<C-S-PgDn>", "<G-q>" with AltGr."""
     PLACES = places()
 
-    def __init__(self, environment):
-        self.environment = environment
+    def __init__(self, desktop):
+        self.desktop = desktop
+        environment = desktop.environment
         self.x11 = ctypes.CDLL(ctypes.util.find_library("X11") or "libX11.so.6")
         self.test = ctypes.CDLL(ctypes.util.find_library("Xtst") or "libXtst.so.6")
         self.x11.XOpenDisplay.restype = ctypes.c_void_p
         self.display = ctypes.c_void_p(self.x11.XOpenDisplay(environment["DISPLAY"].encode()))
         self.layout = None
-
-    def close(self):
-        self.x11.XCloseDisplay(self.display)
 
     def use(self, layout):
         """As "de", "de/nodeadkeys", "us,ru" or "us+compose:ralt"; of several layouts the last is on."""
@@ -51,12 +48,14 @@ class Keyboard:
         names, _, option = layout.partition("+")
         groups = [group.partition("/") for group in names.split(",")]
         subprocess.run(("setxkbmap", "-layout", ",".join(group[0] for group in groups), "-variant", ",".join(group[2] for group in groups),
-                        "-option", "", *(("-option", option) if option else ())), env=self.environment, check=True)
+                        "-option", "", *(("-option", option) if option else ())), env=self.desktop.environment, check=True)
         self.x11.XkbLockGroup(self.display, USE_CORE_KEYBOARD, len(groups) - 1)
         self.x11.XSync(self.display, False)
+        self.desktop.rest()
 
-    def press(self, keys, pause=0):
-        """`pause` in seconds after each key."""
+    def press(self, keys):
+        """Each when the one before has had its effect: the toolkit composes a key when it reads it, be there others that it has not handed
+        on yet."""
         for token in re.findall(r"<[^<>]+>|.|\n", keys):
             *modifiers, key = token[1:-1].replace("--", "-\0").split("-") if len(token) > 1 else token
             key = key.replace("\0", "-")
@@ -69,4 +68,4 @@ class Keyboard:
             for held_code in reversed(held):
                 self.test.XTestFakeKeyEvent(self.display, held_code, False, 0)
             self.x11.XSync(self.display, False)
-            time.sleep(pause)
+            self.desktop.rest()

@@ -3,19 +3,12 @@
 # SPDX-License-Identifier: MIT
 """What the keys of other keyboards do: text, shortcuts and modal editing, each case in a file of its own that is then looked at on the disk.
 Usage: keyboards.py PROGRAM [--pictures FOLDER] [--only WORD]"""
-import argparse
 import re
-import shutil
 import sys
 
-from desktop import Desktop, missing_tools
+from desktop import TOOLS, Desktop, arguments_of, need
 from keyboard import Keyboard
 
-SKIPPED = 77
-# Seconds; only a failure takes that long.
-CASE_PATIENCE = 10
-# Seconds after each key, as no typist is faster: the toolkit composes a key when it reads it, be there others that it has not handed on yet.
-PAUSE = 0.02
 CODE = "one\n    two\n# three\n"
 
 # Layout, the text before, the keys as a US keyboard has them, and the text after. Where a case begins, the caret is at the start.
@@ -24,7 +17,6 @@ TYPING = (
     ("de", "", ";'[-:\"{_", "öäüßÖÄÜ?"),
     ("de", "", "<G-7><G-8><G-9><G-0><G--><G-]><G-q><G-Extra><G-e>", "{[]}\\~@|€"),
     ("de", "", "=e+a`o= ", "éàô'"),
-    ("de", "", "{<G-[>o", "Üö"),
     ("de/nodeadkeys", "", "=e+a`o", "´e`a^o"),
     ("us/intl", "", "'e\"u~n^o`a' \" <G-s><G-e>'c", "éüñôà'\"ßéć"),
     ("ru", "", "Ghbdtn? vbh&", "Привет, мир?"),
@@ -36,23 +28,14 @@ TYPING = (
     # Shortcuts, by the places that a user of the layout knows.
     ("de", CODE, "<C-\\><Down><C-&>", "# one\n    two\nthree\n"),
     ("de", CODE, "<C-'><C-'><Down><C-;>", "        one\ntwo\n# three\n"),
-    ("de", CODE, "<C-G-9><Down><C-G-8>", "    one\ntwo\n# three\n"),
     ("de", CODE, "x<C-y>y<Del><C-y><C-S-y>", "zne\n    two\n# three\n"),
-    ("de", CODE, "<C-a><C-x><C-v><C-v>", CODE * 2),
-    ("de", CODE, "<C-S-d><C-End><C-S-k><Up><C-S-k>", "one\none\n    two\n"),
-    ("us/intl", CODE, "<C-]><Down><C-[><C-/>", "    one\n# two\n# three\n"),
     ("us/intl", CODE, "<C-S-d><C-a><C-c><C-End><C-v>z<C-z>", ("one\n" + CODE) * 2),
 )
 FOREIGN_SHORTCUTS = (
     (CODE, "<C-]><Down><C-[><C-/>", "    one\n# two\n# three\n"),
-    (CODE, "<C-a><C-x><C-v><C-v>", CODE * 2),
     (CODE, "<C-a><C-c><C-End><C-v>", CODE * 2),
     (CODE, "<C-S-d><C-S-d><C-z><C-z><C-S-z>", "one\n" + CODE),
-    (CODE, "<C-S-d><C-z><C-y>", "one\n" + CODE),
-    (CODE, "<C-S-k><C-S-k>", "# three\n"),
     # Text that is looked for, and the keys of a field.
-    ("12 12 34 34", "<C-f>34<CR><Esc><C-x>", "12 12 34 "),
-    ("12 34 12 34", "<S-Right><S-Right><C-e><C-g><C-x>", "12 34  34"),
     ("12 34 12 34", "<C-f>34<CR><Esc><C-g><C-S-g><C-x>", "12 34 12 "),
     ("12", "<C-a><C-A-S-c><C-v>", "{path}"),
     ("12 12 34 34", "<C-f>12 <C-a><C-x><C-v>34<CR><Esc><C-x>", "12  34"),
@@ -61,42 +44,25 @@ FOREIGN_SHORTCUTS = (
 # The same in modal editing, which begins in normal mode.
 MODAL = (
     ("de", "é b\n", "$r=e0x", " é\n"),
-    ("de", "a é b\n", "f=ex", "a  b\n"),
     ("de", "  one\n", "$`ix<Esc>", "  xone\n"),
-    ("de", "a\nb\nc\n", "majj+ax", "\nb\nc\n"),
     ("de", "a {b} c\n", "fbdi<G-7>", "a {} c\n"),
     ("de", "a\n\nb\n", "<G-0>ix<Esc><G-7>ie<Esc>", "ea\nx\nb\n"),
     ("de", "e é\n", ">s&e&=e&<CR>", "é é\n"),
-    ("de", "e é\n", "&=e<CR>rx", "e x\n"),
     ("de", "abc\n", "ix<C-G-8>ie<C-G-8>", "exabc\n"),
     ("us/intl", "a\n b\nc\n", "j$maggo<Esc>'aix<Esc>", "a\n\n xb\nc\n"),
-    ("us/intl", "a \"b\" c\n", "fbdi\"", "a \"\" c\n"),
     ("us/intl", "ab\n", "\"ayl\"ap~", "aAb\n"),
-    ("us/intl", "  ab\n", "$^~", "  Ab\n"),
-    ("us/intl", "  ab\n", "lmaG$`ax", " ab\n"),
     ("us/intl", "a é' b\n", "f'ex0f' x", "a  b\n"),
-    ("us/intl", "a b\n", "r'ewr~n", "é ñ\n"),
-    ("us/intl", "a é\n", "/'e<CR>x", "a \n"),
     ("us/intl", "a é\n", ":s/'e/\"u/<CR>", "a ü\n"),
-    ("us/intl", "a\n", "i'e<Esc>i'<Esc>x", "a\n"),
 )
 FOREIGN_MODAL = (
     ("ab cd\nef\n", "wxjx", "ab d\ne\n"),
-    ("ab cd\nef\n", "ddp", "ef\nab cd\n"),
-    ("ab cd\n", "$xA1<Esc>0x", "b c1\n"),
-    ("  ab\n", "$^x", "  b\n"),
     ("ab ab\n", "*#x", "b ab\n"),
     ("ab cd\n", "wgUiw0g~w", "AB CD\n"),
     ("a {b} [c]\n", "3lci{1<Esc>$ci[2<Esc>", "a {1} [2]\n"),
-    ("a (b) \"c\"\n", "3ldi($ci\"1<Esc>", "a () \"1\"\n"),
     ("a\nb\n", "majr1`ax", "\n1\n"),
-    ("a1b1c\n", "f1;x,x", "abc\n"),
-    ("a\nb\n", ":2<CR>x", "a\n\n"),
     ("ab 1\n1\n", "G?1<CR>x/1<CR>x", "ab \n\n"),
     ("a\n" * 200, "<C-d>x<C-u>x<C-f>x<C-b>i1<Esc>", re.compile(r"1\n(a\n)+\n(a\n)+\n(a\n)+")),
-    ("ab\n", "xu<C-r>u<C-r>", "b\n"),
     ("ab\n", "i1<C-[>i2<C-c>", "21ab\n"),
-    ("ab\nc\n", ">>j.", "    ab\n    c\n"),
 )
 # With the other key map.
 FOREIGN_MAPPED = (
@@ -120,55 +86,53 @@ class Case:
 class Rounds:
     """One program, with a tab for each case."""
 
-    def __init__(self, desktop, cases, pause=PAUSE):
-        self.desktop, self.cases, self.pause = desktop, cases, pause
-        self.failed = []
+    def __init__(self, desktop, cases):
+        self.desktop, self.cases = desktop, cases
         self.files = [desktop.files / f"{index:03}.py" for index in range(len(cases))]
         for file, case in zip(self.files, cases):
             file.write_text(case.before)
 
     def run(self):
+        """How many cases failed."""
         desktop = self.desktop
         desktop.start_program(*(file.name for file in self.files))
         desktop.until_title(title(self.files[-1].name))
-        self.keyboard = Keyboard(desktop.environment)
+        self.keyboard = Keyboard(desktop)
+        failures = 0
         for file, case in zip(self.files, self.cases):
             if len(self.files) > 1:
                 self.keyboard.press("<C-PgDn>")
             desktop.until_title(title(file.name))
-            self.run_case(file, case)
+            failures += 0 if self.passes(file, case) else 1
         self.keyboard.use("us")
         self.keyboard.press("<C-q>")
         desktop.exit_code()
         if complaints := desktop.complaints():
             raise AssertionError(complaints)
+        return failures
 
-    def run_case(self, file, case):
+    def passes(self, file, case):
         after = case.after if isinstance(case.after, re.Pattern) else re.compile(re.escape(case.after.replace("{path}", str(file))))
         self.keyboard.use(case.layout)
-        self.keyboard.press(case.keys, self.pause)
+        self.keyboard.press(case.keys)
         self.keyboard.press("<C-s>")
-        try:
-            self.desktop.until("the text to be saved", lambda: after.fullmatch(file.read_text()), patience=CASE_PATIENCE)
-        except AssertionError:
-            self.desktop.picture("failure")
-            # The other cases are to have their turn.
-            self.keyboard.use("us")
-            self.keyboard.press("<Esc><Esc><C-s>", pause=0.3)
-            self.failed.append(case)
-            print(f"{case}\n  gave {file.read_text()!r}\n  not  {after.pattern!r}", file=sys.stderr)
+        if after.fullmatch(saved := file.read_text()):
+            return True
+        print(f"{case}\n  gave {saved!r}\n  not  {after.pattern!r}", file=sys.stderr)
+        # The other cases are to have their turn.
+        self.keyboard.use("us")
+        self.keyboard.press("<Esc><Esc><C-s>")
+        return False
 
 
-def failed_cases(program, cases, pictures, settings, prepare=lambda desktop: None, pause=PAUSE):
-    """A busy machine hands on the keys of a second as one, and then a dead key may overtake others; what is broken fails twice."""
-    for attempt_pause in (pause, 8 * pause):
-        if cases:
-            with Desktop(program, pictures, settings=settings) as desktop:
-                prepare(desktop)
-                rounds = Rounds(desktop, cases, attempt_pause)
-                rounds.run()
-                cases = rounds.failed
-    return cases
+def failures(arguments, cases, settings="", prepare=lambda desktop: None):
+    """Of the cases that the user asked for, how many fail in a program with these settings."""
+    cases = [case for case in cases if arguments.only in str(case)]
+    if not cases:
+        return 0
+    with Desktop(arguments.program, arguments.pictures, settings=settings) as desktop:
+        prepare(desktop)
+        return Rounds(desktop, cases).run()
 
 
 class Commands:
@@ -179,7 +143,7 @@ class Commands:
               "smaller": "<C-/>", "spelling": "<C-S-.>"}
     # A dead key is composed before anyone hears of it, Control or not.
     GREEK = SIGNS | {"spelling": None}
-    LAYOUTS = {"de": GERMAN, "de/nodeadkeys": GERMAN, "us/intl": SIGNS, "ru": SIGNS, "us,ru": SIGNS, "gr": GREEK, "us,gr": GREEK}
+    LAYOUTS = {"de": GERMAN, "us/intl": SIGNS, "us,ru": SIGNS, "gr": GREEK}
 
     def __init__(self, desktop):
         self.desktop = desktop
@@ -190,7 +154,7 @@ class Commands:
         desktop = self.desktop
         desktop.start_program("one.txt", "two.txt")
         desktop.until_title(title("two.txt"))
-        self.keyboard = Keyboard(desktop.environment)
+        self.keyboard = Keyboard(desktop)
         for layout, keys in self.LAYOUTS.items():
             self.layout = layout
             self.keyboard.use(layout)
@@ -209,7 +173,7 @@ class Commands:
 
     def expect(self, what, condition):
         try:
-            self.desktop.until(what, condition, patience=CASE_PATIENCE)
+            self.desktop.until(what, condition)
         except AssertionError as error:
             raise AssertionError(f"{self.layout}: {error}") from error
 
@@ -256,25 +220,17 @@ class Commands:
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("program")
-    parser.add_argument("--pictures", help="takes pictures of the screen into this folder")
-    parser.add_argument("--only", default="", help="only cases that have this in their layout or keys")
-    arguments = parser.parse_args()
-    missing = missing_tools() + [tool for tool in ("setxkbmap",) if not shutil.which(tool)]
-    if missing:
-        print(f"not run: {', '.join(missing)} not installed")
-        return SKIPPED
-    has_failed = False
+    arguments = arguments_of(__doc__, only="")
+    need(TOOLS)
+    failed = 0
     for settings, local, foreign in (("", TYPING, FOREIGN_SHORTCUTS), ("editor.vimMode=true\n", MODAL, FOREIGN_MODAL),
                                      ("editor.vimMode=true\neditor.vimKeymapPreset=lazyvim\n", (), FOREIGN_MAPPED)):
-        cases = [Case(*case) for case in local] + [Case(layout, *case) for layout in ("ru", "us,ru", "gr", "us,gr") for case in foreign]
-        cases = [case for case in cases if arguments.only in str(case)]
-        has_failed |= bool(failed_cases(arguments.program, cases, arguments.pictures, settings))
+        cases = [Case(*case) for case in local] + [Case(layout, *case) for layout in ("ru", "us,gr") for case in foreign]
+        failed += failures(arguments, cases, settings)
     if not arguments.only:
         with Desktop(arguments.program, arguments.pictures, settings="editor.showsLineNumbers=true\n") as desktop:
             Commands(desktop).run()
-    return 1 if has_failed else 0
+    return 1 if failed else 0
 
 
 if __name__ == "__main__":

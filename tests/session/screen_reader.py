@@ -1,28 +1,27 @@
 # SPDX-FileCopyrightText: 2026 The Quillet authors
 # SPDX-License-Identifier: MIT
 """A desktop with an accessibility bus, and a reader on it that keeps what it is told of the program."""
-import argparse
 import os
 import pathlib
-import shutil
 import sys
-import traceback
 import warnings
 
-from desktop import Desktop, missing_tools
+from desktop import TOOLS, Desktop, arguments_of, expect, need
+
+BUS_SERVICE = pathlib.Path("/usr/share/dbus-1/services/org.a11y.Bus.service")
 
 try:
     import gi
     gi.require_version("Atspi", "2.0")
     from gi.repository import Atspi, Gio, GLib
 except (ImportError, ValueError):
-    Atspi = None
+    sys.exit("not installed: gir1.2-atspi-2.0 or python3-gi")
+if not BUS_SERVICE.exists():
+    sys.exit("not installed: at-spi2-core")
 
 # What replaces some of these calls the program's toolkit does not know.
 warnings.simplefilter("ignore", DeprecationWarning)
 
-SKIPPED = 77
-BUS_SERVICE = pathlib.Path("/usr/share/dbus-1/services/org.a11y.Bus.service")
 EVENTS = ("object:text-changed", "object:text-caret-moved", "object:text-selection-changed", "object:state-changed:focused",
           "object:state-changed:showing", "object:state-changed:selected", "object:state-changed:checked", "window:activate")
 
@@ -30,11 +29,8 @@ EVENTS = ("object:text-changed", "object:text-caret-moved", "object:text-selecti
 class HeardDesktop(Desktop):
     def start_display(self):
         super().start_display()
-        reader, writer = os.pipe()
-        self.start("dbus-daemon", "--session", "--nofork", f"--print-address={writer}", pass_fds=(writer,))
-        os.close(writer)
-        with os.fdopen(reader) as answer:
-            self.environment["DBUS_SESSION_BUS_ADDRESS"] = answer.readline().strip()
+        (self.path / "services" / BUS_SERVICE.name).write_text(BUS_SERVICE.read_text())
+        self.start_bus()
         # The reader's library looks for the same buses.
         for name in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"):
             os.environ[name] = self.environment[name]
@@ -50,6 +46,7 @@ class HeardDesktop(Desktop):
         self.listener = Atspi.EventListener.new(self.hear)
         for event in EVENTS:
             self.listener.register(event)
+        self.rest()
 
     def hear(self, event):
         try:
@@ -64,9 +61,18 @@ class HeardDesktop(Desktop):
         self.heard.append((kind, role, name, event.detail1, data))
 
     def listen(self):
+        """Whether there was anything to hear."""
         context = GLib.MainContext.default()
+        has_heard = False
         while context.iteration(False):
-            pass
+            has_heard = True
+        return has_heard
+
+    def rest(self):
+        super().rest()
+        # Whoever is asked about what was heard wakes once more.
+        while self.listen():
+            super().rest()
 
     def until_heard(self, *wanted):
         """Waits for the events in this order, whatever else there is between them, and forgets all until then."""
@@ -138,32 +144,9 @@ def has(node, state):
     return node.get_state_set().contains(state)
 
 
-def expect(got, wanted, what):
-    if got != wanted:
-        raise AssertionError(f"{what}: {got!r} instead of {wanted!r}")
-
-
 def main(description, run):
-    parser = argparse.ArgumentParser(description=description)
-    parser.add_argument("program")
-    parser.add_argument("--pictures", help="takes pictures of the screen into this folder")
-    parser.add_argument("--last-attempt", action="store_true", help="fails at the first failure")
-    arguments = parser.parse_args()
-    missing = missing_tools()
-    missing += [name for name, is_there in (("dbus-daemon", shutil.which("dbus-daemon")), ("at-spi2-core", BUS_SERVICE.exists()),
-                                           ("python3-gi or gir1.2-atspi-2.0", Atspi)) if not is_there]
-    if missing:
-        print(f"not run: {', '.join(missing)} not installed")
-        return SKIPPED
-    try:
-        with HeardDesktop(arguments.program, arguments.pictures) as desktop:
-            run(desktop)
-            expect(desktop.complaints(), "", "standard error")
-    except AssertionError:
-        traceback.print_exc()
-        if arguments.last_attempt:
-            return 1
-        # A busy X server loses a synthetic key now and then; what is broken fails twice. The library knows one bus a process.
-        sys.stderr.flush()
-        os.execv(sys.executable, [sys.executable, "-B", *sys.argv, "--last-attempt"])
-    return 0
+    arguments = arguments_of(description)
+    need(TOOLS)
+    with HeardDesktop(arguments.program, arguments.pictures) as desktop:
+        run(desktop)
+        expect(desktop.complaints(), "", "standard error")

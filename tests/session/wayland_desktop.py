@@ -9,10 +9,8 @@ import tempfile
 
 from desktop import PATIENCE, Desktop
 
-TOOLS = ("Xvfb", "sway", "swaymsg", "xdotool", "import")
+WAYLAND_TOOLS = {"sway": "sway"}
 NOBODY = 65534
-# A menu covers more pixels than this, a caret that blinks or a button that is lit fewer.
-MENU_PIXELS = 4000
 
 CONFIGURATION = """\
 output * resolution {width}x{height} scale {scale}
@@ -90,29 +88,14 @@ class WaylandDesktop(Desktop):
     def title(self):
         return self.focused().get("name") or ""
 
-    def screen(self):
-        return subprocess.run(("import", "-window", "root", "-depth", "8", "rgb:-"), env=self.x_environment(), capture_output=True,
-                              check=True).stdout
-
-    def open_menu(self, *keys):
-        """The compositor tells of no menus, but they are seen."""
-        before = self.screen()
-        self.keys(*keys)
-        self.until("the menu to open or to close", lambda: self.differs(before))
-
-    close_menu = open_menu
-
-    def differs(self, before):
-        now = self.screen()
-        return now != before and sum(now[at:at + 3] != before[at:at + 3] for at in range(0, len(now), 3)) > MENU_PIXELS
-
     def click(self, window, x, y, button=1):
         self.xdotool("mousemove", *self.on_display(window, x, y), "click", button)
 
     def drag(self, window, start, end):
         """From one place in the window to another, each as for click()."""
         (x, y), (end_x, end_y) = self.on_display(window, *start), self.on_display(window, *end)
-        self.xdotool("mousemove", x, y, "mousedown", 1)
+        self.xdotool("mousemove", x, y)
+        self.xdotool("mousedown", 1)
         for step in range(1, 11):
             self.xdotool("mousemove", x + (end_x - x) * step // 10, y + (end_y - y) * step // 10)
         self.xdotool("mouseup", 1)

@@ -3,18 +3,14 @@
 # SPDX-License-Identifier: MIT
 """What differs under Wayland: both clipboards, drags, a huge selection, screens of several scales.
 Usage: wayland_session.py PROGRAM [--pictures FOLDER] [--megabytes N]"""
-import argparse
 import subprocess
-import sys
 
-from desktop import PATIENCE, missing_tools, run_twice
-from wayland_desktop import TOOLS, WaylandDesktop
-from working_session import SKIPPED, Session, expect
+from desktop import PATIENCE, TOOLS, arguments_of, expect, need
+from wayland_desktop import WAYLAND_TOOLS, WaylandDesktop
+from working_session import Session
 
 # Where the text begins in a window without decoration, and what a row of it is high, in pixels of a screen at scale 1.
 TEXT_LEFT, FIRST_ROW, ROW_HEIGHT = 56, 73, 19
-
-CLIPBOARD_TOOLS = ("wl-copy", "wl-paste")
 
 
 class WaylandSession(Session):
@@ -99,17 +95,11 @@ class WaylandSession(Session):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("program")
-    parser.add_argument("--pictures", help="takes pictures of the screen into this folder")
-    parser.add_argument("--megabytes", type=int, default=5, help="of the text that is selected")
-    arguments = parser.parse_args()
-    if missing := missing_tools((*TOOLS, *CLIPBOARD_TOOLS)):
-        print(f"not run: {', '.join(missing)} not installed")
-        return SKIPPED
-    return run_twice(lambda: WaylandDesktop(arguments.program, arguments.pictures),
-                     lambda desktop: WaylandSession(desktop, arguments.megabytes).run())
+    arguments = arguments_of(__doc__, megabytes=5)
+    need(TOOLS | WAYLAND_TOOLS | {"wl-copy": "wl-clipboard"})
+    with WaylandDesktop(arguments.program, arguments.pictures) as desktop:
+        WaylandSession(desktop, arguments.megabytes).run()
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    main()

@@ -3,21 +3,11 @@
 # SPDX-License-Identifier: MIT
 """An hour's work in a minute, with the real keys in real windows; what counts is what lies on the disk and what the windows are called.
 Usage: working_session.py PROGRAM [--display x11|wayland] [--scale S] [--pictures FOLDER]"""
-import argparse
-import sys
-
-from desktop import Desktop, missing_tools, run_twice
-from wayland_desktop import TOOLS, WaylandDesktop
-
-SKIPPED = 77
+from desktop import TOOLS, Desktop, arguments_of, expect, need
+from wayland_desktop import WAYLAND_TOOLS, WaylandDesktop
 
 # The stops of the status bar after its first one, the position.
 INDENTATION, LINE_ENDING, ENCODING, LANGUAGE = range(1, 5)
-
-
-def expect(got, wanted, what):
-    if got != wanted:
-        raise AssertionError(f"{what}: {got!r} instead of {wanted!r}")
 
 
 class Session:
@@ -59,12 +49,11 @@ class Session:
     def choose(self, stop, title):
         """Chooses an entry of one of the status bar's menus by the keyboard alone and goes back to the text."""
         desktop = self.desktop
-        desktop.open_menu("F6", "F6", *["Tab"] * stop, "space")
+        desktop.keys("F6", "F6", *["Tab"] * stop, "space")
         desktop.type(title)
         desktop.picture(f"status-{title}")
-        desktop.close_menu("Return")
         # From there the toolbar is next, then the text.
-        desktop.keys("F6", "F6")
+        desktop.keys("Return", "F6", "F6")
 
     def run(self):
         self.open_and_edit_two_panes()
@@ -188,20 +177,15 @@ class Session:
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("program")
-    parser.add_argument("--pictures", help="takes pictures of the screen into this folder")
-    parser.add_argument("--display", choices=("x11", "wayland"), default="x11")
-    parser.add_argument("--scale", type=float, default=1, help="of its screen")
-    arguments = parser.parse_args()
-    is_wayland = arguments.display == "wayland"
-    if missing := missing_tools(TOOLS) if is_wayland else missing_tools():
-        print(f"not run: {', '.join(missing)} not installed")
-        return SKIPPED
-    make = WaylandDesktop if is_wayland else Desktop
-    options = {"scale": arguments.scale} if is_wayland else {}
-    return run_twice(lambda: make(arguments.program, arguments.pictures, **options), lambda desktop: Session(desktop).run())
+    arguments = arguments_of(__doc__, display="x11", scale=1.0)
+    need(TOOLS)
+    desktop = Desktop(arguments.program, arguments.pictures)
+    if arguments.display == "wayland":
+        need(WAYLAND_TOOLS)
+        desktop = WaylandDesktop(arguments.program, arguments.pictures, scale=arguments.scale)
+    with desktop:
+        Session(desktop).run()
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    main()
