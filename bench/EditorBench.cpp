@@ -219,7 +219,7 @@ void modalJumps(benchmark::State &state)
     }
     text += u"} first\n"_s;
     TextStorage &storage = stage.document->storage();
-    storage.replaceCharacters({0, storage.length()}, text);
+    storage.apply({{0, storage.length()}, text});
     VimEngine &engine = stage.editor->vim()->engine();
     for (auto _ : state) {
         for (const QString &command : {u"gg"_s, u"G"_s, u"gg%"_s, u"%"_s, u"gg}"_s, u"{"_s, u"*"_s, u"N"_s}) {
@@ -242,7 +242,7 @@ void substitution(benchmark::State &state)
         text += u"    some words of a line (which are some 88 units, so that there are a few more than a million)\n"_s;
     }
     TextStorage &storage = stage.document->storage();
-    storage.replaceCharacters({0, storage.length()}, text);
+    storage.apply({{0, storage.length()}, text});
     text.clear();
     const VimSubstitution substitution{.isOfWholeText = true, .pattern = u"s(o)me"_s, .replacement = u"n$1ne"_s, .isGlobal = false};
     for (auto _ : state) {
@@ -251,7 +251,8 @@ void substitution(benchmark::State &state)
         const TextReplacement found = substitution.replacementIn(storage.text(), 0, *searcher);
         state.counters["ms_search"] = (now() - start) / 1000;
         start = now();
-        stage.editor->textView().applyReplacement(found);
+        TextView &view = stage.editor->textView();
+        view.apply(found.edits, GroupKind::other, found.selectionAfter(storage.text(), view.selection()), TextView::Reveal::no);
         state.counters["ms_change"] = (now() - start) / 1000;
         start = now();
         stage.editor->textView().undo();

@@ -66,7 +66,7 @@ QString textOf(const Language &language, qsizetype length)
 struct Document {
     Document(const Language &language, const QString &text) : highlighter(storage, language, Theme::dark(), scheduler, notifications)
     {
-        storage.replaceCharacters({0, 0}, text);
+        storage.apply({{0, 0}, text});
         highlighter.rehighlightAll();
     }
 
@@ -110,10 +110,10 @@ void keystroke(benchmark::State &state, const Language &language)
     for (auto _ : state) {
         const qsizetype at = qsizetype(random()) % document.storage.length();
         const double start = Clock::now();
-        document.storage.replaceCharacters({at, 0}, u"e");
+        document.storage.apply({{at, 0}, u"e"});
         times.push_back(microsecondsSince(start));
         state.SetIterationTime(times.back() / 1e6);
-        document.storage.replaceCharacters({at, 1}, u"");
+        document.storage.apply({{at, 1}, u""});
         document.highlighter.ensureHighlighted({at, 1});
     }
     addQuantiles(state, times);
@@ -129,7 +129,7 @@ void typeInLargeText(benchmark::State &state, const Language &language, const QS
     for (auto _ : state) {
         const qsizetype at = qsizetype(random()) % document.storage.length();
         double start = Clock::now();
-        document.storage.replaceCharacters({at, 0}, u"e");
+        document.storage.apply({{at, 0}, u"e"});
         edits += microsecondsSince(start);
         start = Clock::now();
         document.scheduler.advance(SyntaxHighlighter::editDebounce);

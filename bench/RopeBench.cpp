@@ -196,7 +196,7 @@ BENCHMARK(readUnits);
 void snapshot(benchmark::State &state)
 {
     TextStorage storage;
-    storage.replaceCharacters({0, 0}, loadedRope());
+    storage.apply({{0, 0}, loadedRope()});
     for (auto _ : state)
         benchmark::DoNotOptimize(storage.snapshot());
 }
@@ -207,11 +207,11 @@ void typeIntoStorage(benchmark::State &state)
 {
     TextStorage storage;
     UndoManager undo(storage, [] { return std::chrono::milliseconds(0); });
-    storage.replaceCharacters({0, 0}, loadedRope());
+    storage.apply({{0, 0}, loadedRope()});
     qsizetype at = documentLength / 2;
     for (auto _ : state) {
         undo.beginGroup(GroupKind::typing, TextSelection::at(at), nullptr);
-        storage.replaceCharacters({at, 0}, QStringView(u"x"));
+        storage.apply({{at, 0}, QStringView(u"x")});
         undo.endGroup(TextSelection::at(++at));
     }
 }
@@ -221,7 +221,7 @@ BENCHMARK(typeIntoStorage);
 void styleWindow(benchmark::State &state)
 {
     TextStorage storage;
-    storage.replaceCharacters({0, 0}, loadedRope());
+    storage.apply({{0, 0}, loadedRope()});
     const StyleId styles[] = {plainStyle, storage.styles().intern({.foreground = 1}), storage.styles().intern({.foreground = 2})};
     std::vector<StyleRun> runs[2];
     for (size_t pass = 0; pass < 2; ++pass) {
@@ -249,13 +249,14 @@ void replaceAll(benchmark::State &state)
         state.PauseTiming();
         auto storage = std::make_unique<TextStorage>();
         auto undo = std::make_unique<UndoManager>(*storage, [] { return std::chrono::milliseconds(0); });
-        storage->replaceCharacters({0, 0}, text);
+        storage->apply({{0, 0}, text});
         state.ResumeTiming();
         undo->beginGroup(GroupKind::other, {}, nullptr);
-        storage->beginEditing();
-        for (size_t i = 0; i < hits.size(); ++i)
-            storage->replaceCharacters({hits[i] + qsizetype(i), 5}, QStringView(u"number"));
-        storage->endEditing();
+        TextEdits edits;
+        const Rope number(u"number");
+        for (const qsizetype hit : hits)
+            edits.add({hit, 5}, number);
+        storage->apply(edits);
         undo->endGroup({});
         state.PauseTiming();
         const auto start = std::chrono::steady_clock::now();

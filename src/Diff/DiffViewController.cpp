@@ -322,7 +322,7 @@ void DiffViewController::fill(Column &column)
     column.highlighter.reset();
     {
         const UndoManager::Pause pause(column.undoManager);
-        column.storage.replaceCharacters({0, column.storage.length()}, DiffText::composed(*m_result, column.side));
+        column.storage.apply({{0, column.storage.length()}, DiffText::composed(*m_result, column.side)});
     }
     column.view->setSelection(TextSelection::at(0));
     column.view->setResult(m_result);

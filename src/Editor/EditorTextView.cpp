@@ -110,10 +110,10 @@ bool EditorTextView::canToggleComment() const
     return !isReadOnly() && m_language.lineComment().has_value();
 }
 
-void EditorTextView::apply(const std::optional<LineEdit> &edit, GroupKind kind)
+void EditorTextView::run(const std::optional<TextStep> &step, GroupKind kind)
 {
-    if (edit) {
-        replaceText(edit->range, edit->replacement, kind, edit->after);
+    if (step) {
+        apply(step->edits, kind, step->after);
     }
 }
 
@@ -127,7 +127,7 @@ void EditorTextView::insertTab()
     } else if (m_indentation.unit == Indentation::Unit::tab) {
         TextView::insertTab();
     } else {
-        apply(LineEditing::tabbed(text, selected, m_indentation.width), GroupKind::typing);
+        run(LineEditing::tabbed(text, selected, m_indentation.width), GroupKind::typing);
     }
 }
 
@@ -139,7 +139,7 @@ void EditorTextView::insertBacktab()
 void EditorTextView::shiftSelectedLines(LineEditing::Shift shift)
 {
     commitPreedit();
-    apply(LineEditing::shifted(storage().text(), selection().range(), shift, m_indentation));
+    run(LineEditing::shifted(storage().text(), selection().range(), shift, m_indentation));
 }
 
 void EditorTextView::insertNewline()
@@ -149,18 +149,18 @@ void EditorTextView::insertNewline()
         return;
     }
     commitPreedit();
-    apply(LineEditing::brokenLine(storage().text(), selection().range(), m_indentation), GroupKind::typing);
+    run(LineEditing::brokenLine(storage().text(), selection().range(), m_indentation), GroupKind::typing);
 }
 
 void EditorTextView::deleteBackward()
 {
     commitPreedit();
     const TextSelection selected = selection();
-    const auto edit = selected.isEmpty() && m_indentation.unit == Indentation::Unit::spaces
+    const auto step = selected.isEmpty() && m_indentation.unit == Indentation::Unit::spaces
                           ? LineEditing::unindented(storage().text(), selected.caret, m_indentation.width)
                           : std::nullopt;
-    if (edit) {
-        apply(edit, GroupKind::deletingBackward);
+    if (step) {
+        run(step, GroupKind::deletingBackward);
     } else {
         TextView::deleteBackward();
     }
@@ -173,19 +173,19 @@ void EditorTextView::toggleComment()
         return;
     }
     commitPreedit();
-    apply(LineEditing::commentToggled(storage().text(), selection().range(), *m_language.lineComment()));
+    run(LineEditing::commentToggled(storage().text(), selection().range(), *m_language.lineComment()));
 }
 
 void EditorTextView::duplicateLine()
 {
     commitPreedit();
-    apply(LineEditing::duplicated(storage().text(), selection().range()));
+    run(LineEditing::duplicated(storage().text(), selection().range()));
 }
 
 void EditorTextView::deleteLine()
 {
     commitPreedit();
-    apply(LineEditing::deleted(storage().text(), selection().range()));
+    run(LineEditing::deleted(storage().text(), selection().range()));
 }
 
 // Focus and drops

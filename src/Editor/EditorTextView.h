@@ -67,7 +67,7 @@ private:
 
     [[nodiscard]] bool isEditable() const { return !isReadOnly(); }
     [[nodiscard]] bool canToggleComment() const;
-    void apply(const std::optional<LineEdit> &edit, GroupKind kind = GroupKind::other);
+    void run(const std::optional<TextStep> &step, GroupKind kind = GroupKind::other);
     void addCommands(QMenu *menu);
 
     EditorVim *m_vim = nullptr;

@@ -105,11 +105,9 @@ void EditorViewController::retranslate()
 
 void EditorViewController::observe()
 {
-    connect(&m_document->storage(), &TextStorage::didProcessEditing, this, [this](TextStorage::EditMask mask) {
-        if (mask.testFlag(TextStorage::editedCharacters)) {
-            m_textView->ruler().updateThickness();
-            m_textView->ruler().refresh();
-        }
+    connect(&m_document->storage(), &TextStorage::didProcessEditing, this, [this] {
+        m_textView->ruler().updateThickness();
+        m_textView->ruler().refresh();
     });
     connect(m_textView, &TextView::visibleRowsChanged, this, &EditorViewController::scheduleVisibleHighlight);
     connect(m_textView, &TextView::selectionChanged, this, &EditorViewController::stateChanged);

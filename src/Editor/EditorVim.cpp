@@ -229,17 +229,9 @@ void EditorVim::select(TextRange range, qsizetype caret)
     m_view.showCaretAt(selection, caret);
 }
 
-bool EditorVim::replace(std::span<const Edit> edits)
+bool EditorVim::apply(const TextEdits &edits)
 {
-    std::vector<QString> texts;
-    for (const Edit &edit : edits) {
-        texts.push_back(edit.text.toString());
-    }
-    std::vector<EditorTextView::Replacement> replacements;
-    for (size_t index = 0; index < edits.size(); ++index) {
-        replacements.push_back({edits[index].range, texts[index]});
-    }
-    return m_view.replaceTexts(replacements, GroupKind::other, TextSelection::at(edits.front().range.location));
+    return m_view.apply(edits, GroupKind::other, TextSelection::at(edits[0].range.location));
 }
 
 void EditorVim::insertText(const QString &text)
@@ -296,10 +288,9 @@ void EditorVim::showIndicator(TextRange range)
     m_view.showIndicator(range);
 }
 
-QString EditorVim::indentationUnit() const
+Indentation EditorVim::indentation() const
 {
-    const Indentation indentation = m_view.indentation();
-    return indentation.unit == Indentation::Unit::spaces ? QString(indentation.width, u' ') : u"\t"_s;
+    return m_view.indentation();
 }
 
 void EditorVim::toggleComment()

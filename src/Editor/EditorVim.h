@@ -55,7 +55,7 @@ private:
     [[nodiscard]] const Rope &text() const override;
     [[nodiscard]] TextRange selectedRange() const override;
     void select(TextRange range, qsizetype caret) override;
-    bool replace(std::span<const Edit> edits) override;
+    bool apply(const TextEdits &edits) override;
     void insertText(const QString &text) override;
     void undo() override;
     void redo() override;
@@ -66,7 +66,7 @@ private:
     void centerSelection() override;
     void revealSelection() override;
     void showIndicator(TextRange range) override;
-    [[nodiscard]] QString indentationUnit() const override;
+    [[nodiscard]] Indentation indentation() const override;
     void toggleComment() override;
     void setCaretLook(VimCaret look) override;
     void perform(const Action &action) override;

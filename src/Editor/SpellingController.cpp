@@ -133,11 +133,12 @@ ActionState SpellingController::continuousState() const
     return {.isEnabled = canCheck() || m_isContinuous, .checkMark = m_isContinuous ? CheckMark::on : CheckMark::none};
 }
 
-void SpellingController::noteEdit(const TextChangeList &changes)
+void SpellingController::noteEdit(const TextChange &change)
 {
     m_typedAt.reset();
-    if (changes.size() == 1 && changes.front().inserted <= longestTyped && changes.front().removed <= longestTyped) {
-        m_typedAt = changes.front().position + changes.front().inserted;
+    const TextRange typed = change.edits.newRange(0);
+    if (change.edits.count() == 1 && typed.length <= longestTyped && change.edits[0].range.length <= longestTyped) {
+        m_typedAt = typed.end();
     }
     if (m_search) {
         endSearch(Outcome::none);

@@ -110,7 +110,7 @@ private:
     [[nodiscard]] std::vector<SpellingWord> wordsTouching(TextRange range) const;
     [[nodiscard]] bool isChecked(Scope scope) const;
     [[nodiscard]] bool isBeingTyped(TextRange word) const;
-    void noteEdit(const TextChangeList &changes);
+    void noteEdit(const TextChange &change);
     void noteSelection();
     void noteAnswers();
 

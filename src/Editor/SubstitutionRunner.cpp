@@ -80,7 +80,9 @@ void SubstitutionRunner::arrive(const Outcome &outcome)
     }
     const QPointer<TextView> view = m_view;
     if (count > 0) {
-        view->applyReplacement(outcome.replacement);
+        const TextReplacement &replacement = outcome.replacement;
+        view->apply(replacement.edits, GroupKind::other, replacement.selectionAfter(view->storage().text(), view->selection()),
+                    TextView::Reveal::no);
     }
     const QString done = count == 1 ? localized(u"1 substitution") : formatted(localized(u"%d substitutions"), count);
     finish(outcome.isIncomplete ? done + u". "_s + localized(u"The expression is too hard for parts of this text. There may be more hits.")

@@ -534,23 +534,24 @@ void TextFinder::applyReplacement(const TextReplacement &replacement)
         emit statusChanged();
         return;
     }
-    m_view->applyReplacement(replacement);
+    m_view->apply(replacement.edits, GroupKind::other, replacement.selectionAfter(m_view->storage().text(), m_view->selection()),
+                  TextView::Reveal::no);
     m_outcome.replaced = replacement.count;
     emit statusChanged();
 }
 
 // Following the view
 
-void TextFinder::storageChanged(const TextChangeList &changes)
+void TextFinder::storageChanged(const TextChange &change)
 {
     if (!m_view) {
         return;
     }
     m_seenRevision = m_view->storage().revision();
-    m_origin = mappedSelection(m_origin, changes, Bias::before);
+    m_origin = change.mapped(m_origin);
     refresh();
     if (m_wanted && m_seeking.isPending()) {
-        m_wanted->from = mappedOffset(m_wanted->from, changes, Bias::before);
+        m_wanted->from = change.mapped(m_wanted->from, Bias::before);
         seekInBackground();
     }
 }

@@ -137,7 +137,7 @@ private:
     void applyReplacement(const TextReplacement &replacement);
     [[nodiscard]] std::optional<QString> checkedTemplate(const QString &typed);
 
-    void storageChanged(const TextChangeList &changes);
+    void storageChanged(const TextChange &change);
     void selectionChanged();
     [[nodiscard]] std::vector<TextRange> marksIn(TextRange seen);
     void markSurroundings(TextRange seen);

@@ -4,7 +4,6 @@
 
 #include "Text/LineRange.h"
 
-#include <QScopedValueRollback>
 
 #include <algorithm>
 #include <memory>
@@ -96,9 +95,8 @@ SyntaxHighlighter::SyntaxHighlighter(TextStorage &storage, const Language &langu
     : m_storage(storage), m_scheduler(scheduler), m_notifications(notifications), m_language(language), m_theme(theme)
 {
     rebuildAttributeCache();
-    m_edits = QObject::connect(
-        &storage, &TextStorage::didProcessEditing, &storage,
-        [this](TextStorage::EditMask mask, TextRange range, qsizetype changeInLength) { noteEdit(mask, range, changeInLength); });
+    m_edits = QObject::connect(&storage, &TextStorage::didProcessEditing, &storage,
+                               [this](const TextChange &change) { noteEdit(change.edits.hull()); });
 }
 
 SyntaxHighlighter::~SyntaxHighlighter()
@@ -165,7 +163,6 @@ void SyntaxHighlighter::rehighlightAll()
 
 void SyntaxHighlighter::applyBaseAttributes(TextRange range)
 {
-    const QScopedValueRollback guard(m_isApplying, true);
     m_storage.setStyle(range.clampedTo(m_storage.length()), plainStyle);
 }
 
@@ -191,18 +188,12 @@ void SyntaxHighlighter::ensureHighlighted(TextRange range)
     markStale(outdated, done);
 }
 
-void SyntaxHighlighter::noteEdit(TextStorage::EditMask mask, TextRange range, qsizetype changeInLength)
+void SyntaxHighlighter::noteEdit(const ReplacedStretch &edit)
 {
-    if (m_isApplying || !(mask & TextStorage::editedCharacters)) {
-        return;
-    }
     m_spansAreStale = true;
-    const Edit edit{range.location, range.length - changeInLength, range.length};
-    const Edit known = m_editSinceSpans.value_or(Edit{edit.location, 0, 0});
-    const TextRange both = TextRange{known.location, known.inserted}.united({edit.location, edit.removed});
-    m_editSinceSpans = {both.location, both.length - known.inserted + known.removed, both.length - edit.removed + edit.inserted};
+    m_editSinceSpans = m_editSinceSpans ? m_editSinceSpans->followedBy(edit) : edit;
     addUncoloured(edit);
-    m_freshChunks.resize(std::min(m_freshChunks.size(), size_t(range.location / chunkSize)));
+    m_freshChunks.resize(std::min(m_freshChunks.size(), size_t(edit.location / chunkSize)));
     if (m_storage.length() <= largeTextThreshold) {
         rehighlightEdit();
         return;
@@ -214,11 +205,11 @@ void SyntaxHighlighter::noteEdit(TextStorage::EditMask mask, TextRange range, qs
 }
 
 /// Keeps what is known of the text around the edit, as its chunks are about to count as stale.
-void SyntaxHighlighter::addUncoloured(const Edit &edit)
+void SyntaxHighlighter::addUncoloured(const ReplacedStretch &edit)
 {
     const qsizetype chunk = edit.location / chunkSize;
     const qsizetype end = edit.location + edit.removed;
-    const qsizetype change = edit.inserted - edit.removed;
+    const qsizetype change = edit.growth();
     UncolouredEdit all{{edit.location, edit.removed}, end, edit.location % chunkSize == 0 || isFresh(chunk)};
     if (const auto &before = m_uncolouredEdit) {
         all.range = before->range.united(all.range);
@@ -271,7 +262,6 @@ TextRange SyntaxHighlighter::highlight(TextRange range, std::vector<TextRange> &
             range = range.united(span.range);
         }
     }
-    const QScopedValueRollback guard(m_isApplying, true);
     if (m_spanRules.empty() && m_tokenRules.empty()) {
         // There is nothing to look for, in a line that may have megabytes.
         m_storage.setStyles(range, std::vector{StyleRun{range.length, plainStyle}});
@@ -323,7 +313,7 @@ void SyntaxHighlighter::findSpans(const Excerpt &excerpt)
 }
 
 /// Where the spans from before `edit` and those of now differ, as far as both were looked for: what is coloured there is out of date.
-void SyntaxHighlighter::findOutdated(const std::vector<Span> &before, TextRange windowBefore, const Edit &edit,
+void SyntaxHighlighter::findOutdated(const std::vector<Span> &before, TextRange windowBefore, const ReplacedStretch &edit,
                                      std::vector<TextRange> &outdated) const
 {
     const auto moved = [&edit](qsizetype offset) {

@@ -70,12 +70,6 @@ private:
 
         friend bool operator==(const Span &, const Span &) = default;
     };
-    /// All edits since the spans were found, as one: `removed` units at `location` became `inserted`.
-    struct Edit {
-        qsizetype location = 0;
-        qsizetype removed = 0;
-        qsizetype inserted = 0;
-    };
     /// All edits whose lines were not coloured yet, as one.
     struct UncolouredEdit {
         TextRange range; ///< in the text as it is now
@@ -102,23 +96,22 @@ private:
     std::vector<Span> m_spans; ///< ascending and apart
     TextRange m_spanWindow;
     bool m_spansAreStale = true;
-    std::optional<Edit> m_editSinceSpans;
+    std::optional<ReplacedStretch> m_editSinceSpans;
 
     std::vector<bool> m_freshChunks; ///< by index; those beyond are not
     std::optional<UncolouredEdit> m_uncolouredEdit;
     DelayedTask m_pendingWork;
-    bool m_isApplying = false;
 
     void rebuildAttributeCache();
     void cloneRules();
-    void noteEdit(TextStorage::EditMask mask, TextRange range, qsizetype changeInLength);
-    void addUncoloured(const Edit &edit);
+    void noteEdit(const ReplacedStretch &edit);
+    void addUncoloured(const ReplacedStretch &edit);
     void rehighlightEdit();
 
     TextRange highlight(TextRange range, std::vector<TextRange> &outdated);
     void refreshSpans(TextRange range, Excerpt &excerpt, std::vector<TextRange> &outdated);
     void findSpans(const Excerpt &excerpt);
-    void findOutdated(const std::vector<Span> &before, TextRange windowBefore, const Edit &edit, std::vector<TextRange> &outdated) const;
+    void findOutdated(const std::vector<Span> &before, TextRange windowBefore, const ReplacedStretch &edit, std::vector<TextRange> &outdated) const;
     void paintSpans(Paint &paint) const;
     void paintTokens(Paint &paint, const Excerpt &excerpt);
 

@@ -2,9 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Model/SaveTransformation.h"
 
-#include "Text/Rope.h"
-
-SaveTransformation saveTransformation(const Rope &text, SaveOptions options)
+TextEdits saveTransformation(const Rope &text, SaveOptions options)
 {
     RopeCursor cursor(text);
     const qsizetype length = text.length();
@@ -18,13 +16,11 @@ SaveTransformation saveTransformation(const Rope &text, SaveOptions options)
     while (options.trimsTrailingWhitespace && start > 0 && (cursor.at(start - 1) == u' ' || cursor.at(start - 1) == u'\t')) {
         --start;
     }
-    SaveTransformation transformation{TextRange::between(start, lineEnd), {}};
-    const qsizetype newLength = length - transformation.range.length;
+    TextEdits edits(TextRange::between(start, lineEnd), Rope());
     const bool endsInLineFeed = lineEnd < length && cursor.at(length - 1) == u'\n';
-    if (options.ensuresTrailingNewline && newLength > 0 && !endsInLineFeed) {
-        // Behind a lone carriage return it goes to the very end.
-        transformation.replacement = text.toString(TextRange::between(lineEnd, length)) + u'\n';
-        transformation.range = TextRange::between(start, length);
+    if (options.ensuresTrailingNewline && length + edits.growth() > 0 && !endsInLineFeed) {
+        // Behind a lone carriage return.
+        edits.add({length, 0}, Rope(u"\n"));
     }
-    return transformation;
+    return edits;
 }

@@ -2,25 +2,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Text/TextRange.h"
-
-#include <QString>
-
-class Rope;
+#include "Text/TextEdits.h"
 
 struct SaveOptions {
     bool trimsTrailingWhitespace = false;
     bool ensuresTrailingNewline = false;
 };
 
-/// What saving changes at the end of a text.
-struct SaveTransformation {
-    TextRange range;
-    QString replacement;
-
-    [[nodiscard]] bool isNeeded() const { return !range.isEmpty() || !replacement.isEmpty(); }
-};
-
-/// Trimming reaches the blanks and tabs at the end of the last line only, with or without a line break behind them: blanks elsewhere may
-/// mean something, as they do in Markdown. A final line feed is added to a text that is not empty. O(what is changed).
-[[nodiscard]] SaveTransformation saveTransformation(const Rope &text, SaveOptions options);
+/// What saving changes at the end of a text. Trimming reaches the blanks and tabs at the end of the last line only, with or without a line
+/// break behind them: blanks elsewhere may mean something, as they do in Markdown. A final line feed is added to a text that is not empty.
+/// O(what is changed).
+[[nodiscard]] TextEdits saveTransformation(const Rope &text, SaveOptions options);

@@ -21,30 +21,6 @@ constexpr qsizetype firstLineReach = 512;
 // Colouring works on whole lines; one of megabytes would hold up the keys for half a second after each pause.
 constexpr qsizetype longestColouredLine = 1'000'000;
 
-/// Where two texts begin to differ and where they end to, so that a reload leaves carets alone that stand elsewhere.
-TextChange differenceOf(const Rope &before, const Rope &after)
-{
-    const qsizetype shorter = std::min(before.length(), after.length());
-    RopeCursor old(before);
-    RopeCursor fresh(after);
-    qsizetype head = 0;
-    while (head < shorter && old.at(head) == fresh.at(head)) {
-        ++head;
-    }
-    qsizetype tail = 0;
-    while (tail < shorter - head && old.at(before.length() - 1 - tail) == fresh.at(after.length() - 1 - tail)) {
-        ++tail;
-    }
-    // Neither edge may part a surrogate pair.
-    if (head > 0 && QChar::isHighSurrogate(old.at(head - 1))) {
-        --head;
-    }
-    if (tail > 0 && QChar::isLowSurrogate(old.at(before.length() - tail))) {
-        --tail;
-    }
-    return {.position = head, .removed = before.length() - tail - head, .inserted = after.length() - tail - head};
-}
-
 /// Also at the same time, since clocks tick a few times in a hundredth of a second only.
 bool hasChangedSince(const QString &path, const FileStamp &stamp)
 {
@@ -70,7 +46,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
     if (contents) {
         {
             const UndoManager::Pause pause(m_undoManager);
-            m_storage.replaceCharacters({}, contents->text);
+            m_storage.apply({{}, contents->text});
         }
         m_undoManager.markSavePoint();
         m_encoding = contents->encoding;
@@ -78,7 +54,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
     }
     rememberSavedText();
     m_language = detectedLanguage();
-    QObject::connect(&m_storage, &TextStorage::didProcessEditing, &m_context, [this](TextStorage::EditMask mask) { noteEdit(mask); });
+    QObject::connect(&m_storage, &TextStorage::didProcessEditing, &m_context, [this] { noteEdit(); });
 }
 
 TextDocument::~TextDocument() = default;
@@ -217,11 +193,8 @@ void TextDocument::setDirty(bool isDirty)
 
 // Dirty or not
 
-void TextDocument::noteEdit(TextStorage::EditMask mask)
+void TextDocument::noteEdit()
 {
-    if (!mask.testFlag(TextStorage::editedCharacters)) {
-        return;
-    }
     if (m_highlighter) {
         m_highlighter->setLanguage(colouredLanguage()); // a line may have become too long for it, or short enough
     }
@@ -350,12 +323,12 @@ Language TextDocument::detectedLanguage() const
 void TextDocument::transformForSaving()
 {
     const Preferences &preferences = m_services.preferences;
-    const SaveTransformation transformation =
+    const TextEdits edits =
         saveTransformation(m_storage.text(), {.trimsTrailingWhitespace = preferences.value(Settings::trimTrailingWhitespaceOnSave),
                                               .ensuresTrailingNewline = preferences.value(Settings::ensureTrailingNewlineOnSave)});
-    if (transformation.isNeeded()) {
+    if (!edits.isEmpty()) {
         m_undoManager.breakCoalescing();
-        m_storage.replaceCharacters(transformation.range, transformation.replacement);
+        m_storage.apply(edits);
         lastSelectedRange = {std::min(m_storage.length(), lastSelectedRange.location), 0};
     }
 }
@@ -419,24 +392,17 @@ void TextDocument::forgetFileQuestions()
     m_fileReading.cancel();
 }
 
-void TextDocument::replaceText(const Rope &text, const TextChange &difference)
-{
-    m_isLoading = true;
-    if (!difference.isEmpty()) {
-        m_storage.replaceCharacters({difference.position, difference.removed}, text.slice({difference.position, difference.inserted}));
-    }
-    m_isLoading = false;
-}
-
 TextDocument::FileReading TextDocument::comparedWith(const TextFile::Contents &contents) const
 {
     return {
-        .contents = contents, .difference = differenceOf(m_storage.text(), contents.text), .revision = m_storage.revision(), .hash = {}};
+        .contents = contents, .difference = TextEdits::difference(m_storage.text(), contents.text), .revision = m_storage.revision(), .hash = {}};
 }
 
 void TextDocument::adopt(const FileReading &reading)
 {
-    replaceText(reading.contents.text, reading.difference);
+    m_isLoading = true;
+    m_storage.apply(reading.difference);
+    m_isLoading = false;
     m_encoding = reading.contents.encoding;
     m_lineEnding = reading.contents.lineEnding;
     agreeWithFile(reading.hash);
@@ -556,8 +522,8 @@ void TextDocument::compareWithFile()
             if (!hash) {
                 return std::nullopt;
             }
-            const TextChange difference = differenceOf(snapshot.text, contents->text);
-            return FileReading{std::move(*contents), difference, snapshot.revision, hash};
+            TextEdits difference = TextEdits::difference(snapshot.text, contents->text);
+            return FileReading{std::move(*contents), std::move(difference), snapshot.revision, hash};
         },
         [this](std::optional<FileReading> reading) { applyReading(std::move(reading)); });
 }

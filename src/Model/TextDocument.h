@@ -156,7 +156,7 @@ private:
     /// What the file holds, and what is different from the document's text as it was at `revision`.
     struct FileReading {
         TextFile::Contents contents;
-        TextChange difference;
+        TextEdits difference;
         quint64 revision = 0;
         /// Of the file's text; none where it is still to be computed.
         std::optional<quint64> hash;
@@ -173,7 +173,7 @@ private:
     void arrive(const Arrival &arrival);
     /// Plain text for a text with a line of megabytes.
     [[nodiscard]] const Language &colouredLanguage() const;
-    void noteEdit(TextStorage::EditMask mask);
+    void noteEdit();
     void checkDirty();
     void hashSavedText();
     void applyDirtyCheck(quint64 hash);
@@ -182,7 +182,6 @@ private:
     void postMetadata() const;
 
     void transformForSaving();
-    void replaceText(const Rope &text, const TextChange &difference);
     void agreeWithFile(std::optional<quint64> hash = {});
     void forgetFileQuestions();
     [[nodiscard]] FileReading comparedWith(const TextFile::Contents &contents) const;

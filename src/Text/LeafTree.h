@@ -79,6 +79,12 @@ public:
                 node->references.fetch_add(1, std::memory_order_relaxed);
             return Branch(node, summary);
         }
+        /// Of a leaf of some tree.
+        [[nodiscard]] static Branch share(const Leaf &leaf, const Summary &sum)
+        {
+            leaf.references.fetch_add(1, std::memory_order_relaxed);
+            return Branch(const_cast<Leaf *>(&leaf), sum);
+        }
         [[nodiscard]] explicit operator bool() const { return node; }
         [[nodiscard]] const Leaf &leaf() const { return *static_cast<const Leaf *>(node); }
         /// Puts a changed or new leaf in the place of the one held, which must not be used any more.
@@ -123,6 +129,14 @@ public:
     /// The leaf at `offset`, which becomes the offset inside it.
     [[nodiscard]] const Leaf &leafAt(qsizetype &offset, Side side) const;
 
+    /// Calls `visit(leaf, summary)` for all leaves in order.
+    template<class Visit>
+    void forEachLeaf(Visit visit) const
+    {
+        if (m_root)
+            forEachLeaf(m_root.node, m_root.summary, visit);
+    }
+
     /// Whether the leaf before or behind the leaf from `leafStart` to `leafEnd` is one that `matches`.
     template<class Matches>
     [[nodiscard]] bool hasNeighbour(qsizetype leafStart, qsizetype leafEnd, Matches matches) const
@@ -157,6 +171,17 @@ private:
     static Inner *inner(const Branch &branch) { return static_cast<Inner *>(branch.node); }
     static void release(const TreeNode *node);
     static Inner *own(Branch &branch);
+    template<class Visit>
+    static void forEachLeaf(const TreeNode *node, const Summary &summary, Visit &visit)
+    {
+        if (node->level == 0) {
+            visit(*static_cast<const Leaf *>(node), summary);
+            return;
+        }
+        const auto *parent = static_cast<const Inner *>(node);
+        for (int i = 0; i < parent->childCount; ++i)
+            forEachLeaf(parent->nodes[i], parent->sums[i], visit);
+    }
     static void unpack(Branch branch, Branches &out);
     static Branch packOne(std::span<Branch> children);
     static void pack(Branches &children, Branches &out);

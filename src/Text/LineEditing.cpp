@@ -4,8 +4,6 @@
 
 #include "Text/LineRange.h"
 
-#include <QStringList>
-
 #include <algorithm>
 
 namespace {
@@ -15,56 +13,52 @@ constexpr bool isIndent(QChar unit)
     return unit == u' ' || unit == u'\t';
 }
 
-/// A block of lines in pieces at its line feeds; the last piece is not empty but where the block is.
-class Lines final {
-public:
-    explicit Lines(const QString &block) : m_pieces(block.split(u'\n'))
-    {
-        if (m_pieces.size() > 1 && m_pieces.back().isEmpty()) {
-            m_pieces.removeLast();
-            m_endsWithBreak = true;
+constexpr bool isLineEnd(char16_t unit)
+{
+    return unit == u'\n' || unit == u'\r' || isLineSeparator(unit);
+}
+
+/// Calls `visit` for the lines of `block`, their breaks included.
+template<class Visit>
+void forEachLine(const Rope &text, TextRange block, LineEditing::Breaks breaks, Visit visit)
+{
+    RopeCursor cursor(text);
+    qsizetype start = block.location;
+    for (qsizetype at = start; at < block.end(); ++at) {
+        const char16_t unit = cursor.at(at);
+        const bool isInPair = unit == u'\r' && at + 1 < text.length() && cursor.at(at + 1) == u'\n';
+        if (unit == u'\n' || (breaks == LineEditing::Breaks::all && isLineEnd(unit) && !isInPair)) {
+            visit(TextRange::between(start, at + 1));
+            start = at + 1;
         }
     }
-    [[nodiscard]] QStringList &pieces() { return m_pieces; }
-    [[nodiscard]] QString joined() const { return m_endsWithBreak ? m_pieces.join(u'\n') + u'\n' : m_pieces.join(u'\n'); }
-
-private:
-    QStringList m_pieces;
-    bool m_endsWithBreak = false;
-};
-
-qsizetype indentLength(QStringView line)
-{
-    return std::ranges::find_if_not(line, isIndent) - line.begin();
-}
-
-bool isBlank(QStringView line)
-{
-    return line.trimmed().isEmpty();
-}
-
-void outdent(QString &line, int width)
-{
-    if (line.startsWith(u'\t')) {
-        line.remove(0, 1);
-        return;
+    if (start < block.end()) {
+        visit(TextRange::between(start, block.end()));
     }
-    qsizetype spaces = 0;
-    while (spaces < std::min<qsizetype>(width, line.size()) && line[spaces] == u' ') {
-        ++spaces;
-    }
-    line.remove(0, spaces);
 }
 
-/// The blanks that the line at `start` begins with.
-QString indentAt(const Rope &text, TextRange line)
+/// Where the blanks end that the line begins with.
+qsizetype indentEnd(const Rope &text, TextRange line)
 {
     RopeCursor cursor(text);
     qsizetype end = line.location;
     while (end < line.end() && isIndent(cursor.at(end))) {
         ++end;
     }
-    return text.toString(TextRange::between(line.location, end));
+    return end;
+}
+
+/// Where the break of the line begins.
+qsizetype contentEnd(const Rope &text, TextRange line)
+{
+    RopeCursor cursor(text);
+    qsizetype end = line.end();
+    if (end == line.location || !isLineEnd(cursor.at(end - 1))) {
+        return end;
+    }
+    --end;
+    const bool isPair = cursor.at(end) == u'\n' && end > line.location && cursor.at(end - 1) == u'\r';
+    return isPair ? end - 1 : end;
 }
 
 bool opensBlock(const Rope &text, TextRange line)
@@ -81,32 +75,53 @@ bool opensBlock(const Rope &text, TextRange line)
 
 namespace LineEditing {
 
-std::optional<LineEdit> shifted(const Rope &text, TextRange selection, Shift shift, Indentation indentation)
+TextEdits indentation(const Rope &text, TextRange block, const QString &level, Breaks breaks)
 {
-    const TextRange block = selectedLines(text, selection);
-    const QString before = text.toString(block);
-    const QString level = indentation.level();
-    Lines lines(before);
-    for (QString &line : lines.pieces()) {
-        if (shift == Shift::outdent) {
-            outdent(line, indentation.width);
-        } else if (!line.isEmpty()) {
-            line.prepend(level);
+    TextEdits edits;
+    RopeCursor cursor(text);
+    const Rope inserted(level);
+    forEachLine(text, block, breaks, [&](TextRange line) {
+        const char16_t first = cursor.at(line.location);
+        if (breaks == Breaks::all ? !isLineEnd(first) : first != u'\n') {
+            edits.add({line.location, 0}, inserted);
         }
-    }
-    const QString after = lines.joined();
-    if (after == before) {
-        return std::nullopt;
-    }
-    const qsizetype grown = after.size() - before.size();
-    const qsizetype moved = shift == Shift::indent ? level.size() : -std::min<qsizetype>(selection.location - block.location, level.size());
-    const qsizetype length = text.length() + grown;
-    const qsizetype start = std::clamp(selection.location + moved, block.location, length);
-    const qsizetype end = std::min(start + std::max<qsizetype>(selection.length + grown, 0), length);
-    return LineEdit{block, after, {start, end}};
+    });
+    return edits;
 }
 
-LineEdit tabbed(const Rope &text, TextRange selection, int tabWidth)
+TextEdits outdentation(const Rope &text, TextRange block, qsizetype mostSpaces, Breaks breaks)
+{
+    TextEdits edits;
+    RopeCursor cursor(text);
+    forEachLine(text, block, breaks, [&](TextRange line) {
+        qsizetype removed = cursor.at(line.location) == u'\t' ? 1 : 0;
+        if (removed == 0) {
+            while (removed < std::min(mostSpaces, line.length) && cursor.at(line.location + removed) == u' ') {
+                ++removed;
+            }
+        }
+        edits.add({line.location, removed}, Rope());
+    });
+    return edits;
+}
+
+std::optional<TextStep> shifted(const Rope &text, TextRange selection, Shift shift, Indentation style)
+{
+    const TextRange block = selectedLines(text, selection);
+    const QString level = style.level();
+    TextEdits edits = shift == Shift::indent ? indentation(text, block, level, Breaks::lineFeeds)
+                                             : outdentation(text, block, style.width, Breaks::lineFeeds);
+    if (edits.isEmpty()) {
+        return std::nullopt;
+    }
+    const qsizetype moved = shift == Shift::indent ? level.size() : -std::min<qsizetype>(selection.location - block.location, level.size());
+    const qsizetype length = text.length() + edits.growth();
+    const qsizetype start = std::clamp(selection.location + moved, block.location, length);
+    const qsizetype end = std::min(start + std::max<qsizetype>(selection.length + edits.growth(), 0), length);
+    return TextStep{std::move(edits), {start, end}};
+}
+
+TextStep tabbed(const Rope &text, TextRange selection, int tabWidth)
 {
     RopeCursor cursor(text);
     qsizetype column = 0;
@@ -114,21 +129,19 @@ LineEdit tabbed(const Rope &text, TextRange selection, int tabWidth)
         column = cursor.at(offset) == u'\t' ? (column / tabWidth + 1) * tabWidth : column + 1;
     }
     const qsizetype count = tabWidth - column % tabWidth;
-    return {selection, QString(count, u' '), TextSelection::at(selection.location + count)};
+    return {{selection, QString(count, u' ')}, TextSelection::at(selection.location + count)};
 }
 
-LineEdit brokenLine(const Rope &text, TextRange selection, Indentation indentation)
+TextStep brokenLine(const Rope &text, TextRange selection, Indentation indentation)
 {
-    const TextRange line = lineRange(text, {selection.location, 0});
-    QString inserted = u'\n' + indentAt(text, line);
-    if (opensBlock(text, line)) {
+    QString inserted = u'\n' + leadingBlanks(text, selection.location);
+    if (opensBlock(text, lineRange(text, {selection.location, 0}))) {
         inserted += indentation.level();
     }
-    const qsizetype caret = selection.location + inserted.size();
-    return {selection, std::move(inserted), TextSelection::at(caret)};
+    return {{selection, inserted}, TextSelection::at(selection.location + inserted.size())};
 }
 
-std::optional<LineEdit> unindented(const Rope &text, qsizetype caret, int tabWidth)
+std::optional<TextStep> unindented(const Rope &text, qsizetype caret, int tabWidth)
 {
     RopeCursor cursor(text);
     const qsizetype start = lineRange(text, {caret, 0}).location;
@@ -141,61 +154,122 @@ std::optional<LineEdit> unindented(const Rope &text, qsizetype caret, int tabWid
     }
     const qsizetype rest = spaces % tabWidth;
     const qsizetype count = rest == 0 ? std::min<qsizetype>(tabWidth, spaces) : rest;
-    return LineEdit{{caret - count, count}, QString(), TextSelection::at(caret - count)};
+    return TextStep{{{caret - count, count}, Rope()}, TextSelection::at(caret - count)};
 }
 
-std::optional<LineEdit> commentToggled(const Rope &text, TextRange selection, QStringView token)
+std::optional<TextStep> commentToggled(const Rope &text, TextRange selection, QStringView token)
 {
+    struct Line {
+        qsizetype start = 0;
+        qsizetype indent = 0;
+        qsizetype commentLength = 0;
+    };
     const TextRange block = selectedLines(text, selection);
-    const QString before = text.toString(block);
-    Lines lines(before);
+    std::vector<Line> lines;
     bool isCommented = true;
     qsizetype column = std::numeric_limits<qsizetype>::max();
-    for (const QString &line : lines.pieces()) {
-        if (!isBlank(line)) {
-            const qsizetype indent = indentLength(line);
-            isCommented = isCommented && QStringView(line).sliced(indent).startsWith(token);
-            column = std::min(column, indent);
+    forEachLine(text, block, Breaks::lineFeeds, [&](TextRange line) {
+        const QString content = text.toString(line);
+        if (QStringView(content).trimmed().isEmpty()) {
+            return;
         }
-    }
-    for (QString &line : lines.pieces()) {
-        if (isBlank(line)) {
-            continue;
-        }
+        const qsizetype indent = indentEnd(text, line) - line.location;
+        const QStringView behind = QStringView(content).sliced(indent);
+        const bool hasToken = behind.startsWith(token);
+        const bool hasSpace = hasToken && behind.sliced(token.size()).startsWith(u' ');
+        lines.push_back({line.location, indent, token.size() + (hasSpace ? 1 : 0)});
+        isCommented = isCommented && hasToken;
+        column = std::min(column, indent);
+    });
+    TextEdits edits;
+    const Rope inserted(QString(token.toString() + u' '));
+    for (const Line &line : lines) {
         if (isCommented) {
-            const qsizetype indent = indentLength(line);
-            const bool hasSpace = line.size() > indent + token.size() && line[indent + token.size()] == u' ';
-            line.remove(indent, token.size() + (hasSpace ? 1 : 0));
+            edits.add({line.start + line.indent, line.commentLength}, Rope());
         } else {
-            line.insert(column, token.toString() + u' ');
+            edits.add({line.start + column, 0}, inserted);
         }
     }
-    const QString after = lines.joined();
-    if (after == before) {
+    if (edits.isEmpty()) {
         return std::nullopt;
     }
-    return LineEdit{block, after, {block.location, block.location + after.size()}};
+    const TextSelection after{block.location, block.end() + edits.growth()};
+    return TextStep{std::move(edits), after};
 }
 
-LineEdit duplicated(const Rope &text, TextRange selection)
+TextStep duplicated(const Rope &text, TextRange selection)
 {
     const TextRange block = selectedLines(text, selection);
-    QString copy = text.toString(block);
-    qsizetype caret = block.end();
-    if (!copy.endsWith(u'\n')) {
-        copy.prepend(u'\n');
-        ++caret;
+    Rope copy = text.slice(block);
+    const bool endsInLineFeed = !copy.isEmpty() && copy.at(copy.length() - 1) == u'\n';
+    if (!endsInLineFeed) {
+        copy.replace({0, 0}, u"\n");
     }
-    return {{block.end(), 0}, copy, TextSelection::at(caret)};
+    return {{{block.end(), 0}, copy}, TextSelection::at(block.end() + (endsInLineFeed ? 0 : 1))};
 }
 
-std::optional<LineEdit> deleted(const Rope &text, TextRange selection)
+std::optional<TextStep> deleted(const Rope &text, TextRange selection)
 {
     const TextRange block = selectedLines(text, selection);
     if (block.isEmpty()) {
         return std::nullopt;
     }
-    return LineEdit{block, QString(), TextSelection::at(block.location)};
+    return TextStep{{block, Rope()}, TextSelection::at(block.location)};
+}
+
+std::optional<TextStep> joined(const Rope &text, qsizetype offset, qsizetype count)
+{
+    TextStep step;
+    RopeCursor cursor(text);
+    TextRange line = lineRange(text, {offset, 0});
+    qsizetype contentStart = line.location;
+    // What the line ends with, as far as it was put together; none while it is empty.
+    std::optional<char16_t> last;
+    for (qsizetype lines = 1; lines < count && line.end() < text.length(); ++lines) {
+        const qsizetype end = contentEnd(text, line);
+        if (end > contentStart) {
+            last = cursor.at(end - 1);
+        }
+        const TextRange next = lineRange(text, {line.end(), 0});
+        const qsizetype nextContent = indentEnd(text, next);
+        const bool isNextBlank = nextContent < text.length() && (cursor.at(nextContent) == u'\n' || cursor.at(nextContent) == u'\r');
+        const bool isGlued = !last || isIndent(*last) || isNextBlank;
+        step.after = TextSelection::at(end + step.edits.growth());
+        step.edits.add(TextRange::between(end, nextContent), isGlued ? Rope() : Rope(u" "));
+        if (!isGlued) {
+            last = u' ';
+        }
+        contentStart = nextContent;
+        line = next;
+    }
+    return step.edits.isEmpty() ? std::nullopt : std::optional(std::move(step));
+}
+
+std::optional<TextStep> moved(const Rope &text, TextRange block, Neighbour neighbour)
+{
+    const bool isUp = neighbour == Neighbour::before;
+    if (isUp ? block.location == 0 : block.end() >= text.length()) {
+        return std::nullopt;
+    }
+    const TextRange other = lineRange(text, {isUp ? block.location - 1 : block.end(), 0});
+    Rope swapped = text.slice(isUp ? block : other);
+    // The last line of a text may have no break: it gets that of the line that is the last one now.
+    const bool hasBreak = !swapped.isEmpty() && isLineEnd(swapped.at(swapped.length() - 1));
+    if (!hasBreak) {
+        swapped.replace({swapped.length(), 0}, u"\n");
+    }
+    const qsizetype start = block.united(other).location + (isUp ? 0 : swapped.length());
+    swapped.replace({swapped.length(), 0}, text.slice(isUp ? other : block));
+    if (!hasBreak) {
+        swapped.replace({swapped.length() - 1, 1}, QStringView());
+    }
+    return TextStep{{block.united(other), swapped}, {start, start + block.length}};
+}
+
+QString leadingBlanks(const Rope &text, qsizetype offset)
+{
+    const TextRange line = lineRange(text, {offset, 0});
+    return text.toString(TextRange::between(line.location, indentEnd(text, line)));
 }
 
 } // namespace LineEditing

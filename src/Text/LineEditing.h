@@ -2,18 +2,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Text/Rope.h"
+#include "Text/TextEdits.h"
 
 #include <QString>
 
 #include <optional>
-
-/// One replacement that a command makes, and the selection after it.
-struct LineEdit {
-    TextRange range;
-    QString replacement;
-    TextSelection after;
-};
 
 /// What one level of indentation is.
 struct Indentation {
@@ -34,25 +27,44 @@ namespace LineEditing {
 
 enum class Shift { indent, outdent };
 
+/// Within a block lines are told apart by line feeds alone, or by all that ends a line.
+enum class Breaks { lineFeeds, all };
+
+/// One level before every line of `block`, which are whole ones, but for empty ones.
+[[nodiscard]] TextEdits indentation(const Rope &text, TextRange block, const QString &level, Breaks breaks);
+/// The tab or up to so many spaces that a line begins with are gone.
+[[nodiscard]] TextEdits outdentation(const Rope &text, TextRange block, qsizetype mostSpaces, Breaks breaks);
+
 /// One level more or less for every selected line; an empty line gets none.
-[[nodiscard]] std::optional<LineEdit> shifted(const Rope &text, TextRange selection, Shift shift, Indentation indentation);
+[[nodiscard]] std::optional<TextStep> shifted(const Rope &text, TextRange selection, Shift shift, Indentation indentation);
 
 /// Spaces up to the next tab stop, in place of the selection. Costs a walk from the start of the line.
-[[nodiscard]] LineEdit tabbed(const Rope &text, TextRange selection, int tabWidth);
+[[nodiscard]] TextStep tabbed(const Rope &text, TextRange selection, int tabWidth);
 
 /// A new line in place of the selection, indented as the line before, and a level deeper when that opens a block.
-[[nodiscard]] LineEdit brokenLine(const Rope &text, TextRange selection, Indentation indentation);
+[[nodiscard]] TextStep brokenLine(const Rope &text, TextRange selection, Indentation indentation);
 
 /// The spaces before `caret` back to the last tab stop, if there is nothing but spaces before it in its line.
-[[nodiscard]] std::optional<LineEdit> unindented(const Rope &text, qsizetype caret, int tabWidth);
+[[nodiscard]] std::optional<TextStep> unindented(const Rope &text, qsizetype caret, int tabWidth);
 
 /// Every selected line that is not blank begins with `token` afterwards, or none does if all did before.
-[[nodiscard]] std::optional<LineEdit> commentToggled(const Rope &text, TextRange selection, QStringView token);
+[[nodiscard]] std::optional<TextStep> commentToggled(const Rope &text, TextRange selection, QStringView token);
 
 /// The selected lines once more behind them, the caret at the start of the copy.
-[[nodiscard]] LineEdit duplicated(const Rope &text, TextRange selection);
+[[nodiscard]] TextStep duplicated(const Rope &text, TextRange selection);
 
 /// Without the selected lines.
-[[nodiscard]] std::optional<LineEdit> deleted(const Rope &text, TextRange selection);
+[[nodiscard]] std::optional<TextStep> deleted(const Rope &text, TextRange selection);
+
+/// The line of `offset` and those behind it, `count` in all, as one: without the blanks that the others begin with, and with a space
+/// between where there is text and no blank. The caret is left where the last one was added.
+[[nodiscard]] std::optional<TextStep> joined(const Rope &text, qsizetype offset, qsizetype count);
+
+/// The lines of `block` change places with the line before or behind them, and are selected then.
+enum class Neighbour { before, behind };
+[[nodiscard]] std::optional<TextStep> moved(const Rope &text, TextRange block, Neighbour neighbour);
+
+/// The spaces and tabs that the line of `offset` begins with.
+[[nodiscard]] QString leadingBlanks(const Rope &text, qsizetype offset);
 
 } // namespace LineEditing

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Text/Rope.h"
 
+#include "Text/TextEdits.h"
 #include "Text/TextTreeCode.h"
 
 template class TextTree<4096, 32>;
@@ -43,4 +44,11 @@ void Rope::forEachChunk(TextRange range, const std::function<bool(const Chunk &)
             return;
         at += chunk.length;
     }
+}
+
+void Rope::replace(std::span<const TextEdit> edits)
+{
+    m_tree.replace(
+        edits.size(), [edits](size_t index) { return edits[index].range; },
+        [edits](size_t index) -> const Tree & { return edits[index].text.m_tree; });
 }

@@ -8,6 +8,9 @@
 #include <QStringView>
 
 #include <functional>
+#include <span>
+
+struct TextEdit;
 
 extern template class TextTree<4096, 32>;
 
@@ -67,6 +70,8 @@ public:
     void replace(TextRange range, QStringView text) { m_tree.replace(range, text); }
     /// Shares the leaves of `text`: O(log n) whatever its length.
     void replace(TextRange range, const Rope &text) { m_tree.replace(range, text.m_tree); }
+    /// All at once: `edits` are of the text as it is, ascending and apart.
+    void replace(std::span<const TextEdit> edits);
 
     /// Same units; shared leaves are not compared.
     friend bool operator==(const Rope &a, const Rope &b) { return a.m_tree == b.m_tree; }

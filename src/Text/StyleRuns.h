@@ -4,6 +4,7 @@
 
 #include "Text/LeafTree.h"
 #include "Text/StyleTable.h"
+#include "Text/TextEdits.h"
 #include "Text/TextRange.h"
 
 #include <functional>
@@ -97,6 +98,8 @@ public:
     /// The text in `range` was replaced by `newLength` units: they take the style of the unit before them, plain at the very start.
     /// O(log n).
     void replace(TextRange range, qsizetype newLength);
+    /// So for all of `edits`.
+    void replace(const TextEdits &edits);
     /// Gives the units of `window` the styles of `runs`, whose lengths must add up to it. Returns the parts that really changed,
     /// ascending and apart. O(log n + runs).
     std::vector<TextRange> assign(TextRange window, std::span<const StyleRun> runs);

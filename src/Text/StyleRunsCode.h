@@ -97,6 +97,42 @@ void RunTree<leafRuns, fanout>::replace(TextRange range, qsizetype newLength)
     splice(range, inserted);
 }
 
+template<int leafRuns, int fanout>
+void RunTree<leafRuns, fanout>::replace(const TextEdits &edits)
+{
+    constexpr size_t fewestAtOnce = 8;
+    if (edits.count() < fewestAtOnce) {
+        for (size_t index = 0; index < edits.count(); ++index) {
+            const TextRange fresh = edits.newRange(index);
+            replace({fresh.location, edits[index].range.length}, fresh.length);
+        }
+        return;
+    }
+    // One pass over the runs around them all.
+    const ReplacedStretch hull = edits.hull();
+    RunPacker packer;
+    StyleId style = hull.location > 0 ? styleAt(hull.location - 1) : plainStyle; // of the unit before
+    size_t next = 0;
+    qsizetype at = hull.location;
+    forEachRun({hull.location, hull.removed}, [&](TextRange run, StyleId runStyle) {
+        while (at < run.end()) {
+            const qsizetype kept = next == edits.count() ? run.end() : std::min(run.end(), edits[next].range.location);
+            if (kept > at) {
+                packer.add(kept - at, runStyle);
+                style = runStyle;
+                at = kept;
+            }
+            if (at < run.end()) {
+                packer.add(edits[next].text.length(), style);
+                at = edits[next++].range.end();
+            }
+        }
+    });
+    for (; next < edits.count(); ++next)
+        packer.add(edits[next].text.length(), style);
+    splice({hull.location, hull.removed}, packer);
+}
+
 /// The usual case: the run before `range` only grows or shrinks. Else the leaf is made anew, if nothing outside is touched.
 template<int leafRuns, int fanout>
 bool RunTree<leafRuns, fanout>::replaceInLeaf(TextRange range, qsizetype newLength)

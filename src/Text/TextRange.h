@@ -5,7 +5,6 @@
 #include <QtGlobal>
 
 #include <algorithm>
-#include <vector>
 
 /// A half-open stretch of text in UTF-16 code units.
 struct TextRange {
@@ -57,20 +56,3 @@ struct TextSelection {
 
     friend constexpr bool operator==(TextSelection, TextSelection) = default;
 };
-
-/// One replaced stretch. `position` is in the text after the change; `removed` units stood there before, `inserted` stand there now.
-/// The line counts are line breaks (LF, CR LF, lone CR) lost and gained, including those that a CR LF pair made or broken costs.
-struct TextChange {
-    qsizetype position = 0;
-    qsizetype removed = 0;
-    qsizetype inserted = 0;
-    qsizetype removedLines = 0;
-    qsizetype insertedLines = 0;
-
-    [[nodiscard]] constexpr bool isEmpty() const { return removed == 0 && inserted == 0; }
-
-    friend constexpr bool operator==(const TextChange &, const TextChange &) = default;
-};
-
-/// All changes of one editing batch, ascending and apart from one another: applying them front to back to the old text gives the new one.
-using TextChangeList = std::vector<TextChange>;

@@ -490,13 +490,11 @@ TextReplacement TextSearcher::replacementOfAll(const Rope &text, TextRange range
                                                TextReplacement::Occurrences occurrences, const SearchControl &control)
 {
     TextReplacement result;
+    // Beyond so many hits: the text with them replaced, from the first to the last of them.
     Rope changed;
+    TextRange hull;
     qsizetype shift = 0;
     TextRange line{-1, 0};
-    const auto apply = [&changed, &shift](TextRange place, const QString &inserted) {
-        changed.replace({place.location + shift, place.length}, inserted);
-        shift += inserted.size() - place.length;
-    };
     const auto take = [&](const Walk::Place &place) {
         if (occurrences == TextReplacement::Occurrences::firstOfLine) {
             if (place.hit.location < line.end()) {
@@ -508,30 +506,34 @@ TextReplacement TextSearcher::replacementOfAll(const Rope &text, TextRange range
             }
             line = own;
         }
-        QString inserted = place.excerpt ? RegularExpression::replacement(m_expression->match(), place.excerpt->units, replacementTemplate)
-                                         : replacementTemplate;
-        if (result.count == 0) {
-            result.hull = place.hit;
-        }
-        result.hull = TextRange::between(result.hull.location, place.hit.end());
+        const QString inserted = place.excerpt
+                                     ? RegularExpression::replacement(m_expression->match(), place.excerpt->units, replacementTemplate)
+                                     : replacementTemplate;
+        hull = result.count == 0 ? place.hit : TextRange::between(hull.location, place.hit.end());
         ++result.count;
-        if (size_t(result.count) <= TextReplacement::mostEdits) {
-            result.edits.push_back({place.hit, std::move(inserted)});
+        if (result.count <= TextReplacement::mostHits) {
+            result.edits.add(place.hit, Rope(inserted));
             return true;
         }
-        if (!result.edits.empty()) {
-            changed = text;
-            for (const TextReplacement::Edit &edit : std::exchange(result.edits, {})) {
-                apply(edit.range, edit.text);
-            }
+        if (result.count == TextReplacement::mostHits + 1) {
+            changed = result.edits.applied(text);
+            shift = std::exchange(result.edits, {}).growth();
         }
-        apply(place.hit, inserted);
+        changed.replace({place.hit.location + shift, place.hit.length}, inserted);
+        shift += inserted.size() - place.hit.length;
         return true;
     };
     Walk all{.text = text, .range = range, .control = control, .visit = take};
     walk(all);
-    if (result.count > 0 && result.edits.empty()) {
-        result.hullText = changed.slice({result.hull.location, result.hull.length + shift});
+    if (result.count > TextReplacement::mostHits) {
+        result.edits.add(hull, changed.slice({hull.location, hull.length + shift}));
     }
     return result;
+}
+
+TextSelection TextReplacement::selectionAfter(const Rope &before, TextSelection selection) const
+{
+    const Rope after = edits.applied(before);
+    const TextSelection mapped = TextChange{edits, before, after}.mapped(selection);
+    return count > mostHits ? TextSelection::at(mapped.range().location) : mapped;
 }

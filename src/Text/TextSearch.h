@@ -4,7 +4,7 @@
 
 #include "Base/Result.h"
 #include "Text/RegularExpression.h"
-#include "Text/Rope.h"
+#include "Text/TextEdits.h"
 
 #include <QStringMatcher>
 
@@ -39,20 +39,15 @@ struct SearchControl {
 struct TextReplacement {
     enum class Occurrences { all, firstOfLine };
 
-    struct Edit {
-        /// In the text before all edits.
-        TextRange range;
-        QString text;
-    };
-    /// Above this many, one stretch of new text stands for them all.
-    static constexpr size_t mostEdits = 1000;
+    /// Above this many hits, one stretch of new text from the first to the last stands for them all. It shares what is between them.
+    static constexpr qsizetype mostHits = 1000;
 
+    /// How many hits are replaced.
     qsizetype count = 0;
-    /// Ascending; empty when `hull` stands for them.
-    std::vector<Edit> edits;
-    /// From the first hit to the end of the last, in the text before, and what comes there instead. Leaves between hits are shared.
-    TextRange hull;
-    Rope hullText;
+    TextEdits edits;
+
+    /// Where a selection is left: with its text; but of a stretch, where the ends would find their places one by one, at its start.
+    [[nodiscard]] TextSelection selectionAfter(const Rope &before, TextSelection selection) const;
 };
 
 /// Finds the hits of one query in ropes without copying them: only a window of some 100 KB is ever in one piece.

@@ -2,31 +2,15 @@
 // SPDX-License-Identifier: MIT
 #include "Text/TextStorage.h"
 
+#include <QScopedValueRollback>
+
 #include <algorithm>
 #include <numeric>
-#include <utility>
 
 namespace {
 
-constexpr size_t mostStyleChanges = 4000;
 /// Debug builds check the trees of texts up to this length after every edit.
 [[maybe_unused]] constexpr qsizetype longestChecked = 10'000;
-
-/// Ascending and apart.
-void normalize(std::vector<TextRange> &ranges)
-{
-    std::ranges::sort(ranges, {}, &TextRange::location);
-    size_t kept = 0;
-    for (const TextRange range : ranges) {
-        if (range.isEmpty())
-            continue;
-        if (kept > 0 && ranges[kept - 1].touches(range))
-            ranges[kept - 1] = ranges[kept - 1].united(range);
-        else
-            ranges[kept++] = range;
-    }
-    ranges.resize(kept);
-}
 
 } // namespace
 
@@ -34,91 +18,21 @@ TextStorage::TextStorage(QObject *parent) : QObject(parent) {}
 
 TextStorage::~TextStorage() = default;
 
-void TextStorage::endEditing()
+void TextStorage::apply(const TextEdits &edits)
 {
-    Q_ASSERT(m_depth > 0);
-    if (--m_depth > 0)
+    Q_ASSERT_X(!m_isReporting, "TextStorage", "an observer changes the text while it is told of a change");
+    Q_ASSERT(isValid(edits));
+    if (edits.isEmpty())
         return;
-    normalize(m_styleChanges);
-    Report report{m_changes.finish(m_text), std::exchange(m_styleChanges, {})};
-    if (!report.changes.empty() || !report.styles.empty())
-        m_reports.push_back(std::move(report));
-    if (std::exchange(m_isReporting, true))
-        return;
-    while (!m_reports.empty()) {
-        const Report next = std::move(m_reports.front());
-        m_reports.pop_front();
-        send(next);
-    }
-    m_isReporting = false;
-}
-
-void TextStorage::send(const Report &report)
-{
-    EditMask mask;
-    TextRange range;
-    qsizetype changeInLength = 0;
-    if (!report.styles.empty()) {
-        mask |= editedAttributes;
-        range = report.styles.front().united(report.styles.back());
-    }
-    for (const TextChange &change : report.changes) {
-        const TextRange edited{change.position, change.inserted};
-        range = mask ? range.united(edited) : edited;
-        mask |= editedCharacters;
-        changeInLength += change.inserted - change.removed;
-    }
-    if (mask & editedCharacters)
-        emit changed(report.changes);
-    if (mask & editedAttributes)
-        emit stylesChanged(report.styles);
-    emit didProcessEditing(mask, range, changeInLength);
-}
-
-void TextStorage::replaceCharacters(TextRange range, QStringView text)
-{
-    edit(range, text, text.size());
-}
-
-void TextStorage::replaceCharacters(TextRange range, const Rope &text)
-{
-    edit(range, text, text.length());
-}
-
-template<class Text>
-void TextStorage::edit(TextRange range, const Text &text, qsizetype textLength)
-{
-    Q_ASSERT(isValid(range));
-    if (range.isEmpty() && textLength == 0)
-        return;
-    const EditBatch batch(*this);
-    const qsizetype linesBefore = m_text.lineCount();
-    const bool startsAtLf = range.location < length() && m_text.at(range.location) == u'\n';
-    Rope removed;
-    if (m_recorder)
-        removed = m_text.slice(range);
-
-    m_text.replace(range, text);
-    m_runs.replace(range, textLength);
+    const QScopedValueRollback reporting(m_isReporting, true);
+    const Rope before = m_text;
+    m_text = edits.applied(std::move(m_text));
+    m_runs.replace(edits);
     ++m_revision;
     Q_ASSERT(length() > longestChecked || checkInvariants());
-    m_changes.add({.position = range.location,
-                   .removed = range.length,
-                   .inserted = textLength,
-                   .addedLines = m_text.lineCount() - linesBefore,
-                   .startsAtLf = startsAtLf});
-    if (!m_styleChanges.empty())
-        moveStyleChanges({.position = range.location, .removed = range.length, .inserted = textLength});
-    if (m_recorder)
-        m_recorder->recordEdit(range.location, removed, Rope(text));
-}
-
-/// Styles changed earlier in this batch are reported in the text at its end.
-void TextStorage::moveStyleChanges(const TextChange &change)
-{
-    const TextChangeList changes{change};
-    for (TextRange &range : m_styleChanges)
-        range = mappedRange(range, changes);
+    const TextChange change{edits, before, m_text};
+    emit changed(change);
+    emit didProcessEditing(change);
 }
 
 void TextStorage::setStyle(TextRange range, StyleId style)
@@ -135,25 +49,17 @@ void TextStorage::setStyles(TextRange window, std::span<const StyleRun> runs)
     Q_ASSERT(std::all_of(runs.begin(), runs.end(), [this](const StyleRun &run) { return run.style < m_styles.count(); }));
     if (window.isEmpty())
         return;
-    const EditBatch batch(*this);
-    addStyleChanges(m_runs.assign(window, runs));
+    const std::vector<TextRange> ranges = m_runs.assign(window, runs);
     Q_ASSERT(length() > longestChecked || checkInvariants());
+    if (!ranges.empty())
+        emit stylesChanged(ranges);
 }
 
-void TextStorage::addStyleChanges(std::vector<TextRange> ranges)
+bool TextStorage::isValid(const TextEdits &edits) const
 {
-    m_styleChanges.insert(m_styleChanges.end(), ranges.begin(), ranges.end());
-    if (m_styleChanges.size() <= mostStyleChanges)
-        return;
-    normalize(m_styleChanges);
-    if (m_styleChanges.size() > mostStyleChanges)
-        m_styleChanges.assign(1, m_styleChanges.front().united(m_styleChanges.back()));
-}
-
-bool TextStorage::isValid(TextRange range) const
-{
-    return range.location >= 0 && range.length >= 0 && range.end() <= length() && !m_text.splitsPair(range.location) &&
-           !m_text.splitsPair(range.end());
+    return std::ranges::all_of(edits, [this](const TextEdit &edit) {
+        return edit.range.end() <= length() && !m_text.splitsPair(edit.range.location) && !m_text.splitsPair(edit.range.end());
+    });
 }
 
 bool TextStorage::checkInvariants() const

@@ -40,6 +40,9 @@ public:
     [[nodiscard]] TextTree slice(TextRange range) const;
     void replace(TextRange range, QStringView text);
     void replace(TextRange range, const TextTree &text);
+    /// All at once: `text(i)` in place of `range(i)`, ascending and apart, for `count` stretches.
+    template<class RangeOf, class TextOf>
+    void replace(size_t count, RangeOf range, TextOf text);
     [[nodiscard]] bool checkInvariants() const { return m_tree.checkInvariants(); }
 
     class Builder;
@@ -64,6 +67,11 @@ class TextTree<leafBytes, fanout>::Builder {
 public:
     void append(QStringView text);
     void appendLatin1(const uchar *text, qsizetype length);
+    /// The units of a leaf between two of its offsets.
+    void append(const TextLeaf &leaf, qsizetype from, qsizetype to);
+    /// Shares the leaf where that is fit to stand there.
+    void append(const TextLeaf &leaf, const TextSummary &summary);
+    void append(const TextTree &tree);
     [[nodiscard]] qsizetype length() const { return m_length; }
     [[nodiscard]] TextTree build();
 
@@ -76,4 +84,5 @@ private:
     qsizetype addLeaf(const char16_t *text, qsizetype length);
     qsizetype makeRoom(qsizetype wanted);
     void addFullPending();
+    void addAllPending();
 };

@@ -192,6 +192,55 @@ void TextTree<leafBytes, fanout>::splice(TextRange range, Tree inserted)
     m_tree.append(std::move(after));
 }
 
+/// Few changes far apart take their paths through the tree one by one; of many the leaves around them are made anew in one pass, and
+/// those between are shared.
+template<int leafBytes, int fanout>
+template<class RangeOf, class TextOf>
+void TextTree<leafBytes, fanout>::replace(size_t count, RangeOf range, TextOf text)
+{
+    if (count == 0)
+        return;
+    const auto hull = TextRange::between(range(0).location, range(count - 1).end());
+    constexpr size_t fewestAtOnce = 16;
+    constexpr qsizetype leavesPerChange = 32;
+    if (count < fewestAtOnce || qsizetype(count) * leavesPerChange < hull.length / Traits::narrowUnits) {
+        qsizetype shift = 0;
+        for (size_t i = 0; i < count; ++i) {
+            replace({range(i).location + shift, range(i).length}, text(i));
+            shift += text(i).length() - range(i).length;
+        }
+        return;
+    }
+    const Tree after = m_tree.splitOff(hull.end());
+    const Tree between = m_tree.splitOff(hull.location);
+    Builder builder;
+    size_t next = 0;
+    qsizetype start = hull.location; // of the leaf
+    qsizetype at = hull.location;    // up to where all is done
+    between.forEachLeaf([&](const TextLeaf &leaf, const TextSummary &summary) {
+        const qsizetype end = start + leaf.length;
+        if (at == start && (next == count || range(next).location >= end)) {
+            builder.append(leaf, summary);
+            at = end;
+        }
+        while (at < end) {
+            const qsizetype kept = next == count ? end : std::min(end, range(next).location);
+            if (kept > at)
+                builder.append(leaf, at - start, kept - start);
+            at = std::max(at, kept);
+            if (at < end) {
+                builder.append(text(next));
+                at = range(next++).end();
+            }
+        }
+        start = end;
+    });
+    if (next < count)
+        builder.append(text(next));
+    m_tree.append(builder.build().m_tree);
+    m_tree.append(after);
+}
+
 /// Most edits end in the leaf they begin in. Not so when the leaf would be used up, would leave two small leaves side by side, or would
 /// have half a surrogate pair at its edge.
 template<int leafBytes, int fanout>
@@ -327,11 +376,47 @@ void TextTree<leafBytes, fanout>::Builder::appendLatin1(const uchar *text, qsize
 }
 
 template<int leafBytes, int fanout>
-auto TextTree<leafBytes, fanout>::Builder::build() -> TextTree
+void TextTree<leafBytes, fanout>::Builder::append(const TextLeaf &leaf, qsizetype from, qsizetype to)
+{
+    if (leaf.isWide)
+        append(QStringView(leaf.wide() + from, to - from));
+    else
+        appendLatin1(leaf.narrow() + from, to - from);
+}
+
+/// A leaf that ends with what may be half a pair has its units copied, and so has one that could be too small for its neighbours.
+template<int leafBytes, int fanout>
+void TextTree<leafBytes, fanout>::Builder::append(const TextLeaf &leaf, const TextSummary &summary)
+{
+    const bool mayMeetPair = QChar::isHighSurrogate(leaf.at(leaf.length - 1)) ||
+                             (m_pendingLength > 0 && QChar::isHighSurrogate(m_pending[size_t(m_pendingLength - 1)]));
+    if (mayMeetPair || Traits::isSmall(leaf.bytes())) {
+        append(leaf, 0, leaf.length);
+        return;
+    }
+    addAllPending();
+    m_leaves.push_back(Branch::share(leaf, summary));
+    m_length += leaf.length;
+}
+
+template<int leafBytes, int fanout>
+void TextTree<leafBytes, fanout>::Builder::append(const TextTree &tree)
+{
+    tree.m_tree.forEachLeaf([this](const TextLeaf &leaf, const TextSummary &summary) { append(leaf, summary); });
+}
+
+template<int leafBytes, int fanout>
+void TextTree<leafBytes, fanout>::Builder::addAllPending()
 {
     for (qsizetype at = 0; at < m_pendingLength;)
         at += addLeaf(m_pending.get() + at, m_pendingLength - at);
     m_pendingLength = 0;
+}
+
+template<int leafBytes, int fanout>
+auto TextTree<leafBytes, fanout>::Builder::build() -> TextTree
+{
+    addAllPending();
     m_length = 0;
     return TextTree(Tree(std::exchange(m_leaves, {})));
 }

@@ -12,27 +12,28 @@
 #include <optional>
 #include <vector>
 
-/// What the edits of a group have in common; all but `other` let groups grow together.
+/// What the changes of a group have in common; all but `other` let groups grow together.
 enum class GroupKind { typing, deletingBackward, deletingForward, other };
 
-/// The edits of one document in groups that are undone and redone as one. Main thread only.
+/// The changes of one document in groups that are undone and redone as one. Main thread only.
 ///
-/// It records whatever is replaced in its storage. Edits inside beginGroup() … endGroup() belong to that group, those of a batch outside
-/// any to one of their own. Groups of the same view and kind that follow each other within a second, each beginning where the last ended,
-/// become one, unless breakCoalescing() came between them. The text that groups keep shares leaves with the document; a group of many
-/// edits is kept as the stretch around them before and after. When the groups keep more units than the limit, the oldest go.
-class UndoManager final : public QObject, private EditRecorder {
+/// It records whatever is changed in its storage. Changes inside beginGroup() … endGroup() belong to that group, one outside any makes one
+/// of its own. Groups of the same view and kind that follow each other within a second, each beginning where the last ended, become one,
+/// unless breakCoalescing() came between them. A group is kept as the one change that takes it back, or makes it again, and shares its
+/// text with the document. When the groups keep more units than the limit, the oldest go.
+class UndoManager final : public QObject {
     Q_OBJECT
 
 public:
     /// Time since any fixed moment; never runs backwards.
     using Clock = std::function<std::chrono::milliseconds()>;
 
-    /// Becomes the recorder of `storage`, which must outlive it.
+    /// Follows `storage`, which must outlive it.
     UndoManager(TextStorage &storage, Clock clock, QObject *parent = nullptr);
     ~UndoManager() override;
 
-    /// `view` only tells groups of different views apart. Calls nest, and the outermost ones count. A group without edits leaves no trace.
+    /// `view` only tells groups of different views apart. Calls nest, and the outermost ones count. A group without changes leaves no
+    /// trace.
     void beginGroup(GroupKind kind, TextSelection before, const void *view);
     void endGroup(TextSelection after);
     [[nodiscard]] bool isGrouping() const { return m_depth > 0; }
@@ -41,14 +42,14 @@ public:
 
     [[nodiscard]] bool canUndo() const { return m_done > 0; }
     [[nodiscard]] bool canRedo() const { return m_done < qsizetype(m_groups.size()); }
-    /// Takes back the last group in one batch and returns the selection from before it. Nothing when there is none, or a group is open.
+    /// Takes back the last group in one change and returns the selection from before it. Nothing when there is none, or a group is open.
     std::optional<TextSelection> undo();
     /// Repeats the group taken back last and returns the selection from after it.
     std::optional<TextSelection> redo();
 
     /// Forgets all groups; the text stays at the save point if it is there now.
     void removeAllActions();
-    /// The text as it is now is the one saved. A group that is open ends here; its further edits make another.
+    /// The text as it is now is the one saved. A group that is open ends here; its further changes make another.
     void markSavePoint();
     [[nodiscard]] bool isAtSavePoint() const { return m_savePoint == m_done; }
 
@@ -56,8 +57,8 @@ public:
     /// its size.
     void setUnitLimit(qsizetype limit);
 
-    /// While it lives edits are not recorded. The groups recorded before do not fit the text after such an edit, so they go with it, and
-    /// so does the save point.
+    /// While it lives changes are not recorded. The groups recorded before do not fit the text after such a change, so they go with it,
+    /// and so does the save point.
     class Pause final {
     public:
         explicit Pause(UndoManager &manager) : m_manager(manager) { ++m_manager.m_pauses; }
@@ -73,22 +74,15 @@ signals:
     void stateChanged();
 
 private:
-    struct Edit {
-        qsizetype position = 0;
-        Rope removed;
-        Rope inserted;
-    };
     struct Group {
         GroupKind kind = GroupKind::other;
         const void *view = nullptr;
         TextSelection before;
         TextSelection after;
         std::chrono::milliseconds time{0};
-        std::vector<Edit> edits;
+        /// Takes the group back while it is done, makes it again while it is not.
+        TextEdits edits;
         qsizetype units = 0;
-        /// Set while a group of many edits is open: the text before it, and the stretch that its edits touched.
-        std::optional<Rope> textBefore;
-        TextChange hull;
     };
     struct State {
         bool canUndo = false;
@@ -96,8 +90,6 @@ private:
         bool isAtSavePoint = true;
         friend bool operator==(const State &, const State &) = default;
     };
-    /// Whose edits a group that is open now takes.
-    enum class Opened { none, byCaller, byEdit };
 
     TextStorage &m_storage;
     Clock m_clock;
@@ -111,20 +103,21 @@ private:
     int m_pauses = 0;
     bool m_isReplaying = false;
     bool m_mayCoalesce = false;
-    Group m_next;                   ///< what begins with the next edit
-    Opened m_opened = Opened::none; ///< m_groups[m_done - 1] still takes edits
+    Group m_next;         ///< what begins with the next change
+    bool m_isOpen = false; ///< m_groups[m_done - 1] still takes changes
+    /// What takes back the changes of the group that is open, the last one first, the fewer edits the later.
+    std::vector<TextEdits> m_steps;
     State m_lastState;
 
-    void recordEdit(qsizetype position, const Rope &removed, const Rope &inserted) override;
-    void openGroup(const Edit &first);
-    [[nodiscard]] bool continuesLastGroup(const Edit &first) const;
+    void record(const TextChange &change);
+    void openGroup(const TextChange &first);
+    [[nodiscard]] bool continuesLastGroup(const TextEdits &first) const;
+    void addStep(TextEdits inverse);
     void closeGroup(TextSelection after);
-    void closeGroupOfBatch();
-    [[nodiscard]] TextSelection selectionAfterEdits() const;
-    static bool extendEdit(Edit &last, const Edit &next);
-    void keepHull(Group &group);
+    [[nodiscard]] Group &lastDone() { return m_groups[size_t(m_done) - 1]; }
+    void replay(Group &group, qsizetype done);
+    void forgetAll();
     void dropRedo();
     void dropOldGroups();
-    void replay(const std::function<void()> &edits, qsizetype done);
     void tellState();
 };

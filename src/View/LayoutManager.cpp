@@ -16,6 +16,7 @@ namespace {
 constexpr qsizetype unwrappedSegment = 384;
 constexpr qsizetype wrappedSegment = 4096;
 constexpr size_t longLineLimit = 256;
+constexpr size_t mostRowChanges = 64;
 
 /// The advances of the units of `text`, each on its own.
 std::vector<double> advancesOf(const QFont &font, const QString &text)
@@ -31,16 +32,6 @@ std::vector<double> advancesOf(const QFont &font, const QString &text)
     }
     return advances;
 }
-
-/// The first element of a list sorted by place that ends at or behind `offset`.
-template<class List, class RangeOf>
-auto firstTouching(List &list, qsizetype offset, RangeOf rangeOf)
-{
-    return std::partition_point(list.begin(), list.end(), [&](const auto &entry) { return rangeOf(entry).end() < offset; });
-}
-
-constexpr auto layoutRange = [](const std::unique_ptr<SegmentLayout> &layout) { return layout->range(); };
-constexpr auto lineRange = [](const LongLine &line) { return line.range(); };
 
 } // namespace
 
@@ -113,68 +104,69 @@ void LayoutManager::findWidest()
     }
 }
 
-void LayoutManager::textChanged(const TextChangeList &changes)
+void LayoutManager::textChanged(const TextChange &change)
 {
     m_revision = m_storage.revision();
-    if (std::exchange(m_isBehind, m_storage.hasUnreportedChanges()) || m_isBehind) {
-        forgetLayouts();
-        return;
-    }
-    for (const TextChange &change : changes) {
-        changeCache(change);
-        if (changes.size() == 1) {
-            changeLongLines(change);
-        }
-        if (wraps()) {
-            m_rows.linesChanged(m_storage.text().lineAt(change.position), change.removedLines, change.insertedLines);
-        }
-    }
-    if (changes.size() > 1) {
-        m_longLines.clear();
-    }
-    if (wraps() && m_rows.lineCount() != m_storage.text().lineCount()) {
-        // A pair of CR and LF that was made or broken between two lines moves the count by one; then nothing is known for sure.
-        m_rows.reset(m_storage.text().lineCount());
-    }
-    if (!wraps()) {
+    changeCache(change.edits);
+    changeLongLines(change);
+    if (wraps()) {
+        changeRows(change);
+    } else {
         findWidest();
     }
 }
 
-void LayoutManager::changeCache(const TextChange &change)
+void LayoutManager::changeCache(const TextEdits &edits)
 {
-    const auto first = firstTouching(m_cache, change.position, layoutRange);
-    auto last = first;
-    while (last != m_cache.end() && (*last)->range().location <= change.position + change.removed) {
-        ++last;
+    std::erase_if(m_cache, [&edits](const auto &layout) { return edits.touches(layout->range()); });
+    for (const auto &layout : m_cache) {
+        layout->moveBy(edits.shiftAt(layout->range().location));
     }
-    const auto rest = m_cache.erase(first, last);
-    const qsizetype distance = change.inserted - change.removed;
-    std::for_each(rest, m_cache.end(), [distance](const auto &layout) { layout->moveBy(distance); });
 }
 
+/// A line that is edited in one place keeps its other segments; one that is edited in several is cut anew.
 void LayoutManager::changeLongLines(const TextChange &change)
 {
-    const qsizetype distance = change.inserted - change.removed;
-    const bool isInside = change.removedLines == 0 && change.insertedLines == 0;
-    auto line = firstTouching(m_longLines, change.position, lineRange);
-    while (line != m_longLines.end() && line->range().location <= change.position + change.removed) {
-        const bool holdsAll = line->range().location <= change.position && change.position + change.removed <= line->range().end();
-        if (isInside && holdsAll) {
-            line->replaced(m_storage.text(), change.position, change.removed, change.inserted,
-                           [this](TextRange range) { return estimate(range); });
-            ++line;
+    const TextEdits &edits = change.edits;
+    const bool isWithinLine = edits.count() == 1 && change.isWithinLines();
+    std::erase_if(m_longLines, [&](const LongLine &line) {
+        return edits.touches(line.range()) && !(isWithinLine && line.range().contains(edits[0].range));
+    });
+    for (LongLine &line : m_longLines) {
+        if (edits.touches(line.range())) {
+            line.replaced(change.after, edits[0].range.location, edits[0].range.length, edits[0].text.length(),
+                          [this](TextRange range) { return estimate(range); });
         } else {
-            line = m_longLines.erase(line);
+            line.moveBy(edits.shiftAt(line.range().location));
         }
     }
-    std::for_each(line, m_longLines.end(), [distance](LongLine &later) { later.moveBy(distance); });
+}
+
+void LayoutManager::changeRows(const TextChange &change)
+{
+    const TextEdits &edits = change.edits;
+    if (edits.count() > mostRowChanges) {
+        // Rows between are soon counted anew, and until then nothing on the screen moves.
+        const ReplacedStretch hull = edits.hull();
+        const qsizetype first = change.after.lineAt(hull.location);
+        m_rows.linesChanged(first, change.before.lineAt(hull.location + hull.removed) - change.before.lineAt(hull.location),
+                            change.after.lineAt(hull.location + hull.inserted) - first);
+    } else {
+        for (size_t index = 0; index < edits.count(); ++index) {
+            m_rows.linesChanged(change.after.lineAt(edits.newRange(index).location), change.removedLines(index),
+                                change.insertedLines(index));
+        }
+    }
+    if (m_rows.lineCount() != change.after.lineCount()) {
+        // A pair of CR and LF that was made or broken between two lines moves the count by one; then nothing is known for sure.
+        m_rows.reset(change.after.lineCount());
+    }
 }
 
 void LayoutManager::stylesChanged(const std::vector<TextRange> &ranges)
 {
     for (const TextRange range : ranges) {
-        const auto first = firstTouching(m_cache, range.location, layoutRange);
+        const auto first = std::ranges::partition_point(m_cache, [range](const auto &other) { return other->range().end() < range.location; });
         auto last = first;
         while (last != m_cache.end() && (*last)->range().location < range.end()) {
             ++last;
@@ -195,16 +187,6 @@ void LayoutManager::setPreedit(Preedit preedit)
     }
 }
 
-/// Asked before it was told of an edit: what was laid out belongs to another text.
-void LayoutManager::catchUp()
-{
-    if (m_revision != m_storage.revision()) {
-        m_revision = m_storage.revision();
-        m_isBehind = true;
-        forgetLayouts();
-    }
-}
-
 LayoutManager::Line LayoutManager::lineAt(qsizetype line)
 {
     return lineFrom(line, m_storage.text().lineStart(line));
@@ -212,7 +194,7 @@ LayoutManager::Line LayoutManager::lineAt(qsizetype line)
 
 LayoutManager::Line LayoutManager::lineFrom(qsizetype line, qsizetype start)
 {
-    catchUp();
+    Q_ASSERT_X(m_revision == m_storage.revision(), "LayoutManager", "asked before it was told of a change");
     const Rope &text = m_storage.text();
     if (line + 1 >= text.lineCount()) {
         return {start, text.length() - start};

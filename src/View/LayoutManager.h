@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Text/LongLine.h"
-#include "Text/TextRange.h"
+#include "Text/TextEdits.h"
 #include "View/RowMap.h"
 #include "View/SegmentLayout.h"
 
@@ -65,9 +65,8 @@ public:
 
     [[nodiscard]] const Settings &settings() const { return m_settings; }
     void setSettings(Settings settings);
-    /// The storage already holds the new text. Should it be newer than that, since an observer edits while it is told of an edit, every
-    /// layout is forgotten.
-    void textChanged(const TextChangeList &changes);
+    /// The storage already holds the new text. Until it was told, the layout may not be asked for anything.
+    void textChanged(const TextChange &change);
     void stylesChanged(const std::vector<TextRange> &ranges);
     void setPreedit(Preedit preedit);
     [[nodiscard]] const Preedit &preedit() const { return m_preedit; }
@@ -142,17 +141,17 @@ private:
     void measureFont();
     void forgetLayouts();
     void findWidest();
-    void catchUp();
     [[nodiscard]] Line lineAt(qsizetype line);
     [[nodiscard]] Line lineFrom(qsizetype line, qsizetype start);
     [[nodiscard]] bool isLong(const Line &line) const { return line.length > m_segmentLength; }
     LongLine &longLine(const Line &line);
     void changeLongLines(const TextChange &change);
+    void changeRows(const TextChange &change);
     SegmentLayout &layout(TextRange range);
     [[nodiscard]] bool holdsPreedit(TextRange range) const;
     std::unique_ptr<SegmentLayout> makeLayout(TextRange range);
     void trimCache();
-    void changeCache(const TextChange &change);
+    void changeCache(const TextEdits &edits);
     /// The layout of one segment of a long line; its real size replaces the estimate.
     SegmentLayout &layoutSegment(LongLine &line, qsizetype lineNumber, int segment);
     SegmentLayout &layoutShort(qsizetype lineNumber, const Line &line);
@@ -169,9 +168,8 @@ private:
 
     const TextStorage &m_storage;
     Settings m_settings;
-    // The text that the layouts belong to; behind means that reports of older edits have yet to come.
+    // Of the text that the layouts belong to.
     quint64 m_revision = 0;
-    bool m_isBehind = false;
     Preedit m_preedit;
     RowMap m_rows;
     std::vector<LongLine> m_longLines;                   // by place in the text

@@ -6,13 +6,11 @@
 #include "Commands/Actions.h"
 #include "Text/PasteboardText.h"
 #include "Text/TextBoundaries.h"
-#include "Text/TextSearch.h"
 #include "Text/TextStorage.h"
 #include "View/TextViewAccessible.h"
 
 #include <QApplication>
 #include <QInputMethod>
-#include <QPointer>
 #include <QScopedValueRollback>
 
 #include <array>
@@ -209,168 +207,88 @@ void TextView::fadeIndicator()
     }
 }
 
-// The edit primitive
+// Editing
 
-bool TextView::shouldChangeText(TextRange range, QStringView replacement)
+bool TextView::apply(const TextEdits &edits, GroupKind kind, TextSelection after, Reveal reveal)
 {
-    Q_UNUSED(range)
-    Q_UNUSED(replacement)
-    return !isReadOnly();
-}
-
-bool TextView::replaceText(TextRange range, QStringView text, GroupKind kind, TextSelection after)
-{
-    const Replacement edit{range, text};
-    return replaceTexts({&edit, 1}, kind, after);
-}
-
-bool TextView::replaceTexts(std::span<const Replacement> edits, GroupKind kind, TextSelection after)
-{
-    if (!std::ranges::all_of(edits, [this](const Replacement &edit) { return shouldChangeText(edit.range, edit.text); })) {
+    if (isReadOnly()) {
         return false;
     }
     {
         const QScopedValueRollback<bool> editing(m_isEditing, true);
         m_undoManager.beginGroup(kind, selection(), this);
-        m_selectionToCome = after;
-        m_awaitsReport = true;
-        {
-            const EditBatch batch(m_storage);
-            qsizetype shift = 0;
-            for (const Replacement &edit : edits) {
-                m_storage.replaceCharacters({edit.range.location + shift, edit.range.length}, edit.text);
-                shift += edit.text.size() - edit.range.length;
-            }
-        }
+        m_storage.apply(edits);
         m_undoManager.endGroup(after);
-        if (m_storage.hasUnreportedChanges()) {
-            return true; // the caret goes there with the report
-        }
-        const TextSelection reached = std::exchange(m_selectionToCome, std::nullopt).value_or(after);
-        setCaret({reached.caret, Affinity::downstream, {}}, reached.anchor);
+        setCaret({after.caret, Affinity::downstream, {}}, after.anchor);
     }
-    revealCaret();
-    didChangeText();
+    revealCaret(reveal);
     return true;
 }
 
 void TextView::insertText(QStringView text, TextRange range)
 {
-    replaceText(range, text, GroupKind::other, TextSelection::at(range.location + text.length()));
+    apply({range, text}, GroupKind::other, TextSelection::at(range.location + text.length()));
 }
 
-void TextView::applyReplacement(const TextReplacement &replacement)
+void TextView::typeText(QStringView text)
 {
-    const QPointer<TextView> view(this);
-    TextStorage &storage = m_storage;
-    UndoManager &undo = m_undoManager;
-    const bool isStretch = replacement.edits.empty();
-    undo.beginGroup(GroupKind::other, selection(), this);
-    {
-        const EditBatch batch(storage);
-        qsizetype shift = 0;
-        for (const TextReplacement::Edit &edit : replacement.edits) {
-            if (shouldChangeText(edit.range, edit.text)) {
-                storage.replaceCharacters({edit.range.location + shift, edit.range.length}, edit.text);
-                shift += edit.text.size() - edit.range.length;
-            }
-        }
-        if (isStretch && shouldChangeText(replacement.hull, {})) {
-            storage.replaceCharacters(replacement.hull, replacement.hullText);
-        }
-    }
-    // Who hears of the edit may close the view.
-    if (view && isStretch) {
-        // The ends of a selection found their places one by one, and what is between them now is nobody's choice.
-        setSelection(TextSelection::at(selection().range().location));
-    }
-    undo.endGroup(view ? selection() : TextSelection());
-    if (view) {
-        didChangeText();
-    }
+    const TextRange range = selection().range();
+    apply({range, text}, GroupKind::typing, TextSelection::at(range.location + text.length()));
 }
 
 void TextView::removeRange(TextRange range, GroupKind kind)
 {
     if (!range.isEmpty()) {
-        replaceText(range, {}, kind, TextSelection::at(range.location));
+        apply({range, Rope()}, kind, TextSelection::at(range.location));
     }
 }
 
 // Following the storage
 
-void TextView::storageChanged(const TextChangeList &changes)
+void TextView::storageChanged(const TextChange &change)
 {
     const TextSelection before = selection();
-    m_layout.textChanged(changes);
-    m_port.textChanged(m_storage.text(), changes, m_isEditing ? Viewport::Editor::thisView : Viewport::Editor::another);
-    mapPlaces(changes);
-    if (m_storage.hasUnreportedChanges()) {
-        // An observer has gone on editing: what is to be shown is known with the last report.
-        m_isBehind = true;
-        return;
-    }
-    if (std::exchange(m_isBehind, false)) {
-        viewport()->update();
-    }
+    m_layout.textChanged(change);
+    m_port.textChanged(change, m_isEditing ? Viewport::Editor::thisView : Viewport::Editor::another);
+    mapPlaces(change);
     if (isComposing()) {
         movePreedit();
     }
     if (m_port.settle()) {
         viewport()->update();
     }
-    updateForChanges(changes);
-    sendAccessibleChanges(changes);
+    updateForChange(change);
+    sendAccessibleChange(change);
     viewMoved();
-    if (m_selectionToCome && !m_isEditing) {
-        setSelection(*std::exchange(m_selectionToCome, std::nullopt), Reveal::nearest);
-        didChangeText();
-    } else if (!m_isEditing && selection() != before) {
+    if (!m_isEditing && selection() != before) {
         sendAccessibleSelection(before);
         emit selectionChanged();
     }
 }
 
 /// Everything that remembers a place in the text goes where that text went.
-void TextView::mapPlaces(const TextChangeList &changes)
+void TextView::mapPlaces(const TextChange &change)
 {
-    const Rope &text = m_storage.text();
     m_shownCaret.reset();
-    const auto map = [&](qsizetype offset, LinePlace place, Bias bias) {
-        return TextBoundaries::snapped(text, mappedPlace(offset, place, text, changes, bias));
-    };
-    // What comes in at an end of a selection stays outside.
-    const bool isCaretFirst = m_caret.offset < m_anchor;
-    const bool isAnchorFirst = m_anchor < m_caret.offset;
-    m_caret = {map(m_caret.offset, m_caretPlace, isCaretFirst ? Bias::after : Bias::before), Affinity::downstream, {}};
-    m_anchor = map(m_anchor, m_anchorPlace, isAnchorFirst ? Bias::after : Bias::before);
-    m_caretPlace = LinePlace::of(text, m_caret.offset);
-    m_anchorPlace = LinePlace::of(text, m_anchor);
-    if (m_awaitsReport && (m_isEditing || !m_storage.hasUnreportedChanges())) {
-        m_awaitsReport = false;
-    } else if (m_selectionToCome && !m_awaitsReport) {
-        m_selectionToCome = mappedSelection(*m_selectionToCome, changes, Bias::before);
-    }
-    m_dragged = mappedRange(m_dragged, changes).clampedTo(text.length());
-    m_indicated = mappedRange(m_indicated, changes).clampedTo(text.length());
-    m_pointer.origin = mappedRange(m_pointer.origin, changes).clampedTo(text.length());
+    const TextSelection mapped = change.mapped(selection());
+    m_caret = {mapped.caret, Affinity::downstream, {}};
+    m_anchor = mapped.anchor;
+    m_dragged = change.mapped(m_dragged);
+    m_indicated = change.mapped(m_indicated);
+    m_pointer.origin = change.mapped(m_pointer.origin);
     if (m_dropCaret) {
-        m_dropCaret = std::min(mappedOffset(*m_dropCaret, changes, Bias::before), text.length());
+        m_dropCaret = change.mapped(*m_dropCaret, Bias::before);
     }
 }
 
-void TextView::updateForChanges(const TextChangeList &changes)
+void TextView::updateForChange(const TextChange &change)
 {
-    if (changes.empty()) {
+    const TextRange first = change.edits.newRange(0);
+    if (change.edits.count() == 1 && !m_layout.wraps() && change.isWithinLines()) {
+        updateRows(first);
         return;
     }
-    const TextChange &first = changes.front();
-    const bool isOneRow = changes.size() == 1 && !m_layout.wraps() && first.removedLines == 0 && first.insertedLines == 0;
-    if (isOneRow) {
-        updateRows({first.position, first.inserted});
-        return;
-    }
-    const auto top = m_port.topOf(m_layout.rowOf(m_storage.text().lineStart(m_storage.text().lineAt(first.position))));
+    const auto top = m_port.topOf(m_layout.rowOf(change.after.lineStart(change.after.lineAt(first.location))));
     viewport()->update(0, static_cast<int>(std::floor(top.value_or(0))), viewport()->width(), viewport()->height());
 }
 
@@ -409,8 +327,6 @@ void TextView::setCaret(const Caret &caret, qsizetype anchor)
     m_shownCaret.reset();
     m_caret = caret;
     m_anchor = anchor;
-    m_caretPlace = LinePlace::of(m_storage.text(), m_caret.offset);
-    m_anchorPlace = LinePlace::of(m_storage.text(), m_anchor);
     if (isComposing() && m_layout.preedit().offset != m_caret.offset) {
         movePreedit();
     }
@@ -570,7 +486,6 @@ void TextView::replay(std::optional<TextSelection> (UndoManager::*step)())
     const QScopedValueRollback<bool> editing(m_isEditing, true);
     if (const auto shown = (m_undoManager.*step)()) {
         setSelection(*shown, Reveal::nearest);
-        didChangeText();
     }
 }
 

@@ -11,18 +11,15 @@
 #include <QAbstractScrollArea>
 #include <QColor>
 
-#include <span>
-
 class Pasteboard;
 class QMenu;
 class QMimeData;
-struct TextReplacement;
 
 /// An editable view of a TextStorage: draws what is visible, moves the caret, takes keys, pointer, input methods and drops.
 ///
 /// Any number of views may show one storage; each has its own layout, caret and scroll position and follows the edits of the others.
-/// Every change of the text goes through replaceTexts(), so undo, highlighting and the other views never miss one. Offsets are UTF-16
-/// units. The storage, the undo manager and the services must outlive the view. Main thread only.
+/// Every change of the text goes through apply(), so undo, highlighting and the other views never miss one. Offsets are UTF-16 units. The
+/// storage, the undo manager and the services must outlive the view. Main thread only.
 class TextView : public QAbstractScrollArea, public Responder {
     Q_OBJECT
 
@@ -88,7 +85,10 @@ public:
     [[nodiscard]] double scrollOffset() { return m_port.position().y(); }
     void setScrollOffset(double pixels);
 
-    /// Replaces `range` by `text` as one undoable change and puts the caret behind it. Refused in a read-only view.
+    /// The one way by which this view changes its text: `edits` as one step of undo, and then the selection `after`. False, and nothing is
+    /// changed, when the view is read-only.
+    bool apply(const TextEdits &edits, GroupKind kind, TextSelection after, Reveal reveal = Reveal::nearest);
+    /// Puts `text` in place of `range` and the caret behind it.
     void insertText(QStringView text, TextRange range);
     /// Selects, and shows the caret at `place` instead of at the selection's end, until one of them changes; scrolls until it is seen.
     void showCaretAt(TextSelection selection, qsizetype place);
@@ -125,10 +125,6 @@ public:
     void goOnSelecting(QPointF point);
     void endSelecting();
 
-    /// Makes the edits of `replacement`, which is of the text as it is, as one step of undo; those that shouldChangeText() refuses are left
-    /// out. Of a stretch of new text it is asked once, without the text. The caret stays where its surroundings are.
-    void applyReplacement(const TextReplacement &replacement);
-
     [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
 
 signals:
@@ -141,25 +137,12 @@ signals:
     void contextMenuRequested(QMenu *menu, qsizetype offset);
 
 protected:
-    /// Asked before every change that begins in this view; false refuses it.
-    [[nodiscard]] virtual bool shouldChangeText(TextRange range, QStringView replacement);
-    virtual void didChangeText() {}
     /// Paints what is behind marks, selection and text of one row; `visible` is along the row.
     virtual void paintBehind(QPainter & /*painter*/, const Viewport::VisibleRow & /*row*/, Span /*visible*/) {}
     /// The units of the row that can be seen.
     [[nodiscard]] TextRange seenOf(const Viewport::VisibleRow &row, Span visible);
     /// Something is about to be undone or redone in this view.
     virtual void willReplay() {}
-    /// `text` in place of `range`, which is of the text before all edits of its step.
-    struct Replacement {
-        TextRange range;
-        QStringView text;
-    };
-    /// The one way by which this view changes its text: `edits`, ascending and apart, as one step of undo that is reported once, and then
-    /// the selection `after`. When shouldChangeText() refuses one of them nothing changes, and false is returned. Not inside a batch of the
-    /// storage.
-    bool replaceTexts(std::span<const Replacement> edits, GroupKind kind, TextSelection after);
-    bool replaceText(TextRange range, QStringView text, GroupKind kind, TextSelection after);
 
     /// What an input method has shown so far becomes text.
     void commitPreedit();
@@ -214,10 +197,10 @@ private:
     void applySettings(LayoutManager::Settings settings);
     [[nodiscard]] LayoutManager::Settings settingsForViewport() const;
     void replay(std::optional<TextSelection> (UndoManager::*step)());
-    void storageChanged(const TextChangeList &changes);
+    void storageChanged(const TextChange &change);
     void storageStylesChanged(const std::vector<TextRange> &ranges);
-    void mapPlaces(const TextChangeList &changes);
-    void updateForChanges(const TextChangeList &changes);
+    void mapPlaces(const TextChange &change);
+    void updateForChange(const TextChange &change);
     void setCaret(const Caret &caret, qsizetype anchor);
     void syncScrollBars();
     void viewMoved();
@@ -240,6 +223,7 @@ private:
     struct KeyCommand;
     [[nodiscard]] static const KeyCommand *commandFor(const QKeyEvent &event);
     void removeRange(TextRange range, GroupKind kind);
+    void typeText(QStringView text);
 
     void paintRow(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
@@ -261,7 +245,7 @@ private:
     bool dropText(const QString &text, qsizetype offset, TextRange taken);
     [[nodiscard]] TextRange granule(qsizetype offset, Granularity granularity) const;
 
-    void sendAccessibleChanges(const TextChangeList &changes);
+    void sendAccessibleChange(const TextChange &change);
     void sendAccessibleSelection(TextSelection before);
 
     TextStorage &m_storage;
@@ -285,16 +269,11 @@ private:
     Caret m_caret;
     qsizetype m_anchor = 0;
     std::optional<qsizetype> m_shownCaret;
-    // Where the two stand in the text that this view last heard of.
-    LinePlace m_caretPlace, m_anchorPlace;
-    // While this view edits: where the two will be, and whether the edit was reported yet. An observer may edit on in between.
-    std::optional<TextSelection> m_selectionToCome;
-    bool m_awaitsReport = false;
     Pointer m_pointer;
     std::optional<qsizetype> m_dropCaret;
     TextRange m_dragged;
+    // The change under way is this view's, which will say itself where its caret goes.
     bool m_isEditing = false;
-    bool m_isBehind = false;
     bool m_isSyncingScrollBars = false;
     bool m_isCaretOn = true;
     qsizetype m_preeditCaret = 0;
@@ -308,6 +287,4 @@ private:
     DelayedTask m_refining, m_widening;
     DelayedTask m_primarySettles;
     DelayedTask m_barsSettle;
-    // Only while a screen reader listens: what a removal took away.
-    std::optional<TextSnapshot> m_spoken;
 };

@@ -12,6 +12,8 @@ namespace {
 
 // What is copied out for one answer at the most; a screen reader that asks for "the text" gets its beginning.
 constexpr qsizetype answerLimit = 64 * 1024;
+/// Of more edits at once a screen reader hears as of one.
+constexpr size_t mostTold = 100;
 
 QAccessibleInterface *makeAccessible(const QString &, QObject *object)
 {
@@ -331,37 +333,38 @@ void TextViewAccessible::replaceText(int start, int end, const QString &text)
 
 // What a view tells
 
-void TextView::sendAccessibleChanges(const TextChangeList &changes)
+void TextView::sendAccessibleChange(const TextChange &change)
 {
     if (!QAccessible::isActive()) {
-        m_spoken.reset();
         return;
     }
-    const Rope &text = m_storage.text();
-    qsizetype moved = 0;
-    for (const TextChange &change : changes) {
-        const auto position = static_cast<int>(text.characterAt(change.position));
-        if (change.removed > 0 && m_spoken) {
-            const TextRange gone{change.position - moved, std::min(change.removed, answerLimit)};
-            QAccessibleTextRemoveEvent event(this, position, m_spoken->text.toString(gone.clampedTo(m_spoken->text.length())));
+    const auto spoken = [](const Rope &text, TextRange range) { return text.toString({range.location, std::min(range.length, answerLimit)}); };
+    const auto tell = [&](TextRange gone, TextRange fresh) {
+        const auto position = static_cast<int>(change.after.characterAt(fresh.location));
+        if (!gone.isEmpty()) {
+            QAccessibleTextRemoveEvent event(this, position, spoken(change.before, gone));
             QAccessible::updateAccessibility(&event);
         }
-        if (change.inserted > 0) {
-            QAccessibleTextInsertEvent event(this, position, text.toString({change.position, std::min(change.inserted, answerLimit)}));
+        if (!fresh.isEmpty()) {
+            QAccessibleTextInsertEvent event(this, position, spoken(change.after, fresh));
             QAccessible::updateAccessibility(&event);
         }
-        moved += change.inserted - change.removed;
+    };
+    const TextEdits &edits = change.edits;
+    if (edits.count() > mostTold) {
+        const ReplacedStretch hull = edits.hull();
+        tell({hull.location, hull.removed}, {hull.location, hull.inserted});
+        return;
     }
-    m_spoken = m_storage.snapshot();
+    for (size_t index = 0; index < edits.count(); ++index) {
+        tell(edits[index].range, edits.newRange(index));
+    }
 }
 
 void TextView::sendAccessibleSelection(TextSelection before)
 {
     if (!QAccessible::isActive()) {
         return;
-    }
-    if (!m_spoken) {
-        m_spoken = m_storage.snapshot();
     }
     const auto told = [&text = m_storage.text()](qsizetype offset) { return static_cast<int>(text.characterAt(offset)); };
     if (!before.isEmpty() || !selection().isEmpty()) {

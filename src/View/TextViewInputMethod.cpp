@@ -113,19 +113,18 @@ void TextView::inputMethodEvent(QInputMethodEvent *event)
 
 void TextView::commitText(const QInputMethodEvent &event)
 {
-    m_undoManager.beginGroup(GroupKind::typing, selection(), this);
-    TextRange range = selection().range();
-    if (event.replacementLength() > 0 || event.replacementStart() != 0) {
-        // The replacement counts from the caret, which after a selection is deleted stands at its start.
-        removeRange(range, GroupKind::typing);
-        const Rope &text = m_storage.text();
-        const qsizetype from = std::clamp<qsizetype>(m_caret.offset + event.replacementStart(), 0, text.length());
-        range = wholePairs(text, TextRange{from, event.replacementLength()}.clampedTo(text.length()));
-    }
     const QString text = event.commitString();
-    const TextSelection after = TextSelection::at(range.location + text.length());
-    replaceText(range, text, GroupKind::typing, after);
-    m_undoManager.endGroup(selection());
+    if (event.replacementLength() == 0 && event.replacementStart() == 0) {
+        typeText(text);
+        return;
+    }
+    // The replacement counts from the caret, which after a selection is deleted stands at its start.
+    const TextRange selected = selection().range();
+    const TextEdits removal(selected, Rope());
+    const Rope rest = removal.applied(m_storage.text());
+    const qsizetype from = std::clamp<qsizetype>(selected.location + event.replacementStart(), 0, rest.length());
+    const TextRange range = wholePairs(rest, TextRange{from, event.replacementLength()}.clampedTo(rest.length()));
+    apply(removal.followedBy({range, text}), GroupKind::typing, TextSelection::at(range.location + text.length()));
 }
 
 void TextView::movePreedit()

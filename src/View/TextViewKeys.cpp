@@ -162,9 +162,7 @@ void TextView::keyPressEvent(QKeyEvent *event)
         event->ignore();
         return;
     }
-    const TextRange range = selection().range();
-    const QString text = event->text();
-    replaceText(range, text, GroupKind::typing, TextSelection::at(range.location + text.length()));
+    typeText(event->text());
 }
 
 void TextView::move(Motion motion)
@@ -211,15 +209,13 @@ void TextView::deleteTo(Motion motion)
 void TextView::insertNewline()
 {
     commitPreedit();
-    const TextRange range = selection().range();
-    replaceText(range, u"\n", GroupKind::typing, TextSelection::at(range.location + 1));
+    typeText(u"\n");
 }
 
 void TextView::insertTab()
 {
     commitPreedit();
-    const TextRange range = selection().range();
-    replaceText(range, u"\t", GroupKind::typing, TextSelection::at(range.location + 1));
+    typeText(u"\t");
 }
 
 void TextView::insertBacktab()

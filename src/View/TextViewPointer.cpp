@@ -383,11 +383,16 @@ bool TextView::dropText(const QString &text, qsizetype offset, TextRange taken)
     if (!taken.isEmpty() && taken.location <= offset && offset <= taken.end()) {
         return true; // onto itself
     }
-    std::vector<Replacement> edits{{{offset, 0}, text}};
-    if (!taken.isEmpty()) {
-        edits.insert(taken.location < offset ? edits.begin() : edits.end(), {taken, {}});
+    const bool isTakenFirst = taken.location < offset;
+    TextEdits edits;
+    if (isTakenFirst) {
+        edits.add(taken, Rope());
     }
-    const qsizetype at = taken.location < offset ? offset - taken.length : offset;
+    edits.add({offset, 0}, Rope(text));
+    if (!isTakenFirst) {
+        edits.add(taken, Rope());
+    }
+    const qsizetype at = isTakenFirst ? offset - taken.length : offset;
     m_undoManager.breakCoalescing();
-    return replaceTexts(edits, GroupKind::other, {at, at + text.length()});
+    return apply(edits, GroupKind::other, {at, at + text.length()});
 }

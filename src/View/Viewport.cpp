@@ -18,20 +18,13 @@ qint64 Viewport::rowsPerPage() const
     return std::max<qint64>(1, static_cast<qint64>(m_size.height() / m_layout.rowHeight()));
 }
 
-void Viewport::textChanged(const Rope &text, const TextChangeList &changes, Editor editor)
+void Viewport::textChanged(const TextChange &change, Editor editor)
 {
     if (m_anchor == 0 && m_above <= 0) {
         m_held = 0;
         return; // the top of the text stays the top
     }
-    const auto map = [&](qsizetype offset, LinePlace place) {
-        const qsizetype mapped = mappedPlace(offset, place, text, changes, editor == Editor::thisView ? Bias::before : Bias::after);
-        return std::clamp<qsizetype>(mapped, 0, text.length());
-    };
-    m_anchor = map(m_anchor, {m_line, m_anchor - m_lineStart});
-    m_line = text.lineAt(m_anchor);
-    m_lineStart = text.lineStart(m_line);
-    m_held = m_anchor;
+    m_anchor = m_held = change.mapped(m_anchor, editor == Editor::thisView ? Bias::before : Bias::after);
 }
 
 RowPosition Viewport::topRow()
@@ -66,8 +59,6 @@ void Viewport::place(const RowPosition &row, double above)
         }
     }
     m_anchor = m_layout.wraps() ? m_layout.rangeOf(top).location : top.lineStart;
-    m_line = top.line;
-    m_lineStart = top.lineStart;
     m_held = m_anchor;
     m_above = m_layout.snapped(above);
 }
@@ -83,11 +74,6 @@ bool Viewport::settle()
     }
     setX(m_x);
     return before != std::tuple(m_anchor, m_above, m_x);
-}
-
-void Viewport::setAnchor(qsizetype offset, double pixelsAbove)
-{
-    place(m_layout.rowOf(offset), pixelsAbove);
 }
 
 std::vector<Viewport::VisibleRow> Viewport::rows(double top, double bottom)

@@ -39,10 +39,10 @@ public:
     /// Whole rows that fit, at least 1.
     [[nodiscard]] qint64 rowsPerPage() const;
 
-    /// Keeps the anchor on its text, of which `text` is the new state. Text that the user of this view inserts just before the top row
-    /// shall be seen, that of another goes above it.
+    /// Keeps the anchor on its text. Text that the user of this view inserts just before the top row shall be seen, that of another goes
+    /// above it.
     enum class Editor { thisView, another };
-    void textChanged(const Rope &text, const TextChangeList &changes, Editor editor);
+    void textChanged(const TextChange &change, Editor editor);
     /// Puts the anchor and the horizontal position back into what the layout has; call after text, size or settings changed. True
     /// when that moved what is on the screen.
     bool settle();
@@ -72,7 +72,6 @@ public:
     /// The first unit of the top row and the pixels of that row that are above the edge: a place to come back to.
     [[nodiscard]] qsizetype anchor() const { return m_anchor; }
     [[nodiscard]] double pixelsAbove() const { return m_above; }
-    void setAnchor(qsizetype offset, double pixelsAbove);
 
 private:
     void place(const RowPosition &row, double above);
@@ -83,9 +82,6 @@ private:
     QSizeF m_size{1, 1};
     Insets m_insets;
     qsizetype m_anchor = 0;
-    // The line that holds the anchor, and where it begins.
-    qsizetype m_line = 0;
-    qsizetype m_lineStart = 0;
     // What the rows made anew shall show at the top: the anchor as it was when the user last scrolled. Rows of every other width begin
     // elsewhere, and their starts would creep up the text while a window is resized.
     qsizetype m_held = 0;

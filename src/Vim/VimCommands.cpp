@@ -158,29 +158,22 @@ const std::array<VimEngine::CommandRow, 35> VimEngine::Tables::commands = {{
 
 // Editing
 
-bool VimEngine::edit(TextRange range, const Rope &text)
+bool VimEngine::edit(const TextEdits &edits)
 {
-    const VimTextView::Edit change{wholeCharacters(m_view.text(), range.clampedTo(m_view.text().length())), text};
-    const bool isDone = m_view.replace({&change, 1});
+    const bool isDone = !edits.isEmpty() && m_view.apply(edits);
     m_changedBuffer = m_changedBuffer || isDone;
     return isDone;
+}
+
+bool VimEngine::edit(TextRange range, const Rope &text)
+{
+    return edit(TextEdits(wholeCharacters(m_view.text(), range.clampedTo(m_view.text().length())), text));
 }
 
 TextRange VimEngine::charactersFrom(qsizetype caret, qsizetype count) const
 {
     const qsizetype end = std::min(caret + count, buffer().lineContentEnd(caret));
     return wholeCharacters(m_view.text(), TextRange::between(caret, std::max(end, caret)));
-}
-
-QString VimEngine::leadingWhitespace(qsizetype offset) const
-{
-    VimBuffer text = buffer();
-    const qsizetype start = text.lineStart(offset);
-    qsizetype end = start;
-    while (end < text.length() && isSpaceOrTab(text.at(end))) {
-        ++end;
-    }
-    return text.text().toString(TextRange::between(start, end));
 }
 
 void VimEngine::store(TextRange range, Span span)
@@ -242,7 +235,7 @@ void VimEngine::applyToSelection(OperatorKind kind)
 
 void VimEngine::changeRange(TextRange range, Span span)
 {
-    const QString indentation = span == Span::lines ? leadingWhitespace(range.location) : QString();
+    const QString indentation = span == Span::lines ? LineEditing::leadingBlanks(m_view.text(), range.location) : QString();
     beginInsertSession();
     if (!range.isEmpty()) {
         store(range, span);
@@ -254,37 +247,12 @@ void VimEngine::changeRange(TextRange range, Span span)
 
 void VimEngine::shiftLines(TextRange range, OperatorKind kind)
 {
-    VimBuffer text = buffer();
-    const QString unit = m_view.indentationUnit();
-    std::vector<VimTextView::Edit> edits;
-    const qsizetype start = text.lineStart(range.location);
-    const qsizetype last = std::max(range.end() - 1, range.location);
-    for (TextRange line = text.lineRange(start);; line = text.lineRange(line.end())) {
-        if (kind == OperatorKind::indent) {
-            if (!text.isEmptyLine(line)) {
-                edits.push_back({{line.location, 0}, Rope(unit)});
-            }
-        } else {
-            qsizetype removed = 0;
-            if (!line.isEmpty() && text.at(line.location) == u'\t') {
-                removed = 1;
-            } else {
-                while (removed < std::min(unit.size(), line.length) && text.at(line.location + removed) == u' ') {
-                    ++removed;
-                }
-            }
-            if (removed > 0) {
-                edits.push_back({{line.location, removed}, Rope()});
-            }
-        }
-        if (line.end() > last || line.end() >= text.length()) {
-            break;
-        }
-    }
-    if (!edits.empty() && m_view.replace(edits)) {
-        m_changedBuffer = true;
-    }
-    moveCaret(buffer().firstNonBlank(start));
+    using LineEditing::Breaks;
+    const TextRange block = selectedLines(m_view.text(), range);
+    const QString level = m_view.indentation().level();
+    edit(kind == OperatorKind::indent ? LineEditing::indentation(m_view.text(), block, level, Breaks::all)
+                                      : LineEditing::outdentation(m_view.text(), block, level.size(), Breaks::all));
+    moveCaret(buffer().firstNonBlank(block.location));
 }
 
 void VimEngine::changeCase(TextRange range, OperatorKind kind)
@@ -309,7 +277,7 @@ void VimEngine::enterInsert(qsizetype place)
 void VimEngine::openLine(Side side)
 {
     const TextRange line = buffer().lineRange(caret());
-    const QString indentation = leadingWhitespace(line.location);
+    const QString indentation = LineEditing::leadingBlanks(m_view.text(), line.location);
     const qsizetype place = side == Side::after ? line.end() : line.location;
     beginInsertSession();
     edit({place, 0}, Rope(QString(indentation + u'\n')));
@@ -330,26 +298,9 @@ void VimEngine::toggleCaseUnderCaret(qsizetype count)
 
 void VimEngine::joinLines(qsizetype count)
 {
-    m_view.beginUndoGroup();
-    for (qsizetype joined = 1; joined < count; ++joined) {
-        VimBuffer text = buffer();
-        const TextRange line = text.lineRange(caret());
-        const qsizetype end = text.lineContentEnd(line.location);
-        if (end >= line.end() || line.end() >= text.length()) {
-            break;
-        }
-        qsizetype next = line.end();
-        while (next < text.length() && isSpaceOrTab(text.at(next))) {
-            ++next;
-        }
-        const bool isGlued = end == line.location || isSpaceOrTab(text.at(end - 1)) ||
-                             (next < text.length() && (text.at(next) == u'\n' || text.at(next) == u'\r'));
-        if (!edit(TextRange::between(end, next), Rope(isGlued ? u""_s : u" "_s))) {
-            break;
-        }
-        moveCaret(end);
+    if (const auto step = LineEditing::joined(m_view.text(), caret(), count); step && edit(step->edits)) {
+        moveCaret(step->after.caret);
     }
-    m_view.endUndoGroup();
     resetPending();
 }
 
@@ -434,26 +385,14 @@ void VimEngine::moveLines(int by)
     const TextRange selected = m_view.selectedRange();
     const TextRange block =
         isVisual() ? linewiseRange(selected.location, std::max(selected.end() - 1, selected.location)) : text.lineRange(caret());
-    const bool isUp = by < 1;
-    if (isUp ? block.location == 0 : block.end() >= text.length()) {
+    const auto step = LineEditing::moved(text.text(), block, by < 1 ? LineEditing::Neighbour::before : LineEditing::Neighbour::behind);
+    if (!step) {
         resetPending();
         return;
     }
-    const TextRange other = text.lineRange(isUp ? block.location - 1 : block.end());
-    const TextRange whole = block.united(other);
-    Rope upper = text.text().slice(isUp ? block : other);
-    const bool hasBreak = !upper.isEmpty() && isBreak(upper.at(upper.length() - 1));
-    if (!hasBreak) {
-        upper.replace({upper.length(), 0}, u"\n");
-    }
-    const qsizetype upperLength = upper.length();
-    upper.replace({upper.length(), 0}, text.text().slice(isUp ? other : block));
-    if (!hasBreak) {
-        upper.replace({upper.length() - 1, 1}, QStringView());
-    }
-    const qsizetype start = isUp ? whole.location : whole.location + upperLength;
+    const qsizetype start = step->after.anchor;
     const bool wasVisual = isVisual();
-    edit(whole, upper);
+    edit(step->edits);
     if (wasVisual) {
         m_visualAnchor = start;
         moveCaret(std::max(start + block.length - 1, start));

@@ -149,6 +149,7 @@ private:
     [[nodiscard]] TextRange linewiseRange(qsizetype from, qsizetype to) const;
 
     // Operators and commands
+    bool edit(const TextEdits &edits);
     bool edit(TextRange range, const Rope &text);
     void apply(OperatorKind kind, TextRange range, Span span);
     void applyLinewiseOperator(OperatorKind kind, qsizetype count);
@@ -165,7 +166,6 @@ private:
     void paste(Side side, qsizetype count);
     void repeatLastChange();
     void moveLines(int by);
-    [[nodiscard]] QString leadingWhitespace(qsizetype offset) const;
     /// From the caret, `count` characters on, but not beyond the line.
     [[nodiscard]] TextRange charactersFrom(qsizetype caret, qsizetype count) const;
 

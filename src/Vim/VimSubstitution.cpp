@@ -59,9 +59,6 @@ TextReplacement VimSubstitution::replacementIn(const Rope &text, qsizetype caret
     const bool hasBreak = last == u'\n' || last == u'\r' || isLineSeparator(last);
     TextReplacement found =
         searcher.replacementOfAll(text.slice(line), {0, line.length + (hasBreak ? 0 : 1)}, replacement, occurrences, control);
-    for (TextReplacement::Edit &edit : found.edits) {
-        edit.range.location += line.location;
-    }
-    found.hull.location += line.location;
+    found.edits = found.edits.movedBy(line.location);
     return found;
 }

@@ -2,9 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Text/Rope.h"
-
-#include <span>
+#include "Text/LineEditing.h"
 
 struct Action;
 
@@ -14,19 +12,13 @@ enum class VimCaret { bar, block };
 /// What the modal editing of a text needs of the view that shows it. Offsets are UTF-16 units.
 class VimTextView {
 public:
-    /// `text` in place of `range`, which is of the text before all edits of its step.
-    struct Edit {
-        TextRange range;
-        Rope text;
-    };
-
     [[nodiscard]] virtual const Rope &text() const = 0;
     [[nodiscard]] virtual TextRange selectedRange() const = 0;
     /// Selects, and shows the caret at `caret`, one of the ends of `range` or the character before its end.
     virtual void select(TextRange range, qsizetype caret) = 0;
 
-    /// One change of the text: `edits`, ascending and apart. False when it was refused.
-    virtual bool replace(std::span<const Edit> edits) = 0;
+    /// One change of the text. False when it was refused.
+    virtual bool apply(const TextEdits &edits) = 0;
     /// As if it had been typed over the selection.
     virtual void insertText(const QString &text) = 0;
     virtual void undo() = 0;
@@ -44,8 +36,7 @@ public:
     /// Draws the eye to a search's hit.
     virtual void showIndicator(TextRange range) = 0;
 
-    /// One level of it: blanks or a tab.
-    [[nodiscard]] virtual QString indentationUnit() const = 0;
+    [[nodiscard]] virtual Indentation indentation() const = 0;
     virtual void toggleComment() = 0;
     virtual void setCaretLook(VimCaret look) = 0;
     /// Up the responder chain.

@@ -17,7 +17,7 @@ public:
         const MarkedText content(marked);
         {
             const UndoManager::Pause pause(undo);
-            storage.replaceCharacters({}, content.text);
+            storage.apply({{}, content.text});
         }
         view.resize(500, 300);
         view.show();

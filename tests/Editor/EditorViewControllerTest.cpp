@@ -229,7 +229,7 @@ TEST_F(EditorTest, TheBannerSaysWhatHappenedAndDoesItsWork)
     }
     editor->resize(usual);
     keep->setFocus();
-    text.storage().replaceCharacters({0, 2}, u"My");
+    text.storage().apply({{0, 2}, u"My"});
     write("their other version");
     pass(Scheduler::Milliseconds(1600));
     ASSERT_EQ(button(*editor, u"Keep Mine"_s), keep) << "a button that is being pressed stays";
@@ -277,13 +277,13 @@ TEST_F(EditorTest, TheRulerIsAsWideAsItsLargestNumber)
     const auto editor = open(text);
     LineNumberRulerView &ruler = editor->textView().ruler();
     const int three = ruler.thickness();
-    const auto insert = [&text](int count) { text.storage().replaceCharacters({0, 0}, QString(count, u'\n')); };
+    const auto insert = [&text](int count) { text.storage().apply({{0, 0}, QString(count, u'\n')}); };
     insert(998);
     EXPECT_EQ(ruler.thickness(), three);
     insert(1);
     EXPECT_GT(ruler.thickness(), three);
     EXPECT_EQ(editor->textView().viewport()->x(), ruler.thickness());
-    text.storage().replaceCharacters({0, 1}, QStringView());
+    text.storage().apply({{0, 1}, QStringView()});
     EXPECT_EQ(ruler.thickness(), three);
     ruler.setExplicitNumbers(LineNumberRulerView::Numbers{[](qsizetype line) { return std::optional<qint64>(12344 + line); }, 12345});
     EXPECT_EQ(ruler.lineCount(), 12345);

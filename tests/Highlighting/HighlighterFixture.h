@@ -18,7 +18,7 @@ struct Document {
     explicit Document(const Language &language, const QString &text = {})
         : highlighter(storage, language, Theme::dark(), scheduler, notifications)
     {
-        storage.replaceCharacters({0, 0}, text);
+        storage.apply({{0, 0}, text});
         for (const ScopeRow &row : scopes) {
             letters[storage.styles().intern(Theme::dark().attributes(row.scope))] = scopeLetters[size_t(row.scope)];
         }
@@ -39,8 +39,8 @@ struct Document {
             highlighter.ensureHighlighted({offset, 1});
         }
     }
-    void type(qsizetype location, const QString &text) { storage.replaceCharacters({location, 0}, text); }
-    void erase(qsizetype location, qsizetype length) { storage.replaceCharacters({location, length}, u""); }
+    void type(qsizetype location, const QString &text) { storage.apply({{location, 0}, text}); }
+    void erase(qsizetype location, qsizetype length) { storage.apply({{location, length}, u""}); }
 
     /// A letter for each unit; "?" for a style that is no scope's.
     [[nodiscard]] std::string colours(TextRange range) const

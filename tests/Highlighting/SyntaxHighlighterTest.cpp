@@ -159,7 +159,7 @@ TEST(SyntaxHighlighter, ColoursTheLinesOfAnEditAtOnce)
     EXPECT_EQ(document.refreshCount, 0);
 
     // Only what is really another is told: here one unit in the middle of a comment, which has the colour before it is asked for.
-    document.storage.replaceCharacters({0, document.storage.length()}, u"/* comment */ if\n");
+    document.storage.apply({{0, document.storage.length()}, u"/* comment */ if\n"});
     document.restyled.clear();
     document.type(5, u"x"_s);
     EXPECT_THAT(document.restyled, IsEmpty());
@@ -168,7 +168,7 @@ TEST(SyntaxHighlighter, ColoursTheLinesOfAnEditAtOnce)
     EXPECT_THAT(document.restyled, ElementsAre(TextRange{0, 13}));
 
     // What was inserted has its neighbour's look only until the line is coloured.
-    document.storage.replaceCharacters({0, document.storage.length()}, u"if a\n");
+    document.storage.apply({{0, document.storage.length()}, u"if a\n"});
     document.type(2, u" b"_s);
     EXPECT_EQ(document.colours(), "kk.....");
 
@@ -265,7 +265,7 @@ TEST(SyntaxHighlighter, AfterEditsIsAsIfTheTextHadJustBeenOpened)
             };
             from = snap(from);
             to = std::max(from, snap(to));
-            edited.storage.replaceCharacters(TextRange::between(from, to), pieces[size_t(below(qsizetype(pieces.size())))]);
+            edited.storage.apply({TextRange::between(from, to), pieces[size_t(below(qsizetype(pieces.size())))]});
             edited.ensureAll();
             if (step % 4 != 0) {
                 continue;
@@ -294,14 +294,15 @@ TEST(SyntaxHighlighter, WhatAnEditLeavesUncolouredIsColouredWhenItIsAskedFor)
                 edited.highlighter.ensureHighlighted({below(edited.storage.length()), below(2 * chunk)});
             }
             const qsizetype near = below(edited.storage.length() - 3 * chunk / 2);
-            {
-                const EditBatch batch(edited.storage);
-                for (qsizetype edits = 1 + below(3); edits > 0; --edits) {
-                    const qsizetype removed = below(4) == 0 ? below(600) : 0;
-                    const QString text = below(8) == 0 ? filled(below(900)) : pieces[size_t(below(qsizetype(pieces.size())))];
-                    edited.storage.replaceCharacters({near + below(chunk), removed}, text);
-                }
+            TextEdits batch;
+            for (qsizetype edits = 1 + below(3), from = near; edits > 0; --edits) {
+                const qsizetype removed = below(4) == 0 ? below(600) : 0;
+                const QString text = below(8) == 0 ? filled(below(900)) : pieces[size_t(below(qsizetype(pieces.size())))];
+                const TextRange place = TextRange{from + below(chunk / 4), removed}.clampedTo(edited.storage.length());
+                batch.add(place, Rope(text));
+                from = place.end();
             }
+            edited.storage.apply(batch);
             if (below(4) == 0) {
                 edited.scheduler.advance(120ms);
             }
@@ -333,7 +334,7 @@ TEST(SyntaxHighlighter, ColoursAllThatWasTypedSinceTheLastPause)
     EXPECT_EQ(document.colours({0, 6}), "kk.kkk");
 
     // What is too long for one pass is left to those who show it, and what shrinks to nothing meanwhile does no harm.
-    document.storage.replaceCharacters({0, document.storage.length()}, filled(2'000'000));
+    document.storage.apply({{0, document.storage.length()}, filled(2'000'000)});
     document.scheduler.advance(120ms);
     EXPECT_FALSE(document.isFresh(1'000'000));
     document.type(1'000'000, u"if"_s);
@@ -373,7 +374,7 @@ TEST(SyntaxHighlighter, GivesUpRulesThatCostTooMuch)
     EXPECT_EQ(document.highlighter.givenUpSearches(), rules * SyntaxHighlighter::mostGivenUp);
 
     // A rule that is off finds nothing, until all begins anew.
-    document.storage.replaceCharacters({0, document.storage.length()}, u"aab\n");
+    document.storage.apply({{0, document.storage.length()}, u"aab\n"});
     EXPECT_EQ(document.colours(), "....");
     document.highlighter.rehighlightAll();
     EXPECT_EQ(document.highlighter.givenUpSearches(), 0);

@@ -79,10 +79,10 @@ protected:
 TEST_F(DocumentTest, IsDirtyFromTheFirstEditAndCleanAgainWhenItIsTakenBack)
 {
     TextDocument &document = open("abc\n");
-    document.storage().replaceCharacters({0, 0}, u"x"_s);
+    document.storage().apply({{0, 0}, u"x"_s});
     EXPECT_TRUE(document.isDirty());
     EXPECT_EQ(takeHeard(), u"m"_s);
-    document.storage().replaceCharacters({0, 1}, QStringView());
+    document.storage().apply({{0, 1}, QStringView()});
     settle(350ms);
     EXPECT_TRUE(document.isDirty()) << "the comparison waits for a pause";
     settle(100ms);
@@ -108,8 +108,8 @@ TEST_F(DocumentTest, ALargeTextIsHashedElsewhereAndOldAnswersAreDropped)
     workers.isHeld = true;
     write(content);
     TextDocument &document = store.add(std::make_unique<TextDocument>(store.services(), path(), *TextFile::read(path())));
-    document.storage().replaceCharacters({0, 0}, u"x"_s);
-    document.storage().replaceCharacters({0, 1}, QStringView());
+    document.storage().apply({{0, 0}, u"x"_s});
+    document.storage().apply({{0, 1}, QStringView()});
     settle(500ms);
     EXPECT_TRUE(document.isDirty()) << "nobody knows yet";
     workers.finish();
@@ -117,10 +117,10 @@ TEST_F(DocumentTest, ALargeTextIsHashedElsewhereAndOldAnswersAreDropped)
     workers.finish();
     settle(50ms);
     EXPECT_FALSE(document.isDirty());
-    document.storage().replaceCharacters({5, 0}, u"x"_s);
-    document.storage().replaceCharacters({5, 1}, QStringView());
+    document.storage().apply({{5, 0}, u"x"_s});
+    document.storage().apply({{5, 1}, QStringView()});
     settle(450ms);
-    document.storage().replaceCharacters({9, 0}, u"y"_s);
+    document.storage().apply({{9, 0}, u"y"_s});
     workers.finish();
     settle(50ms);
     EXPECT_TRUE(document.isDirty()) << "the answer was about a text that is no more";
@@ -133,7 +133,7 @@ TEST_F(DocumentTest, AnAnswerAboutAnEarlierSaveCleansNothing)
 {
     workers.isHeld = true;
     TextDocument &document = open(QByteArray("0123456789abcde\n").repeated(int(TextDocument::largeText / 16) + 1));
-    document.storage().replaceCharacters({0, 0}, u"x"_s);
+    document.storage().apply({{0, 0}, u"x"_s});
     settle();
     ASSERT_TRUE(document.save(path()));
     document.setLineEnding(LineEnding::crlf);
@@ -150,7 +150,7 @@ TEST_F(DocumentTest, ALineOfMegabytesIsNotColoured)
     const auto coloured = [&document] { return document.highlighter()->language().id(); };
     EXPECT_EQ(document.language().id(), u"c"_s);
     EXPECT_EQ(coloured(), u"text"_s);
-    document.storage().replaceCharacters({7, 1'000'000}, QStringView());
+    document.storage().apply({{7, 1'000'000}, QStringView()});
     EXPECT_EQ(coloured(), u"c"_s) << "the line is short now";
     document.undoManager().undo();
     EXPECT_EQ(coloured(), u"text"_s);
@@ -170,7 +170,7 @@ TEST_F(DocumentTest, SavesUnderANewNameWithItsLanguage)
     ASSERT_TRUE(document.save(path(u"b.py"_s)));
     EXPECT_EQ(document.language().id(), u"c"_s);
     takeHeard();
-    document.storage().replaceCharacters({0, 0}, u"y"_s);
+    document.storage().apply({{0, 0}, u"y"_s});
     EXPECT_FALSE(document.save(folder.path() + u"/none/x"_s));
     EXPECT_TRUE(document.isDirty());
     EXPECT_EQ(document.path(), path(u"b.py"_s));
@@ -180,7 +180,7 @@ TEST_F(DocumentTest, SavesUnderANewNameWithItsLanguage)
 TEST_F(DocumentTest, RevertingForgetsAndReinterpretingCanBeUndone)
 {
     TextDocument &document = open("gr\xC3\xBC\xC3\x9F\n");
-    document.storage().replaceCharacters({0, 0}, u"x"_s);
+    document.storage().apply({{0, 0}, u"x"_s});
     takeHeard();
     ASSERT_TRUE(document.revertToFileOnDisk());
     EXPECT_EQ(document.storage().string(), u"grüß\n"_s);
@@ -240,7 +240,7 @@ TEST_F(DocumentTest, NoticesWhatOthersDo)
         const QString name = u"file%1.txt"_s.arg(++number);
         TextDocument &document = open("text\n", name);
         if (c.isEdited) {
-            document.storage().replaceCharacters({0, 0}, u"x"_s);
+            document.storage().apply({{0, 0}, u"x"_s});
             settle();
         }
         takeHeard();
@@ -260,7 +260,7 @@ TEST_F(DocumentTest, NoticesWhatOthersDo)
 TEST_F(DocumentTest, WhatWasReadBeforeASaveIsNotTakenAfterIt)
 {
     TextDocument &document = open("text\n");
-    document.storage().replaceCharacters({0, 0}, u"x"_s);
+    document.storage().apply({{0, 0}, u"x"_s});
     settle();
     workers.isHeld = true;
     put(path(), "other\n");
@@ -316,12 +316,12 @@ TEST_F(DocumentTest, TheOnlyCopyStaysDirtyUntilItIsSaved)
     QFile::remove(path());
     settle();
     ASSERT_EQ(document.externalState(), TextDocument::ExternalState::deleted);
-    document.storage().replaceCharacters({0, 0}, u"x"_s);
+    document.storage().apply({{0, 0}, u"x"_s});
     document.undoManager().undo();
     settle();
     EXPECT_TRUE(document.isDirty());
     ASSERT_TRUE(document.save(path()));
-    document.storage().replaceCharacters({0, 0}, u"x"_s);
+    document.storage().apply({{0, 0}, u"x"_s});
     document.undoManager().undo();
     settle();
     EXPECT_FALSE(document.isDirty());
@@ -330,10 +330,8 @@ TEST_F(DocumentTest, TheOnlyCopyStaysDirtyUntilItIsSaved)
 TEST(SaveTransformation, ReachesTheLastLineOnly)
 {
     const auto saved = [](const QString &text, bool trims, bool ends) {
-        Rope rope(text);
-        const SaveTransformation change = saveTransformation(rope, {.trimsTrailingWhitespace = trims, .ensuresTrailingNewline = ends});
-        rope.replace(change.range, change.replacement);
-        return rope.toString();
+        const Rope rope(text);
+        return saveTransformation(rope, {.trimsTrailingWhitespace = trims, .ensuresTrailingNewline = ends}).applied(rope).toString();
     };
     EXPECT_EQ(saved(u"a  \nb \t\n"_s, true, false), u"a  \nb\n"_s);
     EXPECT_EQ(saved(u"a  \nb \t"_s, true, true), u"a  \nb\n"_s);

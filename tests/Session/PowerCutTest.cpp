@@ -127,7 +127,7 @@ qsizetype PowerCutTest::noteVersion(const TextDocument &document)
 void PowerCutTest::edit(TextDocument &document)
 {
     const QString text = u"%1 %2\n"_s.arg(++lastText).arg(QString(random.below(60), u'ä'));
-    document.storage().replaceCharacters({0, document.storage().length() / 2}, text);
+    document.storage().apply({{0, document.storage().length() / 2}, text});
 }
 
 /// Half of the histories begin with a draft whose name is not its document's.

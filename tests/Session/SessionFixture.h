@@ -29,7 +29,7 @@ protected:
     }
     static void edit(TextDocument &document, const QString &text)
     {
-        document.storage().replaceCharacters({0, document.storage().length()}, text);
+        document.storage().apply({{0, document.storage().length()}, text});
     }
     /// A snapshot of one pane with these documents, as a window makes it.
     static SessionSnapshot sessionOf(SessionStore &store, const std::vector<TextDocument *> &documents)

@@ -240,14 +240,7 @@ TEST(TextSearch, Replaces)
         for (const int copies : {1, 1500}) {
             const Rope text(QString(row.before + u'\n').repeated(copies));
             const TextReplacement all = searcher.replacementOfAll(text, {0, text.length()}, replacement);
-            Rope changed = text;
-            for (auto edit = all.edits.rbegin(); edit != all.edits.rend(); ++edit) {
-                changed.replace(edit->range, edit->text);
-            }
-            if (all.edits.empty()) {
-                changed.replace(all.hull, all.hullText);
-            }
-            EXPECT_EQ(changed.toString(), QString(row.after + u'\n').repeated(copies)) << row.pattern.toStdString();
+            EXPECT_EQ(all.edits.applied(text).toString(), QString(row.after + u'\n').repeated(copies)) << row.pattern.toStdString();
         }
     }
     TextSearcher searcher = searcherOf(u"(?<=x)(a)"_s, u"r"_s);

@@ -181,10 +181,9 @@ TEST_F(Accessibility, TellsOfEditsFromElsewhere)
     ViewFixture fixture(u"abc def ghi"_s);
     fixture.view.setSelection({4, 7});
     takeHeard();
-    fixture.storage.beginEditing();
-    fixture.storage.replaceCharacters({8, 3}, u"G"_s);
-    fixture.storage.replaceCharacters({0, 3}, u"XY"_s);
-    fixture.storage.endEditing();
+    TextEdits edits({0, 3}, u"XY"_s);
+    edits.add({8, 3}, Rope(u"G"));
+    fixture.storage.apply(edits);
     EXPECT_EQ(takeHeard(), (QStringList{u"-0 abc"_s, u"+0 XY"_s, u"-7 ghi"_s, u"+7 G"_s, u"[3,6]"_s, u"@6"_s}));
 }
 

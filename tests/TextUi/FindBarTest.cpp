@@ -68,7 +68,7 @@ struct Editor {
         const MarkedText text(marked);
         {
             const UndoManager::Pause pause(undo);
-            storage.replaceCharacters({0, 0}, text.text);
+            storage.apply({{0, 0}, text.text});
         }
         auto *layout = new QVBoxLayout(&window);
         layout->setContentsMargins({});
@@ -152,7 +152,7 @@ TEST(FindBar, FindsWhileTypingAndGoesRoundFromHitToHit)
     EXPECT_EQ(editor.note(), u"↻ 1 of 1"_s) << "the other is no hit any more";
     editor.view->setSelection({0, 1});
     EXPECT_EQ(editor.note(), u"1 hit"_s);
-    editor.storage.replaceCharacters({0, 0}, u"ant "_s);
+    editor.storage.apply({{0, 0}, u"ant "_s});
     EXPECT_EQ(editor.note(), u"2 hits"_s);
 }
 
@@ -201,7 +201,7 @@ TEST(FindBar, SaysWhatIsWrongWithAnExpression)
     EXPECT_EQ(editor.message(), QString());
 
     const QString hard = (QString(60, u'a') + u"b\n"_s).repeated(50);
-    editor.storage.replaceCharacters({0, editor.storage.length()}, hard);
+    editor.storage.apply({{0, editor.storage.length()}, hard});
     editor.field(0)->setText(u"(a+)+$"_s);
     EXPECT_EQ(editor.note(), u"Not found"_s);
     EXPECT_THAT(editor.message().toStdString(), testing::HasSubstr("too hard")) << "so that nobody relies on it";
@@ -260,7 +260,7 @@ TEST(FindBar, TakesTheSelectionAndFollowsOtherWindows)
     editor.key(Qt::Key_R, Qt::AltModifier);
     editor.key(Qt::Key_Return);
     EXPECT_TRUE(other.button(u"Regular Expression"_s)->isChecked());
-    editor.storage.replaceCharacters({0, 0}, u"a.b "_s);
+    editor.storage.apply({{0, 0}, u"a.b "_s});
     editor.view->setSelection({0, 3});
     editor.perform(Actions::useSelectionForFind);
     EXPECT_EQ(other.field(0)->text(), u"a\\.b"_s) << "as an expression it stands for itself";
@@ -398,7 +398,7 @@ TEST(FindBar, SearchesALargeTextInTheBackground)
     ASSERT_EQ(editor.workers.count(), 1U);
     editor.scheduler.advance(200ms);
     EXPECT_EQ(editor.note(), u"Searching… 0 %"_s);
-    editor.storage.replaceCharacters({0, 0}, u"often "_s);
+    editor.storage.apply({{0, 0}, u"often "_s});
     editor.workers.release();
     EXPECT_EQ(editor.note(), QString()) << "counted in a text that is gone";
     editor.scheduler.advance(100ms);
@@ -410,7 +410,7 @@ TEST(FindBar, SearchesALargeTextInTheBackground)
 
     editor.field(0)->setText(u"rare"_s);
     ASSERT_EQ(editor.workers.count(), 1U);
-    editor.storage.replaceCharacters({0, 6}, u"XXXXXXXX"_s);
+    editor.storage.apply({{0, 6}, u"XXXXXXXX"_s});
     editor.workers.release();
     EXPECT_LT(std::abs(editor.view->selection().range().location - place), 1000);
     EXPECT_EQ(editor.view->selectedText(), u"rare"_s);
@@ -447,7 +447,7 @@ TEST(FindBar, ReplacesAllInALargeTextAsItIsThen)
     editor.type(u"often"_s);
     editor.field(1)->setText(u"always"_s);
     editor.button(u"Replace All"_s)->click();
-    editor.storage.replaceCharacters({0, 0}, u"not "_s);
+    editor.storage.apply({{0, 0}, u"not "_s});
     const QString before = editor.storage.string();
     editor.workers.release();
     EXPECT_EQ(editor.storage.string(), before) << "the text is another now";

@@ -29,7 +29,7 @@ TEST_P(Following, CaretAndSelectionGoWithTheirText)
     const MarkedText before(c.before);
     ViewFixture fixture(before.text);
     fixture.view.setSelection(before.selection);
-    fixture.storage.replaceCharacters(c.range, c.text);
+    fixture.storage.apply({c.range, c.text});
     EXPECT_EQ(fixture.marked(), c.after) << c.name;
 }
 
@@ -47,50 +47,15 @@ TEST(Following, TheMouseGoesOnSelectingFromTheTextItWasPressedOn)
     ViewFixture fixture(u"one two three four"_s);
     QWidget *target = fixture.view.viewport();
     QTest::mouseDClick(target, Qt::LeftButton, {}, fixture.pointOf(5));
-    fixture.storage.replaceCharacters({0, 4}, QStringView());
+    fixture.storage.apply({{0, 4}, QStringView()});
     const QPoint to = fixture.pointOf(11);
     QMouseEvent event(QEvent::MouseMove, to, target->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
     QApplication::sendEvent(target, &event);
     EXPECT_EQ(fixture.marked(), u"^two three four|"_s);
-    fixture.storage.replaceCharacters({0, fixture.storage.length()}, u"ab"_s);
+    fixture.storage.apply({{0, fixture.storage.length()}, u"ab"_s});
     QApplication::sendEvent(target, &event);
     EXPECT_LE(fixture.view.selection().range().end(), 2);
     (void)fixture.image();
-}
-
-TEST(Following, AnObserverMayEditInsideTheReportOfAnEdit)
-{
-    for (const TextView::WrapMode wrap : {TextView::WrapMode::none, TextView::WrapMode::viewWidth}) {
-        // Lines as long as what comes in: a layout that is moved once too often would stand for another line.
-        QString text;
-        for (int line = 10; line < 40; ++line) {
-            text += u"a%1\n"_s.arg(line);
-        }
-        ViewFixture fixture(text + QString(9000, u'x') + u"\nend"_s);
-        QObject::connect(&fixture.storage, &TextStorage::changed, &fixture.storage, [&](const TextChangeList &changes) {
-            if (fixture.storage.string({changes.front().position, 1}) == u"Z") {
-                fixture.storage.replaceCharacters({0, 0}, u"bbb\n"_s);
-            }
-        });
-        // It hears of the first edit when the storage holds both.
-        TextView late(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard}, testFont());
-        late.setTextFont(testFont());
-        late.setWrapMode(wrap);
-        late.resize(fixture.view.size());
-        late.show();
-        (void)late.viewport()->grab();
-        fixture.view.insertText(u"Z", {40, 0});
-        EXPECT_EQ(fixture.view.selection(), TextSelection::at(45));
-        late.layoutManager().checkInvariants();
-        TextView fresh(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard}, testFont());
-        fresh.setTextFont(testFont());
-        fresh.setWrapMode(wrap);
-        fresh.resize(fixture.view.size());
-        fresh.show();
-        late.scrollRows(4);
-        fresh.scrollRows(4);
-        EXPECT_EQ(late.viewport()->grab().toImage(), fresh.viewport()->grab().toImage());
-    }
 }
 
 TEST(Following, ReplacingEverywhereAndTakingItBackMovesNoOtherView)
@@ -107,11 +72,11 @@ TEST(Following, ReplacingEverywhereAndTakingItBackMovesNoOtherView)
     fixture.view.setSelection(TextSelection::at(fixture.view.textViewport().anchor() + 100));
     const qsizetype line = topLine(other);
     const qsizetype ownLine = topLine(fixture.view);
-    fixture.storage.beginEditing();
-    for (qsizetype hit = 2999; hit >= 0; --hit) {
-        fixture.storage.replaceCharacters({hit * 17 + 2, 4}, u"term of"_s);
+    TextEdits edits;
+    for (qsizetype hit = 0; hit < 3000; ++hit) {
+        edits.add({hit * 17 + 2, 4}, Rope(u"term of"_s));
     }
-    fixture.storage.endEditing();
+    fixture.storage.apply(edits);
     EXPECT_EQ(topLine(other), line);
     EXPECT_EQ(topLine(fixture.view), ownLine);
     EXPECT_EQ(fixture.storage.text().lineAt(other.selection().caret), 1200);
@@ -123,7 +88,7 @@ TEST(Following, ANewWidthKeepsTheTopOfTheView)
 {
     ViewFixture fixture((QString(u"lorem ipsum dolor sit amet "_s).repeated(185) + u"\n"_s).repeated(40), {400, 300});
     fixture.view.setWrapMode(TextView::WrapMode::viewWidth);
-    fixture.view.textViewport().setAnchor(100'000, 0);
+    scrollTo(fixture.view.textViewport(), fixture.view.layoutManager(), 100'000, 0);
     const qsizetype before = fixture.view.textViewport().anchor();
     for (int width = 400; width < 700; width += 7) {
         fixture.view.resize(width, 300);

@@ -134,11 +134,11 @@ TEST(InputMethod, ComposingStaysAtTheCaretThroughEdits)
     ViewFixture fixture(u"abcdef"_s);
     fixture.view.setSelection(TextSelection::at(3));
     compose(fixture, u"nihon"_s);
-    fixture.storage.replaceCharacters({0, 1}, u"12345"_s);
+    fixture.storage.apply({{0, 1}, u"12345"_s});
     EXPECT_EQ(fixture.view.layoutManager().preedit().offset, 7);
     fixture.view.insertText(u"XY", {7, 0});
     EXPECT_EQ(fixture.view.layoutManager().preedit().offset, fixture.view.selection().caret);
-    fixture.storage.replaceCharacters({0, fixture.storage.length()}, QStringView());
+    fixture.storage.apply({{0, fixture.storage.length()}, QStringView()});
     (void)fixture.image();
     commit(fixture, u"日本"_s);
     EXPECT_EQ(fixture.marked(), u"日本|"_s);

@@ -104,7 +104,7 @@ QImage freshPicture(ViewFixture &fixture, const Looks &looks)
     view.setFocus();
     (void)QTest::qWaitForWindowActive(&view);
     view.setSelection(fixture.view.selection());
-    view.textViewport().setAnchor(fixture.view.textViewport().anchor(), fixture.view.textViewport().pixelsAbove());
+    scrollTo(view.textViewport(), view.layoutManager(), fixture.view.textViewport().anchor(), fixture.view.textViewport().pixelsAbove());
     Canvas canvas(view);
     // How wide the rows are it learns by painting.
     (void)canvas.picture();

@@ -20,7 +20,7 @@ protected:
     {
         const MarkedText text(marked);
         const UndoManager::Pause pause(fixture.undo);
-        fixture.storage.replaceCharacters({0, fixture.storage.length()}, text.text);
+        fixture.storage.apply({{0, fixture.storage.length()}, text.text});
         fixture.view.setSelection(text.selection);
     }
     void moveTo(QPoint point)

@@ -200,7 +200,7 @@ TEST(TextView, PrimarySelectionIsPublishedLazilyAndPastedAtThePointer)
     fixture.view.setSelection({0, 3});
     EXPECT_FALSE(fixture.pasteboard.ownsPrimary());
     fixture.scheduler.advance(std::chrono::milliseconds(200));
-    fixture.storage.replaceCharacters({0, 1}, u"X"_s);
+    fixture.storage.apply({{0, 1}, u"X"_s});
     EXPECT_EQ(fixture.pasteboard.primaryText(), u"one"_s) << "what was selected, not what stands there now";
     fixture.pasteboard.setText(u"clip"_s);
     QTest::mouseClick(fixture.view.viewport(), Qt::MiddleButton, {}, fixture.pointOf(7));

@@ -41,7 +41,7 @@ QFont testFont()
 ViewFixture::ViewFixture(const QString &text, QSize size)
 {
     const UndoManager::Pause pause(undo);
-    storage.replaceCharacters({0, 0}, text);
+    storage.apply({{0, 0}, text});
     view.setTextFont(testFont());
     view.resize(size);
     view.show();

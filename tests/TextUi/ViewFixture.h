@@ -25,6 +25,14 @@ struct MarkedText {
 /// Keys as Vim users write them: `abc<Left><C-S-Right><BS><CR><Tab>`.
 void sendKeys(QWidget &widget, const QString &keys);
 
+/// Puts the row of `offset` so many pixels above the top edge.
+inline void scrollTo(Viewport &port, LayoutManager &layout, qsizetype offset, double pixelsAbove)
+{
+    const RowPosition row = layout.rowOf(offset);
+    port.reveal(row, Viewport::Reveal::center);
+    port.scrollBy(port.topOf(row).value_or(0) + pixelsAbove);
+}
+
 /// A view on a storage with everything around it injected; shown offscreen and active.
 class ViewFixture {
 public:

@@ -218,7 +218,7 @@ TEST_F(CommandsTest, ClosingAWindowAsksOnceForAllItsTexts)
     WorkspaceViewController &other = workspace(1);
     other.open({write(u"a"_s, "a"), write(u"b"_s, "b")});
     for (const auto &document : other.paneLayout().documents()) {
-        document->storage().replaceCharacters({}, u"x"_s);
+        document->storage().apply({{}, u"x"_s});
     }
     window(1).close();
     EXPECT_EQ(lastAlert(), u"You have 2 documents with unsaved changes."_s);
@@ -239,7 +239,7 @@ TEST_F(CommandsTest, QuittingStopsAtTheWindowThatIsKept)
 {
     preferences.set(Settings::autosaveDrafts, false); // else it asks nothing
     send(Actions::newWindow);
-    workspace(1).currentDocument()->storage().replaceCharacters({}, u"x"_s);
+    workspace(1).currentDocument()->storage().apply({{}, u"x"_s});
     bool isFinished = false;
     QObject::connect(&application, &AppDelegate::finished, &application, [&] { isFinished = true; });
     send(Actions::terminate);

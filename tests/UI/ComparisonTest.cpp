@@ -26,7 +26,7 @@ protected:
     {
         workspace().open({write(u"a.txt"_s, old)});
         TextStorage &storage = workspace().currentDocument()->storage();
-        storage.replaceCharacters({0, storage.length()}, edited);
+        storage.apply({{0, storage.length()}, edited});
         EXPECT_TRUE(send(Actions::compareWithFileOnDisk));
         return application.comparisons().back()->content();
     }
@@ -121,7 +121,7 @@ TEST_F(ComparisonTest, TellsThatThereIsNothingToSee)
     content.findChild<QCheckBox *>()->click();
     EXPECT_EQ(content.summary(), u"1 change   +1  \u22121"_s);
     EXPECT_EQ(content.currentChange(), -1);
-    workspace().currentDocument()->storage().replaceCharacters({0, 4}, u"a b\n");
+    workspace().currentDocument()->storage().apply({{0, 4}, u"a b\n"});
     send(Actions::compareWithFileOnDisk);
     EXPECT_EQ(application.comparisons().back()->content().summary(), u"The two files are identical"_s);
 }

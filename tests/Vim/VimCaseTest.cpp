@@ -531,7 +531,7 @@ TEST(VimCase, ModesActionsAndRefusedChanges)
 TEST(VimCase, LinesAreIndentedByTabsWhereThatIsTheUnit)
 {
     VimView view(u"  a\n\tb\n"_s);
-    view.indentation = u"\t"_s;
+    view.indent.unit = Indentation::Unit::tab;
     view.press(u"2<lt><lt>"_s);
     EXPECT_EQ(view.string(), u" a\nb\n"_s);
     view.press(u"2>>"_s);

@@ -21,7 +21,7 @@ public:
     {
         {
             const UndoManager::Pause pause(undoManager);
-            storage.replaceCharacters({}, content);
+            storage.apply({{}, content});
         }
         preferences.set(Settings::vimSharesClipboard, false);
     }
@@ -67,26 +67,21 @@ public:
         const qsizetype from = TextBoundaries::snapped(text(), range.location);
         selected = TextRange::between(from, std::max(from, TextBoundaries::snapped(text(), range.end())));
     }
-    bool replace(std::span<const Edit> edits) override
+    bool apply(const TextEdits &edits) override
     {
         if (isReadOnly) {
             return false;
         }
         undoManager.beginGroup(GroupKind::other, TextSelection::at(selected.location), this);
-        qsizetype shift = 0;
-        for (const Edit &edit : edits) {
-            storage.replaceCharacters({edit.range.location + shift, edit.range.length}, edit.text);
-            shift += edit.text.length() - edit.range.length;
-        }
-        selected = {edits.front().range.location, 0};
+        storage.apply(edits);
+        selected = {edits[0].range.location, 0};
         undoManager.endGroup(TextSelection::at(selected.location));
         return true;
     }
     void insertText(const QString &inserted) override
     {
-        const Edit edit{selected, Rope(inserted)};
         const qsizetype end = selected.location + inserted.size();
-        if (replace({&edit, 1})) {
+        if (apply({selected, inserted})) {
             select({end, 0}, end);
         }
     }
@@ -99,7 +94,7 @@ public:
     void centerSelection() override { actions << QStringLiteral("center"); }
     void revealSelection() override { actions << QStringLiteral("reveal"); }
     void showIndicator(TextRange range) override { indicator = range; }
-    [[nodiscard]] QString indentationUnit() const override { return indentation; }
+    [[nodiscard]] Indentation indentation() const override { return indent; }
     void toggleComment() override { actions << QStringLiteral("toggleComment"); }
     void setCaretLook(VimCaret look) override { caretLook = look; }
     void perform(const Action &action) override { actions << action.name(); }
@@ -117,7 +112,7 @@ public:
     qsizetype caret = 0;
     std::optional<TextRange> visible;
     TextRange indicator;
-    QString indentation = QStringLiteral("    ");
+    Indentation indent;
     QStringList commandLines;
     bool isReadOnly = false;
     VimCaret caretLook = VimCaret::bar;

@@ -49,15 +49,7 @@ void checkReplacing(TextSearcher &searcher, const QString &text, const std::vect
     }
     const bool wasHard = searcher.gaveUp();
     const TextReplacement all = searcher.replacementOfAll(rope, {0, rope.length()}, *format);
-    QString result = text;
-    if (all.edits.empty()) {
-        result.replace(all.hull.location, all.hull.length, all.hullText.toString());
-    } else {
-        for (auto edit = all.edits.rbegin(); edit != all.edits.rend(); ++edit) {
-            REQUIRE(edit == all.edits.rbegin() || edit->range.end() <= std::prev(edit)->range.location);
-            result.replace(edit->range.location, edit->range.length, edit->text);
-        }
-    }
+    const QString result = all.edits.applied(rope).toString();
     // What was too hard once is left out from then on.
     if (wasHard || searcher.gaveUp()) {
         return;

@@ -21,7 +21,7 @@ public:
         for (int i = 1; i < 3; ++i) {
             (void)m_storage.styles().intern({.foreground = i});
         }
-        QObject::connect(&m_storage, &TextStorage::changed, [this](const TextChangeList &changes) { follow(changes); });
+        QObject::connect(&m_storage, &TextStorage::changed, [this](const TextChange &change) { follow(change); });
         m_texts.push_back({});
         m_follower = {};
     }
@@ -64,14 +64,12 @@ private:
             break;
         case Action::group:
             beginGroup();
-            m_storage.beginEditing();
             for (int edits = m_input.ConsumeIntegralInRange(0, 40); edits > 0; --edits) {
                 m_input.ConsumeBool() ? edit() : editWithPiece();
                 if (m_input.ConsumeIntegralInRange(0, 3) == 0) {
                     style();
                 }
             }
-            m_storage.endEditing();
             endGroup();
             break;
         case Action::style:
@@ -130,7 +128,7 @@ private:
         if (m_text.size() + inserted.size() > size_t(longestText)) {
             inserted.clear();
         }
-        m_storage.replaceCharacters(where, QStringView(inserted));
+        m_storage.apply({where, QStringView(inserted)});
         m_small.replace(where, QStringView(inserted));
         replaceInModel(where, inserted);
     }
@@ -144,7 +142,7 @@ private:
             inserted.clear();
         }
         const TextRange taken{source.location, qsizetype(inserted.size())};
-        m_storage.replaceCharacters(where, m_storage.text().slice(taken));
+        m_storage.apply({where, m_storage.text().slice(taken)});
         m_small.replace(where, m_small.slice(taken));
         replaceInModel(where, inserted);
     }
@@ -225,11 +223,11 @@ private:
     }
 
     /// What an observer makes of the reports must be the text.
-    void follow(const TextChangeList &changes)
+    void follow(const TextChange &change)
     {
-        for (const TextChange &change : changes) {
-            m_follower.replace(size_t(change.position), size_t(change.removed),
-                               m_storage.string({change.position, change.inserted}).toStdU16String());
+        for (size_t index = 0; index < change.edits.count(); ++index) {
+            const TextRange fresh = change.edits.newRange(index);
+            m_follower.replace(size_t(fresh.location), size_t(change.edits[index].range.length), m_storage.string(fresh).toStdU16String());
         }
     }
 

@@ -39,7 +39,7 @@ QJsonObject runHighlight(const Arguments &arguments)
     const Language language = id ? *LanguageRegistry::withID(*id) : LanguageRegistry::detect(path, firstLineOf(contents->text));
 
     TextStorage storage;
-    storage.replaceCharacters({0, 0}, contents->text);
+    storage.apply({{}, contents->text});
     ManualScheduler scheduler;
     NotificationCenter notifications;
     SyntaxHighlighter highlighter(storage, language, themeOfScopes(), scheduler, notifications);
