@@ -261,6 +261,42 @@ void substitution(benchmark::State &state)
     }
 }
 
+/// A letter at many carets in one step, with all that hears of it but the painting.
+void carets(benchmark::State &state)
+{
+    const qsizetype count = state.range(0);
+    Stage stage(state.range(1));
+    TextView &view = stage.editor->textView();
+    view.setWrapMode(state.range(2) != 0 ? TextView::WrapMode::viewWidth : TextView::WrapMode::none);
+    const Rope letter(u"x");
+    double longest = 0;
+    for (auto _ : state) {
+        for (qsizetype typed = 0; typed < 5; ++typed) {
+            const qsizetype distance = view.storage().length() / count;
+            TextEdits edits;
+            for (qsizetype caret = 0; caret < count; ++caret) {
+                edits.add({caret * distance, 0}, letter);
+            }
+            const double start = now();
+            view.apply(edits, GroupKind::typing, TextSelection::at(1));
+            longest = std::max(longest, now() - start);
+            QCoreApplication::processEvents();
+        }
+        const double start = now();
+        view.undo();
+        state.counters["ms_undo"] = (now() - start) / 1000;
+    }
+    state.counters["ms_letter"] = longest / 1000;
+}
+
+BENCHMARK(carets)
+    ->ArgNames({"carets", "units", "wraps"})
+    ->Args({10'000, 200'000, 0})
+    ->Args({10'000, 1'000'000, 0})
+    ->Args({10'000, 1'000'000, 1})
+    ->Args({100'000, 100'000'000, 0})
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(substitution)->Name("substitution, 100 MB")->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(modalJumps)->Name("modal jumps, 100 MB")->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(modalKeys)->Name("modal keys in C")->Arg(20'000)->Arg(100'000'000)->Iterations(1)->Unit(benchmark::kMillisecond);

@@ -237,6 +237,44 @@ void styleWindow(benchmark::State &state)
 }
 BENCHMARK(styleWindow)->ArgName("changes")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
+/// A letter at many carets at once, four times, which is one group of undo in the end; then its undo.
+void typeAtCarets(benchmark::State &state)
+{
+    const qsizetype carets = state.range(0);
+    const qsizetype distance = state.range(1) / carets;
+    const Rope text = loadedRope().slice({0, state.range(1)});
+    const Rope letter(u"x");
+    double undoTime = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        TextStorage storage;
+        UndoManager undo(storage, [] { return std::chrono::milliseconds(0); });
+        storage.apply({{}, text});
+        for (qsizetype typed = 0; typed < 4; ++typed) {
+            TextEdits edits;
+            for (qsizetype caret = 0; caret < carets; ++caret)
+                edits.add({caret * (distance + typed) + typed, 0}, letter);
+            state.ResumeTiming();
+            undo.beginGroup(GroupKind::typing, {}, nullptr);
+            storage.apply(edits);
+            undo.endGroup({});
+            state.PauseTiming();
+        }
+        const auto start = std::chrono::steady_clock::now();
+        undo.undo();
+        undoTime = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+        state.ResumeTiming();
+    }
+    state.counters["undo ms"] = undoTime;
+    state.counters["ms a letter"] = benchmark::Counter(4e-3, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+BENCHMARK(typeAtCarets)
+    ->ArgNames({"carets", "units"})
+    ->Args({10'000, 200'000})
+    ->Args({10'000, 100'000'000})
+    ->Args({100'000, 100'000'000})
+    ->Unit(benchmark::kMillisecond);
+
 /// A million replacements in one batch and one undo group, then its undo.
 void replaceAll(benchmark::State &state)
 {

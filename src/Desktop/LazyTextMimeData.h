@@ -7,7 +7,7 @@
 #include <functional>
 
 /// Plain text for a clipboard or a drag that is made only when somebody asks for it: selecting or dragging 100 MB costs nothing.
-class LazyTextMimeData final : public QMimeData {
+class LazyTextMimeData : public QMimeData {
     Q_OBJECT
 
 public:

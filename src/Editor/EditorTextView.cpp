@@ -64,7 +64,7 @@ bool EditorTextView::event(QEvent *event)
 
 void EditorTextView::keyPressEvent(QKeyEvent *event)
 {
-    if (cancelsPreedit(*event) || (m_vim && m_vim->handleKey(*event))) {
+    if (input().isCancelledBy(*event) || (m_vim && m_vim->handleKey(*event))) {
         event->accept();
         return;
     }
@@ -119,7 +119,7 @@ void EditorTextView::run(const std::optional<TextStep> &step, GroupKind kind)
 
 void EditorTextView::insertTab()
 {
-    commitPreedit();
+    input().commit();
     const TextRange selected = selection().range();
     const Rope &text = storage().text();
     if (text.lineAt(selected.location) != text.lineAt(selected.end())) {
@@ -138,7 +138,7 @@ void EditorTextView::insertBacktab()
 
 void EditorTextView::shiftSelectedLines(LineEditing::Shift shift)
 {
-    commitPreedit();
+    input().commit();
     run(LineEditing::shifted(storage().text(), selection().range(), shift, m_indentation));
 }
 
@@ -148,13 +148,13 @@ void EditorTextView::insertNewline()
         TextView::insertNewline();
         return;
     }
-    commitPreedit();
+    input().commit();
     run(LineEditing::brokenLine(storage().text(), selection().range(), m_indentation), GroupKind::typing);
 }
 
 void EditorTextView::deleteBackward()
 {
-    commitPreedit();
+    input().commit();
     const TextSelection selected = selection();
     const auto step = selected.isEmpty() && m_indentation.unit == Indentation::Unit::spaces
                           ? LineEditing::unindented(storage().text(), selected.caret, m_indentation.width)
@@ -172,19 +172,19 @@ void EditorTextView::toggleComment()
         m_beep();
         return;
     }
-    commitPreedit();
+    input().commit();
     run(LineEditing::commentToggled(storage().text(), selection().range(), *m_language.lineComment()));
 }
 
 void EditorTextView::duplicateLine()
 {
-    commitPreedit();
+    input().commit();
     run(LineEditing::duplicated(storage().text(), selection().range()));
 }
 
 void EditorTextView::deleteLine()
 {
-    commitPreedit();
+    input().commit();
     run(LineEditing::deleted(storage().text(), selection().range()));
 }
 
@@ -196,42 +196,37 @@ void EditorTextView::focusInEvent(QFocusEvent *event)
     emit activated();
 }
 
-void EditorTextView::mousePressEvent(QMouseEvent *event)
+bool EditorTextView::viewportEvent(QEvent *event)
 {
-    emit activated();
-    TextView::mousePressEvent(event);
-}
-
-void EditorTextView::dragEnterEvent(QDragEnterEvent *event)
-{
-    if (filesOf(*event).isEmpty()) {
-        TextView::dragEnterEvent(event);
-        return;
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+        emit activated();
+        break;
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
+        if (takesFiles(static_cast<QDropEvent &>(*event))) {
+            return true;
+        }
+        break;
+    default:
+        break;
     }
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
+    return TextView::viewportEvent(event);
 }
 
-void EditorTextView::dragMoveEvent(QDragMoveEvent *event)
+/// True when what is dragged are files for the editor.
+bool EditorTextView::takesFiles(QDropEvent &event)
 {
-    if (filesOf(*event).isEmpty()) {
-        TextView::dragMoveEvent(event);
-        return;
-    }
-    setDropCaret({});
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-}
-
-void EditorTextView::dropEvent(QDropEvent *event)
-{
-    const QStringList paths = filesOf(*event);
+    const QStringList paths = filesOf(event);
     if (paths.isEmpty()) {
-        TextView::dropEvent(event);
-        return;
+        return false;
     }
-    setDropCaret({});
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-    emit filesDropped(paths);
+    pointer().setDropCaret({});
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
+    if (event.type() == QEvent::Drop) {
+        emit filesDropped(paths);
+    }
+    return true;
 }

@@ -57,10 +57,7 @@ protected:
     void inputMethodEvent(QInputMethodEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
-    void mousePressEvent(QMouseEvent *event) override;
-    void dragEnterEvent(QDragEnterEvent *event) override;
-    void dragMoveEvent(QDragMoveEvent *event) override;
-    void dropEvent(QDropEvent *event) override;
+    bool viewportEvent(QEvent *event) override;
 
 private:
     friend class EditorVim;
@@ -69,6 +66,7 @@ private:
     [[nodiscard]] bool canToggleComment() const;
     void run(const std::optional<TextStep> &step, GroupKind kind = GroupKind::other);
     void addCommands(QMenu *menu);
+    bool takesFiles(QDropEvent &event);
 
     EditorVim *m_vim = nullptr;
     std::function<void()> m_beep;

@@ -164,7 +164,7 @@ void EditorViewController::applyPreferences()
     applyIndentation();
     m_textView->setAutoIndent(preferences.value(Settings::autoIndent) ? EditorTextView::AutoIndent::on : EditorTextView::AutoIndent::off);
     const auto visibility = [](bool isShown) { return isShown ? TextView::Visibility::shown : TextView::Visibility::hidden; };
-    m_textView->setInvisibles(visibility(preferences.value(Settings::showInvisibles)));
+    m_textView->setLook(&TextLooks::invisibles, visibility(preferences.value(Settings::showInvisibles)));
     m_textView->setLineNumbers(visibility(preferences.value(Settings::showLineNumbers)));
     const auto wrapMode = preferences.value(Settings::wrapLines) ? TextView::WrapMode::viewWidth : TextView::WrapMode::none;
     if (m_textView->wrapMode() != wrapMode) {

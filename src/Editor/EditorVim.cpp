@@ -134,7 +134,7 @@ bool EditorVim::handleKey(const QKeyEvent &event)
         m_engine->resumeInsertSession();
         if (m_engine->wants(key)) {
             // What ends the mode would have it typed as commands.
-            m_view.commitPreedit();
+            m_view.input().commit();
         }
     } else if (!m_engine->wants(key)) {
         // Keys of the view that modal editing has nothing in place of: chords, and modifiers by themselves.
@@ -275,7 +275,7 @@ TextRange EditorVim::visibleRange() const
 
 void EditorVim::centerSelection()
 {
-    m_view.centerSelection();
+    m_view.revealCaret(TextView::Reveal::center);
 }
 
 void EditorVim::revealSelection()
@@ -300,7 +300,7 @@ void EditorVim::toggleComment()
 
 void EditorVim::setCaretLook(VimCaret look)
 {
-    m_view.setCaretShape(look == VimCaret::bar ? TextView::CaretShape::bar : TextView::CaretShape::block);
+    m_view.setLook(&TextLooks::caretShape, look == VimCaret::bar ? TextView::CaretShape::bar : TextView::CaretShape::block);
 }
 
 void EditorVim::perform(const Action &action)

@@ -162,20 +162,21 @@ void LineNumberRulerView::mousePressEvent(QMouseEvent *event)
     }
     m_client.setFocus(Qt::MouseFocusReason);
     const bool isExtended = event->modifiers().testFlag(Qt::ShiftModifier);
-    m_client.beginSelectingLines(besideText(*event), isExtended ? TextView::LineSelection::extended : TextView::LineSelection::anew);
+    using enum TextViewPointer::LineSelection;
+    m_client.pointer().beginSelectingLines(besideText(*event), isExtended ? extended : anew);
 }
 
 void LineNumberRulerView::mouseMoveEvent(QMouseEvent *event)
 {
     if (event->buttons() & Qt::LeftButton) {
-        m_client.goOnSelecting(besideText(*event));
+        m_client.pointer().goOnSelecting(besideText(*event));
     }
 }
 
 void LineNumberRulerView::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::LeftButton) {
-        m_client.endSelecting();
+        m_client.pointer().endSelecting();
     }
 }
 

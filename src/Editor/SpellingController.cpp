@@ -49,7 +49,7 @@ SpellingController::SpellingController(TextView &view, SyntaxHighlighter *highli
 
 SpellingController::~SpellingController()
 {
-    m_view.setMisspellings({});
+    m_view.setLook(&TextLooks::misspellings, {});
 }
 
 void SpellingController::setLanguage(const Language &language)
@@ -119,7 +119,7 @@ bool SpellingController::isBeingTyped(TextRange word) const
 void SpellingController::toggleContinuous()
 {
     m_isContinuous = !m_isContinuous;
-    m_view.setMisspellings(m_isContinuous ? [this](TextRange seen) { return misspellingsIn(seen); } : TextView::MarkProvider());
+    m_view.setLook(&TextLooks::misspellings, m_isContinuous ? [this](TextRange seen) { return misspellingsIn(seen); } : TextView::MarkProvider());
     m_view.viewport()->update();
 }
 

@@ -53,24 +53,18 @@ void SubstitutionRunner::run(TextView &view, const VimSubstitution &substitution
 
 void SubstitutionRunner::start()
 {
-    const auto search = [substitution = m_substitution, snapshot = m_view->storage().snapshot()](const std::stop_token &stop) {
+    const auto search = [substitution = m_substitution](const Rope &text, const std::stop_token &stop) {
         auto searcher = substitution.searcher();
-        TextReplacement replacement = substitution.replacementIn(snapshot.text, 0, *searcher, {.stop = stop, .searched = nullptr});
-        return Outcome{std::move(replacement), searcher->gaveUp()};
+        TextReplacement replacement = substitution.replacementIn(text, 0, *searcher, {.stop = stop, .searched = nullptr});
+        return ReplacementSearch::Found{std::move(replacement), searcher->gaveUp()};
     };
-    m_search = BackgroundTask::start(m_services.workers, search, [this, revision = m_view->storage().revision()](const Outcome &outcome) {
-        if (m_view->storage().revision() != revision) {
-            start();
-        } else {
-            arrive(outcome);
-        }
-    });
+    m_search.start(m_view->storage(), m_services.workers, search, [this](const ReplacementSearch::Found &found) { arrive(found); });
 }
 
-void SubstitutionRunner::arrive(const Outcome &outcome)
+void SubstitutionRunner::arrive(const ReplacementSearch::Found &found)
 {
-    const auto count = outcome.replacement.count;
-    if (count == 0 && !outcome.isIncomplete) {
+    const auto count = found.replacement.count;
+    if (count == 0 && !found.isIncomplete) {
         finish(formatted(localized(u"Pattern not found: %@"), m_substitution.pattern));
         return;
     }
@@ -78,17 +72,17 @@ void SubstitutionRunner::arrive(const Outcome &outcome)
         finish(localized(u"This text is read-only; nothing was changed."));
         return;
     }
-    const QPointer<TextView> view = m_view;
+    TextView &view = *m_view;
     if (count > 0) {
-        const TextReplacement &replacement = outcome.replacement;
-        view->apply(replacement.edits, GroupKind::other, replacement.selectionAfter(view->storage().text(), view->selection()),
-                    TextView::Reveal::no);
+        const TextReplacement &replacement = found.replacement;
+        view.apply(replacement.edits, GroupKind::other, replacement.selectionAfter(view.storage().text(), view.selection()),
+                   TextView::Reveal::no);
     }
     const QString done = count == 1 ? localized(u"1 substitution") : formatted(localized(u"%d substitutions"), count);
-    finish(outcome.isIncomplete ? done + u". "_s + localized(u"The expression is too hard for parts of this text. There may be more hits.")
-                                : done);
-    if (view && count > 0) {
-        m_services.changed(*view);
+    finish(found.isIncomplete ? done + u". "_s + localized(u"The expression is too hard for parts of this text. There may be more hits.")
+                              : done);
+    if (count > 0) {
+        m_services.changed(view);
     }
 }
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Base/BackgroundTask.h"
 #include "Base/Scheduler.h"
+#include "Find/ReplacementSearch.h"
 #include "Vim/VimSubstitution.h"
 
 #include <QObject>
@@ -39,20 +39,14 @@ protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
-    struct Outcome {
-        TextReplacement replacement;
-        /// Some stretches were too hard for the expression.
-        bool isIncomplete = false;
-    };
-
     void start();
-    void arrive(const Outcome &outcome);
+    void arrive(const ReplacementSearch::Found &found);
     void finish(const QString &message);
 
     Services m_services;
     QPointer<TextView> m_view;
     QMetaObject::Connection m_viewGone;
     VimSubstitution m_substitution;
-    BackgroundTask m_search;
+    ReplacementSearch m_search;
     DelayedTask m_tellSoon;
 };

@@ -38,13 +38,13 @@ TextFinder::TextFinder(TextView &view, Services services, QObject *parent)
 {
     connect(&view.storage(), &TextStorage::changed, this, &TextFinder::storageChanged);
     connect(&view, &TextView::selectionChanged, this, &TextFinder::selectionChanged);
-    view.setMarkProvider([this](TextRange seen) { return marksIn(seen); });
+    view.setLook(&TextLooks::marks, [this](TextRange seen) { return marksIn(seen); });
 }
 
 TextFinder::~TextFinder()
 {
     if (m_view) {
-        m_view->setMarkProvider({});
+        m_view->setLook(&TextLooks::marks, {});
     }
 }
 
@@ -507,23 +507,17 @@ void TextFinder::replaceAll(const QString &typed)
 void TextFinder::startReplacing(const QString &replacementTemplate)
 {
     restartProgress();
-    m_replacing = BackgroundTask::start(
-        m_services.workers,
-        [searcher = copyOf(*m_searcher), snapshot = m_view->storage().snapshot(), searched = m_searched,
-         replacementTemplate](const std::stop_token &stop) {
-            return searcher->replacementOfAll(snapshot.text, {0, snapshot.text.length()}, replacementTemplate,
-                                              TextReplacement::Occurrences::all, {.stop = stop, .searched = searched});
-        },
-        [this, replacementTemplate, revision = m_view->storage().revision()](const TextReplacement &replacement) {
-            if (!canReplace()) {
-                return;
-            }
-            if (m_view->storage().revision() == revision) {
-                applyReplacement(replacement);
-            } else {
-                startReplacing(replacementTemplate);
-            }
-        });
+    const auto search = [searcher = copyOf(*m_searcher), searched = m_searched, replacementTemplate](const Rope &text,
+                                                                                                     const std::stop_token &stop) {
+        using enum TextReplacement::Occurrences;
+        return ReplacementSearch::Found{
+            searcher->replacementOfAll(text, {0, text.length()}, replacementTemplate, all, {.stop = stop, .searched = searched})};
+    };
+    m_replacing.start(m_view->storage(), m_services.workers, search, [this](const ReplacementSearch::Found &found) {
+        if (canReplace()) {
+            applyReplacement(found.replacement);
+        }
+    });
 }
 
 void TextFinder::applyReplacement(const TextReplacement &replacement)

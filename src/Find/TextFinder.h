@@ -5,6 +5,7 @@
 #include "Base/BackgroundTask.h"
 #include "Base/Scheduler.h"
 #include "Find/HitIndex.h"
+#include "Find/ReplacementSearch.h"
 #include "Text/TextSearch.h"
 #include "Text/TextStorage.h"
 
@@ -158,7 +159,7 @@ private:
     BackgroundTask m_counting;
     std::optional<Seek> m_wanted;
     BackgroundTask m_seeking;
-    BackgroundTask m_replacing;
+    ReplacementSearch m_replacing;
     std::shared_ptr<std::atomic<qsizetype>> m_searched;
     RepeatingTimer m_progressTimer;
     bool m_isSlow = false;

@@ -4,7 +4,6 @@
 
 #include "Text/LineRange.h"
 
-
 #include <algorithm>
 #include <memory>
 #include <utility>

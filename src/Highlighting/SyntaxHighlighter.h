@@ -111,7 +111,8 @@ private:
     TextRange highlight(TextRange range, std::vector<TextRange> &outdated);
     void refreshSpans(TextRange range, Excerpt &excerpt, std::vector<TextRange> &outdated);
     void findSpans(const Excerpt &excerpt);
-    void findOutdated(const std::vector<Span> &before, TextRange windowBefore, const ReplacedStretch &edit, std::vector<TextRange> &outdated) const;
+    void findOutdated(const std::vector<Span> &before, TextRange windowBefore, const ReplacedStretch &edit,
+                      std::vector<TextRange> &outdated) const;
     void paintSpans(Paint &paint) const;
     void paintTokens(Paint &paint, const Excerpt &excerpt);
 

@@ -394,8 +394,10 @@ void TextDocument::forgetFileQuestions()
 
 TextDocument::FileReading TextDocument::comparedWith(const TextFile::Contents &contents) const
 {
-    return {
-        .contents = contents, .difference = TextEdits::difference(m_storage.text(), contents.text), .revision = m_storage.revision(), .hash = {}};
+    return {.contents = contents,
+            .difference = TextEdits::difference(m_storage.text(), contents.text),
+            .revision = m_storage.revision(),
+            .hash = {}};
 }
 
 void TextDocument::adopt(const FileReading &reading)

@@ -79,8 +79,6 @@ public:
     /// Rows that are deleted or modified. O(1).
     [[nodiscard]] qsizetype removedCount() const { return m_removedCount; }
 
-    /// The row of line `number`, which must be one of that side's lines.
-    [[nodiscard]] qsizetype rowOfLine(Side side, qsizetype number) const;
     [[nodiscard]] const LineTable &lines(Side side) const { return side == Side::left ? m_left : m_right; }
     /// Where the row's line stands in the text of that side, its LF left out; none for a row without one there.
     [[nodiscard]] std::optional<TextRange> lineRange(Side side, qsizetype row) const;

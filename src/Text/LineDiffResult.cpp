@@ -69,14 +69,6 @@ Row Result::row(qsizetype row) const
     return result;
 }
 
-qsizetype Result::rowOfLine(Side side, qsizetype number) const
-{
-    // Of the runs that begin at one number, the last has the line: those before it have none on this side.
-    const auto next = std::ranges::upper_bound(m_runs, number, {}, [side](const Run &run) { return run.number(side); });
-    const auto run = std::prev(next);
-    return run->firstRow + number - run->number(side);
-}
-
 std::optional<TextRange> Result::lineRange(Side side, qsizetype row) const
 {
     const Run &run = runAt(row);

@@ -231,21 +231,6 @@ QString RegularExpression::replacement(const Match &match, QStringView text, QSt
     return result;
 }
 
-QString RegularExpression::replacingMatches(QStringView text, TextRange range, QStringView format)
-{
-    QString result;
-    qsizetype copied = 0;
-    forEachMatch(text, range, [&](const RegularExpression &found) {
-        const Match match = found.match();
-        result += text.sliced(copied, match.range().location - copied);
-        result += replacement(match, text, format);
-        copied = match.range().end();
-        return true;
-    });
-    result += text.sliced(copied);
-    return result;
-}
-
 QString RegularExpression::escapedPattern(QStringView text)
 {
     QString result;

@@ -111,8 +111,6 @@ public:
     /// `format` with `$n` replaced by group n of `match` (nothing for a group that is none or does not exist) and `\` taken away
     /// before the character that it protects. n has as many digits as the largest group number. `text` is the one searched.
     [[nodiscard]] static QString replacement(const Match &match, QStringView text, QStringView format);
-    /// `text` with every match in `range` replaced by `replacement(match, text, format)`.
-    [[nodiscard]] QString replacingMatches(QStringView text, TextRange range, QStringView format);
 
     /// A pattern that matches `text` itself.
     [[nodiscard]] static QString escapedPattern(QStringView text);

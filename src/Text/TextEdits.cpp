@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Text/TextEdits.h"
 
+#include "Text/ChunkReader.h"
 #include "Text/TextBoundaries.h"
 
 #include <algorithm>
@@ -9,18 +10,28 @@
 TextEdits TextEdits::difference(const Rope &before, const Rope &after)
 {
     const qsizetype shorter = std::min(before.length(), after.length());
-    RopeCursor old(before);
-    RopeCursor fresh(after);
+    ChunkReader old(before);
+    ChunkReader fresh(after);
     qsizetype head = 0;
-    while (head < shorter && old.at(head) == fresh.at(head))
-        ++head;
+    for (bool isSame = true; isSame && head < shorter;) {
+        const Rope::Chunk a = old.after(head, shorter);
+        const Rope::Chunk b = fresh.after(head, shorter);
+        const qsizetype common = commonStart(a, b);
+        isSame = common == std::min(a.length, b.length);
+        head += common;
+    }
     qsizetype tail = 0;
-    while (tail < shorter - head && old.at(before.length() - 1 - tail) == fresh.at(after.length() - 1 - tail))
-        ++tail;
+    for (bool isSame = true; isSame && tail < shorter - head;) {
+        const Rope::Chunk a = old.before(before.length() - (shorter - head), before.length() - tail);
+        const Rope::Chunk b = fresh.before(after.length() - (shorter - head), after.length() - tail);
+        const qsizetype common = commonEnd(a, b);
+        isSame = common == std::min(a.length, b.length);
+        tail += common;
+    }
     // Neither edge may part a surrogate pair.
-    if (head > 0 && QChar::isHighSurrogate(old.at(head - 1)))
+    if (head > 0 && QChar::isHighSurrogate(before.at(head - 1)))
         --head;
-    if (tail > 0 && QChar::isLowSurrogate(old.at(before.length() - tail)))
+    if (tail > 0 && QChar::isLowSurrogate(before.at(before.length() - tail)))
         --tail;
     return {TextRange::between(head, before.length() - tail), after.slice(TextRange::between(head, after.length() - tail))};
 }

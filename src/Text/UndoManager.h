@@ -103,7 +103,7 @@ private:
     int m_pauses = 0;
     bool m_isReplaying = false;
     bool m_mayCoalesce = false;
-    Group m_next;         ///< what begins with the next change
+    Group m_next;          ///< what begins with the next change
     bool m_isOpen = false; ///< m_groups[m_done - 1] still takes changes
     /// What takes back the changes of the group that is open, the last one first, the fewer edits the later.
     std::vector<TextEdits> m_steps;

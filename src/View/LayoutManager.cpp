@@ -166,7 +166,8 @@ void LayoutManager::changeRows(const TextChange &change)
 void LayoutManager::stylesChanged(const std::vector<TextRange> &ranges)
 {
     for (const TextRange range : ranges) {
-        const auto first = std::ranges::partition_point(m_cache, [range](const auto &other) { return other->range().end() < range.location; });
+        const auto first =
+            std::ranges::partition_point(m_cache, [range](const auto &other) { return other->range().end() < range.location; });
         auto last = first;
         while (last != m_cache.end() && (*last)->range().location < range.end()) {
             ++last;

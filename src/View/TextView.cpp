@@ -11,6 +11,8 @@
 
 #include <QApplication>
 #include <QInputMethod>
+#include <QPaintEvent>
+#include <QPainter>
 #include <QScopedValueRollback>
 
 #include <array>
@@ -131,80 +133,37 @@ void TextView::setWrapMode(WrapMode mode)
 void TextView::applyPaletteColors()
 {
     const QPalette &shown = palette();
-    m_colors = {.background = shown.color(QPalette::Base),
-                .text = shown.color(QPalette::Text),
-                .selection = shown.color(QPalette::Highlight),
-                .caret = shown.color(QPalette::Text),
-                .currentLine = {},
-                .invisibles = shown.color(QPalette::PlaceholderText),
-                .mark = {}};
+    Colors &colors = m_painter.looks.colors;
+    colors = {.background = shown.color(QPalette::Base),
+              .text = shown.color(QPalette::Text),
+              .selection = shown.color(QPalette::Highlight),
+              .caret = shown.color(QPalette::Text),
+              .currentLine = {},
+              .invisibles = shown.color(QPalette::PlaceholderText),
+              .mark = {}};
     // Text keeps its colours on a selection, so the selection must stay near the background.
-    m_colors.selection.setAlphaF(0.35F);
-    m_colors.mark = m_colors.selection;
+    colors.selection.setAlphaF(0.35F);
+    colors.mark = colors.selection;
     viewport()->update();
 }
 
 void TextView::setColors(const Colors &colors)
 {
     m_followsPalette = false;
-    m_colors = colors;
-    viewport()->update();
-}
-
-void TextView::setCaretShape(CaretShape shape)
-{
-    m_caretShape = shape;
-    viewport()->update();
-}
-
-void TextView::setInvisibles(Visibility visibility)
-{
-    m_invisibles = visibility;
+    m_painter.looks.colors = colors;
     viewport()->update();
 }
 
 void TextView::setAccess(Access access)
 {
-    commitPreedit();
+    m_input.commit();
     m_access = access;
     QGuiApplication::inputMethod()->update(Qt::ImEnabled | Qt::ImReadOnly);
 }
 
-void TextView::setMarkProvider(MarkProvider provider)
-{
-    m_marks = std::move(provider);
-    viewport()->update();
-}
-
-void TextView::setMisspellings(MarkProvider provider)
-{
-    m_misspellings = std::move(provider);
-    viewport()->update();
-}
-
 void TextView::showIndicator(TextRange range)
 {
-    // Full for a while, then it fades; a step is hardly seen.
-    constexpr double initialStrength = 2;
-    updateRows(m_indicated.clampedTo(m_storage.length()));
-    m_indicated = range.clampedTo(m_storage.length());
-    m_indicatorStrength = initialStrength;
-    m_indicatorFades = m_services.scheduler.every(40ms, 10ms, [this] { fadeIndicator(); });
-    updateRows(m_indicated);
-}
-
-void TextView::fadeIndicator()
-{
-    constexpr double step = 0.125;
-    const bool isFull = m_indicatorStrength > 1;
-    m_indicatorStrength -= step;
-    if (!isFull) {
-        updateRows(m_indicated);
-    }
-    if (m_indicatorStrength <= 0) {
-        m_indicatorFades.cancel();
-        m_indicated = {};
-    }
+    m_painter.indicator.show(range.clampedTo(m_storage.length()), m_services.scheduler, [this](TextRange shown) { updateRows(shown); });
 }
 
 // Editing
@@ -250,34 +209,25 @@ void TextView::storageChanged(const TextChange &change)
     const TextSelection before = selection();
     m_layout.textChanged(change);
     m_port.textChanged(change, m_isEditing ? Viewport::Editor::thisView : Viewport::Editor::another);
-    mapPlaces(change);
+    // Everything that remembers a place in the text goes where that text went.
+    const TextSelection mapped = change.mapped(before);
+    m_caret.place = {mapped.caret, Affinity::downstream, {}};
+    m_caret.anchor = mapped.anchor;
+    m_caret.shown.reset();
+    m_pointer.textChanged(change);
+    m_painter.indicator.textChanged(change);
     if (isComposing()) {
-        movePreedit();
+        m_input.movePreedit();
     }
     if (m_port.settle()) {
         viewport()->update();
     }
     updateForChange(change);
-    sendAccessibleChange(change);
+    TextViewAccessible::tellChange(*this, change);
     viewMoved();
     if (!m_isEditing && selection() != before) {
-        sendAccessibleSelection(before);
+        TextViewAccessible::tellSelection(*this, before);
         emit selectionChanged();
-    }
-}
-
-/// Everything that remembers a place in the text goes where that text went.
-void TextView::mapPlaces(const TextChange &change)
-{
-    m_shownCaret.reset();
-    const TextSelection mapped = change.mapped(selection());
-    m_caret = {mapped.caret, Affinity::downstream, {}};
-    m_anchor = mapped.anchor;
-    m_dragged = change.mapped(m_dragged);
-    m_indicated = change.mapped(m_indicated);
-    m_pointer.origin = change.mapped(m_pointer.origin);
-    if (m_dropCaret) {
-        m_dropCaret = change.mapped(*m_dropCaret, Bias::before);
     }
 }
 
@@ -322,22 +272,22 @@ void TextView::updateRows(TextRange range)
 void TextView::setCaret(const Caret &caret, qsizetype anchor)
 {
     const TextSelection before = selection();
-    const QRectF rowBefore = caretRowInViewport();
-    updateCaret();
-    m_shownCaret.reset();
-    m_caret = caret;
-    m_anchor = anchor;
-    if (isComposing() && m_layout.preedit().offset != m_caret.offset) {
-        movePreedit();
+    const QRectF rowBefore = m_caret.rowBox();
+    m_caret.repaint();
+    m_caret.shown.reset();
+    m_caret.place = caret;
+    m_caret.anchor = anchor;
+    if (isComposing() && m_layout.preedit().offset != m_caret.place.offset) {
+        m_input.movePreedit();
     }
-    restartBlinking();
-    if (const QRectF row = caretRowInViewport(); row != rowBefore) {
+    m_caret.restartBlinking();
+    if (const QRectF row = m_caret.rowBox(); row != rowBefore) {
         viewport()->update(rowBefore.toAlignedRect());
         viewport()->update(row.toAlignedRect());
     }
     // An edit of this view has already moved the ends along with the text, which is no reason to keep silent about it.
     if (selection() == before && !m_isEditing) {
-        updateCaret();
+        m_caret.repaint();
         return;
     }
     // Rows between the old and the new ends change their look; with no selection at all only the carets do.
@@ -347,20 +297,20 @@ void TextView::setCaret(const Caret &caret, qsizetype anchor)
                 updateRows(TextRange::spanning(a, b).clampedTo(m_storage.length()));
             }
         };
-        if (before.anchor == m_anchor) {
-            changed(before.caret, m_caret.offset);
+        if (before.anchor == m_caret.anchor) {
+            changed(before.caret, m_caret.place.offset);
         } else {
             changed(before.anchor, before.caret);
-            changed(m_anchor, m_caret.offset);
+            changed(m_caret.anchor, m_caret.place.offset);
         }
     }
-    updateCaret();
+    m_caret.repaint();
     if (hasFocus()) {
         QGuiApplication::inputMethod()->update(Qt::ImCursorRectangle | Qt::ImAnchorRectangle | Qt::ImCursorPosition | Qt::ImAnchorPosition |
                                                Qt::ImCurrentSelection | Qt::ImSurroundingText | Qt::ImTextBeforeCursor |
                                                Qt::ImTextAfterCursor);
     }
-    sendAccessibleSelection(before);
+    TextViewAccessible::tellSelection(*this, before);
     publishPrimarySelection();
     emit selectionChanged();
 }
@@ -368,7 +318,7 @@ void TextView::setCaret(const Caret &caret, qsizetype anchor)
 void TextView::setSelection(TextSelection selection, Reveal reveal)
 {
     const auto legal = [this](qsizetype offset) { return TextBoundaries::snapped(m_storage.text(), offset); };
-    if (legal(selection.caret) != m_caret.offset) {
+    if (legal(selection.caret) != m_caret.place.offset) {
         m_undoManager.breakCoalescing();
     }
     setCaret({legal(selection.caret), Affinity::downstream, {}}, legal(selection.anchor));
@@ -379,12 +329,12 @@ void TextView::showCaretAt(TextSelection selection, qsizetype place)
 {
     setSelection(selection);
     const qsizetype shown = TextBoundaries::snapped(m_storage.text(), place);
-    if (shown != m_caret.offset) {
-        updateCaret();
-        viewport()->update(caretRowInViewport().toAlignedRect());
-        m_shownCaret = shown;
-        updateCaret();
-        viewport()->update(caretRowInViewport().toAlignedRect());
+    if (shown != m_caret.place.offset) {
+        m_caret.repaint();
+        viewport()->update(m_caret.rowBox().toAlignedRect());
+        m_caret.shown = shown;
+        m_caret.repaint();
+        viewport()->update(m_caret.rowBox().toAlignedRect());
     }
     revealCaret();
 }
@@ -409,11 +359,6 @@ void TextView::revealOffset(qsizetype offset)
     viewport()->update();
 }
 
-void TextView::centerSelection()
-{
-    revealCaret(Reveal::center);
-}
-
 void TextView::setScrollOffset(double pixels)
 {
     m_port.setY(pixels);
@@ -432,9 +377,9 @@ void TextView::revealCaret(Reveal reveal)
         return;
     }
     const QPointF before = m_port.position();
-    const RowPosition row = caretRow();
+    const RowPosition row = m_caret.row();
     m_port.reveal(row, reveal == Reveal::center ? Viewport::Reveal::center : Viewport::Reveal::nearest);
-    const double x = caretX(row);
+    const double x = m_caret.x(row);
     m_port.revealX({x, x + 2});
     if (m_port.position() != before) {
         viewMoved();
@@ -444,7 +389,7 @@ void TextView::revealCaret(Reveal reveal)
 
 void TextView::publishPrimarySelection()
 {
-    if (!m_services.pasteboard.supportsPrimary() || m_pointer.isSelecting || selection().isEmpty()) {
+    if (!m_services.pasteboard.supportsPrimary() || m_pointer.isSelecting() || selection().isEmpty()) {
         return;
     }
     // Held keys move the selection many times a second; other programs are told when it rests.
@@ -478,7 +423,7 @@ void TextView::redo()
 
 void TextView::replay(std::optional<TextSelection> (UndoManager::*step)())
 {
-    commitPreedit();
+    m_input.commit();
     if (isReadOnly()) {
         return;
     }
@@ -501,7 +446,7 @@ void TextView::copy()
 void TextView::cut()
 {
     if (!isReadOnly() && !selection().isEmpty()) {
-        commitPreedit();
+        m_input.commit();
         copy();
         deleteSelection();
     }
@@ -509,7 +454,7 @@ void TextView::cut()
 
 void TextView::paste()
 {
-    commitPreedit();
+    m_input.commit();
     const QString text = m_services.pasteboard.text();
     if (!text.isEmpty()) {
         insertText(withLineFeeds(text), selection().range());
@@ -523,7 +468,7 @@ void TextView::deleteSelection()
 
 void TextView::selectAll()
 {
-    commitPreedit();
+    m_input.commit();
     m_undoManager.breakCoalescing();
     setCaret({m_storage.length(), Affinity::downstream, {}}, 0);
 }
@@ -533,16 +478,16 @@ void TextView::selectAll()
 void TextView::focusInEvent(QFocusEvent *event)
 {
     QAbstractScrollArea::focusInEvent(event);
-    restartBlinking();
+    m_caret.restartBlinking();
     viewport()->update();
 }
 
 void TextView::focusOutEvent(QFocusEvent *event)
 {
-    commitPreedit();
+    m_input.commit();
     m_undoManager.breakCoalescing();
     QAbstractScrollArea::focusOutEvent(event);
-    m_blinking.cancel();
+    m_caret.blinking.rest();
     viewport()->update();
 }
 
@@ -552,70 +497,9 @@ bool TextView::focusNextPrevChild(bool next)
     return isReadOnly() && QAbstractScrollArea::focusNextPrevChild(next);
 }
 
-void TextView::restartBlinking()
-{
-    m_isCaretOn = true;
-    const int period = QApplication::cursorFlashTime();
-    if (!hasFocus() || period < 2) {
-        m_blinking.cancel();
-        return;
-    }
-    m_blinking = m_services.scheduler.every(std::chrono::milliseconds(period / 2), 20ms, [this] {
-        m_isCaretOn = !m_isCaretOn;
-        updateCaret();
-    });
-}
-
-void TextView::updateCaret()
-{
-    viewport()->update(caretInViewport().toAlignedRect().adjusted(-1, 0, 1, 0));
-    noticeShifts();
-}
-
-/// Empty while the row of the caret has no colour of its own, and when it is not on the screen.
-QRectF TextView::caretRowInViewport()
-{
-    if (!m_colors.currentLine.isValid()) {
-        return {};
-    }
-    const auto top = m_port.topOf(caretRow());
-    return top ? QRectF(0, *top, viewport()->width(), m_layout.rowHeight()) : QRectF();
-}
-
-RowPosition TextView::caretRow()
-{
-    return isComposing() ? m_layout.rowInPreedit(m_preeditCaret) : m_layout.rowOf(shownCaret(), m_caret.affinity);
-}
-
-double TextView::caretX(const RowPosition &row)
-{
-    return isComposing() ? m_layout.xInPreedit(row, m_preeditCaret) : m_layout.xOf(row, shownCaret());
-}
-
-QRectF TextView::caretInViewport()
-{
-    const RowPosition row = caretRow();
-    const auto top = m_port.topOf(row);
-    if (!top) {
-        return {};
-    }
-    double x = caretX(row);
-    const double dpr = devicePixelRatioF();
-    const double left = std::floor((m_port.left() + x) * dpr) / dpr;
-    double width = std::max(1.0, std::round(1.4 * dpr) / dpr);
-    if (m_caretShape != CaretShape::bar) {
-        const qsizetype next = TextBoundaries::nextGrapheme(m_storage.text(), shownCaret());
-        const bool isInRow = next <= m_layout.rangeOf(row).end();
-        width = isInRow && next > shownCaret() ? std::abs(m_layout.xOf(row, next) - x) : m_layout.cellWidth();
-    }
-    // Blanks that hang over the edge of a wrapped row do not take the caret with them.
-    const double rightmost = m_layout.wraps() ? std::max(0.0, viewport()->width() - width) : left;
-    return {std::min(left, rightmost), *top, width, m_layout.rowHeight()};
-}
-
 QRect TextView::caretRectangle()
 {
-    return caretInViewport().toAlignedRect().translated(viewport()->pos());
+    return m_caret.box().toAlignedRect().translated(viewport()->pos());
 }
 
 // Looks
@@ -628,11 +512,75 @@ void TextView::changeEvent(QEvent *event)
     }
 }
 
+void TextView::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(viewport());
+    m_painter.paint(painter, event->rect(), m_storage.text(),
+                    {.selected = selection().range(),
+                     .caretRow = hasFocus() ? m_caret.rowBox() : QRectF(),
+                     .caret = m_caret.isToBeSeen() ? std::optional(m_caret.box()) : std::nullopt,
+                     .dropCaret = m_pointer.dropCaret(),
+                     .paintBehind = [&](const Viewport::VisibleRow &row, Span visible) { paintBehind(painter, row, visible); }});
+    m_scroller.noticeWidths();
+}
+
 bool TextView::viewportEvent(QEvent *event)
 {
     // There is no event for a screen of another scale; the first painting on it tells.
     if (event->type() == QEvent::Paint && devicePixelRatioF() != m_layout.settings().devicePixelRatio) {
         applySettings(settingsForViewport());
     }
-    return QAbstractScrollArea::viewportEvent(event);
+    return (isEnabled() && m_pointer.handle(*event)) || QAbstractScrollArea::viewportEvent(event);
+}
+
+// What there is to be seen
+
+void TextView::resizeEvent(QResizeEvent *event)
+{
+    QAbstractScrollArea::resizeEvent(event);
+    const bool isWidthNew = m_wrapMode == WrapMode::viewWidth && settingsForViewport().wrapWidth != m_layout.settings().wrapWidth;
+    if (isWidthNew) {
+        applySettings(settingsForViewport());
+        return;
+    }
+    m_port.setSize(viewport()->size());
+    m_layout.setCacheCapacity(static_cast<size_t>(std::max<qint64>(64, 3 * m_port.rowsPerPage())));
+    if (m_port.settle()) {
+        viewport()->update();
+    }
+    viewMoved();
+}
+
+void TextView::viewMoved()
+{
+    using enum TextViewScroller::Bars;
+    m_scroller.viewMoved(m_isEditing ? whenKeysRest : atOnce);
+    emit visibleRowsChanged();
+}
+
+void TextView::scrollContentsBy(int dx, int dy)
+{
+    if (m_scroller.barsMoved(dx, dy)) {
+        viewMoved();
+        viewport()->update();
+        QGuiApplication::inputMethod()->update(Qt::ImCursorRectangle | Qt::ImAnchorRectangle);
+    }
+}
+
+void TextView::scrollRows(int rows)
+{
+    m_port.scrollRows(rows);
+    viewMoved();
+    viewport()->update();
+}
+
+void TextView::inputMethodEvent(QInputMethodEvent *event)
+{
+    m_input.handle(*event);
+}
+
+QVariant TextView::inputMethodQuery(Qt::InputMethodQuery query) const
+{
+    const QVariant answer = m_input.answer(query);
+    return answer.isValid() ? answer : QAbstractScrollArea::inputMethodQuery(query);
 }

@@ -333,20 +333,22 @@ void TextViewAccessible::replaceText(int start, int end, const QString &text)
 
 // What a view tells
 
-void TextView::sendAccessibleChange(const TextChange &change)
+void TextViewAccessible::tellChange(TextView &view, const TextChange &change)
 {
     if (!QAccessible::isActive()) {
         return;
     }
-    const auto spoken = [](const Rope &text, TextRange range) { return text.toString({range.location, std::min(range.length, answerLimit)}); };
+    const auto spoken = [](const Rope &text, TextRange range) {
+        return text.toString({range.location, std::min(range.length, answerLimit)});
+    };
     const auto tell = [&](TextRange gone, TextRange fresh) {
         const auto position = static_cast<int>(change.after.characterAt(fresh.location));
         if (!gone.isEmpty()) {
-            QAccessibleTextRemoveEvent event(this, position, spoken(change.before, gone));
+            QAccessibleTextRemoveEvent event(&view, position, spoken(change.before, gone));
             QAccessible::updateAccessibility(&event);
         }
         if (!fresh.isEmpty()) {
-            QAccessibleTextInsertEvent event(this, position, spoken(change.after, fresh));
+            QAccessibleTextInsertEvent event(&view, position, spoken(change.after, fresh));
             QAccessible::updateAccessibility(&event);
         }
     };
@@ -361,18 +363,18 @@ void TextView::sendAccessibleChange(const TextChange &change)
     }
 }
 
-void TextView::sendAccessibleSelection(TextSelection before)
+void TextViewAccessible::tellSelection(TextView &view, TextSelection before)
 {
     if (!QAccessible::isActive()) {
         return;
     }
-    const auto told = [&text = m_storage.text()](qsizetype offset) { return static_cast<int>(text.characterAt(offset)); };
-    if (!before.isEmpty() || !selection().isEmpty()) {
-        const TextRange range = selection().range();
-        QAccessibleTextSelectionEvent event(this, told(range.location), told(range.end()));
-        event.setCursorPosition(told(m_caret.offset));
+    const auto told = [&text = view.storage().text()](qsizetype offset) { return static_cast<int>(text.characterAt(offset)); };
+    if (!before.isEmpty() || !view.selection().isEmpty()) {
+        const TextRange range = view.selection().range();
+        QAccessibleTextSelectionEvent event(&view, told(range.location), told(range.end()));
+        event.setCursorPosition(told(view.selection().caret));
         QAccessible::updateAccessibility(&event);
     }
-    QAccessibleTextCursorEvent event(this, told(m_caret.offset));
+    QAccessibleTextCursorEvent event(&view, told(view.selection().caret));
     QAccessible::updateAccessibility(&event);
 }

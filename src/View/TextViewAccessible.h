@@ -20,6 +20,10 @@ public:
 
     explicit TextViewAccessible(TextView &view);
 
+    // What a view tells screen readers.
+    static void tellChange(TextView &view, const TextChange &change);
+    static void tellSelection(TextView &view, TextSelection before);
+
     void *interface_cast(QAccessible::InterfaceType type) override;
     /// None: gutter and viewport are how the text is made, and have nothing to tell.
     [[nodiscard]] int childCount() const override { return 0; }

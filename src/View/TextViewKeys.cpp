@@ -134,18 +134,14 @@ bool TextView::event(QEvent *event)
 void TextView::keyPressEvent(QKeyEvent *event)
 {
     event->accept();
-    if (cancelsPreedit(*event)) {
+    if (m_input.isCancelledBy(*event)) {
         return;
     }
     if (const KeyCommand *row = commandFor(*event)) {
         switch (row->kind) {
         case KeyCommand::Kind::motion:
-            commitPreedit();
-            if (event->modifiers() & Qt::ShiftModifier) {
-                moveAndSelect(row->motion);
-            } else {
-                move(row->motion);
-            }
+            m_input.commit();
+            move(row->motion, event->modifiers() & Qt::ShiftModifier ? Anchor::stays : Anchor::moves);
             return;
         case KeyCommand::Kind::deletion:
             deleteTo(row->motion);
@@ -165,18 +161,23 @@ void TextView::keyPressEvent(QKeyEvent *event)
     typeText(event->text());
 }
 
-void TextView::move(Motion motion)
+void TextView::move(Motion motion, Anchor anchor)
 {
     m_undoManager.breakCoalescing();
     const TextRange range = selection().range();
+    if (anchor == Anchor::stays) {
+        setCaret(moved(m_caret.place, motion, m_layout, m_storage.text(), m_port.rowsPerPage()), m_caret.anchor);
+        revealCaret();
+        return;
+    }
     // The first arrow key only gives the selection up, at the side that it points to.
     if (!range.isEmpty() && (motion == Motion::left || motion == Motion::right)) {
         const qsizetype offset = motion == Motion::left ? range.location : range.end();
         setCaret({offset, Affinity::downstream, {}}, offset);
     } else {
-        const Caret caret = moved(m_caret, motion, m_layout, m_storage.text(), m_port.rowsPerPage());
+        const Caret caret = moved(m_caret.place, motion, m_layout, m_storage.text(), m_port.rowsPerPage());
         const bool isPage = motion == Motion::pageUp || motion == Motion::pageDown;
-        const auto before = isPage ? m_port.topOf(m_layout.rowOf(m_caret.offset, m_caret.affinity)) : std::nullopt;
+        const auto before = isPage ? m_port.topOf(m_layout.rowOf(m_caret.place.offset, m_caret.place.affinity)) : std::nullopt;
         setCaret(caret, caret.offset);
         if (before) {
             // A page turns the text under the caret, which stays where it is on the screen.
@@ -188,33 +189,26 @@ void TextView::move(Motion motion)
     revealCaret();
 }
 
-void TextView::moveAndSelect(Motion motion)
-{
-    m_undoManager.breakCoalescing();
-    setCaret(moved(m_caret, motion, m_layout, m_storage.text(), m_port.rowsPerPage()), m_anchor);
-    revealCaret();
-}
-
 void TextView::deleteTo(Motion motion)
 {
-    commitPreedit();
+    m_input.commit();
     if (!selection().isEmpty()) {
         deleteSelection();
         return;
     }
-    const qsizetype to = moved(m_caret, motion, m_layout, m_storage.text(), m_port.rowsPerPage()).offset;
-    removeRange(TextRange::spanning(to, m_caret.offset), GroupKind::other);
+    const qsizetype to = moved(m_caret.place, motion, m_layout, m_storage.text(), m_port.rowsPerPage()).offset;
+    removeRange(TextRange::spanning(to, m_caret.place.offset), GroupKind::other);
 }
 
 void TextView::insertNewline()
 {
-    commitPreedit();
+    m_input.commit();
     typeText(u"\n");
 }
 
 void TextView::insertTab()
 {
-    commitPreedit();
+    m_input.commit();
     typeText(u"\t");
 }
 
@@ -225,22 +219,22 @@ void TextView::insertBacktab()
 
 void TextView::deleteBackward()
 {
-    commitPreedit();
+    m_input.commit();
     if (!selection().isEmpty()) {
         deleteSelection();
         return;
     }
-    removeRange(TextRange::between(TextBoundaries::previousGrapheme(m_storage.text(), m_caret.offset), m_caret.offset),
+    removeRange(TextRange::between(TextBoundaries::previousGrapheme(m_storage.text(), m_caret.place.offset), m_caret.place.offset),
                 GroupKind::deletingBackward);
 }
 
 void TextView::deleteForward()
 {
-    commitPreedit();
+    m_input.commit();
     if (!selection().isEmpty()) {
         deleteSelection();
         return;
     }
-    removeRange(TextRange::between(m_caret.offset, TextBoundaries::nextGrapheme(m_storage.text(), m_caret.offset)),
+    removeRange(TextRange::between(m_caret.place.offset, TextBoundaries::nextGrapheme(m_storage.text(), m_caret.place.offset)),
                 GroupKind::deletingForward);
 }

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-
-// Pointer, wheel, drag and drop in a TextView.
+#include "View/TextViewPointer.h"
 
 #include "Base/Pasteboard.h"
 #include "Base/Translation.h"
@@ -27,8 +26,17 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// Set while a drag of its text is under way; a program has one pointer and one drag.
-QPointer<TextView> draggingView;
+/// Text on its way from a view of this program, to itself perhaps.
+class DraggedText final : public LazyTextMimeData {
+public:
+    DraggedText(TextView &source, const TextSnapshot &snapshot, TextRange range)
+        : LazyTextMimeData([text = snapshot.text, range] { return text.toString(range); }), m_source(&source)
+    {}
+    [[nodiscard]] TextView *source() const { return m_source; }
+
+private:
+    QPointer<TextView> m_source;
+};
 
 bool takesDrop(const QDropEvent &event)
 {
@@ -38,9 +46,65 @@ bool takesDrop(const QDropEvent &event)
 
 } // namespace
 
-TextRange TextView::granule(qsizetype offset, Granularity granularity) const
+bool TextViewPointer::handle(QEvent &event)
 {
-    const Rope &text = m_storage.text();
+    switch (event.type()) {
+    case QEvent::MouseButtonPress:
+        press(static_cast<QMouseEvent &>(event));
+        return true;
+    case QEvent::MouseButtonDblClick:
+        doubleClick(static_cast<QMouseEvent &>(event));
+        return true;
+    case QEvent::MouseMove:
+        move(static_cast<QMouseEvent &>(event));
+        return true;
+    case QEvent::MouseButtonRelease:
+        release(static_cast<QMouseEvent &>(event));
+        return true;
+    case QEvent::Wheel:
+        wheel(static_cast<QWheelEvent &>(event));
+        return true;
+    case QEvent::DragEnter:
+        dragEnter(static_cast<QDragMoveEvent &>(event));
+        return true;
+    case QEvent::DragMove:
+        dragMove(static_cast<QDragMoveEvent &>(event));
+        return true;
+    case QEvent::DragLeave:
+        setDropCaret({});
+        return true;
+    case QEvent::Drop:
+        drop(static_cast<QDropEvent &>(event));
+        return true;
+    default:
+        return false;
+    }
+}
+
+void TextViewPointer::textChanged(const TextChange &change)
+{
+    m_origin = change.mapped(m_origin);
+    m_dragged = change.mapped(m_dragged);
+    if (m_dropCaret) {
+        m_dropCaret = change.mapped(*m_dropCaret, Bias::before);
+    }
+}
+
+void TextViewPointer::pastePrimary(qsizetype offset)
+{
+    if (!m_view.m_services.pasteboard.supportsPrimary() || m_view.isReadOnly()) {
+        return;
+    }
+    const QString text = withLineFeeds(m_view.m_services.pasteboard.primaryText());
+    if (!text.isEmpty()) {
+        m_view.m_undoManager.breakCoalescing();
+        m_view.insertText(text, {offset, 0});
+    }
+}
+
+TextRange TextViewPointer::granule(qsizetype offset, Granularity granularity) const
+{
+    const Rope &text = m_view.m_storage.text();
     switch (granularity) {
     case Granularity::character:
         return {offset, 0};
@@ -54,331 +118,287 @@ TextRange TextView::granule(qsizetype offset, Granularity granularity) const
     Q_UNREACHABLE();
 }
 
-void TextView::selectAt(const Caret &caret, Granularity granularity)
+void TextViewPointer::selectAt(const Caret &caret, Granularity granularity)
 {
-    m_undoManager.breakCoalescing();
-    m_pointer.granularity = granularity;
-    m_pointer.origin = granule(caret.offset, granularity);
-    m_pointer.isSelecting = true;
-    const qsizetype end = m_pointer.origin.end();
-    setCaret({end, granularity == Granularity::character ? caret.affinity : Affinity::downstream, {}}, m_pointer.origin.location);
+    m_view.m_undoManager.breakCoalescing();
+    m_granularity = granularity;
+    m_origin = granule(caret.offset, granularity);
+    m_isSelecting = true;
+    const qsizetype end = m_origin.end();
+    m_view.setCaret({end, granularity == Granularity::character ? caret.affinity : Affinity::downstream, {}}, m_origin.location);
 }
 
-void TextView::extendSelection(QPointF point)
+void TextViewPointer::extendSelection(QPointF point)
 {
     // Letters are counted by the nearest gap, words and lines by what is under the pointer.
-    const bool isWhole = m_pointer.granularity != Granularity::character;
-    const Caret caret = isWhole ? Caret{graphemeUnder(point), Affinity::downstream, {}} : caretAt(point);
-    const TextRange reached = granule(caret.offset, m_pointer.granularity);
-    const TextRange origin = m_pointer.origin;
+    const bool isWhole = m_granularity != Granularity::character;
+    const Caret caret = isWhole ? Caret{graphemeUnder(point), Affinity::downstream, {}} : m_view.caretAt(point);
+    const TextRange reached = granule(caret.offset, m_granularity);
+    const TextRange origin = m_origin;
     if (reached.location < origin.location) {
-        setCaret({reached.location, caret.affinity, {}}, origin.end());
+        m_view.setCaret({reached.location, caret.affinity, {}}, origin.end());
     } else {
-        setCaret({std::max(reached.end(), origin.end()), isWhole ? Affinity::downstream : caret.affinity, {}}, origin.location);
+        m_view.setCaret({std::max(reached.end(), origin.end()), isWhole ? Affinity::downstream : caret.affinity, {}}, origin.location);
     }
 }
 
-void TextView::mousePressEvent(QMouseEvent *event)
+void TextViewPointer::press(QMouseEvent &event)
 {
-    commitPreedit();
-    const bool isNear = (event->position() - m_pointer.pressed).manhattanLength() < QApplication::startDragDistance();
-    m_pointer.last = m_pointer.pressed = event->position();
-    const Caret caret = caretAt(event->position());
-    if (event->button() == Qt::MiddleButton) {
-        if (m_services.pasteboard.supportsPrimary() && !isReadOnly()) {
-            const QString text = withLineFeeds(m_services.pasteboard.primaryText());
-            if (!text.isEmpty()) {
-                m_undoManager.breakCoalescing();
-                insertText(text, {caret.offset, 0});
-            }
-        }
+    m_view.m_input.commit();
+    const bool isNear = (event.position() - m_pressed).manhattanLength() < QApplication::startDragDistance();
+    m_last = m_pressed = event.position();
+    const Caret caret = m_view.caretAt(event.position());
+    if (event.button() == Qt::MiddleButton) {
+        pastePrimary(caret.offset);
         return;
     }
-    if (event->button() != Qt::LeftButton) {
-        event->ignore();
+    if (event.button() != Qt::LeftButton) {
+        event.ignore();
         return;
     }
     const bool isTriple =
-        isNear && m_pointer.doubleClickedAt != 0 &&
-        static_cast<qint64>(event->timestamp()) - m_pointer.doubleClickedAt < QGuiApplication::styleHints()->mouseDoubleClickInterval();
-    m_pointer.doubleClickedAt = 0;
+        isNear && m_doubleClickedAt != 0 &&
+        static_cast<qint64>(event.timestamp()) - m_doubleClickedAt < QGuiApplication::styleHints()->mouseDoubleClickInterval();
+    m_doubleClickedAt = 0;
     if (isTriple) {
         selectAt(caret, Granularity::line);
-    } else if (event->modifiers() & Qt::ShiftModifier) {
-        m_undoManager.breakCoalescing();
-        m_pointer.granularity = Granularity::character;
-        m_pointer.origin = {m_anchor, 0};
-        m_pointer.isSelecting = true;
-        extendSelection(event->position());
-    } else if (dragEnabledAt(event->position())) {
-        m_pointer.mayDrag = true;
+    } else if (event.modifiers() & Qt::ShiftModifier) {
+        m_view.m_undoManager.breakCoalescing();
+        m_granularity = Granularity::character;
+        m_origin = {m_view.m_caret.anchor, 0};
+        m_isSelecting = true;
+        extendSelection(event.position());
+    } else if (isOverSelection(event.position())) {
+        m_mayDrag = true;
     } else {
         selectAt(caret, Granularity::character);
     }
 }
 
-bool TextView::dragEnabledAt(QPointF point)
+bool TextViewPointer::isOverSelection(QPointF point) const
 {
     // Beside the text of a row there is nothing to take hold of.
-    const Viewport::VisibleRow row = m_port.rowAt(point.y());
-    const double x = point.x() - m_port.left();
-    const auto spans = m_layout.spansOf(row.row, selection().range(), {x, x});
+    const Viewport::VisibleRow row = m_view.m_port.rowAt(point.y());
+    const double x = point.x() - m_view.m_port.left();
+    const auto spans = m_view.m_layout.spansOf(row.row, m_view.selection().range(), {x, x});
     return std::any_of(spans.begin(), spans.end(), [x](Span span) { return span.left <= x && x <= span.right; });
 }
 
-void TextView::mouseDoubleClickEvent(QMouseEvent *event)
+void TextViewPointer::doubleClick(QMouseEvent &event)
 {
-    if (event->button() != Qt::LeftButton) {
-        QAbstractScrollArea::mouseDoubleClickEvent(event);
+    if (event.button() != Qt::LeftButton) {
+        press(event);
         return;
     }
-    commitPreedit();
-    m_pointer.mayDrag = false;
-    m_pointer.last = m_pointer.pressed = event->position();
-    m_pointer.doubleClickedAt = static_cast<qint64>(event->timestamp());
-    selectAt({graphemeUnder(event->position()), Affinity::downstream, {}}, Granularity::word);
+    m_view.m_input.commit();
+    m_mayDrag = false;
+    m_last = m_pressed = event.position();
+    m_doubleClickedAt = static_cast<qint64>(event.timestamp());
+    selectAt({graphemeUnder(event.position()), Affinity::downstream, {}}, Granularity::word);
 }
 
-qsizetype TextView::graphemeUnder(QPointF point)
+qsizetype TextViewPointer::graphemeUnder(QPointF point) const
 {
-    const Viewport::VisibleRow row = m_port.rowAt(point.y());
-    return m_layout.graphemeAt(row.row, point.x() - m_port.left());
+    const Viewport::VisibleRow row = m_view.m_port.rowAt(point.y());
+    return m_view.m_layout.graphemeAt(row.row, point.x() - m_view.m_port.left());
 }
 
-void TextView::mouseMoveEvent(QMouseEvent *event)
+void TextViewPointer::move(QMouseEvent &event)
 {
-    m_pointer.last = event->position();
-    if (!(event->buttons() & Qt::LeftButton)) {
+    m_last = event.position();
+    if (!(event.buttons() & Qt::LeftButton)) {
         // The release may have gone elsewhere, to a dialog that came up.
         m_autoScroll.cancel();
-        m_pointer.isSelecting = false;
-        const bool isOverSelection = !selection().isEmpty() && dragEnabledAt(event->position());
-        viewport()->setCursor(isOverSelection ? Qt::ArrowCursor : Qt::IBeamCursor);
+        m_isSelecting = false;
+        const bool mayTakeHold = !m_view.selection().isEmpty() && isOverSelection(event.position());
+        m_view.viewport()->setCursor(mayTakeHold ? Qt::ArrowCursor : Qt::IBeamCursor);
         return;
     }
-    if (m_pointer.mayDrag) {
-        if ((event->position() - m_pointer.pressed).manhattanLength() >= QApplication::startDragDistance()) {
-            m_pointer.mayDrag = false;
+    if (m_mayDrag) {
+        if ((event.position() - m_pressed).manhattanLength() >= QApplication::startDragDistance()) {
+            m_mayDrag = false;
             startDrag();
         }
         return;
     }
-    goOnSelecting(event->position());
+    goOnSelecting(event.position());
 }
 
-void TextView::beginSelectingLines(QPointF point, LineSelection how)
+void TextViewPointer::beginSelectingLines(QPointF point, LineSelection how)
 {
-    commitPreedit();
+    m_view.m_input.commit();
     // The end of lines that were selected upwards is the start of the next line.
-    const qsizetype kept = m_anchor > m_caret.offset ? m_anchor - 1 : m_anchor;
-    const qsizetype from = how == LineSelection::extended ? kept : caretAt(point).offset;
+    const qsizetype kept = m_view.m_caret.anchor > m_view.m_caret.place.offset ? m_view.m_caret.anchor - 1 : m_view.m_caret.anchor;
+    const qsizetype from = how == LineSelection::extended ? kept : m_view.caretAt(point).offset;
     selectAt({from, Affinity::downstream, {}}, Granularity::line);
     goOnSelecting(point);
 }
 
-void TextView::goOnSelecting(QPointF point)
+void TextViewPointer::goOnSelecting(QPointF point)
 {
-    if (!m_pointer.isSelecting) {
+    if (!m_isSelecting) {
         return;
     }
-    m_pointer.last = point;
+    m_last = point;
     extendSelection(point);
-    if (QRectF(viewport()->rect()).contains(point)) {
+    if (QRectF(m_view.viewport()->rect()).contains(point)) {
         m_autoScroll.cancel();
     } else if (!m_autoScroll.isPending()) {
-        m_autoScroll = m_services.scheduler.every(30ms, 5ms, [this] { autoScroll(); });
+        m_autoScroll = m_view.m_services.scheduler.every(30ms, 5ms, [this] { autoScroll(); });
     }
 }
 
-void TextView::autoScroll()
+void TextViewPointer::autoScroll()
 {
-    const QRectF area = viewport()->rect();
+    const QRectF area = m_view.viewport()->rect();
     const auto beyond = [](double value, double from, double to) { return value < from ? value - from : std::max(0.0, value - to); };
     // The farther outside the pointer is, the faster it goes.
-    m_port.scrollBy(beyond(m_pointer.last.y(), area.top(), area.bottom()) / 2);
-    m_port.setX(m_port.position().x() + beyond(m_pointer.last.x(), area.left(), area.right()) / 2);
-    extendSelection({std::clamp(m_pointer.last.x(), area.left(), area.right()),
-                     std::clamp(m_pointer.last.y(), area.top(), std::max(area.top(), area.bottom() - 1))});
-    viewMoved();
-    viewport()->update();
+    m_view.m_port.scrollBy(beyond(m_last.y(), area.top(), area.bottom()) / 2);
+    m_view.m_port.setX(m_view.m_port.position().x() + beyond(m_last.x(), area.left(), area.right()) / 2);
+    extendSelection(
+        {std::clamp(m_last.x(), area.left(), area.right()), std::clamp(m_last.y(), area.top(), std::max(area.top(), area.bottom() - 1))});
+    m_view.viewMoved();
+    m_view.viewport()->update();
 }
 
-void TextView::mouseReleaseEvent(QMouseEvent *event)
+void TextViewPointer::release(QMouseEvent &event)
 {
-    if (event->button() != Qt::LeftButton) {
+    if (event.button() != Qt::LeftButton) {
         return;
     }
-    if (m_pointer.mayDrag) {
+    if (m_mayDrag) {
         // The press in the selection was no drag: it meant the place.
-        m_pointer.mayDrag = false;
-        const Caret caret = caretAt(event->position());
-        setCaret(caret, caret.offset);
+        m_mayDrag = false;
+        const Caret caret = m_view.caretAt(event.position());
+        m_view.setCaret(caret, caret.offset);
     }
     endSelecting();
 }
 
-void TextView::endSelecting()
+void TextViewPointer::endSelecting()
 {
     m_autoScroll.cancel();
-    m_pointer.isSelecting = false;
+    m_isSelecting = false;
     // A whole word or line may end far outside, and what was clicked at is in sight.
-    if (m_pointer.granularity == Granularity::character) {
-        revealCaret();
+    if (m_granularity == Granularity::character) {
+        m_view.revealCaret();
     }
-    publishPrimarySelection();
+    m_view.publishPrimarySelection();
 }
 
-void TextView::wheelEvent(QWheelEvent *event)
+void TextViewPointer::wheel(QWheelEvent &event)
 {
-    if (event->modifiers() & Qt::ControlModifier) {
-        m_zoomRest += event->angleDelta().y();
+    if (event.modifiers() & Qt::ControlModifier) {
+        m_zoomRest += event.angleDelta().y();
         const int steps = m_zoomRest / QWheelEvent::DefaultDeltasPerStep;
         m_zoomRest -= steps * QWheelEvent::DefaultDeltasPerStep;
         if (steps != 0) {
-            emit zoomRequested(steps);
+            emit m_view.zoomRequested(steps);
         }
-        event->accept();
+        event.accept();
         return;
     }
-    QPointF pixels = event->pixelDelta();
+    QPointF pixels = event.pixelDelta();
     // X11 reports pixels that mean nothing.
     if (pixels.isNull() || QGuiApplication::platformName() == QLatin1String("xcb")) {
-        const double row = QApplication::wheelScrollLines() * m_layout.rowHeight();
-        pixels = QPointF(event->angleDelta()) / QWheelEvent::DefaultDeltasPerStep * row;
+        const double row = QApplication::wheelScrollLines() * m_view.m_layout.rowHeight();
+        pixels = QPointF(event.angleDelta()) / QWheelEvent::DefaultDeltasPerStep * row;
     }
-    if (event->modifiers() & Qt::ShiftModifier) {
+    if (event.modifiers() & Qt::ShiftModifier) {
         pixels = pixels.transposed();
     }
     // Only whole device pixels move; what is left over counts with the next turn of the wheel.
-    const double dpr = devicePixelRatioF();
+    const double dpr = m_view.devicePixelRatioF();
     m_wheelRest += pixels;
     const QPointF whole(std::trunc(m_wheelRest.x() * dpr) / dpr, std::trunc(m_wheelRest.y() * dpr) / dpr);
     m_wheelRest -= whole;
-    m_port.scrollBy(-whole.y());
-    m_port.setX(m_port.position().x() - whole.x());
-    viewMoved();
-    viewport()->update();
-    event->accept();
-}
-
-void TextView::contextMenuEvent(QContextMenuEvent *event)
-{
-    static constexpr auto items = std::to_array<const Action *>({&Actions::undo, &Actions::redo, nullptr, &Actions::cut, &Actions::copy,
-                                                                 &Actions::paste, &Actions::deleteSelection, nullptr, &Actions::selectAll});
-    const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
-    const qsizetype offset = isByKey ? m_caret.offset : graphemeUnder(event->pos());
-    // What the menu does concerns what was clicked.
-    if (!isByKey && !dragEnabledAt(event->pos())) {
-        commitPreedit();
-        setSelection(TextSelection::at(caretAt(event->pos()).offset));
-    }
-    auto *menu = new QMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    for (const Action *action : items) {
-        if (!action) {
-            menu->addSeparator();
-            continue;
-        }
-        QAction *entry = menu->addAction(localized(action->title), this, [this, action] { perform(*action); });
-        entry->setEnabled(state(*action).isEnabled);
-    }
-    emit contextMenuRequested(menu, offset);
-    menu->popup(isByKey ? mapToGlobal(caretRectangle().bottomLeft()) : event->globalPos());
+    m_view.m_port.scrollBy(-whole.y());
+    m_view.m_port.setX(m_view.m_port.position().x() - whole.x());
+    m_view.viewMoved();
+    m_view.viewport()->update();
+    event.accept();
 }
 
 // Drag and drop
 
-void TextView::startDrag()
+void TextViewPointer::startDrag()
 {
-    m_dragged = selection().range();
-    draggingView = this;
-    const QPointer<TextView> alive(this);
-    auto *content = new LazyTextMimeData([snapshot = m_storage.snapshot(), range = m_dragged] { return snapshot.text.toString(range); });
-    const Qt::DropActions allowed = isReadOnly() ? Qt::DropActions(Qt::CopyAction) : Qt::CopyAction | Qt::MoveAction;
-    const Qt::DropAction done = runDrag(content, allowed, isReadOnly() ? Qt::CopyAction : Qt::MoveAction);
+    m_dragged = m_view.selection().range();
+    const QPointer<TextView> alive(&m_view);
+    auto *content = new DraggedText(m_view, m_view.m_storage.snapshot(), m_dragged);
+    const bool isReadOnly = m_view.isReadOnly();
+    const Qt::DropActions allowed = isReadOnly ? Qt::DropActions(Qt::CopyAction) : Qt::CopyAction | Qt::MoveAction;
+    const Qt::DropAction done = m_view.runDrag(content, allowed, isReadOnly ? Qt::CopyAction : Qt::MoveAction);
     if (!alive) {
         return;
     }
-    // A move to a view of the same text has already taken it from where it was.
-    if (done == Qt::MoveAction && draggingView == this && !m_dragged.isEmpty()) {
-        removeRange(m_dragged, GroupKind::other);
+    if (done == Qt::MoveAction && !m_dragged.isEmpty()) {
+        m_view.removeRange(m_dragged, GroupKind::other);
     }
-    draggingView.clear();
     m_dragged = {};
 }
 
-Qt::DropAction TextView::runDrag(QMimeData *content, Qt::DropActions allowed, Qt::DropAction proposed)
-{
-    auto *drag = new QDrag(this);
-    drag->setMimeData(content);
-    return drag->exec(allowed, proposed);
-}
-
-void TextView::setDropCaret(std::optional<qsizetype> offset)
+void TextViewPointer::setDropCaret(std::optional<qsizetype> offset)
 {
     if (m_dropCaret != offset) {
         m_dropCaret = offset;
-        viewport()->update();
+        m_view.viewport()->update();
     }
 }
 
-void TextView::dragEnterEvent(QDragEnterEvent *event)
+void TextViewPointer::dragEnter(QDragMoveEvent &event)
 {
-    if (isReadOnly() || !takesDrop(*event)) {
-        event->ignore();
+    if (m_view.isReadOnly() || !takesDrop(event)) {
+        event.ignore();
         return;
     }
-    event->acceptProposedAction();
+    event.acceptProposedAction();
 }
 
-void TextView::dragMoveEvent(QDragMoveEvent *event)
+void TextViewPointer::dragMove(QDragMoveEvent &event)
 {
-    if (isReadOnly() || !takesDrop(*event)) {
+    if (m_view.isReadOnly() || !takesDrop(event)) {
         setDropCaret({});
-        event->ignore();
+        event.ignore();
         return;
     }
-    const double edge = m_layout.rowHeight();
-    const QPointF point = event->position();
+    const double edge = m_view.m_layout.rowHeight();
+    const QPointF point = event.position();
     if (point.y() < edge) {
-        scrollRows(-1);
-    } else if (point.y() > viewport()->height() - edge) {
-        scrollRows(1);
+        m_view.scrollRows(-1);
+    } else if (point.y() > m_view.viewport()->height() - edge) {
+        m_view.scrollRows(1);
     }
-    setDropCaret(caretAt(point).offset);
-    event->acceptProposedAction();
+    setDropCaret(m_view.caretAt(point).offset);
+    event.acceptProposedAction();
 }
 
-void TextView::dragLeaveEvent(QDragLeaveEvent *event)
+void TextViewPointer::drop(QDropEvent &event)
 {
     setDropCaret({});
-    event->accept();
-}
-
-void TextView::dropEvent(QDropEvent *event)
-{
-    setDropCaret({});
-    if (isReadOnly() || !takesDrop(*event)) {
-        event->ignore();
+    if (m_view.isReadOnly() || !takesDrop(event)) {
+        event.ignore();
         return;
     }
     // What is being composed would be committed over the dropped text.
-    commitPreedit();
-    const bool isOwnText = draggingView && &draggingView->m_storage == &m_storage;
-    const bool isOwnMove = isOwnText && event->dropAction() == Qt::MoveAction && !draggingView->isReadOnly();
-    const TextRange moved = isOwnMove ? draggingView->m_dragged : TextRange{};
-    if (!dropText(withLineFeeds(event->mimeData()->text()), caretAt(event->position()).offset, moved)) {
-        event->ignore(); // or the source would delete what did not arrive
+    m_view.m_input.commit();
+    const auto *dragged = dynamic_cast<const DraggedText *>(event.mimeData());
+    TextView *source = dragged ? dragged->source() : nullptr;
+    const bool isOwnMove =
+        source && &source->m_storage == &m_view.m_storage && event.dropAction() == Qt::MoveAction && !source->isReadOnly();
+    const TextRange moved = isOwnMove ? source->m_pointer.m_dragged : TextRange{};
+    if (!dropText(withLineFeeds(event.mimeData()->text()), m_view.caretAt(event.position()).offset, moved)) {
+        event.ignore(); // or the source would delete what did not arrive
         return;
     }
-    event->acceptProposedAction();
+    event.acceptProposedAction();
     if (isOwnMove) {
-        draggingView.clear();
+        source->m_pointer.m_dragged = {};
     }
-    setFocus(Qt::MouseFocusReason);
+    m_view.setFocus(Qt::MouseFocusReason);
 }
 
-bool TextView::dropText(const QString &text, qsizetype offset, TextRange taken)
+bool TextViewPointer::dropText(const QString &text, qsizetype offset, TextRange taken)
 {
     if (!taken.isEmpty() && taken.location <= offset && offset <= taken.end()) {
         return true; // onto itself
@@ -393,6 +413,40 @@ bool TextView::dropText(const QString &text, qsizetype offset, TextRange taken)
         edits.add(taken, Rope());
     }
     const qsizetype at = isTakenFirst ? offset - taken.length : offset;
-    m_undoManager.breakCoalescing();
-    return apply(edits, GroupKind::other, {at, at + text.length()});
+    m_view.m_undoManager.breakCoalescing();
+    return m_view.apply(edits, GroupKind::other, {at, at + text.length()});
+}
+
+// What needs the widget
+
+Qt::DropAction TextView::runDrag(QMimeData *content, Qt::DropActions allowed, Qt::DropAction proposed)
+{
+    auto *drag = new QDrag(this);
+    drag->setMimeData(content);
+    return drag->exec(allowed, proposed);
+}
+
+void TextView::contextMenuEvent(QContextMenuEvent *event)
+{
+    static constexpr auto items = std::to_array<const Action *>({&Actions::undo, &Actions::redo, nullptr, &Actions::cut, &Actions::copy,
+                                                                 &Actions::paste, &Actions::deleteSelection, nullptr, &Actions::selectAll});
+    const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
+    const qsizetype offset = isByKey ? m_caret.place.offset : m_pointer.graphemeUnder(event->pos());
+    // What the menu does concerns what was clicked.
+    if (!isByKey && !m_pointer.isOverSelection(event->pos())) {
+        m_input.commit();
+        setSelection(TextSelection::at(caretAt(event->pos()).offset));
+    }
+    auto *menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    for (const Action *action : items) {
+        if (!action) {
+            menu->addSeparator();
+            continue;
+        }
+        QAction *entry = menu->addAction(localized(action->title), this, [this, action] { perform(*action); });
+        entry->setEnabled(state(*action).isEnabled);
+    }
+    emit contextMenuRequested(menu, offset);
+    menu->popup(isByKey ? mapToGlobal(caretRectangle().bottomLeft()) : event->globalPos());
 }

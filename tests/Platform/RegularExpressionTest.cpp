@@ -110,7 +110,18 @@ TEST(RegularExpression, AllowsLongTextsOfHarmlessMatches)
 TEST(RegularExpression, ReplacesByTemplate)
 {
     const auto replaced = [](QStringView pattern, QStringView text, QStringView format) {
-        return RegularExpression::compile(pattern).value().replacingMatches(text, {0, text.size()}, format);
+        auto expression = RegularExpression::compile(pattern).value();
+        QString result;
+        qsizetype copied = 0;
+        expression.forEachMatch(text, {0, text.size()}, [&](const RegularExpression &found) {
+            const auto match = found.match();
+            result += text.sliced(copied, match.range().location - copied);
+            result += RegularExpression::replacement(match, text, format);
+            copied = match.range().end();
+            return true;
+        });
+        result += text.sliced(copied);
+        return result;
     };
     EXPECT_EQ(replaced(u"(\\w)(\\d)?", u"a1 b", u"<$0|$1|$2|$9>"), u"<a1|a|1|> <b|b||>");
     EXPECT_EQ(replaced(u"a", u"a", u"\\$0 \\\\ $ $x \\n\\"), u"$0 \\ $ $x n");

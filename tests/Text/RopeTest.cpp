@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Text/Rope.h"
 #include "RandomText.h"
+#include "Text/TextEdits.h"
 #include "Text/TextTreeCode.h"
 
 #include <gtest/gtest.h>
@@ -102,6 +102,26 @@ struct TreeNames {
 };
 TYPED_TEST_SUITE(RopeModel, Trees, TreeNames);
 
+using Changes = std::vector<std::pair<TextRange, std::u16string>>;
+
+template<class Tree>
+void replaceAll(Tree &tree, const Changes &changes)
+{
+    std::vector<Tree> texts;
+    for (const auto &change : changes)
+        texts.emplace_back(QStringView(change.second));
+    tree.replace(
+        changes.size(), [&changes](size_t i) { return changes[i].first; }, [&texts](size_t i) -> const Tree & { return texts[i]; });
+}
+
+void replaceAll(Rope &rope, const Changes &changes)
+{
+    std::vector<TextEdit> edits;
+    for (const auto &[range, text] : changes)
+        edits.push_back({range, Rope(QStringView(text))});
+    rope.replace(edits);
+}
+
 /// The same random edits on a tree and on a string; a tenth of the steps keep a snapshot, which must outlive all later ones unchanged.
 template<class Tree>
 void runScript(quint32 seed, int steps, qsizetype unit)
@@ -142,6 +162,21 @@ void runScript(quint32 seed, int steps, qsizetype unit)
             script << "replace({" << from << "," << count << "}, built(" << escaped(text) << "));\n";
             tree.replace(range, builder.build());
             model.replace(size_t(from), size_t(count), text);
+            break;
+        }
+        case 2: { // In many places at once.
+            Changes changes;
+            const qsizetype farthest = random.oneIn(2) ? 3 : 3 * unit;
+            for (qsizetype at = random.below(farthest); at <= length; at += 1 + random.below(farthest)) {
+                const TextRange place{at, std::min(random.below(random.oneIn(6) ? 5 * unit : 3), length - at)};
+                changes.emplace_back(place, random.text(random.below(random.oneIn(8) ? 4 * unit : 3)));
+                at = place.end();
+            }
+            for (const auto &[place, inserted] : changes)
+                script << "{" << place.location << "," << place.length << "}, " << escaped(inserted) << "\n";
+            replaceAll(tree, changes);
+            for (auto change = changes.rbegin(); change != changes.rend(); ++change)
+                model.replace(size_t(change->first.location), size_t(change->first.length), change->second);
             break;
         }
         default:

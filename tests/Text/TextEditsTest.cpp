@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "RandomText.h"
 #include "Text/TextEdits.h"
+#include "RandomText.h"
 
 #include <gtest/gtest.h>
 

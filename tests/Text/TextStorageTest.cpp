@@ -66,8 +66,8 @@ TEST(TextStorage, RandomChangesAreReportedAsWhatTheyDid)
                 for (const TextRange part : reported)
                     std::fill_n(isReported.begin() + part.location, part.length, true);
                 for (qsizetype unit = 0; unit < length; ++unit) {
-                    const bool changes = range.contains(unit) && model.styles[size_t(unit)] != style;
-                    ASSERT_EQ(isReported[size_t(unit)], changes) << unit;
+                    const bool differs = range.contains(unit) && model.styles[size_t(unit)] != style;
+                    ASSERT_EQ(isReported[size_t(unit)], differs) << unit;
                 }
                 std::fill_n(model.styles.begin() + range.location, range.length, style);
             } else {

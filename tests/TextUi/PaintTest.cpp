@@ -83,10 +83,10 @@ struct Looks {
 
     void apply(TextView &view) const
     {
-        view.setCaretShape(caret);
-        view.setInvisibles(invisibles);
+        view.setLook(&TextLooks::caretShape, caret);
+        view.setLook(&TextLooks::invisibles, invisibles);
         if (hasMarks) {
-            view.setMarkProvider([&storage = view.storage()](TextRange seen) { return marksOf(storage, seen); });
+            view.setLook(&TextLooks::marks, [&storage = view.storage()](TextRange seen) { return marksOf(storage, seen); });
         }
     }
 };

@@ -212,7 +212,7 @@ TEST(TextView, WhatComesFromElsewhereHasLineFeedsOnly)
 {
     ViewFixture fixture;
     fixture.pasteboard.setText(u"a\r\nb\rc\n"_s);
-    fixture.view.paste();
+    fixture.keys(u"<C-v>"_s);
     EXPECT_EQ(fixture.storage.string(), u"a\nb\nc\n"_s);
     fixture.pasteboard.setPrimaryFromElsewhere(u"\r\n"_s);
     QTest::mouseClick(fixture.view.viewport(), Qt::MiddleButton, {}, fixture.pointOf(0));

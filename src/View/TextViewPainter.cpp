@@ -1,16 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "View/TextViewPainter.h"
 
-// The painting of a TextView. From back to front: background, the caret's row, marks, selection, text, underlines, invisibles, caret. Only
-// the rows in the region asked for are touched, and nothing is laid out that cannot be seen.
-
-#include "Text/TextStorage.h"
-#include "View/TextView.h"
-
-#include <QPaintEvent>
 #include <QPainter>
 
 #include <cmath>
+
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -31,28 +27,75 @@ private:
 
 } // namespace
 
-void TextView::paintEvent(QPaintEvent *event)
+// The indicator
+
+void TextIndicator::show(TextRange range, Scheduler &scheduler, std::function<void(TextRange)> repaint)
 {
-    const QRectF area = event->rect();
-    QPainter painter(viewport());
+    // Full for a while, then it fades; a step is hardly seen.
+    constexpr double initialStrength = 2;
+    m_repaint = std::move(repaint);
+    m_repaint(m_range);
+    m_range = range;
+    m_strength = initialStrength;
+    m_fades = scheduler.every(40ms, 10ms, [this] { fade(); });
+    m_repaint(m_range);
+}
+
+void TextIndicator::fade()
+{
+    constexpr double step = 0.125;
+    const bool isFull = m_strength > 1;
+    m_strength -= step;
+    if (!isFull) {
+        m_repaint(m_range);
+    }
+    if (m_strength <= 0) {
+        m_strength = 0;
+        m_range = {};
+        m_fades.cancel();
+    }
+}
+
+// The rows
+
+void TextViewPainter::paint(QPainter &painter, QRectF area, const Rope &text, const Frame &frame)
+{
     // Larger than what was asked for: at a fractional scale the clip's edge, not the rectangle's, decides about a pixel in between.
-    painter.fillRect(area.adjusted(-1, -1, 1, 1), m_colors.background);
+    painter.fillRect(area.adjusted(-1, -1, 1, 1), looks.colors.background);
     painter.setFont(m_layout.settings().font);
     const double left = m_port.left();
     const Span visible{area.left() - 1 - left, area.right() + 1 - left};
     const auto rows = m_port.rows(area.top() - 1, area.bottom() + 1);
-    if (hasFocus()) {
-        painter.fillRect(caretRowInViewport(), m_colors.currentLine);
-    }
+    painter.fillRect(frame.caretRow, looks.colors.currentLine);
     for (const Viewport::VisibleRow &row : rows) {
-        paintRow(painter, row, visible);
+        frame.paintBehind(row, visible);
+        paintMarks(painter, row, visible);
+        paintSelection(painter, row, visible, frame.selected);
+        paintIndicator(painter, row, visible);
+        painter.setPen(looks.colors.text);
+        m_layout.forEachLayout(row.row, visible, [&](const SegmentLayout &shown, int inLayout, double x) {
+            shown.drawRow(painter, inLayout, left + x, row.top);
+        });
+        paintMisspellings(painter, row, visible);
+        if (looks.invisibles == TextLooks::Visibility::shown) {
+            paintInvisibles(painter, row, visible, text);
+        }
     }
-    paintCaret(painter);
-    noticeWidths();
+    if (frame.dropCaret) {
+        paintDropCaret(painter, *frame.dropCaret);
+    }
+    if (frame.caret) {
+        paintCaret(painter, *frame.caret);
+    }
+}
+
+QRectF TextViewPainter::box(const Viewport::VisibleRow &row, Span span) const
+{
+    return {m_port.left() + span.left, row.top, span.right - span.left, m_layout.rowHeight()};
 }
 
 /// The units of the row that can be seen: of a long line only these are asked for, it may hold millions.
-TextRange TextView::seenOf(const Viewport::VisibleRow &row, Span visible)
+TextRange TextViewPainter::seenOf(const Viewport::VisibleRow &row, Span visible)
 {
     TextRange seen = m_layout.rangeOf(row.row);
     if (!m_layout.wraps()) {
@@ -64,40 +107,39 @@ TextRange TextView::seenOf(const Viewport::VisibleRow &row, Span visible)
     return seen;
 }
 
-void TextView::paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+void TextViewPainter::paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
 {
-    if (!m_marks) {
+    if (!looks.marks) {
         return;
     }
-    for (const TextRange mark : m_marks(seenOf(row, visible))) {
+    for (const TextRange mark : looks.marks(seenOf(row, visible))) {
         for (const Span span : m_layout.spansOf(row.row, mark, visible)) {
-            painter.fillRect(QRectF(m_port.left() + span.left, row.top, span.right - span.left, m_layout.rowHeight()), m_colors.mark);
+            painter.fillRect(box(row, span), looks.colors.mark);
         }
     }
 }
 
-void TextView::paintIndicator(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+void TextViewPainter::paintIndicator(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
 {
-    if (m_indicatorStrength <= 0 || !m_indicated.touches(m_layout.rangeOf(row.row))) {
+    if (indicator.strength() <= 0 || !indicator.range().touches(m_layout.rangeOf(row.row))) {
         return;
     }
     QColor fill = indicatorColor;
-    fill.setAlphaF(0.5F * float(std::min(1.0, m_indicatorStrength)));
+    fill.setAlphaF(0.5F * float(indicator.strength()));
     QColor edge = indicatorColor;
-    edge.setAlphaF(float(std::min(1.0, m_indicatorStrength)));
+    edge.setAlphaF(float(indicator.strength()));
     const PainterState state(painter);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(edge, 1.5));
     painter.setBrush(fill);
-    for (const Span span : m_layout.spansOf(row.row, m_indicated, visible)) {
-        const QRectF box(m_port.left() + span.left, row.top, span.right - span.left, m_layout.rowHeight());
-        painter.drawRoundedRect(box.adjusted(-2, 0.75, 2, -0.75), 3, 3);
+    for (const Span span : m_layout.spansOf(row.row, indicator.range(), visible)) {
+        painter.drawRoundedRect(box(row, span).adjusted(-2, 0.75, 2, -0.75), 3, 3);
     }
 }
 
-void TextView::paintMisspellings(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+void TextViewPainter::paintMisspellings(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
 {
-    if (!m_misspellings) {
+    if (!looks.misspellings) {
         return;
     }
     constexpr double amplitude = 1;
@@ -106,7 +148,7 @@ void TextView::paintMisspellings(QPainter &painter, const Viewport::VisibleRow &
     const PainterState state(painter);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(misspellingColor, 1));
-    for (const TextRange word : m_misspellings(seenOf(row, visible))) {
+    for (const TextRange word : looks.misspellings(seenOf(row, visible))) {
         for (const Span span : m_layout.spansOf(row.row, word, visible)) {
             QPolygonF wave;
             for (double x = span.left; x <= span.right; x += step) {
@@ -117,25 +159,8 @@ void TextView::paintMisspellings(QPainter &painter, const Viewport::VisibleRow &
     }
 }
 
-void TextView::paintRow(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+void TextViewPainter::paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible, TextRange selected)
 {
-    const double left = m_port.left();
-    paintBehind(painter, row, visible);
-    paintMarks(painter, row, visible);
-    paintSelection(painter, row, visible);
-    paintIndicator(painter, row, visible);
-    painter.setPen(m_colors.text);
-    m_layout.forEachLayout(
-        row.row, visible, [&](const SegmentLayout &shown, int inLayout, double x) { shown.drawRow(painter, inLayout, left + x, row.top); });
-    paintMisspellings(painter, row, visible);
-    if (m_invisibles == Visibility::shown) {
-        paintInvisibles(painter, row, visible);
-    }
-}
-
-void TextView::paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
-{
-    const TextRange selected = selection().range();
     if (selected.isEmpty()) {
         return;
     }
@@ -143,27 +168,25 @@ void TextView::paintSelection(QPainter &painter, const Viewport::VisibleRow &row
     if (selected.end() < units.location || selected.location > units.end()) {
         return;
     }
-    const double left = m_port.left();
-    const double height = m_layout.rowHeight();
     for (const Span span : m_layout.spansOf(row.row, selected, visible)) {
-        painter.fillRect(QRectF(left + span.left, row.top, span.right - span.left, height), m_colors.selection);
+        painter.fillRect(box(row, span), looks.colors.selection);
     }
     // A selected line break shows as a stub behind the text, or an empty line would look unselected.
     const bool hasBreak = selected.location <= units.end() && selected.end() > units.end() && m_layout.endsLine(row.row);
     if (hasBreak) {
         const double end = m_layout.widthOf(row.row);
-        painter.fillRect(QRectF(left + end, row.top, m_layout.cellWidth() / 2, height), m_colors.selection);
+        painter.fillRect(box(row, {end, end + m_layout.cellWidth() / 2}), looks.colors.selection);
     }
 }
 
-void TextView::paintInvisibles(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+void TextViewPainter::paintInvisibles(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Rope &text)
 {
-    painter.setPen(m_colors.invisibles);
+    painter.setPen(looks.colors.invisibles);
     const double left = m_port.left();
     const double baseline = row.top + m_layout.baseline();
     m_layout.forEachLayout(row.row, visible, [&](const SegmentLayout &shown, int inLayout, double x) {
         const TextRange units = m_layout.wraps() ? shown.rowRange(inLayout) : shown.range();
-        RopeCursor cursor(m_storage.text());
+        RopeCursor cursor(text);
         for (qsizetype offset = units.location; offset < units.end(); ++offset) {
             const char16_t unit = cursor.at(offset);
             if (unit == u' ' || unit == u'\t') {
@@ -179,7 +202,7 @@ void TextView::paintInvisibles(QPainter &painter, const Viewport::VisibleRow &ro
         }
     });
     const TextRange units = m_layout.rangeOf(row.row);
-    if (m_layout.endsLine(row.row) && units.end() < m_storage.length()) {
+    if (m_layout.endsLine(row.row) && units.end() < text.length()) {
         const double end = m_layout.widthOf(row.row);
         if (end <= visible.right) {
             painter.drawText(QPointF(left + end, baseline), QStringLiteral("\u00AC"));
@@ -187,24 +210,20 @@ void TextView::paintInvisibles(QPainter &painter, const Viewport::VisibleRow &ro
     }
 }
 
-void TextView::paintCaret(QPainter &painter)
+void TextViewPainter::paintDropCaret(QPainter &painter, qsizetype offset)
 {
-    if (m_dropCaret) {
-        const RowPosition row = m_layout.rowOf(*m_dropCaret);
-        if (const auto top = m_port.topOf(row)) {
-            painter.fillRect(QRectF(std::floor(m_port.left() + m_layout.xOf(row, *m_dropCaret)), *top, 2, m_layout.rowHeight()),
-                             m_colors.caret);
-        }
+    const RowPosition row = m_layout.rowOf(offset);
+    if (const auto top = m_port.topOf(row)) {
+        painter.fillRect(QRectF(std::floor(m_port.left() + m_layout.xOf(row, offset)), *top, 2, m_layout.rowHeight()), looks.colors.caret);
     }
-    const bool isShown = hasFocus() && (m_isCaretOn || m_caretShape == CaretShape::block) && (!isComposing() || m_isPreeditCaretShown);
-    if (!isShown) {
-        return;
-    }
-    QRectF caret = caretInViewport();
-    QColor color = m_colors.caret;
-    if (m_caretShape == CaretShape::block) {
+}
+
+void TextViewPainter::paintCaret(QPainter &painter, QRectF caret)
+{
+    QColor color = looks.colors.caret;
+    if (looks.caretShape == TextLooks::CaretShape::block) {
         color.setAlphaF(blockCaretAlpha);
-    } else if (m_caretShape == CaretShape::underline) {
+    } else if (looks.caretShape == TextLooks::CaretShape::underline) {
         caret.setTop(caret.bottom() - 2);
     }
     painter.fillRect(caret, color);

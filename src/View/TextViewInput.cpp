@@ -1,10 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-
-// A TextView and the input methods: dead keys, Compose, and whole sentences composed before they become text.
-//
-// What is being composed (the preedit) is shown in the view and never enters the storage or the undo history. An input method may ask
-// for the text around the caret; it gets an excerpt, since some protocols break at 4000 bytes and a line may have ten million.
+#include "View/TextViewInput.h"
 
 #include "Text/TextStorage.h"
 #include "View/TextView.h"
@@ -73,134 +69,139 @@ PreeditLook lookOf(const QInputMethodEvent &event)
 
 } // namespace
 
-void TextView::inputMethodEvent(QInputMethodEvent *event)
+void TextViewInput::handle(QInputMethodEvent &event)
 {
-    if (isReadOnly()) {
-        event->ignore();
+    if (m_view.isReadOnly()) {
+        event.ignore();
         return;
     }
-    const bool changesText = !event->commitString().isEmpty() || event->replacementLength() > 0;
-    const bool beginsComposing = !event->preeditString().isEmpty() && !isComposing();
-    if (isComposing()) {
-        m_layout.setPreedit({});
-    }
+    const bool changesText = !event.commitString().isEmpty() || event.replacementLength() > 0;
+    const bool beginsComposing = !event.preeditString().isEmpty() && !isComposing();
+    endComposing();
     if (changesText) {
-        commitText(*event);
-    } else if (beginsComposing && !selection().isEmpty()) {
-        deleteSelection();
+        insert(event);
+    } else if (beginsComposing && !m_view.selection().isEmpty()) {
+        m_view.deleteSelection();
     }
-    for (const QInputMethodEvent::Attribute &attribute : event->attributes()) {
+    for (const QInputMethodEvent::Attribute &attribute : event.attributes()) {
         if (attribute.type == QInputMethodEvent::Selection) {
-            const TextRange around = surroundingRange(m_storage.text(), m_caret.offset);
+            const TextRange around = surroundingRange(m_view.m_storage.text(), m_view.m_caret.place.offset);
             const qsizetype from = around.location + attribute.start;
-            setSelection({from, from + attribute.length}, Reveal::nearest);
+            m_view.setSelection({from, from + attribute.length}, TextView::Reveal::nearest);
         }
     }
-    if (!event->preeditString().isEmpty()) {
-        const PreeditLook look = lookOf(*event);
-        m_preeditCaret = look.caret;
-        m_isPreeditCaretShown = look.isCaretShown;
-        m_layout.setPreedit({m_caret.offset, event->preeditString(), look.formats});
+    if (!event.preeditString().isEmpty()) {
+        const PreeditLook look = lookOf(event);
+        m_caret = look.caret;
+        m_isCaretShown = look.isCaretShown;
+        m_view.m_layout.setPreedit({m_view.m_caret.place.offset, event.preeditString(), look.formats});
     }
-    m_port.settle();
-    revealCaret();
-    restartBlinking();
-    viewMoved();
-    viewport()->update();
+    m_view.m_port.settle();
+    m_view.revealCaret();
+    m_view.m_caret.restartBlinking();
+    m_view.viewMoved();
+    m_view.viewport()->update();
     QGuiApplication::inputMethod()->update(Qt::ImCursorRectangle | Qt::ImSurroundingText | Qt::ImCursorPosition | Qt::ImAnchorPosition);
-    event->accept();
+    event.accept();
 }
 
-void TextView::commitText(const QInputMethodEvent &event)
+void TextViewInput::insert(const QInputMethodEvent &event)
 {
     const QString text = event.commitString();
     if (event.replacementLength() == 0 && event.replacementStart() == 0) {
-        typeText(text);
+        m_view.typeText(text);
         return;
     }
     // The replacement counts from the caret, which after a selection is deleted stands at its start.
-    const TextRange selected = selection().range();
+    const TextRange selected = m_view.selection().range();
     const TextEdits removal(selected, Rope());
-    const Rope rest = removal.applied(m_storage.text());
+    const Rope rest = removal.applied(m_view.m_storage.text());
     const qsizetype from = std::clamp<qsizetype>(selected.location + event.replacementStart(), 0, rest.length());
     const TextRange range = wholePairs(rest, TextRange{from, event.replacementLength()}.clampedTo(rest.length()));
-    apply(removal.followedBy({range, text}), GroupKind::typing, TextSelection::at(range.location + text.length()));
+    m_view.apply(removal.followedBy({range, text}), GroupKind::typing, TextSelection::at(range.location + text.length()));
 }
 
-void TextView::movePreedit()
+bool TextViewInput::isComposing() const
 {
-    LayoutManager::Preedit preedit = m_layout.preedit();
-    preedit.offset = m_caret.offset;
-    m_layout.setPreedit(std::move(preedit));
-    viewport()->update();
+    return !m_view.m_layout.preedit().text.isEmpty();
 }
 
-void TextView::commitPreedit()
+void TextViewInput::endComposing()
+{
+    if (isComposing()) {
+        m_view.m_layout.setPreedit({});
+        m_view.viewport()->update();
+    }
+}
+
+void TextViewInput::movePreedit()
+{
+    LayoutManager::Preedit preedit = m_view.m_layout.preedit();
+    preedit.offset = m_view.m_caret.place.offset;
+    m_view.m_layout.setPreedit(std::move(preedit));
+    m_view.viewport()->update();
+}
+
+void TextViewInput::commit()
 {
     if (!isComposing()) {
         return;
     }
     // The input method answers with an event that commits; one that does not has nothing to keep.
     QGuiApplication::inputMethod()->commit();
-    if (isComposing()) {
-        m_layout.setPreedit({});
-        viewport()->update();
-    }
+    endComposing();
 }
 
-bool TextView::cancelsPreedit(const QKeyEvent &event)
+bool TextViewInput::isCancelledBy(const QKeyEvent &event)
 {
     if (!isComposing() || event.key() != Qt::Key_Escape) {
         return false;
     }
     QGuiApplication::inputMethod()->reset();
-    m_layout.setPreedit({});
-    viewport()->update();
+    endComposing();
     return true;
 }
 
-QVariant TextView::inputMethodQuery(Qt::InputMethodQuery query) const
+QVariant TextViewInput::answer(Qt::InputMethodQuery query) const
 {
-    // Layout is made on demand, so even a question changes the cache.
-    auto *self = const_cast<TextView *>(this);
-    const Rope &text = m_storage.text();
-    const TextRange around = surroundingRange(text, m_caret.offset);
-    const TextRange selected = selection().range();
+    const Rope &text = m_view.m_storage.text();
+    const TextRange around = surroundingRange(text, m_view.m_caret.place.offset);
+    const TextRange selected = m_view.selection().range();
     switch (query) {
     case Qt::ImEnabled:
-        return testAttribute(Qt::WA_InputMethodEnabled) && isEnabled() && !isReadOnly();
+        return m_view.testAttribute(Qt::WA_InputMethodEnabled) && m_view.isEnabled() && !m_view.isReadOnly();
     case Qt::ImReadOnly:
-        return isReadOnly();
+        return m_view.isReadOnly();
     case Qt::ImHints:
-        return static_cast<int>(inputMethodHints());
+        return static_cast<int>(m_view.inputMethodHints());
     case Qt::ImFont:
-        return m_layout.settings().font;
+        return m_view.m_layout.settings().font;
     case Qt::ImCursorRectangle:
-        return self->caretRectangle();
+        return m_view.caretRectangle();
     case Qt::ImAnchorRectangle: {
-        const RowPosition row = self->m_layout.rowOf(m_anchor);
-        const double top = self->m_port.topOf(row).value_or(0);
-        return QRectF(m_port.left() + self->m_layout.xOf(row, m_anchor), top, 1, m_layout.rowHeight())
+        const RowPosition row = m_view.m_layout.rowOf(m_view.m_caret.anchor);
+        const double top = m_view.m_port.topOf(row).value_or(0);
+        return QRectF(m_view.m_port.left() + m_view.m_layout.xOf(row, m_view.m_caret.anchor), top, 1, m_view.m_layout.rowHeight())
             .toAlignedRect()
-            .translated(viewport()->pos());
+            .translated(m_view.viewport()->pos());
     }
     case Qt::ImInputItemClipRectangle:
-        return viewport()->geometry();
+        return m_view.viewport()->geometry();
     case Qt::ImSurroundingText:
         return text.toString(around);
     case Qt::ImCursorPosition:
-        return static_cast<int>(m_caret.offset - around.location);
+        return static_cast<int>(m_view.m_caret.place.offset - around.location);
     case Qt::ImAnchorPosition:
-        return static_cast<int>(std::clamp(m_anchor, around.location, around.end()) - around.location);
+        return static_cast<int>(std::clamp(m_view.m_caret.anchor, around.location, around.end()) - around.location);
     case Qt::ImAbsolutePosition:
-        return static_cast<int>(m_caret.offset);
+        return static_cast<int>(m_view.m_caret.place.offset);
     case Qt::ImCurrentSelection:
         return text.toString({selected.location, std::min(selected.length, 2 * surroundingReach)});
     case Qt::ImTextBeforeCursor:
-        return text.toString(TextRange::between(around.location, m_caret.offset));
+        return text.toString(TextRange::between(around.location, m_view.m_caret.place.offset));
     case Qt::ImTextAfterCursor:
-        return text.toString(TextRange::between(m_caret.offset, around.end()));
+        return text.toString(TextRange::between(m_view.m_caret.place.offset, around.end()));
     default:
-        return QAbstractScrollArea::inputMethodQuery(query);
+        return {};
     }
 }

@@ -1,0 +1,73 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "View/TextViewCaret.h"
+
+#include "Text/TextBoundaries.h"
+#include "Text/TextStorage.h"
+#include "View/TextView.h"
+
+#include <cmath>
+
+RowPosition TextViewCaret::row()
+{
+    LayoutManager &layout = m_view.m_layout;
+    return m_view.isComposing() ? layout.rowInPreedit(m_view.m_input.caret()) : layout.rowOf(shownOffset(), place.affinity);
+}
+
+double TextViewCaret::x(const RowPosition &row)
+{
+    LayoutManager &layout = m_view.m_layout;
+    return m_view.isComposing() ? layout.xInPreedit(row, m_view.m_input.caret()) : layout.xOf(row, shownOffset());
+}
+
+QRectF TextViewCaret::box()
+{
+    LayoutManager &layout = m_view.m_layout;
+    const RowPosition row = this->row();
+    const auto top = m_view.m_port.topOf(row);
+    if (!top) {
+        return {};
+    }
+    const double x = this->x(row);
+    const double dpr = m_view.devicePixelRatioF();
+    const double left = std::floor((m_view.m_port.left() + x) * dpr) / dpr;
+    double width = std::max(1.0, std::round(1.4 * dpr) / dpr);
+    if (m_view.m_painter.looks.caretShape != TextLooks::CaretShape::bar) {
+        const qsizetype next = TextBoundaries::nextGrapheme(m_view.m_storage.text(), shownOffset());
+        const bool isInRow = next <= layout.rangeOf(row).end();
+        width = isInRow && next > shownOffset() ? std::abs(layout.xOf(row, next) - x) : layout.cellWidth();
+    }
+    // Blanks that hang over the edge of a wrapped row do not take the caret with them.
+    const double rightmost = layout.wraps() ? std::max(0.0, m_view.viewport()->width() - width) : left;
+    return {std::min(left, rightmost), *top, width, layout.rowHeight()};
+}
+
+QRectF TextViewCaret::rowBox()
+{
+    if (!m_view.colors().currentLine.isValid()) {
+        return {};
+    }
+    const auto top = m_view.m_port.topOf(row());
+    return top ? QRectF(0, *top, m_view.viewport()->width(), m_view.m_layout.rowHeight()) : QRectF();
+}
+
+void TextViewCaret::restartBlinking()
+{
+    if (m_view.hasFocus()) {
+        blinking.restart(m_view.m_services.scheduler, [this] { repaint(); });
+    } else {
+        blinking.rest();
+    }
+}
+
+bool TextViewCaret::isToBeSeen() const
+{
+    const bool isOn = blinking.isOn() || m_view.m_painter.looks.caretShape == TextLooks::CaretShape::block;
+    return m_view.hasFocus() && isOn && (!m_view.isComposing() || m_view.m_input.isCaretShown());
+}
+
+void TextViewCaret::repaint()
+{
+    m_view.viewport()->update(box().toAlignedRect().adjusted(-1, 0, 1, 0));
+    m_view.m_scroller.noticeShifts();
+}

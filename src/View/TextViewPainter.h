@@ -1,0 +1,100 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Base/Scheduler.h"
+#include "View/Viewport.h"
+
+#include <QColor>
+#include <QRectF>
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+class QPainter;
+
+/// How the text of one view looks.
+struct TextLooks {
+    enum class CaretShape { bar, block, underline };
+    enum class Visibility { hidden, shown };
+    /// An invalid `currentLine`, which is behind the row of the caret, is not drawn.
+    struct Colors {
+        QColor background;
+        QColor text;
+        QColor selection;
+        QColor caret;
+        QColor currentLine;
+        QColor invisibles;
+        QColor mark;
+    };
+    /// Asked for stretches within what is seen of a row, ascending.
+    using MarkProvider = std::function<std::vector<TextRange>(TextRange visible)>;
+
+    Colors colors;
+    CaretShape caretShape = CaretShape::bar;
+    Visibility invisibles = Visibility::hidden;
+    /// Search hits.
+    MarkProvider marks;
+    /// What is underlined with a wavy line.
+    MarkProvider misspellings;
+};
+
+/// Draws the eye to a stretch of the text, and fades within a second.
+class TextIndicator final {
+public:
+    /// `repaint` is called for what looks different now.
+    void show(TextRange range, Scheduler &scheduler, std::function<void(TextRange)> repaint);
+    void textChanged(const TextChange &change) { m_range = change.mapped(m_range); }
+
+    [[nodiscard]] TextRange range() const { return m_range; }
+    /// 0, when it is not seen, to 1.
+    [[nodiscard]] double strength() const { return std::min(1.0, m_strength); }
+
+private:
+    void fade();
+
+    TextRange m_range;
+    double m_strength = 0;
+    RepeatingTimer m_fades;
+    std::function<void(TextRange)> m_repaint;
+};
+
+/// Paints the rows of a view. From back to front: background, the caret's row, marks, selection, text, underlines, invisibles, caret. Only
+/// the rows in the region asked for are touched, and nothing is laid out that cannot be seen. Coordinates are the viewport's.
+class TextViewPainter final {
+public:
+    struct Frame {
+        TextRange selected;
+        /// Empty when it has no colour of its own.
+        QRectF caretRow;
+        /// None while it is not to be seen.
+        std::optional<QRectF> caret;
+        /// Where a drag would leave its text.
+        std::optional<qsizetype> dropCaret;
+        /// Of one row, behind all but the background; `visible` is along the row.
+        std::function<void(const Viewport::VisibleRow &row, Span visible)> paintBehind;
+    };
+
+    TextViewPainter(LayoutManager &layout, Viewport &port) : m_layout(layout), m_port(port) {}
+
+    void paint(QPainter &painter, QRectF area, const Rope &text, const Frame &frame);
+    /// The units of the row that can be seen.
+    [[nodiscard]] TextRange seenOf(const Viewport::VisibleRow &row, Span visible);
+
+    TextLooks looks;
+    TextIndicator indicator;
+
+private:
+    [[nodiscard]] QRectF box(const Viewport::VisibleRow &row, Span span) const;
+    void paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
+    void paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible, TextRange selected);
+    void paintIndicator(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
+    void paintMisspellings(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
+    void paintInvisibles(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Rope &text);
+    void paintDropCaret(QPainter &painter, qsizetype offset);
+    void paintCaret(QPainter &painter, QRectF caret);
+
+    LayoutManager &m_layout;
+    Viewport &m_port;
+};

@@ -1,0 +1,79 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Base/Scheduler.h"
+#include "Text/TextEdits.h"
+#include "View/CaretMotion.h"
+
+#include <QPointF>
+
+#include <optional>
+
+class QDragMoveEvent;
+class QDropEvent;
+class QEvent;
+class QMouseEvent;
+class QWheelEvent;
+class TextView;
+
+/// What pointer and wheel do in a text view, and drag and drop. Points are those of its viewport.
+class TextViewPointer final {
+public:
+    explicit TextViewPointer(TextView &view) : m_view(view) {}
+
+    /// An event of the viewport; false when it is nothing of the pointer's.
+    bool handle(QEvent &event);
+    void textChanged(const TextChange &change);
+
+    [[nodiscard]] bool isSelecting() const { return m_isSelecting; }
+    /// There is selected text to take hold of.
+    [[nodiscard]] bool isOverSelection(QPointF point) const;
+    [[nodiscard]] qsizetype graphemeUnder(QPointF point) const;
+    /// Where a drag that is under way would leave its text; none when it would not.
+    [[nodiscard]] std::optional<qsizetype> dropCaret() const { return m_dropCaret; }
+    void setDropCaret(std::optional<qsizetype> offset);
+
+    // For a gutter beside the text, which selects whole lines by a press and by dragging on.
+    enum class LineSelection { anew, extended };
+    void beginSelectingLines(QPointF point, LineSelection how);
+    /// Scrolls by itself as long as the pointer is outside.
+    void goOnSelecting(QPointF point);
+    void endSelecting();
+
+private:
+    enum class Granularity { character, word, line };
+
+    void press(QMouseEvent &event);
+    void doubleClick(QMouseEvent &event);
+    void move(QMouseEvent &event);
+    void release(QMouseEvent &event);
+    void wheel(QWheelEvent &event);
+    void dragEnter(QDragMoveEvent &event);
+    void dragMove(QDragMoveEvent &event);
+    void drop(QDropEvent &event);
+
+    [[nodiscard]] TextRange granule(qsizetype offset, Granularity granularity) const;
+    void selectAt(const Caret &caret, Granularity granularity);
+    void extendSelection(QPointF point);
+    void autoScroll();
+    void pastePrimary(qsizetype offset);
+    void startDrag();
+    /// False when it was refused. `taken` is what goes away where the text came from.
+    bool dropText(const QString &text, qsizetype offset, TextRange taken);
+
+    TextView &m_view;
+    Granularity m_granularity = Granularity::character;
+    TextRange m_origin;
+    QPointF m_pressed;
+    QPointF m_last;
+    bool m_isSelecting = false;
+    bool m_mayDrag = false;
+    qint64 m_doubleClickedAt = 0;
+    RepeatingTimer m_autoScroll;
+    QPointF m_wheelRest;
+    int m_zoomRest = 0;
+    /// What is being dragged away; nothing any more once it was dropped in a view of the same text.
+    TextRange m_dragged;
+    std::optional<qsizetype> m_dropCaret;
+};
