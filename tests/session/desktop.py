@@ -171,12 +171,21 @@ class Desktop:
         return self.ask("getactivewindow", "getwindowname")
 
     def until_title(self, title):
-        self.until(f"a window called “{title}”", lambda: self.title() == title)
-        return self.front()
+        """Waits for a window of this title in front, which nothing is about to cover."""
+        return self.until_front(f"a window called “{title}”", lambda: self.title() == title)
 
     def until_other_window(self, *windows):
         """Waits for a window in front that is none of these."""
-        return self.until("another window", lambda: (front := self.front()) not in ("", *windows) and front)
+        return self.until_front("another window", lambda: self.front() not in ("", *windows))
+
+    def until_front(self, what, is_wanted):
+        def stays():
+            if is_wanted():
+                self.rest()
+                return is_wanted()
+            return False
+        self.until(what, stays)
+        return self.front()
 
     # Keys and mouse, which go to the window in front
 
