@@ -9,7 +9,10 @@
 /// Does the work when the test says so or, while nothing is held, at once.
 class HeldWorkers final : public Workers {
 public:
-    bool isHeld = true;
+    enum class Mode { held, atOnce };
+    explicit HeldWorkers(Mode mode = Mode::held) : isHeld(mode == Mode::held) {}
+
+    bool isHeld;
     /// Jobs so far.
     int count = 0;
     /// Those that wait.

@@ -7,6 +7,7 @@
 #include "Desktop/Desktop.h"
 #include "Files/WatchedPath.h"
 #include "Find/FindState.h"
+#include "HeldWorkers.h"
 #include "Model/DocumentStore.h"
 #include "Model/RecentDocuments.h"
 #include "Session/SessionKeeper.h"
@@ -35,7 +36,7 @@ struct Surroundings {
     Preferences preferences{defaults, notifications};
     MemoryPasteboard pasteboard;
     ScriptedAlertPresenter presenter;
-    InlineWorkers workers;
+    HeldWorkers workers{HeldWorkers::Mode::atOnce};
     FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
     SessionStore session;
     DocumentStore documents{

@@ -14,6 +14,7 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
 #include "Model/RecentDocuments.h"
+#include "Session/SessionRestoration.h"
 #include "Session/SessionStore.h"
 #include "Settings/Preferences.h"
 #include "UI/EditorToolbarController.h"
@@ -245,7 +246,7 @@ size_t AppDelegate::frontmostLayout() const
 
 // Files
 
-void AppDelegate::launch(const QStringList &paths)
+AppDelegate::Documents AppDelegate::launch(const QStringList &paths)
 {
     using Content = MainWindowController::Content;
     const Preferences &preferences = m_services.preferences;
@@ -258,7 +259,7 @@ void AppDelegate::launch(const QStringList &paths)
         workspace.openUntitled();
     }
     window.show();
-    workspace.open(paths);
+    const Documents opened = workspace.openWithin(restorationPatience, paths);
     if (!workspace.currentDocument()) {
         workspace.openUntitled();
     }
@@ -268,35 +269,48 @@ void AppDelegate::launch(const QStringList &paths)
             localized(u"The other one keeps the session. This one works as well, but its tabs do not come back at the next start, and it "
                       u"asks about unsaved changes before it ends."));
     }
+    return opened;
 }
 
 void AppDelegate::compare(const QString &oldPath, const QString &newPath)
 {
-    const auto old = TextFile::read(oldPath);
-    const auto newer = TextFile::read(newPath);
-    if (!old || !newer) {
-        const TextFile::ReadError &error = old ? newer.error() : old.error();
-        m_services.presenter.present(Alert::forError(error.description(), error.recoverySuggestion().value_or(QString())), nullptr,
-                                     [this](const AlertReply &) { emit finished(); });
-        return;
-    }
+    using Read = tl::expected<TextFile::Contents, TextFile::ReadError>;
+    m_readings.push_back(BackgroundTask::start(
+        m_services.workers,
+        [oldPath, newPath, &files = m_services.documents.services().files](const std::stop_token &) {
+            return std::pair(TextFile::read(oldPath, std::nullopt, files), TextFile::read(newPath, std::nullopt, files));
+        },
+        [this, oldPath, newPath](const std::pair<Read, Read> &read) {
+            if (read.first && read.second) {
+                showComparison(oldPath, read.first->text, newPath, read.second->text);
+                return;
+            }
+            const TextFile::ReadError &error = read.first ? read.second.error() : read.first.error();
+            m_services.presenter.present(Alert::forError(error.description(), error.recoverySuggestion().value_or(QString())), nullptr,
+                                         [this](const AlertReply &) { emit finished(); });
+        }));
+    std::ignore = m_readings.back().waitUntil(std::chrono::steady_clock::now() + restorationPatience);
+}
+
+void AppDelegate::showComparison(const QString &oldPath, const Rope &old, const QString &newPath, const Rope &newer)
+{
     const auto sideOf = [](const QString &path, const Rope &text) {
         const QFileInfo file(path);
         return DiffViewController::Side{file.fileName(), abbreviatedPath(file.path()), text};
     };
     constexpr qsizetype enoughOfALine = 512;
-    const Rope start = newer->text.slice({0, std::min(newer->text.length(), enoughOfALine)});
-    openComparison(sideOf(oldPath, old->text), sideOf(newPath, newer->text),
-                   LanguageRegistry::detect(newPath, start.toString().section(u'\n', 0, 0)));
+    const Rope start = newer.slice({0, std::min(newer.length(), enoughOfALine)});
+    openComparison(sideOf(oldPath, old), sideOf(newPath, newer), LanguageRegistry::detect(newPath, start.toString().section(u'\n', 0, 0)));
 }
 
-void AppDelegate::goTo(const QString &path, qsizetype line, qsizetype column)
+/// As soon as its text is there.
+void AppDelegate::goTo(TextDocument &document, const CommandLine::File &place)
 {
-    TextDocument *document = m_services.documents.documentAt(path);
-    MainWindowController *front = frontmostWindow();
-    if (document && front) {
-        front->workspace().goTo(*document, line, column);
-    }
+    document.whenArrived([this, &document, line = place.line, column = place.column] {
+        if (MainWindowController *front = frontmostWindow()) {
+            front->workspace().goTo(document.twin() ? *document.twin() : document, line, column);
+        }
+    });
 }
 
 void AppDelegate::open(const OpenRequest &request)
@@ -312,27 +326,23 @@ void AppDelegate::open(const OpenRequest &request)
     if (request.opensNewWindow) {
         WorkspaceViewController &workspace = openWindow();
         workspace.window()->activateWindow();
-        workspace.open(paths);
+        const Documents opened = workspace.open(paths);
         m_lastActive = m_windows.back();
+        attend(request, opened);
     } else {
-        open(paths);
+        attend(request, open(paths));
     }
-    attend(request);
 }
 
-void AppDelegate::attend(const OpenRequest &request)
+void AppDelegate::attend(const OpenRequest &request, const Documents &documents)
 {
-    for (const CommandLine::File &file : request.files) {
-        if (file.line > 0) {
-            goTo(file.path, file.line, file.column);
+    for (size_t index = 0; index < documents.size(); ++index) {
+        if (documents[index] && request.files[index].line > 0) {
+            goTo(*documents[index], request.files[index]);
         }
     }
-    std::vector<std::shared_ptr<TextDocument>> opened;
-    for (const CommandLine::File &file : request.files) {
-        if (TextDocument *document = m_services.documents.documentAt(file.path)) {
-            opened.push_back(document->shared_from_this());
-        }
-    }
+    Documents opened = documents;
+    std::erase(opened, nullptr);
     MainWindowController *front = frontmostWindow();
     if (request.opensNewTab && front) {
         front->workspace().openUntitled();
@@ -381,9 +391,15 @@ void AppDelegate::noticeClosed()
 {
     const auto &open = m_services.documents.documents();
     for (Waiting &waiting : m_waiting) {
+        for (auto &document : waiting.documents) {
+            if (const auto twin = document->twin()) {
+                document = twin;
+                document->setAwaited(TextDocument::Awaited::yes);
+            }
+        }
         std::erase_if(waiting.documents, [&](const std::shared_ptr<TextDocument> &document) {
             const bool isOpen = std::ranges::find(open, document) != open.end();
-            const bool isLost = document->isDirty() || document->awaited() == TextDocument::Awaited::aborted;
+            const bool isLost = document->isDirty() || document->arrivalError() || document->awaited() == TextDocument::Awaited::aborted;
             waiting.status = !isOpen && isLost ? 1 : waiting.status;
             return !isOpen;
         });
@@ -432,14 +448,12 @@ void AppDelegate::openStream(int descriptor, const Waiting &waiting)
         }));
 }
 
-void AppDelegate::open(const QStringList &paths)
+AppDelegate::Documents AppDelegate::open(const QStringList &paths)
 {
     MainWindowController *front = frontmostWindow();
     MainWindowController &window = front ? *front : makeWindow();
     window.comeToFront();
-    if (!paths.isEmpty()) {
-        window.workspace().open(paths);
-    }
+    return paths.isEmpty() ? Documents() : window.workspace().open(paths);
 }
 
 void AppDelegate::openRecentDocument(const ActionSender &sender)
@@ -470,12 +484,22 @@ void AppDelegate::newWindow()
 
 void AppDelegate::terminate()
 {
-    if (m_services.keeper.keepAndWait(SessionKeeper::userPatience)) {
+    // Asked once more, it does not wait for what is in a draft as well.
+    if (m_writes.isWaiting() && m_services.keeper.keepAndWait(SessionKeeper::userPatience)) {
         emit finished();
         return;
     }
-    m_isTerminating = true;
-    closeNext();
+    m_writes.await(m_services.documents.documents(), frontmostWindow(), [this](PendingWrites::Outcome outcome) {
+        if (outcome == PendingWrites::Outcome::failed) {
+            return;
+        }
+        if (m_services.keeper.keepAndWait(SessionKeeper::userPatience) || outcome == PendingWrites::Outcome::abandoned) {
+            emit finished();
+            return;
+        }
+        m_isTerminating = true;
+        closeNext();
+    });
 }
 
 void AppDelegate::terminateNow()

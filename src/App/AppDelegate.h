@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "App/CommandLine.h"
 #include "Base/BackgroundTask.h"
 #include "Diff/DiffWindowController.h"
 #include "Session/SessionKeeper.h"
@@ -24,16 +25,17 @@ public:
     explicit AppDelegate(const WorkspaceServices &services);
     ~AppDelegate() override;
 
-    /// Shows the first window, with the session if the settings say so, and opens the files in it; absolute paths.
-    void launch(const QStringList &paths);
+    using Documents = PaneLayout::Documents;
+
+    /// Shows the first window, with the session if the settings say so, and opens the files in it; absolute paths. Returns their documents,
+    /// as WorkspaceViewController::open does.
+    Documents launch(const QStringList &paths);
     /// Shows two files side by side, and no other window; the program ends with the comparison. Absolute paths.
     void compare(const QString &oldPath, const QString &newPath);
-    /// To a place in a file that is open: line and column from 1, a column of 0 for none; beyond the end it is the end.
-    void goTo(const QString &path, qsizetype line, qsizetype column);
     /// What another start or the desktop asks for; the window comes to the front.
     void open(const OpenRequest &request);
-    /// What is left of it when its files are open: their places, the stream, those who wait.
-    void attend(const OpenRequest &request);
+    /// What is left of it when its files are open, as `documents`: their places, the stream, those who wait.
+    void attend(const OpenRequest &request, const Documents &documents);
     /// Somebody who waited will not hear of it: what it waited for is an ordinary text again. See OpenRequest.
     void forgetWaiter(const QString &waiter);
     /// Ends the program. The session is kept, with all unsaved text; where it cannot be, the windows close one after the other and each
@@ -41,8 +43,8 @@ public:
     void terminate();
     /// Ends the program within a second, without a question.
     void terminateNow();
-    /// Files from outside, for the window in front; with none a window comes to the front.
-    void open(const QStringList &paths);
+    /// Files from outside, for the window in front; with none a window comes to the front. Returns their documents.
+    Documents open(const QStringList &paths);
 
     [[nodiscard]] MainWindowController &makeWindow(MainWindowController::Content content = MainWindowController::Content::untitledTab);
     /// In the order in which they came.
@@ -69,8 +71,10 @@ private:
 
     void newWindow();
     void closeNext();
+    void goTo(TextDocument &document, const CommandLine::File &place);
     /// Opens what comes on a descriptor, once it has ended, as a text without a file. Closes it.
     void openStream(int descriptor, const Waiting &waiting);
+    void showComparison(const QString &oldPath, const Rope &old, const QString &newPath, const Rope &newer);
     void tellWhenClosed(Waiting waiting);
     void noticeClosed();
     void warn(const QString &message, const QString &details);
@@ -111,6 +115,7 @@ private:
     std::vector<Waiting> m_waiting;
     NotificationCenter::Token m_documentObserver;
     bool m_isTerminating = false;
+    PendingWrites m_writes{m_services.presenter};
     DelayedTask m_warning;
     NotificationCenter::Token m_languageObserver;
 };

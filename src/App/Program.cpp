@@ -34,6 +34,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// What is answered by then seems to be there at once.
+constexpr std::chrono::milliseconds filePatience{100};
+
 void setUp()
 {
     QApplication::setApplicationName(u"Quillet"_s);
@@ -103,9 +106,14 @@ struct Program::Parts {
     FileWatcherQueue watchers;
     SystemAppearance appearance{std::make_unique<PortalAppearanceSource>()};
     SessionStore session{SessionStore::Places::standard(), preferences};
-    DocumentStore documents{
-        {scheduler, notifications, preferences, workers, watchers, [this](const QUuid &id) { session.discardDraft(id); }},
-        [this] { return appearance.current(); }};
+    DocumentStore documents{{.scheduler = scheduler,
+                             .notifications = notifications,
+                             .preferences = preferences,
+                             .workers = workers,
+                             .watchers = watchers,
+                             .discardDraft = [this](const QUuid &id) { session.discardDraft(id); },
+                             .patience = filePatience},
+                            [this] { return appearance.current(); }};
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
 
     FindState find;
@@ -158,7 +166,7 @@ int Program::run(const CommandLine &line)
     for (const CommandLine::File &file : line.files) {
         paths << file.path;
     }
-    delegate.launch(paths);
+    const AppDelegate::Documents opened = delegate.launch(paths);
     // Without a session there is one already.
     const TextDocument *shown = delegate.frontmostWindow()->workspace().currentDocument();
     const bool showsEmptyTab = shown && shown->isUntitled() && shown->storage().length() == 0;
@@ -171,6 +179,6 @@ int Program::run(const CommandLine &line)
             m_parts->delegate.terminate();
         };
     }
-    delegate.attend(request);
+    delegate.attend(request, opened);
     return QApplication::exec();
 }

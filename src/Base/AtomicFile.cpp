@@ -236,20 +236,24 @@ Result<void> AtomicFile::flushBuffer()
     return {};
 }
 
-Result<void> AtomicFile::commit()
+Result<struct stat> AtomicFile::commit()
 {
     Q_ASSERT(m_file >= 0);
     if (auto result = flushBuffer(); !result) {
-        return result;
+        return tl::make_unexpected(result.error());
     }
     if (auto result = takeOverIdentity(); !result) {
-        return result;
+        return tl::make_unexpected(result.error());
     }
     if (retried([&] { return m_calls->fsync(m_file); }) != 0 && !isUnsupported(errno)) {
         return failed(errno);
     }
+    struct stat status = {};
+    if (m_calls->fstat(m_file, &status) != 0) {
+        return failed(errno);
+    }
     if (auto result = closeTemporary(); !result) {
-        return result;
+        return tl::make_unexpected(result.error());
     }
     // Opened while a failure is still harmless. A folder that may be written to but not read cannot be flushed by us.
     const QByteArray folderName = folderOf(m_target) + '.';
@@ -266,7 +270,7 @@ Result<void> AtomicFile::commit()
     }
     m_temporary.clear();
     if (folder < 0) {
-        return {};
+        return status;
     }
     const int error = retried([&] { return m_calls->fsync(folder); }) != 0 ? errno : 0;
     m_calls->close(folder);
@@ -275,7 +279,7 @@ Result<void> AtomicFile::commit()
                                  qt_error_string(error)),
                        error);
     }
-    return {};
+    return status;
 }
 
 Result<void> AtomicFile::takeOverIdentity()
@@ -382,7 +386,7 @@ void AtomicFile::discard()
 Result<void> writeAtomically(const QString &path, QByteArrayView bytes, AtomicFile::NewFile newFile, FileCalls &calls)
 {
     return AtomicFile::open(path, newFile, calls).and_then([&](AtomicFile file) {
-        return file.write(bytes).and_then([&] { return file.commit(); });
+        return file.write(bytes).and_then([&] { return file.commit(); }).map([](const struct stat &) {});
     });
 }
 

@@ -36,8 +36,9 @@ public:
 
     /// After a failure the object is good for nothing but to be destroyed.
     [[nodiscard]] Result<void> write(QByteArrayView bytes);
-    /// Once, at the end. When the last of its steps fails, the folder's flush, the new content is in place but may not be on disk.
-    [[nodiscard]] Result<void> commit();
+    /// Once, at the end; returns the file as it was before others could touch it. When the last of its steps fails, the folder's flush,
+    /// the new content is in place but may not be on disk.
+    [[nodiscard]] Result<struct stat> commit();
 
     /// The file that is written: the path given, symbolic links followed.
     [[nodiscard]] QString target() const;

@@ -9,8 +9,9 @@
 
 FileCalls &FileCalls::system()
 {
-    static FileCalls calls;
-    return calls;
+    // Never destroyed: a thread that hangs in one of the calls may come back while the program ends.
+    static auto *const calls = new FileCalls;
+    return *calls;
 }
 
 int FileCalls::open(const char *path, int flags, mode_t mode)

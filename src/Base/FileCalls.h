@@ -9,7 +9,7 @@
 /// Each is the call of its name: -1 and `errno` for a failure.
 class FileCalls {
 public:
-    /// The real ones. Any thread.
+    /// The real ones. Any thread; lives as long as the process.
     [[nodiscard]] static FileCalls &system();
 
     virtual ~FileCalls() = default;

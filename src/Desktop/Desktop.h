@@ -22,7 +22,7 @@ public:
     /// Shows the file, selected, in the file manager; where none can do that, opens its folder. What cannot be done either is said to
     /// `failed`, perhaps later.
     virtual void reveal(const QString &path, Failure failed) = 0;
-    /// Moves the file to the trash of its file system. Never deletes it.
+    /// Moves the file to the trash of its file system. Never deletes it. Any thread, since it takes its time.
     [[nodiscard]] virtual Result<void> moveToTrash(const QString &path) = 0;
     /// Opens a terminal in `folder`: that of the desktop entry `preferredTerminal` if it is installed, else the first that is.
     [[nodiscard]] virtual Result<void> openTerminal(const QString &folder, const QString &preferredTerminal) = 0;

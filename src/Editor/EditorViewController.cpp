@@ -295,7 +295,9 @@ void EditorViewController::updateBanner()
 {
     updateAwaitedBanner();
     const TextDocument::ExternalState state = m_document->externalState();
-    if (state == TextDocument::ExternalState::none) {
+    // What is opened quickly needs no words.
+    const bool isQuick = m_document->isWaiting() && m_document->requests().activity() == FileRequests::Activity::none;
+    if (state == TextDocument::ExternalState::none || isQuick) {
         dropBanner(m_banner);
         return;
     }
@@ -350,10 +352,12 @@ QWidget *EditorViewController::banner() const
 /// What fails leaves all as it was, the banner too.
 void EditorViewController::reload()
 {
-    if (const auto reverted = m_document->revertToFileOnDisk(); !reverted) {
-        m_services.presenter.present(
-            Alert::forError(reverted.error().description(), reverted.error().recoverySuggestion().value_or(QString())), window(), {});
-    }
+    m_document->revertToFileOnDisk([editor = QPointer(this)](const std::optional<TextFile::ReadError> &error) {
+        if (editor && error) {
+            editor->m_services.presenter.present(Alert::forError(error->description(), error->recoverySuggestion().value_or(QString())),
+                                                 editor->window(), {});
+        }
+    });
 }
 
 void EditorViewController::saveAgain()
@@ -361,9 +365,11 @@ void EditorViewController::saveAgain()
     if (m_document->isUntitled()) {
         return;
     }
-    if (const Result<void> saved = m_document->save(m_document->path()); !saved) {
-        m_services.presenter.present(Alert::forError(saved.error().message), window(), {});
-    }
+    m_document->save(m_document->path(), [editor = QPointer(this)](const Result<void> &saved) {
+        if (editor && !saved) {
+            editor->m_services.presenter.present(Alert::forError(saved.error().message), editor->window(), {});
+        }
+    });
 }
 
 // Ex commands

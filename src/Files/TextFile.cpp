@@ -366,27 +366,28 @@ private:
     std::vector<char16_t> m_wide;
 };
 
-enum class WriteOutcome { written, notRepresentable };
-
-Result<WriteOutcome> writeEncoded(const Rope &text, AtomicFile file, RopeEncoder encoder)
+/// None when a character cannot be represented.
+Result<std::optional<FileStamp>> writeEncoded(const Rope &text, AtomicFile file, RopeEncoder encoder)
 {
-    WriteOutcome outcome = WriteOutcome::written;
+    bool isRepresentable = true;
     Result<void> written;
     QByteArray bytes;
     text.forEachChunk({0, text.length()}, [&](const Rope::Chunk &chunk) {
         bytes.resize(0);
         if (!encoder.encode(chunk, bytes)) {
-            outcome = WriteOutcome::notRepresentable;
+            isRepresentable = false;
             return false;
         }
         written = file.write(bytes);
         return written.has_value();
     });
     bytes.resize(0);
-    if (written && (outcome == WriteOutcome::notRepresentable || !encoder.finish(bytes))) {
-        return WriteOutcome::notRepresentable;
+    if (written && (!isRepresentable || !encoder.finish(bytes))) {
+        return std::nullopt;
     }
-    return written.and_then([&] { return file.write(bytes); }).and_then([&] { return file.commit(); }).map([&] { return outcome; });
+    return written.and_then([&] { return file.write(bytes); }).and_then([&] { return file.commit(); }).map([](const struct stat &status) {
+        return std::optional(FileStamp::of(status));
+    });
 }
 
 } // namespace
@@ -458,8 +459,8 @@ tl::expected<Contents, ReadError> TextFile::read(const QString &path, std::optio
     }
 }
 
-Result<void> TextFile::write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding, FileCalls &calls,
-                             AtomicFile::NewFile newFile)
+Result<FileStamp> TextFile::write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding, FileCalls &calls,
+                                  AtomicFile::NewFile newFile)
 {
     for (const TextEncoder::Mode mode : {TextEncoder::Mode::strict, TextEncoder::Mode::lossy}) {
         auto encoder = TextEncoder::make(encoding, mode);
@@ -470,12 +471,12 @@ Result<void> TextFile::write(const Rope &text, const QString &path, TextEncoding
         if (!file) {
             return tl::make_unexpected(file.error());
         }
-        const auto outcome = writeEncoded(text, *std::move(file), RopeEncoder(std::move(encoder), lineEnding));
-        if (!outcome) {
-            return tl::make_unexpected(outcome.error());
+        const auto written = writeEncoded(text, *std::move(file), RopeEncoder(std::move(encoder), lineEnding));
+        if (!written) {
+            return tl::make_unexpected(written.error());
         }
-        if (*outcome == WriteOutcome::written) {
-            return {};
+        if (*written) {
+            return **written;
         }
     }
     return failure(formatted(localized(u"“%@” could not be saved in the text encoding “%@”."), lastComponent(path), displayName(encoding)),

@@ -75,11 +75,11 @@ public:
     }
 
     /// Writes `text`, whose breaks are LF, in the manner of AtomicFile. Characters that the encoding lacks are substituted, on purpose
-    /// without a word. No byte-order mark is added, except by `TextEncoding::utf16`. Fails as AtomicFile does, or with
-    /// `inapplicableEncodingError`.
-    [[nodiscard]] static Result<void> write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding,
-                                            FileCalls &calls, AtomicFile::NewFile newFile = AtomicFile::NewFile::readableByOthers);
-    [[nodiscard]] static Result<void> write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding)
+    /// without a word. No byte-order mark is added, except by `TextEncoding::utf16`. Returns the file as it was before others could touch
+    /// it. Fails as AtomicFile does, or with `inapplicableEncodingError`.
+    [[nodiscard]] static Result<FileStamp> write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding,
+                                                 FileCalls &calls, AtomicFile::NewFile newFile = AtomicFile::NewFile::readableByOthers);
+    [[nodiscard]] static Result<FileStamp> write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding)
     {
         return write(text, path, encoding, lineEnding, FileCalls::system());
     }

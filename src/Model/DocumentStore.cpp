@@ -4,9 +4,13 @@
 
 #include "Settings/Preferences.h"
 
+#include <QDir>
+
 DocumentStore::DocumentStore(const DocumentServices &services, AppearanceQuery appearance)
     : m_services(services), m_appearance(std::move(appearance))
-{}
+{
+    m_services.otherOfFile = [this](const QString &identity, const TextDocument &asking) { return otherOfFile(identity, asking); };
+}
 
 const Theme &DocumentStore::theme() const
 {
@@ -19,6 +23,44 @@ TextDocument &DocumentStore::add(std::unique_ptr<TextDocument> document)
     added.attachHighlighter(theme());
     m_services.notifications.post(didChange, this);
     return added;
+}
+
+std::vector<DocumentStore::Opened> DocumentStore::open(const QStringList &paths, std::chrono::milliseconds patience)
+{
+    // Each has a thread while it is read.
+    constexpr qsizetype mostAtOnce = 16;
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    std::vector<Opened> all;
+    for (qsizetype first = 0; first < paths.size(); first += mostAtOnce) {
+        const QStringList portion = paths.mid(first, mostAtOnce);
+        std::vector<std::unique_ptr<TextDocument>> readings;
+        for (const QString &path : portion) {
+            readings.push_back(documentAt(path) ? nullptr : TextDocument::awaiting(m_services, path));
+        }
+        for (qsizetype index = 0; index < portion.size(); ++index) {
+            auto &reading = readings[size_t(index)];
+            if (reading) {
+                reading->waitForFile(deadline);
+            }
+            all.push_back(takeOpened(portion[index], std::move(reading)));
+        }
+    }
+    return all;
+}
+
+DocumentStore::Opened DocumentStore::takeOpened(const QString &path, std::unique_ptr<TextDocument> read)
+{
+    if (auto open = documentAt(path)) {
+        return {.document = std::move(open)};
+    }
+    if (read->arrivalError()) {
+        return {.error = read->arrivalError()};
+    }
+    // Those before it may have come meanwhile.
+    if (auto open = otherOfFile(read->identity(), *read)) {
+        return {.document = std::move(open)};
+    }
+    return {.document = add(std::move(read)).shared_from_this(), .isNew = true};
 }
 
 void DocumentStore::remove(const TextDocument &document)
@@ -36,12 +78,19 @@ void DocumentStore::remove(const TextDocument &document)
     emit this->removed(*removed);
 }
 
-TextDocument *DocumentStore::documentAt(const QString &path) const
+std::shared_ptr<TextDocument> DocumentStore::documentAt(const QString &path) const
 {
-    const QString identity = TextDocument::identityOf(path);
-    const auto found =
-        std::ranges::find_if(m_documents, [&](const auto &open) { return !open->isUntitled() && open->identity() == identity; });
-    return found == m_documents.end() ? nullptr : found->get();
+    const QString clean = QDir::cleanPath(path);
+    const auto found = std::ranges::find_if(
+        m_documents, [&](const auto &open) { return !open->isUntitled() && (open->path() == clean || open->identity() == clean); });
+    return found == m_documents.end() ? nullptr : *found;
+}
+
+std::shared_ptr<TextDocument> DocumentStore::otherOfFile(const QString &identity, const TextDocument &asking) const
+{
+    const auto found = std::ranges::find_if(
+        m_documents, [&](const auto &open) { return open.get() != &asking && !open->isUntitled() && open->identity() == identity; });
+    return found == m_documents.end() ? nullptr : *found;
 }
 
 void DocumentStore::refreshAppearance()

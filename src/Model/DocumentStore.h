@@ -21,6 +21,7 @@ public:
     using AppearanceQuery = std::function<std::optional<Appearance>()>;
 
     DocumentStore(const DocumentServices &services, AppearanceQuery appearance);
+    Q_DISABLE_COPY_MOVE(DocumentStore)
 
     [[nodiscard]] const DocumentServices &services() const { return m_services; }
     /// In the order in which they came.
@@ -28,10 +29,20 @@ public:
 
     /// Takes the document; it is coloured when a view asks.
     TextDocument &add(std::unique_ptr<TextDocument> document);
+    /// What became of a path that was to be opened.
+    struct Opened {
+        /// Null when the file cannot be read.
+        std::shared_ptr<TextDocument> document;
+        bool isNew = false;
+        std::optional<TextFile::ReadError> error = std::nullopt;
+    };
+    /// The documents of files, which are read where they are not open yet; one for each of `paths`, which are absolute. Files that are not
+    /// read within `patience` still are waiting.
+    [[nodiscard]] std::vector<Opened> open(const QStringList &paths, std::chrono::milliseconds patience);
     /// Gives the document up, and what was kept of it elsewhere. Nothing happens when it is not here.
     void remove(const TextDocument &document);
-    /// The document of the file at `path`, by whatever name it was opened; null when there is none. `path` is absolute.
-    [[nodiscard]] TextDocument *documentAt(const QString &path) const;
+    /// The document that was opened by the name `path`, which is absolute, or whose file has that as its identity; null when there is none.
+    [[nodiscard]] std::shared_ptr<TextDocument> documentAt(const QString &path) const;
     /// The theme or the desktop's appearance changed.
     void refreshAppearance();
     [[nodiscard]] const Theme &theme() const;
@@ -41,6 +52,9 @@ signals:
     void removed(const TextDocument &document);
 
 private:
+    [[nodiscard]] Opened takeOpened(const QString &path, std::unique_ptr<TextDocument> read);
+    [[nodiscard]] std::shared_ptr<TextDocument> otherOfFile(const QString &identity, const TextDocument &asking) const;
+
     DocumentServices m_services;
     AppearanceQuery m_appearance;
     std::vector<std::shared_ptr<TextDocument>> m_documents;

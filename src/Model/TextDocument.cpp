@@ -21,19 +21,11 @@ constexpr qsizetype firstLineReach = 512;
 // Colouring works on whole lines; one of megabytes would hold up the keys for half a second after each pause.
 constexpr qsizetype longestColouredLine = 1'000'000;
 
-/// Also at the same time, since clocks tick a few times in a hundredth of a second only.
-bool hasChangedSince(const QString &path, const FileStamp &stamp)
-{
-    struct stat status = {};
-    const auto time = [](const timespec &value) { return std::pair(value.tv_sec, value.tv_nsec); };
-    return ::stat(QFile::encodeName(path).constData(), &status) == 0 && time(status.st_mtim) >= time(stamp.modified);
-}
-
 } // namespace
 
 TextDocument::TextDocument(const DocumentServices &services, const QString &path, const std::optional<TextFile::Contents> &contents,
                            const QUuid &id)
-    : TextDocument(services, path, path.isEmpty() ? QString() : identityOf(path), contents, id)
+    : TextDocument(services, path, path.isEmpty() ? QString() : QDir::cleanPath(path), contents, id)
 {
     startWatching(contents ? contents->stamp : std::nullopt);
 }
@@ -41,7 +33,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
 TextDocument::TextDocument(const DocumentServices &services, const QString &path, const QString &identity,
                            const std::optional<TextFile::Contents> &contents, const QUuid &id)
     : m_services(services), m_id(id), m_undoManager(m_storage, [&scheduler = services.scheduler] { return scheduler.now(); }), m_path(path),
-      m_identity(identity)
+      m_identity(identity), m_requests(services.scheduler, services.workers, [this] { postMetadata(); })
 {
     if (contents) {
         {
@@ -52,18 +44,12 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
         m_encoding = contents->encoding;
         m_lineEnding = contents->lineEnding;
     }
-    rememberSavedText();
+    rememberSavedText(m_storage.text());
     m_language = detectedLanguage();
     QObject::connect(&m_storage, &TextStorage::didProcessEditing, &m_context, [this] { noteEdit(); });
 }
 
 TextDocument::~TextDocument() = default;
-
-QString TextDocument::identityOf(const QString &path)
-{
-    const QString canonical = QFileInfo(path).canonicalFilePath();
-    return canonical.isEmpty() ? QDir::cleanPath(path) : canonical;
-}
 
 std::unique_ptr<TextDocument> TextDocument::generated(const DocumentServices &services, const QString &title, const QString &text,
                                                       const Language &language)
@@ -87,10 +73,10 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
     document->m_isDraft = true;
     document->startWatching(std::nullopt);
     if (!path.isEmpty()) {
-        document->m_arrival = BackgroundTask::start(
+        document->m_draftLooking = BackgroundTask::start(
             services.workers,
-            [path, kept = contents.stamp](const std::stop_token &) {
-                return std::pair(identityOf(path), kept && hasChangedSince(path, *kept));
+            [path, kept = contents.stamp, &files = services.files](const std::stop_token &) {
+                return std::pair(DocumentFile::identityOf(path), kept && DocumentFile::hasChangedSince(path, *kept, files));
             },
             [self = document.get(), path](const std::pair<QString, bool> &found) {
                 if (self->m_path == path) {
@@ -110,10 +96,10 @@ std::unique_ptr<TextDocument> TextDocument::awaiting(const DocumentServices &ser
     const TextFile::Contents nothing{.text = {}, .encoding = encoding, .lineEnding = lineEnding};
     std::unique_ptr<TextDocument> document(new TextDocument(services, path, QDir::cleanPath(path), nothing, id));
     document->m_externalState = ExternalState::waiting;
-    document->m_arrival = BackgroundTask::start(
-        services.workers,
-        [path](const std::stop_token &) {
-            return Arrival{TextFile::read(path), identityOf(path)};
+    document->m_requests.start(
+        FileRequests::Kind::arrival, std::chrono::milliseconds(0),
+        [path, &files = services.files](const std::stop_token &) {
+            return Arrival{TextFile::read(path, std::nullopt, files), DocumentFile::identityOf(path)};
         },
         [self = document.get()](const Arrival &arrival) { self->arrive(arrival); });
     return document;
@@ -121,17 +107,31 @@ std::unique_ptr<TextDocument> TextDocument::awaiting(const DocumentServices &ser
 
 void TextDocument::arrive(const Arrival &arrival)
 {
+    const std::shared_ptr<TextDocument> self = weak_from_this().lock(); // it may be removed by those who hear of it
+    const auto waiting = std::exchange(m_whenArrived, {});
     m_externalState = ExternalState::none;
     if (!arrival.contents) {
         m_arrivalError = arrival.contents.error();
-        m_services.notifications.post(didFailToArrive, this);
-        return;
+    } else {
+        m_identity = arrival.identity;
+        m_twin = m_services.otherOfFile ? m_services.otherOfFile(m_identity, *this) : nullptr;
     }
-    m_identity = arrival.identity;
+    if (m_arrivalError || m_twin) {
+        m_services.notifications.post(didFailToArrive, this);
+    } else {
+        takeArrived(*arrival.contents);
+    }
+    for (const auto &then : waiting) {
+        then();
+    }
+}
+
+void TextDocument::takeArrived(const TextFile::Contents &contents)
+{
     const TextRange selection = lastSelectedRange;
     {
         const UndoManager::Pause pause(m_undoManager);
-        adopt(comparedWith(*arrival.contents));
+        adopt(comparedWith(contents));
     }
     m_undoManager.removeAllActions();
     m_undoManager.markSavePoint();
@@ -140,9 +140,18 @@ void TextDocument::arrive(const Arrival &arrival)
     if (!languageWasChosenManually) {
         setLanguage(detectedLanguage());
     }
-    startWatching(arrival.contents->stamp);
+    startWatching(contents.stamp);
     m_services.notifications.post(didReloadFromDisk, this);
     postMetadata();
+}
+
+void TextDocument::whenArrived(std::function<void()> then)
+{
+    if (isWaiting()) {
+        m_whenArrived.push_back(std::move(then));
+    } else {
+        then();
+    }
 }
 
 bool TextDocument::hasUnsavedText() const
@@ -202,24 +211,25 @@ void TextDocument::noteEdit()
         return;
     }
     setDirty(true);
+    m_requests.cancel(FileRequests::Kind::reading); // its text would take the place of what was typed
     m_dirtyHashing.cancel();
     m_dirtyCheck = m_services.scheduler.after(dirtyCheckDelay, [this] { checkDirty(); });
 }
 
-void TextDocument::rememberSavedText(std::optional<quint64> hash)
+void TextDocument::rememberSavedText(const Rope &text, std::optional<quint64> hash)
 {
     m_savedHashing.cancel();
     m_isOnlyCopy = false;
-    m_savedLength = m_storage.length();
+    m_savedLength = text.length();
     m_savedContentHash = hash;
     m_unhashedText = {};
     if (hash) {
         return;
     }
-    if (m_storage.length() < largeText) {
-        m_savedContentHash = textHash(m_storage.text());
+    if (text.length() < largeText) {
+        m_savedContentHash = textHash(text);
     } else {
-        m_unhashedText = m_storage.text();
+        m_unhashedText = text;
     }
 }
 
@@ -333,53 +343,131 @@ void TextDocument::transformForSaving()
     }
 }
 
-Result<void> TextDocument::save(const QString &path)
+DocumentFile::Snapshot TextDocument::snapshotFor(const QString &path) const
+{
+    return {.path = path, .text = m_storage.text(), .revision = m_storage.revision(), .encoding = m_encoding, .lineEnding = m_lineEnding};
+}
+
+void TextDocument::save(const QString &path, const SaveCompletion &completion)
 {
     if (isWaiting()) {
-        return failure(formatted(localized(u"“%@” cannot be saved, because it has not been read yet."), displayName()));
+        if (completion) {
+            completion(failure(formatted(localized(u"“%@” cannot be saved, because it has not been read yet."), displayName())));
+        }
+        return;
     }
     transformForSaving();
+    m_undoManager.breakCoalescing();
+    m_undoManager.markSavePoint();
+    // Of several texts that wait for the same file only the last is written.
+    if (m_saves.empty() || m_saves.back().snapshot.path != path) {
+        m_saves.emplace_back();
+    }
+    Save &save = m_saves.back();
+    save.snapshot = snapshotFor(path);
+    if (completion) {
+        save.completions.push_back(completion);
+    }
+    if (!m_underWay) {
+        startSaving();
+    }
+}
+
+void TextDocument::startSaving()
+{
+    m_underWay = std::move(m_saves.front());
+    m_saves.pop_front();
+    m_requests.cancel(FileRequests::Kind::reading);
+    m_asksAgain = m_asksAgain || m_deletedCheck.isPending() || m_fileLooking.isPending() || m_fileReading.isPending();
+    forgetFileQuestions();
     if (m_watcher) {
         m_watcher->beginOwnWrite();
     }
-    const Result<void> written = TextFile::write(m_storage.text(), path, m_encoding, m_lineEnding);
-    if (!written) {
+    m_requests.start(
+        FileRequests::Kind::writing, m_services.patience,
+        [snapshot = m_underWay->snapshot, &files = m_services.files](const std::stop_token &stop) {
+            return DocumentFile::write(snapshot, files, stop);
+        },
+        [this](const Result<DocumentFile::Written> &written) { endSaving(written); });
+}
+
+void TextDocument::endSaving(const Result<DocumentFile::Written> &written)
+{
+    const std::shared_ptr<TextDocument> self = weak_from_this().lock(); // it may be removed by those who hear of it
+    const Save save = *std::exchange(m_underWay, std::nullopt);
+    const bool asksAgain = std::exchange(m_asksAgain, false);
+    if (written) {
+        takeWritten(save.snapshot, *written);
+    } else {
         if (m_watcher) {
             m_watcher->endOwnWrite();
         }
-        return written;
+        if (asksAgain) {
+            checkDeleted();
+            compareWithFile();
+        }
     }
-    m_undoManager.breakCoalescing();
-    m_undoManager.markSavePoint();
-    agreeWithFile();
-    if (m_services.discardDraft) {
+    const Result<void> result = written.map([](const DocumentFile::Written &) {});
+    for (const SaveCompletion &completion : save.completions) {
+        completion(result);
+    }
+    if (m_underWay) {
+        return;
+    }
+    if (!m_saves.empty()) {
+        startSaving();
+        return;
+    }
+    for (const auto &then : std::exchange(m_whenSaved, {})) {
+        then(written.has_value());
+    }
+}
+
+void TextDocument::takeWritten(const DocumentFile::Snapshot &snapshot, const DocumentFile::Written &written)
+{
+    const bool isSameText = m_storage.revision() == snapshot.revision;
+    agreeWithFile(snapshot.text, written.hash);
+    if (!isSameText || m_encoding != snapshot.encoding || m_lineEnding != snapshot.lineEnding) {
+        m_isDirty = true;
+    }
+    if (!isSameText) {
+        m_dirtyCheck = m_services.scheduler.after(dirtyCheckDelay, [this] { checkDirty(); });
+    }
+    if (m_services.discardDraft && !m_isDirty) {
         m_services.discardDraft(m_id);
     }
-    postMetadata();
     if (m_watcher) {
         m_watcher->endOwnWrite();
     }
-    if (path != m_path) {
+    m_identity = written.identity;
+    if (snapshot.path != m_path) {
         // A file of the user's from now on.
         m_generatedTitle.reset();
-        m_path = path;
-        m_identity = identityOf(path);
+        m_path = snapshot.path;
         if (!languageWasChosenManually) {
             setLanguage(detectedLanguage());
         }
-        startWatching({});
+        startWatching(written.stamp);
     }
     postMetadata();
-    return {};
 }
 
-/// The text is the file's as of now; whatever was asked about either before is answered.
-void TextDocument::agreeWithFile(std::optional<quint64> hash)
+void TextDocument::whenSaved(std::function<void(bool isWritten)> then)
+{
+    if (isSaving()) {
+        m_whenSaved.push_back(std::move(then));
+    } else {
+        then(true);
+    }
+}
+
+/// The file has `text`; whatever was asked about it or the document's text before is answered.
+void TextDocument::agreeWithFile(const Rope &text, std::optional<quint64> hash)
 {
     m_dirtyCheck.cancel();
     m_dirtyHashing.cancel();
     forgetFileQuestions();
-    rememberSavedText(hash);
+    rememberSavedText(text, hash);
     m_isDirty = false;
     m_isDraft = false;
     m_externalState = ExternalState::none;
@@ -394,10 +482,8 @@ void TextDocument::forgetFileQuestions()
 
 TextDocument::FileReading TextDocument::comparedWith(const TextFile::Contents &contents) const
 {
-    return {.contents = contents,
-            .difference = TextEdits::difference(m_storage.text(), contents.text),
-            .revision = m_storage.revision(),
-            .hash = {}};
+    return {
+        .contents = contents, .difference = TextEdits::difference(m_storage.text(), contents.text), .revision = m_storage.revision()};
 }
 
 void TextDocument::adopt(const FileReading &reading)
@@ -407,7 +493,7 @@ void TextDocument::adopt(const FileReading &reading)
     m_isLoading = false;
     m_encoding = reading.contents.encoding;
     m_lineEnding = reading.contents.lineEnding;
-    agreeWithFile(reading.hash);
+    agreeWithFile(m_storage.text(), reading.hash);
     lastSelectedRange = {std::min(m_storage.length(), lastSelectedRange.location), 0};
     if (m_highlighter) {
         m_highlighter->rehighlightAll();
@@ -429,34 +515,46 @@ void TextDocument::reload(const FileReading &reading)
     postMetadata();
 }
 
-tl::expected<void, TextFile::ReadError> TextDocument::revertToFileOnDisk()
+void TextDocument::takeFile(std::optional<TextEncoding> forcedEncoding, void (TextDocument::*take)(const FileReading &reading),
+                            const ReadCompletion &completion)
 {
     if (m_path.isEmpty() || isWaiting()) {
-        return {};
+        return;
     }
-    const auto contents = TextFile::read(m_path);
-    if (!contents) {
-        return tl::unexpected(contents.error());
-    }
-    reload(comparedWith(*contents));
-    return {};
+    whenSaved([this, forcedEncoding, take, completion](bool /*isWritten*/) {
+        m_requests.start(
+            FileRequests::Kind::reading, m_services.patience,
+            [path = m_path, forcedEncoding, current = m_storage.snapshot(), &files = m_services.files](const std::stop_token &stop) {
+                return DocumentFile::read(path, forcedEncoding, current, files, stop);
+            },
+            [this, take, completion](const DocumentFile::ReadResult &reading) {
+                if (reading) {
+                    (this->*take)(reading->revision == m_storage.revision() ? *reading : comparedWith(reading->contents));
+                }
+                if (completion) {
+                    completion(reading ? std::nullopt : std::optional(reading.error()));
+                }
+            });
+    });
 }
 
-tl::expected<void, TextFile::ReadError> TextDocument::reinterpret(TextEncoding encoding)
+void TextDocument::revertToFileOnDisk(const ReadCompletion &completion)
 {
-    if (m_path.isEmpty() || isWaiting()) {
-        return {};
-    }
-    const auto contents = TextFile::read(m_path, encoding);
-    if (!contents) {
-        return tl::unexpected(contents.error());
-    }
+    takeFile(std::nullopt, &TextDocument::reload, completion);
+}
+
+void TextDocument::reinterpret(TextEncoding encoding, const ReadCompletion &completion)
+{
+    takeFile(encoding, &TextDocument::takeReinterpreted, completion);
+}
+
+void TextDocument::takeReinterpreted(const FileReading &reading)
+{
     m_undoManager.breakCoalescing();
-    adopt(comparedWith(*contents));
+    adopt(reading);
     m_undoManager.breakCoalescing();
     m_undoManager.markSavePoint();
     postMetadata();
-    return {};
 }
 
 // What others do to the file
@@ -518,35 +616,30 @@ void TextDocument::compareWithFile()
 {
     m_fileReading = BackgroundTask::start(
         m_services.workers,
-        [path = m_path, snapshot = m_storage.snapshot()](const std::stop_token &stop) -> std::optional<FileReading> {
-            auto contents = TextFile::read(path);
-            const auto hash = contents ? textHash(contents->text, stop) : std::nullopt;
-            if (!hash) {
-                return std::nullopt;
-            }
-            TextEdits difference = TextEdits::difference(snapshot.text, contents->text);
-            return FileReading{std::move(*contents), std::move(difference), snapshot.revision, hash};
+        [path = m_path, current = m_storage.snapshot(), &files = m_services.files](const std::stop_token &stop) {
+            return DocumentFile::read(path, std::nullopt, current, files, stop);
         },
-        [this](std::optional<FileReading> reading) { applyReading(std::move(reading)); });
+        [this](const DocumentFile::ReadResult &reading) {
+            if (reading && reading->hash) {
+                applyReading(*reading);
+            }
+        });
 }
 
-void TextDocument::applyReading(std::optional<FileReading> reading)
+void TextDocument::applyReading(const FileReading &reading)
 {
-    if (!reading) {
-        return;
-    }
-    if (reading->revision != m_storage.revision()) {
+    if (reading.revision != m_storage.revision()) {
         compareWithFile(); // typed meanwhile: the comparison was with another text
         return;
     }
-    if (reading->difference.isEmpty()) {
-        rememberSavedText(reading->hash);
+    if (reading.difference.isEmpty()) {
+        rememberSavedText(m_storage.text(), reading.hash);
         m_isDraft = false;
         setDirty(false);
         return;
     }
     if (!hasUnsavedText() && m_services.preferences.value(Settings::reloadCleanFilesAutomatically)) {
-        reload(*reading);
+        reload(reading);
         return;
     }
     setExternalState(ExternalState::conflicted);

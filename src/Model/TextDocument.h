@@ -5,6 +5,8 @@
 #include "Base/BackgroundTask.h"
 #include "Base/NotificationCenter.h"
 #include "Base/Scheduler.h"
+#include "Files/DocumentFile.h"
+#include "Files/FileRequests.h"
 #include "Files/FileWatcher.h"
 #include "Files/TextFile.h"
 #include "Highlighting/Language.h"
@@ -15,11 +17,13 @@
 
 #include <QUuid>
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
 
 class Preferences;
+class TextDocument;
 
 /// What documents use; must outlive them.
 struct DocumentServices {
@@ -30,6 +34,12 @@ struct DocumentServices {
     FileWatcherQueue &watchers;
     /// The text is safe in its file: what was kept of it elsewhere may go. May be empty.
     std::function<void(const QUuid &id)> discardDraft;
+    /// How long the main thread waits for a file that is asked for, so that what a healthy disk answers is there at once.
+    std::chrono::milliseconds patience{0};
+    /// What files are read and written with.
+    FileCalls &files = FileCalls::system();
+    /// Another open document of the file with this identity; null for none. The store's own are given here by it.
+    std::function<std::shared_ptr<TextDocument>(const QString &identity, const TextDocument &asking)> otherOfFile = {};
 };
 
 /// One open text: its storage and history, the file it belongs to, whether it differs from that file, and what others did to the file.
@@ -39,8 +49,11 @@ struct DocumentServices {
 /// nothing was typed meanwhile: no key waits for a pass over the text. What to do about a conflict is for the views; the document only
 /// tells.
 ///
-/// A document may have been restored: from a draft, and then its text counts as clean but stands in no file; or from a file that is still
-/// being read, and until then it is empty and nothing changes or writes it.
+/// A document may have been restored from a draft, and then its text counts as clean but stands in no file.
+///
+/// Files are read and written by workers, from snapshots; nothing here waits for them longer than `DocumentServices::patience`. Until its
+/// file has been read a document is empty, and nothing changes or writes it. While the text is being written it may be edited: what is
+/// written is the text as it was when that was asked for, and what was typed since stays unsaved. Writes of one document follow each other.
 ///
 /// The store owns it; a view may hold it a little longer, until the event is over in which it was closed.
 ///
@@ -54,7 +67,7 @@ public:
     /// It became conflicted or deleted.
     static constexpr NotificationName didDetectExternalChange = "QLT.DocumentDidDetectExternalChange";
 
-    /// The file that it waited for cannot be read; whoever hears of it may destroy the document.
+    /// The file that it waited for cannot be read, or is that of another document; whoever hears of it may remove the document.
     static constexpr NotificationName didFailToArrive = "QLT.DocumentDidFailToArrive";
 
     enum class ExternalState {
@@ -72,17 +85,18 @@ public:
     static constexpr Scheduler::Milliseconds dirtyCheckDelay{400};
     static constexpr Scheduler::Milliseconds deletionCheckDelay{400};
 
-    /// `path` is empty for a text without a file; no contents are an empty text.
+    /// `path` is empty for a text without a file; no contents are an empty text. Asks no file system.
     TextDocument(const DocumentServices &services, const QString &path, const std::optional<TextFile::Contents> &contents,
                  const QUuid &id = QUuid::createUuid());
     /// A text that was not saved when it was kept, of the file at `path`, which may be gone, or of none. The stamp is that of where it was
     /// kept: a file that was written since is compared with it. Asks no file system by itself: that may hang.
     [[nodiscard]] static std::unique_ptr<TextDocument> fromDraft(const DocumentServices &services, const QString &path,
                                                                  const TextFile::Contents &contents, const QUuid &id);
-    /// A file that a worker reads, since its place may not answer; as its text comes, it is that of a document that was opened. Until then
-    /// it has the encoding and the line ending given.
+    /// A file that is being read. Until its text is there it has the encoding and the line ending given.
     [[nodiscard]] static std::unique_ptr<TextDocument> awaiting(const DocumentServices &services, const QString &path,
-                                                                TextEncoding encoding, LineEnding lineEnding, const QUuid &id);
+                                                                TextEncoding encoding = TextEncoding::utf8,
+                                                                LineEnding lineEnding = LineEnding::lf,
+                                                                const QUuid &id = QUuid::createUuid());
     /// A text that the program makes itself and nobody saves.
     [[nodiscard]] static std::unique_ptr<TextDocument> generated(const DocumentServices &services, const QString &title,
                                                                  const QString &text, const Language &language);
@@ -97,9 +111,7 @@ public:
     [[nodiscard]] UndoManager &undoManager() { return m_undoManager; }
     [[nodiscard]] const LineIndex &lineIndex() const { return m_lineIndex; }
     [[nodiscard]] const QString &path() const { return m_path; }
-    /// One name for a file, however it is reached; of a file that is not there its path without "." and "..". Asks the file system.
-    [[nodiscard]] static QString identityOf(const QString &path);
-    /// Of the document's file when it was opened or saved there.
+    /// See DocumentFile::identityOf; of the document's file when it was opened or saved there.
     [[nodiscard]] const QString &identity() const { return m_identity; }
     [[nodiscard]] bool isUntitled() const { return m_path.isEmpty(); }
     [[nodiscard]] bool isGenerated() const { return m_generatedTitle.has_value(); }
@@ -118,14 +130,26 @@ public:
     [[nodiscard]] bool hasUnsavedText() const;
     [[nodiscard]] bool isWaiting() const { return m_externalState == ExternalState::waiting; }
     /// Waits for the file that is being read, until `deadline`.
-    void waitForFile(std::chrono::steady_clock::time_point deadline) { std::ignore = m_arrival.waitUntil(deadline); }
+    void waitForFile(std::chrono::steady_clock::time_point deadline)
+    {
+        std::ignore = m_requests.waitUntil(FileRequests::Kind::arrival, deadline);
+    }
+    /// Calls `then` when it is not waiting any more, perhaps at once; never if it is destroyed first.
+    void whenArrived(std::function<void()> then);
     /// Why there is no text although it is not waiting.
     [[nodiscard]] const std::optional<TextFile::ReadError> &arrivalError() const { return m_arrivalError; }
+    /// The document that had the file already, known by another name, when it came; null for none.
+    [[nodiscard]] const std::shared_ptr<TextDocument> &twin() const { return m_twin; }
     [[nodiscard]] ExternalState externalState() const { return m_externalState; }
     /// The user keeps the text as it is, whatever became of the file.
     void clearExternalState();
-    /// The document replaces its own text; edits seen now are nobody's.
-    [[nodiscard]] bool isLoading() const { return m_isLoading; }
+    /// What it has asked of file systems; for others to ask as well.
+    [[nodiscard]] FileRequests &requests() { return m_requests; }
+    [[nodiscard]] const FileRequests &requests() const { return m_requests; }
+    /// Some text of it is being written to its file, or waits for that.
+    [[nodiscard]] bool isSaving() const { return m_underWay || !m_saves.empty(); }
+    /// Calls `then` when it is not saving any more, perhaps at once, with whether the last write succeeded; never if it is destroyed first.
+    void whenSaved(std::function<void(bool isWritten)> then);
 
     [[nodiscard]] TextEncoding encoding() const { return m_encoding; }
     void setEncoding(TextEncoding encoding);
@@ -144,45 +168,57 @@ public:
     TextRange lastSelectedRange;
     double lastScrollOffset = 0;
 
-    /// Writes the text to `path`, which becomes its file, after trimming and ending the text as the settings want. When that fails the
-    /// document is as it was, except for that. Refused while it waits for its text.
-    [[nodiscard]] Result<void> save(const QString &path);
-    /// Takes the file's text; the history goes. Does nothing without a file; when that fails nothing has changed.
-    [[nodiscard]] tl::expected<void, TextFile::ReadError> revertToFileOnDisk();
-    /// Reads the file as `encoding`, as a step that can be undone.
-    [[nodiscard]] tl::expected<void, TextFile::ReadError> reinterpret(TextEncoding encoding);
+    /// Called when a file was written, or could not be.
+    using SaveCompletion = std::function<void(const Result<void> &saved)>;
+    /// Called when a file was read; with an error when it could not be.
+    using ReadCompletion = std::function<void(const std::optional<TextFile::ReadError> &error)>;
+
+    [[nodiscard]] DocumentFile::Snapshot snapshotFor(const QString &path) const;
+    /// Writes the text as it is now to `path`, which becomes its file, after trimming and ending the text as the settings want. When that
+    /// fails the document is as it was, except for that. Refused while it waits for its text.
+    void save(const QString &path, const SaveCompletion &completion = {});
+    /// Takes the file's text, after what is being written; the history goes. Does nothing without a file. When it cannot be read nothing
+    /// has changed; when the text is edited or saved meanwhile, nothing comes of it, and nobody is told.
+    void revertToFileOnDisk(const ReadCompletion &completion = {});
+    /// In the same way reads the file as `encoding`, as a step that can be undone.
+    void reinterpret(TextEncoding encoding, const ReadCompletion &completion = {});
 
 private:
-    /// What the file holds, and what is different from the document's text as it was at `revision`.
-    struct FileReading {
-        TextFile::Contents contents;
-        TextEdits difference;
-        quint64 revision = 0;
-        /// Of the file's text; none where it is still to be computed.
-        std::optional<quint64> hash;
-    };
+    using FileReading = DocumentFile::Reading;
 
     struct Arrival {
         tl::expected<TextFile::Contents, TextFile::ReadError> contents;
         QString identity;
     };
 
+    struct Save {
+        DocumentFile::Snapshot snapshot;
+        std::vector<SaveCompletion> completions;
+    };
+
     TextDocument(const DocumentServices &services, const QString &path, const QString &identity,
                  const std::optional<TextFile::Contents> &contents, const QUuid &id);
 
     void arrive(const Arrival &arrival);
+    void takeArrived(const TextFile::Contents &contents);
     /// Plain text for a text with a line of megabytes.
     [[nodiscard]] const Language &colouredLanguage() const;
     void noteEdit();
     void checkDirty();
     void hashSavedText();
     void applyDirtyCheck(quint64 hash);
-    void rememberSavedText(std::optional<quint64> hash = {});
+    void rememberSavedText(const Rope &text, std::optional<quint64> hash = {});
     void setDirty(bool isDirty);
     void postMetadata() const;
 
     void transformForSaving();
-    void agreeWithFile(std::optional<quint64> hash = {});
+    void startSaving();
+    void endSaving(const Result<DocumentFile::Written> &written);
+    void takeWritten(const DocumentFile::Snapshot &snapshot, const DocumentFile::Written &written);
+    void takeFile(std::optional<TextEncoding> forcedEncoding, void (TextDocument::*take)(const FileReading &reading),
+                  const ReadCompletion &completion);
+    void takeReinterpreted(const FileReading &reading);
+    void agreeWithFile(const Rope &text, std::optional<quint64> hash = {});
     void forgetFileQuestions();
     [[nodiscard]] FileReading comparedWith(const TextFile::Contents &contents) const;
     void adopt(const FileReading &reading);
@@ -193,7 +229,7 @@ private:
     void handleFileEvent(FileWatcher::Event event);
     void checkDeleted();
     void compareWithFile();
-    void applyReading(std::optional<FileReading> reading);
+    void applyReading(const FileReading &reading);
     void setExternalState(ExternalState state);
 
     DocumentServices m_services;
@@ -204,6 +240,15 @@ private:
     QString m_path;
     QString m_identity;
     Awaited m_awaited = Awaited::no;
+    FileRequests m_requests;
+    std::vector<std::function<void()>> m_whenArrived;
+    /// Those that wait until the one under way is written; its own completions are in `m_underWay`.
+    std::deque<Save> m_saves;
+    std::optional<Save> m_underWay;
+    std::vector<std::function<void(bool)>> m_whenSaved;
+    /// What was asked about the file was dropped for a write that may fail.
+    bool m_asksAgain = false;
+    std::shared_ptr<TextDocument> m_twin;
     bool m_isDirty = false;
     bool m_isDraft = false;
     std::optional<TextFile::ReadError> m_arrivalError;
@@ -227,6 +272,6 @@ private:
     BackgroundTask m_dirtyHashing;
     BackgroundTask m_fileReading;
     BackgroundTask m_fileLooking;
-    BackgroundTask m_arrival;
+    BackgroundTask m_draftLooking;
     QObject m_context;
 };

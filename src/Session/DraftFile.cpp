@@ -40,7 +40,8 @@ QUuid DraftFile::documentOf(const QString &name)
 
 Result<void> DraftFile::write(const Rope &text, const QString &path, FileCalls &calls)
 {
-    return TextFile::write(text, path, TextEncoding::utf8, LineEnding::lf, calls, AtomicFile::NewFile::privateToUser);
+    return TextFile::write(text, path, TextEncoding::utf8, LineEnding::lf, calls, AtomicFile::NewFile::privateToUser)
+        .map([](const FileStamp &) {});
 }
 
 std::optional<Rope> DraftFile::read(const QString &path)

@@ -93,9 +93,10 @@ bool SessionKeeper::wantsSession(const std::vector<WindowLayout> &layouts) const
 void SessionKeeper::saveToFiles()
 {
     for (const auto &document : std::vector(m_documents.documents())) {
-        if (document->isDirty() && !document->isUntitled() && document->externalState() == TextDocument::ExternalState::none) {
-            // One that fails leaves the text dirty, and so it gets a draft.
-            std::ignore = document->save(document->path());
+        const bool hasQuietFile = !document->isUntitled() && document->externalState() == TextDocument::ExternalState::none;
+        if (document->isDirty() && hasQuietFile && !document->isSaving()) {
+            // One that fails or takes its time leaves the text dirty, and so it gets a draft.
+            document->save(document->path());
         }
     }
 }

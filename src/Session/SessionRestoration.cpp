@@ -127,6 +127,10 @@ private:
             if (made.document->arrivalError()) {
                 return;
             }
+            if (const auto &twin = made.document->twin()) {
+                m_restored.push_back({made.idInSnapshot, twin});
+                return;
+            }
             const auto added = m_documents.add(std::move(made.document)).shared_from_this();
             m_restored.push_back({made.idInSnapshot, added});
             m_files.emplace(made.path, added);

@@ -106,6 +106,15 @@ void DocumentActions::presentError(const TextFile::ReadError &error)
     presentError(error.description(), error.recoverySuggestion().value_or(QString()));
 }
 
+TextDocument::ReadCompletion DocumentActions::errorPresenter()
+{
+    return [self = QPointer(this)](const std::optional<TextFile::ReadError> &error) {
+        if (self && error) {
+            self->presentError(*error);
+        }
+    };
+}
+
 void DocumentActions::present(const Alert &alert, std::function<void(int button)> completion)
 {
     m_services.presenter.present(alert, window(),
@@ -116,11 +125,34 @@ void DocumentActions::present(const Alert &alert, std::function<void(int button)
 
 QString DocumentActions::panelFolder() const
 {
-    QString last = m_services.defaults.string(lastFolderKey);
-    if (!last.isEmpty() && QFileInfo::exists(last)) {
-        return last;
+    const QString last = m_services.defaults.string(lastFolderKey);
+    const QString own = hasFile() ? folderOf(currentDocument()->path()) : QString();
+    for (const QString &folder : {last, own}) {
+        if (isFolderThere(folder)) {
+            return folder;
+        }
     }
-    return hasFile() ? folderOf(currentDocument()->path()) : QDir::homePath();
+    return QDir::homePath();
+}
+
+/// The document's own, if there is one.
+QString DocumentActions::folderBeside(const TextDocument &document) const
+{
+    const QString own = document.isUntitled() ? QString() : folderOf(document.path());
+    return isFolderThere(own) ? own : panelFolder();
+}
+
+/// A panel in a folder that does not answer would hang.
+bool DocumentActions::isFolderThere(const QString &folder) const
+{
+    bool isThere = false;
+    if (!folder.isEmpty()) {
+        auto looking = BackgroundTask::start(
+            m_services.workers, [folder](const std::stop_token &) { return QFileInfo::exists(folder); },
+            [&isThere](bool found) { isThere = found; });
+        std::ignore = looking.waitUntil(std::chrono::steady_clock::now() + m_services.documents.services().patience);
+    }
+    return isThere;
 }
 
 void DocumentActions::rememberPanelFolder(const QString &path)
@@ -155,41 +187,64 @@ void DocumentActions::saveDocumentAs()
 
 void DocumentActions::save(TextDocument &document, const Completion &completion)
 {
+    if (document.isUntitled() && document.isSaving()) {
+        // It is getting its file.
+        document.whenSaved([self = QPointer(this), &document, completion](bool isWritten) {
+            if (self && isWritten) {
+                self->save(document, completion);
+            } else if (self) {
+                completion(false);
+            }
+        });
+        return;
+    }
     if (document.isUntitled()) {
         saveAs(document, completion);
         return;
     }
-    const Result<void> saved = document.save(document.path());
-    if (saved) {
-        emit messageShown(localized(u"Saved"), shortFlash);
-    } else {
-        presentError(saved.error().message);
-    }
-    completion(saved.has_value());
+    document.save(document.path(), [self = QPointer(this), completion](const Result<void> &saved) {
+        if (!self) {
+            return;
+        }
+        if (saved) {
+            emit self->messageShown(localized(u"Saved"), shortFlash);
+        } else {
+            self->presentError(saved.error().message);
+        }
+        completion(saved.has_value());
+    });
 }
 
 void DocumentActions::saveAs(TextDocument &document, const Completion &completion)
 {
-    const SavePanel panel{.startFolder = document.isUntitled() ? panelFolder() : folderOf(document.path()),
-                          .suggestedName = document.displayName()};
+    const SavePanel panel{.startFolder = folderBeside(document), .suggestedName = document.displayName()};
     m_services.presenter.present(panel, window(),
                                  [this, document = document.shared_from_this(), completion](const std::optional<QString> &path) {
-                                     if (!path) {
-                                         completion(false);
-                                         return;
-                                     }
-                                     rememberPanelFolder(*path);
-                                     const Result<void> saved = document->save(*path);
-                                     if (saved) {
-                                         // Until the session knows its file, it would not come back.
-                                         m_services.keeper.keep();
-                                         m_services.recent.note({*path});
-                                         emit messageShown(formatted(localized(u"Saved as “%@”"), nameOf(*path)), shortFlash);
+                                     if (path) {
+                                         rememberPanelFolder(*path);
+                                         saveAt(*path, *document, completion);
                                      } else {
-                                         presentError(saved.error().message);
+                                         completion(false);
                                      }
-                                     completion(saved.has_value());
                                  });
+}
+
+void DocumentActions::saveAt(const QString &path, TextDocument &document, const Completion &completion)
+{
+    document.save(path, [self = QPointer(this), path, completion](const Result<void> &saved) {
+        if (!self) {
+            return;
+        }
+        if (saved) {
+            // Until the session knows its file, it would not come back.
+            self->m_services.keeper.keep();
+            self->m_services.recent.note({path});
+            emit self->messageShown(formatted(localized(u"Saved as “%@”"), nameOf(path)), shortFlash);
+        } else {
+            self->presentError(saved.error().message);
+        }
+        completion(saved.has_value());
+    });
 }
 
 void DocumentActions::confirmClose(TextDocument &document, const Completion &completion)
@@ -201,14 +256,20 @@ void DocumentActions::confirmClose(TextDocument &document, const Completion &com
                                      {localized(u"Don’t Save"), AlertButtonRole::destructive}}};
     present(question, [this, document = document.shared_from_this(), completion](int button) {
         if (button == AlertReply::firstButton) {
-            save(*document, completion);
+            save(*document, [this, document, completion](bool isSaved) {
+                if (isSaved && document->hasUnsavedText()) {
+                    confirmClose(*document, completion); // of what was typed meanwhile
+                } else {
+                    completion(isSaved);
+                }
+            });
         } else {
             completion(button == AlertReply::thirdButton);
         }
     });
 }
 
-void DocumentActions::confirmClosing(const PaneLayout::Documents &documents, const Completion &completion)
+void DocumentActions::confirmClosing(const PaneLayout::Documents &documents, const std::function<void(Closing closing)> &completion)
 {
     QStringList names;
     for (const auto &document : documents) {
@@ -227,9 +288,9 @@ void DocumentActions::confirmClosing(const PaneLayout::Documents &documents, con
                                      {localized(u"Close Without Saving"), AlertButtonRole::destructive}}};
     m_services.presenter.present(question, window(), [this, documents, completion](const AlertReply &reply) {
         if (reply.button == AlertReply::firstButton) {
-            saveAll(documents, completion);
+            saveAll(documents, [completion](bool areSaved) { completion(areSaved ? Closing::saved : Closing::refused); });
         } else {
-            completion(reply.button == AlertReply::thirdButton);
+            completion(reply.button == AlertReply::thirdButton ? Closing::withoutSaving : Closing::refused);
         }
     });
 }
@@ -262,9 +323,7 @@ void DocumentActions::revertDocumentToSaved()
         if (button != AlertReply::firstButton) {
             return;
         }
-        if (const auto reverted = document->revertToFileOnDisk(); !reverted) {
-            presentError(reverted.error());
-        }
+        document->revertToFileOnDisk(errorPresenter());
     });
 }
 
@@ -274,9 +333,7 @@ void DocumentActions::revertWithoutAsking()
     if (!hasFile()) {
         return;
     }
-    if (const auto reverted = currentDocument()->revertToFileOnDisk(); !reverted) {
-        presentError(reverted.error());
-    }
+    currentDocument()->revertToFileOnDisk(errorPresenter());
 }
 
 // Files
@@ -288,17 +345,23 @@ void DocumentActions::makeBackup()
         return;
     }
     TextDocument &document = *currentDocument();
-    const auto copy = TextFile::nextAvailableCopy(document.path());
-    if (!copy) {
-        presentError(formatted(localized(u"There is no free name for a copy of “%@” in its folder."), document.displayName()));
+    if (document.requests().isPending(FileRequests::Kind::copying)) {
+        beep();
         return;
     }
-    const Result<void> written = TextFile::write(document.storage().text(), *copy, document.encoding(), document.lineEnding());
-    if (!written) {
-        presentError(written.error().message);
-        return;
-    }
-    emit messageShown(formatted(localized(u"Copied to “%@”"), nameOf(*copy)), longFlash);
+    const DocumentServices &services = m_services.documents.services();
+    document.requests().start(
+        FileRequests::Kind::copying, services.patience,
+        [snapshot = document.snapshotFor(document.path()), &files = services.files](const std::stop_token &) {
+            return DocumentFile::copy(snapshot, files);
+        },
+        [self = QPointer(this)](const Result<QString> &copy) {
+            if (self && copy) {
+                emit self->messageShown(formatted(localized(u"Copied to “%@”"), nameOf(*copy)), longFlash);
+            } else if (self) {
+                self->presentError(copy.error().message);
+            }
+        });
 }
 
 void DocumentActions::openInTerminal()
@@ -342,11 +405,26 @@ void DocumentActions::moveDocumentToTrash()
 
 void DocumentActions::trash(TextDocument &document)
 {
-    if (const Result<void> moved = m_services.desktop.moveToTrash(document.path()); !moved) {
-        presentError(moved.error().message);
-        return;
-    }
-    m_services.documents.remove(document);
+    // What is being written would be there again.
+    document.whenSaved([self = QPointer(this), &document](bool /*isWritten*/) {
+        if (!self) {
+            return;
+        }
+        const WorkspaceServices &services = self->m_services;
+        document.requests().start(
+            FileRequests::Kind::moving, services.documents.services().patience,
+            [&desktop = services.desktop, path = document.path()](const std::stop_token &) { return desktop.moveToTrash(path); },
+            [self, &document](const Result<void> &moved) {
+                if (!self) {
+                    return;
+                }
+                if (!moved) {
+                    self->presentError(moved.error().message);
+                    return;
+                }
+                self->m_services.documents.remove(document);
+            });
+    });
 }
 
 void DocumentActions::revealInFinder()
@@ -398,9 +476,7 @@ void DocumentActions::chooseEncoding(TextEncoding encoding)
         document->setEncoding(encoding);
         return;
     }
-    if (const auto read = document->reinterpret(encoding); !read) {
-        presentError(read.error());
-    }
+    document->reinterpret(encoding, errorPresenter());
 }
 
 void DocumentActions::chooseLineEnding(LineEnding lineEnding)

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "Diff/DiffViewController.h"
-#include "Files/TextFile.h"
 #include "Model/PaneLayout.h"
+#include "Model/TextDocument.h"
 #include "UI/WorkspaceServices.h"
 
 struct Alert;
@@ -22,13 +22,14 @@ public:
     /// `layout` is what the window shows, `widget` something in it. All must outlive this.
     DocumentActions(const WorkspaceServices &services, const PaneLayout &layout, QWidget &widget);
 
-    /// Gets true when the text was written.
+    /// Gets true when the text was written; is not called when this is gone by then.
     void save(TextDocument &document, const Completion &completion);
     void saveAs(TextDocument &document, const Completion &completion);
     /// Gets true when it may be closed.
     void confirmClose(TextDocument &document, const Completion &completion);
+    enum class Closing { refused, saved, withoutSaving };
     /// The same for a window that shows all these. There is one at least.
-    void confirmClosing(const PaneLayout::Documents &documents, const Completion &completion);
+    void confirmClosing(const PaneLayout::Documents &documents, const std::function<void(Closing closing)> &completion);
 
     // Of the current document
     void chooseLanguage(const Language &language);
@@ -50,6 +51,7 @@ private:
     void openDocument();
     void saveDocument();
     void saveDocumentAs();
+    void saveAt(const QString &path, TextDocument &document, const Completion &completion);
     void saveAll(const PaneLayout::Documents &documents, const Completion &completion);
     void revertDocumentToSaved();
     void revertWithoutAsking();
@@ -64,6 +66,7 @@ private:
     void compareWithFile();
     void compareWithOpenDocument(const ActionSender &sender);
     void compare(const Side &left);
+    void readForComparison(TextDocument &document, const QString &path, std::function<void(const Rope &text)> then);
     void showVimKeyReference();
     void showUserGuide();
     void showGenerated(const QString &title, const QString &text);
@@ -79,9 +82,12 @@ private:
 
     void presentError(const QString &description, const QString &recoverySuggestion = {});
     void presentError(const TextFile::ReadError &error);
+    [[nodiscard]] TextDocument::ReadCompletion errorPresenter();
     void present(const Alert &alert, std::function<void(int button)> completion);
     void beep();
     [[nodiscard]] QString panelFolder() const;
+    [[nodiscard]] QString folderBeside(const TextDocument &document) const;
+    [[nodiscard]] bool isFolderThere(const QString &folder) const;
     void rememberPanelFolder(const QString &path);
 
     WorkspaceServices m_services;

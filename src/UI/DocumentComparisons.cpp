@@ -37,19 +37,32 @@ void DocumentActions::compare(const Side &left)
     emit comparisonRequested(left, editorSide(document), document.language());
 }
 
+/// The document's tab says that it is being read; when the tab closes first nothing comes of it.
+void DocumentActions::readForComparison(TextDocument &document, const QString &path, std::function<void(const Rope &text)> then)
+{
+    const DocumentServices &services = m_services.documents.services();
+    document.requests().start(
+        FileRequests::Kind::comparison, services.patience,
+        [path, &files = services.files](const std::stop_token &) { return TextFile::read(path, std::nullopt, files); },
+        [self = QPointer(this), then = std::move(then)](const tl::expected<TextFile::Contents, TextFile::ReadError> &read) {
+            if (self && read) {
+                then(read->text);
+            } else if (self) {
+                self->presentError(read.error());
+            }
+        });
+}
+
 void DocumentActions::compareWithFileOnDisk()
 {
     if (!hasFile()) {
         beep();
         return;
     }
-    const TextDocument &document = *currentDocument();
-    const auto read = TextFile::read(document.path());
-    if (!read) {
-        presentError(read.error());
-        return;
-    }
-    compare({document.displayName(), localized(u"on disk"), read->text});
+    TextDocument &document = *currentDocument();
+    readForComparison(document, document.path(), [this, &document](const Rope &text) {
+        emit comparisonRequested({document.displayName(), localized(u"on disk"), text}, editorSide(document), document.language());
+    });
 }
 
 void DocumentActions::compareWithFile()
@@ -61,19 +74,15 @@ void DocumentActions::compareWithFile()
     const auto document = currentDocument()->shared_from_this();
     const OpenPanel panel{.choice = OpenPanel::Choice::file,
                           .title = formatted(localized(u"Choose a file to compare with “%@”."), document->displayName()),
-                          .startFolder = document->isUntitled() ? panelFolder() : QFileInfo(document->path()).path(),
+                          .startFolder = folderBeside(*document),
                           .prompt = localized(u"Compare")};
     m_services.presenter.present(panel, window(), [this, document](const QStringList &paths) {
         if (paths.isEmpty()) {
             return;
         }
-        const auto read = TextFile::read(paths.first());
-        if (!read) {
-            presentError(read.error());
-            return;
-        }
-        const QFileInfo file(paths.first());
-        emit comparisonRequested({file.fileName(), abbreviatedPath(file.path()), read->text}, editorSide(*document), document->language());
+        readForComparison(*document, paths.first(), [this, document = document.get(), file = QFileInfo(paths.first())](const Rope &text) {
+            emit comparisonRequested({file.fileName(), abbreviatedPath(file.path()), text}, editorSide(*document), document->language());
+        });
     });
 }
 

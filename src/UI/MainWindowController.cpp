@@ -195,10 +195,25 @@ void MainWindowController::keyPressEvent(QKeyEvent *event)
 
 void MainWindowController::closeEvent(QCloseEvent *event)
 {
-    PaneLayout::Documents dirty = m_workspace->paneLayout().documents();
-    // A text from a draft counts as clean: as long as drafts are kept, it comes back.
-    const bool isKept = m_services.session.keepsUnsavedText();
-    std::erase_if(dirty, [isKept](const auto &document) { return isKept ? !document->isDirty() : !document->hasUnsavedText(); });
+    const PaneLayout::Documents dirty = unsavedDocuments();
+    PaneLayout::Documents saving = m_workspace->paneLayout().documents();
+    std::erase_if(saving, [](const auto &document) { return !document->isSaving(); });
+    if (m_closing < Closing::allowed && !saving.empty()) {
+        event->ignore();
+        comeToFront();
+        m_writes.await(saving, this, [this](PendingWrites::Outcome outcome) {
+            if (outcome == PendingWrites::Outcome::failed) {
+                emit closingRefused();
+                return;
+            }
+            m_closing = outcome == PendingWrites::Outcome::abandoned ? Closing::allowed : m_closing;
+            close();
+        });
+        // Answered at once, the closing under way is the one to go through.
+        if (m_closing < Closing::allowed) {
+            return;
+        }
+    }
     if (m_closing < Closing::allowed && !dirty.empty()) {
         event->ignore();
         // Where nobody sees it, the question would never be answered.
@@ -209,15 +224,17 @@ void MainWindowController::closeEvent(QCloseEvent *event)
             }
             return;
         }
-        m_workspace->documentActions().confirmClosing(dirty, [this](bool mayClose) {
+        using Answer = DocumentActions::Closing;
+        m_workspace->documentActions().confirmClosing(dirty, [this](Answer answer) {
+            // What was typed while all was saved is asked about as well.
+            const bool mayClose = answer == Answer::withoutSaving || (answer == Answer::saved && unsavedDocuments().empty());
             m_closing = mayClose ? Closing::allowed : Closing::notAsked;
-            if (mayClose) {
-                close();
-            } else {
+            if (answer == Answer::refused) {
                 emit closingRefused();
+            } else {
+                close();
             }
         });
-        // Answered at once, the closing under way is the one to go through.
         if (m_closing < Closing::allowed) {
             return;
         }
@@ -230,4 +247,13 @@ void MainWindowController::closeEvent(QCloseEvent *event)
         m_services.keeper.keep();
         emit closed();
     }
+}
+
+PaneLayout::Documents MainWindowController::unsavedDocuments() const
+{
+    PaneLayout::Documents unsaved = m_workspace->paneLayout().documents();
+    // A text from a draft counts as clean: as long as drafts are kept, it comes back.
+    const bool isKept = m_services.session.keepsUnsavedText();
+    std::erase_if(unsaved, [isKept](const auto &document) { return isKept ? !document->isDirty() : !document->hasUnsavedText(); });
+    return unsaved;
 }

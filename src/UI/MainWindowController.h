@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Commands/FirstResponder.h"
+#include "UI/PendingWrites.h"
 #include "UI/WorkspaceViewController.h"
 
 #include <QMainWindow>
@@ -43,6 +44,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    [[nodiscard]] PaneLayout::Documents unsavedDocuments() const;
     void updateTitle();
     void restoreFrame();
     void performClose() { close(); }
@@ -61,4 +63,5 @@ private:
     /// `asked` while the user is to answer.
     enum class Closing { notAsked, asked, allowed, done };
     Closing m_closing = Closing::notAsked;
+    PendingWrites m_writes{m_services.presenter};
 };

@@ -3,6 +3,7 @@
 #include "UI/PaneViewController.h"
 
 #include "Base/Localization.h"
+#include "Base/Translation.h"
 #include "Commands/FirstResponder.h"
 #include "Model/DocumentStore.h"
 #include "Settings/Preferences.h"
@@ -23,6 +24,19 @@ void updateName(EditorViewController &editor)
     if (name != editor.textView().accessibleName()) {
         editor.textView().setAccessibleName(name);
     }
+}
+
+QString activityOf(const TextDocument &document)
+{
+    switch (document.requests().activity()) {
+    case FileRequests::Activity::opening:
+        return localized(u"Opening…");
+    case FileRequests::Activity::saving:
+        return localized(u"Saving…");
+    case FileRequests::Activity::none:
+        break;
+    }
+    return {};
 }
 
 } // namespace
@@ -87,11 +101,11 @@ void PaneViewController::refreshTabs()
 {
     std::vector<TabDescriptor> tabs;
     for (const auto &document : documents()) {
-        const bool isWaiting = document->isWaiting();
-        tabs.push_back({.title = isWaiting ? document->displayName() + u" …"_s : document->displayName(),
+        tabs.push_back({.title = document->displayName(),
                         .tooltip = document->displayPath(),
+                        .activity = activityOf(*document),
                         .isDirty = document->isDirty(),
-                        .hasExternalChange = !isWaiting && document->externalState() != TextDocument::ExternalState::none});
+                        .hasExternalChange = !document->isWaiting() && document->externalState() != TextDocument::ExternalState::none});
     }
     if (m_currentEditor) {
         updateName(*m_currentEditor);

@@ -40,6 +40,7 @@ constexpr int insertionMarkWidth = 3;
 
 constexpr double hoverOpacity = 0.4;
 constexpr double inactiveOpacity = 0.6;
+constexpr double activityOpacity = 0.65;
 constexpr double dotOpacity = 0.85;
 
 QColor withOpacity(QColor color, double opacity)
@@ -152,9 +153,10 @@ void TabItemView::updateAccessibleTexts()
         states.append(localized(u"changed on disk"));
     }
     states.append(m_descriptor.tooltip);
+    const QString name = m_descriptor.activity.isEmpty() ? m_descriptor.title : m_descriptor.title + u", "_s + m_descriptor.activity;
     // Set again, they would be said again.
-    if (m_descriptor.title != accessibleName()) {
-        setAccessibleName(m_descriptor.title);
+    if (name != accessibleName()) {
+        setAccessibleName(name);
     }
     if (const QString description = states.join(u", "_s); description != accessibleDescription()) {
         setAccessibleDescription(description);
@@ -169,7 +171,13 @@ QSize TabItemView::sizeHint() const
     font.setWeight(QFont::Medium);
     const int title = QFontMetrics(font).horizontalAdvance(m_descriptor.title) + 1;
     const int width = titleInset + title + gap + closeButtonSide + closeButtonInset;
-    return {std::clamp(width, leastWidth, greatestWidth), parentWidget() ? parentWidget()->height() : height()};
+    return {std::clamp(width, leastWidth, greatestWidth) + activityWidth(font), parentWidget() ? parentWidget()->height() : height()};
+}
+
+/// With the space before it.
+int TabItemView::activityWidth(const QFont &font) const
+{
+    return m_descriptor.activity.isEmpty() ? 0 : 2 * gap + QFontMetrics(font).horizontalAdvance(m_descriptor.activity) + 1;
 }
 
 QFont TabItemView::titleFont() const
@@ -214,10 +222,16 @@ void TabItemView::paintTitle(QPainter &painter) const
 {
     const QFont font = titleFont();
     const QRect place(titleInset, 0, m_closeButton->x() - gap - titleInset, height());
+    constexpr int flags = Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine;
+    const QFontMetrics metrics(font);
+    const QString title = metrics.elidedText(m_descriptor.title, Qt::ElideMiddle, place.width() - activityWidth(font), Qt::TextSingleLine);
     painter.setFont(font);
     painter.setPen(textColor());
-    painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                     QFontMetrics(font).elidedText(m_descriptor.title, Qt::ElideMiddle, place.width(), Qt::TextSingleLine));
+    painter.drawText(place, flags, title);
+    if (!m_descriptor.activity.isEmpty()) {
+        painter.setPen(withOpacity(textColor(), textColor().alphaF() * activityOpacity));
+        painter.drawText(place.adjusted(metrics.horizontalAdvance(title) + 2 * gap, 0, 0, 0), flags, m_descriptor.activity);
+    }
 }
 
 /// The dot, the focus and where a dragged tab would go.

@@ -15,6 +15,8 @@ struct Theme;
 struct TabDescriptor {
     QString title;
     QString tooltip;
+    /// What takes its time, in words; mostly nothing.
+    QString activity;
     bool isDirty = false;
     /// The file was changed or deleted by others.
     bool hasExternalChange = false;
@@ -89,6 +91,7 @@ private:
     [[nodiscard]] QColor textColor() const;
     [[nodiscard]] QFont titleFont() const;
     void paintGround(QPainter &painter) const;
+    [[nodiscard]] int activityWidth(const QFont &font) const;
     void paintTitle(QPainter &painter) const;
     void paintMarks(QPainter &painter) const;
 

@@ -100,9 +100,16 @@ void WorkspaceViewController::saveAndClose()
 /// Without a question; what was not saved is lost.
 void WorkspaceViewController::forceCloseTab()
 {
-    if (const auto document = m_layout.current()) {
-        takeTab(m_layout.activeIndex(), *document);
+    const auto document = m_layout.current();
+    if (!document) {
+        return;
     }
+    // But not before it is known what became of what is being written.
+    m_writes.await({document}, window(), [this, id = m_layout.active()->id, document](PendingWrites::Outcome outcome) {
+        if (outcome != PendingWrites::Outcome::failed) {
+            takeTab(m_layout.paneWithId(id), *document);
+        }
+    });
 }
 
 /// The program that waits for the current document goes on with what was written.

@@ -327,7 +327,11 @@ void WorkspaceViewController::rememberPlaces()
 void WorkspaceViewController::dropDocumentsThatCannotBeRead()
 {
     for (const auto &document : m_layout.documents()) {
-        if (document->arrivalError()) {
+        if (const auto twin = document->twin()) {
+            const bool isInFront = m_layout.current() == document;
+            setPaneLayout(isInFront ? m_layout.showing({twin}) : m_layout.appending({twin}));
+        }
+        if (document->twin() || document->arrivalError()) {
             m_services.documents.remove(*document);
         }
     }
@@ -353,35 +357,52 @@ void WorkspaceViewController::removePlaceholder(const std::shared_ptr<TextDocume
     }
 }
 
-void WorkspaceViewController::open(const QStringList &paths)
+PaneLayout::Documents WorkspaceViewController::openWithin(std::chrono::milliseconds patience, const QStringList &paths)
 {
     std::optional<TextFile::ReadError> firstError;
-    PaneLayout::Documents opened;
+    PaneLayout::Documents all;
+    PaneLayout::Documents shown;
     QStringList readPaths;
-    for (const QString &path : paths) {
-        TextDocument *document = m_services.documents.documentAt(path);
-        if (!document) {
-            auto contents = TextFile::read(path);
-            if (!contents) {
-                firstError = firstError ? firstError : std::optional(contents.error());
-                continue;
-            }
-            document = &m_services.documents.add(std::make_unique<TextDocument>(m_services.documents.services(), path, *contents));
-            readPaths << path;
+    for (const DocumentStore::Opened &opened : m_services.documents.open(paths, patience)) {
+        all.push_back(opened.document);
+        if (!opened.document) {
+            firstError = firstError ? firstError : opened.error;
+            continue;
         }
-        opened.push_back(document->shared_from_this());
+        shown.push_back(opened.document);
+        if (opened.isNew && opened.document->isWaiting()) {
+            tellWhenArrived(*opened.document);
+        } else if (opened.isNew) {
+            readPaths << opened.document->path();
+        }
     }
-    if (!opened.empty()) {
+    if (!shown.empty()) {
         const auto empty = placeholder();
-        setPaneLayout(m_layout.showing(opened));
+        setPaneLayout(m_layout.showing(shown));
         removePlaceholder(empty);
-        focusPaneShowing(*opened.back());
+        focusPaneShowing(*shown.back());
     }
     m_services.recent.note(readPaths);
     if (firstError) {
-        m_services.presenter.present(Alert::forError(firstError->description(), firstError->recoverySuggestion().value_or(QString())),
-                                     window(), {});
+        presentError(*firstError);
     }
+    return all;
+}
+
+void WorkspaceViewController::tellWhenArrived(TextDocument &document)
+{
+    document.whenArrived([workspace = QPointer(this), &document] {
+        if (workspace && document.arrivalError()) {
+            workspace->presentError(*document.arrivalError());
+        } else if (workspace) {
+            workspace->m_services.recent.note({document.path()});
+        }
+    });
+}
+
+void WorkspaceViewController::presentError(const TextFile::ReadError &error)
+{
+    m_services.presenter.present(Alert::forError(error.description(), error.recoverySuggestion().value_or(QString())), window(), {});
 }
 
 void WorkspaceViewController::adopt(TextDocument &document)
@@ -487,11 +508,17 @@ void WorkspaceViewController::requestClose(int pane, int tab)
             takeTab(m_layout.paneWithId(id), *document);
         }
     };
-    if (document->hasUnsavedText() && !isShownBeside(pane, *document)) {
-        m_documentActions.confirmClose(*document, close);
-    } else {
+    if (isShownBeside(pane, *document)) {
         close(true);
+        return;
     }
+    m_writes.await({document}, window(), [this, document, close](PendingWrites::Outcome outcome) {
+        if (outcome == PendingWrites::Outcome::written && document->hasUnsavedText()) {
+            m_documentActions.confirmClose(*document, close);
+        } else {
+            close(outcome != PendingWrites::Outcome::failed);
+        }
+    });
 }
 
 void WorkspaceViewController::takeTab(int pane, const TextDocument &document)

@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Model/DocumentStore.h"
 #include "UI/DocumentActions.h"
 #include "UI/PaneViewController.h"
+#include "UI/PendingWrites.h"
 #include "UI/StatusBarView.h"
 #include "Widgets/FileDropView.h"
 
@@ -38,8 +40,10 @@ public:
     [[nodiscard]] EditorViewController *currentEditor() const;
 
     /// Opens files into tabs of the active pane. One that is open somewhere is only shown. Of those that cannot be read the first is
-    /// told about, when the others are open. A window's only, empty tab goes.
-    void open(const QStringList &paths);
+    /// told about, when the others are open. A window's only, empty tab goes. Returns the documents of the paths, null for what cannot be
+    /// read; files that are not there soon have tabs that wait, or go when it turns out that they cannot be read.
+    PaneLayout::Documents open(const QStringList &paths) { return openWithin(m_services.documents.services().patience, paths); }
+    PaneLayout::Documents openWithin(std::chrono::milliseconds patience, const QStringList &paths);
     /// Shows a document that exists already.
     void adopt(TextDocument &document);
     TextDocument &openUntitled();
@@ -93,6 +97,8 @@ private:
     void applyTheme();
 
     void dropDocumentsThatCannotBeRead();
+    void tellWhenArrived(TextDocument &document);
+    void presentError(const TextFile::ReadError &error);
 
     // Commands
     void newDocument() { openUntitled(); }
@@ -154,5 +160,6 @@ private:
     std::vector<PaneViewController *> m_panes;
     /// The panes have got their equal shares of the window.
     bool m_isSharedOut = false;
+    PendingWrites m_writes{m_services.presenter};
     std::vector<NotificationCenter::Token> m_observers;
 };

@@ -38,7 +38,7 @@ protected:
     [[nodiscard]] TextDocument &openFile(const QByteArray &bytes)
     {
         write(bytes);
-        return documents.add(std::make_unique<TextDocument>(documents.services(), path, TextFile::read(path).value()));
+        return *documents.open({path}, {}).front().document;
     }
     void write(const QByteArray &bytes) const
     {

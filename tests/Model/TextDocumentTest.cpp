@@ -1,11 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "Base/Workers.h"
+#include "FileAnswers.h"
 #include "Files/TextHash.h"
 #include "Files/WatchedPath.h"
 #include "HeldWorkers.h"
 #include "Model/DocumentStore.h"
 #include "Model/SaveTransformation.h"
+#include "Platform/FaultyCalls.h"
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
 
@@ -46,8 +48,10 @@ protected:
     TextDocument &open(const QByteArray &content, const QString &name = u"a.txt"_s)
     {
         write(content, name);
-        TextDocument &document = store.add(std::make_unique<TextDocument>(store.services(), path(name), *TextFile::read(path(name))));
+        const bool wasHeld = std::exchange(workers.isHeld, false);
+        TextDocument &document = *store.open({path(name)}, 0ms).front().document;
         settle();
+        workers.isHeld = wasHeld;
         heard.clear();
         return document;
     }
@@ -71,7 +75,15 @@ protected:
     InlineWorkers lookers;
     FileWatcherQueue watchers{scheduler, WatchCalls::system(), lookers};
     QList<QUuid> discarded;
-    DocumentStore store{{scheduler, notifications, preferences, workers, watchers, [this](const QUuid &id) { discarded.append(id); }}, {}};
+    FaultyCalls files;
+    DocumentStore store{{.scheduler = scheduler,
+                         .notifications = notifications,
+                         .preferences = preferences,
+                         .workers = workers,
+                         .watchers = watchers,
+                         .discardDraft = [this](const QUuid &id) { discarded.append(id); },
+                         .files = files},
+                        {}};
     std::vector<NotificationCenter::Token> observers;
     QString heard;
 };
@@ -93,21 +105,20 @@ TEST_F(DocumentTest, IsDirtyFromTheFirstEditAndCleanAgainWhenItIsTakenBack)
     EXPECT_EQ(takeHeard(), u"mm"_s);
     document.setEncoding(TextEncoding::utf16);
     EXPECT_EQ(takeHeard(), u"m"_s);
-    ASSERT_TRUE(document.save(path()));
+    ASSERT_TRUE(saved(document, path()));
     EXPECT_EQ(read(), QByteArray("\xFF\xFE"
                                  "a\0b\0c\0\r\0\n\0",
                                  12));
     EXPECT_FALSE(document.isDirty());
-    EXPECT_EQ(takeHeard(), u"mm"_s);
+    EXPECT_EQ(takeHeard(), u"m"_s);
     EXPECT_EQ(discarded.size(), 1);
 }
 
 TEST_F(DocumentTest, ALargeTextIsHashedElsewhereAndOldAnswersAreDropped)
 {
     const QByteArray content = QByteArray("0123456789abcde\n").repeated(int(TextDocument::largeText / 16) + 1);
+    TextDocument &document = open(content);
     workers.isHeld = true;
-    write(content);
-    TextDocument &document = store.add(std::make_unique<TextDocument>(store.services(), path(), *TextFile::read(path())));
     document.storage().apply({{0, 0}, u"x"_s});
     document.storage().apply({{0, 1}, QStringView()});
     settle(500ms);
@@ -131,11 +142,15 @@ TEST_F(DocumentTest, ALargeTextIsHashedElsewhereAndOldAnswersAreDropped)
 
 TEST_F(DocumentTest, AnAnswerAboutAnEarlierSaveCleansNothing)
 {
-    workers.isHeld = true;
     TextDocument &document = open(QByteArray("0123456789abcde\n").repeated(int(TextDocument::largeText / 16) + 1));
     document.storage().apply({{0, 0}, u"x"_s});
+    document.storage().apply({{0, 1}, u""_s});
+    workers.isHeld = true;
     settle();
-    ASSERT_TRUE(document.save(path()));
+    workers.finish();
+    workers.isHeld = false;
+    ASSERT_TRUE(saved(document, path()));
+    workers.isHeld = true;
     document.setLineEnding(LineEnding::crlf);
     workers.finish();
     settle(50ms);
@@ -155,7 +170,7 @@ TEST_F(DocumentTest, ALineOfMegabytesIsNotColoured)
     document.undoManager().undo();
     EXPECT_EQ(coloured(), u"text"_s);
     write("int z;\n", u"a.c"_s);
-    ASSERT_TRUE(document.revertToFileOnDisk());
+    ASSERT_TRUE(isReverted(document));
     EXPECT_EQ(coloured(), u"c"_s);
 }
 
@@ -163,15 +178,15 @@ TEST_F(DocumentTest, SavesUnderANewNameWithItsLanguage)
 {
     TextDocument &document = open("int x;\n");
     EXPECT_EQ(document.language().id(), u"text"_s);
-    ASSERT_TRUE(document.save(path(u"b.c"_s)));
+    ASSERT_TRUE(saved(document, path(u"b.c"_s)));
     EXPECT_EQ(document.language().id(), u"c"_s);
     EXPECT_EQ(document.displayName(), u"b.c"_s);
     document.languageWasChosenManually = true;
-    ASSERT_TRUE(document.save(path(u"b.py"_s)));
+    ASSERT_TRUE(saved(document, path(u"b.py"_s)));
     EXPECT_EQ(document.language().id(), u"c"_s);
     takeHeard();
     document.storage().apply({{0, 0}, u"y"_s});
-    EXPECT_FALSE(document.save(folder.path() + u"/none/x"_s));
+    EXPECT_FALSE(saved(document, folder.path() + u"/none/x"_s));
     EXPECT_TRUE(document.isDirty());
     EXPECT_EQ(document.path(), path(u"b.py"_s));
     EXPECT_EQ(takeHeard(), u"m"_s);
@@ -182,15 +197,15 @@ TEST_F(DocumentTest, RevertingForgetsAndReinterpretingCanBeUndone)
     TextDocument &document = open("gr\xC3\xBC\xC3\x9F\n");
     document.storage().apply({{0, 0}, u"x"_s});
     takeHeard();
-    ASSERT_TRUE(document.revertToFileOnDisk());
+    ASSERT_TRUE(isReverted(document));
     EXPECT_EQ(document.storage().string(), u"grüß\n"_s);
     EXPECT_FALSE(document.undoManager().canUndo());
     EXPECT_EQ(takeHeard(), u"rm"_s);
-    ASSERT_TRUE(document.reinterpret(TextEncoding::isoLatin1));
+    ASSERT_TRUE(isReinterpreted(document, TextEncoding::isoLatin1));
     EXPECT_EQ(document.storage().string(), u"grÃ¼Ã\u009F\n"_s);
     EXPECT_FALSE(document.isDirty());
     EXPECT_EQ(takeHeard(), u"m"_s);
-    EXPECT_FALSE(document.reinterpret(TextEncoding::ascii));
+    EXPECT_FALSE(isReinterpreted(document, TextEncoding::ascii));
     EXPECT_EQ(document.encoding(), TextEncoding::isoLatin1);
     document.undoManager().undo();
     EXPECT_EQ(document.storage().string(), u"grüß\n"_s);
@@ -250,7 +265,7 @@ TEST_F(DocumentTest, NoticesWhatOthersDo)
         EXPECT_EQ(document.storage().string(), c.text) << c.name;
         EXPECT_EQ(document.isDirty(), c.isDirty) << c.name;
         EXPECT_EQ(takeHeard(), c.heard) << c.name;
-        ASSERT_TRUE(document.save(path(name)));
+        ASSERT_TRUE(saved(document, path(name)));
         settle(3s);
         EXPECT_EQ(document.externalState(), State::none) << c.name << ": its own saving is no news";
         EXPECT_FALSE(document.isDirty()) << c.name;
@@ -266,7 +281,8 @@ TEST_F(DocumentTest, WhatWasReadBeforeASaveIsNotTakenAfterIt)
     put(path(), "other\n");
     settle();
     workers.finish();
-    ASSERT_TRUE(document.save(path()));
+    workers.isHeld = false;
+    ASSERT_TRUE(saved(document, path()));
     takeHeard();
     settle(2s);
     EXPECT_EQ(document.storage().string(), u"xtext\n"_s);
@@ -279,17 +295,17 @@ TEST_F(DocumentTest, AFileThatIsBackIsNotCalledDeleted)
 {
     // Each comes when the file was found missing and before that is told.
     const std::pair<const char *, std::function<void(TextDocument &)>> cases[] = {
-        {"saved anew", [](TextDocument &document) { ASSERT_TRUE(document.save(document.path())); }},
-        {"saved elsewhere", [](TextDocument &document) { ASSERT_TRUE(document.save(document.path() + u"x"_s)); }},
+        {"saved anew", [](TextDocument &document) { document.save(document.path()); }},
+        {"saved elsewhere", [](TextDocument &document) { document.save(document.path() + u"x"_s); }},
         {"reverted",
          [](TextDocument &document) {
              put(document.path(), "text\n");
-             ASSERT_TRUE(document.revertToFileOnDisk());
+             document.revertToFileOnDisk();
          }},
         {"reinterpreted",
          [](TextDocument &document) {
              put(document.path(), "text\n");
-             ASSERT_TRUE(document.reinterpret(TextEncoding::isoLatin1));
+             document.reinterpret(TextEncoding::isoLatin1);
          }},
     };
     int number = 0;
@@ -301,6 +317,7 @@ TEST_F(DocumentTest, AFileThatIsBackIsNotCalledDeleted)
         QFile::remove(path(file));
         settle();
         workers.finish();
+        workers.isHeld = false;
         act(document);
         settle(2s);
         workers.finish();
@@ -320,11 +337,125 @@ TEST_F(DocumentTest, TheOnlyCopyStaysDirtyUntilItIsSaved)
     document.undoManager().undo();
     settle();
     EXPECT_TRUE(document.isDirty());
-    ASSERT_TRUE(document.save(path()));
+    ASSERT_TRUE(saved(document, path()));
     document.storage().apply({{0, 0}, u"x"_s});
     document.undoManager().undo();
     settle();
     EXPECT_FALSE(document.isDirty());
+}
+
+TEST_F(DocumentTest, WhatIsSavedIsTheTextOfThatMoment)
+{
+    TextDocument &document = open("text\n");
+    const auto type = [&document](const QString &text) { document.storage().apply({{0, 0}, text}); };
+    QStringList answers;
+    const auto save = [&](const QString &name) {
+        document.save(path(), [&answers, name](const Result<void> &saved) { answers << (saved ? name : saved.error().message); });
+    };
+    type(u"a"_s);
+    workers.isHeld = true;
+    save(u"first"_s);
+    type(u"b"_s);
+    save(u"second"_s);
+    type(u"c"_s);
+    save(u"third"_s);
+    type(u"d"_s);
+    document.whenSaved([&](bool isWritten) { answers << (isWritten ? u"all"_s : u"not all"_s); });
+    EXPECT_TRUE(document.isSaving());
+    scheduler.advance(FileRequests::slowAfter);
+    EXPECT_EQ(document.requests().activity(), FileRequests::Activity::saving);
+
+    workers.finish();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(read(), "atext\n");
+    EXPECT_EQ(answers, QStringList{u"first"_s});
+    EXPECT_TRUE(document.isDirty() && document.isSaving() && discarded.isEmpty());
+    workers.finish();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(read(), "cbatext\n") << "what was overtaken is not written";
+    EXPECT_EQ(answers, (QStringList{u"first"_s, u"second"_s, u"third"_s, u"all"_s}));
+    EXPECT_FALSE(document.isSaving());
+    EXPECT_EQ(document.requests().activity(), FileRequests::Activity::none);
+    EXPECT_TRUE(document.isDirty());
+    document.storage().apply({{0, 1}, QStringView()});
+    settle(3s);
+    EXPECT_FALSE(document.isDirty()) << "what was typed meanwhile was taken back";
+    EXPECT_EQ(document.externalState(), TextDocument::ExternalState::none) << "its own writes are no news";
+}
+
+TEST_F(DocumentTest, AWriteThatFailsForgetsNothing)
+{
+    TextDocument &document = open("text\n");
+    document.storage().apply({{0, 0}, u"x"_s});
+    workers.isHeld = true;
+    write("other\n");
+    settle(1s);
+    ASSERT_EQ(document.externalState(), TextDocument::ExternalState::none) << "its file is still being read";
+    files.before = [](const char *call) { return std::strcmp(call, "fsync") == 0 ? EIO : 0; };
+    bool isWritten = true;
+    document.save(path());
+    document.whenSaved([&isWritten](bool answer) { isWritten = answer; });
+    workers.isHeld = false;
+    workers.finish();
+    settle();
+    EXPECT_FALSE(isWritten);
+    EXPECT_TRUE(document.isDirty());
+    EXPECT_EQ(read(), "other\n");
+    EXPECT_EQ(document.externalState(), TextDocument::ExternalState::conflicted);
+}
+
+TEST_F(DocumentTest, RevertingComesAfterSavingAndNotAfterTyping)
+{
+    TextDocument &document = open("text\n");
+    workers.isHeld = true;
+    document.storage().apply({{0, 0}, u"x"_s});
+    document.save(path());
+    document.revertToFileOnDisk();
+    EXPECT_FALSE(document.requests().isPending(FileRequests::Kind::reading));
+    workers.finish();
+    QCoreApplication::processEvents();
+    workers.finish();
+    settle();
+    EXPECT_EQ(document.storage().string(), u"xtext\n"_s);
+    EXPECT_FALSE(document.undoManager().canUndo()) << "it was reverted to what was saved";
+
+    document.storage().apply({{0, 0}, u"y"_s});
+    document.revertToFileOnDisk();
+    scheduler.advance(FileRequests::slowAfter);
+    EXPECT_EQ(document.requests().activity(), FileRequests::Activity::opening);
+    document.storage().apply({{0, 0}, u"z"_s});
+    workers.finish();
+    settle();
+    EXPECT_EQ(document.storage().string(), u"zyxtext\n"_s);
+    EXPECT_EQ(document.requests().activity(), FileRequests::Activity::none);
+}
+
+TEST_F(DocumentTest, AFileIsOneDocumentWhateverItIsCalledAndWheneverItComes)
+{
+    TextDocument &document = open("text\n");
+    QFile::link(path(), path(u"link"_s));
+    write("b", u"b.txt"_s);
+    const auto found = store.open({path(u"link"_s), path(u"b.txt"_s), path(u"./b.txt"_s), path(u"none"_s)}, 0ms);
+    EXPECT_EQ(found[0].document.get(), &document);
+    EXPECT_TRUE(found[1].isNew && !found[2].isNew && found[1].document == found[2].document);
+    EXPECT_TRUE(!found[3].document && found[3].error);
+    EXPECT_EQ(store.documents().size(), 2U);
+
+    int failures = 0;
+    observers.push_back(notifications.observe(TextDocument::didFailToArrive, nullptr, [&failures] { ++failures; }));
+    workers.isHeld = true;
+    const auto late = store.open({path(u"link"_s), path(u"none"_s)}, 0ms);
+    int arrivals = 0;
+    for (const auto &each : late) {
+        ASSERT_TRUE(each.isNew && each.document->isWaiting());
+        each.document->whenArrived([&arrivals] { ++arrivals; });
+    }
+    workers.finish();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(late[0].document->twin().get(), &document);
+    EXPECT_TRUE(late[1].document->arrivalError());
+    EXPECT_EQ(failures, 2);
+    EXPECT_EQ(arrivals, 2);
 }
 
 TEST(SaveTransformation, ReachesTheLastLineOnly)

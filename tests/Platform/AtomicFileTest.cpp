@@ -64,7 +64,7 @@ protected:
                     return result;
                 }
             }
-            return file.commit();
+            return file.commit().map([](const struct stat &) {});
         });
     }
 

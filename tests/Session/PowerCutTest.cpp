@@ -5,6 +5,7 @@
 // is what was typed, at least as far as it was said to be written.
 #include "Base/AtomicFile.h"
 #include "Base/Workers.h"
+#include "FileAnswers.h"
 #include "Files/WatchedPath.h"
 #include "Model/DocumentStore.h"
 #include "Session/DiskModel.h"
@@ -92,7 +93,12 @@ protected:
     Preferences preferences{defaults, notifications};
     InlineWorkers workers;
     FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
-    DocumentServices services{scheduler, notifications, preferences, workers, watchers, {}};
+    DocumentServices services{.scheduler = scheduler,
+                              .notifications = notifications,
+                              .preferences = preferences,
+                              .workers = workers,
+                              .watchers = watchers,
+                              .files = calls};
     Random random{GetParam()};
 
     RecordingCalls calls;
@@ -236,11 +242,9 @@ void PowerCutTest::save(TextDocument &document)
 {
     const bool isUntitled = document.isUntitled();
     const QString path = isUntitled ? disk() + u"/files/%1.txt"_s.arg(++lastFile) : document.path();
-    const auto saved = document.save(path);
-    ASSERT_TRUE(saved) << saved.error().message.toStdString();
+    const auto result = saved(document, path);
+    ASSERT_TRUE(result) << result.error().message.toStdString();
     noteVersion(document);
-    // Once more, since the document's own calls are not recorded.
-    ASSERT_TRUE(TextFile::write(document.storage().text(), path, document.encoding(), document.lineEnding(), calls));
     if (!isCertain(document)) {
         // No snapshot knows of the file yet.
         expectation.certainTexts.erase(document.id());
@@ -311,9 +315,8 @@ Found PowerCutTest::find(const DiskModel::Tree &tree)
     next->onSetAside([&found](const QString &) { found.isSetAside = true; });
     const auto saved = next->read();
     found.snapshot = saved.snapshot;
-    DocumentServices own = services;
-    own.discardDraft = [&next](const QUuid &id) { next->discardDraft(id); };
-    DocumentStore restored(own, {});
+    DocumentStore restored({scheduler, notifications, preferences, workers, watchers, [&next](const QUuid &id) { next->discardDraft(id); }},
+                           {});
     for (const auto &[id, document] : restoreDocuments(saved, *next, restored)) {
         // Until the draft under the old name goes, its text may come back twice, as two documents.
         const QString text = document->storage().string();

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Session/SessionKeeper.h"
 
+#include "FileAnswers.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Session/SessionFixture.h"
 
@@ -123,7 +124,7 @@ TEST_F(SessionKeeperTest, WhatWasTypedComesBackAsItWas)
     EXPECT_EQ(store->writeDraft(second), DraftFile::nameFor(second.id()));
     ASSERT_TRUE(isWritten(*store));
     EXPECT_EQ(calls.steps, steps) << "it is there already";
-    ASSERT_TRUE(second.save(second.path()));
+    ASSERT_TRUE(saved(second, second.path()));
     EXPECT_EQ(store->writeDraft(second), std::nullopt);
     ASSERT_TRUE(isWritten(*store));
     EXPECT_EQ(drafts().size(), 2);

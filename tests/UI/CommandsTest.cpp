@@ -126,7 +126,7 @@ TEST_F(CommandsTest, TheTrashAsksFirstAndKeepsTheTabWhenItFails)
     // Saved under another name while the question was open, it is not the file that was asked about.
     presenter.hold();
     send(Actions::moveDocumentToTrash);
-    std::ignore = workspace().currentDocument()->save(path(u"c.txt"_s));
+    workspace().currentDocument()->save(path(u"c.txt"_s));
     presenter.answer(AlertReply::firstButton);
     presenter.answerHeld();
     EXPECT_EQ(desktop.trashed.size(), 2);

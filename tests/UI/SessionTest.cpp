@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Commands/Actions.h"
 #include "Editor/ExternalChangeBanner.h"
+#include "FileAnswers.h"
 #include "HeldWorkers.h"
 #include "WindowFixture.h"
 
@@ -128,8 +129,7 @@ TEST_F(SessionTest, AProgramThatWasKilledComesBackAsItWas)
     run.reset();
     run = start();
     EXPECT_EQ(run->drafts().size(), 2);
-    const auto saved = run->pane(0).documents()[0];
-    ASSERT_TRUE(saved->save(path));
+    ASSERT_TRUE(saved(*run->pane(0).documents()[0], path));
     run->tick();
     EXPECT_EQ(run->drafts().size(), 1);
 }
@@ -295,6 +295,8 @@ TEST_F(SessionTest, ATabWhoseFileDoesNotComeSaysSo)
     WorkspaceViewController &workspace = application.windows().front()->workspace();
     PaneViewController &pane = *workspace.panes().front();
     EditorTextView &view = workspace.currentEditor()->textView();
+    EXPECT_FALSE(workspace.currentEditor()->banner()) << "a quick disk needs no words";
+    surroundings.scheduler.advance(FileRequests::slowAfter);
     ASSERT_TRUE(workspace.currentEditor()->banner());
     EXPECT_TRUE(workspace.currentEditor()->banner()->accessibleName().contains(u"Waiting for “slow.txt”"));
     QTest::keyClicks(&view, u"typed"_s);

@@ -138,7 +138,7 @@ TEST_F(WorkspaceTest, ATextThatIsShownElsewhereByThenStaysOpen)
     presenter.answerHeld();
     EXPECT_EQ(tabs(), QStringList{u"Untitled"_s});
     EXPECT_EQ(workspace(1).currentDocument()->storage().string(), u"xa"_s);
-    EXPECT_EQ(documents.documentAt(path(u"a.c"_s)), workspace(1).currentDocument());
+    EXPECT_EQ(documents.documentAt(path(u"a.c"_s)).get(), workspace(1).currentDocument());
 }
 
 TEST_F(WorkspaceTest, PanesHandTheKeyboardOn)
@@ -304,7 +304,7 @@ TEST_F(WorkspaceTest, GoesToPlacesInFiles)
 {
     workspace().open({write(u"a.txt"_s, "one\ntwo three\nfour"), write(u"b.txt"_s, "x")});
     const auto placeOf = [this](qsizetype line, qsizetype column) {
-        application.goTo(path(u"a.txt"_s), line, column);
+        application.open(OpenRequest{.files = {{path(u"a.txt"_s), line, column}}});
         return textView().selection().caret;
     };
     EXPECT_EQ(placeOf(2, 0), 4);
@@ -313,7 +313,7 @@ TEST_F(WorkspaceTest, GoesToPlacesInFiles)
     EXPECT_EQ(placeOf(2, 99), 13) << "no further than the line";
     EXPECT_EQ(placeOf(99, 3), 16);
     EXPECT_EQ(placeOf(std::numeric_limits<qsizetype>::max(), std::numeric_limits<qsizetype>::max()), 18);
-    application.goTo(path(u"missing"_s), 1, 1);
+    application.open(OpenRequest{.files = {{path(u"missing"_s), 1, 1}}});
     EXPECT_EQ(textView().selection().caret, 18);
 }
 

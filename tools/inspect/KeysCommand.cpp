@@ -55,7 +55,13 @@ public:
     DetachedWorkers workers;
     FileWatcherQueue watchers;
     SessionStore session{{SessionStore::Places::standard().rootDirectory, {}}, preferences};
-    DocumentStore documents{{scheduler, notifications, preferences, workers, watchers, {}}, {}};
+    DocumentStore documents{{.scheduler = scheduler,
+                             .notifications = notifications,
+                             .preferences = preferences,
+                             .workers = workers,
+                             .watchers = watchers,
+                             .patience = std::chrono::seconds(10)},
+                            {}};
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
     FindState find;
     VimRegisters registers{pasteboard, preferences};

@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Files/DocumentFile.h"
+
+#include "Base/Translation.h"
+#include "Files/TextHash.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+Result<DocumentFile::Written> DocumentFile::write(const Snapshot &snapshot, FileCalls &files, const std::stop_token &stop)
+{
+    return TextFile::write(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding, files).map([&](const FileStamp &stamp) {
+        return Written{.stamp = stamp, .identity = identityOf(snapshot.path), .hash = textHash(snapshot.text, stop)};
+    });
+}
+
+Result<QString> DocumentFile::copy(const Snapshot &snapshot, FileCalls &files)
+{
+    const auto copy = TextFile::nextAvailableCopy(snapshot.path);
+    if (!copy) {
+        return failure(
+            formatted(localized(u"There is no free name for a copy of “%@” in its folder."), QFileInfo(snapshot.path).fileName()));
+    }
+    return TextFile::write(snapshot.text, *copy, snapshot.encoding, snapshot.lineEnding, files).map([&](const FileStamp &) {
+        return *copy;
+    });
+}
+
+DocumentFile::ReadResult DocumentFile::read(const QString &path, std::optional<TextEncoding> forcedEncoding, const TextSnapshot &current,
+                                            FileCalls &files, const std::stop_token &stop)
+{
+    return TextFile::read(path, forcedEncoding, files).map([&](TextFile::Contents contents) {
+        TextEdits difference = TextEdits::difference(current.text, contents.text);
+        const auto hash = textHash(contents.text, stop);
+        return Reading{.contents = std::move(contents), .difference = std::move(difference), .revision = current.revision, .hash = hash};
+    });
+}
+
+QString DocumentFile::identityOf(const QString &path)
+{
+    const QString canonical = QFileInfo(path).canonicalFilePath();
+    return canonical.isEmpty() ? QDir::cleanPath(path) : canonical;
+}
+
+bool DocumentFile::hasChangedSince(const QString &path, const FileStamp &stamp, FileCalls &files)
+{
+    struct stat status = {};
+    const auto time = [](const timespec &value) { return std::pair(value.tv_sec, value.tv_nsec); };
+    return files.stat(QFile::encodeName(path).constData(), &status) == 0 && time(status.st_mtim) >= time(stamp.modified);
+}

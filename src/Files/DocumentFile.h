@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Files/TextFile.h"
+#include "Text/TextEdits.h"
+#include "Text/TextStorage.h"
+
+#include <stop_token>
+
+/// What documents ask of their files. Every function here works on copies, takes the time that the file system takes, and so is for
+/// workers. Keeps no state.
+class DocumentFile final {
+public:
+    DocumentFile() = delete;
+
+    /// A text on its way into a file.
+    struct Snapshot {
+        QString path;
+        Rope text;
+        quint64 revision = 0;
+        TextEncoding encoding = TextEncoding::utf8;
+        LineEnding lineEnding = LineEnding::lf;
+    };
+    struct Written {
+        /// The file as it was written; what others did to it since is not in it.
+        FileStamp stamp;
+        QString identity;
+        /// None soon after a stop was requested.
+        std::optional<quint64> hash;
+    };
+    [[nodiscard]] static Result<Written> write(const Snapshot &snapshot, FileCalls &files, const std::stop_token &stop);
+
+    /// Writes the text beside its file, under a free name, which it returns.
+    [[nodiscard]] static Result<QString> copy(const Snapshot &snapshot, FileCalls &files);
+
+    struct Reading {
+        TextFile::Contents contents;
+        /// Against the text that was given, which was `revision`.
+        TextEdits difference;
+        quint64 revision = 0;
+        std::optional<quint64> hash = std::nullopt;
+    };
+    using ReadResult = tl::expected<Reading, TextFile::ReadError>;
+    [[nodiscard]] static ReadResult read(const QString &path, std::optional<TextEncoding> forcedEncoding, const TextSnapshot &current,
+                                         FileCalls &files, const std::stop_token &stop);
+
+    /// One name for a file, however it is reached; of a file that is not there its path without "." and "..".
+    [[nodiscard]] static QString identityOf(const QString &path);
+    /// Also at the same time, since clocks tick a few times in a hundredth of a second only.
+    [[nodiscard]] static bool hasChangedSince(const QString &path, const FileStamp &stamp, FileCalls &files);
+};
