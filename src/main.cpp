@@ -71,6 +71,7 @@ int main(int argc, char **argv)
     for (int index = 1; index < argc; ++index) {
         arguments << QFile::decodeName(argv[index]);
     }
+    Localization::use(AppLanguage::system);
     const CommandLine line = CommandLine::parse(arguments, QDir::currentPath());
     if (line.language) {
         Localization::use(*line.language);

@@ -7,9 +7,7 @@
 #include "App/TerminationSignals.h"
 #include "Base/Localization.h"
 #include "Base/ToolkitTexts.h"
-#include "Desktop/DesktopPalette.h"
 #include "Desktop/DesktopRecentFiles.h"
-#include "Desktop/ForeignKeyboard.h"
 #include "Desktop/SystemAppearance.h"
 #include "Desktop/SystemDesktop.h"
 #include "Desktop/SystemPasteboard.h"
@@ -22,6 +20,8 @@
 #include "Settings/Preferences.h"
 #include "Spelling/SpellChecker.h"
 #include "Vim/VimRegisters.h"
+#include "Widgets/DesktopPalette.h"
+#include "Widgets/ForeignChords.h"
 #include "Widgets/SymbolIcon.h"
 #include "Widgets/WidgetAlertPresenter.h"
 

@@ -19,6 +19,7 @@ static void registerTables()
 
 namespace {
 
+/// Of the whole program, as the interface speaks one language at a time; null stands for English.
 std::atomic<const StringBundle *> currentBundle = nullptr;
 
 /// Never destroyed: a worker may still look something up while the program ends.
@@ -87,13 +88,8 @@ QString StringBundle::text(QStringView english) const
 
 const StringBundle &Localization::current()
 {
-    if (const StringBundle *bundle = currentBundle.load(std::memory_order_acquire)) {
-        return *bundle;
-    }
-    const StringBundle *const system = &resolveBundle(AppLanguage::system);
-    const StringBundle *expected = nullptr;
-    // Another thread may have chosen meanwhile.
-    return currentBundle.compare_exchange_strong(expected, system, std::memory_order_acq_rel) ? *system : *expected;
+    const StringBundle *bundle = currentBundle.load(std::memory_order_acquire);
+    return bundle ? *bundle : englishBundle();
 }
 
 void Localization::use(AppLanguage language)

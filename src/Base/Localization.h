@@ -47,7 +47,7 @@ public:
     /// After another language was chosen; about nothing. Texts that were kept are to be looked up anew.
     static constexpr NotificationName didChangeNotification = "QLT.LanguageDidChange";
 
-    /// Where texts are looked up. Until a language was chosen it is the system's. Any thread; the bundle lives as long as the program.
+    /// Where texts are looked up. English until one was chosen by use(). Any thread; the bundle lives as long as the program.
     [[nodiscard]] static const StringBundle &current();
     /// The table of `language` is the current one from now on, on every thread. Announces nothing.
     static void use(AppLanguage language);

@@ -16,6 +16,7 @@
 #include "Widgets/AccessibleRole.h"
 #include "Widgets/AlertPresenter.h"
 #include "Widgets/ElidedLabel.h"
+#include "Widgets/InterfaceFont.h"
 
 #include <QCheckBox>
 #include <QEvent>
@@ -39,12 +40,7 @@ constexpr int spacing = 10;
 constexpr int leastWidth = 200;
 constexpr Scheduler::Milliseconds progressInterval = 200ms;
 
-QFont smaller(const QFont &font)
-{
-    QFont small = font;
-    small.setPointSizeF(font.pointSizeF() * 11 / 12);
-    return small;
-}
+constexpr double summarySize = 11.0 / 12;
 
 QWidget *makeBar(QWidget *parent, int height)
 {
@@ -175,7 +171,7 @@ QWidget *DiffViewController::makeFooter()
     row->setSpacing(spacing);
     m_summaryLabel = new QLabel(m_footerBar);
     becomeNotice(*m_summaryLabel);
-    m_summaryLabel->setFont(smaller(font()));
+    m_summaryLabel->setFont(scaledFont(font(), summarySize));
     m_summaryLabel->setTextFormat(Qt::PlainText);
     m_ignoresWhitespace = new QCheckBox(m_footerBar);
     m_previousButton = new QPushButton(m_footerBar);
@@ -256,7 +252,7 @@ void DiffViewController::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::FontChange && m_summaryLabel) {
-        m_summaryLabel->setFont(smaller(font()));
+        m_summaryLabel->setFont(scaledFont(font(), summarySize));
     }
 }
 

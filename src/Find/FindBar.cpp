@@ -4,7 +4,7 @@
 
 #include "Base/Translation.h"
 #include "Commands/Actions.h"
-#include "Desktop/ColorMix.h"
+#include "Desktop/PaletteBlend.h"
 #include "Find/FindField.h"
 #include "Find/FindState.h"
 #include "Find/TextFinder.h"
@@ -429,7 +429,7 @@ void FindBar::paintEvent(QPaintEvent *event)
     QPainter painter(this);
     const QColor window = palette().color(QPalette::Window);
     painter.fillRect(rect(), window);
-    painter.fillRect(0, height() - 1, width(), 1, mixed(window, palette().color(QPalette::WindowText), 0.18));
+    painter.fillRect(0, height() - 1, width(), 1, blended(window, palette().color(QPalette::WindowText), 0.18));
 }
 
 // Height

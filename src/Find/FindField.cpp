@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Find/FindField.h"
 
-#include "Desktop/ColorMix.h"
+#include "Desktop/PaletteBlend.h"
 #include "Widgets/AccessibleRole.h"
 
 #include <QKeyEvent>
@@ -86,12 +86,12 @@ void FindField::applyState()
     m_note->setPalette({});
     if (m_state == State::notFound) {
         QPalette shown = palette();
-        shown.setColor(QPalette::PlaceholderText, mixed(shown.color(QPalette::Text), wrongColor, notFoundShare));
+        shown.setColor(QPalette::PlaceholderText, blended(shown.color(QPalette::Text), wrongColor, notFoundShare));
         m_note->setPalette(shown);
     }
     if (m_state == State::wrong) {
         QPalette shown = palette();
-        shown.setColor(QPalette::Base, mixed(shown.color(QPalette::Base), wrongColor, wrongShare));
+        shown.setColor(QPalette::Base, blended(shown.color(QPalette::Base), wrongColor, wrongShare));
         setPalette(shown);
     }
 }

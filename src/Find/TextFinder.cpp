@@ -48,6 +48,11 @@ TextFinder::~TextFinder()
     }
 }
 
+TextView *TextFinder::view() const
+{
+    return m_view;
+}
+
 // The query
 
 void TextFinder::setQuery(const SearchQuery &query)

@@ -56,7 +56,7 @@ public:
     TextFinder(TextView &view, Services services, QObject *parent = nullptr);
     ~TextFinder() override;
 
-    [[nodiscard]] TextView *view() const { return m_view.data(); }
+    [[nodiscard]] TextView *view() const;
     [[nodiscard]] FindState &shared() const { return m_services.shared; }
 
     /// What is sought from now on in this view; others learn of it when it is used.

@@ -169,17 +169,6 @@ static_assert(std::ranges::all_of(themes, [](const Theme &theme) {
 
 } // namespace
 
-quint32 blended(quint32 color, quint32 other, double fraction)
-{
-    const double part = std::clamp(fraction, 0.0, 1.0);
-    quint32 result = 0;
-    for (const int shift : {24, 16, 8, 0}) {
-        const double channel = double(color >> shift & 0xFF) * (1 - part) + double(other >> shift & 0xFF) * part;
-        result |= quint32(std::lround(channel)) << shift;
-    }
-    return result;
-}
-
 std::span<const Theme> Theme::all()
 {
     return themes;

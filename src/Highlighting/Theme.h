@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Base/Appearance.h"
+#include "Base/ColorBlend.h"
 #include "Highlighting/Scope.h"
 #include "Text/StyleTable.h"
 
@@ -10,9 +11,6 @@
 #include <initializer_list>
 #include <optional>
 #include <span>
-
-/// `color` moved towards `other`, by 0 (stays as it is) to 1 (becomes the other), each channel on its own.
-[[nodiscard]] quint32 blended(quint32 color, quint32 other, double fraction);
 
 /// A set of scopes.
 class ScopeSet final {

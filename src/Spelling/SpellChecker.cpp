@@ -4,8 +4,8 @@
 
 #include "Base/AtomicFile.h"
 #include "Base/Localization.h"
+#include "Base/StandardFolder.h"
 #include "Base/Translation.h"
-#include "Settings/DefaultsStore.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -167,7 +167,7 @@ SpellChecker::Setup SpellChecker::systemSetup()
     languages.prepend(Localization::current().locale().name());
     return {.folders = SpellDictionary::folders(environment),
             .languages = languages,
-            .learnedWords = QFileInfo(DefaultsStore::standardPath()).path() + u"/dictionary.txt"_s};
+            .learnedWords = standardFolder("XDG_CONFIG_HOME", u".config") + u"/Quillet/dictionary.txt"_s};
 }
 
 void SpellChecker::setLanguages(const QStringList &languages)

@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// The bodies of LeafTree's members.
+// The bodies of LeafTree's members; included where a tree is instantiated.
+
+#include "Text/LeafTree.h"
 
 template<class Traits>
 void LeafTree<Traits>::release(const TreeNode *node)

@@ -4,9 +4,9 @@
 
 #include "Base/Localization.h"
 #include "Base/Translation.h"
-#include "Commands/FirstResponder.h"
 #include "Model/TextDocument.h"
 #include "Settings/Preferences.h"
+#include "UI/FirstResponder.h"
 #include "UI/ToolbarActionItem.h"
 #include "UI/ToolbarCatalogue.h"
 #include "UI/ToolbarStrip.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Commands/FirstResponder.h"
+#include "UI/FirstResponder.h"
 #include "UI/PendingWrites.h"
 #include "UI/WorkspaceViewController.h"
 

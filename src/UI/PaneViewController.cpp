@@ -4,9 +4,9 @@
 
 #include "Base/Localization.h"
 #include "Base/Translation.h"
-#include "Commands/FirstResponder.h"
 #include "Model/DocumentStore.h"
 #include "Settings/Preferences.h"
+#include "UI/FirstResponder.h"
 
 #include <QApplication>
 #include <QVBoxLayout>

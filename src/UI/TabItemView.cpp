@@ -241,7 +241,8 @@ void TabItemView::paintMarks(QPainter &painter) const
     if (hasMark() && !m_isHovering) {
         const QColor color = textColor();
         painter.setPen(Qt::NoPen);
-        painter.setBrush(m_descriptor.hasExternalChange ? SystemColor::yellow(*m_theme) : withOpacity(color, color.alphaF() * dotOpacity));
+        painter.setBrush(m_descriptor.hasExternalChange ? SystemColor::yellow(m_theme->isDark ? Appearance::dark : Appearance::light)
+                                                        : withOpacity(color, color.alphaF() * dotOpacity));
         painter.drawEllipse(QRectF(width() - dotInset - dotSide, (height() - dotSide) / 2, dotSide, dotSide));
     }
     if (hasFocus()) {

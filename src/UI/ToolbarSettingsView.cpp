@@ -3,7 +3,7 @@
 #include "UI/ToolbarSettingsView.h"
 
 #include "Base/Translation.h"
-#include "Desktop/ColorMix.h"
+#include "Desktop/PaletteBlend.h"
 #include "Settings/Preferences.h"
 #include "UI/ToolbarAction.h"
 #include "Widgets/SymbolIcon.h"
@@ -42,7 +42,7 @@ protected:
         const QColor ground = option->palette.color(QPalette::Base);
         const QColor text = option->palette.color(QPalette::Text);
         if (ground.lightness() < text.lightness()) {
-            option->palette.setColor(QPalette::Window, mixed(ground, text, frameShare));
+            option->palette.setColor(QPalette::Window, blended(ground, text, frameShare));
         }
     }
 };

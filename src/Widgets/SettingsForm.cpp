@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Widgets/SettingsForm.h"
 
-#include "Desktop/ColorMix.h"
+#include "Desktop/PaletteBlend.h"
 #include "Widgets/InterfaceFont.h"
 #include "Widgets/Mnemonics.h"
 
@@ -57,7 +57,7 @@ private:
     {
         setFont(scaledFont(QApplication::font("QLabel"), TextSize::status));
         const QPalette desktop = QApplication::palette("QLabel");
-        const QColor color = mixed(desktop.color(QPalette::Window), desktop.color(QPalette::WindowText), noteShare);
+        const QColor color = blended(desktop.color(QPalette::Window), desktop.color(QPalette::WindowText), noteShare);
         // Setting it tells of a change again.
         if (palette().color(QPalette::WindowText) != color) {
             QPalette own;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Highlighting/Theme.h"
+#include "Base/Appearance.h"
 
 #include <QColor>
 #include <QGuiApplication>
@@ -11,9 +11,9 @@
 /// Colours that mean something, the same in every theme of one brightness.
 namespace SystemColor {
 
-[[nodiscard]] inline QColor yellow(const Theme &theme)
+[[nodiscard]] inline QColor yellow(Appearance appearance)
 {
-    return QColor::fromRgb(theme.isDark ? 0xFFFFD60A : 0xFFFFCC00);
+    return QColor::fromRgb(appearance == Appearance::dark ? 0xFFFFD60A : 0xFFFFCC00);
 }
 /// Dark enough for white text.
 [[nodiscard]] inline QColor green()

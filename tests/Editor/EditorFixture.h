@@ -5,7 +5,7 @@
 #include "Base/Pasteboard.h"
 #include "Base/Scheduler.h"
 #include "Editor/EditorTextView.h"
-#include "TextUi/ViewFixture.h"
+#include "View/ViewFixture.h"
 
 #include <QTest>
 

@@ -9,7 +9,7 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Spelling/SpellChecker.h"
 #include "Surroundings.h"
-#include "TextUi/ViewFixture.h"
+#include "View/ViewFixture.h"
 
 #include <QDropEvent>
 #include <QFile>

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "Base/FaultyCalls.h"
 #include "Base/Workers.h"
 #include "FileAnswers.h"
 #include "Files/TextHash.h"
@@ -7,7 +8,6 @@
 #include "HeldWorkers.h"
 #include "Model/DocumentStore.h"
 #include "Model/SaveTransformation.h"
-#include "Platform/FaultyCalls.h"
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
 

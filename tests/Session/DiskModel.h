@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/RecordingCalls.h"
+#include "Base/RecordingCalls.h"
 
 #include <functional>
 #include <optional>

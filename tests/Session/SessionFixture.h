@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/FaultyCalls.h"
 #include "Base/Workers.h"
 #include "Files/WatchedPath.h"
 #include "Model/DocumentStore.h"
-#include "Platform/FaultyCalls.h"
 #include "Session/DraftFile.h"
 #include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"

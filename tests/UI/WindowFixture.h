@@ -4,8 +4,8 @@
 
 #include "App/AppDelegate.h"
 #include "Commands/Actions.h"
-#include "Commands/FirstResponder.h"
 #include "Surroundings.h"
+#include "UI/FirstResponder.h"
 
 #include <QFile>
 #include <QTest>

@@ -6,7 +6,6 @@
 #include "App/MainMenu.h"
 #include "Base/Pasteboard.h"
 #include "Commands/Actions.h"
-#include "Commands/FirstResponder.h"
 #include "Desktop/Desktop.h"
 #include "Editor/EditorVim.h"
 #include "Find/FindState.h"
@@ -17,6 +16,7 @@
 #include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
+#include "UI/FirstResponder.h"
 #include "Vim/VimRegisters.h"
 #include "Widgets/AlertPresenter.h"
 

@@ -13,8 +13,8 @@
 #include "App/AppDelegate.h"
 #include "App/Program.h"
 #include "Commands/Actions.h"
-#include "Commands/FirstResponder.h"
 #include "Model/TextDocument.h"
+#include "UI/FirstResponder.h"
 
 #include <QAbstractButton>
 #include <QApplication>

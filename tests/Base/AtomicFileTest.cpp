@@ -1,0 +1,317 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Base/AtomicFile.h"
+
+#include "Base/FaultyCalls.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QByteArray oldContent = "old content\n";
+/// Longer than what is collected before it is written.
+const QByteArray newContent = QByteArray("new content, line after line\n").repeated(12'000);
+
+class AtomicFileTest : public testing::Test {
+protected:
+    [[nodiscard]] QString path(const QString &name) const { return m_folder.filePath(name); }
+    [[nodiscard]] QByteArray bytePath(const QString &name) const { return QFile::encodeName(path(name)); }
+
+    void put(const QString &name, const QByteArray &content, mode_t mode = 0644) const
+    {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        file.close();
+        ASSERT_EQ(chmod(bytePath(name).constData(), mode), 0);
+    }
+
+    [[nodiscard]] QByteArray content(const QString &name) const
+    {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
+    }
+
+    [[nodiscard]] mode_t mode(const QString &name) const
+    {
+        struct stat status = {};
+        return ::stat(bytePath(name).constData(), &status) == 0 ? status.st_mode & 07777 : mode_t(-1);
+    }
+
+    [[nodiscard]] QStringList temporaries() const
+    {
+        return QDir(m_folder.path()).entryList({u".quillet-*"_s}, QDir::AllEntries | QDir::Hidden);
+    }
+
+    [[nodiscard]] Result<void> save(const QString &name, FileCalls &calls,
+                                    AtomicFile::NewFile newFile = AtomicFile::NewFile::readableByOthers) const
+    {
+        return AtomicFile::open(path(name), newFile, calls).and_then([](AtomicFile file) -> Result<void> {
+            // In portions of odd sizes.
+            for (qsizetype at = 0; at < newContent.size(); at += 9'999) {
+                if (auto result = file.write(QByteArrayView(newContent).sliced(at, qMin<qsizetype>(9'999, newContent.size() - at)));
+                    !result) {
+                    return result;
+                }
+            }
+            return file.commit().map([](const struct stat &) {});
+        });
+    }
+
+    [[nodiscard]] Result<void> save(const QString &name) const { return save(name, FileCalls::system()); }
+
+    QTemporaryDir m_folder;
+};
+
+/// An access list of the kernel's form that lets user 1 read, whatever else is set.
+QByteArray accessListForUser1(char groupPermissions)
+{
+    QByteArray list("\x02\0\0\0", 4);
+    const auto entry = [&](char tag, char permissions, QByteArrayView id) {
+        list.append(tag).append('\0').append(permissions).append('\0').append(id.data(), id.size());
+    };
+    const QByteArrayView none("\xFF\xFF\xFF\xFF", 4);
+    entry(0x01, 6, none);
+    entry(0x02, 4, QByteArrayView("\x01\0\0\0", 4));
+    entry(0x04, groupPermissions, none);
+    entry(0x10, 4, none);
+    entry(0x20, 0, none);
+    return list;
+}
+
+QByteArray attribute(const QByteArray &path, const char *name)
+{
+    QByteArray value(4096, '\0');
+    const ssize_t length = getxattr(path.constData(), name, value.data(), size_t(value.size()));
+    return length < 0 ? QByteArray() : value.left(length);
+}
+
+} // namespace
+
+TEST_F(AtomicFileTest, AnyFailureLeavesTheOldFileAndNothingElse)
+{
+    int failures = 0;
+    for (int step = 1;; ++step) {
+        put(u"a"_s, oldContent);
+        ASSERT_EQ(setxattr(bytePath(u"a"_s).constData(), "user.note", "1", 1, 0), 0);
+        FaultyCalls calls;
+        calls.failAt = step;
+        const auto result = save(u"a"_s, calls);
+        SCOPED_TRACE(calls.failedCall + " at step " + std::to_string(step));
+        if (calls.steps < step) {
+            ASSERT_TRUE(result);
+            break;
+        }
+        EXPECT_EQ(temporaries(), QStringList());
+        if (result) {
+            EXPECT_EQ(content(u"a"_s), newContent);
+            continue;
+        }
+        ++failures;
+        EXPECT_EQ(result.error().code, EIO);
+        EXPECT_TRUE(result.error().message.contains(u"“a”")) << result.error().message.toStdString();
+        // The folder's flush comes after the rename and says so.
+        const bool isInPlace = result.error().message.contains(u"was written");
+        EXPECT_EQ(content(u"a"_s), isInPlace ? newContent : oldContent);
+    }
+    EXPECT_GE(failures, 15);
+}
+
+TEST_F(AtomicFileTest, AKillBetweenAnyTwoStepsLeavesOldOrNew)
+{
+    int oldOnes = 0;
+    int newOnes = 0;
+    const mode_t mask = umask(0);
+    for (int step = 1;; ++step) {
+        put(u"a"_s, oldContent, 0640);
+        FaultyCalls calls;
+        calls.killAt = step;
+        calls.portion = 100'000;
+        calls.before = [&](const char *call) {
+            for (const QString &name : temporaries()) {
+                EXPECT_EQ(mode(name) & ~mode_t(0640), 0U) << "before " << call << " others could get at the content";
+            }
+            return 0;
+        };
+        const bool ended = bool(save(u"a"_s, calls));
+        const QByteArray after = content(u"a"_s);
+        ASSERT_TRUE(after == oldContent || after == newContent) << "mixed content, killed at step " << step;
+        ++(after == oldContent ? oldOnes : newOnes);
+        for (const QString &name : temporaries()) {
+            QFile::remove(path(name));
+        }
+        if (ended && calls.steps < step) {
+            break;
+        }
+    }
+    umask(mask);
+    EXPECT_GE(oldOnes, 15);
+    EXPECT_GE(newOnes, 2);
+}
+
+TEST_F(AtomicFileTest, ContentIsOnDiskBeforeItGetsTheName)
+{
+    put(u"a"_s, oldContent);
+    FaultyCalls calls;
+    QStringList order;
+    calls.before = [&](const char *call) {
+        const QString name = QString::fromLatin1(call);
+        if ((name == u"write" || name == u"fchmod" || name == u"fsync" || name == u"rename") && (order.isEmpty() || order.last() != name)) {
+            order += name;
+        }
+        return 0;
+    };
+    ASSERT_TRUE(save(u"a"_s, calls));
+    EXPECT_EQ(order.join(u' '), u"write fchmod fsync rename fsync");
+}
+
+TEST_F(AtomicFileTest, GoesOnAfterInterruptionsAndShortWrites)
+{
+    FaultyCalls calls;
+    calls.portion = 7'001;
+    calls.before = [turn = 0](const char *call) mutable {
+        const bool mayBeInterrupted = std::strcmp(call, "write") == 0 || std::strcmp(call, "fsync") == 0;
+        return mayBeInterrupted && ++turn % 2 == 1 ? EINTR : 0;
+    };
+    ASSERT_TRUE(save(u"a"_s, calls));
+    EXPECT_EQ(content(u"a"_s), newContent);
+}
+
+TEST_F(AtomicFileTest, KeepsModeAttributesAndAccessList)
+{
+    put(u"a"_s, oldContent, 04750);
+    const QByteArray a = bytePath(u"a"_s);
+    ASSERT_EQ(setxattr(a.constData(), "user.note", "kept", 4, 0), 0);
+    ASSERT_TRUE(save(u"a"_s));
+    EXPECT_EQ(mode(u"a"_s), 04750U);
+    EXPECT_EQ(attribute(a, "user.note"), "kept");
+
+    const QByteArray list = accessListForUser1(4);
+    ASSERT_EQ(setxattr(a.constData(), "system.posix_acl_access", list.constData(), size_t(list.size()), 0), 0);
+    ASSERT_TRUE(save(u"a"_s));
+    EXPECT_EQ(attribute(a, "system.posix_acl_access"), list);
+
+    // What the folder hands to new files must not let anybody new at an existing one.
+    put(u"b"_s, oldContent, 0640);
+    ASSERT_EQ(
+        setxattr(QFile::encodeName(m_folder.path()).constData(), "system.posix_acl_default", list.constData(), size_t(list.size()), 0), 0);
+    ASSERT_TRUE(save(u"b"_s));
+    EXPECT_EQ(attribute(bytePath(u"b"_s), "system.posix_acl_access"), QByteArray());
+    EXPECT_EQ(mode(u"b"_s), 0640U);
+}
+
+TEST_F(AtomicFileTest, AnAccessListThatCannotBeKeptIsNoReasonToLetOthersIn)
+{
+    put(u"a"_s, oldContent, 0640);
+    const QByteArray list = accessListForUser1(0);
+    ASSERT_EQ(setxattr(bytePath(u"a"_s).constData(), "system.posix_acl_access", list.constData(), size_t(list.size()), 0), 0);
+    FaultyCalls calls;
+    calls.before = [](const char *call) { return std::strcmp(call, "fsetxattr") == 0 ? EPERM : 0; };
+    EXPECT_FALSE(save(u"a"_s, calls));
+    EXPECT_EQ(content(u"a"_s), oldContent);
+}
+
+TEST_F(AtomicFileTest, KeepsTheOwnerOrNarrowsTheMode)
+{
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can give files away";
+    }
+    put(u"a"_s, oldContent, 0674);
+    ASSERT_EQ(chown(bytePath(u"a"_s).constData(), 1, 2), 0);
+    ASSERT_TRUE(save(u"a"_s));
+    struct stat status = {};
+    ASSERT_EQ(::stat(bytePath(u"a"_s).constData(), &status), 0);
+    EXPECT_EQ(status.st_uid, 1U);
+    EXPECT_EQ(status.st_gid, 2U);
+    EXPECT_EQ(status.st_mode & 07777, 0674U);
+
+    FaultyCalls calls;
+    calls.before = [](const char *call) { return std::strcmp(call, "fchown") == 0 ? EPERM : 0; };
+    ASSERT_TRUE(save(u"a"_s, calls));
+    EXPECT_EQ(mode(u"a"_s), 0644U) << "the new group got what the old one had";
+}
+
+TEST_F(AtomicFileTest, NewFilesFollowTheUsersMask)
+{
+    const mode_t mask = umask(027);
+    EXPECT_TRUE(save(u"a"_s));
+    EXPECT_TRUE(save(QString(255, u'n')));
+    umask(0);
+    EXPECT_TRUE(save(u"private"_s, FileCalls::system(), AtomicFile::NewFile::privateToUser));
+    umask(mask);
+    EXPECT_EQ(mode(u"a"_s), 0640U);
+    EXPECT_EQ(mode(u"private"_s), 0600U);
+    EXPECT_EQ(content(QString(255, u'n')), newContent);
+}
+
+TEST_F(AtomicFileTest, WritesThroughSymbolicLinks)
+{
+    QDir(m_folder.path()).mkdir(u"sub"_s);
+    put(u"sub/real"_s, oldContent, 0600);
+    ASSERT_TRUE(QFile::link(u"real"_s, path(u"sub/near"_s)));
+    ASSERT_TRUE(QFile::link(u"sub/near"_s, path(u"far"_s)));
+    ASSERT_TRUE(QFile::link(u"sub/new"_s, path(u"dangling"_s)));
+    ASSERT_TRUE(QFile::link(u"round"_s, path(u"round"_s)));
+
+    ASSERT_TRUE(save(u"far"_s));
+    EXPECT_EQ(content(u"sub/real"_s), newContent);
+    EXPECT_EQ(mode(u"sub/real"_s), 0600U);
+    EXPECT_TRUE(QFileInfo(path(u"far"_s)).isSymLink() && QFileInfo(path(u"sub/near"_s)).isSymLink());
+
+    ASSERT_TRUE(save(u"dangling"_s));
+    EXPECT_EQ(content(u"sub/new"_s), newContent);
+    EXPECT_TRUE(QFileInfo(path(u"dangling"_s)).isSymLink());
+
+    EXPECT_EQ(save(u"round"_s).error().code, ELOOP);
+    EXPECT_EQ(resolvedLinks(path(u"far"_s)), path(u"sub/real"_s));
+}
+
+TEST_F(AtomicFileTest, RefusesWhatMustNotBeReplaced)
+{
+    QDir(m_folder.path()).mkdir(u"folder"_s);
+    ASSERT_EQ(mkfifo(bytePath(u"pipe"_s).constData(), 0666), 0);
+    put(u"locked"_s, oldContent, 0444);
+
+    EXPECT_EQ(save(u"folder"_s).error().code, EISDIR);
+    EXPECT_TRUE(save(u"pipe"_s).error().message.contains(u"pipe"));
+    EXPECT_EQ(save(u"missing/a"_s).error().code, ENOENT);
+    EXPECT_EQ(save(u"locked/a"_s).error().code, ENOTDIR);
+    EXPECT_FALSE(writeAtomically(u"/dev/null"_s, "x", AtomicFile::NewFile::readableByOthers));
+    EXPECT_FALSE(writeAtomically(u""_s, "x", AtomicFile::NewFile::readableByOthers));
+
+    FaultyCalls calls;
+    calls.before = [](const char *call) { return std::strcmp(call, "access") == 0 ? EACCES : 0; };
+    const auto result = save(u"locked"_s, calls);
+    ASSERT_FALSE(result);
+    EXPECT_TRUE(result.error().message.contains(u"“locked”") && result.error().message.contains(u"read-only"))
+        << result.error().message.toStdString();
+    EXPECT_EQ(content(u"locked"_s), oldContent);
+    EXPECT_EQ(temporaries(), QStringList());
+
+    struct stat status = {};
+    ASSERT_EQ(lstat(bytePath(u"pipe"_s).constData(), &status), 0);
+    EXPECT_TRUE(S_ISFIFO(status.st_mode));
+}
+
+TEST_F(AtomicFileTest, AFileThatIsNotCommittedNeverWas)
+{
+    put(u"a"_s, oldContent);
+    {
+        auto file = AtomicFile::open(path(u"a"_s), AtomicFile::NewFile::readableByOthers);
+        ASSERT_TRUE(file);
+        ASSERT_TRUE(file->write(newContent));
+        EXPECT_EQ(temporaries().size(), 1);
+    }
+    EXPECT_EQ(content(u"a"_s), oldContent);
+    EXPECT_EQ(temporaries(), QStringList());
+}

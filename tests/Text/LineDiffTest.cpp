@@ -1,0 +1,329 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Text/LineDiff.h"
+
+#include "Text/LineKey.h"
+#include "Text/NaiveDiff.h"
+#include "Text/RandomText.h"
+
+#include <QRegularExpression>
+
+#include <gmock/gmock.h>
+
+#include <unordered_map>
+
+using namespace Qt::StringLiterals;
+using testing::ElementsAre;
+
+namespace {
+
+LineDiff::Result compared(const QString &old, const QString &newer, Whitespace whitespace = Whitespace::counts)
+{
+    return *LineDiff::compare(Rope(old), Rope(newer), whitespace);
+}
+
+QString described(const std::vector<InlineDiff::CharacterRange> &ranges)
+{
+    QString text;
+    for (const InlineDiff::CharacterRange range : ranges) {
+        text += u"[%1,%2]"_s.arg(range.lower).arg(range.upper);
+    }
+    return text;
+}
+
+QChar markOf(LineDiff::Row::Kind kind)
+{
+    return u"=-+~"[size_t(kind)];
+}
+
+QStringList rowsOf(const LineDiff::Result &result)
+{
+    QStringList rows;
+    for (qsizetype index = 0; index < result.rowCount(); ++index) {
+        const LineDiff::Row row = result.row(index);
+        const InlineDiff::Spans emphasis = result.emphasis(index);
+        rows.append(describedRow(markOf(row.kind), row.leftNumber.value_or(0), row.rightNumber.value_or(0), result.leftText(index),
+                                 result.rightText(index), described(emphasis.left), described(emphasis.right)));
+    }
+    return rows;
+}
+
+/// "=1:1 ~2:2 -3": kinds and numbers.
+QString shape(const LineDiff::Result &result)
+{
+    QStringList rows;
+    for (qsizetype index = 0; index < result.rowCount(); ++index) {
+        const LineDiff::Row row = result.row(index);
+        QStringList numbers;
+        for (const auto number : {row.leftNumber, row.rightNumber}) {
+            if (number) {
+                numbers.append(QString::number(*number));
+            }
+        }
+        rows.append(markOf(row.kind) + numbers.join(u':'));
+    }
+    return rows.join(u' ');
+}
+
+/// For a reader: long runs of one letter, and rows without end, are cut.
+std::string abbreviated(const QStringList &rows)
+{
+    static const QRegularExpression run(u"(.)\\1{50,}"_s);
+    return rows.mid(0, 100).replaceInStrings(run, u"\\1…"_s).join(u'\n').toStdString() + '\n';
+}
+
+QString numberedLines(qsizetype count, QChar mark)
+{
+    QString text;
+    for (qsizetype line = 0; line < count; ++line) {
+        text += mark + QString::number(line) + u'\n';
+    }
+    return text;
+}
+
+/// Lines of a few pieces, and the same lines edited, some of them in ways that do not count.
+class RandomPair {
+public:
+    RandomPair(Random &random, qsizetype lines, qsizetype pieces) : m_random(random)
+    {
+        for (qsizetype line = random.below(lines + 1); line > 0; --line) {
+            const QString text = madeLine(random.below(pieces));
+            old += text;
+            if (random.oneIn(6)) {
+                newer += madeLine(random.below(pieces));
+            }
+            if (!random.oneIn(6)) {
+                newer += varied(text);
+            }
+        }
+        for (QString *text : {&old, &newer}) {
+            if (random.oneIn(3) && text->endsWith(u'\n')) {
+                text->chop(1);
+            }
+        }
+    }
+
+    QString old;
+    QString newer;
+
+private:
+    QString madeLine(qsizetype pieces)
+    {
+        static const QStringList some = {u"a"_s, u"b"_s, u" "_s, u"\t"_s, u"\u00e9"_s, u"e\u0301"_s, u"\r"_s, u"}"_s};
+        static const QStringList all = some + QStringList{u"\u00a0"_s, u"\u2003"_s,        u"\u4e2d"_s, u"\U0001F600"_s,
+                                                          u"\u0301"_s, u"q\u0323\u0307"_s, u"\uac01"_s, u"\u2028"_s};
+        // Long stretches without a wide unit, so that leaves of both sorts come up.
+        m_isWide = m_random.oneIn(20) ? !m_isWide : m_isWide;
+        const QStringList &alphabet = m_isWide ? all : some;
+        QString line;
+        for (; pieces > 0; --pieces) {
+            line += alphabet[m_random.below(alphabet.size())];
+        }
+        return line + u'\n';
+    }
+    QString varied(QString line)
+    {
+        if (m_random.oneIn(4)) {
+            line = line.normalized(m_random.oneIn(2) ? QString::NormalizationForm_C : QString::NormalizationForm_D);
+        }
+        if (m_random.oneIn(8)) {
+            line.insert(m_random.below(line.size()), m_random.oneIn(2) ? u' ' : u'\u3000');
+        }
+        return line;
+    }
+
+    Random &m_random;
+    bool m_isWide = false;
+};
+
+/// Edits that turn one list into the other, by the table of longest common subsequences.
+qsizetype fewestEdits(const QStringList &old, const QStringList &newer)
+{
+    QList<qsizetype> above(newer.size() + 1, 0);
+    for (const QString &line : old) {
+        QList<qsizetype> row(newer.size() + 1, 0);
+        for (qsizetype y = 0; y < newer.size(); ++y) {
+            row[y + 1] = line == newer[y] ? above[y] + 1 : std::max(above[y + 1], row[y]);
+        }
+        above = row;
+    }
+    return old.size() + newer.size() - 2 * above.last();
+}
+
+/// What the runs say of themselves and of each line.
+void checkResult(const LineDiff::Result &result, const QString &old, const QString &newer)
+{
+    using enum LineDiff::Side;
+    qsizetype rows = 0;
+    for (const LineDiff::Run &run : result.runs()) {
+        ASSERT_EQ(run.firstRow, rows);
+        ASSERT_GT(run.rowCount, 0);
+        rows += run.rowCount;
+    }
+    ASSERT_EQ(rows, result.rowCount());
+    for (const auto &[side, text] : {std::pair(left, old), std::pair(right, newer)}) {
+        const QStringList lines = naiveLines(text);
+        ASSERT_EQ(result.lines(side).count(), lines.size());
+        qsizetype start = 0;
+        qsizetype row = -1;
+        for (qsizetype line = 0; line < lines.size(); ++line) {
+            const auto numberAt = [&, side = side](qsizetype at) { return side == left ? result.row(at).leftNumber : result.row(at).rightNumber; };
+            for (++row; row < rows && !numberAt(row);) {
+                ++row;
+            }
+            ASSERT_LT(row, rows);
+            ASSERT_EQ(numberAt(row), line + 1);
+            ASSERT_EQ(result.lineRange(side, row), (TextRange{start, lines[line].size()}));
+            ASSERT_EQ(result.lines(side).start(line), start);
+            start += lines[line].size() + 1;
+        }
+        ASSERT_EQ(result.lines(side).start(lines.size()), text.size());
+    }
+}
+
+void checkPair(const QString &old, const QString &newer, Whitespace whitespace)
+{
+    const LineDiff::Result result = compared(old, newer, whitespace);
+    const NaiveDiff expected = NaiveDiff::compare(old, newer, whitespace);
+    ASSERT_TRUE(rowsOf(result) == expected.rows) << abbreviated(rowsOf(result)) << "expected:\n" << abbreviated(expected.rows);
+    ASSERT_EQ(QList<qsizetype>(result.changeStarts().begin(), result.changeStarts().end()), expected.changeStarts);
+    ASSERT_EQ(result.addedCount(), expected.addedCount);
+    ASSERT_EQ(result.removedCount(), expected.removedCount);
+    const qsizetype edits = fewestEdits(naiveKeys(old, whitespace), naiveKeys(newer, whitespace));
+    ASSERT_EQ(result.addedCount() + result.removedCount(), edits);
+    checkResult(result, old, newer);
+}
+
+} // namespace
+
+TEST(LineDiff, MakesRows)
+{
+    struct RowCase {
+        const char *name;
+        QString old;
+        QString newer;
+        QString shape;
+        std::vector<qsizetype> changeStarts;
+    };
+    const RowCase cases[] = {
+        {"two empty texts", u""_s, u""_s, u""_s, {}},
+        {"from nothing", u""_s, u"a\nb"_s, u"+1 +2"_s, {0}},
+        {"a line feed is one empty line", u"\n"_s, u""_s, u"-1"_s, {0}},
+        {"the last line's end does not count", u"a\nb\n"_s, u"a\nb"_s, u"=1:1 =2:2"_s, {}},
+        {"but an empty line does", u"a\n\n"_s, u"a"_s, u"=1:1 -2"_s, {1}},
+        {"one line changed", u"x\ny\nz"_s, u"x\nY\nz"_s, u"=1:1 ~2:2 =3:3"_s, {1}},
+        {"one line for three", u"k\na\nb\nc\nz"_s, u"k\nn\nz"_s, u"=1:1 ~2:2 -3 -4 =5:3"_s, {1}},
+        {"three lines for one", u"k\na\nz"_s, u"k\nb\nc\nd\nz"_s, u"=1:1 ~2:2 +3 +4 =3:5"_s, {1}},
+        {"a repeated line goes with the first", u"a\na"_s, u"a"_s, u"=1:1 -2"_s, {1}},
+        {"a moved line is deleted first", u"a\nb\nc\nd"_s, u"b\nc\na\nd"_s, u"-1 =2:1 =3:2 +3 =4:4"_s, {0, 3}},
+        {"carriage returns belong to their line", u"a\r\nb\rc"_s, u"a\nb\rc"_s, u"~1:1 =2:2"_s, {0}},
+        {"all kinds in their order", u"1\n2\n3\ne\n4\nf"_s, u"5\ne\n6\n7\nf"_s, u"~1:1 -2 -3 =4:2 ~5:3 +4 =6:5"_s, {0, 4}},
+    };
+    for (const RowCase &row : cases) {
+        const LineDiff::Result result = compared(row.old, row.newer);
+        EXPECT_EQ(shape(result), row.shape) << row.name;
+        EXPECT_EQ(result.changeStarts(), row.changeStarts) << row.name;
+        checkPair(row.old, row.newer, Whitespace::counts);
+    }
+}
+
+TEST(LineDiff, LeavesOutWhitespaceAndWaysOfWriting)
+{
+    EXPECT_EQ(shape(compared(u"a b\n\t c \u3000\n"_s, u"ab\nc"_s)), u"~1:1 ~2:2"_s);
+    const LineDiff::Result ignoring = compared(u"a b\n\t c \u3000\n"_s, u"ab\nc"_s, Whitespace::ignored);
+    EXPECT_EQ(rowsOf(ignoring), (QStringList{u"= 1 1 {a b} {ab} /"_s, u"= 2 2 {\t c \u3000} {c} /"_s}));
+    EXPECT_EQ(shape(compared(u"caf\u00e9\n\u212b\nx"_s, u"cafe\u0301\n\u00c5\ny"_s)), u"=1:1 =2:2 ~3:3"_s);
+    // What belongs together once the blank between is gone.
+    EXPECT_EQ(shape(compared(u"e \u0301"_s, u"\u00e9"_s, Whitespace::ignored)), u"=1:1"_s);
+    EXPECT_EQ(shape(compared(u"\ufb01"_s, u"fi"_s, Whitespace::ignored)), u"~1:1"_s);
+}
+
+TEST(LineDiff, FindsWhatThePlainWayFinds)
+{
+    for (quint32 seed = 1; seed <= 300; ++seed) {
+        SCOPED_TRACE(seed);
+        Random random(seed);
+        const RandomPair pair(random, 14, 4);
+        for (const Whitespace whitespace : {Whitespace::counts, Whitespace::ignored}) {
+            ASSERT_NO_FATAL_FAILURE(checkPair(pair.old, pair.newer, whitespace));
+        }
+    }
+}
+
+TEST(LineDiff, FindsItAcrossLeaves)
+{
+    for (quint32 seed = 1; seed <= 8; ++seed) {
+        SCOPED_TRACE(seed);
+        Random random(seed);
+        const RandomPair pair(random, 300, seed % 2 == 0 ? 100 : 12);
+        for (const Whitespace whitespace : {Whitespace::counts, Whitespace::ignored}) {
+            ASSERT_NO_FATAL_FAILURE(checkPair(pair.old, pair.newer, whitespace));
+        }
+    }
+}
+
+TEST(LineDiff, ComparesLinesLongerThanLeaves)
+{
+    const QString narrow = QString(10'000, u'x');
+    const QString wide = QString(10'000, u'x') + u"\u4e2d"_s;
+    for (const QString &line : {narrow, wide}) {
+        const QString old = u"1\n"_s + line + u"\n2\n"_s + line + u"\u00e9\n3"_s;
+        const QString newer = u"0\n"_s + line + u"\n2\n"_s + line + u"e\u0301\n4"_s;
+        EXPECT_EQ(shape(compared(old, newer)), u"~1:1 =2:2 =3:3 =4:4 ~5:5"_s);
+        checkPair(old, newer, Whitespace::ignored);
+        const QString changed = QString(line).replace(5000, 1, u'y');
+        for (const QString &other : {line, line + u'\n', line + u' ', changed, changed + u"\nz"_s, narrow, u"\u3000"_s + line}) {
+            checkPair(line, other, Whitespace::counts);
+            checkPair(line, other, Whitespace::ignored);
+        }
+    }
+}
+
+TEST(LineDiff, IsNotDeceivedByEqualHashes)
+{
+    // Among so many lines some have the same 32 bits of the hash.
+    std::unordered_map<quint32, QByteArray> lines;
+    QByteArray line;
+    QByteArray other;
+    for (int number = 0; number < 1'000'000 && other.isEmpty(); ++number) {
+        line = QByteArray::number(number);
+        const LineKey key{.narrow = reinterpret_cast<const uchar *>(line.constData()), .length = line.size()};
+        const auto [place, isNew] = lines.try_emplace(quint32(key.hash()), line);
+        other = isNew ? QByteArray() : place->second;
+    }
+    ASSERT_FALSE(other.isEmpty());
+    const QString surrounded = u"a\n%1\nc\n"_s;
+    EXPECT_EQ(shape(compared(surrounded.arg(QLatin1StringView(line)), surrounded.arg(QLatin1StringView(other)))), u"=1:1 ~2:2 =3:3"_s);
+}
+
+TEST(LineDiff, GivesUpBeyond2000Edits)
+{
+    for (const qsizetype surplus : {0, 1}) {
+        const QString old = numberedLines(1000, u'a') + u"common\n"_s + numberedLines(1000, u'c');
+        const QString newer = numberedLines(surplus, u'b') + u"common\n"_s;
+        const LineDiff::Result result = compared(old, newer);
+        // With one line more to insert the common line is not seen any more.
+        EXPECT_EQ(result.changeStarts().size(), surplus == 0 ? 2U : 1U);
+        EXPECT_EQ(result.addedCount(), surplus == 0 ? 0 : 2);
+        EXPECT_EQ(rowsOf(result), NaiveDiff::compare(old, newer, Whitespace::counts).rows);
+    }
+    const LineDiff::Result unrelated = compared(numberedLines(3000, u'a'), numberedLines(2500, u'b'));
+    EXPECT_THAT(unrelated.runs(), ElementsAre(LineDiff::Run{LineDiff::Row::Kind::modified, 0, 2500, 1, 1},
+                                              LineDiff::Run{LineDiff::Row::Kind::deleted, 2500, 500, 2501, 2501}));
+}
+
+TEST(LineDiff, TellsHowFarItIsAndStops)
+{
+    const Rope old(numberedLines(5000, u'a'));
+    const Rope newer(numberedLines(4000, u'a') + numberedLines(1000, u'b') + u"z"_s);
+    DiffControl control{.processed = std::make_shared<std::atomic<qsizetype>>(0)};
+    EXPECT_TRUE(LineDiff::compare(old, newer, Whitespace::counts, control));
+    EXPECT_EQ(*control.processed, 2 * (old.length() + newer.length()));
+
+    std::stop_source source;
+    source.request_stop();
+    control = {.stop = source.get_token(), .processed = std::make_shared<std::atomic<qsizetype>>(0)};
+    EXPECT_FALSE(LineDiff::compare(old, newer, Whitespace::counts, control));
+    EXPECT_LT(*control.processed, old.length());
+    EXPECT_FALSE(LineDiff::compare(Rope(), Rope(), Whitespace::counts, control));
+}

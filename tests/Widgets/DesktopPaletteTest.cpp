@@ -1,0 +1,111 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Widgets/DesktopPalette.h"
+
+#include <QApplication>
+#include <QTimer>
+#include <QToolTip>
+
+namespace {
+
+QPalette paletteOf(const QColor &ground, const QColor &text)
+{
+    QPalette palette;
+    palette.setColor(QPalette::Base, ground);
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
+    palette.setColor(QPalette::ToolTipBase, QColor(255, 255, 220));
+    return palette;
+}
+
+} // namespace
+
+TEST(DesktopPalette, MendsOnlyWhatCannotBeRead)
+{
+    const QPalette light = paletteOf(Qt::white, Qt::black);
+    EXPECT_EQ(legibleHints(light).resolveMask(), 0U);
+    const QPalette dark = paletteOf(0x232629, 0xEFF0F1);
+    const QPalette hints = legibleHints(dark);
+    EXPECT_GT(hints.color(QPalette::PlaceholderText).lightness(), 120);
+    EXPECT_FALSE(hints.isBrushSet(QPalette::Active, QPalette::Base)) << "the rest stays the desktop's";
+
+    EXPECT_LT(plainToolTips(dark).color(QPalette::ToolTipBase).lightness(), 60);
+    QPalette chosen = dark;
+    chosen.setColor(QPalette::ToolTipBase, 0x31363B);
+    EXPECT_EQ(plainToolTips(chosen).resolveMask(), 0U);
+}
+
+TEST(DesktopPalette, LooksAsTheDesktopWishes)
+{
+    QPalette light = paletteOf(Qt::white, Qt::black);
+    light.setColor(QPalette::Window, 0xEEEEEE);
+    light.setColor(QPalette::WindowText, Qt::black);
+    EXPECT_EQ(asWished(light, {}).resolveMask(), 0U);
+    EXPECT_EQ(asWished(light, {.scheme = Appearance::light}).resolveMask(), 0U);
+    const QPalette dark = asWished(light, {.scheme = Appearance::dark});
+    for (const auto &[ground, text] : {std::pair(QPalette::Window, QPalette::WindowText),
+                                       {QPalette::Base, QPalette::Text},
+                                       {QPalette::Button, QPalette::ButtonText},
+                                       {QPalette::ToolTipBase, QPalette::ToolTipText}}) {
+        EXPECT_LT(dark.color(ground).lightness(), 80);
+        EXPECT_GT(dark.color(text).lightness(), 200);
+        EXPECT_GT(dark.color(QPalette::Disabled, text).lightness(), dark.color(ground).lightness() + 40);
+    }
+    EXPECT_GT(asWished(dark, {.scheme = Appearance::light}).color(QPalette::Window).lightness(), 200);
+    EXPECT_EQ(asWished(dark, {.scheme = Appearance::dark}).resolveMask(), 0U);
+
+    const QPalette accented = asWished(light, {.accent = QColor(0x9141AC)});
+    EXPECT_EQ(accented.color(QPalette::Highlight), QColor(0x9141AC));
+    EXPECT_EQ(accented.color(QPalette::HighlightedText), QColor(Qt::white));
+    EXPECT_FALSE(accented.isBrushSet(QPalette::Active, QPalette::Window));
+    EXPECT_EQ(asWished(light, {.accent = QColor(0xF6D32D)}).color(QPalette::HighlightedText), QColor(Qt::black));
+
+    EXPECT_EQ(asWished(light, {.hasHighContrast = true}).color(QPalette::Base), QColor(Qt::white));
+    const QPalette stark = asWished(light, {.scheme = Appearance::dark, .hasHighContrast = true});
+    EXPECT_EQ(stark.color(QPalette::Window), QColor(Qt::black));
+    EXPECT_EQ(stark.color(QPalette::Text), QColor(Qt::white));
+    EXPECT_GT(stark.color(QPalette::Base).lightness(), 60) << "boxes have no outline on black";
+}
+
+TEST(DesktopPalette, FollowsTheDesktop)
+{
+    const QPalette before = QApplication::palette();
+    const QPalette toolTipBefore = QToolTip::palette();
+    QPalette desktop = paletteOf(0x232629, 0xEFF0F1);
+    const auto changeTo = [&desktop](const QPalette &palette) {
+        desktop = palette;
+        QApplication::setPalette(palette);
+        QCoreApplication::sendPostedEvents();
+    };
+    // The toolkit tells of palettes only while the application runs.
+    QTimer::singleShot(0, [&] {
+        changeTo(desktop);
+        {
+            DesktopPalette mending([&desktop] {
+                QApplication::setPalette(QPalette());
+                return desktop;
+            });
+            EXPECT_GT(QApplication::palette().color(QPalette::PlaceholderText).lightness(), 120);
+            EXPECT_LT(QToolTip::palette().color(QPalette::ToolTipBase).lightness(), 60);
+            changeTo(paletteOf(Qt::white, Qt::black));
+            EXPECT_LT(QApplication::palette().color(QPalette::PlaceholderText).lightness(), 180);
+            EXPECT_GT(QToolTip::palette().color(QPalette::ToolTipBase).lightness(), 220);
+
+            mending.adapt({.scheme = Appearance::dark, .accent = QColor(0x9141AC)});
+            EXPECT_LT(QApplication::palette().color(QPalette::Base).lightness(), 60);
+            EXPECT_EQ(QApplication::palette().color(QPalette::Highlight), QColor(0x9141AC));
+            EXPECT_LT(QToolTip::palette().color(QPalette::ToolTipBase).lightness(), 80);
+            // A desktop that becomes dark itself as well has colours of its own for it.
+            QPalette ownDark = paletteOf(0x101820, 0xEFF0F1);
+            ownDark.setColor(QPalette::Window, 0x101820);
+            ownDark.setColor(QPalette::WindowText, 0xEFF0F1);
+            changeTo(ownDark);
+            EXPECT_EQ(QApplication::palette().color(QPalette::Base), QColor(0x101820));
+            EXPECT_EQ(QApplication::palette().color(QPalette::Highlight), QColor(0x9141AC));
+        }
+        QCoreApplication::quit();
+    });
+    QApplication::exec();
+    QApplication::setPalette(before);
+    QToolTip::setPalette(toolTipBefore);
+}
