@@ -6,6 +6,7 @@
 #include "App/AppDelegate.h"
 #include "Base/Pasteboard.h"
 #include "Desktop/Desktop.h"
+#include "Desktop/ForeignKeyboard.h"
 #include "Editor/EditorVim.h"
 #include "Find/FindState.h"
 #include "Highlighting/LanguageRegistry.h"
@@ -105,10 +106,11 @@ public:
     SessionKeeper keeper{scheduler, notifications, preferences, store, session};
     FindState find;
     VimRegisters registers{pasteboard, preferences};
+    ForeignKeyboard keyboard;
     TextDocument *document = nullptr;
     RecordingDesktop desktop;
     RecentDocuments recent{QString(), workers};
-    AppDelegate application{{{scheduler, notifications, preferences, pasteboard, presenter, store, workers, find, registers},
+    AppDelegate application{{{scheduler, notifications, preferences, pasteboard, presenter, store, workers, find, registers, keyboard},
                              defaults,
                              desktop,
                              session,

@@ -5,6 +5,7 @@
 #include "Base/Pasteboard.h"
 #include "Base/Workers.h"
 #include "Desktop/Desktop.h"
+#include "Desktop/ForeignKeyboard.h"
 #include "Files/WatchedPath.h"
 #include "Find/FindState.h"
 #include "HeldWorkers.h"
@@ -44,12 +45,14 @@ struct Surroundings {
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
     FindState find;
     VimRegisters registers{pasteboard, preferences};
+    ForeignKeyboard keyboard;
     RecordingDesktop desktop;
     RecentDocuments recent{QString(), workers};
-    WorkspaceServices services{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers},
-                               defaults,
-                               desktop,
-                               session,
-                               keeper,
-                               recent};
+    WorkspaceServices services{
+        {scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers, keyboard},
+        defaults,
+        desktop,
+        session,
+        keeper,
+        recent};
 };

@@ -8,6 +8,7 @@
 #include "Base/Localization.h"
 #include "Base/ToolkitTexts.h"
 #include "Desktop/DesktopRecentFiles.h"
+#include "Desktop/ForeignKeyboard.h"
 #include "Desktop/SystemAppearance.h"
 #include "Desktop/SystemDesktop.h"
 #include "Desktop/SystemPasteboard.h"
@@ -92,7 +93,8 @@ struct Program::Parts {
     /// Of the exit.
     int status = 0;
     DesktopPalette palette;
-    ForeignChords foreignChords;
+    ForeignKeyboard keyboard;
+    ForeignChords foreignChords{keyboard};
     EventLoopScheduler scheduler;
     NotificationCenter notifications;
     DefaultsStore defaults{DefaultsStore::standardPath(), scheduler};
@@ -124,13 +126,13 @@ struct Program::Parts {
     SystemDesktop desktop;
     RecentDocuments recent{session.rootDirectory() + u"/recent-documents.json"_s, workers};
     DesktopRecentFiles desktopRecentFiles{DesktopRecentFiles::standardPath(), workers};
-    AppDelegate delegate{
-        {{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers, &spellChecker, &spellingPanel},
-         defaults,
-         desktop,
-         session,
-         keeper,
-         recent}};
+    AppDelegate delegate{{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers, keyboard,
+                           &spellChecker, &spellingPanel},
+                          defaults,
+                          desktop,
+                          session,
+                          keeper,
+                          recent}};
     RunningInstance instance{QDBusConnection::sessionBus(),
                              {.open = [this](const OpenRequest &request) { delegate.open(request); },
                               .gone = [this](const QString &waiter) { delegate.forgetWaiter(waiter); }}};

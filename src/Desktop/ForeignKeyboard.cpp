@@ -22,16 +22,6 @@ constexpr auto rows = std::to_array<Row>({
 });
 constexpr quint32 codeOffset = 8;
 
-/// X tells which of the user's layouts a key comes from in two bits of its modifiers.
-constexpr int layoutShift = 13;
-constexpr quint32 layoutMask = 3;
-
-bool &wroteForeign(const QKeyEvent &event)
-{
-    static std::array<bool, layoutMask + 1> layouts{};
-    return layouts[(event.nativeModifiers() >> layoutShift) & layoutMask];
-}
-
 bool isLatinLetter(quint32 symbol)
 {
     return (symbol >= 'A' && symbol <= 'Z') || (symbol >= 'a' && symbol <= 'z');
@@ -55,20 +45,27 @@ bool isForeignLetter(const QString &text)
 
 } // namespace
 
+/// X tells which of the user's layouts a key comes from in two bits of its modifiers.
+size_t ForeignKeyboard::layoutOf(const QKeyEvent &event)
+{
+    constexpr int layoutShift = 13;
+    return (event.nativeModifiers() >> layoutShift) % mostLayouts;
+}
+
 void ForeignKeyboard::note(const QKeyEvent &event)
 {
     const QString text = event.text();
     const quint32 symbol = event.nativeVirtualKey();
     if (isForeignLetter(text) || isForeignSymbol(symbol)) {
-        wroteForeign(event) = true;
+        m_writesForeign[layoutOf(event)] = true;
     } else if ((!text.isEmpty() && text.front().isLetter()) || isLatinLetter(symbol)) {
-        wroteForeign(event) = false;
+        m_writesForeign[layoutOf(event)] = false;
     }
 }
 
-bool ForeignKeyboard::wrote(const QKeyEvent &event)
+bool ForeignKeyboard::wrote(const QKeyEvent &event) const
 {
-    return wroteForeign(event);
+    return m_writesForeign[layoutOf(event)];
 }
 
 std::optional<ForeignKeyboard::Signs> ForeignKeyboard::signsInPlaceOf(const QKeyEvent &event)

@@ -187,7 +187,7 @@ void EditorViewController::applyVimMode()
     } else if (m_vim) {
         m_vim->engine().setKeymap(preset);
     } else {
-        m_vim = std::make_unique<EditorVim>(*m_textView, m_services.registers, preset,
+        m_vim = std::make_unique<EditorVim>(*m_textView, m_services.registers, m_services.keyboard, preset,
                                             EditorVim::Callbacks{.stateChanged = [this] { emit stateChanged(); },
                                                                  .runCommand = [this](const QString &command) { runCommand(command); },
                                                                  .beep = [&presenter = m_services.presenter] { presenter.beep(); }});

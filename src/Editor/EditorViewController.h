@@ -19,6 +19,7 @@ class EditorVim;
 class ExternalChangeBanner;
 class FindBar;
 class FindState;
+class ForeignKeyboard;
 class Preferences;
 class QVBoxLayout;
 class SpellChecker;
@@ -41,6 +42,7 @@ struct EditorServices {
     Workers &workers;
     FindState &find;
     VimRegisters &registers;
+    ForeignKeyboard &keyboard;
     /// Both or none: without them no spelling is checked.
     SpellChecker *spellChecker = nullptr;
     SpellingPanel *spellingPanel = nullptr;

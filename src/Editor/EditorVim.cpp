@@ -53,9 +53,9 @@ bool isPrivateUse(char16_t unit)
 }
 
 /// What the key means as a command when it writes `text`.
-QString commandText(const QString &text, const QKeyEvent &event)
+QString commandText(const QString &text, const QKeyEvent &event, const ForeignKeyboard &keyboard)
 {
-    if (ForeignKeyboard::wrote(event) && !event.modifiers().testFlag(Qt::GroupSwitchModifier)) {
+    if (keyboard.wrote(event) && !event.modifiers().testFlag(Qt::GroupSwitchModifier)) {
         return ForeignKeyboard::textInPlaceOf(event).value_or(text);
     }
     const auto *dead = std::ranges::find(deadKeys, Qt::Key(event.key()), &KeyRow::key);
@@ -70,8 +70,8 @@ bool isAltGr(const QKeyEvent &event)
 
 } // namespace
 
-EditorVim::EditorVim(EditorTextView &view, VimRegisters &registers, VimKeymapPreset preset, Callbacks callbacks)
-    : m_view(view), m_callbacks(std::move(callbacks)), m_engine(new VimEngine(*this, *this, registers, preset))
+EditorVim::EditorVim(EditorTextView &view, VimRegisters &registers, ForeignKeyboard &keyboard, VimKeymapPreset preset, Callbacks callbacks)
+    : m_view(view), m_keyboard(keyboard), m_callbacks(std::move(callbacks)), m_engine(new VimEngine(*this, *this, registers, preset))
 {
     m_view.setVim(this);
     m_engine->leaveToNormal();
@@ -89,7 +89,7 @@ EditorVim::~EditorVim()
 
 VimKeyEvent EditorVim::translated(const QKeyEvent &event) const
 {
-    ForeignKeyboard::note(event);
+    m_keyboard.note(event);
     const bool isText = isAltGr(event);
     VimKeyEvent key{.characters = {},
                     .charactersIgnoringModifiers = {},
@@ -112,7 +112,7 @@ VimKeyEvent EditorVim::translated(const QKeyEvent &event) const
     }
     key.characters = key.control ? QString() : text;
     const bool isLiteral = isNamed || (takesCharacters() && !key.control);
-    key.charactersIgnoringModifiers = isLiteral ? text : commandText(text, event);
+    key.charactersIgnoringModifiers = isLiteral ? text : commandText(text, event, m_keyboard);
     return key;
 }
 

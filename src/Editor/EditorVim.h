@@ -8,6 +8,7 @@
 #include <memory>
 
 class EditorTextView;
+class ForeignKeyboard;
 class QInputMethodEvent;
 class QKeyEvent;
 
@@ -26,8 +27,8 @@ public:
         std::function<void()> beep;
     };
 
-    /// `view` and `registers` must outlive it.
-    EditorVim(EditorTextView &view, VimRegisters &registers, VimKeymapPreset preset, Callbacks callbacks);
+    /// `view`, `registers` and `keyboard` must outlive it.
+    EditorVim(EditorTextView &view, VimRegisters &registers, ForeignKeyboard &keyboard, VimKeymapPreset preset, Callbacks callbacks);
     ~EditorVim();
     Q_DISABLE_COPY_MOVE(EditorVim)
 
@@ -76,6 +77,7 @@ private:
     void vimEngineDidChangeState(VimEngine &engine) override;
 
     EditorTextView &m_view;
+    ForeignKeyboard &m_keyboard;
     Callbacks m_callbacks;
     std::unique_ptr<VimEngine> m_engine;
     std::optional<QString> m_enteredCommand;

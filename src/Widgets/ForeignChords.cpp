@@ -120,7 +120,7 @@ bool hasLatinLetter(const QKeyEvent &event)
 }
 
 /// None where the toolkit comes to the same by itself.
-std::optional<Chord> chordMeantBy(const QKeyEvent &event)
+std::optional<Chord> chordMeantBy(const QKeyEvent &event, const ForeignKeyboard &keyboard)
 {
     if (event.modifiers().testFlag(Qt::GroupSwitchModifier)) {
         const auto sign = Qt::Key(event.key());
@@ -128,7 +128,7 @@ std::optional<Chord> chordMeantBy(const QKeyEvent &event)
         return isSign ? std::optional(Chord{sign, sign, event.modifiers() & ~Qt::GroupSwitchModifier}) : std::nullopt;
     }
     const auto signs = ForeignKeyboard::signsInPlaceOf(event);
-    if (!signs || !ForeignKeyboard::wrote(event) || hasLatinLetter(event)) {
+    if (!signs || !keyboard.wrote(event) || hasLatinLetter(event)) {
         return {};
     }
     const bool isShifted = event.modifiers().testFlag(Qt::ShiftModifier);
@@ -138,7 +138,7 @@ std::optional<Chord> chordMeantBy(const QKeyEvent &event)
 
 } // namespace
 
-ForeignChords::ForeignChords(QObject *parent) : QObject(parent)
+ForeignChords::ForeignChords(ForeignKeyboard &keyboard, QObject *parent) : QObject(parent), m_keyboard(keyboard)
 {
     qApp->installEventFilter(this);
 }
@@ -150,8 +150,8 @@ bool ForeignChords::eventFilter(QObject *watched, QEvent *event)
         return false;
     }
     const auto &key = static_cast<const QKeyEvent &>(*event);
-    ForeignKeyboard::note(key);
-    const auto chord = key.modifiers() & chordModifiers ? chordMeantBy(key) : std::nullopt;
+    m_keyboard.note(key);
+    const auto chord = key.modifiers() & chordModifiers ? chordMeantBy(key, m_keyboard) : std::nullopt;
     if (!chord || QApplication::activePopupWidget()) {
         return false;
     }

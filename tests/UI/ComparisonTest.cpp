@@ -194,7 +194,7 @@ TEST_F(ComparisonTest, IsThereWhileLongTextsAreCompared)
 {
     const QString lines = u"a line of some length\n"_s.repeated(20'000);
     HeldWorkers held;
-    EditorServices slow{scheduler, notifications, preferences, pasteboard, presenter, documents, held, find, registers};
+    EditorServices slow{scheduler, notifications, preferences, pasteboard, presenter, documents, held, find, registers, keyboard};
     const Language &plain = Language::plainText();
     {
         const DiffWindowController window(slow, {u"a"_s, {}, Rope(lines)}, {u"b"_s, {}, Rope(lines)}, plain);

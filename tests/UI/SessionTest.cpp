@@ -285,7 +285,7 @@ TEST_F(SessionTest, ATabWhoseFileDoesNotComeSaysSo)
                             {});
     SessionKeeper keeper(surroundings.scheduler, surroundings.notifications, surroundings.preferences, documents, surroundings.session);
     AppDelegate application({{surroundings.scheduler, surroundings.notifications, surroundings.preferences, surroundings.pasteboard,
-                              surroundings.presenter, documents, held, surroundings.find, surroundings.registers},
+                              surroundings.presenter, documents, held, surroundings.find, surroundings.registers, surroundings.keyboard},
                              surroundings.defaults,
                              surroundings.desktop,
                              surroundings.session,

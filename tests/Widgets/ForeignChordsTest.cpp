@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Widgets/ForeignChords.h"
 
+#include "Desktop/ForeignKeyboard.h"
+
 #include <QAction>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -36,11 +38,7 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowActive(&m_window));
         edit.setFocus();
     }
-    void TearDown() override
-    {
-        press(0, 30, {}, u"a"_s);
-        m_window.takeCentralWidget();
-    }
+    void TearDown() override { m_window.takeCentralWidget(); }
 
     /// As the toolkit has it from the display, with the kernel's key code; what came of it, "-" for what it looks for by itself.
     QString press(int key, quint32 code, Qt::KeyboardModifiers modifiers, const QString &text = {}, quint32 layout = 0, quint32 symbol = 0)
@@ -62,7 +60,8 @@ protected:
 
 private:
     QMainWindow m_window;
-    ForeignChords m_chords;
+    ForeignKeyboard m_keyboard;
+    ForeignChords m_chords{m_keyboard};
 };
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "Base/Localization.h"
 #include "Base/Pasteboard.h"
 #include "Desktop/Desktop.h"
+#include "Desktop/ForeignKeyboard.h"
 #include "Editor/SpellingPanel.h"
 #include "Files/WatchedPath.h"
 #include "Find/FindState.h"
@@ -101,8 +102,8 @@ struct Stage {
                                            [this](const QUuid &id) { session.discardDraft(id); }},
                           DocumentStore::AppearanceQuery());
         keeper.emplace(scheduler, notifications, preferences, *documents, session);
-        const EditorServices editors{scheduler, notifications, preferences, pasteboard, presenter,      *documents,
-                                     *workers,  find,          registers,   &*speller,  &*spellingPanel};
+        const EditorServices editors{scheduler, notifications, preferences, pasteboard, presenter, *documents,
+                                     *workers,  find,          registers,   keyboard,   &*speller, &*spellingPanel};
         recent.emplace(QString(), *workers);
         application.emplace(WorkspaceServices{editors, defaults, desktop, session, *keeper, *recent});
         preferences.setLanguageResolver(Localization::use);
@@ -123,6 +124,7 @@ struct Stage {
     std::optional<SessionKeeper> keeper;
     FindState find;
     VimRegisters registers{pasteboard, preferences};
+    ForeignKeyboard keyboard;
     std::optional<SpellChecker> speller;
     std::optional<SpellingPanel> spellingPanel;
     RecordingDesktop desktop;

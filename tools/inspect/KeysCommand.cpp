@@ -7,6 +7,7 @@
 #include "Base/Pasteboard.h"
 #include "Commands/Actions.h"
 #include "Desktop/Desktop.h"
+#include "Desktop/ForeignKeyboard.h"
 #include "Editor/EditorVim.h"
 #include "Find/FindState.h"
 #include "Highlighting/LanguageRegistry.h"
@@ -65,9 +66,10 @@ public:
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
     FindState find;
     VimRegisters registers{pasteboard, preferences};
+    ForeignKeyboard keyboard;
     RecordingDesktop desktop;
     RecentDocuments recent{QString(), workers};
-    AppDelegate application{{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers},
+    AppDelegate application{{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers, keyboard},
                              defaults,
                              desktop,
                              session,
