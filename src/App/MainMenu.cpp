@@ -8,7 +8,7 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/Theme.h"
 #include "Model/RecentDocuments.h"
-#include "UI/FirstResponder.h"
+#include "View/FirstResponder.h"
 #include "Widgets/AlertPresenter.h"
 #include "Widgets/Mnemonics.h"
 #include "Widgets/PlainToolTip.h"

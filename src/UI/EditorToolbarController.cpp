@@ -6,10 +6,10 @@
 #include "Base/Translation.h"
 #include "Model/TextDocument.h"
 #include "Settings/Preferences.h"
-#include "UI/FirstResponder.h"
 #include "UI/ToolbarActionItem.h"
 #include "UI/ToolbarCatalogue.h"
 #include "UI/ToolbarStrip.h"
+#include "View/FirstResponder.h"
 #include "Widgets/SymbolIcon.h"
 
 #include <QApplication>

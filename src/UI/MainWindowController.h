@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "UI/FirstResponder.h"
 #include "UI/PendingWrites.h"
 #include "UI/WorkspaceViewController.h"
+#include "View/FirstResponder.h"
 
 #include <QMainWindow>
 

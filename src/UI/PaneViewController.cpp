@@ -6,7 +6,7 @@
 #include "Base/Translation.h"
 #include "Model/DocumentStore.h"
 #include "Settings/Preferences.h"
-#include "UI/FirstResponder.h"
+#include "View/FirstResponder.h"
 
 #include <QApplication>
 #include <QVBoxLayout>

@@ -10,9 +10,9 @@
 #include "Session/SessionKeeper.h"
 #include "Settings/Preferences.h"
 #include "Text/LineRange.h"
-#include "UI/FirstResponder.h"
 #include "UI/PaneSplitter.h"
 #include "UI/WindowPlacement.h"
+#include "View/FirstResponder.h"
 #include "Widgets/AlertPresenter.h"
 
 #include <QPointer>

@@ -5,7 +5,7 @@
 #include "App/AppDelegate.h"
 #include "Commands/Actions.h"
 #include "Surroundings.h"
-#include "UI/FirstResponder.h"
+#include "View/FirstResponder.h"
 
 #include <QFile>
 #include <QTest>

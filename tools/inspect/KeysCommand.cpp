@@ -17,7 +17,7 @@
 #include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
-#include "UI/FirstResponder.h"
+#include "View/FirstResponder.h"
 #include "Vim/VimRegisters.h"
 #include "Widgets/AlertPresenter.h"
 

@@ -14,7 +14,7 @@
 #include "App/Program.h"
 #include "Commands/Actions.h"
 #include "Model/TextDocument.h"
-#include "UI/FirstResponder.h"
+#include "View/FirstResponder.h"
 
 #include <QAbstractButton>
 #include <QApplication>

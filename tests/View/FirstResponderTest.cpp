@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "UI/FirstResponder.h"
+#include "View/FirstResponder.h"
 
 #include "Commands/Actions.h"
 
