@@ -48,7 +48,7 @@ AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(service
 {
     m_languageObserver = m_services.notifications.observe(Localization::didChangeNotification, nullptr, [this] {
         for (MainWindowController *window : m_windows) {
-            MainMenu::install(*window, m_services.presenter, menuSources());
+            MainMenu::install(*window, window->firstResponder(), menuSources());
         }
     });
     connect(qApp, &QGuiApplication::focusWindowChanged, this, &AppDelegate::rememberActiveWindow);
@@ -99,6 +99,7 @@ const ActionRow *AppDelegate::actionFor(const Action &wanted) const
         action<&Self::showAbout>(Actions::showAbout),
         action<&Self::showSettings>(Actions::showSettings),
         action<&Self::showUserGuide>(Actions::showUserGuide),
+        action<&Self::showVimKeyReference>(Actions::showVimKeyReference),
         action<&Self::showShortcuts>(Actions::showShortcuts),
         action<&Self::revealSupportFolder>(Actions::revealSupportFolder),
         action<&Self::openRecentDocument>(Actions::openRecentDocument),
@@ -113,9 +114,9 @@ MainWindowController &AppDelegate::makeWindow(MainWindowController::Content cont
 {
     auto *window = new MainWindowController(m_services, m_layouts, content);
     window->setNextResponder(this);
-    MainMenu::install(*window, m_services.presenter, menuSources());
+    MainMenu::install(*window, window->firstResponder(), menuSources());
     window->toolbar().setMenuFiller(
-        [this, window](QMenu &menu) { MainMenu::populateCompareMenu(menu, *window, m_services.presenter, menuSources()); });
+        [this, window](QMenu &menu) { MainMenu::populateCompareMenu(menu, *window, window->firstResponder(), menuSources()); });
     m_windows.push_back(window);
     WorkspaceViewController &workspace = window->workspace();
     connect(&workspace.documentActions(), &DocumentActions::comparisonRequested, this, &AppDelegate::openComparison);
@@ -196,7 +197,7 @@ void AppDelegate::openComparison(const DiffViewController::Side &left, const Dif
 {
     auto *window = new DiffWindowController(m_services, left, right, language);
     window->setNextResponder(this);
-    MainMenu::installKeys(*window, m_services.presenter);
+    MainMenu::installKeys(*window, window->firstResponder());
     m_comparisons.push_back(window);
     connect(window, &DiffWindowController::closed, this, [this, window] {
         std::erase(m_comparisons, window);
@@ -537,12 +538,11 @@ void AppDelegate::showAbout()
 void AppDelegate::showSettings()
 {
     if (!m_settings) {
-        m_settings = std::make_unique<SettingsWindowController>(
-            SettingsServices{.preferences = m_services.preferences,
-                             .notifications = m_services.notifications,
-                             .presenter = m_services.presenter,
-                             .dataFolder = m_services.session.rootDirectory(),
-                             .showKeyReference = [this] { showInWindow(Actions::showVimKeyReference); }});
+        m_settings = std::make_unique<SettingsWindowController>(SettingsServices{.preferences = m_services.preferences,
+                                                                                 .notifications = m_services.notifications,
+                                                                                 .presenter = m_services.presenter,
+                                                                                 .dataFolder = m_services.session.rootDirectory()});
+        m_settings->setNextResponder(this);
     }
     m_settings->comeToFront(frontmostWindow());
 }
@@ -550,6 +550,11 @@ void AppDelegate::showSettings()
 void AppDelegate::showUserGuide()
 {
     showInWindow(Actions::showUserGuide);
+}
+
+void AppDelegate::showVimKeyReference()
+{
+    showInWindow(Actions::showVimKeyReference);
 }
 
 /// For those who ask from a window that has no tabs.

@@ -57,8 +57,13 @@ public:
     [[nodiscard]] Responder *nextResponder() const override { return nullptr; }
 
 signals:
+    /// An action of a window is about to be carried out, whoever takes it; for tools that watch.
+    void actionChosen(const Action &action);
     /// The program is to end. Windows may still be there.
     void finished();
+
+protected:
+    void willPerform(const Action &action) override { emit actionChosen(action); }
 
 private:
     /// What somebody waits for.
@@ -81,6 +86,7 @@ private:
     void showAbout();
     void showSettings();
     void showUserGuide();
+    void showVimKeyReference();
     void showInWindow(const Action &reference);
     void rememberActiveWindow();
     void showShortcuts();

@@ -9,7 +9,6 @@
 #include "Highlighting/Theme.h"
 #include "Model/RecentDocuments.h"
 #include "View/FirstResponder.h"
-#include "Widgets/AlertPresenter.h"
 #include "Widgets/Mnemonics.h"
 #include "Widgets/PlainToolTip.h"
 
@@ -208,8 +207,8 @@ public:
     /// Items have their keys, or only show those of others.
     enum class Keys { active, shown };
 
-    MenuInstaller(QMainWindow &window, AlertPresenter &presenter, const MenuSources &sources, Keys keys = Keys::active)
-        : m_window(window), m_presenter(presenter), m_sources(sources), m_keys(keys)
+    MenuInstaller(QMainWindow &window, FirstResponder &responder, const MenuSources &sources, Keys keys = Keys::active)
+        : m_window(window), m_responder(responder), m_sources(sources), m_keys(keys)
     {}
 
     void addItems(QMenu &menu, const std::vector<MenuNode> &nodes)
@@ -283,13 +282,10 @@ private:
         if (node.represented.isNull()) {
             setKeys(*item, action);
         }
-        QObject::connect(item, &QAction::triggered, &m_window,
-                         [&window = m_window, &action, represented = node.represented, &presenter = m_presenter] {
-                             chooseAction(window, action, represented, presenter);
-                         });
-        const auto update = [&window = m_window, &action, represented = node.represented, item, title] {
-            const Responder *responder = firstResponder(&window);
-            ::show(*item, title, responder ? responder->state(action, represented) : ActionState{.isEnabled = false});
+        QObject::connect(item, &QAction::triggered, &m_responder,
+                         [&responder = m_responder, &action, represented = node.represented] { responder.choose(action, represented); });
+        const auto update = [&responder = m_responder, &action, represented = node.represented, item, title] {
+            ::show(*item, title, responder.state(action, represented));
         };
         QObject::connect(&menu, &QMenu::aboutToShow, item, update);
         if (m_isOpening) {
@@ -317,7 +313,7 @@ private:
     }
 
     QMainWindow &m_window;
-    AlertPresenter &m_presenter;
+    FirstResponder &m_responder;
     MenuSources m_sources;
     Keys m_keys;
     QSet<QKeySequence> m_taken;
@@ -334,16 +330,16 @@ std::vector<MenuNode> MainMenu::build()
     return menus;
 }
 
-void MainMenu::install(QMainWindow &window, AlertPresenter &presenter, const MenuSources &sources)
+void MainMenu::install(QMainWindow &window, FirstResponder &responder, const MenuSources &sources)
 {
     QMenuBar *bar = window.menuBar();
-    keepFirstResponderBehind(*bar);
+    FirstResponder::setBar(*bar);
     for (QMenu *old : bar->findChildren<QMenu *>(Qt::FindDirectChildrenOnly)) {
         old->close();
         old->deleteLater(); // it may be what led here
     }
     bar->clear();
-    MenuInstaller installer(window, presenter, sources);
+    MenuInstaller installer(window, responder, sources);
     const std::vector<MenuNode> menus = build();
     const QStringList titles = markedTitles(menus);
     for (size_t index = 0; index < menus.size(); ++index) {
@@ -351,18 +347,18 @@ void MainMenu::install(QMainWindow &window, AlertPresenter &presenter, const Men
     }
 }
 
-void MainMenu::populateCompareMenu(QMenu &menu, QMainWindow &window, AlertPresenter &presenter, const MenuSources &sources)
+void MainMenu::populateCompareMenu(QMenu &menu, QMainWindow &window, FirstResponder &responder, const MenuSources &sources)
 {
     menu.setToolTipsVisible(true);
-    MenuInstaller(window, presenter, sources, MenuInstaller::Keys::shown).fill(menu, Actions::Menus::compare);
+    MenuInstaller(window, responder, sources, MenuInstaller::Keys::shown).fill(menu, Actions::Menus::compare);
 }
 
-void MainMenu::installKeys(QWidget &window, AlertPresenter &presenter)
+void MainMenu::installKeys(QWidget &window, FirstResponder &responder)
 {
     for (const Action *action : Actions::inMenus()) {
         for (const QKeySequence &keys : keySequences(*action)) {
-            QObject::connect(new QShortcut(keys, &window), &QShortcut::activated, &window,
-                             [&window, action, &presenter] { chooseAction(window, *action, {}, presenter); });
+            QObject::connect(new QShortcut(keys, &window), &QShortcut::activated, &responder,
+                             [&responder, action] { responder.choose(*action); });
         }
     }
 }

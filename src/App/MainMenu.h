@@ -9,7 +9,7 @@
 #include <functional>
 #include <vector>
 
-class AlertPresenter;
+class FirstResponder;
 class QMainWindow;
 class QMenu;
 class RecentDocuments;
@@ -55,11 +55,11 @@ public:
     [[nodiscard]] static std::vector<MenuNode> build();
 
     /// Gives `window` its menu bar, in place of one that it has: after another language was chosen. Items act on the window's first
-    /// responder and are shown as it says when their menu opens; one that is chosen by its keys while it is disabled beeps. `presenter`
-    /// and what the sources ask must outlive the window.
-    static void install(QMainWindow &window, AlertPresenter &presenter, const MenuSources &sources);
+    /// responder and are shown as it says when their menu opens; one that is chosen by its keys while it is disabled beeps. What the
+    /// sources ask must outlive the window.
+    static void install(QMainWindow &window, FirstResponder &responder, const MenuSources &sources);
     /// Fills `menu`, which is empty, with what the current text of `window` can be compared with, as the submenu of the menu bar is.
-    static void populateCompareMenu(QMenu &menu, QMainWindow &window, AlertPresenter &presenter, const MenuSources &sources);
+    static void populateCompareMenu(QMenu &menu, QMainWindow &window, FirstResponder &responder, const MenuSources &sources);
     /// Gives a window that has no menus the keys of all commands.
-    static void installKeys(QWidget &window, AlertPresenter &presenter);
+    static void installKeys(QWidget &window, FirstResponder &responder);
 };

@@ -29,26 +29,13 @@ Responder *Responder::target(const Action &wanted)
     return responder;
 }
 
-namespace {
-
-Responder::Observer &theObserver()
-{
-    static Responder::Observer observer;
-    return observer;
-}
-
-} // namespace
-
-void Responder::setObserver(Observer observer)
-{
-    theObserver() = std::move(observer);
-}
-
 bool Responder::perform(const Action &wanted, const QVariant &represented)
 {
-    if (const Observer &observer = theObserver()) {
-        observer(wanted);
+    Responder *last = this;
+    while (Responder *next = last->nextResponder()) {
+        last = next;
     }
+    last->willPerform(wanted);
     Responder *responder = target(wanted);
     if (!responder) {
         return false;

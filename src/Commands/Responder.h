@@ -6,7 +6,6 @@
 
 #include <QVariant>
 
-#include <functional>
 #include <optional>
 #include <type_traits>
 
@@ -70,10 +69,6 @@ public:
 
     /// The first in the chain from here that takes `wanted`, or null.
     [[nodiscard]] Responder *target(const Action &wanted);
-    /// Told of every action before it is carried out, whoever sends it and takes it; for tools that watch.
-    using Observer = std::function<void(const Action &wanted)>;
-    static void setObserver(Observer observer);
-
     /// Lets the target act, whether or not it calls the action enabled; false when nobody takes it.
     bool perform(const Action &wanted, const QVariant &represented = {});
     /// What the target says, and it alone: a disabled action is not offered to the rest of the chain. Disabled when nobody takes it.
@@ -84,6 +79,9 @@ protected:
     /// one that returns ActionState, likewise; or one that returns bool: enabled or not).
     template<auto Perform, auto State = nullptr>
     [[nodiscard]] static constexpr ActionRow action(const Action &taken);
+
+    /// Told to the end of the chain of every action before it is carried out, whoever takes it.
+    virtual void willPerform(const Action &) {}
 
     [[nodiscard]] static const ActionRow *findAction(std::span<const ActionRow> rows, const Action &wanted);
 

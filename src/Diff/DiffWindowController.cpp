@@ -22,6 +22,7 @@ constexpr QSize frameRoom(16, 48);
 } // namespace
 
 DiffWindowController::DiffWindowController(const EditorServices &services, Side left, Side right, const Language &language)
+    : m_firstResponder(*this, services.presenter)
 {
     setAccessibleRole(*this, QAccessible::Window);
     // Doubled, the mark's placeholder stands for itself.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Diff/DiffViewController.h"
+#include "View/FirstResponder.h"
 
 /// The window of one comparison, which lives until it is closed.
 class DiffWindowController final : public QWidget, public Responder {
@@ -15,6 +16,7 @@ public:
     DiffWindowController(const EditorServices &services, Side left, Side right, const Language &language);
 
     [[nodiscard]] DiffViewController &content() { return *m_content; }
+    [[nodiscard]] FirstResponder &firstResponder() { return m_firstResponder; }
     void comeToFront();
 
     [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
@@ -32,5 +34,6 @@ private:
     void performZoom() { setWindowState(windowState() ^ Qt::WindowMaximized); }
     void toggleFullScreen() { setWindowState(windowState() ^ Qt::WindowFullScreen); }
 
+    FirstResponder m_firstResponder;
     DiffViewController *m_content;
 };

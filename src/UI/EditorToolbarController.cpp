@@ -140,11 +140,11 @@ void EditorToolbarController::apply()
     }
     m_strip->setExtensionFiller([this](QMenu &menu, ToolbarActionItem &item) { addToExtension(menu, item); });
     connect(m_strip, &ToolbarStrip::left, this, [this] {
-        if (QWidget *behind = focusBehindBars(&m_window)) {
+        if (QWidget *behind = m_services.responder.focusBehindBars()) {
             behind->setFocus(Qt::OtherFocusReason);
         }
     });
-    keepFirstResponderBehind(*m_strip);
+    FirstResponder::setBar(*m_strip);
     updateTitle();
     installStrip();
     validate();
@@ -155,7 +155,7 @@ void EditorToolbarController::removeStrip()
     if (!m_strip) {
         return;
     }
-    if (QWidget *behind = focusBehindBars(&m_window); behind && m_strip->isAncestorOf(m_window.focusWidget())) {
+    if (QWidget *behind = m_services.responder.focusBehindBars(); behind && m_strip->isAncestorOf(m_window.focusWidget())) {
         behind->setFocus(Qt::OtherFocusReason);
     }
     if (m_window.menuBar()->cornerWidget() == m_strip) {
@@ -238,7 +238,7 @@ void EditorToolbarController::updateTitle()
 void EditorToolbarController::perform(const ToolbarAction &spec)
 {
     const QPointer alive(this);
-    chooseAction(m_window, spec.action, {}, m_services.presenter);
+    m_services.responder.choose(spec.action);
     if (alive) {
         // A toggle has changed its look by the click alone.
         validate();
@@ -255,8 +255,7 @@ void EditorToolbarController::fill(QMenu &menu) const
 
 ActionState EditorToolbarController::stateOf(const ToolbarAction &spec) const
 {
-    const Responder *responder = firstResponder(&m_window);
-    ActionState state = responder ? responder->state(spec.action) : ActionState{.isEnabled = false};
+    ActionState state = m_services.responder.state(spec.action);
     if (spec.hasMenu && state.isEnabled) {
         QMenu menu;
         fill(menu);

@@ -14,18 +14,19 @@
 #include <array>
 #include <functional>
 
-class AlertPresenter;
+class FirstResponder;
 class Preferences;
 class QMainWindow;
 class QMenu;
 class ToolbarActionItem;
+struct ActionState;
 
 /// What a toolbar uses.
 struct ToolbarServices {
     Scheduler &scheduler;
     NotificationCenter &notifications;
     const Preferences &preferences;
-    AlertPresenter &presenter;
+    FirstResponder &responder;
 };
 
 /// The toolbar of one main window, as the preferences want it: beside the menus in the menu bar's row, in a row of its own, or none. It is

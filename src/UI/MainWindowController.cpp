@@ -48,8 +48,9 @@ QWidget *firstStop(QWidget &region)
 } // namespace
 
 MainWindowController::MainWindowController(const WorkspaceServices &services, PaneLayouts &layouts, Content content)
-    : m_services(services), m_workspace(new WorkspaceViewController(services, layouts, this)),
-      m_toolbar(new EditorToolbarController(*this, {services.scheduler, services.notifications, services.preferences, services.presenter}))
+    : m_services(services), m_firstResponder(*this, services.presenter, [this] { return mainFocus(); }),
+      m_workspace(new WorkspaceViewController(services, layouts, this)),
+      m_toolbar(new EditorToolbarController(*this, {services.scheduler, services.notifications, services.preferences, m_firstResponder}))
 {
     WindowAccessible::install();
     setMinimumSize(leastSize);

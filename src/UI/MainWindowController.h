@@ -11,7 +11,7 @@
 class EditorToolbarController;
 
 /// One main window: its title, its toolbar, its closing. Never loses text without asking.
-class MainWindowController final : public QMainWindow, public Responder, public MainFocus {
+class MainWindowController final : public QMainWindow, public Responder {
     Q_OBJECT
 
 public:
@@ -25,9 +25,9 @@ public:
 
     [[nodiscard]] WorkspaceViewController &workspace() { return *m_workspace; }
     [[nodiscard]] EditorToolbarController &toolbar() { return *m_toolbar; }
+    [[nodiscard]] FirstResponder &firstResponder() { return m_firstResponder; }
 
     [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
-    [[nodiscard]] QWidget *mainFocus() const override;
 
     /// Shows it before all others, also when it is minimised.
     void comeToFront();
@@ -57,7 +57,10 @@ private:
     void openFirstMenu();
     [[nodiscard]] std::vector<QWidget *> regions() const;
 
+    [[nodiscard]] QWidget *mainFocus() const;
+
     WorkspaceServices m_services;
+    FirstResponder m_firstResponder;
     WorkspaceViewController *m_workspace;
     EditorToolbarController *m_toolbar;
     /// `asked` while the user is to answer.

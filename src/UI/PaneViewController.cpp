@@ -52,7 +52,7 @@ PaneViewController::PaneViewController(const WorkspaceServices &services, int id
     stack->addWidget(m_container, 1);
     auto *place = new QVBoxLayout(m_container);
     place->setContentsMargins({});
-    keepFirstResponderBehind(*m_tabBar);
+    FirstResponder::setBar(*m_tabBar);
     m_tabBar->setActivePane(PaneActivity::inactive);
     applyTheme();
 

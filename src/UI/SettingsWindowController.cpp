@@ -4,6 +4,7 @@
 
 #include "Base/HomePath.h"
 #include "Base/Translation.h"
+#include "Commands/Actions.h"
 #include "Editor/EditorFont.h"
 #include "Highlighting/Theme.h"
 #include "Settings/Preferences.h"
@@ -164,7 +165,7 @@ void SettingsWindowController::addKeymapRow(SettingsForm &form, const SettingRow
     auto *reference = new QPushButton(localized(u"Show Key Reference…"));
     reference->setObjectName(u"showKeyReference"_s);
     reference->setAutoDefault(false);
-    connect(reference, &QPushButton::clicked, this, [this] { m_services.showKeyReference(); });
+    connect(reference, &QPushButton::clicked, this, [this] { perform(Actions::showVimKeyReference); });
     m_controls->add(form, row, reference);
 }
 

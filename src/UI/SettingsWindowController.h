@@ -3,11 +3,11 @@
 #pragma once
 
 #include "Base/NotificationCenter.h"
+#include "Commands/Responder.h"
 
 #include <QDialog>
 
 #include <array>
-#include <functional>
 #include <memory>
 
 class AlertPresenter;
@@ -27,12 +27,11 @@ struct SettingsServices {
     AlertPresenter &presenter;
     /// Where texts that are not saved are kept; absolute path.
     QString dataFolder;
-    std::function<void()> showKeyReference;
 };
 
 /// The window in which the user changes the preferences. What is chosen counts at once; what is changed elsewhere shows at once. It stays
 /// when it is closed, and is made of new controls when another language is chosen. Main thread only.
-class SettingsWindowController final : public QDialog {
+class SettingsWindowController final : public QDialog, public Responder {
     Q_OBJECT
 
 public:

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "Commands/Action.h"
-#include "Commands/Responder.h"
 
 #include <QLatin1StringView>
 

@@ -4,6 +4,7 @@
 
 #include "Base/Translation.h"
 #include "Commands/ActionKeys.h"
+#include "Commands/Responder.h"
 #include "Widgets/SymbolIcon.h"
 
 #include <QEvent>

@@ -6,6 +6,8 @@
 
 #include <QToolButton>
 
+struct ActionState;
+
 /// The button of one action: a flat one with the action's symbol, and its label beside it if labels are shown. What it does when it is
 /// pressed is its owner's to say.
 class ToolbarActionItem final : public QToolButton {

@@ -49,7 +49,7 @@ WorkspaceViewController::WorkspaceViewController(const WorkspaceServices &servic
     setAcceptDrops(true);
     onDropFiles = [this](const QStringList &paths) { open(paths); };
     connectParts();
-    keepFirstResponderBehind(*m_statusBar);
+    FirstResponder::setBar(*m_statusBar);
     auto *stack = new QVBoxLayout(this);
     stack->setContentsMargins({});
     stack->setSpacing(0);

@@ -9,11 +9,9 @@
 #include <QClipboard>
 #include <QLineEdit>
 #include <QMimeData>
-#include <QPointer>
 
 #include <array>
-
-namespace {
+#include <utility>
 
 /// Stands in for the line edit that has the focus, so that the menu's commands reach it as its keys do.
 class LineEditResponder final : public Responder {
@@ -67,10 +65,10 @@ private:
     QPointer<QLineEdit> m_edit;
 };
 
+namespace {
+
 /// Marks the widgets that act on what lies behind them.
 constexpr const char *barProperty = "actsOnFocusBehind";
-/// What had the focus when a bar took it.
-QPointer<QWidget> behindBar;
 
 bool isInBar(const QWidget *widget)
 {
@@ -84,45 +82,49 @@ bool isInBar(const QWidget *widget)
 
 } // namespace
 
-void keepFirstResponderBehind(QWidget &bar)
+FirstResponder::FirstResponder(QWidget &window, AlertPresenter &presenter, MainFocus mainFocus)
+    : m_window(window), m_presenter(presenter), m_mainFocus(std::move(mainFocus)), m_lineEdit(std::make_unique<LineEditResponder>())
 {
-    bar.setProperty(barProperty, true);
-    static const auto connection = QObject::connect(qApp, &QApplication::focusChanged, [](QWidget *before, QWidget *now) {
-        if (before && isInBar(now) && !isInBar(before)) {
-            behindBar = before;
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *before, QWidget *now) {
+        if (before && before->window() == &m_window && isInBar(now) && !isInBar(before)) {
+            m_behind = before;
         }
     });
 }
 
-QWidget *focusBehindBars(const QWidget *window)
+FirstResponder::~FirstResponder() = default;
+
+void FirstResponder::setBar(QWidget &bar)
 {
-    QWidget *focus = window->focusWidget();
+    bar.setProperty(barProperty, true);
+}
+
+QWidget *FirstResponder::focusBehindBars() const
+{
+    QWidget *focus = m_window.focusWidget();
     if (!isInBar(focus)) {
         return focus;
     }
-    if (behindBar && behindBar->window() == window && behindBar->isVisible()) {
-        return behindBar.data();
+    if (m_behind && m_behind->window() == &m_window && m_behind->isVisible()) {
+        return m_behind;
     }
-    const auto *main = dynamic_cast<const MainFocus *>(window);
-    return main ? main->mainFocus() : nullptr;
+    return m_mainFocus ? m_mainFocus() : nullptr;
 }
 
-Responder *firstResponder(QWidget *window)
+void FirstResponder::choose(const Action &action, const QVariant &represented)
 {
-    QWidget *focus = focusBehindBars(window);
+    if (!state(action, represented).isEnabled || !perform(action, represented)) {
+        m_presenter.beep();
+    }
+}
+
+Responder *FirstResponder::nextResponder() const
+{
+    QWidget *focus = focusBehindBars();
     auto *edit = qobject_cast<QLineEdit *>(focus);
     if (edit && !dynamic_cast<Responder *>(focus)) {
-        static LineEditResponder responder;
-        responder.setEdit(edit);
-        return &responder;
+        m_lineEdit->setEdit(edit);
+        return m_lineEdit.get();
     }
-    return nearestResponder(focus ? focus : window);
-}
-
-void chooseAction(QWidget &window, const Action &action, const QVariant &represented, AlertPresenter &presenter)
-{
-    Responder *responder = firstResponder(&window);
-    if (!responder || !responder->state(action, represented).isEnabled || !responder->perform(action, represented)) {
-        presenter.beep();
-    }
+    return nearestResponder(focus ? focus : &m_window);
 }

@@ -4,30 +4,44 @@
 
 #include "Commands/Responder.h"
 
+#include <QObject>
+#include <QPointer>
+
+#include <functional>
+#include <memory>
+
 class AlertPresenter;
+class LineEditResponder;
 class QWidget;
 
-/// Where the actions of `window` begin: the nearest responder of its focus widget, else of the window itself, else null. A focused line
-/// edit counts as one that undoes, redoes, cuts, copies, pastes, deletes and selects all. Valid until the focus moves.
-[[nodiscard]] Responder *firstResponder(QWidget *window);
-
-/// A window that is about one thing, say a text: what its bars act on when nothing else had the focus before them.
-class MainFocus {
+/// Where the actions of one window begin: it hands them to the nearest responder of the focus widget, else of the window itself. A focused
+/// line edit counts as one that undoes, redoes, cuts, copies, pastes, deletes and selects all.
+///
+/// While a bar, or a widget in it, has the focus, as it does when it is used with keys, what had the focus before counts as focused: the
+/// commands of a menu bar or a toolbar act on the text behind.
+class FirstResponder final : public QObject, public Responder {
 public:
-    MainFocus() = default;
-    virtual ~MainFocus() = default;
-    Q_DISABLE_COPY_MOVE(MainFocus)
+    /// What counts as focused when a bar is and nothing was before; null for nothing.
+    using MainFocus = std::function<QWidget *()>;
 
-    /// Null for nothing just now.
-    [[nodiscard]] virtual QWidget *mainFocus() const = 0;
+    /// Both must outlive it.
+    FirstResponder(QWidget &window, AlertPresenter &presenter, MainFocus mainFocus = {});
+    ~FirstResponder() override;
+
+    /// From now on `bar` is one.
+    static void setBar(QWidget &bar);
+    /// Null for nothing.
+    [[nodiscard]] QWidget *focusBehindBars() const;
+    /// Carries out what a menu, a toolbar or a key of the window offers; beeps when nobody takes it or the taker calls it disabled.
+    void choose(const Action &action, const QVariant &represented = {});
+
+    [[nodiscard]] Responder *nextResponder() const override;
+
+private:
+    QWidget &m_window;
+    AlertPresenter &m_presenter;
+    MainFocus m_mainFocus;
+    /// What had the focus when a bar took it.
+    QPointer<QWidget> m_behind;
+    std::unique_ptr<LineEditResponder> m_lineEdit;
 };
-
-/// From now on what had the focus before counts as focused while `bar`, a menu bar, say, or a toolbar, or a widget in it has the focus, as
-/// it does when it is used with keys: its commands act on the text behind.
-void keepFirstResponderBehind(QWidget &bar);
-/// What counts as focused in `window`, by the rule above, or its main focus when that is no longer to be seen; null for nothing.
-[[nodiscard]] QWidget *focusBehindBars(const QWidget *window);
-
-/// Carries out the command that a menu or a toolbar of `window` offers, on its first responder; beeps when that does not take it or calls
-/// it disabled.
-void chooseAction(QWidget &window, const Action &action, const QVariant &represented, AlertPresenter &presenter);

@@ -169,7 +169,7 @@ TEST_F(CommandsTest, LanguagesThemesAndViewOptionsAreChecked)
 {
     workspace().open({write(u"a.txt"_s, "x")});
     const auto isOn = [this](const Action &action, const QVariant &represented = {}) {
-        return firstResponder(&window())->state(action, represented).checkMark == CheckMark::on;
+        return window().firstResponder().state(action, represented).checkMark == CheckMark::on;
     };
     EXPECT_TRUE(isOn(Actions::selectLanguage, u"text"_s));
     send(Actions::selectLanguage, u"python"_s);

@@ -41,7 +41,7 @@ struct Life : Surroundings {
     {
         QTest::keyClicks(&workspace.currentEditor()->textView(), text);
     }
-    void send(const Action &action) const { firstResponder(application.windows().front())->perform(action); }
+    void send(const Action &action) const { application.windows().front()->firstResponder().perform(action); }
     /// As long as it takes for everything typed to be kept; then the program may be killed.
     void tick()
     {

@@ -7,6 +7,7 @@
 #include "UI/ToolbarActionItem.h"
 #include "UI/ToolbarCatalogue.h"
 #include "UI/ToolbarStrip.h"
+#include "View/FirstResponder.h"
 #include "Widgets/SymbolIcon.h"
 
 #include <QLabel>
@@ -127,7 +128,8 @@ protected:
 
     QMainWindow window;
     Text *text = new Text(preferences);
-    EditorToolbarController *controller = new EditorToolbarController(window, {scheduler, notifications, preferences, presenter});
+    FirstResponder responder{window, presenter};
+    EditorToolbarController *controller = new EditorToolbarController(window, {scheduler, notifications, preferences, responder});
 };
 
 } // namespace

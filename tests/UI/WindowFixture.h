@@ -40,9 +40,9 @@ protected:
     void type(const QString &keys) const { QTest::keyClicks(&textView(), keys); }
     bool send(const Action &action, const QVariant &represented = {}) const
     {
-        return firstResponder(&window())->perform(action, represented);
+        return window().firstResponder().perform(action, represented);
     }
-    [[nodiscard]] bool isEnabled(const Action &action) const { return firstResponder(&window())->state(action).isEnabled; }
+    [[nodiscard]] bool isEnabled(const Action &action) const { return window().firstResponder().state(action).isEnabled; }
 
     [[nodiscard]] QString path(const QString &name) const { return folder.filePath(name); }
     QString write(const QString &name, const QByteArray &content) const

@@ -3,6 +3,7 @@
 #include "View/FirstResponder.h"
 
 #include "Commands/Actions.h"
+#include "Widgets/AlertPresenter.h"
 
 #include <QLineEdit>
 
@@ -41,35 +42,38 @@ TEST(FirstResponder, BeginsAtTheFocusWidget)
     inner.setFocusPolicy(Qt::StrongFocus);
     window.show();
     inner.setFocus();
-    ASSERT_EQ(firstResponder(&window), &window);
+    ScriptedAlertPresenter presenter;
+    FirstResponder responder(window, presenter);
+    ASSERT_EQ(responder.nextResponder(), &window);
 
     edit.setFocus();
-    Responder *responder = firstResponder(&window);
-    ASSERT_NE(responder, &window);
-    EXPECT_FALSE(responder->state(Actions::copy).isEnabled) << "nothing is selected";
-    EXPECT_FALSE(responder->state(Actions::undo).isEnabled);
+    ASSERT_NE(responder.nextResponder(), &window);
+    EXPECT_FALSE(responder.state(Actions::copy).isEnabled) << "nothing is selected";
+    EXPECT_FALSE(responder.state(Actions::undo).isEnabled);
     edit.insert(u"needle"_s);
-    EXPECT_TRUE(responder->state(Actions::undo).isEnabled);
-    EXPECT_TRUE(responder->perform(Actions::selectAll));
-    EXPECT_TRUE(responder->state(Actions::copy).isEnabled);
-    EXPECT_TRUE(responder->perform(Actions::cut));
+    EXPECT_TRUE(responder.state(Actions::undo).isEnabled);
+    EXPECT_TRUE(responder.perform(Actions::selectAll));
+    EXPECT_TRUE(responder.state(Actions::copy).isEnabled);
+    EXPECT_TRUE(responder.perform(Actions::cut));
     EXPECT_EQ(edit.text(), QString());
-    EXPECT_TRUE(responder->state(Actions::paste).isEnabled);
-    responder->perform(Actions::paste);
+    EXPECT_TRUE(responder.state(Actions::paste).isEnabled);
+    responder.perform(Actions::paste);
     EXPECT_EQ(edit.text(), u"needle"_s);
-    responder->perform(Actions::deleteSelection);
+    responder.perform(Actions::deleteSelection);
     EXPECT_EQ(edit.text(), u"needle"_s) << "there was no selection to delete";
-    responder->perform(Actions::undo);
+    responder.perform(Actions::undo);
     EXPECT_EQ(edit.text(), QString());
 
     edit.setText(u"secret"_s);
     edit.setEchoMode(QLineEdit::Password);
     edit.selectAll();
-    EXPECT_FALSE(responder->state(Actions::copy).isEnabled);
+    EXPECT_FALSE(responder.state(Actions::copy).isEnabled);
     edit.setReadOnly(true);
-    EXPECT_FALSE(responder->state(Actions::paste).isEnabled);
+    EXPECT_FALSE(responder.state(Actions::paste).isEnabled);
 
     EXPECT_EQ(window.calls, 0);
-    responder->perform(Actions::saveDocument);
+    responder.choose(Actions::cut);
+    EXPECT_EQ(presenter.beepCount(), 1);
+    responder.choose(Actions::saveDocument);
     EXPECT_EQ(window.calls, 1);
 }

@@ -284,13 +284,12 @@ void Monkey::sendCommand()
 {
     const Action &action = *oneOf(m_actions);
     MainWindowController *window = m_stage->application->frontmostWindow();
-    Responder *responder = window ? firstResponder(window) : nullptr;
     // Quitting comes up by its key.
-    if (!responder || action.isNamedLike(Actions::terminate) || !responder->state(action).isEnabled) {
+    if (!window || action.isNamedLike(Actions::terminate) || !window->firstResponder().state(action).isEnabled) {
         return;
     }
     note(u"command "_s + action.name());
-    responder->perform(action);
+    window->firstResponder().perform(action);
 }
 
 void Monkey::composeText()

@@ -42,10 +42,9 @@ class Stage {
 public:
     Stage()
     {
-        Responder::setObserver([this](const Action &action) { actions << action.name(); });
+        QObject::connect(&application, &AppDelegate::actionChosen, &application,
+                         [this](const Action &action) { actions << action.name(); });
     }
-    ~Stage() { Responder::setObserver({}); }
-    Q_DISABLE_COPY_MOVE(Stage)
 
     EventLoopScheduler scheduler;
     NotificationCenter notifications;
@@ -114,8 +113,8 @@ void send(const QByteArray &name, Stage &stage)
     // Of several with that name it means none.
     Action action = known ? *known : Action{id};
     action.tag = 0;
-    Responder *responder = firstResponder(stage.application.frontmostWindow());
-    if (!responder || !responder->perform(action)) {
+    MainWindowController *window = stage.application.frontmostWindow();
+    if (!window || !window->firstResponder().perform(action)) {
         stage.presenter.beep();
     }
 }
@@ -135,12 +134,11 @@ void play(const std::vector<KeyWord> &words, Stage &stage)
     }
 }
 
-QJsonObject commandStates(const Stage &stage, bool (*answer)(const ActionState &))
+QJsonObject commandStates(MainWindowController &window, bool (*answer)(const ActionState &))
 {
     QJsonObject states;
-    const Responder *responder = firstResponder(stage.application.frontmostWindow());
     for (const Action *action : Actions::inMenus()) {
-        states[action->name()] = responder && answer(responder->state(*action));
+        states[action->name()] = answer(window.firstResponder().state(*action));
     }
     return states;
 }
@@ -191,8 +189,8 @@ QJsonObject stateOf(MainWindowController &window, const Stage &stage)
             {u"tabs"_s, tabs},
             {u"panes"_s, int(workspace.panes().size())},
             {u"alerts"_s, alerts},
-            {u"enabled"_s, commandStates(stage, [](const ActionState &state) { return state.isEnabled; })},
-            {u"checked"_s, commandStates(stage, [](const ActionState &state) { return state.checkMark == CheckMark::on; })}};
+            {u"enabled"_s, commandStates(window, [](const ActionState &state) { return state.isEnabled; })},
+            {u"checked"_s, commandStates(window, [](const ActionState &state) { return state.checkMark == CheckMark::on; })}};
 }
 
 /// Shows FILE and the others in tabs, FILE's in front, as the options want it.

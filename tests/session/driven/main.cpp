@@ -166,9 +166,8 @@ void Driver::press(const QString &chord)
 void Driver::perform(const QString &selector)
 {
     const QByteArray name = selector.toLatin1();
-    Responder *responder = firstResponder(&window());
     const Action *action = Actions::named({name.constData(), size_t(name.size())});
-    if (!responder || !action || !responder->perform(*action)) {
+    if (!action || !window().firstResponder().perform(*action)) {
         m_answer.insert("error"_L1, u"nobody takes "_s + selector);
     }
 }
