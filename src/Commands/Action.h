@@ -21,6 +21,8 @@ struct Action {
     int tag = 0;
     /// Is shown as on or off.
     bool isCheckable = false;
+    /// A sentence for tool tips, English as well, where the title does not say it all; null for none.
+    const char16_t *help = nullptr;
 
     [[nodiscard]] constexpr bool isNamedLike(const Action &other) const { return id == other.id; }
     [[nodiscard]] QString name() const { return QString::fromLatin1(id.data(), qsizetype(id.size())); }

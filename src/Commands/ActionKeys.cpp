@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Commands/ActionKeys.h"
 
+#include "Base/Translation.h"
+
 using namespace Qt::StringLiterals;
 
 QList<QKeySequence> keySequences(const Action &action)
@@ -10,14 +12,13 @@ QList<QKeySequence> keySequences(const Action &action)
     return *action.keys ? QKeySequence::listFromString(QString::fromUtf8(action.keys)) : QList<QKeySequence>();
 }
 
-QString keyText(const Action &action)
+QString titleWithKey(const QString &title, const QKeySequence &key)
 {
-    const QList<QKeySequence> keys = keySequences(action);
-    return keys.isEmpty() ? QString() : keys.first().toString(QKeySequence::NativeText);
+    return key.isEmpty() ? title : u"%1 (%2)"_s.arg(title, key.toString(QKeySequence::NativeText));
 }
 
-QString titleWithKey(const QString &title, const Action &action)
+QString toolTipOf(const Action &action, const QString &title)
 {
-    const QString key = keyText(action);
-    return key.isEmpty() ? title : u"%1 (%2)"_s.arg(title, key);
+    const QString tip = titleWithKey(title, keySequences(action).value(0));
+    return action.help ? tip + u'\n' + localized(action.help) : tip;
 }

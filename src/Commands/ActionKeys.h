@@ -8,7 +8,7 @@
 #include <QList>
 
 [[nodiscard]] QList<QKeySequence> keySequences(const Action &action);
-/// The first key of a command as the user reads it; empty when it has none.
-[[nodiscard]] QString keyText(const Action &action);
-/// "Save (Ctrl+S)": what a tool tip says. `title` is in the language of the interface.
-[[nodiscard]] QString titleWithKey(const QString &title, const Action &action);
+/// "Save (Ctrl+S)", or the title alone when there is no key. Titles are in the language of the interface already.
+[[nodiscard]] QString titleWithKey(const QString &title, const QKeySequence &key);
+/// The title, with the first key of the command if it has one, and what else there is to say about it.
+[[nodiscard]] QString toolTipOf(const Action &action, const QString &title);

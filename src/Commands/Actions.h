@@ -32,15 +32,24 @@ inline constexpr Action closeTab{"closeTab:", u"Close Tab", "Ctrl+W; Ctrl+F4"};
 inline constexpr Action performClose{"performClose:", u"Close Window", "Ctrl+Shift+W"};
 inline constexpr Action saveDocument{"saveDocument:", u"Save", "Ctrl+S", "square.and.arrow.down"};
 inline constexpr Action saveDocumentAs{"saveDocumentAs:", u"Save As…", "Ctrl+Shift+S", "square.and.arrow.down.on.square"};
-inline constexpr Action revertDocumentToSaved{"revertDocumentToSaved:", u"Revert to Saved", "", "arrow.uturn.backward"};
+inline constexpr Action revertDocumentToSaved{.id = "revertDocumentToSaved:",
+                                              .title = u"Revert to Saved",
+                                              .keys = "",
+                                              .symbol = "arrow.uturn.backward",
+                                              .help = u"Gives up what was not saved"};
 inline constexpr Action compareWithFileOnDisk{"compareWithFileOnDisk:", u"With File on Disk", "Ctrl+Alt+D"};
 inline constexpr Action compareWithFile{"compareWithFile:", u"With File…", "", "arrow.left.arrow.right"};
 inline constexpr Action compareWithOpenDocument{"compareWithOpenDocument:", u"Other Open Files"};
-inline constexpr Action makeBackup{"makeBackup:", u"Backup", "Ctrl+Alt+B", "doc.on.doc"};
+inline constexpr Action makeBackup{
+    .id = "makeBackup:", .title = u"Backup", .keys = "Ctrl+Alt+B", .symbol = "doc.on.doc", .help = u"Writes a copy beside the file"};
 inline constexpr Action moveDocumentToTrash{"moveDocumentToTrash:", u"Move to Trash…", "", "trash"};
 inline constexpr Action revealInFinder{"revealInFinder:", u"Reveal in Finder", "Ctrl+Alt+R", "arrow.up.forward.square"};
 inline constexpr Action copyFilePath{"copyFilePath:", u"Copy Path", "Ctrl+Alt+Shift+C", "doc.on.clipboard"};
-inline constexpr Action openInTerminal{"openInTerminal:", u"Open in Terminal", "Ctrl+Alt+T", "terminal"};
+inline constexpr Action openInTerminal{.id = "openInTerminal:",
+                                       .title = u"Open in Terminal",
+                                       .keys = "Ctrl+Alt+T",
+                                       .symbol = "terminal",
+                                       .help = u"Opens a terminal in the folder of the file"};
 
 // Edit
 
@@ -57,7 +66,11 @@ inline constexpr Action findNext{"performTextFinderAction:", u"Find Next", "Ctrl
 inline constexpr Action findPrevious{"performTextFinderAction:", u"Find Previous", "Ctrl+Shift+G; Shift+F3", "", 3};
 inline constexpr Action useSelectionForFind{"performTextFinderAction:", u"Use Selection for Find", "Ctrl+E", "", 7};
 inline constexpr Action centerSelection{"centerSelectionInVisibleArea:", u"Jump to Selection", "Ctrl+J"};
-inline constexpr Action toggleComment{"toggleComment:", u"Toggle Comment", "Ctrl+/; Ctrl+#", "text.bubble"};
+inline constexpr Action toggleComment{.id = "toggleComment:",
+                                      .title = u"Toggle Comment",
+                                      .keys = "Ctrl+/; Ctrl+#",
+                                      .symbol = "text.bubble",
+                                      .help = u"Makes the selected lines comments, or text again"};
 inline constexpr Action insertTab{"insertTab:", u"Shift Right", "Ctrl+]; Ctrl+Ä"};
 inline constexpr Action insertBacktab{"insertBacktab:", u"Shift Left", "Ctrl+[; Ctrl+Ö"};
 inline constexpr Action duplicateLine{"duplicateLine:", u"Duplicate Line", "Ctrl+Shift+D"};

@@ -3,6 +3,7 @@
 #include "Find/FindBar.h"
 
 #include "Base/Translation.h"
+#include "Commands/ActionKeys.h"
 #include "Commands/Actions.h"
 #include "Desktop/PaletteBlend.h"
 #include "Find/FindField.h"
@@ -52,10 +53,10 @@ QToolButton *symbolButton(const QString &symbol, QWidget *parent)
 }
 
 /// Title for screen readers, and with the key that does the same as the tool tip.
-void name(QToolButton *button, const QString &title, const QString &key)
+void name(QToolButton *button, const QString &title, const QKeySequence &key)
 {
     button->setAccessibleName(title);
-    button->setToolTip(u"%1 (%2)"_s.arg(title, key));
+    button->setToolTip(titleWithKey(title, key));
 }
 
 /// As far as known: while hits are being counted, seeking may have ended without one.
@@ -186,12 +187,12 @@ void FindBar::retranslate()
     m_pattern->setAccessibleName(localized(u"Find"));
     m_replacement->setPlaceholderText(localized(u"Replace with"));
     m_replacement->setAccessibleName(localized(u"Replace with"));
-    name(m_previous, localized(u"Find Previous"), QKeySequence(u"Shift+Enter"_s).toString(QKeySequence::NativeText));
-    name(m_next, localized(u"Find Next"), QKeySequence(u"Enter"_s).toString(QKeySequence::NativeText));
-    name(m_matchCase, localized(u"Match Case"), QKeySequence(u"Alt+C"_s).toString(QKeySequence::NativeText));
-    name(m_wholeWords, localized(u"Whole Words"), QKeySequence(u"Alt+W"_s).toString(QKeySequence::NativeText));
-    name(m_expression, localized(u"Regular Expression"), QKeySequence(u"Alt+R"_s).toString(QKeySequence::NativeText));
-    name(m_done, localized(u"Done"), QKeySequence(u"Esc"_s).toString(QKeySequence::NativeText));
+    name(m_previous, localized(u"Find Previous"), QKeySequence(u"Shift+Enter"_s));
+    name(m_next, localized(u"Find Next"), QKeySequence(u"Enter"_s));
+    name(m_matchCase, localized(u"Match Case"), QKeySequence(u"Alt+C"_s));
+    name(m_wholeWords, localized(u"Whole Words"), QKeySequence(u"Alt+W"_s));
+    name(m_expression, localized(u"Regular Expression"), QKeySequence(u"Alt+R"_s));
+    name(m_done, localized(u"Done"), QKeySequence(u"Esc"_s));
     m_replace->setText(localized(u"Replace"));
     m_replaceAll->setText(localized(u"Replace All"));
     showStatus();

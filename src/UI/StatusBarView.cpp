@@ -4,6 +4,8 @@
 
 #include "Base/Localization.h"
 #include "Base/Translation.h"
+#include "Commands/ActionKeys.h"
+#include "Commands/Actions.h"
 #include "Files/TextFile.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/Theme.h"
@@ -117,7 +119,7 @@ void StatusBarView::makeControls()
 
 void StatusBarView::retranslate()
 {
-    m_positionButton->setToolTip(localized(u"Go to Line (⌘L)"));
+    m_positionButton->setToolTip(toolTipOf(Actions::goToLine, localized(u"Go to Line")));
     m_indentPopUp->setTitle(localized(u"Indentation"));
     m_lineEndingPopUp->setTitle(localized(u"Line Endings"));
     m_encodingPopUp->setTitle(localized(u"Text Encoding"));

@@ -3,6 +3,8 @@
 #include "UI/TabBarView.h"
 
 #include "Base/Translation.h"
+#include "Commands/ActionKeys.h"
+#include "Commands/Actions.h"
 #include "Highlighting/Theme.h"
 #include "Widgets/AccessibleRole.h"
 #include "Widgets/FlatButton.h"
@@ -96,8 +98,8 @@ void TabBarView::retranslate()
     m_scrollLeftButton->setToolTip(localized(u"Scroll Left"));
     m_scrollRightButton->setToolTip(localized(u"Scroll Right"));
     m_allTabsButton->setToolTip(localized(u"All Tabs"));
-    m_newTabButton->setToolTip(localized(u"New Tab (⌘N)"));
-    m_newTabButton->setAccessibleName(localized(u"New Tab"));
+    m_newTabButton->setAccessibleName(localized(Actions::newDocument.title));
+    m_newTabButton->setToolTip(toolTipOf(Actions::newDocument, m_newTabButton->accessibleName()));
     for (FlatButton *button : {m_scrollLeftButton, m_scrollRightButton, m_allTabsButton}) {
         button->setAccessibleName(button->toolTip());
     }

@@ -3,6 +3,8 @@
 #include "UI/TabItemView.h"
 
 #include "Base/Translation.h"
+#include "Commands/ActionKeys.h"
+#include "Commands/Actions.h"
 #include "Highlighting/Theme.h"
 #include "UI/TabAccessible.h"
 #include "Widgets/FlatButton.h"
@@ -138,8 +140,8 @@ void TabItemView::setLook(const Theme &theme, PaneActivity activity)
 
 void TabItemView::retranslate()
 {
-    m_closeButton->setToolTip(localized(u"Close Tab (⌘W)"));
-    m_closeButton->setAccessibleName(localized(u"Close Tab"));
+    m_closeButton->setAccessibleName(localized(Actions::closeTab.title));
+    m_closeButton->setToolTip(toolTipOf(Actions::closeTab, m_closeButton->accessibleName()));
     updateAccessibleTexts();
 }
 

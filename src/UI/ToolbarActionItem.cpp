@@ -32,7 +32,7 @@ ToolbarActionItem::ToolbarActionItem(const ToolbarAction &spec, Labels labels, Q
     setIcon(symbolIcon(spec.symbol()));
     setToolButtonStyle(labels == Labels::shown ? Qt::ToolButtonTextBesideIcon : Qt::ToolButtonIconOnly);
     setText(QString(m_label).replace('&'_L1, "&&"_L1));
-    setToolTip(titleWithKey(m_label, spec.action));
+    setToolTip(toolTipOf(spec.action, m_label));
     setAccessibleName(m_label);
     setCheckable(spec.action.isCheckable);
     if (spec.hasMenu) {
