@@ -4,6 +4,7 @@
 
 #include "App/MainMenu.h"
 #include "App/RunningInstance.h"
+#include "App/ShortcutOverview.h"
 #include "App/StandardInput.h"
 #include "Base/AtomicFile.h"
 #include "Base/HomePath.h"
@@ -28,21 +29,6 @@
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-/// Lines of items, " · " between them, break between items only.
-QString withUnbrokenItems(const QString &text)
-{
-    constexpr QChar noBreakSpace(0x00A0);
-    QStringList items = text.split(u" · "_s);
-    for (QString &item : items) {
-        item.replace(u' ', noBreakSpace).replace(u'-', u"-\u2060"_s).replace(u'+', u"+\u2060"_s);
-    }
-    return items.join(noBreakSpace + u"· "_s);
-}
-
-} // namespace
 
 AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(services)
 {
@@ -570,20 +556,9 @@ void AppDelegate::showInWindow(const Action &reference)
 
 void AppDelegate::showShortcuts()
 {
-    inform(localized(u"Keyboard Shortcuts"),
-           withUnbrokenItems(localized(u"Files\n"
-                                       "  ⌘N new tab · ⇧⌘N new window · ⌘O open · ⌘S save · ⇧⌘S save as · ⌘W close tab\n"
-                                       "  ⌥⌘B backup (copy beside the file) · ⌥⌘R reveal in Finder · ⌥⌘T open in terminal\n\n"
-                                       "Navigation\n"
-                                       "  ⌃⇥ / ⌃⇧⇥ next / previous tab · ⌘1…⌘8 tab by number · ⌘9 last tab · ⌘L go to line\n\n"
-                                       "Splits\n"
-                                       "  ⌘\\ split right · ⇧⌘\\ split down · ⌥⌘\\ close split · ⌥⌘] focus next pane\n\n"
-                                       "Editing\n"
-                                       "  ⌘/ toggle comment · ⌘] / ⌘[ shift right / left · ⇧⌘D duplicate line · ⌃⇧K delete line\n\n"
-                                       "View\n"
-                                       "  ⌥⌘L line numbers · ⌥⌘W wrap · ⌥⌘I invisibles · ⌘+ / ⌘- / ⌘0 font size\n\n"
-                                       "Find\n"
-                                       "  ⌘F find · ⌥⌘F find and replace · ⌘G / ⇧⌘G next / previous · ⌘E use selection")));
+    m_services.presenter.present(
+        Alert{.style = AlertStyle::informational, .messageText = localized(Actions::showShortcuts.title), .groups = shortcutOverview()},
+        frontmostWindow(), {});
 }
 
 void AppDelegate::revealSupportFolder()

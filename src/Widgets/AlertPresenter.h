@@ -38,6 +38,18 @@ struct Alert {
     /// In the order in which they answer 1000, 1001, 1002 …; the first is the default button. None stands for a single "OK".
     QList<AlertButton> buttons = {};
 
+    /// What the alert lists, such as the keys of commands; such a one has no other text than its message, and one button.
+    struct Group {
+        struct Line {
+            QString text = {};
+            /// At the right.
+            QString detail = {};
+        };
+        QString title = {};
+        std::vector<Line> lines = {};
+    };
+    std::vector<Group> groups = {};
+
     /// A line for the user to fill in; it has the focus first.
     struct TextField {
         QString placeholder = {};

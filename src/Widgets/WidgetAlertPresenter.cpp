@@ -5,6 +5,7 @@
 #include "Base/Translation.h"
 #include "Widgets/FilePanel.h"
 #include "Widgets/FontDialog.h"
+#include "Widgets/GroupsDialog.h"
 #include "Widgets/SymbolIcon.h"
 
 #include <QApplication>
@@ -211,6 +212,16 @@ void startIn(QFileDialog &panel, const QString &folder)
 
 void WidgetAlertPresenter::present(const Alert &alert, QWidget *window, AlertCompletion completion)
 {
+    if (!alert.groups.empty()) {
+        auto *dialog = new GroupsDialog(alert, window);
+        QObject::connect(dialog, &QDialog::finished, &m_context, [completion = std::move(completion)] {
+            if (completion) {
+                completion({});
+            }
+        });
+        enqueue(dialog, window);
+        return;
+    }
     auto *box = new QMessageBox(window);
     box->setText(asPlainText(alert.messageText));
     // What asks for a line to fill in tells nothing.

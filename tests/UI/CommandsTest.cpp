@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "App/MainMenu.h"
+#include "App/ShortcutOverview.h"
 #include "Base/Localization.h"
 #include "Commands/ActionKeys.h"
 #include "Commands/Actions.h"
@@ -430,6 +431,22 @@ TEST(Actions, HaveTheirOwnNamesAndKeys)
             taken.insert(key);
         }
     }
+}
+
+TEST(Actions, TheOverviewHasEveryKeyOnce)
+{
+    QStringList lines;
+    for (const Alert::Group &group : shortcutOverview()) {
+        for (const Alert::Group::Line &line : group.lines) {
+            lines << group.title + u": "_s + line.text + u" "_s + line.detail;
+        }
+    }
+    const auto all = Actions::inMenus();
+    const auto keyed = std::ranges::count_if(all, [](const Action *action) { return *action->keys != '\0'; });
+    EXPECT_EQ(lines.size(), keyed - 7) << "eight tabs are one line";
+    EXPECT_EQ(lines.removeDuplicates(), 0);
+    EXPECT_TRUE(lines.contains(u"Navigate: Tab 1…8 Ctrl+1…Ctrl+8"_s)) << lines.join(u'\n').toStdString();
+    EXPECT_TRUE(lines.contains(u"Editor: Split Right Ctrl+\\ or Ctrl+<"_s));
 }
 
 TEST(MainMenu, NoKeyIsMeantTwiceOnAnyKeyboard)

@@ -110,7 +110,7 @@ def tour_of_settings(desktop, tour):
 def tour_of_questions(desktop, tour):
     tour.opens(desktop.version(), "F10", "Down", "Return", focus="OK", role="alert")
     tour.leaves()
-    tour.opens("Keyboard Shortcuts", "F10", "Left", "Down", "Return", focus="OK", role="alert")
+    tour.opens("Keyboard Shortcuts", "F10", "Left", "Down", "Return", focus="OK")
     tour.leaves()
     tour.opens("Go to Line", "ctrl+l", focus="Line number", role="alert")
     tour.goes_to("Go", "Cancel", "Line number")
