@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "World.h"
 #include "monkey/Monkey.h"
 
 #include <QApplication>
@@ -42,7 +43,7 @@ extern "C" __attribute__((visibility("default"))) const char *__ubsan_default_op
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const World world;
     qInstallMessageHandler(tellFatal);
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
