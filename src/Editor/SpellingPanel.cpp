@@ -7,6 +7,7 @@
 #include "View/TextView.h"
 #include "Widgets/AccessibleRole.h"
 
+#include <QAccessible>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -253,6 +254,11 @@ void SpellingPanel::showCorrection(Typed typed)
         m_guesses->clear();
         m_guesses->addItems(guesses);
         m_guesses->setCurrentRow(guesses.isEmpty() ? -1 : 0);
+    }
+    if (QWidget *focused = m_window->focusWidget(); focused && focused != m_guesses && m_window->isActiveWindow()) {
+        // The list tells screen readers of its current row as if it had the focus.
+        QAccessibleEvent event(focused, QAccessible::Focus);
+        QAccessible::updateAccessibility(&event);
     }
     if (typed == Typed::replace) {
         m_replacement->setText(!guesses.isEmpty() ? guesses.first() : m_correction ? m_correction->word : QString());
