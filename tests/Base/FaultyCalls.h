@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <functional>
 #include <string>
+#include <type_traits>
 
 /// The real calls, until the chosen step: there one call fails, or the program is dead and nothing it does has an effect any more.
 class FaultyCalls final : public FileCalls {
@@ -22,94 +23,50 @@ public:
     /// The most bytes that one call reads or writes; 0 for as many as asked for.
     size_t portion = 0;
 
-    int open(const char *path, int flags, mode_t mode) override
-    {
-        return step("open", [&] { return FileCalls::open(path, flags, mode); });
-    }
-    ssize_t read(int file, void *bytes, size_t count) override
-    {
-        return step("read", [&] { return FileCalls::read(file, bytes, cut(count)); });
-    }
-    ssize_t write(int file, const void *bytes, size_t count) override
-    {
-        return step("write", [&] { return FileCalls::write(file, bytes, cut(count)); });
-    }
-    off_t lseek(int file, off_t offset, int whence) override
-    {
-        return step("lseek", [&] { return FileCalls::lseek(file, offset, whence); });
-    }
-    int fsync(int file) override
-    {
-        return step("fsync", [&] { return FileCalls::fsync(file); });
-    }
-    int rename(const char *from, const char *to) override
-    {
-        return step("rename", [&] { return FileCalls::rename(from, to); });
-    }
-    int unlink(const char *path) override
-    {
-        return step("unlink", [&] { return FileCalls::unlink(path); });
-    }
-    int mkdir(const char *path, mode_t mode) override
-    {
-        return step("mkdir", [&] { return FileCalls::mkdir(path, mode); });
-    }
-    int stat(const char *path, struct stat *status) override
-    {
-        return step("stat", [&] { return FileCalls::stat(path, status); });
-    }
-    int lstat(const char *path, struct stat *status) override
-    {
-        return step("lstat", [&] { return FileCalls::lstat(path, status); });
-    }
-    int fstat(int file, struct stat *status) override
-    {
-        return step("fstat", [&] { return FileCalls::fstat(file, status); });
-    }
+    int open(const char *path, int flags, mode_t mode) override { return step("open", &FileCalls::open, path, flags, mode); }
+    ssize_t read(int file, void *bytes, size_t count) override { return step("read", &FileCalls::read, file, bytes, cut(count)); }
+    ssize_t write(int file, const void *bytes, size_t count) override { return step("write", &FileCalls::write, file, bytes, cut(count)); }
+    off_t lseek(int file, off_t offset, int whence) override { return step("lseek", &FileCalls::lseek, file, offset, whence); }
+    int fsync(int file) override { return step("fsync", &FileCalls::fsync, file); }
+    int rename(const char *from, const char *to) override { return step("rename", &FileCalls::rename, from, to); }
+    int unlink(const char *path) override { return step("unlink", &FileCalls::unlink, path); }
+    int mkdir(const char *path, mode_t mode) override { return step("mkdir", &FileCalls::mkdir, path, mode); }
+    int stat(const char *path, struct stat *status) override { return step("stat", &FileCalls::stat, path, status); }
+    int lstat(const char *path, struct stat *status) override { return step("lstat", &FileCalls::lstat, path, status); }
+    int fstat(int file, struct stat *status) override { return step("fstat", &FileCalls::fstat, file, status); }
     ssize_t readlink(const char *path, char *target, size_t size) override
     {
-        return step("readlink", [&] { return FileCalls::readlink(path, target, size); });
+        return step("readlink", &FileCalls::readlink, path, target, size);
     }
-    int access(const char *path, int mode) override
-    {
-        return step("access", [&] { return FileCalls::access(path, mode); });
-    }
-    int fchmod(int file, mode_t mode) override
-    {
-        return step("fchmod", [&] { return FileCalls::fchmod(file, mode); });
-    }
-    int fchown(int file, uid_t owner, gid_t group) override
-    {
-        return step("fchown", [&] { return FileCalls::fchown(file, owner, group); });
-    }
+    int access(const char *path, int mode) override { return step("access", &FileCalls::access, path, mode); }
+    int fchmod(int file, mode_t mode) override { return step("fchmod", &FileCalls::fchmod, file, mode); }
+    int fchown(int file, uid_t owner, gid_t group) override { return step("fchown", &FileCalls::fchown, file, owner, group); }
     ssize_t listxattr(const char *path, char *names, size_t size) override
     {
-        return step("listxattr", [&] { return FileCalls::listxattr(path, names, size); });
+        return step("listxattr", &FileCalls::listxattr, path, names, size);
     }
     ssize_t getxattr(const char *path, const char *name, void *value, size_t size) override
     {
-        return step("getxattr", [&] { return FileCalls::getxattr(path, name, value, size); });
+        return step("getxattr", &FileCalls::getxattr, path, name, value, size);
     }
     int fsetxattr(int file, const char *name, const void *value, size_t size) override
     {
-        return step("fsetxattr", [&] { return FileCalls::fsetxattr(file, name, value, size); });
+        return step("fsetxattr", &FileCalls::fsetxattr, file, name, value, size);
     }
-    int fremovexattr(int file, const char *name) override
-    {
-        return step("fremovexattr", [&] { return FileCalls::fremovexattr(file, name); });
-    }
+    int fremovexattr(int file, const char *name) override { return step("fremovexattr", &FileCalls::fremovexattr, file, name); }
     int close(int file) override
     {
         // The descriptor goes in any case, as it does in a process that ends.
-        const int result = FileCalls::close(file);
-        return step("close", [&] { return result; });
+        const int result = m_real.close(file);
+        return isRefused("close") ? -1 : result;
     }
 
 private:
+    FileCalls &m_real = FileCalls::system();
+
     size_t cut(size_t count) const { return portion != 0 && portion < count ? portion : count; }
 
-    template<typename Call>
-    auto step(const char *name, Call &&call) -> decltype(call())
+    bool isRefused(const char *name)
     {
         ++steps;
         int refusal = steps == failAt || (killAt != 0 && steps >= killAt) ? error : 0;
@@ -119,8 +76,12 @@ private:
         if (refusal != 0) {
             failedCall = failedCall.empty() ? name : failedCall;
             errno = refusal;
-            return -1;
         }
-        return call();
+        return refusal != 0;
+    }
+    template<typename Answer, typename... Taken>
+    Answer step(const char *name, Answer (FileCalls::*call)(Taken...), std::type_identity_t<Taken>... given)
+    {
+        return isRefused(name) ? Answer(-1) : (m_real.*call)(given...);
     }
 };

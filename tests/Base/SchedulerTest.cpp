@@ -9,30 +9,6 @@
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
-TEST(ManualScheduler, RunsWhatIsDueInOrderOfTime)
-{
-    ManualScheduler scheduler;
-    std::vector<std::pair<int, int>> calls;
-    const auto note = [&](int name) { return [&, name] { calls.emplace_back(name, int(scheduler.now().count())); }; };
-    const auto late = scheduler.after(30ms, note(1));
-    const auto early = scheduler.after(10ms, note(2));
-    const auto sameTime = scheduler.after(30ms, note(3));
-    const auto timer = scheduler.every(20ms, 0ms, note(4));
-    const auto never = scheduler.after(41ms, note(5));
-    const auto backwards = scheduler.after(-5ms, note(6));
-
-    scheduler.advance(0ms);
-    EXPECT_THAT(calls, ElementsAre(std::pair(6, 0)));
-    scheduler.advance(40ms);
-    EXPECT_THAT(calls,
-                ElementsAre(std::pair(6, 0), std::pair(2, 10), std::pair(4, 20), std::pair(1, 30), std::pair(3, 30), std::pair(4, 40)));
-    EXPECT_EQ(scheduler.now(), 40ms);
-    EXPECT_FALSE(late.isPending());
-    EXPECT_TRUE(timer.isPending());
-    EXPECT_TRUE(never.isPending());
-    EXPECT_EQ(scheduler.pendingCount(), 2);
-}
-
 TEST(ManualScheduler, CallsMayScheduleAndCancelAnything)
 {
     ManualScheduler scheduler;

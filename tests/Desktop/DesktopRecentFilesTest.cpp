@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Desktop/DesktopRecentFiles.h"
 
+#include "HeldWorkers.h"
+
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -82,14 +84,6 @@ private:
     QTemporaryDir m_folder;
 };
 
-/// Runs one job when it is told to.
-class HeldWorkers final : public Workers {
-public:
-    void run(std::function<void()> job) override { jobs.push_back(std::move(job)); }
-
-    std::vector<std::function<void()>> jobs;
-};
-
 } // namespace
 
 TEST(RecentFilesList, IsMadeWhereThereIsNone)
@@ -150,14 +144,14 @@ TEST_F(DesktopRecentFilesTest, OneJobAtATimeWritesAllThatWasNoted)
     DesktopRecentFiles files(listFile(), workers);
     files.note({u"/a"_s});
     files.note({u"/b"_s, u"/c"_s});
-    ASSERT_EQ(workers.jobs.size(), 1U);
+    EXPECT_EQ(workers.count, 1);
     EXPECT_FALSE(QFile::exists(listFile()));
-    workers.jobs[0]();
+    workers.finish();
     EXPECT_EQ(outline(written()).count(u"href=file:///"_s), 3);
     EXPECT_EQ(mode(), 0600U);
     files.note({u"/d"_s, u"/a"_s});
-    ASSERT_EQ(workers.jobs.size(), 2U);
-    workers.jobs[1]();
+    EXPECT_EQ(workers.count, 2);
+    workers.finish();
     EXPECT_EQ(outline(written()).count(u"href=file:///"_s), 4);
     EXPECT_EQ(outline(written()).count(u"count=2"_s), 1);
 }
@@ -192,14 +186,4 @@ TEST_F(DesktopRecentFilesTest, TouchesNoFileThatIsNoList)
     QFile::remove(listFile());
     ASSERT_EQ(mkfifo(QFile::encodeName(listFile()).constData(), 0600), 0);
     DesktopRecentFiles(listFile(), workers).note({u"/a"_s});
-}
-
-TEST(RecentFilesPlace, IsInTheFolderOfTheEnvironmentIfThatIsOne)
-{
-    const QByteArray before = qgetenv("XDG_DATA_HOME");
-    qputenv("XDG_DATA_HOME", "/x/./y/");
-    EXPECT_EQ(DesktopRecentFiles::standardPath(), u"/x/y/recently-used.xbel"_s);
-    qputenv("XDG_DATA_HOME", "x/y");
-    EXPECT_EQ(DesktopRecentFiles::standardPath(), QDir::homePath() + u"/.local/share/recently-used.xbel"_s);
-    before.isNull() ? qunsetenv("XDG_DATA_HOME") : qputenv("XDG_DATA_HOME", before);
 }

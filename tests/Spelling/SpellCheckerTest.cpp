@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Spelling/SpellChecker.h"
 
+#include "HeldWorkers.h"
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QSignalSpy>
@@ -16,20 +18,6 @@ using enum SpellChecker::Answer;
 namespace {
 
 const QString data = QStringLiteral(QUILLET_TEST_DATA "/spelling");
-
-/// Keeps jobs until they are let go.
-class HeldWorkers final : public Workers {
-public:
-    void run(std::function<void()> job) override { jobs.push_back(std::move(job)); }
-    void runAll()
-    {
-        for (const auto &job : std::exchange(jobs, {})) {
-            job();
-        }
-    }
-
-    std::vector<std::function<void()>> jobs;
-};
 
 class SpellCheckerTest : public testing::Test {
 protected:
@@ -97,20 +85,20 @@ TEST_F(SpellCheckerTest, WorksInBatchesBehindTheMainThread)
         EXPECT_TRUE(spelling.isCorrect(word));
     }
     QCoreApplication::processEvents();
-    ASSERT_EQ(held.jobs.size(), 1U);
+    EXPECT_EQ(held.count, 1);
     EXPECT_EQ(spelling.check(u"here"_s), pending); // while the others are on their way
-    held.runAll();
+    held.finish();
     QCoreApplication::processEvents();
     EXPECT_EQ(changes.count(), 1);
     EXPECT_EQ(spelling.check(u"wrod"_s), wrong);
     QCoreApplication::processEvents();
-    held.runAll();
+    held.finish();
     QCoreApplication::processEvents();
     EXPECT_EQ(spelling.check(u"here"_s), correct);
-    EXPECT_TRUE(held.jobs.empty());
+    EXPECT_EQ(held.count, 2);
 
     EXPECT_FALSE(spelling.suggestions(u"wrod"_s));
-    held.runAll();
+    held.finish();
     EXPECT_THAT(spelling.suggestions(u"wrod"_s).value_or(QStringList()), testing::Contains(u"word"_s));
 }
 

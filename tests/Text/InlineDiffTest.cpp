@@ -63,12 +63,6 @@ TEST(InlineDiff, TrimsWhatBothHaveAtTheirEnds)
     }
 }
 
-TEST(InlineDiff, CountsCharactersAndNotUnits)
-{
-    EXPECT_EQ(InlineDiff::spans(u"\U0001F600e\u0301x", u"\U0001F600\u00e9y"), (InlineDiff::Spans{{{2, 3}}, {{2, 3}}}));
-    EXPECT_EQ(InlineDiff::unitRange(u"\U0001F600e\u0301x", {1, 3}), (TextRange{2, 3}));
-}
-
 TEST(InlineDiff, LooksIntoLinesOfUpTo2000Characters)
 {
     const QString letters(2000, u'a');

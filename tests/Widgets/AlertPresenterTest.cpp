@@ -28,6 +28,18 @@ const Alert closeQuestion{
     .informativeText = u"<i>b.txt</i> will be lost."_s,
     .buttons = {{u"Save"_s}, {u"Cancel"_s, AlertButtonRole::cancel}, {u"Don’t Save"_s, AlertButtonRole::destructive}}};
 
+class WidgetAlertPresenterTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    }
+
+    QWidget window;
+    WidgetAlertPresenter presenter;
+};
+
 template<typename Dialog>
 QList<Dialog *> openDialogs(const QWidget &window)
 {
@@ -53,12 +65,8 @@ void click(const QMessageBox &box, const QString &title)
 
 } // namespace
 
-TEST(WidgetAlertPresenter, AnswersWithThePlaceOfTheButton)
+TEST_F(WidgetAlertPresenterTest, AnswersWithThePlaceOfTheButton)
 {
-    QWidget window;
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    WidgetAlertPresenter presenter;
     std::vector<int> answers;
     const auto note = [&](const AlertReply &reply) { answers.push_back(reply.button); };
     const auto ask = [&] {
@@ -87,39 +95,34 @@ TEST(WidgetAlertPresenter, AnswersWithThePlaceOfTheButton)
     EXPECT_EQ(answers.back(), 1000);
 }
 
-TEST(WidgetAlertPresenter, AlertsOfAWindowComeOneAfterTheOther)
+TEST_F(WidgetAlertPresenterTest, AlertsOfAWindowComeOneAfterTheOther)
 {
-    auto window = std::make_unique<QWidget>();
-    WidgetAlertPresenter presenter;
+    auto owner = std::make_unique<QWidget>();
     std::vector<std::string> events;
-    presenter.present(closeQuestion, window.get(), [&](const AlertReply &) {
+    presenter.present(closeQuestion, owner.get(), [&](const AlertReply &) {
         events.push_back("first");
-        presenter.present(closeQuestion, window.get(), [&](const AlertReply &) { events.push_back("third"); });
+        presenter.present(closeQuestion, owner.get(), [&](const AlertReply &) { events.push_back("third"); });
     });
-    presenter.present(closeQuestion, window.get(), [&](const AlertReply &) { events.push_back("second"); });
-    EXPECT_TRUE(openDialogs<QMessageBox>(*window).isEmpty()) << "before its window is there a dialog has no place";
-    window->show();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !openDialogs<QMessageBox>(*window).isEmpty(); }));
+    presenter.present(closeQuestion, owner.get(), [&](const AlertReply &) { events.push_back("second"); });
+    EXPECT_TRUE(openDialogs<QMessageBox>(*owner).isEmpty()) << "before its window is there a dialog has no place";
+    owner->show();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !openDialogs<QMessageBox>(*owner).isEmpty(); }));
     for (int count = 0; count < 3; ++count) {
-        const auto open = openDialogs<QMessageBox>(*window);
+        const auto open = openDialogs<QMessageBox>(*owner);
         ASSERT_EQ(open.size(), 1);
         click(*open.first(), u"Cancel"_s);
     }
     EXPECT_THAT(events, ElementsAre("first", "second", "third"));
-    EXPECT_TRUE(openDialogs<QMessageBox>(*window).isEmpty());
+    EXPECT_TRUE(openDialogs<QMessageBox>(*owner).isEmpty());
 
-    presenter.present(closeQuestion, window.get(), [&](const AlertReply &) { events.push_back("never"); });
-    presenter.present(closeQuestion, window.get(), [&](const AlertReply &) { events.push_back("never"); });
-    window.reset();
+    presenter.present(closeQuestion, owner.get(), [&](const AlertReply &) { events.push_back("never"); });
+    presenter.present(closeQuestion, owner.get(), [&](const AlertReply &) { events.push_back("never"); });
+    owner.reset();
     EXPECT_EQ(events.size(), 3U);
 }
 
-TEST(WidgetAlertPresenter, AsksForALineOfText)
+TEST_F(WidgetAlertPresenterTest, AsksForALineOfText)
 {
-    QWidget window;
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    WidgetAlertPresenter presenter;
     AlertReply reply;
     presenter.present({.messageText = u"Go to Line"_s,
                        .buttons = {{u"Go"_s}, {u"Cancel"_s, AlertButtonRole::cancel}},
@@ -141,13 +144,9 @@ TEST(WidgetAlertPresenter, AsksForALineOfText)
     EXPECT_EQ(reply.text, u"42"_s);
 }
 
-TEST(WidgetAlertPresenter, PanelsStartWhereTheyAreTold)
+TEST_F(WidgetAlertPresenterTest, PanelsStartWhereTheyAreTold)
 {
     const QTemporaryDir folder;
-    QWidget window;
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    WidgetAlertPresenter presenter;
     std::optional<QString> saved;
     QStringList opened{u"untouched"_s};
     presenter.present(SavePanel{.startFolder = folder.path(), .suggestedName = u"notes.txt"_s}, &window,
@@ -164,16 +163,12 @@ TEST(WidgetAlertPresenter, PanelsStartWhereTheyAreTold)
     EXPECT_EQ(opened, QStringList());
 }
 
-TEST(WidgetAlertPresenter, AsksBeforeAFileIsReplaced)
+TEST_F(WidgetAlertPresenterTest, AsksBeforeAFileIsReplaced)
 {
     const QTemporaryDir folder;
     QFile file(folder.filePath(u"notes.txt"_s));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.close();
-    QWidget window;
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    WidgetAlertPresenter presenter;
     std::optional<QString> saved;
     presenter.present(SavePanel{.startFolder = folder.path(), .suggestedName = u"notes.txt"_s}, &window,
                       [&](const std::optional<QString> &path) { saved = path; });
@@ -196,12 +191,8 @@ TEST(WidgetAlertPresenter, AsksBeforeAFileIsReplaced)
     EXPECT_EQ(saved, file.fileName());
 }
 
-TEST(WidgetAlertPresenter, FontsAreChosenByFamilyAndSize)
+TEST_F(WidgetAlertPresenterTest, FontsAreChosenByFamilyAndSize)
 {
-    QWidget window;
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    WidgetAlertPresenter presenter;
     std::optional<FontChoice> answer;
     const QString fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
     const QStringList families = QFontDatabase::families();
@@ -233,26 +224,4 @@ TEST(WidgetAlertPresenter, FontsAreChosenByFamilyAndSize)
     EXPECT_EQ(dialog->findChild<QListWidget *>()->currentItem()->text(), *proportional);
     dialog->reject();
     EXPECT_FALSE(answer);
-}
-
-TEST(ScriptedAlertPresenter, CancelsWhatHasNoAnswer)
-{
-    ScriptedAlertPresenter presenter;
-    std::vector<int> answers;
-    const auto note = [&](const AlertReply &reply) { answers.push_back(reply.button); };
-    presenter.answer(1002);
-    presenter.present(closeQuestion, nullptr, note);
-    presenter.present(closeQuestion, nullptr, note);
-    presenter.present(Alert::forError(u"Wrong."_s), nullptr, note);
-    presenter.present(Alert{.messageText = u"?"_s, .buttons = {{u"Yes"_s}, {u"No"_s}}}, nullptr, note);
-    EXPECT_THAT(answers, ElementsAre(1002, 1001, 1000, 1001));
-    EXPECT_EQ(presenter.alerts().size(), 4U);
-
-    std::optional<QString> path = u"x"_s;
-    const auto keep = [&](const std::optional<QString> &given) { path = given; };
-    presenter.present(SavePanel{}, nullptr, keep);
-    EXPECT_EQ(path, std::nullopt);
-    presenter.answerSave(u"/a"_s);
-    presenter.present(SavePanel{}, nullptr, keep);
-    EXPECT_EQ(path, u"/a"_s);
 }

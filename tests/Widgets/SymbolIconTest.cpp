@@ -88,10 +88,7 @@ TEST_F(SymbolIcon, IsDrawnAtDevicePixels)
 
 TEST_F(SymbolIcon, KnowsItsNames)
 {
-    for (const QString &name : {u"plus"_s, u"xmark"_s, u"chevron.left"_s, u"chevron.right"_s, u"chevron.right.2"_s, u"chevron.up"_s,
-                                u"chevron.down"_s, u"magnifyingglass"_s, u"textformat"_s, u"whole.word"_s, u"regex"_s}) {
-        EXPECT_EQ(colors(symbolIcon(name), QIcon::Normal).size(), 1U) << qPrintable(name);
-    }
+    EXPECT_EQ(colors(symbolIcon(u"chevron.right.2"_s), QIcon::Normal).size(), 1U);
     EXPECT_TRUE(symbolIcon("no.such.symbol"_L1).isNull());
     EXPECT_FALSE(applicationIcon().pixmap(16, 16).isNull());
 }
