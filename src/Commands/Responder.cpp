@@ -36,6 +36,11 @@ bool Responder::perform(const Action &wanted, const QVariant &represented)
         last = next;
     }
     last->willPerform(wanted);
+    return carryOut(wanted, represented);
+}
+
+bool Responder::carryOut(const Action &wanted, const QVariant &represented)
+{
     Responder *responder = target(wanted);
     if (!responder) {
         return false;

@@ -71,6 +71,8 @@ public:
     [[nodiscard]] Responder *target(const Action &wanted);
     /// Lets the target act, whether or not it calls the action enabled; false when nobody takes it.
     bool perform(const Action &wanted, const QVariant &represented = {});
+    /// The same for a command that was spelled out rather than chosen: the end of the chain is not told.
+    bool carryOut(const Action &wanted, const QVariant &represented = {});
     /// What the target says, and it alone: a disabled action is not offered to the rest of the chain. Disabled when nobody takes it.
     [[nodiscard]] ActionState state(const Action &wanted, const QVariant &represented = {}) const;
 

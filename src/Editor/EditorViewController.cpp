@@ -354,8 +354,7 @@ void EditorViewController::reload()
 {
     m_document->revertToFileOnDisk([editor = QPointer(this)](const std::optional<TextFile::ReadError> &error) {
         if (editor && error) {
-            editor->m_services.presenter.present(Alert::forError(error->description(), error->recoverySuggestion().value_or(QString())),
-                                                 editor->window(), {});
+            emit editor->messageShown(error->description(), messageTime);
         }
     });
 }
@@ -407,7 +406,7 @@ void EditorViewController::substitute(const VimSubstitution &substitution)
 
 void EditorViewController::performCommand(const Action &action, const QString &argument)
 {
-    if (!perform(action, argument)) {
+    if (!carryOut(action, argument)) {
         m_services.presenter.beep();
     }
 }

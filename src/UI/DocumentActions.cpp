@@ -327,13 +327,17 @@ void DocumentActions::revertDocumentToSaved()
     });
 }
 
-/// A file that cannot be read leaves the text as it is.
+/// A file that cannot be read leaves the text as it is, which is no reason to interrupt who asked for it without a question.
 void DocumentActions::revertWithoutAsking()
 {
     if (!hasFile()) {
         return;
     }
-    currentDocument()->revertToFileOnDisk(errorPresenter());
+    currentDocument()->revertToFileOnDisk([self = QPointer(this)](const std::optional<TextFile::ReadError> &error) {
+        if (self && error) {
+            emit self->messageShown(error->description(), longFlash);
+        }
+    });
 }
 
 // Files
