@@ -14,6 +14,11 @@ public:
 
     /// 0 … limit - 1.
     qsizetype below(qsizetype limit) { return qsizetype(m_engine() % quint64(limit)); }
+    template<class Choices>
+    const auto &of(const Choices &choices)
+    {
+        return choices[size_t(below(std::ssize(choices)))];
+    }
     bool oneIn(qsizetype chances) { return below(chances) == 0; }
 
     /// Text rich in line breaks of all kinds, narrow, wide and paired units, combining marks and, rarely, half pairs.

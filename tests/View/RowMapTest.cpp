@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "View/RowMap.h"
 
-#include <gtest/gtest.h>
+#include "Text/RandomText.h"
 
-#include <random>
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -46,34 +46,33 @@ class RowMapWalk : public testing::TestWithParam<unsigned> {};
 
 TEST_P(RowMapWalk, AgreesWithAPlainList)
 {
-    std::mt19937 random(GetParam());
-    const auto below = [&](qsizetype limit) { return std::uniform_int_distribution<qsizetype>(0, limit - 1)(random); };
+    Random random(GetParam());
     RowMap map([](qsizetype, qsizetype count) { return count + count / 3; });
     RowMapModel model;
     for (int step = 0; step < 400; ++step) {
         const qsizetype lines = std::ssize(model.rows);
-        const qsizetype line = below(lines);
-        switch (below(5)) {
+        const qsizetype line = random.below(lines);
+        switch (random.below(5)) {
         case 0: {
-            const qsizetype removed = std::min(below(4), lines - line - 1);
-            const qsizetype inserted = below(step % 50 == 0 ? 300 : 5);
+            const qsizetype removed = std::min(random.below(4), lines - line - 1);
+            const qsizetype inserted = random.below(step % 50 == 0 ? 300 : 5);
             map.linesChanged(line, removed, inserted);
             const auto at = model.rows.begin() + line;
             model.rows.insert(model.rows.erase(at, at + removed + 1), static_cast<size_t>(inserted) + 1, 0);
             break;
         }
         case 1: {
-            const qsizetype count = std::min<qsizetype>(1 + below(step % 3 == 0 ? 700 : 80), lines - line);
+            const qsizetype count = std::min<qsizetype>(1 + random.below(step % 3 == 0 ? 700 : 80), lines - line);
             std::vector<quint32> rows(static_cast<size_t>(count), 1);
-            for (qsizetype odd = below(3); odd > 0; --odd) {
-                rows[static_cast<size_t>(below(count))] = static_cast<quint32>(1 + below(4));
+            for (qsizetype odd = random.below(3); odd > 0; --odd) {
+                rows[size_t(random.below(count))] = quint32(1 + random.below(4));
             }
             map.setRowsOfLines(line, rows);
             std::copy(rows.begin(), rows.end(), model.rows.begin() + line);
             break;
         }
         default: {
-            const qint64 rows = 1 + below(3);
+            const qint64 rows = 1 + random.below(3);
             map.setRows(line, rows);
             model.rows[static_cast<size_t>(line)] = rows;
         }

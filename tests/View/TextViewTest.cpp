@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "ViewFixture.h"
 
-#include <QMimeData>
+#include <QApplication>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -29,16 +30,14 @@ TEST_P(Keys, DoAndUndo)
     fixture.view.setSelection(before.selection);
     fixture.keys(c.keys);
     EXPECT_EQ(fixture.marked(), c.after) << c.name << ": keys " << c.keys.toStdString() << " on " << c.before.toStdString();
-    if (fixture.undo.canUndo()) {
-        while (fixture.undo.canUndo()) {
-            fixture.keys(u"<C-z>"_s);
-        }
-        EXPECT_EQ(fixture.storage.text().toString(), before.text) << c.name;
-        while (fixture.undo.canRedo()) {
-            fixture.keys(u"<C-S-z>"_s);
-        }
-        EXPECT_EQ(fixture.storage.text().toString(), MarkedText(c.after).text) << c.name;
+    while (fixture.undo.canUndo()) {
+        fixture.keys(u"<C-z>"_s);
     }
+    EXPECT_EQ(fixture.text(), before.text) << c.name;
+    while (fixture.undo.canRedo()) {
+        fixture.keys(u"<C-S-z>"_s);
+    }
+    EXPECT_EQ(fixture.text(), MarkedText(c.after).text) << c.name;
 }
 
 INSTANTIATE_TEST_SUITE_P(Moving, Keys,
@@ -80,20 +79,13 @@ INSTANTIATE_TEST_SUITE_P(
                     KeyCase{"copy and paste", u"^ab|"_s, u"<C-c><End><C-v>"_s, u"abab|"_s},
                     KeyCase{"the other pasteboard keys", u"^ab|c"_s, u"<S-Del><End><S-Insert><S-Insert>"_s, u"cabab|"_s}));
 
-TEST(TextView, TypingUndoesInRunsThatPausesAndCaretJumpsEnd)
+TEST(TextView, MovingTheCaretEndsARunOfTyping)
 {
     ViewFixture fixture;
-    fixture.keys(u"ab"_s);
-    fixture.scheduler.advance(std::chrono::milliseconds(1500));
-    fixture.keys(u"cd<Home>e"_s);
-    fixture.keys(u"<C-z>"_s);
-    EXPECT_EQ(fixture.marked(), u"|abcd"_s);
-    fixture.keys(u"<C-z>"_s);
+    fixture.keys(u"ab<Left><Right>cd<C-z>"_s);
     EXPECT_EQ(fixture.marked(), u"ab|"_s);
-    fixture.keys(u"<C-z>"_s);
-    EXPECT_EQ(fixture.marked(), u"|"_s);
-    fixture.keys(u"<C-y><C-y><C-y>"_s);
-    EXPECT_EQ(fixture.marked(), u"e|abcd"_s);
+    fixture.keys(u"<C-z><C-y><C-y>"_s);
+    EXPECT_EQ(fixture.marked(), u"abcd|"_s);
 }
 
 TEST(TextView, WrappedRowsHaveTheirOwnEnds)
@@ -101,21 +93,17 @@ TEST(TextView, WrappedRowsHaveTheirOwnEnds)
     ViewFixture fixture(u"aaaa bbbb cccc dddd eeee ffff gggg hhhh iiii jjjj\nxy"_s, {200, 200});
     fixture.view.setWrapMode(TextView::WrapMode::viewWidth);
     LayoutManager &layout = fixture.view.layoutManager();
-    const RowPosition first = layout.rowOf(0);
-    const qsizetype wrap = layout.rangeOf(first).end();
+    const qsizetype wrap = layout.rangeOf(layout.rowOf(0)).end();
     ASSERT_LT(wrap, 30);
     fixture.keys(u"<End>"_s);
     EXPECT_EQ(fixture.view.selection().caret, wrap);
     EXPECT_EQ(fixture.view.caretRectangle().top(), fixture.view.viewport()->y() + 8)
         << "the caret is shown at the end of its row, not in the next";
-    fixture.keys(u"<Home>"_s);
-    EXPECT_EQ(fixture.view.selection().caret, 0);
-    fixture.keys(u"<Right><Right><Down>"_s);
-    EXPECT_EQ(fixture.view.selection().caret, wrap + 2);
-    fixture.keys(u"<Home>"_s);
-    EXPECT_EQ(fixture.view.selection().caret, wrap);
-    fixture.keys(u"<Up>"_s);
-    EXPECT_EQ(fixture.view.selection().caret, 0);
+    for (const auto &[keys, caret] : {std::pair(u"<Home>"_s, qsizetype(0)), std::pair(u"<Right><Right><Down>"_s, wrap + 2),
+                                      std::pair(u"<Home>"_s, wrap), std::pair(u"<Up>"_s, qsizetype(0))}) {
+        fixture.keys(keys);
+        EXPECT_EQ(fixture.view.selection().caret, caret) << keys.toStdString();
+    }
     EXPECT_EQ(fixture.view.horizontalScrollBar()->maximum(), 0);
 }
 
@@ -130,179 +118,37 @@ TEST(TextView, ShortcutOverrideClaimsTextAndEditingKeysOnly)
     };
     EXPECT_TRUE(isClaimed(Qt::Key_A, Qt::NoModifier, u"a"_s));
     EXPECT_TRUE(isClaimed(Qt::Key_Z, Qt::ControlModifier, u"\u001A"_s));
-    EXPECT_TRUE(isClaimed(Qt::Key_Backspace, Qt::ControlModifier, u"\u007F"_s));
     EXPECT_TRUE(isClaimed(Qt::Key_BraceLeft, Qt::GroupSwitchModifier, u"{"_s)) << "AltGr";
     EXPECT_FALSE(isClaimed(Qt::Key_Adiaeresis, Qt::ControlModifier | Qt::AltModifier, u"ä"_s)) << "may be a shortcut";
     EXPECT_FALSE(isClaimed(Qt::Key_S, Qt::ControlModifier, u"\u0013"_s));
     EXPECT_FALSE(isClaimed(Qt::Key_F, Qt::AltModifier, u"f"_s));
-    EXPECT_FALSE(isClaimed(Qt::Key_Control, Qt::ControlModifier, {}));
     EXPECT_FALSE(isClaimed(Qt::Key_F10, Qt::NoModifier, {}));
     QTest::keyClick(&fixture.view, Qt::Key_BraceLeft, Qt::ControlModifier | Qt::AltModifier);
-    EXPECT_EQ(fixture.storage.text().toString(), u"{abc"_s) << "AltGr of some keyboards, when it is none";
+    EXPECT_EQ(fixture.text(), u"{abc"_s) << "AltGr of some keyboards, when it is none";
     fixture.view.setAccess(TextView::Access::readOnly);
     EXPECT_FALSE(isClaimed(Qt::Key_A, Qt::NoModifier, u"a"_s));
     fixture.keys(u"x<BS><CR>"_s);
     fixture.view.insertText(u"x", {0, 0});
-    EXPECT_FALSE(fixture.storage.text().toString().contains(u'x'));
-}
-
-TEST(TextView, PointerSelectsByLetterWordAndLine)
-{
-    ViewFixture fixture(u"one two three\nfour five\nsix"_s);
-    QWidget *target = fixture.view.viewport();
-    const auto press = [&](qsizetype offset, Qt::KeyboardModifiers modifiers = {}) {
-        QTest::mousePress(target, Qt::LeftButton, modifiers, fixture.pointOf(offset));
-    };
-    const auto moveTo = [&](qsizetype offset) {
-        QMouseEvent event(QEvent::MouseMove, fixture.pointOf(offset), target->mapToGlobal(fixture.pointOf(offset)), Qt::NoButton,
-                          Qt::LeftButton, {});
-        QApplication::sendEvent(target, &event);
-    };
-    const auto release = [&](qsizetype offset) { QTest::mouseRelease(target, Qt::LeftButton, {}, fixture.pointOf(offset)); };
-    press(2);
-    moveTo(16);
-    release(16);
-    EXPECT_EQ(fixture.marked(), u"on^e two three\nfo|ur five\nsix"_s);
-    press(5, Qt::ShiftModifier);
-    release(5);
-    EXPECT_EQ(fixture.marked(), u"on^e t|wo three\nfour five\nsix"_s);
-    QTest::mouseDClick(target, Qt::LeftButton, {}, fixture.pointOf(9));
-    EXPECT_EQ(fixture.marked(), u"one two ^three|\nfour five\nsix"_s);
-    moveTo(1);
-    release(1);
-    EXPECT_EQ(fixture.marked(), u"|one two three^\nfour five\nsix"_s) << "by whole words, the first one included";
-    QTest::mouseDClick(target, Qt::LeftButton, {}, fixture.pointOf(16));
-    QTest::mousePress(target, Qt::LeftButton, {}, fixture.pointOf(16), 1);
-    EXPECT_EQ(fixture.marked(), u"one two three\n^four five\n|six"_s);
-    release(16);
-}
-
-TEST(TextView, DraggingBeyondTheEdgeScrolls)
-{
-    ViewFixture fixture(QString(u"line\n"_s).repeated(200), {300, 120});
-    QWidget *target = fixture.view.viewport();
-    QTest::mousePress(target, Qt::LeftButton, {}, {20, 20});
-    QMouseEvent event(QEvent::MouseMove, QPointF(20, 200), target->mapToGlobal(QPointF(20, 200)), Qt::NoButton, Qt::LeftButton, {});
-    QApplication::sendEvent(target, &event);
-    const qsizetype before = fixture.view.selection().caret;
-    fixture.scheduler.advance(std::chrono::milliseconds(300));
-    EXPECT_GT(fixture.view.selection().caret, before);
-    EXPECT_GT(fixture.view.verticalScrollBar()->value(), 100);
-    QTest::mouseRelease(target, Qt::LeftButton, {}, {20, 100});
-    const int rest = fixture.view.verticalScrollBar()->value();
-    fixture.scheduler.advance(std::chrono::milliseconds(300));
-    EXPECT_EQ(fixture.view.verticalScrollBar()->value(), rest);
-}
-
-TEST(TextView, PrimarySelectionIsPublishedLazilyAndPastedAtThePointer)
-{
-    ViewFixture fixture(u"one two"_s);
-    fixture.view.setSelection({0, 3});
-    EXPECT_FALSE(fixture.pasteboard.ownsPrimary());
-    fixture.scheduler.advance(std::chrono::milliseconds(200));
-    fixture.storage.apply({{0, 1}, u"X"_s});
-    EXPECT_EQ(fixture.pasteboard.primaryText(), u"one"_s) << "what was selected, not what stands there now";
-    fixture.pasteboard.setText(u"clip"_s);
-    QTest::mouseClick(fixture.view.viewport(), Qt::MiddleButton, {}, fixture.pointOf(7));
-    EXPECT_EQ(fixture.storage.text().toString(), u"Xne twoone"_s);
-    EXPECT_EQ(fixture.pasteboard.text(), u"clip"_s);
-}
-
-TEST(TextView, WhatComesFromElsewhereHasLineFeedsOnly)
-{
-    ViewFixture fixture;
-    fixture.pasteboard.setText(u"a\r\nb\rc\n"_s);
-    fixture.keys(u"<C-v>"_s);
-    EXPECT_EQ(fixture.storage.string(), u"a\nb\nc\n"_s);
-    fixture.pasteboard.setPrimaryFromElsewhere(u"\r\n"_s);
-    QTest::mouseClick(fixture.view.viewport(), Qt::MiddleButton, {}, fixture.pointOf(0));
-    EXPECT_EQ(fixture.storage.string(), u"\na\nb\nc\n"_s);
-}
-
-TEST(TextView, DropsInsertAndFilesPassThrough)
-{
-    ViewFixture fixture(u"one two"_s);
-    QMimeData data;
-    data.setText(u"NEW"_s);
-    const QPoint at = fixture.pointOf(4);
-    const auto drop = [&](const QMimeData &content) {
-        QDragEnterEvent enter(at, Qt::CopyAction, &content, Qt::LeftButton, {});
-        QApplication::sendEvent(fixture.view.viewport(), &enter);
-        if (!enter.isAccepted()) {
-            return false;
-        }
-        QDropEvent event(at, Qt::CopyAction, &content, Qt::LeftButton, {});
-        QApplication::sendEvent(fixture.view.viewport(), &event);
-        return event.isAccepted();
-    };
-    EXPECT_TRUE(drop(data));
-    EXPECT_EQ(fixture.marked(), u"one ^NEW|two"_s);
-    fixture.keys(u"<C-z>"_s);
-    EXPECT_EQ(fixture.storage.text().toString(), u"one two"_s);
-    QMimeData files;
-    files.setUrls({QUrl(u"file:///etc/hostname"_s)});
-    EXPECT_FALSE(drop(files));
-}
-
-TEST(TextView, ScrollPositionHoldsWhileOthersEditAbove)
-{
-    ViewFixture fixture(QString(u"some line of text\n"_s).repeated(500));
-    TextView other(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard}, testFont());
-    other.setTextFont(testFont());
-    other.resize(200, 150);
-    other.setWrapMode(TextView::WrapMode::viewWidth);
-    other.show();
-    fixture.view.verticalScrollBar()->setValue(3000);
-    other.setSelection(TextSelection::at(fixture.storage.length() - 5), TextView::Reveal::center);
-    const qsizetype top = fixture.view.textViewport().anchor();
-    const double above = fixture.view.textViewport().pixelsAbove();
-    const qsizetype otherTop = other.textViewport().anchor();
-    QImage before = fixture.image();
-    other.insertText(u"new\nlines\n\n", {0, 0});
-    EXPECT_EQ(fixture.view.textViewport().anchor(), top + 11);
-    EXPECT_EQ(fixture.view.textViewport().pixelsAbove(), above);
-    EXPECT_EQ(fixture.image(), before) << "the picture stands still";
-    EXPECT_NE(other.textViewport().anchor(), otherTop) << "the view that typed shows what it typed";
-    fixture.view.insertText(u"x", {0, 1});
-    EXPECT_EQ(other.storage().length(), fixture.storage.length());
-}
-
-TEST(TextView, WheelMovesByPixelsAndZooms)
-{
-    ViewFixture fixture(QString(u"line\n"_s).repeated(100));
-    std::vector<int> zooms;
-    QObject::connect(&fixture.view, &TextView::zoomRequested, &fixture.view, [&](int steps) { zooms.push_back(steps); });
-    const auto wheel = [&](QPoint angle, Qt::KeyboardModifiers modifiers) {
-        QWheelEvent event(QPointF(50, 50), fixture.view.mapToGlobal(QPointF(50, 50)), {}, angle, Qt::NoButton, modifiers, Qt::NoScrollPhase,
-                          false);
-        QApplication::sendEvent(fixture.view.viewport(), &event);
-    };
-    wheel({0, -15}, {});
-    wheel({0, -15}, {});
-    const double expected = 2 * 15.0 / 120 * QApplication::wheelScrollLines() * fixture.view.layoutManager().rowHeight();
-    EXPECT_NEAR(fixture.view.textViewport().position().y(), expected, 1);
-    wheel({0, 60}, Qt::ControlModifier);
-    wheel({0, 60}, Qt::ControlModifier);
-    wheel({0, -240}, Qt::ControlModifier);
-    EXPECT_EQ(zooms, (std::vector<int>{1, -2}));
+    EXPECT_EQ(fixture.text(), u"{abc"_s);
 }
 
 TEST(TextView, ScrollingReachesBothEndsAndThePageKeysMoveTheCaretWithTheText)
 {
-    ViewFixture fixture(QString(u"some words in a line\n"_s).repeated(300));
+    // Wide letters at the end take more rows than they are reckoned to before they are measured.
+    ViewFixture fixture(QString(u"some words in a line\n"_s).repeated(4000) + (QString(150, u'水') + u"\n"_s).repeated(40), {300, 200});
+    fixture.view.setWrapMode(TextView::WrapMode::viewWidth);
     QScrollBar *bar = fixture.view.verticalScrollBar();
+    Viewport &port = fixture.view.textViewport();
     bar->setValue(bar->maximum());
-    EXPECT_TRUE(fixture.view.textViewport().topOf(fixture.view.layoutManager().rowOf(fixture.storage.length())).has_value());
+    EXPECT_TRUE(port.topOf(fixture.view.layoutManager().rowOf(fixture.storage.length())).has_value());
     bar->setValue(0);
-    EXPECT_EQ(fixture.view.textViewport().anchor(), 0);
-    EXPECT_EQ(fixture.view.textViewport().pixelsAbove(), -8);
     fixture.keys(u"<PageDown><PageDown>"_s);
-    const qsizetype rows = fixture.view.textViewport().rowsPerPage();
-    EXPECT_EQ(fixture.storage.text().lineAt(fixture.view.selection().caret), 2 * rows);
+    EXPECT_EQ(fixture.storage.text().lineAt(fixture.view.selection().caret), 2 * port.rowsPerPage());
     EXPECT_GT(bar->value(), 0);
     fixture.keys(u"<PageUp><PageUp>"_s);
     EXPECT_EQ(fixture.view.selection().caret, 0);
-    EXPECT_EQ(fixture.view.textViewport().pixelsAbove(), -8);
+    EXPECT_EQ(port.anchor(), 0);
+    EXPECT_EQ(port.pixelsAbove(), -8);
     fixture.keys(u"<C-Down><C-Down>"_s);
     EXPECT_EQ(fixture.view.selection().caret, 0);
     EXPECT_GT(bar->value(), 0);
@@ -320,20 +166,15 @@ TEST(TextView, WhatIsShownInNoRoomBeginsWithTheCaret)
 TEST(TextView, BlinkingTouchesTheCaretOnly)
 {
     ViewFixture fixture(u"some text"_s);
-    const QImage shown = fixture.image();
+    QImage shown = fixture.image();
     fixture.scheduler.advance(std::chrono::milliseconds(QApplication::cursorFlashTime() / 2 + 1));
-    const QImage hidden = fixture.image();
-    const QRect inView = fixture.view.caretRectangle().translated(-fixture.view.viewport()->pos()).adjusted(-1, 0, 1, 0);
-    const double dpr = shown.devicePixelRatio();
-    const QRect caret = QRectF(QPointF(inView.topLeft()) * dpr, QSizeF(inView.size()) * dpr).toAlignedRect();
+    QImage hidden = fixture.image();
     EXPECT_NE(shown, hidden);
-    for (int y = 0; y < shown.height(); ++y) {
-        for (int x = 0; x < shown.width(); ++x) {
-            if (shown.pixel(x, y) != hidden.pixel(x, y)) {
-                ASSERT_TRUE(caret.contains(x, y)) << x << ',' << y;
-            }
-        }
+    const QRect caret = fixture.view.caretRectangle().translated(-fixture.view.viewport()->pos()).adjusted(-1, 0, 1, 0);
+    for (QImage *image : {&shown, &hidden}) {
+        QPainter(image).fillRect(caret, Qt::black);
     }
+    EXPECT_EQ(shown, hidden);
 }
 
 } // namespace

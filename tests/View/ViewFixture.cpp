@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "ViewFixture.h"
 
+#include <QApplication>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -78,6 +79,20 @@ void sendKeys(QWidget &widget, const QString &keys)
         }
         QTest::keyClick(&widget, key, modifiers);
     }
+}
+
+void ViewFixture::setText(const QString &marked)
+{
+    const MarkedText text(marked);
+    const UndoManager::Pause pause(undo);
+    storage.apply({{0, storage.length()}, text.text});
+    view.setSelection(text.selection);
+}
+
+void ViewFixture::dragTo(QPoint point)
+{
+    QMouseEvent event(QEvent::MouseMove, point, view.viewport()->mapToGlobal(point), Qt::NoButton, Qt::LeftButton, {});
+    QApplication::sendEvent(view.viewport(), &event);
 }
 
 QPoint ViewFixture::pointOf(qsizetype offset)

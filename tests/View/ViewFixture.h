@@ -39,6 +39,11 @@ public:
     explicit ViewFixture(const QString &text = {}, QSize size = {400, 300});
 
     void keys(const QString &keys) { sendKeys(view, keys); }
+    /// In place of all, and nothing to be undone.
+    void setText(const QString &marked);
+    [[nodiscard]] QString text() const { return storage.string(); }
+    /// The mouse is moved with its left button down.
+    void dragTo(QPoint point);
     [[nodiscard]] QString marked() { return MarkedText::marked(storage.text().toString(), view.selection()); }
     [[nodiscard]] QPoint pointOf(qsizetype offset);
     /// Paints and gives what is seen.
