@@ -73,9 +73,8 @@ bool SessionKeeper::keepAndWait(std::chrono::milliseconds patience)
         writeSession(windows.back(), writeDrafts());
     }
     const bool isWritten = m_store.waitUntilWritten(patience);
-    const auto isUnsaved = [](const auto &document) { return document->hasUnsavedText(); };
-    const bool hasUnsavedText = std::ranges::any_of(windows, [&](const WindowLayout &window) {
-        return std::ranges::any_of(window.panes, [&](const auto &pane) { return std::ranges::any_of(pane.documents, isUnsaved); });
+    const bool hasUnsavedText = std::ranges::any_of(windows, [](const WindowLayout &window) {
+        return std::ranges::any_of(window.panes.documents(), [](const auto &document) { return document->hasUnsavedText(); });
     });
     return !hasUnsavedText || (isWritten && m_store.keepsUnsavedText());
 }

@@ -23,19 +23,19 @@ SessionSnapshot::Document entryOf(const TextDocument &document, const DraftNames
     };
 }
 
-/// Of a pane that names only what did not come back there is none.
-std::optional<WindowLayout::Pane> paneOf(const SessionSnapshot::Pane &entry, const std::map<QUuid, std::shared_ptr<TextDocument>> &byId)
+/// Of those that came back, the tabs of a pane, and which one was selected.
+std::pair<PaneLayout::Documents, int> tabsOf(const SessionSnapshot::Pane &entry, const std::map<QUuid, std::shared_ptr<TextDocument>> &byId)
 {
-    const qint64 wanted = entry.selectedIndex;
-    WindowLayout::Pane pane;
+    PaneLayout::Documents tabs;
+    int selected = 0;
     for (qsizetype index = 0; index < entry.documentIDs.size(); ++index) {
         const auto known = byId.find(entry.documentIDs[index]);
-        if (known != byId.end() && std::ranges::find(pane.documents, known->second) == pane.documents.end()) {
-            pane.selectedIndex = index == wanted ? int(pane.documents.size()) : pane.selectedIndex;
-            pane.documents.push_back(known->second);
+        if (known != byId.end() && std::ranges::find(tabs, known->second) == tabs.end()) {
+            selected = index == entry.selectedIndex ? int(tabs.size()) : selected;
+            tabs.push_back(known->second);
         }
     }
-    return pane.documents.empty() ? std::nullopt : std::optional(pane);
+    return {tabs, selected};
 }
 
 } // namespace
@@ -45,8 +45,8 @@ SessionSnapshot snapshotOf(const WindowLayout &window, const std::vector<std::sh
 {
     SessionSnapshot snapshot{.documents = {},
                              .panes = {},
-                             .focusedPaneIndex = qint64(window.activePane),
-                             .splitIsVertical = window.orientation == Qt::Horizontal,
+                             .focusedPaneIndex = std::max(window.panes.activeIndex(), 0),
+                             .splitIsVertical = window.panes.orientation() == Qt::Horizontal,
                              .windowFrame = window.frame ? std::optional(window.frame->toString()) : std::nullopt};
     std::set<const TextDocument *> named;
     const auto add = [&](const std::shared_ptr<TextDocument> &document) {
@@ -54,9 +54,9 @@ SessionSnapshot snapshotOf(const WindowLayout &window, const std::vector<std::sh
             snapshot.documents << entryOf(*document, drafts);
         }
     };
-    for (const WindowLayout::Pane &pane : window.panes) {
-        SessionSnapshot::Pane &entry = snapshot.panes.emplaceBack(SessionSnapshot::Pane{.selectedIndex = pane.selectedIndex});
-        for (const auto &document : pane.documents) {
+    for (const PaneLayout::Pane &pane : window.panes.panes()) {
+        SessionSnapshot::Pane &entry = snapshot.panes.emplaceBack(SessionSnapshot::Pane{.selectedIndex = pane.selected});
+        for (const auto &document : pane.tabs) {
             entry.documentIDs << document->id();
             add(document);
         }
@@ -76,24 +76,23 @@ WindowLayout layoutOf(const SessionSnapshot &snapshot, const std::vector<Restore
         byId.emplace(document.idInSnapshot, document.document);
     }
     byId.erase(QUuid());
-    WindowLayout window{.panes = {},
-                        .orientation = snapshot.splitIsVertical ? Qt::Horizontal : Qt::Vertical,
-                        .frame = WindowFrame::fromString(snapshot.windowFrame.value_or(QString()))};
-    std::set<const TextDocument *> shown;
+    PaneLayout panes = PaneLayout().turned(snapshot.splitIsVertical ? Qt::Horizontal : Qt::Vertical);
+    int active = 0;
     for (qsizetype index = 0; index < snapshot.panes.size(); ++index) {
-        if (const auto pane = paneOf(snapshot.panes[index], byId)) {
-            window.activePane = index == snapshot.focusedPaneIndex ? window.panes.size() : window.activePane;
-            window.panes.push_back(*pane);
-            std::ranges::transform(pane->documents, std::inserter(shown, shown.end()), &std::shared_ptr<TextDocument>::get);
+        if (const auto [tabs, selected] = tabsOf(snapshot.panes[index], byId); !tabs.empty()) {
+            active = index == snapshot.focusedPaneIndex ? panes.paneCount() : active;
+            panes = panes.addingPane(tabs, selected);
         }
     }
+    panes = panes.activating(active);
+    PaneLayout::Documents others;
     for (const RestoredDocument &document : restored) {
-        if (shown.insert(document.document.get()).second) {
-            if (window.panes.empty()) {
-                window.panes.emplace_back();
-            }
-            window.panes[window.activePane].documents.push_back(document.document);
+        if (panes.paneShowing(*document.document) < 0) {
+            others.push_back(document.document);
         }
     }
-    return window;
+    if (!others.empty()) {
+        panes = panes.isEmpty() ? panes.addingPane(others, 0) : panes.appending(others);
+    }
+    return {panes, WindowFrame::fromString(snapshot.windowFrame.value_or(QString()))};
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Model/PaneLayout.h"
 #include "Session/SessionRestoration.h"
 #include "Session/SessionSnapshot.h"
 
@@ -9,16 +10,7 @@
 
 /// What a window shows, as it is kept in the session and brought back.
 struct WindowLayout {
-    struct Pane {
-        /// The tabs, left to right.
-        std::vector<std::shared_ptr<TextDocument>> documents;
-        int selectedIndex = 0;
-    };
-
-    /// Left to right, or from the top.
-    std::vector<Pane> panes;
-    size_t activePane = 0;
-    Qt::Orientation orientation = Qt::Horizontal;
+    PaneLayout panes;
     /// None for a window that stays where it is.
     std::optional<WindowFrame> frame;
 };
@@ -31,6 +23,6 @@ using DraftNames = std::map<QUuid, QString>;
 [[nodiscard]] SessionSnapshot snapshotOf(const WindowLayout &window, const std::vector<std::shared_ptr<TextDocument>> &documents,
                                          const DraftNames &drafts);
 
-/// The window for what came back of `snapshot`, whatever nonsense that holds. Texts without a pane are tabs of the active one. Every pane
-/// has a tab; with nothing restored there is no pane.
+/// The window for what came back of `snapshot`, whatever nonsense that holds. Texts without a pane are tabs of the active one. With
+/// nothing restored there is no pane.
 [[nodiscard]] WindowLayout layoutOf(const SessionSnapshot &snapshot, const std::vector<RestoredDocument> &restored);

@@ -293,23 +293,12 @@ void WorkspaceViewController::focusEditor()
 
 WindowLayout WorkspaceViewController::windowLayout() const
 {
-    WindowLayout layout{.panes = {},
-                        .activePane = size_t(std::max(m_layout.activeIndex(), 0)),
-                        .orientation = m_layout.orientation(),
-                        .frame = frameOf(*window())};
-    std::ranges::transform(m_layout.panes(), std::back_inserter(layout.panes), [](const PaneLayout::Pane &pane) {
-        return WindowLayout::Pane{pane.tabs, pane.selected};
-    });
-    return layout;
+    return {m_layout, frameOf(*window())};
 }
 
 void WorkspaceViewController::setWindowLayout(const WindowLayout &layout)
 {
-    PaneLayout panes = PaneLayout().turned(layout.orientation);
-    for (const WindowLayout::Pane &pane : layout.panes) {
-        panes = panes.addingPane(pane.documents, pane.selectedIndex);
-    }
-    setPaneLayout(panes.activating(int(layout.activePane)));
+    setPaneLayout(layout.panes);
     focusEditor();
     if (layout.frame) {
         placeWindow(*window(), *layout.frame);

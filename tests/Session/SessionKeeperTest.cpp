@@ -41,7 +41,7 @@ protected:
         std::ranges::transform(all, std::back_inserter(ids), &TextDocument::id);
         return ids;
     }
-    void showInWindow(const Documents &tabs) { windows.shown.push_back({.panes = {{tabs, 0}}}); }
+    void showInWindow(const Documents &tabs) { windows.shown.push_back({.panes = PaneLayout().addingPane(tabs, 0)}); }
     /// As it is on disk.
     SessionSnapshot kept()
     {
@@ -80,10 +80,9 @@ TEST_F(SessionKeeperTest, WhatWasTypedComesBackAsItWas)
     clean->lastSelectedRange = {1, 500};
     const auto keys = documents.add(TextDocument::generated(services, u"Keys"_s, u"text"_s, Language::plainText())).shared_from_this();
     const auto other = add(u"of another window"_s);
-    const WindowLayout window{.panes = {{{keys, text, file}, 2}, {{file, empty, clean}, 0}},
-                              .activePane = 1,
-                              .orientation = Qt::Vertical,
-                              .frame = WindowFrame{1, 2, 300, 400}};
+    const WindowLayout window{
+        .panes = PaneLayout().turned(Qt::Vertical).addingPane({keys, text, file}, 2).addingPane({file, empty, clean}, 0).activating(1),
+        .frame = WindowFrame{1, 2, 300, 400}};
     windows.shown = {window};
     keeper.performAutosave();
     ASSERT_TRUE(isWritten(*store));
@@ -98,22 +97,23 @@ TEST_F(SessionKeeperTest, WhatWasTypedComesBackAsItWas)
     DocumentStore restored(services, {});
     SessionKeeper next(scheduler, notifications, preferences, restored, *store);
     const std::optional<WindowLayout> back = next.restore();
-    ASSERT_TRUE(back && back->panes.size() == 2);
-    EXPECT_EQ(ids(back->panes[0].documents), ids({text, file}));
-    EXPECT_EQ(ids(back->panes[1].documents), ids({file, clean, other})) << "its window does not come back, its text does";
-    EXPECT_EQ(back->panes[0].selectedIndex, 1);
-    EXPECT_EQ(back->activePane, 1U);
-    EXPECT_EQ(back->orientation, Qt::Vertical);
+    ASSERT_TRUE(back && back->panes.paneCount() == 2);
+    const std::vector<PaneLayout::Pane> &panes = back->panes.panes();
+    EXPECT_EQ(ids(panes[0].tabs), ids({text, file}));
+    EXPECT_EQ(ids(panes[1].tabs), ids({file, clean, other})) << "its window does not come back, its text does";
+    EXPECT_EQ(panes[0].selected, 1);
+    EXPECT_EQ(back->panes.activeIndex(), 1);
+    EXPECT_EQ(back->panes.orientation(), Qt::Vertical);
     EXPECT_EQ(back->frame, window.frame);
-    const TextDocument &first = *back->panes[0].documents[0];
+    const TextDocument &first = *panes[0].tabs[0];
     EXPECT_EQ(first.storage().string(), u"\uFEFFä\u2028\r\U0001F600\n\uFFFD end"_s);
     EXPECT_EQ(first.encoding(), TextEncoding::windows1252);
     EXPECT_EQ(first.lineEnding(), LineEnding::cr);
     EXPECT_EQ(first.language().id(), u"python"_s);
     EXPECT_TRUE(first.languageWasChosenManually);
     EXPECT_EQ(first.lastSelectedRange, (TextRange{3, 2}));
-    EXPECT_EQ(back->panes[1].documents[1]->lastSelectedRange, TextRange()) << "beyond the text";
-    TextDocument &second = *back->panes[0].documents[1];
+    EXPECT_EQ(panes[1].tabs[1]->lastSelectedRange, TextRange()) << "beyond the text";
+    TextDocument &second = *panes[0].tabs[1];
     EXPECT_EQ(second.path(), file->path());
     EXPECT_EQ(second.storage().string(), u"changed"_s);
     EXPECT_EQ(second.lastScrollOffset, 7);
@@ -144,7 +144,7 @@ TEST_F(SessionKeeperTest, NonsenseInASnapshotLosesNoText)
         qint64 focused;
         std::vector<Documents> wanted;
         std::vector<int> selected;
-        size_t active;
+        int active;
     };
     for (const auto &[what, panes, focused, wanted, selected, active] : std::to_array<Case>({
              {"no panes", {}, 3, {all}, {0}, 0},
@@ -154,15 +154,15 @@ TEST_F(SessionKeeperTest, NonsenseInASnapshotLosesNoText)
              {"indexes beyond everything", {{{a, b}, 9}}, -1, {all}, {0}, 0},
          })) {
         const WindowLayout window = layoutOf({.panes = panes, .focusedPaneIndex = focused, .windowFrame = u"?"_s}, restored);
-        ASSERT_EQ(window.panes.size(), wanted.size()) << what;
+        ASSERT_EQ(size_t(window.panes.paneCount()), wanted.size()) << what;
         for (size_t index = 0; index < wanted.size(); ++index) {
-            EXPECT_EQ(window.panes[index].documents, wanted[index]) << what;
-            EXPECT_EQ(window.panes[index].selectedIndex, selected[index]) << what;
+            EXPECT_EQ(window.panes.panes()[index].tabs, wanted[index]) << what;
+            EXPECT_EQ(window.panes.panes()[index].selected, selected[index]) << what;
         }
-        EXPECT_EQ(window.activePane, active) << what;
+        EXPECT_EQ(window.panes.activeIndex(), active) << what;
         EXPECT_FALSE(window.frame) << what;
     }
-    EXPECT_TRUE(layoutOf({}, {}).panes.empty());
+    EXPECT_TRUE(layoutOf({}, {}).panes.isEmpty());
 }
 
 TEST_F(SessionKeeperTest, TheSessionIsThatOfOneWindow)
@@ -229,7 +229,7 @@ TEST_F(SessionKeeperTest, WritesAtItsTicksAfterAPauseAndNothingWhenIdle)
     // Without a session there still are drafts.
     preferences.set(Settings::restoreSession, false);
     const SessionSnapshot before = kept();
-    showInWindow({});
+    showInWindow({add({})});
     windows.frontmost = 1;
     edit(*text, u"4"_s);
     expectKept(u"4"_s, 500ms);
