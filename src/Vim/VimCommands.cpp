@@ -5,7 +5,7 @@
 
 #include "Text/TextBoundaries.h"
 #include "Vim/VimEngine.h"
-#include "Vim/VimEngineTables.h"
+#include "Vim/VimKeyTable.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,9 +13,6 @@ namespace {
 
 /// A paste of more is refused: it would come from a mistyped count.
 constexpr qsizetype longestPaste = qsizetype(1) << 30;
-
-/// More characters than any line has.
-constexpr qsizetype wholeLine = longestPaste;
 
 /// Upper case becomes lower, all else upper, character by character.
 QString withFlippedCase(const Rope &text)
@@ -50,111 +47,6 @@ bool endsWithBreak(const Rope &text)
 }
 
 } // namespace
-
-const std::array<VimEngine::OperatorRow, 8> VimEngine::Tables::operators = {{
-    {OperatorKind::remove, u'd'},
-    {OperatorKind::change, u'c'},
-    {OperatorKind::yank, u'y'},
-    {OperatorKind::indent, u'>'},
-    {OperatorKind::outdent, u'<'},
-    {OperatorKind::lowercase, u'u', true},
-    {OperatorKind::uppercase, u'U', true},
-    {OperatorKind::toggleCase, u'~', true},
-}};
-
-const std::array<VimEngine::PrefixRow, 9> VimEngine::Tables::prefixKeys = {{
-    {u'"', {.what = Awaiting::registerName}},
-    {u'g', {.what = Awaiting::gPrefix}},
-    {u'z', {.what = Awaiting::zPrefix}},
-    {u'f', {.what = Awaiting::findCharacter, .find = VimMotion::FindKind::forwardTo}},
-    {u't', {.what = Awaiting::findCharacter, .find = VimMotion::FindKind::forwardBefore}},
-    {u'F', {.what = Awaiting::findCharacter, .find = VimMotion::FindKind::backwardTo}},
-    {u'T', {.what = Awaiting::findCharacter, .find = VimMotion::FindKind::backwardBefore}},
-    {u'`', {.what = Awaiting::gotoMark, .isExact = true}},
-    {u'\'', {.what = Awaiting::gotoMark}},
-}};
-
-const std::array<VimEngine::ControlRow, 6> VimEngine::Tables::controlKeys = {{
-    {u'r',
-     [](VimEngine &engine) {
-         engine.m_view.redo();
-         engine.settleCaret();
-     }},
-    {u'd', [](VimEngine &engine) { engine.scrollLines(engine.m_view.visibleLineCount() / 2); }},
-    {u'u', [](VimEngine &engine) { engine.scrollLines(-(engine.m_view.visibleLineCount() / 2)); }},
-    {u'f', [](VimEngine &engine) { engine.scrollLines(engine.m_view.visibleLineCount()); }},
-    {u'b', [](VimEngine &engine) { engine.scrollLines(-engine.m_view.visibleLineCount()); }},
-    {u'w',
-     [](VimEngine &engine) {
-         engine.m_awaiting = Awaited{.what = Awaiting::windowPrefix};
-         engine.m_pendingKeys = u"^w"_s;
-         engine.notify();
-     }},
-}};
-
-const std::array<VimEngine::CommandRow, 35> VimEngine::Tables::commands = {{
-    {u'i', [](VimEngine &engine, qsizetype) { engine.enterInsert(engine.caret()); }},
-    {u'a',
-     [](VimEngine &engine, qsizetype) {
-         const qsizetype place = engine.caret();
-         engine.enterInsert(std::min(engine.charactersFrom(place, 1).end(), engine.buffer().lineContentEnd(place)));
-     }},
-    {u'I', [](VimEngine &engine, qsizetype) { engine.enterInsert(engine.buffer().firstNonBlank(engine.caret())); }},
-    {u'A', [](VimEngine &engine, qsizetype) { engine.enterInsert(engine.buffer().lineContentEnd(engine.caret())); }},
-    {u'o', [](VimEngine &engine, qsizetype) { engine.openLine(Side::after); }},
-    {u'O', [](VimEngine &engine, qsizetype) { engine.openLine(Side::before); }},
-    {u'x',
-     [](VimEngine &engine, qsizetype count) {
-         engine.apply(OperatorKind::remove, engine.charactersFrom(engine.caret(), count), Span::characters);
-     }},
-    {u'X',
-     [](VimEngine &engine, qsizetype count) {
-         const qsizetype place = engine.caret();
-         const qsizetype start = std::max(place - count, engine.buffer().lineStart(place));
-         engine.apply(OperatorKind::remove, TextRange::between(start, place), Span::characters);
-     }},
-    {u'D',
-     [](VimEngine &engine, qsizetype) {
-         engine.apply(OperatorKind::remove, engine.charactersFrom(engine.caret(), wholeLine), Span::characters);
-     }},
-    {u'C',
-     [](VimEngine &engine, qsizetype) {
-         engine.apply(OperatorKind::change, engine.charactersFrom(engine.caret(), wholeLine), Span::characters);
-     }},
-    {u's',
-     [](VimEngine &engine, qsizetype count) {
-         engine.apply(OperatorKind::change, engine.charactersFrom(engine.caret(), count), Span::characters);
-     }},
-    {u'S', [](VimEngine &engine, qsizetype count) { engine.applyLinewiseOperator(OperatorKind::change, count); }},
-    {u'Y', [](VimEngine &engine, qsizetype count) { engine.applyLinewiseOperator(OperatorKind::yank, count); }},
-    {u'r', [](VimEngine &engine, qsizetype) { engine.m_awaiting = Awaited{.what = Awaiting::replaceCharacter}; }},
-    {u'~', [](VimEngine &engine, qsizetype count) { engine.toggleCaseUnderCaret(count); }},
-    {u'J', [](VimEngine &engine, qsizetype count) { engine.joinLines(std::max<qsizetype>(count, 2)); }},
-    {u'p', [](VimEngine &engine, qsizetype count) { engine.paste(Side::after, count); }},
-    {u'P', [](VimEngine &engine, qsizetype count) { engine.paste(Side::before, count); }},
-    {u'u',
-     [](VimEngine &engine, qsizetype) {
-         engine.m_view.undo();
-         engine.settleCaret();
-         engine.resetPending();
-     }},
-    {u'v', [](VimEngine &engine, qsizetype) { engine.toggleVisual(Mode::visual); }},
-    {u'V', [](VimEngine &engine, qsizetype) { engine.toggleVisual(Mode::visualLine); }},
-    {u'.', [](VimEngine &engine, qsizetype) { engine.repeatLastChange(); }},
-    {u':', [](VimEngine &engine, qsizetype) { engine.beginCommandLine(u':'); }},
-    {u'/', [](VimEngine &engine, qsizetype) { engine.beginCommandLine(u'/'); }},
-    {u'?', [](VimEngine &engine, qsizetype) { engine.beginCommandLine(u'?'); }},
-    {u'n', [](VimEngine &engine, qsizetype) { engine.repeatSearch(false); }},
-    {u'N', [](VimEngine &engine, qsizetype) { engine.repeatSearch(true); }},
-    {u'*', [](VimEngine &engine, qsizetype) { engine.searchWordUnderCaret(SearchDirection::forward); }},
-    {u'#', [](VimEngine &engine, qsizetype) { engine.searchWordUnderCaret(SearchDirection::backward); }},
-    {u'm', [](VimEngine &engine, qsizetype) { engine.m_awaiting = Awaited{.what = Awaiting::setMark}; }},
-    {u'd', [](VimEngine &engine, qsizetype) { engine.applyToSelection(OperatorKind::remove); }, CommandRow::Modes::visual},
-    {u'c', [](VimEngine &engine, qsizetype) { engine.applyToSelection(OperatorKind::change); }, CommandRow::Modes::visual},
-    {u'y', [](VimEngine &engine, qsizetype) { engine.applyToSelection(OperatorKind::yank); }, CommandRow::Modes::visual},
-    {u'>', [](VimEngine &engine, qsizetype) { engine.applyToSelection(OperatorKind::indent); }, CommandRow::Modes::visual},
-    {u'<', [](VimEngine &engine, qsizetype) { engine.applyToSelection(OperatorKind::outdent); }, CommandRow::Modes::visual},
-}};
 
 // Editing
 

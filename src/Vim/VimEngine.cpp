@@ -6,7 +6,7 @@
 #include "Vim/VimEngine.h"
 
 #include "Text/TextBoundaries.h"
-#include "Vim/VimEngineTables.h"
+#include "Vim/VimKeyTable.h"
 
 #include <QScopedValueRollback>
 
@@ -21,6 +21,13 @@ qsizetype numberIn(const QString &digits, qsizetype otherwise)
     bool isNumber = false;
     const qlonglong number = digits.toLongLong(&isNumber);
     return isNumber ? std::min<qsizetype>(number, largestCount) : otherwise;
+}
+
+/// Control-[ is Escape as well.
+char16_t keyInAnyMode(const VimKeyEvent &event)
+{
+    const char16_t key = event.charactersIgnoringModifiers.front().unicode();
+    return event.control && key == u'[' ? VimKey::escape : key;
 }
 
 } // namespace
@@ -60,8 +67,7 @@ bool VimEngine::handleKey(const VimKeyEvent &event)
 {
     const QString &characters = event.charactersIgnoringModifiers;
     const char16_t key = characters.isEmpty() ? 0 : characters.front().unicode();
-    if ((characters.size() == 1 && key == VimKey::escape) || (event.control && characters == u"["_s)) {
-        leaveToNormal();
+    if (characters.size() == 1 && takeKey(KeyPlace::anyMode, keyInAnyMode(event))) {
         return true;
     }
     if (m_mode == Mode::insert) {
@@ -100,7 +106,7 @@ bool VimEngine::wants(const VimKeyEvent &event) const
         return false;
     }
     const char16_t key = characters.front().unicode();
-    if (key == VimKey::escape || (event.control && key == u'[')) {
+    if (row(KeyPlace::anyMode, keyInAnyMode(event))) {
         return true;
     }
     switch (m_mode) {
@@ -126,13 +132,13 @@ void VimEngine::handleStroke(const VimKeyStroke &stroke, QStringView key)
         handleControl(stroke.character);
         return;
     }
-    const auto row = std::ranges::find(Tables::navigationKeys, stroke.character, &Tables::NavigationRow::key);
-    if (row == Tables::navigationKeys.end()) {
+    const auto stands = std::ranges::find(NavigationRow::all, stroke.character, &NavigationRow::key);
+    if (stands == NavigationRow::all.end()) {
         handleNormal(key);
-    } else if (row->isControl) {
-        handleControl(row->standsFor);
+    } else if (stands->place == KeyPlace::withControl) {
+        handleControl(stands->standsFor);
     } else {
-        handleNormal(QStringView(&row->standsFor, 1));
+        handleNormal(QStringView(&stands->standsFor, 1));
     }
 }
 
@@ -169,16 +175,13 @@ void VimEngine::noteInsertedText(const QString &text)
 
 void VimEngine::handleControl(char16_t key)
 {
-    const auto row = std::ranges::find(Tables::controlKeys, key, &ControlRow::key);
-    if (row != Tables::controlKeys.end()) {
-        row->perform(*this);
-    }
+    takeKey(KeyPlace::withControl, key);
 }
 
-bool VimEngine::isControlKey(char16_t key)
+bool VimEngine::isControlKey(char16_t key) const
 {
     // Control-c ends the insert mode, and is to do no harm when it is pressed once too often.
-    return key == u'c' || std::ranges::find(Tables::controlKeys, key, &ControlRow::key) != Tables::controlKeys.end();
+    return key == u'c' || row(KeyPlace::withControl, key);
 }
 
 void VimEngine::handleNormal(QStringView key)
@@ -190,57 +193,71 @@ void VimEngine::handleNormal(QStringView key)
         complete(*std::exchange(m_awaiting, std::nullopt), key);
         return;
     }
-    if (!takeCountOrPrefix(unit) && !takeOperator(unit) && !executeMotion(unit) && !executeCommand(unit)) {
+    if (!takeDigit(unit) && !takeKey(KeyPlace::plain, unit)) {
         resetPending();
     }
 }
 
-bool VimEngine::takeCountOrPrefix(char16_t key)
+bool VimEngine::takeDigit(char16_t key)
 {
     QString &digits = m_pendingOperator ? m_operatorCountBuffer : m_countBuffer;
-    if (key >= u'0' && key <= u'9' && (key != u'0' || !digits.isEmpty())) {
-        digits += QChar(key);
-        return true;
-    }
-    if (const auto row = std::ranges::find(Tables::prefixKeys, key, &PrefixRow::key); row != Tables::prefixKeys.end()) {
-        m_awaiting = row->awaited;
-        return true;
-    }
-    if ((key == u'i' || key == u'a') && (m_pendingOperator || isVisual())) {
-        m_awaiting =
-            Awaited{.what = Awaiting::textObject, .extent = key == u'a' ? VimTextObject::Extent::around : VimTextObject::Extent::inner};
-        return true;
-    }
-    return false;
-}
-
-bool VimEngine::takeOperator(char16_t key)
-{
-    if (m_pendingOperator) {
-        const auto row = std::ranges::find(Tables::operators, *m_pendingOperator, &OperatorRow::kind);
-        if (row->key != key) {
-            return false;
-        }
-        applyLinewiseOperator(row->kind, effectiveCount());
-        return true;
-    }
-    const auto row = std::ranges::find(Tables::operators, key, &OperatorRow::key);
-    if (m_mode != Mode::normal || row == Tables::operators.end() || row->followsG) {
+    if (key < u'0' || key > u'9' || (key == u'0' && digits.isEmpty())) {
         return false;
     }
-    m_pendingOperator = row->kind;
+    digits += QChar(key);
     return true;
 }
 
-bool VimEngine::executeCommand(char16_t key)
+const VimEngine::KeyRow *VimEngine::row(KeyPlace place, char16_t key) const
 {
-    const auto row = std::ranges::find_if(Tables::commands, [&](const CommandRow &command) {
-        return command.key == key && (command.modes == CommandRow::Modes::all || isVisual());
-    });
-    if (row == Tables::commands.end()) {
+    const bool takesObject = m_pendingOperator || isVisual();
+    const auto found = std::ranges::find_if(
+        keys(), [&](const KeyRow &known) { return known.place == place && known.key == key && (takesObject || !known.awaitsObject()); });
+    return found == keys().end() ? nullptr : &*found;
+}
+
+bool VimEngine::takeKey(KeyPlace place, char16_t key)
+{
+    const KeyRow *known = row(place, key);
+    if (place == KeyPlace::plain && m_pendingOperator && isKeyOf(*m_pendingOperator, key)) {
+        applyLinewiseOperator(*m_pendingOperator, effectiveCount());
+        return true;
+    }
+    if (!known) {
         return false;
     }
-    row->perform(*this, effectiveCount());
+    if (const auto *motion = std::get_if<KeyRow::Motion>(&known->function)) {
+        go(motion->target, motion->unmoved);
+    } else if (const auto *command = std::get_if<KeyRow::Command>(&known->function)) {
+        command->perform(*this, std::max(effectiveCount(), command->leastCount));
+    } else if (const auto *kind = std::get_if<OperatorKind>(&known->function)) {
+        return takeOperator(*kind, place);
+    } else if (const auto *awaited = std::get_if<Awaited>(&known->function)) {
+        m_awaiting = *awaited;
+    } else {
+        m_view.perform(*std::get<const Action *>(known->function));
+    }
+    return true;
+}
+
+bool VimEngine::isKeyOf(OperatorKind kind, char16_t key)
+{
+    return std::ranges::any_of(keys(), [&](const KeyRow &known) {
+        const auto *other = std::get_if<OperatorKind>(&known.function);
+        return known.key == key && other && *other == kind;
+    });
+}
+
+bool VimEngine::takeOperator(OperatorKind kind, KeyPlace place)
+{
+    if (place == KeyPlace::plain && isVisual()) {
+        applyToSelection(kind);
+        return true;
+    }
+    if (m_pendingOperator) {
+        return false;
+    }
+    m_pendingOperator = kind;
     return true;
 }
 
@@ -275,46 +292,29 @@ void VimEngine::complete(const Awaited &awaited, QStringView key)
         m_pendingRegister = unit;
         return;
     case Awaiting::gPrefix:
-        completeG(unit);
+        if (!takeKey(KeyPlace::afterG, unit)) {
+            resetPending();
+        }
         return;
     case Awaiting::zPrefix:
-        if (unit == u'z') {
-            m_view.centerSelection();
-        } else if (unit == u't' || unit == u'b') {
-            m_view.revealSelection();
+        if (!takeKey(KeyPlace::afterZ, unit)) {
+            resetPending();
         }
-        resetPending();
         return;
     case Awaiting::windowPrefix:
-        completeWindow(unit);
-        return;
-    }
-}
-
-void VimEngine::completeG(char16_t key)
-{
-    if (key == u'g') {
-        goToLine(effectiveCount(), 0);
-        return;
-    }
-    const auto row =
-        std::ranges::find_if(Tables::operators, [key](const OperatorRow &known) { return known.followsG && known.key == key; });
-    if (row != Tables::operators.end() && !m_pendingOperator) {
-        m_pendingOperator = row->kind;
-    } else {
         resetPending();
+        if (!takeKey(KeyPlace::afterWindow, unit)) {
+            m_view.beep();
+        }
+        return;
     }
 }
 
-void VimEngine::completeWindow(char16_t key)
+void VimEngine::awaitWindowKey()
 {
-    resetPending();
-    const auto row = std::ranges::find(Tables::windowKeys, key, &Tables::WindowRow::key);
-    if (row == Tables::windowKeys.end()) {
-        m_view.beep();
-    } else {
-        m_view.perform(row->action);
-    }
+    m_awaiting = Awaited{.what = Awaiting::windowPrefix};
+    m_pendingKeys = u"^w"_s;
+    notify();
 }
 
 void VimEngine::takeObject(VimTextObject::Extent extent, char16_t key)

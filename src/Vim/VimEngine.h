@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Vim/VimKeyHelp.h"
 #include "Vim/VimKeymap.h"
 #include "Vim/VimMotion.h"
 #include "Vim/VimRegisters.h"
@@ -10,6 +11,7 @@
 
 #include <map>
 #include <optional>
+#include <span>
 #include <variant>
 
 class VimEngine;
@@ -71,6 +73,9 @@ public:
     void moveLinesDown() { moveLines(1); }
     void moveLinesUp() { moveLines(-1); }
 
+    /// What there is to say about its keys, without those of key maps.
+    [[nodiscard]] static VimKeyHelpEntries keyHelp();
+
 private:
     enum class Awaiting {
         findCharacter,
@@ -94,13 +99,13 @@ private:
     enum class Keep { nothing, desiredColumn };
     enum class Side { before, after };
     enum class SearchDirection { forward, backward };
-    struct Tables;
+    enum class VisibleLine { first, middle, last };
+    enum class Shown { anywhere, centered };
+    /// Where a key may come: where commands begin, with Control, behind another one, or in whatever mode.
+    enum class KeyPlace { plain, withControl, afterG, afterZ, afterWindow, anyMode };
+    struct KeyRow;
+    struct NavigationRow;
     friend struct VimTables;
-    struct OperatorRow;
-    struct PrefixRow;
-    struct ControlRow;
-    struct MotionRow;
-    struct CommandRow;
 
     // Keys
     bool handleKey(const VimKeyEvent &event);
@@ -110,14 +115,16 @@ private:
     void handleControl(char16_t key);
     /// `key` is one character, of one unit or more.
     void handleNormal(QStringView key);
-    bool takeCountOrPrefix(char16_t key);
-    bool takeOperator(char16_t key);
-    bool executeMotion(char16_t key);
-    bool executeCommand(char16_t key);
+    bool takeDigit(char16_t key);
+    [[nodiscard]] static std::span<const KeyRow> keys();
+    /// Null when there is no such key, or it makes no sense now.
+    [[nodiscard]] const KeyRow *row(KeyPlace place, char16_t key) const;
+    bool takeKey(KeyPlace place, char16_t key);
+    bool takeOperator(OperatorKind kind, KeyPlace place);
+    [[nodiscard]] static bool isKeyOf(OperatorKind kind, char16_t key);
+    void awaitWindowKey();
     void perform(const VimKeymapAction &action);
     void complete(const Awaited &awaited, QStringView key);
-    void completeG(char16_t key);
-    void completeWindow(char16_t key);
     void takeObject(VimTextObject::Extent extent, char16_t key);
 
     // State
@@ -138,13 +145,17 @@ private:
     void updateVisualSelection(qsizetype head);
 
     // Motions
+    using Target = VimMotion::Result (*)(const VimMotion::Request &request);
+    enum class Unmoved { fails, succeeds };
+    void go(Target target, Unmoved unmoved);
     void applyMotion(const VimMotion::Result &result);
     void applyVertical(qsizetype lines);
     void findOnLine(char16_t character, VimMotion::FindKind kind);
     void repeatFind(bool isReversed);
     void goToLine(std::optional<qsizetype> number, qsizetype otherwise);
     void goToMark(const QString &name, bool isExact);
-    void goToVisibleLine(char16_t key);
+    void goToVisibleLine(VisibleLine line);
+    void showSelection(Shown where);
     void scrollLines(qsizetype lines);
     [[nodiscard]] TextRange linewiseRange(qsizetype from, qsizetype to) const;
 
@@ -175,7 +186,7 @@ private:
     void repeatSearch(bool isReversed);
     void searchWordUnderCaret(SearchDirection direction);
     void jumpToMatch(const QString &pattern, SearchDirection direction);
-    [[nodiscard]] static bool isControlKey(char16_t key);
+    [[nodiscard]] bool isControlKey(char16_t key) const;
 
     VimTextView &m_view;
     VimEngineDelegate &m_delegate;

@@ -6,160 +6,19 @@
 #include "Text/TextBoundaries.h"
 #include "Text/TextSearch.h"
 #include "Vim/VimEngine.h"
-#include "Vim/VimEngineTables.h"
+#include "Vim/VimKeyTable.h"
 
 using namespace Qt::StringLiterals;
 using VimMotion::Kind;
-using VimMotion::Request;
-using Target = VimMotion::Result;
-using VimMotion::Words;
 
-namespace {
-
-/// Of the character at `offset`. What looks for something behind the caret begins here, or it would find the rest of a character that the
-/// caret does not leave.
-qsizetype lastUnit(const Rope &text, qsizetype offset)
+void VimEngine::go(Target target, Unmoved unmoved)
 {
-    return std::max(TextBoundaries::nextGrapheme(text, offset) - 1, offset);
-}
-
-/// Words that begin within a character are none.
-qsizetype nextWord(VimBuffer &text, qsizetype from, Words words)
-{
-    do {
-        from = VimMotion::nextWordStart(text, from, words);
-    } while (from < text.length() && TextBoundaries::snapped(text.text(), from) < from);
-    return from;
-}
-
-qsizetype nextEnd(VimBuffer &text, qsizetype from, Words words)
-{
-    return VimMotion::nextWordEnd(text, lastUnit(text.text(), from), words);
-}
-
-/// Where `step` leads that often, or as often as it leads anywhere.
-template<auto step, auto how>
-qsizetype repeated(const Request &request)
-{
-    qsizetype from = request.caret;
-    for (qsizetype done = 0; done < request.count; ++done) {
-        const qsizetype next = step(request.text, from, how);
-        if (next == from) {
-            break;
-        }
-        from = next;
-    }
-    return from;
-}
-
-Target left(const Request &request)
-{
-    return {.position = std::max(request.caret - request.count, request.text.lineStart(request.caret))};
-}
-
-Target right(const Request &request)
-{
-    const Rope &text = request.text.text();
-    const qsizetype end = request.text.lineContentEnd(request.caret);
-    const qsizetype last = TextBoundaries::snapped(text, std::max(end - 1, request.text.lineStart(request.caret)));
-    return {.position = characterAtOrBehind(text, std::min(request.caret + request.count, request.mayStandOnBreak ? end : last))};
-}
-
-template<Words words>
-Target wordStart(const Request &request)
-{
-    return {.position = repeated<nextWord, words>(request), .isWordMotion = true};
-}
-
-template<Words words>
-Target wordStartBefore(const Request &request)
-{
-    return {.position = repeated<VimMotion::previousWordStart, words>(request)};
-}
-
-template<Words words>
-Target wordEnd(const Request &request)
-{
-    return {.position = repeated<nextEnd, words>(request), .kind = Kind::inclusive};
-}
-
-template<VimMotion::Direction direction>
-Target paragraph(const Request &request)
-{
-    return {.position = repeated<VimMotion::nextParagraphBoundary, direction>(request)};
-}
-
-Target lineStart(const Request &request)
-{
-    return {.position = request.text.lineStart(request.caret)};
-}
-
-Target firstNonBlank(const Request &request)
-{
-    return {.position = request.text.firstNonBlank(request.caret)};
-}
-
-Target lineEnd(const Request &request)
-{
-    return {.position = VimMotion::lineEnd(request.text, request.caret, request.count), .kind = Kind::inclusive};
-}
-
-} // namespace
-
-const std::array<VimEngine::MotionRow, 13> VimEngine::Tables::motions = {{
-    {u'h', left},
-    {u'l', right},
-    {u'w', wordStart<Words::small>},
-    {u'W', wordStart<Words::big>},
-    {u'b', wordStartBefore<Words::small>},
-    {u'B', wordStartBefore<Words::big>},
-    {u'e', wordEnd<Words::small>},
-    {u'E', wordEnd<Words::big>},
-    {u'0', lineStart, MotionRow::Unmoved::succeeds},
-    {u'^', firstNonBlank, MotionRow::Unmoved::succeeds},
-    {u'$', lineEnd, MotionRow::Unmoved::succeeds},
-    {u'{', paragraph<VimMotion::Direction::backward>},
-    {u'}', paragraph<VimMotion::Direction::forward>},
-}};
-
-bool VimEngine::executeMotion(char16_t key)
-{
-    if (const auto row = std::ranges::find(Tables::motions, key, &MotionRow::key); row != Tables::motions.end()) {
-        VimBuffer text = buffer();
-        const qsizetype from = caret();
-        Target result = row->target({text, from, effectiveCount(), m_mode != Mode::normal});
-        result.failed = row->unmoved == MotionRow::Unmoved::fails && TextBoundaries::snapped(text.text(), result.position) == from;
-        applyMotion(result);
-        return true;
-    }
-    // Those that depend on what was typed before, or on the screen.
-    switch (key) {
-    case u'j':
-        applyVertical(effectiveCount());
-        return true;
-    case u'k':
-        applyVertical(-effectiveCount());
-        return true;
-    case u'G':
-        goToLine(hasCount() ? std::optional(effectiveCount()) : std::nullopt, buffer().lastLineStart());
-        return true;
-    case u'%': {
-        VimBuffer text = buffer();
-        applyMotion(VimMotion::matchingBracket(text, caret()));
-        return true;
-    }
-    case u';':
-    case u',':
-        repeatFind(key == u',');
-        return true;
-    case u'H':
-    case u'M':
-    case u'L':
-        goToVisibleLine(key);
-        return true;
-    default:
-        return false;
-    }
+    VimBuffer text = buffer();
+    const qsizetype from = caret();
+    VimMotion::Result result = target({text, from, effectiveCount(), m_mode != Mode::normal});
+    const bool isUnmoved = TextBoundaries::snapped(text.text(), result.position) == from;
+    result.failed = result.failed || (isUnmoved && unmoved == Unmoved::fails);
+    applyMotion(result);
 }
 
 void VimEngine::applyMotion(const VimMotion::Result &result)
@@ -226,14 +85,20 @@ void VimEngine::goToLine(std::optional<qsizetype> number, qsizetype otherwise)
     applyMotion({.position = text.firstNonBlank(line), .kind = Kind::linewise});
 }
 
-void VimEngine::goToVisibleLine(char16_t key)
+void VimEngine::goToVisibleLine(VisibleLine line)
 {
     VimBuffer text = buffer();
     const TextRange seen = m_view.visibleRange();
-    const qsizetype place = key == u'H'   ? seen.location
-                            : key == u'M' ? seen.location + seen.length / 2
-                                          : std::max(seen.end() - 1, seen.location);
+    const qsizetype place = line == VisibleLine::first    ? seen.location
+                            : line == VisibleLine::middle ? seen.location + seen.length / 2
+                                                          : std::max(seen.end() - 1, seen.location);
     applyMotion({.position = text.firstNonBlank(place), .kind = Kind::linewise});
+}
+
+void VimEngine::showSelection(Shown where)
+{
+    where == Shown::centered ? m_view.centerSelection() : m_view.revealSelection();
+    resetPending();
 }
 
 void VimEngine::goToMark(const QString &name, bool isExact)
@@ -257,7 +122,7 @@ void VimEngine::findOnLine(char16_t character, VimMotion::FindKind kind)
 {
     VimBuffer text = buffer();
     const bool isForward = kind == VimMotion::FindKind::forwardTo || kind == VimMotion::FindKind::forwardBefore;
-    const qsizetype from = isForward ? lastUnit(text.text(), caret()) : caret();
+    const qsizetype from = isForward ? VimMotion::lastUnit(text.text(), caret()) : caret();
     applyMotion(VimMotion::find(text, from, character, kind, effectiveCount()));
 }
 
@@ -338,7 +203,7 @@ void VimEngine::jumpToMatch(const QString &pattern, SearchDirection direction)
     }
     const Rope &text = m_view.text();
     const qsizetype from = caret();
-    const qsizetype last = lastUnit(text, from);
+    const qsizetype last = VimMotion::lastUnit(text, from);
     const TextRange before{0, from};
     const TextRange all{0, text.length() + 1};
     std::optional<TextRange> hit;

@@ -10,22 +10,27 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+using namespace std::string_view_literals;
 
 namespace {
 
+using enum VimKeyHelp::Section;
+
 constexpr auto commands = std::to_array<VimExCommand>({
-    {{u"write", u"w"}, &Actions::saveDocument},
-    {{u"wq", u"x", u"wqa", u"xa"}, &Actions::saveAndClose},
-    {{u"close", u"q"}, &Actions::closeTab},
-    {{u"q!"}, &Actions::forceCloseTab},
+    {{u"w", u"write"}, &Actions::saveDocument, {commandLine, u"write, quit, both"}},
+    {{u"q", u"close"}, &Actions::closeTab, besideAbove},
+    {{u"wq", u"x", u"wqa", u"xa"}, &Actions::saveAndClose, besideAbove, 2},
+    {{u"q!"}, &Actions::forceCloseTab, {commandLine, u"quit without saving"}},
     {{u"qa", u"qa!"}, &Actions::closeWindowFromVim},
-    {{u"edit", u"e", u"e!"}, &Actions::editFile},
+    {{u"e", u"edit", u"e!"}, &Actions::editFile, {commandLine, u"reload, or open a file", {u":e", u":e {file}"sv}}},
+    {{}, VimExCommand::Line{}, {commandLine, u"go to a line", {u":{number}"}}},
+    {{}, VimExCommand::Substitute{}, {commandLine, u"substitute; flags g and i", {u":s/old/new/"sv, u":%s/old/new/g"sv}}},
+    {{u"vs", u"vsplit"}, &Actions::splitEditorRight, {commandLine, u"split right, split down, close the others"}},
+    {{u"sp", u"split"}, &Actions::splitEditorDown, besideAbove},
+    {{u"only", u"on"}, &Actions::closeOtherSplits, besideAbove},
+    {{u"set"}, VimExCommand::Set{}},
     // A search leaves nothing marked.
     {{u"nohlsearch", u"nohl", u"noh"}, VimExCommand::Ignored{}},
-    {{u"set"}, VimExCommand::Set{}},
-    {{u"vsplit", u"vs"}, &Actions::splitEditorRight},
-    {{u"split", u"sp"}, &Actions::splitEditorDown},
-    {{u"only", u"on"}, &Actions::closeOtherSplits},
 });
 
 template<size_t count>
@@ -67,6 +72,30 @@ bool apply(const Setting<int> &setting, QStringView typed, Preferences &preferen
     return isMeant && number;
 }
 
+/// Switches first.
+VimKeyHelpEntries helpOfOptions()
+{
+    VimKeyHelpEntries switches;
+    VimKeyHelpEntries others;
+    for (const AnySetting *setting : Settings::all()) {
+        const ExOption &option = setting->details.option;
+        if (!option.exists()) {
+            continue;
+        }
+        const VimKeyHelp help{commandLine, option.purpose};
+        const QString name = option.names.front().toString();
+        if (const auto *number = std::get_if<int>(&setting->byDefault)) {
+            others.emplace_back(u":set %1=%2"_s.arg(name).arg(*number), help);
+        } else if (option.direction == ExOption::Direction::onlyOff) {
+            others.emplace_back(u":set no"_s + name, help);
+        } else {
+            switches.emplace_back(u":set "_s + name, help).keys << u":set no"_s + name;
+        }
+    }
+    std::ranges::move(others, std::back_inserter(switches));
+    return switches;
+}
+
 void substitute(QStringView command, VimCommandHost &host)
 {
     if (const auto substitution = VimSubstitution::parse(command)) {
@@ -99,6 +128,22 @@ const VimExCommand *VimExCommand::named(QStringView name)
 {
     const auto found = std::ranges::find_if(commands, [name](const VimExCommand &command) { return isAmong(command.names, name); });
     return found == commands.end() ? nullptr : &*found;
+}
+
+VimKeyHelpEntries VimExCommand::keyHelp()
+{
+    VimKeyHelpEntries entries;
+    for (const VimExCommand &command : commands) {
+        if (!command.help.exists()) {
+            continue;
+        }
+        VimKeyHelpEntry &entry = entries.emplace_back(u':' + command.names.front().toString(), command.help);
+        for (size_t name = 1; name < command.toldNames; ++name) {
+            entry.keys << u':' + command.names[name].toString();
+        }
+    }
+    std::ranges::move(helpOfOptions(), std::back_inserter(entries));
+    return entries;
 }
 
 void VimExCommand::run(const QString &typed, VimCommandHost &host, Preferences &preferences)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Commands/Action.h"
+#include "Vim/VimKeyHelp.h"
 
 #include <QString>
 
@@ -33,12 +34,22 @@ struct VimExCommand {
     struct Set {};
     struct Ignored {};
 
+    /// The number of a line, and a substitution: no names, but forms of their own.
+    struct Line {};
+    struct Substitute {};
+
     std::array<QStringView, 4> names;
-    std::variant<Ignored, Set, const Action *> function;
+    std::variant<Ignored, Set, Line, Substitute, const Action *> function;
+    VimKeyHelp help = {};
+    /// How many of the names, from the first on, the reference of keys tells.
+    size_t toldNames = 1;
 
     [[nodiscard]] static std::span<const VimExCommand> table();
     /// Null when there is none of that name.
     [[nodiscard]] static const VimExCommand *named(QStringView name);
+
+    /// What there is to say about them and the options of `:set`.
+    [[nodiscard]] static VimKeyHelpEntries keyHelp();
 
     /// Carries out what was typed behind ":"; says so when it is no command.
     static void run(const QString &typed, VimCommandHost &host, Preferences &preferences);

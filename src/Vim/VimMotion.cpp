@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Vim/VimMotion.h"
 
+#include "Text/TextBoundaries.h"
+
 #include <string_view>
 
 namespace {
@@ -84,7 +86,7 @@ qsizetype nextWordEnd(VimBuffer &text, qsizetype from, Words words)
     return place;
 }
 
-qsizetype lineEnd(VimBuffer &text, qsizetype from, qsizetype count)
+qsizetype lastOfLine(VimBuffer &text, qsizetype from, qsizetype count)
 {
     const qsizetype line = text.line(from, count - 1).value_or(text.lineStart(from));
     return std::max(text.lineContentEnd(line) - 1, line);
@@ -175,5 +177,111 @@ Result find(VimBuffer &text, qsizetype from, char16_t character, FindKind kind, 
     }
     return {.position = isBefore ? found - step : found, .kind = motionKind};
 }
+
+qsizetype lastUnit(const Rope &text, qsizetype offset)
+{
+    return std::max(TextBoundaries::nextGrapheme(text, offset) - 1, offset);
+}
+
+namespace {
+
+/// Words that begin within a character are none.
+qsizetype nextWord(VimBuffer &text, qsizetype from, Words words)
+{
+    do {
+        from = nextWordStart(text, from, words);
+    } while (from < text.length() && TextBoundaries::snapped(text.text(), from) < from);
+    return from;
+}
+
+qsizetype nextEnd(VimBuffer &text, qsizetype from, Words words)
+{
+    return nextWordEnd(text, lastUnit(text.text(), from), words);
+}
+
+/// Where `step` leads that often, or as often as it leads anywhere.
+template<auto step, auto how>
+qsizetype repeated(const Request &request)
+{
+    qsizetype from = request.caret;
+    for (qsizetype done = 0; done < request.count; ++done) {
+        const qsizetype next = step(request.text, from, how);
+        if (next == from) {
+            break;
+        }
+        from = next;
+    }
+    return from;
+}
+
+} // namespace
+
+Result left(const Request &request)
+{
+    return {.position = std::max(request.caret - request.count, request.text.lineStart(request.caret))};
+}
+
+Result right(const Request &request)
+{
+    const Rope &text = request.text.text();
+    const qsizetype end = request.text.lineContentEnd(request.caret);
+    const qsizetype last = TextBoundaries::snapped(text, std::max(end - 1, request.text.lineStart(request.caret)));
+    return {.position = characterAtOrBehind(text, std::min(request.caret + request.count, request.mayStandOnBreak ? end : last))};
+}
+
+template<Words words>
+Result wordStart(const Request &request)
+{
+    return {.position = repeated<nextWord, words>(request), .isWordMotion = true};
+}
+
+template<Words words>
+Result wordStartBefore(const Request &request)
+{
+    return {.position = repeated<previousWordStart, words>(request)};
+}
+
+template<Words words>
+Result wordEnd(const Request &request)
+{
+    return {.position = repeated<nextEnd, words>(request), .kind = Kind::inclusive};
+}
+
+Result paragraphBefore(const Request &request)
+{
+    return {.position = repeated<nextParagraphBoundary, Direction::backward>(request)};
+}
+
+Result paragraphBehind(const Request &request)
+{
+    return {.position = repeated<nextParagraphBoundary, Direction::forward>(request)};
+}
+
+Result lineStart(const Request &request)
+{
+    return {.position = request.text.lineStart(request.caret)};
+}
+
+Result firstNonBlank(const Request &request)
+{
+    return {.position = request.text.firstNonBlank(request.caret)};
+}
+
+Result lineEnd(const Request &request)
+{
+    return {.position = lastOfLine(request.text, request.caret, request.count), .kind = Kind::inclusive};
+}
+
+Result bracketPartner(const Request &request)
+{
+    return matchingBracket(request.text, request.caret);
+}
+
+template Result wordStart<Words::small>(const Request &request);
+template Result wordStart<Words::big>(const Request &request);
+template Result wordStartBefore<Words::small>(const Request &request);
+template Result wordStartBefore<Words::big>(const Request &request);
+template Result wordEnd<Words::small>(const Request &request);
+template Result wordEnd<Words::big>(const Request &request);
 
 } // namespace VimMotion

@@ -43,7 +43,7 @@ enum class Words {
 /// The last unit of the word.
 [[nodiscard]] qsizetype nextWordEnd(VimBuffer &text, qsizetype from, Words words);
 /// The last character of the line `count` - 1 below, or of this line where there is none.
-[[nodiscard]] qsizetype lineEnd(VimBuffer &text, qsizetype from, qsizetype count);
+[[nodiscard]] qsizetype lastOfLine(VimBuffer &text, qsizetype from, qsizetype count);
 
 enum class Direction { forward, backward };
 /// The next empty line; lines of blanks are none. Without one an end of the text.
@@ -52,5 +52,26 @@ enum class Direction { forward, backward };
 [[nodiscard]] Result matchingBracket(VimBuffer &text, qsizetype from);
 /// The `count`-th occurrence on the line.
 [[nodiscard]] Result find(VimBuffer &text, qsizetype from, char16_t character, FindKind kind, qsizetype count);
+
+/// The last unit of the character at `offset`. What looks for something behind the caret begins here, or it would find the rest of a
+/// character that the caret does not leave.
+[[nodiscard]] qsizetype lastUnit(const Rope &text, qsizetype offset);
+
+// The motions of the keys, for as often as the request says or as they lead anywhere.
+
+[[nodiscard]] Result left(const Request &request);
+[[nodiscard]] Result right(const Request &request);
+template<Words words>
+[[nodiscard]] Result wordStart(const Request &request);
+template<Words words>
+[[nodiscard]] Result wordStartBefore(const Request &request);
+template<Words words>
+[[nodiscard]] Result wordEnd(const Request &request);
+[[nodiscard]] Result paragraphBefore(const Request &request);
+[[nodiscard]] Result paragraphBehind(const Request &request);
+[[nodiscard]] Result lineStart(const Request &request);
+[[nodiscard]] Result firstNonBlank(const Request &request);
+[[nodiscard]] Result lineEnd(const Request &request);
+[[nodiscard]] Result bracketPartner(const Request &request);
 
 } // namespace VimMotion

@@ -4,150 +4,55 @@
 
 #include "Base/Translation.h"
 #include "Settings/Preferences.h"
+#include "Vim/VimEngine.h"
 #include "Vim/VimExCommands.h"
-#include "Vim/VimKeymap.h"
+#include "Vim/VimTextObject.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
-using namespace std::string_view_literals;
 
 namespace {
 
 using VimReference::Row;
 using VimReference::Section;
 
-struct KeyRow {
-    std::array<QStringView, 6> keys;
-    const char16_t *text;
-};
-
-constexpr auto modes = std::to_array<KeyRow>({
-    {{u"i", u"a"}, u"insert before / after the cursor"},
-    {{u"I", u"A"}, u"insert at the first non-blank / end of line"},
-    {{u"o", u"O"}, u"open a line below / above"},
-    {{u"v", u"V"}, u"visual, visual line"},
-    {{u":"}, u"command line"},
-    {{u"/", u"?"}, u"search forward / backward"},
-    {{u"Esc"sv}, u"back to normal mode"},
-});
-
-constexpr auto motions = std::to_array<KeyRow>({
-    {{u"h", u"j", u"k", u"l"}, u"left, down, up, right - arrows work too"},
-    {{u"w", u"W", u"b", u"B"}, u"word / WORD forward and back"},
-    {{u"e", u"E"}, u"end of word"},
-    {{u"0", u"^", u"$"}, u"start of line, first non-blank, end of line"},
-    {{u"gg", u"G", u"{n}G"}, u"first line, last line, line n"},
-    {{u"f", u"F", u"t", u"T"}, u"find a character on the line; ; and , repeat"},
-    {{u"{", u"}"}, u"previous / next blank line"},
-    {{u"%"}, u"matching bracket"},
-    {{u"H", u"M", u"L"}, u"top, middle, bottom of the screen"},
-    {{u"⌃D", u"⌃U", u"⌃F", u"⌃B"}, u"half page / page down and up"},
-    {{u"`", u"'"}, u"jump to a mark, exactly / to its line"},
-});
-
-constexpr auto operators = std::to_array<KeyRow>({
-    {{u"d", u"dd"}, u"delete"},
-    {{u"c", u"cc"}, u"change"},
-    {{u"y", u"yy"}, u"yank"},
-    {{u">", u"<"}, u"indent, outdent"},
-    {{u"gu", u"gU", u"g~"}, u"lower case, upper case, toggle case"},
-});
-
-constexpr auto textObjects = std::to_array<KeyRow>({
-    {{u"iw", u"aw", u"iW", u"aW"}, u"word, WORD"},
-    {{u"ip", u"ap"}, u"paragraph"},
-    {{u"i\"", u"a\"", u"i'", u"a'"}, u"quoted string"},
-    {{u"i(", u"a(", u"i[", u"a[", u"i{", u"a{"}, u"brackets"},
-});
-
-constexpr auto editing = std::to_array<KeyRow>({
-    {{u"x", u"X"}, u"delete character forward / back"},
-    {{u"s", u"S"}, u"substitute character / line"},
-    {{u"D", u"C", u"Y"}, u"to end of line: delete, change, yank"},
-    {{u"r"}, u"replace one character"},
-    {{u"~"}, u"toggle case"},
-    {{u"J"}, u"join lines"},
-    {{u"p", u"P"}, u"paste after / before"},
-    {{u"u", u"⌃R"}, u"undo, redo"},
-    {{u"."}, u"repeat the last change"},
-    {{u"m{a-z}"}, u"set a mark"},
-    {{u"\"{a-z}"}, u"choose a register; \"+ is the system clipboard"},
-});
-
-constexpr auto windows = std::to_array<KeyRow>({
-    {{u"⌃w v"sv, u"⌃w s"sv}, u"split right / down"},
-    {{u"⌃w c"sv, u"⌃w o"sv}, u"close this split / close the others"},
-    {{u"⌃w w"sv, u"⌃w W"sv}, u"cycle forward / back"},
-    {{u"⌃w h"sv, u"⌃w j"sv, u"⌃w k"sv, u"⌃w l"sv}, u"move between panes"},
-});
-
-constexpr auto searching = std::to_array<KeyRow>({
-    {{u"/", u"?"}, u"search forward / backward"},
-    {{u"n", u"N"}, u"next / previous match"},
-    {{u"*", u"#"}, u"search the word under the cursor"},
-});
-
-constexpr auto commandLine = std::to_array<KeyRow>({
-    {{u":w", u":q", u":wq", u":x"}, u"write, quit, both"},
-    {{u":q!"}, u"quit without saving"},
-    {{u":e", u":e {file}"sv}, u"reload, or open a file"},
-    {{u":{number}"sv}, u"go to a line"},
-    {{u":s/old/new/"sv, u":%s/old/new/g"sv}, u"substitute; flags g and i"},
-    {{u":vs", u":sp", u":only"sv}, u"split right, split down, close the others"},
-});
-
 struct SectionRow {
+    VimKeyHelp::Section section;
     const char16_t *heading;
-    std::span<const KeyRow> rows;
     const char16_t *intro = nullptr;
 };
 
+using enum VimKeyHelp::Section;
+
 constexpr auto sectionRows = std::to_array<SectionRow>({
-    {u"Modes", modes},
-    {u"Motions", motions},
-    {u"Operators", operators, u"Each takes a motion, a text object, or a doubled form for whole lines."},
-    {u"Text objects", textObjects},
-    {u"Editing", editing},
-    {u"Windows", windows, u"Panes are a flat list rather than a tree, so h and k mean the pane before this one and j and l the one after."},
-    {u"Search", searching},
-    {u"Command line", commandLine},
+    {modes, u"Modes"},
+    {motions, u"Motions"},
+    {operators, u"Operators", u"Each takes a motion, a text object, or a doubled form for whole lines."},
+    {textObjects, u"Text objects"},
+    {editing, u"Editing"},
+    {windows, u"Windows", u"Panes are a flat list rather than a tree, so h and k mean the pane before this one and j and l the one after."},
+    {search, u"Search"},
+    {commandLine, u"Command line"},
 });
 
-void append(std::vector<Row> &rows, std::span<const KeyRow> source)
+/// The rows of one section, with the keys beside each other that are told of together.
+std::vector<Row> rowsOf(VimKeyHelp::Section section, const VimKeyHelpEntries &entries)
 {
-    for (const KeyRow &row : source) {
-        Row &added = rows.emplace_back(Row{.keys = {}, .text = localized(row.text)});
-        for (const QStringView key : row.keys) {
-            if (!key.isEmpty()) {
-                added.keys << key.toString();
+    std::vector<Row> rows;
+    bool isHere = false;
+    for (const VimKeyHelpEntry &entry : entries) {
+        if (!entry.help.isBesideAbove) {
+            isHere = entry.help.section == section || entry.help.alsoIn == section;
+            if (isHere) {
+                rows.push_back({.keys = {}, .text = localized(entry.help.text)});
             }
         }
-    }
-}
-
-/// The options of `:set`: switches first.
-std::vector<Row> optionRows()
-{
-    std::vector<Row> switches;
-    std::vector<Row> others;
-    for (const AnySetting *setting : Settings::all()) {
-        const ExOption &option = setting->details.option;
-        if (!option.exists()) {
-            continue;
-        }
-        const QString name = option.names.front().toString();
-        const QString text = localized(option.purpose);
-        if (const auto *number = std::get_if<int>(&setting->byDefault)) {
-            others.push_back({{u":set %1=%2"_s.arg(name).arg(*number)}, text});
-        } else if (option.direction == ExOption::Direction::onlyOff) {
-            others.push_back({{u":set no"_s + name}, text});
-        } else {
-            switches.push_back({{u":set "_s + name, u":set no"_s + name}, text});
+        if (isHere) {
+            rows.back().keys << entry.keys;
         }
     }
-    std::ranges::move(others, std::back_inserter(switches));
-    return switches;
+    return rows;
 }
 
 QString escaped(QString text)
@@ -255,13 +160,15 @@ void align(std::span<QString> lines)
 
 std::vector<Section> VimReference::sections()
 {
+    VimKeyHelpEntries entries = VimEngine::keyHelp();
+    std::ranges::move(VimTextObject::keyHelp(), std::back_inserter(entries));
+    std::ranges::move(VimExCommand::keyHelp(), std::back_inserter(entries));
     std::vector<Section> all;
     for (const SectionRow &row : sectionRows) {
-        Section &section =
-            all.emplace_back(Section{.heading = localized(row.heading), .intro = row.intro ? localized(row.intro) : QString(), .rows = {}});
-        append(section.rows, row.rows);
+        all.push_back({.heading = localized(row.heading),
+                       .intro = row.intro ? localized(row.intro) : QString(),
+                       .rows = rowsOf(row.section, entries)});
     }
-    std::ranges::move(optionRows(), std::back_inserter(all.back().rows));
     return all;
 }
 

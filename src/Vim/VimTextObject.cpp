@@ -154,21 +154,24 @@ std::optional<Result> delimited(const Request &request)
 struct ObjectRow {
     char16_t key;
     std::optional<Result> (*find)(const Request &request);
+    VimKeyHelp help = {};
 };
 
+using enum VimKeyHelp::Section;
+
 constexpr auto objects = std::to_array<ObjectRow>({
-    {u'w', smallWord},
-    {u'W', bigWord},
-    {u'p', paragraph},
-    {u'"', quoted<u'"'>},
-    {u'\'', quoted<u'\''>},
+    {u'w', smallWord, {textObjects, u"word, WORD"}},
+    {u'W', bigWord, besideAbove},
+    {u'p', paragraph, {textObjects, u"paragraph"}},
+    {u'"', quoted<u'"'>, {textObjects, u"quoted string"}},
+    {u'\'', quoted<u'\''>, besideAbove},
     {u'`', quoted<u'`'>},
-    {u'(', delimited<u'(', u')'>},
+    {u'(', delimited<u'(', u')'>, {textObjects, u"brackets"}},
     {u')', delimited<u'(', u')'>},
     {u'b', delimited<u'(', u')'>},
-    {u'[', delimited<u'[', u']'>},
+    {u'[', delimited<u'[', u']'>, besideAbove},
     {u']', delimited<u'[', u']'>},
-    {u'{', delimited<u'{', u'}'>},
+    {u'{', delimited<u'{', u'}'>, besideAbove},
     {u'}', delimited<u'{', u'}'>},
     {u'B', delimited<u'{', u'}'>},
     {u'<', delimited<u'<', u'>'>},
@@ -181,4 +184,16 @@ std::optional<Result> VimTextObject::range(VimBuffer &text, qsizetype caret, cha
 {
     const auto row = std::ranges::find(objects, object, &ObjectRow::key);
     return row == objects.end() ? std::nullopt : row->find({text, caret, extent, std::max<qsizetype>(count, 1)});
+}
+
+VimKeyHelpEntries VimTextObject::keyHelp()
+{
+    VimKeyHelpEntries entries;
+    for (const ObjectRow &row : objects) {
+        if (row.help.exists()) {
+            VimKeyHelpEntry &entry = entries.emplace_back(QString(QChar(u'i')) + QChar(row.key), row.help);
+            entry.keys << QString(QChar(u'a')) + QChar(row.key);
+        }
+    }
+    return entries;
 }

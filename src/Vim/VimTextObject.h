@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Vim/VimBuffer.h"
+#include "Vim/VimKeyHelp.h"
 
 /// Stretches of text by their structure: words, paragraphs, strings, blocks in brackets. Pure functions over the text.
 namespace VimTextObject {
@@ -17,5 +18,8 @@ enum class Extent { inner, around };
 /// The object of the key `object` at `caret`; none when there is none, or the key names none. Words go on for `count` runs, blanks between
 /// them counted; other objects take no count.
 [[nodiscard]] std::optional<Result> range(VimBuffer &text, qsizetype caret, char16_t object, Extent extent, qsizetype count);
+
+/// What there is to say about the keys of objects.
+[[nodiscard]] VimKeyHelpEntries keyHelp();
 
 } // namespace VimTextObject

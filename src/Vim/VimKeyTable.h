@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+// The keys of modal editing: one row each, from which they are carried out and of which the reference tells. Private to the sources of the
+// engine and its tests.
+
+#include "Vim/VimEngine.h"
+
+#include <array>
+
+/// One key where it may come, in normal and visual modes. A key in several places has a row for each.
+struct VimEngine::KeyRow {
+    /// Leads the caret somewhere. It fails by itself when that is where the caret is, unless it says otherwise.
+    struct Motion {
+        Target target;
+        Unmoved unmoved = Unmoved::fails;
+    };
+    /// Anything else that the engine does, among it motions that depend on what was typed before, or on the screen.
+    struct Command {
+        void (*perform)(VimEngine &engine, qsizetype count);
+        /// What a smaller count, or none, stands for.
+        qsizetype leastCount = 1;
+    };
+    /// Waits for a motion or an object, or to be typed once more for whole lines; in visual modes it takes the selection.
+    using Operator = OperatorKind;
+    /// Waits for one key more; for that of an object only where an object makes sense.
+    using Prefix = Awaited;
+
+    char16_t key;
+    std::variant<Motion, Command, Operator, Prefix, const Action *> function;
+    VimKeyHelp help = {};
+    KeyPlace place = KeyPlace::plain;
+
+    [[nodiscard]] bool awaitsObject() const
+    {
+        const auto *prefix = std::get_if<Prefix>(&function);
+        return prefix && prefix->what == Awaiting::textObject;
+    }
+};
+
+/// Keys that stand for others in normal and visual modes: arrows and their like.
+struct VimEngine::NavigationRow {
+    char16_t key;
+    char16_t standsFor;
+    KeyPlace place = KeyPlace::plain;
+
+    static const std::array<NavigationRow, 9> all;
+};
