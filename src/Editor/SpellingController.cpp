@@ -119,7 +119,8 @@ bool SpellingController::isBeingTyped(TextRange word) const
 void SpellingController::toggleContinuous()
 {
     m_isContinuous = !m_isContinuous;
-    m_view.setLook(&TextLooks::misspellings, m_isContinuous ? [this](TextRange seen) { return misspellingsIn(seen); } : TextView::MarkProvider());
+    m_view.setLook(&TextLooks::misspellings,
+                   m_isContinuous ? [this](TextRange seen) { return misspellingsIn(seen); } : TextView::MarkProvider());
     m_view.viewport()->update();
 }
 

@@ -482,8 +482,7 @@ void TextDocument::forgetFileQuestions()
 
 TextDocument::FileReading TextDocument::comparedWith(const TextFile::Contents &contents) const
 {
-    return {
-        .contents = contents, .difference = TextEdits::difference(m_storage.text(), contents.text), .revision = m_storage.revision()};
+    return {.contents = contents, .difference = TextEdits::difference(m_storage.text(), contents.text), .revision = m_storage.revision()};
 }
 
 void TextDocument::adopt(const FileReading &reading)

@@ -27,10 +27,7 @@ protected:
     {
         return std::make_unique<TextDocument>(services, path, TextFile::Contents{.text = Rope(text)}, id);
     }
-    static void edit(TextDocument &document, const QString &text)
-    {
-        document.storage().apply({{0, document.storage().length()}, text});
-    }
+    static void edit(TextDocument &document, const QString &text) { document.storage().apply({{0, document.storage().length()}, text}); }
     /// A snapshot of one pane with these documents, as a window makes it.
     static SessionSnapshot sessionOf(SessionStore &store, const std::vector<TextDocument *> &documents)
     {
