@@ -21,6 +21,8 @@ protected:
         window().activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
     }
+    /// Windows that were closed go while there still is what they use, as they do at the end of the event loop.
+    void TearDown() override { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
 
     [[nodiscard]] MainWindowController &window(size_t index = 0) const { return *application.windows().at(index); }
     [[nodiscard]] WorkspaceViewController &workspace(size_t index = 0) const { return window(index).workspace(); }
