@@ -95,7 +95,8 @@ private:
     static constexpr Default stored(Initial value)
     {
         if constexpr (std::is_enum_v<T>) {
-            return choicesOf<T>[size_t(value)].name;
+            const std::span<const SettingChoice> choices = choicesOf<T>;
+            return choices[size_t(value)].name;
         } else {
             return value;
         }

@@ -17,9 +17,10 @@ namespace {
 /// Text, and where the bars in it stood, its ends included.
 std::pair<Rope, std::vector<qsizetype>> stopsIn(const QString &barred)
 {
-    std::vector<qsizetype> stops{0};
+    qsizetype stop = 0;
+    std::vector<qsizetype> stops{stop};
     for (const QString &part : barred.split(u'|'))
-        stops.push_back(stops.back() + part.length());
+        stops.push_back(stop += part.length());
     return {Rope(QString(barred).remove(u'|')), stops};
 }
 
