@@ -109,7 +109,6 @@ public:
     [[nodiscard]] TextStorage &storage() { return m_storage; }
     [[nodiscard]] const TextStorage &storage() const { return m_storage; }
     [[nodiscard]] UndoManager &undoManager() { return m_undoManager; }
-    [[nodiscard]] const LineIndex &lineIndex() const { return m_lineIndex; }
     [[nodiscard]] const QString &path() const { return m_path; }
     /// See DocumentFile::identityOf; of the document's file when it was opened or saved there.
     [[nodiscard]] const QString &identity() const { return m_identity; }
@@ -236,7 +235,6 @@ private:
     QUuid m_id;
     TextStorage m_storage;
     UndoManager m_undoManager;
-    LineIndex m_lineIndex;
     QString m_path;
     QString m_identity;
     Awaited m_awaited = Awaited::no;
