@@ -40,8 +40,13 @@ struct Surroundings {
     HeldWorkers workers{HeldWorkers::Mode::atOnce};
     FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
     SessionStore session;
+    std::optional<Appearance> desktopAppearance;
+    int appearanceQueries = 0;
     DocumentStore documents{
-        {scheduler, notifications, preferences, workers, watchers, [this](const QUuid &id) { session.discardDraft(id); }}, {}};
+        {scheduler, notifications, preferences, workers, watchers, [this](const QUuid &id) { session.discardDraft(id); }}, [this] {
+            ++appearanceQueries;
+            return desktopAppearance;
+        }};
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
     FindState find;
     VimRegisters registers{pasteboard, preferences};

@@ -69,8 +69,7 @@ struct Program::Parts {
                                                   [this] { spellChecker.setLanguages(SpellChecker::systemSetup().languages); });
         recent.onNote([this](const QStringList &paths) { desktopRecentFiles.note(paths); });
         QObject::connect(&appearance, &SystemAppearance::wishesChanged, &palette, &DesktopPalette::adapt);
-        QObject::connect(&appearance, &SystemAppearance::changed, &delegate,
-                         [this] { notifications.post(Preferences::didChange, nullptr); });
+        QObject::connect(&appearance, &SystemAppearance::changed, &documents, &DocumentStore::refreshAppearance);
         QObject::connect(
             &application, &QGuiApplication::commitDataRequest, &delegate,
             [this](QSessionManager &manager) {

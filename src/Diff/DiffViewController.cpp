@@ -94,10 +94,12 @@ DiffViewController::DiffViewController(const EditorServices &services, Side left
 
     retranslate();
     applyPreferences();
+    applyTheme();
     const auto observe = [this](NotificationName name, std::function<void()> reaction) {
         m_observers.push_back(m_services.notifications.observe(name, nullptr, std::move(reaction)));
     };
     observe(Preferences::didChange, [this] { applyPreferences(); });
+    connect(&m_services.documents, &DocumentStore::themeChanged, this, &DiffViewController::applyTheme);
     observe(Localization::didChangeNotification, [this] { retranslate(); });
     compare();
 }
@@ -204,7 +206,6 @@ void DiffViewController::retranslate()
 
 void DiffViewController::applyPreferences()
 {
-    m_services.documents.refreshAppearance();
     const QFont font = editorFont(m_services.preferences);
     {
         // Each keeps its row while the rows get another height.
@@ -218,7 +219,6 @@ void DiffViewController::applyPreferences()
         }
     }
     follow(*m_columns[0]);
-    applyTheme();
 }
 
 void DiffViewController::applyTheme()

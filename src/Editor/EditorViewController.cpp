@@ -125,6 +125,7 @@ void EditorViewController::observe()
         m_observers.push_back(m_services.notifications.observe(name, object, std::move(reaction)));
     };
     observe(Preferences::didChange, nullptr, [this] { applyPreferences(); });
+    connect(&m_services.documents, &DocumentStore::themeChanged, this, &EditorViewController::applyTheme);
     observe(TextDocument::didChangeMetadata, m_document.get(), [this] {
         applyAccess();
         adoptLanguage();
@@ -151,11 +152,7 @@ void EditorViewController::observe()
 void EditorViewController::applyPreferences()
 {
     const Preferences &preferences = m_services.preferences;
-    m_services.documents.refreshAppearance();
-    m_textView->setTheme(m_services.documents.theme(), preferences.value(Settings::highlightCurrentLine)
-                                                           ? EditorTextView::CurrentLine::highlighted
-                                                           : EditorTextView::CurrentLine::plain);
-    applyPalette();
+    applyTheme();
     const QFont font = editorFont(preferences);
     if (m_textView->textFont() != font) {
         m_textView->setTextFont(font);
@@ -171,9 +168,17 @@ void EditorViewController::applyPreferences()
         m_textView->setWrapMode(wrapMode);
     }
     applyVimMode();
+}
+
+void EditorViewController::applyTheme()
+{
+    const Theme &theme = m_services.documents.theme();
+    m_textView->setTheme(theme, m_services.preferences.value(Settings::highlightCurrentLine) ? EditorTextView::CurrentLine::highlighted
+                                                                                             : EditorTextView::CurrentLine::plain);
+    applyPalette();
     for (ExternalChangeBanner *banner : {m_banner, m_awaitedBanner}) {
         if (banner) {
-            banner->applyTheme(m_services.documents.theme());
+            banner->applyTheme(theme);
         }
     }
 }

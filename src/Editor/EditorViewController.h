@@ -97,6 +97,7 @@ private:
     void performTextFinderAction(const ActionSender &sender);
     [[nodiscard]] ActionState textFinderActionState(const ActionSender &sender) const;
     void applyPreferences();
+    void applyTheme();
     void applyPalette();
     void applyIndentation();
     void applyVimMode();

@@ -7,12 +7,13 @@
 #include <QDir>
 
 DocumentStore::DocumentStore(const DocumentServices &services, AppearanceQuery appearance)
-    : m_services(services), m_appearance(std::move(appearance))
+    : m_services(services), m_appearance(std::move(appearance)), m_theme(&resolvedTheme()),
+      m_preferencesObserver(m_services.notifications.observe(Preferences::didChange, nullptr, [this] { refreshAppearance(); }))
 {
     m_services.otherOfFile = [this](const QString &identity, const TextDocument &asking) { return otherOfFile(identity, asking); };
 }
 
-const Theme &DocumentStore::theme() const
+const Theme &DocumentStore::resolvedTheme() const
 {
     return Theme::resolved(m_services.preferences.value(Settings::themeName), m_appearance ? m_appearance() : std::nullopt);
 }
@@ -95,10 +96,15 @@ std::shared_ptr<TextDocument> DocumentStore::otherOfFile(const QString &identity
 
 void DocumentStore::refreshAppearance()
 {
-    const Theme &shown = theme();
+    const Theme &resolved = resolvedTheme();
+    if (&resolved == m_theme) {
+        return;
+    }
+    m_theme = &resolved;
     for (const auto &document : m_documents) {
         if (document->highlighter()) {
-            document->highlighter()->setTheme(shown);
+            document->highlighter()->setTheme(resolved);
         }
     }
+    emit themeChanged();
 }

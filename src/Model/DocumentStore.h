@@ -43,19 +43,25 @@ public:
     void remove(const TextDocument &document);
     /// The document that was opened by the name `path`, which is absolute, or whose file has that as its identity; null when there is none.
     [[nodiscard]] std::shared_ptr<TextDocument> documentAt(const QString &path) const;
-    /// The theme or the desktop's appearance changed.
+    /// The one that the user chose, as the desktop's appearance wants it.
+    [[nodiscard]] const Theme &theme() const { return *m_theme; }
+    /// The desktop's appearance may be another.
     void refreshAppearance();
-    [[nodiscard]] const Theme &theme() const;
 
 signals:
+    /// All texts have the colours of another theme.
+    void themeChanged();
     /// It is not here any more; whoever shows it has to let it go.
     void removed(const TextDocument &document);
 
 private:
     [[nodiscard]] Opened takeOpened(const QString &path, std::unique_ptr<TextDocument> read);
     [[nodiscard]] std::shared_ptr<TextDocument> otherOfFile(const QString &identity, const TextDocument &asking) const;
+    [[nodiscard]] const Theme &resolvedTheme() const;
 
     DocumentServices m_services;
     AppearanceQuery m_appearance;
+    const Theme *m_theme;
+    NotificationCenter::Token m_preferencesObserver;
     std::vector<std::shared_ptr<TextDocument>> m_documents;
 };

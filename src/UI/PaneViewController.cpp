@@ -63,7 +63,7 @@ PaneViewController::PaneViewController(const WorkspaceServices &services, int id
             emit stateChanged();
         }
     }));
-    m_observers.push_back(m_services.notifications.observe(Preferences::didChange, nullptr, [this] { applyTheme(); }));
+    connect(&m_services.documents, &DocumentStore::themeChanged, this, &PaneViewController::applyTheme);
     m_observers.push_back(m_services.notifications.observe(Localization::didChangeNotification, nullptr, [this] {
         m_tabBar->retranslate();
         refreshTabs();
@@ -117,7 +117,6 @@ void PaneViewController::refreshTabs()
 void PaneViewController::applyTheme()
 {
     m_tabBar->setTheme(m_services.documents.theme());
-    refreshTabs();
 }
 
 // Editors

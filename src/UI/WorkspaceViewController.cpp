@@ -56,8 +56,8 @@ WorkspaceViewController::WorkspaceViewController(const WorkspaceServices &servic
     stack->addWidget(m_splitView, 1);
     stack->addWidget(m_statusBar);
     applyTheme();
+    connect(&m_services.documents, &DocumentStore::themeChanged, this, &WorkspaceViewController::applyTheme);
     m_observers.push_back(m_services.notifications.observe(Preferences::didChange, nullptr, [this] {
-        applyTheme();
         updateStatusBar();
     }));
     m_observers.push_back(
@@ -101,7 +101,6 @@ void WorkspaceViewController::retire()
 
 void WorkspaceViewController::applyTheme()
 {
-    m_services.documents.refreshAppearance();
     m_statusBar->setTheme(m_services.documents.theme());
     m_splitView->setDividerColor(QColor::fromRgb(m_services.documents.theme().gutterSeparator));
 }

@@ -160,6 +160,29 @@ TEST_F(ComparisonTest, ScrollsBothColumnsTogether)
     EXPECT_EQ(content.leftView().mapTo(&content, QPoint()).y(), content.rightView().mapTo(&content, QPoint()).y());
 }
 
+TEST_F(ComparisonTest, AnotherAppearanceIsTakenUpOnceByAll)
+{
+    compare("int a;\n", u"int b;\n"_s);
+    send(Actions::splitEditorRight);
+    workspace().open({write(u"c.cpp"_s, "int c;\n")});
+    ASSERT_EQ(documents.documents().size(), 2U);
+    const QSignalSpy themes(&documents, &DocumentStore::themeChanged);
+    size_t recolored = 0;
+    const auto colors = notifications.observe(SyntaxHighlighter::needsVisibleRefresh, nullptr, [&recolored] { ++recolored; });
+    desktopAppearance = Appearance::dark;
+    appearanceQueries = 0;
+    documents.refreshAppearance();
+    EXPECT_EQ(appearanceQueries, 1);
+    EXPECT_EQ(themes.count(), 1);
+    EXPECT_EQ(recolored, 2U) << "each document once";
+    preferences.set(Settings::wrapLines, true);
+    EXPECT_EQ(appearanceQueries, 2);
+    EXPECT_EQ(themes.count(), 1) << "the theme is the same";
+    preferences.set(Settings::themeName, Theme::solarizedDark().name.toString());
+    EXPECT_EQ(themes.count(), 2);
+    EXPECT_EQ(recolored, 4U);
+}
+
 TEST_F(ComparisonTest, ComparesWithOtherFilesAndTexts)
 {
     workspace().open({write(u"a.cpp"_s, "int a;\n")});
