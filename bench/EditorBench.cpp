@@ -263,7 +263,7 @@ void substitution(benchmark::State &state)
     }
 }
 
-/// A letter at many carets in one step, with all that hears of it but the painting.
+/// A letter at many carets in one step, with all that is notified of it but the painting.
 void carets(benchmark::State &state)
 {
     const qsizetype count = state.range(0);

@@ -202,7 +202,7 @@ void snapshot(benchmark::State &state)
 }
 BENCHMARK(snapshot);
 
-/// One typed unit with everything that hears of it below the views.
+/// One typed unit with everything that is notified of it below the views.
 void typeIntoStorage(benchmark::State &state)
 {
     TextStorage storage;

@@ -28,7 +28,7 @@ using Answer = RunningInstance::Answer;
 /// To the program that runs, if one does.
 RunningInstance::Outcome handOver(const CommandLine &line)
 {
-    constexpr std::chrono::seconds patience{3};
+    constexpr std::chrono::seconds timeout{3};
     const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN", qEnvironmentVariable("DESKTOP_STARTUP_ID"));
     return RunningInstance::handOver(QDBusConnection::sessionBus(),
                                      {.files = line.files,
@@ -36,13 +36,13 @@ RunningInstance::Outcome handOver(const CommandLine &line)
                                       .opensNewTab = line.opensNewTab,
                                       .stream = line.readsStandardInput ? STDIN_FILENO : -1,
                                       .activationToken = token},
-                                     line.waits ? RunningInstance::Until::closed : RunningInstance::Until::taken, patience);
+                                     line.waits ? RunningInstance::Until::closed : RunningInstance::Until::taken, timeout);
 }
 
 /// As a program of its own, that goes on when this one has done with waiting.
 void startAnother(const CommandLine &line)
 {
-    constexpr std::chrono::seconds patience{20};
+    constexpr std::chrono::seconds timeout{20};
     QProcess program;
     program.setProgram(QCoreApplication::applicationFilePath());
     if (line.language) {
@@ -52,14 +52,14 @@ void startAnother(const CommandLine &line)
     program.setStandardOutputFile(QProcess::nullDevice());
     program.setStandardErrorFile(QProcess::nullDevice());
     if (program.startDetached()) {
-        std::ignore = RunningInstance::waitUntilOneRuns(QDBusConnection::sessionBus(), patience);
+        std::ignore = RunningInstance::waitUntilOneRuns(QDBusConnection::sessionBus(), timeout);
     }
 }
 
-void complain(const CommandLine &line)
+void printProblems(const CommandLine &line)
 {
-    for (const QString &complaint : line.complaints) {
-        print(stderr, u"quillet: "_s + complaint + u'\n');
+    for (const QString &problem : line.problems) {
+        print(stderr, u"quillet: "_s + problem + u'\n');
     }
 }
 
@@ -76,7 +76,7 @@ int main(int argc, char **argv)
     if (line.language) {
         Localization::use(*line.language);
     }
-    complain(line);
+    printProblems(line);
     switch (line.request) {
     case CommandLine::Request::refuse:
         print(stderr, CommandLine::help());

@@ -9,7 +9,7 @@ import sys
 import time
 
 # Seconds for anything that is waited for: a sanitized program on a busy machine is slow, and only a failure takes that long.
-PATIENCE = 60
+TIMEOUT = 60
 FONTS = pathlib.Path(__file__).resolve().with_name("data") / "fonts.conf"
 BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
@@ -28,7 +28,7 @@ def need(tools):
 
 def until(what, condition, explain=lambda: ""):
     """Waits until `condition()` is true, and answers with that."""
-    deadline = time.monotonic() + PATIENCE
+    deadline = time.monotonic() + TIMEOUT
     while not (answer := condition()):
         if time.monotonic() > deadline:
             raise AssertionError(f"waited in vain for {what}{explain()}")

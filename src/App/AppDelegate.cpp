@@ -50,7 +50,7 @@ AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(service
     });
     m_services.session.onProblem([this](const Error &error) {
         warn(localized(u"Unsaved changes cannot be kept at the moment."),
-             formatted(localized(u"The folder “%@” cannot be written to: %@. Until that is mended, only what you save is safe."),
+             formatted(localized(u"The folder “%@” cannot be written to: %@. Until that is fixed, only what you save is safe."),
                        m_services.session.draftsDirectory(), qt_error_string(error.code)));
     });
 }
@@ -246,7 +246,7 @@ AppDelegate::Documents AppDelegate::launch(const QStringList &paths)
         workspace.openUntitled();
     }
     window.show();
-    const Documents opened = workspace.openWithin(restorationPatience, paths);
+    const Documents opened = workspace.openWithin(restorationTimeout, paths);
     if (!workspace.currentDocument()) {
         workspace.openUntitled();
     }
@@ -276,7 +276,7 @@ void AppDelegate::compare(const QString &oldPath, const QString &newPath)
             m_services.presenter.present(Alert::forError(error.description(), error.recoverySuggestion().value_or(QString())), nullptr,
                                          [this](const AlertReply &) { emit finished(); });
         }));
-    std::ignore = m_readings.back().waitUntil(std::chrono::steady_clock::now() + restorationPatience);
+    std::ignore = m_readings.back().waitUntil(std::chrono::steady_clock::now() + restorationTimeout);
 }
 
 void AppDelegate::showComparison(const QString &oldPath, const Rope &old, const QString &newPath, const Rope &newer)
@@ -315,13 +315,13 @@ void AppDelegate::open(const OpenRequest &request)
         workspace.window()->activateWindow();
         const Documents opened = workspace.open(paths);
         m_lastActive = m_windows.back();
-        attend(request, opened);
+        handle(request, opened);
     } else {
-        attend(request, open(paths));
+        handle(request, open(paths));
     }
 }
 
-void AppDelegate::attend(const OpenRequest &request, const Documents &documents)
+void AppDelegate::handle(const OpenRequest &request, const Documents &documents)
 {
     for (size_t index = 0; index < documents.size(); ++index) {
         if (documents[index] && request.files[index].line > 0) {
@@ -340,7 +340,7 @@ void AppDelegate::attend(const OpenRequest &request, const Documents &documents)
         openStream(request.stream, waitsForStream ? waiting : Waiting());
     }
     if (request.closed && !waitsForStream) {
-        tellWhenClosed(std::move(waiting));
+        notifyWhenClosed(std::move(waiting));
     }
 }
 
@@ -364,7 +364,7 @@ void AppDelegate::forgetWaiter(const QString &waiter)
 }
 
 /// What could not be opened is not saved either.
-void AppDelegate::tellWhenClosed(Waiting waiting)
+void AppDelegate::notifyWhenClosed(Waiting waiting)
 {
     if (waiting.documents.empty()) {
         waiting.closed(1);
@@ -391,7 +391,7 @@ void AppDelegate::noticeClosed()
             return !isOpen;
         });
     }
-    // Whoever hears of it may begin to wait for something else.
+    // Whoever is notified may begin to wait for something else.
     std::vector<Waiting> over;
     std::erase_if(m_waiting, [&over](Waiting &waiting) {
         const bool isOver = waiting.documents.empty();
@@ -430,7 +430,7 @@ void AppDelegate::openStream(int descriptor, const Waiting &waiting)
                     {});
             }
             if (forThis.closed) {
-                tellWhenClosed(std::move(forThis));
+                notifyWhenClosed(std::move(forThis));
             }
         }));
 }

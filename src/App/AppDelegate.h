@@ -35,8 +35,8 @@ public:
     /// What another start or the desktop asks for; the window comes to the front.
     void open(const OpenRequest &request);
     /// What is left of it when its files are open, as `documents`: their places, the stream, those who wait.
-    void attend(const OpenRequest &request, const Documents &documents);
-    /// Somebody who waited will not hear of it: what it waited for is an ordinary text again. See OpenRequest.
+    void handle(const OpenRequest &request, const Documents &documents);
+    /// Somebody who waited will not be notified: what it waited for is an ordinary text again. See OpenRequest.
     void forgetWaiter(const QString &waiter);
     /// Ends the program. The session is kept, with all unsaved text; where it cannot be, the windows close one after the other and each
     /// asks about its texts. One that is left open ends it.
@@ -80,7 +80,7 @@ private:
     /// Opens what comes on a descriptor, once it has ended, as a text without a file. Closes it.
     void openStream(int descriptor, const Waiting &waiting);
     void showComparison(const QString &oldPath, const Rope &old, const QString &newPath, const Rope &newer);
-    void tellWhenClosed(Waiting waiting);
+    void notifyWhenClosed(Waiting waiting);
     void noticeClosed();
     void warn(const QString &message, const QString &details);
     void showAbout();

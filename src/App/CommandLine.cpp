@@ -105,13 +105,13 @@ private:
         if (!QFileInfo::exists(file.path)) {
             const auto place = placeIn(argument);
             if (!place) {
-                complain(formatted(localized(u"“%@” does not exist."), argument));
+                addProblem(formatted(localized(u"“%@” does not exist."), argument));
                 return;
             }
             file = *place;
         }
         if (QFileInfo(file.path).isDir()) {
-            complain(formatted(localized(u"“%@” is a folder."), argument));
+            addProblem(formatted(localized(u"“%@” is a folder."), argument));
         } else {
             m_line.files.push_back(file);
         }
@@ -172,11 +172,11 @@ private:
     qsizetype refuse(const QString &reason)
     {
         const qsizetype ended = end(CommandLine::Request::refuse);
-        complain(reason);
+        addProblem(reason);
         return ended;
     }
 
-    void complain(const QString &complaint) { m_line.complaints << complaint; }
+    void addProblem(const QString &problem) { m_line.problems << problem; }
 
     QString m_folder;
     CommandLine m_line;

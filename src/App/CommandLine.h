@@ -38,10 +38,10 @@ struct CommandLine {
     /// Of the interface, this time.
     std::optional<AppLanguage> language = {};
     /// For standard error, one a line: why the request is refused, or what is not opened.
-    QStringList complaints = {};
+    QStringList problems = {};
 
     struct OptionRow;
-    /// In the order in which they are told of.
+    /// In the order in which they are reported.
     [[nodiscard]] static std::span<const OptionRow> options();
     /// What is no option: its form and what it is for, in English.
     [[nodiscard]] static std::span<const std::pair<QLatin1StringView, const char16_t *>> otherForms();

@@ -317,7 +317,7 @@ private:
     MenuSources m_sources;
     Keys m_keys;
     QSet<QKeySequence> m_taken;
-    /// The menu is already telling its items that it opens, and will not tell new ones.
+    /// The menu is already notifying its items that it opens, and will not notify new ones.
     bool m_isOpening = false;
 };
 

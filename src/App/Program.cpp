@@ -36,7 +36,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// What is answered by then seems to be there at once.
-constexpr std::chrono::milliseconds filePatience{100};
+constexpr std::chrono::milliseconds fileTimeout{100};
 
 void setUp()
 {
@@ -68,7 +68,7 @@ struct Program::Parts {
         spellingLanguages = notifications.observe(Localization::didChangeNotification, nullptr,
                                                   [this] { spellChecker.setLanguages(SpellChecker::systemSetup().languages); });
         recent.onNote([this](const QStringList &paths) { desktopRecentFiles.note(paths); });
-        QObject::connect(&appearance, &SystemAppearance::wishesChanged, &palette, &DesktopPalette::adapt);
+        QObject::connect(&appearance, &SystemAppearance::requestChanged, &palette, &DesktopPalette::adapt);
         QObject::connect(&appearance, &SystemAppearance::changed, &documents, &DocumentStore::refreshAppearance);
         QObject::connect(
             &application, &QGuiApplication::commitDataRequest, &delegate,
@@ -113,7 +113,7 @@ struct Program::Parts {
                              .workers = workers,
                              .watchers = watchers,
                              .discardDraft = [this](const QUuid &id) { session.discardDraft(id); },
-                             .patience = filePatience},
+                             .timeout = fileTimeout},
                             [this] { return appearance.current(); }};
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
 
@@ -180,6 +180,6 @@ int Program::run(const CommandLine &line)
             m_parts->delegate.terminate();
         };
     }
-    delegate.attend(request, opened);
+    delegate.handle(request, opened);
     return QApplication::exec();
 }

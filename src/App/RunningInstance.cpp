@@ -105,7 +105,7 @@ private:
 };
 
 RunningInstance::Outcome RunningInstance::handOver(QDBusConnection bus, const OpenRequest &request, Until until,
-                                                   std::chrono::milliseconds patience)
+                                                   std::chrono::milliseconds timeout)
 {
     const auto answerTo = [&bus](const QString &interface, const QString &method, const QVariantList &arguments, int milliseconds) {
         QDBusMessage call = QDBusMessage::createMethodCall(serviceName, objectPath, interface, method);
@@ -116,7 +116,7 @@ RunningInstance::Outcome RunningInstance::handOver(QDBusConnection bus, const Op
     if (!bus.isConnected() || !bus.interface()->isServiceRegistered(serviceName)) {
         return {Answer::nobodyRuns};
     }
-    if (answerTo(u"org.freedesktop.DBus.Peer"_s, u"Ping"_s, {}, int(patience.count())).type() != QDBusMessage::ReplyMessage) {
+    if (answerTo(u"org.freedesktop.DBus.Peer"_s, u"Ping"_s, {}, int(timeout.count())).type() != QDBusMessage::ReplyMessage) {
         return {Answer::none};
     }
     QStringList paths;
@@ -134,20 +134,20 @@ RunningInstance::Outcome RunningInstance::handOver(QDBusConnection bus, const Op
     const bool waits = until == Until::closed;
     options.insert(waitKey, waits);
     const QDBusMessage reply = answerTo(serviceName, u"Open"_s, {paths, QVariant::fromValue(lines), QVariant::fromValue(columns), options},
-                                        waits ? std::numeric_limits<int>::max() : int(patience.count()));
+                                        waits ? std::numeric_limits<int>::max() : int(timeout.count()));
     if (reply.type() == QDBusMessage::ReplyMessage) {
         return {Answer::taken, reply.arguments().value(0).toInt()};
     }
-    // One that ended meanwhile has told nobody what became of the files.
+    // One that ended meanwhile has notified nobody of what became of the files.
     return waits ? Outcome{Answer::taken, 1} : Outcome{Answer::none};
 }
 
-bool RunningInstance::waitUntilOneRuns(QDBusConnection bus, std::chrono::milliseconds patience)
+bool RunningInstance::waitUntilOneRuns(QDBusConnection bus, std::chrono::milliseconds timeout)
 {
     QEventLoop loop;
     QDBusServiceWatcher watcher(serviceName, bus, QDBusServiceWatcher::WatchForRegistration);
     QObject::connect(&watcher, &QDBusServiceWatcher::serviceRegistered, &loop, &QEventLoop::quit);
-    QTimer::singleShot(patience, &loop, &QEventLoop::quit);
+    QTimer::singleShot(timeout, &loop, &QEventLoop::quit);
     if (!bus.isConnected()) {
         return false;
     }

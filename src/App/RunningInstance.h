@@ -41,14 +41,14 @@ public:
     };
 
     /// Hands `request` to the program that runs, which has so long to answer at all. Closes nothing.
-    [[nodiscard]] static Outcome handOver(QDBusConnection bus, const OpenRequest &request, Until until, std::chrono::milliseconds patience);
+    [[nodiscard]] static Outcome handOver(QDBusConnection bus, const OpenRequest &request, Until until, std::chrono::milliseconds timeout);
     /// Whether there is one, after at most so long.
-    [[nodiscard]] static bool waitUntilOneRuns(QDBusConnection bus, std::chrono::milliseconds patience);
+    [[nodiscard]] static bool waitUntilOneRuns(QDBusConnection bus, std::chrono::milliseconds timeout);
 
     /// Both are called from the event loop.
     struct Handlers {
         std::function<void(const OpenRequest &request)> open;
-        /// Somebody who waited has ended before it was told.
+        /// Somebody who waited has ended before it was notified.
         std::function<void(const QString &waiter)> gone;
     };
     RunningInstance(const QDBusConnection &bus, Handlers handlers);

@@ -78,5 +78,5 @@ private:
 /// there.
 void makePrivateFolder(const QString &path, FileCalls &calls = FileCalls::system());
 
-/// Which files the folder has is on disk now, where the file system can tell it so.
+/// Which files the folder has is on disk now, where the file system can be asked for it so.
 void flushFolder(const QString &path, FileCalls &calls);

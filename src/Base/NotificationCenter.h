@@ -13,7 +13,7 @@
 /// The name of a notification, such as "QLT.PreferencesDidChange": a literal, it is kept by reference.
 using NotificationName = std::string_view;
 
-/// Tells whoever wants to know that something happened, by name, at once and on the calling thread, which must be the main thread.
+/// Notifies whoever wants to know that something happened, by name, at once and on the calling thread, which must be the main thread.
 /// Observers may be added and removed, and further notifications posted, at any time, also while one is being delivered.
 class NotificationCenter final {
     struct Observer;

@@ -10,7 +10,7 @@ class QLocale;
 /// translations; where they are not installed its texts stay English. Main thread only; needs the application object.
 class ToolkitTexts final {
 public:
-    /// Every widget hears of it as a change of language.
+    /// Every widget is notified of it as a change of language.
     void use(const QLocale &locale);
 
 private:

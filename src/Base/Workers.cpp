@@ -13,7 +13,7 @@
 namespace {
 
 constexpr auto keepIdle = std::chrono::seconds(5);
-constexpr auto patience = std::chrono::milliseconds(200);
+constexpr auto timeout = std::chrono::milliseconds(200);
 
 } // namespace
 
@@ -56,7 +56,7 @@ DetachedWorkers::~DetachedWorkers()
     const auto dropped = std::exchange(m_state->jobs, {});
     m_state->isClosing = true;
     m_state->wake.notify_all();
-    m_state->ended.wait_for(lock, patience, [this] { return m_state->threads == 0; });
+    m_state->ended.wait_for(lock, timeout, [this] { return m_state->threads == 0; });
 }
 
 void DetachedWorkers::run(std::function<void()> job)

@@ -38,7 +38,7 @@ private:
 
 /// For system calls that may never return, as on a network share whose server is gone: every job has a thread at once, and nobody waits
 /// for one that hangs. Threads are used again and end after some seconds without work. Destroying this drops jobs that have not begun
-/// and leaves those that do not end within `patience` to themselves; what they use must live as long as they do.
+/// and leaves those that do not end within `timeout` to themselves; what they use must live as long as they do.
 class DetachedWorkers final : public Workers {
 public:
     DetachedWorkers();

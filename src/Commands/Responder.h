@@ -11,7 +11,7 @@
 
 class QObject;
 
-/// What the function that carries an action out is told about the item that sent it.
+/// What the function that carries an action out is given about the item that sent it.
 struct ActionSender {
     /// The action's: the number of a tab, the kind of a find command.
     int tag = 0;

@@ -23,7 +23,7 @@ public:
     /// Where the desktop has it: in $XDG_DATA_HOME if that is absolute, else in ~/.local/share.
     [[nodiscard]] static QString standardPath();
 
-    /// Adds files on a worker; absolute paths. Nobody is told when that fails, as it does when the user made the list unwritable.
+    /// Adds files on a worker; absolute paths. Nobody is notified when that fails, as it does when the user made the list unwritable.
     void note(const QStringList &paths);
 
 private:

@@ -61,13 +61,13 @@ std::optional<QColor> colorOf(const QVariant &value)
 
 struct Setting {
     QLatin1StringView key;
-    void (*store)(DesktopWishes &wishes, const QVariant &value);
+    void (*store)(RequestedAppearance &requested, const QVariant &value);
 };
 
 constexpr auto settings = std::to_array<Setting>({
-    {"color-scheme"_L1, [](DesktopWishes &wishes, const QVariant &value) { wishes.scheme = schemeOf(value); }},
-    {"accent-color"_L1, [](DesktopWishes &wishes, const QVariant &value) { wishes.accent = colorOf(value); }},
-    {"contrast"_L1, [](DesktopWishes &wishes, const QVariant &value) { wishes.hasHighContrast = value.toUInt() == 1; }},
+    {"color-scheme"_L1, [](RequestedAppearance &requested, const QVariant &value) { requested.scheme = schemeOf(value); }},
+    {"accent-color"_L1, [](RequestedAppearance &requested, const QVariant &value) { requested.accent = colorOf(value); }},
+    {"contrast"_L1, [](RequestedAppearance &requested, const QVariant &value) { requested.hasHighContrast = value.toUInt() == 1; }},
 });
 
 /// Values come wrapped once, and from older portals twice.
@@ -105,9 +105,9 @@ public:
         }
     }
 
-    void start(std::function<void(const DesktopWishes &)> tell)
+    void start(std::function<void(const RequestedAppearance &)> notify)
     {
-        m_tell = std::move(tell);
+        m_notify = std::move(notify);
         if (!hasSessionBus()) {
             return;
         }
@@ -128,18 +128,18 @@ private slots:
 
 private:
     std::unique_ptr<QThread> m_connecting;
-    std::function<void(const DesktopWishes &)> m_tell;
-    DesktopWishes m_wishes;
-    /// What was told without being asked for.
+    std::function<void(const RequestedAppearance &)> m_notify;
+    RequestedAppearance m_requested;
+    /// What was reported without being asked for.
     QSet<QString> m_changed;
 
     void store(const Setting &setting, const QVariant &value)
     {
-        DesktopWishes wishes = m_wishes;
-        setting.store(wishes, unwrapped(value));
-        if (wishes != m_wishes) {
-            m_wishes = wishes;
-            m_tell(m_wishes);
+        RequestedAppearance requested = m_requested;
+        setting.store(requested, unwrapped(value));
+        if (requested != m_requested) {
+            m_requested = requested;
+            m_notify(m_requested);
         }
     }
 
@@ -174,18 +174,18 @@ PortalAppearanceSource::PortalAppearanceSource() : m_client(std::make_unique<Cli
 
 PortalAppearanceSource::~PortalAppearanceSource() = default;
 
-void PortalAppearanceSource::start(std::function<void(const DesktopWishes &wishes)> tell)
+void PortalAppearanceSource::start(std::function<void(const RequestedAppearance &requested)> notify)
 {
-    m_client->start(std::move(tell));
+    m_client->start(std::move(notify));
 }
 
 SystemAppearance::SystemAppearance(std::unique_ptr<AppearanceSource> source, QObject *parent)
     : QObject(parent), m_source(std::move(source)), m_current(paletteAppearance())
 {
     qGuiApp->installEventFilter(this);
-    m_source->start([this](const DesktopWishes &wishes) {
-        m_wishes = wishes;
-        emit wishesChanged(wishes);
+    m_source->start([this](const RequestedAppearance &requested) {
+        m_requested = requested;
+        emit requestChanged(requested);
         update();
     });
 }
@@ -202,7 +202,7 @@ bool SystemAppearance::eventFilter(QObject *object, QEvent *event)
 
 void SystemAppearance::update()
 {
-    const Appearance appearance = m_wishes.scheme.value_or(paletteAppearance());
+    const Appearance appearance = m_requested.scheme.value_or(paletteAppearance());
     if (appearance != m_current) {
         m_current = appearance;
         emit changed(appearance);

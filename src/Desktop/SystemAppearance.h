@@ -12,23 +12,23 @@
 #include <optional>
 
 /// How the desktop wants programs to look.
-struct DesktopWishes {
+struct RequestedAppearance {
     /// None: no preference, or none that is known.
     std::optional<Appearance> scheme = {};
     /// Of what is chosen or stands out.
     std::optional<QColor> accent = {};
     bool hasHighContrast = false;
 
-    friend bool operator==(const DesktopWishes &, const DesktopWishes &) = default;
+    friend bool operator==(const RequestedAppearance &, const RequestedAppearance &) = default;
 };
 
-/// Where the desktop says what it wishes.
+/// Where the desktop says what it requests.
 class AppearanceSource {
 public:
     virtual ~AppearanceSource() = default;
-    /// Asks, and from then on calls `tell` in the thread of the call for every answer and every change; never before this returns.
+    /// Asks, and from then on calls `notify` in the thread of the call for every answer and every change; never before this returns.
     /// Is called once. A source that has nothing to say never calls.
-    virtual void start(std::function<void(const DesktopWishes &wishes)> tell) = 0;
+    virtual void start(std::function<void(const RequestedAppearance &requested)> notify) = 0;
 };
 
 /// The desktop portal's settings, asked for over the session bus. Nothing waits for the bus: not even connecting to it.
@@ -37,7 +37,7 @@ public:
     PortalAppearanceSource();
     ~PortalAppearanceSource() override;
 
-    void start(std::function<void(const DesktopWishes &wishes)> tell) override;
+    void start(std::function<void(const RequestedAppearance &requested)> notify) override;
 
 private:
     class Client;
@@ -58,7 +58,7 @@ public:
 
 signals:
     /// Whoever gives the application its palette does so before this returns.
-    void wishesChanged(const DesktopWishes &wishes);
+    void requestChanged(const RequestedAppearance &requested);
     /// `current()` is another than before.
     void changed(Appearance appearance);
 
@@ -67,7 +67,7 @@ protected:
 
 private:
     std::unique_ptr<AppearanceSource> m_source;
-    DesktopWishes m_wishes;
+    RequestedAppearance m_requested;
     Appearance m_current;
 
     void update();

@@ -309,7 +309,7 @@ void DiffViewController::show(LineDiff::Result result)
         column->position = column->view->textViewport().position();
     }
     m_overview->setResult(m_result);
-    tellSummary();
+    showSummary();
     m_currentChange = -1;
 }
 
@@ -362,8 +362,8 @@ void DiffViewController::updateSummary()
     m_nextButton->setEnabled(canGo);
 }
 
-/// Screen readers say it too, again if it is as it was. How far a comparison has got they are not told.
-void DiffViewController::tellSummary()
+/// Screen readers say it too, again if it is as it was. How far a comparison has got is not reported to them.
+void DiffViewController::showSummary()
 {
     updateSummary();
     if (m_summaryLabel->isVisible()) {
@@ -398,7 +398,7 @@ void DiffViewController::goTo(int change)
     for (const auto &column : m_columns) {
         column->view->setSelection(TextSelection::at(column->storage.text().lineStart(row)));
     }
-    tellSummary();
+    showSummary();
 }
 
 /// The row's top gets to that part of the view's height.

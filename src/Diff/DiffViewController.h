@@ -83,7 +83,7 @@ private:
     void show(LineDiff::Result result);
     void fill(Column &column);
     void updateSummary();
-    void tellSummary();
+    void showSummary();
     void goTo(int change);
     void scrollBothTo(qsizetype row, double fraction);
     void follow(Column &moved);

@@ -64,7 +64,7 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
 
 EditorViewController::~EditorViewController()
 {
-    // The view may still tell of losing the focus while it goes.
+    // The view may still report losing the focus while it goes.
     m_textView->disconnect(this);
     blockSignals(true);
     m_substitutions.reset();
@@ -227,7 +227,7 @@ void EditorViewController::applyIndentation()
                                   .unit = usesSpaces ? Indentation::Unit::spaces : Indentation::Unit::tab};
     const bool isOther = m_textView->indentation() != indentation;
     m_textView->setIndentation(indentation);
-    // Who shows it may have heard of the cause before this editor did.
+    // Who shows it may have been notified of the cause before this editor did.
     if (isOther) {
         emit stateChanged();
     }
@@ -403,7 +403,7 @@ void EditorViewController::substitute(const VimSubstitution &substitution)
         m_substitutions = std::make_unique<SubstitutionRunner>(SubstitutionRunner::Services{
             .scheduler = m_services.scheduler,
             .workers = m_services.workers,
-            .tell = [this](const QString &message, Scheduler::Milliseconds duration) { emit messageShown(message, duration); },
+            .showMessage = [this](const QString &message, Scheduler::Milliseconds duration) { emit messageShown(message, duration); },
             .changed = [this](const TextView & /*view*/) { settleCaret(); }});
     }
     m_substitutions->run(*m_textView, substitution);

@@ -31,7 +31,7 @@ public:
     /// "Abort".
     std::function<void()> onAbort;
 
-    /// Says what happened to the file of the document called `filename`; nothing for `none`. A screen reader is told what is new.
+    /// Says what happened to the file of the document called `filename`; nothing for `none`. A screen reader is notified of what is new.
     void configure(TextDocument::ExternalState state, const QString &filename);
     /// Says that a program waits until that document is closed.
     void configureAwaited(const QString &filename);

@@ -265,11 +265,11 @@ void SpellingController::showPanel()
 
 // One word
 
-std::optional<SpellingController::Correction> SpellingController::correctionAt(qsizetype offset, std::chrono::milliseconds patience)
+std::optional<SpellingController::Correction> SpellingController::correctionAt(qsizetype offset, std::chrono::milliseconds timeout)
 {
     for (const SpellingWord &word : wordsTouching({offset, 0})) {
         if (m_services.checker.check(word.text) == SpellChecker::Answer::wrong) {
-            return Correction{word.range, word.text, m_services.checker.suggestions(word.text, patience)};
+            return Correction{word.range, word.text, m_services.checker.suggestions(word.text, timeout)};
         }
     }
     return std::nullopt;
@@ -319,7 +319,7 @@ void SpellingController::addCorrections(QMenu &menu, qsizetype offset)
     if (!m_isContinuous && !m_services.checker.isInUse()) {
         return;
     }
-    const auto correction = correctionAt(offset, menuPatience);
+    const auto correction = correctionAt(offset, menuTimeout);
     if (!correction) {
         return;
     }

@@ -38,7 +38,7 @@ public:
         SpellingPanel &panel;
         /// The sound for "no mistake found".
         std::function<void()> beep;
-        /// Tells the user what went wrong.
+        /// Reports to the user what went wrong.
         std::function<void(const QString &message)> report;
     };
     struct Correction {
@@ -54,9 +54,9 @@ public:
     /// So many units are searched in one turn of the event loop.
     static constexpr qsizetype sliceLength = 8192;
     /// The longest that a menu waits for suggestions.
-    static constexpr std::chrono::milliseconds menuPatience{150};
+    static constexpr std::chrono::milliseconds menuTimeout{150};
 
-    /// `highlighter` tells comments and strings, null where there is none. It, the view and the services must outlive the controller.
+    /// `highlighter` finds comments and strings, null where there is none. It, the view and the services must outlive the controller.
     SpellingController(TextView &view, SyntaxHighlighter *highlighter, const Language &language, Services services,
                        QObject *parent = nullptr);
     ~SpellingController() override;
@@ -84,7 +84,7 @@ public:
     [[nodiscard]] bool canReplace() const;
 
     /// The word at `offset` or ending there, if it is known to be misspelled.
-    [[nodiscard]] std::optional<Correction> correctionAt(qsizetype offset, std::chrono::milliseconds patience);
+    [[nodiscard]] std::optional<Correction> correctionAt(qsizetype offset, std::chrono::milliseconds timeout);
     /// The selected word, likewise.
     [[nodiscard]] std::optional<Correction> selectedCorrection();
     /// As one step that can be undone; only a beep when the word is not there any more.

@@ -15,7 +15,7 @@ namespace {
 
 constexpr qsizetype searchedAtOnce = qsizetype(512) * 1024;
 /// Before anything is said of a search that goes on.
-constexpr Scheduler::Milliseconds patience = 500ms;
+constexpr Scheduler::Milliseconds timeout = 500ms;
 constexpr Scheduler::Milliseconds toBeRead = 5s;
 constexpr Scheduler::Milliseconds untilReplaced = 24h;
 
@@ -47,7 +47,8 @@ void SubstitutionRunner::run(TextView &view, const VimSubstitution &substitution
         m_view = nullptr;
         finish(localized(u"The substitution was stopped; nothing was changed."));
     });
-    m_tellSoon = m_services.scheduler.after(patience, [this] { m_services.tell(localized(u"Substituting… Esc stops."), untilReplaced); });
+    m_showProgressSoon =
+        m_services.scheduler.after(timeout, [this] { m_services.showMessage(localized(u"Substituting… Esc stops."), untilReplaced); });
     start();
 }
 
@@ -90,14 +91,14 @@ void SubstitutionRunner::arrive(const ReplacementSearch::Found &found)
 void SubstitutionRunner::finish(const QString &message)
 {
     m_search.cancel();
-    m_tellSoon.cancel();
+    m_showProgressSoon.cancel();
     disconnect(m_viewGone);
     if (m_view) {
         m_view->removeEventFilter(this);
     }
     m_view = nullptr;
     if (!message.isEmpty()) {
-        m_services.tell(message, toBeRead);
+        m_services.showMessage(message, toBeRead);
     }
 }
 

@@ -24,7 +24,7 @@ public:
         Scheduler &scheduler;
         Workers &workers;
         /// Shows what there is to be said for so long.
-        std::function<void(const QString &message, Scheduler::Milliseconds duration)> tell;
+        std::function<void(const QString &message, Scheduler::Milliseconds duration)> showMessage;
         /// The text of that view was changed.
         std::function<void(TextView &view)> changed;
     };
@@ -48,5 +48,5 @@ private:
     QMetaObject::Connection m_viewGone;
     VimSubstitution m_substitution;
     ReplacementSearch m_search;
-    DelayedTask m_tellSoon;
+    DelayedTask m_showProgressSoon;
 };

@@ -8,8 +8,8 @@
 #include <array>
 
 /// What one document has asked of file systems without an answer yet. All of it is done on workers, since a share whose server is gone
-/// answers in minutes or never. What is answered soon is taken at once, so that nothing flickers; what takes long is told as an activity.
-/// Main thread only.
+/// answers in minutes or never. What is answered soon is taken at once, so that nothing flickers; what takes long is reported as an
+/// activity. Main thread only.
 class FileRequests final {
 public:
     /// A request takes the place of an earlier one of its kind, whose answer nobody gets any more.
@@ -24,11 +24,11 @@ public:
     {}
 
     /// Calls `work(stopToken)` on a worker and then `done(result)`, as BackgroundTask does, but before this returns if the work is over
-    /// within `patience`. `done` may destroy this.
+    /// within `timeout`. `done` may destroy this.
     template<class Work, class Done>
-    void start(Kind kind, std::chrono::milliseconds patience, Work work, Done done)
+    void start(Kind kind, std::chrono::milliseconds timeout, Work work, Done done)
     {
-        const auto deadline = std::chrono::steady_clock::now() + patience;
+        const auto deadline = std::chrono::steady_clock::now() + timeout;
         cancel(kind);
         Request &request = of(kind);
         request.slow = m_scheduler.after(slowAfter, [this, &request] {

@@ -18,12 +18,12 @@ struct FileStamp;
 class Workers;
 struct FileWatchLink;
 
-/// Tells when a file changed on disk or disappeared by someone else's doing.
+/// Reports when a file changed on disk or disappeared by someone else's doing.
 ///
 /// The file, the folders on the way to it and the symbolic links among them are watched, so a file that is replaced by rename, deleted
 /// and made again, or comes back with its folder stays in sight. Reports come 0.2 s after the last sign of a change, and only when
 /// modification date or size differ from those last known: a burst yields one, a change of permissions none. Where watches are not to
-/// be had, or do not tell all, as on network shares, the file is looked at every 2 s as well.
+/// be had, or do not report all, as on network shares, the file is looked at every 2 s as well.
 ///
 /// Main thread only. Nothing here waits for a file system: what a dead share delays are the reports on its own files. Failures are
 /// silent: the file counts as changed when it can no longer be asked, and never as deleted.
@@ -45,7 +45,8 @@ public:
     /// Nothing is reported after this.
     void stop();
 
-    /// From here on changes are the caller's own and not reported, nor is what was noticed before but not yet told. Takes effect at once.
+    /// From here on changes are the caller's own and not reported, nor is what was noticed before but not yet reported. Takes effect at
+    /// once.
     void beginOwnWrite();
     /// Ends the write, successful or not: the file as it is now is the known one. Reports begin again 0.3 s later, and with what others
     /// changed meanwhile.

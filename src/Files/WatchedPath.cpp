@@ -134,7 +134,7 @@ void PathWalk::watch(const QByteArray &path, uint32_t events, PathWatch::Role ro
     if (descriptor >= 0) {
         m_found.watches.push_back({.descriptor = descriptor, .role = role, .name = name});
     } else if (isGone(errno)) {
-        // That a file is gone is told by its folder, which is watched already.
+        // That a file is gone is reported by its folder, which is watched already.
         m_wasOvertaken = m_wasOvertaken || role != PathWatch::Role::file;
     } else if (errno != EACCES || role != PathWatch::Role::ancestor) {
         // Folders above that may be passed through but not read, as other people's are, hardly ever change.

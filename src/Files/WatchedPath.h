@@ -42,13 +42,13 @@ struct PathWatch {
     QByteArray name;
 };
 
-/// What was found at a path, and the watches that will tell of any change after that.
+/// What was found at a path, and the watches that will report any change after that.
 struct WatchedPath {
     std::vector<PathWatch> watches;
     /// None when the file is missing or cannot be asked.
     std::optional<FileStamp> stamp;
     bool isMissing = false;
-    /// The watches do not suffice: the user has no more of them, a folder may not be read, or the file system does not tell what others
+    /// The watches do not suffice: the user has no more of them, a folder may not be read, or the file system does not report what others
     /// do, as network file systems do not.
     bool needsPolling = false;
 

@@ -14,7 +14,7 @@ class FindField final : public QLineEdit {
     Q_OBJECT
 
 public:
-    /// What is not found is told by the colour of the note, what is wrong by that of the field.
+    /// What is not found is shown by the colour of the note, what is wrong by that of the field.
     enum class State { normal, notFound, wrong };
     enum class Saying { aloud, silently };
     /// The latest first.

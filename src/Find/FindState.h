@@ -15,7 +15,7 @@ public:
     static constexpr qsizetype mostEntries = 50;
 
     [[nodiscard]] const SearchQuery &query() const { return m_query; }
-    /// Also puts the pattern, unless empty, at the head of the searches, and tells the observers when anything is new.
+    /// Also puts the pattern, unless empty, at the head of the searches, and notifies the observers when anything is new.
     void setQuery(const SearchQuery &query);
 
     /// The latest first, each once.

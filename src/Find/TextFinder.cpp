@@ -206,7 +206,7 @@ bool TextFinder::isBusy() const
     return m_counting.isPending() || m_seeking.isPending() || m_replacing.isPending();
 }
 
-/// What goes on is told of when it takes longer than a moment.
+/// What goes on is reported when it takes longer than a moment.
 void TextFinder::restartProgress()
 {
     m_searched = std::make_shared<std::atomic<qsizetype>>(0);
@@ -484,7 +484,7 @@ void TextFinder::replace(const QString &typed)
     }
     share();
     replaceSelectedHit(*checked);
-    // Who hears of the edit may close the view.
+    // Who is notified of the edit may close the view.
     if (!m_view) {
         return;
     }
@@ -557,7 +557,7 @@ void TextFinder::storageChanged(const TextChange &change)
 
 void TextFinder::selectionChanged()
 {
-    // An edit elsewhere, of which this is about to hear, moves the selection along with its text.
+    // An edit elsewhere, of which this is about to be notified, moves the selection along with its text.
     const bool isMoved = m_view && m_view->storage().revision() != m_seenRevision;
     if (m_isSelecting || !m_view || isMoved) {
         return;

@@ -56,10 +56,10 @@ public:
     /// Makes the text in `range` plain. The range may reach beyond the text.
     void applyBaseAttributes(TextRange range);
 
-    /// What the text in `range` is, as far as it is coloured; of scopes that look alike in the theme the first is told.
+    /// What the text in `range` is, as far as it is coloured; of scopes that look alike in the theme the first is reported.
     void forEachScope(TextRange range, const std::function<void(TextRange, Scope)> &visit) const;
 
-    /// Counts since the last reset, to tell why colours are missing: searches that cost too much, and rules that are off for it.
+    /// Counts since the last reset, to find why colours are missing: searches that cost too much, and rules that are off for it.
     [[nodiscard]] int givenUpSearches() const;
     [[nodiscard]] int rulesSwitchedOff() const;
 

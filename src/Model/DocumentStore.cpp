@@ -26,11 +26,11 @@ TextDocument &DocumentStore::add(std::unique_ptr<TextDocument> document)
     return added;
 }
 
-std::vector<DocumentStore::Opened> DocumentStore::open(const QStringList &paths, std::chrono::milliseconds patience)
+std::vector<DocumentStore::Opened> DocumentStore::open(const QStringList &paths, std::chrono::milliseconds timeout)
 {
     // Each has a thread while it is read.
     constexpr qsizetype mostAtOnce = 16;
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
     std::vector<Opened> all;
     for (qsizetype first = 0; first < paths.size(); first += mostAtOnce) {
         const QStringList portion = paths.mid(first, mostAtOnce);

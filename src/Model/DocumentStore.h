@@ -37,8 +37,8 @@ public:
         std::optional<TextFile::ReadError> error = std::nullopt;
     };
     /// The documents of files, which are read where they are not open yet; one for each of `paths`, which are absolute. Files that are not
-    /// read within `patience` still are waiting.
-    [[nodiscard]] std::vector<Opened> open(const QStringList &paths, std::chrono::milliseconds patience);
+    /// read within `timeout` still are waiting.
+    [[nodiscard]] std::vector<Opened> open(const QStringList &paths, std::chrono::milliseconds timeout);
     /// Gives the document up, and what was kept of it elsewhere. Nothing happens when it is not here.
     void remove(const TextDocument &document);
     /// The document that was opened by the name `path`, which is absolute, or whose file has that as its identity; null when there is none.

@@ -47,8 +47,8 @@ QByteArray contentOf(const QString &path)
 
 } // namespace
 
-RecentDocuments::RecentDocuments(QString file, Workers &workers, std::chrono::milliseconds patience)
-    : m_file(std::move(file)), m_workers(workers), m_patience(patience)
+RecentDocuments::RecentDocuments(QString file, Workers &workers, std::chrono::milliseconds timeout)
+    : m_file(std::move(file)), m_workers(workers), m_timeout(timeout)
 {
     load();
 }
@@ -127,7 +127,7 @@ std::set<QString> RecentDocuments::existing(const std::vector<Entry> &entries)
 {
     std::erase_if(m_inquiries, [](const auto &inquiry) { return !inquiry.second.task.isPending(); });
     m_found.clear();
-    const auto deadline = std::chrono::steady_clock::now() + m_patience;
+    const auto deadline = std::chrono::steady_clock::now() + m_timeout;
     for (const auto &[path, bookmark] : entries) {
         if (!m_inquiries.contains(path)) {
             auto task = BackgroundTask::start(

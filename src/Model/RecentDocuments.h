@@ -14,7 +14,7 @@
 /// The files that were opened or saved last, newest first, kept from one run to the next. Main thread only.
 ///
 /// The file is a JSON array in the order of the list, of objects with "path" and, when the entry came with one, "bookmark". It is never
-/// trusted: what is no entry is left out. When it cannot be read the list is empty, and when it cannot be written nobody is told.
+/// trusted: what is no entry is left out. When it cannot be read the list is empty, and when it cannot be written nobody is notified.
 class RecentDocuments final {
 public:
     static constexpr size_t largestCount = 10;
@@ -31,13 +31,13 @@ public:
     };
 
     /// `file` is absolute; its folder is made, for its user only, when something is first written. An empty one keeps all in memory.
-    /// Whether files exist is asked on `workers`, and one that has no answer within `patience` counts as not there.
-    RecentDocuments(QString file, Workers &workers, std::chrono::milliseconds patience = std::chrono::milliseconds(150));
+    /// Whether files exist is asked on `workers`, and one that has no answer within `timeout` counts as not there.
+    RecentDocuments(QString file, Workers &workers, std::chrono::milliseconds timeout = std::chrono::milliseconds(150));
     RecentDocuments(const RecentDocuments &) = delete;
     RecentDocuments &operator=(const RecentDocuments &) = delete;
 
     [[nodiscard]] const std::vector<Entry> &entries() const { return m_entries; }
-    /// The entries whose files are there. Does not take longer than the patience, whatever network share does not answer.
+    /// The entries whose files are there. Does not take longer than the timeout, whatever network share does not answer.
     [[nodiscard]] std::vector<Entry> reachable();
     /// The file of the entry of this path if there is such an entry and its file is there.
     [[nodiscard]] std::optional<QString> resolve(const QString &path);
@@ -46,7 +46,7 @@ public:
     void note(const QStringList &paths);
     void clear();
 
-    /// `callback` is told of every note: the paths that are in the list now, in the order in which they were noted.
+    /// `callback` is notified of every note: the paths that are in the list now, in the order in which they were noted.
     void onNote(std::function<void(const QStringList &paths)> callback) { m_onNote = std::move(callback); }
 
 private:
@@ -61,9 +61,9 @@ private:
 
     QString m_file;
     Workers &m_workers;
-    std::chrono::milliseconds m_patience;
+    std::chrono::milliseconds m_timeout;
     std::vector<Entry> m_entries;
-    /// By path. One that hangs stays, so that opening the menu again costs neither another thread nor the patience.
+    /// By path. One that hangs stays, so that opening the menu again costs neither another thread nor the timeout.
     std::map<QString, Inquiry> m_inquiries;
     /// Answers that came since inquiring last began.
     std::set<QString> m_found;

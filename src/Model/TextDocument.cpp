@@ -107,7 +107,7 @@ std::unique_ptr<TextDocument> TextDocument::awaiting(const DocumentServices &ser
 
 void TextDocument::arrive(const Arrival &arrival)
 {
-    const std::shared_ptr<TextDocument> self = weak_from_this().lock(); // it may be removed by those who hear of it
+    const std::shared_ptr<TextDocument> self = weak_from_this().lock(); // it may be removed by those who are notified
     const auto waiting = std::exchange(m_whenArrived, {});
     m_externalState = ExternalState::none;
     if (!arrival.contents) {
@@ -384,7 +384,7 @@ void TextDocument::startSaving()
         m_watcher->beginOwnWrite();
     }
     m_requests.start(
-        FileRequests::Kind::writing, m_services.patience,
+        FileRequests::Kind::writing, m_services.timeout,
         [snapshot = m_underWay->snapshot, &files = m_services.files](const std::stop_token &stop) {
             return DocumentFile::write(snapshot, files, stop);
         },
@@ -393,7 +393,7 @@ void TextDocument::startSaving()
 
 void TextDocument::endSaving(const Result<DocumentFile::Written> &written)
 {
-    const std::shared_ptr<TextDocument> self = weak_from_this().lock(); // it may be removed by those who hear of it
+    const std::shared_ptr<TextDocument> self = weak_from_this().lock(); // it may be removed by those who are notified
     const Save save = *std::exchange(m_underWay, std::nullopt);
     const bool asksAgain = std::exchange(m_asksAgain, false);
     if (written) {
@@ -522,7 +522,7 @@ void TextDocument::takeFile(std::optional<TextEncoding> forcedEncoding, void (Te
     }
     whenSaved([this, forcedEncoding, take, completion](bool /*isWritten*/) {
         m_requests.start(
-            FileRequests::Kind::reading, m_services.patience,
+            FileRequests::Kind::reading, m_services.timeout,
             [path = m_path, forcedEncoding, current = m_storage.snapshot(), &files = m_services.files](const std::stop_token &stop) {
                 return DocumentFile::read(path, forcedEncoding, current, files, stop);
             },

@@ -35,7 +35,7 @@ struct DocumentServices {
     /// The text is safe in its file: what was kept of it elsewhere may go. May be empty.
     std::function<void(const QUuid &id)> discardDraft;
     /// How long the main thread waits for a file that is asked for, so that what a healthy disk answers is there at once.
-    std::chrono::milliseconds patience{0};
+    std::chrono::milliseconds timeout{0};
     /// What files are read and written with.
     FileCalls &files = FileCalls::system();
     /// Another open document of the file with this identity; null for none. The store's own are given here by it.
@@ -47,11 +47,11 @@ struct DocumentServices {
 /// The text is dirty from the first edit on; 0.4 s after the last one it is compared, by length and hash, with what was read or written
 /// last, so that an edit taken back leaves it clean. A large text is hashed on a worker from a snapshot, and the answer counts only if
 /// nothing was typed meanwhile: no key waits for a pass over the text. What to do about a conflict is for the views; the document only
-/// tells.
+/// notifies.
 ///
 /// A document may have been restored from a draft, and then its text counts as clean but stands in no file.
 ///
-/// Files are read and written by workers, from snapshots; nothing here waits for them longer than `DocumentServices::patience`. Until its
+/// Files are read and written by workers, from snapshots; nothing here waits for them longer than `DocumentServices::timeout`. Until its
 /// file has been read a document is empty, and nothing changes or writes it. While the text is being written it may be edited: what is
 /// written is the text as it was when that was asked for, and what was typed since stays unsaved. Writes of one document follow each other.
 ///
@@ -67,7 +67,7 @@ public:
     /// It became conflicted or deleted.
     static constexpr NotificationName didDetectExternalChange = "QLT.DocumentDidDetectExternalChange";
 
-    /// The file that it waited for cannot be read, or is that of another document; whoever hears of it may remove the document.
+    /// The file that it waited for cannot be read, or is that of another document; whoever is notified may remove the document.
     static constexpr NotificationName didFailToArrive = "QLT.DocumentDidFailToArrive";
 
     enum class ExternalState {
@@ -119,7 +119,7 @@ public:
     /// The path with the home folder as "~", or what the text is when it has none.
     [[nodiscard]] QString displayPath() const;
 
-    /// Whether a program waits until the document is closed, and what it is to be told then.
+    /// Whether a program waits until the document is closed, and what it is to be notified of then.
     enum class Awaited { no, yes, aborted };
     [[nodiscard]] Awaited awaited() const { return m_awaited; }
     void setAwaited(Awaited awaited);
@@ -177,7 +177,7 @@ public:
     /// fails the document is as it was, except for that. Refused while it waits for its text.
     void save(const QString &path, const SaveCompletion &completion = {});
     /// Takes the file's text, after what is being written; the history goes. Does nothing without a file. When it cannot be read nothing
-    /// has changed; when the text is edited or saved meanwhile, nothing comes of it, and nobody is told.
+    /// has changed; when the text is edited or saved meanwhile, nothing comes of it, and nobody is notified.
     void revertToFileOnDisk(const ReadCompletion &completion = {});
     /// In the same way reads the file as `encoding`, as a step that can be undone.
     void reinterpret(TextEncoding encoding, const ReadCompletion &completion = {});

@@ -66,13 +66,13 @@ void SessionKeeper::keep()
     }
 }
 
-bool SessionKeeper::keepAndWait(std::chrono::milliseconds patience)
+bool SessionKeeper::keepAndWait(std::chrono::milliseconds timeout)
 {
     const auto windows = layouts();
     if (wantsSession(windows)) {
         writeSession(windows.back(), writeDrafts());
     }
-    const bool isWritten = m_store.waitUntilWritten(patience);
+    const bool isWritten = m_store.waitUntilWritten(timeout);
     const bool hasUnsavedText = std::ranges::any_of(windows, [](const WindowLayout &window) {
         return std::ranges::any_of(window.panes.documents(), [](const auto &document) { return document->hasUnsavedText(); });
     });

@@ -27,7 +27,7 @@ protected:
 };
 
 /// Sees to it that unsaved text and the session are kept while the program runs, and bring them back: at every tick of its timer, after a
-/// pause in the work, and whenever it is told to. Each time drafts are written first, then the session of one window.
+/// pause in the work, and whenever it is asked to. Each time drafts are written first, then the session of one window.
 ///
 /// The session is that of the window that was used last; at the end it is that of the last window. Main thread only.
 class SessionKeeper final {
@@ -52,7 +52,7 @@ public:
     /// Writes drafts and session now.
     void keep();
     /// The last time before the end. False when text would be lost if the program ended now.
-    [[nodiscard]] bool keepAndWait(std::chrono::milliseconds patience);
+    [[nodiscard]] bool keepAndWait(std::chrono::milliseconds timeout);
 
     /// Once, before anything is kept: what earlier programs left. None when that is nothing, or not wanted.
     [[nodiscard]] std::optional<WindowLayout> restore();

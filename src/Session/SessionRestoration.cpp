@@ -18,7 +18,7 @@ public:
         : m_saved(saved), m_store(store), m_documents(documents), m_otherDrafts(saved.otherDrafts.begin(), saved.otherDrafts.end())
     {}
 
-    std::vector<RestoredDocument> run(std::chrono::milliseconds patience)
+    std::vector<RestoredDocument> run(std::chrono::milliseconds timeout)
     {
         if (m_saved.snapshot) {
             for (const SessionSnapshot::Document &entry : m_saved.snapshot->documents) {
@@ -30,7 +30,7 @@ public:
                 restoreDraft(name);
             }
         }
-        const auto deadline = std::chrono::steady_clock::now() + patience;
+        const auto deadline = std::chrono::steady_clock::now() + timeout;
         for (Made &made : m_made) {
             finish(made, deadline);
         }
@@ -153,7 +153,7 @@ private:
 } // namespace
 
 std::vector<RestoredDocument> restoreDocuments(const SessionStore::Saved &saved, SessionStore &store, DocumentStore &documents,
-                                               std::chrono::milliseconds patience)
+                                               std::chrono::milliseconds timeout)
 {
-    return Restoration(saved, store, documents).run(patience);
+    return Restoration(saved, store, documents).run(timeout);
 }

@@ -29,7 +29,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto patienceAtEnd = 5s;
+constexpr auto timeoutAtEnd = 5s;
 /// Thousands of tabs have less.
 constexpr qint64 largestSnapshot = 64 * 1024 * 1024;
 constexpr auto temporaryFiles = ".quillet-*"_L1;
@@ -79,8 +79,8 @@ struct SessionStore::Queue {
     std::set<QString> unreadableDrafts = {};
 
     /// Main thread.
-    std::function<void(const Error &error)> tell = {};
-    bool hasTold = false;
+    std::function<void(const Error &error)> report = {};
+    bool hasReported = false;
 
     static void writeDraft(const std::shared_ptr<Queue> &queue, const QString &name, quint64 ticket);
     static void note(const std::shared_ptr<Queue> &queue, const QString &name, const Result<void> &written);
@@ -105,9 +105,9 @@ void SessionStore::Queue::note(const std::shared_ptr<Queue> &queue, const QStrin
                 return;
             }
             if (written) {
-                state->hasTold = false;
-            } else if (!std::exchange(state->hasTold, true) && state->tell) {
-                state->tell(written.error());
+                state->hasReported = false;
+            } else if (!std::exchange(state->hasReported, true) && state->report) {
+                state->report(written.error());
             }
         },
         Qt::QueuedConnection);
@@ -143,8 +143,8 @@ SessionStore::SessionStore(const Places &places, const Preferences &preferences,
 
 SessionStore::~SessionStore()
 {
-    m_queue->tell = nullptr;
-    if (!waitUntilWritten(patienceAtEnd)) {
+    m_queue->report = nullptr;
+    if (!waitUntilWritten(timeoutAtEnd)) {
         // Its destructor would wait for a disk that does not answer.
         std::ignore = m_thread.release();
     }
@@ -163,9 +163,9 @@ QString SessionStore::snapshotPath() const
     return m_root + u"/session.json"_s;
 }
 
-void SessionStore::onProblem(std::function<void(const Error &error)> tell)
+void SessionStore::onProblem(std::function<void(const Error &error)> report)
 {
-    m_queue->tell = std::move(tell);
+    m_queue->report = std::move(report);
 }
 
 bool SessionStore::keepsUnsavedText() const
@@ -230,8 +230,8 @@ std::optional<SessionStore::Snapshot> SessionStore::readSnapshot()
         m_isOwner = false; // it must not be written over
         folder = m_root;
     }
-    if (m_tellSetAside) {
-        m_tellSetAside(folder);
+    if (m_reportSetAside) {
+        m_reportSetAside(folder);
     }
     return std::nullopt;
 }
@@ -439,7 +439,7 @@ void SessionStore::Queue::remove(const QStringList &names)
     }
 }
 
-bool SessionStore::waitUntilWritten(std::chrono::milliseconds patience)
+bool SessionStore::waitUntilWritten(std::chrono::milliseconds timeout)
 {
-    return m_thread->waitForDone(int(patience.count()));
+    return m_thread->waitForDone(int(timeout.count()));
 }

@@ -74,7 +74,7 @@ public:
     [[nodiscard]] Saved read();
     /// A draft's text; none when the name is none of a draft, or when it cannot be read: then it is left where it is.
     [[nodiscard]] std::optional<Rope> draft(const QString &name);
-    /// When the draft was written; none when that cannot be told.
+    /// When the draft was written; none when that is unknown.
     [[nodiscard]] std::optional<FileStamp> draftStamp(const QString &name) const;
     /// Some day it may be readable again: another document must not write or discard it as its own.
     [[nodiscard]] bool hasUnreadableDraft(const QUuid &document) const;
@@ -88,13 +88,13 @@ public:
     void discardDraft(const QUuid &document);
     /// Then deletes the drafts that it does not name. Not when the store was given the same last, and all is well with that.
     void write(Snapshot snapshot);
-    /// Returns true when everything is written, false when `patience` is over first.
-    bool waitUntilWritten(std::chrono::milliseconds patience);
+    /// Returns true when everything is written, false when `timeout` is over first.
+    bool waitUntilWritten(std::chrono::milliseconds timeout);
 
     /// Called when drafts cannot be written, with the reason: once, and again only after a time in which they could.
-    void onProblem(std::function<void(const Error &error)> tell);
+    void onProblem(std::function<void(const Error &error)> report);
     /// Called when there was a snapshot that cannot be read, with the folder where it is now, and the drafts with it.
-    void onSetAside(std::function<void(const QString &folder)> tell) { m_tellSetAside = std::move(tell); }
+    void onSetAside(std::function<void(const QString &folder)> report) { m_reportSetAside = std::move(report); }
 
 private:
     struct Queue;
@@ -115,7 +115,7 @@ private:
     std::optional<Snapshot> m_held;
     /// Of earlier programs, not brought back by this one.
     QList<Snapshot::Document> m_carriedOver;
-    std::function<void(const QString &folder)> m_tellSetAside;
+    std::function<void(const QString &folder)> m_reportSetAside;
     /// Drafts that may be on disk, and the revision of the text that was last handed over.
     std::map<QString, std::optional<quint64>> m_drafts;
     /// Of the jobs that write.

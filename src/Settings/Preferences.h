@@ -27,7 +27,7 @@ public:
     /// Registers the defaults. `defaults` and `notifications` must outlive the preferences.
     Preferences(DefaultsStore &defaults, NotificationCenter &notifications);
 
-    /// What makes the texts of the interface be looked up anew; runs when the language is set, before anybody hears of it.
+    /// What makes the texts of the interface be looked up anew; runs when the language is set, before anybody is notified.
     void setLanguageResolver(std::function<void(AppLanguage language)> resolver) { m_resolveLanguage = std::move(resolver); }
 
     template<typename T>

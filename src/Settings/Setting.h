@@ -25,7 +25,7 @@ template<typename T>
 inline constexpr std::array<SettingChoice, 0> choicesOf{};
 
 /// How `:set` of modal editing knows a setting: a switch by its name and, to turn it off, with "no" before it; a number by whatever
-/// begins with its name and ends with "=N". The first name is the one to tell of.
+/// begins with its name and ends with "=N". The first name is the one to show.
 struct ExOption {
     enum class Direction { both, onlyOff };
 

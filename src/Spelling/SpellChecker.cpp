@@ -289,7 +289,7 @@ void SpellChecker::ask()
         });
 }
 
-std::optional<QStringList> SpellChecker::suggestions(const QString &word, std::chrono::milliseconds patience)
+std::optional<QStringList> SpellChecker::suggestions(const QString &word, std::chrono::milliseconds timeout)
 {
     if (word.isEmpty() || !isAvailable()) {
         return QStringList();
@@ -297,7 +297,7 @@ std::optional<QStringList> SpellChecker::suggestions(const QString &word, std::c
     askForGuesses(word);
     Guess::Arrival &arrival = *m_guesses.at(word).arrival;
     std::unique_lock lock(arrival.mutex);
-    arrival.arrived.wait_for(lock, patience, [&arrival] { return arrival.suggestions.has_value(); });
+    arrival.arrived.wait_for(lock, timeout, [&arrival] { return arrival.suggestions.has_value(); });
     return arrival.suggestions;
 }
 

@@ -17,7 +17,7 @@
 /// Whether words are spelled correctly, by the dictionaries of the user's languages and the words that the user taught the program.
 ///
 /// A word is correct when any of the languages knows it, and when no dictionary is for its script. The main thread only looks into what
-/// is known already; what is not is found out on a worker, many words at a time, and `answersChanged` tells that it is worth asking
+/// is known already; what is not is found out on a worker, many words at a time, and `answersChanged` reports that it is worth asking
 /// again. Dictionaries are loaded there too, when the first word is asked for. Main thread only.
 class SpellChecker final : public QObject {
     Q_OBJECT
@@ -34,7 +34,7 @@ public:
     enum class Answer {
         correct,
         wrong,
-        /// `answersChanged` will tell.
+        /// `answersChanged` will report it.
         pending,
     };
 
@@ -58,9 +58,9 @@ public:
     /// Not known to be wrong.
     [[nodiscard]] bool isCorrect(const QString &word) { return check(word) != Answer::wrong; }
 
-    /// What the word may have been meant to be, the likeliest first. None when they are not known within `patience`; `answersChanged` tells
-    /// when they are.
-    [[nodiscard]] std::optional<QStringList> suggestions(const QString &word, std::chrono::milliseconds patience = {});
+    /// What the word may have been meant to be, the likeliest first. None when they are not known within `timeout`; `answersChanged`
+    /// reports when they are.
+    [[nodiscard]] std::optional<QStringList> suggestions(const QString &word, std::chrono::milliseconds timeout = {});
 
     /// The word is correct from now on, and when the program runs again. When that could not be written, it is so for this time only.
     [[nodiscard]] Result<void> learn(const QString &word);

@@ -153,7 +153,7 @@ bool isBesideProgramSigns(QStringView text, TextRange word)
            behind.startsWith("()"_L1);
 }
 
-/// Of a word behind a backslash what belongs to the word; empty when that cannot be told.
+/// Of a word behind a backslash what belongs to the word; empty when that is unknown.
 TextRange withoutEscape(QStringView text, TextRange word)
 {
     qsizetype slashes = 0;

@@ -18,7 +18,7 @@ struct DiffControl {
     /// search for the fewest edits comes after that and is short but for texts of very many equal lines.
     std::shared_ptr<std::atomic<qsizetype>> processed = nullptr;
 
-    /// For the comparison itself: tells of progress, false when it is to stop.
+    /// For the comparison itself: reports progress, false when it is to stop.
     [[nodiscard]] bool advance(qsizetype units) const
     {
         if (processed) {

@@ -296,7 +296,7 @@ bool Comparison::take(End from, qsizetype lines, qsizetype oldUnits, qsizetype n
     return m_control.advance(oldUnits + newUnits);
 }
 
-/// Takes the lines that both begin with off them and tells how many there are.
+/// Takes the lines that both begin with off them and returns how many there are.
 qsizetype Comparison::takeStart()
 {
     const qsizetype before = m_old.lineCount;

@@ -99,7 +99,7 @@ private:
     qsizetype m_growth = 0;
 };
 
-/// What became of a text, as it is told to those who follow it. It refers to what it is told of.
+/// What became of a text, as it is reported to those who follow it. It refers to what it reports.
 struct TextChange {
     const TextEdits &edits;
     const Rope &before;

@@ -27,7 +27,7 @@ struct TextSummary {
     [[nodiscard]] quint32 closedBreaks() const { return breaks + (endsWithCr ? 1 : 0); }
     /// The sum of one or more stretches that are not empty.
     [[nodiscard]] static TextSummary total(std::span<const TextSummary> parts);
-    /// One of the stretches that this is the sum of changed. False when that does not tell the new sum.
+    /// One of the stretches that this is the sum of changed. False when the new sum does not follow from that.
     bool follow(const TextSummary &before, const TextSummary &after);
 
     friend bool operator==(const TextSummary &, const TextSummary &) = default;

@@ -222,7 +222,7 @@ Result<TextSearcher> TextSearcher::compile(const SearchQuery &query)
     }
     const RegularExpression::Options options{.anchorsMatchLines = !query.isBareExpression};
     const QString prefix = query.matchesCase ? QString() : u"(?i)"_s;
-    // As it was typed first: what is wrong is told in the user's terms.
+    // As it was typed first: what is wrong is reported in the user's terms.
     auto expression = RegularExpression::compile(query.pattern, options);
     if (expression && !query.matchesCase) {
         expression = RegularExpression::compile(prefix + query.pattern, options);

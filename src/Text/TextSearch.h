@@ -91,7 +91,7 @@ public:
     [[nodiscard]] Result<QString> replacementTemplate(const QString &typed) const;
     /// What comes in place of `hit`; none when that is no hit (any more).
     [[nodiscard]] std::optional<QString> replacement(const Rope &text, TextRange hit, const QString &replacementTemplate);
-    /// Of the hits that begin in `range`. Stopped, it tells of what it had found till then.
+    /// Of the hits that begin in `range`. Stopped, it reports what it had found till then.
     [[nodiscard]] TextReplacement replacementOfAll(const Rope &text, TextRange range, const QString &replacementTemplate,
                                                    TextReplacement::Occurrences occurrences = TextReplacement::Occurrences::all,
                                                    const SearchControl &control = {});

@@ -20,7 +20,7 @@ TextStorage::~TextStorage() = default;
 
 void TextStorage::apply(const TextEdits &edits)
 {
-    Q_ASSERT_X(!m_isReporting, "TextStorage", "an observer changes the text while it is told of a change");
+    Q_ASSERT_X(!m_isReporting, "TextStorage", "an observer changes the text while it is notified of a change");
     Q_ASSERT(isValid(edits));
     if (edits.isEmpty())
         return;

@@ -22,7 +22,7 @@ struct TextSnapshot {
 
 /// The text and attributes of one document, and the only way to change them.
 ///
-/// Main thread only, but for snapshots. All ranges are UTF-16 code units. Observers hear of a change before apply() or setStyles()
+/// Main thread only, but for snapshots. All ranges are UTF-16 code units. Observers are notified of a change before apply() or setStyles()
 /// returns. None may change the text from there: who wants to does it in a turn of its own. Styles may be set once `changed` has reached
 /// everyone, so from `didProcessEditing` on.
 class TextStorage final : public QObject {

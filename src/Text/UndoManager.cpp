@@ -23,7 +23,7 @@ UndoManager::UndoManager(TextStorage &storage, Clock clock, QObject *parent)
     : QObject(parent), m_storage(storage), m_clock(std::move(clock))
 {
     connect(&m_storage, &TextStorage::changed, this, &UndoManager::record);
-    connect(&m_storage, &TextStorage::didProcessEditing, this, &UndoManager::tellState);
+    connect(&m_storage, &TextStorage::didProcessEditing, this, &UndoManager::notifyState);
 }
 
 UndoManager::~UndoManager() = default;
@@ -42,7 +42,7 @@ void UndoManager::endGroup(TextSelection after)
         return;
     if (m_isOpen)
         closeGroup(after);
-    tellState();
+    notifyState();
 }
 
 void UndoManager::record(const TextChange &change)
@@ -160,13 +160,13 @@ void UndoManager::replay(Group &group, qsizetype done)
     group.edits = edits.inverse(m_storage.text());
     const QScopedValueRollback replaying(m_isReplaying, true);
     m_storage.apply(edits);
-    tellState();
+    notifyState();
 }
 
 void UndoManager::removeAllActions()
 {
     forgetAll();
-    tellState();
+    notifyState();
 }
 
 void UndoManager::forgetAll()
@@ -189,14 +189,14 @@ void UndoManager::markSavePoint()
     }
     m_savePoint = m_done;
     m_mayCoalesce = false;
-    tellState();
+    notifyState();
 }
 
 void UndoManager::setUnitLimit(qsizetype limit)
 {
     m_unitLimit = limit;
     dropOldGroups();
-    tellState();
+    notifyState();
 }
 
 void UndoManager::dropRedo()
@@ -219,7 +219,7 @@ void UndoManager::dropOldGroups()
     }
 }
 
-void UndoManager::tellState()
+void UndoManager::notifyState()
 {
     const State state{canUndo(), canRedo(), isAtSavePoint()};
     if (std::exchange(m_lastState, state) != state)

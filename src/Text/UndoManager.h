@@ -119,5 +119,5 @@ private:
     void forgetAll();
     void dropRedo();
     void dropOldGroups();
-    void tellState();
+    void notifyState();
 };

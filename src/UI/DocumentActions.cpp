@@ -150,7 +150,7 @@ bool DocumentActions::isFolderThere(const QString &folder) const
         auto looking = BackgroundTask::start(
             m_services.workers, [folder](const std::stop_token &) { return QFileInfo::exists(folder); },
             [&isThere](bool found) { isThere = found; });
-        std::ignore = looking.waitUntil(std::chrono::steady_clock::now() + m_services.documents.services().patience);
+        std::ignore = looking.waitUntil(std::chrono::steady_clock::now() + m_services.documents.services().timeout);
     }
     return isThere;
 }
@@ -355,7 +355,7 @@ void DocumentActions::makeBackup()
     }
     const DocumentServices &services = m_services.documents.services();
     document.requests().start(
-        FileRequests::Kind::copying, services.patience,
+        FileRequests::Kind::copying, services.timeout,
         [snapshot = document.snapshotFor(document.path()), &files = services.files](const std::stop_token &) {
             return DocumentFile::copy(snapshot, files);
         },
@@ -416,7 +416,7 @@ void DocumentActions::trash(TextDocument &document)
         }
         const WorkspaceServices &services = self->m_services;
         document.requests().start(
-            FileRequests::Kind::moving, services.documents.services().patience,
+            FileRequests::Kind::moving, services.documents.services().timeout,
             [&desktop = services.desktop, path = document.path()](const std::stop_token &) { return desktop.moveToTrash(path); },
             [self, &document](const Result<void> &moved) {
                 if (!self) {

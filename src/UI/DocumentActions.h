@@ -10,8 +10,8 @@
 struct Alert;
 
 /// What can be done with the documents of a window, and the commands for its current one. Saving, and asking before something is lost, end
-/// with a completion, which may come later. It changes no panes: it tells what is to be shown, and what is closed leaves the store, of
-/// which every window hears. Main thread only.
+/// with a completion, which may come later. It changes no panes: it reports what is to be shown, and what is closed leaves the store, of
+/// of which every window is notified. Main thread only.
 class DocumentActions final : public QObject, public Responder {
     Q_OBJECT
 

@@ -42,7 +42,7 @@ void DocumentActions::readForComparison(TextDocument &document, const QString &p
 {
     const DocumentServices &services = m_services.documents.services();
     document.requests().start(
-        FileRequests::Kind::comparison, services.patience,
+        FileRequests::Kind::comparison, services.timeout,
         [path, &files = services.files](const std::stop_token &) { return TextFile::read(path, std::nullopt, files); },
         [self = QPointer(this), then = std::move(then)](const tl::expected<TextFile::Contents, TextFile::ReadError> &read) {
             if (self && read) {

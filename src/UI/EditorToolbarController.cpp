@@ -50,8 +50,8 @@ QToolButton *menuExtension(const QMenuBar &menuBar)
     return menuBar.findChild<QToolButton *>(u"qt_menubar_ext_button"_s);
 }
 
-/// The toolkit's picture is black on any ground, and nothing tells what the button is for.
-void adornMenuExtension(const QMenuBar &menuBar)
+/// The toolkit's picture is black on any ground, and nothing says what the button is for.
+void decorateMenuExtension(const QMenuBar &menuBar)
 {
     if (QToolButton *button = menuExtension(menuBar)) {
         // Another than that of the toolbar's button beside it; small, since a title more may stand here.
@@ -130,7 +130,7 @@ QWidget *EditorToolbarController::entry() const
 void EditorToolbarController::apply()
 {
     removeStrip();
-    adornMenuExtension(*m_window.menuBar());
+    decorateMenuExtension(*m_window.menuBar());
     if (m_services.preferences.value(Settings::toolbarStyle) == ToolbarStyle::hidden) {
         return;
     }

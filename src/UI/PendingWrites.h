@@ -14,7 +14,7 @@ class QWidget;
 class PendingWrites final {
 public:
     using Documents = std::vector<std::shared_ptr<TextDocument>>;
-    /// `failed`: the user has been told, by whoever had it saved. `abandoned`: the user does not wait any longer.
+    /// `failed`: the user has been notified, by whoever had it saved. `abandoned`: the user does not wait any longer.
     enum class Outcome { written, failed, abandoned };
     using Then = std::function<void(Outcome outcome)>;
 

@@ -27,7 +27,7 @@ public:
         friend bool operator==(const Choice &, const Choice &) = default;
     };
 
-    /// `folder` is put into the notes that tell of one.
+    /// `folder` is put into the notes that name one.
     SettingControls(Preferences &preferences, QString folder);
 
     /// Adds a row to its page, with `beside` behind the control.

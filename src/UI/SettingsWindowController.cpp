@@ -33,12 +33,12 @@ namespace {
 /// Logical pixels, enough for the frame of any window manager, which is not known before the window is shown.
 constexpr QSize frameRoom(16, 48);
 
-/// A path as it is told: from the home folder on, and with places where a line may break.
-QString toldPath(const QString &path)
+/// A path as it is shown: from the home folder on, and with places where a line may break.
+QString shownPath(const QString &path)
 {
-    QString told = abbreviatedPath(path);
+    QString shown = abbreviatedPath(path);
     constexpr QChar zeroWidthSpace(0x200B);
-    return told.replace(u'/', u'/' + QString(zeroWidthSpace));
+    return shown.replace(u'/', u'/' + QString(zeroWidthSpace));
 }
 
 } // namespace
@@ -70,7 +70,7 @@ SettingsWindowController::~SettingsWindowController()
 void SettingsWindowController::build()
 {
     setWindowTitle(localized(u"Settings"));
-    m_controls = std::make_unique<SettingControls>(m_services.preferences, toldPath(m_services.dataFolder));
+    m_controls = std::make_unique<SettingControls>(m_services.preferences, shownPath(m_services.dataFolder));
     m_tabs = new QTabWidget;
     QStringList titles;
     for (const SettingsPageTable &page : Settings::pages) {

@@ -22,8 +22,8 @@ class VimBadge;
 struct Theme;
 
 /// The bar below the panes of a window: where the caret is, what the document is, and short messages. It knows no document; it shows the
-/// state it was last given and tells what the user chose. Where the window is narrow the path gives way first, then the controls, the least
-/// important first. Main thread only.
+/// state it was last given and reports what the user chose. Where the window is narrow the path gives way first, then the controls, the
+/// least important first. Main thread only.
 class StatusBarView final : public QWidget {
     Q_OBJECT
 
@@ -70,7 +70,7 @@ public:
     void setTheme(const Theme &theme);
     /// None: there is no document. An encoding or indentation that the menus do not have leaves their choice as it was.
     void setState(const std::optional<State> &state);
-    /// Shows `message` in place of the path for so long, or until the next; screen readers are told.
+    /// Shows `message` in place of the path for so long, or until the next; screen readers are notified.
     void flash(const QString &message, Scheduler::Milliseconds duration);
 
     [[nodiscard]] QSize sizeHint() const override;

@@ -16,9 +16,9 @@ struct Theme;
 
 /// The tabs above a pane, the button for a new one, and where they do not all fit: buttons that scroll, and a menu of all tabs.
 ///
-/// An item belongs to a place in the row, not to a document: when the tabs change, items are told what to show, and only as many are made
+/// An item belongs to a place in the row, not to a document: when the tabs change, items are given what to show, and only as many are made
 /// or dropped as the row grows or shrinks by. So the pointer stays over an item when the tab under it is closed. With the keyboard the row
-/// is one stop: the arrows, Home and End go along it, Space and Enter select. The bar tells what the user chose and changes nothing by
+/// is one stop: the arrows, Home and End go along it, Space and Enter select. The bar reports what the user chose and changes nothing by
 /// itself; what becomes of it is shown by `setTabs`, at once or later. Main thread only.
 class TabBarView final : public QWidget {
     Q_OBJECT

@@ -119,7 +119,7 @@ void TabItemView::setContent(const TabDescriptor &descriptor, int index, Selecti
         changed.selected = true;
         QAccessibleStateChangeEvent stateChange(this, changed);
         QAccessible::updateAccessibility(&stateChange);
-        // The bridge to the bus tells of the state for these only.
+        // The bridge to the bus reports the state for these only.
         QAccessibleEvent event(this, isSelected() ? QAccessible::Selection : QAccessible::SelectionRemove);
         QAccessible::updateAccessibility(&event);
     }
@@ -358,7 +358,7 @@ void TabItemView::startDrag()
     const QPointer<TabItemView> self(this);
     drag->exec(Qt::MoveAction);
     if (self) {
-        // What the pointer does during a drag is not told.
+        // What the pointer does during a drag is not reported.
         setHovering(rect().contains(mapFromGlobal(QCursor::pos())));
     }
 }

@@ -52,7 +52,7 @@ public:
     /// The keyboard came to the item or left it.
     std::function<void()> onFocusChange;
 
-    /// A screen reader is told what is new.
+    /// A screen reader is notified of what is new.
     void setContent(const TabDescriptor &descriptor, int index, Selection selection);
     void setLook(const Theme &theme, PaneActivity activity);
     void retranslate();

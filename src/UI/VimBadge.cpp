@@ -39,7 +39,7 @@ void VimBadge::setState(const std::optional<StatusBarView::VimState> &state)
     if (state == m_state) {
         return;
     }
-    // The mode is told when it changes, keys are not: whoever pressed them knows.
+    // The mode is reported when it changes, keys are not: whoever pressed them knows.
     const bool isOtherMode = state && (!m_state || state->mode != m_state->mode);
     const bool wasVisible = isVisible();
     m_state = state;

@@ -7,7 +7,7 @@
 class MainWindowController;
 class ToolbarStrip;
 
-/// A window for screen readers. A toolbar beside the menus is a child of their bar, which tells of its menus only; so the window has it as
+/// A window for screen readers. A toolbar beside the menus is a child of their bar, which reports its menus only; so the window has it as
 /// its first child.
 class WindowAccessible final : public QAccessibleWidget {
 public:

@@ -121,7 +121,7 @@ void WorkspaceViewController::finishWaiting()
     }
 }
 
-/// It is told that nothing came of it.
+/// It is notified that nothing came of it.
 void WorkspaceViewController::abortWaiting()
 {
     if (TextDocument *document = currentDocument()) {

@@ -57,9 +57,7 @@ WorkspaceViewController::WorkspaceViewController(const WorkspaceServices &servic
     stack->addWidget(m_statusBar);
     applyTheme();
     connect(&m_services.documents, &DocumentStore::themeChanged, this, &WorkspaceViewController::applyTheme);
-    m_observers.push_back(m_services.notifications.observe(Preferences::didChange, nullptr, [this] {
-        updateStatusBar();
-    }));
+    m_observers.push_back(m_services.notifications.observe(Preferences::didChange, nullptr, [this] { updateStatusBar(); }));
     m_observers.push_back(
         m_services.notifications.observe(TextDocument::didFailToArrive, nullptr, [this] { dropDocumentsThatCannotBeRead(); }));
     m_observers.push_back(m_services.notifications.observe(Localization::didChangeNotification, nullptr, [this] { updateState(); }));
@@ -345,13 +343,13 @@ void WorkspaceViewController::removePlaceholder(const std::shared_ptr<TextDocume
     }
 }
 
-PaneLayout::Documents WorkspaceViewController::openWithin(std::chrono::milliseconds patience, const QStringList &paths)
+PaneLayout::Documents WorkspaceViewController::openWithin(std::chrono::milliseconds timeout, const QStringList &paths)
 {
     std::optional<TextFile::ReadError> firstError;
     PaneLayout::Documents all;
     PaneLayout::Documents shown;
     QStringList readPaths;
-    for (const DocumentStore::Opened &opened : m_services.documents.open(paths, patience)) {
+    for (const DocumentStore::Opened &opened : m_services.documents.open(paths, timeout)) {
         all.push_back(opened.document);
         if (!opened.document) {
             firstError = firstError ? firstError : opened.error;
@@ -359,7 +357,7 @@ PaneLayout::Documents WorkspaceViewController::openWithin(std::chrono::milliseco
         }
         shown.push_back(opened.document);
         if (opened.isNew && opened.document->isWaiting()) {
-            tellWhenArrived(*opened.document);
+            reportWhenArrived(*opened.document);
         } else if (opened.isNew) {
             readPaths << opened.document->path();
         }
@@ -377,7 +375,7 @@ PaneLayout::Documents WorkspaceViewController::openWithin(std::chrono::milliseco
     return all;
 }
 
-void WorkspaceViewController::tellWhenArrived(TextDocument &document)
+void WorkspaceViewController::reportWhenArrived(TextDocument &document)
 {
     document.whenArrived([workspace = QPointer(this), &document] {
         if (workspace && document.arrivalError()) {
@@ -547,7 +545,7 @@ void WorkspaceViewController::moveTabToNewWindow()
     takeTab(indexOf(source), *moved);
 }
 
-// What is told about the current document
+// What is reported about the current document
 
 void WorkspaceViewController::updateState()
 {

@@ -195,7 +195,7 @@ LayoutManager::Line LayoutManager::lineAt(qsizetype line)
 
 LayoutManager::Line LayoutManager::lineFrom(qsizetype line, qsizetype start)
 {
-    Q_ASSERT_X(m_revision == m_storage.revision(), "LayoutManager", "asked before it was told of a change");
+    Q_ASSERT_X(m_revision == m_storage.revision(), "LayoutManager", "asked before it was notified of a change");
     const Rope &text = m_storage.text();
     if (line + 1 >= text.lineCount()) {
         return {start, text.length() - start};

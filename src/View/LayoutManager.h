@@ -65,7 +65,7 @@ public:
 
     [[nodiscard]] const Settings &settings() const { return m_settings; }
     void setSettings(Settings settings);
-    /// The storage already holds the new text. Until it was told, the layout may not be asked for anything.
+    /// The storage already holds the new text. Until it was notified, the layout may not be asked for anything.
     void textChanged(const TextChange &change);
     void stylesChanged(const std::vector<TextRange> &ranges);
     void setPreedit(Preedit preedit);
@@ -83,7 +83,7 @@ public:
     [[nodiscard]] RowPosition rowOf(qsizetype offset, Affinity affinity = Affinity::downstream);
     [[nodiscard]] std::optional<RowPosition> next(const RowPosition &row);
     [[nodiscard]] std::optional<RowPosition> previous(const RowPosition &row);
-    /// Steps `count` rows down (or up, when negative) as far as there are rows; tells how many it went.
+    /// Steps `count` rows down (or up, when negative) as far as there are rows; returns how many it went.
     qint64 step(RowPosition &row, qint64 count);
     /// The units of a row without the line break.
     [[nodiscard]] TextRange rangeOf(const RowPosition &row);

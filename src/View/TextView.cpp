@@ -223,10 +223,10 @@ void TextView::storageChanged(const TextChange &change)
         viewport()->update();
     }
     updateForChange(change);
-    TextViewAccessible::tellChange(*this, change);
+    TextViewAccessible::reportChange(*this, change);
     viewMoved();
     if (!m_isEditing && selection() != before) {
-        TextViewAccessible::tellSelection(*this, before);
+        TextViewAccessible::reportSelection(*this, before);
         emit selectionChanged();
     }
 }
@@ -310,7 +310,7 @@ void TextView::setCaret(const Caret &caret, qsizetype anchor)
                                                Qt::ImCurrentSelection | Qt::ImSurroundingText | Qt::ImTextBeforeCursor |
                                                Qt::ImTextAfterCursor);
     }
-    TextViewAccessible::tellSelection(*this, before);
+    TextViewAccessible::reportSelection(*this, before);
     publishPrimarySelection();
     emit selectionChanged();
 }
@@ -392,7 +392,7 @@ void TextView::publishPrimarySelection()
     if (!m_services.pasteboard.supportsPrimary() || m_pointer.isSelecting() || selection().isEmpty()) {
         return;
     }
-    // Held keys move the selection many times a second; other programs are told when it rests.
+    // Held keys move the selection many times a second; other programs are notified when it rests.
     m_primarySettles = m_services.scheduler.after(100ms, [this] {
         const TextRange range = selection().range();
         if (!range.isEmpty()) {

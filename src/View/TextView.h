@@ -133,7 +133,7 @@ protected:
 
     [[nodiscard]] TextViewInput &input() { return m_input; }
 
-    /// Lets the user drag `content`, which it takes over, and tells how that ended. Tests drop it at once.
+    /// Lets the user drag `content`, which it takes over, and reports how that ended. Tests drop it at once.
     virtual Qt::DropAction runDrag(QMimeData *content, Qt::DropActions allowed, Qt::DropAction proposed);
 
     bool event(QEvent *event) override;

@@ -13,7 +13,7 @@ namespace {
 // What is copied out for one answer at the most; a screen reader that asks for "the text" gets its beginning.
 constexpr qsizetype answerLimit = 64 * 1024;
 /// Of more edits at once a screen reader hears as of one.
-constexpr size_t mostTold = 100;
+constexpr size_t mostReported = 100;
 
 QAccessibleInterface *makeAccessible(const QString &, QObject *object)
 {
@@ -96,7 +96,7 @@ qsizetype TextViewAccessible::resolved(int character) const
     return character == -2 ? view().selection().caret : view().storage().text().characterStart(character);
 }
 
-int TextViewAccessible::told(qsizetype offset) const
+int TextViewAccessible::characterOffset(qsizetype offset) const
 {
     return static_cast<int>(view().storage().text().characterAt(offset));
 }
@@ -104,8 +104,8 @@ int TextViewAccessible::told(qsizetype offset) const
 void TextViewAccessible::selection(int index, int *start, int *end) const
 {
     const TextRange range = index == 0 ? view().selection().range() : TextRange{};
-    *start = told(range.location);
-    *end = told(range.end());
+    *start = characterOffset(range.location);
+    *end = characterOffset(range.end());
 }
 
 int TextViewAccessible::selectionCount() const
@@ -134,7 +134,7 @@ void TextViewAccessible::setSelection(int index, int start, int end)
 
 int TextViewAccessible::cursorPosition() const
 {
-    return told(view().selection().caret);
+    return characterOffset(view().selection().caret);
 }
 
 void TextViewAccessible::setCursorPosition(int position)
@@ -205,8 +205,8 @@ TextRange TextViewAccessible::pieceAt(qsizetype offset, QAccessible::TextBoundar
 
 QString TextViewAccessible::answer(TextRange piece, int *start, int *end) const
 {
-    *start = told(piece.location);
-    *end = told(piece.end());
+    *start = characterOffset(piece.location);
+    *end = characterOffset(piece.end());
     return view().storage().string(piece);
 }
 
@@ -235,7 +235,7 @@ QString TextViewAccessible::textAfterOffset(int offset, QAccessible::TextBoundar
 
 int TextViewAccessible::characterCount() const
 {
-    return told(view().storage().length());
+    return characterOffset(view().storage().length());
 }
 
 QRect TextViewAccessible::characterRect(int offset) const
@@ -262,7 +262,7 @@ int TextViewAccessible::offsetAtPoint(const QPoint &point) const
         return -1;
     }
     const Viewport::VisibleRow row = view().textViewport().rowAt(local.y());
-    return told(view().layoutManager().graphemeAt(row.row, local.x() - view().textViewport().left()));
+    return characterOffset(view().layoutManager().graphemeAt(row.row, local.x() - view().textViewport().left()));
 }
 
 void TextViewAccessible::scrollToSubstring(int start, int end)
@@ -299,8 +299,8 @@ QString TextViewAccessible::attributes(int offset, int *start, int *end) const
             description += QStringLiteral("text-underline-style:solid;");
         }
     });
-    *start = told(found.location);
-    *end = told(found.end());
+    *start = characterOffset(found.location);
+    *end = characterOffset(found.end());
     return description;
 }
 
@@ -311,7 +311,7 @@ void TextViewAccessible::deleteText(int start, int end)
 
 void TextViewAccessible::insertText(int offset, const QString &text)
 {
-    // The bridge to the bus fills up to the length that it was told, which readers count in bytes.
+    // The bridge to the bus fills up to the length that it was given, which readers count in bytes.
     qsizetype length = text.length();
     while (length > 0 && text.at(length - 1).isNull()) {
         --length;
@@ -331,9 +331,9 @@ void TextViewAccessible::replaceText(int start, int end, const QString &text)
     view().insertText(text, TextRange::between(from, last > first ? to : from));
 }
 
-// What a view tells
+// What a view reports
 
-void TextViewAccessible::tellChange(TextView &view, const TextChange &change)
+void TextViewAccessible::reportChange(TextView &view, const TextChange &change)
 {
     if (!QAccessible::isActive()) {
         return;
@@ -341,7 +341,7 @@ void TextViewAccessible::tellChange(TextView &view, const TextChange &change)
     const auto spoken = [](const Rope &text, TextRange range) {
         return text.toString({range.location, std::min(range.length, answerLimit)});
     };
-    const auto tell = [&](TextRange gone, TextRange fresh) {
+    const auto report = [&](TextRange gone, TextRange fresh) {
         const auto position = static_cast<int>(change.after.characterAt(fresh.location));
         if (!gone.isEmpty()) {
             QAccessibleTextRemoveEvent event(&view, position, spoken(change.before, gone));
@@ -353,28 +353,28 @@ void TextViewAccessible::tellChange(TextView &view, const TextChange &change)
         }
     };
     const TextEdits &edits = change.edits;
-    if (edits.count() > mostTold) {
+    if (edits.count() > mostReported) {
         const ReplacedStretch hull = edits.hull();
-        tell({hull.location, hull.removed}, {hull.location, hull.inserted});
+        report({hull.location, hull.removed}, {hull.location, hull.inserted});
         return;
     }
     for (size_t index = 0; index < edits.count(); ++index) {
-        tell(edits[index].range, edits.newRange(index));
+        report(edits[index].range, edits.newRange(index));
     }
 }
 
-void TextViewAccessible::tellSelection(TextView &view, TextSelection before)
+void TextViewAccessible::reportSelection(TextView &view, TextSelection before)
 {
     if (!QAccessible::isActive()) {
         return;
     }
-    const auto told = [&text = view.storage().text()](qsizetype offset) { return static_cast<int>(text.characterAt(offset)); };
+    const auto characterOffset = [&text = view.storage().text()](qsizetype offset) { return static_cast<int>(text.characterAt(offset)); };
     if (!before.isEmpty() || !view.selection().isEmpty()) {
         const TextRange range = view.selection().range();
-        QAccessibleTextSelectionEvent event(&view, told(range.location), told(range.end()));
-        event.setCursorPosition(told(view.selection().caret));
+        QAccessibleTextSelectionEvent event(&view, characterOffset(range.location), characterOffset(range.end()));
+        event.setCursorPosition(characterOffset(view.selection().caret));
         QAccessible::updateAccessibility(&event);
     }
-    QAccessibleTextCursorEvent event(&view, told(view.selection().caret));
+    QAccessibleTextCursorEvent event(&view, characterOffset(view.selection().caret));
     QAccessible::updateAccessibility(&event);
 }

@@ -11,8 +11,8 @@ class TextView;
 /// A TextView for screen readers: text, caret, selections, editing and where each character is on the screen.
 ///
 /// Answers come from storage and layout piece by piece; nothing copies the whole text. Readers count characters, of which a surrogate pair
-/// is one: the bridge to the bus passes offsets on as they are, and who cuts a line out of what was told with units for characters never
-/// says the end of a line with two emoji. −1 stands for the text's length and −2 for the caret, as the interface has it.
+/// is one: the bridge to the bus passes offsets on as they are, and who cuts a line out of what was reported with units for characters
+/// never says the end of a line with two emoji. −1 stands for the text's length and −2 for the caret, as the interface has it.
 class TextViewAccessible final : public QAccessibleWidget, public QAccessibleTextInterface, public QAccessibleEditableTextInterface {
 public:
     /// Makes every TextView answer through this class; the first call counts.
@@ -20,12 +20,12 @@ public:
 
     explicit TextViewAccessible(TextView &view);
 
-    // What a view tells screen readers.
-    static void tellChange(TextView &view, const TextChange &change);
-    static void tellSelection(TextView &view, TextSelection before);
+    // What a view reports to screen readers.
+    static void reportChange(TextView &view, const TextChange &change);
+    static void reportSelection(TextView &view, TextSelection before);
 
     void *interface_cast(QAccessible::InterfaceType type) override;
-    /// None: gutter and viewport are how the text is made, and have nothing to tell.
+    /// None: gutter and viewport are how the text is made, and have nothing to report.
     [[nodiscard]] int childCount() const override { return 0; }
     [[nodiscard]] QAccessibleInterface *child(int index) const override;
     [[nodiscard]] int indexOfChild(const QAccessibleInterface *child) const override;
@@ -59,7 +59,7 @@ private:
     /// In units, what a reader counts in characters.
     [[nodiscard]] qsizetype resolved(int character) const;
     /// In characters, what is counted in units.
-    [[nodiscard]] int told(qsizetype offset) const;
+    [[nodiscard]] int characterOffset(qsizetype offset) const;
     [[nodiscard]] TextRange wholePieceAt(qsizetype offset, QAccessible::TextBoundaryType boundary) const;
     /// The same, but for a huge one that part of it which holds the offset; the parts follow one another.
     [[nodiscard]] TextRange pieceAt(qsizetype offset, QAccessible::TextBoundaryType boundary) const;

@@ -16,7 +16,7 @@
 
 class VimEngine;
 
-/// What an engine tells the editor that has it.
+/// What an engine notifies the editor that has it of.
 class VimEngineDelegate {
 public:
     /// A command line was entered; without its ":".
@@ -229,7 +229,7 @@ private:
     bool m_isReplaying = false;
     bool m_changedBuffer = false;
     bool m_isInUndoGroup = false;
-    /// What is to be told while a key is handled is told once, at its end.
+    /// What is to be reported while a key is handled is reported once, at its end.
     bool m_isHandling = false;
     bool m_hasNews = false;
 };

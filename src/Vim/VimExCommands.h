@@ -41,7 +41,7 @@ struct VimExCommand {
     std::array<QStringView, 4> names;
     std::variant<Ignored, Set, Line, Substitute, const Action *> function;
     VimKeyHelp help = {};
-    /// How many of the names, from the first on, the reference of keys tells.
+    /// How many of the names, from the first on, the reference of keys shows.
     size_t toldNames = 1;
 
     [[nodiscard]] static std::span<const VimExCommand> table();

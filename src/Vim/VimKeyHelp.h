@@ -13,7 +13,7 @@ struct VimKeyHelp {
     enum class Section { none, modes, motions, operators, textObjects, editing, windows, search, commandLine };
 
     Section section = Section::none;
-    /// English; null for the key beside the one of the row above, which tells of both.
+    /// English; null for the key beside the one of the row above, which describes both.
     const char16_t *text = nullptr;
     /// How it is written, where that is more than the key.
     std::array<QStringView, 2> forms = {};
@@ -25,13 +25,13 @@ struct VimKeyHelp {
 
 inline constexpr VimKeyHelp besideAbove{.isBesideAbove = true};
 
-/// A row that is told of, in the order of its table.
+/// A row that is described, in the order of its table.
 struct VimKeyHelpEntry {
     QStringList keys;
     VimKeyHelp help;
 
     /// `key` unless `help` has other forms.
-    VimKeyHelpEntry(const QString &key, const VimKeyHelp &told) : help(told)
+    VimKeyHelpEntry(const QString &key, const VimKeyHelp &described) : help(described)
     {
         for (const QStringView form : help.forms) {
             if (!form.isEmpty()) {

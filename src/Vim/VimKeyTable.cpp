@@ -31,7 +31,7 @@ const std::array<VimEngine::NavigationRow, 9> VimEngine::NavigationRow::all = {{
     {VimKey::forwardDelete, u'x'},
 }};
 
-/// In the order in which the reference tells of them. Of rows with one key in one place the first that makes sense counts.
+/// In the order in which the reference shows them. Of rows with one key in one place the first that makes sense counts.
 std::span<const VimEngine::KeyRow> VimEngine::keys()
 {
     using enum KeyPlace;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// The keys of modal editing: one row each, from which they are carried out and of which the reference tells. Private to the sources of the
+// The keys of modal editing: one row each, from which they are carried out and which the reference shows. Private to the sources of the
 // engine and its tests.
 
 #include "Vim/VimEngine.h"

@@ -36,7 +36,7 @@ constexpr auto sectionRows = std::to_array<SectionRow>({
     {commandLine, u"Command line"},
 });
 
-/// The rows of one section, with the keys beside each other that are told of together.
+/// The rows of one section, with the keys beside each other that are described together.
 std::vector<Row> rowsOf(VimKeyHelp::Section section, const VimKeyHelpEntries &entries)
 {
     std::vector<Row> rows;

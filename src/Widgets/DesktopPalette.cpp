@@ -97,69 +97,69 @@ void setHighContrast(QPalette &palette, bool isDark)
 
 } // namespace
 
-QPalette asWished(const QPalette &desktop, const DesktopWishes &wishes)
+QPalette requestedPalette(const QPalette &desktop, const RequestedAppearance &requested)
 {
     const bool wasDark = isDark(desktop);
-    const bool isDark = wishes.scheme.value_or(wasDark ? Appearance::dark : Appearance::light) == Appearance::dark;
-    QPalette wished;
-    wished.setResolveMask(0);
+    const bool isDark = requested.scheme.value_or(wasDark ? Appearance::dark : Appearance::light) == Appearance::dark;
+    QPalette palette;
+    palette.setResolveMask(0);
     if (isDark != wasDark) {
-        wished = plainPalette(isDark ? Appearance::dark : Appearance::light);
+        palette = plainPalette(isDark ? Appearance::dark : Appearance::light);
     }
-    if (wishes.accent) {
-        setAccent(wished, *wishes.accent);
+    if (requested.accent) {
+        setAccent(palette, *requested.accent);
     }
-    if (wishes.hasHighContrast) {
-        setHighContrast(wished, isDark);
+    if (requested.hasHighContrast) {
+        setHighContrast(palette, isDark);
     }
-    return wished;
+    return palette;
 }
 
 QPalette legibleHints(const QPalette &desktop)
 {
-    QPalette mended;
-    mended.setResolveMask(0);
+    QPalette adjusted;
+    adjusted.setResolveMask(0);
     for (const auto group : {QPalette::Active, QPalette::Inactive}) {
         const QColor ground = desktop.color(group, QPalette::Base);
         const QColor hint = desktop.color(group, QPalette::PlaceholderText);
         if (contrast(ground, blended(ground, hint, hint.alphaF())) < leastContrast) {
-            mended.setColor(group, QPalette::PlaceholderText, blended(ground, desktop.color(group, QPalette::Text), hintShare));
+            adjusted.setColor(group, QPalette::PlaceholderText, blended(ground, desktop.color(group, QPalette::Text), hintShare));
         }
     }
-    return mended;
+    return adjusted;
 }
 
 QPalette plainToolTips(const QPalette &desktop)
 {
-    QPalette mended;
-    mended.setResolveMask(0);
+    QPalette adjusted;
+    adjusted.setResolveMask(0);
     if (desktop.color(QPalette::ToolTipBase) != toolkitToolTip) {
-        return mended;
+        return adjusted;
     }
     const auto shade = [&desktop](double share) { return blended(desktop.color(QPalette::Base), desktop.color(QPalette::Text), share); };
-    mended.setColor(QPalette::ToolTipBase, shade(0.03));
-    mended.setColor(QPalette::ToolTipText, shade(0.85));
-    return mended;
+    adjusted.setColor(QPalette::ToolTipBase, shade(0.03));
+    adjusted.setColor(QPalette::ToolTipText, shade(0.85));
+    return adjusted;
 }
 
 DesktopPalette::DesktopPalette(std::function<QPalette()> desktop) : m_desktop(std::move(desktop))
 {
-    mend();
+    adjust();
     qApp->installEventFilter(this);
 }
 
-void DesktopPalette::adapt(const DesktopWishes &wishes)
+void DesktopPalette::adapt(const RequestedAppearance &requested)
 {
-    m_wishes = wishes;
-    mend();
+    m_requested = requested;
+    adjust();
 }
 
 bool DesktopPalette::eventFilter(QObject *object, QEvent *event)
 {
-    // Where every colour is set here, another theme changes none of the application's and is only told of to the windows.
+    // Where every colour is set here, another theme changes none of the application's and only the windows are notified of it.
     const bool isForeign = event->type() == QEvent::ApplicationPaletteChange && object == qApp && QApplication::palette() != m_shown;
-    if (!m_isMending && (isForeign || event->type() == QEvent::ThemeChange)) {
-        mend();
+    if (!m_isAdjusting && (isForeign || event->type() == QEvent::ThemeChange)) {
+        adjust();
     }
     return QObject::eventFilter(object, event);
 }
@@ -170,16 +170,16 @@ QPalette DesktopPalette::systemPalette()
     return QApplication::palette();
 }
 
-void DesktopPalette::mend()
+void DesktopPalette::adjust()
 {
-    // Of the palettes that are set meanwhile everybody hears at once.
-    const QScopedValueRollback mending(m_isMending, true);
+    // Everybody is notified at once of the palettes that are set meanwhile.
+    const QScopedValueRollback adjusting(m_isAdjusting, true);
     const QPalette desktop = m_desktop();
-    QPalette mended = asWished(desktop, m_wishes);
-    if (const QPalette hints = legibleHints(mended.resolve(desktop)); hints.resolveMask() != 0) {
-        mended = hints.resolve(mended);
+    QPalette adjusted = requestedPalette(desktop, m_requested);
+    if (const QPalette hints = legibleHints(adjusted.resolve(desktop)); hints.resolveMask() != 0) {
+        adjusted = hints.resolve(adjusted);
     }
-    const QPalette shown = mended.resolve(desktop);
+    const QPalette shown = adjusted.resolve(desktop);
     const QPalette toolTips = plainToolTips(shown);
     if (toolTips.resolveMask() != 0) {
         QToolTip::setPalette(toolTips.resolve(shown));
@@ -187,7 +187,7 @@ void DesktopPalette::mend()
     } else if (std::exchange(m_hasSetToolTips, false)) {
         QToolTip::setPalette(shown);
     }
-    if (mended.resolveMask() != 0) {
+    if (adjusted.resolveMask() != 0) {
         // Only what is set becomes the application's own: the other colours go on following the desktop.
         QApplication::setPalette(shown);
     }

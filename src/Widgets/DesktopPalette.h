@@ -9,9 +9,9 @@
 
 #include <functional>
 
-/// What `desktop` needs so that it is as wished: all colours when it is light and shall be dark or the other way round, the colours of what
-/// is chosen for an accent, text and grounds at their extremes for high contrast. Only what differs is set.
-[[nodiscard]] QPalette asWished(const QPalette &desktop, const DesktopWishes &wishes);
+/// What `desktop` needs so that it is as requested: all colours when it is light and shall be dark or the other way round, the colours of
+/// what is chosen for an accent, text and grounds at their extremes for high contrast. Only what differs is set.
+[[nodiscard]] QPalette requestedPalette(const QPalette &desktop, const RequestedAppearance &requested);
 
 /// What `desktop` needs so that the hints in its fields can be read: only their colour is set, and only where it stands out too little.
 [[nodiscard]] QPalette legibleHints(const QPalette &desktop);
@@ -19,10 +19,10 @@
 /// What `desktop` needs so that tool tips look like its windows: nothing when it has colours for them, else all of theirs.
 [[nodiscard]] QPalette plainToolTips(const QPalette &desktop);
 
-/// Some desktops say what they wish and leave it to the program to look so; some set all colours but those of hints and tool tips, which
+/// Some desktops say what they request and leave it to the program to look so; some set all colours but those of hints and tool tips, which
 /// then are the toolkit's: black hints on a dark ground, tool tips on yellow. While it lives, the application's palette has what
-/// asWished(), legibleHints() and plainToolTips() say, also after the desktop changed its colours. Main thread only; one at a time, after
-/// the application object was made.
+/// requestedPalette(), legibleHints() and plainToolTips() say, also after the desktop changed its colours. Main thread only; one at a time,
+/// after the application object was made.
 class DesktopPalette final : public QObject {
     Q_OBJECT
 
@@ -30,18 +30,18 @@ public:
     /// `desktop` gives the desktop's own colours, without what the application has set.
     explicit DesktopPalette(std::function<QPalette()> desktop = systemPalette);
 
-    void adapt(const DesktopWishes &wishes);
+    void adapt(const RequestedAppearance &requested);
 
     bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
     [[nodiscard]] static QPalette systemPalette();
-    void mend();
+    void adjust();
 
     std::function<QPalette()> m_desktop;
-    DesktopWishes m_wishes;
+    RequestedAppearance m_requested;
     /// The application's, as it was left.
     QPalette m_shown;
-    bool m_isMending = false;
+    bool m_isAdjusting = false;
     bool m_hasSetToolTips = false;
 };

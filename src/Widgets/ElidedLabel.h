@@ -4,7 +4,7 @@
 
 #include <QLabel>
 
-/// One line of plain text that is shortened where it does not fit, and then tells the whole in its tool tip. Screen readers are told the
+/// One line of plain text that is shortened where it does not fit, and then shows the whole in its tool tip. Screen readers are given the
 /// whole in any case.
 class ElidedLabel final : public QLabel {
     Q_OBJECT

@@ -49,11 +49,11 @@ FilePanel::FilePanel(AlertPresenter &presenter, QWidget *window, const QString &
     m_isOwn = findChild<QLineEdit *>(u"fileNameEdit"_s) != nullptr;
     if (m_isOwn) {
         setOption(DontConfirmOverwrite);
-        adorn();
+        decorate();
     }
 }
 
-void FilePanel::adorn()
+void FilePanel::decorate()
 {
     const QScreen *shown = screen();
     resize(preferredSize.boundedTo(shown ? shown->availableSize() * 9 / 10 : preferredSize));

@@ -17,7 +17,7 @@ public:
     void accept() override;
 
 private:
-    void adorn();
+    void decorate();
     void askToReplace(const QString &name);
 
     AlertPresenter &m_presenter;

@@ -33,7 +33,7 @@ private:
 };
 
 /// A flat button that shows one of several choices and offers the others in a menu, the shown one checked. Choosing changes nothing by
-/// itself: whoever hears of it sets what is shown then.
+/// itself: whoever is notified sets what is shown then.
 class PopUpButton final : public FlatButton {
     Q_OBJECT
 

@@ -58,7 +58,7 @@ private:
         setFont(scaledFont(QApplication::font("QLabel"), TextSize::status));
         const QPalette desktop = QApplication::palette("QLabel");
         const QColor color = blended(desktop.color(QPalette::Window), desktop.color(QPalette::WindowText), noteShare);
-        // Setting it tells of a change again.
+        // Setting it reports a change again.
         if (palette().color(QPalette::WindowText) != color) {
             QPalette own;
             own.setColor(QPalette::WindowText, color);

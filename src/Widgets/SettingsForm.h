@@ -39,7 +39,7 @@ public:
 
     explicit SettingsForm(QWidget *parent = nullptr);
 
-    /// `label` names `control`, which screen readers are told.
+    /// `label` names `control` for screen readers.
     void addRow(const QString &label, QWidget &control);
     /// `row` holds `control` and what goes with it.
     void addRow(const QString &label, QLayout &row, QWidget &control);

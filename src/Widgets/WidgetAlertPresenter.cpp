@@ -224,7 +224,7 @@ void WidgetAlertPresenter::present(const Alert &alert, QWidget *window, AlertCom
     }
     auto *box = new QMessageBox(window);
     box->setText(asPlainText(alert.messageText));
-    // What asks for a line to fill in tells nothing.
+    // What asks for a line to fill in reports nothing.
     setStyle(*box, alert.style, alert.textField ? HasIcon::no : HasIcon::yes);
     box->setInformativeText(asPlainText(alert.informativeText));
     // The box itself would have it for the first text only.

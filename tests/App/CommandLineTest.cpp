@@ -38,10 +38,10 @@ TEST_F(CommandLineTest, FilesThatExistAreOpened)
     const CommandLine line = parse({u"./inner/../a.txt"_s, u"missing"_s, u"inner"_s, path(u"a:12"_s), u"--"_s, u"-b"_s, u"--help"_s});
     EXPECT_EQ(line.request, CommandLine::Request::openFiles);
     EXPECT_EQ(line.files, (Files{{path(u"a.txt"_s)}, {path(u"a:12"_s)}, {path(u"-b"_s)}}));
-    ASSERT_EQ(line.complaints.size(), 3);
-    EXPECT_TRUE(line.complaints[0].contains(u"missing"_s));
-    EXPECT_TRUE(line.complaints[1].contains(u"folder"_s));
-    EXPECT_TRUE(line.complaints[2].contains(u"--help"_s));
+    ASSERT_EQ(line.problems.size(), 3);
+    EXPECT_TRUE(line.problems[0].contains(u"missing"_s));
+    EXPECT_TRUE(line.problems[1].contains(u"folder"_s));
+    EXPECT_TRUE(line.problems[2].contains(u"--help"_s));
 
     const QString fromHome = QDir::home().relativeFilePath(path(u"a.txt"_s));
     EXPECT_EQ(parse({u"~/"_s + fromHome}).files, (Files{{path(u"a.txt"_s)}}));
@@ -71,10 +71,10 @@ TEST_F(CommandLineTest, PlacesStandBehindOrBeforeAFile)
     for (const auto &[arguments, files] : rows) {
         const CommandLine line = parse(arguments);
         EXPECT_EQ(line.files, files) << arguments.join(u' ').toStdString();
-        EXPECT_TRUE(line.complaints.isEmpty()) << arguments.join(u' ').toStdString();
+        EXPECT_TRUE(line.problems.isEmpty()) << arguments.join(u' ').toStdString();
     }
     for (const QString &name : {u"missing:7"_s, u"a.txt:x"_s, u"a.txt:"_s, u":7"_s, u"+x"_s}) {
-        EXPECT_TRUE(parse({name}).complaints.value(0).contains(name)) << name.toStdString();
+        EXPECT_TRUE(parse({name}).problems.value(0).contains(name)) << name.toStdString();
     }
 }
 
@@ -86,7 +86,7 @@ TEST_F(CommandLineTest, OptionsAreKnownOrRefused)
         const CommandLine line = parse({u"a.txt"_s, option});
         EXPECT_EQ(line.request, CommandLine::Request::refuse) << option.toStdString();
         EXPECT_TRUE(line.files.empty());
-        EXPECT_TRUE(line.complaints.value(0).contains(option));
+        EXPECT_TRUE(line.problems.value(0).contains(option));
     }
     EXPECT_EQ(parse({u"--language"_s, u"fr"_s}).request, CommandLine::Request::refuse);
     EXPECT_EQ(parse({u"--language"_s, u"de"_s, u"a.txt"_s}).language, AppLanguage::german);
@@ -98,7 +98,7 @@ TEST_F(CommandLineTest, OptionsAreKnownOrRefused)
     const CommandLine two = parse({u"--diff"_s, u"a.txt"_s, u"a:12"_s});
     EXPECT_EQ(two.request, CommandLine::Request::compare);
     EXPECT_EQ(two.files, (Files{{path(u"a.txt"_s)}, {path(u"a:12"_s)}}));
-    EXPECT_EQ(parse({u"-d"_s, u"a.txt"_s, u"missing"_s}).complaints.size(), 1);
+    EXPECT_EQ(parse({u"-d"_s, u"a.txt"_s, u"missing"_s}).problems.size(), 1);
     for (const QString &part : {u"--version"_s, u"--diff OLD NEW"_s, u"FILE:LINE[:COLUMN]"_s}) {
         EXPECT_TRUE(CommandLine::help().contains(part)) << part.toStdString();
     }

@@ -23,7 +23,7 @@ TEST(TerminationSignals, BecomeCallsFromTheEventLoop)
         EXPECT_EQ(calls, 0) << "nothing of the program runs inside the handler";
         loop.exec();
         QCoreApplication::processEvents();
-        EXPECT_EQ(calls, 1) << "two signals at once are one wish";
+        EXPECT_EQ(calls, 1) << "two signals at once are one request";
     }
     std::signal(SIGHUP, SIG_IGN);
     {

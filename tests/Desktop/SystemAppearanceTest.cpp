@@ -13,18 +13,18 @@ namespace {
 
 class FakeSource final : public AppearanceSource {
 public:
-    explicit FakeSource(std::function<void(const DesktopWishes &)> &tell) : m_tell(tell) {}
-    void start(std::function<void(const DesktopWishes &wishes)> tell) override { m_tell = std::move(tell); }
+    explicit FakeSource(std::function<void(const RequestedAppearance &)> &notify) : m_notify(notify) {}
+    void start(std::function<void(const RequestedAppearance &requested)> notify) override { m_notify = std::move(notify); }
 
 private:
-    std::function<void(const DesktopWishes &)> &m_tell;
+    std::function<void(const RequestedAppearance &)> &m_notify;
 };
 
 class SystemAppearanceTest : public testing::Test {
 protected:
     const QPalette before = QGuiApplication::palette();
-    std::function<void(const DesktopWishes &)> tell;
-    std::vector<Appearance> told;
+    std::function<void(const RequestedAppearance &)> notify;
+    std::vector<Appearance> reported;
 
     SystemAppearanceTest() { setPalette(Qt::white, Qt::black); }
     ~SystemAppearanceTest() override { QGuiApplication::setPalette(before); }
@@ -38,10 +38,10 @@ protected:
     }
     std::unique_ptr<SystemAppearance> made()
     {
-        auto appearance = std::make_unique<SystemAppearance>(std::make_unique<FakeSource>(tell));
+        auto appearance = std::make_unique<SystemAppearance>(std::make_unique<FakeSource>(notify));
         QObject::connect(appearance.get(), &SystemAppearance::changed, [this, made = appearance.get()](Appearance now) {
-            EXPECT_EQ(made->current(), now) << "whoever hears of it asks";
-            told.push_back(now);
+            EXPECT_EQ(made->current(), now) << "whoever is notified asks";
+            reported.push_back(now);
         });
         return appearance;
     }
@@ -56,7 +56,7 @@ TEST_F(SystemAppearanceTest, GoesByThePaletteUntilTheDesktopSpeaks)
     setPalette(Qt::darkGray, Qt::white);
     EXPECT_EQ(appearance->current(), Appearance::dark);
     setPalette(Qt::lightGray, Qt::black);
-    EXPECT_THAT(told, ElementsAre(Appearance::dark, Appearance::light));
+    EXPECT_THAT(reported, ElementsAre(Appearance::dark, Appearance::light));
 
     setPalette(Qt::black, Qt::white);
     EXPECT_EQ(made()->current(), Appearance::dark);
@@ -65,17 +65,17 @@ TEST_F(SystemAppearanceTest, GoesByThePaletteUntilTheDesktopSpeaks)
 TEST_F(SystemAppearanceTest, FollowsTheDesktopAndFallsBackToThePalette)
 {
     const auto appearance = made();
-    tell({.scheme = Appearance::dark});
+    notify({.scheme = Appearance::dark});
     EXPECT_EQ(appearance->current(), Appearance::dark);
-    tell({.scheme = Appearance::dark});
+    notify({.scheme = Appearance::dark});
     setPalette(Qt::lightGray, Qt::black);
-    EXPECT_THAT(told, ElementsAre(Appearance::dark));
+    EXPECT_THAT(reported, ElementsAre(Appearance::dark));
 
-    tell({});
-    EXPECT_THAT(told, ElementsAre(Appearance::dark, Appearance::light));
-    tell({.scheme = Appearance::light});
+    notify({});
+    EXPECT_THAT(reported, ElementsAre(Appearance::dark, Appearance::light));
+    notify({.scheme = Appearance::light});
     setPalette(Qt::black, Qt::white);
-    EXPECT_THAT(told, ElementsAre(Appearance::dark, Appearance::light));
-    tell({});
-    EXPECT_THAT(told, ElementsAre(Appearance::dark, Appearance::light, Appearance::dark));
+    EXPECT_THAT(reported, ElementsAre(Appearance::dark, Appearance::light));
+    notify({});
+    EXPECT_THAT(reported, ElementsAre(Appearance::dark, Appearance::light, Appearance::dark));
 }

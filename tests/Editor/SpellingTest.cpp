@@ -115,7 +115,7 @@ TEST(SpellingWordsTest, LeavesAloneWhatNoDictionaryHas)
         const QString text = QString(marked).remove(u'«').remove(u'»');
         EXPECT_EQ(withWordsMarked(text, {0, text.size()}, setting), marked);
     }
-    // A stretch may begin and end inside a word or an address; only what touches it is told.
+    // A stretch may begin and end inside a word or an address; only what touches it is reported.
     EXPECT_EQ(withWordsMarked(u"before words here behind"_s, {9, 6}, prose), u"before «words» «here» behind");
     EXPECT_EQ(withWordsMarked(u"https://example.com/words"_s, {21, 2}, prose), u"https://example.com/words");
     EXPECT_EQ(withWordsMarked(QString(100000, u'x') + u" word"_s, {100001, 4}, prose).right(7), u" «word»");
@@ -222,7 +222,7 @@ TEST_F(SpellingTest, CorrectsAWordAsOneStep)
     open(u"the |wrod is here\n"_s);
     (void)underlined();
     for (const qsizetype offset : {4, 6, 8}) {
-        const auto correction = spelling->correctionAt(offset, SpellingController::menuPatience);
+        const auto correction = spelling->correctionAt(offset, SpellingController::menuTimeout);
         ASSERT_TRUE(correction) << offset;
         EXPECT_EQ(correction->range, (TextRange{4, 4}));
         EXPECT_THAT(correction->guesses.value_or(QStringList()), testing::Contains(u"word"_s));
@@ -230,7 +230,7 @@ TEST_F(SpellingTest, CorrectsAWordAsOneStep)
     EXPECT_FALSE(spelling->correctionAt(0, {}));
     EXPECT_FALSE(spelling->correctionAt(9, {}));
 
-    const auto correction = spelling->correctionAt(4, SpellingController::menuPatience).value();
+    const auto correction = spelling->correctionAt(4, SpellingController::menuTimeout).value();
     spelling->replace(correction, u"word"_s);
     EXPECT_EQ(editor->storage.string(), u"the word is here\n");
     editor->view.undo();

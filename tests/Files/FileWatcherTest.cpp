@@ -534,7 +534,7 @@ TEST(FileWatcherThread, ReportsWhileAShareIsDead)
             loop.quit();
         });
         EventLoopScheduler scheduler;
-        // Until the change is later than the capture, which nobody tells about.
+        // Until the change is later than the capture, which nobody reports.
         const auto writing = scheduler.every(500ms, 0ms, [&] { put(path, "x", QIODevice::Append); });
         const auto giveUp = scheduler.after(60s, [&] { loop.exit(1); });
         EXPECT_EQ(loop.exec(), 0);

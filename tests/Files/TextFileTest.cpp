@@ -96,7 +96,7 @@ TEST_F(TextFileTest, SaysWhatItCannotRead)
             EXPECT_GE(step, 8);
             break;
         }
-        // A file whose attributes are not told, or that does not close, is read all the same.
+        // A file whose attributes are not reported, or that does not close, is read all the same.
         const bool isHarmless = calls.failedCall == "stat" || calls.failedCall == "close" || (calls.failedCall == "fstat" && step > 3);
         EXPECT_EQ(contents.has_value(), isHarmless) << calls.failedCall << " at step " << step;
         EXPECT_TRUE(contents ? contents->text.length() == 600'000 : contents.error().kind == Kind::notReadable);
@@ -123,7 +123,7 @@ TEST_F(TextFileTest, AFileThatChangesMeanwhileIsReadAsOneState)
     // Not UTF-8 at its very end, so that other encodings are tried; while they are, the file becomes UTF-8.
     const QByteArray before = QByteArray(300'000, 'a') + "\xE9";
     const QByteArray after = QByteArray(299'999, 'b') + "é";
-    ASSERT_EQ(before.size(), after.size()) << "the size alone must not tell";
+    ASSERT_EQ(before.size(), after.size()) << "the size alone must not show it";
     const QString file = put(u"a"_s, before);
     FaultyCalls once;
     once.before = [&, reads = 0](const char *call) mutable {

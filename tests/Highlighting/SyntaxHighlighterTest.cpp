@@ -158,7 +158,7 @@ TEST(SyntaxHighlighter, ColoursTheLinesOfAnEditAtOnce)
     EXPECT_EQ(document.colours(), "....kk.sss...........");
     EXPECT_EQ(document.refreshCount, 0);
 
-    // Only what is really another is told: here one unit in the middle of a comment, which has the colour before it is asked for.
+    // Only what is really another is reported: here one unit in the middle of a comment, which has the colour before it is asked for.
     document.storage.apply({{0, document.storage.length()}, u"/* comment */ if\n"});
     document.restyled.clear();
     document.type(5, u"x"_s);

@@ -38,11 +38,11 @@ protected:
 
 TEST_F(RecentDocumentsTest, KeepsTheLastTenNewestFirst)
 {
-    QStringList told;
+    QStringList reported;
     int calls = 0;
     RecentDocuments recent(listFile(), workers);
     recent.onNote([&](const QStringList &paths) {
-        told = paths;
+        reported = paths;
         ++calls;
     });
     recent.note({});
@@ -50,7 +50,7 @@ TEST_F(RecentDocumentsTest, KeepsTheLastTenNewestFirst)
     EXPECT_FALSE(QFile::exists(listFile())) << "nothing was noted";
     recent.note({u"/a/./b.txt"_s, u"/a/c.txt"_s, u"/a/d/../b.txt"_s});
     EXPECT_EQ(pathsOf(recent.entries()), QStringList({u"/a/b.txt"_s, u"/a/c.txt"_s}));
-    EXPECT_EQ(told, QStringList({u"/a/c.txt"_s, u"/a/b.txt"_s}));
+    EXPECT_EQ(reported, QStringList({u"/a/c.txt"_s, u"/a/b.txt"_s}));
     EXPECT_EQ(written(), R"([{"path":"/a/b.txt"},{"path":"/a/c.txt"}])");
     EXPECT_EQ(mode(listFile()), 0600U);
     EXPECT_EQ(mode(QFileInfo(listFile()).path()), 0700U);
@@ -61,7 +61,7 @@ TEST_F(RecentDocumentsTest, KeepsTheLastTenNewestFirst)
     }
     recent.note(many);
     QStringList lastTen = many.last(10);
-    EXPECT_EQ(told, lastTen);
+    EXPECT_EQ(reported, lastTen);
     EXPECT_EQ(calls, 2);
     std::ranges::reverse(lastTen);
     EXPECT_EQ(stored(), lastTen);

@@ -293,7 +293,7 @@ TEST_F(DocumentTest, WhatWasReadBeforeASaveIsNotTakenAfterIt)
 
 TEST_F(DocumentTest, AFileThatIsBackIsNotCalledDeleted)
 {
-    // Each comes when the file was found missing and before that is told.
+    // Each comes when the file was found missing and before that is reported.
     const std::pair<const char *, std::function<void(TextDocument &)>> cases[] = {
         {"saved anew", [](TextDocument &document) { document.save(document.path()); }},
         {"saved elsewhere", [](TextDocument &document) { document.save(document.path() + u"x"_s); }},

@@ -394,7 +394,7 @@ TEST_F(SessionStoreTest, WritesTheLatestTextOnceAndNothingThatIsThere)
     EXPECT_EQ(read(root() + u"/Drafts/"_s + drafts().front()), "4");
 }
 
-TEST_F(SessionStoreTest, AFullDiskIsToldOfOnceAndTriedAgain)
+TEST_F(SessionStoreTest, AFullDiskIsReportedOnceAndTriedAgain)
 {
     auto store = open();
     std::vector<int> problems;

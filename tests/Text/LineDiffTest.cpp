@@ -327,7 +327,7 @@ TEST(LineDiff, GivesUpBeyond2000Edits)
                                               LineDiff::Run{LineDiff::Row::Kind::deleted, 2500, 500, 2501, 2501}));
 }
 
-TEST(LineDiff, TellsHowFarItIsAndStops)
+TEST(LineDiff, ReportsHowFarItIsAndStops)
 {
     const Rope old(numberedLines(5000, u'a'));
     const Rope newer(numberedLines(4000, u'a') + numberedLines(1000, u'b') + u"z"_s);

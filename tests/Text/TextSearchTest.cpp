@@ -177,7 +177,7 @@ TEST(TextSearch, AnEvilExpressionIsGivenUpAndHarmlessLinesAreStillSearched)
     EXPECT_FALSE(searcher.clone().gaveUp());
 }
 
-TEST(TextSearch, StopsAndTellsHowFarItCame)
+TEST(TextSearch, StopsAndReportsHowFarItCame)
 {
     const Rope text(QString(u"ab"_s).repeated(200'000));
     std::stop_source stop;

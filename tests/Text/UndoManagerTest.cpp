@@ -73,11 +73,11 @@ TEST_F(Undo, DeletingGrowsTogetherInItsDirection)
 
 TEST_F(Undo, WhatIsSavedIsToldAndKept)
 {
-    int told = 0;
-    QObject::connect(&undo, &UndoManager::stateChanged, [&] { ++told; });
+    int notified = 0;
+    QObject::connect(&undo, &UndoManager::stateChanged, [&] { ++notified; });
     EXPECT_TRUE(undo.isAtSavePoint());
     type(u"a");
-    EXPECT_EQ(told, 1);
+    EXPECT_EQ(notified, 1);
     undo.markSavePoint();
     type(u"b");
     undo.undo();

@@ -110,7 +110,7 @@ TEST_F(WindowAccessibility, AKeyShownTwiceActsOnce)
     EXPECT_EQ(application.windows().size(), 2U);
 }
 
-TEST_F(WindowAccessibility, TabsTellOfTheSelection)
+TEST_F(WindowAccessibility, TabsReportTheSelection)
 {
     write(u"a"_s, "one");
     application.open({path(u"a"_s)});
@@ -156,7 +156,7 @@ TEST_F(WindowAccessibility, TheBannerIsSaidAgainWhenItChanges)
     EXPECT_EQ(takeHeard(), "“a” was deleted or moved.;");
 }
 
-TEST_F(WindowAccessibility, TellsTheModeOfModalEditing)
+TEST_F(WindowAccessibility, ReportsTheModeOfModalEditing)
 {
     std::ignore = takeHeard();
     preferences.set(Settings::vimMode, true);
@@ -166,7 +166,7 @@ TEST_F(WindowAccessibility, TellsTheModeOfModalEditing)
     type(u"abc"_s);
     QTest::keyClick(&textView(), Qt::Key_Escape);
     type(u"2"_s);
-    EXPECT_EQ(takeHeard(), "NORMAL;") << "keys are not told";
+    EXPECT_EQ(takeHeard(), "NORMAL;") << "keys are not reported";
     type(u"v"_s);
     EXPECT_EQ(takeHeard(), "VISUAL;");
 }

@@ -105,7 +105,7 @@ TEST_F(ComparisonTest, GoesThroughTheChangesByKeysAndButtons)
     EXPECT_NEAR(double(content.leftView().topRow()), 151 - double(content.leftView().textViewport().rowsPerPage()) / 2, 2);
 }
 
-TEST_F(ComparisonTest, TellsThatThereIsNothingToSee)
+TEST_F(ComparisonTest, ReportsThatThereIsNothingToSee)
 {
     DiffViewController &content = compare("a b\n", u" ab\n"_s);
     EXPECT_EQ(content.summary(), u"1 change   +1  \u22121"_s);
@@ -142,7 +142,7 @@ TEST_F(ComparisonTest, ScrollsBothColumnsTogether)
     EXPECT_EQ(y(content.leftView()), 0);
     EXPECT_EQ(x(content.rightView()), 50) << "the narrow one does not hold it back";
     emit content.leftView().visibleRowsChanged();
-    EXPECT_EQ(x(content.rightView()), 50) << "nor when it tells of something else";
+    EXPECT_EQ(x(content.rightView()), 50) << "nor when it reports something else";
     content.leftView().setScrollOffset(500);
     content.nextChange();
     EXPECT_EQ(y(content.rightView()), y(content.leftView()));

@@ -153,7 +153,7 @@ TEST_F(ExCommandTest, KeepsTheWindowUsableWhileItSubstitutesInALongText)
     std::vector<TextView *> changed;
     SubstitutionRunner runner({.scheduler = scheduler,
                                .workers = held,
-                               .tell = [this](const QString &message, auto) { messages << message; },
+                               .showMessage = [this](const QString &message, auto) { messages << message; },
                                .changed = [&changed](TextView &view) { changed.push_back(&view); }});
     const auto settle = [&held] {
         held.finish();

@@ -106,7 +106,7 @@ TEST_P(UserGuideTest, NamesEveryCommandAsTheMenusDo)
         EXPECT_TRUE(given.isEmpty() || given == keys) << described(mention.path) << " has " << keys.join(u", "_s).toStdString();
     }
     for (auto node = paths.begin(); node != paths.end(); ++node) {
-        // A menu is told of by its items, and what is chosen from a list by that list.
+        // A menu is described by its items, and what is chosen from a list by that list.
         const bool isCommand = node->kind == MenuNode::Kind::item && node->action && node->represented.isNull() &&
                                !node->action->isNamedLike(Actions::selectTab1);
         EXPECT_TRUE(!isCommand || named.contains(node.key())) << "the guide does not name “" << described(node.key()) << "”";

@@ -43,7 +43,7 @@ protected:
     }
 };
 
-TEST_F(WaitingTest, SavingIsToldAndTypingGoesOn)
+TEST_F(WaitingTest, SavingIsReportedAndTypingGoesOn)
 {
     openTyped();
     send(Actions::saveDocument);

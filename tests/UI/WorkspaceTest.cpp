@@ -120,7 +120,7 @@ TEST_F(WorkspaceTest, QuittingAsksEachWindowOnceWhereNothingIsKept)
     presenter.answerHeld();
     EXPECT_EQ(application.windows().size(), 2U);
     application.terminate();
-    EXPECT_EQ(presenter.alerts().size(), 2U) << "the wish came again";
+    EXPECT_EQ(presenter.alerts().size(), 2U) << "the request came again";
     presenter.answer(dontSave);
     presenter.answerHeld();
     EXPECT_TRUE(isFinished) << "the other window has nothing to lose";
@@ -317,7 +317,7 @@ TEST_F(WorkspaceTest, GoesToPlacesInFiles)
     EXPECT_EQ(textView().selection().caret, 18);
 }
 
-TEST_F(WorkspaceTest, TellsThoseWhoWaitForFiles)
+TEST_F(WorkspaceTest, NotifiesThoseWhoWaitForFiles)
 {
     std::vector<int> statuses;
     const auto open = [&](const std::vector<CommandLine::File> &files) {
@@ -340,7 +340,7 @@ TEST_F(WorkspaceTest, TellsThoseWhoWaitForFiles)
     presenter.answer(AlertReply::thirdButton);
     send(Actions::closeTab);
     EXPECT_EQ(std::exchange(statuses, {}), std::vector<int>{1}) << "not saved";
-    // The bar that tells of it.
+    // The bar that reports it.
     const auto press = [this](const QString &title) {
         for (QPushButton *button : workspace().currentEditor()->findChildren<QPushButton *>()) {
             if (button->text() == title) {

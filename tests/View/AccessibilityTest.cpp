@@ -52,7 +52,7 @@ protected:
     QStringList m_heard;
 };
 
-TEST_F(Accessibility, TellsEditsCaretAndSelection)
+TEST_F(Accessibility, ReportsEditsCaretAndSelection)
 {
     show(u"a|bc"_s);
     for (const auto &[typed, told] : {std::pair(u"x"_s, u"+1 x;@2"_s), std::pair(u"<BS>"_s, u"-1 x;@1"_s),

@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Writes down what it is told to do.
+/// Records what it is asked to do.
 class RecordingHost final : public VimCommandHost {
 public:
     QStringList calls;

@@ -144,7 +144,7 @@ TEST_F(WidgetAlertPresenterTest, AsksForALineOfText)
     EXPECT_EQ(reply.text, u"42"_s);
 }
 
-TEST_F(WidgetAlertPresenterTest, PanelsStartWhereTheyAreTold)
+TEST_F(WidgetAlertPresenterTest, PanelsStartWhereTheyAreAsked)
 {
     const QTemporaryDir folder;
     std::optional<QString> saved;

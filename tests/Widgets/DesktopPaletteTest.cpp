@@ -20,7 +20,7 @@ QPalette paletteOf(const QColor &ground, const QColor &text)
 
 } // namespace
 
-TEST(DesktopPalette, MendsOnlyWhatCannotBeRead)
+TEST(DesktopPalette, AdjustsOnlyWhatCannotBeRead)
 {
     const QPalette light = paletteOf(Qt::white, Qt::black);
     EXPECT_EQ(legibleHints(light).resolveMask(), 0U);
@@ -35,14 +35,14 @@ TEST(DesktopPalette, MendsOnlyWhatCannotBeRead)
     EXPECT_EQ(plainToolTips(chosen).resolveMask(), 0U);
 }
 
-TEST(DesktopPalette, LooksAsTheDesktopWishes)
+TEST(DesktopPalette, LooksAsTheDesktopRequests)
 {
     QPalette light = paletteOf(Qt::white, Qt::black);
     light.setColor(QPalette::Window, 0xEEEEEE);
     light.setColor(QPalette::WindowText, Qt::black);
-    EXPECT_EQ(asWished(light, {}).resolveMask(), 0U);
-    EXPECT_EQ(asWished(light, {.scheme = Appearance::light}).resolveMask(), 0U);
-    const QPalette dark = asWished(light, {.scheme = Appearance::dark});
+    EXPECT_EQ(requestedPalette(light, {}).resolveMask(), 0U);
+    EXPECT_EQ(requestedPalette(light, {.scheme = Appearance::light}).resolveMask(), 0U);
+    const QPalette dark = requestedPalette(light, {.scheme = Appearance::dark});
     for (const auto &[ground, text] : {std::pair(QPalette::Window, QPalette::WindowText),
                                        {QPalette::Base, QPalette::Text},
                                        {QPalette::Button, QPalette::ButtonText},
@@ -51,17 +51,17 @@ TEST(DesktopPalette, LooksAsTheDesktopWishes)
         EXPECT_GT(dark.color(text).lightness(), 200);
         EXPECT_GT(dark.color(QPalette::Disabled, text).lightness(), dark.color(ground).lightness() + 40);
     }
-    EXPECT_GT(asWished(dark, {.scheme = Appearance::light}).color(QPalette::Window).lightness(), 200);
-    EXPECT_EQ(asWished(dark, {.scheme = Appearance::dark}).resolveMask(), 0U);
+    EXPECT_GT(requestedPalette(dark, {.scheme = Appearance::light}).color(QPalette::Window).lightness(), 200);
+    EXPECT_EQ(requestedPalette(dark, {.scheme = Appearance::dark}).resolveMask(), 0U);
 
-    const QPalette accented = asWished(light, {.accent = QColor(0x9141AC)});
+    const QPalette accented = requestedPalette(light, {.accent = QColor(0x9141AC)});
     EXPECT_EQ(accented.color(QPalette::Highlight), QColor(0x9141AC));
     EXPECT_EQ(accented.color(QPalette::HighlightedText), QColor(Qt::white));
     EXPECT_FALSE(accented.isBrushSet(QPalette::Active, QPalette::Window));
-    EXPECT_EQ(asWished(light, {.accent = QColor(0xF6D32D)}).color(QPalette::HighlightedText), QColor(Qt::black));
+    EXPECT_EQ(requestedPalette(light, {.accent = QColor(0xF6D32D)}).color(QPalette::HighlightedText), QColor(Qt::black));
 
-    EXPECT_EQ(asWished(light, {.hasHighContrast = true}).color(QPalette::Base), QColor(Qt::white));
-    const QPalette stark = asWished(light, {.scheme = Appearance::dark, .hasHighContrast = true});
+    EXPECT_EQ(requestedPalette(light, {.hasHighContrast = true}).color(QPalette::Base), QColor(Qt::white));
+    const QPalette stark = requestedPalette(light, {.scheme = Appearance::dark, .hasHighContrast = true});
     EXPECT_EQ(stark.color(QPalette::Window), QColor(Qt::black));
     EXPECT_EQ(stark.color(QPalette::Text), QColor(Qt::white));
     EXPECT_GT(stark.color(QPalette::Base).lightness(), 60) << "boxes have no outline on black";
@@ -77,11 +77,11 @@ TEST(DesktopPalette, FollowsTheDesktop)
         QApplication::setPalette(palette);
         QCoreApplication::sendPostedEvents();
     };
-    // The toolkit tells of palettes only while the application runs.
+    // The toolkit reports palettes only while the application runs.
     QTimer::singleShot(0, [&] {
         changeTo(desktop);
         {
-            DesktopPalette mending([&desktop] {
+            DesktopPalette adjusting([&desktop] {
                 QApplication::setPalette(QPalette());
                 return desktop;
             });
@@ -91,7 +91,7 @@ TEST(DesktopPalette, FollowsTheDesktop)
             EXPECT_LT(QApplication::palette().color(QPalette::PlaceholderText).lightness(), 180);
             EXPECT_GT(QToolTip::palette().color(QPalette::ToolTipBase).lightness(), 220);
 
-            mending.adapt({.scheme = Appearance::dark, .accent = QColor(0x9141AC)});
+            adjusting.adapt({.scheme = Appearance::dark, .accent = QColor(0x9141AC)});
             EXPECT_LT(QApplication::palette().color(QPalette::Base).lightness(), 60);
             EXPECT_EQ(QApplication::palette().color(QPalette::Highlight), QColor(0x9141AC));
             EXPECT_LT(QToolTip::palette().color(QPalette::ToolTipBase).lightness(), 80);

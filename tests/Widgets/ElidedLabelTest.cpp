@@ -10,7 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
-TEST(ElidedLabel, TellsWhatDoesNotFitLetterByLetter)
+TEST(ElidedLabel, ReportsWhatDoesNotFitLetterByLetter)
 {
     ElidedLabel label(Qt::ElideLeft);
     label.setText(u"/folder/<b>bold</b>.txt"_s);

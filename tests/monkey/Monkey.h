@@ -9,7 +9,7 @@
 class QWindow;
 
 /// Uses the program without sense, the same way for a seed: a step a turn of the event loop, and in the next turn a look whether everything
-/// is still as it must be. What went wrong is told with seed and step, and ends the process.
+/// is still as it must be. What went wrong is reported with seed and step, and ends the process.
 class Monkey final : public QObject {
 public:
     enum class Talk { onFailure, always };

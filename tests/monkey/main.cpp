@@ -14,15 +14,15 @@ namespace {
 
 Monkey *monkey = nullptr;
 
-void tellAndEnd(int signal)
+void printTraceAndEnd(int signal)
 {
     monkey->printTrace();
     std::signal(signal, SIG_DFL);
     std::raise(signal);
 }
 
-/// The offscreen platform tells at length what it cannot do.
-void tellFatal(QtMsgType type, const QMessageLogContext & /*context*/, const QString &message)
+/// The offscreen platform reports at length what it cannot do.
+void printFatal(QtMsgType type, const QMessageLogContext & /*context*/, const QString &message)
 {
     if (type == QtFatalMsg) {
         std::fprintf(stderr, "%s\n", qPrintable(message));
@@ -44,21 +44,21 @@ extern "C" __attribute__((visibility("default"))) const char *__ubsan_default_op
 int main(int argc, char **argv)
 {
     const World world;
-    qInstallMessageHandler(tellFatal);
+    qInstallMessageHandler(printFatal);
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QCommandLineParser parser;
     parser.addOptions({{u"seed"_s, u"Begin with this number."_s, u"N"_s, u"1"_s},
                        {u"steps"_s, u"End after so many."_s, u"N"_s, u"1000"_s},
                        {u"threads"_s, u"Have workers work on threads, so that runs of a seed differ in time."_s},
-                       {u"verbose"_s, u"Tell every step."_s}});
+                       {u"verbose"_s, u"Report every step."_s}});
     parser.addHelpOption();
     parser.process(application);
     Monkey player(parser.value(u"seed"_s).toUInt(), parser.value(u"steps"_s).toInt(),
                   parser.isSet(u"threads"_s) ? Stage::Work::onThreads : Stage::Work::inlined,
                   parser.isSet(u"verbose"_s) ? Monkey::Talk::always : Monkey::Talk::onFailure);
     monkey = &player;
-    std::signal(SIGABRT, tellAndEnd);
+    std::signal(SIGABRT, printTraceAndEnd);
     player.start();
     return QApplication::exec();
 }

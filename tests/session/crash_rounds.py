@@ -2,14 +2,14 @@
 # SPDX-FileCopyrightText: 2026 The Quillet authors
 # SPDX-License-Identifier: MIT
 """Works at random, kills the program at a bad moment, and looks what comes back: nothing that was kept may be lost, and nothing else come.
-Usage: crash_rounds.py PROGRAM [--rounds N] [--seed S] [--patience SECONDS] [--keep]"""
+Usage: crash_rounds.py PROGRAM [--rounds N] [--seed S] [--timeout SECONDS] [--keep]"""
 import argparse
 import collections
 import random
 import sys
 import time
 
-from desktop import PATIENCE, until
+from desktop import TIMEOUT, until
 from driven_program import Driven, Home
 
 SETTINGS = "session.autosaveInterval=0.5\n"
@@ -161,10 +161,10 @@ class Disk:
 
 
 class Rounds:
-    def __init__(self, program, seed, patience):
+    def __init__(self, program, seed, timeout):
         self.program = program
         self.random = random.Random(seed)
-        self.patience = patience
+        self.timeout = timeout
         self.home = Home(SETTINGS)
         self.name_count = 0
         for name, lines in (("short.txt", 3), ("long.txt", 300), ("longer.txt", 900)):
@@ -278,7 +278,7 @@ class Rounds:
         state = self.state()
         took, code = self.driven.terminate()
         require(code == 0, f"exit code {code} when told to end")
-        require(took < self.patience, f"told to end, it took {took:.2f} s")
+        require(took < self.timeout, f"told to end, it took {took:.2f} s")
         self.slowest_end = max(self.slowest_end, took)
         self.note_certain(state, -1)
         self.expect_all(state.wanted(-1))
@@ -414,12 +414,12 @@ def main():
     parser.add_argument("program")
     parser.add_argument("--rounds", type=int, default=100)
     parser.add_argument("--seed", type=int, default=1)
-    parser.add_argument("--patience", type=float, default=PATIENCE, help="seconds in which the program has to end when it is told to")
+    parser.add_argument("--timeout", type=float, default=TIMEOUT, help="seconds in which the program has to end when it is told to")
     parser.add_argument("--keep", action="store_true", help="the folders of a loss stay")
     arguments = parser.parse_args()
     losses = 0
     ends = collections.Counter()
-    everything = [Rounds(arguments.program, arguments.seed, arguments.patience)]
+    everything = [Rounds(arguments.program, arguments.seed, arguments.timeout)]
     for number in range(1, arguments.rounds + 1):
         rounds = everything[-1]
         try:
@@ -434,7 +434,7 @@ def main():
             rounds.driven.kill()
             rounds.home.remove(keep=arguments.keep)
             # Anew: what follows from a loss is none.
-            everything.append(Rounds(arguments.program, f"{arguments.seed}/{number}", arguments.patience))
+            everything.append(Rounds(arguments.program, f"{arguments.seed}/{number}", arguments.timeout))
     everything[-1].home.remove()
     print(", ".join(f"{count} {name}" for name, count in sorted(ends.items())))
     print(f"everything was written within {max(rounds.slowest for rounds in everything):.2f} s, "

@@ -9,7 +9,7 @@ import sys
 import tempfile
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[1]))
-from world import PATIENCE, make_world, need, start_bus, until  # noqa: E402, F401
+from world import TIMEOUT, make_world, need, start_bus, until  # noqa: E402, F401
 
 # The programs that a desktop is made of, and the packages that bring them.
 TOOLS = {"Xvfb": "xvfb", "openbox": "openbox", "xdotool": "xdotool", "setxkbmap": "x11-xkb-utils", "dbus-daemon": "dbus-daemon"}
@@ -124,7 +124,7 @@ class Desktop:
 
     def exit_code(self):
         """Waits for the program to end."""
-        return self.started.wait(timeout=PATIENCE)
+        return self.started.wait(timeout=TIMEOUT)
 
     def complaints(self):
         """What the program wrote to its standard error."""
@@ -159,7 +159,7 @@ class Desktop:
 
     def ask(self, *command):
         """What xdotool answers, empty when it fails."""
-        done = subprocess.run(("xdotool", *map(str, command)), env=self.x_environment(), capture_output=True, text=True, timeout=PATIENCE)
+        done = subprocess.run(("xdotool", *map(str, command)), env=self.x_environment(), capture_output=True, text=True, timeout=TIMEOUT)
         return done.stdout.strip() if done.returncode == 0 else ""
 
     # Windows

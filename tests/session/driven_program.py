@@ -11,7 +11,7 @@ import subprocess
 import tempfile
 import time
 
-from desktop import PATIENCE, make_world
+from desktop import TIMEOUT, make_world
 
 
 class Home:
@@ -71,7 +71,7 @@ class Driven:
     def ask(self, command):
         """Sends the command and waits until it is done."""
         self.send(command)
-        deadline = time.monotonic() + PATIENCE
+        deadline = time.monotonic() + TIMEOUT
         while b"\n" not in self.unread:
             if not select.select([self.process.stdout], [], [], max(0, deadline - time.monotonic()))[0]:
                 raise RuntimeError(f"no answer to “{command}”")
@@ -97,7 +97,7 @@ class Driven:
         begin = time.monotonic()
         self.process.terminate()
         try:
-            code = self.process.wait(timeout=PATIENCE)
+            code = self.process.wait(timeout=TIMEOUT)
         except subprocess.TimeoutExpired:
             self.process.kill()
             code = None

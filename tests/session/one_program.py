@@ -12,7 +12,7 @@ import sys
 import tempfile
 import unittest
 
-from desktop import PATIENCE, make_world, need, start_bus, until
+from desktop import TIMEOUT, make_world, need, start_bus, until
 
 PROGRAM = os.path.abspath(sys.argv.pop(1))
 
@@ -55,14 +55,14 @@ class OneProgram(unittest.TestCase):
     def test_later_starts_hand_over(self):
         first = self.start(self.write("a.txt", "one\ntwo\n"))
         until("the first file", lambda: "a.txt" in self.session())
-        self.assertEqual(self.start(self.write("b.txt", "one\ntwo three\n") + ":2:5").wait(PATIENCE), 0)
+        self.assertEqual(self.start(self.write("b.txt", "one\ntwo three\n") + ":2:5").wait(TIMEOUT), 0)
         self.assertTrue(until("the second file", lambda: "b.txt" in self.session()))
         piped = self.start("-", stdin=subprocess.PIPE)
-        self.assertEqual(piped.wait(PATIENCE), 0, "the other one reads it")
+        self.assertEqual(piped.wait(TIMEOUT), 0, "the other one reads it")
         piped.stdin.write("piped text")
         piped.stdin.close()
         until("what was piped", lambda: "piped text" in self.session())
-        self.assertEqual(self.start().wait(PATIENCE), 0)
+        self.assertEqual(self.start().wait(TIMEOUT), 0)
         self.assertIsNone(first.poll())
         # As the desktop opens files.
         call = ["gdbus", "call", "--session", "--dest", "org.quillet.Quillet", "--object-path", "/org/quillet/Quillet", "--method",
@@ -70,7 +70,7 @@ class OneProgram(unittest.TestCase):
         subprocess.run(call, env=self.environment, check=True, capture_output=True)
         until("the desktop's file", lambda: "c d.txt" in self.session())
         first.terminate()
-        self.assertEqual(first.wait(PATIENCE), 0)
+        self.assertEqual(first.wait(TIMEOUT), 0)
 
     def test_one_that_hangs_is_left_alone(self):
         first = self.start(self.write("a.txt", "one\n"))
@@ -79,10 +79,10 @@ class OneProgram(unittest.TestCase):
         second = self.start(self.write("b.txt", "two\n"))
         self.assertIn("does not answer", second.stderr.readline())
         second.terminate()
-        self.assertEqual(second.wait(PATIENCE), 0)
+        self.assertEqual(second.wait(TIMEOUT), 0)
         first.send_signal(signal.SIGCONT)
         first.terminate()
-        self.assertEqual(first.wait(PATIENCE), 0)
+        self.assertEqual(first.wait(TIMEOUT), 0)
 
     def test_it_waits_until_files_are_closed(self):
         first = self.start(self.write("a.txt", "one\n"))
@@ -93,9 +93,9 @@ class OneProgram(unittest.TestCase):
         gone = self.start("--wait", "b.txt")
         gone.kill()
         gone.wait()
-        self.assertEqual(self.start("--wait", "missing").wait(PATIENCE), 1)
+        self.assertEqual(self.start("--wait", "missing").wait(TIMEOUT), 1)
         first.terminate()
-        self.assertEqual(waiting.wait(PATIENCE), 0, "nothing was edited")
+        self.assertEqual(waiting.wait(TIMEOUT), 0, "nothing was edited")
 
     def test_it_starts_one_to_wait_for(self):
         waiting = self.start("--wait", self.write("a.txt", "one\n"))
@@ -109,16 +109,16 @@ class OneProgram(unittest.TestCase):
                     others.append(int(process.name))
         self.assertEqual(len(others), 1)
         os.kill(others[0], signal.SIGTERM)
-        self.assertEqual(waiting.wait(PATIENCE), 0)
+        self.assertEqual(waiting.wait(TIMEOUT), 0)
 
     def test_without_a_bus_it_works_alone(self):
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + str(self.path / "nothing")
         alone = self.start(self.write("a.txt", "one\n"))
         until("the file", lambda: "a.txt" in self.session())
         alone.terminate()
-        self.assertEqual(alone.wait(PATIENCE), 0)
+        self.assertEqual(alone.wait(TIMEOUT), 0)
         self.assertEqual(alone.stderr.read(), "")
-        self.assertEqual(self.start("--wait", "missing").wait(PATIENCE), 1, "nothing to wait for")
+        self.assertEqual(self.start("--wait", "missing").wait(TIMEOUT), 1, "nothing to wait for")
 
 
 if __name__ == "__main__":

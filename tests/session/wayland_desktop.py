@@ -7,7 +7,7 @@ import pathlib
 import subprocess
 import tempfile
 
-from desktop import PATIENCE, Desktop
+from desktop import TIMEOUT, Desktop
 
 WAYLAND_TOOLS = {"sway": "sway"}
 NOBODY = 65534
@@ -64,7 +64,7 @@ class WaylandDesktop(Desktop):
         return dict(self.environment, DISPLAY=self.display)
 
     def sway(self, *command):
-        done = subprocess.run(("swaymsg", *map(str, command)), env=self.environment, capture_output=True, text=True, timeout=PATIENCE)
+        done = subprocess.run(("swaymsg", *map(str, command)), env=self.environment, capture_output=True, text=True, timeout=TIMEOUT)
         return done.stdout if done.returncode == 0 else ""
 
     def outputs(self):

@@ -5,7 +5,7 @@
 Usage: wayland_session.py PROGRAM [--pictures FOLDER] [--megabytes N]"""
 import subprocess
 
-from desktop import PATIENCE, TOOLS, arguments_of, expect, need
+from desktop import TIMEOUT, TOOLS, arguments_of, expect, need
 from wayland_desktop import WAYLAND_TOOLS, WaylandDesktop
 from working_session import Session
 
@@ -31,14 +31,14 @@ class WaylandSession(Session):
         expect((desktop.exit_code(), desktop.complaints()), (0, ""), "exit code")
 
     def pasted(self, *options):
-        done = subprocess.run(("wl-paste", "--no-newline", *options), env=self.desktop.environment, capture_output=True, timeout=PATIENCE)
+        done = subprocess.run(("wl-paste", "--no-newline", *options), env=self.desktop.environment, capture_output=True, timeout=TIMEOUT)
         return done.stdout.decode()
 
     def exchange_with_other_programs(self):
         desktop = self.desktop
         desktop.keys("ctrl+Home", "shift+End", "ctrl+c")
         desktop.until("the copy", lambda: self.pasted() == "Größe one")
-        subprocess.run(("wl-copy", "Ängström 🎈"), env=desktop.environment, check=True, timeout=PATIENCE)
+        subprocess.run(("wl-copy", "Ängström 🎈"), env=desktop.environment, check=True, timeout=TIMEOUT)
         desktop.until("the other program's copy", lambda: self.pasted() == "Ängström 🎈")
         desktop.keys("Right", "ctrl+v")
         self.save("one.txt", "Größe oneÄngström 🎈\nsecond\nthird\n".encode())

@@ -60,7 +60,7 @@ public:
                              .preferences = preferences,
                              .workers = workers,
                              .watchers = watchers,
-                             .patience = std::chrono::seconds(10)},
+                             .timeout = std::chrono::seconds(10)},
                             {}};
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
     FindState find;

@@ -63,7 +63,7 @@ private:
     void open(const QString &path) { window().workspace().open({path}); }
     void bringToFront(const QString &number) { m_program.delegate().windows().at(number.toUInt())->comeToFront(); }
     void answerQuestion(const QString &words);
-    void tellState(const QString &);
+    void reportState(const QString &);
 
     [[nodiscard]] MainWindowController &window() const { return *m_program.delegate().frontmostWindow(); }
     [[nodiscard]] static QDialog *question();
@@ -119,7 +119,7 @@ void Driver::obey(const QString &line)
         {u"open", &Driver::open},
         {u"front", &Driver::bringToFront},
         {u"answer", &Driver::answerQuestion},
-        {u"state", &Driver::tellState},
+        {u"state", &Driver::reportState},
     });
     const QString name = line.section(u' ', 0, 0);
     const auto command = std::ranges::find(commands, QStringView(name), &Command::name);
@@ -225,7 +225,7 @@ QJsonObject Driver::stateOf(const TextDocument &document)
             {"scroll"_L1, document.lastScrollOffset}};
 }
 
-void Driver::tellState(const QString &)
+void Driver::reportState(const QString &)
 {
     QJsonArray windows;
     // Of a text in several of them, where it was looked at last.
