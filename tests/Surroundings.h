@@ -15,22 +15,19 @@
 #include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
+#include "TestFolder.h"
 #include "UI/WorkspaceServices.h"
 #include "Vim/VimRegisters.h"
 #include "Widgets/AlertPresenter.h"
 
-#include <QTemporaryDir>
-
 /// All that editors and windows use, with nothing of this machine in it but a folder that goes with it: time stands until it is advanced,
 /// questions are answered by the test, settings and clipboard are kept in memory.
-struct Surroundings {
+struct Surroundings : TestFolder {
     Surroundings() : Surroundings(QString()) {}
     /// With the session of another one that is gone, which used the same folder for its data.
-    explicit Surroundings(const QString &data) : session({data.isEmpty() ? folder.filePath(QStringLiteral("data")) : data, {}}, preferences)
-    {}
+    explicit Surroundings(const QString &data) : session({data.isEmpty() ? path(QStringLiteral("data")) : data, {}}, preferences) {}
     Q_DISABLE_COPY_MOVE(Surroundings)
 
-    QTemporaryDir folder;
     ManualScheduler scheduler;
     NotificationCenter notifications;
     DefaultsStore defaults{QString(), scheduler};

@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "Editor/EditorViewController.h"
-#include "Commands/Actions.h"
 
+#include "Commands/Actions.h"
+#include "Controls.h"
 #include "Editor/ExternalChangeBanner.h"
 #include "Editor/LineNumberRulerView.h"
 #include "Editor/SpellingPanel.h"
@@ -11,9 +12,7 @@
 #include "Surroundings.h"
 #include "View/ViewFixture.h"
 
-#include <QFile>
 #include <QFontDatabase>
-#include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTest>
@@ -31,21 +30,16 @@ protected:
         auto made = std::make_unique<TextDocument>(documents.services(), QString(), TextFile::Contents{.text = Rope(text)});
         return documents.add(std::move(made));
     }
+    void write(const QByteArray &bytes) const { put(u"a.c"_s, bytes); }
     [[nodiscard]] TextDocument &openFile(const QByteArray &bytes)
     {
         write(bytes);
-        return *documents.open({path}, {}).front().document;
+        return *documents.open({path(u"a.c"_s)}, {}).front().document;
     }
-    void write(const QByteArray &bytes) const
-    {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-    }
-    [[nodiscard]] std::unique_ptr<EditorViewController> open(TextDocument &document, QSize size = {600, 400})
+    [[nodiscard]] std::unique_ptr<EditorViewController> open(TextDocument &document)
     {
         auto editor = std::make_unique<EditorViewController>(services, document);
-        editor->resize(size);
+        editor->resize(600, 400);
         editor->show();
         editor->setFocus();
         EXPECT_TRUE(QTest::qWaitForWindowActive(editor.get()));
@@ -59,32 +53,15 @@ protected:
             scheduler.advance(time / 16);
         }
     }
-    [[nodiscard]] static ExternalChangeBanner *banner(const EditorViewController &editor)
-    {
-        // One that is being taken down is hidden already.
-        for (QWidget *child : editor.findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
-            if (auto *found = dynamic_cast<ExternalChangeBanner *>(child); found && !found->isHidden()) {
-                return found;
-            }
-        }
-        return nullptr;
-    }
     [[nodiscard]] static QPushButton *button(const EditorViewController &editor, const QString &title)
     {
-        for (QPushButton *found : banner(editor)->findChildren<QPushButton *>()) {
-            if (found->text() == title && !found->isHidden()) {
-                return found;
-            }
-        }
-        return nullptr;
+        return control<QPushButton>(*editor.banner(), title);
     }
     /// Of the unit at `offset`, whether it is coloured.
     [[nodiscard]] static bool isColoured(TextDocument &document, qsizetype offset)
     {
         return document.storage().styleAt(offset) != plainStyle;
     }
-
-    QString path = folder.filePath(u"a.c"_s);
 };
 
 QString lines(int count)
@@ -103,7 +80,6 @@ TEST_F(EditorTest, FollowsThePreferences)
     TextDocument &text = document(u"a\tb\n"_s);
     const auto editor = open(text);
     EditorTextView &view = editor->textView();
-    EXPECT_EQ(view.wrapMode() == TextView::WrapMode::viewWidth, preferences.value(Settings::wrapLines));
     preferences.set(Settings::wrapLines, false);
     EXPECT_EQ(view.horizontalScrollBarPolicy(), Qt::ScrollBarAsNeeded);
     preferences.set(Settings::wrapLines, true);
@@ -150,61 +126,57 @@ TEST_F(EditorTest, TheBannerSaysWhatHappenedAndDoesItsWork)
 {
     TextDocument &text = openFile("one");
     const auto editor = open(text);
-    EXPECT_FALSE(banner(*editor));
+    const auto becomes = [this](const char *bytes) {
+        bytes ? write(bytes) : void(QFile::remove(path(u"a.c"_s)));
+        pass(Scheduler::Milliseconds(1600));
+    };
     sendKeys(editor->textView(), u"my "_s);
-    write("their version");
-    pass(Scheduler::Milliseconds(1600));
-    ASSERT_TRUE(banner(*editor));
-    EXPECT_EQ(banner(*editor)->accessibleName(), u"“a.c” changed on disk and has unsaved edits here."_s);
+    EXPECT_FALSE(editor->banner());
+    becomes("their version");
+    ASSERT_TRUE(editor->banner());
+    EXPECT_EQ(editor->banner()->accessibleName(), u"“a.c” changed on disk and has unsaved edits here."_s);
     const QPointer<QPushButton> keep = button(*editor, u"Keep Mine"_s);
-    const QPushButton *reload = button(*editor, u"Reload from Disk"_s);
-    const QSize usual = editor->size();
+    QPushButton *reload = button(*editor, u"Reload from Disk"_s);
     for (const int width : {170, 330, 800}) {
         editor->resize(width, 300);
         pass(Scheduler::Milliseconds(100));
-        for (const QPushButton *shown : {static_cast<const QPushButton *>(keep), reload}) {
+        for (const QPushButton *shown : {keep.get(), reload}) {
             EXPECT_GE(shown->width(), shown->sizeHint().width()) << "cut off at " << width;
-            EXPECT_TRUE(banner(*editor)->rect().contains({shown->mapTo(banner(*editor), QPoint()), shown->size()})) << width;
+            EXPECT_TRUE(editor->banner()->rect().contains({shown->mapTo(editor->banner(), QPoint()), shown->size()})) << width;
         }
-        const bool isBeside = banner(*editor)->height() < 2 * keep->height();
+        const bool isBeside = editor->banner()->height() < 2 * keep->height();
         EXPECT_EQ(isBeside, width == 800) << width << ": the sentence would be too short to tell what happened";
     }
-    editor->resize(usual);
     keep->setFocus();
     text.storage().apply({{0, 2}, u"My"});
-    write("their other version");
-    pass(Scheduler::Milliseconds(1600));
+    becomes("their other version");
     ASSERT_EQ(button(*editor, u"Keep Mine"_s), keep) << "a button that is being pressed stays";
     EXPECT_TRUE(keep->hasFocus());
     keep->click();
-    EXPECT_FALSE(banner(*editor));
+    EXPECT_FALSE(editor->banner());
     EXPECT_EQ(text.storage().string(), u"My one"_s);
     EXPECT_TRUE(text.isDirty());
 
-    write("their second version");
-    pass(Scheduler::Milliseconds(1600));
+    becomes("their second version");
     button(*editor, u"Reload from Disk"_s)->click();
-    EXPECT_FALSE(banner(*editor));
+    EXPECT_FALSE(editor->banner());
     EXPECT_EQ(text.storage().string(), u"their second version"_s);
     EXPECT_FALSE(text.isDirty());
 
-    QFile::remove(path);
-    pass(Scheduler::Milliseconds(1600));
-    ASSERT_TRUE(banner(*editor));
-    EXPECT_EQ(banner(*editor)->accessibleName(), u"“a.c” was deleted or moved."_s);
+    becomes(nullptr);
+    ASSERT_TRUE(editor->banner());
+    EXPECT_EQ(editor->banner()->accessibleName(), u"“a.c” was deleted or moved."_s);
     const auto second = open(text);
-    EXPECT_TRUE(banner(*second));
+    EXPECT_TRUE(second->banner());
     button(*second, u"Dismiss"_s)->click();
-    EXPECT_FALSE(banner(*editor));
+    EXPECT_FALSE(editor->banner());
     EXPECT_TRUE(text.isDirty());
 
-    write("back");
-    pass(Scheduler::Milliseconds(1600));
-    QFile::remove(path);
-    pass(Scheduler::Milliseconds(1600));
+    becomes("back");
+    becomes(nullptr);
     button(*editor, u"Save Again"_s)->click();
-    EXPECT_TRUE(QFile::exists(path));
-    EXPECT_FALSE(banner(*editor));
+    EXPECT_TRUE(QFile::exists(path(u"a.c"_s)));
+    EXPECT_FALSE(editor->banner());
 }
 
 TEST_F(EditorTest, TheRulerIsAsWideAsItsLargestNumber)

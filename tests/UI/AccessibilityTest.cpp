@@ -104,69 +104,33 @@ TEST_F(WindowAccessibility, EveryControlIsReachedAndHasAName)
     EXPECT_EQ(QAccessible::queryAccessibleInterface(&textView())->childCount(), 0);
 }
 
-TEST_F(WindowAccessibility, AKeyShownTwiceActsOnce)
+TEST_F(WindowAccessibility, TabsAndNoticesAreSaidOnceEach)
 {
-    QTest::keySequence(&textView(), QKeySequence(u"Ctrl+Shift+N"_s));
-    EXPECT_EQ(application.windows().size(), 2U);
-}
-
-TEST_F(WindowAccessibility, TabsReportTheSelection)
-{
-    write(u"a"_s, "one");
-    application.open({path(u"a"_s)});
+    application.open({put(u"a"_s, "tea")});
     send(Actions::newDocument);
     takeHeard();
     send(Actions::selectTab1);
     EXPECT_EQ(takeHeard(), "+a;-Untitled;");
-}
-
-TEST_F(WindowAccessibility, NoticesAreSaidOnceEach)
-{
     StatusBarView &bar = workspace().statusBar();
-    takeHeard();
     bar.flash(u"Saved"_s, 2s);
     bar.flash(u"Saved"_s, 2s);
     EXPECT_EQ(takeHeard(), "Saved;Saved;") << "the second while the first is there";
     scheduler.advance(2s);
     EXPECT_EQ(takeHeard(), "");
 
-    type(u"tea"_s);
-    textView().setSelection(TextSelection::at(0));
     QTest::keySequence(&textView(), QKeySequence(u"Ctrl+F"_s));
     takeHeard();
-    QTest::keyClicks(QApplication::focusWidget(), u"e"_s);
-    scheduler.advance(1s);
-    EXPECT_EQ(takeHeard(), "1 of 1;");
-    QTest::keyClicks(QApplication::focusWidget(), u"x"_s);
-    scheduler.advance(1s);
-    EXPECT_EQ(takeHeard(), "Not found;");
-}
+    for (const auto &[key, said] : {std::pair(u"e"_s, "1 of 1;"), {u"x"_s, "Not found;"}}) {
+        QTest::keyClicks(QApplication::focusWidget(), key);
+        scheduler.advance(1s);
+        EXPECT_EQ(takeHeard(), said);
+    }
 
-TEST_F(WindowAccessibility, TheBannerIsSaidAgainWhenItChanges)
-{
-    QWidget around;
-    around.show();
-    ExternalChangeBanner banner(&around);
-    takeHeard();
+    ExternalChangeBanner banner(&window());
     banner.configure(TextDocument::ExternalState::conflicted, u"a"_s);
     EXPECT_EQ(takeHeard(), "");
     banner.show();
     EXPECT_EQ(takeHeard(), "“a” changed on disk and has unsaved edits here.;");
     banner.configure(TextDocument::ExternalState::deleted, u"a"_s);
     EXPECT_EQ(takeHeard(), "“a” was deleted or moved.;");
-}
-
-TEST_F(WindowAccessibility, ReportsTheModeOfModalEditing)
-{
-    std::ignore = takeHeard();
-    preferences.set(Settings::vimMode, true);
-    EXPECT_EQ(takeHeard(), "NORMAL;");
-    type(u"i"_s);
-    EXPECT_EQ(takeHeard(), "INSERT;");
-    type(u"abc"_s);
-    QTest::keyClick(&textView(), Qt::Key_Escape);
-    type(u"2"_s);
-    EXPECT_EQ(takeHeard(), "NORMAL;") << "keys are not reported";
-    type(u"v"_s);
-    EXPECT_EQ(takeHeard(), "VISUAL;");
 }

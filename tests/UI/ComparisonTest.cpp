@@ -1,16 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Commands/Actions.h"
 #include "Diff/DiffOverview.h"
 #include "Diff/DiffText.h"
 #include "Diff/DiffWindowController.h"
 #include "Find/FindBar.h"
-#include "HeldWorkers.h"
 #include "WindowFixture.h"
 
 #include <QCheckBox>
-#include <QMenu>
-#include <QMenuBar>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -24,39 +20,22 @@ protected:
     /// A file with the first text on disk and the second in the editor.
     DiffViewController &compare(const QByteArray &old, const QString &edited)
     {
-        workspace().open({write(u"a.txt"_s, old)});
+        workspace().open({put(u"a.txt"_s, old)});
         TextStorage &storage = workspace().currentDocument()->storage();
         storage.apply({{0, storage.length()}, edited});
         EXPECT_TRUE(send(Actions::compareWithFileOnDisk));
         return application.comparisons().back()->content();
     }
     [[nodiscard]] static QString shown(const DiffTextView &view) { return view.storage().string(); }
-    [[nodiscard]] static QPushButton *button(DiffViewController &content, const QString &text)
-    {
-        for (QPushButton *candidate : content.findChildren<QPushButton *>()) {
-            if (candidate->text() == text) {
-                return candidate;
-            }
-        }
-        return nullptr;
-    }
     [[nodiscard]] QStringList compareMenu() const
     {
-        for (const QAction *top : window().menuBar()->actions()) {
-            for (QAction *action : top->menu()->actions()) {
-                if (action->menu() && action->text().remove(u'&') == u"Compare"_s) {
-                    emit action->menu()->aboutToShow();
-                    QStringList titles;
-                    for (QAction *item : action->menu()->actions()) {
-                        EXPECT_EQ(item->shortcutContext(), Qt::WindowShortcut) << "its keys work";
-                        titles << item->text().remove(u'&') + u' ' + item->shortcut().toString() +
-                                      (item->isEnabled() ? QString() : u" off"_s);
-                    }
-                    return titles;
-                }
-            }
+        QMenu *menu = menuItem(u"File"_s, u"Compare"_s)->menu();
+        QStringList titles = titlesOf(*menu);
+        for (qsizetype index = 0; index < titles.size(); ++index) {
+            EXPECT_EQ(menu->actions()[index]->shortcutContext(), Qt::WindowShortcut) << "its keys work";
+            titles[index] = titles[index].remove(u'&') + menu->actions()[index]->shortcut().toString();
         }
-        return {};
+        return titles;
     }
 };
 
@@ -72,9 +51,8 @@ TEST_F(ComparisonTest, PutsTheRowsSideBySide)
     EXPECT_EQ(content.rightView().accessibleName(), u"a.txt  ·  in the editor (unsaved)"_s);
     EXPECT_EQ(content.summary(), u"2 changes   +2  \u22122"_s);
     type(u"x"_s);
-    EXPECT_EQ(shown(content.rightView()).count(u'x'), 0) << "it stays as it was";
     QTest::keyClicks(&content.rightView(), u"xyz\b"_s);
-    EXPECT_EQ(shown(content.rightView()), u"same\nchanged two\n\nend\nonly new\n"_s);
+    EXPECT_EQ(shown(content.rightView()), u"same\nchanged two\n\nend\nonly new\n"_s) << "it stays as it was";
     application.comparisons().back()->close();
     EXPECT_TRUE(application.comparisons().empty());
 }
@@ -90,14 +68,14 @@ TEST_F(ComparisonTest, GoesThroughTheChangesByKeysAndButtons)
     EXPECT_EQ(place(), u"3 of 3 changes"_s);
     QTest::keyClick(&content.leftView(), Qt::Key_N);
     EXPECT_EQ(place(), u"1 of 3 changes"_s);
-    button(content, u"Next"_s)->click();
+    control<QPushButton>(content, u"Next"_s)->click();
     EXPECT_EQ(place(), u"2 of 3 changes"_s);
     for (const DiffTextView *view : {&content.leftView(), &content.rightView()}) {
         EXPECT_EQ(view->storage().text().lineAt(view->selection().caret), 101);
     }
     EXPECT_NEAR(content.leftView().scrollOffset(), content.leftView().topOfRow(101) - content.leftView().viewport()->height() / 3.0, 1);
     EXPECT_EQ(content.leftView().scrollOffset(), content.rightView().scrollOffset());
-    button(content, u"Previous"_s)->click();
+    control<QPushButton>(content, u"Previous"_s)->click();
     EXPECT_EQ(place(), u"1 of 3 changes"_s);
     // The strip, in the middle of it.
     auto *strip = content.findChild<DiffOverview *>();
@@ -113,7 +91,7 @@ TEST_F(ComparisonTest, ReportsThatThereIsNothingToSee)
     content.findChild<QCheckBox *>()->click();
     EXPECT_EQ(content.summary(), u"Identical, ignoring whitespace"_s);
     EXPECT_EQ(shown(content.rightView()), u" ab\n"_s);
-    EXPECT_FALSE(button(content, u"Next"_s)->isEnabled());
+    EXPECT_FALSE(control<QPushButton>(content, u"Next"_s)->isEnabled());
     const int beeps = presenter.beepCount();
     QTest::keyClick(&content.leftView(), Qt::Key_N);
     content.previousChange();
@@ -164,34 +142,29 @@ TEST_F(ComparisonTest, AnotherAppearanceIsTakenUpOnceByAll)
 {
     compare("int a;\n", u"int b;\n"_s);
     send(Actions::splitEditorRight);
-    workspace().open({write(u"c.cpp"_s, "int c;\n")});
-    ASSERT_EQ(documents.documents().size(), 2U);
-    const QSignalSpy themes(&documents, &DocumentStore::themeChanged);
+    workspace().open({put(u"c.cpp"_s, "int c;\n")});
     size_t recolored = 0;
     const auto colors = notifications.observe(SyntaxHighlighter::needsVisibleRefresh, nullptr, [&recolored] { ++recolored; });
     desktopAppearance = Appearance::dark;
     appearanceQueries = 0;
     documents.refreshAppearance();
     EXPECT_EQ(appearanceQueries, 1);
-    EXPECT_EQ(themes.count(), 1);
     EXPECT_EQ(recolored, 2U) << "each document once";
     preferences.set(Settings::wrapLines, true);
-    EXPECT_EQ(appearanceQueries, 2);
-    EXPECT_EQ(themes.count(), 1) << "the theme is the same";
+    EXPECT_EQ(recolored, 2U) << "the theme is the same";
     preferences.set(Settings::themeName, Theme::solarizedDark().name.toString());
-    EXPECT_EQ(themes.count(), 2);
     EXPECT_EQ(recolored, 4U);
 }
 
 TEST_F(ComparisonTest, ComparesWithOtherFilesAndTexts)
 {
-    workspace().open({write(u"a.cpp"_s, "int a;\n")});
-    EXPECT_EQ(compareMenu(), (QStringList{u"With File on Disk Ctrl+Alt+D"_s, u"With File… "_s}));
-    presenter.answerOpen({write(u"b.cpp"_s, "int b;\n")});
+    workspace().open({put(u"a.cpp"_s, "int a;\n")});
+    EXPECT_EQ(compareMenu(), (QStringList{u"With File on DiskCtrl+Alt+D"_s, u"With File…"_s}));
+    presenter.answerOpen({put(u"b.cpp"_s, "int b;\n")});
     send(Actions::compareWithFile);
     EXPECT_EQ(presenter.openPanels().back().title, u"Choose a file to compare with “a.cpp”."_s);
     EXPECT_EQ(application.comparisons().back()->windowTitle(), u"b.cpp \u2194 a.cpp"_s);
-    EXPECT_TRUE(application.comparisons().back()->content().leftView().accessibleName().endsWith(folder.path()));
+    EXPECT_TRUE(application.comparisons().back()->content().leftView().accessibleName().endsWith(path({})));
     presenter.answerOpen({path(u"missing"_s)});
     send(Actions::compareWithFile);
     EXPECT_EQ(presenter.alerts().size(), 1U);
@@ -199,9 +172,9 @@ TEST_F(ComparisonTest, ComparesWithOtherFilesAndTexts)
 
     const QString id = workspace().currentDocument()->id().toString();
     send(Actions::newDocument);
-    EXPECT_EQ(compareMenu(),
-              (QStringList{u"With File on Disk Ctrl+Alt+D off"_s, u"With File… "_s, u" "_s, u"Other Open Files  off"_s, u"    a.cpp "_s}));
-    EXPECT_EQ(compareMenu().first(), u"With File on Disk Ctrl+Alt+D off"_s) << "opened once more";
+    const QStringList titles{u"(With File on Disk)Ctrl+Alt+D"_s, u"With File…"_s, u"-"_s, u"(Other Open Files)"_s, u"    a.cpp"_s};
+    EXPECT_EQ(compareMenu(), titles);
+    EXPECT_EQ(compareMenu(), titles) << "opened once more";
     const int beeps = presenter.beepCount();
     send(Actions::compareWithOpenDocument);
     send(Actions::compareWithFileOnDisk);
@@ -218,19 +191,20 @@ TEST_F(ComparisonTest, IsThereWhileLongTextsAreCompared)
     const QString lines = u"a line of some length\n"_s.repeated(20'000);
     HeldWorkers held;
     EditorServices slow{scheduler, notifications, preferences, pasteboard, presenter, documents, held, find, registers, keyboard};
-    const Language &plain = Language::plainText();
-    {
-        const DiffWindowController window(slow, {u"a"_s, {}, Rope(lines)}, {u"b"_s, {}, Rope(lines)}, plain);
-        EXPECT_EQ(held.count, 1);
-    }
+    const auto make = [&slow](const QString &old, const QString &newer) {
+        return std::make_unique<DiffWindowController>(slow, DiffViewController::Side{u"a"_s, {}, Rope(old)},
+                                                      DiffViewController::Side{u"b"_s, {}, Rope(newer)}, Language::plainText());
+    };
+    make(lines, lines).reset();
+    EXPECT_EQ(held.count, 1);
     held.finish();
     QCoreApplication::sendPostedEvents();
 
-    DiffWindowController window(slow, {u"a"_s, {}, Rope(lines)}, {u"b"_s, {}, Rope(lines + u"more\n"_s)}, plain);
-    DiffViewController &content = window.content();
+    const auto comparison = make(lines, lines + u"more\n"_s);
+    DiffViewController &content = comparison->content();
     EXPECT_EQ(content.result(), nullptr);
     EXPECT_EQ(content.summary(), u"Comparing… 0 %"_s);
-    EXPECT_FALSE(button(content, u"Next"_s)->isEnabled());
+    EXPECT_FALSE(control<QPushButton>(content, u"Next"_s)->isEnabled());
     content.nextChange();
     held.finish();
     QCoreApplication::sendPostedEvents();
@@ -243,7 +217,7 @@ TEST_F(ComparisonTest, MayBeAllThatTheProgramShows)
     window().close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QSignalSpy finished(&application, &AppDelegate::finished);
-    application.compare(write(u"a.c"_s, "int a;\n"), write(u"b.c"_s, "int b;\n"));
+    application.compare(put(u"a.c"_s, "int a;\n"), put(u"b.c"_s, "int b;\n"));
     ASSERT_EQ(application.comparisons().size(), 1U);
     EXPECT_TRUE(application.windows().empty());
     EXPECT_EQ(application.comparisons().back()->windowTitle(), u"a.c \u2194 b.c"_s);
@@ -269,25 +243,12 @@ TEST(DiffOverview, MarksWhereChangesAre)
     EXPECT_EQ(marks(lines, lines + u"a\nb\n"_s, 50), u"2:48-50"_s);
     EXPECT_EQ(marks(u"a\n"_s, u"b\n"_s, 1), u"3:0-1"_s);
     // More changes than pixels: no more marks than there is room for.
-    QString old;
-    QString newer;
-    for (int line = 0; line < 500; ++line) {
-        old += u"same\nold %1\n"_s.arg(line);
-        newer += u"same\nnew %1\n"_s.arg(line);
-    }
-    EXPECT_LE(marks(old, newer, 40).count(u' ') + 1, 40);
+    EXPECT_LE(marks(u"same\nold\n"_s.repeated(500), u"same\nnew\n"_s.repeated(500), 40).count(u' ') + 1, 40);
 }
 
-TEST(DiffText, ShadesRowsBySide)
+TEST(DiffText, EmphasisesWhatDiffersInARow)
 {
-    using Kind = LineDiff::Row::Kind;
     using LineDiff::Side;
-    for (const Theme &theme : Theme::all()) {
-        EXPECT_FALSE(DiffText::rowColor(theme, Kind::equal, Side::left));
-        EXPECT_EQ(DiffText::rowColor(theme, Kind::deleted, Side::right), DiffText::rowColor(theme, Kind::inserted, Side::left));
-        EXPECT_EQ(DiffText::rowColor(theme, Kind::deleted, Side::left), DiffText::rowColor(theme, Kind::modified, Side::left));
-        EXPECT_NE(DiffText::rowColor(theme, Kind::modified, Side::left), DiffText::rowColor(theme, Kind::modified, Side::right));
-    }
     const auto result = LineDiff::compare(Rope(u"a \U0001F600 b\u0301 c\n"_s), Rope(u"a \U0001F600 d\u0301\u0301 c\n"_s));
     EXPECT_EQ(DiffText::emphasis(*result, Side::left, 0), (std::vector<TextRange>{{5, 2}}));
     EXPECT_EQ(DiffText::emphasis(*result, Side::right, 0), (std::vector<TextRange>{{5, 3}}));
@@ -295,5 +256,4 @@ TEST(DiffText, ShadesRowsBySide)
     const QString composed = (u'e' + QString(99, u'\u0301')).repeated(1000);
     const auto ofLong = LineDiff::compare(Rope(composed + u"a\n"_s), Rope(composed + u"b\n"_s));
     EXPECT_EQ(DiffText::emphasis(*ofLong, Side::left, 0), (std::vector<TextRange>{{0, composed.size() + 1}}));
-    EXPECT_TRUE(DiffText::emphasis(*LineDiff::compare(Rope(composed), Rope(u"\n"_s)), Side::right, 0).empty());
 }

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Commands/Actions.h"
-#include "Editor/EditorVim.h"
 #include "UI/VimBadge.h"
 #include "WindowFixture.h"
 
@@ -18,31 +16,21 @@ protected:
         WindowTest::SetUp();
         preferences.set(Settings::vimMode, true);
     }
-    [[nodiscard]] VimEngine &engine() const { return workspace().currentEditor()->vim()->engine(); }
-    void start(const QByteArray &content) { workspace().open({write(u"a.txt"_s, content)}); }
+    void start(const QByteArray &content) { workspace().open({put(u"a.txt"_s, content)}); }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const { QTest::keyClick(&textView(), key, modifiers); }
-    /// A key of a keyboard of another script, by the kernel's code.
-    void pressForeign(const QString &text, quint32 code, Qt::KeyboardModifiers modifiers = {}) const
+    /// A key of a keyboard of another script, by the kernel's code, or one that is dead.
+    void pressForeign(const QString &text, quint32 code, Qt::KeyboardModifiers modifiers = {}, int key = 0) const
     {
-        QKeyEvent event(QEvent::KeyPress, 0, modifiers, code + 8, 0, 0, text);
+        QKeyEvent event(QEvent::KeyPress, key, modifiers, code + 8, 0, 0, text);
         QCoreApplication::sendEvent(&textView(), &event);
     }
-    void pressKey(Qt::Key key, const QString &text, Qt::KeyboardModifiers modifiers = {}) const
-    {
-        QKeyEvent event(QEvent::KeyPress, key, modifiers, text);
-        QCoreApplication::sendEvent(&textView(), &event);
-    }
-    void compose(const QString &preedit) const
+    void compose(const QString &preedit, const QString &committed = {}) const
     {
         QInputMethodEvent event(preedit, {});
+        event.setCommitString(committed);
         QCoreApplication::sendEvent(&textView(), &event);
     }
-    void commit(const QString &text) const
-    {
-        QInputMethodEvent event;
-        event.setCommitString(text);
-        QCoreApplication::sendEvent(&textView(), &event);
-    }
+    void commit(const QString &text) const { compose({}, text); }
     [[nodiscard]] bool takesInputMethod() const
     {
         QInputMethodQueryEvent query(Qt::ImEnabled);
@@ -56,6 +44,7 @@ protected:
         QCoreApplication::sendEvent(&textView(), &event);
         return event.isAccepted();
     }
+    [[nodiscard]] QString badge() const { return workspace().statusBar().findChild<VimBadge *>()->text().trimmed(); }
     [[nodiscard]] qsizetype caret() const { return textView().selection().caret; }
 };
 
@@ -101,7 +90,7 @@ TEST_F(ModalEditingTest, LettersComeFromTheirPlaceOnTheKeyboard)
 TEST_F(ModalEditingTest, DeadKeysAreTheirSigns)
 {
     start("  \"one\" two\n");
-    const auto pressDead = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { pressKey(key, {}, modifiers); };
+    const auto pressDead = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { pressForeign({}, 0, modifiers, key); };
     type(u"fnma"_s);
     pressDead(Qt::Key_Dead_Circumflex);
     EXPECT_EQ(caret(), 2);
@@ -136,7 +125,6 @@ TEST_F(ModalEditingTest, InputMethodsTypeTextAndNoCommands)
 TEST_F(ModalEditingTest, WhatIsComposedIsNeverACommand)
 {
     start("one two\n");
-    const auto badge = [this] { return workspace().statusBar().findChild<VimBadge *>()->text().trimmed(); };
     commit(u"dd"_s);
     EXPECT_EQ(text(), u"one two\n"_s) << "it comes too late";
     type(u"i"_s);
@@ -166,34 +154,32 @@ TEST_F(ModalEditingTest, WhatIsComposedIsNeverACommand)
 
 TEST_F(ModalEditingTest, ControlChordsThatItHasNoUseForStayShortcuts)
 {
+    using enum Qt::KeyboardModifier;
     for (const Qt::Key key : {Qt::Key_R, Qt::Key_D, Qt::Key_U, Qt::Key_F, Qt::Key_B, Qt::Key_W, Qt::Key_C, Qt::Key_BracketLeft}) {
-        EXPECT_TRUE(claims(key, Qt::ControlModifier)) << key;
+        EXPECT_TRUE(claims(key, ControlModifier)) << key;
     }
     for (const Qt::Key key : {Qt::Key_S, Qt::Key_N, Qt::Key_T, Qt::Key_P, Qt::Key_G, Qt::Key_L}) {
-        EXPECT_FALSE(claims(key, Qt::ControlModifier)) << key;
+        EXPECT_FALSE(claims(key, ControlModifier)) << key;
     }
-    EXPECT_FALSE(claims(Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier)) << "the other key of Find";
-    EXPECT_FALSE(claims(Qt::Key_J, Qt::AltModifier));
-    EXPECT_FALSE(claims(Qt::Key_Adiaeresis, Qt::ControlModifier | Qt::AltModifier, u"ä"_s)) << "writes a letter all the same";
+    EXPECT_FALSE(claims(Qt::Key_F, ControlModifier | ShiftModifier)) << "the other key of Find";
+    EXPECT_FALSE(claims(Qt::Key_J, AltModifier));
+    EXPECT_FALSE(claims(Qt::Key_Adiaeresis, ControlModifier | AltModifier, u"ä"_s)) << "writes a letter all the same";
     preferences.set(Settings::vimKeymapPreset, VimKeymapPreset::lazyVim);
-    EXPECT_TRUE(claims(Qt::Key_S, Qt::ControlModifier));
-    EXPECT_TRUE(claims(Qt::Key_J, Qt::AltModifier));
+    EXPECT_TRUE(claims(Qt::Key_S, ControlModifier));
+    EXPECT_TRUE(claims(Qt::Key_J, AltModifier));
     type(u"i"_s);
-    EXPECT_FALSE(claims(Qt::Key_S, Qt::ControlModifier));
-    EXPECT_FALSE(claims(Qt::Key_W, Qt::ControlModifier));
-    EXPECT_TRUE(claims(Qt::Key_C, Qt::ControlModifier));
+    EXPECT_FALSE(claims(Qt::Key_S, ControlModifier));
+    EXPECT_FALSE(claims(Qt::Key_W, ControlModifier));
+    EXPECT_TRUE(claims(Qt::Key_C, ControlModifier));
 }
 
-TEST_F(ModalEditingTest, TheWindowShowsModeAndKeysAtOnce)
+TEST_F(ModalEditingTest, EachEditorHasItsModeAndAllTheSameRegisters)
 {
     start("one two three\n");
-    const auto badge = [this] { return workspace().statusBar().findChild<VimBadge *>()->text().trimmed(); };
-    EXPECT_EQ(badge(), u"NORMAL"_s);
     type(u"2d3"_s);
     EXPECT_EQ(badge(), u"NORMAL  2d3"_s);
     press(Qt::Key_Escape);
     EXPECT_EQ(badge(), u"NORMAL"_s);
-    // Each editor has its mode, all have the same registers.
     type(u"yiwi"_s);
     EXPECT_EQ(badge(), u"INSERT"_s);
     send(Actions::newDocument);

@@ -2,13 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "UI/TabBarView.h"
 
+#include "Controls.h"
 #include "Widgets/FlatButton.h"
 
 #include <QAccessible>
-#include <QApplication>
-#include <QDragEnterEvent>
-#include <QMenu>
-#include <QMimeData>
 #include <QTest>
 #include <QVBoxLayout>
 #include <QWheelEvent>
@@ -59,15 +56,7 @@ protected:
         std::ranges::sort(found, {}, &QWidget::x);
         return found;
     }
-    [[nodiscard]] FlatButton *button(const QString &name) const
-    {
-        for (FlatButton *found : bar.findChildren<FlatButton *>()) {
-            if (found->accessibleName() == name) {
-                return found;
-            }
-        }
-        return nullptr;
-    }
+    [[nodiscard]] FlatButton *button(const QString &name) const { return control<FlatButton>(bar, name); }
     [[nodiscard]] FlatButton *closeButton(int index) const { return items()[size_t(index)]->findChild<FlatButton *>(); }
     void hover(QWidget *widget)
     {
@@ -80,29 +69,20 @@ protected:
     {
         const QWidget *item = items()[size_t(index)];
         const QRect place(item->mapTo(&bar, QPoint()), item->size());
-        int left = 0;
-        int right = button(u"All Tabs"_s)->isHidden() ? button(u"New Tab"_s)->x() : button(u"All Tabs"_s)->x();
-        if (const QWidget *scroller = button(u"Scroll Left"_s); !scroller->isHidden()) {
-            left = scroller->geometry().right() + 1;
+        QRegion buttons;
+        for (const QString &name : {u"Scroll Left"_s, u"Scroll Right"_s, u"All Tabs"_s, u"New Tab"_s}) {
+            buttons += button(name)->isHidden() ? QRect() : button(name)->geometry();
         }
-        if (const QWidget *scroller = button(u"Scroll Right"_s); !scroller->isHidden()) {
-            right = scroller->x();
-        }
-        return place.left() >= left && place.right() < right;
+        return bar.rect().contains(place) && !buttons.intersects(place);
     }
-    /// Drags `payload` over an item and drops it there if it is welcome.
-    [[nodiscard]] bool drop(int index, const QString &format, const QByteArray &payload) const
+    /// Drops `payload` on a tab.
+    [[nodiscard]] bool dropOn(int index, const QString &format, const QByteArray &payload) const
     {
         QMimeData data;
         data.setData(format, payload);
-        TabItemView *item = items()[size_t(index)];
-        QDragEnterEvent enter({5, 5}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(item, &enter);
-        QDropEvent dropped({5, 5}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(item, &dropped);
-        EXPECT_EQ(enter.isAccepted(), dropped.isAccepted());
-        EXPECT_TRUE(!dropped.isAccepted() || dropped.dropAction() == Qt::MoveAction) << "a copy is not offered";
-        return dropped.isAccepted();
+        const auto action = drop(*items()[size_t(index)], data);
+        EXPECT_NE(action, Qt::CopyAction) << "is not offered";
+        return action.has_value();
     }
     [[nodiscard]] QStringList taken() { return std::exchange(reports, {}); }
 
@@ -184,16 +164,16 @@ TEST_F(TabBarViewTest, DroppedTabsMoveWithinTheBar)
 {
     setCount(5, 0);
     const QString format = TabItemView::mimeType();
-    EXPECT_TRUE(drop(3, format, "1"));
-    EXPECT_TRUE(drop(0, format, "+4"));
+    EXPECT_TRUE(dropOn(3, format, "1"));
+    EXPECT_TRUE(dropOn(0, format, "+4"));
     EXPECT_EQ(taken(), (QStringList{u"move 1 3"_s, u"move 4 0"_s}));
     for (const char *index : {"2", "5", "-1", "2147483647"}) {
-        EXPECT_TRUE(drop(2, format, index)) << index << " is an index, of this tab or of a longer bar";
+        EXPECT_TRUE(dropOn(2, format, index)) << index << " is an index, of this tab or of a longer bar";
     }
     for (const char *bad : {"", "+", "1x", " 1", "--1", "99999999999"}) {
-        EXPECT_FALSE(drop(2, format, bad)) << '"' << bad << '"';
+        EXPECT_FALSE(dropOn(2, format, bad)) << '"' << bad << '"';
     }
-    EXPECT_FALSE(drop(2, u"text/plain"_s, "1"));
+    EXPECT_FALSE(dropOn(2, u"text/plain"_s, "1"));
     EXPECT_EQ(taken(), QStringList());
 }
 

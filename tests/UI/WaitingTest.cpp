@@ -3,11 +3,11 @@
 
 // Disks that take their time: what the window shows meanwhile, and what waits for them.
 #include "App/RunningInstance.h"
-#include "Commands/Actions.h"
 #include "UI/TabItemView.h"
 #include "WindowFixture.h"
 
 #include <QDir>
+#include <QSignalSpy>
 
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
@@ -19,8 +19,7 @@ protected:
     void openTyped()
     {
         workers.isHeld = false;
-        QDir(folder.path()).mkdir(u"disk"_s);
-        workspace().open({write(u"disk/a.txt"_s, "text\n")});
+        workspace().open({put(u"disk/a.txt"_s, "text\n")});
         type(u"x"_s);
         workers.isHeld = true;
     }
@@ -138,31 +137,30 @@ TEST_F(WaitingTest, WhoClosesAgainNeedNotWaitForever)
 
 TEST_F(WaitingTest, QuittingWaitsOnceAndKeepsTheText)
 {
-    int ends = 0;
-    QObject::connect(&application, &AppDelegate::finished, &application, [&ends] { ++ends; });
+    const QSignalSpy ends(&application, &AppDelegate::finished);
     openTyped();
     send(Actions::saveDocument);
     application.terminate();
-    EXPECT_EQ(ends, 0);
+    EXPECT_EQ(ends.size(), 0);
     QDir(path(u"disk"_s)).removeRecursively();
     answer();
-    EXPECT_EQ(ends, 0) << "the write failed";
+    EXPECT_EQ(ends.size(), 0) << "the write failed";
 
     openTyped();
     send(Actions::saveDocument);
     application.terminate();
-    EXPECT_EQ(ends, 0);
+    EXPECT_EQ(ends.size(), 0);
     application.terminate();
-    EXPECT_EQ(ends, 1) << "it is in a draft";
+    EXPECT_EQ(ends.size(), 1) << "it is in a draft";
     EXPECT_EQ(QDir(session.draftsDirectory()).entryList(QDir::Files).size(), 1);
     application.terminateNow();
-    EXPECT_EQ(ends, 2);
+    EXPECT_EQ(ends.size(), 2);
     answer();
 }
 
 TEST_F(WaitingTest, FilesComeLate)
 {
-    write(u"a.txt"_s, "one\ntwo\n");
+    put(u"a.txt"_s, "one\ntwo\n");
     workers.isHeld = true;
     int status = -1;
     application.open(OpenRequest{.files = {{path(u"a.txt"_s), 2, 2}, {path(u"none"_s)}}, .closed = [&status](int code) { status = code; }});
