@@ -2,12 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "App/StandardInput.h"
 
-#include <gtest/gtest.h>
+#include "TestFolder.h"
 
-#include <array>
-#include <thread>
-
-#include <unistd.h>
+#include <cstdio>
 
 using namespace Qt::StringLiterals;
 
@@ -16,21 +13,10 @@ namespace {
 /// What a program that writes `bytes` gives to the one behind it.
 auto piped(const QByteArray &bytes)
 {
-    std::array<int, 2> ends{};
-    EXPECT_EQ(::pipe(ends.data()), 0);
-    std::thread writer([&bytes, end = ends[1]] {
-        for (qsizetype at = 0; at < bytes.size();) {
-            const ssize_t count = ::write(end, bytes.constData() + at, size_t(bytes.size() - at));
-            if (count <= 0) {
-                break;
-            }
-            at += count;
-        }
-        ::close(end);
-    });
-    auto contents = readStream(ends[0]);
-    ::close(ends[0]);
-    writer.join();
+    const TestFolder folder;
+    FILE *stream = ::popen((u"cat "_s + folder.put(u"bytes"_s, bytes)).toUtf8(), "r");
+    auto contents = readStream(::fileno(stream));
+    ::pclose(stream);
     return contents;
 }
 

@@ -2,18 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "Desktop/Terminals.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
+#include "TestFolder.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-class TerminalLookupTest : public testing::Test {
+class TerminalLookupTest : public testing::Test, protected TestFolder {
 protected:
     TerminalLookupTest()
     {
@@ -21,30 +16,21 @@ protected:
         lookup.programFolders = {path(u"bin"_s)};
     }
 
-    [[nodiscard]] QString path(const QString &name) const { return m_folder.filePath(name); }
-
-    void make(const QString &name, const QByteArray &content, QFile::Permissions permissions = QFile::ReadOwner | QFile::WriteOwner)
+    void makeProgram(const QString &name)
     {
-        QDir().mkpath(QFileInfo(path(name)).path());
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        file.setPermissions(permissions);
+        QFile::setPermissions(put(u"bin/"_s + name, ""), QFile::ReadOwner | QFile::ExeOwner | QFile::WriteOwner);
     }
-
-    void makeProgram(const QString &name) { make(u"bin/"_s + name, "", QFile::ReadOwner | QFile::ExeOwner | QFile::WriteOwner); }
     void makeEntry(const QString &name, const QByteArray &keys)
     {
-        make(name + u".desktop"_s,
-             "# comment\n[Desktop Action x]\nExec=none\n[Desktop Entry]\nName=x\n" + keys + "\n[Other]\nHidden=true\n");
+        put(name + u".desktop"_s,
+            "# comment\n[Desktop Action x]\nExec=none\n[Desktop Entry]\nName=x\n" + keys + "\n[Other]\nHidden=true\n");
     }
     [[nodiscard]] QString found(const QString &preferred = {}) const
     {
-        return lookup.terminal(preferred).value_or(u"none"_s).remove(m_folder.path() + u'/');
+        return lookup.terminal(preferred).value_or(u"none"_s).remove(path({}) + u'/');
     }
 
     TerminalLookup lookup;
-    QTemporaryDir m_folder;
 };
 
 } // namespace
@@ -68,23 +54,20 @@ TEST_F(TerminalLookupTest, TheOrderIsKept)
     EXPECT_EQ(found(), u"bin/st"_s);
     makeProgram(u"xdg-terminal-exec"_s);
     EXPECT_EQ(found(), u"bin/xdg-terminal-exec"_s);
-    QString before = found();
     for (const QString &id : {u"hyper"_s, u"Alacritty"_s, u"kitty"_s, u"dev.warp.Warp"_s, u"com.mitchellh.ghostty"_s}) {
         install(id);
-        EXPECT_NE(found(), before);
         EXPECT_EQ(found(), u"usr/applications/"_s + id + u".desktop"_s);
-        before = found();
     }
     EXPECT_EQ(found(u"kitty"_s), u"usr/applications/kitty.desktop"_s);
     EXPECT_EQ(found(u"kitty.desktop"_s), u"usr/applications/kitty.desktop"_s);
-    EXPECT_EQ(found(u"not.installed"_s), before);
+    EXPECT_EQ(found(u"not.installed"_s), u"usr/applications/com.mitchellh.ghostty.desktop"_s);
 }
 
 TEST_F(TerminalLookupTest, AnEntryCountsWhenItsProgramIsThere)
 {
     makeEntry(u"usr/applications/kitty"_s, "Exec=kitty");
     EXPECT_EQ(found(), u"none"_s) << "no program";
-    make(u"bin/kitty"_s, "");
+    put(u"bin/kitty"_s, "");
     EXPECT_EQ(found(), u"none"_s) << "not executable";
     makeProgram(u"kitty"_s);
     EXPECT_EQ(found(), u"usr/applications/kitty.desktop"_s);

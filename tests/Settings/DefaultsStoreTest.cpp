@@ -2,26 +2,21 @@
 // SPDX-License-Identifier: MIT
 #include "Settings/DefaultsStore.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
+#include "TestFolder.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
 
-class DefaultsStoreTest : public testing::Test {
+class DefaultsStoreTest : public testing::Test, protected TestFolder {
 protected:
-    [[nodiscard]] QString path() const { return m_folder.filePath(u"config/Quillet/Quillet.conf"_s); }
+    const QString file = path(u"config/Quillet/Quillet.conf"_s);
 
     /// A store as a new start of the program has it.
     [[nodiscard]] std::unique_ptr<DefaultsStore> start()
     {
-        auto store = std::make_unique<DefaultsStore>(path(), scheduler);
+        auto store = std::make_unique<DefaultsStore>(file, scheduler);
         store->registerDefault("editor.tabWidth"_L1, 4);
         store->registerDefault("editor.fontSize"_L1, 13.0);
         store->registerDefault("editor.wrapLines"_L1, true);
@@ -30,22 +25,7 @@ protected:
         return store;
     }
 
-    void write(const QByteArray &content)
-    {
-        QDir().mkpath(QFileInfo(path()).path());
-        QFile file(path());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    }
-
-    [[nodiscard]] static QByteArray read(const QString &name)
-    {
-        QFile file(name);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-
     ManualScheduler scheduler;
-    QTemporaryDir m_folder;
 };
 
 } // namespace
@@ -59,33 +39,29 @@ TEST_F(DefaultsStoreTest, RegisteredValuesAnswerAndAreNotWritten)
         EXPECT_EQ(store->string("io.panels.lastDirectory"_L1), QString());
         EXPECT_FALSE(store->isSet("editor.tabWidth"_L1));
     }
-    EXPECT_FALSE(QFileInfo::exists(m_folder.filePath(u"config"_s))) << "nothing was set, so nothing is made";
+    EXPECT_FALSE(QFileInfo::exists(path(u"config"_s))) << "nothing was set, so nothing is made";
 
     start()->set("editor.tabWidth"_L1, 8);
-    const QByteArray content = read(path());
+    const QByteArray content = read(file);
     EXPECT_TRUE(content.contains("editor.tabWidth=8")) << content.constData();
     EXPECT_FALSE(content.contains("fontSize")) << content.constData();
-    const QFile::Permissions others =
-        QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
-    EXPECT_FALSE(QFile::permissions(QFileInfo(path()).path()) & others);
+    EXPECT_EQ(QFile::permissions(QFileInfo(file).path()) & 0x77, 0) << "nobody else looks in";
 
     const auto store = start();
     EXPECT_TRUE(store->isSet("editor.tabWidth"_L1));
     store->remove("editor.tabWidth"_L1);
     EXPECT_EQ(store->integer("editor.tabWidth"_L1), 4);
     EXPECT_TRUE(store->synchronize());
-    EXPECT_FALSE(read(path()).contains("tabWidth"));
+    EXPECT_FALSE(read(file).contains("tabWidth"));
 }
 
 TEST_F(DefaultsStoreTest, ValuesComeBackAsTheyWere)
 {
-    const QStringList lists[] = {{}, {u"one"_s}, {u"a"_s, u"b,c"_s, u"d e"_s}, {u"@x"_s, u""_s}};
-    const QString texts[] = {u""_s, u"@Invalid()"_s, u"a, b; \"c\" = d\\"_s, u"Grüße 😀"_s, u"true"_s, u" 12 "_s};
-    for (const QStringList &list : lists) {
+    for (const QStringList &list : {QStringList(), {u"one"_s}, {u"a"_s, u"b,c"_s, u"d e"_s}, {u"@x"_s, u""_s}}) {
         start()->set("toolbar.items"_L1, list);
         EXPECT_EQ(start()->stringList("toolbar.items"_L1), list) << list.size();
     }
-    for (const QString &text : texts) {
+    for (const QString &text : {u""_s, u"@Invalid()"_s, u"a, b; \"c\" = d\\"_s, u"Grüße 😀"_s, u"true"_s, u" 12 "_s}) {
         start()->set("editor.fontName"_L1, text);
         EXPECT_EQ(start()->string("editor.fontName"_L1), text);
     }
@@ -104,8 +80,8 @@ TEST_F(DefaultsStoreTest, ValuesComeBackAsTheyWere)
 
 TEST_F(DefaultsStoreTest, ValuesOfTheWrongTypeCountAsNotSet)
 {
-    write("[General]\neditor.tabWidth=99999999999\neditor.fontSize=nan\neditor.wrapLines=maybe\neditor.fontName=Deja, "
-          "Mono\ntoolbar.items=save\n");
+    put(file, "[General]\neditor.tabWidth=99999999999\neditor.fontSize=nan\neditor.wrapLines=maybe\neditor.fontName=Deja, "
+              "Mono\ntoolbar.items=save\n");
     auto store = start();
     EXPECT_EQ(store->integer("editor.tabWidth"_L1), 4);
     EXPECT_EQ(store->real("editor.fontSize"_L1), 13.0);
@@ -118,18 +94,18 @@ TEST_F(DefaultsStoreTest, WritesAMomentAfterTheFirstChange)
 {
     const auto store = start();
     store->set("editor.tabWidth"_L1, 2);
-    EXPECT_FALSE(QFileInfo::exists(path()));
+    EXPECT_FALSE(QFileInfo::exists(file));
     scheduler.advance(400ms);
     store->set("editor.tabWidth"_L1, 3);
     scheduler.advance(200ms);
-    EXPECT_TRUE(read(path()).contains("editor.tabWidth=3")) << "more changes must not put it off";
+    EXPECT_TRUE(read(file).contains("editor.tabWidth=3")) << "more changes must not put it off";
     EXPECT_EQ(scheduler.pendingCount(), 0);
 
     // Somebody edits the file meanwhile: only what changed here is written.
-    write("[General]\neditor.tabWidth=7\neditor.fontSize=20\n");
+    put(file, "[General]\neditor.tabWidth=7\neditor.fontSize=20\n");
     store->set("editor.wrapLines"_L1, false);
     scheduler.advance(500ms);
-    const QByteArray content = read(path());
+    const QByteArray content = read(file);
     EXPECT_TRUE(content.contains("editor.tabWidth=7") && content.contains("fontSize=20") && content.contains("wrapLines=false"))
         << content.constData();
 }
@@ -137,15 +113,15 @@ TEST_F(DefaultsStoreTest, WritesAMomentAfterTheFirstChange)
 TEST_F(DefaultsStoreTest, ADamagedFileIsUsedAsFarAsItGoesAndKept)
 {
     const QByteArray damaged("[General]\neditor.tabWidth=6\n\x00\x01\xff garbage\n[unclosed\neditor.fontSize=20\n", 63);
-    write(damaged);
+    put(file, damaged);
     {
         const auto store = start();
         EXPECT_EQ(store->integer("editor.tabWidth"_L1), 6);
         EXPECT_TRUE(store->synchronize());
-        EXPECT_EQ(read(path()), damaged) << "reading changes nothing";
+        EXPECT_EQ(read(file), damaged) << "reading changes nothing";
         store->set("editor.wrapLines"_L1, false);
     }
-    EXPECT_EQ(read(path() + u".damaged"_s), damaged);
+    EXPECT_EQ(read(file + u".damaged"_s), damaged);
     const auto store = start();
     EXPECT_EQ(store->integer("editor.tabWidth"_L1), 6);
     EXPECT_FALSE(store->boolean("editor.wrapLines"_L1));
@@ -154,15 +130,14 @@ TEST_F(DefaultsStoreTest, ADamagedFileIsUsedAsFarAsItGoesAndKept)
 TEST_F(DefaultsStoreTest, WhatCannotBeWrittenStaysInMemory)
 {
     // A file where the folder should be stops every user, root too.
-    QFile obstacle(m_folder.filePath(u"config"_s));
-    ASSERT_TRUE(obstacle.open(QIODevice::WriteOnly));
+    put(u"config"_s, "");
     const auto store = start();
     store->set("editor.tabWidth"_L1, 2);
     EXPECT_FALSE(store->synchronize());
     EXPECT_EQ(store->integer("editor.tabWidth"_L1), 2);
-    ASSERT_TRUE(obstacle.remove());
+    ASSERT_TRUE(QFile::remove(path(u"config"_s)));
     EXPECT_TRUE(store->synchronize());
-    EXPECT_TRUE(read(path()).contains("editor.tabWidth=2"));
+    EXPECT_TRUE(read(file).contains("editor.tabWidth=2"));
 }
 
 TEST_F(DefaultsStoreTest, LivesWhereTheDesktopSays)
