@@ -18,12 +18,6 @@ protected:
     }
     void start(const QByteArray &content) { workspace().open({put(u"a.txt"_s, content)}); }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const { QTest::keyClick(&textView(), key, modifiers); }
-    /// A key of a keyboard of another script, by the kernel's code, or one that is dead.
-    void pressForeign(const QString &text, quint32 code, Qt::KeyboardModifiers modifiers = {}, int key = 0) const
-    {
-        QKeyEvent event(QEvent::KeyPress, key, modifiers, code + 8, 0, 0, text);
-        QCoreApplication::sendEvent(&textView(), &event);
-    }
     void compose(const QString &preedit, const QString &committed = {}) const
     {
         QInputMethodEvent event(preedit, {});
@@ -71,37 +65,6 @@ TEST_F(ModalEditingTest, AnInsertSessionIsOneStepOfUndoUntilTheFocusGoes)
     press(Qt::Key_Escape);
     type(u"u"_s);
     EXPECT_EQ(text(), u"afirst,\nsecond two\n"_s);
-}
-
-TEST_F(ModalEditingTest, LettersComeFromTheirPlaceOnTheKeyboard)
-{
-    start("one two\n");
-    pressForeign(u"ц"_s, 17); // w
-    EXPECT_EQ(caret(), 4);
-    pressForeign(u"Ш"_s, 23, Qt::ShiftModifier); // I
-    pressForeign(u"ы"_s, 31);
-    press(Qt::Key_Escape);
-    EXPECT_EQ(text(), u"ыone two\n"_s) << "what is inserted is what is written";
-    // So are signs, which such a keyboard has elsewhere.
-    pressForeign(u";"_s, 5, Qt::ShiftModifier); // $
-    EXPECT_EQ(caret(), 7);
-}
-
-TEST_F(ModalEditingTest, DeadKeysAreTheirSigns)
-{
-    start("  \"one\" two\n");
-    const auto pressDead = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { pressForeign({}, 0, modifiers, key); };
-    type(u"fnma"_s);
-    pressDead(Qt::Key_Dead_Circumflex);
-    EXPECT_EQ(caret(), 2);
-    pressDead(Qt::Key_Dead_Grave);
-    type(u"a"_s);
-    EXPECT_EQ(caret(), 4);
-    type(u"di"_s);
-    pressDead(Qt::Key_Dead_Diaeresis, Qt::ShiftModifier);
-    type(u"ft"_s);
-    pressDead(Qt::Key_Dead_Tilde, Qt::ShiftModifier);
-    EXPECT_EQ(text(), u"  \"\" Two\n"_s);
 }
 
 TEST_F(ModalEditingTest, InputMethodsTypeTextAndNoCommands)

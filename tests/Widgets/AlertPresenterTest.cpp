@@ -2,10 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "Widgets/WidgetAlertPresenter.h"
 
+#include "Controls.h"
+#include "TestFolder.h"
+
 #include <QAccessible>
 #include <QCheckBox>
 #include <QDoubleSpinBox>
-#include <QFile>
 #include <QFileDialog>
 #include <QFontDatabase>
 #include <QLabel>
@@ -13,7 +15,6 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <gmock/gmock.h>
@@ -40,27 +41,18 @@ protected:
     WidgetAlertPresenter presenter;
 };
 
+/// The one that is open; null for none.
 template<typename Dialog>
-QList<Dialog *> openDialogs(const QWidget &window)
+Dialog *openIn(const QWidget &window)
 {
-    QList<Dialog *> open;
-    for (Dialog *dialog : window.findChildren<Dialog *>()) {
-        if (dialog->isVisible()) {
-            open << dialog;
-        }
-    }
-    return open;
+    const QList<Dialog *> dialogs = window.findChildren<Dialog *>();
+    const auto open = std::ranges::find_if(dialogs, &QWidget::isVisible);
+    return open == dialogs.end() ? nullptr : *open;
 }
 
 void click(const QMessageBox &box, const QString &title)
 {
-    for (QAbstractButton *button : box.buttons()) {
-        if (button->text().remove(u'&') == title) {
-            button->click();
-            return;
-        }
-    }
-    ADD_FAILURE() << "there is no button " << title.toStdString();
+    control<QPushButton>(box, title)->click();
 }
 
 } // namespace
@@ -71,7 +63,7 @@ TEST_F(WidgetAlertPresenterTest, AnswersWithThePlaceOfTheButton)
     const auto note = [&](const AlertReply &reply) { answers.push_back(reply.button); };
     const auto ask = [&] {
         presenter.present(closeQuestion, &window, note);
-        return openDialogs<QMessageBox>(window).first();
+        return openIn<QMessageBox>(window);
     };
 
     QMessageBox *box = ask();
@@ -89,7 +81,7 @@ TEST_F(WidgetAlertPresenterTest, AnswersWithThePlaceOfTheButton)
     EXPECT_THAT(answers, ElementsAre(1002, 1001, 1000, 1001, 1001));
 
     presenter.present(Alert::forError(u"“a” could not be read."_s, u"Try again."_s), &window, note);
-    box = openDialogs<QMessageBox>(window).first();
+    box = openIn<QMessageBox>(window);
     EXPECT_EQ(box->informativeText(), u"Try again."_s);
     QTest::keyClick(box, Qt::Key_Escape);
     EXPECT_EQ(answers.back(), 1000);
@@ -104,16 +96,14 @@ TEST_F(WidgetAlertPresenterTest, AlertsOfAWindowComeOneAfterTheOther)
         presenter.present(closeQuestion, owner.get(), [&](const AlertReply &) { events.push_back("third"); });
     });
     presenter.present(closeQuestion, owner.get(), [&](const AlertReply &) { events.push_back("second"); });
-    EXPECT_TRUE(openDialogs<QMessageBox>(*owner).isEmpty()) << "before its window is there a dialog has no place";
+    EXPECT_FALSE(openIn<QMessageBox>(*owner)) << "before its window is there a dialog has no place";
     owner->show();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !openDialogs<QMessageBox>(*owner).isEmpty(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return openIn<QMessageBox>(*owner) != nullptr; }));
     for (int count = 0; count < 3; ++count) {
-        const auto open = openDialogs<QMessageBox>(*owner);
-        ASSERT_EQ(open.size(), 1);
-        click(*open.first(), u"Cancel"_s);
+        click(*openIn<QMessageBox>(*owner), u"Cancel"_s);
     }
     EXPECT_THAT(events, ElementsAre("first", "second", "third"));
-    EXPECT_TRUE(openDialogs<QMessageBox>(*owner).isEmpty());
+    EXPECT_FALSE(openIn<QMessageBox>(*owner));
 
     presenter.present(closeQuestion, owner.get(), [&](const AlertReply &) { events.push_back("never"); });
     presenter.present(closeQuestion, owner.get(), [&](const AlertReply &) { events.push_back("never"); });
@@ -128,7 +118,7 @@ TEST_F(WidgetAlertPresenterTest, AsksForALineOfText)
                        .buttons = {{u"Go"_s}, {u"Cancel"_s, AlertButtonRole::cancel}},
                        .textField = Alert::TextField{.placeholder = u"Line number"_s}},
                       &window, [&](const AlertReply &given) { reply = given; });
-    QMessageBox *box = openDialogs<QMessageBox>(window).first();
+    QMessageBox *box = openIn<QMessageBox>(window);
     auto *edit = box->findChild<QLineEdit *>();
     EXPECT_EQ(box->focusWidget(), edit);
     EXPECT_EQ(edit->placeholderText(), u"Line number"_s);
@@ -146,18 +136,18 @@ TEST_F(WidgetAlertPresenterTest, AsksForALineOfText)
 
 TEST_F(WidgetAlertPresenterTest, PanelsStartWhereTheyAreAsked)
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     std::optional<QString> saved;
     QStringList opened{u"untouched"_s};
-    presenter.present(SavePanel{.startFolder = folder.path(), .suggestedName = u"notes.txt"_s}, &window,
+    presenter.present(SavePanel{.startFolder = folder.path({}), .suggestedName = u"notes.txt"_s}, &window,
                       [&](const std::optional<QString> &path) { saved = path; });
     presenter.present(OpenPanel{.startFolder = u"/nowhere/at/all"_s}, &window, [&](const QStringList &paths) { opened = paths; });
-    QFileDialog *panel = openDialogs<QFileDialog>(window).first();
+    QFileDialog *panel = openIn<QFileDialog>(window);
     EXPECT_EQ(panel->windowModality(), Qt::WindowModal);
     EXPECT_EQ(panel->acceptMode(), QFileDialog::AcceptSave);
     QMetaObject::invokeMethod(panel, "accept");
-    EXPECT_EQ(saved, folder.filePath(u"notes.txt"_s));
-    panel = openDialogs<QFileDialog>(window).first();
+    EXPECT_EQ(saved, folder.path(u"notes.txt"_s));
+    panel = openIn<QFileDialog>(window);
     EXPECT_EQ(panel->fileMode(), QFileDialog::ExistingFiles);
     panel->reject();
     EXPECT_EQ(opened, QStringList());
@@ -165,30 +155,25 @@ TEST_F(WidgetAlertPresenterTest, PanelsStartWhereTheyAreAsked)
 
 TEST_F(WidgetAlertPresenterTest, AsksBeforeAFileIsReplaced)
 {
-    const QTemporaryDir folder;
-    QFile file(folder.filePath(u"notes.txt"_s));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.close();
+    const TestFolder folder;
+    const QString file = folder.put(u"notes.txt"_s, "");
     std::optional<QString> saved;
-    presenter.present(SavePanel{.startFolder = folder.path(), .suggestedName = u"notes.txt"_s}, &window,
+    presenter.present(SavePanel{.startFolder = folder.path({}), .suggestedName = u"notes.txt"_s}, &window,
                       [&](const std::optional<QString> &path) { saved = path; });
-    QFileDialog *panel = openDialogs<QFileDialog>(window).first();
+    QFileDialog *panel = openIn<QFileDialog>(window);
     const auto ask = [&] {
         QMetaObject::invokeMethod(panel, "accept");
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !openDialogs<QMessageBox>(*panel).isEmpty(); }));
-        return openDialogs<QMessageBox>(*panel).value(0);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return openIn<QMessageBox>(*panel) != nullptr; }));
+        return openIn<QMessageBox>(*panel);
     };
     QMessageBox *box = ask();
-    ASSERT_NE(box, nullptr);
     EXPECT_THAT(box->text().toStdString(), testing::HasSubstr("notes.txt"));
     EXPECT_EQ(box->defaultButton()->text().remove(u'&'), u"Cancel"_s) << "a slip of the Return key must not cost a file";
     click(*box, u"Cancel"_s);
     EXPECT_EQ(saved, std::nullopt);
     EXPECT_TRUE(panel->isVisible()) << "for another name";
-    box = ask();
-    ASSERT_NE(box, nullptr);
-    click(*box, u"Replace"_s);
-    EXPECT_EQ(saved, file.fileName());
+    click(*ask(), u"Replace"_s);
+    EXPECT_EQ(saved, file);
 }
 
 TEST_F(WidgetAlertPresenterTest, FontsAreChosenByFamilyAndSize)
@@ -201,7 +186,7 @@ TEST_F(WidgetAlertPresenterTest, FontsAreChosenByFamilyAndSize)
     const auto ask = [&](const QString &family) {
         presenter.present(FontPanel{.current = {family, 12.5}, .leastSize = 6, .greatestSize = 96}, &window,
                           [&answer](const std::optional<FontChoice> &font) { answer = font; });
-        return openDialogs<QDialog>(window).first();
+        return openIn<QDialog>(window);
     };
 
     QDialog *dialog = ask(fixed);
