@@ -18,13 +18,12 @@ protected:
     }
     void start(const QByteArray &content) { workspace().open({put(u"a.txt"_s, content)}); }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const { QTest::keyClick(&textView(), key, modifiers); }
-    void compose(const QString &preedit, const QString &committed = {}) const
+    void commit(const QString &text) const
     {
-        QInputMethodEvent event(preedit, {});
-        event.setCommitString(committed);
+        QInputMethodEvent event;
+        event.setCommitString(text);
         QCoreApplication::sendEvent(&textView(), &event);
     }
-    void commit(const QString &text) const { compose({}, text); }
     [[nodiscard]] bool takesInputMethod() const
     {
         QInputMethodQueryEvent query(Qt::ImEnabled);
@@ -71,6 +70,8 @@ TEST_F(ModalEditingTest, InputMethodsTypeTextAndNoCommands)
 {
     start("one tw\u00e9\n");
     EXPECT_FALSE(takesInputMethod());
+    commit(u"dd"_s);
+    EXPECT_EQ(text(), u"one tw\u00e9\n"_s) << "it comes too late";
     type(u"f"_s);
     EXPECT_TRUE(takesInputMethod());
     commit(u"é"_s);
@@ -83,36 +84,6 @@ TEST_F(ModalEditingTest, InputMethodsTypeTextAndNoCommands)
     EXPECT_EQ(text(), u"日日本本one tw\u00e9\n"_s) << "repeated like typed text";
     preferences.set(Settings::vimMode, false);
     EXPECT_TRUE(takesInputMethod());
-}
-
-TEST_F(ModalEditingTest, WhatIsComposedIsNeverACommand)
-{
-    start("one two\n");
-    commit(u"dd"_s);
-    EXPECT_EQ(text(), u"one two\n"_s) << "it comes too late";
-    type(u"i"_s);
-    compose(u"dd"_s);
-    press(Qt::Key_Escape);
-    EXPECT_EQ(badge(), u"INSERT"_s) << "Escape gives up what is composed, and no more";
-    commit(u"ä"_s);
-    press(Qt::Key_Escape);
-    EXPECT_EQ(badge(), u"NORMAL"_s);
-    EXPECT_EQ(text(), u"äone two\n"_s);
-
-    type(u"/"_s);
-    compose(u"ni"_s);
-    EXPECT_EQ(badge(), u"/ni█"_s);
-    press(Qt::Key_Escape);
-    EXPECT_EQ(badge(), u"/█"_s);
-    type(u"t"_s);
-    press(Qt::Key_Return);
-    EXPECT_EQ(caret(), 5);
-    type(u"r"_s);
-    compose(u"ni"_s);
-    EXPECT_EQ(badge(), u"NORMAL  rni"_s);
-    commit(u"日x"_s);
-    EXPECT_EQ(badge(), u"NORMAL"_s);
-    EXPECT_EQ(text(), u"äone 日wo\n"_s);
 }
 
 TEST_F(ModalEditingTest, ControlChordsThatItHasNoUseForStayShortcuts)
