@@ -47,17 +47,6 @@ const char16_t *findCr(const char16_t *from, const char16_t *end)
     return std::find(from, end, u'\r');
 }
 
-template<typename Unit>
-qsizetype countPairs(std::span<const Unit> units)
-{
-    qsizetype pairs = 0;
-    const Unit *const end = units.data() + units.size();
-    for (const Unit *cr = findCr(units.data(), end); end - cr > 1; cr = findCr(cr + 1, end)) {
-        pairs += cr[1] == u'\n' ? 1 : 0;
-    }
-    return pairs;
-}
-
 } // namespace
 
 std::optional<LineEnding> lineEndingWithRawValue(QStringView rawValue)
@@ -70,16 +59,6 @@ std::optional<LineEnding> lineEndingWithRawValue(QStringView rawValue)
     return std::nullopt;
 }
 
-void LineBreakCounter::add(std::span<const uchar> latin1)
-{
-    count(latin1);
-}
-
-void LineBreakCounter::add(std::span<const char16_t> units)
-{
-    count(units);
-}
-
 size_t LineBreakCounter::addAndFold(std::span<uchar> latin1)
 {
     return fold(latin1);
@@ -88,14 +67,6 @@ size_t LineBreakCounter::addAndFold(std::span<uchar> latin1)
 size_t LineBreakCounter::addAndFold(std::span<char16_t> units)
 {
     return fold(units);
-}
-
-template<typename Unit>
-void LineBreakCounter::count(std::span<const Unit> units)
-{
-    if (!units.empty() && countAllButPairs(units)) {
-        m_pairs += countPairs(units);
-    }
 }
 
 /// True when the portion has a CR, so that there may be pairs in it.
@@ -146,25 +117,4 @@ LineEnding LineBreakCounter::ending() const
         return LineEnding::crlf;
     }
     return loneCr >= 1 && loneCr > loneLf ? LineEnding::cr : LineEnding::lf;
-}
-
-LineEnding detectLineEnding(QStringView text)
-{
-    LineBreakCounter counter;
-    counter.add(std::span(text.utf16(), size_t(text.size())));
-    return counter.ending();
-}
-
-LineEnding detectLineEnding(const Rope &text)
-{
-    LineBreakCounter counter;
-    text.forEachChunk({0, text.length()}, [&](const Rope::Chunk &chunk) {
-        if (chunk.narrow) {
-            counter.add(std::span(chunk.narrow, size_t(chunk.length)));
-        } else {
-            counter.add(std::span(chunk.wide, size_t(chunk.length)));
-        }
-        return true;
-    });
-    return counter.ending();
 }

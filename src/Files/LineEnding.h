@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Text/Rope.h"
-
 #include <QStringView>
 
 #include <array>
@@ -35,9 +33,7 @@ inline constexpr auto lineEndings = std::to_array<LineEndingRow>({
 /// Counts the breaks of a text that comes in portions; a pair may be split between two of them.
 class LineBreakCounter {
 public:
-    void add(std::span<const uchar> latin1);
-    void add(std::span<const char16_t> units);
-    /// `add`, and turns CR LF and lone CR into LF in place. Returns how many units are left at the front of the portion.
+    /// Turns CR LF and lone CR into LF in place as well. Returns how many units are left at the front of the portion.
     [[nodiscard]] size_t addAndFold(std::span<uchar> latin1);
     [[nodiscard]] size_t addAndFold(std::span<char16_t> units);
 
@@ -45,8 +41,6 @@ public:
     [[nodiscard]] LineEnding ending() const;
 
 private:
-    template<typename Unit>
-    void count(std::span<const Unit> units);
     template<typename Unit>
     bool countAllButPairs(std::span<const Unit> units);
     template<typename Unit>
@@ -58,6 +52,3 @@ private:
     qsizetype m_carriageReturns = 0;
     bool m_endsWithCr = false;
 };
-
-[[nodiscard]] LineEnding detectLineEnding(QStringView text);
-[[nodiscard]] LineEnding detectLineEnding(const Rope &text);
