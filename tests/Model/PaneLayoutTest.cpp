@@ -2,11 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Model/PaneLayout.h"
 
-#include "Base/Workers.h"
-#include "Files/WatchedPath.h"
-#include "Model/TextDocument.h"
-#include "Settings/DefaultsStore.h"
-#include "Settings/Preferences.h"
+#include "DocumentSurroundings.h"
 
 #include <gtest/gtest.h>
 
@@ -17,13 +13,13 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// Layouts as text: a letter is a document, a capital one the selected tab, and the active pane stands in brackets: "aB [C]".
-class PaneLayoutTest : public testing::Test {
+class PaneLayoutTest : public testing::Test, protected DocumentSurroundings {
 protected:
     [[nodiscard]] PaneLayout::Document document(QChar letter)
     {
         PaneLayout::Document &known = m_documents[letter.toLower()];
         if (!known) {
-            known = TextDocument::generated(m_services, QString(letter.toLower()), {}, Language::plainText());
+            known = TextDocument::generated(services, QString(letter.toLower()), {}, Language::plainText());
         }
         return known;
     }
@@ -61,13 +57,6 @@ protected:
     }
 
 private:
-    ManualScheduler m_scheduler;
-    NotificationCenter m_notifications;
-    DefaultsStore m_defaults{QString(), m_scheduler};
-    Preferences m_preferences{m_defaults, m_notifications};
-    InlineWorkers m_workers;
-    FileWatcherQueue m_watchers{m_scheduler, WatchCalls::system(), m_workers};
-    DocumentServices m_services{m_scheduler, m_notifications, m_preferences, m_workers, m_watchers, {}};
     std::map<QChar, PaneLayout::Document> m_documents;
 };
 
@@ -134,18 +123,6 @@ TEST_F(PaneLayoutTest, OperationsChangeWhatIsShownByTheRules)
     EXPECT_EQ(layout(u"[A]"_s).split(Qt::Vertical).orientation(), Qt::Vertical);
 }
 
-TEST_F(PaneLayoutTest, AnswersWhatIsShown)
-{
-    const PaneLayout shown = layout(u"aB [cA] B"_s);
-    EXPECT_EQ(shown.current(), document(u'a'));
-    EXPECT_EQ(shown.documents(), documents(u"abc"_s));
-    EXPECT_EQ(shown.tabCount(), 5);
-    EXPECT_EQ(shown.countOf(*document(u'b')), 2);
-    EXPECT_EQ(shown.paneShowing(*document(u'c')), 1);
-    EXPECT_EQ(shown.paneShowing(*document(u'x')), -1);
-    EXPECT_EQ(PaneLayout().current(), nullptr);
-}
-
 /// Whatever is done: the layout is sound, panes keep what tells them apart, and no document goes that nobody closed.
 TEST_F(PaneLayoutTest, StaysSoundWhateverIsDone)
 {
@@ -160,9 +137,7 @@ TEST_F(PaneLayoutTest, StaysSoundWhateverIsDone)
             const int tab = below(before.panes()[size_t(pane)].count());
             const PaneLayout::Document some = document(QChar(char16_t(u'a' + below(8))));
             const std::function<PaneLayout()> operations[] = {
-                [&] {
-                    return before.showing({some, document(u'b')});
-                },
+                [&] { return before.showing({some}); },
                 [&] { return before.adding(some); },
                 [&] { return before.paneCount() < 6 ? before.split(Qt::Horizontal) : before.removing(pane); },
                 [&] { return before.activating(pane).selecting(pane, tab); },

@@ -24,11 +24,6 @@ protected:
         std::ranges::transform(entries, std::back_inserter(paths), &RecentDocuments::Entry::path);
         return paths;
     }
-    [[nodiscard]] static mode_t mode(const QString &path)
-    {
-        struct stat status = {};
-        return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_mode & 07777 : 0;
-    }
 
     const QString listName = u"data/Quillet/recent-documents.json"_s;
     InlineWorkers workers;
@@ -52,8 +47,8 @@ TEST_F(RecentDocumentsTest, KeepsTheLastTenNewestFirst)
     EXPECT_EQ(pathsOf(recent.entries()), QStringList({u"/a/b.txt"_s, u"/a/c.txt"_s}));
     EXPECT_EQ(reported, QStringList({u"/a/c.txt"_s, u"/a/b.txt"_s}));
     EXPECT_EQ(written(), R"([{"path":"/a/b.txt"},{"path":"/a/c.txt"}])");
-    EXPECT_EQ(mode(listFile()), 0600U);
-    EXPECT_EQ(mode(QFileInfo(listFile()).path()), 0700U);
+    constexpr auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
+    EXPECT_FALSE((QFile::permissions(listFile()) | QFile::permissions(path(u"data/Quillet"_s))) & others);
 
     QStringList many;
     for (int number = 1; number <= 2000; ++number) {
@@ -78,11 +73,7 @@ TEST_F(RecentDocumentsTest, KeepsTheLastTenNewestFirst)
 
 TEST_F(RecentDocumentsTest, TakesNothingStrangeFromItsFile)
 {
-    struct Case {
-        QByteArray content;
-        QStringList paths;
-    };
-    const Case cases[] = {
+    const std::pair<QByteArray, QStringList> cases[] = {
         {"", {}},
         {R"({"path":"/a"})", {}},
         {R"([{"path":"/a"},)", {}},
@@ -92,9 +83,9 @@ TEST_F(RecentDocumentsTest, TakesNothingStrangeFromItsFile)
         {R"([{"path":"/1"},{"path":"/2"},{"path":"/3"},{"path":"/4"},{"path":"/5"},{"path":"/6"},{"path":"/7"},{"path":"/8"},)"
          R"({"path":"/9"},{"path":"/10"},{"path":"/11"}])",
          {u"/1"_s, u"/2"_s, u"/3"_s, u"/4"_s, u"/5"_s, u"/6"_s, u"/7"_s, u"/8"_s, u"/9"_s, u"/10"_s}}};
-    for (const Case &tested : cases) {
-        put(listName, tested.content);
-        EXPECT_EQ(stored(), tested.paths) << tested.content.left(100).constData();
+    for (const auto &[content, paths] : cases) {
+        put(listName, content);
+        EXPECT_EQ(stored(), paths) << content.left(100).constData();
     }
     QFile::remove(listFile());
     ASSERT_EQ(mkfifo(QFile::encodeName(listFile()).constData(), 0600), 0);

@@ -1,89 +1,47 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "Base/FaultyCalls.h"
-#include "Base/Workers.h"
+#include "DocumentSurroundings.h"
 #include "FileAnswers.h"
-#include "Files/TextHash.h"
-#include "Files/WatchedPath.h"
-#include "HeldWorkers.h"
-#include "Model/DocumentStore.h"
 #include "Model/SaveTransformation.h"
-#include "Settings/DefaultsStore.h"
-#include "Settings/Preferences.h"
-
-#include <QCoreApplication>
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
+#include "TestFolder.h"
 
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-class DocumentTest : public testing::Test {
+class DocumentTest : public testing::Test, protected TestFolder, protected DocumentSurroundings {
 protected:
-    DocumentTest()
+    DocumentTest() : DocumentSurroundings(files, [this](const QUuid &id) { discarded.append(id); })
     {
-        workers.isHeld = false;
         for (const auto &[name, letter] :
              {std::pair(TextDocument::didChangeMetadata, u'm'), std::pair(TextDocument::didReloadFromDisk, u'r'),
               std::pair(TextDocument::didDetectExternalChange, u'x')}) {
             observers.push_back(notifications.observe(name, nullptr, [this, letter = QChar(letter)] { heard += letter; }));
         }
     }
-    [[nodiscard]] QString path(const QString &name = u"a.txt"_s) const { return folder.filePath(name); }
-    void write(const QByteArray &content, const QString &name = u"a.txt"_s) const
-    {
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(content);
-    }
-    [[nodiscard]] QByteArray read(const QString &name = u"a.txt"_s) const
-    {
-        QFile file(path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-    }
     TextDocument &open(const QByteArray &content, const QString &name = u"a.txt"_s)
     {
-        write(content, name);
-        const bool wasHeld = std::exchange(workers.isHeld, false);
-        TextDocument &document = *store.open({path(name)}, 0ms).front().document;
+        workers.isHeld = false;
+        TextDocument &document = *store.open({put(name, content)}, 0ms).front().document;
         settle();
-        workers.isHeld = wasHeld;
         heard.clear();
         return document;
     }
-    /// Lets time pass and what workers and the kernel said arrive.
-    void settle(std::chrono::milliseconds time = 1s)
+    static void type(TextDocument &document, const QString &text) { document.storage().apply({{0, 0}, text}); }
+    /// What was asked of workers until now, and what follows from that.
+    void finishWork()
     {
-        for (auto passed = 0ms; passed < time; passed += 50ms) {
-            QCoreApplication::processEvents();
-            scheduler.advance(50ms);
-            QCoreApplication::processEvents();
-        }
+        workers.finish();
+        settle(50ms);
     }
     QString takeHeard() { return std::exchange(heard, {}); }
 
-    QTemporaryDir folder;
-    ManualScheduler scheduler;
-    NotificationCenter notifications;
-    DefaultsStore defaults{QString(), scheduler};
-    Preferences preferences{defaults, notifications};
-    HeldWorkers workers;
-    InlineWorkers lookers;
-    FileWatcherQueue watchers{scheduler, WatchCalls::system(), lookers};
+    const QString file = path(u"a.txt"_s);
     QList<QUuid> discarded;
     FaultyCalls files;
-    DocumentStore store{{.scheduler = scheduler,
-                         .notifications = notifications,
-                         .preferences = preferences,
-                         .workers = workers,
-                         .watchers = watchers,
-                         .discardDraft = [this](const QUuid &id) { discarded.append(id); },
-                         .files = files},
-                        {}};
+    DocumentStore store{services, {}};
     std::vector<NotificationCenter::Token> observers;
     QString heard;
 };
@@ -91,7 +49,7 @@ protected:
 TEST_F(DocumentTest, IsDirtyFromTheFirstEditAndCleanAgainWhenItIsTakenBack)
 {
     TextDocument &document = open("abc\n");
-    document.storage().apply({{0, 0}, u"x"_s});
+    type(document, u"x"_s);
     EXPECT_TRUE(document.isDirty());
     EXPECT_EQ(takeHeard(), u"m"_s);
     document.storage().apply({{0, 1}, QStringView()});
@@ -105,10 +63,10 @@ TEST_F(DocumentTest, IsDirtyFromTheFirstEditAndCleanAgainWhenItIsTakenBack)
     EXPECT_EQ(takeHeard(), u"mm"_s);
     document.setEncoding(TextEncoding::utf16);
     EXPECT_EQ(takeHeard(), u"m"_s);
-    ASSERT_TRUE(saved(document, path()));
-    EXPECT_EQ(read(), QByteArray("\xFF\xFE"
-                                 "a\0b\0c\0\r\0\n\0",
-                                 12));
+    ASSERT_TRUE(saved(document, file));
+    EXPECT_EQ(read(file), QByteArray("\xFF\xFE"
+                                     "a\0b\0c\0\r\0\n\0",
+                                     12));
     EXPECT_FALSE(document.isDirty());
     EXPECT_EQ(takeHeard(), u"m"_s);
     EXPECT_EQ(discarded.size(), 1);
@@ -119,21 +77,18 @@ TEST_F(DocumentTest, ALargeTextIsHashedElsewhereAndOldAnswersAreDropped)
     const QByteArray content = QByteArray("0123456789abcde\n").repeated(int(TextDocument::largeText / 16) + 1);
     TextDocument &document = open(content);
     workers.isHeld = true;
-    document.storage().apply({{0, 0}, u"x"_s});
+    type(document, u"x"_s);
     document.storage().apply({{0, 1}, QStringView()});
     settle(500ms);
     EXPECT_TRUE(document.isDirty()) << "nobody knows yet";
-    workers.finish();
-    settle(50ms);
-    workers.finish();
-    settle(50ms);
+    finishWork();
+    finishWork();
     EXPECT_FALSE(document.isDirty());
     document.storage().apply({{5, 0}, u"x"_s});
     document.storage().apply({{5, 1}, QStringView()});
     settle(450ms);
     document.storage().apply({{9, 0}, u"y"_s});
-    workers.finish();
-    settle(50ms);
+    finishWork();
     EXPECT_TRUE(document.isDirty()) << "the answer was about a text that is no more";
     const int before = workers.count;
     settle(500ms);
@@ -143,19 +98,17 @@ TEST_F(DocumentTest, ALargeTextIsHashedElsewhereAndOldAnswersAreDropped)
 TEST_F(DocumentTest, AnAnswerAboutAnEarlierSaveCleansNothing)
 {
     TextDocument &document = open(QByteArray("0123456789abcde\n").repeated(int(TextDocument::largeText / 16) + 1));
-    document.storage().apply({{0, 0}, u"x"_s});
+    type(document, u"x"_s);
     document.storage().apply({{0, 1}, u""_s});
     workers.isHeld = true;
     settle();
     workers.finish();
     workers.isHeld = false;
-    ASSERT_TRUE(saved(document, path()));
+    ASSERT_TRUE(saved(document, file));
     workers.isHeld = true;
     document.setLineEnding(LineEnding::crlf);
-    workers.finish();
-    settle(50ms);
-    workers.finish();
-    settle(50ms);
+    finishWork();
+    finishWork();
     EXPECT_TRUE(document.isDirty()) << "nothing was edited since, so there is nothing to compare";
 }
 
@@ -169,7 +122,7 @@ TEST_F(DocumentTest, ALineOfMegabytesIsNotColoured)
     EXPECT_EQ(coloured(), u"c"_s) << "the line is short now";
     document.undoManager().undo();
     EXPECT_EQ(coloured(), u"text"_s);
-    write("int z;\n", u"a.c"_s);
+    put(u"a.c"_s, "int z;\n");
     ASSERT_TRUE(isReverted(document));
     EXPECT_EQ(coloured(), u"c"_s);
 }
@@ -185,8 +138,8 @@ TEST_F(DocumentTest, SavesUnderANewNameWithItsLanguage)
     ASSERT_TRUE(saved(document, path(u"b.py"_s)));
     EXPECT_EQ(document.language().id(), u"c"_s);
     takeHeard();
-    document.storage().apply({{0, 0}, u"y"_s});
-    EXPECT_FALSE(saved(document, folder.path() + u"/none/x"_s));
+    type(document, u"y"_s);
+    EXPECT_FALSE(saved(document, path(u"none/x"_s)));
     EXPECT_TRUE(document.isDirty());
     EXPECT_EQ(document.path(), path(u"b.py"_s));
     EXPECT_EQ(takeHeard(), u"m"_s);
@@ -195,7 +148,7 @@ TEST_F(DocumentTest, SavesUnderANewNameWithItsLanguage)
 TEST_F(DocumentTest, RevertingForgetsAndReinterpretingCanBeUndone)
 {
     TextDocument &document = open("gr\xC3\xBC\xC3\x9F\n");
-    document.storage().apply({{0, 0}, u"x"_s});
+    type(document, u"x"_s);
     takeHeard();
     ASSERT_TRUE(isReverted(document));
     EXPECT_EQ(document.storage().string(), u"grüß\n"_s);
@@ -216,31 +169,24 @@ struct OutsideCase {
     const char *name;
     bool isEdited;
     bool reloadsClean;
-    std::function<void(const QString &path)> act;
+    std::function<void(const QString &file)> act;
     TextDocument::ExternalState state;
     QString text;
     bool isDirty;
     QString heard;
 };
 
-void put(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(content);
-}
-
 TEST_F(DocumentTest, NoticesWhatOthersDo)
 {
     using State = TextDocument::ExternalState;
-    const auto change = [](const QString &file) { put(file, "other\n"); };
-    const auto remove = [](const QString &file) { QFile::remove(file); };
-    const auto replace = [](const QString &file) {
-        put(file + u'~', "other\n");
-        QFile::remove(file);
-        QFile::rename(file + u'~', file);
+    const auto change = [this](const QString &name) { put(name, "other\n"); };
+    const auto remove = [this](const QString &name) { QFile::remove(path(name)); };
+    const auto replace = [this](const QString &name) {
+        const QString other = put(name + u'~', "other\n");
+        QFile::remove(path(name));
+        QFile::rename(other, path(name));
     };
-    const auto sameText = [](const QString &file) { put(file, "xtext\n"); };
+    const auto sameText = [this](const QString &name) { put(name, "xtext\n"); };
     const OutsideCase cases[] = {
         {"a clean text follows", false, true, change, State::none, u"other\n"_s, false, u"rm"_s},
         {"unless the user does not want it", false, false, change, State::conflicted, u"text\n"_s, false, u"xm"_s},
@@ -255,11 +201,11 @@ TEST_F(DocumentTest, NoticesWhatOthersDo)
         const QString name = u"file%1.txt"_s.arg(++number);
         TextDocument &document = open("text\n", name);
         if (c.isEdited) {
-            document.storage().apply({{0, 0}, u"x"_s});
+            type(document, u"x"_s);
             settle();
         }
         takeHeard();
-        c.act(path(name));
+        c.act(name);
         settle(3s);
         EXPECT_EQ(document.externalState(), c.state) << c.name;
         EXPECT_EQ(document.storage().string(), c.text) << c.name;
@@ -275,14 +221,14 @@ TEST_F(DocumentTest, NoticesWhatOthersDo)
 TEST_F(DocumentTest, WhatWasReadBeforeASaveIsNotTakenAfterIt)
 {
     TextDocument &document = open("text\n");
-    document.storage().apply({{0, 0}, u"x"_s});
+    type(document, u"x"_s);
     settle();
     workers.isHeld = true;
-    put(path(), "other\n");
+    put(file, "other\n");
     settle();
     workers.finish();
     workers.isHeld = false;
-    ASSERT_TRUE(saved(document, path()));
+    ASSERT_TRUE(saved(document, file));
     takeHeard();
     settle(2s);
     EXPECT_EQ(document.storage().string(), u"xtext\n"_s);
@@ -298,30 +244,27 @@ TEST_F(DocumentTest, AFileThatIsBackIsNotCalledDeleted)
         {"saved anew", [](TextDocument &document) { document.save(document.path()); }},
         {"saved elsewhere", [](TextDocument &document) { document.save(document.path() + u"x"_s); }},
         {"reverted",
-         [](TextDocument &document) {
+         [this](TextDocument &document) {
              put(document.path(), "text\n");
              document.revertToFileOnDisk();
          }},
         {"reinterpreted",
-         [](TextDocument &document) {
+         [this](TextDocument &document) {
              put(document.path(), "text\n");
              document.reinterpret(TextEncoding::isoLatin1);
          }},
     };
     int number = 0;
     for (const auto &[name, act] : cases) {
-        const QString file = u"file%1.txt"_s.arg(++number);
-        workers.isHeld = false;
-        TextDocument &document = open("text\n", file);
+        TextDocument &document = open("text\n", u"file%1.txt"_s.arg(++number));
         workers.isHeld = true;
-        QFile::remove(path(file));
+        QFile::remove(document.path());
         settle();
         workers.finish();
         workers.isHeld = false;
         act(document);
         settle(2s);
-        workers.finish();
-        settle(50ms);
+        finishWork();
         EXPECT_EQ(document.externalState(), TextDocument::ExternalState::none) << name;
         EXPECT_FALSE(document.isDirty()) << name;
     }
@@ -330,15 +273,15 @@ TEST_F(DocumentTest, AFileThatIsBackIsNotCalledDeleted)
 TEST_F(DocumentTest, TheOnlyCopyStaysDirtyUntilItIsSaved)
 {
     TextDocument &document = open("text\n");
-    QFile::remove(path());
+    QFile::remove(file);
     settle();
     ASSERT_EQ(document.externalState(), TextDocument::ExternalState::deleted);
-    document.storage().apply({{0, 0}, u"x"_s});
+    type(document, u"x"_s);
     document.undoManager().undo();
     settle();
     EXPECT_TRUE(document.isDirty());
-    ASSERT_TRUE(saved(document, path()));
-    document.storage().apply({{0, 0}, u"x"_s});
+    ASSERT_TRUE(saved(document, file));
+    type(document, u"x"_s);
     document.undoManager().undo();
     settle();
     EXPECT_FALSE(document.isDirty());
@@ -347,19 +290,18 @@ TEST_F(DocumentTest, TheOnlyCopyStaysDirtyUntilItIsSaved)
 TEST_F(DocumentTest, WhatIsSavedIsTheTextOfThatMoment)
 {
     TextDocument &document = open("text\n");
-    const auto type = [&document](const QString &text) { document.storage().apply({{0, 0}, text}); };
     QStringList answers;
     const auto save = [&](const QString &name) {
-        document.save(path(), [&answers, name](const Result<void> &saved) { answers << (saved ? name : saved.error().message); });
+        document.save(file, [&answers, name](const Result<void> &saved) { answers << (saved ? name : saved.error().message); });
     };
-    type(u"a"_s);
+    type(document, u"a"_s);
     workers.isHeld = true;
     save(u"first"_s);
-    type(u"b"_s);
+    type(document, u"b"_s);
     save(u"second"_s);
-    type(u"c"_s);
+    type(document, u"c"_s);
     save(u"third"_s);
-    type(u"d"_s);
+    type(document, u"d"_s);
     document.whenSaved([&](bool isWritten) { answers << (isWritten ? u"all"_s : u"not all"_s); });
     EXPECT_TRUE(document.isSaving());
     scheduler.advance(FileRequests::slowAfter);
@@ -367,12 +309,12 @@ TEST_F(DocumentTest, WhatIsSavedIsTheTextOfThatMoment)
 
     workers.finish();
     QCoreApplication::processEvents();
-    EXPECT_EQ(read(), "atext\n");
+    EXPECT_EQ(read(file), "atext\n");
     EXPECT_EQ(answers, QStringList{u"first"_s});
     EXPECT_TRUE(document.isDirty() && document.isSaving() && discarded.isEmpty());
     workers.finish();
     QCoreApplication::processEvents();
-    EXPECT_EQ(read(), "cbatext\n") << "what was overtaken is not written";
+    EXPECT_EQ(read(file), "cbatext\n") << "what was overtaken is not written";
     EXPECT_EQ(answers, (QStringList{u"first"_s, u"second"_s, u"third"_s, u"all"_s}));
     EXPECT_FALSE(document.isSaving());
     EXPECT_EQ(document.requests().activity(), FileRequests::Activity::none);
@@ -386,21 +328,21 @@ TEST_F(DocumentTest, WhatIsSavedIsTheTextOfThatMoment)
 TEST_F(DocumentTest, AWriteThatFailsForgetsNothing)
 {
     TextDocument &document = open("text\n");
-    document.storage().apply({{0, 0}, u"x"_s});
+    type(document, u"x"_s);
     workers.isHeld = true;
-    write("other\n");
+    put(file, "other\n");
     settle(1s);
     ASSERT_EQ(document.externalState(), TextDocument::ExternalState::none) << "its file is still being read";
     files.before = [](const char *call) { return std::strcmp(call, "fsync") == 0 ? EIO : 0; };
     bool isWritten = true;
-    document.save(path());
+    document.save(file);
     document.whenSaved([&isWritten](bool answer) { isWritten = answer; });
     workers.isHeld = false;
     workers.finish();
     settle();
     EXPECT_FALSE(isWritten);
     EXPECT_TRUE(document.isDirty());
-    EXPECT_EQ(read(), "other\n");
+    EXPECT_EQ(read(file), "other\n");
     EXPECT_EQ(document.externalState(), TextDocument::ExternalState::conflicted);
 }
 
@@ -408,8 +350,8 @@ TEST_F(DocumentTest, RevertingComesAfterSavingAndNotAfterTyping)
 {
     TextDocument &document = open("text\n");
     workers.isHeld = true;
-    document.storage().apply({{0, 0}, u"x"_s});
-    document.save(path());
+    type(document, u"x"_s);
+    document.save(file);
     document.revertToFileOnDisk();
     EXPECT_FALSE(document.requests().isPending(FileRequests::Kind::reading));
     workers.finish();
@@ -419,11 +361,11 @@ TEST_F(DocumentTest, RevertingComesAfterSavingAndNotAfterTyping)
     EXPECT_EQ(document.storage().string(), u"xtext\n"_s);
     EXPECT_FALSE(document.undoManager().canUndo()) << "it was reverted to what was saved";
 
-    document.storage().apply({{0, 0}, u"y"_s});
+    type(document, u"y"_s);
     document.revertToFileOnDisk();
     scheduler.advance(FileRequests::slowAfter);
     EXPECT_EQ(document.requests().activity(), FileRequests::Activity::opening);
-    document.storage().apply({{0, 0}, u"z"_s});
+    type(document, u"z"_s);
     workers.finish();
     settle();
     EXPECT_EQ(document.storage().string(), u"zyxtext\n"_s);
@@ -433,8 +375,8 @@ TEST_F(DocumentTest, RevertingComesAfterSavingAndNotAfterTyping)
 TEST_F(DocumentTest, AFileIsOneDocumentWhateverItIsCalledAndWheneverItComes)
 {
     TextDocument &document = open("text\n");
-    QFile::link(path(), path(u"link"_s));
-    write("b", u"b.txt"_s);
+    QFile::link(file, path(u"link"_s));
+    put(u"b.txt"_s, "b");
     const auto found = store.open({path(u"link"_s), path(u"b.txt"_s), path(u"./b.txt"_s), path(u"none"_s)}, 0ms);
     EXPECT_EQ(found[0].document.get(), &document);
     EXPECT_TRUE(found[1].isNew && !found[2].isNew && found[1].document == found[2].document);

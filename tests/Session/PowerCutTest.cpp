@@ -4,22 +4,11 @@
 // The power goes after any call that the store makes, and the disk may have kept any of what it was not told to flush. What comes back then
 // is what was typed, at least as far as it was said to be written.
 #include "Base/AtomicFile.h"
-#include "Base/Workers.h"
 #include "FileAnswers.h"
-#include "Files/WatchedPath.h"
-#include "Model/DocumentStore.h"
 #include "Session/DiskModel.h"
-#include "Session/DraftFile.h"
+#include "Session/SessionFixture.h"
 #include "Session/SessionRestoration.h"
-#include "Settings/DefaultsStore.h"
-#include "Settings/Preferences.h"
 #include "Text/RandomText.h"
-
-#include <QCoreApplication>
-#include <QFileInfo>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
@@ -60,8 +49,9 @@ struct Found {
     std::vector<std::pair<QUuid, QString>> texts;
 };
 
-class PowerCutTest : public testing::TestWithParam<quint32> {
+class PowerCutTest : public testing::TestWithParam<quint32>, protected DocumentSurroundings {
 protected:
+    PowerCutTest() : DocumentSurroundings(calls) {}
     [[nodiscard]] QString disk() const { return folder.filePath(u"disk"_s); }
     [[nodiscard]] QString root() const { return disk() + u"/data/Quillet"_s; }
     [[nodiscard]] std::unique_ptr<SessionStore> open(FileCalls &fileCalls) const
@@ -87,18 +77,6 @@ protected:
 
     // In memory where there is such a folder.
     QTemporaryDir folder{(QDir(u"/dev/shm"_s).exists() ? u"/dev/shm"_s : QDir::tempPath()) + u"/quillet-cut-XXXXXX"_s};
-    ManualScheduler scheduler;
-    NotificationCenter notifications;
-    DefaultsStore defaults{QString(), scheduler};
-    Preferences preferences{defaults, notifications};
-    InlineWorkers workers;
-    FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
-    DocumentServices services{.scheduler = scheduler,
-                              .notifications = notifications,
-                              .preferences = preferences,
-                              .workers = workers,
-                              .watchers = watchers,
-                              .files = calls};
     Random random{GetParam()};
 
     RecordingCalls calls;
@@ -179,18 +157,18 @@ void PowerCutTest::handOver(TextDocument &document)
 
 void PowerCutTest::writeSnapshot()
 {
-    HandedOver next{.snapshot = {.panes = {{}}, .windowFrame = WindowFrame{int(snapshots.size()), 0, 1, 1}.toString()}, .drafts = {}};
     // What else there was is pruned.
     drafted.clear();
+    std::vector<TextDocument *> all;
     for (const auto &document : documents->documents()) {
         handOver(*document);
-        next.snapshot.documents << Snapshot::Document{.id = document->id(),
-                                                      .filePath = document->isUntitled() ? std::nullopt : std::optional(document->path()),
-                                                      .draftFilename = store->writeDraft(*document),
-                                                      .encodingRawValue = quint32(document->encoding()),
-                                                      .lineEnding = u"\n"_s};
-        if (next.snapshot.documents.last().draftFilename) {
-            next.drafts[document->id()] = noteVersion(*document);
+        all.push_back(document.get());
+    }
+    HandedOver next{.snapshot = sessionOf(*store, all), .drafts = {}};
+    next.snapshot.windowFrame = WindowFrame{int(snapshots.size()), 0, 1, 1}.toString();
+    for (const Snapshot::Document &entry : next.snapshot.documents) {
+        if (entry.draftFilename) {
+            next.drafts[entry.id] = typed[entry.id].size() - 1;
         }
     }
     snapshots.push_back(next);

@@ -3,10 +3,10 @@
 #include "FileAnswers.h"
 #include "Session/SessionFixture.h"
 
-#include "HeldWorkers.h"
 #include "Session/SessionRestoration.h"
 
 #include <QDateTime>
+#include <QJsonDocument>
 
 #include <semaphore>
 
@@ -16,40 +16,26 @@ using Snapshot = SessionStore::Snapshot;
 
 namespace {
 
-using SessionStoreTest = SessionFixture;
-
 const QUuid firstId(u"{1b4e28ba-2fa1-11d2-883f-0016d3cca427}"_s);
 const QUuid secondId(u"{2b4e28ba-2fa1-11d2-883f-0016d3cca427}"_s);
 const QUuid thirdId(u"{3b4e28ba-2fa1-11d2-883f-0016d3cca427}"_s);
 
-constexpr auto wholeSnapshot = R"({
-    "documents": [
-        {
-            "draftFilename": "1B4E28BA-2FA1-11D2-883F-0016D3CCA427.draft",
-            "encodingRawValue": 2415919360,
-            "filePath": "/tmp/ä \" b.c",
-            "id": "1B4E28BA-2FA1-11D2-883F-0016D3CCA427",
-            "languageID": "c",
-            "lineEnding": "\r\n",
-            "scrollOffset": 12.5,
-            "selectionLength": 2,
-            "selectionLocation": 1
-        }
-    ],
-    "focusedPaneIndex": 0,
-    "panes": [
-        {
-            "documentIDs": [
-                "1B4E28BA-2FA1-11D2-883F-0016D3CCA427"
-            ],
-            "selectedIndex": 0
-        }
-    ],
-    "savedAt": 817287000.25,
-    "splitIsVertical": false,
-    "windowFrame": "{{10, -20}, {1040, 700}}"
-}
-)";
+class SessionStoreTest : public SessionFixture {
+protected:
+    [[nodiscard]] Snapshot::Document entry(const QUuid &id, const std::optional<QString> &file = {}) const
+    {
+        return {.id = id, .filePath = file ? std::optional(path(*file)) : file, .draftFilename = DraftFile::nameFor(id)};
+    }
+    void putSession(const QList<Snapshot::Document> &entries) const { put(u"session.json"_s, Snapshot{.documents = entries}.toJson()); }
+};
+
+const QByteArray wholeSnapshot = QJsonDocument::fromJson(R"({
+    "documents": [{"draftFilename": "1B4E28BA-2FA1-11D2-883F-0016D3CCA427.draft", "encodingRawValue": 2415919360,
+                   "filePath": "/tmp/ä \" b.c", "id": "1B4E28BA-2FA1-11D2-883F-0016D3CCA427", "languageID": "c", "lineEnding": "\r\n",
+                   "scrollOffset": 12.5, "selectionLength": 2, "selectionLocation": 1}],
+    "focusedPaneIndex": 0, "panes": [{"documentIDs": ["1B4E28BA-2FA1-11D2-883F-0016D3CCA427"], "selectedIndex": 0}],
+    "savedAt": 817287000.25, "splitIsVertical": false, "windowFrame": "{{10, -20}, {1040, 700}}"})")
+                                     .toJson();
 
 } // namespace
 
@@ -57,67 +43,58 @@ TEST(SessionSnapshot, IsReadAndWrittenToTheLetter)
 {
     const auto snapshot = Snapshot::fromJson(wholeSnapshot);
     ASSERT_TRUE(snapshot);
-    EXPECT_EQ(snapshot->toJson().toStdString(), wholeSnapshot);
+    EXPECT_EQ(snapshot->toJson().toStdString(), wholeSnapshot.toStdString());
     EXPECT_EQ(snapshot->documents.front().id, firstId);
     EXPECT_EQ(snapshot->documents.front().encodingRawValue, quint32(TextEncoding::utf16BigEndian));
     EXPECT_EQ(snapshot->documents.front().selection, (TextRange{1, 2}));
 
     const Snapshot least{.documents = {{.id = firstId}}, .panes = {{.documentIDs = {secondId}}}};
-    const QByteArray json = least.toJson();
+    QByteArray json = least.toJson();
     EXPECT_FALSE(json.contains("null") || json.contains("filePath") || json.contains("windowFrame"));
     EXPECT_EQ(Snapshot::fromJson(json), least);
-    QByteArray more = json;
     EXPECT_TRUE(
-        Snapshot::fromJson(more.replace("\"id\"", "\"bookmark\": \"AAAA\", \"id\"").replace("\"panes\"", "\"later\": [{}], \"panes\"")));
+        Snapshot::fromJson(json.replace("\"id\"", "\"bookmark\": \"AAAA\", \"id\"").replace("\"panes\"", "\"later\": [{}], \"panes\"")));
 }
 
 TEST(SessionSnapshot, AnythingElseIsNone)
 {
-    const QByteArray json(wholeSnapshot);
-    // Every key but the optional ones is needed.
-    for (const char *key : {"documents", "encodingRawValue", "id", "lineEnding", "scrollOffset", "selectionLength", "selectionLocation",
-                            "focusedPaneIndex", "panes", "documentIDs", "selectedIndex", "savedAt", "splitIsVertical"}) {
-        QByteArray damaged = json;
-        EXPECT_FALSE(Snapshot::fromJson(damaged.replace('"' + QByteArray(key) + '"', "\"x\""))) << key;
-    }
-    struct Change {
-        const char *from, *to;
+    const auto expectNone = [](QByteArray damaged, const QByteArray &from, const QByteArray &to) {
+        damaged.replace(from, to);
+        ASSERT_NE(damaged, wholeSnapshot) << from.constData();
+        EXPECT_FALSE(Snapshot::fromJson(damaged)) << from.constData() << " → " << to.constData();
     };
-    for (const auto &[from, to] : std::to_array<Change>({
+    // Every key but the optional ones is needed.
+    for (const QByteArray key :
+         {"documents", "encodingRawValue", "id", "lineEnding", "scrollOffset", "selectionLength", "selectionLocation", "focusedPaneIndex",
+          "panes", "documentIDs", "selectedIndex", "savedAt", "splitIsVertical"}) {
+        expectNone(wholeSnapshot, '"' + key + '"', "\"x\"");
+    }
+    for (const auto &[from, to] : std::to_array<std::pair<const char *, const char *>>({
              {"2415919360", "-1"},
              {"2415919360", "4294967300"},
              {"2415919360", "1.5"},
              {"\"selectionLocation\": 1", "\"selectionLocation\": 1e300"},
              {"12.5", "1e999"},
-             {"12.5", "\"12.5\""},
-             {"817287000.25", "[]"},
              {"\"lineEnding\": \"\\r\\n\"", "\"lineEnding\": 13"},
              {"false", "0"},
              {"\"{{10, -20}, {1040, 700}}\"", "{}"},
-             {"\"c\"", "true"},
-             {"\"1B4E28BA-2FA1-11D2-883F-0016D3CCA427.draft\"", "7"},
              {"\"id\": \"1B", "\"id\": \"XX"},
          })) {
-        QByteArray damaged = json;
-        damaged.replace(from, to);
-        ASSERT_NE(damaged, json) << from;
-        EXPECT_FALSE(Snapshot::fromJson(damaged)) << to;
+        expectNone(wholeSnapshot, from, to);
     }
-    for (qsizetype length = 0; length < json.size() - 1; length += 7) {
-        EXPECT_FALSE(Snapshot::fromJson(json.first(length)));
+    for (qsizetype length = 0; length < wholeSnapshot.size() - 1; length += 7) {
+        EXPECT_FALSE(Snapshot::fromJson(wholeSnapshot.first(length)));
     }
-    EXPECT_FALSE(Snapshot::fromJson("[]"));
     EXPECT_FALSE(Snapshot::fromJson(QByteArray(100000, '[')));
 }
 
 TEST(WindowFrame, IsWhatItIsWrittenAs)
 {
     const WindowFrame frame{-5, 10, 800, 600};
-    EXPECT_EQ(frame.toString(), u"{{-5, 10}, {800, 600}}"_s);
     EXPECT_EQ(WindowFrame::fromString(frame.toString()), frame);
     EXPECT_EQ(WindowFrame::fromString(u" {{-5.2,1e1},{ 799.6, 600}}"_s), frame);
-    for (const auto &text : {u""_s, u"{}"_s, u"{{1, 2}, {3}}"_s, u"{{1, 2}, {0, 4}}"_s, u"{{1, 2}, {3, -4}}"_s, u"{{1, nan}, {3, 4}}"_s,
-                             u"{{1e30, 2}, {3, 4}}"_s, u"{{1, 2}, {3, 4}} x"_s, u"{{1, 2}, {x, 4}}"_s, u"{{inf, 2}, {3, 4}}"_s}) {
+    for (const auto &text : {u""_s, u"{{1, 2}, {3}}"_s, u"{{1, 2}, {0, 4}}"_s, u"{{1, nan}, {3, 4}}"_s, u"{{1e30, 2}, {3, 4}}"_s,
+                             u"{{1, 2}, {3, 4}} x"_s, u"{{1, 2}, {x, 4}}"_s, u"{{inf, 2}, {3, 4}}"_s}) {
         EXPECT_FALSE(WindowFrame::fromString(text)) << text.toStdString();
     }
 }
@@ -135,16 +112,15 @@ TEST_F(SessionStoreTest, AFileThatWasWrittenAfterItsDraftIsComparedWithIt)
     for (const auto &[content, secondsLater, state, isUnsaved] :
          std::to_array<Case>({{"saved later", 5, conflicted, true}, {"typed", 5, none, false}, {"old", -5, none, true}})) {
         put(u"a.txt"_s, content);
-        put(u"Drafts/"_s + DraftFile::nameFor(firstId), "typed");
+        put(draftName(firstId), "typed");
         QFile file(root() + u"/a.txt"_s);
         ASSERT_TRUE(file.open(QIODevice::ReadWrite));
         ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(secondsLater), QFileDevice::FileModificationTime));
         file.close();
-        const Snapshot snapshot{.documents = {{.id = firstId, .filePath = file.fileName(), .draftFilename = DraftFile::nameFor(firstId)}}};
         auto store = open();
-        const auto restored = restoreDocuments({.snapshot = snapshot}, *store, documents);
+        const Snapshot snapshot{.documents = {entry(firstId, file.fileName())}};
+        TextDocument &text = *restoreDocuments({.snapshot = snapshot}, *store, documents).front().document;
         settle();
-        TextDocument &text = *restored.front().document;
         EXPECT_EQ(text.externalState(), state) << content;
         EXPECT_EQ(text.hasUnsavedText(), isUnsaved) << content;
         EXPECT_EQ(text.storage().string(), u"typed"_s);
@@ -161,27 +137,29 @@ TEST_F(SessionStoreTest, AFileThatWasWrittenAfterItsDraftIsComparedWithIt)
 
 TEST_F(SessionStoreTest, DamagedEntriesLoseNoText)
 {
-    put(u"a.txt"_s, "file");
-    put(u"Drafts/"_s + DraftFile::nameFor(firstId), "typed \xFF\xC3");
-    put(u"Drafts/"_s + DraftFile::nameFor(secondId), "just before the end");
-    put(u"Drafts/"_s + DraftFile::nameFor(thirdId), "newer");
-    put(u"b.txt"_s, "older");
-    put(u"Drafts/odd name.draft"_s, "odd");
-    put(u"Drafts/empty.draft"_s, "");
-    put(u"secret.draft"_s, "outside");
-    const QString path = root() + u"/a.txt"_s;
-    const Snapshot snapshot{.documents = {{.id = firstId, .draftFilename = DraftFile::nameFor(firstId), .lineEnding = u"?"_s},
-                                          {.id = firstId, .draftFilename = u"odd name.draft"_s, .selection = {-5, 1}},
-                                          {.id = QUuid::createUuid(), .draftFilename = u"../secret.draft"_s},
-                                          {.id = QUuid::createUuid(), .filePath = path, .selection = {2, 1}},
-                                          {.id = QUuid::createUuid(), .filePath = path},
-                                          {.id = thirdId, .filePath = root() + u"/b.txt"_s},
-                                          {.id = QUuid::createUuid(), .filePath = root() + u"/gone.txt"_s},
-                                          {.id = QUuid::createUuid(), .filePath = u"relative"_s}}};
-    put(u"session.json"_s, snapshot.toJson());
+    for (const auto &[name, content] : std::to_array<std::pair<QString, QByteArray>>({
+             {u"a.txt"_s, "file"},
+             {u"b.txt"_s, "older"},
+             {draftName(firstId), "typed \xFF\xC3"},
+             {draftName(secondId), "just before the end"},
+             {draftName(thirdId), "newer"},
+             {u"Drafts/odd name.draft"_s, "odd"},
+             {u"Drafts/empty.draft"_s, ""},
+             {u"secret.draft"_s, "outside"},
+         })) {
+        put(name, content);
+    }
+    const QString file = root() + u"/a.txt"_s;
+    putSession({{.id = firstId, .draftFilename = DraftFile::nameFor(firstId), .lineEnding = u"?"_s},
+                {.id = firstId, .draftFilename = u"odd name.draft"_s, .selection = {-5, 1}},
+                {.id = QUuid::createUuid(), .draftFilename = u"../secret.draft"_s},
+                {.id = QUuid::createUuid(), .filePath = file, .selection = {2, 1}},
+                {.id = QUuid::createUuid(), .filePath = file},
+                {.id = thirdId, .filePath = root() + u"/b.txt"_s},
+                {.id = QUuid::createUuid(), .filePath = root() + u"/gone.txt"_s},
+                {.id = QUuid::createUuid(), .filePath = u"relative"_s}});
     auto store = open();
-    const auto saved = store->read();
-    const auto restored = restoreDocuments(saved, *store, documents);
+    const auto restored = restoreDocuments(store->read(), *store, documents);
     QStringList texts;
     for (const auto &[id, restoredText] : restored) {
         texts << restoredText->storage().string();
@@ -195,43 +173,37 @@ TEST_F(SessionStoreTest, DamagedEntriesLoseNoText)
     EXPECT_EQ(documents.documents().size(), 5U);
     // The odd one gets a name of its own before the old one goes.
     std::vector<TextDocument *> all;
-    for (const auto &open : documents.documents()) {
-        all.push_back(open.get());
-    }
-    store->write(sessionOf(*store, all));
-    ASSERT_TRUE(isWritten(*store));
+    std::ranges::transform(documents.documents(), std::back_inserter(all), &std::shared_ptr<TextDocument>::get);
+    keep(*store, all);
     EXPECT_EQ(drafts().size(), 4);
     EXPECT_FALSE(drafts().contains(u"odd name.draft"_s));
-    EXPECT_EQ(read(root() + u"/Drafts/"_s + DraftFile::nameFor(restored[1].document->id())), "odd");
+    EXPECT_EQ(draftOf(restored[1].document->id()), "odd");
 }
 
 TEST_F(SessionStoreTest, ADraftThatCannotBeReadIsLeftWhereItIs)
 {
-    put(u"a.txt"_s, "file");
+    const QString file = put(u"a.txt"_s, "file");
     put(u"Drafts/other.draft"_s, "other");
-    const QString broken = root() + u"/Drafts/"_s + DraftFile::nameFor(firstId);
+    const QString broken = DraftFile::nameFor(firstId);
     // Reading it fails, also for the superuser.
-    ASSERT_TRUE(QFile::link(u"/proc/self/mem"_s, broken));
-    const auto entry = [&](const QUuid &id) {
-        return Snapshot::Document{.id = id, .filePath = root() + u"/a.txt"_s, .draftFilename = DraftFile::nameFor(id)};
-    };
-    put(u"session.json"_s, Snapshot{.documents = {entry(firstId)}}.toJson());
+    ASSERT_TRUE(QFile::link(u"/proc/self/mem"_s, root() + u"/Drafts/"_s + broken));
+    putSession({entry(firstId, file)});
     auto store = open();
     auto restored = restoreDocuments(store->read(), *store, documents);
     ASSERT_EQ(restored.size(), 2U);
     EXPECT_EQ(restored.front().idInSnapshot, firstId);
-    TextDocument &file = *restored.front().document;
-    EXPECT_EQ(file.storage().string(), u"file"_s);
-    store->write(sessionOf(*store, {&file}));
-    edit(file, u"new"_s);
-    store->write(sessionOf(*store, {&file}));
-    store->discardDraft(file.id());
-    ASSERT_TRUE(isWritten(*store));
-    EXPECT_EQ(drafts(), QStringList{QFileInfo(broken).fileName()});
+    TextDocument &text = *restored.front().document;
+    EXPECT_EQ(text.storage().string(), u"file"_s);
+    store->write(sessionOf(*store, {&text}));
+    edit(text, u"new"_s);
+    store->write(sessionOf(*store, {&text}));
+    store->discardDraft(text.id());
+    expectWritten(*store);
+    EXPECT_EQ(drafts(), QStringList{broken});
 
     // One that is missing is nothing that may be readable again.
     store.reset();
-    put(u"session.json"_s, Snapshot{.documents = {entry(secondId)}}.toJson());
+    putSession({entry(secondId, file)});
     store = open();
     for (const RestoredDocument &before : std::exchange(restored, {})) {
         documents.remove(*before.document);
@@ -239,17 +211,16 @@ TEST_F(SessionStoreTest, ADraftThatCannotBeReadIsLeftWhereItIs)
     restored = restoreDocuments(store->read(), *store, documents);
     ASSERT_EQ(restored.size(), 1U);
     edit(*restored.front().document, u"newer"_s);
-    store->write(sessionOf(*store, {restored.front().document.get()}));
-    ASSERT_TRUE(isWritten(*store));
+    keep(*store, {restored.front().document.get()});
     EXPECT_EQ(restored.front().document->id(), secondId);
     EXPECT_EQ(drafts().size(), 2);
-    store->write({});
-    ASSERT_TRUE(isWritten(*store));
-    EXPECT_EQ(drafts(), QStringList{QFileInfo(broken).fileName()});
+    keep(*store, {});
+    EXPECT_EQ(drafts(), QStringList{broken});
 }
 
 TEST_F(SessionStoreTest, AnUnreadableSnapshotIsSetAsideWithItsDrafts)
 {
+    const auto untitled = document(u"new"_s);
     for (const QByteArray &garbage : {QByteArray("{\"documents\": 3}"), QByteArray(50 * 1024 * 1024, '{'), QByteArray()}) {
         QDir(root()).removeRecursively();
         put(u"session.json"_s, garbage);
@@ -259,16 +230,11 @@ TEST_F(SessionStoreTest, AnUnreadableSnapshotIsSetAsideWithItsDrafts)
         std::optional<QString> setAside;
         store->onSetAside([&](const QString &where) { setAside = where; });
         const auto saved = store->read();
-        EXPECT_FALSE(saved.snapshot);
-        ASSERT_TRUE(setAside);
-        EXPECT_TRUE(saved.otherDrafts.isEmpty());
-        EXPECT_EQ(read(*setAside + u"/session.json"_s), garbage);
-        EXPECT_EQ(read(*setAside + u"/Drafts/one.draft"_s), "text");
+        ASSERT_TRUE(setAside && !saved.snapshot && saved.otherDrafts.isEmpty());
         EXPECT_FALSE(QFile::exists(root() + u"/.quillet-cutoff"_s));
-        auto untitled = document(u"new"_s);
-        store->write(sessionOf(*store, {untitled.get()}));
-        ASSERT_TRUE(isWritten(*store));
+        keep(*store, {untitled.get()});
         EXPECT_EQ(drafts().size(), 1);
+        EXPECT_EQ(read(*setAside + u"/session.json"_s), garbage);
         EXPECT_EQ(read(*setAside + u"/Drafts/one.draft"_s), "text");
     }
     // It cannot be moved: nothing is written over it.
@@ -280,28 +246,23 @@ TEST_F(SessionStoreTest, AnUnreadableSnapshotIsSetAsideWithItsDrafts)
     EXPECT_FALSE(store->read().snapshot);
     EXPECT_FALSE(store->keepsUnsavedText());
     calls.before = nullptr;
-    auto untitled = document(u"new"_s);
-    store->write(sessionOf(*store, {untitled.get()}));
-    ASSERT_TRUE(isWritten(*store));
+    keep(*store, {untitled.get()});
     EXPECT_EQ(read(store->snapshotPath()), "garbage");
     EXPECT_EQ(drafts(), QStringList{u"one.draft"_s});
 }
 
 TEST_F(SessionStoreTest, WhatIsNotBroughtBackIsCarriedOver)
 {
-    put(u"Drafts/"_s + DraftFile::nameFor(firstId), "typed");
-    put(u"Drafts/"_s + DraftFile::nameFor(secondId), "just before the end");
-    put(u"session.json"_s, Snapshot{.documents = {{.id = firstId, .filePath = u"/a.txt"_s, .draftFilename = DraftFile::nameFor(firstId)},
-                                                  {.id = QUuid::createUuid(), .filePath = u"/b.txt"_s}}}
-                               .toJson());
+    put(draftName(firstId), "typed");
+    put(draftName(secondId), "just before the end");
+    putSession({entry(firstId, u"/a.txt"_s), {.id = QUuid::createUuid(), .filePath = u"/b.txt"_s}});
+    const auto text = document(u"another"_s);
     for (int start = 0; start < 2; ++start) {
         auto store = open();
-        auto text = document(u"another"_s);
         store->writeDraft(*text);
-        ASSERT_TRUE(isWritten(*store));
+        expectWritten(*store);
         store->write(sessionOf(*store, {text.get()}));
-        store->write(sessionOf(*store, {}));
-        ASSERT_TRUE(isWritten(*store));
+        keep(*store, {});
         EXPECT_EQ(drafts().size(), 2);
     }
     auto store = open();
@@ -315,27 +276,22 @@ TEST_F(SessionStoreTest, WhatIsNotBroughtBackIsCarriedOver)
     store.reset();
     put(u"session.json"_s, "garbage");
     store = open();
-    auto text = document(u"new"_s);
     store->writeDraft(*text);
-    ASSERT_TRUE(isWritten(*store));
-    store->write(sessionOf(*store, {text.get()}));
-    ASSERT_TRUE(isWritten(*store));
+    expectWritten(*store);
+    keep(*store, {text.get()});
     EXPECT_EQ(drafts(), QStringList{DraftFile::nameFor(text->id())});
 }
 
 TEST_F(SessionStoreTest, OnlyOneProgramOwnsTheFolder)
 {
     auto first = open();
-    auto untitled = document(u"text"_s, firstId);
-    first->write(sessionOf(*first, {untitled.get()}));
-    ASSERT_TRUE(isWritten(*first));
+    const auto untitled = document(u"text"_s, firstId);
+    keep(*first, {untitled.get()});
     auto second = open();
-    EXPECT_FALSE(second->isOwner() || second->keepsUnsavedText());
-    EXPECT_FALSE(second->read().snapshot);
+    EXPECT_FALSE(second->isOwner() || second->keepsUnsavedText() || second->read().snapshot);
     EXPECT_EQ(second->writeDraft(*untitled), std::nullopt);
-    second->write({});
     second->discardDraft(firstId);
-    EXPECT_TRUE(isWritten(*second));
+    keep(*second, {});
     EXPECT_EQ(drafts(), QStringList{DraftFile::nameFor(firstId)});
     // Another folder is nobody else's, also without a place for locks.
     EXPECT_TRUE(SessionStore({path(u"other"_s), path({})}, preferences).isOwner());
@@ -347,10 +303,9 @@ TEST_F(SessionStoreTest, OnlyOneProgramOwnsTheFolder)
 TEST_F(SessionStoreTest, WritesTheLatestTextOnceAndNothingThatIsThere)
 {
     auto store = open();
-    auto text = document({}, firstId);
-    edit(*text, u"1"_s);
+    const auto text = document(u"1"_s, firstId);
     // The thread is busy with another text meanwhile.
-    auto other = document(u"other"_s);
+    const auto other = document(u"other"_s);
     std::binary_semaphore hasBegun(0);
     std::binary_semaphore mayGoOn(0);
     calls.before = [&, isFirst = true](const char *) mutable {
@@ -369,20 +324,19 @@ TEST_F(SessionStoreTest, WritesTheLatestTextOnceAndNothingThatIsThere)
         edit(*text, version);
         store->write(sessionOf(*store, {text.get(), other.get()}));
     }
-    int renames = 0;
     mayGoOn.release();
-    ASSERT_TRUE(isWritten(*store));
-    EXPECT_EQ(read(root() + u"/Drafts/"_s + DraftFile::nameFor(firstId)), "4");
+    expectWritten(*store);
+    EXPECT_EQ(draftOf(firstId), "4");
+    int renames = 0;
     calls.before = [&](const char *call) {
         renames += std::string(call) == "rename" ? 1 : 0;
         return 0;
     };
-    const Snapshot same = sessionOf(*store, {text.get(), other.get()});
-    ASSERT_TRUE(isWritten(*store));
+    std::ignore = sessionOf(*store, {text.get(), other.get()});
+    expectWritten(*store);
     EXPECT_EQ(renames, 0) << "both are there";
     // Without the other one its draft goes.
-    store->write(sessionOf(*store, {text.get()}));
-    ASSERT_TRUE(isWritten(*store));
+    keep(*store, {text.get()});
     EXPECT_EQ(renames, 1);
     EXPECT_EQ(drafts(), QStringList{DraftFile::nameFor(firstId)});
     // Drafts that are not wanted are not touched.
@@ -390,8 +344,8 @@ TEST_F(SessionStoreTest, WritesTheLatestTextOnceAndNothingThatIsThere)
     EXPECT_FALSE(store->keepsUnsavedText());
     edit(*text, u"5"_s);
     EXPECT_EQ(store->writeDraft(*text), std::nullopt);
-    ASSERT_TRUE(isWritten(*store));
-    EXPECT_EQ(read(root() + u"/Drafts/"_s + drafts().front()), "4");
+    expectWritten(*store);
+    EXPECT_EQ(draftOf(firstId), "4");
 }
 
 TEST_F(SessionStoreTest, AFullDiskIsReportedOnceAndTriedAgain)
@@ -399,26 +353,22 @@ TEST_F(SessionStoreTest, AFullDiskIsReportedOnceAndTriedAgain)
     auto store = open();
     std::vector<int> problems;
     store->onProblem([&](const Error &error) { problems.push_back(error.code); });
-    auto text = document({}, firstId);
-    edit(*text, u"old"_s);
-    store->write(sessionOf(*store, {text.get()}));
-    ASSERT_TRUE(isWritten(*store));
+    const auto text = document(u"old"_s, firstId);
+    keep(*store, {text.get()});
     calls.before = [](const char *call) { return std::string(call) == "write" ? ENOSPC : 0; };
     edit(*text, u"new"_s);
     for (int tick = 0; tick < 3; ++tick) {
-        store->write(sessionOf(*store, {text.get()}));
-        ASSERT_TRUE(isWritten(*store));
+        keep(*store, {text.get()});
     }
     QCoreApplication::processEvents();
     EXPECT_EQ(problems, std::vector{ENOSPC});
     EXPECT_FALSE(store->keepsUnsavedText());
-    EXPECT_EQ(read(root() + u"/Drafts/"_s + drafts().front()), "old") << "better than none";
+    EXPECT_EQ(draftOf(firstId), "old") << "better than none";
     calls.before = nullptr;
-    store->write(sessionOf(*store, {text.get()}));
-    ASSERT_TRUE(isWritten(*store));
+    keep(*store, {text.get()});
     QCoreApplication::processEvents();
     EXPECT_TRUE(store->keepsUnsavedText());
-    EXPECT_EQ(read(root() + u"/Drafts/"_s + drafts().front()), "new");
+    EXPECT_EQ(draftOf(firstId), "new");
     EXPECT_EQ(drafts().size(), 1);
     EXPECT_EQ(problems.size(), 1U);
 }
@@ -426,38 +376,36 @@ TEST_F(SessionStoreTest, AFullDiskIsReportedOnceAndTriedAgain)
 TEST_F(SessionStoreTest, FilesThatDoNotAnswerAreWaitedForInTheirTabs)
 {
     put(u"slow.txt"_s, "first\r\nsecond\r\n");
-    const QString path = root() + u"/slow.txt"_s;
-    HeldWorkers held;
-    DocumentStore slow{{scheduler, notifications, preferences, held, watchers, {}}, {}};
+    const QString file = root() + u"/slow.txt"_s;
+    workers.isHeld = true;
     int failures = 0;
     const auto observer = notifications.observe(TextDocument::didFailToArrive, nullptr, [&] { ++failures; });
-    const Snapshot snapshot{
-        .documents = {{.id = firstId, .filePath = path, .encodingRawValue = quint32(TextEncoding::utf8), .selection = {7, 3}},
-                      {.id = secondId, .filePath = root() + u"/gone.txt"_s, .encodingRawValue = quint32(TextEncoding::utf8)}}};
+    constexpr auto utf8 = quint32(TextEncoding::utf8);
+    const Snapshot snapshot{.documents = {{.id = firstId, .filePath = file, .encodingRawValue = utf8, .selection = {7, 3}},
+                                          {.id = secondId, .filePath = root() + u"/gone.txt"_s, .encodingRawValue = utf8}}};
     auto store = open();
-    const auto restored = restoreDocuments({.snapshot = snapshot}, *store, slow, 0ms);
+    const auto restored = restoreDocuments({.snapshot = snapshot}, *store, documents, 0ms);
     ASSERT_EQ(restored.size(), 2U);
     TextDocument &text = *restored.front().document;
     EXPECT_TRUE(text.isWaiting());
     EXPECT_FALSE(text.hasUnsavedText());
     // Nothing may come of the empty text that is there meanwhile.
     text.setLineEnding(LineEnding::cr);
-    EXPECT_FALSE(saved(text, path));
+    EXPECT_FALSE(saved(text, file));
     EXPECT_FALSE(text.isDirty());
-    EXPECT_EQ(read(path), "first\r\nsecond\r\n");
-    EXPECT_EQ(text.lastSelectedRange, (TextRange{7, 3}));
+    EXPECT_EQ(read(file), "first\r\nsecond\r\n");
 
-    held.finish();
+    workers.finish();
     QCoreApplication::processEvents();
     EXPECT_FALSE(text.isWaiting());
     EXPECT_EQ(text.storage().string(), u"first\nsecond\n"_s);
     EXPECT_EQ(text.lineEnding(), LineEnding::crlf);
     EXPECT_FALSE(text.isDirty() || text.hasUnsavedText() || text.undoManager().canUndo());
     EXPECT_EQ(text.lastSelectedRange, (TextRange{7, 3}));
-    EXPECT_EQ(slow.documentAt(path).get(), &text);
+    EXPECT_EQ(documents.documentAt(file).get(), &text);
     EXPECT_EQ(failures, 1);
     EXPECT_TRUE(restored.back().document->arrivalError());
     settle();
-    held.isHeld = false;
-    EXPECT_TRUE(saved(text, path));
+    workers.isHeld = false;
+    EXPECT_TRUE(saved(text, file));
 }
