@@ -4,27 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include <string>
-
 using testing::ElementsAre;
-
-TEST(NotificationCenter, DeliversByNameAndObject)
-{
-    NotificationCenter center;
-    std::vector<std::string> heard;
-    const int one = 1;
-    const int other = 2;
-    const auto any = center.observe("A", nullptr, [&](const void *object) { heard.push_back(object == &one ? "any:one" : "any"); });
-    const auto only = center.observe("A", &one, [&] { heard.push_back("one"); });
-    const auto wrongName = center.observe("B", nullptr, [&] { heard.push_back("B"); });
-    center.post("A", &one);
-    EXPECT_THAT(heard, ElementsAre("any:one", "one"));
-    heard.clear();
-    center.post("A", &other);
-    center.post("A", nullptr);
-    center.post("C", nullptr);
-    EXPECT_THAT(heard, ElementsAre("any", "any"));
-}
 
 TEST(NotificationCenter, ObserversComeAndGoDuringADelivery)
 {
