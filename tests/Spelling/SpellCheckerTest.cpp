@@ -3,14 +3,12 @@
 #include "Spelling/SpellChecker.h"
 
 #include "HeldWorkers.h"
+#include "TestFolder.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 using enum SpellChecker::Answer;
@@ -19,12 +17,11 @@ namespace {
 
 const QString data = QStringLiteral(QUILLET_TEST_DATA "/spelling");
 
-class SpellCheckerTest : public testing::Test {
+class SpellCheckerTest : public testing::Test, protected TestFolder {
 protected:
-    [[nodiscard]] std::unique_ptr<SpellChecker> checker(const QStringList &languages = {u"en_US.UTF-8"_s, u"de"_s}) const
+    [[nodiscard]] std::unique_ptr<SpellChecker> checker(const QStringList &languages = {u"en_US.UTF-8"_s, u"de"_s})
     {
-        return std::make_unique<SpellChecker>(const_cast<InlineWorkers &>(workers),
-                                              SpellChecker::Setup{{folder.path(), data}, languages, learned});
+        return std::make_unique<SpellChecker>(workers, SpellChecker::Setup{{path({}), data}, languages, learned});
     }
     [[nodiscard]] static SpellChecker::Answer answer(SpellChecker &checker, const QString &word)
     {
@@ -35,21 +32,15 @@ protected:
         }
         return found;
     }
-    static void write(const QString &path, const QByteArray &bytes)
+    static void expectAnswers(SpellChecker &checker, const QStringList &words, SpellChecker::Answer expected)
     {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-    }
-    [[nodiscard]] QByteArray learnedFile() const
-    {
-        QFile file(learned);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        for (const QString &word : words) {
+            EXPECT_EQ(answer(checker, word), expected) << qPrintable(word);
+        }
     }
 
-    InlineWorkers workers;
-    QTemporaryDir folder;
-    QString learned = folder.filePath(u"settings/Quillet/dictionary.txt"_s);
+    HeldWorkers workers{HeldWorkers::Mode::atOnce};
+    QString learned = path(u"settings/Quillet/dictionary.txt"_s);
 };
 
 } // namespace
@@ -58,16 +49,10 @@ TEST_F(SpellCheckerTest, AsksTheDictionariesOfAllLanguagesInTheirEncodings)
 {
     const auto spelling = checker();
     EXPECT_EQ(spelling->dictionaries(), QStringList({u"en_US"_s, u"de_AT"_s}));
-    struct Case {
-        QString word;
-        SpellChecker::Answer expected;
-    };
-    for (const Case &row : {Case{u"words"_s, correct}, Case{u"Words"_s, correct}, Case{u"wrods"_s, wrong}, Case{u"naïve"_s, correct},
-                            Case{u"Größe"_s, correct}, Case{u"Füsse"_s, wrong}, Case{u"don't"_s, correct}, Case{u"don’t"_s, correct},
-                            // Not in the encoding of one of them, and in no language's script.
-                            Case{u"wœrd"_s, wrong}, Case{u"слово"_s, correct}, Case{u"言葉"_s, correct}}) {
-        EXPECT_EQ(answer(*spelling, row.word), row.expected) << qPrintable(row.word);
-    }
+    expectAnswers(*spelling, {u"words"_s, u"Words"_s, u"naïve"_s, u"Größe"_s, u"don't"_s, u"don’t"_s}, correct);
+    // One is not in the encoding of one of them, others are in no language's script.
+    expectAnswers(*spelling, {u"wrods"_s, u"Füsse"_s, u"wœrd"_s}, wrong);
+    expectAnswers(*spelling, {u"слово"_s, u"言葉"_s}, correct);
     EXPECT_THAT(spelling->suggestions(u"wrod"_s).value_or(QStringList()), testing::Contains(u"word"_s));
     EXPECT_THAT(spelling->suggestions(u"Grösse"_s).value_or(QStringList()), testing::Contains(u"Größe"_s));
 
@@ -77,29 +62,29 @@ TEST_F(SpellCheckerTest, AsksTheDictionariesOfAllLanguagesInTheirEncodings)
 
 TEST_F(SpellCheckerTest, WorksInBatchesBehindTheMainThread)
 {
-    HeldWorkers held;
-    SpellChecker spelling(held, {{data}, {u"en"_s}, {}});
-    const QSignalSpy changes(&spelling, &SpellChecker::answersChanged);
+    const auto spelling = checker({u"en"_s});
+    workers.isHeld = true;
+    const QSignalSpy changes(spelling.get(), &SpellChecker::answersChanged);
     for (const QString &word : {u"word"_s, u"wrod"_s, u"word"_s}) {
-        EXPECT_EQ(spelling.check(word), pending);
-        EXPECT_TRUE(spelling.isCorrect(word));
+        EXPECT_EQ(spelling->check(word), pending);
+        EXPECT_TRUE(spelling->isCorrect(word));
     }
     QCoreApplication::processEvents();
-    EXPECT_EQ(held.count, 1);
-    EXPECT_EQ(spelling.check(u"here"_s), pending); // while the others are on their way
-    held.finish();
+    EXPECT_EQ(workers.count, 1);
+    EXPECT_EQ(spelling->check(u"here"_s), pending); // while the others are on their way
+    workers.finish();
     QCoreApplication::processEvents();
     EXPECT_EQ(changes.count(), 1);
-    EXPECT_EQ(spelling.check(u"wrod"_s), wrong);
+    EXPECT_EQ(spelling->check(u"wrod"_s), wrong);
     QCoreApplication::processEvents();
-    held.finish();
+    workers.finish();
     QCoreApplication::processEvents();
-    EXPECT_EQ(spelling.check(u"here"_s), correct);
-    EXPECT_EQ(held.count, 2);
+    EXPECT_EQ(spelling->check(u"here"_s), correct);
+    EXPECT_EQ(workers.count, 2);
 
-    EXPECT_FALSE(spelling.suggestions(u"wrod"_s));
-    held.finish();
-    EXPECT_THAT(spelling.suggestions(u"wrod"_s).value_or(QStringList()), testing::Contains(u"word"_s));
+    EXPECT_FALSE(spelling->suggestions(u"wrod"_s));
+    workers.finish();
+    EXPECT_THAT(spelling->suggestions(u"wrod"_s).value_or(QStringList()), testing::Contains(u"word"_s));
 }
 
 TEST_F(SpellCheckerTest, ForgetsWhatNobodyAsksForAnyMore)
@@ -124,34 +109,30 @@ TEST_F(SpellCheckerTest, LearnsForGoodAndIgnoresForNow)
 {
     {
         const auto spelling = checker();
-        ASSERT_EQ(answer(*spelling, u"quillet"_s), wrong);
+        expectAnswers(*spelling, {u"quillet"_s}, wrong);
         ASSERT_TRUE(spelling->learn(u"quillet"_s));
         ASSERT_TRUE(spelling->learn(u"quillet"_s));
         spelling->ignore(u"teh"_s);
-        for (const QString &word : {u"quillet"_s, u"Quillet"_s, u"teh"_s}) {
-            EXPECT_EQ(answer(*spelling, word), correct) << qPrintable(word);
-        }
+        expectAnswers(*spelling, {u"quillet"_s, u"Quillet"_s, u"teh"_s}, correct);
     }
-    EXPECT_EQ(learnedFile(), "quillet\n");
+    EXPECT_EQ(read(learned), "quillet\n");
     const auto later = checker();
     EXPECT_EQ(answer(*later, u"quillet"_s), correct);
     EXPECT_EQ(answer(*later, u"teh"_s), wrong);
 
     // What others put into the file meanwhile stays, readable or not, and what is readable counts.
     const QByteArray foreign = "\xFF\xFEjunk\nno word here\nhallo\r\n\nFüsse"_ba;
-    write(learned, foreign);
+    put(learned, foreign);
     ASSERT_TRUE(later->learn(u"teh"_s));
-    EXPECT_EQ(learnedFile(), foreign + "\nteh\n");
+    EXPECT_EQ(read(learned), foreign + "\nteh\n");
     const auto last = checker();
-    for (const QString &word : {u"hallo"_s, u"Füsse"_s, u"teh"_s}) {
-        EXPECT_EQ(answer(*last, word), correct) << qPrintable(word);
-    }
-    EXPECT_EQ(answer(*last, u"junk"_s), wrong);
+    expectAnswers(*last, {u"hallo"_s, u"Füsse"_s, u"teh"_s}, correct);
+    expectAnswers(*last, {u"junk"_s}, wrong);
 }
 
 TEST_F(SpellCheckerTest, SaysWhenAWordCannotBeKept)
 {
-    write(folder.filePath(u"settings"_s), "a file where the folder should be");
+    put(u"settings"_s, "a file where the folder should be");
     const auto spelling = checker();
     const Result<void> outcome = spelling->learn(u"quillet"_s);
     ASSERT_FALSE(outcome);
@@ -167,20 +148,15 @@ TEST_F(SpellCheckerTest, WithoutAUsableDictionaryAllIsCorrect)
     EXPECT_EQ(none->suggestions(u"wrod"_s), QStringList());
 
     // Found, but when they are read it turns out what they are.
-    const auto damaged = [&](const QByteArray &words) {
-        write(folder.filePath(u"fr_FR.aff"_s), "SET UTF-8\n");
-        write(folder.filePath(u"fr_FR.dic"_s), words);
+    put(u"fr_FR.aff"_s, "SET UTF-8\n");
+    for (const char *words : {"", "12\n", "\x7F\x45LF\x02\x01\nword\n"}) {
+        put(u"fr_FR.dic"_s, words);
         const auto spelling = checker({u"fr"_s});
         EXPECT_TRUE(spelling->isAvailable());
-        EXPECT_EQ(answer(*spelling, u"wrod"_s), correct) << words.constData();
-        EXPECT_FALSE(spelling->isAvailable());
-    };
-    damaged("");
-    damaged("12\n");
-    damaged("\x7F"
-            "ELF\x02\x01\nword\n");
-    write(folder.filePath(u"fr_FR.aff"_s), "SET UTF-8\n");
-    write(folder.filePath(u"fr_FR.dic"_s), "1\nmot\n");
+        EXPECT_EQ(answer(*spelling, u"wrod"_s), correct) << words;
+        EXPECT_FALSE(spelling->isAvailable()) << words;
+    }
+    put(u"fr_FR.dic"_s, "1\nmot\n");
     const auto good = checker({u"fr"_s, u"en"_s});
     EXPECT_EQ(answer(*good, u"mot"_s), correct);
     EXPECT_EQ(answer(*good, u"wrod"_s), wrong);
@@ -188,17 +164,15 @@ TEST_F(SpellCheckerTest, WithoutAUsableDictionaryAllIsCorrect)
 
 TEST(SpellDictionaryTest, FindsTheDictionaryOfALanguage)
 {
-    const QTemporaryDir folder;
-    for (const QString &name : {u"de_CH"_s, u"de_DE"_s, u"en_GB"_s, u"fi"_s, u"hyph_sv"_s, u"pt_BR"_s}) {
-        for (const QString &suffix : {u".aff"_s, u".dic"_s}) {
-            QFile file(folder.filePath(name + suffix));
-            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        }
+    const TestFolder folder;
+    folder.put(u"en_GB.dic"_s, {});
+    for (const QString &name : {u"de_CH"_s, u"de_DE"_s, u"fi"_s, u"hyph_sv"_s, u"pt_BR"_s}) {
+        folder.put(name + u".aff"_s, {});
+        folder.put(name + u".dic"_s, {});
     }
-    ASSERT_TRUE(QFile::remove(folder.filePath(u"en_GB.aff"_s)));
     const auto namesFor = [&](const QStringList &languages) {
         QStringList names;
-        for (const auto &files : SpellDictionary::installed({folder.path(), data}, languages)) {
+        for (const auto &files : SpellDictionary::installed({folder.path({}), data}, languages)) {
             names << files.name;
         }
         return names;
