@@ -31,45 +31,29 @@ def shortened(text):
     return text if len(text) <= 80 else text[:50] + "…" + text[-25:]
 
 
-def difference(got, wanted, place=""):
-    """The first one there is."""
-    if isinstance(got, dict) and isinstance(wanted, dict):
-        for key in sorted(got.keys() | wanted.keys()):
-            if got.get(key) != wanted.get(key):
-                return difference(got.get(key), wanted.get(key), f"{place} {key}")
-    return f"{shortened(got)} instead of {shortened(wanted)} at{place}"
-
-
 class State:
     """What the program shows. The session is that of the window in front, at the end that of the last one."""
 
     def __init__(self, answer):
         self.windows = answer["windows"]
-        self.front = answer["front"]
+        self.number = answer["front"]
+        self.front = self.windows[self.number]
         self.question = answer.get("question")
         self.texts = {}
         for window in self.windows:
             self.texts.update(window["texts"])
 
-    def pane(self):
-        window = self.windows[self.front]
-        return window["panes"][window["active"]]
-
     def current(self):
         """Id and text of the tab in front."""
-        pane = self.pane()
-        identity = pane["tabs"][pane["selected"]]
-        return identity, self.texts[identity]
-
-    def tab_count(self):
-        return sum(len(pane["tabs"]) for pane in self.windows[self.front]["panes"])
+        return self.front["current"], self.texts[self.front["current"]]
 
     def may_close_window(self):
         """Without a question."""
-        texts = self.windows[self.front]["texts"].values()
+        texts = self.front["texts"].values()
         return len(self.windows) > 1 and not any(text["isUnsaved"] or text["isDirty"] for text in texts)
 
     def comes_back(self, identity):
+        """All do but empty ones without a file."""
         return bool(self.texts[identity]["path"] or self.texts[identity]["text"])
 
     def in_session(self, number):
@@ -78,32 +62,8 @@ class State:
         return {identity: text for identity, text in self.texts.items() if identity in window["texts"] or text["isUnsaved"]}
 
     def wanted(self, number=0):
-        """With that window as the session, what has to come back: all but empty tabs without a file."""
-        window = self.windows[number]
-        panes, active = [], 0
-        for index, pane in enumerate(window["panes"]):
-            tabs = [identity for identity in pane["tabs"] if self.comes_back(identity)]
-            if tabs:
-                selected = pane["tabs"][pane["selected"]]
-                active = len(panes) if index == window["active"] else active
-                panes.append({"tabs": tabs, "selected": tabs.index(selected) if selected in tabs else 0})
-        # Of a selection its beginning comes back.
-        texts = {identity: {"path": text["path"], "text": text["text"], "caret": text["range"][0], "scroll": text["scroll"]}
-                 for identity, text in self.in_session(number).items() if self.comes_back(identity)}
-        if not texts:
-            return {}
-        if texts.keys() - window["texts"].keys():
-            # Texts of other windows come to its tabs.
-            return {"texts": texts, "size": window["size"]}
-        # What the editors in front show, where their document has one place only.
-        shown = {}
-        for pane in window["panes"]:
-            identity = pane["tabs"][pane["selected"]]
-            places = sum(identity in other["tabs"] for each in self.windows for other in each["panes"])
-            if self.comes_back(identity) and places == 1:
-                shown[identity] = (pane["range"][0], pane["scroll"])
-        return {"panes": panes, "active": active, "isSideBySide": window["isSideBySide"] or len(panes) == 1, "size": window["size"],
-                "texts": texts, "shown": shown}
+        """With that window as the session, path and text of what has to come back."""
+        return {identity: (text["path"], text["text"]) for identity, text in self.in_session(number).items() if self.comes_back(identity)}
 
 
 class Disk:
@@ -135,27 +95,16 @@ class Disk:
         return texts
 
     def holds(self, state):
-        """Everything that was typed, and where."""
-        if not self.session:
-            return False
-        window = state.windows[state.front]
-        panes = [([identity.lower() for identity in pane["documentIDs"]], pane["selectedIndex"]) for pane in self.session["panes"]]
-        if panes != [(pane["tabs"], pane["selected"]) for pane in window["panes"]]:
-            return False
-        if (self.session["focusedPaneIndex"], self.session["splitIsVertical"]) != (window["active"], window["isSideBySide"]):
-            return False
-        entries = {entry["id"].lower(): entry for entry in self.session["documents"]}
-        texts = state.in_session(state.front)
-        if entries.keys() != texts.keys():
-            return False
-        drafts = {name for name in (entry.get("draftFilename") for entry in entries.values()) if name}
-        if drafts != self.drafts.keys():
+        """Everything that was typed."""
+        entries = {entry["id"].lower(): entry for entry in self.session["documents"]} if self.session else {}
+        texts = state.in_session(state.number)
+        drafts = {entry["draftFilename"] for entry in entries.values() if "draftFilename" in entry}
+        if (entries.keys(), drafts) != (texts.keys(), self.drafts.keys()):
             return False
         for identity, text in texts.items():
             entry = entries[identity]
             kept = self.drafts[entry["draftFilename"]] if "draftFilename" in entry else self.files.get(text["path"], "")
-            place = [entry["selectionLocation"], entry["selectionLength"]], entry["scrollOffset"]
-            if kept != text["text"] or entry.get("filePath", "") != text["path"] or place != (text["range"], text["scroll"]):
+            if (kept, entry.get("filePath", "")) != (text["text"], text["path"]):
                 return False
         return True
 
@@ -175,7 +124,9 @@ class Rounds:
         self.certain = {}
         self.saved = {}
         self.dismissed = set()
-        self.check = lambda state: None
+        # Path and text by id: what has to come back, and whether nothing else may.
+        self.wanted = {}
+        self.is_all = False
         self.slowest = self.slowest_end = 0.0
 
     # What is known of the texts
@@ -211,7 +162,7 @@ class Rounds:
         keys = "\n".join(lines)
         state = self.state()
         identity, text = state.current()
-        location, length = state.pane()["range"]
+        location, length = state.front["range"]
         units = text["text"].encode("utf-16-le")
         before, after = units[:2 * location].decode("utf-16-le"), units[2 * (location + length):].decode("utf-16-le")
         self.versions[identity] += [before + keys[:count] + after for count in range(1, len(keys) + 1)]
@@ -246,7 +197,7 @@ class Rounds:
         steps = ((30, lambda: ask(self.typing())), (6, lambda: ask("do newDocument:")),
                  (5, lambda: ask(f"open {self.random.choice(self.openable)}")), (14, lambda: ask(f"keys {keys}")),
                  (8, lambda: ask(f"do {split}")), (8, lambda: ask(f"do {tab}")), (8, lambda: ask("do undo:")), (3, lambda: ask("do redo:")),
-                 (8, self.save), (8 + 4 * max(0, before.tab_count() - 6), self.close), (2, self.settle),
+                 (8, self.save), (8 + 4 * max(0, before.front["tabCount"] - 6), self.close), (2, self.settle),
                  (5 if len(before.windows) < 3 else 0, lambda: ask("do newWindow:")),
                  (8 if len(before.windows) > 1 else 0, lambda: ask(f"front {self.random.randrange(len(before.windows))}")),
                  (10 if before.may_close_window() else 0, lambda: ask("do performClose:")))
@@ -266,13 +217,13 @@ class Rounds:
             return state if Disk(self.home).holds(state) else None
         state = until("what was typed to be written", settled)
         self.slowest = max(self.slowest, time.monotonic() - begin)
-        self.note_certain(state, state.front)
+        self.note_certain(state, state.number)
         return state
 
     def kill_settled(self):
         state = self.settle()
         self.driven.kill()
-        self.expect_all(state.wanted(state.front))
+        self.wanted, self.is_all = state.wanted(state.number), True
 
     def terminate(self):
         state = self.state()
@@ -281,7 +232,7 @@ class Rounds:
         require(took < self.timeout, f"told to end, it took {took:.2f} s")
         self.slowest_end = max(self.slowest_end, took)
         self.note_certain(state, -1)
-        self.expect_all(state.wanted(-1))
+        self.wanted, self.is_all = state.wanted(-1), True
 
     def look_on(self, most):
         """For a moment, which is longer where everything takes longer."""
@@ -319,33 +270,17 @@ class Rounds:
 
     def kill(self):
         self.driven.freeze()
-        disk = Disk(self.home)
+        self.wanted, self.is_all = Disk(self.home).wanted(), False
         self.driven.kill()
-        self.expect_disk(disk)
 
     # What comes back
 
-    def expect_all(self, wanted):
-        def check(found):
-            for key, value in wanted.items():
-                got = found.wanted().get(key)
-                if key == "shown":
-                    got = {identity: got[identity] for identity in got if identity in value}
-                require(got == value, f"{key}: {difference(got, value)}")
-            require(wanted or not found.wanted(), f"came back without being kept: {found.texts}")
-        self.check = check
-
-    def expect_disk(self, disk):
-        wanted = disk.wanted()
-
-        def check(found):
-            for identity, (path, text) in wanted.items():
-                require(identity in found.texts, f"on disk, not back: {shortened(text)} {path}")
-                got = found.texts[identity]
-                require((got["path"], got["text"]) == (path, text), f"{shortened(got['text'])} instead of {shortened(text)} {path}")
-        self.check = check
-
-    def check_texts(self, found):
+    def check(self, found):
+        for identity, (path, text) in self.wanted.items():
+            require(identity in found.texts, f"on disk, not back: {shortened(text)} {path}")
+            got = found.texts[identity]
+            require((got["path"], got["text"]) == (path, text), f"{shortened(got['text'])} instead of {shortened(text)} {path}")
+        require(not self.is_all or found.wanted().keys() == self.wanted.keys(), f"came back without being kept: {found.texts}")
         files = self.home.file_texts()
         for identity, index in self.certain.items():
             require(identity in found.texts, f"lost: {shortened(self.versions[identity][index])}")
@@ -378,7 +313,6 @@ class Rounds:
             try:
                 require(not state.question, f"the program asks: {state.question}")
                 self.check(state)
-                self.check_texts(state)
                 return state
             except Loss as loss:
                 problem = loss

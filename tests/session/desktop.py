@@ -118,10 +118,6 @@ class Desktop:
     def start_program(self, *arguments):
         self.started = self.start(self.program, *map(str, arguments), stderr=self.log, cwd=self.files)
 
-    def version(self):
-        """As the program names itself."""
-        return subprocess.run((self.program, "--version"), env=self.environment, capture_output=True, text=True, check=True).stdout.strip()
-
     def exit_code(self):
         """Waits for the program to end."""
         return self.started.wait(timeout=TIMEOUT)

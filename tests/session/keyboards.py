@@ -10,6 +10,7 @@ from desktop import TOOLS, Desktop, arguments_of, need
 from keyboard import Keyboard
 
 CODE = "one\n    two\n# three\n"
+PANES = "<C-\\><C-End>3<C-A-\\>4<C-\\><C-End>5<C-A-]>6<C-A-]><C-A-\\>"
 
 # Layout, the text before, the keys as a US keyboard has them, and the text after. Where a case begins, the caret is at the start.
 TYPING = (
@@ -30,6 +31,9 @@ TYPING = (
     ("de", CODE, "<C-'><C-'><Down><C-;>", "        one\ntwo\n# three\n"),
     ("de", CODE, "x<C-y>y<Del><C-y><C-S-y>", "zne\n    two\n# three\n"),
     ("us/intl", CODE, "<C-S-d><C-a><C-c><C-End><C-v>z<C-z>", ("one\n" + CODE) * 2),
+    # Each pane has its caret: the keys split it, go to the next one and close it again.
+    ("de", "12", "<C-Extra><C-End>3<C-A-Extra>4<C-Extra><C-End>5<C-A-'>6<C-A-'><C-A-Extra>", "461235"),
+    *((layout, "12", PANES, "461235") for layout in ("us/intl", "us,ru", "gr")),
 )
 FOREIGN_SHORTCUTS = (
     (CODE, "<C-]><Down><C-[><C-/>", "    one\n# two\n# three\n"),
@@ -135,90 +139,6 @@ def failures(arguments, cases, settings="", prepare=lambda desktop: None):
         return Rounds(desktop, cases).run()
 
 
-class Commands:
-    """The commands of the menus whose work is not to be seen in the text, with the keys of several layouts."""
-    SIGNS = {"split right": "<C-\\>", "split down": "<C-S-\\>", "close split": "<C-A-\\>", "next pane": "<C-A-]>", "bigger": "<C-=>",
-             "smaller": "<C-->", "spelling": "<C-S-;>"}
-    GERMAN = {"split right": "<C-Extra>", "split down": "<C-S-Extra>", "close split": "<C-A-Extra>", "next pane": "<C-A-'>", "bigger": "<C-]>",
-              "smaller": "<C-/>", "spelling": "<C-S-.>"}
-    # A dead key is composed before anyone hears of it, Control or not.
-    GREEK = SIGNS | {"spelling": None}
-    LAYOUTS = {"de": GERMAN, "us/intl": SIGNS, "us,ru": SIGNS, "gr": GREEK}
-
-    def __init__(self, desktop):
-        self.desktop = desktop
-        for name in ("one.txt", "two.txt"):
-            (desktop.files / name).write_text(name + "\n")
-
-    def run(self):
-        desktop = self.desktop
-        desktop.start_program("one.txt", "two.txt")
-        desktop.until_title(title("two.txt"))
-        self.keyboard = Keyboard(desktop)
-        for layout, keys in self.LAYOUTS.items():
-            self.layout = layout
-            self.keyboard.use(layout)
-            self.press("<C-1>", "one.txt")
-            self.tabs_and_windows(keys)
-            self.panes(keys)
-            self.settings(keys)
-            self.keyboard.press("<C-A-b>")
-            self.expect("a backup", lambda: len(list(desktop.files.glob("one *.txt"))) > 0)
-            for file in desktop.files.glob("one *.txt"):
-                file.unlink()
-        self.keyboard.press("<C-q>")
-        self.expect("the program to end", lambda: desktop.started.poll() == 0)
-        if complaints := desktop.complaints():
-            raise AssertionError(complaints)
-
-    def expect(self, what, condition):
-        try:
-            self.desktop.until(what, condition)
-        except AssertionError as error:
-            raise AssertionError(f"{self.layout}: {error}") from error
-
-    def press(self, keys, name):
-        """Keys that bring `name` to the front."""
-        self.keyboard.press(keys)
-        self.expect(f"{keys} to lead to {name}", lambda: self.desktop.title() == title(name))
-
-    def panes(self, keys):
-        for split in ("split right", "split down"):
-            self.keyboard.press(keys[split])
-            # Now the other pane has both tabs.
-            self.press(keys["next pane"] + "<C-2>", "two.txt")
-            self.press(keys["next pane"], "one.txt")
-            self.press(keys["close split"], "two.txt")
-            self.press("<C-S-Tab>", "one.txt")
-
-    def window(self, keys, *back):
-        """Keys that bring up a window, and those that close it."""
-        desktop = self.desktop
-        front = desktop.front()
-        self.keyboard.press(keys)
-        self.expect(f"{keys} to bring up a window", lambda: desktop.front() not in ("", front))
-        self.keyboard.press(*back)
-        self.expect(f"{back} to close it", lambda: desktop.front() == front)
-
-    def tabs_and_windows(self, keys):
-        self.press("<C-t>", "Untitled")
-        self.press("<C-w><C-1>", "one.txt")
-        self.window("<C-,>", "<C-w>")
-        self.window("<C-S-n>", "<C-S-w>")
-        self.window("<C-o>", "<Esc>")
-        self.window("<C-S-s>", "<Esc>")
-        self.window("<C-l>", "<Esc>")
-        if keys["spelling"]:
-            self.window(keys["spelling"], "<Esc>")
-
-    def settings(self, keys):
-        stored = self.desktop.path / "config" / "Quillet" / "Quillet.conf"
-        for chord in ("<C-A-l>", "<C-A-w>", "<C-A-i>", keys["bigger"], keys["smaller"], keys["bigger"], "<C-0>"):
-            before = stored.read_text()
-            self.keyboard.press(chord)
-            self.expect(f"{chord} to be kept", lambda: stored.read_text() != before)
-
-
 def main():
     arguments = arguments_of(__doc__, only="")
     need(TOOLS)
@@ -227,9 +147,6 @@ def main():
                                      ("editor.vimMode=true\neditor.vimKeymapPreset=lazyvim\n", (), FOREIGN_MAPPED)):
         cases = [Case(*case) for case in local] + [Case(layout, *case) for layout in ("ru", "us,gr") for case in foreign]
         failed += failures(arguments, cases, settings)
-    if not arguments.only:
-        with Desktop(arguments.program, arguments.pictures, settings="editor.showsLineNumbers=true\n") as desktop:
-            Commands(desktop).run()
     return 1 if failed else 0
 
 

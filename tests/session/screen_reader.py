@@ -6,7 +6,7 @@ import pathlib
 import sys
 import warnings
 
-from desktop import TOOLS, Desktop, arguments_of, expect, need
+from desktop import Desktop
 
 BUS_SERVICE = pathlib.Path("/usr/share/dbus-1/services/org.a11y.Bus.service")
 
@@ -23,7 +23,7 @@ if not BUS_SERVICE.exists():
 warnings.simplefilter("ignore", DeprecationWarning)
 
 EVENTS = ("object:text-changed", "object:text-caret-moved", "object:text-selection-changed", "object:state-changed:focused",
-          "object:state-changed:showing", "object:state-changed:selected", "object:state-changed:checked", "window:activate")
+          "object:state-changed:showing", "object:state-changed:selected")
 
 
 class HeardDesktop(Desktop):
@@ -41,7 +41,6 @@ class HeardDesktop(Desktop):
         bus.call_sync("org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties", "Set", value, None,
                       Gio.DBusCallFlags.NONE, 30000, None)
         self.heard = []
-        self.focused_name = None
         Atspi.init()
         self.listener = Atspi.EventListener.new(self.hear)
         for event in EVENTS:
@@ -50,13 +49,10 @@ class HeardDesktop(Desktop):
 
     def hear(self, event):
         try:
-            name = label_of(event.source)
-            role = event.source.get_role_name()
+            name, role = event.source.get_name(), event.source.get_role_name()
         except GLib.Error:
             return  # Gone meanwhile.
         kind = event.type.removeprefix("object:").removeprefix("state-changed:")
-        if kind == "focused" and event.detail1:
-            self.focused_name = name
         data = event.any_data if isinstance(event.any_data, str) else ""
         self.heard.append((kind, role, name, event.detail1, data))
 
@@ -77,18 +73,12 @@ class HeardDesktop(Desktop):
     def until_heard(self, *wanted):
         """Waits for the events in this order, whatever else there is between them, and forgets all until then."""
         def heard():
-            end = end_in_order(wanted, self.heard)
-            if end:
-                del self.heard[:end]
-            return end
-        self.until_listening(f"{wanted} among what was heard", heard)
-
-    def until_listening(self, what, condition):
-        def listened():
             self.listen()
-            return condition()
+            end = end_in_order(wanted, self.heard)
+            del self.heard[:end]
+            return end
         try:
-            return self.until(what, listened)
+            self.until(f"{wanted} among what was heard", heard)
         except AssertionError:
             print("heard:", *self.heard, sep="\n  ", file=sys.stderr)
             raise
@@ -97,19 +87,11 @@ class HeardDesktop(Desktop):
         """Waits until a screen reader would say this by itself."""
         self.until_heard(("showing", "notification", notice, 1, ""))
 
-    def windows(self):
+    def window(self):
+        """The first one of the program, which is on the bus by now."""
         desktop = Atspi.get_desktop(0)
-        for index in range(desktop.get_child_count()):
-            application = desktop.get_child_at_index(index)
-            if application and application.get_name() == "Quillet":
-                return [application.get_child_at_index(place) for place in range(application.get_child_count())]
-        return []
-
-    def window(self, title=None):
-        """The first one, or the one with this title; waits for it."""
-        def found():
-            return next((window for window in self.windows() if window and title in (None, window.get_name())), None)
-        return self.until_listening(f"the window {title or ''} on the bus", found)
+        applications = [desktop.get_child_at_index(index) for index in range(desktop.get_child_count())]
+        return next(each for each in applications if each and each.get_name() == "Quillet").get_child_at_index(0)
 
 
 def end_in_order(wanted, heard):
@@ -123,30 +105,9 @@ def end_in_order(wanted, heard):
     return place
 
 
-def label_of(node):
-    """As a reader calls it: by what labels it, else by its own name, which is what is chosen for those with a choice."""
-    if node.get_role() == Atspi.Role.COMBO_BOX:
-        for relation in node.get_relation_set():
-            if relation.get_relation_type() == Atspi.RelationType.LABELLED_BY:
-                return relation.get_target(0).get_name()
-    return node.get_name()
-
-
 def below(node):
     for index in range(node.get_child_count()):
         child = node.get_child_at_index(index)
         if child:
             yield child
             yield from below(child)
-
-
-def has(node, state):
-    return node.get_state_set().contains(state)
-
-
-def main(description, run):
-    arguments = arguments_of(description)
-    need(TOOLS)
-    with HeardDesktop(arguments.program, arguments.pictures) as desktop:
-        run(desktop)
-        expect(desktop.complaints(), "", "standard error")

@@ -27,10 +27,9 @@ class WaylandDesktop(Desktop):
     def __init__(self, program, pictures=None, size="1200x800", scale=1):
         super().__init__(program, pictures, size)
         self.scale = scale
-        self.display_size = "2600x1700"
 
     def start_display(self):
-        self.start_x_server(self.display_size)
+        self.start_x_server(self.size)
         self.display = self.environment["DISPLAY"]
         # The compositor refuses to be the superuser's, and nobody else's programs may use another's runtime folder.
         self.run = tempfile.TemporaryDirectory(prefix="quillet-wayland-")
@@ -48,12 +47,13 @@ class WaylandDesktop(Desktop):
             environment.pop(f"XDG_{name}_HOME")
         self.start(*as_user, "sway", "-c", str(configuration), environment=environment)
         self.environment["SWAYSOCK"] = str(self.until("the compositor's socket", lambda: next(run.glob("sway-ipc.*.sock"), None)))
-        self.until("the compositor to answer", lambda: self.outputs())
+        self.until("the compositor to answer", lambda: self.sway("-t", "get_outputs"))
         socket = self.until("the display's socket", lambda: next(run.glob("wayland-?"), None))
         del self.environment["DISPLAY"]
         self.environment |= {"WAYLAND_DISPLAY": str(socket), "QT_QPA_PLATFORM": "wayland"}
         # No window manager of the X display gives the keyboard to the compositor's window, which comes after the root.
-        self.xdotool("windowfocus", "--sync", self.until("the screen's window", self.screens)[0])
+        search = "search", "--onlyvisible", "--maxdepth", 1, "--name", ".*"
+        self.xdotool("windowfocus", "--sync", self.until("the screen's window", lambda: self.ask(*search).split()[1:])[0])
 
     def __exit__(self, *failure):
         super().__exit__(*failure)
@@ -66,9 +66,6 @@ class WaylandDesktop(Desktop):
     def sway(self, *command):
         done = subprocess.run(("swaymsg", *map(str, command)), env=self.environment, capture_output=True, text=True, timeout=TIMEOUT)
         return done.stdout if done.returncode == 0 else ""
-
-    def outputs(self):
-        return json.loads(self.sway("-r", "-t", "get_outputs") or "[]")
 
     def windows(self):
         def below(node):
@@ -101,32 +98,7 @@ class WaylandDesktop(Desktop):
         self.xdotool("mouseup", 1)
 
     def on_display(self, window, x, y):
-        """Of a place in a window on the first screen, in pixels or as shares of its sides."""
+        """Of a place in a window, in pixels or as shares of its sides."""
         place = next(found["rect"] for found in self.windows() if str(found["id"]) == str(window))
         x, y = (int(place[side] * share) if isinstance(share, float) else share for side, share in (("width", x), ("height", y)))
         return int((place["x"] + x) * self.scale), int((place["y"] + y) * self.scale)
-
-    def screens(self):
-        """The windows on the X display, after its root."""
-        return self.ask("search", "--onlyvisible", "--maxdepth", 1, "--name", ".*").split()[1:]
-
-    def add_screen(self, scale):
-        """Beside the first one, on the display and in the user's eyes."""
-        self.sway("create_output")
-        self.until("the second screen", lambda: len(self.screens()) == 2)
-        name = self.until("the second output", lambda: self.outputs()[1:])[0]["name"]
-        width, height = self.size.split("x")
-        self.sway("output", self.outputs()[0]["name"], "position", 0, 0)
-        self.sway("output", name, "resolution", self.size, "scale", scale, "position", width, 0)
-        self.xdotool("windowmove", self.screens()[1], width, 0)
-
-    def move_to_screen(self, window, index):
-        """The keyboard goes with it."""
-        output = sorted(self.outputs(), key=lambda found: found["rect"]["x"])[index]
-        self.sway(f'[con_id={window}] move window to output {output["name"]}')
-        self.sway(f"[con_id={window}] focus, resize set width 90 ppt height 90 ppt, move position center")
-        self.xdotool("windowfocus", "--sync", self.screens()[index])
-        # Which may be smaller than the window.
-        left, width = output["rect"]["x"], output["rect"]["width"]
-        self.until("the window on the other screen", lambda: self.front() == window
-                   and left <= self.focused()["rect"]["x"] + self.focused()["rect"]["width"] / 2 < left + width)

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-FileCopyrightText: 2026 The Quillet authors
 # SPDX-License-Identifier: MIT
-"""What differs under Wayland: both clipboards, drags, a huge selection, screens of several scales.
+"""What differs under Wayland: both clipboards, drags, a huge selection.
 Usage: wayland_session.py PROGRAM [--pictures FOLDER] [--megabytes N]"""
 import subprocess
 
@@ -25,7 +25,6 @@ class WaylandSession(Session):
         self.exchange_with_other_programs()
         self.paste_what_is_selected()
         self.drag_text()
-        self.move_between_screens()
         self.select_everything()
         desktop.keys("ctrl+q")
         expect((desktop.exit_code(), desktop.complaints()), (0, ""), "exit code")
@@ -62,18 +61,6 @@ class WaylandSession(Session):
 
     def row(self, line):
         return FIRST_ROW + (line - 1) * ROW_HEIGHT
-
-    def move_between_screens(self):
-        desktop = self.desktop
-        desktop.add_screen(scale=2)
-        desktop.move_to_screen(self.window, 1)
-        desktop.keys("ctrl+End")
-        desktop.type("there ")
-        desktop.picture("second-screen")
-        desktop.move_to_screen(self.window, 0)
-        desktop.type("and back")
-        desktop.picture("first-screen-again")
-        self.save("one.txt", "Größe oneÄngström 🎈second\nsecond\nthird\nthere and back".encode())
 
     def select_everything(self):
         desktop = self.desktop

@@ -26,11 +26,9 @@
 #include <QMessageBox>
 #include <QSocketNotifier>
 #include <QTest>
-#include <QTimer>
 
 #include <array>
 #include <cstdio>
-#include <deque>
 
 #include <unistd.h>
 
@@ -53,9 +51,8 @@ private:
 
     void readLines();
     void obey(const QString &line);
-    void later(std::function<void()> step) { m_steps.push_back(std::move(step)); }
-    void nextStep();
-    void answer();
+    /// Events are handled between commands, as between keys; more commands have to wait.
+    static void handleEvents() { QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers); }
 
     void type(const QString &text);
     void press(const QString &chord);
@@ -67,15 +64,11 @@ private:
 
     [[nodiscard]] MainWindowController &window() const { return *m_program.delegate().frontmostWindow(); }
     [[nodiscard]] static QDialog *question();
-    [[nodiscard]] static QJsonObject stateOf(const PaneViewController &pane);
     [[nodiscard]] static QJsonObject stateOf(const TextDocument &document);
 
     Program &m_program;
     QSocketNotifier m_input{STDIN_FILENO, QSocketNotifier::Read};
     QByteArray m_unread;
-    /// Events are handled between them, as between keys.
-    std::deque<std::function<void()>> m_steps;
-    bool m_isBusy = false;
     QJsonObject m_answer;
 };
 
@@ -90,23 +83,8 @@ void Driver::readLines()
     }
     m_unread += bytes.first(count);
     for (qsizetype end = m_unread.indexOf('\n'); end >= 0; end = m_unread.indexOf('\n')) {
-        later([this, line = QString::fromUtf8(m_unread.first(end))] { obey(line); });
+        obey(QString::fromUtf8(m_unread.first(end)));
         m_unread = m_unread.sliced(end + 1);
-    }
-    if (!m_isBusy) {
-        m_isBusy = true;
-        nextStep();
-    }
-}
-
-void Driver::nextStep()
-{
-    m_isBusy = !m_steps.empty();
-    if (m_isBusy) {
-        const auto step = std::move(m_steps.front());
-        m_steps.pop_front();
-        step();
-        QTimer::singleShot(0, &m_input, [this] { nextStep(); });
     }
 }
 
@@ -124,17 +102,12 @@ void Driver::obey(const QString &line)
     const QString name = line.section(u' ', 0, 0);
     const auto command = std::ranges::find(commands, QStringView(name), &Command::name);
     if (command == commands.end()) {
-        m_answer.insert("error"_L1, u"unknown command: "_s + line);
-    } else {
-        (this->*command->run)(line.section(u' ', 1));
+        qFatal("unknown command: %s", qPrintable(line));
     }
-    later([this] { answer(); });
-}
-
-void Driver::answer()
-{
-    const QByteArray line = QJsonDocument(std::exchange(m_answer, {})).toJson(QJsonDocument::Compact) + '\n';
-    std::fwrite(line.constData(), 1, size_t(line.size()), stdout);
+    (this->*command->run)(line.section(u' ', 1));
+    handleEvents();
+    const QByteArray answer = QJsonDocument(std::exchange(m_answer, {})).toJson(QJsonDocument::Compact) + '\n';
+    std::fwrite(answer.constData(), 1, size_t(answer.size()), stdout);
     std::fflush(stdout);
 }
 
@@ -143,18 +116,10 @@ void Driver::type(const QString &text)
     QString keys = text;
     keys.replace("\\n"_L1, "\r"_L1);
     for (const QChar character : keys) {
-        later([this, character] {
-            EditorViewController *editor = window().workspace().currentEditor();
-            if (!editor || question()) {
-                m_answer.insert("error"_L1, u"no text to type into"_s);
-                return;
-            }
-            const int key = character == u'\r' ? int(Qt::Key_Return) : int(character.toUpper().unicode());
-            for (const auto kind : {QEvent::KeyPress, QEvent::KeyRelease}) {
-                QKeyEvent event(kind, key, Qt::NoModifier, QString(character));
-                QApplication::sendEvent(&editor->textView(), &event);
-            }
-        });
+        const int key = character == u'\r' ? int(Qt::Key_Return) : int(character.toUpper().unicode());
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, QString(character));
+        QApplication::sendEvent(&window().workspace().currentEditor()->textView(), &event);
+        handleEvents();
     }
 }
 
@@ -167,9 +132,7 @@ void Driver::perform(const QString &selector)
 {
     const QByteArray name = selector.toLatin1();
     const Action *action = Actions::named({name.constData(), size_t(name.size())});
-    if (!action || !window().firstResponder().perform(*action)) {
-        m_answer.insert("error"_L1, u"nobody takes "_s + selector);
-    }
+    std::ignore = action && window().firstResponder().perform(*action);
 }
 
 QDialog *Driver::question()
@@ -193,66 +156,38 @@ void Driver::answerQuestion(const QString &words)
     const auto buttons = dialog ? dialog->findChildren<QAbstractButton *>() : QList<QAbstractButton *>();
     const auto button = std::ranges::find_if(buttons, [&](const QAbstractButton *each) { return each->text().remove(u'&') == words; });
     if (button == buttons.end()) {
-        m_answer.insert("error"_L1, u"no such button: "_s + words);
-    } else {
-        (*button)->click();
+        qFatal("no such button: %s", qPrintable(words));
     }
-}
-
-QJsonObject Driver::stateOf(const PaneViewController &pane)
-{
-    QJsonArray tabs;
-    for (const auto &document : pane.documents()) {
-        tabs << document->id().toString(QUuid::WithoutBraces);
-    }
-    EditorTextView &view = pane.currentEditor()->textView();
-    const TextRange selection = view.selection().range();
-    return {{"tabs"_L1, tabs},
-            {"selected"_L1, pane.selectedIndex()},
-            {"range"_L1, QJsonArray{selection.location, selection.length}},
-            {"scroll"_L1, view.scrollOffset()}};
+    (*button)->click();
 }
 
 QJsonObject Driver::stateOf(const TextDocument &document)
 {
-    const TextRange range = document.lastSelectedRange;
     return {{"path"_L1, document.path()},
             {"isDirty"_L1, document.isDirty()},
             {"isConflicted"_L1, document.externalState() == TextDocument::ExternalState::conflicted},
             {"isUnsaved"_L1, document.hasUnsavedText()},
-            {"text"_L1, document.storage().string()},
-            {"range"_L1, QJsonArray{range.location, range.length}},
-            {"scroll"_L1, document.lastScrollOffset}};
+            {"text"_L1, document.storage().string()}};
 }
 
 void Driver::reportState(const QString &)
 {
     QJsonArray windows;
-    // Of a text in several of them, where it was looked at last.
-    for (MainWindowController *each : m_program.delegate().windows()) {
-        each->workspace().rememberPlaces();
-    }
-    window().workspace().rememberPlaces();
     for (MainWindowController *each : m_program.delegate().windows()) {
         WorkspaceViewController &workspace = each->workspace();
-        QJsonArray panes;
-        qsizetype active = 0;
-        for (PaneViewController *pane : workspace.panes()) {
-            active = pane->isActive() ? panes.size() : active;
-            panes << stateOf(*pane);
-        }
         QJsonObject texts;
         for (const auto &document : workspace.paneLayout().documents()) {
             texts.insert(document->id().toString(QUuid::WithoutBraces), stateOf(*document));
         }
+        EditorViewController &editor = *workspace.currentEditor();
+        const TextRange selection = editor.textView().selection().range();
         if (each == &window()) {
             m_answer.insert("front"_L1, windows.size());
         }
-        windows << QJsonObject{{"panes"_L1, panes},
-                               {"active"_L1, active},
-                               {"isSideBySide"_L1, workspace.paneLayout().orientation() == Qt::Horizontal},
-                               {"size"_L1, QJsonArray{each->width(), each->height()}},
-                               {"texts"_L1, texts}};
+        windows << QJsonObject{{"texts"_L1, texts},
+                               {"tabCount"_L1, workspace.paneLayout().tabCount()},
+                               {"current"_L1, editor.document().id().toString(QUuid::WithoutBraces)},
+                               {"range"_L1, QJsonArray{selection.location, selection.length}}};
     }
     m_answer.insert("windows"_L1, windows);
     if (const QDialog *dialog = question()) {
