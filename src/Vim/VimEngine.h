@@ -105,7 +105,6 @@ private:
     enum class KeyPlace { plain, withControl, afterG, afterZ, afterWindow, anyMode };
     struct KeyRow;
     struct NavigationRow;
-    friend struct VimTables;
 
     // Keys
     bool handleKey(const VimKeyEvent &event);

@@ -3,46 +3,12 @@
 #include "Vim/VimReference.h"
 #include "Base/Localization.h"
 #include "Base/Translation.h"
-#include "Vim/VimExCommands.h"
-#include "Vim/VimSubstitution.h"
-#include "VimFixture.h"
+#include "Settings/Settings.h"
+#include "Vim/VimKeymap.h"
+
+#include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-bool isCommand(const QString &typed)
-{
-    ManualScheduler scheduler;
-    NotificationCenter notifications;
-    DefaultsStore defaults{QString(), scheduler};
-    Preferences preferences{defaults, notifications};
-    const QString word = typed.section(u' ', 0, 0);
-    const QString argument = typed.section(u' ', 1);
-    const VimExCommand *command = VimExCommand::named(word);
-    if (typed == u"{number}"_s || VimSubstitution::isOne(typed)) {
-        return typed == u"{number}"_s || VimSubstitution::parse(typed);
-    }
-    if (command && std::holds_alternative<VimExCommand::Set>(command->function)) {
-        return applyExOption(argument, preferences);
-    }
-    return command && argument.isEmpty() != (argument == u"{file}"_s);
-}
-
-} // namespace
-
-TEST(VimReference, NamesCommandsAndOptionsThatThereAre)
-{
-    for (const VimReference::Section &section : VimReference::sections()) {
-        for (const VimReference::Row &row : section.rows) {
-            for (const QString &key : row.keys) {
-                EXPECT_TRUE(!key.startsWith(u':') || key.size() == 1 || isCommand(key.sliced(1))) << key.toStdString();
-            }
-        }
-    }
-    EXPECT_FALSE(isCommand(u"new"_s));
-    EXPECT_FALSE(isCommand(u"set width"_s));
-}
 
 /// Texts of one word too, which look like no text in the code.
 TEST(VimReference, IsAllInGerman)
@@ -75,19 +41,14 @@ TEST(VimReference, HasColumnsThatLineUp)
         Localization::use(language);
         for (const VimKeymapPreset preset : {VimKeymapPreset::plain, VimKeymapPreset::lazyVim}) {
             const QString markdown = VimReference::markdown(preset);
-            EXPECT_EQ(VimReference::aligningTables(markdown), markdown);
-            EXPECT_EQ(markdown.count(u"\n## "_s), 10);
             const QStringList lines = markdown.split(u'\n');
             for (qsizetype line = 1; line < lines.size(); ++line) {
                 if (lines[line].startsWith(u'|') && lines[line - 1].startsWith(u'|')) {
                     EXPECT_EQ(lines[line].size(), lines[line - 1].size()) << lines[line].toStdString();
                 }
             }
-            const bool isActive = preset == VimKeymapPreset::lazyVim;
-            EXPECT_EQ(markdown.contains(localized(u"Currently active.")), isActive);
-            EXPECT_NE(markdown.contains(localized(u"Not active - choose the LazyVim keymap in Settings ▸ Editing.")), isActive);
+            EXPECT_EQ(markdown.contains(localized(u"Currently active.")), preset == VimKeymapPreset::lazyVim);
             EXPECT_TRUE(markdown.contains(u"| `<leader>\\|` | "_s));
-            EXPECT_TRUE(markdown.contains(u"| `H` · `[b` "_s));
         }
     }
     Localization::use(AppLanguage::english);
