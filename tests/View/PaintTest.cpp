@@ -57,16 +57,6 @@ void keepScrollBars(TextView &view)
     view.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
 }
 
-std::vector<TextRange> marksOf(const TextStorage &storage, TextRange seen)
-{
-    std::vector<TextRange> marks;
-    const QString text = storage.string(seen);
-    for (qsizetype at = text.indexOf(u"o"); at >= 0; at = text.indexOf(u"o", at + 1)) {
-        marks.push_back({seen.location + at, 1});
-    }
-    return marks;
-}
-
 /// How the views of one walk are set up, beyond what can be asked of a view.
 struct Looks {
     TextView::CaretShape caret = TextView::CaretShape::bar;
@@ -78,7 +68,15 @@ struct Looks {
         view.setLook(&TextLooks::caretShape, caret);
         view.setLook(&TextLooks::invisibles, invisibles);
         if (hasMarks) {
-            view.setLook(&TextLooks::marks, [&storage = view.storage()](TextRange seen) { return marksOf(storage, seen); });
+            view.setLook(&TextLooks::marks, [&text = view.storage().text()](TextRange seen) {
+                std::vector<TextRange> marks;
+                for (qsizetype at = seen.location; at < seen.end(); ++at) {
+                    if (text.at(at) == u'o') {
+                        marks.push_back({at, 1});
+                    }
+                }
+                return marks;
+            });
         }
     }
 };
@@ -149,6 +147,7 @@ TEST_P(PaintWalk, AnOldViewLooksLikeANewOne)
                                    u"<C-Down>"_s, u"<Tab>"_s,  u"<C-c>"_s,    u"<C-v>"_s, u" "_s,         u"<C-End>"_s};
     for (int step = 0; step < 120; ++step) {
         QString did;
+        const auto anywhere = [&] { return random.below(fixture.storage.length() + 1); };
         switch (random.below(9)) {
         case 3:
             fixture.view.horizontalScrollBar()->setValue(random.oneIn(2) ? 0 : place(fixture.view.horizontalScrollBar()));
@@ -158,18 +157,14 @@ TEST_P(PaintWalk, AnOldViewLooksLikeANewOne)
             fixture.view.verticalScrollBar()->setValue(place(fixture.view.verticalScrollBar()));
             did = u"scroll"_s;
             break;
-        case 1: {
-            const qsizetype at = TextBoundaries::snapped(fixture.storage.text(), random.below(fixture.storage.length() + 1));
-            other.insertText(random.oneIn(2) ? u"other\nedit" : u"y", {at, 0});
+        case 1:
+            other.insertText(random.oneIn(2) ? u"other\nedit" : u"y", {TextBoundaries::snapped(fixture.storage.text(), anywhere()), 0});
             did = u"edit in another view"_s;
             break;
-        }
         case 2: {
-            const qsizetype at = random.below(fixture.storage.length() + 1);
-            const qsizetype end = std::min<qsizetype>(fixture.storage.length(), at + random.below(60));
-            const StyleId style =
-                fixture.storage.styles().intern({.foreground = 0xFF000000U + quint32(random.below(0xFFFFFF)), .isBold = random.oneIn(2)});
-            fixture.storage.setStyle(TextRange::between(at, end), style);
+            const quint32 colour = 0xFF000000U + quint32(random.below(0xFFFFFF));
+            const StyleId style = fixture.storage.styles().intern({.foreground = colour, .isBold = random.oneIn(2)});
+            fixture.storage.setStyle(TextRange{anywhere(), random.below(60)}.clampedTo(fixture.storage.length()), style);
             did = u"style"_s;
             break;
         }
@@ -231,7 +226,7 @@ protected:
         const LayoutManager::Counters after = view.layoutManager().counters();
         return {.layouts = after.layouts - before.layouts, .units = after.units - before.units};
     }
-    void scrollToMiddle(QScrollBar *bar) { bar->setValue(bar->maximum() / 2); }
+    static void scrollToMiddle(QScrollBar *bar) { bar->setValue(bar->maximum() / 2); }
 };
 
 TEST_F(PaintCost, AKeyRepaintsItsRowAndARepaintLaysOutWhatIsSeen)

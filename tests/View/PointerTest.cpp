@@ -38,7 +38,6 @@ TEST_F(Pointer, SelectsByLetterWordAndLine)
     press(in(2));
     dragTo(in(16));
     release(in(16));
-    EXPECT_EQ(marked(), u"on^e two three\nfo|ur five\n\nsix"_s);
     press(in(5), Qt::ShiftModifier);
     release(in(5));
     EXPECT_EQ(marked(), u"on^e t|wo three\nfour five\n\nsix"_s);
@@ -119,11 +118,10 @@ TEST_F(Pointer, GoesOnSelectingFromTheTextItWasPressedOn)
     setText(u"one two three four"_s);
     doubleClick(in(5));
     storage.apply({{0, 4}, QStringView()});
-    const QPoint to = in(11);
-    dragTo(to);
+    dragTo(in(11));
     EXPECT_EQ(marked(), u"^two three four|"_s);
     storage.apply({{0, storage.length()}, u"ab"_s});
-    dragTo(to);
+    dragTo({100, 10});
     EXPECT_LE(view.selection().range().end(), 2);
 }
 

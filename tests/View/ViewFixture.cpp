@@ -89,21 +89,16 @@ void ViewFixture::setText(const QString &marked)
     view.setSelection(text.selection);
 }
 
-void ViewFixture::dragTo(QPoint point)
+void dragMouse(TextView &view, QPoint point)
 {
     QMouseEvent event(QEvent::MouseMove, point, view.viewport()->mapToGlobal(point), Qt::NoButton, Qt::LeftButton, {});
     QApplication::sendEvent(view.viewport(), &event);
 }
 
-QPoint ViewFixture::pointOf(qsizetype offset)
+QPoint pointIn(TextView &view, qsizetype offset)
 {
-    const RowPosition row = view.layoutManager().rowOf(offset);
+    LayoutManager &layout = view.layoutManager();
+    const RowPosition row = layout.rowOf(offset);
     const double top = view.textViewport().topOf(row).value_or(-1000);
-    return QPointF(view.textViewport().left() + view.layoutManager().xOf(row, offset), top + view.layoutManager().rowHeight() / 2)
-        .toPoint();
-}
-
-QImage ViewFixture::image()
-{
-    return view.viewport()->grab().toImage();
+    return QPointF(view.textViewport().left() + layout.xOf(row, offset), top + layout.rowHeight() / 2).toPoint();
 }

@@ -33,6 +33,12 @@ inline void scrollTo(Viewport &port, LayoutManager &layout, qsizetype offset, do
     port.scrollBy(port.topOf(row).value_or(0) + pixelsAbove);
 }
 
+/// The middle of the letter at `offset` from its left edge, in the viewport's pixels.
+[[nodiscard]] QPoint pointIn(TextView &view, qsizetype offset);
+
+/// Moves the mouse over it with the left button down.
+void dragMouse(TextView &view, QPoint point);
+
 /// A view on a storage with everything around it injected; shown offscreen and active.
 class ViewFixture {
 public:
@@ -42,12 +48,11 @@ public:
     /// In place of all, and nothing to be undone.
     void setText(const QString &marked);
     [[nodiscard]] QString text() const { return storage.string(); }
-    /// The mouse is moved with its left button down.
-    void dragTo(QPoint point);
+    void dragTo(QPoint point) { dragMouse(view, point); }
     [[nodiscard]] QString marked() { return MarkedText::marked(storage.text().toString(), view.selection()); }
-    [[nodiscard]] QPoint pointOf(qsizetype offset);
+    [[nodiscard]] QPoint pointOf(qsizetype offset) { return pointIn(view, offset); }
     /// Paints and gives what is seen.
-    [[nodiscard]] QImage image();
+    [[nodiscard]] QImage image() { return view.viewport()->grab().toImage(); }
 
     TextStorage storage;
     ManualScheduler scheduler;
