@@ -3,7 +3,7 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/Languages/LanguageRow.h"
 
-#include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QSet>
 
@@ -22,13 +22,6 @@ struct Detection {
     QString expected;
 };
 
-struct HardText {
-    QString language;
-    enum Kind { span, token } kind;
-    size_t rule;
-    QString text;
-};
-
 } // namespace
 
 TEST(LanguageRegistry, DetectsByExtensionThenNameThenFirstLine)
@@ -36,48 +29,32 @@ TEST(LanguageRegistry, DetectsByExtensionThenNameThenFirstLine)
     const Detection cases[] = {
         // Extensions, whatever the case, and only the last.
         {u"/home/a/Parser.SWIFT"_s, {}, u"swift"_s},
-        {u"app.dockerfile"_s, {}, u"dockerfile"_s},
         {u"/x.swift/main.go"_s, {}, u"go"_s},
         {u"archive.py.json"_s, {}, u"json"_s},
-        {u"x.profile"_s, {}, u"shell"_s},
-        {u"Info.plist"_s, {}, u"html"_s},
         {u"/a/b.rs/"_s, {}, u"rust"_s},
         // An extension goes before a first line.
         {u"setup.py"_s, u"#!/bin/sh"_s, u"python"_s},
         // Names that are known as a whole.
-        {u"Dockerfile"_s, {}, u"dockerfile"_s},
         {u"/srv/dockerfile"_s, {}, u"dockerfile"_s},
-        {u"makefile.am"_s, {}, u"makefile"_s},
         {u"CMakeLists.txt"_s, {}, u"cmake"_s},
-        {u"go.mod"_s, {}, u"go"_s},
-        {u".gitconfig"_s, {}, u"ini"_s},
         {u"~/.bashrc"_s, {}, u"shell"_s},
-        {u"Cargo.lock"_s, {}, u"toml"_s},
-        {u"LICENSE"_s, {}, u"markdown"_s},
         {u"ReadMe"_s, {}, u"markdown"_s},
         {u"Makefile"_s, u"#!/usr/bin/env python"_s, u"makefile"_s},
         // What is known neither way.
         {u"LICENSE.txt"_s, {}, u"text"_s},
-        {u"package.lock"_s, {}, u"text"_s},
         {u".swift"_s, {}, u"text"_s},
         {u"swift"_s, {}, u"text"_s},
         {u"a.swift."_s, {}, u"text"_s},
         {u"/"_s, {}, u"text"_s},
         {{}, {}, u"text"_s},
         // First lines.
-        {u"build"_s, u"#!/bin/sh"_s, u"shell"_s},
         {u"tool.unknown"_s, u"#!/usr/bin/env node"_s, u"javascript"_s},
-        {{}, u"#!/usr/bin/env deno run"_s, u"javascript"_s},
         {{}, u"#!/usr/bin/env python3.12"_s, u"python"_s},
-        {{}, u"#!/usr/bin/ruby -w"_s, u"ruby"_s},
-        {{}, u"#!/bin/zsh"_s, u"shell"_s},
         {{}, u"#! /bin/sh"_s, u"shell"_s},
         {{}, u" #!/bin/sh"_s, u"text"_s},
-        {{}, u"#!/bin/SH"_s, u"text"_s},
         {{}, u"#!/usr/bin/nodejs"_s, u"text"_s},
         // The order decides which of two it is.
         {{}, u"#!/bin/sh -c 'exec python node'"_s, u"javascript"_s},
-        {{}, u"#!/bin/sh -c 'exec lua ruby'"_s, u"ruby"_s},
     };
     for (const Detection &c : cases) {
         EXPECT_EQ(LanguageRegistry::detect(c.path, c.firstLine).id().toStdString(), c.expected.toStdString())
@@ -107,43 +84,27 @@ TEST(LanguageRegistry, IsOneListWithoutContradictions)
     EXPECT_FALSE(LanguageRegistry::withID(u""));
 }
 
-TEST(Language, LosesNoneOfTheBuiltInRules)
+// The files are what the highlighter is tried on: a rule that finds nothing in its language's file is tried by nobody.
+TEST(Language, HasEveryRuleAndFindsItInItsSampleFile)
 {
     for (const LanguageRow &row : builtInLanguages()) {
-        if (!row.rules) {
-            continue;
-        }
         const Language language(row);
-        EXPECT_EQ(language.spans().size(), row.rules->spans.size()) << language.id().toStdString();
-        EXPECT_EQ(language.rules().size(), row.rules->tokens.size()) << language.id().toStdString();
-        for (const TokenRule &rule : language.rules()) {
-            EXPECT_LE(rule.group, rule.regex.groupCount()) << language.id().toStdString();
-        }
-    }
-}
-
-// The files are what the highlighter is tried on: a rule that finds nothing in its language's file is tried by nobody.
-TEST(Language, FindsEveryRuleInItsSampleFile)
-{
-    for (const Language &language : LanguageRegistry::all()) {
-        const QDir folder(QStringLiteral(QUILLET_TEST_DATA "/highlight/") + language.id());
-        const QStringList names = folder.entryList(QDir::Files | QDir::Hidden);
+        SCOPED_TRACE(language.id().toStdString());
         QString text;
-        for (const QString &name : names) {
-            QFile file(folder.filePath(name));
+        QDirIterator files(QStringLiteral(QUILLET_TEST_DATA "/highlight/") + language.id(), QDir::Files | QDir::Hidden);
+        while (files.hasNext()) {
+            QFile file(files.next());
             ASSERT_TRUE(file.open(QFile::ReadOnly)) << file.fileName().toStdString();
             text += QString::fromUtf8(file.readAll());
-            EXPECT_EQ(LanguageRegistry::detect(file.fileName(), {}), language) << file.fileName().toStdString();
+            EXPECT_EQ(LanguageRegistry::detect(file.fileName(), {}).id(), language.id()) << file.fileName().toStdString();
         }
-        ASSERT_FALSE(text.isEmpty()) << language.id().toStdString();
-        const auto expectFound = [&](const RegularExpression &rule, const char *kind, size_t place) {
-            EXPECT_TRUE(rule.clone().firstMatch(text)) << language.id().toStdString() << ", " << kind << ' ' << place + 1;
-        };
+        ASSERT_FALSE(text.isEmpty());
+        ASSERT_EQ(language.spans().size() + language.rules().size(), row.rules ? row.rules->spans.size() + row.rules->tokens.size() : 0);
         for (size_t place = 0; place < language.spans().size(); ++place) {
-            expectFound(language.spans()[place].regex, "span", place);
+            EXPECT_TRUE(language.spans()[place].regex.clone().firstMatch(text)) << "span " << place + 1;
         }
         for (size_t place = 0; place < language.rules().size(); ++place) {
-            expectFound(language.rules()[place].regex, "rule", place);
+            EXPECT_TRUE(language.rules()[place].regex.clone().firstMatch(text)) << "rule " << place + 1;
         }
     }
 }
@@ -171,11 +132,6 @@ TEST(Language, DropsRulesThatDoNotCompileAndKeepsTheOthersInOrder)
     EXPECT_EQ(find(0, u"elsewhere unless"), (TextRange{10, 6}));
     EXPECT_EQ(find(1, u"a\n1"), (TextRange{2, 1}));
     EXPECT_EQ(find(2, u"b\na"), std::nullopt);
-
-    static constexpr auto broken = std::to_array<RuleRow>({{Scope::type, none, u"("}});
-    static constexpr LanguageRules brokenRules = {broken, broken};
-    static constexpr LanguageRow brokenRow = {.id = u"y", .name = u"Y", .rules = &brokenRules};
-    EXPECT_TRUE(Language(brokenRow).spans().empty() && Language(brokenRow).rules().empty());
 }
 
 TEST(Language, CompilesOnceForAllThreads)
@@ -200,26 +156,18 @@ TEST(Language, CompilesOnceForAllThreads)
 // A search that would go on for minutes ends as "nothing more", and is counted.
 TEST(Language, GivesUpOnHardTexts)
 {
-    const auto repeated = [](QStringView piece) { return piece.toString().repeated(1'000'000 / piece.size()); };
-    const HardText texts[] = {
-        // Every opening looks for its end in all of the rest.
-        {u"ruby"_s, HardText::span, 1, repeated(u"<<A\n")},
-        {u"lua"_s, HardText::span, 0, repeated(u"--[[")},
-        {u"html"_s, HardText::span, 0, repeated(u"<!--")},
-        // Every unit is a place to come back to.
-        {u"c"_s, HardText::span, 0, u"/*"_s + repeated(u"* ")},
-        {u"java"_s, HardText::token, 1, u'"' + repeated(u"x")},
-        // Several repeats share the blanks out among themselves in every possible way.
-        {u"yaml"_s, HardText::token, 1, repeated(u" ")},
-        {u"ini"_s, HardText::token, 2, repeated(u" ")},
+    const auto expectGivenUp = [](const RegularExpression &rule, const QString &text) {
+        RegularExpression regex = rule.clone();
+        EXPECT_FALSE(regex.firstMatch(text));
+        EXPECT_EQ(regex.limitHits(), 1) << text.left(9).toStdString() << "… is not hard";
     };
-    for (const HardText &hard : texts) {
-        const Language language = LanguageRegistry::withID(hard.language).value();
-        RegularExpression regex =
-            hard.kind == HardText::span ? language.spans()[hard.rule].regex.clone() : language.rules()[hard.rule].regex.clone();
-        EXPECT_FALSE(regex.firstMatch(hard.text)) << hard.language.toStdString();
-        EXPECT_EQ(regex.limitHits(), 1) << hard.language.toStdString() << ": this text is not hard";
-    }
+    const auto language = [](QStringView id) { return LanguageRegistry::withID(id).value(); };
+    // Every opening looks for its end in all of the rest.
+    expectGivenUp(language(u"html").spans()[0].regex, u"<!--"_s.repeated(250'000));
+    // Every unit is a place to come back to.
+    expectGivenUp(language(u"java").rules()[1].regex, u'"' + u"x"_s.repeated(1'000'000));
+    // Several repeats share the blanks out among themselves in every possible way.
+    expectGivenUp(language(u"yaml").rules()[1].regex, u" "_s.repeated(1'000'000));
 }
 
 TEST(Language, MatchesLongCommentsAndStrings)
