@@ -5,7 +5,6 @@
 #include "Commands/ActionKeys.h"
 #include "Commands/Actions.h"
 #include "Highlighting/Theme.h"
-#include "UI/ToolbarCatalogue.h"
 #include "fuzz/Require.h"
 
 #include <QApplication>
@@ -18,6 +17,9 @@
 
 #include <qpa/qplatformdrag.h>
 #include <qpa/qwindowsysteminterface.h>
+
+#include <numeric>
+#include <set>
 
 #include <unistd.h>
 
@@ -149,13 +151,8 @@ void Monkey::step()
         m_stage->presenter.answerOne();
         return;
     }
-    static constexpr qsizetype total = [] {
-        qsizetype sum = 0;
-        for (const Habit &habit : habits) {
-            sum += habit.weight;
-        }
-        return sum;
-    }();
+    static constexpr qsizetype total =
+        std::accumulate(habits.begin(), habits.end(), qsizetype(0), [](qsizetype sum, const Habit &habit) { return sum + habit.weight; });
     qsizetype choice = m_random.below(total);
     for (const Habit &habit : habits) {
         choice -= habit.weight;
@@ -172,25 +169,20 @@ void Monkey::step()
 
 void Monkey::check()
 {
-    const auto &windows = m_stage->application->windows();
-    std::vector<const TextDocument *> shown;
-    for (MainWindowController *window : windows) {
+    std::set<const TextDocument *> shown;
+    for (MainWindowController *window : m_stage->application->windows()) {
         REQUIRE(window->isVisible());
         checkWorkspace(window->workspace());
         for (const auto &document : window->workspace().paneLayout().documents()) {
-            shown.push_back(document.get());
+            shown.insert(document.get());
         }
     }
     for (const auto &document : m_stage->documents->documents()) {
-        const bool isShown = std::find(shown.begin(), shown.end(), document.get()) != shown.end();
         // Unsaved changes of a file outlive their window: opening it again brings them back.
-        REQUIRE(isShown || document->hasUnsavedText());
+        REQUIRE(shown.erase(document.get()) > 0 || document->hasUnsavedText());
         REQUIRE(m_step % turnsBetweenFullChecks != 0 || document->storage().checkInvariants());
     }
-    for (const TextDocument *document : shown) {
-        const auto &kept = m_stage->documents->documents();
-        REQUIRE(std::any_of(kept.begin(), kept.end(), [&](const auto &one) { return one.get() == document; }));
-    }
+    REQUIRE(shown.empty());
 }
 
 void Monkey::checkWorkspace(WorkspaceViewController &workspace)
@@ -206,10 +198,7 @@ void Monkey::checkWorkspace(WorkspaceViewController &workspace)
         const Rope &text = editor->document().storage().text();
         const TextRange selected = editor->textView().selection().range();
         REQUIRE(selected.location >= 0 && selected.end() <= text.length());
-        for (const qsizetype offset : {selected.location, selected.end()}) {
-            REQUIRE(offset == 0 || offset == text.length() || !QChar::isLowSurrogate(text.at(offset)) ||
-                    !QChar::isHighSurrogate(text.at(offset - 1)));
-        }
+        REQUIRE(!text.splitsPair(selected.location) && !text.splitsPair(selected.end()));
     }
 }
 
@@ -242,11 +231,8 @@ void Monkey::pressKey()
     const Qt::Key key = oneOf(keys);
     const auto modifiers = anyModifiers();
     const bool isPlain = (modifiers & ~Qt::ShiftModifier) == Qt::NoModifier;
-    const QString text = !isPlain                ? QString()
-                         : key == Qt::Key_Return ? u"\r"_s
-                         : key == Qt::Key_Tab    ? u"\t"_s
-                         : key == Qt::Key_Space  ? u" "_s
-                                                 : QString();
+    static const std::map<Qt::Key, QString> texts{{Qt::Key_Return, u"\r"_s}, {Qt::Key_Tab, u"\t"_s}, {Qt::Key_Space, u" "_s}};
+    const QString text = isPlain && texts.contains(key) ? texts.at(key) : QString();
     const qsizetype times = m_random.oneIn(4) ? 1 + m_random.below(6) : 1;
     note(u"key %1 x %2"_s.arg(QKeySequence(QKeyCombination(modifiers, key)).toString()).arg(times));
     for (qsizetype i = 0; i < times; ++i) {
@@ -320,16 +306,11 @@ QWindow *Monkey::target()
 QPoint Monkey::anyPlace(const QWindow &window)
 {
     const auto within = [this](int length) { return int(m_random.below(std::max(1, length))); };
+    const int height = window.height();
     // Half of it where the tabs, the toolbar and the status bar are.
-    switch (m_random.below(6)) {
-    case 0:
-    case 1:
-        return {within(window.width()), within(std::min(window.height(), 120))};
-    case 2:
-        return {within(window.width()), window.height() - 1 - within(std::min(window.height(), 30))};
-    default:
-        return {within(window.width()), within(window.height())};
-    }
+    const qsizetype part = m_random.below(6);
+    const int y = part < 2 ? within(std::min(height, 120)) : part == 2 ? height - 1 - within(std::min(height, 30)) : within(height);
+    return {within(window.width()), y};
 }
 
 void Monkey::sendMouse(QEvent::Type type, QPoint place, Qt::MouseButton button, Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers)
@@ -429,13 +410,9 @@ void Monkey::resizeWindow()
 void Monkey::tidyWindows()
 {
     const auto &windows = m_stage->application->windows();
-    if (windows.size() > 3 || m_random.oneIn(8)) {
-        note(u"close a window"_s);
-        oneOf(windows)->close();
-    } else {
-        note(u"activate a window"_s);
-        oneOf(windows)->activateWindow();
-    }
+    const bool isClosed = windows.size() > 3 || m_random.oneIn(8);
+    note(isClosed ? u"close a window"_s : u"activate a window"_s);
+    isClosed ? (void)oneOf(windows)->close() : oneOf(windows)->activateWindow();
 }
 
 void Monkey::openFiles()
@@ -454,16 +431,13 @@ void Monkey::changePreference()
     QString value;
     if (&setting == &Settings::themeName) {
         value = oneOf(Theme::all()).name.toString();
-    } else if (&setting == &Settings::fontName) {
-        value = m_random.oneIn(2) ? u"DejaVu Sans Mono"_s : u"No Such Font"_s;
     } else if (setting.type == SettingType::choice) {
         value = oneOf(setting.choices).name;
     } else if (setting.type == SettingType::boolean) {
         value = m_random.oneIn(2) ? u"true"_s : u"false"_s;
-    } else if (setting.type == SettingType::integer || setting.type == SettingType::real) {
-        value = QString::number(m_random.below(40));
     } else {
-        return;
+        // Texts too, a font that there is not among them.
+        value = QString::number(m_random.below(40));
     }
     note(u"preference %1 = %2"_s.arg(setting.key, value));
     m_stage->preferences.setFromText(setting, value);
