@@ -139,13 +139,3 @@ TEST_F(DefaultsStoreTest, WhatCannotBeWrittenStaysInMemory)
     EXPECT_TRUE(store->synchronize());
     EXPECT_TRUE(read(file).contains("editor.tabWidth=2"));
 }
-
-TEST_F(DefaultsStoreTest, LivesWhereTheDesktopSays)
-{
-    const QByteArray before = qgetenv("XDG_CONFIG_HOME");
-    qputenv("XDG_CONFIG_HOME", "/some/where/");
-    EXPECT_EQ(DefaultsStore::standardPath(), u"/some/where/Quillet/Quillet.conf"_s);
-    qputenv("XDG_CONFIG_HOME", "rela/tive");
-    EXPECT_EQ(DefaultsStore::standardPath(), QDir::homePath() + u"/.config/Quillet/Quillet.conf"_s);
-    qputenv("XDG_CONFIG_HOME", before);
-}

@@ -35,27 +35,21 @@ class Reader {
 protected:
     Reader()
     {
-        QGuiApplicationPrivate::platformIntegration()->accessibility()->setActive(true);
+        accessibility().setActive(true);
         heard = &m_heard;
         QAccessible::installUpdateHandler(listen);
     }
     ~Reader()
     {
         QAccessible::installUpdateHandler(nullptr);
-        QGuiApplicationPrivate::platformIntegration()->accessibility()->setActive(false);
+        accessibility().setActive(false);
     }
-    /// One after the other, each followed by a semicolon.
-    std::string takeHeard()
-    {
-        QString all;
-        for (const QString &one : std::exchange(m_heard, {})) {
-            all += one + u';';
-        }
-        return all.toStdString();
-    }
+    static QPlatformAccessibility &accessibility() { return *QGuiApplicationPrivate::platformIntegration()->accessibility(); }
+    /// One after the other, each preceded by a semicolon.
+    std::string takeHeard() { return std::exchange(m_heard, {u""_s}).join(u';').toStdString(); }
 
 private:
-    QStringList m_heard;
+    QStringList m_heard{u""_s};
 };
 
 class WindowAccessibility : private Reader, public WindowTest {
@@ -110,17 +104,17 @@ TEST_F(WindowAccessibility, TabsAndNoticesAreSaidOnceEach)
     send(Actions::newDocument);
     takeHeard();
     send(Actions::selectTab1);
-    EXPECT_EQ(takeHeard(), "+a;-Untitled;");
+    EXPECT_EQ(takeHeard(), ";+a;-Untitled");
     StatusBarView &bar = workspace().statusBar();
     bar.flash(u"Saved"_s, 2s);
     bar.flash(u"Saved"_s, 2s);
-    EXPECT_EQ(takeHeard(), "Saved;Saved;") << "the second while the first is there";
+    EXPECT_EQ(takeHeard(), ";Saved;Saved") << "the second while the first is there";
     scheduler.advance(2s);
     EXPECT_EQ(takeHeard(), "");
 
     QTest::keySequence(&textView(), QKeySequence(u"Ctrl+F"_s));
     takeHeard();
-    for (const auto &[key, said] : {std::pair(u"e"_s, "1 of 1;"), {u"x"_s, "Not found;"}}) {
+    for (const auto &[key, said] : {std::pair(u"e"_s, ";1 of 1"), {u"x"_s, ";Not found"}}) {
         QTest::keyClicks(QApplication::focusWidget(), key);
         scheduler.advance(1s);
         EXPECT_EQ(takeHeard(), said);
@@ -130,7 +124,18 @@ TEST_F(WindowAccessibility, TabsAndNoticesAreSaidOnceEach)
     banner.configure(TextDocument::ExternalState::conflicted, u"a"_s);
     EXPECT_EQ(takeHeard(), "");
     banner.show();
-    EXPECT_EQ(takeHeard(), "“a” changed on disk and has unsaved edits here.;");
+    EXPECT_EQ(takeHeard(), ";“a” changed on disk and has unsaved edits here.");
     banner.configure(TextDocument::ExternalState::deleted, u"a"_s);
-    EXPECT_EQ(takeHeard(), "“a” was deleted or moved.;");
+    EXPECT_EQ(takeHeard(), ";“a” was deleted or moved.");
+}
+
+TEST_F(WindowAccessibility, ReportsTheModeOfModalEditing)
+{
+    std::ignore = takeHeard();
+    preferences.set(Settings::vimMode, true);
+    for (const auto &[keys, said] :
+         {std::pair(u""_s, ";NORMAL"), {u"i"_s, ";INSERT"}, {u"\x1b"_s, ";NORMAL"}, {u"2"_s, ""}, {u"v"_s, ";VISUAL"}}) {
+        type(keys);
+        EXPECT_EQ(takeHeard(), said) << keys.toStdString();
+    }
 }

@@ -34,14 +34,8 @@ TEST_F(CommandsTest, SaveSaysWhatItDid)
     type(u"!"_s);
     EXPECT_TRUE(window().isWindowModified());
     send(Actions::saveDocument);
-    send(Actions::saveDocumentAs);
     EXPECT_EQ(flashes, (QStringList{u"Saved as “new.c”"_s, u"Saved"_s}));
     EXPECT_EQ(defaults.string("io.panels.lastDirectory"_L1), path({}));
-    QDir(path({})).removeRecursively();
-    type(u"?"_s);
-    send(Actions::saveDocument);
-    EXPECT_EQ(presenter.alerts().size(), 1U);
-    EXPECT_TRUE(window().isWindowModified());
 }
 
 TEST_F(CommandsTest, WhatNeedsAFileBeepsWithoutOne)
@@ -122,33 +116,37 @@ TEST_F(CommandsTest, RevertAsksAndIsThereOnlyForEditedFiles)
 TEST_F(CommandsTest, GoToLineTakesWholeNumbersOnly)
 {
     workspace().open({put(u"a.txt"_s, QByteArray("x\n").repeated(30))});
-    struct Case {
-        const char16_t *entered;
-        qsizetype line;
-    };
-    constexpr Case cases[] = {
-        {u" 12 ", 12}, {u"+13", 13}, {u"0", 1}, {u"-3", 1}, {u"12:4", 1}, {u"", 1}, {u"x", 1}, {u"99", 31}, {u"99999999999999999999", 1}};
-    for (const Case &tested : cases) {
+    for (const auto &[entered, line] :
+         {std::pair(" 12 ", 12), {"+13", 13}, {"0", 1}, {"-3", 1}, {"12:4", 1}, {"x", 1}, {"99", 31}, {"99999999999999999999", 1}}) {
         textView().setSelection(TextSelection::at(0));
-        presenter.answer(AlertReply::firstButton, QString::fromUtf16(tested.entered));
+        presenter.answer(AlertReply::firstButton, QString::fromLatin1(entered));
         send(Actions::goToLine);
-        EXPECT_EQ(LineIndex::lineNumber(textView().selection().caret, workspace().currentDocument()->storage().text()), tested.line)
-            << QString::fromUtf16(tested.entered).toStdString();
+        EXPECT_EQ(textView().selection().caret, 2 * (line - 1)) << entered;
     }
 }
 
-TEST_F(CommandsTest, LanguagesThemesAndViewOptionsAreChecked)
+TEST_F(CommandsTest, WhatIsChosenIsShownInMenusAndStatusBar)
 {
     workspace().open({put(u"a.txt"_s, "x")});
     const auto isOn = [this](const Action &action, const QVariant &represented = {}) {
         return window().firstResponder().state(action, represented).checkMark == CheckMark::on;
     };
+    const auto choose = [this](const QString &kind, const QString &title) {
+        const auto *popUp = control<QToolButton>(workspace().statusBar(), kind);
+        const QList<QAction *> entries = popUp->menu()->actions();
+        (*std::ranges::find(entries, title, &QAction::text))->trigger();
+        return popUp->text();
+    };
     EXPECT_TRUE(isOn(Actions::selectLanguage, u"text"_s));
-    send(Actions::selectLanguage, u"python"_s);
+    for (const QString &title : {u"Tabs: 8"_s, u"Tabs: 2"_s, u"Spaces: 2"_s}) {
+        EXPECT_EQ(choose(u"Indentation"_s, title), title);
+    }
+    EXPECT_EQ(choose(u"Line Endings"_s, u"CRLF"_s), u"CRLF"_s);
+    EXPECT_EQ(choose(u"Text Encoding"_s, u"UTF-16"_s), u"UTF-16"_s);
+    EXPECT_EQ(choose(u"Syntax"_s, u"Python"_s), u"Python"_s);
+    EXPECT_TRUE(control<QToolButton>(workspace().statusBar(), u"Spaces: 4"_s)) << "the language has its own";
     EXPECT_TRUE(isOn(Actions::selectLanguage, u"python"_s));
     EXPECT_TRUE(workspace().currentDocument()->languageWasChosenManually);
-    EXPECT_TRUE(isEnabled(Actions::toggleComment));
-    send(Actions::selectLanguage, u"klingon"_s);
     send(Actions::selectTheme, u"Solarized Dark"_s);
     EXPECT_TRUE(isOn(Actions::selectTheme, u"Solarized Dark"_s));
     EXPECT_EQ(textView().colors().background, QColor::fromRgb(Theme::solarizedDark().background));
@@ -164,29 +162,11 @@ TEST_F(CommandsTest, LanguagesThemesAndViewOptionsAreChecked)
     EXPECT_EQ(preferences.value(Settings::fontSize), 13);
 }
 
-TEST_F(CommandsTest, TheStatusBarShowsWhatIsChosenInIt)
-{
-    const auto choose = [this](const QString &kind, const QString &title) {
-        const auto *popUp = control<QToolButton>(workspace().statusBar(), kind);
-        const QList<QAction *> entries = popUp->menu()->actions();
-        (*std::ranges::find(entries, title, &QAction::text))->trigger();
-        return popUp->text();
-    };
-    for (const QString &title : {u"Tabs: 8"_s, u"Tabs: 2"_s, u"Spaces: 2"_s}) {
-        EXPECT_EQ(choose(u"Indentation"_s, title), title);
-    }
-    EXPECT_EQ(choose(u"Line Endings"_s, u"CRLF"_s), u"CRLF"_s);
-    EXPECT_EQ(choose(u"Text Encoding"_s, u"UTF-16"_s), u"UTF-16"_s);
-    EXPECT_EQ(choose(u"Syntax"_s, u"Python"_s), u"Python"_s);
-    EXPECT_TRUE(control<QToolButton>(workspace().statusBar(), u"Spaces: 4"_s)) << "the language has its own";
-}
-
 TEST_F(CommandsTest, ClosingAWindowAsksOnceForAllItsTexts)
 {
     send(Actions::newWindow);
-    WorkspaceViewController &other = workspace(1);
-    other.open({put(u"a"_s, "a"), put(u"b"_s, "b")});
-    for (const auto &document : other.paneLayout().documents()) {
+    workspace(1).open({put(u"a"_s, "a"), put(u"b"_s, "b")});
+    for (const auto &document : workspace(1).paneLayout().documents()) {
         document->storage().apply({{}, u"x"_s});
     }
     window(1).close();
@@ -248,11 +228,15 @@ TEST_F(CommandsTest, BarsThatHaveTheFocusActOnTheText)
 {
     workspace().open({put(u"a.txt"_s, "x"), put(u"b.txt"_s, "y")});
     QWidget *text = &textView();
-    for (const char *bar : {"tabs", "status bar", "toolbar"}) {
+    using Bars = std::initializer_list<const QWidget *>;
+    for (const QWidget *bar : Bars{&pane(0).tabBar(), &workspace().statusBar(), window().menuBar()->cornerWidget()}) {
         QTest::keySequence(window().focusWidget(), QKeySequence(Qt::Key_F6));
-        EXPECT_FALSE(text->hasFocus()) << bar;
-        EXPECT_TRUE(isEnabled(Actions::selectAll)) << bar;
-        EXPECT_TRUE(isEnabled(Actions::closeTab)) << bar;
+        EXPECT_TRUE(bar->isAncestorOf(window().focusWidget())) << bar->metaObject()->className();
+        EXPECT_TRUE(isEnabled(Actions::selectAll) && isEnabled(Actions::closeTab)) << bar->metaObject()->className();
+        const QPointer<QWidget> focused = window().focusWidget();
+        QTest::keyClick(focused, Qt::Key_Escape);
+        EXPECT_TRUE(text->hasFocus()) << bar->metaObject()->className();
+        focused->setFocus();
     }
     QTest::keySequence(window().focusWidget(), QKeySequence(u"Shift+F6"_s));
     EXPECT_TRUE(workspace().statusBar().isAncestorOf(window().focusWidget()));
@@ -264,22 +248,10 @@ TEST_F(CommandsTest, BarsThatHaveTheFocusActOnTheText)
     send(Actions::closeTab);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_EQ(tabs(), QStringList{u"a.txt"_s});
-    EXPECT_TRUE(isEnabled(Actions::selectAll));
-    EXPECT_TRUE(isEnabled(Actions::closeTab));
-    // From everywhere Escape leads back.
-    for (int steps = 1; steps <= 3; ++steps) {
-        workspace().focusEditor();
-        for (int step = 0; step < steps; ++step) {
-            QTest::keySequence(window().focusWidget(), QKeySequence(Qt::Key_F6));
-        }
-        QTest::keyClick(window().focusWidget(), Qt::Key_Escape);
-        EXPECT_TRUE(textView().hasFocus()) << steps;
-    }
+    EXPECT_TRUE(isEnabled(Actions::selectAll) && isEnabled(Actions::closeTab));
     QTest::keySequence(&textView(), QKeySequence(Qt::Key_F10));
-    QWidget *menu = QApplication::activePopupWidget();
-    ASSERT_TRUE(menu);
-    EXPECT_EQ(menu, window().menuBar()->actions().first()->menu());
-    menu->close();
+    EXPECT_EQ(QApplication::activePopupWidget(), window().menuBar()->actions().first()->menu());
+    window().menuBar()->actions().first()->menu()->close();
 }
 
 // Recent documents
@@ -304,10 +276,9 @@ protected:
 TEST_F(RecentDocumentsMenu, ShowsWhatWasOpenedAndSaved)
 {
     EXPECT_EQ(opened(), "(No Recent Files) | - | (&Clear Menu)");
-    const QString first = put(u"a&b\tc <i>.txt"_s, "1");
-    const QString second = put(u"clear.txt"_s, "2");
-    workspace().open({first, path(u"missing.txt"_s), second});
-    workspace().open({first});
+    const QStringList files{put(u"a&b\tc <i>.txt"_s, "1"), path(u"missing.txt"_s), put(u"clear.txt"_s, "2")};
+    workspace().open(files);
+    workspace().open({files[0]});
     presenter.answerSave(path(u"saved.txt"_s));
     send(Actions::saveDocumentAs);
     EXPECT_EQ(opened(), "saved.txt | clear.txt | a&&b c <i>.txt | - | &Clear Menu") << "what was open already was not opened again";
@@ -318,10 +289,8 @@ TEST_F(RecentDocumentsMenu, ShowsWhatWasOpenedAndSaved)
     send(Actions::saveDocumentAs);
     QFile::remove(path(u"saved.txt"_s));
     EXPECT_TRUE(opened().starts_with("clear.txt | a&&b"));
-    EXPECT_EQ(recent.entries().size(), 3U);
-
-    QFile::remove(first);
-    QFile::remove(second);
+    QFile::remove(files[0]);
+    QFile::remove(files[2]);
     EXPECT_EQ(opened(), "(No Recent Files) | - | &Clear Menu") << "hidden, and still to be cleared";
     choose(2);
     EXPECT_TRUE(recent.entries().empty());
@@ -330,9 +299,6 @@ TEST_F(RecentDocumentsMenu, ShowsWhatWasOpenedAndSaved)
 
 TEST_F(RecentDocumentsMenu, TellsFilesOfOneNameApart)
 {
-    for (const QString &name : {u"a/x"_s, u"a/y"_s, u"b/y"_s}) {
-        QDir().mkpath(path(name));
-    }
     workspace().open({put(u"a/x/main.c"_s, "1"), put(u"a/y/main.c"_s, "2"), put(u"b/y/main.c"_s, "3"), put(u"b/main.h"_s, "4"),
                       put(u"n"_s.repeated(200), "5")});
     EXPECT_THAT(opened(), testing::MatchesRegex("n+…n+ . main.h . main.c – b/y . main.c – a/y . main.c – x . - . &Clear Menu"));
@@ -390,26 +356,19 @@ TEST(Actions, TheOverviewHasEveryKeyOnce)
             lines << group.title + u": "_s + line.text + u" "_s + line.detail;
         }
     }
-    const auto all = Actions::inMenus();
-    const auto keyed = std::ranges::count_if(all, [](const Action *action) { return *action->keys != '\0'; });
+    const auto keyed = std::ranges::count_if(Actions::inMenus(), [](const Action *action) { return *action->keys != '\0'; });
     EXPECT_EQ(lines.size(), keyed - 7) << "eight tabs are one line";
-    EXPECT_EQ(lines.removeDuplicates(), 0);
     EXPECT_TRUE(lines.contains(u"Navigate: Tab 1…8 Ctrl+1…Ctrl+8"_s)) << lines.join(u'\n').toStdString();
-    EXPECT_TRUE(lines.contains(u"Editor: Split Right Ctrl+\\ or Ctrl+<"_s));
 }
 
 TEST(SystemDesktop, ReadsTheCommandOfAnEntry)
 {
-    struct Case {
-        const char16_t *exec;
-        QStringList command;
-    };
-    const Case cases[] = {{u"kitty", {u"kitty"_s}},
-                          {u"gnome-terminal --wait %U", {u"gnome-terminal"_s, u"--wait"_s}},
-                          {u"\"/opt/my term/run\" -e \"a \\\"b\\\"\" 50%%", {u"/opt/my term/run"_s, u"-e"_s, u"a \"b\""_s, u"50%"_s}},
-                          {u"\"unclosed", {}},
-                          {u"", {}}};
-    for (const Case &tested : cases) {
-        EXPECT_EQ(SystemDesktop::commandOf(QString::fromUtf16(tested.exec)), tested.command);
+    for (const auto &[exec, command] :
+         {std::pair(u"kitty"_s, QStringList{u"kitty"_s}),
+          {u"gnome-terminal --wait %U"_s, {u"gnome-terminal"_s, u"--wait"_s}},
+          {u"\"/opt/my term/run\" -e \"a \\\"b\\\"\" 50%%"_s, {u"/opt/my term/run"_s, u"-e"_s, u"a \"b\""_s, u"50%"_s}},
+          {u"\"unclosed"_s, {}},
+          {u""_s, {}}}) {
+        EXPECT_EQ(SystemDesktop::commandOf(exec), command) << exec.toStdString();
     }
 }

@@ -2,12 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QAbstractButton>
-#include <QAbstractItemView>
-#include <QAbstractSpinBox>
 #include <QAccessible>
 #include <QApplication>
-#include <QComboBox>
 #include <QLineEdit>
 #include <QTabBar>
 #include <QTest>
@@ -44,9 +40,7 @@ public:
             }
         }
         QStringList names;
-        for (const QWidget *widget : m_visited) {
-            names << nameOf(*widget);
-        }
+        std::ranges::transform(m_visited, std::back_inserter(names), [](const QWidget *widget) { return nameOf(*widget); });
         return names;
     }
 
@@ -58,19 +52,15 @@ public:
 private:
     [[nodiscard]] bool isControl(const QWidget &widget) const
     {
-        const QWidget *parent = widget.parentWidget();
-        if (!widget.isVisible() || widget.focusProxy() || !widget.isEnabled() || widget.window() != &m_window) {
-            return false;
-        }
+        const auto isOne = [](const QWidget *each, std::initializer_list<const char *> classes) {
+            return std::ranges::any_of(classes, [each](const char *name) { return each->inherits(name); });
+        };
         // What these are made of.
-        if (qobject_cast<const QLineEdit *>(parent) || qobject_cast<const QComboBox *>(parent) ||
-            qobject_cast<const QAbstractSpinBox *>(parent) || qobject_cast<const QTabBar *>(parent)) {
-            return false;
-        }
-        return (widget.focusPolicy() & Qt::TabFocus) || qobject_cast<const QAbstractButton *>(&widget) ||
-               qobject_cast<const QLineEdit *>(&widget) || qobject_cast<const QComboBox *>(&widget) ||
-               qobject_cast<const QAbstractSpinBox *>(&widget) || qobject_cast<const QAbstractItemView *>(&widget) ||
-               qobject_cast<const QTabBar *>(&widget);
+        const bool isPart = isOne(widget.parentWidget(), {"QLineEdit", "QComboBox", "QAbstractSpinBox", "QTabBar"});
+        const bool isUsable = widget.isVisible() && widget.isEnabled() && !widget.focusProxy() && widget.window() == &m_window;
+        return isUsable && !isPart &&
+               ((widget.focusPolicy() & Qt::TabFocus) ||
+                isOne(&widget, {"QAbstractButton", "QLineEdit", "QComboBox", "QAbstractSpinBox", "QAbstractItemView", "QTabBar"}));
     }
 
     [[nodiscard]] static std::string describe(const QWidget &widget)
@@ -112,8 +102,9 @@ private:
         m_visited.push_back(&widget);
         const QAccessibleInterface *reader = QAccessible::queryAccessibleInterface(&widget);
         EXPECT_FALSE(nameOf(widget).isEmpty()) << describe(widget) << " has no name";
-        EXPECT_FALSE(reader->role() == QAccessible::NoRole || reader->role() == QAccessible::Client || reader->role() == QAccessible::Pane)
-            << describe(widget) << " is nothing in particular";
+        const bool isVague =
+            reader->role() == QAccessible::NoRole || reader->role() == QAccessible::Client || reader->role() == QAccessible::Pane;
+        EXPECT_FALSE(isVague) << describe(widget) << " is nothing in particular";
         EXPECT_TRUE(reader->state().focused) << describe(widget);
 
         EXPECT_TRUE(m_window.rect().intersects(placeOf(widget))) << describe(widget) << " is out of sight";

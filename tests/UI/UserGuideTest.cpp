@@ -100,34 +100,6 @@ TEST_P(UserGuideTest, NamesEveryCommandAsTheMenusDo)
     }
 }
 
-TEST_P(UserGuideTest, QuotesWhatTheProgramSays)
-{
-    const QHash<QString, QString> &german = Localization::resolveBundle(AppLanguage::german).texts();
-    QSet<QString> shown;
-    for (auto text = german.begin(); text != german.end(); ++text) {
-        shown.insert(Localization::current().text(text.key()));
-    }
-    const bool isGerman = GetParam() == AppLanguage::german;
-    const QRegularExpression quoted(isGerman ? u"„([^„“]+)“"_s : u"“([^“”]+)”"_s);
-    qsizetype count = 0;
-    QString prose;
-    for (QString paragraph : UserGuide::markdown().split(u"\n\n"_s)) {
-        if (!paragraph.startsWith("> "_L1)) {
-            prose += paragraph + u' ';
-            continue;
-        }
-        // A whole sentence, with a file's name in it.
-        paragraph.remove(u"> "_s).replace(isGerman ? u"notizen.txt"_s : u"notes.txt"_s, u"%@"_s);
-        EXPECT_TRUE(shown.contains(paragraph.simplified())) << described(paragraph);
-        ++count;
-    }
-    for (auto all = quoted.globalMatch(prose); all.hasNext(); ++count) {
-        const QString text = all.next().captured(1).simplified();
-        EXPECT_TRUE(shown.contains(text)) << described(text);
-    }
-    EXPECT_GT(count, 30);
-}
-
 using UserGuideWindow = WindowTest;
 
 TEST_F(UserGuideWindow, IsATextOfTheLanguageThatNobodyEdits)

@@ -66,9 +66,9 @@ TEST_F(WaitingTest, WhatClosesWaitsForTheWriteItDependsOn)
         {":q!", [this] { send(Actions::forceCloseTab); }},
         {"a program that waits", [this] { send(Actions::finishWaiting); }},
     };
-    size_t alerts = 0;
     for (const auto &[name, close] : ways) {
         SCOPED_TRACE(name);
+        const size_t alerts = presenter.alerts().size();
         openTyped();
         send(Actions::saveDocument);
         close();
@@ -86,7 +86,6 @@ TEST_F(WaitingTest, WhatClosesWaitsForTheWriteItDependsOn)
         answer();
         EXPECT_EQ(tabs(), QStringList{u"a.txt"_s});
         EXPECT_GT(presenter.alerts().size(), alerts);
-        alerts = presenter.alerts().size();
         EXPECT_TRUE(lastAlert().contains(u"its folder does not exist")) << lastAlert().toStdString();
         send(Actions::forceCloseTab);
         EXPECT_EQ(tabs(), QStringList{u"Untitled"_s});
