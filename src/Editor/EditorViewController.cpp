@@ -16,6 +16,7 @@
 #include "Find/TextFinder.h"
 #include "Model/DocumentStore.h"
 #include "Settings/Preferences.h"
+#include "Text/LineIndex.h"
 #include "Text/LineRange.h"
 #include "Widgets/AccessibleRole.h"
 #include "Widgets/AlertPresenter.h"

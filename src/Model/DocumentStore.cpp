@@ -41,7 +41,7 @@ std::vector<DocumentStore::Opened> DocumentStore::open(const QStringList &paths,
         for (qsizetype index = 0; index < portion.size(); ++index) {
             auto &reading = readings[size_t(index)];
             if (reading) {
-                reading->waitForFile(deadline);
+                std::ignore = reading->requests().waitUntil(FileRequests::Kind::arrival, deadline);
             }
             all.push_back(takeOpened(portion[index], std::move(reading)));
         }

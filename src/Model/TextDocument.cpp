@@ -4,7 +4,6 @@
 
 #include "Base/HomePath.h"
 #include "Base/Translation.h"
-#include "Files/TextHash.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/SaveTransformation.h"
 #include "Settings/Preferences.h"
@@ -27,13 +26,21 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
                            const QUuid &id)
     : TextDocument(services, path, path.isEmpty() ? QString() : QDir::cleanPath(path), contents, id)
 {
-    startWatching(contents ? contents->stamp : std::nullopt);
+    m_follower.follow(m_path, contents ? contents->stamp : std::nullopt);
 }
 
 TextDocument::TextDocument(const DocumentServices &services, const QString &path, const QString &identity,
                            const std::optional<TextFile::Contents> &contents, const QUuid &id)
     : m_services(services), m_id(id), m_undoManager(m_storage, [&scheduler = services.scheduler] { return scheduler.now(); }), m_path(path),
-      m_identity(identity), m_requests(services.scheduler, services.workers, [this] { postMetadata(); })
+      m_identity(identity), m_requests(services.scheduler, services.workers, [this] { postMetadata(); }),
+      m_savedText(m_storage, services.scheduler, services.workers, [this](bool isSaved) { setDirty(!isSaved); }),
+      m_follower({.scheduler = services.scheduler,
+                  .workers = services.workers,
+                  .watchers = services.watchers,
+                  .files = services.files,
+                  .storage = m_storage,
+                  .changed = [this](const FileReading &reading) { takeChanged(reading); },
+                  .deleted = [this] { takeDeleted(); }})
 {
     if (contents) {
         {
@@ -44,7 +51,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
         m_encoding = contents->encoding;
         m_lineEnding = contents->lineEnding;
     }
-    rememberSavedText(m_storage.text());
+    m_savedText.set(m_storage.text());
     m_language = detectedLanguage();
     QObject::connect(&m_storage, &TextStorage::didProcessEditing, &m_context, [this] { noteEdit(); });
 }
@@ -71,7 +78,7 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
 {
     std::unique_ptr<TextDocument> document(new TextDocument(services, path, QDir::cleanPath(path), contents, id));
     document->m_isDraft = true;
-    document->startWatching(std::nullopt);
+    document->m_follower.follow(path, std::nullopt);
     if (!path.isEmpty()) {
         document->m_draftLooking = BackgroundTask::start(
             services.workers,
@@ -82,7 +89,7 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
                 if (self->m_path == path) {
                     self->m_identity = found.first;
                     if (found.second) {
-                        self->compareWithFile();
+                        self->m_follower.read();
                     }
                 }
             });
@@ -140,7 +147,7 @@ void TextDocument::takeArrived(const TextFile::Contents &contents)
     if (!languageWasChosenManually) {
         setLanguage(detectedLanguage());
     }
-    startWatching(contents.stamp);
+    m_follower.follow(m_path, contents.stamp);
     m_services.notifications.post(didReloadFromDisk, this);
     postMetadata();
 }
@@ -212,68 +219,7 @@ void TextDocument::noteEdit()
     }
     setDirty(true);
     m_requests.cancel(FileRequests::Kind::reading); // its text would take the place of what was typed
-    m_dirtyHashing.cancel();
-    m_dirtyCheck = m_services.scheduler.after(dirtyCheckDelay, [this] { checkDirty(); });
-}
-
-void TextDocument::rememberSavedText(const Rope &text, std::optional<quint64> hash)
-{
-    m_savedHashing.cancel();
-    m_isOnlyCopy = false;
-    m_savedLength = text.length();
-    m_savedContentHash = hash;
-    m_unhashedText = {};
-    if (hash) {
-        return;
-    }
-    if (text.length() < largeText) {
-        m_savedContentHash = textHash(text);
-    } else {
-        m_unhashedText = text;
-    }
-}
-
-void TextDocument::checkDirty()
-{
-    // A letter more or less tells without a look at the text.
-    if (m_storage.length() != m_savedLength) {
-        setDirty(true);
-        return;
-    }
-    if (!m_savedContentHash) {
-        hashSavedText();
-        return;
-    }
-    if (m_storage.length() < largeText) {
-        applyDirtyCheck(textHash(m_storage.text()));
-        return;
-    }
-    m_dirtyHashing = BackgroundTask::start(
-        m_services.workers, [text = m_storage.text()](const std::stop_token &stop) { return textHash(text, stop); },
-        [this, revision = m_storage.revision()](std::optional<quint64> hash) {
-            if (hash && revision == m_storage.revision()) {
-                applyDirtyCheck(*hash);
-            }
-        });
-}
-
-void TextDocument::hashSavedText()
-{
-    if (m_savedHashing.isPending()) {
-        return;
-    }
-    m_savedHashing = BackgroundTask::start(
-        m_services.workers, [text = m_unhashedText](const std::stop_token &stop) { return textHash(text, stop); },
-        [this](std::optional<quint64> hash) {
-            m_savedContentHash = hash;
-            m_unhashedText = {};
-            checkDirty();
-        });
-}
-
-void TextDocument::applyDirtyCheck(quint64 hash)
-{
-    setDirty(m_isOnlyCopy || hash != m_savedContentHash);
+    m_savedText.compareSoon();
 }
 
 // Properties
@@ -378,11 +324,7 @@ void TextDocument::startSaving()
     m_underWay = std::move(m_saves.front());
     m_saves.pop_front();
     m_requests.cancel(FileRequests::Kind::reading);
-    m_asksAgain = m_asksAgain || m_deletedCheck.isPending() || m_fileLooking.isPending() || m_fileReading.isPending();
-    forgetFileQuestions();
-    if (m_watcher) {
-        m_watcher->beginOwnWrite();
-    }
+    m_follower.beginOwnWrite();
     m_requests.start(
         FileRequests::Kind::writing, m_services.timeout,
         [snapshot = m_underWay->snapshot, &files = m_services.files](const std::stop_token &stop) {
@@ -395,17 +337,9 @@ void TextDocument::endSaving(const Result<DocumentFile::Written> &written)
 {
     const std::shared_ptr<TextDocument> self = weak_from_this().lock(); // it may be removed by those who are notified
     const Save save = *std::exchange(m_underWay, std::nullopt);
-    const bool asksAgain = std::exchange(m_asksAgain, false);
+    m_follower.endOwnWrite(written.has_value());
     if (written) {
         takeWritten(save.snapshot, *written);
-    } else {
-        if (m_watcher) {
-            m_watcher->endOwnWrite();
-        }
-        if (asksAgain) {
-            checkDeleted();
-            compareWithFile();
-        }
     }
     const Result<void> result = written.map([](const DocumentFile::Written &) {});
     for (const SaveCompletion &completion : save.completions) {
@@ -431,13 +365,10 @@ void TextDocument::takeWritten(const DocumentFile::Snapshot &snapshot, const Doc
         m_isDirty = true;
     }
     if (!isSameText) {
-        m_dirtyCheck = m_services.scheduler.after(dirtyCheckDelay, [this] { checkDirty(); });
+        m_savedText.compareSoon();
     }
     if (m_services.discardDraft && !m_isDirty) {
         m_services.discardDraft(m_id);
-    }
-    if (m_watcher) {
-        m_watcher->endOwnWrite();
     }
     m_identity = written.identity;
     if (snapshot.path != m_path) {
@@ -447,7 +378,7 @@ void TextDocument::takeWritten(const DocumentFile::Snapshot &snapshot, const Doc
         if (!languageWasChosenManually) {
             setLanguage(detectedLanguage());
         }
-        startWatching(written.stamp);
+        m_follower.follow(m_path, written.stamp);
     }
     postMetadata();
 }
@@ -464,20 +395,11 @@ void TextDocument::whenSaved(std::function<void(bool isWritten)> then)
 /// The file has `text`; whatever was asked about it or the document's text before is answered.
 void TextDocument::agreeWithFile(const Rope &text, std::optional<quint64> hash)
 {
-    m_dirtyCheck.cancel();
-    m_dirtyHashing.cancel();
-    forgetFileQuestions();
-    rememberSavedText(text, hash);
+    m_follower.forget();
+    m_savedText.set(text, hash);
     m_isDirty = false;
     m_isDraft = false;
     m_externalState = ExternalState::none;
-}
-
-void TextDocument::forgetFileQuestions()
-{
-    m_deletedCheck.cancel();
-    m_fileLooking.cancel();
-    m_fileReading.cancel();
 }
 
 TextDocument::FileReading TextDocument::comparedWith(const TextFile::Contents &contents) const
@@ -558,42 +480,11 @@ void TextDocument::takeReinterpreted(const FileReading &reading)
 
 // What others do to the file
 
-void TextDocument::startWatching(const std::optional<FileStamp> &known)
+void TextDocument::takeDeleted()
 {
-    forgetFileQuestions();
-    m_watcher.reset();
-    if (!m_path.isEmpty()) {
-        m_watcher =
-            std::make_unique<FileWatcher>(m_services.watchers, m_path, known, [this](FileWatcher::Event event) { handleFileEvent(event); });
-    }
-}
-
-void TextDocument::handleFileEvent(FileWatcher::Event event)
-{
-    if (event == FileWatcher::Event::deleted) {
-        m_deletedCheck = m_services.scheduler.after(deletionCheckDelay, [this] { checkDeleted(); });
-    } else {
-        forgetFileQuestions(); // it is there, whatever it was before
-        compareWithFile();
-    }
-}
-
-void TextDocument::checkDeleted()
-{
-    if (m_path.isEmpty()) {
-        return;
-    }
-    // On a worker: asking a share whose server is gone may take minutes.
-    m_fileLooking = BackgroundTask::start(
-        m_services.workers, [path = m_path](const std::stop_token &) { return QFileInfo::exists(path); },
-        [this](bool exists) {
-            if (!exists) {
-                m_fileReading.cancel(); // of a file that was there
-                m_isDirty = true;
-                m_isOnlyCopy = true;
-                setExternalState(ExternalState::deleted);
-            }
-        });
+    m_isDirty = true;
+    m_savedText.setNone();
+    setExternalState(ExternalState::deleted);
 }
 
 void TextDocument::setExternalState(ExternalState state)
@@ -611,28 +502,14 @@ void TextDocument::clearExternalState()
     }
 }
 
-void TextDocument::compareWithFile()
-{
-    m_fileReading = BackgroundTask::start(
-        m_services.workers,
-        [path = m_path, current = m_storage.snapshot(), &files = m_services.files](const std::stop_token &stop) {
-            return DocumentFile::read(path, std::nullopt, current, files, stop);
-        },
-        [this](const DocumentFile::ReadResult &reading) {
-            if (reading && reading->hash) {
-                applyReading(*reading);
-            }
-        });
-}
-
-void TextDocument::applyReading(const FileReading &reading)
+void TextDocument::takeChanged(const FileReading &reading)
 {
     if (reading.revision != m_storage.revision()) {
-        compareWithFile(); // typed meanwhile: the comparison was with another text
+        m_follower.read(); // typed meanwhile: the comparison was with another text
         return;
     }
     if (reading.difference.isEmpty()) {
-        rememberSavedText(m_storage.text(), reading.hash);
+        m_savedText.set(m_storage.text(), reading.hash);
         m_isDraft = false;
         setDirty(false);
         return;

@@ -7,11 +7,11 @@
 #include "Base/Scheduler.h"
 #include "Files/DocumentFile.h"
 #include "Files/FileRequests.h"
-#include "Files/FileWatcher.h"
 #include "Files/TextFile.h"
 #include "Highlighting/Language.h"
 #include "Highlighting/SyntaxHighlighter.h"
-#include "Text/LineIndex.h"
+#include "Model/FileFollower.h"
+#include "Model/SavedText.h"
 #include "Text/TextStorage.h"
 #include "Text/UndoManager.h"
 
@@ -44,10 +44,8 @@ struct DocumentServices {
 
 /// One open text: its storage and history, the file it belongs to, whether it differs from that file, and what others did to the file.
 ///
-/// The text is dirty from the first edit on; 0.4 s after the last one it is compared, by length and hash, with what was read or written
-/// last, so that an edit taken back leaves it clean. A large text is hashed on a worker from a snapshot, and the answer counts only if
-/// nothing was typed meanwhile: no key waits for a pass over the text. What to do about a conflict is for the views; the document only
-/// notifies.
+/// The text is dirty from the first edit on; soon after the last one it is compared with what was read or written last, so that an edit
+/// taken back leaves it clean. What to do about a conflict is for the views; the document only notifies.
 ///
 /// A document may have been restored from a draft, and then its text counts as clean but stands in no file.
 ///
@@ -79,11 +77,6 @@ public:
         /// The file is still being read.
         waiting,
     };
-
-    /// From this many units on a text is hashed on a worker.
-    static constexpr qsizetype largeText = 512 * 1024;
-    static constexpr Scheduler::Milliseconds dirtyCheckDelay{400};
-    static constexpr Scheduler::Milliseconds deletionCheckDelay{400};
 
     /// `path` is empty for a text without a file; no contents are an empty text. Asks no file system.
     TextDocument(const DocumentServices &services, const QString &path, const std::optional<TextFile::Contents> &contents,
@@ -128,11 +121,6 @@ public:
     /// The text would be lost with the document: it is dirty, without a file or from a draft, and not an empty one without a file.
     [[nodiscard]] bool hasUnsavedText() const;
     [[nodiscard]] bool isWaiting() const { return m_externalState == ExternalState::waiting; }
-    /// Waits for the file that is being read, until `deadline`.
-    void waitForFile(std::chrono::steady_clock::time_point deadline)
-    {
-        std::ignore = m_requests.waitUntil(FileRequests::Kind::arrival, deadline);
-    }
     /// Calls `then` when it is not waiting any more, perhaps at once; never if it is destroyed first.
     void whenArrived(std::function<void()> then);
     /// Why there is no text although it is not waiting.
@@ -144,7 +132,6 @@ public:
     void clearExternalState();
     /// What it has asked of file systems; for others to ask as well.
     [[nodiscard]] FileRequests &requests() { return m_requests; }
-    [[nodiscard]] const FileRequests &requests() const { return m_requests; }
     /// Some text of it is being written to its file, or waits for that.
     [[nodiscard]] bool isSaving() const { return m_underWay || !m_saves.empty(); }
     /// Calls `then` when it is not saving any more, perhaps at once, with whether the last write succeeded; never if it is destroyed first.
@@ -203,10 +190,6 @@ private:
     /// Plain text for a text with a line of megabytes.
     [[nodiscard]] const Language &colouredLanguage() const;
     void noteEdit();
-    void checkDirty();
-    void hashSavedText();
-    void applyDirtyCheck(quint64 hash);
-    void rememberSavedText(const Rope &text, std::optional<quint64> hash = {});
     void setDirty(bool isDirty);
     void postMetadata() const;
 
@@ -218,17 +201,13 @@ private:
                   const ReadCompletion &completion);
     void takeReinterpreted(const FileReading &reading);
     void agreeWithFile(const Rope &text, std::optional<quint64> hash = {});
-    void forgetFileQuestions();
     [[nodiscard]] FileReading comparedWith(const TextFile::Contents &contents) const;
     void adopt(const FileReading &reading);
     void reload(const FileReading &reading);
     [[nodiscard]] Language detectedLanguage() const;
 
-    void startWatching(const std::optional<FileStamp> &known);
-    void handleFileEvent(FileWatcher::Event event);
-    void checkDeleted();
-    void compareWithFile();
-    void applyReading(const FileReading &reading);
+    void takeChanged(const FileReading &reading);
+    void takeDeleted();
     void setExternalState(ExternalState state);
 
     DocumentServices m_services;
@@ -244,8 +223,6 @@ private:
     std::deque<Save> m_saves;
     std::optional<Save> m_underWay;
     std::vector<std::function<void(bool)>> m_whenSaved;
-    /// What was asked about the file was dropped for a write that may fail.
-    bool m_asksAgain = false;
     std::shared_ptr<TextDocument> m_twin;
     bool m_isDirty = false;
     bool m_isDraft = false;
@@ -257,19 +234,8 @@ private:
     Language m_language;
     std::optional<QString> m_generatedTitle;
     std::unique_ptr<SyntaxHighlighter> m_highlighter;
-    std::unique_ptr<FileWatcher> m_watcher;
-    // Of the saved text: the hash of a large one is computed when it is first asked for, and then the text is let go.
-    qsizetype m_savedLength = 0;
-    std::optional<quint64> m_savedContentHash;
-    Rope m_unhashedText;
-    /// The file is gone, so no text is a saved one.
-    bool m_isOnlyCopy = false;
-    DelayedTask m_dirtyCheck;
-    DelayedTask m_deletedCheck;
-    BackgroundTask m_savedHashing;
-    BackgroundTask m_dirtyHashing;
-    BackgroundTask m_fileReading;
-    BackgroundTask m_fileLooking;
+    SavedText m_savedText;
+    FileFollower m_follower;
     BackgroundTask m_draftLooking;
     QObject m_context;
 };

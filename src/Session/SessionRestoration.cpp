@@ -123,7 +123,7 @@ private:
     void finish(Made &made, std::chrono::steady_clock::time_point deadline)
     {
         if (made.document) {
-            made.document->waitForFile(deadline);
+            std::ignore = made.document->requests().waitUntil(FileRequests::Kind::arrival, deadline);
             if (made.document->arrivalError()) {
                 return;
             }

@@ -26,7 +26,7 @@ void updateName(EditorViewController &editor)
     }
 }
 
-QString activityOf(const TextDocument &document)
+QString activityOf(TextDocument &document)
 {
     switch (document.requests().activity()) {
     case FileRequests::Activity::opening:

@@ -9,6 +9,7 @@
 #include "Model/RecentDocuments.h"
 #include "Session/SessionKeeper.h"
 #include "Settings/Preferences.h"
+#include "Text/LineIndex.h"
 #include "Text/LineRange.h"
 #include "UI/PaneSplitter.h"
 #include "UI/WindowPlacement.h"

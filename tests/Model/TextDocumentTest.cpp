@@ -74,7 +74,7 @@ TEST_F(DocumentTest, IsDirtyFromTheFirstEditAndCleanAgainWhenItIsTakenBack)
 
 TEST_F(DocumentTest, ALargeTextIsHashedElsewhereAndOldAnswersAreDropped)
 {
-    const QByteArray content = QByteArray("0123456789abcde\n").repeated(int(TextDocument::largeText / 16) + 1);
+    const QByteArray content = QByteArray("0123456789abcde\n").repeated(int(SavedText::largeText / 16) + 1);
     TextDocument &document = open(content);
     workers.isHeld = true;
     type(document, u"x"_s);
@@ -97,7 +97,7 @@ TEST_F(DocumentTest, ALargeTextIsHashedElsewhereAndOldAnswersAreDropped)
 
 TEST_F(DocumentTest, AnAnswerAboutAnEarlierSaveCleansNothing)
 {
-    TextDocument &document = open(QByteArray("0123456789abcde\n").repeated(int(TextDocument::largeText / 16) + 1));
+    TextDocument &document = open(QByteArray("0123456789abcde\n").repeated(int(SavedText::largeText / 16) + 1));
     type(document, u"x"_s);
     document.storage().apply({{0, 1}, u""_s});
     workers.isHeld = true;

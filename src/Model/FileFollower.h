@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Base/BackgroundTask.h"
+#include "Base/Scheduler.h"
+#include "Files/DocumentFile.h"
+#include "Files/FileWatcher.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+/// Finds out what others do to the file of a document: watches it, and when something happened looks or reads on a worker. Main thread
+/// only.
+class FileFollower final {
+public:
+    /// What it uses; must outlive it.
+    struct Services {
+        Scheduler &scheduler;
+        Workers &workers;
+        FileWatcherQueue &watchers;
+        FileCalls &files;
+        const TextStorage &storage;
+        /// The file was read, of which it was said that it changed. The difference is against the text of the revision that it names.
+        std::function<void(const DocumentFile::Reading &reading)> changed;
+        /// The file is gone.
+        std::function<void()> deleted;
+    };
+
+    static constexpr Scheduler::Milliseconds deletionCheckDelay{400};
+
+    explicit FileFollower(Services services) : m_services(std::move(services)) {}
+
+    /// From now on the file at `path`, none if that is empty, which is known to be as `known` says, or as it is found.
+    void follow(const QString &path, const std::optional<FileStamp> &known);
+    /// Reads the file; `changed` follows if it can be read.
+    void read();
+    /// Nothing that was asked is answered any more.
+    void forget();
+    /// The document's text is about to be written to the file.
+    void beginOwnWrite();
+    /// What was asked before is asked again when nothing was written.
+    void endOwnWrite(bool isWritten);
+
+private:
+    void handle(FileWatcher::Event event);
+    void look();
+
+    Services m_services;
+    QString m_path;
+    std::unique_ptr<FileWatcher> m_watcher;
+    DelayedTask m_lookSoon;
+    BackgroundTask m_looking;
+    BackgroundTask m_reading;
+    bool m_asksAgain = false;
+};

@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Model/SavedText.h"
+
+#include "Files/TextHash.h"
+
+SavedText::SavedText(const TextStorage &storage, Scheduler &scheduler, Workers &workers, std::function<void(bool isSaved)> compared)
+    : m_storage(storage), m_scheduler(scheduler), m_workers(workers), m_compared(std::move(compared))
+{
+    set(storage.text());
+}
+
+void SavedText::set(const Rope &text, std::optional<quint64> hash)
+{
+    m_soon.cancel();
+    m_comparison.cancel();
+    m_hashing.cancel();
+    m_isNone = false;
+    m_length = text.length();
+    m_hash = hash;
+    m_unhashed = {};
+    if (hash) {
+        return;
+    }
+    if (text.length() < largeText) {
+        m_hash = textHash(text);
+    } else {
+        m_unhashed = text;
+    }
+}
+
+void SavedText::compareSoon()
+{
+    m_comparison.cancel();
+    m_soon = m_scheduler.after(comparisonDelay, [this] { compare(); });
+}
+
+void SavedText::compare()
+{
+    // A letter more or less answers without a look at the text.
+    if (m_storage.length() != m_length) {
+        m_compared(false);
+        return;
+    }
+    if (!m_hash) {
+        hashSaved();
+        return;
+    }
+    if (m_storage.length() < largeText) {
+        answer(textHash(m_storage.text()));
+        return;
+    }
+    m_comparison = BackgroundTask::start(
+        m_workers, [text = m_storage.text()](const std::stop_token &stop) { return textHash(text, stop); },
+        [this, revision = m_storage.revision()](std::optional<quint64> hash) {
+            if (hash && revision == m_storage.revision()) {
+                answer(*hash);
+            }
+        });
+}
+
+void SavedText::hashSaved()
+{
+    if (m_hashing.isPending()) {
+        return;
+    }
+    m_hashing = BackgroundTask::start(
+        m_workers, [text = m_unhashed](const std::stop_token &stop) { return textHash(text, stop); },
+        [this](std::optional<quint64> hash) {
+            m_hash = hash;
+            m_unhashed = {};
+            compare();
+        });
+}

@@ -1,0 +1,48 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Base/BackgroundTask.h"
+#include "Base/Scheduler.h"
+#include "Text/TextStorage.h"
+
+#include <functional>
+#include <optional>
+
+/// The text that stands in a document's file, known by length and hash, and whether the document's own is that text. A large one is hashed
+/// on a worker from a snapshot, and the answer counts only if nothing was typed meanwhile: no key waits for a pass over the text. Main
+/// thread only.
+class SavedText final {
+public:
+    /// From this many units on a text is hashed on a worker.
+    static constexpr qsizetype largeText = 512 * 1024;
+    static constexpr Scheduler::Milliseconds comparisonDelay{400};
+
+    /// `compared` is called with whether the text of `storage` is the saved one. All must outlive this.
+    SavedText(const TextStorage &storage, Scheduler &scheduler, Workers &workers, std::function<void(bool isSaved)> compared);
+
+    /// The file has `text`, and nothing needs to be compared. A large text without its hash is hashed when it is first compared.
+    void set(const Rope &text, std::optional<quint64> hash = {});
+    /// The file is gone, so no text is a saved one.
+    void setNone() { m_isNone = true; }
+    /// Compares when nobody has asked again for `comparisonDelay`.
+    void compareSoon();
+
+private:
+    void compare();
+    void hashSaved();
+    void answer(quint64 hash) { m_compared(!m_isNone && hash == m_hash); }
+
+    const TextStorage &m_storage;
+    Scheduler &m_scheduler;
+    Workers &m_workers;
+    std::function<void(bool)> m_compared;
+    qsizetype m_length = 0;
+    /// None until a large text has been hashed, which is kept until then.
+    std::optional<quint64> m_hash;
+    Rope m_unhashed;
+    bool m_isNone = false;
+    DelayedTask m_soon;
+    BackgroundTask m_hashing;
+    BackgroundTask m_comparison;
+};
