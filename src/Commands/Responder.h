@@ -78,7 +78,7 @@ public:
 
 protected:
     /// The row that calls `Perform` (a member function without parameters or with a `const ActionSender &`) and asks `State` (a const
-    /// one that returns ActionState, likewise; or one that returns bool: enabled or not).
+    /// one that returns ActionState, likewise; or one that returns bool: enabled or not; or a function of the responder that does).
     template<auto Perform, auto State = nullptr>
     [[nodiscard]] static constexpr ActionRow action(const Action &taken);
 
@@ -116,7 +116,12 @@ constexpr ActionRow Responder::action(const Action &taken)
                   }};
     if constexpr (!std::is_null_pointer_v<decltype(State)>) {
         row.state = [](const Responder &responder, const ActionSender &sender) -> ActionState {
-            return {call<State>(static_cast<const decltype(classOf(State)) &>(responder), sender)};
+            const auto &asked = static_cast<const decltype(classOf(Perform)) &>(responder);
+            if constexpr (std::is_invocable_v<decltype(State), decltype(asked)> && !std::is_member_pointer_v<decltype(State)>) {
+                return {State(asked)};
+            } else {
+                return {call<State>(asked, sender)};
+            }
         };
     }
     return row;

@@ -40,39 +40,43 @@ TextView::TextView(TextStorage &storage, UndoManager &undoManager, Services serv
 
 TextView::~TextView() = default;
 
+namespace {
+
+bool canUndo(const TextView &view)
+{
+    return !view.isReadOnly() && view.undoManager().canUndo();
+}
+
+bool canRedo(const TextView &view)
+{
+    return !view.isReadOnly() && view.undoManager().canRedo();
+}
+
+bool hasSelection(const TextView &view)
+{
+    return !view.selection().isEmpty();
+}
+
+bool canCut(const TextView &view)
+{
+    return !view.isReadOnly() && hasSelection(view);
+}
+
+} // namespace
+
 const ActionRow *TextView::actionFor(const Action &wanted) const
 {
     static constexpr auto rows = std::to_array<ActionRow>({
-        action<&TextView::undo, &TextView::canUndo>(Actions::undo),
-        action<&TextView::redo, &TextView::canRedo>(Actions::redo),
-        action<&TextView::cut, &TextView::canCut>(Actions::cut),
-        action<&TextView::copy, &TextView::hasSelection>(Actions::copy),
+        action<&TextView::undo, canUndo>(Actions::undo),
+        action<&TextView::redo, canRedo>(Actions::redo),
+        action<&TextView::cut, canCut>(Actions::cut),
+        action<&TextView::copy, hasSelection>(Actions::copy),
         action<&TextView::paste, &TextView::canPaste>(Actions::paste),
-        action<&TextView::deleteSelection, &TextView::canCut>(Actions::deleteSelection),
+        action<&TextView::deleteSelection, canCut>(Actions::deleteSelection),
         action<&TextView::selectAll>(Actions::selectAll),
         action<&TextView::centerSelection>(Actions::centerSelection),
     });
     return findAction(rows, wanted);
-}
-
-bool TextView::canUndo() const
-{
-    return !isReadOnly() && m_undoManager.canUndo();
-}
-
-bool TextView::canRedo() const
-{
-    return !isReadOnly() && m_undoManager.canRedo();
-}
-
-bool TextView::hasSelection() const
-{
-    return !selection().isEmpty();
-}
-
-bool TextView::canCut() const
-{
-    return !isReadOnly() && hasSelection();
 }
 
 bool TextView::canPaste() const
@@ -311,7 +315,7 @@ void TextView::setCaret(const Caret &caret, qsizetype anchor)
                                                Qt::ImTextAfterCursor);
     }
     TextViewAccessible::reportSelection(*this, before);
-    publishPrimarySelection();
+    m_pointer.publishPrimarySelection();
     emit selectionChanged();
 }
 
@@ -385,28 +389,6 @@ void TextView::revealCaret(Reveal reveal)
         viewMoved();
         viewport()->update();
     }
-}
-
-void TextView::publishPrimarySelection()
-{
-    if (!m_services.pasteboard.supportsPrimary() || m_pointer.isSelecting() || selection().isEmpty()) {
-        return;
-    }
-    // Held keys move the selection many times a second; other programs are notified when it rests.
-    m_primarySettles = m_services.scheduler.after(100ms, [this] {
-        const TextRange range = selection().range();
-        if (!range.isEmpty()) {
-            m_services.pasteboard.setPrimary([snapshot = m_storage.snapshot(), range] { return snapshot.text.toString(range); });
-        }
-    });
-}
-
-Caret TextView::caretAt(QPointF point)
-{
-    const Viewport::VisibleRow row = m_port.rowAt(point.y());
-    const qsizetype offset = m_layout.offsetAt(row.row, point.x() - m_port.left());
-    const bool isAtWrap = offset == m_layout.rangeOf(row.row).end() && !m_layout.endsLine(row.row);
-    return {offset, isAtWrap ? Affinity::upstream : Affinity::downstream, {}};
 }
 
 // Undo and the pasteboard

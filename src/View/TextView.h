@@ -155,10 +155,6 @@ private:
     friend class TextViewInput;
     friend class TextViewPointer;
 
-    [[nodiscard]] bool canUndo() const;
-    [[nodiscard]] bool canRedo() const;
-    [[nodiscard]] bool hasSelection() const;
-    [[nodiscard]] bool canCut() const;
     [[nodiscard]] bool canPaste() const;
     void applySettings(LayoutManager::Settings settings);
     [[nodiscard]] LayoutManager::Settings settingsForViewport() const;
@@ -169,10 +165,8 @@ private:
     void setCaret(const Caret &caret, qsizetype anchor);
     void viewMoved();
     void updateRows(TextRange range);
-    void publishPrimarySelection();
     void applyPaletteColors();
 
-    [[nodiscard]] Caret caretAt(QPointF point);
     void centerSelection() { revealCaret(Reveal::center); }
 
     struct KeyCommand;
@@ -196,5 +190,4 @@ private:
     TextViewCaret m_caret{*this};
     // The change under way is this view's, which will say itself where its caret goes.
     bool m_isEditing = false;
-    DelayedTask m_primarySettles;
 };

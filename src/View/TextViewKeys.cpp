@@ -3,13 +3,15 @@
 
 // The keys of a TextView: one table of chords, and what counts as text.
 
+#include "Commands/ActionKeys.h"
+#include "Commands/Actions.h"
 #include "Text/TextBoundaries.h"
 #include "Text/TextStorage.h"
 #include "View/TextView.h"
 
 #include <QKeyEvent>
 
-#include <array>
+#include <vector>
 
 /// What a chord does. With Shift held besides, a motion extends the selection.
 struct TextView::KeyCommand {
@@ -41,48 +43,54 @@ const TextView::KeyCommand *TextView::commandFor(const QKeyEvent &event)
     const auto run = [](Qt::Key key, Qt::KeyboardModifiers modifiers, void (TextView::*command)()) {
         return KeyCommand{.key = key, .modifiers = modifiers, .kind = Kind::command, .command = command};
     };
-    static const auto table = std::to_array<KeyCommand>({
-        move(Qt::Key_Left, none, Motion::left),
-        move(Qt::Key_Right, none, Motion::right),
-        move(Qt::Key_Left, control, Motion::wordLeft),
-        move(Qt::Key_Right, control, Motion::wordRight),
-        move(Qt::Key_Up, none, Motion::up),
-        move(Qt::Key_Down, none, Motion::down),
-        move(Qt::Key_PageUp, none, Motion::pageUp),
-        move(Qt::Key_PageDown, none, Motion::pageDown),
-        move(Qt::Key_Home, none, Motion::rowStart),
-        move(Qt::Key_End, none, Motion::rowEnd),
-        move(Qt::Key_Home, control, Motion::textStart),
-        move(Qt::Key_End, control, Motion::textEnd),
-        erase(Qt::Key_Backspace, control, Motion::wordLeft),
-        erase(Qt::Key_Delete, control, Motion::wordRight),
-        erase(Qt::Key_Backspace, control | shift, Motion::rowStart),
-        erase(Qt::Key_Delete, control | shift, Motion::rowEnd),
-        scroll(Qt::Key_Up, -1),
-        scroll(Qt::Key_Down, 1),
-        run(Qt::Key_Backspace, none, &TextView::deleteBackward),
-        run(Qt::Key_Backspace, shift, &TextView::deleteBackward),
-        run(Qt::Key_Delete, none, &TextView::deleteForward),
-        run(Qt::Key_Return, none, &TextView::insertNewline),
-        run(Qt::Key_Return, shift, &TextView::insertNewline),
-        run(Qt::Key_Enter, none, &TextView::insertNewline),
-        run(Qt::Key_Tab, none, &TextView::insertTab),
-        run(Qt::Key_Backtab, none, &TextView::insertBacktab),
-        run(Qt::Key_Backtab, shift, &TextView::insertBacktab),
-        run(Qt::Key_Z, control, &TextView::undo),
-        run(Qt::Key_Z, control | shift, &TextView::redo),
-        run(Qt::Key_Y, control, &TextView::redo),
-        run(Qt::Key_X, control, &TextView::cut),
-        run(Qt::Key_C, control, &TextView::copy),
-        run(Qt::Key_V, control, &TextView::paste),
-        run(Qt::Key_A, control, &TextView::selectAll),
-        run(Qt::Key_Delete, shift, &TextView::cut),
-        run(Qt::Key_Insert, control, &TextView::copy),
-        run(Qt::Key_Insert, shift, &TextView::paste),
-        run(Qt::Key_Cut, none, &TextView::cut),
-        run(Qt::Key_Copy, none, &TextView::copy),
-        run(Qt::Key_Paste, none, &TextView::paste),
-    });
+    static const auto table = [&] {
+        std::vector<KeyCommand> rows{
+            move(Qt::Key_Left, none, Motion::left),
+            move(Qt::Key_Right, none, Motion::right),
+            move(Qt::Key_Left, control, Motion::wordLeft),
+            move(Qt::Key_Right, control, Motion::wordRight),
+            move(Qt::Key_Up, none, Motion::up),
+            move(Qt::Key_Down, none, Motion::down),
+            move(Qt::Key_PageUp, none, Motion::pageUp),
+            move(Qt::Key_PageDown, none, Motion::pageDown),
+            move(Qt::Key_Home, none, Motion::rowStart),
+            move(Qt::Key_End, none, Motion::rowEnd),
+            move(Qt::Key_Home, control, Motion::textStart),
+            move(Qt::Key_End, control, Motion::textEnd),
+            erase(Qt::Key_Backspace, control, Motion::wordLeft),
+            erase(Qt::Key_Delete, control, Motion::wordRight),
+            erase(Qt::Key_Backspace, control | shift, Motion::rowStart),
+            erase(Qt::Key_Delete, control | shift, Motion::rowEnd),
+            scroll(Qt::Key_Up, -1),
+            scroll(Qt::Key_Down, 1),
+            run(Qt::Key_Backspace, none, &TextView::deleteBackward),
+            run(Qt::Key_Backspace, shift, &TextView::deleteBackward),
+            run(Qt::Key_Delete, none, &TextView::deleteForward),
+            run(Qt::Key_Return, none, &TextView::insertNewline),
+            run(Qt::Key_Return, shift, &TextView::insertNewline),
+            run(Qt::Key_Enter, none, &TextView::insertNewline),
+            run(Qt::Key_Tab, none, &TextView::insertTab),
+            run(Qt::Key_Backtab, none, &TextView::insertBacktab),
+            run(Qt::Key_Backtab, shift, &TextView::insertBacktab),
+            run(Qt::Key_Delete, shift, &TextView::cut),
+            run(Qt::Key_Insert, control, &TextView::copy),
+            run(Qt::Key_Insert, shift, &TextView::paste),
+            run(Qt::Key_Cut, none, &TextView::cut),
+            run(Qt::Key_Copy, none, &TextView::copy),
+            run(Qt::Key_Paste, none, &TextView::paste),
+        };
+        // Taken by the text itself, before the menu, so that they work where there is none.
+        const std::pair<const Action *, void (TextView::*)()> actions[] = {
+            {&Actions::undo, &TextView::undo}, {&Actions::redo, &TextView::redo},   {&Actions::cut, &TextView::cut},
+            {&Actions::copy, &TextView::copy}, {&Actions::paste, &TextView::paste}, {&Actions::selectAll, &TextView::selectAll},
+        };
+        for (const auto &[action, command] : actions) {
+            for (const QKeySequence &keys : keySequences(*action)) {
+                rows.push_back(run(keys[0].key(), keys[0].keyboardModifiers(), command));
+            }
+        }
+        return rows;
+    }();
     const Qt::KeyboardModifiers modifiers = event.modifiers() & ~(Qt::KeypadModifier | Qt::GroupSwitchModifier);
     const auto matches = [&](const KeyCommand &row) {
         if (row.key != event.key()) {
@@ -90,8 +98,8 @@ const TextView::KeyCommand *TextView::commandFor(const QKeyEvent &event)
         }
         return row.modifiers == modifiers || (row.kind == Kind::motion && (row.modifiers | shift) == modifiers);
     };
-    const auto *found = std::find_if(table.begin(), table.end(), matches);
-    return found == table.end() ? nullptr : found;
+    const auto found = std::find_if(table.begin(), table.end(), matches);
+    return found == table.end() ? nullptr : &*found;
 }
 
 namespace {

@@ -132,7 +132,7 @@ void TextViewPointer::extendSelection(QPointF point)
 {
     // Letters are counted by the nearest gap, words and lines by what is under the pointer.
     const bool isWhole = m_granularity != Granularity::character;
-    const Caret caret = isWhole ? Caret{graphemeUnder(point), Affinity::downstream, {}} : m_view.caretAt(point);
+    const Caret caret = isWhole ? Caret{graphemeUnder(point), Affinity::downstream, {}} : caretAt(point);
     const TextRange reached = granule(caret.offset, m_granularity);
     const TextRange origin = m_origin;
     if (reached.location < origin.location) {
@@ -147,7 +147,7 @@ void TextViewPointer::press(QMouseEvent &event)
     m_view.m_input.commit();
     const bool isNear = (event.position() - m_pressed).manhattanLength() < QApplication::startDragDistance();
     m_last = m_pressed = event.position();
-    const Caret caret = m_view.caretAt(event.position());
+    const Caret caret = caretAt(event.position());
     if (event.button() == Qt::MiddleButton) {
         pastePrimary(caret.offset);
         return;
@@ -229,7 +229,7 @@ void TextViewPointer::beginSelectingLines(QPointF point, LineSelection how)
     m_view.m_input.commit();
     // The end of lines that were selected upwards is the start of the next line.
     const qsizetype kept = m_view.m_caret.anchor > m_view.m_caret.place.offset ? m_view.m_caret.anchor - 1 : m_view.m_caret.anchor;
-    const qsizetype from = how == LineSelection::extended ? kept : m_view.caretAt(point).offset;
+    const qsizetype from = how == LineSelection::extended ? kept : caretAt(point).offset;
     selectAt({from, Affinity::downstream, {}}, Granularity::line);
     goOnSelecting(point);
 }
@@ -269,7 +269,7 @@ void TextViewPointer::release(QMouseEvent &event)
     if (m_mayDrag) {
         // The press in the selection was no drag: it meant the place.
         m_mayDrag = false;
-        const Caret caret = m_view.caretAt(event.position());
+        const Caret caret = caretAt(event.position());
         m_view.setCaret(caret, caret.offset);
     }
     endSelecting();
@@ -283,7 +283,30 @@ void TextViewPointer::endSelecting()
     if (m_granularity == Granularity::character) {
         m_view.revealCaret();
     }
-    m_view.publishPrimarySelection();
+    publishPrimarySelection();
+}
+
+void TextViewPointer::publishPrimarySelection()
+{
+    if (!m_view.m_services.pasteboard.supportsPrimary() || m_isSelecting || m_view.selection().isEmpty()) {
+        return;
+    }
+    // Held keys move the selection many times a second; other programs are notified when it rests.
+    m_primarySettles = m_view.m_services.scheduler.after(100ms, [this] {
+        const TextRange range = m_view.selection().range();
+        if (!range.isEmpty()) {
+            m_view.m_services.pasteboard.setPrimary(
+                [snapshot = m_view.m_storage.snapshot(), range] { return snapshot.text.toString(range); });
+        }
+    });
+}
+
+Caret TextViewPointer::caretAt(QPointF point) const
+{
+    const Viewport::VisibleRow row = m_view.m_port.rowAt(point.y());
+    const qsizetype offset = m_view.m_layout.offsetAt(row.row, point.x() - m_view.m_port.left());
+    const bool isAtWrap = offset == m_view.m_layout.rangeOf(row.row).end() && !m_view.m_layout.endsLine(row.row);
+    return {offset, isAtWrap ? Affinity::upstream : Affinity::downstream, {}};
 }
 
 void TextViewPointer::wheel(QWheelEvent &event)
@@ -369,7 +392,7 @@ void TextViewPointer::dragMove(QDragMoveEvent &event)
     } else if (point.y() > m_view.viewport()->height() - edge) {
         m_view.scrollRows(1);
     }
-    setDropCaret(m_view.caretAt(point).offset);
+    setDropCaret(caretAt(point).offset);
     event.acceptProposedAction();
 }
 
@@ -387,7 +410,7 @@ void TextViewPointer::drop(QDropEvent &event)
     const bool isOwnMove =
         source && &source->m_storage == &m_view.m_storage && event.dropAction() == Qt::MoveAction && !source->isReadOnly();
     const TextRange moved = isOwnMove ? source->m_pointer.m_dragged : TextRange{};
-    if (!dropText(withLineFeeds(event.mimeData()->text()), m_view.caretAt(event.position()).offset, moved)) {
+    if (!dropText(withLineFeeds(event.mimeData()->text()), caretAt(event.position()).offset, moved)) {
         event.ignore(); // or the source would delete what did not arrive
         return;
     }
@@ -435,7 +458,7 @@ void TextView::contextMenuEvent(QContextMenuEvent *event)
     // What the menu does concerns what was clicked.
     if (!isByKey && !m_pointer.isOverSelection(event->pos())) {
         m_input.commit();
-        setSelection(TextSelection::at(caretAt(event->pos()).offset));
+        setSelection(TextSelection::at(m_pointer.caretAt(event->pos()).offset));
     }
     auto *menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);

@@ -29,10 +29,13 @@ public:
     [[nodiscard]] bool isSelecting() const { return m_isSelecting; }
     /// There is selected text to take hold of.
     [[nodiscard]] bool isOverSelection(QPointF point) const;
+    [[nodiscard]] Caret caretAt(QPointF point) const;
     [[nodiscard]] qsizetype graphemeUnder(QPointF point) const;
     /// Where a drag that is under way would leave its text; none when it would not.
     [[nodiscard]] std::optional<qsizetype> dropCaret() const { return m_dropCaret; }
     void setDropCaret(std::optional<qsizetype> offset);
+    /// Offers the selection to other programs as what was selected last.
+    void publishPrimarySelection();
 
     // For a gutter beside the text, which selects whole lines by a press and by dragging on.
     enum class LineSelection { anew, extended };
@@ -71,6 +74,7 @@ private:
     bool m_mayDrag = false;
     qint64 m_doubleClickedAt = 0;
     RepeatingTimer m_autoScroll;
+    DelayedTask m_primarySettles;
     QPointF m_wheelRest;
     int m_zoomRest = 0;
     /// What is being dragged away; nothing any more once it was dropped in a view of the same text.
