@@ -293,7 +293,7 @@ void AppDelegate::showComparison(const QString &oldPath, const Rope &old, const 
 /// As soon as its text is there.
 void AppDelegate::goTo(TextDocument &document, const CommandLine::File &place)
 {
-    document.whenArrived([this, &document, line = place.line, column = place.column] {
+    document.whenArrived([this, &document, line = place.line.value_or(LineNumber::first), column = place.column] {
         if (MainWindowController *front = frontmostWindow()) {
             front->workspace().goTo(document.twin() ? *document.twin() : document, line, column);
         }
@@ -324,7 +324,7 @@ void AppDelegate::open(const OpenRequest &request)
 void AppDelegate::handle(const OpenRequest &request, const Documents &documents)
 {
     for (size_t index = 0; index < documents.size(); ++index) {
-        if (documents[index] && request.files[index].line > 0) {
+        if (documents[index] && request.files[index].line) {
             goTo(*documents[index], request.files[index]);
         }
     }

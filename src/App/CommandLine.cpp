@@ -79,7 +79,8 @@ private:
         static const QRegularExpression place(u"^\\+(\\d*)(?::(\\d+))?$"_s);
         const auto match = place.match(argument);
         if (match.hasMatch()) {
-            m_nextLine = match.captured(1).isEmpty() ? std::numeric_limits<qsizetype>::max() : number(match.captured(1));
+            m_nextLine =
+                static_cast<LineNumber>(match.captured(1).isEmpty() ? std::numeric_limits<qsizetype>::max() : number(match.captured(1)));
             m_nextColumn = match.hasCaptured(2) ? number(match.captured(2)) : 0;
         }
         return match.hasMatch();
@@ -93,7 +94,8 @@ private:
             const auto match = form.match(argument);
             const QString path = match.hasMatch() ? absoluteFilePath(match.captured(1), m_folder) : QString();
             if (!path.isEmpty() && QFileInfo::exists(path)) {
-                return CommandLine::File{path, number(match.captured(2)), match.hasCaptured(3) ? number(match.captured(3)) : 0};
+                return CommandLine::File{path, static_cast<LineNumber>(number(match.captured(2))),
+                                         match.hasCaptured(3) ? number(match.captured(3)) : 0};
             }
         }
         return std::nullopt;
@@ -101,7 +103,8 @@ private:
 
     void addFile(const QString &argument)
     {
-        CommandLine::File file{absoluteFilePath(argument, m_folder), std::exchange(m_nextLine, 0), std::exchange(m_nextColumn, 0)};
+        CommandLine::File file{absoluteFilePath(argument, m_folder), std::exchange(m_nextLine, std::nullopt),
+                               std::exchange(m_nextColumn, 0)};
         if (!QFileInfo::exists(file.path)) {
             const auto place = placeIn(argument);
             if (!place) {
@@ -180,7 +183,7 @@ private:
 
     QString m_folder;
     CommandLine m_line;
-    qsizetype m_nextLine = 0;
+    std::optional<LineNumber> m_nextLine;
     qsizetype m_nextColumn = 0;
 };
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Base/Localization.h"
+#include "Text/LineNumber.h"
 
 #include <QString>
 #include <QStringList>
@@ -18,8 +19,8 @@ struct CommandLine {
     struct File {
         /// Absolute; it exists.
         QString path;
-        /// From 1; 0 where none was given. The column is counted in UTF-16 units.
-        qsizetype line = 0;
+        std::optional<LineNumber> line = std::nullopt;
+        /// From 1, in UTF-16 units; 0 where none was given.
         qsizetype column = 0;
 
         friend bool operator==(const File &, const File &) = default;

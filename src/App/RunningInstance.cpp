@@ -69,6 +69,12 @@ private:
     RunningInstance &m_instance;
 };
 
+/// Nothing that is below the first is one.
+std::optional<LineNumber> lineFrom(qlonglong number)
+{
+    return number < 1 ? std::nullopt : std::optional(static_cast<LineNumber>(number));
+}
+
 /// What a second start says.
 class FilesAdaptor final : public QDBusAbstractAdaptor {
     Q_OBJECT
@@ -78,15 +84,15 @@ public:
     explicit FilesAdaptor(RunningInstance &instance) : QDBusAbstractAdaptor(&instance), m_instance(instance) {}
 
 public slots:
-    /// Lines and columns as in CommandLine::File, one of each for every path. Options: "new-window", "new-tab", "activation-token",
-    /// "stream", and "wait", with which the exit status is answered when all is closed.
+    /// Lines and columns as in CommandLine::File, 0 for no line, one of each for every path. Options: "new-window", "new-tab",
+    /// "activation-token", "stream", and "wait", with which the exit status is answered when all is closed.
     // NOLINTNEXTLINE(readability-identifier-naming): the bus calls it so
     int Open(const QStringList &paths, const QList<qlonglong> &lines, const QList<qlonglong> &columns, const QVariantMap &options,
              const QDBusMessage &call)
     {
         OpenRequest request = requestOf(options);
         for (qsizetype index = 0; index < paths.size(); ++index) {
-            request.files.push_back({paths[index], qsizetype(lines.value(index)), qsizetype(columns.value(index))});
+            request.files.push_back({paths[index], lineFrom(lines.value(index)), qsizetype(columns.value(index))});
         }
         if (const auto stream = options.value(streamKey).value<QDBusUnixFileDescriptor>(); stream.isValid()) {
             request.stream = ::dup(stream.fileDescriptor());
@@ -124,7 +130,7 @@ RunningInstance::Outcome RunningInstance::handOver(QDBusConnection bus, const Op
     QList<qlonglong> columns;
     for (const CommandLine::File &file : request.files) {
         paths << file.path;
-        lines << file.line;
+        lines << qlonglong(file.line.value_or(LineNumber(0)));
         columns << file.column;
     }
     QVariantMap options{{newWindowKey, request.opensNewWindow}, {newTabKey, request.opensNewTab}, {tokenKey, request.activationToken}};

@@ -38,7 +38,7 @@ Rope DiffText::composed(const LineDiff::Result &result, Side side)
             append(Rope(QString(run.rowCount, u'\n')));
             continue;
         }
-        const qsizetype first = run.number(side) - 1;
+        const qsizetype first = run.line(side);
         const qsizetype last = first + run.rowCount - 1;
         const TextRange stretch = TextRange::between(lines.start(first), lines.range(last).end());
         append(lines.text().slice(stretch));

@@ -41,8 +41,8 @@ void DiffTextView::setResult(Result result)
 {
     m_result = std::move(result);
     m_emphasis.clear();
-    const qsizetype last = m_result ? m_result->lines(m_side).count() : 1;
-    const auto numberOf = [side = m_side, shown = m_result](qsizetype row) -> std::optional<qint64> {
+    const auto last = static_cast<LineNumber>(m_result ? m_result->lines(m_side).count() : 1);
+    const auto numberOf = [side = m_side, shown = m_result](qsizetype row) -> std::optional<LineNumber> {
         if (!shown || row >= shown->rowCount()) {
             return std::nullopt;
         }

@@ -287,7 +287,7 @@ void EditorViewController::saveViewState()
     m_document->lastScrollOffset = m_textView->scrollOffset();
 }
 
-void EditorViewController::scrollToLine(qsizetype line)
+void EditorViewController::scrollToLine(LineNumber line)
 {
     const Rope &text = m_document->storage().text();
     const qsizetype offset = std::min(LineIndex::startOfLine(line, text), text.length());

@@ -5,6 +5,7 @@
 #include "Base/NotificationCenter.h"
 #include "Commands/Responder.h"
 #include "Editor/EditorTextView.h"
+#include "Text/LineNumber.h"
 
 #include "Vim/VimExCommands.h"
 
@@ -67,8 +68,8 @@ public:
     /// Null while nothing is to be said of the file.
     [[nodiscard]] QWidget *banner() const;
 
-    /// Puts the caret at the start of a line, from 1, and shows where that is; clamped to the lines there are.
-    void scrollToLine(qsizetype line) override;
+    /// Puts the caret at the start of a line, and shows where that is; clamped to the lines there are.
+    void scrollToLine(LineNumber line) override;
     /// Has the document remember caret and scroll position for the next editor of it.
     void saveViewState();
     /// Null while modal editing is off.

@@ -80,7 +80,7 @@ void LineNumberRulerView::setExplicitNumbers(std::optional<Numbers> numbers)
 
 qint64 LineNumberRulerView::lineCount() const
 {
-    return m_numbers ? m_numbers->largest : m_client.storage().text().lineCount();
+    return m_numbers ? qsizetype(m_numbers->largest) : m_client.storage().text().lineCount();
 }
 
 void LineNumberRulerView::updateThickness()
@@ -123,10 +123,10 @@ void LineNumberRulerView::refresh()
 QString LineNumberRulerView::labelOf(const RowPosition &row) const
 {
     if (!m_numbers) {
-        return QString::number(row.line + 1);
+        return QString::number(qsizetype(numberOfLine(row.line)));
     }
-    const std::optional<qint64> number = m_numbers->ofLine(row.line);
-    return number ? QString::number(*number) : QString();
+    const std::optional<LineNumber> number = m_numbers->ofLine(row.line);
+    return number ? QString::number(qsizetype(*number)) : QString();
 }
 
 void LineNumberRulerView::paintEvent(QPaintEvent *event)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Highlighting/Theme.h"
+#include "Text/LineNumber.h"
 #include "View/Viewport.h"
 
 #include <QWidget>
@@ -20,10 +21,10 @@ class LineNumberRulerView final : public QWidget {
 
 public:
     enum class CurrentLine { plain, highlighted };
-    /// A number for each line of the text, from 0; none for lines that show none.
+    /// A number for each line of the text; none for lines that show none.
     struct Numbers {
-        std::function<std::optional<qint64>(qsizetype line)> ofLine;
-        qint64 largest = 1;
+        std::function<std::optional<LineNumber>(qsizetype line)> ofLine;
+        LineNumber largest = LineNumber::first;
     };
 
     /// `client` must outlive the ruler.

@@ -4,6 +4,7 @@
 
 #include "Text/DiffControl.h"
 #include "Text/InlineDiff.h"
+#include "Text/LineNumber.h"
 #include "Text/LineTable.h"
 #include "Text/Rope.h"
 
@@ -18,7 +19,7 @@
 /// change the first deleted line stands opposite the first inserted one, and so on; surplus deletions follow, then surplus insertions.
 /// Beyond EditSearch::mostEdits deletions and insertions, all between the first and last lines in common counts as changed.
 ///
-/// Line numbers are counted from 1, rows from 0; offsets and lengths are UTF-16 units.
+/// Lines and rows are counted from 0; offsets and lengths are UTF-16 units.
 namespace LineDiff {
 
 enum class Side { left, right };
@@ -28,9 +29,9 @@ struct Row {
 
     Kind kind = Kind::equal;
     /// None for an inserted row.
-    std::optional<qsizetype> leftNumber = {};
+    std::optional<LineNumber> leftNumber = {};
     /// None for a deleted row.
-    std::optional<qsizetype> rightNumber = {};
+    std::optional<LineNumber> rightNumber = {};
 
     friend bool operator==(const Row &, const Row &) = default;
 };
@@ -40,12 +41,12 @@ struct Run {
     Row::Kind kind = Row::Kind::equal;
     qsizetype firstRow = 0;
     qsizetype rowCount = 0;
-    /// Numbers of the first row's lines; on a side without lines, that of the line which comes next there.
-    qsizetype leftNumber = 1;
-    qsizetype rightNumber = 1;
+    /// The first row's lines; on a side without lines, that of the line which comes next there.
+    qsizetype leftLine = 0;
+    qsizetype rightLine = 0;
 
     [[nodiscard]] bool has(Side side) const { return kind != (side == Side::left ? Row::Kind::inserted : Row::Kind::deleted); }
-    [[nodiscard]] qsizetype number(Side side) const { return side == Side::left ? leftNumber : rightNumber; }
+    [[nodiscard]] qsizetype line(Side side) const { return side == Side::left ? leftLine : rightLine; }
 
     friend bool operator==(const Run &, const Run &) = default;
 };
@@ -57,7 +58,7 @@ struct Run {
 class Result final {
 public:
     Result() = default;
-    /// The rows that come of `matches`, equal lines in ascending order, counted from 0.
+    /// The rows that come of `matches`, equal lines in ascending order.
     struct Match {
         qsizetype left = 0;
         qsizetype right = 0;

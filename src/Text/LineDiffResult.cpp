@@ -44,8 +44,8 @@ void Result::add(Row::Kind kind, qsizetype count)
     Run run{.kind = kind, .firstRow = rowCount(), .rowCount = count};
     if (!m_runs.empty()) {
         const Run &last = m_runs.back();
-        run.leftNumber = last.leftNumber + (last.has(Side::left) ? last.rowCount : 0);
-        run.rightNumber = last.rightNumber + (last.has(Side::right) ? last.rowCount : 0);
+        run.leftLine = last.leftLine + (last.has(Side::left) ? last.rowCount : 0);
+        run.rightLine = last.rightLine + (last.has(Side::right) ? last.rowCount : 0);
     }
     m_runs.push_back(run);
 }
@@ -61,10 +61,10 @@ Row Result::row(qsizetype row) const
     const qsizetype inRun = row - run.firstRow;
     Row result{.kind = run.kind};
     if (run.has(Side::left)) {
-        result.leftNumber = run.leftNumber + inRun;
+        result.leftNumber = numberOfLine(run.leftLine + inRun);
     }
     if (run.has(Side::right)) {
-        result.rightNumber = run.rightNumber + inRun;
+        result.rightNumber = numberOfLine(run.rightLine + inRun);
     }
     return result;
 }
@@ -72,7 +72,7 @@ Row Result::row(qsizetype row) const
 std::optional<TextRange> Result::lineRange(Side side, qsizetype row) const
 {
     const Run &run = runAt(row);
-    return run.has(side) ? std::optional(lines(side).range(run.number(side) - 1 + row - run.firstRow)) : std::nullopt;
+    return run.has(side) ? std::optional(lines(side).range(run.line(side) + row - run.firstRow)) : std::nullopt;
 }
 
 QString Result::text(Side side, qsizetype row) const

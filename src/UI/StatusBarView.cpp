@@ -273,7 +273,7 @@ void StatusBarView::showState()
 
 QString StatusBarView::positionTitle() const
 {
-    QString title = formatted(localized(u"Ln %d, Col %d"), m_state->line, m_state->column);
+    QString title = formatted(localized(u"Ln %d, Col %d"), qsizetype(m_state->line), m_state->column);
     if (m_state->selectionLength >= 1) {
         title += m_state->selectedLineCount < 2
                      ? formatted(localized(u"  (%d selected)"), m_state->selectionLength)

@@ -8,6 +8,7 @@
 #include "Files/TextEncoding.h"
 #include "Highlighting/Language.h"
 #include "Text/LineEditing.h"
+#include "Text/LineNumber.h"
 
 #include <QString>
 #include <QWidget>
@@ -43,8 +44,7 @@ public:
     struct State {
         /// As the user is to read it.
         QString path;
-        /// From 1.
-        qsizetype line = 1;
+        LineNumber line = LineNumber::first;
         /// From 1, in UTF-16 code units.
         qsizetype column = 1;
         /// UTF-16 code units.

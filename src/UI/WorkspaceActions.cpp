@@ -165,7 +165,7 @@ void WorkspaceViewController::goToLine()
         bool isNumber = false;
         const qint64 line = reply.text.trimmed().toLongLong(&isNumber, 10);
         if (editor && reply.button == AlertReply::firstButton && isNumber && line > 0) {
-            editor->scrollToLine(qsizetype(line));
+            editor->scrollToLine(static_cast<LineNumber>(line));
             editor->textView().setFocus();
         }
     });

@@ -419,14 +419,14 @@ TextDocument &WorkspaceViewController::openUntitled()
     return document;
 }
 
-void WorkspaceViewController::goTo(TextDocument &document, qsizetype line, qsizetype column)
+void WorkspaceViewController::goTo(TextDocument &document, LineNumber line, qsizetype column)
 {
     if (m_layout.paneShowing(document) < 0) {
         return;
     }
     focusPaneShowing(document);
     const Rope &text = document.storage().text();
-    const qsizetype start = LineIndex::startOfLine(std::min(line, text.lineCount()), text);
+    const qsizetype start = LineIndex::startOfLine(line, text);
     const TextRange whole = lineRange(text, {start, 0});
     const char16_t last = whole.isEmpty() ? u' ' : text.at(whole.end() - 1);
     const qsizetype end = whole.end() - (last == u'\n' || isLineSeparator(last) ? 1 : 0);
@@ -564,15 +564,15 @@ void WorkspaceViewController::updateStatusBar()
     const TextDocument &document = editor->document();
     const Rope &text = document.storage().text();
     const TextRange selected = editor->textView().selection().range();
-    const qsizetype line = LineIndex::lineNumber(selected.location, text);
-    const qsizetype lastLine = LineIndex::lineNumber(selected.end(), text);
+    const LineNumber line = LineIndex::lineNumber(selected.location, text);
+    const LineNumber lastLine = LineIndex::lineNumber(selected.end(), text);
     const Indentation indentation = editor->textView().indentation();
     m_statusBar->setState(StatusBarView::State{
         .path = document.displayPath(),
         .line = line,
         .column = selected.location - LineIndex::startOfLine(line, text) + 1,
         .selectionLength = selected.length,
-        .selectedLineCount = selected.isEmpty() ? 0 : lastLine - line + 1,
+        .selectedLineCount = selected.isEmpty() ? 0 : lineOfNumber(lastLine) - lineOfNumber(line) + 1,
         .language = document.language(),
         .encoding = document.encoding(),
         .lineEnding = document.lineEnding(),

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Model/DocumentStore.h"
+#include "Text/LineNumber.h"
 #include "UI/DocumentActions.h"
 #include "UI/PaneViewController.h"
 #include "UI/PendingWrites.h"
@@ -47,9 +48,9 @@ public:
     /// Shows a document that exists already.
     void adopt(TextDocument &document);
     TextDocument &openUntitled();
-    /// Shows a document that has a tab here at a place: line and column (UTF-16 units) from 1, a column of 0 for none. Beyond the end it
+    /// Shows a document that has a tab here at a place: line and column (UTF-16 units from 1), a column of 0 for none. Beyond the end it
     /// is the end.
-    void goTo(TextDocument &document, qsizetype line, qsizetype column);
+    void goTo(TextDocument &document, LineNumber line, qsizetype column);
     void focusPaneShowing(const TextDocument &document);
     void focusEditor();
 

@@ -83,20 +83,20 @@ std::optional<qsizetype> VimBuffer::line(qsizetype from, qsizetype lines) const
     return line.location;
 }
 
-qsizetype VimBuffer::startOfLine(qsizetype number) const
+qsizetype VimBuffer::startOfLine(LineNumber number) const
 {
-    if (number < 2) {
+    const qsizetype index = lineOfNumber(number);
+    if (index == 0) {
         return 0;
     }
-    const qsizetype index = std::min(number - 1, m_text.lineCount() - 1);
-    const qsizetype target = number - 1 < m_text.lineCount() ? m_text.lineStart(index) : length();
+    const qsizetype target = index < m_text.lineCount() ? m_text.lineStart(index) : length();
     if (!hasSeparators(m_text, {0, target})) {
         return target;
     }
     TextRange line = lineRange(0);
-    for (qsizetype step = 1; step < number && line.end() < length(); ++step) {
+    for (qsizetype step = 1; step <= index && line.end() < length(); ++step) {
         line = lineRange(line.end());
-        if (step == number - 1) {
+        if (step == index) {
             return line.location;
         }
     }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Text/LineNumber.h"
 #include "Text/LineRange.h"
 
 #include <optional>
@@ -30,8 +31,8 @@ public:
     /// The start of the line so many lines below, or above where `lines` is negative; none where there is no such line. The empty line
     /// behind a last break is none.
     [[nodiscard]] std::optional<qsizetype> line(qsizetype from, qsizetype lines) const;
-    /// The start of a line, counted from 1; at most the end of the text.
-    [[nodiscard]] qsizetype startOfLine(qsizetype number) const;
+    /// At most the end of the text.
+    [[nodiscard]] qsizetype startOfLine(LineNumber number) const;
     /// The empty line behind a last break is none.
     [[nodiscard]] qsizetype lastLineStart() const;
     /// Its break begins where it begins.

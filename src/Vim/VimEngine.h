@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Text/LineNumber.h"
 #include "Vim/VimKeyHelp.h"
 #include "Vim/VimKeymap.h"
 #include "Vim/VimMotion.h"
@@ -151,7 +152,7 @@ private:
     void applyVertical(qsizetype lines);
     void findOnLine(char16_t character, VimMotion::FindKind kind);
     void repeatFind(bool isReversed);
-    void goToLine(std::optional<qsizetype> number, qsizetype otherwise);
+    void goToLine(std::optional<LineNumber> number, qsizetype otherwise);
     void goToMark(const QString &name, bool isExact);
     void goToVisibleLine(VisibleLine line);
     void showSelection(Shown where);

@@ -78,7 +78,7 @@ TextRange VimEngine::linewiseRange(qsizetype from, qsizetype to) const
     return text.lineRange(std::min(from, to)).united(text.lineRange(std::max(from, to)));
 }
 
-void VimEngine::goToLine(std::optional<qsizetype> number, qsizetype otherwise)
+void VimEngine::goToLine(std::optional<LineNumber> number, qsizetype otherwise)
 {
     VimBuffer text = buffer();
     const qsizetype line = number ? text.startOfLine(*number) : otherwise;

@@ -153,7 +153,7 @@ void VimExCommand::run(const QString &typed, VimCommandHost &host, Preferences &
         return;
     }
     if (const auto line = integer(text)) {
-        host.scrollToLine(qsizetype(*line));
+        host.scrollToLine(static_cast<LineNumber>(*line));
         return;
     }
     if (VimSubstitution::isOne(text)) {

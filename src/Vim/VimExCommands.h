@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Commands/Action.h"
+#include "Text/LineNumber.h"
 #include "Vim/VimKeyHelp.h"
 
 #include <QString>
@@ -20,7 +21,7 @@ public:
     /// For a few seconds.
     virtual void showVimMessage(const QString &message) = 0;
     /// From 1; others mean the nearest there is.
-    virtual void scrollToLine(qsizetype number) = 0;
+    virtual void scrollToLine(LineNumber number) = 0;
     virtual void substitute(const VimSubstitution &substitution) = 0;
     /// A command of the window, with what was written behind its name.
     virtual void performCommand(const Action &action, const QString &argument) = 0;

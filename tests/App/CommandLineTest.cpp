@@ -46,17 +46,17 @@ TEST_F(CommandLineTest, PlacesStandBehindOrBeforeAFile)
     const QString colon = path(u"a:12"_s);
     constexpr auto end = std::numeric_limits<qsizetype>::max();
     const std::pair<QStringList, Files> rows[] = {
-        {{u"a.txt:7"_s}, {{a, 7}}},
-        {{u"a.txt:7:3"_s}, {{a, 7, 3}}},
-        {{u"a.txt:7:3:"_s}, {{a, 7, 3}}},
+        {{u"a.txt:7"_s}, {{a, LineNumber(7)}}},
+        {{u"a.txt:7:3"_s}, {{a, LineNumber(7), 3}}},
+        {{u"a.txt:7:3:"_s}, {{a, LineNumber(7), 3}}},
         {{u"a:12"_s}, {{colon}}},
-        {{u"a:12:5"_s}, {{colon, 5}}},
-        {{u"a:12:5:6"_s}, {{colon, 5, 6}}},
-        {{u"+7"_s, u"a.txt"_s, u"a:12"_s}, {{a, 7}, {colon}}},
-        {{u"+7:3"_s, u"a.txt"_s}, {{a, 7, 3}}},
-        {{u"+"_s, u"a.txt"_s}, {{a, end}}},
-        {{u"+99999999999999999999"_s, u"a.txt"_s}, {{a, end}}},
-        {{u"--"_s, u"a.txt:2"_s}, {{a, 2}}},
+        {{u"a:12:5"_s}, {{colon, LineNumber(5)}}},
+        {{u"a:12:5:6"_s}, {{colon, LineNumber(5), 6}}},
+        {{u"+7"_s, u"a.txt"_s, u"a:12"_s}, {{a, LineNumber(7)}, {colon}}},
+        {{u"+7:3"_s, u"a.txt"_s}, {{a, LineNumber(7), 3}}},
+        {{u"+"_s, u"a.txt"_s}, {{a, LineNumber(end)}}},
+        {{u"+99999999999999999999"_s, u"a.txt"_s}, {{a, LineNumber(end)}}},
+        {{u"--"_s, u"a.txt:2"_s}, {{a, LineNumber(2)}}},
     };
     for (const auto &[arguments, files] : rows) {
         const CommandLine line = parse(arguments);

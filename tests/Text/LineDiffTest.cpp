@@ -27,7 +27,7 @@ QString shape(const LineDiff::Result &result)
     QStringList rows;
     for (qsizetype index = 0; index < result.rowCount(); ++index) {
         const LineDiff::Row row = result.row(index);
-        const auto shown = [](auto number) { return number ? QString::number(*number) : QString(); };
+        const auto shown = [](auto number) { return number ? QString::number(qsizetype(*number)) : QString(); };
         const QString numbers = shown(row.leftNumber) + (row.leftNumber && row.rightNumber ? u":"_s : QString()) + shown(row.rightNumber);
         rows.append(u"=-+~"[size_t(row.kind)] + numbers);
     }
@@ -138,7 +138,7 @@ void checkLines(const LineDiff::Result &result, LineDiff::Side side, const QStri
     qsizetype start = 0;
     for (qsizetype row = 0; row < result.rowCount(); ++row) {
         if (const auto number = side == LineDiff::Side::left ? result.row(row).leftNumber : result.row(row).rightNumber) {
-            ASSERT_EQ(number, line + 1);
+            ASSERT_EQ(number, numberOfLine(line));
             ASSERT_EQ(result.lineRange(side, row), (TextRange{start, lines[line].size()}));
             ASSERT_EQ(result.lines(side).start(line), start);
             start += lines[line++].size() + 1;
@@ -278,8 +278,8 @@ TEST(LineDiff, GivesUpBeyond2000Edits)
         EXPECT_EQ(result.addedCount(), surplus == 0 ? 0 : 2);
     }
     const LineDiff::Result unrelated = compared(numberedLines(3000, u'a'), numberedLines(2500, u'b'));
-    EXPECT_THAT(unrelated.runs(), ElementsAre(LineDiff::Run{LineDiff::Row::Kind::modified, 0, 2500, 1, 1},
-                                              LineDiff::Run{LineDiff::Row::Kind::deleted, 2500, 500, 2501, 2501}));
+    EXPECT_THAT(unrelated.runs(), ElementsAre(LineDiff::Run{LineDiff::Row::Kind::modified, 0, 2500, 0, 0},
+                                              LineDiff::Run{LineDiff::Row::Kind::deleted, 2500, 500, 2500, 2500}));
 }
 
 TEST(LineDiff, ReportsHowFarItIsAndStops)

@@ -3,7 +3,6 @@
 #include "App/ShortcutOverview.h"
 #include "Commands/ActionKeys.h"
 #include "Desktop/SystemDesktop.h"
-#include "Text/LineIndex.h"
 #include "WindowFixture.h"
 
 #include <QDir>

@@ -69,7 +69,7 @@ TEST_F(SessionTest, AProgramThatWasKilledComesBackAsItWas)
         run->send(Actions::newDocument);
         run->send(Actions::selectTab1);
         run->send(Actions::splitEditorDown);
-        run->workspace().currentEditor()->scrollToLine(200);
+        run->workspace().currentEditor()->scrollToLine(LineNumber(200));
         run->type(u"x"_s);
         offset = run->textView().scrollOffset();
         run->tick();

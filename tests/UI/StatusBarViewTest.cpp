@@ -34,7 +34,7 @@ protected:
 
     [[nodiscard]] static State someState()
     {
-        return {.path = u"~/work/file.py"_s, .line = 3, .column = 2, .language = LanguageRegistry::detect(u"file.py", {})};
+        return {.path = u"~/work/file.py"_s, .line = LineNumber(3), .column = 2, .language = LanguageRegistry::detect(u"file.py", {})};
     }
 
     /// What is seen, from left to right.

@@ -162,7 +162,8 @@ TEST_F(WaitingTest, FilesComeLate)
     put(u"a.txt"_s, "one\ntwo\n");
     workers.isHeld = true;
     int status = -1;
-    application.open(OpenRequest{.files = {{path(u"a.txt"_s), 2, 2}, {path(u"none"_s)}}, .closed = [&status](int code) { status = code; }});
+    application.open(
+        OpenRequest{.files = {{path(u"a.txt"_s), LineNumber(2), 2}, {path(u"none"_s)}}, .closed = [&status](int code) { status = code; }});
     EXPECT_EQ(tabNames(), (QStringList{u"a.txt"_s, u"none"_s}));
     scheduler.advance(FileRequests::slowAfter);
     EXPECT_EQ(tabNames(), (QStringList{u"a.txt, Opening…"_s, u"none, Opening…"_s}));

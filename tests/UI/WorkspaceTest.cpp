@@ -233,7 +233,7 @@ TEST_F(WorkspaceTest, GoesToPlacesInFiles)
 {
     workspace().open({put(u"a.txt"_s, "one\ntwo three\nfour"), put(u"b.txt"_s, "x")});
     const auto placeOf = [this](qsizetype line, qsizetype column) {
-        application.open(OpenRequest{.files = {{path(u"a.txt"_s), line, column}}});
+        application.open(OpenRequest{.files = {{path(u"a.txt"_s), LineNumber(line), column}}});
         return textView().selection().caret;
     };
     EXPECT_EQ(placeOf(2, 0), 4);
@@ -242,7 +242,7 @@ TEST_F(WorkspaceTest, GoesToPlacesInFiles)
     EXPECT_EQ(placeOf(2, 99), 13) << "no further than the line";
     EXPECT_EQ(placeOf(99, 3), 16);
     EXPECT_EQ(placeOf(std::numeric_limits<qsizetype>::max(), std::numeric_limits<qsizetype>::max()), 18);
-    application.open(OpenRequest{.files = {{path(u"missing"_s), 1, 1}}});
+    application.open(OpenRequest{.files = {{path(u"missing"_s), LineNumber(1), 1}}});
     EXPECT_EQ(textView().selection().caret, 18);
 }
 
@@ -262,7 +262,7 @@ TEST_F(WorkspaceTest, NotifiesThoseWhoWaitForFiles)
         return [this, title] { control<QPushButton>(*workspace().currentEditor(), title)->click(); };
     };
     const CommandLine::File a{put(u"a.txt"_s, "a")};
-    const CommandLine::File b{put(u"b.txt"_s, "b"), 1, 2};
+    const CommandLine::File b{put(u"b.txt"_s, "b"), LineNumber(1), 2};
     open({a, b});
     EXPECT_EQ(statusesAfter({}, close), std::vector<int>()) << "the other one is open";
     presenter.answer(save);

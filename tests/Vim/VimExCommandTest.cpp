@@ -18,7 +18,7 @@ public:
 
 private:
     void showVimMessage(const QString &message) override { calls << message; }
-    void scrollToLine(qsizetype number) override { calls << u"line %1"_s.arg(number); }
+    void scrollToLine(LineNumber number) override { calls << u"line %1"_s.arg(qsizetype(number)); }
     void substitute(const VimSubstitution &substitution) override
     {
         calls << u"%1 by %2"_s.arg(substitution.pattern, substitution.replacement) +

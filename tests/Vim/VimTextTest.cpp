@@ -257,7 +257,7 @@ TEST_F(VimText, LinesAreWhereTheyAre)
             target >= 0 && target < qsizetype(model.lines.size()) && (by <= 0 || model.lines[size_t(target)].location < length);
         EXPECT_EQ(buffer.line(offset, by), exists ? std::optional(model.lines[size_t(target)].location) : std::nullopt) << by;
         const qsizetype number = random.below(12);
-        EXPECT_EQ(buffer.startOfLine(number),
+        EXPECT_EQ(buffer.startOfLine(static_cast<LineNumber>(number)),
                   number > qsizetype(model.lines.size()) ? length : model.lines[size_t(std::max<qsizetype>(number - 1, 0))].location)
             << number;
         EXPECT_EQ(buffer.lastLineStart(), model.lines[size_t(model.indexOf(std::max<qsizetype>(length - 1, 0)))].location);

@@ -29,7 +29,7 @@ QString nameOf(LineDiff::Row::Kind kind)
     Q_UNREACHABLE();
 }
 
-QJsonValue valueOf(std::optional<qsizetype> number)
+QJsonValue valueOf(std::optional<LineNumber> number)
 {
     return number ? QJsonValue(qint64(*number)) : QJsonValue();
 }
