@@ -16,13 +16,13 @@
 [[nodiscard]] inline bool isReverted(TextDocument &document)
 {
     bool isRead = false;
-    document.revertToFileOnDisk([&isRead](const auto &error) { isRead = !error; });
+    document.revertToFileOnDisk([&isRead](const auto &read) { isRead = read.has_value(); });
     return isRead;
 }
 
 [[nodiscard]] inline bool isReinterpreted(TextDocument &document, TextEncoding encoding)
 {
     bool isRead = false;
-    document.reinterpret(encoding, [&isRead](const auto &error) { isRead = !error; });
+    document.reinterpret(encoding, [&isRead](const auto &read) { isRead = read.has_value(); });
     return isRead;
 }

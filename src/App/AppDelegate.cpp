@@ -261,7 +261,7 @@ AppDelegate::Documents AppDelegate::launch(const QStringList &paths)
 
 void AppDelegate::compare(const QString &oldPath, const QString &newPath)
 {
-    using Read = tl::expected<TextFile::Contents, TextFile::ReadError>;
+    using Read = TextFile::ReadResult;
     m_readings.push_back(BackgroundTask::start(
         m_services.workers,
         [oldPath, newPath, &files = m_services.documents.services().files](const std::stop_token &) {
@@ -415,7 +415,7 @@ void AppDelegate::openStream(int descriptor, const Waiting &waiting)
             ::close(descriptor);
             return contents;
         },
-        [this, waiting](const tl::expected<TextFile::Contents, TextFile::ReadError> &contents) {
+        [this, waiting](const TextFile::ReadResult &contents) {
             MainWindowController *front = frontmostWindow();
             MainWindowController &window = front ? *front : makeWindow();
             Waiting forThis = waiting;

@@ -11,7 +11,7 @@
 
 #include <unistd.h>
 
-tl::expected<TextFile::Contents, TextFile::ReadError> readStream(int descriptor)
+TextFile::ReadResult readStream(int descriptor)
 {
     // For nobody else to read, and gone with this function.
     QTemporaryFile copy;

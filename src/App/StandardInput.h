@@ -6,4 +6,4 @@
 
 /// All that comes on a descriptor until its end, as if it were a file. Blocks, so for a worker; leaves nothing behind. What is too large
 /// for a file is not read to the end.
-[[nodiscard]] tl::expected<TextFile::Contents, TextFile::ReadError> readStream(int descriptor);
+[[nodiscard]] TextFile::ReadResult readStream(int descriptor);

@@ -15,9 +15,9 @@ struct Error {
     int code = 0;
 };
 
-/// A value, or the error that kept it from being made.
-template<typename T>
-using Result = tl::expected<T, Error>;
+/// A value, or the error that kept it from being made. `E` is another than Error where callers have to tell causes apart.
+template<typename T, typename E = Error>
+using Result = tl::expected<T, E>;
 
 [[nodiscard]] inline tl::unexpected<Error> failure(QString message, int code = 0)
 {

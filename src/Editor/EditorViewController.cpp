@@ -358,9 +358,9 @@ QWidget *EditorViewController::banner() const
 /// What fails leaves all as it was, the banner too.
 void EditorViewController::reload()
 {
-    m_document->revertToFileOnDisk([editor = QPointer(this)](const std::optional<TextFile::ReadError> &error) {
-        if (editor && error) {
-            emit editor->messageShown(error->description(), messageTime);
+    m_document->revertToFileOnDisk([editor = QPointer(this)](const Result<void, TextFile::ReadError> &read) {
+        if (editor && !read) {
+            emit editor->messageShown(read.error().description(), messageTime);
         }
     });
 }

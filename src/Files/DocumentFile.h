@@ -41,7 +41,7 @@ public:
         quint64 revision = 0;
         std::optional<quint64> hash = std::nullopt;
     };
-    using ReadResult = tl::expected<Reading, TextFile::ReadError>;
+    using ReadResult = Result<Reading, TextFile::ReadError>;
     [[nodiscard]] static ReadResult read(const QString &path, std::optional<TextEncoding> forcedEncoding, const TextSnapshot &current,
                                          FileCalls &files, const std::stop_token &stop);
 

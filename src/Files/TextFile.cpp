@@ -422,7 +422,7 @@ std::optional<QString> TextFile::ReadError::recoverySuggestion() const
     return std::nullopt;
 }
 
-tl::expected<Contents, ReadError> TextFile::read(const QString &path, std::optional<TextEncoding> forcedEncoding, FileCalls &calls)
+TextFile::ReadResult TextFile::read(const QString &path, std::optional<TextEncoding> forcedEncoding, FileCalls &calls)
 {
     const auto failed = [&](ReadError::Kind kind, qint64 size = 0) { return tl::make_unexpected(ReadError{kind, path, size}); };
     struct stat named = {};

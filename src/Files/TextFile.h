@@ -51,6 +51,8 @@ public:
         [[nodiscard]] std::optional<QString> recoverySuggestion() const;
     };
 
+    using ReadResult = Result<Contents, ReadError>;
+
     /// Encodings tried in this order when a file has no byte-order mark.
     static constexpr std::array candidateEncodings = {
         TextEncoding::utf8,      TextEncoding::utf16,       TextEncoding::utf16BigEndian, TextEncoding::utf16LittleEndian,
@@ -66,10 +68,8 @@ public:
 
     /// Reads the file block by block into the rope: beside the text itself it needs less than a megabyte. With `forcedEncoding` the
     /// bytes are that or nothing, and a file that looks binary is read too. A file that others change meanwhile is read anew.
-    [[nodiscard]] static tl::expected<Contents, ReadError> read(const QString &path, std::optional<TextEncoding> forcedEncoding,
-                                                                FileCalls &calls);
-    [[nodiscard]] static tl::expected<Contents, ReadError> read(const QString &path,
-                                                                std::optional<TextEncoding> forcedEncoding = std::nullopt)
+    [[nodiscard]] static ReadResult read(const QString &path, std::optional<TextEncoding> forcedEncoding, FileCalls &calls);
+    [[nodiscard]] static ReadResult read(const QString &path, std::optional<TextEncoding> forcedEncoding = std::nullopt)
     {
         return read(path, forcedEncoding, FileCalls::system());
     }

@@ -26,12 +26,12 @@ TextDocument &DocumentStore::add(std::unique_ptr<TextDocument> document)
     return added;
 }
 
-std::vector<DocumentStore::Opened> DocumentStore::open(const QStringList &paths, std::chrono::milliseconds timeout)
+std::vector<DocumentStore::OpenResult> DocumentStore::open(const QStringList &paths, std::chrono::milliseconds timeout)
 {
     // Each has a thread while it is read.
     constexpr qsizetype mostAtOnce = 16;
     const auto deadline = std::chrono::steady_clock::now() + timeout;
-    std::vector<Opened> all;
+    std::vector<OpenResult> all;
     for (qsizetype first = 0; first < paths.size(); first += mostAtOnce) {
         const QStringList portion = paths.mid(first, mostAtOnce);
         std::vector<std::unique_ptr<TextDocument>> readings;
@@ -49,19 +49,19 @@ std::vector<DocumentStore::Opened> DocumentStore::open(const QStringList &paths,
     return all;
 }
 
-DocumentStore::Opened DocumentStore::takeOpened(const QString &path, std::unique_ptr<TextDocument> read)
+DocumentStore::OpenResult DocumentStore::takeOpened(const QString &path, std::unique_ptr<TextDocument> read)
 {
     if (auto open = documentAt(path)) {
-        return {.document = std::move(open)};
+        return Opened{.document = std::move(open)};
     }
     if (read->arrivalError()) {
-        return {.error = read->arrivalError()};
+        return tl::make_unexpected(*read->arrivalError());
     }
     // Those before it may have come meanwhile.
     if (auto open = otherOfFile(read->identity(), *read)) {
-        return {.document = std::move(open)};
+        return Opened{.document = std::move(open)};
     }
-    return {.document = add(std::move(read)).shared_from_this(), .isNew = true};
+    return Opened{.document = add(std::move(read)).shared_from_this(), .isNew = true};
 }
 
 void DocumentStore::remove(const TextDocument &document)

@@ -31,14 +31,13 @@ public:
     TextDocument &add(std::unique_ptr<TextDocument> document);
     /// What became of a path that was to be opened.
     struct Opened {
-        /// Null when the file cannot be read.
         std::shared_ptr<TextDocument> document;
         bool isNew = false;
-        std::optional<TextFile::ReadError> error = std::nullopt;
     };
+    using OpenResult = Result<Opened, TextFile::ReadError>;
     /// The documents of files, which are read where they are not open yet; one for each of `paths`, which are absolute. Files that are not
     /// read within `timeout` still are waiting.
-    [[nodiscard]] std::vector<Opened> open(const QStringList &paths, std::chrono::milliseconds timeout);
+    [[nodiscard]] std::vector<OpenResult> open(const QStringList &paths, std::chrono::milliseconds timeout);
     /// Gives the document up, and what was kept of it elsewhere. Nothing happens when it is not here.
     void remove(const TextDocument &document);
     /// The document that was opened by the name `path`, which is absolute, or whose file has that as its identity; null when there is none.
@@ -55,7 +54,7 @@ signals:
     void removed(const TextDocument &document);
 
 private:
-    [[nodiscard]] Opened takeOpened(const QString &path, std::unique_ptr<TextDocument> read);
+    [[nodiscard]] OpenResult takeOpened(const QString &path, std::unique_ptr<TextDocument> read);
     [[nodiscard]] std::shared_ptr<TextDocument> otherOfFile(const QString &identity, const TextDocument &asking) const;
     [[nodiscard]] const Theme &resolvedTheme() const;
 

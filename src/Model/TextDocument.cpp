@@ -453,7 +453,7 @@ void TextDocument::takeFile(std::optional<TextEncoding> forcedEncoding, void (Te
                     (this->*take)(reading->revision == m_storage.revision() ? *reading : comparedWith(reading->contents));
                 }
                 if (completion) {
-                    completion(reading ? std::nullopt : std::optional(reading.error()));
+                    completion(reading.map([](const FileReading &) {}));
                 }
             });
     });

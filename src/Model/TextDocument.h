@@ -156,8 +156,8 @@ public:
 
     /// Called when a file was written, or could not be.
     using SaveCompletion = std::function<void(const Result<void> &saved)>;
-    /// Called when a file was read; with an error when it could not be.
-    using ReadCompletion = std::function<void(const std::optional<TextFile::ReadError> &error)>;
+    /// Called when a file was read, or could not be.
+    using ReadCompletion = std::function<void(const Result<void, TextFile::ReadError> &read)>;
 
     [[nodiscard]] DocumentFile::Snapshot snapshotFor(const QString &path) const;
     /// Writes the text as it is now to `path`, which becomes its file, after trimming and ending the text as the settings want. When that
@@ -173,7 +173,7 @@ private:
     using FileReading = DocumentFile::Reading;
 
     struct Arrival {
-        tl::expected<TextFile::Contents, TextFile::ReadError> contents;
+        TextFile::ReadResult contents;
         QString identity;
     };
 

@@ -108,9 +108,9 @@ void DocumentActions::presentError(const TextFile::ReadError &error)
 
 TextDocument::ReadCompletion DocumentActions::errorPresenter()
 {
-    return [self = QPointer(this)](const std::optional<TextFile::ReadError> &error) {
-        if (self && error) {
-            self->presentError(*error);
+    return [self = QPointer(this)](const Result<void, TextFile::ReadError> &read) {
+        if (self && !read) {
+            self->presentError(read.error());
         }
     };
 }
@@ -333,9 +333,9 @@ void DocumentActions::revertWithoutAsking()
     if (!hasFile()) {
         return;
     }
-    currentDocument()->revertToFileOnDisk([self = QPointer(this)](const std::optional<TextFile::ReadError> &error) {
-        if (self && error) {
-            emit self->messageShown(error->description(), longFlash);
+    currentDocument()->revertToFileOnDisk([self = QPointer(this)](const Result<void, TextFile::ReadError> &read) {
+        if (self && !read) {
+            emit self->messageShown(read.error().description(), longFlash);
         }
     });
 }

@@ -44,7 +44,7 @@ void DocumentActions::readForComparison(TextDocument &document, const QString &p
     document.requests().start(
         FileRequests::Kind::comparison, services.timeout,
         [path, &files = services.files](const std::stop_token &) { return TextFile::read(path, std::nullopt, files); },
-        [self = QPointer(this), then = std::move(then)](const tl::expected<TextFile::Contents, TextFile::ReadError> &read) {
+        [self = QPointer(this), then = std::move(then)](const TextFile::ReadResult &read) {
             if (self && read) {
                 then(read->text);
             } else if (self) {

@@ -350,17 +350,17 @@ PaneLayout::Documents WorkspaceViewController::openWithin(std::chrono::milliseco
     PaneLayout::Documents all;
     PaneLayout::Documents shown;
     QStringList readPaths;
-    for (const DocumentStore::Opened &opened : m_services.documents.open(paths, timeout)) {
-        all.push_back(opened.document);
-        if (!opened.document) {
-            firstError = firstError ? firstError : opened.error;
+    for (const DocumentStore::OpenResult &opened : m_services.documents.open(paths, timeout)) {
+        all.push_back(opened ? opened->document : nullptr);
+        if (!opened) {
+            firstError = firstError.value_or(opened.error());
             continue;
         }
-        shown.push_back(opened.document);
-        if (opened.isNew && opened.document->isWaiting()) {
-            reportWhenArrived(*opened.document);
-        } else if (opened.isNew) {
-            readPaths << opened.document->path();
+        shown.push_back(opened->document);
+        if (opened->isNew && opened->document->isWaiting()) {
+            reportWhenArrived(*opened->document);
+        } else if (opened->isNew) {
+            readPaths << opened->document->path();
         }
     }
     if (!shown.empty()) {

@@ -34,7 +34,7 @@ protected:
     [[nodiscard]] TextDocument &openFile(const QByteArray &bytes)
     {
         write(bytes);
-        return *documents.open({path(u"a.c"_s)}, {}).front().document;
+        return *documents.open({path(u"a.c"_s)}, {}).front()->document;
     }
     [[nodiscard]] std::unique_ptr<EditorViewController> open(TextDocument &document)
     {
