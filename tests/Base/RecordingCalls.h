@@ -20,7 +20,8 @@ struct RecordedCall {
     enum class Kind { makeFolder, create, write, flushFile, rename, unlink, flushFolder };
 
     Kind kind = Kind::write;
-    QByteArray path;
+    /// Of what has a name.
+    QByteArray path = {};
     /// Of a rename.
     QByteArray target = {};
     QByteArray bytes = {};
@@ -84,28 +85,23 @@ public:
     {
         const auto lock = enter();
         const ssize_t written = FileCalls::write(file, bytes, count);
-        m_calls.push_back({.kind = RecordedCall::Kind::write,
-                           .path = m_open[file].path,
-                           .bytes = QByteArray(static_cast<const char *>(bytes), qsizetype(written)),
-                           .inode = m_open[file].inode});
+        m_calls.push_back({.bytes = QByteArray(static_cast<const char *>(bytes), qsizetype(written)), .inode = m_open[file].inode});
         return written;
     }
     int fsync(int file) override
     {
         const auto lock = enter();
-        const Opened &opened = m_open[file];
-        m_calls.push_back({.kind = opened.isFolder ? RecordedCall::Kind::flushFolder : RecordedCall::Kind::flushFile,
-                           .path = opened.path,
-                           .inode = opened.inode});
+        const auto &[path, isFolder, inode] = m_open[file];
+        const auto kind = isFolder ? RecordedCall::Kind::flushFolder : RecordedCall::Kind::flushFile;
+        m_calls.push_back({.kind = kind, .path = path, .inode = inode});
         return 0;
     }
     int rename(const char *from, const char *to) override
     {
         const auto lock = enter();
         const int result = FileCalls::rename(from, to);
-        m_inodes[cleaned(to)] = m_inodes[cleaned(from)];
-        m_calls.push_back(
-            {.kind = RecordedCall::Kind::rename, .path = cleaned(from), .target = cleaned(to), .inode = m_inodes[cleaned(from)]});
+        const int inode = m_inodes[cleaned(to)] = m_inodes[cleaned(from)];
+        m_calls.push_back({.kind = RecordedCall::Kind::rename, .path = cleaned(from), .target = cleaned(to), .inode = inode});
         return result;
     }
     int unlink(const char *path) override
