@@ -35,9 +35,8 @@ constexpr auto deleted = Event::deleted;
 /// The real calls, but for what a test takes away.
 class LimitedCalls final : public WatchCalls {
 public:
-    int initError = 0;
-    int addError = 0;
-    int statError = 0;
+    /// By "init", "add" or "stat".
+    std::map<std::string, int> errors;
     uint32_t fileSystem = 0;
     bool overflows = false;
     int stats = 0;
@@ -45,7 +44,7 @@ public:
     /// On the thread that asks, after the answer was made.
     std::function<void(const char *path)> afterStat = [](const char *) {};
 
-    int inotifyInit(int flags) override { return notifier = initError != 0 ? fail(initError) : WatchCalls::inotifyInit(flags); }
+    int inotifyInit(int flags) override { return notifier = isRefused("init") ? -1 : WatchCalls::inotifyInit(flags); }
     /// As the kernel has them.
     [[nodiscard]] qsizetype watchCount() const
     {
@@ -54,12 +53,12 @@ public:
     }
     int inotifyAddWatch(int file, const char *path, uint32_t mask) override
     {
-        return addError != 0 ? fail(addError) : WatchCalls::inotifyAddWatch(file, path, mask);
+        return isRefused("add") ? -1 : WatchCalls::inotifyAddWatch(file, path, mask);
     }
     int stat(const char *path, struct stat *status) override
     {
         ++stats;
-        const int result = statError != 0 ? fail(statError) : WatchCalls::stat(path, status);
+        const int result = isRefused("stat") ? -1 : WatchCalls::stat(path, status);
         const int error = errno;
         afterStat(path);
         errno = error;
@@ -83,10 +82,11 @@ public:
     }
 
 private:
-    static int fail(int error)
+    bool isRefused(const char *call)
     {
-        errno = error;
-        return -1;
+        const auto found = errors.find(call);
+        errno = found == errors.end() ? 0 : found->second;
+        return errno != 0;
     }
 };
 
@@ -303,17 +303,15 @@ TEST_F(FileWatcherTest, OwnWritesHideNothingOfOthers)
 
 TEST_F(FileWatcherTest, ReportsWhatHappenedSinceTheFileWasRead)
 {
-    auto watcher = watch(path, TextFile::read(path)->stamp);
-    expect({}, 10s);
-    auto stamp = TextFile::read(path)->stamp;
-    put(path, "changed before the watcher came");
-    watcher = watch(path, stamp);
-    expect({changed}, 10s);
-    watcher.reset();
-    stamp = TextFile::read(path)->stamp;
-    QFile::remove(path);
-    watcher = watch(path, stamp);
-    expect({deleted}, 10s);
+    const auto expectSinceRead = [&](const std::vector<Event> &reported, const std::function<void()> &act) {
+        const auto known = TextFile::read(path)->stamp;
+        act();
+        const auto watcher = watch(path, known);
+        expect(reported, 10s);
+    };
+    expectSinceRead({}, [] {});
+    expectSinceRead({changed}, [&] { put(path, "changed before the watcher came"); });
+    expectSinceRead({deleted}, [&] { QFile::remove(path); });
 }
 
 TEST_F(FileWatcherTest, ManyWatchersShareFoldersAndOneNotifier)
@@ -340,10 +338,10 @@ TEST_F(FileWatcherTest, ManyWatchersShareFoldersAndOneNotifier)
 
 TEST_F(FileWatcherTest, PollsWhenThereAreNoWatchesToBeHad)
 {
-    for (int LimitedCalls::*const limit : {&LimitedCalls::initError, &LimitedCalls::addError}) {
+    for (const auto &limit : {std::pair("init", EMFILE), std::pair("add", ENOSPC)}) {
         put(path, "one");
         queue = std::make_unique<FileWatcherQueue>(scheduler, calls, workers);
-        calls.*limit = limit == &LimitedCalls::initError ? EMFILE : ENOSPC;
+        calls.errors = {limit};
         const auto watcher = watch(path);
         expect({}, 10s);
         put(path, "polled");
@@ -353,7 +351,7 @@ TEST_F(FileWatcherTest, PollsWhenThereAreNoWatchesToBeHad)
         put(path, "back");
         expect({changed}, 2s);
         // The limit is lifted: watches take over.
-        calls.*limit = 0;
+        calls.errors = {};
         expect({}, 2s);
         EXPECT_EQ(scheduler.pendingCount(), 0);
         put(path, "watched");
@@ -369,9 +367,9 @@ TEST_F(FileWatcherTest, PollsFileSystemsThatOthersChangeAndSparesThemWhileTheyAr
     expect({}, 6s);
     EXPECT_EQ(calls.stats, stats + 3);
     // Not deleted, and not again and again.
-    calls.statError = EIO;
+    calls.errors = {{"stat", EIO}};
     expect({changed}, 6s);
-    calls.statError = 0;
+    calls.errors = {};
     expect({changed}, 6s);
     workers.isHeld = true;
     expect({}, 60s);
