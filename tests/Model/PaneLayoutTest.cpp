@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -121,42 +119,4 @@ TEST_F(PaneLayoutTest, OperationsChangeWhatIsShownByTheRules)
         EXPECT_EQ(text(before), one.before.toString());
     }
     EXPECT_EQ(layout(u"[A]"_s).split(Qt::Vertical).orientation(), Qt::Vertical);
-}
-
-/// Whatever is done: the layout is sound, panes keep what tells them apart, and no document goes that nobody closed.
-TEST_F(PaneLayoutTest, StaysSoundWhateverIsDone)
-{
-    for (const unsigned seed : {1U, 2U, 3U}) {
-        SCOPED_TRACE(seed);
-        std::mt19937 random(seed);
-        const auto below = [&random](int count) { return int(random() % unsigned(count)); };
-        PaneLayout now = layout(u"[A]"_s);
-        for (int step = 0; step < 2000; ++step) {
-            const PaneLayout before = now;
-            const int pane = below(before.paneCount());
-            const int tab = below(before.panes()[size_t(pane)].count());
-            const PaneLayout::Document some = document(QChar(char16_t(u'a' + below(8))));
-            const std::function<PaneLayout()> operations[] = {
-                [&] { return before.showing({some}); },
-                [&] { return before.adding(some); },
-                [&] { return before.paneCount() < 6 ? before.split(Qt::Horizontal) : before.removing(pane); },
-                [&] { return before.activating(pane).selecting(pane, tab); },
-                [&] { return before.moving(pane, tab, below(before.panes()[size_t(pane)].count())); },
-                [&] { return before.removing(pane); },
-                [&] { return below(20) == 0 ? before.removingOthers() : before.activatingNext(-1); },
-                [&] { return before.closing(pane, tab); },
-                [&] { return before.closing(*some); },
-            };
-            const int chosen = below(int(std::size(operations)));
-            now = operations[chosen]();
-            ASSERT_TRUE(now.checkInvariants()) << step;
-            for (const PaneLayout::Document &document : before.documents()) {
-                ASSERT_TRUE(chosen > 6 || now.countOf(*document) > 0) << step;
-            }
-            for (const PaneLayout::Pane &one : now.panes()) {
-                ASSERT_TRUE(before.paneWithId(one.id) >= 0 || one.id > before.panes().back().id) << step;
-            }
-            now = now.isEmpty() ? before : now;
-        }
-    }
 }
