@@ -43,14 +43,7 @@ class Home:
 
     def trace(self):
         """Differs when anything of the session was written since."""
-        found = []
-        for folder in (self.data, self.data / "Drafts"):
-            for entry in os.scandir(folder):
-                try:
-                    found.append((entry.name, entry.inode(), entry.stat().st_mtime_ns))
-                except FileNotFoundError:
-                    found.append((entry.name, 0, 0))
-        return sorted(found)
+        return sorted((entry.name, entry.inode()) for folder in (self.data, self.data / "Drafts") for entry in os.scandir(folder))
 
     def complaints(self):
         lines = self.log.read_text(errors="replace").splitlines() if self.log.exists() else []
@@ -93,17 +86,14 @@ class Driven:
         self.end()
 
     def terminate(self):
-        """How many seconds it took, and the exit code."""
-        begin = time.monotonic()
+        """The exit code."""
         self.process.terminate()
         try:
-            code = self.process.wait(timeout=TIMEOUT)
+            return self.process.wait(timeout=TIMEOUT)
         except subprocess.TimeoutExpired:
-            self.process.kill()
-            code = None
-        took = time.monotonic() - begin
-        self.end()
-        return took, code
+            return None
+        finally:
+            self.kill()
 
     def end(self):
         self.process.wait()

@@ -3,6 +3,7 @@
 # SPDX-License-Identifier: MIT
 """What the keys of other keyboards do: text, shortcuts and modal editing, each case in a file of its own that is then looked at on the disk.
 Usage: keyboards.py PROGRAM [--pictures FOLDER] [--only WORD]"""
+import collections
 import re
 import sys
 
@@ -79,12 +80,7 @@ def title(name):
     return f"{name} — Quillet"
 
 
-class Case:
-    def __init__(self, layout, before, keys, after):
-        self.layout, self.before, self.keys, self.after = layout, before, keys, after
-
-    def __str__(self):
-        return f"{self.layout}: {self.keys}"
+Case = collections.namedtuple("Case", "layout before keys after")
 
 
 class Rounds:
@@ -122,7 +118,7 @@ class Rounds:
         self.keyboard.press("<C-s>")
         if after.fullmatch(saved := file.read_text()):
             return True
-        print(f"{case}\n  gave {saved!r}\n  not  {after.pattern!r}", file=sys.stderr)
+        print(f"{case.layout}: {case.keys}\n  gave {saved!r}\n  not  {after.pattern!r}", file=sys.stderr)
         # The other cases are to have their turn.
         self.keyboard.use("us")
         self.keyboard.press("<Esc><Esc><C-s>")
@@ -131,7 +127,7 @@ class Rounds:
 
 def failures(arguments, cases, settings="", prepare=lambda desktop: None):
     """Of the cases that the user asked for, how many fail in a program with these settings."""
-    cases = [case for case in cases if arguments.only in str(case)]
+    cases = [case for case in cases if arguments.only in f"{case.layout}: {case.keys}"]
     if not cases:
         return 0
     with Desktop(arguments.program, arguments.pictures, settings=settings) as desktop:

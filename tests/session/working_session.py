@@ -18,17 +18,11 @@ class Session:
             (desktop.files / name).write_text(text)
 
     def on_disk(self, name):
-        try:
-            return (self.desktop.files / name).read_bytes()
-        except FileNotFoundError:
-            return None
+        file = self.desktop.files / name
+        return file.read_bytes() if file.exists() else None
 
     def until_on_disk(self, name, content):
-        try:
-            self.desktop.until(f"{name} to be written", lambda: self.on_disk(name) == content)
-        except AssertionError:
-            expect(self.on_disk(name), content, name)
-            raise
+        self.desktop.until(f"{name} to hold {content[:100]}", lambda: self.on_disk(name) == content)
 
     def until_title(self, name):
         return self.desktop.until_title(f"{name} — Quillet")
@@ -39,12 +33,23 @@ class Session:
         self.until_on_disk(name, content)
         self.until_title(name)
 
-    def dialog(self, keys, *windows):
-        """Presses keys and waits for the dialog that they bring up in front of these windows."""
+    def dialog(self, keys, *answer):
+        """Presses keys, waits for the dialog that they bring up in front of the window, and goes on in that by these."""
         self.desktop.keys(keys)
-        dialog = self.desktop.until_other_window("", *windows)
+        self.desktop.until_other_window(self.window)
         self.desktop.picture(f"dialog-{keys}")
-        return dialog
+        self.desktop.keys(*answer)
+
+    def fill_in(self, keys, text):
+        """The line of the dialog that keys bring up."""
+        self.dialog(keys)
+        self.desktop.type(text)
+        self.desktop.keys("Return")
+
+    def quit(self):
+        """Nothing is asked."""
+        self.desktop.keys("ctrl+q")
+        expect((self.desktop.exit_code(), self.desktop.complaints()), (0, ""), "exit code")
 
     def choose(self, stop, title):
         """Chooses an entry of one of the status bar's menus by the keyboard alone and goes back to the text."""
@@ -62,7 +67,6 @@ class Session:
         self.replace_all()
         self.close_tabs()
         self.move_tab_quit_and_start_again()
-        expect(self.desktop.complaints(), "", "standard error")
 
     def open_and_edit_two_panes(self):
         desktop = self.desktop
@@ -88,14 +92,10 @@ class Session:
 
     def save_as_and_go_to_line(self):
         desktop = self.desktop
-        self.dialog("ctrl+shift+s", self.window)
-        desktop.type("renamed.txt")
-        desktop.keys("Return")
+        self.fill_in("ctrl+shift+s", "renamed.txt")
         self.until_title("renamed.txt")
         self.until_on_disk("renamed.txt", self.on_disk("one.txt"))
-        self.dialog("ctrl+l", self.window)
-        desktop.type("3")
-        desktop.keys("Return")
+        self.fill_in("ctrl+l", "3")
         self.until_title("renamed.txt")
         desktop.type("the ")
         self.until_title("renamed.txt*")
@@ -134,17 +134,14 @@ class Session:
         self.until_title("two.txt")
         desktop.type("+")
         self.until_title("two.txt*")
-        self.dialog("ctrl+w", self.window)
-        desktop.keys("Escape")
+        self.dialog("ctrl+w", "Escape")
         self.until_title("two.txt*")
-        self.dialog("ctrl+w", self.window)
-        desktop.keys("Return")
+        self.dialog("ctrl+w", "Return")
         self.until_title("three.txt")
         self.until_on_disk("two.txt", b"left two two\nend+")
         desktop.type("lost ")
         self.until_title("three.txt*")
-        self.dialog("ctrl+w", self.window)
-        desktop.keys("Tab", "space")
+        self.dialog("ctrl+w", "Tab", "space")
         self.until_title("renamed.txt")
         expect(self.on_disk("three.txt"), b"three\n", "the file that was not to be saved")
 
@@ -158,22 +155,17 @@ class Session:
         desktop.until_other_window(self.window)
         self.until_title("Untitled*")
         desktop.picture("second-window")
-        # Nothing is asked: what was not saved comes back, from whichever window.
-        desktop.keys("ctrl+q")
-        expect((desktop.exit_code(), desktop.complaints()), (0, ""), "exit code")
+        # What was not saved comes back, from whichever window.
+        self.quit()
         desktop.start_program()
         self.window = self.until_title("Untitled")
         desktop.picture("started-again")
-        self.dialog("ctrl+w", self.window)
-        desktop.keys("Escape")
+        self.dialog("ctrl+w", "Escape")
         self.until_title("Untitled")
-        self.dialog("ctrl+s", self.window)
-        desktop.type("draft.txt")
-        desktop.keys("Return")
+        self.fill_in("ctrl+s", "draft.txt")
         self.until_title("draft.txt")
         self.until_on_disk("draft.txt", b"draft")
-        desktop.keys("ctrl+q")
-        expect((desktop.exit_code(), desktop.complaints()), (0, ""), "exit code")
+        self.quit()
 
 
 def main():
