@@ -193,11 +193,3 @@ TEST(TextEncoding, AgreesWithAnotherDecoderOnRandomUtf8)
         EXPECT_EQ(decoded(*TextDecoder::lossyUtf8(), bytes, portion), decoded(*TextDecoder::lossyUtf8(), bytes, bytes.size()));
     }
 }
-
-TEST(TextEncoding, NamesEveryNumber)
-{
-    EXPECT_EQ(displayName(TextEncoding::isoLatin1), u"ISO-8859-1");
-    EXPECT_EQ(displayName(TextEncoding(8)), u"Shift_JIS");
-    EXPECT_EQ(displayName(TextEncoding(77)), u"Encoding 77");
-    EXPECT_FALSE(isSupported(TextEncoding(77)) || TextDecoder::strict(TextEncoding(77)));
-}

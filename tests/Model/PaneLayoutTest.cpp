@@ -16,10 +16,7 @@ protected:
     [[nodiscard]] PaneLayout::Document document(QChar letter)
     {
         PaneLayout::Document &known = m_documents[letter.toLower()];
-        if (!known) {
-            known = TextDocument::generated(services, QString(letter.toLower()), {}, Language::plainText());
-        }
-        return known;
+        return known ? known : known = TextDocument::generated(services, QString(letter.toLower()), {}, Language::plainText());
     }
     [[nodiscard]] PaneLayout::Documents documents(const QString &letters)
     {
