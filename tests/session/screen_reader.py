@@ -74,9 +74,10 @@ class HeardDesktop(Desktop):
         """Waits for the events in this order, whatever else there is between them, and forgets all until then."""
         def heard():
             self.listen()
-            end = end_in_order(wanted, self.heard)
-            del self.heard[:end]
-            return end
+            events = iter(self.heard)
+            is_heard = all(event in events for event in wanted)
+            self.heard = list(events) if is_heard else self.heard
+            return is_heard
         try:
             self.until(f"{wanted} among what was heard", heard)
         except AssertionError:
@@ -92,17 +93,6 @@ class HeardDesktop(Desktop):
         desktop = Atspi.get_desktop(0)
         applications = [desktop.get_child_at_index(index) for index in range(desktop.get_child_count())]
         return next(each for each in applications if each and each.get_name() == "Quillet").get_child_at_index(0)
-
-
-def end_in_order(wanted, heard):
-    """Behind the last of the wanted events; 0 when they were not heard in this order."""
-    place = 0
-    for event in wanted:
-        try:
-            place = heard.index(event, place) + 1
-        except ValueError:
-            return 0
-    return place
 
 
 def below(node):
