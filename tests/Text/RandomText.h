@@ -4,16 +4,30 @@
 
 #include <QString>
 
+#include <optional>
 #include <random>
+#include <span>
 #include <string>
 
-/// Random choices that are the same on every machine for a seed.
+/// Random choices that are the same on every machine for a seed, or those of a fuzzer.
 class Random {
 public:
     explicit Random(quint32 seed) : m_engine(seed) {}
+    explicit Random(std::span<const uint8_t> choices) : m_choices(choices) {}
+
+    /// Whether the fuzzer's choices are all made; what is asked for then is the first there is.
+    [[nodiscard]] bool isUsedUp() const { return m_choices->size() < 2; }
 
     /// 0 … limit - 1.
-    qsizetype below(qsizetype limit) { return qsizetype(m_engine() % quint64(limit)); }
+    qsizetype below(qsizetype limit)
+    {
+        if (!m_choices) {
+            return qsizetype(m_engine() % quint64(limit));
+        }
+        const int choice = isUsedUp() ? 0 : m_choices->front() + 256 * (*m_choices)[1];
+        m_choices = m_choices->subspan(std::min<size_t>(m_choices->size(), 2));
+        return choice % limit;
+    }
     template<class Choices>
     const auto &of(const Choices &choices)
     {
@@ -45,6 +59,7 @@ public:
 
 private:
     std::mt19937 m_engine;
+    std::optional<std::span<const uint8_t>> m_choices;
 };
 
 /// As it would stand in C++, so that a failure can be replayed.

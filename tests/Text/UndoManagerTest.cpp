@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "Text/UndoManager.h"
-#include "RandomText.h"
 
 #include <gtest/gtest.h>
 
@@ -153,59 +152,6 @@ TEST_F(Undo, TheOldestGroupsGoWhenTheyKeepTooMuch)
     EXPECT_EQ(storage.length(), 100);
     group(GroupKind::other, {0, 0}, QString(500, u'z'));
     EXPECT_TRUE(undo.undo()) << "the last one stays whatever its size";
-}
-
-TEST_F(Undo, RandomHistoriesLeadBackAndForth)
-{
-    struct Group {
-        TextSelection before;
-        TextSelection after;
-        QString text;
-    };
-    for (quint32 seed = 1; seed <= 40; ++seed) {
-        Random random(seed);
-        const auto wholePair = [&](qsizetype offset) { return storage.text().splitsPair(offset) ? offset + 1 : offset; };
-        std::vector<Group> groups{Group{}};
-        size_t done = 0;
-        qsizetype saved = 0;
-        storage.apply({{0, storage.length()}, QStringView()});
-        undo.removeAllActions();
-        undo.markSavePoint();
-        for (int step = 0; step < 120; ++step) {
-            SCOPED_TRACE("seed " + std::to_string(seed) + " step " + std::to_string(step));
-            const qsizetype action = random.below(8);
-            if (action == 0) {
-                undo.markSavePoint();
-                saved = qsizetype(done);
-            } else if (action < 3 && done > 0) {
-                const quint64 revision = storage.revision();
-                ASSERT_EQ(undo.undo(), groups[done--].before);
-                ASSERT_EQ(storage.revision(), revision + 1) << "one change, however many there were";
-            } else if (action < 5 && done + 1 < groups.size()) {
-                ASSERT_EQ(undo.redo(), groups[++done].after);
-            } else {
-                groups.resize(done + 1);
-                saved = saved > qsizetype(done) ? -1 : saved;
-                Group group{{random.below(9), random.below(9)}, {random.below(9), random.below(9)}, {}};
-                undo.beginGroup(GroupKind::other, group.before, nullptr);
-                for (qsizetype edits = random.below(6); edits >= 0; --edits) {
-                    const qsizetype from = wholePair(random.below(storage.length() + 1));
-                    const qsizetype end = wholePair(std::min(from + random.below(6), storage.length()));
-                    undo.beginGroup(GroupKind::typing, {}, this); // Inner groups do not count.
-                    storage.apply({TextRange::between(from, end), QStringView(random.text(1 + random.below(4)))});
-                    undo.endGroup({});
-                }
-                undo.endGroup(group.after);
-                group.text = storage.string();
-                groups.push_back(group);
-                ++done;
-            }
-            ASSERT_EQ(storage.string(), groups[done].text);
-            ASSERT_EQ(undo.canUndo(), done > 0);
-            ASSERT_EQ(undo.canRedo(), done + 1 < groups.size());
-            ASSERT_EQ(undo.isAtSavePoint(), saved == qsizetype(done));
-        }
-    }
 }
 
 } // namespace

@@ -2,14 +2,10 @@
 // SPDX-License-Identifier: MIT
 
 // Bytes as a session: nothing crashes whatever they are, what is read from them is written the same, and a draft that is there comes back.
-#include "Base/Workers.h"
-#include "Files/WatchedPath.h"
-#include "Model/DocumentStore.h"
+#include "DocumentSurroundings.h"
 #include "Require.h"
 #include "Session/DraftFile.h"
 #include "Session/SessionRestoration.h"
-#include "Settings/DefaultsStore.h"
-#include "Settings/Preferences.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -26,7 +22,7 @@ const QString draftName = u"1B4E28BA-2FA1-11D2-883F-0016D3CCA427.draft"_s;
 const QString draftText = u"typed, not saved"_s;
 
 /// A folder for sessions, once with a draft and once without.
-class Place final {
+class Place final : DocumentSurroundings {
 public:
     explicit Place(bool hasDraft) : m_hasDraft(hasDraft)
     {
@@ -46,10 +42,10 @@ public:
             }
         }
         put(u"session.json"_s, snapshot.toJson());
-        SessionStore store({root(), m_folder.path()}, m_preferences);
+        SessionStore store({root(), m_folder.path()}, preferences);
         const SessionStore::Saved saved = store.read();
         REQUIRE(saved.snapshot == snapshot);
-        DocumentStore documents(m_services, {});
+        DocumentStore documents(services, {});
         const auto restored = restoreDocuments(saved, store, documents);
         bool isDraftBack = false;
         std::set<QUuid> ids;
@@ -78,13 +74,6 @@ private:
     bool m_hasDraft;
     // In memory where there is such a folder.
     QTemporaryDir m_folder{u"/dev/shm/quillet-fuzz-XXXXXX"_s};
-    ManualScheduler m_scheduler;
-    NotificationCenter m_notifications;
-    DefaultsStore m_defaults{QString(), m_scheduler};
-    Preferences m_preferences{m_defaults, m_notifications};
-    InlineWorkers m_workers;
-    FileWatcherQueue m_watchers{m_scheduler, WatchCalls::system(), m_workers};
-    DocumentServices m_services{m_scheduler, m_notifications, m_preferences, m_workers, m_watchers, {}};
 };
 
 void checkFrame(const QString &text)
