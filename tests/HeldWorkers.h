@@ -6,7 +6,7 @@
 
 #include <deque>
 
-/// Does the work when the test says so or, while nothing is held, at once.
+/// Does the work when the test says so or, while nothing is held, at once; or has it done on threads.
 class HeldWorkers final : public Workers {
 public:
     enum class Mode { held, atOnce };
@@ -17,10 +17,15 @@ public:
     int count = 0;
     /// Those that wait.
     std::deque<std::function<void()>> jobs;
+    std::unique_ptr<Workers> threads;
 
     void run(std::function<void()> job) override
     {
         ++count;
+        if (threads) {
+            threads->run(std::move(job));
+            return;
+        }
         jobs.push_back(std::move(job));
         if (!isHeld) {
             finish();

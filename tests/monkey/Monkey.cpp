@@ -90,8 +90,8 @@ void Monkey::raiseCurtain()
 {
     m_stage.reset();
     m_stage = std::make_unique<Stage>(m_random, m_ground, m_work);
-    m_stage->application->launch({});
-    m_stage->application->windows().front()->activateWindow();
+    m_stage->application.launch({});
+    m_stage->application.windows().front()->activateWindow();
     note(u"start"_s);
 }
 
@@ -134,21 +134,21 @@ void Monkey::step()
         {.weight = 4, .act = &Monkey::changeFile, .isInput = false},
         {.weight = 10, .act = &Monkey::passTime, .isInput = false},
     });
-    if (m_stage->application->windows().empty()) {
+    if (m_stage->application.windows().empty()) {
         raiseCurtain();
         return;
     }
     if (!QGuiApplication::focusWindow() && m_random.oneIn(4)) {
         note(u"come back"_s);
-        MainWindowController *window = oneOf(m_stage->application->windows());
+        MainWindowController *window = oneOf(m_stage->application.windows());
         window->showNormal();
         window->activateWindow();
         return;
     }
-    const bool isBlocked = m_stage->presenter.hasOpenQuestions();
+    const bool isBlocked = m_stage->moody.hasOpenQuestions();
     if (isBlocked && m_random.oneIn(3)) {
         note(u"answer"_s);
-        m_stage->presenter.answerOne();
+        m_stage->moody.answerOne();
         return;
     }
     static constexpr qsizetype total =
@@ -170,14 +170,14 @@ void Monkey::step()
 void Monkey::check()
 {
     std::set<const TextDocument *> shown;
-    for (MainWindowController *window : m_stage->application->windows()) {
+    for (MainWindowController *window : m_stage->application.windows()) {
         REQUIRE(window->isVisible());
         checkWorkspace(window->workspace());
         for (const auto &document : window->workspace().paneLayout().documents()) {
             shown.insert(document.get());
         }
     }
-    for (const auto &document : m_stage->documents->documents()) {
+    for (const auto &document : m_stage->documents.documents()) {
         // Unsaved changes of a file outlive their window: opening it again brings them back.
         REQUIRE(shown.erase(document.get()) > 0 || document->hasUnsavedText());
         REQUIRE(m_step % turnsBetweenFullChecks != 0 || document->storage().checkInvariants());
@@ -269,7 +269,7 @@ void Monkey::typeLetters()
 void Monkey::sendCommand()
 {
     const Action &action = *oneOf(m_actions);
-    MainWindowController *window = m_stage->application->frontmostWindow();
+    MainWindowController *window = m_stage->application.frontmostWindow();
     // Quitting comes up by its key.
     if (!window || action.isNamedLike(Actions::terminate) || !window->firstResponder().state(action).isEnabled) {
         return;
@@ -299,7 +299,7 @@ QWindow *Monkey::target()
     if (popup && !m_random.oneIn(4)) {
         return popup->windowHandle();
     }
-    const auto &windows = m_stage->application->windows();
+    const auto &windows = m_stage->application.windows();
     return windows.empty() ? nullptr : oneOf(windows)->windowHandle();
 }
 
@@ -403,13 +403,13 @@ void Monkey::resizeWindow()
 {
     const QSize size(480 + int(m_random.below(900)), 300 + int(m_random.below(600)));
     note(u"resize to %1 x %2"_s.arg(size.width()).arg(size.height()));
-    MainWindowController *window = oneOf(m_stage->application->windows());
+    MainWindowController *window = oneOf(m_stage->application.windows());
     m_random.oneIn(3) ? window->resize(480, 300) : window->resize(size);
 }
 
 void Monkey::tidyWindows()
 {
-    const auto &windows = m_stage->application->windows();
+    const auto &windows = m_stage->application.windows();
     const bool isClosed = windows.size() > 3 || m_random.oneIn(8);
     note(isClosed ? u"close a window"_s : u"activate a window"_s);
     isClosed ? (void)oneOf(windows)->close() : oneOf(windows)->activateWindow();
@@ -422,7 +422,7 @@ void Monkey::openFiles()
         paths << m_ground.anyPath();
     }
     note(u"open "_s + paths.join(u' '));
-    m_stage->application->open(paths);
+    m_stage->application.open(paths);
 }
 
 void Monkey::changePreference()

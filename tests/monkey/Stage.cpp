@@ -39,6 +39,7 @@ void PlayGround::write(const QString &path) const
 QString PlayGround::change() const
 {
     const QString path = anyPath();
+    const QString fresh = path + u".new"_s;
     switch (m_random.below(6)) {
     case 0:
         QFile::remove(path);
@@ -46,18 +47,14 @@ QString PlayGround::change() const
     case 1:
         QFile::rename(path, path + u"~"_s);
         return u"rename "_s + path;
-    case 2: {
-        const QString fresh = path + u".new"_s;
+    case 2:
         write(fresh);
         QFile::remove(path);
         QFile::rename(fresh, path);
         return u"replace "_s + path;
-    }
-    case 3: {
-        QFile file(path);
-        file.setPermissions(m_random.oneIn(2) ? QFile::Permissions(QFile::ReadOwner) : QFile::ReadOwner | QFile::WriteOwner);
+    case 3:
+        QFile::setPermissions(path, m_random.oneIn(2) ? QFile::Permissions(QFile::ReadOwner) : QFile::ReadOwner | QFile::WriteOwner);
         return u"permissions "_s + path;
-    }
     default:
         write(path);
         return u"write "_s + path;

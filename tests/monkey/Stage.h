@@ -4,24 +4,12 @@
 
 #include "App/AppDelegate.h"
 #include "Base/Localization.h"
-#include "Base/Pasteboard.h"
-#include "Desktop/Desktop.h"
-#include "Desktop/ForeignKeyboard.h"
 #include "Editor/SpellingPanel.h"
-#include "Files/WatchedPath.h"
-#include "Find/FindState.h"
-#include "Model/DocumentStore.h"
-#include "Model/RecentDocuments.h"
-#include "Session/SessionStore.h"
-#include "Settings/DefaultsStore.h"
-#include "Settings/Preferences.h"
 #include "Spelling/SpellChecker.h"
+#include "Surroundings.h"
 #include "Text/RandomText.h"
-#include "Vim/VimRegisters.h"
-#include "Widgets/AlertPresenter.h"
 
 #include <QPointer>
-#include <QTemporaryDir>
 
 #include <array>
 
@@ -83,51 +71,27 @@ private:
 };
 
 /// The program with everything outside of it replaced, from its start to the closing of its last window.
-struct Stage {
+struct Stage : Surroundings {
     /// Whether workers do their work at once, the same way every time, or on threads.
     enum class Work { inlined, onThreads };
 
-    Stage(Random &random, const PlayGround &ground, Work work) : presenter(random, ground)
+    Stage(Random &random, const PlayGround &ground, Work work) : moody(random, ground)
     {
         if (work == Work::onThreads) {
-            workers = std::make_unique<DetachedWorkers>();
-            watchers = std::make_unique<FileWatcherQueue>();
-        } else {
-            workers = std::make_unique<InlineWorkers>();
-            watchers = std::make_unique<FileWatcherQueue>(scheduler, WatchCalls::system(), *workers);
+            workers.threads = std::make_unique<DetachedWorkers>();
         }
-        speller.emplace(*workers, SpellChecker::Setup{{QStringLiteral(QUILLET_TEST_DATA "/spelling")}, {QStringLiteral("en")}, {}});
-        spellingPanel.emplace(*speller);
-        documents.emplace(DocumentServices{scheduler, notifications, preferences, *workers, *watchers,
-                                           [this](const QUuid &id) { session.discardDraft(id); }},
-                          DocumentStore::AppearanceQuery());
-        keeper.emplace(scheduler, notifications, preferences, *documents, session);
-        const EditorServices editors{scheduler, notifications, preferences, pasteboard, presenter, *documents,
-                                     *workers,  find,          registers,   keyboard,   &*speller, &*spellingPanel};
-        recent.emplace(QString(), *workers);
-        application.emplace(WorkspaceServices{editors, defaults, desktop, session, *keeper, *recent});
         preferences.setLanguageResolver(Localization::use);
         preferences.set(Settings::language, AppLanguage::english);
     }
 
-    ManualScheduler scheduler;
-    NotificationCenter notifications;
-    DefaultsStore defaults{QString(), scheduler};
-    Preferences preferences{defaults, notifications};
-    MemoryPasteboard pasteboard;
-    MoodyPresenter presenter;
-    std::unique_ptr<Workers> workers;
-    std::unique_ptr<FileWatcherQueue> watchers;
-    QTemporaryDir data;
-    SessionStore session{{data.path(), {}}, preferences};
-    std::optional<DocumentStore> documents;
-    std::optional<SessionKeeper> keeper;
-    FindState find;
-    VimRegisters registers{pasteboard, preferences};
-    ForeignKeyboard keyboard;
-    std::optional<SpellChecker> speller;
-    std::optional<SpellingPanel> spellingPanel;
-    RecordingDesktop desktop;
-    std::optional<RecentDocuments> recent;
-    std::optional<AppDelegate> application;
+    MoodyPresenter moody;
+    SpellChecker speller{workers, {{QStringLiteral(QUILLET_TEST_DATA "/spelling")}, {QStringLiteral("en")}, {}}};
+    SpellingPanel spellingPanel{speller};
+    AppDelegate application{{{scheduler, notifications, preferences, pasteboard, moody, documents, workers, find, registers, keyboard,
+                              &speller, &spellingPanel},
+                             defaults,
+                             desktop,
+                             session,
+                             keeper,
+                             recent}};
 };
