@@ -103,26 +103,16 @@ TEST(RegularExpression, AllowsLongTextsOfHarmlessMatches)
 
 TEST(RegularExpression, ReplacesByTemplate)
 {
-    const auto replaced = [](QStringView pattern, QStringView text, QStringView format) {
-        auto expression = RegularExpression::compile(pattern).value();
-        QString result;
-        qsizetype copied = 0;
-        expression.forEachMatch(text, {0, text.size()}, [&](const RegularExpression &found) {
-            const auto match = found.match();
-            result += text.sliced(copied, match.range().location - copied);
-            result += RegularExpression::replacement(match, text, format);
-            copied = match.range().end();
-            return true;
-        });
-        result += text.sliced(copied);
-        return result;
+    const auto replaced = [](QStringView pattern, const QString &text, QStringView format) {
+        return RegularExpression::replacement(RegularExpression::compile(pattern)->firstMatch(text).value(), text, format);
     };
-    EXPECT_EQ(replaced(u"(\\w)(\\d)?", u"a1 b", u"<$0|$1|$2|$9>"), u"<a1|a|1|> <b|b||>");
-    EXPECT_EQ(replaced(u"a", u"a", u"\\$0 \\\\ $ $x \\n\\"), u"$0 \\ $ $x n");
+    EXPECT_EQ(replaced(u"(\\w)(\\d)?", u" a1"_s, u"<$0|$1|$2|$9>"), u"<a1|a|1|>"_s);
+    EXPECT_EQ(replaced(u"(\\w)(\\d)?", u" b"_s, u"<$0|$1|$2|$9>"), u"<b|b||>"_s);
+    EXPECT_EQ(replaced(u"a", u"a"_s, u"\\$0 \\\\ $ $x \\n\\"), u"$0 \\ $ $x n"_s);
     // One group needs one digit, ten need two.
-    EXPECT_EQ(replaced(u"(a)", u"a", u"$10"), u"a0");
-    EXPECT_EQ(replaced(u"(a)(b)(c)(d)(e)(f)(g)(h)(i)(j)", u"abcdefghij", u"$10$01"), u"ja");
+    EXPECT_EQ(replaced(u"(a)", u"a"_s, u"$10"), u"a0"_s);
+    EXPECT_EQ(replaced(u"(a)(b)(c)(d)(e)(f)(g)(h)(i)(j)", u"abcdefghij"_s, u"$10$01"), u"ja"_s);
 
     const QString odd = u"a.b*[c]^$|\\(x){1}?+/"_s;
-    EXPECT_EQ(replaced(RegularExpression::escapedPattern(odd), u'<' + odd + u'>', u"x"), u"<x>");
+    EXPECT_EQ(replaced(RegularExpression::escapedPattern(odd), u'<' + odd + u'>', u"$0"), odd);
 }
