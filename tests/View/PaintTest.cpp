@@ -50,46 +50,13 @@ private:
     bool m_isRendering = false;
 };
 
-/// Bars that come and go would change the size of the picture.
-void keepScrollBars(TextView &view)
-{
-    view.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    view.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-}
-
-/// How the views of one walk are set up, beyond what can be asked of a view.
-struct Looks {
-    TextView::CaretShape caret = TextView::CaretShape::bar;
-    TextView::Visibility invisibles = TextView::Visibility::hidden;
-    bool hasMarks = false;
-
-    void apply(TextView &view) const
-    {
-        view.setLook(&TextLooks::caretShape, caret);
-        view.setLook(&TextLooks::invisibles, invisibles);
-        if (hasMarks) {
-            view.setLook(&TextLooks::marks, [&text = view.storage().text()](TextRange seen) {
-                std::vector<TextRange> marks;
-                for (qsizetype at = seen.location; at < seen.end(); ++at) {
-                    if (text.at(at) == u'o') {
-                        marks.push_back({at, 1});
-                    }
-                }
-                return marks;
-            });
-        }
-    }
-};
-
-QImage freshPicture(ViewFixture &fixture, const Looks &looks)
+/// A new view with the same text, place and selection; null when it cannot be scrolled as far to the right.
+QImage freshPicture(ViewFixture &fixture, const std::function<void(TextView &)> &setUp)
 {
     TextView view(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard}, testFont());
-    view.setTextFont(fixture.view.textFont());
-    view.setColors(fixture.view.colors());
-    looks.apply(view);
+    view.setTextFont(testFont());
     view.resize(fixture.view.size());
-    view.setWrapMode(fixture.view.wrapMode());
-    keepScrollBars(view);
+    setUp(view);
     view.show();
     view.setFocus();
     (void)QTest::qWaitForWindowActive(&view);
@@ -127,19 +94,34 @@ TEST_P(PaintWalk, AnOldViewLooksLikeANewOne)
                 .repeated(8) +
             ((isExact ? u"one long line of words "_s : u"one long line \u05E2\u05D1\u05E8 "_s).repeated(200) + u"\n"_s).repeated(3),
         {320, 200});
-    const Looks looks{.caret = static_cast<TextView::CaretShape>(seed % 3),
-                      .invisibles = seed % 2 == 1 ? TextView::Visibility::shown : TextView::Visibility::hidden,
-                      .hasMarks = seed % 3 != 0};
-    looks.apply(fixture.view);
+    const auto setUp = [seed = seed, wrap = wrap](TextView &view) {
+        view.setLook(&TextLooks::caretShape, static_cast<TextView::CaretShape>(seed % 3));
+        view.setLook(&TextLooks::invisibles, seed % 2 == 1 ? TextView::Visibility::shown : TextView::Visibility::hidden);
+        const auto marksOf = [&text = view.storage().text()](TextRange seen) {
+            std::vector<TextRange> marks;
+            for (qsizetype at = seen.location; at < seen.end(); ++at) {
+                if (text.at(at) == u'o') {
+                    marks.push_back({at, 1});
+                }
+            }
+            return marks;
+        };
+        if (seed % 3 != 0) {
+            view.setLook(&TextLooks::marks, marksOf);
+        }
+        TextView::Colors colors = view.colors();
+        colors.currentLine = seed % 2 == 0 ? QColor(240, 240, 255) : QColor();
+        view.setColors(colors);
+        view.setWrapMode(wrap);
+        // Bars that come and go would change the size of the picture.
+        view.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+        view.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    };
+    setUp(fixture.view);
     TextView other(fixture.storage, fixture.undo, {fixture.scheduler, fixture.pasteboard}, testFont());
     other.setTextFont(testFont());
     other.resize(250, 150);
     other.setWrapMode(TextView::WrapMode::viewWidth);
-    TextView::Colors colors = fixture.view.colors();
-    colors.currentLine = seed % 2 == 0 ? QColor(240, 240, 255) : QColor();
-    fixture.view.setColors(colors);
-    fixture.view.setWrapMode(wrap);
-    keepScrollBars(fixture.view);
     Canvas canvas(fixture.view);
     static const QString keys[] = {u"x"_s,        u"<Left>"_s, u"<Down>"_s,   u"<Up>"_s,  u"<S-Down>"_s,  u"<S-Right>"_s,
                                    u"<BS>"_s,     u"<Del>"_s,  u"<CR>"_s,     u"<C-z>"_s, u"<C-S-z>"_s,   u"<PageDown>"_s,
@@ -179,7 +161,7 @@ TEST_P(PaintWalk, AnOldViewLooksLikeANewOne)
             const QImage old = canvas.picture().copy();
             fixture.view.viewport()->update();
             ASSERT_TRUE(old == canvas.picture()) << "seed " << seed << ", step " << step << ", after " << did.toStdString();
-            const QImage fresh = freshPicture(fixture, looks);
+            const QImage fresh = freshPicture(fixture, setUp);
             // That far to the right only a view gets that has seen a wider row.
             const bool isWider = fresh.isNull() || (!isExact && fixture.view.horizontalScrollBar()->value() > 0);
             ASSERT_TRUE(isWider || old == fresh) << "seed " << seed << ", step " << step << ", after " << did.toStdString();
