@@ -243,24 +243,21 @@ protected:
 TEST_F(VimText, LinesAreWhereTheyAre)
 {
     everywhere([](const Model &model, VimBuffer &buffer, qsizetype offset, Random &random) {
+        const auto lineStart = [&](qsizetype index) { return model.lines[size_t(index)].location; };
         const qsizetype index = model.indexOf(offset);
         const qsizetype length = buffer.length();
         EXPECT_EQ(buffer.lineRange(offset), model.lines[size_t(index)]);
-        EXPECT_EQ(buffer.lineContentEnd(offset), length == 0 ? 0 : model.contentEnds[size_t(model.indexOf(std::min(offset, length - 1)))]);
-        const qsizetype blanks = Model::lengthOf(u"[ \\t]*"_s, model.whole, model.lines[size_t(index)].location);
-        const qsizetype firstCharacter = model.lines[size_t(index)].location + blanks;
-        EXPECT_EQ(buffer.firstNonBlank(offset),
-                  firstCharacter == model.contentEnds[size_t(index)] ? model.lines[size_t(index)].location : firstCharacter);
+        const qsizetype first = lineStart(index) + Model::lengthOf(u"[ \\t]*"_s, model.whole, lineStart(index));
+        EXPECT_EQ(buffer.firstNonBlank(offset), first == model.contentEnds[size_t(index)] ? lineStart(index) : first);
         const qsizetype by = random.below(9) - 4;
         const qsizetype target = index + by;
-        const bool exists =
-            target >= 0 && target < qsizetype(model.lines.size()) && (by <= 0 || model.lines[size_t(target)].location < length);
-        EXPECT_EQ(buffer.line(offset, by), exists ? std::optional(model.lines[size_t(target)].location) : std::nullopt) << by;
+        const bool exists = target >= 0 && target < qsizetype(model.lines.size()) && (by <= 0 || lineStart(target) < length);
+        EXPECT_EQ(buffer.line(offset, by), exists ? std::optional(lineStart(target)) : std::nullopt) << by;
         const qsizetype number = random.below(12);
         EXPECT_EQ(buffer.startOfLine(static_cast<LineNumber>(number)),
-                  number > qsizetype(model.lines.size()) ? length : model.lines[size_t(std::max<qsizetype>(number - 1, 0))].location)
+                  number > qsizetype(model.lines.size()) ? length : lineStart(std::max<qsizetype>(number - 1, 0)))
             << number;
-        EXPECT_EQ(buffer.lastLineStart(), model.lines[size_t(model.indexOf(std::max<qsizetype>(length - 1, 0)))].location);
+        EXPECT_EQ(buffer.lastLineStart(), lineStart(model.indexOf(std::max<qsizetype>(length - 1, 0))));
         const qsizetype place = buffer.clampToNormalMode(offset);
         EXPECT_EQ(buffer.clampToNormalMode(place), place);
         EXPECT_TRUE(length == 0 || !isBreak(model.text[place].unicode()) || model.isEmptyLine(model.indexOf(place)));

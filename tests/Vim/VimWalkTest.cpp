@@ -24,18 +24,16 @@ void expectSound(const VimView &view)
     ASSERT_EQ(TextBoundaries::snapped(text, selected.location), selected.location);
     ASSERT_EQ(TextBoundaries::snapped(text, selected.end()), selected.end());
     VimBuffer buffer(text);
+    const bool isAtEnd = selected.location == text.length();
     switch (view.engine.mode()) {
     case VimEngine::Mode::normal:
-        if (selected.isEmpty()) {
-            ASSERT_EQ(TextBoundaries::snapped(text, buffer.clampToNormalMode(selected.location)), selected.location);
-        }
+        ASSERT_TRUE(!selected.isEmpty() || TextBoundaries::snapped(text, buffer.clampToNormalMode(selected.location)) == selected.location);
         break;
     case VimEngine::Mode::insert:
         ASSERT_TRUE(selected.isEmpty());
         break;
     case VimEngine::Mode::visual:
-        ASSERT_TRUE(!selected.isEmpty() || selected.location == text.length());
-        ASSERT_TRUE(selected.isEmpty() || selected.contains(view.caret) || view.caret == text.length()) << view.caret;
+        ASSERT_TRUE(selected.isEmpty() ? isAtEnd : selected.contains(view.caret) || view.caret == text.length()) << view.caret;
         break;
     case VimEngine::Mode::visualLine:
         ASSERT_EQ(selected, buffer.lineRange(selected.location).united(buffer.lineRange(std::max(selected.end() - 1, selected.location))));
