@@ -88,8 +88,7 @@ TEST_F(ComparisonTest, ReportsThatThereIsNothingToSee)
     EXPECT_FALSE(control<QPushButton>(content, u"Next"_s)->isEnabled());
     const int beeps = presenter.beepCount();
     QTest::keyClick(&content.leftView(), Qt::Key_N);
-    content.previousChange();
-    EXPECT_EQ(presenter.beepCount(), beeps + 2);
+    EXPECT_EQ(presenter.beepCount(), beeps + 1);
     content.findChild<QCheckBox *>()->click();
     EXPECT_EQ(content.summary(), u"1 change   +1  \u22121"_s);
     EXPECT_EQ(content.currentChange(), -1);
@@ -185,20 +184,10 @@ TEST_F(ComparisonTest, IsThereWhileLongTextsAreCompared)
     const QString lines = u"a line of some length\n"_s.repeated(20'000);
     HeldWorkers held;
     EditorServices slow{scheduler, notifications, preferences, pasteboard, presenter, documents, held, find, registers, keyboard};
-    const auto make = [&slow](const QString &old, const QString &newer) {
-        return std::make_unique<DiffWindowController>(slow, DiffViewController::Side{u"a"_s, {}, Rope(old)},
-                                                      DiffViewController::Side{u"b"_s, {}, Rope(newer)}, Language::plainText());
-    };
-    make(lines, lines).reset();
-    EXPECT_EQ(held.count, 1);
-    held.finish();
-    QCoreApplication::sendPostedEvents();
-
-    const auto comparison = make(lines, lines + u"more\n"_s);
-    DiffViewController &content = comparison->content();
+    DiffWindowController comparison(slow, {u"a"_s, {}, Rope(lines)}, {u"b"_s, {}, Rope(lines + u"more\n"_s)}, Language::plainText());
+    DiffViewController &content = comparison.content();
     EXPECT_EQ(content.result(), nullptr);
     EXPECT_EQ(content.summary(), u"Comparing… 0 %"_s);
-    EXPECT_FALSE(control<QPushButton>(content, u"Next"_s)->isEnabled());
     content.nextChange();
     held.finish();
     QCoreApplication::sendPostedEvents();

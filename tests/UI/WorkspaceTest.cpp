@@ -232,16 +232,13 @@ TEST_F(WorkspaceTest, FilesAreDroppedAnywhere)
 TEST_F(WorkspaceTest, GoesToPlacesInFiles)
 {
     workspace().open({put(u"a.txt"_s, "one\ntwo three\nfour"), put(u"b.txt"_s, "x")});
-    const auto placeOf = [this](qsizetype line, qsizetype column) {
+    constexpr auto most = std::numeric_limits<qsizetype>::max();
+    const std::tuple<qsizetype, qsizetype, qsizetype> places[] = {{2, 0, 4}, {2, 5, 8}, {2, 99, 13}, {99, 3, 16}, {most, most, 18}};
+    for (const auto &[line, column, place] : places) {
         application.open(OpenRequest{.files = {{path(u"a.txt"_s), LineNumber(line), column}}});
-        return textView().selection().caret;
-    };
-    EXPECT_EQ(placeOf(2, 0), 4);
+        EXPECT_EQ(textView().selection().caret, place) << line << ':' << column;
+    }
     EXPECT_EQ(tabs().at(pane(0).selectedIndex()), u"a.txt"_s);
-    EXPECT_EQ(placeOf(2, 5), 8);
-    EXPECT_EQ(placeOf(2, 99), 13) << "no further than the line";
-    EXPECT_EQ(placeOf(99, 3), 16);
-    EXPECT_EQ(placeOf(std::numeric_limits<qsizetype>::max(), std::numeric_limits<qsizetype>::max()), 18);
     application.open(OpenRequest{.files = {{path(u"missing"_s), LineNumber(1), 1}}});
     EXPECT_EQ(textView().selection().caret, 18);
 }
