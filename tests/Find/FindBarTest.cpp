@@ -103,9 +103,13 @@ TEST_F(FindBarTest, FindsWhileTypingAndGoesRoundFromHitToHit)
     Editor editor(shared, u"an ant, |a man, an Ant"_s);
     editor.perform(Actions::find);
     ASSERT_EQ(editor.window.focusWidget(), editor.field(0));
+    const auto look = [&editor] { return editor.view->viewport()->grab().toImage(); };
+    const QImage unmarked = look();
     // From the caret on; back where it was when there is none.
     editor.expect({{u"an"_s, "an ant, a m^an|, an Ant: 3 of 5"}, {u"t"_s, "an ant, a man, an ^Ant|: 2 of 2"}});
+    EXPECT_NE(look(), unmarked);
     editor.expect({{u"x"_s, "an ant, |a man, an Ant: Not found"}});
+    EXPECT_EQ(look(), unmarked) << "nothing is marked any more";
     EXPECT_EQ(editor.field(0)->state(), FindField::State::notFound);
     EXPECT_FALSE(editor.button(u"Find Next"_s)->isEnabled());
     editor.expect({{u"<BS>"_s, "an ant, a man, an ^Ant|: 2 of 2"},

@@ -133,7 +133,7 @@ TEST_F(SessionTest, QuittingAsksNothingAndLosesNothing)
     run->preferences.set(Settings::autosaveDrafts, false);
     QSignalSpy finished(&run->application, &AppDelegate::finished);
     run->application.terminate();
-    EXPECT_EQ(finished.count(), 0);
+    ASSERT_EQ(finished.count(), 0);
     EXPECT_TRUE(run->lastAlert().contains(u"2 documents"));
     EXPECT_TRUE(run->presenter.alerts().back().informativeText.contains(u"will be lost"));
     run->application.terminateNow();
