@@ -149,7 +149,6 @@ TEST_F(CommandsTest, WhatIsChosenIsShownInMenusAndStatusBar)
     EXPECT_TRUE(workspace().currentDocument()->languageWasChosenManually);
     send(Actions::selectTheme, u"Solarized Dark"_s);
     EXPECT_TRUE(isOn(Actions::selectTheme, u"Solarized Dark"_s));
-    EXPECT_EQ(textView().colors().background, QColor::fromRgb(Theme::solarizedDark().background));
     for (const Action *action :
          {&Actions::toggleLineNumbers, &Actions::toggleLineWrap, &Actions::toggleInvisibles, &Actions::toggleCurrentLineHighlight}) {
         const bool before = isOn(*action);

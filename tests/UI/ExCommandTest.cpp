@@ -19,8 +19,7 @@ protected:
     void run(const QString &command)
     {
         flashes.clear();
-        type(u":"_s + command);
-        QTest::keyClick(&textView(), Qt::Key_Return);
+        press(u':' + command + u"<CR>"_s);
     }
     [[nodiscard]] TextDocument &document() const { return *workspace().currentDocument(); }
 };
@@ -150,7 +149,7 @@ TEST_F(ExCommandTest, KeepsTheWindowUsableWhileItSubstitutesInALongText)
     EXPECT_EQ(flashes, QStringList());
     scheduler.advance(std::chrono::seconds(1));
     EXPECT_EQ(flashes, QStringList{u"Substituting… Esc stops."_s});
-    QTest::keyClick(&textView(), Qt::Key_Escape);
+    press(u"<Esc>"_s);
     EXPECT_EQ(flashes.last(), u"The substitution was stopped; nothing was changed."_s);
     flashes.clear();
     EXPECT_TRUE(finish().isEmpty());
@@ -177,8 +176,7 @@ TEST_F(ExCommandTest, ShowsTheKeysInATabThatCannotBeEditedUntilItIsSaved)
     ASSERT_TRUE(send(Actions::showVimKeyReference));
     EXPECT_EQ(tabs(), QStringList{u"Vim Keys.md"_s});
     const QString before = text();
-    type(u"ddixyz"_s);
-    QTest::keyClick(&textView(), Qt::Key_Escape);
+    press(u"ddixyz<Esc>"_s);
     run(u"%s/Key/x/"_s);
     EXPECT_EQ(flashes, QStringList{u"This text is read-only; nothing was changed."_s});
     document().setLineEnding(LineEnding::crlf);

@@ -17,7 +17,6 @@ protected:
         preferences.set(Settings::vimMode, true);
     }
     void start(const QByteArray &content) { workspace().open({put(u"a.txt"_s, content)}); }
-    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const { QTest::keyClick(&textView(), key, modifiers); }
     void commit(const QString &text) const
     {
         QInputMethodEvent event;
@@ -46,24 +45,17 @@ protected:
 TEST_F(ModalEditingTest, AnInsertSessionIsOneStepOfUndoUntilTheFocusGoes)
 {
     start("one two\n");
-    type(u"cwfirst, "_s);
-    press(Qt::Key_Backspace);
-    press(Qt::Key_Return);
-    type(u"second "_s);
-    press(Qt::Key_Escape);
-    EXPECT_EQ(text(), u"first,\nsecond two\n"_s);
-    type(u"u"_s);
-    EXPECT_EQ(text(), u"one two\n"_s);
-    press(Qt::Key_R, Qt::ControlModifier);
-    EXPECT_EQ(text(), u"first,\nsecond two\n"_s);
-
-    type(u"ggIa"_s);
+    const QString after = u"first,\nsecond two\n"_s;
+    for (const auto &[keys, wanted] :
+         {std::pair(u"cwfirst, <BS><CR>second <Esc>"_s, after), {u"u"_s, u"one two\n"_s}, {u"<C-r>"_s, after}}) {
+        press(keys);
+        EXPECT_EQ(text(), wanted) << keys.toStdString();
+    }
+    press(u"ggIa"_s);
     textView().clearFocus();
     textView().setFocus();
-    type(u"b"_s);
-    press(Qt::Key_Escape);
-    type(u"u"_s);
-    EXPECT_EQ(text(), u"afirst,\nsecond two\n"_s);
+    press(u"b<Esc>u"_s);
+    EXPECT_EQ(text(), u'a' + after);
 }
 
 TEST_F(ModalEditingTest, InputMethodsTypeTextAndNoCommands)
@@ -79,8 +71,7 @@ TEST_F(ModalEditingTest, InputMethodsTypeTextAndNoCommands)
     type(u"0i"_s);
     EXPECT_TRUE(takesInputMethod());
     commit(u"日本"_s);
-    press(Qt::Key_Escape);
-    type(u"."_s);
+    press(u"<Esc>."_s);
     EXPECT_EQ(text(), u"日日本本one tw\u00e9\n"_s) << "repeated like typed text";
     preferences.set(Settings::vimMode, false);
     EXPECT_TRUE(takesInputMethod());
@@ -112,16 +103,13 @@ TEST_F(ModalEditingTest, EachEditorHasItsModeAndAllTheSameRegisters)
     start("one two three\n");
     type(u"2d3"_s);
     EXPECT_EQ(badge(), u"NORMAL  2d3"_s);
-    press(Qt::Key_Escape);
-    EXPECT_EQ(badge(), u"NORMAL"_s);
-    type(u"yiwi"_s);
+    press(u"<Esc>yiwi"_s);
     EXPECT_EQ(badge(), u"INSERT"_s);
     send(Actions::newDocument);
     EXPECT_EQ(badge(), u"NORMAL"_s);
     type(u"p"_s);
     EXPECT_EQ(text(), u"one"_s);
-    press(Qt::Key_W, Qt::ControlModifier);
-    type(u"v"_s);
+    press(u"<C-w>v"_s);
     EXPECT_EQ(workspace().panes().size(), 2U);
     preferences.set(Settings::vimMode, false);
     EXPECT_TRUE(workspace().statusBar().findChild<VimBadge *>()->isHidden());

@@ -8,6 +8,7 @@
 #include "Controls.h"
 #include "Surroundings.h"
 #include "View/FirstResponder.h"
+#include "View/ViewFixture.h"
 
 #include <QMenuBar>
 #include <QTest>
@@ -48,6 +49,8 @@ struct WholeProgram : Surroundings {
     }
 
     void type(const QString &keys, size_t index = 0) const { QTest::keyClicks(&textView(index), keys); }
+    /// As sendKeys() has them.
+    void press(const QString &keys) const { sendKeys(textView(), keys); }
     bool send(const Action &action, const QVariant &represented = {}) const
     {
         return window().firstResponder().perform(action, represented);
