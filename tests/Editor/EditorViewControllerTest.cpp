@@ -4,7 +4,6 @@
 
 #include "Commands/Actions.h"
 #include "Controls.h"
-#include "Editor/ExternalChangeBanner.h"
 #include "Editor/LineNumberRulerView.h"
 #include "Editor/SpellingPanel.h"
 #include "Highlighting/LanguageRegistry.h"

@@ -5,7 +5,6 @@
 #include "Desktop/SystemDesktop.h"
 #include "WindowFixture.h"
 
-#include <QDir>
 #include <QSignalSpy>
 #include <QToolButton>
 

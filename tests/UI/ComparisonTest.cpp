@@ -3,7 +3,6 @@
 #include "Diff/DiffOverview.h"
 #include "Diff/DiffText.h"
 #include "Diff/DiffWindowController.h"
-#include "Find/FindBar.h"
 #include "WindowFixture.h"
 
 #include <QCheckBox>

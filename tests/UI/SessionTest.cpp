@@ -1,6 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Editor/ExternalChangeBanner.h"
 #include "FileAnswers.h"
 #include "WindowFixture.h"
 

@@ -8,7 +8,6 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Widgets/PopUpButton.h"
 
-#include <QLabel>
 #include <QTest>
 
 #include <gtest/gtest.h>

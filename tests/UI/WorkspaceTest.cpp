@@ -3,7 +3,6 @@
 #include "App/RunningInstance.h"
 #include "WindowFixture.h"
 
-#include <QDir>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSplitter>
