@@ -34,7 +34,7 @@ EditorTextView::EditorTextView(TextStorage &storage, UndoManager &undoManager, c
 void EditorTextView::addCommands(QMenu *menu)
 {
     menu->addSeparator();
-    QAction *item = menu->addAction(localized(u"Toggle Comment"), this, &EditorTextView::toggleComment);
+    QAction *item = menu->addAction(localized(Actions::toggleComment.title), this, &EditorTextView::toggleComment);
     item->setEnabled(canToggleComment());
 }
 

@@ -228,7 +228,7 @@ void TabBarView::showMenuOfTab(int index, QPoint globalPosition)
 {
     auto *menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction(localized(u"Close Tab"), this, [this, index] { requestClose(index); });
+    menu->addAction(localized(Actions::closeTab.title), this, [this, index] { requestClose(index); });
     menu->popup(globalPosition);
 }
 
