@@ -13,11 +13,14 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <limits.h>
+#include <stdio.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr qsizetype bufferSize = 256 * 1024;
+/// No text is longer.
+constexpr qint64 largestHashed = 128 * 1024 * 1024;
 constexpr const char *accessList = "system.posix_acl_access";
 constexpr mode_t permissionBits = 07777;
 
@@ -102,6 +105,17 @@ Result<QByteArray> followLinks(QByteArray path, FileCalls &calls)
     return saveFailure(asGiven, ELOOP);
 }
 
+QByteArray nameIn(const QByteArray &path)
+{
+    return path.mid(path.lastIndexOf('/') + 1);
+}
+
+bool isSameFile(const struct stat &a, const struct stat &b)
+{
+    return FileStamp::of(a) == FileStamp::of(b) && a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_ctim.tv_sec == b.st_ctim.tv_sec &&
+           a.st_ctim.tv_nsec == b.st_ctim.tv_nsec;
+}
+
 /// The file system has no such thing; there is nothing to keep or to flush.
 bool isUnsupported(int error)
 {
@@ -134,8 +148,8 @@ AtomicFile::AtomicFile(FileCalls &calls, QByteArray target, NewFile newFile)
 
 AtomicFile::AtomicFile(AtomicFile &&other) noexcept
     : m_calls(other.m_calls), m_target(std::move(other.m_target)), m_temporary(std::exchange(other.m_temporary, {})),
-      m_buffer(std::move(other.m_buffer)), m_mode(other.m_mode), m_file(std::exchange(other.m_file, -1)),
-      m_targetExists(other.m_targetExists)
+      m_buffer(std::move(other.m_buffer)), m_hash(std::move(other.m_hash)), m_found(other.m_found), m_mode(other.m_mode),
+      m_file(std::exchange(other.m_file, -1)), m_targetExists(other.m_targetExists)
 {}
 
 AtomicFile::~AtomicFile()
@@ -215,9 +229,10 @@ Result<void> AtomicFile::write(QByteArrayView bytes)
     while (!bytes.isEmpty()) {
         const qsizetype portion = std::min(bytes.size(), bufferSize);
         const ssize_t written = retried([&] { return m_calls->write(m_file, bytes.data(), size_t(portion)); });
-        if (written < 0) {
-            return failed(errno);
+        if (written <= 0) {
+            return failed(written < 0 ? errno : ENOSPC);
         }
+        m_hash.add(bytes.data(), size_t(written));
         bytes = bytes.sliced(written);
     }
     return {};
@@ -227,16 +242,17 @@ Result<void> AtomicFile::flushBuffer()
 {
     for (qsizetype at = 0; at < m_buffer.size();) {
         const ssize_t written = retried([&] { return m_calls->write(m_file, m_buffer.constData() + at, size_t(m_buffer.size() - at)); });
-        if (written < 0) {
-            return failed(errno);
+        if (written <= 0) {
+            return failed(written < 0 ? errno : ENOSPC);
         }
+        m_hash.add(m_buffer.constData() + at, size_t(written));
         at += written;
     }
     m_buffer.resize(0);
     return {};
 }
 
-Result<struct stat> AtomicFile::commit()
+Result<FileState> AtomicFile::commit(const std::optional<Expectation> &expected)
 {
     Q_ASSERT(m_file >= 0);
     if (auto result = flushBuffer(); !result) {
@@ -252,6 +268,7 @@ Result<struct stat> AtomicFile::commit()
     if (m_calls->fstat(m_file, &status) != 0) {
         return failed(errno);
     }
+    const FileState state = FileState::of(status, m_hash.value());
     if (auto result = closeTemporary(); !result) {
         return tl::make_unexpected(result.error());
     }
@@ -261,16 +278,15 @@ Result<struct stat> AtomicFile::commit()
     if (folder < 0 && errno != EACCES) {
         return failed(errno);
     }
-    if (m_calls->rename(m_temporary.constData(), m_target.constData()) != 0) {
-        const int error = errno;
+    if (auto result = replaceTarget(folder, expected); !result) {
         if (folder >= 0) {
             m_calls->close(folder);
         }
-        return failed(error);
+        return tl::make_unexpected(result.error());
     }
     m_temporary.clear();
     if (folder < 0) {
-        return status;
+        return state;
     }
     const int error = retried([&] { return m_calls->fsync(folder); }) != 0 ? errno : 0;
     m_calls->close(folder);
@@ -279,7 +295,92 @@ Result<struct stat> AtomicFile::commit()
                                  qt_error_string(error)),
                        error);
     }
-    return status;
+    return state;
+}
+
+/// By names in the folder that was opened, wherever that is now; by whole paths when it cannot be read.
+Result<void> AtomicFile::replaceTarget(int folder, const std::optional<Expectation> &expected)
+{
+    const int at = folder < 0 ? AT_FDCWD : folder;
+    const QByteArray from = folder < 0 ? m_temporary : nameIn(m_temporary);
+    const QByteArray to = folder < 0 ? m_target : nameIn(m_target);
+    bool mustBeNew = false;
+    if (expected) {
+        const auto exists = examineChanges(folder, *expected);
+        if (!exists) {
+            return tl::make_unexpected(exists.error());
+        }
+        mustBeNew = !*exists;
+    }
+    if (mustBeNew) {
+        if (m_calls->renameat(at, from.constData(), at, to.constData(), RENAME_NOREPLACE) == 0) {
+            return {};
+        }
+        struct stat status = {};
+        if (errno == EEXIST && m_calls->fstatat(at, to.constData(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+            return changed(status, std::nullopt);
+        }
+        if (!isUnsupported(errno)) {
+            return failed(errno);
+        }
+    }
+    return m_calls->renameat(at, from.constData(), at, to.constData(), 0) == 0 ? Result<void>() : failed(errno);
+}
+
+/// Whether there is a file. The last thing that is done here is a look at it.
+Result<bool> AtomicFile::examineChanges(int folder, const Expectation &expected)
+{
+    const int at = folder < 0 ? AT_FDCWD : folder;
+    const QByteArray name = folder < 0 ? m_target : nameIn(m_target);
+    struct stat status = {};
+    std::optional<quint64> hash;
+    // A file that somebody writes steadily never looks twice the same.
+    constexpr int attempts = 3;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        const struct stat before = status;
+        if (m_calls->fstatat(at, name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+            return errno == ENOENT ? Result<bool>(false) : failed(errno);
+        }
+        const auto &state = expected.state;
+        if (state && state->isSurelySameAs(status)) {
+            return true;
+        }
+        if (hash && isSameFile(before, status)) {
+            return state && state->hash == hash ? Result<bool>(true) : changed(status, hash);
+        }
+        if (!S_ISREG(status.st_mode) || status.st_size > largestHashed) {
+            break;
+        }
+        if (const auto read = hashOfTarget()) {
+            hash = *read;
+        } else {
+            break;
+        }
+    }
+    return changed(status, std::nullopt);
+}
+
+tl::unexpected<Error> AtomicFile::changed(const struct stat &status, std::optional<quint64> hash)
+{
+    m_found = FileState::of(status, hash);
+    return failure(localized(u"Not saved: the file was changed by another program"), changedError);
+}
+
+Result<quint64> AtomicFile::hashOfTarget()
+{
+    const int file = retried([&] { return m_calls->open(m_target.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0); });
+    if (file < 0) {
+        return failed(errno);
+    }
+    ContentHash hash;
+    QByteArray block(bufferSize, Qt::Uninitialized);
+    ssize_t count = 0;
+    while ((count = retried([&] { return m_calls->read(file, block.data(), size_t(block.size())); })) > 0) {
+        hash.add(block.constData(), size_t(count));
+    }
+    const int error = errno;
+    m_calls->close(file);
+    return count < 0 ? Result<quint64>(failed(error)) : hash.value();
 }
 
 Result<void> AtomicFile::takeOverIdentity()
@@ -386,7 +487,7 @@ void AtomicFile::discard()
 Result<void> writeAtomically(const QString &path, QByteArrayView bytes, AtomicFile::NewFile newFile, FileCalls &calls)
 {
     return AtomicFile::open(path, newFile, calls).and_then([&](AtomicFile file) {
-        return file.write(bytes).and_then([&] { return file.commit(); }).map([](const struct stat &) {});
+        return file.write(bytes).and_then([&] { return file.commit(); }).map([](const FileState &) {});
     });
 }
 

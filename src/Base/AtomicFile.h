@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Base/FileCalls.h"
+#include "Base/FileState.h"
 #include "Base/Result.h"
 
 #include <QByteArray>
@@ -19,12 +20,22 @@
 /// at no instant has anybody access to the content who may not read the target. A symbolic link stays and the file that it leads to is
 /// written, even when that does not exist yet. A hard link does not: after the rename the file's other names keep the old content.
 ///
+/// What others wrote meanwhile is not replaced: commit() can be told what the file has to be, looks once more at the last moment, and
+/// fails with `changedError` when it is another.
+///
 /// Refused with the reason, rather than replaced: a file that the user may not write to, and a name that is a folder, a pipe, a socket
 /// or a device. Errors carry `errno` and a sentence with the file's name. Any thread, one object per thread at a time.
 class AtomicFile final {
 public:
     /// Permissions of a file that did not exist, before the user's mask is applied.
     enum class NewFile : mode_t { readableByOthers = 0666, privateToUser = 0600 };
+
+    /// What the target has to be to be replaced: no file, when there is no state. One that is gone may be made again.
+    struct Expectation {
+        std::optional<FileState> state = std::nullopt;
+    };
+    /// `Error::code` of a commit that found another file than expected.
+    static constexpr int changedError = 518;
 
     [[nodiscard]] static Result<AtomicFile> open(const QString &path, NewFile newFile, FileCalls &calls);
     [[nodiscard]] static Result<AtomicFile> open(const QString &path, NewFile newFile) { return open(path, newFile, FileCalls::system()); }
@@ -38,7 +49,9 @@ public:
     [[nodiscard]] Result<void> write(QByteArrayView bytes);
     /// Once, at the end; returns the file as it was before others could touch it. When the last of its steps fails, the folder's flush,
     /// the new content is in place but may not be on disk.
-    [[nodiscard]] Result<struct stat> commit();
+    [[nodiscard]] Result<FileState> commit(const std::optional<Expectation> &expected = std::nullopt);
+    /// The target as it was found by a commit that failed with `changedError`.
+    [[nodiscard]] const std::optional<FileState> &foundState() const { return m_found; }
 
     /// The file that is written: the path given, symbolic links followed.
     [[nodiscard]] QString target() const;
@@ -53,6 +66,10 @@ private:
     [[nodiscard]] Result<mode_t> takeOverOwner(const struct stat &wanted);
     [[nodiscard]] Result<void> takeOverAttributes();
     [[nodiscard]] Result<void> closeTemporary();
+    [[nodiscard]] Result<void> replaceTarget(int folder, const std::optional<Expectation> &expected);
+    [[nodiscard]] Result<bool> examineChanges(int folder, const Expectation &expected);
+    [[nodiscard]] Result<quint64> hashOfTarget();
+    [[nodiscard]] tl::unexpected<Error> changed(const struct stat &status, std::optional<quint64> hash);
     [[nodiscard]] tl::unexpected<Error> failed(int error) const;
     void discard();
 
@@ -61,6 +78,8 @@ private:
     /// Empty when there is none (any more).
     QByteArray m_temporary;
     QByteArray m_buffer;
+    ContentHash m_hash;
+    std::optional<FileState> m_found;
     /// The temporary file's, until it gets the target's.
     mode_t m_mode;
     int m_file = -1;

@@ -49,6 +49,11 @@ int FileCalls::rename(const char *from, const char *to)
     return ::rename(from, to);
 }
 
+int FileCalls::renameat(int fromFolder, const char *from, int toFolder, const char *to, unsigned flags)
+{
+    return ::renameat2(fromFolder, from, toFolder, to, flags);
+}
+
 int FileCalls::unlink(const char *path)
 {
     return ::unlink(path);
@@ -72,6 +77,11 @@ int FileCalls::lstat(const char *path, struct stat *status)
 int FileCalls::fstat(int file, struct stat *status)
 {
     return ::fstat(file, status);
+}
+
+int FileCalls::fstatat(int folder, const char *path, struct stat *status, int flags)
+{
+    return ::fstatat(folder, path, status, flags);
 }
 
 ssize_t FileCalls::readlink(const char *path, char *target, size_t size)

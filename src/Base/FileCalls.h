@@ -21,12 +21,15 @@ public:
     virtual int fsync(int file);
     virtual int close(int file);
     virtual int rename(const char *from, const char *to);
+    /// `flags` as of renameat2.
+    virtual int renameat(int fromFolder, const char *from, int toFolder, const char *to, unsigned flags);
     virtual int unlink(const char *path);
     virtual int mkdir(const char *path, mode_t mode);
 
     virtual int stat(const char *path, struct stat *status);
     virtual int lstat(const char *path, struct stat *status);
     virtual int fstat(int file, struct stat *status);
+    virtual int fstatat(int folder, const char *path, struct stat *status, int flags);
     virtual ssize_t readlink(const char *path, char *target, size_t size);
     /// With the effective user's rights.
     virtual int access(const char *path, int mode);

@@ -371,7 +371,9 @@ void EditorViewController::saveAgain()
         return;
     }
     m_document->save(m_document->path(), [editor = QPointer(this)](const Result<void> &saved) {
-        if (editor && !saved) {
+        if (editor && !saved && saved.error().code == AtomicFile::changedError) {
+            emit editor->messageShown(saved.error().message, messageTime);
+        } else if (editor && !saved) {
             editor->m_services.presenter.present(Alert::forError(saved.error().message), editor->window(), {});
         }
     });

@@ -9,11 +9,12 @@
 #include <QFile>
 #include <QFileInfo>
 
-Result<DocumentFile::Written> DocumentFile::write(const Snapshot &snapshot, FileCalls &files, const std::stop_token &stop)
+DocumentFile::WriteResult DocumentFile::write(const Snapshot &snapshot, FileCalls &files, const std::stop_token &stop)
 {
-    return TextFile::write(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding, files).map([&](const FileStamp &stamp) {
-        return Written{.stamp = stamp, .identity = identityOf(snapshot.path), .hash = textHash(snapshot.text, stop)};
-    });
+    return TextFile::write(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding, files, {.expected = snapshot.expected})
+        .map([&](const FileState &state) {
+            return Written{.state = state, .identity = identityOf(snapshot.path), .hash = textHash(snapshot.text, stop)};
+        });
 }
 
 Result<QString> DocumentFile::copy(const Snapshot &snapshot, FileCalls &files)
@@ -23,9 +24,9 @@ Result<QString> DocumentFile::copy(const Snapshot &snapshot, FileCalls &files)
         return failure(
             formatted(localized(u"There is no free name for a copy of “%@” in its folder."), QFileInfo(snapshot.path).fileName()));
     }
-    return TextFile::write(snapshot.text, *copy, snapshot.encoding, snapshot.lineEnding, files).map([&](const FileStamp &) {
-        return *copy;
-    });
+    return TextFile::write(snapshot.text, *copy, snapshot.encoding, snapshot.lineEnding, files)
+        .map([&](const FileState &) { return *copy; })
+        .map_error([](const TextFile::WriteError &error) { return Error(error); });
 }
 
 DocumentFile::ReadResult DocumentFile::read(const QString &path, std::optional<TextEncoding> forcedEncoding, const TextSnapshot &current,
@@ -49,4 +50,20 @@ bool DocumentFile::hasChangedSince(const QString &path, const FileStamp &stamp, 
     struct stat status = {};
     const auto time = [](const timespec &value) { return std::pair(value.tv_sec, value.tv_nsec); };
     return files.stat(QFile::encodeName(path).constData(), &status) == 0 && time(status.st_mtim) >= time(stamp.modified);
+}
+
+bool DocumentFile::isStill(const QString &path, const FileState &state, FileCalls &files)
+{
+    struct stat status = {};
+    if (files.stat(QFile::encodeName(path).constData(), &status) != 0) {
+        return false;
+    }
+    if (state.isSurelySameAs(status)) {
+        return true;
+    }
+    if (!state.hash || status.st_size != state.stamp.size) {
+        return false;
+    }
+    const auto read = TextFile::read(path, std::nullopt, files);
+    return read && read->state && read->state->hash == state.hash;
 }

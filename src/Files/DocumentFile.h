@@ -21,15 +21,18 @@ public:
         quint64 revision = 0;
         TextEncoding encoding = TextEncoding::utf8;
         LineEnding lineEnding = LineEnding::lf;
+        /// What the file has to be so that it may be written over; none when it may be anything.
+        std::optional<AtomicFile::Expectation> expected = std::nullopt;
     };
     struct Written {
         /// The file as it was written; what others did to it since is not in it.
-        FileStamp stamp;
+        FileState state;
         QString identity;
         /// None soon after a stop was requested.
         std::optional<quint64> hash;
     };
-    [[nodiscard]] static Result<Written> write(const Snapshot &snapshot, FileCalls &files, const std::stop_token &stop);
+    using WriteResult = Result<Written, TextFile::WriteError>;
+    [[nodiscard]] static WriteResult write(const Snapshot &snapshot, FileCalls &files, const std::stop_token &stop);
 
     /// Writes the text beside its file, under a free name, which it returns.
     [[nodiscard]] static Result<QString> copy(const Snapshot &snapshot, FileCalls &files);
@@ -49,4 +52,7 @@ public:
     [[nodiscard]] static QString identityOf(const QString &path);
     /// Also at the same time, since clocks tick a few times in a hundredth of a second only.
     [[nodiscard]] static bool hasChangedSince(const QString &path, const FileStamp &stamp, FileCalls &files);
+    /// Nobody wrote the file since it was as in `state`, or only the same bytes. Reads the file where that has to be known; one that cannot
+    /// be read counts as changed.
+    [[nodiscard]] static bool isStill(const QString &path, const FileState &state, FileCalls &files);
 };

@@ -90,7 +90,7 @@ void FileWatchEngine::remove(const std::shared_ptr<FileWatchLink> &link)
     }
 }
 
-void FileWatchEngine::endOwnWrite(const std::shared_ptr<FileWatchLink> &link, quint64 write)
+void FileWatchEngine::endOwnWrite(const std::shared_ptr<FileWatchLink> &link, quint64 write, const std::optional<FileStamp> &written)
 {
     const auto found = m_records.find(link.get());
     if (found == m_records.end()) {
@@ -98,7 +98,11 @@ void FileWatchEngine::endOwnWrite(const std::shared_ptr<FileWatchLink> &link, qu
     }
     Record &record = found->second;
     record.endedWrite = write;
-    want(record, Purpose::capture);
+    if (written) {
+        record.known = written;
+        record.isKnownMissing = false;
+    }
+    want(record, Purpose::arm);
     record.grace = m_scheduler->after(graceAfterOwnWrite, [this, &record, write] {
         record.link->settledWrites = write;
         want(record, Purpose::report);

@@ -58,7 +58,7 @@ public:
     void start();
     void add(const std::shared_ptr<FileWatchLink> &link, const QByteArray &path, const std::optional<FileStamp> &known);
     void remove(const std::shared_ptr<FileWatchLink> &link);
-    void endOwnWrite(const std::shared_ptr<FileWatchLink> &link, quint64 write);
+    void endOwnWrite(const std::shared_ptr<FileWatchLink> &link, quint64 write, const std::optional<FileStamp> &written);
 
 private:
     /// What a look is for; a later one includes those before it.

@@ -32,9 +32,11 @@ void FileWatcher::beginOwnWrite()
     ++m_link->begunWrites;
 }
 
-void FileWatcher::endOwnWrite()
+void FileWatcher::endOwnWrite(const std::optional<FileStamp> &written)
 {
-    m_queue->post([link = m_link, write = m_link->begunWrites.load()](FileWatchEngine &engine) { engine.endOwnWrite(link, write); });
+    m_queue->post([link = m_link, write = m_link->begunWrites.load(), written](FileWatchEngine &engine) {
+        engine.endOwnWrite(link, write, written);
+    });
 }
 
 FileWatcherQueue::FileWatcherQueue() : FileWatcherQueue(WatchCalls::system()) {}

@@ -48,9 +48,9 @@ public:
     /// From here on changes are the caller's own and not reported, nor is what was noticed before but not yet reported. Takes effect at
     /// once.
     void beginOwnWrite();
-    /// Ends the write, successful or not: the file as it is now is the known one. Reports begin again 0.3 s later, and with what others
-    /// changed meanwhile.
-    void endOwnWrite();
+    /// Ends the write: the file as it was `written` is the known one, or when nothing was written the one that was before. Reports begin
+    /// again 0.3 s later, and with what others changed meanwhile.
+    void endOwnWrite(const std::optional<FileStamp> &written);
 
 private:
     QString m_path;

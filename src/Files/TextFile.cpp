@@ -186,6 +186,8 @@ public:
     }
 
     Contents contents;
+    /// Of all bytes of the file.
+    quint64 hash = 0;
     ReadError::Kind error = ReadError::Kind::notReadable;
 
 private:
@@ -283,6 +285,8 @@ private:
             return Pass::unreadable;
         }
         RopeSink sink;
+        ContentHash passed;
+        passed.add(m_head.data(), size_t(offset));
         qint64 end = offset;
         while (true) {
             const auto block = m_bytes.next();
@@ -296,6 +300,7 @@ private:
             if (block->empty()) {
                 break;
             }
+            passed.add(block->data(), block->size());
             if (!decoder->decode(*block, sink)) {
                 return Pass::refused;
             }
@@ -304,6 +309,7 @@ private:
             return Pass::refused;
         }
         contents = sink.contents(encoding);
+        hash = passed.value();
         return Pass::decoded;
     }
 
@@ -367,7 +373,8 @@ private:
 };
 
 /// None when a character cannot be represented.
-Result<std::optional<FileStamp>> writeEncoded(const Rope &text, AtomicFile file, RopeEncoder encoder)
+Result<std::optional<FileState>, TextFile::WriteError> writeEncoded(const Rope &text, AtomicFile file, RopeEncoder encoder,
+                                                                    const TextFile::WriteOptions &options)
 {
     bool isRepresentable = true;
     Result<void> written;
@@ -385,9 +392,12 @@ Result<std::optional<FileStamp>> writeEncoded(const Rope &text, AtomicFile file,
     if (written && (!isRepresentable || !encoder.finish(bytes))) {
         return std::nullopt;
     }
-    return written.and_then([&] { return file.write(bytes); }).and_then([&] { return file.commit(); }).map([](const struct stat &status) {
-        return std::optional(FileStamp::of(status));
-    });
+    return written.and_then([&] { return file.write(bytes); })
+        .and_then([&] { return file.commit(options.expected); })
+        .map([](const FileState &state) { return std::optional(state); })
+        .map_error([&](const Error &error) {
+            return TextFile::WriteError{error, file.foundState()};
+        });
 }
 
 } // namespace
@@ -453,25 +463,25 @@ TextFile::ReadResult TextFile::read(const QString &path, std::optional<TextEncod
             return failed(reading.error, reading.error == ReadError::Kind::tooLarge ? std::max<qint64>(size, before->st_size) : 0);
         }
         if (!isLast) {
-            reading.contents.stamp = FileStamp::of(*before);
+            reading.contents.state = FileState::of(*before, reading.hash);
         }
         return std::move(reading.contents);
     }
 }
 
-Result<FileStamp> TextFile::write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding, FileCalls &calls,
-                                  AtomicFile::NewFile newFile)
+TextFile::WriteResult TextFile::write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding, FileCalls &calls,
+                                      const WriteOptions &options)
 {
     for (const TextEncoder::Mode mode : {TextEncoder::Mode::strict, TextEncoder::Mode::lossy}) {
         auto encoder = TextEncoder::make(encoding, mode);
         if (!encoder) {
             break;
         }
-        auto file = AtomicFile::open(path, newFile, calls);
+        auto file = AtomicFile::open(path, options.newFile, calls);
         if (!file) {
-            return tl::make_unexpected(file.error());
+            return tl::make_unexpected(WriteError{file.error()});
         }
-        const auto written = writeEncoded(text, *std::move(file), RopeEncoder(std::move(encoder), lineEnding));
+        const auto written = writeEncoded(text, *std::move(file), RopeEncoder(std::move(encoder), lineEnding), options);
         if (!written) {
             return tl::make_unexpected(written.error());
         }
@@ -479,8 +489,9 @@ Result<FileStamp> TextFile::write(const Rope &text, const QString &path, TextEnc
             return **written;
         }
     }
-    return failure(formatted(localized(u"“%@” could not be saved in the text encoding “%@”."), lastComponent(path), displayName(encoding)),
-                   inapplicableEncodingError);
+    return tl::make_unexpected(
+        WriteError{{formatted(localized(u"“%@” could not be saved in the text encoding “%@”."), lastComponent(path), displayName(encoding)),
+                    inapplicableEncodingError}});
 }
 
 std::optional<QString> TextFile::nextAvailableCopy(const QString &path)

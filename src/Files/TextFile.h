@@ -4,8 +4,8 @@
 
 #include "Base/AtomicFile.h"
 #include "Base/FileCalls.h"
+#include "Base/FileState.h"
 #include "Base/Result.h"
-#include "Files/FileStamp.h"
 #include "Files/LineEnding.h"
 #include "Files/TextEncoding.h"
 #include "Text/Rope.h"
@@ -34,7 +34,7 @@ public:
         /// Nothing decoded the bytes cleanly and U+FFFD stands for what was not UTF-8.
         bool isLossyDecode = false;
         /// The file as it was when it was read; none when it kept changing.
-        std::optional<FileStamp> stamp = std::nullopt;
+        std::optional<FileState> state = std::nullopt;
     };
 
     struct ReadError {
@@ -74,14 +74,26 @@ public:
         return read(path, forcedEncoding, FileCalls::system());
     }
 
+    struct WriteOptions {
+        AtomicFile::NewFile newFile = AtomicFile::NewFile::readableByOthers;
+        /// None when any file may be replaced.
+        std::optional<AtomicFile::Expectation> expected = std::nullopt;
+    };
+    struct WriteError : Error {
+        /// Of `AtomicFile::changedError`: the file that was found.
+        std::optional<FileState> found = std::nullopt;
+    };
+    using WriteResult = Result<FileState, WriteError>;
+
     /// Writes `text`, whose breaks are LF, in the manner of AtomicFile. Characters that the encoding lacks are substituted, on purpose
     /// without a word. No byte-order mark is added, except by `TextEncoding::utf16`. Returns the file as it was before others could touch
     /// it. Fails as AtomicFile does, or with `inapplicableEncodingError`.
-    [[nodiscard]] static Result<FileStamp> write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding,
-                                                 FileCalls &calls, AtomicFile::NewFile newFile = AtomicFile::NewFile::readableByOthers);
-    [[nodiscard]] static Result<FileStamp> write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding)
+    [[nodiscard]] static WriteResult write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding,
+                                           FileCalls &calls, const WriteOptions &options);
+    [[nodiscard]] static WriteResult write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding,
+                                           FileCalls &calls = FileCalls::system())
     {
-        return write(text, path, encoding, lineEnding, FileCalls::system());
+        return write(text, path, encoding, lineEnding, calls, WriteOptions());
     }
 
     /// A free name for a copy beside the file: "a 2.txt" for "a.txt" and for "a 7.txt". None when the name would consist of the number

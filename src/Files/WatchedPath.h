@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Base/FileCalls.h"
-#include "Files/FileStamp.h"
+#include "Base/FileStamp.h"
 
 #include <QByteArray>
 

@@ -67,12 +67,12 @@ void FileFollower::beginOwnWrite()
     }
 }
 
-void FileFollower::endOwnWrite(bool isWritten)
+void FileFollower::endOwnWrite(const std::optional<FileStamp> &written)
 {
     if (m_watcher) {
-        m_watcher->endOwnWrite();
+        m_watcher->endOwnWrite(written);
     }
-    if (std::exchange(m_asksAgain, false) && !isWritten && !m_path.isEmpty()) {
+    if (std::exchange(m_asksAgain, false) && !written && !m_path.isEmpty()) {
         look();
         read();
     }

@@ -40,8 +40,8 @@ public:
     void forget();
     /// The document's text is about to be written to the file.
     void beginOwnWrite();
-    /// What was asked before is asked again when nothing was written.
-    void endOwnWrite(bool isWritten);
+    /// The file as it was written, or none: then what was asked before is asked again.
+    void endOwnWrite(const std::optional<FileStamp> &written);
 
 private:
     void handle(FileWatcher::Event event);

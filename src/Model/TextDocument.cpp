@@ -20,13 +20,18 @@ constexpr qsizetype firstLineReach = 512;
 // Colouring works on whole lines; one of megabytes would hold up the keys for half a second after each pause.
 constexpr qsizetype longestColouredLine = 1'000'000;
 
+std::optional<FileStamp> stampOf(const std::optional<FileState> &state)
+{
+    return state ? std::optional(state->stamp) : std::nullopt;
+}
+
 } // namespace
 
 TextDocument::TextDocument(const DocumentServices &services, const QString &path, const std::optional<TextFile::Contents> &contents,
                            const QUuid &id)
     : TextDocument(services, path, path.isEmpty() ? QString() : QDir::cleanPath(path), contents, id)
 {
-    m_follower.follow(m_path, contents ? contents->stamp : std::nullopt);
+    m_follower.follow(m_path, stampOf(m_fileState));
 }
 
 TextDocument::TextDocument(const DocumentServices &services, const QString &path, const QString &identity,
@@ -50,6 +55,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
         m_undoManager.markSavePoint();
         m_encoding = contents->encoding;
         m_lineEnding = contents->lineEnding;
+        m_fileState = contents->state;
     }
     m_savedText.set(m_storage.text());
     m_language = detectedLanguage();
@@ -74,23 +80,35 @@ void TextDocument::setGeneratedText(const QString &text)
 }
 
 std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &services, const QString &path,
-                                                      const TextFile::Contents &contents, const QUuid &id)
+                                                      const TextFile::Contents &contents, const QUuid &id,
+                                                      const std::optional<FileStamp> &keptAt)
 {
     std::unique_ptr<TextDocument> document(new TextDocument(services, path, QDir::cleanPath(path), contents, id));
     document->m_isDraft = true;
     document->m_follower.follow(path, std::nullopt);
     if (!path.isEmpty()) {
+        struct Found {
+            QString identity;
+            bool exists = false;
+            bool isChanged = false;
+        };
         document->m_draftLooking = BackgroundTask::start(
             services.workers,
-            [path, kept = contents.stamp, &files = services.files](const std::stop_token &) {
-                return std::pair(DocumentFile::identityOf(path), kept && DocumentFile::hasChangedSince(path, *kept, files));
+            [path, keptAt, state = contents.state, &files = services.files](const std::stop_token &) {
+                const bool exists = QFileInfo::exists(path);
+                const bool isChanged =
+                    state ? !DocumentFile::isStill(path, *state, files) : keptAt && DocumentFile::hasChangedSince(path, *keptAt, files);
+                return Found{DocumentFile::identityOf(path), exists, exists && isChanged};
             },
-            [self = document.get(), path](const std::pair<QString, bool> &found) {
-                if (self->m_path == path) {
-                    self->m_identity = found.first;
-                    if (found.second) {
-                        self->m_follower.read();
-                    }
+            [self = document.get(), path](const Found &found) {
+                if (self->m_path != path) {
+                    return;
+                }
+                self->m_identity = found.identity;
+                if (!found.exists) {
+                    self->takeDeleted();
+                } else if (found.isChanged) {
+                    self->m_follower.read();
                 }
             });
     }
@@ -147,7 +165,7 @@ void TextDocument::takeArrived(const TextFile::Contents &contents)
     if (!languageWasChosenManually) {
         setLanguage(detectedLanguage());
     }
-    m_follower.follow(m_path, contents.stamp);
+    m_follower.follow(m_path, stampOf(contents.state));
     m_services.notifications.post(didReloadFromDisk, this);
     postMetadata();
 }
@@ -323,6 +341,10 @@ void TextDocument::startSaving()
 {
     m_underWay = std::move(m_saves.front());
     m_saves.pop_front();
+    // Who chose another name was asked about the file that has it.
+    if (m_underWay->snapshot.path == m_path) {
+        m_underWay->snapshot.expected = {m_shownState ? m_shownState : m_fileState};
+    }
     m_requests.cancel(FileRequests::Kind::reading);
     m_follower.beginOwnWrite();
     m_requests.start(
@@ -330,18 +352,21 @@ void TextDocument::startSaving()
         [snapshot = m_underWay->snapshot, &files = m_services.files](const std::stop_token &stop) {
             return DocumentFile::write(snapshot, files, stop);
         },
-        [this](const Result<DocumentFile::Written> &written) { endSaving(written); });
+        [this](const DocumentFile::WriteResult &written) { endSaving(written); });
 }
 
-void TextDocument::endSaving(const Result<DocumentFile::Written> &written)
+void TextDocument::endSaving(const DocumentFile::WriteResult &written)
 {
     const std::shared_ptr<TextDocument> self = weak_from_this().lock(); // it may be removed by those who are notified
     const Save save = *std::exchange(m_underWay, std::nullopt);
-    m_follower.endOwnWrite(written.has_value());
+    m_follower.endOwnWrite(written ? std::optional(written->state.stamp) : std::nullopt);
     if (written) {
         takeWritten(save.snapshot, *written);
+    } else if (written.error().code == AtomicFile::changedError) {
+        showConflict(written.error().found);
     }
-    const Result<void> result = written.map([](const DocumentFile::Written &) {});
+    const Result<void> result =
+        written.map([](const DocumentFile::Written &) {}).map_error([](const TextFile::WriteError &error) { return Error(error); });
     for (const SaveCompletion &completion : save.completions) {
         completion(result);
     }
@@ -360,7 +385,7 @@ void TextDocument::endSaving(const Result<DocumentFile::Written> &written)
 void TextDocument::takeWritten(const DocumentFile::Snapshot &snapshot, const DocumentFile::Written &written)
 {
     const bool isSameText = m_storage.revision() == snapshot.revision;
-    agreeWithFile(snapshot.text, written.hash);
+    agreeWithFile(snapshot.text, written.state, written.hash);
     if (!isSameText || m_encoding != snapshot.encoding || m_lineEnding != snapshot.lineEnding) {
         m_isDirty = true;
     }
@@ -378,7 +403,7 @@ void TextDocument::takeWritten(const DocumentFile::Snapshot &snapshot, const Doc
         if (!languageWasChosenManually) {
             setLanguage(detectedLanguage());
         }
-        m_follower.follow(m_path, written.stamp);
+        m_follower.follow(m_path, written.state.stamp);
     }
     postMetadata();
 }
@@ -393,8 +418,10 @@ void TextDocument::whenSaved(std::function<void(bool isWritten)> then)
 }
 
 /// The file has `text`; whatever was asked about it or the document's text before is answered.
-void TextDocument::agreeWithFile(const Rope &text, std::optional<quint64> hash)
+void TextDocument::agreeWithFile(const Rope &text, const std::optional<FileState> &state, std::optional<quint64> hash)
 {
+    m_fileState = state;
+    m_shownState.reset();
     m_follower.forget();
     m_savedText.set(text, hash);
     m_isDirty = false;
@@ -414,7 +441,7 @@ void TextDocument::adopt(const FileReading &reading)
     m_isLoading = false;
     m_encoding = reading.contents.encoding;
     m_lineEnding = reading.contents.lineEnding;
-    agreeWithFile(m_storage.text(), reading.hash);
+    agreeWithFile(m_storage.text(), reading.contents.state, reading.hash);
     lastSelectedRange = {std::min(m_storage.length(), lastSelectedRange.location), 0};
     if (m_highlighter) {
         m_highlighter->rehighlightAll();
@@ -510,6 +537,8 @@ void TextDocument::takeChanged(const FileReading &reading)
     }
     if (reading.difference.isEmpty()) {
         m_savedText.set(m_storage.text(), reading.hash);
+        m_fileState = reading.contents.state;
+        m_shownState.reset();
         m_isDraft = false;
         setDirty(false);
         return;
@@ -518,5 +547,12 @@ void TextDocument::takeChanged(const FileReading &reading)
         reload(reading);
         return;
     }
+    showConflict(reading.contents.state);
+}
+
+/// Nothing that others wrote is written over before this was said of it.
+void TextDocument::showConflict(const std::optional<FileState> &found)
+{
+    m_shownState = found;
     setExternalState(ExternalState::conflicted);
 }

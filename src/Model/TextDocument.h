@@ -81,10 +81,12 @@ public:
     /// `path` is empty for a text without a file; no contents are an empty text. Asks no file system.
     TextDocument(const DocumentServices &services, const QString &path, const std::optional<TextFile::Contents> &contents,
                  const QUuid &id = QUuid::createUuid());
-    /// A text that was not saved when it was kept, of the file at `path`, which may be gone, or of none. The stamp is that of where it was
-    /// kept: a file that was written since is compared with it. Asks no file system by itself: that may hang.
+    /// A text that was not saved when it was kept, of the file at `path`, which may be gone, or of none. The state in `contents` is that of
+    /// the file which it was made of: one that was written since is compared with it. Without a state that is a file written since
+    /// `keptAt`. Asks no file system by itself: that may hang.
     [[nodiscard]] static std::unique_ptr<TextDocument> fromDraft(const DocumentServices &services, const QString &path,
-                                                                 const TextFile::Contents &contents, const QUuid &id);
+                                                                 const TextFile::Contents &contents, const QUuid &id,
+                                                                 const std::optional<FileStamp> &keptAt = std::nullopt);
     /// A file that is being read. Until its text is there it has the encoding and the line ending given.
     [[nodiscard]] static std::unique_ptr<TextDocument> awaiting(const DocumentServices &services, const QString &path,
                                                                 TextEncoding encoding = TextEncoding::utf8,
@@ -118,6 +120,10 @@ public:
     void setAwaited(Awaited awaited);
 
     [[nodiscard]] bool isDirty() const { return m_isDirty; }
+    /// To be shown with the title: the text differs from its file, also where it counts as clean since it came from a draft.
+    [[nodiscard]] bool showsUnsavedMark() const { return m_isDirty || m_isDraft; }
+    /// The file as it was when the text was last read from it or written to it; none where that is unknown.
+    [[nodiscard]] const std::optional<FileState> &fileState() const { return m_fileState; }
     /// The text would be lost with the document: it is dirty, without a file or from a draft, and not an empty one without a file.
     [[nodiscard]] bool hasUnsavedText() const;
     [[nodiscard]] bool isWaiting() const { return m_externalState == ExternalState::waiting; }
@@ -195,12 +201,12 @@ private:
 
     void transformForSaving();
     void startSaving();
-    void endSaving(const Result<DocumentFile::Written> &written);
+    void endSaving(const DocumentFile::WriteResult &written);
     void takeWritten(const DocumentFile::Snapshot &snapshot, const DocumentFile::Written &written);
     void takeFile(std::optional<TextEncoding> forcedEncoding, void (TextDocument::*take)(const FileReading &reading),
                   const ReadCompletion &completion);
     void takeReinterpreted(const FileReading &reading);
-    void agreeWithFile(const Rope &text, std::optional<quint64> hash = {});
+    void agreeWithFile(const Rope &text, const std::optional<FileState> &state, std::optional<quint64> hash = {});
     [[nodiscard]] FileReading comparedWith(const TextFile::Contents &contents) const;
     void adopt(const FileReading &reading);
     void reload(const FileReading &reading);
@@ -209,6 +215,7 @@ private:
     void takeChanged(const FileReading &reading);
     void takeDeleted();
     void setExternalState(ExternalState state);
+    void showConflict(const std::optional<FileState> &found);
 
     DocumentServices m_services;
     QUuid m_id;
@@ -227,6 +234,9 @@ private:
     bool m_isDirty = false;
     bool m_isDraft = false;
     std::optional<TextFile::ReadError> m_arrivalError;
+    std::optional<FileState> m_fileState;
+    /// As it was when the user was last shown that it differs; from then on saving writes over this one.
+    std::optional<FileState> m_shownState;
     ExternalState m_externalState = ExternalState::none;
     bool m_isLoading = false;
     TextEncoding m_encoding = TextEncoding::utf8;

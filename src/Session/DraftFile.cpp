@@ -40,8 +40,9 @@ QUuid DraftFile::documentOf(const QString &name)
 
 Result<void> DraftFile::write(const Rope &text, const QString &path, FileCalls &calls)
 {
-    return TextFile::write(text, path, TextEncoding::utf8, LineEnding::lf, calls, AtomicFile::NewFile::privateToUser)
-        .map([](const FileStamp &) {});
+    return TextFile::write(text, path, TextEncoding::utf8, LineEnding::lf, calls, {.newFile = AtomicFile::NewFile::privateToUser})
+        .map([](const FileState &) {})
+        .map_error([](const TextFile::WriteError &error) { return Error(error); });
 }
 
 std::optional<Rope> DraftFile::read(const QString &path)

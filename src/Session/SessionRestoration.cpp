@@ -96,8 +96,8 @@ private:
             return nullptr;
         }
         contents.text = *text;
-        contents.stamp = m_store.draftStamp(name);
-        auto document = TextDocument::fromDraft(m_documents.services(), path, contents, unusedId(entry.id));
+        contents.state = entry.fileState;
+        auto document = TextDocument::fromDraft(m_documents.services(), path, contents, unusedId(entry.id), m_store.draftStamp(name));
         m_store.adoptDraft(*document, name);
         return document;
     }

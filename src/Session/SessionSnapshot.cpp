@@ -80,6 +80,43 @@ void insert(QJsonObject &object, QLatin1StringView key, const std::optional<QStr
     }
 }
 
+/// Numbers that JSON does not hold exactly are texts.
+QJsonObject objectOf(const FileState &state)
+{
+    QJsonObject object = {{"device"_L1, QString::number(state.device)},
+                          {"inode"_L1, QString::number(state.inode)},
+                          {"size"_L1, state.stamp.size},
+                          {"modifiedSeconds"_L1, qint64(state.stamp.modified.tv_sec)},
+                          {"modifiedNanoseconds"_L1, qint64(state.stamp.modified.tv_nsec)},
+                          {"isFresh"_L1, state.isFresh}};
+    if (state.hash) {
+        object.insert("hash"_L1, QString::number(*state.hash));
+    }
+    return object;
+}
+
+std::optional<FileState> fileStateFrom(const QJsonValue &value)
+{
+    Reader reader(value);
+    bool areNumbers = true;
+    const auto number = [&areNumbers](const QString &text) {
+        bool isNumber = false;
+        const quint64 result = text.toULongLong(&isNumber);
+        areNumbers = areNumbers && isNumber;
+        return result;
+    };
+    FileState state{
+        .stamp = {.modified = {.tv_sec = reader.integer("modifiedSeconds"_L1), .tv_nsec = long(reader.integer("modifiedNanoseconds"_L1))},
+                  .size = reader.integer("size"_L1)},
+        .device = number(reader.string("device"_L1)),
+        .inode = number(reader.string("inode"_L1)),
+        .isFresh = reader.boolean("isFresh"_L1)};
+    if (const auto hash = reader.optionalString("hash"_L1)) {
+        state.hash = number(*hash);
+    }
+    return reader.isValid() && areNumbers ? std::optional(state) : std::nullopt;
+}
+
 QJsonObject objectOf(const SessionSnapshot::Document &document)
 {
     QJsonObject object = {{"id"_L1, textOf(document.id)},
@@ -91,6 +128,9 @@ QJsonObject objectOf(const SessionSnapshot::Document &document)
     insert(object, "filePath"_L1, document.filePath);
     insert(object, "draftFilename"_L1, document.draftFilename);
     insert(object, "languageID"_L1, document.languageID);
+    if (document.fileState) {
+        object.insert("fileState"_L1, objectOf(*document.fileState));
+    }
     return object;
 }
 
@@ -106,6 +146,7 @@ std::optional<SessionSnapshot::Document> documentFrom(const QJsonValue &value)
         .lineEnding = reader.string("lineEnding"_L1),
         .selection = {qsizetype(reader.integer("selectionLocation"_L1)), qsizetype(reader.integer("selectionLength"_L1))},
         .scrollOffset = reader.real("scrollOffset"_L1),
+        .fileState = fileStateFrom(value.toObject().value("fileState"_L1)),
     };
     if (qint64(document.encodingRawValue) != reader.integer("encodingRawValue"_L1)) {
         reader.reject();

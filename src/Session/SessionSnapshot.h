@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/FileState.h"
 #include "Text/TextRange.h"
 
 #include <QByteArray>
@@ -39,6 +40,8 @@ struct SessionSnapshot {
         TextRange selection;
         /// Logical pixels.
         double scrollOffset = 0;
+        /// Of the file that the text agrees with, but for what is unsaved. One that cannot be read counts as none.
+        std::optional<FileState> fileState = std::nullopt;
 
         friend bool operator==(const Document &, const Document &) = default;
     };

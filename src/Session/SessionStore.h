@@ -3,8 +3,8 @@
 #pragma once
 
 #include "Base/FileCalls.h"
+#include "Base/FileStamp.h"
 #include "Base/Result.h"
-#include "Files/FileStamp.h"
 #include "Session/SessionSnapshot.h"
 #include "Text/Rope.h"
 

@@ -101,6 +101,16 @@ void DocumentActions::presentError(const QString &description, const QString &re
     m_services.presenter.present(Alert::forError(description, recoverySuggestion), window(), {});
 }
 
+/// What the banner says at the same time needs no dialog.
+void DocumentActions::presentSaveError(const Error &error)
+{
+    if (error.code == AtomicFile::changedError) {
+        emit messageShown(error.message, longFlash);
+    } else {
+        presentError(error.message);
+    }
+}
+
 void DocumentActions::presentError(const TextFile::ReadError &error)
 {
     presentError(error.description(), error.recoverySuggestion().value_or(QString()));
@@ -209,7 +219,7 @@ void DocumentActions::save(TextDocument &document, const Completion &completion)
         if (saved) {
             emit self->messageShown(localized(u"Saved"), shortFlash);
         } else {
-            self->presentError(saved.error().message);
+            self->presentSaveError(saved.error());
         }
         completion(saved.has_value());
     });
@@ -241,7 +251,7 @@ void DocumentActions::saveAt(const QString &path, TextDocument &document, const 
             self->m_services.recent.note({path});
             emit self->messageShown(formatted(localized(u"Saved as “%@”"), nameOf(path)), shortFlash);
         } else {
-            self->presentError(saved.error().message);
+            self->presentSaveError(saved.error());
         }
         completion(saved.has_value());
     });

@@ -82,6 +82,7 @@ private:
 
     void presentError(const QString &description, const QString &recoverySuggestion = {});
     void presentError(const TextFile::ReadError &error);
+    void presentSaveError(const Error &error);
     [[nodiscard]] TextDocument::ReadCompletion errorPresenter();
     void present(const Alert &alert, std::function<void(int button)> completion);
     void beep();

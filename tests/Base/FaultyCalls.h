@@ -29,11 +29,19 @@ public:
     off_t lseek(int file, off_t offset, int whence) override { return step("lseek", &FileCalls::lseek, file, offset, whence); }
     int fsync(int file) override { return step("fsync", &FileCalls::fsync, file); }
     int rename(const char *from, const char *to) override { return step("rename", &FileCalls::rename, from, to); }
+    int renameat(int fromFolder, const char *from, int toFolder, const char *to, unsigned flags) override
+    {
+        return step("rename", &FileCalls::renameat, fromFolder, from, toFolder, to, flags);
+    }
     int unlink(const char *path) override { return step("unlink", &FileCalls::unlink, path); }
     int mkdir(const char *path, mode_t mode) override { return step("mkdir", &FileCalls::mkdir, path, mode); }
     int stat(const char *path, struct stat *status) override { return step("stat", &FileCalls::stat, path, status); }
     int lstat(const char *path, struct stat *status) override { return step("lstat", &FileCalls::lstat, path, status); }
     int fstat(int file, struct stat *status) override { return step("fstat", &FileCalls::fstat, file, status); }
+    int fstatat(int folder, const char *path, struct stat *status, int flags) override
+    {
+        return step("fstatat", &FileCalls::fstatat, folder, path, status, flags);
+    }
     ssize_t readlink(const char *path, char *target, size_t size) override
     {
         return step("readlink", &FileCalls::readlink, path, target, size);

@@ -104,6 +104,16 @@ public:
         m_calls.push_back({.kind = RecordedCall::Kind::rename, .path = cleaned(from), .target = cleaned(to), .inode = inode});
         return result;
     }
+    int renameat(int fromFolder, const char *from, int toFolder, const char *to, unsigned flags) override
+    {
+        const auto lock = enter();
+        const QByteArray source = m_open[fromFolder].path + '/' + from;
+        const QByteArray target = m_open[toFolder].path + '/' + to;
+        const int result = FileCalls::renameat(fromFolder, from, toFolder, to, flags);
+        m_inodes[target] = m_inodes[source];
+        m_calls.push_back({.kind = RecordedCall::Kind::rename, .path = source, .target = target, .inode = m_inodes[source]});
+        return result;
+    }
     int unlink(const char *path) override
     {
         const auto lock = enter();

@@ -104,6 +104,11 @@ protected:
         ASSERT_EQ(::symlink(QFile::encodeName(target).constData(), QFile::encodeName(in(name + u'~')).constData()), 0);
         rename(name + u'~', name);
     }
+    static std::optional<FileStamp> stamp(const QString &path)
+    {
+        struct stat status = {};
+        return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? std::optional(FileStamp::of(status)) : std::nullopt;
+    }
     void rename(const QString &from, const QString &to) const
     {
         ASSERT_EQ(::rename(QFile::encodeName(in(from)).constData(), QFile::encodeName(in(to)).constData()), 0);
@@ -250,14 +255,14 @@ TEST_F(FileWatcherTest, DoesNotReportOwnWrites)
         ASSERT_TRUE(writeAtomically(path, QByteArray(10 + save, 'x'), AtomicFile::NewFile::readableByOthers));
         // A slow disk: the events come in while the write is under way.
         expect({}, save == 1 ? 1s : 0s);
-        watcher->endOwnWrite();
+        watcher->endOwnWrite(stamp(path));
         // The third save comes within the grace of the second.
         expect({}, save == 1 ? 100ms : 2s);
     }
     expect({changed}, [&] { put(path, "foreign"); });
     // A failed write changes nothing.
     watcher->beginOwnWrite();
-    watcher->endOwnWrite();
+    watcher->endOwnWrite(std::nullopt);
     expect({}, 1s);
     expect({deleted}, [&] { QFile::remove(path); });
 }
@@ -277,10 +282,19 @@ TEST_F(FileWatcherTest, OwnWritesHideNothingOfOthers)
     settle();
     expect({changed}, [&] { put(path, "before"); });
 
+    // A formatter that reacts to the rename comes before the write is said to be over.
     watcher = watch(path);
     watcher->beginOwnWrite();
     replaceByRename(path, "own");
-    watcher->endOwnWrite();
+    const auto written = stamp(path);
+    put(path, "formatted");
+    watcher->endOwnWrite(written);
+    expect({changed}, 300ms);
+
+    watcher = watch(path);
+    watcher->beginOwnWrite();
+    replaceByRename(path, "own");
+    watcher->endOwnWrite(stamp(path));
     expect({}, 100ms);
     put(path, "others', in the time of grace");
     expect({}, 199ms);
@@ -293,7 +307,7 @@ TEST_F(FileWatcherTest, OwnWritesHideNothingOfOthers)
     ASSERT_EQ(workers.jobs.size(), 1);
     watcher->beginOwnWrite();
     put(path, "own");
-    watcher->endOwnWrite();
+    watcher->endOwnWrite(stamp(path));
     expect({}, 10s);
     workers.isHeld = false;
     workers.finish();
@@ -304,7 +318,7 @@ TEST_F(FileWatcherTest, OwnWritesHideNothingOfOthers)
 TEST_F(FileWatcherTest, ReportsWhatHappenedSinceTheFileWasRead)
 {
     const auto expectSinceRead = [&](const std::vector<Event> &reported, const std::function<void()> &act) {
-        const auto known = TextFile::read(path)->stamp;
+        const auto known = TextFile::read(path)->state->stamp;
         act();
         const auto watcher = watch(path, known);
         expect(reported, 10s);
@@ -464,7 +478,7 @@ TEST_F(FileWatcherTest, MayBeDestroyedWhileEventsAreUnderWay)
     put(path, "the queue goes first");
     queue.reset();
     watcher->beginOwnWrite();
-    watcher->endOwnWrite();
+    watcher->endOwnWrite(stamp(path));
     expect({}, 1s);
 }
 
@@ -500,7 +514,7 @@ TEST(FileWatcherThread, ReportsWhileAShareIsDead)
         EXPECT_EQ(loop.exec(), 0);
         EXPECT_EQ(events, std::vector{changed});
         dead.beginOwnWrite();
-        dead.endOwnWrite();
+        dead.endOwnWrite(std::nullopt);
     }
     isBack.release();
     isHanging.acquire();

@@ -228,6 +228,7 @@ TEST_F(DocumentTest, WhatWasReadBeforeASaveIsNotTakenAfterIt)
     settle();
     workers.finish();
     workers.isHeld = false;
+    ASSERT_FALSE(saved(document, file));
     ASSERT_TRUE(saved(document, file));
     takeHeard();
     settle(2s);
@@ -235,6 +236,39 @@ TEST_F(DocumentTest, WhatWasReadBeforeASaveIsNotTakenAfterIt)
     EXPECT_TRUE(document.undoManager().canUndo());
     EXPECT_EQ(document.externalState(), TextDocument::ExternalState::none);
     EXPECT_EQ(takeHeard(), QString());
+}
+
+TEST_F(DocumentTest, WritesOverNothingThatTheUserWasNotShown)
+{
+    TextDocument &document = open("text\n");
+    type(document, u"x"_s);
+    // As long as before, and so soon after that its time may be the same.
+    for (const char *theirs : {"next\n", "text\nand more\n", "less"}) {
+        put(file, theirs);
+        const auto refused = saved(document, file);
+        ASSERT_FALSE(refused) << theirs;
+        EXPECT_EQ(refused.error().code, AtomicFile::changedError);
+        EXPECT_EQ(read(file), theirs);
+        EXPECT_EQ(document.externalState(), TextDocument::ExternalState::conflicted);
+        EXPECT_TRUE(document.isDirty());
+        EXPECT_TRUE(takeHeard().contains(u'x')) << "the banner says it";
+    }
+    settle();
+    ASSERT_TRUE(saved(document, file)) << "the user knows";
+    EXPECT_EQ(read(file), "xtext\n");
+    EXPECT_EQ(document.externalState(), TextDocument::ExternalState::none);
+
+    type(document, u"y"_s);
+    put(file, "xtext\n");
+    ASSERT_TRUE(saved(document, file)) << "written again as it was";
+    ASSERT_TRUE(QFile::remove(file));
+    EXPECT_TRUE(saved(document, file)) << "nobody has anything to lose";
+    const auto elsewhere = path(u"b.txt"_s);
+    put(elsewhere, "asked about");
+    EXPECT_TRUE(saved(document, elsewhere));
+    type(document, u"z"_s);
+    put(elsewhere, "theirs");
+    EXPECT_FALSE(saved(document, elsewhere));
 }
 
 TEST_F(DocumentTest, AFileThatIsBackIsNotCalledDeleted)

@@ -203,7 +203,11 @@ protected:
     void save(TextDocument &document)
     {
         const QString path = document.isUntitled() ? disk() + u"/files/%1.txt"_s.arg(++lastFile) : document.path();
-        const auto result = saved(document, path);
+        auto result = saved(document, path);
+        if (!result && result.error().code == AtomicFile::changedError) {
+            // Saved after the snapshot from which it came back.
+            result = saved(document, path);
+        }
         ASSERT_TRUE(result) << result.error().message.toStdString();
         noteVersion(document);
         if (!isCertain(document)) {

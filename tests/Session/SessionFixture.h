@@ -34,7 +34,9 @@ protected:
     [[nodiscard]] std::unique_ptr<TextDocument> document(const QString &text, const QUuid &id = QUuid::createUuid(),
                                                          const QString &path = {})
     {
-        return std::make_unique<TextDocument>(services, path, TextFile::Contents{.text = Rope(text)}, id);
+        const auto file = TextFile::read(path);
+        return std::make_unique<TextDocument>(services, path,
+                                              TextFile::Contents{.text = Rope(text), .state = file ? file->state : std::nullopt}, id);
     }
     static void edit(TextDocument &document, const QString &text) { document.storage().apply({{0, document.storage().length()}, text}); }
     static void expectWritten(SessionStore &store) { EXPECT_TRUE(store.waitUntilWritten(std::chrono::minutes(1))); }

@@ -6,6 +6,8 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Session/SessionFixture.h"
 
+#include <filesystem>
+
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
@@ -121,6 +123,44 @@ TEST_F(SessionKeeperTest, WhatWasTypedComesBackAsItWas)
     EXPECT_EQ(store->writeDraft(second), std::nullopt);
     expectWritten(*store);
     EXPECT_EQ(drafts().size(), 2);
+}
+
+TEST_F(SessionKeeperTest, WhatOthersDidToAFileIsKnownAfterTheNextStart)
+{
+    using State = TextDocument::ExternalState;
+    const std::pair<const char *, State> cases[] = {{"untouched", State::none},
+                                                    {"written with the same bytes", State::none},
+                                                    {"replaced by an older file", State::conflicted},
+                                                    {"written, shown and not saved over", State::conflicted},
+                                                    {"gone", State::deleted}};
+    Documents all;
+    for (const auto &[what, state] : cases) {
+        all.push_back(addFile(QString::fromUtf8(what), u"theirs"_s));
+        edit(*all.back(), u"mine"_s);
+    }
+    showInWindow(all);
+    put(QString::fromUtf8(cases[3].first), "more");
+    EXPECT_FALSE(saved(*all[3], all[3]->path()));
+    keeper.performAutosave();
+    expectWritten(*store);
+    put(QString::fromUtf8(cases[1].first), "theirs");
+    put(QString::fromUtf8(cases[2].first), "before");
+    std::filesystem::last_write_time(all[2]->path().toStdString(), std::filesystem::file_time_type() - 9999h);
+    QFile::remove(all[4]->path());
+
+    store.reset();
+    store = open();
+    DocumentStore restored(services, {});
+    SessionKeeper next(scheduler, notifications, preferences, restored, *store);
+    const std::optional<WindowLayout> back = next.restore();
+    settle();
+    ASSERT_EQ(restored.documents().size(), std::size(cases));
+    for (size_t index = 0; index < std::size(cases); ++index) {
+        TextDocument &document = *restored.documents()[index];
+        EXPECT_EQ(document.externalState(), cases[index].second) << cases[index].first;
+        EXPECT_TRUE(document.showsUnsavedMark()) << cases[index].first;
+        EXPECT_TRUE(saved(document, document.path())) << "the user knows: " << cases[index].first;
+    }
 }
 
 TEST_F(SessionKeeperTest, NonsenseInASnapshotLosesNoText)

@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Base/FileStamp.h"
+
+#include <optional>
+
+/// A file as it was when a text was read from it or written to it: by this it is known again later, or not.
+struct FileState {
+    FileStamp stamp = {};
+    quint64 device = 0;
+    quint64 inode = 0;
+    /// ContentHash of its bytes; none where nobody read them.
+    std::optional<quint64> hash = std::nullopt;
+    /// It had been written so shortly before that another writing may have left all the same, except for the bytes.
+    bool isFresh = false;
+
+    /// Of `status`, which was asked for at this moment.
+    [[nodiscard]] static FileState of(const struct stat &status, std::optional<quint64> hash);
+
+    /// Nobody wrote the file in between. Where that cannot be seen without its bytes, and for files that look different, see the hash.
+    [[nodiscard]] bool isSurelySameAs(const struct stat &status) const;
+
+    friend bool operator==(const FileState &, const FileState &) = default;
+};
+
+/// A fast hash of bytes for telling contents apart, no protection against somebody who wants them to be alike: XXH3, 64 bits.
+class ContentHash final {
+public:
+    ContentHash();
+    ContentHash(const ContentHash &) = delete;
+    ContentHash &operator=(const ContentHash &) = delete;
+    ContentHash(ContentHash &&other) noexcept;
+    ContentHash &operator=(ContentHash &&other) noexcept;
+    ~ContentHash();
+
+    void add(const void *bytes, size_t count);
+    [[nodiscard]] quint64 value() const;
+
+private:
+    void *m_state;
+};
