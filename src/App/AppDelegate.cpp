@@ -295,7 +295,7 @@ void AppDelegate::goTo(TextDocument &document, const CommandLine::File &place)
 {
     document.whenArrived([this, &document, line = place.line.value_or(LineNumber::first), column = place.column] {
         if (MainWindowController *front = frontmostWindow()) {
-            front->workspace().goTo(document.twin() ? *document.twin() : document, line, column);
+            front->workspace().goTo(document.arrivalFailure().twin ? *document.arrivalFailure().twin : document, line, column);
         }
     });
 }
@@ -379,14 +379,15 @@ void AppDelegate::noticeClosed()
     const auto &open = m_services.documents.documents();
     for (Waiting &waiting : m_waiting) {
         for (auto &document : waiting.documents) {
-            if (const auto twin = document->twin()) {
+            if (const auto twin = document->arrivalFailure().twin) {
                 document = twin;
                 document->setAwaited(TextDocument::Awaited::yes);
             }
         }
         std::erase_if(waiting.documents, [&](const std::shared_ptr<TextDocument> &document) {
             const bool isOpen = std::ranges::find(open, document) != open.end();
-            const bool isLost = document->isDirty() || document->arrivalError() || document->awaited() == TextDocument::Awaited::aborted;
+            const bool isLost =
+                document->isDirty() || document->arrivalFailure().error || document->awaited() == TextDocument::Awaited::aborted;
             waiting.status = !isOpen && isLost ? 1 : waiting.status;
             return !isOpen;
         });

@@ -139,12 +139,22 @@ void EditorViewController::observe()
         if (std::exchange(m_awaitsText, false)) {
             restoreViewState();
         }
+        followEnd();
         m_textView->ruler().update();
         highlightVisibleRange();
         updateBanner();
     });
     if (m_document->highlighter()) {
         observe(SyntaxHighlighter::needsVisibleRefresh, m_document->highlighter(), [this] { scheduleVisibleHighlight(); });
+    }
+}
+
+/// A log goes on under the eyes of whoever has the caret at its end.
+void EditorViewController::followEnd()
+{
+    const auto end = m_document->endBeforeReload();
+    if (end && m_textView->selection().range() == TextRange{*end, 0}) {
+        m_textView->setSelection(TextSelection::at(m_document->storage().length()), TextView::Reveal::nearest);
     }
 }
 

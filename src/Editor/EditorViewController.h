@@ -99,6 +99,7 @@ private:
     [[nodiscard]] ActionState textFinderActionState(const ActionSender &sender) const;
     void applyPreferences();
     void applyTheme();
+    void followEnd();
     void applyPalette();
     void applyIndentation();
     void applyVimMode();

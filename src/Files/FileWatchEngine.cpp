@@ -13,6 +13,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto debounceDelay = 200ms;
+/// For a file that is written all the time, which never rests for so long.
+constexpr auto longestDebounce = 2000ms;
 constexpr auto graceAfterOwnWrite = 300ms;
 constexpr auto pollInterval = 2000ms;
 constexpr auto slowLook = 250ms;
@@ -166,7 +168,13 @@ void FileWatchEngine::noteChange(Record &record)
 {
     // After an own write the file is looked at in any case.
     if (!record.link->isSuspended()) {
-        record.debounce = m_scheduler->after(debounceDelay, [this, &record] { want(record, Purpose::report); });
+        const Scheduler::Milliseconds now = m_scheduler->now();
+        record.changedSince = record.changedSince.value_or(now);
+        const auto delay = std::clamp<Scheduler::Milliseconds>(*record.changedSince + longestDebounce - now, 0ms, debounceDelay);
+        record.debounce = m_scheduler->after(delay, [this, &record] {
+            record.changedSince.reset();
+            want(record, Purpose::report);
+        });
     }
 }
 

@@ -87,6 +87,8 @@ private:
         quint64 look = 0;
         quint64 endedWrite = 0;
         DelayedTask debounce;
+        /// When there was the first sign of what is to be reported.
+        std::optional<Scheduler::Milliseconds> changedSince;
         DelayedTask grace;
         DelayedTask poll;
     };

@@ -21,7 +21,8 @@ struct FileWatchLink;
 /// Reports when a file changed on disk or disappeared by someone else's doing.
 ///
 /// The file, the folders on the way to it and the symbolic links among them are watched, so a file that is replaced by rename, deleted
-/// and made again, or comes back with its folder stays in sight. Reports come 0.2 s after the last sign of a change, and only when
+/// and made again, or comes back with its folder stays in sight. Reports come 0.2 s after the last sign of a change, at the
+/// latest 2 s after the first one, and only when
 /// modification date or size differ from those last known: a burst yields one, a change of permissions none. Where watches are not to
 /// be had, or do not report all, as on network shares, the file is looked at every 2 s as well.
 ///

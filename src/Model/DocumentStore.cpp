@@ -54,8 +54,8 @@ DocumentStore::OpenResult DocumentStore::takeOpened(const QString &path, std::un
     if (auto open = documentAt(path)) {
         return Opened{.document = std::move(open)};
     }
-    if (read->arrivalError()) {
-        return tl::make_unexpected(*read->arrivalError());
+    if (read->arrivalFailure().error) {
+        return tl::make_unexpected(*read->arrivalFailure().error);
     }
     // Those before it may have come meanwhile.
     if (auto open = otherOfFile(read->identity(), *read)) {

@@ -14,6 +14,12 @@ void FileFollower::follow(const QString &path, const std::optional<FileStamp> &k
     }
 }
 
+void FileFollower::agreeOn(const std::optional<FileState> &state)
+{
+    m_state = state;
+    m_shown.reset();
+}
+
 void FileFollower::handle(FileWatcher::Event event)
 {
     if (event == FileWatcher::Event::deleted) {

@@ -11,8 +11,8 @@
 #include <memory>
 #include <optional>
 
-/// Finds out what others do to the file of a document: watches it, and when something happened looks or reads on a worker. Main thread
-/// only.
+/// Finds out what others do to the file of a document: watches it, and when something happened looks or reads on a worker. Remembers
+/// what the file was. Main thread only.
 class FileFollower final {
 public:
     /// What it uses; must outlive it.
@@ -34,6 +34,13 @@ public:
 
     /// From now on the file at `path`, none if that is empty, which is known to be as `known` says, or as it is found.
     void follow(const QString &path, const std::optional<FileStamp> &known);
+    /// The file as it was when the text was last read from it or written to it; none where that is unknown.
+    [[nodiscard]] const std::optional<FileState> &state() const { return m_state; }
+    void agreeOn(const std::optional<FileState> &state);
+    /// The user is shown that the file differs from the text. From then on saving may write over it as it is `shown`.
+    void noteShown(const std::optional<FileState> &shown) { m_shown = shown; }
+    /// What the file has to be when the text is written over it.
+    [[nodiscard]] AtomicFile::Expectation expectation() const { return {m_shown ? m_shown : m_state}; }
     /// Reads the file; `changed` follows if it can be read.
     void read();
     /// Nothing that was asked is answered any more.
@@ -49,6 +56,8 @@ private:
 
     Services m_services;
     QString m_path;
+    std::optional<FileState> m_state;
+    std::optional<FileState> m_shown;
     std::unique_ptr<FileWatcher> m_watcher;
     DelayedTask m_lookSoon;
     BackgroundTask m_looking;

@@ -31,7 +31,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
                            const QUuid &id)
     : TextDocument(services, path, path.isEmpty() ? QString() : QDir::cleanPath(path), contents, id)
 {
-    m_follower.follow(m_path, stampOf(m_fileState));
+    m_follower.follow(m_path, stampOf(m_follower.state()));
 }
 
 TextDocument::TextDocument(const DocumentServices &services, const QString &path, const QString &identity,
@@ -55,7 +55,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
         m_undoManager.markSavePoint();
         m_encoding = contents->encoding;
         m_lineEnding = contents->lineEnding;
-        m_fileState = contents->state;
+        m_follower.agreeOn(contents->state);
     }
     m_savedText.set(m_storage.text());
     m_language = detectedLanguage();
@@ -136,12 +136,12 @@ void TextDocument::arrive(const Arrival &arrival)
     const auto waiting = std::exchange(m_whenArrived, {});
     m_externalState = ExternalState::none;
     if (!arrival.contents) {
-        m_arrivalError = arrival.contents.error();
+        m_arrival.error = arrival.contents.error();
     } else {
         m_identity = arrival.identity;
-        m_twin = m_services.otherOfFile ? m_services.otherOfFile(m_identity, *this) : nullptr;
+        m_arrival.twin = m_services.otherOfFile ? m_services.otherOfFile(m_identity, *this) : nullptr;
     }
-    if (m_arrivalError || m_twin) {
+    if (m_arrival.error || m_arrival.twin) {
         m_services.notifications.post(didFailToArrive, this);
     } else {
         takeArrived(*arrival.contents);
@@ -307,11 +307,6 @@ void TextDocument::transformForSaving()
     }
 }
 
-DocumentFile::Snapshot TextDocument::snapshotFor(const QString &path) const
-{
-    return {.path = path, .text = m_storage.text(), .revision = m_storage.revision(), .encoding = m_encoding, .lineEnding = m_lineEnding};
-}
-
 void TextDocument::save(const QString &path, const SaveCompletion &completion)
 {
     if (isWaiting()) {
@@ -328,7 +323,7 @@ void TextDocument::save(const QString &path, const SaveCompletion &completion)
         m_saves.emplace_back();
     }
     Save &save = m_saves.back();
-    save.snapshot = snapshotFor(path);
+    save.snapshot = snapshotOf(*this, path);
     if (completion) {
         save.completions.push_back(completion);
     }
@@ -343,7 +338,7 @@ void TextDocument::startSaving()
     m_saves.pop_front();
     // Who chose another name was asked about the file that has it.
     if (m_underWay->snapshot.path == m_path) {
-        m_underWay->snapshot.expected = {m_shownState ? m_shownState : m_fileState};
+        m_underWay->snapshot.expected = m_follower.expectation();
     }
     m_requests.cancel(FileRequests::Kind::reading);
     m_follower.beginOwnWrite();
@@ -420,8 +415,7 @@ void TextDocument::whenSaved(std::function<void(bool isWritten)> then)
 /// The file has `text`; whatever was asked about it or the document's text before is answered.
 void TextDocument::agreeWithFile(const Rope &text, const std::optional<FileState> &state, std::optional<quint64> hash)
 {
-    m_fileState = state;
-    m_shownState.reset();
+    m_follower.agreeOn(state);
     m_follower.forget();
     m_savedText.set(text, hash);
     m_isDirty = false;
@@ -450,6 +444,8 @@ void TextDocument::adopt(const FileReading &reading)
 
 void TextDocument::reload(const FileReading &reading)
 {
+    const bool isAddition = reading.difference.count() == 1 && reading.difference[0].range == TextRange{m_storage.length(), 0};
+    m_endBeforeReload = isAddition ? std::optional(m_storage.length()) : std::nullopt;
     {
         const UndoManager::Pause pause(m_undoManager);
         adopt(reading);
@@ -537,8 +533,7 @@ void TextDocument::takeChanged(const FileReading &reading)
     }
     if (reading.difference.isEmpty()) {
         m_savedText.set(m_storage.text(), reading.hash);
-        m_fileState = reading.contents.state;
-        m_shownState.reset();
+        m_follower.agreeOn(reading.contents.state);
         m_isDraft = false;
         setDirty(false);
         return;
@@ -553,6 +548,16 @@ void TextDocument::takeChanged(const FileReading &reading)
 /// Nothing that others wrote is written over before this was said of it.
 void TextDocument::showConflict(const std::optional<FileState> &found)
 {
-    m_shownState = found;
+    m_follower.noteShown(found);
     setExternalState(ExternalState::conflicted);
+}
+
+DocumentFile::Snapshot snapshotOf(const TextDocument &document, const QString &path)
+{
+    const TextStorage &storage = document.storage();
+    return {.path = path,
+            .text = storage.text(),
+            .revision = storage.revision(),
+            .encoding = document.encoding(),
+            .lineEnding = document.lineEnding()};
 }

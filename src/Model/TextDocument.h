@@ -105,6 +105,8 @@ public:
     [[nodiscard]] const TextStorage &storage() const { return m_storage; }
     [[nodiscard]] UndoManager &undoManager() { return m_undoManager; }
     [[nodiscard]] const QString &path() const { return m_path; }
+    /// What is known of the file.
+    [[nodiscard]] const FileFollower &file() const { return m_follower; }
     /// See DocumentFile::identityOf; of the document's file when it was opened or saved there.
     [[nodiscard]] const QString &identity() const { return m_identity; }
     [[nodiscard]] bool isUntitled() const { return m_path.isEmpty(); }
@@ -120,19 +122,18 @@ public:
     void setAwaited(Awaited awaited);
 
     [[nodiscard]] bool isDirty() const { return m_isDirty; }
-    /// To be shown with the title: the text differs from its file, also where it counts as clean since it came from a draft.
-    [[nodiscard]] bool showsUnsavedMark() const { return m_isDirty || m_isDraft; }
-    /// The file as it was when the text was last read from it or written to it; none where that is unknown.
-    [[nodiscard]] const std::optional<FileState> &fileState() const { return m_fileState; }
     /// The text would be lost with the document: it is dirty, without a file or from a draft, and not an empty one without a file.
     [[nodiscard]] bool hasUnsavedText() const;
     [[nodiscard]] bool isWaiting() const { return m_externalState == ExternalState::waiting; }
     /// Calls `then` when it is not waiting any more, perhaps at once; never if it is destroyed first.
     void whenArrived(std::function<void()> then);
-    /// Why there is no text although it is not waiting.
-    [[nodiscard]] const std::optional<TextFile::ReadError> &arrivalError() const { return m_arrivalError; }
-    /// The document that had the file already, known by another name, when it came; null for none.
-    [[nodiscard]] const std::shared_ptr<TextDocument> &twin() const { return m_twin; }
+    /// Why there is no text although it is not waiting: one of them is there.
+    struct ArrivalFailure {
+        std::optional<TextFile::ReadError> error;
+        /// The document that had the file already, known by another name, when it came.
+        std::shared_ptr<TextDocument> twin;
+    };
+    [[nodiscard]] const ArrivalFailure &arrivalFailure() const { return m_arrival; }
     [[nodiscard]] ExternalState externalState() const { return m_externalState; }
     /// The user keeps the text as it is, whatever became of the file.
     void clearExternalState();
@@ -156,6 +157,9 @@ public:
     [[nodiscard]] SyntaxHighlighter *highlighter() const { return m_highlighter.get(); }
     void attachHighlighter(const Theme &theme);
 
+    /// Where the text ended before the last reload, if that only added to it.
+    [[nodiscard]] std::optional<qsizetype> endBeforeReload() const { return m_endBeforeReload; }
+
     /// Remembered for new views and the session: units, and pixels.
     TextRange lastSelectedRange;
     double lastScrollOffset = 0;
@@ -165,7 +169,6 @@ public:
     /// Called when a file was read, or could not be.
     using ReadCompletion = std::function<void(const Result<void, TextFile::ReadError> &read)>;
 
-    [[nodiscard]] DocumentFile::Snapshot snapshotFor(const QString &path) const;
     /// Writes the text as it is now to `path`, which becomes its file, after trimming and ending the text as the settings want. When that
     /// fails the document is as it was, except for that. Refused while it waits for its text.
     void save(const QString &path, const SaveCompletion &completion = {});
@@ -230,13 +233,10 @@ private:
     std::deque<Save> m_saves;
     std::optional<Save> m_underWay;
     std::vector<std::function<void(bool)>> m_whenSaved;
-    std::shared_ptr<TextDocument> m_twin;
     bool m_isDirty = false;
     bool m_isDraft = false;
-    std::optional<TextFile::ReadError> m_arrivalError;
-    std::optional<FileState> m_fileState;
-    /// As it was when the user was last shown that it differs; from then on saving writes over this one.
-    std::optional<FileState> m_shownState;
+    ArrivalFailure m_arrival;
+    std::optional<qsizetype> m_endBeforeReload;
     ExternalState m_externalState = ExternalState::none;
     bool m_isLoading = false;
     TextEncoding m_encoding = TextEncoding::utf8;
@@ -249,3 +249,6 @@ private:
     BackgroundTask m_draftLooking;
     QObject m_context;
 };
+
+/// The document's text as it is now, on its way to `path`.
+[[nodiscard]] DocumentFile::Snapshot snapshotOf(const TextDocument &document, const QString &path);

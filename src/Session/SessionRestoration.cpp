@@ -124,10 +124,10 @@ private:
     {
         if (made.document) {
             std::ignore = made.document->requests().waitUntil(FileRequests::Kind::arrival, deadline);
-            if (made.document->arrivalError()) {
+            if (made.document->arrivalFailure().error) {
                 return;
             }
-            if (const auto &twin = made.document->twin()) {
+            if (const auto &twin = made.document->arrivalFailure().twin) {
                 m_restored.push_back({made.idInSnapshot, twin});
                 return;
             }

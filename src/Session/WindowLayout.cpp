@@ -20,7 +20,7 @@ SessionSnapshot::Document entryOf(const TextDocument &document, const DraftNames
         .lineEnding = rawValue(document.lineEnding()).toString(),
         .selection = document.lastSelectedRange,
         .scrollOffset = document.lastScrollOffset,
-        .fileState = draft == drafts.end() ? std::nullopt : document.fileState(),
+        .fileState = draft == drafts.end() ? std::nullopt : document.file().state(),
     };
 }
 

@@ -366,7 +366,7 @@ void DocumentActions::makeBackup()
     const DocumentServices &services = m_services.documents.services();
     document.requests().start(
         FileRequests::Kind::copying, services.timeout,
-        [snapshot = document.snapshotFor(document.path()), &files = services.files](const std::stop_token &) {
+        [snapshot = snapshotOf(document, document.path()), &files = services.files](const std::stop_token &) {
             return DocumentFile::copy(snapshot, files);
         },
         [self = QPointer(this)](const Result<QString> &copy) {

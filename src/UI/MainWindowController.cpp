@@ -108,7 +108,7 @@ void MainWindowController::updateTitle()
     // Doubled, the mark's placeholder stands for itself.
     setWindowTitle(document ? document->displayName().replace("[*]"_L1, "[*][*]"_L1) + u"[*]"_s : u"Quillet"_s);
     setWindowFilePath(document ? document->path() : QString());
-    setWindowModified(document && document->showsUnsavedMark());
+    setWindowModified(document && (document->isDirty() || document->hasUnsavedText()));
 }
 
 /// The size it was left with; where it stands is the window manager's affair.

@@ -104,7 +104,7 @@ void PaneViewController::refreshTabs()
         tabs.push_back({.title = document->displayName(),
                         .tooltip = document->displayPath(),
                         .activity = activityOf(*document),
-                        .isDirty = document->showsUnsavedMark(),
+                        .isDirty = document->isDirty() || document->hasUnsavedText(),
                         .hasExternalChange = !document->isWaiting() && document->externalState() != TextDocument::ExternalState::none});
     }
     if (m_currentEditor) {

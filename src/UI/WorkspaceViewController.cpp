@@ -314,11 +314,11 @@ void WorkspaceViewController::rememberPlaces()
 void WorkspaceViewController::dropDocumentsThatCannotBeRead()
 {
     for (const auto &document : m_layout.documents()) {
-        if (const auto twin = document->twin()) {
+        if (const auto twin = document->arrivalFailure().twin) {
             const bool isInFront = m_layout.current() == document;
             setPaneLayout(isInFront ? m_layout.showing({twin}) : m_layout.appending({twin}));
         }
-        if (document->twin() || document->arrivalError()) {
+        if (document->arrivalFailure().twin || document->arrivalFailure().error) {
             m_services.documents.remove(*document);
         }
     }
@@ -379,8 +379,8 @@ PaneLayout::Documents WorkspaceViewController::openWithin(std::chrono::milliseco
 void WorkspaceViewController::reportWhenArrived(TextDocument &document)
 {
     document.whenArrived([workspace = QPointer(this), &document] {
-        if (workspace && document.arrivalError()) {
-            workspace->presentError(*document.arrivalError());
+        if (workspace && document.arrivalFailure().error) {
+            workspace->presentError(*document.arrivalFailure().error);
         } else if (workspace) {
             workspace->m_services.recent.note({document.path()});
         }

@@ -6,6 +6,7 @@
 #include "Controls.h"
 #include "Editor/LineNumberRulerView.h"
 #include "Editor/SpellingPanel.h"
+#include "FileAnswers.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Spelling/SpellChecker.h"
 #include "Surroundings.h"
@@ -174,6 +175,21 @@ TEST_F(EditorTest, TheBannerSaysWhatHappenedAndDoesItsWork)
     button(*editor, u"Save Again"_s)->click();
     EXPECT_TRUE(QFile::exists(path(u"a.c"_s)));
     EXPECT_FALSE(editor->banner());
+}
+
+TEST_F(EditorTest, FollowsALogFromItsEndOnly)
+{
+    TextDocument &log = openFile("one\ntwo\n");
+    const auto editor = open(log);
+    TextView &view = editor->textView();
+    const auto caretAfter = [&](qsizetype caret, const QByteArray &content) {
+        view.setSelection(TextSelection::at(caret));
+        write(content);
+        EXPECT_TRUE(isReverted(log));
+        return view.selection().caret;
+    };
+    EXPECT_EQ(caretAfter(8, "one\ntwo\nthree\n"), 14);
+    EXPECT_EQ(caretAfter(3, "one\ntwo\nthree\nfour\n"), 3) << "who reads further up is not disturbed";
 }
 
 TEST_F(EditorTest, TheRulerIsAsWideAsItsLargestNumber)

@@ -162,6 +162,16 @@ protected:
 
 } // namespace
 
+TEST_F(FileWatcherTest, ReportsAFileThatIsWrittenAllTheTime)
+{
+    const auto watcher = watch(path);
+    for (int written = 0; written < 60; ++written) {
+        append(path);
+        pass(100ms);
+    }
+    EXPECT_EQ(events, std::vector(3, changed)) << "every other second";
+}
+
 TEST_F(FileWatcherTest, ReportsABurstOnceAfterItsLastChange)
 {
     const auto watcher = watch(path);

@@ -428,8 +428,8 @@ TEST_F(DocumentTest, AFileIsOneDocumentWhateverItIsCalledAndWheneverItComes)
     }
     workers.finish();
     QCoreApplication::processEvents();
-    EXPECT_EQ(late[0]->document->twin().get(), &document);
-    EXPECT_TRUE(late[1]->document->arrivalError());
+    EXPECT_EQ(late[0]->document->arrivalFailure().twin.get(), &document);
+    EXPECT_TRUE(late[1]->document->arrivalFailure().error);
     EXPECT_EQ(failures, 2);
     EXPECT_EQ(arrivals, 2);
 }

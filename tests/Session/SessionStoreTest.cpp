@@ -404,7 +404,7 @@ TEST_F(SessionStoreTest, FilesThatDoNotAnswerAreWaitedForInTheirTabs)
     EXPECT_EQ(text.lastSelectedRange, (TextRange{7, 3}));
     EXPECT_EQ(documents.documentAt(file).get(), &text);
     EXPECT_EQ(failures, 1);
-    EXPECT_TRUE(restored.back().document->arrivalError());
+    EXPECT_TRUE(restored.back().document->arrivalFailure().error);
     settle();
     workers.isHeld = false;
     EXPECT_TRUE(saved(text, file));
