@@ -153,23 +153,6 @@ TEST(Language, CompilesOnceForAllThreads)
     EXPECT_EQ(seen, std::vector(4, language.rules().data()));
 }
 
-// A search that would go on for minutes ends as "nothing more", and is counted.
-TEST(Language, GivesUpOnHardTexts)
-{
-    const auto expectGivenUp = [](const RegularExpression &rule, const QString &text) {
-        RegularExpression regex = rule.clone();
-        EXPECT_FALSE(regex.firstMatch(text));
-        EXPECT_EQ(regex.limitHits(), 1) << text.left(9).toStdString() << "… is not hard";
-    };
-    const auto language = [](QStringView id) { return LanguageRegistry::withID(id).value(); };
-    // Every opening looks for its end in all of the rest.
-    expectGivenUp(language(u"html").spans()[0].regex, u"<!--"_s.repeated(250'000));
-    // Every unit is a place to come back to.
-    expectGivenUp(language(u"java").rules()[1].regex, u'"' + u"x"_s.repeated(1'000'000));
-    // Several repeats share the blanks out among themselves in every possible way.
-    expectGivenUp(language(u"yaml").rules()[1].regex, u" "_s.repeated(1'000'000));
-}
-
 TEST(Language, MatchesLongCommentsAndStrings)
 {
     const QString inside = u"a * b; "_s.repeated(36'000);

@@ -1,92 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "Text/StyleRuns.h"
-#include "RandomText.h"
-#include "Text/StyleRunsCode.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-
-using Styles = std::vector<StyleId>;
-
-template<class Runs>
-void expectSame(const Runs &runs, const Styles &model, TextRange range)
-{
-    ASSERT_TRUE(runs.checkInvariants());
-    ASSERT_EQ(runs.length(), qsizetype(model.size()));
-    Styles read;
-    StyleId previous = 0xffff;
-    runs.forEachRun(range, [&](TextRange run, StyleId style) {
-        EXPECT_EQ(run.location, range.location + qsizetype(read.size()));
-        EXPECT_NE(style, previous);
-        previous = style;
-        read.insert(read.end(), size_t(run.length), style);
-    });
-    ASSERT_EQ(read, Styles(model.begin() + range.location, model.begin() + range.end()));
-}
-
-std::vector<TextRange> differences(const Styles &a, const Styles &b)
-{
-    std::vector<TextRange> result;
-    for (size_t i = 0; i < a.size(); ++i) {
-        if (a[i] == b[i])
-            continue;
-        if (!result.empty() && result.back().end() == qsizetype(i))
-            ++result.back().length;
-        else
-            result.push_back({qsizetype(i), 1});
-    }
-    return result;
-}
-
-template<class Runs>
-void runScript(quint32 seed)
-{
-    Random random(seed);
-    Runs runs;
-    Styles model;
-    std::vector<std::pair<Runs, Styles>> snapshots;
-    for (int step = 0; step < 150; ++step) {
-        SCOPED_TRACE("seed " + std::to_string(seed) + " step " + std::to_string(step));
-        const qsizetype length = qsizetype(model.size());
-        const qsizetype from = random.below(length + 1);
-        const TextRange range{from, std::min(random.below(random.oneIn(6) ? 150 : 8), length - from)};
-        if (random.oneIn(2)) {
-            const qsizetype inserted = random.below(random.oneIn(6) ? 80 : 4);
-            runs.replace(range, inserted);
-            const StyleId style = from > 0 ? model[size_t(from) - 1] : plainStyle;
-            model.erase(model.begin() + from, model.begin() + range.end());
-            model.insert(model.begin() + from, size_t(inserted), style);
-        } else {
-            std::vector<StyleRun> wanted;
-            Styles changed = model;
-            for (qsizetype at = from; at < range.end(); at += wanted.back().length) {
-                // Some of it stays as it is.
-                const StyleId style = random.oneIn(3) ? model[size_t(at)] : StyleId(random.below(3));
-                wanted.push_back({std::min(1 + random.below(5), range.end() - at), style});
-                std::fill_n(changed.begin() + at, wanted.back().length, style);
-            }
-            ASSERT_EQ(runs.assign(range, wanted), differences(model, changed));
-            model = changed;
-        }
-        for (const qsizetype part : {qsizetype(0), random.below(runs.length() + 1)})
-            ASSERT_NO_FATAL_FAILURE(expectSame(runs, model, {part, runs.length() - part}));
-        if (random.oneIn(12))
-            snapshots.emplace_back(runs, model);
-    }
-    for (const auto &[snapshot, styles] : snapshots)
-        ASSERT_NO_FATAL_FAILURE(expectSame(snapshot, styles, {0, snapshot.length()}));
-}
-
-TEST(StyleRuns, RandomChangesEqualThoseOfAVector)
-{
-    for (quint32 seed = 1; seed <= 60 && !testing::Test::HasFatalFailure(); ++seed) {
-        runScript<RunTree<4, 4>>(seed);
-        runScript<RunTree<9, 5>>(seed);
-        runScript<StyleRuns>(seed);
-    }
-}
 
 TEST(StyleRuns, RunsLongerThanALeafEntryGoOn)
 {

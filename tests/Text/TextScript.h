@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Text/RandomText.h"
+#include "Text/StyleRunsCode.h"
 #include "Text/TextTreeCode.h"
 #include "Text/UndoManager.h"
 #include "fuzz/Require.h"
@@ -59,6 +60,7 @@ public:
 private:
     enum class Way { back, forth };
     using SmallTree = TextTree<32, 4>;
+    using SmallRuns = RunTree<4, 4>;
     struct State {
         TextSelection before;
         TextSelection after;
@@ -98,6 +100,7 @@ private:
             const std::u16string inserted = edits[i].text.toString().toStdU16String();
             const StyleId before = from > 0 ? m_styles[size_t(from) - 1] : plainStyle;
             m_small.replace({from, removed}, QStringView(inserted));
+            m_smallRuns.replace({from, removed}, qsizetype(inserted.size()));
             m_text.replace(size_t(from), size_t(removed), inserted);
             m_styles.erase(m_styles.begin() + from, m_styles.begin() + from + removed);
             m_styles.insert(m_styles.begin() + from, inserted.size(), before);
@@ -106,14 +109,20 @@ private:
 
     void style()
     {
-        const auto style = StyleId(m_random.below(3));
-        m_restyled.clear();
-        m_storage.setStyle(range(m_random.below(m_storage.length() + 1), m_storage.length()), style);
-        for (const TextRange part : m_restyled) {
-            for (qsizetype unit = part.location; unit < part.end(); ++unit) {
-                REQUIRE(std::exchange(m_styles[size_t(unit)], style) != style);
-            }
+        const TextRange window = range(m_random.below(m_storage.length() + 1), m_storage.length());
+        std::vector<StyleRun> runs;
+        const std::vector<StyleId> before = m_styles;
+        for (qsizetype at = window.location; at < window.end(); at += runs.back().length) {
+            runs.push_back({std::min(1 + m_random.below(m_random.oneIn(4) ? 60 : 5), window.end() - at), StyleId(m_random.below(3))});
+            std::fill_n(m_styles.begin() + at, runs.back().length, runs.back().style);
         }
+        m_restyled.clear();
+        m_storage.setStyles(window, runs);
+        for (const TextRange part : m_restyled) {
+            REQUIRE(std::equal(before.begin() + part.location, before.begin() + part.end(), m_styles.begin() + part.location,
+                               std::not_equal_to()));
+        }
+        REQUIRE(m_smallRuns.assign(window, runs) == m_restyled);
     }
 
     void group()
@@ -153,25 +162,31 @@ private:
             m_text = m_states[isBack ? --m_current : ++m_current].text;
             m_small = SmallTree(QStringView(m_text));
             // Which style text gets that comes back follows from how the group was kept.
-            m_styles = styles();
+            m_styles.clear();
+            m_smallRuns = {};
+            m_smallRuns.replace({}, m_storage.length());
+            m_storage.forEachStyle({0, m_storage.length()}, [&](TextRange range, StyleId style) {
+                const StyleRun run{range.length, style};
+                m_styles.insert(m_styles.end(), size_t(range.length), style);
+                (void)m_smallRuns.assign(range, {&run, 1});
+            });
         }
         return isPossible;
     }
 
-    [[nodiscard]] std::vector<StyleId> styles() const
+    void check()
     {
-        std::vector<StyleId> found;
-        m_storage.forEachStyle({0, m_storage.length()},
-                               [&](TextRange run, StyleId style) { found.insert(found.end(), size_t(run.length), style); });
-        return found;
-    }
-
-    void check() const
-    {
-        REQUIRE(m_storage.checkInvariants() && m_small.checkInvariants());
+        REQUIRE(m_storage.checkInvariants() && m_small.checkInvariants() && m_smallRuns.checkInvariants());
         REQUIRE(m_storage.string().toStdU16String() == m_text);
         REQUIRE(m_small == SmallTree(QStringView(m_text)) && m_small.lineCount() == m_storage.text().lineCount());
-        REQUIRE(styles() == m_styles);
+        const qsizetype from = m_random.below(m_storage.length() + 1);
+        const TextRange part{from, m_random.below(m_storage.length() - from + 1)};
+        std::vector<StyleId> found;
+        const auto collect = [&found](TextRange run, StyleId style) { found.insert(found.end(), size_t(run.length), style); };
+        m_storage.forEachStyle({0, m_storage.length()}, collect);
+        REQUIRE(std::exchange(found, {}) == m_styles);
+        m_smallRuns.forEachRun(part, collect);
+        REQUIRE(found == std::vector(m_styles.begin() + from, m_styles.begin() + part.end()));
         REQUIRE(m_undo.canUndo() == (m_current > 0) && m_undo.canRedo() == (m_current + 1 < m_states.size()));
         REQUIRE(m_undo.isAtSavePoint() == (m_saved == m_current));
     }
@@ -182,8 +197,9 @@ private:
     int m_changes = 0;
     int m_processed = 0;
     std::vector<TextRange> m_restyled;
-    /// The same text in leaves so small that the tree gets deep.
+    /// The same in leaves so small that the trees get deep.
     SmallTree m_small;
+    SmallRuns m_smallRuns;
     std::u16string m_text;
     std::vector<StyleId> m_styles;
     std::vector<State> m_states{{}};

@@ -39,17 +39,10 @@ TEST(VimReference, HasColumnsThatLineUp)
 {
     for (const AppLanguage language : {AppLanguage::english, AppLanguage::german}) {
         Localization::use(language);
-        for (const VimKeymapPreset preset : {VimKeymapPreset::plain, VimKeymapPreset::lazyVim}) {
-            const QString markdown = VimReference::markdown(preset);
-            const QStringList lines = markdown.split(u'\n');
-            for (qsizetype line = 1; line < lines.size(); ++line) {
-                if (lines[line].startsWith(u'|') && lines[line - 1].startsWith(u'|')) {
-                    EXPECT_EQ(lines[line].size(), lines[line - 1].size()) << lines[line].toStdString();
-                }
-            }
-            EXPECT_EQ(markdown.contains(localized(u"Currently active.")), preset == VimKeymapPreset::lazyVim);
-            EXPECT_TRUE(markdown.contains(u"| `<leader>\\|` | "_s));
-        }
+        const QString markdown = VimReference::markdown(VimKeymapPreset::lazyVim);
+        EXPECT_EQ(markdown, VimReference::aligningTables(markdown));
+        EXPECT_TRUE(markdown.contains(localized(u"Currently active.")));
+        EXPECT_TRUE(markdown.contains(u"| `<leader>\\|` | "_s));
     }
     Localization::use(AppLanguage::english);
     EXPECT_EQ(VimReference::aligningTables(u"a | b\n| a\\|b | |\n|-|-----|\n| c | d|\n\n| x |"_s).toStdString(),

@@ -97,11 +97,7 @@ struct Model {
     [[nodiscard]] std::optional<qsizetype> matchingBracket(qsizetype from) const
     {
         const qsizetype end = contentEnds[size_t(indexOf(from))];
-        const auto bracket = QRegularExpression(u"[\\[\\](){}]"_s).match(whole.left(end), from);
-        if (from > end || !bracket.hasMatch()) {
-            return std::nullopt;
-        }
-        const qsizetype place = bracket.capturedStart();
+        const qsizetype place = from > end ? -1 : QRegularExpression(u"[\\[\\](){}]"_s).match(whole.left(end), from).capturedStart();
         for (const QString &kind : {u"()"_s, u"[]"_s, u"{}"_s}) {
             for (const TextRange pair : pairs(kind[0], kind[1])) {
                 if (pair.location == place || pair.end() - 1 == place) {
@@ -111,20 +107,28 @@ struct Model {
         }
         return std::nullopt;
     }
-    [[nodiscard]] std::optional<qsizetype> find(qsizetype from, QChar wanted, FindKind kind, qsizetype count) const
+    /// Where a unit stands in the line of `offset`.
+    [[nodiscard]] std::vector<qsizetype> places(qsizetype offset, QChar unit) const
     {
-        const size_t index = size_t(indexOf(from));
-        const bool isForward = kind == FindKind::forwardTo || kind == FindKind::forwardBefore;
-        const qsizetype step = isForward ? 1 : -1;
-        const bool isBefore = kind == FindKind::forwardBefore || kind == FindKind::backwardBefore;
-        std::vector<qsizetype> places;
+        std::vector<qsizetype> found;
+        const size_t index = size_t(indexOf(offset));
         for (qsizetype place = lines[index].location; place < contentEnds[index]; ++place) {
-            const bool isPassed = isBefore && place == from + step;
-            if (text[place] == wanted && (place - from) * step > 0 && !isPassed) {
-                places.insert(isForward ? places.end() : places.begin(), place);
+            if (text[place] == unit) {
+                found.push_back(place);
             }
         }
-        return count <= qsizetype(places.size()) ? std::optional(places[size_t(count - 1)] - (isBefore ? step : 0)) : std::nullopt;
+        return found;
+    }
+    [[nodiscard]] std::optional<qsizetype> find(qsizetype from, QChar wanted, FindKind kind, qsizetype count) const
+    {
+        const qsizetype step = kind == FindKind::forwardTo || kind == FindKind::forwardBefore ? 1 : -1;
+        const bool isBefore = kind == FindKind::forwardBefore || kind == FindKind::backwardBefore;
+        std::vector<qsizetype> found = places(from, wanted);
+        std::erase_if(found, [&](qsizetype place) { return (place - from) * step <= (isBefore ? 1 : 0); });
+        if (count > qsizetype(found.size())) {
+            return std::nullopt;
+        }
+        return (step > 0 ? found[size_t(count - 1)] : found[found.size() - size_t(count)]) - (isBefore ? step : 0);
     }
     [[nodiscard]] std::optional<TextRange> word(qsizetype caret, Words words, Extent extent, qsizetype count) const
     {
@@ -133,10 +137,8 @@ struct Model {
             return std::nullopt;
         }
         const QChar here = caret < all.size() ? all[caret] : u'.';
-        qsizetype start = caret;
-        while (start > 0 && all[start - 1] == here) {
-            --start;
-        }
+        qsizetype start =
+            caret - QRegularExpression(QRegularExpression::escape(QString(here)) + u"*\\z"_s).match(all.left(caret)).capturedLength();
         qsizetype end = std::min(caret, all.size() - 1);
         for (qsizetype run = 0; run < count && end < all.size(); ++run) {
             end += lengthOf(u"w+|p+|\\.+"_s, all, end);
@@ -172,13 +174,8 @@ struct Model {
     }
     [[nodiscard]] std::optional<TextRange> quoted(qsizetype caret, QChar quote, Extent extent) const
     {
-        const size_t index = size_t(indexOf(caret));
-        std::vector<qsizetype> quotes;
-        for (qsizetype place = lines[index].location; place < contentEnds[index]; ++place) {
-            if (text[place] == quote && (place == lines[index].location || text[place - 1] != u'\\')) {
-                quotes.push_back(place);
-            }
-        }
+        std::vector<qsizetype> quotes = places(caret, quote);
+        std::erase_if(quotes, [&](qsizetype place) { return place > 0 && text[place - 1] == u'\\'; });
         for (size_t pair = 1; pair < quotes.size(); pair += 2) {
             if (quotes[pair] >= caret) {
                 return delimited(TextRange::between(quotes[pair - 1], quotes[pair] + 1), extent);
