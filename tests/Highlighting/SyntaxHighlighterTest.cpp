@@ -70,6 +70,7 @@ TEST(SyntaxHighlighter, GivesEachUnitToTheFirstThatClaimsIt)
         {"a span before every token", u"/* if 'a' */ if", "cccccccccccc.kk"},
         {"the span that begins first", u"/* \"\"\" */ \"\"\" */", "ccccccccc......."},
         {"a span that begins in another is dropped whole", u"\"\"\" /* \"\"\" */", "ssssssssss..."},
+        {"a span that begins where another ends", u"/*1*//*2*/", "cccccccccc"},
         {"of two that begin together the earlier rule's", u"/***/", "ccccc"},
         {"an earlier rule, though it begins later", u"'a//b'", "..cccc"},
         {"a match that is partly taken is left out", u"abcde", "ee..."},

@@ -190,23 +190,12 @@ TEST(LineDiff, MakesRows)
         {"so does one that comes twice", u"x"_s, u"x\nx"_s, u"=1:1 +2"_s},
         {"of two ways the one that deletes first", u"a\nb"_s, u"b\na"_s, u"-1 =2:1 +2"_s},
         {"carriage returns belong to their line", u"a\r\nb\rc"_s, u"a\nb\rc"_s, u"~1:1 =2:2"_s},
+        {"a ligature is no two letters", u"\ufb01"_s, u"fi"_s, u"~1:1"_s},
         {"all kinds in their order", u"1\n2\n3\ne\n4\nf"_s, u"5\ne\n6\n7\nf"_s, u"~1:1 -2 -3 =4:2 ~5:3 +4 =6:5"_s},
     };
     for (const RowCase &row : cases) {
         EXPECT_EQ(shape(compared(row.old, row.newer)), row.shape) << row.name;
     }
-}
-
-TEST(LineDiff, LeavesOutWhitespaceAndWaysOfWriting)
-{
-    EXPECT_EQ(shape(compared(u"a b\n\t c \u3000\n"_s, u"ab\nc"_s)), u"~1:1 ~2:2"_s);
-    const LineDiff::Result ignoring = compared(u"a b\n\t c \u3000\n"_s, u"ab\nc"_s, Whitespace::ignored);
-    EXPECT_EQ(shape(ignoring), u"=1:1 =2:2"_s);
-    EXPECT_EQ((std::pair(ignoring.leftText(1), ignoring.rightText(1))), (std::pair(u"\t c \u3000"_s, u"c"_s)));
-    EXPECT_EQ(shape(compared(u"caf\u00e9\n\u212b\nx"_s, u"cafe\u0301\n\u00c5\ny"_s)), u"=1:1 =2:2 ~3:3"_s);
-    // What belongs together once the blank between is gone.
-    EXPECT_EQ(shape(compared(u"e \u0301"_s, u"\u00e9"_s, Whitespace::ignored)), u"=1:1"_s);
-    EXPECT_EQ(shape(compared(u"\ufb01"_s, u"fi"_s, Whitespace::ignored)), u"~1:1"_s);
 }
 
 TEST(LineDiff, MakesNoMoreEditsThanNeeded)

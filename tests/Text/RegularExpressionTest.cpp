@@ -59,15 +59,6 @@ TEST(RegularExpression, FindsWhatItShould)
     }
 }
 
-TEST(RegularExpression, SaysWhatIsWrongWithAPattern)
-{
-    const auto unclosed = RegularExpression::compile(u"a(b");
-    ASSERT_FALSE(unclosed);
-    EXPECT_TRUE(unclosed.error().message.contains(u"“a(b”")) << unclosed.error().message.toStdString();
-    EXPECT_TRUE(unclosed.error().message.contains(u"parenthesis"));
-    EXPECT_FALSE(RegularExpression::compile(u"(?<=a*)b"));
-}
-
 TEST(RegularExpression, GivesUpHardSearchesAndGoesOnServing)
 {
     const QString text = u"ok "_s + QString(60, u'a');

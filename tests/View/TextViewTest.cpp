@@ -73,10 +73,15 @@ TEST(TextView, DoesWhatKeysSayAndUndoesIt)
     }
 }
 
-TEST(TextView, MovingTheCaretEndsARunOfTyping)
+TEST(TextView, MovingTheCaretAndLeavingTheTextEndARunOfTyping)
 {
     ViewFixture fixture;
-    fixture.keys(u"ab<Left><Right>cd<C-z>"_s);
+    fixture.keys(u"ab<Left><Right>cd"_s);
+    fixture.view.clearFocus();
+    fixture.view.setFocus();
+    fixture.keys(u"ef<C-z>"_s);
+    EXPECT_EQ(fixture.marked(), u"abcd|"_s);
+    fixture.keys(u"<C-z>"_s);
     EXPECT_EQ(fixture.marked(), u"ab|"_s);
     fixture.keys(u"<C-z><C-y><C-y>"_s);
     EXPECT_EQ(fixture.marked(), u"abcd|"_s);

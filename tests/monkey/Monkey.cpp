@@ -140,7 +140,7 @@ void Monkey::step()
     }
     if (!QGuiApplication::focusWindow() && m_random.oneIn(4)) {
         note(u"come back"_s);
-        MainWindowController *window = oneOf(m_stage->application.windows());
+        MainWindowController *window = m_random.of(m_stage->application.windows());
         window->showNormal();
         window->activateWindow();
         return;
@@ -209,7 +209,7 @@ Qt::KeyboardModifiers Monkey::anyModifiers()
     static constexpr auto modifiers = std::to_array<Qt::KeyboardModifiers::Int>(
         {Qt::NoModifier, Qt::NoModifier, Qt::NoModifier, Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier,
          Qt::ShiftModifier | Qt::ControlModifier, Qt::ShiftModifier | Qt::AltModifier});
-    return Qt::KeyboardModifiers(oneOf(modifiers));
+    return Qt::KeyboardModifiers(m_random.of(modifiers));
 }
 
 void Monkey::sendKey(Qt::Key key, Qt::KeyboardModifiers modifiers, const QString &text)
@@ -228,7 +228,7 @@ void Monkey::pressKey()
         {Qt::Key_Left,     Qt::Key_Right,  Qt::Key_Up,   Qt::Key_Down,      Qt::Key_Home,   Qt::Key_End,    Qt::Key_PageUp,
          Qt::Key_PageDown, Qt::Key_Return, Qt::Key_Tab,  Qt::Key_Backspace, Qt::Key_Delete, Qt::Key_Escape, Qt::Key_Escape,
          Qt::Key_Backtab,  Qt::Key_F6,     Qt::Key_Menu, Qt::Key_Space,     Qt::Key_F10,    Qt::Key_Insert});
-    const Qt::Key key = oneOf(keys);
+    const Qt::Key key = m_random.of(keys);
     const auto modifiers = anyModifiers();
     const bool isPlain = (modifiers & ~Qt::ShiftModifier) == Qt::NoModifier;
     static const std::map<Qt::Key, QString> texts{{Qt::Key_Return, u"\r"_s}, {Qt::Key_Tab, u"\t"_s}, {Qt::Key_Space, u" "_s}};
@@ -242,11 +242,11 @@ void Monkey::pressKey()
 
 void Monkey::pressShortcut()
 {
-    const auto sequences = keySequences(*oneOf(m_actions));
+    const auto sequences = keySequences(*m_random.of(m_actions));
     if (sequences.isEmpty()) {
         return;
     }
-    const QKeySequence &sequence = oneOf(sequences);
+    const QKeySequence &sequence = m_random.of(sequences);
     note(u"shortcut "_s + sequence.toString());
     for (int i = 0; i < sequence.count(); ++i) {
         sendKey(sequence[uint(i)].key(), sequence[uint(i)].keyboardModifiers());
@@ -257,7 +257,7 @@ void Monkey::typeLetters()
 {
     static constexpr auto words = std::to_array<QStringView>(
         {u"word", u"äöüß ÄÖÜ", u"{", u"}", u"\"", u"// x", u"(a+)+$", u"#include <a>", u"\u4e2d\u6587", u"12", u":w", u"dd"});
-    const QStringView word = oneOf(words);
+    const QStringView word = m_random.of(words);
     note(u"type "_s + word.toString());
     for (const QChar letter : word) {
         const bool isKey = letter.unicode() < 0x80;
@@ -268,7 +268,7 @@ void Monkey::typeLetters()
 
 void Monkey::sendCommand()
 {
-    const Action &action = *oneOf(m_actions);
+    const Action &action = *m_random.of(m_actions);
     MainWindowController *window = m_stage->application.frontmostWindow();
     // Quitting comes up by its key.
     if (!window || action.isNamedLike(Actions::terminate) || !window->firstResponder().state(action).isEnabled) {
@@ -300,7 +300,7 @@ QWindow *Monkey::target()
         return popup->windowHandle();
     }
     const auto &windows = m_stage->application.windows();
-    return windows.empty() ? nullptr : oneOf(windows)->windowHandle();
+    return windows.empty() ? nullptr : m_random.of(windows)->windowHandle();
 }
 
 QPoint Monkey::anyPlace(const QWindow &window)
@@ -328,7 +328,7 @@ void Monkey::click()
     const QPoint place = anyPlace(*m_pressed);
     static constexpr auto buttons =
         std::to_array<Qt::MouseButton>({Qt::LeftButton, Qt::LeftButton, Qt::LeftButton, Qt::RightButton, Qt::MiddleButton});
-    const Qt::MouseButton button = oneOf(buttons);
+    const Qt::MouseButton button = m_random.of(buttons);
     const auto modifiers = anyModifiers();
     const qsizetype times = m_random.oneIn(3) ? 1 + m_random.below(3) : 1;
     note(u"click %1 x %2 at %3, %4"_s.arg(int(button)).arg(times).arg(place.x()).arg(place.y()));
@@ -403,7 +403,7 @@ void Monkey::resizeWindow()
 {
     const QSize size(480 + int(m_random.below(900)), 300 + int(m_random.below(600)));
     note(u"resize to %1 x %2"_s.arg(size.width()).arg(size.height()));
-    MainWindowController *window = oneOf(m_stage->application.windows());
+    MainWindowController *window = m_random.of(m_stage->application.windows());
     m_random.oneIn(3) ? window->resize(480, 300) : window->resize(size);
 }
 
@@ -412,7 +412,7 @@ void Monkey::tidyWindows()
     const auto &windows = m_stage->application.windows();
     const bool isClosed = windows.size() > 3 || m_random.oneIn(8);
     note(isClosed ? u"close a window"_s : u"activate a window"_s);
-    isClosed ? (void)oneOf(windows)->close() : oneOf(windows)->activateWindow();
+    isClosed ? (void)m_random.of(windows)->close() : m_random.of(windows)->activateWindow();
 }
 
 void Monkey::openFiles()
@@ -427,12 +427,12 @@ void Monkey::openFiles()
 
 void Monkey::changePreference()
 {
-    const AnySetting &setting = *oneOf(Settings::all());
+    const AnySetting &setting = *m_random.of(Settings::all());
     QString value;
     if (&setting == &Settings::themeName) {
-        value = oneOf(Theme::all()).name.toString();
+        value = m_random.of(Theme::all()).name.toString();
     } else if (setting.type == SettingType::choice) {
-        value = oneOf(setting.choices).name;
+        value = m_random.of(setting.choices).name;
     } else if (setting.type == SettingType::boolean) {
         value = m_random.oneIn(2) ? u"true"_s : u"false"_s;
     } else {
@@ -452,7 +452,7 @@ void Monkey::changeFile()
 void Monkey::passTime()
 {
     static constexpr auto durations = std::to_array<int>({1, 20, 60, 250, 450, 1000, 5000});
-    const int duration = oneOf(durations);
+    const int duration = m_random.of(durations);
     note(u"%1 ms"_s.arg(duration));
     m_stage->scheduler.advance(Scheduler::Milliseconds(duration));
 }

@@ -54,11 +54,6 @@ private:
     [[nodiscard]] QWindow *target();
     [[nodiscard]] QPoint anyPlace(const QWindow &window);
     [[nodiscard]] Qt::KeyboardModifiers anyModifiers();
-    template<typename Range>
-    [[nodiscard]] const auto &oneOf(const Range &range)
-    {
-        return range[size_t(m_random.below(qsizetype(std::size(range))))];
-    }
 
     quint32 m_seed;
     Random m_random;

@@ -86,8 +86,7 @@ void MoodyPresenter::present(const Alert &alert, QWidget *window, AlertCompletio
 {
     const int count = std::max(1, int(alert.buttons.size()));
     static constexpr auto texts = std::to_array<QStringView>({u"", u"1", u"3:7", u"999999999999", u"-4", u"x", u"2,2"});
-    const AlertReply reply{.button = AlertReply::firstButton + int(m_random.below(count)),
-                           .text = texts[size_t(m_random.below(qsizetype(texts.size())))].toString()};
+    const AlertReply reply{.button = AlertReply::firstButton + int(m_random.below(count)), .text = m_random.of(texts).toString()};
     ask(window, [reply, completion = std::move(completion)] {
         if (completion) {
             completion(reply);
