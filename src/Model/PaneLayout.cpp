@@ -83,7 +83,7 @@ void PaneLayout::closeTab(int pane, int tab)
         return;
     }
     changed.tabs.erase(changed.tabs.begin() + tab);
-    changed.selected = std::min(changed.selected, changed.count() - 1);
+    changed.selected = std::min(changed.selected - (tab < changed.selected ? 1 : 0), changed.count() - 1);
 }
 
 void PaneLayout::remove(int pane)

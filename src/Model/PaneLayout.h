@@ -77,7 +77,8 @@ public:
     [[nodiscard]] PaneLayout selectingNext(int step) const;
     /// The tab at `from` is at `to` afterwards; what was selected is selected.
     [[nodiscard]] PaneLayout moving(int pane, int from, int to) const;
-    /// The place that was selected stays so, whichever tab is there now, or else the last one. No panes are left when it was the only tab.
+    /// What is selected stays so; when that is the tab which closes, its right neighbour is, or else the last one. No panes are left when
+    /// it was the only tab.
     [[nodiscard]] PaneLayout closing(int pane, int tab) const;
     /// In every pane.
     [[nodiscard]] PaneLayout closing(const TextDocument &document) const;
