@@ -20,9 +20,42 @@ constexpr uint32_t fileEvents = selfEvents | IN_MODIFY | IN_ATTRIB | IN_CLOSE_WR
 constexpr uint32_t ancestorEvents = selfEvents | IN_ONLYDIR;
 constexpr uint32_t entryEvents = ancestorEvents | IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
 
-constexpr std::array<uint32_t, 9> changedByOthers = {NFS_SUPER_MAGIC,  SMB_SUPER_MAGIC,  CIFS_SUPER_MAGIC,
-                                                     SMB2_SUPER_MAGIC, FUSE_SUPER_MAGIC, CEPH_SUPER_MAGIC,
-                                                     AFS_SUPER_MAGIC,  CODA_SUPER_MAGIC, V9FS_MAGIC};
+// Named in no header for programs.
+constexpr uint32_t bcachefsMagic = 0xCA451A4E;
+constexpr uint32_t hfsMagic = 0x4244;
+constexpr uint32_t hfsPlusMagic = 0x482B;
+constexpr uint32_t jfsMagic = 0x3153464A;
+constexpr uint32_t ntfsMagic = 0x5346544E;
+constexpr uint32_t ntfs3Magic = 0x7366746E;
+constexpr uint32_t zfsMagic = 0x2FC12FC1;
+
+/// Of these, one kernel does all the writing and reports it. What is missing here may be shared with other machines, as clusters' file
+/// systems and those of virtual machines are.
+constexpr std::array<uint32_t, 25> localFileSystems = {EXT4_SUPER_MAGIC,
+                                                       BTRFS_SUPER_MAGIC,
+                                                       XFS_SUPER_MAGIC,
+                                                       F2FS_SUPER_MAGIC,
+                                                       TMPFS_MAGIC,
+                                                       RAMFS_MAGIC,
+                                                       OVERLAYFS_SUPER_MAGIC,
+                                                       MSDOS_SUPER_MAGIC,
+                                                       EXFAT_SUPER_MAGIC,
+                                                       ECRYPTFS_SUPER_MAGIC,
+                                                       REISERFS_SUPER_MAGIC,
+                                                       NILFS_SUPER_MAGIC,
+                                                       UDF_SUPER_MAGIC,
+                                                       ISOFS_SUPER_MAGIC,
+                                                       SQUASHFS_MAGIC,
+                                                       EROFS_SUPER_MAGIC_V1,
+                                                       JFFS2_SUPER_MAGIC,
+                                                       MINIX3_SUPER_MAGIC,
+                                                       bcachefsMagic,
+                                                       hfsMagic,
+                                                       hfsPlusMagic,
+                                                       jfsMagic,
+                                                       ntfsMagic,
+                                                       ntfs3Magic,
+                                                       zfsMagic};
 
 bool isGone(int error)
 {
@@ -189,9 +222,9 @@ WatchedPath WatchedPath::arm(const QByteArray &path, int notifier, WatchCalls &c
         }
     }
     struct statfs fileSystem = {};
-    if (calls.statfs(folder.constData(), &fileSystem) == 0 && std::ranges::count(changedByOthers, uint32_t(fileSystem.f_type)) != 0) {
-        found.needsPolling = true;
-    }
+    const bool isLocal =
+        calls.statfs(folder.constData(), &fileSystem) == 0 && std::ranges::count(localFileSystems, uint32_t(fileSystem.f_type)) != 0;
+    found.needsPolling = found.needsPolling || !isLocal;
     struct stat status = {};
     if (calls.stat(path.constData(), &status) == 0) {
         found.stamp = FileStamp::of(status);

@@ -48,8 +48,8 @@ struct WatchedPath {
     /// None when the file is missing or cannot be asked.
     std::optional<FileStamp> stamp;
     bool isMissing = false;
-    /// The watches do not suffice: the user has no more of them, a folder may not be read, or the file system does not report what others
-    /// do, as network file systems do not.
+    /// The watches do not suffice: the user has no more of them, a folder may not be read, or the file system is not known to report
+    /// everything, as those that other machines write to do not.
     bool needsPolling = false;
 
     /// Goes the way to the file component by component, symbolic links included, and watches each step before it looks beyond, so that no

@@ -17,6 +17,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <semaphore>
 #include <sys/inotify.h>
 #include <sys/stat.h>
@@ -37,7 +38,7 @@ class LimitedCalls final : public WatchCalls {
 public:
     /// By "init", "add" or "stat".
     std::map<std::string, int> errors;
-    uint32_t fileSystem = 0;
+    uint32_t fileSystem = EXT4_SUPER_MAGIC;
     bool overflows = false;
     int stats = 0;
     int notifier = -1;
@@ -67,7 +68,7 @@ public:
     int statfs(const char *path, struct statfs *status) override
     {
         const int result = WatchCalls::statfs(path, status);
-        status->f_type = fileSystem != 0 ? decltype(status->f_type)(fileSystem) : status->f_type;
+        status->f_type = decltype(status->f_type)(fileSystem);
         return result;
     }
     ssize_t read(int file, void *bytes, size_t count) override
@@ -385,11 +386,16 @@ TEST_F(FileWatcherTest, PollsWhenThereAreNoWatchesToBeHad)
 
 TEST_F(FileWatcherTest, PollsFileSystemsThatOthersChangeAndSparesThemWhileTheyAreDead)
 {
-    calls.fileSystem = 0x6969;
-    const auto watcher = watch(path);
-    const int stats = calls.stats;
-    expect({}, 6s);
-    EXPECT_EQ(calls.stats, stats + 3);
+    constexpr uint32_t lustre = 0x0BD00BD0;
+    constexpr uint32_t unheardOf = 0x12345678;
+    std::unique_ptr<FileWatcher> watcher;
+    for (const uint32_t shared : {uint32_t(NFS_SUPER_MAGIC), uint32_t(V9FS_MAGIC), lustre, unheardOf}) {
+        calls.fileSystem = shared;
+        watcher = watch(path);
+        const int stats = calls.stats;
+        expect({}, 6s);
+        EXPECT_EQ(calls.stats, stats + 3) << std::hex << shared;
+    }
     // Not deleted, and not again and again.
     calls.errors = {{"stat", EIO}};
     expect({changed}, 6s);
