@@ -13,6 +13,10 @@
 #include <cmath>
 #include <utility>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -163,7 +167,8 @@ void DefaultsStore::load() const
         return;
     }
     m_isLoaded = true;
-    if (!QFileInfo::exists(m_path)) {
+    // A pipe would keep the program waiting for a writer.
+    if (!QFileInfo(m_path).isFile()) {
         return;
     }
     const QSettings file(m_path, QSettings::IniFormat);
@@ -182,6 +187,19 @@ bool DefaultsStore::setDamagedFileAside()
     return QFile::rename(m_path, aside);
 }
 
+/// As it is, or empty, since the format's own would be readable by all.
+bool DefaultsStore::makePrivateFile() const
+{
+    const QByteArray name = QFile::encodeName(m_path);
+    struct stat status = {};
+    if (::stat(name.constData(), &status) == 0) {
+        return S_ISREG(status.st_mode) &&
+               ((status.st_mode & (S_IRWXG | S_IRWXO)) == 0 || ::chmod(name.constData(), status.st_mode & S_IRWXU) == 0);
+    }
+    const int file = ::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    return file >= 0 && ::close(file) == 0;
+}
+
 bool DefaultsStore::synchronize()
 {
     m_writing.cancel();
@@ -197,6 +215,9 @@ bool DefaultsStore::synchronize()
         for (const auto &[key, value] : m_values) {
             m_changed.insert(key);
         }
+    }
+    if (!makePrivateFile()) {
+        return false;
     }
     QSettings file(m_path, QSettings::IniFormat);
     for (const QString &key : m_changed) {

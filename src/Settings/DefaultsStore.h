@@ -15,8 +15,8 @@
 ///
 /// Reading happens at the first question, writing a moment after a change and when the store goes; only keys that changed are written,
 /// into the file as it is then, in one step. What the file holds is never trusted: a value of the wrong type counts as not set. When the
-/// file cannot be written the changes stay in memory, and the next one tries again. A file that is damaged is kept beside the new one
-/// under a name that ends in ".damaged".
+/// file cannot be written, or is no regular one, the changes stay in memory, and the next one tries again. A file that is damaged is kept
+/// beside the new one under a name that ends in ".damaged". Only its user has access to it.
 class DefaultsStore final {
 public:
     /// `path` is absolute; its folder is made, for its user only, when something is first written. An empty one keeps all in memory.
@@ -53,6 +53,7 @@ private:
     void load() const;
     void noteChange(QLatin1StringView key);
     [[nodiscard]] bool setDamagedFileAside();
+    [[nodiscard]] bool makePrivateFile() const;
 
     /// The user's value as `convert` reads it, else the registered one, else an empty one.
     template<typename T>

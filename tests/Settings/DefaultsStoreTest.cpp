@@ -4,6 +4,8 @@
 
 #include "TestFolder.h"
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -46,6 +48,10 @@ TEST_F(DefaultsStoreTest, RegisteredValuesAnswerAndAreNotWritten)
     EXPECT_TRUE(content.contains("editor.tabWidth=8")) << content.constData();
     EXPECT_FALSE(content.contains("fontSize")) << content.constData();
     EXPECT_EQ(QFile::permissions(QFileInfo(file).path()) & 0x77, 0) << "nobody else looks in";
+    EXPECT_EQ(QFile::permissions(file) & 0x77, 0);
+    QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
+    start()->set("editor.tabWidth"_L1, 7);
+    EXPECT_EQ(QFile::permissions(file) & 0x77, 0) << "nor into one that was open to all";
 
     const auto store = start();
     EXPECT_TRUE(store->isSet("editor.tabWidth"_L1));
@@ -108,6 +114,20 @@ TEST_F(DefaultsStoreTest, WritesAMomentAfterTheFirstChange)
     const QByteArray content = read(file);
     EXPECT_TRUE(content.contains("editor.tabWidth=7") && content.contains("fontSize=20") && content.contains("wrapLines=false"))
         << content.constData();
+}
+
+TEST_F(DefaultsStoreTest, APipeInItsPlaceIsNotWaitedFor)
+{
+    put(file, "");
+    QFile::remove(file);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(file).constData(), 0600), 0);
+    const auto store = start();
+    EXPECT_EQ(store->integer("editor.tabWidth"_L1), 4);
+    store->set("editor.tabWidth"_L1, 8);
+    EXPECT_FALSE(store->synchronize());
+    EXPECT_EQ(store->integer("editor.tabWidth"_L1), 8);
+    QFile::remove(file);
+    EXPECT_TRUE(store->synchronize());
 }
 
 TEST_F(DefaultsStoreTest, ADamagedFileIsUsedAsFarAsItGoesAndKept)
