@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "App/CommandLine.h"
+#include "App/ProcessSetup.h"
 #include "App/Program.h"
 #include "App/RunningInstance.h"
 #include "Base/Translation.h"
@@ -67,6 +68,7 @@ void printProblems(const CommandLine &line)
 
 int main(int argc, char **argv)
 {
+    setUpProcess();
     QStringList arguments;
     for (int index = 1; index < argc; ++index) {
         arguments << QFile::decodeName(argv[index]);
