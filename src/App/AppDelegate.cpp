@@ -387,7 +387,7 @@ void AppDelegate::noticeClosed()
         std::erase_if(waiting.documents, [&](const std::shared_ptr<TextDocument> &document) {
             const bool isOpen = std::ranges::find(open, document) != open.end();
             const bool isLost =
-                document->isDirty() || document->arrivalFailure().error || document->awaited() == TextDocument::Awaited::aborted;
+                document->hasUnsavedEdits() || document->arrivalFailure().error || document->awaited() == TextDocument::Awaited::aborted;
             waiting.status = !isOpen && isLost ? 1 : waiting.status;
             return !isOpen;
         });

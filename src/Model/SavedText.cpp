@@ -35,19 +35,23 @@ void SavedText::compareSoon()
     m_soon = m_scheduler.after(comparisonDelay, [this] { compare(); });
 }
 
-void SavedText::compare()
+std::optional<bool> SavedText::isSaved() const
 {
     // A letter more or less answers without a look at the text.
-    if (m_storage.length() != m_length) {
-        m_compared(false);
+    if (m_isNone || m_storage.length() != m_length) {
+        return false;
+    }
+    return m_hash && m_length < largeText ? std::optional(isSaved(textHash(m_storage.text()))) : std::nullopt;
+}
+
+void SavedText::compare()
+{
+    if (const auto saved = isSaved()) {
+        m_compared(*saved);
         return;
     }
     if (!m_hash) {
         hashSaved();
-        return;
-    }
-    if (m_storage.length() < largeText) {
-        answer(textHash(m_storage.text()));
         return;
     }
     m_comparison = BackgroundTask::start(

@@ -27,11 +27,16 @@ public:
     void setNone() { m_isNone = true; }
     /// Compares when nobody has asked again for `comparisonDelay`.
     void compareSoon();
+    /// `compared` is still to be called.
+    [[nodiscard]] bool isComparing() const { return m_soon.isPending() || m_comparison.isPending() || m_hashing.isPending(); }
+    /// The same answer without waiting for it; none for a large text of the same length.
+    [[nodiscard]] std::optional<bool> isSaved() const;
 
 private:
     void compare();
     void hashSaved();
-    void answer(quint64 hash) { m_compared(!m_isNone && hash == m_hash); }
+    [[nodiscard]] bool isSaved(quint64 hash) const { return !m_isNone && hash == m_hash; }
+    void answer(quint64 hash) { m_compared(isSaved(hash)); }
 
     const TextStorage &m_storage;
     Scheduler &m_scheduler;

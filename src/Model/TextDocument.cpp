@@ -179,12 +179,21 @@ void TextDocument::whenArrived(std::function<void()> then)
     }
 }
 
+bool TextDocument::hasUnsavedEdits() const
+{
+    if (!m_isDirty || !m_savedText.isComparing()) {
+        return m_isDirty;
+    }
+    // The save point is that of the last save asked for, which may not be through.
+    return !m_savedText.isSaved().value_or(m_undoManager.isAtSavePoint() && !isSaving());
+}
+
 bool TextDocument::hasUnsavedText() const
 {
     if (isGenerated() || isWaiting() || (isUntitled() && m_storage.length() == 0)) {
         return false;
     }
-    return m_isDirty || m_isDraft || isUntitled();
+    return m_isDraft || isUntitled() || hasUnsavedEdits();
 }
 
 QString TextDocument::displayName() const
@@ -357,7 +366,10 @@ void TextDocument::endSaving(const DocumentFile::WriteResult &written)
     m_follower.endOwnWrite(written ? std::optional(written->state.stamp) : std::nullopt);
     if (written) {
         takeWritten(save.snapshot, *written);
-    } else if (written.error().code == AtomicFile::changedError) {
+    } else {
+        m_undoManager.forgetSavePoint();
+    }
+    if (!written && written.error().code == AtomicFile::changedError) {
         showConflict(written.error().found);
     }
     const Result<void> result =
@@ -534,6 +546,7 @@ void TextDocument::takeChanged(const FileReading &reading)
     if (reading.difference.isEmpty()) {
         m_savedText.set(m_storage.text(), reading.hash);
         m_follower.agreeOn(reading.contents.state);
+        m_undoManager.markSavePoint();
         m_isDraft = false;
         setDirty(false);
         return;

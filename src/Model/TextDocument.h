@@ -121,7 +121,10 @@ public:
     [[nodiscard]] Awaited awaited() const { return m_awaited; }
     void setAwaited(Awaited awaited);
 
+    /// For marks: it follows the text soon after the last edit.
     [[nodiscard]] bool isDirty() const { return m_isDirty; }
+    /// The same as it is now, for what is decided by it: an edit that was taken back a moment ago is none.
+    [[nodiscard]] bool hasUnsavedEdits() const;
     /// The text would be lost with the document: it is dirty, without a file or from a draft, and not an empty one without a file.
     [[nodiscard]] bool hasUnsavedText() const;
     [[nodiscard]] bool isWaiting() const { return m_externalState == ExternalState::waiting; }

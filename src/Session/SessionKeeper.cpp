@@ -93,7 +93,7 @@ void SessionKeeper::saveToFiles()
 {
     for (const auto &document : std::vector(m_documents.documents())) {
         const bool hasQuietFile = !document->isUntitled() && document->externalState() == TextDocument::ExternalState::none;
-        if (document->isDirty() && hasQuietFile && !document->isSaving()) {
+        if (document->hasUnsavedEdits() && hasQuietFile && !document->isSaving()) {
             // One that fails or takes its time leaves the text dirty, and so it gets a draft.
             document->save(document->path());
         }

@@ -192,6 +192,12 @@ void UndoManager::markSavePoint()
     notifyState();
 }
 
+void UndoManager::forgetSavePoint()
+{
+    m_savePoint = -1;
+    notifyState();
+}
+
 void UndoManager::setUnitLimit(qsizetype limit)
 {
     m_unitLimit = limit;

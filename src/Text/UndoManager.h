@@ -51,6 +51,8 @@ public:
     void removeAllActions();
     /// The text as it is now is the one saved. A group that is open ends here; its further changes make another.
     void markSavePoint();
+    /// Nothing was saved after all.
+    void forgetSavePoint();
     [[nodiscard]] bool isAtSavePoint() const { return m_savePoint == m_done; }
 
     /// How many UTF-16 code units of removed and inserted text are kept at most, 256 Mi without a call; the last group is kept whatever

@@ -255,6 +255,6 @@ PaneLayout::Documents MainWindowController::unsavedDocuments() const
     PaneLayout::Documents unsaved = m_workspace->paneLayout().documents();
     // A text from a draft counts as clean: as long as drafts are kept, it comes back.
     const bool isKept = m_services.session.keepsUnsavedText();
-    std::erase_if(unsaved, [isKept](const auto &document) { return isKept ? !document->isDirty() : !document->hasUnsavedText(); });
+    std::erase_if(unsaved, [isKept](const auto &document) { return isKept ? !document->hasUnsavedEdits() : !document->hasUnsavedText(); });
     return unsaved;
 }

@@ -333,7 +333,7 @@ std::shared_ptr<TextDocument> WorkspaceViewController::placeholder() const
         return nullptr;
     }
     auto only = m_layout.current();
-    const bool isEmpty = only->isUntitled() && only->storage().length() == 0 && !only->isDirty();
+    const bool isEmpty = only->isUntitled() && only->storage().length() == 0 && !only->hasUnsavedEdits();
     return isEmpty ? only : nullptr;
 }
 

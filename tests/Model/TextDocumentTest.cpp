@@ -95,6 +95,27 @@ TEST_F(DocumentTest, ALargeTextIsHashedElsewhereAndOldAnswersAreDropped)
     EXPECT_EQ(workers.count, before) << "a text of another length needs no hash";
 }
 
+TEST_F(DocumentTest, WhatIsDecidedBeforeTheComparisonKnowsWhatWasTakenBack)
+{
+    const QByteArray line = "0123456789abcde\n";
+    for (const int lines : {3, int(SavedText::largeText / line.size()) + 1}) {
+        TextDocument &document = open(line.repeated(lines), u"of%1.txt"_s.arg(lines));
+        // Written over with as many letters, so that the length says nothing.
+        document.storage().apply({{0, 1}, u"x"_s});
+        EXPECT_TRUE(document.hasUnsavedText());
+        std::ignore = document.undoManager().undo();
+        EXPECT_TRUE(document.isDirty());
+        EXPECT_FALSE(document.hasUnsavedText()) << lines;
+        std::ignore = document.undoManager().redo();
+        files.before = [](std::string_view call) { return call.starts_with("rename") ? EIO : 0; };
+        EXPECT_FALSE(saved(document, document.path()));
+        files.before = {};
+        type(document, u"y"_s);
+        std::ignore = document.undoManager().undo();
+        EXPECT_TRUE(document.hasUnsavedText()) << "what could not be written was not saved";
+    }
+}
+
 TEST_F(DocumentTest, AnAnswerAboutAnEarlierSaveCleansNothing)
 {
     TextDocument &document = open(QByteArray("0123456789abcde\n").repeated(int(SavedText::largeText / 16) + 1));
