@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -92,6 +93,16 @@ ssize_t FileCalls::readlink(const char *path, char *target, size_t size)
 int FileCalls::access(const char *path, int mode)
 {
     return ::faccessat(AT_FDCWD, path, mode, AT_EACCESS);
+}
+
+int FileCalls::flock(int file, int operation)
+{
+    return ::flock(file, operation);
+}
+
+int FileCalls::fcntl(int file, int command, struct flock *lock)
+{
+    return ::fcntl(file, command, lock);
 }
 
 int FileCalls::fchmod(int file, mode_t mode)

@@ -33,6 +33,9 @@ public:
     virtual ssize_t readlink(const char *path, char *target, size_t size);
     /// With the effective user's rights.
     virtual int access(const char *path, int mode);
+    virtual int flock(int file, int operation);
+    /// With one of the commands that lock.
+    virtual int fcntl(int file, int command, struct flock *lock);
 
     virtual int fchmod(int file, mode_t mode);
     virtual int fchown(int file, uid_t owner, gid_t group);

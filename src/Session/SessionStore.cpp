@@ -6,6 +6,7 @@
 #include "Base/StandardFolder.h"
 #include "Model/TextDocument.h"
 #include "Session/DraftFile.h"
+#include "Session/SessionLock.h"
 #include "Settings/Preferences.h"
 
 #include <QCoreApplication>
@@ -16,12 +17,8 @@
 #include <QFileInfo>
 #include <QThreadPool>
 
-#include <cerrno>
-#include <fcntl.h>
 #include <mutex>
 #include <set>
-#include <sys/file.h>
-#include <unistd.h>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -39,19 +36,6 @@ constexpr double referenceDate = 978307200;
 bool isPlainName(const QString &name)
 {
     return !name.isEmpty() && !name.contains(u'/') && !name.contains(QChar::Null) && name != u"."_s && name != u".."_s;
-}
-
-/// Goes with the process however it ends. -1 with `errno` EWOULDBLOCK when another one has it.
-int lockFile(const QString &path)
-{
-    const int file = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (file >= 0 && ::flock(file, LOCK_EX | LOCK_NB) != 0) {
-        const int error = errno;
-        ::close(file);
-        errno = error;
-        return -1;
-    }
-    return file;
 }
 
 } // namespace
@@ -132,13 +116,17 @@ SessionStore::SessionStore(const Places &places, const Preferences &preferences,
     // Several folders may be in use at once, each by one program.
     const QByteArray folder = QCryptographicHash::hash(QFile::encodeName(QDir::cleanPath(m_root)), QCryptographicHash::Sha1).toHex();
     const QString lockName = u"/quillet-session-"_s + QString::fromLatin1(folder.first(16)) + u".lock"_s;
-    m_lock = places.runtimeDirectory.isEmpty() ? -1 : lockFile(places.runtimeDirectory + lockName);
-    if (m_lock < 0 && (places.runtimeDirectory.isEmpty() || errno != EWOULDBLOCK)) {
-        m_lock = lockFile(m_root + u"/session.lock"_s);
+    // Two: programs of the same user may have different folders for what runs, or none, and a data folder on a network may have no locks.
+    m_locks.push_back(std::make_unique<SessionLock>(m_root + u"/session.lock"_s, m_calls));
+    if (!places.runtimeDirectory.isEmpty()) {
+        m_locks.push_back(std::make_unique<SessionLock>(places.runtimeDirectory + lockName, m_calls));
     }
     // Where no lock can be had because nothing can be written, nobody is disturbed.
-    m_isHeldByOther = m_lock < 0 && errno == EWOULDBLOCK;
+    m_isHeldByOther = std::ranges::any_of(m_locks, [](const auto &lock) { return lock->state() == SessionLock::State::heldByOther; });
     m_isOwner = !m_isHeldByOther;
+    if (m_isHeldByOther) {
+        m_locks.clear();
+    }
 }
 
 SessionStore::~SessionStore()
@@ -147,9 +135,6 @@ SessionStore::~SessionStore()
     if (!waitUntilWritten(timeoutAtEnd)) {
         // Its destructor would wait for a disk that does not answer.
         std::ignore = m_thread.release();
-    }
-    if (m_lock >= 0) {
-        ::close(m_lock);
     }
 }
 

@@ -15,9 +15,11 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <vector>
 
 class Preferences;
 class QThreadPool;
+class SessionLock;
 class TextDocument;
 
 /// Keeps the session and the texts that were not saved ("drafts") in a folder of the user's, from one start of the program to the next.
@@ -37,7 +39,7 @@ public:
     /// Absolute paths.
     struct Places {
         QString rootDirectory;
-        /// For the lock; empty when there is none.
+        /// For a second lock; empty when there is none.
         QString runtimeDirectory;
 
         /// In the user's data folder: $XDG_DATA_HOME if that is absolute, else ~/.local/share.
@@ -107,7 +109,7 @@ private:
     QString m_root;
     const Preferences &m_preferences;
     FileCalls &m_calls;
-    int m_lock = -1;
+    std::vector<std::unique_ptr<SessionLock>> m_locks;
     bool m_isOwner = true;
     bool m_isHeldByOther = false;
     bool m_hasRead = false;

@@ -47,6 +47,8 @@ public:
         return step("readlink", &FileCalls::readlink, path, target, size);
     }
     int access(const char *path, int mode) override { return step("access", &FileCalls::access, path, mode); }
+    int flock(int file, int operation) override { return step("flock", &FileCalls::flock, file, operation); }
+    int fcntl(int file, int command, struct flock *lock) override { return step("fcntl", &FileCalls::fcntl, file, command, lock); }
     int fchmod(int file, mode_t mode) override { return step("fchmod", &FileCalls::fchmod, file, mode); }
     int fchown(int file, uid_t owner, gid_t group) override { return step("fchown", &FileCalls::fchown, file, owner, group); }
     ssize_t listxattr(const char *path, char *names, size_t size) override

@@ -13,6 +13,7 @@
 #include <map>
 #include <mutex>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 /// A call that changes what a disk holds, or says that it is there.
@@ -70,11 +71,12 @@ public:
     int open(const char *path, int flags, mode_t mode) override
     {
         const auto lock = enter();
+        const bool isNew = (flags & O_CREAT) != 0 && FileCalls::access(path, F_OK) != 0;
         const int file = FileCalls::open(path, flags, mode);
         if (file >= 0) {
             const QByteArray name = cleaned(path);
             m_open[file] = {name, (flags & O_DIRECTORY) != 0, m_inodes[name]};
-            if ((flags & O_CREAT) != 0) {
+            if (isNew) {
                 m_open[file].inode = m_inodes[name] = ++m_lastInode;
                 m_calls.push_back({.kind = RecordedCall::Kind::create, .path = name, .inode = m_lastInode});
             }

@@ -3,12 +3,14 @@
 #include "FileAnswers.h"
 #include "Session/SessionFixture.h"
 
+#include "Session/SessionLock.h"
 #include "Session/SessionRestoration.h"
 
 #include <QDateTime>
 #include <QJsonDocument>
 
 #include <semaphore>
+#include <set>
 
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
@@ -293,11 +295,61 @@ TEST_F(SessionStoreTest, OnlyOneProgramOwnsTheFolder)
     second->discardDraft(firstId);
     keep(*second, {});
     EXPECT_EQ(drafts(), QStringList{DraftFile::nameFor(firstId)});
-    // Another folder is nobody else's, also without a place for locks.
+    // Another folder is nobody else's; this one is, wherever the other program has what runs.
     EXPECT_TRUE(SessionStore({path(u"other"_s), path({})}, preferences).isOwner());
-    EXPECT_TRUE(SessionStore({path(u"third"_s), {}}, preferences).isOwner());
+    EXPECT_FALSE(SessionStore({root(), {}}, preferences).isOwner());
+    EXPECT_FALSE(SessionStore({root(), path(u"other"_s)}, preferences).isOwner());
     first.reset();
     EXPECT_TRUE(open()->read().snapshot);
+}
+
+TEST_F(SessionStoreTest, HasALockOnAnyFileSystem)
+{
+    using enum SessionLock::State;
+    const QString lock = path(u"lock"_s);
+    const auto state = [&] { return SessionLock(lock, calls).state(); };
+    // Without flock() there is that of fcntl(), without either a file.
+    std::set<std::string> refused;
+    calls.before = [&](const char *call) { return refused.contains(call) ? ENOLCK : 0; };
+    for (const char *without : {"", "flock", "fcntl"}) {
+        refused.insert(without);
+        {
+            const SessionLock first(lock, calls);
+            EXPECT_EQ(first.state(), held) << without;
+            EXPECT_EQ(state(), heldByOther) << without;
+        }
+        EXPECT_EQ(state(), held) << without;
+    }
+    EXPECT_EQ(names(), QStringList{u"lock"_s});
+
+    QByteArrayList holder;
+    {
+        const SessionLock first(lock, calls);
+        holder = read(u"lock.holder"_s).split('\n');
+    }
+    ASSERT_EQ(holder.size(), 6);
+    enum { computer, boot, processes, process, start };
+    for (const auto &[line, text, wanted] : std::to_array<std::tuple<int, QByteArray, SessionLock::State>>({
+             {process, holder[process], heldByOther},
+             {start, "1", held},
+             {process, "4194305", held},
+             {boot, "another", held},
+             {computer, "another", heldByOther},
+             {processes, "of a container", heldByOther},
+         })) {
+        QByteArrayList other = holder;
+        other[line] = text;
+        put(u"../lock.holder"_s, other.join('\n'));
+        EXPECT_EQ(state(), wanted) << line << ' ' << text.constData();
+    }
+    // It was killed before it could write who it is, perhaps.
+    QFile half(put(u"../lock.holder"_s, "half"));
+    EXPECT_EQ(state(), heldByOther);
+    ASSERT_TRUE(half.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(half.setFileTime(QDateTime::currentDateTime().addSecs(-90), QFileDevice::FileModificationTime));
+    EXPECT_EQ(state(), held);
+    refused.insert("open");
+    EXPECT_EQ(state(), unavailable);
 }
 
 TEST_F(SessionStoreTest, WritesTheLatestTextOnceAndNothingThatIsThere)
