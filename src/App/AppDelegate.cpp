@@ -30,6 +30,31 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+using Problem = SessionStore::Problem::Kind;
+
+/// What it is, and what that means for whom: the path, and the reason, stand in it.
+struct ProblemWords {
+    Problem kind;
+    QStringView message;
+    QStringView details;
+};
+
+constexpr auto problems = std::to_array<ProblemWords>({
+    {Problem::drafts, u"Unsaved changes cannot be kept at the moment.",
+     u"The folder “%@” cannot be written to: %@. Until that is fixed, only what you save is safe."},
+    {Problem::session, u"The session cannot be kept at the moment.",
+     u"“%@” cannot be written: %@. Until that is fixed, unsaved texts come back at the next start, but the tabs that are open do not."},
+});
+
+const ProblemWords &wordsFor(Problem kind)
+{
+    return *std::ranges::find(problems, kind, &ProblemWords::kind);
+}
+
+} // namespace
+
 AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(services)
 {
     m_languageObserver = m_services.notifications.observe(Localization::didChangeNotification, nullptr, [this] {
@@ -48,10 +73,9 @@ AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(service
                                        u"session is kept."),
                        folder));
     });
-    m_services.session.onProblem([this](const Error &error) {
-        warn(localized(u"Unsaved changes cannot be kept at the moment."),
-             formatted(localized(u"The folder “%@” cannot be written to: %@. Until that is fixed, only what you save is safe."),
-                       m_services.session.draftsDirectory(), qt_error_string(error.code)));
+    m_services.session.onProblem([this](const SessionStore::Problem &problem) {
+        const auto &[kind, message, details] = wordsFor(problem.kind);
+        warn(localized(message), formatted(localized(details), problem.path, qt_error_string(problem.error.code)));
     });
 }
 

@@ -41,60 +41,77 @@ bool isPlainName(const QString &name)
 } // namespace
 
 /// What the store's thread works with. It may outlive the store, when the disk hangs.
-struct SessionStore::Queue {
+struct SessionStore::Queue : std::enable_shared_from_this<Queue> {
+    Queue(const QString &folder, FileCalls &fileCalls) : root(folder), calls(fileCalls) {}
+
     QString root;
-    QString drafts;
     FileCalls &calls;
 
-    std::mutex mutex = {};
+    std::mutex mutex;
     // Guarded: what waits for the thread. A job that finds nothing has been overtaken.
     struct WaitingText {
         Rope text = {};
         /// Of the job that is to write it: one that waited for a text that was discarded must not take a later one.
         quint64 ticket = 0;
     };
-    std::map<QString, WaitingText> texts = {};
+    std::map<QString, WaitingText> texts;
     /// By the ticket of the job that is to write it.
-    std::map<quint64, Snapshot> snapshots = {};
+    std::map<quint64, Snapshot> snapshots;
+    // Guarded: what is on disk, to be written again when others remove it.
+    std::map<QString, Rope> written;
+    bool isLooking = false;
     // Guarded: what is to be tried again.
-    std::set<QString> failedDrafts = {};
+    std::set<QString> failedDrafts;
     bool hasFailedSnapshot = false;
     // Guarded: they may be readable again some day.
-    std::set<QString> unreadableDrafts = {};
+    std::set<QString> unreadableDrafts;
 
     /// Main thread.
-    std::function<void(const Error &error)> report = {};
-    bool hasReported = false;
+    std::function<void(const Problem &problem)> report;
+    std::set<Problem::Kind> reported;
 
-    static void writeDraft(const std::shared_ptr<Queue> &queue, const QString &name, quint64 ticket);
-    static void note(const std::shared_ptr<Queue> &queue, const QString &name, const Result<void> &written);
+    /// Of the thread: what `session.json` holds.
+    std::optional<Snapshot> lastWritten;
+
+    [[nodiscard]] QString drafts() const { return root + u"/Drafts"_s; }
+    [[nodiscard]] QString snapshotPath() const { return root + u"/session.json"_s; }
+    [[nodiscard]] QString pathOf(const QString &draft) const { return drafts() + u'/' + draft; }
+
+    void writeDraft(const QString &name, quint64 ticket);
     void writeSnapshot(quint64 ticket);
-    void prune(const Snapshot &written);
+    void lookForMissing();
+
+private:
+    [[nodiscard]] bool isThere(const QString &path) const;
+    void writeText(const QString &name, const Rope &text);
+    void writeMissingDrafts(const Snapshot &snapshot);
+    void writeSnapshot(const Snapshot &snapshot);
+    void note(Problem::Kind kind, const Result<void> &result);
+    void prune(const Snapshot &snapshot);
+
+public:
     void remove(const QStringList &names);
 };
 
-void SessionStore::Queue::note(const std::shared_ptr<Queue> &queue, const QString &name, const Result<void> &written)
+/// Of what is wrong one kind is told at a time: where no draft can be written, no session can be either.
+void SessionStore::Queue::note(Problem::Kind kind, const Result<void> &result)
 {
-    const std::lock_guard lock(queue->mutex);
-    if (written) {
-        queue->failedDrafts.erase(name);
-    } else {
-        queue->failedDrafts.insert(name);
-    }
-    QMetaObject::invokeMethod(
-        QCoreApplication::instance(),
-        [queue = std::weak_ptr(queue), written] {
-            const auto state = queue.lock();
-            if (!state) {
-                return;
-            }
-            if (written) {
-                state->hasReported = false;
-            } else if (!std::exchange(state->hasReported, true) && state->report) {
-                state->report(written.error());
-            }
-        },
-        Qt::QueuedConnection);
+    const auto tell = [weak = weak_from_this(), kind, result] {
+        const auto queue = weak.lock();
+        if (!queue) {
+            return;
+        }
+        if (result) {
+            queue->reported.erase(kind);
+            return;
+        }
+        const bool isMore = queue->reported.contains(Problem::Kind::drafts) || !queue->reported.insert(kind).second;
+        if (!isMore && queue->report) {
+            queue->report(
+                {.kind = kind, .path = kind == Problem::Kind::drafts ? queue->drafts() : queue->snapshotPath(), .error = result.error()});
+        }
+    };
+    QMetaObject::invokeMethod(QCoreApplication::instance(), tell, Qt::QueuedConnection);
 }
 
 SessionStore::Places SessionStore::Places::standard()
@@ -106,8 +123,7 @@ SessionStore::Places SessionStore::Places::standard()
 
 SessionStore::SessionStore(const Places &places, const Preferences &preferences, FileCalls &calls)
     : m_root(places.rootDirectory), m_preferences(preferences), m_calls(calls),
-      m_queue(new Queue{.root = places.rootDirectory, .drafts = places.rootDirectory + u"/Drafts"_s, .calls = calls}),
-      m_thread(std::make_unique<QThreadPool>())
+      m_queue(std::make_shared<Queue>(places.rootDirectory, calls)), m_thread(std::make_unique<QThreadPool>())
 {
     m_thread->setObjectName(u"org.quillet.Quillet.session"_s);
     m_thread->setMaxThreadCount(1);
@@ -140,15 +156,15 @@ SessionStore::~SessionStore()
 
 QString SessionStore::draftsDirectory() const
 {
-    return m_queue->drafts;
+    return m_queue->drafts();
 }
 
 QString SessionStore::snapshotPath() const
 {
-    return m_root + u"/session.json"_s;
+    return m_queue->snapshotPath();
 }
 
-void SessionStore::onProblem(std::function<void(const Error &error)> report)
+void SessionStore::onProblem(std::function<void(const Problem &problem)> report)
 {
     m_queue->report = std::move(report);
 }
@@ -289,6 +305,8 @@ void SessionStore::adoptDraft(const TextDocument &document, const QString &name)
     // Under another name it is written anew; the old one goes when a snapshot with the new one is there.
     if (name == DraftFile::nameFor(document.id())) {
         m_drafts[name] = document.storage().revision();
+        const std::lock_guard lock(m_queue->mutex);
+        m_queue->written[name] = document.storage().text();
     }
 }
 
@@ -321,24 +339,41 @@ std::optional<QString> SessionStore::writeDraft(const TextDocument &document)
     }
     m_drafts[name] = revision;
     if (ticket != 0) {
-        m_thread->start([queue = m_queue, name, ticket] { Queue::writeDraft(queue, name, ticket); });
+        m_thread->start([queue = m_queue, name, ticket] { queue->writeDraft(name, ticket); });
     }
     return name;
 }
 
-void SessionStore::Queue::writeDraft(const std::shared_ptr<Queue> &queue, const QString &name, quint64 ticket)
+void SessionStore::Queue::writeDraft(const QString &name, quint64 ticket)
 {
     Rope text;
     {
-        const std::lock_guard lock(queue->mutex);
-        const auto waiting = queue->texts.find(name);
-        if (waiting == queue->texts.end() || waiting->second.ticket != ticket) {
+        const std::lock_guard lock(mutex);
+        const auto waiting = texts.find(name);
+        if (waiting == texts.end() || waiting->second.ticket != ticket) {
             return;
         }
         text = std::move(waiting->second.text);
-        queue->texts.erase(waiting);
+        texts.erase(waiting);
+        written.erase(name);
     }
-    queue->note(queue, name, DraftFile::write(text, queue->drafts + u'/' + name, queue->calls));
+    writeText(name, text);
+}
+
+void SessionStore::Queue::writeText(const QString &name, const Rope &text)
+{
+    makePrivateFolder(drafts(), calls);
+    const Result<void> result = DraftFile::write(text, pathOf(name), calls);
+    {
+        const std::lock_guard lock(mutex);
+        if (result) {
+            failedDrafts.erase(name);
+            written[name] = text;
+        } else {
+            failedDrafts.insert(name);
+        }
+    }
+    note(Problem::Kind::drafts, result);
 }
 
 void SessionStore::discardDraft(const QUuid &document)
@@ -361,7 +396,11 @@ void SessionStore::discardDraft(const QUuid &document)
 void SessionStore::write(Snapshot snapshot)
 {
     carryOver();
-    if (!m_isOwner || (snapshot == m_held && isHealthy())) {
+    if (!m_isOwner) {
+        return;
+    }
+    if (snapshot == m_held && isHealthy()) {
+        lookForMissing();
         return;
     }
     m_held = snapshot;
@@ -379,35 +418,98 @@ void SessionStore::write(Snapshot snapshot)
     m_thread->start([queue = m_queue, ticket = m_lastTicket] { queue->writeSnapshot(ticket); });
 }
 
-void SessionStore::Queue::writeSnapshot(quint64 ticket)
+/// One that waits will see what became of the folder until then.
+void SessionStore::lookForMissing()
 {
-    Snapshot written;
+    {
+        const std::lock_guard lock(m_queue->mutex);
+        if (std::exchange(m_queue->isLooking, true)) {
+            return;
+        }
+    }
+    m_thread->start([queue = m_queue] { queue->lookForMissing(); });
+}
+
+void SessionStore::Queue::lookForMissing()
+{
     {
         const std::lock_guard lock(mutex);
-        written = std::move(snapshots.extract(ticket).mapped());
+        isLooking = false;
     }
-    const Result<void> result = writeAtomically(root + u"/session.json"_s, written.toJson(), AtomicFile::NewFile::privateToUser, calls);
+    if (!lastWritten) {
+        return;
+    }
+    writeMissingDrafts(*lastWritten);
+    if (!isThere(snapshotPath())) {
+        writeSnapshot(*lastWritten);
+    }
+}
+
+bool SessionStore::Queue::isThere(const QString &path) const
+{
+    struct stat status = {};
+    return calls.stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+/// What the snapshot names, others may have removed.
+void SessionStore::Queue::writeMissingDrafts(const Snapshot &snapshot)
+{
+    for (const Snapshot::Document &document : snapshot.documents) {
+        const QString name = document.draftFilename.value_or(QString());
+        if (name.isEmpty() || isThere(pathOf(name))) {
+            continue;
+        }
+        std::optional<Rope> text;
+        {
+            const std::lock_guard lock(mutex);
+            if (const auto known = written.find(name); known != written.end()) {
+                text = known->second;
+            }
+        }
+        if (text) {
+            writeText(name, *text);
+        }
+    }
+}
+
+void SessionStore::Queue::writeSnapshot(quint64 ticket)
+{
+    Snapshot snapshot;
+    {
+        const std::lock_guard lock(mutex);
+        snapshot = std::move(snapshots.extract(ticket).mapped());
+    }
+    writeMissingDrafts(snapshot);
+    writeSnapshot(snapshot);
+}
+
+void SessionStore::Queue::writeSnapshot(const Snapshot &snapshot)
+{
+    makePrivateFolder(root, calls);
+    const Result<void> result = writeAtomically(snapshotPath(), snapshot.toJson(), AtomicFile::NewFile::privateToUser, calls);
     {
         const std::lock_guard lock(mutex);
         hasFailedSnapshot = !result;
     }
+    note(Problem::Kind::session, result);
     if (result) {
-        prune(written);
+        lastWritten = snapshot;
+        prune(snapshot);
     }
 }
 
-/// Deletes what `written`, which is on disk, does not name.
-void SessionStore::Queue::prune(const Snapshot &written)
+/// Deletes what `snapshot`, which is on disk, does not name.
+void SessionStore::Queue::prune(const Snapshot &snapshot)
 {
     std::set<QString> kept;
     {
         const std::lock_guard lock(mutex);
         kept = unreadableDrafts;
     }
-    for (const Snapshot::Document &document : written.documents) {
+    for (const Snapshot::Document &document : snapshot.documents) {
         kept.insert(document.draftFilename.value_or(QString()));
     }
-    QStringList names = QDir(drafts).entryList(QDir::Files | QDir::Hidden | QDir::System);
+    QStringList names = QDir(drafts()).entryList(QDir::Files | QDir::Hidden | QDir::System);
     names.removeIf([&](const QString &name) { return kept.contains(name); });
     remove(names);
 }
@@ -416,11 +518,15 @@ void SessionStore::Queue::remove(const QStringList &names)
 {
     bool isChanged = false;
     for (const QString &name : names) {
-        isChanged |= calls.unlink(QFile::encodeName(drafts + u'/' + name).constData()) == 0;
+        isChanged |= calls.unlink(QFile::encodeName(pathOf(name)).constData()) == 0;
+    }
+    {
+        const std::lock_guard lock(mutex);
+        std::ranges::for_each(names, [this](const QString &name) { written.erase(name); });
     }
     if (isChanged) {
         // An old draft must not come back when the power fails: it would stand before its file, which was saved since.
-        flushFolder(drafts, calls);
+        flushFolder(drafts(), calls);
     }
 }
 

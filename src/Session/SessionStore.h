@@ -88,13 +88,25 @@ public:
     std::optional<QString> writeDraft(const TextDocument &document);
     /// The text is safe elsewhere, or not wanted any more.
     void discardDraft(const QUuid &document);
-    /// Then deletes the drafts that it does not name. Not when the store was given the same last, and all is well with that.
+    /// Then deletes the drafts that it does not name. When the store was given the same last, and all is well with that, it only sees to it
+    /// that this is there: what others removed is written again.
     void write(Snapshot snapshot);
     /// Returns true when everything is written, false when `timeout` is over first.
     bool waitUntilWritten(std::chrono::milliseconds timeout);
 
-    /// Called when drafts cannot be written, with the reason: once, and again only after a time in which they could.
-    void onProblem(std::function<void(const Error &error)> report);
+    /// Something that cannot be written.
+    struct Problem {
+        enum class Kind {
+            drafts,
+            /// While drafts can be.
+            session,
+        };
+        Kind kind = Kind::drafts;
+        QString path;
+        Error error;
+    };
+    /// Called when something cannot be written: once, and again only after a time in which it could.
+    void onProblem(std::function<void(const Problem &problem)> report);
     /// Called when there was a snapshot that cannot be read, with the folder where it is now, and the drafts with it.
     void onSetAside(std::function<void(const QString &folder)> report) { m_reportSetAside = std::move(report); }
 
@@ -104,6 +116,7 @@ private:
     [[nodiscard]] std::optional<Snapshot> readSnapshot();
     [[nodiscard]] bool setAside(const QString &folder);
     void carryOver();
+    void lookForMissing();
     [[nodiscard]] QStringList draftsOnDisk() const;
 
     QString m_root;

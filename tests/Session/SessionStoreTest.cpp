@@ -404,7 +404,7 @@ TEST_F(SessionStoreTest, AFullDiskIsReportedOnceAndTriedAgain)
 {
     auto store = open();
     std::vector<int> problems;
-    store->onProblem([&](const Error &error) { problems.push_back(error.code); });
+    store->onProblem([&](const SessionStore::Problem &problem) { problems.push_back(problem.error.code); });
     const auto text = document(u"old"_s, firstId);
     keep(*store, {text.get()});
     calls.before = [](const char *call) { return std::string(call) == "write" ? ENOSPC : 0; };
@@ -423,6 +423,56 @@ TEST_F(SessionStoreTest, AFullDiskIsReportedOnceAndTriedAgain)
     EXPECT_EQ(draftOf(firstId), "new");
     EXPECT_EQ(drafts().size(), 1);
     EXPECT_EQ(problems.size(), 1U);
+}
+
+TEST_F(SessionStoreTest, WhatOthersRemovedIsWrittenAgain)
+{
+    const auto text = document(u"typed"_s, firstId);
+    const auto other = document(u"other"_s, secondId);
+    {
+        auto store = open();
+        keep(*store, {text.get(), other.get()});
+    }
+    auto store = open();
+    DocumentStore restored(services, {});
+    std::vector<TextDocument *> back;
+    for (const auto &[id, document] : restoreDocuments(store->read(), *store, restored)) {
+        back.push_back(document.get());
+    }
+    keep(*store, back);
+    for (const QString &gone : {draftName(firstId), u"session.json"_s, u"Drafts"_s, QString()}) {
+        const QString path = QDir::cleanPath(root() + u'/' + gone);
+        ASSERT_TRUE(QFileInfo(path).isDir() ? QDir(path).removeRecursively() : QFile::remove(path));
+        keep(*store, back);
+        EXPECT_EQ(draftOf(firstId), "typed") << gone.toStdString();
+        EXPECT_EQ(drafts().size(), 2);
+        EXPECT_TRUE(SessionSnapshot::fromJson(read(store->snapshotPath()))) << gone.toStdString();
+    }
+    // One that cannot be is not safe.
+    ASSERT_TRUE(QDir(store->draftsDirectory()).removeRecursively());
+    put(u"Drafts"_s, "in the way");
+    EXPECT_TRUE(store->keepsUnsavedText());
+    keep(*store, back);
+    EXPECT_FALSE(store->keepsUnsavedText());
+}
+
+TEST_F(SessionStoreTest, ASnapshotThatCannotBeWrittenWhileDraftsCanIsTold)
+{
+    auto store = open();
+    std::vector<SessionStore::Problem> problems;
+    store->onProblem([&](const SessionStore::Problem &problem) { problems.push_back(problem); });
+    const auto text = document(u"1"_s, firstId);
+    keep(*store, {});
+    ASSERT_TRUE(QFile::remove(store->snapshotPath()) && QDir().mkpath(store->snapshotPath() + u"/in the way"_s));
+    for (int tick = 0; tick < 2; ++tick) {
+        keep(*store, {text.get()});
+    }
+    QCoreApplication::processEvents();
+    ASSERT_EQ(problems.size(), 1U);
+    EXPECT_EQ(problems[0].kind, SessionStore::Problem::Kind::session);
+    EXPECT_EQ(problems[0].path, store->snapshotPath());
+    EXPECT_EQ(draftOf(firstId), "1");
+    EXPECT_FALSE(store->keepsUnsavedText());
 }
 
 TEST_F(SessionStoreTest, FilesThatDoNotAnswerAreWaitedForInTheirTabs)
