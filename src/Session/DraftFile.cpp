@@ -40,6 +40,12 @@ QUuid DraftFile::documentOf(const QString &name)
 
 Result<void> DraftFile::write(const Rope &text, const QString &path, FileCalls &calls)
 {
+    // A link would be followed, and what it leads to be written.
+    struct stat status = {};
+    const QByteArray name = QFile::encodeName(path);
+    if (calls.lstat(name.constData(), &status) == 0 && S_ISLNK(status.st_mode)) {
+        calls.unlink(name.constData());
+    }
     return TextFile::write(text, path, TextEncoding::utf8, LineEnding::lf, calls, {.newFile = AtomicFile::NewFile::privateToUser})
         .map([](const FileState &) {})
         .map_error([](const TextFile::WriteError &error) { return Error(error); });
