@@ -110,7 +110,7 @@ int main(int argc, char **argv)
     if (given.answer == Answer::taken) {
         return given.status;
     }
-    Program program(application, line.language);
+    Program program(application, line);
     // Of two that start at the same time, one is the first.
     if (given.answer == Answer::nobodyRuns && !program.listen()) {
         if (const auto late = handOver(line); late.answer == Answer::taken) {

@@ -9,6 +9,7 @@
 #include <array>
 #include <vector>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 /// The environment of a user who has nothing, made before anything looks at it: folders that go with the program, fonts and types of files
@@ -30,6 +31,7 @@ public:
         for (const char *name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME", "XDG_CACHE_HOME", "XDG_CONFIG_DIRS"}) {
             qputenv(name, m_home.path().toUtf8());
         }
+        ::umask(S_IWGRP | S_IWOTH);
         qputenv("XDG_DATA_DIRS", QUILLET_TEST_DATA);
         qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + m_home.filePath(QStringLiteral("no-bus")).toUtf8());
         qputenv("FONTCONFIG_FILE", QUILLET_TEST_DATA "/fonts.conf");

@@ -46,6 +46,10 @@ constexpr auto problems = std::to_array<ProblemWords>({
      u"The folder “%@” cannot be written to: %@. Until that is fixed, only what you save is safe."},
     {Problem::session, u"The session cannot be kept at the moment.",
      u"“%@” cannot be written: %@. Until that is fixed, unsaved texts come back at the next start, but the tabs that are open do not."},
+    {Problem::sharedFolder, u"No session is kept.",
+     u"The folder “%@” belongs to another user, or other users may write to it. As long as that is so, nothing comes back at the next "
+     u"start, "
+     u"and Quillet asks about unsaved changes before it ends."},
 });
 
 const ProblemWords &wordsFor(Problem kind)
@@ -171,6 +175,11 @@ void AppDelegate::windowClosed(MainWindowController &window)
     }
     window.deleteLater();
     if (m_windows.empty()) {
+        if (!m_services.session.isOwner()) {
+            // The user was asked about every text.
+            std::ranges::for_each(m_services.documents.documents(),
+                                  [this](const auto &document) { m_services.session.discardDraft(document->id()); });
+        }
         m_services.session.waitUntilWritten(SessionKeeper::userPatience);
         emit finished();
         return;
@@ -278,7 +287,7 @@ AppDelegate::Documents AppDelegate::launch(const QStringList &paths)
         inform(
             localized(u"Quillet is running already."),
             localized(u"The other one keeps the session. This one works as well, but its tabs do not come back at the next start, and it "
-                      u"asks about unsaved changes before it ends."));
+                      u"asks about unsaved changes before it ends. If it cannot ask, they come back when no other one is running."));
     }
     return opened;
 }
@@ -497,7 +506,8 @@ void AppDelegate::newWindow()
 void AppDelegate::terminate()
 {
     // Asked once more, it does not wait for what is in a draft as well.
-    if (m_writes.isWaiting() && m_services.keeper.keepAndWait(SessionKeeper::userPatience)) {
+    using Kept = SessionKeeper::Kept;
+    if (m_writes.isWaiting() && m_services.keeper.keepAndWait(SessionKeeper::userPatience) == Kept::all) {
         emit finished();
         return;
     }
@@ -505,7 +515,8 @@ void AppDelegate::terminate()
         if (outcome == PendingWrites::Outcome::failed) {
             return;
         }
-        if (m_services.keeper.keepAndWait(SessionKeeper::userPatience) || outcome == PendingWrites::Outcome::abandoned) {
+        const Kept kept = m_services.keeper.keepAndWait(SessionKeeper::userPatience);
+        if (kept == Kept::all || outcome == PendingWrites::Outcome::abandoned) {
             emit finished();
             return;
         }

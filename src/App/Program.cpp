@@ -63,7 +63,8 @@ struct InterfaceLanguage {
 } // namespace
 
 struct Program::Parts {
-    Parts(QApplication &application, std::optional<AppLanguage> thisTime) : language(preferences, toolkitTexts, thisTime)
+    Parts(QApplication &application, std::optional<AppLanguage> thisTime, SessionStore::Role role)
+        : language(preferences, toolkitTexts, thisTime), session(SessionStore::Places::standard(role), preferences)
     {
         spellingLanguages = notifications.observe(Localization::didChangeNotification, nullptr,
                                                   [this] { spellChecker.setLanguages(SpellChecker::systemSetup().languages); });
@@ -74,7 +75,8 @@ struct Program::Parts {
             &application, &QGuiApplication::commitDataRequest, &delegate,
             [this](QSessionManager &manager) {
                 // To be allowed to ask means to hold up all others: only when there is something to ask.
-                if (!keeper.keepAndWait(SessionKeeper::systemPatience) && manager.allowsInteraction()) {
+                const bool isLost = keeper.keepAndWait(SessionKeeper::systemPatience) == SessionKeeper::Kept::notAll;
+                if (isLost && manager.allowsInteraction()) {
                     manager.cancel();
                     delegate.terminate();
                 }
@@ -106,7 +108,7 @@ struct Program::Parts {
     DetachedWorkers workers;
     FileWatcherQueue watchers;
     SystemAppearance appearance{std::make_unique<PortalAppearanceSource>()};
-    SessionStore session{SessionStore::Places::standard(), preferences};
+    SessionStore session;
     DocumentStore documents{{.scheduler = scheduler,
                              .notifications = notifications,
                              .preferences = preferences,
@@ -138,10 +140,12 @@ struct Program::Parts {
     TerminationSignals termination{[this] { delegate.terminateNow(); }};
 };
 
-Program::Program(QApplication &application, std::optional<AppLanguage> language)
+Program::Program(QApplication &application, const CommandLine &line)
 {
     setUp();
-    m_parts = std::make_unique<Parts>(application, language);
+    // A comparison must not keep the session from a start that wants it.
+    const bool isComparison = line.request == CommandLine::Request::compare;
+    m_parts = std::make_unique<Parts>(application, line.language, isComparison ? SessionStore::Role::guest : SessionStore::Role::owner);
 }
 
 Program::~Program() = default;

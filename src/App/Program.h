@@ -12,8 +12,8 @@ class QApplication;
 /// Everything that lives as long as the program. There is one, made on the main thread after the application object and gone before it.
 class Program final {
 public:
-    /// In `language`, this time, if there is one.
-    explicit Program(QApplication &application, std::optional<AppLanguage> language = {});
+    /// For what `line` asks: in its language, this time, if there is one, and without a session when it is a comparison.
+    Program(QApplication &application, const CommandLine &line);
     Program(const Program &) = delete;
     Program &operator=(const Program &) = delete;
     ~Program();

@@ -66,7 +66,7 @@ void SessionKeeper::keep()
     }
 }
 
-bool SessionKeeper::keepAndWait(std::chrono::milliseconds timeout)
+SessionKeeper::Kept SessionKeeper::keepAndWait(std::chrono::milliseconds timeout)
 {
     const auto windows = layouts();
     if (wantsSession(windows)) {
@@ -76,7 +76,11 @@ bool SessionKeeper::keepAndWait(std::chrono::milliseconds timeout)
     const bool hasUnsavedText = std::ranges::any_of(windows, [](const WindowLayout &window) {
         return std::ranges::any_of(window.panes.documents(), [](const auto &document) { return document->hasUnsavedText(); });
     });
-    return !hasUnsavedText || (isWritten && m_store.keepsUnsavedText());
+    if (!hasUnsavedText || (isWritten && m_store.keepsUnsavedText())) {
+        return Kept::all;
+    }
+    const bool isForLater = isWritten && !m_store.isOwner() && wantsSession(windows) && m_store.keepsDrafts();
+    return isForLater ? Kept::forLater : Kept::notAll;
 }
 
 std::vector<WindowLayout> SessionKeeper::layouts() const

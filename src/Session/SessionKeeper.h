@@ -51,8 +51,17 @@ public:
     void performAutosave();
     /// Writes drafts and session now.
     void keep();
-    /// The last time before the end. False when text would be lost if the program ended now.
-    [[nodiscard]] bool keepAndWait(std::chrono::milliseconds timeout);
+    /// What would become of unsaved text if the program ended now.
+    enum class Kept {
+        /// It comes back at the next start.
+        all,
+        /// It comes back when a start owns the session again.
+        forLater,
+        /// Some of it would be lost.
+        notAll,
+    };
+    /// The last time before the end.
+    [[nodiscard]] Kept keepAndWait(std::chrono::milliseconds timeout);
 
     /// Once, before anything is kept: what earlier programs left. None when that is nothing, or not wanted.
     [[nodiscard]] std::optional<WindowLayout> restore();

@@ -6,6 +6,7 @@
 #include "Base/StandardFolder.h"
 #include "Model/TextDocument.h"
 #include "Session/DraftFile.h"
+#include "Session/GuestSessions.h"
 #include "Session/SessionLock.h"
 #include "Settings/Preferences.h"
 
@@ -19,6 +20,7 @@
 
 #include <mutex>
 #include <set>
+#include <unistd.h>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -114,11 +116,12 @@ void SessionStore::Queue::note(Problem::Kind kind, const Result<void> &result)
     QMetaObject::invokeMethod(QCoreApplication::instance(), tell, Qt::QueuedConnection);
 }
 
-SessionStore::Places SessionStore::Places::standard()
+SessionStore::Places SessionStore::Places::standard(Role role)
 {
     const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
     return {.rootDirectory = standardFolder("XDG_DATA_HOME", u".local/share") + u"/Quillet"_s,
-            .runtimeDirectory = QDir::isAbsolutePath(runtime) ? QDir::cleanPath(runtime) : QString()};
+            .runtimeDirectory = QDir::isAbsolutePath(runtime) ? QDir::cleanPath(runtime) : QString(),
+            .role = role};
 }
 
 SessionStore::SessionStore(const Places &places, const Preferences &preferences, FileCalls &calls)
@@ -128,7 +131,18 @@ SessionStore::SessionStore(const Places &places, const Preferences &preferences,
     m_thread->setObjectName(u"org.quillet.Quillet.session"_s);
     m_thread->setMaxThreadCount(1);
     m_thread->setThreadPriority(QThread::LowPriority);
+    if (places.role == Role::owner) {
+        claim(places);
+    }
+}
+
+void SessionStore::claim(const Places &places)
+{
     makePrivateFolder(draftsDirectory(), m_calls);
+    m_sharedFolder = sharedFolder();
+    if (m_sharedFolder) {
+        return;
+    }
     // Several folders may be in use at once, each by one program.
     const QByteArray folder = QCryptographicHash::hash(QFile::encodeName(QDir::cleanPath(m_root)), QCryptographicHash::Sha1).toHex();
     const QString lockName = u"/quillet-session-"_s + QString::fromLatin1(folder.first(16)) + u".lock"_s;
@@ -145,12 +159,37 @@ SessionStore::SessionStore(const Places &places, const Preferences &preferences,
     }
 }
 
+/// Whoever may write there could put words into the user's mouth, or have files written that are the user's.
+std::optional<QString> SessionStore::sharedFolder() const
+{
+    for (const QString &folder : {m_root, m_root + u"/Drafts"_s, m_root + u"/Guests"_s}) {
+        struct stat status = {};
+        const bool exists = m_calls.stat(QFile::encodeName(folder).constData(), &status) == 0;
+        if (exists && (status.st_uid != ::geteuid() || (status.st_mode & (S_IWGRP | S_IWOTH)) != 0)) {
+            return folder;
+        }
+    }
+    return std::nullopt;
+}
+
+bool SessionStore::hasPlace()
+{
+    carryOver();
+    if (!m_isOwner && !m_guest && !sharedFolder()) {
+        m_guest = GuestSessions::make(m_root, m_calls);
+        m_queue->root = m_guest ? m_guest->folder : m_queue->root;
+    }
+    return m_isOwner || m_guest;
+}
+
 SessionStore::~SessionStore()
 {
     m_queue->report = nullptr;
     if (!waitUntilWritten(timeoutAtEnd)) {
         // Its destructor would wait for a disk that does not answer.
         std::ignore = m_thread.release();
+    } else if (m_guest) {
+        GuestSessions::removeIfEmpty(m_guest->folder);
     }
 }
 
@@ -166,12 +205,20 @@ QString SessionStore::snapshotPath() const
 
 void SessionStore::onProblem(std::function<void(const Problem &problem)> report)
 {
+    if (m_sharedFolder && report) {
+        report({.kind = Problem::Kind::sharedFolder, .path = *m_sharedFolder});
+    }
     m_queue->report = std::move(report);
 }
 
 bool SessionStore::keepsUnsavedText() const
 {
-    return m_isOwner && m_preferences.value(Settings::autosaveDrafts) && m_preferences.value(Settings::restoreSession) && isHealthy();
+    return m_isOwner && m_preferences.value(Settings::restoreSession) && keepsDrafts();
+}
+
+bool SessionStore::keepsDrafts() const
+{
+    return (m_isOwner || m_guest) && m_preferences.value(Settings::autosaveDrafts) && isHealthy();
 }
 
 bool SessionStore::isHealthy() const
@@ -199,6 +246,9 @@ SessionStore::Saved SessionStore::read()
         root.remove(name);
     }
     saved.snapshot = readSnapshot();
+    if (m_isOwner) {
+        GuestSessions::adopt(m_root, saved.snapshot, m_calls);
+    }
     std::set<QString> named;
     if (saved.snapshot) {
         for (const Snapshot::Document &document : saved.snapshot->documents) {
@@ -314,12 +364,15 @@ void SessionStore::adoptDraft(const TextDocument &document, const QString &name)
 
 std::optional<QString> SessionStore::writeDraft(const TextDocument &document)
 {
-    carryOver();
-    if (!m_isOwner || !m_preferences.value(Settings::autosaveDrafts) || document.isGenerated()) {
+    if (!m_preferences.value(Settings::autosaveDrafts) || document.isGenerated()) {
         return std::nullopt;
     }
     if (!document.hasUnsavedText()) {
+        carryOver();
         discardDraft(document.id());
+        return std::nullopt;
+    }
+    if (!hasPlace()) {
         return std::nullopt;
     }
     const QString name = DraftFile::nameFor(document.id());
@@ -379,7 +432,7 @@ void SessionStore::Queue::writeText(const QString &name, const Rope &text)
 void SessionStore::discardDraft(const QUuid &document)
 {
     const QString name = DraftFile::nameFor(document);
-    if (!m_isOwner || m_drafts.erase(name) == 0) {
+    if (m_drafts.erase(name) == 0) {
         return;
     }
     {
@@ -396,7 +449,8 @@ void SessionStore::discardDraft(const QUuid &document)
 void SessionStore::write(Snapshot snapshot)
 {
     carryOver();
-    if (!m_isOwner) {
+    // Of a program beside the owner only texts come back.
+    if (!m_isOwner && !m_guest) {
         return;
     }
     if (snapshot == m_held && isHealthy()) {
@@ -440,7 +494,7 @@ void SessionStore::Queue::lookForMissing()
         return;
     }
     writeMissingDrafts(*lastWritten);
-    if (!isThere(snapshotPath())) {
+    if (calls.access(QFile::encodeName(snapshotPath()).constData(), F_OK) != 0) {
         writeSnapshot(*lastWritten);
     }
 }
@@ -448,7 +502,7 @@ void SessionStore::Queue::lookForMissing()
 bool SessionStore::Queue::isThere(const QString &path) const
 {
     struct stat status = {};
-    return calls.stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISREG(status.st_mode);
+    return calls.lstat(QFile::encodeName(path).constData(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
 /// What the snapshot names, others may have removed.

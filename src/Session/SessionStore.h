@@ -5,6 +5,7 @@
 #include "Base/FileCalls.h"
 #include "Base/FileStamp.h"
 #include "Base/Result.h"
+#include "Session/GuestSessions.h"
 #include "Session/SessionSnapshot.h"
 #include "Text/Rope.h"
 
@@ -19,7 +20,6 @@
 
 class Preferences;
 class QThreadPool;
-class SessionLock;
 class TextDocument;
 
 /// Keeps the session and the texts that were not saved ("drafts") in a folder of the user's, from one start of the program to the next.
@@ -31,19 +31,24 @@ class TextDocument;
 /// All writing is done in the order asked for by a thread of the store's own, from ropes that cost nothing to take; of what waits to be
 /// written only the latest version is. What was written already is not written again.
 ///
-/// One running program owns a folder; in another one the store writes nothing and finds nothing. Main thread only.
+/// One running program owns a folder. In another one the store finds nothing, and writes to a folder of its own (GuestSessions), whose
+/// texts the next owner takes over. Main thread only.
 class SessionStore final {
 public:
     using Snapshot = SessionSnapshot;
+
+    /// A guest never owns the folder: a program that was started for something else than its session.
+    enum class Role { owner, guest };
 
     /// Absolute paths.
     struct Places {
         QString rootDirectory;
         /// For a second lock; empty when there is none.
         QString runtimeDirectory;
+        Role role = Role::owner;
 
         /// In the user's data folder: $XDG_DATA_HOME if that is absolute, else ~/.local/share.
-        [[nodiscard]] static Places standard();
+        [[nodiscard]] static Places standard(Role role = Role::owner);
     };
 
     /// What earlier programs left.
@@ -53,21 +58,25 @@ public:
         QStringList otherDrafts;
     };
 
-    /// Makes the folders, for the user only. `preferences` and `calls` must outlive the store.
+    /// Makes the folders, for the user only, unless it is a guest. `preferences` and `calls` must outlive the store.
     SessionStore(const Places &places, const Preferences &preferences, FileCalls &calls = FileCalls::system());
     /// Waits for what is to be written, unless the disk hangs.
     ~SessionStore();
     Q_DISABLE_COPY_MOVE(SessionStore)
 
     [[nodiscard]] const QString &rootDirectory() const { return m_root; }
+    // Where it writes; beside an owner that is a place of its own, once there is something to keep.
     [[nodiscard]] QString draftsDirectory() const;
     [[nodiscard]] QString snapshotPath() const;
 
-    /// False while another program owns the folder, and after a snapshot that can neither be read nor moved out of the way.
+    /// False while another program owns the folder, when it is not the user's alone, and after a snapshot that can neither be read nor
+    /// moved out of the way.
     [[nodiscard]] bool isOwner() const { return m_isOwner; }
     [[nodiscard]] bool isHeldByOther() const { return m_isHeldByOther; }
     /// Whether text that is not saved comes back at the next start: the settings want it and writing works.
     [[nodiscard]] bool keepsUnsavedText() const;
+    /// Whether it comes back some day: when this is not the owner, the next one that is brings it back.
+    [[nodiscard]] bool keepsDrafts() const;
     /// Everything that was to be written so far was.
     [[nodiscard]] bool isHealthy() const;
 
@@ -100,12 +109,15 @@ public:
             drafts,
             /// While drafts can be.
             session,
+            /// It is another user's, or others may write to it: nothing is read or written there.
+            sharedFolder,
         };
         Kind kind = Kind::drafts;
         QString path;
-        Error error;
+        /// Of the writing.
+        Error error = {};
     };
-    /// Called when something cannot be written: once, and again only after a time in which it could.
+    /// Called when something cannot be written: once, and again only after a time in which it could; for a shared folder at once.
     void onProblem(std::function<void(const Problem &problem)> report);
     /// Called when there was a snapshot that cannot be read, with the folder where it is now, and the drafts with it.
     void onSetAside(std::function<void(const QString &folder)> report) { m_reportSetAside = std::move(report); }
@@ -113,6 +125,11 @@ public:
 private:
     struct Queue;
 
+    void claim(const Places &places);
+    /// Makes one for a program beside the owner.
+    [[nodiscard]] bool hasPlace();
+    /// The first that is not the user's alone.
+    [[nodiscard]] std::optional<QString> sharedFolder() const;
     [[nodiscard]] std::optional<Snapshot> readSnapshot();
     [[nodiscard]] bool setAside(const QString &folder);
     void carryOver();
@@ -123,7 +140,9 @@ private:
     const Preferences &m_preferences;
     FileCalls &m_calls;
     std::vector<std::unique_ptr<SessionLock>> m_locks;
-    bool m_isOwner = true;
+    std::optional<GuestSessions::Place> m_guest;
+    std::optional<QString> m_sharedFolder;
+    bool m_isOwner = false;
     bool m_isHeldByOther = false;
     bool m_hasRead = false;
     /// As it was last given.

@@ -11,6 +11,7 @@
 
 #include <semaphore>
 #include <set>
+#include <unistd.h>
 
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
@@ -249,7 +250,7 @@ TEST_F(SessionStoreTest, AnUnreadableSnapshotIsSetAsideWithItsDrafts)
     EXPECT_FALSE(store->keepsUnsavedText());
     calls.before = nullptr;
     keep(*store, {untitled.get()});
-    EXPECT_EQ(read(store->snapshotPath()), "garbage");
+    EXPECT_EQ(read(u"Quillet/session.json"_s), "garbage");
     EXPECT_EQ(drafts(), QStringList{u"one.draft"_s});
 }
 
@@ -289,18 +290,120 @@ TEST_F(SessionStoreTest, OnlyOneProgramOwnsTheFolder)
     auto first = open();
     const auto untitled = document(u"text"_s, firstId);
     keep(*first, {untitled.get()});
-    auto second = open();
-    EXPECT_FALSE(second->isOwner() || second->keepsUnsavedText() || second->read().snapshot);
-    EXPECT_EQ(second->writeDraft(*untitled), std::nullopt);
-    second->discardDraft(firstId);
-    keep(*second, {});
+    const auto draftsOfGuests = [this] { return QDir(root() + u"/Guests"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(); };
+    {
+        auto second = open();
+        EXPECT_FALSE(second->isOwner() || second->keepsUnsavedText() || second->read().snapshot);
+        keep(*second, {});
+        second->discardDraft(firstId);
+        EXPECT_EQ(draftsOfGuests(), 0) << "it has nothing to keep";
+        keep(*second, {untitled.get()});
+        EXPECT_TRUE(second->keepsDrafts());
+        EXPECT_EQ(draftsOfGuests(), 1);
+        second->discardDraft(firstId);
+    }
+    EXPECT_EQ(draftsOfGuests(), 0);
     EXPECT_EQ(drafts(), QStringList{DraftFile::nameFor(firstId)});
     // Another folder is nobody else's; this one is, wherever the other program has what runs.
     EXPECT_TRUE(SessionStore({path(u"other"_s), path({})}, preferences).isOwner());
     EXPECT_FALSE(SessionStore({root(), {}}, preferences).isOwner());
     EXPECT_FALSE(SessionStore({root(), path(u"other"_s)}, preferences).isOwner());
     first.reset();
+    {
+        SessionStore guest({root(), path({}), SessionStore::Role::guest}, preferences);
+        EXPECT_FALSE(guest.isOwner() || guest.isHeldByOther());
+        EXPECT_TRUE(open()->isOwner());
+    }
     EXPECT_TRUE(open()->read().snapshot);
+}
+
+TEST_F(SessionStoreTest, WhatAnotherProgramLeftIsTakenOverWhateverCutsThatOff)
+{
+    const QString file = path(u"Quillet/a.txt"_s);
+    for (int step = 1; step < 100; ++step) {
+        QDir(root()).removeRecursively();
+        put(u"a.txt"_s, "file");
+        auto owner = open();
+        const auto clean = document(u"file"_s, firstId, file);
+        keep(*owner, {clean.get()});
+        {
+            auto other = open();
+            const auto edited = document(u"file"_s, secondId, file);
+            edit(*edited, u"edited"_s);
+            const auto untitled = document(u"untitled"_s, thirdId);
+            keep(*other, {edited.get(), untitled.get()});
+        }
+        owner.reset();
+        calls.steps = 0;
+        calls.killAt = step;
+        std::ignore = open()->read();
+        const bool isOver = calls.steps < step;
+        calls.killAt = 0;
+        auto next = open();
+        DocumentStore restored(services, {});
+        QStringList texts;
+        for (const auto &[id, document] : restoreDocuments(next->read(), *next, restored)) {
+            texts << document->storage().string() + u' ' + document->displayName();
+        }
+        EXPECT_EQ(texts, (QStringList{u"edited a.txt"_s, u"untitled Untitled"_s})) << "cut off at call " << step;
+        if (isOver) {
+            EXPECT_FALSE(QFile::exists(root() + u"/Guests"_s));
+            return;
+        }
+    }
+    FAIL() << "it never ends";
+}
+
+TEST_F(SessionStoreTest, AFolderThatIsNotTheUsersAloneIsRefused)
+{
+    struct Foreign final : FileCalls {
+        uid_t owner = ::geteuid();
+        int stat(const char *path, struct stat *status) override
+        {
+            const int result = FileCalls::stat(path, status);
+            status->st_uid = owner;
+            return result;
+        }
+    } foreign;
+    const auto text = document(u"text"_s, firstId);
+    put(draftName(secondId), "planted");
+    const auto problemsOf = [&](SessionStore &store) {
+        std::vector<SessionStore::Problem::Kind> kinds;
+        store.onProblem([&](const SessionStore::Problem &problem) { kinds.push_back(problem.kind); });
+        keep(store, {text.get()});
+        EXPECT_TRUE(store.read().otherDrafts.isEmpty());
+        return kinds;
+    };
+    const std::vector refused{SessionStore::Problem::Kind::sharedFolder};
+    for (const QString &folder : {root(), root() + u"/Drafts"_s}) {
+        ASSERT_EQ(::chmod(QFile::encodeName(folder).constData(), 0775), 0);
+        auto store = open();
+        EXPECT_EQ(problemsOf(*store), refused);
+        EXPECT_FALSE(store->isOwner() || store->keepsDrafts() || store->isHeldByOther());
+        ASSERT_EQ(::chmod(QFile::encodeName(folder).constData(), 0755), 0);
+    }
+    foreign.owner += 1;
+    SessionStore store({root(), {}}, preferences, foreign);
+    EXPECT_EQ(problemsOf(store), refused);
+    EXPECT_EQ(names(u"Quillet"_s), QStringList{u"Drafts"_s}) << "nothing is written";
+    EXPECT_TRUE(open()->isOwner());
+}
+
+TEST_F(SessionStoreTest, ADraftThatIsALinkIsNotWrittenThrough)
+{
+    const QString target = put(u"profile"_s, "the user's");
+    put(u"Drafts/x"_s, "");
+    ASSERT_TRUE(QFile::link(target, root() + u'/' + draftName(firstId)));
+    auto store = open();
+    const auto text = document(u"text"_s, firstId);
+    keep(*store, {text.get()});
+    EXPECT_EQ(read(target), "the user's");
+    EXPECT_EQ(draftOf(firstId), "text");
+    // Nor is it one that others put there later.
+    ASSERT_TRUE(QFile::remove(root() + u'/' + draftName(firstId)) && QFile::link(target, root() + u'/' + draftName(firstId)));
+    keep(*store, {text.get()});
+    EXPECT_FALSE(QFileInfo(root() + u'/' + draftName(firstId)).isSymLink());
+    EXPECT_EQ(read(target), "the user's");
 }
 
 TEST_F(SessionStoreTest, HasALockOnAnyFileSystem)

@@ -197,6 +197,32 @@ TEST_F(SessionTest, FilesOpenBesideTheSessionOrInItsPlace)
     EXPECT_EQ(start()->texts(), (QStringList{u"b"_s, u"typed"_s})) << "the unsaved text was carried over";
 }
 
+TEST_F(SessionTest, WhatASecondProgramWasKilledWithComesBackWhenNoOtherRuns)
+{
+    const QString file = put(u"a.txt"_s, "a");
+    const QString second = put(u"b.txt"_s, "b");
+    auto owner = start({file});
+    {
+        auto other = start({file, second});
+        other->type(u"other "_s);
+        other->send(Actions::selectTab1);
+        other->type(u"typed "_s);
+        other->send(Actions::newDocument);
+        other->type(u"new"_s);
+        other->tick();
+        EXPECT_EQ(start()->texts(), QStringList{QString()}) << "both run";
+    }
+    owner->tick();
+    owner.reset();
+    for (int time = 0; time < 2; ++time) {
+        auto run = start();
+        EXPECT_EQ(run->texts(), (QStringList{u"typed a"_s, u"other b"_s, u"new"_s})) << "in the tab of the file, too";
+        EXPECT_EQ(Life::tabs(run->pane(0)).first(2), (QStringList{u"a.txt"_s, u"b.txt"_s}));
+        run->tick();
+        EXPECT_FALSE(QDir(path(u"data/Guests"_s)).exists());
+    }
+}
+
 TEST_F(SessionTest, SaysWhatCannotBeKept)
 {
     {
@@ -204,11 +230,13 @@ TEST_F(SessionTest, SaysWhatCannotBeKept)
         auto second = start();
         EXPECT_EQ(second->presenter.alerts().size(), 1U);
         EXPECT_TRUE(second->lastAlert().contains(u"running already"));
+        second->presenter.answerHeld();
         EXPECT_TRUE(first->presenter.alerts().empty());
         second->type(u"typed"_s);
         second->tick();
         second->application.terminate();
-        EXPECT_TRUE(second->lastAlert().contains(u"save the changes")) << "it would be lost";
+        EXPECT_TRUE(second->lastAlert().contains(u"save the changes")) << "it would not be seen for long";
+        second->answer(AlertReply::thirdButton);
     }
     put(u"data/session.json"_s, "[]");
     auto run = start();

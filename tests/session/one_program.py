@@ -12,7 +12,7 @@ import sys
 import tempfile
 import unittest
 
-from desktop import TIMEOUT, make_world, need, start_bus, until
+from desktop import TIMEOUT, activity, make_world, need, start_bus, until
 
 PROGRAM = os.path.abspath(sys.argv.pop(1))
 
@@ -75,6 +75,21 @@ class OneProgram(unittest.TestCase):
         subprocess.run(call, env=self.environment, check=True, capture_output=True)
         until("the desktop's file", lambda: "c d.txt" in self.session())
         self.end(first)
+
+    def test_a_comparison_leaves_the_session_alone(self):
+        self.end(self.start_with("a.txt"))
+        comparison = self.start("--diff", self.write("b.txt"), self.write("c.txt"))
+        seen = []
+
+        def rests():
+            seen.append(activity([comparison.pid]))
+            return len(seen) > 1 and seen[-1] is not None and seen[-1] == seen[-2]
+        until("the comparison to be shown", rests)
+        program = self.start_with("d.txt")
+        until("the session of before", lambda: self.session() == {"a.txt", "d.txt"})
+        self.end(comparison)
+        self.end(program)
+        self.assertEqual(self.session(), {"a.txt", "d.txt"})
 
     def test_one_that_hangs_is_left_alone(self):
         first = self.start_with("a.txt")

@@ -181,7 +181,7 @@ int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    Program program(*qApp);
+    Program program(*qApp, {});
     const Driver driver(program);
     CommandLine line;
     for (const QString &path : QApplication::arguments().mid(1)) {

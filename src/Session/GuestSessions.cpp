@@ -1,0 +1,151 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Session/GuestSessions.h"
+
+#include "Base/AtomicFile.h"
+#include "Session/DraftFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString guestsOf(const QString &root)
+{
+    return root + u"/Guests"_s;
+}
+
+QString lockOf(const QString &folder)
+{
+    return folder + u"/session.lock"_s;
+}
+
+QStringList textsIn(const QString &folder)
+{
+    return QDir(folder + u"/Drafts"_s).entryList({u"*.draft"_s}, QDir::Files);
+}
+
+/// Of one that has ended.
+class Adoption final {
+public:
+    Adoption(const QString &root, const QString &folder, std::optional<SessionSnapshot> &snapshot, FileCalls &calls)
+        : m_root(root), m_folder(folder), m_snapshot(snapshot), m_calls(calls)
+    {}
+
+    [[nodiscard]] bool run()
+    {
+        // The entries first: a draft that none names would come back without its file.
+        return takeEntries() && moveDrafts();
+    }
+
+private:
+    [[nodiscard]] bool takeEntries()
+    {
+        QFile file(m_folder + u"/session.json"_s);
+        const auto left = file.open(QIODevice::ReadOnly) ? SessionSnapshot::fromJson(file.readAll()) : std::nullopt;
+        if (!left) {
+            return true;
+        }
+        const QStringList texts = textsIn(m_folder);
+        SessionSnapshot merged = m_snapshot.value_or(SessionSnapshot());
+        for (const SessionSnapshot::Document &entry : left->documents) {
+            if (entry.draftFilename && texts.contains(*entry.draftFilename)) {
+                takeEntry(entry, merged.documents);
+            }
+        }
+        if (m_snapshot.value_or(SessionSnapshot()) != merged) {
+            if (!writeAtomically(m_root + u"/session.json"_s, merged.toJson(), AtomicFile::NewFile::privateToUser, m_calls)) {
+                return false;
+            }
+            m_snapshot = merged;
+        }
+        return true;
+    }
+
+    static void takeEntry(const SessionSnapshot::Document &entry, QList<SessionSnapshot::Document> &known)
+    {
+        const auto isThere = [&](const SessionSnapshot::Document &one) {
+            return one.id == entry.id || one.draftFilename == entry.draftFilename;
+        };
+        const auto isOfFile = [&](const SessionSnapshot::Document &one) {
+            return entry.filePath && one.filePath == entry.filePath && !one.draftFilename;
+        };
+        if (std::ranges::any_of(known, isThere)) {
+            return;
+        }
+        // The tab of a file shows what was typed into the file.
+        const auto tab = std::ranges::find_if(known, isOfFile);
+        auto &place = tab == known.end() ? known.emplaceBack(entry) : *tab;
+        const QUuid id = place.id;
+        place = entry;
+        place.id = id;
+    }
+
+    [[nodiscard]] bool moveDrafts()
+    {
+        const QString drafts = m_root + u"/Drafts/"_s;
+        const QStringList texts = textsIn(m_folder);
+        for (const QString &name : texts) {
+            const QString target = drafts + (QFile::exists(drafts + name) ? DraftFile::nameFor(QUuid::createUuid()) : name);
+            if (m_calls.rename(QFile::encodeName(m_folder + u"/Drafts/"_s + name).constData(), QFile::encodeName(target).constData()) !=
+                0) {
+                return false;
+            }
+        }
+        if (!texts.isEmpty()) {
+            flushFolder(drafts, m_calls);
+        }
+        return true;
+    }
+
+    const QString &m_root;
+    const QString &m_folder;
+    std::optional<SessionSnapshot> &m_snapshot;
+    FileCalls &m_calls;
+};
+
+} // namespace
+
+std::optional<GuestSessions::Place> GuestSessions::make(const QString &root, FileCalls &calls)
+{
+    // An owner that starts just now may take one without a lock for left behind.
+    constexpr int attempts = 5;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        const QString folder = guestsOf(root) + u'/' + QUuid::createUuid().toString(QUuid::WithoutBraces);
+        makePrivateFolder(folder + u"/Drafts"_s, calls);
+        auto lock = std::make_unique<SessionLock>(lockOf(folder), calls);
+        if (lock->state() == SessionLock::State::held) {
+            return Place{folder, std::move(lock)};
+        }
+    }
+    return std::nullopt;
+}
+
+void GuestSessions::adopt(const QString &root, std::optional<SessionSnapshot> &snapshot, FileCalls &calls)
+{
+    QDir guests(guestsOf(root));
+    const QStringList names = guests.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks, QDir::Time | QDir::Reversed);
+    for (const QString &name : names) {
+        const QString folder = guests.filePath(name);
+        const SessionLock lock(lockOf(folder), calls);
+        if (lock.state() == SessionLock::State::held && Adoption(root, folder, snapshot, calls).run()) {
+            removeIfEmpty(folder);
+        }
+    }
+    if (!names.isEmpty()) {
+        QDir().rmdir(guests.path());
+    }
+}
+
+void GuestSessions::removeIfEmpty(const QString &folder)
+{
+    if (textsIn(folder).isEmpty()) {
+        QDir(folder).removeRecursively();
+        QDir().rmdir(QFileInfo(folder).path());
+    }
+}
