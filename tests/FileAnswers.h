@@ -9,7 +9,7 @@
 [[nodiscard]] inline Result<void> saved(TextDocument &document, const QString &path)
 {
     Result<void> answer = failure(QStringLiteral("not answered"));
-    document.save(path, [&answer](const Result<void> &result) { answer = result; });
+    document.save(path, [&answer](const Result<AtomicFile::InPlace> &result) { answer = result.map([](AtomicFile::InPlace) {}); });
     return answer;
 }
 

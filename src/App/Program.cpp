@@ -115,7 +115,8 @@ struct Program::Parts {
                              .workers = workers,
                              .watchers = watchers,
                              .discardDraft = [this](const QUuid &id) { session.discardDraft(id); },
-                             .timeout = fileTimeout},
+                             .timeout = fileTimeout,
+                             .rescueFolder = session.rescueDirectory()},
                             [this] { return appearance.current(); }};
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
 

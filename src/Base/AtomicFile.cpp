@@ -4,17 +4,25 @@
 
 #include "Base/Translation.h"
 
+#include <QCoreApplication>
+#include <QCryptographicHash>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
+#include <QSysInfo>
 
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <limits.h>
+#include <limits>
+#include <signal.h>
 #include <stdio.h>
 #include <unistd.h>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -81,6 +89,16 @@ tl::unexpected<Error> saveFailure(const QByteArray &path, int error)
     return failure(formatted(localized(u"“%@” could not be saved: %@."), fileName(path), qt_error_string(error)), error);
 }
 
+/// The kernel follows no such link, but it is not asked to: links are read here one by one.
+bool isLinkOfStranger(const QByteArray &link, const struct stat &status, FileCalls &calls)
+{
+    const QByteArray folderName = folderOf(link) + '.';
+    struct stat folder = {};
+    constexpr mode_t sticky = S_ISVTX | S_IWOTH;
+    return status.st_uid != ::geteuid() && calls.stat(folderName.constData(), &folder) == 0 && (folder.st_mode & sticky) == sticky &&
+           folder.st_uid != status.st_uid;
+}
+
 Result<QByteArray> followLinks(QByteArray path, FileCalls &calls)
 {
     constexpr int mostLinks = 40;
@@ -93,6 +111,12 @@ Result<QByteArray> followLinks(QByteArray path, FileCalls &calls)
         }
         if (!S_ISLNK(status.st_mode)) {
             return path;
+        }
+        if (isLinkOfStranger(path, status, calls)) {
+            return failure(formatted(localized(u"“%@” could not be saved, because it is a symbolic link that another user made in a folder "
+                                               u"where everybody may write."),
+                                     fileName(asGiven)),
+                           EACCES);
         }
         QByteArray target(PATH_MAX, Qt::Uninitialized);
         const ssize_t length = calls.readlink(path.constData(), target.data(), size_t(target.size()));
@@ -119,18 +143,50 @@ bool isSameFile(const struct stat &a, const struct stat &b)
 /// The file system has no such thing; there is nothing to keep or to flush.
 bool isUnsupported(int error)
 {
-    return error == ENOTSUP || error == EINVAL || error == ENOSYS;
+    return error == ENOTSUP || error == EINVAL || error == ENOSYS || error == ENOTTY;
+}
+
+bool isForbidden(int error)
+{
+    return error == EACCES || error == EPERM || error == EROFS;
+}
+
+/// Another program on this machine, which has ended. `name` begins with its mark.
+bool isOfEndedProgram(const QByteArray &name)
+{
+    const QList<QByteArray> parts = name.split('-');
+    bool isNumber = false;
+    const int program = parts.size() == 3 ? parts[1].toInt(&isNumber) : 0;
+    return isNumber && name.startsWith(programMark(program)) && ::kill(program, 0) != 0 && errno == ESRCH;
+}
+
+constexpr QByteArrayView temporaryBegin = ".quillet-";
+constexpr auto contentEnding = ".content"_L1;
+constexpr auto targetEnding = ".target"_L1;
+
+/// What killed programs left in a folder. Not in the largest, which take their time to be read.
+void removeLeftBehind(const QByteArray &folder, FileCalls &calls)
+{
+    constexpr int mostEntries = 20'000;
+    QDirIterator entries(folder.isEmpty() ? u"."_s : QFile::decodeName(folder), QDir::Files | QDir::Hidden);
+    for (int count = 0; count < mostEntries && entries.hasNext(); ++count) {
+        const QByteArray path = QFile::encodeName(entries.next());
+        const QByteArray name = nameIn(path);
+        if (name.startsWith(temporaryBegin) && isOfEndedProgram(name.sliced(temporaryBegin.size()))) {
+            calls.unlink(path.constData());
+        }
+    }
 }
 
 } // namespace
 
-Result<AtomicFile> AtomicFile::open(const QString &path, NewFile newFile, FileCalls &calls)
+Result<AtomicFile> AtomicFile::open(const QString &path, NewFile newFile, FileCalls &calls, const QString &rescueFolder)
 {
     auto target = followLinks(QFile::encodeName(path), calls);
     if (!target) {
         return tl::make_unexpected(target.error());
     }
-    AtomicFile file(calls, *std::move(target), newFile);
+    AtomicFile file(calls, *std::move(target), newFile, rescueFolder.isEmpty() ? QByteArray() : QFile::encodeName(rescueFolder) + '/');
     if (auto result = file.examineTarget(); !result) {
         return tl::make_unexpected(result.error());
     }
@@ -140,16 +196,17 @@ Result<AtomicFile> AtomicFile::open(const QString &path, NewFile newFile, FileCa
     return file;
 }
 
-AtomicFile::AtomicFile(FileCalls &calls, QByteArray target, NewFile newFile)
-    : m_calls(&calls), m_target(std::move(target)), m_mode(mode_t(newFile))
+AtomicFile::AtomicFile(FileCalls &calls, QByteArray target, NewFile newFile, QByteArray rescueFolder)
+    : m_calls(&calls), m_target(std::move(target)), m_rescueFolder(std::move(rescueFolder)), m_mode(mode_t(newFile))
 {
     m_buffer.reserve(bufferSize);
 }
 
 AtomicFile::AtomicFile(AtomicFile &&other) noexcept
-    : m_calls(other.m_calls), m_target(std::move(other.m_target)), m_temporary(std::exchange(other.m_temporary, {})),
+    : m_calls(other.m_calls), m_target(std::move(other.m_target)), m_rescueFolder(std::move(other.m_rescueFolder)),
+      m_inPlace(other.m_inPlace), m_temporary(std::exchange(other.m_temporary, {})), m_note(std::exchange(other.m_note, {})),
       m_buffer(std::move(other.m_buffer)), m_hash(std::move(other.m_hash)), m_found(other.m_found), m_mode(other.m_mode),
-      m_file(std::exchange(other.m_file, -1)), m_targetExists(other.m_targetExists)
+      m_file(std::exchange(other.m_file, -1)), m_targetExists(other.m_targetExists), m_isDamaged(other.m_isDamaged)
 {}
 
 AtomicFile::~AtomicFile()
@@ -197,23 +254,45 @@ Result<void> AtomicFile::examineTarget()
         }
         return failed(error);
     }
+    m_inPlace = status.st_nlink > 1 && mayWriteInPlace() ? InPlace::hardLinks : InPlace::no;
     return {};
 }
 
 Result<void> AtomicFile::create()
 {
-    constexpr int attempts = 100;
-    int error = EEXIST;
-    for (int attempt = 0; attempt < attempts && error == EEXIST; ++attempt) {
-        const QByteArray name = folderOf(m_target) + ".quillet-" + QByteArray::number(QRandomGenerator::global()->generate64(), 36);
-        m_file = retried([&] { return m_calls->open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, m_mode); });
+    if (m_inPlace == InPlace::no) {
+        m_file = createIn(folderOf(m_target), temporaryBegin.toByteArray(), m_mode);
         if (m_file >= 0) {
-            m_temporary = name;
             return {};
         }
-        error = errno;
+        if (!mayWriteInPlace() || !(isForbidden(errno) || isUnsupported(errno))) {
+            return failed(errno);
+        }
+        m_inPlace = InPlace::folder;
     }
-    return failed(error);
+    makePrivateFolder(QFile::decodeName(m_rescueFolder.chopped(1)), *m_calls);
+    m_file = createIn(m_rescueFolder, {}, S_IRUSR | S_IWUSR);
+    return m_file >= 0 ? Result<void>() : failed(errno);
+}
+
+/// -1 with `errno`.
+int AtomicFile::createIn(const QByteArray &folder, const QByteArray &begin, mode_t mode)
+{
+    constexpr int attempts = 100;
+    const QByteArray end = begin.isEmpty() ? QByteArray(contentEnding.data(), contentEnding.size()) : QByteArray();
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        const QByteArray name = folder + begin + programMark(QCoreApplication::applicationPid()) +
+                                QByteArray::number(QRandomGenerator::global()->generate64(), 36) + end;
+        const int file = retried([&] { return m_calls->open(name.constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode); });
+        if (file >= 0) {
+            m_temporary = name;
+            return file;
+        }
+        if (errno != EEXIST) {
+            break;
+        }
+    }
+    return -1;
 }
 
 Result<void> AtomicFile::write(QByteArrayView bytes)
@@ -252,12 +331,33 @@ Result<void> AtomicFile::flushBuffer()
     return {};
 }
 
-Result<FileState> AtomicFile::commit(const std::optional<Expectation> &expected)
+Result<AtomicFile::Written> AtomicFile::commit(const std::optional<Expectation> &expected)
 {
     Q_ASSERT(m_file >= 0);
     if (auto result = flushBuffer(); !result) {
         return tl::make_unexpected(result.error());
     }
+    const bool isReplaced = m_inPlace == InPlace::no;
+    auto written = isReplaced ? replace(expected) : writeInPlace(expected);
+    if (!written && isReplaced && m_inPlace != InPlace::no) {
+        // What stood in the way of replacing it does not stand in the way of writing it.
+        written = moveToRescue().and_then([&] { return writeInPlace(expected); });
+    }
+    if (written) {
+        removeLeftBehind(folderOf(m_target), *m_calls);
+        const QString target = QFile::decodeName(m_target);
+        for (const RescuedFile &rescued : rescuedFiles(QFile::decodeName(m_rescueFolder))) {
+            if (rescued.target == target) {
+                removeRescued(rescued, *m_calls);
+            }
+        }
+    }
+    return written;
+}
+
+/// When it fails and `m_inPlace` says why, nothing has happened to the target, and it can be written in place.
+Result<AtomicFile::Written> AtomicFile::replace(const std::optional<Expectation> &expected)
+{
     if (auto result = takeOverIdentity(); !result) {
         return tl::make_unexpected(result.error());
     }
@@ -286,7 +386,7 @@ Result<FileState> AtomicFile::commit(const std::optional<Expectation> &expected)
     }
     m_temporary.clear();
     if (folder < 0) {
-        return state;
+        return Written{state};
     }
     const int error = retried([&] { return m_calls->fsync(folder); }) != 0 ? errno : 0;
     m_calls->close(folder);
@@ -295,7 +395,7 @@ Result<FileState> AtomicFile::commit(const std::optional<Expectation> &expected)
                                  qt_error_string(error)),
                        error);
     }
-    return state;
+    return Written{state};
 }
 
 /// By names in the folder that was opened, wherever that is now; by whole paths when it cannot be read.
@@ -324,7 +424,13 @@ Result<void> AtomicFile::replaceTarget(int folder, const std::optional<Expectati
             return failed(errno);
         }
     }
-    return m_calls->renameat(at, from.constData(), at, to.constData(), 0) == 0 ? Result<void>() : failed(errno);
+    if (m_calls->renameat(at, from.constData(), at, to.constData(), 0) == 0) {
+        return {};
+    }
+    if (mayWriteInPlace() && (isForbidden(errno) || errno == EBUSY || errno == EXDEV)) {
+        m_inPlace = InPlace::mount;
+    }
+    return failed(errno);
 }
 
 /// Whether there is a file. The last thing that is done here is a look at it.
@@ -404,10 +510,22 @@ Result<void> AtomicFile::takeOverIdentity()
     if (auto result = takeOverAttributes(); !result) {
         return result;
     }
-    if (m_calls->fchmod(m_file, *mode) != 0) {
-        return failed(errno);
+    return takeOverMode(*mode);
+}
+
+Result<void> AtomicFile::takeOverMode(mode_t mode)
+{
+    if (m_calls->fchmod(m_file, mode) == 0) {
+        return {};
     }
-    return {};
+    const int error = errno;
+    // Where all files of a mount have one mode, there is nothing to be set.
+    struct stat own = {};
+    if ((isForbidden(error) || isUnsupported(error)) && m_calls->fstat(m_file, &own) == 0 && (own.st_mode & permissionBits) == mode) {
+        return {};
+    }
+    m_inPlace = mayWriteInPlace() ? InPlace::attributes : InPlace::no;
+    return failed(error);
 }
 
 Result<mode_t> AtomicFile::takeOverOwner(const struct stat &wanted)
@@ -421,11 +539,19 @@ Result<mode_t> AtomicFile::takeOverOwner(const struct stat &wanted)
         if (errno != EPERM && !isUnsupported(errno)) {
             return failed(errno);
         }
+        if (mayWriteInPlace()) {
+            m_inPlace = InPlace::owner;
+            return failed(errno);
+        }
         // Another group must not get what was meant for the file's own, only what everybody has.
         mode = (mode & ~mode_t(S_IRWXG | S_ISGID)) | (mode & ((mode & S_IRWXO) << 3));
     }
     if (own.st_uid != wanted.st_uid && m_calls->fchown(m_file, wanted.st_uid, gid_t(-1)) != 0) {
         if (errno != EPERM && !isUnsupported(errno)) {
+            return failed(errno);
+        }
+        if (mayWriteInPlace()) {
+            m_inPlace = InPlace::owner;
             return failed(errno);
         }
         mode &= ~mode_t(S_ISUID);
@@ -458,6 +584,7 @@ Result<void> AtomicFile::takeOverAttributes()
         // Some attributes are the system's to give, and it gives them; but an access list is the user's word on who may read.
         const bool isOptional = errno == ENODATA || ((errno == EPERM || errno == EACCES || isUnsupported(errno)) && name != accessList);
         if (!isCopied && !isOptional) {
+            m_inPlace = mayWriteInPlace() ? InPlace::attributes : InPlace::no;
             return failed(errno);
         }
     }
@@ -473,21 +600,162 @@ Result<void> AtomicFile::closeTemporary()
     return {};
 }
 
+// In place
+
+Result<void> AtomicFile::moveToRescue()
+{
+    const QByteArray beside = std::exchange(m_temporary, {});
+    if (m_file >= 0) {
+        m_calls->close(std::exchange(m_file, -1));
+    }
+    const int file = retried([&] { return m_calls->open(beside.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW, 0); });
+    Result<void> moved = file < 0 ? failed(errno) : create();
+    if (file >= 0) {
+        if (moved) {
+            moved = copyPart(file, m_file, 0, std::numeric_limits<qint64>::max());
+        }
+        m_calls->close(file);
+    }
+    m_calls->unlink(beside.constData());
+    return moved;
+}
+
+Result<void> AtomicFile::copyPart(int from, int to, qint64 offset, qint64 count)
+{
+    if (m_calls->lseek(from, offset, SEEK_SET) != offset || m_calls->lseek(to, offset, SEEK_SET) != offset) {
+        return failed(errno);
+    }
+    QByteArray block(bufferSize, Qt::Uninitialized);
+    while (count > 0) {
+        const ssize_t length = retried([&] { return m_calls->read(from, block.data(), size_t(std::min<qint64>(block.size(), count))); });
+        if (length <= 0) {
+            return length == 0 ? Result<void>() : failed(errno);
+        }
+        count -= length;
+        for (ssize_t at = 0; at < length;) {
+            const ssize_t written = retried([&] { return m_calls->write(to, block.constData() + at, size_t(length - at)); });
+            if (written <= 0) {
+                return failed(written < 0 ? errno : ENOSPC);
+            }
+            at += written;
+        }
+    }
+    return {};
+}
+
+/// The content is in the folder for rescue, on disk, before the target is touched, and stays there until the target is on disk.
+Result<AtomicFile::Written> AtomicFile::writeInPlace(const std::optional<Expectation> &expected)
+{
+    if (retried([&] { return m_calls->fsync(m_file); }) != 0 && !isUnsupported(errno)) {
+        return failed(errno);
+    }
+    m_note = m_temporary.chopped(contentEnding.size()) + QByteArray(targetEnding.data(), targetEnding.size());
+    if (auto noted = writeAtomically(QFile::decodeName(m_note), m_target, NewFile::privateToUser, *m_calls); !noted) {
+        return tl::make_unexpected(noted.error());
+    }
+    if (expected) {
+        const auto exists = examineChanges(-1, *expected);
+        if (!exists) {
+            return tl::make_unexpected(exists.error());
+        }
+    }
+    const int target = retried([&] { return m_calls->open(m_target.constData(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0); });
+    if (target < 0) {
+        return failed(errno);
+    }
+    struct stat status = {};
+    Result<void> filled = m_calls->fstat(target, &status) == 0 ? Result<void>() : failed(errno);
+    if (filled) {
+        filled = S_ISREG(status.st_mode) ? fillTarget(target, status.st_size) : failed(EINVAL);
+    }
+    if (filled && m_calls->fstat(target, &status) != 0) {
+        filled = failed(errno);
+    }
+    const FileState state = FileState::of(status, m_hash.value());
+    if (m_calls->close(target) != 0 && errno != EINTR && filled) {
+        filled = failed(errno);
+    }
+    return filled.map([&] { return Written{state, m_inPlace}; });
+}
+
+/// What makes it longer comes first: when there is no room, it is as it was.
+Result<void> AtomicFile::fillTarget(int target, qint64 sizeBefore)
+{
+    const qint64 size = m_calls->lseek(m_file, 0, SEEK_END);
+    if (size < 0) {
+        return failed(errno);
+    }
+    if (auto longer = copyPart(m_file, target, sizeBefore, size - sizeBefore); !longer) {
+        std::ignore = m_calls->ftruncate(target, sizeBefore);
+        return longer;
+    }
+    auto filled = copyPart(m_file, target, 0, std::min(size, sizeBefore));
+    if (filled && size < sizeBefore && m_calls->ftruncate(target, size) != 0) {
+        filled = failed(errno);
+    }
+    if (filled && retried([&] { return m_calls->fsync(target); }) != 0 && !isUnsupported(errno)) {
+        filled = failed(errno);
+    }
+    return filled.map_error([&](const Error &error) {
+        m_isDamaged = true;
+        return Error{formatted(localized(u"“%@” could not be written to its end: %@. The text is kept, and comes back at the next start."),
+                               fileName(m_target), qt_error_string(error.code)),
+                     error.code};
+    });
+}
+
 void AtomicFile::discard()
 {
     if (m_file >= 0) {
         m_calls->close(std::exchange(m_file, -1));
     }
-    if (!m_temporary.isEmpty()) {
-        m_calls->unlink(m_temporary.constData());
-        m_temporary.clear();
+    // A target that was begun may be whole nowhere else.
+    for (QByteArray *path : {&m_temporary, &m_note}) {
+        if (!path->isEmpty() && !m_isDamaged) {
+            m_calls->unlink(path->constData());
+        }
+        path->clear();
+    }
+}
+
+QByteArray programMark(qint64 program)
+{
+    static const QByteArray machine =
+        QCryptographicHash::hash(QSysInfo::machineUniqueId() + QSysInfo::machineHostName().toUtf8(), QCryptographicHash::Sha1)
+            .toHex()
+            .first(8);
+    return machine + '-' + QByteArray::number(program) + '-';
+}
+
+std::vector<RescuedFile> rescuedFiles(const QString &folder)
+{
+    std::vector<RescuedFile> found;
+    if (folder.isEmpty()) {
+        return found;
+    }
+    const QDir files(folder);
+    for (const QString &name : files.entryList({u"*"_s + contentEnding}, QDir::Files, QDir::Time | QDir::Reversed)) {
+        QFile note(files.filePath(name.chopped(contentEnding.size()) + targetEnding));
+        if (note.open(QIODevice::ReadOnly)) {
+            found.push_back({.content = files.filePath(name),
+                             .target = QFile::decodeName(note.readAll()),
+                             .isBeingWritten = !isOfEndedProgram(QFile::encodeName(name))});
+        }
+    }
+    return found;
+}
+
+void removeRescued(const RescuedFile &rescued, FileCalls &calls)
+{
+    for (const QString &path : {rescued.content, rescued.content.chopped(contentEnding.size()) + targetEnding}) {
+        calls.unlink(QFile::encodeName(path).constData());
     }
 }
 
 Result<void> writeAtomically(const QString &path, QByteArrayView bytes, AtomicFile::NewFile newFile, FileCalls &calls)
 {
     return AtomicFile::open(path, newFile, calls).and_then([&](AtomicFile file) {
-        return file.write(bytes).and_then([&] { return file.commit(); }).map([](const FileState &) {});
+        return file.write(bytes).and_then([&] { return file.commit(); }).map([](const AtomicFile::Written &) {});
     });
 }
 

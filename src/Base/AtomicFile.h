@@ -10,15 +10,20 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <vector>
+
 /// Replaces a file as one step: whoever looks sees the old content or the new one, never a mixture, through crashes and power cuts too.
 ///
 /// The content goes to a temporary file in the same folder, is flushed to disk and renamed over the target; then the folder is
 /// flushed. Until `commit()` succeeds the target is untouched, and whatever fails, the temporary file is removed. (Only when the
-/// process is killed does one stay behind, hidden, its name beginning with ".quillet-".)
+/// process is killed does one stay behind, hidden, its name beginning with ".quillet-"; the next write in the folder removes it.)
 ///
-/// An existing target keeps its mode, its owner and group where the user may give files away, its ACL and its extended attributes;
-/// at no instant has anybody access to the content who may not read the target. A symbolic link stays and the file that it leads to is
-/// written, even when that does not exist yet. A hard link does not: after the rename the file's other names keep the old content.
+/// An existing target keeps its mode, its owner and group, its ACL and its extended attributes; at no instant has anybody access to the
+/// content who may not read the target. A symbolic link stays and the file that it leads to is written, even when that does not exist yet.
+///
+/// Where a rename would lose some of that or cannot work (hard links, a file of another owner, a folder that is read-only, a mounted
+/// file) the target is written in place, if there is a folder for rescue: there the content is on disk first, with the name of the target
+/// beside it, until the target is. Without such a folder the new file gets what can be given to it, or the write fails.
 ///
 /// What others wrote meanwhile is not replaced: commit() can be told what the file has to be, looks once more at the last moment, and
 /// fails with `changedError` when it is another.
@@ -37,7 +42,16 @@ public:
     /// `Error::code` of a commit that found another file than expected.
     static constexpr int changedError = 518;
 
-    [[nodiscard]] static Result<AtomicFile> open(const QString &path, NewFile newFile, FileCalls &calls);
+    /// Why a target was not replaced but written in place.
+    enum class InPlace { no, hardLinks, folder, owner, attributes, mount };
+    struct Written {
+        /// The file as it was before others could touch it.
+        FileState state;
+        InPlace inPlace = InPlace::no;
+    };
+
+    /// `rescueFolder` is empty where nothing may be written in place, else absolute; it is made when it is needed.
+    [[nodiscard]] static Result<AtomicFile> open(const QString &path, NewFile newFile, FileCalls &calls, const QString &rescueFolder = {});
     [[nodiscard]] static Result<AtomicFile> open(const QString &path, NewFile newFile) { return open(path, newFile, FileCalls::system()); }
 
     AtomicFile(AtomicFile &&other) noexcept;
@@ -47,9 +61,8 @@ public:
 
     /// After a failure the object is good for nothing but to be destroyed.
     [[nodiscard]] Result<void> write(QByteArrayView bytes);
-    /// Once, at the end; returns the file as it was before others could touch it. When the last of its steps fails, the folder's flush,
-    /// the new content is in place but may not be on disk.
-    [[nodiscard]] Result<FileState> commit(const std::optional<Expectation> &expected = std::nullopt);
+    /// Once, at the end. When the last of its steps fails, the folder's flush, the new content is in place but may not be on disk.
+    [[nodiscard]] Result<Written> commit(const std::optional<Expectation> &expected = std::nullopt);
     /// The target as it was found by a commit that failed with `changedError`.
     [[nodiscard]] const std::optional<FileState> &foundState() const { return m_found; }
 
@@ -57,14 +70,22 @@ public:
     [[nodiscard]] QString target() const;
 
 private:
-    AtomicFile(FileCalls &calls, QByteArray target, NewFile newFile);
+    AtomicFile(FileCalls &calls, QByteArray target, NewFile newFile, QByteArray rescueFolder);
 
     [[nodiscard]] Result<void> examineTarget();
+    [[nodiscard]] bool mayWriteInPlace() const { return m_targetExists && !m_rescueFolder.isEmpty(); }
     [[nodiscard]] Result<void> create();
+    [[nodiscard]] int createIn(const QByteArray &folder, const QByteArray &begin, mode_t mode);
     [[nodiscard]] Result<void> flushBuffer();
+    [[nodiscard]] Result<Written> replace(const std::optional<Expectation> &expected);
     [[nodiscard]] Result<void> takeOverIdentity();
     [[nodiscard]] Result<mode_t> takeOverOwner(const struct stat &wanted);
     [[nodiscard]] Result<void> takeOverAttributes();
+    [[nodiscard]] Result<void> takeOverMode(mode_t mode);
+    [[nodiscard]] Result<void> moveToRescue();
+    [[nodiscard]] Result<Written> writeInPlace(const std::optional<Expectation> &expected);
+    [[nodiscard]] Result<void> fillTarget(int target, qint64 sizeBefore);
+    [[nodiscard]] Result<void> copyPart(int from, int to, qint64 offset, qint64 count);
     [[nodiscard]] Result<void> closeTemporary();
     [[nodiscard]] Result<void> replaceTarget(int folder, const std::optional<Expectation> &expected);
     [[nodiscard]] Result<bool> examineChanges(int folder, const Expectation &expected);
@@ -75,8 +96,13 @@ private:
 
     FileCalls *m_calls;
     QByteArray m_target;
+    /// With its slash; empty for none.
+    QByteArray m_rescueFolder;
+    InPlace m_inPlace = InPlace::no;
     /// Empty when there is none (any more).
     QByteArray m_temporary;
+    /// Beside it, when that is in the folder for rescue: the name of the target.
+    QByteArray m_note;
     QByteArray m_buffer;
     ContentHash m_hash;
     std::optional<FileState> m_found;
@@ -84,6 +110,8 @@ private:
     mode_t m_mode;
     int m_file = -1;
     bool m_targetExists = false;
+    /// Some of the target was written, not all.
+    bool m_isDamaged = false;
 };
 
 /// `bytes` as the whole content of the file at `path`, in the manner of AtomicFile.
@@ -92,6 +120,19 @@ private:
 
 /// The path that writing through `path` reaches: symbolic links at its end are followed, also one that leads nowhere. Fails with ELOOP.
 [[nodiscard]] Result<QString> resolvedLinks(const QString &path);
+
+/// Contents on their way into files that were written in place, when their writers did not come to the end.
+struct RescuedFile {
+    /// Absolute; in the folder for rescue.
+    QString content;
+    QString target;
+    /// It may still come to the end.
+    bool isBeingWritten = false;
+};
+/// Names of temporary files begin with it, after what is common to all, so that others see whether their program still runs.
+[[nodiscard]] QByteArray programMark(qint64 program);
+[[nodiscard]] std::vector<RescuedFile> rescuedFiles(const QString &folder);
+void removeRescued(const RescuedFile &rescued, FileCalls &calls = FileCalls::system());
 
 /// Makes the folder `path` and what is missing above it, for the user only; then they are on disk. What fails shows when a file is written
 /// there.

@@ -35,6 +35,11 @@ off_t FileCalls::lseek(int file, off_t offset, int whence)
     return ::lseek(file, offset, whence);
 }
 
+int FileCalls::ftruncate(int file, off_t size)
+{
+    return ::ftruncate(file, size);
+}
+
 int FileCalls::fsync(int file)
 {
     return ::fsync(file);

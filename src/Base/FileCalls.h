@@ -18,6 +18,7 @@ public:
     virtual ssize_t read(int file, void *bytes, size_t count);
     virtual ssize_t write(int file, const void *bytes, size_t count);
     virtual off_t lseek(int file, off_t offset, int whence);
+    virtual int ftruncate(int file, off_t size);
     virtual int fsync(int file);
     virtual int close(int file);
     virtual int rename(const char *from, const char *to);

@@ -380,7 +380,7 @@ void EditorViewController::saveAgain()
     if (m_document->isUntitled()) {
         return;
     }
-    m_document->save(m_document->path(), [editor = QPointer(this)](const Result<void> &saved) {
+    m_document->save(m_document->path(), [editor = QPointer(this)](const Result<AtomicFile::InPlace> &saved) {
         if (editor && !saved && saved.error().code == AtomicFile::changedError) {
             emit editor->messageShown(saved.error().message, messageTime);
         } else if (editor && !saved) {

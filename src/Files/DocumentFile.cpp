@@ -11,9 +11,11 @@
 
 DocumentFile::WriteResult DocumentFile::write(const Snapshot &snapshot, FileCalls &files, const std::stop_token &stop)
 {
-    return TextFile::write(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding, files, {.expected = snapshot.expected})
-        .map([&](const FileState &state) {
-            return Written{.state = state, .identity = identityOf(snapshot.path), .hash = textHash(snapshot.text, stop)};
+    return TextFile::write(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding, files,
+                           {.expected = snapshot.expected, .rescueFolder = snapshot.rescueFolder})
+        .map([&](const AtomicFile::Written &done) {
+            return Written{
+                .state = done.state, .inPlace = done.inPlace, .identity = identityOf(snapshot.path), .hash = textHash(snapshot.text, stop)};
         });
 }
 
@@ -25,7 +27,7 @@ Result<QString> DocumentFile::copy(const Snapshot &snapshot, FileCalls &files)
             formatted(localized(u"There is no free name for a copy of “%@” in its folder."), QFileInfo(snapshot.path).fileName()));
     }
     return TextFile::write(snapshot.text, *copy, snapshot.encoding, snapshot.lineEnding, files)
-        .map([&](const FileState &) { return *copy; })
+        .map([&](const AtomicFile::Written &) { return *copy; })
         .map_error([](const TextFile::WriteError &error) { return Error(error); });
 }
 
@@ -61,9 +63,11 @@ bool DocumentFile::isStill(const QString &path, const FileState &state, FileCall
     if (state.isSurelySameAs(status)) {
         return true;
     }
-    if (!state.hash || status.st_size != state.stamp.size) {
-        return false;
-    }
+    return status.st_size == state.stamp.size && hasContent(path, state, files);
+}
+
+bool DocumentFile::hasContent(const QString &path, const FileState &state, FileCalls &files)
+{
     const auto read = TextFile::read(path, std::nullopt, files);
-    return read && read->state && read->state->hash == state.hash;
+    return state.hash && read && read->state && read->state->hash == state.hash;
 }

@@ -23,10 +23,13 @@ public:
         LineEnding lineEnding = LineEnding::lf;
         /// What the file has to be so that it may be written over; none when it may be anything.
         std::optional<AtomicFile::Expectation> expected = std::nullopt;
+        /// See AtomicFile::open().
+        QString rescueFolder = {};
     };
     struct Written {
         /// The file as it was written; what others did to it since is not in it.
         FileState state;
+        AtomicFile::InPlace inPlace = AtomicFile::InPlace::no;
         QString identity;
         /// None soon after a stop was requested.
         std::optional<quint64> hash;
@@ -52,6 +55,8 @@ public:
     [[nodiscard]] static QString identityOf(const QString &path);
     /// Also at the same time, since clocks tick a few times in a hundredth of a second only.
     [[nodiscard]] static bool hasChangedSince(const QString &path, const FileStamp &stamp, FileCalls &files);
+    /// The bytes are those of `state`. False for a file that cannot be read.
+    [[nodiscard]] static bool hasContent(const QString &path, const FileState &state, FileCalls &files = FileCalls::system());
     /// Nobody wrote the file since it was as in `state`, or only the same bytes. Reads the file where that has to be known; one that cannot
     /// be read counts as changed.
     [[nodiscard]] static bool isStill(const QString &path, const FileState &state, FileCalls &files);

@@ -373,8 +373,8 @@ private:
 };
 
 /// None when a character cannot be represented.
-Result<std::optional<FileState>, TextFile::WriteError> writeEncoded(const Rope &text, AtomicFile file, RopeEncoder encoder,
-                                                                    const TextFile::WriteOptions &options)
+Result<std::optional<AtomicFile::Written>, TextFile::WriteError> writeEncoded(const Rope &text, AtomicFile file, RopeEncoder encoder,
+                                                                              const TextFile::WriteOptions &options)
 {
     bool isRepresentable = true;
     Result<void> written;
@@ -394,7 +394,7 @@ Result<std::optional<FileState>, TextFile::WriteError> writeEncoded(const Rope &
     }
     return written.and_then([&] { return file.write(bytes); })
         .and_then([&] { return file.commit(options.expected); })
-        .map([](const FileState &state) { return std::optional(state); })
+        .map([](const AtomicFile::Written &done) { return std::optional(done); })
         .map_error([&](const Error &error) {
             return TextFile::WriteError{error, file.foundState()};
         });
@@ -477,7 +477,7 @@ TextFile::WriteResult TextFile::write(const Rope &text, const QString &path, Tex
         if (!encoder) {
             break;
         }
-        auto file = AtomicFile::open(path, options.newFile, calls);
+        auto file = AtomicFile::open(path, options.newFile, calls, options.rescueFolder);
         if (!file) {
             return tl::make_unexpected(WriteError{file.error()});
         }

@@ -78,12 +78,14 @@ public:
         AtomicFile::NewFile newFile = AtomicFile::NewFile::readableByOthers;
         /// None when any file may be replaced.
         std::optional<AtomicFile::Expectation> expected = std::nullopt;
+        /// See AtomicFile::open().
+        QString rescueFolder = {};
     };
     struct WriteError : Error {
         /// Of `AtomicFile::changedError`: the file that was found.
         std::optional<FileState> found = std::nullopt;
     };
-    using WriteResult = Result<FileState, WriteError>;
+    using WriteResult = Result<AtomicFile::Written, WriteError>;
 
     /// Writes `text`, whose breaks are LF, in the manner of AtomicFile. Characters that the encoding lacks are substituted, on purpose
     /// without a word. No byte-order mark is added, except by `TextEncoding::utf16`. Returns the file as it was before others could touch

@@ -345,6 +345,7 @@ void TextDocument::startSaving()
 {
     m_underWay = std::move(m_saves.front());
     m_saves.pop_front();
+    m_underWay->snapshot.rescueFolder = m_services.rescueFolder;
     // Who chose another name was asked about the file that has it.
     if (m_underWay->snapshot.path == m_path) {
         m_underWay->snapshot.expected = m_follower.expectation();
@@ -372,8 +373,10 @@ void TextDocument::endSaving(const DocumentFile::WriteResult &written)
     if (!written && written.error().code == AtomicFile::changedError) {
         showConflict(written.error().found);
     }
-    const Result<void> result =
-        written.map([](const DocumentFile::Written &) {}).map_error([](const TextFile::WriteError &error) { return Error(error); });
+    const Result<AtomicFile::InPlace> result =
+        written.map([](const DocumentFile::Written &done) { return done.inPlace; }).map_error([](const TextFile::WriteError &error) {
+            return Error(error);
+        });
     for (const SaveCompletion &completion : save.completions) {
         completion(result);
     }

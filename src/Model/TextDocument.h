@@ -38,6 +38,8 @@ struct DocumentServices {
     std::chrono::milliseconds timeout{0};
     /// What files are read and written with.
     FileCalls &files = FileCalls::system();
+    /// See AtomicFile::open().
+    QString rescueFolder = {};
     /// Another open document of the file with this identity; null for none. The store's own are given here by it.
     std::function<std::shared_ptr<TextDocument>(const QString &identity, const TextDocument &asking)> otherOfFile = {};
 };
@@ -167,8 +169,8 @@ public:
     TextRange lastSelectedRange;
     double lastScrollOffset = 0;
 
-    /// Called when a file was written, or could not be.
-    using SaveCompletion = std::function<void(const Result<void> &saved)>;
+    /// Called when a file was written, with how, or could not be.
+    using SaveCompletion = std::function<void(const Result<AtomicFile::InPlace> &saved)>;
     /// Called when a file was read, or could not be.
     using ReadCompletion = std::function<void(const Result<void, TextFile::ReadError> &read)>;
 

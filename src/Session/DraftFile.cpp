@@ -47,7 +47,7 @@ Result<void> DraftFile::write(const Rope &text, const QString &path, FileCalls &
         calls.unlink(name.constData());
     }
     return TextFile::write(text, path, TextEncoding::utf8, LineEnding::lf, calls, {.newFile = AtomicFile::NewFile::privateToUser})
-        .map([](const FileState &) {})
+        .map([](const AtomicFile::Written &) {})
         .map_error([](const TextFile::WriteError &error) { return Error(error); });
 }
 

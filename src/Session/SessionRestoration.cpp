@@ -16,7 +16,20 @@ class Restoration final {
 public:
     Restoration(const SessionStore::Saved &saved, SessionStore &store, DocumentStore &documents)
         : m_saved(saved), m_store(store), m_documents(documents), m_otherDrafts(saved.otherDrafts.begin(), saved.otherDrafts.end())
-    {}
+    {
+        // What killed programs were writing in place, unless they had come to the end.
+        for (const RescuedFile &rescued : rescuedFiles(store.rescueDirectory())) {
+            const auto content = TextFile::read(rescued.content);
+            if (rescued.isBeingWritten || !content) {
+                continue;
+            }
+            if (content->state && DocumentFile::hasContent(rescued.target, *content->state)) {
+                removeRescued(rescued);
+            } else {
+                m_rescued.insert_or_assign(rescued.target, Rescued{rescued, *content});
+            }
+        }
+    }
 
     std::vector<RestoredDocument> run(std::chrono::milliseconds timeout)
     {
@@ -29,6 +42,10 @@ public:
             if (m_otherDrafts.contains(name)) {
                 restoreDraft(name);
             }
+        }
+        while (!m_rescued.empty()) {
+            const QString path = m_rescued.begin()->first;
+            add({}, rescuedOf(path, QUuid::createUuid(), m_paths.contains(path) ? QString() : path), path);
         }
         const auto deadline = std::chrono::steady_clock::now() + timeout;
         for (Made &made : m_made) {
@@ -59,6 +76,9 @@ private:
                                        .encoding = TextEncoding(entry.encodingRawValue),
                                        .lineEnding = lineEndingWithRawValue(entry.lineEnding).value_or(LineEnding::lf)};
         std::unique_ptr<TextDocument> document = draftOf(entry, path, empty);
+        if (!document && m_rescued.contains(path)) {
+            document = rescuedOf(path, unusedId(entry.id), path);
+        }
         if (!document) {
             if (path.isEmpty()) {
                 return;
@@ -102,6 +122,16 @@ private:
         return document;
     }
 
+    /// Unsaved text of the file at `shownPath`, or of none where the file has a draft too.
+    std::unique_ptr<TextDocument> rescuedOf(const QString &path, const QUuid &id, const QString &shownPath)
+    {
+        Rescued rescued = std::move(m_rescued.extract(path).mapped());
+        rescued.contents.state.reset();
+        auto document = TextDocument::fromDraft(m_documents.services(), shownPath, rescued.contents, id, FileStamp());
+        m_store.adoptRescued(*document, rescued.file);
+        return document;
+    }
+
     void restoreDraft(const QString &name)
     {
         const auto text = m_store.draft(name);
@@ -139,10 +169,17 @@ private:
         }
     }
 
+    struct Rescued {
+        RescuedFile file;
+        TextFile::Contents contents;
+    };
+
     const SessionStore::Saved &m_saved;
     SessionStore &m_store;
     DocumentStore &m_documents;
     std::set<QString> m_otherDrafts;
+    /// By their targets.
+    std::map<QString, Rescued> m_rescued;
     std::set<QUuid> m_ids;
     std::set<QString> m_paths;
     std::vector<Made> m_made;

@@ -429,6 +429,20 @@ void SessionStore::Queue::writeText(const QString &name, const Rope &text)
     note(Problem::Kind::drafts, result);
 }
 
+void SessionStore::adoptRescued(const TextDocument &document, const RescuedFile &rescued)
+{
+    const auto name = writeDraft(document);
+    if (!name) {
+        return;
+    }
+    m_thread->start([queue = m_queue, name = *name, rescued] {
+        const std::lock_guard lock(queue->mutex);
+        if (!queue->failedDrafts.contains(name)) {
+            removeRescued(rescued, queue->calls);
+        }
+    });
+}
+
 void SessionStore::discardDraft(const QUuid &document)
 {
     const QString name = DraftFile::nameFor(document);

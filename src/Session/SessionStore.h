@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/AtomicFile.h"
 #include "Base/FileCalls.h"
 #include "Base/FileStamp.h"
 #include "Base/Result.h"
@@ -68,6 +69,8 @@ public:
     // Where it writes; beside an owner that is a place of its own, once there is something to keep.
     [[nodiscard]] QString draftsDirectory() const;
     [[nodiscard]] QString snapshotPath() const;
+    /// For AtomicFile.
+    [[nodiscard]] QString rescueDirectory() const { return m_root + QStringLiteral("/Rescue"); }
 
     /// False while another program owns the folder, when it is not the user's alone, and after a snapshot that can neither be read nor
     /// moved out of the way.
@@ -95,6 +98,8 @@ public:
     /// Writes the document's unsaved text and returns the name for the snapshot. None, and the draft goes, when all is saved; none, and
     /// nothing is touched, when drafts are not wanted or nobody saves the document.
     std::optional<QString> writeDraft(const TextDocument &document);
+    /// `document` has the text of `rescued`, which goes when the draft is written.
+    void adoptRescued(const TextDocument &document, const RescuedFile &rescued);
     /// The text is safe elsewhere, or not wanted any more.
     void discardDraft(const QUuid &document);
     /// Then deletes the drafts that it does not name. When the store was given the same last, and all is well with that, it only sees to it

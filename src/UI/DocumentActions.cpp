@@ -39,6 +39,27 @@ QString nameOf(const QString &path)
     return QFileInfo(path).fileName();
 }
 
+/// Empty for a file that was replaced as a whole.
+QString remarkOn(AtomicFile::InPlace inPlace)
+{
+    using InPlace = AtomicFile::InPlace;
+    switch (inPlace) {
+    case InPlace::no:
+        return {};
+    case InPlace::hardLinks:
+        return localized(u"Saved in place, so that the file keeps its other names (hard links)");
+    case InPlace::folder:
+        return localized(u"Saved in place, because the folder of the file cannot be written to");
+    case InPlace::owner:
+        return localized(u"Saved in place, so that the file keeps its owner");
+    case InPlace::attributes:
+        return localized(u"Saved in place, so that the file keeps its permissions");
+    case InPlace::mount:
+        return localized(u"Saved in place, because the file cannot be replaced where it is");
+    }
+    Q_UNREACHABLE();
+}
+
 } // namespace
 
 DocumentActions::DocumentActions(const WorkspaceServices &services, const PaneLayout &layout, QWidget &widget)
@@ -212,12 +233,13 @@ void DocumentActions::save(TextDocument &document, const Completion &completion)
         saveAs(document, completion);
         return;
     }
-    document.save(document.path(), [self = QPointer(this), completion](const Result<void> &saved) {
+    document.save(document.path(), [self = QPointer(this), completion](const Result<AtomicFile::InPlace> &saved) {
         if (!self) {
             return;
         }
         if (saved) {
-            emit self->messageShown(localized(u"Saved"), shortFlash);
+            const QString remark = remarkOn(*saved);
+            emit self->messageShown(remark.isEmpty() ? localized(u"Saved") : remark, remark.isEmpty() ? shortFlash : longFlash);
         } else {
             self->presentSaveError(saved.error());
         }
@@ -241,7 +263,7 @@ void DocumentActions::saveAs(TextDocument &document, const Completion &completio
 
 void DocumentActions::saveAt(const QString &path, TextDocument &document, const Completion &completion)
 {
-    document.save(path, [self = QPointer(this), path, completion](const Result<void> &saved) {
+    document.save(path, [self = QPointer(this), path, completion](const Result<AtomicFile::InPlace> &saved) {
         if (!self) {
             return;
         }

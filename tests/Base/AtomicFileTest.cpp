@@ -44,6 +44,21 @@ protected:
     }
 
     [[nodiscard]] Result<void> save(const QString &name) const { return save(name, FileCalls::system()); }
+
+    [[nodiscard]] QString rescueFolder() const { return path(u"rescue"_s); }
+    /// Where it cannot be replaced, in place.
+    [[nodiscard]] Result<AtomicFile::Written> saveAnyhow(const QString &name, FileCalls &calls) const
+    {
+        return AtomicFile::open(path(name), AtomicFile::NewFile::readableByOthers, calls, rescueFolder()).and_then([](AtomicFile file) {
+            return file.write(newContent).and_then([&] { return file.commit(); });
+        });
+    }
+    void putLinked(const QByteArray &content) const
+    {
+        QFile::remove(path(u"b"_s));
+        put(u"a"_s, content);
+        ASSERT_EQ(::link(bytePath(u"a"_s).constData(), bytePath(u"b"_s).constData()), 0);
+    }
 };
 
 /// All files belong to somebody else, who may be given some more or not.
@@ -147,6 +162,82 @@ TEST_F(AtomicFileTest, AKillBetweenAnyTwoStepsLeavesOldOrNew)
     umask(mask);
     EXPECT_GE(oldOnes, 15);
     EXPECT_GE(newOnes, 2);
+}
+
+TEST_F(AtomicFileTest, WritesInPlaceWhatCannotBeReplaced)
+{
+    using InPlace = AtomicFile::InPlace;
+    struct Case {
+        const char *call;
+        int error;
+        InPlace expected;
+    };
+    const Case cases[] = {{"", 0, InPlace::no},           {"rename", EBUSY, InPlace::mount}, {"rename", EXDEV, InPlace::mount},
+                          {"fchmod", EPERM, InPlace::no}, {"fchmod", ENOTSUP, InPlace::no},  {"fsetxattr", EIO, InPlace::attributes},
+                          {"fsync", EINVAL, InPlace::no}, {"open", EROFS, InPlace::folder}};
+    for (const Case &tested : cases) {
+        SCOPED_TRACE(std::string(tested.call) + " " + std::to_string(tested.error));
+        putOld(u"a"_s, 0600);
+        ASSERT_EQ(setxattr(bytePath(u"a"_s).constData(), "user.note", "1", 1, 0), 0);
+        struct stat before = {};
+        struct stat after = {};
+        ::stat(bytePath(u"a"_s).constData(), &before);
+        FaultyCalls calls;
+        bool isFirst = true;
+        calls.before = [&](const char *call) {
+            const bool isMeant = std::strcmp(call, tested.call) == 0;
+            // Once where the folder for rescue needs the call as well.
+            const bool isOnce = tested.expected == InPlace::folder || tested.expected == InPlace::mount;
+            return isMeant && (!isOnce || std::exchange(isFirst, false)) ? tested.error : 0;
+        };
+        // The mode of the new file is the target's already where it cannot be set.
+        const auto written = saveAnyhow(u"a"_s, calls);
+        ASSERT_TRUE(written) << written.error().message.toStdString();
+        ::stat(bytePath(u"a"_s).constData(), &after);
+        EXPECT_EQ(written->inPlace, tested.expected);
+        EXPECT_EQ(after.st_ino == before.st_ino, tested.expected != InPlace::no);
+        EXPECT_TRUE(FileState::of(after, written->state.hash).stamp == written->state.stamp);
+        EXPECT_EQ(read(u"a"_s), newContent);
+        EXPECT_EQ(mode(u"a"_s), 0600U);
+        EXPECT_EQ(attribute(bytePath(u"a"_s), "user.note"), "1");
+        EXPECT_EQ(temporaries() + QDir(rescueFolder()).entryList(QDir::Files), QStringList());
+    }
+    putLinked(oldContent);
+    EXPECT_EQ(saveAnyhow(u"a"_s, FileCalls::system())->inPlace, InPlace::hardLinks);
+    EXPECT_EQ(read(u"b"_s), newContent);
+    QFile::remove(path(u"b"_s));
+    OthersFiles others;
+    others.error = EPERM;
+    EXPECT_EQ(saveAnyhow(u"a"_s, others)->inPlace, InPlace::owner);
+}
+
+TEST_F(AtomicFileTest, WhateverHappensInPlaceTheContentIsSomewhere)
+{
+    const QByteArray longer = newContent + oldContent;
+    int damaged = 0;
+    for (const QByteArray &before : {oldContent, longer}) {
+        for (const bool isKill : {false, true}) {
+            for (int step = 1;; ++step) {
+                putLinked(before);
+                FaultyCalls calls;
+                (isKill ? calls.killAt : calls.failAt) = step;
+                calls.portion = 100'000;
+                const auto written = saveAnyhow(u"a"_s, calls);
+                SCOPED_TRACE(calls.failedCall + " at step " + std::to_string(step));
+                const QByteArray now = read(u"b"_s);
+                const std::vector<RescuedFile> rescued = rescuedFiles(rescueFolder());
+                const bool isRescued = rescued.size() == 1 && rescued[0].target == path(u"a"_s) && read(rescued[0].content) == newContent;
+                EXPECT_TRUE(now == before || now == newContent || isRescued);
+                EXPECT_TRUE(!written || now == newContent);
+                damaged += now != before && now != newContent ? 1 : 0;
+                QDir(rescueFolder()).removeRecursively();
+                if (calls.steps < step) {
+                    break;
+                }
+            }
+        }
+    }
+    EXPECT_GE(damaged, 4) << "else nothing was rescued";
 }
 
 TEST_F(AtomicFileTest, ContentIsOnDiskBeforeItGetsTheName)

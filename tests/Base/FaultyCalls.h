@@ -27,6 +27,7 @@ public:
     ssize_t read(int file, void *bytes, size_t count) override { return step("read", &FileCalls::read, file, bytes, cut(count)); }
     ssize_t write(int file, const void *bytes, size_t count) override { return step("write", &FileCalls::write, file, bytes, cut(count)); }
     off_t lseek(int file, off_t offset, int whence) override { return step("lseek", &FileCalls::lseek, file, offset, whence); }
+    int ftruncate(int file, off_t size) override { return step("ftruncate", &FileCalls::ftruncate, file, size); }
     int fsync(int file) override { return step("fsync", &FileCalls::fsync, file); }
     int rename(const char *from, const char *to) override { return step("rename", &FileCalls::rename, from, to); }
     int renameat(int fromFolder, const char *from, int toFolder, const char *to, unsigned flags) override

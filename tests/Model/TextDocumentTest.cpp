@@ -347,7 +347,8 @@ TEST_F(DocumentTest, WhatIsSavedIsTheTextOfThatMoment)
     TextDocument &document = open("text\n");
     QStringList answers;
     const auto save = [&](const QString &name) {
-        document.save(file, [&answers, name](const Result<void> &saved) { answers << (saved ? name : saved.error().message); });
+        document.save(file,
+                      [&answers, name](const Result<AtomicFile::InPlace> &saved) { answers << (saved ? name : saved.error().message); });
     };
     type(document, u"a"_s);
     workers.isHeld = true;

@@ -163,6 +163,41 @@ TEST_F(SessionKeeperTest, WhatOthersDidToAFileIsKnownAfterTheNextStart)
     }
 }
 
+TEST_F(SessionKeeperTest, AFileThatWasBeingWrittenInPlaceComesBackWhole)
+{
+    const auto file = addFile(u"a.txt"_s, u"theirs"_s);
+    const QString other = put(u"b.txt"_s, "written to its end");
+    showInWindow({file});
+    keeper.performAutosave();
+    expectWritten(*store);
+    // By a program that has ended; nobody has this number.
+    const QByteArray mark = programMark(99'999'999);
+    for (const auto &[name, target, content] :
+         {std::tuple(u"1"_s, file->path(), "the whole text"), std::tuple(u"2"_s, other, "written to its end"),
+          std::tuple(u"3"_s, path(u"gone.txt"_s), "of a file that is gone")}) {
+        const QString base = u"Rescue/"_s + QString::fromLatin1(mark) + name;
+        put(base + u".content"_s, content);
+        put(base + u".target"_s, target.toUtf8());
+    }
+    put(u"a.txt"_s, "the wh");
+    store.reset();
+    store = open();
+    DocumentStore restored(services, {});
+    SessionKeeper next(scheduler, notifications, preferences, restored, *store);
+    std::ignore = next.restore();
+    settle();
+    QStringList texts;
+    for (const auto &document : restored.documents()) {
+        texts << QFileInfo(document->path()).fileName() + u": "_s + document->storage().string();
+        EXPECT_TRUE(document->hasUnsavedText());
+        EXPECT_NE(document->externalState(), TextDocument::ExternalState::none) << "the banner asks";
+    }
+    EXPECT_EQ(texts, (QStringList{u"a.txt: the whole text"_s, u"gone.txt: of a file that is gone"_s}));
+    expectWritten(*store);
+    EXPECT_EQ(names(u"Rescue"_s), QStringList());
+    EXPECT_EQ(drafts().size(), 2);
+}
+
 TEST_F(SessionKeeperTest, NonsenseInASnapshotLosesNoText)
 {
     const Documents all = {add(u"a"_s), add(u"b"_s), add(u"c"_s)};
