@@ -39,11 +39,17 @@ struct Surroundings : TestFolder {
     SessionStore session;
     std::optional<Appearance> desktopAppearance;
     int appearanceQueries = 0;
-    DocumentStore documents{
-        {scheduler, notifications, preferences, workers, watchers, [this](const QUuid &id) { session.discardDraft(id); }}, [this] {
-            ++appearanceQueries;
-            return desktopAppearance;
-        }};
+    DocumentStore documents{{.scheduler = scheduler,
+                             .notifications = notifications,
+                             .preferences = preferences,
+                             .workers = workers,
+                             .watchers = watchers,
+                             .discardDraft = [this](const QUuid &id) { session.discardDraft(id); },
+                             .bringBack = [this](const QString &path) { keeper.bringBack(path); }},
+                            [this] {
+                                ++appearanceQueries;
+                                return desktopAppearance;
+                            }};
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
     FindState find;
     VimRegisters registers{pasteboard, preferences};

@@ -116,7 +116,8 @@ struct Program::Parts {
                              .watchers = watchers,
                              .discardDraft = [this](const QUuid &id) { session.discardDraft(id); },
                              .timeout = fileTimeout,
-                             .rescueFolder = session.rescueDirectory()},
+                             .rescueFolder = session.rescueDirectory(),
+                             .bringBack = [this](const QString &path) { keeper.bringBack(path); }},
                             [this] { return appearance.current(); }};
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
 

@@ -6,6 +6,8 @@
 
 #include <QDir>
 
+#include <set>
+
 DocumentStore::DocumentStore(const DocumentServices &services, AppearanceQuery appearance)
     : m_services(services), m_appearance(std::move(appearance)), m_theme(&resolvedTheme()),
       m_preferencesObserver(m_services.notifications.observe(Preferences::didChange, nullptr, [this] { refreshAppearance(); }))
@@ -32,6 +34,13 @@ std::vector<DocumentStore::OpenResult> DocumentStore::open(const QStringList &pa
     constexpr qsizetype mostAtOnce = 16;
     const auto deadline = std::chrono::steady_clock::now() + timeout;
     std::vector<OpenResult> all;
+    std::set<const TextDocument *> broughtBack;
+    for (const QString &path : paths) {
+        if (m_services.bringBack && !documentAt(path)) {
+            m_services.bringBack(path);
+            broughtBack.insert(documentAt(path).get());
+        }
+    }
     for (qsizetype first = 0; first < paths.size(); first += mostAtOnce) {
         const QStringList portion = paths.mid(first, mostAtOnce);
         std::vector<std::unique_ptr<TextDocument>> readings;
@@ -43,7 +52,10 @@ std::vector<DocumentStore::OpenResult> DocumentStore::open(const QStringList &pa
             if (reading) {
                 std::ignore = reading->requests().waitUntil(FileRequests::Kind::arrival, deadline);
             }
-            all.push_back(takeOpened(portion[index], std::move(reading)));
+            all.push_back(takeOpened(portion[index], std::move(reading)).map([&](Opened opened) {
+                opened.isBroughtBack = broughtBack.contains(opened.document.get());
+                return opened;
+            }));
         }
     }
     return all;

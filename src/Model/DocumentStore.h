@@ -33,10 +33,12 @@ public:
     struct Opened {
         std::shared_ptr<TextDocument> document;
         bool isNew = false;
+        /// Its text was kept by an earlier program, unsaved.
+        bool isBroughtBack = false;
     };
     using OpenResult = Result<Opened, TextFile::ReadError>;
-    /// The documents of files, which are read where they are not open yet; one for each of `paths`, which are absolute. Files that are not
-    /// read within `timeout` still are waiting.
+    /// The documents of files, which are read where they are not open yet, nor kept unsaved; one for each of `paths`, which are absolute.
+    /// Files that are not read within `timeout` still are waiting.
     [[nodiscard]] std::vector<OpenResult> open(const QStringList &paths, std::chrono::milliseconds timeout);
     /// Gives the document up, and what was kept of it elsewhere. Nothing happens when it is not here.
     void remove(const TextDocument &document);

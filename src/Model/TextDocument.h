@@ -40,6 +40,8 @@ struct DocumentServices {
     FileCalls &files = FileCalls::system();
     /// See AtomicFile::open().
     QString rescueFolder = {};
+    /// Adds to the store what an earlier program kept of the file's text and nobody has brought back yet, if there is such a text.
+    std::function<void(const QString &path)> bringBack = {};
     /// Another open document of the file with this identity; null for none. The store's own are given here by it.
     std::function<std::shared_ptr<TextDocument>(const QString &identity, const TextDocument &asking)> otherOfFile = {};
 };

@@ -133,3 +133,13 @@ std::optional<WindowLayout> SessionKeeper::restore()
     const std::vector<RestoredDocument> restored = restoreDocuments(saved, m_store, m_documents);
     return restored.empty() ? std::nullopt : std::optional(layoutOf(saved.snapshot.value_or(SessionSnapshot()), restored));
 }
+
+void SessionKeeper::bringBack(const QString &path)
+{
+    if (!m_preferences.value(Settings::restoreSession)) {
+        return;
+    }
+    if (const auto entry = m_store.takeCarriedOver(path)) {
+        std::ignore = restoreDocuments({.snapshot = SessionSnapshot{.documents = {*entry}}}, m_store, m_documents);
+    }
+}

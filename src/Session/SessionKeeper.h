@@ -65,6 +65,8 @@ public:
 
     /// Once, before anything is kept: what earlier programs left. None when that is nothing, or not wanted.
     [[nodiscard]] std::optional<WindowLayout> restore();
+    /// The same for the text of one file, when restore() was not called.
+    void bringBack(const QString &path);
 
 private:
     void startTimer();

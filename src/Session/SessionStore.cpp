@@ -307,6 +307,16 @@ void SessionStore::carryOver()
     }
 }
 
+std::optional<SessionStore::Snapshot::Document> SessionStore::takeCarriedOver(const QString &path)
+{
+    carryOver();
+    const auto isOfFile = [name = QDir::cleanPath(path)](const Snapshot::Document &document) {
+        return document.filePath && QDir::cleanPath(*document.filePath) == name;
+    };
+    const auto found = std::ranges::find_if(m_carriedOver, isOfFile);
+    return found == m_carriedOver.end() ? std::nullopt : std::optional(m_carriedOver.takeAt(found - m_carriedOver.begin()));
+}
+
 bool SessionStore::setAside(const QString &folder)
 {
     makePrivateFolder(folder, m_calls);

@@ -86,6 +86,8 @@ public:
     /// Once. A snapshot that cannot be read is moved to a folder of its own, with all drafts. When this was not called before anything is
     /// written, what it would have returned is carried over: texts that were not saved are in the next snapshots too.
     [[nodiscard]] Saved read();
+    /// What was carried over of the unsaved text of the file at `path`, which is absolute; from now on that is the caller's.
+    [[nodiscard]] std::optional<Snapshot::Document> takeCarriedOver(const QString &path);
     /// A draft's text; none when the name is none of a draft, or when it cannot be read: then it is left where it is.
     [[nodiscard]] std::optional<Rope> draft(const QString &name);
     /// When the draft was written; none when that is unknown.

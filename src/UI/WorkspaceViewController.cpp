@@ -21,6 +21,8 @@
 
 namespace {
 
+constexpr std::chrono::seconds broughtBackFlash{5};
+
 constexpr QSize startSize(1000, 680);
 /// No divider comes closer to another one, or to the window's edge, as long as there is room.
 constexpr int leastPaneExtent = 180;
@@ -357,6 +359,10 @@ PaneLayout::Documents WorkspaceViewController::openWithin(std::chrono::milliseco
             continue;
         }
         shown.push_back(opened->document);
+        if (opened->isBroughtBack) {
+            m_statusBar->flash(formatted(localized(u"The unsaved changes of “%@” are back"), opened->document->displayName()),
+                               broughtBackFlash);
+        }
         if (opened->isNew && opened->document->isWaiting()) {
             reportWhenArrived(*opened->document);
         } else if (opened->isNew) {

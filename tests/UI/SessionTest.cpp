@@ -197,6 +197,24 @@ TEST_F(SessionTest, FilesOpenBesideTheSessionOrInItsPlace)
     EXPECT_EQ(start()->texts(), (QStringList{u"b"_s, u"typed"_s})) << "the unsaved text was carried over";
 }
 
+TEST_F(SessionTest, AFileWithUnsavedTextOpensWithThat)
+{
+    const QString file = put(u"a.txt"_s, "a");
+    {
+        auto run = start({file});
+        run->type(u"typed "_s);
+        run->tick();
+    }
+    put(u"a.txt"_s, "theirs");
+    auto run = start({file}, [](Life &life) { life.preferences.set(Settings::restoreSessionWhenOpeningFiles, false); });
+    EXPECT_EQ(run->texts(), QStringList{u"typed a"_s});
+    run->tick();
+    run->tick();
+    EXPECT_EQ(run->workspace().currentDocument()->externalState(), TextDocument::ExternalState::conflicted);
+    run->workspace().open({file});
+    EXPECT_EQ(run->texts(), QStringList{u"typed a"_s}) << "one tab";
+}
+
 TEST_F(SessionTest, WhatASecondProgramWasKilledWithComesBackWhenNoOtherRuns)
 {
     const QString file = put(u"a.txt"_s, "a");
