@@ -2,11 +2,17 @@
 // SPDX-License-Identifier: MIT
 #include "Desktop/SystemAppearance.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
 #include <QGuiApplication>
 #include <QPalette>
+#include <QProcess>
 
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
 using testing::ElementsAre;
 
 namespace {
@@ -47,7 +53,51 @@ protected:
     }
 };
 
+/// Before it says that the scheme is light, it says that it has become dark.
+class FakePortal final : public QDBusVirtualObject {
+public:
+    QString introspect(const QString & /*path*/) const override { return {}; }
+    bool handleMessage(const QDBusMessage &question, const QDBusConnection &bus) override
+    {
+        const QVariantList setting = question.arguments();
+        const bool isScheme = setting.at(1) == u"color-scheme"_s;
+        if (isScheme) {
+            QDBusMessage change = QDBusMessage::createSignal(question.path(), question.interface(), u"SettingChanged"_s);
+            change.setArguments(setting + QVariantList{wrapped(1U)});
+            bus.send(change);
+        }
+        return bus.send(question.createReply(wrapped(wrapped(isScheme ? 2U : 1U)))); // as older ones wrap it
+    }
+
+private:
+    static QVariant wrapped(const QVariant &value) { return QVariant::fromValue(QDBusVariant(value)); }
+};
+
 } // namespace
+
+TEST(PortalAppearanceSource, AChangeIsNewerThanTheAnswerThatComesAfterIt)
+{
+    QProcess daemon;
+    daemon.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
+    ASSERT_TRUE(daemon.waitForReadyRead());
+    const QByteArray address = daemon.readLine().trimmed();
+    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+    QDBusConnection bus = QDBusConnection::connectToBus(QString::fromUtf8(address), u"portal"_s);
+    FakePortal portal;
+    ASSERT_TRUE(bus.registerVirtualObject(u"/org/freedesktop/portal/desktop"_s, &portal));
+    ASSERT_TRUE(bus.registerService(u"org.freedesktop.portal.Desktop"_s));
+
+    PortalAppearanceSource source;
+    RequestedAppearance requested;
+    source.start([&requested](const RequestedAppearance &now) { requested = now; });
+    while (!requested.hasHighContrast) { // what is asked last
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    EXPECT_EQ(requested.scheme, Appearance::dark);
+    QDBusConnection::disconnectFromBus(bus.name());
+    daemon.kill();
+    daemon.waitForFinished();
+}
 
 TEST_F(SystemAppearanceTest, GoesByThePaletteWhereTheDesktopSaysNothing)
 {
