@@ -98,6 +98,13 @@ TEST(TextEdits, RandomEditsDoWhatTheyWouldOneByOne)
     }
 }
 
+TEST(TextEdits, ADifferencePartsNoPair)
+{
+    // The first shares the high half, the second the low one.
+    for (const QString &other : {u"a\U0001F601b"_s, u"a\U0001FA00b"_s})
+        EXPECT_EQ(TextEdits::difference(Rope(u"a\U0001F600b"), Rope(other))[0].range, (TextRange{1, 2}));
+}
+
 TEST(TextEdits, RangesKeepOutWhatIsInsertedAtTheirEnds)
 {
     TextEdits edits({2, 0}, u"abc");
