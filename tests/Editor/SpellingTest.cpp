@@ -189,11 +189,14 @@ TEST_F(SpellingTest, SearchesALargeTextInSlices)
     EXPECT_EQ(editor->view.selection().range(), (TextRange{text.size(), 3}));
 
     // Who moves or types meanwhile has other plans.
-    for (const QString &keys : {u"<Right>"_s, u"<Del>"_s}) {
+    for (const QString &keys : {u"<Right>"_s, u"<Del>"_s, u""_s}) {
         editor->view.setSelection(TextSelection::at(0));
         spelling->checkSpelling();
         ASSERT_EQ(spelling->outcome(), Outcome::searching);
         sendKeys(editor->view, keys);
+        if (keys.isEmpty()) {
+            editor->storage.apply({{0, 1}, QStringView()}); // in another view
+        }
         const TextSelection selection = editor->view.selection();
         for (int turn = 0; turn < 100; ++turn) {
             settle();

@@ -239,7 +239,7 @@ TEST_F(DocumentTest, NoticesWhatOthersDo)
     }
 }
 
-TEST_F(DocumentTest, WhatWasReadBeforeASaveIsNotTakenAfterIt)
+TEST_F(DocumentTest, WhatWasReadBeforeASaveOrAnEditIsNotTakenAfterIt)
 {
     TextDocument &document = open("text\n");
     type(document, u"x"_s);
@@ -257,6 +257,14 @@ TEST_F(DocumentTest, WhatWasReadBeforeASaveIsNotTakenAfterIt)
     EXPECT_TRUE(document.undoManager().canUndo());
     EXPECT_EQ(document.externalState(), TextDocument::ExternalState::none);
     EXPECT_EQ(takeHeard(), QString());
+
+    workers.isHeld = true;
+    put(file, "xtext\n");
+    settle();
+    type(document, u"y"_s);
+    finishWork();
+    finishWork();
+    EXPECT_EQ(document.externalState(), TextDocument::ExternalState::conflicted) << "compared anew, with what is there now";
 }
 
 TEST_F(DocumentTest, WritesOverNothingThatTheUserWasNotShown)

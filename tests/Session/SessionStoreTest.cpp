@@ -512,19 +512,20 @@ TEST_F(SessionStoreTest, AFullDiskIsReportedOnceAndTriedAgain)
     keep(*store, {text.get()});
     calls.before = [](const char *call) { return std::string(call) == "write" ? ENOSPC : 0; };
     edit(*text, u"new"_s);
+    const auto other = document(u"other"_s, secondId);
     for (int tick = 0; tick < 3; ++tick) {
-        keep(*store, {text.get()});
+        keep(*store, {text.get(), other.get()});
     }
     QCoreApplication::processEvents();
     EXPECT_EQ(problems, std::vector{ENOSPC});
     EXPECT_FALSE(store->keepsUnsavedText());
     EXPECT_EQ(draftOf(firstId), "old") << "better than none";
     calls.before = nullptr;
-    keep(*store, {text.get()});
+    keep(*store, {text.get(), other.get()});
     QCoreApplication::processEvents();
     EXPECT_TRUE(store->keepsUnsavedText());
     EXPECT_EQ(draftOf(firstId), "new");
-    EXPECT_EQ(drafts().size(), 1);
+    EXPECT_EQ(drafts().size(), 2);
     EXPECT_EQ(problems.size(), 1U);
 }
 
