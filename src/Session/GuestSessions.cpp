@@ -25,6 +25,11 @@ QString lockOf(const QString &folder)
     return folder + u"/session.lock"_s;
 }
 
+QStringList editsIn(const QString &folder)
+{
+    return QDir(folder + u"/Journal"_s).entryList({u"*.journal"_s}, QDir::Files);
+}
+
 QStringList textsIn(const QString &folder)
 {
     return QDir(folder + u"/Drafts"_s).entryList({u"*.draft"_s}, QDir::Files);
@@ -40,7 +45,7 @@ public:
     [[nodiscard]] bool run()
     {
         // The entries first: a draft that none names would come back without its file.
-        return takeEntries() && moveDrafts();
+        return takeEntries() && moveDrafts() && moveEdits();
     }
 
 private:
@@ -103,6 +108,19 @@ private:
         return true;
     }
 
+    [[nodiscard]] bool moveEdits()
+    {
+        const QStringList names = editsIn(m_folder);
+        const QString target = m_root + u"/Journal"_s;
+        if (!names.isEmpty()) {
+            makePrivateFolder(target, m_calls);
+        }
+        return std::ranges::all_of(names, [&](const QString &name) {
+            return m_calls.rename(QFile::encodeName(m_folder + u"/Journal/"_s + name).constData(),
+                                  QFile::encodeName(target + u'/' + name).constData()) == 0;
+        });
+    }
+
     const QString &m_root;
     const QString &m_folder;
     std::optional<SessionSnapshot> &m_snapshot;
@@ -144,7 +162,7 @@ void GuestSessions::adopt(const QString &root, std::optional<SessionSnapshot> &s
 
 void GuestSessions::removeIfEmpty(const QString &folder)
 {
-    if (textsIn(folder).isEmpty()) {
+    if (textsIn(folder).isEmpty() && editsIn(folder).isEmpty()) {
         QDir(folder).removeRecursively();
         QDir().rmdir(QFileInfo(folder).path());
     }

@@ -8,6 +8,8 @@
 
 namespace {
 
+/// A power cut takes no more than that of what was typed.
+constexpr Scheduler::Milliseconds flushInterval{800};
 constexpr double shortestInterval = 0.5;
 constexpr double longestInterval = 24 * 60 * 60;
 /// Of the interval: a pause of that length is taken for the end of typing.
@@ -20,7 +22,38 @@ SessionKeeper::SessionKeeper(Scheduler &scheduler, NotificationCenter &notificat
     : m_scheduler(scheduler), m_preferences(preferences), m_documents(documents), m_store(store),
       m_preferencesObserver(notifications.observe(Preferences::didChange, nullptr, [this] { startTimer(); }))
 {
+    m_documentsObserver = notifications.observe(DocumentStore::didChange, &documents, [this] { followDocuments(); });
+    QObject::connect(&documents, &DocumentStore::removed, &m_context, [this](const TextDocument &document) {
+        m_followed.erase(&document);
+        QObject::disconnect(&document.storage(), nullptr, &m_context, nullptr);
+    });
     startTimer();
+}
+
+void SessionKeeper::followDocuments()
+{
+    for (const auto &document : m_documents.documents()) {
+        if (m_followed.insert(document.get()).second) {
+            follow(*document);
+        }
+    }
+}
+
+/// What is typed into it is safe at once.
+void SessionKeeper::follow(TextDocument &document)
+{
+    QObject::connect(&document.storage(), &TextStorage::changed, &m_context, [this, &document] { m_wasDirty = document.isDirty(); });
+    // The document itself has heard of it then.
+    QObject::connect(&document.storage(), &TextStorage::didProcessEditing, &m_context, [this, &document](const TextChange &change) {
+        m_store.noteEdit(document, change, m_wasDirty ? SessionStore::Before::dirty : SessionStore::Before::saved);
+        if (document.isSaving()) {
+            // What the edits build on goes with the old content of the file.
+            document.whenSaved([this, &document](bool /*isWritten*/) { m_store.writeDraft(document); });
+        }
+        if (!m_flush.isPending()) {
+            m_flush = m_scheduler.after(flushInterval, [this] { m_store.flushEdits(); });
+        }
+    });
 }
 
 void SessionKeeper::startTimer()
@@ -109,6 +142,7 @@ DraftNames SessionKeeper::writeDrafts()
     DraftNames drafts;
     for (const auto &document : m_documents.documents()) {
         if (!document->isDirty() && !document->hasUnsavedText()) {
+            m_store.forgetEdits(document->id());
             continue;
         }
         if (const auto name = m_store.writeDraft(*document)) {

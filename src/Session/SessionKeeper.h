@@ -6,11 +6,15 @@
 #include "Base/Scheduler.h"
 #include "Session/WindowLayout.h"
 
+#include <QObject>
+
 #include <chrono>
+#include <set>
 
 class DocumentStore;
 class Preferences;
 class SessionStore;
+class TextDocument;
 
 /// The main windows, as the keeper asks for them.
 class SessionWindows {
@@ -70,6 +74,8 @@ public:
 
 private:
     void startTimer();
+    void followDocuments();
+    void follow(TextDocument &document);
     void autosaveIfQuiet();
     void saveToFiles();
     [[nodiscard]] DraftNames writeDrafts();
@@ -86,5 +92,11 @@ private:
     RepeatingTimer m_timer;
     DelayedTask m_pause;
     Scheduler::Milliseconds m_lastActivity{};
+    DelayedTask m_flush;
+    /// Those whose edits are noted, and whether the one that is being edited was dirty.
+    std::set<const TextDocument *> m_followed;
+    bool m_wasDirty = false;
+    QObject m_context;
+    NotificationCenter::Token m_documentsObserver;
     NotificationCenter::Token m_preferencesObserver;
 };

@@ -43,6 +43,12 @@ public:
                 restoreDraft(name);
             }
         }
+        // What was typed into texts that no snapshot and no draft knew yet.
+        for (const SessionSnapshot::Document &entry : m_saved.edited) {
+            if (!m_ids.contains(entry.id)) {
+                restore(entry);
+            }
+        }
         while (!m_rescued.empty()) {
             const QString path = m_rescued.begin()->first;
             add({}, rescuedOf(path, QUuid::createUuid(), m_paths.contains(path) ? QString() : path), path);
@@ -80,6 +86,9 @@ private:
             document = rescuedOf(path, unusedId(entry.id), path);
         }
         if (!document) {
+            document = path.isEmpty() ? withEdits(entry.id, empty) : nullptr;
+        }
+        if (!document) {
             if (path.isEmpty()) {
                 return;
             }
@@ -88,6 +97,7 @@ private:
                 return;
             }
             document = TextDocument::awaiting(m_documents.services(), path, empty.encoding, empty.lineEnding, unusedId(entry.id));
+            document->whenArrived([&store = m_store, arrived = document.get()] { editArrived(store, *arrived); });
         }
         if (const auto language = LanguageRegistry::withID(entry.languageID.value_or(QString()))) {
             document->languageWasChosenManually = true;
@@ -115,10 +125,16 @@ private:
         if (!text) {
             return nullptr;
         }
-        contents.text = *text;
+        const auto edited = m_store.edited(entry.id, *text);
+        contents.text = edited.value_or(*text);
         contents.state = entry.fileState;
         auto document = TextDocument::fromDraft(m_documents.services(), path, contents, unusedId(entry.id), m_store.draftStamp(name));
-        m_store.adoptDraft(*document, name);
+        if (edited) {
+            m_store.adoptEdits(*document);
+        } else {
+            m_store.setAsideEdits(entry.id);
+            m_store.adoptDraft(*document, name);
+        }
         return document;
     }
 
@@ -132,8 +148,44 @@ private:
         return document;
     }
 
+    /// Typed into an empty text.
+    std::unique_ptr<TextDocument> withEdits(const QUuid &id, TextFile::Contents contents)
+    {
+        const auto edited = m_store.edited(id, Rope());
+        if (!edited) {
+            m_store.setAsideEdits(id);
+            return nullptr;
+        }
+        if (edited->isEmpty()) {
+            m_store.discardEdits(id);
+            return nullptr;
+        }
+        contents.text = *edited;
+        auto document = TextDocument::fromDraft(m_documents.services(), QString(), contents, unusedId(id));
+        m_store.adoptEdits(*document);
+        return document;
+    }
+
+    /// A step that can be undone, as it was.
+    static void editArrived(SessionStore &store, TextDocument &document)
+    {
+        if (document.arrivalFailure().error || document.arrivalFailure().twin) {
+            return;
+        }
+        if (const auto edited = store.edited(document.id(), document.storage().text())) {
+            store.replayEdits(document, *edited);
+        } else {
+            store.setAsideEdits(document.id());
+        }
+    }
+
     void restoreDraft(const QString &name)
     {
+        const auto known = std::ranges::find(m_saved.edited, DraftFile::documentOf(name), &SessionSnapshot::Document::id);
+        if (known != m_saved.edited.end() && !m_ids.contains(known->id)) {
+            restore(*known);
+            return;
+        }
         const auto text = m_store.draft(name);
         if (!text || text->isEmpty()) {
             return;

@@ -7,7 +7,9 @@
 #include "Model/TextDocument.h"
 #include "Session/DraftFile.h"
 #include "Session/GuestSessions.h"
+#include "Session/JournalWriter.h"
 #include "Session/SessionLock.h"
+#include "Session/WindowLayout.h"
 #include "Settings/Preferences.h"
 
 #include <QCoreApplication>
@@ -31,6 +33,9 @@ namespace {
 constexpr auto timeoutAtEnd = 5s;
 /// Thousands of tabs have less.
 constexpr qint64 largestSnapshot = 64 * 1024 * 1024;
+/// Bytes; then the draft is written, so that the journal begins anew.
+constexpr qsizetype largestJournal = 1024 * 1024;
+constexpr qsizetype bytesOfEdit = 24;
 constexpr auto temporaryFiles = ".quillet-*"_L1;
 /// The beginning of 2001 in UTC, in seconds of Unix.
 constexpr double referenceDate = 978307200;
@@ -55,6 +60,9 @@ struct SessionStore::Queue : std::enable_shared_from_this<Queue> {
         Rope text = {};
         /// Of the job that is to write it: one that waited for a text that was discarded must not take a later one.
         quint64 ticket = 0;
+        /// Of the journal that builds on the text; 0 for none.
+        QUuid document = {};
+        quint64 journal = 0;
     };
     std::map<QString, WaitingText> texts;
     /// By the ticket of the job that is to write it.
@@ -67,6 +75,8 @@ struct SessionStore::Queue : std::enable_shared_from_this<Queue> {
     bool hasFailedSnapshot = false;
     // Guarded: they may be readable again some day.
     std::set<QString> unreadableDrafts;
+
+    std::shared_ptr<JournalWriter> journal = std::make_shared<JournalWriter>(calls);
 
     /// Main thread.
     std::function<void(const Problem &problem)> report;
@@ -85,7 +95,7 @@ struct SessionStore::Queue : std::enable_shared_from_this<Queue> {
 
 private:
     [[nodiscard]] bool isThere(const QString &path) const;
-    void writeText(const QString &name, const Rope &text);
+    [[nodiscard]] bool writeText(const QString &name, const Rope &text);
     void writeMissingDrafts(const Snapshot &snapshot);
     void writeSnapshot(const Snapshot &snapshot);
     void note(Problem::Kind kind, const Result<void> &result);
@@ -126,11 +136,12 @@ SessionStore::Places SessionStore::Places::standard(Role role)
 
 SessionStore::SessionStore(const Places &places, const Preferences &preferences, FileCalls &calls)
     : m_root(places.rootDirectory), m_preferences(preferences), m_calls(calls),
-      m_queue(std::make_shared<Queue>(places.rootDirectory, calls)), m_thread(std::make_unique<QThreadPool>())
+      m_queue(std::make_shared<Queue>(places.rootDirectory, calls)), m_journal(m_queue->journal), m_thread(std::make_unique<QThreadPool>())
 {
     m_thread->setObjectName(u"org.quillet.Quillet.session"_s);
     m_thread->setMaxThreadCount(1);
     m_thread->setThreadPriority(QThread::LowPriority);
+    setFolder(m_root);
     if (places.role == Role::owner) {
         claim(places);
     }
@@ -172,12 +183,18 @@ std::optional<QString> SessionStore::sharedFolder() const
     return std::nullopt;
 }
 
+void SessionStore::setFolder(const QString &folder)
+{
+    m_queue->root = folder;
+    m_journal->setFolder(folder + u"/Journal"_s);
+}
+
 bool SessionStore::hasPlace()
 {
     carryOver();
     if (!m_isOwner && !m_guest && !sharedFolder()) {
         m_guest = GuestSessions::make(m_root, m_calls);
-        m_queue->root = m_guest ? m_guest->folder : m_queue->root;
+        setFolder(m_guest ? m_guest->folder : m_root);
     }
     return m_isOwner || m_guest;
 }
@@ -188,6 +205,7 @@ SessionStore::~SessionStore()
     if (!waitUntilWritten(timeoutAtEnd)) {
         // Its destructor would wait for a disk that does not answer.
         std::ignore = m_thread.release();
+        std::ignore = new auto(m_journal);
     } else if (m_guest) {
         GuestSessions::removeIfEmpty(m_guest->folder);
     }
@@ -248,6 +266,10 @@ SessionStore::Saved SessionStore::read()
     saved.snapshot = readSnapshot();
     if (m_isOwner) {
         GuestSessions::adopt(m_root, saved.snapshot, m_calls);
+    }
+    m_leftEdits = m_journal->read();
+    for (const auto &[id, journals] : m_leftEdits) {
+        saved.edited << journals.back().entry;
     }
     std::set<QString> named;
     if (saved.snapshot) {
@@ -325,6 +347,10 @@ bool SessionStore::setAside(const QString &folder)
     };
     const bool hasDrafts = !QDir(draftsDirectory()).isEmpty();
     // The drafts first: as long as the snapshot is there, what is in their folder is not used.
+    const QString journals = m_root + u"/Journal"_s;
+    if (QFileInfo::exists(journals)) {
+        move(journals, folder + u"/Journal"_s);
+    }
     if ((hasDrafts && !move(draftsDirectory(), folder + u"/Drafts"_s)) || !move(snapshotPath(), folder + u"/session.json"_s)) {
         return false;
     }
@@ -370,7 +396,98 @@ void SessionStore::adoptDraft(const TextDocument &document, const QString &name)
     }
 }
 
+std::optional<Rope> SessionStore::edited(const QUuid &document, const Rope &base) const
+{
+    const auto left = m_leftEdits.find(document);
+    return left == m_leftEdits.end() ? std::nullopt : replayed(left->second, base);
+}
+
+void SessionStore::adoptEdits(const TextDocument &document)
+{
+    m_leftEdits.erase(document.id());
+    m_adoptedEdits[document.id()] = document.storage().revision();
+}
+
+void SessionStore::replayEdits(TextDocument &document, const Rope &edited)
+{
+    // What is on disk already is not journalled again.
+    m_isReplaying = true;
+    document.storage().apply(TextEdits::difference(document.storage().text(), edited));
+    m_isReplaying = false;
+    adoptEdits(document);
+}
+
+void SessionStore::discardEdits(const QUuid &document)
+{
+    m_leftEdits.erase(document);
+    m_journal->drop(document, m_journal->nextNumber());
+}
+
+void SessionStore::setAsideEdits(const QUuid &document)
+{
+    if (m_leftEdits.erase(document) != 0) {
+        m_journal->setAside(document);
+    }
+}
+
 // Writing
+
+void SessionStore::noteEdit(const TextDocument &document, const TextChange &change, Before before)
+{
+    if (m_isReplaying || document.isGenerated() || document.isWaiting() || !m_preferences.value(Settings::autosaveDrafts)) {
+        return;
+    }
+    const QUuid &id = document.id();
+    const quint64 revision = document.storage().revision();
+    auto journal = m_journals.find(id);
+    if (journal == m_journals.end() || journal->second.revision != revision - 1) {
+        if (!document.isDirty() && !document.hasUnsavedText()) {
+            return; // what came is the file's text
+        }
+        if (!hasPlace()) {
+            return;
+        }
+        const auto draft = m_drafts.find(DraftFile::nameFor(id));
+        const auto adopted = m_adoptedEdits.find(id);
+        const bool isOnDisk = change.before.isEmpty() || (before == Before::saved && !document.isUntitled()) ||
+                              (draft != m_drafts.end() && draft->second == revision - 1) ||
+                              (adopted != m_adoptedEdits.end() && adopted->second == revision - 1);
+        if (!isOnDisk) {
+            m_journals[id] = {.revision = revision};
+            writeDraft(document);
+            return;
+        }
+        std::ignore = beginJournal(document, change.before, revision - 1);
+        journal = m_journals.find(id);
+    }
+    m_journal->append(id, change.edits);
+    journal->second.revision = revision;
+    for (const TextEdit &edit : change.edits) {
+        journal->second.size += bytesOfEdit + 2 * edit.text.length();
+    }
+    if (journal->second.size > largestJournal) {
+        writeDraft(document);
+    }
+}
+
+/// What is appended to it from now on changes `base`.
+quint64 SessionStore::beginJournal(const TextDocument &document, const Rope &base, quint64 revision)
+{
+    m_journals[document.id()] = {.revision = revision};
+    return m_journal->begin(document.id(), entryOf(document, {}), base);
+}
+
+void SessionStore::forgetEdits(const QUuid &document)
+{
+    if ((m_journals.erase(document) | m_adoptedEdits.erase(document)) != 0) {
+        m_journal->drop(document, m_journal->nextNumber());
+    }
+}
+
+void SessionStore::flushEdits()
+{
+    m_journal->flush();
+}
 
 std::optional<QString> SessionStore::writeDraft(const TextDocument &document)
 {
@@ -396,6 +513,13 @@ std::optional<QString> SessionStore::writeDraft(const TextDocument &document)
         }
         Queue::WaitingText &waiting = m_queue->texts[name];
         waiting.text = document.storage().text();
+        if (m_journals.contains(document.id())) {
+            waiting.document = document.id();
+            waiting.journal = beginJournal(document, waiting.text, revision);
+        } else if (m_adoptedEdits.erase(document.id()) != 0) {
+            waiting.document = document.id();
+            waiting.journal = m_journal->nextNumber();
+        }
         if (waiting.ticket == 0) {
             ticket = waiting.ticket = ++m_lastTicket;
         }
@@ -409,21 +533,23 @@ std::optional<QString> SessionStore::writeDraft(const TextDocument &document)
 
 void SessionStore::Queue::writeDraft(const QString &name, quint64 ticket)
 {
-    Rope text;
+    WaitingText taken;
     {
         const std::lock_guard lock(mutex);
         const auto waiting = texts.find(name);
         if (waiting == texts.end() || waiting->second.ticket != ticket) {
             return;
         }
-        text = std::move(waiting->second.text);
+        taken = std::move(waiting->second);
         texts.erase(waiting);
         written.erase(name);
     }
-    writeText(name, text);
+    if (writeText(name, taken.text) && taken.journal != 0) {
+        journal->drop(taken.document, taken.journal);
+    }
 }
 
-void SessionStore::Queue::writeText(const QString &name, const Rope &text)
+bool SessionStore::Queue::writeText(const QString &name, const Rope &text)
 {
     makePrivateFolder(drafts(), calls);
     const Result<void> result = DraftFile::write(text, pathOf(name), calls);
@@ -437,6 +563,7 @@ void SessionStore::Queue::writeText(const QString &name, const Rope &text)
         }
     }
     note(Problem::Kind::drafts, result);
+    return result.has_value();
 }
 
 void SessionStore::adoptRescued(const TextDocument &document, const RescuedFile &rescued)
@@ -456,15 +583,22 @@ void SessionStore::adoptRescued(const TextDocument &document, const RescuedFile 
 void SessionStore::discardDraft(const QUuid &document)
 {
     const QString name = DraftFile::nameFor(document);
+    const bool hasEdits = (m_journals.erase(document) | m_adoptedEdits.erase(document)) != 0;
     if (m_drafts.erase(name) == 0) {
+        if (hasEdits) {
+            m_journal->drop(document, m_journal->nextNumber());
+        }
         return;
     }
     {
         const std::lock_guard lock(m_queue->mutex);
         m_queue->texts.erase(name);
     }
-    m_thread->start([queue = m_queue, name] {
+    m_thread->start([queue = m_queue, name, document, journal = hasEdits ? m_journal->nextNumber() : 0] {
         queue->remove({name});
+        if (journal != 0) {
+            queue->journal->drop(document, journal);
+        }
         const std::lock_guard lock(queue->mutex);
         queue->failedDrafts.erase(name);
     });
@@ -545,7 +679,7 @@ void SessionStore::Queue::writeMissingDrafts(const Snapshot &snapshot)
             }
         }
         if (text) {
-            writeText(name, *text);
+            std::ignore = writeText(name, *text);
         }
     }
 }
@@ -610,5 +744,6 @@ void SessionStore::Queue::remove(const QStringList &names)
 
 bool SessionStore::waitUntilWritten(std::chrono::milliseconds timeout)
 {
-    return m_thread->waitForDone(int(timeout.count()));
+    // Drafts first: they make journals go.
+    return m_thread->waitForDone(int(timeout.count())) && m_journal->waitUntilWritten(timeout);
 }

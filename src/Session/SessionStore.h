@@ -6,6 +6,7 @@
 #include "Base/FileCalls.h"
 #include "Base/FileStamp.h"
 #include "Base/Result.h"
+#include "Session/EditJournal.h"
 #include "Session/GuestSessions.h"
 #include "Session/SessionSnapshot.h"
 #include "Text/Rope.h"
@@ -20,14 +21,18 @@
 #include <vector>
 
 class Preferences;
+class JournalWriter;
 class QThreadPool;
 class TextDocument;
+struct TextChange;
 
 /// Keeps the session and the texts that were not saved ("drafts") in a folder of the user's, from one start of the program to the next.
 ///
 /// The folder holds `session.json` (SessionSnapshot) and `Drafts` with one DraftFile for each such text. A draft is on disk before a
 /// snapshot names it, and goes only when a snapshot that does not name it is on disk: whenever the program is killed or the power fails,
 /// the snapshot that is there finds its drafts.
+///
+/// What is typed in between goes to journals beside the drafts at once (JournalWriter), for those documents of which noteEdit() tells.
 ///
 /// All writing is done in the order asked for by a thread of the store's own, from ropes that cost nothing to take; of what waits to be
 /// written only the latest version is. What was written already is not written again.
@@ -57,6 +62,8 @@ public:
         std::optional<Snapshot> snapshot;
         /// Drafts that the snapshot does not name: of texts that were typed just before the program was killed.
         QStringList otherDrafts;
+        /// Documents in which something was typed since they were last written, as they were then.
+        QList<Snapshot::Document> edited = {};
     };
 
     /// Makes the folders, for the user only, unless it is a guest. `preferences` and `calls` must outlive the store.
@@ -94,6 +101,16 @@ public:
     [[nodiscard]] std::optional<FileStamp> draftStamp(const QString &name) const;
     /// Some day it may be readable again: another document must not write or discard it as its own.
     [[nodiscard]] bool hasUnreadableDraft(const QUuid &document) const;
+    /// `base`, a draft or the text of a file, with what was typed since; none when nothing was, or the edits are of another text.
+    [[nodiscard]] std::optional<Rope> edited(const QUuid &document, const Rope &base) const;
+    /// `document` has such a text: the edits that made it are kept until it is written.
+    void adoptEdits(const TextDocument &document);
+    /// Makes it such a text, as a step that can be undone.
+    void replayEdits(TextDocument &document, const Rope &edited);
+    /// What was typed was taken back.
+    void discardEdits(const QUuid &document);
+    /// The edits are of another text than any that is there: they are kept where they disturb nobody.
+    void setAsideEdits(const QUuid &document);
     /// `document` has the text of the draft `name` and goes on using it.
     void adoptDraft(const TextDocument &document, const QString &name);
 
@@ -102,6 +119,14 @@ public:
     std::optional<QString> writeDraft(const TextDocument &document);
     /// `document` has the text of `rescued`, which goes when the draft is written.
     void adoptRescued(const TextDocument &document, const RescuedFile &rescued);
+    /// Whether the text is the same as that of the document's file, or as its draft.
+    enum class Before { saved, dirty };
+    /// The document was edited just now, after it was as `before` says: that is safe within a tenth of a second.
+    void noteEdit(const TextDocument &document, const TextChange &change, Before before);
+    /// Its text is that of its file again.
+    void forgetEdits(const QUuid &document);
+    /// What was typed so far withstands a power cut.
+    void flushEdits();
     /// The text is safe elsewhere, or not wanted any more.
     void discardDraft(const QUuid &document);
     /// Then deletes the drafts that it does not name. When the store was given the same last, and all is well with that, it only sees to it
@@ -140,6 +165,8 @@ private:
     [[nodiscard]] std::optional<Snapshot> readSnapshot();
     [[nodiscard]] bool setAside(const QString &folder);
     void carryOver();
+    [[nodiscard]] quint64 beginJournal(const TextDocument &document, const Rope &base, quint64 revision);
+    void setFolder(const QString &folder);
     void lookForMissing();
     [[nodiscard]] QStringList draftsOnDisk() const;
 
@@ -159,8 +186,22 @@ private:
     std::function<void(const QString &folder)> m_reportSetAside;
     /// Drafts that may be on disk, and the revision of the text that was last handed over.
     std::map<QString, std::optional<quint64>> m_drafts;
+    /// What is being journalled.
+    struct Journal {
+        /// Of the text after the last change in it.
+        quint64 revision = 0;
+        /// Bytes, about.
+        qsizetype size = 0;
+    };
+    std::map<QUuid, Journal> m_journals;
+    /// Of earlier programs.
+    std::map<QUuid, std::vector<EditJournal>> m_leftEdits;
+    /// Texts that are on disk as a draft or a file and edits.
+    std::map<QUuid, quint64> m_adoptedEdits;
+    bool m_isReplaying = false;
     /// Of the jobs that write.
     quint64 m_lastTicket = 0;
     std::shared_ptr<Queue> m_queue;
+    std::shared_ptr<JournalWriter> m_journal;
     std::unique_ptr<QThreadPool> m_thread;
 };

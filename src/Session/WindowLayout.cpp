@@ -8,22 +8,6 @@
 
 namespace {
 
-SessionSnapshot::Document entryOf(const TextDocument &document, const DraftNames &drafts)
-{
-    const auto draft = drafts.find(document.id());
-    return {
-        .id = document.id(),
-        .filePath = document.isUntitled() ? std::nullopt : std::optional(document.path()),
-        .draftFilename = draft == drafts.end() ? std::nullopt : std::optional(draft->second),
-        .languageID = document.languageWasChosenManually ? std::optional(document.language().id()) : std::nullopt,
-        .encodingRawValue = quint32(document.encoding()),
-        .lineEnding = rawValue(document.lineEnding()).toString(),
-        .selection = document.lastSelectedRange,
-        .scrollOffset = document.lastScrollOffset,
-        .fileState = draft == drafts.end() ? std::nullopt : document.file().state(),
-    };
-}
-
 /// Of those that came back, the tabs of a pane, and which one was selected.
 std::pair<PaneLayout::Documents, int> tabsOf(const SessionSnapshot::Pane &entry, const std::map<QUuid, std::shared_ptr<TextDocument>> &byId)
 {
@@ -40,6 +24,22 @@ std::pair<PaneLayout::Documents, int> tabsOf(const SessionSnapshot::Pane &entry,
 }
 
 } // namespace
+
+SessionSnapshot::Document entryOf(const TextDocument &document, const DraftNames &drafts)
+{
+    const auto draft = drafts.find(document.id());
+    return {
+        .id = document.id(),
+        .filePath = document.isUntitled() ? std::nullopt : std::optional(document.path()),
+        .draftFilename = draft == drafts.end() ? std::nullopt : std::optional(draft->second),
+        .languageID = document.languageWasChosenManually ? std::optional(document.language().id()) : std::nullopt,
+        .encodingRawValue = quint32(document.encoding()),
+        .lineEnding = rawValue(document.lineEnding()).toString(),
+        .selection = document.lastSelectedRange,
+        .scrollOffset = document.lastScrollOffset,
+        .fileState = draft == drafts.end() ? std::nullopt : document.file().state(),
+    };
+}
 
 SessionSnapshot snapshotOf(const WindowLayout &window, const std::vector<std::shared_ptr<TextDocument>> &documents,
                            const DraftNames &drafts)

@@ -18,6 +18,9 @@ struct WindowLayout {
 /// The drafts in which unsaved texts are kept, by document.
 using DraftNames = std::map<QUuid, QString>;
 
+/// A document in a session.
+[[nodiscard]] SessionSnapshot::Document entryOf(const TextDocument &document, const DraftNames &drafts);
+
 /// The session of `window`: what it shows, and of `documents` those with unsaved text, which other windows may show. What nobody can save
 /// has no entry.
 [[nodiscard]] SessionSnapshot snapshotOf(const WindowLayout &window, const std::vector<std::shared_ptr<TextDocument>> &documents,

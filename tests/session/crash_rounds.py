@@ -7,10 +7,13 @@ import argparse
 import collections
 import random
 import sys
+import time
 
 from desktop import until
 from driven_program import Driven, Home
 
+# In seconds: what was typed before is safe.
+JOURNAL_TIME = 0.1
 SETTINGS = "session.autosaveInterval=0.5\n"
 # No blanks: the editor would begin the next line with those of the line before.
 LETTERS = "abcdefghijklmnopqrstuvwxyz0123456789_-.äß€"
@@ -253,6 +256,16 @@ class Rounds:
         self.look_on(20)
         self.kill()
 
+    def kill_soon_after_typing(self):
+        """Before the next tick, or at it."""
+        self.driven.ask(self.typing())
+        state = self.state()
+        typed = time.monotonic()
+        while time.monotonic() < typed + JOURNAL_TIME:
+            self.home.trace()
+        self.note_certain(state, state.number)
+        self.kill()
+
     def kill(self):
         self.driven.freeze()
         self.wanted, self.is_all = Disk(self.home).wanted(), False
@@ -264,7 +277,9 @@ class Rounds:
         for identity, (path, text) in self.wanted.items():
             require(identity in found.texts, f"on disk, not back: {shortened(text)} {path}")
             got = found.texts[identity]
-            require((got["path"], got["text"]) == (path, text), f"{shortened(got['text'])} instead of {shortened(text)} {path}")
+            # What was typed since the draft was written is in the journal.
+            is_later = not self.is_all and self.version(identity, got["text"]) > self.version(identity, text)
+            require(is_later or (got["path"], got["text"]) == (path, text), f"{shortened(got['text'])} instead of {shortened(text)} {path}")
         require(not self.is_all or found.wanted().keys() == self.wanted.keys(), f"came back without being kept: {found.texts}")
         files = self.home.file_texts()
         for identity, index in self.certain.items():
@@ -318,8 +333,8 @@ class Rounds:
             if self.random.random() < 0.05:
                 self.settle()
                 self.dismissed |= gone - state.texts.keys()
-        end = self.random.choice((self.kill_settled, self.kill_settled, self.terminate, self.kill_typing, self.kill_typing,
-                                  self.kill_saving, self.kill_at_tick, self.kill_at_tick))
+        end = self.random.choice((self.kill_settled, self.kill_settled, self.terminate, self.kill_typing,
+                                  self.kill_soon_after_typing, self.kill_soon_after_typing, self.kill_saving, self.kill_at_tick, self.kill_at_tick))
         end()
         if end in (self.kill_settled, self.terminate):
             self.dismissed |= gone - state.texts.keys()

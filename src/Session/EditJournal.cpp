@@ -1,0 +1,186 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Session/EditJournal.h"
+
+#include "Files/TextHash.h"
+
+#include <QtEndian>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto suffix = ".journal"_L1;
+constexpr int numberWidth = 6;
+
+template<typename Number>
+void append(QByteArray &bytes, Number number)
+{
+    number = qToLittleEndian(number);
+    bytes.append(reinterpret_cast<const char *>(&number), sizeof number);
+}
+
+/// Takes values off the front, and remembers whether all were there.
+class Reader final {
+public:
+    explicit Reader(QByteArrayView bytes) : m_bytes(bytes) {}
+
+    template<typename Number>
+    Number number()
+    {
+        const QByteArrayView taken = bytes(sizeof(Number));
+        return taken.isEmpty() ? Number(0) : qFromLittleEndian<Number>(taken.data());
+    }
+    QByteArrayView bytes(quint64 count)
+    {
+        m_isWhole = m_isWhole && count <= quint64(m_bytes.size());
+        const QByteArrayView taken = m_isWhole ? m_bytes.first(qsizetype(count)) : QByteArrayView();
+        m_bytes = m_bytes.sliced(taken.size());
+        return taken;
+    }
+    [[nodiscard]] QByteArrayView rest() const { return m_bytes; }
+    [[nodiscard]] bool isWhole() const { return m_isWhole; }
+
+private:
+    QByteArrayView m_bytes;
+    bool m_isWhole = true;
+};
+
+quint64 hashOf(QByteArrayView bytes)
+{
+    quint64 hash = 0xCBF29CE484222325;
+    for (const char byte : bytes) {
+        hash = (hash ^ uchar(byte)) * 0x100000001B3;
+    }
+    return hash;
+}
+
+QByteArray recordOf(const QByteArray &content)
+{
+    QByteArray bytes;
+    append(bytes, quint32(content.size()));
+    append(bytes, hashOf(content));
+    return bytes + content;
+}
+
+/// None when it is not whole.
+std::optional<QByteArrayView> takeRecord(Reader &reader)
+{
+    const auto length = reader.number<quint32>();
+    const auto hash = reader.number<quint64>();
+    const QByteArrayView content = reader.bytes(length);
+    return reader.isWhole() && hashOf(content) == hash ? std::optional(content) : std::nullopt;
+}
+
+std::optional<TextEdits> changeFrom(QByteArrayView content)
+{
+    Reader reader(content);
+    TextEdits edits;
+    qsizetype end = 0;
+    while (!reader.rest().isEmpty()) {
+        const TextRange range{reader.number<qint64>(), reader.number<qint64>()};
+        const auto length = reader.number<quint64>();
+        const QByteArrayView units = length <= quint64(content.size()) ? reader.bytes(2 * length) : QByteArrayView();
+        const bool isValid = reader.isWhole() && quint64(units.size()) == 2 * length && range.location >= end && range.length >= 0 &&
+                             range.length <= std::numeric_limits<qsizetype>::max() - range.location;
+        if (!isValid) {
+            return std::nullopt;
+        }
+        std::vector<char16_t> text(length);
+        qFromLittleEndian<char16_t>(units.data(), qsizetype(length), text.data());
+        edits.add(range, Rope(QStringView(text.data(), qsizetype(length))));
+        end = range.end();
+    }
+    return edits;
+}
+
+/// None when they are not of this text.
+std::optional<Rope> applied(const std::vector<TextEdits> &changes, Rope text)
+{
+    for (const TextEdits &change : changes) {
+        if (!change.isEmpty() && change.hull().location + change.hull().removed > text.length()) {
+            return std::nullopt;
+        }
+        text = change.withWholePairs(text).applied(text);
+    }
+    return text;
+}
+
+} // namespace
+
+QByteArray EditJournal::beginning(quint64 baseHash, const SessionSnapshot::Document &entry)
+{
+    QByteArray content;
+    append(content, baseHash);
+    return recordOf(content + SessionSnapshot{.documents = {entry}}.toJson());
+}
+
+QByteArray EditJournal::record(const TextEdits &change)
+{
+    QByteArray content;
+    for (const TextEdit &edit : change) {
+        append(content, qint64(edit.range.location));
+        append(content, qint64(edit.range.length));
+        append(content, quint64(edit.text.length()));
+        for (const QChar unit : edit.text.toString()) {
+            append(content, unit.unicode());
+        }
+    }
+    return recordOf(content);
+}
+
+std::optional<EditJournal> EditJournal::parse(QByteArrayView bytes)
+{
+    Reader reader(bytes);
+    const auto beginning = takeRecord(reader);
+    if (!beginning) {
+        return std::nullopt;
+    }
+    Reader content(*beginning);
+    EditJournal journal{.baseHash = content.number<quint64>(), .entry = {}, .changes = {}};
+    const auto snapshot = SessionSnapshot::fromJson(content.rest().toByteArray());
+    if (!snapshot || snapshot->documents.size() != 1) {
+        return std::nullopt;
+    }
+    journal.entry = snapshot->documents.front();
+    while (const auto record = takeRecord(reader)) {
+        auto change = changeFrom(*record);
+        if (!change) {
+            break;
+        }
+        journal.changes.push_back(*std::move(change));
+    }
+    return journal;
+}
+
+QString EditJournal::nameFor(const QUuid &document, quint64 number)
+{
+    return document.toString(QUuid::WithoutBraces).toUpper() + u".%1"_s.arg(number, numberWidth, 10, QChar(u'0')) + suffix;
+}
+
+std::optional<EditJournal::Name> EditJournal::parseName(const QString &name)
+{
+    const QStringList parts = name.split(u'.');
+    const Name parsed{QUuid(parts.value(0)), parts.value(1).toULongLong()};
+    return nameFor(parsed.document, parsed.number) == name ? std::optional(parsed) : std::nullopt;
+}
+
+std::optional<Rope> replayed(const std::vector<EditJournal> &journals, Rope base)
+{
+    const quint64 hash = textHash(base);
+    const auto isOfBase = [hash](const EditJournal &journal) { return journal.baseHash == hash; };
+    const auto last = std::find_if(journals.rbegin(), journals.rend(), isOfBase);
+    if (last == journals.rend()) {
+        return std::nullopt;
+    }
+    for (auto journal = last.base() - 1; journal != journals.end() && journal->baseHash == textHash(base); ++journal) {
+        auto text = applied(journal->changes, base);
+        if (!text) {
+            break;
+        }
+        base = *std::move(text);
+    }
+    return base;
+}
