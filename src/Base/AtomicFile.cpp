@@ -7,7 +7,6 @@
 #include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
@@ -15,6 +14,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
 #include <limits>
@@ -168,14 +168,21 @@ constexpr auto targetEnding = ".target"_L1;
 void removeLeftBehind(const QByteArray &folder, FileCalls &calls)
 {
     constexpr int mostEntries = 20'000;
-    QDirIterator entries(folder.isEmpty() ? u"."_s : QFile::decodeName(folder), QDir::Files | QDir::Hidden);
-    for (int count = 0; count < mostEntries && entries.hasNext(); ++count) {
-        const QByteArray path = QFile::encodeName(entries.next());
-        const QByteArray name = nameIn(path);
-        if (name.startsWith(temporaryBegin) && isOfEndedProgram(name.sliced(temporaryBegin.size()))) {
-            calls.unlink(path.constData());
+    DIR *const entries = ::opendir(folder.isEmpty() ? "." : folder.constData());
+    if (!entries) {
+        return;
+    }
+    for (int count = 0; count < mostEntries; ++count) {
+        const dirent *const entry = ::readdir(entries);
+        if (!entry) {
+            break;
+        }
+        const QByteArrayView name(entry->d_name);
+        if (name.startsWith(temporaryBegin) && isOfEndedProgram(name.sliced(temporaryBegin.size()).toByteArray())) {
+            calls.unlink((folder + name.toByteArray()).constData());
         }
     }
+    ::closedir(entries);
 }
 
 } // namespace

@@ -32,7 +32,7 @@
 /// or a device. Errors carry `errno` and a sentence with the file's name. Any thread, one object per thread at a time.
 class AtomicFile final {
 public:
-    /// Permissions of a file that did not exist, before the user's mask is applied.
+    /// Permissions of a file that did not exist, before the user's mask is applied. Any other mode will do.
     enum class NewFile : mode_t { readableByOthers = 0666, privateToUser = 0600 };
 
     /// What the target has to be to be replaced: no file, when there is no state. One that is gone may be made again.

@@ -28,6 +28,7 @@ FileState FileState::of(const struct stat &status, std::optional<quint64> hash)
     return {.stamp = FileStamp::of(status),
             .device = status.st_dev,
             .inode = status.st_ino,
+            .mode = status.st_mode & 0777,
             .hash = hash,
             .isFresh = age < (status.st_mtim.tv_nsec == 0 ? coarseTick : tick)};
 }

@@ -11,6 +11,8 @@ struct FileState {
     FileStamp stamp = {};
     quint64 device = 0;
     quint64 inode = 0;
+    /// Permissions.
+    quint32 mode = 0;
     /// ContentHash of its bytes; none where nobody read them.
     std::optional<quint64> hash = std::nullopt;
     /// It had been written so shortly before that another writing may have left all the same, except for the bytes.

@@ -11,8 +11,12 @@
 
 DocumentFile::WriteResult DocumentFile::write(const Snapshot &snapshot, FileCalls &files, const std::stop_token &stop)
 {
-    return TextFile::write(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding, files,
-                           {.expected = snapshot.expected, .rescueFolder = snapshot.rescueFolder})
+    TextFile::WriteOptions options{.expected = snapshot.expected, .rescueFolder = snapshot.rescueFolder};
+    if (snapshot.expected && snapshot.expected->state && snapshot.expected->state->mode != 0) {
+        // One that is gone gets back the permissions that it had.
+        options.newFile = AtomicFile::NewFile(snapshot.expected->state->mode);
+    }
+    return TextFile::write(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding, files, options)
         .map([&](const AtomicFile::Written &done) {
             return Written{
                 .state = done.state, .inPlace = done.inPlace, .identity = identityOf(snapshot.path), .hash = textHash(snapshot.text, stop)};
@@ -26,7 +30,12 @@ Result<QString> DocumentFile::copy(const Snapshot &snapshot, FileCalls &files)
         return failure(
             formatted(localized(u"There is no free name for a copy of “%@” in its folder."), QFileInfo(snapshot.path).fileName()));
     }
-    return TextFile::write(snapshot.text, *copy, snapshot.encoding, snapshot.lineEnding, files)
+    struct stat original = {};
+    TextFile::WriteOptions options;
+    if (files.stat(QFile::encodeName(snapshot.path).constData(), &original) == 0) {
+        options.newFile = AtomicFile::NewFile(original.st_mode & 0777);
+    }
+    return TextFile::write(snapshot.text, *copy, snapshot.encoding, snapshot.lineEnding, files, options)
         .map([&](const AtomicFile::Written &) { return *copy; })
         .map_error([](const TextFile::WriteError &error) { return Error(error); });
 }

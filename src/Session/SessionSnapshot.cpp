@@ -88,6 +88,7 @@ QJsonObject objectOf(const FileState &state)
                           {"size"_L1, state.stamp.size},
                           {"modifiedSeconds"_L1, qint64(state.stamp.modified.tv_sec)},
                           {"modifiedNanoseconds"_L1, qint64(state.stamp.modified.tv_nsec)},
+                          {"mode"_L1, qint64(state.mode)},
                           {"isFresh"_L1, state.isFresh}};
     if (state.hash) {
         object.insert("hash"_L1, QString::number(*state.hash));
@@ -110,6 +111,7 @@ std::optional<FileState> fileStateFrom(const QJsonValue &value)
                   .size = reader.integer("size"_L1)},
         .device = number(reader.string("device"_L1)),
         .inode = number(reader.string("inode"_L1)),
+        .mode = quint32(reader.integer("mode"_L1)) & 0777,
         .isFresh = reader.boolean("isFresh"_L1)};
     if (const auto hash = reader.optionalString("hash"_L1)) {
         state.hash = number(*hash);

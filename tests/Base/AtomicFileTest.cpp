@@ -164,6 +164,16 @@ TEST_F(AtomicFileTest, AKillBetweenAnyTwoStepsLeavesOldOrNew)
     EXPECT_GE(newOnes, 2);
 }
 
+TEST_F(AtomicFileTest, RemovesWhatEndedProgramsLeft)
+{
+    const QString left = put(u".quillet-"_s + QString::fromLatin1(programMark(99'999'999)) + u"x"_s, "left");
+    const QString own = put(u".quillet-"_s + QString::fromLatin1(programMark(QCoreApplication::applicationPid())) + u"x"_s, "own");
+    const QString unknown = put(u".quillet-x"_s, "of somebody");
+    ASSERT_TRUE(save(u"a"_s));
+    EXPECT_FALSE(QFile::exists(left));
+    EXPECT_TRUE(QFile::exists(own) && QFile::exists(unknown));
+}
+
 TEST_F(AtomicFileTest, WritesInPlaceWhatCannotBeReplaced)
 {
     using InPlace = AtomicFile::InPlace;

@@ -290,8 +290,15 @@ TEST_F(DocumentTest, WritesOverNothingThatTheUserWasNotShown)
     type(document, u"y"_s);
     put(file, "xtext\n");
     ASSERT_TRUE(saved(document, file)) << "written again as it was";
+    QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
+    ASSERT_TRUE(saved(document, file));
     ASSERT_TRUE(QFile::remove(file));
     EXPECT_TRUE(saved(document, file)) << "nobody has anything to lose";
+    const auto copy = DocumentFile::copy(snapshotOf(document, file), files);
+    ASSERT_TRUE(copy);
+    for (const QString &name : {file, *copy}) {
+        EXPECT_FALSE(QFile::permissions(name) & (QFile::ReadGroup | QFile::ReadOther)) << "as private as it was";
+    }
     const auto elsewhere = path(u"b.txt"_s);
     put(elsewhere, "asked about");
     EXPECT_TRUE(saved(document, elsewhere));
