@@ -4,11 +4,10 @@
 #include "App/ProcessSetup.h"
 #include "App/Program.h"
 #include "App/RunningInstance.h"
+#include "Base/FilePath.h"
 #include "Base/Translation.h"
 
 #include <QApplication>
-#include <QDir>
-#include <QFile>
 #include <QProcess>
 
 #include <cstdio>
@@ -19,9 +18,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// Names as they were given.
 void print(FILE *stream, const QString &text)
 {
-    std::fputs(text.toLocal8Bit().constData(), stream);
+    std::fputs(encodedPath(text).constData(), stream);
 }
 
 using Answer = RunningInstance::Answer;
@@ -71,10 +71,10 @@ int main(int argc, char **argv)
     setUpProcess();
     QStringList arguments;
     for (int index = 1; index < argc; ++index) {
-        arguments << QFile::decodeName(argv[index]);
+        arguments << decodedPath(argv[index]);
     }
     Localization::use(AppLanguage::system);
-    const CommandLine line = CommandLine::parse(arguments, QDir::currentPath());
+    const CommandLine line = CommandLine::parse(arguments, workingFolder());
     if (line.language) {
         Localization::use(*line.language);
     }

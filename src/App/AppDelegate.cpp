@@ -7,6 +7,7 @@
 #include "App/ShortcutOverview.h"
 #include "App/StandardInput.h"
 #include "Base/AtomicFile.h"
+#include "Base/FilePath.h"
 #include "Base/HomePath.h"
 #include "Base/Localization.h"
 #include "Base/Translation.h"
@@ -316,7 +317,7 @@ void AppDelegate::showComparison(const QString &oldPath, const Rope &old, const 
 {
     const auto sideOf = [](const QString &path, const Rope &text) {
         const QFileInfo file(path);
-        return DiffViewController::Side{file.fileName(), abbreviatedPath(file.path()), text};
+        return DiffViewController::Side{shownPath(file.fileName()), shownPath(abbreviatedPath(file.path())), text};
     };
     constexpr qsizetype enoughOfALine = 512;
     const Rope start = newer.slice({0, std::min(newer.length(), enoughOfALine)});

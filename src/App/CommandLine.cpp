@@ -5,8 +5,6 @@
 #include "Base/FilePath.h"
 #include "Base/Translation.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -46,9 +44,34 @@ qsizetype number(const QString &digits)
     return fits ? qsizetype(value) : std::numeric_limits<qsizetype>::max();
 }
 
+/// The files that an argument may mean, the likeliest first: all of it is a name, or there is a place at its end as compilers write it,
+/// with a colon perhaps.
+std::vector<CommandLine::File> candidatesFor(const QString &argument, const QString &folder)
+{
+    static const std::array forms = {QRegularExpression(u"^(.+):(\\d+):?$"_s), QRegularExpression(u"^(.+):(\\d+):(\\d+):?$"_s)};
+    std::vector<CommandLine::File> candidates = {{absoluteFilePath(argument, folder)}};
+    for (const QRegularExpression &form : forms) {
+        if (const auto match = form.match(argument); match.hasMatch()) {
+            candidates.push_back({absoluteFilePath(match.captured(1), folder), static_cast<LineNumber>(number(match.captured(2))),
+                                  match.hasCaptured(3) ? number(match.captured(3)) : 0});
+        }
+    }
+    return candidates;
+}
+
 class Parser {
 public:
-    explicit Parser(const QString &folder) : m_folder(folder) {}
+    Parser(const QStringList &arguments, const QString &folder, const PathKindQuery &kindsOf) : m_folder(folder)
+    {
+        QStringList paths;
+        for (const QString &argument : arguments) {
+            std::ranges::transform(candidatesFor(argument, folder), std::back_inserter(paths), &CommandLine::File::path);
+        }
+        const std::vector<PathKind> kinds = kindsOf(paths);
+        for (qsizetype index = 0; index < paths.size(); ++index) {
+            m_kinds.insert(paths[index], kinds[size_t(index)]);
+        }
+    }
 
     [[nodiscard]] CommandLine parse(const QStringList &arguments)
     {
@@ -73,50 +96,58 @@ public:
     }
 
 private:
-    /// "+12:3", for the next file.
+    [[nodiscard]] PathKind kindAt(const CommandLine::File &candidate) const { return m_kinds.value(candidate.path, PathKind::unknown); }
+
+    /// "+12:3", for the next file, if nothing has that name.
     bool takePlace(const QString &argument)
     {
         static const QRegularExpression place(u"^\\+(\\d*)(?::(\\d+))?$"_s);
         const auto match = place.match(argument);
-        if (match.hasMatch()) {
-            m_nextLine =
-                static_cast<LineNumber>(match.captured(1).isEmpty() ? std::numeric_limits<qsizetype>::max() : number(match.captured(1)));
-            m_nextColumn = match.hasCaptured(2) ? number(match.captured(2)) : 0;
+        const PathKind named = kindAt({absoluteFilePath(argument, m_folder)});
+        if (!match.hasMatch() || (named != PathKind::missing && named != PathKind::unknown)) {
+            return false;
         }
-        return match.hasMatch();
+        m_nextLine =
+            static_cast<LineNumber>(match.captured(1).isEmpty() ? std::numeric_limits<qsizetype>::max() : number(match.captured(1)));
+        m_nextColumn = match.hasCaptured(2) ? number(match.captured(2)) : 0;
+        return true;
     }
 
-    /// As compilers write it, with a colon at the end perhaps; of what may be meant, the file with the longest name.
-    [[nodiscard]] std::optional<CommandLine::File> placeIn(const QString &argument) const
+    [[nodiscard]] const CommandLine::File &likeliest(const std::vector<CommandLine::File> &candidates) const
     {
-        static const std::array forms = {QRegularExpression(u"^(.+):(\\d+):?$"_s), QRegularExpression(u"^(.+):(\\d+):(\\d+):?$"_s)};
-        for (const QRegularExpression &form : forms) {
-            const auto match = form.match(argument);
-            const QString path = match.hasMatch() ? absoluteFilePath(match.captured(1), m_folder) : QString();
-            if (!path.isEmpty() && QFileInfo::exists(path)) {
-                return CommandLine::File{path, static_cast<LineNumber>(number(match.captured(2))),
-                                         match.hasCaptured(3) ? number(match.captured(3)) : 0};
+        const CommandLine::File *likeliest = &candidates.front();
+        for (const CommandLine::File &candidate : candidates) {
+            const PathKind kind = kindAt(candidate);
+            if (kind != PathKind::missing && kind != PathKind::unknown) {
+                return candidate;
             }
+            // What does not answer rather has a place than a colon in its name.
+            likeliest = kind == PathKind::unknown ? &candidate : likeliest;
         }
-        return std::nullopt;
+        return *likeliest;
     }
 
     void addFile(const QString &argument)
     {
-        CommandLine::File file{absoluteFilePath(argument, m_folder), std::exchange(m_nextLine, std::nullopt),
-                               std::exchange(m_nextColumn, 0)};
-        if (!QFileInfo::exists(file.path)) {
-            const auto place = placeIn(argument);
-            if (!place) {
-                addProblem(formatted(localized(u"“%@” does not exist."), argument));
-                return;
-            }
-            file = *place;
-        }
-        if (QFileInfo(file.path).isDir()) {
+        auto candidates = candidatesFor(argument, m_folder);
+        candidates.front().line = std::exchange(m_nextLine, std::nullopt);
+        candidates.front().column = std::exchange(m_nextColumn, 0);
+        const CommandLine::File &file = likeliest(candidates);
+        switch (kindAt(file)) {
+        case PathKind::missing:
+            addProblem(formatted(localized(u"“%@” does not exist."), argument));
+            break;
+        case PathKind::folder:
             addProblem(formatted(localized(u"“%@” is a folder."), argument));
-        } else {
+            break;
+        case PathKind::special:
+            addProblem(
+                formatted(localized(u"“%@” cannot be opened, because it is a pipe, a socket or a device and not a file."), argument));
+            break;
+        case PathKind::file:
+        case PathKind::unknown:
             m_line.files.push_back(file);
+            break;
         }
     }
 
@@ -182,6 +213,8 @@ private:
     void addProblem(const QString &problem) { m_line.problems << problem; }
 
     QString m_folder;
+    /// By path.
+    QHash<QString, PathKind> m_kinds;
     CommandLine m_line;
     std::optional<LineNumber> m_nextLine;
     qsizetype m_nextColumn = 0;
@@ -199,9 +232,15 @@ std::span<const std::pair<QLatin1StringView, const char16_t *>> CommandLine::oth
     return others;
 }
 
-CommandLine CommandLine::parse(const QStringList &arguments, const QString &folder)
+std::vector<PathKind> CommandLine::patientQuery(const QStringList &paths)
 {
-    return Parser(folder).parse(arguments);
+    constexpr std::chrono::milliseconds longest{500};
+    return ::kindsOf(paths, longest);
+}
+
+CommandLine CommandLine::parse(const QStringList &arguments, const QString &folder, const PathKindQuery &kindsOf)
+{
+    return Parser(arguments, folder, kindsOf).parse(arguments);
 }
 
 QString CommandLine::help()

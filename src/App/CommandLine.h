@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Base/Localization.h"
+#include "Base/PathKind.h"
 #include "Text/LineNumber.h"
 
 #include <QString>
@@ -17,7 +18,7 @@
 struct CommandLine {
     enum class Request { openFiles, compare, showHelp, showVersion, refuse };
     struct File {
-        /// Absolute; it exists.
+        /// Absolute. What did not answer when it was asked for may not be there, or be no file.
         QString path;
         std::optional<LineNumber> line = std::nullopt;
         /// From 1, in UTF-16 units; 0 where none was given.
@@ -49,8 +50,11 @@ struct CommandLine {
 
     /// `arguments` without the program's own name; relative ones start at `folder`, "~/" at the home folder. What begins with "-" is an
     /// option unless it follows "--"; "+LINE" or "+LINE:COLUMN" is about the file after it. A file that is really called "a:12" is meant
-    /// before line 12 of "a".
-    [[nodiscard]] static CommandLine parse(const QStringList &arguments, const QString &folder);
+    /// before line 12 of "a", and one called "+12" before a place. All that may be names is asked for at once.
+    [[nodiscard]] static CommandLine parse(const QStringList &arguments, const QString &folder,
+                                           const PathKindQuery &kindsOf = patientQuery);
+    /// Waits as long as a start may take at most.
+    [[nodiscard]] static std::vector<PathKind> patientQuery(const QStringList &paths);
     [[nodiscard]] static QString help();
 };
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "App/MainMenu.h"
 
+#include "Base/FilePath.h"
 #include "Base/Translation.h"
 #include "Commands/ActionKeys.h"
 #include "Commands/Actions.h"
@@ -87,7 +88,7 @@ QStringList titlesOf(std::span<const RecentDocuments::Entry> entries)
     QStringList titles;
     for (const RecentDocuments::Entry &entry : entries) {
         // What follows a tab would be taken for a key.
-        titles << QFileInfo(entry.path).fileName().replace(u'\t', u' ');
+        titles << shownPath(QFileInfo(entry.path).fileName()).replace(u'\t', u' ');
     }
     const QStringList names = titles;
     constexpr int mostFolders = 100;
@@ -97,7 +98,7 @@ QStringList titlesOf(std::span<const RecentDocuments::Entry> entries)
             const auto place = qsizetype(index);
             if (before.count(before[place]) > 1) {
                 const QString folders = QFileInfo(entries[index].path).path().section(u'/', -count);
-                titles[place] = names[place] + u" – "_s + (folders.isEmpty() ? u"/"_s : folders);
+                titles[place] = names[place] + u" – "_s + (folders.isEmpty() ? u"/"_s : shownPath(folders));
             }
         }
         if (titles == before) {

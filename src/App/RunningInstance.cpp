@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "App/RunningInstance.h"
 
+#include "Base/FilePath.h"
+
 #include <QDBusAbstractAdaptor>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -50,7 +52,7 @@ public slots:
     {
         OpenRequest request = requestOf(platformData);
         for (const QString &uri : uris) {
-            if (const QString path = QUrl(uri).toLocalFile(); !path.isEmpty()) {
+            if (const QString path = localPath(QUrl(uri)); !path.isEmpty()) {
                 request.files.push_back({.path = path});
             }
         }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Base/AtomicFile.h"
 
+#include "Base/FilePath.h"
 #include "Base/Translation.h"
 
 #include <QCoreApplication>
@@ -43,7 +44,7 @@ auto retried(auto &&call)
 
 QString fileName(const QByteArray &path)
 {
-    return QFile::decodeName(path.mid(path.lastIndexOf('/') + 1));
+    return shownPath(decodedPath(path.mid(path.lastIndexOf('/') + 1)));
 }
 
 /// With its slash; empty for a name in the working folder.
@@ -189,11 +190,11 @@ void removeLeftBehind(const QByteArray &folder, FileCalls &calls)
 
 Result<AtomicFile> AtomicFile::open(const QString &path, NewFile newFile, FileCalls &calls, const QString &rescueFolder)
 {
-    auto target = followLinks(QFile::encodeName(path), calls);
+    auto target = followLinks(encodedPath(path), calls);
     if (!target) {
         return tl::make_unexpected(target.error());
     }
-    AtomicFile file(calls, *std::move(target), newFile, rescueFolder.isEmpty() ? QByteArray() : QFile::encodeName(rescueFolder) + '/');
+    AtomicFile file(calls, *std::move(target), newFile, rescueFolder.isEmpty() ? QByteArray() : encodedPath(rescueFolder) + '/');
     if (auto result = file.examineTarget(); !result) {
         return tl::make_unexpected(result.error());
     }
@@ -223,7 +224,7 @@ AtomicFile::~AtomicFile()
 
 QString AtomicFile::target() const
 {
-    return QFile::decodeName(m_target);
+    return decodedPath(m_target);
 }
 
 tl::unexpected<Error> AtomicFile::failed(int error) const
@@ -277,7 +278,7 @@ Result<void> AtomicFile::create()
         }
         m_inPlace = InPlace::folder;
     }
-    makePrivateFolder(QFile::decodeName(m_rescueFolder.chopped(1)), *m_calls);
+    makePrivateFolder(decodedPath(m_rescueFolder.chopped(1)), *m_calls);
     m_file = createIn(m_rescueFolder, {}, S_IRUSR | S_IWUSR);
     return m_file >= 0 ? Result<void>() : failed(errno);
 }
@@ -352,8 +353,8 @@ Result<AtomicFile::Written> AtomicFile::commit(const std::optional<Expectation> 
     }
     if (written) {
         removeLeftBehind(folderOf(m_target), *m_calls);
-        const QString target = QFile::decodeName(m_target);
-        for (const RescuedFile &rescued : rescuedFiles(QFile::decodeName(m_rescueFolder))) {
+        const QString target = decodedPath(m_target);
+        for (const RescuedFile &rescued : rescuedFiles(decodedPath(m_rescueFolder))) {
             if (rescued.target == target) {
                 removeRescued(rescued, *m_calls);
             }
@@ -657,7 +658,7 @@ Result<AtomicFile::Written> AtomicFile::writeInPlace(const std::optional<Expecta
         return failed(errno);
     }
     m_note = m_temporary.chopped(contentEnding.size()) + QByteArray(targetEnding.data(), targetEnding.size());
-    if (auto noted = writeAtomically(QFile::decodeName(m_note), m_target, NewFile::privateToUser, *m_calls); !noted) {
+    if (auto noted = writeAtomically(decodedPath(m_note), m_target, NewFile::privateToUser, *m_calls); !noted) {
         return tl::make_unexpected(noted.error());
     }
     if (expected) {
@@ -745,8 +746,8 @@ std::vector<RescuedFile> rescuedFiles(const QString &folder)
         QFile note(files.filePath(name.chopped(contentEnding.size()) + targetEnding));
         if (note.open(QIODevice::ReadOnly)) {
             found.push_back({.content = files.filePath(name),
-                             .target = QFile::decodeName(note.readAll()),
-                             .isBeingWritten = !isOfEndedProgram(QFile::encodeName(name))});
+                             .target = decodedPath(note.readAll()),
+                             .isBeingWritten = !isOfEndedProgram(encodedPath(name))});
         }
     }
     return found;
@@ -755,7 +756,7 @@ std::vector<RescuedFile> rescuedFiles(const QString &folder)
 void removeRescued(const RescuedFile &rescued, FileCalls &calls)
 {
     for (const QString &path : {rescued.content, rescued.content.chopped(contentEnding.size()) + targetEnding}) {
-        calls.unlink(QFile::encodeName(path).constData());
+        calls.unlink(encodedPath(path).constData());
     }
 }
 
@@ -768,9 +769,7 @@ Result<void> writeAtomically(const QString &path, QByteArrayView bytes, AtomicFi
 
 Result<QString> resolvedLinks(const QString &path)
 {
-    return followLinks(QFile::encodeName(path), FileCalls::system()).map([](const QByteArray &target) {
-        return QFile::decodeName(target);
-    });
+    return followLinks(encodedPath(path), FileCalls::system()).map([](const QByteArray &target) { return decodedPath(target); });
 }
 
 void makePrivateFolder(const QString &path, FileCalls &calls)
@@ -780,14 +779,14 @@ void makePrivateFolder(const QString &path, FileCalls &calls)
     }
     const QString parent = QFileInfo(path).path();
     makePrivateFolder(parent, calls);
-    if (calls.mkdir(QFile::encodeName(path).constData(), S_IRWXU) == 0) {
+    if (calls.mkdir(encodedPath(path).constData(), S_IRWXU) == 0) {
         flushFolder(parent, calls);
     }
 }
 
 void flushFolder(const QString &path, FileCalls &calls)
 {
-    const QByteArray name = QFile::encodeName(path);
+    const QByteArray name = encodedPath(path);
     const int folder = retried([&] { return calls.open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0); });
     if (folder >= 0) {
         std::ignore = retried([&] { return calls.fsync(folder); });

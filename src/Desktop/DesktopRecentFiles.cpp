@@ -3,6 +3,7 @@
 #include "Desktop/DesktopRecentFiles.h"
 
 #include "Base/AtomicFile.h"
+#include "Base/FilePath.h"
 #include "Base/StandardFolder.h"
 
 #include <QDir>
@@ -82,12 +83,6 @@ QDomElement childWith(const QDomElement &parent, const QString &tag, const QStri
     return made;
 }
 
-/// Escaped as most programs do it, some of which look for the very same characters.
-QString addressOf(const QString &path)
-{
-    return u"file://"_s + QString::fromLatin1(QUrl::toPercentEncoding(path, "/!$&'()*+,:=@"));
-}
-
 /// By the name, among the types of texts: what was opened here was one, even if it is called like a film.
 QString typeOf(const QString &path)
 {
@@ -145,7 +140,7 @@ std::optional<QByteArray> withRecentFiles(const QByteArray &xbel, const QStringL
     // By path, since programs do not agree on what has to be escaped in an address.
     QHash<QString, QDomElement> bookmarks;
     for (QDomElement bookmark = list.firstChildElement(tag); !bookmark.isNull(); bookmark = bookmark.nextSiblingElement(tag)) {
-        const QString path = QUrl(bookmark.attribute(address)).toLocalFile();
+        const QString path = localPath(QUrl(bookmark.attribute(address)));
         if (!bookmarks.contains(path)) {
             bookmarks[path] = bookmark;
         }

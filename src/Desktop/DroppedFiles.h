@@ -2,19 +2,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QFileInfo>
-#include <QMimeData>
 #include <QStringList>
-#include <QUrl>
 
-/// The files, folders left out, that lie on this machine and are dragged: their absolute paths in order.
-[[nodiscard]] inline QStringList droppedFiles(const QMimeData &content)
-{
-    QStringList paths;
-    for (const QUrl &url : content.urls()) {
-        if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isFile()) {
-            paths << url.toLocalFile();
-        }
-    }
-    return paths;
-}
+class QDropEvent;
+
+/// The files, folders left out, that lie on this machine and are dragged over something: their absolute paths in order. What they are is
+/// asked once a drag, when it comes; what does not answer soon counts as a file.
+class DroppedFiles final {
+public:
+    /// Of the event that enters, moves or drops.
+    [[nodiscard]] const QStringList &of(const QDropEvent &event);
+
+private:
+    QStringList m_paths;
+};

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Desktop/SystemDesktop.h"
 
+#include "Base/FilePath.h"
 #include "Base/Translation.h"
 #include "Desktop/Terminals.h"
 
@@ -20,7 +21,7 @@ namespace {
 
 void openFolder(const QString &path, const Desktop::Failure &failed)
 {
-    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).path()))) {
+    if (!QDesktopServices::openUrl(QUrl(addressOf(QFileInfo(path).path())))) {
         failed(localized(u"No file manager was found."));
     }
 }
@@ -55,7 +56,7 @@ void SystemDesktop::reveal(const QString &path, Failure failed)
     }
     QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s,
                                                        u"org.freedesktop.FileManager1"_s, u"ShowItems"_s);
-    call << QStringList{QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded)} << QString();
+    call << QStringList{addressOf(path)} << QString();
     auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call));
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
                      [path, failed = std::move(failed)](QDBusPendingCallWatcher *finished) {
@@ -72,7 +73,8 @@ Result<void> SystemDesktop::moveToTrash(const QString &path)
     if (file.moveToTrash()) {
         return {};
     }
-    return failure(formatted(localized(u"“%@” could not be moved to the Trash: %@"), QFileInfo(path).fileName(), file.errorString()));
+    return failure(
+        formatted(localized(u"“%@” could not be moved to the Trash: %@"), shownPath(QFileInfo(path).fileName()), file.errorString()));
 }
 
 Result<void> SystemDesktop::openTerminal(const QString &folder, const QString &preferredTerminal)

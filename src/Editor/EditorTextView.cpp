@@ -4,7 +4,6 @@
 
 #include "Base/Translation.h"
 #include "Commands/Actions.h"
-#include "Desktop/DroppedFiles.h"
 #include "Editor/EditorVim.h"
 #include "Text/TextStorage.h"
 
@@ -14,16 +13,6 @@
 #include <QMenu>
 
 #include <array>
-
-namespace {
-
-/// The files that a drag brings; none when it shall become text.
-QStringList filesOf(const QDropEvent &event)
-{
-    return event.modifiers().testFlag(Qt::AltModifier) ? QStringList() : droppedFiles(*event.mimeData());
-}
-
-} // namespace
 
 EditorTextView::EditorTextView(TextStorage &storage, UndoManager &undoManager, const Services &services, const QFont &font, QWidget *parent)
     : NumberedTextView(storage, undoManager, {services.scheduler, services.pasteboard}, font, parent), m_beep(services.beep)
@@ -215,11 +204,11 @@ bool EditorTextView::viewportEvent(QEvent *event)
     return TextView::viewportEvent(event);
 }
 
-/// True when what is dragged are files for the editor.
+/// True when what is dragged are files for the editor, and shall not become text.
 bool EditorTextView::takesFiles(QDropEvent &event)
 {
-    const QStringList paths = filesOf(event);
-    if (paths.isEmpty()) {
+    const QStringList &paths = m_files.of(event);
+    if (paths.isEmpty() || event.modifiers().testFlag(Qt::AltModifier)) {
         return false;
     }
     pointer().setDropCaret({});

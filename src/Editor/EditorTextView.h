@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Desktop/DroppedFiles.h"
 #include "Editor/NumberedTextView.h"
 #include "Highlighting/Language.h"
 #include "Text/LineEditing.h"
@@ -69,6 +70,7 @@ private:
     bool takesFiles(QDropEvent &event);
 
     EditorVim *m_vim = nullptr;
+    DroppedFiles m_files;
     std::function<void()> m_beep;
     Indentation m_indentation;
     AutoIndent m_autoIndent = AutoIndent::on;

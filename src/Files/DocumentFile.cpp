@@ -2,12 +2,15 @@
 // SPDX-License-Identifier: MIT
 #include "Files/DocumentFile.h"
 
+#include "Base/FilePath.h"
 #include "Base/Translation.h"
 #include "Files/TextHash.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
+
+#include <cstdlib>
+#include <memory>
 
 DocumentFile::WriteResult DocumentFile::write(const Snapshot &snapshot, FileCalls &files, const std::stop_token &stop)
 {
@@ -27,8 +30,8 @@ Result<QString> DocumentFile::copy(const Snapshot &snapshot, FileCalls &files)
 {
     const auto copy = TextFile::nextAvailableCopy(snapshot.path);
     if (!copy) {
-        return failure(
-            formatted(localized(u"There is no free name for a copy of “%@” in its folder."), QFileInfo(snapshot.path).fileName()));
+        return failure(formatted(localized(u"There is no free name for a copy of “%@” in its folder."),
+                                 shownPath(QFileInfo(snapshot.path).fileName())));
     }
     struct stat original = {};
     TextFile::WriteOptions options;
@@ -52,21 +55,29 @@ DocumentFile::ReadResult DocumentFile::read(const QString &path, std::optional<T
 
 QString DocumentFile::identityOf(const QString &path)
 {
-    const QString canonical = QFileInfo(path).canonicalFilePath();
-    return canonical.isEmpty() ? QDir::cleanPath(path) : canonical;
+    const auto resolved = [](const QString &name) {
+        const std::unique_ptr<char, decltype(&std::free)> found(::realpath(encodedPath(name).constData(), nullptr), std::free);
+        return found ? decodedPath(found.get()) : QString();
+    };
+    if (const QString file = resolved(path); !file.isEmpty()) {
+        return file;
+    }
+    const QString clean = QDir::cleanPath(path);
+    const QString folder = resolved(QFileInfo(clean).path());
+    return folder.isEmpty() ? clean : QDir(folder).filePath(QFileInfo(clean).fileName());
 }
 
 bool DocumentFile::hasChangedSince(const QString &path, const FileStamp &stamp, FileCalls &files)
 {
     struct stat status = {};
     const auto time = [](const timespec &value) { return std::pair(value.tv_sec, value.tv_nsec); };
-    return files.stat(QFile::encodeName(path).constData(), &status) == 0 && time(status.st_mtim) >= time(stamp.modified);
+    return files.stat(encodedPath(path).constData(), &status) == 0 && time(status.st_mtim) >= time(stamp.modified);
 }
 
 bool DocumentFile::isStill(const QString &path, const FileState &state, FileCalls &files)
 {
     struct stat status = {};
-    if (files.stat(QFile::encodeName(path).constData(), &status) != 0) {
+    if (files.stat(encodedPath(path).constData(), &status) != 0) {
         return false;
     }
     if (state.isSurelySameAs(status)) {

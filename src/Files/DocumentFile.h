@@ -51,7 +51,7 @@ public:
     [[nodiscard]] static ReadResult read(const QString &path, std::optional<TextEncoding> forcedEncoding, const TextSnapshot &current,
                                          FileCalls &files, const std::stop_token &stop);
 
-    /// One name for a file, however it is reached; of a file that is not there its path without "." and "..".
+    /// One name for a file, however it is reached; of a file that is not there that of its folder, and its name.
     [[nodiscard]] static QString identityOf(const QString &path);
     /// Also at the same time, since clocks tick a few times in a hundredth of a second only.
     [[nodiscard]] static bool hasChangedSince(const QString &path, const FileStamp &stamp, FileCalls &files);

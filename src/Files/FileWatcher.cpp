@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "Files/FileWatcher.h"
 
+#include "Base/FilePath.h"
 #include "Base/Workers.h"
 #include "Files/FileWatchEngine.h"
 
 #include <QDir>
-#include <QFile>
 
 using namespace Qt::StringLiterals;
 
@@ -16,7 +16,7 @@ FileWatcher::FileWatcher(FileWatcherQueue &queue, const QString &path, const std
       m_link(std::make_shared<FileWatchLink>())
 {
     m_link->onEvent = std::move(onEvent);
-    m_queue->post([link = m_link, name = QFile::encodeName(m_path), known](FileWatchEngine &engine) { engine.add(link, name, known); });
+    m_queue->post([link = m_link, name = encodedPath(m_path), known](FileWatchEngine &engine) { engine.add(link, name, known); });
 }
 
 void FileWatcher::stop()

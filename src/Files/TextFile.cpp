@@ -3,10 +3,9 @@
 #include "Files/TextFile.h"
 
 #include "Base/AtomicFile.h"
+#include "Base/FilePath.h"
 #include "Base/Translation.h"
 #include "Text/RegularExpression.h"
-
-#include <QFile>
 
 #include <algorithm>
 #include <cerrno>
@@ -46,6 +45,11 @@ QString lastComponent(QString path)
     return path.mid(path.lastIndexOf(u'/') + 1);
 }
 
+QString shownName(const QString &path)
+{
+    return shownPath(lastComponent(path));
+}
+
 /// Folds line breaks and passes the text on to a rope.
 class RopeSink final : public TextSink {
 public:
@@ -65,7 +69,7 @@ public:
     FileBytes(const QString &path, FileCalls &calls) : m_calls(calls)
     {
         // A pipe would otherwise keep us waiting for a writer.
-        m_file = calls.open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0);
+        m_file = calls.open(encodedPath(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0);
     }
     ~FileBytes()
     {
@@ -404,10 +408,14 @@ Result<std::optional<AtomicFile::Written>, TextFile::WriteError> writeEncoded(co
 
 QString TextFile::ReadError::description() const
 {
-    const QString name = lastComponent(path);
+    const QString name = shownName(path);
     switch (kind) {
     case Kind::notReadable:
-        return formatted(localized(u"“%@” could not be read."), name);
+        return formatted(localized(found == PathKind::folder ? u"“%@” is a folder."
+                                   : found == PathKind::special
+                                       ? u"“%@” cannot be opened, because it is a pipe, a socket or a device and not a file."
+                                       : u"“%@” could not be read."),
+                         name);
     case Kind::tooLarge:
         return formatted(localized(u"“%@” is %@, which is larger than the 100 MB limit."), name, formattedByteCount(size));
     case Kind::undecodable:
@@ -435,13 +443,21 @@ std::optional<QString> TextFile::ReadError::recoverySuggestion() const
 TextFile::ReadResult TextFile::read(const QString &path, std::optional<TextEncoding> forcedEncoding, FileCalls &calls)
 {
     const auto failed = [&](ReadError::Kind kind, qint64 size = 0) { return tl::make_unexpected(ReadError{kind, path, size}); };
+    const auto notThere = [&](PathKind found) {
+        return tl::make_unexpected(ReadError{.kind = ReadError::Kind::notReadable, .path = path, .found = found});
+    };
     struct stat named = {};
-    if (calls.stat(QFile::encodeName(path).constData(), &named) == 0 && S_ISREG(named.st_mode) && named.st_size > largestSize) {
-        return failed(ReadError::Kind::tooLarge, named.st_size);
+    if (calls.stat(encodedPath(path).constData(), &named) == 0) {
+        if (const PathKind found = kindOf(named); found != PathKind::file) {
+            return notThere(found);
+        }
+        if (named.st_size > largestSize) {
+            return failed(ReadError::Kind::tooLarge, named.st_size);
+        }
     }
     FileBytes bytes(path, calls);
     if (!bytes.isOpen()) {
-        return failed(ReadError::Kind::notReadable);
+        return notThere(errno == ENOENT ? PathKind::missing : PathKind::unknown);
     }
     // Passes over a file that others write to may see different bytes, so an attempt counts only if the file looks the same after it.
     // When it never does, its bytes are copied once and everything is decided on the copy.
@@ -490,7 +506,7 @@ TextFile::WriteResult TextFile::write(const Rope &text, const QString &path, Tex
         }
     }
     return tl::make_unexpected(
-        WriteError{{formatted(localized(u"“%@” could not be saved in the text encoding “%@”."), lastComponent(path), displayName(encoding)),
+        WriteError{{formatted(localized(u"“%@” could not be saved in the text encoding “%@”."), shownName(path), displayName(encoding)),
                     inapplicableEncodingError}});
 }
 
@@ -514,7 +530,7 @@ std::optional<QString> TextFile::nextAvailableCopy(const QString &path)
         const QString copy = folder + base + u' ' + QString::number(number) + extension;
         struct stat status = {};
         // A symbolic link that leads nowhere takes its name all the same.
-        if (FileCalls::system().lstat(QFile::encodeName(copy).constData(), &status) != 0) {
+        if (FileCalls::system().lstat(encodedPath(copy).constData(), &status) != 0) {
             return copy;
         }
     }

@@ -5,6 +5,7 @@
 #include "Base/AtomicFile.h"
 #include "Base/FileCalls.h"
 #include "Base/FileState.h"
+#include "Base/PathKind.h"
 #include "Base/Result.h"
 #include "Files/LineEnding.h"
 #include "Files/TextEncoding.h"
@@ -44,6 +45,8 @@ public:
         QString path;
         /// Bytes; only for `tooLarge`.
         qint64 size = 0;
+        /// What stands where the file should be; only for `notReadable`.
+        PathKind found = PathKind::unknown;
 
         /// A sentence with the file's name.
         [[nodiscard]] QString description() const;
@@ -67,7 +70,8 @@ public:
     };
 
     /// Reads the file block by block into the rope: beside the text itself it needs less than a megabyte. With `forcedEncoding` the
-    /// bytes are that or nothing, and a file that looks binary is read too. A file that others change meanwhile is read anew.
+    /// bytes are that or nothing, and a file that looks binary is read too. A file that others change meanwhile is read anew. What is no
+    /// regular file is not even opened, since that may have effects of its own.
     [[nodiscard]] static ReadResult read(const QString &path, std::optional<TextEncoding> forcedEncoding, FileCalls &calls);
     [[nodiscard]] static ReadResult read(const QString &path, std::optional<TextEncoding> forcedEncoding = std::nullopt)
     {

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Model/FileFollower.h"
 
-#include <QFileInfo>
+#include "Base/FilePath.h"
 
 void FileFollower::follow(const QString &path, const std::optional<FileStamp> &known)
 {
@@ -34,7 +34,7 @@ void FileFollower::look()
 {
     // On a worker: asking a share whose server is gone may take minutes.
     m_looking = BackgroundTask::start(
-        m_services.workers, [path = m_path](const std::stop_token &) { return QFileInfo::exists(path); },
+        m_services.workers, [path = m_path](const std::stop_token &) { return isThere(path); },
         [this](bool exists) {
             if (!exists) {
                 m_reading.cancel(); // of a file that was there

@@ -3,6 +3,7 @@
 #include "Model/RecentDocuments.h"
 
 #include "Base/AtomicFile.h"
+#include "Base/FilePath.h"
 
 #include <QDir>
 #include <QFile>
@@ -131,7 +132,7 @@ std::set<QString> RecentDocuments::existing(const std::vector<Entry> &entries)
     for (const auto &[path, bookmark] : entries) {
         if (!m_inquiries.contains(path)) {
             auto task = BackgroundTask::start(
-                m_workers, [path = path](const std::stop_token &) { return QFileInfo::exists(path); },
+                m_workers, [path = path](const std::stop_token &) { return isThere(path); },
                 [this, path = path](bool isThere) {
                     if (isThere) {
                         m_found.insert(path);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Model/TextDocument.h"
 
+#include "Base/FilePath.h"
 #include "Base/HomePath.h"
 #include "Base/Translation.h"
 #include "Highlighting/LanguageRegistry.h"
@@ -95,7 +96,7 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
         document->m_draftLooking = BackgroundTask::start(
             services.workers,
             [path, keptAt, state = contents.state, &files = services.files](const std::stop_token &) {
-                const bool exists = QFileInfo::exists(path);
+                const bool exists = isThere(path);
                 const bool isChanged =
                     state ? !DocumentFile::isStill(path, *state, files) : keptAt && DocumentFile::hasChangedSince(path, *keptAt, files);
                 return Found{DocumentFile::identityOf(path), exists, exists && isChanged};
@@ -201,7 +202,7 @@ QString TextDocument::displayName() const
     if (m_generatedTitle) {
         return *m_generatedTitle;
     }
-    return m_path.isEmpty() ? localized(u"Untitled") : QFileInfo(m_path).fileName();
+    return m_path.isEmpty() ? localized(u"Untitled") : shownPath(QFileInfo(m_path).fileName());
 }
 
 QString TextDocument::displayPath() const
@@ -212,7 +213,7 @@ QString TextDocument::displayPath() const
     if (m_path.isEmpty()) {
         return localized(u"Untitled - not saved");
     }
-    return abbreviatedPath(m_path);
+    return shownPath(abbreviatedPath(m_path));
 }
 
 void TextDocument::postMetadata() const

@@ -3,6 +3,7 @@
 #include "Settings/DefaultsStore.h"
 
 #include "Base/AtomicFile.h"
+#include "Base/FilePath.h"
 #include "Base/StandardFolder.h"
 
 #include <QDir>
@@ -190,7 +191,7 @@ bool DefaultsStore::setDamagedFileAside()
 /// As it is, or empty, since the format's own would be readable by all.
 bool DefaultsStore::makePrivateFile() const
 {
-    const QByteArray name = QFile::encodeName(m_path);
+    const QByteArray name = encodedPath(m_path);
     struct stat status = {};
     if (::stat(name.constData(), &status) == 0) {
         return S_ISREG(status.st_mode) &&

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "UI/DocumentActions.h"
 
+#include "Base/FilePath.h"
 #include "Base/Pasteboard.h"
 #include "Base/Translation.h"
 #include "Commands/Actions.h"
@@ -36,7 +37,7 @@ QString folderOf(const QString &path)
 
 QString nameOf(const QString &path)
 {
-    return QFileInfo(path).fileName();
+    return shownPath(QFileInfo(path).fileName());
 }
 
 /// Empty for a file that was replaced as a whole.
@@ -176,14 +177,13 @@ QString DocumentActions::folderBeside(const TextDocument &document) const
 /// A panel in a folder that does not answer would hang.
 bool DocumentActions::isFolderThere(const QString &folder) const
 {
-    bool isThere = false;
+    bool isFound = false;
     if (!folder.isEmpty()) {
         auto looking = BackgroundTask::start(
-            m_services.workers, [folder](const std::stop_token &) { return QFileInfo::exists(folder); },
-            [&isThere](bool found) { isThere = found; });
+            m_services.workers, [folder](const std::stop_token &) { return isThere(folder); }, [&isFound](bool found) { isFound = found; });
         std::ignore = looking.waitUntil(std::chrono::steady_clock::now() + m_services.documents.services().timeout);
     }
-    return isThere;
+    return isFound;
 }
 
 void DocumentActions::rememberPanelFolder(const QString &path)

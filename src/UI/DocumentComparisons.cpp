@@ -3,6 +3,7 @@
 
 // What a window shows of other texts than those that are edited: comparisons, and what the program says about itself.
 
+#include "Base/FilePath.h"
 #include "Base/HomePath.h"
 #include "Base/Translation.h"
 #include "Highlighting/LanguageRegistry.h"
@@ -81,7 +82,8 @@ void DocumentActions::compareWithFile()
             return;
         }
         readForComparison(*document, paths.first(), [this, document = document.get(), file = QFileInfo(paths.first())](const Rope &text) {
-            emit comparisonRequested({file.fileName(), abbreviatedPath(file.path()), text}, editorSide(*document), document->language());
+            emit comparisonRequested({shownPath(file.fileName()), shownPath(abbreviatedPath(file.path())), text}, editorSide(*document),
+                                     document->language());
         });
     });
 }

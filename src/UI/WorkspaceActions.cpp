@@ -136,7 +136,7 @@ void WorkspaceViewController::editFile(const ActionSender &sender)
     if (const QString name = sender.represented.toString(); name.isEmpty()) {
         perform(Actions::revertWithoutAsking);
     } else {
-        open({absoluteFilePath(name, QDir::currentPath())});
+        open({absoluteFilePath(name, workingFolder())});
     }
 }
 

@@ -2,23 +2,17 @@
 // SPDX-License-Identifier: MIT
 #include "Widgets/FileDropView.h"
 
-#include "Desktop/DroppedFiles.h"
-
 #include <QDropEvent>
 
-namespace {
-
-void offer(QDragMoveEvent &event)
+void FileDropView::offer(QDragMoveEvent &event)
 {
-    if (droppedFiles(*event.mimeData()).isEmpty()) {
+    if (m_files.of(event).isEmpty()) {
         event.ignore();
         return;
     }
     event.setDropAction(Qt::CopyAction);
     event.accept();
 }
-
-} // namespace
 
 void FileDropView::dragEnterEvent(QDragEnterEvent *event)
 {
@@ -32,7 +26,7 @@ void FileDropView::dragMoveEvent(QDragMoveEvent *event)
 
 void FileDropView::dropEvent(QDropEvent *event)
 {
-    const QStringList paths = droppedFiles(*event->mimeData());
+    const QStringList paths = m_files.of(*event);
     if (paths.isEmpty()) {
         event->ignore();
         return;

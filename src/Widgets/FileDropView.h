@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QStringList>
+#include "Desktop/DroppedFiles.h"
+
 #include <QWidget>
 
 #include <functional>
@@ -19,4 +20,9 @@ protected:
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragMoveEvent(QDragMoveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+
+private:
+    void offer(QDragMoveEvent &event);
+
+    DroppedFiles m_files;
 };

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Widgets/WidgetAlertPresenter.h"
 
+#include "Base/FilePath.h"
 #include "Base/Translation.h"
 #include "Widgets/FilePanel.h"
 #include "Widgets/FontDialog.h"
@@ -201,6 +202,13 @@ bool isOnScreen(const QWidget *window)
 }
 
 /// Puts `panel` into `folder`; the desktop chooses when there is none.
+QStringList chosenPaths(const QFileDialog &panel)
+{
+    QStringList paths;
+    std::ranges::transform(panel.selectedUrls(), std::back_inserter(paths), localPath);
+    return paths;
+}
+
 void startIn(QFileDialog &panel, const QString &folder)
 {
     if (!folder.isEmpty() && QDir(folder).exists()) {
@@ -266,7 +274,7 @@ void WidgetAlertPresenter::present(const OpenPanel &panel, QWidget *window, Open
         dialog->setLabelText(QFileDialog::Accept, panel.prompt);
     }
     QObject::connect(dialog, &QDialog::finished, &m_context, [dialog, completion = std::move(completion)](int result) {
-        completion(result == QDialog::Accepted ? dialog->selectedFiles() : QStringList());
+        completion(result == QDialog::Accepted ? chosenPaths(*dialog) : QStringList());
     });
     enqueue(dialog, window);
 }
@@ -278,7 +286,7 @@ void WidgetAlertPresenter::present(const SavePanel &panel, QWidget *window, Save
     startIn(*dialog, panel.startFolder);
     dialog->selectFile(panel.suggestedName);
     QObject::connect(dialog, &QDialog::finished, &m_context, [dialog, completion = std::move(completion)](int result) {
-        const QStringList paths = dialog->selectedFiles();
+        const QStringList paths = chosenPaths(*dialog);
         completion(result == QDialog::Accepted && !paths.isEmpty() ? std::optional(paths.first()) : std::nullopt);
     });
     enqueue(dialog, window);

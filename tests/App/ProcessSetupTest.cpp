@@ -13,7 +13,7 @@
 
 using namespace Qt::StringLiterals;
 
-TEST(ProcessSetup, ClosedStandardDescriptorsAreTakenByNobody)
+TEST(ProcessSetupDeathTest, ClosedStandardDescriptorsAreTakenByNobody)
 {
     const auto check = [] {
         for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
@@ -28,7 +28,7 @@ TEST(ProcessSetup, ClosedStandardDescriptorsAreTakenByNobody)
     EXPECT_EXIT(check(), testing::ExitedWithCode(0), "");
 }
 
-TEST(ProcessSetup, AFileThatMayNotGrowIsAnErrorAndLeavesNothingBehind)
+TEST(ProcessSetupDeathTest, AFileThatMayNotGrowIsAnErrorAndLeavesNothingBehind)
 {
     const TestFolder folder;
     const QString file = folder.put(u"file"_s, "old");

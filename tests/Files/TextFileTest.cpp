@@ -82,6 +82,13 @@ TEST_F(TextFileTest, SaysWhatItCannotRead)
         EXPECT_EQ(contents.error().kind, Kind::notReadable);
     }
     EXPECT_EQ(TextFile::read(path(u"missing"_s) + u'/').error().description(), u"“missing” could not be read.");
+    EXPECT_EQ(TextFile::read(path(u"missing"_s)).error().found, PathKind::missing);
+    FaultyCalls untouched;
+    untouched.before = [](std::string_view call) { return call == "open" ? EIO : 0; };
+    EXPECT_EQ(TextFile::read(path(u"pipe"_s), {}, untouched).error().description(),
+              u"“pipe” cannot be opened, because it is a pipe, a socket or a device and not a file.");
+    EXPECT_EQ(TextFile::read(path({}) + u"/."_s, {}, untouched).error().description(), u"“.” is a folder.");
+    EXPECT_TRUE(untouched.failedCall.empty()) << "to open a pipe lets its writer go on";
 
     const QString file = put(u"a"_s, QByteArray(600'000, 'a'));
     for (int step = 1;; ++step) {

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "App/RunningInstance.h"
+#include "Base/FilePath.h"
 #include "WindowFixture.h"
 
 #include <QPushButton>
@@ -226,6 +227,28 @@ TEST_F(WorkspaceTest, FilesAreDroppedAnywhere)
     EXPECT_EQ(tabs(0), (QStringList{u"a"_s, u"c"_s}));
     EXPECT_TRUE(pane(0).isActive());
     EXPECT_TRUE(presenter.alerts().empty());
+}
+
+TEST_F(WorkspaceTest, ANameNeedNotBeText)
+{
+    const QString file = path(decodedPath("caf\xE9.txt"));
+    ASSERT_TRUE(writeAtomically(file, "one", AtomicFile::NewFile::privateToUser));
+    EXPECT_EQ(::access((path({}).toUtf8() + "/caf\xE9.txt").constData(), F_OK), 0);
+    application.open(OpenRequest{.files = {{file}}});
+    EXPECT_EQ(tabs(), QStringList(u"caf\uFFFD.txt"_s));
+    type(u"more "_s);
+    send(Actions::saveDocument);
+    EXPECT_EQ(TextFile::read(file)->text.toString(), u"more one"_s);
+    EXPECT_EQ(recent.reachable().front().path, file);
+    // Others write to it.
+    ASSERT_TRUE(writeAtomically(file, "theirs", AtomicFile::NewFile::privateToUser));
+    for (int turn = 0; turn < 20; ++turn) {
+        QCoreApplication::processEvents();
+        scheduler.advance(Scheduler::Milliseconds(100));
+    }
+    EXPECT_EQ(text(), u"theirs"_s);
+    // The folder's own clearing cannot.
+    EXPECT_EQ(::unlink(encodedPath(file).constData()), 0);
 }
 
 TEST_F(WorkspaceTest, GoesToPlacesInFiles)
