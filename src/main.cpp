@@ -35,6 +35,7 @@ RunningInstance::Outcome handOver(const CommandLine &line)
                                      {.files = line.files,
                                       .opensNewWindow = line.opensNewWindow,
                                       .opensNewTab = line.opensNewTab,
+                                      .problems = line.problems,
                                       .stream = line.readsStandardInput ? STDIN_FILENO : -1,
                                       .activationToken = token},
                                      line.waits ? RunningInstance::Until::closed : RunningInstance::Until::taken, timeout);
@@ -74,7 +75,7 @@ int main(int argc, char **argv)
         arguments << decodedPath(argv[index]);
     }
     Localization::use(AppLanguage::system);
-    const CommandLine line = CommandLine::parse(arguments, workingFolder());
+    CommandLine line = CommandLine::parse(arguments, workingFolder());
     if (line.language) {
         Localization::use(*line.language);
     }
@@ -96,6 +97,10 @@ int main(int argc, char **argv)
         break;
     case CommandLine::Request::openFiles:
         break;
+    }
+    // In a window is said what nobody can have read here.
+    if (::isatty(STDERR_FILENO) != 0) {
+        line.problems.clear();
     }
     // The arguments are all read; the application object would look for its own among them.
     int applicationArguments = 1;

@@ -280,7 +280,7 @@ AppDelegate::Documents AppDelegate::launch(const QStringList &paths)
         workspace.openUntitled();
     }
     window.show();
-    const Documents opened = workspace.openWithin(restorationTimeout, paths);
+    const Documents opened = workspace.openWithin(restorationTimeout, paths, TextDocument::MissingFile::isMade);
     if (!workspace.currentDocument()) {
         workspace.openUntitled();
     }
@@ -344,14 +344,16 @@ void AppDelegate::open(const OpenRequest &request)
     for (const CommandLine::File &file : request.files) {
         paths << file.path;
     }
+    using MissingFile = TextDocument::MissingFile;
+    const MissingFile missingFile = request.mayNameNewFiles ? MissingFile::isMade : MissingFile::isError;
     if (request.opensNewWindow) {
         WorkspaceViewController &workspace = openWindow();
         workspace.window()->activateWindow();
-        const Documents opened = workspace.open(paths);
+        const Documents opened = workspace.open(paths, missingFile);
         m_lastActive = m_windows.back();
         handle(request, opened);
     } else {
-        handle(request, open(paths));
+        handle(request, open(paths, missingFile));
     }
 }
 
@@ -367,6 +369,9 @@ void AppDelegate::handle(const OpenRequest &request, const Documents &documents)
     MainWindowController *front = frontmostWindow();
     if (request.opensNewTab && front) {
         front->workspace().openUntitled();
+    }
+    if (!request.problems.isEmpty()) {
+        m_services.presenter.present(Alert::forError(shownPath(request.problems.join(u'\n')), {}), front, {});
     }
     Waiting waiting{request.waiter, request.closed, opened};
     const bool waitsForStream = request.files.empty() && request.stream >= 0;
@@ -470,12 +475,12 @@ void AppDelegate::openStream(int descriptor, const Waiting &waiting)
         }));
 }
 
-AppDelegate::Documents AppDelegate::open(const QStringList &paths)
+AppDelegate::Documents AppDelegate::open(const QStringList &paths, TextDocument::MissingFile missingFile)
 {
     MainWindowController *front = frontmostWindow();
     MainWindowController &window = front ? *front : makeWindow();
     window.comeToFront();
-    return paths.isEmpty() ? Documents() : window.workspace().open(paths);
+    return paths.isEmpty() ? Documents() : window.workspace().open(paths, missingFile);
 }
 
 void AppDelegate::openRecentDocument(const ActionSender &sender)

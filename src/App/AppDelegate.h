@@ -34,7 +34,7 @@ public:
     void compare(const QString &oldPath, const QString &newPath);
     /// What another start or the desktop asks for; the window comes to the front.
     void open(const OpenRequest &request);
-    /// What is left of it when its files are open, as `documents`: their places, the stream, those who wait.
+    /// What is left of it when its files are open, as `documents`: their places, the stream, problems, those who wait.
     void handle(const OpenRequest &request, const Documents &documents);
     /// Somebody who waited will not be notified: what it waited for is an ordinary text again. See OpenRequest.
     void forgetWaiter(const QString &waiter);
@@ -44,7 +44,7 @@ public:
     /// Ends the program within a second, without a question.
     void terminateNow();
     /// Files from outside, for the window in front; with none a window comes to the front. Returns their documents.
-    Documents open(const QStringList &paths);
+    Documents open(const QStringList &paths, TextDocument::MissingFile missingFile = TextDocument::MissingFile::isError);
 
     [[nodiscard]] MainWindowController &makeWindow(MainWindowController::Content content = MainWindowController::Content::untitledTab);
     /// In the order in which they came.

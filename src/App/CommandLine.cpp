@@ -133,9 +133,15 @@ private:
         candidates.front().line = std::exchange(m_nextLine, std::nullopt);
         candidates.front().column = std::exchange(m_nextColumn, 0);
         const CommandLine::File &file = likeliest(candidates);
+        // Who names a place has seen the file, and who ends with a slash means a folder.
+        const bool mayBeNew = m_line.request == CommandLine::Request::openFiles && candidates.size() == 1 && !argument.endsWith(u'/');
         switch (kindAt(file)) {
         case PathKind::missing:
-            addProblem(formatted(localized(u"“%@” does not exist."), argument));
+            if (mayBeNew) {
+                m_line.files.push_back(file);
+            } else {
+                addProblem(formatted(localized(u"“%@” does not exist."), argument));
+            }
             break;
         case PathKind::folder:
             addProblem(formatted(localized(u"“%@” is a folder."), argument));

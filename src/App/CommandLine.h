@@ -18,7 +18,7 @@
 struct CommandLine {
     enum class Request { openFiles, compare, showHelp, showVersion, refuse };
     struct File {
-        /// Absolute. What did not answer when it was asked for may not be there, or be no file.
+        /// Absolute. It may not exist yet, and what did not answer when it was asked for may be no file.
         QString path;
         std::optional<LineNumber> line = std::nullopt;
         /// From 1, in UTF-16 units; 0 where none was given.
@@ -39,7 +39,7 @@ struct CommandLine {
     bool readsStandardInput = false;
     /// Of the interface, this time.
     std::optional<AppLanguage> language = {};
-    /// For standard error, one a line: why the request is refused, or what is not opened.
+    /// Why the request is refused, or what is not opened. For standard error, one a line, and where nobody reads that for a window.
     QStringList problems = {};
 
     struct OptionRow;

@@ -177,8 +177,10 @@ int Program::run(const CommandLine &line)
     // Without a session there is one already.
     const TextDocument *shown = delegate.frontmostWindow()->workspace().currentDocument();
     const bool showsEmptyTab = shown && shown->isUntitled() && shown->storage().length() == 0;
-    OpenRequest request{
-        .files = line.files, .opensNewTab = line.opensNewTab && !showsEmptyTab, .stream = line.readsStandardInput ? STDIN_FILENO : -1};
+    OpenRequest request{.files = line.files,
+                        .opensNewTab = line.opensNewTab && !showsEmptyTab,
+                        .problems = line.problems,
+                        .stream = line.readsStandardInput ? STDIN_FILENO : -1};
     if (line.waits) {
         // With nobody to hand over to, this one is waited for itself.
         request.closed = [this](int status) {

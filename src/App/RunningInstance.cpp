@@ -25,6 +25,7 @@ constexpr auto objectPath = "/org/quillet/Quillet"_L1;
 constexpr auto tokenKey = "activation-token"_L1;
 constexpr auto newWindowKey = "new-window"_L1;
 constexpr auto newTabKey = "new-tab"_L1;
+constexpr auto problemsKey = "problems"_L1;
 constexpr auto streamKey = "stream"_L1;
 constexpr auto waitKey = "wait"_L1;
 
@@ -87,12 +88,14 @@ public:
 
 public slots:
     /// Lines and columns as in CommandLine::File, 0 for no line, one of each for every path. Options: "new-window", "new-tab",
-    /// "activation-token", "stream", and "wait", with which the exit status is answered when all is closed.
+    /// "activation-token", "problems", "stream", and "wait", with which the exit status is answered when all is closed.
     // NOLINTNEXTLINE(readability-identifier-naming): the bus calls it so
     int Open(const QStringList &paths, const QList<qlonglong> &lines, const QList<qlonglong> &columns, const QVariantMap &options,
              const QDBusMessage &call)
     {
         OpenRequest request = requestOf(options);
+        request.mayNameNewFiles = true;
+        request.problems = options.value(problemsKey).toStringList();
         for (qsizetype index = 0; index < paths.size(); ++index) {
             request.files.push_back({paths[index], lineFrom(lines.value(index)), qsizetype(columns.value(index))});
         }
@@ -136,6 +139,9 @@ RunningInstance::Outcome RunningInstance::handOver(QDBusConnection bus, const Op
         columns << file.column;
     }
     QVariantMap options{{newWindowKey, request.opensNewWindow}, {newTabKey, request.opensNewTab}, {tokenKey, request.activationToken}};
+    if (!request.problems.isEmpty()) {
+        options.insert(problemsKey, request.problems);
+    }
     if (request.stream >= 0) {
         options.insert(streamKey, QVariant::fromValue(QDBusUnixFileDescriptor(request.stream)));
     }

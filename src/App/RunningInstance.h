@@ -16,6 +16,10 @@ struct OpenRequest {
     std::vector<CommandLine::File> files = {};
     bool opensNewWindow = false;
     bool opensNewTab = false;
+    /// Files that do not exist are to be made by saving them.
+    bool mayNameNewFiles = false;
+    /// What is not opened, and why, for the user.
+    QStringList problems = {};
     /// What comes on it is opened too; below 0 there is none. Whoever is asked closes it.
     int stream = -1;
     /// By which the desktop lets a window come to the front; may be empty.

@@ -12,8 +12,25 @@
 #include <cstdlib>
 #include <memory>
 
+namespace {
+
+/// With all that is missing above it. What fails shows when the file is written.
+void makeFolder(const QString &path, FileCalls &files)
+{
+    constexpr mode_t openToAll = 0777; // but for what the user's mask says
+    if (!isThere(path)) {
+        makeFolder(QFileInfo(path).path(), files);
+        std::ignore = files.mkdir(encodedPath(path).constData(), openToAll);
+    }
+}
+
+} // namespace
+
 DocumentFile::WriteResult DocumentFile::write(const Snapshot &snapshot, FileCalls &files, const std::stop_token &stop)
 {
+    if (snapshot.missingFolder == MissingFolder::isMade) {
+        makeFolder(QFileInfo(snapshot.path).path(), files);
+    }
     TextFile::WriteOptions options{.expected = snapshot.expected, .rescueFolder = snapshot.rescueFolder};
     if (snapshot.expected && snapshot.expected->state && snapshot.expected->state->mode != 0) {
         // One that is gone gets back the permissions that it had.
@@ -35,7 +52,7 @@ Result<QString> DocumentFile::copy(const Snapshot &snapshot, FileCalls &files)
     }
     struct stat original = {};
     TextFile::WriteOptions options;
-    if (files.stat(QFile::encodeName(snapshot.path).constData(), &original) == 0) {
+    if (files.stat(encodedPath(snapshot.path).constData(), &original) == 0) {
         options.newFile = AtomicFile::NewFile(original.st_mode & 0777);
     }
     return TextFile::write(snapshot.text, *copy, snapshot.encoding, snapshot.lineEnding, files, options)

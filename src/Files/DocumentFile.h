@@ -14,6 +14,7 @@ class DocumentFile final {
 public:
     DocumentFile() = delete;
 
+    enum class MissingFolder { isError, isMade };
     /// A text on its way into a file.
     struct Snapshot {
         QString path;
@@ -25,6 +26,7 @@ public:
         std::optional<AtomicFile::Expectation> expected = std::nullopt;
         /// See AtomicFile::open().
         QString rescueFolder = {};
+        MissingFolder missingFolder = MissingFolder::isError;
     };
     struct Written {
         /// The file as it was written; what others did to it since is not in it.

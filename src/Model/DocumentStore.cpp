@@ -28,7 +28,8 @@ TextDocument &DocumentStore::add(std::unique_ptr<TextDocument> document)
     return added;
 }
 
-std::vector<DocumentStore::OpenResult> DocumentStore::open(const QStringList &paths, std::chrono::milliseconds timeout)
+std::vector<DocumentStore::OpenResult> DocumentStore::open(const QStringList &paths, std::chrono::milliseconds timeout,
+                                                           TextDocument::MissingFile missingFile)
 {
     // Each has a thread while it is read.
     constexpr qsizetype mostAtOnce = 16;
@@ -45,7 +46,9 @@ std::vector<DocumentStore::OpenResult> DocumentStore::open(const QStringList &pa
         const QStringList portion = paths.mid(first, mostAtOnce);
         std::vector<std::unique_ptr<TextDocument>> readings;
         for (const QString &path : portion) {
-            readings.push_back(documentAt(path) ? nullptr : TextDocument::awaiting(m_services, path));
+            readings.push_back(documentAt(path) ? nullptr
+                                                : TextDocument::awaiting(m_services, path, TextEncoding::utf8, LineEnding::lf,
+                                                                         QUuid::createUuid(), missingFile));
         }
         for (qsizetype index = 0; index < portion.size(); ++index) {
             auto &reading = readings[size_t(index)];

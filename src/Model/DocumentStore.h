@@ -39,7 +39,8 @@ public:
     using OpenResult = Result<Opened, TextFile::ReadError>;
     /// The documents of files, which are read where they are not open yet, nor kept unsaved; one for each of `paths`, which are absolute.
     /// Files that are not read within `timeout` still are waiting.
-    [[nodiscard]] std::vector<OpenResult> open(const QStringList &paths, std::chrono::milliseconds timeout);
+    [[nodiscard]] std::vector<OpenResult> open(const QStringList &paths, std::chrono::milliseconds timeout,
+                                               TextDocument::MissingFile missingFile = TextDocument::MissingFile::isError);
     /// Gives the document up, and what was kept of it elsewhere. Nothing happens when it is not here.
     void remove(const TextDocument &document);
     /// The document that was opened by the name `path`, which is absolute, or whose file has that as its identity; null when there is none.

@@ -82,7 +82,7 @@ void TextDocument::setGeneratedText(const QString &text)
 
 std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &services, const QString &path,
                                                       const TextFile::Contents &contents, const QUuid &id,
-                                                      const std::optional<FileStamp> &keptAt)
+                                                      const std::optional<FileStamp> &keptAt, MissingFile missingFile)
 {
     std::unique_ptr<TextDocument> document(new TextDocument(services, path, QDir::cleanPath(path), contents, id));
     document->m_isDraft = true;
@@ -101,12 +101,14 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
                     state ? !DocumentFile::isStill(path, *state, files) : keptAt && DocumentFile::hasChangedSince(path, *keptAt, files);
                 return Found{DocumentFile::identityOf(path), exists, exists && isChanged};
             },
-            [self = document.get(), path](const Found &found) {
+            [self = document.get(), path, missingFile](const Found &found) {
                 if (self->m_path != path) {
                     return;
                 }
                 self->m_identity = found.identity;
-                if (!found.exists) {
+                if (!found.exists && missingFile == MissingFile::isMade) {
+                    self->m_isNewFile = true;
+                } else if (!found.exists) {
                     self->takeDeleted();
                 } else if (found.isChanged) {
                     self->m_follower.read();
@@ -117,7 +119,7 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
 }
 
 std::unique_ptr<TextDocument> TextDocument::awaiting(const DocumentServices &services, const QString &path, TextEncoding encoding,
-                                                     LineEnding lineEnding, const QUuid &id)
+                                                     LineEnding lineEnding, const QUuid &id, MissingFile missingFile)
 {
     const TextFile::Contents nothing{.text = {}, .encoding = encoding, .lineEnding = lineEnding};
     std::unique_ptr<TextDocument> document(new TextDocument(services, path, QDir::cleanPath(path), nothing, id));
@@ -127,16 +129,17 @@ std::unique_ptr<TextDocument> TextDocument::awaiting(const DocumentServices &ser
         [path, &files = services.files](const std::stop_token &) {
             return Arrival{TextFile::read(path, std::nullopt, files), DocumentFile::identityOf(path)};
         },
-        [self = document.get()](const Arrival &arrival) { self->arrive(arrival); });
+        [self = document.get(), missingFile](const Arrival &arrival) { self->arrive(arrival, missingFile); });
     return document;
 }
 
-void TextDocument::arrive(const Arrival &arrival)
+void TextDocument::arrive(const Arrival &arrival, MissingFile missingFile)
 {
     const std::shared_ptr<TextDocument> self = weak_from_this().lock(); // it may be removed by those who are notified
     const auto waiting = std::exchange(m_whenArrived, {});
     m_externalState = ExternalState::none;
-    if (!arrival.contents) {
+    const bool isNew = missingFile == MissingFile::isMade && !arrival.contents && arrival.contents.error().found == PathKind::missing;
+    if (!arrival.contents && !isNew) {
         m_arrival.error = arrival.contents.error();
     } else {
         m_identity = arrival.identity;
@@ -145,7 +148,8 @@ void TextDocument::arrive(const Arrival &arrival)
     if (m_arrival.error || m_arrival.twin) {
         m_services.notifications.post(didFailToArrive, this);
     } else {
-        takeArrived(*arrival.contents);
+        takeArrived(arrival.contents.value_or(TextFile::Contents{.encoding = m_encoding, .lineEnding = m_lineEnding}));
+        m_isNewFile = isNew;
     }
     for (const auto &then : waiting) {
         then();
@@ -317,7 +321,7 @@ void TextDocument::transformForSaving()
     }
 }
 
-void TextDocument::save(const QString &path, const SaveCompletion &completion)
+void TextDocument::save(const QString &path, const SaveCompletion &completion, DocumentFile::MissingFolder missingFolder)
 {
     if (isWaiting()) {
         if (completion) {
@@ -334,6 +338,7 @@ void TextDocument::save(const QString &path, const SaveCompletion &completion)
     }
     Save &save = m_saves.back();
     save.snapshot = snapshotOf(*this, path);
+    save.snapshot.missingFolder = missingFolder;
     if (completion) {
         save.completions.push_back(completion);
     }
@@ -436,6 +441,7 @@ void TextDocument::agreeWithFile(const Rope &text, const std::optional<FileState
     m_savedText.set(text, hash);
     m_isDirty = false;
     m_isDraft = false;
+    m_isNewFile = false;
     m_externalState = ExternalState::none;
 }
 

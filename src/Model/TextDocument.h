@@ -82,6 +82,9 @@ public:
         waiting,
     };
 
+    /// What it means that there is no file: an error, or that the first save makes it.
+    enum class MissingFile { isError, isMade };
+
     /// `path` is empty for a text without a file; no contents are an empty text. Asks no file system.
     TextDocument(const DocumentServices &services, const QString &path, const std::optional<TextFile::Contents> &contents,
                  const QUuid &id = QUuid::createUuid());
@@ -90,12 +93,12 @@ public:
     /// `keptAt`. Asks no file system by itself: that may hang.
     [[nodiscard]] static std::unique_ptr<TextDocument> fromDraft(const DocumentServices &services, const QString &path,
                                                                  const TextFile::Contents &contents, const QUuid &id,
-                                                                 const std::optional<FileStamp> &keptAt = std::nullopt);
+                                                                 const std::optional<FileStamp> &keptAt = std::nullopt,
+                                                                 MissingFile missingFile = MissingFile::isError);
     /// A file that is being read. Until its text is there it has the encoding and the line ending given.
-    [[nodiscard]] static std::unique_ptr<TextDocument> awaiting(const DocumentServices &services, const QString &path,
-                                                                TextEncoding encoding = TextEncoding::utf8,
-                                                                LineEnding lineEnding = LineEnding::lf,
-                                                                const QUuid &id = QUuid::createUuid());
+    [[nodiscard]] static std::unique_ptr<TextDocument>
+    awaiting(const DocumentServices &services, const QString &path, TextEncoding encoding = TextEncoding::utf8,
+             LineEnding lineEnding = LineEnding::lf, const QUuid &id = QUuid::createUuid(), MissingFile missingFile = MissingFile::isError);
     /// A text that the program makes itself and nobody saves.
     [[nodiscard]] static std::unique_ptr<TextDocument> generated(const DocumentServices &services, const QString &title,
                                                                  const QString &text, const Language &language);
@@ -115,6 +118,8 @@ public:
     [[nodiscard]] const QString &identity() const { return m_identity; }
     [[nodiscard]] bool isUntitled() const { return m_path.isEmpty(); }
     [[nodiscard]] bool isGenerated() const { return m_generatedTitle.has_value(); }
+    /// It has a path, at which there was no file yet.
+    [[nodiscard]] bool isNewFile() const { return m_isNewFile; }
     /// The generated title, else the file's name, else "Untitled".
     [[nodiscard]] QString displayName() const;
     /// The path with the home folder as "~", or what the text is when it has none.
@@ -178,7 +183,8 @@ public:
 
     /// Writes the text as it is now to `path`, which becomes its file, after trimming and ending the text as the settings want. When that
     /// fails the document is as it was, except for that. Refused while it waits for its text.
-    void save(const QString &path, const SaveCompletion &completion = {});
+    void save(const QString &path, const SaveCompletion &completion = {},
+              DocumentFile::MissingFolder missingFolder = DocumentFile::MissingFolder::isError);
     /// Takes the file's text, after what is being written; the history goes. Does nothing without a file. When it cannot be read nothing
     /// has changed; when the text is edited or saved meanwhile, nothing comes of it, and nobody is notified.
     void revertToFileOnDisk(const ReadCompletion &completion = {});
@@ -201,7 +207,7 @@ private:
     TextDocument(const DocumentServices &services, const QString &path, const QString &identity,
                  const std::optional<TextFile::Contents> &contents, const QUuid &id);
 
-    void arrive(const Arrival &arrival);
+    void arrive(const Arrival &arrival, MissingFile missingFile);
     void takeArrived(const TextFile::Contents &contents);
     /// Plain text for a text with a line of megabytes.
     [[nodiscard]] const Language &colouredLanguage() const;
@@ -242,6 +248,7 @@ private:
     std::vector<std::function<void(bool)>> m_whenSaved;
     bool m_isDirty = false;
     bool m_isDraft = false;
+    bool m_isNewFile = false;
     ArrivalFailure m_arrival;
     std::optional<qsizetype> m_endBeforeReload;
     ExternalState m_externalState = ExternalState::none;

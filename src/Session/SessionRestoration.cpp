@@ -61,6 +61,7 @@ public:
     }
 
 private:
+    using MissingFile = TextDocument::MissingFile;
     struct Made {
         QUuid idInSnapshot;
         /// Null for the file of another entry.
@@ -73,6 +74,12 @@ private:
     {
         const bool isUsable = !id.isNull() && !m_store.hasUnreadableDraft(id);
         return isUsable && m_ids.insert(id).second ? id : QUuid::createUuid();
+    }
+
+    [[nodiscard]] bool wasTypedBeforeItsFile(const QUuid &id) const
+    {
+        const auto edited = m_store.edited(id, Rope());
+        return edited && !edited->isEmpty();
     }
 
     void restore(const SessionSnapshot::Document &entry)
@@ -96,7 +103,8 @@ private:
                 m_made.push_back({entry.id, nullptr, path});
                 return;
             }
-            document = TextDocument::awaiting(m_documents.services(), path, empty.encoding, empty.lineEnding, unusedId(entry.id));
+            document = TextDocument::awaiting(m_documents.services(), path, empty.encoding, empty.lineEnding, unusedId(entry.id),
+                                              wasTypedBeforeItsFile(entry.id) ? MissingFile::isMade : MissingFile::isError);
             document->whenArrived([&store = m_store, arrived = document.get()] { editArrived(store, *arrived); });
         }
         if (const auto language = LanguageRegistry::withID(entry.languageID.value_or(QString()))) {
@@ -128,7 +136,9 @@ private:
         const auto edited = m_store.edited(entry.id, *text);
         contents.text = edited.value_or(*text);
         contents.state = entry.fileState;
-        auto document = TextDocument::fromDraft(m_documents.services(), path, contents, unusedId(entry.id), m_store.draftStamp(name));
+        // Where no file is remembered, there was none.
+        auto document = TextDocument::fromDraft(m_documents.services(), path, contents, unusedId(entry.id), m_store.draftStamp(name),
+                                                contents.state ? MissingFile::isError : MissingFile::isMade);
         if (edited) {
             m_store.adoptEdits(*document);
         } else {

@@ -3,6 +3,7 @@
 #include "UI/DocumentActions.h"
 
 #include "Base/FilePath.h"
+#include "Base/HomePath.h"
 #include "Base/Pasteboard.h"
 #include "Base/Translation.h"
 #include "Commands/Actions.h"
@@ -21,6 +22,7 @@
 #include <QPointer>
 
 #include <array>
+#include <cerrno>
 
 using namespace Qt::StringLiterals;
 
@@ -233,17 +235,46 @@ void DocumentActions::save(TextDocument &document, const Completion &completion)
         saveAs(document, completion);
         return;
     }
-    document.save(document.path(), [self = QPointer(this), completion](const Result<AtomicFile::InPlace> &saved) {
+    saveAtPath(document, completion, DocumentFile::MissingFolder::isError);
+}
+
+void DocumentActions::saveAtPath(TextDocument &document, const Completion &completion, DocumentFile::MissingFolder missingFolder)
+{
+    const auto take = [self = QPointer(this), document = &document, isNew = document.isNewFile(), path = document.path(), missingFolder,
+                       completion](const Result<AtomicFile::InPlace> &saved) {
         if (!self) {
             return;
         }
         if (saved) {
+            if (isNew) {
+                self->m_services.recent.note({path});
+            }
             const QString remark = remarkOn(*saved);
             emit self->messageShown(remark.isEmpty() ? localized(u"Saved") : remark, remark.isEmpty() ? shortFlash : longFlash);
+        } else if (isNew && saved.error().code == ENOENT && missingFolder == DocumentFile::MissingFolder::isError) {
+            self->askForFolder(*document, completion);
+            return;
         } else {
             self->presentSaveError(saved.error());
         }
         completion(saved.has_value());
+    };
+    document.save(document.path(), take, missingFolder);
+}
+
+/// Somebody named a file in a folder that does not exist either.
+void DocumentActions::askForFolder(TextDocument &document, const Completion &completion)
+{
+    const Alert question{.messageText = formatted(localized(u"The folder “%@” does not exist. Do you want to create it?"),
+                                                  shownPath(abbreviatedPath(folderOf(document.path())))),
+                         .informativeText = formatted(localized(u"“%@” is saved there."), document.displayName()),
+                         .buttons = {{localized(u"Create Folder")}, {localized(u"Cancel"), AlertButtonRole::cancel}}};
+    present(question, [this, document = document.shared_from_this(), completion](int button) {
+        if (button == AlertReply::firstButton) {
+            saveAtPath(*document, completion, DocumentFile::MissingFolder::isMade);
+        } else {
+            completion(false);
+        }
     });
 }
 
@@ -508,7 +539,7 @@ void DocumentActions::chooseEncoding(TextEncoding encoding)
     if (!document) {
         return;
     }
-    if (document->isUntitled() || document->hasUnsavedText()) {
+    if (document->isUntitled() || document->isNewFile() || document->hasUnsavedText()) {
         document->setEncoding(encoding);
         return;
     }

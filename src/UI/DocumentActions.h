@@ -52,6 +52,8 @@ private:
     void saveDocument();
     void saveDocumentAs();
     void saveAt(const QString &path, TextDocument &document, const Completion &completion);
+    void saveAtPath(TextDocument &document, const Completion &completion, DocumentFile::MissingFolder missingFolder);
+    void askForFolder(TextDocument &document, const Completion &completion);
     void saveAll(const PaneLayout::Documents &documents, const Completion &completion);
     void revertDocumentToSaved();
     void revertWithoutAsking();

@@ -11,7 +11,6 @@
 #include "UI/WorkspaceViewController.h"
 #include "Widgets/AlertPresenter.h"
 
-#include <QDir>
 #include <QPointer>
 
 #include <array>

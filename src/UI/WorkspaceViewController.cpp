@@ -82,7 +82,7 @@ void WorkspaceViewController::connectParts()
     // Commands that are about the current document go on from here to where they are carried out.
     setNextResponder(&m_documentActions);
     m_documentActions.setNextResponder(nearestResponder(parent()));
-    connect(&m_documentActions, &DocumentActions::filesChosen, this, &WorkspaceViewController::open);
+    connect(&m_documentActions, &DocumentActions::filesChosen, this, [this](const QStringList &paths) { open(paths); });
     connect(&m_documentActions, &DocumentActions::documentMade, this, &WorkspaceViewController::showDocument);
     connect(&m_documentActions, &DocumentActions::messageShown, m_statusBar, &StatusBarView::flash);
     connect(m_statusBar, &StatusBarView::languageChosen, &m_documentActions, &DocumentActions::chooseLanguage);
@@ -346,13 +346,14 @@ void WorkspaceViewController::removePlaceholder(const std::shared_ptr<TextDocume
     }
 }
 
-PaneLayout::Documents WorkspaceViewController::openWithin(std::chrono::milliseconds timeout, const QStringList &paths)
+PaneLayout::Documents WorkspaceViewController::openWithin(std::chrono::milliseconds timeout, const QStringList &paths,
+                                                          MissingFile missingFile)
 {
     std::optional<TextFile::ReadError> firstError;
     PaneLayout::Documents all;
     PaneLayout::Documents shown;
-    QStringList readPaths;
-    for (const DocumentStore::OpenResult &opened : m_services.documents.open(paths, timeout)) {
+    PaneLayout::Documents read;
+    for (const DocumentStore::OpenResult &opened : m_services.documents.open(paths, timeout, missingFile)) {
         all.push_back(opened ? opened->document : nullptr);
         if (!opened) {
             firstError = firstError.value_or(opened.error());
@@ -366,7 +367,7 @@ PaneLayout::Documents WorkspaceViewController::openWithin(std::chrono::milliseco
         if (opened->isNew && opened->document->isWaiting()) {
             reportWhenArrived(*opened->document);
         } else if (opened->isNew) {
-            readPaths << opened->document->path();
+            read.push_back(opened->document);
         }
     }
     if (!shown.empty()) {
@@ -375,7 +376,7 @@ PaneLayout::Documents WorkspaceViewController::openWithin(std::chrono::milliseco
         removePlaceholder(empty);
         focusPaneShowing(*shown.back());
     }
-    m_services.recent.note(readPaths);
+    noteOpened(read);
     if (firstError) {
         presentError(*firstError);
     }
@@ -388,9 +389,23 @@ void WorkspaceViewController::reportWhenArrived(TextDocument &document)
         if (workspace && document.arrivalFailure().error) {
             workspace->presentError(*document.arrivalFailure().error);
         } else if (workspace) {
-            workspace->m_services.recent.note({document.path()});
+            workspace->noteOpened({document.shared_from_this()});
         }
     });
+}
+
+void WorkspaceViewController::noteOpened(const PaneLayout::Documents &documents)
+{
+    constexpr std::chrono::seconds flash{5};
+    QStringList files;
+    for (const auto &document : documents) {
+        if (document->isNewFile()) {
+            m_statusBar->flash(formatted(localized(u"“%@” does not exist yet. Saving creates it."), document->displayName()), flash);
+        } else {
+            files << document->path();
+        }
+    }
+    m_services.recent.note(files);
 }
 
 void WorkspaceViewController::presentError(const TextFile::ReadError &error)

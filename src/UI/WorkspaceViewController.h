@@ -43,8 +43,12 @@ public:
     /// Opens files into tabs of the active pane. One that is open somewhere is only shown. Of those that cannot be read the first is
     /// told about, when the others are open. A window's only, empty tab goes. Returns the documents of the paths, null for what cannot be
     /// read; files that are not there soon have tabs that wait, or go when it turns out that they cannot be read.
-    PaneLayout::Documents open(const QStringList &paths) { return openWithin(m_services.documents.services().timeout, paths); }
-    PaneLayout::Documents openWithin(std::chrono::milliseconds timeout, const QStringList &paths);
+    using MissingFile = TextDocument::MissingFile;
+    PaneLayout::Documents open(const QStringList &paths, MissingFile missingFile = MissingFile::isError)
+    {
+        return openWithin(m_services.documents.services().timeout, paths, missingFile);
+    }
+    PaneLayout::Documents openWithin(std::chrono::milliseconds timeout, const QStringList &paths, MissingFile missingFile);
     /// Shows a document that exists already.
     void adopt(TextDocument &document);
     TextDocument &openUntitled();
@@ -99,6 +103,7 @@ private:
 
     void dropDocumentsThatCannotBeRead();
     void reportWhenArrived(TextDocument &document);
+    void noteOpened(const PaneLayout::Documents &documents);
     void presentError(const TextFile::ReadError &error);
 
     // Commands

@@ -14,7 +14,7 @@ class CommandLineTest : public testing::Test, protected TestFolder {
 protected:
     CommandLineTest()
     {
-        for (const QString &name : {u"a.txt"_s, u"-b"_s, u"a:12"_s, u"inner/c"_s}) {
+        for (const QString &name : {u"a.txt"_s, u"-b"_s, u"a:12"_s, u"+12"_s, u"inner/c"_s}) {
             put(name, "");
         }
     }
@@ -23,15 +23,17 @@ protected:
 
 } // namespace
 
-TEST_F(CommandLineTest, FilesThatExistAreOpened)
+TEST_F(CommandLineTest, FilesAreOpenedAlsoNewOnes)
 {
-    const CommandLine line = parse({u"./inner/../a.txt"_s, u"missing"_s, u"inner"_s, path(u"a:12"_s), u"--"_s, u"-b"_s, u"--help"_s});
+    const CommandLine line =
+        parse({u"./inner/../a.txt"_s, u"new"_s, u"none/"_s, u"inner"_s, path(u"a:12"_s), u"\uFEFFmark"_s, u"--"_s, u"-b"_s, u"--help"_s});
     EXPECT_EQ(line.request, CommandLine::Request::openFiles);
-    EXPECT_EQ(line.files, (Files{{path(u"a.txt"_s)}, {path(u"a:12"_s)}, {path(u"-b"_s)}}));
-    ASSERT_EQ(line.problems.size(), 3);
-    EXPECT_TRUE(line.problems[0].contains(u"missing"_s));
+    EXPECT_EQ(
+        line.files,
+        (Files{{path(u"a.txt"_s)}, {path(u"new"_s)}, {path(u"a:12"_s)}, {path(u"\uFEFFmark"_s)}, {path(u"-b"_s)}, {path(u"--help"_s)}}));
+    ASSERT_EQ(line.problems.size(), 2);
+    EXPECT_TRUE(line.problems[0].contains(u"none/"_s));
     EXPECT_TRUE(line.problems[1].contains(u"folder"_s));
-    EXPECT_TRUE(line.problems[2].contains(u"--help"_s));
 
     const QString fromHome = QDir::home().relativeFilePath(path(u"a.txt"_s));
     EXPECT_EQ(parse({u"~/"_s + fromHome}).files, (Files{{path(u"a.txt"_s)}}));
@@ -57,15 +59,31 @@ TEST_F(CommandLineTest, PlacesStandBehindOrBeforeAFile)
         {{u"+"_s, u"a.txt"_s}, {{a, LineNumber(end)}}},
         {{u"+99999999999999999999"_s, u"a.txt"_s}, {{a, LineNumber(end)}}},
         {{u"--"_s, u"a.txt:2"_s}, {{a, LineNumber(2)}}},
+        {{u"+12"_s, u"+7"_s, u"a.txt"_s}, {{path(u"+12"_s)}, {a, LineNumber(7)}}},
+        {{u"+7"_s, u"new"_s}, {{path(u"new"_s), LineNumber(7)}}},
     };
     for (const auto &[arguments, files] : rows) {
         const CommandLine line = parse(arguments);
         EXPECT_EQ(line.files, files) << arguments.join(u' ').toStdString();
         EXPECT_TRUE(line.problems.isEmpty()) << arguments.join(u' ').toStdString();
     }
-    for (const QString &name : {u"missing:7"_s, u"a.txt:x"_s, u"a.txt:"_s, u":7"_s, u"+x"_s}) {
-        EXPECT_TRUE(parse({name}).problems.value(0).contains(name)) << name.toStdString();
+    EXPECT_TRUE(parse({u"missing:7"_s}).problems.value(0).contains(u"missing:7"_s));
+    for (const QString &name : {u"a.txt:x"_s, u"a.txt:"_s, u":7"_s, u"+x"_s}) {
+        EXPECT_EQ(parse({name}).files, (Files{{path(name)}})) << "no place";
     }
+}
+
+TEST_F(CommandLineTest, WhatDoesNotAnswerIsOpenedAndAskedForOnce)
+{
+    int queries = 0;
+    const auto silence = [&queries](const QStringList &paths) {
+        ++queries;
+        return std::vector(size_t(paths.size()), PathKind::unknown);
+    };
+    const CommandLine line = CommandLine::parse({u"+3"_s, u"/dead/a"_s, u"/dead/b:12"_s, u"/dead/c:12:3"_s, u"-w"_s}, u"/dead"_s, silence);
+    EXPECT_EQ(line.files, (Files{{u"/dead/a"_s, LineNumber(3)}, {u"/dead/b"_s, LineNumber(12)}, {u"/dead/c"_s, LineNumber(12), 3}}));
+    EXPECT_TRUE(line.problems.isEmpty() && line.waits);
+    EXPECT_EQ(queries, 1);
 }
 
 TEST_F(CommandLineTest, OptionsAreKnownOrRefused)

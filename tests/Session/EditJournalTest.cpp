@@ -146,10 +146,12 @@ TEST_F(EditJournalTest, WhatIsTypedComesBackBeforeAnyTick)
 {
     TextDocument &file = addFile(u"a.txt"_s, u"in the file"_s);
     TextDocument &untitled = add({});
+    TextDocument &notMadeYet = add({}, path(u"new.txt"_s));
     expectAllBack("nothing typed");
     for (int count = 0; count < 3; ++count) {
         file.storage().apply({{2, 1}, u"x"_s});
         untitled.storage().apply({{0, 0}, u"ä\U0001F600"_s});
+        notMadeYet.storage().apply({{0, 0}, u"z"_s});
         expectAllBack("no draft yet");
     }
     file.setLineEnding(LineEnding::crlf);

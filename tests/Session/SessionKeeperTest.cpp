@@ -132,10 +132,12 @@ TEST_F(SessionKeeperTest, WhatOthersDidToAFileIsKnownAfterTheNextStart)
                                                     {"written with the same bytes", State::none},
                                                     {"replaced by an older file", State::conflicted},
                                                     {"written, shown and not saved over", State::conflicted},
-                                                    {"gone", State::deleted}};
+                                                    {"gone", State::deleted},
+                                                    {"never there", State::none}};
     Documents all;
     for (const auto &[what, state] : cases) {
-        all.push_back(addFile(QString::fromUtf8(what), u"theirs"_s));
+        const QString name = QString::fromUtf8(what);
+        all.push_back(all.size() < 5 ? addFile(name, u"theirs"_s) : add({}, path(name)));
         edit(*all.back(), u"mine"_s);
     }
     showInWindow(all);

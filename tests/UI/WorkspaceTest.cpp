@@ -229,6 +229,41 @@ TEST_F(WorkspaceTest, FilesAreDroppedAnywhere)
     EXPECT_TRUE(presenter.alerts().empty());
 }
 
+TEST_F(WorkspaceTest, AFileThatIsNotThereYetIsMadeByItsFirstSave)
+{
+    const QString file = path(u"none/yet/new.c"_s);
+    application.open(OpenRequest{.files = {{file}}});
+    EXPECT_EQ(lastAlert(), u"“new.c” could not be read."_s) << "the desktop does not make files";
+    application.open(OpenRequest{.files = {{path(u"empty"_s)}, {path({})}, {file, LineNumber(3)}}, .mayNameNewFiles = true});
+    EXPECT_EQ(lastAlert(), u"“%1” is a folder."_s.arg(QFileInfo(path({})).fileName()));
+    EXPECT_EQ(tabs(), (QStringList{u"empty"_s, u"new.c"_s}));
+    ASSERT_FALSE(flashes.isEmpty());
+    EXPECT_TRUE(flashes.last().contains(u"new.c"_s));
+    EXPECT_EQ(workspace().currentDocument()->language().id(), u"c"_s);
+    EXPECT_TRUE(recent.entries().empty());
+    presenter.answer(AlertReply::secondButton);
+    type(u"int x;"_s);
+    send(Actions::saveDocument);
+    EXPECT_TRUE(lastAlert().contains(path(u"none/yet"_s))) << lastAlert().toStdString();
+    EXPECT_FALSE(QFileInfo::exists(path(u"none"_s)));
+    EXPECT_TRUE(workspace().currentDocument()->isDirty());
+    presenter.answer(AlertReply::firstButton);
+    send(Actions::saveDocument);
+    EXPECT_EQ(read(file), "int x;");
+    EXPECT_EQ(recent.entries().front().path, file);
+    const size_t alerts = presenter.alerts().size();
+    send(Actions::closeTab);
+    send(Actions::closeTab);
+    EXPECT_EQ(presenter.alerts().size(), alerts) << "what is empty and was never saved is no loss";
+    EXPECT_FALSE(QFileInfo::exists(path(u"empty"_s)));
+    // Somebody else was faster.
+    application.open(OpenRequest{.files = {{path(u"race"_s)}}, .mayNameNewFiles = true});
+    type(u"mine"_s);
+    put(u"race"_s, "theirs");
+    send(Actions::saveDocument);
+    EXPECT_EQ(read(u"race"_s), "theirs");
+}
+
 TEST_F(WorkspaceTest, ANameNeedNotBeText)
 {
     const QString file = path(decodedPath("caf\xE9.txt"));
@@ -249,6 +284,12 @@ TEST_F(WorkspaceTest, ANameNeedNotBeText)
     EXPECT_EQ(text(), u"theirs"_s);
     // The folder's own clearing cannot.
     EXPECT_EQ(::unlink(encodedPath(file).constData()), 0);
+}
+
+TEST_F(WorkspaceTest, ProblemsOfTheCommandLineAreShownWhereNobodyReadsThem)
+{
+    application.open(OpenRequest{.problems = {u"“a” is a folder."_s, u"“b:7” does not exist."_s}});
+    EXPECT_EQ(lastAlert(), u"“a” is a folder.\n“b:7” does not exist."_s);
 }
 
 TEST_F(WorkspaceTest, GoesToPlacesInFiles)

@@ -107,7 +107,7 @@ class OneProgram(unittest.TestCase):
         gone = self.start("--wait", "b.txt")
         gone.kill()
         gone.wait()
-        self.assertEqual(self.code(self.start("--wait", "missing")), 1)
+        self.assertEqual(self.code(self.start("--wait", "missing:7")), 1)
         first.terminate()
         self.assertEqual(self.code(waiting), 0, "nothing was edited")
 
@@ -129,7 +129,7 @@ class OneProgram(unittest.TestCase):
         alone = self.start_with("a.txt")
         self.end(alone)
         self.assertEqual(alone.stderr.read(), "")
-        self.assertEqual(self.code(self.start("--wait", "missing")), 1, "nothing to wait for")
+        self.assertEqual(self.code(self.start("--wait", "missing:7")), 1, "nothing to wait for")
 
 
 if __name__ == "__main__":
