@@ -73,7 +73,7 @@ DocumentStore::OpenResult DocumentStore::takeOpened(const QString &path, std::un
         return tl::make_unexpected(*read->arrivalFailure().error);
     }
     // Those before it may have come meanwhile.
-    if (auto open = otherOfFile(read->identity(), *read)) {
+    if (auto open = otherOfFile(read->file().identity(), *read)) {
         return Opened{.document = std::move(open)};
     }
     return Opened{.document = add(std::move(read)).shared_from_this(), .isNew = true};
@@ -98,14 +98,14 @@ std::shared_ptr<TextDocument> DocumentStore::documentAt(const QString &path) con
 {
     const QString clean = QDir::cleanPath(path);
     const auto found = std::ranges::find_if(
-        m_documents, [&](const auto &open) { return !open->isUntitled() && (open->path() == clean || open->identity() == clean); });
+        m_documents, [&](const auto &open) { return !open->isUntitled() && (open->path() == clean || open->file().identity() == clean); });
     return found == m_documents.end() ? nullptr : *found;
 }
 
 std::shared_ptr<TextDocument> DocumentStore::otherOfFile(const QString &identity, const TextDocument &asking) const
 {
     const auto found = std::ranges::find_if(
-        m_documents, [&](const auto &open) { return open.get() != &asking && !open->isUntitled() && open->identity() == identity; });
+        m_documents, [&](const auto &open) { return open.get() != &asking && !open->isUntitled() && open->file().identity() == identity; });
     return found == m_documents.end() ? nullptr : *found;
 }
 

@@ -34,6 +34,9 @@ public:
 
     /// From now on the file at `path`, none if that is empty, which is known to be as `known` says, or as it is found.
     void follow(const QString &path, const std::optional<FileStamp> &known);
+    /// See DocumentFile::identityOf; of the file when it was opened or saved.
+    [[nodiscard]] const QString &identity() const { return m_identity; }
+    void setIdentity(const QString &identity) { m_identity = identity; }
     /// The file as it was when the text was last read from it or written to it; none where that is unknown.
     [[nodiscard]] const std::optional<FileState> &state() const { return m_state; }
     void agreeOn(const std::optional<FileState> &state);
@@ -56,6 +59,7 @@ private:
 
     Services m_services;
     QString m_path;
+    QString m_identity;
     std::optional<FileState> m_state;
     std::optional<FileState> m_shown;
     std::unique_ptr<FileWatcher> m_watcher;

@@ -38,7 +38,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
 TextDocument::TextDocument(const DocumentServices &services, const QString &path, const QString &identity,
                            const std::optional<TextFile::Contents> &contents, const QUuid &id)
     : m_services(services), m_id(id), m_undoManager(m_storage, [&scheduler = services.scheduler] { return scheduler.now(); }), m_path(path),
-      m_identity(identity), m_requests(services.scheduler, services.workers, [this] { postMetadata(); }),
+      m_requests(services.scheduler, services.workers, [this] { postMetadata(); }),
       m_savedText(m_storage, services.scheduler, services.workers, [this](bool isSaved) { setDirty(!isSaved); }),
       m_follower({.scheduler = services.scheduler,
                   .workers = services.workers,
@@ -48,6 +48,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
                   .changed = [this](const FileReading &reading) { takeChanged(reading); },
                   .deleted = [this] { takeDeleted(); }})
 {
+    m_follower.setIdentity(identity);
     if (contents) {
         {
             const UndoManager::Pause pause(m_undoManager);
@@ -105,7 +106,7 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
                 if (self->m_path != path) {
                     return;
                 }
-                self->m_identity = found.identity;
+                self->m_follower.setIdentity(found.identity);
                 if (!found.exists && missingFile == MissingFile::isMade) {
                     self->m_isNewFile = true;
                 } else if (!found.exists) {
@@ -142,8 +143,8 @@ void TextDocument::arrive(const Arrival &arrival, MissingFile missingFile)
     if (!arrival.contents && !isNew) {
         m_arrival.error = arrival.contents.error();
     } else {
-        m_identity = arrival.identity;
-        m_arrival.twin = m_services.otherOfFile ? m_services.otherOfFile(m_identity, *this) : nullptr;
+        m_follower.setIdentity(arrival.identity);
+        m_arrival.twin = m_services.otherOfFile ? m_services.otherOfFile(arrival.identity, *this) : nullptr;
     }
     if (m_arrival.error || m_arrival.twin) {
         m_services.notifications.post(didFailToArrive, this);
@@ -411,7 +412,7 @@ void TextDocument::takeWritten(const DocumentFile::Snapshot &snapshot, const Doc
     if (m_services.discardDraft && !m_isDirty) {
         m_services.discardDraft(m_id);
     }
-    m_identity = written.identity;
+    m_follower.setIdentity(written.identity);
     if (snapshot.path != m_path) {
         // A file of the user's from now on.
         m_generatedTitle.reset();

@@ -114,8 +114,6 @@ public:
     [[nodiscard]] const QString &path() const { return m_path; }
     /// What is known of the file.
     [[nodiscard]] const FileFollower &file() const { return m_follower; }
-    /// See DocumentFile::identityOf; of the document's file when it was opened or saved there.
-    [[nodiscard]] const QString &identity() const { return m_identity; }
     [[nodiscard]] bool isUntitled() const { return m_path.isEmpty(); }
     [[nodiscard]] bool isGenerated() const { return m_generatedTitle.has_value(); }
     /// It has a path, at which there was no file yet.
@@ -238,7 +236,6 @@ private:
     TextStorage m_storage;
     UndoManager m_undoManager;
     QString m_path;
-    QString m_identity;
     Awaited m_awaited = Awaited::no;
     FileRequests m_requests;
     std::vector<std::function<void()>> m_whenArrived;
