@@ -285,10 +285,10 @@ AppDelegate::Documents AppDelegate::launch(const QStringList &paths)
         workspace.openUntitled();
     }
     if (m_services.session.isHeldByOther() && preferences.value(Settings::restoreSession)) {
-        inform(
-            localized(u"Quillet is running already."),
-            localized(u"The other one keeps the session. This one works as well, but its tabs do not come back at the next start, and it "
-                      u"asks about unsaved changes before it ends. If it cannot ask, they come back when no other one is running."));
+        inform(localized(u"Quillet is running already."),
+               localized(
+                   u"The other one keeps the session. This one works as well, but its tabs do not come back at the next start, and it "
+                   u"asks about unsaved changes before it ends. If it cannot ask, unsaved texts come back when no other one is running."));
     }
     return opened;
 }

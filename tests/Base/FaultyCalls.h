@@ -4,8 +4,10 @@
 
 #include "Base/FileCalls.h"
 
+#include <atomic>
 #include <cerrno>
 #include <functional>
+#include <mutex>
 #include <string>
 #include <type_traits>
 
@@ -16,7 +18,7 @@ public:
     int failAt = 0;
     int killAt = 0;
     int error = EIO;
-    int steps = 0;
+    std::atomic<int> steps = 0;
     std::string failedCall;
     /// Asked before every call; what it returns is the call's `errno`, 0 to go on.
     std::function<int(const char *call)> before;
@@ -74,17 +76,19 @@ public:
 
 private:
     FileCalls &m_real = FileCalls::system();
+    std::mutex m_mutex;
 
     size_t cut(size_t count) const { return portion != 0 && portion < count ? portion : count; }
 
     bool isRefused(const char *name)
     {
-        ++steps;
-        int refusal = steps == failAt || (killAt != 0 && steps >= killAt) ? error : 0;
+        const int number = ++steps;
+        int refusal = number == failAt || (killAt != 0 && number >= killAt) ? error : 0;
         if (refusal == 0 && before) {
             refusal = before(name);
         }
         if (refusal != 0) {
+            const std::lock_guard lock(m_mutex);
             failedCall = failedCall.empty() ? name : failedCall;
             errno = refusal;
         }

@@ -194,7 +194,7 @@ TEST_F(EditJournalTest, IsOnDiskWithinASecond)
     text.storage().apply({{0, 0}, u"1"_s});
     scheduler.advance(800ms);
     expectWritten(*store);
-    int flushes = 0;
+    std::atomic<int> flushes = 0;
     calls.before = [&flushes](const char *call) {
         flushes += std::string(call) == "fsync" ? 1 : 0;
         return 0;
