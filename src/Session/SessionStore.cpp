@@ -479,8 +479,9 @@ quint64 SessionStore::beginJournal(const TextDocument &document, const Rope &bas
 
 void SessionStore::forgetEdits(const QUuid &document)
 {
-    if ((m_journals.erase(document) | m_adoptedEdits.erase(document)) != 0) {
-        m_journal->drop(document, m_journal->nextNumber());
+    if (m_journals.contains(document) || m_adoptedEdits.contains(document)) {
+        // With its draft, and after it: what is typed next builds on the file, and is to be found from the draft until that is gone.
+        discardDraft(document);
     }
 }
 

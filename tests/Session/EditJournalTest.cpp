@@ -11,6 +11,8 @@
 
 #include <QDirIterator>
 
+#include <semaphore>
+
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
@@ -52,6 +54,10 @@ protected:
     [[nodiscard]] std::map<QUuid, std::pair<QString, QString>> killed()
     {
         expectWritten(*store);
+        return killedNow();
+    }
+    [[nodiscard]] std::map<QUuid, std::pair<QString, QString>> killedNow()
+    {
         const QString copy = path(u"copy"_s);
         QDir(copy).removeRecursively();
         for (QDirIterator files(root(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); files.hasNext();) {
@@ -186,6 +192,39 @@ TEST_F(EditJournalTest, EditsOfAFileThatOthersWroteAreSetAside)
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found.begin()->second.second, u"by another program"_s);
     EXPECT_EQ(leftAside, 1);
+}
+
+TEST_F(EditJournalTest, EditsGoAfterTheDraftThatTheyBuildOn)
+{
+    TextDocument &file = addFile(u"a.txt"_s, u"text"_s);
+    file.storage().apply({{0, 0}, u"1"_s});
+    keeper->performAutosave();
+    expectWritten(*store);
+    file.storage().apply({{0, 1}, u""_s});
+    settle(500ms);
+    ASSERT_FALSE(file.hasUnsavedText());
+    // The session is being written, and the draft that it does not name is there as long as it takes.
+    std::binary_semaphore mayGoOn(0);
+    calls.before = [&](const char *call) {
+        if (std::string(call) == "rename") {
+            mayGoOn.acquire();
+        }
+        return 0;
+    };
+    keeper->performAutosave();
+    file.storage().apply({{0, 0}, u"2"_s});
+    const auto isJournalled = [this] {
+        return std::ranges::any_of(journals(), [this](const QString &name) {
+            const auto journal = EditJournal::parse(TestFolder::read(u"Quillet/Journal/"_s + name));
+            return journal && !journal->changes.empty() && journal->changes.back()[0].text == Rope(u"2"_s);
+        });
+    };
+    while (!isJournalled()) {
+    }
+    const auto found = killedNow();
+    mayGoOn.release();
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found.begin()->second.second, u"2text"_s);
 }
 
 TEST_F(EditJournalTest, IsOnDiskWithinASecond)
