@@ -45,9 +45,11 @@ public:
         }
         // What was typed into texts that no snapshot and no draft knew yet.
         for (const SessionSnapshot::Document &entry : m_saved.edited) {
+            const size_t before = m_made.size();
             if (!m_ids.contains(entry.id)) {
                 restore(entry);
             }
+            std::for_each(m_made.begin() + qsizetype(before), m_made.end(), [](Made &made) { made.isForEdits = true; });
         }
         while (!m_rescued.empty()) {
             const QString path = m_rescued.begin()->first;
@@ -67,6 +69,8 @@ private:
         /// Null for the file of another entry.
         std::unique_ptr<TextDocument> document;
         QString path;
+        /// Nobody asks for it but for what was typed into it.
+        bool isForEdits = false;
     };
 
     /// Ids that were damaged into copies of each other still are texts of their own.
@@ -100,7 +104,7 @@ private:
                 return;
             }
             if (m_paths.contains(path)) {
-                m_made.push_back({entry.id, nullptr, path});
+                m_made.push_back({.idInSnapshot = entry.id, .document = nullptr, .path = path});
                 return;
             }
             document = TextDocument::awaiting(m_documents.services(), path, empty.encoding, empty.lineEnding, unusedId(entry.id),
@@ -208,7 +212,7 @@ private:
     void add(const QUuid &id, std::unique_ptr<TextDocument> document, const QString &path)
     {
         m_paths.insert(path);
-        m_made.push_back({id, std::move(document), path});
+        m_made.push_back({.idInSnapshot = id, .document = std::move(document), .path = path});
     }
 
     /// The store gets the document when it has its text: a highlighter would colour all of that as an edit.
@@ -221,6 +225,10 @@ private:
             }
             if (const auto &twin = made.document->arrivalFailure().twin) {
                 m_restored.push_back({made.idInSnapshot, twin});
+                return;
+            }
+            if (made.isForEdits && !made.document->isWaiting() && !made.document->hasUnsavedText()) {
+                m_store.discardEdits(made.document->id());
                 return;
             }
             const auto added = m_documents.add(std::move(made.document)).shared_from_this();

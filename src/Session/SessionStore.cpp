@@ -459,6 +459,9 @@ void SessionStore::noteEdit(const TextDocument &document, const TextChange &chan
         }
         std::ignore = beginJournal(document, change.before, revision - 1);
         journal = m_journals.find(id);
+    } else if (document.isSaving() && !journal->second.isOfSave) {
+        // What came before may be in the file already.
+        std::ignore = beginJournal(document, change.before, revision - 1);
     }
     m_journal->append(id, change.edits);
     journal->second.revision = revision;
@@ -473,7 +476,7 @@ void SessionStore::noteEdit(const TextDocument &document, const TextChange &chan
 /// What is appended to it from now on changes `base`.
 quint64 SessionStore::beginJournal(const TextDocument &document, const Rope &base, quint64 revision)
 {
-    m_journals[document.id()] = {.revision = revision};
+    m_journals[document.id()] = {.revision = revision, .isOfSave = document.isSaving()};
     return m_journal->begin(document.id(), entryOf(document, {}), base);
 }
 

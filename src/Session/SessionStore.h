@@ -192,6 +192,8 @@ private:
         quint64 revision = 0;
         /// Bytes, about.
         qsizetype size = 0;
+        /// It began while the file was being written.
+        bool isOfSave = false;
     };
     std::map<QUuid, Journal> m_journals;
     /// Of earlier programs.

@@ -186,12 +186,22 @@ TEST_F(EditJournalTest, WhatIsTypedComesBackBeforeAnyTick)
 TEST_F(EditJournalTest, EditsOfAFileThatOthersWroteAreSetAside)
 {
     TextDocument &file = addFile(u"a.txt"_s, u"text"_s);
+    keeper->performAutosave();
     file.storage().apply({{4, 0}, u" typed"_s});
     TestFolder::put(u"a.txt"_s, "by another program");
     const auto found = killed();
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found.begin()->second.second, u"by another program"_s);
     EXPECT_EQ(leftAside, 1);
+}
+
+TEST_F(EditJournalTest, BringsNoFileBackForEditsThatWereTakenBack)
+{
+    TextDocument &file = addFile(u"a.txt"_s, u"text"_s);
+    file.storage().apply({{0, 0}, u"1"_s});
+    EXPECT_EQ(killed().size(), 1U) << "no session knows of it";
+    file.storage().apply({{0, 1}, u""_s});
+    EXPECT_TRUE(killed().empty());
 }
 
 TEST_F(EditJournalTest, EditsGoAfterTheDraftThatTheyBuildOn)
@@ -225,6 +235,25 @@ TEST_F(EditJournalTest, EditsGoAfterTheDraftThatTheyBuildOn)
     mayGoOn.release();
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found.begin()->second.second, u"2text"_s);
+}
+
+TEST_F(EditJournalTest, WhatIsTypedDuringASaveFitsOnBothFiles)
+{
+    TextDocument &file = addFile(u"a.txt"_s, u"text"_s);
+    file.storage().apply({{0, 0}, u"1"_s});
+    workers.isHeld = true;
+    file.save(file.path());
+    file.storage().apply({{0, 0}, u"2"_s});
+    workers.isHeld = false;
+    for (const char *content : {"text", "1text"}) {
+        TestFolder::put(u"a.txt"_s, content);
+        const auto found = killed();
+        EXPECT_EQ(found.begin()->second.second, u"21text"_s) << content;
+    }
+    workers.finish();
+    QCoreApplication::processEvents();
+    expectWritten(*store);
+    EXPECT_EQ(draftOf(file.id()), "21text") << "at once";
 }
 
 TEST_F(EditJournalTest, IsOnDiskWithinASecond)
