@@ -263,7 +263,9 @@ class Rounds:
         typed = time.monotonic()
         while time.monotonic() < typed + JOURNAL_TIME:
             self.home.trace()
-        self.note_certain(state, state.number)
+        # Texts; a tab of a file waits for the tick.
+        self.certain |= {identity: self.version(identity, text["text"]) for identity, text in state.texts.items()
+                         if text["isUnsaved"] and text["text"]}
         self.kill()
 
     def kill(self):
