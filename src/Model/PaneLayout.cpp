@@ -75,7 +75,7 @@ void PaneLayout::erase(int pane)
     m_active = isEmpty() ? -1 : std::max(pane - 1, 0);
 }
 
-void PaneLayout::closeTab(int pane, int tab)
+void PaneLayout::closeTab(int pane, int tab, Selected kept)
 {
     Pane &changed = at(pane);
     if (changed.count() == 1) {
@@ -83,7 +83,8 @@ void PaneLayout::closeTab(int pane, int tab)
         return;
     }
     changed.tabs.erase(changed.tabs.begin() + tab);
-    changed.selected = std::min(changed.selected - (tab < changed.selected ? 1 : 0), changed.count() - 1);
+    const bool goesLeft = kept == Selected::tab && tab < changed.selected;
+    changed.selected = std::min(changed.selected - (goesLeft ? 1 : 0), changed.count() - 1);
 }
 
 void PaneLayout::remove(int pane)
@@ -191,20 +192,20 @@ PaneLayout PaneLayout::moving(int pane, int from, int to) const
     return next;
 }
 
-PaneLayout PaneLayout::closing(int pane, int tab) const
+PaneLayout PaneLayout::closing(int pane, int tab, Selected kept) const
 {
     PaneLayout next = *this;
     if (hasPane(pane) && tab >= 0 && tab < next.at(pane).count()) {
-        next.closeTab(pane, tab);
+        next.closeTab(pane, tab, kept);
     }
     return next;
 }
 
-PaneLayout PaneLayout::closing(const TextDocument &document) const
+PaneLayout PaneLayout::closing(const TextDocument &document, Selected kept) const
 {
     PaneLayout next = *this;
     for (int pane = next.paneShowing(document); pane >= 0; pane = next.paneShowing(document)) {
-        next.closeTab(pane, next.at(pane).indexOf(document));
+        next.closeTab(pane, next.at(pane).indexOf(document), kept);
     }
     return next;
 }

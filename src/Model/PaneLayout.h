@@ -77,11 +77,12 @@ public:
     [[nodiscard]] PaneLayout selectingNext(int step) const;
     /// The tab at `from` is at `to` afterwards; what was selected is selected.
     [[nodiscard]] PaneLayout moving(int pane, int from, int to) const;
-    /// What is selected stays so; when that is the tab which closes, its right neighbour is, or else the last one. No panes are left when
-    /// it was the only tab.
-    [[nodiscard]] PaneLayout closing(int pane, int tab) const;
+    /// What is selected when a tab left of it closes: the tab that comes into its place, or what was selected before.
+    enum class Selected { place, tab };
+    /// When the selected tab closes, its right neighbour is selected, or else the last one. No panes are left when it was the only tab.
+    [[nodiscard]] PaneLayout closing(int pane, int tab, Selected kept = Selected::place) const;
     /// In every pane.
-    [[nodiscard]] PaneLayout closing(const TextDocument &document) const;
+    [[nodiscard]] PaneLayout closing(const TextDocument &document, Selected kept = Selected::place) const;
     /// Gives what no other pane shows to the neighbour, which is active. The only pane stays.
     [[nodiscard]] PaneLayout removing(int pane) const;
     [[nodiscard]] PaneLayout removingOthers() const;
@@ -96,7 +97,7 @@ private:
     void addPane(const Documents &documents, int selected);
     void show(const Document &document);
     void erase(int pane);
-    void closeTab(int pane, int tab);
+    void closeTab(int pane, int tab, Selected kept);
     void remove(int pane);
 
     std::vector<Pane> m_panes;

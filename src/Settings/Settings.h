@@ -82,6 +82,8 @@ inline constexpr Setting<VimKeymapPreset> vimKeymapPreset("editor.vimKeymapPrese
 inline constexpr Setting<bool> vimSharesClipboard("editor.vimSharesClipboard"_L1, true,
                                                   {.title = u"Share yanks with the system clipboard"});
 
+inline constexpr Setting<bool> keepCurrentTab("tabs.keepCurrent"_L1, false, {.title = u"Keep the current tab when another one closes"});
+
 inline constexpr auto editingRows = std::to_array<SettingRow>({
     {.setting = tabWidth, .control = "tabWidthPopUp"_L1, .offered = usualTabWidths},
     {.setting = insertSpaces},
@@ -99,6 +101,7 @@ inline constexpr auto editingRows = std::to_array<SettingRow>({
              u"are not here. See the README for the full list."},
     {.setting = vimSharesClipboard,
      .note = u"Vim's clipboard=unnamedplus: y and d also copy to the macOS clipboard, and p pastes what was copied in another app."},
+    {.setting = keepCurrentTab, .place = startsGroup},
 });
 
 // Saving

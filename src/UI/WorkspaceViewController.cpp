@@ -542,7 +542,12 @@ void WorkspaceViewController::takeTab(int pane, const TextDocument &document)
     if (m_layout.tabCount() == 1) {
         openUntitled();
     }
-    setPaneLayout(m_layout.closing(pane, m_layout.panes()[size_t(pane)].indexOf(document)));
+    setPaneLayout(m_layout.closing(pane, m_layout.panes()[size_t(pane)].indexOf(document), keptSelection()));
+}
+
+PaneLayout::Selected WorkspaceViewController::keptSelection() const
+{
+    return m_services.preferences.value(Settings::keepCurrentTab) ? PaneLayout::Selected::tab : PaneLayout::Selected::place;
 }
 
 /// The document is gone.
@@ -551,7 +556,7 @@ void WorkspaceViewController::takeTabs(const TextDocument &document)
     if (m_layout.countOf(document) > 0 && m_layout.closing(document).isEmpty()) {
         openUntitled();
     }
-    setPaneLayout(m_layout.closing(document));
+    setPaneLayout(m_layout.closing(document, keptSelection()));
 }
 
 void WorkspaceViewController::moveTabToNewWindow()

@@ -91,6 +91,7 @@ private:
     /// In any window, but for that pane of this one.
     [[nodiscard]] bool isShownBeside(int pane, const TextDocument &document) const;
     void takeTab(int pane, const TextDocument &document);
+    [[nodiscard]] PaneLayout::Selected keptSelection() const;
     void takeTabs(const TextDocument &document);
     void showDocument(TextDocument &document);
     void redistributePanes();
