@@ -37,6 +37,9 @@ public:
     /// See DocumentFile::identityOf; of the file when it was opened or saved.
     [[nodiscard]] const QString &identity() const { return m_identity; }
     void setIdentity(const QString &identity) { m_identity = identity; }
+    /// It has a path, at which there was no file yet.
+    [[nodiscard]] bool isNew() const { return m_isNew; }
+    void setNew(bool isNew) { m_isNew = isNew; }
     /// The file as it was when the text was last read from it or written to it; none where that is unknown.
     [[nodiscard]] const std::optional<FileState> &state() const { return m_state; }
     void agreeOn(const std::optional<FileState> &state);
@@ -60,6 +63,7 @@ private:
     Services m_services;
     QString m_path;
     QString m_identity;
+    bool m_isNew = false;
     std::optional<FileState> m_state;
     std::optional<FileState> m_shown;
     std::unique_ptr<FileWatcher> m_watcher;

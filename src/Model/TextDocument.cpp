@@ -108,7 +108,7 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
                 }
                 self->m_follower.setIdentity(found.identity);
                 if (!found.exists && missingFile == MissingFile::isMade) {
-                    self->m_isNewFile = true;
+                    self->m_follower.setNew(true);
                 } else if (!found.exists) {
                     self->takeDeleted();
                 } else if (found.isChanged) {
@@ -150,7 +150,7 @@ void TextDocument::arrive(const Arrival &arrival, MissingFile missingFile)
         m_services.notifications.post(didFailToArrive, this);
     } else {
         takeArrived(arrival.contents.value_or(TextFile::Contents{.encoding = m_encoding, .lineEnding = m_lineEnding}));
-        m_isNewFile = isNew;
+        m_follower.setNew(isNew);
     }
     for (const auto &then : waiting) {
         then();
@@ -442,7 +442,7 @@ void TextDocument::agreeWithFile(const Rope &text, const std::optional<FileState
     m_savedText.set(text, hash);
     m_isDirty = false;
     m_isDraft = false;
-    m_isNewFile = false;
+    m_follower.setNew(false);
     m_externalState = ExternalState::none;
 }
 

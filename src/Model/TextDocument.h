@@ -3,13 +3,12 @@
 #pragma once
 
 #include "Base/BackgroundTask.h"
-#include "Base/NotificationCenter.h"
-#include "Base/Scheduler.h"
 #include "Files/DocumentFile.h"
 #include "Files/FileRequests.h"
 #include "Files/TextFile.h"
 #include "Highlighting/Language.h"
 #include "Highlighting/SyntaxHighlighter.h"
+#include "Model/DocumentServices.h"
 #include "Model/FileFollower.h"
 #include "Model/SavedText.h"
 #include "Text/TextStorage.h"
@@ -21,30 +20,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-
-class Preferences;
-class TextDocument;
-
-/// What documents use; must outlive them.
-struct DocumentServices {
-    Scheduler &scheduler;
-    NotificationCenter &notifications;
-    const Preferences &preferences;
-    Workers &workers;
-    FileWatcherQueue &watchers;
-    /// The text is safe in its file: what was kept of it elsewhere may go. May be empty.
-    std::function<void(const QUuid &id)> discardDraft;
-    /// How long the main thread waits for a file that is asked for, so that what a healthy disk answers is there at once.
-    std::chrono::milliseconds timeout{0};
-    /// What files are read and written with.
-    FileCalls &files = FileCalls::system();
-    /// See AtomicFile::open().
-    QString rescueFolder = {};
-    /// Adds to the store what an earlier program kept of the file's text and nobody has brought back yet, if there is such a text.
-    std::function<void(const QString &path)> bringBack = {};
-    /// Another open document of the file with this identity; null for none. The store's own are given here by it.
-    std::function<std::shared_ptr<TextDocument>(const QString &identity, const TextDocument &asking)> otherOfFile = {};
-};
 
 /// One open text: its storage and history, the file it belongs to, whether it differs from that file, and what others did to the file.
 ///
@@ -116,8 +91,6 @@ public:
     [[nodiscard]] const FileFollower &file() const { return m_follower; }
     [[nodiscard]] bool isUntitled() const { return m_path.isEmpty(); }
     [[nodiscard]] bool isGenerated() const { return m_generatedTitle.has_value(); }
-    /// It has a path, at which there was no file yet.
-    [[nodiscard]] bool isNewFile() const { return m_isNewFile; }
     /// The generated title, else the file's name, else "Untitled".
     [[nodiscard]] QString displayName() const;
     /// The path with the home folder as "~", or what the text is when it has none.
@@ -245,7 +218,6 @@ private:
     std::vector<std::function<void(bool)>> m_whenSaved;
     bool m_isDirty = false;
     bool m_isDraft = false;
-    bool m_isNewFile = false;
     ArrivalFailure m_arrival;
     std::optional<qsizetype> m_endBeforeReload;
     ExternalState m_externalState = ExternalState::none;

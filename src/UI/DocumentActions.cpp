@@ -240,7 +240,7 @@ void DocumentActions::save(TextDocument &document, const Completion &completion)
 
 void DocumentActions::saveAtPath(TextDocument &document, const Completion &completion, DocumentFile::MissingFolder missingFolder)
 {
-    const auto take = [self = QPointer(this), document = &document, isNew = document.isNewFile(), path = document.path(), missingFolder,
+    const auto take = [self = QPointer(this), document = &document, isNew = document.file().isNew(), path = document.path(), missingFolder,
                        completion](const Result<AtomicFile::InPlace> &saved) {
         if (!self) {
             return;
@@ -539,7 +539,7 @@ void DocumentActions::chooseEncoding(TextEncoding encoding)
     if (!document) {
         return;
     }
-    if (document->isUntitled() || document->isNewFile() || document->hasUnsavedText()) {
+    if (document->isUntitled() || document->file().isNew() || document->hasUnsavedText()) {
         document->setEncoding(encoding);
         return;
     }

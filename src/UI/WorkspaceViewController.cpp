@@ -399,7 +399,7 @@ void WorkspaceViewController::noteOpened(const PaneLayout::Documents &documents)
     constexpr std::chrono::seconds flash{5};
     QStringList files;
     for (const auto &document : documents) {
-        if (document->isNewFile()) {
+        if (document->file().isNew()) {
             m_statusBar->flash(formatted(localized(u"“%@” does not exist yet. Saving creates it."), document->displayName()), flash);
         } else {
             files << document->path();
