@@ -311,15 +311,19 @@ TEST_F(FileWatcherTest, OwnWritesHideNothingOfOthers)
     expect({}, 199ms);
     expect({changed}, 1ms);
 
-    // While a look hangs.
+    // While a look hangs that has seen the text before.
     put(path, "foreign");
     workers.isHeld = true;
     expect({}, 200ms);
     ASSERT_EQ(workers.jobs.size(), 1);
-    watcher->beginOwnWrite();
-    put(path, "own");
-    watcher->endOwnWrite(stamp(path));
-    expect({}, 10s);
+    calls.afterStat = [&](const char *) {
+        watcher->beginOwnWrite();
+        put(path, "own");
+        watcher->endOwnWrite(stamp(path));
+        expect({}, 10s);
+    };
+    std::exchange(workers.jobs, {}).front()();
+    calls.afterStat = [](const char *) {};
     workers.isHeld = false;
     workers.finish();
     expect({}, 1s);
