@@ -89,7 +89,9 @@ std::optional<TextEdits> changeFrom(QByteArrayView content)
             return std::nullopt;
         }
         std::vector<char16_t> text(length);
-        qFromLittleEndian<char16_t>(units.data(), qsizetype(length), text.data());
+        if (length != 0) {
+            qFromLittleEndian<char16_t>(units.data(), qsizetype(length), text.data());
+        }
         edits.add(range, Rope(QStringView(text.data(), qsizetype(length))));
         end = range.end();
     }

@@ -87,6 +87,17 @@ public:
     }
 };
 
+/// All symbolic links were made by somebody else.
+class StrangersLinks final : public FileCalls {
+public:
+    int lstat(const char *path, struct stat *status) override
+    {
+        const int result = FileCalls::lstat(path, status);
+        status->st_uid = S_ISLNK(status->st_mode) ? OthersFiles::owner : status->st_uid;
+        return result;
+    }
+};
+
 /// An access list of the kernel's form that lets user 1 read, whatever else is set.
 QByteArray accessListForUser1(const QByteArray &groupPermissions)
 {
@@ -162,6 +173,21 @@ TEST_F(AtomicFileTest, AKillBetweenAnyTwoStepsLeavesOldOrNew)
     umask(mask);
     EXPECT_GE(oldOnes, 15);
     EXPECT_GE(newOnes, 2);
+}
+
+TEST_F(AtomicFileTest, WritesThroughNoLinkOfAStrangerInAFolderForAll)
+{
+    putOld(u"a"_s);
+    ASSERT_EQ(::symlink("a", bytePath(u"b"_s).constData()), 0);
+    StrangersLinks calls;
+    ASSERT_EQ(chmod(bytePath(u"."_s).constData(), 01777), 0);
+    const auto refused = save(u"b"_s, calls);
+    EXPECT_TRUE(!refused && refused.error().code == EACCES);
+    EXPECT_EQ(read(u"a"_s), oldContent);
+    EXPECT_TRUE(save(u"b"_s)) << "the user's own";
+    putOld(u"a"_s);
+    ASSERT_EQ(chmod(bytePath(u"."_s).constData(), 0777), 0);
+    EXPECT_TRUE(save(u"b"_s, calls)) << "the kernel follows it too";
 }
 
 TEST_F(AtomicFileTest, RemovesWhatEndedProgramsLeft)

@@ -158,10 +158,10 @@ class Session:
         # What was not saved comes back, from whichever window.
         self.quit()
         desktop.start_program()
-        self.window = self.until_title("Untitled")
+        self.window = self.until_title("Untitled*")
         desktop.picture("started-again")
         self.dialog("ctrl+w", "Escape")
-        self.until_title("Untitled")
+        self.until_title("Untitled*")
         self.fill_in("ctrl+s", "draft.txt")
         self.until_title("draft.txt")
         self.until_on_disk("draft.txt", b"draft")
