@@ -214,7 +214,7 @@ TEST_F(EditJournalTest, EditsGoAfterTheDraftThatTheyBuildOn)
     settle(500ms);
     ASSERT_FALSE(file.hasUnsavedText());
     // The session is being written, and the draft that it does not name is there as long as it takes.
-    std::binary_semaphore mayGoOn(0);
+    std::counting_semaphore<1000> mayGoOn(0);
     calls.before = [&](const char *call) {
         if (std::string(call) == "rename") {
             mayGoOn.acquire();
@@ -232,7 +232,8 @@ TEST_F(EditJournalTest, EditsGoAfterTheDraftThatTheyBuildOn)
     while (!isJournalled()) {
     }
     const auto found = killedNow();
-    mayGoOn.release();
+    mayGoOn.release(1000);
+    expectWritten(*store); // the thread is still at the semaphore
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found.begin()->second.second, u"2text"_s);
 }

@@ -54,7 +54,9 @@ protected:
 
     std::unique_ptr<SessionStore> store = open();
     Windows windows;
-    SessionKeeper keeper{scheduler, notifications, preferences, documents, *store};
+    /// Goes before a store that is closed while time goes on.
+    std::unique_ptr<SessionKeeper> owned = std::make_unique<SessionKeeper>(scheduler, notifications, preferences, documents, *store);
+    SessionKeeper &keeper = *owned;
 };
 
 } // namespace
@@ -90,6 +92,7 @@ TEST_F(SessionKeeperTest, WhatWasTypedComesBackAsItWas)
         EXPECT_FALSE(QFileInfo(name).permissions() & others) << name.toStdString();
     }
 
+    owned.reset();
     store.reset();
     store = open();
     DocumentStore restored(services, {});
@@ -150,6 +153,7 @@ TEST_F(SessionKeeperTest, WhatOthersDidToAFileIsKnownAfterTheNextStart)
     std::filesystem::last_write_time(all[2]->path().toStdString(), std::filesystem::file_time_type() - 9999h);
     QFile::remove(all[4]->path());
 
+    owned.reset();
     store.reset();
     store = open();
     DocumentStore restored(services, {});
@@ -182,6 +186,7 @@ TEST_F(SessionKeeperTest, AFileThatWasBeingWrittenInPlaceComesBackWhole)
         put(base + u".target"_s, target.toUtf8());
     }
     put(u"a.txt"_s, "the wh");
+    owned.reset();
     store.reset();
     store = open();
     DocumentStore restored(services, {});
