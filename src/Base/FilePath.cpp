@@ -51,10 +51,11 @@ QString decodedPath(QByteArrayView bytes)
 {
     QString path;
     path.reserve(bytes.size());
+    const auto *const units = reinterpret_cast<const uint8_t *>(bytes.data());
     for (qsizetype at = 0; at < bytes.size();) {
         const qsizetype start = at;
         UChar32 character = 0;
-        U8_NEXT(bytes.data(), at, bytes.size(), character);
+        U8_NEXT(units, at, bytes.size(), character);
         if (character >= 0 && !isByteSign(char32_t(character))) {
             path += QChar::fromUcs4(char32_t(character));
             continue;
