@@ -42,9 +42,14 @@ auto retried(auto &&call)
     return result;
 }
 
+QByteArray nameIn(const QByteArray &path)
+{
+    return path.mid(path.lastIndexOf('/') + 1);
+}
+
 QString fileName(const QByteArray &path)
 {
-    return shownPath(decodedPath(path.mid(path.lastIndexOf('/') + 1)));
+    return shownPath(decodedPath(nameIn(path)));
 }
 
 /// With its slash; empty for a name in the working folder.
@@ -128,17 +133,6 @@ Result<QByteArray> followLinks(QByteArray path, FileCalls &calls)
         path = target.startsWith('/') ? target : folderOf(path) + target;
     }
     return saveFailure(asGiven, ELOOP);
-}
-
-QByteArray nameIn(const QByteArray &path)
-{
-    return path.mid(path.lastIndexOf('/') + 1);
-}
-
-bool isSameFile(const struct stat &a, const struct stat &b)
-{
-    return FileStamp::of(a) == FileStamp::of(b) && a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_ctim.tv_sec == b.st_ctim.tv_sec &&
-           a.st_ctim.tv_nsec == b.st_ctim.tv_nsec;
 }
 
 /// The file system has no such thing; there is nothing to keep or to flush.
@@ -459,7 +453,7 @@ Result<bool> AtomicFile::examineChanges(int folder, const Expectation &expected)
         if (state && state->isSurelySameAs(status)) {
             return true;
         }
-        if (hash && isSameFile(before, status)) {
+        if (hash && isUntouched(before, status)) {
             return state && state->hash == hash ? Result<bool>(true) : changed(status, hash);
         }
         if (!S_ISREG(status.st_mode) || status.st_size > largestHashed) {

@@ -38,6 +38,12 @@ bool FileState::isSurelySameAs(const struct stat &status) const
     return !isFresh && stamp == FileStamp::of(status) && device == status.st_dev && inode == status.st_ino;
 }
 
+bool isUntouched(const struct stat &before, const struct stat &after)
+{
+    return FileStamp::of(before) == FileStamp::of(after) && before.st_dev == after.st_dev && before.st_ino == after.st_ino &&
+           before.st_ctim.tv_sec == after.st_ctim.tv_sec && before.st_ctim.tv_nsec == after.st_ctim.tv_nsec;
+}
+
 ContentHash::ContentHash() : m_state(XXH3_createState())
 {
     XXH3_64bits_reset(static_cast<XXH3_state_t *>(m_state));

@@ -27,6 +27,9 @@ struct FileState {
     friend bool operator==(const FileState &, const FileState &) = default;
 };
 
+/// Nobody wrote the file, or changed what there is to know of it, between the two looks.
+[[nodiscard]] bool isUntouched(const struct stat &before, const struct stat &after);
+
 /// A fast hash of bytes for telling contents apart, no protection against somebody who wants them to be alike: XXH3, 64 bits.
 class ContentHash final {
 public:

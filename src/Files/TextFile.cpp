@@ -323,11 +323,6 @@ private:
     std::vector<uchar> m_head;
 };
 
-bool isSameState(const struct stat &a, const struct stat &b)
-{
-    return FileStamp::of(a) == FileStamp::of(b) && a.st_ctim.tv_sec == b.st_ctim.tv_sec && a.st_ctim.tv_nsec == b.st_ctim.tv_nsec;
-}
-
 /// The units of a chunk with every LF replaced by the ending.
 template<typename Unit>
 void applyLineEnding(std::span<const Unit> units, LineEnding ending, std::vector<Unit> &out)
@@ -472,7 +467,7 @@ TextFile::ReadResult TextFile::read(const QString &path, std::optional<TextEncod
         Reading reading(bytes, size, forcedEncoding);
         const auto outcome = reading.run();
         const auto after = bytes.status();
-        if (outcome == Reading::Outcome::changedMeanwhile || (!isLast && after && !isSameState(*before, *after))) {
+        if (outcome == Reading::Outcome::changedMeanwhile || (!isLast && after && !isUntouched(*before, *after))) {
             continue;
         }
         if (outcome == Reading::Outcome::failed) {

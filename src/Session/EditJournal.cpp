@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Session/EditJournal.h"
 
+#include "Base/FileState.h"
 #include "Files/TextHash.h"
 
 #include <QtEndian>
@@ -50,11 +51,9 @@ private:
 
 quint64 hashOf(QByteArrayView bytes)
 {
-    quint64 hash = 0xCBF29CE484222325;
-    for (const char byte : bytes) {
-        hash = (hash ^ uchar(byte)) * 0x100000001B3;
-    }
-    return hash;
+    ContentHash hash;
+    hash.add(bytes.data(), size_t(bytes.size()));
+    return hash.value();
 }
 
 QByteArray recordOf(const QByteArray &content)

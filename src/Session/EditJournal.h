@@ -16,7 +16,7 @@
 /// Edits of one text since it was the same as a draft, a file or nothing, in the order in which they were made: what is typed between two
 /// writings of the draft.
 ///
-/// A file of it holds records: the length of the content in bytes (32 bits), its FNV-1a hash (64 bits), the content; numbers are little-
+/// A file of it holds records: the length of the content in bytes (32 bits), its ContentHash (64 bits), the content; numbers are little-
 /// endian. The first record's content is the hash of the text that the edits build on (64 bits, see textHash) and a snapshot with the
 /// document's entry. Each other one's is a change of the text: for each edit, ascending, location, length and new length (64 bits each),
 /// all of the text before the change, and the new text as UTF-16. A file may be cut off anywhere; what is whole counts.

@@ -9,7 +9,6 @@
 
 #include <chrono>
 #include <map>
-#include <mutex>
 #include <set>
 
 /// Puts what is typed into files at once (EditJournal), on a thread of its own: nothing but typing waits there, and a program that is
