@@ -307,29 +307,27 @@ Result<void> AtomicFile::write(QByteArrayView bytes)
     if (auto result = flushBuffer(); !result) {
         return result;
     }
-    while (!bytes.isEmpty()) {
-        const qsizetype portion = std::min(bytes.size(), bufferSize);
-        const ssize_t written = retried([&] { return m_calls->write(m_file, bytes.data(), size_t(portion)); });
-        if (written <= 0) {
-            return failed(written < 0 ? errno : ENOSPC);
-        }
-        m_hash.add(bytes.data(), size_t(written));
-        bytes = bytes.sliced(written);
-    }
-    return {};
+    m_hash.add(bytes.data(), size_t(bytes.size()));
+    return writeAll(m_file, bytes);
 }
 
 Result<void> AtomicFile::flushBuffer()
 {
-    for (qsizetype at = 0; at < m_buffer.size();) {
-        const ssize_t written = retried([&] { return m_calls->write(m_file, m_buffer.constData() + at, size_t(m_buffer.size() - at)); });
+    m_hash.add(m_buffer.constData(), size_t(m_buffer.size()));
+    const auto written = writeAll(m_file, m_buffer);
+    m_buffer.resize(0);
+    return written;
+}
+
+Result<void> AtomicFile::writeAll(int file, QByteArrayView bytes) const
+{
+    while (!bytes.isEmpty()) {
+        const ssize_t written = retried([&] { return m_calls->write(file, bytes.data(), size_t(bytes.size())); });
         if (written <= 0) {
             return failed(written < 0 ? errno : ENOSPC);
         }
-        m_hash.add(m_buffer.constData() + at, size_t(written));
-        at += written;
+        bytes = bytes.sliced(written);
     }
-    m_buffer.resize(0);
     return {};
 }
 
@@ -634,12 +632,8 @@ Result<void> AtomicFile::copyPart(int from, int to, qint64 offset, qint64 count)
             return length == 0 ? Result<void>() : failed(errno);
         }
         count -= length;
-        for (ssize_t at = 0; at < length;) {
-            const ssize_t written = retried([&] { return m_calls->write(to, block.constData() + at, size_t(length - at)); });
-            if (written <= 0) {
-                return failed(written < 0 ? errno : ENOSPC);
-            }
-            at += written;
+        if (auto written = writeAll(to, QByteArrayView(block).first(length)); !written) {
+            return written;
         }
     }
     return {};

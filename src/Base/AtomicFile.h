@@ -77,6 +77,7 @@ private:
     [[nodiscard]] Result<void> create();
     [[nodiscard]] int createIn(const QByteArray &folder, const QByteArray &begin, mode_t mode);
     [[nodiscard]] Result<void> flushBuffer();
+    [[nodiscard]] Result<void> writeAll(int file, QByteArrayView bytes) const;
     [[nodiscard]] Result<Written> replace(const std::optional<Expectation> &expected);
     [[nodiscard]] Result<void> takeOverIdentity();
     [[nodiscard]] Result<mode_t> takeOverOwner(const struct stat &wanted);
