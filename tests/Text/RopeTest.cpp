@@ -51,8 +51,9 @@ void expectSame(const Tree &tree, const std::u16string &model)
         if (offset > 0 && !splitsPair(model, offset - 1))
             ++characters;
         ASSERT_EQ(tree.characterAt(offset), characters) << "offset " << offset;
-        if (!splitsPair(model, offset))
+        if (!splitsPair(model, offset)) {
             ASSERT_EQ(tree.characterStart(characters), offset) << "character " << characters;
+        }
         if (line + 1 < qsizetype(starts.size()) && starts[size_t(line) + 1] == offset)
             ++line;
         ASSERT_EQ(tree.lineAt(offset), line) << "offset " << offset;
