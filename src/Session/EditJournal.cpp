@@ -3,11 +3,12 @@
 #include "Session/EditJournal.h"
 
 #include "Base/FileState.h"
-#include "Files/TextHash.h"
+#include "Files/TextEncoding.h"
 
 #include <QtEndian>
 
 #include <algorithm>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -111,6 +112,26 @@ std::optional<Rope> applied(const std::vector<TextEdits> &changes, Rope text)
 
 } // namespace
 
+quint64 EditJournal::hashOf(const Rope &text)
+{
+    ContentHash hash;
+    const auto encoder = TextEncoder::make(TextEncoding::utf8, TextEncoder::Mode::lossy);
+    QByteArray bytes;
+    const auto add = [&] {
+        hash.add(bytes.constData(), size_t(bytes.size()));
+        bytes.resize(0);
+    };
+    text.forEachChunk({0, text.length()}, [&](const Rope::Chunk &chunk) {
+        std::ignore = chunk.narrow ? encoder->encode(std::span(chunk.narrow, size_t(chunk.length)), bytes)
+                                   : encoder->encode(QStringView(chunk.wide, chunk.length), bytes);
+        add();
+        return true;
+    });
+    std::ignore = encoder->finish(bytes);
+    add();
+    return hash.value();
+}
+
 QByteArray EditJournal::beginning(quint64 baseHash, const SessionSnapshot::Document &entry)
 {
     QByteArray content;
@@ -170,13 +191,13 @@ std::optional<EditJournal::Name> EditJournal::parseName(const QString &name)
 
 std::optional<Rope> replayed(const std::vector<EditJournal> &journals, Rope base)
 {
-    const quint64 hash = textHash(base);
+    const quint64 hash = EditJournal::hashOf(base);
     const auto isOfBase = [hash](const EditJournal &journal) { return journal.baseHash == hash; };
     const auto last = std::find_if(journals.rbegin(), journals.rend(), isOfBase);
     if (last == journals.rend()) {
         return std::nullopt;
     }
-    for (auto journal = last.base() - 1; journal != journals.end() && journal->baseHash == textHash(base); ++journal) {
+    for (auto journal = last.base() - 1; journal != journals.end() && journal->baseHash == EditJournal::hashOf(base); ++journal) {
         auto text = applied(journal->changes, base);
         if (!text) {
             break;

@@ -17,7 +17,7 @@
 /// writings of the draft.
 ///
 /// A file of it holds records: the length of the content in bytes (32 bits), its ContentHash (64 bits), the content; numbers are little-
-/// endian. The first record's content is the hash of the text that the edits build on (64 bits, see textHash) and a snapshot with the
+/// endian. The first record's content is the hash of the text that the edits build on (64 bits, see hashOf) and a snapshot with the
 /// document's entry. Each other one's is a change of the text: for each edit, ascending, location, length and new length (64 bits each),
 /// all of the text before the change, and the new text as UTF-16. A file may be cut off anywhere; what is whole counts.
 struct EditJournal {
@@ -25,6 +25,9 @@ struct EditJournal {
     SessionSnapshot::Document entry;
     std::vector<TextEdits> changes;
 
+    /// ContentHash of the text as the UTF-8 that its draft has, which is U+FFFD for surrogates without their other half. O(n), any thread,
+    /// of a rope that does not change meanwhile.
+    [[nodiscard]] static quint64 hashOf(const Rope &text);
     /// The first record, and one of a change.
     [[nodiscard]] static QByteArray beginning(quint64 baseHash, const SessionSnapshot::Document &entry);
     [[nodiscard]] static QByteArray record(const TextEdits &change);

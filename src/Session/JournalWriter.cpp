@@ -3,7 +3,6 @@
 #include "Session/JournalWriter.h"
 
 #include "Base/AtomicFile.h"
-#include "Files/TextHash.h"
 
 #include <QDir>
 #include <QFile>
@@ -68,7 +67,7 @@ quint64 JournalWriter::begin(const QUuid &document, const SessionSnapshot::Docum
     m_thread.start([this, document, entry, base, number = ++m_lastNumber] {
         Open &open = m_open[document];
         close(open);
-        open = {.number = number, .beginning = EditJournal::beginning(textHash(base), entry)};
+        open = {.number = number, .beginning = EditJournal::beginning(EditJournal::hashOf(base), entry)};
         write(document, open, {});
     });
     return m_lastNumber;

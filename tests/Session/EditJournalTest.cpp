@@ -3,7 +3,6 @@
 #include "Session/EditJournal.h"
 
 #include "FileAnswers.h"
-#include "Files/TextHash.h"
 #include "Session/SessionFixture.h"
 #include "Session/SessionKeeper.h"
 #include "Session/SessionRestoration.h"
@@ -83,8 +82,9 @@ protected:
                 EXPECT_TRUE(found.contains(document->id())) << when << ": lost " << text.toString().toStdString();
                 const auto &[path, back] = found.contains(document->id()) ? found.at(document->id()) : std::pair<QString, QString>();
                 // But for halves of pairs.
-                EXPECT_EQ(textHash(Rope(back)), textHash(text)) << when << ": " << back.toStdString() << "\ninstead of\n"
-                                                                << text.toString().toStdString();
+                EXPECT_EQ(EditJournal::hashOf(Rope(back)), EditJournal::hashOf(text))
+                    << when << ": " << back.toStdString() << "\ninstead of\n"
+                    << text.toString().toStdString();
                 EXPECT_EQ(path, document->path()) << when;
             }
         }
@@ -112,7 +112,7 @@ TEST(EditJournal, GivesWhatIsWholeOfAFileThatWasCutOff)
     Rope text(u"one\ntwo\n"_s);
     QList<Rope> versions{text};
     const SessionSnapshot::Document entry{.id = QUuid::createUuid(), .filePath = u"/a.txt"_s, .lineEnding = u"\n"_s};
-    QByteArray bytes = EditJournal::beginning(textHash(text), entry);
+    QByteArray bytes = EditJournal::beginning(EditJournal::hashOf(text), entry);
     QList<qsizetype> ends{bytes.size()};
     for (int count = 0; count < 20; ++count) {
         const TextEdits edits = randomEdits(random, text);
@@ -139,11 +139,11 @@ TEST(EditJournal, GivesWhatIsWholeOfAFileThatWasCutOff)
     EXPECT_EQ(EditJournal::parse(bytes)->entry, entry);
     // Of another text it is nothing.
     EXPECT_FALSE(replayed({*EditJournal::parse(bytes)}, Rope(u"one\ntwo"_s)));
-    const EditJournal beyond{.baseHash = textHash(Rope()), .entry = entry, .changes = {TextEdits({5, 1}, u"x")}};
+    const EditJournal beyond{.baseHash = EditJournal::hashOf(Rope()), .entry = entry, .changes = {TextEdits({5, 1}, u"x")}};
     EXPECT_EQ(replayed({beyond}, Rope()), Rope());
     // A file that is missing between two ends it.
-    const EditJournal first{.baseHash = textHash(Rope()), .entry = entry, .changes = {TextEdits({0, 0}, u"a")}};
-    const EditJournal third{.baseHash = textHash(Rope(u"ab"_s)), .entry = entry, .changes = {TextEdits({2, 0}, u"c")}};
+    const EditJournal first{.baseHash = EditJournal::hashOf(Rope()), .entry = entry, .changes = {TextEdits({0, 0}, u"a")}};
+    const EditJournal third{.baseHash = EditJournal::hashOf(Rope(u"ab"_s)), .entry = entry, .changes = {TextEdits({2, 0}, u"c")}};
     EXPECT_EQ(replayed({first, third}, Rope()), Rope(u"a"_s));
     EXPECT_EQ(replayed({first, third}, Rope(u"ab"_s)), Rope(u"abc"_s));
 }
