@@ -46,12 +46,17 @@ bool isUntouched(const struct stat &before, const struct stat &after)
 
 ContentHash::ContentHash() : m_state(XXH3_createState())
 {
-    XXH3_64bits_reset(static_cast<XXH3_state_t *>(m_state));
+    reset();
+}
+
+ContentHash::ContentHash(const ContentHash &other) : m_state(XXH3_createState())
+{
+    XXH3_copyState(static_cast<XXH3_state_t *>(m_state), static_cast<const XXH3_state_t *>(other.m_state));
 }
 
 ContentHash::ContentHash(ContentHash &&other) noexcept : m_state(std::exchange(other.m_state, nullptr)) {}
 
-ContentHash &ContentHash::operator=(ContentHash &&other) noexcept
+ContentHash &ContentHash::operator=(ContentHash other) noexcept
 {
     std::swap(m_state, other.m_state);
     return *this;
@@ -65,6 +70,11 @@ ContentHash::~ContentHash()
 void ContentHash::add(const void *bytes, size_t count)
 {
     XXH3_64bits_update(static_cast<XXH3_state_t *>(m_state), bytes, count);
+}
+
+void ContentHash::reset()
+{
+    XXH3_64bits_reset(static_cast<XXH3_state_t *>(m_state));
 }
 
 quint64 ContentHash::value() const

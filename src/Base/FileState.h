@@ -15,7 +15,8 @@ struct FileState {
     quint32 mode = 0;
     /// ContentHash of its bytes; none where nobody read them.
     std::optional<quint64> hash = std::nullopt;
-    /// It had been written so shortly before that another writing may have left all the same, except for the bytes.
+    /// It had been written so shortly before that another writing may have left all the same, except for the bytes; or not all of the
+    /// bytes that the hash stands for were looked at when it was as here.
     bool isFresh = false;
 
     /// Of `status`, which was asked for at this moment.
@@ -34,13 +35,16 @@ struct FileState {
 class ContentHash final {
 public:
     ContentHash();
-    ContentHash(const ContentHash &) = delete;
-    ContentHash &operator=(const ContentHash &) = delete;
+    /// Both go on from the same bytes.
+    ContentHash(const ContentHash &other);
     ContentHash(ContentHash &&other) noexcept;
-    ContentHash &operator=(ContentHash &&other) noexcept;
+    ContentHash &operator=(ContentHash other) noexcept;
     ~ContentHash();
 
     void add(const void *bytes, size_t count);
+    /// As new.
+    void reset();
+    /// Of the bytes so far.
     [[nodiscard]] quint64 value() const;
 
 private:

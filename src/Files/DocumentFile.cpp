@@ -4,6 +4,7 @@
 
 #include "Base/FilePath.h"
 #include "Base/Translation.h"
+#include "Files/GrowingFile.h"
 #include "Files/TextHash.h"
 
 #include <QDir>
@@ -11,6 +12,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -68,6 +70,22 @@ DocumentFile::ReadResult DocumentFile::read(const QString &path, std::optional<T
         const auto hash = textHash(contents.text, stop);
         return Reading{.contents = std::move(contents), .difference = std::move(difference), .revision = current.revision, .hash = hash};
     });
+}
+
+DocumentFile::ReadResult DocumentFile::readAgain(const QString &path, const Basis &basis, const TextSnapshot &current, FileCalls &files,
+                                                 const std::stop_token &stop)
+{
+    auto contents = basis.position ? GrowingFile::readAdded(path, *basis.position, files) : std::nullopt;
+    if (!contents) {
+        return read(path, std::nullopt, current, files, stop);
+    }
+    const Rope added = std::exchange(contents->text, current.text);
+    const TextRange end{current.text.length(), 0};
+    contents->text.replace(end, added);
+    return Reading{.contents = *std::move(contents),
+                   .difference = TextEdits(end, added),
+                   .revision = current.revision,
+                   .hash = basis.hash ? textHash(added, stop, *basis.hash) : std::nullopt};
 }
 
 QString DocumentFile::identityOf(const QString &path)

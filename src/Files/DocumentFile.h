@@ -47,11 +47,23 @@ public:
         /// Against the text that was given, which was `revision`.
         TextEdits difference;
         quint64 revision = 0;
+        /// Of the text; none where the hash of what was known before is missing.
         std::optional<quint64> hash = std::nullopt;
     };
     using ReadResult = Result<Reading, TextFile::ReadError>;
     [[nodiscard]] static ReadResult read(const QString &path, std::optional<TextEncoding> forcedEncoding, const TextSnapshot &current,
                                          FileCalls &files, const std::stop_token &stop);
+
+    /// What is known of a file that had the text which is given.
+    struct Basis {
+        /// Null where the file has to be read as a whole.
+        std::shared_ptr<const ReadPosition> position = nullptr;
+        /// Of the text, if it is known.
+        std::optional<quint64> hash = std::nullopt;
+    };
+    /// The same as read() without an encoding, but of a file that only grew it reads what was added. See GrowingFile.
+    [[nodiscard]] static ReadResult readAgain(const QString &path, const Basis &basis, const TextSnapshot &current, FileCalls &files,
+                                              const std::stop_token &stop);
 
     /// One name for a file, however it is reached; of a file that is not there that of its folder, and its name.
     [[nodiscard]] static QString identityOf(const QString &path);

@@ -5,12 +5,14 @@
 #include "Base/AtomicFile.h"
 #include "Base/FilePath.h"
 #include "Base/Translation.h"
+#include "Files/FileBytes.h"
+#include "Files/FoldingSink.h"
+#include "Files/ReadPosition.h"
 #include "Text/RegularExpression.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -20,7 +22,6 @@ namespace {
 using Contents = TextFile::Contents;
 using ReadError = TextFile::ReadError;
 
-constexpr size_t blockSize = 256 * 1024;
 constexpr size_t binaryTestSize = 8192;
 
 struct ByteOrderMark {
@@ -50,125 +51,13 @@ QString shownName(const QString &path)
     return shownPath(lastComponent(path));
 }
 
-/// Folds line breaks and passes the text on to a rope.
-class RopeSink final : public TextSink {
-public:
-    void append(std::span<uchar> latin1) override { m_builder.appendLatin1(latin1.data(), qsizetype(m_breaks.addAndFold(latin1))); }
-    void append(std::span<char16_t> units) override { m_builder.append(QStringView(units.data(), qsizetype(m_breaks.addAndFold(units)))); }
-
-    [[nodiscard]] Contents contents(TextEncoding encoding) { return {m_builder.build(), encoding, m_breaks.ending()}; }
-
-private:
-    RopeBuilder m_builder;
-    LineBreakCounter m_breaks;
-};
-
-/// The bytes of one open file, as often as they are needed: from the descriptor block by block, or from a copy in memory.
-class FileBytes final {
-public:
-    FileBytes(const QString &path, FileCalls &calls) : m_calls(calls)
-    {
-        // A pipe would otherwise keep us waiting for a writer.
-        m_file = calls.open(encodedPath(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0);
-    }
-    ~FileBytes()
-    {
-        if (m_file >= 0) {
-            m_calls.close(m_file);
-        }
-    }
-    Q_DISABLE_COPY_MOVE(FileBytes)
-
-    [[nodiscard]] bool isOpen() const { return m_file >= 0; }
-    /// None when the file is no regular file or gives no answer.
-    [[nodiscard]] std::optional<struct stat> status() const
-    {
-        struct stat status = {};
-        if (m_calls.fstat(m_file, &status) != 0 || !S_ISREG(status.st_mode)) {
-            return std::nullopt;
-        }
-        return status;
-    }
-
-    [[nodiscard]] bool goTo(qint64 offset)
-    {
-        m_offset = offset;
-        return m_isInMemory || m_calls.lseek(m_file, offset, SEEK_SET) == offset;
-    }
-
-    /// A full block, or what is left of the file; empty at its end, none when it cannot be read. Overwritten by the next call.
-    [[nodiscard]] std::optional<std::span<uchar>> next()
-    {
-        if (m_isInMemory) {
-            const size_t length = std::min(m_block.size(), m_memory.size() - size_t(m_offset));
-            std::copy_n(m_memory.begin() + m_offset, length, m_block.begin());
-            m_offset += qint64(length);
-            return std::span(m_block).first(length);
-        }
-        const auto length = fill(m_block);
-        if (!length) {
-            return std::nullopt;
-        }
-        m_offset += qint64(*length);
-        return std::span(m_block).first(*length);
-    }
-
-    /// From now on the bytes come from memory. False when they cannot be read; more than `limit` of them are not kept.
-    [[nodiscard]] bool copyToMemory(qint64 limit)
-    {
-        if (!goTo(0)) {
-            return false;
-        }
-        std::vector<uchar> memory;
-        while (qint64(memory.size()) <= limit) {
-            const auto block = next();
-            if (!block) {
-                return false;
-            }
-            if (block->empty()) {
-                break;
-            }
-            memory.insert(memory.end(), block->begin(), block->end());
-        }
-        m_memory = std::move(memory);
-        m_isInMemory = true;
-        return true;
-    }
-    [[nodiscard]] qint64 sizeInMemory() const { return qint64(m_memory.size()); }
-
-private:
-    [[nodiscard]] std::optional<size_t> fill(std::span<uchar> bytes)
-    {
-        size_t length = 0;
-        while (length < bytes.size()) {
-            const ssize_t count = m_calls.read(m_file, bytes.data() + length, bytes.size() - length);
-            if (count == 0) {
-                break;
-            }
-            if (count > 0) {
-                length += size_t(count);
-            } else if (errno != EINTR) {
-                return std::nullopt;
-            }
-        }
-        return length;
-    }
-
-    FileCalls &m_calls;
-    int m_file = -1;
-    qint64 m_offset = 0;
-    std::vector<uchar> m_block = std::vector<uchar>(blockSize);
-    std::vector<uchar> m_memory;
-    bool m_isInMemory = false;
-};
-
 /// One attempt to read a file of a size known beforehand.
 class Reading final {
 public:
     enum class Outcome { done, failed, changedMeanwhile };
 
     Reading(FileBytes &bytes, qint64 size, std::optional<TextEncoding> forcedEncoding)
-        : m_bytes(bytes), m_size(size), m_forcedEncoding(forcedEncoding)
+        : end{.bytes = FilePrefix(size)}, m_bytes(bytes), m_size(size), m_forcedEncoding(forcedEncoding)
     {}
 
     /// Done: `contents` holds the text. Failed: `error` says why.
@@ -188,10 +77,13 @@ public:
         }
         return readDetected();
     }
+    /// The file goes on as it was decoded if what is added to it can be: nothing that comes before that was refused.
+    [[nodiscard]] bool mayGoOn() const { return !m_forcedEncoding && !m_wasRefused && m_size >= ReadPosition::smallestFile; }
 
+    /// But for the file's state.
     Contents contents;
-    /// Of all bytes of the file.
-    quint64 hash = 0;
+    /// Behind the last byte, of a file that is still to be named.
+    ReadPosition end;
     ReadError::Kind error = ReadError::Kind::notReadable;
 
 private:
@@ -279,8 +171,15 @@ private:
         }
     }
 
-    /// One pass over the file from `offset` on.
     Pass decode(TextEncoding encoding, std::unique_ptr<TextDecoder> decoder, qint64 offset)
+    {
+        const Pass pass = tryToDecode(encoding, std::move(decoder), offset);
+        m_wasRefused = m_wasRefused || pass == Pass::refused;
+        return pass;
+    }
+
+    /// One pass over the file from `offset` on.
+    Pass tryToDecode(TextEncoding encoding, std::unique_ptr<TextDecoder> decoder, qint64 offset)
     {
         if (!decoder || (m_size - offset) % unitSize(encoding) != 0) {
             return Pass::refused;
@@ -288,23 +187,24 @@ private:
         if (!m_bytes.goTo(offset)) {
             return Pass::unreadable;
         }
-        RopeSink sink;
-        ContentHash passed;
-        passed.add(m_head.data(), size_t(offset));
-        qint64 end = offset;
+        FoldingSink sink;
+        FilePrefix passed(m_size);
+        passed.add(0, std::span(m_head).first(size_t(offset)));
+        qint64 at = offset;
         while (true) {
             const auto block = m_bytes.next();
             if (!block) {
                 return Pass::unreadable;
             }
-            end += qint64(block->size());
-            if (end > m_size || (block->empty() && end != m_size)) {
+            const qint64 blockEnd = at + qint64(block->size());
+            if (blockEnd > m_size || (block->empty() && blockEnd != m_size)) {
                 return Pass::changedMeanwhile;
             }
             if (block->empty()) {
                 break;
             }
-            passed.add(block->data(), block->size());
+            passed.add(at, *block);
+            at = blockEnd;
             if (!decoder->decode(*block, sink)) {
                 return Pass::refused;
             }
@@ -312,14 +212,15 @@ private:
         if (!decoder->finish(sink)) {
             return Pass::refused;
         }
-        contents = sink.contents(encoding);
-        hash = passed.value();
+        contents = {sink.text(), encoding, sink.breaks().ending()};
+        end = {.bytes = std::move(passed), .encoding = encoding, .breaks = sink.breaks()};
         return Pass::decoded;
     }
 
     FileBytes &m_bytes;
     qint64 m_size;
     std::optional<TextEncoding> m_forcedEncoding;
+    bool m_wasRefused = false;
     std::vector<uchar> m_head;
 };
 
@@ -455,7 +356,7 @@ TextFile::ReadResult TextFile::read(const QString &path, std::optional<TextEncod
         return notThere(errno == ENOENT ? PathKind::missing : PathKind::unknown);
     }
     // Passes over a file that others write to may see different bytes, so an attempt counts only if the file looks the same after it.
-    // When it never does, its bytes are copied once and everything is decided on the copy.
+    // When it never does, its bytes are copied once and everything is decided on the copy; whether the file was that at any time is open.
     constexpr int attempts = 3;
     for (int attempt = 1;; ++attempt) {
         const auto before = bytes.status();
@@ -473,8 +374,15 @@ TextFile::ReadResult TextFile::read(const QString &path, std::optional<TextEncod
         if (outcome == Reading::Outcome::failed) {
             return failed(reading.error, reading.error == ReadError::Kind::tooLarge ? std::max<qint64>(size, before->st_size) : 0);
         }
-        if (!isLast) {
-            reading.contents.state = FileState::of(*before, reading.hash);
+        FileState state = FileState::of(*before, reading.end.bytes.hash());
+        state.stamp.size = size;
+        state.isFresh = state.isFresh || isLast;
+        reading.contents.state = state;
+        if (reading.mayGoOn()) {
+            reading.end.device = before->st_dev;
+            reading.end.inode = before->st_ino;
+            reading.end.isAssumed = isLast;
+            reading.contents.position = std::make_shared<const ReadPosition>(std::move(reading.end));
         }
         return std::move(reading.contents);
     }

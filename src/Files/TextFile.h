@@ -14,7 +14,10 @@
 #include <QString>
 
 #include <array>
+#include <memory>
 #include <optional>
+
+struct ReadPosition;
 
 /// Turns files into editable text and back: whether a file may be opened at all, in which encoding it is, how it breaks its lines.
 /// Keeps no state. Any thread.
@@ -34,8 +37,10 @@ public:
         LineEnding lineEnding = LineEnding::lf;
         /// Nothing decoded the bytes cleanly and U+FFFD stands for what was not UTF-8.
         bool isLossyDecode = false;
-        /// The file as it was when it was read; none when it kept changing.
+        /// The file as it was when it was read. Never certain (`FileState::isFresh`) when it kept changing.
         std::optional<FileState> state = std::nullopt;
+        /// Where reading may go on when the file grows; null where it must be read as a whole again. For GrowingFile.
+        std::shared_ptr<const ReadPosition> position = nullptr;
     };
 
     struct ReadError {

@@ -63,9 +63,14 @@ quint64 textHash(const Rope &text)
 
 std::optional<quint64> textHash(const Rope &text, const std::stop_token &stop)
 {
-    quint64 hash = startValue;
+    return textHash(text, stop, startValue);
+}
+
+std::optional<quint64> textHash(const Rope &added, const std::stop_token &stop, quint64 before)
+{
+    quint64 hash = before;
     bool isStopped = false;
-    text.forEachChunk({0, text.length()}, [&](const Rope::Chunk &chunk) {
+    added.forEachChunk({0, added.length()}, [&](const Rope::Chunk &chunk) {
         isStopped = stop.stop_requested();
         if (!isStopped) {
             hash = chunk.narrow ? withLatin1(hash, chunk.narrow, chunk.length) : withUtf16(hash, chunk.wide, chunk.length);

@@ -16,3 +16,5 @@ class Rope;
 [[nodiscard]] quint64 textHash(const Rope &text);
 /// The same for a worker; none soon after a stop was requested.
 [[nodiscard]] std::optional<quint64> textHash(const Rope &text, const std::stop_token &stop);
+/// Of a longer text, `added` being what comes behind one with the hash `before`. No pair of surrogates may be parted between them.
+[[nodiscard]] std::optional<quint64> textHash(const Rope &added, const std::stop_token &stop, quint64 before);

@@ -6,13 +6,17 @@
 #include "Base/Scheduler.h"
 #include "Files/DocumentFile.h"
 #include "Files/FileWatcher.h"
+#include "Files/GrowingFile.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
 
+class SavedText;
+
 /// Finds out what others do to the file of a document: watches it, and when something happened looks or reads on a worker. Remembers
-/// what the file was. Main thread only.
+/// what the file was. Of a file that only grew what was added is read, and once it rests, or has grown for a while, the rest is checked.
+/// Main thread only.
 class FileFollower final {
 public:
     /// What it uses; must outlive it.
@@ -22,6 +26,7 @@ public:
         FileWatcherQueue &watchers;
         FileCalls &files;
         const TextStorage &storage;
+        const SavedText &saved;
         /// The file was read, of which it was said that it changed. The difference is against the text of the revision that it names.
         std::function<void(const DocumentFile::Reading &reading)> changed;
         /// The file is gone.
@@ -29,6 +34,9 @@ public:
     };
 
     static constexpr Scheduler::Milliseconds deletionCheckDelay{400};
+    /// How long a file that grew rests before all of it is checked, and how long it may go on growing unchecked.
+    static constexpr Scheduler::Milliseconds growthCheckDelay{5000};
+    static constexpr Scheduler::Milliseconds longestUnchecked{30000};
 
     explicit FileFollower(Services services) : m_services(std::move(services)) {}
 
@@ -42,7 +50,8 @@ public:
     void setNew(bool isNew) { m_isNew = isNew; }
     /// The file as it was when the text was last read from it or written to it; none where that is unknown.
     [[nodiscard]] const std::optional<FileState> &state() const { return m_state; }
-    void agreeOn(const std::optional<FileState> &state);
+    /// The text of the document is that of the file in this state; with a `position` as it is now, letter by letter.
+    void agreeOn(const std::optional<FileState> &state, const std::shared_ptr<const ReadPosition> &position = nullptr);
     /// The user is shown that the file differs from the text. From then on saving may write over it as it is `shown`.
     void noteShown(const std::optional<FileState> &shown) { m_shown = shown; }
     /// What the file has to be when the text is written over it.
@@ -59,6 +68,10 @@ public:
 private:
     void handle(FileWatcher::Event event);
     void look();
+    void checkGrowthSoon();
+    void checkGrowth();
+    void takeCheck(const std::shared_ptr<const ReadPosition> &position, const GrowingFile::Check &check);
+    void stopChecking();
 
     Services m_services;
     QString m_path;
@@ -66,9 +79,17 @@ private:
     bool m_isNew = false;
     std::optional<FileState> m_state;
     std::optional<FileState> m_shown;
+    /// Null where the file has to be read as a whole.
+    std::shared_ptr<const ReadPosition> m_position;
+    /// Of the text that stands in the file before it.
+    quint64 m_positionRevision = 0;
     std::unique_ptr<FileWatcher> m_watcher;
     DelayedTask m_lookSoon;
     BackgroundTask m_looking;
     BackgroundTask m_reading;
+    /// Since when something of a growing file waits for its check.
+    std::optional<Scheduler::Milliseconds> m_uncheckedSince;
+    DelayedTask m_checkSoon;
+    BackgroundTask m_checking;
     bool m_asksAgain = false;
 };

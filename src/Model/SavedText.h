@@ -23,6 +23,8 @@ public:
 
     /// The file has `text`, and nothing needs to be compared. A large text without its hash is hashed when it is first compared.
     void set(const Rope &text, std::optional<quint64> hash = {});
+    /// Of the text that the file has, where that is known.
+    [[nodiscard]] std::optional<quint64> hash() const { return m_isNone ? std::nullopt : m_hash; }
     /// The file is gone, so no text is a saved one.
     void setNone() { m_isNone = true; }
     /// Compares when nobody has asked again for `comparisonDelay`.

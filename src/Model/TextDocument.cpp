@@ -21,6 +21,12 @@ constexpr qsizetype firstLineReach = 512;
 // Colouring works on whole lines; one of megabytes would hold up the keys for half a second after each pause.
 constexpr qsizetype longestColouredLine = 1'000'000;
 
+/// The edits do nothing but to add text to one of that length.
+bool isAdded(const TextEdits &edits, qsizetype length)
+{
+    return edits.count() == 1 && edits[0].range == TextRange{length, 0};
+}
+
 std::optional<FileStamp> stampOf(const std::optional<FileState> &state)
 {
     return state ? std::optional(state->stamp) : std::nullopt;
@@ -45,6 +51,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
                   .watchers = services.watchers,
                   .files = services.files,
                   .storage = m_storage,
+                  .saved = m_savedText,
                   .changed = [this](const FileReading &reading) { takeChanged(reading); },
                   .deleted = [this] { takeDeleted(); }})
 {
@@ -57,7 +64,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
         m_undoManager.markSavePoint();
         m_encoding = contents->encoding;
         m_lineEnding = contents->lineEnding;
-        m_follower.agreeOn(contents->state);
+        m_follower.agreeOn(contents->state, contents->position);
     }
     m_savedText.set(m_storage.text());
     m_language = detectedLanguage();
@@ -402,7 +409,8 @@ void TextDocument::endSaving(const DocumentFile::WriteResult &written)
 void TextDocument::takeWritten(const DocumentFile::Snapshot &snapshot, const DocumentFile::Written &written)
 {
     const bool isSameText = m_storage.revision() == snapshot.revision;
-    agreeWithFile(snapshot.text, written.state, written.hash);
+    agreeWithFile(snapshot.text, written.hash);
+    m_follower.agreeOn(written.state);
     if (!isSameText || m_encoding != snapshot.encoding || m_lineEnding != snapshot.lineEnding) {
         m_isDirty = true;
     }
@@ -435,9 +443,8 @@ void TextDocument::whenSaved(std::function<void(bool isWritten)> then)
 }
 
 /// The file has `text`; whatever was asked about it or the document's text before is answered.
-void TextDocument::agreeWithFile(const Rope &text, const std::optional<FileState> &state, std::optional<quint64> hash)
+void TextDocument::agreeWithFile(const Rope &text, std::optional<quint64> hash)
 {
-    m_follower.agreeOn(state);
     m_follower.forget();
     m_savedText.set(text, hash);
     m_isDirty = false;
@@ -453,22 +460,24 @@ TextDocument::FileReading TextDocument::comparedWith(const TextFile::Contents &c
 
 void TextDocument::adopt(const FileReading &reading)
 {
+    const bool keepsColours = m_storage.length() > 0 && isAdded(reading.difference, m_storage.length());
     m_isLoading = true;
     m_storage.apply(reading.difference);
     m_isLoading = false;
     m_encoding = reading.contents.encoding;
     m_lineEnding = reading.contents.lineEnding;
-    agreeWithFile(m_storage.text(), reading.contents.state, reading.hash);
+    agreeWithFile(m_storage.text(), reading.hash);
+    m_follower.agreeOn(reading.contents.state, reading.contents.position);
     lastSelectedRange = {std::min(m_storage.length(), lastSelectedRange.location), 0};
-    if (m_highlighter) {
+    // What is added at the end is coloured like what is typed there.
+    if (m_highlighter && !keepsColours) {
         m_highlighter->rehighlightAll();
     }
 }
 
 void TextDocument::reload(const FileReading &reading)
 {
-    const bool isAddition = reading.difference.count() == 1 && reading.difference[0].range == TextRange{m_storage.length(), 0};
-    m_endBeforeReload = isAddition ? std::optional(m_storage.length()) : std::nullopt;
+    m_endBeforeReload = isAdded(reading.difference, m_storage.length()) ? std::optional(m_storage.length()) : std::nullopt;
     {
         const UndoManager::Pause pause(m_undoManager);
         adopt(reading);
@@ -556,7 +565,7 @@ void TextDocument::takeChanged(const FileReading &reading)
     }
     if (reading.difference.isEmpty()) {
         m_savedText.set(m_storage.text(), reading.hash);
-        m_follower.agreeOn(reading.contents.state);
+        m_follower.agreeOn(reading.contents.state, reading.contents.position);
         m_undoManager.markSavePoint();
         m_isDraft = false;
         setDirty(false);

@@ -193,7 +193,7 @@ private:
     void takeFile(std::optional<TextEncoding> forcedEncoding, void (TextDocument::*take)(const FileReading &reading),
                   const ReadCompletion &completion);
     void takeReinterpreted(const FileReading &reading);
-    void agreeWithFile(const Rope &text, const std::optional<FileState> &state, std::optional<quint64> hash = {});
+    void agreeWithFile(const Rope &text, std::optional<quint64> hash);
     [[nodiscard]] FileReading comparedWith(const TextFile::Contents &contents) const;
     void adopt(const FileReading &reading);
     void reload(const FileReading &reading);

@@ -4,6 +4,7 @@
 
 #include "Base/FileCalls.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <functional>
@@ -24,9 +25,15 @@ public:
     std::function<int(const char *call)> before;
     /// The most bytes that one call reads or writes; 0 for as many as asked for.
     size_t portion = 0;
+    std::atomic<qint64> bytesRead = 0;
 
     int open(const char *path, int flags, mode_t mode) override { return step("open", &FileCalls::open, path, flags, mode); }
-    ssize_t read(int file, void *bytes, size_t count) override { return step("read", &FileCalls::read, file, bytes, cut(count)); }
+    ssize_t read(int file, void *bytes, size_t count) override
+    {
+        const ssize_t length = step("read", &FileCalls::read, file, bytes, cut(count));
+        bytesRead += std::max<ssize_t>(length, 0);
+        return length;
+    }
     ssize_t write(int file, const void *bytes, size_t count) override { return step("write", &FileCalls::write, file, bytes, cut(count)); }
     off_t lseek(int file, off_t offset, int whence) override { return step("lseek", &FileCalls::lseek, file, offset, whence); }
     int ftruncate(int file, off_t size) override { return step("ftruncate", &FileCalls::ftruncate, file, size); }

@@ -155,6 +155,8 @@ TEST_F(TextFileTest, AFileThatChangesMeanwhileIsReadAsOneState)
     EXPECT_LT(always.steps, 50);
     EXPECT_EQ(restless->text.length(), size);
     EXPECT_TRUE(restless->text.toString() == QString(size, QChar(u'a' + size % 26)));
+    EXPECT_TRUE(restless->state && restless->state->isFresh) << "what it is on disk is for its bytes to say";
+    EXPECT_TRUE(restless->state->stamp.size == size && restless->state->hash == TextFile::read(file)->state->hash);
 }
 
 TEST_F(TextFileTest, WritesWhatItReads)

@@ -3,6 +3,7 @@
 #include "Base/FaultyCalls.h"
 #include "DocumentSurroundings.h"
 #include "FileAnswers.h"
+#include "Highlighting/LanguageRegistry.h"
 #include "Model/SaveTransformation.h"
 #include "TestFolder.h"
 
@@ -305,6 +306,122 @@ TEST_F(DocumentTest, WritesOverNothingThatTheUserWasNotShown)
     type(document, u"z"_s);
     put(elsewhere, "theirs");
     EXPECT_FALSE(saved(document, elsewhere));
+}
+
+/// A log, of which hashes and line ends are not worth a look at every line.
+class LogTest : public DocumentTest {
+protected:
+    void append(const QByteArray &line)
+    {
+        QFile log(file);
+        ASSERT_TRUE(log.open(QIODevice::Append) && log.write(line) == line.size());
+    }
+    /// As long as before.
+    void rewriteInTheMiddle()
+    {
+        QFile log(file);
+        ASSERT_TRUE(log.open(QIODevice::ReadWrite) && log.seek(changedAt) && log.write("changed") == 7);
+    }
+    [[nodiscard]] static QString middle(const TextDocument &document) { return document.storage().string({changedAt, 7}); }
+
+    /// In no sample.
+    static constexpr qint64 changedAt = 3 * FilePrefix::stretchLength + 2 * FilePrefix::sampleLength;
+    const QByteArray content = QByteArray("a line like any other in a log\n").repeated(64 * 1024);
+};
+
+TEST_F(LogTest, WhatIsAppendedIsReadAlone)
+{
+    TextDocument &document = open(content);
+    // The text that is known has a hash once it was read to be compared.
+    type(document, u"x"_s);
+    document.undoManager().undo();
+    append("first\n");
+    settle();
+    files.bytesRead = 0;
+    const int lines = 1000;
+    for (int line = 0; line < lines; ++line) {
+        const qsizetype end = document.storage().length();
+        append("and another line\r\n");
+        settle(300ms);
+        ASSERT_EQ(document.storage().length(), end + 17) << line;
+        ASSERT_EQ(document.endBeforeReload(), end);
+    }
+    const qint64 looks = lines * (FilePrefix::tailLength + 8 * FilePrefix::sampleLength);
+    const qint64 checks = 300'000 / FileFollower::longestUnchecked.count() + 1;
+    EXPECT_LE(files.bytesRead, looks + checks * (content.size() + 19 * lines));
+    EXPECT_FALSE(document.isDirty() || document.undoManager().canUndo());
+
+    append("and an old one\n");
+    QFile log(file);
+    ASSERT_TRUE(log.open(QIODevice::ReadWrite) && log.setFileTime(QDateTime(QDate(2020, 1, 1), QTime()), QFile::FileModificationTime));
+    settle();
+    EXPECT_TRUE(document.file().state()->isFresh);
+    settle(FileFollower::growthCheckDelay);
+    EXPECT_FALSE(document.file().state()->isFresh) << "all of it was looked at";
+    const auto all = TextFile::read(file);
+    EXPECT_EQ(document.file().state(), all->state);
+    EXPECT_TRUE(document.storage().text() == all->text);
+    EXPECT_EQ(document.lineEnding(), all->lineEnding);
+    type(document, u"x"_s);
+    document.storage().apply({{0, 1}, u""_s});
+    settle();
+    EXPECT_FALSE(document.isDirty()) << "the hash of the text that was read goes on too";
+}
+
+TEST_F(LogTest, WhatChangedBeforeTheOldEndIsNotWrittenOverAndFoundInTime)
+{
+    TextDocument &document = open(content);
+    const QString before = middle(document);
+    rewriteInTheMiddle();
+    append("more\n");
+    settle();
+    EXPECT_TRUE(document.storage().string().endsWith(u"more\n"));
+    EXPECT_EQ(middle(document), before) << "it cannot be known yet";
+    ASSERT_TRUE(document.file().state());
+    document.setLineEnding(LineEnding::crlf);
+    const QByteArray theirs = read(file);
+    EXPECT_FALSE(saved(document, file));
+    EXPECT_EQ(document.externalState(), TextDocument::ExternalState::conflicted);
+    EXPECT_TRUE(read(file) == theirs);
+    ASSERT_TRUE(isReverted(document));
+    EXPECT_EQ(middle(document), u"changed"_s);
+
+    put(file, content);
+    settle();
+    rewriteInTheMiddle();
+    append("and more\n");
+    settle();
+    ASSERT_EQ(middle(document), before);
+    settle(FileFollower::growthCheckDelay);
+    EXPECT_EQ(middle(document), u"changed"_s) << "it rests";
+    EXPECT_EQ(document.externalState(), TextDocument::ExternalState::none);
+
+    put(file, content);
+    settle();
+    rewriteInTheMiddle();
+    for (auto time = 0ms; time < FileFollower::longestUnchecked + 1s; time += 250ms) {
+        ASSERT_TRUE(time > FileFollower::longestUnchecked || middle(document) == before) << time.count();
+        append("and more\n");
+        settle(250ms);
+    }
+    EXPECT_EQ(middle(document), u"changed"_s) << "it never rests";
+}
+
+TEST_F(LogTest, WhatIsReadKeepsItsColoursWhenMoreComes)
+{
+    TextDocument &document = open("int a;\n", u"a.txt"_s);
+    document.setLanguage(*LanguageRegistry::withID(u"c"_s));
+    document.highlighter()->ensureHighlighted({0, 6});
+    const auto firstScope = [&document] {
+        Scope scope = Scope::plain;
+        document.highlighter()->forEachScope({0, 1}, [&scope](TextRange, Scope found) { scope = found; });
+        return scope;
+    };
+    ASSERT_NE(firstScope(), Scope::plain);
+    append("int b;\n");
+    settle();
+    ASSERT_EQ(document.storage().string(), u"int a;\nint b;\n"_s);
+    EXPECT_NE(firstScope(), Scope::plain);
 }
 
 TEST_F(DocumentTest, AFileThatIsBackIsNotCalledDeleted)

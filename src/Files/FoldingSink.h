@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Files/LineEnding.h"
+#include "Files/TextEncoding.h"
+#include "Text/Rope.h"
+
+/// Folds line breaks and passes the text on to a rope.
+class FoldingSink final : public TextSink {
+public:
+    /// After a text with these breaks.
+    explicit FoldingSink(const LineBreakCounter &before = {}) : m_breaks(before) {}
+
+    void append(std::span<uchar> latin1) override { m_builder.appendLatin1(latin1.data(), qsizetype(m_breaks.addAndFold(latin1))); }
+    void append(std::span<char16_t> units) override { m_builder.append(QStringView(units.data(), qsizetype(m_breaks.addAndFold(units)))); }
+
+    /// Ends the text.
+    [[nodiscard]] Rope text() { return m_builder.build(); }
+    [[nodiscard]] const LineBreakCounter &breaks() const { return m_breaks; }
+
+private:
+    RopeBuilder m_builder;
+    LineBreakCounter m_breaks;
+};
