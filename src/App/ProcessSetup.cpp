@@ -6,6 +6,7 @@
 #include <csignal>
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 namespace {
@@ -30,10 +31,17 @@ void surviveFileSizeLimit()
     sigaction(SIGXFSZ, &action, nullptr);
 }
 
+/// The heaps that threads get otherwise are grown by a system call for every few kilobytes: a fifth of what it takes to read a large file.
+void shareOneHeap()
+{
+    mallopt(M_ARENA_MAX, 1);
+}
+
 } // namespace
 
 void setUpProcess()
 {
     openStandardDescriptors();
     surviveFileSizeLimit();
+    shareOneHeap();
 }

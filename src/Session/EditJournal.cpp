@@ -8,7 +8,6 @@
 #include <QtEndian>
 
 #include <algorithm>
-#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -115,20 +114,19 @@ std::optional<Rope> applied(const std::vector<TextEdits> &changes, Rope text)
 quint64 EditJournal::hashOf(const Rope &text)
 {
     ContentHash hash;
-    const auto encoder = TextEncoder::make(TextEncoding::utf8, TextEncoder::Mode::lossy);
-    QByteArray bytes;
-    const auto add = [&] {
-        hash.add(bytes.constData(), size_t(bytes.size()));
-        bytes.resize(0);
-    };
-    text.forEachChunk({0, text.length()}, [&](const Rope::Chunk &chunk) {
-        std::ignore = chunk.narrow ? encoder->encode(std::span(chunk.narrow, size_t(chunk.length)), bytes)
-                                   : encoder->encode(QStringView(chunk.wide, chunk.length), bytes);
-        add();
+    // No pair is split between two chunks.
+    text.forEachChunk({0, text.length()}, [&hash](const Rope::Chunk &chunk) {
+        const QLatin1StringView narrow(reinterpret_cast<const char *>(chunk.narrow), chunk.narrow ? chunk.length : 0);
+        if (chunk.narrow && QtPrivate::isAscii(narrow)) {
+            hash.add(chunk.narrow, size_t(chunk.length));
+        } else {
+            const QString latin1(narrow);
+            const QStringView units = chunk.narrow ? QStringView(latin1) : QStringView(chunk.wide, chunk.length);
+            const QByteArray bytes = encoded(units, TextEncoding::utf8, TextEncoder::Mode::lossy).value();
+            hash.add(bytes.constData(), size_t(bytes.size()));
+        }
         return true;
     });
-    std::ignore = encoder->finish(bytes);
-    add();
     return hash.value();
 }
 

@@ -3,6 +3,7 @@
 #include "Session/EditJournal.h"
 
 #include "FileAnswers.h"
+#include "Files/TextHash.h"
 #include "Session/SessionFixture.h"
 #include "Session/SessionKeeper.h"
 #include "Session/SessionRestoration.h"
@@ -82,9 +83,8 @@ protected:
                 EXPECT_TRUE(found.contains(document->id())) << when << ": lost " << text.toString().toStdString();
                 const auto &[path, back] = found.contains(document->id()) ? found.at(document->id()) : std::pair<QString, QString>();
                 // But for halves of pairs.
-                EXPECT_EQ(EditJournal::hashOf(Rope(back)), EditJournal::hashOf(text))
-                    << when << ": " << back.toStdString() << "\ninstead of\n"
-                    << text.toString().toStdString();
+                EXPECT_EQ(textHash(Rope(back)), textHash(text)) << when << ": " << back.toStdString() << "\ninstead of\n"
+                                                                << text.toString().toStdString();
                 EXPECT_EQ(path, document->path()) << when;
             }
         }
