@@ -32,12 +32,6 @@ bool areSamplesSame(FileBytes &file, const ReadPosition &position)
     return true;
 }
 
-/// Nothing but more bytes came to it while it was read up to `size`.
-bool hasOnlyGrown(const struct stat &before, const std::optional<struct stat> &after, qint64 size)
-{
-    return after && (after->st_size > size || isUntouched(before, *after));
-}
-
 } // namespace
 
 std::optional<TextFile::Contents> GrowingFile::readAdded(const QString &path, const ReadPosition &position, FileCalls &calls)
@@ -85,7 +79,8 @@ std::optional<TextFile::Contents> GrowingFile::readAdded(const QString &path, co
             return std::nullopt;
         }
     }
-    if (!decoder->finish(sink) || !hasOnlyGrown(*before, file.status(), newEnd)) {
+    // What changes meanwhile gives the file another time, is reported, and then not taken for more of the same.
+    if (!decoder->finish(sink)) {
         return std::nullopt;
     }
     next.breaks = sink.breaks();

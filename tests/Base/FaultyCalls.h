@@ -4,6 +4,8 @@
 
 #include "Base/FileCalls.h"
 
+#include <QtGlobal>
+
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
