@@ -89,10 +89,7 @@ QStringView reasonOf(int error)
 
 tl::unexpected<Error> saveFailure(const QByteArray &path, int error)
 {
-    if (const QStringView reason = reasonOf(error); !reason.isEmpty()) {
-        return failure(formatted(localized(reason), fileName(path)), error);
-    }
-    return failure(formatted(localized(u"“%@” could not be saved: %@."), fileName(path), qt_error_string(error)), error);
+    return tl::make_unexpected(saveError(decodedPath(path), error));
 }
 
 /// The kernel follows no such link, but it is not asked to: links are read here one by one.
@@ -122,7 +119,7 @@ Result<QByteArray> followLinks(QByteArray path, FileCalls &calls)
             return failure(formatted(localized(u"“%@” could not be saved, because it is a symbolic link that another user made in a folder "
                                                u"where everybody may write."),
                                      fileName(asGiven)),
-                           EACCES);
+                           AtomicFile::strangersLinkError);
         }
         QByteArray target(PATH_MAX, Qt::Uninitialized);
         const ssize_t length = calls.readlink(path.constData(), target.data(), size_t(target.size()));
@@ -753,6 +750,15 @@ Result<void> writeAtomically(const QString &path, QByteArrayView bytes, AtomicFi
     return AtomicFile::open(path, newFile, calls).and_then([&](AtomicFile file) {
         return file.write(bytes).and_then([&] { return file.commit(); }).map([](const AtomicFile::Written &) {});
     });
+}
+
+Error saveError(const QString &path, int code)
+{
+    const QString name = fileName(encodedPath(path));
+    if (const QStringView reason = reasonOf(code); !reason.isEmpty()) {
+        return {formatted(localized(reason), name), code};
+    }
+    return {formatted(localized(u"“%@” could not be saved: %@."), name, qt_error_string(code)), code};
 }
 
 Result<QString> resolvedLinks(const QString &path)

@@ -41,6 +41,12 @@ public:
     };
     /// `Error::code` of a commit that found another file than expected.
     static constexpr int changedError = 518;
+    /// `Error::code` where a symbolic link of another user, in a folder where everybody may write, leads to the file.
+    static constexpr int strangersLinkError = 519;
+    struct WriteError : Error {
+        /// Of `changedError`: the file that was found.
+        std::optional<FileState> found = std::nullopt;
+    };
 
     /// Why a target was not replaced but written in place.
     enum class InPlace { no, hardLinks, folder, owner, attributes, mount };
@@ -118,6 +124,9 @@ private:
 /// `bytes` as the whole content of the file at `path`, in the manner of AtomicFile.
 [[nodiscard]] Result<void> writeAtomically(const QString &path, QByteArrayView bytes, AtomicFile::NewFile newFile,
                                            FileCalls &calls = FileCalls::system());
+
+/// Of a write to `path` that failed with `code`, an `errno`.
+[[nodiscard]] Error saveError(const QString &path, int code);
 
 /// The path that writing through `path` reaches: symbolic links at its end are followed, also one that leads nowhere. Fails with ELOOP.
 [[nodiscard]] Result<QString> resolvedLinks(const QString &path);

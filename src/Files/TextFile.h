@@ -90,10 +90,7 @@ public:
         /// See AtomicFile::open().
         QString rescueFolder = {};
     };
-    struct WriteError : Error {
-        /// Of `AtomicFile::changedError`: the file that was found.
-        std::optional<FileState> found = std::nullopt;
-    };
+    using WriteError = AtomicFile::WriteError;
     using WriteResult = Result<AtomicFile::Written, WriteError>;
 
     /// Writes `text`, whose breaks are LF, in the manner of AtomicFile. Characters that the encoding lacks are substituted, on purpose
