@@ -8,6 +8,7 @@
 #include "Desktop/ForeignKeyboard.h"
 #include "Files/WatchedPath.h"
 #include "Find/FindState.h"
+#include "GuardedFiles.h"
 #include "HeldWorkers.h"
 #include "Model/DocumentStore.h"
 #include "Model/RecentDocuments.h"
@@ -36,6 +37,8 @@ struct Surroundings : TestFolder {
     ScriptedAlertPresenter presenter;
     HeldWorkers workers{HeldWorkers::Mode::atOnce};
     FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
+    GuardedFiles files;
+    FakeAdministrator administrator;
     SessionStore session;
     std::optional<Appearance> desktopAppearance;
     int appearanceQueries = 0;
@@ -45,7 +48,9 @@ struct Surroundings : TestFolder {
                              .workers = workers,
                              .watchers = watchers,
                              .discardDraft = [this](const QUuid &id) { session.discardDraft(id); },
-                             .bringBack = [this](const QString &path) { keeper.bringBack(path); }},
+                             .files = files,
+                             .bringBack = [this](const QString &path) { keeper.bringBack(path); },
+                             .administrator = &administrator},
                             [this] {
                                 ++appearanceQueries;
                                 return desktopAppearance;

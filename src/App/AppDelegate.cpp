@@ -544,6 +544,16 @@ void AppDelegate::closeNext()
     }
 }
 
+void AppDelegate::remarkOnRoot()
+{
+    constexpr std::chrono::seconds duration{10};
+    if (MainWindowController *window = frontmostWindow()) {
+        window->workspace().statusBar().flash(
+            localized(u"Quillet runs as root. It need not: it asks for the password when a file has to be saved as administrator."),
+            duration);
+    }
+}
+
 void AppDelegate::inform(const QString &message, const QString &details)
 {
     m_services.presenter.present(Alert{.style = AlertStyle::informational, .messageText = message, .informativeText = details},

@@ -9,6 +9,7 @@
 #include "Base/ToolkitTexts.h"
 #include "Desktop/DesktopRecentFiles.h"
 #include "Desktop/ForeignKeyboard.h"
+#include "Desktop/PolkitAdministrator.h"
 #include "Desktop/SystemAppearance.h"
 #include "Desktop/SystemDesktop.h"
 #include "Desktop/SystemPasteboard.h"
@@ -45,6 +46,13 @@ void setUp()
     QApplication::setDesktopFileName(u"org.quillet.Quillet"_s);
     QApplication::setWindowIcon(applicationIcon());
     QApplication::setQuitOnLastWindowClosed(false);
+}
+
+/// Never destroyed: a worker that waits for the password may do so while the program ends.
+Administrator &administrator()
+{
+    static auto *const asked = new PolkitAdministrator(PolkitAdministrator::Programs::standard());
+    return *asked;
 }
 
 /// Chosen before anything is made that has words, and whenever the user chooses another.
@@ -117,7 +125,8 @@ struct Program::Parts {
                              .discardDraft = [this](const QUuid &id) { session.discardDraft(id); },
                              .timeout = fileTimeout,
                              .rescueFolder = session.rescueDirectory(),
-                             .bringBack = [this](const QString &path) { keeper.bringBack(path); }},
+                             .bringBack = [this](const QString &path) { keeper.bringBack(path); },
+                             .administrator = &administrator()},
                             [this] { return appearance.current(); }};
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
 
@@ -189,5 +198,8 @@ int Program::run(const CommandLine &line)
         };
     }
     delegate.handle(request, opened);
+    if (::geteuid() == 0) {
+        delegate.remarkOnRoot();
+    }
     return QApplication::exec();
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Files/DocumentFile.h"
 
+#include "Base/Administrator.h"
 #include "Base/FilePath.h"
 #include "Base/Translation.h"
 #include "Files/GrowingFile.h"
@@ -26,11 +27,30 @@ void makeFolder(const QString &path, FileCalls &files)
     }
 }
 
+/// The administrator gets the whole text and the file's own path: what links lead to is found here, with the user's rights.
+TextFile::WriteResult writeByAdministrator(const DocumentFile::Snapshot &snapshot, const TextFile::WriteOptions &options,
+                                           Administrator *administrator, const std::stop_token &stop)
+{
+    const auto failed = [](const Error &error) { return TextFile::WriteError{error}; };
+    if (!administrator) {
+        return tl::make_unexpected(failed(saveError(snapshot.path, EACCES)));
+    }
+    const auto target = resolvedLinks(snapshot.path);
+    const auto bytes = TextFile::encoded(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding);
+    if (!target || !bytes) {
+        return tl::make_unexpected(failed(target ? bytes.error() : target.error()));
+    }
+    return administrator
+        ->write({.path = DocumentFile::identityOf(*target), .newFile = options.newFile, .expected = options.expected}, *bytes, stop)
+        .map([](const FileState &state) { return AtomicFile::Written{state}; });
+}
+
 } // namespace
 
-DocumentFile::WriteResult DocumentFile::write(const Snapshot &snapshot, FileCalls &files, const std::stop_token &stop)
+DocumentFile::WriteResult DocumentFile::write(const Snapshot &snapshot, FileCalls &files, Administrator *administrator,
+                                              const std::stop_token &stop)
 {
-    if (snapshot.missingFolder == MissingFolder::isMade) {
+    if (snapshot.manner.missingFolder == MissingFolder::isMade) {
         makeFolder(QFileInfo(snapshot.path).path(), files);
     }
     TextFile::WriteOptions options{.expected = snapshot.expected, .rescueFolder = snapshot.rescueFolder};
@@ -38,11 +58,16 @@ DocumentFile::WriteResult DocumentFile::write(const Snapshot &snapshot, FileCall
         // One that is gone gets back the permissions that it had.
         options.newFile = AtomicFile::NewFile(snapshot.expected->state->mode);
     }
-    return TextFile::write(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding, files, options)
-        .map([&](const AtomicFile::Written &done) {
-            return Written{
-                .state = done.state, .inPlace = done.inPlace, .identity = identityOf(snapshot.path), .hash = textHash(snapshot.text, stop)};
-        });
+    const auto written = snapshot.manner.authority == Authority::administrator
+                             ? writeByAdministrator(snapshot, options, administrator, stop)
+                             : TextFile::write(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding, files, options);
+    return written.map([&](const AtomicFile::Written &done) {
+        return Written{.state = done.state,
+                       .inPlace = done.inPlace,
+                       .identity = identityOf(snapshot.path),
+                       .hash = textHash(snapshot.text, stop),
+                       .isReadOnly = TextFile::isReadOnly(snapshot.path, files)};
+    });
 }
 
 Result<QString> DocumentFile::copy(const Snapshot &snapshot, FileCalls &files)
@@ -82,6 +107,7 @@ DocumentFile::ReadResult DocumentFile::readAgain(const QString &path, const Basi
     const Rope added = std::exchange(contents->text, current.text);
     const TextRange end{current.text.length(), 0};
     contents->text.replace(end, added);
+    contents->isReadOnly = TextFile::isReadOnly(path, files);
     return Reading{.contents = *std::move(contents),
                    .difference = TextEdits(end, added),
                    .revision = current.revision,

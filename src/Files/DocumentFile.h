@@ -8,6 +8,8 @@
 
 #include <stop_token>
 
+class Administrator;
+
 /// What documents ask of their files. Every function here works on copies, takes the time that the file system takes, and so is for
 /// workers. Keeps no state.
 class DocumentFile final {
@@ -15,6 +17,14 @@ public:
     DocumentFile() = delete;
 
     enum class MissingFolder { isError, isMade };
+    /// With whose rights.
+    enum class Authority { user, administrator };
+    struct Manner {
+        MissingFolder missingFolder = MissingFolder::isError;
+        Authority authority = Authority::user;
+
+        friend bool operator==(const Manner &, const Manner &) = default;
+    };
     /// A text on its way into a file.
     struct Snapshot {
         QString path;
@@ -26,7 +36,7 @@ public:
         std::optional<AtomicFile::Expectation> expected = std::nullopt;
         /// See AtomicFile::open().
         QString rescueFolder = {};
-        MissingFolder missingFolder = MissingFolder::isError;
+        Manner manner = {};
     };
     struct Written {
         /// The file as it was written; what others did to it since is not in it.
@@ -35,9 +45,13 @@ public:
         QString identity;
         /// None soon after a stop was requested.
         std::optional<quint64> hash;
+        /// See TextFile::isReadOnly().
+        bool isReadOnly = false;
     };
     using WriteResult = Result<Written, TextFile::WriteError>;
-    [[nodiscard]] static WriteResult write(const Snapshot &snapshot, FileCalls &files, const std::stop_token &stop);
+    /// `administrator` is null where there is none.
+    [[nodiscard]] static WriteResult write(const Snapshot &snapshot, FileCalls &files, Administrator *administrator,
+                                           const std::stop_token &stop);
 
     /// Writes the text beside its file, under a free name, which it returns.
     [[nodiscard]] static Result<QString> copy(const Snapshot &snapshot, FileCalls &files);

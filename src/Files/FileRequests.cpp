@@ -20,6 +20,9 @@ void FileRequests::end(Kind kind)
 FileRequests::Activity FileRequests::activity() const
 {
     const auto isSlow = [this](Kind kind) { return m_requests[size_t(kind)].isSlow; };
+    if (isSlow(Kind::authorizedWriting)) {
+        return Activity::authorizing;
+    }
     if (isSlow(Kind::writing) || isSlow(Kind::copying)) {
         return Activity::saving;
     }

@@ -13,8 +13,9 @@
 class FileRequests final {
 public:
     /// A request takes the place of an earlier one of its kind, whose answer nobody gets any more.
-    enum class Kind { arrival, reading, comparison, writing, copying, moving };
-    enum class Activity { none, opening, saving };
+    enum class Kind { arrival, reading, comparison, writing, authorizedWriting, copying, moving };
+    /// `authorizing`: the user is asked for a password.
+    enum class Activity { none, opening, saving, authorizing };
 
     static constexpr Scheduler::Milliseconds slowAfter{300};
 
@@ -45,11 +46,11 @@ public:
     void cancel(Kind kind);
     [[nodiscard]] bool isPending(Kind kind) const { return m_requests[size_t(kind)].task.isPending(); }
 
-    /// Saving before opening.
+    /// What the user has to do before saving, and that before opening.
     [[nodiscard]] Activity activity() const;
 
 private:
-    static constexpr size_t kindCount = 6;
+    static constexpr size_t kindCount = 7;
 
     struct Request {
         BackgroundTask task;

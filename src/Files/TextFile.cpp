@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <functional>
+#include <unistd.h>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -272,12 +274,11 @@ private:
     std::vector<char16_t> m_wide;
 };
 
-/// None when a character cannot be represented.
-Result<std::optional<AtomicFile::Written>, TextFile::WriteError> writeEncoded(const Rope &text, AtomicFile file, RopeEncoder encoder,
-                                                                              const TextFile::WriteOptions &options)
+/// Gives the bytes of `text` to `take`, piece by piece. False when a character cannot be represented.
+Result<bool> encode(const Rope &text, RopeEncoder encoder, const std::function<Result<void>(const QByteArray &bytes)> &take)
 {
     bool isRepresentable = true;
-    Result<void> written;
+    Result<void> taken;
     QByteArray bytes;
     text.forEachChunk({0, text.length()}, [&](const Rope::Chunk &chunk) {
         bytes.resize(0);
@@ -285,15 +286,30 @@ Result<std::optional<AtomicFile::Written>, TextFile::WriteError> writeEncoded(co
             isRepresentable = false;
             return false;
         }
-        written = file.write(bytes);
-        return written.has_value();
+        taken = take(bytes);
+        return taken.has_value();
     });
     bytes.resize(0);
-    if (written && (!isRepresentable || !encoder.finish(bytes))) {
+    if (taken && (!isRepresentable || !encoder.finish(bytes))) {
+        return false;
+    }
+    return taken.and_then([&] { return take(bytes); }).map([] { return true; });
+}
+
+QString inapplicable(const QString &path, TextEncoding encoding)
+{
+    return formatted(localized(u"“%@” could not be saved in the text encoding “%@”."), shownName(path), displayName(encoding));
+}
+
+/// None when a character cannot be represented.
+Result<std::optional<AtomicFile::Written>, TextFile::WriteError> writeEncoded(const Rope &text, AtomicFile file, RopeEncoder encoder,
+                                                                              const TextFile::WriteOptions &options)
+{
+    const auto encoded = encode(text, std::move(encoder), [&](const QByteArray &bytes) { return file.write(bytes); });
+    if (encoded && !*encoded) {
         return std::nullopt;
     }
-    return written.and_then([&] { return file.write(bytes); })
-        .and_then([&] { return file.commit(options.expected); })
+    return encoded.and_then([&](bool) { return file.commit(options.expected); })
         .map([](const AtomicFile::Written &done) { return std::optional(done); })
         .map_error([&](const Error &error) {
             return TextFile::WriteError{error, file.foundState()};
@@ -384,6 +400,7 @@ TextFile::ReadResult TextFile::read(const QString &path, std::optional<TextEncod
             reading.end.isAssumed = isLast;
             reading.contents.position = std::make_shared<const ReadPosition>(std::move(reading.end));
         }
+        reading.contents.isReadOnly = isReadOnly(path, calls);
         return std::move(reading.contents);
     }
 }
@@ -408,9 +425,36 @@ TextFile::WriteResult TextFile::write(const Rope &text, const QString &path, Tex
             return **written;
         }
     }
-    return tl::make_unexpected(
-        WriteError{{formatted(localized(u"“%@” could not be saved in the text encoding “%@”."), shownName(path), displayName(encoding)),
-                    inapplicableEncodingError}});
+    return tl::make_unexpected(WriteError{{inapplicable(path, encoding), inapplicableEncodingError}});
+}
+
+Result<QByteArray> TextFile::encoded(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding)
+{
+    for (const TextEncoder::Mode mode : {TextEncoder::Mode::strict, TextEncoder::Mode::lossy}) {
+        auto encoder = TextEncoder::make(encoding, mode);
+        if (!encoder) {
+            break;
+        }
+        QByteArray all;
+        const auto collect = [&all](const QByteArray &bytes) {
+            all += bytes;
+            return Result<void>();
+        };
+        if (encode(text, RopeEncoder(std::move(encoder), lineEnding), collect).value_or(false)) {
+            return all;
+        }
+    }
+    return failure(inapplicable(path, encoding), inapplicableEncodingError);
+}
+
+bool TextFile::isReadOnly(const QString &path, FileCalls &calls)
+{
+    const QByteArray name = encodedPath(path);
+    int result = calls.access(name.constData(), W_OK);
+    if (result != 0 && errno == ENOENT) {
+        result = calls.access(name.first(name.lastIndexOf('/') + 1).constData(), W_OK | X_OK);
+    }
+    return result != 0 && (errno == EACCES || errno == EPERM || errno == EROFS);
 }
 
 std::optional<QString> TextFile::nextAvailableCopy(const QString &path)

@@ -41,6 +41,8 @@ public:
         std::optional<FileState> state = std::nullopt;
         /// Where reading may go on when the file grows; null where it must be read as a whole again. For GrowingFile.
         std::shared_ptr<const ReadPosition> position = nullptr;
+        /// See isReadOnly(); when it was read.
+        bool isReadOnly = false;
     };
 
     struct ReadError {
@@ -82,6 +84,12 @@ public:
     {
         return read(path, forcedEncoding, FileCalls::system());
     }
+
+    /// The user may not write to the file, or where there is none to its folder. What gives no answer is not.
+    [[nodiscard]] static bool isReadOnly(const QString &path, FileCalls &calls);
+
+    /// The bytes that a file with `text` has; see write().
+    [[nodiscard]] static Result<QByteArray> encoded(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding);
 
     struct WriteOptions {
         AtomicFile::NewFile newFile = AtomicFile::NewFile::readableByOthers;

@@ -48,6 +48,9 @@ public:
     /// It has a path, at which there was no file yet.
     [[nodiscard]] bool isNew() const { return m_isNew; }
     void setNew(bool isNew) { m_isNew = isNew; }
+    /// See TextFile::isReadOnly(); when the file was last read or written.
+    [[nodiscard]] bool isReadOnly() const { return m_isReadOnly; }
+    void setReadOnly(bool isReadOnly) { m_isReadOnly = isReadOnly; }
     /// The file as it was when the text was last read from it or written to it; none where that is unknown.
     [[nodiscard]] const std::optional<FileState> &state() const { return m_state; }
     /// The text of the document is that of the file in this state; with a `position` as it is now, letter by letter.
@@ -77,6 +80,7 @@ private:
     QString m_path;
     QString m_identity;
     bool m_isNew = false;
+    bool m_isReadOnly = false;
     std::optional<FileState> m_state;
     std::optional<FileState> m_shown;
     /// Null where the file has to be read as a whole.

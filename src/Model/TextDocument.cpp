@@ -13,6 +13,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <cerrno>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -30,6 +32,11 @@ bool isAdded(const TextEdits &edits, qsizetype length)
 std::optional<FileStamp> stampOf(const std::optional<FileState> &state)
 {
     return state ? std::optional(state->stamp) : std::nullopt;
+}
+
+bool isForbidden(int error)
+{
+    return error == EACCES || error == EPERM || error == EROFS;
 }
 
 } // namespace
@@ -65,6 +72,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
         m_encoding = contents->encoding;
         m_lineEnding = contents->lineEnding;
         m_follower.agreeOn(contents->state, contents->position);
+        m_follower.setReadOnly(contents->isReadOnly);
     }
     m_savedText.set(m_storage.text());
     m_language = detectedLanguage();
@@ -100,6 +108,7 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
             QString identity;
             bool exists = false;
             bool isChanged = false;
+            bool isReadOnly = false;
         };
         document->m_draftLooking = BackgroundTask::start(
             services.workers,
@@ -107,13 +116,14 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
                 const bool exists = isThere(path);
                 const bool isChanged =
                     state ? !DocumentFile::isStill(path, *state, files) : keptAt && DocumentFile::hasChangedSince(path, *keptAt, files);
-                return Found{DocumentFile::identityOf(path), exists, exists && isChanged};
+                return Found{DocumentFile::identityOf(path), exists, exists && isChanged, TextFile::isReadOnly(path, files)};
             },
             [self = document.get(), path, missingFile](const Found &found) {
                 if (self->m_path != path) {
                     return;
                 }
                 self->m_follower.setIdentity(found.identity);
+                self->setReadOnly(found.isReadOnly);
                 if (!found.exists && missingFile == MissingFile::isMade) {
                     self->m_follower.setNew(true);
                 } else if (!found.exists) {
@@ -135,7 +145,7 @@ std::unique_ptr<TextDocument> TextDocument::awaiting(const DocumentServices &ser
     document->m_requests.start(
         FileRequests::Kind::arrival, std::chrono::milliseconds(0),
         [path, &files = services.files](const std::stop_token &) {
-            return Arrival{TextFile::read(path, std::nullopt, files), DocumentFile::identityOf(path)};
+            return Arrival{TextFile::read(path, std::nullopt, files), DocumentFile::identityOf(path), TextFile::isReadOnly(path, files)};
         },
         [self = document.get(), missingFile](const Arrival &arrival) { self->arrive(arrival, missingFile); });
     return document;
@@ -156,7 +166,8 @@ void TextDocument::arrive(const Arrival &arrival, MissingFile missingFile)
     if (m_arrival.error || m_arrival.twin) {
         m_services.notifications.post(didFailToArrive, this);
     } else {
-        takeArrived(arrival.contents.value_or(TextFile::Contents{.encoding = m_encoding, .lineEnding = m_lineEnding}));
+        takeArrived(arrival.contents.value_or(
+            TextFile::Contents{.encoding = m_encoding, .lineEnding = m_lineEnding, .isReadOnly = arrival.isReadOnly}));
         m_follower.setNew(isNew);
     }
     for (const auto &then : waiting) {
@@ -247,6 +258,14 @@ void TextDocument::setDirty(bool isDirty)
     }
 }
 
+void TextDocument::setReadOnly(bool isReadOnly)
+{
+    if (m_follower.isReadOnly() != isReadOnly) {
+        m_follower.setReadOnly(isReadOnly);
+        postMetadata();
+    }
+}
+
 // Dirty or not
 
 void TextDocument::noteEdit()
@@ -329,7 +348,7 @@ void TextDocument::transformForSaving()
     }
 }
 
-void TextDocument::save(const QString &path, const SaveCompletion &completion, DocumentFile::MissingFolder missingFolder)
+void TextDocument::save(const QString &path, const SaveCompletion &completion, const DocumentFile::Manner &manner)
 {
     if (isWaiting()) {
         if (completion) {
@@ -341,12 +360,12 @@ void TextDocument::save(const QString &path, const SaveCompletion &completion, D
     m_undoManager.breakCoalescing();
     m_undoManager.markSavePoint();
     // Of several texts that wait for the same file only the last is written.
-    if (m_saves.empty() || m_saves.back().snapshot.path != path) {
+    if (m_saves.empty() || m_saves.back().snapshot.path != path || m_saves.back().snapshot.manner != manner) {
         m_saves.emplace_back();
     }
     Save &save = m_saves.back();
     save.snapshot = snapshotOf(*this, path);
-    save.snapshot.missingFolder = missingFolder;
+    save.snapshot.manner = manner;
     if (completion) {
         save.completions.push_back(completion);
     }
@@ -366,11 +385,11 @@ void TextDocument::startSaving()
     }
     m_requests.cancel(FileRequests::Kind::reading);
     m_follower.beginOwnWrite();
+    const bool isAuthorized = m_underWay->snapshot.manner.authority == DocumentFile::Authority::administrator;
     m_requests.start(
-        FileRequests::Kind::writing, m_services.timeout,
-        [snapshot = m_underWay->snapshot, &files = m_services.files](const std::stop_token &stop) {
-            return DocumentFile::write(snapshot, files, stop);
-        },
+        isAuthorized ? FileRequests::Kind::authorizedWriting : FileRequests::Kind::writing, m_services.timeout,
+        [snapshot = m_underWay->snapshot, &files = m_services.files, administrator = m_services.administrator](
+            const std::stop_token &stop) { return DocumentFile::write(snapshot, files, administrator, stop); },
         [this](const DocumentFile::WriteResult &written) { endSaving(written); });
 }
 
@@ -386,6 +405,9 @@ void TextDocument::endSaving(const DocumentFile::WriteResult &written)
     }
     if (!written && written.error().code == AtomicFile::changedError) {
         showConflict(written.error().found);
+    }
+    if (!written && isForbidden(written.error().code) && save.snapshot.path == m_path) {
+        setReadOnly(true);
     }
     const Result<AtomicFile::InPlace> result =
         written.map([](const DocumentFile::Written &done) { return done.inPlace; }).map_error([](const TextFile::WriteError &error) {
@@ -421,6 +443,7 @@ void TextDocument::takeWritten(const DocumentFile::Snapshot &snapshot, const Doc
         m_services.discardDraft(m_id);
     }
     m_follower.setIdentity(written.identity);
+    m_follower.setReadOnly(written.isReadOnly);
     if (snapshot.path != m_path) {
         // A file of the user's from now on.
         m_generatedTitle.reset();
@@ -468,6 +491,7 @@ void TextDocument::adopt(const FileReading &reading)
     m_lineEnding = reading.contents.lineEnding;
     agreeWithFile(m_storage.text(), reading.hash);
     m_follower.agreeOn(reading.contents.state, reading.contents.position);
+    m_follower.setReadOnly(reading.contents.isReadOnly);
     lastSelectedRange = {std::min(m_storage.length(), lastSelectedRange.location), 0};
     // What is added at the end is coloured like what is typed there.
     if (m_highlighter && !keepsColours) {
@@ -563,6 +587,7 @@ void TextDocument::takeChanged(const FileReading &reading)
         m_follower.read(); // typed meanwhile: the comparison was with another text
         return;
     }
+    setReadOnly(reading.contents.isReadOnly);
     if (reading.difference.isEmpty()) {
         m_savedText.set(m_storage.text(), reading.hash);
         m_follower.agreeOn(reading.contents.state, reading.contents.position);

@@ -154,8 +154,7 @@ public:
 
     /// Writes the text as it is now to `path`, which becomes its file, after trimming and ending the text as the settings want. When that
     /// fails the document is as it was, except for that. Refused while it waits for its text.
-    void save(const QString &path, const SaveCompletion &completion = {},
-              DocumentFile::MissingFolder missingFolder = DocumentFile::MissingFolder::isError);
+    void save(const QString &path, const SaveCompletion &completion = {}, const DocumentFile::Manner &manner = {});
     /// Takes the file's text, after what is being written; the history goes. Does nothing without a file. When it cannot be read nothing
     /// has changed; when the text is edited or saved meanwhile, nothing comes of it, and nobody is notified.
     void revertToFileOnDisk(const ReadCompletion &completion = {});
@@ -168,6 +167,7 @@ private:
     struct Arrival {
         TextFile::ReadResult contents;
         QString identity;
+        bool isReadOnly = false;
     };
 
     struct Save {
@@ -184,6 +184,7 @@ private:
     [[nodiscard]] const Language &colouredLanguage() const;
     void noteEdit();
     void setDirty(bool isDirty);
+    void setReadOnly(bool isReadOnly);
     void postMetadata() const;
 
     void transformForSaving();

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "UI/DocumentActions.h"
 
+#include "Base/Administrator.h"
 #include "Base/FilePath.h"
 #include "Base/HomePath.h"
 #include "Base/Pasteboard.h"
@@ -42,10 +43,13 @@ QString nameOf(const QString &path)
     return shownPath(QFileInfo(path).fileName());
 }
 
-/// Empty for a file that was replaced as a whole.
-QString remarkOn(AtomicFile::InPlace inPlace)
+/// Empty for a file that was replaced as a whole, by the user.
+QString remarkOn(AtomicFile::InPlace inPlace, DocumentFile::Authority authority)
 {
     using InPlace = AtomicFile::InPlace;
+    if (authority == DocumentFile::Authority::administrator) {
+        return localized(u"Saved as administrator");
+    }
     switch (inPlace) {
     case InPlace::no:
         return {};
@@ -123,16 +127,6 @@ void DocumentActions::beep()
 void DocumentActions::presentError(const QString &description, const QString &recoverySuggestion)
 {
     m_services.presenter.present(Alert::forError(description, recoverySuggestion), window(), {});
-}
-
-/// What the banner says at the same time needs no dialog.
-void DocumentActions::presentSaveError(const Error &error)
-{
-    if (error.code == AtomicFile::changedError) {
-        emit messageShown(error.message, longFlash);
-    } else {
-        presentError(error.message);
-    }
 }
 
 void DocumentActions::presentError(const TextFile::ReadError &error)
@@ -235,31 +229,75 @@ void DocumentActions::save(TextDocument &document, const Completion &completion)
         saveAs(document, completion);
         return;
     }
-    saveAtPath(document, completion, DocumentFile::MissingFolder::isError);
+    saveAtPath(document, completion);
 }
 
-void DocumentActions::saveAtPath(TextDocument &document, const Completion &completion, DocumentFile::MissingFolder missingFolder)
+void DocumentActions::saveAtPath(TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner)
 {
-    const auto take = [self = QPointer(this), document = &document, isNew = document.file().isNew(), path = document.path(), missingFolder,
+    const auto take = [self = QPointer(this), document = &document, isNew = document.file().isNew(), path = document.path(), manner,
                        completion](const Result<AtomicFile::InPlace> &saved) {
         if (!self) {
             return;
         }
-        if (saved) {
-            if (isNew) {
-                self->m_services.recent.note({path});
-            }
-            const QString remark = remarkOn(*saved);
-            emit self->messageShown(remark.isEmpty() ? localized(u"Saved") : remark, remark.isEmpty() ? shortFlash : longFlash);
-        } else if (isNew && saved.error().code == ENOENT && missingFolder == DocumentFile::MissingFolder::isError) {
+        if (!saved && isNew && saved.error().code == ENOENT && manner.missingFolder == DocumentFile::MissingFolder::isError) {
             self->askForFolder(*document, completion);
             return;
-        } else {
-            self->presentSaveError(saved.error());
         }
-        completion(saved.has_value());
+        if (!saved) {
+            const auto again = [self, document, completion](const DocumentFile::Manner &other) {
+                self->saveAtPath(*document, completion, other);
+            };
+            self->handleSaveError(saved.error(), manner, *document, again, completion);
+            return;
+        }
+        if (isNew) {
+            self->m_services.recent.note({path});
+        }
+        const QString remark = remarkOn(*saved, manner.authority);
+        emit self->messageShown(remark.isEmpty() ? localized(u"Saved") : remark, remark.isEmpty() ? shortFlash : longFlash);
+        completion(true);
     };
-    document.save(document.path(), take, missingFolder);
+    document.save(document.path(), take, manner);
+}
+
+void DocumentActions::handleSaveError(const Error &error, const DocumentFile::Manner &manner, TextDocument &document,
+                                      const Attempt &attempt, const Completion &completion)
+{
+    const bool isForbidden = error.code == EACCES || error.code == EPERM;
+    if (isForbidden && manner.authority == DocumentFile::Authority::user) {
+        offerOtherWays(error, document, attempt, completion);
+        return;
+    }
+    // What the banner says at the same time, or the user has just chosen, needs no dialog.
+    if (error.code == AtomicFile::changedError || error.code == Administrator::dismissedError) {
+        emit messageShown(error.message, longFlash);
+    } else {
+        presentError(error.message);
+    }
+    completion(false);
+}
+
+void DocumentActions::offerOtherWays(const Error &error, TextDocument &document, const Attempt &attempt, const Completion &completion)
+{
+    const Administrator *administrator = m_services.documents.services().administrator;
+    const bool canBeAuthorized = administrator && administrator->isAvailable();
+    Alert question{.style = AlertStyle::critical, .messageText = error.message};
+    if (canBeAuthorized) {
+        question.informativeText = localized(u"To save it as administrator, the password of one is needed.");
+        question.buttons.append({localized(u"Save as Administrator…")});
+    }
+    question.buttons.append({localized(u"Save As…")});
+    question.buttons.append({localized(u"Cancel"), AlertButtonRole::cancel});
+    const int saveAsButton = canBeAuthorized ? AlertReply::secondButton : AlertReply::firstButton;
+    present(question, [this, document = document.shared_from_this(), attempt, completion, canBeAuthorized, saveAsButton](int button) {
+        if (button == saveAsButton) {
+            saveAs(*document, completion);
+        } else if (canBeAuthorized && button == AlertReply::firstButton) {
+            attempt({.authority = DocumentFile::Authority::administrator});
+        } else {
+            completion(false);
+        }
+    });
 }
 
 /// Somebody named a file in a folder that does not exist either.
@@ -271,7 +309,7 @@ void DocumentActions::askForFolder(TextDocument &document, const Completion &com
                          .buttons = {{localized(u"Create Folder")}, {localized(u"Cancel"), AlertButtonRole::cancel}}};
     present(question, [this, document = document.shared_from_this(), completion](int button) {
         if (button == AlertReply::firstButton) {
-            saveAtPath(*document, completion, DocumentFile::MissingFolder::isMade);
+            saveAtPath(*document, completion, {.missingFolder = DocumentFile::MissingFolder::isMade});
         } else {
             completion(false);
         }
@@ -292,22 +330,26 @@ void DocumentActions::saveAs(TextDocument &document, const Completion &completio
                                  });
 }
 
-void DocumentActions::saveAt(const QString &path, TextDocument &document, const Completion &completion)
+void DocumentActions::saveAt(const QString &path, TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner)
 {
-    document.save(path, [self = QPointer(this), path, completion](const Result<AtomicFile::InPlace> &saved) {
+    const auto take = [self = QPointer(this), document = &document, path, completion, manner](const Result<AtomicFile::InPlace> &saved) {
         if (!self) {
             return;
         }
-        if (saved) {
-            // Until the session knows its file, it would not come back.
-            self->m_services.keeper.keep();
-            self->m_services.recent.note({path});
-            emit self->messageShown(formatted(localized(u"Saved as “%@”"), nameOf(path)), shortFlash);
-        } else {
-            self->presentSaveError(saved.error());
+        if (!saved) {
+            const auto again = [self, document, path, completion](const DocumentFile::Manner &other) {
+                self->saveAt(path, *document, completion, other);
+            };
+            self->handleSaveError(saved.error(), manner, *document, again, completion);
+            return;
         }
-        completion(saved.has_value());
-    });
+        // Until the session knows its file, it would not come back.
+        self->m_services.keeper.keep();
+        self->m_services.recent.note({path});
+        emit self->messageShown(formatted(localized(u"Saved as “%@”"), nameOf(path)), shortFlash);
+        completion(true);
+    };
+    document.save(path, take, manner);
 }
 
 void DocumentActions::confirmClose(TextDocument &document, const Completion &completion)

@@ -51,9 +51,15 @@ private:
     void openDocument();
     void saveDocument();
     void saveDocumentAs();
-    void saveAt(const QString &path, TextDocument &document, const Completion &completion);
-    void saveAtPath(TextDocument &document, const Completion &completion, DocumentFile::MissingFolder missingFolder);
+    void saveAt(const QString &path, TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner = {});
+    void saveAtPath(TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner = {});
     void askForFolder(TextDocument &document, const Completion &completion);
+    /// A save in some manner, to be tried again in another.
+    using Attempt = std::function<void(const DocumentFile::Manner &manner)>;
+    /// Tells the user why the attempt failed, and whatever else may be tried then; at the end the completion is called.
+    void handleSaveError(const Error &error, const DocumentFile::Manner &manner, TextDocument &document, const Attempt &attempt,
+                         const Completion &completion);
+    void offerOtherWays(const Error &error, TextDocument &document, const Attempt &attempt, const Completion &completion);
     void saveAll(const PaneLayout::Documents &documents, const Completion &completion);
     void revertDocumentToSaved();
     void revertWithoutAsking();
@@ -84,7 +90,6 @@ private:
 
     void presentError(const QString &description, const QString &recoverySuggestion = {});
     void presentError(const TextFile::ReadError &error);
-    void presentSaveError(const Error &error);
     [[nodiscard]] TextDocument::ReadCompletion errorPresenter();
     void present(const Alert &alert, std::function<void(int button)> completion);
     void beep();

@@ -33,6 +33,8 @@ QString activityOf(TextDocument &document)
         return localized(u"Opening…");
     case FileRequests::Activity::saving:
         return localized(u"Saving…");
+    case FileRequests::Activity::authorizing:
+        return localized(u"Waiting for the password…");
     case FileRequests::Activity::none:
         break;
     }
@@ -104,6 +106,7 @@ void PaneViewController::refreshTabs()
         tabs.push_back({.title = document->displayName(),
                         .tooltip = document->displayPath(),
                         .activity = activityOf(*document),
+                        .isReadOnly = document->file().isReadOnly(),
                         .isDirty = document->isDirty() || document->hasUnsavedText(),
                         .hasExternalChange = !document->isWaiting() && document->externalState() != TextDocument::ExternalState::none});
     }

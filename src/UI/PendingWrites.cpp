@@ -9,7 +9,11 @@ void PendingWrites::await(const Documents &documents, QWidget *window, Then then
 {
     Documents slow;
     std::ranges::copy_if(documents, std::back_inserter(slow), [](const auto &document) { return document->isSaving(); });
-    const bool isImpatient = std::exchange(m_state->wait, nullptr) != nullptr;
+    const auto earlier = std::exchange(m_state->wait, nullptr);
+    const bool isImpatient = earlier != nullptr;
+    if (earlier) {
+        earlier->then = nullptr; // it may hold the document that holds it
+    }
     if (slow.empty()) {
         then(Outcome::written);
         return;
@@ -33,11 +37,14 @@ void PendingWrites::await(const Documents &documents, QWidget *window, Then then
     }
 }
 
-void PendingWrites::ask(const TextDocument &slow, QWidget *window)
+void PendingWrites::ask(TextDocument &slow, QWidget *window)
 {
+    const bool isAskedFor = slow.requests().activity() == FileRequests::Activity::authorizing;
     const Alert question{.messageText = formatted(localized(u"“%@” is still being saved."), slow.displayName()),
-                         .informativeText =
-                             localized(u"Its folder does not answer. What is not written yet may be lost if you do not wait."),
+                         .informativeText = localized(
+                             isAskedFor ? u"The question for the password has not been answered. What is not written yet may be lost if "
+                                          u"you do not wait."
+                                        : u"Its folder does not answer. What is not written yet may be lost if you do not wait."),
                          .buttons = {{localized(u"Keep Waiting"), AlertButtonRole::cancel},
                                      {localized(u"Close Without Saving"), AlertButtonRole::destructive}}};
     m_state->isAsking = true;
@@ -49,7 +56,8 @@ void PendingWrites::ask(const TextDocument &slow, QWidget *window)
         alive->isAsking = false;
         if (reply.button == AlertReply::secondButton) {
             if (const auto wait = std::exchange(alive->wait, nullptr)) {
-                wait->then(Outcome::abandoned);
+                // What is closed calls off what it waits for, such as a question for a password.
+                std::exchange(wait->then, nullptr)(Outcome::abandoned);
             }
         }
     });

@@ -37,7 +37,7 @@ private:
         std::shared_ptr<Wait> wait;
         bool isAsking = false;
     };
-    void ask(const TextDocument &slow, QWidget *window);
+    void ask(TextDocument &slow, QWidget *window);
 
     AlertPresenter &m_presenter;
     std::shared_ptr<State> m_state = std::make_shared<State>();

@@ -13,12 +13,15 @@
 #include "Widgets/AccessibleRole.h"
 #include "Widgets/ElidedLabel.h"
 #include "Widgets/InterfaceFont.h"
+#include "Widgets/PlainToolTip.h"
 #include "Widgets/PopUpButton.h"
+#include "Widgets/SymbolIcon.h"
 #include "Widgets/SystemColors.h"
 
 #include <QApplication>
 #include <QEvent>
 #include <QFontDatabase>
+#include <QLabel>
 #include <QPainter>
 
 #include <algorithm>
@@ -35,6 +38,8 @@ constexpr int textGap = 10;
 constexpr int controlGap = textGap - 2 * FlatButton::textMargin + 2;
 /// Above and below controls. They are as high as the bar lets them, so that their texts and the path stand on one line.
 constexpr int controlMargin = 2;
+constexpr int lockSide = 13;
+constexpr int lockGap = 5;
 /// What the path keeps before a control goes, in characters.
 constexpr int leastPathLength = 10;
 
@@ -100,6 +105,8 @@ StatusBarView::~StatusBarView() = default;
 void StatusBarView::makeControls()
 {
     m_vimBadge = new VimBadge(this);
+    m_lock = new QLabel(this);
+    m_lock->hide();
     m_pathLabel = new ElidedLabel(Qt::ElideLeft, this);
     m_flashLabel = new ElidedLabel(Qt::ElideLeft, this);
     becomeNotice(*m_flashLabel);
@@ -120,6 +127,8 @@ void StatusBarView::makeControls()
 void StatusBarView::retranslate()
 {
     m_positionButton->setToolTip(toolTipOf(Actions::goToLine, localized(u"Go to Line")));
+    m_lock->setAccessibleName(localized(u"read-only"));
+    m_lock->setToolTip(plainToolTip(localized(u"The file is read-only: you do not have permission to write to it.")));
     m_indentPopUp->setTitle(localized(u"Indentation"));
     m_lineEndingPopUp->setTitle(localized(u"Line Endings"));
     m_encodingPopUp->setTitle(localized(u"Text Encoding"));
@@ -153,7 +162,13 @@ void StatusBarView::applyPalette()
     setPalette(colors);
     showMessageOrPath();
     m_vimBadge->setTheme(*m_theme);
+    updateLock();
     update();
+}
+
+void StatusBarView::updateLock()
+{
+    m_lock->setPixmap(symbolIcon(u"lock", QColor::fromRgb(m_theme->gutterForeground)).pixmap({lockSide, lockSide}, devicePixelRatioF()));
 }
 
 void StatusBarView::updateFonts()
@@ -217,6 +232,9 @@ void StatusBarView::layOut()
     if (!m_vimBadge->isHidden()) {
         free -= m_vimBadge->sizeHint().width() + textGap;
     }
+    if (!m_lock->isHidden()) {
+        free -= lockSide + lockGap;
+    }
     std::vector<QWidget *> shown;
     for (QWidget *control : controls) {
         free -= control->sizeHint().width() + controlGap;
@@ -242,6 +260,10 @@ void StatusBarView::layOut()
         const QSize size = m_vimBadge->sizeHint();
         m_vimBadge->setGeometry(left, (height() - size.height()) / 2, qBound(0, right - left, size.width()), size.height());
         left += m_vimBadge->width() + textGap;
+    }
+    if (!m_lock->isHidden()) {
+        m_lock->setGeometry(left, (height() - lockSide) / 2, qBound(0, right - left, lockSide), lockSide);
+        left += lockSide + lockGap;
     }
     label.setGeometry(left, 0, qBound(0, right - left, label.sizeHint().width()), height());
 }
@@ -291,6 +313,7 @@ void StatusBarView::showMessageOrPath()
     if (path != m_pathLabel->text()) {
         m_pathLabel->setText(path);
     }
+    m_lock->setVisible(m_state && m_state->isReadOnly && !m_flashMessage);
     m_pathLabel->setVisible(!m_flashMessage);
     m_flashLabel->setVisible(m_flashMessage.has_value());
 }

@@ -18,6 +18,7 @@
 
 class ElidedLabel;
 class FlatButton;
+class QLabel;
 class PopUpButton;
 class VimBadge;
 struct Theme;
@@ -44,6 +45,8 @@ public:
     struct State {
         /// As the user is to read it.
         QString path;
+        /// The user may not write to the file.
+        bool isReadOnly = false;
         LineNumber line = LineNumber::first;
         /// From 1, in UTF-16 code units.
         qsizetype column = 1;
@@ -97,6 +100,7 @@ private:
     void showState();
     void showMessageOrPath();
     void layOut();
+    void updateLock();
 
     [[nodiscard]] ElidedLabel &shownLabel() const { return m_flashMessage ? *m_flashLabel : *m_pathLabel; }
     [[nodiscard]] QString positionTitle() const;
@@ -113,6 +117,8 @@ private:
     std::vector<Language> m_sortedLanguages;
 
     VimBadge *m_vimBadge;
+    /// Before the path of a file that is read-only.
+    QLabel *m_lock;
     ElidedLabel *m_pathLabel;
     /// In its place while there is a message.
     ElidedLabel *m_flashLabel;

@@ -9,6 +9,7 @@
 #include "UI/TabAccessible.h"
 #include "Widgets/FlatButton.h"
 #include "Widgets/PlainToolTip.h"
+#include "Widgets/SymbolIcon.h"
 #include "Widgets/SystemColors.h"
 
 #include <QApplication>
@@ -34,6 +35,7 @@ constexpr int gap = 4;
 constexpr int closeButtonSide = 18;
 constexpr int closeButtonInset = 4;
 constexpr int closeSymbolSide = 10;
+constexpr int lockSide = 12;
 constexpr double dotSide = 7;
 constexpr double dotInset = 6;
 constexpr int selectionBarHeight = 2;
@@ -155,7 +157,14 @@ void TabItemView::updateAccessibleTexts()
         states.append(localized(u"changed on disk"));
     }
     states.append(m_descriptor.tooltip);
-    const QString name = m_descriptor.activity.isEmpty() ? m_descriptor.title : m_descriptor.title + u", "_s + m_descriptor.activity;
+    QStringList names = {m_descriptor.title};
+    if (m_descriptor.isReadOnly) {
+        names.append(localized(u"read-only"));
+    }
+    if (!m_descriptor.activity.isEmpty()) {
+        names.append(m_descriptor.activity);
+    }
+    const QString name = names.join(u", "_s);
     // Set again, they would be said again.
     if (name != accessibleName()) {
         setAccessibleName(name);
@@ -173,13 +182,20 @@ QSize TabItemView::sizeHint() const
     font.setWeight(QFont::Medium);
     const int title = QFontMetrics(font).horizontalAdvance(m_descriptor.title) + 1;
     const int width = titleInset + title + gap + closeButtonSide + closeButtonInset;
-    return {std::clamp(width, leastWidth, greatestWidth) + activityWidth(font), parentWidget() ? parentWidget()->height() : height()};
+    return {std::clamp(width, leastWidth, greatestWidth) + lockWidth() + activityWidth(font),
+            parentWidget() ? parentWidget()->height() : height()};
 }
 
 /// With the space before it.
 int TabItemView::activityWidth(const QFont &font) const
 {
     return m_descriptor.activity.isEmpty() ? 0 : 2 * gap + QFontMetrics(font).horizontalAdvance(m_descriptor.activity) + 1;
+}
+
+/// With the space behind it.
+int TabItemView::lockWidth() const
+{
+    return m_descriptor.isReadOnly ? lockSide + gap : 0;
 }
 
 QFont TabItemView::titleFont() const
@@ -201,6 +217,7 @@ void TabItemView::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     paintGround(painter);
+    paintLock(painter);
     paintTitle(painter);
     paintMarks(painter);
 }
@@ -220,10 +237,18 @@ void TabItemView::paintGround(QPainter &painter) const
                      QColor::fromRgb(m_theme->gutterSeparator));
 }
 
+void TabItemView::paintLock(QPainter &painter) const
+{
+    if (m_descriptor.isReadOnly) {
+        symbolIcon(u"lock", textColor()).paint(&painter, titleInset, (height() - lockSide) / 2, lockSide, lockSide);
+    }
+}
+
 void TabItemView::paintTitle(QPainter &painter) const
 {
     const QFont font = titleFont();
-    const QRect place(titleInset, 0, m_closeButton->x() - gap - titleInset, height());
+    const int left = titleInset + lockWidth();
+    const QRect place(left, 0, m_closeButton->x() - gap - left, height());
     constexpr int flags = Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine;
     const QFontMetrics metrics(font);
     const QString title = metrics.elidedText(m_descriptor.title, Qt::ElideMiddle, place.width() - activityWidth(font), Qt::TextSingleLine);

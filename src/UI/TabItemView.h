@@ -17,6 +17,8 @@ struct TabDescriptor {
     QString tooltip;
     /// What takes its time, in words; mostly nothing.
     QString activity;
+    /// The user may not write to the file.
+    bool isReadOnly = false;
     bool isDirty = false;
     /// The file was changed or deleted by others.
     bool hasExternalChange = false;
@@ -92,6 +94,8 @@ private:
     [[nodiscard]] QFont titleFont() const;
     void paintGround(QPainter &painter) const;
     [[nodiscard]] int activityWidth(const QFont &font) const;
+    [[nodiscard]] int lockWidth() const;
+    void paintLock(QPainter &painter) const;
     void paintTitle(QPainter &painter) const;
     void paintMarks(QPainter &painter) const;
 

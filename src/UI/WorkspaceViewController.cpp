@@ -595,6 +595,7 @@ void WorkspaceViewController::updateStatusBar()
     const Indentation indentation = editor->textView().indentation();
     m_statusBar->setState(StatusBarView::State{
         .path = document.displayPath(),
+        .isReadOnly = document.file().isReadOnly(),
         .line = line,
         .column = selected.location - LineIndex::startOfLine(line, text) + 1,
         .selectionLength = selected.length,

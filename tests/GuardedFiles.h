@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Base/Administrator.h"
+#include "Base/FilePath.h"
+
+#include <cerrno>
+#include <unistd.h>
+
+/// The real calls, but for a file that the user may not write to, whoever runs the test.
+class GuardedFiles final : public FileCalls {
+public:
+    QString guarded;
+
+    int access(const char *path, int mode) override
+    {
+        if ((mode & W_OK) != 0 && !guarded.isEmpty() && decodedPath(path) == guarded) {
+            errno = EACCES;
+            return -1;
+        }
+        return FileCalls::access(path, mode);
+    }
+};
+
+/// One who may write any file, and does so at once or fails as told.
+class FakeAdministrator final : public Administrator {
+public:
+    bool isThere = true;
+    std::optional<AtomicFile::WriteError> error;
+    int writes = 0;
+
+    [[nodiscard]] bool isAvailable() const override { return isThere; }
+    [[nodiscard]] Result<FileState, AtomicFile::WriteError> write(const Request &request, QByteArrayView text,
+                                                                  const std::stop_token & /*stop*/) override
+    {
+        ++writes;
+        if (error) {
+            return tl::make_unexpected(*error);
+        }
+        auto file = AtomicFile::open(request.path, request.newFile);
+        const auto written = file->write(text).and_then([&] { return file->commit(request.expected); });
+        return written.map([](const AtomicFile::Written &done) { return done.state; }).map_error([&](const Error &failed) {
+            return AtomicFile::WriteError{failed, file->foundState()};
+        });
+    }
+};
