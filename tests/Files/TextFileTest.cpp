@@ -76,17 +76,20 @@ TEST_F(TextFileTest, ReadsUpToTheLimitAndNoZeroBytesInTheFirst8192)
 TEST_F(TextFileTest, SaysWhatItCannotRead)
 {
     ASSERT_EQ(mkfifo(QFile::encodeName(path(u"pipe"_s)).constData(), 0600), 0);
-    for (const QString &name : {u"missing"_s, u"pipe"_s, u""_s}) {
+    for (const QString &name : {u"missing"_s, u""_s}) {
         const auto contents = TextFile::read(path(name));
         ASSERT_FALSE(contents) << name.toStdString();
         EXPECT_EQ(contents.error().kind, Kind::notReadable);
     }
     EXPECT_EQ(TextFile::read(path(u"missing"_s) + u'/').error().description(), u"“missing” could not be read.");
     EXPECT_EQ(TextFile::read(path(u"missing"_s)).error().found, PathKind::missing);
+    // Nobody writes to the pipe: what opened it would wait for ever.
     FaultyCalls untouched;
     untouched.before = [](std::string_view call) { return call == "open" ? EIO : 0; };
-    EXPECT_EQ(TextFile::read(path(u"pipe"_s), {}, untouched).error().description(),
-              u"“pipe” cannot be opened, because it is a pipe, a socket or a device and not a file.");
+    const auto pipe = TextFile::read(path(u"pipe"_s), {}, untouched);
+    ASSERT_FALSE(pipe);
+    EXPECT_EQ(pipe.error().kind, Kind::notReadable);
+    EXPECT_EQ(pipe.error().description(), u"“pipe” cannot be opened, because it is a pipe, a socket or a device and not a file.");
     EXPECT_EQ(TextFile::read(path({}) + u"/."_s, {}, untouched).error().description(), u"“.” is a folder.");
     EXPECT_TRUE(untouched.failedCall.empty()) << "to open a pipe lets its writer go on";
 
