@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <type_traits>
 
@@ -28,6 +29,10 @@ public:
     /// The most bytes that one call reads or writes; 0 for as many as asked for.
     size_t portion = 0;
     std::atomic<qint64> bytesRead = 0;
+    /// What is flushed reaches the disk.
+    bool flushes = true;
+    /// Whom files seem to belong to that are asked for by their names.
+    std::optional<uid_t> owner;
 
     int open(const char *path, int flags, mode_t mode) override { return step("open", &FileCalls::open, path, flags, mode); }
     ssize_t read(int file, void *bytes, size_t count) override
@@ -39,7 +44,7 @@ public:
     ssize_t write(int file, const void *bytes, size_t count) override { return step("write", &FileCalls::write, file, bytes, cut(count)); }
     off_t lseek(int file, off_t offset, int whence) override { return step("lseek", &FileCalls::lseek, file, offset, whence); }
     int ftruncate(int file, off_t size) override { return step("ftruncate", &FileCalls::ftruncate, file, size); }
-    int fsync(int file) override { return step("fsync", &FileCalls::fsync, file); }
+    int fsync(int file) override { return flushes ? step("fsync", &FileCalls::fsync, file) : -int(isRefused("fsync")); }
     int rename(const char *from, const char *to) override { return step("rename", &FileCalls::rename, from, to); }
     int renameat(int fromFolder, const char *from, int toFolder, const char *to, unsigned flags) override
     {
@@ -47,7 +52,14 @@ public:
     }
     int unlink(const char *path) override { return step("unlink", &FileCalls::unlink, path); }
     int mkdir(const char *path, mode_t mode) override { return step("mkdir", &FileCalls::mkdir, path, mode); }
-    int stat(const char *path, struct stat *status) override { return step("stat", &FileCalls::stat, path, status); }
+    int stat(const char *path, struct stat *status) override
+    {
+        const int result = step("stat", &FileCalls::stat, path, status);
+        if (owner) {
+            status->st_uid = *owner;
+        }
+        return result;
+    }
     int lstat(const char *path, struct stat *status) override { return step("lstat", &FileCalls::lstat, path, status); }
     int fstat(int file, struct stat *status) override { return step("fstat", &FileCalls::fstat, file, status); }
     int fstatat(int folder, const char *path, struct stat *status, int flags) override
