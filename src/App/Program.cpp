@@ -3,6 +3,7 @@
 #include "App/Program.h"
 
 #include "App/AppDelegate.h"
+#include "App/DisplayLoss.h"
 #include "App/RunningInstance.h"
 #include "App/TerminationSignals.h"
 #include "Base/Localization.h"
@@ -149,6 +150,7 @@ struct Program::Parts {
                              {.open = [this](const OpenRequest &request) { delegate.open(request); },
                               .gone = [this](const QString &waiter) { delegate.forgetWaiter(waiter); }}};
     TerminationSignals termination{[this] { delegate.terminateNow(); }};
+    DisplayLoss displayLoss{[this] { std::ignore = keeper.keepAndWait(SessionKeeper::systemPatience); }};
 };
 
 Program::Program(QApplication &application, const CommandLine &line)

@@ -24,8 +24,8 @@ focus_on_window_activation focus
 class WaylandDesktop(Desktop):
     """`scale` may be a fraction."""
 
-    def __init__(self, program, pictures=None, size="1200x800", scale=1):
-        super().__init__(program, pictures, size)
+    def __init__(self, program, pictures=None, size="1200x800", scale=1, settings=""):
+        super().__init__(program, pictures, size, settings)
         self.scale = scale
 
     def start_display(self):
