@@ -53,6 +53,8 @@ constexpr auto problems = std::to_array<ProblemWords>({
      u"and Quillet asks about unsaved changes before it ends."},
 });
 
+constexpr Scheduler::Milliseconds flashDuration{5000};
+
 const ProblemWords &wordsFor(Problem kind)
 {
     return *std::ranges::find(problems, kind, &ProblemWords::kind);
@@ -263,6 +265,19 @@ std::vector<WindowLayout> AppDelegate::layouts() const
 size_t AppDelegate::frontmostLayout() const
 {
     return size_t(std::ranges::find(m_windows, frontmostWindow()) - m_windows.begin());
+}
+
+void AppDelegate::showBehind(TextDocument &document)
+{
+    MainWindowController *front = frontmostWindow();
+    if (!front) {
+        return;
+    }
+    WorkspaceViewController &workspace = front->workspace();
+    const PaneLayout &layout = workspace.paneLayout();
+    const auto tab = document.shared_from_this();
+    workspace.setPaneLayout(layout.isEmpty() ? layout.adding(tab) : layout.appending({tab}));
+    workspace.statusBar().flash(formatted(localized(u"“%@” is in a tab of its own."), document.displayName()), flashDuration);
 }
 
 // Files

@@ -110,6 +110,7 @@ private:
     void rememberPlaces() override;
     [[nodiscard]] std::vector<WindowLayout> layouts() const override;
     [[nodiscard]] size_t frontmostLayout() const override;
+    void showBehind(TextDocument &document) override;
 
     WorkspaceServices m_services;
     PaneLayouts m_layouts;

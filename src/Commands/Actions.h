@@ -288,10 +288,11 @@ inline constexpr Action editFile{"editFile:"};
 inline constexpr Action revertWithoutAsking{"revertWithoutAsking:"};
 inline constexpr Action finishWaiting{"finishWaiting:"};
 inline constexpr Action abortWaiting{"abortWaiting:"};
+inline constexpr Action compareWithOrigin{"compareWithOrigin:"};
 
 inline constexpr auto inNoMenu =
     std::to_array<const Action *>({&showFindInterface, &closeWindowFromVim, &closeOtherSplits, &focusPreviousPane, &saveAndClose,
-                                   &forceCloseTab, &editFile, &revertWithoutAsking, &finishWaiting, &abortWaiting});
+                                   &forceCloseTab, &editFile, &revertWithoutAsking, &finishWaiting, &abortWaiting, &compareWithOrigin});
 
 /// Those of the menu bar in its order, each once.
 [[nodiscard]] std::vector<const Action *> inMenus();

@@ -313,7 +313,8 @@ void EditorViewController::updateBanner()
     const TextDocument::ExternalState state = m_document->externalState();
     // What is opened quickly needs no words.
     const bool isQuick = m_document->isWaiting() && m_document->requests().activity() == FileRequests::Activity::none;
-    if (state == TextDocument::ExternalState::none || isQuick) {
+    const bool isOfFile = state != TextDocument::ExternalState::none && !isQuick;
+    if (!isOfFile && !m_document->origin) {
         dropBanner(m_banner);
         return;
     }
@@ -322,10 +323,15 @@ void EditorViewController::updateBanner()
         m_banner->onReload = [this] { reload(); };
         m_banner->onKeep = [this] { m_document->clearExternalState(); };
         m_banner->onSave = [this] { saveAgain(); };
+        m_banner->onCompare = [this] { performHere(Actions::compareWithOrigin); };
         m_stack->insertWidget(0, m_banner);
     }
     m_banner->applyTheme(m_services.documents.theme());
-    m_banner->configure(state, m_document->displayName());
+    if (isOfFile) {
+        m_banner->configure(state, m_document->displayName());
+    } else {
+        m_banner->configure(*m_document->origin);
+    }
 }
 
 void EditorViewController::updateAwaitedBanner()
@@ -336,17 +342,19 @@ void EditorViewController::updateAwaitedBanner()
     }
     if (!m_awaitedBanner) {
         m_awaitedBanner = new ExternalChangeBanner(this);
-        const auto send = [this](const Action &action) {
-            // Its pane is the one that the command is about.
-            m_textView->setFocus();
-            perform(action);
-        };
-        m_awaitedBanner->onDone = [send] { send(Actions::finishWaiting); };
-        m_awaitedBanner->onAbort = [send] { send(Actions::abortWaiting); };
+        m_awaitedBanner->onDone = [this] { performHere(Actions::finishWaiting); };
+        m_awaitedBanner->onAbort = [this] { performHere(Actions::abortWaiting); };
         m_stack->insertWidget(0, m_awaitedBanner);
     }
     m_awaitedBanner->applyTheme(m_services.documents.theme());
     m_awaitedBanner->configureAwaited(m_document->displayName());
+}
+
+/// Its pane is the one that the command is about.
+void EditorViewController::performHere(const Action &action)
+{
+    m_textView->setFocus();
+    perform(action);
 }
 
 void EditorViewController::dropBanner(ExternalChangeBanner *&banner)

@@ -112,6 +112,7 @@ private:
 
     void updateBanner();
     void updateAwaitedBanner();
+    void performHere(const Action &action);
     void dropBanner(ExternalChangeBanner *&banner);
     void reload();
     void saveAgain();

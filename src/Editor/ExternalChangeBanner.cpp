@@ -95,6 +95,18 @@ void ExternalChangeBanner::configure(TextDocument::ExternalState state, const QS
     say(rowOf(state), filename);
 }
 
+void ExternalChangeBanner::configure(const TextOrigin &origin)
+{
+    static constexpr std::array versionButtons = {ButtonRow{u"Compare", &ExternalChangeBanner::onCompare},
+                                                  ButtonRow{u"Dismiss", &ExternalChangeBanner::onKeep}};
+    static constexpr StateRow otherVersion = {
+        u"This is another unsaved version of “%@”. The one that was changed last is in the tab of the file.", versionButtons};
+    static constexpr StateRow insertions = {
+        u"This was typed into “%@” and not saved. That has another text now, so it could not be put back into its place.",
+        std::span(versionButtons).subspan(1)};
+    say(origin.kind == TextOrigin::Kind::otherVersion ? &otherVersion : &insertions, origin.shownName());
+}
+
 void ExternalChangeBanner::configureAwaited(const QString &filename)
 {
     static constexpr std::array buttons = {ButtonRow{u"Done", &ExternalChangeBanner::onDone},

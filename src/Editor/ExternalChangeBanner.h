@@ -14,8 +14,8 @@ class QBoxLayout;
 class QPushButton;
 struct Theme;
 
-/// A bar above a text whose file was changed or deleted by others, or does not come, or for which a program waits: a sentence and what can
-/// be done about it. It only shows and reports.
+/// A bar above a text whose file was changed or deleted by others, or does not come, or for which a program waits, or which was brought
+/// back beside what it belongs to: a sentence and what can be done about it. It only shows and reports.
 class ExternalChangeBanner final : public QWidget {
 public:
     explicit ExternalChangeBanner(QWidget *parent = nullptr);
@@ -26,6 +26,8 @@ public:
     std::function<void()> onKeep;
     /// "Save Again".
     std::function<void()> onSave;
+    /// "Compare".
+    std::function<void()> onCompare;
     /// "Done".
     std::function<void()> onDone;
     /// "Abort".
@@ -33,6 +35,8 @@ public:
 
     /// Says what happened to the file of the document called `filename`; nothing for `none`. A screen reader is notified of what is new.
     void configure(TextDocument::ExternalState state, const QString &filename);
+    /// Says where the text comes from.
+    void configure(const TextOrigin &origin);
     /// Says that a program waits until that document is closed.
     void configureAwaited(const QString &filename);
     void applyTheme(const Theme &theme);

@@ -225,7 +225,10 @@ QString TextDocument::displayName() const
     if (m_generatedTitle) {
         return *m_generatedTitle;
     }
-    return m_path.isEmpty() ? localized(u"Untitled") : shownPath(QFileInfo(m_path).fileName());
+    if (m_path.isEmpty()) {
+        return origin ? formatted(localized(u"%@ (recovered)"), origin->shownName()) : localized(u"Untitled");
+    }
+    return shownPath(QFileInfo(m_path).fileName());
 }
 
 QString TextDocument::displayPath() const
@@ -447,6 +450,7 @@ void TextDocument::takeWritten(const DocumentFile::Snapshot &snapshot, const Doc
     if (snapshot.path != m_path) {
         // A file of the user's from now on.
         m_generatedTitle.reset();
+        origin.reset();
         m_path = snapshot.path;
         if (!languageWasChosenManually) {
             setLanguage(detectedLanguage());
@@ -575,8 +579,12 @@ void TextDocument::setExternalState(ExternalState state)
 
 void TextDocument::clearExternalState()
 {
-    if (m_externalState != ExternalState::none && !isWaiting()) {
+    const bool hadOrigin = std::exchange(origin, std::nullopt).has_value();
+    const bool hadState = m_externalState != ExternalState::none && !isWaiting();
+    if (hadState) {
         m_externalState = ExternalState::none;
+    }
+    if (hadState || hadOrigin) {
         postMetadata();
     }
 }

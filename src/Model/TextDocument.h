@@ -11,6 +11,7 @@
 #include "Model/DocumentServices.h"
 #include "Model/FileFollower.h"
 #include "Model/SavedText.h"
+#include "Model/TextOrigin.h"
 #include "Text/TextStorage.h"
 #include "Text/UndoManager.h"
 
@@ -91,7 +92,7 @@ public:
     [[nodiscard]] const FileFollower &file() const { return m_follower; }
     [[nodiscard]] bool isUntitled() const { return m_path.isEmpty(); }
     [[nodiscard]] bool isGenerated() const { return m_generatedTitle.has_value(); }
-    /// The generated title, else the file's name, else "Untitled".
+    /// The generated title, else the file's name, else where it comes from, else "Untitled".
     [[nodiscard]] QString displayName() const;
     /// The path with the home folder as "~", or what the text is when it has none.
     [[nodiscard]] QString displayPath() const;
@@ -118,7 +119,7 @@ public:
     };
     [[nodiscard]] const ArrivalFailure &arrivalFailure() const { return m_arrival; }
     [[nodiscard]] ExternalState externalState() const { return m_externalState; }
-    /// The user keeps the text as it is, whatever became of the file.
+    /// The user keeps the text as it is, whatever became of the file, and wherever it comes from.
     void clearExternalState();
     /// What it has asked of file systems; for others to ask as well.
     [[nodiscard]] FileRequests &requests() { return m_requests; }
@@ -135,6 +136,8 @@ public:
     void setLanguage(const Language &language);
     /// The user picked the language; saving under another name keeps it.
     bool languageWasChosenManually = false;
+    /// Of one without a file, until it gets one or the user is done with knowing.
+    std::optional<TextOrigin> origin;
 
     /// Null until the store attached one.
     [[nodiscard]] SyntaxHighlighter *highlighter() const { return m_highlighter.get(); }

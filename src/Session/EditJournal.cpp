@@ -8,6 +8,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -109,6 +110,16 @@ std::optional<Rope> applied(const std::vector<TextEdits> &changes, Rope text)
     return text;
 }
 
+/// As one change.
+TextEdits together(const EditJournal &journal)
+{
+    TextEdits all;
+    for (const TextEdits &change : journal.changes) {
+        all = all.followedBy(change);
+    }
+    return all;
+}
+
 } // namespace
 
 quint64 EditJournal::hashOf(const Rope &text)
@@ -175,6 +186,15 @@ std::optional<EditJournal> EditJournal::parse(QByteArrayView bytes)
     return journal;
 }
 
+bool EditJournal::isCutOff(QByteArrayView bytes)
+{
+    Reader reader(bytes);
+    const auto length = reader.number<quint32>();
+    std::ignore = reader.number<quint64>();
+    std::ignore = reader.bytes(length);
+    return !reader.isWhole();
+}
+
 QString EditJournal::nameFor(const QUuid &document, quint64 number)
 {
     return document.toString(QUuid::WithoutBraces).toUpper() + u".%1"_s.arg(number, numberWidth, 10, QChar(u'0')) + suffix;
@@ -203,4 +223,32 @@ std::optional<Rope> replayed(const std::vector<EditJournal> &journals, Rope base
         base = *std::move(text);
     }
     return base;
+}
+
+bool areContained(const std::vector<EditJournal> &journals, const Rope &text)
+{
+    TextEdits all;
+    for (const EditJournal &journal : journals) {
+        all = all.followedBy(together(journal));
+    }
+    for (size_t index = 0; index < all.count(); ++index) {
+        const TextRange range = all.newRange(index);
+        if (range.location < 0 || range.end() > text.length() || text.slice(range) != all[index].text) {
+            return false;
+        }
+    }
+    return true;
+}
+
+QString insertionsOf(const std::vector<EditJournal> &journals)
+{
+    QString text;
+    for (const EditJournal &journal : journals) {
+        const TextEdits all = together(journal);
+        for (const TextEdit &edit : all) {
+            const bool isApart = !text.isEmpty() && !edit.text.isEmpty() && !text.endsWith(u'\n');
+            text += (isApart ? u"\n"_s : QString()) + edit.text.toString();
+        }
+    }
+    return text;
 }

@@ -10,6 +10,7 @@
 #include <QByteArrayView>
 #include <QUuid>
 
+#include <ctime>
 #include <optional>
 #include <vector>
 
@@ -33,6 +34,8 @@ struct EditJournal {
     [[nodiscard]] static QByteArray record(const TextEdits &change);
     /// None when there is not even a whole beginning. The edits of a change are ascending and apart, but may be of no text.
     [[nodiscard]] static std::optional<EditJournal> parse(QByteArrayView bytes);
+    /// Whether the beginning is not there to its end. Else what is no journal has been damaged.
+    [[nodiscard]] static bool isCutOff(QByteArrayView bytes);
 
     /// "1B4E28BA-2FA1-11D2-883F-0016D3CCA427.000012.journal": a document has several files, one after the other.
     [[nodiscard]] static QString nameFor(const QUuid &document, quint64 number);
@@ -43,6 +46,21 @@ struct EditJournal {
     [[nodiscard]] static std::optional<Name> parseName(const QString &name);
 };
 
+/// The journals of one document that earlier programs left, in their order.
+struct LeftEdits {
+    std::vector<EditJournal> journals;
+    quint64 lastNumber = 0;
+    /// When something was typed last.
+    timespec modified = {};
+};
+
 /// What the journals of one document, in their order, make of `base`: they are followed from the last one that builds on it, as long as
 /// each builds on the text that came before it. None when none does.
 [[nodiscard]] std::optional<Rope> replayed(const std::vector<EditJournal> &journals, Rope base);
+
+/// Whether `text` has all that the journals of one document brought, each at its place: then nothing is missing, whatever they build on.
+[[nodiscard]] bool areContained(const std::vector<EditJournal> &journals, const Rope &text);
+
+/// What each of the journals brought into a text that is not known, without what it took away again; what stood apart is on lines of its
+/// own. Empty when they only took away.
+[[nodiscard]] QString insertionsOf(const std::vector<EditJournal> &journals);

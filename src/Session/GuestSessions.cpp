@@ -10,6 +10,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -72,23 +73,15 @@ private:
         return true;
     }
 
+    /// Of a file that has an entry already the newer text is shown in its tab.
     static void takeEntry(const SessionSnapshot::Document &entry, QList<SessionSnapshot::Document> &known)
     {
         const auto isThere = [&](const SessionSnapshot::Document &one) {
             return one.id == entry.id || one.draftFilename == entry.draftFilename;
         };
-        const auto isOfFile = [&](const SessionSnapshot::Document &one) {
-            return entry.filePath && one.filePath == entry.filePath && !one.draftFilename;
-        };
-        if (std::ranges::any_of(known, isThere)) {
-            return;
+        if (std::ranges::none_of(known, isThere)) {
+            known << entry;
         }
-        // The tab of a file shows what was typed into the file.
-        const auto tab = std::ranges::find_if(known, isOfFile);
-        auto &place = tab == known.end() ? known.emplaceBack(entry) : *tab;
-        const QUuid id = place.id;
-        place = entry;
-        place.id = id;
     }
 
     [[nodiscard]] bool moveDrafts()
@@ -150,9 +143,12 @@ void GuestSessions::adopt(const QString &root, std::optional<SessionSnapshot> &s
     const QStringList names = guests.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks, QDir::Time | QDir::Reversed);
     for (const QString &name : names) {
         const QString folder = guests.filePath(name);
-        const SessionLock lock(lockOf(folder), calls);
-        if (lock.state() == SessionLock::State::held && Adoption(root, folder, snapshot, calls).run()) {
+        std::optional<SessionLock> lock(std::in_place, lockOf(folder), calls);
+        if (lock->state() == SessionLock::State::held && Adoption(root, folder, snapshot, calls).run()) {
             removeIfEmpty(folder);
+            // Some file systems keep a file that is open, by another name.
+            lock.reset();
+            QDir().rmdir(folder);
         }
     }
     if (!names.isEmpty()) {

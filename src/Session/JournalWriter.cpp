@@ -4,8 +4,10 @@
 
 #include "Base/AtomicFile.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <cerrno>
@@ -19,42 +21,79 @@ QString JournalWriter::pathOf(const QUuid &document, quint64 number) const
     return m_folder + u'/' + EditJournal::nameFor(document, number);
 }
 
-std::map<QUuid, std::vector<EditJournal>> JournalWriter::read()
+QString JournalWriter::asideFolder() const
 {
-    std::map<QUuid, std::vector<EditJournal>> journals;
-    const QStringList names = QDir(m_folder).entryList({u"*.journal"_s}, QDir::Files, QDir::Name);
-    for (const QString &fileName : names) {
-        const auto name = EditJournal::parseName(fileName);
-        QFile file(m_folder + u'/' + fileName);
+    return m_folder + u"/Unused"_s;
+}
+
+std::map<QUuid, LeftEdits> JournalWriter::readIn(const QString &folder, const Rejection &reject)
+{
+    std::map<QUuid, LeftEdits> found;
+    const QFileInfoList files = QDir(folder).entryInfoList({u"*.journal"_s}, QDir::Files | QDir::NoSymLinks, QDir::Name);
+    for (const QFileInfo &info : files) {
+        const auto name = EditJournal::parseName(info.fileName());
+        QFile file(info.filePath());
         if (!name || !file.open(QIODevice::ReadOnly)) {
             continue;
         }
         m_lastNumber = std::max(m_lastNumber, name->number);
-        if (auto journal = EditJournal::parse(file.readAll())) {
-            journals[name->document].push_back(*std::move(journal));
-        } else {
-            file.remove(); // the program was killed before there was anything in it
+        const QByteArray content = file.readAll();
+        auto journal = EditJournal::parse(content);
+        if (!journal) {
+            reject(info, content);
+            continue;
         }
+        LeftEdits &left = found[name->document];
+        struct stat status = {};
+        if (m_calls.stat(QFile::encodeName(info.filePath()).constData(), &status) == 0) {
+            left.modified = status.st_mtim;
+        }
+        left.lastNumber = name->number;
+        left.journals.push_back(*std::move(journal));
     }
-    return journals;
+    return found;
+}
+
+std::map<QUuid, LeftEdits> JournalWriter::read()
+{
+    return readIn(m_folder, [this](const QFileInfo &file, const QByteArray &content) {
+        if (EditJournal::isCutOff(content)) {
+            m_calls.unlink(QFile::encodeName(file.filePath()).constData()); // the program was killed before there was anything in it
+        } else {
+            moveAside(file.fileName());
+        }
+    });
 }
 
 void JournalWriter::setAside(const QUuid &document)
 {
-    const QString folder = m_folder + u"/Unused"_s;
-    makePrivateFolder(folder, m_calls);
-    for (const quint64 number : numbersOf(document)) {
-        const QString target = folder + u'/' + EditJournal::nameFor(document, number);
-        m_calls.rename(QFile::encodeName(pathOf(document, number)).constData(), QFile::encodeName(target).constData());
+    for (const quint64 number : numbersOf(document, m_folder)) {
+        moveAside(EditJournal::nameFor(document, number));
     }
 }
 
+void JournalWriter::moveAside(const QString &name) const
+{
+    makePrivateFolder(asideFolder(), m_calls);
+    m_calls.rename(QFile::encodeName(m_folder + u'/' + name).constData(), QFile::encodeName(asideFolder() + u'/' + name).constData());
+}
+
+std::map<QUuid, LeftEdits> JournalWriter::readSetAside()
+{
+    constexpr qint64 daysKept = 30;
+    return readIn(asideFolder(), [this](const QFileInfo &file, const QByteArray & /*content*/) {
+        if (file.lastModified().daysTo(QDateTime::currentDateTime()) > daysKept) {
+            m_calls.unlink(QFile::encodeName(file.filePath()).constData());
+        }
+    });
+}
+
 /// Ascending.
-std::vector<quint64> JournalWriter::numbersOf(const QUuid &document) const
+std::vector<quint64> JournalWriter::numbersOf(const QUuid &document, const QString &folder)
 {
     std::vector<quint64> numbers;
     const QString pattern = document.toString(QUuid::WithoutBraces).toUpper() + u".*.journal"_s;
-    for (const QString &fileName : QDir(m_folder).entryList({pattern}, QDir::Files, QDir::Name)) {
+    for (const QString &fileName : QDir(folder).entryList({pattern}, QDir::Files, QDir::Name)) {
         if (const auto name = EditJournal::parseName(fileName)) {
             numbers.push_back(name->number);
         }
@@ -134,7 +173,7 @@ void JournalWriter::drop(const QUuid &document, quint64 number)
     m_thread.start([this, document, number] {
         const auto open = m_open.find(document);
         const bool isEmptyOne = open != m_open.end() && open->second.number == number && open->second.isEmpty;
-        for (const quint64 each : numbersOf(document)) {
+        for (const quint64 each : numbersOf(document, m_folder)) {
             if (each < number || (each == number && isEmptyOne)) {
                 const QString path = pathOf(document, each);
                 m_calls.unlink(QFile::encodeName(path).constData());
@@ -150,6 +189,17 @@ void JournalWriter::drop(const QUuid &document, quint64 number)
         } else if (open->second.number < number) {
             close(open->second);
             m_open.erase(open);
+        }
+    });
+}
+
+void JournalWriter::dropSetAside(const QUuid &document, quint64 lastNumber)
+{
+    m_thread.start([this, document, lastNumber] {
+        for (const quint64 number : numbersOf(document, asideFolder())) {
+            if (number <= lastNumber) {
+                m_calls.unlink(QFile::encodeName(asideFolder() + u'/' + EditJournal::nameFor(document, number)).constData());
+            }
         }
     });
 }

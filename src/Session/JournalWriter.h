@@ -8,8 +8,11 @@
 #include <QThreadPool>
 
 #include <chrono>
+#include <functional>
 #include <map>
 #include <set>
+
+class QFileInfo;
 
 /// Puts what is typed into files at once (EditJournal), on a thread of its own: nothing but typing waits there, and a program that is
 /// killed has it there. Flushing them to the disk, for when the power goes, has another thread.
@@ -28,10 +31,12 @@ public:
     // Main thread
     /// Before anything is written or read.
     void setFolder(const QString &folder) { m_folder = folder; }
-    /// What earlier programs left, by document, in order. Later numbers are higher.
-    [[nodiscard]] std::map<QUuid, std::vector<EditJournal>> read();
-    /// Moves those of a document out of the way.
+    /// What earlier programs left, by document. Later numbers are higher.
+    [[nodiscard]] std::map<QUuid, LeftEdits> read();
+    /// Moves those of a document out of the way, to a folder from which they go by dropSetAside() and not otherwise.
     void setAside(const QUuid &document);
+    /// What is there, also from earlier programs. What is damaged goes when it has been there for a month.
+    [[nodiscard]] std::map<QUuid, LeftEdits> readSetAside();
     /// The next journal of the document, on `base`; returns its number.
     quint64 begin(const QUuid &document, const SessionSnapshot::Document &entry, const Rope &base);
     /// After begin().
@@ -44,6 +49,8 @@ public:
     // Any thread
     /// The text that the journal `number` builds on is safe: those before it go, and itself as long as it is empty.
     void drop(const QUuid &document, quint64 number);
+    /// Those up to `lastNumber` that were set aside are not needed any more.
+    void dropSetAside(const QUuid &document, quint64 lastNumber);
     [[nodiscard]] bool waitUntilWritten(std::chrono::milliseconds timeout);
 
 private:
@@ -58,7 +65,12 @@ private:
     };
 
     [[nodiscard]] QString pathOf(const QUuid &document, quint64 number) const;
-    [[nodiscard]] std::vector<quint64> numbersOf(const QUuid &document) const;
+    [[nodiscard]] QString asideFolder() const;
+    /// `reject` is told of those that are none.
+    using Rejection = std::function<void(const QFileInfo &file, const QByteArray &content)>;
+    [[nodiscard]] std::map<QUuid, LeftEdits> readIn(const QString &folder, const Rejection &reject);
+    void moveAside(const QString &name) const;
+    [[nodiscard]] static std::vector<quint64> numbersOf(const QUuid &document, const QString &folder);
     void write(const QUuid &document, Open &open, const QByteArray &bytes);
     void close(Open &open);
 

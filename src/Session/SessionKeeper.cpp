@@ -164,7 +164,8 @@ std::optional<WindowLayout> SessionKeeper::restore()
         return std::nullopt;
     }
     const SessionStore::Saved saved = m_store.read();
-    const std::vector<RestoredDocument> restored = restoreDocuments(saved, m_store, m_documents);
+    const std::vector<RestoredDocument> restored =
+        restoreDocuments(saved, m_store, m_documents, restorationTimeout, [this](TextDocument &document) { showBehind(document); });
     return restored.empty() ? std::nullopt : std::optional(layoutOf(saved.snapshot.value_or(SessionSnapshot()), restored));
 }
 
@@ -173,7 +174,21 @@ void SessionKeeper::bringBack(const QString &path)
     if (!m_preferences.value(Settings::restoreSession)) {
         return;
     }
-    if (const auto entry = m_store.takeCarriedOver(path)) {
-        std::ignore = restoreDocuments({.snapshot = SessionSnapshot{.documents = {*entry}}}, m_store, m_documents);
+    const auto show = [this](TextDocument &document) { showBehind(document); };
+    const SessionStore::Saved saved = m_store.takeCarriedOver(path);
+    if (saved.snapshot->documents.isEmpty() && saved.edited.isEmpty()) {
+        return;
+    }
+    for (const RestoredDocument &restored : restoreDocuments(saved, m_store, m_documents, restorationTimeout, show)) {
+        if (restored.document->origin) {
+            show(*restored.document);
+        }
+    }
+}
+
+void SessionKeeper::showBehind(TextDocument &document)
+{
+    if (m_windows) {
+        m_windows->showBehind(document);
     }
 }

@@ -25,6 +25,8 @@ public:
     [[nodiscard]] virtual std::vector<WindowLayout> layouts() const = 0;
     /// Of them, the one that was used last.
     [[nodiscard]] virtual size_t frontmostLayout() const = 0;
+    /// Gives a document that has come by itself a tab, behind the one that is used.
+    virtual void showBehind(TextDocument &document) = 0;
 
 protected:
     ~SessionWindows() = default;
@@ -79,6 +81,7 @@ private:
     void autosaveIfQuiet();
     void saveToFiles();
     [[nodiscard]] DraftNames writeDrafts();
+    void showBehind(TextDocument &document);
     void writeSession(const WindowLayout &window, const DraftNames &drafts);
     [[nodiscard]] std::vector<WindowLayout> layouts() const;
     [[nodiscard]] bool wantsSession(const std::vector<WindowLayout> &layouts) const;

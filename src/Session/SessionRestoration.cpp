@@ -8,6 +8,7 @@
 
 #include <QDir>
 
+#include <algorithm>
 #include <set>
 
 namespace {
@@ -31,47 +32,89 @@ public:
         }
     }
 
-    std::vector<RestoredDocument> run(std::chrono::milliseconds timeout)
+    std::vector<RestoredDocument> run(std::chrono::milliseconds timeout, const RecoveryReport &report)
     {
-        if (m_saved.snapshot) {
-            for (const SessionSnapshot::Document &entry : m_saved.snapshot->documents) {
-                restore(entry);
-            }
-        }
-        for (const QString &name : m_saved.otherDrafts) {
-            if (m_otherDrafts.contains(name)) {
-                restoreDraft(name);
-            }
-        }
-        // What was typed into texts that no snapshot and no draft knew yet.
-        for (const SessionSnapshot::Document &entry : m_saved.edited) {
-            const size_t before = m_made.size();
-            if (!m_ids.contains(entry.id)) {
-                restore(entry);
-            }
-            std::for_each(m_made.begin() + qsizetype(before), m_made.end(), [](Made &made) { made.isForEdits = true; });
+        m_later->report = report;
+        collectSources();
+        for (const Source &source : m_sources) {
+            restore(source);
         }
         while (!m_rescued.empty()) {
             const QString path = m_rescued.begin()->first;
-            add({}, rescuedOf(path, QUuid::createUuid(), m_paths.contains(path) ? QString() : path), path);
+            const bool isOther = m_paths.contains(path);
+            auto document = rescuedOf(path, QUuid::createUuid(), isOther ? QString() : path);
+            if (isOther) {
+                document->origin = TextOrigin{TextOrigin::Kind::otherVersion, path};
+            }
+            add({}, std::move(document), isOther ? QString() : path);
         }
         const auto deadline = std::chrono::steady_clock::now() + timeout;
         for (Made &made : m_made) {
             finish(made, deadline);
         }
+        for (TextDocument &document : recoverInsertions(m_store, m_documents)) {
+            m_restored.push_back({{}, document.shared_from_this()});
+        }
+        m_later->isNow = true;
         return std::move(m_restored);
     }
 
 private:
     using MissingFile = TextDocument::MissingFile;
+    /// What may become a document.
+    struct Source {
+        SessionSnapshot::Document entry;
+        /// Absolute; empty for none.
+        QString path;
+        /// Its name; empty for none.
+        QString draft;
+        /// Nobody asks for it but for what was typed into it.
+        bool isForEdits = false;
+        /// See SessionStore::changedAt().
+        qint64 changedAt = 0;
+    };
     struct Made {
         QUuid idInSnapshot;
         /// Null for the file of another entry.
         std::unique_ptr<TextDocument> document;
         QString path;
-        /// Nobody asks for it but for what was typed into it.
         bool isForEdits = false;
     };
+    /// For files that come when all else is restored.
+    struct Later {
+        bool isNow = false;
+        RecoveryReport report;
+    };
+
+    void collectSources()
+    {
+        std::set<QUuid> ids;
+        const auto add = [&](const SessionSnapshot::Document &entry, const QString &draft, bool isForEdits) {
+            const QString path = entry.filePath && QDir::isAbsolutePath(*entry.filePath) ? *entry.filePath : QString();
+            m_sources.push_back({entry, path, draft, isForEdits, m_store.changedAt(entry.id, draft)});
+            ids.insert(entry.id);
+        };
+        for (const auto &entry : m_saved.snapshot.value_or(SessionSnapshot()).documents) {
+            // From the draft that it names, or from one of its own that was written just before the program was killed.
+            const QString own = DraftFile::nameFor(entry.id);
+            const bool hasOwn = !entry.draftFilename && m_otherDrafts.erase(own) != 0;
+            add(entry, entry.draftFilename.value_or(hasOwn ? own : QString()), false);
+        }
+        for (const QString &name : m_saved.otherDrafts) {
+            const QUuid id = DraftFile::documentOf(name);
+            const auto known = std::ranges::find(m_saved.edited, id, &SessionSnapshot::Document::id);
+            const bool isKnown = known != m_saved.edited.end() && !ids.contains(id);
+            if (m_otherDrafts.contains(name)) {
+                add(isKnown ? *known : SessionSnapshot::Document{.id = id, .encodingRawValue = quint32(TextEncoding::utf8)}, name, false);
+            }
+        }
+        // What was typed into texts that no snapshot and no draft knew yet.
+        for (const SessionSnapshot::Document &entry : m_saved.edited) {
+            if (!ids.contains(entry.id)) {
+                add(entry, {}, true);
+            }
+        }
+    }
 
     /// Ids that were damaged into copies of each other still are texts of their own.
     QUuid unusedId(const QUuid &id)
@@ -86,31 +129,42 @@ private:
         return edited && !edited->isEmpty();
     }
 
-    void restore(const SessionSnapshot::Document &entry)
+    /// A file has one tab, with what was changed last; what else was kept of it has tabs of its own.
+    void restore(const Source &source)
     {
-        const QString path = entry.filePath && QDir::isAbsolutePath(*entry.filePath) ? *entry.filePath : QString();
-        const TextFile::Contents empty{.text = {},
-                                       .encoding = TextEncoding(entry.encodingRawValue),
-                                       .lineEnding = lineEndingWithRawValue(entry.lineEnding).value_or(LineEnding::lf)};
-        std::unique_ptr<TextDocument> document = draftOf(entry, path, empty);
-        if (!document && m_rescued.contains(path)) {
-            document = rescuedOf(path, unusedId(entry.id), path);
+        if (source.path.isEmpty()) {
+            addMade(source.entry.id, source, untitledOf(source), source.isForEdits);
+            return;
         }
-        if (!document) {
-            document = path.isEmpty() ? withEdits(entry.id, empty) : nullptr;
+        const Source &newest = newestOf(source.path);
+        if (m_paths.contains(source.path)) {
+            m_made.push_back({.idInSnapshot = source.entry.id, .document = nullptr, .path = source.path});
+        } else {
+            addMade(source.entry.id, newest, documentOf(newest), source.isForEdits);
         }
-        if (!document) {
-            if (path.isEmpty()) {
-                return;
+        if (&source != &newest && source.changedAt != 0) {
+            addMade({}, source, otherVersionOf(source), false);
+        }
+    }
+
+    /// Of those of a file, the one that was changed last, or else the first.
+    [[nodiscard]] const Source &newestOf(const QString &path) const
+    {
+        const Source *newest = nullptr;
+        for (const Source &source : m_sources) {
+            if (source.path == path && (!newest || newest->changedAt < source.changedAt)) {
+                newest = &source;
             }
-            if (m_paths.contains(path)) {
-                m_made.push_back({.idInSnapshot = entry.id, .document = nullptr, .path = path});
-                return;
-            }
-            document = TextDocument::awaiting(m_documents.services(), path, empty.encoding, empty.lineEnding, unusedId(entry.id),
-                                              wasTypedBeforeItsFile(entry.id) ? MissingFile::isMade : MissingFile::isError);
-            document->whenArrived([&store = m_store, arrived = document.get()] { editArrived(store, *arrived); });
         }
+        return *newest;
+    }
+
+    void addMade(const QUuid &idInSnapshot, const Source &source, std::unique_ptr<TextDocument> document, bool isForEdits)
+    {
+        if (!document) {
+            return;
+        }
+        const SessionSnapshot::Document &entry = source.entry;
         if (const auto language = LanguageRegistry::withID(entry.languageID.value_or(QString()))) {
             document->languageWasChosenManually = true;
             document->setLanguage(*language);
@@ -122,32 +176,95 @@ private:
             document->lastSelectedRange = selection;
         }
         document->lastScrollOffset = std::max(0.0, entry.scrollOffset);
-        add(entry.id, std::move(document), path);
+        const QString path = document->path();
+        add(idInSnapshot, std::move(document), path);
+        m_made.back().isForEdits = isForEdits;
     }
 
-    /// From the draft that the entry names, or from one of its own that was written just before the program was killed.
-    std::unique_ptr<TextDocument> draftOf(const SessionSnapshot::Document &entry, const QString &path, TextFile::Contents contents)
+    [[nodiscard]] static TextFile::Contents emptyOf(const SessionSnapshot::Document &entry)
     {
-        const QString own = DraftFile::nameFor(entry.id);
-        QString name = entry.draftFilename.value_or(QString());
-        if (name.isEmpty() && m_otherDrafts.erase(own) != 0) {
-            name = own;
+        return {.text = {},
+                .encoding = TextEncoding(entry.encodingRawValue),
+                .lineEnding = lineEndingWithRawValue(entry.lineEnding).value_or(LineEnding::lf)};
+    }
+
+    std::unique_ptr<TextDocument> documentOf(const Source &source)
+    {
+        std::unique_ptr<TextDocument> document = draftOf(source, source.path);
+        if (!document && m_rescued.contains(source.path)) {
+            document = rescuedOf(source.path, unusedId(source.entry.id), source.path);
         }
-        const auto text = name.isEmpty() ? std::nullopt : m_store.draft(name);
+        if (!document) {
+            const TextFile::Contents empty = emptyOf(source.entry);
+            document =
+                TextDocument::awaiting(m_documents.services(), source.path, empty.encoding, empty.lineEnding, unusedId(source.entry.id),
+                                       wasTypedBeforeItsFile(source.entry.id) ? MissingFile::isMade : MissingFile::isError);
+            document->whenArrived(
+                [&store = m_store, &documents = m_documents, later = m_later, arrived = document.get(), id = source.entry.id] {
+                    editArrived(store, *arrived, id);
+                    if (later->isNow) {
+                        std::ranges::for_each(recoverInsertions(store, documents), later->report);
+                    }
+                });
+        }
+        return document;
+    }
+
+    std::unique_ptr<TextDocument> untitledOf(const Source &source)
+    {
+        std::unique_ptr<TextDocument> document = draftOf(source, {});
+        const bool isUnnamed = m_otherDrafts.contains(source.draft);
+        if (document && isUnnamed && document->storage().length() == 0) {
+            return nullptr;
+        }
+        if (!document) {
+            document = withEdits(source.entry.id, emptyOf(source.entry));
+        }
+        if (document) {
+            document->origin = source.entry.origin;
+        }
+        return document;
+    }
+
+    /// None when it is the text of the file's tab, or empty.
+    std::unique_ptr<TextDocument> otherVersionOf(const Source &source)
+    {
+        auto document = draftOf(source, {});
+        if (!document) {
+            m_store.setAsideEdits(source.entry.id);
+            return nullptr;
+        }
+        const Rope &text = document->storage().text();
+        const bool isSame = std::ranges::any_of(
+            m_made, [&](const Made &made) { return made.document && made.path == source.path && made.document->storage().text() == text; });
+        if (isSame || text.isEmpty()) {
+            m_store.discardDraft(document->id());
+            return nullptr;
+        }
+        document->origin = TextOrigin{TextOrigin::Kind::otherVersion, source.path};
+        document->setLanguage(LanguageRegistry::detect(source.path, {}));
+        return document;
+    }
+
+    std::unique_ptr<TextDocument> draftOf(const Source &source, const QString &path)
+    {
+        const QUuid &id = source.entry.id;
+        const auto text = source.draft.isEmpty() ? std::nullopt : m_store.draft(source.draft);
         if (!text) {
             return nullptr;
         }
-        const auto edited = m_store.edited(entry.id, *text);
+        const auto edited = m_store.edited(id, *text);
+        TextFile::Contents contents = emptyOf(source.entry);
         contents.text = edited.value_or(*text);
-        contents.state = entry.fileState;
+        contents.state = path.isEmpty() ? std::nullopt : source.entry.fileState;
         // Where no file is remembered, there was none.
-        auto document = TextDocument::fromDraft(m_documents.services(), path, contents, unusedId(entry.id), m_store.draftStamp(name),
+        auto document = TextDocument::fromDraft(m_documents.services(), path, contents, unusedId(id), m_store.draftStamp(source.draft),
                                                 contents.state ? MissingFile::isError : MissingFile::isMade);
         if (edited) {
             m_store.adoptEdits(*document);
         } else {
-            m_store.setAsideEdits(entry.id);
-            m_store.adoptDraft(*document, name);
+            m_store.setAsideEdits(id, *text);
+            m_store.adoptDraft(*document, source.draft);
         }
         return document;
     }
@@ -181,32 +298,35 @@ private:
     }
 
     /// A step that can be undone, as it was.
-    static void editArrived(SessionStore &store, TextDocument &document)
+    static void editArrived(SessionStore &store, TextDocument &document, const QUuid &id)
     {
-        if (document.arrivalFailure().error || document.arrivalFailure().twin) {
-            return;
+        const auto &[error, twin] = document.arrivalFailure();
+        if (error && error->found != PathKind::missing) {
+            return; // it may be readable again at the next start
         }
-        if (const auto edited = store.edited(document.id(), document.storage().text())) {
+        if (error || twin) {
+            store.setAsideEdits(id);
+        } else if (const auto edited = store.edited(document.id(), document.storage().text())) {
             store.replayEdits(document, *edited);
         } else {
-            store.setAsideEdits(document.id());
+            store.setAsideEdits(id, document.storage().text());
         }
     }
 
-    void restoreDraft(const QString &name)
+    /// What was typed into texts that are others now gets texts of its own.
+    static std::vector<std::reference_wrapper<TextDocument>> recoverInsertions(SessionStore &store, DocumentStore &documents)
     {
-        const auto known = std::ranges::find(m_saved.edited, DraftFile::documentOf(name), &SessionSnapshot::Document::id);
-        if (known != m_saved.edited.end() && !m_ids.contains(known->id)) {
-            restore(*known);
-            return;
+        std::vector<std::reference_wrapper<TextDocument>> made;
+        for (const SessionStore::SetAside &setAside : store.takeSetAside()) {
+            TextFile::Contents contents = emptyOf(setAside.entry);
+            contents.text = Rope(setAside.text);
+            auto document = TextDocument::fromDraft(documents.services(), QString(), contents, setAside.id);
+            document->origin = TextOrigin{TextOrigin::Kind::insertions, setAside.entry.filePath.value_or(QString())};
+            TextDocument &added = documents.add(std::move(document));
+            store.adoptSetAside(added, setAside);
+            made.emplace_back(added);
         }
-        const auto text = m_store.draft(name);
-        if (!text || text->isEmpty()) {
-            return;
-        }
-        auto document = TextDocument::fromDraft(m_documents.services(), QString(), {.text = *text}, unusedId(DraftFile::documentOf(name)));
-        m_store.adoptDraft(*document, name);
-        add({}, std::move(document), {});
+        return made;
     }
 
     void add(const QUuid &id, std::unique_ptr<TextDocument> document, const QString &path)
@@ -248,6 +368,8 @@ private:
     SessionStore &m_store;
     DocumentStore &m_documents;
     std::set<QString> m_otherDrafts;
+    std::vector<Source> m_sources;
+    std::shared_ptr<Later> m_later = std::make_shared<Later>();
     /// By their targets.
     std::map<QString, Rescued> m_rescued;
     std::set<QUuid> m_ids;
@@ -260,7 +382,7 @@ private:
 } // namespace
 
 std::vector<RestoredDocument> restoreDocuments(const SessionStore::Saved &saved, SessionStore &store, DocumentStore &documents,
-                                               std::chrono::milliseconds timeout)
+                                               std::chrono::milliseconds timeout, const RecoveryReport &report)
 {
-    return Restoration(saved, store, documents).run(timeout);
+    return Restoration(saved, store, documents).run(timeout, report);
 }

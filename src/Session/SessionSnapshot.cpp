@@ -7,6 +7,7 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -119,6 +120,28 @@ std::optional<FileState> fileStateFrom(const QJsonValue &value)
     return reader.isValid() && areNumbers ? std::optional(state) : std::nullopt;
 }
 
+struct OriginName {
+    TextOrigin::Kind kind;
+    QLatin1StringView name;
+};
+
+constexpr OriginName originNames[] = {{TextOrigin::Kind::otherVersion, "otherVersion"_L1}, {TextOrigin::Kind::insertions, "insertions"_L1}};
+
+QJsonObject objectOf(const TextOrigin &origin)
+{
+    const auto *row = std::ranges::find(originNames, origin.kind, &OriginName::kind);
+    return {{"kind"_L1, row->name}, {"filePath"_L1, origin.path}};
+}
+
+std::optional<TextOrigin> originFrom(const QJsonValue &value)
+{
+    Reader reader(value);
+    const QString name = reader.string("kind"_L1);
+    const QString path = reader.string("filePath"_L1);
+    const auto *row = std::ranges::find(originNames, name, &OriginName::name);
+    return reader.isValid() && row != std::end(originNames) ? std::optional(TextOrigin{row->kind, path}) : std::nullopt;
+}
+
 QJsonObject objectOf(const SessionSnapshot::Document &document)
 {
     QJsonObject object = {{"id"_L1, textOf(document.id)},
@@ -132,6 +155,9 @@ QJsonObject objectOf(const SessionSnapshot::Document &document)
     insert(object, "languageID"_L1, document.languageID);
     if (document.fileState) {
         object.insert("fileState"_L1, objectOf(*document.fileState));
+    }
+    if (document.origin) {
+        object.insert("origin"_L1, objectOf(*document.origin));
     }
     return object;
 }
@@ -149,6 +175,7 @@ std::optional<SessionSnapshot::Document> documentFrom(const QJsonValue &value)
         .selection = {qsizetype(reader.integer("selectionLocation"_L1)), qsizetype(reader.integer("selectionLength"_L1))},
         .scrollOffset = reader.real("scrollOffset"_L1),
         .fileState = fileStateFrom(value.toObject().value("fileState"_L1)),
+        .origin = originFrom(value.toObject().value("origin"_L1)),
     };
     if (qint64(document.encodingRawValue) != reader.integer("encodingRawValue"_L1)) {
         reader.reject();

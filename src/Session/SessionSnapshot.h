@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Base/FileState.h"
+#include "Model/TextOrigin.h"
 #include "Text/TextRange.h"
 
 #include <QByteArray>
@@ -42,6 +43,8 @@ struct SessionSnapshot {
         double scrollOffset = 0;
         /// Of the file that the text agrees with, but for what is unsaved. One that cannot be read counts as none.
         std::optional<FileState> fileState = std::nullopt;
+        /// Of a text without a file. One that cannot be read counts as none.
+        std::optional<TextOrigin> origin = std::nullopt;
 
         friend bool operator==(const Document &, const Document &) = default;
     };

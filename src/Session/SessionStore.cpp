@@ -268,9 +268,11 @@ SessionStore::Saved SessionStore::read()
         GuestSessions::adopt(m_root, saved.snapshot, m_calls);
     }
     m_leftEdits = m_journal->read();
-    for (const auto &[id, journals] : m_leftEdits) {
-        saved.edited << journals.back().entry;
+    for (const auto &[id, left] : m_leftEdits) {
+        saved.edited << left.journals.back().entry;
     }
+    const auto setAside = m_journal->readSetAside();
+    m_setAside.assign(setAside.begin(), setAside.end());
     std::set<QString> named;
     if (saved.snapshot) {
         for (const Snapshot::Document &document : saved.snapshot->documents) {
@@ -327,16 +329,23 @@ void SessionStore::carryOver()
                                             .encodingRawValue = quint32(TextEncoding::utf8),
                                             .lineEnding = rawValue(LineEnding::lf).toString()};
     }
+    std::ranges::copy_if(saved.edited, std::back_inserter(m_carriedEdits), [this](const Snapshot::Document &edited) {
+        return std::ranges::find(m_carriedOver, edited.id, &Snapshot::Document::id) == m_carriedOver.end();
+    });
 }
 
-std::optional<SessionStore::Snapshot::Document> SessionStore::takeCarriedOver(const QString &path)
+SessionStore::Saved SessionStore::takeCarriedOver(const QString &path)
 {
     carryOver();
-    const auto isOfFile = [name = QDir::cleanPath(path)](const Snapshot::Document &document) {
-        return document.filePath && QDir::cleanPath(*document.filePath) == name;
+    const auto take = [name = QDir::cleanPath(path)](QList<Snapshot::Document> &from) {
+        const auto ofFile = std::stable_partition(from.begin(), from.end(), [&name](const Snapshot::Document &document) {
+            return !document.filePath || QDir::cleanPath(*document.filePath) != name;
+        });
+        const QList<Snapshot::Document> taken(ofFile, from.end());
+        from.erase(ofFile, from.end());
+        return taken;
     };
-    const auto found = std::ranges::find_if(m_carriedOver, isOfFile);
-    return found == m_carriedOver.end() ? std::nullopt : std::optional(m_carriedOver.takeAt(found - m_carriedOver.begin()));
+    return {.snapshot = Snapshot{.documents = take(m_carriedOver)}, .otherDrafts = {}, .edited = take(m_carriedEdits)};
 }
 
 bool SessionStore::setAside(const QString &folder)
@@ -380,6 +389,16 @@ std::optional<FileStamp> SessionStore::draftStamp(const QString &name) const
                                                                                                 : std::nullopt;
 }
 
+qint64 SessionStore::changedAt(const QUuid &document, const QString &name) const
+{
+    const auto nanoseconds = [](const timespec &time) {
+        return std::chrono::nanoseconds(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec)).count();
+    };
+    const auto stamp = draftStamp(name);
+    const auto left = m_leftEdits.find(document);
+    return std::max<qint64>(stamp ? nanoseconds(stamp->modified) : 0, left == m_leftEdits.end() ? 0 : nanoseconds(left->second.modified));
+}
+
 bool SessionStore::hasUnreadableDraft(const QUuid &document) const
 {
     const std::lock_guard lock(m_queue->mutex);
@@ -399,7 +418,7 @@ void SessionStore::adoptDraft(const TextDocument &document, const QString &name)
 std::optional<Rope> SessionStore::edited(const QUuid &document, const Rope &base) const
 {
     const auto left = m_leftEdits.find(document);
-    return left == m_leftEdits.end() ? std::nullopt : replayed(left->second, base);
+    return left == m_leftEdits.end() ? std::nullopt : replayed(left->second.journals, base);
 }
 
 void SessionStore::adoptEdits(const TextDocument &document)
@@ -423,11 +442,43 @@ void SessionStore::discardEdits(const QUuid &document)
     m_journal->drop(document, m_journal->nextNumber());
 }
 
-void SessionStore::setAsideEdits(const QUuid &document)
+void SessionStore::setAsideEdits(const QUuid &document, const Rope &text)
 {
-    if (m_leftEdits.erase(document) != 0) {
-        m_journal->setAside(document);
+    auto left = m_leftEdits.extract(document);
+    if (left.empty()) {
+        return;
     }
+    if (areContained(left.mapped().journals, text)) {
+        // Saved, and the program was killed before they went.
+        m_journal->drop(document, m_journal->nextNumber());
+        return;
+    }
+    m_journal->setAside(document);
+    m_setAside.emplace_back(document, std::move(left.mapped()));
+}
+
+std::vector<SessionStore::SetAside> SessionStore::takeSetAside()
+{
+    std::vector<SetAside> taken;
+    for (const auto &[document, left] : std::exchange(m_setAside, {})) {
+        const SetAside one{.id = QUuid::createUuidV5(document, QString::number(left.lastNumber)),
+                           .entry = left.journals.back().entry,
+                           .text = insertionsOf(left.journals),
+                           .lastNumber = left.lastNumber};
+        if (one.text.isEmpty() || m_drafts.contains(DraftFile::nameFor(one.id))) {
+            // Nothing was typed, or the program was killed when the draft was there.
+            m_journal->dropSetAside(document, left.lastNumber);
+        } else {
+            taken.push_back(one);
+        }
+    }
+    return taken;
+}
+
+void SessionStore::adoptSetAside(const TextDocument &document, const SetAside &setAside)
+{
+    writeInsteadOf(document,
+                   [journal = m_journal, id = setAside.entry.id, number = setAside.lastNumber] { journal->dropSetAside(id, number); });
 }
 
 // Writing
@@ -572,14 +623,19 @@ bool SessionStore::Queue::writeText(const QString &name, const Rope &text)
 
 void SessionStore::adoptRescued(const TextDocument &document, const RescuedFile &rescued)
 {
+    writeInsteadOf(document, [rescued, &calls = m_calls] { removeRescued(rescued, calls); });
+}
+
+void SessionStore::writeInsteadOf(const TextDocument &document, std::function<void()> remove)
+{
     const auto name = writeDraft(document);
     if (!name) {
         return;
     }
-    m_thread->start([queue = m_queue, name = *name, rescued] {
+    m_thread->start([queue = m_queue, name = *name, remove = std::move(remove)] {
         const std::lock_guard lock(queue->mutex);
         if (!queue->failedDrafts.contains(name)) {
-            removeRescued(rescued, queue->calls);
+            remove();
         }
     });
 }

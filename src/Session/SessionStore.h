@@ -93,12 +93,15 @@ public:
     /// Once. A snapshot that cannot be read is moved to a folder of its own, with all drafts. When this was not called before anything is
     /// written, what it would have returned is carried over: texts that were not saved are in the next snapshots too.
     [[nodiscard]] Saved read();
-    /// What was carried over of the unsaved text of the file at `path`, which is absolute; from now on that is the caller's.
-    [[nodiscard]] std::optional<Snapshot::Document> takeCarriedOver(const QString &path);
+    /// What was carried over of unsaved texts of the file at `path`, which is absolute; from now on that is the caller's.
+    [[nodiscard]] Saved takeCarriedOver(const QString &path);
     /// A draft's text; none when the name is none of a draft, or when it cannot be read: then it is left where it is.
     [[nodiscard]] std::optional<Rope> draft(const QString &name);
     /// When the draft was written; none when that is unknown.
     [[nodiscard]] std::optional<FileStamp> draftStamp(const QString &name) const;
+    /// When unsaved text of the document, which may be in the draft `name` and in edits, was written last, in nanoseconds since 1970; 0
+    /// when there is none.
+    [[nodiscard]] qint64 changedAt(const QUuid &document, const QString &name) const;
     /// Some day it may be readable again: another document must not write or discard it as its own.
     [[nodiscard]] bool hasUnreadableDraft(const QUuid &document) const;
     /// `base`, a draft or the text of a file, with what was typed since; none when nothing was, or the edits are of another text.
@@ -109,8 +112,23 @@ public:
     void replayEdits(TextDocument &document, const Rope &edited);
     /// What was typed was taken back.
     void discardEdits(const QUuid &document);
-    /// The edits are of another text than any that is there: they are kept where they disturb nobody.
-    void setAsideEdits(const QUuid &document);
+    /// The edits are of another text than `text`, which is the one that is there. Unless it has what they brought all the same, they are
+    /// kept until somebody takes that.
+    void setAsideEdits(const QUuid &document, const Rope &text = {});
+    /// Edits that fit nowhere.
+    struct SetAside {
+        /// For a document with the text; the same edits always have the same.
+        QUuid id;
+        /// Of the document into which they were typed.
+        Snapshot::Document entry;
+        /// See insertionsOf().
+        QString text;
+        quint64 lastNumber = 0;
+    };
+    /// All of them, also those of earlier programs, which did not come to the end with them.
+    [[nodiscard]] std::vector<SetAside> takeSetAside();
+    /// `document` has the text of `setAside`, which goes when the draft is written.
+    void adoptSetAside(const TextDocument &document, const SetAside &setAside);
     /// `document` has the text of the draft `name` and goes on using it.
     void adoptDraft(const TextDocument &document, const QString &name);
 
@@ -165,6 +183,8 @@ private:
     [[nodiscard]] std::optional<Snapshot> readSnapshot();
     [[nodiscard]] bool setAside(const QString &folder);
     void carryOver();
+    /// Writes the draft, and then removes what it is written instead of.
+    void writeInsteadOf(const TextDocument &document, std::function<void()> remove);
     [[nodiscard]] quint64 beginJournal(const TextDocument &document, const Rope &base, quint64 revision);
     void setFolder(const QString &folder);
     void lookForMissing();
@@ -183,6 +203,8 @@ private:
     std::optional<Snapshot> m_held;
     /// Of earlier programs, not brought back by this one.
     QList<Snapshot::Document> m_carriedOver;
+    /// The same for what has been edited only, and has no draft.
+    QList<Snapshot::Document> m_carriedEdits;
     std::function<void(const QString &folder)> m_reportSetAside;
     /// Drafts that may be on disk, and the revision of the text that was last handed over.
     std::map<QString, std::optional<quint64>> m_drafts;
@@ -197,7 +219,8 @@ private:
     };
     std::map<QUuid, Journal> m_journals;
     /// Of earlier programs.
-    std::map<QUuid, std::vector<EditJournal>> m_leftEdits;
+    std::map<QUuid, LeftEdits> m_leftEdits;
+    std::vector<std::pair<QUuid, LeftEdits>> m_setAside;
     /// Texts that are on disk as a draft or a file and edits.
     std::map<QUuid, quint64> m_adoptedEdits;
     bool m_isReplaying = false;

@@ -38,6 +38,7 @@ SessionSnapshot::Document entryOf(const TextDocument &document, const DraftNames
         .selection = document.lastSelectedRange,
         .scrollOffset = document.lastScrollOffset,
         .fileState = draft == drafts.end() ? std::nullopt : document.file().state(),
+        .origin = document.isUntitled() ? document.origin : std::nullopt,
     };
 }
 
@@ -88,12 +89,18 @@ WindowLayout layoutOf(const SessionSnapshot &snapshot, const std::vector<Restore
     panes = panes.activating(active);
     PaneLayout::Documents others;
     for (const RestoredDocument &document : restored) {
-        if (panes.paneShowing(*document.document) < 0) {
+        if (panes.paneShowing(*document.document) < 0 && std::ranges::find(others, document.document) == others.end()) {
             others.push_back(document.document);
         }
     }
     if (!others.empty()) {
         panes = panes.isEmpty() ? panes.addingPane(others, 0) : panes.appending(others);
+    }
+    // What has come to its tab just now tells the user so.
+    const auto news = std::ranges::find_if(
+        restored, [](const RestoredDocument &document) { return document.idInSnapshot.isNull() && document.document->origin; });
+    if (news != restored.end()) {
+        panes = panes.adding(news->document);
     }
     return {panes, WindowFrame::fromString(snapshot.windowFrame.value_or(QString()))};
 }

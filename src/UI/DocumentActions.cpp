@@ -91,6 +91,7 @@ const ActionRow *DocumentActions::actionFor(const Action &wanted) const
         action<&Self::showUserGuide>(Actions::showUserGuide),
         action<&Self::compareWithFileOnDisk, &Self::hasFile>(Actions::compareWithFileOnDisk),
         action<&Self::compareWithFile, &Self::hasDocument>(Actions::compareWithFile),
+        action<&Self::compareWithOrigin, &Self::hasOrigin>(Actions::compareWithOrigin),
         action<&Self::compareWithOpenDocument, &Self::hasSeveralDocuments>(Actions::compareWithOpenDocument),
         action<&Self::selectLanguageFromMenu, &Self::languageState>(Actions::selectLanguage),
     });

@@ -72,6 +72,7 @@ private:
     void selectLanguageFromMenu(const ActionSender &sender);
     void compareWithFileOnDisk();
     void compareWithFile();
+    void compareWithOrigin();
     void compareWithOpenDocument(const ActionSender &sender);
     void compare(const Side &left);
     void readForComparison(TextDocument &document, const QString &path, std::function<void(const Rope &text)> then);
@@ -86,6 +87,7 @@ private:
     [[nodiscard]] bool hasFile() const;
     [[nodiscard]] bool canRevert() const;
     [[nodiscard]] bool hasSeveralDocuments() const;
+    [[nodiscard]] bool hasOrigin() const;
     [[nodiscard]] ActionState languageState(const ActionSender &sender) const;
 
     void presentError(const QString &description, const QString &recoverySuggestion = {});

@@ -88,6 +88,26 @@ void DocumentActions::compareWithFile()
     });
 }
 
+bool DocumentActions::hasOrigin() const
+{
+    return currentDocument() && currentDocument()->origin && !currentDocument()->origin->path.isEmpty();
+}
+
+/// With what it is another version of, as it is in its tab or else on disk.
+void DocumentActions::compareWithOrigin()
+{
+    TextDocument &document = *currentDocument();
+    const QString path = document.origin->path;
+    if (const auto open = m_services.documents.documentAt(path)) {
+        compare(editorSide(*open));
+        return;
+    }
+    readForComparison(document, path, [this, &document, path](const Rope &text) {
+        emit comparisonRequested({shownPath(QFileInfo(path).fileName()), localized(u"on disk"), text}, editorSide(document),
+                                 document.language());
+    });
+}
+
 void DocumentActions::compareWithOpenDocument(const ActionSender &sender)
 {
     const auto &open = m_services.documents.documents();

@@ -22,6 +22,7 @@ struct Windows final : SessionWindows {
     void rememberPlaces() override {}
     [[nodiscard]] std::vector<WindowLayout> layouts() const override { return shown; }
     [[nodiscard]] size_t frontmostLayout() const override { return frontmost; }
+    void showBehind(TextDocument & /*document*/) override {}
 };
 
 class SessionKeeperTest : public SessionFixture {

@@ -5,10 +5,12 @@
 
 #include "Session/SessionLock.h"
 #include "Session/SessionRestoration.h"
+#include "Session/WindowLayout.h"
 
 #include <QDateTime>
 #include <QJsonDocument>
 
+#include <filesystem>
 #include <semaphore>
 #include <set>
 #include <unistd.h>
@@ -342,12 +344,86 @@ TEST_F(SessionStoreTest, WhatAnotherProgramLeftIsTakenOverWhateverCutsThatOff)
         auto next = open();
         DocumentStore restored(services, {});
         QStringList texts;
-        for (const auto &[id, document] : restoreDocuments(next->read(), *next, restored)) {
+        std::ignore = restoreDocuments(next->read(), *next, restored);
+        for (const auto &document : restored.documents()) {
             texts << document->storage().string() + u' ' + document->displayName();
         }
         EXPECT_EQ(texts, (QStringList{u"edited a.txt"_s, u"untitled Untitled"_s})) << "cut off at call " << step;
         if (isOver) {
             EXPECT_FALSE(QFile::exists(root() + u"/Guests"_s));
+            return;
+        }
+    }
+    FAIL() << "it never ends";
+}
+
+TEST_F(SessionStoreTest, OfSeveralUnsavedTextsOfAFileTheLatestHasItsTab)
+{
+    const QString file = path(u"Quillet/a.txt"_s);
+    put(u"a.txt"_s, "file");
+    auto owner = open();
+    const auto own = document(u"file"_s, firstId, file);
+    edit(*own, u"own"_s);
+    keep(*owner, {own.get()});
+    auto other = open();
+    const auto edited = document(u"file"_s, secondId, file);
+    edit(*edited, u"of another"_s);
+    const auto same = document(u"file"_s, thirdId, file);
+    edit(*same, u"own"_s);
+    keep(*other, {edited.get(), same.get()});
+    other.reset();
+    owner.reset();
+    for (const auto &[latest, texts] : {std::pair(firstId, QStringList{u"own a.txt"_s, u"of another a.txt (recovered)"_s}),
+                                        std::pair(secondId, QStringList{u"of another a.txt"_s, u"own a.txt (recovered)"_s})}) {
+        auto store = open();
+        const auto saved = store->read();
+        for (const QUuid &id : {firstId, secondId, thirdId}) {
+            std::error_code isGone; // the same text once more
+            std::filesystem::last_write_time((root() + u'/' + draftName(id)).toStdString(),
+                                             std::filesystem::file_time_type::clock::now() - (id == latest ? 1h : 2h), isGone);
+        }
+        DocumentStore restored(services, {});
+        const auto found = restoreDocuments(saved, *store, restored);
+        QStringList names;
+        for (const auto &each : restored.documents()) {
+            names << each->storage().string() + u' ' + each->displayName();
+        }
+        EXPECT_EQ(names, texts);
+        // What has come by itself is in front, and says so again at the next start.
+        const PaneLayout panes = layoutOf(*saved.snapshot, found).panes;
+        ASSERT_TRUE(panes.current()->origin);
+        EXPECT_EQ(panes.current()->origin, (TextOrigin{TextOrigin::Kind::otherVersion, file}));
+        EXPECT_EQ(SessionSnapshot::fromJson(snapshotOf({panes, {}}, restored.documents(), {}).toJson())->documents.back().origin,
+                  panes.current()->origin);
+    }
+}
+
+TEST_F(SessionStoreTest, WhatFitsNowhereComesBackOnceWhateverCutsThatOff)
+{
+    const QString file = path(u"Quillet/a.txt"_s);
+    const SessionSnapshot::Document entry{.id = firstId, .filePath = file, .lineEnding = u"\n"_s};
+    for (int step = 1; step < 100; ++step) {
+        QDir(root()).removeRecursively();
+        put(u"a.txt"_s, "by somebody else");
+        put(u"Journal/"_s + EditJournal::nameFor(firstId, 7), EditJournal::beginning(1, entry) + EditJournal::record({{3, 0}, u"typed"}));
+        QStringList texts;
+        bool isOver = false;
+        for (const int killAt : {step, 0}) {
+            calls.steps = 0;
+            calls.killAt = killAt;
+            auto store = open();
+            DocumentStore restored(services, {});
+            std::ignore = restoreDocuments(store->read(), *store, restored);
+            expectWritten(*store);
+            isOver = isOver || calls.steps < killAt;
+            texts.clear();
+            for (const auto &each : restored.documents()) {
+                texts << each->storage().string();
+            }
+        }
+        EXPECT_EQ(texts, QStringList{u"typed"_s}) << "cut off at call " << step;
+        EXPECT_EQ(names(u"Quillet/Journal"_s) + names(u"Quillet/Journal/Unused"_s), QStringList{u"Unused"_s});
+        if (isOver) {
             return;
         }
     }

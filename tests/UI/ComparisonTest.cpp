@@ -178,6 +178,29 @@ TEST_F(ComparisonTest, ComparesWithOtherFilesAndTexts)
     EXPECT_EQ(application.comparisons().size(), 1U);
 }
 
+TEST_F(ComparisonTest, TheBarOfARecoveredTextComparesItWithItsFile)
+{
+    const QString file = put(u"a.cpp"_s, "int a;\n");
+    auto older = TextDocument::fromDraft(documents.services(), QString(), {.text = Rope(u"int b;\n"_s)}, QUuid::createUuid());
+    older->origin = TextOrigin{TextOrigin::Kind::otherVersion, file};
+    TextDocument &text = documents.add(std::move(older));
+    workspace().adopt(text);
+    const auto banner = [this] { return workspace().currentEditor()->banner(); };
+    ASSERT_TRUE(banner());
+    EXPECT_TRUE(banner()->accessibleName().contains(u"another unsaved version of “a.cpp”"_s));
+    control<QPushButton>(*banner(), u"Compare"_s)->click();
+    EXPECT_EQ(application.comparisons().back()->windowTitle(), u"a.cpp \u2194 a.cpp (recovered)"_s) << "as it is on disk";
+    workspace().open({file});
+    workspace().focusPaneShowing(text);
+    workspace().adopt(text);
+    control<QPushButton>(*banner(), u"Compare"_s)->click();
+    EXPECT_EQ(application.comparisons().size(), 2U);
+    control<QPushButton>(*banner(), u"Dismiss"_s)->click();
+    EXPECT_FALSE(banner());
+    EXPECT_EQ(text.displayName(), u"Untitled"_s);
+    EXPECT_TRUE(text.hasUnsavedText());
+}
+
 TEST_F(ComparisonTest, IsThereWhileLongTextsAreCompared)
 {
     const QString lines = u"a line of some length\n"_s.repeated(20'000);
