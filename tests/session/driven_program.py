@@ -78,7 +78,9 @@ class Driven:
     def freeze(self):
         """Not another instruction; then the disk is at rest."""
         self.process.send_signal(signal.SIGSTOP)
-        os.waitid(os.P_PID, self.process.pid, os.WSTOPPED | os.WNOWAIT)
+        # It may have ended by itself, and then nothing was sent.
+        if self.process.returncode is None:
+            os.waitid(os.P_PID, self.process.pid, os.WSTOPPED | os.WEXITED | os.WNOWAIT)
 
     def kill(self):
         if self.process.poll() is None:

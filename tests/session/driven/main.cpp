@@ -166,6 +166,8 @@ private:
                 {"isDirty"_L1, document.isDirty()},
                 {"isConflicted"_L1, document.externalState() == TextDocument::ExternalState::conflicted},
                 {"isUnsaved"_L1, document.hasUnsavedText()},
+                {"isOfInsertions"_L1, document.origin && document.origin->kind == TextOrigin::Kind::insertions},
+                {"origin"_L1, document.origin ? document.origin->path : QString()},
                 {"text"_L1, document.storage().string()}};
     }
 
