@@ -31,6 +31,8 @@
 #include <QApplication>
 #include <QSessionManager>
 
+#include <utility>
+
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -184,7 +186,7 @@ int Program::run(const CommandLine &line)
     for (const CommandLine::File &file : line.files) {
         paths << file.path;
     }
-    const AppDelegate::Documents opened = delegate.launch(paths);
+    AppDelegate::Documents opened = delegate.launch(paths);
     // Without a session there is one already.
     const TextDocument *shown = delegate.frontmostWindow()->workspace().currentDocument();
     const bool showsEmptyTab = shown && shown->isUntitled() && shown->storage().length() == 0;
@@ -199,7 +201,8 @@ int Program::run(const CommandLine &line)
             m_parts->delegate.terminate();
         };
     }
-    delegate.handle(request, opened);
+    // Not held until the end of the program.
+    delegate.handle(request, std::exchange(opened, {}));
     if (::geteuid() == 0) {
         delegate.remarkOnRoot();
     }
