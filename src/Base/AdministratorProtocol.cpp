@@ -5,6 +5,8 @@
 #include "Base/FilePath.h"
 
 #include <QDataStream>
+#include <QIODevice>
+#include <QList>
 #include <QtEndian>
 
 namespace {

@@ -5,6 +5,7 @@
 #include "Base/Result.h"
 
 #include <QByteArray>
+#include <QList>
 
 #include <span>
 #include <stop_token>

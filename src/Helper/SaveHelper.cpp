@@ -5,6 +5,8 @@
 #include "Base/FilePath.h"
 #include "Helper/PinnedFolder.h"
 
+#include <QList>
+
 #include <algorithm>
 #include <csignal>
 

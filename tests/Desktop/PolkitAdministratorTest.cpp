@@ -4,6 +4,9 @@
 
 #include "TestFolder.h"
 
+#include <thread>
+
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -74,9 +77,17 @@ TEST_F(PolkitAdministratorTest, SaysWhyThereIsNoPermission)
 TEST_F(PolkitAdministratorTest, AStopCallsTheQuestionOff)
 {
     std::stop_source stop;
-    stop.request_stop();
-    const auto stopped = write("exec tail -f /dev/null", std::nullopt, stop.get_token());
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path(u"pipe"_s)).constData(), 0600), 0);
+    // It stops when the question is on the screen.
+    std::thread user([&] {
+        EXPECT_EQ(read(u"pipe"_s), "asks\n");
+        stop.request_stop();
+    });
+    const auto stopped =
+        write("echo asks >" + QFile::encodeName(path(u"pipe"_s)) + "; exec tail -f /dev/null", std::nullopt, stop.get_token());
     EXPECT_EQ(stopped ? 0 : stopped.error().code, Administrator::dismissedError);
+    user.join();
+    EXPECT_FALSE(write("exec tail -f /dev/null", std::nullopt, stop.get_token())) << "before it was asked";
 }
 
 TEST_F(PolkitAdministratorTest, IsThereWhereItsProgramsAre)
