@@ -18,6 +18,7 @@
 #include "Model/RecentDocuments.h"
 #include "Session/SessionRestoration.h"
 #include "Session/SessionStore.h"
+#include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
 #include "UI/EditorToolbarController.h"
 #include "UI/SettingsWindowController.h"
@@ -561,8 +562,11 @@ void AppDelegate::closeNext()
 
 void AppDelegate::remarkOnRoot()
 {
+    constexpr auto remarkedKey = "app.remarkedOnRoot"_L1;
     constexpr std::chrono::seconds duration{10};
-    if (MainWindowController *window = frontmostWindow()) {
+    MainWindowController *window = frontmostWindow();
+    if (window && !m_services.defaults.boolean(remarkedKey)) {
+        m_services.defaults.set(remarkedKey, true);
         window->workspace().statusBar().flash(
             localized(u"Quillet runs as root. It need not: it asks for the password when a file has to be saved as administrator."),
             duration);

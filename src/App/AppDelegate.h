@@ -38,7 +38,7 @@ public:
     void handle(const OpenRequest &request, const Documents &documents);
     /// Somebody who waited will not be notified: what it waited for is an ordinary text again. See OpenRequest.
     void forgetWaiter(const QString &waiter);
-    /// Says in the window in front that the program has all rights, which it does not need.
+    /// Says in the window in front that the program has all rights, which it does not need; once for each user who has them.
     void remarkOnRoot();
     /// Ends the program. The session is kept, with all unsaved text; where it cannot be, the windows close one after the other and each
     /// asks about its texts. One that is left open ends it.

@@ -162,6 +162,7 @@ TEST_F(AdministratorTest, NothingWaitsForeverForThePassword)
 TEST_F(AdministratorTest, RootIsToldOnce)
 {
     application.remarkOnRoot();
+    application.remarkOnRoot();
     EXPECT_TRUE(flashes.size() == 1 && flashes.back().contains(u"root"));
 }
 
