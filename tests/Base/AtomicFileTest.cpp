@@ -205,12 +205,15 @@ TEST_F(AtomicFileTest, WhateverFailsAndWheneverItDiesNothingIsLost)
     using InPlace = AtomicFile::InPlace;
     constexpr int death = 0;
     const mode_t mask = umask(0);
-    int count = 0;
+    int replaced = 0;
+    int inPlace = 0;
     int halfWritten = 0;
     for (const FileKind &kind : fileKinds) {
         for (const int error : {death, EIO, ENOSPC, EACCES, EINTR}) {
+            // In place one that becomes shorter goes another way.
+            const bool isShrunk = kind.inPlace != InPlace::no && (error == death || error == EIO);
             const QByteArrayList olderContents =
-                kind.inPlace == InPlace::no ? QByteArrayList{oldContent} : QByteArrayList{oldContent, newContent + oldContent};
+                isShrunk ? QByteArrayList{oldContent, newContent + oldContent} : QByteArrayList{oldContent};
             for (const QByteArray &before : olderContents) {
                 for (int step = 1;; ++step) {
                     SCOPED_TRACE(kind.name + (error == death ? " dies" : " fails with " + std::to_string(error)) + " at step " +
@@ -222,7 +225,7 @@ TEST_F(AtomicFileTest, WhateverFailsAndWheneverItDiesNothingIsLost)
                     calls.error = error == death ? EIO : error;
                     const bool isWritten =
                         kind.inPlace == InPlace::no ? save(name, calls).has_value() : saveAnyhow(name, calls).has_value();
-                    ++count;
+                    ++(kind.inPlace == InPlace::no ? replaced : inPlace);
                     const QByteArray now = read(u"real"_s);
                     const std::vector<RescuedFile> rescued = rescuedFiles(rescueFolder());
                     const bool isRescued =
@@ -248,9 +251,11 @@ TEST_F(AtomicFileTest, WhateverFailsAndWheneverItDiesNothingIsLost)
         }
     }
     umask(mask);
-    RecordProperty("cases", count);
+    // The figures that the documentation has.
+    RecordProperty("replaced", replaced);
+    RecordProperty("in place", inPlace);
     RecordProperty("half-written", halfWritten);
-    EXPECT_GT(count, 2000);
+    EXPECT_GT(replaced + inPlace, 2000);
     EXPECT_GT(halfWritten, 100) << "else nothing was rescued";
 }
 
