@@ -202,6 +202,8 @@ class Rounds:
             self.guest.ask("do saveDocument:")
 
     def end_guest(self):
+        if self.random.random() < 0.7:
+            self.guest.ask(self.typing(self.guest_state()))
         state = self.guest_state()
         self.wait_for_journal()
         self.left |= {identity: (text["path"], self.version(identity, text["text"])) for identity, text in state.texts.items()
