@@ -48,13 +48,13 @@ void put(QDataStream &stream, const std::optional<FileState> &state)
 
 std::optional<FileState> takeState(QDataStream &stream)
 {
-    bool isThere = false;
-    stream >> isThere;
+    bool hasState = false;
+    stream >> hasState;
     FileState state;
-    if (isThere) {
+    if (hasState) {
         stream >> state;
     }
-    return isThere ? std::optional(state) : std::nullopt;
+    return hasState ? std::optional(state) : std::nullopt;
 }
 
 QByteArray framed(const auto &write)
