@@ -139,7 +139,7 @@ void EditorViewController::observe()
         if (std::exchange(m_awaitsText, false)) {
             restoreViewState();
         }
-        followEnd();
+        followCaret();
         m_textView->ruler().update();
         highlightVisibleRange();
         updateBanner();
@@ -149,12 +149,14 @@ void EditorViewController::observe()
     }
 }
 
-/// A log goes on under the eyes of whoever has the caret at its end.
-void EditorViewController::followEnd()
+/// A log goes on under the eyes of whoever has the caret at its end; a caret that was seen is seen.
+void EditorViewController::followCaret()
 {
     const auto end = m_document->endBeforeReload();
     if (end && m_textView->selection().range() == TextRange{*end, 0}) {
         m_textView->setSelection(TextSelection::at(m_document->storage().length()), TextView::Reveal::nearest);
+    } else if (m_textView->wasCaretSeen()) {
+        m_textView->revealCaret();
     }
 }
 
@@ -174,7 +176,8 @@ void EditorViewController::applyPreferences()
     const auto visibility = [](bool isShown) { return isShown ? TextView::Visibility::shown : TextView::Visibility::hidden; };
     m_textView->setLook(&TextLooks::invisibles, visibility(preferences.value(Settings::showInvisibles)));
     m_textView->setLineNumbers(visibility(preferences.value(Settings::showLineNumbers)));
-    const auto wrapMode = preferences.value(Settings::wrapLines) ? TextView::WrapMode::viewWidth : TextView::WrapMode::none;
+    const auto wrapped = preferences.value(Settings::indentWrappedRows) ? TextView::WrapMode::indented : TextView::WrapMode::viewWidth;
+    const auto wrapMode = preferences.value(Settings::wrapLines) ? wrapped : TextView::WrapMode::none;
     if (m_textView->wrapMode() != wrapMode) {
         m_textView->setWrapMode(wrapMode);
     }

@@ -99,7 +99,7 @@ private:
     [[nodiscard]] ActionState textFinderActionState(const ActionSender &sender) const;
     void applyPreferences();
     void applyTheme();
-    void followEnd();
+    void followCaret();
     void applyPalette();
     void applyIndentation();
     void applyVimMode();

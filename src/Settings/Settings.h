@@ -48,6 +48,7 @@ inline constexpr Setting<bool> showLineNumbers("editor.showLineNumbers"_L1, true
                                                {.title = u"Show line numbers", .option = {{u"number", u"nu"}, u"line numbers"}});
 inline constexpr Setting<bool> wrapLines("editor.wrapLines"_L1, false,
                                          {.title = u"Wrap long lines", .option = {{u"wrap"}, u"line wrapping"}});
+inline constexpr Setting<bool> indentWrappedRows("editor.indentWrappedRows"_L1, true, {.title = u"Indent wrapped rows like their line"});
 inline constexpr Setting<bool> showInvisibles("editor.showInvisibles"_L1, false,
                                               {.title = u"Show invisible characters", .option = {{u"list"}, u"invisible characters"}});
 inline constexpr Setting<bool> highlightCurrentLine("editor.highlightCurrentLine"_L1, true, {.title = u"Highlight the current line"});
@@ -60,6 +61,7 @@ inline constexpr auto appearanceRows = std::to_array<SettingRow>({
      .note = u"Takes effect immediately. “Automatic” follows the language order in System Settings."},
     {.setting = showLineNumbers, .place = startsGroup},
     {.setting = wrapLines},
+    {.setting = indentWrappedRows, .place = below},
     {.setting = showInvisibles},
     {.setting = highlightCurrentLine},
 });

@@ -109,6 +109,7 @@ public:
     /// Counts up to the next line break; gives the index of the break, or the chunk's length.
     qsizetype countUntilBreak(const Rope::Chunk &chunk, qsizetype index)
     {
+        index = countIndent(chunk, index);
         while (index < chunk.length) {
             if (chunk.narrow && index + 8 <= chunk.length && areAllPrintable(chunk.narrow + index)) {
                 cells.narrow += 8;
@@ -126,8 +127,24 @@ public:
     }
 
     CellCount cells;
+    /// Of the blanks and tabs before anything else.
+    qsizetype indent = 0;
 
 private:
+    qsizetype countIndent(const Rope::Chunk &chunk, qsizetype index)
+    {
+        for (; m_isInIndent && index < chunk.length; ++index) {
+            const char16_t unit = chunk.at(index);
+            m_isInIndent = unit == u' ' || unit == u'\t';
+            if (!m_isInIndent) {
+                break;
+            }
+            countUnit(unit);
+            indent = cells.narrow;
+        }
+        return index;
+    }
+
     void countUnit(char16_t unit)
     {
         if (unit >= 0x20 && unit < 0x7F) {
@@ -145,6 +162,7 @@ private:
     }
 
     int m_tabWidth;
+    bool m_isInIndent = true;
 };
 
 } // namespace
@@ -159,13 +177,14 @@ CellCount countCells(const Rope &text, TextRange range, int tabWidth)
     return counter.cells;
 }
 
-std::vector<qsizetype> countCellsOfLines(const Rope &text, qsizetype start, qsizetype mostLines, qsizetype unitBudget, int tabWidth)
+std::vector<LineCells> countCellsOfLines(const Rope &text, qsizetype start, qsizetype mostLines, qsizetype unitBudget, int tabWidth)
 {
-    std::vector<qsizetype> lines;
+    std::vector<LineCells> lines;
     CellCounter counter(tabWidth);
     const auto endLine = [&] {
-        lines.push_back(counter.cells.narrow + 2 * counter.cells.wide);
-        counter.cells = {};
+        const qsizetype cells = counter.cells.narrow + 2 * counter.cells.wide;
+        lines.push_back({cells, std::min(cells, counter.indent)});
+        counter = CellCounter(tabWidth);
     };
     bool isAfterReturn = false;
     bool isDone = false;

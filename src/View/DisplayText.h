@@ -29,7 +29,16 @@ struct CellCount {
 /// Tabs advance to the next multiple of `tabWidth` cells, counted from the start of `range`.
 [[nodiscard]] CellCount countCells(const Rope &text, TextRange range, int tabWidth);
 
-/// The cells of each line from `start` on, which must begin a line; a wide character counts as two. Ends with the line in which the
+struct LineCells {
+    /// A wide character counts as two.
+    qsizetype cells = 0;
+    /// Those of the blanks and tabs that it begins with.
+    qsizetype indent = 0;
+
+    friend bool operator==(const LineCells &, const LineCells &) = default;
+};
+
+/// The cells of each line from `start` on, which must begin a line. Ends with the line in which the
 /// unit budget is used up, after `mostLines` or with the text. About a nanosecond a unit.
-[[nodiscard]] std::vector<qsizetype> countCellsOfLines(const Rope &text, qsizetype start, qsizetype mostLines, qsizetype unitBudget,
+[[nodiscard]] std::vector<LineCells> countCellsOfLines(const Rope &text, qsizetype start, qsizetype mostLines, qsizetype unitBudget,
                                                        int tabWidth);

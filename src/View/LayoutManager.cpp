@@ -62,8 +62,9 @@ void LayoutManager::measureFont()
     const double dpr = m_settings.devicePixelRatio;
     m_rowHeight = std::ceil((metrics.ascent() + metrics.descent() + std::max(0.0, metrics.leading())) * dpr) / dpr;
     m_baseline = std::round(metrics.ascent() * dpr) / dpr;
-    const auto advances = advancesOf(m_settings.font, QStringLiteral("0iW.0"));
+    const auto advances = advancesOf(m_settings.font, QStringLiteral("0iW. 0"));
     m_cellWidth = advances.front();
+    m_blankWidth = advances[4];
     m_isFixedPitch = std::all_of(advances.begin(), advances.end(), [this](double advance) { return advance == m_cellWidth; });
     m_wideWidth = 0;
 }
@@ -135,7 +136,7 @@ void LayoutManager::changeLongLines(const TextChange &change)
     for (LongLine &line : m_longLines) {
         if (edits.touches(line.range())) {
             line.replaced(change.after, edits[0].range.location, edits[0].range.length, edits[0].text.length(),
-                          [this](TextRange range) { return estimate(range); });
+                          [this, indent = indentOfLine(line.range().location)](TextRange range) { return estimate(range, indent); });
         } else {
             line.moveBy(edits.shiftAt(line.range().location));
         }
@@ -222,7 +223,7 @@ LongLine &LayoutManager::longLine(const Line &line)
         place = m_longLines.end();
     }
     return *m_longLines.emplace(place, m_storage.text(), TextRange{line.start, line.length}, m_segmentLength,
-                                [this](TextRange range) { return estimate(range); });
+                                [this, indent = indentOfLine(line.start)](TextRange range) { return estimate(range, indent); });
 }
 
 double LayoutManager::cellsPerRow() const
@@ -230,12 +231,44 @@ double LayoutManager::cellsPerRow() const
     return std::max(1.0, std::floor(*m_settings.wrapWidth / m_cellWidth));
 }
 
-LongLine::Measure LayoutManager::estimate(TextRange range) const
+double LayoutManager::widestIndent() const
+{
+    return std::floor(cellsPerRow() / 2) * m_cellWidth;
+}
+
+double LayoutManager::indentOfLine(qsizetype lineStart) const
+{
+    if (!wraps() || !m_settings.indentsWrappedRows) {
+        return 0;
+    }
+    const Rope &text = m_storage.text();
+    const double widest = widestIndent();
+    const double tabStop = m_settings.tabWidth * m_cellWidth;
+    double indent = 0;
+    text.forEachChunk(TextRange::between(lineStart, text.length()), [&](const Rope::Chunk &chunk) {
+        for (qsizetype index = 0; index < chunk.length; ++index) {
+            if (chunk.at(index) == u' ') {
+                indent += m_blankWidth;
+            } else if (chunk.at(index) == u'\t') {
+                indent = (std::floor(indent / tabStop + 0.001) + 1) * tabStop;
+            } else {
+                return false;
+            }
+            if (indent >= widest) {
+                return false;
+            }
+        }
+        return true;
+    });
+    return std::min(indent, widest);
+}
+
+LongLine::Measure LayoutManager::estimate(TextRange range, double indent) const
 {
     const CellCount cells = countCells(m_storage.text(), range, m_settings.tabWidth);
     const double width =
         static_cast<double>(cells.narrow) * m_cellWidth + (cells.wide > 0 ? static_cast<double>(cells.wide) * wideWidth() : 0);
-    const double rows = wraps() ? std::max(1.0, std::ceil(width / (cellsPerRow() * m_cellWidth))) : 1;
+    const double rows = wraps() ? std::max(1.0, std::ceil(width / (cellsPerRow() * m_cellWidth - indent))) : 1;
     return {width, static_cast<qint64>(rows), cells.isExact && m_isFixedPitch};
 }
 
@@ -258,7 +291,7 @@ bool LayoutManager::holdsPreedit(TextRange range) const
     return m_preedit.offset < range.end() || range.end() == text.length() || text.at(range.end()) == u'\n' || text.at(range.end()) == u'\r';
 }
 
-std::unique_ptr<SegmentLayout> LayoutManager::makeLayout(TextRange range)
+std::unique_ptr<SegmentLayout> LayoutManager::makeLayout(TextRange range, double firstIndent, double indent)
 {
     ++m_counters.layouts;
     m_counters.units += range.length;
@@ -267,17 +300,22 @@ std::unique_ptr<SegmentLayout> LayoutManager::makeLayout(TextRange range)
                                      .tabStop = m_settings.tabWidth * m_cellWidth,
                                      .wrapWidth = m_settings.wrapWidth,
                                      .rowHeight = m_rowHeight,
-                                     .baseline = m_baseline};
+                                     .baseline = m_baseline,
+                                     .firstIndent = firstIndent,
+                                     .indent = indent};
     return std::make_unique<SegmentLayout>(range, displayText(m_storage.text(), range), m_formats.formats(m_storage, range), style,
                                            insertion);
 }
 
-SegmentLayout &LayoutManager::layout(TextRange range)
+SegmentLayout &LayoutManager::layout(TextRange range, qsizetype lineStart)
 {
+    const bool startsLine = range.location == lineStart;
+    // What begins a line changes with it; of the others each has to be asked.
+    const double later = startsLine ? 0 : indentOfLine(lineStart);
     auto place =
         std::partition_point(m_cache.begin(), m_cache.end(), [&](const auto &other) { return other->range().location < range.location; });
-    if (place == m_cache.end() || (*place)->range() != range) {
-        auto fresh = makeLayout(range);
+    if (place == m_cache.end() || (*place)->range() != range || (!startsLine && (*place)->indent() != later)) {
+        auto fresh = makeLayout(range, later, startsLine ? indentOfLine(lineStart) : later);
         m_widest = std::max(m_widest, fresh->width());
         if (place != m_cache.end() && (*place)->range().location == range.location) {
             *place = std::move(fresh);
@@ -306,7 +344,7 @@ void LayoutManager::trimCache()
 
 SegmentLayout &LayoutManager::layoutShort(qsizetype lineNumber, const Line &line)
 {
-    SegmentLayout &found = layout({line.start, line.length});
+    SegmentLayout &found = layout({line.start, line.length}, line.start);
     if (wraps()) {
         m_rows.setRows(lineNumber, found.rowCount());
     }
@@ -315,7 +353,7 @@ SegmentLayout &LayoutManager::layoutShort(qsizetype lineNumber, const Line &line
 
 SegmentLayout &LayoutManager::layoutSegment(LongLine &line, qsizetype lineNumber, int segment)
 {
-    SegmentLayout &found = layout(line.segment(segment));
+    SegmentLayout &found = layout(line.segment(segment), line.range().location);
     const LongLine::Measure &known = line.measure(segment);
     // What was measured changes with styles and with a preedit text; less than a pixel comes from rounding.
     const bool isStillRight = known.isExact && known.rows == found.rowCount() && std::abs(known.width - found.width()) < 1;
@@ -615,8 +653,11 @@ void LayoutManager::measureGap(RowMap::Stretch gap, qsizetype unitBudget)
     const auto cells = countCellsOfLines(m_storage.text(), start, gap.count, unitBudget, m_settings.tabWidth);
     const auto perRow = static_cast<qsizetype>(cellsPerRow());
     std::vector<quint32> rows(cells.size());
-    std::transform(cells.begin(), cells.end(), rows.begin(),
-                   [perRow](qsizetype count) { return static_cast<quint32>(std::max<qsizetype>(1, (count + perRow - 1) / perRow)); });
+    const auto widest = m_settings.indentsWrappedRows ? static_cast<qsizetype>(widestIndent() / m_cellWidth) : 0;
+    std::transform(cells.begin(), cells.end(), rows.begin(), [perRow, widest](const LineCells &line) {
+        const qsizetype others = perRow - std::min(line.indent, widest);
+        return static_cast<quint32>(line.cells <= perRow ? 1 : 1 + (line.cells - perRow + others - 1) / others);
+    });
     m_rows.setRowsOfLines(gap.firstLine, rows);
 }
 

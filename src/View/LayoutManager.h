@@ -49,6 +49,8 @@ public:
         int tabWidth = 4;
         /// Pixels; none when lines do not wrap.
         std::optional<double> wrapWidth;
+        /// The rows that continue a wrapped line begin below its first letter, unless that is far to the right.
+        bool indentsWrappedRows = false;
         double devicePixelRatio = 1;
     };
 
@@ -147,9 +149,13 @@ private:
     LongLine &longLine(const Line &line);
     void changeLongLines(const TextChange &change);
     void changeRows(const TextChange &change);
-    SegmentLayout &layout(TextRange range);
+    /// Where the rows of a wrapped line begin that continue it, in pixels.
+    [[nodiscard]] double indentOfLine(qsizetype lineStart) const;
+    [[nodiscard]] double widestIndent() const;
+    /// A line that begins at `lineStart`, or a segment of it.
+    SegmentLayout &layout(TextRange range, qsizetype lineStart);
     [[nodiscard]] bool holdsPreedit(TextRange range) const;
-    std::unique_ptr<SegmentLayout> makeLayout(TextRange range);
+    std::unique_ptr<SegmentLayout> makeLayout(TextRange range, double firstIndent, double indent);
     void trimCache();
     void changeCache(const TextEdits &edits);
     /// The layout of one segment of a long line; its real size replaces the estimate.
@@ -162,7 +168,7 @@ private:
     [[nodiscard]] double wideWidth() const;
     RowPosition rowInLine(qsizetype lineNumber, const Line &line, qint64 row);
     [[nodiscard]] double cellsPerRow() const;
-    [[nodiscard]] LongLine::Measure estimate(TextRange range) const;
+    [[nodiscard]] LongLine::Measure estimate(TextRange range, double indent) const;
     [[nodiscard]] qint64 estimateRows(qsizetype firstLine, qsizetype count) const;
     void measureGap(RowMap::Stretch gap, qsizetype unitBudget);
 
@@ -182,6 +188,7 @@ private:
     double m_rowHeight = 0;
     double m_baseline = 0;
     double m_cellWidth = 0;
+    double m_blankWidth = 0;
     mutable double m_wideWidth = 0;
     double m_widest = 0;
     bool m_isFixedPitch = false;

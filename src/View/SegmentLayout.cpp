@@ -70,7 +70,8 @@ QList<QTextLayout::FormatRange> SegmentFormats::formats(const TextStorage &stora
 
 SegmentLayout::SegmentLayout(TextRange range, const QString &text, QList<QTextLayout::FormatRange> formats, const Style &style,
                              const std::optional<Preedit> &preedit)
-    : m_range(range), m_layout(text, style.font), m_rowHeight(style.rowHeight), m_mixesDirections(mayRunRightToLeft(text))
+    : m_range(range), m_layout(text, style.font), m_rowHeight(style.rowHeight), m_indent(style.indent),
+      m_mixesDirections(mayRunRightToLeft(text))
 {
     QTextOption option;
     option.setWrapMode(style.wrapWidth ? QTextOption::WrapAtWordBoundaryOrAnywhere : QTextOption::NoWrap);
@@ -99,10 +100,11 @@ SegmentLayout::SegmentLayout(TextRange range, const QString &text, QList<QTextLa
         if (!line.isValid()) {
             break;
         }
-        line.setLineWidth(style.wrapWidth.value_or(unboundedWidth));
+        const double indent = row == 0 ? style.firstIndent : style.indent;
+        line.setLineWidth(style.wrapWidth ? *style.wrapWidth - indent : unboundedWidth);
         // Every row has the same height and baseline: a fallback font with taller letters must not push the rows below it.
-        line.setPosition({0, row * style.rowHeight + style.baseline - line.ascent()});
-        m_width = std::max(m_width, line.naturalTextWidth());
+        line.setPosition({indent, row * style.rowHeight + style.baseline - line.ascent()});
+        m_width = std::max(m_width, indent + line.naturalTextWidth());
     }
     m_layout.endLayout();
 }
@@ -138,7 +140,7 @@ double SegmentLayout::rowWidth(int row) const
 {
     const QTextLine line = m_layout.lineAt(row);
     // Where the row ends for the caret: the natural width also counts how far the last letter leans out.
-    return m_mixesDirections ? line.naturalTextWidth() : line.cursorToX(line.textStart() + line.textLength());
+    return m_mixesDirections ? line.x() + line.naturalTextWidth() : line.cursorToX(line.textStart() + line.textLength());
 }
 
 double SegmentLayout::xOf(int row, qsizetype offset) const

@@ -31,6 +31,9 @@ public:
         std::optional<double> wrapWidth;
         double rowHeight = 0;
         double baseline = 0;
+        /// Where the first row begins, and where those that continue it do.
+        double firstIndent = 0;
+        double indent = 0;
     };
     /// Text that an input method composes; shown in the view but not part of the storage.
     struct Preedit {
@@ -51,6 +54,7 @@ public:
     [[nodiscard]] int rowAt(qsizetype offset) const;
     [[nodiscard]] double width() const { return m_width; }
     [[nodiscard]] double rowWidth(int row) const;
+    [[nodiscard]] double indent() const { return m_indent; }
     [[nodiscard]] bool mixesDirections() const { return m_mixesDirections; }
 
     [[nodiscard]] double xOf(int row, qsizetype offset) const;
@@ -74,6 +78,7 @@ private:
     TextRange m_range;
     QTextLayout m_layout;
     double m_rowHeight = 0;
+    double m_indent = 0;
     double m_width = 0;
     qsizetype m_preeditAt = -1;
     qsizetype m_preeditLength = 0;

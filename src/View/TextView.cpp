@@ -91,19 +91,27 @@ LayoutManager::Settings TextView::settingsForViewport() const
     LayoutManager::Settings settings = m_layout.settings();
     settings.devicePixelRatio = devicePixelRatioF();
     settings.wrapWidth.reset();
-    if (m_wrapMode == WrapMode::viewWidth) {
+    settings.indentsWrappedRows = m_wrapMode == WrapMode::indented;
+    if (m_wrapMode != WrapMode::none) {
         const double width = viewport()->width() - 2 * m_port.insets().horizontal;
         settings.wrapWidth = std::max(width, 4 * m_layout.cellWidth());
     }
     return settings;
 }
 
-void TextView::applySettings(LayoutManager::Settings settings)
+void TextView::applySettings(LayoutManager::Settings settings, Kept kept)
 {
+    const auto caretTop = kept == Kept::caretIfSeen && m_caret.wasSeen ? m_port.topOf(m_caret.row()) : std::nullopt;
     m_layout.setSettings(std::move(settings));
     m_port.setSize(viewport()->size());
     m_layout.setCacheCapacity(static_cast<size_t>(std::max<qint64>(64, 3 * m_port.rowsPerPage())));
     m_port.settle();
+    if (caretTop) {
+        const RowPosition row = m_caret.row();
+        m_port.reveal(row);
+        m_port.scrollBy(m_port.topOf(row).value_or(0) - *caretTop);
+        m_port.reveal(row);
+    }
     viewMoved();
     viewport()->update();
 }
@@ -112,7 +120,7 @@ void TextView::setTextFont(const QFont &font)
 {
     LayoutManager::Settings settings = settingsForViewport();
     settings.font = font;
-    applySettings(std::move(settings));
+    applySettings(std::move(settings), Kept::caretIfSeen);
 }
 
 void TextView::setTabWidth(int cells)
@@ -496,6 +504,7 @@ void TextView::changeEvent(QEvent *event)
 
 void TextView::paintEvent(QPaintEvent *event)
 {
+    m_caret.wasSeen = !m_caret.box().isEmpty();
     QPainter painter(viewport());
     m_painter.paint(painter, event->rect(), m_storage.text(),
                     {.selected = selection().range(),
@@ -520,7 +529,7 @@ bool TextView::viewportEvent(QEvent *event)
 void TextView::resizeEvent(QResizeEvent *event)
 {
     QAbstractScrollArea::resizeEvent(event);
-    const bool isWidthNew = m_wrapMode == WrapMode::viewWidth && settingsForViewport().wrapWidth != m_layout.settings().wrapWidth;
+    const bool isWidthNew = m_wrapMode != WrapMode::none && settingsForViewport().wrapWidth != m_layout.settings().wrapWidth;
     if (isWidthNew) {
         applySettings(settingsForViewport());
         return;

@@ -28,7 +28,8 @@ class TextView : public QAbstractScrollArea, public Responder {
     Q_OBJECT
 
 public:
-    enum class WrapMode { none, viewWidth };
+    /// Rows that continue a wrapped line begin at the left edge, or below the line's first letter.
+    enum class WrapMode { none, viewWidth, indented };
     using CaretShape = TextLooks::CaretShape;
     using Visibility = TextLooks::Visibility;
     using Colors = TextLooks::Colors;
@@ -73,6 +74,8 @@ public:
     void setSelection(TextSelection selection, Reveal reveal = Reveal::no);
     [[nodiscard]] QString selectedText() const;
     void revealCaret(Reveal reveal = Reveal::nearest);
+    /// As the view was painted last.
+    [[nodiscard]] bool wasCaretSeen() const { return m_caret.wasSeen; }
     /// Scrolls until `offset` is seen; the caret stays where it is.
     void revealOffset(qsizetype offset);
     /// Pixels from the top of the content to the top of what is seen; estimated where rows were not laid out yet.
@@ -156,7 +159,9 @@ private:
     friend class TextViewPointer;
 
     [[nodiscard]] bool canPaste() const;
-    void applySettings(LayoutManager::Settings settings);
+    /// What is at the same height before and after.
+    enum class Kept { topRow, caretIfSeen };
+    void applySettings(LayoutManager::Settings settings, Kept kept = Kept::topRow);
     [[nodiscard]] LayoutManager::Settings settingsForViewport() const;
     void replay(std::optional<TextSelection> (UndoManager::*step)());
     void storageChanged(const TextChange &change);

@@ -35,6 +35,8 @@ public:
     qsizetype anchor = 0;
     /// Where it is shown instead of at its place.
     std::optional<qsizetype> shown;
+    /// When the view was painted last.
+    bool wasSeen = false;
     BlinkingCaret blinking;
 
 private:

@@ -83,6 +83,9 @@ TEST_F(EditorTest, FollowsThePreferences)
     preferences.set(Settings::wrapLines, false);
     EXPECT_EQ(view.horizontalScrollBarPolicy(), Qt::ScrollBarAsNeeded);
     preferences.set(Settings::wrapLines, true);
+    EXPECT_EQ(view.wrapMode(), TextView::WrapMode::indented);
+    preferences.set(Settings::indentWrappedRows, false);
+    EXPECT_EQ(view.wrapMode(), TextView::WrapMode::viewWidth);
     EXPECT_EQ(view.horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
     const int width = view.viewport()->width();
     preferences.set(Settings::showLineNumbers, false);
@@ -190,6 +193,11 @@ TEST_F(EditorTest, FollowsALogFromItsEndOnly)
     };
     EXPECT_EQ(caretAfter(8, "one\ntwo\nthree\n"), 14);
     EXPECT_EQ(caretAfter(3, "one\ntwo\nthree\nfour\n"), 3) << "who reads further up is not disturbed";
+    // What comes between does not push the caret out of the view.
+    const QByteArray above = "one\n" + QByteArray("line\n").repeated(200);
+    (void)view.grab();
+    EXPECT_EQ(caretAfter(6, above + "two\nthree\nfour\n"), above.size() + 2);
+    EXPECT_FALSE(view.caretRectangle().isEmpty());
 }
 
 TEST_F(EditorTest, TheRulerIsAsWideAsItsLargestNumber)

@@ -94,6 +94,34 @@ TEST(Following, ANewWidthKeepsTheTopOfTheView)
     }
 }
 
+TEST(Following, ALargerFontKeepsTheCaretsRowWhereItIs)
+{
+    ViewFixture fixture((QString(u"lorem ipsum dolor sit amet "_s).repeated(5) + u"\n"_s).repeated(400), {400, 300});
+    TextView &view = fixture.view;
+    view.setWrapMode(TextView::WrapMode::viewWidth);
+    QFont large = testFont();
+    large.setPixelSize(31);
+    for (const double share : {0.1, 0.5, 0.9}) {
+        view.setSelection(TextSelection::at(20'000), TextView::Reveal::center);
+        const auto top = [&view] { return view.textViewport().topOf(view.layoutManager().rowOf(20'000)).value_or(-1000); };
+        view.textViewport().scrollBy(top() - share * view.viewport()->height());
+        (void)fixture.image();
+        const double before = top();
+        view.setTextFont(large);
+        const double lowest = view.viewport()->height() - view.layoutManager().rowHeight();
+        EXPECT_NEAR(top(), std::min(before, lowest), 1);
+        (void)fixture.image();
+        view.setTextFont(testFont());
+        EXPECT_NEAR(top(), std::min(before, lowest), 1);
+    }
+    // One that was not seen is not looked for.
+    view.textViewport().scrollBy(3000);
+    (void)fixture.image();
+    const qsizetype anchor = view.textViewport().anchor();
+    view.setTextFont(large);
+    EXPECT_EQ(view.textViewport().anchor(), anchor);
+}
+
 TEST(Following, TheHorizontalRangeCoversWhatWasPainted)
 {
     ViewFixture fixture(QString(u"a line of fifty letters, more or less, as it may be\n"_s).repeated(100) + QString(40, u'水') + u"\n"_s,

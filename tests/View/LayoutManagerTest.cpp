@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -139,9 +141,13 @@ TEST(LayoutManager, EditedLayoutsEqualFreshOnes)
         storage.apply({{0, 0}, randomText(random, 300)});
         LayoutManager narrow(storage, settings(160));
         LayoutManager unwrapped(storage, settings());
+        LayoutManager::Settings below = settings(160);
+        below.indentsWrappedRows = true;
+        LayoutManager indented(storage, below);
         QObject::connect(&storage, &TextStorage::changed, &storage, [&](const TextChange &change) {
             narrow.textChanged(change);
             unwrapped.textChanged(change);
+            indented.textChanged(change);
         });
         for (int step = 0; step < 60; ++step) {
             TextEdits edits;
@@ -155,7 +161,7 @@ TEST(LayoutManager, EditedLayoutsEqualFreshOnes)
                 edits.add(TextRange::between(from, end), Rope(randomText(random, random.below(8))));
             }
             storage.apply(edits);
-            for (LayoutManager *layout : {&narrow, &unwrapped}) {
+            for (LayoutManager *layout : {&narrow, &unwrapped, &indented}) {
                 layout->checkInvariants();
                 LayoutManager fresh(storage, layout->settings());
                 std::optional<RowPosition> row = layout->rowOf(0);
@@ -169,6 +175,45 @@ TEST(LayoutManager, EditedLayoutsEqualFreshOnes)
             }
         }
     }
+}
+
+TEST(LayoutManager, RowsOfAWrappedLineBeginBelowItsFirstLetter)
+{
+    const QString words = u"word "_s.repeated(40);
+    const auto leftEdges = [](LayoutManager &layout, qsizetype line, const TextStorage &storage) {
+        std::set<double> edges;
+        RowPosition row = layout.rowOf(storage.text().lineStart(line));
+        while (const auto next = layout.next(row)) {
+            if (next->line != line) {
+                break;
+            }
+            row = *next;
+            edges.insert(std::round(layout.xOf(row, layout.rangeOf(row).location) / layout.cellWidth() * 10) / 10);
+            EXPECT_LE(layout.widthOf(row), *layout.settings().wrapWidth + 2 * layout.cellWidth());
+            EXPECT_EQ(layout.offsetAt(row, 0), layout.rangeOf(row).location) << "a click beside it";
+        }
+        return edges;
+    };
+    TextStorage storage;
+    storage.apply(
+        {{0, 0}, words + u"\n   "_s + words + u"\n\t  "_s + words + u"\n"_s + QString(100, u' ') + words + u"\n  "_s + words.repeated(50)});
+    LayoutManager::Settings indented = settings(50 * LayoutManager(storage, settings()).cellWidth() + 1);
+    indented.indentsWrappedRows = true;
+    LayoutManager layout(storage, indented);
+    LayoutManager unread(storage, indented);
+    using Edges = std::set<double>;
+    EXPECT_EQ(leftEdges(layout, 0, storage), Edges{0});
+    EXPECT_EQ(leftEdges(layout, 1, storage), Edges{3});
+    EXPECT_EQ(leftEdges(layout, 2, storage), Edges{6});
+    EXPECT_EQ(leftEdges(layout, 3, storage), Edges{25}) << "half of the width is left for the text";
+    EXPECT_EQ(leftEdges(layout, 4, storage), Edges{2});
+    while (unread.refine(0, 100'000)) {
+    }
+    EXPECT_NEAR(double(unread.rowCount()), double(layout.rowCount()), 0.15 * double(layout.rowCount())) << "estimated alike";
+    // Another indentation moves all of a long line's rows, also those far from the change.
+    QObject::connect(&storage, &TextStorage::changed, &storage, [&](const TextChange &change) { layout.textChanged(change); });
+    storage.apply({{storage.text().lineStart(4), 0}, u"  "});
+    EXPECT_EQ(leftEdges(layout, 4, storage), Edges{4});
 }
 
 TEST(LayoutManager, SpansFollowTheDirectionOfTheText)

@@ -104,20 +104,20 @@ TEST(DisplayText, ReplacesWhatALayoutWouldActUponAndKeepsTheLength)
 TEST(DisplayText, CountsCellsLineByLine)
 {
     const Rope text(u"abc\n\tx\r\n\rlonger than eight cells\né水e\u0301\U0001F600\n"_s);
-    const std::vector<qsizetype> all{3, 5, 0, 23, 6, 0};
+    const std::vector<LineCells> all{{3}, {5, 4}, {0}, {23}, {6}, {0}};
     EXPECT_EQ(countCellsOfLines(text, 0, 100, 1'000'000, 4), all);
-    EXPECT_EQ(countCellsOfLines(text, text.lineStart(2), 2, 1'000'000, 4), (std::vector<qsizetype>{0, 23}));
-    EXPECT_EQ(countCellsOfLines(text, 0, 100, 5, 4), (std::vector<qsizetype>{3, 5})) << "the line in which the budget ends is whole";
-    EXPECT_EQ(countCellsOfLines(text, text.length(), 1, 10, 4), std::vector<qsizetype>{0});
+    EXPECT_EQ(countCellsOfLines(text, text.lineStart(2), 2, 1'000'000, 4), (std::vector<LineCells>{{0}, {23}}));
+    EXPECT_EQ(countCellsOfLines(text, 0, 100, 5, 4), (std::vector<LineCells>{{3}, {5, 4}})) << "the line in which the budget ends is whole";
+    EXPECT_EQ(countCellsOfLines(text, text.length(), 1, 10, 4), std::vector<LineCells>{{0}});
     EXPECT_TRUE(countCells(text, {0, 6}, 4).isExact);
     EXPECT_FALSE(countCells(text, {text.lineStart(4), 5}, 4).isExact) << "how wide those are depends on the font";
     // Breaks at every place around the edges of the tree's leaves.
     for (const QString &lineBreak : {u"\n"_s, u"\r\n"_s, u"\r"_s}) {
         QString lines;
-        std::vector<qsizetype> expected{0};
+        std::vector<LineCells> expected{{0}};
         for (qsizetype length = 4000; length < 4110; ++length) {
-            lines += QString(length, u'x') + lineBreak;
-            expected.insert(expected.end() - 1, length);
+            lines += QString(length, u' ') + u'x' + lineBreak;
+            expected.insert(expected.end() - 1, {length + 1, length});
         }
         EXPECT_EQ(countCellsOfLines(Rope(lines), 0, 1000, lines.length() + 1, 4), expected);
     }
