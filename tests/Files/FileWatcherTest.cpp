@@ -507,7 +507,8 @@ TEST(FileWatcherThread, ReportsWhileAShareIsDead)
     // As long as the process: a thread hangs in it when the queue is gone.
     static std::binary_semaphore isBack(0);
     static std::binary_semaphore isHanging(0);
-    static LimitedCalls calls;
+    // Nor destroyed at the end: such a thread may be in it then.
+    static auto &calls = *new LimitedCalls();
     const TestFolder folder;
     const QString path = folder.put(u"file.txt"_s, "one");
     calls.afterStat = [](const char *name) {

@@ -7,13 +7,10 @@ import argparse
 import collections
 import random
 import sys
-import time
 
 from desktop import until
 from driven_program import Driven, Home
 
-# In seconds: what was typed before is safe.
-JOURNAL_TIME = 0.1
 SETTINGS = "session.autosaveInterval=0.5\n"
 # No blanks: the editor would begin the next line with those of the line before.
 LETTERS = "abcdefghijklmnopqrstuvwxyz0123456789_-.äß€"
@@ -205,7 +202,7 @@ class Rounds:
         if self.random.random() < 0.7:
             self.guest.ask(self.typing(self.guest_state()))
         state = self.guest_state()
-        self.wait_for_journal()
+        self.guest.rest()
         self.left |= {identity: (text["path"], self.version(identity, text["text"])) for identity, text in state.texts.items()
                       if text["isUnsaved"]}
         if self.random.random() < 0.3:
@@ -308,15 +305,10 @@ class Rounds:
         self.look_on(20)
         self.kill()
 
-    def wait_for_journal(self):
-        typed = time.monotonic()
-        while time.monotonic() < typed + JOURNAL_TIME:
-            self.home.trace()
-
     def type_for_certain(self):
         self.driven.ask(self.typing())
         state = self.state()
-        self.wait_for_journal()
+        self.driven.rest()
         # Texts; a tab of a file waits for the tick.
         certain = {identity: self.version(identity, text["text"]) for identity, text in state.texts.items()
                    if text["isUnsaved"] and text["text"]}

@@ -50,6 +50,17 @@ def activity(processes):
     return counts
 
 
+def at_rest(processes):
+    """A condition for until(): all of `processes()` sleep, and nothing of them ran since it was asked for the last time."""
+    before = None
+
+    def has_rested():
+        nonlocal before
+        before, last = activity(processes()), before
+        return before is not None and before == last
+    return has_rested
+
+
 class Desktop:
     """A context; everything that it started ends with it."""
 
@@ -144,14 +155,7 @@ class Desktop:
     def rest(self):
         """Waits until everything that was started sleeps and nothing ran meanwhile: what was sent before has had its effect, but for what
         waits for a clock."""
-        before = None
-
-        def has_rested():
-            nonlocal before
-            before, last = activity(process.pid for process in self.processes), before
-            return before is not None and before == last
-
-        self.until("everything to be at rest", has_rested)
+        self.until("everything to be at rest", at_rest(lambda: [process.pid for process in self.processes]))
 
     def ask(self, *command):
         """What xdotool answers, empty when it fails."""

@@ -11,7 +11,7 @@ import subprocess
 import tempfile
 import time
 
-from desktop import TIMEOUT, make_world
+from desktop import TIMEOUT, at_rest, make_world, until
 
 
 class Home:
@@ -74,6 +74,10 @@ class Driven:
             self.unread += bytes_read
         line, self.unread = self.unread.split(b"\n", 1)
         return json.loads(line)
+
+    def rest(self):
+        """Waits until all that it was asked for has come to its end, on all threads, but for what waits for a clock."""
+        until("the program to be at rest", at_rest(lambda: [self.process.pid]))
 
     def freeze(self):
         """Not another instruction; then the disk is at rest."""
