@@ -50,7 +50,7 @@ struct FileKind {
         calls.portion = 100'000;
         calls.flushes = false;
         if (inPlace == AtomicFile::InPlace::owner) {
-            calls.owner = ::geteuid() + 1;
+            calls.seemingOwner = ::geteuid() + 1;
         }
         calls.before = [this, isOver = false](const char *call) mutable {
             return !isOver && refused == call ? (isOver = isOnce, error) : 0;

@@ -32,7 +32,7 @@ public:
     /// What is flushed reaches the disk.
     bool flushes = true;
     /// Whom files seem to belong to that are asked for by their names.
-    std::optional<uid_t> owner;
+    std::optional<uid_t> seemingOwner;
 
     int open(const char *path, int flags, mode_t mode) override { return step("open", &FileCalls::open, path, flags, mode); }
     ssize_t read(int file, void *bytes, size_t count) override
@@ -55,8 +55,8 @@ public:
     int stat(const char *path, struct stat *status) override
     {
         const int result = step("stat", &FileCalls::stat, path, status);
-        if (owner) {
-            status->st_uid = *owner;
+        if (seemingOwner) {
+            status->st_uid = *seemingOwner;
         }
         return result;
     }
