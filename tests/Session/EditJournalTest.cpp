@@ -237,6 +237,7 @@ TEST_F(EditJournalTest, EditsGoAfterTheDraftThatTheyBuildOn)
     file.storage().apply({{0, 1}, u""_s});
     settle(500ms);
     ASSERT_FALSE(file.hasUnsavedText());
+    expectWritten(*store);
     // The session is being written, and the draft that it does not name is there as long as it takes.
     std::counting_semaphore<1000> mayGoOn(0);
     calls.before = [&](const char *call) {
