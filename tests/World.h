@@ -13,7 +13,7 @@
 #include <unistd.h>
 
 /// The environment of a user who has nothing, made before anything looks at it: folders that go with the program, fonts and types of files
-/// that are always the same, no bus, no display, no language, no other programs' settings.
+/// that are always the same, no bus, no display, no printers, no language, no other programs' settings.
 class World final {
 public:
     World()
@@ -34,6 +34,7 @@ public:
         ::umask(S_IWGRP | S_IWOTH);
         qputenv("XDG_DATA_DIRS", QUILLET_TEST_DATA);
         qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + m_home.filePath(QStringLiteral("no-bus")).toUtf8());
+        qputenv("CUPS_SERVER", m_home.filePath(QStringLiteral("no-printers")).toUtf8());
         qputenv("FONTCONFIG_FILE", QUILLET_TEST_DATA "/fonts.conf");
         qputenv("LC_ALL", "C.UTF-8");
         qputenv("TZ", "UTC");

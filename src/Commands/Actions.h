@@ -50,6 +50,10 @@ inline constexpr Action openInTerminal{.id = "openInTerminal:",
                                        .keys = "Ctrl+Alt+T",
                                        .symbol = "terminal",
                                        .help = u"Opens a terminal in the folder of the file"};
+inline constexpr Action printDocument{"printDocument:", u"Print…", "Ctrl+P"};
+inline constexpr Action printPreview{"printPreview:", u"Print Preview", "Ctrl+Shift+P"};
+inline constexpr Action exportAsPdf{"exportAsPDF:", u"Export as PDF…"};
+inline constexpr Action exportAsHtml{"exportAsHTML:", u"Export as HTML…"};
 
 // Edit
 
@@ -179,6 +183,11 @@ inline constexpr auto file = std::to_array<MenuRow>({
     revealInFinder,
     copyFilePath,
     openInTerminal,
+    line,
+    printDocument,
+    printPreview,
+    exportAsPdf,
+    exportAsHtml,
 });
 
 inline constexpr auto findRows =

@@ -25,6 +25,9 @@ constexpr double leastRowShare = 0.5;
 /// No row has more units, whatever their width.
 constexpr qsizetype longestRow = 4096;
 
+/// Narrow and wide ones: fonts in which these are alike have cells.
+constexpr auto sampleLetters = std::to_array({u'M', u'i', u'l', u'.', u'0', u'@', u' '});
+
 QFont sized(QFont font, double points)
 {
     font.setPixelSize(std::max(1, int(std::lround(points * PageLayout::dotsPerInch / pointsPerInch))));
@@ -36,8 +39,8 @@ bool areEquallyWide(const QFont &font, const QFont &other)
 {
     const QFontMetricsF metrics(font);
     const QFontMetricsF others(other);
-    return std::ranges::all_of(u"Mil. 0", [&](char16_t unit) {
-        return unit == 0 || std::abs(metrics.horizontalAdvance(QChar(unit)) - others.horizontalAdvance(QChar(unit))) < 0.5;
+    return std::ranges::all_of(sampleLetters, [&](char16_t letter) {
+        return std::abs(metrics.horizontalAdvance(QChar(letter)) - others.horizontalAdvance(QChar(letter))) < 0.5;
     });
 }
 
@@ -57,7 +60,7 @@ PageLayout::PageLayout(const PrintedText &text, const PrintStyle &style, QSizeF 
     m_cellWidth = metrics.horizontalAdvance(u' ');
     m_tabStop = m_text.tabWidth * m_cellWidth;
     m_isFixedPitch = std::ranges::all_of(
-        u"Mil.0@", [&](char16_t unit) { return unit == 0 || std::abs(metrics.horizontalAdvance(QChar(unit)) - m_cellWidth) < 0.01; });
+        sampleLetters, [&](char16_t letter) { return std::abs(metrics.horizontalAdvance(QChar(letter)) - m_cellWidth) < 0.01; });
     QFont bold = m_font;
     bold.setBold(true);
     QFont italic = m_font;

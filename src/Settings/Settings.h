@@ -159,6 +159,27 @@ inline constexpr auto toolbarRows = std::to_array<SettingRow>({
      .note = u"Checked actions appear in the toolbar, in this order, aligned to the right."},
 });
 
+// Paper
+
+/// A name of QPageSize::key(); empty for the usual paper of the country.
+inline constexpr Setting<QString> printPaper("print.paper"_L1, ""_L1, {.title = u"Paper:"});
+inline constexpr Setting<bool> printLandscape("print.landscape"_L1, false, {.title = u"Landscape"});
+/// Points.
+inline constexpr Setting<double> printFontSize("print.fontSize"_L1, 10.0, {.title = u"Text size:", .minimum = 4, .maximum = 72});
+inline constexpr Setting<bool> printLineNumbers("print.lineNumbers"_L1, false, {.title = u"Line numbers"});
+inline constexpr Setting<bool> printHeader("print.header"_L1, true, {.title = u"Page headers"});
+inline constexpr Setting<bool> printColors("print.colors"_L1, true, {.title = u"Syntax colors"});
+
+/// Asked for when something is printed or exported.
+inline constexpr auto paperRows = std::to_array<SettingRow>({
+    {.setting = printPaper, .control = "paperPopUp"_L1},
+    {.setting = printLandscape},
+    {.setting = printFontSize, .control = "printFontSize"_L1, .unit = u"points"},
+    {.setting = printLineNumbers, .place = startsGroup, .control = "printLineNumbers"_L1},
+    {.setting = printHeader, .control = "printHeader"_L1},
+    {.setting = printColors, .control = "printColors"_L1},
+});
+
 /// A desktop-entry id; empty for the first terminal that is found.
 inline constexpr Setting<QString> terminalIdentifier("terminal.bundleIdentifier"_L1, ""_L1);
 
@@ -168,8 +189,9 @@ inline constexpr auto pages = std::to_array<SettingsPageTable>({
     {u"Saving", savingRows},
     {u"Toolbar", toolbarRows},
 });
-/// Those that another row shows too, and those of which only the settings file knows.
-inline constexpr auto withoutRow = std::to_array<const AnySetting *>({&fontSize, &terminalIdentifier});
+/// Those that another row shows too, those of which only the settings file knows, and those of paper.
+inline constexpr auto withoutRow = std::to_array<const AnySetting *>(
+    {&fontSize, &terminalIdentifier, &printPaper, &printLandscape, &printFontSize, &printLineNumbers, &printHeader, &printColors});
 
 /// Every setting there is.
 [[nodiscard]] std::span<const AnySetting *const> all();

@@ -31,6 +31,11 @@ public:
     /// The same for a window that shows all these. There is one at least.
     void confirmClosing(const PaneLayout::Documents &documents, const std::function<void(Closing closing)> &completion);
 
+    /// Where a panel for a file beside the document's begins.
+    [[nodiscard]] QString folderBeside(const TextDocument &document) const;
+    /// The next panel begins where that file is.
+    void rememberPanelFolder(const QString &path);
+
     // Of the current document
     void chooseLanguage(const Language &language);
     void chooseEncoding(TextEncoding encoding);
@@ -96,9 +101,7 @@ private:
     void present(const Alert &alert, std::function<void(int button)> completion);
     void beep();
     [[nodiscard]] QString panelFolder() const;
-    [[nodiscard]] QString folderBeside(const TextDocument &document) const;
     [[nodiscard]] bool isFolderThere(const QString &folder) const;
-    void rememberPanelFolder(const QString &path);
 
     WorkspaceServices m_services;
     const PaneLayout &m_layout;

@@ -46,7 +46,7 @@ std::optional<StatusBarView::VimState> vimStateOf(EditorViewController &editor)
 
 WorkspaceViewController::WorkspaceViewController(const WorkspaceServices &services, PaneLayouts &layouts, QWidget *parent)
     : FileDropView(parent), m_services(services), m_layouts(&layouts), m_documentActions(services, m_layout, *this),
-      m_splitView(new PaneSplitter(this)), m_statusBar(new StatusBarView(services.scheduler, services.notifications, this))
+      m_printActions(services, m_documentActions, [this] { return currentEditor(); }, *this), m_splitView(new PaneSplitter(this)), m_statusBar(new StatusBarView(services.scheduler, services.notifications, this))
 {
     resize(startSize);
     setAcceptDrops(true);
@@ -81,10 +81,12 @@ void WorkspaceViewController::connectParts()
     connect(&m_services.documents, &DocumentStore::removed, this, &WorkspaceViewController::takeTabs);
     // Commands that are about the current document go on from here to where they are carried out.
     setNextResponder(&m_documentActions);
-    m_documentActions.setNextResponder(nearestResponder(parent()));
+    m_documentActions.setNextResponder(&m_printActions);
+    m_printActions.setNextResponder(nearestResponder(parent()));
     connect(&m_documentActions, &DocumentActions::filesChosen, this, [this](const QStringList &paths) { open(paths); });
     connect(&m_documentActions, &DocumentActions::documentMade, this, &WorkspaceViewController::showDocument);
     connect(&m_documentActions, &DocumentActions::messageShown, m_statusBar, &StatusBarView::flash);
+    connect(&m_printActions, &PrintActions::messageShown, m_statusBar, &StatusBarView::flash);
     connect(m_statusBar, &StatusBarView::languageChosen, &m_documentActions, &DocumentActions::chooseLanguage);
     connect(m_statusBar, &StatusBarView::encodingChosen, &m_documentActions, &DocumentActions::chooseEncoding);
     connect(m_statusBar, &StatusBarView::lineEndingChosen, &m_documentActions, &DocumentActions::chooseLineEnding);

@@ -7,6 +7,7 @@
 #include "UI/DocumentActions.h"
 #include "UI/PaneViewController.h"
 #include "UI/PendingWrites.h"
+#include "UI/PrintActions.h"
 #include "UI/StatusBarView.h"
 #include "Widgets/FileDropView.h"
 
@@ -160,6 +161,7 @@ private:
     /// Null once it is retired; it may outlive them then.
     PaneLayouts *m_layouts;
     DocumentActions m_documentActions;
+    PrintActions m_printActions;
     PaneSplitter *m_splitView;
     StatusBarView *m_statusBar;
     PaneLayout m_layout;

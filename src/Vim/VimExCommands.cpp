@@ -25,6 +25,7 @@ constexpr auto commands = std::to_array<VimExCommand>({
     {{u"e", u"edit", u"e!"}, &Actions::editFile, {commandLine, u"reload, or open a file", {u":e", u":e {file}"sv}}},
     {{}, VimExCommand::Line{}, {commandLine, u"go to a line", {u":{number}"}}},
     {{}, VimExCommand::Substitute{}, {commandLine, u"substitute; flags g and i", {u":s/old/new/"sv, u":%s/old/new/g"sv}}},
+    {{u"hardcopy", u"ha"}, &Actions::printDocument},
     {{u"vs", u"vsplit"}, &Actions::splitEditorRight, {commandLine, u"split right, split down, close the others"}},
     {{u"sp", u"split"}, &Actions::splitEditorDown, besideAbove},
     {{u"only", u"on"}, &Actions::closeOtherSplits, besideAbove},

@@ -8,6 +8,7 @@
 #include "fuzz/Require.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QInputMethodEvent>
 #include <QMimeData>
 #include <QThread>
@@ -276,6 +277,10 @@ void Monkey::sendCommand()
     }
     note(u"command "_s + action.name());
     window->firstResponder().perform(action);
+    // What it asks about paper would be all that is left to use.
+    for (QDialog *dialog : window->findChildren<QDialog *>()) {
+        dialog->reject();
+    }
 }
 
 void Monkey::composeText()
