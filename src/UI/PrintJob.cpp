@@ -50,6 +50,8 @@ void PrintJob::showProgress(const QString &title, QWidget &window)
     m_dialog->setAutoClose(false);
     m_dialog->setAutoReset(false);
     m_dialog->setMinimumWidth(leastWidth);
+    // What is being typed goes on into the text.
+    m_dialog->setAttribute(Qt::WA_ShowWithoutActivating);
     connect(m_dialog.get(), &QProgressDialog::canceled, this, &PrintJob::cancel);
     m_dialog->setValue(m_progress->done());
     m_dialog->show();

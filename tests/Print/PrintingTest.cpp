@@ -9,6 +9,7 @@
 #include "Text/RandomText.h"
 
 #include <QPainter>
+#include <QPrinter>
 #include <QProcess>
 
 #include <gtest/gtest.h>
@@ -91,6 +92,19 @@ TEST_F(PrintingTest, PagesHaveHeadersNumbersAndTheOrderWanted)
         EXPECT_TRUE(lines[0].endsWith(u"Page %1 of 4"_s.arg(page))) << lines[0].toStdString();
         EXPECT_EQ(lines[1].simplified(), u"%1 x"_s.arg((lines.size() - 1) * (page - 1) + 1));
     }
+}
+
+TEST_F(PrintingTest, APrinterGetsThePagesChosenForIt)
+{
+    QPrinter printer;
+    printer.setOutputFileName(path(u"text.pdf"_s));
+    printer.setFromTo(2, 2);
+    const PrintedText text = printed(u"x\n"_s.repeated(100) + u"end"_s);
+    ASSERT_TRUE(printText(text, {}, printer, stopping.get_token(), progress));
+    EXPECT_EQ(textOfPdf().count(u'\f'), 1);
+    EXPECT_TRUE(textOfPdf().simplified().endsWith(u"x x end"_s)) << textOfPdf().toStdString();
+    stopping.request_stop();
+    EXPECT_FALSE(printText(text, {}, printer, stopping.get_token(), progress));
 }
 
 TEST_F(PrintingTest, PageOrders)
