@@ -5,7 +5,10 @@
 #include "Base/Translation.h"
 #include "View/DisplayText.h"
 
+#include <QGlyphRun>
+#include <QPaintEngine>
 #include <QPainter>
+#include <QRawFont>
 
 using namespace Qt::StringLiterals;
 
@@ -17,6 +20,34 @@ constexpr double unboundedWidth = 2'000'000;
 constexpr double ruleWidth = PageLayout::dotsPerInch / 144.0;
 /// Of a row's height, between a header and that line.
 constexpr double ruleGap = 0.25;
+
+/// Dots of a page for one of a picture: 300 to the inch.
+constexpr double pictureScale = PageLayout::dotsPerInch / 300.0;
+
+/// Emoji are mostly pictures, of which a PDF file cannot embed the font: what it draws of them is nothing.
+void paintPictures(QPainter &painter, const QString &text, const QTextLine &line, QPointF place)
+{
+    constexpr char16_t leastOfEmoji = 0x2000; // or a mark behind it is
+    const bool mayHavePictures = std::ranges::any_of(text, [](QChar unit) { return unit >= QChar(leastOfEmoji); });
+    if (!mayHavePictures || painter.paintEngine()->type() != QPaintEngine::Pdf) {
+        return;
+    }
+    for (const QGlyphRun &run : line.glyphRuns()) {
+        // The index of a font's pictures.
+        if (run.rawFont().fontTable("CBLC").isEmpty()) {
+            continue;
+        }
+        const QRectF box = run.boundingRect();
+        QImage picture((box.size() / pictureScale).toSize().expandedTo({1, 1}), QImage::Format_ARGB32_Premultiplied);
+        picture.fill(Qt::transparent);
+        QPainter drawing(&picture);
+        drawing.setRenderHint(QPainter::SmoothPixmapTransform);
+        drawing.scale(1 / pictureScale, 1 / pictureScale);
+        drawing.drawGlyphRun(-box.topLeft(), run);
+        drawing.end();
+        painter.drawImage(box.translated(place), picture);
+    }
+}
 
 /// On white paper, with nothing that would make letters wider.
 Theme paperTheme(const PageLayout &layout)
@@ -81,7 +112,8 @@ void PagePainter::paintRow(QPainter &painter, const PageLayout::Row &row, double
     if (row.range.isEmpty()) {
         return;
     }
-    QTextLayout layout(displayText(m_layout.text().text, row.range), m_layout.font());
+    const QString shown = displayText(m_layout.text().text, row.range);
+    QTextLayout layout(shown, m_layout.font());
     QTextOption option;
     option.setWrapMode(QTextOption::NoWrap);
     option.setTabStopDistance(m_layout.tabStop());
@@ -96,5 +128,7 @@ void PagePainter::paintRow(QPainter &painter, const PageLayout::Row &row, double
     layout.endLayout();
     painter.setPen(m_colors ? QColor::fromRgb(m_colors->theme().foreground) : QColor(Qt::black));
     // A fallback font with taller letters stands on the same line.
-    line.draw(&painter, QPointF(m_layout.body().left() + row.indent, baseline - line.ascent()));
+    const QPointF place(m_layout.body().left() + row.indent, baseline - line.ascent());
+    line.draw(&painter, place);
+    paintPictures(painter, shown, line, place);
 }
