@@ -11,6 +11,7 @@
 #include "Editor/SpellingController.h"
 #include "Editor/SpellingPanel.h"
 #include "Editor/SubstitutionRunner.h"
+#include "Editor/TextCounter.h"
 #include "Editor/ThemePalette.h"
 #include "Find/FindBar.h"
 #include "Find/TextFinder.h"
@@ -43,7 +44,8 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
       m_finder(new TextFinder(
           *m_textView, {services.scheduler, services.workers, services.find, [&presenter = services.presenter] { presenter.beep(); }},
           this)),
-      m_findBar(new FindBar(*m_finder, services.scheduler, this))
+      m_findBar(new FindBar(*m_finder, services.scheduler, this)),
+      m_counter(new TextCounter(*m_textView, {services.scheduler, services.workers}, this))
 {
     setAccessibleRole(*this, QAccessible::Grouping);
     resize(startSize);

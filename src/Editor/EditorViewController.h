@@ -27,6 +27,7 @@ class SpellChecker;
 class SpellingController;
 class SpellingPanel;
 class SubstitutionRunner;
+class TextCounter;
 class TextDocument;
 class TextFinder;
 class VimRegisters;
@@ -74,6 +75,7 @@ public:
     void saveViewState();
     /// Null while modal editing is off.
     [[nodiscard]] EditorVim *vim() { return m_vim.get(); }
+    [[nodiscard]] TextCounter &counter() { return *m_counter; }
     /// Null where no spelling is checked.
     [[nodiscard]] SpellingController *spelling() { return m_spelling.get(); }
 
@@ -140,6 +142,7 @@ private:
     ExternalChangeBanner *m_awaitedBanner = nullptr;
     TextFinder *m_finder;
     FindBar *m_findBar;
+    TextCounter *m_counter;
     std::unique_ptr<SpellingController> m_spelling;
     std::unique_ptr<EditorVim> m_vim;
     /// Made when it is needed first.

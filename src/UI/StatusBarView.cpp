@@ -9,6 +9,7 @@
 #include "Files/TextFile.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/Theme.h"
+#include "UI/StatisticsPopUp.h"
 #include "UI/VimBadge.h"
 #include "Widgets/AccessibleRole.h"
 #include "Widgets/ElidedLabel.h"
@@ -21,8 +22,10 @@
 #include <QApplication>
 #include <QEvent>
 #include <QFontDatabase>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QPainter>
+#include <QToolTip>
 
 #include <algorithm>
 
@@ -111,7 +114,10 @@ void StatusBarView::makeControls()
     m_flashLabel = new ElidedLabel(Qt::ElideLeft, this);
     becomeNotice(*m_flashLabel);
     m_flashLabel->hide();
+    m_statisticsButton = new FlatButton(this);
+    connect(m_statisticsButton, &QAbstractButton::clicked, this, &StatusBarView::showStatistics);
     m_positionButton = new FlatButton(this);
+    m_positionButton->installEventFilter(this);
     connect(m_positionButton, &QAbstractButton::clicked, this, &StatusBarView::positionClicked);
     const auto popUp = [this](void (StatusBarView::*choose)(int)) {
         auto *made = new PopUpButton(m_scheduler, this);
@@ -126,6 +132,7 @@ void StatusBarView::makeControls()
 
 void StatusBarView::retranslate()
 {
+    m_statisticsButton->setToolTip(localized(u"Words and Characters"));
     m_positionButton->setToolTip(toolTipOf(Actions::goToLine, localized(u"Go to Line")));
     m_lock->setAccessibleName(localized(u"read-only"));
     m_lock->setToolTip(plainToolTip(localized(u"The file is read-only: you do not have permission to write to it.")));
@@ -174,8 +181,8 @@ void StatusBarView::updateLock()
 void StatusBarView::updateFonts()
 {
     const QFont font = scaledFont(QApplication::font(), TextSize::status);
-    for (QWidget *widget : std::initializer_list<QWidget *>{m_pathLabel, m_flashLabel, m_positionButton, m_indentPopUp, m_lineEndingPopUp,
-                                                            m_encodingPopUp, m_languagePopUp}) {
+    for (QWidget *widget : std::initializer_list<QWidget *>{m_pathLabel, m_flashLabel, m_statisticsButton, m_positionButton, m_indentPopUp,
+                                                            m_lineEndingPopUp, m_encodingPopUp, m_languagePopUp}) {
         widget->setFont(font);
     }
     m_vimBadge->setFont(scaledFont(QFontDatabase::systemFont(QFontDatabase::FixedFont), TextSize::badge));
@@ -222,10 +229,13 @@ void StatusBarView::resizeEvent(QResizeEvent * /*event*/)
 void StatusBarView::layOut()
 {
     ElidedLabel &label = shownLabel();
-    // From the most important to the least, which is also from the right to the left but for the position.
+    // From the most important to the least, which is also from the right to the left but for position and statistics.
     std::vector<QWidget *> controls;
     if (m_state) {
         controls = {m_positionButton, m_languagePopUp, m_encodingPopUp, m_lineEndingPopUp, m_indentPopUp};
+        if (m_state->statistics) {
+            controls.push_back(m_statisticsButton);
+        }
     }
     const int leastPath = qMin(label.sizeHint().width(), leastPathLength * label.fontMetrics().averageCharWidth());
     int free = width() - leftInset - rightInset - leastPath - textGap;
@@ -244,8 +254,8 @@ void StatusBarView::layOut()
         shown.push_back(control);
     }
     int right = width() - rightInset + FlatButton::textMargin;
-    for (QWidget *control :
-         std::initializer_list<QWidget *>{m_languagePopUp, m_encodingPopUp, m_lineEndingPopUp, m_indentPopUp, m_positionButton}) {
+    for (QWidget *control : std::initializer_list<QWidget *>{m_languagePopUp, m_encodingPopUp, m_lineEndingPopUp, m_indentPopUp,
+                                                             m_positionButton, m_statisticsButton}) {
         const bool isShown = std::ranges::find(shown, control) != shown.end();
         control->setVisible(isShown);
         if (isShown) {
@@ -289,6 +299,7 @@ void StatusBarView::showState()
         showChoice(*m_indentPopUp, indentChoices,
                    [&](Indentation choice) { return choice.width == state.indentWidth && choice.unit == unit; });
     }
+    updateStatistics();
     showMessageOrPath();
     layOut();
 }
@@ -302,6 +313,42 @@ QString StatusBarView::positionTitle() const
                      : formatted(localized(u"  (%d selected, %d lines)"), m_state->selectionLength, m_state->selectedLineCount);
     }
     return title;
+}
+
+/// Only who asks for it is told of the character at the caret: with the pointer, or with a screen reader by going there.
+bool StatusBarView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::ToolTip) {
+        const QString hint = caretHint();
+        const QString text = hint.isEmpty() ? m_positionButton->toolTip() : m_positionButton->toolTip() + u'\n' + hint;
+        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), plainToolTip(text), m_positionButton);
+        return true;
+    }
+    if (event->type() == QEvent::FocusIn) {
+        m_positionButton->setAccessibleDescription(caretHint());
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void StatusBarView::showStatistics()
+{
+    if (m_state && m_state->statistics) {
+        m_statisticsPopUp = new StatisticsPopUp(*m_state->statistics, this);
+        m_statisticsPopUp->showAbove(*m_statisticsButton);
+    }
+}
+
+void StatusBarView::updateStatistics()
+{
+    if (!m_state || !m_state->statistics) {
+        return;
+    }
+    const QString title = summary(*m_state->statistics);
+    m_statisticsButton->setText(title);
+    m_statisticsButton->setAccessibleName(u"%1: %2"_s.arg(m_statisticsButton->toolTip(), title));
+    if (m_statisticsPopUp) {
+        m_statisticsPopUp->setStatistics(*m_state->statistics);
+    }
 }
 
 void StatusBarView::showMessageOrPath()

@@ -9,10 +9,13 @@
 #include "Highlighting/Language.h"
 #include "Text/LineEditing.h"
 #include "Text/LineNumber.h"
+#include "UI/TextStatistics.h"
 
+#include <QPointer>
 #include <QString>
 #include <QWidget>
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -20,6 +23,7 @@ class ElidedLabel;
 class FlatButton;
 class QLabel;
 class PopUpButton;
+class StatisticsPopUp;
 class VimBadge;
 struct Theme;
 
@@ -63,6 +67,10 @@ public:
         bool usesSpaces = true;
         /// None while Vim editing is off.
         std::optional<VimState> vim;
+        /// None where nothing is counted.
+        std::optional<TextStatistics> statistics;
+        /// What is told of the character at the caret, in lines, when somebody wants to know. May be empty.
+        std::function<QString()> caretHint;
     };
 
     /// The scheduler and the centre must outlive the bar. The bar follows the interface's language by itself.
@@ -89,6 +97,7 @@ signals:
 
 protected:
     bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
@@ -104,6 +113,9 @@ private:
 
     [[nodiscard]] ElidedLabel &shownLabel() const { return m_flashMessage ? *m_flashLabel : *m_pathLabel; }
     [[nodiscard]] QString positionTitle() const;
+    [[nodiscard]] QString caretHint() const { return m_state && m_state->caretHint ? m_state->caretHint() : QString(); }
+    void showStatistics();
+    void updateStatistics();
     void chooseLanguage(int index);
     void chooseEncoding(int index);
     void chooseLineEnding(int index);
@@ -122,6 +134,9 @@ private:
     ElidedLabel *m_pathLabel;
     /// In its place while there is a message.
     ElidedLabel *m_flashLabel;
+    FlatButton *m_statisticsButton;
+    /// While it is open.
+    QPointer<StatisticsPopUp> m_statisticsPopUp;
     FlatButton *m_positionButton;
     PopUpButton *m_indentPopUp;
     PopUpButton *m_lineEndingPopUp;

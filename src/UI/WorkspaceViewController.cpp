@@ -5,12 +5,14 @@
 #include "Base/Localization.h"
 #include "Base/Translation.h"
 #include "Editor/EditorVim.h"
+#include "Editor/TextCounter.h"
 #include "Model/DocumentStore.h"
 #include "Model/RecentDocuments.h"
 #include "Session/SessionKeeper.h"
 #include "Settings/Preferences.h"
 #include "Text/LineIndex.h"
 #include "Text/LineRange.h"
+#include "UI/CaretHint.h"
 #include "UI/PaneSplitter.h"
 #include "UI/WindowPlacement.h"
 #include "View/FirstResponder.h"
@@ -40,6 +42,18 @@ std::optional<StatusBarView::VimState> vimStateOf(EditorViewController &editor)
         .pending = engine.pendingDescription() + preedit,
         .commandLine = hasLine ? std::optional(QChar(engine.commandLinePrefix()) + engine.commandLineText() + preedit) : std::nullopt,
         .isInsert = engine.mode() == VimEngine::Mode::insert};
+}
+
+TextStatistics statisticsOf(EditorViewController &editor)
+{
+    const Rope &text = editor.document().storage().text();
+    const TextRange selected = editor.textView().selection().range();
+    const TextCounter::Counts counts = editor.counter().counts();
+    TextStatistics statistics{.text = {counts.text, text.lineCount()}};
+    if (!selected.isEmpty()) {
+        statistics.selection = TextStatistics::Column{counts.selection, text.lineAt(selected.end()) - text.lineAt(selected.location) + 1};
+    }
+    return statistics;
 }
 
 } // namespace
@@ -608,5 +622,9 @@ void WorkspaceViewController::updateStatusBar()
         .indentWidth = indentation.width,
         .usesSpaces = indentation.unit == Indentation::Unit::spaces,
         .vim = vimStateOf(*editor),
+        .statistics = statisticsOf(*editor),
+        .caretHint = [text, caret = selected.location, encoding = document.encoding(),
+                      lineEnding = document.lineEnding()] { return ::caretHint(text, caret, encoding, lineEnding); },
     });
+    connect(&editor->counter(), &TextCounter::changed, this, &WorkspaceViewController::updateStatusBar, Qt::UniqueConnection);
 }

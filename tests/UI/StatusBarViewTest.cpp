@@ -6,9 +6,15 @@
 #include "Controls.h"
 #include "Files/TextFile.h"
 #include "Highlighting/LanguageRegistry.h"
+#include "Text/Rope.h"
+#include "UI/CaretHint.h"
+#include "UI/StatisticsPopUp.h"
 #include "Widgets/PopUpButton.h"
 
+#include <QHelpEvent>
+#include <QLabel>
 #include <QTest>
+#include <QToolTip>
 
 #include <gtest/gtest.h>
 
@@ -41,7 +47,7 @@ protected:
     {
         std::vector<QWidget *> found;
         for (QWidget *child : bar.findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
-            if (!child->isHidden() && !child->geometry().isEmpty()) {
+            if (!child->isWindow() && !child->isHidden() && !child->geometry().isEmpty()) {
                 found.push_back(child);
             }
         }
@@ -108,6 +114,62 @@ TEST_F(StatusBarViewTest, ShowsTheStateAndFollowsTheLanguage)
 
     bar.setState(std::nullopt);
     EXPECT_EQ(texts(), QStringList{u"Kein Dokument"_s});
+}
+
+TEST_F(StatusBarViewTest, TellsHowMuchTextThereIs)
+{
+    State state = someState();
+    state.statistics = TextStatistics{.text = {TextCounts{1, 5, 1}, 2}};
+    bar.setState(state);
+    EXPECT_EQ(texts()[1], u"1 word"_s);
+    state.statistics = TextStatistics{.text = {TextCounts{12345, 60000, 12000}, 700}, .selection = TextStatistics::Column{std::nullopt, 3}};
+    bar.setState(state);
+    EXPECT_EQ(texts()[1], u"… of 12,345 words"_s);
+
+    QTest::keyClick(parts()[1], Qt::Key_Return);
+    const auto *table = bar.findChild<StatisticsPopUp *>();
+    ASSERT_TRUE(table && table->isVisible());
+    EXPECT_TRUE(table->accessibleName().contains(u"Words: 12,345, Selection: …"_s));
+    speakGerman();
+    state.statistics->selection->counts = TextCounts{300, 1500, 290};
+    bar.setState(state);
+    EXPECT_EQ(texts()[1], u"300 von 12.345 Wörtern"_s);
+    QStringList cells;
+    for (const QLabel *label : table->findChildren<QLabel *>()) {
+        cells << label->text();
+    }
+    EXPECT_EQ(cells.join(u'|'), u"Text|Auswahl|Wörter|12.345|300|Zeichen|60.000|1.500|Zeichen ohne Leerzeichen|48.000|1.210|Zeilen|700|3|"
+                                u"Lesezeit|1 h 2 min|2 min"_s);
+    EXPECT_EQ(readingTime(99), u"weniger als 1 min"_s);
+}
+
+TEST_F(StatusBarViewTest, HintsAtTheCharacterAtTheCaret)
+{
+    const auto hint = [](const QString &text, qsizetype caret, TextEncoding encoding, LineEnding ending = LineEnding::lf) {
+        return caretHint(Rope(text), caret, encoding, ending).replace(u'\n', u'|');
+    };
+    EXPECT_EQ(hint(u"é"_s, 0, TextEncoding::windows1252),
+              u"U+00E9 LATIN SMALL LETTER E WITH ACUTE|UTF-8: C3 A9|"_s + displayName(TextEncoding::windows1252) + u": E9"_s);
+    EXPECT_EQ(hint(u"e\u0301x"_s, 2, TextEncoding::utf8), u"U+0078 LATIN SMALL LETTER X|UTF-8: 78|Column 2, counted in characters");
+    EXPECT_EQ(hint(u"e\u0301"_s, 0, TextEncoding::isoLatin1),
+              u"U+0065 LATIN SMALL LETTER E|U+0301 COMBINING ACUTE ACCENT|UTF-8: 65 CC 81|Not in "_s +
+                  displayName(TextEncoding::isoLatin1));
+    EXPECT_EQ(hint(u"a\nb"_s, 1, TextEncoding::utf16, LineEnding::crlf),
+              QStringLiteral("U+000D CARRIAGE RETURN|U+000A LINE FEED|UTF-8: 0D 0A|%1: 0D 00 0A 00").arg(displayName(TextEncoding::utf16)));
+    EXPECT_EQ(hint(u"\U0001F600"_s, 2, TextEncoding::utf8), u"End of text|Column 2, counted in characters");
+    EXPECT_LT(hint(u"e"_s + QString(200, QChar(0x301)), 0, TextEncoding::utf8).size(), 600);
+
+    State state = someState();
+    state.caretHint = [] { return u"U+0078"_s; };
+    bar.setState(state);
+    QWidget *position = parts()[1];
+    QHelpEvent help(QEvent::ToolTip, {}, position->mapToGlobal(QPoint()));
+    QApplication::sendEvent(position, &help);
+    EXPECT_TRUE(QToolTip::text().endsWith(u"\nU+0078"_s)) << qPrintable(QToolTip::text());
+    position->setFocus();
+    QFocusEvent focus(QEvent::FocusIn);
+    QApplication::sendEvent(position, &focus);
+    EXPECT_EQ(position->accessibleDescription(), u"U+0078"_s);
 }
 
 TEST_F(StatusBarViewTest, AFlashGivesWayToTheLatestPath)
