@@ -17,6 +17,7 @@
 #include "Editor/SpellingPanel.h"
 #include "Find/FindState.h"
 #include "Model/DocumentStore.h"
+#include "Model/FileMemory.h"
 #include "Model/RecentDocuments.h"
 #include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"
@@ -139,10 +140,11 @@ struct Program::Parts {
     SpellingPanel spellingPanel{spellChecker};
     NotificationCenter::Token spellingLanguages;
     SystemDesktop desktop;
+    FileMemory fileMemory{session.rootDirectory() + u"/file-memory.json"_s};
     RecentDocuments recent{session.rootDirectory() + u"/recent-documents.json"_s, workers};
     DesktopRecentFiles desktopRecentFiles{DesktopRecentFiles::standardPath(), workers};
     AppDelegate delegate{{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers, keyboard,
-                           &spellChecker, &spellingPanel},
+                           &spellChecker, &spellingPanel, &fileMemory},
                           defaults,
                           desktop,
                           session,

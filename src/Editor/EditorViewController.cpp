@@ -16,7 +16,9 @@
 #include "Find/FindBar.h"
 #include "Find/TextFinder.h"
 #include "Model/DocumentStore.h"
+#include "Model/FileMemory.h"
 #include "Settings/Preferences.h"
+#include "Spelling/SpellChecker.h"
 #include "Text/LineIndex.h"
 #include "Text/LineRange.h"
 #include "Widgets/AccessibleRole.h"
@@ -24,6 +26,7 @@
 
 #include <QEvent>
 #include <QGuiApplication>
+#include <QJsonArray>
 #include <QMenu>
 #include <QVBoxLayout>
 
@@ -132,6 +135,10 @@ void EditorViewController::observe()
     observe(TextDocument::didChangeMetadata, m_document.get(), [this] {
         applyAccess();
         adoptLanguage();
+        adoptDictionaries();
+        if (m_spellingPath != m_document->path()) {
+            keepSpelling();
+        }
         updateBanner();
     });
     observe(Localization::didChangeNotification, nullptr, [this] { retranslate(); });
@@ -457,12 +464,57 @@ void EditorViewController::makeSpelling()
             [this, &presenter](const QString &message) { presenter.present(Alert::forError(message), window(), {}); }});
     connect(m_textView, &TextView::contextMenuRequested, m_spelling.get(),
             [this](QMenu *menu, qsizetype offset) { m_spelling->addCorrections(*menu, offset); });
+    connect(m_spelling.get(), &SpellingController::dictionariesChanged, this, &EditorViewController::stateChanged);
+    m_spellingPath = m_document->path();
+    bool isOn = m_services.preferences.value(Settings::checkSpelling);
+    if (const FileMemory *memory = m_services.fileMemory) {
+        isOn = memory->value(m_spellingPath, FileMemory::checksSpelling).toBool(isOn);
+        const QStringList kept = memory->value(m_spellingPath, FileMemory::dictionaries).toVariant().toStringList();
+        if (m_document->spellingDictionaries.isEmpty() && !kept.isEmpty()) {
+            const QStringList &installed = m_services.spellChecker->installed();
+            std::ranges::copy_if(kept, std::back_inserter(m_document->spellingDictionaries),
+                                 [&installed](const QString &name) { return installed.contains(name); });
+        }
+    }
+    adoptDictionaries();
+    if (isOn) {
+        m_spelling->toggleContinuous();
+    }
+}
+
+/// For when the file is opened again.
+void EditorViewController::keepSpelling()
+{
+    m_spellingPath = m_document->path();
+    if (!m_spelling || !m_services.fileMemory) {
+        return;
+    }
+    const bool isAsUsual = m_spelling->isContinuous() == m_services.preferences.value(Settings::checkSpelling);
+    const QStringList &names = m_document->spellingDictionaries;
+    const QJsonValue nothing(QJsonValue::Undefined);
+    m_services.fileMemory->set(m_spellingPath, FileMemory::checksSpelling, isAsUsual ? nothing : m_spelling->isContinuous());
+    m_services.fileMemory->set(m_spellingPath, FileMemory::dictionaries, names.isEmpty() ? nothing : QJsonArray::fromStringList(names));
 }
 
 void EditorViewController::toggleSpelling()
 {
     if (m_spelling) {
         m_spelling->toggleContinuous();
+        keepSpelling();
+    }
+}
+
+void EditorViewController::chooseDictionaries(const QStringList &names)
+{
+    m_document->spellingDictionaries = names;
+    keepSpelling();
+    m_services.notifications.post(TextDocument::didChangeMetadata, m_document.get());
+}
+
+void EditorViewController::adoptDictionaries()
+{
+    if (m_spelling && m_spelling->chosenDictionaries() != m_document->spellingDictionaries) {
+        m_spelling->setDictionaries(m_document->spellingDictionaries);
     }
 }
 

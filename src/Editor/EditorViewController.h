@@ -18,6 +18,7 @@ class AlertPresenter;
 class DocumentStore;
 class EditorVim;
 class ExternalChangeBanner;
+class FileMemory;
 class FindBar;
 class FindState;
 class ForeignKeyboard;
@@ -48,6 +49,8 @@ struct EditorServices {
     /// Both or none: without them no spelling is checked.
     SpellChecker *spellChecker = nullptr;
     SpellingPanel *spellingPanel = nullptr;
+    /// None when nothing is to be kept of single files.
+    FileMemory *fileMemory = nullptr;
 };
 
 /// One editor for one document: the text with its line numbers, a banner when others changed the file, and everything set as the
@@ -78,6 +81,8 @@ public:
     [[nodiscard]] TextCounter &counter() { return *m_counter; }
     /// Null where no spelling is checked.
     [[nodiscard]] SpellingController *spelling() { return m_spelling.get(); }
+    /// The text is spelled by these from now on, in all its views and when its file is opened again; none for those that its words tell.
+    void chooseDictionaries(const QStringList &names);
 
     [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
 
@@ -126,6 +131,8 @@ private:
     void performCommand(const Action &action, const QString &argument) override;
 
     void makeSpelling();
+    void adoptDictionaries();
+    void keepSpelling();
     void toggleSpelling();
     [[nodiscard]] ActionState spellingState() const;
     void checkSpelling();
@@ -144,6 +151,8 @@ private:
     FindBar *m_findBar;
     TextCounter *m_counter;
     std::unique_ptr<SpellingController> m_spelling;
+    /// The file that it was last kept for.
+    QString m_spellingPath;
     std::unique_ptr<EditorVim> m_vim;
     /// Made when it is needed first.
     std::unique_ptr<SubstitutionRunner> m_substitutions;

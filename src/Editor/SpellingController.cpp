@@ -9,6 +9,7 @@
 #include "View/TextView.h"
 
 #include <QMenu>
+#include <QPointer>
 #include <QScopedValueRollback>
 
 #include <algorithm>
@@ -21,6 +22,11 @@ namespace {
 constexpr qsizetype mostMenuGuesses = 5;
 /// Keys and input methods change no more than so at a time; what is pasted is not being typed.
 constexpr qsizetype longestTyped = 4;
+
+/// Of a text, three times, to tell which languages it is in.
+constexpr qsizetype sampleLength = 2048;
+/// A short text that grows by so much may be in another.
+constexpr qsizetype leastGrowth = 200;
 
 constexpr auto markdownId = "markdown"_L1;
 
@@ -102,7 +108,7 @@ std::vector<TextRange> SpellingController::misspellingsIn(TextRange seen)
 {
     std::vector<TextRange> found;
     for (const SpellingWord &word : wordsTouching(seen)) {
-        if (!isBeingTyped(word.range) && m_services.checker.check(word.text) == SpellChecker::Answer::wrong) {
+        if (!isBeingTyped(word.range) && checker().check(word.text) == SpellChecker::Answer::wrong) {
             found.push_back(word.range);
         }
     }
@@ -122,11 +128,13 @@ void SpellingController::toggleContinuous()
     m_view.setLook(&TextLooks::misspellings,
                    m_isContinuous ? [this](TextRange seen) { return misspellingsIn(seen); } : TextView::MarkProvider());
     m_view.viewport()->update();
+    guessDictionaries();
+    emit dictionariesChanged();
 }
 
 bool SpellingController::canCheck() const
 {
-    return m_services.checker.isAvailable();
+    return checker().isAvailable();
 }
 
 ActionState SpellingController::continuousState() const
@@ -143,6 +151,9 @@ void SpellingController::noteEdit(const TextChange &change)
     }
     if (m_search) {
         endSearch(Outcome::none);
+    }
+    if (m_guessedLength && !m_nextGuess.isPending()) {
+        m_nextGuess = m_services.scheduler.after(guessDelay, [this] { guessDictionaries(); });
     }
 }
 
@@ -185,6 +196,68 @@ void SpellingController::noteAnswers()
     }
 }
 
+// Dictionaries
+
+void SpellingController::setDictionaries(const QStringList &names)
+{
+    m_chosenDictionaries = names;
+    m_guessing.cancel();
+    m_guessedLength.reset();
+    useChecker(names.isEmpty() ? nullptr : m_services.checker.with(names));
+    if (m_isContinuous) {
+        guessDictionaries();
+    }
+}
+
+QStringList SpellingController::dictionaries() const
+{
+    return checker().dictionaries();
+}
+
+void SpellingController::useChecker(std::shared_ptr<SpellChecker> checker)
+{
+    disconnect(&this->checker(), &SpellChecker::answersChanged, this, nullptr);
+    m_ownChecker = std::move(checker);
+    connect(&this->checker(), &SpellChecker::answersChanged, this, &SpellingController::noteAnswers);
+    noteAnswers();
+    emit dictionariesChanged();
+}
+
+/// Once when spelling is checked first, and again when the text has become twice as long or was replaced.
+void SpellingController::guessDictionaries()
+{
+    const qsizetype length = m_view.storage().length();
+    const bool isKnown = m_guessedLength && length < 2 * *m_guessedLength + leastGrowth && 2 * length >= *m_guessedLength;
+    if (!m_chosenDictionaries.isEmpty() || isKnown) {
+        return;
+    }
+    m_guessedLength = length;
+    m_guessing = m_services.checker.guess(sampledWords(), [this](const QStringList &names) {
+        if (names != dictionaries()) {
+            useChecker(m_services.checker.with(names));
+        }
+    });
+}
+
+/// From its start, its middle and its end, each once.
+QStringList SpellingController::sampledWords()
+{
+    const qsizetype length = m_view.storage().length();
+    QStringList sample;
+    for (const qsizetype start : {qsizetype(0), length / 2, length - sampleLength}) {
+        const auto stretch =
+            TextRange::between(std::clamp<qsizetype>(start, 0, length), std::clamp(start + sampleLength, qsizetype(0), length));
+        if (m_highlighter) {
+            m_highlighter->ensureHighlighted(stretch);
+        }
+        for (const SpellingWord &word : wordsTouching(stretch)) {
+            sample << word.text;
+        }
+    }
+    sample.removeDuplicates();
+    return sample;
+}
+
 // From mistake to mistake
 
 void SpellingController::checkSpelling()
@@ -197,6 +270,7 @@ void SpellingController::checkSpelling()
     const qsizetype start = m_view.selection().range().end();
     m_search = Search{.from = start, .start = start};
     m_outcome = Outcome::searching;
+    guessDictionaries();
     goOn();
 }
 
@@ -215,7 +289,7 @@ void SpellingController::goOn()
         if (word.range.location < slice.location || word.range.location >= slice.end()) {
             continue;
         }
-        const SpellChecker::Answer answer = m_services.checker.check(word.text);
+        const SpellChecker::Answer answer = checker().check(word.text);
         if (answer == SpellChecker::Answer::wrong && !pending) {
             select(word.range);
             return;
@@ -268,8 +342,8 @@ void SpellingController::showPanel()
 std::optional<SpellingController::Correction> SpellingController::correctionAt(qsizetype offset, std::chrono::milliseconds timeout)
 {
     for (const SpellingWord &word : wordsTouching({offset, 0})) {
-        if (m_services.checker.check(word.text) == SpellChecker::Answer::wrong) {
-            return Correction{word.range, word.text, m_services.checker.suggestions(word.text, timeout)};
+        if (checker().check(word.text) == SpellChecker::Answer::wrong) {
+            return Correction{word.range, word.text, checker().suggestions(word.text, timeout)};
         }
     }
     return std::nullopt;
@@ -303,20 +377,20 @@ void SpellingController::replace(const Correction &correction, const QString &re
 
 void SpellingController::learn(const QString &word)
 {
-    if (const Result<void> learned = m_services.checker.learn(word); !learned) {
+    if (const Result<void> learned = checker().learn(word); !learned) {
         m_services.report(learned.error().message);
     }
 }
 
 void SpellingController::ignore(const QString &word)
 {
-    m_services.checker.ignore(word);
+    checker().ignore(word);
 }
 
 void SpellingController::addCorrections(QMenu &menu, qsizetype offset)
 {
     // Who does not check spelling needs no dictionaries.
-    if (!m_isContinuous && !m_services.checker.isInUse()) {
+    if (!m_isContinuous && !checker().isInUse()) {
         return;
     }
     const auto correction = correctionAt(offset, menuTimeout);
@@ -324,25 +398,55 @@ void SpellingController::addCorrections(QMenu &menu, qsizetype offset)
         return;
     }
     QAction *const before = menu.actions().value(0);
+    if (correction->guesses) {
+        addGuesses(menu, before, *correction);
+    } else {
+        addLateGuesses(menu, before, *correction);
+    }
     const auto add = [&](const QString &title, std::function<void()> reaction) {
-        auto *item = new QAction(QString(title).replace(u'&', u"&&"_s), &menu);
+        auto *item = new QAction(title, &menu);
         connect(item, &QAction::triggered, this, std::move(reaction));
         menu.insertAction(before, item);
-        return item;
     };
-    const QStringList guesses = correction->guesses.value_or(QStringList());
-    for (const QString &guess : guesses.first(std::min(guesses.size(), mostMenuGuesses))) {
-        QAction *item = add(guess, [this, correction, guess] { replace(*correction, guess); });
-        QFont font = menu.font();
-        font.setBold(true);
-        item->setFont(font);
-        item->setEnabled(canReplace());
-    }
-    if (guesses.isEmpty()) {
-        add(localized(u"No Suggestions"), [] {})->setEnabled(false);
-    }
     menu.insertSeparator(before);
     add(localized(u"Learn Spelling"), [this, word = correction->word] { learn(word); });
     add(localized(u"Ignore Spelling"), [this, word = correction->word] { ignore(word); });
     menu.insertSeparator(before);
+}
+
+void SpellingController::addGuesses(QMenu &menu, QAction *before, const Correction &correction)
+{
+    const QStringList guesses = correction.guesses.value_or(QStringList());
+    for (const QString &guess : guesses.first(std::min(guesses.size(), mostMenuGuesses))) {
+        auto *item = new QAction(QString(guess).replace(u'&', u"&&"_s), &menu);
+        connect(item, &QAction::triggered, this, [this, correction, guess] { replace(correction, guess); });
+        QFont font = menu.font();
+        font.setBold(true);
+        item->setFont(font);
+        item->setEnabled(canReplace());
+        menu.insertAction(before, item);
+    }
+    if (guesses.isEmpty()) {
+        auto *item = new QAction(localized(u"No Suggestions"), &menu);
+        item->setEnabled(false);
+        menu.insertAction(before, item);
+    }
+}
+
+/// In a menu of their own, so that nothing moves under the pointer when they come.
+void SpellingController::addLateGuesses(QMenu &menu, QAction *before, const Correction &correction)
+{
+    auto *late = new QMenu(localized(u"Suggestions"), &menu);
+    QAction *searching = late->addAction(localized(u"Searching…"));
+    searching->setEnabled(false);
+    menu.insertMenu(before, late);
+    connect(this, &SpellingController::changed, late, [this, late, searching = QPointer(searching), correction] {
+        const auto guesses = checker().suggestions(correction.word);
+        if (searching && guesses) {
+            Correction found = correction;
+            found.guesses = guesses;
+            addGuesses(*late, searching, found);
+            delete searching.data();
+        }
+    });
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/BackgroundTask.h"
 #include "Base/Scheduler.h"
 #include "Commands/Responder.h"
 #include "Highlighting/Language.h"
@@ -13,9 +14,11 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
+class QAction;
 class QMenu;
 class SpellChecker;
 class SpellingPanel;
@@ -53,8 +56,10 @@ public:
 
     /// So many units are searched in one turn of the event loop.
     static constexpr qsizetype sliceLength = 8192;
-    /// The longest that a menu waits for suggestions.
-    static constexpr std::chrono::milliseconds menuTimeout{150};
+    /// The longest that a menu waits for suggestions; what comes later it shows when it is there.
+    static constexpr std::chrono::milliseconds menuTimeout{40};
+    /// Of an edit before the dictionaries are guessed anew.
+    static constexpr Scheduler::Milliseconds guessDelay{1000};
 
     /// `highlighter` finds comments and strings, null where there is none. It, the view and the services must outlive the controller.
     SpellingController(TextView &view, SyntaxHighlighter *highlighter, const Language &language, Services services,
@@ -63,7 +68,16 @@ public:
 
     void setLanguage(const Language &language);
     [[nodiscard]] TextView &view() { return m_view; }
-    [[nodiscard]] SpellChecker &checker() { return m_services.checker; }
+    /// With the dictionaries of this text.
+    [[nodiscard]] SpellChecker &checker() const { return m_ownChecker ? *m_ownChecker : m_services.checker; }
+
+    /// Those of these names are for this text; none for those that its words seem to be from, which is found out when spelling is checked
+    /// and again when the text has become another.
+    void setDictionaries(const QStringList &names);
+    /// What was set last.
+    [[nodiscard]] const QStringList &chosenDictionaries() const { return m_chosenDictionaries; }
+    /// Names of those in use.
+    [[nodiscard]] QStringList dictionaries() const;
 
     /// Off to begin with.
     [[nodiscard]] bool isContinuous() const { return m_isContinuous; }
@@ -97,6 +111,8 @@ public:
 signals:
     /// The outcome of a search, the selected word or what is known of it may be another.
     void changed();
+    /// Those in use or chosen are others.
+    void dictionariesChanged();
 
 private:
     struct Search {
@@ -114,6 +130,13 @@ private:
     void noteSelection();
     void noteAnswers();
 
+    void useChecker(std::shared_ptr<SpellChecker> checker);
+    void guessDictionaries();
+    [[nodiscard]] QStringList sampledWords();
+
+    void addGuesses(QMenu &menu, QAction *before, const Correction &correction);
+    void addLateGuesses(QMenu &menu, QAction *before, const Correction &correction);
+
     void goOn();
     void endSearch(Outcome outcome);
     void select(TextRange word);
@@ -124,6 +147,14 @@ private:
     Language m_language;
     bool m_checksScopesOnly = false;
     bool m_isContinuous = false;
+
+    /// None while those of the user's languages are used.
+    std::shared_ptr<SpellChecker> m_ownChecker;
+    QStringList m_chosenDictionaries;
+    /// The units of the text when its dictionaries were guessed; none before that.
+    std::optional<qsizetype> m_guessedLength;
+    BackgroundTask m_guessing;
+    DelayedTask m_nextGuess;
 
     /// Where typing has brought the caret, as long as it stays in that word.
     std::optional<qsizetype> m_typedAt;

@@ -3,6 +3,7 @@
 #include "Editor/SpellingPanel.h"
 
 #include "Base/Translation.h"
+#include "Spelling/DictionaryName.h"
 #include "Spelling/SpellChecker.h"
 #include "View/TextView.h"
 #include "Widgets/AccessibleRole.h"
@@ -23,13 +24,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize startSize(420, 300);
-
-/// As its speakers call it: "American English", "Deutsch".
-QString languageName(const QString &dictionary)
-{
-    const QLocale locale(dictionary);
-    return locale.language() == QLocale::C ? dictionary : locale.nativeLanguageName();
-}
 
 /// Underlines the first letter that none of the others has.
 QString withMnemonic(const QString &title, QString &used)
@@ -128,7 +122,7 @@ void SpellingPanel::retranslate()
     if (!m_window) {
         return;
     }
-    m_window->setWindowTitle(localized(u"Spelling and Grammar"));
+    m_window->setWindowTitle(localized(u"Spelling"));
     QString used;
     const auto title = [&used](QStringView english) { return withMnemonic(localized(english), used); };
     m_replacementTitle->setText(title(u"Replace with") + u':');
@@ -193,7 +187,7 @@ void SpellingPanel::show(SpellingController &target)
     m_window->activateWindow();
     m_replacement->setFocus();
     update();
-    if (!m_correction && m_checker.isAvailable()) {
+    if (!m_correction && checker().isAvailable()) {
         findNext();
     }
 }
@@ -223,17 +217,22 @@ void SpellingPanel::update()
         announce(*m_message);
     }
     QStringList names;
-    for (const QString &dictionary : m_checker.dictionaries()) {
-        names << languageName(dictionary);
+    for (const QString &dictionary : checker().dictionaries()) {
+        names << languageOfDictionary(dictionary);
     }
     m_dictionaries->setText(names.isEmpty() ? QString() : formatted(localized(u"Dictionaries: %@"), names.join(u", "_s)));
     m_findNext->setEnabled(m_target && m_target->canCheck());
 }
 
+SpellChecker &SpellingPanel::checker() const
+{
+    return m_target ? m_target->checker() : m_checker;
+}
+
 QString SpellingPanel::message() const
 {
     using Outcome = SpellingController::Outcome;
-    if (!m_checker.isAvailable()) {
+    if (!checker().isAvailable()) {
         return localized(u"No dictionary of your languages is installed. They come in packages like hunspell-en-us and hunspell-de-de.");
     }
     if (m_correction) {

@@ -15,7 +15,7 @@ class QListWidget;
 class QPushButton;
 class SpellChecker;
 
-/// The window "Spelling and Grammar" of the text view that was used last: the misspelled word that is selected there, what it may have
+/// The window "Spelling" of the text view that was used last: the misspelled word that is selected there, what it may have
 /// been meant to be, and what can be done about it. The text stays usable beside it. The window is made when it is first shown, and there
 /// is one for the whole program. Main thread only.
 class SpellingPanel final : public QObject {
@@ -48,6 +48,7 @@ private:
     void place(const QWidget &owner);
     void connectControls();
     void update();
+    [[nodiscard]] SpellChecker &checker() const;
     [[nodiscard]] QString message() const;
     void showCorrection(Typed typed);
     void change();

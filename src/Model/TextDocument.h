@@ -15,6 +15,7 @@
 #include "Text/TextStorage.h"
 #include "Text/UndoManager.h"
 
+#include <QStringList>
 #include <QUuid>
 
 #include <deque>
@@ -149,6 +150,8 @@ public:
     /// Remembered for new views and the session: units, and pixels.
     TextRange lastSelectedRange;
     double lastScrollOffset = 0;
+    /// Names of the dictionaries that the user chose; none to go by the words of the text.
+    QStringList spellingDictionaries;
 
     /// Called when a file was written, with how, or could not be.
     using SaveCompletion = std::function<void(const Result<AtomicFile::InPlace> &saved)>;

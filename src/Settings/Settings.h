@@ -84,6 +84,8 @@ inline constexpr Setting<VimKeymapPreset> vimKeymapPreset("editor.vimKeymapPrese
 inline constexpr Setting<bool> vimSharesClipboard("editor.vimSharesClipboard"_L1, true,
                                                   {.title = u"Share yanks with the system clipboard"});
 
+inline constexpr Setting<bool> checkSpelling("editor.checkSpelling"_L1, false, {.title = u"Check spelling while typing"});
+
 inline constexpr Setting<bool> keepCurrentTab("tabs.keepCurrent"_L1, false, {.title = u"Keep the current tab when another one closes"});
 
 inline constexpr auto editingRows = std::to_array<SettingRow>({
@@ -103,7 +105,10 @@ inline constexpr auto editingRows = std::to_array<SettingRow>({
              u"are not here. See the README for the full list."},
     {.setting = vimSharesClipboard,
      .note = u"Vim's clipboard=unnamedplus: y and d also copy to the macOS clipboard, and p pastes what was copied in another app."},
-    {.setting = keepCurrentTab, .place = startsGroup},
+    {.setting = checkSpelling,
+     .place = startsGroup,
+     .note = u"In texts that are opened from now on. The Edit menu turns it on and off for the one that is shown."},
+    {.setting = keepCurrentTab},
 });
 
 // Saving

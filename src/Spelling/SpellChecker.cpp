@@ -2,13 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "Spelling/SpellChecker.h"
 
-#include "Base/AtomicFile.h"
 #include "Base/Localization.h"
 #include "Base/StandardFolder.h"
-#include "Base/Translation.h"
-
-#include <QFile>
-#include <QFileInfo>
+#include "Spelling/SpellGuess.h"
+#include "Spelling/SpellLibrary.h"
+#include "Spelling/UserWords.h"
 
 #include <algorithm>
 #include <atomic>
@@ -25,24 +23,12 @@ constexpr qsizetype mostAnswers = 8192;
 constexpr size_t mostGuesses = 32;
 constexpr size_t mostDictionaries = 4;
 constexpr qsizetype mostSuggestions = 10;
-constexpr qsizetype longestLearnedWord = 128;
+/// How many languages beside the user's own are looked into for one that a text is in.
+constexpr size_t mostOthers = 12;
 
 QString environment(const char *name)
 {
     return qEnvironmentVariable(name);
-}
-
-bool isWord(const QString &line)
-{
-    return !line.isEmpty() && line.size() <= longestLearnedWord && std::ranges::all_of(line, [](QChar character) {
-        return character.isPrint() && !character.isSpace() && character != QChar::ReplacementCharacter;
-    });
-}
-
-/// A word that is not lower case throughout may stand at the start of a sentence.
-QString uncapitalised(const QString &word)
-{
-    return word.first(1).toLower() + word.sliced(1);
 }
 
 /// Units to be changed, put in or left out, whatever their case.
@@ -65,33 +51,33 @@ ptrdiff_t editDistance(const QString &word, const QString &other)
 
 } // namespace
 
-/// The dictionaries, shared with the workers. A lock is held for one word at a time, so that suggestions get in between those of a batch.
+/// The dictionaries of one checker, shared with the workers.
 class SpellChecker::Engine {
 public:
-    explicit Engine(std::vector<SpellDictionaryFiles> files) : m_files(std::move(files))
+    Engine(const std::vector<SpellDictionaryFiles> &files, SpellLibrary &library)
     {
-        if (m_files.size() > mostDictionaries) {
-            m_files.resize(mostDictionaries);
+        for (const SpellDictionaryFiles &each : files) {
+            if (m_volumes.size() < mostDictionaries) {
+                m_volumes.push_back(library.volume(each));
+            }
         }
     }
 
     /// Any thread.
-    [[nodiscard]] const std::vector<SpellDictionaryFiles> &files() const { return m_files; }
+    [[nodiscard]] const std::vector<std::shared_ptr<SpellLibrary::Volume>> &volumes() const { return m_volumes; }
     /// False once loading has shown that none of them can be read. Any thread.
     [[nodiscard]] bool isUsable() const { return m_isUsable; }
 
     [[nodiscard]] bool isCorrect(const QString &word)
     {
-        const std::lock_guard lock(m_mutex);
         load();
         bool isAnybodys = false;
-        for (const auto &dictionary : m_dictionaries) {
-            if (dictionary->isResponsible(word)) {
-                isAnybodys = true;
-                if (dictionary->knows(word)) {
-                    return true;
-                }
+        for (const auto &volume : m_volumes) {
+            const std::optional<bool> answer = volume->knows(word);
+            if (answer == true) {
+                return true;
             }
+            isAnybodys = isAnybodys || answer;
         }
         return !isAnybodys;
     }
@@ -99,12 +85,11 @@ public:
     /// Of each language in the order that its dictionary gives them; of different languages the nearer to the word first.
     [[nodiscard]] QStringList suggestions(const QString &word)
     {
-        const std::lock_guard lock(m_mutex);
         load();
         std::vector<QStringList> all;
-        for (const auto &dictionary : m_dictionaries) {
-            if (dictionary->isResponsible(word)) {
-                all.push_back(dictionary->suggestions(word));
+        for (const auto &volume : m_volumes) {
+            if (auto suggestions = volume->suggestions(word)) {
+                all.push_back(*std::move(suggestions));
             }
         }
         QStringList merged;
@@ -124,23 +109,12 @@ public:
 private:
     void load()
     {
-        if (std::exchange(m_isLoaded, true)) {
-            return;
-        }
-        for (const SpellDictionaryFiles &files : m_files) {
-            if (auto dictionary = SpellDictionary::load(files)) {
-                m_dictionaries.push_back(std::move(dictionary));
-            } else {
-                qWarning("The dictionary %s is damaged or cannot be read.", qPrintable(files.words));
-            }
-        }
-        m_isUsable = !m_dictionaries.empty();
+        std::call_once(m_loading,
+                       [this] { m_isUsable = std::ranges::count_if(m_volumes, [](const auto &volume) { return volume->load(); }) > 0; });
     }
 
-    std::vector<SpellDictionaryFiles> m_files;
-    std::mutex m_mutex;
-    std::vector<std::unique_ptr<SpellDictionary>> m_dictionaries;
-    bool m_isLoaded = false;
+    std::vector<std::shared_ptr<SpellLibrary::Volume>> m_volumes;
+    std::once_flag m_loading;
     std::atomic<bool> m_isUsable = true;
 };
 
@@ -156,8 +130,19 @@ struct SpellChecker::Guess {
     BackgroundTask task;
 };
 
-SpellChecker::SpellChecker(Workers &workers, Setup setup, QObject *parent) : QObject(parent), m_workers(workers), m_setup(std::move(setup))
-{}
+SpellChecker::SpellChecker(Workers &workers, Setup setup, QObject *parent)
+    : QObject(parent), m_workers(workers), m_setup(std::move(setup)), m_library(std::make_shared<SpellLibrary>()),
+      m_userWords(std::make_shared<UserWords>(m_setup.learnedWords))
+{
+    connect(m_userWords.get(), &UserWords::changed, this, &SpellChecker::answersChanged);
+}
+
+SpellChecker::SpellChecker(const SpellChecker &family, const QStringList &dictionaries)
+    : m_workers(family.m_workers), m_setup(family.m_setup), m_chosen(dictionaries), m_library(family.m_library),
+      m_userWords(family.m_userWords)
+{
+    connect(m_userWords.get(), &UserWords::changed, this, &SpellChecker::answersChanged);
+}
 
 SpellChecker::~SpellChecker() = default;
 
@@ -192,30 +177,88 @@ void SpellChecker::forgetAnswers()
 
 void SpellChecker::findDictionaries()
 {
-    if (!m_engine) {
-        m_engine = std::make_shared<Engine>(SpellDictionary::installed(m_setup.folders, m_setup.languages));
+    if (m_engine) {
+        return;
     }
+    std::vector<SpellDictionaryFiles> files;
+    if (m_chosen.isEmpty()) {
+        files = SpellDictionary::installed(m_setup.folders, m_setup.languages);
+    } else {
+        const std::vector<SpellDictionaryFiles> all = SpellDictionary::installed(m_setup.folders);
+        for (const QString &name : m_chosen) {
+            std::ranges::copy_if(all, std::back_inserter(files), [&name](const auto &each) { return each.name == name; });
+        }
+    }
+    m_engine = std::make_shared<Engine>(files, *m_library);
+}
+
+std::shared_ptr<SpellChecker> SpellChecker::with(const QStringList &dictionaries)
+{
+    std::erase_if(m_others, [](const auto &other) { return other.second.expired(); });
+    std::shared_ptr<SpellChecker> found = m_others[dictionaries].lock();
+    if (!found) {
+        found = std::shared_ptr<SpellChecker>(new SpellChecker(*this, dictionaries));
+        m_others[dictionaries] = found;
+    }
+    return found;
+}
+
+const QStringList &SpellChecker::installed()
+{
+    if (!m_installed) {
+        m_installed.emplace();
+        for (const SpellDictionaryFiles &files : SpellDictionary::installed(m_setup.folders)) {
+            m_installed->append(files.name);
+        }
+        m_installed->sort();
+    }
+    return *m_installed;
+}
+
+BackgroundTask SpellChecker::guess(const QStringList &words, std::function<void(const QStringList &dictionaries)> done)
+{
+    const auto languageOf = [](const SpellDictionaryFiles &files) { return files.name.section(u'_', 0, 0); };
+    SpellGuess::Candidates candidates{.likely = SpellDictionary::installed(m_setup.folders, m_setup.languages), .others = {}};
+    QStringList languages;
+    std::ranges::transform(candidates.likely, std::back_inserter(languages), languageOf);
+    QStringList otherLanguages;
+    for (const SpellDictionaryFiles &files : SpellDictionary::installed(m_setup.folders)) {
+        if (const QString language = languageOf(files); !languages.contains(language) && !otherLanguages.contains(language)) {
+            otherLanguages << language;
+        }
+    }
+    candidates.others = SpellDictionary::installed(m_setup.folders, otherLanguages);
+    candidates.others.resize(std::min(candidates.others.size(), mostOthers));
+    if (candidates.likely.size() + candidates.others.size() < 2) {
+        return {};
+    }
+    return BackgroundTask::start(
+        m_workers,
+        [words, candidates, library = m_library](const std::stop_token &stop) {
+            return SpellGuess::dictionaries(words, candidates, *library, stop);
+        },
+        std::move(done));
 }
 
 bool SpellChecker::isAvailable()
 {
     findDictionaries();
-    return !m_engine->files().empty() && m_engine->isUsable();
+    return !m_engine->volumes().empty() && m_engine->isUsable();
 }
 
 QStringList SpellChecker::dictionaries()
 {
     findDictionaries();
     QStringList names;
-    for (const SpellDictionaryFiles &files : m_engine->files()) {
-        names << files.name;
+    for (const auto &volume : m_engine->volumes()) {
+        names << volume->files().name;
     }
     return names;
 }
 
 SpellChecker::Answer SpellChecker::check(const QString &word)
 {
-    if (word.isEmpty() || !isAvailable() || isAccepted(word)) {
+    if (word.isEmpty() || !isAvailable() || m_userWords->contains(word)) {
         return Answer::correct;
     }
     if (const auto isCorrect = known(word)) {
@@ -325,63 +368,12 @@ void SpellChecker::askForGuesses(const QString &word)
 
 // Words of the user's own
 
-bool SpellChecker::isAccepted(const QString &word)
-{
-    readLearnedWords();
-    return !m_accepted.isEmpty() && (m_accepted.contains(word) || m_accepted.contains(uncapitalised(word)));
-}
-
-void SpellChecker::readLearnedWords()
-{
-    if (std::exchange(m_hasReadLearned, true)) {
-        return;
-    }
-    QFile file(m_setup.learnedWords);
-    if (!QFileInfo(m_setup.learnedWords).isFile() || !file.open(QIODevice::ReadOnly)) {
-        return;
-    }
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
-    for (const QString &line : lines) {
-        if (const QString word = line.trimmed(); isWord(word)) {
-            m_accepted.insert(word);
-        }
-    }
-}
-
 Result<void> SpellChecker::learn(const QString &word)
 {
-    readLearnedWords();
-    if (m_setup.learnedWords.isEmpty() || !isWord(word)) {
-        ignore(word);
-        return {};
-    }
-    // Another running program, or the user with an editor, may have added to the file: it is read again, and nothing in it is lost.
-    QByteArray lines;
-    if (QFile file(m_setup.learnedWords); QFileInfo(m_setup.learnedWords).isFile()) {
-        if (!file.open(QIODevice::ReadOnly)) {
-            ignore(word);
-            return failure(formatted(localized(u"“%@” could not be learned: %@ cannot be read."), word, m_setup.learnedWords));
-        }
-        lines = file.readAll();
-    }
-    if (!lines.isEmpty() && !lines.endsWith('\n')) {
-        lines += '\n';
-    }
-    m_hasReadLearned = false;
-    readLearnedWords();
-    const bool isKnown = m_accepted.contains(word) && lines.split('\n').contains(word.toUtf8());
-    ignore(word);
-    if (isKnown) {
-        return {};
-    }
-    makePrivateFolder(QFileInfo(m_setup.learnedWords).path());
-    return writeAtomically(m_setup.learnedWords, lines + word.toUtf8() + '\n', AtomicFile::NewFile::privateToUser);
+    return m_userWords->learn(word);
 }
 
 void SpellChecker::ignore(const QString &word)
 {
-    if (!word.isEmpty()) {
-        m_accepted.insert(word);
-        emit answersChanged();
-    }
+    m_userWords->ignore(word);
 }

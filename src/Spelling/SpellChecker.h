@@ -12,7 +12,11 @@
 #include <QStringList>
 
 #include <chrono>
+#include <functional>
 #include <map>
+
+class SpellLibrary;
+class UserWords;
 
 /// Whether words are spelled correctly, by the dictionaries of the user's languages and the words that the user taught the program.
 ///
@@ -47,6 +51,15 @@ public:
     /// Other languages from now on.
     void setLanguages(const QStringList &languages);
 
+    /// A checker with the dictionaries of these names instead, for texts in other languages, and with the same words of the user; the same
+    /// one as long as somebody holds it. Names that are not installed are passed over.
+    [[nodiscard]] std::shared_ptr<SpellChecker> with(const QStringList &dictionaries);
+    /// Names of all dictionaries that are installed, by name; looked for once.
+    [[nodiscard]] const QStringList &installed();
+    /// Calls `done` with the dictionaries that these words of a text seem to be written by, found out on a worker. Nothing to be found out
+    /// and never called when there is no choice.
+    [[nodiscard]] BackgroundTask guess(const QStringList &words, std::function<void(const QStringList &dictionaries)> done);
+
     /// There is a dictionary for one of the languages. Without one every word is correct.
     [[nodiscard]] bool isAvailable();
     /// A word was asked for, so that the dictionaries are or get loaded.
@@ -62,9 +75,8 @@ public:
     /// reports when they are.
     [[nodiscard]] std::optional<QStringList> suggestions(const QString &word, std::chrono::milliseconds timeout = {});
 
-    /// The word is correct from now on, and when the program runs again. When that could not be written, it is so for this time only.
+    // See UserWords.
     [[nodiscard]] Result<void> learn(const QString &word);
-    /// The word is correct as long as the program runs.
     void ignore(const QString &word);
 
 signals:
@@ -75,9 +87,10 @@ private:
     class Engine;
     struct Guess;
 
+    /// One of a family, which has the library and the user's words in common.
+    SpellChecker(const SpellChecker &family, const QStringList &dictionaries);
+
     void findDictionaries();
-    [[nodiscard]] bool isAccepted(const QString &word);
-    void readLearnedWords();
     void remember(const QString &word, bool isCorrect);
     [[nodiscard]] std::optional<bool> known(const QString &word);
     void askSoon();
@@ -87,12 +100,14 @@ private:
 
     Workers &m_workers;
     Setup m_setup;
+    /// Those of the languages when there are none.
+    QStringList m_chosen;
+    std::shared_ptr<SpellLibrary> m_library;
+    std::shared_ptr<UserWords> m_userWords;
+    std::map<QStringList, std::weak_ptr<SpellChecker>> m_others;
     std::shared_ptr<Engine> m_engine;
+    std::optional<QStringList> m_installed;
     bool m_isInUse = false;
-
-    /// Learned or ignored.
-    QSet<QString> m_accepted;
-    bool m_hasReadLearned = false;
 
     /// When the first is full it becomes the second, whose words are forgotten unless asked for meanwhile.
     QHash<QString, bool> m_answers, m_olderAnswers;

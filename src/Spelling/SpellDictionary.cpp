@@ -71,7 +71,7 @@ QStringList SpellDictionary::folders(const std::function<QString(const char *nam
     return folders;
 }
 
-std::vector<SpellDictionaryFiles> SpellDictionary::installed(const QStringList &folders, const QStringList &languages)
+std::vector<SpellDictionaryFiles> SpellDictionary::installed(const QStringList &folders)
 {
     std::vector<SpellDictionaryFiles> all;
     for (const QString &folder : folders) {
@@ -84,6 +84,12 @@ std::vector<SpellDictionaryFiles> SpellDictionary::installed(const QStringList &
             }
         }
     }
+    return all;
+}
+
+std::vector<SpellDictionaryFiles> SpellDictionary::installed(const QStringList &folders, const QStringList &languages)
+{
+    const std::vector<SpellDictionaryFiles> all = installed(folders);
     std::vector<SpellDictionaryFiles> chosen;
     for (const QString &language : languages) {
         const QString name = withoutEncoding(language);

@@ -30,8 +30,10 @@ public:
     /// Where dictionaries are installed, the user's own first: $DICPATH, the data folders of the user and of the system. `variable` gives
     /// the value of a variable of the environment, empty when it is not set.
     [[nodiscard]] static QStringList folders(const std::function<QString(const char *name)> &variable);
+    /// All there are, each once. Only names are read.
+    [[nodiscard]] static std::vector<SpellDictionaryFiles> installed(const QStringList &folders);
     /// For each of the languages ("de_AT.UTF-8", "en") the dictionary of that name, else one of the language as it is spoken elsewhere.
-    /// A language without a dictionary has none, and no dictionary is there twice. Only names are read.
+    /// A language without a dictionary has none, and no dictionary is there twice.
     [[nodiscard]] static std::vector<SpellDictionaryFiles> installed(const QStringList &folders, const QStringList &languages);
 
     /// Null when a file cannot be read or is none of a dictionary. Takes up to 100 ms and some 10 MB.

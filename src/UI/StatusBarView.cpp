@@ -9,6 +9,7 @@
 #include "Files/TextFile.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/Theme.h"
+#include "Spelling/DictionaryName.h"
 #include "UI/StatisticsPopUp.h"
 #include "UI/VimBadge.h"
 #include "Widgets/AccessibleRole.h"
@@ -114,16 +115,17 @@ void StatusBarView::makeControls()
     m_flashLabel = new ElidedLabel(Qt::ElideLeft, this);
     becomeNotice(*m_flashLabel);
     m_flashLabel->hide();
-    m_statisticsButton = new FlatButton(this);
-    connect(m_statisticsButton, &QAbstractButton::clicked, this, &StatusBarView::showStatistics);
-    m_positionButton = new FlatButton(this);
-    m_positionButton->installEventFilter(this);
-    connect(m_positionButton, &QAbstractButton::clicked, this, &StatusBarView::positionClicked);
     const auto popUp = [this](void (StatusBarView::*choose)(int)) {
         auto *made = new PopUpButton(m_scheduler, this);
         connect(made, &PopUpButton::chosen, this, choose);
         return made;
     };
+    m_spellingPopUp = popUp(&StatusBarView::chooseDictionary);
+    m_statisticsButton = new FlatButton(this);
+    connect(m_statisticsButton, &QAbstractButton::clicked, this, &StatusBarView::showStatistics);
+    m_positionButton = new FlatButton(this);
+    m_positionButton->installEventFilter(this);
+    connect(m_positionButton, &QAbstractButton::clicked, this, &StatusBarView::positionClicked);
     m_indentPopUp = popUp(&StatusBarView::chooseIndentation);
     m_lineEndingPopUp = popUp(&StatusBarView::chooseLineEnding);
     m_encodingPopUp = popUp(&StatusBarView::chooseEncoding);
@@ -132,6 +134,7 @@ void StatusBarView::makeControls()
 
 void StatusBarView::retranslate()
 {
+    m_spellingPopUp->setTitle(localized(u"Dictionaries"));
     m_statisticsButton->setToolTip(localized(u"Words and Characters"));
     m_positionButton->setToolTip(toolTipOf(Actions::goToLine, localized(u"Go to Line")));
     m_lock->setAccessibleName(localized(u"read-only"));
@@ -181,8 +184,9 @@ void StatusBarView::updateLock()
 void StatusBarView::updateFonts()
 {
     const QFont font = scaledFont(QApplication::font(), TextSize::status);
-    for (QWidget *widget : std::initializer_list<QWidget *>{m_pathLabel, m_flashLabel, m_statisticsButton, m_positionButton, m_indentPopUp,
-                                                            m_lineEndingPopUp, m_encodingPopUp, m_languagePopUp}) {
+    for (QWidget *widget :
+         std::initializer_list<QWidget *>{m_pathLabel, m_flashLabel, m_spellingPopUp, m_statisticsButton, m_positionButton, m_indentPopUp,
+                                          m_lineEndingPopUp, m_encodingPopUp, m_languagePopUp}) {
         widget->setFont(font);
     }
     m_vimBadge->setFont(scaledFont(QFontDatabase::systemFont(QFontDatabase::FixedFont), TextSize::badge));
@@ -233,6 +237,9 @@ void StatusBarView::layOut()
     std::vector<QWidget *> controls;
     if (m_state) {
         controls = {m_positionButton, m_languagePopUp, m_encodingPopUp, m_lineEndingPopUp, m_indentPopUp};
+        if (m_state->spelling) {
+            controls.push_back(m_spellingPopUp);
+        }
         if (m_state->statistics) {
             controls.push_back(m_statisticsButton);
         }
@@ -255,7 +262,7 @@ void StatusBarView::layOut()
     }
     int right = width() - rightInset + FlatButton::textMargin;
     for (QWidget *control : std::initializer_list<QWidget *>{m_languagePopUp, m_encodingPopUp, m_lineEndingPopUp, m_indentPopUp,
-                                                             m_positionButton, m_statisticsButton}) {
+                                                             m_positionButton, m_statisticsButton, m_spellingPopUp}) {
         const bool isShown = std::ranges::find(shown, control) != shown.end();
         control->setVisible(isShown);
         if (isShown) {
@@ -299,6 +306,7 @@ void StatusBarView::showState()
         showChoice(*m_indentPopUp, indentChoices,
                    [&](Indentation choice) { return choice.width == state.indentWidth && choice.unit == unit; });
     }
+    updateSpelling();
     updateStatistics();
     showMessageOrPath();
     layOut();
@@ -400,6 +408,43 @@ void StatusBarView::chooseEncoding(int index)
 void StatusBarView::chooseLineEnding(int index)
 {
     emit lineEndingChosen(lineEndings.at(size_t(index)).ending);
+}
+
+/// The first entry leaves it to the words of the text. While it does any other is chosen alone, then they come and go one by one.
+void StatusBarView::chooseDictionary(int index)
+{
+    QStringList chosen;
+    if (index > 0) {
+        chosen = m_state->spelling->chosen;
+        const QString name = m_state->spelling->installed.at(index - 1);
+        if (!chosen.removeOne(name)) {
+            chosen << name;
+        }
+    }
+    emit dictionariesChosen(chosen);
+}
+
+void StatusBarView::updateSpelling()
+{
+    if (!m_state || !m_state->spelling) {
+        return;
+    }
+    const SpellingState &spelling = *m_state->spelling;
+    QStringList choices{localized(u"Automatic")};
+    QList<int> shown;
+    for (const QString &name : spelling.installed) {
+        if (spelling.chosen.contains(name)) {
+            shown << int(choices.size());
+        }
+        choices << titleOfDictionary(name);
+    }
+    if (shown.isEmpty()) {
+        shown << 0;
+    }
+    if (choices != m_spellingPopUp->choices()) {
+        m_spellingPopUp->setChoices(choices);
+    }
+    m_spellingPopUp->setShownIndices(shown, spelling.inUse.isEmpty() ? localized(u"No dictionary") : spelling.inUse.join(u", "_s));
 }
 
 void StatusBarView::chooseIndentation(int index)

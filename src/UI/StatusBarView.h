@@ -12,7 +12,7 @@
 #include "UI/TextStatistics.h"
 
 #include <QPointer>
-#include <QString>
+#include <QStringList>
 #include <QWidget>
 
 #include <functional>
@@ -46,6 +46,14 @@ public:
         friend bool operator==(const VimState &, const VimState &) = default;
     };
 
+    /// Dictionaries, by their names.
+    struct SpellingState {
+        QStringList inUse;
+        /// None when the words of the text decide.
+        QStringList chosen;
+        QStringList installed;
+    };
+
     struct State {
         /// As the user is to read it.
         QString path;
@@ -67,6 +75,8 @@ public:
         bool usesSpaces = true;
         /// None while Vim editing is off.
         std::optional<VimState> vim;
+        /// How its spelling is checked; none while it is not.
+        std::optional<SpellingState> spelling;
         /// None where nothing is counted.
         std::optional<TextStatistics> statistics;
         /// What is told of the character at the caret, in lines, when somebody wants to know. May be empty.
@@ -93,6 +103,7 @@ signals:
     void encodingChosen(TextEncoding encoding);
     void lineEndingChosen(LineEnding lineEnding);
     void indentationChosen(Indentation indentation);
+    void dictionariesChosen(const QStringList &names);
     void positionClicked();
 
 protected:
@@ -120,6 +131,8 @@ private:
     void chooseEncoding(int index);
     void chooseLineEnding(int index);
     void chooseIndentation(int index);
+    void chooseDictionary(int index);
+    void updateSpelling();
 
     Scheduler &m_scheduler;
     const Theme *m_theme;
@@ -134,6 +147,7 @@ private:
     ElidedLabel *m_pathLabel;
     /// In its place while there is a message.
     ElidedLabel *m_flashLabel;
+    PopUpButton *m_spellingPopUp;
     FlatButton *m_statisticsButton;
     /// While it is open.
     QPointer<StatisticsPopUp> m_statisticsPopUp;

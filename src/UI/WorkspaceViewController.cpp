@@ -5,11 +5,13 @@
 #include "Base/Localization.h"
 #include "Base/Translation.h"
 #include "Editor/EditorVim.h"
+#include "Editor/SpellingController.h"
 #include "Editor/TextCounter.h"
 #include "Model/DocumentStore.h"
 #include "Model/RecentDocuments.h"
 #include "Session/SessionKeeper.h"
 #include "Settings/Preferences.h"
+#include "Spelling/SpellChecker.h"
 #include "Text/LineIndex.h"
 #include "Text/LineRange.h"
 #include "UI/CaretHint.h"
@@ -42,6 +44,15 @@ std::optional<StatusBarView::VimState> vimStateOf(EditorViewController &editor)
         .pending = engine.pendingDescription() + preedit,
         .commandLine = hasLine ? std::optional(QChar(engine.commandLinePrefix()) + engine.commandLineText() + preedit) : std::nullopt,
         .isInsert = engine.mode() == VimEngine::Mode::insert};
+}
+
+std::optional<StatusBarView::SpellingState> spellingOf(EditorViewController &editor)
+{
+    SpellingController *spelling = editor.spelling();
+    if (!spelling || !spelling->isContinuous()) {
+        return std::nullopt;
+    }
+    return StatusBarView::SpellingState{spelling->dictionaries(), spelling->chosenDictionaries(), spelling->checker().installed()};
 }
 
 TextStatistics statisticsOf(EditorViewController &editor)
@@ -105,6 +116,11 @@ void WorkspaceViewController::connectParts()
     connect(m_statusBar, &StatusBarView::encodingChosen, &m_documentActions, &DocumentActions::chooseEncoding);
     connect(m_statusBar, &StatusBarView::lineEndingChosen, &m_documentActions, &DocumentActions::chooseLineEnding);
     connect(m_statusBar, &StatusBarView::indentationChosen, this, &WorkspaceViewController::chooseIndentation);
+    connect(m_statusBar, &StatusBarView::dictionariesChosen, this, [this](const QStringList &names) {
+        if (EditorViewController *editor = currentEditor()) {
+            editor->chooseDictionaries(names);
+        }
+    });
     connect(m_statusBar, &StatusBarView::positionClicked, this, &WorkspaceViewController::goToLine);
 }
 
@@ -622,6 +638,7 @@ void WorkspaceViewController::updateStatusBar()
         .indentWidth = indentation.width,
         .usesSpaces = indentation.unit == Indentation::Unit::spaces,
         .vim = vimStateOf(*editor),
+        .spelling = spellingOf(*editor),
         .statistics = statisticsOf(*editor),
         .caretHint = [text, caret = selected.location, encoding = document.encoding(),
                       lineEnding = document.lineEnding()] { return ::caretHint(text, caret, encoding, lineEnding); },

@@ -91,7 +91,7 @@ PopUpButton::PopUpButton(const Scheduler &scheduler, QWidget *parent)
     connect(m_group, &QActionGroup::triggered, this, [this](QAction *entry) {
         const int index = int(m_group->actions().indexOf(entry));
         // The mark is back at what is shown until somebody says otherwise.
-        setShownIndex(m_shownIndex);
+        showMarks();
         emit chosen(index);
     });
 }
@@ -115,15 +115,51 @@ void PopUpButton::setChoices(const QStringList &titles)
         entry->setData(title);
         m_group->addAction(entry);
     }
-    setShownIndex(isAsBefore ? m_shownIndex : 0);
+    if (m_shownIndices) {
+        showMarks();
+    } else {
+        setShownIndex(isAsBefore ? m_shownIndex : 0);
+    }
+}
+
+QStringList PopUpButton::choices() const
+{
+    QStringList titles;
+    for (const QAction *entry : m_group->actions()) {
+        titles << entry->data().toString();
+    }
+    return titles;
 }
 
 void PopUpButton::setShownIndex(int index)
 {
     m_shownIndex = index;
-    QAction *entry = m_group->actions().at(index);
-    entry->setChecked(true);
-    const QString title = entry->data().toString();
+    showMarks();
+    showTitle(m_group->actions().at(index)->data().toString());
+}
+
+void PopUpButton::setShownIndices(const QList<int> &indices, const QString &text)
+{
+    m_group->setExclusionPolicy(QActionGroup::ExclusionPolicy::None);
+    m_shownIndices = indices;
+    showMarks();
+    showTitle(text);
+}
+
+void PopUpButton::showMarks()
+{
+    const QList<QAction *> entries = m_group->actions();
+    if (!m_shownIndices) {
+        entries.at(m_shownIndex)->setChecked(true);
+        return;
+    }
+    for (qsizetype index = 0; index < entries.size(); ++index) {
+        entries[index]->setChecked(m_shownIndices->contains(int(index)));
+    }
+}
+
+void PopUpButton::showTitle(const QString &title)
+{
     if (title != text()) {
         setText(title);
         setAccessibleName(u"%1: %2"_s.arg(m_title, title));

@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QStringList>
 
+#include <optional>
 #include <vector>
 
 class QActionGroup;
@@ -32,8 +33,8 @@ private:
     Scheduler::Milliseconds m_lastKey{};
 };
 
-/// A flat button that shows one of several choices and offers the others in a menu, the shown one checked. Choosing changes nothing by
-/// itself: whoever is notified sets what is shown then.
+/// A flat button that shows one of several choices, or some of them, and offers the others in a menu, the shown ones checked. Choosing
+/// changes nothing by itself: whoever is notified sets what is shown then.
 class PopUpButton final : public FlatButton {
     Q_OBJECT
 
@@ -44,9 +45,12 @@ public:
     void setTitle(const QString &title);
     /// The index shown stays if there are as many choices, else it is the first.
     void setChoices(const QStringList &titles);
+    [[nodiscard]] QStringList choices() const;
     /// `index` must be that of a choice.
     void setShownIndex(int index);
     [[nodiscard]] int shownIndex() const { return m_shownIndex; }
+    /// Several may be checked from now on, none of them radio buttons, and `text` is shown for them.
+    void setShownIndices(const QList<int> &indices, const QString &text);
 
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -58,8 +62,13 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void showMarks();
+    void showTitle(const QString &title);
+
     ChoiceMenu *m_menu;
     QActionGroup *m_group;
     QString m_title;
     int m_shownIndex = 0;
+    /// None while there is one.
+    std::optional<QList<int>> m_shownIndices;
 };

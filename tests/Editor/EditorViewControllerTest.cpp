@@ -5,14 +5,17 @@
 #include "Commands/Actions.h"
 #include "Controls.h"
 #include "Editor/LineNumberRulerView.h"
+#include "Editor/SpellingController.h"
 #include "Editor/SpellingPanel.h"
 #include "FileAnswers.h"
 #include "Highlighting/LanguageRegistry.h"
+#include "Model/FileMemory.h"
 #include "Spelling/SpellChecker.h"
 #include "Surroundings.h"
 #include "View/ViewFixture.h"
 
 #include <QFontDatabase>
+#include <QJsonArray>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTest>
@@ -274,4 +277,52 @@ TEST_F(EditorTest, ChecksSpellingWhereThereIsAChecker)
     QMenu menu;
     emit other->textView().contextMenuRequested(&menu, 5);
     EXPECT_FALSE(menu.isEmpty());
+
+    one->chooseDictionaries({u"de_AT"_s});
+    EXPECT_EQ(other->spelling()->dictionaries(), QStringList(u"de_AT"_s));
+}
+
+TEST_F(EditorTest, RemembersHowTheSpellingOfAFileIsChecked)
+{
+    SpellChecker checker(workers, {{QStringLiteral(QUILLET_TEST_DATA "/spelling")}, {u"en"_s}, {}});
+    SpellingPanel panel(checker);
+    const QString kept = path(u"memory/files.json"_s);
+    const auto isOnIn = [](EditorViewController &editor) { return editor.spelling()->isContinuous(); };
+    FileMemory memory(kept);
+    services.spellChecker = &checker;
+    services.spellingPanel = &panel;
+    services.fileMemory = &memory;
+    {
+        const auto editor = open(openFile("the word"));
+        EXPECT_FALSE(isOnIn(*editor)) << "as the settings have it";
+        editor->textView().perform(Actions::toggleContinuousSpellChecking);
+        editor->chooseDictionaries({u"de_AT"_s, u"en_US"_s});
+        documents.remove(editor->document());
+    }
+    FileMemory later(kept);
+    services.fileMemory = &later;
+    const auto again = open(openFile("the word"));
+    EXPECT_TRUE(isOnIn(*again));
+    EXPECT_EQ(again->spelling()->chosenDictionaries(), QStringList({u"de_AT"_s, u"en_US"_s}));
+
+    // A text that gets a file takes along what was chosen for it.
+    const auto unnamed = open(document(u"some text"_s));
+    unnamed->chooseDictionaries({u"de_AT"_s});
+    unnamed->document().save(path(u"b"_s));
+    pass(Scheduler::Milliseconds(100));
+    EXPECT_EQ(later.value(path(u"b"_s), FileMemory::dictionaries).toArray().size(), 1);
+    preferences.set(Settings::checkSpelling, true);
+    EXPECT_TRUE(isOnIn(*open(document(u"another"_s))));
+    EXPECT_FALSE(isOnIn(*unnamed));
+
+    // What is chosen for many files is forgotten one by one, and a damaged file is no harm.
+    for (size_t count = 0; count < FileMemory::largestCount; ++count) {
+        later.set(u"/file%1"_s.arg(count), FileMemory::checksSpelling, true);
+    }
+    EXPECT_TRUE(later.value(path(u"b"_s), FileMemory::dictionaries).isUndefined());
+    put(u"memory/files.json"_s, "[{\"path\":\"relative\",\"checksSpelling\":true},7,{\"path\":\"/a\",\"x\":1}]");
+    FileMemory damaged(kept);
+    damaged.set(u"/a"_s, FileMemory::checksSpelling, true);
+    damaged.set(u"/a"_s, FileMemory::checksSpelling, QJsonValue(QJsonValue::Undefined));
+    EXPECT_EQ(read(u"memory/files.json"_s), "[{\"path\":\"/a\",\"x\":1}]");
 }

@@ -5,6 +5,7 @@
 #include "Controls.h"
 #include "Editor/SpellingPanel.h"
 #include "EditorFixture.h"
+#include "HeldWorkers.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/SyntaxHighlighter.h"
 #include "Spelling/SpellChecker.h"
@@ -13,6 +14,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QSignalSpy>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -77,7 +79,7 @@ protected:
         return editor->marked();
     }
 
-    InlineWorkers workers;
+    HeldWorkers workers{HeldWorkers::Mode::atOnce};
     QTemporaryDir folder;
     SpellChecker checker{workers, {{QStringLiteral(QUILLET_TEST_DATA "/spelling")}, {u"en"_s, u"de"_s}, folder.filePath(u"words.txt"_s)}};
     NotificationCenter notifications;
@@ -247,6 +249,58 @@ TEST_F(SpellingTest, OffersCorrectionsInTheContextMenu)
     spelling->addCorrections(menu, 5);
     menu.actions().first()->trigger();
     EXPECT_EQ(editor->storage.string(), u"the word is here\n");
+}
+
+// A menu that grew would have another entry under the pointer.
+TEST_F(SpellingTest, ShowsLateSuggestionsInAMenuOfTheirOwn)
+{
+    open(u"the |wrod is here\n"_s);
+    spelling->toggleContinuous();
+    (void)underlined();
+    workers.isHeld = true;
+    QMenu menu;
+    menu.addAction(u"Cut"_s);
+    spelling->addCorrections(menu, 5);
+    const QStringList titles = titlesOf(menu);
+    EXPECT_EQ(titles.first(), u"Suggestions"_s);
+    QMenu &late = *menu.actions().first()->menu();
+    EXPECT_EQ(titlesOf(late), QStringList(u"(Searching…)"_s));
+    workers.finish();
+    settle();
+    EXPECT_EQ(titlesOf(late).first(), u"word"_s);
+    EXPECT_EQ(titlesOf(menu), titles);
+    late.actions().first()->trigger();
+    EXPECT_EQ(editor->storage.string(), u"the word is here\n");
+}
+
+TEST_F(SpellingTest, GoesByTheDictionariesThatTheTextIsIn)
+{
+    const QString english = u"the word and the spelling of a string is correct here, a comment, \n"_s;
+    const QString german = u"Größe, laut, Bär und Füße; "_s;
+    open(u"|"_s + english);
+    const QSignalSpy changes(spelling.get(), &SpellingController::dictionariesChanged);
+    EXPECT_EQ(spelling->dictionaries(), QStringList({u"en_US"_s, u"de_AT"_s}));
+    spelling->toggleContinuous();
+    settle();
+    EXPECT_EQ(spelling->dictionaries(), QStringList(u"en_US"_s));
+    editor->view.insertText(german + u"teh "_s, {0, 0});
+    EXPECT_EQ(underlined(), QStringList({u"Größe"_s, u"laut"_s, u"Bär"_s, u"und"_s, u"Füße"_s, u"teh"_s}));
+    editor->view.insertText(german.repeated(10), {0, 0});
+    settle();
+    EXPECT_EQ(spelling->dictionaries().size(), 1) << "it may be typed on";
+    editor->scheduler.advance(SpellingController::guessDelay);
+    settle();
+    EXPECT_EQ(spelling->dictionaries(), QStringList({u"en_US"_s, u"de_AT"_s}));
+    EXPECT_EQ(underlined(), QStringList(u"teh"_s));
+
+    spelling->setDictionaries({u"de_AT"_s});
+    EXPECT_EQ(spelling->dictionaries(), QStringList(u"de_AT"_s));
+    EXPECT_THAT(underlined(), testing::Contains(u"word"_s));
+    editor->view.insertText(english.repeated(50), {0, 0});
+    editor->scheduler.advance(SpellingController::guessDelay);
+    settle();
+    EXPECT_EQ(spelling->dictionaries(), QStringList(u"de_AT"_s)) << "what was chosen stays";
+    EXPECT_GE(changes.count(), 3);
 }
 
 TEST_F(SpellingTest, PanelFollowsTheViewAndWorksWithKeys)

@@ -160,6 +160,49 @@ TEST_F(SpellCheckerTest, WithoutAUsableDictionaryAllIsCorrect)
     EXPECT_EQ(answer(*good, u"wrod"_s), wrong);
 }
 
+TEST_F(SpellCheckerTest, OtherDictionariesForOneText)
+{
+    const auto spelling = checker({u"en"_s});
+    EXPECT_EQ(spelling->installed(), QStringList({u"de_AT"_s, u"en_US"_s}));
+    const auto german = spelling->with({u"de_AT"_s, u"xx_XX"_s});
+    EXPECT_EQ(german, spelling->with({u"de_AT"_s, u"xx_XX"_s}));
+    EXPECT_EQ(german->dictionaries(), QStringList(u"de_AT"_s));
+    expectAnswers(*german, {u"Größe"_s}, correct);
+    expectAnswers(*german, {u"spelling"_s, u"quillet"_s}, wrong);
+    ASSERT_TRUE(spelling->learn(u"quillet"_s));
+    expectAnswers(*german, {u"quillet"_s}, correct);
+}
+
+TEST_F(SpellCheckerTest, GuessesTheDictionariesByTheWordsOfAText)
+{
+    const auto words = [](QStringView list) { return list.toString().split(u' '); };
+    put(u"fr_FR.aff"_s, "SET UTF-8\n");
+    put(u"fr_FR.dic"_s, "9\nun\ntrois\nquatre\ncinq\nsept\nhuit\nneuf\nonze\ndouze\n");
+    const QString english = u"the word spelling is here correct and of string comment"_s;
+    const QString german = u"und Größe Bär laut Füße"_s;
+    const QString french = u"un trois quatre cinq sept huit neuf onze douze"_s;
+    struct Case {
+        QString text;
+        QStringList languages;
+        QStringList guessed;
+    };
+    for (const auto &[text, languages, guessed] : {
+             Case{english, {u"de"_s, u"en"_s}, {u"en_US"_s}},
+             {english + u' ' + german, {u"de"_s, u"en"_s}, {u"en_US"_s, u"de_AT"_s}},
+             {english + u" und"_s, {u"de"_s, u"en"_s}, {u"en_US"_s}}, // one word is no language
+             {german, {u"en"_s, u"de"_s}, {u"en_US"_s, u"de_AT"_s}},  // too few to tell
+             {french, {u"en"_s, u"de"_s}, {u"fr_FR"_s}},
+             {english + u' ' + french, {u"en"_s, u"de"_s}, {u"en_US"_s, u"fr_FR"_s}},
+             {u"aa bb cc dd ee ff gg hh ii jj"_s, {u"en"_s, u"de"_s}, {u"en_US"_s, u"de_AT"_s}},
+         }) {
+        const auto spelling = checker(languages);
+        QStringList found;
+        const BackgroundTask task = spelling->guess(words(text), [&found](const QStringList &names) { found = names; });
+        QCoreApplication::processEvents();
+        EXPECT_EQ(found, guessed) << qPrintable(text);
+    }
+}
+
 TEST(SpellDictionaryTest, FindsTheDictionaryOfALanguage)
 {
     const TestFolder folder;

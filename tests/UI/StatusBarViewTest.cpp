@@ -143,6 +143,31 @@ TEST_F(StatusBarViewTest, TellsHowMuchTextThereIs)
     EXPECT_EQ(readingTime(99), u"weniger als 1 min"_s);
 }
 
+TEST_F(StatusBarViewTest, OffersTheDictionariesOfTheText)
+{
+    QStringList chosen;
+    QObject::connect(&bar, &StatusBarView::dictionariesChosen, [&chosen](const QStringList &names) { chosen << names.join(u'+'); });
+    State state = someState();
+    state.spelling = {.inUse = {u"de_AT"_s, u"xyz"_s}, .chosen = {}, .installed = {u"de_AT"_s, u"en_US"_s, u"xyz"_s}};
+    bar.setState(state);
+    EXPECT_EQ(texts()[1], u"de_AT, xyz"_s);
+    QMenu &menu = menuOf(u"Dictionaries"_s);
+    EXPECT_EQ(titlesOf(menu),
+              (QStringList{u"*Automatic"_s, u"Österreichisches Deutsch (de_AT)"_s, u"American English (en_US)"_s, u"xyz"_s}));
+    menu.actions()[2]->trigger();
+    EXPECT_TRUE(titlesOf(menu).contains(u"*Automatic"_s)) << "until somebody says otherwise";
+    state.spelling->chosen = {u"en_US"_s};
+    bar.setState(state);
+    EXPECT_EQ(titlesOf(menu).filter(u"*"_s), QStringList{u"*American English (en_US)"_s});
+    for (const int entry : {1, 2, 0}) {
+        menu.actions()[entry]->trigger();
+    }
+    EXPECT_EQ(chosen, (QStringList{u"en_US"_s, u"en_US+de_AT"_s, u""_s, u""_s}));
+    state.spelling.reset();
+    bar.setState(state);
+    EXPECT_EQ(texts()[1], u"Ln 3, Col 2"_s);
+}
+
 TEST_F(StatusBarViewTest, HintsAtTheCharacterAtTheCaret)
 {
     const auto hint = [](const QString &text, qsizetype caret, TextEncoding encoding, LineEnding ending = LineEnding::lf) {
