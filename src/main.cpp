@@ -10,8 +10,13 @@
 #include <QApplication>
 #include <QProcess>
 
+#include <array>
 #include <cstdio>
+#include <string>
+#include <vector>
 
+#include <fcntl.h>
+#include <spawn.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -58,6 +63,44 @@ void startAnother(const CommandLine &line)
     }
 }
 
+/// What the desktop lets a window come to the front by; the toolkit takes it out of the environment.
+using ActivationTokens = std::array<std::pair<const char *, QByteArray>, 2>;
+ActivationTokens activationTokens()
+{
+    ActivationTokens tokens{{{"XDG_ACTIVATION_TOKEN", {}}, {"DESKTOP_STARTUP_ID", {}}}};
+    for (auto &[name, value] : tokens) {
+        value = qgetenv(name);
+    }
+    return tokens;
+}
+
+/// The same request in a program of its own, which outlives the terminal and is not waited for. Whether it was started.
+bool startBehind(int argc, char **argv, const ActivationTokens &tokens)
+{
+    for (const auto &[name, value] : tokens) {
+        if (!value.isEmpty()) {
+            qputenv(name, value);
+        }
+    }
+    std::string wait = "--wait";
+    std::vector<char *> arguments{argv[0], wait.data()};
+    arguments.insert(arguments.end(), argv + 1, argv + argc);
+    arguments.push_back(nullptr);
+    posix_spawn_file_actions_t files{};
+    posix_spawnattr_t attributes{};
+    posix_spawn_file_actions_init(&files);
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        posix_spawn_file_actions_addopen(&files, descriptor, "/dev/null", O_RDWR, 0);
+    }
+    pid_t started = 0;
+    const int error = posix_spawn(&started, "/proc/self/exe", &files, &attributes, arguments.data(), environ);
+    posix_spawnattr_destroy(&attributes);
+    posix_spawn_file_actions_destroy(&files);
+    return error == 0;
+}
+
 void printProblems(const CommandLine &line)
 {
     for (const QString &problem : line.problems) {
@@ -102,11 +145,15 @@ int main(int argc, char **argv)
     if (::isatty(STDERR_FILENO) != 0) {
         line.problems.clear();
     }
+    const ActivationTokens tokens = activationTokens();
     // The arguments are all read; the application object would look for its own among them.
     int applicationArguments = 1;
     QApplication application(applicationArguments, argv);
     QApplication::setApplicationVersion(QStringLiteral(QUILLET_VERSION));
     const bool isComparison = line.request == CommandLine::Request::compare;
+    if (isComparison && !line.waits && startBehind(argc, argv, tokens)) {
+        return 0;
+    }
     auto given = isComparison ? RunningInstance::Outcome{} : handOver(line);
     if (given.answer == Answer::nobodyRuns && line.waits && QDBusConnection::sessionBus().isConnected()) {
         startAnother(line);

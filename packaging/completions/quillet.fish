@@ -1,7 +1,7 @@
 complete -c quillet -s w -l wait -d 'end when the files are closed; 1 when edits were not saved'
 complete -c quillet -s n -l new-window -d 'open the files in a window of their own'
 complete -c quillet -s t -l new-tab -d 'open an empty tab'
-complete -c quillet -s d -l diff -r -d 'compare two files side by side'
+complete -c quillet -s d -l diff -r -d 'compare two files side by side; with --wait, end when that is closed'
 complete -c quillet -l language -x -a 'en de' -d 'the language of the interface, this time'
 complete -c quillet -s h -l help -d 'show this help and end'
 complete -c quillet -s v -l version -d 'show the version and end'

@@ -6,8 +6,8 @@ _arguments \
     '(-n --new-window)--new-window[open the files in a window of their own]' \
     '(-t --new-tab)-t[open an empty tab]' \
     '(-t --new-tab)--new-tab[open an empty tab]' \
-    '(-d --diff)-d[compare two files side by side]:file:_files:file:_files' \
-    '(-d --diff)--diff[compare two files side by side]:file:_files:file:_files' \
+    '(-d --diff)-d[compare two files side by side; with --wait, end when that is closed]:file:_files:file:_files' \
+    '(-d --diff)--diff[compare two files side by side; with --wait, end when that is closed]:file:_files:file:_files' \
     '(--language)--language[the language of the interface, this time]:word:(en de)' \
     '(-h --help)-h[show this help and end]' \
     '(-h --help)--help[show this help and end]' \

@@ -22,7 +22,7 @@ constexpr auto optionRows = std::to_array<OptionRow>({
     {Option::wait, "--wait"_L1, "-w"_L1, {}, 0, u"end when the files are closed; 1 when edits were not saved"},
     {Option::newWindow, "--new-window"_L1, "-n"_L1, {}, 0, u"open the files in a window of their own"},
     {Option::newTab, "--new-tab"_L1, "-t"_L1, {}, 0, u"open an empty tab"},
-    {Option::compare, "--diff"_L1, "-d"_L1, "OLD NEW"_L1, 2, u"compare two files side by side"},
+    {Option::compare, "--diff"_L1, "-d"_L1, "OLD NEW"_L1, 2, u"compare two files side by side; with --wait, end when that is closed"},
     {Option::language, "--language"_L1, {}, "en|de"_L1, 1, u"the language of the interface, this time"},
     {Option::help, "--help"_L1, "-h"_L1, {}, 0, u"show this help and end"},
     {Option::version, "--version"_L1, "-v"_L1, {}, 0, u"show the version and end"},
@@ -79,7 +79,7 @@ public:
         for (qsizetype at = 0; at < arguments.size(); ++at) {
             const QString &argument = arguments[at];
             if (!mayBeOption || (!argument.startsWith(u'-') && !takePlace(argument))) {
-                addFile(argument);
+                addNamed(argument);
             } else if (argument == "--"_L1) {
                 mayBeOption = false;
             } else if (argument == "-"_L1) {
@@ -125,6 +125,14 @@ private:
             likeliest = kind == PathKind::unknown ? &candidate : likeliest;
         }
         return *likeliest;
+    }
+
+    /// What is named beside the two files of a comparison does not count.
+    void addNamed(const QString &argument)
+    {
+        if (m_line.request != CommandLine::Request::compare) {
+            addFile(argument);
+        }
     }
 
     void addFile(const QString &argument)
@@ -188,7 +196,7 @@ private:
             m_line.request = CommandLine::Request::compare;
             m_line.files.clear();
             std::ranges::for_each(values, [this](const QString &value) { addFile(value); });
-            return -1;
+            return wanted;
         case Option::language:
             if (values.first() != "en"_L1 && values.first() != "de"_L1) {
                 return refuse(formatted(localized(u"“%@” is no language of the interface; there are “en” and “de”."), values.first()));

@@ -33,7 +33,7 @@ struct CommandLine {
     bool opensNewWindow = false;
     /// An empty tab, besides the files.
     bool opensNewTab = false;
-    /// Ends when the files have been closed again.
+    /// Ends when the files, or the window of a comparison, have been closed again.
     bool waits = false;
     /// What comes from the standard input is opened too.
     bool readsStandardInput = false;

@@ -272,10 +272,23 @@ void DocumentActions::handleSaveError(const Error &error, const DocumentFile::Ma
     // What the banner says at the same time, or the user has just chosen, needs no dialog.
     if (error.code == AtomicFile::changedError || error.code == Administrator::dismissedError) {
         emit messageShown(error.message, longFlash);
-    } else {
-        presentError(error.message);
+        completion(false);
+        return;
     }
-    completion(false);
+    if (manner.authority != DocumentFile::Authority::user) {
+        presentError(error.message);
+        completion(false);
+        return;
+    }
+    Alert report = Alert::forError(error.message, localized(u"The text is as it was and can be saved somewhere else."));
+    report.buttons = {{localized(u"OK"), AlertButtonRole::cancel}, {localized(u"Save As…")}};
+    present(report, [this, document = document.shared_from_this(), completion](int button) {
+        if (button == AlertReply::secondButton) {
+            saveAs(*document, completion);
+        } else {
+            completion(false);
+        }
+    });
 }
 
 void DocumentActions::offerOtherWays(const Error &error, TextDocument &document, const Attempt &attempt, const Completion &completion)

@@ -103,6 +103,8 @@ TEST_F(CommandLineTest, OptionsAreKnownOrRefused)
 
     const CommandLine two = parse({u"--diff"_s, u"a.txt"_s, u"a:12"_s});
     EXPECT_EQ(two.request, CommandLine::Request::compare);
+    EXPECT_FALSE(two.waits);
+    EXPECT_TRUE(parse({u"--diff"_s, u"a.txt"_s, u"a:12"_s, u"--wait"_s}).waits);
     EXPECT_EQ(two.files, (Files{{path(u"a.txt"_s)}, {path(u"a:12"_s)}}));
     EXPECT_EQ(parse({u"-d"_s, u"a.txt"_s, u"missing"_s}).problems.size(), 1);
 }

@@ -48,6 +48,16 @@ class OneProgram(unittest.TestCase):
         program.terminate()
         self.assertEqual(self.code(program), 0)
 
+    def others(self, known):
+        """The numbers of programs of this test beside one."""
+        found = []
+        for process in pathlib.Path("/proc").glob("[0-9]*"):
+            with contextlib.suppress(OSError):
+                if str(self.path).encode() in (process / "environ").read_bytes() and int(process.name) != known.pid \
+                        and os.readlink(process / "exe") == os.path.realpath(PROGRAM):
+                    found.append(int(process.name))
+        return found
+
     def session(self):
         """Of the program that runs: the names of files, and what texts without a file hold."""
         data = self.path / "data" / "Quillet"
@@ -78,7 +88,7 @@ class OneProgram(unittest.TestCase):
 
     def test_a_comparison_leaves_the_session_alone(self):
         self.end(self.start_with("a.txt"))
-        comparison = self.start("--diff", self.write("b.txt"), self.write("c.txt"))
+        comparison = self.start("--diff", self.write("b.txt"), self.write("c.txt"), "--wait")
         seen = []
 
         def rests():
@@ -90,6 +100,18 @@ class OneProgram(unittest.TestCase):
         self.end(comparison)
         self.end(program)
         self.assertEqual(self.session(), {"a.txt", "d.txt"})
+
+    def test_a_comparison_does_not_hold_up_the_shell(self):
+        asked = self.start("--diff", self.write("a.txt"), self.write("b.txt"), stdout=subprocess.PIPE)
+        # A shell that collects the output waits for whoever can write to it.
+        self.assertEqual(asked.communicate(timeout=TIMEOUT)[0], "")
+        self.assertEqual(asked.returncode, 0)
+        behind = self.others(asked)
+        self.assertEqual(len(behind), 1)
+        self.assertNotEqual(os.getsid(behind[0]), os.getsid(0), "it stays when the terminal goes")
+        os.kill(behind[0], signal.SIGTERM)
+        until("its end", lambda: not self.others(asked))
+        self.assertEqual(self.code(self.start("--diff", "a.txt", "missing")), 2)
 
     def test_one_that_hangs_is_left_alone(self):
         first = self.start_with("a.txt")
@@ -114,12 +136,7 @@ class OneProgram(unittest.TestCase):
     def test_it_starts_one_to_wait_for(self):
         waiting = self.start_with("a.txt", "--wait")
         self.assertIsNone(waiting.poll())
-        others = []
-        for process in pathlib.Path("/proc").glob("[0-9]*"):
-            with contextlib.suppress(OSError):
-                if str(self.path).encode() in (process / "environ").read_bytes() and int(process.name) != waiting.pid \
-                        and os.readlink(process / "exe") == os.path.realpath(PROGRAM):
-                    others.append(int(process.name))
+        others = self.others(waiting)
         self.assertEqual(len(others), 1)
         os.kill(others[0], signal.SIGTERM)
         self.assertEqual(self.code(waiting), 0)
