@@ -12,6 +12,7 @@
 #include "Base/Localization.h"
 #include "Base/Translation.h"
 #include "Commands/Actions.h"
+#include "Commands/KeyboardChords.h"
 #include "Desktop/Desktop.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
@@ -65,11 +66,13 @@ const ProblemWords &wordsFor(Problem kind)
 
 AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(services)
 {
-    m_languageObserver = m_services.notifications.observe(Localization::didChangeNotification, nullptr, [this] {
+    const auto installMenus = [this] {
         for (MainWindowController *window : m_windows) {
             MainMenu::install(*window, window->firstResponder(), menuSources());
         }
-    });
+    };
+    m_languageObserver = m_services.notifications.observe(Localization::didChangeNotification, nullptr, installMenus);
+    m_keyboardObserver = m_services.notifications.observe(KeyboardChords::didChangeNotification, nullptr, installMenus);
     connect(qApp, &QGuiApplication::focusWindowChanged, this, &AppDelegate::rememberActiveWindow);
     m_documentObserver = m_services.notifications.observe(DocumentStore::didChange, nullptr, [this] { noticeClosed(); });
     m_services.keeper.setWindows(this);

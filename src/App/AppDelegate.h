@@ -127,4 +127,5 @@ private:
     PendingWrites m_writes{m_services.presenter};
     DelayedTask m_warning;
     NotificationCenter::Token m_languageObserver;
+    NotificationCenter::Token m_keyboardObserver;
 };

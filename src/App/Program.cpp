@@ -8,8 +8,10 @@
 #include "App/TerminationSignals.h"
 #include "Base/Localization.h"
 #include "Base/ToolkitTexts.h"
+#include "Commands/KeyboardChords.h"
 #include "Desktop/DesktopRecentFiles.h"
 #include "Desktop/ForeignKeyboard.h"
+#include "Desktop/KeyboardLayout.h"
 #include "Desktop/PolkitAdministrator.h"
 #include "Desktop/SystemAppearance.h"
 #include "Desktop/SystemDesktop.h"
@@ -80,6 +82,12 @@ struct Program::Parts {
     {
         spellingLanguages = notifications.observe(Localization::didChangeNotification, nullptr,
                                                   [this] { spellChecker.setLanguages(SpellChecker::systemSetup().languages); });
+        const auto useKeyboard = [this] {
+            KeyboardChords::use(layout.chords());
+            notifications.post(KeyboardChords::didChangeNotification, nullptr);
+        };
+        QObject::connect(&layout, &KeyboardLayout::changed, &delegate, useKeyboard);
+        useKeyboard();
         recent.onNote([this](const QStringList &paths) { desktopRecentFiles.note(paths); });
         QObject::connect(&appearance, &SystemAppearance::requestChanged, &palette, &DesktopPalette::adapt);
         QObject::connect(&appearance, &SystemAppearance::changed, &documents, &DocumentStore::refreshAppearance);
@@ -107,6 +115,7 @@ struct Program::Parts {
     int status = 0;
     DesktopPalette palette;
     ForeignKeyboard keyboard;
+    KeyboardLayout layout;
     ForeignChords foreignChords{keyboard};
     EventLoopScheduler scheduler;
     NotificationCenter notifications;

@@ -3,13 +3,20 @@
 #include "Commands/ActionKeys.h"
 
 #include "Base/Translation.h"
+#include "Commands/KeyboardChords.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 QList<QKeySequence> keySequences(const Action &action)
 {
-    // An empty text would be read as one empty sequence.
-    return *action.keys ? QKeySequence::listFromString(QString::fromUtf8(action.keys)) : QList<QKeySequence>();
+    if (!*action.keys) {
+        return {}; // an empty text would be read as one empty sequence
+    }
+    QList<QKeySequence> keys = QKeySequence::listFromString(QString::fromUtf8(action.keys));
+    std::stable_partition(keys.begin(), keys.end(), KeyboardChords::has);
+    return keys;
 }
 
 QString titleWithKey(const QString &title, const QKeySequence &key)

@@ -7,6 +7,7 @@
 #include <QKeySequence>
 #include <QList>
 
+/// Those that can be typed on the keyboard in use before the others.
 [[nodiscard]] QList<QKeySequence> keySequences(const Action &action);
 /// "Save (Ctrl+S)", or the title alone when there is no key. Titles are in the language of the interface already.
 [[nodiscard]] QString titleWithKey(const QString &title, const QKeySequence &key);

@@ -9,7 +9,8 @@
 
 /// All commands of the program. A new one is an object and its place in a menu, below, or among those that are in none.
 ///
-/// Where a chord needs AltGr on a German keyboard, another one follows that does not; the same for those that modal editing may take.
+/// Where a chord needs AltGr on a German keyboard, another one follows that does not; the same for those that modal editing may take, and
+/// for those that desktops take for locking the screen, opening a terminal or showing the desktop.
 namespace Actions {
 
 // Quillet
@@ -37,7 +38,7 @@ inline constexpr Action revertDocumentToSaved{.id = "revertDocumentToSaved:",
                                               .keys = "",
                                               .symbol = "arrow.uturn.backward",
                                               .help = u"Gives up what was not saved"};
-inline constexpr Action compareWithFileOnDisk{"compareWithFileOnDisk:", u"With File on Disk", "Ctrl+Alt+D"};
+inline constexpr Action compareWithFileOnDisk{"compareWithFileOnDisk:", u"With File on Disk", "Ctrl+Alt+D; Ctrl+Alt+Shift+D"};
 inline constexpr Action compareWithFile{"compareWithFile:", u"With File…", "", "arrow.left.arrow.right"};
 inline constexpr Action compareWithOpenDocument{"compareWithOpenDocument:", u"Other Open Files"};
 inline constexpr Action makeBackup{
@@ -47,7 +48,7 @@ inline constexpr Action revealInFinder{"revealInFinder:", u"Reveal in Finder", "
 inline constexpr Action copyFilePath{"copyFilePath:", u"Copy Path", "Ctrl+Alt+Shift+C", "doc.on.clipboard"};
 inline constexpr Action openInTerminal{.id = "openInTerminal:",
                                        .title = u"Open in Terminal",
-                                       .keys = "Ctrl+Alt+T",
+                                       .keys = "Ctrl+Alt+T; Ctrl+Alt+Shift+T",
                                        .symbol = "terminal",
                                        .help = u"Opens a terminal in the folder of the file"};
 inline constexpr Action printDocument{"printDocument:", u"Print…", "Ctrl+P"};
@@ -86,8 +87,11 @@ inline constexpr Action toggleContinuousSpellChecking{
 
 // View
 
-inline constexpr Action toggleLineNumbers{
-    .id = "toggleLineNumbers:", .title = u"Show Line Numbers", .keys = "Ctrl+Alt+L", .symbol = "list.number", .isCheckable = true};
+inline constexpr Action toggleLineNumbers{.id = "toggleLineNumbers:",
+                                          .title = u"Show Line Numbers",
+                                          .keys = "Ctrl+Alt+L; Ctrl+Alt+Shift+L",
+                                          .symbol = "list.number",
+                                          .isCheckable = true};
 inline constexpr Action toggleLineWrap{
     .id = "toggleLineWrap:", .title = u"Wrap Lines", .keys = "Ctrl+Alt+W", .symbol = "arrow.turn.down.left", .isCheckable = true};
 inline constexpr Action toggleInvisibles{

@@ -4,6 +4,7 @@
 
 #include "Base/Localization.h"
 #include "Base/Translation.h"
+#include "Commands/KeyboardChords.h"
 #include "Model/TextDocument.h"
 #include "Settings/Preferences.h"
 #include "UI/ToolbarActionItem.h"
@@ -105,6 +106,7 @@ EditorToolbarController::EditorToolbarController(QMainWindow &window, const Tool
     const auto validateAgain = [this] { validateSoon(); };
     m_observers = {notifications.observe(Preferences::toolbarConfigurationDidChange, nullptr, applyAgain),
                    notifications.observe(Localization::didChangeNotification, nullptr, applyAgain),
+                   notifications.observe(KeyboardChords::didChangeNotification, nullptr, applyAgain),
                    notifications.observe(TextDocument::didChangeMetadata, nullptr, validateAgain),
                    notifications.observe(Preferences::didChange, nullptr, validateAgain)};
     connect(qApp, &QApplication::focusChanged, this, validateAgain);

@@ -81,5 +81,5 @@ private:
     QPointer<QToolBar> m_bar;
     DelayedTask m_validation;
     Scheduler::Milliseconds m_lastValidation;
-    std::array<NotificationCenter::Token, 4> m_observers;
+    std::array<NotificationCenter::Token, 5> m_observers;
 };

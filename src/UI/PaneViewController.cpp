@@ -4,6 +4,7 @@
 
 #include "Base/Localization.h"
 #include "Base/Translation.h"
+#include "Commands/KeyboardChords.h"
 #include "Model/DocumentStore.h"
 #include "Settings/Preferences.h"
 #include "View/FirstResponder.h"
@@ -66,10 +67,12 @@ PaneViewController::PaneViewController(const WorkspaceServices &services, int id
         }
     }));
     connect(&m_services.documents, &DocumentStore::themeChanged, this, &PaneViewController::applyTheme);
-    m_observers.push_back(m_services.notifications.observe(Localization::didChangeNotification, nullptr, [this] {
-        m_tabBar->retranslate();
-        refreshTabs();
-    }));
+    for (const NotificationName name : {Localization::didChangeNotification, KeyboardChords::didChangeNotification}) {
+        m_observers.push_back(m_services.notifications.observe(name, nullptr, [this] {
+            m_tabBar->retranslate();
+            refreshTabs();
+        }));
+    }
 }
 
 PaneViewController::~PaneViewController()

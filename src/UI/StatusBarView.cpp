@@ -6,6 +6,7 @@
 #include "Base/Translation.h"
 #include "Commands/ActionKeys.h"
 #include "Commands/Actions.h"
+#include "Commands/KeyboardChords.h"
 #include "Files/TextFile.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/Theme.h"
@@ -101,6 +102,7 @@ StatusBarView::StatusBarView(Scheduler &scheduler, NotificationCenter &notificat
     retranslate();
     applyPalette();
     m_languageObserver = notifications.observe(Localization::didChangeNotification, nullptr, [this] { retranslate(); });
+    m_keyboardObserver = notifications.observe(KeyboardChords::didChangeNotification, nullptr, [this] { retranslate(); });
 }
 
 StatusBarView::~StatusBarView() = default;

@@ -157,4 +157,5 @@ private:
     PopUpButton *m_encodingPopUp;
     PopUpButton *m_languagePopUp;
     NotificationCenter::Token m_languageObserver;
+    NotificationCenter::Token m_keyboardObserver;
 };

@@ -6,6 +6,7 @@
 #include "Base/Localization.h"
 #include "Commands/ActionKeys.h"
 #include "Commands/Actions.h"
+#include "Commands/KeyboardChords.h"
 #include "WindowFixture.h"
 
 #include <QDir>
@@ -125,6 +126,17 @@ TEST_F(UserGuideWindow, IsATextOfTheLanguageThatNobodyEdits)
     send(Actions::showUserGuide);
     EXPECT_EQ(tabs().size(), 2);
     EXPECT_TRUE(text().contains(u"Datei › Öffnen"_s));
+
+    // The keys are those of the keyboard in use, and change with it.
+    const auto shiftRight = [this] { return menuItem(u"Bearbeiten"_s, u"Nach rechts einrücken"_s)->shortcut().toString(); };
+    EXPECT_EQ(shiftRight(), u"Ctrl+]"_s);
+    KeyboardChords::use({QKeySequence(u"Ctrl+Ä"_s)[0].toCombined(), QKeySequence(u"Ctrl+#"_s)[0].toCombined()});
+    notifications.post(KeyboardChords::didChangeNotification, nullptr);
+    send(Actions::showUserGuide);
+    EXPECT_EQ(shiftRight(), u"Ctrl+Ä"_s);
+    EXPECT_TRUE(text().contains(u"(Strg+Ä)"_s) && text().contains(u"(Strg+#)"_s) && !text().contains(u"Strg+]"_s));
+    KeyboardChords::use({});
+    notifications.post(KeyboardChords::didChangeNotification, nullptr);
 
     // A window that has no tabs, such as a comparison, has it shown in one that does.
     send(Actions::closeTab);

@@ -9,7 +9,7 @@ import subprocess
 # The codes of the keys of a US keyboard by what they type there, without and with Shift.
 ROWS = ((10, "1234567890-=", "!@#$%^&*()_+"), (24, "qwertyuiop[]", "QWERTYUIOP{}"), (38, "asdfghjkl;'`", "ASDFGHJKL:\"~"),
         (51, "\\zxcvbnm,./", "|ZXCVBNM<>?"))
-CODES = {"Esc": 9, "BS": 22, "Tab": 23, "CR": 36, "Space": 65, "F3": 69, "F4": 70, "F11": 95, "PgUp": 112, "PgDn": 117, "Home": 110, "End": 115,
+CODES = {"Esc": 9, "BS": 22, "Tab": 23, "CR": 36, "Space": 65, "F1": 67, "F3": 69, "F4": 70, "F11": 95, "PgUp": 112, "PgDn": 117, "Home": 110, "End": 115,
          "Left": 113, "Right": 114, "Up": 111, "Down": 116, "Del": 119,
          # Between Shift and Z, where there is one key more than on a US keyboard, and what is right of the space bar.
          "Extra": 94, "AltGr": 108}

@@ -75,6 +75,10 @@ FOREIGN_MAPPED = (
     ("a\nb\n", "Vjgc", "# a\n# b\n"),
 )
 
+# The guide has the keys that can be typed on the layout, also on one that is chosen while the program runs.
+GUIDE = tuple((layout, "", "<F1><C-a><C-c><C-PgUp><C-v>", re.compile(rf"(?s)(?!.*{missing}).*{found}.*"))
+              for layout, found, missing in (("de", r"\(Ctrl\+Ä\)", r"Ctrl\+\]"), ("us", r"\(Ctrl\+\]\)", r"Ctrl\+Ä")))
+
 
 def title(name):
     return f"{name} — Quillet"
@@ -143,6 +147,7 @@ def main():
                                      ("editor.vimMode=true\neditor.vimKeymapPreset=lazyvim\n", (), FOREIGN_MAPPED)):
         cases = [Case(*case) for case in local] + [Case(layout, *case) for layout in ("ru", "us,gr") for case in foreign]
         failed += failures(arguments, cases, settings)
+    failed += sum(failures(arguments, [Case(*case)]) for case in GUIDE)
     return 1 if failed else 0
 
 
