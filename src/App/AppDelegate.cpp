@@ -62,6 +62,11 @@ const ProblemWords &wordsFor(Problem kind)
     return *std::ranges::find(problems, kind, &ProblemWords::kind);
 }
 
+Alert overviewOf(const Action &action, const std::vector<Alert::Group> &groups)
+{
+    return {.style = AlertStyle::informational, .messageText = localized(action.title), .groups = groups};
+}
+
 } // namespace
 
 AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(services)
@@ -122,6 +127,7 @@ const ActionRow *AppDelegate::actionFor(const Action &wanted) const
         action<&Self::showUserGuide>(Actions::showUserGuide),
         action<&Self::showVimKeyReference>(Actions::showVimKeyReference),
         action<&Self::showShortcuts>(Actions::showShortcuts),
+        action<&Self::showVimKeyOverview>(Actions::showVimKeyOverview),
         action<&Self::revealSupportFolder>(Actions::revealSupportFolder),
         action<&Self::openRecentDocument>(Actions::openRecentDocument),
         action<&Self::clearRecentDocuments, &Self::hasRecentDocuments>(Actions::clearRecentDocuments),
@@ -630,9 +636,13 @@ void AppDelegate::showInWindow(const Action &reference)
 
 void AppDelegate::showShortcuts()
 {
-    m_services.presenter.present(
-        Alert{.style = AlertStyle::informational, .messageText = localized(Actions::showShortcuts.title), .groups = shortcutOverview()},
-        frontmostWindow(), {});
+    m_services.presenter.present(overviewOf(Actions::showShortcuts, shortcutOverview()), frontmostWindow(), {});
+}
+
+void AppDelegate::showVimKeyOverview()
+{
+    const VimKeymapPreset preset = m_services.preferences.value(Settings::vimKeymapPreset);
+    m_services.presenter.present(overviewOf(Actions::showVimKeyOverview, vimKeyOverview(preset)), frontmostWindow(), {});
 }
 
 void AppDelegate::revealSupportFolder()

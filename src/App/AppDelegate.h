@@ -92,6 +92,7 @@ private:
     void showInWindow(const Action &reference);
     void rememberActiveWindow();
     void showShortcuts();
+    void showVimKeyOverview();
     void revealSupportFolder();
     void openRecentDocument(const ActionSender &sender);
     void clearRecentDocuments();

@@ -5,6 +5,7 @@
 #include "Base/Translation.h"
 #include "Commands/ActionKeys.h"
 #include "Commands/Actions.h"
+#include "Vim/VimReference.h"
 
 #include <set>
 
@@ -75,4 +76,16 @@ std::vector<Alert::Group> shortcutOverview()
         overview.add(menu);
     }
     return overview.groups();
+}
+
+std::vector<Alert::Group> vimKeyOverview(VimKeymapPreset preset)
+{
+    std::vector<Alert::Group> groups;
+    for (const VimReference::Section &section : VimReference::overview(preset)) {
+        Alert::Group &group = groups.emplace_back(Alert::Group{.title = section.heading});
+        for (const VimReference::Row &row : section.rows) {
+            group.lines.push_back({row.text, row.keys.join(u"  "_s)});
+        }
+    }
+    return groups;
 }

@@ -140,6 +140,7 @@ inline constexpr Action arrangeInFront{"arrangeInFront:", u"Bring All to Front"}
 inline constexpr Action showUserGuide{"showUserGuide:", u"User’s Guide", "F1"};
 inline constexpr Action showShortcuts{"showShortcuts:", u"Keyboard Shortcuts"};
 inline constexpr Action showVimKeyReference{"showVimKeyReference:", u"Vim Key Reference"};
+inline constexpr Action showVimKeyOverview{"showVimKeyOverview:", u"Vim Keys at a Glance"};
 inline constexpr Action revealSupportFolder{"revealSupportFolder:", u"Reveal Local Data Folder"};
 
 // Where the menu bar has them
@@ -272,7 +273,7 @@ inline constexpr auto window = std::to_array<MenuRow>({
     {arrangeInFront, unavailable},
 });
 
-inline constexpr auto help = std::to_array<MenuRow>({showUserGuide, line, showShortcuts, showVimKeyReference, revealSupportFolder});
+inline constexpr auto help = std::to_array<MenuRow>({showUserGuide, line, showShortcuts, showVimKeyReference, showVimKeyOverview, revealSupportFolder});
 
 inline constexpr auto bar = std::to_array<MenuLayout>({
     {u"Quillet", quillet},

@@ -8,6 +8,8 @@
 #include "Vim/VimExCommands.h"
 #include "Vim/VimTextObject.h"
 
+#include <QKeySequence>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -92,6 +94,23 @@ std::vector<Section> sectionsOfKeymap()
     return sections;
 }
 
+/// "Ctrl+W v" for "⌃w v".
+QString asOnTheKeyboard(const QString &keys)
+{
+    QString named;
+    for (qsizetype place = 0; place < keys.size(); ++place) {
+        const bool isControl = keys[place] == u'⌃';
+        if ((isControl || keys[place] == u'⌥') && place + 1 < keys.size()) {
+            const QKeyCombination chord(isControl ? Qt::ControlModifier : Qt::AltModifier, Qt::Key(keys[++place].toUpper().unicode()));
+            named += QKeySequence(chord).toString(QKeySequence::NativeText);
+        } else {
+            named += keys[place];
+        }
+    }
+    const QString space = QKeySequence(Qt::Key_Space).toString(QKeySequence::NativeText);
+    return named.replace("<leader>"_L1, space + u' ');
+}
+
 QStringList presetSection(VimKeymapPreset preset)
 {
     QStringList lines{QString(), u"## "_s + localized(u"LazyVim keys"), QString()};
@@ -168,6 +187,20 @@ std::vector<Section> VimReference::sections()
         all.push_back({.heading = localized(row.heading),
                        .intro = row.intro ? localized(row.intro) : QString(),
                        .rows = rowsOf(row.section, entries)});
+    }
+    return all;
+}
+
+std::vector<Section> VimReference::overview(VimKeymapPreset preset)
+{
+    std::vector<Section> all = sections();
+    if (preset == VimKeymapPreset::lazyVim) {
+        std::ranges::move(sectionsOfKeymap(), std::back_inserter(all));
+    }
+    for (Section &section : all) {
+        for (Row &row : section.rows) {
+            std::ranges::transform(row.keys, row.keys.begin(), asOnTheKeyboard);
+        }
     }
     return all;
 }

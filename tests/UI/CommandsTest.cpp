@@ -359,6 +359,26 @@ TEST(Actions, TheOverviewHasEveryKeyOnce)
     EXPECT_TRUE(lines.contains(u"Navigate: Tab 1…8 Ctrl+1…Ctrl+8"_s)) << lines.join(u'\n').toStdString();
 }
 
+TEST(Actions, TheOverviewOfVimHasKeysAsTheKeyboardHasThem)
+{
+    const auto shown = [](VimKeymapPreset preset) {
+        QStringList lines;
+        for (const Alert::Group &group : vimKeyOverview(preset)) {
+            for (const Alert::Group::Line &line : group.lines) {
+                lines << group.title + u": "_s + line.text + u" "_s + line.detail;
+            }
+        }
+        return lines;
+    };
+    const QStringList plain = shown(VimKeymapPreset::plain);
+    const QStringList lazy = shown(VimKeymapPreset::lazyVim);
+    EXPECT_TRUE(plain.contains(u"Editing: undo, redo u  Ctrl+R"_s)) << plain.join(u'\n').toStdString();
+    EXPECT_TRUE(plain.contains(u"Windows: split right / down Ctrl+W v  Ctrl+W s"_s));
+    EXPECT_TRUE(lazy.contains(u"Editing: move line down Alt+J"_s)) << lazy.join(u'\n').toStdString();
+    EXPECT_TRUE(lazy.filter(u"<leader>"_s).isEmpty() && lazy.filter(u"⌃"_s).isEmpty() && lazy.filter(u"⌥"_s).isEmpty());
+    EXPECT_GT(lazy.size(), plain.size());
+}
+
 TEST(SystemDesktop, ReadsTheCommandOfAnEntry)
 {
     for (const auto &[exec, command] :
