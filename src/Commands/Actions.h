@@ -273,7 +273,8 @@ inline constexpr auto window = std::to_array<MenuRow>({
     {arrangeInFront, unavailable},
 });
 
-inline constexpr auto help = std::to_array<MenuRow>({showUserGuide, line, showShortcuts, showVimKeyReference, showVimKeyOverview, revealSupportFolder});
+inline constexpr auto help =
+    std::to_array<MenuRow>({showUserGuide, line, showShortcuts, showVimKeyReference, showVimKeyOverview, revealSupportFolder});
 
 inline constexpr auto bar = std::to_array<MenuLayout>({
     {u"Quillet", quillet},
