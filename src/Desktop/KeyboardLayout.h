@@ -29,7 +29,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    /// Takes some 50 µs as long as it is the same.
+    /// As long as the layout is the same, only a few keys are asked for.
     void look();
     [[nodiscard]] bool mayTellOfAnother(const QKeyEvent &event);
 

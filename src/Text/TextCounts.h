@@ -19,7 +19,7 @@ struct TextCounts {
     /// Those of the characters that are blank.
     qsizetype blanks = 0;
 
-    /// What is in `range`, which begins and ends between graphemes. A word is whole there, wherever it goes on outside. Some 50 ns a unit;
+    /// What is in `range`, which begins and ends between graphemes. A word is whole there, wherever it goes on outside. O(units);
     /// stops early, with anything, once the token says so. Any thread.
     [[nodiscard]] static TextCounts of(const Rope &text, TextRange range, const std::stop_token &stop = {});
     /// By how much a change alters the counts of the whole text. Looks at no more than `most` units before and after; none when that is
