@@ -30,6 +30,9 @@ inline constexpr Action openDocument{"openDocument:", u"Open…", "Ctrl+O", "fol
 inline constexpr Action openRecentDocument{"openRecentDocument:", u"Open Recent"};
 inline constexpr Action clearRecentDocuments{"clearRecentDocuments:", u"Clear Menu"};
 inline constexpr Action closeTab{"closeTab:", u"Close Tab", "Ctrl+W; Ctrl+F4"};
+inline constexpr Action closeOtherTabs{"closeOtherTabs:", u"Close Others"};
+inline constexpr Action closeTabsToTheRight{"closeTabsToTheRight:", u"Close to the Right"};
+inline constexpr Action closeSavedTabs{"closeSavedTabs:", u"Close Saved"};
 inline constexpr Action performClose{"performClose:", u"Close Window", "Ctrl+Shift+W"};
 inline constexpr Action saveDocument{"saveDocument:", u"Save", "Ctrl+S", "square.and.arrow.down"};
 inline constexpr Action saveDocumentAs{"saveDocumentAs:", u"Save As…", "Ctrl+Shift+S", "square.and.arrow.down.on.square"};
@@ -287,9 +290,24 @@ inline constexpr auto bar = std::to_array<MenuLayout>({
     {u"Help", help},
 });
 
+/// Of a tab.
+inline constexpr auto tab = std::to_array<MenuRow>({
+    closeTab,
+    closeOtherTabs,
+    closeTabsToTheRight,
+    closeSavedTabs,
+    line,
+    splitEditorRight,
+    splitEditorDown,
+    moveTabToNewWindow,
+    line,
+    copyFilePath,
+    revealInFinder,
+});
+
 } // namespace Menus
 
-// In no menu: for modal editing, toolbars and banners
+// Not in the menu bar: for modal editing, toolbars, banners and the menus of tabs
 
 inline constexpr Action showFindInterface{.id = "showFindInterface:", .keys = find.keys, .symbol = find.symbol};
 inline constexpr Action closeWindowFromVim{"closeWindowFromVim:"};
@@ -305,9 +323,9 @@ inline constexpr Action finishWaiting{"finishWaiting:"};
 inline constexpr Action abortWaiting{"abortWaiting:"};
 inline constexpr Action compareWithOrigin{"compareWithOrigin:"};
 
-inline constexpr auto inNoMenu =
-    std::to_array<const Action *>({&showFindInterface, &closeWindowFromVim, &closeOtherSplits, &focusPreviousPane, &saveAndClose,
-                                   &forceCloseTab, &editFile, &revertWithoutAsking, &finishWaiting, &abortWaiting, &compareWithOrigin});
+inline constexpr auto inNoMenu = std::to_array<const Action *>(
+    {&showFindInterface, &closeWindowFromVim, &closeOtherSplits, &focusPreviousPane, &saveAndClose, &forceCloseTab, &editFile,
+     &revertWithoutAsking, &finishWaiting, &abortWaiting, &closeOtherTabs, &closeTabsToTheRight, &closeSavedTabs, &compareWithOrigin});
 
 /// Those of the menu bar in its order, each once.
 [[nodiscard]] std::vector<const Action *> inMenus();

@@ -85,8 +85,8 @@ const ActionRow *DocumentActions::actionFor(const Action &wanted) const
         action<&Self::makeBackup, &Self::hasFile>(Actions::makeBackup),
         action<&Self::openInTerminal, &Self::hasFile>(Actions::openInTerminal),
         action<&Self::moveDocumentToTrash, &Self::hasFile>(Actions::moveDocumentToTrash),
-        action<&Self::revealInFinder, &Self::hasFile>(Actions::revealInFinder),
-        action<&Self::copyFilePath, &Self::hasFile>(Actions::copyFilePath),
+        action<&Self::revealInFinder, &Self::hasFileInTab>(Actions::revealInFinder),
+        action<&Self::copyFilePath, &Self::hasFileInTab>(Actions::copyFilePath),
         action<&Self::showVimKeyReference>(Actions::showVimKeyReference),
         action<&Self::showUserGuide>(Actions::showUserGuide),
         action<&Self::compareWithFileOnDisk, &Self::hasFile>(Actions::compareWithFileOnDisk),
@@ -100,9 +100,9 @@ const ActionRow *DocumentActions::actionFor(const Action &wanted) const
 
 // Enabling
 
-bool DocumentActions::hasFile() const
+bool DocumentActions::hasFileInTab(const ActionSender &sender) const
 {
-    const TextDocument *document = currentDocument();
+    const auto document = documentOf(m_layout, sender);
     return document && !document->isUntitled();
 }
 
@@ -550,10 +550,10 @@ void DocumentActions::trash(TextDocument &document)
     });
 }
 
-void DocumentActions::revealInFinder()
+void DocumentActions::revealInFinder(const ActionSender &sender)
 {
-    if (hasFile()) {
-        m_services.desktop.reveal(currentDocument()->path(), [self = QPointer(this)](const QString &problem) {
+    if (hasFileInTab(sender)) {
+        m_services.desktop.reveal(documentOf(m_layout, sender)->path(), [self = QPointer(this)](const QString &problem) {
             if (self) {
                 self->presentError(problem);
             }
@@ -563,10 +563,10 @@ void DocumentActions::revealInFinder()
     }
 }
 
-void DocumentActions::copyFilePath()
+void DocumentActions::copyFilePath(const ActionSender &sender)
 {
-    if (hasFile()) {
-        m_services.pasteboard.setText(currentDocument()->path());
+    if (hasFileInTab(sender)) {
+        m_services.pasteboard.setText(documentOf(m_layout, sender)->path());
     } else {
         beep();
     }

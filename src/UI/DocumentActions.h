@@ -5,6 +5,7 @@
 #include "Diff/DiffViewController.h"
 #include "Model/PaneLayout.h"
 #include "Model/TextDocument.h"
+#include "UI/TabPlace.h"
 #include "UI/WorkspaceServices.h"
 
 struct Alert;
@@ -72,8 +73,8 @@ private:
     void openInTerminal();
     void moveDocumentToTrash();
     void trash(TextDocument &document);
-    void revealInFinder();
-    void copyFilePath();
+    void revealInFinder(const ActionSender &sender);
+    void copyFilePath(const ActionSender &sender);
     void selectLanguageFromMenu(const ActionSender &sender);
     void compareWithFileOnDisk();
     void compareWithFile();
@@ -89,7 +90,8 @@ private:
     /// Which questions block.
     [[nodiscard]] QWidget *window() const { return m_widget.window(); }
     [[nodiscard]] bool hasDocument() const { return currentDocument() != nullptr; }
-    [[nodiscard]] bool hasFile() const;
+    [[nodiscard]] bool hasFile() const { return hasFileInTab({}); }
+    [[nodiscard]] bool hasFileInTab(const ActionSender &sender) const;
     [[nodiscard]] bool canRevert() const;
     [[nodiscard]] bool hasSeveralDocuments() const;
     [[nodiscard]] bool hasOrigin() const;

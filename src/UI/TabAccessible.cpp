@@ -41,14 +41,16 @@ QAccessible::State TabItemAccessible::state() const
 
 QStringList TabItemAccessible::actionNames() const
 {
-    return {pressAction(), setFocusAction()};
+    return {pressAction(), showMenuAction(), setFocusAction()};
 }
 
 void TabItemAccessible::doAction(const QString &name)
 {
-    if (name != pressAction()) {
-        QAccessibleWidget::doAction(name);
-    } else if (item().onSelect) {
+    if (name == showMenuAction() && item().onContextMenu) {
+        item().onContextMenu(item().mapToGlobal(item().rect().bottomLeft()));
+    } else if (name == pressAction() && item().onSelect) {
         item().onSelect();
+    } else {
+        QAccessibleWidget::doAction(name);
     }
 }

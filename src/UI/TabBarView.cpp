@@ -136,7 +136,7 @@ void TabBarView::addItem()
     item->onClose = [this, item] { requestClose(item->index()); };
     item->onDrop = [this, item](int from) { move(from, item->index()); };
     item->onStep = [this, item](TabItemView::Step step) { moveFocus(step, item->index()); };
-    item->onContextMenu = [this, item](QPoint position) { showMenuOfTab(item->index(), position); };
+    item->onContextMenu = [this, item](QPoint position) { requestMenu(item->index(), position); };
     item->onFocusChange = [this, item] {
         updateTabStop();
         if (item->hasFocus()) {
@@ -224,12 +224,11 @@ void TabBarView::moveFocus(TabItemView::Step step, int from)
 
 // Menus
 
-void TabBarView::showMenuOfTab(int index, QPoint globalPosition)
+void TabBarView::requestMenu(int index, QPoint globalPosition)
 {
-    auto *menu = new QMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction(localized(Actions::closeTab.title), this, [this, index] { requestClose(index); });
-    menu->popup(globalPosition);
+    if (index < int(m_items.size())) {
+        emit menuRequested(index, globalPosition);
+    }
 }
 
 void TabBarView::fillMenuOfTabs()

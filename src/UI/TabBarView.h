@@ -45,6 +45,8 @@ signals:
     void tabChosen(int index);
     void closeRequested(int index);
     void newTabRequested();
+    /// Of the tab; the position is global.
+    void menuRequested(int index, QPoint globalPosition);
     /// The tab at `from` shall be at `to` when it is back in; the two differ.
     void moveRequested(int from, int to);
 
@@ -72,9 +74,9 @@ private:
 
     void select(int index);
     void requestClose(int index);
+    void requestMenu(int index, QPoint globalPosition);
     void move(int from, int to);
     void moveFocus(TabItemView::Step step, int from);
-    void showMenuOfTab(int index, QPoint globalPosition);
     void fillMenuOfTabs();
 
     const Theme *m_theme;

@@ -38,12 +38,7 @@ const ActionRow *WorkspaceViewController::actionFor(const Action &wanted) const
     using Self = WorkspaceViewController;
     static constexpr auto rows = std::to_array<ActionRow>({
         action<&Self::newDocument>(Actions::newDocument),
-        action<&Self::closeTab, &Self::hasDocument>(Actions::closeTab),
-        action<&Self::saveAndClose, &Self::hasDocument>(Actions::saveAndClose),
-        action<&Self::forceCloseTab, &Self::hasDocument>(Actions::forceCloseTab),
         action<&Self::editFile>(Actions::editFile),
-        action<&Self::finishWaiting, &Self::hasDocument>(Actions::finishWaiting),
-        action<&Self::abortWaiting, &Self::hasDocument>(Actions::abortWaiting),
         action<&Self::showFindInterface, &Self::hasEditor>(Actions::showFindInterface),
         action<&Self::closeWindowFromVim>(Actions::closeWindowFromVim),
         action<&Self::goToLine, &Self::hasEditor>(Actions::goToLine),
@@ -79,54 +74,6 @@ ActionState WorkspaceViewController::themeState(const ActionSender &sender) cons
 void WorkspaceViewController::beep()
 {
     m_services.presenter.beep();
-}
-
-// The end of a text
-
-void WorkspaceViewController::saveAndClose()
-{
-    const auto document = m_layout.current();
-    if (!document) {
-        return;
-    }
-    m_documentActions.save(*document, [this, id = m_layout.active()->id, document](bool isSaved) {
-        if (const int pane = m_layout.paneWithId(id); isSaved && pane >= 0) {
-            requestClose(pane, m_layout.panes()[size_t(pane)].indexOf(*document));
-        }
-    });
-}
-
-/// Without a question; what was not saved is lost.
-void WorkspaceViewController::forceCloseTab()
-{
-    const auto document = m_layout.current();
-    if (!document) {
-        return;
-    }
-    // But not before it is known what became of what is being written.
-    m_writes.await({document}, window(), [this, id = m_layout.active()->id, document](PendingWrites::Outcome outcome) {
-        if (outcome != PendingWrites::Outcome::failed) {
-            takeTab(m_layout.paneWithId(id), *document);
-        }
-    });
-}
-
-/// The program that waits for the current document goes on with what was written.
-void WorkspaceViewController::finishWaiting()
-{
-    if (TextDocument *document = currentDocument()) {
-        document->setAwaited(TextDocument::Awaited::yes);
-        document->hasUnsavedText() ? saveAndClose() : closeTab();
-    }
-}
-
-/// It is notified that nothing came of it.
-void WorkspaceViewController::abortWaiting()
-{
-    if (TextDocument *document = currentDocument()) {
-        document->setAwaited(TextDocument::Awaited::aborted);
-        closeTab();
-    }
 }
 
 /// Opens the file of that name, or without one reads the document's own again, without a question.

@@ -16,6 +16,7 @@
 #include "Text/LineRange.h"
 #include "UI/CaretHint.h"
 #include "UI/PaneSplitter.h"
+#include "UI/TabMenu.h"
 #include "UI/WindowPlacement.h"
 #include "View/FirstResponder.h"
 #include "Widgets/AlertPresenter.h"
@@ -70,8 +71,10 @@ TextStatistics statisticsOf(EditorViewController &editor)
 } // namespace
 
 WorkspaceViewController::WorkspaceViewController(const WorkspaceServices &services, PaneLayouts &layouts, QWidget *parent)
-    : FileDropView(parent), m_services(services), m_layouts(&layouts), m_documentActions(services, m_layout, *this),
-      m_printActions(services, m_documentActions, [this] { return currentEditor(); }, *this), m_splitView(new PaneSplitter(this)), m_statusBar(new StatusBarView(services.scheduler, services.notifications, this))
+    : FileDropView(parent), m_services(services), m_layouts(&layouts), m_tabActions(services, *this),
+      m_documentActions(services, m_layout, *this), m_printActions(
+                                                        services, m_documentActions, [this] { return currentEditor(); }, *this),
+      m_splitView(new PaneSplitter(this)), m_statusBar(new StatusBarView(services.scheduler, services.notifications, this))
 {
     resize(startSize);
     setAcceptDrops(true);
@@ -105,7 +108,8 @@ void WorkspaceViewController::connectParts()
     m_layouts->add(m_layout);
     connect(&m_services.documents, &DocumentStore::removed, this, &WorkspaceViewController::takeTabs);
     // Commands that are about the current document go on from here to where they are carried out.
-    setNextResponder(&m_documentActions);
+    setNextResponder(&m_tabActions);
+    m_tabActions.setNextResponder(&m_documentActions);
     m_documentActions.setNextResponder(&m_printActions);
     m_printActions.setNextResponder(nearestResponder(parent()));
     connect(&m_documentActions, &DocumentActions::filesChosen, this, [this](const QStringList &paths) { open(paths); });
@@ -213,7 +217,10 @@ PaneViewController *WorkspaceViewController::makePane(int id)
         activate(*pane);
         selectTab(tab);
     });
-    connect(&tabs, &TabBarView::closeRequested, this, [this, pane](int tab) { requestClose(indexOf(*pane), tab); });
+    connect(&tabs, &TabBarView::closeRequested, this, [this, pane](int tab) { m_tabActions.requestClose(indexOf(*pane), tab); });
+    connect(&tabs, &TabBarView::menuRequested, this, [this, pane](int tab, QPoint position) {
+        showTabMenu(*pane, *this, {.pane = pane->id(), .document = pane->documents()[size_t(tab)]->id()}, position);
+    });
     connect(&tabs, &TabBarView::newTabRequested, this, [this, pane] {
         activate(*pane);
         openUntitled();
@@ -268,12 +275,13 @@ void WorkspaceViewController::showEvent(QShowEvent *event)
     }
 }
 
-void WorkspaceViewController::makeSplit(Qt::Orientation orientation)
+void WorkspaceViewController::makeSplit(Qt::Orientation orientation, const ActionSender &sender)
 {
-    if (PaneViewController *pane = activePane()) {
-        pane->saveViewState();
+    const TabIndex tab = tabOf(m_layout, sender);
+    if (tab.exists()) {
+        m_panes[size_t(tab.pane)]->saveViewState();
     }
-    setPaneLayout(m_layout.split(orientation));
+    setPaneLayout(m_layout.activating(tab.pane).selecting(tab.pane, tab.tab).split(orientation));
     focusEditor();
 }
 
@@ -523,42 +531,10 @@ void WorkspaceViewController::selectTabByNumber(const ActionSender &sender)
     selectTab(index);
 }
 
-void WorkspaceViewController::closeTab()
-{
-    if (!m_layout.isEmpty()) {
-        requestClose(m_layout.activeIndex(), m_layout.active()->selected);
-    }
-}
-
 bool WorkspaceViewController::isShownBeside(int pane, const TextDocument &document) const
 {
     const bool isHere = pane >= 0 && m_layout.panes()[size_t(pane)].holds(document);
     return m_layouts && m_layouts->countOf(document) > (isHere ? 1 : 0);
-}
-
-/// Asks first when there is unsaved text that nobody else shows.
-void WorkspaceViewController::requestClose(int pane, int tab)
-{
-    if (pane < 0 || tab < 0 || tab >= m_layout.panes()[size_t(pane)].count()) {
-        return;
-    }
-    const auto document = m_layout.panes()[size_t(pane)].tabs[size_t(tab)];
-    const auto close = [this, id = m_layout.panes()[size_t(pane)].id, document](bool mayClose) {
-        if (mayClose) {
-            takeTab(m_layout.paneWithId(id), *document);
-        }
-    };
-    if (isShownBeside(pane, *document)) {
-        close(true);
-        return;
-    }
-    m_writes.await({document}, window(), [this, document, close](PendingWrites::Outcome outcome) {
-        if (outcome == PendingWrites::Outcome::written && document->hasUnsavedText()) {
-            m_documentActions.confirmClose(*document, close);
-        } else {
-            close(outcome != PendingWrites::Outcome::failed);
-        }
-    });
 }
 
 void WorkspaceViewController::takeTab(int pane, const TextDocument &document)
@@ -591,14 +567,14 @@ void WorkspaceViewController::takeTabs(const TextDocument &document)
     setPaneLayout(m_layout.closing(document, keptSelection()));
 }
 
-void WorkspaceViewController::moveTabToNewWindow()
+void WorkspaceViewController::moveTabToNewWindow(const ActionSender &sender)
 {
-    const auto moved = m_layout.current();
+    const auto moved = documentOf(m_layout, sender);
     if (!moved) {
         beep();
         return;
     }
-    PaneViewController &source = *activePane();
+    PaneViewController &source = *m_panes[size_t(tabOf(m_layout, sender).pane)];
     source.saveViewState();
     emit tabDetached(*moved);
     takeTab(indexOf(source), *moved);

@@ -6,9 +6,9 @@
 #include "Text/LineNumber.h"
 #include "UI/DocumentActions.h"
 #include "UI/PaneViewController.h"
-#include "UI/PendingWrites.h"
 #include "UI/PrintActions.h"
 #include "UI/StatusBarView.h"
+#include "UI/TabActions.h"
 #include "Widgets/FileDropView.h"
 
 class PaneSplitter;
@@ -64,6 +64,10 @@ public:
     void setWindowLayout(const WindowLayout &layout);
     /// Notes in the documents where the user is: of one in several panes, where that was last.
     void rememberPlaces();
+    /// Closes a tab without asking. The document leaves the store when nobody else shows it.
+    void takeTab(int pane, const TextDocument &document);
+    /// In any window, but for that pane of this one.
+    [[nodiscard]] bool isShownBeside(int pane, const TextDocument &document) const;
 
     /// Its window is closed: what becomes of documents is of no concern to it any more.
     void retire();
@@ -88,16 +92,12 @@ private:
     [[nodiscard]] int indexOf(const PaneViewController &pane) const { return m_layout.paneWithId(pane.id()); }
     void activate(const PaneViewController &pane) { setPaneLayout(m_layout.activating(indexOf(pane))); }
     void selectTab(int tab);
-    void requestClose(int pane, int tab);
-    /// In any window, but for that pane of this one.
-    [[nodiscard]] bool isShownBeside(int pane, const TextDocument &document) const;
-    void takeTab(int pane, const TextDocument &document);
     [[nodiscard]] PaneLayout::Selected keptSelection() const;
     void takeTabs(const TextDocument &document);
     void showDocument(TextDocument &document);
     void redistributePanes();
     void limitPanes();
-    void makeSplit(Qt::Orientation orientation);
+    void makeSplit(Qt::Orientation orientation, const ActionSender &sender);
     void focusPane(int step);
     void updateStatusBar();
     void updateState();
@@ -111,13 +111,12 @@ private:
     // Commands
     void newDocument() { openUntitled(); }
     void showFindInterface();
-    void closeTab();
     void selectNextTab();
     void selectPreviousTab();
     void selectTabByNumber(const ActionSender &sender);
-    void moveTabToNewWindow();
-    void splitEditorRight() { makeSplit(Qt::Horizontal); }
-    void splitEditorDown() { makeSplit(Qt::Vertical); }
+    void moveTabToNewWindow(const ActionSender &sender);
+    void splitEditorRight(const ActionSender &sender) { makeSplit(Qt::Horizontal, sender); }
+    void splitEditorDown(const ActionSender &sender) { makeSplit(Qt::Vertical, sender); }
     void closeSplit();
     void closeOtherSplits();
     void focusNextPane() { focusPane(1); }
@@ -133,14 +132,9 @@ private:
     void resetFontSize();
     void changeFontSize(int steps);
 
-    void saveAndClose();
-    void finishWaiting();
-    void abortWaiting();
-    void forceCloseTab();
     void editFile(const ActionSender &sender);
 
     // Enabling
-    [[nodiscard]] bool hasDocument() const { return currentDocument() != nullptr; }
     [[nodiscard]] bool hasEditor() const { return currentEditor() != nullptr; }
     [[nodiscard]] bool hasSeveralPanes() const { return m_layout.paneCount() > 1; }
     [[nodiscard]] bool hasSeveralTabs() const { return !m_layout.isEmpty() && m_layout.active()->count() > 1; }
@@ -160,6 +154,7 @@ private:
     WorkspaceServices m_services;
     /// Null once it is retired; it may outlive them then.
     PaneLayouts *m_layouts;
+    TabActions m_tabActions;
     DocumentActions m_documentActions;
     PrintActions m_printActions;
     PaneSplitter *m_splitView;
@@ -169,6 +164,5 @@ private:
     std::vector<PaneViewController *> m_panes;
     /// The panes have got their equal shares of the window.
     bool m_isSharedOut = false;
-    PendingWrites m_writes{m_services.presenter};
     std::vector<NotificationCenter::Token> m_observers;
 };
