@@ -12,6 +12,7 @@
 #include "HeldWorkers.h"
 #include "Model/DocumentStore.h"
 #include "Model/RecentDocuments.h"
+#include "Session/ClosedTabs.h"
 #include "Session/SessionKeeper.h"
 #include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"
@@ -56,6 +57,7 @@ struct Surroundings : TestFolder {
                                 return desktopAppearance;
                             }};
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
+    ClosedTabs closedTabs{notifications, preferences, documents, session};
     FindState find;
     VimRegisters registers{pasteboard, preferences};
     ForeignKeyboard keyboard;
@@ -67,5 +69,6 @@ struct Surroundings : TestFolder {
         desktop,
         session,
         keeper,
-        recent};
+        recent,
+        closedTabs};
 };

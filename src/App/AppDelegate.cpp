@@ -17,6 +17,7 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
 #include "Model/RecentDocuments.h"
+#include "Session/ClosedTabs.h"
 #include "Session/SessionRestoration.h"
 #include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"
@@ -183,6 +184,9 @@ void AppDelegate::windowClosed(MainWindowController &window)
         const bool isShown = m_layouts.countOf(*document) > 0;
         const bool isWanted = document->hasUnsavedText() && (isKept || !document->isUntitled());
         if (!isShown && !isWanted) {
+            if (!m_windows.empty()) {
+                window.workspace().noteClosed(*document);
+            }
             m_services.documents.remove(*document);
         }
     }
@@ -520,6 +524,7 @@ void AppDelegate::openRecentDocument(const ActionSender &sender)
 void AppDelegate::clearRecentDocuments()
 {
     m_services.recent.clear();
+    m_services.closedTabs.clear();
 }
 
 bool AppDelegate::hasRecentDocuments() const

@@ -21,6 +21,7 @@
 #include "Model/DocumentStore.h"
 #include "Model/FileMemory.h"
 #include "Model/RecentDocuments.h"
+#include "Session/ClosedTabs.h"
 #include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
@@ -142,6 +143,7 @@ struct Program::Parts {
                              .administrator = &administrator()},
                             [this] { return appearance.current(); }};
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
+    ClosedTabs closedTabs{notifications, preferences, documents, session};
 
     FindState find;
     VimRegisters registers{pasteboard, preferences};
@@ -158,7 +160,8 @@ struct Program::Parts {
                           desktop,
                           session,
                           keeper,
-                          recent}};
+                          recent,
+                          closedTabs}};
     RunningInstance instance{QDBusConnection::sessionBus(),
                              {.open = [this](const OpenRequest &request) { delegate.open(request); },
                               .gone = [this](const QString &waiter) { delegate.forgetWaiter(waiter); }}};

@@ -33,6 +33,7 @@ inline constexpr Action closeTab{"closeTab:", u"Close Tab", "Ctrl+W; Ctrl+F4"};
 inline constexpr Action closeOtherTabs{"closeOtherTabs:", u"Close Others"};
 inline constexpr Action closeTabsToTheRight{"closeTabsToTheRight:", u"Close to the Right"};
 inline constexpr Action closeSavedTabs{"closeSavedTabs:", u"Close Saved"};
+inline constexpr Action reopenClosedTab{"reopenClosedTab:", u"Reopen Closed Tab", "Ctrl+Shift+T"};
 inline constexpr Action performClose{"performClose:", u"Close Window", "Ctrl+Shift+W"};
 inline constexpr Action saveDocument{"saveDocument:", u"Save", "Ctrl+S", "square.and.arrow.down"};
 inline constexpr Action saveDocumentAs{"saveDocumentAs:", u"Save As…", "Ctrl+Shift+S", "square.and.arrow.down.on.square"};
@@ -179,6 +180,7 @@ inline constexpr auto file = std::to_array<MenuRow>({
     recent,
     line,
     closeTab,
+    reopenClosedTab,
     performClose,
     line,
     saveDocument,
@@ -296,6 +298,7 @@ inline constexpr auto tab = std::to_array<MenuRow>({
     closeOtherTabs,
     closeTabsToTheRight,
     closeSavedTabs,
+    reopenClosedTab,
     line,
     splitEditorRight,
     splitEditorDown,

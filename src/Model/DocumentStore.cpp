@@ -28,6 +28,15 @@ TextDocument &DocumentStore::add(std::unique_ptr<TextDocument> document)
     return added;
 }
 
+void DocumentStore::takeBack(const std::shared_ptr<TextDocument> &document)
+{
+    document->attachHighlighter(theme());
+    document->setAwaited(TextDocument::Awaited::no);
+    m_documents.push_back(document);
+    document->followFile();
+    m_services.notifications.post(didChange, this);
+}
+
 std::vector<DocumentStore::OpenResult> DocumentStore::open(const QStringList &paths, std::chrono::milliseconds timeout,
                                                            TextDocument::MissingFile missingFile)
 {

@@ -29,6 +29,8 @@ public:
 
     /// Takes the document; it is coloured when a view asks.
     TextDocument &add(std::unique_ptr<TextDocument> document);
+    /// The same for one that was here before, and whose file, if it has one, no document here has. What became of that is found out.
+    void takeBack(const std::shared_ptr<TextDocument> &document);
     /// What became of a path that was to be opened.
     struct Opened {
         std::shared_ptr<TextDocument> document;

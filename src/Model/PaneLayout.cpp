@@ -118,6 +118,17 @@ PaneLayout PaneLayout::adding(const Document &document) const
     return next;
 }
 
+PaneLayout PaneLayout::inserting(const Document &document, int pane, int tab) const
+{
+    const PaneLayout here = activating(pane);
+    const PaneLayout next = here.adding(document);
+    if (!hasPane(pane) || here.active()->holds(*document)) {
+        return next;
+    }
+    const int last = next.active()->count() - 1;
+    return next.moving(pane, last, std::clamp(tab, 0, last));
+}
+
 PaneLayout PaneLayout::addingPane(const Documents &documents, int selected) const
 {
     PaneLayout next = *this;

@@ -62,6 +62,9 @@ public:
     [[nodiscard]] PaneLayout showing(const Documents &documents) const;
     /// At the end of the active pane, selected, also when another pane has it.
     [[nodiscard]] PaneLayout adding(const Document &document) const;
+    /// At `tab` of `pane`, or at the end of the active pane when there is none of that number; selected there, and that pane is active.
+    /// What has a tab there already is only selected.
+    [[nodiscard]] PaneLayout inserting(const Document &document, int pane, int tab) const;
     /// The last one, active only if it is the first as well. `documents` has one at least.
     [[nodiscard]] PaneLayout addingPane(const Documents &documents, int selected) const;
     /// Without selecting anything; what is there already stays where it is.

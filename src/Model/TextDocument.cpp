@@ -577,6 +577,19 @@ void TextDocument::setExternalState(ExternalState state)
     postMetadata();
 }
 
+void TextDocument::stopFollowingFile()
+{
+    m_requests.cancel(FileRequests::Kind::reading);
+    m_follower.follow(QString(), std::nullopt);
+    // A file that grew is compared as a whole when it is followed again.
+    m_follower.agreeOn(m_follower.state());
+}
+
+void TextDocument::followFile()
+{
+    m_follower.follow(m_path, stampOf(m_follower.state()));
+}
+
 void TextDocument::clearExternalState()
 {
     const bool hadOrigin = std::exchange(origin, std::nullopt).has_value();

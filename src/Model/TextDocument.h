@@ -120,6 +120,9 @@ public:
     };
     [[nodiscard]] const ArrivalFailure &arrivalFailure() const { return m_arrival; }
     [[nodiscard]] ExternalState externalState() const { return m_externalState; }
+    /// Nobody shows it for a while: what others do to its file is of no concern until followFile(), which finds out what they did.
+    void stopFollowingFile();
+    void followFile();
     /// The user keeps the text as it is, whatever became of the file, and wherever it comes from.
     void clearExternalState();
     /// What it has asked of file systems; for others to ask as well.

@@ -233,6 +233,16 @@ QList<Value> listFrom(Reader &reader, QLatin1StringView key, std::optional<Value
 
 } // namespace
 
+QJsonObject SessionSnapshot::Document::toObject() const
+{
+    return objectOf(*this);
+}
+
+std::optional<SessionSnapshot::Document> SessionSnapshot::Document::fromValue(const QJsonValue &value)
+{
+    return documentFrom(value);
+}
+
 QByteArray SessionSnapshot::toJson() const
 {
     QJsonObject object = {{"documents"_L1, arrayOf(documents)},

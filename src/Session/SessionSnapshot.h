@@ -13,6 +13,9 @@
 
 #include <optional>
 
+class QJsonObject;
+class QJsonValue;
+
 /// What is needed to bring a window back as it was, but for the texts: those are in files and drafts.
 ///
 /// Kept as one JSON object. Ids are upper-case UUIDs, numbers are JSON numbers, `savedAt` counts seconds from the beginning of 2001 in
@@ -45,6 +48,10 @@ struct SessionSnapshot {
         std::optional<FileState> fileState = std::nullopt;
         /// Of a text without a file. One that cannot be read counts as none.
         std::optional<TextOrigin> origin = std::nullopt;
+
+        [[nodiscard]] QJsonObject toObject() const;
+        /// As in fromJson().
+        [[nodiscard]] static std::optional<Document> fromValue(const QJsonValue &value);
 
         friend bool operator==(const Document &, const Document &) = default;
     };

@@ -802,6 +802,11 @@ void SessionStore::Queue::remove(const QStringList &names)
     }
 }
 
+void SessionStore::runInOrder(std::function<void()> job)
+{
+    m_thread->start(std::move(job));
+}
+
 bool SessionStore::waitUntilWritten(std::chrono::milliseconds timeout)
 {
     // Drafts first: they make journals go.

@@ -150,6 +150,8 @@ public:
     /// Then deletes the drafts that it does not name. When the store was given the same last, and all is well with that, it only sees to it
     /// that this is there: what others removed is written again.
     void write(Snapshot snapshot);
+    /// Runs `job` on the thread that writes, after all that was to be written so far. While a disk hangs it may run when the store is gone.
+    void runInOrder(std::function<void()> job);
     /// Returns true when everything is written, false when `timeout` is over first.
     bool waitUntilWritten(std::chrono::milliseconds timeout);
 

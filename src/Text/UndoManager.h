@@ -55,6 +55,8 @@ public:
     void forgetSavePoint();
     [[nodiscard]] bool isAtSavePoint() const { return m_savePoint == m_done; }
 
+    /// UTF-16 code units of removed and inserted text that are kept.
+    [[nodiscard]] qsizetype units() const { return m_units; }
     /// How many UTF-16 code units of removed and inserted text are kept at most, 256 Mi without a call; the last group is kept whatever
     /// its size.
     void setUnitLimit(qsizetype limit);

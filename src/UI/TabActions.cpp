@@ -2,6 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "UI/TabActions.h"
 
+#include "Commands/Actions.h"
+#include "Session/ClosedTabs.h"
+#include "Session/SessionKeeper.h"
+#include "UI/WorkspaceViewController.h"
+#include "Widgets/AlertPresenter.h"
+
 #include <algorithm>
 #include <array>
 
@@ -17,6 +23,23 @@ bool isSaved(const PaneLayout::Document &document)
 
 TabActions::TabActions(const WorkspaceServices &services, WorkspaceViewController &workspace) : m_services(services), m_workspace(workspace)
 {}
+
+const ActionRow *TabActions::actionFor(const Action &wanted) const
+{
+    using Self = TabActions;
+    static constexpr auto rows = std::to_array<ActionRow>({
+        action<&Self::closeTab, &Self::hasTab>(Actions::closeTab),
+        action<&Self::closeOtherTabs, &Self::hasOtherTabs>(Actions::closeOtherTabs),
+        action<&Self::closeTabsToTheRight, &Self::hasTabsToTheRight>(Actions::closeTabsToTheRight),
+        action<&Self::closeSavedTabs, &Self::hasSavedTabs>(Actions::closeSavedTabs),
+        action<&Self::reopenClosedTab, &Self::hasClosedTabs>(Actions::reopenClosedTab),
+        action<&Self::saveAndClose, &Self::hasTab>(Actions::saveAndClose),
+        action<&Self::forceCloseTab, &Self::hasTab>(Actions::forceCloseTab),
+        action<&Self::finishWaiting, &Self::hasTab>(Actions::finishWaiting),
+        action<&Self::abortWaiting, &Self::hasTab>(Actions::abortWaiting),
+    });
+    return findAction(rows, wanted);
+}
 
 const PaneLayout &TabActions::layout() const
 {
@@ -47,6 +70,11 @@ bool TabActions::hasSavedTabs(const ActionSender &sender) const
 {
     const PaneLayout::Pane *pane = paneOf(sender);
     return pane && std::ranges::any_of(pane->tabs, isSaved);
+}
+
+bool TabActions::hasClosedTabs() const
+{
+    return !m_services.closedTabs.isEmpty();
 }
 
 // One tab
@@ -225,3 +253,23 @@ void TabActions::select(int pane, const TextDocument &document)
     }
 }
 
+// Opening again
+
+void TabActions::reopenClosedTab()
+{
+    while (const auto reopened = m_services.closedTabs.reopen()) {
+        if (reopened->document) {
+            m_workspace.showReopened(*reopened->document, reopened->place);
+        } else if (!reopened->path.isEmpty()) {
+            // It is not there, which is said.
+            m_workspace.open({reopened->path});
+        } else {
+            continue;
+        }
+        // In its draft first.
+        m_services.keeper.keep();
+        m_services.closedTabs.keep();
+        return;
+    }
+    m_services.presenter.beep();
+}

@@ -44,6 +44,7 @@ private:
     void closeSeveral(int pane, const Documents &documents, const PaneLayout::Document &front);
     void goOn(Closing closing);
     void select(int pane, const TextDocument &document);
+    void reopenClosedTab();
     void saveAndClose();
     void forceCloseTab();
     void finishWaiting();
@@ -53,6 +54,8 @@ private:
     [[nodiscard]] bool hasOtherTabs(const ActionSender &sender) const;
     [[nodiscard]] bool hasTabsToTheRight(const ActionSender &sender) const;
     [[nodiscard]] bool hasSavedTabs(const ActionSender &sender) const;
+    [[nodiscard]] bool hasClosedTabs() const;
+
     [[nodiscard]] const PaneLayout &layout() const;
     /// The pane of the tab that a command is about; null when that is gone.
     [[nodiscard]] const PaneLayout::Pane *paneOf(const ActionSender &sender) const;

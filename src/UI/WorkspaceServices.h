@@ -4,6 +4,7 @@
 
 #include "Editor/EditorViewController.h"
 
+class ClosedTabs;
 class DefaultsStore;
 class Desktop;
 class RecentDocuments;
@@ -17,4 +18,5 @@ struct WorkspaceServices : EditorServices {
     SessionStore &session;
     SessionKeeper &keeper;
     RecentDocuments &recent;
+    ClosedTabs &closedTabs;
 };

@@ -9,6 +9,7 @@
 #include "Editor/TextCounter.h"
 #include "Model/DocumentStore.h"
 #include "Model/RecentDocuments.h"
+#include "Session/ClosedTabs.h"
 #include "Session/SessionKeeper.h"
 #include "Settings/Preferences.h"
 #include "Spelling/SpellChecker.h"
@@ -541,6 +542,7 @@ void WorkspaceViewController::takeTab(int pane, const TextDocument &document)
 {
     // Another window may have opened it while the user was asked.
     if (!isShownBeside(pane, document)) {
+        noteClosed(document);
         m_services.documents.remove(document);
         return;
     }
@@ -551,6 +553,32 @@ void WorkspaceViewController::takeTab(int pane, const TextDocument &document)
         openUntitled();
     }
     setPaneLayout(m_layout.closing(pane, m_layout.panes()[size_t(pane)].indexOf(document), keptSelection()));
+}
+
+void WorkspaceViewController::noteClosed(const TextDocument &document)
+{
+    const int pane = m_layout.paneShowing(document);
+    if (pane < 0) {
+        return;
+    }
+    const PaneLayout::Pane &shown = m_layout.panes()[size_t(pane)];
+    const int tab = shown.indexOf(document);
+    if (tab == shown.selected) {
+        m_panes[size_t(pane)]->saveViewState();
+    }
+    m_services.closedTabs.note(shown.tabs[size_t(tab)], {.paneId = shown.id, .pane = pane, .tab = tab});
+}
+
+/// Where it was, if its pane is there still. An empty tab that is all there is goes.
+void WorkspaceViewController::showReopened(TextDocument &document, const ClosedPlace &place)
+{
+    if (m_layout.paneShowing(document) < 0) {
+        const auto empty = placeholder();
+        const int byId = m_layout.paneWithId(place.paneId);
+        setPaneLayout(m_layout.inserting(document.shared_from_this(), place.paneId > 0 ? byId : place.pane, place.tab));
+        removePlaceholder(empty);
+    }
+    focusPaneShowing(document);
 }
 
 PaneLayout::Selected WorkspaceViewController::keptSelection() const

@@ -12,6 +12,7 @@
 #include "Widgets/FileDropView.h"
 
 class PaneSplitter;
+struct ClosedPlace;
 struct WindowLayout;
 template<typename T>
 struct Setting;
@@ -66,6 +67,9 @@ public:
     void rememberPlaces();
     /// Closes a tab without asking. The document leaves the store when nobody else shows it.
     void takeTab(int pane, const TextDocument &document);
+    /// What of the window's is about to be closed can be opened again.
+    void noteClosed(const TextDocument &document);
+    void showReopened(TextDocument &document, const ClosedPlace &place);
     /// In any window, but for that pane of this one.
     [[nodiscard]] bool isShownBeside(int pane, const TextDocument &document) const;
 

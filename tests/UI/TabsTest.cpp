@@ -55,3 +55,93 @@ protected:
 
 } // namespace
 
+TEST_F(TabsTest, TheMenuIsAboutItsTab)
+{
+    openTexts({u"b"_s});
+    TabItemView *item = pane(0).tabBar().findChildren<TabItemView *>().at(1);
+    QContextMenuEvent press(QContextMenuEvent::Keyboard, {5, 5}, {5, 5});
+    QApplication::sendEvent(item, &press);
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    ASSERT_TRUE(menu);
+    EXPECT_EQ(
+        titlesOf(*menu).replaceInStrings(u"&"_s, QString()),
+        (QStringList{u"Close Tab"_s, u"Close Others"_s, u"Close to the Right"_s, u"Close Saved"_s, u"(Reopen Closed Tab)"_s, u"-"_s,
+                     u"Split Right"_s, u"Split Down"_s, u"Move Tab to New Window"_s, u"-"_s, u"Copy Path"_s, u"Show in File Manager"_s}));
+    menu->actions()[10]->trigger();
+    EXPECT_EQ(pasteboard.text(), path(u"b"_s));
+    EXPECT_EQ(shown(), u"d"_s) << "nothing else has changed";
+    menu->close();
+    EXPECT_FALSE(window().firstResponder().state(Actions::closeTabsToTheRight, place(3)).isEnabled);
+    send(Actions::splitEditorDown, place(0));
+    EXPECT_EQ(tabs(1), QStringList{u"a"_s});
+    send(Actions::moveTabToNewWindow, place(2));
+    EXPECT_EQ(application.windows()[1]->workspace().currentDocument()->displayName(), u"c"_s);
+    EXPECT_EQ(tabs(), (QStringList{u"a"_s, u"b"_s, u"d"_s}));
+    send(Actions::closeTab, place(0));
+    EXPECT_EQ(tabs(), (QStringList{u"b"_s, u"d"_s}));
+}
+
+TEST_F(TabsTest, ClosingSeveralAsksAboutEachUnsavedTextUntilCancel)
+{
+    openTexts({u"a"_s, u"c"_s});
+    presenter.answer(dontSave);
+    presenter.answer(cancel);
+    send(Actions::closeOtherTabs, place(3));
+    EXPECT_EQ(asked(), (QStringList{u"a"_s, u"c"_s}));
+    EXPECT_EQ(tabs(), (QStringList{u"b"_s, u"c"_s, u"d"_s})) << "also what needs no question stays";
+    EXPECT_EQ(shown(), u"c"_s) << "it is seen when it is asked about";
+    send(Actions::closeSavedTabs);
+    EXPECT_EQ(tabs(), QStringList{u"c"_s});
+    send(Actions::reopenClosedTab);
+    send(Actions::reopenClosedTab);
+    send(Actions::reopenClosedTab);
+    EXPECT_EQ(tabs(), (QStringList{u"a"_s, u"b"_s, u"c"_s, u"d"_s})) << "where they were";
+    presenter.answer(save);
+    send(Actions::closeTabsToTheRight, place(0));
+    EXPECT_EQ(read(u"c"_s), "x3");
+    EXPECT_EQ(tabs(), QStringList{u"a"_s});
+    presenter.answer(dontSave);
+    send(Actions::closeTab);
+    send(Actions::closeSavedTabs);
+    EXPECT_EQ(tabs(), QStringList{u"Untitled"_s}) << "a window has a tab";
+}
+
+TEST_F(TabsTest, AClosedTabOpensAgainWithAllThatWasInIt)
+{
+    openTexts({});
+    send(Actions::splitEditorRight, place(1));
+    send(Actions::newDocument);
+    type(u"given up"_s);
+    textView().setSelection(TextSelection::at(5));
+    presenter.answer(dontSave);
+    send(Actions::closeTab);
+    EXPECT_EQ(tabs(1), QStringList{u"b"_s});
+    pane(0).focusEditor();
+    press(u"<C-S-t>"_s);
+    EXPECT_EQ(tabs(1), (QStringList{u"b"_s, u"Untitled"_s}));
+    EXPECT_EQ(text(), u"given up"_s);
+    EXPECT_EQ(textView().selection().range(), (TextRange{5, 0}));
+    EXPECT_TRUE(textView().hasFocus());
+    send(Actions::undo);
+    EXPECT_EQ(text(), QString());
+    send(Actions::redo);
+    EXPECT_FALSE(isEnabled(Actions::reopenClosedTab));
+    send(Actions::reopenClosedTab);
+    EXPECT_EQ(presenter.beepCount(), 1);
+
+    // Its pane is gone by then, the window is another, and what is empty goes.
+    presenter.answer(dontSave);
+    send(Actions::closeTab);
+    send(Actions::closeTab);
+    send(Actions::newWindow);
+    workspace(1).perform(Actions::reopenClosedTab);
+    EXPECT_EQ(tabs(*workspace(1).panes().front()), QStringList{u"Untitled"_s});
+    EXPECT_EQ(text(1), u"given up"_s);
+    workspace(1).open({put(u"e"_s, "5")});
+    presenter.answer(dontSave);
+    window(1).close();
+    EXPECT_TRUE(isEnabled(Actions::reopenClosedTab)) << "a window that closes is tabs that close";
+    send(Actions::clearRecentDocuments);
+    EXPECT_FALSE(isEnabled(Actions::reopenClosedTab));
+}
+

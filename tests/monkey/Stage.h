@@ -93,5 +93,6 @@ struct Stage : Surroundings {
                              desktop,
                              session,
                              keeper,
-                             recent}};
+                             recent,
+                             closedTabs}};
 };

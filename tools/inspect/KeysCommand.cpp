@@ -14,6 +14,7 @@
 #include "KeyWords.h"
 #include "Model/DocumentStore.h"
 #include "Model/RecentDocuments.h"
+#include "Session/ClosedTabs.h"
 #include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
@@ -63,6 +64,7 @@ public:
                              .timeout = std::chrono::seconds(10)},
                             {}};
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
+    ClosedTabs closedTabs{notifications, preferences, documents, session};
     FindState find;
     VimRegisters registers{pasteboard, preferences};
     ForeignKeyboard keyboard;
@@ -73,7 +75,8 @@ public:
                              desktop,
                              session,
                              keeper,
-                             recent}};
+                             recent,
+                             closedTabs}};
     QStringList actions;
     QStringList messages;
 };
