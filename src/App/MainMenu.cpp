@@ -3,6 +3,7 @@
 #include "App/MainMenu.h"
 
 #include "Base/FilePath.h"
+#include "Base/FoldersApart.h"
 #include "Base/Translation.h"
 #include "Commands/ActionKeys.h"
 #include "Commands/Actions.h"
@@ -86,23 +87,16 @@ std::vector<MenuNode> themeItems(const Action &action)
 QStringList titlesOf(std::span<const RecentDocuments::Entry> entries)
 {
     QStringList titles;
+    QStringList paths;
     for (const RecentDocuments::Entry &entry : entries) {
+        paths << entry.path;
         // What follows a tab would be taken for a key.
         titles << shownPath(QFileInfo(entry.path).fileName()).replace(u'\t', u' ');
     }
-    const QStringList names = titles;
-    constexpr int mostFolders = 100;
-    for (int count = 1; count <= mostFolders; ++count) {
-        const QStringList before = titles;
-        for (size_t index = 0; index < entries.size(); ++index) {
-            const auto place = qsizetype(index);
-            if (before.count(before[place]) > 1) {
-                const QString folders = QFileInfo(entries[index].path).path().section(u'/', -count);
-                titles[place] = names[place] + u" – "_s + (folders.isEmpty() ? u"/"_s : shownPath(folders));
-            }
-        }
-        if (titles == before) {
-            break;
+    const QStringList folders = foldersApart(paths);
+    for (qsizetype place = 0; place < titles.size(); ++place) {
+        if (!folders[place].isEmpty()) {
+            titles[place] += u" – "_s + shownPath(folders[place]);
         }
     }
     return titles;

@@ -6,6 +6,7 @@
 #include "Base/HomePath.h"
 #include "Base/Translation.h"
 #include "Highlighting/LanguageRegistry.h"
+#include "Model/FirstLine.h"
 #include "Model/SaveTransformation.h"
 #include "Settings/Preferences.h"
 
@@ -225,10 +226,14 @@ QString TextDocument::displayName() const
     if (m_generatedTitle) {
         return *m_generatedTitle;
     }
-    if (m_path.isEmpty()) {
-        return origin ? formatted(localized(u"%@ (recovered)"), origin->shownName()) : localized(u"Untitled");
+    if (!m_path.isEmpty()) {
+        return shownPath(QFileInfo(m_path).fileName());
     }
-    return shownPath(QFileInfo(m_path).fileName());
+    if (origin) {
+        return formatted(localized(u"%@ (recovered)"), origin->shownName());
+    }
+    const QString line = m_services.preferences.value(Settings::nameByFirstLine) ? firstLineOf(m_storage.text()) : QString();
+    return line.isEmpty() ? localized(u"Untitled") : line;
 }
 
 QString TextDocument::displayPath() const

@@ -93,7 +93,7 @@ public:
     [[nodiscard]] const FileFollower &file() const { return m_follower; }
     [[nodiscard]] bool isUntitled() const { return m_path.isEmpty(); }
     [[nodiscard]] bool isGenerated() const { return m_generatedTitle.has_value(); }
-    /// The generated title, else the file's name, else where it comes from, else "Untitled".
+    /// The generated title, else the file's name, else where it comes from, else "Untitled", or the first line if the settings want that.
     [[nodiscard]] QString displayName() const;
     /// The path with the home folder as "~", or what the text is when it has none.
     [[nodiscard]] QString displayPath() const;

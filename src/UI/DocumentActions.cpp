@@ -11,6 +11,7 @@
 #include "Desktop/Desktop.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
+#include "Model/FirstLine.h"
 #include "Model/RecentDocuments.h"
 #include "Session/SessionKeeper.h"
 #include "Session/SessionStore.h"
@@ -332,7 +333,12 @@ void DocumentActions::askForFolder(TextDocument &document, const Completion &com
 
 void DocumentActions::saveAs(TextDocument &document, const Completion &completion)
 {
-    const SavePanel panel{.startFolder = folderBeside(document), .suggestedName = document.displayName()};
+    QString name = document.displayName();
+    if (document.isUntitled() && !document.isGenerated() && !document.origin && m_services.preferences.value(Settings::nameByFirstLine)) {
+        const QString proposed = fileNameFor(document.storage().text());
+        name = proposed.isEmpty() ? localized(u"Untitled") : proposed;
+    }
+    const SavePanel panel{.startFolder = folderBeside(document), .suggestedName = name};
     m_services.presenter.present(panel, window(),
                                  [this, document = document.shared_from_this(), completion](const std::optional<QString> &path) {
                                      if (path) {

@@ -94,6 +94,12 @@ void PaneViewController::setContent(const PaneLayout::Pane &pane)
     refreshTabs();
 }
 
+void PaneViewController::setTabDetails(const TabDetails &details)
+{
+    m_tabDetails = details;
+    refreshTabs();
+}
+
 void PaneViewController::setActive(bool isActive)
 {
     if (m_isActive != isActive) {
@@ -106,8 +112,10 @@ void PaneViewController::refreshTabs()
 {
     std::vector<TabDescriptor> tabs;
     for (const auto &document : documents()) {
+        const auto detail = m_tabDetails.find(document.get());
         tabs.push_back({.title = document->displayName(),
                         .tooltip = document->displayPath(),
+                        .detail = detail == m_tabDetails.end() ? QString() : detail->second,
                         .activity = activityOf(*document),
                         .isReadOnly = document->file().isReadOnly(),
                         .isDirty = document->isDirty() || document->hasUnsavedText(),

@@ -4,6 +4,7 @@
 
 #include "Model/PaneLayout.h"
 #include "UI/TabBarView.h"
+#include "UI/TabDetails.h"
 #include "UI/WorkspaceServices.h"
 
 #include <memory>
@@ -22,6 +23,10 @@ public:
 
     /// With the keyboard in the text that goes, it is in the one that comes.
     void setContent(const PaneLayout::Pane &pane);
+    /// Shows the tabs as their documents are now.
+    void refreshTabs();
+    /// What stands beside the titles of its tabs.
+    void setTabDetails(const TabDetails &details);
     [[nodiscard]] int id() const { return m_content.id; }
     /// The tabs, left to right.
     [[nodiscard]] const PaneLayout::Documents &documents() const { return m_content.tabs; }
@@ -46,7 +51,6 @@ signals:
     void filesDropped(const QStringList &paths);
 
 private:
-    void refreshTabs();
     void applyTheme();
     [[nodiscard]] bool editorHasFocus() const;
     void showEditor(TextDocument &document);
@@ -55,6 +59,7 @@ private:
 
     WorkspaceServices m_services;
     PaneLayout::Pane m_content;
+    TabDetails m_tabDetails;
     bool m_isActive = false;
     TabBarView *m_tabBar;
     QWidget *m_container;

@@ -238,7 +238,7 @@ void TabBarView::fillMenuOfTabs()
     const int width = metrics.averageCharWidth() * menuTitleLength;
     for (const TabItemView *item : m_items) {
         const TabDescriptor &tab = item->descriptor();
-        QString title = metrics.elidedText(tab.title, Qt::ElideMiddle, width).replace(u'&', u"&&"_s);
+        QString title = metrics.elidedText(tab.fullTitle(), Qt::ElideMiddle, width).replace(u'&', u"&&"_s);
         if (tab.isDirty || tab.hasExternalChange) {
             title += u" (%1)"_s.arg(localized(tab.hasExternalChange ? u"changed on disk" : u"edited"));
         }

@@ -42,6 +42,10 @@ constexpr int selectionBarHeight = 2;
 constexpr int separatorInset = 4;
 constexpr int insertionMarkWidth = 3;
 
+constexpr QStringView detailStart = u" – ";
+/// Of the room for both, what the detail has at most where they do not fit.
+constexpr double detailShare = 0.4;
+
 constexpr double hoverOpacity = 0.4;
 constexpr double inactiveOpacity = 0.6;
 constexpr double activityOpacity = 0.65;
@@ -87,6 +91,11 @@ std::optional<int> acceptTab(QDropEvent &event)
 }
 
 } // namespace
+
+QString TabDescriptor::fullTitle() const
+{
+    return detail.isEmpty() ? title : title + detailStart.toString() + detail;
+}
 
 QString TabItemView::mimeType()
 {
@@ -157,7 +166,7 @@ void TabItemView::updateAccessibleTexts()
         states.append(localized(u"changed on disk"));
     }
     states.append(m_descriptor.tooltip);
-    QStringList names = {m_descriptor.title};
+    QStringList names = {m_descriptor.fullTitle()};
     if (m_descriptor.isReadOnly) {
         names.append(localized(u"read-only"));
     }
@@ -181,7 +190,7 @@ QSize TabItemView::sizeHint() const
     QFont font = titleFont();
     font.setWeight(QFont::Medium);
     const int title = QFontMetrics(font).horizontalAdvance(m_descriptor.title) + 1;
-    const int width = titleInset + title + gap + closeButtonSide + closeButtonInset;
+    const int width = titleInset + title + detailWidth(font) + gap + closeButtonSide + closeButtonInset;
     return {std::clamp(width, leastWidth, greatestWidth) + lockWidth() + activityWidth(font),
             parentWidget() ? parentWidget()->height() : height()};
 }
@@ -196,6 +205,12 @@ int TabItemView::activityWidth(const QFont &font) const
 int TabItemView::lockWidth() const
 {
     return m_descriptor.isReadOnly ? lockSide + gap : 0;
+}
+
+/// With what stands before it.
+int TabItemView::detailWidth(const QFont &font) const
+{
+    return m_descriptor.detail.isEmpty() ? 0 : QFontMetrics(font).horizontalAdvance(detailStart.toString() + m_descriptor.detail) + 1;
 }
 
 QFont TabItemView::titleFont() const
@@ -251,10 +266,20 @@ void TabItemView::paintTitle(QPainter &painter) const
     const QRect place(left, 0, m_closeButton->x() - gap - left, height());
     constexpr int flags = Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine;
     const QFontMetrics metrics(font);
-    const QString title = metrics.elidedText(m_descriptor.title, Qt::ElideMiddle, place.width() - activityWidth(font), Qt::TextSingleLine);
+    const int room = place.width() - activityWidth(font);
+    const int roomForTitle = room - std::min(detailWidth(font), int(room * detailShare));
+    QString title = metrics.elidedText(m_descriptor.title, Qt::ElideMiddle, roomForTitle, Qt::TextSingleLine);
     painter.setFont(font);
     painter.setPen(textColor());
     painter.drawText(place, flags, title);
+    if (!m_descriptor.detail.isEmpty()) {
+        const int start = metrics.horizontalAdvance(title);
+        const QString detail =
+            metrics.elidedText(detailStart.toString() + m_descriptor.detail, Qt::ElideRight, room - start, Qt::TextSingleLine);
+        painter.setPen(QColor::fromRgb(m_theme->gutterForeground));
+        painter.drawText(place.adjusted(start, 0, 0, 0), flags, detail);
+        title += detail;
+    }
     if (!m_descriptor.activity.isEmpty()) {
         painter.setPen(withOpacity(textColor(), textColor().alphaF() * activityOpacity));
         painter.drawText(place.adjusted(metrics.horizontalAdvance(title) + 2 * gap, 0, 0, 0), flags, m_descriptor.activity);

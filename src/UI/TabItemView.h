@@ -15,6 +15,8 @@ struct Theme;
 struct TabDescriptor {
     QString title;
     QString tooltip;
+    /// What tells it apart from other tabs of its title; mostly nothing.
+    QString detail = {};
     /// What takes its time, in words; mostly nothing.
     QString activity;
     /// The user may not write to the file.
@@ -22,6 +24,9 @@ struct TabDescriptor {
     bool isDirty = false;
     /// The file was changed or deleted by others.
     bool hasExternalChange = false;
+
+    /// The title and what tells it apart, on one line.
+    [[nodiscard]] QString fullTitle() const;
 
     friend bool operator==(const TabDescriptor &, const TabDescriptor &) = default;
 };
@@ -96,6 +101,7 @@ private:
     [[nodiscard]] int activityWidth(const QFont &font) const;
     [[nodiscard]] int lockWidth() const;
     void paintLock(QPainter &painter) const;
+    [[nodiscard]] int detailWidth(const QFont &font) const;
     void paintTitle(QPainter &painter) const;
     void paintMarks(QPainter &painter) const;
 

@@ -28,6 +28,8 @@
 namespace {
 
 constexpr std::chrono::seconds broughtBackFlash{5};
+/// After what may have changed a first line.
+constexpr Scheduler::Milliseconds detailsDelay{400};
 
 constexpr QSize startSize(1000, 680);
 /// No divider comes closer to another one, or to the window's edge, as long as there is room.
@@ -193,6 +195,7 @@ void WorkspaceViewController::setPaneLayout(PaneLayout layout)
         m_splitView->setOrientation(layout.orientation());
         redistributePanes();
     }
+    updateTabDetails();
     updateState();
     m_services.keeper.noteActivity();
 }
@@ -202,7 +205,9 @@ PaneViewController *WorkspaceViewController::makePane(int id)
     auto *pane = new PaneViewController(m_services, id, this);
     m_splitView->addWidget(pane);
     connect(pane, &PaneViewController::activated, this, [this, pane] { activate(*pane); });
+    pane->setTabDetails(m_tabDetails);
     connect(pane, &PaneViewController::stateChanged, this, [this, pane] {
+        updateTabDetailsSoon();
         if (pane == activePane()) {
             updateState();
             m_services.keeper.noteActivity();
@@ -614,6 +619,29 @@ void WorkspaceViewController::updateState()
 {
     updateStatusBar();
     emit currentDocumentChanged();
+}
+
+/// After a pause: another file may have come, or another first line of a text that has none.
+void WorkspaceViewController::updateTabDetailsSoon()
+{
+    if (!m_detailsSoon.isPending()) {
+        m_detailsSoon = m_services.scheduler.after(detailsDelay, [this] {
+            updateTabDetails();
+            if (const TextDocument *current = currentDocument(); current && current->isUntitled()) {
+                // Its very title may be its first line.
+                std::ranges::for_each(m_panes, &PaneViewController::refreshTabs);
+                emit currentDocumentChanged();
+            }
+        });
+    }
+}
+
+void WorkspaceViewController::updateTabDetails()
+{
+    if (TabDetails details = tabDetailsOf(m_layout.documents()); details != m_tabDetails) {
+        m_tabDetails = std::move(details);
+        std::ranges::for_each(m_panes, [this](PaneViewController *pane) { pane->setTabDetails(m_tabDetails); });
+    }
 }
 
 void WorkspaceViewController::updateStatusBar()

@@ -105,6 +105,8 @@ private:
     void focusPane(int step);
     void updateStatusBar();
     void updateState();
+    void updateTabDetails();
+    void updateTabDetailsSoon();
     void applyTheme();
 
     void dropDocumentsThatCannotBeRead();
@@ -164,6 +166,8 @@ private:
     PaneSplitter *m_splitView;
     StatusBarView *m_statusBar;
     PaneLayout m_layout;
+    TabDetails m_tabDetails;
+    DelayedTask m_detailsSoon;
     /// The widgets of its panes.
     std::vector<PaneViewController *> m_panes;
     /// The panes have got their equal shares of the window.

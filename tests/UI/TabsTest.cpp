@@ -145,3 +145,32 @@ TEST_F(TabsTest, AClosedTabOpensAgainWithAllThatWasInIt)
     EXPECT_FALSE(isEnabled(Actions::reopenClosedTab));
 }
 
+TEST_F(TabsTest, EqualNamesAreToldApart)
+{
+    workspace().open({put(u"lib/main.c"_s, "1"), put(u"a"_s, "2"), put(u"app/main.c"_s, "3")});
+    EXPECT_EQ(titles(), (QStringList{u"main.c – lib"_s, u"a"_s, u"main.c – app"_s}));
+    EXPECT_EQ(tabs()[0], u"main.c"_s);
+    send(Actions::splitEditorRight);
+    EXPECT_EQ(titles(1), QStringList{u"main.c – app"_s}) << "they are alike in the whole window";
+    presenter.answerSave(path(u"app/other.c"_s));
+    send(Actions::saveDocumentAs);
+    scheduler.advance(1s);
+    EXPECT_EQ(titles(), (QStringList{u"main.c"_s, u"a"_s, u"other.c"_s}));
+
+    send(Actions::newDocument);
+    pasteboard.setText(u"\n  To: me/you\nmore"_s);
+    send(Actions::paste);
+    scheduler.advance(1s);
+    EXPECT_EQ(titles(1).last(), u"Untitled – To: me/you"_s);
+    send(Actions::saveDocumentAs);
+    EXPECT_EQ(presenter.savePanels().back().suggestedName, u"Untitled"_s);
+    preferences.set(Settings::nameByFirstLine, true);
+    send(Actions::undo);
+    send(Actions::redo);
+    scheduler.advance(1s);
+    EXPECT_EQ(titles(1).last(), u"To: me/you"_s);
+    EXPECT_EQ(window().windowTitle(), u"To: me/you[*]"_s);
+    send(Actions::saveDocumentAs);
+    EXPECT_EQ(presenter.savePanels().back().suggestedName, u"To: me-you"_s);
+}
+
