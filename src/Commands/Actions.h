@@ -37,6 +37,7 @@ inline constexpr Action reopenClosedTab{"reopenClosedTab:", u"Reopen Closed Tab"
 inline constexpr Action performClose{"performClose:", u"Close Window", "Ctrl+Shift+W"};
 inline constexpr Action saveDocument{"saveDocument:", u"Save", "Ctrl+S", "square.and.arrow.down"};
 inline constexpr Action saveDocumentAs{"saveDocumentAs:", u"Save As…", "Ctrl+Shift+S", "square.and.arrow.down.on.square"};
+inline constexpr Action saveAllDocuments{"saveAllDocuments:", u"Save All", "Ctrl+Alt+S"};
 inline constexpr Action revertDocumentToSaved{.id = "revertDocumentToSaved:",
                                               .title = u"Revert to Saved",
                                               .keys = "",
@@ -185,6 +186,7 @@ inline constexpr auto file = std::to_array<MenuRow>({
     line,
     saveDocument,
     saveDocumentAs,
+    saveAllDocuments,
     revertDocumentToSaved,
     compare,
     makeBackup,

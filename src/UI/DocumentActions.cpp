@@ -44,6 +44,12 @@ QString nameOf(const QString &path)
     return shownPath(QFileInfo(path).fileName());
 }
 
+QString changedElsewhere(const TextDocument &document)
+{
+    return formatted(localized(u"“%@” was not saved, because another program changed it. Its tab says what can be done."),
+                     document.displayName());
+}
+
 /// Empty for a file that was replaced as a whole, by the user.
 QString remarkOn(AtomicFile::InPlace inPlace, DocumentFile::Authority authority)
 {
@@ -81,6 +87,7 @@ const ActionRow *DocumentActions::actionFor(const Action &wanted) const
         action<&Self::openDocument>(Actions::openDocument),
         action<&Self::saveDocument, &Self::hasDocument>(Actions::saveDocument),
         action<&Self::saveDocumentAs, &Self::hasDocument>(Actions::saveDocumentAs),
+        action<&Self::saveAllDocuments, &Self::hasUnsavedDocuments>(Actions::saveAllDocuments),
         action<&Self::revertDocumentToSaved, &Self::canRevert>(Actions::revertDocumentToSaved),
         action<&Self::revertWithoutAsking, &Self::hasFile>(Actions::revertWithoutAsking),
         action<&Self::makeBackup, &Self::hasFile>(Actions::makeBackup),
@@ -110,6 +117,13 @@ bool DocumentActions::hasFileInTab(const ActionSender &sender) const
 bool DocumentActions::canRevert() const
 {
     return hasFile() && currentDocument()->hasUnsavedText();
+}
+
+PaneLayout::Documents DocumentActions::unsavedDocuments() const
+{
+    PaneLayout::Documents unsaved = m_layout.documents();
+    std::erase_if(unsaved, [](const auto &document) { return !document->hasUnsavedText(); });
+    return unsaved;
 }
 
 ActionState DocumentActions::languageState(const ActionSender &sender) const
@@ -420,11 +434,90 @@ void DocumentActions::confirmClosing(const PaneLayout::Documents &documents, con
     });
 }
 
+/// Those of the window: first what has a file, and what of that cannot be saved is said once; then each of the others in turn.
+void DocumentActions::saveAllDocuments()
+{
+    struct Run {
+        PaneLayout::Documents untitled = {};
+        bool hasFiles = false;
+        size_t left = 0;
+        QStringList problems = {};
+    };
+    const auto run = std::make_shared<Run>();
+    const auto finish = [self = QPointer(this), run] {
+        if (!self || run->left > 0) {
+            return;
+        }
+        if (run->problems.isEmpty()) {
+            if (run->hasFiles) {
+                emit self->messageShown(localized(u"Saved"), shortFlash);
+            }
+            self->saveUntitled(run->untitled);
+            return;
+        }
+        const qsizetype count = run->problems.size();
+        const Alert alert =
+            Alert::forError(count == 1 ? run->problems.first() : formatted(localized(u"%d files could not be saved."), count),
+                            count == 1 ? QString() : run->problems.join(u'\n'));
+        self->present(alert, [self, run](int) {
+            if (self) {
+                self->saveUntitled(run->untitled);
+            }
+        });
+    };
+    PaneLayout::Documents files;
+    for (const auto &document : unsavedDocuments()) {
+        (document->isUntitled() ? run->untitled : files).push_back(document);
+    }
+    run->hasFiles = !files.empty();
+    run->left = files.size() + 1;
+    for (const auto &document : files) {
+        const auto take = [self = QPointer(this), run, finish, document,
+                           isNew = document->file().isNew()](const Result<AtomicFile::InPlace> &saved) {
+            if (saved && isNew && self) {
+                self->m_services.recent.note({document->path()});
+            } else if (!saved) {
+                run->problems << (saved.error().code == AtomicFile::changedError ? changedElsewhere(*document) : saved.error().message);
+            }
+            --run->left;
+            finish();
+        };
+        // It is written over by who looks at it.
+        if (document->externalState() == TextDocument::ExternalState::conflicted) {
+            take(failure({}, AtomicFile::changedError));
+        } else {
+            document->save(document->path(), take);
+        }
+    }
+    --run->left;
+    finish();
+}
+
+/// Each is seen when its name is asked for; who cancels is asked no more.
+void DocumentActions::saveUntitled(PaneLayout::Documents documents)
+{
+    std::erase_if(documents, [](const auto &document) { return !document->isUntitled() || !document->hasUnsavedText(); });
+    if (documents.empty()) {
+        return;
+    }
+    const auto document = documents.front();
+    documents.erase(documents.begin());
+    emit documentMade(*document);
+    saveAs(*document, [this, documents](bool isSaved) {
+        if (isSaved) {
+            saveUntitled(documents);
+        }
+    });
+}
+
 void DocumentActions::saveAll(const PaneLayout::Documents &documents, const Completion &completion)
 {
     if (documents.empty()) {
         completion(true);
         return;
+    }
+    if (documents.front()->isUntitled()) {
+        emit documentMade(*documents.front());
     }
     save(*documents.front(), [this, documents, completion](bool isSaved) {
         if (isSaved) {

@@ -47,7 +47,7 @@ public:
 signals:
     /// Absolute paths of what the user wants to see.
     void filesChosen(const QStringList &paths);
-    /// It is to be shown, where it has a tab already or in a new one.
+    /// It is to be shown, where it has a tab already or in a new one, with the keyboard in it.
     void documentMade(TextDocument &document);
     void messageShown(const QString &message, Scheduler::Milliseconds duration);
     /// Two texts are to be shown side by side, with the colours of `language`.
@@ -66,6 +66,8 @@ private:
     void handleSaveError(const Error &error, const DocumentFile::Manner &manner, TextDocument &document, const Attempt &attempt,
                          const Completion &completion);
     void offerOtherWays(const Error &error, TextDocument &document, const Attempt &attempt, const Completion &completion);
+    void saveAllDocuments();
+    void saveUntitled(PaneLayout::Documents documents);
     void saveAll(const PaneLayout::Documents &documents, const Completion &completion);
     void revertDocumentToSaved();
     void revertWithoutAsking();
@@ -93,6 +95,8 @@ private:
     [[nodiscard]] bool hasFile() const { return hasFileInTab({}); }
     [[nodiscard]] bool hasFileInTab(const ActionSender &sender) const;
     [[nodiscard]] bool canRevert() const;
+    [[nodiscard]] PaneLayout::Documents unsavedDocuments() const;
+    [[nodiscard]] bool hasUnsavedDocuments() const { return !unsavedDocuments().empty(); }
     [[nodiscard]] bool hasSeveralDocuments() const;
     [[nodiscard]] bool hasOrigin() const;
     [[nodiscard]] ActionState languageState(const ActionSender &sender) const;

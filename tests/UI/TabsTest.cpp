@@ -174,3 +174,27 @@ TEST_F(TabsTest, EqualNamesAreToldApart)
     EXPECT_EQ(presenter.savePanels().back().suggestedName, u"To: me-you"_s);
 }
 
+TEST_F(TabsTest, SaveAllSavesFilesAndAsksForNames)
+{
+    openTexts({u"a"_s, u"c"_s, u"d"_s});
+    QFile::remove(path(u"a"_s));
+    QDir().mkdir(path(u"a"_s));
+    put(u"d"_s, "theirs");
+    for (const QString &words : {u"first"_s, u"second"_s, u"third"_s}) {
+        send(Actions::newDocument);
+        type(words);
+    }
+    QStringList seen;
+    QObject::connect(&workspace(), &WorkspaceViewController::currentDocumentChanged, &window(), [&] { seen << text(); });
+    presenter.answerSave(path(u"first"_s));
+    send(Actions::saveAllDocuments);
+    EXPECT_EQ(read(u"c"_s), "x3");
+    EXPECT_EQ(read(u"d"_s), "theirs");
+    ASSERT_EQ(presenter.alerts().size(), 1U);
+    EXPECT_EQ(lastAlert(), u"2 files could not be saved."_s);
+    EXPECT_TRUE(presenter.alerts()[0].informativeText.contains(u"“a”"_s) && presenter.alerts()[0].informativeText.contains(u"“d”"_s));
+    EXPECT_EQ(read(u"first"_s), "first");
+    EXPECT_EQ(presenter.savePanels().size(), 2U) << "the third is not asked about after Cancel";
+    EXPECT_EQ(text(), u"second"_s) << "it was shown";
+    EXPECT_TRUE(seen.contains(u"first"_s));
+}
