@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Diff/DiffText.h"
 
+#include "Base/ColorContrast.h"
 #include "Highlighting/Theme.h"
 
 using LineDiff::Row;
@@ -24,6 +25,12 @@ constexpr qsizetype longestExamined = 32 * InlineDiff::mostCharacters;
 double shade(const Theme &theme, double dark, double light)
 {
     return theme.isDark ? dark : light;
+}
+
+/// As much of the colour as text can be read on.
+quint32 groundOfText(const Theme &theme, quint32 color)
+{
+    return legible(color, theme.background, limitsOf(theme.contrast).text, {theme.foreground});
 }
 
 } // namespace
@@ -73,12 +80,12 @@ std::optional<quint32> DiffText::rowColor(const Theme &theme, Row::Kind kind, Si
     }
     const bool isAbsent = kind == (side == Side::left ? Row::Kind::inserted : Row::Kind::deleted);
     return isAbsent ? blended(theme.background, black, shade(theme, 0.3, 0.05))
-                    : blended(theme.background, hueOf(side), shade(theme, 0.16, 0.2));
+                    : groundOfText(theme, blended(theme.background, hueOf(side), shade(theme, 0.16, 0.2)));
 }
 
 quint32 DiffText::emphasisColor(const Theme &theme, Side side)
 {
-    return blended(theme.background, hueOf(side), shade(theme, 0.55, 0.45));
+    return groundOfText(theme, blended(theme.background, hueOf(side), shade(theme, 0.55, 0.45)));
 }
 
 quint32 DiffText::markColor(const Theme &theme, Row::Kind kind)

@@ -7,8 +7,8 @@
 #include "Commands/Actions.h"
 #include "Diff/DiffOverview.h"
 #include "Diff/DiffText.h"
+#include "Editor/BarColors.h"
 #include "Editor/EditorFont.h"
-#include "Editor/ThemePalette.h"
 #include "Find/FindBar.h"
 #include "Find/TextFinder.h"
 #include "Model/DocumentStore.h"
@@ -224,15 +224,17 @@ void DiffViewController::applyPreferences()
 void DiffViewController::applyTheme()
 {
     const Theme &theme = m_services.documents.theme();
-    QPalette chrome = paletteBeside(theme, QGuiApplication::palette());
+    const BarColors bar = BarColors::of(theme);
+    QPalette chrome;
+    chrome.setResolveMask(0);
     chrome.setColor(QPalette::Window, QColor::fromRgb(theme.background));
     chrome.setColor(QPalette::WindowText, QColor::fromRgb(theme.foreground));
     setPalette(chrome);
-    chrome.setColor(QPalette::Window, QColor::fromRgb(theme.gutterBackground));
+    chrome.setColor(QPalette::Window, QColor::fromRgb(bar.ground));
     m_headerBar->setPalette(chrome);
     m_footerBar->setPalette(chrome);
     QPalette quiet = chrome;
-    quiet.setColor(QPalette::WindowText, QColor::fromRgb(theme.gutterForeground));
+    quiet.setColor(QPalette::WindowText, QColor::fromRgb(bar.text));
     m_summaryLabel->setPalette(quiet);
     // Some styles draw an empty box in the colour of texts alone.
     QPalette box = chrome;

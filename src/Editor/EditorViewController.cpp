@@ -12,7 +12,6 @@
 #include "Editor/SpellingPanel.h"
 #include "Editor/SubstitutionRunner.h"
 #include "Editor/TextCounter.h"
-#include "Editor/ThemePalette.h"
 #include "Find/FindBar.h"
 #include "Find/TextFinder.h"
 #include "Model/DocumentStore.h"
@@ -24,8 +23,6 @@
 #include "Widgets/AccessibleRole.h"
 #include "Widgets/AlertPresenter.h"
 
-#include <QEvent>
-#include <QGuiApplication>
 #include <QJsonArray>
 #include <QMenu>
 #include <QVBoxLayout>
@@ -198,7 +195,6 @@ void EditorViewController::applyTheme()
     const Theme &theme = m_services.documents.theme();
     m_textView->setTheme(theme, m_services.preferences.value(Settings::highlightCurrentLine) ? EditorTextView::CurrentLine::highlighted
                                                                                              : EditorTextView::CurrentLine::plain);
-    applyPalette();
     for (ExternalChangeBanner *banner : {m_banner, m_awaitedBanner}) {
         if (banner) {
             banner->applyTheme(theme);
@@ -223,21 +219,6 @@ void EditorViewController::applyVimMode()
     if (wasOn != (m_vim != nullptr)) {
         emit stateChanged();
     }
-}
-
-/// Find bar and scroll bars stand beside the text.
-void EditorViewController::applyPalette()
-{
-    setPalette(paletteBeside(m_services.documents.theme(), QGuiApplication::palette()));
-}
-
-bool EditorViewController::event(QEvent *event)
-{
-    const bool isHandled = QWidget::event(event);
-    if (event->type() == QEvent::ApplicationPaletteChange) {
-        applyPalette();
-    }
-    return isHandled;
 }
 
 /// A language with an indentation of its own goes before what the user has set for all.

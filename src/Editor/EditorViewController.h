@@ -96,9 +96,6 @@ signals:
     /// Absolute paths of files that exist.
     void filesDropped(const QStringList &paths);
 
-protected:
-    bool event(QEvent *event) override;
-
 private:
     void observe();
     void retranslate();
@@ -107,7 +104,6 @@ private:
     void applyPreferences();
     void applyTheme();
     void followCaret();
-    void applyPalette();
     void applyIndentation();
     void applyVimMode();
     void adoptLanguage();

@@ -2,9 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/NumberedTextView.h"
 
+#include "Base/ColorContrast.h"
+
 NumberedTextView::NumberedTextView(TextStorage &storage, UndoManager &undoManager, Services services, const QFont &font, QWidget *parent)
-    : TextView(storage, undoManager, services, font, parent), m_ruler(new LineNumberRulerView(*this, this))
+    : TextView(storage, undoManager, services, font, parent), m_ruler(new LineNumberRulerView(*this, this)),
+      m_verticalBar(new TextScrollBar(Qt::Vertical)), m_horizontalBar(new TextScrollBar(Qt::Horizontal))
 {
+    setVerticalScrollBar(m_verticalBar);
+    setHorizontalScrollBar(m_horizontalBar);
     connect(m_ruler, &LineNumberRulerView::thicknessChanged, this, &NumberedTextView::placeRuler);
     connect(this, &TextView::visibleRowsChanged, m_ruler, &LineNumberRulerView::refresh);
     connect(this, &TextView::selectionChanged, m_ruler, &LineNumberRulerView::refresh);
@@ -14,13 +19,22 @@ NumberedTextView::NumberedTextView(TextStorage &storage, UndoManager &undoManage
 void NumberedTextView::setTheme(const Theme &theme, CurrentLine currentLine)
 {
     // Dark grounds take little of the colour, or comments could not be read on it.
+    const quint32 shade = blended(theme.background, theme.isDark ? 0xFFD8A200 : 0xFFFFC800, theme.isDark ? 0.22 : 0.5);
+    const quint32 mark = legible(shade, theme.background, limitsOf(theme.contrast).text, {theme.foreground});
+    const auto colorOrNone = [](quint32 color) { return color == 0 ? QColor() : QColor::fromRgb(color); };
     setColors({.background = QColor::fromRgb(theme.background),
                .text = QColor::fromRgb(theme.foreground),
                .selection = QColor::fromRgb(theme.selection),
                .caret = QColor::fromRgb(theme.caret),
                .currentLine = currentLine == CurrentLine::highlighted ? QColor::fromRgb(theme.currentLine) : QColor(),
                .invisibles = QColor::fromRgb(theme.invisibles),
-               .mark = QColor::fromRgb(blended(theme.background, theme.isDark ? 0xFFD8A200 : 0xFFFFC800, theme.isDark ? 0.22 : 0.5))});
+               .mark = QColor::fromRgb(mark),
+               .selectedText = colorOrNone(theme.selectedText),
+               .currentLineBorder = colorOrNone(currentLine == CurrentLine::highlighted ? theme.currentLineBorder : 0)});
+    const bool isStark = theme.contrast == Contrast::high;
+    for (TextScrollBar *bar : {m_verticalBar, m_horizontalBar}) {
+        bar->setColors(isStark ? QColor::fromRgb(theme.background) : QColor(), isStark ? QColor::fromRgb(theme.foreground) : QColor());
+    }
     m_ruler->setTheme(theme);
     m_ruler->setHighlightsCurrentLine(currentLine);
 }

@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "Highlighting/Theme.h"
 
+#include "Base/ColorContrast.h"
+
 #include <algorithm>
-#include <cmath>
+#include <vector>
 
 namespace {
 
@@ -162,6 +164,41 @@ constexpr auto themes = std::to_array<Theme>({
      .italic = italicScopes},
 });
 
+/// What is drawn of blanks and line ends is faint, unless all shall stand out.
+constexpr double highContrastOfInvisibles = 4.5;
+
+/// What stands around the text moves towards the text's colour, the text itself towards black or white, so that it keeps its hues.
+Theme withContrast(Theme theme, Contrast contrast)
+{
+    theme.contrast = contrast;
+    const auto [text, mark] = limitsOf(contrast);
+    const quint32 opposite = oppositeOf(theme.background);
+    const bool isHigh = contrast == Contrast::high;
+    const auto move = [&theme, opposite, isHigh](quint32 &color, double least) {
+        color = legible(color, opposite, least, {theme.background, isHigh ? theme.currentLine : theme.background});
+    };
+    move(theme.foreground, text);
+    for (quint32 &color : theme.colors) {
+        if (color != 0) {
+            move(color, text);
+        }
+    }
+    const auto moveBeside = [&theme](quint32 &color, double least) {
+        color = legible(color, theme.foreground, least, {theme.gutterBackground});
+    };
+    moveBeside(theme.gutterForeground, mark);
+    moveBeside(theme.gutterActiveForeground, text);
+    moveBeside(theme.gutterSeparator, mark);
+    if (isHigh) {
+        move(theme.caret, text);
+        move(theme.invisibles, highContrastOfInvisibles);
+        theme.selection = theme.foreground;
+        theme.selectedText = theme.background;
+        theme.currentLineBorder = theme.gutterSeparator;
+    }
+    return theme;
+}
+
 static_assert(std::ranges::all_of(themes, [](const Theme &theme) {
     return std::ranges::all_of(scopes,
                                [&](const ScopeRow &row) { return theme.color(row.scope).has_value() == (row.scope != Scope::plain); });
@@ -186,6 +223,22 @@ const Theme &Theme::resolved(QStringView name, std::optional<Appearance> appeara
         return *theme;
     }
     return appearance == Appearance::dark ? dark() : light();
+}
+
+const Theme &Theme::shown(const Theme &builtIn, Contrast contrast)
+{
+    if (contrast == Contrast::own) {
+        return builtIn;
+    }
+    const auto made = [](Contrast wanted) {
+        std::vector<Theme> moved;
+        std::ranges::transform(themes, std::back_inserter(moved), [wanted](const Theme &theme) { return withContrast(theme, wanted); });
+        return moved;
+    };
+    static const std::vector<Theme> legible = made(Contrast::legible);
+    static const std::vector<Theme> high = made(Contrast::high);
+    const auto place = size_t(std::ranges::find(themes, builtIn.name, &Theme::name) - themes.begin());
+    return (contrast == Contrast::high ? high : legible)[place];
 }
 
 TextAttributes Theme::attributes(Scope scope) const

@@ -27,6 +27,35 @@ private:
     quint32 m_bits = 0;
 };
 
+/// How well what a theme shows can be told from its grounds.
+enum class Contrast {
+    /// As the theme has it.
+    own,
+    /// Texts can be read by everybody whose eyes are not weak; line numbers and borders can be seen.
+    legible,
+    /// All of it stands out.
+    high,
+};
+
+/// At least so much; what is less is moved.
+struct ContrastLimits {
+    double text;
+    /// Of line numbers and borders.
+    double mark;
+};
+[[nodiscard]] constexpr ContrastLimits limitsOf(Contrast contrast)
+{
+    switch (contrast) {
+    case Contrast::own:
+        break;
+    case Contrast::legible:
+        return {.text = 4.5, .mark = 3};
+    case Contrast::high:
+        return {.text = 7, .mark = 7};
+    }
+    return {.text = 1, .mark = 1};
+}
+
 /// The colours of the text area and of each scope. Colours are opaque sRGB, 0xFFRRGGBB.
 struct Theme {
     /// Shown to the user and kept in the preferences.
@@ -52,6 +81,13 @@ struct Theme {
     ScopeSet bold;
     ScopeSet italic;
 
+    /// What its colours have been moved to.
+    Contrast contrast = Contrast::own;
+    /// Of all text that is selected; 0: it keeps its colours.
+    quint32 selectedText = 0;
+    /// Above and below the line that holds the caret; 0: none.
+    quint32 currentLineBorder = 0;
+
     /// None for plain text, which has the foreground.
     [[nodiscard]] constexpr std::optional<quint32> color(Scope scope) const
     {
@@ -73,9 +109,11 @@ struct Theme {
     /// The theme to use for a preference: the one of that name, else (for "System" and for names that are no longer known) dark or light
     /// as the desktop is; light when that is not known.
     [[nodiscard]] static const Theme &resolved(QStringView name, std::optional<Appearance> appearance);
+    /// A built-in theme with its colours moved as far as it takes; lives as long as the program.
+    [[nodiscard]] static const Theme &shown(const Theme &builtIn, Contrast contrast);
 
-    /// Themes are the same when their names are.
-    friend bool operator==(const Theme &left, const Theme &right) { return left.name == right.name; }
+    /// Built-in themes are the same when their names and contrasts are.
+    friend bool operator==(const Theme &left, const Theme &right) { return left.name == right.name && left.contrast == right.contrast; }
 };
 
 /// A colour of a theme by its name, for those who list them.

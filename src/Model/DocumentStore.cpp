@@ -17,7 +17,10 @@ DocumentStore::DocumentStore(const DocumentServices &services, AppearanceQuery a
 
 const Theme &DocumentStore::resolvedTheme() const
 {
-    return Theme::resolved(m_services.preferences.value(Settings::themeName), m_appearance ? m_appearance() : std::nullopt);
+    const Preferences &preferences = m_services.preferences;
+    const Theme &chosen = Theme::resolved(preferences.value(Settings::themeName), m_appearance ? m_appearance() : std::nullopt);
+    const Contrast ofUser = preferences.value(Settings::strengthenColors) ? Contrast::legible : Contrast::own;
+    return Theme::shown(chosen, m_hasHighContrast ? Contrast::high : ofUser);
 }
 
 TextDocument &DocumentStore::add(std::unique_ptr<TextDocument> document)
@@ -116,6 +119,12 @@ std::shared_ptr<TextDocument> DocumentStore::otherOfFile(const QString &identity
     const auto found = std::ranges::find_if(
         m_documents, [&](const auto &open) { return open.get() != &asking && !open->isUntitled() && open->file().identity() == identity; });
     return found == m_documents.end() ? nullptr : *found;
+}
+
+void DocumentStore::setHighContrast(bool isWanted)
+{
+    m_hasHighContrast = isWanted;
+    refreshAppearance();
 }
 
 void DocumentStore::refreshAppearance()

@@ -51,6 +51,8 @@ public:
     [[nodiscard]] const Theme &theme() const { return *m_theme; }
     /// The desktop's appearance may be another.
     void refreshAppearance();
+    /// The desktop wants all to stand out, or does not any more.
+    void setHighContrast(bool isWanted);
 
 signals:
     /// All texts have the colours of another theme.
@@ -65,6 +67,7 @@ private:
 
     DocumentServices m_services;
     AppearanceQuery m_appearance;
+    bool m_hasHighContrast = false;
     const Theme *m_theme;
     NotificationCenter::Token m_preferencesObserver;
     std::vector<std::shared_ptr<TextDocument>> m_documents;

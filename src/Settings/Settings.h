@@ -42,6 +42,7 @@ inline constexpr Setting<QString> fontName("editor.fontName"_L1, "SFMono-Regular
 inline constexpr Setting<double> fontSize("editor.fontSize"_L1, 13.0, {.minimum = 6, .maximum = 96});
 /// "System" follows the desktop.
 inline constexpr Setting<QString> themeName("editor.themeName"_L1, "System"_L1, {.title = u"Theme:"});
+inline constexpr Setting<bool> strengthenColors("editor.strengthenColors"_L1, true, {.title = u"Strengthen faint colors of the theme"});
 inline constexpr Setting<AppLanguage> language("app.language"_L1, AppLanguage::system,
                                                {.title = u"Language:", .announcement = Announcement::language});
 inline constexpr Setting<bool> showLineNumbers("editor.showLineNumbers"_L1, true,
@@ -64,6 +65,8 @@ inline constexpr auto appearanceRows = std::to_array<SettingRow>({
     {.setting = indentWrappedRows, .place = below},
     {.setting = showInvisibles},
     {.setting = highlightCurrentLine},
+    {.setting = strengthenColors,
+     .note = u"Texts, line numbers and borders stand out enough to be read. Off, the theme is shown exactly as it is."},
 });
 
 // Editing
@@ -153,6 +156,8 @@ inline constexpr Setting<bool> windowShowsTitle("window.showsTitle"_L1, false,
                                                 {.title = u"Show the file name in the title bar", .announcement = Announcement::toolbar});
 inline constexpr Setting<bool> toolbarShowsLabels("toolbar.showsLabels"_L1, true,
                                                   {.title = u"Show labels next to icons", .announcement = Announcement::toolbar});
+inline constexpr Setting<bool> toolbarWarnsInRed("toolbar.warnsInRed"_L1, true,
+                                                 {.title = u"Show “Move to Trash” in red", .announcement = Announcement::toolbar});
 /// Unknown ones may be among them.
 inline constexpr Setting<QStringList> toolbarItemIDs("toolbar.items"_L1, "new,open,save,backup,terminal,trash"_L1,
                                                      {.title = u"Toolbar actions", .announcement = Announcement::toolbar});
@@ -161,6 +166,7 @@ inline constexpr auto toolbarRows = std::to_array<SettingRow>({
     {.setting = toolbarStyle, .control = "toolbarStyle"_L1},
     {.setting = windowShowsTitle, .control = "windowShowsTitle"_L1},
     {.setting = toolbarShowsLabels, .control = "toolbarShowsLabels"_L1},
+    {.setting = toolbarWarnsInRed, .control = "toolbarWarnsInRed"_L1},
     {.setting = toolbarItemIDs,
      .place = startsGroup,
      .control = "toolbarItems"_L1,

@@ -7,6 +7,7 @@
 #include "Commands/ActionKeys.h"
 #include "Commands/Actions.h"
 #include "Commands/KeyboardChords.h"
+#include "Editor/BarColors.h"
 #include "Files/TextFile.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/Theme.h"
@@ -167,8 +168,9 @@ void StatusBarView::setTheme(const Theme &theme)
 void StatusBarView::applyPalette()
 {
     QPalette colors = QGuiApplication::palette();
-    const QColor text = QColor::fromRgb(m_theme->gutterForeground);
-    colors.setColor(QPalette::Window, QColor::fromRgb(m_theme->gutterBackground));
+    const BarColors bar = BarColors::of(*m_theme);
+    const QColor text = QColor::fromRgb(bar.text);
+    colors.setColor(QPalette::Window, QColor::fromRgb(bar.ground));
     colors.setColor(QPalette::WindowText, text);
     colors.setColor(QPalette::ButtonText, text);
     setPalette(colors);
@@ -364,7 +366,7 @@ void StatusBarView::updateStatistics()
 void StatusBarView::showMessageOrPath()
 {
     QPalette colors = palette();
-    colors.setColor(QPalette::WindowText, SystemColor::accent());
+    colors.setColor(QPalette::WindowText, accentOn(*m_theme, SystemColor::accent(), AccentUse::text));
     m_flashLabel->setPalette(colors);
     const QString path = m_state ? m_state->path : localized(u"No document");
     if (path != m_pathLabel->text()) {

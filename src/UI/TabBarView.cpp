@@ -5,6 +5,7 @@
 #include "Base/Translation.h"
 #include "Commands/ActionKeys.h"
 #include "Commands/Actions.h"
+#include "Editor/BarColors.h"
 #include "Highlighting/Theme.h"
 #include "Widgets/AccessibleRole.h"
 #include "Widgets/FlatButton.h"
@@ -40,15 +41,6 @@ constexpr int scrollStep = 120;
 constexpr int dragScrollStep = 16;
 /// Titles in the menu of all tabs are cut at this width, in characters.
 constexpr int menuTitleLength = 60;
-
-constexpr quint32 black = 0xFF000000;
-constexpr double darkening = 0.35;
-constexpr double lightDarkening = 0.06;
-
-quint32 groundOf(const Theme &theme)
-{
-    return blended(theme.gutterBackground, black, theme.isDark ? darkening : lightDarkening);
-}
 
 } // namespace
 
@@ -273,8 +265,9 @@ void TabBarView::setActivePane(PaneActivity activity)
 void TabBarView::applyPalette()
 {
     QPalette colors = QGuiApplication::palette();
-    colors.setColor(QPalette::Window, QColor::fromRgb(groundOf(*m_theme)));
-    colors.setColor(QPalette::ButtonText, QColor::fromRgb(m_theme->gutterForeground));
+    const BarColors bar = BarColors::of(*m_theme);
+    colors.setColor(QPalette::Window, QColor::fromRgb(bar.tabBar));
+    colors.setColor(QPalette::ButtonText, QColor::fromRgb(bar.tabText));
     setPalette(colors);
     setActivePane(m_activity);
     update();
@@ -302,7 +295,7 @@ void TabBarView::paintEvent(QPaintEvent * /*event*/)
     QPainter painter(this);
     painter.fillRect(rect(), palette().color(QPalette::Active, QPalette::Window));
     const double devicePixel = 1 / qMax(1.0, devicePixelRatioF());
-    painter.fillRect(QRectF(0, height() - devicePixel, width(), devicePixel), QColor::fromRgb(m_theme->gutterSeparator));
+    painter.fillRect(QRectF(0, height() - devicePixel, width(), devicePixel), QColor::fromRgb(BarColors::of(*m_theme).tabBorder));
 }
 
 // Places and scrolling

@@ -2,9 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "UI/TabItemView.h"
 
+#include "Base/ColorContrast.h"
 #include "Base/Translation.h"
 #include "Commands/ActionKeys.h"
 #include "Commands/Actions.h"
+#include "Editor/BarColors.h"
 #include "Highlighting/Theme.h"
 #include "UI/TabAccessible.h"
 #include "Widgets/FlatButton.h"
@@ -46,10 +48,10 @@ constexpr QStringView detailStart = u" – ";
 /// Of the room for both, what the detail has at most where they do not fit.
 constexpr double detailShare = 0.4;
 
-constexpr double hoverOpacity = 0.4;
-constexpr double inactiveOpacity = 0.6;
-constexpr double activityOpacity = 0.65;
+constexpr double activityShare = 0.65;
 constexpr double dotOpacity = 0.85;
+/// What a dot needs to be seen.
+constexpr double contrastOfDots = 3;
 
 QColor withOpacity(QColor color, double opacity)
 {
@@ -222,10 +224,9 @@ QFont TabItemView::titleFont() const
 
 QColor TabItemView::textColor() const
 {
-    if (!isSelected()) {
-        return QColor::fromRgb(m_theme->gutterForeground);
-    }
-    return withOpacity(QColor::fromRgb(m_theme->foreground), m_activity == PaneActivity::active ? 1 : inactiveOpacity);
+    const BarColors bar = BarColors::of(*m_theme);
+    const quint32 selected = m_activity == PaneActivity::active ? m_theme->foreground : bar.inactiveTabText;
+    return QColor::fromRgb(isSelected() ? selected : bar.tabText);
 }
 
 void TabItemView::paintEvent(QPaintEvent * /*event*/)
@@ -237,19 +238,25 @@ void TabItemView::paintEvent(QPaintEvent * /*event*/)
     paintMarks(painter);
 }
 
+quint32 TabItemView::ground() const
+{
+    const BarColors bar = BarColors::of(*m_theme);
+    return isSelected() ? m_theme->background : m_isHovering ? bar.hoveredTab : bar.tabBar;
+}
+
 void TabItemView::paintGround(QPainter &painter) const
 {
-    const QColor ground = QColor::fromRgb(m_theme->background);
+    if (isSelected() || m_isHovering) {
+        painter.fillRect(rect(), QColor::fromRgb(ground()));
+    }
     if (isSelected()) {
-        painter.fillRect(rect(), ground);
-        const QColor bar = m_activity == PaneActivity::active ? SystemColor::accent() : QColor::fromRgb(m_theme->gutterForeground);
+        const QColor bar = m_activity == PaneActivity::active ? accentOn(*m_theme, SystemColor::accent(), AccentUse::mark)
+                                                              : QColor::fromRgb(m_theme->gutterForeground);
         painter.fillRect(0, 0, width(), selectionBarHeight, bar);
-    } else if (m_isHovering) {
-        painter.fillRect(rect(), withOpacity(ground, hoverOpacity));
     }
     const double devicePixel = 1 / qMax(1.0, devicePixelRatioF());
     painter.fillRect(QRectF(width() - devicePixel, separatorInset, devicePixel, height() - 2 * separatorInset),
-                     QColor::fromRgb(m_theme->gutterSeparator));
+                     QColor::fromRgb(BarColors::of(*m_theme).tabBorder));
 }
 
 void TabItemView::paintLock(QPainter &painter) const
@@ -276,12 +283,15 @@ void TabItemView::paintTitle(QPainter &painter) const
         const int start = metrics.horizontalAdvance(title);
         const QString detail =
             metrics.elidedText(detailStart.toString() + m_descriptor.detail, Qt::ElideRight, room - start, Qt::TextSingleLine);
-        painter.setPen(QColor::fromRgb(m_theme->gutterForeground));
+        painter.setPen(
+            QColor::fromRgb(legible(m_theme->gutterForeground, textColor().rgb(), limitsOf(m_theme->contrast).text, {ground()})));
         painter.drawText(place.adjusted(start, 0, 0, 0), flags, detail);
         title += detail;
     }
     if (!m_descriptor.activity.isEmpty()) {
-        painter.setPen(withOpacity(textColor(), textColor().alphaF() * activityOpacity));
+        const quint32 text = textColor().rgb();
+        painter.setPen(
+            QColor::fromRgb(legible(blended(ground(), text, activityShare), text, limitsOf(m_theme->contrast).text, {ground()})));
         painter.drawText(place.adjusted(metrics.horizontalAdvance(title) + 2 * gap, 0, 0, 0), flags, m_descriptor.activity);
     }
 }
@@ -291,10 +301,11 @@ void TabItemView::paintMarks(QPainter &painter) const
 {
     painter.setRenderHint(QPainter::Antialiasing);
     if (hasMark() && !m_isHovering) {
-        const QColor color = textColor();
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(m_descriptor.hasExternalChange ? SystemColor::yellow(m_theme->isDark ? Appearance::dark : Appearance::light)
-                                                        : withOpacity(color, color.alphaF() * dotOpacity));
+        const QColor dot = m_descriptor.hasExternalChange ? SystemColor::yellow(m_theme->isDark ? Appearance::dark : Appearance::light)
+                                                          : withOpacity(textColor(), dotOpacity);
+        // Yellow on white has an edge.
+        painter.setPen(contrast(dot.rgb(), ground()) < contrastOfDots ? QPen(textColor()) : Qt::NoPen);
+        painter.setBrush(dot);
         painter.drawEllipse(QRectF(width() - dotInset - dotSide, (height() - dotSide) / 2, dotSide, dotSide));
     }
     if (hasFocus()) {

@@ -96,6 +96,7 @@ private:
     void startDrag();
     [[nodiscard]] bool hasMark() const { return m_descriptor.isDirty || m_descriptor.hasExternalChange; }
     [[nodiscard]] QColor textColor() const;
+    [[nodiscard]] quint32 ground() const;
     [[nodiscard]] QFont titleFont() const;
     void paintGround(QPainter &painter) const;
     [[nodiscard]] int activityWidth(const QFont &font) const;

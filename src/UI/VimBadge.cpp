@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "UI/VimBadge.h"
 
+#include "Base/ColorContrast.h"
 #include "Highlighting/Theme.h"
 #include "Widgets/AccessibleRole.h"
 #include "Widgets/SystemColors.h"
@@ -14,8 +15,11 @@ namespace {
 
 constexpr double cornerRadius = 3;
 constexpr int heightMargin = 2;
-constexpr float opacityOnDark = 0.85F;
-constexpr float opacityOnLight = 0.75F;
+/// How much of its colour the badge has.
+constexpr double shareOnDark = 0.85;
+constexpr double shareOnLight = 0.75;
+constexpr quint32 black = 0xFF000000;
+constexpr quint32 white = 0xFFFFFFFF;
 
 QString badgeText(const StatusBarView::VimState &state)
 {
@@ -73,10 +77,10 @@ void VimBadge::paintEvent(QPaintEvent * /*event*/)
     }
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    QColor ground = m_state->commandLine ? SystemColor::purple() : m_state->isInsert ? SystemColor::green() : SystemColor::accent();
-    ground.setAlphaF(m_theme->isDark ? opacityOnDark : opacityOnLight);
+    const QColor hue = m_state->commandLine ? SystemColor::purple() : m_state->isInsert ? SystemColor::green() : SystemColor::accent();
+    const quint32 ground = blended(m_theme->gutterBackground, hue.rgb(), m_theme->isDark ? shareOnDark : shareOnLight);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(ground);
+    painter.setBrush(QColor::fromRgb(legible(ground, black, limitsOf(m_theme->contrast).text, {white})));
     painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
     painter.setPen(Qt::white);
     painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, fontMetrics().elidedText(text(), Qt::ElideLeft, width()));

@@ -68,6 +68,8 @@ public:
 
     /// Draws one row with its top at `top` and its left edge at `x`.
     void drawRow(QPainter &painter, int row, double x, double top) const;
+    /// The same with what lies in `recolored` in `color`.
+    void drawRow(QPainter &painter, int row, double x, double top, TextRange recolored, const QColor &color) const;
 
     quint64 lastUse = 0;
 

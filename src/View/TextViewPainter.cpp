@@ -72,15 +72,13 @@ void TextViewPainter::paint(QPainter &painter, QRectF area, const Rope &text, co
         paintMarks(painter, row, visible);
         paintSelection(painter, row, visible, frame.selected);
         paintIndicator(painter, row, visible);
-        painter.setPen(looks.colors.text);
-        m_layout.forEachLayout(row.row, visible, [&](const SegmentLayout &shown, int inLayout, double x) {
-            shown.drawRow(painter, inLayout, left + x, row.top);
-        });
+        paintText(painter, row, visible, frame.selected);
         paintMisspellings(painter, row, visible);
         if (looks.invisibles == TextLooks::Visibility::shown) {
             paintInvisibles(painter, row, visible, text);
         }
     }
+    paintRowBorder(painter, frame.caretRow);
     if (frame.dropCaret) {
         paintDropCaret(painter, *frame.dropCaret);
     }
@@ -207,6 +205,28 @@ void TextViewPainter::paintInvisibles(QPainter &painter, const Viewport::Visible
         if (end <= visible.right) {
             painter.drawText(QPointF(left + end, baseline), QStringLiteral("\u00AC"));
         }
+    }
+}
+
+void TextViewPainter::paintText(QPainter &painter, const Viewport::VisibleRow &row, Span visible, TextRange selected)
+{
+    painter.setPen(looks.colors.text);
+    const bool isRecolored = looks.colors.selectedText.isValid() && !selected.isEmpty();
+    m_layout.forEachLayout(row.row, visible, [&](const SegmentLayout &shown, int inLayout, double x) {
+        const double left = m_port.left() + x;
+        if (isRecolored && shown.range().touches(selected)) {
+            shown.drawRow(painter, inLayout, left, row.top, selected, looks.colors.selectedText);
+        } else {
+            shown.drawRow(painter, inLayout, left, row.top);
+        }
+    });
+}
+
+void TextViewPainter::paintRowBorder(QPainter &painter, QRectF caretRow)
+{
+    if (!caretRow.isEmpty() && looks.colors.currentLineBorder.isValid()) {
+        painter.fillRect(QRectF(caretRow.topLeft(), QSizeF(caretRow.width(), 1)), looks.colors.currentLineBorder);
+        painter.fillRect(QRectF(caretRow.left(), caretRow.bottom() - 1, caretRow.width(), 1), looks.colors.currentLineBorder);
     }
 }
 

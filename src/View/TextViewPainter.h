@@ -18,7 +18,8 @@ class QPainter;
 struct TextLooks {
     enum class CaretShape { bar, block, underline };
     enum class Visibility { hidden, shown };
-    /// An invalid `currentLine`, which is behind the row of the caret, is not drawn.
+    /// Invalid ones are not drawn: `currentLine`, which is behind the row of the caret, and `currentLineBorder`, above and below it; with
+    /// an invalid `selectedText` selected text keeps its colours.
     struct Colors {
         QColor background;
         QColor text;
@@ -27,6 +28,8 @@ struct TextLooks {
         QColor currentLine;
         QColor invisibles;
         QColor mark;
+        QColor selectedText = {};
+        QColor currentLineBorder = {};
     };
     /// Asked for stretches within what is seen of a row, ascending.
     using MarkProvider = std::function<std::vector<TextRange>(TextRange visible)>;
@@ -92,6 +95,8 @@ private:
     void paintIndicator(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintMisspellings(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintInvisibles(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Rope &text);
+    void paintText(QPainter &painter, const Viewport::VisibleRow &row, Span visible, TextRange selected);
+    void paintRowBorder(QPainter &painter, QRectF caretRow);
     void paintDropCaret(QPainter &painter, qsizetype offset);
     void paintCaret(QPainter &painter, QRectF caret);
 

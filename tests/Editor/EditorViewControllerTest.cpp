@@ -247,15 +247,27 @@ TEST_F(EditorTest, AClickOnANumberSelectsItsLine)
     EXPECT_GT(view.scrollOffset(), 0);
 }
 
-TEST_F(EditorTest, ControlsBesideTheTextAreAsDarkAsIt)
+TEST_F(EditorTest, InHighContrastTheScrollBarStandsOut)
 {
-    const auto editor = open(document(QString()));
-    const auto *bar = editor->findChild<QScrollBar *>();
-    const auto isDark = [&] { return bar->palette().color(QPalette::Button).lightness() < 128; };
-    for (const Theme &theme : Theme::all()) {
-        preferences.set(Settings::themeName, theme.name.toString());
-        EXPECT_EQ(isDark(), theme.isDark) << theme.name.toUtf8().data();
-    }
+    const auto editor = open(document(QString(u"line\n"_s).repeated(1000)));
+    QScrollBar *bar = editor->textView().verticalScrollBar();
+    const auto shows = [&](quint32 color) {
+        const QImage picture = bar->grab().toImage();
+        int count = 0;
+        for (int y = 0; y < picture.height(); ++y) {
+            count += picture.pixel(picture.width() / 2, y) == color ? 1 : 0;
+        }
+        return count;
+    };
+    documents.setHighContrast(true);
+    const Theme &theme = documents.theme();
+    EXPECT_EQ(theme, Theme::shown(Theme::light(), Contrast::high));
+    EXPECT_GT(shows(theme.foreground), 10);
+    EXPECT_GT(shows(theme.background), bar->height() / 2);
+    documents.setHighContrast(false);
+    EXPECT_LT(shows(theme.foreground), 10) << "the style's";
+    preferences.set(Settings::strengthenColors, false);
+    EXPECT_EQ(&documents.theme(), &Theme::light());
 }
 
 TEST_F(EditorTest, ChecksSpellingWhereThereIsAChecker)

@@ -174,6 +174,44 @@ INSTANTIATE_TEST_SUITE_P(Walks, PaintWalk,
                          testing::Combine(testing::Range(1U, 6U),
                                           testing::Values(TextView::WrapMode::none, TextView::WrapMode::viewWidth)));
 
+TEST(Paint, SelectedTextAndTheCaretsRowCanHaveColoursOfTheirOwn)
+{
+    ViewFixture fixture(QString(u"\u2588\u2588\u2588\u2588 "_s).repeated(5), {160, 200});
+    fixture.view.setWrapMode(TextView::WrapMode::viewWidth);
+    TextView::Colors colors{
+        .background = Qt::white, .text = Qt::black, .selection = Qt::yellow, .caret = Qt::black, .currentLine = Qt::white};
+    colors.invisibles = colors.mark = Qt::white;
+    const auto counts = [&fixture](const QRect &place) {
+        std::map<QRgb, int> found;
+        const QImage picture = fixture.image();
+        for (int y = place.top(); y <= place.bottom(); ++y) {
+            for (int x = place.left(); x <= place.right(); ++x) {
+                ++found[picture.pixel(x, y)];
+            }
+        }
+        return found;
+    };
+    LayoutManager &layout = fixture.view.layoutManager();
+    const int height = int(layout.rowHeight());
+    const RowPosition second = layout.rowOf(layout.rangeOf(layout.rowOf(0)).end() + 1);
+    const auto boxOf = [&](const RowPosition &row) {
+        return QRect(0, int(fixture.view.textViewport().topOf(row).value_or(0)), fixture.view.viewport()->width(), height);
+    };
+    const QRect firstRow = boxOf(layout.rowOf(0));
+    const QRect secondRow = boxOf(second);
+    fixture.storage.setStyle({0, fixture.storage.length()}, fixture.storage.styles().intern({.foreground = QColor(Qt::blue).rgb()}));
+    fixture.view.setColors(colors);
+    fixture.view.setSelection({0, 3});
+    const auto plain = counts(secondRow);
+    colors.selectedText = Qt::red;
+    fixture.view.setColors(colors);
+    EXPECT_GT(counts(firstRow)[qRgb(255, 0, 0)], 0) << "though it has a colour of its own";
+    EXPECT_EQ(counts(secondRow), plain) << "rows without a selection are drawn once";
+    colors.currentLineBorder = Qt::green;
+    fixture.view.setColors(colors);
+    EXPECT_GT(counts(firstRow)[qRgb(0, 255, 0)], 2 * secondRow.width() - 10) << "but for the caret";
+}
+
 /// The width of a long line's part is an estimate until some question lays it out; what is right of it moves then.
 TEST(Paint, WhatIsMeasuredLeftOfTheViewRepaintsIt)
 {
