@@ -7,6 +7,8 @@
 #include "Spelling/SpellChecker.h"
 #include "View/TextView.h"
 #include "Widgets/AccessibleRole.h"
+#include "Widgets/DialogGrid.h"
+#include "Widgets/Mnemonics.h"
 
 #include <QAccessible>
 #include <QGridLayout>
@@ -24,18 +26,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize startSize(420, 300);
-
-/// Underlines the first letter that none of the others has.
-QString withMnemonic(const QString &title, QString &used)
-{
-    for (qsizetype place = 0; place < title.size(); ++place) {
-        if (const QChar letter = title[place].toLower(); letter.isLetter() && !used.contains(letter)) {
-            used += letter;
-            return title.first(place) + u'&' + title.sliced(place);
-        }
-    }
-    return title;
-}
 
 } // namespace
 
@@ -66,6 +56,7 @@ void SpellingPanel::makeWindow()
     m_dictionaries->setWordWrap(true);
 
     auto *buttons = new QVBoxLayout;
+    buttons->setSpacing(DialogGrid::rowSpacing);
     for (QPushButton **button : {&m_change, &m_findNext, &m_ignore, &m_learn}) {
         *button = new QPushButton;
         (*button)->setAutoDefault(false);
@@ -76,7 +67,11 @@ void SpellingPanel::makeWindow()
     buttons->addWidget(m_learn);
     buttons->addStretch();
 
+    m_message->setContentsMargins(0, 0, 0, DialogGrid::rowSpacing);
     auto *grid = new QGridLayout(m_window.get());
+    DialogGrid::apply(*grid);
+    grid->setVerticalSpacing(DialogGrid::titleSpacing);
+    grid->setRowMinimumHeight(2, m_replacement->sizeHint().height() + DialogGrid::rowSpacing);
     grid->addWidget(m_message, 0, 0, 1, 2);
     grid->addWidget(m_replacementTitle, 1, 0);
     grid->addWidget(m_replacement, 2, 0);
@@ -123,14 +118,15 @@ void SpellingPanel::retranslate()
         return;
     }
     m_window->setWindowTitle(localized(u"Spelling"));
-    QString used;
-    const auto title = [&used](QStringView english) { return withMnemonic(localized(english), used); };
-    m_replacementTitle->setText(title(u"Replace with") + u':');
-    m_guessesTitle->setText(title(u"Suggestions") + u':');
-    m_change->setText(title(u"Change"));
-    m_findNext->setText(title(u"Find Next"));
-    m_ignore->setText(title(u"Ignore"));
-    m_learn->setText(title(u"Learn"));
+    QString taken;
+    QStringList titles = withMnemonics({localized(u"Replace with"), localized(u"Suggestions"), localized(u"Change"),
+                                        localized(u"Find Next"), localized(u"Ignore"), localized(u"Learn")},
+                                       taken);
+    m_replacementTitle->setText(titles.takeFirst() + u':');
+    m_guessesTitle->setText(titles.takeFirst() + u':');
+    for (QPushButton *button : {m_change, m_findNext, m_ignore, m_learn}) {
+        button->setText(titles.takeFirst());
+    }
     m_ignore->setToolTip(localized(u"Takes the word for correct until Quillet is quit"));
     m_learn->setToolTip(localized(u"Adds the word to your own dictionary"));
     m_replacement->setAccessibleName(localized(u"Replace with"));

@@ -199,7 +199,9 @@ void EditorToolbarController::addItem(const ToolbarAction &spec)
 {
     const auto labels =
         m_services.preferences.value(Settings::toolbarShowsLabels) ? ToolbarActionItem::Labels::shown : ToolbarActionItem::Labels::hidden;
-    auto *item = new ToolbarActionItem(spec, labels, m_strip);
+    const auto tint =
+        m_services.preferences.value(Settings::toolbarWarnsInRed) ? ToolbarActionItem::Tint::red : ToolbarActionItem::Tint::none;
+    auto *item = new ToolbarActionItem(spec, labels, tint, m_strip);
     const bool isBesideMenus = m_services.preferences.value(Settings::toolbarStyle) == ToolbarStyle::combined;
     const int side = isBesideMenus ? symbolSideBesideMenus : symbolSideInRow;
     item->setIconSize({side, side});

@@ -13,7 +13,7 @@ struct ToolbarAction {
     /// English, the key of the language tables.
     const char16_t *label;
     const Action &action;
-    /// Red while it is enabled.
+    /// Red while it is enabled, unless the user wants none.
     bool isDestructive = false;
     /// Opens a menu instead of acting.
     bool hasMenu = false;

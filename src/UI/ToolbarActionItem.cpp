@@ -23,8 +23,8 @@ QColor destructiveColor()
 
 } // namespace
 
-ToolbarActionItem::ToolbarActionItem(const ToolbarAction &spec, Labels labels, QWidget *parent)
-    : QToolButton(parent), m_spec(spec), m_label(localized(spec.label))
+ToolbarActionItem::ToolbarActionItem(const ToolbarAction &spec, Labels labels, Tint tint, QWidget *parent)
+    : QToolButton(parent), m_spec(spec), m_label(localized(spec.label)), m_isRed(spec.isDestructive && tint == Tint::red)
 {
     setAutoRaise(true);
     // A click leaves the focus in the text; with keys one comes here all the same.
@@ -71,7 +71,7 @@ void ToolbarActionItem::changeEvent(QEvent *event)
 void ToolbarActionItem::applyColor()
 {
     const QColor color = destructiveColor();
-    if (!m_spec.isDestructive || color == m_color) {
+    if (!m_isRed || color == m_color) {
         return;
     }
     m_color = color;

@@ -15,9 +15,11 @@ class ToolbarActionItem final : public QToolButton {
 
 public:
     enum class Labels { hidden, shown };
+    /// Of what is destructive.
+    enum class Tint { none, red };
 
     /// `spec` must outlive the button.
-    ToolbarActionItem(const ToolbarAction &spec, Labels labels, QWidget *parent);
+    ToolbarActionItem(const ToolbarAction &spec, Labels labels, Tint tint, QWidget *parent);
 
     [[nodiscard]] const ToolbarAction &spec() const { return m_spec; }
     /// In the language of the interface at the time when the button was made.
@@ -35,6 +37,7 @@ private:
 
     const ToolbarAction &m_spec;
     QString m_label;
-    /// Of what is destructive; invalid before and for all else.
+    bool m_isRed;
+    /// The red; invalid before and for all else.
     QColor m_color;
 };

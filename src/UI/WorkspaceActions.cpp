@@ -103,8 +103,10 @@ void WorkspaceViewController::goToLine()
     if (!currentEditor()) {
         return;
     }
+    const qsizetype lines = currentDocument()->storage().text().lineCount();
     const Alert question{.style = AlertStyle::informational,
                          .messageText = localized(u"Go to Line"),
+                         .informativeText = formatted(localized(u"A line number from 1 to %d:"), lines),
                          .buttons = {{localized(u"Go")}, {localized(u"Cancel"), AlertButtonRole::cancel}},
                          .textField = Alert::TextField{.placeholder = localized(u"Line number")}};
     m_services.presenter.present(question, window(), [editor = QPointer(currentEditor())](const AlertReply &reply) {
@@ -132,7 +134,7 @@ void WorkspaceViewController::changeFontSize(int steps)
 
 void WorkspaceViewController::resetFontSize()
 {
-    m_services.preferences.reset(Settings::fontSize);
+    m_services.preferences.unset(Settings::fontSize);
 }
 
 void WorkspaceViewController::chooseIndentation(Indentation indentation)

@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "Widgets/FilePanel.h"
 
+#include "Base/FilePath.h"
 #include "Base/Translation.h"
 #include "Widgets/AlertPresenter.h"
 #include "Widgets/SymbolIcon.h"
 
 #include <QComboBox>
+#include <QDir>
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QLabel>
@@ -17,6 +19,7 @@
 #include <QToolButton>
 #include <QTreeView>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -41,16 +44,82 @@ constexpr std::array toolSymbols = {
 
 } // namespace
 
-FilePanel::FilePanel(AlertPresenter &presenter, QWidget *window, const QString &title, AcceptMode mode)
+FilePanel::FilePanel(AlertPresenter &presenter, const FileChooserPortalMaker &portal, QWidget *window, const QString &title,
+                     AcceptMode mode)
     : QFileDialog(window, title), m_presenter(presenter)
 {
     setAcceptMode(mode);
     // There is none while the desktop's dialog stands in.
     m_isOwn = findChild<QLineEdit *>(u"fileNameEdit"_s) != nullptr;
     if (m_isOwn) {
+        m_portal = portal ? portal() : nullptr;
         setOption(DontConfirmOverwrite);
         decorate();
     }
+}
+
+FilePanel::~FilePanel() = default;
+
+void FilePanel::setStartFolder(const QString &folder)
+{
+    if (!folder.isEmpty() && QDir(folder).exists()) {
+        m_question.folder = folder;
+        setDirectory(folder);
+    }
+}
+
+void FilePanel::setSuggestedName(const QString &name)
+{
+    m_question.name = name;
+    selectFile(name);
+}
+
+void FilePanel::setPrompt(const QString &prompt)
+{
+    if (!prompt.isEmpty()) {
+        m_question.acceptLabel = prompt;
+        setLabelText(QFileDialog::Accept, prompt);
+    }
+}
+
+QStringList FilePanel::chosenPaths() const
+{
+    QStringList paths = m_chosen;
+    if (paths.isEmpty()) {
+        std::ranges::transform(selectedUrls(), std::back_inserter(paths), localPath);
+    }
+    return paths;
+}
+
+void FilePanel::setVisible(bool isVisible)
+{
+    if (isVisible && m_portal && !testAttribute(Qt::WA_DontShowOnScreen)) {
+        setAttribute(Qt::WA_DontShowOnScreen);
+        askPortal();
+    }
+    QFileDialog::setVisible(isVisible);
+}
+
+void FilePanel::askPortal()
+{
+    using enum FileChooserPortal::Choice;
+    // Without one of its own it is called by what it does.
+    m_question.title = windowTitle();
+    const FileMode mode = fileMode();
+    m_question.choice = acceptMode() == AcceptSave ? save : mode == Directory ? openFolder : mode == ExistingFiles ? openFiles : openFile;
+    const QWidget *window = parentWidget() ? parentWidget()->window() : nullptr;
+    m_portal->ask(m_question, window ? window->windowHandle() : nullptr,
+                  [this](FileChooserPortal::Outcome outcome, const QStringList &paths) {
+                      const std::unique_ptr<FileChooserPortal> asked = std::move(m_portal);
+                      if (outcome == FileChooserPortal::Outcome::unavailable) {
+                          hide();
+                          setAttribute(Qt::WA_DontShowOnScreen, false);
+                          show();
+                          return;
+                      }
+                      m_chosen = paths;
+                      done(outcome == FileChooserPortal::Outcome::chosen ? Accepted : Rejected);
+                  });
 }
 
 void FilePanel::decorate()

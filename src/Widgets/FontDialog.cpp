@@ -4,6 +4,7 @@
 
 #include "Base/Localization.h"
 #include "Base/Translation.h"
+#include "Widgets/DialogGrid.h"
 #include "Widgets/Mnemonics.h"
 
 #include <QCheckBox>
@@ -11,7 +12,6 @@
 #include <QDoubleSpinBox>
 #include <QFontDatabase>
 #include <QHBoxLayout>
-#include <QIcon>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
@@ -70,25 +70,26 @@ void FontDialog::arrange()
     sizeTitle->setBuddy(m_size);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     m_accept = buttons->button(QDialogButtonBox::Ok);
-    // The toolkit's own pictures are for desktops that have none, and look it.
-    if (!QIcon::hasThemeIcon(u"dialog-ok"_s)) {
-        for (QAbstractButton *button : buttons->buttons()) {
-            button->setIcon({});
-        }
-    }
+    DialogGrid::apply(*buttons);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
+    auto *families = new QVBoxLayout;
+    families->setSpacing(DialogGrid::titleSpacing);
+    families->addWidget(familyTitle);
+    families->addWidget(m_families, 1);
     auto *sizes = new QHBoxLayout;
+    sizes->setSpacing(DialogGrid::columnSpacing);
     sizes->addWidget(sizeTitle);
     sizes->addWidget(m_size);
     sizes->addStretch();
     auto *stack = new QVBoxLayout(this);
-    stack->addWidget(familyTitle);
-    stack->addWidget(m_families, 1);
+    DialogGrid::apply(*stack);
+    stack->addLayout(families, 1);
     stack->addWidget(m_fixedOnly);
     stack->addLayout(sizes);
     stack->addWidget(m_sample);
+    stack->addSpacing(DialogGrid::groupSpacing);
     stack->addWidget(buttons);
 }
 

@@ -3,7 +3,9 @@
 #include "Widgets/GroupsDialog.h"
 
 #include "Base/Translation.h"
+#include "Widgets/DialogGrid.h"
 
+#include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -22,7 +24,6 @@ constexpr int columnSpacing = 36;
 constexpr int detailSpacing = 18;
 constexpr int lineSpacing = 3;
 constexpr int groupSpacing = 12;
-constexpr int edge = 6;
 constexpr size_t mostColumns = 3;
 /// For the button, the frames of windows and the panels of desktops.
 constexpr QSize roomAround(64, 140);
@@ -90,7 +91,7 @@ std::unique_ptr<QWidget> content(const std::vector<Groups> &columns)
 {
     auto made = std::make_unique<QWidget>();
     auto *row = new QHBoxLayout(made.get());
-    row->setContentsMargins(edge, edge, edge, edge);
+    row->setContentsMargins({});
     row->setSpacing(columnSpacing);
     for (const Groups groups : columns) {
         row->addWidget(column(groups, made.get()), 1);
@@ -121,12 +122,15 @@ GroupsDialog::GroupsDialog(const Alert &alert, QWidget *window) : QDialog(window
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    auto *ok = new QPushButton(localized(u"OK"));
+    auto *buttons = new QDialogButtonBox;
+    QPushButton *ok = buttons->addButton(localized(u"OK"), QDialogButtonBox::AcceptRole);
     ok->setDefault(true);
-    connect(ok, &QPushButton::clicked, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     auto *stack = new QVBoxLayout(this);
+    DialogGrid::apply(*stack);
     stack->addWidget(area, 1);
-    stack->addWidget(ok, 0, Qt::AlignRight);
+    stack->addSpacing(DialogGrid::groupSpacing);
+    stack->addWidget(buttons);
     ok->setFocus();
 
     QWidget *lines = content(alert.groups, screen()->availableSize() - roomAround).release();

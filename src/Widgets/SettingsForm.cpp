@@ -3,6 +3,7 @@
 #include "Widgets/SettingsForm.h"
 
 #include "Desktop/PaletteBlend.h"
+#include "Widgets/DialogGrid.h"
 #include "Widgets/InterfaceFont.h"
 #include "Widgets/Mnemonics.h"
 
@@ -20,10 +21,9 @@
 namespace {
 
 // Logical pixels.
-constexpr int margin = 16;
-constexpr int rowSpacing = 8;
-constexpr int columnSpacing = 10;
-constexpr int gapHeight = 10;
+using DialogGrid::columnSpacing;
+using DialogGrid::margin;
+using DialogGrid::rowSpacing;
 constexpr int spaceAboveNote = 2;
 constexpr int spaceBelowNote = 4;
 constexpr int leastHeight = 160;
@@ -166,7 +166,7 @@ void SettingsForm::addWide(QLayout &row)
 
 void SettingsForm::addGap()
 {
-    m_grid->setRowMinimumHeight(m_row++, gapHeight);
+    m_grid->setRowMinimumHeight(m_row++, DialogGrid::groupSpacing);
 }
 
 void SettingsForm::finish()

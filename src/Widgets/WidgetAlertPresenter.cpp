@@ -2,15 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "Widgets/WidgetAlertPresenter.h"
 
-#include "Base/FilePath.h"
 #include "Base/Translation.h"
-#include "Widgets/FilePanel.h"
+#include "Widgets/DialogGrid.h"
 #include "Widgets/FontDialog.h"
 #include "Widgets/GroupsDialog.h"
+#include "Widgets/Mnemonics.h"
 #include "Widgets/SymbolIcon.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -38,7 +37,8 @@ struct StyleIcon {
     QRgb color;
 };
 
-enum class HasIcon { no, yes };
+/// Has an icon, and its message stands out.
+enum class Report { no, yes };
 
 /// Logical pixels.
 constexpr int narrowestTextField = 260;
@@ -55,13 +55,15 @@ constexpr std::array styleIcons = {
     StyleIcon{QMessageBox::Critical, "dialog-error"_L1, "xmark.octagon"_L1, 0xFFC9302C},
 };
 
-void setStyle(QMessageBox &box, AlertStyle style, HasIcon hasIcon)
+void setStyle(QMessageBox &box, AlertStyle style, Report report)
 {
     const StyleIcon &row = styleIcons[size_t(style)];
     box.setIcon(row.icon);
-    if (hasIcon == HasIcon::no) {
+    if (report == Report::no) {
         box.setIconPixmap({});
-    } else if (!QIcon::hasThemeIcon(row.themeIcon)) {
+        return;
+    }
+    if (!QIcon::hasThemeIcon(row.themeIcon)) {
         const int side = box.style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, &box);
         box.setIconPixmap(symbolIcon(row.symbol, QColor::fromRgba(row.color)).pixmap({side, side}, box.devicePixelRatioF()));
     }
@@ -112,8 +114,12 @@ void widenText(const QMessageBox &box)
 QList<QAbstractButton *> addButtons(QMessageBox &box, const Alert &alert)
 {
     QList<QAbstractButton *> buttons;
+    QStringList titles;
+    std::ranges::transform(alert.buttons, std::back_inserter(titles), &AlertButton::title);
+    QString taken;
+    titles = withMnemonics(titles, taken);
     for (const AlertButton &button : alert.buttons) {
-        QPushButton *added = box.addButton(button.title, roleOf(button.role));
+        QPushButton *added = box.addButton(titles.takeFirst(), roleOf(button.role));
         if (button.role == AlertButtonRole::cancel) {
             box.setEscapeButton(added);
         }
@@ -154,6 +160,7 @@ QLineEdit *addTextField(QMessageBox &box, const Alert::TextField &field)
     }
     // Above the field that it names, not where it would stand beside a picture.
     if (auto *message = box.findChild<QLabel *>(u"qt_msgbox_label"_s)) {
+        message->setBuddy(edit);
         message->setIndent(0);
         message->setContentsMargins({});
         grid->removeWidget(message);
@@ -201,21 +208,6 @@ bool isOnScreen(const QWidget *window)
     return handle && handle->isExposed();
 }
 
-/// Puts `panel` into `folder`; the desktop chooses when there is none.
-QStringList chosenPaths(const QFileDialog &panel)
-{
-    QStringList paths;
-    std::ranges::transform(panel.selectedUrls(), std::back_inserter(paths), localPath);
-    return paths;
-}
-
-void startIn(QFileDialog &panel, const QString &folder)
-{
-    if (!folder.isEmpty() && QDir(folder).exists()) {
-        panel.setDirectory(folder);
-    }
-}
-
 } // namespace
 
 void WidgetAlertPresenter::present(const Alert &alert, QWidget *window, AlertCompletion completion)
@@ -231,10 +223,14 @@ void WidgetAlertPresenter::present(const Alert &alert, QWidget *window, AlertCom
         return;
     }
     auto *box = new QMessageBox(window);
-    box->setText(asPlainText(alert.messageText));
-    // What asks for a line to fill in reports nothing.
-    setStyle(*box, alert.style, alert.textField ? HasIcon::no : HasIcon::yes);
-    box->setInformativeText(asPlainText(alert.informativeText));
+    // What asks for a line to fill in reports nothing; it is called by what it does, and says beside the line what to fill in.
+    const bool hasFieldTitle = alert.textField && !alert.informativeText.isEmpty();
+    setStyle(*box, alert.style, alert.textField ? Report::no : Report::yes);
+    if (alert.textField) {
+        box->setWindowTitle(asPlainText(alert.messageText));
+    }
+    box->setText(asPlainText(hasFieldTitle ? alert.informativeText : alert.messageText));
+    box->setInformativeText(hasFieldTitle ? QString() : asPlainText(alert.informativeText));
     // The box itself would have it for the first text only.
     for (QLabel *label : box->findChildren<QLabel *>()) {
         label->setTextFormat(Qt::PlainText);
@@ -242,6 +238,7 @@ void WidgetAlertPresenter::present(const Alert &alert, QWidget *window, AlertCom
     widenText(*box);
     const QList<QAbstractButton *> buttons = addButtons(*box, alert);
     const QLineEdit *edit = alert.textField ? addTextField(*box, *alert.textField) : nullptr;
+    box->layout()->setContentsMargins(DialogGrid::margin, DialogGrid::margin, DialogGrid::margin, DialogGrid::margin);
     const int cancelAnswer = alert.cancelAnswer();
     QObject::connect(box, &QDialog::finished, &m_context, [box, buttons, edit, cancelAnswer, completion = std::move(completion)] {
         // Closed by the window manager, there is no button.
@@ -256,7 +253,7 @@ void WidgetAlertPresenter::present(const Alert &alert, QWidget *window, AlertCom
 
 void WidgetAlertPresenter::present(const OpenPanel &panel, QWidget *window, OpenCompletion completion)
 {
-    auto *dialog = new FilePanel(*this, window, panel.title, QFileDialog::AcceptOpen);
+    auto *dialog = new FilePanel(*this, m_portal, window, panel.title, QFileDialog::AcceptOpen);
     switch (panel.choice) {
     case OpenPanel::Choice::file:
         dialog->setFileMode(QFileDialog::ExistingFile);
@@ -269,24 +266,22 @@ void WidgetAlertPresenter::present(const OpenPanel &panel, QWidget *window, Open
         dialog->setOption(QFileDialog::ShowDirsOnly);
         break;
     }
-    startIn(*dialog, panel.startFolder);
-    if (!panel.prompt.isEmpty()) {
-        dialog->setLabelText(QFileDialog::Accept, panel.prompt);
-    }
+    dialog->setStartFolder(panel.startFolder);
+    dialog->setPrompt(panel.prompt);
     QObject::connect(dialog, &QDialog::finished, &m_context, [dialog, completion = std::move(completion)](int result) {
-        completion(result == QDialog::Accepted ? chosenPaths(*dialog) : QStringList());
+        completion(result == QDialog::Accepted ? dialog->chosenPaths() : QStringList());
     });
     enqueue(dialog, window);
 }
 
 void WidgetAlertPresenter::present(const SavePanel &panel, QWidget *window, SaveCompletion completion)
 {
-    auto *dialog = new FilePanel(*this, window, panel.title, QFileDialog::AcceptSave);
+    auto *dialog = new FilePanel(*this, m_portal, window, panel.title, QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
-    startIn(*dialog, panel.startFolder);
-    dialog->selectFile(panel.suggestedName);
+    dialog->setStartFolder(panel.startFolder);
+    dialog->setSuggestedName(panel.suggestedName);
     QObject::connect(dialog, &QDialog::finished, &m_context, [dialog, completion = std::move(completion)](int result) {
-        const QStringList paths = chosenPaths(*dialog);
+        const QStringList paths = dialog->chosenPaths();
         completion(result == QDialog::Accepted && !paths.isEmpty() ? std::optional(paths.first()) : std::nullopt);
     });
     enqueue(dialog, window);

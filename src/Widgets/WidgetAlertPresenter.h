@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Widgets/AlertPresenter.h"
+#include "Widgets/FilePanel.h"
 
 #include <QHash>
 #include <QObject>
@@ -12,6 +13,9 @@ class QDialog;
 /// Alerts and panels as windows of the desktop. Nothing is made before it is shown.
 class WidgetAlertPresenter final : public AlertPresenter {
 public:
+    /// `portal` makes what shows panels where the toolkit has none of the desktop's.
+    explicit WidgetAlertPresenter(FileChooserPortalMaker portal = {}) : m_portal(std::move(portal)) {}
+
     using AlertPresenter::present;
     void present(const Alert &alert, QWidget *window, AlertCompletion completion) override;
     void present(const OpenPanel &panel, QWidget *window, OpenCompletion completion) override;
@@ -27,6 +31,7 @@ private:
     /// The first has closed.
     void openNext(QWidget *window);
 
+    FileChooserPortalMaker m_portal;
     /// Ends the connections to dialogs that outlive the presenter.
     QObject m_context;
     /// Dialogs of a window in their order; the first is open.

@@ -121,6 +121,7 @@ TEST_F(CommandsTest, GoToLineTakesWholeNumbersOnly)
         presenter.answer(AlertReply::firstButton, QString::fromLatin1(entered));
         send(Actions::goToLine);
         EXPECT_EQ(textView().selection().caret, 2 * (line - 1)) << entered;
+        EXPECT_EQ(presenter.alerts().back().informativeText, u"A line number from 1 to 31:"_s);
     }
 }
 

@@ -72,6 +72,9 @@ TEST_F(WidgetAlertPresenterTest, AnswersWithThePlaceOfTheButton)
         EXPECT_EQ(label->textFormat(), Qt::PlainText) << "a file's name is no markup: " << label->text().toStdString();
     }
     EXPECT_EQ(box->defaultButton()->text().remove(u'&'), u"Save"_s);
+    QStringList titles;
+    std::ranges::transform(box->buttons(), std::back_inserter(titles), &QAbstractButton::text);
+    EXPECT_THAT(titles, testing::UnorderedElementsAre(u"&Save"_s, u"&Cancel"_s, u"&Don’t Save"_s));
     click(*box, u"Don’t Save"_s);
     click(*ask(), u"Cancel"_s);
     click(*ask(), u"Save"_s);
@@ -114,6 +117,7 @@ TEST_F(WidgetAlertPresenterTest, AsksForALineOfText)
 {
     AlertReply reply;
     presenter.present({.messageText = u"Go to Line"_s,
+                       .informativeText = u"From 1 to 9:"_s,
                        .buttons = {{u"Go"_s}, {u"Cancel"_s, AlertButtonRole::cancel}},
                        .textField = Alert::TextField{.placeholder = u"Line number"_s}},
                       &window, [&](const AlertReply &given) { reply = given; });
@@ -122,6 +126,8 @@ TEST_F(WidgetAlertPresenterTest, AsksForALineOfText)
     EXPECT_EQ(box->focusWidget(), edit);
     EXPECT_EQ(edit->placeholderText(), u"Line number"_s);
     const auto *message = box->findChild<QLabel *>(u"qt_msgbox_label"_s);
+    EXPECT_EQ(box->windowTitle(), u"Go to Line"_s);
+    EXPECT_EQ(message->text(), u"From 1 to 9:"_s);
     EXPECT_EQ(message->mapTo(box, message->contentsRect().topLeft()).x(), edit->mapTo(box, QPoint()).x()) << "the title is in line";
     QTest::keyClicks(edit, u"42"_s);
     QTest::keyClick(edit, Qt::Key_Return);
