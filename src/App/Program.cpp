@@ -10,6 +10,7 @@
 #include "Base/ToolkitTexts.h"
 #include "Commands/KeyboardChords.h"
 #include "Desktop/DesktopRecentFiles.h"
+#include "Desktop/FileChooserPortal.h"
 #include "Desktop/ForeignKeyboard.h"
 #include "Desktop/KeyboardLayout.h"
 #include "Desktop/PolkitAdministrator.h"
@@ -18,6 +19,7 @@
 #include "Desktop/SystemPasteboard.h"
 #include "Editor/SpellingPanel.h"
 #include "Find/FindState.h"
+#include "Highlighting/Theme.h"
 #include "Model/DocumentStore.h"
 #include "Model/FileMemory.h"
 #include "Model/RecentDocuments.h"
@@ -62,6 +64,13 @@ Administrator &administrator()
     return *asked;
 }
 
+/// Null without a bus.
+std::unique_ptr<FileChooserPortal> portalOfSession()
+{
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    return bus.isConnected() ? std::make_unique<FileChooserPortal>(bus) : nullptr;
+}
+
 /// Chosen before anything is made that has words, and whenever the user chooses another.
 struct InterfaceLanguage {
     InterfaceLanguage(Preferences &preferences, ToolkitTexts &toolkitTexts, std::optional<AppLanguage> thisTime)
@@ -90,8 +99,7 @@ struct Program::Parts {
         QObject::connect(&layout, &KeyboardLayout::changed, &delegate, useKeyboard);
         useKeyboard();
         recent.onNote([this](const QStringList &paths) { desktopRecentFiles.note(paths); });
-        QObject::connect(&appearance, &SystemAppearance::requestChanged, &palette, &DesktopPalette::adapt);
-        QObject::connect(&appearance, &SystemAppearance::changed, &documents, &DocumentStore::refreshAppearance);
+        followAppearance();
         QObject::connect(
             &application, &QGuiApplication::commitDataRequest, &delegate,
             [this](QSessionManager &manager) {
@@ -112,8 +120,36 @@ struct Program::Parts {
             &delegate, &AppDelegate::finished, &application, [this] { QCoreApplication::exit(status); }, Qt::QueuedConnection);
     }
 
+    /// Texts, windows and desktop are light or dark together.
+    void followAppearance()
+    {
+        QObject::connect(&appearance, &SystemAppearance::requestChanged, &palette, [this](const RequestedAppearance &requested) {
+            palette.adapt(requested);
+            documents.setHighContrast(requested.hasHighContrast);
+            useFont(requested.fixedFont.value_or(plainFixedFont()));
+        });
+        QObject::connect(&appearance, &SystemAppearance::changed, &documents, &DocumentStore::refreshAppearance);
+        QObject::connect(&palette, &DesktopPalette::desktopChanged, &appearance, &SystemAppearance::update);
+        const auto followTheme = [this] {
+            const Theme *chosen = Theme::named(preferences.value(Settings::themeName));
+            palette.follow(chosen ? std::optional(chosen->isDark ? Appearance::dark : Appearance::light) : std::nullopt);
+        };
+        followTheme();
+        chosenTheme = notifications.observe(Preferences::didChange, nullptr, followTheme);
+        useFont(plainFixedFont());
+    }
+
+    void useFont(const DesktopFont &font)
+    {
+        if (font != fixedFont) {
+            fixedFont = font;
+            preferences.setDesktopValues({{Settings::fontName, font.family}, {Settings::fontSize, font.pointSize}});
+        }
+    }
+
     /// Of the exit.
     int status = 0;
+    DesktopFont fixedFont;
     DesktopPalette palette;
     ForeignKeyboard keyboard;
     KeyboardLayout layout;
@@ -125,11 +161,11 @@ struct Program::Parts {
     ToolkitTexts toolkitTexts;
     const InterfaceLanguage language;
     SystemPasteboard pasteboard;
-    WidgetAlertPresenter presenter;
+    WidgetAlertPresenter presenter{[] { return portalOfSession(); }};
 
     DetachedWorkers workers;
     FileWatcherQueue watchers;
-    SystemAppearance appearance{std::make_unique<PortalAppearanceSource>()};
+    SystemAppearance appearance{std::make_unique<PortalAppearanceSource>(), [this] { return palette.ofDesktop(); }};
     SessionStore session;
     DocumentStore documents{{.scheduler = scheduler,
                              .notifications = notifications,
@@ -150,6 +186,7 @@ struct Program::Parts {
     SpellChecker spellChecker{workers, SpellChecker::systemSetup()};
     SpellingPanel spellingPanel{spellChecker};
     NotificationCenter::Token spellingLanguages;
+    NotificationCenter::Token chosenTheme;
     SystemDesktop desktop;
     FileMemory fileMemory{session.rootDirectory() + u"/file-memory.json"_s};
     RecentDocuments recent{session.rootDirectory() + u"/recent-documents.json"_s, workers};

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Desktop/SystemAppearance.h"
 
+#include "Desktop/KdeGlobals.h"
+
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -10,9 +12,12 @@
 #include <QDBusVariant>
 #include <QEvent>
 #include <QFileInfo>
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QPalette>
+#include <QProcess>
 #include <QSet>
+#include <QStandardPaths>
 #include <QThread>
 
 #include <algorithm>
@@ -26,7 +31,11 @@ namespace {
 const auto portalService = u"org.freedesktop.portal.Desktop"_s;
 const auto portalPath = u"/org/freedesktop/portal/desktop"_s;
 const auto settingsInterface = u"org.freedesktop.portal.Settings"_s;
-const auto appearanceNamespace = u"org.freedesktop.appearance"_s;
+const auto changedSignal = u"SettingChanged"_s;
+// GNOME's own keeper of settings, and where it has those that are looked at.
+const auto keeperPath = u"/ca/desrt/dconf/Writer/user"_s;
+const auto keeperInterface = u"ca.desrt.dconf.Writer"_s;
+const auto keptInterfaces = u"/org/gnome/desktop/"_s;
 
 std::optional<Appearance> schemeOf(const QVariant &value)
 {
@@ -59,16 +68,56 @@ std::optional<QColor> colorOf(const QVariant &value)
     return QColor::fromRgbF(float(parts[0]), float(parts[1]), float(parts[2]));
 }
 
-struct Setting {
-    QLatin1StringView key;
-    void (*store)(RequestedAppearance &requested, const QVariant &value);
+/// What was answered, by whom.
+struct Answers {
+    std::optional<Appearance> scheme;
+    std::optional<QColor> accent;
+    bool hasHighContrast = false;
+    bool hasGnomeHighContrast = false;
+    QString gnomeFont;
+    KdeGlobals::Values kde;
+
+    [[nodiscard]] RequestedAppearance merged() const
+    {
+        const FamilyQuery isFamily = [](const QString &family) { return QFontDatabase::hasFamily(family); };
+        const auto gnome = fontOfDescription(gnomeFont, isFamily);
+        const auto ofKde = fontOfList(kde.fixedFont, isFamily);
+        const auto &first = KdeGlobals::isDesktop() ? ofKde : gnome;
+        return {.scheme = scheme,
+                .accent = accent,
+                .hasHighContrast = hasHighContrast || hasGnomeHighContrast || kde.hasHighContrast,
+                .fixedFont = first   ? first
+                             : ofKde ? ofKde
+                                     : gnome};
+    }
 };
 
+struct Setting {
+    QLatin1StringView space;
+    QLatin1StringView key;
+    void (*store)(Answers &answers, const QVariant &value);
+    /// GNOME itself can be asked where the portal does not know.
+    enum class Owner { portal, gnome } owner = Owner::portal;
+};
+
+constexpr auto appearanceSpace = "org.freedesktop.appearance"_L1;
 constexpr auto settings = std::to_array<Setting>({
-    {"color-scheme"_L1, [](RequestedAppearance &requested, const QVariant &value) { requested.scheme = schemeOf(value); }},
-    {"accent-color"_L1, [](RequestedAppearance &requested, const QVariant &value) { requested.accent = colorOf(value); }},
-    {"contrast"_L1, [](RequestedAppearance &requested, const QVariant &value) { requested.hasHighContrast = value.toUInt() == 1; }},
+    {appearanceSpace, "color-scheme"_L1, [](Answers &answers, const QVariant &value) { answers.scheme = schemeOf(value); }},
+    {appearanceSpace, "accent-color"_L1, [](Answers &answers, const QVariant &value) { answers.accent = colorOf(value); }},
+    {appearanceSpace, "contrast"_L1, [](Answers &answers, const QVariant &value) { answers.hasHighContrast = value.toUInt() == 1; }},
+    {"org.gnome.desktop.a11y.interface"_L1, "high-contrast"_L1,
+     [](Answers &answers, const QVariant &value) { answers.hasGnomeHighContrast = value.toBool(); }, Setting::Owner::gnome},
+    {"org.gnome.desktop.interface"_L1, "monospace-font-name"_L1,
+     [](Answers &answers, const QVariant &value) { answers.gnomeFont = value.toString(); }, Setting::Owner::gnome},
 });
+
+/// As `gsettings` prints a boolean or a text.
+QVariant parsedAnswer(QString text)
+{
+    text = text.trimmed();
+    const bool isQuoted = text.size() >= 2 && (text.front() == u'\'' || text.front() == u'"') && text.back() == text.front();
+    return isQuoted ? QVariant(text.sliced(1, text.size() - 2)) : QVariant(text == "true"_L1);
+}
 
 /// Values come wrapped once, and from older portals twice.
 QVariant unwrapped(QVariant value)
@@ -85,13 +134,6 @@ bool hasSessionBus()
     return qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") || QFileInfo::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + u"/bus"_s);
 }
 
-Appearance paletteAppearance()
-{
-    const QPalette palette = QGuiApplication::palette();
-    const int ground = palette.color(QPalette::Window).lightness();
-    return ground < palette.color(QPalette::WindowText).lightness() ? Appearance::dark : Appearance::light;
-}
-
 } // namespace
 
 class PortalAppearanceSource::Client final : public QObject {
@@ -103,12 +145,20 @@ public:
         if (m_connecting) {
             m_connecting->wait();
         }
+        for (QProcess *process : findChildren<QProcess *>()) {
+            process->disconnect();
+            process->kill();
+            process->waitForFinished();
+        }
     }
 
     void start(std::function<void(const RequestedAppearance &)> notify)
     {
         m_notify = std::move(notify);
+        connect(&m_kde, &KdeGlobals::changed, this, &Client::readKde);
+        QMetaObject::invokeMethod(this, &Client::readKde, Qt::QueuedConnection);
         if (!hasSessionBus()) {
+            askGnome();
             return;
         }
         m_connecting.reset(QThread::create([] { (void)QDBusConnection::sessionBus(); }));
@@ -119,25 +169,45 @@ public:
 private slots:
     void settingChanged(const QString &space, const QString &key, const QDBusVariant &value)
     {
-        const auto *setting = std::ranges::find(settings, key, &Setting::key);
-        if (space == appearanceNamespace && setting != settings.end()) {
-            m_changed.insert(key);
+        const auto *setting = std::ranges::find_if(settings, [&](const Setting &row) { return row.space == space && row.key == key; });
+        if (setting != settings.end()) {
+            m_changed.insert(setting);
             store(*setting, value.variant());
+        }
+    }
+
+    void keptChanged(const QString &prefix, const QStringList & /*changes*/, const QString & /*tag*/)
+    {
+        if (m_asksGnome && prefix.startsWith(keptInterfaces)) {
+            askGnome();
         }
     }
 
 private:
     std::unique_ptr<QThread> m_connecting;
     std::function<void(const RequestedAppearance &)> m_notify;
+    KdeGlobals m_kde;
+    Answers m_answers;
     RequestedAppearance m_requested;
     /// What was reported without being asked for.
-    QSet<QString> m_changed;
+    QSet<const Setting *> m_changed;
+    bool m_asksGnome = false;
 
     void store(const Setting &setting, const QVariant &value)
     {
-        RequestedAppearance requested = m_requested;
-        setting.store(requested, unwrapped(value));
-        if (requested != m_requested) {
+        setting.store(m_answers, unwrapped(value));
+        report();
+    }
+
+    void readKde()
+    {
+        m_answers.kde = m_kde.values();
+        report();
+    }
+
+    void report()
+    {
+        if (const RequestedAppearance requested = m_answers.merged(); requested != m_requested) {
             m_requested = requested;
             m_notify(m_requested);
         }
@@ -147,26 +217,57 @@ private:
     {
         QDBusConnection bus = QDBusConnection::sessionBus();
         if (!bus.isConnected()) {
+            askGnome();
             return;
         }
         // Without it the library does not know the slot's parameter and connects nothing.
         qRegisterMetaType<QDBusVariant>();
         // From whoever sends it: to know the sender the library would ask the bus for it and wait.
-        bus.connect(QString(), portalPath, settingsInterface, u"SettingChanged"_s, this,
-                    SLOT(settingChanged(QString, QString, QDBusVariant)));
+        bus.connect(QString(), portalPath, settingsInterface, changedSignal, this, SLOT(settingChanged(QString, QString, QDBusVariant)));
+        bus.connect(QString(), keeperPath, keeperInterface, u"Notify"_s, this, SLOT(keptChanged(QString, QStringList, QString)));
         for (const Setting &setting : settings) {
             QDBusMessage question = QDBusMessage::createMethodCall(portalService, portalPath, settingsInterface, u"Read"_s);
-            question << appearanceNamespace << QString(setting.key);
+            question << QString(setting.space) << QString(setting.key);
             auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
             connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, &setting] {
                 const QDBusPendingReply<QDBusVariant> reply = *watcher;
                 watcher->deleteLater();
                 // A change that came meanwhile is newer. An older portal does not know every setting.
-                if (reply.isValid() && !m_changed.contains(setting.key)) {
+                if (reply.isValid() && !m_changed.contains(&setting)) {
                     store(setting, reply.value().variant());
+                } else if (!reply.isValid() && setting.owner == Setting::Owner::gnome) {
+                    askGnome(setting);
                 }
             });
         }
+    }
+
+    /// For all that is GNOME's.
+    void askGnome()
+    {
+        for (const Setting &setting : settings) {
+            if (setting.owner == Setting::Owner::gnome) {
+                askGnome(setting);
+            }
+        }
+    }
+
+    /// Its tool knows settings that were never made, too.
+    void askGnome(const Setting &setting)
+    {
+        m_asksGnome = true;
+        const QString tool = QStandardPaths::findExecutable(u"gsettings"_s);
+        if (tool.isEmpty()) {
+            return;
+        }
+        auto *process = new QProcess(this);
+        connect(process, &QProcess::finished, this, [this, process, &setting](int code) {
+            process->deleteLater();
+            if (code == 0) {
+                store(setting, parsedAnswer(QString::fromUtf8(process->readAllStandardOutput())));
+            }
+        });
+        process->start(tool, {u"get"_s, QString(setting.space), QString(setting.key)});
     }
 };
 
@@ -179,8 +280,15 @@ void PortalAppearanceSource::start(std::function<void(const RequestedAppearance 
     m_client->start(std::move(notify));
 }
 
-SystemAppearance::SystemAppearance(std::unique_ptr<AppearanceSource> source, QObject *parent)
-    : QObject(parent), m_source(std::move(source)), m_current(paletteAppearance())
+Appearance SystemAppearance::paletteAppearance()
+{
+    const QPalette palette = QGuiApplication::palette();
+    const int ground = palette.color(QPalette::Window).lightness();
+    return ground < palette.color(QPalette::WindowText).lightness() ? Appearance::dark : Appearance::light;
+}
+
+SystemAppearance::SystemAppearance(std::unique_ptr<AppearanceSource> source, std::function<Appearance()> palette)
+    : m_source(std::move(source)), m_palette(std::move(palette)), m_current(m_palette())
 {
     qGuiApp->installEventFilter(this);
     m_source->start([this](const RequestedAppearance &requested) {
@@ -202,7 +310,7 @@ bool SystemAppearance::eventFilter(QObject *object, QEvent *event)
 
 void SystemAppearance::update()
 {
-    const Appearance appearance = m_requested.scheme.value_or(paletteAppearance());
+    const Appearance appearance = m_requested.scheme.value_or(m_palette());
     if (appearance != m_current) {
         m_current = appearance;
         emit changed(appearance);

@@ -4,6 +4,8 @@
 
 #include "Base/Appearance.h"
 
+#include "Desktop/DesktopFont.h"
+
 #include <QColor>
 #include <QObject>
 
@@ -18,6 +20,8 @@ struct RequestedAppearance {
     /// Of what is chosen or stands out.
     std::optional<QColor> accent = {};
     bool hasHighContrast = false;
+    /// For texts whose letters are to be equally wide. None: none that is installed.
+    std::optional<DesktopFont> fixedFont = {};
 
     friend bool operator==(const RequestedAppearance &, const RequestedAppearance &) = default;
 };
@@ -31,7 +35,8 @@ public:
     virtual void start(std::function<void(const RequestedAppearance &requested)> notify) = 0;
 };
 
-/// The desktop portal's settings, asked for over the session bus. Nothing waits for the bus: not even connecting to it.
+/// The desktop portal's settings, asked for over the session bus; what the portal does not know, GNOME's and KDE's own settings say.
+/// Nothing waits for the bus: not even connecting to it.
 class PortalAppearanceSource final : public AppearanceSource {
 public:
     PortalAppearanceSource();
@@ -45,16 +50,19 @@ private:
     std::unique_ptr<Client> m_client;
 };
 
-/// Whether the desktop is light or dark at the moment: as the source says, and while it says nothing, as the application's palette is.
-/// Main thread only; needs the application object.
+/// Whether the desktop is light or dark at the moment: as the source says, and while it says nothing, as the palette is. Main thread only;
+/// needs the application object.
 class SystemAppearance final : public QObject {
     Q_OBJECT
 
 public:
-    explicit SystemAppearance(std::unique_ptr<AppearanceSource> source, QObject *parent = nullptr);
+    /// `palette` says how the desktop's own palette is; as the application's, by default.
+    explicit SystemAppearance(std::unique_ptr<AppearanceSource> source, std::function<Appearance()> palette = paletteAppearance);
     ~SystemAppearance() override;
 
     [[nodiscard]] Appearance current() const { return m_current; }
+    /// The desktop's palette may be another.
+    void update();
 
 signals:
     /// Whoever gives the application its palette does so before this returns.
@@ -66,9 +74,10 @@ protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
+    [[nodiscard]] static Appearance paletteAppearance();
+
     std::unique_ptr<AppearanceSource> m_source;
+    std::function<Appearance()> m_palette;
     RequestedAppearance m_requested;
     Appearance m_current;
-
-    void update();
 };

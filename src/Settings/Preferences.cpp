@@ -106,6 +106,30 @@ void Preferences::reset(const AnySetting &setting)
     store(setting, defaultOf(setting));
 }
 
+bool Preferences::isSet(const AnySetting &setting) const
+{
+    return m_defaults.isSet(setting.key);
+}
+
+void Preferences::unset(const AnySetting &setting)
+{
+    m_defaults.remove(setting.key);
+    announce(setting.details.announcement);
+}
+
+void Preferences::setDesktopValues(const std::vector<DesktopValue> &values)
+{
+    for (const DesktopValue &row : values) {
+        m_defaults.registerDefault(row.setting.key, row.value);
+    }
+    for (const DesktopValue &row : values) {
+        if (!isSet(row.setting)) {
+            announce(row.setting.details.announcement);
+            return;
+        }
+    }
+}
+
 QString Preferences::text(const AnySetting &setting) const
 {
     return m_defaults.string(setting.key);

@@ -8,6 +8,7 @@
 #include <QVariant>
 
 #include <functional>
+#include <vector>
 
 class DefaultsStore;
 
@@ -35,8 +36,19 @@ public:
     template<typename T>
     void set(const Setting<T> &setting, const std::type_identity_t<T> &value);
     void toggle(const Setting<bool> &setting) { set(setting, !value(setting)); }
-    /// Sets what it is while the user has chosen nothing.
+    /// Sets what it is by default.
     void reset(const AnySetting &setting);
+
+    /// The user has chosen a value, be it the default.
+    [[nodiscard]] bool isSet(const AnySetting &setting) const;
+    /// The user has chosen nothing any more.
+    void unset(const AnySetting &setting);
+    struct DesktopValue {
+        const AnySetting &setting;
+        QVariant value;
+    };
+    /// What settings are while the user has chosen nothing, where the desktop knows better than the defaults.
+    void setDesktopValues(const std::vector<DesktopValue> &values);
 
     /// A QString, QStringList, double, int or bool by the setting's type; the name of a choice.
     [[nodiscard]] QVariant storedValue(const AnySetting &setting) const;

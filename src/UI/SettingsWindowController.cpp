@@ -50,7 +50,8 @@ SettingsWindowController::SettingsWindowController(SettingsServices services)
     setObjectName(u"settings"_s);
     setAttribute(Qt::WA_QuitOnClose, false);
     auto *stack = new QVBoxLayout(this);
-    stack->setContentsMargins(8, 8, 8, 8);
+    // The pages have the margins.
+    stack->setContentsMargins({});
     connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_W), this), &QShortcut::activated, this, &QWidget::close);
     build();
     NotificationCenter &notifications = m_services.notifications;
@@ -72,6 +73,7 @@ void SettingsWindowController::build()
     setWindowTitle(localized(u"Settings"));
     m_controls = std::make_unique<SettingControls>(m_services.preferences, shownPath(m_services.dataFolder));
     m_tabs = new QTabWidget;
+    m_tabs->setDocumentMode(true);
     QStringList titles;
     for (const SettingsPageTable &page : Settings::pages) {
         titles << localized(page.title);
@@ -142,9 +144,16 @@ void SettingsWindowController::addFontRow(SettingsForm &form, const SettingRow &
     m_fontButton->setObjectName(u"fontButton"_s);
     m_fontButton->setAutoDefault(false);
     connect(m_fontButton, &QPushButton::clicked, this, &SettingsWindowController::chooseFont);
+    m_desktopFontButton = new QPushButton(localized(u"Use Desktop’s"));
+    m_desktopFontButton->setObjectName(u"desktopFontButton"_s);
+    m_desktopFontButton->setAccessibleDescription(localized(u"Uses the fixed-width font and size of the desktop."));
+    m_desktopFontButton->setToolTip(m_desktopFontButton->accessibleDescription());
+    m_desktopFontButton->setAutoDefault(false);
+    connect(m_desktopFontButton, &QPushButton::clicked, this, &SettingsWindowController::useDesktopFont);
     auto *row = new QHBoxLayout;
     row->addWidget(m_fontLabel);
     row->addWidget(m_fontButton);
+    row->addWidget(m_desktopFontButton);
     row->addStretch();
     form.addRow(localized(settingRow.setting.details.title), *row, *m_fontButton);
     m_fontNote = &form.addNote({}, *m_fontButton);
@@ -186,12 +195,15 @@ void SettingsWindowController::refresh()
 void SettingsWindowController::refreshFont()
 {
     const Preferences &preferences = m_services.preferences;
-    const QString stored = preferences.value(Settings::fontName);
-    m_fontLabel->setText(stored + u' ' + QString::number(std::lround(preferences.value(Settings::fontSize))));
     const QString used = QFontInfo(editorFont(preferences)).family();
-    const bool isMissing = !QFontDatabase::hasFamily(stored);
+    // Nobody has chosen the default, which few desktops have.
+    const bool isChosen = preferences.isSet(Settings::fontName);
+    const QString name = isChosen ? preferences.value(Settings::fontName) : used;
+    m_fontLabel->setText(name + u' ' + QString::number(std::lround(preferences.value(Settings::fontSize))));
+    const bool isMissing = isChosen && !QFontDatabase::hasFamily(name);
     m_fontNote->setText(isMissing ? formatted(localized(u"This font is not installed; “%@” is used instead."), used) : QString());
     m_fontNote->setVisible(isMissing);
+    m_desktopFontButton->setEnabled(isChosen || preferences.isSet(Settings::fontSize));
     m_fontButton->setAccessibleDescription(QStringList{m_fontLabel->text(), m_fontNote->text()}.join(u' ').trimmed());
 }
 
@@ -208,6 +220,14 @@ void SettingsWindowController::chooseFont()
             m_services.preferences.set(Settings::fontSize, font->pointSize);
         }
     });
+}
+
+void SettingsWindowController::useDesktopFont()
+{
+    // The button that was pressed is not there any more for the keyboard.
+    m_fontButton->setFocus();
+    m_services.preferences.unset(Settings::fontName);
+    m_services.preferences.unset(Settings::fontSize);
 }
 
 // The window

@@ -56,6 +56,7 @@ private:
     void refresh();
     void refreshFont();
     void chooseFont();
+    void useDesktopFont();
 
     SettingsServices m_services;
     std::unique_ptr<SettingControls> m_controls;
@@ -64,6 +65,7 @@ private:
     /// Says so when there is no such font.
     QLabel *m_fontNote = nullptr;
     QPushButton *m_fontButton = nullptr;
+    QPushButton *m_desktopFontButton = nullptr;
     ToolbarSettingsView *m_toolbarView = nullptr;
     std::array<NotificationCenter::Token, 3> m_observers;
 };

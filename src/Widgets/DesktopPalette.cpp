@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Widgets/DesktopPalette.h"
 
+#include "Base/ColorContrast.h"
 #include "Desktop/PaletteBlend.h"
 
 #include <QApplication>
@@ -15,26 +16,20 @@
 
 namespace {
 
-/// The least contrast at which a hint, which is meant to be faint, can be read.
-constexpr double leastContrast = 2.5;
-/// How much of the text's colour hints have.
-constexpr double hintShare = 0.6;
-/// At which white can be read on an accent.
-constexpr double legibleContrast = 3;
+/// The least contrast at which a text can be read.
+constexpr double legibleContrast = 4.5;
+/// How much of the text's colour hints have, which are meant to be faint.
+constexpr double hintShare = 0.65;
+/// How much of the text's colour boxes on a dark ground have.
+constexpr double boxShare = 0.25;
+/// With less, white would take too much of an accent's light to be read on it.
+constexpr double leastContrastOfAccent = 3;
 /// The tool tips' ground where nobody chose one.
 constexpr QColor toolkitToolTip(255, 255, 220);
 
-double luminance(const QColor &color)
+double contrastOf(const QColor &one, const QColor &other)
 {
-    const auto linear = [](double part) { return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4); };
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
-}
-
-/// From 1, for none, to 21, for black and white.
-double contrast(const QColor &one, const QColor &other)
-{
-    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
-    return (lighter + 0.05) / (darker + 0.05);
+    return contrast(one.rgb(), other.rgb());
 }
 
 bool isDark(const QPalette &palette)
@@ -66,9 +61,11 @@ QPalette plainPalette(Appearance appearance)
 
 void setAccent(QPalette &palette, const QColor &accent)
 {
-    const QColor text = contrast(accent, Qt::white) >= legibleContrast ? Qt::white : Qt::black;
+    const bool isLight = contrastOf(accent, Qt::white) < leastContrastOfAccent;
+    const QColor text = isLight ? Qt::black : Qt::white;
+    const QColor ground = QColor::fromRgb(legible(accent.rgb(), oppositeOf(text.rgb()), legibleContrast, {text.rgb()}));
     for (const auto group : {QPalette::Active, QPalette::Inactive}) {
-        palette.setColor(group, QPalette::Highlight, accent);
+        palette.setColor(group, QPalette::Highlight, ground);
         palette.setColor(group, QPalette::HighlightedText, text);
     }
 }
@@ -122,9 +119,20 @@ QPalette legibleHints(const QPalette &desktop)
     for (const auto group : {QPalette::Active, QPalette::Inactive}) {
         const QColor ground = desktop.color(group, QPalette::Base);
         const QColor hint = desktop.color(group, QPalette::PlaceholderText);
-        if (contrast(ground, blended(ground, hint, hint.alphaF())) < leastContrast) {
+        if (contrastOf(ground, blended(ground, hint, hint.alphaF())) < legibleContrast) {
             adjusted.setColor(group, QPalette::PlaceholderText, blended(ground, desktop.color(group, QPalette::Text), hintShare));
         }
+    }
+    return adjusted;
+}
+
+QPalette visibleBoxes(const QPalette &shown)
+{
+    QPalette adjusted;
+    adjusted.setResolveMask(0);
+    const QColor ground = blended(shown.color(QPalette::Base), shown.color(QPalette::Text), boxShare);
+    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+        adjusted.setColor(group, QPalette::Base, ground);
     }
     return adjusted;
 }
@@ -150,8 +158,20 @@ DesktopPalette::DesktopPalette(std::function<QPalette()> desktop) : m_desktop(st
 
 void DesktopPalette::adapt(const RequestedAppearance &requested)
 {
+    const bool looksAlike = requested.scheme == m_requested.scheme && requested.accent == m_requested.accent &&
+                            requested.hasHighContrast == m_requested.hasHighContrast;
     m_requested = requested;
-    adjust();
+    if (!looksAlike) {
+        adjust();
+    }
+}
+
+void DesktopPalette::follow(std::optional<Appearance> chosen)
+{
+    if (chosen != m_chosen) {
+        m_chosen = chosen;
+        adjust();
+    }
 }
 
 bool DesktopPalette::eventFilter(QObject *object, QEvent *event)
@@ -175,7 +195,9 @@ void DesktopPalette::adjust()
     // Everybody is notified at once of the palettes that are set meanwhile.
     const QScopedValueRollback adjusting(m_isAdjusting, true);
     const QPalette desktop = m_desktop();
-    QPalette adjusted = requestedPalette(desktop, m_requested);
+    RequestedAppearance requested = m_requested;
+    requested.scheme = m_chosen ? m_chosen : requested.scheme;
+    QPalette adjusted = requestedPalette(desktop, requested);
     if (const QPalette hints = legibleHints(adjusted.resolve(desktop)); hints.resolveMask() != 0) {
         adjusted = hints.resolve(adjusted);
     }
@@ -192,4 +214,25 @@ void DesktopPalette::adjust()
         QApplication::setPalette(shown);
     }
     m_shown = QApplication::palette();
+    adjustBoxes(adjusted);
+    if (const Appearance before = std::exchange(m_ofDesktop, isDark(desktop) ? Appearance::dark : Appearance::light);
+        before != m_ofDesktop) {
+        emit desktopChanged();
+    }
+}
+
+void DesktopPalette::adjustBoxes(const QPalette &adjusted)
+{
+    // What the desktop has in its own colours its style shows well enough.
+    const bool areNeeded = adjusted.isBrushSet(QPalette::Active, QPalette::Base) && isDark(m_shown) && !m_requested.hasHighContrast;
+    m_hasSetBoxes = m_hasSetBoxes || areNeeded;
+    if (!m_hasSetBoxes) {
+        return;
+    }
+    // What was set once for a kind of widget is never taken back, only made like the rest.
+    QPalette none = m_shown;
+    none.setResolveMask(0);
+    for (const char *kind : {"QCheckBox", "QRadioButton"}) {
+        QApplication::setPalette(areNeeded ? visibleBoxes(m_shown) : none, kind);
+    }
 }

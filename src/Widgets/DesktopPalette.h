@@ -16,6 +16,9 @@
 /// What `desktop` needs so that the hints in its fields can be read: only their colour is set, and only where it stands out too little.
 [[nodiscard]] QPalette legibleHints(const QPalette &desktop);
 
+/// What the boxes to tick need on the dark ground of `shown`, where their outlines are not seen: a ground of their own.
+[[nodiscard]] QPalette visibleBoxes(const QPalette &shown);
+
 /// What `desktop` needs so that tool tips look like its windows: nothing when it has colours for them, else all of theirs.
 [[nodiscard]] QPalette plainToolTips(const QPalette &desktop);
 
@@ -31,17 +34,28 @@ public:
     explicit DesktopPalette(std::function<QPalette()> desktop = systemPalette);
 
     void adapt(const RequestedAppearance &requested);
+    /// What the user has chosen for this program, and what goes before the desktop's request; none: nothing.
+    void follow(std::optional<Appearance> chosen);
+    /// As the desktop's own colours are.
+    [[nodiscard]] Appearance ofDesktop() const { return m_ofDesktop; }
 
     bool eventFilter(QObject *object, QEvent *event) override;
+
+signals:
+    void desktopChanged();
 
 private:
     [[nodiscard]] static QPalette systemPalette();
     void adjust();
+    void adjustBoxes(const QPalette &adjusted);
 
     std::function<QPalette()> m_desktop;
     RequestedAppearance m_requested;
+    std::optional<Appearance> m_chosen;
+    Appearance m_ofDesktop = Appearance::light;
     /// The application's, as it was left.
     QPalette m_shown;
     bool m_isAdjusting = false;
     bool m_hasSetToolTips = false;
+    bool m_hasSetBoxes = false;
 };

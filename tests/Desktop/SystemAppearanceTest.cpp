@@ -2,13 +2,15 @@
 // SPDX-License-Identifier: MIT
 #include "Desktop/SystemAppearance.h"
 
+#include "SessionBus.h"
+#include "TestFolder.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <QGuiApplication>
 #include <QPalette>
-#include <QProcess>
 
 #include <gmock/gmock.h>
 
@@ -66,7 +68,9 @@ public:
             change.setArguments(setting + QVariantList{wrapped(1U)});
             bus.send(change);
         }
-        return bus.send(question.createReply(wrapped(wrapped(isScheme ? 2U : 1U)))); // as older ones wrap it
+        const QVariant answer =
+            setting.at(1) == u"monospace-font-name"_s ? QVariant(u"DejaVu Sans Mono 11.5"_s) : QVariant(isScheme ? 2U : 1U);
+        return bus.send(question.createReply(wrapped(wrapped(answer)))); // as older ones wrap it
     }
 
 private:
@@ -77,12 +81,8 @@ private:
 
 TEST(PortalAppearanceSource, AChangeIsNewerThanTheAnswerThatComesAfterIt)
 {
-    QProcess daemon;
-    daemon.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
-    ASSERT_TRUE(daemon.waitForReadyRead());
-    const QByteArray address = daemon.readLine().trimmed();
-    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
-    QDBusConnection bus = QDBusConnection::connectToBus(QString::fromUtf8(address), u"portal"_s);
+    const SessionBus session;
+    QDBusConnection bus = session.connection(u"portal"_s);
     FakePortal portal;
     ASSERT_TRUE(bus.registerVirtualObject(u"/org/freedesktop/portal/desktop"_s, &portal));
     ASSERT_TRUE(bus.registerService(u"org.freedesktop.portal.Desktop"_s));
@@ -90,13 +90,40 @@ TEST(PortalAppearanceSource, AChangeIsNewerThanTheAnswerThatComesAfterIt)
     PortalAppearanceSource source;
     RequestedAppearance requested;
     source.start([&requested](const RequestedAppearance &now) { requested = now; });
-    while (!requested.hasHighContrast) { // what is asked last
+    while (!requested.fixedFont) { // what is asked last
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     EXPECT_EQ(requested.scheme, Appearance::dark);
+    EXPECT_TRUE(requested.hasHighContrast);
+    EXPECT_EQ(requested.fixedFont, (DesktopFont{u"DejaVu Sans Mono"_s, 11.5}));
     QDBusConnection::disconnectFromBus(bus.name());
-    daemon.kill();
-    daemon.waitForFinished();
+}
+
+TEST(PortalAppearanceSource, WithoutAPortalItAsksTheDesktopsThemselves)
+{
+    const TestFolder folder;
+    const auto requestedOf = [] {
+        PortalAppearanceSource source;
+        std::optional<RequestedAppearance> requested;
+        source.start([&requested](const RequestedAppearance &now) { requested = now; });
+        while (!requested || !requested->hasHighContrast) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+        return *requested;
+    };
+    // GNOME's tool; there is no bus at all.
+    folder.put(u"gsettings"_s, "#!/bin/sh\n[ $3 = high-contrast ] && echo true || echo \"'DejaVu Sans Mono Bold 9'\"\n");
+    ASSERT_TRUE(QFile::setPermissions(folder.path(u"gsettings"_s), QFile::ReadOwner | QFile::ExeOwner));
+    const QByteArray before = qgetenv("PATH");
+    qputenv("PATH", folder.path({}).toUtf8() + ':' + before);
+    EXPECT_TRUE(requestedOf().hasHighContrast);
+    qputenv("PATH", "");
+    const QByteArray config = qgetenv("XDG_CONFIG_HOME");
+    qputenv("XDG_CONFIG_HOME", folder.path({}).toUtf8());
+    folder.put(u"kdeglobals"_s, "[General]\nfixed=DejaVu Sans Mono,12,-1,5,50,0,0,0,0,0\nColorScheme=Breeze High Contrast\n");
+    EXPECT_EQ(requestedOf().fixedFont, (DesktopFont{u"DejaVu Sans Mono"_s, 12}));
+    qputenv("PATH", before);
+    qputenv("XDG_CONFIG_HOME", config);
 }
 
 TEST_F(SystemAppearanceTest, GoesByThePaletteWhereTheDesktopSaysNothing)

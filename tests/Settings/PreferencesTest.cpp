@@ -72,6 +72,28 @@ TEST_F(PreferencesTest, EveryChangeIsAnnounced)
     EXPECT_EQ(preferences.value(Settings::toolbarItemIDs), QStringList());
 }
 
+TEST_F(PreferencesTest, TheDesktopKnowsBetterThanTheDefaultUntilTheUserChooses)
+{
+    int changes = 0;
+    const auto observer = center.observe(Preferences::didChange, nullptr, [&changes] { ++changes; });
+    const auto desktopHas = [this](double size) {
+        preferences.setDesktopValues({{Settings::fontName, u"Mono"_s}, {Settings::fontSize, size}});
+    };
+    desktopHas(11);
+    EXPECT_EQ(preferences.value(Settings::fontSize), 11);
+    EXPECT_EQ(changes, 1) << "one for all";
+    EXPECT_FALSE(preferences.isSet(Settings::fontSize));
+    preferences.set(Settings::fontSize, 13);
+    preferences.set(Settings::fontName, u"SFMono-Regular"_s);
+    changes = 0;
+    desktopHas(12);
+    EXPECT_EQ(changes, 0);
+    EXPECT_EQ(preferences.value(Settings::fontSize), 13) << "chosen, even if it is the default";
+    preferences.unset(Settings::fontSize);
+    EXPECT_EQ(preferences.value(Settings::fontSize), 12);
+    EXPECT_EQ(changes, 1);
+}
+
 TEST_F(PreferencesTest, WhatASettingAnswersCanBeSetAgain)
 {
     QSet<QString> keys;

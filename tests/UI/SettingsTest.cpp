@@ -192,6 +192,9 @@ TEST_F(SettingsTest, FontIsChosenInItsPanel)
 {
     auto &label = control<QLabel>("fontLabel", appearance);
     auto &note = control<QLabel>("fontNote", appearance);
+    auto &desktops = control<QPushButton>("desktopFontButton", appearance);
+    EXPECT_TRUE(!note.isVisible() && !label.text().contains(u"SFMono")) << "nobody has chosen the default";
+    EXPECT_FALSE(desktops.isEnabled());
     preferences.set(Settings::fontName, u"No Such Font"_s);
     preferences.set(Settings::fontSize, 12.6);
     const QString used = QFontInfo(editorFont(preferences)).family();
@@ -205,6 +208,8 @@ TEST_F(SettingsTest, FontIsChosenInItsPanel)
     EXPECT_EQ(preferences.value(Settings::fontSize), 96);
     EXPECT_EQ(label.text(), family + u" 96"_s);
     EXPECT_FALSE(note.isVisible());
+    desktops.click();
+    EXPECT_FALSE(preferences.isSet(Settings::fontName) || preferences.isSet(Settings::fontSize));
 }
 
 TEST_F(SettingsTest, AnotherLanguageMakesThePagesAnew)

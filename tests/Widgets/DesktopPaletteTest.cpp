@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Widgets/DesktopPalette.h"
 
+#include "Base/ColorContrast.h"
+
 #include <QApplication>
 #include <QTimer>
 #include <QToolTip>
@@ -13,7 +15,7 @@ QPalette paletteOf(const QColor &ground, const QColor &text)
     QPalette palette;
     palette.setColor(QPalette::Base, ground);
     palette.setColor(QPalette::Text, text);
-    palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
+    palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 144));
     palette.setColor(QPalette::ToolTipBase, QColor(255, 255, 220));
     return palette;
 }
@@ -53,6 +55,9 @@ TEST(DesktopPalette, LooksAsTheDesktopRequests)
     EXPECT_EQ(accented.color(QPalette::Highlight), QColor(0x9141AC));
     EXPECT_EQ(accented.color(QPalette::HighlightedText), QColor(Qt::white));
     EXPECT_FALSE(accented.isBrushSet(QPalette::Active, QPalette::Window));
+    const QPalette blue = requestedPalette(light, {.accent = QColor(0x3584E4)});
+    EXPECT_GE(contrast(blue.color(QPalette::Highlight).rgb(), 0xFFFFFFFF), 4.5) << "a little darker, for white";
+    EXPECT_EQ(blue.color(QPalette::HighlightedText), QColor(Qt::white));
     EXPECT_EQ(requestedPalette(light, {.accent = QColor(0xF6D32D)}).color(QPalette::HighlightedText), QColor(Qt::black));
 
     EXPECT_EQ(requestedPalette(light, {.hasHighContrast = true}).color(QPalette::Base), QColor(Qt::white));
@@ -98,6 +103,24 @@ TEST(DesktopPalette, FollowsTheDesktop)
             changeTo(ownDark);
             EXPECT_EQ(QApplication::palette().color(QPalette::Base), QColor(0x101820));
             EXPECT_EQ(QApplication::palette().color(QPalette::Highlight), QColor(0x9141AC));
+
+            // What the user chose for the texts goes before, and is not taken for the desktop's.
+            adjusting.follow(Appearance::light);
+            EXPECT_GT(lightness(QPalette::Window), 200);
+            EXPECT_EQ(adjusting.ofDesktop(), Appearance::dark);
+            adjusting.follow(std::nullopt);
+            EXPECT_EQ(QApplication::palette().color(QPalette::Window), QColor(0x101820));
+
+            adjusting.adapt({});
+            QPalette ownLight = paletteOf(Qt::white, Qt::black);
+            ownLight.setColor(QPalette::Window, 0xEEEEEE);
+            ownLight.setColor(QPalette::WindowText, Qt::black);
+            changeTo(ownLight);
+            adjusting.follow(Appearance::dark);
+            const auto box = [] { return QApplication::palette("QCheckBox").color(QPalette::Base); };
+            EXPECT_GT(box().lightness(), lightness(QPalette::Base) + 30) << "their outlines are not seen on it";
+            adjusting.follow(std::nullopt);
+            EXPECT_EQ(box(), QApplication::palette().color(QPalette::Base));
         }
         QCoreApplication::quit();
     });
