@@ -43,6 +43,9 @@ inline constexpr Action revertDocumentToSaved{.id = "revertDocumentToSaved:",
                                               .keys = "",
                                               .symbol = "arrow.uturn.backward",
                                               .help = u"Gives up what was not saved"};
+inline constexpr Action listMissingCharacters{.id = "listMissingCharacters:",
+                                              .title = u"Characters That Cannot Be Saved…",
+                                              .help = u"Lists the characters that the text encoding does not have"};
 inline constexpr Action compareWithFileOnDisk{"compareWithFileOnDisk:", u"With File on Disk", "Ctrl+Alt+D; Ctrl+Alt+Shift+D"};
 inline constexpr Action compareWithFile{"compareWithFile:", u"With File…", "", "arrow.left.arrow.right"};
 inline constexpr Action compareWithOpenDocument{"compareWithOpenDocument:", u"Other Open Files"};
@@ -188,6 +191,7 @@ inline constexpr auto file = std::to_array<MenuRow>({
     saveDocumentAs,
     saveAllDocuments,
     revertDocumentToSaved,
+    listMissingCharacters,
     compare,
     makeBackup,
     moveDocumentToTrash,

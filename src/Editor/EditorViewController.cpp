@@ -12,6 +12,7 @@
 #include "Editor/SpellingPanel.h"
 #include "Editor/SubstitutionRunner.h"
 #include "Editor/TextCounter.h"
+#include "Files/CharacterSet.h"
 #include "Find/FindBar.h"
 #include "Find/TextFinder.h"
 #include "Model/DocumentStore.h"
@@ -58,6 +59,7 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
     m_textView->setLanguage(document.language());
     setFocusProxy(m_textView);
     makeSpelling();
+    markMissingCharacters();
     applyPreferences();
     observe();
     restoreViewState();
@@ -136,6 +138,7 @@ void EditorViewController::observe()
         if (m_spellingPath != m_document->path()) {
             keepSpelling();
         }
+        markMissingCharacters();
         updateBanner();
     });
     observe(Localization::didChangeNotification, nullptr, [this] { retranslate(); });
@@ -246,6 +249,18 @@ void EditorViewController::adoptLanguage()
             m_spelling->setLanguage(m_document->language());
         }
     }
+}
+
+/// What would have to become something else when the text is saved is seen while it is typed.
+void EditorViewController::markMissingCharacters()
+{
+    const CharacterSet *characters = m_document->missingCharacters().characters();
+    if (std::exchange(m_characters, characters) == characters) {
+        return;
+    }
+    m_textView->setLook(&TextLooks::unsavable, characters ? [characters, &storage = m_document->storage()](
+                                                                TextRange seen) { return characters->missingIn(storage.text(), seen); }
+                                                          : TextView::MarkProvider());
 }
 
 // Colours
@@ -382,7 +397,10 @@ void EditorViewController::saveAgain()
         return;
     }
     m_document->save(m_document->path(), [editor = QPointer(this)](const Result<AtomicFile::InPlace> &saved) {
-        if (editor && !saved && saved.error().code == AtomicFile::changedError) {
+        if (editor && !saved && saved.error().code == TextFile::missingCharactersError) {
+            editor->textView().setFocus();
+            editor->perform(Actions::saveDocument); // who does that asks what is to become of them
+        } else if (editor && !saved && saved.error().code == AtomicFile::changedError) {
             emit editor->messageShown(saved.error().message, messageTime);
         } else if (editor && !saved) {
             editor->m_services.presenter.present(Alert::forError(saved.error().message), editor->window(), {});

@@ -15,6 +15,7 @@
 #include <vector>
 
 class AlertPresenter;
+class CharacterSet;
 class DocumentStore;
 class EditorVim;
 class ExternalChangeBanner;
@@ -107,6 +108,7 @@ private:
     void applyIndentation();
     void applyVimMode();
     void adoptLanguage();
+    void markMissingCharacters();
     void restoreViewState();
     void applyAccess();
 
@@ -152,6 +154,8 @@ private:
     std::unique_ptr<EditorVim> m_vim;
     /// Made when it is needed first.
     std::unique_ptr<SubstitutionRunner> m_substitutions;
+    /// What of the text is underlined, null for nothing.
+    const CharacterSet *m_characters = nullptr;
     /// The user's place is still to be shown, in a text that has not come.
     bool m_awaitsText = false;
     DelayedTask m_visibleHighlightWork;

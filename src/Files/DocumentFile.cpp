@@ -36,7 +36,7 @@ TextFile::WriteResult writeByAdministrator(const DocumentFile::Snapshot &snapsho
         return tl::make_unexpected(failed(saveError(snapshot.path, EACCES)));
     }
     const auto target = resolvedLinks(snapshot.path);
-    const auto bytes = TextFile::encoded(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding);
+    const auto bytes = TextFile::encoded(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding, options.missingCharacters);
     if (!target || !bytes) {
         return tl::make_unexpected(failed(target ? bytes.error() : target.error()));
     }
@@ -53,7 +53,8 @@ DocumentFile::WriteResult DocumentFile::write(const Snapshot &snapshot, FileCall
     if (snapshot.manner.missingFolder == MissingFolder::isMade) {
         makeFolder(QFileInfo(snapshot.path).path(), files);
     }
-    TextFile::WriteOptions options{.expected = snapshot.expected, .rescueFolder = snapshot.rescueFolder};
+    TextFile::WriteOptions options{
+        .expected = snapshot.expected, .rescueFolder = snapshot.rescueFolder, .missingCharacters = snapshot.manner.missingCharacters};
     if (snapshot.expected && snapshot.expected->state && snapshot.expected->state->mode != 0) {
         // One that is gone gets back the permissions that it had.
         options.newFile = AtomicFile::NewFile(snapshot.expected->state->mode);
@@ -78,7 +79,7 @@ Result<QString> DocumentFile::copy(const Snapshot &snapshot, FileCalls &files)
                                  shownPath(QFileInfo(snapshot.path).fileName())));
     }
     struct stat original = {};
-    TextFile::WriteOptions options;
+    TextFile::WriteOptions options{.missingCharacters = snapshot.manner.missingCharacters};
     if (files.stat(encodedPath(snapshot.path).constData(), &original) == 0) {
         options.newFile = AtomicFile::NewFile(original.st_mode & 0777);
     }

@@ -22,6 +22,8 @@ public:
     struct Manner {
         MissingFolder missingFolder = MissingFolder::isError;
         Authority authority = Authority::user;
+        /// Nothing is substituted that the user was not asked about.
+        TextFile::MissingCharacters missingCharacters = TextFile::MissingCharacters::refused;
 
         friend bool operator==(const Manner &, const Manner &) = default;
     };

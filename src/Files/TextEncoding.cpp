@@ -6,6 +6,7 @@
 
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
+#include <unicode/uset.h>
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
@@ -26,15 +27,16 @@ struct EncodingRow {
     const char *converter;
     /// Bytes without a character are mapped to C1 controls by the converter, which would make any byte valid.
     bool hasUndefinedBytes = false;
+    bool isUnicode = false;
 };
 
 constexpr auto encodingRows = std::to_array<EncodingRow>({
-    {TextEncoding::utf8, u"UTF-8", "UTF-8"},
-    {TextEncoding::utf16, u"UTF-16", "UTF-16"},
-    {TextEncoding::utf16BigEndian, u"UTF-16 BE", "UTF-16BE"},
-    {TextEncoding::utf16LittleEndian, u"UTF-16 LE", "UTF-16LE"},
-    {TextEncoding::utf32BigEndian, u"UTF-32 BE", "UTF-32BE"},
-    {TextEncoding::utf32LittleEndian, u"UTF-32 LE", "UTF-32LE"},
+    {TextEncoding::utf8, u"UTF-8", "UTF-8", false, true},
+    {TextEncoding::utf16, u"UTF-16", "UTF-16", false, true},
+    {TextEncoding::utf16BigEndian, u"UTF-16 BE", "UTF-16BE", false, true},
+    {TextEncoding::utf16LittleEndian, u"UTF-16 LE", "UTF-16LE", false, true},
+    {TextEncoding::utf32BigEndian, u"UTF-32 BE", "UTF-32BE", false, true},
+    {TextEncoding::utf32LittleEndian, u"UTF-32 LE", "UTF-32LE", false, true},
     {TextEncoding::isoLatin1, u"ISO-8859-1", "ISO-8859-1"},
     {TextEncoding::isoLatin2, u"ISO-8859-2", "ibm-912_P100-1995"},
     {TextEncoding::windows1250, u"Windows-1250", "ibm-5346_P100-1998", true},
@@ -48,7 +50,7 @@ constexpr auto encodingRows = std::to_array<EncodingRow>({
     {TextEncoding(13), {}, "ibm-5349_P100-1998", true},
     {TextEncoding(14), {}, "ibm-5350_P100-1998", true},
     {TextEncoding(21), {}, "ISO_2022,locale=ja,version=0"},
-    {TextEncoding(0x8C000100), {}, "UTF-32"},
+    {TextEncoding(0x8C000100), {}, "UTF-32", false, true},
 });
 
 const EncodingRow *rowOf(TextEncoding encoding)
@@ -521,6 +523,34 @@ public:
 bool isSupported(TextEncoding encoding)
 {
     return rowOf(encoding) != nullptr;
+}
+
+bool isUnicode(TextEncoding encoding)
+{
+    const EncodingRow *row = rowOf(encoding);
+    return row && row->isUnicode;
+}
+
+void forEachCharacter(TextEncoding encoding, const std::function<void(char32_t first, char32_t last)> &visit)
+{
+    const EncodingRow &row = *rowOf(encoding);
+    const Converter converter = openConverter(row);
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<USet, decltype(&uset_close)> set(uset_openEmpty(), uset_close);
+    ucnv_getUnicodeSet(converter.get(), set.get(), UCNV_ROUNDTRIP_SET, &status);
+    Q_ASSERT(U_SUCCESS(status));
+    if (row.hasUndefinedBytes) {
+        uset_removeRange(set.get(), 0x80, 0x9F);
+    }
+    for (int32_t item = 0; item < uset_getItemCount(set.get()); ++item) {
+        UChar32 first = 0;
+        UChar32 last = 0;
+        // A stretch, where this gives 0, or a sequence of several characters.
+        if (uset_getItem(set.get(), item, &first, &last, nullptr, 0, &status) == 0) {
+            visit(char32_t(first), char32_t(last));
+        }
+        status = U_ZERO_ERROR;
+    }
 }
 
 QString displayName(TextEncoding encoding)

@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -30,6 +31,11 @@ enum class TextEncoding : quint32 {
 
 /// True when text can be decoded from and encoded in it.
 [[nodiscard]] bool isSupported(TextEncoding encoding);
+/// True when it has every character.
+[[nodiscard]] bool isUnicode(TextEncoding encoding);
+/// Calls `visit` for the stretches of characters, both ends included, that can be written in it and read again. `encoding` must be
+/// supported. Takes milliseconds.
+void forEachCharacter(TextEncoding encoding, const std::function<void(char32_t first, char32_t last)> &visit);
 /// The name that the interface shows: ours, else the converter's own, else one made of the number.
 [[nodiscard]] QString displayName(TextEncoding encoding);
 

@@ -296,9 +296,18 @@ Result<bool> encode(const Rope &text, RopeEncoder encoder, const std::function<R
     return taken.and_then([&] { return take(bytes); }).map([] { return true; });
 }
 
-QString inapplicable(const QString &path, TextEncoding encoding)
+Error inapplicable(const QString &path, TextEncoding encoding)
 {
-    return formatted(localized(u"“%@” could not be saved in the text encoding “%@”."), shownName(path), displayName(encoding));
+    return {formatted(localized(u"“%@” could not be saved in the text encoding “%@”."), shownName(path), displayName(encoding)),
+            isSupported(encoding) ? TextFile::missingCharactersError : TextFile::inapplicableEncodingError};
+}
+
+/// One after the other, until the text can be encoded.
+std::span<const TextEncoder::Mode> modesFor(TextEncoding encoding, TextFile::MissingCharacters missingCharacters)
+{
+    static constexpr std::array modes = {TextEncoder::Mode::strict, TextEncoder::Mode::lossy};
+    const bool mayLose = missingCharacters == TextFile::MissingCharacters::substituted || isUnicode(encoding);
+    return std::span(modes).first(mayLose ? 2 : 1);
 }
 
 /// None when a character cannot be represented.
@@ -408,7 +417,7 @@ TextFile::ReadResult TextFile::read(const QString &path, std::optional<TextEncod
 TextFile::WriteResult TextFile::write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding, FileCalls &calls,
                                       const WriteOptions &options)
 {
-    for (const TextEncoder::Mode mode : {TextEncoder::Mode::strict, TextEncoder::Mode::lossy}) {
+    for (const TextEncoder::Mode mode : modesFor(encoding, options.missingCharacters)) {
         auto encoder = TextEncoder::make(encoding, mode);
         if (!encoder) {
             break;
@@ -425,12 +434,13 @@ TextFile::WriteResult TextFile::write(const Rope &text, const QString &path, Tex
             return **written;
         }
     }
-    return tl::make_unexpected(WriteError{{inapplicable(path, encoding), inapplicableEncodingError}});
+    return tl::make_unexpected(WriteError{inapplicable(path, encoding)});
 }
 
-Result<QByteArray> TextFile::encoded(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding)
+Result<QByteArray> TextFile::encoded(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding,
+                                     MissingCharacters missingCharacters)
 {
-    for (const TextEncoder::Mode mode : {TextEncoder::Mode::strict, TextEncoder::Mode::lossy}) {
+    for (const TextEncoder::Mode mode : modesFor(encoding, missingCharacters)) {
         auto encoder = TextEncoder::make(encoding, mode);
         if (!encoder) {
             break;
@@ -444,7 +454,7 @@ Result<QByteArray> TextFile::encoded(const Rope &text, const QString &path, Text
             return all;
         }
     }
-    return failure(inapplicable(path, encoding), inapplicableEncodingError);
+    return tl::make_unexpected(inapplicable(path, encoding));
 }
 
 bool TextFile::isReadOnly(const QString &path, FileCalls &calls)

@@ -29,6 +29,8 @@ public:
     static constexpr qint64 largestSize = 100 * 1024 * 1024;
     /// `Error::code` of a write in an encoding that nothing here can write.
     static constexpr int inapplicableEncodingError = 517;
+    /// `Error::code` of a write that would have had to substitute characters.
+    static constexpr int missingCharactersError = 518;
 
     struct Contents {
         /// Every line break is a single LF.
@@ -88,8 +90,13 @@ public:
     /// The user may not write to the file, or where there is none to its folder. What gives no answer is not.
     [[nodiscard]] static bool isReadOnly(const QString &path, FileCalls &calls);
 
+    /// What becomes of characters that the encoding lacks. Unicode encodings lack none but halves of surrogate pairs, which are always
+    /// substituted.
+    enum class MissingCharacters { substituted, refused };
+
     /// The bytes that a file with `text` has; see write().
-    [[nodiscard]] static Result<QByteArray> encoded(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding);
+    [[nodiscard]] static Result<QByteArray> encoded(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding,
+                                                    MissingCharacters missingCharacters = MissingCharacters::substituted);
 
     struct WriteOptions {
         AtomicFile::NewFile newFile = AtomicFile::NewFile::readableByOthers;
@@ -97,13 +104,15 @@ public:
         std::optional<AtomicFile::Expectation> expected = std::nullopt;
         /// See AtomicFile::open().
         QString rescueFolder = {};
+        MissingCharacters missingCharacters = MissingCharacters::substituted;
     };
     using WriteError = AtomicFile::WriteError;
     using WriteResult = Result<AtomicFile::Written, WriteError>;
 
-    /// Writes `text`, whose breaks are LF, in the manner of AtomicFile. Characters that the encoding lacks are substituted, on purpose
-    /// without a word. No byte-order mark is added, except by `TextEncoding::utf16`. Returns the file as it was before others could touch
-    /// it. Fails as AtomicFile does, or with `inapplicableEncodingError`.
+    /// Writes `text`, whose breaks are LF, in the manner of AtomicFile. Unless `options` refuse them, characters that the encoding lacks
+    /// are substituted without a word: whoever saves for the user refuses them, and asks. No byte-order mark is added, except by
+    /// `TextEncoding::utf16`. Returns the file as it was before others could touch it. Fails as AtomicFile does, or with
+    /// `inapplicableEncodingError` or `missingCharactersError`.
     [[nodiscard]] static WriteResult write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding,
                                            FileCalls &calls, const WriteOptions &options);
     [[nodiscard]] static WriteResult write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding,

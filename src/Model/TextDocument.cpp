@@ -5,6 +5,7 @@
 #include "Base/FilePath.h"
 #include "Base/HomePath.h"
 #include "Base/Translation.h"
+#include "Files/CharacterSet.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/FirstLine.h"
 #include "Model/SaveTransformation.h"
@@ -71,13 +72,17 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
         }
         m_undoManager.markSavePoint();
         m_encoding = contents->encoding;
+        m_missingCharacters.setEncoding(m_encoding);
         m_lineEnding = contents->lineEnding;
         m_follower.agreeOn(contents->state, contents->position);
         m_follower.setReadOnly(contents->isReadOnly);
     }
     m_savedText.set(m_storage.text());
     m_language = detectedLanguage();
-    QObject::connect(&m_storage, &TextStorage::didProcessEditing, &m_context, [this] { noteEdit(); });
+    QObject::connect(&m_storage, &TextStorage::didProcessEditing, &m_context, [this](const TextChange &change) {
+        noteEdit();
+        m_missingCharacters.noteEdit(change);
+    });
 }
 
 TextDocument::~TextDocument() = default;
@@ -295,7 +300,21 @@ void TextDocument::setEncoding(TextEncoding encoding)
 {
     if (m_encoding != encoding && !isWaiting()) {
         m_encoding = encoding;
+        m_missingCharacters.setEncoding(encoding);
         postMetadata();
+    }
+}
+
+void TextDocument::replaceMissingCharacters()
+{
+    if (const CharacterSet *characters = m_missingCharacters.characters()) {
+        TextEdits edits;
+        for (const TextRange missing : characters->missingIn(m_storage.text(), {0, m_storage.length()})) {
+            edits.add(missing, Rope(u"?"));
+        }
+        m_undoManager.breakCoalescing();
+        m_storage.apply(edits);
+        m_undoManager.breakCoalescing();
     }
 }
 
@@ -497,6 +516,7 @@ void TextDocument::adopt(const FileReading &reading)
     m_storage.apply(reading.difference);
     m_isLoading = false;
     m_encoding = reading.contents.encoding;
+    m_missingCharacters.setEncoding(m_encoding);
     m_lineEnding = reading.contents.lineEnding;
     agreeWithFile(m_storage.text(), reading.hash);
     m_follower.agreeOn(reading.contents.state, reading.contents.position);

@@ -10,6 +10,7 @@
 #include "Highlighting/SyntaxHighlighter.h"
 #include "Model/DocumentServices.h"
 #include "Model/FileFollower.h"
+#include "Model/MissingCharacters.h"
 #include "Model/SavedText.h"
 #include "Model/TextOrigin.h"
 #include "Text/TextStorage.h"
@@ -134,6 +135,10 @@ public:
 
     [[nodiscard]] TextEncoding encoding() const { return m_encoding; }
     void setEncoding(TextEncoding encoding);
+    /// What of the text the encoding lacks.
+    [[nodiscard]] const MissingCharacters &missingCharacters() const { return m_missingCharacters; }
+    /// Puts what saving would put in their place, as a step that can be undone.
+    void replaceMissingCharacters();
     [[nodiscard]] LineEnding lineEnding() const { return m_lineEnding; }
     void setLineEnding(LineEnding lineEnding);
     [[nodiscard]] const Language &language() const { return m_language; }
@@ -162,7 +167,8 @@ public:
     using ReadCompletion = std::function<void(const Result<void, TextFile::ReadError> &read)>;
 
     /// Writes the text as it is now to `path`, which becomes its file, after trimming and ending the text as the settings want. When that
-    /// fails the document is as it was, except for that. Refused while it waits for its text.
+    /// fails the document is as it was, except for that; so it does when the encoding lacks characters, unless they are to be substituted.
+    /// Refused while it waits for its text.
     void save(const QString &path, const SaveCompletion &completion = {}, const DocumentFile::Manner &manner = {});
     /// Takes the file's text, after what is being written; the history goes. Does nothing without a file. When it cannot be read nothing
     /// has changed; when the text is edited or saved meanwhile, nothing comes of it, and nobody is notified.
@@ -233,6 +239,7 @@ private:
     ExternalState m_externalState = ExternalState::none;
     bool m_isLoading = false;
     TextEncoding m_encoding = TextEncoding::utf8;
+    MissingCharacters m_missingCharacters{m_storage, m_services.workers, [this] { postMetadata(); }};
     LineEnding m_lineEnding = LineEnding::lf;
     Language m_language;
     std::optional<QString> m_generatedTitle;

@@ -130,7 +130,9 @@ void SessionKeeper::saveToFiles()
 {
     for (const auto &document : std::vector(m_documents.documents())) {
         const bool hasQuietFile = !document->isUntitled() && document->externalState() == TextDocument::ExternalState::none;
-        if (document->hasUnsavedEdits() && hasQuietFile && !document->isSaving()) {
+        // What becomes of characters that the encoding lacks is for the user to say, in a save that was asked for.
+        const bool isComplete = document->missingCharacters().count() == 0;
+        if (document->hasUnsavedEdits() && hasQuietFile && isComplete && !document->isSaving()) {
             // One that fails or takes its time leaves the text dirty, and so it gets a draft.
             document->save(document->path());
         }

@@ -9,6 +9,7 @@
 #include "Base/Translation.h"
 #include "Commands/Actions.h"
 #include "Desktop/Desktop.h"
+#include "Files/CharacterSet.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
 #include "Model/FirstLine.h"
@@ -17,6 +18,7 @@
 #include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
+#include "UI/MissingCharactersPanel.h"
 #include "Widgets/AlertPresenter.h"
 
 #include <QDir>
@@ -279,6 +281,22 @@ void DocumentActions::saveAtPath(TextDocument &document, const Completion &compl
 void DocumentActions::handleSaveError(const Error &error, const DocumentFile::Manner &manner, TextDocument &document,
                                       const Attempt &attempt, const Completion &completion)
 {
+    if (error.code == TextFile::missingCharactersError) {
+        askAboutMissingCharacters(document,
+                                  [document = document.shared_from_this(), manner, attempt, completion](MissingCharactersAnswer answer) {
+                                      if (answer == MissingCharactersAnswer::cancel) {
+                                          completion(false);
+                                          return;
+                                      }
+                                      if (answer == MissingCharactersAnswer::saveInUtf8) {
+                                          document->setEncoding(TextEncoding::utf8);
+                                      } else {
+                                          document->replaceMissingCharacters();
+                                      }
+                                      attempt(manner);
+                                  });
+        return;
+    }
     const bool isForbidden = error.code == EACCES || error.code == EPERM;
     if (isForbidden && manner.authority == DocumentFile::Authority::user) {
         offerOtherWays(error, document, attempt, completion);
@@ -303,6 +321,41 @@ void DocumentActions::handleSaveError(const Error &error, const DocumentFile::Ma
         } else {
             completion(false);
         }
+    });
+}
+
+/// Nothing is written before somebody has said what is to become of them.
+void DocumentActions::askAboutMissingCharacters(TextDocument &document, std::function<void(MissingCharactersAnswer answer)> completion)
+{
+    constexpr size_t mostNamed = 3;
+    const QString encoding = displayName(document.encoding());
+    const CharacterSet *characters = document.missingCharacters().characters();
+    const Rope &text = document.storage().text();
+    const qsizetype count = characters ? characters->countMissing(text, {0, text.length()}) : 0;
+    QStringList named;
+    if (characters) {
+        for (const MissingCharacter &missing : missingCharactersOf(text, *characters, mostNamed)) {
+            named << formatted(localized(u"“%@” in line %d"), text.toString(missing.range), qsizetype(missing.line));
+        }
+    }
+    if (count > qsizetype(mostNamed)) {
+        named << u"…"_s;
+    }
+    const Alert question{
+        .messageText =
+            count == 1 ? formatted(localized(u"“%@” has a character that %@ does not have."), document.displayName(), encoding)
+                       : formatted(localized(u"“%@” has %d characters that %@ does not have."), document.displayName(), count, encoding),
+        .informativeText =
+            named.join(u", "_s) + u"\n\n"_s +
+            localized(u"In UTF-8 all characters are kept; the file is in UTF-8 from then on. To replace them puts “?” in their "
+                      u"place, in the text and in the file."),
+        .buttons = {{localized(u"Save in UTF-8")},
+                    {localized(u"Cancel"), AlertButtonRole::cancel},
+                    {localized(u"Replace with “?”"), AlertButtonRole::destructive}}};
+    present(question, [completion = std::move(completion)](int button) {
+        completion(button == AlertReply::firstButton   ? MissingCharactersAnswer::saveInUtf8
+                   : button == AlertReply::thirdButton ? MissingCharactersAnswer::replace
+                                                       : MissingCharactersAnswer::cancel);
     });
 }
 
@@ -571,15 +624,31 @@ void DocumentActions::makeBackup()
         beep();
         return;
     }
+    writeBackup(document, snapshotOf(document, document.path()));
+}
+
+void DocumentActions::writeBackup(TextDocument &document, const DocumentFile::Snapshot &snapshot)
+{
     const DocumentServices &services = m_services.documents.services();
     document.requests().start(
         FileRequests::Kind::copying, services.timeout,
-        [snapshot = snapshotOf(document, document.path()), &files = services.files](const std::stop_token &) {
-            return DocumentFile::copy(snapshot, files);
-        },
-        [self = QPointer(this)](const Result<QString> &copy) {
+        [snapshot, &files = services.files](const std::stop_token &) { return DocumentFile::copy(snapshot, files); },
+        [self = QPointer(this), &document, snapshot](const Result<QString> &copy) {
             if (self && copy) {
                 emit self->messageShown(formatted(localized(u"Copied to “%@”"), nameOf(*copy)), longFlash);
+            } else if (self && copy.error().code == TextFile::missingCharactersError) {
+                self->askAboutMissingCharacters(document,
+                                                [self, kept = document.shared_from_this(),
+                                                 other = DocumentFile::Snapshot(snapshot)](MissingCharactersAnswer answer) mutable {
+                                                    if (answer == MissingCharactersAnswer::saveInUtf8) {
+                                                        other.encoding = TextEncoding::utf8;
+                                                    } else {
+                                                        other.manner.missingCharacters = TextFile::MissingCharacters::substituted;
+                                                    }
+                                                    if (answer != MissingCharactersAnswer::cancel) {
+                                                        self->writeBackup(*kept, other);
+                                                    }
+                                                });
             } else if (self) {
                 self->presentError(copy.error().message);
             }

@@ -54,6 +54,8 @@ signals:
     void comparisonRequested(const DiffViewController::Side &left, const DiffViewController::Side &right, const Language &language);
 
 private:
+    enum class MissingCharactersAnswer { saveInUtf8, replace, cancel };
+
     void openDocument();
     void saveDocument();
     void saveDocumentAs();
@@ -65,6 +67,7 @@ private:
     /// Tells the user why the attempt failed, and whatever else may be tried then; at the end the completion is called.
     void handleSaveError(const Error &error, const DocumentFile::Manner &manner, TextDocument &document, const Attempt &attempt,
                          const Completion &completion);
+    void askAboutMissingCharacters(TextDocument &document, std::function<void(MissingCharactersAnswer answer)> completion);
     void offerOtherWays(const Error &error, TextDocument &document, const Attempt &attempt, const Completion &completion);
     void saveAllDocuments();
     void saveUntitled(PaneLayout::Documents documents);
@@ -72,6 +75,7 @@ private:
     void revertDocumentToSaved();
     void revertWithoutAsking();
     void makeBackup();
+    void writeBackup(TextDocument &document, const DocumentFile::Snapshot &snapshot);
     void openInTerminal();
     void moveDocumentToTrash();
     void trash(TextDocument &document);

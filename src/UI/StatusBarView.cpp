@@ -118,6 +118,9 @@ void StatusBarView::makeControls()
     m_flashLabel = new ElidedLabel(Qt::ElideLeft, this);
     becomeNotice(*m_flashLabel);
     m_flashLabel->hide();
+    m_missingButton = new FlatButton(this);
+    m_missingButton->hide();
+    connect(m_missingButton, &QAbstractButton::clicked, this, &StatusBarView::missingCharactersClicked);
     const auto popUp = [this](void (StatusBarView::*choose)(int)) {
         auto *made = new PopUpButton(m_scheduler, this);
         connect(made, &PopUpButton::chosen, this, choose);
@@ -139,6 +142,7 @@ void StatusBarView::retranslate()
 {
     m_spellingPopUp->setTitle(localized(u"Dictionaries"));
     m_statisticsButton->setToolTip(localized(u"Words and Characters"));
+    m_missingButton->setToolTip(localized(u"Characters that cannot be saved in this encoding; a click lists them"));
     m_positionButton->setToolTip(toolTipOf(Actions::goToLine, localized(u"Go to Line")));
     m_lock->setAccessibleName(localized(u"read-only"));
     m_lock->setToolTip(plainToolTip(localized(u"The file is read-only: you do not have permission to write to it.")));
@@ -188,9 +192,9 @@ void StatusBarView::updateLock()
 void StatusBarView::updateFonts()
 {
     const QFont font = scaledFont(QApplication::font(), TextSize::status);
-    for (QWidget *widget :
-         std::initializer_list<QWidget *>{m_pathLabel, m_flashLabel, m_spellingPopUp, m_statisticsButton, m_positionButton, m_indentPopUp,
-                                          m_lineEndingPopUp, m_encodingPopUp, m_languagePopUp}) {
+    for (QWidget *widget : std::initializer_list<QWidget *>{m_pathLabel, m_flashLabel, m_missingButton, m_spellingPopUp,
+                                                             m_statisticsButton, m_positionButton, m_indentPopUp, m_lineEndingPopUp,
+                                                             m_encodingPopUp, m_languagePopUp}) {
         widget->setFont(font);
     }
     m_vimBadge->setFont(scaledFont(QFontDatabase::systemFont(QFontDatabase::FixedFont), TextSize::badge));
@@ -247,6 +251,9 @@ void StatusBarView::layOut()
         if (m_state->statistics) {
             controls.push_back(m_statisticsButton);
         }
+        if (m_state->missingCharacters > 0) {
+            controls.insert(controls.begin(), m_missingButton);
+        }
     }
     const int leastPath = qMin(label.sizeHint().width(), leastPathLength * label.fontMetrics().averageCharWidth());
     int free = width() - leftInset - rightInset - leastPath - textGap;
@@ -266,7 +273,7 @@ void StatusBarView::layOut()
     }
     int right = width() - rightInset + FlatButton::textMargin;
     for (QWidget *control : std::initializer_list<QWidget *>{m_languagePopUp, m_encodingPopUp, m_lineEndingPopUp, m_indentPopUp,
-                                                             m_positionButton, m_statisticsButton, m_spellingPopUp}) {
+                                                             m_positionButton, m_statisticsButton, m_spellingPopUp, m_missingButton}) {
         const bool isShown = std::ranges::find(shown, control) != shown.end();
         control->setVisible(isShown);
         if (isShown) {
@@ -303,6 +310,7 @@ void StatusBarView::showState()
     if (m_state) {
         const State &state = *m_state;
         m_positionButton->setText(positionTitle());
+        showMissingCharacters();
         showChoice(*m_languagePopUp, m_sortedLanguages, [&](const Language &language) { return language == state.language; });
         showChoice(*m_encodingPopUp, TextFile::selectableEncodings, [&](TextEncoding encoding) { return encoding == state.encoding; });
         showChoice(*m_lineEndingPopUp, lineEndings, [&](const LineEndingRow &row) { return row.ending == state.lineEnding; });
@@ -314,6 +322,16 @@ void StatusBarView::showState()
     updateStatistics();
     showMessageOrPath();
     layOut();
+}
+
+void StatusBarView::showMissingCharacters()
+{
+    const QString text = formatted(localized(u"%d not in %@"), m_state->missingCharacters, displayName(m_state->encoding));
+    if (text != m_missingButton->text()) {
+        m_missingButton->setText(text);
+        m_missingButton->setAccessibleName(
+            formatted(localized(u"Characters that %@ does not have: %d"), displayName(m_state->encoding), m_state->missingCharacters));
+    }
 }
 
 QString StatusBarView::positionTitle() const

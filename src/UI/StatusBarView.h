@@ -68,6 +68,8 @@ public:
         qsizetype selectedLineCount = 0;
         Language language;
         TextEncoding encoding = TextEncoding::utf8;
+        /// Characters of the text that the encoding lacks.
+        qsizetype missingCharacters = 0;
         LineEnding lineEnding = LineEnding::lf;
         /// Columns.
         int indentWidth = 4;
@@ -105,6 +107,7 @@ signals:
     void indentationChosen(Indentation indentation);
     void dictionariesChosen(const QStringList &names);
     void positionClicked();
+    void missingCharactersClicked();
 
 protected:
     bool event(QEvent *event) override;
@@ -127,6 +130,7 @@ private:
     [[nodiscard]] QString caretHint() const { return m_state && m_state->caretHint ? m_state->caretHint() : QString(); }
     void showStatistics();
     void updateStatistics();
+    void showMissingCharacters();
     void chooseLanguage(int index);
     void chooseEncoding(int index);
     void chooseLineEnding(int index);
@@ -151,6 +155,8 @@ private:
     FlatButton *m_statisticsButton;
     /// While it is open.
     QPointer<StatisticsPopUp> m_statisticsPopUp;
+    /// Only while there are some.
+    FlatButton *m_missingButton;
     FlatButton *m_positionButton;
     PopUpButton *m_indentPopUp;
     PopUpButton *m_lineEndingPopUp;

@@ -8,6 +8,7 @@
 #include "Commands/Actions.h"
 #include "Model/TextDocument.h"
 #include "Settings/Preferences.h"
+#include "UI/MissingCharactersPanel.h"
 #include "UI/WorkspaceViewController.h"
 #include "Widgets/AlertPresenter.h"
 
@@ -42,6 +43,7 @@ const ActionRow *WorkspaceViewController::actionFor(const Action &wanted) const
         action<&Self::showFindInterface, &Self::hasEditor>(Actions::showFindInterface),
         action<&Self::closeWindowFromVim>(Actions::closeWindowFromVim),
         action<&Self::goToLine, &Self::hasEditor>(Actions::goToLine),
+        action<&Self::listMissingCharacters, &Self::hasMissingCharacters>(Actions::listMissingCharacters),
         action<&Self::splitEditorRight>(Actions::splitEditorRight),
         action<&Self::splitEditorDown>(Actions::splitEditorDown),
         action<&Self::closeSplit, &Self::hasSeveralPanes>(Actions::closeSplit),
@@ -117,6 +119,25 @@ void WorkspaceViewController::goToLine()
             editor->textView().setFocus();
         }
     });
+}
+
+bool WorkspaceViewController::hasMissingCharacters() const
+{
+    const TextDocument *document = currentDocument();
+    return document && document->missingCharacters().count() != 0;
+}
+
+void WorkspaceViewController::listMissingCharacters()
+{
+    EditorViewController *editor = currentEditor();
+    if (!editor || !hasMissingCharacters()) {
+        beep();
+        return;
+    }
+    if (!m_missingCharacters) {
+        m_missingCharacters = new MissingCharactersPanel(m_services.scheduler, m_services.notifications, this);
+    }
+    m_missingCharacters->showFor(*editor);
 }
 
 void WorkspaceViewController::selectTheme(const ActionSender &sender)

@@ -129,6 +129,7 @@ void WorkspaceViewController::connectParts()
         }
     });
     connect(m_statusBar, &StatusBarView::positionClicked, this, &WorkspaceViewController::goToLine);
+    connect(m_statusBar, &StatusBarView::missingCharactersClicked, this, &WorkspaceViewController::listMissingCharacters);
 }
 
 void WorkspaceViewController::retire()
@@ -666,6 +667,7 @@ void WorkspaceViewController::updateStatusBar()
         .selectedLineCount = selected.isEmpty() ? 0 : lineOfNumber(lastLine) - lineOfNumber(line) + 1,
         .language = document.language(),
         .encoding = document.encoding(),
+        .missingCharacters = document.missingCharacters().count().value_or(0),
         .lineEnding = document.lineEnding(),
         .indentWidth = indentation.width,
         .usesSpaces = indentation.unit == Indentation::Unit::spaces,

@@ -11,6 +11,7 @@
 #include "UI/TabActions.h"
 #include "Widgets/FileDropView.h"
 
+class MissingCharactersPanel;
 class PaneSplitter;
 struct ClosedPlace;
 struct WindowLayout;
@@ -130,6 +131,7 @@ private:
     void toggleSplitOrientation();
     void closeWindowFromVim() { window()->close(); }
     void goToLine();
+    void listMissingCharacters();
     void selectTheme(const ActionSender &sender);
     template<const Setting<bool> &setting>
     void toggle();
@@ -142,6 +144,7 @@ private:
 
     // Enabling
     [[nodiscard]] bool hasEditor() const { return currentEditor() != nullptr; }
+    [[nodiscard]] bool hasMissingCharacters() const;
     [[nodiscard]] bool hasSeveralPanes() const { return m_layout.paneCount() > 1; }
     [[nodiscard]] bool hasSeveralTabs() const { return !m_layout.isEmpty() && m_layout.active()->count() > 1; }
     [[nodiscard]] bool hasSeveralTabsInAll() const { return m_layout.tabCount() > 1; }
@@ -170,6 +173,8 @@ private:
     DelayedTask m_detailsSoon;
     /// The widgets of its panes.
     std::vector<PaneViewController *> m_panes;
+    /// Made when it is needed first.
+    MissingCharactersPanel *m_missingCharacters = nullptr;
     /// The panes have got their equal shares of the window.
     bool m_isSharedOut = false;
     std::vector<NotificationCenter::Token> m_observers;

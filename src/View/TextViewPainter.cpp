@@ -13,6 +13,7 @@ namespace {
 constexpr float blockCaretAlpha = 0.45F;
 constexpr QColor indicatorColor(0xFF, 0xC8, 0x1E);
 constexpr QColor misspellingColor(0xE5, 0x3E, 0x3E);
+constexpr QColor unsavableColor(0xE0, 0x7B, 0x00);
 
 /// Puts the painter's state back when it goes.
 class PainterState final {
@@ -70,6 +71,7 @@ void TextViewPainter::paint(QPainter &painter, QRectF area, const Rope &text, co
     for (const Viewport::VisibleRow &row : rows) {
         frame.paintBehind(row, visible);
         paintMarks(painter, row, visible);
+        paintUnsavable(painter, row, visible);
         paintSelection(painter, row, visible, frame.selected);
         paintIndicator(painter, row, visible);
         paintText(painter, row, visible, frame.selected);
@@ -153,6 +155,23 @@ void TextViewPainter::paintMisspellings(QPainter &painter, const Viewport::Visib
                 wave << QPointF(m_port.left() + x, bottom + (wave.size() % 2 == 0 ? amplitude : -amplitude));
             }
             painter.drawPolyline(wave);
+        }
+    }
+}
+
+void TextViewPainter::paintUnsavable(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+{
+    if (!looks.unsavable) {
+        return;
+    }
+    constexpr double thickness = 2;
+    QColor ground = unsavableColor;
+    ground.setAlphaF(0.18F);
+    const double bottom = std::min(m_layout.baseline() + 2, m_layout.rowHeight() - thickness);
+    for (const TextRange character : looks.unsavable(seenOf(row, visible))) {
+        for (const Span span : m_layout.spansOf(row.row, character, visible)) {
+            painter.fillRect(box(row, span), ground);
+            painter.fillRect(QRectF(m_port.left() + span.left, row.top + bottom, span.right - span.left, thickness), unsavableColor);
         }
     }
 }

@@ -41,6 +41,8 @@ struct TextLooks {
     MarkProvider marks;
     /// What is underlined with a wavy line.
     MarkProvider misspellings;
+    /// Characters that cannot be saved as they are: on a ground and above a thick line, both of one colour.
+    MarkProvider unsavable;
 };
 
 /// Draws the eye to a stretch of the text, and fades within a second.
@@ -94,6 +96,7 @@ private:
     void paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible, TextRange selected);
     void paintIndicator(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintMisspellings(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
+    void paintUnsavable(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintInvisibles(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Rope &text);
     void paintText(QPainter &painter, const Viewport::VisibleRow &row, Span visible, TextRange selected);
     void paintRowBorder(QPainter &painter, QRectF caretRow);

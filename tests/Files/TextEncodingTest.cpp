@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "Files/TextEncoding.h"
 
+#include "Files/CharacterSet.h"
+#include "Files/TextFile.h"
+
 #include <QStringDecoder>
 
 #include <gtest/gtest.h>
@@ -193,3 +196,34 @@ TEST(TextEncoding, AgreesWithAnotherDecoderOnRandomUtf8)
         EXPECT_EQ(decoded(*TextDecoder::lossyUtf8(), bytes, portion), decoded(*TextDecoder::lossyUtf8(), bytes, bytes.size()));
     }
 }
+
+namespace {
+
+/// What the set says of a character is what the encoder does with it.
+TEST(CharacterSetTest, HasWhatCanBeWritten)
+{
+    for (const TextEncoding encoding : TextFile::selectableEncodings) {
+        SCOPED_TRACE(displayName(encoding).toStdString());
+        const CharacterSet *set = CharacterSet::of(encoding);
+        EXPECT_EQ(set == nullptr, isUnicode(encoding));
+        if (!set) {
+            continue;
+        }
+        QString all;
+        for (char32_t unit = 0; unit < 0x10000; ++unit) {
+            if (set->has(char16_t(unit)) && !QChar::isSurrogate(unit)) {
+                all += QChar(char16_t(unit));
+            }
+        }
+        const auto bytes = encoded(all, encoding, TextEncoder::Mode::strict);
+        EXPECT_GE(all.size(), 128);
+        ASSERT_TRUE(bytes);
+        EXPECT_EQ(decodedStrictly(*bytes, encoding), all);
+        for (char32_t unit = 0x20; unit < 0x3100; ++unit) {
+            EXPECT_TRUE(set->has(char16_t(unit)) || !encoded(QString(QChar(char16_t(unit))), encoding, TextEncoder::Mode::strict))
+                << uint(unit);
+        }
+    }
+}
+
+} // namespace
