@@ -36,7 +36,7 @@ TextFile::WriteResult writeByAdministrator(const DocumentFile::Snapshot &snapsho
         return tl::make_unexpected(failed(saveError(snapshot.path, EACCES)));
     }
     const auto target = resolvedLinks(snapshot.path);
-    const auto bytes = TextFile::encoded(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding, options.missingCharacters);
+    const auto bytes = TextFile::encoded(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding, options.encoding);
     if (!target || !bytes) {
         return tl::make_unexpected(failed(target ? bytes.error() : target.error()));
     }
@@ -53,8 +53,9 @@ DocumentFile::WriteResult DocumentFile::write(const Snapshot &snapshot, FileCall
     if (snapshot.manner.missingFolder == MissingFolder::isMade) {
         makeFolder(QFileInfo(snapshot.path).path(), files);
     }
-    TextFile::WriteOptions options{
-        .expected = snapshot.expected, .rescueFolder = snapshot.rescueFolder, .missingCharacters = snapshot.manner.missingCharacters};
+    TextFile::WriteOptions options{.expected = snapshot.expected,
+                                   .rescueFolder = snapshot.rescueFolder,
+                                   .encoding = {snapshot.manner.missingCharacters, snapshot.form}};
     if (snapshot.expected && snapshot.expected->state && snapshot.expected->state->mode != 0) {
         // One that is gone gets back the permissions that it had.
         options.newFile = AtomicFile::NewFile(snapshot.expected->state->mode);
@@ -79,7 +80,7 @@ Result<QString> DocumentFile::copy(const Snapshot &snapshot, FileCalls &files)
                                  shownPath(QFileInfo(snapshot.path).fileName())));
     }
     struct stat original = {};
-    TextFile::WriteOptions options{.missingCharacters = snapshot.manner.missingCharacters};
+    TextFile::WriteOptions options{.encoding = {snapshot.manner.missingCharacters, snapshot.form}};
     if (files.stat(encodedPath(snapshot.path).constData(), &original) == 0) {
         options.newFile = AtomicFile::NewFile(original.st_mode & 0777);
     }
@@ -109,6 +110,9 @@ DocumentFile::ReadResult DocumentFile::readAgain(const QString &path, const Basi
     const TextRange end{current.text.length(), 0};
     contents->text.replace(end, added);
     contents->isReadOnly = TextFile::isReadOnly(path, files);
+    const auto seam = basis.position->breaks.endsWithCr() ? LineEndings::Seam::sharedLine : LineEndings::Seam::none;
+    const LineEndings addedEndings = std::exchange(contents->form, basis.form).lineEndings;
+    contents->form.lineEndings = basis.form.lineEndings.followedBy(addedEndings, seam);
     return Reading{.contents = *std::move(contents),
                    .difference = TextEdits(end, added),
                    .revision = current.revision,

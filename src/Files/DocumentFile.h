@@ -34,6 +34,8 @@ public:
         quint64 revision = 0;
         TextEncoding encoding = TextEncoding::utf8;
         LineEnding lineEnding = LineEnding::lf;
+        /// See TextFile::EncodingOptions.
+        std::optional<FileForm> form = std::nullopt;
         /// What the file has to be so that it may be written over; none when it may be anything.
         std::optional<AtomicFile::Expectation> expected = std::nullopt;
         /// See AtomicFile::open().
@@ -76,6 +78,7 @@ public:
         std::shared_ptr<const ReadPosition> position = nullptr;
         /// Of the text, if it is known.
         std::optional<quint64> hash = std::nullopt;
+        FileForm form = {};
     };
     /// The same as read() without an encoding, but of a file that only grew it reads what was added. See GrowingFile.
     [[nodiscard]] static ReadResult readAgain(const QString &path, const Basis &basis, const TextSnapshot &current, FileCalls &files,

@@ -85,6 +85,7 @@ std::optional<TextFile::Contents> GrowingFile::readAdded(const QString &path, co
     }
     next.breaks = sink.breaks();
     TextFile::Contents added{.text = sink.text(), .encoding = position.encoding, .lineEnding = next.breaks.ending()};
+    added.form.lineEndings = sink.lineEndings();
     added.state = FileState::of(*before, next.bytes.hash());
     added.state->isFresh = true;
     added.position = std::make_shared<const ReadPosition>(std::move(next));

@@ -18,7 +18,8 @@ class GrowingFile final {
 public:
     GrowingFile() = delete;
 
-    /// The text of what stands in the file behind `position`, with what is now to be said of the whole file. None when it has to be read
+    /// The text of what stands in the file behind `position`, and its line endings, with what is now to be said of the whole file. Where
+    /// the text before ended with CR, the first ending is that of its last line. None when it has to be read
     /// as a whole: it is another one, not longer, different before the position as far as that was looked at, or may now be read in
     /// another encoding.
     [[nodiscard]] static std::optional<TextFile::Contents> readAdded(const QString &path, const ReadPosition &position, FileCalls &calls);

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Files/LineEnding.h"
 
+#include "Files/LineEndings.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -59,14 +61,14 @@ std::optional<LineEnding> lineEndingWithRawValue(QStringView rawValue)
     return std::nullopt;
 }
 
-size_t LineBreakCounter::addAndFold(std::span<uchar> latin1)
+size_t LineBreakCounter::addAndFold(std::span<uchar> latin1, LineEndingRecorder &recorder)
 {
-    return fold(latin1);
+    return fold(latin1, recorder);
 }
 
-size_t LineBreakCounter::addAndFold(std::span<char16_t> units)
+size_t LineBreakCounter::addAndFold(std::span<char16_t> units, LineEndingRecorder &recorder)
 {
-    return fold(units);
+    return fold(units, recorder);
 }
 
 /// True when the portion has a CR, so that there may be pairs in it.
@@ -82,13 +84,18 @@ bool LineBreakCounter::countAllButPairs(std::span<const Unit> units)
 }
 
 template<typename Unit>
-size_t LineBreakCounter::fold(std::span<Unit> units)
+size_t LineBreakCounter::fold(std::span<Unit> units, LineEndingRecorder &recorder)
 {
     if (units.empty()) {
         return 0;
     }
     const bool dropsFirst = m_endsWithCr && units.front() == u'\n';
+    if (m_endsWithCr) {
+        recorder.add(dropsFirst ? LineEnding::crlf : LineEnding::cr, 1);
+    }
+    const qsizetype lineFeedsBefore = m_lineFeeds;
     if (!countAllButPairs(std::span<const Unit>(units)) && !dropsFirst) {
+        recorder.add(LineEnding::lf, m_lineFeeds - lineFeedsBefore);
         return units.size();
     }
     const Unit *in = units.data() + (dropsFirst ? 1 : 0);
@@ -96,12 +103,16 @@ size_t LineBreakCounter::fold(std::span<Unit> units)
     Unit *out = units.data();
     while (in < end) {
         const Unit *const cr = findCr(in, end);
+        recorder.add(LineEnding::lf, std::count(in, cr, Unit(u'\n')));
         std::memmove(out, in, size_t(cr - in) * sizeof(Unit));
         out += cr - in;
         in = cr;
         if (in < end) {
             const bool isPair = end - in > 1 && in[1] == u'\n';
             m_pairs += isPair ? 1 : 0;
+            if (isPair || in + 1 < end) {
+                recorder.add(isPair ? LineEnding::crlf : LineEnding::cr, 1);
+            }
             in += isPair ? 2 : 1;
             *out++ = Unit(u'\n');
         }

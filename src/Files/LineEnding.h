@@ -30,12 +30,16 @@ inline constexpr auto lineEndings = std::to_array<LineEndingRow>({
 }
 [[nodiscard]] std::optional<LineEnding> lineEndingWithRawValue(QStringView rawValue);
 
+class LineEndingRecorder;
+
 /// Counts the breaks of a text that comes in portions; a pair may be split between two of them.
 class LineBreakCounter {
 public:
     /// Turns CR LF and lone CR into LF in place as well. Returns how many units are left at the front of the portion.
-    [[nodiscard]] size_t addAndFold(std::span<uchar> latin1);
-    [[nodiscard]] size_t addAndFold(std::span<char16_t> units);
+    /// The recorder hears of every break but for a CR at the portion's end, which the next portion decides about.
+    [[nodiscard]] size_t addAndFold(std::span<uchar> latin1, LineEndingRecorder &recorder);
+    [[nodiscard]] size_t addAndFold(std::span<char16_t> units, LineEndingRecorder &recorder);
+    [[nodiscard]] bool endsWithCr() const { return m_endsWithCr; }
 
     /// The convention of a text that ends here: CR LF wins every tie, LF wins one with CR, and is that of a text without breaks.
     [[nodiscard]] LineEnding ending() const;
@@ -44,7 +48,7 @@ private:
     template<typename Unit>
     bool countAllButPairs(std::span<const Unit> units);
     template<typename Unit>
-    size_t fold(std::span<Unit> units);
+    size_t fold(std::span<Unit> units, LineEndingRecorder &recorder);
 
     qsizetype m_pairs = 0;
     /// LFs of pairs included.

@@ -120,7 +120,23 @@ private:
         const bool hasUtf8Mark = *m_forcedEncoding == TextEncoding::utf8 && startsWith(byteOrderMarks[0].bytes);
         const Pass pass =
             decode(*m_forcedEncoding, TextDecoder::strict(*m_forcedEncoding), hasUtf8Mark ? byteOrderMarks[0].bytes.size() : 0);
+        if (pass == Pass::decoded && *m_forcedEncoding == TextEncoding::utf16) {
+            noteUtf16Order();
+        }
         return pass == Pass::refused ? fail(ReadError::Kind::undecodable) : outcomeOf(pass);
+    }
+
+    /// Its decoder has taken the mark off.
+    void noteUtf16Order()
+    {
+        contents.form.utf16Order = TextEncoding::utf16BigEndian;
+        for (const ByteOrderMark &mark : byteOrderMarks) {
+            const bool isUtf16 = mark.encoding == TextEncoding::utf16LittleEndian || mark.encoding == TextEncoding::utf16BigEndian;
+            if (isUtf16 && startsWith(mark.bytes)) {
+                contents.form.utf16Order = mark.encoding;
+                contents.form.hasByteOrderMark = true;
+            }
+        }
     }
 
     Outcome readDetected()
@@ -135,6 +151,9 @@ private:
         }
         for (const TextEncoding encoding : TextFile::candidateEncodings) {
             if (const Pass pass = decode(encoding, TextDecoder::strict(encoding), 0); pass != Pass::refused) {
+                if (encoding == TextEncoding::utf16) {
+                    noteUtf16Order();
+                }
                 return outcomeOf(pass);
             }
         }
@@ -215,6 +234,7 @@ private:
             return Pass::refused;
         }
         contents = {sink.text(), encoding, sink.breaks().ending()};
+        contents.form = {.hasByteOrderMark = offset > 0, .lineEndings = sink.lineEndings()};
         end = {.bytes = std::move(passed), .encoding = encoding, .breaks = sink.breaks()};
         return Pass::decoded;
     }
@@ -226,41 +246,82 @@ private:
     std::vector<uchar> m_head;
 };
 
-/// The units of a chunk with every LF replaced by the ending.
-template<typename Unit>
-void applyLineEnding(std::span<const Unit> units, LineEnding ending, std::vector<Unit> &out)
-{
-    out.clear();
-    for (const Unit unit : units) {
-        if (unit == u'\n') {
-            for (const QChar breakUnit : rawValue(ending)) {
-                out.push_back(Unit(breakUnit.unicode()));
+/// Gives the ending of each line of a text, one after the other.
+class LineEndingSequence final {
+public:
+    /// Where no order is given, all lines end with `ending`.
+    LineEndingSequence(LineEnding ending, const Rope &order) : m_ending(ending), m_order(order) {}
+
+    [[nodiscard]] bool isAllLineFeeds() const { return m_ending == LineEnding::lf && m_order.isEmpty(); }
+
+    /// The units of the next chunk with every LF replaced by what ends its line.
+    template<typename Unit>
+    void apply(std::span<const Unit> units, std::vector<Unit> &out)
+    {
+        out.clear();
+        for (const Unit unit : units) {
+            if (unit == u'\n') {
+                LineEnding ending = endingAt(m_line - (m_isBehindCr ? 1 : 0));
+                if (ending == LineEnding::lf && m_hasEndedWithCr) {
+                    ending = LineEnding::cr; // of an empty line, or it would go with the end of the line before
+                }
+                for (const QChar breakUnit : rawValue(ending)) {
+                    out.push_back(Unit(breakUnit.unicode()));
+                }
+                m_hasEndedWithCr = ending == LineEnding::cr;
+            } else {
+                out.push_back(unit);
+                m_hasEndedWithCr = false;
             }
-        } else {
-            out.push_back(unit);
+            // Breaks count as in the rope: a pair of CR and LF in the text is one.
+            m_line += unit == u'\r' || (unit == u'\n' && !m_isBehindCr) ? 1 : 0;
+            m_isBehindCr = unit == u'\r';
         }
     }
+
+private:
+    [[nodiscard]] LineEnding endingAt(qsizetype line) { return line < m_order.length() ? LineEnding(m_cursor.at(line)) : m_ending; }
+
+    LineEnding m_ending;
+    Rope m_order;
+    RopeCursor m_cursor{m_order};
+    qsizetype m_line = 0;
+    /// Of the text, and of what was written.
+    bool m_isBehindCr = false;
+    bool m_hasEndedWithCr = false;
+};
+
+/// What comes before the text.
+QByteArrayView markOf(TextEncoding encoding)
+{
+    const auto mark = std::ranges::find(byteOrderMarks, encoding, &ByteOrderMark::encoding);
+    return mark == byteOrderMarks.end() ? QByteArrayView() : mark->bytes;
 }
 
 /// Encodes a rope chunk by chunk.
 class RopeEncoder final {
 public:
-    RopeEncoder(std::unique_ptr<TextEncoder> encoder, LineEnding lineEnding) : m_encoder(std::move(encoder)), m_lineEnding(lineEnding) {}
+    RopeEncoder(std::unique_ptr<TextEncoder> encoder, LineEnding lineEnding, const Rope &order, QByteArrayView mark)
+        : m_encoder(std::move(encoder)), m_endings(std::make_unique<LineEndingSequence>(lineEnding, order)), m_mark(mark)
+    {}
+
+    /// What comes before all that is encoded.
+    [[nodiscard]] QByteArrayView mark() const { return m_mark; }
 
     /// The bytes are put into `out`; false when a character cannot be represented.
     [[nodiscard]] bool encode(const Rope::Chunk &chunk, QByteArray &out)
     {
         if (chunk.narrow) {
             std::span units(chunk.narrow, size_t(chunk.length));
-            if (m_lineEnding != LineEnding::lf) {
-                applyLineEnding(units, m_lineEnding, m_narrow);
+            if (!m_endings->isAllLineFeeds()) {
+                m_endings->apply(units, m_narrow);
                 units = m_narrow;
             }
             return m_encoder->encode(units, out);
         }
         std::span units(chunk.wide, size_t(chunk.length));
-        if (m_lineEnding != LineEnding::lf) {
-            applyLineEnding(units, m_lineEnding, m_wide);
+        if (!m_endings->isAllLineFeeds()) {
+            m_endings->apply(units, m_wide);
             units = m_wide;
         }
         return m_encoder->encode(QStringView(units.data(), qsizetype(units.size())), out);
@@ -269,7 +330,8 @@ public:
 
 private:
     std::unique_ptr<TextEncoder> m_encoder;
-    LineEnding m_lineEnding;
+    std::unique_ptr<LineEndingSequence> m_endings;
+    QByteArrayView m_mark;
     std::vector<uchar> m_narrow;
     std::vector<char16_t> m_wide;
 };
@@ -278,8 +340,11 @@ private:
 Result<bool> encode(const Rope &text, RopeEncoder encoder, const std::function<Result<void>(const QByteArray &bytes)> &take)
 {
     bool isRepresentable = true;
-    Result<void> taken;
-    QByteArray bytes;
+    QByteArray bytes = encoder.mark().toByteArray();
+    Result<void> taken = bytes.isEmpty() ? Result<void>() : take(bytes);
+    if (!taken) {
+        return tl::make_unexpected(taken.error());
+    }
     text.forEachChunk({0, text.length()}, [&](const Rope::Chunk &chunk) {
         bytes.resize(0);
         if (!encoder.encode(chunk, bytes)) {
@@ -300,6 +365,18 @@ Error inapplicable(const QString &path, TextEncoding encoding)
 {
     return {formatted(localized(u"“%@” could not be saved in the text encoding “%@”."), shownName(path), displayName(encoding)),
             isSupported(encoding) ? TextFile::missingCharactersError : TextFile::inapplicableEncodingError};
+}
+
+/// Null where nothing can be written in that encoding.
+std::unique_ptr<RopeEncoder> encoderFor(TextEncoding encoding, LineEnding lineEnding, const TextFile::EncodingOptions &options,
+                                        TextEncoder::Mode mode)
+{
+    const FileForm form = options.form.value_or(FileForm());
+    const TextEncoding exact = encoding == TextEncoding::utf16 ? form.utf16Order.value_or(encoding) : encoding;
+    auto encoder = TextEncoder::make(exact, mode);
+    return encoder ? std::make_unique<RopeEncoder>(std::move(encoder), lineEnding, form.lineEndings.order(),
+                                                   form.hasByteOrderMark ? markOf(exact) : QByteArrayView())
+                   : nullptr;
 }
 
 /// One after the other, until the text can be encoded.
@@ -417,8 +494,8 @@ TextFile::ReadResult TextFile::read(const QString &path, std::optional<TextEncod
 TextFile::WriteResult TextFile::write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding, FileCalls &calls,
                                       const WriteOptions &options)
 {
-    for (const TextEncoder::Mode mode : modesFor(encoding, options.missingCharacters)) {
-        auto encoder = TextEncoder::make(encoding, mode);
+    for (const TextEncoder::Mode mode : modesFor(encoding, options.encoding.missingCharacters)) {
+        auto encoder = encoderFor(encoding, lineEnding, options.encoding, mode);
         if (!encoder) {
             break;
         }
@@ -426,7 +503,7 @@ TextFile::WriteResult TextFile::write(const Rope &text, const QString &path, Tex
         if (!file) {
             return tl::make_unexpected(WriteError{file.error()});
         }
-        const auto written = writeEncoded(text, *std::move(file), RopeEncoder(std::move(encoder), lineEnding), options);
+        const auto written = writeEncoded(text, *std::move(file), std::move(*encoder), options);
         if (!written) {
             return tl::make_unexpected(written.error());
         }
@@ -438,10 +515,10 @@ TextFile::WriteResult TextFile::write(const Rope &text, const QString &path, Tex
 }
 
 Result<QByteArray> TextFile::encoded(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding,
-                                     MissingCharacters missingCharacters)
+                                     const EncodingOptions &options)
 {
-    for (const TextEncoder::Mode mode : modesFor(encoding, missingCharacters)) {
-        auto encoder = TextEncoder::make(encoding, mode);
+    for (const TextEncoder::Mode mode : modesFor(encoding, options.missingCharacters)) {
+        auto encoder = encoderFor(encoding, lineEnding, options, mode);
         if (!encoder) {
             break;
         }
@@ -450,7 +527,7 @@ Result<QByteArray> TextFile::encoded(const Rope &text, const QString &path, Text
             all += bytes;
             return Result<void>();
         };
-        if (encode(text, RopeEncoder(std::move(encoder), lineEnding), collect).value_or(false)) {
+        if (encode(text, std::move(*encoder), collect).value_or(false)) {
             return all;
         }
     }

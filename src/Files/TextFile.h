@@ -7,6 +7,7 @@
 #include "Base/FileState.h"
 #include "Base/PathKind.h"
 #include "Base/Result.h"
+#include "Files/FileForm.h"
 #include "Files/LineEnding.h"
 #include "Files/TextEncoding.h"
 #include "Text/Rope.h"
@@ -39,6 +40,8 @@ public:
         LineEnding lineEnding = LineEnding::lf;
         /// Nothing decoded the bytes cleanly and U+FFFD stands for what was not UTF-8.
         bool isLossyDecode = false;
+        /// What the text does not say.
+        FileForm form = {};
         /// The file as it was when it was read. Never certain (`FileState::isFresh`) when it kept changing.
         std::optional<FileState> state = std::nullopt;
         /// Where reading may go on when the file grows; null where it must be read as a whole again. For GrowingFile.
@@ -94,9 +97,14 @@ public:
     /// substituted.
     enum class MissingCharacters { substituted, refused };
 
+    struct EncodingOptions {
+        MissingCharacters missingCharacters = MissingCharacters::substituted;
+        /// None for the normal form: no byte-order mark, all lines end alike. A form that does not fit encoding and line ending gives way.
+        std::optional<FileForm> form = std::nullopt;
+    };
     /// The bytes that a file with `text` has; see write().
     [[nodiscard]] static Result<QByteArray> encoded(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding,
-                                                    MissingCharacters missingCharacters = MissingCharacters::substituted);
+                                                    const EncodingOptions &options);
 
     struct WriteOptions {
         AtomicFile::NewFile newFile = AtomicFile::NewFile::readableByOthers;
@@ -104,15 +112,15 @@ public:
         std::optional<AtomicFile::Expectation> expected = std::nullopt;
         /// See AtomicFile::open().
         QString rescueFolder = {};
-        MissingCharacters missingCharacters = MissingCharacters::substituted;
+        EncodingOptions encoding = {};
     };
     using WriteError = AtomicFile::WriteError;
     using WriteResult = Result<AtomicFile::Written, WriteError>;
 
     /// Writes `text`, whose breaks are LF, in the manner of AtomicFile. Unless `options` refuse them, characters that the encoding lacks
     /// are substituted without a word: whoever saves for the user refuses them, and asks. No byte-order mark is added, except by
-    /// `TextEncoding::utf16`. Returns the file as it was before others could touch it. Fails as AtomicFile does, or with
-    /// `inapplicableEncodingError` or `missingCharactersError`.
+    /// `TextEncoding::utf16` and as `options` say. Returns the file as it was before others could touch it. Fails as AtomicFile does, or
+    /// with `inapplicableEncodingError` or `missingCharactersError`.
     [[nodiscard]] static WriteResult write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding,
                                            FileCalls &calls, const WriteOptions &options);
     [[nodiscard]] static WriteResult write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding,

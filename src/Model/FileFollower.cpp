@@ -3,6 +3,7 @@
 #include "Model/FileFollower.h"
 
 #include "Base/FilePath.h"
+#include "Model/DocumentForm.h"
 #include "Model/SavedText.h"
 
 #include <algorithm>
@@ -57,7 +58,7 @@ void FileFollower::read()
 {
     DocumentFile::Basis basis;
     if (m_positionRevision == m_services.storage.revision()) {
-        basis = {.position = m_position, .hash = m_services.saved.hash()};
+        basis = {.position = m_position, .hash = m_services.saved.hash(), .form = m_services.form.value()};
     }
     m_reading = BackgroundTask::start(
         m_services.workers,

@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 
+class DocumentForm;
 class SavedText;
 
 /// Finds out what others do to the file of a document: watches it, and when something happened looks or reads on a worker. Remembers
@@ -27,6 +28,7 @@ public:
         FileCalls &files;
         const TextStorage &storage;
         const SavedText &saved;
+        const DocumentForm &form;
         /// The file was read, of which it was said that it changed. The difference is against the text of the revision that it names.
         std::function<void(const DocumentFile::Reading &reading)> changed;
         /// The file is gone.

@@ -61,6 +61,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
                   .files = services.files,
                   .storage = m_storage,
                   .saved = m_savedText,
+                  .form = m_form,
                   .changed = [this](const FileReading &reading) { takeChanged(reading); },
                   .deleted = [this] { takeDeleted(); }})
 {
@@ -74,6 +75,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
         m_encoding = contents->encoding;
         m_missingCharacters.setEncoding(m_encoding);
         m_lineEnding = contents->lineEnding;
+        m_form.set(contents->form);
         m_follower.agreeOn(contents->state, contents->position);
         m_follower.setReadOnly(contents->isReadOnly);
     }
@@ -82,6 +84,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
     QObject::connect(&m_storage, &TextStorage::didProcessEditing, &m_context, [this](const TextChange &change) {
         noteEdit();
         m_missingCharacters.noteEdit(change);
+        m_form.noteEdit(change, m_lineEnding);
     });
 }
 
@@ -320,14 +323,21 @@ void TextDocument::replaceMissingCharacters()
 
 void TextDocument::setLineEnding(LineEnding lineEnding)
 {
-    if (m_lineEnding == lineEnding || isWaiting()) {
+    const bool isKept = m_form.value().lineEndings.isMixed() && m_services.preferences.value(Settings::keepFileForm);
+    if ((m_lineEnding == lineEnding && !isKept) || isWaiting()) {
         return;
     }
     m_lineEnding = lineEnding;
+    m_form.setUniform(lineEnding);
     if (!m_isLoading) {
         setDirty(true);
     }
     postMetadata();
+}
+
+std::optional<FileForm> TextDocument::keptForm() const
+{
+    return m_services.preferences.value(Settings::keepFileForm) ? std::optional(m_form.value()) : std::nullopt;
 }
 
 void TextDocument::setLanguage(const Language &language)
@@ -460,6 +470,9 @@ void TextDocument::takeWritten(const DocumentFile::Snapshot &snapshot, const Doc
     const bool isSameText = m_storage.revision() == snapshot.revision;
     agreeWithFile(snapshot.text, written.hash);
     m_follower.agreeOn(written.state);
+    if (!snapshot.form) {
+        m_form.setNormal(snapshot.lineEnding);
+    }
     if (!isSameText || m_encoding != snapshot.encoding || m_lineEnding != snapshot.lineEnding) {
         m_isDirty = true;
     }
@@ -518,6 +531,7 @@ void TextDocument::adopt(const FileReading &reading)
     m_encoding = reading.contents.encoding;
     m_missingCharacters.setEncoding(m_encoding);
     m_lineEnding = reading.contents.lineEnding;
+    m_form.set(reading.contents.form);
     agreeWithFile(m_storage.text(), reading.hash);
     m_follower.agreeOn(reading.contents.state, reading.contents.position);
     m_follower.setReadOnly(reading.contents.isReadOnly);
@@ -636,6 +650,7 @@ void TextDocument::takeChanged(const FileReading &reading)
     setReadOnly(reading.contents.isReadOnly);
     if (reading.difference.isEmpty()) {
         m_savedText.set(m_storage.text(), reading.hash);
+        m_form.set(reading.contents.form);
         m_follower.agreeOn(reading.contents.state, reading.contents.position);
         m_undoManager.markSavePoint();
         m_isDraft = false;
@@ -663,5 +678,6 @@ DocumentFile::Snapshot snapshotOf(const TextDocument &document, const QString &p
             .text = storage.text(),
             .revision = storage.revision(),
             .encoding = document.encoding(),
-            .lineEnding = document.lineEnding()};
+            .lineEnding = document.lineEnding(),
+            .form = document.keptForm()};
 }

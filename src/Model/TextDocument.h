@@ -8,6 +8,7 @@
 #include "Files/TextFile.h"
 #include "Highlighting/Language.h"
 #include "Highlighting/SyntaxHighlighter.h"
+#include "Model/DocumentForm.h"
 #include "Model/DocumentServices.h"
 #include "Model/FileFollower.h"
 #include "Model/MissingCharacters.h"
@@ -135,6 +136,10 @@ public:
 
     [[nodiscard]] TextEncoding encoding() const { return m_encoding; }
     void setEncoding(TextEncoding encoding);
+    /// What the file has beside the text, as it was found there.
+    [[nodiscard]] const FileForm &form() const { return m_form.value(); }
+    /// The same, if it is to be written again; none where the settings want the normal form.
+    [[nodiscard]] std::optional<FileForm> keptForm() const;
     /// What of the text the encoding lacks.
     [[nodiscard]] const MissingCharacters &missingCharacters() const { return m_missingCharacters; }
     /// Puts what saving would put in their place, as a step that can be undone.
@@ -241,6 +246,7 @@ private:
     TextEncoding m_encoding = TextEncoding::utf8;
     MissingCharacters m_missingCharacters{m_storage, m_services.workers, [this] { postMetadata(); }};
     LineEnding m_lineEnding = LineEnding::lf;
+    DocumentForm m_form{m_undoManager};
     Language m_language;
     std::optional<QString> m_generatedTitle;
     std::unique_ptr<SyntaxHighlighter> m_highlighter;
@@ -250,5 +256,5 @@ private:
     QObject m_context;
 };
 
-/// The document's text as it is now, on its way to `path`.
+/// The document's text as it is now, on its way to `path`, in the form that the settings want.
 [[nodiscard]] DocumentFile::Snapshot snapshotOf(const TextDocument &document, const QString &path);

@@ -123,6 +123,7 @@ inline constexpr Setting<bool> trimTrailingWhitespaceOnSave("editor.trimTrailing
                                                             {.title = u"Trim trailing whitespace on save"});
 inline constexpr Setting<bool> ensureTrailingNewlineOnSave("editor.ensureTrailingNewlineOnSave"_L1, false,
                                                            {.title = u"Ensure the file ends with a newline"});
+inline constexpr Setting<bool> keepFileForm("files.keepForm"_L1, false, {.title = u"Keep as in the file"});
 inline constexpr Setting<bool> autosaveDrafts("session.autosaveDrafts"_L1, true, {.title = u"Keep local drafts of unsaved buffers"});
 inline constexpr Setting<bool> autosaveToDisk("session.autosaveToDisk"_L1, false, {.title = u"Also write changes straight to the file"});
 inline constexpr Setting<double> autosaveInterval("session.autosaveInterval"_L1, 3.0, {.title = u"Every:", .minimum = 0.5});
@@ -135,6 +136,9 @@ inline constexpr Setting<bool> reloadCleanFilesAutomatically("watch.reloadClean"
 inline constexpr auto savingRows = std::to_array<SettingRow>({
     {.setting = trimTrailingWhitespaceOnSave},
     {.setting = ensureTrailingNewlineOnSave},
+    {.setting = keepFileForm,
+     .note = u"Byte order marks, and line endings that differ from line to line, are written as they were found. Off, files are written "
+             u"without a mark and with the same ending in every line."},
     {.setting = autosaveDrafts,
      .place = startsGroup,
      .note = u"Drafts live in ~/Library/Application Support/Quillet and are never uploaded anywhere."},

@@ -77,6 +77,7 @@ void UndoManager::openGroup(const TextChange &first)
         m_steps.push_back(std::move(lastDone().edits));
     } else {
         m_groups.push_back(m_next);
+        m_groups.back().number = ++m_lastNumber;
         ++m_done;
     }
 }
@@ -165,13 +166,16 @@ void UndoManager::replay(Group &group, qsizetype done)
 
 void UndoManager::removeAllActions()
 {
+    const quint64 current = state(); // the text stays as it is
     forgetAll();
+    m_firstState = current;
     notifyState();
 }
 
 void UndoManager::forgetAll()
 {
     m_savePoint = isAtSavePoint() ? 0 : -1;
+    m_firstState = ++m_lastNumber;
     m_groups.clear();
     m_steps.clear();
     m_done = 0;
@@ -219,6 +223,7 @@ void UndoManager::dropOldGroups()
 {
     while (m_units > m_unitLimit && m_done > 1) {
         m_units -= m_groups.front().units;
+        m_firstState = m_groups.front().number;
         m_groups.pop_front();
         --m_done;
         m_savePoint = std::max<qsizetype>(m_savePoint - 1, -1);

@@ -54,6 +54,11 @@ public:
     /// Nothing was saved after all.
     void forgetSavePoint();
     [[nodiscard]] bool isAtSavePoint() const { return m_savePoint == m_done; }
+    /// Names the text between the groups: it has the same number again after undo() and redo(), a new one after each group, and the same
+    /// while a group grows. Numbers grow.
+    [[nodiscard]] quint64 state() const { return m_done > 0 ? m_groups[size_t(m_done) - 1].number : m_firstState; }
+    /// The change under way takes the text to a state that it had before, or had after a group that was undone.
+    [[nodiscard]] bool isReplaying() const { return m_isReplaying; }
 
     /// UTF-16 code units of removed and inserted text that are kept.
     [[nodiscard]] qsizetype units() const { return m_units; }
@@ -87,6 +92,7 @@ private:
         /// Takes the group back while it is done, makes it again while it is not.
         TextEdits edits;
         qsizetype units = 0;
+        quint64 number = 0;
     };
     struct State {
         bool canUndo = false;
@@ -101,6 +107,8 @@ private:
     qsizetype m_done = 0;      ///< groups applied to the text; those behind can be redone
     qsizetype m_savePoint = 0; ///< the number done at the last save, -1 when that text cannot be reached any more
     qsizetype m_units = 0;
+    quint64 m_firstState = 0; ///< before the first group that is left
+    quint64 m_lastNumber = 0;
     qsizetype m_unitLimit = qsizetype(256) * 1024 * 1024;
 
     int m_depth = 0;
