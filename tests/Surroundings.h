@@ -11,6 +11,7 @@
 #include "GuardedFiles.h"
 #include "HeldWorkers.h"
 #include "Model/DocumentStore.h"
+#include "Model/EncodingMemory.h"
 #include "Model/RecentDocuments.h"
 #include "Session/ClosedTabs.h"
 #include "Session/SessionKeeper.h"
@@ -40,6 +41,7 @@ struct Surroundings : TestFolder {
     FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
     GuardedFiles files;
     FakeAdministrator administrator;
+    EncodingMemory encodings{QString()};
     SessionStore session;
     std::optional<Appearance> desktopAppearance;
     int appearanceQueries = 0;
@@ -51,6 +53,7 @@ struct Surroundings : TestFolder {
                              .discardDraft = [this](const QUuid &id) { session.discardDraft(id); },
                              .files = files,
                              .bringBack = [this](const QString &path) { keeper.bringBack(path); },
+                             .encodings = &encodings,
                              .administrator = &administrator},
                             [this] {
                                 ++appearanceQueries;

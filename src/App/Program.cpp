@@ -21,6 +21,7 @@
 #include "Find/FindState.h"
 #include "Highlighting/Theme.h"
 #include "Model/DocumentStore.h"
+#include "Model/EncodingMemory.h"
 #include "Model/FileMemory.h"
 #include "Model/RecentDocuments.h"
 #include "Session/ClosedTabs.h"
@@ -167,6 +168,7 @@ struct Program::Parts {
     FileWatcherQueue watchers;
     SystemAppearance appearance{std::make_unique<PortalAppearanceSource>(), [this] { return palette.ofDesktop(); }};
     SessionStore session;
+    EncodingMemory encodings{session.rootDirectory() + u"/encodings.json"_s};
     DocumentStore documents{{.scheduler = scheduler,
                              .notifications = notifications,
                              .preferences = preferences,
@@ -176,6 +178,7 @@ struct Program::Parts {
                              .timeout = fileTimeout,
                              .rescueFolder = session.rescueDirectory(),
                              .bringBack = [this](const QString &path) { keeper.bringBack(path); },
+                             .encodings = &encodings,
                              .administrator = &administrator()},
                             [this] { return appearance.current(); }};
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};

@@ -43,6 +43,10 @@ inline constexpr Action revertDocumentToSaved{.id = "revertDocumentToSaved:",
                                               .keys = "",
                                               .symbol = "arrow.uturn.backward",
                                               .help = u"Gives up what was not saved"};
+inline constexpr Action openWithEncoding{
+    .id = "openWithEncoding:", .title = u"Open with Encoding…", .help = u"Opens a file in a text encoding that you choose"};
+inline constexpr Action reopenWithEncoding{
+    .id = "reopenWithEncoding:", .title = u"Reopen with Encoding…", .help = u"Reads the file again in a text encoding that you choose"};
 inline constexpr Action listMissingCharacters{.id = "listMissingCharacters:",
                                               .title = u"Characters That Cannot Be Saved…",
                                               .help = u"Lists the characters that the text encoding does not have"};
@@ -181,6 +185,7 @@ inline constexpr auto file = std::to_array<MenuRow>({
     newDocument,
     newWindow,
     openDocument,
+    openWithEncoding,
     recent,
     line,
     closeTab,
@@ -191,6 +196,7 @@ inline constexpr auto file = std::to_array<MenuRow>({
     saveDocumentAs,
     saveAllDocuments,
     revertDocumentToSaved,
+    reopenWithEncoding,
     listMissingCharacters,
     compare,
     makeBackup,

@@ -198,7 +198,7 @@ void EditorViewController::applyTheme()
     const Theme &theme = m_services.documents.theme();
     m_textView->setTheme(theme, m_services.preferences.value(Settings::highlightCurrentLine) ? EditorTextView::CurrentLine::highlighted
                                                                                              : EditorTextView::CurrentLine::plain);
-    for (ExternalChangeBanner *banner : {m_banner, m_awaitedBanner}) {
+    for (ExternalChangeBanner *banner : {m_banner, m_awaitedBanner, m_suggestionBanner}) {
         if (banner) {
             banner->applyTheme(theme);
         }
@@ -318,6 +318,7 @@ void EditorViewController::scrollToLine(LineNumber line)
 void EditorViewController::updateBanner()
 {
     updateAwaitedBanner();
+    updateSuggestionBanner();
     const TextDocument::ExternalState state = m_document->externalState();
     // What is opened quickly needs no words.
     const bool isQuick = m_document->isWaiting() && m_document->requests().activity() == FileRequests::Activity::none;
@@ -365,6 +366,29 @@ void EditorViewController::performHere(const Action &action)
     perform(action);
 }
 
+void EditorViewController::updateSuggestionBanner()
+{
+    const auto encoding = m_document->suggestedEncoding();
+    if (!encoding || m_document->isWaiting()) {
+        dropBanner(m_suggestionBanner);
+        return;
+    }
+    if (!m_suggestionBanner) {
+        m_suggestionBanner = new ExternalChangeBanner(this);
+        m_suggestionBanner->onReopen = [this] {
+            m_document->reinterpret(m_document->suggestedEncoding().value_or(m_document->encoding()), {}, TextDocument::Remembered::yes);
+        };
+        m_suggestionBanner->onKeep = [this] { m_document->keepEncoding(); };
+        m_suggestionBanner->onChoose = [this] {
+            m_textView->setFocus();
+            perform(Actions::reopenWithEncoding);
+        };
+        m_stack->insertWidget(0, m_suggestionBanner);
+    }
+    m_suggestionBanner->applyTheme(m_services.documents.theme());
+    m_suggestionBanner->configureSuggestion(displayName(*encoding));
+}
+
 void EditorViewController::dropBanner(ExternalChangeBanner *&banner)
 {
     if (ExternalChangeBanner *dropped = std::exchange(banner, nullptr)) {
@@ -378,7 +402,7 @@ void EditorViewController::dropBanner(ExternalChangeBanner *&banner)
 
 QWidget *EditorViewController::banner() const
 {
-    return m_banner ? m_banner : m_awaitedBanner;
+    return m_banner ? m_banner : m_awaitedBanner ? m_awaitedBanner : m_suggestionBanner;
 }
 
 /// What fails leaves all as it was, the banner too.

@@ -117,6 +117,7 @@ private:
 
     void updateBanner();
     void updateAwaitedBanner();
+    void updateSuggestionBanner();
     void performHere(const Action &action);
     void dropBanner(ExternalChangeBanner *&banner);
     void reload();
@@ -145,6 +146,8 @@ private:
     ExternalChangeBanner *m_banner = nullptr;
     /// While a program waits for the document.
     ExternalChangeBanner *m_awaitedBanner = nullptr;
+    /// While the text looks like one in another encoding.
+    ExternalChangeBanner *m_suggestionBanner = nullptr;
     TextFinder *m_finder;
     FindBar *m_findBar;
     TextCounter *m_counter;

@@ -115,6 +115,15 @@ void ExternalChangeBanner::configureAwaited(const QString &filename)
     say(&awaited, filename);
 }
 
+void ExternalChangeBanner::configureSuggestion(const QString &encoding)
+{
+    static constexpr std::array buttons = {ButtonRow{u"Reopen", &ExternalChangeBanner::onReopen},
+                                           ButtonRow{u"Keep", &ExternalChangeBanner::onKeep},
+                                           ButtonRow{u"Other…", &ExternalChangeBanner::onChoose}};
+    static constexpr StateRow suggestion = {u"This looks like %@.", buttons};
+    say(&suggestion, encoding);
+}
+
 void ExternalChangeBanner::say(const StateRow *row, const QString &filename)
 {
     const QString sentence = row ? formatted(localized(row->sentence), filename) : QString();

@@ -14,15 +14,15 @@ class QBoxLayout;
 class QPushButton;
 struct Theme;
 
-/// A bar above a text whose file was changed or deleted by others, or does not come, or for which a program waits, or which was brought
-/// back beside what it belongs to: a sentence and what can be done about it. It only shows and reports.
+/// A bar above a text whose file was changed or deleted by others, or does not come, that looks wrong, for which a program waits, or
+/// which was brought back beside what it belongs to: a sentence and what can be done about it. It only shows and reports.
 class ExternalChangeBanner final : public QWidget {
 public:
     explicit ExternalChangeBanner(QWidget *parent = nullptr);
 
     /// "Reload from Disk".
     std::function<void()> onReload;
-    /// "Keep Mine" and "Dismiss".
+    /// "Keep Mine", "Dismiss" and "Keep".
     std::function<void()> onKeep;
     /// "Save Again".
     std::function<void()> onSave;
@@ -32,6 +32,10 @@ public:
     std::function<void()> onDone;
     /// "Abort".
     std::function<void()> onAbort;
+    /// "Reopen".
+    std::function<void()> onReopen;
+    /// "Other…".
+    std::function<void()> onChoose;
 
     /// Says what happened to the file of the document called `filename`; nothing for `none`. A screen reader is notified of what is new.
     void configure(TextDocument::ExternalState state, const QString &filename);
@@ -39,6 +43,8 @@ public:
     void configure(const TextOrigin &origin);
     /// Says that a program waits until that document is closed.
     void configureAwaited(const QString &filename);
+    /// Says that the text looks like one in another encoding.
+    void configureSuggestion(const QString &encoding);
     void applyTheme(const Theme &theme);
 
 protected:

@@ -89,10 +89,11 @@ Result<QString> DocumentFile::copy(const Snapshot &snapshot, FileCalls &files)
         .map_error([](const TextFile::WriteError &error) { return Error(error); });
 }
 
-DocumentFile::ReadResult DocumentFile::read(const QString &path, std::optional<TextEncoding> forcedEncoding, const TextSnapshot &current,
-                                            FileCalls &files, const std::stop_token &stop)
+DocumentFile::ReadResult DocumentFile::read(const QString &path, const ReadAs &as, const TextSnapshot &current, FileCalls &files,
+                                            const std::stop_token &stop)
 {
-    return TextFile::read(path, forcedEncoding, files).map([&](TextFile::Contents contents) {
+    auto contents = as.forced ? TextFile::read(path, as.forced, files) : TextFile::readRemembered(path, as.remembered, files);
+    return std::move(contents).map([&](TextFile::Contents contents) {
         TextEdits difference = TextEdits::difference(current.text, contents.text);
         const auto hash = textHash(contents.text, stop);
         return Reading{.contents = std::move(contents), .difference = std::move(difference), .revision = current.revision, .hash = hash};
@@ -104,7 +105,7 @@ DocumentFile::ReadResult DocumentFile::readAgain(const QString &path, const Basi
 {
     auto contents = basis.position ? GrowingFile::readAdded(path, *basis.position, files) : std::nullopt;
     if (!contents) {
-        return read(path, std::nullopt, current, files, stop);
+        return read(path, {.remembered = basis.remembered}, current, files, stop);
     }
     const Rope added = std::exchange(contents->text, current.text);
     const TextRange end{current.text.length(), 0};
@@ -154,6 +155,7 @@ bool DocumentFile::isStill(const QString &path, const FileState &state, FileCall
 
 bool DocumentFile::hasContent(const QString &path, const FileState &state, FileCalls &files)
 {
-    const auto read = TextFile::read(path, std::nullopt, files);
+    // In this one every file can be read.
+    const auto read = TextFile::read(path, TextEncoding::isoLatin1, files);
     return state.hash && read && read->state && read->state->hash == state.hash;
 }

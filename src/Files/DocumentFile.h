@@ -69,8 +69,14 @@ public:
         std::optional<quint64> hash = std::nullopt;
     };
     using ReadResult = Result<Reading, TextFile::ReadError>;
-    [[nodiscard]] static ReadResult read(const QString &path, std::optional<TextEncoding> forcedEncoding, const TextSnapshot &current,
-                                         FileCalls &files, const std::stop_token &stop);
+    struct ReadAs {
+        /// This or nothing.
+        std::optional<TextEncoding> forced = std::nullopt;
+        /// See TextFile::readRemembered(); where nothing is forced.
+        std::optional<TextEncoding> remembered = std::nullopt;
+    };
+    [[nodiscard]] static ReadResult read(const QString &path, const ReadAs &as, const TextSnapshot &current, FileCalls &files,
+                                         const std::stop_token &stop);
 
     /// What is known of a file that had the text which is given.
     struct Basis {
@@ -79,6 +85,7 @@ public:
         /// Of the text, if it is known.
         std::optional<quint64> hash = std::nullopt;
         FileForm form = {};
+        std::optional<TextEncoding> remembered = std::nullopt;
     };
     /// The same as read() without an encoding, but of a file that only grew it reads what was added. See GrowingFile.
     [[nodiscard]] static ReadResult readAgain(const QString &path, const Basis &basis, const TextSnapshot &current, FileCalls &files,

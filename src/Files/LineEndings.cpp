@@ -46,7 +46,6 @@ LineEndings LineEndings::uniform(LineEnding ending, qsizetype count)
     return all;
 }
 
-/// Of those that are not mixed.
 LineEnding LineEndings::onlyOne(LineEnding fallback) const
 {
     const auto found = std::ranges::find_if(m_counts, [](qsizetype count) { return count > 0; });

@@ -23,6 +23,8 @@ public:
     [[nodiscard]] qsizetype count(LineEnding ending) const { return m_counts[size_t(ending)]; }
     /// By the numbers of the endings.
     [[nodiscard]] const std::array<qsizetype, 3> &counts() const { return m_counts; }
+    /// Of those that are not mixed; `fallback` where there is none.
+    [[nodiscard]] LineEnding onlyOne(LineEnding fallback) const;
     /// One byte a line, the number of its ending; empty where all are alike.
     [[nodiscard]] const Rope &order() const { return m_order; }
 
@@ -38,7 +40,6 @@ public:
 private:
     friend class LineEndingRecorder;
 
-    [[nodiscard]] LineEnding onlyOne(LineEnding fallback) const;
     [[nodiscard]] Rope spelledOut() const;
     void settle();
 
@@ -53,8 +54,6 @@ public:
     [[nodiscard]] LineEndings build();
 
 private:
-    static constexpr qsizetype longestRun = 4096;
-
     RopeBuilder m_order;
     std::array<qsizetype, 3> m_counts = {};
     bool m_isMixed = false;

@@ -44,12 +44,21 @@ constexpr auto encodingRows = std::to_array<EncodingRow>({
     {TextEncoding::windows1252, u"Windows-1252", "ibm-5348_P100-1997", true},
     {TextEncoding::macOSRoman, u"Mac OS Roman", "macos-0_2-10.2"},
     {TextEncoding::ascii, u"ASCII", "US-ASCII"},
-    // Never offered, but sessions brought along from elsewhere may name them.
-    {TextEncoding(3), {}, "euc-jp-2007"},
-    {TextEncoding(8), {}, "ibm-943_P15A-2003"},
-    {TextEncoding(13), {}, "ibm-5349_P100-1998", true},
-    {TextEncoding(14), {}, "ibm-5350_P100-1998", true},
-    {TextEncoding(21), {}, "ISO_2022,locale=ja,version=0"},
+    // Only for those who look for them, and for sessions brought along from elsewhere.
+    {TextEncoding::isoLatin9, u"ISO-8859-15", "ibm-923_P100-1998"},
+    {TextEncoding::isoCyrillic, u"ISO-8859-5", "ibm-915_P100-1995"},
+    {TextEncoding::isoGreek, u"ISO-8859-7", "ibm-9005_X110-2007"},
+    {TextEncoding::isoLatin5, u"ISO-8859-9", "ibm-920_P100-1995"},
+    {TextEncoding::windows1253, u"Windows-1253", "ibm-5349_P100-1998", true},
+    {TextEncoding::windows1254, u"Windows-1254", "ibm-5350_P100-1998", true},
+    {TextEncoding::koi8R, u"KOI8-R", "ibm-878_P100-1996"},
+    {TextEncoding::dosLatin1, u"IBM850", "ibm-850_P100-1995"},
+    {TextEncoding::gb18030, u"GB18030", "gb18030", false, true},
+    {TextEncoding::big5, u"Big5", "windows-950-2000"},
+    {TextEncoding::eucKr, u"EUC-KR", "ibm-970_P110_P110-2006_U2"},
+    {TextEncoding::eucJp, {}, "euc-jp-2007"},
+    {TextEncoding::shiftJis, {}, "ibm-943_P15A-2003"},
+    {TextEncoding::iso2022Jp, {}, "ISO_2022,locale=ja,version=0"},
     {TextEncoding(0x8C000100), {}, "UTF-32", false, true},
 });
 
@@ -523,6 +532,13 @@ public:
 bool isSupported(TextEncoding encoding)
 {
     return rowOf(encoding) != nullptr;
+}
+
+std::vector<TextEncoding> supportedEncodings()
+{
+    std::vector<TextEncoding> all;
+    std::ranges::transform(encodingRows, std::back_inserter(all), &EncodingRow::encoding);
+    return all;
 }
 
 bool isUnicode(TextEncoding encoding)

@@ -9,20 +9,35 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <vector>
 
 /// A text encoding by the number that session files keep. Any number may come from a file; the ones that have no name here
 /// may still be known to `isSupported`.
 enum class TextEncoding : quint32 {
     ascii = 1,
+    eucJp = 3,
     utf8 = 4,
     isoLatin1 = 5,
+    shiftJis = 8,
     isoLatin2 = 9,
     /// Either byte order: as its mark says, else big-endian. Written in the machine's order with a mark.
     utf16 = 10,
     windows1251 = 11,
     windows1252 = 12,
+    windows1253 = 13,
+    windows1254 = 14,
     windows1250 = 15,
+    iso2022Jp = 21,
     macOSRoman = 30,
+    isoCyrillic = 0x80000205,
+    isoGreek = 0x80000207,
+    isoLatin5 = 0x80000209,
+    isoLatin9 = 0x8000020F,
+    dosLatin1 = 0x80000410,
+    gb18030 = 0x80000632,
+    eucKr = 0x80000940,
+    koi8R = 0x80000A02,
+    big5 = 0x80000A03,
     utf16BigEndian = 0x90000100,
     utf16LittleEndian = 0x94000100,
     utf32BigEndian = 0x98000100,
@@ -31,6 +46,8 @@ enum class TextEncoding : quint32 {
 
 /// True when text can be decoded from and encoded in it.
 [[nodiscard]] bool isSupported(TextEncoding encoding);
+/// All of them, Unicode first.
+[[nodiscard]] std::vector<TextEncoding> supportedEncodings();
 /// True when it has every character.
 [[nodiscard]] bool isUnicode(TextEncoding encoding);
 /// Calls `visit` for the stretches of characters, both ends included, that can be written in it and read again. `encoding` must be

@@ -5,6 +5,7 @@
 #include "Base/AtomicFile.h"
 #include "Base/FilePath.h"
 #include "Base/Translation.h"
+#include "Files/EncodingDetection.h"
 #include "Files/FileBytes.h"
 #include "Files/FoldingSink.h"
 #include "Files/ReadPosition.h"
@@ -374,7 +375,9 @@ std::unique_ptr<RopeEncoder> encoderFor(TextEncoding encoding, LineEnding lineEn
     const FileForm form = options.form.value_or(FileForm());
     const TextEncoding exact = encoding == TextEncoding::utf16 ? form.utf16Order.value_or(encoding) : encoding;
     auto encoder = TextEncoder::make(exact, mode);
-    return encoder ? std::make_unique<RopeEncoder>(std::move(encoder), lineEnding, form.lineEndings.order(),
+    // What is left of several kinds need not be the one that was the commonest.
+    const LineEnding ending = options.form && !form.lineEndings.isMixed() ? form.lineEndings.onlyOne(lineEnding) : lineEnding;
+    return encoder ? std::make_unique<RopeEncoder>(std::move(encoder), ending, form.lineEndings.order(),
                                                    form.hasByteOrderMark ? markOf(exact) : QByteArrayView())
                    : nullptr;
 }
@@ -487,8 +490,62 @@ TextFile::ReadResult TextFile::read(const QString &path, std::optional<TextEncod
             reading.contents.position = std::make_shared<const ReadPosition>(std::move(reading.end));
         }
         reading.contents.isReadOnly = isReadOnly(path, calls);
+        if (!forcedEncoding && !reading.contents.form.hasByteOrderMark) {
+            reading.contents.suggestedEncoding = EncodingDetection::suggestion(
+                reading.contents.text, reading.contents.form.utf16Order.value_or(reading.contents.encoding), QLocale().language());
+        }
         return std::move(reading.contents);
     }
+}
+
+TextFile::ReadResult TextFile::readRemembered(const QString &path, std::optional<TextEncoding> remembered, FileCalls &calls)
+{
+    if (remembered) {
+        auto result = read(path, remembered, calls);
+        if (result || result.error().kind != ReadError::Kind::undecodable) {
+            return result;
+        }
+    }
+    return read(path, std::nullopt, calls);
+}
+
+QByteArray TextFile::tellingBytes(const QString &path, FileCalls &calls)
+{
+    constexpr qsizetype wanted = 64 * 1024;
+    constexpr int mostBlocks = 16;
+    FileBytes file(path, calls);
+    if (!file.isOpen() || !file.status()) {
+        return {};
+    }
+    QByteArray head;
+    QByteArray telling;
+    QByteArray rest;
+    for (int block = 0; block < mostBlocks && telling.size() < wanted; ++block) {
+        const auto bytes = file.next();
+        if (!bytes || bytes->empty()) {
+            break;
+        }
+        rest.append(reinterpret_cast<const char *>(bytes->data()), qsizetype(bytes->size()));
+        if (block == 0) {
+            head = rest.first(std::min(rest.size(), wanted));
+            if (head.contains('\0')) {
+                return head; // it has no lines in bytes
+            }
+        }
+        qsizetype start = 0;
+        for (qsizetype end = rest.indexOf('\n'); end >= 0; end = rest.indexOf('\n', start)) {
+            const QByteArrayView line = QByteArrayView(rest).sliced(start, end + 1 - start);
+            if (std::ranges::any_of(line, [](char byte) { return uchar(byte) >= 0x80; })) {
+                telling += line;
+            }
+            start = end + 1;
+        }
+        rest = rest.sliced(start);
+    }
+    if (std::ranges::any_of(rest, [](char byte) { return uchar(byte) >= 0x80; })) {
+        telling += rest;
+    }
+    return telling.isEmpty() ? head : telling;
 }
 
 TextFile::WriteResult TextFile::write(const Rope &text, const QString &path, TextEncoding encoding, LineEnding lineEnding, FileCalls &calls,

@@ -31,7 +31,7 @@ public:
     /// `Error::code` of a write in an encoding that nothing here can write.
     static constexpr int inapplicableEncodingError = 517;
     /// `Error::code` of a write that would have had to substitute characters.
-    static constexpr int missingCharactersError = 518;
+    static constexpr int missingCharactersError = 521;
 
     struct Contents {
         /// Every line break is a single LF.
@@ -40,6 +40,8 @@ public:
         LineEnding lineEnding = LineEnding::lf;
         /// Nothing decoded the bytes cleanly and U+FFFD stands for what was not UTF-8.
         bool isLossyDecode = false;
+        /// What it looks like rather than `encoding`, which was found out; none for nothing.
+        std::optional<TextEncoding> suggestedEncoding = std::nullopt;
         /// What the text does not say.
         FileForm form = {};
         /// The file as it was when it was read. Never certain (`FileState::isFresh`) when it kept changing.
@@ -89,6 +91,13 @@ public:
     {
         return read(path, forcedEncoding, FileCalls::system());
     }
+
+    /// The same as one that the user once named, unless the file is not that any more.
+    [[nodiscard]] static ReadResult readRemembered(const QString &path, std::optional<TextEncoding> remembered, FileCalls &calls);
+
+    /// The bytes that tell most about a file's encoding: lines with other bytes than ASCII, else its beginning. Empty when it cannot be
+    /// read.
+    [[nodiscard]] static QByteArray tellingBytes(const QString &path, FileCalls &calls);
 
     /// The user may not write to the file, or where there is none to its folder. What gives no answer is not.
     [[nodiscard]] static bool isReadOnly(const QString &path, FileCalls &calls);

@@ -14,6 +14,7 @@
 #include <memory>
 
 class Administrator;
+class EncodingMemory;
 class FileWatcherQueue;
 class Preferences;
 class TextDocument;
@@ -38,6 +39,8 @@ struct DocumentServices {
     std::function<void(const QString &path)> bringBack = {};
     /// Another open document of the file with this identity; null for none. The store's own are given here by it.
     std::function<std::shared_ptr<TextDocument>(const QString &identity, const TextDocument &asking)> otherOfFile = {};
+    /// What the user said of files' encodings; null for nothing.
+    EncodingMemory *encodings = nullptr;
     /// For files that the user may not write; null where nobody can be asked. Must live as long as workers may use it.
     Administrator *administrator = nullptr;
 };

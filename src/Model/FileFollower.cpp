@@ -4,6 +4,7 @@
 
 #include "Base/FilePath.h"
 #include "Model/DocumentForm.h"
+#include "Model/EncodingMemory.h"
 #include "Model/SavedText.h"
 
 #include <algorithm>
@@ -60,6 +61,7 @@ void FileFollower::read()
     if (m_positionRevision == m_services.storage.revision()) {
         basis = {.position = m_position, .hash = m_services.saved.hash(), .form = m_services.form.value()};
     }
+    basis.remembered = m_services.encodings ? m_services.encodings->encodingOf(m_path) : std::nullopt;
     m_reading = BackgroundTask::start(
         m_services.workers,
         [path = m_path, basis, current = m_services.storage.snapshot(), &files = m_services.files](const std::stop_token &stop) {

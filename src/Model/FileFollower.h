@@ -13,6 +13,7 @@
 #include <optional>
 
 class DocumentForm;
+class EncodingMemory;
 class SavedText;
 
 /// Finds out what others do to the file of a document: watches it, and when something happened looks or reads on a worker. Remembers
@@ -29,6 +30,7 @@ public:
         const TextStorage &storage;
         const SavedText &saved;
         const DocumentForm &form;
+        const EncodingMemory *encodings;
         /// The file was read, of which it was said that it changed. The difference is against the text of the revision that it names.
         std::function<void(const DocumentFile::Reading &reading)> changed;
         /// The file is gone.

@@ -7,6 +7,7 @@
 #include "Base/Translation.h"
 #include "Files/CharacterSet.h"
 #include "Highlighting/LanguageRegistry.h"
+#include "Model/EncodingMemory.h"
 #include "Model/FirstLine.h"
 #include "Model/SaveTransformation.h"
 #include "Settings/Preferences.h"
@@ -62,6 +63,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
                   .storage = m_storage,
                   .saved = m_savedText,
                   .form = m_form,
+                  .encodings = services.encodings,
                   .changed = [this](const FileReading &reading) { takeChanged(reading); },
                   .deleted = [this] { takeDeleted(); }})
 {
@@ -76,6 +78,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
         m_missingCharacters.setEncoding(m_encoding);
         m_lineEnding = contents->lineEnding;
         m_form.set(contents->form);
+        setSuggestedEncoding(*contents);
         m_follower.agreeOn(contents->state, contents->position);
         m_follower.setReadOnly(contents->isReadOnly);
     }
@@ -153,8 +156,9 @@ std::unique_ptr<TextDocument> TextDocument::awaiting(const DocumentServices &ser
     document->m_externalState = ExternalState::waiting;
     document->m_requests.start(
         FileRequests::Kind::arrival, std::chrono::milliseconds(0),
-        [path, &files = services.files](const std::stop_token &) {
-            return Arrival{TextFile::read(path, std::nullopt, files), DocumentFile::identityOf(path), TextFile::isReadOnly(path, files)};
+        [path, remembered = document->rememberedEncoding(), &files = services.files](const std::stop_token &) {
+            return Arrival{TextFile::readRemembered(path, remembered, files), DocumentFile::identityOf(path),
+                           TextFile::isReadOnly(path, files)};
         },
         [self = document.get(), missingFile](const Arrival &arrival) { self->arrive(arrival, missingFile); });
     return document;
@@ -303,6 +307,7 @@ void TextDocument::setEncoding(TextEncoding encoding)
 {
     if (m_encoding != encoding && !isWaiting()) {
         m_encoding = encoding;
+        m_suggestedEncoding.reset(); // whoever chooses one needs no other
         m_missingCharacters.setEncoding(encoding);
         postMetadata();
     }
@@ -482,6 +487,7 @@ void TextDocument::takeWritten(const DocumentFile::Snapshot &snapshot, const Doc
     if (m_services.discardDraft && !m_isDirty) {
         m_services.discardDraft(m_id);
     }
+    rememberWritten(snapshot);
     m_follower.setIdentity(written.identity);
     m_follower.setReadOnly(written.isReadOnly);
     if (snapshot.path != m_path) {
@@ -532,6 +538,7 @@ void TextDocument::adopt(const FileReading &reading)
     m_missingCharacters.setEncoding(m_encoding);
     m_lineEnding = reading.contents.lineEnding;
     m_form.set(reading.contents.form);
+    setSuggestedEncoding(reading.contents);
     agreeWithFile(m_storage.text(), reading.hash);
     m_follower.agreeOn(reading.contents.state, reading.contents.position);
     m_follower.setReadOnly(reading.contents.isReadOnly);
@@ -567,9 +574,8 @@ void TextDocument::takeFile(std::optional<TextEncoding> forcedEncoding, void (Te
     whenSaved([this, forcedEncoding, take, completion](bool /*isWritten*/) {
         m_requests.start(
             FileRequests::Kind::reading, m_services.timeout,
-            [path = m_path, forcedEncoding, current = m_storage.snapshot(), &files = m_services.files](const std::stop_token &stop) {
-                return DocumentFile::read(path, forcedEncoding, current, files, stop);
-            },
+            [path = m_path, as = DocumentFile::ReadAs{forcedEncoding, rememberedEncoding()}, current = m_storage.snapshot(),
+             &files = m_services.files](const std::stop_token &stop) { return DocumentFile::read(path, as, current, files, stop); },
             [this, take, completion](const DocumentFile::ReadResult &reading) {
                 if (reading) {
                     (this->*take)(reading->revision == m_storage.revision() ? *reading : comparedWith(reading->contents));
@@ -586,9 +592,49 @@ void TextDocument::revertToFileOnDisk(const ReadCompletion &completion)
     takeFile(std::nullopt, &TextDocument::reload, completion);
 }
 
-void TextDocument::reinterpret(TextEncoding encoding, const ReadCompletion &completion)
+void TextDocument::reinterpret(TextEncoding encoding, const ReadCompletion &completion, Remembered remembered)
 {
-    takeFile(encoding, &TextDocument::takeReinterpreted, completion);
+    // Who has named one before has named another now.
+    const bool isRemembered = m_services.encodings && (remembered == Remembered::yes || rememberedEncoding());
+    takeFile(encoding, &TextDocument::takeReinterpreted,
+             [this, encoding, isRemembered, completion](const Result<void, TextFile::ReadError> &read) {
+                 if (read && isRemembered) {
+                     m_services.encodings->note(m_path, encoding);
+                 }
+                 if (completion) {
+                     completion(read);
+                 }
+             });
+}
+
+void TextDocument::keepEncoding()
+{
+    if (m_services.encodings) {
+        m_services.encodings->note(m_path, std::nullopt);
+    }
+    m_suggestedEncoding.reset();
+    postMetadata();
+}
+
+void TextDocument::setSuggestedEncoding(const TextFile::Contents &contents)
+{
+    const bool isSettled = m_services.encodings && m_services.encodings->knows(m_path);
+    m_suggestedEncoding = isSettled ? std::nullopt : contents.suggestedEncoding;
+}
+
+std::optional<TextEncoding> TextDocument::rememberedEncoding() const
+{
+    return m_services.encodings ? m_services.encodings->encodingOf(m_path) : std::nullopt;
+}
+
+/// A file in an encoding that had to be named is read in the one that it has now, under whatever name.
+void TextDocument::rememberWritten(const DocumentFile::Snapshot &snapshot)
+{
+    const auto remembered = rememberedEncoding();
+    if (remembered && (*remembered != snapshot.encoding || snapshot.path != m_path)) {
+        m_services.encodings->note(snapshot.path,
+                                   snapshot.encoding == TextEncoding::utf8 ? std::nullopt : std::optional(snapshot.encoding));
+    }
 }
 
 void TextDocument::takeReinterpreted(const FileReading &reading)

@@ -136,6 +136,12 @@ public:
 
     [[nodiscard]] TextEncoding encoding() const { return m_encoding; }
     void setEncoding(TextEncoding encoding);
+    /// What its file looks like rather; none when it looks right, or the user has said what it is.
+    [[nodiscard]] std::optional<TextEncoding> suggestedEncoding() const { return m_suggestedEncoding; }
+    /// The one that the user named for the file, if that was ever needed.
+    [[nodiscard]] std::optional<TextEncoding> rememberedEncoding() const;
+    /// The text is as it should be.
+    void keepEncoding();
     /// What the file has beside the text, as it was found there.
     [[nodiscard]] const FileForm &form() const { return m_form.value(); }
     /// The same, if it is to be written again; none where the settings want the normal form.
@@ -178,8 +184,9 @@ public:
     /// Takes the file's text, after what is being written; the history goes. Does nothing without a file. When it cannot be read nothing
     /// has changed; when the text is edited or saved meanwhile, nothing comes of it, and nobody is notified.
     void revertToFileOnDisk(const ReadCompletion &completion = {});
-    /// In the same way reads the file as `encoding`, as a step that can be undone.
-    void reinterpret(TextEncoding encoding, const ReadCompletion &completion = {});
+    /// In the same way reads the file as `encoding`, as a step that can be undone. Remembered, it is also read so from now on.
+    enum class Remembered { no, yes };
+    void reinterpret(TextEncoding encoding, const ReadCompletion &completion = {}, Remembered remembered = Remembered::no);
 
 private:
     using FileReading = DocumentFile::Reading;
@@ -217,6 +224,8 @@ private:
     void agreeWithFile(const Rope &text, std::optional<quint64> hash);
     [[nodiscard]] FileReading comparedWith(const TextFile::Contents &contents) const;
     void adopt(const FileReading &reading);
+    void setSuggestedEncoding(const TextFile::Contents &contents);
+    void rememberWritten(const DocumentFile::Snapshot &snapshot);
     void reload(const FileReading &reading);
     [[nodiscard]] Language detectedLanguage() const;
 
@@ -244,6 +253,7 @@ private:
     ExternalState m_externalState = ExternalState::none;
     bool m_isLoading = false;
     TextEncoding m_encoding = TextEncoding::utf8;
+    std::optional<TextEncoding> m_suggestedEncoding;
     MissingCharacters m_missingCharacters{m_storage, m_services.workers, [this] { postMetadata(); }};
     LineEnding m_lineEnding = LineEnding::lf;
     DocumentForm m_form{m_undoManager};

@@ -61,6 +61,11 @@ private:
     void saveDocumentAs();
     void saveAt(const QString &path, TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner = {});
     void saveAtPath(TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner = {});
+    void openWithEncoding();
+    void reopenWithEncoding();
+    /// Shows what the file would be in each encoding.
+    void chooseEncodingOf(const QString &path, const QString &consequence, const QString &prompt,
+                          std::function<void(TextEncoding encoding)> completion);
     void askForFolder(TextDocument &document, const Completion &completion);
     /// A save in some manner, to be tried again in another.
     using Attempt = std::function<void(const DocumentFile::Manner &manner)>;
@@ -105,6 +110,8 @@ private:
     [[nodiscard]] bool hasOrigin() const;
     [[nodiscard]] ActionState languageState(const ActionSender &sender) const;
 
+    [[nodiscard]] bool canReopen() const;
+
     void presentError(const QString &description, const QString &recoverySuggestion = {});
     void presentError(const TextFile::ReadError &error);
     [[nodiscard]] TextDocument::ReadCompletion errorPresenter();
@@ -115,5 +122,6 @@ private:
 
     WorkspaceServices m_services;
     const PaneLayout &m_layout;
+    BackgroundTask m_detecting;
     QWidget &m_widget;
 };

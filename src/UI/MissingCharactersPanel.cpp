@@ -86,8 +86,9 @@ void MissingCharactersPanel::showFor(EditorViewController &editor)
         connect(&editor, &QObject::destroyed, this, &QDialog::reject);
         m_observer = m_notifications.observe(TextDocument::didChangeMetadata, &editor.document(),
                                              [this] { m_updating = m_scheduler.after(updateDelay, [this] { update(); }); });
-        connect(&editor.document().storage(), &TextStorage::didProcessEditing, &editor,
-                [this] { m_updating = m_scheduler.after(updateDelay, [this] { update(); }); });
+        disconnect(m_edits);
+        m_edits = connect(&editor.document().storage(), &TextStorage::didProcessEditing, this,
+                          [this] { m_updating = m_scheduler.after(updateDelay, [this] { update(); }); });
     }
     update();
     show();

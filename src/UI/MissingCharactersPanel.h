@@ -52,6 +52,7 @@ private:
     NotificationCenter &m_notifications;
     QPointer<EditorViewController> m_editor;
     NotificationCenter::Token m_observer;
+    QMetaObject::Connection m_edits;
     DelayedTask m_updating;
     QLabel *m_summary;
     QTreeWidget *m_list;

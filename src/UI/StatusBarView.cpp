@@ -312,8 +312,8 @@ void StatusBarView::showState()
         m_positionButton->setText(positionTitle());
         showMissingCharacters();
         showChoice(*m_languagePopUp, m_sortedLanguages, [&](const Language &language) { return language == state.language; });
-        showChoice(*m_encodingPopUp, TextFile::selectableEncodings, [&](TextEncoding encoding) { return encoding == state.encoding; });
-        showChoice(*m_lineEndingPopUp, lineEndings, [&](const LineEndingRow &row) { return row.ending == state.lineEnding; });
+        showEncoding();
+        showLineEnding();
         const auto unit = state.usesSpaces ? Indentation::Unit::spaces : Indentation::Unit::tab;
         showChoice(*m_indentPopUp, indentChoices,
                    [&](Indentation choice) { return choice.width == state.indentWidth && choice.unit == unit; });
@@ -322,6 +322,37 @@ void StatusBarView::showState()
     updateStatistics();
     showMessageOrPath();
     layOut();
+}
+
+void StatusBarView::showEncoding()
+{
+    const auto &offered = TextFile::selectableEncodings;
+    const auto found = std::ranges::find(offered, m_state->encoding);
+    if (found == offered.end() && !m_state->isNamedEncoding) {
+        return;
+    }
+    const QString name = displayName(m_state->encoding);
+    const bool hasMark = m_state->hasByteOrderMark && isUnicode(m_state->encoding);
+    m_encodingPopUp->setShownIndex(found == offered.end() ? m_encodingPopUp->shownIndex() : int(found - offered.begin()),
+                                   hasMark ? formatted(localized(u"%@ with BOM"), name) : name);
+}
+
+void StatusBarView::showLineEnding()
+{
+    QStringList counted;
+    for (size_t ending = 0; ending < lineEndings.size(); ++ending) {
+        if (const qsizetype count = m_state->lineEndingCounts[ending]; count > 0) {
+            counted << QString::number(count) + u' ' + lineEndingTitles[ending].toString();
+        }
+    }
+    // The commonest comes first.
+    if (const size_t own = size_t(m_state->lineEnding); counted.size() > 1 && m_state->lineEndingCounts[own] > 0) {
+        const QString first = QString::number(m_state->lineEndingCounts[own]) + u' ' + lineEndingTitles[own].toString();
+        counted.removeOne(first);
+        counted.prepend(first);
+    }
+    m_lineEndingPopUp->setShownIndex(int(m_state->lineEnding),
+                                     counted.size() > 1 ? formatted(localized(u"mixed: %@"), counted.join(u", "_s)) : QString());
 }
 
 void StatusBarView::showMissingCharacters()

@@ -15,6 +15,7 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <array>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -68,9 +69,15 @@ public:
         qsizetype selectedLineCount = 0;
         Language language;
         TextEncoding encoding = TextEncoding::utf8;
+        /// The user named it, and wants to see it also where the menu does not have it.
+        bool isNamedEncoding = false;
+        /// The file begins with one.
+        bool hasByteOrderMark = false;
         /// Characters of the text that the encoding lacks.
         qsizetype missingCharacters = 0;
         LineEnding lineEnding = LineEnding::lf;
+        /// How many lines of the file end in each way, in the order of `lineEndings`.
+        std::array<qsizetype, lineEndings.size()> lineEndingCounts = {};
         /// Columns.
         int indentWidth = 4;
         /// The tab key inserts spaces.
@@ -130,6 +137,8 @@ private:
     [[nodiscard]] QString caretHint() const { return m_state && m_state->caretHint ? m_state->caretHint() : QString(); }
     void showStatistics();
     void updateStatistics();
+    void showEncoding();
+    void showLineEnding();
     void showMissingCharacters();
     void chooseLanguage(int index);
     void chooseEncoding(int index);

@@ -75,6 +75,14 @@ void ScriptedAlertPresenter::present(const SavePanel &panel, QWidget *, SaveComp
     completion(path);
 }
 
+void ScriptedAlertPresenter::present(const ChoicePanel &panel, QWidget *, ChoiceCompletion completion)
+{
+    m_choicePanels.push_back(panel);
+    const QString title = takeFirst(m_choices).value_or(QString());
+    const auto found = std::ranges::find(panel.choices, title, &ChoicePanel::Choice::title);
+    completion(found == panel.choices.end() ? std::nullopt : std::optional(int(found - panel.choices.begin())));
+}
+
 void ScriptedAlertPresenter::present(const FontPanel &panel, QWidget *, FontCompletion completion)
 {
     m_fontPanels.push_back(panel);

@@ -109,6 +109,25 @@ struct FontPanel {
     double greatestSize = 1000;
 };
 
+/// One of several, in a table of two columns.
+struct ChoicePanel {
+    struct Choice {
+        QString title = {};
+        /// May have several lines.
+        QString detail = {};
+        bool isEnabled = true;
+    };
+    QString title = {};
+    QString message = {};
+    QString choiceTitle = {};
+    QString detailTitle = {};
+    /// Of the button that takes the choice.
+    QString prompt = {};
+    std::vector<Choice> choices = {};
+    /// The place of the one that is chosen at first.
+    int current = 0;
+};
+
 /// Asks the user. Everything belongs to a window that it blocks while it is open (null: none, then it blocks nothing), and everything
 /// answers through a completion, never by waiting. Completions are called at most once, perhaps before the call returns, and not at all
 /// when the window is destroyed first. Main thread only.
@@ -122,6 +141,9 @@ public:
     /// None when the panel was cancelled.
     using FontCompletion = std::function<void(const std::optional<FontChoice> &font)>;
 
+    /// The place of the one chosen; none when the panel was cancelled.
+    using ChoiceCompletion = std::function<void(std::optional<int> choice)>;
+
     AlertPresenter() = default;
     AlertPresenter(const AlertPresenter &) = delete;
     AlertPresenter &operator=(const AlertPresenter &) = delete;
@@ -132,6 +154,7 @@ public:
     virtual void present(const OpenPanel &panel, QWidget *window, OpenCompletion completion) = 0;
     virtual void present(const SavePanel &panel, QWidget *window, SaveCompletion completion) = 0;
     virtual void present(const FontPanel &panel, QWidget *window, FontCompletion completion) = 0;
+    virtual void present(const ChoicePanel &panel, QWidget *window, ChoiceCompletion completion) = 0;
     /// The sound for "that cannot be done now".
     virtual void beep() = 0;
 };
@@ -145,6 +168,7 @@ public:
     void present(const OpenPanel &panel, QWidget *window, OpenCompletion completion) override;
     void present(const SavePanel &panel, QWidget *window, SaveCompletion completion) override;
     void present(const FontPanel &panel, QWidget *window, FontCompletion completion) override;
+    void present(const ChoicePanel &panel, QWidget *window, ChoiceCompletion completion) override;
     void beep() override { ++m_beepCount; }
 
     /// Answers lie ready in the order in which they are given, for each kind apart. `button` is 1000, 1001, …
@@ -152,6 +176,8 @@ public:
     void answerOpen(const QStringList &paths) { m_openPaths.push_back(paths); }
     void answerSave(const QString &path) { m_savePaths.push_back(path); }
     void answerFont(const FontChoice &font) { m_fonts.push_back(font); }
+    /// By the title of the choice.
+    void answerChoice(const QString &title) { m_choices.push_back(title); }
 
     /// From now on alerts stay open, until answerHeld() answers the oldest as one that comes then.
     void hold() { m_holds = true; }
@@ -161,6 +187,7 @@ public:
     [[nodiscard]] const std::vector<OpenPanel> &openPanels() const { return m_openPanels; }
     [[nodiscard]] const std::vector<SavePanel> &savePanels() const { return m_savePanels; }
     [[nodiscard]] const std::vector<FontPanel> &fontPanels() const { return m_fontPanels; }
+    [[nodiscard]] const std::vector<ChoicePanel> &choicePanels() const { return m_choicePanels; }
     [[nodiscard]] int beepCount() const { return m_beepCount; }
 
 private:
@@ -180,5 +207,7 @@ private:
     std::deque<QStringList> m_openPaths;
     std::deque<QString> m_savePaths;
     std::deque<FontChoice> m_fonts;
+    std::vector<ChoicePanel> m_choicePanels;
+    std::deque<QString> m_choices;
     int m_beepCount = 0;
 };

@@ -118,7 +118,7 @@ void PopUpButton::setChoices(const QStringList &titles)
     if (m_shownIndices) {
         showMarks();
     } else {
-        setShownIndex(isAsBefore ? m_shownIndex : 0);
+        setShownIndex(isAsBefore ? m_shownIndex : 0, m_shownText);
     }
 }
 
@@ -131,11 +131,12 @@ QStringList PopUpButton::choices() const
     return titles;
 }
 
-void PopUpButton::setShownIndex(int index)
+void PopUpButton::setShownIndex(int index, const QString &text)
 {
     m_shownIndex = index;
+    m_shownText = text;
     showMarks();
-    showTitle(m_group->actions().at(index)->data().toString());
+    showTitle(text.isEmpty() ? m_group->actions().at(index)->data().toString() : text);
 }
 
 void PopUpButton::setShownIndices(const QList<int> &indices, const QString &text)

@@ -46,8 +46,8 @@ public:
     /// The index shown stays if there are as many choices, else it is the first.
     void setChoices(const QStringList &titles);
     [[nodiscard]] QStringList choices() const;
-    /// `index` must be that of a choice.
-    void setShownIndex(int index);
+    /// `index` must be that of a choice. The button says `text` where that is more than the title of the choice.
+    void setShownIndex(int index, const QString &text = {});
     [[nodiscard]] int shownIndex() const { return m_shownIndex; }
     /// Several may be checked from now on, none of them radio buttons, and `text` is shown for them.
     void setShownIndices(const QList<int> &indices, const QString &text);
@@ -71,4 +71,5 @@ private:
     int m_shownIndex = 0;
     /// None while there is one.
     std::optional<QList<int>> m_shownIndices;
+    QString m_shownText;
 };

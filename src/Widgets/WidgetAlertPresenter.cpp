@@ -3,7 +3,9 @@
 #include "Widgets/WidgetAlertPresenter.h"
 
 #include "Base/Translation.h"
+#include "Widgets/ChoiceDialog.h"
 #include "Widgets/DialogGrid.h"
+#include "Widgets/FilePanel.h"
 #include "Widgets/FontDialog.h"
 #include "Widgets/GroupsDialog.h"
 #include "Widgets/Mnemonics.h"
@@ -293,6 +295,14 @@ void WidgetAlertPresenter::present(const FontPanel &panel, QWidget *window, Font
     QObject::connect(dialog, &QDialog::finished, &m_context, [dialog, completion = std::move(completion)](int result) {
         completion(result == QDialog::Accepted ? std::optional(dialog->chosen()) : std::nullopt);
     });
+    enqueue(dialog, window);
+}
+
+void WidgetAlertPresenter::present(const ChoicePanel &panel, QWidget *window, ChoiceCompletion completion)
+{
+    auto *dialog = new ChoiceDialog(panel, window);
+    QObject::connect(dialog, &QDialog::finished, &m_context,
+                     [dialog, completion = std::move(completion)] { completion(dialog->chosen()); });
     enqueue(dialog, window);
 }
 

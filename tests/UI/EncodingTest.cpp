@@ -3,8 +3,10 @@
 
 // Texts and their encodings: characters that cannot be saved, what becomes of them, and where they are listed.
 #include "UI/MissingCharactersPanel.h"
+#include "Widgets/PopUpButton.h"
 #include "WindowFixture.h"
 
+#include <QPushButton>
 #include <QTreeWidget>
 
 using namespace std::chrono_literals;
@@ -82,6 +84,7 @@ TEST_F(EncodingTest, NothingBecomesAQuestionMarkUnlessTheUserSaysSo)
         EXPECT_EQ(text(), c.text);
         EXPECT_EQ(document().encoding(), c.encoding);
         EXPECT_EQ(document().isDirty(), c.button == AlertReply::secondButton);
+        EXPECT_EQ(document().externalState(), TextDocument::ExternalState::none) << "nobody else wrote it";
         if (c.button == AlertReply::thirdButton) {
             send(Actions::undo);
             EXPECT_EQ(text(), u"€grüß dich.\n"_s);
@@ -145,6 +148,66 @@ TEST_F(EncodingTest, ListedCharactersAreShownInTheText)
     textView().insertText(u"", {11, 1});
     scheduler.advance(MissingCharactersPanel::updateDelay);
     EXPECT_EQ(list->topLevelItemCount(), 1);
+}
+
+TEST_F(EncodingTest, WhatLooksLikeAnotherEncodingIsReopenedAndReadSoFromThenOn)
+{
+    const QString russian = u"Привет, мир!\nЭто обычный русский текст в старой кодировке.\n"_s;
+    const QByteArray bytes = encoded(russian, TextEncoding::windows1251, TextEncoder::Mode::strict).value();
+    workspace().open({put(u"ru.txt"_s, bytes)});
+    const auto banner = [this] { return workspace().currentEditor()->banner(); };
+    ASSERT_TRUE(banner());
+    EXPECT_EQ(banner()->accessibleName(), u"This looks like Windows-1251."_s);
+    QTest::mouseClick(control<QPushButton>(*banner(), u"Reopen"_s), Qt::LeftButton);
+    EXPECT_EQ(text(), russian);
+    EXPECT_FALSE(banner());
+    send(Actions::revertWithoutAsking);
+    EXPECT_EQ(text(), russian);
+    send(Actions::closeTab);
+    workspace().open({path(u"ru.txt"_s)});
+    EXPECT_EQ(text(), russian);
+    EXPECT_FALSE(banner());
+}
+
+TEST_F(EncodingTest, AKeptTextIsNotAskedAboutAgain)
+{
+    workspace().open({put(u"a.txt"_s, "\x84Zitat\x93 \x80 5.\n")});
+    EXPECT_EQ(workspace().currentEditor()->banner()->accessibleName(), u"This looks like Windows-1252."_s);
+    QTest::mouseClick(control<QPushButton>(*workspace().currentEditor()->banner(), u"Keep"_s), Qt::LeftButton);
+    EXPECT_FALSE(workspace().currentEditor()->banner());
+    send(Actions::revertWithoutAsking);
+    EXPECT_FALSE(workspace().currentEditor()->banner());
+    EXPECT_EQ(document().encoding(), TextEncoding::isoLatin1);
+}
+
+TEST_F(EncodingTest, FilesAreOpenedAndReopenedInTheEncodingThatIsChosen)
+{
+    openLatin1();
+    presenter.answerChoice(u"Windows-1250"_s);
+    send(Actions::reopenWithEncoding);
+    EXPECT_EQ(document().encoding(), TextEncoding::windows1250);
+    const ChoicePanel &panel = presenter.choicePanels().back();
+    EXPECT_EQ(panel.choices.size(), supportedEncodings().size());
+    EXPECT_FALSE(panel.choices.back().isEnabled) << "UTF-8 is not possible";
+    // One that looks binary.
+    presenter.answerOpen({put(u"b.txt"_s, QByteArray("\xFF\xFE"
+                                                     "a\0\n\0",
+                                                     6))});
+    presenter.answerChoice(u"UTF-16"_s);
+    send(Actions::openWithEncoding);
+    EXPECT_EQ(text(), u"a\n"_s);
+}
+
+TEST_F(EncodingTest, MarksAndMixedLineEndingsAreShown)
+{
+    workspace().open({put(u"a.txt"_s, "\xEF\xBB\xBF"
+                                      "a\r\nb\nc\r\n")});
+    StatusBarView &bar = workspace().statusBar();
+    EXPECT_EQ(control<PopUpButton>(bar, u"Text Encoding"_s)->text(), u"UTF-8 with BOM"_s);
+    EXPECT_EQ(control<PopUpButton>(bar, u"Line Endings"_s)->text(), u"mixed: 2 CRLF, 1 LF"_s);
+    send(Actions::saveDocument);
+    EXPECT_EQ(control<PopUpButton>(bar, u"Text Encoding"_s)->text(), u"UTF-8"_s);
+    EXPECT_EQ(control<PopUpButton>(bar, u"Line Endings"_s)->text(), u"CRLF"_s);
 }
 
 } // namespace

@@ -110,6 +110,13 @@ void MoodyPresenter::present(const SavePanel & /*panel*/, QWidget *window, SaveC
     ask(window, [path, completion = std::move(completion)] { completion(path); });
 }
 
+void MoodyPresenter::present(const ChoicePanel &panel, QWidget *window, ChoiceCompletion completion)
+{
+    const auto choice =
+        m_random.oneIn(4) || panel.choices.empty() ? std::nullopt : std::optional(m_random.below(int(panel.choices.size())));
+    ask(window, [choice, completion = std::move(completion)] { completion(choice); });
+}
+
 void MoodyPresenter::present(const FontPanel &panel, QWidget *window, FontCompletion completion)
 {
     const auto font = m_random.oneIn(4) ? std::nullopt : std::optional(FontChoice{panel.current.family, double(m_random.below(120))});

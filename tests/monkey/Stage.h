@@ -52,6 +52,7 @@ public:
     void present(const OpenPanel &panel, QWidget *window, OpenCompletion completion) override;
     void present(const SavePanel &panel, QWidget *window, SaveCompletion completion) override;
     void present(const FontPanel &panel, QWidget *window, FontCompletion completion) override;
+    void present(const ChoicePanel &panel, QWidget *window, ChoiceCompletion completion) override;
     void beep() override {}
 
     [[nodiscard]] bool hasOpenQuestions() const { return !m_open.empty(); }

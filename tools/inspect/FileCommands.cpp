@@ -85,6 +85,10 @@ QJsonObject runText(const Arguments &arguments)
                        {u"isLossyDecode"_s, contents->isLossyDecode},
                        {u"length"_s, qint64(contents->text.length())},
                        {u"lineCount"_s, qint64(contents->text.lineCount())}};
+    if (arguments.has(u"suggestion")) {
+        const auto suggested = contents->suggestedEncoding;
+        answer[u"suggestedEncodingName"_s] = suggested ? QJsonValue(displayName(*suggested)) : QJsonValue();
+    }
     if (arguments.has(u"line-starts")) {
         answer[u"lineStarts"_s] = lineStartsOf(contents->text);
     }
@@ -128,7 +132,7 @@ QJsonObject runCopyName(const Arguments &arguments)
 }
 
 constexpr OptionRow encoding = {u"encoding", u"NUMBER", isNumber};
-constexpr auto textOptions = std::to_array<OptionRow>({encoding, {u"line-starts"}});
+constexpr auto textOptions = std::to_array<OptionRow>({encoding, {u"line-starts"}, {u"suggestion"}});
 constexpr auto writeOptions = std::to_array<OptionRow>({encoding, {u"line-ending", u"lf|crlf|cr", isLineEndingName}});
 
 constexpr auto rows = std::to_array<CommandRow>({
