@@ -192,9 +192,9 @@ void StatusBarView::updateLock()
 void StatusBarView::updateFonts()
 {
     const QFont font = scaledFont(QApplication::font(), TextSize::status);
-    for (QWidget *widget : std::initializer_list<QWidget *>{m_pathLabel, m_flashLabel, m_missingButton, m_spellingPopUp,
-                                                             m_statisticsButton, m_positionButton, m_indentPopUp, m_lineEndingPopUp,
-                                                             m_encodingPopUp, m_languagePopUp}) {
+    for (QWidget *widget :
+         std::initializer_list<QWidget *>{m_pathLabel, m_flashLabel, m_missingButton, m_spellingPopUp, m_statisticsButton, m_positionButton,
+                                          m_indentPopUp, m_lineEndingPopUp, m_encodingPopUp, m_languagePopUp}) {
         widget->setFont(font);
     }
     m_vimBadge->setFont(scaledFont(QFontDatabase::systemFont(QFontDatabase::FixedFont), TextSize::badge));
