@@ -7,7 +7,7 @@ from desktop import TOOLS, Desktop, arguments_of, expect, need
 from wayland_desktop import WAYLAND_TOOLS, WaylandDesktop
 
 # The stops of the status bar after its first one, the position.
-INDENTATION, LINE_ENDING, ENCODING, LANGUAGE = range(1, 5)
+INDENTATION, LINE_ENDING, ENCODING, LANGUAGE = range(2, 6)
 
 
 class Session:
