@@ -7,12 +7,11 @@
 #include "Model/TextDocument.h"
 #include "Session/DraftFile.h"
 #include "Session/GuestSessions.h"
-#include "Session/JournalWriter.h"
 #include "Session/SessionLock.h"
+#include "Session/SessionQueue.h"
 #include "Session/WindowLayout.h"
 #include "Settings/Preferences.h"
 
-#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
@@ -46,85 +45,6 @@ bool isPlainName(const QString &name)
 }
 
 } // namespace
-
-/// What the store's thread works with. It may outlive the store, when the disk hangs.
-struct SessionStore::Queue : std::enable_shared_from_this<Queue> {
-    Queue(const QString &folder, FileCalls &fileCalls) : root(folder), calls(fileCalls) {}
-
-    QString root;
-    FileCalls &calls;
-
-    std::mutex mutex;
-    // Guarded: what waits for the thread. A job that finds nothing has been overtaken.
-    struct WaitingText {
-        Rope text = {};
-        /// Of the job that is to write it: one that waited for a text that was discarded must not take a later one.
-        quint64 ticket = 0;
-        /// Of the journal that builds on the text; 0 for none.
-        QUuid document = {};
-        quint64 journal = 0;
-    };
-    std::map<QString, WaitingText> texts;
-    /// By the ticket of the job that is to write it.
-    std::map<quint64, Snapshot> snapshots;
-    // Guarded: what is on disk, to be written again when others remove it.
-    std::map<QString, Rope> written;
-    bool isLooking = false;
-    // Guarded: what is to be tried again.
-    std::set<QString> failedDrafts;
-    bool hasFailedSnapshot = false;
-    // Guarded: they may be readable again some day.
-    std::set<QString> unreadableDrafts;
-
-    std::shared_ptr<JournalWriter> journal = std::make_shared<JournalWriter>(calls);
-
-    /// Main thread.
-    std::function<void(const Problem &problem)> report;
-    std::set<Problem::Kind> reported;
-
-    /// Of the thread: what `session.json` holds.
-    std::optional<Snapshot> lastWritten;
-
-    [[nodiscard]] QString drafts() const { return root + u"/Drafts"_s; }
-    [[nodiscard]] QString snapshotPath() const { return root + u"/session.json"_s; }
-    [[nodiscard]] QString pathOf(const QString &draft) const { return drafts() + u'/' + draft; }
-
-    void writeDraft(const QString &name, quint64 ticket);
-    void writeSnapshot(quint64 ticket);
-    void lookForMissing();
-
-private:
-    [[nodiscard]] bool isThere(const QString &path) const;
-    [[nodiscard]] bool writeText(const QString &name, const Rope &text);
-    void writeMissingDrafts(const Snapshot &snapshot);
-    void writeSnapshot(const Snapshot &snapshot);
-    void note(Problem::Kind kind, const Result<void> &result);
-    void prune(const Snapshot &snapshot);
-
-public:
-    void remove(const QStringList &names);
-};
-
-/// Of what is wrong one kind is told at a time: where no draft can be written, no session can be either.
-void SessionStore::Queue::note(Problem::Kind kind, const Result<void> &result)
-{
-    const auto tell = [weak = weak_from_this(), kind, result] {
-        const auto queue = weak.lock();
-        if (!queue) {
-            return;
-        }
-        if (result) {
-            queue->reported.erase(kind);
-            return;
-        }
-        const bool isMore = queue->reported.contains(Problem::Kind::drafts) || !queue->reported.insert(kind).second;
-        if (!isMore && queue->report) {
-            queue->report(
-                {.kind = kind, .path = kind == Problem::Kind::drafts ? queue->drafts() : queue->snapshotPath(), .error = result.error()});
-        }
-    };
-    QMetaObject::invokeMethod(QCoreApplication::instance(), tell, Qt::QueuedConnection);
-}
 
 SessionStore::Places SessionStore::Places::standard(Role role)
 {
@@ -586,41 +506,6 @@ std::optional<QString> SessionStore::writeDraft(const TextDocument &document)
     return name;
 }
 
-void SessionStore::Queue::writeDraft(const QString &name, quint64 ticket)
-{
-    WaitingText taken;
-    {
-        const std::lock_guard lock(mutex);
-        const auto waiting = texts.find(name);
-        if (waiting == texts.end() || waiting->second.ticket != ticket) {
-            return;
-        }
-        taken = std::move(waiting->second);
-        texts.erase(waiting);
-        written.erase(name);
-    }
-    if (writeText(name, taken.text) && taken.journal != 0) {
-        journal->drop(taken.document, taken.journal);
-    }
-}
-
-bool SessionStore::Queue::writeText(const QString &name, const Rope &text)
-{
-    makePrivateFolder(drafts(), calls);
-    const Result<void> result = DraftFile::write(text, pathOf(name), calls);
-    {
-        const std::lock_guard lock(mutex);
-        if (result) {
-            failedDrafts.erase(name);
-            written[name] = text;
-        } else {
-            failedDrafts.insert(name);
-        }
-    }
-    note(Problem::Kind::drafts, result);
-    return result.has_value();
-}
-
 void SessionStore::adoptRescued(const TextDocument &document, const RescuedFile &rescued)
 {
     writeInsteadOf(document, [rescued, &calls = m_calls] { removeRescued(rescued, calls); });
@@ -700,106 +585,6 @@ void SessionStore::lookForMissing()
         }
     }
     m_thread->start([queue = m_queue] { queue->lookForMissing(); });
-}
-
-void SessionStore::Queue::lookForMissing()
-{
-    {
-        const std::lock_guard lock(mutex);
-        isLooking = false;
-    }
-    if (!lastWritten) {
-        return;
-    }
-    writeMissingDrafts(*lastWritten);
-    if (calls.access(QFile::encodeName(snapshotPath()).constData(), F_OK) != 0) {
-        writeSnapshot(*lastWritten);
-    }
-}
-
-bool SessionStore::Queue::isThere(const QString &path) const
-{
-    struct stat status = {};
-    return calls.lstat(QFile::encodeName(path).constData(), &status) == 0 && S_ISREG(status.st_mode);
-}
-
-/// What the snapshot names, others may have removed.
-void SessionStore::Queue::writeMissingDrafts(const Snapshot &snapshot)
-{
-    for (const Snapshot::Document &document : snapshot.documents) {
-        const QString name = document.draftFilename.value_or(QString());
-        if (name.isEmpty() || isThere(pathOf(name))) {
-            continue;
-        }
-        std::optional<Rope> text;
-        {
-            const std::lock_guard lock(mutex);
-            if (const auto known = written.find(name); known != written.end()) {
-                text = known->second;
-            }
-        }
-        if (text) {
-            std::ignore = writeText(name, *text);
-        }
-    }
-}
-
-void SessionStore::Queue::writeSnapshot(quint64 ticket)
-{
-    Snapshot snapshot;
-    {
-        const std::lock_guard lock(mutex);
-        snapshot = std::move(snapshots.extract(ticket).mapped());
-    }
-    writeMissingDrafts(snapshot);
-    writeSnapshot(snapshot);
-}
-
-void SessionStore::Queue::writeSnapshot(const Snapshot &snapshot)
-{
-    makePrivateFolder(root, calls);
-    const Result<void> result = writeAtomically(snapshotPath(), snapshot.toJson(), AtomicFile::NewFile::privateToUser, calls);
-    {
-        const std::lock_guard lock(mutex);
-        hasFailedSnapshot = !result;
-    }
-    note(Problem::Kind::session, result);
-    if (result) {
-        lastWritten = snapshot;
-        prune(snapshot);
-    }
-}
-
-/// Deletes what `snapshot`, which is on disk, does not name.
-void SessionStore::Queue::prune(const Snapshot &snapshot)
-{
-    std::set<QString> kept;
-    {
-        const std::lock_guard lock(mutex);
-        kept = unreadableDrafts;
-    }
-    for (const Snapshot::Document &document : snapshot.documents) {
-        kept.insert(document.draftFilename.value_or(QString()));
-    }
-    QStringList names = QDir(drafts()).entryList(QDir::Files | QDir::Hidden | QDir::System);
-    names.removeIf([&](const QString &name) { return kept.contains(name); });
-    remove(names);
-}
-
-void SessionStore::Queue::remove(const QStringList &names)
-{
-    bool isChanged = false;
-    for (const QString &name : names) {
-        isChanged |= calls.unlink(QFile::encodeName(pathOf(name)).constData()) == 0;
-    }
-    {
-        const std::lock_guard lock(mutex);
-        std::ranges::for_each(names, [this](const QString &name) { written.erase(name); });
-    }
-    if (isChanged) {
-        // An old draft must not come back when the power fails: it would stand before its file, which was saved since.
-        flushFolder(drafts(), calls);
-    }
 }
 
 void SessionStore::runInOrder(std::function<void()> job)
