@@ -12,6 +12,7 @@
 #include "HeldWorkers.h"
 #include "Model/DocumentStore.h"
 #include "Model/EncodingMemory.h"
+#include "Model/FileMemory.h"
 #include "Model/RecentDocuments.h"
 #include "Session/ClosedTabs.h"
 #include "Session/SessionKeeper.h"
@@ -41,7 +42,8 @@ struct Surroundings : TestFolder {
     FileWatcherQueue watchers{scheduler, WatchCalls::system(), workers};
     GuardedFiles files;
     FakeAdministrator administrator;
-    EncodingMemory encodings{QString()};
+    FileMemory fileMemory{QString()};
+    EncodingMemory encodings{fileMemory};
     SessionStore session;
     std::optional<Appearance> desktopAppearance;
     int appearanceQueries = 0;

@@ -168,7 +168,8 @@ struct Program::Parts {
     FileWatcherQueue watchers;
     SystemAppearance appearance{std::make_unique<PortalAppearanceSource>(), [this] { return palette.ofDesktop(); }};
     SessionStore session;
-    EncodingMemory encodings{session.rootDirectory() + u"/encodings.json"_s};
+    FileMemory fileMemory{session.rootDirectory() + u"/file-memory.json"_s};
+    EncodingMemory encodings{fileMemory};
     DocumentStore documents{{.scheduler = scheduler,
                              .notifications = notifications,
                              .preferences = preferences,
@@ -191,7 +192,6 @@ struct Program::Parts {
     NotificationCenter::Token spellingLanguages;
     NotificationCenter::Token chosenTheme;
     SystemDesktop desktop;
-    FileMemory fileMemory{session.rootDirectory() + u"/file-memory.json"_s};
     RecentDocuments recent{session.rootDirectory() + u"/recent-documents.json"_s, workers};
     DesktopRecentFiles desktopRecentFiles{DesktopRecentFiles::standardPath(), workers};
     AppDelegate delegate{{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers, keyboard,

@@ -24,6 +24,8 @@ public:
     static constexpr QLatin1StringView dictionaries{"dictionaries"};
     /// A boolean.
     static constexpr QLatin1StringView checksSpelling{"checksSpelling"};
+    /// The number of a TextEncoding; null to have it found out and to ask no more.
+    static constexpr QLatin1StringView encoding{"encoding"};
 
     /// `file` is absolute; its folder is made, for its user only, when something is first written. An empty one keeps all in memory.
     explicit FileMemory(QString file);

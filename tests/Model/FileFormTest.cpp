@@ -4,6 +4,7 @@
 // What files have beside their text: byte-order marks, and lines that do not all end alike.
 #include "DocumentSurroundings.h"
 #include "Model/EncodingMemory.h"
+#include "Model/FileMemory.h"
 #include "TestFolder.h"
 
 #include <random>
@@ -123,7 +124,8 @@ protected:
     }
 
     std::mt19937 m_random{uint(testing::UnitTest::GetInstance()->random_seed())};
-    EncodingMemory encodings{QString()};
+    FileMemory fileMemory{QString()};
+    EncodingMemory encodings{fileMemory};
     UnsyncedCalls files;
 };
 
