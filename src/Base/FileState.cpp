@@ -67,6 +67,11 @@ ContentHash::~ContentHash()
     XXH3_freeState(static_cast<XXH3_state_t *>(m_state));
 }
 
+quint64 ContentHash::of(const void *bytes, size_t count)
+{
+    return XXH3_64bits(bytes, count);
+}
+
 void ContentHash::add(const void *bytes, size_t count)
 {
     XXH3_64bits_update(static_cast<XXH3_state_t *>(m_state), bytes, count);

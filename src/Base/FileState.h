@@ -41,6 +41,8 @@ public:
     ContentHash &operator=(ContentHash other) noexcept;
     ~ContentHash();
 
+    [[nodiscard]] static quint64 of(const void *bytes, size_t count);
+
     void add(const void *bytes, size_t count);
     /// As new.
     void reset();

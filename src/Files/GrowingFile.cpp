@@ -10,13 +10,6 @@ namespace {
 /// With the first one, of which programs that write a file anew mostly make another.
 constexpr size_t samplesPerLook = 8;
 
-[[nodiscard]] quint64 hashOf(std::span<const uchar> bytes)
-{
-    ContentHash hash;
-    hash.add(bytes.data(), bytes.size());
-    return hash.value();
-}
-
 /// Each time others, spread over the file, so that all have their turn.
 bool areSamplesSame(FileBytes &file, const ReadPosition &position)
 {
@@ -25,7 +18,7 @@ bool areSamplesSame(FileBytes &file, const ReadPosition &position)
     for (size_t look = 0; look < samplesPerLook; ++look) {
         const size_t index = look == 0 ? 0 : (position.continuations + look * distance) % count;
         const auto sample = file.goTo(qint64(index) * FilePrefix::stretchLength) ? file.next(FilePrefix::sampleLength) : std::nullopt;
-        if (!sample || hashOf(*sample) != position.bytes.sampleHash(index)) {
+        if (!sample || ContentHash::of(sample->data(), sample->size()) != position.bytes.sampleHash(index)) {
             return false;
         }
     }

@@ -50,18 +50,11 @@ private:
     bool m_isWhole = true;
 };
 
-quint64 hashOf(QByteArrayView bytes)
-{
-    ContentHash hash;
-    hash.add(bytes.data(), size_t(bytes.size()));
-    return hash.value();
-}
-
 QByteArray recordOf(const QByteArray &content)
 {
     QByteArray bytes;
     append(bytes, quint32(content.size()));
-    append(bytes, hashOf(content));
+    append(bytes, ContentHash::of(content.data(), size_t(content.size())));
     return bytes + content;
 }
 
@@ -71,7 +64,7 @@ std::optional<QByteArrayView> takeRecord(Reader &reader)
     const auto length = reader.number<quint32>();
     const auto hash = reader.number<quint64>();
     const QByteArrayView content = reader.bytes(length);
-    return reader.isWhole() && hashOf(content) == hash ? std::optional(content) : std::nullopt;
+    return reader.isWhole() && ContentHash::of(content.data(), size_t(content.size())) == hash ? std::optional(content) : std::nullopt;
 }
 
 std::optional<TextEdits> changeFrom(QByteArrayView content)
@@ -209,18 +202,21 @@ std::optional<EditJournal::Name> EditJournal::parseName(const QString &name)
 
 std::optional<Rope> replayed(const std::vector<EditJournal> &journals, Rope base)
 {
-    const quint64 hash = EditJournal::hashOf(base);
-    const auto isOfBase = [hash](const EditJournal &journal) { return journal.baseHash == hash; };
+    quint64 hash = EditJournal::hashOf(base);
+    const auto isOfBase = [&hash](const EditJournal &journal) { return journal.baseHash == hash; };
     const auto last = std::find_if(journals.rbegin(), journals.rend(), isOfBase);
     if (last == journals.rend()) {
         return std::nullopt;
     }
-    for (auto journal = last.base() - 1; journal != journals.end() && journal->baseHash == EditJournal::hashOf(base); ++journal) {
+    for (auto journal = last.base() - 1; journal != journals.end() && isOfBase(*journal); ++journal) {
         auto text = applied(journal->changes, base);
         if (!text) {
             break;
         }
         base = *std::move(text);
+        if (journal + 1 != journals.end()) {
+            hash = EditJournal::hashOf(base);
+        }
     }
     return base;
 }
