@@ -356,9 +356,9 @@ void AppDelegate::showComparison(const QString &oldPath, const Rope &old, const 
 /// As soon as its text is there.
 void AppDelegate::goTo(TextDocument &document, const CommandLine::File &place)
 {
-    document.whenArrived([this, &document, line = place.line.value_or(LineNumber::first), column = place.column] {
+    document.arrival().whenOver([this, &document, line = place.line.value_or(LineNumber::first), column = place.column] {
         if (MainWindowController *front = frontmostWindow()) {
-            front->workspace().goTo(document.arrivalFailure().twin ? *document.arrivalFailure().twin : document, line, column);
+            front->workspace().goTo(document.arrival().failure().twin ? *document.arrival().failure().twin : document, line, column);
         }
     });
 }
@@ -447,7 +447,7 @@ void AppDelegate::noticeClosed()
     const auto &open = m_services.documents.documents();
     for (Waiting &waiting : m_waiting) {
         for (auto &document : waiting.documents) {
-            if (const auto twin = document->arrivalFailure().twin) {
+            if (const auto twin = document->arrival().failure().twin) {
                 document = twin;
                 document->setAwaited(TextDocument::Awaited::yes);
             }
@@ -455,7 +455,7 @@ void AppDelegate::noticeClosed()
         std::erase_if(waiting.documents, [&](const std::shared_ptr<TextDocument> &document) {
             const bool isOpen = std::ranges::find(open, document) != open.end();
             const bool isLost =
-                document->hasUnsavedEdits() || document->arrivalFailure().error || document->awaited() == TextDocument::Awaited::aborted;
+                document->hasUnsavedEdits() || document->arrival().failure().error || document->awaited() == TextDocument::Awaited::aborted;
             waiting.status = !isOpen && isLost ? 1 : waiting.status;
             return !isOpen;
         });

@@ -55,7 +55,7 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
     m_stack->addWidget(m_findBar);
     m_stack->addWidget(m_textView, 1);
     applyAccess();
-    m_awaitsText = m_document->isWaiting();
+    m_awaitsText = m_document->arrival().isPending();
     m_textView->setLanguage(document.language());
     setFocusProxy(m_textView);
     makeSpelling();
@@ -254,7 +254,7 @@ void EditorViewController::adoptLanguage()
 /// What would have to become something else when the text is saved is seen while it is typed.
 void EditorViewController::markMissingCharacters()
 {
-    const CharacterSet *characters = m_document->missingCharacters().characters();
+    const CharacterSet *characters = m_document->encodingDetails().missing().characters();
     if (std::exchange(m_characters, characters) == characters) {
         return;
     }
@@ -282,7 +282,7 @@ void EditorViewController::scheduleVisibleHighlight()
 
 void EditorViewController::applyAccess()
 {
-    const bool isReadOnly = m_document->isGenerated() || m_document->isWaiting();
+    const bool isReadOnly = m_document->isGenerated() || m_document->arrival().isPending();
     m_textView->setAccess(isReadOnly ? TextView::Access::readOnly : TextView::Access::readWrite);
 }
 
@@ -298,7 +298,7 @@ void EditorViewController::restoreViewState()
 
 void EditorViewController::saveViewState()
 {
-    if (m_document->isWaiting()) {
+    if (m_document->arrival().isPending()) {
         return; // it remembers where the user was in the text that is to come
     }
     m_document->lastSelectedRange = m_textView->selection().range();
@@ -321,7 +321,7 @@ void EditorViewController::updateBanner()
     updateSuggestionBanner();
     const TextDocument::ExternalState state = m_document->externalState();
     // What is opened quickly needs no words.
-    const bool isQuick = m_document->isWaiting() && m_document->requests().activity() == FileRequests::Activity::none;
+    const bool isQuick = m_document->arrival().isPending() && m_document->requests().activity() == FileRequests::Activity::none;
     const bool isOfFile = state != TextDocument::ExternalState::none && !isQuick;
     if (!isOfFile && !m_document->origin) {
         dropBanner(m_banner);
@@ -368,17 +368,18 @@ void EditorViewController::performHere(const Action &action)
 
 void EditorViewController::updateSuggestionBanner()
 {
-    const auto encoding = m_document->suggestedEncoding();
-    if (!encoding || m_document->isWaiting()) {
+    const auto encoding = m_document->encodingDetails().suggested();
+    if (!encoding || m_document->arrival().isPending()) {
         dropBanner(m_suggestionBanner);
         return;
     }
     if (!m_suggestionBanner) {
         m_suggestionBanner = new ExternalChangeBanner(this);
         m_suggestionBanner->onReopen = [this] {
-            m_document->reinterpret(m_document->suggestedEncoding().value_or(m_document->encoding()), {}, TextDocument::Remembered::yes);
+            m_document->reinterpret(m_document->encodingDetails().suggested().value_or(m_document->encoding()), {},
+                                    TextDocument::Remembered::yes);
         };
-        m_suggestionBanner->onKeep = [this] { m_document->keepEncoding(); };
+        m_suggestionBanner->onKeep = [this] { m_document->encodingDetails().keep(); };
         m_suggestionBanner->onChoose = [this] {
             m_textView->setFocus();
             perform(Actions::reopenWithEncoding);

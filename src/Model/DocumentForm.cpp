@@ -2,7 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "Model/DocumentForm.h"
 
+#include "Settings/Preferences.h"
 #include "Text/UndoManager.h"
+
+std::optional<FileForm> DocumentForm::kept() const
+{
+    return m_preferences.value(Settings::keepFileForm) ? std::optional(m_value) : std::nullopt;
+}
 
 void DocumentForm::set(const FileForm &form)
 {

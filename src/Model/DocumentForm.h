@@ -5,7 +5,9 @@
 #include "Files/FileForm.h"
 
 #include <map>
+#include <optional>
 
+class Preferences;
 class UndoManager;
 struct TextChange;
 
@@ -17,9 +19,12 @@ public:
     /// end like their neighbours.
     static constexpr size_t mostRemembered = 2000;
 
-    explicit DocumentForm(const UndoManager &undoManager) : m_undoManager(undoManager) {}
+    /// Both must outlive this.
+    DocumentForm(const UndoManager &undoManager, const Preferences &preferences) : m_undoManager(undoManager), m_preferences(preferences) {}
 
     [[nodiscard]] const FileForm &value() const { return m_value; }
+    /// The same, if it is to be written again; none where the settings want the normal form.
+    [[nodiscard]] std::optional<FileForm> kept() const;
     void set(const FileForm &form);
     /// All lines end alike from now on.
     void setUniform(LineEnding ending);
@@ -32,6 +37,7 @@ private:
     void remember();
 
     const UndoManager &m_undoManager;
+    const Preferences &m_preferences;
     FileForm m_value;
     /// By the undo manager's numbers; empty while all lines end alike and did so since the text was read.
     std::map<quint64, LineEndings> m_states;

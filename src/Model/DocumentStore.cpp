@@ -36,7 +36,7 @@ void DocumentStore::takeBack(const std::shared_ptr<TextDocument> &document)
     document->attachHighlighter(theme());
     document->setAwaited(TextDocument::Awaited::no);
     m_documents.push_back(document);
-    document->followFile();
+    document->setFollowingFile(true);
     m_services.notifications.post(didChange, this);
 }
 
@@ -81,8 +81,8 @@ DocumentStore::OpenResult DocumentStore::takeOpened(const QString &path, std::un
     if (auto open = documentAt(path)) {
         return Opened{.document = std::move(open)};
     }
-    if (read->arrivalFailure().error) {
-        return tl::make_unexpected(*read->arrivalFailure().error);
+    if (read->arrival().failure().error) {
+        return tl::make_unexpected(*read->arrival().failure().error);
     }
     // Those before it may have come meanwhile.
     if (auto open = otherOfFile(read->file().identity(), *read)) {

@@ -5,9 +5,7 @@
 #include "Base/FilePath.h"
 #include "Base/HomePath.h"
 #include "Base/Translation.h"
-#include "Files/CharacterSet.h"
 #include "Highlighting/LanguageRegistry.h"
-#include "Model/EncodingMemory.h"
 #include "Model/FirstLine.h"
 #include "Model/SaveTransformation.h"
 #include "Settings/Preferences.h"
@@ -54,7 +52,12 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
 TextDocument::TextDocument(const DocumentServices &services, const QString &path, const QString &identity,
                            const std::optional<TextFile::Contents> &contents, const QUuid &id)
     : m_services(services), m_id(id), m_undoManager(m_storage, [&scheduler = services.scheduler] { return scheduler.now(); }), m_path(path),
-      m_requests(services.scheduler, services.workers, [this] { postMetadata(); }),
+      m_requests(services.scheduler, services.workers, [this] { postMetadata(); }), m_encoding({.storage = m_storage,
+                                                                                                .undoManager = m_undoManager,
+                                                                                                .workers = services.workers,
+                                                                                                .memory = services.encodings,
+                                                                                                .path = m_path,
+                                                                                                .changed = [this] { postMetadata(); }}),
       m_savedText(m_storage, services.scheduler, services.workers, [this](bool isSaved) { setDirty(!isSaved); }),
       m_follower({.scheduler = services.scheduler,
                   .workers = services.workers,
@@ -74,11 +77,9 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
             m_storage.apply({{}, contents->text});
         }
         m_undoManager.markSavePoint();
-        m_encoding = contents->encoding;
-        m_missingCharacters.setEncoding(m_encoding);
+        m_encoding.take(contents->encoding, contents->suggestedEncoding);
         m_lineEnding = contents->lineEnding;
         m_form.set(contents->form);
-        setSuggestedEncoding(*contents);
         m_follower.agreeOn(contents->state, contents->position);
         m_follower.setReadOnly(contents->isReadOnly);
     }
@@ -86,7 +87,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
     m_language = detectedLanguage();
     QObject::connect(&m_storage, &TextStorage::didProcessEditing, &m_context, [this](const TextChange &change) {
         noteEdit();
-        m_missingCharacters.noteEdit(change);
+        m_encoding.noteEdit(change);
         m_form.noteEdit(change, m_lineEnding);
     });
 }
@@ -153,10 +154,10 @@ std::unique_ptr<TextDocument> TextDocument::awaiting(const DocumentServices &ser
 {
     const TextFile::Contents nothing{.text = {}, .encoding = encoding, .lineEnding = lineEnding};
     std::unique_ptr<TextDocument> document(new TextDocument(services, path, QDir::cleanPath(path), nothing, id));
-    document->m_externalState = ExternalState::waiting;
+    document->m_arrival.begin();
     document->m_requests.start(
         FileRequests::Kind::arrival, std::chrono::milliseconds(0),
-        [path, remembered = document->rememberedEncoding(), &files = services.files](const std::stop_token &) {
+        [path, remembered = document->m_encoding.remembered(), &files = services.files](const std::stop_token &) {
             return Arrival{TextFile::readRemembered(path, remembered, files), DocumentFile::identityOf(path),
                            TextFile::isReadOnly(path, files)};
         },
@@ -167,20 +168,20 @@ std::unique_ptr<TextDocument> TextDocument::awaiting(const DocumentServices &ser
 void TextDocument::arrive(const Arrival &arrival, MissingFile missingFile)
 {
     const std::shared_ptr<TextDocument> self = weak_from_this().lock(); // it may be removed by those who are notified
-    const auto waiting = std::exchange(m_whenArrived, {});
-    m_externalState = ExternalState::none;
     const bool isNew = missingFile == MissingFile::isMade && !arrival.contents && arrival.contents.error().found == PathKind::missing;
+    DocumentArrival::Failure failure;
     if (!arrival.contents && !isNew) {
-        m_arrival.error = arrival.contents.error();
+        failure.error = arrival.contents.error();
     } else {
         m_follower.setIdentity(arrival.identity);
-        m_arrival.twin = m_services.otherOfFile ? m_services.otherOfFile(arrival.identity, *this) : nullptr;
+        failure.twin = m_services.otherOfFile ? m_services.otherOfFile(arrival.identity, *this) : nullptr;
     }
-    if (m_arrival.error || m_arrival.twin) {
+    const auto waiting = m_arrival.end(std::move(failure));
+    if (m_arrival.failure()) {
         m_services.notifications.post(didFailToArrive, this);
     } else {
         takeArrived(arrival.contents.value_or(
-            TextFile::Contents{.encoding = m_encoding, .lineEnding = m_lineEnding, .isReadOnly = arrival.isReadOnly}));
+            TextFile::Contents{.encoding = encoding(), .lineEnding = m_lineEnding, .isReadOnly = arrival.isReadOnly}));
         m_follower.setNew(isNew);
     }
     for (const auto &then : waiting) {
@@ -207,27 +208,18 @@ void TextDocument::takeArrived(const TextFile::Contents &contents)
     postMetadata();
 }
 
-void TextDocument::whenArrived(std::function<void()> then)
-{
-    if (isWaiting()) {
-        m_whenArrived.push_back(std::move(then));
-    } else {
-        then();
-    }
-}
-
 bool TextDocument::hasUnsavedEdits() const
 {
     if (!m_isDirty || !m_savedText.isComparing()) {
         return m_isDirty;
     }
     // The save point is that of the last save asked for, which may not be through.
-    return !m_savedText.isSaved().value_or(m_undoManager.isAtSavePoint() && !isSaving());
+    return !m_savedText.isSaved().value_or(m_undoManager.isAtSavePoint() && !m_saves.isActive());
 }
 
 bool TextDocument::hasUnsavedText() const
 {
-    if (isGenerated() || isWaiting() || (isUntitled() && m_storage.length() == 0)) {
+    if (isGenerated() || m_arrival.isPending() || (isUntitled() && m_storage.length() == 0)) {
         return false;
     }
     return m_isDraft || isUntitled() || hasUnsavedEdits();
@@ -246,17 +238,6 @@ QString TextDocument::displayName() const
     }
     const QString line = m_services.preferences.value(Settings::nameByFirstLine) ? firstLineOf(m_storage.text()) : QString();
     return line.isEmpty() ? localized(u"Untitled") : line;
-}
-
-QString TextDocument::displayPath() const
-{
-    if (m_generatedTitle) {
-        return formatted(localized(u"%@ - read only"), *m_generatedTitle);
-    }
-    if (m_path.isEmpty()) {
-        return localized(u"Untitled - not saved");
-    }
-    return shownPath(abbreviatedPath(m_path));
 }
 
 void TextDocument::postMetadata() const
@@ -305,31 +286,16 @@ void TextDocument::noteEdit()
 
 void TextDocument::setEncoding(TextEncoding encoding)
 {
-    if (m_encoding != encoding && !isWaiting()) {
-        m_encoding = encoding;
-        m_suggestedEncoding.reset(); // whoever chooses one needs no other
-        m_missingCharacters.setEncoding(encoding);
-        postMetadata();
-    }
-}
-
-void TextDocument::replaceMissingCharacters()
-{
-    if (const CharacterSet *characters = m_missingCharacters.characters()) {
-        TextEdits edits;
-        for (const TextRange missing : characters->missingIn(m_storage.text(), {0, m_storage.length()})) {
-            edits.add(missing, Rope(u"?"));
-        }
-        m_undoManager.breakCoalescing();
-        m_storage.apply(edits);
-        m_undoManager.breakCoalescing();
+    if (m_encoding.value() != encoding && !m_arrival.isPending()) {
+        m_encoding.set(encoding);
     }
 }
 
 void TextDocument::setLineEnding(LineEnding lineEnding)
 {
-    const bool isKept = m_form.value().lineEndings.isMixed() && m_services.preferences.value(Settings::keepFileForm);
-    if ((m_lineEnding == lineEnding && !isKept) || isWaiting()) {
+    const auto kept = m_form.kept();
+    const bool isKept = kept && kept->lineEndings.isMixed();
+    if ((m_lineEnding == lineEnding && !isKept) || m_arrival.isPending()) {
         return;
     }
     m_lineEnding = lineEnding;
@@ -338,11 +304,6 @@ void TextDocument::setLineEnding(LineEnding lineEnding)
         setDirty(true);
     }
     postMetadata();
-}
-
-std::optional<FileForm> TextDocument::keptForm() const
-{
-    return m_services.preferences.value(Settings::keepFileForm) ? std::optional(m_form.value()) : std::nullopt;
 }
 
 void TextDocument::setLanguage(const Language &language)
@@ -390,9 +351,9 @@ void TextDocument::transformForSaving()
     }
 }
 
-void TextDocument::save(const QString &path, const SaveCompletion &completion, const DocumentFile::Manner &manner)
+void TextDocument::save(const QString &path, const SaveQueue::Completion &completion, const DocumentFile::Manner &manner)
 {
-    if (isWaiting()) {
+    if (m_arrival.isPending()) {
         if (completion) {
             completion(failure(formatted(localized(u"“%@” cannot be saved, because it has not been read yet."), displayName())));
         }
@@ -401,44 +362,38 @@ void TextDocument::save(const QString &path, const SaveCompletion &completion, c
     transformForSaving();
     m_undoManager.breakCoalescing();
     m_undoManager.markSavePoint();
-    // Of several texts that wait for the same file only the last is written.
-    if (m_saves.empty() || m_saves.back().snapshot.path != path || m_saves.back().snapshot.manner != manner) {
-        m_saves.emplace_back();
-    }
-    Save &save = m_saves.back();
-    save.snapshot = snapshotOf(*this, path);
-    save.snapshot.manner = manner;
-    if (completion) {
-        save.completions.push_back(completion);
-    }
-    if (!m_underWay) {
-        startSaving();
-    }
+    DocumentFile::Snapshot snapshot = snapshotOf(*this, path);
+    snapshot.manner = manner;
+    m_saves.add(std::move(snapshot), completion);
+    startSaving();
 }
 
 void TextDocument::startSaving()
 {
-    m_underWay = std::move(m_saves.front());
-    m_saves.pop_front();
-    m_underWay->snapshot.rescueFolder = m_services.rescueFolder;
+    DocumentFile::Snapshot *const snapshot = m_saves.begin();
+    if (!snapshot) {
+        return;
+    }
+    snapshot->rescueFolder = m_services.rescueFolder;
     // Who chose another name was asked about the file that has it.
-    if (m_underWay->snapshot.path == m_path) {
-        m_underWay->snapshot.expected = m_follower.expectation();
+    if (snapshot->path == m_path) {
+        snapshot->expected = m_follower.expectation();
     }
     m_requests.cancel(FileRequests::Kind::reading);
     m_follower.beginOwnWrite();
-    const bool isAuthorized = m_underWay->snapshot.manner.authority == DocumentFile::Authority::administrator;
+    const bool isAuthorized = snapshot->manner.authority == DocumentFile::Authority::administrator;
     m_requests.start(
         isAuthorized ? FileRequests::Kind::authorizedWriting : FileRequests::Kind::writing, m_services.timeout,
-        [snapshot = m_underWay->snapshot, &files = m_services.files, administrator = m_services.administrator](
-            const std::stop_token &stop) { return DocumentFile::write(snapshot, files, administrator, stop); },
+        [snapshot = *snapshot, &files = m_services.files, administrator = m_services.administrator](const std::stop_token &stop) {
+            return DocumentFile::write(snapshot, files, administrator, stop);
+        },
         [this](const DocumentFile::WriteResult &written) { endSaving(written); });
 }
 
 void TextDocument::endSaving(const DocumentFile::WriteResult &written)
 {
     const std::shared_ptr<TextDocument> self = weak_from_this().lock(); // it may be removed by those who are notified
-    const Save save = *std::exchange(m_underWay, std::nullopt);
+    const SaveQueue::Save save = m_saves.end();
     m_follower.endOwnWrite(written ? std::optional(written->state.stamp) : std::nullopt);
     if (written) {
         takeWritten(save.snapshot, *written);
@@ -455,18 +410,13 @@ void TextDocument::endSaving(const DocumentFile::WriteResult &written)
         written.map([](const DocumentFile::Written &done) { return done.inPlace; }).map_error([](const TextFile::WriteError &error) {
             return Error(error);
         });
-    for (const SaveCompletion &completion : save.completions) {
+    for (const SaveQueue::Completion &completion : save.completions) {
         completion(result);
     }
-    if (m_underWay) {
-        return;
-    }
-    if (!m_saves.empty()) {
+    if (m_saves.isActive()) {
         startSaving();
-        return;
-    }
-    for (const auto &then : std::exchange(m_whenSaved, {})) {
-        then(written.has_value());
+    } else {
+        m_saves.finish(written.has_value());
     }
 }
 
@@ -478,7 +428,7 @@ void TextDocument::takeWritten(const DocumentFile::Snapshot &snapshot, const Doc
     if (!snapshot.form) {
         m_form.setNormal(snapshot.lineEnding);
     }
-    if (!isSameText || m_encoding != snapshot.encoding || m_lineEnding != snapshot.lineEnding) {
+    if (!isSameText || encoding() != snapshot.encoding || m_lineEnding != snapshot.lineEnding) {
         m_isDirty = true;
     }
     if (!isSameText) {
@@ -487,7 +437,7 @@ void TextDocument::takeWritten(const DocumentFile::Snapshot &snapshot, const Doc
     if (m_services.discardDraft && !m_isDirty) {
         m_services.discardDraft(m_id);
     }
-    rememberWritten(snapshot);
+    m_encoding.noteWritten(snapshot.path, snapshot.encoding);
     m_follower.setIdentity(written.identity);
     m_follower.setReadOnly(written.isReadOnly);
     if (snapshot.path != m_path) {
@@ -501,15 +451,6 @@ void TextDocument::takeWritten(const DocumentFile::Snapshot &snapshot, const Doc
         m_follower.follow(m_path, written.state.stamp);
     }
     postMetadata();
-}
-
-void TextDocument::whenSaved(std::function<void(bool isWritten)> then)
-{
-    if (isSaving()) {
-        m_whenSaved.push_back(std::move(then));
-    } else {
-        then(true);
-    }
 }
 
 /// The file has `text`; whatever was asked about it or the document's text before is answered.
@@ -534,11 +475,9 @@ void TextDocument::adopt(const FileReading &reading)
     m_isLoading = true;
     m_storage.apply(reading.difference);
     m_isLoading = false;
-    m_encoding = reading.contents.encoding;
-    m_missingCharacters.setEncoding(m_encoding);
+    m_encoding.take(reading.contents.encoding, reading.contents.suggestedEncoding);
     m_lineEnding = reading.contents.lineEnding;
     m_form.set(reading.contents.form);
-    setSuggestedEncoding(reading.contents);
     agreeWithFile(m_storage.text(), reading.hash);
     m_follower.agreeOn(reading.contents.state, reading.contents.position);
     m_follower.setReadOnly(reading.contents.isReadOnly);
@@ -568,13 +507,13 @@ void TextDocument::reload(const FileReading &reading)
 void TextDocument::takeFile(std::optional<TextEncoding> forcedEncoding, void (TextDocument::*take)(const FileReading &reading),
                             const ReadCompletion &completion)
 {
-    if (m_path.isEmpty() || isWaiting()) {
+    if (m_path.isEmpty() || m_arrival.isPending()) {
         return;
     }
-    whenSaved([this, forcedEncoding, take, completion](bool /*isWritten*/) {
+    m_saves.whenOver([this, forcedEncoding, take, completion](bool /*isWritten*/) {
         m_requests.start(
             FileRequests::Kind::reading, m_services.timeout,
-            [path = m_path, as = DocumentFile::ReadAs{forcedEncoding, rememberedEncoding()}, current = m_storage.snapshot(),
+            [path = m_path, as = DocumentFile::ReadAs{forcedEncoding, m_encoding.remembered()}, current = m_storage.snapshot(),
              &files = m_services.files](const std::stop_token &stop) { return DocumentFile::read(path, as, current, files, stop); },
             [this, take, completion](const DocumentFile::ReadResult &reading) {
                 if (reading) {
@@ -595,46 +534,16 @@ void TextDocument::revertToFileOnDisk(const ReadCompletion &completion)
 void TextDocument::reinterpret(TextEncoding encoding, const ReadCompletion &completion, Remembered remembered)
 {
     // Who has named one before has named another now.
-    const bool isRemembered = m_services.encodings && (remembered == Remembered::yes || rememberedEncoding());
+    const bool isRemembered = remembered == Remembered::yes || m_encoding.remembered();
     takeFile(encoding, &TextDocument::takeReinterpreted,
              [this, encoding, isRemembered, completion](const Result<void, TextFile::ReadError> &read) {
                  if (read && isRemembered) {
-                     m_services.encodings->note(m_path, encoding);
+                     m_encoding.remember(encoding);
                  }
                  if (completion) {
                      completion(read);
                  }
              });
-}
-
-void TextDocument::keepEncoding()
-{
-    if (m_services.encodings) {
-        m_services.encodings->note(m_path, std::nullopt);
-    }
-    m_suggestedEncoding.reset();
-    postMetadata();
-}
-
-void TextDocument::setSuggestedEncoding(const TextFile::Contents &contents)
-{
-    const bool isSettled = m_services.encodings && m_services.encodings->knows(m_path);
-    m_suggestedEncoding = isSettled ? std::nullopt : contents.suggestedEncoding;
-}
-
-std::optional<TextEncoding> TextDocument::rememberedEncoding() const
-{
-    return m_services.encodings ? m_services.encodings->encodingOf(m_path) : std::nullopt;
-}
-
-/// A file in an encoding that had to be named is read in the one that it has now, under whatever name.
-void TextDocument::rememberWritten(const DocumentFile::Snapshot &snapshot)
-{
-    const auto remembered = rememberedEncoding();
-    if (remembered && (*remembered != snapshot.encoding || snapshot.path != m_path)) {
-        m_services.encodings->note(snapshot.path,
-                                   snapshot.encoding == TextEncoding::utf8 ? std::nullopt : std::optional(snapshot.encoding));
-    }
 }
 
 void TextDocument::takeReinterpreted(const FileReading &reading)
@@ -662,23 +571,22 @@ void TextDocument::setExternalState(ExternalState state)
     postMetadata();
 }
 
-void TextDocument::stopFollowingFile()
+void TextDocument::setFollowingFile(bool isFollowing)
 {
+    if (isFollowing) {
+        m_follower.follow(m_path, stampOf(m_follower.state()));
+        return;
+    }
     m_requests.cancel(FileRequests::Kind::reading);
     m_follower.follow(QString(), std::nullopt);
     // A file that grew is compared as a whole when it is followed again.
     m_follower.agreeOn(m_follower.state());
 }
 
-void TextDocument::followFile()
-{
-    m_follower.follow(m_path, stampOf(m_follower.state()));
-}
-
 void TextDocument::clearExternalState()
 {
     const bool hadOrigin = std::exchange(origin, std::nullopt).has_value();
-    const bool hadState = m_externalState != ExternalState::none && !isWaiting();
+    const bool hadState = !m_arrival.isPending() && m_externalState != ExternalState::none;
     if (hadState) {
         m_externalState = ExternalState::none;
     }
@@ -717,6 +625,14 @@ void TextDocument::showConflict(const std::optional<FileState> &found)
     setExternalState(ExternalState::conflicted);
 }
 
+QString displayPath(const TextDocument &document)
+{
+    if (document.isGenerated()) {
+        return formatted(localized(u"%@ - read only"), document.displayName());
+    }
+    return document.isUntitled() ? localized(u"Untitled - not saved") : shownPath(abbreviatedPath(document.path()));
+}
+
 DocumentFile::Snapshot snapshotOf(const TextDocument &document, const QString &path)
 {
     const TextStorage &storage = document.storage();
@@ -725,5 +641,5 @@ DocumentFile::Snapshot snapshotOf(const TextDocument &document, const QString &p
             .revision = storage.revision(),
             .encoding = document.encoding(),
             .lineEnding = document.lineEnding(),
-            .form = document.keptForm()};
+            .form = document.form().kept()};
 }

@@ -8,10 +8,12 @@
 #include "Files/TextFile.h"
 #include "Highlighting/Language.h"
 #include "Highlighting/SyntaxHighlighter.h"
+#include "Model/DocumentArrival.h"
+#include "Model/DocumentEncoding.h"
 #include "Model/DocumentForm.h"
 #include "Model/DocumentServices.h"
 #include "Model/FileFollower.h"
-#include "Model/MissingCharacters.h"
+#include "Model/SaveQueue.h"
 #include "Model/SavedText.h"
 #include "Model/TextOrigin.h"
 #include "Text/TextStorage.h"
@@ -20,7 +22,6 @@
 #include <QStringList>
 #include <QUuid>
 
-#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -97,8 +98,6 @@ public:
     [[nodiscard]] bool isGenerated() const { return m_generatedTitle.has_value(); }
     /// The generated title, else the file's name, else where it comes from, else "Untitled", or the first line if the settings want that.
     [[nodiscard]] QString displayName() const;
-    /// The path with the home folder as "~", or what the text is when it has none.
-    [[nodiscard]] QString displayPath() const;
 
     /// Whether a program waits until the document is closed, and what it is to be notified of then.
     enum class Awaited { no, yes, aborted };
@@ -111,45 +110,25 @@ public:
     [[nodiscard]] bool hasUnsavedEdits() const;
     /// The text would be lost with the document: it is dirty, without a file or from a draft, and not an empty one without a file.
     [[nodiscard]] bool hasUnsavedText() const;
-    [[nodiscard]] bool isWaiting() const { return m_externalState == ExternalState::waiting; }
-    /// Calls `then` when it is not waiting any more, perhaps at once; never if it is destroyed first.
-    void whenArrived(std::function<void()> then);
-    /// Why there is no text although it is not waiting: one of them is there.
-    struct ArrivalFailure {
-        std::optional<TextFile::ReadError> error;
-        /// The document that had the file already, known by another name, when it came.
-        std::shared_ptr<TextDocument> twin;
-    };
-    [[nodiscard]] const ArrivalFailure &arrivalFailure() const { return m_arrival; }
-    [[nodiscard]] ExternalState externalState() const { return m_externalState; }
-    /// Nobody shows it for a while: what others do to its file is of no concern until followFile(), which finds out what they did.
-    void stopFollowingFile();
-    void followFile();
+    /// Of its text, where it stands in a file.
+    [[nodiscard]] const DocumentArrival &arrival() const { return m_arrival; }
+    [[nodiscard]] ExternalState externalState() const { return m_arrival.isPending() ? ExternalState::waiting : m_externalState; }
+    /// Nobody shows it for a while: what others do to its file is of no concern until it is followed again, which finds out what they did.
+    void setFollowingFile(bool isFollowing);
     /// The user keeps the text as it is, whatever became of the file, and wherever it comes from.
     void clearExternalState();
     /// What it has asked of file systems; for others to ask as well.
     [[nodiscard]] FileRequests &requests() { return m_requests; }
-    /// Some text of it is being written to its file, or waits for that.
-    [[nodiscard]] bool isSaving() const { return m_underWay || !m_saves.empty(); }
-    /// Calls `then` when it is not saving any more, perhaps at once, with whether the last write succeeded; never if it is destroyed first.
-    void whenSaved(std::function<void(bool isWritten)> then);
+    /// Its texts that are being written, or wait for that.
+    [[nodiscard]] const SaveQueue &saves() const { return m_saves; }
 
-    [[nodiscard]] TextEncoding encoding() const { return m_encoding; }
+    [[nodiscard]] TextEncoding encoding() const { return m_encoding.value(); }
     void setEncoding(TextEncoding encoding);
-    /// What its file looks like rather; none when it looks right, or the user has said what it is.
-    [[nodiscard]] std::optional<TextEncoding> suggestedEncoding() const { return m_suggestedEncoding; }
-    /// The one that the user named for the file, if that was ever needed.
-    [[nodiscard]] std::optional<TextEncoding> rememberedEncoding() const;
-    /// The text is as it should be.
-    void keepEncoding();
-    /// What the file has beside the text, as it was found there.
-    [[nodiscard]] const FileForm &form() const { return m_form.value(); }
-    /// The same, if it is to be written again; none where the settings want the normal form.
-    [[nodiscard]] std::optional<FileForm> keptForm() const;
-    /// What of the text the encoding lacks.
-    [[nodiscard]] const MissingCharacters &missingCharacters() const { return m_missingCharacters; }
-    /// Puts what saving would put in their place, as a step that can be undone.
-    void replaceMissingCharacters();
+    /// What there is to know of it and to do about it.
+    [[nodiscard]] DocumentEncoding &encodingDetails() { return m_encoding; }
+    [[nodiscard]] const DocumentEncoding &encodingDetails() const { return m_encoding; }
+    /// What the file has beside the text.
+    [[nodiscard]] const DocumentForm &form() const { return m_form; }
     [[nodiscard]] LineEnding lineEnding() const { return m_lineEnding; }
     void setLineEnding(LineEnding lineEnding);
     [[nodiscard]] const Language &language() const { return m_language; }
@@ -172,15 +151,13 @@ public:
     /// Names of the dictionaries that the user chose; none to go by the words of the text.
     QStringList spellingDictionaries;
 
-    /// Called when a file was written, with how, or could not be.
-    using SaveCompletion = std::function<void(const Result<AtomicFile::InPlace> &saved)>;
     /// Called when a file was read, or could not be.
     using ReadCompletion = std::function<void(const Result<void, TextFile::ReadError> &read)>;
 
     /// Writes the text as it is now to `path`, which becomes its file, after trimming and ending the text as the settings want. When that
     /// fails the document is as it was, except for that; so it does when the encoding lacks characters, unless they are to be substituted.
     /// Refused while it waits for its text.
-    void save(const QString &path, const SaveCompletion &completion = {}, const DocumentFile::Manner &manner = {});
+    void save(const QString &path, const SaveQueue::Completion &completion = {}, const DocumentFile::Manner &manner = {});
     /// Takes the file's text, after what is being written; the history goes. Does nothing without a file. When it cannot be read nothing
     /// has changed; when the text is edited or saved meanwhile, nothing comes of it, and nobody is notified.
     void revertToFileOnDisk(const ReadCompletion &completion = {});
@@ -195,11 +172,6 @@ private:
         TextFile::ReadResult contents;
         QString identity;
         bool isReadOnly = false;
-    };
-
-    struct Save {
-        DocumentFile::Snapshot snapshot;
-        std::vector<SaveCompletion> completions;
     };
 
     TextDocument(const DocumentServices &services, const QString &path, const QString &identity,
@@ -224,8 +196,6 @@ private:
     void agreeWithFile(const Rope &text, std::optional<quint64> hash);
     [[nodiscard]] FileReading comparedWith(const TextFile::Contents &contents) const;
     void adopt(const FileReading &reading);
-    void setSuggestedEncoding(const TextFile::Contents &contents);
-    void rememberWritten(const DocumentFile::Snapshot &snapshot);
     void reload(const FileReading &reading);
     [[nodiscard]] Language detectedLanguage() const;
 
@@ -241,22 +211,16 @@ private:
     QString m_path;
     Awaited m_awaited = Awaited::no;
     FileRequests m_requests;
-    std::vector<std::function<void()>> m_whenArrived;
-    /// Those that wait until the one under way is written; its own completions are in `m_underWay`.
-    std::deque<Save> m_saves;
-    std::optional<Save> m_underWay;
-    std::vector<std::function<void(bool)>> m_whenSaved;
+    DocumentArrival m_arrival;
+    SaveQueue m_saves;
     bool m_isDirty = false;
     bool m_isDraft = false;
-    ArrivalFailure m_arrival;
     std::optional<qsizetype> m_endBeforeReload;
     ExternalState m_externalState = ExternalState::none;
     bool m_isLoading = false;
-    TextEncoding m_encoding = TextEncoding::utf8;
-    std::optional<TextEncoding> m_suggestedEncoding;
-    MissingCharacters m_missingCharacters{m_storage, m_services.workers, [this] { postMetadata(); }};
+    DocumentEncoding m_encoding;
     LineEnding m_lineEnding = LineEnding::lf;
-    DocumentForm m_form{m_undoManager};
+    DocumentForm m_form{m_undoManager, m_services.preferences};
     Language m_language;
     std::optional<QString> m_generatedTitle;
     std::unique_ptr<SyntaxHighlighter> m_highlighter;
@@ -265,6 +229,9 @@ private:
     BackgroundTask m_draftLooking;
     QObject m_context;
 };
+
+/// The path with the home folder as "~", or what the text is when it has none.
+[[nodiscard]] QString displayPath(const TextDocument &document);
 
 /// The document's text as it is now, on its way to `path`, in the form that the settings want.
 [[nodiscard]] DocumentFile::Snapshot snapshotOf(const TextDocument &document, const QString &path);

@@ -118,15 +118,15 @@ void ClosedTabs::note(const std::shared_ptr<TextDocument> &document, const Close
     const bool hasText = document->hasUnsavedText() && length <= m_largestSize;
     const DraftNames drafts = hasText ? DraftNames{{document->id(), DraftFile::nameFor(document->id())}} : DraftNames();
     Tab tab{entryOf(*document, drafts), place};
-    if (document->isWaiting() || length > m_largestSize) {
+    if (document->arrival().isPending() || length > m_largestSize) {
         if (document->isUntitled()) {
             return;
         }
     } else {
         tab.size = length + document->undoManager().units();
         tab.text = hasText ? std::optional(document->storage().text()) : std::nullopt;
-        tab.document = document->isSaving() ? nullptr : document;
-        document->stopFollowingFile();
+        tab.document = document->saves().isActive() ? nullptr : document;
+        document->setFollowingFile(false);
     }
     // One that was opened again and closed once more.
     std::erase_if(m_tabs, [&](const Tab &other) { return other.entry.id == tab.entry.id; });

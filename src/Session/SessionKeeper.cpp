@@ -46,9 +46,9 @@ void SessionKeeper::follow(TextDocument &document)
     // The document itself has heard of it then.
     QObject::connect(&document.storage(), &TextStorage::didProcessEditing, &m_context, [this, &document](const TextChange &change) {
         m_store.noteEdit(document, change, m_wasDirty ? SessionStore::Before::dirty : SessionStore::Before::saved);
-        if (document.isSaving()) {
+        if (document.saves().isActive()) {
             // What the edits build on goes with the old content of the file.
-            document.whenSaved([this, &document](bool /*isWritten*/) { m_store.writeDraft(document); });
+            document.saves().whenOver([this, &document](bool /*isWritten*/) { m_store.writeDraft(document); });
         }
         if (!m_flush.isPending()) {
             m_flush = m_scheduler.after(flushInterval, [this] { m_store.flushEdits(); });
@@ -131,8 +131,8 @@ void SessionKeeper::saveToFiles()
     for (const auto &document : std::vector(m_documents.documents())) {
         const bool hasQuietFile = !document->isUntitled() && document->externalState() == TextDocument::ExternalState::none;
         // What becomes of characters that the encoding lacks is for the user to say, in a save that was asked for.
-        const bool isComplete = document->missingCharacters().count() == 0;
-        if (document->hasUnsavedEdits() && hasQuietFile && isComplete && !document->isSaving()) {
+        const bool isComplete = document->encodingDetails().missing().count() == 0;
+        if (document->hasUnsavedEdits() && hasQuietFile && isComplete && !document->saves().isActive()) {
             // One that fails or takes its time leaves the text dirty, and so it gets a draft.
             document->save(document->path());
         }

@@ -172,7 +172,8 @@ private:
         const qsizetype length = document->storage().length();
         const TextRange selection = entry.selection;
         const bool isRange = selection.location >= 0 && selection.length >= 0;
-        if (isRange && (document->isWaiting() || (selection.location <= length && selection.length <= length - selection.location))) {
+        if (isRange &&
+            (document->arrival().isPending() || (selection.location <= length && selection.length <= length - selection.location))) {
             document->lastSelectedRange = selection;
         }
         document->lastScrollOffset = std::max(0.0, entry.scrollOffset);
@@ -199,7 +200,7 @@ private:
             document =
                 TextDocument::awaiting(m_documents.services(), source.path, empty.encoding, empty.lineEnding, unusedId(source.entry.id),
                                        wasTypedBeforeItsFile(source.entry.id) ? MissingFile::isMade : MissingFile::isError);
-            document->whenArrived(
+            document->arrival().whenOver(
                 [&store = m_store, &documents = m_documents, later = m_later, arrived = document.get(), id = source.entry.id] {
                     editArrived(store, *arrived, id);
                     if (later->isNow) {
@@ -300,7 +301,7 @@ private:
     /// A step that can be undone, as it was.
     static void editArrived(SessionStore &store, TextDocument &document, const QUuid &id)
     {
-        const auto &[error, twin] = document.arrivalFailure();
+        const auto &[error, twin] = document.arrival().failure();
         if (error && error->found != PathKind::missing) {
             return; // it may be readable again at the next start
         }
@@ -340,14 +341,14 @@ private:
     {
         if (made.document) {
             std::ignore = made.document->requests().waitUntil(FileRequests::Kind::arrival, deadline);
-            if (made.document->arrivalFailure().error) {
+            if (made.document->arrival().failure().error) {
                 return;
             }
-            if (const auto &twin = made.document->arrivalFailure().twin) {
+            if (const auto &twin = made.document->arrival().failure().twin) {
                 m_restored.push_back({made.idInSnapshot, twin});
                 return;
             }
-            if (made.isForEdits && !made.document->isWaiting() && !made.document->hasUnsavedText()) {
+            if (made.isForEdits && !made.document->arrival().isPending() && !made.document->hasUnsavedText()) {
                 m_store.discardEdits(made.document->id());
                 return;
             }

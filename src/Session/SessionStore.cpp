@@ -405,7 +405,7 @@ void SessionStore::adoptSetAside(const TextDocument &document, const SetAside &s
 
 void SessionStore::noteEdit(const TextDocument &document, const TextChange &change, Before before)
 {
-    if (m_isReplaying || document.isGenerated() || document.isWaiting() || !m_preferences.value(Settings::autosaveDrafts)) {
+    if (m_isReplaying || document.isGenerated() || document.arrival().isPending() || !m_preferences.value(Settings::autosaveDrafts)) {
         return;
     }
     const QUuid &id = document.id();
@@ -430,7 +430,7 @@ void SessionStore::noteEdit(const TextDocument &document, const TextChange &chan
         }
         std::ignore = beginJournal(document, change.before, revision - 1);
         journal = m_journals.find(id);
-    } else if (document.isSaving() && !journal->second.isOfSave) {
+    } else if (document.saves().isActive() && !journal->second.isOfSave) {
         // What came before may be in the file already.
         std::ignore = beginJournal(document, change.before, revision - 1);
     }
@@ -447,7 +447,7 @@ void SessionStore::noteEdit(const TextDocument &document, const TextChange &chan
 /// What is appended to it from now on changes `base`.
 quint64 SessionStore::beginJournal(const TextDocument &document, const Rope &base, quint64 revision)
 {
-    m_journals[document.id()] = {.revision = revision, .isOfSave = document.isSaving()};
+    m_journals[document.id()] = {.revision = revision, .isOfSave = document.saves().isActive()};
     return m_journal->begin(document.id(), entryOf(document, {}), base);
 }
 

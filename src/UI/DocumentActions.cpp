@@ -234,9 +234,9 @@ void DocumentActions::saveDocumentAs()
 
 void DocumentActions::save(TextDocument &document, const Completion &completion)
 {
-    if (document.isUntitled() && document.isSaving()) {
+    if (document.isUntitled() && document.saves().isActive()) {
         // It is getting its file.
-        document.whenSaved([self = QPointer(this), &document, completion](bool isWritten) {
+        document.saves().whenOver([self = QPointer(this), &document, completion](bool isWritten) {
             if (self && isWritten) {
                 self->save(document, completion);
             } else if (self) {
@@ -293,7 +293,7 @@ void DocumentActions::handleSaveError(const Error &error, const DocumentFile::Ma
                                       if (answer == MissingCharactersAnswer::saveInUtf8) {
                                           document->setEncoding(TextEncoding::utf8);
                                       } else {
-                                          document->replaceMissingCharacters();
+                                          document->encodingDetails().replaceMissing();
                                       }
                                       attempt(manner);
                                   });
@@ -331,7 +331,7 @@ void DocumentActions::askAboutMissingCharacters(TextDocument &document, std::fun
 {
     constexpr size_t mostNamed = 3;
     const QString encoding = displayName(document.encoding());
-    const CharacterSet *characters = document.missingCharacters().characters();
+    const CharacterSet *characters = document.encodingDetails().missing().characters();
     const Rope &text = document.storage().text();
     const qsizetype count = characters ? characters->countMissing(text, {0, text.length()}) : 0;
     QStringList named;
@@ -617,7 +617,7 @@ void DocumentActions::revertWithoutAsking()
 
 void DocumentActions::makeBackup()
 {
-    if (!hasFile() || currentDocument()->isWaiting()) {
+    if (!hasFile() || currentDocument()->arrival().isPending()) {
         beep();
         return;
     }
@@ -699,7 +699,7 @@ void DocumentActions::moveDocumentToTrash()
 void DocumentActions::trash(TextDocument &document)
 {
     // What is being written would be there again.
-    document.whenSaved([self = QPointer(this), &document](bool /*isWritten*/) {
+    document.saves().whenOver([self = QPointer(this), &document](bool /*isWritten*/) {
         if (!self) {
             return;
         }

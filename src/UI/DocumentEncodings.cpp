@@ -16,7 +16,7 @@
 
 bool DocumentActions::canReopen() const
 {
-    return hasFile() && !currentDocument()->isWaiting() && !currentDocument()->file().isNew();
+    return hasFile() && !currentDocument()->arrival().isPending() && !currentDocument()->file().isNew();
 }
 
 /// The file's bytes are looked at by a worker.

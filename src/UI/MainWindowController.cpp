@@ -198,7 +198,7 @@ void MainWindowController::closeEvent(QCloseEvent *event)
 {
     const PaneLayout::Documents dirty = unsavedDocuments();
     PaneLayout::Documents saving = m_workspace->paneLayout().documents();
-    std::erase_if(saving, [](const auto &document) { return !document->isSaving(); });
+    std::erase_if(saving, [](const auto &document) { return !document->saves().isActive(); });
     if (m_closing < Closing::allowed && !saving.empty()) {
         event->ignore();
         comeToFront();

@@ -102,12 +102,12 @@ void MissingCharactersPanel::showFor(EditorViewController &editor)
 void MissingCharactersPanel::update()
 {
     m_updating.cancel();
-    if (!m_editor || (isVisible() && !m_editor->document().missingCharacters().characters())) {
+    if (!m_editor || (isVisible() && !m_editor->document().encodingDetails().missing().characters())) {
         reject();
         return;
     }
     const TextDocument &document = m_editor->document();
-    const CharacterSet *characters = document.missingCharacters().characters();
+    const CharacterSet *characters = document.encodingDetails().missing().characters();
     const auto found =
         characters ? missingCharactersOf(document.storage().text(), *characters, mostListed) : std::vector<MissingCharacter>();
     const QScopedValueRollback updating(m_isUpdating, true);
@@ -126,7 +126,7 @@ void MissingCharactersPanel::update()
         m_list->resizeColumnToContents(column);
     }
     m_list->setCurrentItem(m_list->topLevelItem(std::clamp(current, 0, std::max(m_list->topLevelItemCount() - 1, 0))));
-    const qsizetype count = document.missingCharacters().count().value_or(qsizetype(found.size()));
+    const qsizetype count = document.encodingDetails().missing().count().value_or(qsizetype(found.size()));
     m_summary->setText(
         formatted(localized(qsizetype(found.size()) < count ? u"“%@” has %d characters that %@ does not have. These are the first ones."
                                                             : u"“%@” has %d characters that %@ does not have."),

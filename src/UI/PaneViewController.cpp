@@ -113,13 +113,14 @@ void PaneViewController::refreshTabs()
     std::vector<TabDescriptor> tabs;
     for (const auto &document : documents()) {
         const auto detail = m_tabDetails.find(document.get());
-        tabs.push_back({.title = document->displayName(),
-                        .tooltip = document->displayPath(),
-                        .detail = detail == m_tabDetails.end() ? QString() : detail->second,
-                        .activity = activityOf(*document),
-                        .isReadOnly = document->file().isReadOnly(),
-                        .isDirty = document->isDirty() || document->hasUnsavedText(),
-                        .hasExternalChange = !document->isWaiting() && document->externalState() != TextDocument::ExternalState::none});
+        tabs.push_back(
+            {.title = document->displayName(),
+             .tooltip = displayPath(*document),
+             .detail = detail == m_tabDetails.end() ? QString() : detail->second,
+             .activity = activityOf(*document),
+             .isReadOnly = document->file().isReadOnly(),
+             .isDirty = document->isDirty() || document->hasUnsavedText(),
+             .hasExternalChange = !document->arrival().isPending() && document->externalState() != TextDocument::ExternalState::none});
     }
     if (m_currentEditor) {
         updateName(*m_currentEditor);

@@ -8,7 +8,7 @@
 void PendingWrites::await(const Documents &documents, QWidget *window, Then then)
 {
     Documents slow;
-    std::ranges::copy_if(documents, std::back_inserter(slow), [](const auto &document) { return document->isSaving(); });
+    std::ranges::copy_if(documents, std::back_inserter(slow), [](const auto &document) { return document->saves().isActive(); });
     const auto earlier = std::exchange(m_state->wait, nullptr);
     const bool isImpatient = earlier != nullptr;
     if (earlier) {
@@ -20,7 +20,7 @@ void PendingWrites::await(const Documents &documents, QWidget *window, Then then
     }
     const auto wait = m_state->wait = std::make_shared<Wait>(Wait{.then = std::move(then), .left = slow.size()});
     for (const auto &document : slow) {
-        document->whenSaved([state = std::weak_ptr(m_state), wait](bool isWritten) {
+        document->saves().whenOver([state = std::weak_ptr(m_state), wait](bool isWritten) {
             const auto alive = state.lock();
             if (!alive || alive->wait != wait) {
                 return;

@@ -98,7 +98,7 @@ const ActionRow *PrintActions::actionFor(const Action &wanted) const
 bool PrintActions::hasText() const
 {
     EditorViewController *editor = m_editor();
-    return editor && !editor->document().isWaiting();
+    return editor && !editor->document().arrival().isPending();
 }
 
 /// There has to be a text.

@@ -124,7 +124,7 @@ void WorkspaceViewController::goToLine()
 bool WorkspaceViewController::hasMissingCharacters() const
 {
     const TextDocument *document = currentDocument();
-    return document && document->missingCharacters().count() != 0;
+    return document && document->encodingDetails().missing().count() != 0;
 }
 
 void WorkspaceViewController::listMissingCharacters()

@@ -363,11 +363,11 @@ void WorkspaceViewController::rememberPlaces()
 void WorkspaceViewController::dropDocumentsThatCannotBeRead()
 {
     for (const auto &document : m_layout.documents()) {
-        if (const auto twin = document->arrivalFailure().twin) {
+        if (const auto twin = document->arrival().failure().twin) {
             const bool isInFront = m_layout.current() == document;
             setPaneLayout(isInFront ? m_layout.showing({twin}) : m_layout.appending({twin}));
         }
-        if (document->arrivalFailure().twin || document->arrivalFailure().error) {
+        if (document->arrival().failure().twin || document->arrival().failure().error) {
             m_services.documents.remove(*document);
         }
     }
@@ -411,7 +411,7 @@ PaneLayout::Documents WorkspaceViewController::openWithin(std::chrono::milliseco
             m_statusBar->flash(formatted(localized(u"The unsaved changes of “%@” are back"), opened->document->displayName()),
                                broughtBackFlash);
         }
-        if (opened->isNew && opened->document->isWaiting()) {
+        if (opened->isNew && opened->document->arrival().isPending()) {
             reportWhenArrived(*opened->document);
         } else if (opened->isNew) {
             read.push_back(opened->document);
@@ -432,9 +432,9 @@ PaneLayout::Documents WorkspaceViewController::openWithin(std::chrono::milliseco
 
 void WorkspaceViewController::reportWhenArrived(TextDocument &document)
 {
-    document.whenArrived([workspace = QPointer(this), &document] {
-        if (workspace && document.arrivalFailure().error) {
-            workspace->presentError(*document.arrivalFailure().error);
+    document.arrival().whenOver([workspace = QPointer(this), &document] {
+        if (workspace && document.arrival().failure().error) {
+            workspace->presentError(*document.arrival().failure().error);
         } else if (workspace) {
             workspace->noteOpened({document.shared_from_this()});
         }
@@ -659,7 +659,7 @@ void WorkspaceViewController::updateStatusBar()
     const LineNumber lastLine = LineIndex::lineNumber(selected.end(), text);
     const Indentation indentation = editor->textView().indentation();
     m_statusBar->setState(StatusBarView::State{
-        .path = document.displayPath(),
+        .path = displayPath(document),
         .isReadOnly = document.file().isReadOnly(),
         .line = line,
         .column = selected.location - LineIndex::startOfLine(line, text) + 1,
@@ -667,11 +667,11 @@ void WorkspaceViewController::updateStatusBar()
         .selectedLineCount = selected.isEmpty() ? 0 : lineOfNumber(lastLine) - lineOfNumber(line) + 1,
         .language = document.language(),
         .encoding = document.encoding(),
-        .isNamedEncoding = document.rememberedEncoding() == document.encoding(),
-        .hasByteOrderMark = document.form().hasByteOrderMark,
-        .missingCharacters = document.missingCharacters().count().value_or(0),
+        .isNamedEncoding = document.encodingDetails().remembered() == document.encoding(),
+        .hasByteOrderMark = document.form().value().hasByteOrderMark,
+        .missingCharacters = document.encodingDetails().missing().count().value_or(0),
         .lineEnding = document.lineEnding(),
-        .lineEndingCounts = document.form().lineEndings.counts(),
+        .lineEndingCounts = document.form().value().lineEndings.counts(),
         .indentWidth = indentation.width,
         .usesSpaces = indentation.unit == Indentation::Unit::spaces,
         .vim = vimStateOf(*editor),

@@ -162,13 +162,13 @@ TEST_F(FileFormTest, NormalFormIsWrittenUnlessTheFormIsToBeKept)
     const QByteArray content = "\xEF\xBB\xBF"
                                "a\r\nb\nc\r\n";
     const auto document = open(content);
-    EXPECT_TRUE(document->form().hasByteOrderMark);
-    EXPECT_TRUE(document->form().lineEndings.isMixed());
-    EXPECT_EQ(document->form().lineEndings.count(LineEnding::crlf), 2);
-    EXPECT_EQ(document->form().lineEndings.count(LineEnding::lf), 1);
+    EXPECT_TRUE(document->form().value().hasByteOrderMark);
+    EXPECT_TRUE(document->form().value().lineEndings.isMixed());
+    EXPECT_EQ(document->form().value().lineEndings.count(LineEnding::crlf), 2);
+    EXPECT_EQ(document->form().value().lineEndings.count(LineEnding::lf), 1);
     EXPECT_EQ(saved(*document), "a\r\nb\r\nc\r\n");
-    EXPECT_FALSE(document->form().hasByteOrderMark);
-    EXPECT_FALSE(document->form().lineEndings.isMixed());
+    EXPECT_FALSE(document->form().value().hasByteOrderMark);
+    EXPECT_FALSE(document->form().value().lineEndings.isMixed());
     preferences.set(Settings::keepFileForm, true);
     const auto kept = open(content);
     kept->setLineEnding(LineEnding::crlf);

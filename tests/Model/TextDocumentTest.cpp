@@ -463,8 +463,8 @@ TEST_F(DocumentTest, WhatIsSavedIsTheTextOfThatMoment)
     type(document, u"c"_s);
     save(u"third"_s);
     type(document, u"d"_s);
-    document.whenSaved([&](bool isWritten) { answers << (isWritten ? u"all"_s : u"not all"_s); });
-    EXPECT_TRUE(document.isSaving());
+    document.saves().whenOver([&](bool isWritten) { answers << (isWritten ? u"all"_s : u"not all"_s); });
+    EXPECT_TRUE(document.saves().isActive());
     scheduler.advance(FileRequests::slowAfter);
     EXPECT_EQ(document.requests().activity(), FileRequests::Activity::saving);
 
@@ -472,12 +472,12 @@ TEST_F(DocumentTest, WhatIsSavedIsTheTextOfThatMoment)
     QCoreApplication::processEvents();
     EXPECT_EQ(read(file), "atext\n");
     EXPECT_EQ(answers, QStringList{u"first"_s});
-    EXPECT_TRUE(document.isDirty() && document.isSaving() && discarded.isEmpty());
+    EXPECT_TRUE(document.isDirty() && document.saves().isActive() && discarded.isEmpty());
     workers.finish();
     QCoreApplication::processEvents();
     EXPECT_EQ(read(file), "cbatext\n") << "what was overtaken is not written";
     EXPECT_EQ(answers, (QStringList{u"first"_s, u"second"_s, u"third"_s, u"all"_s}));
-    EXPECT_FALSE(document.isSaving());
+    EXPECT_FALSE(document.saves().isActive());
     EXPECT_EQ(document.requests().activity(), FileRequests::Activity::none);
     EXPECT_TRUE(document.isDirty());
     document.storage().apply({{0, 1}, QStringView()});
@@ -497,7 +497,7 @@ TEST_F(DocumentTest, AWriteThatFailsForgetsNothing)
     files.before = [](const char *call) { return std::strcmp(call, "fsync") == 0 ? EIO : 0; };
     bool isWritten = true;
     document.save(file);
-    document.whenSaved([&isWritten](bool answer) { isWritten = answer; });
+    document.saves().whenOver([&isWritten](bool answer) { isWritten = answer; });
     workers.isHeld = false;
     workers.finish();
     settle();
@@ -550,13 +550,13 @@ TEST_F(DocumentTest, AFileIsOneDocumentWhateverItIsCalledAndWheneverItComes)
     const auto late = store.open({path(u"link"_s), path(u"none"_s)}, 0ms);
     int arrivals = 0;
     for (const auto &each : late) {
-        ASSERT_TRUE(each->isNew && each->document->isWaiting());
-        each->document->whenArrived([&arrivals] { ++arrivals; });
+        ASSERT_TRUE(each->isNew && each->document->arrival().isPending());
+        each->document->arrival().whenOver([&arrivals] { ++arrivals; });
     }
     workers.finish();
     QCoreApplication::processEvents();
-    EXPECT_EQ(late[0]->document->arrivalFailure().twin.get(), &document);
-    EXPECT_TRUE(late[1]->document->arrivalFailure().error);
+    EXPECT_EQ(late[0]->document->arrival().failure().twin.get(), &document);
+    EXPECT_TRUE(late[1]->document->arrival().failure().error);
     EXPECT_EQ(failures, 2);
     EXPECT_EQ(arrivals, 2);
 }

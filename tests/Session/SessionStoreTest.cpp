@@ -669,7 +669,7 @@ TEST_F(SessionStoreTest, FilesThatDoNotAnswerAreWaitedForInTheirTabs)
     const auto restored = restoreDocuments({.snapshot = snapshot}, *store, documents, 0ms);
     ASSERT_EQ(restored.size(), 2U);
     TextDocument &text = *restored.front().document;
-    EXPECT_TRUE(text.isWaiting());
+    EXPECT_TRUE(text.arrival().isPending());
     EXPECT_FALSE(text.hasUnsavedText());
     // Nothing may come of the empty text that is there meanwhile.
     text.setLineEnding(LineEnding::cr);
@@ -679,14 +679,14 @@ TEST_F(SessionStoreTest, FilesThatDoNotAnswerAreWaitedForInTheirTabs)
 
     workers.finish();
     QCoreApplication::processEvents();
-    EXPECT_FALSE(text.isWaiting());
+    EXPECT_FALSE(text.arrival().isPending());
     EXPECT_EQ(text.storage().string(), u"first\nsecond\n"_s);
     EXPECT_EQ(text.lineEnding(), LineEnding::crlf);
     EXPECT_FALSE(text.isDirty() || text.hasUnsavedText() || text.undoManager().canUndo());
     EXPECT_EQ(text.lastSelectedRange, (TextRange{7, 3}));
     EXPECT_EQ(documents.documentAt(file).get(), &text);
     EXPECT_EQ(failures, 1);
-    EXPECT_TRUE(restored.back().document->arrivalFailure().error);
+    EXPECT_TRUE(restored.back().document->arrival().failure().error);
     settle();
     workers.isHeld = false;
     EXPECT_TRUE(saved(text, file));

@@ -296,7 +296,7 @@ TEST_F(SessionTest, ATabWhoseFileDoesNotComeSaysSo)
     run->scheduler.advance(3s);
     EXPECT_EQ(workspace.currentDocument()->lastSelectedRange, (TextRange{8, 0}));
     run->send(Actions::selectTab2);
-    EXPECT_TRUE(workspace.currentDocument()->isWaiting());
+    EXPECT_TRUE(workspace.currentDocument()->arrival().isPending());
     run->send(Actions::closeTab);
     EXPECT_EQ(run->tabs().size(), 2);
     run->send(Actions::selectTab1);

@@ -54,7 +54,7 @@ public:
             REQUIRE(selection.location >= 0 && selection.length >= 0 && selection.length <= document->storage().length());
             REQUIRE(selection.location <= document->storage().length() - selection.length);
             REQUIRE(std::isfinite(document->lastScrollOffset) && document->lastScrollOffset >= 0);
-            REQUIRE(!document->isWaiting() && ids.insert(document->id()).second);
+            REQUIRE(!document->arrival().isPending() && ids.insert(document->id()).second);
             isDraftBack |= document->storage().string() == draftText;
         }
         REQUIRE(isDraftBack == m_hasDraft);
