@@ -40,6 +40,19 @@ bool isForbidden(int error)
     return error == EACCES || error == EPERM || error == EROFS;
 }
 
+/// What the file has beside its text, for `draft`, which was made of it. None when it cannot be read.
+std::optional<FileForm> formOf(const QString &path, std::optional<TextEncoding> remembered, const Rope &draft, FileCalls &files)
+{
+    const auto contents = TextFile::readRemembered(path, remembered, files);
+    if (!contents) {
+        return std::nullopt;
+    }
+    FileForm form = contents->form;
+    const TextEdits edits = TextEdits::difference(contents->text, draft);
+    form.lineEndings.apply({edits, contents->text, draft}, contents->lineEnding);
+    return form;
+}
+
 } // namespace
 
 TextDocument::TextDocument(const DocumentServices &services, const QString &path, const std::optional<TextFile::Contents> &contents,
@@ -122,16 +135,21 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
             bool exists = false;
             bool isChanged = false;
             bool isReadOnly = false;
+            /// Of the draft.
+            std::optional<FileForm> form = std::nullopt;
         };
+        const bool keepsForm = services.preferences.value(Settings::keepFileForm);
         document->m_draftLooking = BackgroundTask::start(
             services.workers,
-            [path, keptAt, state = contents.state, &files = services.files](const std::stop_token &) {
+            [path, keptAt, keepsForm, draft = contents.text, remembered = document->m_encoding.remembered(), state = contents.state,
+             &files = services.files](const std::stop_token &) {
                 const bool exists = isThere(path);
                 const bool isChanged =
                     state ? !DocumentFile::isStill(path, *state, files) : keptAt && DocumentFile::hasChangedSince(path, *keptAt, files);
-                return Found{DocumentFile::identityOf(path), exists, exists && isChanged, TextFile::isReadOnly(path, files)};
+                return Found{DocumentFile::identityOf(path), exists, exists && isChanged, TextFile::isReadOnly(path, files),
+                             exists && !isChanged && keepsForm ? formOf(path, remembered, draft, files) : std::nullopt};
             },
-            [self = document.get(), path, missingFile](const Found &found) {
+            [self = document.get(), path, missingFile, draft = contents.text](const Found &found) {
                 if (self->m_path != path) {
                     return;
                 }
@@ -143,10 +161,21 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
                     self->takeDeleted();
                 } else if (found.isChanged) {
                     self->m_follower.read();
+                } else if (found.form) {
+                    self->takeForm(*found.form, draft);
                 }
             });
     }
     return document;
+}
+
+/// The form is that of `text`, which may have been edited since.
+void TextDocument::takeForm(FileForm form, const Rope &text)
+{
+    const TextEdits edits = TextEdits::difference(text, m_storage.text());
+    form.lineEndings.apply({edits, text, m_storage.text()}, m_lineEnding);
+    m_form.set(form);
+    postMetadata();
 }
 
 std::unique_ptr<TextDocument> TextDocument::awaiting(const DocumentServices &services, const QString &path, TextEncoding encoding,

@@ -179,6 +179,7 @@ private:
 
     void arrive(const Arrival &arrival, MissingFile missingFile);
     void takeArrived(const TextFile::Contents &contents);
+    void takeForm(FileForm form, const Rope &text);
     /// Plain text for a text with a line of megabytes.
     [[nodiscard]] const Language &colouredLanguage() const;
     void noteEdit();

@@ -195,4 +195,17 @@ TEST_F(FileFormTest, LinesThatAreAddedToAFileKeepTheirOwnEndings)
     EXPECT_EQ(saved(*document), 'L' + content.sliced(1) + "\nmore\n");
 }
 
+TEST_F(FileFormTest, UnsavedTextOfAnEarlierProgramKeepsTheForm)
+{
+    preferences.set(Settings::keepFileForm, true);
+    const QString path = put(u"a.txt"_s, "\xEF\xBB\xBF"
+                                         "a\r\nb\nc\r\n");
+    const TextFile::Contents draft{.text = Rope(u"a\nb\nx\nc\n"), .lineEnding = LineEnding::crlf, .state = TextFile::read(path)->state};
+    const auto document = TextDocument::fromDraft(services, path, draft, QUuid::createUuid());
+    document->storage().apply({{0, 0}, QStringView(u"\n")}); // before anybody has looked at the file
+    settle();
+    EXPECT_EQ(saved(*document), "\xEF\xBB\xBF"
+                                "\r\na\r\nb\nx\r\nc\r\n");
+}
+
 } // namespace
