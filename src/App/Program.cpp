@@ -32,6 +32,8 @@
 #include "Vim/VimRegisters.h"
 #include "Widgets/DesktopPalette.h"
 #include "Widgets/ForeignChords.h"
+#include "Widgets/InterfaceStyle.h"
+#include "Widgets/KeyboardAccess.h"
 #include "Widgets/SymbolIcon.h"
 #include "Widgets/WidgetAlertPresenter.h"
 
@@ -54,6 +56,7 @@ void setUp()
     QApplication::setApplicationName(u"Quillet"_s);
     QApplication::setApplicationDisplayName(u"Quillet"_s);
     QApplication::setDesktopFileName(u"org.quillet.Quillet"_s);
+    QApplication::setStyle(new InterfaceStyle);
     QApplication::setWindowIcon(applicationIcon());
     QApplication::setQuitOnLastWindowClosed(false);
 }
@@ -155,6 +158,7 @@ struct Program::Parts {
     ForeignKeyboard keyboard;
     KeyboardLayout layout;
     ForeignChords foreignChords{keyboard};
+    KeyboardAccess keyboardAccess;
     EventLoopScheduler scheduler;
     NotificationCenter notifications;
     DefaultsStore defaults{DefaultsStore::standardPath(), scheduler};

@@ -11,6 +11,7 @@
 #include "UI/ToolbarCatalogue.h"
 #include "UI/ToolbarStrip.h"
 #include "View/FirstResponder.h"
+#include "Widgets/InterfaceStyle.h"
 #include "Widgets/SymbolIcon.h"
 
 #include <QApplication>
@@ -77,7 +78,7 @@ void setStyle(QMenuBar &menuBar, QStyle *style)
 /// those that have no room is made as wide as its symbol.
 class TitleStyle final : public QProxyStyle {
 public:
-    TitleStyle(int height, QObject *owner) : QProxyStyle(QApplication::style()->name()), m_height(height) { setParent(owner); }
+    TitleStyle(int height, QObject *owner) : QProxyStyle(InterfaceStyle::baseName()), m_height(height) { setParent(owner); }
 
     [[nodiscard]] QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &contents,
                                          const QWidget *widget) const override

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Widgets/Mnemonics.h"
 
+#include <QKeySequence>
+#include <QMenu>
 #include <QSet>
 
 using namespace Qt::StringLiterals;
@@ -24,7 +26,20 @@ QStringList withMnemonics(const QStringList &titles, QString &taken)
             }
         }
     };
+    markAll([](const QString &, qsizetype place) { return place == 0; });
     markAll([](const QString &title, qsizetype place) { return place == 0 || title[place - 1].isSpace(); });
     markAll([](const QString &, qsizetype) { return true; });
     return marked;
+}
+
+QString withMnemonic(const QString &title, const QMenu &menu)
+{
+    QString taken;
+    for (const QAction *item : menu.actions()) {
+        const QKeySequence keys = QKeySequence::mnemonic(item->text());
+        if (!keys.isEmpty()) {
+            taken += QKeySequence(keys[0].key()).toString().toLower();
+        }
+    }
+    return withMnemonics({title}, taken).first();
 }
