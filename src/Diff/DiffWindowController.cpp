@@ -4,6 +4,7 @@
 
 #include "Commands/Actions.h"
 #include "Widgets/AccessibleRole.h"
+#include "Widgets/WindowSize.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
@@ -15,9 +16,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize startSize(1180, 720);
-constexpr QSize leastSize(700, 320);
-/// Logical pixels, enough for the frame of any window manager, which is not known before the window is shown.
-constexpr QSize frameRoom(16, 48);
+constexpr QSize leastSize(560, 280);
 
 } // namespace
 
@@ -32,8 +31,7 @@ DiffWindowController::DiffWindowController(const EditorServices &services, Side 
     layout->setContentsMargins({});
     layout->addWidget(m_content);
     setMinimumSize(leastSize);
-    const QScreen *shown = screen();
-    resize(startSize.boundedTo(shown ? shown->availableSize() - frameRoom : startSize).expandedTo(leastSize));
+    resize(sizeOnScreen(*this, startSize).expandedTo(leastSize));
 }
 
 void DiffWindowController::comeToFront()

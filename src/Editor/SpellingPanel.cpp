@@ -9,6 +9,7 @@
 #include "Widgets/AccessibleRole.h"
 #include "Widgets/DialogGrid.h"
 #include "Widgets/Mnemonics.h"
+#include "Widgets/WindowSize.h"
 
 #include <QAccessible>
 #include <QGridLayout>
@@ -90,7 +91,7 @@ void SpellingPanel::makeWindow()
     connectControls();
     retranslate();
     showCorrection(Typed::replace);
-    m_window->resize(startSize);
+    m_window->resize(sizeOnScreen(*m_window, startSize));
 }
 
 void SpellingPanel::connectControls()

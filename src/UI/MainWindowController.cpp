@@ -11,6 +11,7 @@
 #include "UI/EditorToolbarController.h"
 #include "UI/WindowAccessible.h"
 #include "Widgets/AlertPresenter.h"
+#include "Widgets/WindowSize.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -26,8 +27,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize startSize(1040, 700);
-/// Logical pixels, enough for the frame of any window manager, which is not known before the window is shown.
-constexpr QSize frameRoom(16, 48);
 constexpr QSize leastSize(480, 300);
 constexpr auto frameKey = "window.frame.QuilletMainWindow"_L1;
 
@@ -119,8 +118,7 @@ void MainWindowController::restoreFrame()
     if (sides.size() == 2 && sides[0].toInt() > 0 && sides[1].toInt() > 0) {
         size = {sides[0].toInt(), sides[1].toInt()};
     }
-    const QScreen *shown = screen();
-    resize(size.boundedTo(shown ? shown->availableSize() - frameRoom : size).expandedTo(leastSize));
+    resize(sizeOnScreen(*this, size).expandedTo(leastSize));
 }
 
 void MainWindowController::performZoom()

@@ -8,6 +8,8 @@
 #include "Model/TextDocument.h"
 #include "Text/CharacterName.h"
 #include "Text/LineIndex.h"
+#include "Widgets/Mnemonics.h"
+#include "Widgets/WindowSize.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -59,13 +61,15 @@ MissingCharactersPanel::MissingCharactersPanel(Scheduler &scheduler, Notificatio
     m_list->setUniformRowHeights(true);
     m_list->setAllColumnsShowFocus(true);
     auto *buttons = new QDialogButtonBox(this);
-    QPushButton *show = buttons->addButton(localized(u"Go to Text"), QDialogButtonBox::ActionRole);
-    buttons->addButton(localized(u"Close"), QDialogButtonBox::RejectRole);
+    QString taken;
+    const QStringList titles = withMnemonics({localized(u"Go to Text"), localized(u"Close")}, taken);
+    QPushButton *show = buttons->addButton(titles[0], QDialogButtonBox::ActionRole);
+    buttons->addButton(titles[1], QDialogButtonBox::RejectRole);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_summary);
     layout->addWidget(m_list, 1);
     layout->addWidget(buttons);
-    resize(startSize);
+    resize(sizeOnScreen(*this, startSize));
     show->setDefault(true);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(show, &QPushButton::clicked, this, &MissingCharactersPanel::goToText);

@@ -6,6 +6,7 @@
 #include "Settings/Preferences.h"
 #include "Widgets/Mnemonics.h"
 #include "Widgets/SymbolIcon.h"
+#include "Widgets/WindowSize.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -23,7 +24,6 @@ namespace {
 
 // Logical pixels.
 constexpr QSize startSize(980, 760);
-constexpr QSize frameRoom(16, 64);
 constexpr double pointsPerInch = 72;
 
 struct ZoomRow {
@@ -62,8 +62,7 @@ PrintPreview::PrintPreview(Preferences &preferences, NotificationCenter &notific
     connect(m_number, &QSpinBox::valueChanged, this, &PrintPreview::show);
     m_observer = notifications.observe(Preferences::didChange, nullptr, [this] { rebuild(); });
     rebuild();
-    const QScreen *shown = screen();
-    resize(startSize.boundedTo(shown ? shown->availableSize() - frameRoom : startSize));
+    resize(sizeOnScreen(*this, startSize));
     m_view->setFocus();
 }
 

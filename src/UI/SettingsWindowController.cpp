@@ -12,6 +12,7 @@
 #include "UI/ToolbarSettingsView.h"
 #include "Widgets/AlertPresenter.h"
 #include "Widgets/Mnemonics.h"
+#include "Widgets/WindowSize.h"
 
 #include <QApplication>
 #include <QDir>
@@ -29,9 +30,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// Logical pixels, enough for the frame of any window manager, which is not known before the window is shown.
-constexpr QSize frameRoom(16, 48);
 
 /// A path as it is shown: from the home folder on, and with places where a line may break.
 QString shownPath(const QString &path)
@@ -109,7 +107,7 @@ void SettingsWindowController::rebuild()
         control->setFocus();
     }
     if (isVisible()) {
-        resize(size().expandedTo(sizeHint()).boundedTo(screen()->availableSize() - frameRoom));
+        resize(sizeOnScreen(*this, size().expandedTo(sizeHint())));
     }
 }
 

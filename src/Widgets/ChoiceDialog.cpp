@@ -3,6 +3,8 @@
 #include "Widgets/ChoiceDialog.h"
 
 #include "Base/Translation.h"
+#include "Widgets/Mnemonics.h"
+#include "Widgets/WindowSize.h"
 
 #include <QDialogButtonBox>
 #include <QHeaderView>
@@ -37,14 +39,16 @@ ChoiceDialog::ChoiceDialog(const ChoicePanel &panel, QWidget *window) : QDialog(
     m_list->resizeColumnToContents(0);
     m_list->setCurrentItem(m_list->topLevelItem(panel.current));
     auto *buttons = new QDialogButtonBox(this);
-    QPushButton *accept = buttons->addButton(panel.prompt, QDialogButtonBox::AcceptRole);
-    buttons->addButton(localized(u"Cancel"), QDialogButtonBox::RejectRole);
+    QString taken;
+    const QStringList titles = withMnemonics({panel.prompt, localized(u"Cancel")}, taken);
+    QPushButton *accept = buttons->addButton(titles[0], QDialogButtonBox::AcceptRole);
+    buttons->addButton(titles[1], QDialogButtonBox::RejectRole);
     accept->setDefault(true);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(message);
     layout->addWidget(m_list, 1);
     layout->addWidget(buttons);
-    resize(startSize);
+    resize(sizeOnScreen(*this, startSize));
     m_list->setFocus();
     connect(buttons, &QDialogButtonBox::accepted, this, &ChoiceDialog::take);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);

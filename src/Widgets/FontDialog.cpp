@@ -6,6 +6,7 @@
 #include "Base/Translation.h"
 #include "Widgets/DialogGrid.h"
 #include "Widgets/Mnemonics.h"
+#include "Widgets/WindowSize.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -55,7 +56,7 @@ FontDialog::FontDialog(const FontPanel &panel, QWidget *window)
     connect(m_families, &QListWidget::currentRowChanged, this, &FontDialog::update);
     connect(m_families, &QListWidget::itemActivated, this, &QDialog::accept);
     connect(m_size, &QDoubleSpinBox::valueChanged, this, &FontDialog::update);
-    resize(startSize.expandedTo(minimumSizeHint()));
+    resize(sizeOnScreen(*this, startSize.expandedTo(minimumSizeHint())));
     m_families->setFocus();
 }
 
