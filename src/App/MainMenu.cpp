@@ -15,6 +15,7 @@
 #include "Widgets/PlainToolTip.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QFileInfo>
 #include <QMainWindow>
 #include <QMenu>
@@ -276,6 +277,8 @@ private:
         item->setCheckable(action.isCheckable);
         if (node.represented.isNull()) {
             setKeys(*item, action);
+        } else if (action.isCheckable) {
+            addChoice(menu, *item);
         }
         QObject::connect(item, &QAction::triggered, &m_responder,
                          [&responder = m_responder, &action, represented = node.represented] { responder.choose(action, represented); });
@@ -288,6 +291,13 @@ private:
         }
         // While the menu is closed nobody looks, and a key that cannot do its work is to be heard rather than swallowed.
         QObject::connect(&menu, &QMenu::aboutToHide, item, [item] { item->setEnabled(true); });
+    }
+
+    /// One of several, of which one holds: marked as such, and taken again it stays.
+    static void addChoice(QMenu &menu, QAction &item)
+    {
+        auto *choices = menu.findChild<QActionGroup *>(QString(), Qt::FindDirectChildrenOnly);
+        (choices ? choices : new QActionGroup(&menu))->addAction(&item);
     }
 
     /// Two items of one window may not have the same keys; the second one only shows them.

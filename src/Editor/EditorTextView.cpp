@@ -6,6 +6,7 @@
 #include "Commands/Actions.h"
 #include "Editor/EditorVim.h"
 #include "Text/TextStorage.h"
+#include "Widgets/Mnemonics.h"
 
 #include <QDropEvent>
 #include <QInputMethodEvent>
@@ -23,7 +24,7 @@ EditorTextView::EditorTextView(TextStorage &storage, UndoManager &undoManager, c
 void EditorTextView::addCommands(QMenu *menu)
 {
     menu->addSeparator();
-    QAction *item = menu->addAction(localized(Actions::toggleComment.title), this, &EditorTextView::toggleComment);
+    QAction *item = menu->addAction(withMnemonic(localized(Actions::toggleComment.title), *menu), this, &EditorTextView::toggleComment);
     item->setEnabled(canToggleComment());
 }
 

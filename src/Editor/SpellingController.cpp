@@ -7,6 +7,7 @@
 #include "Highlighting/SyntaxHighlighter.h"
 #include "Spelling/SpellChecker.h"
 #include "View/TextView.h"
+#include "Widgets/Mnemonics.h"
 
 #include <QMenu>
 #include <QPointer>
@@ -404,7 +405,7 @@ void SpellingController::addCorrections(QMenu &menu, qsizetype offset)
         addLateGuesses(menu, before, *correction);
     }
     const auto add = [&](const QString &title, std::function<void()> reaction) {
-        auto *item = new QAction(title, &menu);
+        auto *item = new QAction(withMnemonic(title, menu), &menu);
         connect(item, &QAction::triggered, this, std::move(reaction));
         menu.insertAction(before, item);
     };

@@ -10,6 +10,7 @@
 #include "Text/TextBoundaries.h"
 #include "Text/TextStorage.h"
 #include "View/TextView.h"
+#include "Widgets/Mnemonics.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -462,12 +463,20 @@ void TextView::contextMenuEvent(QContextMenuEvent *event)
     }
     auto *menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
+    QStringList titles;
+    for (const Action *action : items) {
+        if (action) {
+            titles << localized(action->title);
+        }
+    }
+    QString taken;
+    titles = withMnemonics(titles, taken);
     for (const Action *action : items) {
         if (!action) {
             menu->addSeparator();
             continue;
         }
-        QAction *entry = menu->addAction(localized(action->title), this, [this, action] { perform(*action); });
+        QAction *entry = menu->addAction(titles.takeFirst(), this, [this, action] { perform(*action); });
         entry->setEnabled(state(*action).isEnabled);
     }
     emit contextMenuRequested(menu, offset);

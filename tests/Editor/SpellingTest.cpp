@@ -243,7 +243,7 @@ TEST_F(SpellingTest, OffersCorrectionsInTheContextMenu)
     (void)underlined();
     EXPECT_EQ(titles(0), QStringList(u"Cut"_s));
     EXPECT_EQ(titles(5).first(), u"word");
-    EXPECT_EQ(titles(5).last(5), QStringList({u"-"_s, u"Learn Spelling"_s, u"Ignore Spelling"_s, u"-"_s, u"Cut"_s}));
+    EXPECT_EQ(titles(5).last(5), QStringList({u"-"_s, u"&Learn Spelling"_s, u"&Ignore Spelling"_s, u"-"_s, u"Cut"_s}));
 
     QMenu menu;
     spelling->addCorrections(menu, 5);
