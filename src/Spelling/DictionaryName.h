@@ -2,19 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QLocale>
 #include <QString>
 
-/// What a dictionary is for as those call it who speak it: "American English", "Deutsch"; its own name when that is no language.
-[[nodiscard]] inline QString languageOfDictionary(const QString &dictionary)
-{
-    const QLocale locale(dictionary);
-    return locale.language() == QLocale::C ? dictionary : locale.nativeLanguageName();
-}
+/// What a dictionary is for, in the language of the interface: "German (Austria)"; its own name when that is no language.
+[[nodiscard]] QString languageOfDictionary(const QString &dictionary);
 
-/// The same with its own name behind it, where that is another: "Deutsch (de_DE)".
-[[nodiscard]] inline QString titleOfDictionary(const QString &dictionary)
-{
-    const QString language = languageOfDictionary(dictionary);
-    return language == dictionary ? dictionary : QStringLiteral("%1 (%2)").arg(language, dictionary);
-}
+/// The same with its own name behind it, where that is another: "German (Austria) – de_AT".
+[[nodiscard]] QString titleOfDictionary(const QString &dictionary);

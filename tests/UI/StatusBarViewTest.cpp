@@ -153,12 +153,12 @@ TEST_F(StatusBarViewTest, OffersTheDictionariesOfTheText)
     EXPECT_EQ(texts()[1], u"de_AT, xyz"_s);
     QMenu &menu = menuOf(u"Dictionaries"_s);
     EXPECT_EQ(titlesOf(menu),
-              (QStringList{u"*Automatic"_s, u"Österreichisches Deutsch (de_AT)"_s, u"American English (en_US)"_s, u"xyz"_s}));
+              (QStringList{u"*Automatic"_s, u"German (Austria) – de_AT"_s, u"English (United States) – en_US"_s, u"xyz"_s}));
     menu.actions()[2]->trigger();
     EXPECT_TRUE(titlesOf(menu).contains(u"*Automatic"_s)) << "until somebody says otherwise";
     state.spelling->chosen = {u"en_US"_s};
     bar.setState(state);
-    EXPECT_EQ(titlesOf(menu).filter(u"*"_s), QStringList{u"*American English (en_US)"_s});
+    EXPECT_EQ(titlesOf(menu).filter(u"*"_s), QStringList{u"*English (United States) – en_US"_s});
     for (const int entry : {1, 2, 0}) {
         menu.actions()[entry]->trigger();
     }
