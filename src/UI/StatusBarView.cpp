@@ -115,7 +115,7 @@ void StatusBarView::makeControls()
     m_lock = new QLabel(this);
     m_lock->hide();
     m_pathLabel = new ElidedLabel(Qt::ElideLeft, this);
-    m_flashLabel = new ElidedLabel(Qt::ElideLeft, this);
+    m_flashLabel = new ElidedLabel(Qt::ElideRight, this);
     becomeNotice(*m_flashLabel);
     m_flashLabel->hide();
     m_missingButton = new FlatButton(this);
