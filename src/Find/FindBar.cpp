@@ -143,9 +143,9 @@ void FindBar::makeRows()
     grid->setColumnStretch(0, 1000);
     grid->setColumnStretch(2, 1);
 
-    // From the text that is sought to what replaces it, then the buttons.
+    // From the text that is sought to what replaces it, and from there to the buttons that do so.
     const auto order = std::to_array<QWidget *>(
-        {m_pattern, m_replacement, m_previous, m_next, m_matchCase, m_wholeWords, m_expression, m_replace, m_replaceAll, m_done});
+        {m_pattern, m_replacement, m_replace, m_replaceAll, m_previous, m_next, m_matchCase, m_wholeWords, m_expression, m_done});
     for (size_t i = 0; i < order.size(); ++i) {
         order[i]->installEventFilter(this);
         if (i >= 2) {
