@@ -61,7 +61,9 @@ std::vector<Groups> columnsOf(Groups groups, size_t count)
     }
 }
 
-QWidget *column(Groups groups, QWidget *parent)
+enum class LongLines { whole, wrapped };
+
+QWidget *column(Groups groups, LongLines longLines, QWidget *parent)
 {
     auto *made = new QWidget(parent);
     auto *grid = new QGridLayout(made);
@@ -79,22 +81,25 @@ QWidget *column(Groups groups, QWidget *parent)
         grid->addWidget(title, row, 0, 1, 2);
         for (const Alert::Group::Line &line : group.lines) {
             ++row;
-            grid->addWidget(label(line.text, made), row, 0);
-            grid->addWidget(label(line.detail, made), row, 1, Qt::AlignRight);
+            QLabel *text = label(line.text, made);
+            text->setWordWrap(longLines == LongLines::wrapped);
+            grid->addWidget(text, row, 0);
+            grid->addWidget(label(line.detail, made), row, 1, Qt::AlignRight | Qt::AlignTop);
         }
     }
     grid->setRowStretch(grid->rowCount(), 1);
     return made;
 }
 
-std::unique_ptr<QWidget> content(const std::vector<Groups> &columns)
+std::unique_ptr<QWidget> content(const std::vector<Groups> &columns, LongLines longLines = LongLines::whole)
 {
     auto made = std::make_unique<QWidget>();
     auto *row = new QHBoxLayout(made.get());
-    row->setContentsMargins({});
+    // Apart from the scroll bar.
+    row->setContentsMargins(0, 0, DialogGrid::rowSpacing, 0);
     row->setSpacing(columnSpacing);
     for (const Groups groups : columns) {
-        row->addWidget(column(groups, made.get()), 1);
+        row->addWidget(column(groups, longLines, made.get()), 1);
     }
     return made;
 }
@@ -103,6 +108,9 @@ std::unique_ptr<QWidget> content(const std::vector<Groups> &columns)
 std::unique_ptr<QWidget> content(Groups groups, QSize room)
 {
     std::unique_ptr<QWidget> made = content(columnsOf(groups, 1));
+    if (made->sizeHint().width() > room.width()) {
+        return content(columnsOf(groups, 1), LongLines::wrapped);
+    }
     for (size_t count = 2; count <= mostColumns && made->sizeHint().height() > room.height(); ++count) {
         std::unique_ptr<QWidget> wider = content(columnsOf(groups, count));
         if (wider->sizeHint().width() > room.width()) {
@@ -139,7 +147,8 @@ GroupsDialog::GroupsDialog(const Alert &alert, QWidget *window) : QDialog(window
     lines->setAutoFillBackground(false);
     area->viewport()->setAutoFillBackground(false);
     const QSize wanted = lines->sizeHint();
-    area->setMinimumWidth(wanted.width() + area->verticalScrollBar()->sizeHint().width());
+    area->setMinimumWidth(
+        std::min(wanted.width() + area->verticalScrollBar()->sizeHint().width(), screen()->availableSize().width() - roomAround.width()));
     resize(sizeHint().width(), std::min(wanted.height(), screen()->availableSize().height() - roomAround.height()) + sizeHint().height() -
                                    area->sizeHint().height());
 }
