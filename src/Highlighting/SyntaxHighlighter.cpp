@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <numeric>
 #include <utility>
 
 namespace {
@@ -13,11 +14,6 @@ namespace {
 /// Spans are looked for so many units before the lines at work, and in a window longer than these by twice as many: where the text's
 /// start cuts the window short, it reaches further down instead.
 constexpr qsizetype spanMargin = 0x20000;
-
-bool isSwitchedOff(const RegularExpression &regex)
-{
-    return regex.limitHits() >= SyntaxHighlighter::mostGivenUp;
-}
 
 } // namespace
 
@@ -34,20 +30,62 @@ public:
         text.copy(range, m_units.get());
     }
 
-    /// Calls `visit(group)` for the capture group `group` of every match in `range`, which must be loaded; nothing outside it is seen.
+    enum class Rest { isLeft, isTriedByLine };
+    /// Calls `visit(group)` for the rule's group in every match in `range`, which must be loaded; nothing outside it is seen. `rest` says
+    /// what becomes of what is left when that costs too much.
     template<typename Visitor>
-    void forEachMatch(RegularExpression &regex, TextRange range, int group, Visitor &&visit) const
+    void forEachMatch(Rule &rule, TextRange range, Rest rest, Visitor &&visit) const
     {
-        const TextRange searched{range.location - m_range.location, range.length};
-        regex.forEachMatch(QStringView(m_units.get(), m_range.length), searched, [&](const RegularExpression &match) {
-            if (const auto found = match.group(group); found && !found->isEmpty()) {
-                visit(TextRange{found->location + m_range.location, found->length});
+        const TextRange all{range.location - m_range.location, range.length};
+        qsizetype done = search(rule, all, {}, visit);
+        if (done == all.end()) {
+            return;
+        }
+        if (rest == Rest::isLeft || lineEnd(all.location, all.end()) == all.end()) {
+            ++rule.givenUp;
+            return;
+        }
+        // Lines begin and end here as they do in the text, but look-around sees nothing of the others.
+        constexpr RegularExpression::Bounds line{.areAnchoring = false, .areTransparent = false};
+        bool isGivenUp = false;
+        for (int ticks = 0; done < all.end(); ticks += rule.regex.ticks()) {
+            if (ticks >= mostTicksByLine) {
+                isGivenUp = true;
+                break;
             }
-            return true;
-        });
+            const qsizetype end = lineEnd(done, all.end());
+            isGivenUp |= search(rule, TextRange::between(done, end), line, visit) != end;
+            done = end;
+        }
+        rule.givenUp += isGivenUp ? 1 : 0;
     }
 
 private:
+    [[nodiscard]] QStringView units() const { return {m_units.get(), m_range.length}; }
+
+    /// Like the following one in the excerpt: behind the line break, or `end`.
+    [[nodiscard]] qsizetype lineEnd(qsizetype from, qsizetype end) const
+    {
+        const qsizetype lineBreak = units().indexOf(u'\n', from);
+        return lineBreak < 0 ? end : std::min(lineBreak + 1, end);
+    }
+
+    /// Returns how far it came: the end of `range`, or where the last match before it was given up ends. Positions in the excerpt.
+    template<typename Visitor>
+    qsizetype search(Rule &rule, TextRange range, RegularExpression::Bounds bounds, Visitor &visit) const
+    {
+        qsizetype done = range.location;
+        const int limitHits = rule.regex.limitHits();
+        rule.regex.forEachMatch(units(), range, bounds, [&](const RegularExpression &match) {
+            if (const auto found = match.group(rule.group); found && !found->isEmpty()) {
+                visit(TextRange{found->location + m_range.location, found->length});
+            }
+            done = match.range().end();
+            return true;
+        });
+        return rule.regex.limitHits() == limitHits ? range.end() : done;
+    }
+
     std::unique_ptr<char16_t[]> m_units;
     TextRange m_range;
 };
@@ -296,9 +334,11 @@ void SyntaxHighlighter::refreshSpans(TextRange range, Excerpt &excerpt, std::vec
 
 void SyntaxHighlighter::findSpans(const Excerpt &excerpt)
 {
-    for (SpanRule &rule : m_spanRules) {
-        if (!isSwitchedOff(rule.regex)) {
-            excerpt.forEachMatch(rule.regex, m_spanWindow, 0, [&](TextRange found) { m_spans.push_back({found, rule.scope}); });
+    for (Rule &rule : m_spanRules) {
+        if (!rule.isOff()) {
+            excerpt.forEachMatch(rule, m_spanWindow, Excerpt::Rest::isLeft, [&](TextRange found) {
+                m_spans.push_back({found, rule.scope});
+            });
         }
     }
     // Stable, so that of two that begin together the earlier rule's is the first; it then stays and the other goes.
@@ -361,11 +401,11 @@ void SyntaxHighlighter::paintSpans(Paint &paint) const
 
 void SyntaxHighlighter::paintTokens(Paint &paint, const Excerpt &excerpt)
 {
-    for (TokenRule &rule : m_tokenRules) {
-        if (isSwitchedOff(rule.regex)) {
+    for (Rule &rule : m_tokenRules) {
+        if (rule.isOff()) {
             continue;
         }
-        excerpt.forEachMatch(rule.regex, paint.range(), rule.group, [&](TextRange found) {
+        excerpt.forEachMatch(rule, paint.range(), Excerpt::Rest::isTriedByLine, [&](TextRange found) {
             if (paint.isFree(found)) {
                 paint.claim(found, rule.scope);
             }
@@ -435,18 +475,13 @@ void SyntaxHighlighter::forEachScope(TextRange range, const std::function<void(T
 
 int SyntaxHighlighter::givenUpSearches() const
 {
-    int count = 0;
-    for (const SpanRule &rule : m_spanRules) {
-        count += rule.regex.limitHits();
-    }
-    for (const TokenRule &rule : m_tokenRules) {
-        count += rule.regex.limitHits();
-    }
-    return count;
+    const auto sum = [](const std::vector<Rule> &rules) {
+        return std::accumulate(rules.begin(), rules.end(), 0, [](int count, const Rule &rule) { return count + rule.givenUp; });
+    };
+    return sum(m_spanRules) + sum(m_tokenRules);
 }
 
 int SyntaxHighlighter::rulesSwitchedOff() const
 {
-    return int(std::ranges::count_if(m_spanRules, [](const SpanRule &rule) { return isSwitchedOff(rule.regex); }) +
-               std::ranges::count_if(m_tokenRules, [](const TokenRule &rule) { return isSwitchedOff(rule.regex); }));
+    return int(std::ranges::count_if(m_spanRules, &Rule::isOff) + std::ranges::count_if(m_tokenRules, &Rule::isOff));
 }

@@ -36,6 +36,8 @@ public:
     static constexpr qsizetype chunkSize = 16384;
     /// A rule whose searches were given up so many times, because they cost too much, is not tried again before the next reset.
     static constexpr int mostGivenUp = 3;
+    /// Where that was many lines at once each is tried by itself, and the rule given up when all of them cost more: about 45 ms.
+    static constexpr int mostTicksByLine = 300;
 
     /// Follows the edits of `storage` from now on, but colours nothing before `rehighlightAll`.
     SyntaxHighlighter(TextStorage &storage, const Language &language, const Theme &theme, Scheduler &scheduler,
@@ -77,6 +79,15 @@ private:
         qsizetype knownEnd = 0;
         bool isKnownBefore = false;
     };
+    /// A rule of the language at work in this text.
+    struct Rule {
+        Scope scope;
+        RegularExpression regex;
+        int group = 0;
+        int givenUp = 0;
+
+        [[nodiscard]] bool isOff() const { return givenUp >= mostGivenUp; }
+    };
     class Excerpt;
     class Paint;
 
@@ -89,8 +100,8 @@ private:
     std::vector<StyleId> m_styles; ///< by scope
 
     /// Clones of the language's, made for the first pass.
-    std::vector<SpanRule> m_spanRules;
-    std::vector<TokenRule> m_tokenRules;
+    std::vector<Rule> m_spanRules;
+    std::vector<Rule> m_tokenRules;
     bool m_hasRules = false;
 
     std::vector<Span> m_spans; ///< ascending and apart

@@ -150,7 +150,13 @@ void RegularExpression::begin(QStringView text, TextRange range, Bounds bounds)
     uregex_setText(m_expression, units(text), int32_t(text.size()), &status);
     uregex_useAnchoringBounds(m_expression, bounds.areAnchoring, &status);
     uregex_useTransparentBounds(m_expression, bounds.areTransparent, &status);
-    uregex_setTimeLimit(m_expression, m_limits.ticks + int32_t(range.length / std::max(1, m_limits.unitsPerExtraTick)), &status);
+    m_ticks = 0;
+    m_mostTicks = m_limits.ticks + int(range.length / std::max(1, m_limits.unitsPerExtraTick));
+    const auto goesOn = [](const void *context, int32_t) -> UBool {
+        auto *search = static_cast<RegularExpression *>(const_cast<void *>(context));
+        return ++search->m_ticks < search->m_mostTicks;
+    };
+    uregex_setMatchCallback(m_expression, goesOn, this, &status);
     uregex_setRegion64(m_expression, range.location, range.end(), &status);
     m_isSearching = U_SUCCESS(status);
 }

@@ -107,6 +107,8 @@ public:
 
     /// Searches of this object that were given up so far.
     [[nodiscard]] int limitHits() const { return m_limitHits; }
+    /// What the search under way, or the last one, has cost: see Limits::ticks.
+    [[nodiscard]] int ticks() const { return m_ticks; }
 
     /// `format` with `$n` replaced by group n of `match` (nothing for a group that is none or does not exist) and `\` taken away
     /// before the character that it protects. n has as many digits as the largest group number. `text` is the one searched.
@@ -122,6 +124,8 @@ private:
     Limits m_limits;
     int m_groupCount = 0;
     int m_limitHits = 0;
+    int m_ticks = 0;
+    int m_mostTicks = 0;
     /// The engine has a text and its last call did not fail.
     bool m_isSearching = false;
 };

@@ -334,6 +334,29 @@ TEST(SyntaxHighlighter, GivesUpRulesThatCostTooMuch)
     EXPECT_EQ(document.colours(), "sss.");
 }
 
+TEST(SyntaxHighlighter, ColoursDeeplyIndentedKeys)
+{
+    // Keys that go back over each blank from each other one: no line costs much, a screen of them more than a search may.
+    static constexpr auto keyTokens = std::to_array<RuleRow>({{Scope::attribute, lines | group1, uR"(^\s*([^=\n\[;#]+?)\s*(?==))"}});
+    static constexpr LanguageRules keyRules = {{}, keyTokens};
+    static constexpr LanguageRow keyRow = {.id = u"keys", .name = u"Keys", .rules = &keyRules};
+    for (const auto &[language, depth] : {std::pair(Language(keyRow), 30), std::pair(*LanguageRegistry::withID(u"ini"), 200)}) {
+        SCOPED_TRACE(language.id().toStdString());
+        const QString indentation = u" "_s.repeated(depth);
+        QString text;
+        for (int key = 0; key < 150; ++key) {
+            text += indentation + u"key%1 = value\n"_s.arg(key) + indentation + u"goes on in the next line\n"_s;
+        }
+        Document document(language, text);
+        document.ensureAll();
+        const std::string colours = document.colours();
+        for (int key = 0; key < 150; ++key) {
+            EXPECT_EQ(colours[size_t(text.indexOf(u"key%1 "_s.arg(key)))], 'a') << key;
+        }
+        EXPECT_EQ(document.highlighter.givenUpSearches(), 0);
+    }
+}
+
 TEST(SyntaxHighlighter, EndsWithConstructsThatDoNot)
 {
     const QStringList openers = {u"/* "_s,     u"\"\"\" "_s, u"\""_s,    u"'"_s,        u"`"_s,    u"<!-- "_s, u"<![CDATA["_s,

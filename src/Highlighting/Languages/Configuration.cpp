@@ -66,7 +66,8 @@ constexpr auto tomlTokens = std::to_array<RuleRow>({
 constexpr auto iniTokens = std::to_array<RuleRow>({
     {comment, lines, uR"(^\s*[#;].*$)"},
     {type, lines | group1, uR"(^\s*(\[[^\]\n]*\]))"},
-    {attribute, lines | group1, uR"(^\s*([^=\n\[;#]+?)\s*(?==))"},
+    // Finds what ^\s*([^=\n\[;#]+?)\s*(?==) does, which goes back over each blank from each other one.
+    {attribute, lines | group1, uR"(^(?:\s*+(?!=)|\s*(?=\s++=))([^=\n\[;#](?:[^=\n\[;#]*[^=\s\[;#])?+)\s*+(?==))"},
     doubleQuotedString,
     {builtin, none, uR"((?i)(?<![\w-])(?:true|false|yes|no|on|off|none)(?![\w-]))"},
     {number, none, uR"((?<![\w-])-?\d+(?:\.\d+)?(?![\w-]))"},
