@@ -508,7 +508,7 @@ void TextView::paintEvent(QPaintEvent *event)
     QPainter painter(viewport());
     m_painter.paint(painter, event->rect(), m_storage.text(),
                     {.selected = selection().range(),
-                     .caretRow = hasFocus() ? m_caret.rowBox() : QRectF(),
+                     .caretRow = window()->focusWidget() == this ? m_caret.rowBox() : QRectF(),
                      .caret = m_caret.isToBeSeen() ? std::optional(m_caret.box()) : std::nullopt,
                      .dropCaret = m_pointer.dropCaret(),
                      .paintBehind = [&](const Viewport::VisibleRow &row, Span visible) { paintBehind(painter, row, visible); }});

@@ -47,7 +47,9 @@ QRectF TextViewCaret::rowBox()
     if (!m_view.colors().currentLine.isValid()) {
         return {};
     }
-    const auto top = m_view.m_port.topOf(row());
+    // Line numbers go by the start of a selection too.
+    const TextSelection selection = this->selection();
+    const auto top = m_view.m_port.topOf(selection.isEmpty() ? row() : m_view.m_layout.rowOf(selection.range().location));
     return top ? QRectF(0, *top, m_view.viewport()->width(), m_view.m_layout.rowHeight()) : QRectF();
 }
 

@@ -24,7 +24,7 @@ public:
     [[nodiscard]] double x(const RowPosition &row);
     /// Empty when it is not on the screen.
     [[nodiscard]] QRectF box();
-    /// Empty while the row of the caret has no colour of its own, and when it is not on the screen.
+    /// Of the caret or the start of the selection. Empty while this row has no colour of its own, and when it is not on the screen.
     [[nodiscard]] QRectF rowBox();
     /// While it has the focus it blinks, beginning with on.
     void restartBlinking();
