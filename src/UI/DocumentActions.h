@@ -40,6 +40,9 @@ public:
     // Of the current document
     void chooseLanguage(const Language &language);
     void chooseEncoding(TextEncoding encoding);
+    /// Shows how the file reads in each encoding. Beeps where it cannot.
+    void reopenWithEncoding();
+    [[nodiscard]] bool canReopen() const;
     void chooseLineEnding(LineEnding lineEnding);
 
     [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
@@ -62,7 +65,6 @@ private:
     void saveAt(const QString &path, TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner = {});
     void saveAtPath(TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner = {});
     void openWithEncoding();
-    void reopenWithEncoding();
     /// Shows what the file would be in each encoding.
     void chooseEncodingOf(const QString &path, const QString &consequence, const QString &prompt,
                           std::function<void(TextEncoding encoding)> completion);
@@ -109,8 +111,6 @@ private:
     [[nodiscard]] bool hasSeveralDocuments() const;
     [[nodiscard]] bool hasOrigin() const;
     [[nodiscard]] ActionState languageState(const ActionSender &sender) const;
-
-    [[nodiscard]] bool canReopen() const;
 
     void presentError(const QString &description, const QString &recoverySuggestion = {});
     void presentError(const TextFile::ReadError &error);

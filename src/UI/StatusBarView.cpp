@@ -135,6 +135,7 @@ void StatusBarView::makeControls()
     m_indentPopUp = popUp(&StatusBarView::chooseIndentation);
     m_lineEndingPopUp = popUp(&StatusBarView::chooseLineEnding);
     m_encodingPopUp = popUp(&StatusBarView::chooseEncoding);
+    connect(m_encodingPopUp, &PopUpButton::commandTriggered, this, &StatusBarView::reopenWithEncodingChosen);
     m_languagePopUp = popUp(&StatusBarView::chooseLanguage);
 }
 
@@ -157,6 +158,7 @@ void StatusBarView::retranslate()
     }));
     m_lineEndingPopUp->setChoices(titles(lineEndingTitles, [](QStringView title) { return title.toString(); }));
     m_encodingPopUp->setChoices(titles(TextFile::selectableEncodings, displayName));
+    m_encodingPopUp->setCommand(localized(Actions::reopenWithEncoding.title));
     m_languagePopUp->setChoices(titles(m_sortedLanguages, languageTitle));
     showState();
 }
@@ -186,7 +188,7 @@ void StatusBarView::applyPalette()
 
 void StatusBarView::updateLock()
 {
-    m_lock->setPixmap(symbolIcon(u"lock", QColor::fromRgb(m_theme->gutterForeground)).pixmap({lockSide, lockSide}, devicePixelRatioF()));
+    m_lock->setPixmap(symbolIcon(u"lock", QColor::fromRgb(BarColors::of(*m_theme).text)).pixmap({lockSide, lockSide}, devicePixelRatioF()));
 }
 
 void StatusBarView::updateFonts()
@@ -313,6 +315,7 @@ void StatusBarView::showState()
         showMissingCharacters();
         showChoice(*m_languagePopUp, m_sortedLanguages, [&](const Language &language) { return language == state.language; });
         showEncoding();
+        m_encodingPopUp->setCommandEnabled(state.canReopen);
         showLineEnding();
         const auto unit = state.usesSpaces ? Indentation::Unit::spaces : Indentation::Unit::tab;
         showChoice(*m_indentPopUp, indentChoices,

@@ -60,6 +60,8 @@ public:
         QString path;
         /// The user may not write to the file.
         bool isReadOnly = false;
+        /// The file's bytes can be read again in another encoding.
+        bool canReopen = false;
         LineNumber line = LineNumber::first;
         /// From 1, in UTF-16 code units.
         qsizetype column = 1;
@@ -110,6 +112,7 @@ signals:
     void flashed(const QString &message);
     void languageChosen(const Language &language);
     void encodingChosen(TextEncoding encoding);
+    void reopenWithEncodingChosen();
     void lineEndingChosen(LineEnding lineEnding);
     void indentationChosen(Indentation indentation);
     void dictionariesChosen(const QStringList &names);

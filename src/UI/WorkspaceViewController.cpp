@@ -121,6 +121,7 @@ void WorkspaceViewController::connectParts()
     connect(&m_printActions, &PrintActions::messageShown, m_statusBar, &StatusBarView::flash);
     connect(m_statusBar, &StatusBarView::languageChosen, &m_documentActions, &DocumentActions::chooseLanguage);
     connect(m_statusBar, &StatusBarView::encodingChosen, &m_documentActions, &DocumentActions::chooseEncoding);
+    connect(m_statusBar, &StatusBarView::reopenWithEncodingChosen, &m_documentActions, &DocumentActions::reopenWithEncoding);
     connect(m_statusBar, &StatusBarView::lineEndingChosen, &m_documentActions, &DocumentActions::chooseLineEnding);
     connect(m_statusBar, &StatusBarView::indentationChosen, this, &WorkspaceViewController::chooseIndentation);
     connect(m_statusBar, &StatusBarView::dictionariesChosen, this, [this](const QStringList &names) {
@@ -661,6 +662,7 @@ void WorkspaceViewController::updateStatusBar()
     m_statusBar->setState(StatusBarView::State{
         .path = displayPath(document),
         .isReadOnly = document.file().isReadOnly(),
+        .canReopen = m_documentActions.canReopen(),
         .line = line,
         .column = selected.location - LineIndex::startOfLine(line, text) + 1,
         .selectionLength = selected.length,

@@ -110,10 +110,11 @@ void PopUpButton::setChoices(const QStringList &titles)
         delete entry;
     }
     for (const QString &title : titles) {
-        QAction *entry = m_menu->addAction(menuText(title));
+        auto *entry = new QAction(menuText(title), m_menu);
         entry->setCheckable(true);
         entry->setData(title);
         m_group->addAction(entry);
+        m_menu->insertAction(m_separator, entry);
     }
     if (m_shownIndices) {
         showMarks();
@@ -129,6 +130,22 @@ QStringList PopUpButton::choices() const
         titles << entry->data().toString();
     }
     return titles;
+}
+
+void PopUpButton::setCommand(const QString &title)
+{
+    if (!m_command) {
+        m_separator = m_menu->addSeparator();
+        m_command = m_menu->addAction(QString());
+        connect(m_command, &QAction::triggered, this, &PopUpButton::commandTriggered);
+    }
+    m_command->setText(menuText(title));
+    m_command->setData(title);
+}
+
+void PopUpButton::setCommandEnabled(bool isEnabled)
+{
+    m_command->setEnabled(isEnabled);
 }
 
 void PopUpButton::setShownIndex(int index, const QString &text)

@@ -46,6 +46,9 @@ public:
     /// The index shown stays if there are as many choices, else it is the first.
     void setChoices(const QStringList &titles);
     [[nodiscard]] QStringList choices() const;
+    /// What else its menu offers, below a line: a command, which is never shown as chosen.
+    void setCommand(const QString &title);
+    void setCommandEnabled(bool isEnabled);
     /// `index` must be that of a choice. The button says `text` where that is more than the title of the choice.
     void setShownIndex(int index, const QString &text = {});
     [[nodiscard]] int shownIndex() const { return m_shownIndex; }
@@ -56,6 +59,7 @@ public:
 
 signals:
     void chosen(int index);
+    void commandTriggered();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -67,6 +71,9 @@ private:
 
     ChoiceMenu *m_menu;
     QActionGroup *m_group;
+    /// None before there is one.
+    QAction *m_command = nullptr;
+    QAction *m_separator = nullptr;
     QString m_title;
     int m_shownIndex = 0;
     /// None while there is one.

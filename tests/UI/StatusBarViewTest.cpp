@@ -32,6 +32,7 @@ protected:
         QObject::connect(&bar, &StatusBarView::languageChosen,
                          [this](const Language &language) { reports.append(u"language "_s + language.id()); });
         QObject::connect(&bar, &StatusBarView::positionClicked, [this] { reports.append(u"position"_s); });
+        QObject::connect(&bar, &StatusBarView::reopenWithEncodingChosen, [this] { reports.append(u"reopen"_s); });
         bar.resize(1200, bar.sizeHint().height());
         bar.show();
     }
@@ -86,7 +87,9 @@ TEST_F(StatusBarViewTest, ShowsTheStateAndFollowsTheLanguage)
     EXPECT_EQ(texts(), (QStringList{u"~/work/file.py"_s, u"Ln 3, Col 2"_s, u"Spaces: 4"_s, u"LF"_s, u"UTF-8"_s, u"Python"_s}));
     QTest::mouseClick(parts()[1], Qt::LeftButton);
     EXPECT_EQ(reports, QStringList{u"position"_s});
+    EXPECT_EQ(titlesOf(menuOf(u"Text Encoding"_s)).last(), u"(Reopen with Encoding…)"_s);
 
+    state.canReopen = true;
     state.selectionLength = 5;
     state.selectedLineCount = 1;
     state.vim = {.mode = u"NORMAL"_s, .pending = u"2d"_s};
@@ -111,6 +114,10 @@ TEST_F(StatusBarViewTest, ShowsTheStateAndFollowsTheLanguage)
     const QStringList languages = titlesOf(menuOf(u"Syntax"_s));
     EXPECT_EQ(languages.filter(u"*"_s), QStringList{u"*Reiner Text"_s});
     EXPECT_LT(languages.indexOf(u"Python"_s), languages.indexOf(u"*Reiner Text"_s)) << "in the order of the titles shown";
+    QMenu &encodings = menuOf(u"Textkodierung"_s);
+    EXPECT_EQ(titlesOf(encodings).last(2), (QStringList{u"-"_s, u"Mit Kodierung neu öffnen …"_s}));
+    encodings.actions().last()->trigger();
+    EXPECT_EQ(reports.last(), u"reopen"_s);
 
     bar.setState(std::nullopt);
     EXPECT_EQ(texts(), QStringList{u"Kein Dokument"_s});
