@@ -120,10 +120,14 @@ void TabItemView::setContent(const TabDescriptor &descriptor, int index, Selecti
 {
     m_index = index;
     const bool wasSelected = isSelected();
-    if (descriptor == m_descriptor && selection == m_selection) {
+    // A line break in a name has no width until it is painted as a space.
+    TabDescriptor shown = descriptor;
+    std::ranges::replace_if(
+        shown.title, [](QChar unit) { return unit.isSpace(); }, u' ');
+    if (shown == m_descriptor && selection == m_selection) {
         return;
     }
-    m_descriptor = descriptor;
+    m_descriptor = std::move(shown);
     m_selection = selection;
     setToolTip(plainToolTip(descriptor.tooltip));
     updateAccessibleTexts();
