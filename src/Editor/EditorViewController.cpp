@@ -332,7 +332,10 @@ void EditorViewController::updateBanner()
         m_banner->onReload = [this] { reload(); };
         m_banner->onKeep = [this] { m_document->clearExternalState(); };
         m_banner->onSave = [this] { saveAgain(); };
-        m_banner->onCompare = [this] { performHere(Actions::compareWithOrigin); };
+        m_banner->onCompare = [this] {
+            const bool isConflicted = m_document->externalState() == TextDocument::ExternalState::conflicted;
+            performHere(isConflicted ? Actions::compareWithFileOnDisk : Actions::compareWithOrigin);
+        };
         m_stack->insertWidget(0, m_banner);
     }
     m_banner->applyTheme(m_services.documents.theme());

@@ -37,7 +37,8 @@ struct ExternalChangeBanner::StateRow {
 
 const ExternalChangeBanner::StateRow *ExternalChangeBanner::rowOf(TextDocument::ExternalState state)
 {
-    static constexpr std::array conflictButtons = {ButtonRow{u"Reload from Disk", &ExternalChangeBanner::onReload},
+    static constexpr std::array conflictButtons = {ButtonRow{u"Compare", &ExternalChangeBanner::onCompare},
+                                                   ButtonRow{u"Reload from Disk", &ExternalChangeBanner::onReload},
                                                    ButtonRow{u"Keep Mine", &ExternalChangeBanner::onKeep}};
     static constexpr std::array deletionButtons = {ButtonRow{u"Save Again", &ExternalChangeBanner::onSave},
                                                    ButtonRow{u"Dismiss", &ExternalChangeBanner::onKeep}};

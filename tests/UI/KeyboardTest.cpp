@@ -61,8 +61,8 @@ TEST_P(KeyboardTest, EditorWindow)
     scheduler.advance(std::chrono::seconds(1));
     QTest::keyClicks(QApplication::focusWidget(), u"e"_s);
     QStringList names = tour(window());
-    QStringList wanted{u"Find"_s,      u"Replace with"_s, u"Replace All"_s, u"Find Previous"_s, u"Match Case"_s, u"Reload from Disk"_s,
-                       u"Keep Mine"_s, u"New Tab"_s,      u"Save"_s};
+    QStringList wanted{u"Find"_s,    u"Replace with"_s,     u"Replace All"_s, u"Find Previous"_s, u"Match Case"_s,
+                       u"Compare"_s, u"Reload from Disk"_s, u"Keep Mine"_s,   u"New Tab"_s,       u"Save"_s};
     std::ranges::transform(wanted, wanted.begin(), [](const QString &name) { return localized(name); });
     names.removeIf([&wanted](const QString &name) { return !wanted.contains(name); });
     EXPECT_EQ(names, wanted) << names.join(u", "_s).toStdString();
