@@ -87,7 +87,7 @@ const ActionRow *DocumentActions::actionFor(const Action &wanted) const
     using Self = DocumentActions;
     static constexpr auto rows = std::to_array<ActionRow>({
         action<&Self::openDocument>(Actions::openDocument),
-        action<&Self::openWithEncoding>(Actions::openWithEncoding),
+        action<&Self::askForFileAndEncoding>(Actions::openWithEncoding),
         action<&Self::reopenWithEncoding, &Self::canReopen>(Actions::reopenWithEncoding),
         action<&Self::saveDocument, &Self::hasDocument>(Actions::saveDocument),
         action<&Self::saveDocumentAs, &Self::hasDocument>(Actions::saveDocumentAs),

@@ -37,6 +37,9 @@ public:
     /// The next panel begins where that file is.
     void rememberPanelFolder(const QString &path);
 
+    /// Asks how the file, an absolute path, is to be read, and opens it.
+    void openWithEncoding(const QString &path);
+
     // Of the current document
     void chooseLanguage(const Language &language);
     void chooseEncoding(TextEncoding encoding);
@@ -64,7 +67,7 @@ private:
     void saveDocumentAs();
     void saveAt(const QString &path, TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner = {});
     void saveAtPath(TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner = {});
-    void openWithEncoding();
+    void askForFileAndEncoding();
     /// Shows what the file would be in each encoding.
     void chooseEncodingOf(const QString &path, const QString &consequence, const QString &prompt,
                           std::function<void(TextEncoding encoding)> completion);

@@ -71,22 +71,27 @@ void DocumentActions::reopenWithEncoding()
     });
 }
 
-void DocumentActions::openWithEncoding()
+void DocumentActions::askForFileAndEncoding()
 {
-    m_services.presenter.present(
-        OpenPanel{.choice = OpenPanel::Choice::file, .startFolder = panelFolder()}, window(), [this](const QStringList &paths) {
-            if (paths.isEmpty()) {
-                return;
-            }
-            rememberPanelFolder(paths.first());
-            chooseEncodingOf(paths.first(), {}, localized(u"Open"), [this, path = paths.first()](TextEncoding encoding) {
-                if (EncodingMemory *encodings = m_services.documents.services().encodings) {
-                    encodings->note(path, encoding);
-                }
-                if (const auto open = m_services.documents.documentAt(path); open && !open->hasUnsavedText()) {
-                    open->reinterpret(encoding, errorPresenter(), TextDocument::Remembered::yes);
-                }
-                emit filesChosen({path});
-            });
-        });
+    m_services.presenter.present(OpenPanel{.choice = OpenPanel::Choice::file, .startFolder = panelFolder()}, window(),
+                                 [this](const QStringList &paths) {
+                                     if (paths.isEmpty()) {
+                                         return;
+                                     }
+                                     rememberPanelFolder(paths.first());
+                                     openWithEncoding(paths.first());
+                                 });
+}
+
+void DocumentActions::openWithEncoding(const QString &path)
+{
+    chooseEncodingOf(path, {}, localized(u"Open"), [this, path](TextEncoding encoding) {
+        if (EncodingMemory *encodings = m_services.documents.services().encodings) {
+            encodings->note(path, encoding);
+        }
+        if (const auto open = m_services.documents.documentAt(path); open && !open->hasUnsavedText()) {
+            open->reinterpret(encoding, errorPresenter(), TextDocument::Remembered::yes);
+        }
+        emit filesChosen({path});
+    });
 }

@@ -458,7 +458,17 @@ void WorkspaceViewController::noteOpened(const PaneLayout::Documents &documents)
 
 void WorkspaceViewController::presentError(const TextFile::ReadError &error)
 {
-    m_services.presenter.present(Alert::forError(error.description(), error.recoverySuggestion().value_or(QString())), window(), {});
+    Alert report = Alert::forError(error.description(), error.recoverySuggestion().value_or(QString()));
+    using Kind = TextFile::ReadError::Kind;
+    const bool dependsOnEncoding = error.kind == Kind::binary || error.kind == Kind::undecodable;
+    if (dependsOnEncoding) {
+        report.buttons = {{localized(u"OK"), AlertButtonRole::cancel}, {localized(Actions::openWithEncoding.title)}};
+    }
+    m_services.presenter.present(report, window(), [this, dependsOnEncoding, path = error.path](const AlertReply &reply) {
+        if (dependsOnEncoding && reply.button == AlertReply::secondButton) {
+            m_documentActions.openWithEncoding(path);
+        }
+    });
 }
 
 void WorkspaceViewController::adopt(TextDocument &document)

@@ -196,6 +196,13 @@ TEST_F(EncodingTest, FilesAreOpenedAndReopenedInTheEncodingThatIsChosen)
     presenter.answerChoice(u"UTF-16"_s);
     send(Actions::openWithEncoding);
     EXPECT_EQ(text(), u"a\n"_s);
+    // The same without knowing that there is such a command.
+    presenter.answer(AlertReply::secondButton);
+    presenter.answerChoice(u"UTF-16"_s);
+    workspace().open({put(u"c.txt"_s, QByteArray("\xFF\xFE"
+                                                 "b\0\n\0",
+                                                 6))});
+    EXPECT_EQ(text(), u"b\n"_s);
 }
 
 TEST_F(EncodingTest, MarksAndMixedLineEndingsAreShown)
