@@ -195,6 +195,7 @@ void FindBar::retranslate()
     name(m_done, localized(u"Done"), QKeySequence(u"Esc"_s));
     m_replace->setText(localized(u"Replace"));
     m_replaceAll->setText(localized(u"Replace All"));
+    name(m_replaceAll, localized(u"Replace All"), QKeySequence(u"Alt+A"_s));
     showStatus();
 }
 
@@ -529,7 +530,7 @@ void FindBar::slide()
 
 // Keys
 
-QToolButton *FindBar::toggleFor(const QKeyEvent &event) const
+QToolButton *FindBar::buttonFor(const QKeyEvent &event) const
 {
     if (event.modifiers() != Qt::AltModifier) {
         return nullptr;
@@ -541,6 +542,8 @@ QToolButton *FindBar::toggleFor(const QKeyEvent &event) const
         return m_wholeWords;
     case Qt::Key_R:
         return m_expression;
+    case Qt::Key_A:
+        return m_replaceAll;
     default:
         return nullptr;
     }
@@ -559,7 +562,7 @@ bool FindBar::eventFilter(QObject *watched, QEvent *event)
     switch (event->type()) {
     case QEvent::ShortcutOverride:
         // Before a menu whose letter it is.
-        if (toggleFor(static_cast<const QKeyEvent &>(*event))) {
+        if (buttonFor(static_cast<const QKeyEvent &>(*event))) {
             event->accept();
             return true;
         }
@@ -582,8 +585,10 @@ bool FindBar::eventFilter(QObject *watched, QEvent *event)
 
 bool FindBar::takesKey(const QObject *widget, const QKeyEvent &event)
 {
-    if (QToolButton *toggle = toggleFor(event)) {
-        toggle->toggle();
+    if (QToolButton *button = buttonFor(event)) {
+        if (button->isVisible()) {
+            button->click();
+        }
         return true;
     }
     const bool isReturn = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;

@@ -50,7 +50,7 @@ protected:
 
 private:
     [[nodiscard]] bool takesKey(const QObject *widget, const QKeyEvent &event);
-    [[nodiscard]] QToolButton *toggleFor(const QKeyEvent &event) const;
+    [[nodiscard]] QToolButton *buttonFor(const QKeyEvent &event) const;
     void makeRows();
     void connectControls();
     void setRows(Rows rows);
