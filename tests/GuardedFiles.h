@@ -8,14 +8,25 @@
 #include <cerrno>
 #include <unistd.h>
 
-/// The real calls, but for a file that the user may not write to, whoever runs the test.
+/// The real calls, but for a file that the user may not write to, and one that cannot even be read, whoever runs the test.
 class GuardedFiles final : public FileCalls {
 public:
     QString guarded;
+    QString secret;
+
+    int open(const char *path, int flags, mode_t mode) override
+    {
+        if (!secret.isEmpty() && decodedPath(path) == secret) {
+            errno = EACCES;
+            return -1;
+        }
+        return FileCalls::open(path, flags, mode);
+    }
 
     int access(const char *path, int mode) override
     {
-        if ((mode & W_OK) != 0 && !guarded.isEmpty() && decodedPath(path) == guarded) {
+        const QString name = decodedPath(path);
+        if (!name.isEmpty() && (name == secret || (name == guarded && (mode & W_OK) != 0))) {
             errno = EACCES;
             return -1;
         }

@@ -2,8 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "UI/WorkspaceViewController.h"
 
+#include "Base/BackgroundTask.h"
+#include "Base/FilePath.h"
 #include "Base/Localization.h"
 #include "Base/Translation.h"
+#include "Commands/Actions.h"
 #include "Editor/EditorVim.h"
 #include "Editor/SpellingController.h"
 #include "Editor/TextCounter.h"
@@ -24,6 +27,9 @@
 
 #include <QPointer>
 #include <QVBoxLayout>
+
+#include <cerrno>
+#include <unistd.h>
 
 namespace {
 
@@ -463,6 +469,15 @@ void WorkspaceViewController::presentError(const TextFile::ReadError &error)
     const bool dependsOnEncoding = error.kind == Kind::binary || error.kind == Kind::undecodable;
     if (dependsOnEncoding) {
         report.buttons = {{localized(u"OK"), AlertButtonRole::cancel}, {localized(Actions::openWithEncoding.title)}};
+    }
+    if (error.kind == Kind::notReadable && error.found == PathKind::unknown) {
+        const auto isForbidden = [path = encodedPath(error.path), &files = m_services.documents.services().files](const std::stop_token &) {
+            return files.access(path.constData(), R_OK) != 0 && errno == EACCES;
+        };
+        BackgroundTask asking = BackgroundTask::start(m_services.workers, isForbidden, [&report](bool answer) {
+            report.informativeText = answer ? localized(u"You do not have permission to read it.") : QString();
+        });
+        std::ignore = asking.waitUntil(std::chrono::steady_clock::now() + m_services.documents.services().timeout);
     }
     m_services.presenter.present(report, window(), [this, dependsOnEncoding, path = error.path](const AlertReply &reply) {
         if (dependsOnEncoding && reply.button == AlertReply::secondButton) {

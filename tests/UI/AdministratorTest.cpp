@@ -52,6 +52,13 @@ protected:
     [[nodiscard]] const TextDocument &document() { return *workspace().currentDocument(); }
 };
 
+TEST_F(AdministratorTest, WhatMayNotBeReadSaysSo)
+{
+    files.secret = put(u"secret"_s, "text\n");
+    workspace().open({files.secret});
+    EXPECT_EQ(presenter.alerts().back().informativeText, u"You do not have permission to read it."_s);
+}
+
 TEST_F(AdministratorTest, ReadOnlyFilesHaveALockBeforeTheFirstAttempt)
 {
     openGuarded();
