@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Find/FindBar.h"
 
+#include "Base/Localization.h"
 #include "Base/Translation.h"
 #include "Commands/ActionKeys.h"
 #include "Commands/Actions.h"
@@ -17,7 +18,6 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLocale>
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QStyle>
@@ -39,7 +39,7 @@ constexpr int gap = 4;
 
 QString numberText(qsizetype number)
 {
-    return QLocale().toString(static_cast<qlonglong>(number));
+    return Localization::current().locale().toString(static_cast<qlonglong>(number));
 }
 
 QToolButton *symbolButton(const QString &symbol, QWidget *parent)
@@ -107,7 +107,8 @@ void FindBar::makeRows()
     m_matchCase = symbolButton(u"textformat"_s, m_panel);
     m_wholeWords = symbolButton(u"whole.word"_s, m_panel);
     m_expression = symbolButton(u"regex"_s, m_panel);
-    for (QToolButton *toggle : {m_matchCase, m_wholeWords, m_expression}) {
+    m_keepCase = symbolButton(u"textformat.keep"_s, m_panel);
+    for (QToolButton *toggle : {m_matchCase, m_wholeWords, m_expression, m_keepCase}) {
         toggle->setCheckable(true);
     }
     m_replace = new QToolButton(m_panel);
@@ -128,7 +129,7 @@ void FindBar::makeRows()
         return row;
     };
     m_findButtons = rowOf({m_previous, m_next, m_matchCase, m_wholeWords, m_expression});
-    m_replaceButtons = rowOf({m_replace, m_replaceAll});
+    m_replaceButtons = rowOf({m_replace, m_replaceAll, m_keepCase});
     auto *grid = new QGridLayout(m_panel);
     grid->setContentsMargins(panelMargins);
     grid->setHorizontalSpacing(gap);
@@ -144,8 +145,8 @@ void FindBar::makeRows()
     grid->setColumnStretch(2, 1);
 
     // From the text that is sought to what replaces it, and from there to the buttons that do so.
-    const auto order = std::to_array<QWidget *>(
-        {m_pattern, m_replacement, m_replace, m_replaceAll, m_previous, m_next, m_matchCase, m_wholeWords, m_expression, m_done});
+    const auto order = std::to_array<QWidget *>({m_pattern, m_replacement, m_replace, m_replaceAll, m_keepCase, m_previous, m_next,
+                                                 m_matchCase, m_wholeWords, m_expression, m_done});
     for (size_t i = 0; i < order.size(); ++i) {
         order[i]->installEventFilter(this);
         if (i >= 2) {
@@ -164,6 +165,9 @@ void FindBar::connectControls()
     for (const QToolButton *toggle : {m_matchCase, m_wholeWords, m_expression}) {
         connect(toggle, &QToolButton::toggled, this, &FindBar::queryEdited);
     }
+    connect(m_keepCase, &QToolButton::toggled, this, [this](bool keeps) {
+        m_finder.shared().setLetterCase(keeps ? FindState::LetterCase::asFound : FindState::LetterCase::asWritten);
+    });
     connect(m_next, &QToolButton::clicked, &m_finder, &TextFinder::findNext);
     connect(m_previous, &QToolButton::clicked, &m_finder, &TextFinder::findPrevious);
     connect(m_replace, &QToolButton::clicked, this, &FindBar::replace);
@@ -192,6 +196,7 @@ void FindBar::retranslate()
     name(m_matchCase, localized(u"Match Case"), QKeySequence(u"Alt+C"_s));
     name(m_wholeWords, localized(u"Whole Words"), QKeySequence(u"Alt+W"_s));
     name(m_expression, localized(u"Regular Expression"), QKeySequence(u"Alt+R"_s));
+    name(m_keepCase, localized(u"Keep Case"), QKeySequence(u"Alt+K"_s));
     name(m_done, localized(u"Done"), QKeySequence(u"Esc"_s));
     m_replace->setText(localized(u"Replace"));
     m_replaceAll->setText(localized(u"Replace All"));
@@ -204,6 +209,7 @@ void FindBar::retranslate()
 void FindBar::open(Rows rows)
 {
     setRows(rows == Rows::findAndReplace && m_finder.canReplace() ? rows : Rows::find);
+    m_keepCase->setChecked(m_finder.shared().letterCase() == FindState::LetterCase::asFound);
     const bool hasFocusInside = isAncestorOf(focusWidget()) && focusWidget()->hasFocus();
     if (!hasFocusInside) {
         m_finder.useSelection();
@@ -237,7 +243,7 @@ void FindBar::setRows(Rows rows)
 {
     m_rows = rows;
     const bool replaces = rows == Rows::findAndReplace;
-    for (QWidget *widget : std::to_array<QWidget *>({m_replacement, m_replace, m_replaceAll})) {
+    for (QWidget *widget : std::to_array<QWidget *>({m_replacement, m_replace, m_replaceAll, m_keepCase})) {
         widget->setVisible(replaces);
     }
     placeButtons();
@@ -419,7 +425,7 @@ void FindBar::changeEvent(QEvent *event)
 /// The bar may have other colours than the rest of the program: those of the text below it.
 void FindBar::tintSymbols()
 {
-    for (QToolButton *button : {m_previous, m_next, m_matchCase, m_wholeWords, m_expression, m_done}) {
+    for (QToolButton *button : {m_previous, m_next, m_matchCase, m_wholeWords, m_expression, m_keepCase, m_done}) {
         button->setIcon(symbolIcon(button->icon().name(), palette().color(QPalette::Active, QPalette::ButtonText),
                                    palette().color(QPalette::Disabled, QPalette::ButtonText)));
     }
@@ -544,6 +550,8 @@ QToolButton *FindBar::buttonFor(const QKeyEvent &event) const
         return m_expression;
     case Qt::Key_A:
         return m_replaceAll;
+    case Qt::Key_K:
+        return m_keepCase;
     default:
         return nullptr;
     }

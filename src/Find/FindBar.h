@@ -87,6 +87,7 @@ private:
     FindField *m_replacement = nullptr;
     QToolButton *m_replace = nullptr;
     QToolButton *m_replaceAll = nullptr;
+    QToolButton *m_keepCase = nullptr;
     QLabel *m_message = nullptr;
     QHBoxLayout *m_findButtons = nullptr;
     QHBoxLayout *m_replaceButtons = nullptr;

@@ -23,6 +23,11 @@ public:
     [[nodiscard]] const QStringList &replacements() const { return m_replacements; }
     void addReplacement(const QString &replacement);
 
+    using LetterCase = ReplacementTemplate::LetterCase;
+    /// Of what replaces a hit.
+    [[nodiscard]] LetterCase letterCase() const { return m_letterCase; }
+    void setLetterCase(LetterCase letterCase) { m_letterCase = letterCase; }
+
     /// Called when the query has become another.
     template<typename Function>
     [[nodiscard]] NotificationCenter::Token observe(Function callback)
@@ -34,5 +39,6 @@ private:
     SearchQuery m_query;
     QStringList m_searches;
     QStringList m_replacements;
+    LetterCase m_letterCase = LetterCase::asWritten;
     NotificationCenter m_observers;
 };

@@ -447,7 +447,7 @@ bool TextFinder::canReplace() const
     return m_view && !m_view->isReadOnly();
 }
 
-std::optional<QString> TextFinder::checkedTemplate(const QString &typed)
+std::optional<ReplacementTemplate> TextFinder::checkedTemplate(const QString &typed)
 {
     forgetOutcome();
     m_replacementError.clear();
@@ -464,10 +464,10 @@ std::optional<QString> TextFinder::checkedTemplate(const QString &typed)
         return std::nullopt;
     }
     m_services.shared.addReplacement(typed);
-    return *std::move(checked);
+    return ReplacementTemplate(*std::move(checked), m_services.shared.letterCase());
 }
 
-void TextFinder::replaceSelectedHit(const QString &replacementTemplate)
+void TextFinder::replaceSelectedHit(const ReplacementTemplate &replacementTemplate)
 {
     if (const auto hit = selectedHit()) {
         if (const auto text = m_searcher->replacement(m_view->storage().text(), *hit, replacementTemplate)) {
@@ -509,7 +509,7 @@ void TextFinder::replaceAll(const QString &typed)
     }
 }
 
-void TextFinder::startReplacing(const QString &replacementTemplate)
+void TextFinder::startReplacing(const ReplacementTemplate &replacementTemplate)
 {
     restartProgress();
     const auto search = [searcher = copyOf(*m_searcher), searched = m_searched, replacementTemplate](const Rope &text,

@@ -133,10 +133,10 @@ private:
     void select(TextRange hit, Purpose purpose);
     [[nodiscard]] std::optional<TextRange> selectedHit() const;
 
-    void replaceSelectedHit(const QString &replacementTemplate);
-    void startReplacing(const QString &replacementTemplate);
+    void replaceSelectedHit(const ReplacementTemplate &replacementTemplate);
+    void startReplacing(const ReplacementTemplate &replacementTemplate);
     void applyReplacement(const TextReplacement &replacement);
-    [[nodiscard]] std::optional<QString> checkedTemplate(const QString &typed);
+    [[nodiscard]] std::optional<ReplacementTemplate> checkedTemplate(const QString &typed);
 
     void storageChanged(const TextChange &change);
     void selectionChanged();

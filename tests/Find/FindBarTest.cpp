@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Find/FindBar.h"
 
+#include "Base/Localization.h"
 #include "Commands/Actions.h"
 #include "Controls.h"
 #include "Find/FindField.h"
@@ -276,6 +277,26 @@ TEST_F(FindBarTest, ReplacesAllAsOneStep)
     EXPECT_FALSE(editor.undo.canUndo());
 }
 
+TEST_F(FindBarTest, KeepsCaseOnRequestAndWritesNumbersAsTheInterfaceDoes)
+{
+    Editor editor(shared, QString(u"a Cat and a CAT\n"_s.repeated(617)));
+    editor.perform(Actions::findAndReplace);
+    for (const QString &keys : {u"cat<Tab>"_s, u"dog<A-k>"_s}) {
+        editor.keys(keys);
+    }
+    EXPECT_TRUE(editor.button(u"Keep Case"_s)->isChecked());
+    editor.keys(u"<CR>"_s);
+    EXPECT_EQ(editor.storage.text().toString({0, 15}), u"a Dog and a CAT"_s);
+    EXPECT_EQ(editor.note(), "1 of 1,233");
+    Localization::use(AppLanguage::german);
+    editor.bar->retranslate();
+    EXPECT_EQ(editor.note(), "1 von 1.233");
+    Localization::use(AppLanguage::english);
+    Editor other(shared, u"|"_s);
+    other.perform(Actions::findAndReplace);
+    EXPECT_TRUE(other.button(u"Keep Case"_s)->isChecked()) << "as in all windows";
+}
+
 TEST_F(FindBarTest, GoesOnFromAHitInsideACharacter)
 {
     Editor editor(shared, u"|e\u0301 e\u0301 \r\n \r\n"_s);
@@ -399,7 +420,7 @@ TEST_F(FindBarTest, ShowsAllOfItsControlsInNarrowWindows)
             taken += place;
             ++count;
         }
-        EXPECT_EQ(count, 10);
+        EXPECT_EQ(count, 11);
     }
 }
 
