@@ -102,6 +102,8 @@ private:
     void retranslate();
     void performTextFinderAction(const ActionSender &sender);
     [[nodiscard]] ActionState textFinderActionState(const ActionSender &sender) const;
+    void clearFindHistory();
+    [[nodiscard]] bool hasFindHistory() const;
     void applyPreferences();
     void applyTheme();
     void followCaret();

@@ -286,6 +286,7 @@ TextSearcher TextSearcher::clone() const
 {
     TextSearcher copy;
     copy.m_query = m_query;
+    copy.m_scope = m_scope;
     copy.m_needle = m_needle;
     copy.m_seeksEquivalents = m_seeksEquivalents;
     if (m_expression) {
@@ -298,7 +299,7 @@ TextSearcher TextSearcher::clone() const
 
 bool TextSearcher::accepts(const Rope &text, TextRange hit) const
 {
-    if (text.splitsPair(hit.location) || text.splitsPair(hit.end())) {
+    if (text.splitsPair(hit.location) || text.splitsPair(hit.end()) || hit.end() > scopeEnd(text)) {
         return false;
     }
     if (!m_checksWords) {
@@ -311,6 +312,9 @@ bool TextSearcher::accepts(const Rope &text, TextRange hit) const
 
 void TextSearcher::walk(Walk &walk)
 {
+    if (m_scope) {
+        walk.range = walk.range.intersected(*m_scope);
+    }
     walk.takesEnd = m_query.isBareExpression && walk.range.end() > walk.text.length();
     walk.range = walk.range.clampedTo(walk.text.length());
     walk.at = walk.range.location;
@@ -393,7 +397,7 @@ bool TextSearcher::searchExpression(Walk &walk)
 bool TextSearcher::searchExcerpt(Walk &walk, qsizetype windowEnd)
 {
     const Rope &text = walk.text;
-    qsizetype limit = std::min(text.length(), windowEnd + reach);
+    qsizetype limit = std::min(scopeEnd(text), windowEnd + reach);
     if (m_staysInLine) {
         const qsizetype line = text.lineAt(std::max<qsizetype>(windowEnd - 1, 0));
         limit = line + 1 < text.lineCount() ? std::min(limit, text.lineStart(line + 1)) : limit;
@@ -489,6 +493,7 @@ std::optional<TextRange> TextSearcher::lastHit(const Rope &text, TextRange range
 {
     constexpr qsizetype smallest = 4096;
     range = range.clampedTo(text.length() + 1);
+    range = m_scope ? range.intersected(*m_scope) : range;
     std::optional<TextRange> last;
     qsizetype size = smallest;
     for (qsizetype end = range.end(); end > range.location && !last && !control.stop.stop_requested();) {

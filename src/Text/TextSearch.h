@@ -4,10 +4,12 @@
 
 #include "Base/Result.h"
 #include "Text/RegularExpression.h"
+#include "Text/Rope.h"
 #include "Text/TextEdits.h"
 
 #include <QStringMatcher>
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -87,6 +89,8 @@ public:
     /// For another thread. May be called while this one does not search.
     [[nodiscard]] TextSearcher clone() const;
     [[nodiscard]] const SearchQuery &query() const { return m_query; }
+    /// Hits lie in `scope` from now on; none for the whole text. What is around it is still seen: `^`, `$` and words end where they do.
+    void setScope(std::optional<TextRange> scope) { m_scope = scope; }
 
     /// Visits the hits that begin in `range`, from its start on, in order; they may end behind it. An empty one at the text's end begins in
     /// a range that goes beyond that.
@@ -125,7 +129,10 @@ private:
     [[nodiscard]] bool accepts(const Rope &text, TextRange hit) const;
     void walk(Walk &walk);
 
+    [[nodiscard]] qsizetype scopeEnd(const Rope &text) const { return m_scope ? std::min(m_scope->end(), text.length()) : text.length(); }
+
     SearchQuery m_query;
+    std::optional<TextRange> m_scope;
     QStringMatcher m_needle;
     /// The needle is decomposed, as the text has to be: there are other ways to write it.
     bool m_seeksEquivalents = false;

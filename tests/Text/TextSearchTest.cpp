@@ -274,6 +274,34 @@ TEST(TextSearch, Replaces)
     EXPECT_EQ(searcher.replacement(Rope(u"axa"_s), {0, 1}, u"<$1>"_s), std::nullopt) << "no hit there";
 }
 
+TEST(TextSearch, StaysInItsScope)
+{
+    const std::tuple<QString, QString, QString> rows[] = {
+        {u"a"_s, u""_s, u"a {[a]b[a]} a"_s},
+        {u"ab"_s, u""_s, u"a{b[ab]a}b"_s},
+        {u"\u00e9"_s, u""_s, u"\u00e9{[e\u0301][\u00e9]e}\u0301"_s},
+        {u"a+"_s, u"r"_s, u"a{[aa]b[aa]}aa"_s},
+        {u"^.*$"_s, u"r"_s, u"{[one]\n[two]\nthr}ee"_s},
+        {u"(?<=a)b(?=c)"_s, u"r"_s, u"a{[b]ca[b]}c"_s},
+        {u"a"_s, u"w"_s, u"a{a [a] a}a"_s},
+        {u"a"_s, u""_s, u"a{}a"_s},
+    };
+    for (const auto &[pattern, switches, written] : rows) {
+        QString bare = QString(written).remove(u'[').remove(u']');
+        const qsizetype from = bare.indexOf(u'{');
+        const qsizetype end = bare.indexOf(u'}') - 1;
+        const Rope text(bare.remove(u'{').remove(u'}'));
+        TextSearcher whole = searcherOf(pattern, switches);
+        whole.setScope(TextRange::between(from, end));
+        TextSearcher searcher = whole.clone();
+        const auto hits = hitsOf(searcher, text);
+        EXPECT_EQ(marked(bare, hits), QString(written).remove(u'{').remove(u'}'));
+        const auto last = searcher.lastHit(text, {0, text.length()});
+        EXPECT_EQ(last, hits.empty() ? std::nullopt : std::optional(hits.back())) << written.toStdString();
+        EXPECT_EQ(searcher.replacementOfAll(text, {0, text.length()}, u"x"_s).count, std::ssize(hits));
+    }
+}
+
 TEST(TextSearch, KeepsTheCaseOfWhatItReplaces)
 {
     const std::tuple<QString, QString, QString> rows[] = {
