@@ -92,6 +92,8 @@ private:
 class RopeBuilder final {
 public:
     void append(QStringView text) { m_builder.append(text); }
+    /// Shares the leaves of a text that is longer than one of them.
+    void append(const Rope &text) { m_builder.append(text.m_tree); }
     /// ISO Latin 1, so plain ASCII too.
     void appendLatin1(const uchar *text, qsizetype length) { m_builder.appendLatin1(text, length); }
     [[nodiscard]] qsizetype length() const { return m_builder.length(); }
