@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <functional>
+#include <vector>
 
 /// The clipboard, and the primary selection where the desktop has one, for text. Main thread only.
 ///
@@ -30,12 +31,24 @@ public:
     /// Moves whenever the clipboard's content changes, also by other programs, and by nothing else. Only compare it with itself.
     [[nodiscard]] virtual int changeCount() const = 0;
 
+    /// What the text that was just set is made of: pieces of so many units, with one unit between. It is forgotten with the text.
+    void setPieces(std::vector<qsizetype> lengths)
+    {
+        m_pieces = std::move(lengths);
+        m_piecesAt = changeCount();
+    }
+    [[nodiscard]] std::vector<qsizetype> pieces() const { return m_piecesAt == changeCount() ? m_pieces : std::vector<qsizetype>(); }
+
     /// False where the desktop has no primary selection; the calls below then do nothing and give nothing.
     [[nodiscard]] virtual bool supportsPrimary() const = 0;
     virtual void setPrimary(Provider provider) = 0;
     [[nodiscard]] virtual QString primaryText() const = 0;
     /// True while the primary selection is the one that this program set.
     [[nodiscard]] virtual bool ownsPrimary() const = 0;
+
+private:
+    std::vector<qsizetype> m_pieces;
+    int m_piecesAt = -1;
 };
 
 /// A pasteboard of its own that no other program sees.

@@ -77,11 +77,28 @@ inline constexpr Action copy{"copy:", u"Copy", "Ctrl+C"};
 inline constexpr Action paste{"paste:", u"Paste", "Ctrl+V"};
 inline constexpr Action deleteSelection{"delete:", u"Delete"};
 inline constexpr Action selectAll{"selectAll:", u"Select All", "Ctrl+A"};
+inline constexpr Action selectNextOccurrence{.id = "selectNextOccurrence:",
+                                             .title = u"Select Next Occurrence",
+                                             .keys = "Ctrl+D; Ctrl+Alt+N",
+                                             .help = u"Selects the word at the caret, then the same in the next place as well"};
+inline constexpr Action skipOccurrence{.id = "skipOccurrence:",
+                                       .title = u"Skip Occurrence",
+                                       .keys = "Ctrl+K; Ctrl+Alt+K",
+                                       .help = u"Selects the next place instead of the one selected last"};
+inline constexpr Action selectAllOccurrences{.id = "selectAllOccurrences:",
+                                             .title = u"Select All Occurrences",
+                                             .keys = "Ctrl+Alt+A; Alt+F3",
+                                             .help = u"Selects the word at the caret, or what is selected, in all places"};
+inline constexpr Action addCaretAbove{"addCaretAbove:", u"Add Caret Above", "Ctrl+Alt+Up; Alt+Shift+Up"};
+inline constexpr Action addCaretBelow{"addCaretBelow:", u"Add Caret Below", "Ctrl+Alt+Down; Alt+Shift+Down"};
+inline constexpr Action splitSelectionIntoLines{.id = "splitSelectionIntoLines:",
+                                                .title = u"Split Selection into Lines",
+                                                .keys = "Alt+Shift+I",
+                                                .help = u"Gives every selected line a caret of its own"};
 inline constexpr Action find{"performTextFinderAction:", u"Find", "Ctrl+F; Ctrl+Shift+F", "magnifyingglass", 1};
 inline constexpr Action findAndReplace{"performTextFinderAction:", u"Find and Replace…", "Ctrl+Alt+F; Ctrl+H", "", 12};
 inline constexpr Action findNext{"performTextFinderAction:", u"Find Next", "Ctrl+G; F3", "", 2};
 inline constexpr Action findPrevious{"performTextFinderAction:", u"Find Previous", "Ctrl+Shift+G; Shift+F3", "", 3};
-inline constexpr Action clearFindHistory{"clearFindHistory:", u"Clear Search History"};
 inline constexpr Action useSelectionForFind{"performTextFinderAction:", u"Use Selection for Find", "Ctrl+E", "", 7};
 inline constexpr Action centerSelection{"centerSelectionInVisibleArea:", u"Jump to Selection", "Ctrl+J"};
 inline constexpr Action toggleComment{.id = "toggleComment:",
@@ -214,8 +231,11 @@ inline constexpr auto file = std::to_array<MenuRow>({
 });
 
 inline constexpr auto findRows =
-    std::to_array<MenuRow>({find, findAndReplace, findNext, findPrevious, useSelectionForFind, line, centerSelection, line, clearFindHistory});
+    std::to_array<MenuRow>({find, findAndReplace, findNext, findPrevious, useSelectionForFind, line, centerSelection});
 inline constexpr MenuLayout finding{u"Find", findRows};
+inline constexpr auto caretRows = std::to_array<MenuRow>(
+    {selectNextOccurrence, skipOccurrence, selectAllOccurrences, line, addCaretAbove, addCaretBelow, splitSelectionIntoLines});
+inline constexpr MenuLayout severalCaretsMenu{u"Several Carets", caretRows};
 inline constexpr auto spellingRows = std::to_array<MenuRow>({showGuessPanel, checkSpelling, line, toggleContinuousSpellChecking});
 inline constexpr MenuLayout spelling{u"Spelling and Grammar", spellingRows};
 
@@ -230,6 +250,7 @@ inline constexpr auto edit = std::to_array<MenuRow>({
     selectAll,
     line,
     finding,
+    severalCaretsMenu,
     line,
     toggleComment,
     insertTab,

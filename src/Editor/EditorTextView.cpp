@@ -5,6 +5,7 @@
 #include "Base/Translation.h"
 #include "Commands/Actions.h"
 #include "Editor/EditorVim.h"
+#include "Text/TextBoundaries.h"
 #include "Text/TextStorage.h"
 #include "Widgets/Mnemonics.h"
 
@@ -13,12 +14,18 @@
 #include <QKeyEvent>
 #include <QMenu>
 
+#include <algorithm>
 #include <array>
 
 EditorTextView::EditorTextView(TextStorage &storage, UndoManager &undoManager, const Services &services, const QFont &font, QWidget *parent)
     : NumberedTextView(storage, undoManager, {services.scheduler, services.pasteboard}, font, parent), m_beep(services.beep)
 {
     connect(this, &TextView::contextMenuRequested, this, &EditorTextView::addCommands);
+    connect(this, &TextView::selectionChanged, this, [this] {
+        if (m_vim) {
+            m_vim->keepOneCaret();
+        }
+    });
 }
 
 void EditorTextView::addCommands(QMenu *menu)
@@ -100,24 +107,27 @@ bool EditorTextView::canToggleComment() const
     return !isReadOnly() && m_language.lineComment().has_value();
 }
 
-void EditorTextView::run(const std::optional<TextStep> &step, GroupKind kind)
+void EditorTextView::atLines(const std::function<std::optional<TextStep>(TextRange)> &command)
 {
+    input().commit();
+    const auto step =
+        CaretEditing::atLines(storage().text(), selections(), [&](TextSelection selected) { return command(selected.range()); });
     if (step) {
-        apply(step->edits, kind, step->after);
+        run(*step, GroupKind::other);
     }
 }
 
 void EditorTextView::insertTab()
 {
     input().commit();
-    const TextRange selected = selection().range();
     const Rope &text = storage().text();
-    if (text.lineAt(selected.location) != text.lineAt(selected.end())) {
+    const auto spansLines = [&](const CaretSelection &one) { return text.lineAt(one.range().location) != text.lineAt(one.range().end()); };
+    if (std::ranges::any_of(selections(), spansLines)) {
         shiftSelectedLines(LineEditing::Shift::indent);
     } else if (m_indentation.unit == Indentation::Unit::tab) {
         TextView::insertTab();
     } else {
-        run(LineEditing::tabbed(text, selected, m_indentation.width), GroupKind::typing);
+        replaceAtEach([&](TextRange selected) { return LineEditing::tabbed(text, selected, m_indentation.width); });
     }
 }
 
@@ -128,8 +138,7 @@ void EditorTextView::insertBacktab()
 
 void EditorTextView::shiftSelectedLines(LineEditing::Shift shift)
 {
-    input().commit();
-    run(LineEditing::shifted(storage().text(), selection().range(), shift, m_indentation));
+    atLines([&](TextRange selected) { return LineEditing::shifted(storage().text(), selected, shift, m_indentation); });
 }
 
 void EditorTextView::insertNewline()
@@ -139,21 +148,24 @@ void EditorTextView::insertNewline()
         return;
     }
     input().commit();
-    run(LineEditing::brokenLine(storage().text(), selection().range(), m_indentation), GroupKind::typing);
+    replaceAtEach([&](TextRange selected) { return LineEditing::brokenLine(storage().text(), selected, m_indentation); });
 }
 
 void EditorTextView::deleteBackward()
 {
     input().commit();
-    const TextSelection selected = selection();
-    const auto step = selected.isEmpty() && m_indentation.unit == Indentation::Unit::spaces
-                          ? LineEditing::unindented(storage().text(), selected.caret, m_indentation.width)
-                          : std::nullopt;
-    if (step) {
-        run(step, GroupKind::deletingBackward);
-    } else {
+    if (selections().hasSelected() || m_indentation.unit != Indentation::Unit::spaces) {
         TextView::deleteBackward();
+        return;
     }
+    const Rope &text = storage().text();
+    run(CaretEditing::removed(selections(), CaretEditing::Direction::backward,
+                              [&](const CaretSelection &one) {
+                                  const qsizetype caret = one.caret.offset;
+                                  const auto step = LineEditing::unindented(text, caret, m_indentation.width);
+                                  return step ? step->after.caret : TextBoundaries::previousGrapheme(text, caret);
+                              }),
+        GroupKind::deletingBackward);
 }
 
 void EditorTextView::toggleComment()
@@ -162,20 +174,24 @@ void EditorTextView::toggleComment()
         m_beep();
         return;
     }
-    input().commit();
-    run(LineEditing::commentToggled(storage().text(), selection().range(), *m_language.lineComment()));
+    atLines([&](TextRange selected) { return LineEditing::commentToggled(storage().text(), selected, *m_language.lineComment()); });
 }
 
 void EditorTextView::duplicateLine()
 {
-    input().commit();
-    run(LineEditing::duplicated(storage().text(), selection().range()));
+    atLines([&](TextRange selected) { return LineEditing::duplicated(storage().text(), selected); });
 }
 
 void EditorTextView::deleteLine()
 {
-    input().commit();
-    run(LineEditing::deleted(storage().text(), selection().range()));
+    atLines([&](TextRange selected) { return LineEditing::deleted(storage().text(), selected); });
+}
+
+void EditorTextView::replaceAtEach(const std::function<TextStep(TextRange)> &command)
+{
+    run(CaretEditing::replaced(selections(),
+                               [&](const CaretSelection &one, size_t) { return CaretEditing::Replacement::of(command(one.range())); }),
+        GroupKind::typing);
 }
 
 // Focus and drops

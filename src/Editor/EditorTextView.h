@@ -65,7 +65,10 @@ private:
 
     [[nodiscard]] bool isEditable() const { return !isReadOnly(); }
     [[nodiscard]] bool canToggleComment() const;
-    void run(const std::optional<TextStep> &step, GroupKind kind = GroupKind::other);
+    /// A command of whole lines, for those of every selection.
+    void atLines(const std::function<std::optional<TextStep>(TextRange)> &command);
+    /// One that puts text in place of a selection, for each.
+    void replaceAtEach(const std::function<TextStep(TextRange)> &command);
     void addCommands(QMenu *menu);
     bool takesFiles(QDropEvent &event);
 

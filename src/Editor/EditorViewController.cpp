@@ -14,7 +14,6 @@
 #include "Editor/TextCounter.h"
 #include "Files/CharacterSet.h"
 #include "Find/FindBar.h"
-#include "Find/FindState.h"
 #include "Find/TextFinder.h"
 #include "Model/DocumentStore.h"
 #include "Model/FileMemory.h"
@@ -44,11 +43,11 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
                                     {services.scheduler, services.pasteboard, [&presenter = services.presenter] { presenter.beep(); }},
                                     editorFont(services.preferences), this)),
       m_finder(new TextFinder(
-          *m_textView,
-          {services.scheduler, services.workers, services.find, [&presenter = services.presenter] { presenter.beep(); },
-           [this] { return m_document->file().isPrivate() ? FindHistory::Kept::whileRunning : FindHistory::Kept::forNextRun; }},
+          *m_textView, {services.scheduler, services.workers, services.find, [&presenter = services.presenter] { presenter.beep(); }},
           this)),
       m_findBar(new FindBar(*m_finder, services.scheduler, this)),
+      m_occurrences(*m_textView, {services.workers, [&presenter = services.presenter] { presenter.beep(); },
+                                  [this](const QString &message) { emit messageShown(message, messageTime); }}),
       m_counter(new TextCounter(*m_textView, {services.scheduler, services.workers}, this))
 {
     setAccessibleRole(*this, QAccessible::Grouping);
@@ -85,7 +84,9 @@ const ActionRow *EditorViewController::actionFor(const Action &wanted) const
 {
     static constexpr auto rows = std::to_array<ActionRow>({
         action<&EditorViewController::performTextFinderAction, &EditorViewController::textFinderActionState>(Actions::find),
-        action<&EditorViewController::clearFindHistory, &EditorViewController::hasFindHistory>(Actions::clearFindHistory),
+        action<&EditorViewController::selectNextOccurrence>(Actions::selectNextOccurrence),
+        action<&EditorViewController::skipOccurrence>(Actions::skipOccurrence),
+        action<&EditorViewController::selectAllOccurrences>(Actions::selectAllOccurrences),
         action<&EditorViewController::toggleSpelling, &EditorViewController::spellingState>(Actions::toggleContinuousSpellChecking),
         action<&EditorViewController::checkSpelling, &EditorViewController::canCheckSpelling>(Actions::checkSpelling),
         action<&EditorViewController::showSpellingPanel, &EditorViewController::hasSpelling>(Actions::showGuessPanel),
@@ -101,16 +102,6 @@ void EditorViewController::performTextFinderAction(const ActionSender &sender)
 ActionState EditorViewController::textFinderActionState(const ActionSender &sender) const
 {
     return m_findBar->textFinderActionState(sender);
-}
-
-void EditorViewController::clearFindHistory()
-{
-    m_services.find.history().clear();
-}
-
-bool EditorViewController::hasFindHistory() const
-{
-    return !m_services.find.history().isEmpty();
 }
 
 void EditorViewController::retranslate()
@@ -130,6 +121,10 @@ void EditorViewController::observe()
     });
     connect(m_textView, &TextView::visibleRowsChanged, this, &EditorViewController::scheduleVisibleHighlight);
     connect(m_textView, &TextView::selectionChanged, this, &EditorViewController::stateChanged);
+    connect(m_finder, &TextFinder::allHitsWanted, this, [this] {
+        m_textView->setFocus();
+        m_occurrences.selectAllHits(m_finder->query());
+    });
     connect(m_textView, &EditorTextView::filesDropped, this, &EditorViewController::filesDropped);
     connect(m_textView, &EditorTextView::activated, this, [this] {
         if (m_spelling) {

@@ -5,6 +5,7 @@
 #include "Base/NotificationCenter.h"
 #include "Commands/Responder.h"
 #include "Editor/EditorTextView.h"
+#include "Find/OccurrenceSelector.h"
 #include "Text/LineNumber.h"
 
 #include "Vim/VimExCommands.h"
@@ -102,8 +103,9 @@ private:
     void retranslate();
     void performTextFinderAction(const ActionSender &sender);
     [[nodiscard]] ActionState textFinderActionState(const ActionSender &sender) const;
-    void clearFindHistory();
-    [[nodiscard]] bool hasFindHistory() const;
+    void selectNextOccurrence() { m_occurrences.selectNext(); }
+    void skipOccurrence() { m_occurrences.skip(); }
+    void selectAllOccurrences() { m_occurrences.selectAll(); }
     void applyPreferences();
     void applyTheme();
     void followCaret();
@@ -152,6 +154,7 @@ private:
     ExternalChangeBanner *m_suggestionBanner = nullptr;
     TextFinder *m_finder;
     FindBar *m_findBar;
+    OccurrenceSelector m_occurrences;
     TextCounter *m_counter;
     std::unique_ptr<SpellingController> m_spelling;
     /// The file that it was last kept for.

@@ -205,7 +205,15 @@ void EditorVim::runEnteredCommand()
 void EditorVim::vimEngineDidChangeState(VimEngine & /*engine*/)
 {
     if (m_engine) {
+        keepOneCaret();
         m_callbacks.stateChanged();
+    }
+}
+
+void EditorVim::keepOneCaret()
+{
+    if (m_engine && m_engine->mode() != VimEngine::Mode::insert && !m_view.selections().isSingle()) {
+        m_view.setSelection(m_view.selection());
     }
 }
 

@@ -45,6 +45,8 @@ public:
     bool handleInputMethod(const QInputMethodEvent &event);
     /// The view loses the keyboard, or something is undone in it: what is typed after that is another step of undo.
     void breakInsertSession() { m_engine->pauseInsertSession(); }
+    /// Only what is typed in insert mode goes to several carets.
+    void keepOneCaret();
 
 private:
     [[nodiscard]] VimKeyEvent translated(const QKeyEvent &event) const;

@@ -4,10 +4,31 @@
 
 #include <utility>
 
-void FindState::setQuery(const SearchQuery &query, Kept kept)
+namespace {
+
+void putFirst(QStringList &history, const QString &entry)
 {
-    m_history.add(FindHistory::Kind::searches, query.pattern, kept);
+    if (entry.isEmpty()) {
+        return;
+    }
+    history.removeAll(entry);
+    history.prepend(entry);
+    if (history.size() > FindState::mostEntries) {
+        history.removeLast();
+    }
+}
+
+} // namespace
+
+void FindState::setQuery(const SearchQuery &query)
+{
+    putFirst(m_searches, query.pattern);
     if (std::exchange(m_query, query) != query) {
         m_observers.post("queryDidChange", this);
     }
+}
+
+void FindState::addReplacement(const QString &replacement)
+{
+    putFirst(m_replacements, replacement);
 }

@@ -10,6 +10,7 @@
 namespace {
 
 constexpr std::chrono::milliseconds longestPause(1000);
+constexpr qsizetype unitsPerSelection = sizeof(CaretSelection) / sizeof(char16_t);
 
 /// Behind what was changed, for want of a selection.
 std::optional<TextSelection> behind(const TextEdits &inverse)
@@ -28,14 +29,14 @@ UndoManager::UndoManager(TextStorage &storage, Clock clock, QObject *parent)
 
 UndoManager::~UndoManager() = default;
 
-void UndoManager::beginGroup(GroupKind kind, TextSelection before, const void *view)
+void UndoManager::beginGroup(GroupKind kind, const Selections &before, const void *view)
 {
     if (m_depth++ > 0)
         return;
     m_next = {.kind = kind, .view = view, .before = before, .after = {}, .edits = {}};
 }
 
-void UndoManager::endGroup(TextSelection after)
+void UndoManager::endGroup(const Selections &after)
 {
     Q_ASSERT(m_depth > 0);
     if (--m_depth > 0)
@@ -70,7 +71,8 @@ void UndoManager::openGroup(const TextChange &first)
     dropRedo();
     if (m_depth == 0) {
         const TextRange edited = first.edits[0].range;
-        m_next = {.kind = GroupKind::other, .view = nullptr, .before = {edited.location, edited.end()}, .after = {}, .edits = {}};
+        m_next = {
+            .kind = GroupKind::other, .view = nullptr, .before = TextSelection{edited.location, edited.end()}, .after = {}, .edits = {}};
     }
     m_isOpen = true;
     if (continuesLastGroup(first.edits)) {
@@ -117,7 +119,7 @@ void UndoManager::addStep(TextEdits inverse)
     }
 }
 
-void UndoManager::closeGroup(TextSelection after)
+void UndoManager::closeGroup(const Selections &after)
 {
     m_isOpen = false;
     m_mayCoalesce = true;
@@ -127,14 +129,14 @@ void UndoManager::closeGroup(TextSelection after)
     for (m_steps.pop_back(); !m_steps.empty(); m_steps.pop_back())
         group.edits = group.edits.followedBy(m_steps.back());
     m_units -= group.units;
-    group.units = 0;
+    group.units = qsizetype(group.before.count() + group.after.count() - 2) * unitsPerSelection;
     for (const TextEdit &edit : group.edits)
         group.units += edit.range.length + edit.text.length();
     m_units += group.units;
     dropOldGroups();
 }
 
-std::optional<TextSelection> UndoManager::undo()
+std::optional<Selections> UndoManager::undo()
 {
     if (!canUndo() || isGrouping())
         return std::nullopt;
@@ -143,7 +145,7 @@ std::optional<TextSelection> UndoManager::undo()
     return group.before;
 }
 
-std::optional<TextSelection> UndoManager::redo()
+std::optional<Selections> UndoManager::redo()
 {
     if (!canRedo() || isGrouping())
         return std::nullopt;
@@ -188,8 +190,10 @@ void UndoManager::markSavePoint()
 {
     if (m_isOpen) {
         // What the caller's group still brings is not saved, so it becomes a group behind this one.
-        m_next.before = behind(m_steps.back()).value_or(m_next.before);
-        closeGroup(m_next.before);
+        if (const auto place = behind(m_steps.back()))
+            m_next.before = *place;
+        const Selections after = m_next.before;
+        closeGroup(after);
     }
     m_savePoint = m_done;
     m_mayCoalesce = false;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Text/Selections.h"
 #include "Text/TextStorage.h"
 
 #include <QObject>
@@ -34,18 +35,18 @@ public:
 
     /// `view` only tells groups of different views apart. Calls nest, and the outermost ones count. A group without changes leaves no
     /// trace.
-    void beginGroup(GroupKind kind, TextSelection before, const void *view);
-    void endGroup(TextSelection after);
+    void beginGroup(GroupKind kind, const Selections &before, const void *view);
+    void endGroup(const Selections &after);
     [[nodiscard]] bool isGrouping() const { return m_depth > 0; }
     /// The next group begins anew: to be called when the caret jumps, the focus changes, the document is saved.
     void breakCoalescing() { m_mayCoalesce = false; }
 
     [[nodiscard]] bool canUndo() const { return m_done > 0; }
     [[nodiscard]] bool canRedo() const { return m_done < qsizetype(m_groups.size()); }
-    /// Takes back the last group in one change and returns the selection from before it. Nothing when there is none, or a group is open.
-    std::optional<TextSelection> undo();
-    /// Repeats the group taken back last and returns the selection from after it.
-    std::optional<TextSelection> redo();
+    /// Takes back the last group in one change and returns the selections from before it. Nothing when there is none, or a group is open.
+    std::optional<Selections> undo();
+    /// Repeats the group taken back last and returns the selections from after it.
+    std::optional<Selections> redo();
 
     /// Forgets all groups; the text stays at the save point if it is there now.
     void removeAllActions();
@@ -60,7 +61,7 @@ public:
     /// The change under way takes the text to a state that it had before, or had after a group that was undone.
     [[nodiscard]] bool isReplaying() const { return m_isReplaying; }
 
-    /// UTF-16 code units of removed and inserted text that are kept.
+    /// UTF-16 code units of removed and inserted text that are kept, and as many as take the place of the selections beside the primary.
     [[nodiscard]] qsizetype units() const { return m_units; }
     /// How many UTF-16 code units of removed and inserted text are kept at most, 256 Mi without a call; the last group is kept whatever
     /// its size.
@@ -86,8 +87,8 @@ private:
     struct Group {
         GroupKind kind = GroupKind::other;
         const void *view = nullptr;
-        TextSelection before;
-        TextSelection after;
+        Selections before;
+        Selections after;
         std::chrono::milliseconds time{0};
         /// Takes the group back while it is done, makes it again while it is not.
         TextEdits edits;
@@ -125,7 +126,7 @@ private:
     void openGroup(const TextChange &first);
     [[nodiscard]] bool continuesLastGroup(const TextEdits &first) const;
     void addStep(TextEdits inverse);
-    void closeGroup(TextSelection after);
+    void closeGroup(const Selections &after);
     [[nodiscard]] Group &lastDone() { return m_groups[size_t(m_done) - 1]; }
     void replay(Group &group, qsizetype done);
     void forgetAll();

@@ -370,7 +370,8 @@ void StatusBarView::showMissingCharacters()
 
 QString StatusBarView::positionTitle() const
 {
-    QString title = formatted(localized(u"Ln %d, Col %d"), qsizetype(m_state->line), m_state->column);
+    QString title = m_state->caretCount > 1 ? formatted(localized(u"%d carets"), m_state->caretCount)
+                                            : formatted(localized(u"Ln %d, Col %d"), qsizetype(m_state->line), m_state->column);
     if (m_state->selectionLength >= 1) {
         title += m_state->selectedLineCount < 2
                      ? formatted(localized(u"  (%d selected)"), m_state->selectionLength)

@@ -66,6 +66,9 @@ public:
         /// From 1, in UTF-16 code units.
         qsizetype column = 1;
         /// UTF-16 code units.
+        /// Several carets are counted instead of telling where one is.
+        qsizetype caretCount = 1;
+        /// Of all selections.
         qsizetype selectionLength = 0;
         /// Lines that the selection touches; 0 without one.
         qsizetype selectedLineCount = 0;

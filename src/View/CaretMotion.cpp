@@ -5,20 +5,29 @@
 #include "Text/Rope.h"
 #include "Text/TextBoundaries.h"
 
-namespace {
-
-Caret movedByRows(const Caret &caret, qint64 rows, LayoutManager &layout, const Rope &text)
+std::optional<Caret> movedByRows(const Caret &caret, qint64 rows, LayoutManager &layout)
 {
     RowPosition row = layout.rowOf(caret.offset, caret.affinity);
     const double x = caret.preferredX.value_or(layout.xOf(row, caret.offset));
     if (layout.step(row, rows) == 0) {
-        // Up in the first row goes to the text's start, down in the last to its end: the way to select all of a last line.
-        return {rows < 0 ? 0 : text.length(), Affinity::downstream, x};
+        return std::nullopt;
     }
     const TextRange range = layout.rangeOf(row);
     const qsizetype offset = layout.offsetAt(row, x);
     const bool isAtWrap = offset == range.end() && !layout.endsLine(row);
-    return {offset, isAtWrap ? Affinity::upstream : Affinity::downstream, x};
+    return Caret{offset, isAtWrap ? Affinity::upstream : Affinity::downstream, x};
+}
+
+namespace {
+
+/// Up in the first row goes to the text's start, down in the last to its end: the way to select all of a last line.
+Caret movedOrToEnd(const Caret &caret, qint64 rows, LayoutManager &layout, const Rope &text)
+{
+    if (const auto there = movedByRows(caret, rows, layout)) {
+        return *there;
+    }
+    const double x = caret.preferredX.value_or(layout.xOf(layout.rowOf(caret.offset, caret.affinity), caret.offset));
+    return {rows < 0 ? 0 : text.length(), Affinity::downstream, x};
 }
 
 Caret movedToRowStart(const Caret &caret, LayoutManager &layout, const Rope &text)
@@ -57,13 +66,13 @@ Caret moved(const Caret &caret, Motion motion, LayoutManager &layout, const Rope
     case Motion::wordRight:
         return at(TextBoundaries::nextWordStart(text, caret.offset));
     case Motion::up:
-        return movedByRows(caret, -1, layout, text);
+        return movedOrToEnd(caret, -1, layout, text);
     case Motion::down:
-        return movedByRows(caret, 1, layout, text);
+        return movedOrToEnd(caret, 1, layout, text);
     case Motion::pageUp:
-        return movedByRows(caret, -rowsPerPage, layout, text);
+        return movedOrToEnd(caret, -rowsPerPage, layout, text);
     case Motion::pageDown:
-        return movedByRows(caret, rowsPerPage, layout, text);
+        return movedOrToEnd(caret, rowsPerPage, layout, text);
     case Motion::rowStart:
         return movedToRowStart(caret, layout, text);
     case Motion::rowEnd:

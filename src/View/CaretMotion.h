@@ -4,15 +4,6 @@
 
 #include "View/LayoutManager.h"
 
-class Rope;
-
-/// Where a caret stands. Moving up and down keeps `preferredX` (pixels along the row), so that short rows do not pull it left for good.
-struct Caret {
-    qsizetype offset = 0;
-    Affinity affinity = Affinity::downstream;
-    std::optional<double> preferredX;
-};
-
 enum class Motion {
     left,
     right,
@@ -28,6 +19,9 @@ enum class Motion {
     textStart,
     textEnd,
 };
+
+/// So many rows down, or up when negative, as far as there are rows; none when there is not one.
+[[nodiscard]] std::optional<Caret> movedByRows(const Caret &caret, qint64 rows, LayoutManager &layout);
 
 /// The caret after one motion; where there is no way to go it stays. By grapheme, never into a CR LF.
 [[nodiscard]] Caret moved(const Caret &caret, Motion motion, LayoutManager &layout, const Rope &text, qint64 rowsPerPage);

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Text/LongLine.h"
-#include "Text/TextEdits.h"
+#include "Text/Selections.h"
 #include "View/RowMap.h"
 #include "View/SegmentLayout.h"
 
@@ -12,9 +12,6 @@
 #include <memory>
 
 class TextStorage;
-
-/// Where a caret between two rows of one wrapped line belongs: at the end of the upper or at the start of the lower row.
-enum class Affinity { downstream, upstream };
 
 /// One row of a view's text. Without wrapping a line is one row, however long.
 struct RowPosition {

@@ -184,16 +184,19 @@ void SegmentLayout::drawRow(QPainter &painter, int row, double x, double top) co
     m_layout.lineAt(row).draw(&painter, {x, top - row * m_rowHeight});
 }
 
-void SegmentLayout::drawRow(QPainter &painter, int row, double x, double top, TextRange recolored, const QColor &color) const
+void SegmentLayout::drawRow(QPainter &painter, int row, double x, double top, std::span<const TextRange> recolored,
+                            const QColor &color) const
 {
-    const TextRange units = recolored.intersected(m_range);
-    const int start = layoutIndex(units.location);
-    QTextLayout::FormatRange format{start, layoutIndex(units.end()) - start, {}};
-    format.format.setForeground(color);
+    QList<QTextLayout::FormatRange> formats;
+    for (const TextRange units : recolored) {
+        const int start = layoutIndex(units.location);
+        formats.append({start, layoutIndex(units.end()) - start, {}});
+        formats.last().format.setForeground(color);
+    }
     // The layout draws all of its rows, or so many as it thinks the clip is about.
     const QRectF clip(x - m_rowHeight, top, m_width + 2 * m_rowHeight, m_rowHeight);
     painter.save();
     painter.setClipRect(clip, Qt::IntersectClip);
-    m_layout.draw(&painter, {x, top - row * m_rowHeight}, {format}, clip);
+    m_layout.draw(&painter, {x, top - row * m_rowHeight}, formats, clip);
     painter.restore();
 }

@@ -6,6 +6,8 @@
 
 #include <QTextLayout>
 
+#include <span>
+
 #include <optional>
 
 class TextStorage;
@@ -68,8 +70,8 @@ public:
 
     /// Draws one row with its top at `top` and its left edge at `x`.
     void drawRow(QPainter &painter, int row, double x, double top) const;
-    /// The same with what lies in `recolored` in `color`.
-    void drawRow(QPainter &painter, int row, double x, double top, TextRange recolored, const QColor &color) const;
+    /// The same with `recolored`, which lie in the range, in `color`.
+    void drawRow(QPainter &painter, int row, double x, double top, std::span<const TextRange> recolored, const QColor &color) const;
 
     quint64 lastUse = 0;
 

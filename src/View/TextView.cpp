@@ -7,6 +7,7 @@
 #include "Text/PasteboardText.h"
 #include "Text/TextBoundaries.h"
 #include "Text/TextStorage.h"
+#include "View/SeveralCarets.h"
 #include "View/TextViewAccessible.h"
 
 #include <QApplication>
@@ -54,7 +55,7 @@ bool canRedo(const TextView &view)
 
 bool hasSelection(const TextView &view)
 {
-    return !view.selection().isEmpty();
+    return view.selections().hasSelected();
 }
 
 bool canCut(const TextView &view)
@@ -75,6 +76,9 @@ const ActionRow *TextView::actionFor(const Action &wanted) const
         action<&TextView::deleteSelection, canCut>(Actions::deleteSelection),
         action<&TextView::selectAll>(Actions::selectAll),
         action<&TextView::centerSelection>(Actions::centerSelection),
+        action<&TextView::addCaretAbove>(Actions::addCaretAbove),
+        action<&TextView::addCaretBelow>(Actions::addCaretBelow),
+        action<&TextView::splitSelectionIntoLines, hasSelection>(Actions::splitSelectionIntoLines),
     });
     return findAction(rows, wanted);
 }
@@ -180,20 +184,27 @@ void TextView::showIndicator(TextRange range)
 
 // Editing
 
-bool TextView::apply(const TextEdits &edits, GroupKind kind, TextSelection after, Reveal reveal)
+bool TextView::apply(const TextEdits &edits, GroupKind kind, const Selections &after, Reveal reveal)
 {
     if (isReadOnly()) {
         return false;
     }
     {
         const QScopedValueRollback<bool> editing(m_isEditing, true);
-        m_undoManager.beginGroup(kind, selection(), this);
+        m_undoManager.beginGroup(kind, selections(), this);
         m_storage.apply(edits);
         m_undoManager.endGroup(after);
-        setCaret({after.caret, Affinity::downstream, {}}, after.anchor);
+        setCarets(after);
     }
     revealCaret(reveal);
     return true;
+}
+
+void TextView::run(const CaretStep &step, GroupKind kind)
+{
+    if (!step.edits.isEmpty() || step.after != selections()) {
+        apply(step.edits, kind, step.after);
+    }
 }
 
 void TextView::insertText(QStringView text, TextRange range)
@@ -203,8 +214,7 @@ void TextView::insertText(QStringView text, TextRange range)
 
 void TextView::typeText(QStringView text)
 {
-    const TextRange range = selection().range();
-    apply({range, text}, GroupKind::typing, TextSelection::at(range.location + text.length()));
+    run(CaretEditing::typed(selections(), Rope(text)), GroupKind::typing);
 }
 
 void TextView::removeRange(TextRange range, GroupKind kind)
@@ -221,17 +231,17 @@ void TextView::storageChanged(const TextChange &change)
     const TextSelection before = selection();
     m_layout.textChanged(change);
     m_port.textChanged(change, m_isEditing ? Viewport::Editor::thisView : Viewport::Editor::another);
-    // Everything that remembers a place in the text goes where that text went.
-    const TextSelection mapped = change.mapped(before);
-    m_caret.place = {mapped.caret, Affinity::downstream, {}};
-    m_caret.anchor = mapped.anchor;
+    // Everything that remembers a place in the text goes where that text went. The carets of the view that edits are set right after, so
+    // only one of them needs a place until then.
+    const bool hadSeveral = !selections().isSingle();
+    m_caret.selections = m_isEditing ? Selections(change.mapped(before)) : selections().mapped(change);
     m_caret.shown.reset();
     m_pointer.textChanged(change);
     m_painter.indicator.textChanged(change);
     if (isComposing()) {
         m_input.movePreedit();
     }
-    if (m_port.settle()) {
+    if (m_port.settle() || hadSeveral) {
         viewport()->update();
     }
     updateForChange(change);
@@ -281,15 +291,16 @@ void TextView::updateRows(TextRange range)
 
 // Selection
 
-void TextView::setCaret(const Caret &caret, qsizetype anchor)
+void TextView::setCarets(const Selections &wanted)
 {
+    const bool isSame = selections() == wanted;
+    const bool hadSeveral = !selections().isSingle();
     const TextSelection before = selection();
     const QRectF rowBefore = m_caret.rowBox();
     m_caret.repaint();
     m_caret.shown.reset();
-    m_caret.place = caret;
-    m_caret.anchor = anchor;
-    if (isComposing() && m_layout.preedit().offset != m_caret.place.offset) {
+    m_caret.selections = wanted;
+    if (isComposing() && m_layout.preedit().offset != m_caret.place().offset) {
         m_input.movePreedit();
     }
     m_caret.restartBlinking();
@@ -298,23 +309,14 @@ void TextView::setCaret(const Caret &caret, qsizetype anchor)
         viewport()->update(row.toAlignedRect());
     }
     // An edit of this view has already moved the ends along with the text, which is no reason to keep silent about it.
-    if (selection() == before && !m_isEditing) {
+    if (isSame && !m_isEditing) {
         m_caret.repaint();
         return;
     }
-    // Rows between the old and the new ends change their look; with no selection at all only the carets do.
-    if (!before.isEmpty() || !selection().isEmpty()) {
-        const auto changed = [this](qsizetype a, qsizetype b) {
-            if (a != b) {
-                updateRows(TextRange::spanning(a, b).clampedTo(m_storage.length()));
-            }
-        };
-        if (before.anchor == m_caret.anchor) {
-            changed(before.caret, m_caret.place.offset);
-        } else {
-            changed(before.anchor, before.caret);
-            changed(m_caret.anchor, m_caret.place.offset);
-        }
+    if (hadSeveral || !wanted.isSingle()) {
+        viewport()->update();
+    } else {
+        updateSelected(before);
     }
     m_caret.repaint();
     if (hasFocus()) {
@@ -327,13 +329,35 @@ void TextView::setCaret(const Caret &caret, qsizetype anchor)
     emit selectionChanged();
 }
 
-void TextView::setSelection(TextSelection selection, Reveal reveal)
+/// Rows between the old and the new ends change their look; with no selection at all only the carets do.
+void TextView::updateSelected(TextSelection before)
 {
-    const auto legal = [this](qsizetype offset) { return TextBoundaries::snapped(m_storage.text(), offset); };
-    if (legal(selection.caret) != m_caret.place.offset) {
+    if (!before.isEmpty() || !selection().isEmpty()) {
+        const auto changed = [this](qsizetype a, qsizetype b) {
+            if (a != b) {
+                updateRows(TextRange::spanning(a, b).clampedTo(m_storage.length()));
+            }
+        };
+        if (before.anchor == m_caret.anchor()) {
+            changed(before.caret, m_caret.place().offset);
+        } else {
+            changed(before.anchor, before.caret);
+            changed(m_caret.anchor(), m_caret.place().offset);
+        }
+    }
+}
+
+void TextView::setSelection(const Selections &wanted, Reveal reveal)
+{
+    std::vector<CaretSelection> all(wanted.begin(), wanted.end());
+    for (CaretSelection &one : all) {
+        one.caret.offset = TextBoundaries::snapped(m_storage.text(), one.caret.offset);
+        one.anchor = TextBoundaries::snapped(m_storage.text(), one.anchor);
+    }
+    if (all[wanted.primaryIndex()].caret.offset != m_caret.place().offset) {
         m_undoManager.breakCoalescing();
     }
-    setCaret({legal(selection.caret), Affinity::downstream, {}}, legal(selection.anchor));
+    setCarets(Selections::merged(std::move(all), wanted.primaryIndex()));
     revealCaret(reveal);
 }
 
@@ -341,7 +365,7 @@ void TextView::showCaretAt(TextSelection selection, qsizetype place)
 {
     setSelection(selection);
     const qsizetype shown = TextBoundaries::snapped(m_storage.text(), place);
-    if (shown != m_caret.place.offset) {
+    if (shown != m_caret.place().offset) {
         m_caret.repaint();
         viewport()->update(m_caret.rowBox().toAlignedRect());
         m_caret.shown = shown;
@@ -411,7 +435,7 @@ void TextView::redo()
     replay(&UndoManager::redo);
 }
 
-void TextView::replay(std::optional<TextSelection> (UndoManager::*step)())
+void TextView::replay(std::optional<Selections> (UndoManager::*step)())
 {
     m_input.commit();
     if (isReadOnly()) {
@@ -426,16 +450,16 @@ void TextView::replay(std::optional<TextSelection> (UndoManager::*step)())
 
 void TextView::copy()
 {
-    const TextRange range = selection().range();
-    if (range.isEmpty()) {
-        return;
+    if (selections().isSingle() && !selection().isEmpty()) {
+        setText(m_services.pasteboard, m_storage.text().slice(selection().range()));
+    } else if (selections().hasSelected()) {
+        setPieces(m_services.pasteboard, m_storage.text(), selections());
     }
-    setText(m_services.pasteboard, m_storage.text().slice(range));
 }
 
 void TextView::cut()
 {
-    if (!isReadOnly() && !selection().isEmpty()) {
+    if (!isReadOnly() && selections().hasSelected()) {
         m_input.commit();
         copy();
         deleteSelection();
@@ -446,14 +470,17 @@ void TextView::paste()
 {
     m_input.commit();
     const QString text = m_services.pasteboard.text();
-    if (!text.isEmpty()) {
-        insertText(withLineFeeds(text), selection().range());
+    if (text.isEmpty()) {
+        return;
     }
+    const auto pieces = selections().isSingle() ? std::nullopt : piecesOf(m_services.pasteboard, text, selections().count());
+    run(pieces ? CaretEditing::typed(selections(), *pieces) : CaretEditing::typed(selections(), Rope(withLineFeeds(text))),
+        GroupKind::other);
 }
 
 void TextView::deleteSelection()
 {
-    removeRange(selection().range(), GroupKind::other);
+    run(CaretEditing::withoutSelected(selections()), GroupKind::other);
 }
 
 void TextView::selectAll()
@@ -461,6 +488,26 @@ void TextView::selectAll()
     m_input.commit();
     m_undoManager.breakCoalescing();
     setCaret({m_storage.length(), Affinity::downstream, {}}, 0);
+}
+
+// Several carets
+
+void TextView::addCaretAbove()
+{
+    m_input.commit();
+    setSelection(SeveralCarets::besideEach(selections(), SeveralCarets::Side::above, m_layout), Reveal::nearest);
+}
+
+void TextView::addCaretBelow()
+{
+    m_input.commit();
+    setSelection(SeveralCarets::besideEach(selections(), SeveralCarets::Side::below, m_layout), Reveal::nearest);
+}
+
+void TextView::splitSelectionIntoLines()
+{
+    m_input.commit();
+    setSelection(CaretEditing::splitIntoLines(m_storage.text(), selections()));
 }
 
 // Focus and the caret
@@ -505,11 +552,16 @@ void TextView::changeEvent(QEvent *event)
 void TextView::paintEvent(QPaintEvent *event)
 {
     m_caret.wasSeen = !m_caret.box().isEmpty();
+    std::vector<QRectF> carets;
+    if (m_caret.isToBeSeen()) {
+        carets = m_caret.otherBoxes();
+        carets.push_back(m_caret.box());
+    }
     QPainter painter(viewport());
     m_painter.paint(painter, event->rect(), m_storage.text(),
-                    {.selected = selection().range(),
+                    {.selections = selections(),
                      .caretRow = window()->focusWidget() == this ? m_caret.rowBox() : QRectF(),
-                     .caret = m_caret.isToBeSeen() ? std::optional(m_caret.box()) : std::nullopt,
+                     .carets = std::move(carets),
                      .dropCaret = m_pointer.dropCaret(),
                      .paintBehind = [&](const Viewport::VisibleRow &row, Span visible) { paintBehind(painter, row, visible); }});
     m_scroller.noticeWidths();

@@ -4,6 +4,7 @@
 
 #include "Base/Scheduler.h"
 #include "Commands/Responder.h"
+#include "Text/CaretEditing.h"
 #include "Text/UndoManager.h"
 #include "View/CaretMotion.h"
 #include "View/TextViewCaret.h"
@@ -69,9 +70,11 @@ public:
     /// Draws the eye to `range`, which is seen already: a highlight that fades within a second.
     void showIndicator(TextRange range);
 
+    /// The primary one of the selections.
     [[nodiscard]] TextSelection selection() const { return m_caret.selection(); }
-    /// Both ends are clamped to the text and moved to grapheme boundaries.
-    void setSelection(TextSelection selection, Reveal reveal = Reveal::no);
+    [[nodiscard]] const Selections &selections() const { return m_caret.selections; }
+    /// All ends are clamped to the text and moved to grapheme boundaries.
+    void setSelection(const Selections &selections, Reveal reveal = Reveal::no);
     [[nodiscard]] QString selectedText() const;
     void revealCaret(Reveal reveal = Reveal::nearest);
     /// As the view was painted last.
@@ -82,9 +85,9 @@ public:
     [[nodiscard]] double scrollOffset() { return m_port.position().y(); }
     void setScrollOffset(double pixels);
 
-    /// The one way by which this view changes its text: `edits` as one step of undo, and then the selection `after`. False, and nothing is
+    /// The one way by which this view changes its text: `edits` as one step of undo, and then the selections `after`. False, and nothing is
     /// changed, when the view is read-only.
-    bool apply(const TextEdits &edits, GroupKind kind, TextSelection after, Reveal reveal = Reveal::nearest);
+    bool apply(const TextEdits &edits, GroupKind kind, const Selections &after, Reveal reveal = Reveal::nearest);
     /// Puts `text` in place of `range` and the caret behind it.
     void insertText(QStringView text, TextRange range);
     /// Selects, and shows the caret at `place` instead of at the selection's end, until one of them changes; scrolls until it is seen.
@@ -118,14 +121,20 @@ protected:
     void paste();
     void deleteSelection();
     void selectAll();
+    void addCaretAbove();
+    void addCaretBelow();
+    void splitSelectionIntoLines();
     virtual void insertNewline();
     virtual void insertTab();
     virtual void insertBacktab();
     virtual void deleteBackward();
     void deleteForward();
     enum class Anchor { moves, stays };
+    /// All carets.
     void move(Motion motion, Anchor anchor = Anchor::moves);
     void deleteTo(Motion motion);
+    /// What a command does at every caret.
+    void run(const CaretStep &step, GroupKind kind);
     void scrollRows(int rows);
 
     /// Paints what is behind marks, selection and text of one row; `visible` is along the row.
@@ -163,11 +172,13 @@ private:
     enum class Kept { topRow, caretIfSeen };
     void applySettings(LayoutManager::Settings settings, Kept kept = Kept::topRow);
     [[nodiscard]] LayoutManager::Settings settingsForViewport() const;
-    void replay(std::optional<TextSelection> (UndoManager::*step)());
+    void replay(std::optional<Selections> (UndoManager::*step)());
     void storageChanged(const TextChange &change);
     void storageStylesChanged(const std::vector<TextRange> &ranges);
     void updateForChange(const TextChange &change);
-    void setCaret(const Caret &caret, qsizetype anchor);
+    void setCaret(const Caret &caret, qsizetype anchor) { setCarets(Selections(CaretSelection{.caret = caret, .anchor = anchor})); }
+    void setCarets(const Selections &selections);
+    void updateSelected(TextSelection before);
     void viewMoved();
     void updateRows(TextRange range);
     void applyPaletteColors();
@@ -176,6 +187,8 @@ private:
 
     struct KeyCommand;
     [[nodiscard]] static const KeyCommand *commandFor(const QKeyEvent &event);
+    /// Escape leaves only the primary one of several.
+    [[nodiscard]] bool givesUpCarets(const QKeyEvent &event) const;
     void removeRange(TextRange range, GroupKind kind);
     void typeText(QStringView text);
 

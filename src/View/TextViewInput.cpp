@@ -80,12 +80,12 @@ void TextViewInput::handle(QInputMethodEvent &event)
     endComposing();
     if (changesText) {
         insert(event);
-    } else if (beginsComposing && !m_view.selection().isEmpty()) {
+    } else if (beginsComposing && m_view.selections().hasSelected()) {
         m_view.deleteSelection();
     }
     for (const QInputMethodEvent::Attribute &attribute : event.attributes()) {
         if (attribute.type == QInputMethodEvent::Selection) {
-            const TextRange around = surroundingRange(m_view.m_storage.text(), m_view.m_caret.place.offset);
+            const TextRange around = surroundingRange(m_view.m_storage.text(), m_view.m_caret.place().offset);
             const qsizetype from = around.location + attribute.start;
             m_view.setSelection({from, from + attribute.length}, TextView::Reveal::nearest);
         }
@@ -94,7 +94,7 @@ void TextViewInput::handle(QInputMethodEvent &event)
         const PreeditLook look = lookOf(event);
         m_caret = look.caret;
         m_isCaretShown = look.isCaretShown;
-        m_view.m_layout.setPreedit({m_view.m_caret.place.offset, event.preeditString(), look.formats});
+        m_view.m_layout.setPreedit({m_view.m_caret.place().offset, event.preeditString(), look.formats});
     }
     m_view.m_port.settle();
     m_view.revealCaret();
@@ -112,13 +112,16 @@ void TextViewInput::insert(const QInputMethodEvent &event)
         m_view.typeText(text);
         return;
     }
-    // The replacement counts from the caret, which after a selection is deleted stands at its start.
-    const TextRange selected = m_view.selection().range();
-    const TextEdits removal(selected, Rope());
-    const Rope rest = removal.applied(m_view.m_storage.text());
-    const qsizetype from = std::clamp<qsizetype>(selected.location + event.replacementStart(), 0, rest.length());
-    const TextRange range = wholePairs(rest, TextRange{from, event.replacementLength()}.clampedTo(rest.length()));
-    m_view.apply(removal.followedBy({range, text}), GroupKind::typing, TextSelection::at(range.location + text.length()));
+    // The replacement counts from the caret, which after a selection is deleted stands at its start. At the other carets the same is
+    // replaced beside them.
+    const CaretStep removal = CaretEditing::withoutSelected(m_view.selections());
+    const Rope rest = removal.edits.applied(m_view.m_storage.text());
+    const CaretStep step = CaretEditing::replaced(removal.after, [&](const CaretSelection &one, size_t) {
+        const qsizetype from = std::clamp<qsizetype>(one.caret.offset + event.replacementStart(), 0, rest.length());
+        const TextRange range = wholePairs(rest, TextRange{from, event.replacementLength()}.clampedTo(rest.length()));
+        return CaretEditing::Replacement{range, Rope(text)};
+    });
+    m_view.apply(removal.edits.followedBy(step.edits), GroupKind::typing, step.after);
 }
 
 bool TextViewInput::isComposing() const
@@ -137,7 +140,7 @@ void TextViewInput::endComposing()
 void TextViewInput::movePreedit()
 {
     LayoutManager::Preedit preedit = m_view.m_layout.preedit();
-    preedit.offset = m_view.m_caret.place.offset;
+    preedit.offset = m_view.m_caret.place().offset;
     m_view.m_layout.setPreedit(std::move(preedit));
     m_view.viewport()->update();
 }
@@ -165,7 +168,7 @@ bool TextViewInput::isCancelledBy(const QKeyEvent &event)
 QVariant TextViewInput::answer(Qt::InputMethodQuery query) const
 {
     const Rope &text = m_view.m_storage.text();
-    const TextRange around = surroundingRange(text, m_view.m_caret.place.offset);
+    const TextRange around = surroundingRange(text, m_view.m_caret.place().offset);
     const TextRange selected = m_view.selection().range();
     switch (query) {
     case Qt::ImEnabled:
@@ -179,9 +182,9 @@ QVariant TextViewInput::answer(Qt::InputMethodQuery query) const
     case Qt::ImCursorRectangle:
         return m_view.caretRectangle();
     case Qt::ImAnchorRectangle: {
-        const RowPosition row = m_view.m_layout.rowOf(m_view.m_caret.anchor);
+        const RowPosition row = m_view.m_layout.rowOf(m_view.m_caret.anchor());
         const double top = m_view.m_port.topOf(row).value_or(0);
-        return QRectF(m_view.m_port.left() + m_view.m_layout.xOf(row, m_view.m_caret.anchor), top, 1, m_view.m_layout.rowHeight())
+        return QRectF(m_view.m_port.left() + m_view.m_layout.xOf(row, m_view.m_caret.anchor()), top, 1, m_view.m_layout.rowHeight())
             .toAlignedRect()
             .translated(m_view.viewport()->pos());
     }
@@ -190,17 +193,17 @@ QVariant TextViewInput::answer(Qt::InputMethodQuery query) const
     case Qt::ImSurroundingText:
         return text.toString(around);
     case Qt::ImCursorPosition:
-        return static_cast<int>(m_view.m_caret.place.offset - around.location);
+        return static_cast<int>(m_view.m_caret.place().offset - around.location);
     case Qt::ImAnchorPosition:
-        return static_cast<int>(std::clamp(m_view.m_caret.anchor, around.location, around.end()) - around.location);
+        return static_cast<int>(std::clamp(m_view.m_caret.anchor(), around.location, around.end()) - around.location);
     case Qt::ImAbsolutePosition:
-        return static_cast<int>(m_view.m_caret.place.offset);
+        return static_cast<int>(m_view.m_caret.place().offset);
     case Qt::ImCurrentSelection:
         return text.toString({selected.location, std::min(selected.length, 2 * surroundingReach)});
     case Qt::ImTextBeforeCursor:
-        return text.toString(TextRange::between(around.location, m_view.m_caret.place.offset));
+        return text.toString(TextRange::between(around.location, m_view.m_caret.place().offset));
     case Qt::ImTextAfterCursor:
-        return text.toString(TextRange::between(m_view.m_caret.place.offset, around.end()));
+        return text.toString(TextRange::between(m_view.m_caret.place().offset, around.end()));
     default:
         return {};
     }

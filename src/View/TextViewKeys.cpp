@@ -11,6 +11,7 @@
 
 #include <QKeyEvent>
 
+#include <algorithm>
 #include <vector>
 
 /// What a chord does. With Shift held besides, a motion extends the selection.
@@ -126,12 +127,17 @@ bool isTextInput(const QKeyEvent &event)
 
 } // namespace
 
+bool TextView::givesUpCarets(const QKeyEvent &event) const
+{
+    return event.key() == Qt::Key_Escape && event.modifiers() == Qt::NoModifier && !selections().isSingle();
+}
+
 bool TextView::event(QEvent *event)
 {
     if (event->type() == QEvent::ShortcutOverride) {
         // Claimed: what the text takes. All else is left to the shortcuts of the window, and so is what may be AltGr but mostly is not.
         const auto &key = static_cast<const QKeyEvent &>(*event);
-        if (commandFor(key) || (isTextInput(key) && !hasControlAndAlt(key) && !isReadOnly())) {
+        if (commandFor(key) || givesUpCarets(key) || (isTextInput(key) && !hasControlAndAlt(key) && !isReadOnly())) {
             event->accept();
             return true;
         }
@@ -143,6 +149,10 @@ void TextView::keyPressEvent(QKeyEvent *event)
 {
     event->accept();
     if (m_input.isCancelledBy(*event)) {
+        return;
+    }
+    if (givesUpCarets(*event)) {
+        setSelection(selection(), Reveal::nearest);
         return;
     }
     if (const KeyCommand *row = commandFor(*event)) {
@@ -172,40 +182,42 @@ void TextView::keyPressEvent(QKeyEvent *event)
 void TextView::move(Motion motion, Anchor anchor)
 {
     m_undoManager.breakCoalescing();
-    const TextRange range = selection().range();
-    if (anchor == Anchor::stays) {
-        setCaret(moved(m_caret.place, motion, m_layout, m_storage.text(), m_port.rowsPerPage()), m_caret.anchor);
-        revealCaret();
-        return;
-    }
-    // The first arrow key only gives the selection up, at the side that it points to.
-    if (!range.isEmpty() && (motion == Motion::left || motion == Motion::right)) {
-        const qsizetype offset = motion == Motion::left ? range.location : range.end();
-        setCaret({offset, Affinity::downstream, {}}, offset);
-    } else {
-        const Caret caret = moved(m_caret.place, motion, m_layout, m_storage.text(), m_port.rowsPerPage());
-        const bool isPage = motion == Motion::pageUp || motion == Motion::pageDown;
-        const auto before = isPage ? m_port.topOf(m_layout.rowOf(m_caret.place.offset, m_caret.place.affinity)) : std::nullopt;
-        setCaret(caret, caret.offset);
-        if (before) {
-            // A page turns the text under the caret, which stays where it is on the screen.
-            m_port.scrollRows(motion == Motion::pageUp ? -m_port.rowsPerPage() : m_port.rowsPerPage());
-            viewMoved();
-            viewport()->update();
+    const bool isSideways = motion == Motion::left || motion == Motion::right;
+    const auto movedOne = [&](const CaretSelection &one) -> CaretSelection {
+        if (anchor == Anchor::moves && one.cellsBehind > 0 && motion == Motion::left) {
+            return {.caret = one.caret, .anchor = one.anchor, .cellsBehind = one.cellsBehind - 1};
         }
+        // The first arrow key only gives the selection up, at the side that it points to.
+        if (anchor == Anchor::moves && !one.isEmpty() && isSideways) {
+            return CaretSelection::at({motion == Motion::left ? one.range().location : one.range().end()});
+        }
+        const Caret caret = moved(one.caret, motion, m_layout, m_storage.text(), m_port.rowsPerPage());
+        return {.caret = caret, .anchor = anchor == Anchor::stays ? one.anchor : caret.offset};
+    };
+    std::vector<CaretSelection> all;
+    std::ranges::transform(selections(), std::back_inserter(all), movedOne);
+    const bool isPage = motion == Motion::pageUp || motion == Motion::pageDown;
+    const auto before =
+        isPage && anchor == Anchor::moves ? m_port.topOf(m_layout.rowOf(m_caret.place().offset, m_caret.place().affinity)) : std::nullopt;
+    setCarets(Selections::merged(std::move(all), selections().primaryIndex()));
+    if (before) {
+        // A page turns the text under the caret, which stays where it is on the screen.
+        m_port.scrollRows(motion == Motion::pageUp ? -m_port.rowsPerPage() : m_port.rowsPerPage());
+        viewMoved();
+        viewport()->update();
     }
     revealCaret();
 }
 
 void TextView::deleteTo(Motion motion)
 {
+    using enum CaretEditing::Direction;
     m_input.commit();
-    if (!selection().isEmpty()) {
-        deleteSelection();
-        return;
-    }
-    const qsizetype to = moved(m_caret.place, motion, m_layout, m_storage.text(), m_port.rowsPerPage()).offset;
-    removeRange(TextRange::spanning(to, m_caret.place.offset), GroupKind::other);
+    const bool isForward = motion == Motion::right || motion == Motion::wordRight || motion == Motion::rowEnd;
+    run(CaretEditing::removed(
+            selections(), isForward ? forward : backward,
+            [&](const CaretSelection &one) { return moved(one.caret, motion, m_layout, m_storage.text(), m_port.rowsPerPage()).offset; }),
+        GroupKind::other);
 }
 
 void TextView::insertNewline()
@@ -228,21 +240,19 @@ void TextView::insertBacktab()
 void TextView::deleteBackward()
 {
     m_input.commit();
-    if (!selection().isEmpty()) {
-        deleteSelection();
-        return;
-    }
-    removeRange(TextRange::between(TextBoundaries::previousGrapheme(m_storage.text(), m_caret.place.offset), m_caret.place.offset),
-                GroupKind::deletingBackward);
+    const GroupKind kind = selections().hasSelected() ? GroupKind::other : GroupKind::deletingBackward;
+    run(CaretEditing::removed(
+            selections(), CaretEditing::Direction::backward,
+            [this](const CaretSelection &one) { return TextBoundaries::previousGrapheme(m_storage.text(), one.caret.offset); }),
+        kind);
 }
 
 void TextView::deleteForward()
 {
     m_input.commit();
-    if (!selection().isEmpty()) {
-        deleteSelection();
-        return;
-    }
-    removeRange(TextRange::between(m_caret.place.offset, TextBoundaries::nextGrapheme(m_storage.text(), m_caret.place.offset)),
-                GroupKind::deletingForward);
+    const GroupKind kind = selections().hasSelected() ? GroupKind::other : GroupKind::deletingForward;
+    run(CaretEditing::removed(
+            selections(), CaretEditing::Direction::forward,
+            [this](const CaretSelection &one) { return TextBoundaries::nextGrapheme(m_storage.text(), one.caret.offset); }),
+        kind);
 }

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "View/TextViewPainter.h"
 
-#include "Desktop/PaletteBlend.h"
-
 #include <QPainter>
 
 #include <cmath>
@@ -12,8 +10,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Of the text's colour, in the ground of what is searched.
-constexpr double searchedShare = 0.12;
 constexpr float blockCaretAlpha = 0.45F;
 constexpr QColor indicatorColor(0xFF, 0xC8, 0x1E);
 constexpr QColor misspellingColor(0xE5, 0x3E, 0x3E);
@@ -76,9 +72,9 @@ void TextViewPainter::paint(QPainter &painter, QRectF area, const Rope &text, co
         frame.paintBehind(row, visible);
         paintMarks(painter, row, visible);
         paintUnsavable(painter, row, visible);
-        paintSelection(painter, row, visible, frame.selected);
+        paintSelections(painter, row, visible, frame.selections);
         paintIndicator(painter, row, visible);
-        paintText(painter, row, visible, frame.selected);
+        paintText(painter, row, visible, frame.selections);
         paintMisspellings(painter, row, visible);
         if (looks.invisibles == TextLooks::Visibility::shown) {
             paintInvisibles(painter, row, visible, text);
@@ -88,8 +84,8 @@ void TextViewPainter::paint(QPainter &painter, QRectF area, const Rope &text, co
     if (frame.dropCaret) {
         paintDropCaret(painter, *frame.dropCaret);
     }
-    if (frame.caret) {
-        paintCaret(painter, *frame.caret);
+    for (const QRectF &caret : frame.carets) {
+        paintCaret(painter, caret);
     }
 }
 
@@ -113,13 +109,6 @@ TextRange TextViewPainter::seenOf(const Viewport::VisibleRow &row, Span visible)
 
 void TextViewPainter::paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
 {
-    if (looks.searched) {
-        for (const TextRange searched : looks.searched(seenOf(row, visible))) {
-            for (const Span span : m_layout.spansOf(row.row, searched, visible)) {
-                painter.fillRect(box(row, span), blended(looks.colors.background, looks.colors.text, searchedShare));
-            }
-        }
-    }
     if (!looks.marks) {
         return;
     }
@@ -187,15 +176,24 @@ void TextViewPainter::paintUnsavable(QPainter &painter, const Viewport::VisibleR
     }
 }
 
+void TextViewPainter::paintSelections(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Selections &selections)
+{
+    const TextRange seen = selections.isSingle() ? m_layout.rangeOf(row.row) : seenOf(row, visible);
+    for (size_t i = selections.firstReaching(seen.location); i < selections.count(); ++i) {
+        const TextRange selected = selections[i].range();
+        if (selected.location > seen.end()) {
+            break;
+        }
+        paintSelection(painter, row, visible, selected);
+    }
+}
+
 void TextViewPainter::paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible, TextRange selected)
 {
     if (selected.isEmpty()) {
         return;
     }
     const TextRange units = m_layout.rangeOf(row.row);
-    if (selected.end() < units.location || selected.location > units.end()) {
-        return;
-    }
     for (const Span span : m_layout.spansOf(row.row, selected, visible)) {
         painter.fillRect(box(row, span), looks.colors.selection);
     }
@@ -238,14 +236,28 @@ void TextViewPainter::paintInvisibles(QPainter &painter, const Viewport::Visible
     }
 }
 
-void TextViewPainter::paintText(QPainter &painter, const Viewport::VisibleRow &row, Span visible, TextRange selected)
+void TextViewPainter::paintText(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Selections &selections)
 {
     painter.setPen(looks.colors.text);
-    const bool isRecolored = looks.colors.selectedText.isValid() && !selected.isEmpty();
+    const auto selectedIn = [&](TextRange units) {
+        std::vector<TextRange> recolored;
+        if (looks.colors.selectedText.isValid()) {
+            for (size_t i = selections.firstReaching(units.location); i < selections.count(); ++i) {
+                const TextRange part = selections[i].range().intersected(units);
+                if (selections[i].range().location > units.end()) {
+                    break;
+                }
+                if (!part.isEmpty()) {
+                    recolored.push_back(part);
+                }
+            }
+        }
+        return recolored;
+    };
     m_layout.forEachLayout(row.row, visible, [&](const SegmentLayout &shown, int inLayout, double x) {
         const double left = m_port.left() + x;
-        if (isRecolored && shown.range().touches(selected)) {
-            shown.drawRow(painter, inLayout, left, row.top, selected, looks.colors.selectedText);
+        if (const auto recolored = selectedIn(shown.range()); !recolored.empty()) {
+            shown.drawRow(painter, inLayout, left, row.top, recolored, looks.colors.selectedText);
         } else {
             shown.drawRow(painter, inLayout, left, row.top);
         }

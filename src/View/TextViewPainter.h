@@ -37,8 +37,6 @@ struct TextLooks {
     Colors colors;
     CaretShape caretShape = CaretShape::bar;
     Visibility invisibles = Visibility::hidden;
-    /// Where one searches, when that is not all of the text.
-    MarkProvider searched;
     /// Search hits.
     MarkProvider marks;
     /// What is underlined with a wavy line.
@@ -72,11 +70,11 @@ private:
 class TextViewPainter final {
 public:
     struct Frame {
-        TextRange selected;
+        const Selections &selections;
         /// Empty when it has no colour of its own.
         QRectF caretRow;
-        /// None while it is not to be seen.
-        std::optional<QRectF> caret;
+        /// Those that are to be seen.
+        std::vector<QRectF> carets;
         /// Where a drag would leave its text.
         std::optional<qsizetype> dropCaret;
         /// Of one row, behind all but the background; `visible` is along the row.
@@ -95,12 +93,13 @@ public:
 private:
     [[nodiscard]] QRectF box(const Viewport::VisibleRow &row, Span span) const;
     void paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
+    void paintSelections(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Selections &selections);
     void paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible, TextRange selected);
     void paintIndicator(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintMisspellings(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintUnsavable(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintInvisibles(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Rope &text);
-    void paintText(QPainter &painter, const Viewport::VisibleRow &row, Span visible, TextRange selected);
+    void paintText(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Selections &selections);
     void paintRowBorder(QPainter &painter, QRectF caretRow);
     void paintDropCaret(QPainter &painter, qsizetype offset);
     void paintCaret(QPainter &painter, QRectF caret);

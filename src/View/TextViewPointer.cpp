@@ -9,6 +9,7 @@
 #include "Text/PasteboardText.h"
 #include "Text/TextBoundaries.h"
 #include "Text/TextStorage.h"
+#include "View/SeveralCarets.h"
 #include "View/TextView.h"
 #include "Widgets/Mnemonics.h"
 
@@ -89,6 +90,12 @@ void TextViewPointer::textChanged(const TextChange &change)
     if (m_dropCaret) {
         m_dropCaret = change.mapped(*m_dropCaret, Bias::before);
     }
+    if (m_others) {
+        m_others = m_others->mapped(change);
+    }
+    if (m_column) {
+        m_column->offset = change.mapped(m_column->offset, Bias::before);
+    }
 }
 
 void TextViewPointer::pastePrimary(qsizetype offset)
@@ -126,20 +133,58 @@ void TextViewPointer::selectAt(const Caret &caret, Granularity granularity)
     m_origin = granule(caret.offset, granularity);
     m_isSelecting = true;
     const qsizetype end = m_origin.end();
-    m_view.setCaret({end, granularity == Granularity::character ? caret.affinity : Affinity::downstream, {}}, m_origin.location);
+    show({.caret = {end, granularity == Granularity::character ? caret.affinity : Affinity::downstream}, .anchor = m_origin.location});
+}
+
+void TextViewPointer::show(const CaretSelection &selection)
+{
+    m_view.setCarets(m_others ? m_others->with(selection) : Selections(selection));
+}
+
+void TextViewPointer::addOrRemove(const Caret &caret)
+{
+    const Selections now = m_view.selections();
+    const auto there = now.touching({caret.offset, 0});
+    if (!there) {
+        m_others = now;
+        selectAt(caret, Granularity::character);
+    } else if (!now.isSingle()) {
+        m_others = now.without(*there);
+        m_view.setCarets(*m_others);
+    }
+}
+
+void TextViewPointer::beginColumn(QPointF point)
+{
+    m_view.m_undoManager.breakCoalescing();
+    const RowPosition row = m_view.m_port.rowAt(point.y()).row;
+    m_column = {m_view.m_layout.rangeOf(row).location, point.x() - m_view.m_port.left()};
+    m_granularity = Granularity::character;
+}
+
+void TextViewPointer::extendColumn(QPointF point)
+{
+    const SeveralCarets::Place from{m_view.m_layout.rowOf(m_column->offset), m_column->x};
+    const SeveralCarets::Place to{m_view.m_port.rowAt(point.y()).row, point.x() - m_view.m_port.left()};
+    m_view.setCarets(SeveralCarets::column(from, to, m_view.m_layout));
 }
 
 void TextViewPointer::extendSelection(QPointF point)
 {
+    if (m_column) {
+        extendColumn(point);
+        return;
+    }
     // Letters are counted by the nearest gap, words and lines by what is under the pointer.
     const bool isWhole = m_granularity != Granularity::character;
     const Caret caret = isWhole ? Caret{graphemeUnder(point), Affinity::downstream, {}} : caretAt(point);
     const TextRange reached = granule(caret.offset, m_granularity);
     const TextRange origin = m_origin;
     if (reached.location < origin.location) {
-        m_view.setCaret({reached.location, caret.affinity, {}}, origin.end());
+        show({.caret = {reached.location, caret.affinity}, .anchor = origin.end()});
     } else {
-        m_view.setCaret({std::max(reached.end(), origin.end()), isWhole ? Affinity::downstream : caret.affinity, {}}, origin.location);
+        show(
+            {.caret = {std::max(reached.end(), origin.end()), isWhole ? Affinity::downstream : caret.affinity}, .anchor = origin.location});
     }
 }
 
@@ -149,13 +194,19 @@ void TextViewPointer::press(QMouseEvent &event)
     const bool isNear = (event.position() - m_pressed).manhattanLength() < QApplication::startDragDistance();
     m_last = m_pressed = event.position();
     const Caret caret = caretAt(event.position());
+    m_column.reset();
     if (event.button() == Qt::MiddleButton) {
-        pastePrimary(caret.offset);
+        // A column if it is dragged; a click pastes when the button goes up.
+        beginColumn(event.position());
         return;
     }
     if (event.button() != Qt::LeftButton) {
         event.ignore();
         return;
+    }
+    const bool addsCaret = event.modifiers() == Qt::ControlModifier;
+    if (!addsCaret) {
+        m_others.reset();
     }
     const bool isTriple =
         isNear && m_doubleClickedAt != 0 &&
@@ -163,10 +214,16 @@ void TextViewPointer::press(QMouseEvent &event)
     m_doubleClickedAt = 0;
     if (isTriple) {
         selectAt(caret, Granularity::line);
+    } else if (event.modifiers() == (Qt::AltModifier | Qt::ShiftModifier)) {
+        beginColumn(event.position());
+        m_isSelecting = true;
+        extendColumn(event.position());
+    } else if (addsCaret && !isOverSelection(event.position())) {
+        addOrRemove(caret);
     } else if (event.modifiers() & Qt::ShiftModifier) {
         m_view.m_undoManager.breakCoalescing();
         m_granularity = Granularity::character;
-        m_origin = {m_view.m_caret.anchor, 0};
+        m_origin = {m_view.m_caret.anchor(), 0};
         m_isSelecting = true;
         extendSelection(event.position());
     } else if (isOverSelection(event.position())) {
@@ -195,6 +252,9 @@ void TextViewPointer::doubleClick(QMouseEvent &event)
     m_mayDrag = false;
     m_last = m_pressed = event.position();
     m_doubleClickedAt = static_cast<qint64>(event.timestamp());
+    if (event.modifiers() != Qt::ControlModifier) {
+        m_others.reset();
+    }
     selectAt({graphemeUnder(event.position()), Affinity::downstream, {}}, Granularity::word);
 }
 
@@ -207,7 +267,11 @@ qsizetype TextViewPointer::graphemeUnder(QPointF point) const
 void TextViewPointer::move(QMouseEvent &event)
 {
     m_last = event.position();
-    if (!(event.buttons() & Qt::LeftButton)) {
+    const bool isMiddle = event.buttons() & Qt::MiddleButton && m_column;
+    if (isMiddle && (event.position() - m_pressed).manhattanLength() >= QApplication::startDragDistance()) {
+        m_isSelecting = true;
+    }
+    if (!isMiddle && !(event.buttons() & Qt::LeftButton)) {
         // The release may have gone elsewhere, to a dialog that came up.
         m_autoScroll.cancel();
         m_isSelecting = false;
@@ -228,8 +292,10 @@ void TextViewPointer::move(QMouseEvent &event)
 void TextViewPointer::beginSelectingLines(QPointF point, LineSelection how)
 {
     m_view.m_input.commit();
+    m_others.reset();
+    m_column.reset();
     // The end of lines that were selected upwards is the start of the next line.
-    const qsizetype kept = m_view.m_caret.anchor > m_view.m_caret.place.offset ? m_view.m_caret.anchor - 1 : m_view.m_caret.anchor;
+    const qsizetype kept = m_view.m_caret.anchor() > m_view.m_caret.place().offset ? m_view.m_caret.anchor() - 1 : m_view.m_caret.anchor();
     const qsizetype from = how == LineSelection::extended ? kept : caretAt(point).offset;
     selectAt({from, Affinity::downstream, {}}, Granularity::line);
     goOnSelecting(point);
@@ -264,14 +330,24 @@ void TextViewPointer::autoScroll()
 
 void TextViewPointer::release(QMouseEvent &event)
 {
-    if (event.button() != Qt::LeftButton) {
+    const bool isMiddle = event.button() == Qt::MiddleButton;
+    if (isMiddle && m_column && !m_isSelecting) {
+        m_column.reset();
+        pastePrimary(caretAt(event.position()).offset);
+        return;
+    }
+    if (!isMiddle && event.button() != Qt::LeftButton) {
         return;
     }
     if (m_mayDrag) {
         // The press in the selection was no drag: it meant the place.
         m_mayDrag = false;
         const Caret caret = caretAt(event.position());
-        m_view.setCaret(caret, caret.offset);
+        if (event.modifiers() == Qt::ControlModifier) {
+            addOrRemove(caret);
+        } else {
+            m_view.setCaret(caret, caret.offset);
+        }
     }
     endSelecting();
 }
@@ -280,6 +356,7 @@ void TextViewPointer::endSelecting()
 {
     m_autoScroll.cancel();
     m_isSelecting = false;
+    m_column.reset();
     // A whole word or line may end far outside, and what was clicked at is in sight.
     if (m_granularity == Granularity::character) {
         m_view.revealCaret();
@@ -289,15 +366,15 @@ void TextViewPointer::endSelecting()
 
 void TextViewPointer::publishPrimarySelection()
 {
-    if (!m_view.m_services.pasteboard.supportsPrimary() || m_isSelecting || m_view.selection().isEmpty()) {
+    if (!m_view.m_services.pasteboard.supportsPrimary() || m_isSelecting || !m_view.selections().hasSelected()) {
         return;
     }
     // Held keys move the selection many times a second; other programs are notified when it rests.
     m_primarySettles = m_view.m_services.scheduler.after(100ms, [this] {
-        const TextRange range = m_view.selection().range();
-        if (!range.isEmpty()) {
-            m_view.m_services.pasteboard.setPrimary(
-                [snapshot = m_view.m_storage.snapshot(), range] { return snapshot.text.toString(range); });
+        if (m_view.selections().hasSelected()) {
+            m_view.m_services.pasteboard.setPrimary([snapshot = m_view.m_storage.snapshot(), selections = m_view.selections()] {
+                return CaretEditing::joinedPieces(snapshot.text, selections).toString();
+            });
         }
     });
 }
@@ -455,7 +532,7 @@ void TextView::contextMenuEvent(QContextMenuEvent *event)
     static constexpr auto items = std::to_array<const Action *>({&Actions::undo, &Actions::redo, nullptr, &Actions::cut, &Actions::copy,
                                                                  &Actions::paste, &Actions::deleteSelection, nullptr, &Actions::selectAll});
     const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
-    const qsizetype offset = isByKey ? m_caret.place.offset : m_pointer.graphemeUnder(event->pos());
+    const qsizetype offset = isByKey ? m_caret.place().offset : m_pointer.graphemeUnder(event->pos());
     // What the menu does concerns what was clicked.
     if (!isByKey && !m_pointer.isOverSelection(event->pos())) {
         m_input.commit();

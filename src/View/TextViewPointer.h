@@ -46,6 +46,11 @@ public:
 
 private:
     enum class Granularity { character, word, line };
+    /// Where a column begins: a unit of its row, and pixels along that.
+    struct ColumnOrigin {
+        qsizetype offset = 0;
+        double x = 0;
+    };
 
     void press(QMouseEvent &event);
     void doubleClick(QMouseEvent &event);
@@ -59,6 +64,11 @@ private:
     [[nodiscard]] TextRange granule(qsizetype offset, Granularity granularity) const;
     void selectAt(const Caret &caret, Granularity granularity);
     void extendSelection(QPointF point);
+    /// Together with the selections that stay.
+    void show(const CaretSelection &selection);
+    void addOrRemove(const Caret &caret);
+    void beginColumn(QPointF point);
+    void extendColumn(QPointF point);
     void autoScroll();
     void pastePrimary(qsizetype offset);
     void startDrag();
@@ -68,6 +78,9 @@ private:
     TextView &m_view;
     Granularity m_granularity = Granularity::character;
     TextRange m_origin;
+    /// Those beside the one that the pointer makes.
+    std::optional<Selections> m_others;
+    std::optional<ColumnOrigin> m_column;
     QPointF m_pressed;
     QPointF m_last;
     bool m_isSelecting = false;

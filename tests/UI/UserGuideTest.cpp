@@ -42,7 +42,10 @@ std::vector<Mention> mentions()
 QString portable(QString key)
 {
     key.replace(u"Strg"_s, u"Ctrl"_s).replace(u"Umschalt"_s, u"Shift"_s);
-    return key.replace(u"Bild aufwärts"_s, u"PgUp"_s).replace(u"Bild abwärts"_s, u"PgDown"_s);
+    return key.replace(u"Bild aufwärts"_s, u"PgUp"_s)
+        .replace(u"Bild abwärts"_s, u"PgDown"_s)
+        .replace(u"Hoch"_s, u"Up"_s)
+        .replace(u"Runter"_s, u"Down"_s);
 }
 
 using Paths = QHash<QString, MenuNode>;

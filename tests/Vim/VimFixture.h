@@ -141,10 +141,10 @@ private:
         const auto known = names.find(name);
         return known == names.end() ? name : QString(QChar(known->second));
     }
-    void show(const std::optional<TextSelection> &selection)
+    void show(const std::optional<Selections> &selections)
     {
-        if (selection) {
-            select(selection->range(), selection->caret);
+        if (selections) {
+            select(selections->primary().range(), selections->primary().caret.offset);
         }
     }
     void vimEngineRunsCommand(VimEngine &, const QString &command) override { commandLines << command; }

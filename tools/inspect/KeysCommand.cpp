@@ -164,6 +164,15 @@ QJsonObject registersOf(const VimRegisters &registers)
     return all;
 }
 
+QJsonArray selectionsOf(const TextView &view)
+{
+    QJsonArray all;
+    for (const CaretSelection &one : view.selections()) {
+        all << QJsonArray{one.range().location, one.range().length};
+    }
+    return all;
+}
+
 QJsonObject stateOf(MainWindowController &window, const Stage &stage)
 {
     WorkspaceViewController &workspace = window.workspace();
@@ -179,6 +188,7 @@ QJsonObject stateOf(MainWindowController &window, const Stage &stage)
     }
     return {{u"text"_s, workspace.currentDocument()->storage().string()},
             {u"selection"_s, QJsonArray{selected.location, selected.length}},
+            {u"selections"_s, selectionsOf(workspace.currentEditor()->textView())},
             {u"isDirty"_s, workspace.currentDocument()->isDirty()},
             {u"mode"_s, modeOf(vim)},
             {u"pending"_s, vim ? vim->engine().pendingDescription() : QString()},
