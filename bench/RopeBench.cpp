@@ -3,7 +3,6 @@
 
 // What the text system's storage costs in a document of 100 MB, as lines of about 40 units.
 
-#include "Text/TextSearch.h"
 #include "Text/UndoManager.h"
 
 #include <benchmark/benchmark.h>
@@ -309,18 +308,6 @@ void replaceAll(benchmark::State &state)
     state.counters["undo ms"] = undoTime;
 }
 BENCHMARK(replaceAll)->Unit(benchmark::kMillisecond);
-
-/// Looking through a document for a word that is not in it: plain, and with a letter that can be written in other ways.
-void findAll(benchmark::State &state)
-{
-    const Rope text = loadedRope();
-    const bool isComposed = state.range(0) != 0;
-    TextSearcher searcher = *TextSearcher::compile({.pattern = isComposed ? QStringLiteral("n\u00e9xt") : QStringLiteral("nexx")});
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(searcher.firstHit(text, {0, text.length()}));
-    }
-}
-BENCHMARK(findAll)->ArgName("composed")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
