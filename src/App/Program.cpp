@@ -189,7 +189,7 @@ struct Program::Parts {
     SessionKeeper keeper{scheduler, notifications, preferences, documents, session};
     ClosedTabs closedTabs{notifications, preferences, documents, session};
 
-    FindState find;
+    FindState find{session.rootDirectory() + u"/find-history.json"_s, workers};
     VimRegisters registers{pasteboard, preferences};
     SpellChecker spellChecker{workers, SpellChecker::systemSetup()};
     SpellingPanel spellingPanel{spellChecker};

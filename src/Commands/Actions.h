@@ -99,6 +99,7 @@ inline constexpr Action find{"performTextFinderAction:", u"Find", "Ctrl+F; Ctrl+
 inline constexpr Action findAndReplace{"performTextFinderAction:", u"Find and Replace…", "Ctrl+Alt+F; Ctrl+H", "", 12};
 inline constexpr Action findNext{"performTextFinderAction:", u"Find Next", "Ctrl+G; F3", "", 2};
 inline constexpr Action findPrevious{"performTextFinderAction:", u"Find Previous", "Ctrl+Shift+G; Shift+F3", "", 3};
+inline constexpr Action clearFindHistory{"clearFindHistory:", u"Clear Search History"};
 inline constexpr Action useSelectionForFind{"performTextFinderAction:", u"Use Selection for Find", "Ctrl+E", "", 7};
 inline constexpr Action centerSelection{"centerSelectionInVisibleArea:", u"Jump to Selection", "Ctrl+J"};
 inline constexpr Action toggleComment{.id = "toggleComment:",
@@ -231,7 +232,7 @@ inline constexpr auto file = std::to_array<MenuRow>({
 });
 
 inline constexpr auto findRows =
-    std::to_array<MenuRow>({find, findAndReplace, findNext, findPrevious, useSelectionForFind, line, centerSelection});
+    std::to_array<MenuRow>({find, findAndReplace, findNext, findPrevious, useSelectionForFind, line, centerSelection, line, clearFindHistory});
 inline constexpr MenuLayout finding{u"Find", findRows};
 inline constexpr auto caretRows = std::to_array<MenuRow>(
     {selectNextOccurrence, skipOccurrence, selectAllOccurrences, line, addCaretAbove, addCaretBelow, splitSelectionIntoLines});

@@ -14,6 +14,7 @@
 #include "Editor/TextCounter.h"
 #include "Files/CharacterSet.h"
 #include "Find/FindBar.h"
+#include "Find/FindState.h"
 #include "Find/TextFinder.h"
 #include "Model/DocumentStore.h"
 #include "Model/FileMemory.h"
@@ -43,7 +44,9 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
                                     {services.scheduler, services.pasteboard, [&presenter = services.presenter] { presenter.beep(); }},
                                     editorFont(services.preferences), this)),
       m_finder(new TextFinder(
-          *m_textView, {services.scheduler, services.workers, services.find, [&presenter = services.presenter] { presenter.beep(); }},
+          *m_textView,
+          {services.scheduler, services.workers, services.find, [&presenter = services.presenter] { presenter.beep(); },
+           [this] { return m_document->file().isPrivate() ? FindHistory::Kept::whileRunning : FindHistory::Kept::forNextRun; }},
           this)),
       m_findBar(new FindBar(*m_finder, services.scheduler, this)),
       m_occurrences(*m_textView, {services.workers, [&presenter = services.presenter] { presenter.beep(); },
@@ -84,6 +87,7 @@ const ActionRow *EditorViewController::actionFor(const Action &wanted) const
 {
     static constexpr auto rows = std::to_array<ActionRow>({
         action<&EditorViewController::performTextFinderAction, &EditorViewController::textFinderActionState>(Actions::find),
+        action<&EditorViewController::clearFindHistory, &EditorViewController::hasFindHistory>(Actions::clearFindHistory),
         action<&EditorViewController::selectNextOccurrence>(Actions::selectNextOccurrence),
         action<&EditorViewController::skipOccurrence>(Actions::skipOccurrence),
         action<&EditorViewController::selectAllOccurrences>(Actions::selectAllOccurrences),
@@ -102,6 +106,16 @@ void EditorViewController::performTextFinderAction(const ActionSender &sender)
 ActionState EditorViewController::textFinderActionState(const ActionSender &sender) const
 {
     return m_findBar->textFinderActionState(sender);
+}
+
+void EditorViewController::clearFindHistory()
+{
+    m_services.find.history().clear();
+}
+
+bool EditorViewController::hasFindHistory() const
+{
+    return !m_services.find.history().isEmpty();
 }
 
 void EditorViewController::retranslate()

@@ -103,6 +103,8 @@ private:
     void retranslate();
     void performTextFinderAction(const ActionSender &sender);
     [[nodiscard]] ActionState textFinderActionState(const ActionSender &sender) const;
+    void clearFindHistory();
+    [[nodiscard]] bool hasFindHistory() const;
     void selectNextOccurrence() { m_occurrences.selectNext(); }
     void skipOccurrence() { m_occurrences.skip(); }
     void selectAllOccurrences() { m_occurrences.selectAll(); }

@@ -4,6 +4,8 @@
 
 #include <unicode/ucsdet.h>
 
+#include <QStringConverter>
+
 #include <algorithm>
 #include <array>
 #include <map>
@@ -13,6 +15,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// More than all other signs of an encoding together.
+constexpr int certainty = 1000;
 /// Bytes that are decoded for a preview and given to the detector.
 constexpr qsizetype sampleSize = 64 * 1024;
 /// Of a text, so many units are searched for lines that tell something.
@@ -158,6 +162,8 @@ std::vector<EncodingDetection::Candidate> EncodingDetection::candidates(QByteArr
 {
     const QByteArrayView sample = head.first(std::min(head.size(), sampleSize));
     const std::map<TextEncoding, int> confidences = detected(sample);
+    const auto utf = QStringConverter::encodingForData(sample);
+    const bool hasUtf16Mark = utf == QStringConverter::Utf16LE || utf == QStringConverter::Utf16BE;
     struct Scored {
         Candidate candidate;
         int score = 0;
@@ -171,6 +177,10 @@ std::vector<EncodingDetection::Candidate> EncodingDetection::candidates(QByteArr
             const auto found = confidences.find(encoding);
             scored.score = (found == confidences.end() ? 0 : found->second) - strangeness(*text) +
                            (encoding == encodingOf(language) ? 8 : 0) + (encoding == TextEncoding::utf8 ? 20 : 0);
+            // Those of one byte order take the mark for a character of the text.
+            if (hasUtf16Mark && encoding == TextEncoding::utf16) {
+                scored.score += certainty;
+            }
             scored.lines = linesOf(*text);
         }
         all.push_back(std::move(scored));

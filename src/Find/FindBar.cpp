@@ -2,12 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "Find/FindBar.h"
 
+#include "Base/Localization.h"
 #include "Base/Translation.h"
 #include "Commands/ActionKeys.h"
 #include "Commands/Actions.h"
 #include "Desktop/PaletteBlend.h"
 #include "Find/FindField.h"
 #include "Find/FindState.h"
+#include "Find/ReplacementPreview.h"
 #include "Find/TextFinder.h"
 #include "View/TextView.h"
 #include "Widgets/AccessibleRole.h"
@@ -17,7 +19,6 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLocale>
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QStyle>
@@ -39,7 +40,7 @@ constexpr int gap = 4;
 
 QString numberText(qsizetype number)
 {
-    return QLocale().toString(static_cast<qlonglong>(number));
+    return Localization::current().locale().toString(static_cast<qlonglong>(number));
 }
 
 QToolButton *symbolButton(const QString &symbol, QWidget *parent)
@@ -96,8 +97,8 @@ FindBar::~FindBar() = default;
 void FindBar::makeRows()
 {
     FindState &shared = m_finder.shared();
-    m_pattern = new FindField([&shared] { return shared.searches(); }, m_panel);
-    m_replacement = new FindField([&shared] { return shared.replacements(); }, m_panel);
+    m_pattern = new FindField([&shared] { return shared.history().entries(FindHistory::Kind::searches); }, m_panel);
+    m_replacement = new FindField([&shared] { return shared.history().entries(FindHistory::Kind::replacements); }, m_panel);
     for (FindField *field : {m_pattern, m_replacement}) {
         field->setMinimumWidth(narrowestField);
         field->setMaximumWidth(widestField);
@@ -108,7 +109,9 @@ void FindBar::makeRows()
     m_matchCase = symbolButton(u"textformat"_s, m_panel);
     m_wholeWords = symbolButton(u"whole.word"_s, m_panel);
     m_expression = symbolButton(u"regex"_s, m_panel);
-    for (QToolButton *toggle : {m_matchCase, m_wholeWords, m_expression}) {
+    m_inSelection = symbolButton(u"text.selection"_s, m_panel);
+    m_keepCase = symbolButton(u"textformat.keep"_s, m_panel);
+    for (QToolButton *toggle : {m_matchCase, m_wholeWords, m_expression, m_inSelection, m_keepCase}) {
         toggle->setCheckable(true);
     }
     m_replace = new QToolButton(m_panel);
@@ -128,25 +131,25 @@ void FindBar::makeRows()
         row->addStretch(1);
         return row;
     };
-    m_findButtons = rowOf({m_previous, m_next, m_matchCase, m_wholeWords, m_expression, m_selectAll});
-    m_replaceButtons = rowOf({m_replace, m_replaceAll});
+    m_findButtons = rowOf({m_previous, m_next, m_matchCase, m_wholeWords, m_expression, m_inSelection, m_selectAll});
+    m_replaceButtons = rowOf({m_replace, m_replaceAll, m_keepCase});
     auto *grid = new QGridLayout(m_panel);
     grid->setContentsMargins(panelMargins);
     grid->setHorizontalSpacing(gap);
     grid->setVerticalSpacing(gap);
     grid->addWidget(m_pattern, 0, 0);
-    grid->addLayout(m_findButtons, 0, 1, 1, 2);
-    grid->addWidget(m_done, 0, 3);
+    grid->addLayout(m_findButtons, 0, 1, 1, 2, Qt::AlignTop);
+    grid->addWidget(m_done, 0, 3, Qt::AlignTop);
     grid->addWidget(m_replacement, 2, 0);
-    grid->addLayout(m_replaceButtons, 2, 1, 1, 2);
+    grid->addLayout(m_replaceButtons, 2, 1, 1, 2, Qt::AlignTop);
     grid->addWidget(m_message, 4, 0, 1, 4);
     // The fields take what there is; only what is beyond their width is left empty.
     grid->setColumnStretch(0, 1000);
     grid->setColumnStretch(2, 1);
 
     // From the text that is sought to what replaces it, and from there to the buttons that do so.
-    const auto order = std::to_array<QWidget *>(
-        {m_pattern, m_replacement, m_replace, m_replaceAll, m_previous, m_next, m_matchCase, m_wholeWords, m_expression, m_selectAll, m_done});
+    const auto order = std::to_array<QWidget *>({m_pattern, m_replacement, m_replace, m_replaceAll, m_keepCase, m_previous, m_next,
+                                                 m_matchCase, m_wholeWords, m_expression, m_inSelection, m_selectAll, m_done});
     for (size_t i = 0; i < order.size(); ++i) {
         order[i]->installEventFilter(this);
         if (i >= 2) {
@@ -160,11 +163,17 @@ void FindBar::makeRows()
 
 void FindBar::connectControls()
 {
-    connect(m_pattern, &QLineEdit::textChanged, this, &FindBar::queryEdited);
-    connect(m_replacement, &QLineEdit::textChanged, &m_finder, &TextFinder::forgetReplacementError);
+    connect(m_pattern, &FindField::textChanged, this, &FindBar::queryEdited);
+    connect(m_replacement, &FindField::textChanged, &m_finder, &TextFinder::forgetReplacementError);
+    connect(m_replacement, &FindField::textChanged, this, &FindBar::showPreview);
+    connect(m_inSelection, &QToolButton::toggled, this, &FindBar::changeScope);
     for (const QToolButton *toggle : {m_matchCase, m_wholeWords, m_expression}) {
         connect(toggle, &QToolButton::toggled, this, &FindBar::queryEdited);
     }
+    connect(m_keepCase, &QToolButton::toggled, this, [this](bool keeps) {
+        m_finder.shared().setLetterCase(keeps ? FindState::LetterCase::asFound : FindState::LetterCase::asWritten);
+        showPreview();
+    });
     connect(m_next, &QToolButton::clicked, &m_finder, &TextFinder::findNext);
     connect(m_previous, &QToolButton::clicked, &m_finder, &TextFinder::findPrevious);
     connect(m_replace, &QToolButton::clicked, this, &FindBar::replace);
@@ -194,6 +203,8 @@ void FindBar::retranslate()
     name(m_matchCase, localized(u"Match Case"), QKeySequence(u"Alt+C"_s));
     name(m_wholeWords, localized(u"Whole Words"), QKeySequence(u"Alt+W"_s));
     name(m_expression, localized(u"Regular Expression"), QKeySequence(u"Alt+R"_s));
+    name(m_inSelection, localized(u"In Selection"), QKeySequence(u"Alt+L"_s));
+    name(m_keepCase, localized(u"Keep Case"), QKeySequence(u"Alt+K"_s));
     name(m_done, localized(u"Done"), QKeySequence(u"Esc"_s));
     name(m_selectAll, localized(u"Select All Hits"), QKeySequence(u"Alt+Enter"_s));
     m_selectAll->setText(localized(u"Select All"));
@@ -208,9 +219,10 @@ void FindBar::retranslate()
 void FindBar::open(Rows rows)
 {
     setRows(rows == Rows::findAndReplace && m_finder.canReplace() ? rows : Rows::find);
+    m_keepCase->setChecked(m_finder.shared().letterCase() == FindState::LetterCase::asFound);
     const bool hasFocusInside = isAncestorOf(focusWidget()) && focusWidget()->hasFocus();
     if (!hasFocusInside) {
-        m_finder.useSelection();
+        m_finder.useSelection(TextFinder::Lines::one);
         enter(m_finder.shared().query());
     }
     m_isOpen = true;
@@ -230,7 +242,9 @@ void FindBar::close()
     m_finder.cancel();
     m_finder.share();
     m_finder.setMarking(TextFinder::Marking::hidden);
+    m_inSelection->setChecked(false);
     m_isOpen = false;
+    showPreview();
     if (TextView *view = m_finder.view()) {
         view->setFocus(Qt::OtherFocusReason);
     }
@@ -241,7 +255,7 @@ void FindBar::setRows(Rows rows)
 {
     m_rows = rows;
     const bool replaces = rows == Rows::findAndReplace;
-    for (QWidget *widget : std::to_array<QWidget *>({m_replacement, m_replace, m_replaceAll})) {
+    for (QWidget *widget : std::to_array<QWidget *>({m_replacement, m_replace, m_replaceAll, m_keepCase})) {
         widget->setVisible(replaces);
     }
     placeButtons();
@@ -326,6 +340,32 @@ void FindBar::followShared()
     m_finder.setQuery(enteredQuery());
 }
 
+void FindBar::changeScope(bool isWanted)
+{
+    m_finder.setScope(isWanted ? m_finder.chosenScope() : std::nullopt);
+    if (isWanted && m_isOpen) {
+        m_finder.findWhileTyping();
+    }
+}
+
+/// In the text, at the hit that is selected.
+void FindBar::showPreview()
+{
+    // With nothing entered it is shown to who is there to enter it.
+    const bool isWanted = m_isOpen && m_rows == Rows::findAndReplace && (!m_replacement->text().isEmpty() || m_replacement->hasFocus());
+    const auto preview = isWanted ? m_finder.preview(m_replacement->text()) : std::nullopt;
+    TextView *view = m_finder.view();
+    if (preview && view) {
+        if (!m_preview) {
+            m_preview = new ReplacementPreview(*view);
+        }
+        m_preview->showFor(preview->hit, preview->replacement);
+    } else if (m_preview) {
+        m_preview->hide();
+    }
+    m_replacement->setAccessibleDescription(preview ? formatted(localized(u"The hit becomes “%@”."), preview->replacement) : QString());
+}
+
 void FindBar::replace()
 {
     m_finder.replace(m_replacement->text());
@@ -396,6 +436,8 @@ void FindBar::showStatus()
     if (m_rows == Rows::findAndReplace && !m_finder.canReplace()) {
         setRows(Rows::find);
     }
+    m_inSelection->setEnabled(m_inSelection->isChecked() || m_finder.chosenScope());
+    showPreview();
 }
 
 void FindBar::showMessage(const QString &message)
@@ -423,7 +465,7 @@ void FindBar::changeEvent(QEvent *event)
 /// The bar may have other colours than the rest of the program: those of the text below it.
 void FindBar::tintSymbols()
 {
-    for (QToolButton *button : {m_previous, m_next, m_matchCase, m_wholeWords, m_expression, m_done}) {
+    for (QToolButton *button : {m_previous, m_next, m_matchCase, m_wholeWords, m_expression, m_inSelection, m_keepCase, m_done}) {
         button->setIcon(symbolIcon(button->icon().name(), palette().color(QPalette::Active, QPalette::ButtonText),
                                    palette().color(QPalette::Disabled, QPalette::ButtonText)));
     }
@@ -465,9 +507,9 @@ void FindBar::placeButtons()
     for (QHBoxLayout *layout : {m_findButtons, m_replaceButtons}) {
         grid->removeItem(layout);
         if (isNarrow) {
-            grid->addLayout(layout, row + 1, 0, 1, 4);
+            grid->addLayout(layout, row + 1, 0, 1, 4, Qt::AlignTop);
         } else {
-            grid->addLayout(layout, row, 1, 1, 2);
+            grid->addLayout(layout, row, 1, 1, 2, Qt::AlignTop);
         }
         row += 2;
     }
@@ -548,6 +590,10 @@ QToolButton *FindBar::buttonFor(const QKeyEvent &event) const
         return m_expression;
     case Qt::Key_A:
         return m_replaceAll;
+    case Qt::Key_L:
+        return m_inSelection;
+    case Qt::Key_K:
+        return m_keepCase;
     default:
         return nullptr;
     }
@@ -575,6 +621,9 @@ bool FindBar::eventFilter(QObject *watched, QEvent *event)
         if (takesKey(watched, static_cast<const QKeyEvent &>(*event))) {
             return true;
         }
+        break;
+    case QEvent::FocusIn:
+        showPreview();
         break;
     case QEvent::FocusOut:
         if (m_isOpen) {
@@ -605,6 +654,11 @@ bool FindBar::takesKey(const QObject *widget, const QKeyEvent &event)
     }
     if (!isReturn) {
         return false;
+    }
+    auto *field = qobject_cast<FindField *>(const_cast<QObject *>(widget));
+    if (field && (event.modifiers() & Qt::ControlModifier) != 0) {
+        field->insertPlainText(u"\n"_s);
+        return true;
     }
     if (widget == m_pattern && event.modifiers().testFlag(Qt::AltModifier)) {
         m_finder.selectAllHits();

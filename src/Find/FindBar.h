@@ -8,9 +8,11 @@
 #include "Find/TextFinder.h"
 #include "Text/TextSearch.h"
 
+#include <QPointer>
 #include <QWidget>
 
 class FindField;
+class ReplacementPreview;
 class QHBoxLayout;
 class QLabel;
 class QToolButton;
@@ -64,6 +66,8 @@ private:
     [[nodiscard]] QString noteText(const TextFinder::Status &status) const;
     void showMessage(const QString &message);
     void tintSymbols();
+    void showPreview();
+    void changeScope(bool isWanted);
     void replace();
     void replaceAll();
 
@@ -84,10 +88,13 @@ private:
     QToolButton *m_matchCase = nullptr;
     QToolButton *m_wholeWords = nullptr;
     QToolButton *m_expression = nullptr;
+    QToolButton *m_inSelection = nullptr;
     QToolButton *m_done = nullptr;
     FindField *m_replacement = nullptr;
     QToolButton *m_replace = nullptr;
     QToolButton *m_replaceAll = nullptr;
+    QToolButton *m_keepCase = nullptr;
+    QPointer<ReplacementPreview> m_preview;
     QLabel *m_message = nullptr;
     QHBoxLayout *m_findButtons = nullptr;
     QHBoxLayout *m_replaceButtons = nullptr;

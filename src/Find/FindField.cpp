@@ -8,6 +8,9 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QScopedValueRollback>
+#include <QStyleOptionFrame>
+#include <QStylePainter>
+#include <QTextBlock>
 #include <QToolButton>
 
 #include <algorithm>
@@ -20,16 +23,62 @@ constexpr double notFoundShare = 0.75;
 /// Pixels that stay for what is typed.
 constexpr int leastTextWidth = 56;
 constexpr int noteGap = 4;
+/// Of more lines the others are scrolled to.
+constexpr int mostLines = 5;
+constexpr int tabCells = 4;
+/// Around the text, as in a line edit.
+constexpr QMargins textMargins(2, 1, 2, 1);
+
+QStyleOptionFrame frameOf(const QWidget &widget)
+{
+    QStyleOptionFrame frame;
+    frame.initFrom(&widget);
+    frame.rect = widget.rect();
+    frame.lineWidth = widget.style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &frame, &widget);
+    frame.state |= QStyle::State_Sunken;
+    return frame;
+}
 
 } // namespace
 
-FindField::FindField(History history, QWidget *parent) : QLineEdit(parent), m_history(std::move(history)), m_note(new QLabel(this))
+FindField::FindField(History history, QWidget *parent)
+    : QPlainTextEdit(parent), m_history(std::move(history)), m_note(new QLabel(this)), m_clear(new QToolButton(this))
 {
+    setFrameStyle(QFrame::NoFrame);
+    viewport()->setAutoFillBackground(false);
+    // A part of the field, which has the focus alone; a click goes on to the field by itself.
+    viewport()->setFocusProxy(nullptr);
+    viewport()->setFocusPolicy(Qt::NoFocus);
+    setLineWrapMode(QPlainTextEdit::NoWrap);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setTabChangesFocus(true);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    document()->setDocumentMargin(0);
+    setTabStopDistance(tabCells * fontMetrics().horizontalAdvance(u' '));
     becomeNotice(*m_note);
-    setClearButtonEnabled(true);
     m_note->setForegroundRole(QPalette::PlaceholderText);
     m_note->setAttribute(Qt::WA_TransparentForMouseEvents);
     m_note->hide();
+    m_clear->setIcon(style()->standardIcon(QStyle::SP_LineEditClearButton, nullptr, this));
+    m_clear->setAutoRaise(true);
+    m_clear->setFocusPolicy(Qt::NoFocus);
+    m_clear->setCursor(Qt::ArrowCursor);
+    m_clear->hide();
+    connect(m_clear, &QToolButton::clicked, this, [this] { setText({}); });
+    connect(this, &QPlainTextEdit::textChanged, this, &FindField::fitHeight);
+}
+
+QString FindField::text() const
+{
+    // The document's own plain text has blanks for no-break spaces.
+    return document()->toRawText().replace(QChar::ParagraphSeparator, QChar::LineFeed);
+}
+
+void FindField::setText(const QString &text)
+{
+    setPlainText(text);
+    moveCursor(QTextCursor::End);
 }
 
 void FindField::setNote(const QString &note, const QString &explanation, Saying saying)
@@ -41,7 +90,7 @@ void FindField::setNote(const QString &note, const QString &explanation, Saying 
     }
     m_note->setText(note);
     const bool wasShown = m_note->isVisible();
-    placeNote();
+    placeControls();
     // Said too where there is no room for it.
     if (saying == Saying::aloud && !note.isEmpty() && m_note->isVisible() == wasShown) {
         announce(*m_note);
@@ -53,23 +102,98 @@ QString FindField::note() const
     return m_note->text();
 }
 
-void FindField::placeNote()
-{
-    const auto *clearButton = findChild<QToolButton *>();
-    const int right = clearButton ? clearButton->x() : width() - noteGap;
-    const int noteWidth = m_note->text().isEmpty() ? 0 : m_note->sizeHint().width();
-    const bool fits = noteWidth > 0 && right - noteWidth >= leastTextWidth;
-    m_note->setGeometry(right - noteWidth, 0, noteWidth, height());
-    m_note->setVisible(fits);
-    setTextMargins(0, 0, fits ? noteWidth + noteGap : 0, 0);
-}
-
 void FindField::nameClearButton(const QString &name) const
 {
-    if (auto *button = findChild<QToolButton *>()) {
-        button->setAccessibleName(name);
-        button->setToolTip(name);
+    m_clear->setAccessibleName(name);
+    m_clear->setToolTip(name);
+}
+
+// Size
+
+int FindField::heightFor(int lines) const
+{
+    const QStyleOptionFrame frame = frameOf(*this);
+    const int line = std::max(fontMetrics().height(), 14) + textMargins.top() + textMargins.bottom();
+    return style()->sizeFromContents(QStyle::CT_LineEdit, &frame, QSize(100, line), this).height() +
+           (lines - 1) * fontMetrics().lineSpacing();
+}
+
+QSize FindField::sizeHint() const
+{
+    return {30 * fontMetrics().horizontalAdvance(u'x'), heightFor(m_lines)};
+}
+
+QSize FindField::minimumSizeHint() const
+{
+    return {leastTextWidth, heightFor(m_lines)};
+}
+
+void FindField::fitHeight()
+{
+    const int lines = std::min(document()->blockCount(), mostLines);
+    if (std::exchange(m_lines, lines) != lines) {
+        setVerticalScrollBarPolicy(lines == mostLines ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+        updateGeometry();
     }
+    placeControls();
+}
+
+QRect FindField::contents() const
+{
+    const QStyleOptionFrame frame = frameOf(*this);
+    return style()->subElementRect(QStyle::SE_LineEditContents, &frame, this);
+}
+
+/// The note and the button stand at the end of the first line.
+void FindField::placeControls()
+{
+    const QRect inner = contents();
+    const int line = heightFor(1);
+    const bool hasText = !document()->isEmpty();
+    const int side = std::min(line - 4, m_clear->iconSize().height() + 4);
+    m_clear->setGeometry(inner.right() + 1 - side, (line - side) / 2, side, side);
+    m_clear->setVisible(hasText);
+    const int right = hasText ? m_clear->x() : inner.right() + 1 - noteGap;
+    const int noteWidth = m_note->text().isEmpty() ? 0 : m_note->sizeHint().width();
+    const bool fits = noteWidth > 0 && right - noteWidth >= leastTextWidth;
+    m_note->setGeometry(right - noteWidth, 0, noteWidth, line);
+    m_note->setVisible(fits);
+    const int end = fits ? m_note->x() - noteGap : right;
+    const int above = std::max((line - fontMetrics().height()) / 2, inner.top());
+    const QMargins margins(inner.left() + textMargins.left(), above, width() - end, 0);
+    if (viewportMargins() != margins) {
+        setViewportMargins(margins);
+    }
+}
+
+void FindField::resizeEvent(QResizeEvent *event)
+{
+    QPlainTextEdit::resizeEvent(event);
+    placeControls();
+}
+
+// Looks
+
+bool FindField::event(QEvent *event)
+{
+    if (event->type() == QEvent::Paint) {
+        QStylePainter painter(this);
+        painter.drawPrimitive(QStyle::PE_PanelLineEdit, frameOf(*this));
+        return true;
+    }
+    return QPlainTextEdit::event(event);
+}
+
+void FindField::focusInEvent(QFocusEvent *event)
+{
+    QPlainTextEdit::focusInEvent(event);
+    update();
+}
+
+void FindField::focusOutEvent(QFocusEvent *event)
+{
+    QPlainTextEdit::focusOutEvent(event);
+    update();
 }
 
 void FindField::setState(State state)
@@ -94,33 +218,37 @@ void FindField::applyState()
         shown.setColor(QPalette::Base, blended(shown.color(QPalette::Base), wrongColor, wrongShare));
         setPalette(shown);
     }
+    update();
 }
 
 void FindField::changeEvent(QEvent *event)
 {
-    QLineEdit::changeEvent(event);
+    QPlainTextEdit::changeEvent(event);
     if (event->type() == QEvent::PaletteChange && !m_isApplyingState && m_state != State::normal) {
         applyState();
     }
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        updateGeometry();
+    }
 }
 
-void FindField::resizeEvent(QResizeEvent *event)
-{
-    QLineEdit::resizeEvent(event);
-    placeNote();
-}
+// Keys
 
 void FindField::keyPressEvent(QKeyEvent *event)
 {
     const bool isPlain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
-    if (isPlain && (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down)) {
-        stepThroughHistory(event->key() == Qt::Key_Up ? 1 : -1);
+    const QTextBlock block = textCursor().block();
+    // From its first line up and from its last one down.
+    const bool isUp = isPlain && event->key() == Qt::Key_Up && !block.previous().isValid();
+    const bool isDown = isPlain && event->key() == Qt::Key_Down && !block.next().isValid();
+    if ((isUp || isDown) && stepThroughHistory(isUp ? 1 : -1)) {
         return;
     }
-    QLineEdit::keyPressEvent(event);
+    QPlainTextEdit::keyPressEvent(event);
 }
 
-void FindField::stepThroughHistory(int step)
+/// False when there is nothing in that direction.
+bool FindField::stepThroughHistory(int step)
 {
     const QStringList history = m_history();
     // The entry may have been edited, or be another since a search put its text first.
@@ -138,8 +266,14 @@ void FindField::stepThroughHistory(int step)
     const int last = static_cast<int>(history.size()) - 1;
     const int wanted = std::clamp(entry, -1, last);
     if (wanted == m_entry) {
-        return;
+        return false;
     }
     m_entry = wanted;
     setText(m_entry < 0 ? m_typed : history[m_entry]);
+    if (step > 0) {
+        // So that the next step leads on through the history.
+        moveCursor(QTextCursor::Start);
+        moveCursor(QTextCursor::EndOfLine);
+    }
+    return true;
 }

@@ -2,15 +2,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QStringList>
 
 #include <functional>
 
 class QLabel;
+class QToolButton;
 
-/// A line edit that offers what was entered before (Up and Down), has room for a note at its end, and can show that its text is wrong.
-class FindField final : public QLineEdit {
+/// An edit field that looks like a line edit and grows with the lines of its text, offers what was entered before (Up and Down), has room
+/// for a note at its end, and can show that its text is wrong. Enter is for whoever watches its keys.
+class FindField final : public QPlainTextEdit {
     Q_OBJECT
 
 public:
@@ -22,6 +24,10 @@ public:
 
     explicit FindField(History history, QWidget *parent = nullptr);
 
+    /// Its lines end with line feeds.
+    [[nodiscard]] QString text() const;
+    void setText(const QString &text);
+
     /// Hidden where it would leave no room to type. Screen readers say it when it changes aloud.
     void setNote(const QString &note, const QString &explanation, Saying saying);
     [[nodiscard]] QString note() const;
@@ -30,19 +36,30 @@ public:
     void setState(State state);
     [[nodiscard]] State state() const { return m_state; }
 
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
 protected:
+    bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
 
 private:
-    void stepThroughHistory(int step);
-    void placeNote();
+    [[nodiscard]] int heightFor(int lines) const;
+    [[nodiscard]] QRect contents() const;
+    void fitHeight();
+    [[nodiscard]] bool stepThroughHistory(int step);
+    void placeControls();
     void applyState();
 
     History m_history;
     QLabel *m_note = nullptr;
+    QToolButton *m_clear = nullptr;
     State m_state = State::normal;
+    int m_lines = 1;
     bool m_isApplyingState = false;
     /// Which entry of the history is shown; -1 for what was typed.
     int m_entry = -1;

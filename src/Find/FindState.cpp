@@ -4,31 +4,10 @@
 
 #include <utility>
 
-namespace {
-
-void putFirst(QStringList &history, const QString &entry)
+void FindState::setQuery(const SearchQuery &query, Kept kept)
 {
-    if (entry.isEmpty()) {
-        return;
-    }
-    history.removeAll(entry);
-    history.prepend(entry);
-    if (history.size() > FindState::mostEntries) {
-        history.removeLast();
-    }
-}
-
-} // namespace
-
-void FindState::setQuery(const SearchQuery &query)
-{
-    putFirst(m_searches, query.pattern);
+    m_history.add(FindHistory::Kind::searches, query.pattern, kept);
     if (std::exchange(m_query, query) != query) {
         m_observers.post("queryDidChange", this);
     }
-}
-
-void FindState::addReplacement(const QString &replacement)
-{
-    putFirst(m_replacements, replacement);
 }

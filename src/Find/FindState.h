@@ -3,25 +3,30 @@
 #pragma once
 
 #include "Base/NotificationCenter.h"
+#include "Find/FindHistory.h"
 #include "Text/TextSearch.h"
 
-#include <QStringList>
-
-/// What the find bars of all windows have in common while the program runs: the text sought last, how, and what was sought and put in
-/// its place before. Main thread only.
+/// What the find bars of all windows have in common: the text sought last, how, and what was sought and put in its place before. Main
+/// thread only.
 class FindState final {
 public:
-    /// Entries that a history keeps; older ones go.
-    static constexpr qsizetype mostEntries = 50;
+    using Kept = FindHistory::Kept;
+
+    /// Its history is gone with the program.
+    FindState() = default;
+    /// As for FindHistory.
+    FindState(QString historyFile, Workers &workers) : m_history(std::move(historyFile), workers) {}
 
     [[nodiscard]] const SearchQuery &query() const { return m_query; }
     /// Also puts the pattern, unless empty, at the head of the searches, and notifies the observers when anything is new.
-    void setQuery(const SearchQuery &query);
+    void setQuery(const SearchQuery &query, Kept kept = Kept::whileRunning);
 
-    /// The latest first, each once.
-    [[nodiscard]] const QStringList &searches() const { return m_searches; }
-    [[nodiscard]] const QStringList &replacements() const { return m_replacements; }
-    void addReplacement(const QString &replacement);
+    [[nodiscard]] FindHistory &history() { return m_history; }
+
+    using LetterCase = ReplacementTemplate::LetterCase;
+    /// Of what replaces a hit.
+    [[nodiscard]] LetterCase letterCase() const { return m_letterCase; }
+    void setLetterCase(LetterCase letterCase) { m_letterCase = letterCase; }
 
     /// Called when the query has become another.
     template<typename Function>
@@ -32,7 +37,7 @@ public:
 
 private:
     SearchQuery m_query;
-    QStringList m_searches;
-    QStringList m_replacements;
+    FindHistory m_history;
+    LetterCase m_letterCase = LetterCase::asWritten;
     NotificationCenter m_observers;
 };

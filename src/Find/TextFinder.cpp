@@ -18,6 +18,8 @@ namespace {
 // Some milliseconds each.
 constexpr qsizetype literalAtOnce = qsizetype(256) * 1024;
 constexpr qsizetype expressionAtOnce = qsizetype(16) * 1024;
+/// Units of a pattern that a field can show.
+constexpr qsizetype longestPattern = 10'000;
 constexpr auto countDelay = 80ms;
 constexpr auto progressInterval = 100ms;
 /// Marks are looked for in so much text around what is asked for.
@@ -34,17 +36,22 @@ std::shared_ptr<TextSearcher> copyOf(const TextSearcher &searcher)
 
 TextFinder::TextFinder(TextView &view, Services services, QObject *parent)
     : QObject(parent), m_view(&view), m_services(std::move(services)), m_searched(std::make_shared<std::atomic<qsizetype>>(0)),
-      m_origin(view.selection()), m_seenRevision(view.storage().revision())
+      m_chosen(view.selection().range()), m_origin(view.selection()), m_seenRevision(view.storage().revision())
 {
     connect(&view.storage(), &TextStorage::changed, this, &TextFinder::storageChanged);
     connect(&view, &TextView::selectionChanged, this, &TextFinder::selectionChanged);
     view.setLook(&TextLooks::marks, [this](TextRange seen) { return marksIn(seen); });
+    view.setLook(&TextLooks::searched, [this](TextRange seen) {
+        const TextRange searched = m_scope ? m_scope->intersected(seen) : TextRange();
+        return searched.isEmpty() ? std::vector<TextRange>() : std::vector{searched};
+    });
 }
 
 TextFinder::~TextFinder()
 {
     if (m_view) {
         m_view->setLook(&TextLooks::marks, {});
+        m_view->setLook(&TextLooks::searched, {});
     }
 }
 
@@ -61,21 +68,49 @@ void TextFinder::setQuery(const SearchQuery &query)
         return;
     }
     m_query = query;
-    m_searcher.reset();
     m_patternError.clear();
     m_replacementError.clear();
+    compile();
+}
+
+void TextFinder::compile()
+{
+    m_searcher.reset();
     forgetOutcome();
     m_wanted.reset();
     m_seeking.cancel();
     m_replacing.cancel();
-    if (!query.pattern.isEmpty()) {
-        if (auto searcher = TextSearcher::compile(query)) {
+    if (!m_query.pattern.isEmpty()) {
+        if (auto searcher = TextSearcher::compile(m_query)) {
             m_searcher = *std::move(searcher);
+            m_searcher->setScope(m_scope);
         } else {
             m_patternError = searcher.error().message;
         }
     }
     refresh();
+}
+
+void TextFinder::setScope(std::optional<TextRange> scope)
+{
+    if (std::exchange(m_scope, scope) == scope) {
+        return;
+    }
+    if (scope && m_view) {
+        m_origin = TextSelection::at(scope->location);
+    }
+    compile();
+    if (m_view) {
+        m_view->viewport()->update();
+    }
+}
+
+std::optional<TextRange> TextFinder::chosenScope() const
+{
+    // What is sought is no place to seek in.
+    const bool isPattern =
+        m_view && m_chosen.length == m_query.pattern.size() && m_view->storage().text().toString(m_chosen) == m_query.pattern;
+    return m_chosen.isEmpty() || isPattern ? std::nullopt : std::optional(m_chosen);
 }
 
 void TextFinder::forgetReplacementError()
@@ -88,7 +123,7 @@ void TextFinder::forgetReplacementError()
 
 void TextFinder::share()
 {
-    m_services.shared.setQuery(m_query);
+    m_services.shared.setQuery(m_query, m_services.kept());
 }
 
 void TextFinder::useShared()
@@ -98,25 +133,26 @@ void TextFinder::useShared()
     }
 }
 
-bool TextFinder::hasUsableSelection() const
+bool TextFinder::hasUsableSelection(Lines most) const
 {
     if (!m_view) {
         return false;
     }
     const TextRange range = m_view->selection().range();
     const Rope &text = m_view->storage().text();
-    return !range.isEmpty() && text.lineAt(range.location) == text.lineAt(range.end());
+    const bool isOneLine = text.lineAt(range.location) == text.lineAt(range.end());
+    return !range.isEmpty() && range.length <= longestPattern && (isOneLine || most == Lines::several);
 }
 
-bool TextFinder::useSelection()
+bool TextFinder::useSelection(Lines most)
 {
-    if (!hasUsableSelection()) {
+    if (!hasUsableSelection(most)) {
         return false;
     }
     SearchQuery query = m_services.shared.query();
     const QString selected = m_view->selectedText();
     query.pattern = query.isRegularExpression ? RegularExpression::escapedPattern(selected) : selected;
-    m_services.shared.setQuery(query);
+    m_services.shared.setQuery(query, m_services.kept());
     setQuery(query);
     return true;
 }
@@ -447,7 +483,7 @@ bool TextFinder::canReplace() const
     return m_view && !m_view->isReadOnly();
 }
 
-std::optional<QString> TextFinder::checkedTemplate(const QString &typed)
+std::optional<ReplacementTemplate> TextFinder::checkedTemplate(const QString &typed)
 {
     forgetOutcome();
     m_replacementError.clear();
@@ -463,17 +499,31 @@ std::optional<QString> TextFinder::checkedTemplate(const QString &typed)
         emit statusChanged();
         return std::nullopt;
     }
-    m_services.shared.addReplacement(typed);
-    return *std::move(checked);
+    m_services.shared.history().add(FindHistory::Kind::replacements, typed, m_services.kept());
+    return ReplacementTemplate(*std::move(checked), m_services.shared.letterCase());
 }
 
-void TextFinder::replaceSelectedHit(const QString &replacementTemplate)
+void TextFinder::replaceSelectedHit(const ReplacementTemplate &replacementTemplate)
 {
     if (const auto hit = selectedHit()) {
         if (const auto text = m_searcher->replacement(m_view->storage().text(), *hit, replacementTemplate)) {
             m_view->insertText(*text, *hit);
         }
     }
+}
+
+std::optional<TextFinder::Preview> TextFinder::preview(const QString &typed)
+{
+    if (!canReplace() || !m_searcher) {
+        return std::nullopt;
+    }
+    const auto hit = selectedHit();
+    const auto checked = m_searcher->replacementTemplate(typed);
+    if (!hit || !checked) {
+        return std::nullopt;
+    }
+    const auto replacement = m_searcher->replacement(m_view->storage().text(), *hit, {*checked, m_services.shared.letterCase()});
+    return replacement ? std::optional(Preview{*hit, *replacement}) : std::nullopt;
 }
 
 void TextFinder::replace(const QString &typed)
@@ -509,9 +559,10 @@ void TextFinder::replaceAll(const QString &typed)
     }
 }
 
-void TextFinder::startReplacing(const QString &replacementTemplate)
+void TextFinder::startReplacing(const ReplacementTemplate &replacementTemplate)
 {
     restartProgress();
+    m_template = replacementTemplate;
     const auto search = [searcher = copyOf(*m_searcher), searched = m_searched, replacementTemplate](const Rope &text,
                                                                                                      const std::stop_token &stop) {
         using enum TextReplacement::Occurrences;
@@ -556,7 +607,17 @@ void TextFinder::storageChanged(const TextChange &change)
     }
     m_seenRevision = m_view->storage().revision();
     m_origin = change.mapped(m_origin);
+    m_chosen = change.mapped(m_chosen);
+    if (m_scope) {
+        m_scope = TextRange::between(change.mapped(m_scope->location, Bias::before), change.mapped(m_scope->end(), Bias::after));
+        if (m_searcher) {
+            m_searcher->setScope(m_scope);
+        }
+    }
     refresh();
+    if (m_scope && m_replacing.isPending()) {
+        startReplacing(ReplacementTemplate(*m_template)); // elsewhere now
+    }
     if (m_wanted && m_seeking.isPending()) {
         m_wanted->from = change.mapped(m_wanted->from, Bias::before);
         seekInBackground();
@@ -574,6 +635,7 @@ void TextFinder::selectionChanged()
     m_wanted.reset();
     m_seeking.cancel();
     m_origin = m_view->selection();
+    m_chosen = m_origin.range();
     m_outcome.hasWrapped = false;
     m_outcome.isNotFound = false;
     m_outcome.replaced.reset();

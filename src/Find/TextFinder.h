@@ -4,6 +4,7 @@
 
 #include "Base/BackgroundTask.h"
 #include "Base/Scheduler.h"
+#include "Find/FindHistory.h"
 #include "Find/HitIndex.h"
 #include "Find/ReplacementSearch.h"
 #include "Text/TextSearch.h"
@@ -32,6 +33,8 @@ public:
         FindState &shared;
         /// The sound for "nothing found".
         std::function<void()> beep;
+        /// How long what is sought in this view is remembered.
+        std::function<FindHistory::Kept()> kept = [] { return FindHistory::Kept::forNextRun; };
     };
     enum class Marking { hidden, shown };
 
@@ -69,6 +72,12 @@ public:
     void forgetReplacementError();
     [[nodiscard]] Status status();
 
+    /// Hits lie in this stretch, which moves with its text, and is shown; none for the whole text.
+    void setScope(std::optional<TextRange> scope);
+    [[nodiscard]] const std::optional<TextRange> &scope() const { return m_scope; }
+    /// What the user selected last, if one would search in it; a hit that was gone to does not count.
+    [[nodiscard]] std::optional<TextRange> chosenScope() const;
+
     /// Hits are marked and counted while the marks are shown.
     void setMarking(Marking marking);
 
@@ -80,13 +89,20 @@ public:
     void findPrevious();
     /// Makes the query the one that all windows have in common.
     void share();
-    /// The shared search text becomes what is selected; false when nothing is, or more than one line.
-    bool useSelection();
-    [[nodiscard]] bool hasUsableSelection() const;
+    enum class Lines { one, several };
+    /// The shared search text becomes what is selected; false when nothing is, more lines than that, or too much for a field.
+    bool useSelection(Lines most = Lines::several);
+    [[nodiscard]] bool hasUsableSelection(Lines most = Lines::several) const;
 
     /// Replaces the hit that is selected, if one is, and goes on to the next. `typed` is a template when the query is an expression.
     void replace(const QString &typed);
-    /// Replaces all hits in the whole text as one undoable change.
+    struct Preview {
+        TextRange hit;
+        QString replacement;
+    };
+    /// What `replace` would do to the selected hit; none when it would do nothing.
+    [[nodiscard]] std::optional<Preview> preview(const QString &typed);
+    /// Replaces all hits in the text, or the scope, as one undoable change.
     void replaceAll(const QString &typed);
     [[nodiscard]] bool canReplace() const;
     /// Has whoever selects several places at once select all hits.
@@ -120,6 +136,7 @@ private:
     };
 
     void useShared();
+    void compile();
     [[nodiscard]] qsizetype searchedAtOnce() const;
     [[nodiscard]] bool isSmall() const;
     [[nodiscard]] bool hasIndex() const;
@@ -136,10 +153,10 @@ private:
     void select(TextRange hit, Purpose purpose);
     [[nodiscard]] std::optional<TextRange> selectedHit() const;
 
-    void replaceSelectedHit(const QString &replacementTemplate);
-    void startReplacing(const QString &replacementTemplate);
+    void replaceSelectedHit(const ReplacementTemplate &replacementTemplate);
+    void startReplacing(const ReplacementTemplate &replacementTemplate);
     void applyReplacement(const TextReplacement &replacement);
-    [[nodiscard]] std::optional<QString> checkedTemplate(const QString &typed);
+    [[nodiscard]] std::optional<ReplacementTemplate> checkedTemplate(const QString &typed);
 
     void storageChanged(const TextChange &change);
     void selectionChanged();
@@ -151,6 +168,9 @@ private:
     Services m_services;
     SearchQuery m_query;
     std::optional<TextSearcher> m_searcher;
+    std::optional<TextRange> m_scope;
+    /// What the user selected last.
+    TextRange m_chosen;
     QString m_patternError;
     QString m_replacementError;
     Marking m_marking = Marking::hidden;
@@ -163,6 +183,8 @@ private:
     std::optional<Seek> m_wanted;
     BackgroundTask m_seeking;
     ReplacementSearch m_replacing;
+    /// For the one under way.
+    std::optional<ReplacementTemplate> m_template;
     std::shared_ptr<std::atomic<qsizetype>> m_searched;
     RepeatingTimer m_progressTimer;
     bool m_isSlow = false;

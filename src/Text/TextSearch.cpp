@@ -3,7 +3,9 @@
 #include "Text/TextSearch.h"
 
 #include "Base/Translation.h"
+#include "Text/CanonicalEquivalence.h"
 #include "Text/LineRange.h"
+#include "Text/ReplacementCase.h"
 
 #include <unicode/ubrk.h>
 #include <unicode/uchar.h>
@@ -22,6 +24,8 @@ constexpr qsizetype expressionWindow = qsizetype(128) * 1024;
 constexpr qsizetype context = 256;
 /// Lines of one window that may use up their limits before the rest of it is given up.
 constexpr int mostHardLines = 8;
+/// Units of marks at a letter; Unicode's own limit for what is sane is 30 of them.
+constexpr int mostMarks = 128;
 
 // Characters
 
@@ -41,6 +45,29 @@ char32_t characterBefore(const Rope &text, qsizetype offset)
         return QChar::surrogateToUcs4(text.at(offset - 2), unit);
     }
     return unit;
+}
+
+/// Where the letter begins whose mark is at `offset`; more marks than any letter has are cut.
+qsizetype letterStart(const Rope &text, qsizetype offset)
+{
+    for (int marks = 0; marks < mostMarks && offset > 0 && offset < text.length(); ++marks) {
+        if (!text.splitsPair(offset) && !CanonicalEquivalence::isMark(characterAt(text, offset))) {
+            break;
+        }
+        --offset;
+    }
+    return offset;
+}
+
+qsizetype letterEnd(const Rope &text, qsizetype offset)
+{
+    for (int marks = 0; marks < mostMarks && offset < text.length(); ++marks) {
+        if (!text.splitsPair(offset) && !CanonicalEquivalence::isMark(characterAt(text, offset))) {
+            break;
+        }
+        ++offset;
+    }
+    return offset;
 }
 
 /// As `\w` of a regular expression has it.
@@ -212,7 +239,8 @@ Result<TextSearcher> TextSearcher::compile(const SearchQuery &query)
     TextSearcher searcher;
     searcher.m_query = query;
     if (!query.isRegularExpression) {
-        QString needle = query.pattern;
+        searcher.m_seeksEquivalents = CanonicalEquivalence::hasEquivalents(query.pattern);
+        QString needle = searcher.m_seeksEquivalents ? DecomposedText(query.pattern).units() : query.pattern;
         if (!query.matchesCase) {
             fold(reinterpret_cast<char16_t *>(needle.data()), needle.size());
         }
@@ -230,15 +258,24 @@ Result<TextSearcher> TextSearcher::compile(const SearchQuery &query)
     if (!expression) {
         return tl::make_unexpected(expression.error());
     }
+    const int groupCount = expression->groupCount();
+    const auto use = [&](const QString &pattern) {
+        auto other = RegularExpression::compile(prefix + pattern, options);
+        const bool isSame = other && other->groupCount() == groupCount;
+        if (isSame) {
+            expression = std::move(other);
+        }
+        return isSame;
+    };
+    QString pattern = query.pattern;
+    if (!query.isBareExpression) {
+        const QString written = CanonicalEquivalence::expressionWithEquivalents(pattern);
+        pattern = written != pattern && use(written) ? written : pattern;
+    }
     if (query.matchesWholeWords) {
         // Inside the expression, so that it looks for another way to match when a word goes on. A comment or quotation that is open at
         // the pattern's end swallows what is added.
-        auto whole = RegularExpression::compile(prefix + asWholeWord(query.pattern), options);
-        const bool isSame = whole && whole->groupCount() == expression->groupCount();
-        searcher.m_checksWords = !isSame;
-        if (isSame) {
-            expression = std::move(whole);
-        }
+        searcher.m_checksWords = !use(asWholeWord(pattern));
     }
     searcher.m_staysInLine = staysInLine(query.pattern);
     searcher.m_expression = std::move(*expression);
@@ -249,7 +286,9 @@ TextSearcher TextSearcher::clone() const
 {
     TextSearcher copy;
     copy.m_query = m_query;
+    copy.m_scope = m_scope;
     copy.m_needle = m_needle;
+    copy.m_seeksEquivalents = m_seeksEquivalents;
     if (m_expression) {
         copy.m_expression = m_expression->clone();
     }
@@ -260,7 +299,7 @@ TextSearcher TextSearcher::clone() const
 
 bool TextSearcher::accepts(const Rope &text, TextRange hit) const
 {
-    if (text.splitsPair(hit.location) || text.splitsPair(hit.end())) {
+    if (text.splitsPair(hit.location) || text.splitsPair(hit.end()) || hit.end() > scopeEnd(text)) {
         return false;
     }
     if (!m_checksWords) {
@@ -273,13 +312,18 @@ bool TextSearcher::accepts(const Rope &text, TextRange hit) const
 
 void TextSearcher::walk(Walk &walk)
 {
+    if (m_scope) {
+        walk.range = walk.range.intersected(*m_scope);
+    }
     walk.takesEnd = m_query.isBareExpression && walk.range.end() > walk.text.length();
     walk.range = walk.range.clampedTo(walk.text.length());
     walk.at = walk.range.location;
     if (m_query.pattern.isEmpty()) {
         return;
     }
-    const auto search = m_expression ? &TextSearcher::searchExpression : &TextSearcher::searchLiteral;
+    const auto search = m_expression         ? &TextSearcher::searchExpression
+                        : m_seeksEquivalents ? &TextSearcher::searchEquivalents
+                                             : &TextSearcher::searchLiteral;
     bool goesOn = walk.at < walk.range.end() || walk.takesEnd;
     while (goesOn) {
         goesOn = (this->*search)(walk) && walk.at < walk.range.end();
@@ -306,6 +350,38 @@ bool TextSearcher::searchLiteral(Walk &walk)
     return walk.goOn(std::max(windowEnd, walk.at + from));
 }
 
+/// As `searchLiteral`, in a window that begins and ends at letters, so that marks are put in the same order wherever a search begins.
+bool TextSearcher::searchEquivalents(Walk &walk)
+{
+    const Rope &text = walk.text;
+    const qsizetype length = m_needle.pattern().size();
+    const qsizetype windowEnd = std::min(walk.at + literalWindow, walk.range.end());
+    const qsizetype start = letterStart(text, walk.at);
+    // A pair may decompose into one unit.
+    const qsizetype end = letterEnd(text, std::min(text.length(), windowEnd + 2 * length));
+    DecomposedText window(text.toString(TextRange::between(start, end)));
+    if (!m_query.matchesCase) {
+        fold(reinterpret_cast<char16_t *>(window.units().data()), window.units().size());
+    }
+    qsizetype reached = windowEnd;
+    qsizetype from = window.indexOf(walk.at - start);
+    for (qsizetype found; (found = m_needle.indexIn(QStringView(window.units()), from)) >= 0;) {
+        const auto first = window.origin(found);
+        const auto last = window.origin(found + length);
+        if (first && start + *first >= windowEnd) {
+            break;
+        }
+        const TextRange hit = first && last ? TextRange::between(start + *first, start + *last) : TextRange();
+        const bool isHit = !hit.isEmpty() && accepts(text, hit);
+        if (isHit && !walk.visit({hit})) {
+            return false;
+        }
+        reached = isHit ? std::max(reached, hit.end()) : reached;
+        from = found + (isHit ? length : 1);
+    }
+    return walk.goOn(reached);
+}
+
 bool TextSearcher::searchExpression(Walk &walk)
 {
     const Rope &text = walk.text;
@@ -321,7 +397,7 @@ bool TextSearcher::searchExpression(Walk &walk)
 bool TextSearcher::searchExcerpt(Walk &walk, qsizetype windowEnd)
 {
     const Rope &text = walk.text;
-    qsizetype limit = std::min(text.length(), windowEnd + reach);
+    qsizetype limit = std::min(scopeEnd(text), windowEnd + reach);
     if (m_staysInLine) {
         const qsizetype line = text.lineAt(std::max<qsizetype>(windowEnd - 1, 0));
         limit = line + 1 < text.lineCount() ? std::min(limit, text.lineStart(line + 1)) : limit;
@@ -417,6 +493,7 @@ std::optional<TextRange> TextSearcher::lastHit(const Rope &text, TextRange range
 {
     constexpr qsizetype smallest = 4096;
     range = range.clampedTo(text.length() + 1);
+    range = m_scope ? range.intersected(*m_scope) : range;
     std::optional<TextRange> last;
     qsizetype size = smallest;
     for (qsizetype end = range.end(); end > range.location && !last && !control.stop.stop_requested();) {
@@ -444,6 +521,10 @@ Result<QString> TextSearcher::replacementTemplate(const QString &typed) const
     if (!m_expression) {
         return typed;
     }
+    const int groups = m_expression->groupCount();
+    const auto noGroup = [groups](int number) {
+        return failure(formatted(localized(u"The replacement refers to group %d, but the expression has %d."), number, groups));
+    };
     QString result;
     for (qsizetype at = 0; at < typed.size(); ++at) {
         const QChar unit = typed[at];
@@ -452,7 +533,16 @@ Result<QString> TextSearcher::replacementTemplate(const QString &typed) const
             if (next.isNull()) {
                 return failure(localized(u"The replacement ends with a lone “\\”; “\\\\” stands for one."));
             }
-            result += next == u'n' ? u"\n"_s : next == u't' ? u"\t"_s : QString(unit) + next;
+            if (next.unicode() >= u'0' && next.unicode() <= u'9') {
+                const int number = next.digitValue();
+                if (number > groups) {
+                    return noGroup(number);
+                }
+                // The digits behind it are none of it.
+                result += u'$' + QString::number(number).rightJustified(QString::number(groups).size(), u'0');
+            } else {
+                result += next == u'n' ? u"\n"_s : next == u't' ? u"\t"_s : QString(unit) + next;
+            }
             ++at;
             continue;
         }
@@ -460,9 +550,8 @@ Result<QString> TextSearcher::replacementTemplate(const QString &typed) const
             if (next < u'0' || next > u'9') {
                 return failure(localized(u"“$” in the replacement needs the number of a group; “\\$” stands for the character."));
             }
-            if (const int number = next.digitValue(); number > m_expression->groupCount()) {
-                return failure(formatted(localized(u"The replacement refers to group %d, but the expression has %d."), number,
-                                         m_expression->groupCount()));
+            if (const int number = next.digitValue(); number > groups) {
+                return noGroup(number);
             }
         }
         result += unit;
@@ -470,13 +559,21 @@ Result<QString> TextSearcher::replacementTemplate(const QString &typed) const
     return result;
 }
 
-std::optional<QString> TextSearcher::replacement(const Rope &text, TextRange hit, const QString &replacementTemplate)
+/// `excerpt` is that in which the expression has just matched.
+QString TextSearcher::inPlaceOf(TextRange hit, const Rope &text, const Excerpt *excerpt,
+                                const ReplacementTemplate &replacementTemplate) const
+{
+    const QString written = excerpt ? RegularExpression::replacement(m_expression->match(), excerpt->units, replacementTemplate.format)
+                                    : replacementTemplate.format;
+    return replacementTemplate.letterCase == ReplacementTemplate::LetterCase::asFound ? inCaseOf(text.toString(hit), written) : written;
+}
+
+std::optional<QString> TextSearcher::replacement(const Rope &text, TextRange hit, const ReplacementTemplate &replacementTemplate)
 {
     std::optional<QString> result;
     const auto take = [&](const Walk::Place &place) {
         if (place.hit == hit) {
-            result = place.excerpt ? RegularExpression::replacement(m_expression->match(), place.excerpt->units, replacementTemplate)
-                                   : replacementTemplate;
+            result = inPlaceOf(hit, text, place.excerpt, replacementTemplate);
         }
         return false;
     };
@@ -486,7 +583,7 @@ std::optional<QString> TextSearcher::replacement(const Rope &text, TextRange hit
     return result;
 }
 
-TextReplacement TextSearcher::replacementOfAll(const Rope &text, TextRange range, const QString &replacementTemplate,
+TextReplacement TextSearcher::replacementOfAll(const Rope &text, TextRange range, const ReplacementTemplate &replacementTemplate,
                                                TextReplacement::Occurrences occurrences, const SearchControl &control)
 {
     TextReplacement result;
@@ -506,9 +603,7 @@ TextReplacement TextSearcher::replacementOfAll(const Rope &text, TextRange range
             }
             line = own;
         }
-        const QString inserted = place.excerpt
-                                     ? RegularExpression::replacement(m_expression->match(), place.excerpt->units, replacementTemplate)
-                                     : replacementTemplate;
+        const QString inserted = inPlaceOf(place.hit, text, place.excerpt, replacementTemplate);
         hull = result.count == 0 ? place.hit : TextRange::between(hull.location, place.hit.end());
         ++result.count;
         if (result.count <= TextReplacement::mostHits) {

@@ -4,15 +4,18 @@
 
 #include "Base/Result.h"
 #include "Text/RegularExpression.h"
+#include "Text/Rope.h"
 #include "Text/TextEdits.h"
 
 #include <QStringMatcher>
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <stop_token>
+#include <utility>
 #include <vector>
 
 /// What is sought.
@@ -35,6 +38,17 @@ struct SearchControl {
     std::shared_ptr<std::atomic<qsizetype>> searched = nullptr;
 };
 
+/// What comes in place of a hit.
+struct ReplacementTemplate {
+    enum class LetterCase { asWritten, asFound };
+
+    /// As `TextSearcher::replacementTemplate` made it.
+    QString format;
+    LetterCase letterCase = LetterCase::asWritten;
+
+    ReplacementTemplate(QString written, LetterCase wanted = LetterCase::asWritten) : format(std::move(written)), letterCase(wanted) {}
+};
+
 /// What replacing all hits does to a text.
 struct TextReplacement {
     enum class Occurrences { all, firstOfLine };
@@ -53,9 +67,10 @@ struct TextReplacement {
 /// Finds the hits of one query in ropes without copying them: only a window of some 100 KB is ever in one piece.
 ///
 /// Hits do not overlap and, unless the expression is bare, are never empty; which ones there are in a run of overlapping candidates depends
-/// on where the search began. Case is folded character by character, so that a hit is as long as the pattern: "ß" is found by "ẞ" and "σ"
-/// by "ς", but "ss" finds no "ß". A whole word is one that no word character (letter, mark, digit, connector) continues; in scripts without
-/// blanks ICU's dictionary divides words, for literal patterns.
+/// on where the search began. Case is folded character by character: "ß" is found by "ẞ" and "σ" by "ς", but "ss" finds no "ß". Letters are
+/// found however they are composed (`CanonicalEquivalence`), in an expression those that stand in it, unless it is bare; a hit may be
+/// longer or shorter than its pattern then. A letter without marks is also found where marks follow. A whole word is one that no word
+/// character (letter, mark, digit, connector) continues; in scripts without blanks ICU's dictionary divides words, for literal patterns.
 ///
 /// A regular expression sees the lines around it: `^` and `$` are the ends of lines, and look-around sees 256 units beyond what can be
 /// matched. Its hits may span lines; those of up to `reach` units are found wherever they lie, longer ones may be cut short. It never
@@ -74,6 +89,8 @@ public:
     /// For another thread. May be called while this one does not search.
     [[nodiscard]] TextSearcher clone() const;
     [[nodiscard]] const SearchQuery &query() const { return m_query; }
+    /// Hits lie in `scope` from now on; none for the whole text. What is around it is still seen: `^`, `$` and words end where they do.
+    void setScope(std::optional<TextRange> scope) { m_scope = scope; }
 
     /// Visits the hits that begin in `range`, from its start on, in order; they may end behind it. An empty one at the text's end begins in
     /// a range that goes beyond that.
@@ -86,13 +103,13 @@ public:
     /// True when a search of this object left out stretches that were too hard for the expression.
     [[nodiscard]] bool gaveUp() const { return m_gaveUp; }
 
-    /// What `replacement` takes, made of what was typed. For a regular expression `$1` is group 1, `\n` a line break, `\t` a tab, and `\`
-    /// protects the next character; fails with words when `$` is not followed by the number of a group that exists. Else it is itself.
+    /// What `replacement` takes, made of what was typed. For a regular expression `$1` and `\1` are group 1, `\n` a line break, `\t` a tab,
+    /// and `\` protects any other character; fails with words when there is no such group or `$` has no number. Else it is itself.
     [[nodiscard]] Result<QString> replacementTemplate(const QString &typed) const;
     /// What comes in place of `hit`; none when that is no hit (any more).
-    [[nodiscard]] std::optional<QString> replacement(const Rope &text, TextRange hit, const QString &replacementTemplate);
+    [[nodiscard]] std::optional<QString> replacement(const Rope &text, TextRange hit, const ReplacementTemplate &replacementTemplate);
     /// Of the hits that begin in `range`. Stopped, it reports what it had found till then.
-    [[nodiscard]] TextReplacement replacementOfAll(const Rope &text, TextRange range, const QString &replacementTemplate,
+    [[nodiscard]] TextReplacement replacementOfAll(const Rope &text, TextRange range, const ReplacementTemplate &replacementTemplate,
                                                    TextReplacement::Occurrences occurrences = TextReplacement::Occurrences::all,
                                                    const SearchControl &control = {});
 
@@ -102,15 +119,23 @@ private:
 
     TextSearcher() = default;
     bool searchLiteral(Walk &walk);
+    bool searchEquivalents(Walk &walk);
     bool searchExpression(Walk &walk);
     bool searchExcerpt(Walk &walk, qsizetype windowEnd);
     std::optional<qsizetype> searchRange(Walk &walk, const Excerpt &excerpt, TextRange range, qsizetype windowEnd);
     bool searchLines(Walk &walk, const Excerpt &excerpt, qsizetype windowEnd);
+    [[nodiscard]] QString inPlaceOf(TextRange hit, const Rope &text, const Excerpt *excerpt,
+                                    const ReplacementTemplate &replacementTemplate) const;
     [[nodiscard]] bool accepts(const Rope &text, TextRange hit) const;
     void walk(Walk &walk);
 
+    [[nodiscard]] qsizetype scopeEnd(const Rope &text) const { return m_scope ? std::min(m_scope->end(), text.length()) : text.length(); }
+
     SearchQuery m_query;
+    std::optional<TextRange> m_scope;
     QStringMatcher m_needle;
+    /// The needle is decomposed, as the text has to be: there are other ways to write it.
+    bool m_seeksEquivalents = false;
     std::optional<RegularExpression> m_expression;
     /// The expression cannot match a line's end.
     bool m_staysInLine = false;

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "View/TextViewPainter.h"
 
+#include "Desktop/PaletteBlend.h"
+
 #include <QPainter>
 
 #include <cmath>
@@ -10,6 +12,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
+/// Of the text's colour, in the ground of what is searched.
+constexpr double searchedShare = 0.12;
 constexpr float blockCaretAlpha = 0.45F;
 constexpr QColor indicatorColor(0xFF, 0xC8, 0x1E);
 constexpr QColor misspellingColor(0xE5, 0x3E, 0x3E);
@@ -109,6 +113,13 @@ TextRange TextViewPainter::seenOf(const Viewport::VisibleRow &row, Span visible)
 
 void TextViewPainter::paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
 {
+    if (looks.searched) {
+        for (const TextRange searched : looks.searched(seenOf(row, visible))) {
+            for (const Span span : m_layout.spansOf(row.row, searched, visible)) {
+                painter.fillRect(box(row, span), blended(looks.colors.background, looks.colors.text, searchedShare));
+            }
+        }
+    }
     if (!looks.marks) {
         return;
     }

@@ -37,6 +37,8 @@ struct TextLooks {
     Colors colors;
     CaretShape caretShape = CaretShape::bar;
     Visibility invisibles = Visibility::hidden;
+    /// Where one searches, when that is not all of the text.
+    MarkProvider searched;
     /// Search hits.
     MarkProvider marks;
     /// What is underlined with a wavy line.

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Find/FindBar.h"
 
+#include "Base/Localization.h"
 #include "Commands/Actions.h"
 #include "Controls.h"
 #include "Find/FindField.h"
@@ -202,7 +203,9 @@ TEST_F(FindBarTest, TakesTheSelectionAndFollowsOtherWindows)
     editor.view->setSelection({1, 10});
     editor.perform(Actions::find);
     EXPECT_EQ(editor.pattern(), u"ne"_s) << "not of several lines";
-    EXPECT_FALSE(editor.bar->textFinderActionState({.tag = Actions::useSelectionForFind.tag}).isEnabled);
+    editor.perform(Actions::useSelectionForFind);
+    EXPECT_EQ(editor.pattern(), u"ne two\non"_s) << "but when asked to";
+    editor.field(0)->setText(u"ne"_s);
     editor.keys(u"<A-r><CR>"_s);
     EXPECT_TRUE(other.button(u"Regular Expression"_s)->isChecked());
     editor.storage.apply({{0, 0}, u"a.b "_s});
@@ -274,6 +277,102 @@ TEST_F(FindBarTest, ReplacesAllAsOneStep)
     editor.view->undo();
     EXPECT_EQ(editor.storage.string(), before);
     EXPECT_FALSE(editor.undo.canUndo());
+}
+
+TEST_F(FindBarTest, KeepsCaseOnRequestAndWritesNumbersAsTheInterfaceDoes)
+{
+    Editor editor(shared, QString(u"a Cat and a CAT\n"_s.repeated(617)));
+    editor.perform(Actions::findAndReplace);
+    for (const QString &keys : {u"cat<Tab>"_s, u"dog<A-k>"_s}) {
+        editor.keys(keys);
+    }
+    EXPECT_TRUE(editor.button(u"Keep Case"_s)->isChecked());
+    editor.keys(u"<CR>"_s);
+    EXPECT_EQ(editor.storage.text().toString({0, 15}), u"a Dog and a CAT"_s);
+    EXPECT_EQ(editor.note(), "1 of 1,233");
+    Localization::use(AppLanguage::german);
+    editor.bar->retranslate();
+    EXPECT_EQ(editor.note(), "1 von 1.233");
+    Localization::use(AppLanguage::english);
+    Editor other(shared, u"|"_s);
+    other.perform(Actions::findAndReplace);
+    EXPECT_TRUE(other.button(u"Keep Case"_s)->isChecked()) << "as in all windows";
+}
+
+TEST_F(FindBarTest, FindsInTheSelectionThatTheUserMade)
+{
+    Editor editor(shared, u"ab ab\n^ab ab ab\n|ab"_s);
+    QToolButton *toggle = editor.button(u"In Selection"_s);
+    editor.perform(Actions::findAndReplace);
+    const QImage plain = editor.view->viewport()->grab().toImage();
+    editor.keys(u"ab"_s);
+    EXPECT_EQ(editor.note(), "3 of 6") << "a hit that is gone to is not what the user selected";
+    editor.keys(u"<A-l>"_s);
+    ASSERT_TRUE(toggle->isChecked());
+    editor.expect({{u""_s, "ab ab\n^ab| ab ab\nab: 1 of 3"}, {u"<S-CR>"_s, "ab ab\nab ab ^ab|\nab: ↻ 3 of 3"}});
+    EXPECT_NE(editor.view->viewport()->grab().toImage(), plain) << "one sees where";
+    editor.storage.apply({{0, 0}, u"ab "_s});
+    EXPECT_EQ(editor.note(), "↻ 3 of 3") << "it moves with its text";
+    editor.field(1)->setText(u"x"_s);
+    editor.button(u"Replace All"_s)->click();
+    EXPECT_EQ(editor.storage.string(), u"ab ab ab\nx x x\nab"_s);
+    editor.keys(u"<Esc>"_s);
+    editor.view->setSelection({0, 2});
+    editor.perform(Actions::find);
+    EXPECT_EQ(editor.note(), "1 of 4") << "closing the bar ends it";
+    EXPECT_FALSE(toggle->isEnabled()) << "what is sought is no place to seek in";
+}
+
+TEST_F(FindBarTest, SeeksAndReplacesSeveralLines)
+{
+    Editor editor(shared, u"|one\ntwo\none\ntwo"_s);
+    editor.perform(Actions::findAndReplace);
+    editor.scheduler.advance(1s);
+    const int height = editor.bar->height();
+    editor.keys(u"one<C-CR>tw"_s);
+    // First the panel learns of its field, then the bar of its panel.
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(editor.note(), "1 of 2");
+    EXPECT_GT(editor.field(0)->height(), editor.field(1)->height());
+    EXPECT_GT(editor.bar->height(), height);
+    editor.field(1)->setText(u"a\u00a0b\nc"_s);
+    editor.button(u"Replace All"_s)->click();
+    EXPECT_EQ(editor.storage.string(), u"a\u00a0b\nco\na\u00a0b\nco"_s);
+    // Up goes through the lines first, and from there to what was sought before.
+    editor.field(0)->setText(u"b"_s);
+    editor.keys(u"<CR>"_s);
+    QStringList texts;
+    for (const QString &key : {u"<Up>"_s, u"<Down>"_s, u"<Down>"_s}) {
+        editor.keys(key);
+        texts << editor.pattern();
+    }
+    EXPECT_EQ(texts.join(u'|'), u"one\ntw|one\ntw|b"_s);
+}
+
+TEST_F(FindBarTest, ShowsWhatTheHitWillBecome)
+{
+    Editor editor(shared, u"|a1 b2"_s);
+    editor.perform(Actions::findAndReplace);
+    editor.keys(u"<A-r>"_s);
+    const auto preview = [&editor] { return editor.field(1)->accessibleDescription().toStdString(); };
+    const auto *box = [&editor]() -> const QWidget * {
+        editor.field(0)->setText(u"(\\w)(\\d)"_s);
+        editor.field(1)->setText(u"$2$1"_s);
+        return editor.view->viewport()->findChild<QWidget *>();
+    }();
+    ASSERT_TRUE(box && box->isVisible());
+    EXPECT_EQ(preview(), "The hit becomes “1a”.");
+    const QPoint place = box->pos();
+    editor.keys(u"<CR>"_s);
+    EXPECT_EQ(preview(), "The hit becomes “2b”.");
+    EXPECT_GT(box->x(), place.x()) << "at its hit";
+    editor.field(1)->setText(u"$3"_s);
+    EXPECT_FALSE(box->isVisible());
+    editor.field(1)->setText(u"\\2"_s);
+    EXPECT_EQ(preview(), "The hit becomes “2”.");
+    editor.keys(u"<Esc>"_s);
+    EXPECT_FALSE(box->isVisible());
 }
 
 TEST_F(FindBarTest, GoesOnFromAHitInsideACharacter)
@@ -399,7 +498,7 @@ TEST_F(FindBarTest, ShowsAllOfItsControlsInNarrowWindows)
             taken += place;
             ++count;
         }
-        EXPECT_EQ(count, 11);
+        EXPECT_EQ(count, 13);
     }
 }
 

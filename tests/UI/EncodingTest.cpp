@@ -203,6 +203,7 @@ TEST_F(EncodingTest, FilesAreOpenedAndReopenedInTheEncodingThatIsChosen)
                                                  "b\0\n\0",
                                                  6))});
     EXPECT_EQ(text(), u"b\n"_s);
+    EXPECT_EQ(presenter.choicePanels().back().choices.front().title, u"UTF-16"_s) << "as the mark says, which others keep as text";
 }
 
 TEST_F(EncodingTest, MarksAndMixedLineEndingsAreShown)

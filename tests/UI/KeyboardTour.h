@@ -56,7 +56,7 @@ private:
             return std::ranges::any_of(classes, [each](const char *name) { return each->inherits(name); });
         };
         // What these are made of.
-        const bool isPart = isOne(widget.parentWidget(), {"QLineEdit", "QComboBox", "QAbstractSpinBox", "QTabBar"});
+        const bool isPart = isOne(widget.parentWidget(), {"QLineEdit", "FindField", "QComboBox", "QAbstractSpinBox", "QTabBar"});
         const bool isUsable = widget.isVisible() && widget.isEnabled() && !widget.focusProxy() && widget.window() == &m_window;
         return isUsable && !isPart &&
                ((widget.focusPolicy() & Qt::TabFocus) ||
