@@ -3,6 +3,7 @@
 
 // What the text system's storage costs in a document of 100 MB, as lines of about 40 units.
 
+#include "Text/TextSearch.h"
 #include "Text/UndoManager.h"
 
 #include <benchmark/benchmark.h>
@@ -308,6 +309,24 @@ void replaceAll(benchmark::State &state)
     state.counters["undo ms"] = undoTime;
 }
 BENCHMARK(replaceAll)->Unit(benchmark::kMillisecond);
+
+/// Looking through a document for a word that is not in it: plain, and with a letter that can be written in other ways.
+void findAll(benchmark::State &state)
+{
+    const bool isComposed = state.range(0) != 0;
+    QByteArray bytes = latinText();
+    if (state.range(1) != 0) {
+        bytes.replace("value", "valu\xe8");
+    }
+    RopeBuilder builder;
+    builder.appendLatin1(reinterpret_cast<const uchar *>(bytes.constData()), bytes.size());
+    const Rope text = builder.build();
+    TextSearcher searcher = *TextSearcher::compile({.pattern = isComposed ? QStringLiteral("n\u00e9xt") : QStringLiteral("nexx")});
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(searcher.firstHit(text, {0, text.length()}));
+    }
+}
+BENCHMARK(findAll)->ArgNames({"composed", "letters"})->ArgsProduct({{0, 1}, {0, 1}})->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -6,7 +6,7 @@
 
 NumberedTextView::NumberedTextView(TextStorage &storage, UndoManager &undoManager, Services services, const QFont &font, QWidget *parent)
     : TextView(storage, undoManager, services, font, parent), m_ruler(new LineNumberRulerView(*this, this)),
-      m_verticalBar(new TextScrollBar(Qt::Vertical)), m_horizontalBar(new TextScrollBar(Qt::Horizontal))
+      m_verticalBar(new MarkedScrollBar(*this)), m_horizontalBar(new TextScrollBar(Qt::Horizontal))
 {
     setVerticalScrollBar(m_verticalBar);
     setHorizontalScrollBar(m_horizontalBar);
@@ -32,7 +32,7 @@ void NumberedTextView::setTheme(const Theme &theme, CurrentLine currentLine)
                .selectedText = colorOrNone(theme.selectedText),
                .currentLineBorder = colorOrNone(currentLine == CurrentLine::highlighted ? theme.currentLineBorder : 0)});
     const bool isStark = theme.contrast == Contrast::high;
-    for (TextScrollBar *bar : {m_verticalBar, m_horizontalBar}) {
+    for (TextScrollBar *bar : std::initializer_list<TextScrollBar *>{m_verticalBar, m_horizontalBar}) {
         bar->setColors(isStark ? QColor::fromRgb(theme.background) : QColor(), isStark ? QColor::fromRgb(theme.foreground) : QColor());
     }
     m_ruler->setTheme(theme);

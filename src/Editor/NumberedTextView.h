@@ -4,7 +4,7 @@
 
 #include "Editor/LineNumberRulerView.h"
 #include "Highlighting/Theme.h"
-#include "View/TextScrollBar.h"
+#include "View/MarkedScrollBar.h"
 #include "View/TextView.h"
 
 /// A text view in the colours of a theme, with the numbers of its lines beside it.
@@ -27,6 +27,6 @@ private:
     void placeRuler();
 
     LineNumberRulerView *m_ruler;
-    TextScrollBar *m_verticalBar;
+    MarkedScrollBar *m_verticalBar;
     TextScrollBar *m_horizontalBar;
 };

@@ -9,6 +9,8 @@ HitIndex HitIndex::make(TextSearcher &searcher, const Rope &text, const SearchCo
     HitIndex index;
     const auto count = static_cast<size_t>((text.length() + blockUnits - 1) / blockUnits) + 1;
     index.m_blocks.reserve(count);
+    index.m_pieceUnits = text.length() / mostPieces + 1;
+    index.m_pieces.resize(static_cast<size_t>(text.length() / index.m_pieceUnits) + 1);
     qsizetype hits = 0;
     qsizetype reached = 0;
     // No hit begins between the end of the one before and the next, so the search for those of a block may begin there.
@@ -22,6 +24,7 @@ HitIndex HitIndex::make(TextSearcher &searcher, const Rope &text, const SearchCo
         text, {0, text.length()},
         [&](TextRange hit) {
             closeBlocks(static_cast<size_t>(hit.location / blockUnits) + 1);
+            index.m_pieces[static_cast<size_t>(hit.location / index.m_pieceUnits)] = true;
             ++hits;
             reached = hit.end();
             return true;
@@ -88,6 +91,14 @@ std::optional<TextRange> HitIndex::previous(qsizetype offset, TextSearcher &sear
         }
     }
     return result;
+}
+
+bool HitIndex::mayHaveHitsIn(TextRange range) const
+{
+    const auto pieces = static_cast<qsizetype>(m_pieces.size());
+    const auto pieceAt = [&](qsizetype offset) { return std::clamp<qsizetype>((offset + m_pieceUnits - 1) / m_pieceUnits, 0, pieces); };
+    const auto end = m_pieces.begin() + pieceAt(range.end());
+    return std::find(m_pieces.begin() + pieceAt(range.location), end, true) != end;
 }
 
 qsizetype HitIndex::searchStart(qsizetype offset) const

@@ -15,6 +15,7 @@
 class HitIndex final {
 public:
     static constexpr qsizetype blockUnits = 16384;
+    static constexpr qsizetype mostPieces = 65'536;
 
     /// O(text). Stopped, it is of no use.
     [[nodiscard]] static HitIndex make(TextSearcher &searcher, const Rope &text, const SearchControl &control = {});
@@ -26,6 +27,9 @@ public:
     [[nodiscard]] std::optional<TextRange> next(qsizetype offset, TextSearcher &searcher, const Rope &text) const;
     /// The last hit that begins before `offset`.
     [[nodiscard]] std::optional<TextRange> previous(qsizetype offset, TextSearcher &searcher, const Rope &text) const;
+    /// Whether a piece of the text in which a hit begins does so in `range`: of 65,536 at most that it is cut into, in a shorter text of
+    /// one unit each. Of ranges side by side only one has it. Costs a bit a piece.
+    [[nodiscard]] bool mayHaveHitsIn(TextRange range) const;
     /// Where a search comes by all hits that touch `offset`, unless they are longer than a block.
     [[nodiscard]] qsizetype searchStart(qsizetype offset) const;
 
@@ -40,6 +44,9 @@ private:
     [[nodiscard]] bool hasHits(size_t block) const { return m_blocks[block + 1].before > m_blocks[block].before; }
     [[nodiscard]] TextRange rangeOf(size_t block) const;
 
+    qsizetype m_pieceUnits = 1;
+    /// Whether hits begin in them.
+    std::vector<bool> m_pieces;
     /// One for every block and one behind them.
     std::vector<Block> m_blocks;
 };

@@ -4,6 +4,7 @@
 
 #include "Find/FindState.h"
 #include "Text/TextBoundaries.h"
+#include "View/MarkedScrollBar.h"
 #include "View/TextView.h"
 
 #include <QScopedValueRollback>
@@ -41,6 +42,10 @@ TextFinder::TextFinder(TextView &view, Services services, QObject *parent)
     connect(&view.storage(), &TextStorage::changed, this, &TextFinder::storageChanged);
     connect(&view, &TextView::selectionChanged, this, &TextFinder::selectionChanged);
     view.setLook(&TextLooks::marks, [this](TextRange seen) { return marksIn(seen); });
+    if (MarkedScrollBar *bar = MarkedScrollBar::of(view)) {
+        bar->setSource(ScrollMark::hit, {.has = [this](TextRange stretch) { return m_index && m_index->mayHaveHitsIn(stretch); },
+                                         .go = [this](TextRange stretch) { goToHitIn(stretch); }});
+    }
     view.setLook(&TextLooks::searched, [this](TextRange seen) {
         const TextRange searched = m_scope ? m_scope->intersected(seen) : TextRange();
         return searched.isEmpty() ? std::vector<TextRange>() : std::vector{searched};
@@ -52,6 +57,9 @@ TextFinder::~TextFinder()
     if (m_view) {
         m_view->setLook(&TextLooks::marks, {});
         m_view->setLook(&TextLooks::searched, {});
+        if (MarkedScrollBar *bar = MarkedScrollBar::of(*m_view)) {
+            bar->setSource(ScrollMark::hit, {});
+        }
     }
 }
 
@@ -182,10 +190,12 @@ bool TextFinder::hasIndex() const
     return m_view && m_index && m_indexRevision == m_view->storage().revision();
 }
 
-/// Query, text or marking has changed.
-void TextFinder::refresh()
+/// Query, text or marking has changed. Until a text that has changed is counted, the marks on its scroll bar stay about where they are.
+void TextFinder::refresh(Places places)
 {
-    m_index.reset();
+    if (places == Places::gone || m_marking == Marking::hidden || !m_searcher) {
+        m_index.reset();
+    }
     m_marked.reset();
     m_countSoon.cancel();
     m_counting.cancel();
@@ -197,6 +207,7 @@ void TextFinder::refresh()
         } else if (counts) {
             m_countSoon = m_services.scheduler.after(countDelay, [this] { startCounting(); });
         }
+        markPlaces();
         // With nothing marked, before and now, a key paints no more than its row.
         if (std::exchange(m_hasMarks, counts) || counts) {
             m_view->viewport()->update();
@@ -227,6 +238,7 @@ void TextFinder::startCounting()
             m_indexRevision = revision;
             m_marked.reset();
             m_outcome.isIncomplete = counted.gaveUp;
+            markPlaces();
             if (m_view) {
                 m_view->viewport()->update();
             }
@@ -235,6 +247,15 @@ void TextFinder::startCounting()
                 seek(Seek(*m_wanted));
             }
         });
+}
+
+void TextFinder::markPlaces()
+{
+    MarkedScrollBar *bar = m_view ? MarkedScrollBar::of(*m_view) : nullptr;
+    // With nothing to be marked, before and now, a key does not paint the bar.
+    if (bar && (std::exchange(m_hasPlaces, m_index.has_value()) || m_index)) {
+        bar->placesChanged();
+    }
 }
 
 bool TextFinder::isBusy() const
@@ -322,6 +343,14 @@ void TextFinder::go(Direction direction)
     }
     const TextRange place = selectedHit().value_or(m_view->selection().range());
     seek({.direction = direction, .from = direction == Direction::forward ? place.end() : place.location});
+}
+
+void TextFinder::goToHitIn(TextRange stretch)
+{
+    forgetOutcome();
+    if (m_view && m_searcher) {
+        seek({.direction = Direction::forward, .from = stretch.location});
+    }
 }
 
 void TextFinder::findWhileTyping()
@@ -614,7 +643,7 @@ void TextFinder::storageChanged(const TextChange &change)
             m_searcher->setScope(m_scope);
         }
     }
-    refresh();
+    refresh(Places::kept);
     if (m_scope && m_replacing.isPending()) {
         startReplacing(ReplacementTemplate(*m_template)); // elsewhere now
     }
@@ -644,7 +673,7 @@ void TextFinder::selectionChanged()
 
 void TextFinder::forgetOutcome()
 {
-    m_outcome = {.isIncomplete = m_outcome.isIncomplete && m_index};
+    m_outcome = {.isIncomplete = m_outcome.isIncomplete && hasIndex()};
 }
 
 // Marks

@@ -140,7 +140,10 @@ private:
     [[nodiscard]] qsizetype searchedAtOnce() const;
     [[nodiscard]] bool isSmall() const;
     [[nodiscard]] bool hasIndex() const;
-    void refresh();
+    enum class Places { kept, gone };
+    void refresh(Places places = Places::gone);
+    void markPlaces();
+    void goToHitIn(TextRange stretch);
     void startCounting();
     void restartProgress();
     [[nodiscard]] bool isBusy() const;
@@ -175,7 +178,9 @@ private:
     QString m_replacementError;
     Marking m_marking = Marking::hidden;
     bool m_hasMarks = false;
+    bool m_hasPlaces = false;
 
+    /// Of the text as it was at this revision.
     std::optional<HitIndex> m_index;
     quint64 m_indexRevision = 0;
     DelayedTask m_countSoon;

@@ -496,6 +496,25 @@ qint64 LayoutManager::numberOf(const RowPosition &row)
     return m_rows.rowsBefore(row.line) + inLine;
 }
 
+qsizetype LayoutManager::offsetNear(double number)
+{
+    const Rope &text = m_storage.text();
+    const auto row = static_cast<qint64>(std::floor(number));
+    if (row < 0) {
+        return 0;
+    }
+    if (row >= rowCount()) {
+        return text.length();
+    }
+    if (!wraps()) {
+        return text.lineStart(row);
+    }
+    const RowMap::Place place = m_rows.lineAtRow(row);
+    const Line line = lineAt(place.line);
+    const qint64 rows = std::max<qint64>(1, m_rows.rowsBefore(place.line + 1) - m_rows.rowsBefore(place.line));
+    return line.start + static_cast<qsizetype>(double(line.length) * double(place.row) / double(rows));
+}
+
 RowPosition LayoutManager::rowNumber(qint64 number)
 {
     number = std::clamp<qint64>(number, 0, rowCount() - 1);

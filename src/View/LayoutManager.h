@@ -94,6 +94,8 @@ public:
     [[nodiscard]] qint64 rowCount() const;
     [[nodiscard]] qint64 numberOf(const RowPosition &row);
     [[nodiscard]] RowPosition rowNumber(qint64 number);
+    /// About where the text of row `number` begins, a fraction counted in; clamped. Nothing is laid out for it.
+    [[nodiscard]] qsizetype offsetNear(double number);
 
     // Along a row.
     [[nodiscard]] double xOf(const RowPosition &row, qsizetype offset);

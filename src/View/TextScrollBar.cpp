@@ -2,10 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "View/TextScrollBar.h"
 
+#include <QImage>
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOptionSlider>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -51,4 +53,34 @@ void TextScrollBar::paintEvent(QPaintEvent *event)
             style()->drawPrimitive(symbol, &arrow, &painter, this);
         }
     }
+}
+
+TextScrollBar::Grounds TextScrollBar::grounds() const
+{
+    if (m_ground.isValid() && m_handle.isValid()) {
+        return {m_ground, m_handle};
+    }
+    // Styles make their own of the palette, so one looks.
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    option.subControls = QStyle::SC_All;
+    option.activeSubControls = QStyle::SC_None;
+    option.state &= ~(QStyle::State_MouseOver | QStyle::State_Sunken);
+    option.rect = QRect(0, 0, std::max(width(), 4), std::max(height(), 200));
+    option.minimum = 0;
+    option.maximum = 100;
+    option.pageStep = 100;
+    option.sliderPosition = option.sliderValue = 0;
+    QImage image(option.rect.size(), QImage::Format_RGB32);
+    image.fill(palette().color(QPalette::Window));
+    QPainter painter(&image);
+    style()->drawComplexControl(QStyle::CC_ScrollBar, &option, &painter, this);
+    painter.end();
+    const auto colorIn = [&](QStyle::SubControl part) {
+        const QRect place = style()->subControlRect(QStyle::CC_ScrollBar, &option, part, this) & image.rect();
+        // Some have a grip in the middle.
+        return place.isEmpty() ? palette().color(QPalette::Window)
+                               : image.pixelColor(place.left() + place.width() / 2, place.top() + place.height() / 4);
+    };
+    return {colorIn(QStyle::SC_ScrollBarAddPage), colorIn(QStyle::SC_ScrollBarSlider)};
 }

@@ -5,7 +5,7 @@
 #include <QScrollBar>
 
 /// Beside a text: the style's, or one whose handle stands out more than styles let it.
-class TextScrollBar final : public QScrollBar {
+class TextScrollBar : public QScrollBar {
     Q_OBJECT
 
 public:
@@ -13,6 +13,13 @@ public:
 
     /// Of the bar, and of its handle and edge; invalid ones leave it to the style.
     void setColors(const QColor &ground, const QColor &handle);
+
+    struct Grounds {
+        QColor bar;
+        QColor handle;
+    };
+    /// What is drawn beside a text and under it, whatever the style; as it is now.
+    [[nodiscard]] Grounds grounds() const;
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -9,6 +9,7 @@
 #include "Find/FindState.h"
 #include "Find/TextFinder.h"
 #include "HeldWorkers.h"
+#include "View/MarkedScrollBar.h"
 #include "View/ViewFixture.h"
 
 #include <QLabel>
@@ -452,6 +453,28 @@ TEST_F(FindBarInALargeText, SearchesInTheBackground)
     EXPECT_TRUE(editor.workers.jobs.empty());
     editor.keys(u"<Esc>"_s);
     EXPECT_FALSE(editor.bar->isOpen());
+}
+
+TEST_F(FindBarInALargeText, MarksItsHitsOnTheScrollBar)
+{
+    auto *bar = new MarkedScrollBar(*editor.view);
+    editor.view->setVerticalScrollBar(bar);
+    TextFinder finder(*editor.view, {editor.scheduler, editor.workers, shared, [] {}});
+    finder.setMarking(TextFinder::Marking::shown);
+    finder.setQuery({.pattern = u"rare"_s});
+    EXPECT_TRUE(bar->rowsOf(ScrollMark::hit).empty()) << "they are being counted";
+    editor.scheduler.advance(100ms);
+    editor.finishWork();
+    const auto rows = bar->rowsOf(ScrollMark::hit);
+    ASSERT_EQ(rows.size(), 1U);
+    EXPECT_NEAR(rows.front(), bar->height() / 2, 3);
+    editor.storage.apply({{0, 0}, u"x"_s});
+    EXPECT_EQ(bar->rowsOf(ScrollMark::hit), rows) << "until they are counted again";
+    QTest::mouseClick(bar, Qt::LeftButton, {}, {3, rows.front()});
+    editor.finishWork();
+    EXPECT_EQ(editor.view->selectedText(), u"rare"_s);
+    finder.setMarking(TextFinder::Marking::hidden);
+    EXPECT_TRUE(bar->rowsOf(ScrollMark::hit).empty());
 }
 
 TEST_F(FindBarInALargeText, ReplacesAllInItAsItIsThen)

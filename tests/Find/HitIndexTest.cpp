@@ -32,6 +32,15 @@ TEST(HitIndex, FindsEveryHitOfTheListAgain)
         });
         const HitIndex index = HitIndex::make(searcher, text);
         const std::string name = query.pattern.toStdString();
+        // Each hit is in one stretch, that in which its piece begins.
+        const qsizetype piece = text.length() / HitIndex::mostPieces + 1;
+        for (qsizetype from = 0; from < text.length(); from += 997) {
+            const TextRange stretch{from, 997};
+            const auto first = std::ranges::lower_bound(hits, (from + piece - 1) / piece * piece, {}, &TextRange::location);
+            const bool hasHits = first != hits.end() && first->location / piece * piece < stretch.end();
+            ASSERT_EQ(index.mayHaveHitsIn(stretch), hasHits) << name << " from " << from;
+        }
+        EXPECT_FALSE(index.mayHaveHitsIn({text.length() + 2 * piece, 10})) << "a text that was longer";
         ASSERT_EQ(index.count(), qsizetype(hits.size())) << name;
         Random random(3);
         for (int i = 0; i < 40; ++i) {

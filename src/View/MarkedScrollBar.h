@@ -1,0 +1,90 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Text/TextRange.h"
+#include "View/ScrollMark.h"
+#include "View/TextScrollBar.h"
+
+#include <QColor>
+#include <QRect>
+#include <QStyle>
+
+#include <array>
+#include <functional>
+#include <optional>
+#include <vector>
+
+class TextView;
+
+/// The vertical scroll bar of a text, with thin marks where something is in the text; a click on one goes there.
+///
+/// Marks are made of rows of pixels: for each the stretch of text behind it is asked for once, so that their cost depends on the bar's
+/// height and not on what there is to be marked. They are made anew when they are painted and the text, its rows or the places are others.
+/// Main thread only.
+class MarkedScrollBar final : public TextScrollBar {
+    Q_OBJECT
+
+public:
+    /// Pixels of a mark.
+    static constexpr int markHeight = 2;
+
+    struct Source {
+        /// Whether something is in `stretch`. Stretches ascend, have gaps nowhere, and end behind the text.
+        std::function<bool(TextRange stretch)> has;
+        /// Goes to the first that is in `stretch`.
+        std::function<void(TextRange stretch)> go;
+    };
+
+    /// To be given to `view`, which then owns it.
+    explicit MarkedScrollBar(TextView &view) : TextScrollBar(Qt::Vertical), m_view(view) { setMouseTracking(true); }
+    /// That of `view`; null when it has another.
+    [[nodiscard]] static MarkedScrollBar *of(const TextView &view);
+
+    /// One without `has` takes the marks away.
+    void setSource(ScrollMark mark, Source source);
+    /// Something is elsewhere now.
+    void placesChanged();
+
+    /// The rows of pixels with a mark of this kind, from the top of the bar; for tests.
+    [[nodiscard]] std::vector<int> rowsOf(ScrollMark mark);
+    /// As it is drawn.
+    [[nodiscard]] QColor colorOf(ScrollMark mark);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    /// What the rows were made for.
+    struct Made {
+        quint64 revision = 0;
+        qint64 rowCount = 0;
+        double contentHeight = 0;
+        QRect groove;
+
+        friend bool operator==(const Made &, const Made &) = default;
+    };
+    struct Mark {
+        size_t kind = 0;
+        int row = 0;
+    };
+
+    [[nodiscard]] bool hasSources() const;
+    [[nodiscard]] QRect placeOf(QStyle::SubControl part) const;
+    [[nodiscard]] Made wanted();
+    [[nodiscard]] qsizetype offsetAt(int row, const Made &made);
+    void makeRows();
+    [[nodiscard]] std::optional<Mark> markAt(QPoint place);
+
+    TextView &m_view;
+    std::array<Source, scrollMarkKinds.size()> m_sources;
+    std::optional<Made> m_made;
+    /// For each row of pixels of the groove, a bit for each kind.
+    std::vector<quint8> m_rows;
+    std::optional<std::array<QColor, scrollMarkKinds.size()>> m_colors;
+    bool m_isOnMark = false;
+};
