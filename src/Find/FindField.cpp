@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "Find/FindField.h"
 
+#include "Commands/Actions.h"
 #include "Desktop/PaletteBlend.h"
 #include "Widgets/AccessibleRole.h"
 
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMimeData>
 #include <QScopedValueRollback>
 #include <QStyleOptionFrame>
 #include <QStylePainter>
@@ -14,6 +16,7 @@
 #include <QToolButton>
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -55,6 +58,7 @@ FindField::FindField(History history, QWidget *parent)
     setTabChangesFocus(true);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     document()->setDocumentMargin(0);
+    document()->clearUndoRedoStacks(); // which that is no part of
     setTabStopDistance(tabCells * fontMetrics().horizontalAdvance(u' '));
     becomeNotice(*m_note);
     m_note->setForegroundRole(QPalette::PlaceholderText);
@@ -79,6 +83,13 @@ void FindField::setText(const QString &text)
 {
     setPlainText(text);
     moveCursor(QTextCursor::End);
+}
+
+QMimeData *FindField::createMimeDataFromSelection() const
+{
+    auto *data = new QMimeData;
+    data->setText(textCursor().selectedText().replace(QChar::ParagraphSeparator, QChar::LineFeed));
+    return data;
 }
 
 void FindField::setNote(const QString &note, const QString &explanation, Saying saying)
@@ -106,6 +117,20 @@ void FindField::nameClearButton(const QString &name) const
 {
     m_clear->setAccessibleName(name);
     m_clear->setToolTip(name);
+}
+
+const ActionRow *FindField::actionFor(const Action &wanted) const
+{
+    static constexpr auto rows = std::to_array<ActionRow>({
+        action<&FindField::undoTyping, &FindField::canUndoTyping>(Actions::undo),
+        action<&FindField::redoTyping, &FindField::canRedoTyping>(Actions::redo),
+        action<&FindField::cutSelected, &FindField::hasSelected>(Actions::cut),
+        action<&FindField::copySelected, &FindField::hasSelected>(Actions::copy),
+        action<&FindField::pasteText, &FindField::canPasteText>(Actions::paste),
+        action<&FindField::deleteSelected, &FindField::hasSelected>(Actions::deleteSelection),
+        action<&FindField::selectAllText>(Actions::selectAll),
+    });
+    return findAction(rows, wanted);
 }
 
 // Size

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Commands/Responder.h"
+
 #include <QPlainTextEdit>
 #include <QStringList>
 
@@ -12,7 +14,7 @@ class QToolButton;
 
 /// An edit field that looks like a line edit and grows with the lines of its text, offers what was entered before (Up and Down), has room
 /// for a note at its end, and can show that its text is wrong. Enter is for whoever watches its keys.
-class FindField final : public QPlainTextEdit {
+class FindField final : public QPlainTextEdit, public Responder {
     Q_OBJECT
 
 public:
@@ -34,12 +36,16 @@ public:
     /// What the button that empties the field is called.
     void nameClearButton(const QString &name) const;
     void setState(State state);
-    [[nodiscard]] State state() const { return m_state; }
+    [[nodiscard]] State shownState() const { return m_state; }
+
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
+    /// Text alone, as it is.
+    [[nodiscard]] QMimeData *createMimeDataFromSelection() const override;
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -48,6 +54,19 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
+    // What the menu's commands do here, as the keys do.
+    void undoTyping() { undo(); }
+    void redoTyping() { redo(); }
+    void cutSelected() { cut(); }
+    void copySelected() { copy(); }
+    void pasteText() { paste(); }
+    void deleteSelected() { textCursor().removeSelectedText(); }
+    void selectAllText() { selectAll(); }
+    [[nodiscard]] bool canUndoTyping() const { return document()->isUndoAvailable(); }
+    [[nodiscard]] bool canRedoTyping() const { return document()->isRedoAvailable(); }
+    [[nodiscard]] bool hasSelected() const { return textCursor().hasSelection(); }
+    [[nodiscard]] bool canPasteText() const { return canPaste(); }
+
     [[nodiscard]] int heightFor(int lines) const;
     [[nodiscard]] QRect contents() const;
     void fitHeight();

@@ -112,7 +112,7 @@ TEST_F(FindBarTest, FindsWhileTypingAndGoesRoundFromHitToHit)
     EXPECT_NE(look(), unmarked);
     editor.expect({{u"x"_s, "an ant, |a man, an Ant: Not found"}});
     EXPECT_EQ(look(), unmarked) << "nothing is marked any more";
-    EXPECT_EQ(editor.field(0)->state(), FindField::State::notFound);
+    EXPECT_EQ(editor.field(0)->shownState(), FindField::State::notFound);
     EXPECT_FALSE(editor.button(u"Find Next"_s)->isEnabled());
     editor.expect({{u"<BS>"_s, "an ant, a man, an ^Ant|: 2 of 2"},
                    {u"<CR>"_s, "an ^ant|, a man, an Ant: ↻ 1 of 2"},
@@ -120,7 +120,7 @@ TEST_F(FindBarTest, FindsWhileTypingAndGoesRoundFromHitToHit)
                    {u"<S-CR>"_s, "an ^ant|, a man, an Ant: 1 of 2"},
                    {u"<S-CR>"_s, "an ant, a man, an ^Ant|: ↻ 2 of 2"},
                    {u"<A-c>"_s, "an ^ant|, a man, an Ant: ↻ 1 of 1"}});
-    EXPECT_EQ(editor.field(0)->state(), FindField::State::normal);
+    EXPECT_EQ(editor.field(0)->shownState(), FindField::State::normal);
     EXPECT_TRUE(editor.button(u"Find Next"_s)->isEnabled());
     EXPECT_EQ(editor.beeps, 0);
     EXPECT_TRUE(editor.button(u"Match Case"_s)->isChecked());
@@ -138,22 +138,22 @@ TEST_F(FindBarTest, SaysWhatIsWrongWithAnExpression)
     editor.scheduler.advance(1s);
     const int height = editor.bar->height();
     editor.keys(u"(\\d<CR>"_s);
-    EXPECT_EQ(editor.field(0)->state(), FindField::State::wrong);
+    EXPECT_EQ(editor.field(0)->shownState(), FindField::State::wrong);
     EXPECT_THAT(editor.message(), HasSubstr("parenthesis"));
     EXPECT_GT(editor.bar->height(), height);
     EXPECT_EQ(editor.beeps, 1);
     editor.keys(u"+)"_s);
-    EXPECT_EQ(editor.field(0)->state(), FindField::State::normal);
+    EXPECT_EQ(editor.field(0)->shownState(), FindField::State::normal);
     EXPECT_EQ(editor.message(), "");
     EXPECT_EQ(editor.bar->height(), height);
     EXPECT_EQ(editor.marked(), "a^1| b22");
 
     editor.field(1)->setText(u"$2"_s);
     editor.button(u"Replace"_s)->click();
-    EXPECT_EQ(editor.field(1)->state(), FindField::State::wrong);
+    EXPECT_EQ(editor.field(1)->shownState(), FindField::State::wrong);
     EXPECT_THAT(editor.message(), HasSubstr("group 2"));
     editor.field(1)->setText(u"<$1>"_s);
-    EXPECT_EQ(editor.field(1)->state(), FindField::State::normal) << "what was typed since may be right";
+    EXPECT_EQ(editor.field(1)->shownState(), FindField::State::normal) << "what was typed since may be right";
     editor.button(u"Replace"_s)->click();
     EXPECT_EQ(editor.marked(), "a<1> b^22|");
     EXPECT_EQ(editor.message(), "");
@@ -349,6 +349,24 @@ TEST_F(FindBarTest, SeeksAndReplacesSeveralLines)
         texts << editor.pattern();
     }
     EXPECT_EQ(texts.join(u'|'), u"one\ntw|one\ntw|b"_s);
+}
+
+TEST_F(FindBarTest, TheMenusCommandsReachTheField)
+{
+    Editor editor(shared, u"^text|"_s);
+    editor.perform(Actions::findAndReplace);
+    FindField *field = editor.field(1);
+    EXPECT_FALSE(field->state(Actions::copy).isEnabled) << "nothing is selected there";
+    EXPECT_FALSE(field->state(Actions::undo).isEnabled);
+    field->insertPlainText(u"a\nb"_s);
+    for (const auto &[action, text] :
+         {std::pair(&Actions::selectAll, u"a\nb"_s), std::pair(&Actions::cut, u""_s), std::pair(&Actions::paste, u"a\nb"_s),
+          std::pair(&Actions::undo, u""_s), std::pair(&Actions::redo, u"a\nb"_s)}) {
+        EXPECT_TRUE(field->state(*action).isEnabled) << action->name().toStdString();
+        field->perform(*action);
+        EXPECT_EQ(field->text(), text) << action->name().toStdString();
+    }
+    EXPECT_EQ(editor.storage.string(), u"text"_s);
 }
 
 TEST_F(FindBarTest, ShowsWhatTheHitWillBecome)
