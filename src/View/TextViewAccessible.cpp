@@ -8,6 +8,8 @@
 
 #include <QAccessible>
 
+#include <algorithm>
+
 namespace {
 
 // What is copied out for one answer at the most; a screen reader that asks for "the text" gets its beginning.
@@ -101,34 +103,57 @@ int TextViewAccessible::characterOffset(qsizetype offset) const
     return static_cast<int>(view().storage().text().characterAt(offset));
 }
 
+/// Which of the selections is the one of that number for a screen reader, which does not count bare carets.
+std::optional<size_t> TextViewAccessible::selectionNumber(int index) const
+{
+    const Selections &all = view().selections();
+    for (size_t i = 0; i < all.count(); ++i) {
+        if (!all[i].isEmpty() && index-- == 0) {
+            return i;
+        }
+    }
+    return std::nullopt;
+}
+
 void TextViewAccessible::selection(int index, int *start, int *end) const
 {
-    const TextRange range = index == 0 ? view().selection().range() : TextRange{};
+    const auto number = selectionNumber(index);
+    const TextRange range = number ? view().selections()[*number].range() : TextRange{};
     *start = characterOffset(range.location);
     *end = characterOffset(range.end());
 }
 
 int TextViewAccessible::selectionCount() const
 {
-    return view().selection().isEmpty() ? 0 : 1;
+    return static_cast<int>(std::ranges::count_if(view().selections(), [](const CaretSelection &one) { return !one.isEmpty(); }));
 }
 
 void TextViewAccessible::addSelection(int start, int end)
 {
-    setSelection(0, start, end);
+    const CaretSelection added = CaretSelection::of({resolved(start), resolved(end)});
+    const bool isFirst = !view().selections().hasSelected();
+    view().setSelection(isFirst ? Selections(added) : view().selections().with(added), TextView::Reveal::nearest);
 }
 
 void TextViewAccessible::removeSelection(int index)
 {
-    if (index == 0) {
+    const auto number = selectionNumber(index);
+    if (number && view().selections().isSingle()) {
         view().setSelection(TextSelection::at(view().selection().caret));
+    } else if (number) {
+        view().setSelection(view().selections().without(*number));
     }
 }
 
 void TextViewAccessible::setSelection(int index, int start, int end)
 {
-    if (index == 0) {
-        view().setSelection({resolved(start), resolved(end)}, TextView::Reveal::nearest);
+    const CaretSelection wanted = CaretSelection::of({resolved(start), resolved(end)});
+    const Selections &all = view().selections();
+    const auto number = selectionNumber(index);
+    if (number && !all.isSingle()) {
+        view().setSelection(all.without(*number).with(wanted), TextView::Reveal::nearest);
+    } else if (index == 0) {
+        view().setSelection(Selections(wanted), TextView::Reveal::nearest);
     }
 }
 

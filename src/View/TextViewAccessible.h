@@ -60,6 +60,7 @@ private:
     [[nodiscard]] qsizetype resolved(int character) const;
     /// In characters, what is counted in units.
     [[nodiscard]] int characterOffset(qsizetype offset) const;
+    [[nodiscard]] std::optional<size_t> selectionNumber(int index) const;
     [[nodiscard]] TextRange wholePieceAt(qsizetype offset, QAccessible::TextBoundaryType boundary) const;
     /// The same, but for a huge one that part of it which holds the offset; the parts follow one another.
     [[nodiscard]] TextRange pieceAt(qsizetype offset, QAccessible::TextBoundaryType boundary) const;

@@ -108,6 +108,22 @@ TEST_F(Accessibility, CountsCharactersNotUnits)
     EXPECT_EQ(text(), u"\U0001F600éa\n\U0001F600 end\nlast"_s);
 }
 
+TEST_F(Accessibility, TellsOfEverySelection)
+{
+    show(u"abc def ghi"_s);
+    access->setSelection(0, 0, 3);
+    access->addSelection(8, 11);
+    access->addSelection(4, 7);
+    ASSERT_EQ(access->selectionCount(), 3);
+    access->setSelection(1, 4, 5);
+    access->removeSelection(0);
+    ASSERT_EQ(access->selectionCount(), 2);
+    int start = -1;
+    int end = -1;
+    access->selection(0, &start, &end);
+    EXPECT_EQ(std::pair(start, end), std::pair(4, 5));
+}
+
 TEST_F(Accessibility, OffsetsOutsideTheTextOrInsideALetterAreNoFault)
 {
     show(u"ae\u0301b"_s);

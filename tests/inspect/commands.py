@@ -125,6 +125,15 @@ class Keys(unittest.TestCase):
                          (True, False, True))
         self.expect("a\n", "<Cmd:toggleComment:>", name="a.txt", text="a\n", beeps=1)
 
+    def test_several_carets(self):
+        below = "<Cmd:addCaretBelow:>"
+        self.expect("a\nb\n", below + "x<S-Right>", text="xa\nxb\n", selections=[[1, 1], [4, 1]], selection=[4, 1])
+        self.expect("one b one\none\n", "<C-d><C-d><Cmd:skipOccurrence:>two", text="two b one\ntwo\n", selections=[[3, 0], [13, 0]])
+        modal = ["--pref", "editor.vimMode=true"]
+        self.expect("a\nb\n", "i" + below + "x", *modal, text="xa\nxb\n", mode="insert", selections=[[1, 0], [4, 0]])
+        self.expect("a\nb\n", "i" + below + "x<Esc>", *modal, text="xa\nxb\n", mode="normal", selections=[[3, 0]])
+        self.expect("a\nb\n", below, *modal, mode="normal", selections=[[2, 0]])
+
     def test_time_passes_only_as_asked(self):
         self.expect("a\n", "x<BS>", isDirty=True)
         self.expect("a\n", "x<BS><Wait:600>", isDirty=False)
