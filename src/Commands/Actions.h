@@ -139,6 +139,8 @@ inline constexpr Action toggleFullScreen{"toggleFullScreen:", u"Enter Full Scree
 // Navigate
 
 inline constexpr Action goToLine{"goToLine:", u"Go to Line…", "Ctrl+L; Ctrl+Shift+L", "number"};
+inline constexpr Action goToMatchingBracket{"goToMatchingBracket:", u"Go to Matching Bracket", "Ctrl+Shift+M"};
+inline constexpr Action selectEnclosingBrackets{"selectEnclosingBrackets:", u"Select Enclosing Brackets", "Ctrl+Alt+M"};
 inline constexpr Action selectNextTab{"selectNextTab:", u"Next Tab", "Ctrl+Tab; Ctrl+PgDown"};
 inline constexpr Action selectPreviousTab{"selectPreviousTab:", u"Previous Tab", "Ctrl+Shift+Tab; Ctrl+PgUp"};
 inline constexpr Action selectTab1{"selectTabByNumber:", u"Tab %d", "Ctrl+1", "", 1};
@@ -285,6 +287,8 @@ inline constexpr auto view = std::to_array<MenuRow>({
 
 inline constexpr auto navigate = std::to_array<MenuRow>({
     goToLine,
+    goToMatchingBracket,
+    selectEnclosingBrackets,
     line,
     selectNextTab,
     selectPreviousTab,

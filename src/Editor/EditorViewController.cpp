@@ -4,6 +4,7 @@
 
 #include "Base/Localization.h"
 #include "Commands/Actions.h"
+#include "Editor/BracketMarker.h"
 #include "Editor/EditorFont.h"
 #include "Editor/EditorVim.h"
 #include "Editor/ExternalChangeBanner.h"
@@ -51,7 +52,9 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
       m_findBar(new FindBar(*m_finder, services.scheduler, this)),
       m_occurrences(*m_textView, {services.workers, [&presenter = services.presenter] { presenter.beep(); },
                                   [this](const QString &message) { emit messageShown(message, messageTime); }}),
-      m_counter(new TextCounter(*m_textView, {services.scheduler, services.workers}, this))
+      m_counter(new TextCounter(*m_textView, {services.scheduler, services.workers}, this)),
+      m_brackets(new BracketMarker(*m_textView, document,
+                                   {services.scheduler, services.workers, [&presenter = services.presenter] { presenter.beep(); }}))
 {
     setAccessibleRole(*this, QAccessible::Grouping);
     resize(startSize);
@@ -91,11 +94,23 @@ const ActionRow *EditorViewController::actionFor(const Action &wanted) const
         action<&EditorViewController::selectNextOccurrence>(Actions::selectNextOccurrence),
         action<&EditorViewController::skipOccurrence>(Actions::skipOccurrence),
         action<&EditorViewController::selectAllOccurrences>(Actions::selectAllOccurrences),
+        action<&EditorViewController::goToMatchingBracket>(Actions::goToMatchingBracket),
+        action<&EditorViewController::selectEnclosingBrackets>(Actions::selectEnclosingBrackets),
         action<&EditorViewController::toggleSpelling, &EditorViewController::spellingState>(Actions::toggleContinuousSpellChecking),
         action<&EditorViewController::checkSpelling, &EditorViewController::canCheckSpelling>(Actions::checkSpelling),
         action<&EditorViewController::showSpellingPanel, &EditorViewController::hasSpelling>(Actions::showGuessPanel),
     });
     return findAction(rows, wanted);
+}
+
+void EditorViewController::goToMatchingBracket()
+{
+    m_brackets->goToMatch();
+}
+
+void EditorViewController::selectEnclosingBrackets()
+{
+    m_brackets->selectEnclosing();
 }
 
 void EditorViewController::performTextFinderAction(const ActionSender &sender)

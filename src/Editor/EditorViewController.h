@@ -18,6 +18,7 @@
 class AlertPresenter;
 class CharacterSet;
 class DocumentStore;
+class BracketMarker;
 class EditorVim;
 class ExternalChangeBanner;
 class FileMemory;
@@ -102,6 +103,8 @@ private:
     void observe();
     void retranslate();
     void performTextFinderAction(const ActionSender &sender);
+    void goToMatchingBracket();
+    void selectEnclosingBrackets();
     [[nodiscard]] ActionState textFinderActionState(const ActionSender &sender) const;
     void clearFindHistory();
     [[nodiscard]] bool hasFindHistory() const;
@@ -158,6 +161,7 @@ private:
     FindBar *m_findBar;
     OccurrenceSelector m_occurrences;
     TextCounter *m_counter;
+    BracketMarker *m_brackets;
     std::unique_ptr<SpellingController> m_spelling;
     /// The file that it was last kept for.
     QString m_spellingPath;

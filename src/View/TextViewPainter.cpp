@@ -77,6 +77,7 @@ void TextViewPainter::paint(QPainter &painter, QRectF area, const Rope &text, co
         paintMarks(painter, row, visible);
         paintUnsavable(painter, row, visible);
         paintSelections(painter, row, visible, frame.selections);
+        paintBrackets(painter, row, visible);
         paintIndicator(painter, row, visible);
         paintText(painter, row, visible, frame.selections);
         paintMisspellings(painter, row, visible);
@@ -196,6 +197,24 @@ void TextViewPainter::paintSelections(QPainter &painter, const Viewport::Visible
             break;
         }
         paintSelection(painter, row, visible, selected);
+    }
+}
+
+void TextViewPainter::paintBrackets(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+{
+    if (!looks.brackets) {
+        return;
+    }
+    for (const TextRange bracket : looks.brackets(m_layout.rangeOf(row.row))) {
+        if (!bracket.intersected(m_layout.rangeOf(row.row)).isEmpty()) {
+            for (const Span span : m_layout.spansOf(row.row, bracket, visible)) {
+                painter.fillRect(box(row, span), looks.colors.selection);
+                const PainterState state(painter);
+                painter.setPen(QPen(looks.colors.text, 0));
+                painter.setBrush(Qt::NoBrush);
+                painter.drawRect(box(row, span).adjusted(0, 0, -1, -1));
+            }
+        }
     }
 }
 

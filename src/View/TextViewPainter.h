@@ -45,6 +45,8 @@ struct TextLooks {
     MarkProvider misspellings;
     /// Characters that cannot be saved as they are: on a ground and above a thick line, both of one colour.
     MarkProvider unsavable;
+    /// Characters that have a frame.
+    MarkProvider brackets;
 };
 
 /// Draws the eye to a stretch of the text, and fades within a second.
@@ -99,6 +101,7 @@ private:
     void paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible, TextRange selected);
     void paintIndicator(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintMisspellings(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
+    void paintBrackets(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintUnsavable(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintInvisibles(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Rope &text);
     void paintText(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Selections &selections);

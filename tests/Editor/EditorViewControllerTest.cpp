@@ -4,7 +4,9 @@
 
 #include "Commands/Actions.h"
 #include "Controls.h"
+#include "Editor/BracketMarker.h"
 #include "Editor/LineNumberRulerView.h"
+#include "Editor/OutOfSightHint.h"
 #include "Editor/SpellingController.h"
 #include "Editor/SpellingPanel.h"
 #include "FileAnswers.h"
@@ -337,4 +339,29 @@ TEST_F(EditorTest, RemembersHowTheSpellingOfAFileIsChecked)
     damaged.set(u"/a"_s, FileMemory::checksSpelling, true);
     damaged.set(u"/a"_s, FileMemory::checksSpelling, QJsonValue(QJsonValue::Undefined));
     EXPECT_EQ(read(u"memory/files.json"_s), "[{\"path\":\"/a\",\"x\":1}]");
+}
+
+TEST_F(EditorTest, MarksTheOtherBracketWhereverItIs)
+{
+    const QString filling = u"x;\n"_s.repeated(3000);
+    TextDocument &text = document(u"int main() {\n"_s + filling + u"}\n"_s);
+    const auto editor = open(text);
+    EditorTextView &view = editor->textView();
+    const auto hint = [&view]() -> QString {
+        const auto *const found = view.viewport()->findChild<OutOfSightHint *>();
+        return found && found->isVisible() ? found->accessibleName() : QString();
+    };
+    const qsizetype opening = 11;
+    const qsizetype closing = text.storage().length() - 2;
+    view.setSelection(TextSelection::at(opening), TextView::Reveal::nearest);
+    EXPECT_EQ(hint(), QString()) << "a worker has not been asked";
+    pass(2 * BracketMarker::restTime);
+    EXPECT_EQ(hint(), u"Line 3,002: x; }"_s);
+    EXPECT_TRUE(view.perform(Actions::goToMatchingBracket));
+    pass(2 * BracketMarker::restTime);
+    EXPECT_EQ(view.selection(), TextSelection::at(closing));
+    pass(2 * BracketMarker::restTime);
+    EXPECT_EQ(hint(), u"Line 1: int main() {"_s);
+    sendKeys(view, u"<Up>"_s);
+    EXPECT_EQ(hint(), QString());
 }

@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "Command.h"
 
+#include "Highlighting/BracketSearch.h"
 #include "Highlighting/LanguageRegistry.h"
-#include "Highlighting/SyntaxHighlighter.h"
+#include "Highlighting/ScopedText.h"
 
 #include <QJsonArray>
 
@@ -13,22 +14,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The dark theme with another colour for each scope, so that no two of them look alike.
-Theme themeOfScopes()
-{
-    Theme theme = Theme::dark();
-    for (const ScopeRow &row : scopes) {
-        theme.colors[size_t(row.scope)] = 0xFF000000 | quint32(row.scope);
-    }
-    return theme;
-}
-
 QString firstLineOf(const Rope &text)
 {
     return text.toString(TextRange{0, text.lineStart(1)}.clampedTo(std::min<qsizetype>(text.length(), 1000)));
 }
 
-QJsonObject runHighlight(const Arguments &arguments)
+/// Either what is to be said of the file that cannot be read, or what `answer` makes of it.
+QJsonObject withText(const Arguments &arguments, const std::function<QJsonObject(ScopedText &text, const Language &language)> &answer)
 {
     const QString &path = arguments.positionals[0];
     const auto contents = TextFile::read(path, std::nullopt);
@@ -37,23 +29,35 @@ QJsonObject runHighlight(const Arguments &arguments)
     }
     const auto id = arguments.value(u"language");
     const Language language = id ? *LanguageRegistry::withID(*id) : LanguageRegistry::detect(path, firstLineOf(contents->text));
+    ScopedText text(contents->text, language);
+    return answer(text, language);
+}
 
-    TextStorage storage;
-    storage.apply({{}, contents->text});
-    ManualScheduler scheduler;
-    NotificationCenter notifications;
-    SyntaxHighlighter highlighter(storage, language, themeOfScopes(), scheduler, notifications);
-    highlighter.rehighlightAll();
-    const auto range = arguments.value(u"ensure");
-    highlighter.ensureHighlighted(range ? *toRange(*range) : TextRange{0, storage.length()});
-
-    QJsonArray runs;
-    highlighter.forEachScope({0, storage.length()}, [&](TextRange run, Scope scope) {
-        if (scope != Scope::plain) {
-            runs.append(QJsonArray{qint64(run.location), qint64(run.length), rawValue(scope).toString()});
-        }
+QJsonObject runHighlight(const Arguments &arguments)
+{
+    return withText(arguments, [&arguments](ScopedText &text, const Language &language) -> QJsonObject {
+        const auto range = arguments.value(u"ensure");
+        const TextRange whole{0, text.text().length()};
+        text.highlighter().ensureHighlighted(range ? *toRange(*range) : whole);
+        QJsonArray runs;
+        text.highlighter().forEachScope(whole, [&](TextRange run, Scope scope) {
+            if (scope != Scope::plain) {
+                runs.append(QJsonArray{qint64(run.location), qint64(run.length), rawValue(scope).toString()});
+            }
+        });
+        return {{u"language"_s, language.id()}, {u"runs"_s, runs}};
     });
-    return {{u"language"_s, language.id()}, {u"runs"_s, runs}};
+}
+
+QJsonObject runBrackets(const Arguments &arguments)
+{
+    return withText(arguments, [&arguments](ScopedText &text, const Language &language) -> QJsonObject {
+        BracketSearch search(text.text(), language.bracketPairs(),
+                             [&text](TextRange range, const auto &visit) { text.forEachScope(range, visit); }, {0, text.text().length()});
+        const auto bracket = search.beside(toNumber(arguments.value(u"at").value_or(u"0"_s)));
+        const auto partner = bracket ? search.partnerOf(*bracket) : std::nullopt;
+        return {{u"partner"_s, partner ? QJsonValue(qint64(*partner)) : QJsonValue()}};
+    });
 }
 
 QString hex(quint32 color)
@@ -93,10 +97,12 @@ QJsonObject runTheme(const Arguments &arguments)
 }
 
 constexpr auto highlightOptions = std::to_array<OptionRow>({{u"language", u"ID", isLanguageID}, {u"ensure", u"LOCATION,LENGTH", isRange}});
+constexpr auto bracketOptions = std::to_array<OptionRow>({{u"at", u"OFFSET", isNumber}, {u"language", u"ID", isLanguageID}});
 constexpr auto themeOptions = std::to_array<OptionRow>({{u"dark"}});
 
 constexpr auto rows = std::to_array<CommandRow>({
     {u"highlight", u"FILE", highlightOptions, u"the scope of every stretch of the text that has one", runHighlight},
+    {u"brackets", u"FILE", bracketOptions, u"where the other bracket of the pair is", runBrackets},
     {u"theme", u"NAME", themeOptions, u"the theme that a preference of that name gives", runTheme},
 });
 

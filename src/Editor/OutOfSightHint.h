@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QFrame>
+
+class QLabel;
+class TextView;
+
+/// A line of text over an edge of a view that says what is outside it, in the colours of the view. A click goes there.
+class OutOfSightHint final : public QFrame {
+    Q_OBJECT
+
+public:
+    explicit OutOfSightHint(TextView &view);
+
+    /// Along the top, or along the bottom where the caret is near the top.
+    void show(const QString &text);
+
+signals:
+    void clicked();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+
+private:
+    void place();
+
+    TextView &m_view;
+    QLabel *m_label;
+};
