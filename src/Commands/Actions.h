@@ -141,6 +141,7 @@ inline constexpr Action toggleFullScreen{"toggleFullScreen:", u"Enter Full Scree
 inline constexpr Action goToLine{"goToLine:", u"Go to Line…", "Ctrl+L; Ctrl+Shift+L", "number"};
 inline constexpr Action goToMatchingBracket{"goToMatchingBracket:", u"Go to Matching Bracket", "Ctrl+Shift+M"};
 inline constexpr Action selectEnclosingBrackets{"selectEnclosingBrackets:", u"Select Enclosing Brackets", "Ctrl+Alt+M"};
+inline constexpr Action goToNextOccurrence{"goToNextOccurrence:", u"Next Occurrence of Word", "Ctrl+F3"};
 inline constexpr Action selectNextTab{"selectNextTab:", u"Next Tab", "Ctrl+Tab; Ctrl+PgDown"};
 inline constexpr Action selectPreviousTab{"selectPreviousTab:", u"Previous Tab", "Ctrl+Shift+Tab; Ctrl+PgUp"};
 inline constexpr Action selectTab1{"selectTabByNumber:", u"Tab %d", "Ctrl+1", "", 1};
@@ -289,6 +290,7 @@ inline constexpr auto navigate = std::to_array<MenuRow>({
     goToLine,
     goToMatchingBracket,
     selectEnclosingBrackets,
+    goToNextOccurrence,
     line,
     selectNextTab,
     selectPreviousTab,

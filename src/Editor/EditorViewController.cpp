@@ -9,6 +9,7 @@
 #include "Editor/EditorVim.h"
 #include "Editor/ExternalChangeBanner.h"
 #include "Editor/LineNumberRulerView.h"
+#include "Editor/OccurrenceMarker.h"
 #include "Editor/SpellingController.h"
 #include "Editor/SpellingPanel.h"
 #include "Editor/SubstitutionRunner.h"
@@ -54,7 +55,9 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
                                   [this](const QString &message) { emit messageShown(message, messageTime); }}),
       m_counter(new TextCounter(*m_textView, {services.scheduler, services.workers}, this)),
       m_brackets(new BracketMarker(*m_textView, document,
-                                   {services.scheduler, services.workers, [&presenter = services.presenter] { presenter.beep(); }}))
+                                   {services.scheduler, services.workers, [&presenter = services.presenter] { presenter.beep(); }})),
+      m_wordMarks(new OccurrenceMarker(*m_textView,
+                                       {services.scheduler, services.workers, [&presenter = services.presenter] { presenter.beep(); }}))
 {
     setAccessibleRole(*this, QAccessible::Grouping);
     resize(startSize);
@@ -96,6 +99,7 @@ const ActionRow *EditorViewController::actionFor(const Action &wanted) const
         action<&EditorViewController::selectAllOccurrences>(Actions::selectAllOccurrences),
         action<&EditorViewController::goToMatchingBracket>(Actions::goToMatchingBracket),
         action<&EditorViewController::selectEnclosingBrackets>(Actions::selectEnclosingBrackets),
+        action<&EditorViewController::goToNextOccurrence>(Actions::goToNextOccurrence),
         action<&EditorViewController::toggleSpelling, &EditorViewController::spellingState>(Actions::toggleContinuousSpellChecking),
         action<&EditorViewController::checkSpelling, &EditorViewController::canCheckSpelling>(Actions::checkSpelling),
         action<&EditorViewController::showSpellingPanel, &EditorViewController::hasSpelling>(Actions::showGuessPanel),
@@ -111,6 +115,11 @@ void EditorViewController::goToMatchingBracket()
 void EditorViewController::selectEnclosingBrackets()
 {
     m_brackets->selectEnclosing();
+}
+
+void EditorViewController::goToNextOccurrence()
+{
+    m_wordMarks->goToNext();
 }
 
 void EditorViewController::performTextFinderAction(const ActionSender &sender)
@@ -228,6 +237,7 @@ void EditorViewController::applyPreferences()
     if (m_textView->wrapMode() != wrapMode) {
         m_textView->setWrapMode(wrapMode);
     }
+    m_wordMarks->setMarking(preferences.value(Settings::markOccurrences));
     applyVimMode();
 }
 

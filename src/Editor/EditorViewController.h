@@ -28,6 +28,7 @@ class ForeignKeyboard;
 class Preferences;
 class QVBoxLayout;
 class SpellChecker;
+class OccurrenceMarker;
 class SpellingController;
 class SpellingPanel;
 class SubstitutionRunner;
@@ -105,6 +106,7 @@ private:
     void performTextFinderAction(const ActionSender &sender);
     void goToMatchingBracket();
     void selectEnclosingBrackets();
+    void goToNextOccurrence();
     [[nodiscard]] ActionState textFinderActionState(const ActionSender &sender) const;
     void clearFindHistory();
     [[nodiscard]] bool hasFindHistory() const;
@@ -162,6 +164,7 @@ private:
     OccurrenceSelector m_occurrences;
     TextCounter *m_counter;
     BracketMarker *m_brackets;
+    OccurrenceMarker *m_wordMarks;
     std::unique_ptr<SpellingController> m_spelling;
     /// The file that it was last kept for.
     QString m_spellingPath;

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/OutOfSightHint.h"
 
-#include "Editor/BarColors.h"
 #include "View/TextView.h"
 
 #include <QEvent>
@@ -30,6 +29,9 @@ void OutOfSightHint::show(const QString &text)
     QPalette palette = this->palette();
     palette.setColor(QPalette::Window, colors.background);
     palette.setColor(QPalette::WindowText, colors.text);
+    m_label->setPalette(palette);
+    // The frame is there, but does not speak up.
+    palette.setColor(QPalette::WindowText, colors.invisibles);
     setPalette(palette);
     m_label->setFont(m_view.textFont());
     m_label->setText(text);
@@ -45,8 +47,10 @@ void OutOfSightHint::place()
     const QRect room = m_view.viewport()->rect().adjusted(margin, margin, -margin, -margin);
     const QSize size = sizeHint().boundedTo(room.size());
     const QRect caret = m_view.caretRectangle().translated(-m_view.viewport()->pos());
-    const QRect top(room.topLeft(), size);
-    setGeometry(caret.isValid() && caret.top() <= top.bottom() ? QRect(QPoint(room.left(), room.bottom() - size.height() + 1), size) : top);
+    const int left = room.right() - size.width() + 1;
+    const QRect top(QPoint(left, room.top()), size);
+    const bool isInTheWay = caret.isValid() && caret.intersects(top);
+    setGeometry(isInTheWay ? QRect(QPoint(left, room.bottom() - size.height() + 1), size) : top);
 }
 
 bool OutOfSightHint::eventFilter(QObject *watched, QEvent *event)

@@ -14,7 +14,7 @@ class OutOfSightHint final : public QFrame {
 public:
     explicit OutOfSightHint(TextView &view);
 
-    /// Along the top, or along the bottom where the caret is near the top.
+    /// In the upper right corner, or in the lower one where the caret is in the upper.
     void show(const QString &text);
 
 signals:

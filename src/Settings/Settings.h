@@ -93,12 +93,16 @@ inline constexpr Setting<bool> keepCurrentTab("tabs.keepCurrent"_L1, false, {.ti
 inline constexpr Setting<bool> nameByFirstLine("tabs.nameByFirstLine"_L1, false,
                                                {.title = u"Name texts without a file after their first line"});
 
+inline constexpr Setting<bool> markOccurrences("editor.markOccurrences"_L1, true,
+                                               {.title = u"Mark where else the word at the caret stands"});
+
 inline constexpr auto editingRows = std::to_array<SettingRow>({
     {.setting = tabWidth, .control = "tabWidthPopUp"_L1, .offered = usualTabWidths},
     {.setting = insertSpaces},
     {.setting = autoIndent,
      .note = u"Languages with a settled convention - Go and Makefiles use tabs, YAML and JSON use two spaces - override these per file.",
      .noteIsAbout = &tabWidth},
+    {.setting = markOccurrences},
     {.setting = vimMode,
      .place = startsGroup,
      .note = u"Modal editing: normal, insert and visual modes, operators with motions and text objects, registers, marks, search, and the "

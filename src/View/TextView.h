@@ -65,6 +65,11 @@ public:
         m_painter.looks.*look = std::move(value);
         viewport()->update();
     }
+    template<class Look>
+    [[nodiscard]] const Look &look(Look TextLooks::*look) const
+    {
+        return m_painter.looks.*look;
+    }
     void setAccess(Access access);
     [[nodiscard]] bool isReadOnly() const { return m_access == Access::readOnly; }
     /// Draws the eye to `range`, which is seen already: a highlight that fades within a second.

@@ -74,6 +74,7 @@ void TextViewPainter::paint(QPainter &painter, QRectF area, const Rope &text, co
     painter.fillRect(frame.caretRow, looks.colors.currentLine);
     for (const Viewport::VisibleRow &row : rows) {
         frame.paintBehind(row, visible);
+        paintOccurrences(painter, row, visible);
         paintMarks(painter, row, visible);
         paintUnsavable(painter, row, visible);
         paintSelections(painter, row, visible, frame.selections);
@@ -197,6 +198,20 @@ void TextViewPainter::paintSelections(QPainter &painter, const Viewport::Visible
             break;
         }
         paintSelection(painter, row, visible, selected);
+    }
+}
+
+void TextViewPainter::paintOccurrences(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+{
+    if (!looks.occurrences) {
+        return;
+    }
+    QColor ground = looks.colors.selection;
+    ground.setAlphaF(0.55F);
+    for (const TextRange word : looks.occurrences(seenOf(row, visible))) {
+        for (const Span span : m_layout.spansOf(row.row, word, visible)) {
+            painter.fillRect(box(row, span), ground);
+        }
     }
 }
 

@@ -45,6 +45,8 @@ struct TextLooks {
     MarkProvider misspellings;
     /// Characters that cannot be saved as they are: on a ground and above a thick line, both of one colour.
     MarkProvider unsavable;
+    /// The word at the caret, elsewhere.
+    MarkProvider occurrences;
     /// Characters that have a frame.
     MarkProvider brackets;
 };
@@ -101,6 +103,7 @@ private:
     void paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible, TextRange selected);
     void paintIndicator(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintMisspellings(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
+    void paintOccurrences(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintBrackets(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintUnsavable(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
     void paintInvisibles(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Rope &text);

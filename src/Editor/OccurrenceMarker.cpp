@@ -1,0 +1,111 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Editor/OccurrenceMarker.h"
+
+#include "Text/TextBoundaries.h"
+#include "View/TextView.h"
+
+namespace {
+
+std::optional<TextSearcher> searcherFor(const QString &word)
+{
+    auto searcher = TextSearcher::compile({.pattern = word, .matchesCase = true, .matchesWholeWords = true});
+    return searcher ? std::optional(std::move(*searcher)) : std::nullopt;
+}
+
+} // namespace
+
+OccurrenceMarker::OccurrenceMarker(TextView &view, const Services &services) : QObject(&view), m_view(view), m_services(services)
+{
+    connect(&view, &TextView::selectionChanged, this, &OccurrenceMarker::update);
+    connect(&view.storage(), &TextStorage::didProcessEditing, this, &OccurrenceMarker::update);
+    view.setLook(&TextLooks::occurrences, [this](TextRange seen) { return occurrencesIn(seen); });
+}
+
+void OccurrenceMarker::setMarking(bool isMarking)
+{
+    if (m_isMarking != isMarking) {
+        m_isMarking = isMarking;
+        update();
+    }
+}
+
+TextRange OccurrenceMarker::word() const
+{
+    const Rope &text = m_view.storage().text();
+    const TextRange selected = m_view.selection().range();
+    TextRange word = TextBoundaries::wordAt(text, selected.location);
+    // Behind the last letter of a word one is still at it.
+    if (selected.isEmpty() && selected.location > 0 && (word.isEmpty() || !text.toString({word.location, 1}).front().isLetterOrNumber())) {
+        word = TextBoundaries::wordAt(text, selected.location - 1);
+    }
+    if (word.isEmpty() || word.length > longestWord || (!selected.isEmpty() && word != selected)) {
+        return {};
+    }
+    const QChar first = text.toString({word.location, 1}).front();
+    return first.isLetterOrNumber() || first.isSurrogate() || first == u'_' ? word : TextRange();
+}
+
+void OccurrenceMarker::update()
+{
+    m_rest.cancel();
+    if (m_searcher && (!m_isMarking || m_searcher->query().pattern != m_view.storage().string(word()))) {
+        mark({});
+    }
+    if (m_isMarking && !m_searcher) {
+        m_rest = m_services.scheduler.after(restTime, [this] { mark(m_view.storage().string(word())); });
+    }
+}
+
+void OccurrenceMarker::mark(const QString &word)
+{
+    if (word.isEmpty() && !m_searcher) {
+        return;
+    }
+    m_searcher = word.isEmpty() ? std::nullopt : searcherFor(word);
+    m_view.viewport()->update();
+}
+
+std::vector<TextRange> OccurrenceMarker::occurrencesIn(TextRange seen)
+{
+    std::vector<TextRange> found;
+    if (m_searcher) {
+        const qsizetype caret = m_view.selection().caret;
+        // One may begin before what is seen.
+        const qsizetype from = std::max<qsizetype>(seen.location - longestWord, 0);
+        m_searcher->forEachHit(m_view.storage().text(), TextRange::between(from, seen.end()), [&](TextRange hit) {
+            if (hit.location > caret || hit.end() < caret) {
+                found.push_back(hit);
+            }
+            return true;
+        });
+    }
+    return found;
+}
+
+void OccurrenceMarker::goToNext()
+{
+    const TextRange at = word();
+    auto searcher = at.isEmpty() ? std::nullopt : searcherFor(m_view.storage().string(at));
+    if (!searcher) {
+        m_services.beep();
+        return;
+    }
+    m_command = BackgroundTask::start(
+        m_services.workers,
+        [searcher = std::make_shared<TextSearcher>(std::move(*searcher)), at, text = m_view.storage().text()](const std::stop_token &stop) {
+            const SearchControl control{.stop = stop};
+            const auto behind = searcher->firstHit(text, TextRange::between(at.end(), text.length()), control);
+            return behind ? behind : searcher->firstHit(text, {0, at.location}, control);
+        },
+        [this, revision = m_view.storage().revision(), selection = m_view.selection()](const std::optional<TextRange> &hit) {
+            if (revision != m_view.storage().revision() || selection != m_view.selection()) {
+                return;
+            }
+            if (hit) {
+                m_view.setSelection({hit->location, hit->end()}, TextView::Reveal::nearest);
+            } else {
+                m_services.beep();
+            }
+        });
+}
