@@ -39,6 +39,10 @@ public:
     }
     [[nodiscard]] std::vector<qsizetype> pieces() const { return m_piecesAt == changeCount() ? m_pieces : std::vector<qsizetype>(); }
 
+    /// The text that was just set is a whole line, and wants to be pasted as one. It is forgotten with the text.
+    void markAsLine() { m_lineAt = changeCount(); }
+    [[nodiscard]] bool isLine() const { return m_lineAt == changeCount(); }
+
     /// False where the desktop has no primary selection; the calls below then do nothing and give nothing.
     [[nodiscard]] virtual bool supportsPrimary() const = 0;
     virtual void setPrimary(Provider provider) = 0;
@@ -49,6 +53,7 @@ public:
 private:
     std::vector<qsizetype> m_pieces;
     int m_piecesAt = -1;
+    int m_lineAt = -1;
 };
 
 /// A pasteboard of its own that no other program sees.

@@ -111,6 +111,33 @@ inline constexpr Action insertTab{"insertTab:", u"Shift Right", "Ctrl+]; Ctrl+Ä
 inline constexpr Action insertBacktab{"insertBacktab:", u"Shift Left", "Ctrl+[; Ctrl+Ö"};
 inline constexpr Action duplicateLine{"duplicateLine:", u"Duplicate Line", "Ctrl+Shift+D"};
 inline constexpr Action deleteLine{"deleteLine:", u"Delete Line", "Ctrl+Shift+K"};
+inline constexpr Action toggleOverwriteMode{.id = "toggleOverwriteMode:",
+                                            .title = u"Overwrite",
+                                            .keys = "Ins",
+                                            .isCheckable = true,
+                                            .help = u"What is typed takes the place of what is there"};
+inline constexpr Action moveLinesUp{"moveLinesUp:", u"Move Lines Up", "Alt+Up"};
+inline constexpr Action moveLinesDown{"moveLinesDown:", u"Move Lines Down", "Alt+Down"};
+inline constexpr Action insertLineAbove{"insertLineAbove:", u"Insert Line Above", "Ctrl+Shift+Return"};
+inline constexpr Action insertLineBelow{"insertLineBelow:", u"Insert Line Below", "Ctrl+Return"};
+inline constexpr Action joinLines{"joinLines:", u"Join Lines", "Ctrl+Shift+J"};
+inline constexpr Action sortLines{
+    .id = "sortLines:", .title = u"Sort Lines", .help = u"Sorts the selected lines, or all; once more to sort them backwards"};
+inline constexpr Action uniqueLines{
+    .id = "uniqueLines:", .title = u"Remove Repeated Lines", .help = u"Removes lines that the selection, or the text, has already"};
+inline constexpr Action reverseLines{
+    .id = "reverseLines:", .title = u"Reverse Lines", .help = u"Puts the last of the selected lines, or of all, first"};
+inline constexpr Action trimTrailingWhitespace{.id = "trimTrailingWhitespace:",
+                                               .title = u"Remove Trailing Blanks",
+                                               .help = u"Removes blanks at the ends of the selected lines, or of all"};
+inline constexpr Action upperCase{"upperCase:", u"Upper Case", "Ctrl+U; Ctrl+Alt+Shift+U"};
+inline constexpr Action lowerCase{"lowerCase:", u"Lower Case", "Ctrl+Alt+U"};
+inline constexpr Action titleCase{"titleCase:", u"Title Case"};
+inline constexpr Action transposeCharacters{"transposeCharacters:", u"Transpose Characters", "Ctrl+Shift+X"};
+inline constexpr Action tabsToSpaces{
+    .id = "tabsToSpaces:", .title = u"Indentation to Spaces", .help = u"Indents the selected lines, or all, with spaces and not with tabs"};
+inline constexpr Action spacesToTabs{
+    .id = "spacesToTabs:", .title = u"Indentation to Tabs", .help = u"Indents the selected lines, or all, with tabs as far as they go"};
 inline constexpr Action showGuessPanel{"showGuessPanel:", u"Show Spelling and Grammar", "Ctrl+:"};
 inline constexpr Action checkSpelling{"checkSpelling:", u"Check Document Now", "Ctrl+;"};
 inline constexpr Action toggleContinuousSpellChecking{
@@ -243,6 +270,23 @@ inline constexpr MenuLayout severalCaretsMenu{u"Several Carets", caretRows};
 inline constexpr auto spellingRows = std::to_array<MenuRow>({showGuessPanel, checkSpelling, line, toggleContinuousSpellChecking});
 inline constexpr MenuLayout spelling{u"Spelling and Grammar", spellingRows};
 
+inline constexpr auto lineRows = std::to_array<MenuRow>({
+    moveLinesUp,
+    moveLinesDown,
+    insertLineAbove,
+    insertLineBelow,
+    joinLines,
+    line,
+    sortLines,
+    reverseLines,
+    uniqueLines,
+    trimTrailingWhitespace,
+});
+inline constexpr MenuLayout lines{u"Lines", lineRows};
+inline constexpr auto conversionRows =
+    std::to_array<MenuRow>({upperCase, lowerCase, titleCase, transposeCharacters, line, tabsToSpaces, spacesToTabs});
+inline constexpr MenuLayout conversions{u"Convert", conversionRows};
+
 inline constexpr auto edit = std::to_array<MenuRow>({
     undo,
     redo,
@@ -261,6 +305,9 @@ inline constexpr auto edit = std::to_array<MenuRow>({
     insertBacktab,
     duplicateLine,
     deleteLine,
+    lines,
+    conversions,
+    toggleOverwriteMode,
     line,
     spelling,
 });

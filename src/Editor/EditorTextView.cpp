@@ -2,9 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/EditorTextView.h"
 
+#include "Base/Pasteboard.h"
 #include "Base/Translation.h"
 #include "Commands/Actions.h"
 #include "Editor/EditorVim.h"
+#include "Text/LineWalk.h"
+#include "Text/PasteboardText.h"
 #include "Text/TextBoundaries.h"
 #include "Text/TextStorage.h"
 #include "Widgets/Mnemonics.h"
@@ -16,6 +19,16 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
+
+namespace {
+
+bool endsLine(const Rope &text, qsizetype offset)
+{
+    return offset == text.length() || isLineEnd(text.at(offset));
+}
+
+} // namespace
 
 EditorTextView::EditorTextView(TextStorage &storage, UndoManager &undoManager, const Services &services, const QFont &font, QWidget *parent)
     : NumberedTextView(storage, undoManager, {services.scheduler, services.pasteboard}, font, parent), m_beep(services.beep)
@@ -43,6 +56,9 @@ const ActionRow *EditorTextView::actionFor(const Action &wanted) const
         action<&EditorTextView::toggleComment, &EditorTextView::canToggleComment>(Actions::toggleComment),
         action<&EditorTextView::duplicateLine, &EditorTextView::isEditable>(Actions::duplicateLine),
         action<&EditorTextView::deleteLine, &EditorTextView::isEditable>(Actions::deleteLine),
+        action<&EditorTextView::cut, &EditorTextView::canCut>(Actions::cut),
+        action<&EditorTextView::copy, &EditorTextView::canCopy>(Actions::copy),
+        action<&EditorTextView::toggleOverwriteMode, &EditorTextView::overwriteState>(Actions::toggleOverwriteMode),
     });
     const ActionRow *row = findAction(rows, wanted);
     return row ? row : TextView::actionFor(wanted);
@@ -92,6 +108,99 @@ void EditorTextView::focusOutEvent(QFocusEvent *event)
     TextView::focusOutEvent(event);
 }
 
+void EditorTextView::setVim(EditorVim *vim)
+{
+    if (vim) {
+        setTypingMode(TypingMode::inserts);
+    }
+    m_vim = vim;
+}
+
+// Overwriting
+
+void EditorTextView::toggleOverwriteMode()
+{
+    if (!m_vim) {
+        setTypingMode(m_typingMode == TypingMode::inserts ? TypingMode::overwrites : TypingMode::inserts);
+    }
+}
+
+ActionState EditorTextView::overwriteState() const
+{
+    return {.isEnabled = isEditable() && !m_vim, .checkMark = m_typingMode == TypingMode::overwrites ? CheckMark::on : CheckMark::none};
+}
+
+void EditorTextView::setTypingMode(TypingMode mode)
+{
+    if (std::exchange(m_typingMode, mode) != mode) {
+        setLook(&TextLooks::caretShape, mode == TypingMode::overwrites ? CaretShape::block : CaretShape::bar);
+        emit typingModeChanged();
+    }
+}
+
+/// As many characters go as come, but no line break does.
+void EditorTextView::typeText(QStringView typed)
+{
+    const bool isWritten = std::ranges::none_of(typed, [](QChar unit) { return unit.category() == QChar::Other_Control; });
+    const bool isInText =
+        std::ranges::all_of(selections(), [](const CaretSelection &one) { return one.isEmpty() && one.cellsBehind == 0; });
+    if (m_typingMode == TypingMode::inserts || !isWritten || !isInText) {
+        NumberedTextView::typeText(typed);
+        return;
+    }
+    const Rope &text = storage().text();
+    const Rope added(typed);
+    const auto replacement = [&](const CaretSelection &one, size_t /*index*/) {
+        qsizetype end = one.caret.offset;
+        for (qsizetype at = 0; at < added.length() && !endsLine(text, end); at = TextBoundaries::nextGrapheme(added, at)) {
+            end = TextBoundaries::nextGrapheme(text, end);
+        }
+        return CaretEditing::Replacement{TextRange::between(one.caret.offset, end), added};
+    };
+    run(CaretEditing::replaced(selections(), replacement), GroupKind::typing);
+}
+
+// The pasteboard
+
+void EditorTextView::copy()
+{
+    if (!takesLine()) {
+        NumberedTextView::copy();
+        return;
+    }
+    const Rope &text = storage().text();
+    Rope line = text.slice(selectedLines(text, selection().range()));
+    if (line.isEmpty() || !isLineEnd(line.at(line.length() - 1))) {
+        line.replace({line.length(), 0}, u"\n");
+    }
+    ::setText(pasteboard(), line);
+    pasteboard().markAsLine();
+}
+
+void EditorTextView::cut()
+{
+    if (!takesLine()) {
+        NumberedTextView::cut();
+    } else if (isEditable()) {
+        input().commit();
+        copy();
+        deleteLine();
+    }
+}
+
+/// What was copied as a line becomes one before that of the caret.
+void EditorTextView::paste()
+{
+    if (!takesLine() || !pasteboard().isLine()) {
+        NumberedTextView::paste();
+        return;
+    }
+    input().commit();
+    const qsizetype caret = selection().caret;
+    const Rope line(withLineFeeds(pasteboard().text()));
+    apply({{lineRange(storage().text(), {caret, 0}).location, 0}, line}, GroupKind::other, TextSelection::at(caret + line.length()));
+}
+
 // Looks
 
 void EditorTextView::setIndentation(Indentation indentation)
@@ -138,7 +247,19 @@ void EditorTextView::insertBacktab()
 
 void EditorTextView::shiftSelectedLines(LineEditing::Shift shift)
 {
-    atLines([&](TextRange selected) { return LineEditing::shifted(storage().text(), selected, shift, m_indentation); });
+    if (!selections().isSingle()) {
+        atLines([&](TextRange selected) { return LineEditing::shifted(storage().text(), selected, shift, m_indentation); });
+        return;
+    }
+    input().commit();
+    const Rope &text = storage().text();
+    const bool isRepeated = m_shifted && m_shifted->revision == storage().revision() && m_shifted->selection == selection();
+    const TextRange lines = isRepeated ? m_shifted->lines : selectedLines(text, selection().range());
+    if (const auto step = LineEditing::shifted(text, selection().range(), shift, m_indentation, lines)) {
+        apply(step->edits, GroupKind::other, step->after);
+        m_shifted = {
+            .revision = storage().revision(), .selection = selection(), .lines = {lines.location, lines.length + step->edits.growth()}};
+    }
 }
 
 void EditorTextView::insertNewline()

@@ -22,18 +22,27 @@ public:
         std::function<void()> beep;
     };
     enum class AutoIndent { off, on };
+    /// Whether what is typed goes before what stands at the caret or in its place.
+    enum class TypingMode { inserts, overwrites };
+    /// What is copied and cut where nothing is selected.
+    enum class BareCopy { nothing, line };
 
     EditorTextView(TextStorage &storage, UndoManager &undoManager, const Services &services, const QFont &font, QWidget *parent = nullptr);
 
     void setIndentation(Indentation indentation);
     [[nodiscard]] Indentation indentation() const { return m_indentation; }
     void setAutoIndent(AutoIndent autoIndent) { m_autoIndent = autoIndent; }
+    [[nodiscard]] AutoIndent autoIndent() const { return m_autoIndent; }
+    void setBareCopy(BareCopy bareCopy) { m_bareCopy = bareCopy; }
+    [[nodiscard]] TypingMode typingMode() const { return m_typingMode; }
     void setLanguage(const Language &language) { m_language = language; }
     [[nodiscard]] const Language &language() const { return m_language; }
 
     /// Gets the keys before the view does; null takes it away. Must outlive the view or be taken back.
-    void setVim(EditorVim *vim) { m_vim = vim; }
+    void setVim(EditorVim *vim);
 
+    /// What an input method has shown so far becomes text.
+    void commitInput() { input().commit(); }
     void insertNewline() override;
     void insertTab() override;
     void insertBacktab() override;
@@ -42,6 +51,9 @@ public:
     void toggleComment();
     void duplicateLine();
     void deleteLine();
+    void cut() override;
+    void copy() override;
+    void paste() override;
 
     [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
 
@@ -50,8 +62,10 @@ signals:
     void activated();
     /// Absolute paths of files that exist.
     void filesDropped(const QStringList &paths);
+    void typingModeChanged();
 
 protected:
+    void typeText(QStringView text) override;
     void willReplay() override;
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -69,6 +83,12 @@ private:
     void atLines(const std::function<std::optional<TextStep>(TextRange)> &command);
     /// One that puts text in place of a selection, for each.
     void replaceAtEach(const std::function<TextStep(TextRange)> &command);
+    [[nodiscard]] bool canCopy() const { return selections().hasSelected() || m_bareCopy == BareCopy::line; }
+    [[nodiscard]] bool canCut() const { return isEditable() && canCopy(); }
+    [[nodiscard]] bool takesLine() const { return selections().isSingle() && selection().isEmpty() && m_bareCopy == BareCopy::line; }
+    void toggleOverwriteMode();
+    [[nodiscard]] ActionState overwriteState() const;
+    void setTypingMode(TypingMode mode);
     void addCommands(QMenu *menu);
     bool takesFiles(QDropEvent &event);
 
@@ -77,5 +97,14 @@ private:
     std::function<void()> m_beep;
     Indentation m_indentation;
     AutoIndent m_autoIndent = AutoIndent::on;
+    BareCopy m_bareCopy = BareCopy::nothing;
+    TypingMode m_typingMode = TypingMode::inserts;
+    /// Of the last shift: as long as its text and its selection are as it left them, another concerns the same lines.
+    struct ShiftedLines {
+        quint64 revision = 0;
+        TextSelection selection;
+        TextRange lines;
+    };
+    std::optional<ShiftedLines> m_shifted;
     Language m_language;
 };

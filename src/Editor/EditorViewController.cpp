@@ -8,6 +8,7 @@
 #include "Editor/EditorFont.h"
 #include "Editor/EditorVim.h"
 #include "Editor/ExternalChangeBanner.h"
+#include "Editor/LineCommands.h"
 #include "Editor/LineNumberRulerView.h"
 #include "Editor/OccurrenceMarker.h"
 #include "Editor/SpellingController.h"
@@ -69,6 +70,14 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
     m_awaitsText = m_document->arrival().isPending();
     m_textView->setLanguage(document.language());
     setFocusProxy(m_textView);
+    m_lineCommands = std::make_unique<LineCommands>(
+        *m_textView,
+        LineCommands::Services{
+            .scheduler = services.scheduler,
+            .workers = services.workers,
+            .showMessage = [this](const QString &message, Scheduler::Milliseconds duration) { emit messageShown(message, duration); },
+            .beep = [&presenter = services.presenter] { presenter.beep(); }},
+        this);
     makeSpelling();
     markMissingCharacters();
     applyPreferences();
@@ -84,6 +93,7 @@ EditorViewController::~EditorViewController()
     m_textView->disconnect(this);
     blockSignals(true);
     m_substitutions.reset();
+    m_lineCommands.reset();
     m_vim.reset();
     m_spelling.reset();
     delete m_textView;
@@ -163,6 +173,7 @@ void EditorViewController::observe()
         m_textView->setFocus();
         m_occurrences.selectAllHits(m_finder->query());
     });
+    connect(m_textView, &EditorTextView::typingModeChanged, this, &EditorViewController::stateChanged);
     connect(m_textView, &EditorTextView::filesDropped, this, &EditorViewController::filesDropped);
     connect(m_textView, &EditorTextView::activated, this, [this] {
         if (m_spelling) {
@@ -229,6 +240,8 @@ void EditorViewController::applyPreferences()
     }
     applyIndentation();
     m_textView->setAutoIndent(preferences.value(Settings::autoIndent) ? EditorTextView::AutoIndent::on : EditorTextView::AutoIndent::off);
+    m_textView->setBareCopy(preferences.value(Settings::copyLineWithoutSelection) ? EditorTextView::BareCopy::line
+                                                                                  : EditorTextView::BareCopy::nothing);
     const auto visibility = [](bool isShown) { return isShown ? TextView::Visibility::shown : TextView::Visibility::hidden; };
     m_textView->setLook(&TextLooks::invisibles, visibility(preferences.value(Settings::showInvisibles)));
     m_textView->setLineNumbers(visibility(preferences.value(Settings::showLineNumbers)));

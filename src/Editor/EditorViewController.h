@@ -25,6 +25,7 @@ class FileMemory;
 class FindBar;
 class FindState;
 class ForeignKeyboard;
+class LineCommands;
 class Preferences;
 class QVBoxLayout;
 class SpellChecker;
@@ -171,6 +172,7 @@ private:
     std::unique_ptr<EditorVim> m_vim;
     /// Made when it is needed first.
     std::unique_ptr<SubstitutionRunner> m_substitutions;
+    std::unique_ptr<LineCommands> m_lineCommands;
     /// What of the text is underlined, null for nothing.
     const CharacterSet *m_characters = nullptr;
     /// The user's place is still to be shown, in a text that has not come.

@@ -80,6 +80,8 @@ inline constexpr Setting<bool> insertSpaces("editor.insertSpaces"_L1, true,
                                             {.title = u"Insert spaces instead of tabs",
                                              .option = {{u"expandtab", u"et"}, u"spaces or tabs"}});
 inline constexpr Setting<bool> autoIndent("editor.autoIndent"_L1, true, {.title = u"Keep indentation on new lines"});
+inline constexpr Setting<bool> copyLineWithoutSelection("editor.copyLineWithoutSelection"_L1, false,
+                                                        {.title = u"Copy and cut the line where nothing is selected"});
 inline constexpr Setting<bool> vimMode("editor.vimMode"_L1, false,
                                        {.title = u"Vim key bindings",
                                         .option = {{u"vim", u"vim!"}, u"turn the Vim bindings off", ExOption::Direction::onlyOff}});
@@ -103,6 +105,7 @@ inline constexpr auto editingRows = std::to_array<SettingRow>({
      .note = u"Languages with a settled convention - Go and Makefiles use tabs, YAML and JSON use two spaces - override these per file.",
      .noteIsAbout = &tabWidth},
     {.setting = markOccurrences},
+    {.setting = copyLineWithoutSelection},
     {.setting = vimMode,
      .place = startsGroup,
      .note = u"Modal editing: normal, insert and visual modes, operators with motions and text objects, registers, marks, search, and the "

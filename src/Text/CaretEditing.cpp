@@ -148,7 +148,7 @@ std::optional<CaretStep> atLines(const Rope &text, const Selections &selections,
             if (isAlone)
                 place(step->after, shift);
             else if (places == Places::withLines)
-                place(one, shift + step->after.range().location - block.lines.location);
+                place(one, shift + step->after.range().location - hull.anchor);
             else
                 place({step->edits.mapped(one.anchor, Bias::after), step->edits.mapped(one.caret, Bias::after)}, shift);
         }

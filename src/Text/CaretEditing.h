@@ -49,7 +49,7 @@ enum class Direction { backward, forward };
 enum class Places {
     /// Goes with the text around it.
     mapped,
-    /// As far from the start of what is selected then as it was from the start of the lines.
+    /// As far from the start of what is selected then as it was from the start of what the command was given.
     withLines,
 };
 using LineCommand = std::function<std::optional<TextStep>(TextSelection)>;

@@ -2,64 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "Text/LineEditing.h"
 
-#include "Text/LineRange.h"
+#include "Text/LineWalk.h"
+#include "Text/TextBoundaries.h"
 
 #include <algorithm>
 
 namespace {
-
-constexpr bool isIndent(QChar unit)
-{
-    return unit == u' ' || unit == u'\t';
-}
-
-constexpr bool isLineEnd(char16_t unit)
-{
-    return unit == u'\n' || unit == u'\r' || isLineSeparator(unit);
-}
-
-/// Calls `visit` for the lines of `block`, their breaks included.
-template<class Visit>
-void forEachLine(const Rope &text, TextRange block, LineEditing::Breaks breaks, Visit visit)
-{
-    RopeCursor cursor(text);
-    qsizetype start = block.location;
-    for (qsizetype at = start; at < block.end(); ++at) {
-        const char16_t unit = cursor.at(at);
-        const bool isInPair = unit == u'\r' && at + 1 < text.length() && cursor.at(at + 1) == u'\n';
-        if (unit == u'\n' || (breaks == LineEditing::Breaks::all && isLineEnd(unit) && !isInPair)) {
-            visit(TextRange::between(start, at + 1));
-            start = at + 1;
-        }
-    }
-    if (start < block.end()) {
-        visit(TextRange::between(start, block.end()));
-    }
-}
-
-/// Where the blanks end that the line begins with.
-qsizetype indentEnd(const Rope &text, TextRange line)
-{
-    RopeCursor cursor(text);
-    qsizetype end = line.location;
-    while (end < line.end() && isIndent(cursor.at(end))) {
-        ++end;
-    }
-    return end;
-}
-
-/// Where the break of the line begins.
-qsizetype contentEnd(const Rope &text, TextRange line)
-{
-    RopeCursor cursor(text);
-    qsizetype end = line.end();
-    if (end == line.location || !isLineEnd(cursor.at(end - 1))) {
-        return end;
-    }
-    --end;
-    const bool isPair = cursor.at(end) == u'\n' && end > line.location && cursor.at(end - 1) == u'\r';
-    return isPair ? end - 1 : end;
-}
 
 bool opensBlock(const Rope &text, TextRange line)
 {
@@ -105,9 +53,9 @@ TextEdits outdentation(const Rope &text, TextRange block, qsizetype mostSpaces, 
     return edits;
 }
 
-std::optional<TextStep> shifted(const Rope &text, TextRange selection, Shift shift, Indentation style)
+std::optional<TextStep> shifted(const Rope &text, TextRange selection, Shift shift, Indentation style, std::optional<TextRange> lines)
 {
-    const TextRange block = selectedLines(text, selection);
+    const TextRange block = lines.value_or(selectedLines(text, selection));
     const QString level = style.level();
     TextEdits edits = shift == Shift::indent ? indentation(text, block, level, Breaks::lineFeeds)
                                              : outdentation(text, block, style.width, Breaks::lineFeeds);
@@ -217,7 +165,7 @@ std::optional<TextStep> deleted(const Rope &text, TextRange selection)
     return TextStep{{block, Rope()}, TextSelection::at(block.location)};
 }
 
-std::optional<TextStep> joined(const Rope &text, qsizetype offset, qsizetype count)
+std::optional<TextStep> joined(const Rope &text, qsizetype offset, qsizetype count, Glue glue)
 {
     TextStep step;
     RopeCursor cursor(text);
@@ -226,14 +174,20 @@ std::optional<TextStep> joined(const Rope &text, qsizetype offset, qsizetype cou
     // What the line ends with, as far as it was put together; none while it is empty.
     std::optional<char16_t> last;
     for (qsizetype lines = 1; lines < count && line.end() < text.length(); ++lines) {
-        const qsizetype end = contentEnd(text, line);
+        qsizetype end = contentEnd(text, line);
+        while (glue == Glue::oneBlank && end > contentStart && isIndent(cursor.at(end - 1))) {
+            --end;
+        }
         if (end > contentStart) {
             last = cursor.at(end - 1);
         }
         const TextRange next = lineRange(text, {line.end(), 0});
         const qsizetype nextContent = indentEnd(text, next);
-        const bool isNextBlank = nextContent < text.length() && (cursor.at(nextContent) == u'\n' || cursor.at(nextContent) == u'\r');
-        const bool isGlued = !last || isIndent(*last) || isNextBlank;
+        const char16_t first = nextContent < text.length() ? cursor.at(nextContent) : u'\0';
+        const bool isNextBlank = nextContent == text.length() ? glue == Glue::oneBlank : first == u'\n' || first == u'\r';
+        const bool isInBrackets =
+            glue == Glue::oneBlank && last && (QStringView(u"([{").contains(QChar(*last)) || QStringView(u")]}").contains(QChar(first)));
+        const bool isGlued = !last || isIndent(*last) || isNextBlank || isInBrackets;
         step.after = TextSelection::at(end + step.edits.growth());
         step.edits.add(TextRange::between(end, nextContent), isGlued ? Rope() : Rope(u" "));
         if (!isGlued) {
@@ -243,6 +197,19 @@ std::optional<TextStep> joined(const Rope &text, qsizetype offset, qsizetype cou
         line = next;
     }
     return step.edits.isEmpty() ? std::nullopt : std::optional(std::move(step));
+}
+
+std::optional<TextStep> joinedLines(const Rope &text, TextRange selection)
+{
+    const TextRange block = selectedLines(text, selection);
+    qsizetype count = 0;
+    forEachLine(text, block, Breaks::all, [&count](TextRange) { ++count; });
+    auto step = joined(text, block.location, std::max<qsizetype>(count, 2), Glue::oneBlank);
+    if (step && !selection.isEmpty()) {
+        const TextRange kept = step->edits.mapped(selection);
+        step->after = {kept.location, kept.end()};
+    }
+    return step;
 }
 
 std::optional<TextStep> moved(const Rope &text, TextRange block, Neighbour neighbour)
@@ -264,6 +231,43 @@ std::optional<TextStep> moved(const Rope &text, TextRange block, Neighbour neigh
         swapped.replace({swapped.length() - 1, 1}, QStringView());
     }
     return TextStep{{block.united(other), swapped}, {start, start + block.length}};
+}
+
+std::optional<TextStep> movedLines(const Rope &text, TextRange selection, Neighbour neighbour)
+{
+    const TextRange block = selectedLines(text, selection);
+    auto step = moved(text, block, neighbour);
+    if (step) {
+        const qsizetype start = step->after.anchor + selection.location - block.location;
+        const qsizetype end = std::min(start + selection.length, text.length());
+        step->after = {start, end};
+    }
+    return step;
+}
+
+TextStep openedLine(const Rope &text, TextRange selection, Neighbour neighbour, std::optional<Indentation> indentation)
+{
+    const TextRange block = selectedLines(text, selection);
+    if (neighbour == Neighbour::behind) {
+        const qsizetype end = contentEnd(text, block);
+        return indentation ? brokenLine(text, {end, 0}, *indentation) : TextStep{{{end, 0}, u"\n"}, TextSelection::at(end + 1)};
+    }
+    const QString blanks = indentation ? leadingBlanks(text, block.location) : QString();
+    return {{{block.location, 0}, QString(blanks + u'\n')}, TextSelection::at(block.location + blanks.size())};
+}
+
+std::optional<TextStep> transposed(const Rope &text, TextRange selection)
+{
+    const TextRange line = lineRange(text, {selection.location, 0});
+    const bool isAtEnd = selection.location == contentEnd(text, line);
+    const qsizetype middle = isAtEnd ? TextBoundaries::previousGrapheme(text, selection.location) : selection.location;
+    if (!selection.isEmpty() || middle <= line.location) {
+        return std::nullopt;
+    }
+    const qsizetype start = TextBoundaries::previousGrapheme(text, middle);
+    const qsizetype end = TextBoundaries::nextGrapheme(text, middle);
+    const QString swapped = text.toString(TextRange::between(middle, end)) + text.toString(TextRange::between(start, middle));
+    return TextStep{{TextRange::between(start, end), swapped}, TextSelection::at(end)};
 }
 
 QString leadingBlanks(const Rope &text, qsizetype offset)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Text/LineRange.h"
 #include "Text/TextEdits.h"
 
 #include <QString>
@@ -27,16 +28,14 @@ namespace LineEditing {
 
 enum class Shift { indent, outdent };
 
-/// Within a block lines are told apart by line feeds alone, or by all that ends a line.
-enum class Breaks { lineFeeds, all };
-
 /// One level before every line of `block`, which are whole ones, but for empty ones.
 [[nodiscard]] TextEdits indentation(const Rope &text, TextRange block, const QString &level, Breaks breaks);
 /// The tab or up to so many spaces that a line begins with are gone.
 [[nodiscard]] TextEdits outdentation(const Rope &text, TextRange block, qsizetype mostSpaces, Breaks breaks);
 
-/// One level more or less for every selected line; an empty line gets none.
-[[nodiscard]] std::optional<TextStep> shifted(const Rope &text, TextRange selection, Shift shift, Indentation indentation);
+/// One level more or less for every selected line, or for those of `lines`; an empty line gets none.
+[[nodiscard]] std::optional<TextStep> shifted(const Rope &text, TextRange selection, Shift shift, Indentation indentation,
+                                              std::optional<TextRange> lines = std::nullopt);
 
 /// Spaces up to the next tab stop, in place of the selection. Costs a walk from the start of the line.
 [[nodiscard]] TextStep tabbed(const Rope &text, TextRange selection, int tabWidth);
@@ -57,12 +56,25 @@ enum class Breaks { lineFeeds, all };
 [[nodiscard]] std::optional<TextStep> deleted(const Rope &text, TextRange selection);
 
 /// The line of `offset` and those behind it, `count` in all, as one: without the blanks that the others begin with, and with a space
-/// between where there is text and no blank. The caret is left where the last one was added.
-[[nodiscard]] std::optional<TextStep> joined(const Rope &text, qsizetype offset, qsizetype count);
+/// between where there is text and no blank. The caret is left where the last one was added. With `Glue::oneBlank` blanks at line ends go
+/// too, and no space comes behind an opening or before a closing bracket.
+enum class Glue { kept, oneBlank };
+[[nodiscard]] std::optional<TextStep> joined(const Rope &text, qsizetype offset, qsizetype count, Glue glue = Glue::kept);
+/// The selected lines as one, or that of the caret with the next.
+[[nodiscard]] std::optional<TextStep> joinedLines(const Rope &text, TextRange selection);
 
 /// The lines of `block` change places with the line before or behind them, and are selected then.
 enum class Neighbour { before, behind };
 [[nodiscard]] std::optional<TextStep> moved(const Rope &text, TextRange block, Neighbour neighbour);
+/// The same with the selected lines; the selection goes with them.
+[[nodiscard]] std::optional<TextStep> movedLines(const Rope &text, TextRange selection, Neighbour neighbour);
+
+/// A new line before or behind the selected ones, with the caret. It is indented like them, one behind what opens a block a level deeper;
+/// not at all without an `indentation`.
+[[nodiscard]] TextStep openedLine(const Rope &text, TextRange selection, Neighbour neighbour, std::optional<Indentation> indentation);
+
+/// The characters before and behind the caret change places, at the end of a line the two before it; the caret is behind both then.
+[[nodiscard]] std::optional<TextStep> transposed(const Rope &text, TextRange selection);
 
 /// The spaces and tabs that the line of `offset` begins with.
 [[nodiscard]] QString leadingBlanks(const Rope &text, qsizetype offset);

@@ -26,3 +26,45 @@ TextRange lineRange(const Rope &text, TextRange range)
     });
     return TextRange::between(from, to);
 }
+
+namespace {
+
+bool isBlank(const Rope &text, RopeCursor &cursor, qsizetype line)
+{
+    for (qsizetype at = text.lineStart(line); at < text.length(); ++at) {
+        const char16_t unit = cursor.at(at);
+        if (unit != u' ' && unit != u'\t') {
+            return unit == u'\n' || unit == u'\r';
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+qsizetype blankLineBefore(const Rope &text, qsizetype offset)
+{
+    RopeCursor cursor(text);
+    qsizetype line = text.lineAt(offset);
+    while (line > 0 && isBlank(text, cursor, line)) {
+        --line;
+    }
+    while (line > 0 && !isBlank(text, cursor, line)) {
+        --line;
+    }
+    return isBlank(text, cursor, line) ? text.lineStart(line) : 0;
+}
+
+qsizetype blankLineBehind(const Rope &text, qsizetype offset)
+{
+    RopeCursor cursor(text);
+    const qsizetype last = text.lineCount() - 1;
+    qsizetype line = text.lineAt(offset);
+    while (line < last && isBlank(text, cursor, line)) {
+        ++line;
+    }
+    while (line < last && !isBlank(text, cursor, line)) {
+        ++line;
+    }
+    return isBlank(text, cursor, line) && line < last ? text.lineStart(line) : text.length();
+}

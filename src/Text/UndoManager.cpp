@@ -60,6 +60,7 @@ void UndoManager::record(const TextChange &change)
     if (!m_isOpen)
         openGroup(change);
     lastDone().time = m_clock();
+    m_bringsLine = m_bringsLine || std::ranges::any_of(change.edits, [](const TextEdit &edit) { return edit.text.lineCount() > 1; });
     addStep(std::move(inverse));
     if (m_depth == 0)
         closeGroup(after);
@@ -75,6 +76,7 @@ void UndoManager::openGroup(const TextChange &first)
             .kind = GroupKind::other, .view = nullptr, .before = TextSelection{edited.location, edited.end()}, .after = {}, .edits = {}};
     }
     m_isOpen = true;
+    m_bringsLine = false;
     if (continuesLastGroup(first.edits)) {
         m_steps.push_back(std::move(lastDone().edits));
     } else {
@@ -95,7 +97,7 @@ bool UndoManager::continuesLastGroup(const TextEdits &first) const
     const auto continues = [kind = group.kind](const TextEdit &next, const TextEdit &inverse) {
         switch (kind) {
         case GroupKind::typing:
-            return next.range.isEmpty() && next.range.location == inverse.range.end();
+            return next.range.location == inverse.range.end();
         case GroupKind::deletingBackward:
             return next.text.isEmpty() && next.range.end() == inverse.range.location;
         case GroupKind::deletingForward:
@@ -122,8 +124,8 @@ void UndoManager::addStep(TextEdits inverse)
 void UndoManager::closeGroup(const Selections &after)
 {
     m_isOpen = false;
-    m_mayCoalesce = true;
     Group &group = lastDone();
+    m_mayCoalesce = group.kind != GroupKind::typing || !m_bringsLine;
     group.after = after;
     group.edits = std::move(m_steps.back());
     for (m_steps.pop_back(); !m_steps.empty(); m_steps.pop_back())

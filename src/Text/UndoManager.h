@@ -20,8 +20,8 @@ enum class GroupKind { typing, deletingBackward, deletingForward, other };
 ///
 /// It records whatever is changed in its storage. Changes inside beginGroup() … endGroup() belong to that group, one outside any makes one
 /// of its own. Groups of the same view and kind that follow each other within a second, each beginning where the last ended, become one,
-/// unless breakCoalescing() came between them. A group is kept as the one change that takes it back, or makes it again, and shares its
-/// text with the document. When the groups keep more units than the limit, the oldest go.
+/// unless breakCoalescing() or, while typing, a line break came between them. A group is kept as the one change that takes it back, or
+/// makes it again, and shares its text with the document. When the groups keep more units than the limit, the oldest go.
 class UndoManager final : public QObject {
     Q_OBJECT
 
@@ -118,6 +118,7 @@ private:
     bool m_mayCoalesce = false;
     Group m_next;          ///< what begins with the next change
     bool m_isOpen = false; ///< m_groups[m_done - 1] still takes changes
+    bool m_bringsLine = false;
     /// What takes back the changes of the group that is open, the last one first, the fewer edits the later.
     std::vector<TextEdits> m_steps;
     State m_lastState;

@@ -36,7 +36,7 @@ class StatusBarView final : public QWidget {
 
 public:
     struct VimState {
-        /// "NORMAL", "INSERT", "VISUAL", "V-LINE" or "COMMAND".
+        /// "NORMAL", "INSERT", "VISUAL", "V-LINE" or "COMMAND"; without Vim editing "OVERWRITE".
         QString mode;
         /// The keys so far of a command that is not complete.
         QString pending;
@@ -87,7 +87,7 @@ public:
         int indentWidth = 4;
         /// The tab key inserts spaces.
         bool usesSpaces = true;
-        /// None while Vim editing is off.
+        /// None while Vim editing is off and what is typed is inserted.
         std::optional<VimState> vim;
         /// How its spelling is checked; none while it is not.
         std::optional<SpellingState> spelling;

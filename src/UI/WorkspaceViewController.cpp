@@ -44,7 +44,8 @@ constexpr int leastPaneExtent = 180;
 std::optional<StatusBarView::VimState> vimStateOf(EditorViewController &editor)
 {
     if (!editor.vim()) {
-        return std::nullopt;
+        const bool overwrites = editor.textView().typingMode() == EditorTextView::TypingMode::overwrites;
+        return overwrites ? std::optional(StatusBarView::VimState{.mode = localized(u"OVERWRITE")}) : std::nullopt;
     }
     const VimEngine &engine = editor.vim()->engine();
     const QString &preedit = editor.vim()->preedit();

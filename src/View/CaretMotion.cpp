@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "View/CaretMotion.h"
 
-#include "Text/Rope.h"
+#include "Text/LineRange.h"
 #include "Text/TextBoundaries.h"
 
 std::optional<Caret> movedByRows(const Caret &caret, qint64 rows, LayoutManager &layout)
@@ -73,6 +73,10 @@ Caret moved(const Caret &caret, Motion motion, LayoutManager &layout, const Rope
         return movedOrToEnd(caret, -rowsPerPage, layout, text);
     case Motion::pageDown:
         return movedOrToEnd(caret, rowsPerPage, layout, text);
+    case Motion::paragraphUp:
+        return at(blankLineBefore(text, caret.offset));
+    case Motion::paragraphDown:
+        return at(blankLineBehind(text, caret.offset));
     case Motion::rowStart:
         return movedToRowStart(caret, layout, text);
     case Motion::rowEnd:

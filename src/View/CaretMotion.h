@@ -13,6 +13,9 @@ enum class Motion {
     down,
     pageUp,
     pageDown,
+    /// To the blank line before the paragraph, and to the one behind it, else to the end of the text.
+    paragraphUp,
+    paragraphDown,
     /// To the row's first character that is no blank; from there to the row's start.
     rowStart,
     rowEnd,

@@ -121,9 +121,9 @@ signals:
 
 protected:
     // What keys and actions do.
-    void cut();
-    void copy();
-    void paste();
+    virtual void cut();
+    virtual void copy();
+    virtual void paste();
     void deleteSelection();
     void selectAll();
     void addCaretAbove();
@@ -149,6 +149,9 @@ protected:
     virtual void willReplay() {}
 
     [[nodiscard]] TextViewInput &input() { return m_input; }
+    /// What keys and input methods write, in place of what is selected.
+    virtual void typeText(QStringView text);
+    [[nodiscard]] Pasteboard &pasteboard() const { return m_services.pasteboard; }
 
     /// Lets the user drag `content`, which it takes over, and reports how that ended. Tests drop it at once.
     virtual Qt::DropAction runDrag(QMimeData *content, Qt::DropActions allowed, Qt::DropAction proposed);
@@ -195,7 +198,6 @@ private:
     /// Escape leaves only the primary one of several.
     [[nodiscard]] bool givesUpCarets(const QKeyEvent &event) const;
     void removeRange(TextRange range, GroupKind kind);
-    void typeText(QStringView text);
 
     TextStorage &m_storage;
     UndoManager &m_undoManager;

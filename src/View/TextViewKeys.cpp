@@ -54,6 +54,8 @@ const TextView::KeyCommand *TextView::commandFor(const QKeyEvent &event)
             move(Qt::Key_Down, none, Motion::down),
             move(Qt::Key_PageUp, none, Motion::pageUp),
             move(Qt::Key_PageDown, none, Motion::pageDown),
+            move(Qt::Key_PageUp, Qt::AltModifier, Motion::paragraphUp),
+            move(Qt::Key_PageDown, Qt::AltModifier, Motion::paragraphDown),
             move(Qt::Key_Home, none, Motion::rowStart),
             move(Qt::Key_End, none, Motion::rowEnd),
             move(Qt::Key_Home, control, Motion::textStart),

@@ -191,7 +191,7 @@ void TextViewPointer::extendSelection(QPointF point)
 void TextViewPointer::press(QMouseEvent &event)
 {
     m_view.m_input.commit();
-    const bool isNear = (event.position() - m_pressed).manhattanLength() < QApplication::startDragDistance();
+    const bool isNear = isNearPress(event);
     m_last = m_pressed = event.position();
     const Caret caret = caretAt(event.position());
     m_column.reset();
@@ -208,11 +208,10 @@ void TextViewPointer::press(QMouseEvent &event)
     if (!addsCaret) {
         m_others.reset();
     }
-    const bool isTriple =
-        isNear && m_doubleClickedAt != 0 &&
-        static_cast<qint64>(event.timestamp()) - m_doubleClickedAt < QGuiApplication::styleHints()->mouseDoubleClickInterval();
-    m_doubleClickedAt = 0;
+    const bool isTriple = isNear && goesOnClicking(event);
+    m_clickedTwiceAt = 0;
     if (isTriple) {
+        m_clickedTwiceAt = static_cast<qint64>(event.timestamp());
         selectAt(caret, Granularity::line);
     } else if (event.modifiers() == (Qt::AltModifier | Qt::ShiftModifier)) {
         beginColumn(event.position());
@@ -233,6 +232,18 @@ void TextViewPointer::press(QMouseEvent &event)
     }
 }
 
+bool TextViewPointer::isNearPress(const QMouseEvent &event) const
+{
+    return (event.position() - m_pressed).manhattanLength() < QApplication::startDragDistance();
+}
+
+/// A double click was a moment ago, perhaps with further clicks behind it.
+bool TextViewPointer::goesOnClicking(const QMouseEvent &event) const
+{
+    return m_clickedTwiceAt != 0 &&
+           static_cast<qint64>(event.timestamp()) - m_clickedTwiceAt < QGuiApplication::styleHints()->mouseDoubleClickInterval();
+}
+
 bool TextViewPointer::isOverSelection(QPointF point) const
 {
     // Beside the text of a row there is nothing to take hold of.
@@ -250,12 +261,13 @@ void TextViewPointer::doubleClick(QMouseEvent &event)
     }
     m_view.m_input.commit();
     m_mayDrag = false;
+    const bool isFourth = m_granularity == Granularity::line && isNearPress(event) && goesOnClicking(event);
     m_last = m_pressed = event.position();
-    m_doubleClickedAt = static_cast<qint64>(event.timestamp());
+    m_clickedTwiceAt = static_cast<qint64>(event.timestamp());
     if (event.modifiers() != Qt::ControlModifier) {
         m_others.reset();
     }
-    selectAt({graphemeUnder(event.position()), Affinity::downstream, {}}, Granularity::word);
+    selectAt({graphemeUnder(event.position()), Affinity::downstream, {}}, isFourth ? Granularity::line : Granularity::word);
 }
 
 qsizetype TextViewPointer::graphemeUnder(QPointF point) const

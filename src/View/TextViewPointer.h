@@ -69,6 +69,8 @@ private:
     void addOrRemove(const Caret &caret);
     void beginColumn(QPointF point);
     void extendColumn(QPointF point);
+    [[nodiscard]] bool isNearPress(const QMouseEvent &event) const;
+    [[nodiscard]] bool goesOnClicking(const QMouseEvent &event) const;
     void autoScroll();
     void pastePrimary(qsizetype offset);
     void startDrag();
@@ -85,7 +87,8 @@ private:
     QPointF m_last;
     bool m_isSelecting = false;
     bool m_mayDrag = false;
-    qint64 m_doubleClickedAt = 0;
+    /// Of the last click that was more than a single one; 0 for none.
+    qint64 m_clickedTwiceAt = 0;
     RepeatingTimer m_autoScroll;
     DelayedTask m_primarySettles;
     QPointF m_wheelRest;

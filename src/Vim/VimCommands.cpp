@@ -139,7 +139,6 @@ void VimEngine::changeRange(TextRange range, Span span)
 
 void VimEngine::shiftLines(TextRange range, OperatorKind kind)
 {
-    using LineEditing::Breaks;
     const TextRange block = selectedLines(m_view.text(), range);
     const QString level = m_view.indentation().level();
     edit(kind == OperatorKind::indent ? LineEditing::indentation(m_view.text(), block, level, Breaks::all)

@@ -49,6 +49,12 @@ TEST_F(Undo, TypingGrowsTogetherUntilSomethingBreaksIt)
     group(GroupKind::typing, {2, 0}, u"=", &view);
     group(GroupKind::other, {3, 0}, u"~");
     group(GroupKind::other, {4, 0}, u"~");
+    type(u"f");
+    type(u"\n  ");
+    type(u"g");
+    type(u"h");
+    EXPECT_EQ(undo.undo(), TextSelection::at(14)) << "a line break ends what is typed";
+    undo.undo();
     EXPECT_EQ(unwind(),
               (QStringList{u"<-=~~abcde"_s, u"<-=~abcde"_s, u"<-=abcde"_s, u"<-abcde"_s, u"abcde"_s, u"abcd"_s, u"abc"_s, u""_s}));
 }

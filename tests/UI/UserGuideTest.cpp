@@ -42,6 +42,7 @@ std::vector<Mention> mentions()
 QString portable(QString key)
 {
     key.replace(u"Strg"_s, u"Ctrl"_s).replace(u"Umschalt"_s, u"Shift"_s);
+    key.replace(u"Eingabe"_s, u"Return"_s).replace(u"Einfg"_s, u"Ins"_s);
     return key.replace(u"Bild aufwärts"_s, u"PgUp"_s)
         .replace(u"Bild abwärts"_s, u"PgDown"_s)
         .replace(u"Hoch"_s, u"Up"_s)

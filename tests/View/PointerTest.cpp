@@ -54,6 +54,10 @@ TEST_F(Pointer, SelectsByLetterWordAndLine)
     EXPECT_EQ(marked(), u"one two three\nfour five\n\n^six|"_s) << "below the last line";
     tripleClick(in(16));
     EXPECT_EQ(marked(), u"one two three\n^four five\n|\nsix"_s);
+    QMouseEvent fourth(QEvent::MouseButtonDblClick, in(16), target()->mapToGlobal(in(16)), Qt::LeftButton, Qt::LeftButton, {});
+    fourth.setTimestamp(quint64(QTest::lastMouseTimestamp));
+    QApplication::sendEvent(target(), &fourth);
+    EXPECT_EQ(marked(), u"one two three\n^four five\n|\nsix"_s) << "a fourth click";
     release(in(16));
     doubleClick(in(1));
     QTest::mousePress(target(), Qt::LeftButton, {}, in(19), 1);

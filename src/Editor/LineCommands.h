@@ -1,0 +1,85 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Base/BackgroundTask.h"
+#include "Base/Scheduler.h"
+#include "Commands/Responder.h"
+#include "Text/CaretEditing.h"
+#include "Text/LineEditing.h"
+
+#include <QObject>
+
+#include <functional>
+
+class EditorTextView;
+
+/// The commands of a text view that move, arrange and convert lines and letters. What reads much is done on a worker, while the view can be
+/// used: Escape stops it, and when the text has changed meanwhile it is done once more, for what is selected then. Main thread only. The
+/// view must outlive it and comes before it in the chain of responders.
+class LineCommands final : public QObject, public Responder {
+    Q_OBJECT
+
+public:
+    struct Services {
+        Scheduler &scheduler;
+        Workers &workers;
+        /// Shows what there is to be said for so long.
+        std::function<void(const QString &message, Scheduler::Milliseconds duration)> showMessage;
+        /// The sound for a command that finds nothing to do.
+        std::function<void()> beep;
+    };
+
+    /// UTF-16 units of which what is read at once has at most so many.
+    static constexpr qsizetype readAtOnce = qsizetype(256) * 1024;
+
+    LineCommands(EditorTextView &view, Services services, QObject *parent = nullptr);
+    ~LineCommands() override;
+
+    [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
+
+    /// What a command goes by besides the text.
+    struct Context {
+        Indentation indentation;
+        bool indentsNewLines = true;
+        /// Of the interface, as BCP 47 names it.
+        QByteArray language;
+        std::stop_token stop = {};
+    };
+    using Command = std::optional<TextStep> (*)(const Rope &text, TextRange selection, const Context &context);
+    /// What a command reads.
+    using Extent = TextRange (*)(const Rope &text, TextRange selection);
+    /// With several carets a command concerns the lines of all of them, which carets may go with, what each by itself stands at, or the
+    /// text by the primary one.
+    enum class Scope { lines, movedLines, letters, text };
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
+private:
+    template<Command command, Scope scope, Extent extent>
+    void run()
+    {
+        start({command, scope, extent});
+    }
+    struct Row {
+        Command command;
+        Scope scope;
+        Extent extent;
+
+        [[nodiscard]] std::optional<CaretStep> step(const Rope &text, const Selections &selections, const Context &context) const;
+        [[nodiscard]] qsizetype unitsRead(const Rope &text, const Selections &selections) const;
+    };
+    void start(const Row &row);
+    void startOnWorker(const Row &row);
+    void apply(const std::optional<CaretStep> &step, const Selections &asked);
+    void stop(const QString &message);
+    [[nodiscard]] Context context() const;
+    [[nodiscard]] bool canEdit() const;
+
+    EditorTextView &m_view;
+    Services m_services;
+    BackgroundTask m_task;
+    DelayedTask m_showProgressSoon;
+    bool m_isProgressShown = false;
+};
