@@ -169,6 +169,10 @@ inline constexpr Action goToLine{"goToLine:", u"Go to Line…", "Ctrl+L; Ctrl+Sh
 inline constexpr Action goToMatchingBracket{"goToMatchingBracket:", u"Go to Matching Bracket", "Ctrl+Shift+M"};
 inline constexpr Action selectEnclosingBrackets{"selectEnclosingBrackets:", u"Select Enclosing Brackets", "Ctrl+Alt+M"};
 inline constexpr Action goToNextOccurrence{"goToNextOccurrence:", u"Next Occurrence of Word", "Ctrl+F3"};
+inline constexpr Action goToNextChange{"goToNextChange:", u"Next Change", "F7"};
+inline constexpr Action goToPreviousChange{"goToPreviousChange:", u"Previous Change", "F8"};
+inline constexpr Action showChange{
+    .id = "showChange:", .title = u"Show Change", .keys = "Shift+F7", .help = u"Shows what the changed lines were before"};
 inline constexpr Action selectNextTab{"selectNextTab:", u"Next Tab", "Ctrl+Tab; Ctrl+PgDown"};
 inline constexpr Action selectPreviousTab{"selectPreviousTab:", u"Previous Tab", "Ctrl+Shift+Tab; Ctrl+PgUp"};
 inline constexpr Action selectTab1{"selectTabByNumber:", u"Tab %d", "Ctrl+1", "", 1};
@@ -338,6 +342,10 @@ inline constexpr auto navigate = std::to_array<MenuRow>({
     goToMatchingBracket,
     selectEnclosingBrackets,
     goToNextOccurrence,
+    line,
+    goToNextChange,
+    goToPreviousChange,
+    showChange,
     line,
     selectNextTab,
     selectPreviousTab,

@@ -86,11 +86,11 @@ DiffViewController::DiffViewController(const EditorServices &services, Side left
     all->addLayout(middle, 1);
     all->addWidget(makeFooter());
     connect(m_overview, &DiffOverview::rowWanted, this, [this](qsizetype row) { scrollBothTo(row, 0.5); });
-    const auto go = [this](const QKeySequence &keys, void (DiffViewController::*where)()) {
-        connect(new QShortcut(keys, this), &QShortcut::activated, this, where);
+    const auto go = [this](const Action &taken, void (DiffViewController::*where)()) {
+        connect(new QShortcut(QKeySequence(QLatin1StringView(taken.keys)), this), &QShortcut::activated, this, where);
     };
-    go(Qt::Key_F7, &DiffViewController::nextChange);
-    go(Qt::Key_F8, &DiffViewController::previousChange);
+    go(Actions::goToNextChange, &DiffViewController::nextChange);
+    go(Actions::goToPreviousChange, &DiffViewController::previousChange);
 
     retranslate();
     applyPreferences();
@@ -120,6 +120,8 @@ const ActionRow *DiffViewController::actionFor(const Action &wanted) const
     using Self = DiffViewController;
     static constexpr auto rows = std::to_array<ActionRow>({
         action<&Self::performTextFinderAction, &Self::textFinderActionState>(Actions::find),
+        action<&Self::nextChange, &Self::hasChanges>(Actions::goToNextChange),
+        action<&Self::previousChange, &Self::hasChanges>(Actions::goToPreviousChange),
     });
     return findAction(rows, wanted);
 }

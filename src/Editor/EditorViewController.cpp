@@ -5,6 +5,7 @@
 #include "Base/Localization.h"
 #include "Commands/Actions.h"
 #include "Editor/BracketMarker.h"
+#include "Editor/ChangeNavigator.h"
 #include "Editor/EditorFont.h"
 #include "Editor/EditorVim.h"
 #include "Editor/ExternalChangeBanner.h"
@@ -58,7 +59,12 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
       m_brackets(new BracketMarker(*m_textView, document,
                                    {services.scheduler, services.workers, [&presenter = services.presenter] { presenter.beep(); }})),
       m_wordMarks(new OccurrenceMarker(*m_textView,
-                                       {services.scheduler, services.workers, [&presenter = services.presenter] { presenter.beep(); }}))
+                                       {services.scheduler, services.workers, [&presenter = services.presenter] { presenter.beep(); }})),
+      m_changes(std::make_unique<ChangeNavigator>(
+          *m_textView, document,
+          ChangeNavigator::Services{{services.scheduler, services.workers, services.notifications, services.preferences},
+                                    services.pasteboard,
+                                    [&presenter = services.presenter] { presenter.beep(); }}))
 {
     setAccessibleRole(*this, QAccessible::Grouping);
     resize(startSize);
@@ -96,6 +102,8 @@ EditorViewController::~EditorViewController()
     m_lineCommands.reset();
     m_vim.reset();
     m_spelling.reset();
+    m_textView->ruler().setChanges({});
+    m_changes.reset();
     delete m_textView;
 }
 
@@ -110,6 +118,9 @@ const ActionRow *EditorViewController::actionFor(const Action &wanted) const
         action<&EditorViewController::goToMatchingBracket>(Actions::goToMatchingBracket),
         action<&EditorViewController::selectEnclosingBrackets>(Actions::selectEnclosingBrackets),
         action<&EditorViewController::goToNextOccurrence>(Actions::goToNextOccurrence),
+        action<&EditorViewController::goToNextChange, &EditorViewController::hasChanges>(Actions::goToNextChange),
+        action<&EditorViewController::goToPreviousChange, &EditorViewController::hasChanges>(Actions::goToPreviousChange),
+        action<&EditorViewController::showChange, &EditorViewController::hasChanges>(Actions::showChange),
         action<&EditorViewController::toggleSpelling, &EditorViewController::spellingState>(Actions::toggleContinuousSpellChecking),
         action<&EditorViewController::checkSpelling, &EditorViewController::canCheckSpelling>(Actions::checkSpelling),
         action<&EditorViewController::showSpellingPanel, &EditorViewController::hasSpelling>(Actions::showGuessPanel),
@@ -150,6 +161,28 @@ void EditorViewController::clearFindHistory()
 bool EditorViewController::hasFindHistory() const
 {
     return !m_services.find.history().isEmpty();
+}
+
+void EditorViewController::goToNextChange()
+{
+    m_changes->goToNext();
+    settleCaret();
+}
+
+void EditorViewController::goToPreviousChange()
+{
+    m_changes->goToPrevious();
+    settleCaret();
+}
+
+void EditorViewController::showChange()
+{
+    m_changes->showChange();
+}
+
+bool EditorViewController::hasChanges() const
+{
+    return m_changes->hasChanges();
 }
 
 void EditorViewController::retranslate()
@@ -259,6 +292,7 @@ void EditorViewController::applyTheme()
     const Theme &theme = m_services.documents.theme();
     m_textView->setTheme(theme, m_services.preferences.value(Settings::highlightCurrentLine) ? EditorTextView::CurrentLine::highlighted
                                                                                              : EditorTextView::CurrentLine::plain);
+    m_changes->applyTheme(theme);
     for (ExternalChangeBanner *banner : {m_banner, m_awaitedBanner, m_suggestionBanner}) {
         if (banner) {
             banner->applyTheme(theme);

@@ -16,6 +16,7 @@
 #include <vector>
 
 class AlertPresenter;
+class ChangeNavigator;
 class CharacterSet;
 class DocumentStore;
 class BracketMarker;
@@ -84,6 +85,7 @@ public:
     /// Null while modal editing is off.
     [[nodiscard]] EditorVim *vim() { return m_vim.get(); }
     [[nodiscard]] TextCounter &counter() { return *m_counter; }
+    [[nodiscard]] ChangeNavigator &changes() { return *m_changes; }
     /// Null where no spelling is checked.
     [[nodiscard]] SpellingController *spelling() { return m_spelling.get(); }
     /// The text is spelled by these from now on, in all its views and when its file is opened again; none for those that its words tell.
@@ -141,6 +143,11 @@ private:
     void substitute(const VimSubstitution &substitution) override;
     void performCommand(const Action &action, const QString &argument) override;
 
+    void goToNextChange();
+    void goToPreviousChange();
+    void showChange();
+    [[nodiscard]] bool hasChanges() const;
+
     void makeSpelling();
     void adoptDictionaries();
     void keepSpelling();
@@ -166,6 +173,7 @@ private:
     TextCounter *m_counter;
     BracketMarker *m_brackets;
     OccurrenceMarker *m_wordMarks;
+    std::unique_ptr<ChangeNavigator> m_changes;
     std::unique_ptr<SpellingController> m_spelling;
     /// The file that it was last kept for.
     QString m_spellingPath;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/LineNumberRulerView.h"
 
+#include "Editor/ChangeMarks.h"
 #include "Text/TextStorage.h"
 #include "View/TextView.h"
 
@@ -20,6 +21,12 @@ constexpr double smallerBy = 1.5;
 constexpr double smallestFont = 9;
 /// Rows that reach so far beyond the visible part are drawn too.
 constexpr double overdraw = 20;
+
+/// Of the marks of changed lines, and between them and the text.
+constexpr double markWidth = 3;
+constexpr double markInset = 2;
+/// Of the mark between two lines where others are missing, from its middle up and down.
+constexpr double notchReach = 4;
 
 QFont numberFont(double pointSize)
 {
@@ -48,6 +55,7 @@ LineNumberRulerView::LineNumberRulerView(TextView &client, QWidget *parent)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setCursor(Qt::ArrowCursor);
+    setMouseTracking(true);
     updateThickness();
 }
 
@@ -75,6 +83,12 @@ void LineNumberRulerView::setExplicitNumbers(std::optional<Numbers> numbers)
 {
     m_numbers = std::move(numbers);
     updateThickness();
+    update();
+}
+
+void LineNumberRulerView::setChanges(Changes changes)
+{
+    m_changes = std::move(changes);
     update();
 }
 
@@ -144,7 +158,9 @@ void LineNumberRulerView::paintEvent(QPaintEvent *event)
     const double baseline = (layout.rowHeight() - metrics.height()) / 2 + metrics.ascent();
     const double right = width() - padding - separator;
     const qsizetype current = currentLine();
-    for (const Viewport::VisibleRow &row : m_client.textViewport().rows(area.top() - overdraw, area.bottom() + overdraw)) {
+    const auto rows = m_client.textViewport().rows(area.top() - overdraw, area.bottom() + overdraw);
+    paintChanges(painter, rows);
+    for (const Viewport::VisibleRow &row : rows) {
         if (!layout.startsLine(row.row)) {
             continue;
         }
@@ -154,10 +170,78 @@ void LineNumberRulerView::paintEvent(QPaintEvent *event)
     }
 }
 
+/// A bar along changed lines, a notch where lines are missing: they differ in shape as well as in colour.
+void LineNumberRulerView::paintChanges(QPainter &painter, std::span<const Viewport::VisibleRow> rows) const
+{
+    const auto changes = m_changes ? m_changes() : std::span<const LineChange>();
+    if (changes.empty() || rows.empty()) {
+        return;
+    }
+    const LayoutManager &layout = m_client.layoutManager();
+    const Rope &text = m_client.storage().text();
+    const double height = layout.rowHeight();
+    const double right = width() - 1 / std::max(1.0, devicePixelRatioF()) - markInset;
+    const auto colorOf = [this](LineChange::Kind kind) { return QColor::fromRgb(changeColor(*m_theme, kind)); };
+    const auto paintNotch = [&](double y) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(colorOf(LineChange::Kind::deleted));
+        painter.drawPolygon(QPolygonF({{right - markWidth - 2, y - notchReach}, {right - markWidth - 2, y + notchReach}, {right, y}}));
+        painter.setRenderHint(QPainter::Antialiasing, false);
+    };
+    // Those that end above are passed over together.
+    auto change =
+        std::ranges::partition_point(changes, [&rows](const LineChange &one) { return one.range.end() < rows.front().row.lineStart; });
+    for (const Viewport::VisibleRow &row : rows) {
+        while (change != changes.end() && change->range.end() < row.row.lineStart) {
+            ++change;
+        }
+        for (auto one = change; one != changes.end() && one->range.location <= row.row.lineStart; ++one) {
+            if (!one->marks(row.row.lineStart)) {
+                continue;
+            }
+            if (one->kind != LineChange::Kind::deleted) {
+                painter.fillRect(QRectF(right - markWidth, row.top, markWidth, height), colorOf(one->kind));
+            } else if (layout.startsLine(row.row)) {
+                paintNotch(row.top);
+            }
+        }
+    }
+    const LineChange &last = changes.back();
+    const bool isMissingAtEnd = last.kind == LineChange::Kind::deleted && last.range.location == text.length();
+    const Viewport::VisibleRow &lowest = rows.back();
+    if (isMissingAtEnd && lowest.row.line == text.lineCount() - 1 && lowest.row.lineStart < text.length()) {
+        paintNotch(lowest.top + height);
+    }
+}
+
+std::optional<size_t> LineNumberRulerView::changeAt(QPointF place) const
+{
+    const auto changes = m_changes ? m_changes() : std::span<const LineChange>();
+    if (changes.empty() || place.x() < width() - padding) {
+        return std::nullopt;
+    }
+    const Viewport::VisibleRow row = m_client.textViewport().rowAt(place.y());
+    const Rope &text = m_client.storage().text();
+    const double height = m_client.layoutManager().rowHeight();
+    if (place.y() > row.top + 2 * height) {
+        return std::nullopt; // below the text
+    }
+    // The lower half of a row is as near to what is missing below it.
+    const bool isLow = place.y() > row.top + height / 2;
+    const qsizetype end = row.row.line + 1 < text.lineCount() ? text.lineStart(row.row.line + 1) : text.length();
+    return LineChanges::at(changes, row.row.lineStart, isLow ? end : row.row.lineStart);
+}
+
 void LineNumberRulerView::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton) {
         event->ignore();
+        return;
+    }
+    if (const auto change = changeAt(event->position())) {
+        m_isPressingChange = true;
+        emit changeClicked(*change);
         return;
     }
     m_client.setFocus(Qt::MouseFocusReason);
@@ -168,14 +252,16 @@ void LineNumberRulerView::mousePressEvent(QMouseEvent *event)
 
 void LineNumberRulerView::mouseMoveEvent(QMouseEvent *event)
 {
-    if (event->buttons() & Qt::LeftButton) {
+    if (!(event->buttons() & Qt::LeftButton)) {
+        setCursor(changeAt(event->position()) ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    } else if (!m_isPressingChange) {
         m_client.pointer().goOnSelecting(besideText(*event));
     }
 }
 
 void LineNumberRulerView::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (event->button() == Qt::LeftButton) {
+    if (event->button() == Qt::LeftButton && !std::exchange(m_isPressingChange, false)) {
         m_client.pointer().endSelecting();
     }
 }

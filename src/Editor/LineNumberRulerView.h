@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Highlighting/Theme.h"
+#include "Text/LineChanges.h"
 #include "Text/LineNumber.h"
 #include "View/Viewport.h"
 
@@ -10,12 +11,13 @@
 
 #include <functional>
 #include <optional>
+#include <span>
 
 class TextView;
 
 /// The gutter at the left of a text view: the number of each line that is seen, that of the caret's line brighter. It asks the layout for
-/// the rows on the screen and for nothing else. A click selects the line, dragging or a click with
-/// Shift selects lines.
+/// the rows on the screen and for nothing else. Between the numbers and the text it marks lines that changed. A click selects the line,
+/// dragging or a click with Shift selects lines.
 class LineNumberRulerView final : public QWidget {
     Q_OBJECT
 
@@ -27,6 +29,9 @@ public:
         LineNumber largest = LineNumber::first;
     };
 
+    /// Those of the text as it is now.
+    using Changes = std::function<std::span<const LineChange>()>;
+
     /// `client` must outlive the ruler.
     explicit LineNumberRulerView(TextView &client, QWidget *parent = nullptr);
 
@@ -35,6 +40,9 @@ public:
     void setHighlightsCurrentLine(CurrentLine current);
     /// Instead of the lines' own; none goes back to those.
     void setExplicitNumbers(std::optional<Numbers> numbers);
+
+    /// None to begin with. Whoever gives them has the ruler updated when they are others.
+    void setChanges(Changes changes);
 
     /// The largest number to make room for.
     [[nodiscard]] qint64 lineCount() const;
@@ -49,6 +57,8 @@ public:
 
 signals:
     void thicknessChanged();
+    /// The mark of one of the changes was clicked.
+    void changeClicked(size_t index);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -71,12 +81,16 @@ private:
     [[nodiscard]] Shown shown() const;
     [[nodiscard]] qsizetype currentLine() const;
     [[nodiscard]] QString labelOf(const RowPosition &row) const;
+    void paintChanges(QPainter &painter, std::span<const Viewport::VisibleRow> rows) const;
+    [[nodiscard]] std::optional<size_t> changeAt(QPointF place) const;
 
     TextView &m_client;
     const Theme *m_theme;
     QFont m_editorFont;
     CurrentLine m_current = CurrentLine::highlighted;
     std::optional<Numbers> m_numbers;
+    Changes m_changes;
+    bool m_isPressingChange = false;
     int m_thickness = 0;
     /// That the thickness has room for.
     qsizetype m_digits = 0;

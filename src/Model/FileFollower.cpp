@@ -19,6 +19,11 @@ void FileFollower::follow(const QString &path, const std::optional<FileStamp> &k
     }
 }
 
+std::optional<Rope> FileFollower::savedText() const
+{
+    return m_path.isEmpty() || m_isNew ? std::nullopt : m_services.saved.text();
+}
+
 void FileFollower::agreeOn(const std::optional<FileState> &state, const std::shared_ptr<const ReadPosition> &position)
 {
     m_state = state;

@@ -59,6 +59,8 @@ public:
     [[nodiscard]] const std::optional<FileState> &state() const { return m_state; }
     /// Whoever made the file keeps it from everybody else, as keys, passwords and what is edited of them are kept.
     [[nodiscard]] bool isPrivate() const { return m_state && (m_state->mode & 077) == 0; }
+    /// The text that the file is known to have; none where there is no file.
+    [[nodiscard]] std::optional<Rope> savedText() const;
     /// The text of the document is that of the file in this state; with a `position` as it is now, letter by letter.
     void agreeOn(const std::optional<FileState> &state, const std::shared_ptr<const ReadPosition> &position = nullptr);
     /// The user is shown that the file differs from the text. From then on saving may write over it as it is `shown`.

@@ -16,16 +16,11 @@ void SavedText::set(const Rope &text, std::optional<quint64> hash)
     m_comparison.cancel();
     m_hashing.cancel();
     m_isNone = false;
-    m_length = text.length();
+    m_isUnwritten = false;
+    m_text = text;
     m_hash = hash;
-    m_unhashed = {};
-    if (hash) {
-        return;
-    }
-    if (text.length() < largeText) {
+    if (!hash && text.length() < largeText) {
         m_hash = textHash(text);
-    } else {
-        m_unhashed = text;
     }
 }
 
@@ -38,10 +33,10 @@ void SavedText::compareSoon()
 std::optional<bool> SavedText::isSaved() const
 {
     // A letter more or less answers without a look at the text.
-    if (m_isNone || m_storage.length() != m_length) {
+    if (m_isNone || m_storage.length() != m_text.length()) {
         return false;
     }
-    return m_hash && m_length < largeText ? std::optional(isSaved(textHash(m_storage.text()))) : std::nullopt;
+    return m_hash && m_text.length() < largeText ? std::optional(isSaved(textHash(m_storage.text()))) : std::nullopt;
 }
 
 void SavedText::compare()
@@ -69,10 +64,9 @@ void SavedText::hashSaved()
         return;
     }
     m_hashing = BackgroundTask::start(
-        m_workers, [text = m_unhashed](const std::stop_token &stop) { return textHash(text, stop); },
+        m_workers, [text = m_text](const std::stop_token &stop) { return textHash(text, stop); },
         [this](std::optional<quint64> hash) {
             m_hash = hash;
-            m_unhashed = {};
             compare();
         });
 }

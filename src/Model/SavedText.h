@@ -9,7 +9,7 @@
 #include <functional>
 #include <optional>
 
-/// The text that stands in a document's file, known by length and hash, and whether the document's own is that text. A large one is hashed
+/// The text that stands in a document's file, with its hash, and whether the document's own is that text. A large one is hashed
 /// on a worker from a snapshot, and the answer counts only if nothing was typed meanwhile: no key waits for a pass over the text. Main
 /// thread only.
 class SavedText final {
@@ -27,6 +27,10 @@ public:
     [[nodiscard]] std::optional<quint64> hash() const { return m_isNone ? std::nullopt : m_hash; }
     /// The file is gone, so no text is a saved one.
     void setNone() { m_isNone = true; }
+    /// What was set last stands in no file, though it counts as saved.
+    void setUnwritten() { m_isUnwritten = true; }
+    /// None where no file is known to have one. O(1): it shares its leaves with the document's as far as they are the same.
+    [[nodiscard]] std::optional<Rope> text() const { return m_isNone || m_isUnwritten ? std::nullopt : std::optional(m_text); }
     /// Compares when nobody has asked again for `comparisonDelay`.
     void compareSoon();
     /// `compared` is still to be called.
@@ -44,11 +48,11 @@ private:
     Scheduler &m_scheduler;
     Workers &m_workers;
     std::function<void(bool)> m_compared;
-    qsizetype m_length = 0;
-    /// None until a large text has been hashed, which is kept until then.
+    Rope m_text;
+    /// None until a large text has been hashed.
     std::optional<quint64> m_hash;
-    Rope m_unhashed;
     bool m_isNone = false;
+    bool m_isUnwritten = false;
     DelayedTask m_soon;
     BackgroundTask m_hashing;
     BackgroundTask m_comparison;

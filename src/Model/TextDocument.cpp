@@ -128,6 +128,7 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
 {
     std::unique_ptr<TextDocument> document(new TextDocument(services, path, QDir::cleanPath(path), contents, id));
     document->m_isDraft = true;
+    document->m_savedText.setUnwritten();
     document->m_follower.follow(path, std::nullopt);
     if (!path.isEmpty()) {
         struct Found {

@@ -1,0 +1,176 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Editor/ChangeNavigator.h"
+
+#include "Base/Translation.h"
+#include "Editor/EditorTextView.h"
+#include "Model/TextDocument.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+/// Between the panel and the edges of the text.
+constexpr int sideMargin = 12;
+
+QString titleOf(LineChange::Kind kind)
+{
+    switch (kind) {
+    case LineChange::Kind::added:
+        return localized(u"Added since the last save");
+    case LineChange::Kind::modified:
+        return localized(u"Changed since the last save");
+    case LineChange::Kind::deleted:
+        break;
+    }
+    return localized(u"Deleted since the last save");
+}
+
+} // namespace
+
+ChangeNavigator::ChangeNavigator(EditorTextView &view, TextDocument &document, const Services &services, QObject *parent)
+    : QObject(parent), m_view(view), m_document(document), m_services(services), m_marks(new ChangeMarks(document, services.marks, this)),
+      m_theme(&Theme::light())
+{
+    view.ruler().setChanges([marks = m_marks] { return marks->changes(); });
+    connect(m_marks, &ChangeMarks::changed, &view.ruler(), qOverload<>(&QWidget::update));
+    connect(&view.ruler(), &LineNumberRulerView::changeClicked, this, [this](size_t index) {
+        const auto changes = m_marks->changes();
+        if (m_panel && index < changes.size() && changes[index] == m_shown) {
+            close();
+        } else {
+            open(index);
+        }
+    });
+    // What it shows is a change between two texts that are no longer these.
+    connect(&document.storage(), &TextStorage::changed, this, &ChangeNavigator::close);
+    connect(m_marks, &ChangeMarks::changed, this, &ChangeNavigator::close);
+    connect(&view, &TextView::visibleRowsChanged, this, &ChangeNavigator::place);
+}
+
+ChangeNavigator::~ChangeNavigator()
+{
+    delete m_panel;
+}
+
+ChangeNavigator::CaretLine ChangeNavigator::caretLine() const
+{
+    const Rope &text = m_view.storage().text();
+    const qsizetype line = text.lineAt(m_view.selection().caret);
+    const qsizetype start = text.lineStart(line);
+    return {start, line + 1 < text.lineCount() ? start : text.length()};
+}
+
+void ChangeNavigator::goToNext()
+{
+    goTo(LineChanges::next(m_marks->changes(), caretLine().start), 0);
+}
+
+void ChangeNavigator::goToPrevious()
+{
+    goTo(LineChanges::previous(m_marks->changes(), caretLine().start), m_marks->changes().size() - 1);
+}
+
+void ChangeNavigator::goTo(std::optional<size_t> wanted, size_t otherwise)
+{
+    const auto changes = m_marks->changes();
+    if (changes.empty()) {
+        m_services.beep();
+        return;
+    }
+    const size_t index = wanted.value_or(otherwise);
+    const LineChange change = changes[index];
+    m_view.setSelection(TextSelection::at(change.range.location), TextView::Reveal::nearest);
+    m_view.showIndicator(change.range);
+    if (m_panel) {
+        open(index);
+    }
+}
+
+void ChangeNavigator::showChange()
+{
+    const CaretLine line = caretLine();
+    if (const auto index = LineChanges::at(m_marks->changes(), line.start, line.end)) {
+        open(*index);
+    } else {
+        m_services.beep();
+    }
+}
+
+void ChangeNavigator::open(size_t index)
+{
+    const auto changes = m_marks->changes();
+    if (index >= changes.size() || !m_marks->areCurrent()) {
+        m_services.beep();
+        return;
+    }
+    m_shown = changes[index];
+    if (!m_panel) {
+        m_panel = new ChangePanel({m_services.marks.scheduler, m_services.pasteboard}, m_view.textFont(), m_view.parentWidget());
+        connect(m_panel, &ChangePanel::restoreWanted, this, &ChangeNavigator::restore);
+        connect(m_panel, &ChangePanel::closeWanted, this, &ChangeNavigator::close);
+    }
+    m_panel->applyTheme(*m_theme);
+    m_panel->setChange(titleOf(m_shown.kind), m_shown.kind, m_marks->base(), m_shown.baseRange);
+    m_panel->setRestorable(!m_view.isReadOnly());
+    place();
+    m_panel->show();
+    m_panel->raise();
+    m_panel->setFocusToButtons();
+}
+
+void ChangeNavigator::close()
+{
+    ChangePanel *closed = m_panel;
+    m_panel.clear();
+    if (!closed) {
+        return;
+    }
+    if (closed->isAncestorOf(m_view.window()->focusWidget())) {
+        m_view.setFocus();
+    }
+    closed->hide();
+    closed->deleteLater(); // one of its buttons may be what led here
+}
+
+/// Below the lines; above them where there is no room, and never out of sight.
+void ChangeNavigator::place()
+{
+    if (!m_panel) {
+        return;
+    }
+    const QRect port(m_view.viewport()->mapTo(m_view.parentWidget(), QPoint()), m_view.viewport()->size());
+    const int height = std::min(m_panel->wantedHeight(), port.height());
+    Viewport &rows = m_view.textViewport();
+    LayoutManager &layout = m_view.layoutManager();
+    const qsizetype end = std::max(m_shown.range.end() - 1, m_shown.range.location);
+    const auto top = rows.topOf(layout.rowOf(m_shown.range.location));
+    const auto last = rows.topOf(layout.rowOf(end));
+    const int below = last ? int(*last + (m_shown.range.isEmpty() ? 0 : layout.rowHeight())) : port.height();
+    int y = below;
+    if (below + height > port.height() && top && *top - height >= 0) {
+        y = int(*top) - height;
+    }
+    y = std::clamp(y, 0, port.height() - height);
+    m_panel->setGeometry(port.left() + sideMargin, port.top() + y, std::max(port.width() - 2 * sideMargin, 1), height);
+}
+
+void ChangeNavigator::restore()
+{
+    const LineChange change = m_shown;
+    if (!m_marks->areCurrent()) {
+        return;
+    }
+    const TextEdits edits = LineChanges::restoring(change, m_view.storage().text(), m_marks->base());
+    const qsizetype length = m_view.storage().length() + edits.growth();
+    m_view.apply(edits, GroupKind::other, TextSelection::at(std::min(change.range.location, length)));
+}
+
+void ChangeNavigator::applyTheme(const Theme &theme)
+{
+    m_theme = &theme;
+    if (m_panel) {
+        m_panel->applyTheme(theme);
+    }
+}
