@@ -12,6 +12,7 @@
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentStore.h"
 #include "Model/RecentDocuments.h"
+#include "Session/ClosedTabs.h"
 #include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
@@ -117,12 +118,14 @@ public:
     TextDocument *document = nullptr;
     RecordingDesktop desktop;
     RecentDocuments recent{QString(), workers};
+    ClosedTabs closedTabs{notifications, preferences, store, session};
     AppDelegate application{{{scheduler, notifications, preferences, pasteboard, presenter, store, workers, find, registers, keyboard},
                              defaults,
                              desktop,
                              session,
                              keeper,
-                             recent}};
+                             recent,
+                             closedTabs}};
     EditorViewController *editor = nullptr;
 
 private:
