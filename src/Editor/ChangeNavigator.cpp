@@ -141,7 +141,8 @@ void ChangeNavigator::place()
         return;
     }
     const QRect port(m_view.viewport()->mapTo(m_view.parentWidget(), QPoint()), m_view.viewport()->size());
-    const int height = std::min(m_panel->wantedHeight(), port.height());
+    const int width = std::max(port.width() - 2 * sideMargin, 1);
+    const int height = std::min(m_panel->wantedHeight(width), port.height());
     Viewport &rows = m_view.textViewport();
     LayoutManager &layout = m_view.layoutManager();
     const qsizetype end = std::max(m_shown.range.end() - 1, m_shown.range.location);
@@ -153,7 +154,7 @@ void ChangeNavigator::place()
         y = int(*top) - height;
     }
     y = std::clamp(y, 0, port.height() - height);
-    m_panel->setGeometry(port.left() + sideMargin, port.top() + y, std::max(port.width() - 2 * sideMargin, 1), height);
+    m_panel->setGeometry(port.left() + sideMargin, port.top() + y, width, height);
 }
 
 void ChangeNavigator::restore()

@@ -121,7 +121,7 @@ void ChangePanel::setFocusToButtons()
     wanted->setFocus(Qt::OtherFocusReason);
 }
 
-int ChangePanel::wantedHeight() const
+int ChangePanel::wantedHeight(int width) const
 {
     const int header = m_header->sizeHint().height() + 2;
     if (m_lines->isHidden()) {
@@ -131,7 +131,7 @@ int ChangePanel::wantedHeight() const
     const double insets = 2 * m_lines->textViewport().insets().vertical;
     // The bar below long lines may not make one at the side needed.
     const double longest = double(m_storage.text().longestLine()) * m_lines->layoutManager().cellWidth();
-    const bool mayScroll = longest > m_lines->width() - 2 * m_lines->ruler().thickness();
+    const bool mayScroll = longest > width - 2 * m_lines->ruler().thickness();
     const int bar = mayScroll ? m_lines->horizontalScrollBar()->sizeHint().height() : 0;
     return header + bar + slack + int(std::ceil(double(rows) * m_lines->layoutManager().rowHeight() + insets));
 }

@@ -30,8 +30,8 @@ public:
     void setRestorable(bool isRestorable);
     void applyTheme(const Theme &theme);
     void setFocusToButtons();
-    /// Pixels that it wants.
-    [[nodiscard]] int wantedHeight() const;
+    /// Pixels that it wants when it is so wide.
+    [[nodiscard]] int wantedHeight(int width) const;
 
 signals:
     void restoreWanted();
