@@ -35,13 +35,14 @@ public:
     void setMarking(bool isMarking);
     /// Selects the next one, after the last the first.
     void goToNext();
+    /// What is marked in a stretch that is seen, ascending.
+    [[nodiscard]] std::vector<TextRange> occurrencesIn(TextRange seen);
 
 private:
     void update();
     void mark(const QString &word);
     /// The word at the caret, or the selection if that is one; empty for none.
     [[nodiscard]] TextRange word() const;
-    [[nodiscard]] std::vector<TextRange> occurrencesIn(TextRange seen);
 
     TextView &m_view;
     Services m_services;

@@ -22,6 +22,25 @@
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
+namespace {
+
+TextView::Colors colorsOf(const QPalette &palette)
+{
+    TextView::Colors colors = {.background = palette.color(QPalette::Base),
+                               .text = palette.color(QPalette::Text),
+                               .selection = palette.color(QPalette::Highlight),
+                               .caret = palette.color(QPalette::Text),
+                               .currentLine = {},
+                               .invisibles = palette.color(QPalette::PlaceholderText),
+                               .mark = {}};
+    // Text keeps its colours on a selection, so the selection must stay near the background.
+    colors.selection.setAlphaF(0.35F);
+    colors.mark = colors.selection;
+    return colors;
+}
+
+} // namespace
+
 TextView::TextView(TextStorage &storage, UndoManager &undoManager, Services services, const QFont &font, QWidget *parent)
     : QAbstractScrollArea(parent), m_storage(storage), m_undoManager(undoManager), m_services(services),
       m_layout(storage, {.font = font, .tabWidth = 4, .wrapWidth = {}, .devicePixelRatio = devicePixelRatioF()})
@@ -34,9 +53,12 @@ TextView::TextView(TextStorage &storage, UndoManager &undoManager, Services serv
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     viewport()->setCursor(Qt::IBeamCursor);
     setAcceptDrops(true);
-    applyPaletteColors();
+    m_painter.looks.colors = colorsOf(palette());
     connect(&storage, &TextStorage::changed, this, &TextView::storageChanged);
-    connect(&storage, &TextStorage::stylesChanged, this, &TextView::storageStylesChanged);
+    connect(&storage, &TextStorage::stylesChanged, this, [this](const std::vector<TextRange> &ranges) {
+        m_layout.stylesChanged(ranges);
+        m_repaint.styles(ranges);
+    });
 }
 
 TextView::~TextView() = default;
@@ -72,7 +94,8 @@ const ActionRow *TextView::actionFor(const Action &wanted) const
         action<&TextView::redo, canRedo>(Actions::redo),
         action<&TextView::cut, canCut>(Actions::cut),
         action<&TextView::copy, hasSelection>(Actions::copy),
-        action<&TextView::paste, &TextView::canPaste>(Actions::paste),
+        action<&TextView::paste, [](const TextView &view) { return !view.isReadOnly() && view.m_services.pasteboard.hasText(); }>(
+            Actions::paste),
         action<&TextView::deleteSelection, canCut>(Actions::deleteSelection),
         action<&TextView::selectAll>(Actions::selectAll),
         action<&TextView::centerSelection>(Actions::centerSelection),
@@ -81,11 +104,6 @@ const ActionRow *TextView::actionFor(const Action &wanted) const
         action<&TextView::splitSelectionIntoLines, hasSelection>(Actions::splitSelectionIntoLines),
     });
     return findAction(rows, wanted);
-}
-
-bool TextView::canPaste() const
-{
-    return !isReadOnly() && m_services.pasteboard.hasText();
 }
 
 // Settings
@@ -146,23 +164,6 @@ void TextView::setWrapMode(WrapMode mode)
     applySettings(settingsForViewport());
 }
 
-void TextView::applyPaletteColors()
-{
-    const QPalette &shown = palette();
-    Colors &colors = m_painter.looks.colors;
-    colors = {.background = shown.color(QPalette::Base),
-              .text = shown.color(QPalette::Text),
-              .selection = shown.color(QPalette::Highlight),
-              .caret = shown.color(QPalette::Text),
-              .currentLine = {},
-              .invisibles = shown.color(QPalette::PlaceholderText),
-              .mark = {}};
-    // Text keeps its colours on a selection, so the selection must stay near the background.
-    colors.selection.setAlphaF(0.35F);
-    colors.mark = colors.selection;
-    viewport()->update();
-}
-
 void TextView::setColors(const Colors &colors)
 {
     m_followsPalette = false;
@@ -179,7 +180,7 @@ void TextView::setAccess(Access access)
 
 void TextView::showIndicator(TextRange range)
 {
-    m_painter.indicator.show(range.clampedTo(m_storage.length()), m_services.scheduler, [this](TextRange shown) { updateRows(shown); });
+    m_painter.indicator.show(range.clampedTo(m_storage.length()), m_services.scheduler, [this](TextRange shown) { m_repaint.rows(shown); });
 }
 
 // Editing
@@ -217,13 +218,6 @@ void TextView::typeText(QStringView text)
     run(CaretEditing::typed(selections(), Rope(text)), GroupKind::typing);
 }
 
-void TextView::removeRange(TextRange range, GroupKind kind)
-{
-    if (!range.isEmpty()) {
-        apply({range, Rope()}, kind, TextSelection::at(range.location));
-    }
-}
-
 // Following the storage
 
 void TextView::storageChanged(const TextChange &change)
@@ -244,49 +238,13 @@ void TextView::storageChanged(const TextChange &change)
     if (m_port.settle() || hadSeveral) {
         viewport()->update();
     }
-    updateForChange(change);
+    m_repaint.change(change);
     TextViewAccessible::reportChange(*this, change);
     viewMoved();
     if (!m_isEditing && selection() != before) {
         TextViewAccessible::reportSelection(*this, before);
         emit selectionChanged();
     }
-}
-
-void TextView::updateForChange(const TextChange &change)
-{
-    const TextRange first = change.edits.newRange(0);
-    if (change.edits.count() == 1 && !m_layout.wraps() && change.isWithinLines()) {
-        updateRows(first);
-        return;
-    }
-    const auto top = m_port.topOf(m_layout.rowOf(change.after.lineStart(change.after.lineAt(first.location))));
-    viewport()->update(0, static_cast<int>(std::floor(top.value_or(0))), viewport()->width(), viewport()->height());
-}
-
-void TextView::storageStylesChanged(const std::vector<TextRange> &ranges)
-{
-    m_layout.stylesChanged(ranges);
-    const TextRange visible = TextRange::between(m_port.anchor(), m_layout.rangeOf(m_port.rowAt(viewport()->height()).row).end());
-    for (const TextRange range : ranges) {
-        if (range.touches(visible)) {
-            updateRows(range.intersected(visible));
-        }
-    }
-}
-
-void TextView::updateRows(TextRange range)
-{
-    const double height = m_layout.rowHeight();
-    const Viewport::VisibleRow end = m_port.rowAt(viewport()->height());
-    const auto first = m_port.topOf(m_layout.rowOf(range.location));
-    const auto last = m_port.topOf(m_layout.rowOf(std::min(range.end(), m_storage.length())));
-    if (!first && !last && range.location > m_layout.rangeOf(end.row).end()) {
-        return;
-    }
-    const double top = first.value_or(0);
-    const double bottom = last ? *last + height : viewport()->height();
-    viewport()->update(QRectF(0, top, viewport()->width(), bottom - top).toAlignedRect());
 }
 
 // Selection
@@ -316,7 +274,7 @@ void TextView::setCarets(const Selections &wanted)
     if (hadSeveral || !wanted.isSingle()) {
         viewport()->update();
     } else {
-        updateSelected(before);
+        m_repaint.selection(before);
     }
     m_caret.repaint();
     if (hasFocus()) {
@@ -330,23 +288,6 @@ void TextView::setCarets(const Selections &wanted)
 }
 
 /// Rows between the old and the new ends change their look; with no selection at all only the carets do.
-void TextView::updateSelected(TextSelection before)
-{
-    if (!before.isEmpty() || !selection().isEmpty()) {
-        const auto changed = [this](qsizetype a, qsizetype b) {
-            if (a != b) {
-                updateRows(TextRange::spanning(a, b).clampedTo(m_storage.length()));
-            }
-        };
-        if (before.anchor == m_caret.anchor()) {
-            changed(before.caret, m_caret.place().offset);
-        } else {
-            changed(before.anchor, before.caret);
-            changed(m_caret.anchor(), m_caret.place().offset);
-        }
-    }
-}
-
 void TextView::setSelection(const Selections &wanted, Reveal reveal)
 {
     std::vector<CaretSelection> all(wanted.begin(), wanted.end());
@@ -487,7 +428,7 @@ void TextView::selectAll()
 {
     m_input.commit();
     m_undoManager.breakCoalescing();
-    setCaret({m_storage.length(), Affinity::downstream, {}}, 0);
+    setCarets(Selections(CaretSelection{.caret = {m_storage.length(), Affinity::downstream, {}}, .anchor = 0}));
 }
 
 // Several carets
@@ -545,7 +486,8 @@ void TextView::changeEvent(QEvent *event)
 {
     QAbstractScrollArea::changeEvent(event);
     if (event->type() == QEvent::PaletteChange && m_followsPalette) {
-        applyPaletteColors();
+        m_painter.looks.colors = colorsOf(palette());
+        viewport()->update();
     }
 }
 

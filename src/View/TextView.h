@@ -11,6 +11,7 @@
 #include "View/TextViewInput.h"
 #include "View/TextViewPainter.h"
 #include "View/TextViewPointer.h"
+#include "View/TextViewRepaint.h"
 #include "View/TextViewScroller.h"
 #include "View/Viewport.h"
 
@@ -64,11 +65,6 @@ public:
     {
         m_painter.looks.*look = std::move(value);
         viewport()->update();
-    }
-    template<class Look>
-    [[nodiscard]] const Look &look(Look TextLooks::*look) const
-    {
-        return m_painter.looks.*look;
     }
     void setAccess(Access access);
     [[nodiscard]] bool isReadOnly() const { return m_access == Access::readOnly; }
@@ -175,29 +171,19 @@ private:
     friend class TextViewInput;
     friend class TextViewPointer;
 
-    [[nodiscard]] bool canPaste() const;
     /// What is at the same height before and after.
     enum class Kept { topRow, caretIfSeen };
     void applySettings(LayoutManager::Settings settings, Kept kept = Kept::topRow);
     [[nodiscard]] LayoutManager::Settings settingsForViewport() const;
     void replay(std::optional<Selections> (UndoManager::*step)());
     void storageChanged(const TextChange &change);
-    void storageStylesChanged(const std::vector<TextRange> &ranges);
-    void updateForChange(const TextChange &change);
-    void setCaret(const Caret &caret, qsizetype anchor) { setCarets(Selections(CaretSelection{.caret = caret, .anchor = anchor})); }
     void setCarets(const Selections &selections);
-    void updateSelected(TextSelection before);
     void viewMoved();
-    void updateRows(TextRange range);
-    void applyPaletteColors();
 
     void centerSelection() { revealCaret(Reveal::center); }
 
     struct KeyCommand;
     [[nodiscard]] static const KeyCommand *commandFor(const QKeyEvent &event);
-    /// Escape leaves only the primary one of several.
-    [[nodiscard]] bool givesUpCarets(const QKeyEvent &event) const;
-    void removeRange(TextRange range, GroupKind kind);
 
     TextStorage &m_storage;
     UndoManager &m_undoManager;
@@ -211,6 +197,7 @@ private:
     TextViewScroller m_scroller{*this, m_layout, m_port, m_services.scheduler};
     TextViewPointer m_pointer{*this};
     TextViewInput m_input{*this};
+    TextViewRepaint m_repaint{*this};
 
     TextViewCaret m_caret{*this};
     // The change under way is this view's, which will say itself where its caret goes.

@@ -127,19 +127,20 @@ bool isTextInput(const QKeyEvent &event)
     return !isChord && first.isPrint();
 }
 
-} // namespace
-
-bool TextView::givesUpCarets(const QKeyEvent &event) const
+/// Escape leaves only the primary one of several carets.
+bool givesUpCarets(const QKeyEvent &event, const Selections &selections)
 {
-    return event.key() == Qt::Key_Escape && event.modifiers() == Qt::NoModifier && !selections().isSingle();
+    return event.key() == Qt::Key_Escape && event.modifiers() == Qt::NoModifier && !selections.isSingle();
 }
+
+} // namespace
 
 bool TextView::event(QEvent *event)
 {
     if (event->type() == QEvent::ShortcutOverride) {
         // Claimed: what the text takes. All else is left to the shortcuts of the window, and so is what may be AltGr but mostly is not.
         const auto &key = static_cast<const QKeyEvent &>(*event);
-        if (commandFor(key) || givesUpCarets(key) || (isTextInput(key) && !hasControlAndAlt(key) && !isReadOnly())) {
+        if (commandFor(key) || givesUpCarets(key, selections()) || (isTextInput(key) && !hasControlAndAlt(key) && !isReadOnly())) {
             event->accept();
             return true;
         }
@@ -153,7 +154,7 @@ void TextView::keyPressEvent(QKeyEvent *event)
     if (m_input.isCancelledBy(*event)) {
         return;
     }
-    if (givesUpCarets(*event)) {
+    if (givesUpCarets(*event, selections())) {
         setSelection(selection(), Reveal::nearest);
         return;
     }

@@ -358,7 +358,7 @@ void TextViewPointer::release(QMouseEvent &event)
         if (event.modifiers() == Qt::ControlModifier) {
             addOrRemove(caret);
         } else {
-            m_view.setCaret(caret, caret.offset);
+            m_view.setCarets(Selections(CaretSelection{.caret = caret, .anchor = caret.offset}));
         }
     }
     endSelecting();
@@ -446,7 +446,7 @@ void TextViewPointer::startDrag()
         return;
     }
     if (done == Qt::MoveAction && !m_dragged.isEmpty()) {
-        m_view.removeRange(m_dragged, GroupKind::other);
+        m_view.apply({m_dragged, Rope()}, GroupKind::other, TextSelection::at(m_dragged.location));
     }
     m_dragged = {};
 }

@@ -6,7 +6,6 @@
 #include "Controls.h"
 #include "Editor/BracketMarker.h"
 #include "Editor/LineNumberRulerView.h"
-#include "Editor/OccurrenceMarker.h"
 #include "Editor/OutOfSightHint.h"
 #include "Editor/SpellingController.h"
 #include "Editor/SpellingPanel.h"
@@ -365,31 +364,4 @@ TEST_F(EditorTest, MarksTheOtherBracketWhereverItIs)
     EXPECT_EQ(hint(), u"Line 1: int main() {"_s);
     sendKeys(view, u"<Up>"_s);
     EXPECT_EQ(hint(), QString());
-}
-
-TEST_F(EditorTest, MarksTheWordAtTheCaretElsewhere)
-{
-    TextDocument &text = document(u"word words sword word_ Word\nword (word)\n"_s);
-    const auto editor = open(text);
-    EditorTextView &view = editor->textView();
-    const auto marked = [&view, &text] {
-        QStringList found;
-        for (const TextRange range : view.look (&TextLooks::occurrences)({0, text.storage().length()})) {
-            found << QString::number(range.location);
-        }
-        return found.join(u' ');
-    };
-    view.setSelection(TextSelection::at(4));
-    EXPECT_EQ(marked(), QString());
-    pass(2 * OccurrenceMarker::restTime);
-    EXPECT_EQ(marked(), u"28 34"_s);
-    sendKeys(view, u"s"_s);
-    EXPECT_EQ(marked(), QString());
-    pass(2 * OccurrenceMarker::restTime);
-    EXPECT_EQ(marked(), u"6"_s);
-    EXPECT_TRUE(view.perform(Actions::goToNextOccurrence));
-    pass(2 * OccurrenceMarker::restTime);
-    EXPECT_EQ(view.selection(), (TextSelection{6, 11}));
-    preferences.set(Settings::markOccurrences, false);
-    EXPECT_EQ(marked(), QString());
 }

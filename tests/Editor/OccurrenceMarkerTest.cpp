@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Editor/OccurrenceMarker.h"
+
+#include "EditorFixture.h"
+#include "HeldWorkers.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class OccurrenceMarkerTest : public testing::Test, protected EditorFixture {
+protected:
+    OccurrenceMarkerTest() : EditorFixture(u"word| words sword word_ Word\nword (word)\n"_s) { marker.setMarking(true); }
+
+    [[nodiscard]] QString marked()
+    {
+        QStringList found;
+        for (const TextRange range : marker.occurrencesIn({0, storage.length()})) {
+            found << QString::number(range.location);
+        }
+        return found.join(u' ');
+    }
+    void rest() { scheduler.advance(OccurrenceMarker::restTime); }
+
+    HeldWorkers workers{HeldWorkers::Mode::atOnce};
+    OccurrenceMarker marker{view, {scheduler, workers, [this] { ++beeps; }}};
+};
+
+} // namespace
+
+TEST_F(OccurrenceMarkerTest, MarksTheWordAtTheCaretElsewhere)
+{
+    EXPECT_EQ(marked(), QString());
+    rest();
+    EXPECT_EQ(marked(), u"28 34"_s);
+    sendKeys(view, u"s"_s);
+    EXPECT_EQ(marked(), QString()) << "another word";
+    rest();
+    EXPECT_EQ(marked(), u"6"_s);
+    marker.goToNext();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(view.selection(), (TextSelection{6, 11}));
+    marker.goToNext();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(view.selection(), (TextSelection{0, 5})) << "after the last comes the first";
+    marker.setMarking(false);
+    EXPECT_EQ(marked(), QString());
+    sendKeys(view, u"<C-End>"_s);
+    marker.goToNext();
+    EXPECT_EQ(beeps, 1);
+}
