@@ -84,7 +84,7 @@ TextRange nothing(const Rope & /*text*/, TextRange selection)
 }
 
 /// A command for each of several selections; one that would change again what was changed for another does nothing.
-std::optional<CaretStep> atEach(const Rope &text, const Selections &selections, const CaretEditing::LineCommand &command)
+std::optional<CaretStep> atEach(const Selections &selections, const CaretEditing::LineCommand &command)
 {
     CaretStep result;
     std::vector<CaretSelection> after;
@@ -172,9 +172,9 @@ std::optional<CaretStep> LineCommands::Row::step(const Rope &text, const Selecti
     case Scope::movedLines:
         return CaretEditing::atLines(text, selections, run, CaretEditing::Places::withLines);
     case Scope::letters:
-        return atEach(text, selections, run);
+        return atEach(selections, run);
     case Scope::text:
-        return atEach(text, Selections(selections.primary()), run);
+        return atEach(Selections(selections.primary()), run);
     }
     Q_UNREACHABLE();
 }

@@ -93,10 +93,10 @@ DocumentFile::ReadResult DocumentFile::read(const QString &path, const ReadAs &a
                                             const std::stop_token &stop)
 {
     auto contents = as.forced ? TextFile::read(path, as.forced, files) : TextFile::readRemembered(path, as.remembered, files);
-    return std::move(contents).map([&](TextFile::Contents contents) {
-        TextEdits difference = TextEdits::difference(current.text, contents.text);
-        const auto hash = textHash(contents.text, stop);
-        return Reading{.contents = std::move(contents), .difference = std::move(difference), .revision = current.revision, .hash = hash};
+    return std::move(contents).map([&](TextFile::Contents read) {
+        TextEdits difference = TextEdits::difference(current.text, read.text);
+        const auto hash = textHash(read.text, stop);
+        return Reading{.contents = std::move(read), .difference = std::move(difference), .revision = current.revision, .hash = hash};
     });
 }
 

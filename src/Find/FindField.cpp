@@ -87,9 +87,9 @@ void FindField::setText(const QString &text)
 
 QMimeData *FindField::createMimeDataFromSelection() const
 {
-    auto *data = new QMimeData;
-    data->setText(textCursor().selectedText().replace(QChar::ParagraphSeparator, QChar::LineFeed));
-    return data;
+    auto *content = new QMimeData;
+    content->setText(textCursor().selectedText().replace(QChar::ParagraphSeparator, QChar::LineFeed));
+    return content;
 }
 
 void FindField::setNote(const QString &note, const QString &explanation, Saying saying)

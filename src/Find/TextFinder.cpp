@@ -36,8 +36,8 @@ std::shared_ptr<TextSearcher> copyOf(const TextSearcher &searcher)
 } // namespace
 
 TextFinder::TextFinder(TextView &view, Services services, QObject *parent)
-    : QObject(parent), m_view(&view), m_services(std::move(services)), m_searched(std::make_shared<std::atomic<qsizetype>>(0)),
-      m_chosen(view.selection().range()), m_origin(view.selection()), m_seenRevision(view.storage().revision())
+    : QObject(parent), m_view(&view), m_services(std::move(services)), m_chosen(view.selection().range()),
+      m_searched(std::make_shared<std::atomic<qsizetype>>(0)), m_origin(view.selection()), m_seenRevision(view.storage().revision())
 {
     connect(&view.storage(), &TextStorage::changed, this, &TextFinder::storageChanged);
     connect(&view, &TextView::selectionChanged, this, &TextFinder::selectionChanged);

@@ -81,7 +81,7 @@ TEST(LineChangesTest, RestoresOneChangeAndNoOther)
     for (int round = 0; round < 2000; ++round) {
         const auto lines = [&random] {
             QString text;
-            for (unsigned count = random() % 6; count > 0; --count) {
+            for (auto count = random() % 6; count > 0; --count) {
                 text += QChar(char16_t(u'a' + random() % 3)) + u"\n"_s;
             }
             return random() % 3 == 0 ? text.chopped(std::min<qsizetype>(text.size(), 1)) : text;
