@@ -265,8 +265,8 @@ inline constexpr auto file = std::to_array<MenuRow>({
     exportAsHtml,
 });
 
-inline constexpr auto findRows =
-    std::to_array<MenuRow>({find, findAndReplace, findNext, findPrevious, useSelectionForFind, line, centerSelection, line, clearFindHistory});
+inline constexpr auto findRows = std::to_array<MenuRow>(
+    {find, findAndReplace, findNext, findPrevious, useSelectionForFind, line, centerSelection, line, clearFindHistory});
 inline constexpr MenuLayout finding{u"Find", findRows};
 inline constexpr auto caretRows = std::to_array<MenuRow>(
     {selectNextOccurrence, skipOccurrence, selectAllOccurrences, line, addCaretAbove, addCaretBelow, splitSelectionIntoLines});

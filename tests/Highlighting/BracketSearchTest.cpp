@@ -29,8 +29,8 @@ TEST(BracketSearch, FindsThePartnerAmongItsOwnKind)
 {
     // The bracket before "|" or behind it, and its partner "^"; none where there is no "^".
     for (const QString &marked : {u"|(a[(b)]^)"_s, u"(|a[(b)]^)"_s, u"^(a[(b)])|"_s, u"(a^[(b)|])"_s, u"|{ (] ^}"_s, u"|(("_s, u"a|]"_s,
-                                 u"if |(a == ')' /* ) */ ^) // )"_s, u"|{ \"}}\" ^}"_s, u"x = \"a |(b\" ) + \"c ^)\";"_s,
-                                 u"/* |( */ ) // ^)"_s, u"\"\\\"|( \\\\ ^)\""_s}) {
+                                  u"if |(a == ')' /* ) */ ^) // )"_s, u"|{ \"}}\" ^}"_s, u"x = \"a |(b\" ) + \"c ^)\";"_s,
+                                  u"/* |( */ ) // ^)"_s, u"\"\\\"|( \\\\ ^)\""_s}) {
         QString code = marked;
         const qsizetype caretMark = code.indexOf(u'|');
         const qsizetype partnerMark = code.indexOf(u'^');

@@ -92,8 +92,8 @@ TEST(LineChangesTest, RestoresOneChangeAndNoOther)
         for (size_t index = 0; index < before.size(); ++index) {
             const Rope restored = LineChanges::restoring(before[index], text, base).applied(text);
             ASSERT_LT(changes(base, restored).size(), before.size()) << qPrintable(base.toString()) << "--\n"
-                                                                         << qPrintable(text.toString()) << "--\n"
-                                                                         << qPrintable(restored.toString());
+                                                                     << qPrintable(text.toString()) << "--\n"
+                                                                     << qPrintable(restored.toString());
         }
         Rope all = text;
         for (size_t index = before.size(); index-- > 0;) {
