@@ -60,9 +60,8 @@ struct FindHistory::Writing {
     }
 };
 
-FindHistory::FindHistory(QString file, Workers &workers) : m_workers(&workers)
+FindHistory::FindHistory(QString file, Workers &workers) : m_writing(std::make_shared<Writing>(std::move(file))), m_workers(&workers)
 {
-    m_writing = std::make_shared<Writing>(std::move(file));
     load();
 }
 

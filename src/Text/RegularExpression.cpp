@@ -63,6 +63,16 @@ Error compileError(QStringView pattern, UErrorCode status, const UParseError &wh
         status};
 }
 
+/// What the engine calls while it searches is told that the search belongs to `object` now.
+void moveCallback(URegularExpression *expression, const RegularExpression *object)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    URegexMatchCallback *callback = nullptr;
+    const void *before = nullptr;
+    uregex_getMatchCallback(expression, &callback, &before, &status);
+    uregex_setMatchCallback(expression, callback, object, &status);
+}
+
 } // namespace
 
 std::optional<TextRange> RegularExpression::Match::group(int number) const
@@ -111,8 +121,11 @@ RegularExpression::RegularExpression(URegularExpression *expression, Limits limi
 
 RegularExpression::RegularExpression(RegularExpression &&other) noexcept
     : m_expression(std::exchange(other.m_expression, nullptr)), m_limits(other.m_limits), m_groupCount(other.m_groupCount),
-      m_limitHits(other.m_limitHits), m_isSearching(std::exchange(other.m_isSearching, false))
-{}
+      m_limitHits(other.m_limitHits), m_ticks(other.m_ticks), m_mostTicks(other.m_mostTicks),
+      m_isSearching(std::exchange(other.m_isSearching, false))
+{
+    moveCallback(m_expression, this);
+}
 
 RegularExpression &RegularExpression::operator=(RegularExpression &&other) noexcept
 {
@@ -120,7 +133,10 @@ RegularExpression &RegularExpression::operator=(RegularExpression &&other) noexc
     m_limits = other.m_limits;
     m_groupCount = other.m_groupCount;
     m_limitHits = other.m_limitHits;
+    m_ticks = other.m_ticks;
+    m_mostTicks = other.m_mostTicks;
     m_isSearching = std::exchange(other.m_isSearching, false);
+    moveCallback(m_expression, this);
     return *this;
 }
 
@@ -152,7 +168,7 @@ void RegularExpression::begin(QStringView text, TextRange range, Bounds bounds)
     uregex_useTransparentBounds(m_expression, bounds.areTransparent, &status);
     m_ticks = 0;
     m_mostTicks = m_limits.ticks + int(range.length / std::max(1, m_limits.unitsPerExtraTick));
-    const auto goesOn = [](const void *context, int32_t) -> UBool {
+    const auto goesOn = [](const void *context, int32_t /*ticks*/) -> UBool {
         auto *search = static_cast<RegularExpression *>(const_cast<void *>(context));
         return ++search->m_ticks < search->m_mostTicks;
     };
