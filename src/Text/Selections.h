@@ -7,6 +7,7 @@
 #include <QVarLengthArray>
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 /// Where a caret between two rows of one wrapped line belongs: at the end of the upper or at the start of the lower row.
@@ -43,6 +44,12 @@ public:
     Selections(TextSelection only = {}) : Selections(CaretSelection::of(only)) {} // NOLINT(google-explicit-constructor)
     Selections(qsizetype anchor, qsizetype caret) : Selections(TextSelection{anchor, caret}) {}
     explicit Selections(const CaretSelection &only) : m_all{only} {}
+    Selections(const Selections &) = default;
+    Selections(Selections &&) = default;
+    Selections &operator=(const Selections &) = default;
+    // The array of Qt 6.4 forgets memory of its own when another is moved into it.
+    Selections &operator=(Selections &&other) noexcept { return *this = std::as_const(other); }
+    ~Selections() = default;
     /// `all` in any order, at least one; `primary` is an index of it, or of what it becomes part of. O(n log n), O(n) if they ascend.
     [[nodiscard]] static Selections merged(std::vector<CaretSelection> all, size_t primary);
 
