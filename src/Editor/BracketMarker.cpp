@@ -90,15 +90,19 @@ void BracketMarker::update()
         show(std::nullopt);
         return;
     }
-    const Question<Pair> question = [caret = selection.caret](BracketSearch &search) -> std::optional<Pair> {
-        const auto bracket = search.beside(caret);
-        const auto partner = bracket ? search.partnerOf(*bracket) : std::nullopt;
-        return partner ? std::optional(Pair{*bracket, *partner}) : std::nullopt;
+    const Rope &text = m_view.storage().text();
+    const auto bracket = BracketSearch(text, m_view.language().bracketPairs(), {}, {}).beside(selection.caret);
+    if (!bracket) {
+        show(std::nullopt); // mostly so: nothing has to be laid out or coloured for it
+        return;
+    }
+    const Question<Pair> question = [bracket = *bracket](BracketSearch &search) -> std::optional<Pair> {
+        const auto partner = search.partnerOf(bracket);
+        return partner ? std::optional(Pair{bracket, *partner}) : std::nullopt;
     };
     const auto near = askNear(question);
     show(near);
-    const bool isBeside = askNear<qsizetype>([caret = selection.caret](BracketSearch &search) { return search.beside(caret); }).has_value();
-    if (!near && isBeside) {
+    if (!near) {
         m_soon = m_services.scheduler.after(
             restTime, [this, question] { m_search = askFar<Pair>(question, [this](const std::optional<Pair> &pair) { show(pair); }); });
     }
