@@ -38,10 +38,63 @@ ChangeMarks::ChangeMarks(TextDocument &document, const Services &services, QObje
     : QObject(parent), m_document(document), m_services(services)
 {
     connect(&document.storage(), &TextStorage::changed, this, &ChangeMarks::noteEdit);
-    m_observers.push_back(services.notifications.observe(TextDocument::didChangeMetadata, &document, [this] { compareSoon(); }));
-    m_observers.push_back(services.notifications.observe(TextDocument::didReloadFromDisk, &document, [this] { compareSoon(); }));
-    m_observers.push_back(services.notifications.observe(Preferences::didChange, nullptr, [this] { compareSoon(); }));
+    m_observers.push_back(services.notifications.observe(TextDocument::didChangeMetadata, &document, [this] { noteDocument(); }));
+    m_observers.push_back(services.notifications.observe(TextDocument::didReloadFromDisk, &document, [this] { noteDocument(); }));
+    m_observers.push_back(services.notifications.observe(Preferences::didChange, nullptr, [this] { noteDocument(); }));
+    noteDocument();
+}
+
+void ChangeMarks::noteDocument()
+{
     compareSoon();
+    refreshCommit();
+}
+
+void ChangeMarks::refreshCommit()
+{
+    const QString path = m_document.path();
+    if (path.isEmpty() || !areWanted() || !m_services.preferences.value(Settings::compareWithCommit)) {
+        m_looking.cancel();
+        takeCommit(std::nullopt);
+        return;
+    }
+    // One that hangs is not asked a second time.
+    if (m_looking.isPending() && m_lookedFor == path) {
+        m_looksAgain = true;
+        return;
+    }
+    if (m_lookedFor != path) {
+        takeCommit(std::nullopt); // that was of another file
+    }
+    m_lookedFor = path;
+    m_looksAgain = false;
+    m_looking = BackgroundTask::start(
+        m_services.workers,
+        [path, encoding = m_document.encoding(), known = m_commit](const std::stop_token &stop) {
+            return GitBase::read(path, encoding, known, stop);
+        },
+        [this](std::optional<GitBase> found) {
+            takeCommit(std::move(found));
+            if (std::exchange(m_looksAgain, false)) {
+                refreshCommit();
+            }
+        });
+}
+
+void ChangeMarks::takeCommit(std::optional<GitBase> found)
+{
+    const auto idOf = [](const std::optional<GitBase> &base) { return base ? base->id : QByteArray(); };
+    const bool isOther = idOf(found) != idOf(m_commit) || (found && found->encoding != m_commit->encoding);
+    m_commit = std::move(found);
+    if (isOther) {
+        compareSoon();
+        emit changed();
+    }
+}
+
+bool ChangeMarks::areWanted() const
+{
+    return m_services.preferences.value(Settings::markChanges) && !m_document.isGenerated() && !m_document.arrival().isPending();
 }
 
 void ChangeMarks::noteEdit(const TextChange &change)
@@ -60,8 +113,11 @@ void ChangeMarks::compareSoon()
 
 std::optional<Rope> ChangeMarks::wantedBase() const
 {
-    if (!m_services.preferences.value(Settings::markChanges) || m_document.isGenerated() || m_document.arrival().isPending()) {
+    if (!areWanted()) {
         return std::nullopt;
+    }
+    if (m_commit) {
+        return m_commit->text;
     }
     return m_document.isDirty() ? m_document.file().savedText() : std::nullopt;
 }

@@ -5,6 +5,7 @@
 #include "Base/BackgroundTask.h"
 #include "Base/NotificationCenter.h"
 #include "Base/Scheduler.h"
+#include "Files/GitBase.h"
 #include "Text/LineChanges.h"
 #include "Text/Rope.h"
 
@@ -18,8 +19,9 @@ class Preferences;
 class TextDocument;
 struct Theme;
 
-/// Which lines of a document are others than in its file. They are found by a worker when edits have come to rest, whatever the length of
-/// the text; until then the marks stay on their lines. A text without unsaved edits is not even compared. Main thread only.
+/// Which lines of a document are others than in its file or, where that is in a git repository, in its last commit. They are found by a
+/// worker when edits have come to rest, whatever the length of the text; until then the marks stay on their lines. A text that can only be
+/// that of its file is not compared. Main thread only.
 class ChangeMarks final : public QObject {
     Q_OBJECT
 
@@ -44,6 +46,11 @@ public:
     /// They are what makes the text as it is now of `base()`.
     [[nodiscard]] bool areCurrent() const { return m_isCurrent; }
     [[nodiscard]] const Rope &base() const { return m_base; }
+    /// What `base()` is.
+    enum class Reference { savedText, lastCommit };
+    [[nodiscard]] Reference reference() const { return m_commit ? Reference::lastCommit : Reference::savedText; }
+    /// Others may have made another commit. It is looked for by a worker, which may hang as the file's folder does.
+    void refreshCommit();
 
 signals:
     /// Other marks, or others to come: edits that only move them are not reported.
@@ -51,10 +58,13 @@ signals:
 
 private:
     void noteEdit(const TextChange &change);
+    void noteDocument();
     void compareSoon();
     void compare();
     void take(const Rope &base, std::vector<LineChange> changes);
+    [[nodiscard]] bool areWanted() const;
     [[nodiscard]] std::optional<Rope> wantedBase() const;
+    void takeCommit(std::optional<GitBase> found);
 
     TextDocument &m_document;
     Services m_services;
@@ -63,6 +73,11 @@ private:
     bool m_isCurrent = true;
     DelayedTask m_soon;
     BackgroundTask m_comparing;
+    std::optional<GitBase> m_commit;
+    BackgroundTask m_looking;
+    /// What the worker looks for, and that it has to do so again.
+    QString m_lookedFor;
+    bool m_looksAgain = false;
     std::vector<NotificationCenter::Token> m_observers;
 };
 

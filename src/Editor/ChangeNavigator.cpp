@@ -6,6 +6,8 @@
 #include "Editor/EditorTextView.h"
 #include "Model/TextDocument.h"
 
+#include <QEvent>
+
 #include <algorithm>
 #include <array>
 
@@ -14,17 +16,21 @@ namespace {
 /// Between the panel and the edges of the text.
 constexpr int sideMargin = 12;
 
-QString titleOf(LineChange::Kind kind)
+struct TitleRow {
+    LineChange::Kind kind;
+    const char16_t *sinceSave;
+    const char16_t *sinceCommit;
+};
+constexpr auto titles = std::to_array<TitleRow>({
+    {LineChange::Kind::added, u"Added since the last save", u"Added since the last commit"},
+    {LineChange::Kind::modified, u"Changed since the last save", u"Changed since the last commit"},
+    {LineChange::Kind::deleted, u"Deleted since the last save", u"Deleted since the last commit"},
+});
+
+QString titleOf(LineChange::Kind kind, ChangeMarks::Reference reference)
 {
-    switch (kind) {
-    case LineChange::Kind::added:
-        return localized(u"Added since the last save");
-    case LineChange::Kind::modified:
-        return localized(u"Changed since the last save");
-    case LineChange::Kind::deleted:
-        break;
-    }
-    return localized(u"Deleted since the last save");
+    const TitleRow &row = *std::ranges::find(titles, kind, &TitleRow::kind);
+    return localized(reference == ChangeMarks::Reference::lastCommit ? row.sinceCommit : row.sinceSave);
 }
 
 } // namespace
@@ -46,7 +52,16 @@ ChangeNavigator::ChangeNavigator(EditorTextView &view, TextDocument &document, c
     // What it shows is a change between two texts that are no longer these.
     connect(&document.storage(), &TextStorage::changed, this, &ChangeNavigator::close);
     connect(m_marks, &ChangeMarks::changed, this, &ChangeNavigator::close);
+    view.installEventFilter(this);
     connect(&view, &TextView::visibleRowsChanged, this, &ChangeNavigator::place);
+}
+
+bool ChangeNavigator::eventFilter(QObject *object, QEvent *event)
+{
+    if (event->type() == QEvent::WindowActivate || event->type() == QEvent::Show) {
+        m_marks->refreshCommit();
+    }
+    return QObject::eventFilter(object, event);
 }
 
 ChangeNavigator::~ChangeNavigator()
@@ -112,7 +127,7 @@ void ChangeNavigator::open(size_t index)
         connect(m_panel, &ChangePanel::closeWanted, this, &ChangeNavigator::close);
     }
     m_panel->applyTheme(*m_theme);
-    m_panel->setChange(titleOf(m_shown.kind), m_shown.kind, m_marks->base(), m_shown.baseRange);
+    m_panel->setChange(titleOf(m_shown.kind, m_marks->reference()), m_shown.kind, m_marks->base(), m_shown.baseRange);
     m_panel->setRestorable(!m_view.isReadOnly());
     place();
     m_panel->show();

@@ -41,6 +41,9 @@ public:
     [[nodiscard]] ChangePanel *panel() const { return m_panel; }
     void applyTheme(const Theme &theme);
 
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
 private:
     struct CaretLine {
         qsizetype start = 0;

@@ -92,6 +92,8 @@ inline constexpr Setting<bool> vimSharesClipboard("editor.vimSharesClipboard"_L1
 inline constexpr Setting<bool> checkSpelling("editor.checkSpelling"_L1, false, {.title = u"Check spelling while typing"});
 
 inline constexpr Setting<bool> markChanges("editor.markChanges"_L1, true, {.title = u"Mark changed lines"});
+inline constexpr Setting<bool> compareWithCommit("editor.compareWithCommit"_L1, true,
+                                                 {.title = u"Compare with the last commit in git repositories"});
 
 inline constexpr Setting<bool> keepCurrentTab("tabs.keepCurrent"_L1, false, {.title = u"Keep the current tab when another one closes"});
 inline constexpr Setting<bool> nameByFirstLine("tabs.nameByFirstLine"_L1, false,
@@ -123,6 +125,7 @@ inline constexpr auto editingRows = std::to_array<SettingRow>({
      .place = startsGroup,
      .note = u"In texts that are opened from now on. The Edit menu turns it on and off for the one that is shown."},
     {.setting = markChanges},
+    {.setting = compareWithCommit, .place = below},
     {.setting = keepCurrentTab},
     {.setting = nameByFirstLine},
 });

@@ -5,6 +5,7 @@
 #include "Controls.h"
 #include "Editor/ChangeNavigator.h"
 #include "Editor/EditorViewController.h"
+#include "GitRepository.h"
 #include "Surroundings.h"
 #include "View/ViewFixture.h"
 
@@ -112,6 +113,33 @@ TEST_F(ChangeMarksTest, MarksNothingWhereNoFileIsKnown)
     EXPECT_EQ(textWithoutFile(
                   TextDocument::fromDraft(documents.services(), path(u"gone.txt"_s), {.text = Rope(u"draft\n")}, QUuid::createUuid())),
               u""_s);
+}
+
+TEST_F(ChangeMarksTest, ComparesWithTheLastCommitWhereThereIsOne)
+{
+    const GitRepository repository(path(QString()));
+    put(u"a.txt"_s, "one\ntwo\n");
+    repository.commit({"a.txt"});
+    open("one\n2\n");
+    EXPECT_EQ(marks(), u"m4"_s) << "without an edit";
+    edit({0, 0}, u"new\n");
+    document->save(document->path());
+    rest();
+    EXPECT_EQ(marks(), u"a0 m8"_s);
+    clickMark(2);
+    ASSERT_TRUE(editor->changes().panel());
+    EXPECT_EQ(editor->changes().panel()->accessibleName(), u"Changed since the last commit"_s);
+    preferences.set(Settings::compareWithCommit, false);
+    rest();
+    EXPECT_EQ(marks(), u""_s);
+    preferences.set(Settings::compareWithCommit, true);
+    rest();
+    EXPECT_EQ(marks(), u"a0 m8"_s);
+    repository.commit({"a.txt"});
+    QEvent activated(QEvent::WindowActivate);
+    QCoreApplication::sendEvent(&editor->textView(), &activated);
+    rest();
+    EXPECT_EQ(marks(), u""_s);
 }
 
 TEST_F(ChangeMarksTest, ShowsWhatWasThereAndBringsItBackInOneStep)
