@@ -54,13 +54,7 @@ std::optional<Answer> BracketMarker::askNear(const Question<Answer> &question)
     if (!highlighter) {
         return std::nullopt;
     }
-    BracketSearch search(
-        m_view.storage().text(), m_view.language().bracketPairs(),
-        [highlighter](TextRange range, const auto &visit) {
-            highlighter->ensureHighlighted(range);
-            highlighter->forEachScope(range, visit);
-        },
-        m_view.visibleRange());
+    BracketSearch search(m_view.storage().text(), m_view.language().bracketPairs(), scopesOf(highlighter), m_view.visibleRange());
     return question(search);
 }
 

@@ -5,6 +5,7 @@
 #include "Base/Pasteboard.h"
 #include "Base/Translation.h"
 #include "Commands/Actions.h"
+#include "Editor/AutoPairs.h"
 #include "Editor/EditorVim.h"
 #include "Text/LineWalk.h"
 #include "Text/PasteboardText.h"
@@ -39,6 +40,13 @@ EditorTextView::EditorTextView(TextStorage &storage, UndoManager &undoManager, c
             m_vim->keepOneCaret();
         }
     });
+}
+
+EditorTextView::~EditorTextView() = default;
+
+void EditorTextView::setAutoPairs(std::unique_ptr<AutoPairs> pairs)
+{
+    m_pairs = std::move(pairs);
 }
 
 void EditorTextView::addCommands(QMenu *menu)
@@ -141,6 +149,9 @@ void EditorTextView::setTypingMode(TypingMode mode)
 /// As many characters go as come, but no line break does.
 void EditorTextView::typeText(QStringView typed)
 {
+    if (m_pairs && m_typingMode == TypingMode::inserts && m_pairs->type(typed)) {
+        return;
+    }
     const bool isWritten = std::ranges::none_of(typed, [](QChar unit) { return unit.category() == QChar::Other_Control; });
     const bool isInText =
         std::ranges::all_of(selections(), [](const CaretSelection &one) { return one.isEmpty() && one.cellsBehind == 0; });
@@ -269,24 +280,30 @@ void EditorTextView::insertNewline()
         return;
     }
     input().commit();
-    replaceAtEach([&](TextRange selected) { return LineEditing::brokenLine(storage().text(), selected, m_indentation); });
+    const auto broken = [&](TextRange selected) { return LineEditing::brokenLine(storage().text(), selected, m_indentation); };
+    if (m_pairs) {
+        run(m_pairs->broken(m_indentation, broken), GroupKind::typing);
+    } else {
+        replaceAtEach(broken);
+    }
 }
 
 void EditorTextView::deleteBackward()
 {
     input().commit();
-    if (selections().hasSelected() || m_indentation.unit != Indentation::Unit::spaces) {
+    const bool goesToStops = m_indentation.unit == Indentation::Unit::spaces && !selections().hasSelected();
+    if (!goesToStops && !m_pairs) {
         TextView::deleteBackward();
         return;
     }
     const Rope &text = storage().text();
-    run(CaretEditing::removed(selections(), CaretEditing::Direction::backward,
-                              [&](const CaretSelection &one) {
-                                  const qsizetype caret = one.caret.offset;
-                                  const auto step = LineEditing::unindented(text, caret, m_indentation.width);
-                                  return step ? step->after.caret : TextBoundaries::previousGrapheme(text, caret);
-                              }),
-        GroupKind::deletingBackward);
+    const auto otherEnd = [&](const CaretSelection &one) {
+        const qsizetype caret = one.caret.offset;
+        const auto step = goesToStops ? LineEditing::unindented(text, caret, m_indentation.width) : std::nullopt;
+        return step ? step->after.caret : TextBoundaries::previousGrapheme(text, caret);
+    };
+    run(m_pairs ? m_pairs->removed(otherEnd) : CaretEditing::removed(selections(), CaretEditing::Direction::backward, otherEnd),
+        selections().hasSelected() ? GroupKind::other : GroupKind::deletingBackward);
 }
 
 void EditorTextView::toggleComment()

@@ -7,6 +7,9 @@
 #include "Highlighting/Language.h"
 #include "Text/LineEditing.h"
 
+#include <memory>
+
+class AutoPairs;
 class EditorVim;
 
 /// A text view for source code: tab stops, indentation, comments, and whole lines. Files that are dropped on it
@@ -28,12 +31,16 @@ public:
     enum class BareCopy { nothing, line };
 
     EditorTextView(TextStorage &storage, UndoManager &undoManager, const Services &services, const QFont &font, QWidget *parent = nullptr);
+    ~EditorTextView() override;
 
     void setIndentation(Indentation indentation);
     [[nodiscard]] Indentation indentation() const { return m_indentation; }
     void setAutoIndent(AutoIndent autoIndent) { m_autoIndent = autoIndent; }
     [[nodiscard]] AutoIndent autoIndent() const { return m_autoIndent; }
     void setBareCopy(BareCopy bareCopy) { m_bareCopy = bareCopy; }
+    /// Completes brackets and quotes; null where they are text as any other.
+    void setAutoPairs(std::unique_ptr<AutoPairs> pairs);
+    [[nodiscard]] const AutoPairs *autoPairs() const { return m_pairs.get(); }
     [[nodiscard]] TypingMode typingMode() const { return m_typingMode; }
     void setLanguage(const Language &language) { m_language = language; }
     [[nodiscard]] const Language &language() const { return m_language; }
@@ -93,6 +100,7 @@ private:
     bool takesFiles(QDropEvent &event);
 
     EditorVim *m_vim = nullptr;
+    std::unique_ptr<AutoPairs> m_pairs;
     DroppedFiles m_files;
     std::function<void()> m_beep;
     Indentation m_indentation;

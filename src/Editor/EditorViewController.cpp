@@ -4,6 +4,7 @@
 
 #include "Base/Localization.h"
 #include "Commands/Actions.h"
+#include "Editor/AutoPairs.h"
 #include "Editor/BracketMarker.h"
 #include "Editor/ChangeNavigator.h"
 #include "Editor/EditorFont.h"
@@ -275,6 +276,11 @@ void EditorViewController::applyPreferences()
     m_textView->setAutoIndent(preferences.value(Settings::autoIndent) ? EditorTextView::AutoIndent::on : EditorTextView::AutoIndent::off);
     m_textView->setBareCopy(preferences.value(Settings::copyLineWithoutSelection) ? EditorTextView::BareCopy::line
                                                                                   : EditorTextView::BareCopy::nothing);
+    if (preferences.value(Settings::autoPairs) != (m_textView->autoPairs() != nullptr)) {
+        m_textView->setAutoPairs(preferences.value(Settings::autoPairs)
+                                     ? std::make_unique<AutoPairs>(*m_textView, scopesOf(m_document->highlighter()))
+                                     : nullptr);
+    }
     const auto visibility = [](bool isShown) { return isShown ? TextView::Visibility::shown : TextView::Visibility::hidden; };
     m_textView->setLook(&TextLooks::invisibles, visibility(preferences.value(Settings::showInvisibles)));
     m_textView->setLineNumbers(visibility(preferences.value(Settings::showLineNumbers)));

@@ -244,7 +244,34 @@ bool EditorVim::apply(const TextEdits &edits)
 
 void EditorVim::insertText(const QString &text)
 {
+    if (m_view.autoPairs()) {
+        typeAgain(text);
+        return;
+    }
     m_view.insertText(withLineFeeds(text), m_view.selection().range());
+}
+
+/// What keys did besides writing themselves they do once more.
+void EditorVim::typeAgain(const QString &keys)
+{
+    struct Row {
+        char16_t character;
+        void (EditorTextView::*command)();
+    };
+    static constexpr auto rows = std::to_array<Row>({
+        {u'\r', &EditorTextView::insertNewline},
+        {u'\t', &EditorTextView::insertTab},
+        {VimKey::backspace, &EditorTextView::deleteBackward},
+    });
+    for (qsizetype place = 0; place < keys.size();) {
+        const qsizetype length = keys[place].isHighSurrogate() && place + 1 < keys.size() ? 2 : 1;
+        if (const auto *row = std::ranges::find(rows, keys[place].unicode(), &Row::character); row != rows.end()) {
+            (m_view.*row->command)();
+        } else {
+            m_view.typeText(QStringView(keys).sliced(place, length));
+        }
+        place += length;
+    }
 }
 
 void EditorVim::undo()

@@ -60,6 +60,7 @@ private:
     void select(TextRange range, qsizetype caret) override;
     bool apply(const TextEdits &edits) override;
     void insertText(const QString &text) override;
+    void typeAgain(const QString &keys);
     void undo() override;
     void redo() override;
     void beginUndoGroup() override;

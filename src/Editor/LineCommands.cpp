@@ -83,29 +83,6 @@ TextRange nothing(const Rope & /*text*/, TextRange selection)
     return {selection.location, 0};
 }
 
-/// A command for each of several selections; one that would change again what was changed for another does nothing.
-std::optional<CaretStep> atEach(const Selections &selections, const CaretEditing::LineCommand &command)
-{
-    CaretStep result;
-    std::vector<CaretSelection> after;
-    qsizetype done = 0;
-    for (const CaretSelection &one : selections) {
-        const auto step = command(one.ends());
-        const bool isDone = step && !step->edits.isEmpty() && step->edits[0].range.location >= done;
-        const TextSelection ends = isDone ? step->after : one.ends();
-        const qsizetype shift = result.edits.growth();
-        after.push_back(CaretSelection::of({ends.anchor + shift, ends.caret + shift}));
-        if (isDone) {
-            for (const TextEdit &edit : step->edits) {
-                result.edits.add(edit.range, edit.text);
-                done = edit.range.end();
-            }
-        }
-    }
-    result.after = Selections::merged(std::move(after), selections.primaryIndex());
-    return result.edits.isEmpty() ? std::nullopt : std::optional(std::move(result));
-}
-
 } // namespace
 
 LineCommands::LineCommands(EditorTextView &view, Services services, QObject *parent)
@@ -166,15 +143,19 @@ std::optional<CaretStep> LineCommands::Row::step(const Rope &text, const Selecti
         }
         return made;
     };
+    const auto atEach = [&run](const Selections &all) -> std::optional<CaretStep> {
+        CaretStep made = CaretEditing::atEach(all, [&run](const CaretSelection &one) { return run(one.ends()); });
+        return made.edits.isEmpty() ? std::nullopt : std::optional(std::move(made));
+    };
     switch (scope) {
     case Scope::lines:
         return CaretEditing::atLines(text, selections, run);
     case Scope::movedLines:
         return CaretEditing::atLines(text, selections, run, CaretEditing::Places::withLines);
     case Scope::letters:
-        return atEach(selections, run);
+        return atEach(selections);
     case Scope::text:
-        return atEach(Selections(selections.primary()), run);
+        return atEach(Selections(selections.primary()));
     }
     Q_UNREACHABLE();
 }

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Highlighting/BracketSearch.h"
 
+#include "Highlighting/SyntaxHighlighter.h"
+
 #include <algorithm>
 #include <vector>
 
@@ -129,4 +131,15 @@ std::optional<TextRange> BracketSearch::around(TextRange range, Kind kind)
         return !found;
     });
     return found;
+}
+
+BracketSearch::Scopes scopesOf(SyntaxHighlighter *highlighter)
+{
+    if (!highlighter) {
+        return {};
+    }
+    return [highlighter](TextRange range, const std::function<void(TextRange, Scope)> &visit) {
+        highlighter->ensureHighlighted(range);
+        highlighter->forEachScope(range, visit);
+    };
 }

@@ -10,12 +10,17 @@
 #include <optional>
 #include <stop_token>
 
+class SyntaxHighlighter;
+
 /// Which brackets of a text belong together. Those in strings only belong to others in strings, those in comments to others in comments.
 /// A search is for one state of the text, and for one thread. All offsets are UTF-16 units.
 class BracketSearch final {
 public:
     /// Calls `visit` for the stretches of the range that have one scope, ascending.
     using Scopes = std::function<void(TextRange range, const std::function<void(TextRange, Scope)> &visit)>;
+    /// What a stretch of text is as far as brackets go.
+    enum class Kind : quint8 { code, string, comment };
+    [[nodiscard]] static Kind kindOf(Scope scope);
     /// Far enough for what people look for.
     static constexpr qsizetype farthest = qsizetype(1024) * 1024;
 
@@ -32,7 +37,6 @@ public:
     [[nodiscard]] std::optional<TextRange> around(TextRange range);
 
 private:
-    enum class Kind : quint8 { code, string, comment };
     enum class Direction { forward, backward };
     struct Bracket {
         qsizetype offset = 0;
@@ -40,7 +44,6 @@ private:
         bool isOpening = false;
     };
 
-    [[nodiscard]] static Kind kindOf(Scope scope);
     [[nodiscard]] std::optional<Bracket> bracketOf(char16_t unit, qsizetype offset) const;
     [[nodiscard]] std::optional<TextRange> around(TextRange range, Kind kind);
     [[nodiscard]] Kind kindAt(qsizetype offset);
@@ -53,3 +56,6 @@ private:
     TextRange m_within;
     std::stop_token m_stop;
 };
+
+/// What a text is by its highlighter, which must outlive it and colours what is asked for; none of null.
+[[nodiscard]] BracketSearch::Scopes scopesOf(SyntaxHighlighter *highlighter);

@@ -82,6 +82,7 @@ inline constexpr Setting<bool> insertSpaces("editor.insertSpaces"_L1, true,
 inline constexpr Setting<bool> autoIndent("editor.autoIndent"_L1, true, {.title = u"Keep indentation on new lines"});
 inline constexpr Setting<bool> copyLineWithoutSelection("editor.copyLineWithoutSelection"_L1, false,
                                                         {.title = u"Copy and cut the line where nothing is selected"});
+inline constexpr Setting<bool> autoPairs("editor.autoPairs"_L1, false, {.title = u"Complete brackets and quotes while typing"});
 inline constexpr Setting<bool> vimMode("editor.vimMode"_L1, false,
                                        {.title = u"Vim key bindings",
                                         .option = {{u"vim", u"vim!"}, u"turn the Vim bindings off", ExOption::Direction::onlyOff}});
@@ -110,6 +111,7 @@ inline constexpr auto editingRows = std::to_array<SettingRow>({
      .noteIsAbout = &tabWidth},
     {.setting = markOccurrences},
     {.setting = copyLineWithoutSelection},
+    {.setting = autoPairs},
     {.setting = vimMode,
      .place = startsGroup,
      .note = u"Modal editing: normal, insert and visual modes, operators with motions and text objects, registers, marks, search, and the "

@@ -71,15 +71,47 @@ CaretStep typed(const Selections &selections, const std::vector<Rope> &texts)
     });
 }
 
+TextStep typedAt(const CaretSelection &one, const Rope &text)
+{
+    const Rope added = behindBlanks(one, text);
+    return {{one.range(), added}, TextSelection::at(one.range().location + added.length())};
+}
+
+Replacement removal(const CaretSelection &one, Direction direction, const std::function<qsizetype(const CaretSelection &)> &otherEnd)
+{
+    if (!one.isEmpty())
+        return {.range = one.range()};
+    if (one.cellsBehind > 0)
+        return {.range = one.range(), .cellsBehind = one.cellsBehind - (direction == Direction::backward ? 1 : 0)};
+    return {.range = TextRange::spanning(one.caret.offset, otherEnd(one))};
+}
+
 CaretStep removed(const Selections &selections, Direction direction, const std::function<qsizetype(const CaretSelection &)> &otherEnd)
 {
-    return replaced(selections, [&](const CaretSelection &one, size_t) -> Replacement {
-        if (!one.isEmpty())
-            return {.range = one.range()};
-        if (one.cellsBehind > 0)
-            return {.range = one.range(), .cellsBehind = one.cellsBehind - (direction == Direction::backward ? 1 : 0)};
-        return {.range = TextRange::spanning(one.caret.offset, otherEnd(one))};
-    });
+    return replaced(selections, [&](const CaretSelection &one, size_t) { return removal(one, direction, otherEnd); });
+}
+
+CaretStep atEach(const Selections &selections, const CaretCommand &command)
+{
+    CaretStep result;
+    std::vector<CaretSelection> after;
+    after.reserve(selections.count());
+    qsizetype done = 0;
+    for (const CaretSelection &one : selections) {
+        const qsizetype shift = result.edits.growth();
+        const std::optional<TextStep> step = command(one);
+        const bool isDone = step && (step->edits.isEmpty() || step->edits[0].range.location >= done);
+        const TextSelection ends = isDone ? step->after : one.ends();
+        after.push_back(CaretSelection::of({ends.anchor + shift, ends.caret + shift}));
+        if (isDone) {
+            for (const TextEdit &edit : step->edits) {
+                result.edits.add(edit.range, edit.text);
+                done = edit.range.end();
+            }
+        }
+    }
+    result.after = Selections::merged(std::move(after), selections.primaryIndex());
+    return result;
 }
 
 CaretStep withoutSelected(const Selections &selections)

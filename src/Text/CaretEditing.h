@@ -33,14 +33,21 @@ struct Replacement {
 
 /// `text` in place of every selection, behind the blanks that lead to a caret beyond the end of its line.
 [[nodiscard]] CaretStep typed(const Selections &selections, const Rope &text);
+[[nodiscard]] TextStep typedAt(const CaretSelection &one, const Rope &text);
 /// The same with a text for each; `texts` are as many as the selections.
 [[nodiscard]] CaretStep typed(const Selections &selections, const std::vector<Rope> &texts);
 
 /// What is selected goes; where nothing is, the text between the caret and where `otherEnd` says. A caret beyond the end of its line goes
 /// a cell back by `Direction::backward`.
 enum class Direction { backward, forward };
+[[nodiscard]] Replacement removal(const CaretSelection &one, Direction direction,
+                                  const std::function<qsizetype(const CaretSelection &)> &otherEnd);
 [[nodiscard]] CaretStep removed(const Selections &selections, Direction direction,
                                 const std::function<qsizetype(const CaretSelection &)> &otherEnd);
+/// A command for each by itself; one that gives nothing, or would change again what was changed for another, does nothing.
+using CaretCommand = std::function<std::optional<TextStep>(const CaretSelection &)>;
+[[nodiscard]] CaretStep atEach(const Selections &selections, const CaretCommand &command);
+
 /// What is selected goes.
 [[nodiscard]] CaretStep withoutSelected(const Selections &selections);
 

@@ -89,6 +89,13 @@ TextStep brokenLine(const Rope &text, TextRange selection, Indentation indentati
     return {{selection, inserted}, TextSelection::at(selection.location + inserted.size())};
 }
 
+TextStep brokenPair(const Rope &text, qsizetype caret, Indentation indentation)
+{
+    const QString behind = u'\n' + leadingBlanks(text, caret);
+    const QString inside = behind + indentation.level();
+    return {{{caret, 0}, QString(inside + behind)}, TextSelection::at(caret + inside.size())};
+}
+
 std::optional<TextStep> unindented(const Rope &text, qsizetype caret, int tabWidth)
 {
     RopeCursor cursor(text);

@@ -43,6 +43,9 @@ enum class Shift { indent, outdent };
 /// A new line in place of the selection, indented as the line before, and a level deeper when that opens a block.
 [[nodiscard]] TextStep brokenLine(const Rope &text, TextRange selection, Indentation indentation);
 
+/// The caret is between two brackets, which get lines of their own: it is in one of its own between, a level deeper.
+[[nodiscard]] TextStep brokenPair(const Rope &text, qsizetype caret, Indentation indentation);
+
 /// The spaces before `caret` back to the last tab stop, if there is nothing but spaces before it in its line.
 [[nodiscard]] std::optional<TextStep> unindented(const Rope &text, qsizetype caret, int tabWidth);
 
