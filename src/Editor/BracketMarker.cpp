@@ -13,6 +13,8 @@
 namespace {
 
 constexpr qsizetype longestHint = 120;
+/// What has its colours so far beside the view is looked through at once, too.
+constexpr qsizetype nearby = 0x8000;
 
 /// The line that holds `offset`, without its indentation; where that is the bracket alone, the line before it as well.
 QString lineAround(const Rope &text, qsizetype offset)
@@ -54,7 +56,8 @@ std::optional<Answer> BracketMarker::askNear(const Question<Answer> &question)
     if (!highlighter) {
         return std::nullopt;
     }
-    BracketSearch search(m_view.storage().text(), m_view.language().bracketPairs(), scopesOf(highlighter), m_view.visibleRange());
+    BracketSearch search(m_view.storage().text(), m_view.language().bracketPairs(), scopesOf(highlighter),
+                         highlighter->colouredAround(m_view.visibleRange(), nearby));
     return question(search);
 }
 

@@ -17,7 +17,7 @@ class OutOfSightHint;
 class TextDocument;
 
 /// Marks the bracket beside the caret and the one that belongs to it, says where that is when it cannot be seen, and goes there. What is
-/// in view is looked through at once, the rest on a worker, which colours the text for itself. Main thread only.
+/// in view, or near and coloured, is looked through at once, the rest on a worker, which colours the text for itself. Main thread only.
 class BracketMarker final : public QObject {
     Q_OBJECT
 

@@ -14,12 +14,18 @@ Theme themeOfScopes()
     return theme;
 }
 
+/// Before anybody follows its edits, who would colour all of it at once.
+TextStorage &filled(TextStorage &storage, const Rope &text)
+{
+    storage.apply({{}, text});
+    return storage;
+}
+
 } // namespace
 
 ScopedText::ScopedText(const Rope &text, const Language &language)
-    : m_highlighter(m_storage, language, themeOfScopes(), m_scheduler, m_notifications)
+    : m_highlighter(filled(m_storage, text), language, themeOfScopes(), m_scheduler, m_notifications)
 {
-    m_storage.apply({{}, text});
     m_highlighter.rehighlightAll();
 }
 

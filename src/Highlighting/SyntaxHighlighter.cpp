@@ -225,6 +225,20 @@ void SyntaxHighlighter::ensureHighlighted(TextRange range)
     markStale(outdated, done);
 }
 
+TextRange SyntaxHighlighter::colouredAround(TextRange range, qsizetype margin) const
+{
+    const auto reach = [this](qsizetype chunk, qsizetype last, qsizetype step) {
+        while (chunk != last && isFresh(chunk)) {
+            chunk += step;
+        }
+        return chunk;
+    };
+    const qsizetype first = reach(range.location / chunkSize, std::max<qsizetype>((range.location - margin) / chunkSize, 0) - 1, -1) + 1;
+    const qsizetype end = reach(range.end() / chunkSize, (range.end() + margin) / chunkSize + 1, 1);
+    return TextRange::between(std::min(range.location, first * chunkSize),
+                              std::clamp(end * chunkSize, range.end(), std::max(range.end(), m_storage.length())));
+}
+
 void SyntaxHighlighter::noteEdit(const ReplacedStretch &edit)
 {
     m_spansAreStale = true;

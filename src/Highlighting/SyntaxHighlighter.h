@@ -53,6 +53,8 @@ public:
 
     /// Colours the chunks that `range` touches, unless they are as they should be.
     void ensureHighlighted(TextRange range);
+    /// `range`, and what around it is coloured as it should be without a gap, at most about `margin` units on either side.
+    [[nodiscard]] TextRange colouredAround(TextRange range, qsizetype margin) const;
     /// Forgets everything, makes all text plain and asks for what is in view.
     void rehighlightAll();
     /// Makes the text in `range` plain. The range may reach beyond the text.

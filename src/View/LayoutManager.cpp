@@ -108,6 +108,7 @@ void LayoutManager::findWidest()
 void LayoutManager::textChanged(const TextChange &change)
 {
     m_revision = m_storage.revision();
+    m_lastLine.reset();
     changeCache(change.edits);
     changeLongLines(change);
     if (wraps()) {
@@ -196,16 +197,25 @@ LayoutManager::Line LayoutManager::lineAt(qsizetype line)
 
 LayoutManager::Line LayoutManager::lineFrom(qsizetype line, qsizetype start)
 {
+    return known(line, start).line;
+}
+
+const LayoutManager::KnownLine &LayoutManager::known(qsizetype line, qsizetype start)
+{
     Q_ASSERT_X(m_revision == m_storage.revision(), "LayoutManager", "asked before it was notified of a change");
+    if (m_lastLine && m_lastLine->number == line && m_lastLine->line.start == start) {
+        return *m_lastLine;
+    }
     const Rope &text = m_storage.text();
-    if (line + 1 >= text.lineCount()) {
-        return {start, text.length() - start};
-    }
-    qsizetype end = text.lineStart(line + 1) - 1;
-    if (end > start && text.at(end) == u'\n' && text.at(end - 1) == u'\r') {
+    const qsizetype next = line + 1 < text.lineCount() ? text.lineStart(line + 1) : text.length();
+    qsizetype end = next;
+    if (line + 1 < text.lineCount()) {
         --end;
+        if (end > start && text.at(end) == u'\n' && text.at(end - 1) == u'\r') {
+            --end;
+        }
     }
-    return {start, end - start};
+    return m_lastLine.emplace(KnownLine{line, next, {start, end - start}});
 }
 
 LongLine &LayoutManager::longLine(const Line &line)
@@ -413,7 +423,7 @@ std::optional<RowPosition> LayoutManager::next(const RowPosition &row)
     if (row.line + 1 >= m_storage.text().lineCount()) {
         return std::nullopt;
     }
-    return RowPosition{row.line + 1, m_storage.text().lineStart(row.line + 1), 0, 0};
+    return RowPosition{row.line + 1, known(row.line, row.lineStart).next, 0, 0};
 }
 
 std::optional<RowPosition> LayoutManager::previous(const RowPosition &row)

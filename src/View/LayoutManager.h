@@ -133,6 +133,12 @@ private:
         qsizetype start = 0;
         qsizetype length = 0;
     };
+    struct KnownLine {
+        qsizetype number = 0;
+        /// Where the line after it begins.
+        qsizetype next = 0;
+        Line line;
+    };
     struct Placed {
         const SegmentLayout &layout;
         int row = 0;
@@ -144,6 +150,7 @@ private:
     void findWidest();
     [[nodiscard]] Line lineAt(qsizetype line);
     [[nodiscard]] Line lineFrom(qsizetype line, qsizetype start);
+    [[nodiscard]] const KnownLine &known(qsizetype line, qsizetype start);
     [[nodiscard]] bool isLong(const Line &line) const { return line.length > m_segmentLength; }
     LongLine &longLine(const Line &line);
     void changeLongLines(const TextChange &change);
@@ -175,6 +182,8 @@ private:
     Settings m_settings;
     // Of the text that the layouts belong to.
     quint64 m_revision = 0;
+    // Whoever paints a row asks for its line many times.
+    std::optional<KnownLine> m_lastLine;
     Preedit m_preedit;
     RowMap m_rows;
     std::vector<LongLine> m_longLines;                   // by place in the text

@@ -72,18 +72,19 @@ void TextViewPainter::paint(QPainter &painter, QRectF area, const Rope &text, co
     const Span visible{area.left() - 1 - left, area.right() + 1 - left};
     const auto rows = m_port.rows(area.top() - 1, area.bottom() + 1);
     painter.fillRect(frame.caretRow, looks.colors.currentLine);
-    for (const Viewport::VisibleRow &row : rows) {
-        frame.paintBehind(row, visible);
-        paintOccurrences(painter, row, visible);
-        paintMarks(painter, row, visible);
-        paintUnsavable(painter, row, visible);
-        paintSelections(painter, row, visible, frame.selections);
-        paintBrackets(painter, row, visible);
-        paintIndicator(painter, row, visible);
-        paintText(painter, row, visible, frame.selections);
-        paintMisspellings(painter, row, visible);
+    for (const Viewport::VisibleRow &visibleRow : rows) {
+        frame.paintBehind(visibleRow, visible);
+        const Row row{visibleRow.row, visibleRow.top, visible, m_layout.rangeOf(visibleRow.row), seenOf(visibleRow, visible)};
+        paintOccurrences(painter, row);
+        paintMarks(painter, row);
+        paintUnsavable(painter, row);
+        paintSelections(painter, row, frame.selections);
+        paintBrackets(painter, row);
+        paintIndicator(painter, row);
+        paintText(painter, row, frame.selections);
+        paintMisspellings(painter, row);
         if (looks.invisibles == TextLooks::Visibility::shown) {
-            paintInvisibles(painter, row, visible, text);
+            paintInvisibles(painter, row, text);
         }
     }
     paintRowBorder(painter, frame.caretRow);
@@ -95,7 +96,7 @@ void TextViewPainter::paint(QPainter &painter, QRectF area, const Rope &text, co
     }
 }
 
-QRectF TextViewPainter::box(const Viewport::VisibleRow &row, Span span) const
+QRectF TextViewPainter::box(const Row &row, Span span) const
 {
     return {m_port.left() + span.left, row.top, span.right - span.left, m_layout.rowHeight()};
 }
@@ -113,11 +114,11 @@ TextRange TextViewPainter::seenOf(const Viewport::VisibleRow &row, Span visible)
     return seen;
 }
 
-void TextViewPainter::paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+void TextViewPainter::paintMarks(QPainter &painter, const Row &row)
 {
     if (looks.searched) {
-        for (const TextRange searched : looks.searched(seenOf(row, visible))) {
-            for (const Span span : m_layout.spansOf(row.row, searched, visible)) {
+        for (const TextRange searched : looks.searched(row.seen)) {
+            for (const Span span : m_layout.spansOf(row.position, searched, row.visible)) {
                 painter.fillRect(box(row, span), blended(looks.colors.background, looks.colors.text, searchedShare));
             }
         }
@@ -125,16 +126,16 @@ void TextViewPainter::paintMarks(QPainter &painter, const Viewport::VisibleRow &
     if (!looks.marks) {
         return;
     }
-    for (const TextRange mark : looks.marks(seenOf(row, visible))) {
-        for (const Span span : m_layout.spansOf(row.row, mark, visible)) {
+    for (const TextRange mark : looks.marks(row.seen)) {
+        for (const Span span : m_layout.spansOf(row.position, mark, row.visible)) {
             painter.fillRect(box(row, span), looks.colors.mark);
         }
     }
 }
 
-void TextViewPainter::paintIndicator(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+void TextViewPainter::paintIndicator(QPainter &painter, const Row &row)
 {
-    if (indicator.strength() <= 0 || !indicator.range().touches(m_layout.rangeOf(row.row))) {
+    if (indicator.strength() <= 0 || !indicator.range().touches(row.units)) {
         return;
     }
     QColor fill = indicatorColor;
@@ -145,12 +146,12 @@ void TextViewPainter::paintIndicator(QPainter &painter, const Viewport::VisibleR
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(edge, 1.5));
     painter.setBrush(fill);
-    for (const Span span : m_layout.spansOf(row.row, indicator.range(), visible)) {
+    for (const Span span : m_layout.spansOf(row.position, indicator.range(), row.visible)) {
         painter.drawRoundedRect(box(row, span).adjusted(-2, 0.75, 2, -0.75), 3, 3);
     }
 }
 
-void TextViewPainter::paintMisspellings(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+void TextViewPainter::paintMisspellings(QPainter &painter, const Row &row)
 {
     if (!looks.misspellings) {
         return;
@@ -161,8 +162,8 @@ void TextViewPainter::paintMisspellings(QPainter &painter, const Viewport::Visib
     const PainterState state(painter);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(misspellingColor, 1));
-    for (const TextRange word : looks.misspellings(seenOf(row, visible))) {
-        for (const Span span : m_layout.spansOf(row.row, word, visible)) {
+    for (const TextRange word : looks.misspellings(row.seen)) {
+        for (const Span span : m_layout.spansOf(row.position, word, row.visible)) {
             QPolygonF wave;
             for (double x = span.left; x <= span.right; x += step) {
                 wave << QPointF(m_port.left() + x, bottom + (wave.size() % 2 == 0 ? amplitude : -amplitude));
@@ -172,7 +173,7 @@ void TextViewPainter::paintMisspellings(QPainter &painter, const Viewport::Visib
     }
 }
 
-void TextViewPainter::paintUnsavable(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+void TextViewPainter::paintUnsavable(QPainter &painter, const Row &row)
 {
     if (!looks.unsavable) {
         return;
@@ -181,48 +182,48 @@ void TextViewPainter::paintUnsavable(QPainter &painter, const Viewport::VisibleR
     QColor ground = unsavableColor;
     ground.setAlphaF(0.18F);
     const double bottom = std::min(m_layout.baseline() + 2, m_layout.rowHeight() - thickness);
-    for (const TextRange character : looks.unsavable(seenOf(row, visible))) {
-        for (const Span span : m_layout.spansOf(row.row, character, visible)) {
+    for (const TextRange character : looks.unsavable(row.seen)) {
+        for (const Span span : m_layout.spansOf(row.position, character, row.visible)) {
             painter.fillRect(box(row, span), ground);
             painter.fillRect(QRectF(m_port.left() + span.left, row.top + bottom, span.right - span.left, thickness), unsavableColor);
         }
     }
 }
 
-void TextViewPainter::paintSelections(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Selections &selections)
+void TextViewPainter::paintSelections(QPainter &painter, const Row &row, const Selections &selections)
 {
-    const TextRange seen = selections.isSingle() ? m_layout.rangeOf(row.row) : seenOf(row, visible);
+    const TextRange seen = selections.isSingle() ? row.units : row.seen;
     for (size_t i = selections.firstReaching(seen.location); i < selections.count(); ++i) {
         const TextRange selected = selections[i].range();
         if (selected.location > seen.end()) {
             break;
         }
-        paintSelection(painter, row, visible, selected);
+        paintSelection(painter, row, selected);
     }
 }
 
-void TextViewPainter::paintOccurrences(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+void TextViewPainter::paintOccurrences(QPainter &painter, const Row &row)
 {
     if (!looks.occurrences) {
         return;
     }
     QColor ground = looks.colors.selection;
     ground.setAlphaF(0.55F);
-    for (const TextRange word : looks.occurrences(seenOf(row, visible))) {
-        for (const Span span : m_layout.spansOf(row.row, word, visible)) {
+    for (const TextRange word : looks.occurrences(row.seen)) {
+        for (const Span span : m_layout.spansOf(row.position, word, row.visible)) {
             painter.fillRect(box(row, span), ground);
         }
     }
 }
 
-void TextViewPainter::paintBrackets(QPainter &painter, const Viewport::VisibleRow &row, Span visible)
+void TextViewPainter::paintBrackets(QPainter &painter, const Row &row)
 {
     if (!looks.brackets) {
         return;
     }
-    for (const TextRange bracket : looks.brackets(m_layout.rangeOf(row.row))) {
-        if (!bracket.intersected(m_layout.rangeOf(row.row)).isEmpty()) {
-            for (const Span span : m_layout.spansOf(row.row, bracket, visible)) {
+    for (const TextRange bracket : looks.brackets(row.units)) {
+        if (!bracket.intersected(row.units).isEmpty()) {
+            for (const Span span : m_layout.spansOf(row.position, bracket, row.visible)) {
                 painter.fillRect(box(row, span), looks.colors.selection);
                 const PainterState state(painter);
                 painter.setPen(QPen(looks.colors.text, 0));
@@ -233,29 +234,29 @@ void TextViewPainter::paintBrackets(QPainter &painter, const Viewport::VisibleRo
     }
 }
 
-void TextViewPainter::paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible, TextRange selected)
+void TextViewPainter::paintSelection(QPainter &painter, const Row &row, TextRange selected)
 {
     if (selected.isEmpty()) {
         return;
     }
-    const TextRange units = m_layout.rangeOf(row.row);
-    for (const Span span : m_layout.spansOf(row.row, selected, visible)) {
+    const TextRange units = row.units;
+    for (const Span span : m_layout.spansOf(row.position, selected, row.visible)) {
         painter.fillRect(box(row, span), looks.colors.selection);
     }
     // A selected line break shows as a stub behind the text, or an empty line would look unselected.
-    const bool hasBreak = selected.location <= units.end() && selected.end() > units.end() && m_layout.endsLine(row.row);
+    const bool hasBreak = selected.location <= units.end() && selected.end() > units.end() && m_layout.endsLine(row.position);
     if (hasBreak) {
-        const double end = m_layout.widthOf(row.row);
+        const double end = m_layout.widthOf(row.position);
         painter.fillRect(box(row, {end, end + m_layout.cellWidth() / 2}), looks.colors.selection);
     }
 }
 
-void TextViewPainter::paintInvisibles(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Rope &text)
+void TextViewPainter::paintInvisibles(QPainter &painter, const Row &row, const Rope &text)
 {
     painter.setPen(looks.colors.invisibles);
     const double left = m_port.left();
     const double baseline = row.top + m_layout.baseline();
-    m_layout.forEachLayout(row.row, visible, [&](const SegmentLayout &shown, int inLayout, double x) {
+    m_layout.forEachLayout(row.position, row.visible, [&](const SegmentLayout &shown, int inLayout, double x) {
         const TextRange units = m_layout.wraps() ? shown.rowRange(inLayout) : shown.range();
         RopeCursor cursor(text);
         for (qsizetype offset = units.location; offset < units.end(); ++offset) {
@@ -265,23 +266,23 @@ void TextViewPainter::paintInvisibles(QPainter &painter, const Viewport::Visible
                 double at = x + shown.xOf(inLayout, offset);
                 if (shown.mixesDirections()) {
                     at = std::min(at, x + shown.xBehind(inLayout, offset));
-                } else if (at > visible.right) {
+                } else if (at > row.visible.right) {
                     break;
                 }
                 painter.drawText(QPointF(left + at, baseline), unit == u' ' ? QStringLiteral("\u00B7") : QStringLiteral("\u2192"));
             }
         }
     });
-    const TextRange units = m_layout.rangeOf(row.row);
-    if (m_layout.endsLine(row.row) && units.end() < text.length()) {
-        const double end = m_layout.widthOf(row.row);
-        if (end <= visible.right) {
+    const TextRange units = row.units;
+    if (m_layout.endsLine(row.position) && units.end() < text.length()) {
+        const double end = m_layout.widthOf(row.position);
+        if (end <= row.visible.right) {
             painter.drawText(QPointF(left + end, baseline), QStringLiteral("\u00AC"));
         }
     }
 }
 
-void TextViewPainter::paintText(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Selections &selections)
+void TextViewPainter::paintText(QPainter &painter, const Row &row, const Selections &selections)
 {
     painter.setPen(looks.colors.text);
     const auto selectedIn = [&](TextRange units) {
@@ -299,7 +300,7 @@ void TextViewPainter::paintText(QPainter &painter, const Viewport::VisibleRow &r
         }
         return recolored;
     };
-    m_layout.forEachLayout(row.row, visible, [&](const SegmentLayout &shown, int inLayout, double x) {
+    m_layout.forEachLayout(row.position, row.visible, [&](const SegmentLayout &shown, int inLayout, double x) {
         const double left = m_port.left() + x;
         if (const auto recolored = selectedIn(shown.range()); !recolored.empty()) {
             shown.drawRow(painter, inLayout, left, row.top, recolored, looks.colors.selectedText);

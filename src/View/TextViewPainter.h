@@ -97,17 +97,27 @@ public:
     TextIndicator indicator;
 
 private:
-    [[nodiscard]] QRectF box(const Viewport::VisibleRow &row, Span span) const;
-    void paintMarks(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
-    void paintSelections(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Selections &selections);
-    void paintSelection(QPainter &painter, const Viewport::VisibleRow &row, Span visible, TextRange selected);
-    void paintIndicator(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
-    void paintMisspellings(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
-    void paintOccurrences(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
-    void paintBrackets(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
-    void paintUnsavable(QPainter &painter, const Viewport::VisibleRow &row, Span visible);
-    void paintInvisibles(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Rope &text);
-    void paintText(QPainter &painter, const Viewport::VisibleRow &row, Span visible, const Selections &selections);
+    /// A row while it is painted.
+    struct Row {
+        RowPosition position;
+        double top = 0;
+        Span visible;
+        /// Those of the row, and of them those that can be seen.
+        TextRange units;
+        TextRange seen;
+    };
+
+    [[nodiscard]] QRectF box(const Row &row, Span span) const;
+    void paintMarks(QPainter &painter, const Row &row);
+    void paintSelections(QPainter &painter, const Row &row, const Selections &selections);
+    void paintSelection(QPainter &painter, const Row &row, TextRange selected);
+    void paintIndicator(QPainter &painter, const Row &row);
+    void paintMisspellings(QPainter &painter, const Row &row);
+    void paintOccurrences(QPainter &painter, const Row &row);
+    void paintBrackets(QPainter &painter, const Row &row);
+    void paintUnsavable(QPainter &painter, const Row &row);
+    void paintInvisibles(QPainter &painter, const Row &row, const Rope &text);
+    void paintText(QPainter &painter, const Row &row, const Selections &selections);
     void paintRowBorder(QPainter &painter, QRectF caretRow);
     void paintDropCaret(QPainter &painter, qsizetype offset);
     void paintCaret(QPainter &painter, QRectF caret);

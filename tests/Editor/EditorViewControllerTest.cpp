@@ -343,8 +343,8 @@ TEST_F(EditorTest, RemembersHowTheSpellingOfAFileIsChecked)
 
 TEST_F(EditorTest, MarksTheOtherBracketWhereverItIs)
 {
-    const QString filling = u"x;\n"_s.repeated(3000);
-    TextDocument &text = document(u"int main() {\n"_s + filling + u"}\n"_s);
+    const QString filling = u"x;\n"_s.repeated(30000);
+    TextDocument &text = document(u"int main() {\n{\n\n\n"_s + u"x;\n"_s.repeated(1000) + u"}\n"_s + filling + u"}\n"_s);
     const auto editor = open(text);
     EditorTextView &view = editor->textView();
     const auto hint = [&view]() -> QString {
@@ -353,10 +353,12 @@ TEST_F(EditorTest, MarksTheOtherBracketWhereverItIs)
     };
     const qsizetype opening = 11;
     const qsizetype closing = text.storage().length() - 2;
+    view.setSelection(TextSelection::at(opening + 2), TextView::Reveal::nearest);
+    EXPECT_EQ(hint(), u"Line 1,005: x; }"_s) << "out of view, but coloured";
     view.setSelection(TextSelection::at(opening), TextView::Reveal::nearest);
     EXPECT_EQ(hint(), QString()) << "a worker has not been asked";
     pass(2 * BracketMarker::restTime);
-    EXPECT_EQ(hint(), u"Line 3,002: x; }"_s);
+    EXPECT_EQ(hint(), u"Line 31,006: x; }"_s);
     EXPECT_TRUE(view.perform(Actions::goToMatchingBracket));
     pass(2 * BracketMarker::restTime);
     EXPECT_EQ(view.selection(), TextSelection::at(closing));
