@@ -136,10 +136,8 @@ void DiffViewController::makeColumn(Column &column)
     stack->setSpacing(0);
     column.view = new DiffTextView(column.storage, column.undoManager, {m_services.scheduler, m_services.pasteboard},
                                    editorFont(m_services.preferences), column.side, column.widget);
-    column.finder = new TextFinder(
-        *column.view,
-        {m_services.scheduler, m_services.workers, m_services.find, [&presenter = m_services.presenter] { presenter.beep(); }},
-        column.widget);
+    column.finder =
+        new TextFinder(*column.view, {{m_services.scheduler, m_services.workers, m_services.beep()}, m_services.find}, column.widget);
     column.findBar = new FindBar(*column.finder, m_services.scheduler, this);
     stack->addWidget(column.view);
     connect(column.view, &DiffTextView::changeWanted, this, [this](int step) { step > 0 ? nextChange() : previousChange(); });

@@ -30,7 +30,7 @@ QString lineAround(const Rope &text, qsizetype offset)
 
 } // namespace
 
-BracketMarker::BracketMarker(EditorTextView &view, TextDocument &document, const Services &services)
+BracketMarker::BracketMarker(EditorTextView &view, TextDocument &document, const CommandServices &services)
     : QObject(&view), m_view(view), m_document(document), m_services(services)
 {
     connect(&view, &TextView::selectionChanged, this, &BracketMarker::update);

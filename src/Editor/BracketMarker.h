@@ -3,8 +3,8 @@
 #pragma once
 
 #include "Base/BackgroundTask.h"
-#include "Base/Scheduler.h"
 #include "Highlighting/BracketSearch.h"
+#include "View/CommandServices.h"
 
 #include <QObject>
 #include <QPointer>
@@ -22,17 +22,11 @@ class BracketMarker final : public QObject {
     Q_OBJECT
 
 public:
-    struct Services {
-        Scheduler &scheduler;
-        Workers &workers;
-        /// For a command that finds nothing.
-        std::function<void()> beep;
-    };
     /// The caret rests so long before a worker is asked.
     static constexpr Scheduler::Milliseconds restTime{80};
 
     /// All must outlive it.
-    BracketMarker(EditorTextView &view, TextDocument &document, const Services &services);
+    BracketMarker(EditorTextView &view, TextDocument &document, const CommandServices &services);
 
     /// The caret goes to the bracket that belongs to the one beside it, and stays on the same side of it; beside none it goes to the end
     /// of the pair around it.
@@ -68,7 +62,7 @@ private:
 
     EditorTextView &m_view;
     TextDocument &m_document;
-    Services m_services;
+    CommandServices m_services;
     std::optional<Pair> m_pair;
     QPointer<OutOfSightHint> m_hint;
     DelayedTask m_soon;

@@ -43,29 +43,29 @@ constexpr Scheduler::Milliseconds messageTime{5000};
 
 } // namespace
 
+std::function<void()> EditorServices::beep() const
+{
+    return [&presenter = presenter] { presenter.beep(); };
+}
+
 EditorViewController::EditorViewController(const EditorServices &services, TextDocument &document, QWidget *parent)
     : QWidget(parent), m_services(services), m_document(document.shared_from_this()), m_stack(new QVBoxLayout(this)),
-      m_textView(new EditorTextView(document.storage(), document.undoManager(),
-                                    {services.scheduler, services.pasteboard, [&presenter = services.presenter] { presenter.beep(); }},
+      m_textView(new EditorTextView(document.storage(), document.undoManager(), {services.scheduler, services.pasteboard, services.beep()},
                                     editorFont(services.preferences), this)),
       m_finder(new TextFinder(
           *m_textView,
-          {services.scheduler, services.workers, services.find, [&presenter = services.presenter] { presenter.beep(); },
+          {commandServices(), services.find,
            [this] { return m_document->file().isPrivate() ? FindHistory::Kept::whileRunning : FindHistory::Kept::forNextRun; }},
           this)),
-      m_findBar(new FindBar(*m_finder, services.scheduler, this)),
-      m_occurrences(*m_textView, {services.workers, [&presenter = services.presenter] { presenter.beep(); },
-                                  [this](const QString &message) { emit messageShown(message, messageTime); }}),
+      m_findBar(new FindBar(*m_finder, services.scheduler, this)), m_occurrences(*m_textView, commandServices()),
       m_counter(new TextCounter(*m_textView, {services.scheduler, services.workers}, this)),
-      m_brackets(new BracketMarker(*m_textView, document,
-                                   {services.scheduler, services.workers, [&presenter = services.presenter] { presenter.beep(); }})),
-      m_wordMarks(new OccurrenceMarker(*m_textView,
-                                       {services.scheduler, services.workers, [&presenter = services.presenter] { presenter.beep(); }})),
+      m_brackets(new BracketMarker(*m_textView, document, commandServices())),
+      m_wordMarks(new OccurrenceMarker(*m_textView, services.scheduler)),
       m_changes(std::make_unique<ChangeNavigator>(
           *m_textView, document,
           ChangeNavigator::Services{{services.scheduler, services.workers, services.notifications, services.preferences},
                                     services.pasteboard,
-                                    [&presenter = services.presenter] { presenter.beep(); }}))
+                                    services.beep()}))
 {
     setAccessibleRole(*this, QAccessible::Grouping);
     resize(startSize);
@@ -77,14 +77,7 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
     m_awaitsText = m_document->arrival().isPending();
     m_textView->setLanguage(document.language());
     setFocusProxy(m_textView);
-    m_lineCommands = std::make_unique<LineCommands>(
-        *m_textView,
-        LineCommands::Services{
-            .scheduler = services.scheduler,
-            .workers = services.workers,
-            .showMessage = [this](const QString &message, Scheduler::Milliseconds duration) { emit messageShown(message, duration); },
-            .beep = [&presenter = services.presenter] { presenter.beep(); }},
-        this);
+    m_lineCommands = std::make_unique<LineCommands>(*m_textView, commandServices(), this);
     makeSpelling();
     markMissingCharacters();
     applyPreferences();
@@ -92,6 +85,12 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
     restoreViewState();
     updateBanner();
     highlightVisibleRange();
+}
+
+CommandServices EditorViewController::commandServices()
+{
+    return {m_services.scheduler, m_services.workers, m_services.beep(),
+            [this](const QString &message, Scheduler::Milliseconds duration) { emit messageShown(message, duration); }};
 }
 
 EditorViewController::~EditorViewController()
@@ -141,7 +140,7 @@ void EditorViewController::selectEnclosingBrackets()
 
 void EditorViewController::goToNextOccurrence()
 {
-    m_wordMarks->goToNext();
+    m_occurrences.goToNext(m_wordMarks->word());
 }
 
 void EditorViewController::performTextFinderAction(const ActionSender &sender)
@@ -318,7 +317,7 @@ void EditorViewController::applyVimMode()
         m_vim = std::make_unique<EditorVim>(*m_textView, m_services.registers, m_services.keyboard, preset,
                                             EditorVim::Callbacks{.stateChanged = [this] { emit stateChanged(); },
                                                                  .runCommand = [this](const QString &command) { runCommand(command); },
-                                                                 .beep = [&presenter = m_services.presenter] { presenter.beep(); }});
+                                                                 .beep = m_services.beep()});
     }
     if (wasOn != (m_vim != nullptr)) {
         emit stateChanged();
@@ -561,11 +560,7 @@ void EditorViewController::showVimMessage(const QString &message)
 void EditorViewController::substitute(const VimSubstitution &substitution)
 {
     if (!m_substitutions) {
-        m_substitutions = std::make_unique<SubstitutionRunner>(SubstitutionRunner::Services{
-            .scheduler = m_services.scheduler,
-            .workers = m_services.workers,
-            .showMessage = [this](const QString &message, Scheduler::Milliseconds duration) { emit messageShown(message, duration); },
-            .changed = [this](const TextView & /*view*/) { settleCaret(); }});
+        m_substitutions = std::make_unique<SubstitutionRunner>(commandServices(), [this](const TextView & /*view*/) { settleCaret(); });
     }
     m_substitutions->run(*m_textView, substitution);
 }
@@ -588,7 +583,7 @@ void EditorViewController::makeSpelling()
     m_spelling = std::make_unique<SpellingController>(
         *m_textView, m_document->highlighter(), m_document->language(),
         SpellingController::Services{
-            m_services.scheduler, *m_services.spellChecker, *m_services.spellingPanel, [&presenter] { presenter.beep(); },
+            m_services.scheduler, *m_services.spellChecker, *m_services.spellingPanel, m_services.beep(),
             [this, &presenter](const QString &message) { presenter.present(Alert::forError(message), window(), {}); }});
     connect(m_textView, &TextView::contextMenuRequested, m_spelling.get(),
             [this](QMenu *menu, qsizetype offset) { m_spelling->addCorrections(*menu, offset); });

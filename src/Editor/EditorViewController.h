@@ -57,6 +57,9 @@ struct EditorServices {
     SpellingPanel *spellingPanel = nullptr;
     /// None when nothing is to be kept of single files.
     FileMemory *fileMemory = nullptr;
+
+    /// The sound for a command that cannot do its work.
+    [[nodiscard]] std::function<void()> beep() const;
 };
 
 /// One editor for one document: the text with its line numbers, a banner when others changed the file, and everything set as the
@@ -104,6 +107,7 @@ signals:
     void filesDropped(const QStringList &paths);
 
 private:
+    [[nodiscard]] CommandServices commandServices();
     void observe();
     void retranslate();
     void performTextFinderAction(const ActionSender &sender);

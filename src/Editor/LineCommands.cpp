@@ -85,7 +85,7 @@ TextRange nothing(const Rope & /*text*/, TextRange selection)
 
 } // namespace
 
-LineCommands::LineCommands(EditorTextView &view, Services services, QObject *parent)
+LineCommands::LineCommands(EditorTextView &view, CommandServices services, QObject *parent)
     : QObject(parent), m_view(view), m_services(std::move(services))
 {
     view.installEventFilter(this);

@@ -3,14 +3,12 @@
 #pragma once
 
 #include "Base/BackgroundTask.h"
-#include "Base/Scheduler.h"
 #include "Commands/Responder.h"
 #include "Text/CaretEditing.h"
 #include "Text/LineEditing.h"
+#include "View/CommandServices.h"
 
 #include <QObject>
-
-#include <functional>
 
 class EditorTextView;
 
@@ -21,19 +19,10 @@ class LineCommands final : public QObject, public Responder {
     Q_OBJECT
 
 public:
-    struct Services {
-        Scheduler &scheduler;
-        Workers &workers;
-        /// Shows what there is to be said for so long.
-        std::function<void(const QString &message, Scheduler::Milliseconds duration)> showMessage;
-        /// The sound for a command that finds nothing to do.
-        std::function<void()> beep;
-    };
-
     /// UTF-16 units of which what is read at once has at most so many.
     static constexpr qsizetype readAtOnce = qsizetype(256) * 1024;
 
-    LineCommands(EditorTextView &view, Services services, QObject *parent = nullptr);
+    LineCommands(EditorTextView &view, CommandServices services, QObject *parent = nullptr);
     ~LineCommands() override;
 
     [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
@@ -78,7 +67,7 @@ private:
     [[nodiscard]] bool canEdit() const;
 
     EditorTextView &m_view;
-    Services m_services;
+    CommandServices m_services;
     BackgroundTask m_task;
     DelayedTask m_showProgressSoon;
     bool m_isProgressShown = false;

@@ -15,7 +15,7 @@ std::optional<TextSearcher> searcherFor(const QString &word)
 
 } // namespace
 
-OccurrenceMarker::OccurrenceMarker(TextView &view, const Services &services) : QObject(&view), m_view(view), m_services(services)
+OccurrenceMarker::OccurrenceMarker(TextView &view, Scheduler &scheduler) : QObject(&view), m_view(view), m_scheduler(scheduler)
 {
     connect(&view, &TextView::selectionChanged, this, &OccurrenceMarker::update);
     connect(&view.storage(), &TextStorage::didProcessEditing, this, &OccurrenceMarker::update);
@@ -53,7 +53,7 @@ void OccurrenceMarker::update()
         mark({});
     }
     if (m_isMarking && !m_searcher) {
-        m_rest = m_services.scheduler.after(restTime, [this] { mark(m_view.storage().string(word())); });
+        m_rest = m_scheduler.after(restTime, [this] { mark(m_view.storage().string(word())); });
     }
 }
 
@@ -81,31 +81,4 @@ std::vector<TextRange> OccurrenceMarker::occurrencesIn(TextRange seen)
         });
     }
     return found;
-}
-
-void OccurrenceMarker::goToNext()
-{
-    const TextRange at = word();
-    auto searcher = at.isEmpty() ? std::nullopt : searcherFor(m_view.storage().string(at));
-    if (!searcher) {
-        m_services.beep();
-        return;
-    }
-    m_command = BackgroundTask::start(
-        m_services.workers,
-        [searcher = std::make_shared<TextSearcher>(std::move(*searcher)), at, text = m_view.storage().text()](const std::stop_token &stop) {
-            const SearchControl control{.stop = stop};
-            const auto behind = searcher->firstHit(text, TextRange::between(at.end(), text.length()), control);
-            return behind ? behind : searcher->firstHit(text, {0, at.location}, control);
-        },
-        [this, revision = m_view.storage().revision(), selection = m_view.selection()](const std::optional<TextRange> &hit) {
-            if (revision != m_view.storage().revision() || selection != m_view.selection()) {
-                return;
-            }
-            if (hit) {
-                m_view.setSelection({hit->location, hit->end()}, TextView::Reveal::nearest);
-            } else {
-                m_services.beep();
-            }
-        });
 }

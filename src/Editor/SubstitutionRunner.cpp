@@ -21,7 +21,9 @@ constexpr Scheduler::Milliseconds untilReplaced = 24h;
 
 } // namespace
 
-SubstitutionRunner::SubstitutionRunner(Services services) : m_services(std::move(services)) {}
+SubstitutionRunner::SubstitutionRunner(CommandServices services, std::function<void(TextView &view)> changed)
+    : m_services(std::move(services)), m_changed(std::move(changed))
+{}
 
 SubstitutionRunner::~SubstitutionRunner() = default;
 
@@ -83,7 +85,7 @@ void SubstitutionRunner::arrive(const ReplacementSearch::Found &found)
     finish(found.isIncomplete ? done + u". "_s + localized(u"The expression is too hard for parts of this text. There may be more hits.")
                               : done);
     if (count > 0) {
-        m_services.changed(view);
+        m_changed(view);
     }
 }
 

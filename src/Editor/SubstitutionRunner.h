@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Base/Scheduler.h"
 #include "Find/ReplacementSearch.h"
+#include "View/CommandServices.h"
 #include "Vim/VimSubstitution.h"
 
 #include <QObject>
@@ -20,16 +20,8 @@ class SubstitutionRunner final : public QObject {
     Q_OBJECT
 
 public:
-    struct Services {
-        Scheduler &scheduler;
-        Workers &workers;
-        /// Shows what there is to be said for so long.
-        std::function<void(const QString &message, Scheduler::Milliseconds duration)> showMessage;
-        /// The text of that view was changed.
-        std::function<void(TextView &view)> changed;
-    };
-
-    explicit SubstitutionRunner(Services services);
+    /// `changed` is called when the text of the view was.
+    SubstitutionRunner(CommandServices services, std::function<void(TextView &view)> changed);
     ~SubstitutionRunner() override;
 
     /// One that is under way is stopped.
@@ -43,7 +35,8 @@ private:
     void arrive(const ReplacementSearch::Found &found);
     void finish(const QString &message);
 
-    Services m_services;
+    CommandServices m_services;
+    std::function<void(TextView &view)> m_changed;
     QPointer<TextView> m_view;
     QMetaObject::Connection m_viewGone;
     VimSubstitution m_substitution;

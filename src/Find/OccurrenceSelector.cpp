@@ -13,11 +13,18 @@ namespace {
 
 /// Units that are searched at once.
 constexpr qsizetype near = qsizetype(1) << 20;
+constexpr Scheduler::Milliseconds toBeRead{5000};
 
 bool isWord(const Rope &text, TextRange range)
 {
     const QString word = text.toString(range);
     return std::ranges::any_of(word, [](QChar unit) { return unit.isLetterOrNumber() || unit == u'_' || unit.isSurrogate(); });
+}
+
+/// For a word of the text.
+TextSearcher searcherFor(const Rope &text, TextRange word)
+{
+    return TextSearcher::compile({.pattern = text.toString(word), .matchesCase = true, .matchesWholeWords = true}).value();
 }
 
 /// The first hit that begins in `range` and meets none of the selections.
@@ -85,15 +92,14 @@ void OccurrenceSelector::selectWords()
         m_services.beep();
         return;
     }
-    const SearchQuery query{.pattern = text.toString(words.primary().range()), .matchesCase = true, .matchesWholeWords = true};
-    m_searcher = TextSearcher::compile(query).value();
+    m_searcher = searcherFor(text, words.primary().range());
     show(words);
 }
 
 void OccurrenceSelector::selectNext()
 {
     if (settleQuery()) {
-        seek(Kept::all);
+        seek(m_made, [this](const CaretSelection &found) { show(m_made.with(found)); });
     } else {
         selectWords();
     }
@@ -102,30 +108,54 @@ void OccurrenceSelector::selectNext()
 void OccurrenceSelector::skip()
 {
     if (settleQuery()) {
-        seek(Kept::allButPrimary);
+        seek(m_made, [this](const CaretSelection &found) {
+            show(m_made.isSingle() ? Selections(found) : m_made.without(m_made.primaryIndex()).with(found));
+        });
     } else {
         selectWords();
     }
 }
 
-void OccurrenceSelector::seek(Kept kept)
+void OccurrenceSelector::goToNext(TextRange word)
+{
+    if (word.isEmpty()) {
+        m_services.beep();
+        return;
+    }
+    m_seeking.cancel();
+    m_searcher = searcherFor(m_view.storage().text(), word);
+    seek(TextSelection{word.location, word.end()}, [this](const CaretSelection &found) { show(Selections(found)); });
+}
+
+void OccurrenceSelector::seek(const Selections &taken, std::function<void(const CaretSelection &)> then)
 {
     if (m_seeking.isPending()) {
         return;
     }
+    const auto arrive = [this, then = std::move(then), revision = m_view.storage().revision(),
+                         selections = m_view.selections()](const std::optional<TextRange> &hit) {
+        if (revision != m_view.storage().revision() || selections != m_view.selections()) {
+            return;
+        }
+        if (hit) {
+            then(CaretSelection::of({hit->location, hit->end()}));
+        } else {
+            m_services.beep();
+        }
+    };
     const Rope text = m_view.storage().text();
-    const qsizetype from = m_made.primary().range().end();
+    const qsizetype from = taken.primary().range().end();
     const qsizetype nearEnd = std::min(text.length(), from + near);
-    if (const auto hit = freshHit(*m_searcher, text, TextRange::between(from, nearEnd), m_made)) {
-        arrive(hit, kept);
+    if (const auto hit = freshHit(*m_searcher, text, TextRange::between(from, nearEnd), taken)) {
+        arrive(hit);
         return;
     }
-    const auto search = [text, from, nearEnd, taken = m_made](TextSearcher &searcher, const SearchControl &control) {
+    const auto search = [text, from, nearEnd, taken](TextSearcher &searcher, const SearchControl &control) {
         const auto behind = freshHit(searcher, text, TextRange::between(nearEnd, text.length()), taken, control);
         return behind ? behind : freshHit(searcher, text, TextRange::between(0, from), taken, control);
     };
     if (text.length() <= near) {
-        arrive(search(*m_searcher, {}), kept);
+        arrive(search(*m_searcher, {}));
         return;
     }
     m_seeking = BackgroundTask::start(
@@ -133,25 +163,7 @@ void OccurrenceSelector::seek(Kept kept)
         [search, searcher = std::make_shared<TextSearcher>(m_searcher->clone())](const std::stop_token &stop) {
             return search(*searcher, {.stop = stop});
         },
-        [this, kept](const std::optional<TextRange> &hit) { arrive(hit, kept); });
-}
-
-void OccurrenceSelector::arrive(const std::optional<TextRange> &hit, Kept kept)
-{
-    if (m_revision != m_view.storage().revision() || m_made != m_view.selections()) {
-        return;
-    }
-    if (!hit) {
-        m_services.beep();
-        return;
-    }
-    const CaretSelection found = CaretSelection::of({hit->location, hit->end()});
-    const bool isDropped = kept == Kept::allButPrimary;
-    if (isDropped && m_made.isSingle()) {
-        show(Selections(found));
-    } else {
-        show((isDropped ? m_made.without(m_made.primaryIndex()) : m_made).with(found));
-    }
+        arrive);
 }
 
 void OccurrenceSelector::selectAll()
@@ -196,7 +208,7 @@ void OccurrenceSelector::showAll(const std::vector<TextRange> &hits)
     }
     if (qsizetype(hits.size()) > mostSelections) {
         m_services.beep();
-        m_services.showMessage(formatted(localized(u"There are more than %d places"), mostSelections));
+        m_services.showMessage(formatted(localized(u"There are more than %d places"), mostSelections), toBeRead);
         return;
     }
     std::vector<CaretSelection> all;

@@ -3,12 +3,12 @@
 #pragma once
 
 #include "Base/BackgroundTask.h"
-#include "Base/Scheduler.h"
 #include "Find/FindHistory.h"
 #include "Find/HitIndex.h"
 #include "Find/ReplacementSearch.h"
 #include "Text/TextSearch.h"
 #include "Text/TextStorage.h"
+#include "View/CommandServices.h"
 
 #include <QObject>
 #include <QPointer>
@@ -27,12 +27,8 @@ class TextFinder final : public QObject {
     Q_OBJECT
 
 public:
-    struct Services {
-        Scheduler &scheduler;
-        Workers &workers;
+    struct Services : CommandServices {
         FindState &shared;
-        /// The sound for "nothing found".
-        std::function<void()> beep;
         /// How long what is sought in this view is remembered.
         std::function<FindHistory::Kept()> kept = [] { return FindHistory::Kept::forNextRun; };
     };

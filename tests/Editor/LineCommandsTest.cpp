@@ -25,7 +25,7 @@ public:
     HeldWorkers workers;
     QStringList messages;
     LineCommands commands{
-        view, {scheduler, workers, [this](const QString &message, Scheduler::Milliseconds) { messages << message; }, [this] { ++beeps; }}};
+        view, {scheduler, workers, [this] { ++beeps; }, [this](const QString &message, Scheduler::Milliseconds) { messages << message; }}};
 };
 
 struct Case {

@@ -35,7 +35,7 @@ struct Editor {
     int beeps = 0;
     QWidget window;
     TextView *view = new TextView(storage, undo, {scheduler, pasteboard}, testFont(), &window);
-    TextFinder finder{*view, {scheduler, workers, shared, [this] { ++beeps; }}};
+    TextFinder finder{*view, {{scheduler, workers, [this] { ++beeps; }}, shared}};
     FindBar *bar = new FindBar(finder, scheduler, &window);
 
     Editor(FindState &state, const QString &marked) : shared(state)
@@ -477,7 +477,7 @@ TEST_F(FindBarInALargeText, MarksItsHitsOnTheScrollBar)
 {
     auto *bar = new MarkedScrollBar(*editor.view);
     editor.view->setVerticalScrollBar(bar);
-    TextFinder finder(*editor.view, {editor.scheduler, editor.workers, shared, [] {}});
+    TextFinder finder(*editor.view, {{editor.scheduler, editor.workers}, shared});
     finder.setMarking(TextFinder::Marking::shown);
     finder.setQuery({.pattern = u"rare"_s});
     EXPECT_TRUE(bar->rowsOf(ScrollMark::hit).empty()) << "they are being counted";

@@ -24,7 +24,7 @@ protected:
 
     HeldWorkers workers;
     int beeps = 0;
-    OccurrenceSelector selector{view, {workers, [this] { ++beeps; }, [](const QString &) {}}};
+    OccurrenceSelector selector{view, {scheduler, workers, [this] { ++beeps; }}};
 };
 
 TEST_F(Occurrences, AreSelectedOneAfterAnother)
@@ -49,6 +49,22 @@ TEST_F(Occurrences, AreSelectedOneAfterAnother)
     selector.selectNext();
     EXPECT_EQ(shown(), u"a  |  b"_s) << "no word";
     EXPECT_EQ(beeps, 2);
+}
+
+TEST_F(Occurrences, AreGoneToOneAfterAnother)
+{
+    set(u"wo|rd words Word word"_s);
+    selector.goToNext({0, 4});
+    EXPECT_EQ(shown(), u"word words Word ^word|"_s);
+    selector.goToNext({16, 4});
+    EXPECT_EQ(shown(), u"^word| words Word word"_s) << "after the last comes the first";
+    selector.selectNext();
+    EXPECT_EQ(shown(), u"^word| words Word ^word|"_s) << "of the same word";
+    set(u"word wor|ds"_s);
+    selector.goToNext({5, 5});
+    selector.goToNext({});
+    EXPECT_EQ(beeps, 2);
+    EXPECT_EQ(shown(), u"word wor|ds"_s);
 }
 
 TEST_F(Occurrences, AreSelectedAllAtOnce)
