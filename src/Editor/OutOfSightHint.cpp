@@ -2,22 +2,22 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/OutOfSightHint.h"
 
+#include "View/FloatingNote.h"
 #include "View/TextView.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMouseEvent>
+#include <QPainter>
 
-OutOfSightHint::OutOfSightHint(TextView &view) : QFrame(view.viewport()), m_view(view), m_label(new QLabel(this))
+OutOfSightHint::OutOfSightHint(TextView &view) : QWidget(view.viewport()), m_view(view), m_label(new QLabel(this))
 {
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins(6, 1, 6, 1);
     layout->addWidget(m_label);
     m_label->setTextFormat(Qt::PlainText);
     m_label->setTextInteractionFlags(Qt::NoTextInteraction);
-    setFrameShape(QFrame::Box);
-    setAutoFillBackground(true);
     setCursor(Qt::PointingHandCursor);
     view.viewport()->installEventFilter(this);
     hide();
@@ -25,19 +25,14 @@ OutOfSightHint::OutOfSightHint(TextView &view) : QFrame(view.viewport()), m_view
 
 void OutOfSightHint::show(const QString &text)
 {
-    const TextView::Colors &colors = m_view.colors();
     QPalette palette = this->palette();
-    palette.setColor(QPalette::Window, colors.background);
-    palette.setColor(QPalette::WindowText, colors.text);
+    palette.setColor(QPalette::WindowText, m_view.colors().text);
     m_label->setPalette(palette);
-    // The frame is there, but does not speak up.
-    palette.setColor(QPalette::WindowText, colors.invisibles);
-    setPalette(palette);
     m_label->setFont(m_view.textFont());
     m_label->setText(text);
     setAccessibleName(text);
     place();
-    QFrame::show();
+    QWidget::show();
     raise();
 }
 
@@ -58,11 +53,17 @@ bool OutOfSightHint::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::Resize && isVisible()) {
         place();
     }
-    return QFrame::eventFilter(watched, event);
+    return QWidget::eventFilter(watched, event);
 }
 
 void OutOfSightHint::mousePressEvent(QMouseEvent *event)
 {
     event->accept();
     emit clicked();
+}
+
+void OutOfSightHint::paintEvent(QPaintEvent * /*event*/)
+{
+    QPainter painter(this);
+    paintFloatingNote(painter, rect(), m_view.colors());
 }

@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QFrame>
+#include <QWidget>
 
 class QLabel;
 class TextView;
 
 /// A line of text over an edge of a view that says what is outside it, in the colours of the view. A click goes there.
-class OutOfSightHint final : public QFrame {
+class OutOfSightHint final : public QWidget {
     Q_OBJECT
 
 public:
@@ -23,6 +23,7 @@ signals:
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
 
 private:
     void place();

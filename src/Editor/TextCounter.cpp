@@ -4,6 +4,19 @@
 
 #include "View/TextView.h"
 
+namespace {
+
+TextCounts countsOf(const Rope &text, const Selections &stretches, const std::stop_token &stop = {})
+{
+    TextCounts counts;
+    for (const CaretSelection &one : stretches) {
+        counts += TextCounts::of(text, one.range(), stop);
+    }
+    return counts;
+}
+
+} // namespace
+
 TextCounter::TextCounter(TextView &view, const Services &services, QObject *parent) : QObject(parent), m_view(view), m_services(services)
 {
     connect(&view.storage(), &TextStorage::changed, this, &TextCounter::noteEdit);
@@ -19,21 +32,20 @@ void TextCounter::Inquiry::forget()
 
 TextCounter::Counts TextCounter::counts()
 {
-    const TextRange whole{0, m_view.storage().length()};
-    const TextRange selected = m_view.selection().range();
+    const TextSelection whole{0, m_view.storage().length()};
     const auto text = find(m_text, whole);
-    if (selected.isEmpty()) {
+    if (!m_view.selections().hasSelected()) {
         return {text, std::nullopt};
     }
-    return {text, selected == whole ? text : find(m_selection, selected)};
+    return {text, m_view.selections().selectedUnits() == whole.range().length ? text : find(m_selection, m_view.selections())};
 }
 
-std::optional<TextCounts> TextCounter::find(Inquiry &inquiry, TextRange range)
+std::optional<TextCounts> TextCounter::find(Inquiry &inquiry, const Selections &stretches)
 {
-    inquiry.range = range;
+    inquiry.stretches = stretches;
     if (!inquiry.found && !inquiry.isUnderWay()) {
-        if (range.length <= most) {
-            inquiry.found = TextCounts::of(m_view.storage().text(), range);
+        if (stretches.selectedUnits() + qsizetype(stretches.count()) <= most) {
+            inquiry.found = countsOf(m_view.storage().text(), stretches);
         } else {
             start(inquiry);
         }
@@ -47,8 +59,8 @@ void TextCounter::start(Inquiry &inquiry)
         inquiry.growth = {};
         inquiry.task = BackgroundTask::start(
             m_services.workers,
-            [text = m_view.storage().text(), range = inquiry.range](const std::stop_token &stop) {
-                return TextCounts::of(text, range, stop);
+            [text = m_view.storage().text(), stretches = inquiry.stretches](const std::stop_token &stop) {
+                return countsOf(text, stretches, stop);
             },
             [this, &inquiry](TextCounts found) {
                 found += inquiry.growth;
@@ -77,7 +89,7 @@ void TextCounter::noteEdit(const TextChange &change)
 
 void TextCounter::noteSelection()
 {
-    if (m_view.selection().range() != m_selection.range) {
+    if (m_view.selections() != m_selection.stretches) {
         m_selection.forget();
     }
 }

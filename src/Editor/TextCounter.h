@@ -4,6 +4,7 @@
 
 #include "Base/BackgroundTask.h"
 #include "Base/Scheduler.h"
+#include "Text/Selections.h"
 #include "Text/TextCounts.h"
 
 #include <QObject>
@@ -12,7 +13,7 @@ class Rope;
 class TextView;
 struct TextChange;
 
-/// Counts what is in the text of a view and in its selection. Nothing is counted before somebody asks. What one sees at a time is counted
+/// Counts what is in the text of a view and in its selections. Nothing is counted before somebody asks. What one sees at a time is counted
 /// at once, and so is what a key changes; anything larger on a worker, when edits and selection have come to rest. Main thread only.
 class TextCounter final : public QObject {
     Q_OBJECT
@@ -44,9 +45,9 @@ signals:
     void changed();
 
 private:
-    /// Counts of a stretch that is counted on a worker.
+    /// Counts of stretches, which are counted on a worker where they are long.
     struct Inquiry {
-        TextRange range;
+        Selections stretches;
         DelayedTask start;
         BackgroundTask task;
         std::optional<TextCounts> found;
@@ -59,7 +60,7 @@ private:
 
     void noteEdit(const TextChange &change);
     void noteSelection();
-    [[nodiscard]] std::optional<TextCounts> find(Inquiry &inquiry, TextRange range);
+    [[nodiscard]] std::optional<TextCounts> find(Inquiry &inquiry, const Selections &stretches);
     void start(Inquiry &inquiry);
 
     TextView &m_view;

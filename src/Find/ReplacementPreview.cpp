@@ -3,7 +3,7 @@
 #include "Find/ReplacementPreview.h"
 
 #include "Base/Translation.h"
-#include "Desktop/PaletteBlend.h"
+#include "View/FloatingNote.h"
 #include "View/TextView.h"
 
 #include <QPainter>
@@ -20,8 +20,6 @@ constexpr qsizetype mostLines = 4;
 constexpr qsizetype mostUnits = 400;
 constexpr int padding = 5;
 constexpr int distance = 2;
-constexpr double groundShare = 0.08;
-constexpr double borderShare = 0.45;
 
 QString shownOf(const QString &replacement)
 {
@@ -92,10 +90,7 @@ void ReplacementPreview::paintEvent(QPaintEvent * /*event*/)
 {
     const TextView::Colors &colors = m_view.colors();
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(blended(colors.background, colors.text, borderShare));
-    painter.setBrush(blended(colors.background, colors.text, groundShare));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 3, 3);
+    paintFloatingNote(painter, rect(), colors);
     painter.setPen(colors.text);
     painter.setFont(font());
     painter.drawText(rect().adjusted(padding, distance, -padding, -distance), Qt::AlignLeft | Qt::AlignTop, m_text);

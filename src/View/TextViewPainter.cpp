@@ -211,9 +211,21 @@ void TextViewPainter::paintOccurrences(QPainter &painter, const Row &row)
     ground.setAlphaF(0.55F);
     for (const TextRange word : looks.occurrences(row.seen)) {
         for (const Span span : m_layout.spansOf(row.position, word, row.visible)) {
-            painter.fillRect(box(row, span), ground);
+            if (invertsSelected()) {
+                paintFrame(painter, box(row, span));
+            } else {
+                painter.fillRect(box(row, span), ground);
+            }
         }
     }
+}
+
+void TextViewPainter::paintFrame(QPainter &painter, const QRectF &rect)
+{
+    const PainterState state(painter);
+    painter.setPen(QPen(looks.colors.text, 0));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(rect.adjusted(0, 0, -1, -1));
 }
 
 void TextViewPainter::paintBrackets(QPainter &painter, const Row &row)
@@ -224,11 +236,10 @@ void TextViewPainter::paintBrackets(QPainter &painter, const Row &row)
     for (const TextRange bracket : looks.brackets(row.units)) {
         if (!bracket.intersected(row.units).isEmpty()) {
             for (const Span span : m_layout.spansOf(row.position, bracket, row.visible)) {
-                painter.fillRect(box(row, span), looks.colors.selection);
-                const PainterState state(painter);
-                painter.setPen(QPen(looks.colors.text, 0));
-                painter.setBrush(Qt::NoBrush);
-                painter.drawRect(box(row, span).adjusted(0, 0, -1, -1));
+                if (!invertsSelected()) {
+                    painter.fillRect(box(row, span), looks.colors.selection);
+                }
+                paintFrame(painter, box(row, span));
             }
         }
     }

@@ -115,6 +115,9 @@ private:
     void paintMisspellings(QPainter &painter, const Row &row);
     void paintOccurrences(QPainter &painter, const Row &row);
     void paintBrackets(QPainter &painter, const Row &row);
+    void paintFrame(QPainter &painter, const QRectF &rect);
+    /// Only what is selected can be read on the selection's colour then.
+    [[nodiscard]] bool invertsSelected() const { return looks.colors.selectedText.isValid(); }
     void paintUnsavable(QPainter &painter, const Row &row);
     void paintInvisibles(QPainter &painter, const Row &row, const Rope &text);
     void paintText(QPainter &painter, const Row &row, const Selections &selections);

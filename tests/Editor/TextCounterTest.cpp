@@ -47,6 +47,8 @@ TEST_F(TextCounterTest, CountsWhatIsShortAtOnce)
     sendKeys(view, u" more<S-Left><S-Left>"_s);
     EXPECT_EQ(words(), 3);
     EXPECT_EQ(selectedWords(), 1);
+    view.setSelection(Selections::merged({CaretSelection::of({0, 4}), CaretSelection::of({5, 10})}, 0));
+    EXPECT_EQ(selectedWords(), 2) << "of all carets";
     EXPECT_EQ(workers.count, 0);
 }
 

@@ -213,6 +213,11 @@ TEST(Paint, SelectedTextAndTheCaretsRowCanHaveColoursOfTheirOwn)
     colors.currentLineBorder = Qt::green;
     fixture.view.setColors(colors);
     EXPECT_GT(counts(firstRow)[qRgb(0, 255, 0)], 2 * secondRow.width() - 10) << "but for the caret";
+    fixture.view.setSelection({0, 0});
+    const auto blank = [](TextRange) { return std::vector<TextRange>{{4, 1}}; };
+    fixture.view.setLook(&TextLooks::brackets, blank);
+    fixture.view.setLook(&TextLooks::occurrences, blank);
+    EXPECT_EQ(counts(firstRow)[qRgb(255, 255, 0)], 0) << "marked letters keep their colour, so nothing of the selection's is behind them";
 }
 
 /// The width of a long line's part is an estimate until some question lays it out; what is right of it moves then.
