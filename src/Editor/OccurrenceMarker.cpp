@@ -70,11 +70,11 @@ std::vector<TextRange> OccurrenceMarker::occurrencesIn(TextRange seen)
 {
     std::vector<TextRange> found;
     if (m_searcher) {
-        const qsizetype caret = m_view.selection().caret;
         // One may begin before what is seen.
         const qsizetype from = std::max<qsizetype>(seen.location - longestWord, 0);
         m_searcher->forEachHit(m_view.storage().text(), TextRange::between(from, seen.end()), [&](TextRange hit) {
-            if (hit.location > caret || hit.end() < caret) {
+            // One with a caret would look selected.
+            if (!m_view.selections().touching(hit)) {
                 found.push_back(hit);
             }
             return true;

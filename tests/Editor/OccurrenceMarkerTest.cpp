@@ -34,6 +34,9 @@ TEST_F(OccurrenceMarkerTest, MarksTheWordAtTheCaretElsewhere)
     EXPECT_EQ(marked(), QString());
     rest();
     EXPECT_EQ(marked(), u"28 34"_s);
+    view.setSelection(Selections(TextSelection::at(4)).with(CaretSelection::at({30})).with(CaretSelection::at({4})));
+    EXPECT_EQ(marked(), u"34"_s) << "but where there is no caret";
+    view.setSelection(TextSelection::at(4));
     sendKeys(view, u"s"_s);
     EXPECT_EQ(marked(), QString()) << "another word";
     rest();
