@@ -173,6 +173,11 @@ inline constexpr Action goToNextChange{"goToNextChange:", u"Next Change", "F7"};
 inline constexpr Action goToPreviousChange{"goToPreviousChange:", u"Previous Change", "F8"};
 inline constexpr Action showChange{
     .id = "showChange:", .title = u"Show Change", .keys = "Shift+F7", .help = u"Shows what the changed lines were before"};
+inline constexpr Action goToNextConflict{.id = "goToNextConflict:",
+                                         .title = u"Next Conflict",
+                                         .keys = "Ctrl+Shift+F7",
+                                         .help = u"Goes to lines that a merge left to be decided on"};
+inline constexpr Action goToPreviousConflict{"goToPreviousConflict:", u"Previous Conflict", "Ctrl+Shift+F8"};
 inline constexpr Action selectNextTab{"selectNextTab:", u"Next Tab", "Ctrl+Tab; Ctrl+PgDown"};
 inline constexpr Action selectPreviousTab{"selectPreviousTab:", u"Previous Tab", "Ctrl+Shift+Tab; Ctrl+PgUp"};
 inline constexpr Action selectTab1{"selectTabByNumber:", u"Tab %d", "Ctrl+1", "", 1};
@@ -346,6 +351,8 @@ inline constexpr auto navigate = std::to_array<MenuRow>({
     goToNextChange,
     goToPreviousChange,
     showChange,
+    goToNextConflict,
+    goToPreviousConflict,
     line,
     selectNextTab,
     selectPreviousTab,

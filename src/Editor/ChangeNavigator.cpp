@@ -27,6 +27,16 @@ constexpr auto titles = std::to_array<TitleRow>({
     {LineChange::Kind::deleted, u"Deleted since the last save", u"Deleted since the last commit"},
 });
 
+struct ScrollMarkRow {
+    LineChange::Kind kind;
+    ScrollMark mark;
+};
+constexpr auto scrollMarks = std::to_array<ScrollMarkRow>({
+    {LineChange::Kind::added, ScrollMark::added},
+    {LineChange::Kind::modified, ScrollMark::changed},
+    {LineChange::Kind::deleted, ScrollMark::deleted},
+});
+
 QString titleOf(LineChange::Kind kind, ChangeMarks::Reference reference)
 {
     const TitleRow &row = *std::ranges::find(titles, kind, &TitleRow::kind);
@@ -41,6 +51,7 @@ ChangeNavigator::ChangeNavigator(EditorTextView &view, TextDocument &document, c
 {
     view.ruler().setChanges([marks = m_marks] { return marks->changes(); });
     connect(m_marks, &ChangeMarks::changed, &view.ruler(), qOverload<>(&QWidget::update));
+    markScrollBar();
     connect(&view.ruler(), &LineNumberRulerView::changeClicked, this, [this](size_t index) {
         const auto changes = m_marks->changes();
         if (m_panel && index < changes.size() && changes[index] == m_shown) {
@@ -67,6 +78,34 @@ bool ChangeNavigator::eventFilter(QObject *object, QEvent *event)
 ChangeNavigator::~ChangeNavigator()
 {
     delete m_panel;
+    m_view.ruler().setChanges({});
+    if (MarkedScrollBar *bar = MarkedScrollBar::of(m_view)) {
+        for (const ScrollMarkRow &row : scrollMarks) {
+            bar->setSource(row.mark, {});
+        }
+    }
+}
+
+void ChangeNavigator::markScrollBar()
+{
+    MarkedScrollBar *bar = MarkedScrollBar::of(m_view);
+    if (!bar) {
+        return;
+    }
+    for (const ScrollMarkRow &row : scrollMarks) {
+        const auto firstIn = [marks = m_marks, kind = row.kind](TextRange stretch) {
+            return LineChanges::firstIn(marks->changes(), kind, stretch);
+        };
+        bar->setSource(row.mark, {.any = [marks = m_marks] { return !marks->changes().empty(); },
+                                  .has = [firstIn](TextRange stretch) { return firstIn(stretch).has_value(); },
+                                  .go =
+                                      [this, firstIn](TextRange stretch) {
+                                          if (const auto index = firstIn(stretch)) {
+                                              arriveAt(*index);
+                                          }
+                                      }});
+    }
+    connect(m_marks, &ChangeMarks::changed, bar, &MarkedScrollBar::placesChanged);
 }
 
 ChangeNavigator::CaretLine ChangeNavigator::caretLine() const
@@ -94,8 +133,12 @@ void ChangeNavigator::goTo(std::optional<size_t> wanted, size_t otherwise)
         m_services.beep();
         return;
     }
-    const size_t index = wanted.value_or(otherwise);
-    const LineChange change = changes[index];
+    arriveAt(wanted.value_or(otherwise));
+}
+
+void ChangeNavigator::arriveAt(size_t index)
+{
+    const LineChange change = m_marks->changes()[index];
     m_view.setSelection(TextSelection::at(change.range.location), TextView::Reveal::nearest);
     m_view.showIndicator(change.range);
     if (m_panel) {
@@ -186,6 +229,11 @@ void ChangeNavigator::restore()
 void ChangeNavigator::applyTheme(const Theme &theme)
 {
     m_theme = &theme;
+    if (MarkedScrollBar *bar = MarkedScrollBar::of(m_view)) {
+        for (const ScrollMarkRow &row : scrollMarks) {
+            bar->setBaseColor(row.mark, changeColor(theme, row.kind));
+        }
+    }
     if (m_panel) {
         m_panel->applyTheme(theme);
     }

@@ -13,8 +13,8 @@
 class EditorTextView;
 struct Theme;
 
-/// What one does with the marks of changed lines in a view: sees them beside the line numbers, goes from one to the next, reads what was
-/// there, brings it back as one step of undo. Main thread only.
+/// What one does with the marks of changed lines in a view: sees them beside the line numbers and on the scroll bar, goes from one to the
+/// next, reads what was there, brings it back as one step of undo. Main thread only.
 class ChangeNavigator final : public QObject {
     Q_OBJECT
 
@@ -50,7 +50,9 @@ private:
         qsizetype end = 0;
     };
     [[nodiscard]] CaretLine caretLine() const;
+    void markScrollBar();
     void goTo(std::optional<size_t> wanted, size_t otherwise);
+    void arriveAt(size_t index);
     void open(size_t index);
     void close();
     void place();

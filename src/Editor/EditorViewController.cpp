@@ -7,6 +7,7 @@
 #include "Editor/AutoPairs.h"
 #include "Editor/BracketMarker.h"
 #include "Editor/ChangeNavigator.h"
+#include "Editor/ConflictNavigator.h"
 #include "Editor/EditorFont.h"
 #include "Editor/EditorVim.h"
 #include "Editor/ExternalChangeBanner.h"
@@ -60,12 +61,12 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
       m_findBar(new FindBar(*m_finder, services.scheduler, this)), m_occurrences(*m_textView, commandServices()),
       m_counter(new TextCounter(*m_textView, {services.scheduler, services.workers}, this)),
       m_brackets(new BracketMarker(*m_textView, document, commandServices())),
-      m_wordMarks(new OccurrenceMarker(*m_textView, services.scheduler)),
+      m_wordMarks(new OccurrenceMarker(*m_textView, services.scheduler, services.workers)),
+      m_conflicts(new ConflictNavigator(*m_textView, commandServices())),
       m_changes(std::make_unique<ChangeNavigator>(
           *m_textView, document,
-          ChangeNavigator::Services{{services.scheduler, services.workers, services.notifications, services.preferences},
-                                    services.pasteboard,
-                                    services.beep()}))
+          ChangeNavigator::Services{
+              {services.scheduler, services.workers, services.notifications, services.preferences}, services.pasteboard, services.beep()}))
 {
     setAccessibleRole(*this, QAccessible::Grouping);
     resize(startSize);
@@ -102,7 +103,6 @@ EditorViewController::~EditorViewController()
     m_lineCommands.reset();
     m_vim.reset();
     m_spelling.reset();
-    m_textView->ruler().setChanges({});
     m_changes.reset();
     delete m_textView;
 }
@@ -121,11 +121,28 @@ const ActionRow *EditorViewController::actionFor(const Action &wanted) const
         action<&EditorViewController::goToNextChange, &EditorViewController::hasChanges>(Actions::goToNextChange),
         action<&EditorViewController::goToPreviousChange, &EditorViewController::hasChanges>(Actions::goToPreviousChange),
         action<&EditorViewController::showChange, &EditorViewController::hasChanges>(Actions::showChange),
+        action<&EditorViewController::goToNextConflict, &EditorViewController::hasConflicts>(Actions::goToNextConflict),
+        action<&EditorViewController::goToPreviousConflict, &EditorViewController::hasConflicts>(Actions::goToPreviousConflict),
         action<&EditorViewController::toggleSpelling, &EditorViewController::spellingState>(Actions::toggleContinuousSpellChecking),
         action<&EditorViewController::checkSpelling, &EditorViewController::canCheckSpelling>(Actions::checkSpelling),
         action<&EditorViewController::showSpellingPanel, &EditorViewController::hasSpelling>(Actions::showGuessPanel),
     });
     return findAction(rows, wanted);
+}
+
+void EditorViewController::goToNextConflict()
+{
+    m_conflicts->goToNext();
+}
+
+void EditorViewController::goToPreviousConflict()
+{
+    m_conflicts->goToPrevious();
+}
+
+bool EditorViewController::hasConflicts() const
+{
+    return m_conflicts->hasConflicts();
 }
 
 void EditorViewController::goToMatchingBracket()

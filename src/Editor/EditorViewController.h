@@ -18,6 +18,7 @@
 class AlertPresenter;
 class ChangeNavigator;
 class CharacterSet;
+class ConflictNavigator;
 class DocumentStore;
 class BracketMarker;
 class EditorVim;
@@ -151,6 +152,9 @@ private:
     void goToPreviousChange();
     void showChange();
     [[nodiscard]] bool hasChanges() const;
+    void goToNextConflict();
+    void goToPreviousConflict();
+    [[nodiscard]] bool hasConflicts() const;
 
     void makeSpelling();
     void adoptDictionaries();
@@ -177,6 +181,7 @@ private:
     TextCounter *m_counter;
     BracketMarker *m_brackets;
     OccurrenceMarker *m_wordMarks;
+    ConflictNavigator *m_conflicts;
     std::unique_ptr<ChangeNavigator> m_changes;
     std::unique_ptr<SpellingController> m_spelling;
     /// The file that it was last kept for.

@@ -3,6 +3,7 @@
 #include "Editor/OccurrenceMarker.h"
 
 #include "Text/TextBoundaries.h"
+#include "View/MarkedScrollBar.h"
 #include "View/TextView.h"
 
 namespace {
@@ -15,11 +16,17 @@ std::optional<TextSearcher> searcherFor(const QString &word)
 
 } // namespace
 
-OccurrenceMarker::OccurrenceMarker(TextView &view, Scheduler &scheduler) : QObject(&view), m_view(view), m_scheduler(scheduler)
+OccurrenceMarker::OccurrenceMarker(TextView &view, Scheduler &scheduler, Workers &workers)
+    : QObject(&view), m_view(view), m_scheduler(scheduler), m_workers(workers)
 {
     connect(&view, &TextView::selectionChanged, this, &OccurrenceMarker::update);
     connect(&view.storage(), &TextStorage::didProcessEditing, this, &OccurrenceMarker::update);
     view.setLook(&TextLooks::occurrences, [this](TextRange seen) { return occurrencesIn(seen); });
+    if (MarkedScrollBar *bar = MarkedScrollBar::of(view)) {
+        bar->setSource(ScrollMark::occurrence, {.any = [this] { return m_places.has_value(); },
+                                                .has = [this](TextRange stretch) { return m_places && m_places->mayHaveHitsIn(stretch); },
+                                                .go = [this](TextRange stretch) { goToPlaceIn(stretch); }});
+    }
 }
 
 void OccurrenceMarker::setMarking(bool isMarking)
@@ -54,6 +61,8 @@ void OccurrenceMarker::update()
     }
     if (m_isMarking && !m_searcher) {
         m_rest = m_scheduler.after(restTime, [this] { mark(m_view.storage().string(word())); });
+    } else if (m_searcher && m_countedRevision != m_view.storage().revision()) {
+        m_rest = m_scheduler.after(restTime, [this] { count(); });
     }
 }
 
@@ -64,6 +73,44 @@ void OccurrenceMarker::mark(const QString &word)
     }
     m_searcher = word.isEmpty() ? std::nullopt : searcherFor(word);
     m_view.viewport()->update();
+    count();
+}
+
+void OccurrenceMarker::count()
+{
+    m_countedRevision = m_view.storage().revision();
+    m_counting.cancel();
+    if (!m_searcher || m_view.storage().length() > longestCounted || !MarkedScrollBar::of(m_view)) {
+        setPlaces(std::nullopt);
+        return;
+    }
+    m_counting = BackgroundTask::start(
+        m_workers,
+        [searcher = std::make_shared<TextSearcher>(m_searcher->clone()), text = m_view.storage().text()](const std::stop_token &stop) {
+            return HitIndex::make(*searcher, text, {.stop = stop});
+        },
+        [this](HitIndex found) { setPlaces(found.count() > 1 ? std::optional(std::move(found)) : std::nullopt); });
+}
+
+void OccurrenceMarker::setPlaces(std::optional<HitIndex> places)
+{
+    if (!places && !m_places) {
+        return;
+    }
+    m_places = std::move(places);
+    if (MarkedScrollBar *bar = MarkedScrollBar::of(m_view)) {
+        bar->placesChanged();
+    }
+}
+
+void OccurrenceMarker::goToPlaceIn(TextRange stretch)
+{
+    const Rope &text = m_view.storage().text();
+    const qsizetype from = std::min(stretch.location, text.length());
+    const auto hit = m_searcher ? m_searcher->firstHit(text, TextRange::between(from, text.length())) : std::nullopt;
+    if (hit) {
+        m_view.setSelection({hit->location, hit->end()}, TextView::Reveal::nearest);
+    }
 }
 
 std::vector<TextRange> OccurrenceMarker::occurrencesIn(TextRange seen)

@@ -43,7 +43,8 @@ TextFinder::TextFinder(TextView &view, Services services, QObject *parent)
     connect(&view, &TextView::selectionChanged, this, &TextFinder::selectionChanged);
     view.setLook(&TextLooks::marks, [this](TextRange seen) { return marksIn(seen); });
     if (MarkedScrollBar *bar = MarkedScrollBar::of(view)) {
-        bar->setSource(ScrollMark::hit, {.has = [this](TextRange stretch) { return m_index && m_index->mayHaveHitsIn(stretch); },
+        bar->setSource(ScrollMark::hit, {.any = [this] { return m_index && m_index->count() > 0; },
+                                         .has = [this](TextRange stretch) { return m_index && m_index->mayHaveHitsIn(stretch); },
                                          .go = [this](TextRange stretch) { goToHitIn(stretch); }});
     }
     view.setLook(&TextLooks::searched, [this](TextRange seen) {

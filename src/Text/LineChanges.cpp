@@ -94,6 +94,18 @@ std::optional<size_t> at(std::span<const LineChange> changes, qsizetype lineStar
     return found;
 }
 
+std::optional<size_t> firstIn(std::span<const LineChange> changes, Kind kind, TextRange stretch)
+{
+    auto change = std::ranges::partition_point(
+        changes, [&stretch](const LineChange &one) { return std::max(one.range.end(), one.range.location + 1) <= stretch.location; });
+    for (; change != changes.end() && change->range.location < stretch.end(); ++change) {
+        if (change->kind == kind) {
+            return size_t(change - changes.begin());
+        }
+    }
+    return std::nullopt;
+}
+
 TextEdits restoring(const LineChange &change, const Rope &text, const Rope &base)
 {
     TextRange range = change.range;

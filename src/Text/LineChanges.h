@@ -44,6 +44,8 @@ void map(std::vector<LineChange> &changes, const TextEdits &edits);
 /// Of the change whose mark stands beside that line; `lineEnd` is behind its break. Lines that are missing at the text's end belong to the
 /// last line.
 [[nodiscard]] std::optional<size_t> at(std::span<const LineChange> changes, qsizetype lineStart, qsizetype lineEnd);
+/// The first of that kind with anything in `stretch`; lines that are missing are where the next one begins. O(log n + those in `stretch`).
+[[nodiscard]] std::optional<size_t> firstIn(std::span<const LineChange> changes, LineChange::Kind kind, TextRange stretch);
 
 /// Puts the lines of the base in place of those of `change`, which is a change between exactly these two texts.
 [[nodiscard]] TextEdits restoring(const LineChange &change, const Rope &text, const Rope &base);

@@ -17,10 +17,18 @@ namespace {
 
 /// Pixels beside a mark that count as its own for a click.
 constexpr int reach = 2;
+/// Pixels of a wedge above and below its row.
+constexpr int wedgeRise = 2;
 /// What can be told apart.
 constexpr double leastContrast = 3;
 
 } // namespace
+
+MarkedScrollBar::MarkedScrollBar(TextView &view) : TextScrollBar(Qt::Vertical), m_view(view)
+{
+    setMouseTracking(true);
+    std::ranges::transform(scrollMarkKinds, m_baseColors.begin(), &ScrollMarkKind::color);
+}
 
 MarkedScrollBar *MarkedScrollBar::of(const TextView &view)
 {
@@ -39,9 +47,20 @@ void MarkedScrollBar::placesChanged()
     update();
 }
 
-bool MarkedScrollBar::hasSources() const
+bool MarkedScrollBar::mayHave(size_t kind) const
 {
-    return std::ranges::any_of(m_sources, [](const Source &source) { return source.has != nullptr; });
+    const Source &source = m_sources[kind];
+    return source.has && (!source.any || source.any());
+}
+
+bool MarkedScrollBar::mayHaveMarks() const
+{
+    for (size_t kind = 0; kind < m_sources.size(); ++kind) {
+        if (mayHave(kind)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 // Rows of pixels
@@ -76,15 +95,21 @@ void MarkedScrollBar::makeRows()
     }
     m_made = made;
     m_rows.assign(static_cast<size_t>(std::max(0, made.groove.height())), 0);
+    m_kinds = 0;
+    for (size_t kind = 0; kind < m_sources.size(); ++kind) {
+        m_kinds |= static_cast<quint8>(mayHave(kind) ? 1U << kind : 0U);
+    }
+    const quint8 asked = std::exchange(m_kinds, quint8(0));
     qsizetype from = 0;
-    for (int row = 0; row < made.groove.height(); ++row) {
+    for (int row = 0; row < made.groove.height() && asked != 0; ++row) {
         const bool isLast = row + 1 == made.groove.height();
         const qsizetype end = isLast ? m_view.storage().length() + 1 : std::max(from, offsetAt(row + 1, made));
         for (size_t kind = 0; kind < m_sources.size() && end > from; ++kind) {
-            if (m_sources[kind].has && m_sources[kind].has(TextRange::between(from, end))) {
+            if ((asked >> kind & 1U) != 0 && m_sources[kind].has(TextRange::between(from, end))) {
                 m_rows[static_cast<size_t>(row)] |= static_cast<quint8>(1U << kind);
             }
         }
+        m_kinds |= m_rows[static_cast<size_t>(row)];
         from = end;
     }
 }
@@ -93,9 +118,9 @@ std::vector<int> MarkedScrollBar::rowsOf(ScrollMark mark)
 {
     makeRows();
     std::vector<int> rows;
-    for (size_t row = 0; row < m_rows.size(); ++row) {
-        if ((m_rows[row] >> static_cast<unsigned>(mark) & 1U) != 0) {
-            rows.push_back(m_made->groove.top() + static_cast<int>(row));
+    for (int row = 0; row < static_cast<int>(m_rows.size()); ++row) {
+        if (has(row, static_cast<size_t>(mark))) {
+            rows.push_back(m_made->groove.top() + row);
         }
     }
     return rows;
@@ -103,14 +128,28 @@ std::vector<int> MarkedScrollBar::rowsOf(ScrollMark mark)
 
 // Painting
 
+void MarkedScrollBar::setBaseColor(ScrollMark mark, quint32 color)
+{
+    if (std::exchange(m_baseColors[static_cast<size_t>(mark)], color) != color) {
+        m_colors.reset();
+        update();
+    }
+}
+
+void MarkedScrollBar::setColors(const QColor &ground, const QColor &handle)
+{
+    TextScrollBar::setColors(ground, handle);
+    m_colors.reset();
+}
+
 QColor MarkedScrollBar::colorOf(ScrollMark mark)
 {
     if (!m_colors) {
         const auto [ground, handle] = grounds();
         m_colors.emplace();
         for (const ScrollMarkKind &kind : scrollMarkKinds) {
-            (*m_colors)[static_cast<size_t>(kind.mark)] =
-                QColor::fromRgb(legible(kind.color, oppositeOf(ground.rgb()), leastContrast, {ground.rgb(), handle.rgb()}));
+            (*m_colors)[static_cast<size_t>(kind.mark)] = QColor::fromRgb(legible(
+                m_baseColors[static_cast<size_t>(kind.mark)], oppositeOf(ground.rgb()), leastContrast, {ground.rgb(), handle.rgb()}));
         }
     }
     return (*m_colors)[static_cast<size_t>(mark)];
@@ -119,20 +158,57 @@ QColor MarkedScrollBar::colorOf(ScrollMark mark)
 void MarkedScrollBar::paintEvent(QPaintEvent *event)
 {
     TextScrollBar::paintEvent(event);
-    if (!hasSources() || minimum() == maximum()) {
+    if (!mayHaveMarks() || minimum() == maximum()) {
         return;
     }
     makeRows();
+    if (m_kinds == 0) {
+        return;
+    }
     QPainter painter(this);
     for (const ScrollMarkKind &kind : scrollMarkKinds) {
-        if (!m_sources[static_cast<size_t>(kind.mark)].has) {
+        if ((m_kinds >> static_cast<unsigned>(kind.mark) & 1U) != 0) {
+            std::ignore = colorOf(kind.mark);
+            paintMarks(painter, kind);
+        }
+    }
+}
+
+/// Marks in rows that follow one another are one.
+void MarkedScrollBar::paintMarks(QPainter &painter, const ScrollMarkKind &kind) const
+{
+    const auto index = static_cast<size_t>(kind.mark);
+    const QColor color = (*m_colors)[index];
+    const int left = static_cast<int>(std::lround(kind.left * (width() - 2))) + 1;
+    const int right = static_cast<int>(std::lround(kind.right * (width() - 2))) + 1;
+    const int breadth = right - left;
+    const int rowCount = static_cast<int>(m_rows.size());
+    for (int row = 0; row < rowCount; ++row) {
+        const int first = row;
+        while (row < rowCount && has(row, index)) {
+            ++row;
+        }
+        if (row == first) {
             continue;
         }
-        const int left = static_cast<int>(std::lround(kind.left * (width() - 2))) + 1;
-        const int right = static_cast<int>(std::lround(kind.right * (width() - 2))) + 1;
-        const QColor color = colorOf(kind.mark);
-        for (const int row : rowsOf(kind.mark)) {
-            painter.fillRect(left, row, right - left, markHeight, color);
+        const int top = m_made->groove.top() + first;
+        const int height = row - first - 1 + markHeight;
+        switch (kind.shape) {
+        case ScrollMarkShape::bar:
+            painter.fillRect(left, top, breadth, height, color);
+            break;
+        case ScrollMarkShape::rails: {
+            const int rail = std::max(1, breadth * 2 / 5);
+            painter.fillRect(left, top, rail, height, color);
+            painter.fillRect(right - rail, top, rail, height, color);
+            break;
+        }
+        case ScrollMarkShape::wedge:
+            for (int step = 0; step < breadth; ++step) {
+                const int rise = (wedgeRise * (breadth - 1 - step) + breadth / 2) / std::max(1, breadth - 1);
+                painter.fillRect(left + step, top - rise, 1, height + 2 * rise, color);
+            }
+            break;
         }
     }
 }
@@ -150,17 +226,19 @@ void MarkedScrollBar::changeEvent(QEvent *event)
 /// The nearest mark; that of the kind which is drawn last, of several as near. None on the handle, which is for dragging.
 std::optional<MarkedScrollBar::Mark> MarkedScrollBar::markAt(QPoint place)
 {
-    if (!hasSources() || placeOf(QStyle::SC_ScrollBarSlider).contains(place)) {
+    if (!mayHaveMarks() || placeOf(QStyle::SC_ScrollBarSlider).contains(place)) {
         return std::nullopt;
     }
     makeRows();
+    const int y = place.y() - m_made->groove.top();
     std::optional<Mark> nearest;
-    int least = reach + markHeight;
+    int least = reach;
+    const int end = std::min(y + reach + 1, static_cast<int>(m_rows.size()));
     for (size_t kind = 0; kind < scrollMarkKinds.size(); ++kind) {
-        for (const int row : rowsOf(scrollMarkKinds[kind].mark)) {
-            const int distance = std::max({row - place.y(), place.y() - (row + markHeight - 1), 0});
-            if (distance <= reach && (!nearest || distance <= least)) {
-                nearest = {.kind = kind, .row = row - m_made->groove.top()};
+        for (int row = std::max(y - reach - markHeight + 1, 0); row < end; ++row) {
+            const int distance = std::max({row - y, y - (row + markHeight - 1), 0});
+            if (has(row, kind) && distance <= least) {
+                nearest = {.kind = kind, .row = row};
                 least = distance;
             }
         }

@@ -20,7 +20,8 @@ class TextView;
 /// The vertical scroll bar of a text, with thin marks where something is in the text; a click on one goes there.
 ///
 /// Marks are made of rows of pixels: for each the stretch of text behind it is asked for once, so that their cost depends on the bar's
-/// height and not on what there is to be marked. They are made anew when they are painted and the text, its rows or the places are others.
+/// height and not on what there is to be marked. They are made anew when they are painted and the text, its rows or the places are others;
+/// scrolling and moving the caret ask for nothing.
 /// Main thread only.
 class MarkedScrollBar final : public TextScrollBar {
     Q_OBJECT
@@ -30,6 +31,8 @@ public:
     static constexpr int markHeight = 2;
 
     struct Source {
+        /// Whether there may be something anywhere, without which scrolling asks for nothing else. May be empty.
+        std::function<bool()> any = {};
         /// Whether something is in `stretch`. Stretches ascend, have gaps nowhere, and end behind the text.
         std::function<bool(TextRange stretch)> has;
         /// Goes to the first that is in `stretch`.
@@ -37,12 +40,15 @@ public:
     };
 
     /// To be given to `view`, which then owns it.
-    explicit MarkedScrollBar(TextView &view) : TextScrollBar(Qt::Vertical), m_view(view) { setMouseTracking(true); }
+    explicit MarkedScrollBar(TextView &view);
     /// That of `view`; null when it has another.
     [[nodiscard]] static MarkedScrollBar *of(const TextView &view);
 
     /// One without `has` takes the marks away.
     void setSource(ScrollMark mark, Source source);
+    /// 0xFFRRGGBB, instead of that of the table; made darker or brighter as that is.
+    void setBaseColor(ScrollMark mark, quint32 color);
+    void setColors(const QColor &ground, const QColor &handle) override;
     /// Something is elsewhere now.
     void placesChanged();
 
@@ -73,11 +79,14 @@ private:
         int row = 0;
     };
 
-    [[nodiscard]] bool hasSources() const;
+    [[nodiscard]] bool mayHave(size_t kind) const;
+    [[nodiscard]] bool mayHaveMarks() const;
+    [[nodiscard]] bool has(int row, size_t kind) const { return (m_rows[static_cast<size_t>(row)] >> kind & 1U) != 0; }
     [[nodiscard]] QRect placeOf(QStyle::SubControl part) const;
     [[nodiscard]] Made wanted();
     [[nodiscard]] qsizetype offsetAt(int row, const Made &made);
     void makeRows();
+    void paintMarks(QPainter &painter, const ScrollMarkKind &kind) const;
     [[nodiscard]] std::optional<Mark> markAt(QPoint place);
 
     TextView &m_view;
@@ -85,6 +94,9 @@ private:
     std::optional<Made> m_made;
     /// For each row of pixels of the groove, a bit for each kind.
     std::vector<quint8> m_rows;
+    /// Those that are in one of them.
+    quint8 m_kinds = 0;
+    std::array<quint32, scrollMarkKinds.size()> m_baseColors;
     std::optional<std::array<QColor, scrollMarkKinds.size()>> m_colors;
     bool m_isOnMark = false;
 };

@@ -9,9 +9,19 @@
 /// What a text has in places that its scroll bar marks.
 enum class ScrollMark : quint8 { added, changed, deleted, occurrence, hit, conflict };
 
-/// How marks of one kind look. Those that stand later are drawn over the others, and a click finds them first.
+enum class ScrollMarkShape : quint8 {
+    bar,
+    /// Its two ends.
+    rails,
+    /// Wide in the middle, and higher than the others.
+    wedge
+};
+
+/// How marks of one kind look, which can be told apart without their colours. Those that stand later are drawn over the others, and a click
+/// finds them first.
 struct ScrollMarkKind {
     ScrollMark mark;
+    ScrollMarkShape shape;
     /// sRGB, 0xFFRRGGBB; made darker or brighter until it can be told from the bar and its handle.
     quint32 color;
     /// Shares of the bar's width.
@@ -20,12 +30,12 @@ struct ScrollMarkKind {
 };
 
 inline constexpr auto scrollMarkKinds = std::to_array<ScrollMarkKind>({
-    {ScrollMark::added, 0xFF2E8B57, 0.0, 0.3},
-    {ScrollMark::changed, 0xFF1E6FD9, 0.0, 0.3},
-    {ScrollMark::deleted, 0xFFD03030, 0.0, 0.3},
-    {ScrollMark::occurrence, 0xFF7A7A7A, 0.65, 1.0},
-    {ScrollMark::hit, 0xFFB8780B, 0.3, 1.0},
-    {ScrollMark::conflict, 0xFFB030B0, 0.0, 1.0},
+    {ScrollMark::added, ScrollMarkShape::bar, 0xFF2DA44E, 0.0, 0.45},
+    {ScrollMark::changed, ScrollMarkShape::rails, 0xFF1F7FE0, 0.0, 0.45},
+    {ScrollMark::deleted, ScrollMarkShape::wedge, 0xFFCF222E, 0.0, 0.45},
+    {ScrollMark::occurrence, ScrollMarkShape::bar, 0xFF7A7A7A, 0.7, 1.0},
+    {ScrollMark::hit, ScrollMarkShape::bar, 0xFFB8780B, 0.45, 1.0},
+    {ScrollMark::conflict, ScrollMarkShape::bar, 0xFFB030B0, 0.0, 1.0},
 });
 static_assert([] {
     for (size_t i = 0; i < scrollMarkKinds.size(); ++i) {

@@ -12,7 +12,7 @@ public:
     explicit TextScrollBar(Qt::Orientation orientation, QWidget *parent = nullptr) : QScrollBar(orientation, parent) {}
 
     /// Of the bar, and of its handle and edge; invalid ones leave it to the style.
-    void setColors(const QColor &ground, const QColor &handle);
+    virtual void setColors(const QColor &ground, const QColor &handle);
 
     struct Grounds {
         QColor bar;

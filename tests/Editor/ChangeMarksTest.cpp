@@ -190,6 +190,34 @@ TEST_F(ChangeMarksTest, GoesRoundTheChangesAndFindsMissingLinesBetweenOthers)
     EXPECT_EQ(editor->changes().panel()->accessibleName(), u"Deleted since the last save"_s);
 }
 
+TEST_F(ChangeMarksTest, MarksEachKindOnTheScrollBar)
+{
+    QByteArray lines;
+    for (int line = 1000; line < 2000; ++line) {
+        lines += QByteArray::number(line) + '\n';
+    }
+    open(lines);
+    document->storage().apply({{2500, 4}, u"other"_s});
+    document->storage().apply({{4501, 5}, u""_s});
+    edit({5, 0}, u"new\n"_s);
+    ASSERT_EQ(marks(), u"a5 m2504 d4505"_s);
+    MarkedScrollBar &bar = *MarkedScrollBar::of(editor->textView());
+    const auto rowOf = [&](ScrollMark mark) {
+        const auto rows = bar.rowsOf(mark);
+        return rows.size() == 1 ? rows.front() : -1;
+    };
+    EXPECT_LT(rowOf(ScrollMark::added), 30);
+    EXPECT_NEAR(rowOf(ScrollMark::changed), bar.height() / 2, 5);
+    EXPECT_GT(rowOf(ScrollMark::deleted), rowOf(ScrollMark::changed) + 100);
+    QTest::mouseClick(&bar, Qt::LeftButton, {}, {3, rowOf(ScrollMark::deleted)});
+    EXPECT_EQ(editor->textView().selection(), TextSelection::at(4505));
+    editor->textView().undo();
+    editor->textView().undo();
+    editor->textView().undo();
+    rest();
+    EXPECT_EQ(rowOf(ScrollMark::changed), -1);
+}
+
 TEST(ChangeColorTest, StandsOutInEveryTheme)
 {
     for (const Theme &builtIn : Theme::all()) {

@@ -3,6 +3,10 @@
 #include "Editor/OccurrenceMarker.h"
 
 #include "EditorFixture.h"
+#include "HeldWorkers.h"
+#include "View/MarkedScrollBar.h"
+
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -22,9 +26,14 @@ protected:
         }
         return found.join(u' ');
     }
-    void rest() { scheduler.advance(OccurrenceMarker::restTime); }
+    void rest()
+    {
+        scheduler.advance(OccurrenceMarker::restTime);
+        QCoreApplication::processEvents();
+    }
 
-    OccurrenceMarker marker{view, scheduler};
+    HeldWorkers workers{HeldWorkers::Mode::atOnce};
+    OccurrenceMarker marker{view, scheduler, workers};
 };
 
 } // namespace
@@ -46,4 +55,27 @@ TEST_F(OccurrenceMarkerTest, MarksTheWordAtTheCaretElsewhere)
     EXPECT_EQ(marked(), QString());
     sendKeys(view, u"<C-End>"_s);
     EXPECT_TRUE(marker.word().isEmpty());
+}
+
+TEST_F(OccurrenceMarkerTest, MarksTheWholeTextOnTheScrollBar)
+{
+    storage.apply({{0, storage.length()}, u"word\nalone\n"_s + u"\n"_s.repeated(998) + u"word\n"_s});
+    view.resize(400, 600);
+    MarkedScrollBar &bar = *MarkedScrollBar::of(view);
+    const auto rowsAt = [&](qsizetype caret) {
+        view.setSelection(TextSelection::at(caret));
+        rest();
+        return bar.rowsOf(ScrollMark::occurrence);
+    };
+    EXPECT_EQ(rowsAt(5), std::vector<int>()) << "it stands nowhere else";
+    const auto rows = rowsAt(0);
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_GT(rows.back() - rows.front(), bar.height() / 2);
+    QTest::mouseClick(&bar, Qt::LeftButton, {}, {5, rows.back()});
+    EXPECT_EQ(view.selection(), (TextSelection{1009, 1013}));
+    EXPECT_EQ(bar.rowsOf(ScrollMark::occurrence), rows) << "it is the same word";
+    storage.apply({{5, 0}, u"word\n"_s.repeated(900)});
+    rest();
+    EXPECT_GT(bar.rowsOf(ScrollMark::occurrence).size(), 100U) << "counted again";
+    EXPECT_EQ(rowsAt(4 + 5 * 900 + 5), std::vector<int>());
 }

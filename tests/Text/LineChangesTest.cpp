@@ -54,6 +54,24 @@ TEST(LineChangesTest, StaysOnItsLinesWhileTheTextIsEdited)
     EXPECT_EQ(after({2, 2}, u""), u"d1-1 d2-2"_s) << "nothing is left of the modified line";
 }
 
+TEST(LineChangesTest, FindsThemByKindAndPlace)
+{
+    const Rope base(u"a\nb\nc\nd\ne\n");
+    const auto found = changes(base, Rope(u"1\n2\na\nX\nc\ne\n")); // a0-4, m6-8, d10
+    const auto first = [&](LineChange::Kind kind, qsizetype start, qsizetype end) {
+        return LineChanges::firstIn(found, kind, TextRange::between(start, end)).has_value();
+    };
+    ASSERT_EQ(found.size(), 3U);
+    EXPECT_TRUE(first(LineChange::Kind::added, 0, 1));
+    EXPECT_TRUE(first(LineChange::Kind::added, 3, 12));
+    EXPECT_FALSE(first(LineChange::Kind::added, 4, 12));
+    EXPECT_TRUE(first(LineChange::Kind::modified, 0, 7));
+    EXPECT_FALSE(first(LineChange::Kind::modified, 0, 6));
+    EXPECT_TRUE(first(LineChange::Kind::deleted, 10, 11)) << "it has no length, and one place";
+    EXPECT_FALSE(first(LineChange::Kind::deleted, 0, 10));
+    EXPECT_FALSE(first(LineChange::Kind::deleted, 11, 12));
+}
+
 TEST(LineChangesTest, GoesFromOneToTheNext)
 {
     const Rope text(u"new\na\nb\nx\ny\nz\ne\n");

@@ -92,6 +92,8 @@ TEST_F(MarkedScrollBarTest, CostsABarsHeightWhateverTheTextIs)
         EXPECT_EQ(fixture.view.layoutManager().counters().layouts, layouts);
         asked = 0;
         bar->grab();
+        fixture.view.textViewport().setY(1000);
+        bar->grab();
         EXPECT_EQ(asked, 0) << "nothing is new";
     }
 }
@@ -112,6 +114,37 @@ TEST_F(MarkedScrollBarTest, GoesToTheMarkThatIsClickedAndDragsItsHandle)
     bar->setValue(0);
     QTest::mouseClick(bar, Qt::LeftButton, {}, {5, bar->rowsOf(ScrollMark::hit).front()});
     EXPECT_TRUE(gone.isEmpty()) << "on the handle";
+}
+
+TEST_F(MarkedScrollBarTest, AsksForNoPlacesWhereThereAreNone)
+{
+    bool isAny = false;
+    bar->setSource(ScrollMark::conflict, {.any = [&] { return isAny; },
+                                          .has =
+                                              [this](TextRange) {
+                                                  ++asked;
+                                                  return true;
+                                              },
+                                          .go = {}});
+    bar->grab();
+    EXPECT_TRUE(bar->rowsOf(ScrollMark::conflict).empty());
+    EXPECT_EQ(asked, 0);
+    isAny = true;
+    bar->placesChanged();
+    EXPECT_FALSE(bar->rowsOf(ScrollMark::conflict).empty());
+}
+
+TEST_F(MarkedScrollBarTest, MarksCanBeToldFromOneAnotherWithoutColors)
+{
+    bar->setPalette(QPalette(Qt::white));
+    std::vector<QImage> pictures{bar->grab().toImage()};
+    for (const ScrollMarkKind &kind : scrollMarkKinds) {
+        bar->setBaseColor(kind.mark, 0xFF000000);
+        markLines(kind.mark, {500});
+        pictures.push_back(bar->grab().toImage());
+        EXPECT_EQ(std::ranges::count(pictures, pictures.back()), 1) << int(kind.mark);
+        bar->setSource(kind.mark, {});
+    }
 }
 
 TEST_F(MarkedScrollBarTest, MarksCanBeToldFromTheBar)
