@@ -217,7 +217,7 @@ void EditorTextView::paste()
 void EditorTextView::setIndentation(Indentation indentation)
 {
     m_indentation = indentation;
-    setTabWidth(indentation.width);
+    setTabWidth(indentation.tabWidth());
 }
 
 // Commands
@@ -247,7 +247,7 @@ void EditorTextView::insertTab()
     } else if (m_indentation.unit == Indentation::Unit::tab) {
         TextView::insertTab();
     } else {
-        replaceAtEach([&](TextRange selected) { return LineEditing::tabbed(text, selected, m_indentation.width); });
+        replaceAtEach([&](TextRange selected) { return LineEditing::tabbed(text, selected, m_indentation); });
     }
 }
 

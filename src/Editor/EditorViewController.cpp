@@ -79,6 +79,11 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
     m_textView->setLanguage(document.language());
     setFocusProxy(m_textView);
     m_lineCommands = std::make_unique<LineCommands>(*m_textView, commandServices(), this);
+    connect(m_lineCommands.get(), &LineCommands::converted, this, [this](Indentation::Unit unit) {
+        Indentation indentation = m_textView->indentation();
+        indentation.unit = unit;
+        m_document->conventions.choose(indentation);
+    });
     makeSpelling();
     markMissingCharacters();
     applyPreferences();
@@ -242,6 +247,7 @@ void EditorViewController::observe()
     observe(TextDocument::didChangeMetadata, m_document.get(), [this] {
         applyAccess();
         adoptLanguage();
+        applyIndentation();
         adoptDictionaries();
         if (m_spellingPath != m_document->path()) {
             keepSpelling();
@@ -341,14 +347,9 @@ void EditorViewController::applyVimMode()
     }
 }
 
-/// A language with an indentation of its own goes before what the user has set for all.
 void EditorViewController::applyIndentation()
 {
-    const Preferences &preferences = m_services.preferences;
-    const Language &language = m_document->language();
-    const bool usesSpaces = language.defaultInsertSpaces().value_or(preferences.value(Settings::insertSpaces));
-    const Indentation indentation{.width = language.defaultIndentWidth().value_or(preferences.value(Settings::tabWidth)),
-                                  .unit = usesSpaces ? Indentation::Unit::spaces : Indentation::Unit::tab};
+    const Indentation indentation = m_document->conventions.indentation();
     const bool isOther = m_textView->indentation() != indentation;
     m_textView->setIndentation(indentation);
     // Who shows it may have been notified of the cause before this editor did.
@@ -361,7 +362,6 @@ void EditorViewController::adoptLanguage()
 {
     if (m_textView->language() != m_document->language()) {
         m_textView->setLanguage(m_document->language());
-        applyIndentation();
         if (m_spelling) {
             m_spelling->setLanguage(m_document->language());
         }

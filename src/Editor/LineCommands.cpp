@@ -70,7 +70,24 @@ Step recasedTo(const Rope &text, TextRange selection, const Context &context)
 template<Indentation::Unit unit>
 Step reindentedWith(const Rope &text, TextRange selection, const Context &context)
 {
-    return reindented(text, selection, {context.indentation.width, unit}, context.stop);
+    return reindented(text, selection, {context.indentation.width, unit, context.indentation.otherTabStops}, context.stop);
+}
+
+/// All lines, whatever is selected, and stays so.
+template<Indentation::Unit unit>
+Step wholeReindentedWith(const Rope &text, TextRange selection, const Context &context)
+{
+    Step step = reindentedWith<unit>(text, {selection.location, 0}, context);
+    if (step) {
+        const TextRange kept = step->edits.mapped(selection);
+        step->after = {kept.location, kept.end()};
+    }
+    return step;
+}
+
+TextRange wholeText(const Rope &text, TextRange /*selection*/)
+{
+    return {0, text.length()};
 }
 
 TextRange wholeLines(const Rope &text, TextRange selection)
@@ -97,6 +114,29 @@ LineCommands::~LineCommands()
     m_view.setNextResponder(nullptr);
 }
 
+void LineCommands::convertIndentation(Indentation::Unit unit)
+{
+    if (!canEdit()) {
+        return;
+    }
+    if (unit == Indentation::Unit::spaces) {
+        run<wholeReindentedWith<Indentation::Unit::spaces>, Scope::text, wholeText>();
+    } else {
+        run<wholeReindentedWith<Indentation::Unit::tab>, Scope::text, wholeText>();
+    }
+    emit converted(unit);
+}
+
+template<Indentation::Unit unit>
+void LineCommands::convert()
+{
+    if (m_view.selection().isEmpty()) {
+        convertIndentation(unit);
+    } else {
+        run<reindentedWith<unit>, Scope::text, linesToTidy>();
+    }
+}
+
 const ActionRow *LineCommands::actionFor(const Action &wanted) const
 {
     using enum LineEditing::Neighbour;
@@ -116,8 +156,8 @@ const ActionRow *LineCommands::actionFor(const Action &wanted) const
         action<&LineCommands::run<recasedTo<lower>, Scope::letters, lettersToChange>, &LineCommands::canEdit>(Actions::lowerCase),
         action<&LineCommands::run<recasedTo<title>, Scope::letters, lettersToChange>, &LineCommands::canEdit>(Actions::titleCase),
         action<&LineCommands::run<transposedAt, Scope::letters, nothing>, &LineCommands::canEdit>(Actions::transposeCharacters),
-        action<&LineCommands::run<reindentedWith<spaces>, Scope::text, linesToTidy>, &LineCommands::canEdit>(Actions::tabsToSpaces),
-        action<&LineCommands::run<reindentedWith<tab>, Scope::text, linesToTidy>, &LineCommands::canEdit>(Actions::spacesToTabs),
+        action<&LineCommands::convert<spaces>, &LineCommands::canEdit>(Actions::tabsToSpaces),
+        action<&LineCommands::convert<tab>, &LineCommands::canEdit>(Actions::spacesToTabs),
     });
     return findAction(rows, wanted);
 }

@@ -27,6 +27,10 @@ public:
 
     [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
 
+    /// All lines of the text begin as far from the margin as before, with spaces alone or with as many tabs as there is room for, and new
+    /// ones are indented so.
+    void convertIndentation(Indentation::Unit unit);
+
     /// What a command goes by besides the text.
     struct Context {
         Indentation indentation;
@@ -42,6 +46,10 @@ public:
     /// text by the primary one.
     enum class Scope { lines, movedLines, letters, text };
 
+signals:
+    /// The text is indented with these from now on.
+    void converted(Indentation::Unit unit);
+
 protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 
@@ -51,6 +59,9 @@ private:
     {
         start({command, scope, extent});
     }
+    /// The selected lines, or all.
+    template<Indentation::Unit unit>
+    void convert();
     struct Row {
         Command command;
         Scope scope;

@@ -146,6 +146,11 @@ std::optional<bool> Language::defaultInsertSpaces() const
     return row.indentation == IndentationStyle::asTheUserLikes ? std::nullopt : std::optional(row.indentation == IndentationStyle::spaces);
 }
 
+bool Language::needsTabs() const
+{
+    return m_definition->row.indentation == IndentationStyle::onlyTabs;
+}
+
 const Language::Definition &Language::compiled() const
 {
     const Definition &definition = *m_definition;

@@ -62,6 +62,8 @@ public:
     /// None where the user's setting counts.
     [[nodiscard]] std::optional<int> defaultIndentWidth() const;
     [[nodiscard]] std::optional<bool> defaultInsertSpaces() const;
+    /// Lines that are indented with spaces mean something else, whoever wants them.
+    [[nodiscard]] bool needsTabs() const;
 
     /// By priority, the first goes before all others. Searching changes an expression, so whoever searches clones it.
     [[nodiscard]] const std::vector<SpanRule> &spans() const;

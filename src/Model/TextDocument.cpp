@@ -64,7 +64,8 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
 
 TextDocument::TextDocument(const DocumentServices &services, const QString &path, const QString &identity,
                            const std::optional<TextFile::Contents> &contents, const QUuid &id)
-    : m_services(services), m_id(id), m_undoManager(m_storage, [&scheduler = services.scheduler] { return scheduler.now(); }), m_path(path),
+    : conventions({m_storage, m_language, services.preferences, [this] { postMetadata(); }}), m_services(services), m_id(id),
+      m_undoManager(m_storage, [&scheduler = services.scheduler] { return scheduler.now(); }), m_path(path),
       m_requests(services.scheduler, services.workers, [this] { postMetadata(); }), m_encoding({.storage = m_storage,
                                                                                                 .undoManager = m_undoManager,
                                                                                                 .workers = services.workers,
@@ -90,6 +91,7 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
             m_storage.apply({{}, contents->text});
         }
         m_undoManager.markSavePoint();
+        conventions.noteText();
         m_encoding.take(contents->encoding, contents->suggestedEncoding);
         m_lineEnding = contents->lineEnding;
         m_form.set(contents->form);
@@ -505,6 +507,7 @@ void TextDocument::adopt(const FileReading &reading)
     m_isLoading = true;
     m_storage.apply(reading.difference);
     m_isLoading = false;
+    conventions.noteText();
     m_encoding.take(reading.contents.encoding, reading.contents.suggestedEncoding);
     m_lineEnding = reading.contents.lineEnding;
     m_form.set(reading.contents.form);

@@ -9,6 +9,7 @@
 #include "Highlighting/Language.h"
 #include "Highlighting/SyntaxHighlighter.h"
 #include "Model/DocumentArrival.h"
+#include "Model/DocumentConventions.h"
 #include "Model/DocumentEncoding.h"
 #include "Model/DocumentForm.h"
 #include "Model/DocumentServices.h"
@@ -135,6 +136,8 @@ public:
     void setLanguage(const Language &language);
     /// The user picked the language; saving under another name keeps it.
     bool languageWasChosenManually = false;
+    /// How it is written.
+    DocumentConventions conventions;
     /// Of one without a file, until it gets one or the user is done with knowing.
     std::optional<TextOrigin> origin;
 

@@ -80,6 +80,7 @@ inline constexpr Setting<bool> insertSpaces("editor.insertSpaces"_L1, true,
                                             {.title = u"Insert spaces instead of tabs",
                                              .option = {{u"expandtab", u"et"}, u"spaces or tabs"}});
 inline constexpr Setting<bool> autoIndent("editor.autoIndent"_L1, true, {.title = u"Keep indentation on new lines"});
+inline constexpr Setting<bool> detectIndentation("editor.detectIndentation"_L1, true, {.title = u"Detect how a text is indented"});
 inline constexpr Setting<bool> copyLineWithoutSelection("editor.copyLineWithoutSelection"_L1, false,
                                                         {.title = u"Copy and cut the line where nothing is selected"});
 inline constexpr Setting<bool> autoPairs("editor.autoPairs"_L1, false, {.title = u"Complete brackets and quotes while typing"});
@@ -109,6 +110,7 @@ inline constexpr auto editingRows = std::to_array<SettingRow>({
     {.setting = autoIndent,
      .note = u"Languages with a settled convention - Go and Makefiles use tabs, YAML and JSON use two spaces - override these per file.",
      .noteIsAbout = &tabWidth},
+    {.setting = detectIndentation, .note = u"Where its first lines agree on tabs, or on a number of spaces."},
     {.setting = markOccurrences},
     {.setting = copyLineWithoutSelection},
     {.setting = autoPairs},

@@ -69,14 +69,15 @@ std::optional<TextStep> shifted(const Rope &text, TextRange selection, Shift shi
     return TextStep{std::move(edits), {start, end}};
 }
 
-TextStep tabbed(const Rope &text, TextRange selection, int tabWidth)
+TextStep tabbed(const Rope &text, TextRange selection, Indentation indentation)
 {
+    const int tabWidth = indentation.tabWidth();
     RopeCursor cursor(text);
     qsizetype column = 0;
     for (qsizetype offset = lineRange(text, {selection.location, 0}).location; offset < selection.location; ++offset) {
         column = cursor.at(offset) == u'\t' ? (column / tabWidth + 1) * tabWidth : column + 1;
     }
-    const qsizetype count = tabWidth - column % tabWidth;
+    const qsizetype count = indentation.width - column % indentation.width;
     return {{selection, QString(count, u' ')}, TextSelection::at(selection.location + count)};
 }
 

@@ -13,9 +13,14 @@
 struct Indentation {
     enum class Unit { spaces, tab };
 
-    /// Columns of a level and between tab stops, at least 1.
+    /// Columns of a level, at least 1; between tab stops too, unless these are said to be others.
     int width = 4;
     Unit unit = Unit::spaces;
+    /// 0 where they are a level apart.
+    int otherTabStops = 0;
+
+    /// Columns between tab stops.
+    [[nodiscard]] int tabWidth() const { return otherTabStops > 0 ? otherTabStops : width; }
 
     [[nodiscard]] QString level() const { return unit == Unit::spaces ? QString(width, u' ') : QStringLiteral("\t"); }
 
@@ -37,8 +42,8 @@ enum class Shift { indent, outdent };
 [[nodiscard]] std::optional<TextStep> shifted(const Rope &text, TextRange selection, Shift shift, Indentation indentation,
                                               std::optional<TextRange> lines = std::nullopt);
 
-/// Spaces up to the next tab stop, in place of the selection. Costs a walk from the start of the line.
-[[nodiscard]] TextStep tabbed(const Rope &text, TextRange selection, int tabWidth);
+/// Spaces up to the next level, in place of the selection. Costs a walk from the start of the line.
+[[nodiscard]] TextStep tabbed(const Rope &text, TextRange selection, Indentation indentation);
 
 /// A new line in place of the selection, indented as the line before, and a level deeper when that opens a block.
 [[nodiscard]] TextStep brokenLine(const Rope &text, TextRange selection, Indentation indentation);

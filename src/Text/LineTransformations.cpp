@@ -248,6 +248,7 @@ std::optional<TextStep> trimmed(const Rope &text, TextRange selection, const std
 
 std::optional<TextStep> reindented(const Rope &text, TextRange selection, Indentation indentation, const std::stop_token &stop)
 {
+    const int tabWidth = indentation.tabWidth();
     TextEdits edits;
     size_t count = 0;
     forEachLine(text, linesToTidy(text, selection), Breaks::all, [&](TextRange line) {
@@ -258,10 +259,10 @@ std::optional<TextStep> reindented(const Rope &text, TextRange selection, Indent
         const QString before = text.toString(blanks);
         qsizetype column = 0;
         for (const QChar unit : before) {
-            column = unit == u'\t' ? (column / indentation.width + 1) * indentation.width : column + 1;
+            column = unit == u'\t' ? (column / tabWidth + 1) * tabWidth : column + 1;
         }
-        const qsizetype tabs = indentation.unit == Indentation::Unit::tab ? column / indentation.width : 0;
-        const QString after = QString(tabs, u'\t') + QString(column - tabs * indentation.width, u' ');
+        const qsizetype tabs = indentation.unit == Indentation::Unit::tab ? column / tabWidth : 0;
+        const QString after = QString(tabs, u'\t') + QString(column - tabs * tabWidth, u' ');
         if (after != before) {
             edits.add(blanks, Rope(after));
         }

@@ -112,7 +112,7 @@ PrintSource PrintActions::source() const
                      .language = document.highlighter() ? document.highlighter()->language() : document.language(),
                      .title = shownPath(document.displayName()),
                      .font = lettersOf(editor.textView().textFont()),
-                     .tabWidth = editor.textView().indentation().width,
+                     .tabWidth = editor.textView().indentation().tabWidth(),
                      .date = Localization::current().locale().toString(QDate::currentDate(), localized(u"d MMMM yyyy"))},
             .selection = editor.textView().selection().range()};
 }

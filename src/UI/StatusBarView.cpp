@@ -13,6 +13,7 @@
 #include "Highlighting/Theme.h"
 #include "Spelling/DictionaryName.h"
 #include "UI/StatisticsPopUp.h"
+#include "UI/TextIndentationMenu.h"
 #include "UI/VimBadge.h"
 #include "Widgets/AccessibleRole.h"
 #include "Widgets/ElidedLabel.h"
@@ -51,15 +52,6 @@ constexpr int leastPathLength = 10;
 
 constexpr auto lineEndingTitles = std::to_array<QStringView>({u"LF", u"CRLF", u"CR"});
 static_assert(lineEndingTitles.size() == lineEndings.size());
-
-constexpr auto indentChoices = std::to_array<Indentation>({
-    {2, Indentation::Unit::spaces},
-    {4, Indentation::Unit::spaces},
-    {8, Indentation::Unit::spaces},
-    {2, Indentation::Unit::tab},
-    {4, Indentation::Unit::tab},
-    {8, Indentation::Unit::tab},
-});
 
 QString languageTitle(const Language &language)
 {
@@ -133,6 +125,11 @@ void StatusBarView::makeControls()
     m_positionButton->installEventFilter(this);
     connect(m_positionButton, &QAbstractButton::clicked, this, &StatusBarView::positionClicked);
     m_indentPopUp = popUp(&StatusBarView::chooseIndentation);
+    m_indentPopUp->installEventFilter(this);
+    m_textIndentationMenu = new TextIndentationMenu(m_indentPopUp);
+    m_indentPopUp->addSubmenu(m_textIndentationMenu);
+    connect(m_textIndentationMenu, &TextIndentationMenu::chosen, this, &StatusBarView::textIndentationChosen);
+    connect(m_textIndentationMenu, &TextIndentationMenu::conversionChosen, this, &StatusBarView::conversionChosen);
     m_lineEndingPopUp = popUp(&StatusBarView::chooseLineEnding);
     m_encodingPopUp = popUp(&StatusBarView::chooseEncoding);
     connect(m_encodingPopUp, &PopUpButton::commandTriggered, this, &StatusBarView::reopenWithEncodingChosen);
@@ -153,9 +150,8 @@ void StatusBarView::retranslate()
     m_languagePopUp->setTitle(localized(u"Syntax"));
 
     m_sortedLanguages = languagesByTitle();
-    m_indentPopUp->setChoices(titles(indentChoices, [](Indentation choice) {
-        return formatted(localized(choice.unit == Indentation::Unit::spaces ? u"Spaces: %d" : u"Tabs: %d"), choice.width);
-    }));
+    m_indentPopUp->setChoices(titles(indentationChoices, [](Indentation choice) { return titleOf(choice); }));
+    m_textIndentationMenu->retranslate();
     m_lineEndingPopUp->setChoices(titles(lineEndingTitles, [](QStringView title) { return title.toString(); }));
     m_encodingPopUp->setChoices(titles(TextFile::selectableEncodings, displayName));
     m_encodingPopUp->setCommand(localized(Actions::reopenWithEncoding.title));
@@ -317,9 +313,7 @@ void StatusBarView::showState()
         showEncoding();
         m_encodingPopUp->setCommandEnabled(state.canReopen);
         showLineEnding();
-        const auto unit = state.usesSpaces ? Indentation::Unit::spaces : Indentation::Unit::tab;
-        showChoice(*m_indentPopUp, indentChoices,
-                   [&](Indentation choice) { return choice.width == state.indentWidth && choice.unit == unit; });
+        showIndentation();
     }
     updateSpelling();
     updateStatistics();
@@ -358,6 +352,21 @@ void StatusBarView::showLineEnding()
                                      counted.size() > 1 ? formatted(localized(u"mixed: %@"), counted.join(u", "_s)) : QString());
 }
 
+/// A width that the menu does not have is shown where it is this text's own.
+void StatusBarView::showIndentation()
+{
+    const Indentation shown{m_state->indentWidth, m_state->usesSpaces ? Indentation::Unit::spaces : Indentation::Unit::tab};
+    const auto found = std::ranges::find(indentationChoices, shown);
+    const bool isForAll = m_state->indentationSource == DocumentConventions::Source::preference ||
+                          m_state->indentationSource == DocumentConventions::Source::language;
+    if (found != indentationChoices.end()) {
+        m_indentPopUp->setShownIndex(int(found - indentationChoices.begin()));
+    } else if (!isForAll) {
+        m_indentPopUp->setShownIndex(m_indentPopUp->shownIndex(), titleOf(shown));
+    }
+    m_textIndentationMenu->setChosen(m_state->chosenIndentation);
+}
+
 void StatusBarView::showMissingCharacters()
 {
     const QString text = formatted(localized(u"%d not in %@"), m_state->missingCharacters, displayName(m_state->encoding));
@@ -380,17 +389,27 @@ QString StatusBarView::positionTitle() const
     return title;
 }
 
-/// Only who asks for it is told of the character at the caret: with the pointer, or with a screen reader by going there.
+QString StatusBarView::hintFor(const QWidget &control) const
+{
+    if (!m_state) {
+        return {};
+    }
+    return &control == m_indentPopUp ? titleOf(m_state->indentationSource, m_state->language) : caretHint();
+}
+
+/// Only who asks for it is told of the character at the caret, and of where the indentation comes from: with the pointer, or with a screen
+/// reader by going there.
 bool StatusBarView::eventFilter(QObject *watched, QEvent *event)
 {
+    auto *control = static_cast<QWidget *>(watched);
     if (event->type() == QEvent::ToolTip) {
-        const QString hint = caretHint();
-        const QString text = hint.isEmpty() ? m_positionButton->toolTip() : m_positionButton->toolTip() + u'\n' + hint;
-        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), plainToolTip(text), m_positionButton);
+        const QString hint = hintFor(*control);
+        const QString text = hint.isEmpty() ? control->toolTip() : control->toolTip() + u'\n' + hint;
+        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), plainToolTip(text), control);
         return true;
     }
     if (event->type() == QEvent::FocusIn) {
-        m_positionButton->setAccessibleDescription(caretHint());
+        control->setAccessibleDescription(hintFor(*control));
     }
     return QWidget::eventFilter(watched, event);
 }
@@ -506,5 +525,5 @@ void StatusBarView::updateSpelling()
 
 void StatusBarView::chooseIndentation(int index)
 {
-    emit indentationChosen(indentChoices.at(size_t(index)));
+    emit indentationChosen(indentationChoices.at(size_t(index)));
 }

@@ -7,7 +7,7 @@
 #include "Files/LineEnding.h"
 #include "Files/TextEncoding.h"
 #include "Highlighting/Language.h"
-#include "Text/LineEditing.h"
+#include "Model/DocumentConventions.h"
 #include "Text/LineNumber.h"
 #include "UI/TextStatistics.h"
 
@@ -25,6 +25,7 @@ class FlatButton;
 class QLabel;
 class PopUpButton;
 class StatisticsPopUp;
+class TextIndentationMenu;
 class VimBadge;
 struct Theme;
 
@@ -87,6 +88,10 @@ public:
         int indentWidth = 4;
         /// The tab key inserts spaces.
         bool usesSpaces = true;
+        /// Who says so.
+        DocumentConventions::Source indentationSource = DocumentConventions::Source::preference;
+        /// For this text alone; none where it is found out.
+        std::optional<Indentation> chosenIndentation;
         /// None while Vim editing is off and what is typed is inserted.
         std::optional<VimState> vim;
         /// How its spelling is checked; none while it is not.
@@ -117,7 +122,11 @@ signals:
     void encodingChosen(TextEncoding encoding);
     void reopenWithEncodingChosen();
     void lineEndingChosen(LineEnding lineEnding);
+    /// For all texts.
     void indentationChosen(Indentation indentation);
+    /// For this one; none to have it found out.
+    void textIndentationChosen(std::optional<Indentation> indentation);
+    void conversionChosen(Indentation::Unit unit);
     void dictionariesChosen(const QStringList &names);
     void positionClicked();
     void missingCharactersClicked();
@@ -145,6 +154,8 @@ private:
     void updateStatistics();
     void showEncoding();
     void showLineEnding();
+    void showIndentation();
+    [[nodiscard]] QString hintFor(const QWidget &control) const;
     void showMissingCharacters();
     void chooseLanguage(int index);
     void chooseEncoding(int index);
@@ -174,6 +185,7 @@ private:
     FlatButton *m_missingButton;
     FlatButton *m_positionButton;
     PopUpButton *m_indentPopUp;
+    TextIndentationMenu *m_textIndentationMenu;
     PopUpButton *m_lineEndingPopUp;
     PopUpButton *m_encodingPopUp;
     PopUpButton *m_languagePopUp;

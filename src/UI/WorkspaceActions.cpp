@@ -9,12 +9,19 @@
 #include "Model/TextDocument.h"
 #include "Settings/Preferences.h"
 #include "UI/MissingCharactersPanel.h"
+#include "UI/TextIndentationMenu.h"
 #include "UI/WorkspaceViewController.h"
 #include "Widgets/AlertPresenter.h"
 
 #include <QPointer>
 
 #include <array>
+
+namespace {
+
+constexpr Scheduler::Milliseconds messageTime{8000};
+
+} // namespace
 
 template<const Setting<bool> &setting>
 void WorkspaceViewController::toggle()
@@ -162,4 +169,10 @@ void WorkspaceViewController::chooseIndentation(Indentation indentation)
 {
     m_services.preferences.set(Settings::tabWidth, indentation.width);
     m_services.preferences.set(Settings::insertSpaces, indentation.unit == Indentation::Unit::spaces);
+    if (const TextDocument *document = currentDocument(); document && document->conventions.indentation() != indentation) {
+        const auto &conventions = document->conventions;
+        m_statusBar->flash(formatted(localized(u"This text stays with %@ (%@). “This Text” in the same menu changes it."),
+                                     titleOf(conventions.indentation()), titleOf(conventions.source(), document->language())),
+                           messageTime);
+    }
 }

@@ -8,6 +8,7 @@
 #include "Base/Translation.h"
 #include "Commands/Actions.h"
 #include "Editor/EditorVim.h"
+#include "Editor/LineCommands.h"
 #include "Editor/SpellingController.h"
 #include "Editor/TextCounter.h"
 #include "Model/DocumentStore.h"
@@ -131,6 +132,16 @@ void WorkspaceViewController::connectParts()
     connect(m_statusBar, &StatusBarView::reopenWithEncodingChosen, &m_documentActions, &DocumentActions::reopenWithEncoding);
     connect(m_statusBar, &StatusBarView::lineEndingChosen, &m_documentActions, &DocumentActions::chooseLineEnding);
     connect(m_statusBar, &StatusBarView::indentationChosen, this, &WorkspaceViewController::chooseIndentation);
+    connect(m_statusBar, &StatusBarView::textIndentationChosen, this, [this](std::optional<Indentation> indentation) {
+        if (TextDocument *document = currentDocument()) {
+            document->conventions.choose(indentation);
+        }
+    });
+    connect(m_statusBar, &StatusBarView::conversionChosen, this, [this](Indentation::Unit unit) {
+        if (EditorViewController *editor = currentEditor()) {
+            editor->lineCommands().convertIndentation(unit);
+        }
+    });
     connect(m_statusBar, &StatusBarView::dictionariesChosen, this, [this](const QStringList &names) {
         if (EditorViewController *editor = currentEditor()) {
             editor->chooseDictionaries(names);
@@ -703,6 +714,8 @@ void WorkspaceViewController::updateStatusBar()
         .lineEndingCounts = document.form().value().lineEndings.counts(),
         .indentWidth = indentation.width,
         .usesSpaces = indentation.unit == Indentation::Unit::spaces,
+        .indentationSource = document.conventions.source(),
+        .chosenIndentation = document.conventions.chosen(),
         .vim = vimStateOf(*editor),
         .spelling = spellingOf(*editor),
         .statistics = statisticsOf(*editor),

@@ -132,10 +132,24 @@ QStringList PopUpButton::choices() const
     return titles;
 }
 
+void PopUpButton::separate()
+{
+    if (!m_separator) {
+        m_separator = m_menu->addSeparator();
+    }
+}
+
+void PopUpButton::addSubmenu(QMenu *menu)
+{
+    separate();
+    menu->setParent(m_menu, menu->windowFlags());
+    m_menu->addMenu(menu);
+}
+
 void PopUpButton::setCommand(const QString &title)
 {
     if (!m_command) {
-        m_separator = m_menu->addSeparator();
+        separate();
         m_command = m_menu->addAction(QString());
         connect(m_command, &QAction::triggered, this, &PopUpButton::commandTriggered);
     }

@@ -49,6 +49,8 @@ public:
     /// What else its menu offers, below a line: a command, which is never shown as chosen.
     void setCommand(const QString &title);
     void setCommandEnabled(bool isEnabled);
+    /// The same with a menu, which the button takes.
+    void addSubmenu(QMenu *menu);
     /// `index` must be that of a choice. The button says `text` where that is more than the title of the choice.
     void setShownIndex(int index, const QString &text = {});
     [[nodiscard]] int shownIndex() const { return m_shownIndex; }
@@ -66,6 +68,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void separate();
     void showMarks();
     void showTitle(const QString &title);
 

@@ -161,6 +161,35 @@ TEST_F(CommandsTest, WhatIsChosenIsShownInMenusAndStatusBar)
     EXPECT_EQ(preferences.value(Settings::fontSize), 13);
 }
 
+TEST_F(CommandsTest, ATextIsIndentedAsItsLinesAreUnlessSomethingElseIsChosenForIt)
+{
+    workspace().open({put(u"a.py"_s, "if a:\n  b\n  c\n  d\n  e\n  if f:\n    g\n")});
+    QToolButton &popUp = *control<QToolButton>(workspace().statusBar(), u"Indentation"_s);
+    const auto choose = [&popUp](const QString &title, QMenu &menu) {
+        const QList<QAction *> entries = menu.actions();
+        (*std::ranges::find(entries, title, &QAction::text))->trigger();
+        QFocusEvent focus(QEvent::FocusIn);
+        QApplication::sendEvent(&popUp, &focus);
+        return popUp.text() + u", "_s + popUp.accessibleDescription();
+    };
+    QMenu &forAll = *popUp.menu();
+    QMenu &forText = *forAll.actions().last()->menu();
+    EXPECT_EQ(choose(u"Automatic"_s, forText), u"Spaces: 2, Found in this text"_s);
+    EXPECT_EQ(choose(u"Tabs: 8"_s, forAll), u"Spaces: 2, Found in this text"_s);
+    EXPECT_EQ(flashes.last(), u"This text stays with Spaces: 2 (Found in this text). “This Text” in the same menu changes it."_s);
+    EXPECT_EQ(choose(u"Tabs: 4"_s, forText), u"Tabs: 4, Chosen for this text"_s);
+    EXPECT_EQ(titlesOf(forText).filter(u"*"_s), QStringList{u"*Tabs: 4"_s});
+    EXPECT_EQ(choose(u"Automatic"_s, forText), u"Spaces: 2, Found in this text"_s);
+    textView().setSelection(TextSelection{8, 9});
+    EXPECT_EQ(choose(u"Convert to Tabs"_s, forText), u"Tabs: 2, Chosen for this text"_s);
+    EXPECT_EQ(textView().storage().string(), u"if a:\n\tb\n\tc\n\td\n\te\n\tif f:\n\t\tg\n"_s) << "all lines, whatever is selected";
+    EXPECT_EQ(textView().selectedText(), u"b"_s);
+    preferences.set(Settings::detectIndentation, false);
+    EXPECT_EQ(choose(u"Automatic"_s, forText), u"Spaces: 4, Usual for Python"_s);
+    workspace().currentDocument()->setLanguage(Language::plainText());
+    EXPECT_EQ(choose(u"Spaces: 8"_s, forAll), u"Spaces: 8, From the settings"_s);
+}
+
 TEST_F(CommandsTest, ClosingAWindowAsksOnceForAllItsTexts)
 {
     send(Actions::newWindow);

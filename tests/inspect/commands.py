@@ -41,7 +41,8 @@ class Commands(unittest.TestCase):
             "error": "notReadable", "description": "“missing” could not be read.", "recoverySuggestion": None})
         for arguments, stdin, error in ((("line-starts", missing), b"", "notReadable"), (("write", missing / "a"), b"", "notWritable"),
                                         (("write", missing, "--encoding", 77), b"", "inapplicableEncoding"),
-                                        (("write", missing), b"\xff", "undecodable"), (("highlight", missing), b"", "notReadable")):
+                                        (("write", missing), b"\xff", "undecodable"), (("highlight", missing), b"", "notReadable"),
+                                        (("indentation", missing), b"", "notReadable")):
             self.assertEqual(ask(*arguments, status=1, stdin=stdin)["error"], error, arguments)
         self.assertFalse(missing.exists())
 
@@ -91,6 +92,19 @@ class Commands(unittest.TestCase):
         languages = {language["id"]: language for language in ask("languages")["languages"]}
         self.assertEqual((languages["javascript"]["filenames"], languages["javascript"]["shebangPatterns"]),
                          ([], [r"\bnode\b", r"\bbun\b", r"\bdeno\b"]))
+
+    def test_indentation(self):
+        def indentation(name, text, *options):
+            (FILES / name).write_text(text, encoding="utf-8")
+            answer = ask("indentation", FILES / name, *options)
+            return answer["unit"], answer["width"], answer["source"]
+
+        for name, text, expected in (("i.txt", "a\n", ("spaces", 4, "preference")), ("i.go", "a\n", ("tab", 4, "language")),
+                                     ("i.go", "a\n" + "  b\n" * 5, ("spaces", 2, "text")), ("i.json", "\ta\n" * 5, ("tab", 2, "text")),
+                                     ("Makefile", "a:\n" + "  b\n" * 9, ("tab", 4, "language"))):
+            self.assertEqual(indentation(name, text), expected, name)
+        self.assertEqual(indentation("i.txt", "  a\n" * 5, "--pref", "editor.detectIndentation=false", "--pref", "editor.insertSpaces=false"),
+                         ("tab", 4, "preference"))
 
     def test_key_reference(self):
         self.assertEqual(ask("key-reference"), ask("key-reference", "--preset", "plain", "--language", "en"))

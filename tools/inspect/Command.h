@@ -54,6 +54,7 @@ struct CommandRow {
 [[nodiscard]] std::span<const CommandRow> commandLineCommands();
 [[nodiscard]] std::span<const CommandRow> fileCommands();
 [[nodiscard]] std::span<const CommandRow> highlightCommands();
+[[nodiscard]] std::span<const CommandRow> indentationCommands();
 [[nodiscard]] std::span<const CommandRow> keysCommands();
 [[nodiscard]] std::span<const CommandRow> languageCommands();
 [[nodiscard]] std::span<const CommandRow> menuCommandRows();

@@ -18,8 +18,8 @@ namespace {
 enum ExitStatus { answered = 0, failed = 1, wrongArguments = 2 };
 
 constexpr auto subjects = std::to_array<std::span<const CommandRow> (*)()>(
-    {commandLineCommands, diffCommands, fileCommands, highlightCommands, keysCommands, languageCommands, menuCommandRows,
-     preferencesCommands, referenceCommands, stringsCommands});
+    {commandLineCommands, diffCommands, fileCommands, highlightCommands, indentationCommands, keysCommands, languageCommands,
+     menuCommandRows, preferencesCommands, referenceCommands, stringsCommands});
 
 const CommandRow *commandNamed(const QString &name)
 {

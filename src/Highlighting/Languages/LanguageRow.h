@@ -49,7 +49,8 @@ struct LanguageRules {
     std::span<const RuleRow> tokens;
 };
 
-enum class IndentationStyle { asTheUserLikes, spaces, tabs };
+/// `onlyTabs`: with spaces it means something else.
+enum class IndentationStyle { asTheUserLikes, spaces, tabs, onlyTabs };
 
 inline constexpr auto standardBracketPairs = std::to_array<DelimiterPair>({{u"(", u")"}, {u"[", u"]"}, {u"{", u"}"}});
 
