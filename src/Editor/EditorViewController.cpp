@@ -91,6 +91,8 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
     restoreViewState();
     updateBanner();
     highlightVisibleRange();
+    // Nobody listens yet.
+    m_reporting = services.scheduler.after(Scheduler::Milliseconds(0), [this] { reportProblem(); });
 }
 
 CommandServices EditorViewController::commandServices()
@@ -247,7 +249,8 @@ void EditorViewController::observe()
     observe(TextDocument::didChangeMetadata, m_document.get(), [this] {
         applyAccess();
         adoptLanguage();
-        applyIndentation();
+        applyConventions();
+        reportProblem();
         adoptDictionaries();
         if (m_spellingPath != m_document->path()) {
             keepSpelling();
@@ -294,7 +297,7 @@ void EditorViewController::applyPreferences()
         m_textView->setTextFont(font);
         m_textView->ruler().setEditorFont(font);
     }
-    applyIndentation();
+    applyConventions();
     m_textView->setAutoIndent(preferences.value(Settings::autoIndent) ? EditorTextView::AutoIndent::on : EditorTextView::AutoIndent::off);
     m_textView->setBareCopy(preferences.value(Settings::copyLineWithoutSelection) ? EditorTextView::BareCopy::line
                                                                                   : EditorTextView::BareCopy::nothing);
@@ -347,14 +350,25 @@ void EditorViewController::applyVimMode()
     }
 }
 
-void EditorViewController::applyIndentation()
+void EditorViewController::applyConventions()
 {
     const Indentation indentation = m_document->conventions.indentation();
     const bool isOther = m_textView->indentation() != indentation;
     m_textView->setIndentation(indentation);
+    if (const auto column = m_document->conventions.editorConfig().longestLine; m_rulerColumn != column) {
+        m_rulerColumn = column;
+        m_textView->setLook(&TextLooks::rulerColumn, column);
+    }
     // Who shows it may have been notified of the cause before this editor did.
     if (isOther) {
         emit stateChanged();
+    }
+}
+
+void EditorViewController::reportProblem()
+{
+    if (const QString problem = m_document->conventions.takeProblem(); !problem.isEmpty()) {
+        emit messageShown(problem, messageTime);
     }
 }
 

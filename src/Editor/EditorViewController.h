@@ -125,7 +125,8 @@ private:
     void applyPreferences();
     void applyTheme();
     void followCaret();
-    void applyIndentation();
+    void applyConventions();
+    void reportProblem();
     void applyVimMode();
     void adoptLanguage();
     void markMissingCharacters();
@@ -197,5 +198,8 @@ private:
     bool m_awaitsText = false;
     DelayedTask m_visibleHighlightWork;
     DelayedTask m_scrolling;
+    DelayedTask m_reporting;
+    /// As it is shown.
+    std::optional<int> m_rulerColumn;
     std::vector<NotificationCenter::Token> m_observers;
 };

@@ -19,11 +19,14 @@ public:
     enum class MissingFolder { isError, isMade };
     /// With whose rights.
     enum class Authority { user, administrator };
+    /// Whether the user wanted it saved now.
+    enum class Occasion { asked, byItself };
     struct Manner {
         MissingFolder missingFolder = MissingFolder::isError;
         Authority authority = Authority::user;
         /// Nothing is substituted that the user was not asked about.
         TextFile::MissingCharacters missingCharacters = TextFile::MissingCharacters::refused;
+        Occasion occasion = Occasion::asked;
 
         friend bool operator==(const Manner &, const Manner &) = default;
     };

@@ -6,6 +6,27 @@
 #include "Settings/Preferences.h"
 #include "Text/TextStorage.h"
 
+#include <algorithm>
+
+namespace {
+
+bool isAscii(const Rope &text)
+{
+    bool isSo = true;
+    text.forEachChunk({0, text.length()}, [&isSo](const Rope::Chunk &chunk) {
+        constexpr char16_t end = 0x80;
+        if (chunk.narrow) {
+            isSo = std::all_of(chunk.narrow, chunk.narrow + chunk.length, [](uchar unit) { return unit < end; });
+        } else {
+            isSo = std::all_of(chunk.wide, chunk.wide + chunk.length, [](char16_t unit) { return unit < end; });
+        }
+        return isSo;
+    });
+    return isSo;
+}
+
+} // namespace
+
 void DocumentConventions::choose(std::optional<Indentation> indentation)
 {
     m_chosen = indentation;
@@ -28,15 +49,69 @@ DocumentConventions::Found DocumentConventions::usual() const
             .source = ofLanguage ? Source::language : Source::preference};
 }
 
-DocumentConventions::Found DocumentConventions::found() const
+DocumentConventions::Found DocumentConventions::ofText() const
 {
-    if (m_chosen) {
-        return {*m_chosen, Source::user};
-    }
     const Found usual = this->usual();
     if (m_services.language.needsTabs() || !m_ofText || !m_services.preferences.value(Settings::detectIndentation)) {
         return usual;
     }
     const int width = m_ofText->width > 0 ? m_ofText->width : usual.indentation.width;
     return {.indentation = {.width = width, .unit = m_ofText->unit}, .source = Source::text};
+}
+
+DocumentConventions::Found DocumentConventions::found() const
+{
+    if (m_chosen) {
+        return {*m_chosen, Source::user};
+    }
+    const EditorConfig &config = m_editorConfig;
+    const Found otherwise = ofText();
+    const bool saysNothing = !config.indentStyle && !config.indentSize && !config.tabWidth;
+    const bool isForbidden = m_services.language.needsTabs() && config.indentStyle == Indentation::Unit::spaces;
+    if (saysNothing || isForbidden) {
+        return otherwise;
+    }
+    Indentation indentation = otherwise.indentation;
+    indentation.unit = config.indentStyle.value_or(indentation.unit);
+    if (indentation.unit == Indentation::Unit::tab) {
+        indentation.width = config.tabWidth.value_or(config.indentSize.value_or(indentation.width));
+        return {indentation, Source::editorConfig};
+    }
+    if (const auto width = config.indentSize ? config.indentSize : config.tabWidth) {
+        indentation.width = *width;
+        indentation.otherTabStops = config.tabWidth && *config.tabWidth != *width ? *config.tabWidth : 0;
+    }
+    return {indentation, Source::editorConfig};
+}
+
+void DocumentConventions::take(const EditorConfig &config)
+{
+    if (!config.problem.isEmpty() && config.problem != m_editorConfig.problem) {
+        m_problem = config.problem;
+    }
+    m_editorConfig = config;
+}
+
+TextFile::Contents DocumentConventions::filledIn(TextFile::Contents contents) const
+{
+    const EditorConfig &config = m_editorConfig;
+    if (contents.form.lineEndings.count() == 0) {
+        contents.lineEnding = config.lineEnding.value_or(contents.lineEnding);
+    }
+    const bool mayBeOther = config.charset && contents.encoding == TextEncoding::utf8 && !contents.form.hasByteOrderMark;
+    if (mayBeOther && contents.text.isEmpty()) {
+        contents.encoding = config.charset->encoding;
+        contents.form.hasByteOrderMark = config.charset->hasByteOrderMark;
+    } else if (mayBeOther && config.charset->encoding == TextEncoding::isoLatin1 && isAscii(contents.text)) {
+        contents.encoding = TextEncoding::isoLatin1;
+    }
+    return contents;
+}
+
+SaveOptions DocumentConventions::saveOptions() const
+{
+    const Preferences &preferences = m_services.preferences;
+    return {.trimmed =
+                preferences.value(Settings::trimTrailingWhitespaceOnSave) ? SaveOptions::Trimmed::lastLine : SaveOptions::Trimmed::nothing,
+            .ensuresTrailingNewline = preferences.value(Settings::ensureTrailingNewlineOnSave)};
 }

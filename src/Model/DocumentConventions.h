@@ -2,17 +2,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Files/EditorConfig.h"
+#include "Files/TextFile.h"
+#include "Model/SaveTransformation.h"
 #include "Text/TextIndentation.h"
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 class Language;
 class Preferences;
 class TextStorage;
 
-/// What a document's text is indented with, and who says so: the user of this text alone, the text itself, its language, or the settings,
-/// whoever is the first to say something. Main thread only.
+/// How a document's text is written. What it is indented with is said by the user for this text alone, by .editorconfig files, by the text
+/// itself, by its language, or by the settings, whoever is the first to say something. Main thread only.
 class DocumentConventions final {
 public:
     /// What it uses; must outlive it.
@@ -24,7 +28,7 @@ public:
         /// Something here is another.
         std::function<void()> changed;
     };
-    enum class Source { user, text, language, preference };
+    enum class Source { user, editorConfig, text, language, preference };
 
     explicit DocumentConventions(Services services) : m_services(std::move(services)) {}
 
@@ -34,6 +38,19 @@ public:
     /// By the user, for this text; none where it is found out.
     [[nodiscard]] std::optional<Indentation> chosen() const { return m_chosen; }
     void choose(std::optional<Indentation> indentation);
+    /// What .editorconfig files say of the document's file.
+    [[nodiscard]] const EditorConfig &editorConfig() const { return m_editorConfig; }
+    void take(const EditorConfig &config);
+    /// What is wrong with these, if nobody has been told yet; empty for nothing.
+    [[nodiscard]] QString takeProblem() { return std::exchange(m_problem, {}); }
+    /// What was read from the file; what that itself does not tell is as .editorconfig files want it.
+    [[nodiscard]] TextFile::Contents filledIn(TextFile::Contents contents) const;
+    /// What the settings want done when it is saved.
+    [[nodiscard]] SaveOptions saveOptions() const;
+    /// The user has named the encoding or the line ending of a text without a file, which then is none that .editorconfig files decide.
+    bool isEncodingChosen = false;
+    bool isLineEndingChosen = false;
+
     /// The text is another one: what it is indented with is found out.
     void noteText();
 
@@ -44,8 +61,11 @@ private:
     };
     [[nodiscard]] Found found() const;
     [[nodiscard]] Found usual() const;
+    [[nodiscard]] Found ofText() const;
 
     Services m_services;
     std::optional<Indentation> m_chosen;
     std::optional<TextIndentation> m_ofText;
+    EditorConfig m_editorConfig;
+    QString m_problem;
 };

@@ -5,11 +5,13 @@
 #include "Text/TextEdits.h"
 
 struct SaveOptions {
-    bool trimsTrailingWhitespace = false;
+    enum class Trimmed { nothing, lastLine, everyLine };
+
+    /// Where spaces and tabs at the ends of lines go. Those elsewhere than in the last one may mean something, as they do in Markdown.
+    Trimmed trimmed = Trimmed::nothing;
     bool ensuresTrailingNewline = false;
 };
 
-/// What saving changes at the end of a text. Trimming reaches the blanks and tabs at the end of the last line only, with or without a line
-/// break behind them: blanks elsewhere may mean something, as they do in Markdown. A final line feed is added to a text that is not empty.
-/// O(what is changed).
+/// What saving changes in a text. A last line may have a line break behind it. A final line feed is added to a text that is not empty.
+/// O(what is changed), but where every line is trimmed O(text).
 [[nodiscard]] TextEdits saveTransformation(const Rope &text, SaveOptions options);

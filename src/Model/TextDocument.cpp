@@ -138,6 +138,7 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
             bool exists = false;
             bool isChanged = false;
             bool isReadOnly = false;
+            EditorConfig config;
             /// Of the draft.
             std::optional<FileForm> form = std::nullopt;
         };
@@ -149,7 +150,11 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
                 const bool exists = isThere(path);
                 const bool isChanged =
                     state ? !DocumentFile::isStill(path, *state, files) : keptAt && DocumentFile::hasChangedSince(path, *keptAt, files);
-                return Found{DocumentFile::identityOf(path), exists, exists && isChanged, TextFile::isReadOnly(path, files),
+                return Found{DocumentFile::identityOf(path),
+                             exists,
+                             exists && isChanged,
+                             TextFile::isReadOnly(path, files),
+                             EditorConfig::of(path, files),
                              exists && !isChanged && keepsForm ? formOf(path, remembered, draft, files) : std::nullopt};
             },
             [self = document.get(), path, missingFile, draft = contents.text](const Found &found) {
@@ -158,6 +163,8 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
                 }
                 self->m_follower.setIdentity(found.identity);
                 self->setReadOnly(found.isReadOnly);
+                self->conventions.take(found.config);
+                self->postMetadata();
                 if (!found.exists && missingFile == MissingFile::isMade) {
                     self->m_follower.setNew(true);
                 } else if (!found.exists) {
@@ -191,7 +198,7 @@ std::unique_ptr<TextDocument> TextDocument::awaiting(const DocumentServices &ser
         FileRequests::Kind::arrival, std::chrono::milliseconds(0),
         [path, remembered = document->m_encoding.remembered(), &files = services.files](const std::stop_token &) {
             return Arrival{TextFile::readRemembered(path, remembered, files), DocumentFile::identityOf(path),
-                           TextFile::isReadOnly(path, files)};
+                           TextFile::isReadOnly(path, files), EditorConfig::of(path, files)};
         },
         [self = document.get(), missingFile](const Arrival &arrival) { self->arrive(arrival, missingFile); });
     return document;
@@ -212,6 +219,7 @@ void TextDocument::arrive(const Arrival &arrival, MissingFile missingFile)
     if (m_arrival.failure()) {
         m_services.notifications.post(didFailToArrive, this);
     } else {
+        conventions.take(arrival.config);
         takeArrived(arrival.contents.value_or(
             TextFile::Contents{.encoding = encoding(), .lineEnding = m_lineEnding, .isReadOnly = arrival.isReadOnly}));
         m_follower.setNew(isNew);
@@ -226,7 +234,7 @@ void TextDocument::takeArrived(const TextFile::Contents &contents)
     const TextRange selection = lastSelectedRange;
     {
         const UndoManager::Pause pause(m_undoManager);
-        adopt(comparedWith(contents));
+        adopt(comparedWith(conventions.filledIn(contents)));
     }
     m_undoManager.removeAllActions();
     m_undoManager.markSavePoint();
@@ -318,6 +326,7 @@ void TextDocument::noteEdit()
 
 void TextDocument::setEncoding(TextEncoding encoding)
 {
+    conventions.isEncodingChosen = true;
     if (m_encoding.value() != encoding && !m_arrival.isPending()) {
         m_encoding.set(encoding);
     }
@@ -325,6 +334,7 @@ void TextDocument::setEncoding(TextEncoding encoding)
 
 void TextDocument::setLineEnding(LineEnding lineEnding)
 {
+    conventions.isLineEndingChosen = true;
     const auto kept = m_form.kept();
     const bool isKept = kept && kept->lineEndings.isMixed();
     if ((m_lineEnding == lineEnding && !isKept) || m_arrival.isPending()) {
@@ -370,19 +380,6 @@ Language TextDocument::detectedLanguage() const
 
 // Saving and reading
 
-void TextDocument::transformForSaving()
-{
-    const Preferences &preferences = m_services.preferences;
-    const TextEdits edits =
-        saveTransformation(m_storage.text(), {.trimsTrailingWhitespace = preferences.value(Settings::trimTrailingWhitespaceOnSave),
-                                              .ensuresTrailingNewline = preferences.value(Settings::ensureTrailingNewlineOnSave)});
-    if (!edits.isEmpty()) {
-        m_undoManager.breakCoalescing();
-        m_storage.apply(edits);
-        lastSelectedRange = {std::min(m_storage.length(), lastSelectedRange.location), 0};
-    }
-}
-
 void TextDocument::save(const QString &path, const SaveQueue::Completion &completion, const DocumentFile::Manner &manner)
 {
     if (m_arrival.isPending()) {
@@ -391,7 +388,6 @@ void TextDocument::save(const QString &path, const SaveQueue::Completion &comple
         }
         return;
     }
-    transformForSaving();
     m_undoManager.breakCoalescing();
     m_undoManager.markSavePoint();
     DocumentFile::Snapshot snapshot = snapshotOf(*this, path);
@@ -413,22 +409,34 @@ void TextDocument::startSaving()
     }
     m_requests.cancel(FileRequests::Kind::reading);
     m_follower.beginOwnWrite();
+    const FinishedText::Open open{
+        .encoding = isUntitled() && !conventions.isEncodingChosen && snapshot->encoding == TextEncoding::utf8,
+        .lineEnding = isUntitled() && !conventions.isLineEndingChosen && snapshot->lineEnding == LineEnding::lf,
+        .hasByteOrderMark = m_form.value().hasByteOrderMark,
+    };
     const bool isAuthorized = snapshot->manner.authority == DocumentFile::Authority::administrator;
     m_requests.start(
         isAuthorized ? FileRequests::Kind::authorizedWriting : FileRequests::Kind::writing, m_services.timeout,
-        [snapshot = *snapshot, &files = m_services.files, administrator = m_services.administrator](const std::stop_token &stop) {
-            return DocumentFile::write(snapshot, files, administrator, stop);
+        [snapshot = *snapshot, options = conventions.saveOptions(), open, &files = m_services.files,
+         administrator = m_services.administrator](const std::stop_token &stop) {
+            FinishedText text = FinishedText::of(snapshot, options, open, files);
+            auto result = DocumentFile::write(text.snapshot, files, administrator, stop);
+            return Saved{std::move(text), std::move(result)};
         },
-        [this](const DocumentFile::WriteResult &written) { endSaving(written); });
+        [this](const Saved &saved) { endSaving(saved); });
 }
 
-void TextDocument::endSaving(const DocumentFile::WriteResult &written)
+void TextDocument::endSaving(const Saved &saved)
 {
     const std::shared_ptr<TextDocument> self = weak_from_this().lock(); // it may be removed by those who are notified
     const SaveQueue::Save save = m_saves.end();
+    const DocumentFile::WriteResult &written = saved.result;
     m_follower.endOwnWrite(written ? std::optional(written->state.stamp) : std::nullopt);
+    if (written || written.error().code == TextFile::missingCharactersError) {
+        takeForm(save.snapshot, saved.text.snapshot);
+    }
     if (written) {
-        takeWritten(save.snapshot, *written);
+        takeWritten(saved.text, *written);
     } else {
         m_undoManager.forgetSavePoint();
     }
@@ -452,13 +460,39 @@ void TextDocument::endSaving(const DocumentFile::WriteResult &written)
     }
 }
 
-void TextDocument::takeWritten(const DocumentFile::Snapshot &snapshot, const DocumentFile::Written &written)
+/// What was decided while it was saved; the user may have decided otherwise meanwhile.
+void TextDocument::takeForm(const DocumentFile::Snapshot &asked, const DocumentFile::Snapshot &finished)
 {
+    if (asked.encoding != finished.encoding && encoding() == asked.encoding) {
+        m_encoding.take(finished.encoding, std::nullopt);
+    }
+    if (asked.lineEnding != finished.lineEnding && m_lineEnding == asked.lineEnding) {
+        m_lineEnding = finished.lineEnding;
+        m_form.setUniform(m_lineEnding);
+    }
+}
+
+void TextDocument::takeWritten(const FinishedText &text, const DocumentFile::Written &written)
+{
+    const DocumentFile::Snapshot &snapshot = text.snapshot;
     const bool isSameText = m_storage.revision() == snapshot.revision;
+    if (isSameText && !text.edits.isEmpty()) {
+        m_isLoading = true;
+        m_storage.apply(text.edits);
+        m_isLoading = false;
+        m_undoManager.breakCoalescing();
+        m_undoManager.markSavePoint();
+        lastSelectedRange = {std::min(m_storage.length(), lastSelectedRange.location), 0};
+    }
+    conventions.take(text.config);
     agreeWithFile(snapshot.text, written.hash);
     m_follower.agreeOn(written.state);
-    if (!snapshot.form) {
+    if (!snapshot.form || !m_form.kept()) {
         m_form.setNormal(snapshot.lineEnding);
+    }
+    if (FileForm form = m_form.value(); snapshot.form && form.hasByteOrderMark != snapshot.form->hasByteOrderMark) {
+        form.hasByteOrderMark = snapshot.form->hasByteOrderMark;
+        m_form.set(form);
     }
     if (!isSameText || encoding() != snapshot.encoding || m_lineEnding != snapshot.lineEnding) {
         m_isDirty = true;
@@ -503,11 +537,13 @@ TextDocument::FileReading TextDocument::comparedWith(const TextFile::Contents &c
 
 void TextDocument::adopt(const FileReading &reading)
 {
-    const bool keepsColours = m_storage.length() > 0 && isAdded(reading.difference, m_storage.length());
+    const bool isContinued = m_storage.length() > 0 && isAdded(reading.difference, m_storage.length());
     m_isLoading = true;
     m_storage.apply(reading.difference);
     m_isLoading = false;
-    conventions.noteText();
+    if (!isContinued) {
+        conventions.noteText();
+    }
     m_encoding.take(reading.contents.encoding, reading.contents.suggestedEncoding);
     m_lineEnding = reading.contents.lineEnding;
     m_form.set(reading.contents.form);
@@ -516,7 +552,7 @@ void TextDocument::adopt(const FileReading &reading)
     m_follower.setReadOnly(reading.contents.isReadOnly);
     lastSelectedRange = {std::min(m_storage.length(), lastSelectedRange.location), 0};
     // What is added at the end is coloured like what is typed there.
-    if (m_highlighter && !keepsColours) {
+    if (m_highlighter && !isContinued) {
         m_highlighter->rehighlightAll();
     }
 }
@@ -526,7 +562,9 @@ void TextDocument::reload(const FileReading &reading)
     m_endBeforeReload = isAdded(reading.difference, m_storage.length()) ? std::optional(m_storage.length()) : std::nullopt;
     {
         const UndoManager::Pause pause(m_undoManager);
-        adopt(reading);
+        FileReading filled = reading;
+        filled.contents = conventions.filledIn(reading.contents);
+        adopt(filled);
     }
     m_undoManager.removeAllActions();
     m_undoManager.markSavePoint();
@@ -547,9 +585,13 @@ void TextDocument::takeFile(std::optional<TextEncoding> forcedEncoding, void (Te
         m_requests.start(
             FileRequests::Kind::reading, m_services.timeout,
             [path = m_path, as = DocumentFile::ReadAs{forcedEncoding, m_encoding.remembered()}, current = m_storage.snapshot(),
-             &files = m_services.files](const std::stop_token &stop) { return DocumentFile::read(path, as, current, files, stop); },
-            [this, take, completion](const DocumentFile::ReadResult &reading) {
+             &files = m_services.files](const std::stop_token &stop) {
+                return std::pair(DocumentFile::read(path, as, current, files, stop), EditorConfig::of(path, files));
+            },
+            [this, take, completion](const std::pair<DocumentFile::ReadResult, EditorConfig> &read) {
+                const auto &[reading, config] = read;
                 if (reading) {
+                    conventions.take(config);
                     (this->*take)(reading->revision == m_storage.revision() ? *reading : comparedWith(reading->contents));
                 }
                 if (completion) {

@@ -14,6 +14,7 @@
 #include "Model/DocumentForm.h"
 #include "Model/DocumentServices.h"
 #include "Model/FileFollower.h"
+#include "Model/FinishedText.h"
 #include "Model/SaveQueue.h"
 #include "Model/SavedText.h"
 #include "Model/TextOrigin.h"
@@ -157,8 +158,9 @@ public:
     /// Called when a file was read, or could not be.
     using ReadCompletion = std::function<void(const Result<void, TextFile::ReadError> &read)>;
 
-    /// Writes the text as it is now to `path`, which becomes its file, after trimming and ending the text as the settings want. When that
-    /// fails the document is as it was, except for that; so it does when the encoding lacks characters, unless they are to be substituted.
+    /// Writes the text as it is now to `path`, which becomes its file, trimmed and ended as the settings and .editorconfig files want; what
+    /// that changes is a step that can be undone. When it fails the document is as it was; so it does when the encoding lacks characters,
+    /// unless they are to be substituted.
     /// Refused while it waits for its text.
     void save(const QString &path, const SaveQueue::Completion &completion = {}, const DocumentFile::Manner &manner = {});
     /// Takes the file's text, after what is being written; the history goes. Does nothing without a file. When it cannot be read nothing
@@ -175,6 +177,11 @@ private:
         TextFile::ReadResult contents;
         QString identity;
         bool isReadOnly = false;
+        EditorConfig config;
+    };
+    struct Saved {
+        FinishedText text;
+        DocumentFile::WriteResult result;
     };
 
     TextDocument(const DocumentServices &services, const QString &path, const QString &identity,
@@ -190,10 +197,10 @@ private:
     void setReadOnly(bool isReadOnly);
     void postMetadata() const;
 
-    void transformForSaving();
     void startSaving();
-    void endSaving(const DocumentFile::WriteResult &written);
-    void takeWritten(const DocumentFile::Snapshot &snapshot, const DocumentFile::Written &written);
+    void endSaving(const Saved &saved);
+    void takeForm(const DocumentFile::Snapshot &asked, const DocumentFile::Snapshot &finished);
+    void takeWritten(const FinishedText &text, const DocumentFile::Written &written);
     void takeFile(std::optional<TextEncoding> forcedEncoding, void (TextDocument::*take)(const FileReading &reading),
                   const ReadCompletion &completion);
     void takeReinterpreted(const FileReading &reading);

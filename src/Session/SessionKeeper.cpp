@@ -134,7 +134,7 @@ void SessionKeeper::saveToFiles()
         const bool isComplete = document->encodingDetails().missing().count() == 0;
         if (document->hasUnsavedEdits() && hasQuietFile && isComplete && !document->saves().isActive()) {
             // One that fails or takes its time leaves the text dirty, and so it gets a draft.
-            document->save(document->path());
+            document->save(document->path(), {}, {.occasion = DocumentFile::Occasion::byItself});
         }
     }
 }

@@ -20,6 +20,7 @@ struct SourceRow {
 };
 constexpr auto sources = std::to_array<SourceRow>({
     {DocumentConventions::Source::user, u"Chosen for this text"},
+    {DocumentConventions::Source::editorConfig, u"From .editorconfig"},
     {DocumentConventions::Source::text, u"Found in this text"},
     {DocumentConventions::Source::language, u"Usual for %@"},
     {DocumentConventions::Source::preference, u"From the settings"},

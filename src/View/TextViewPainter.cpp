@@ -14,6 +14,7 @@ namespace {
 
 /// Of the text's colour, in the ground of what is searched.
 constexpr double searchedShare = 0.12;
+constexpr double rulerShare = 0.12;
 constexpr float blockCaretAlpha = 0.45F;
 constexpr QColor indicatorColor(0xFF, 0xC8, 0x1E);
 constexpr QColor misspellingColor(0xE5, 0x3E, 0x3E);
@@ -72,6 +73,7 @@ void TextViewPainter::paint(QPainter &painter, QRectF area, const Rope &text, co
     const Span visible{area.left() - 1 - left, area.right() + 1 - left};
     const auto rows = m_port.rows(area.top() - 1, area.bottom() + 1);
     painter.fillRect(frame.caretRow, looks.colors.currentLine);
+    paintRuler(painter, area);
     for (const Viewport::VisibleRow &visibleRow : rows) {
         frame.paintBehind(visibleRow, visible);
         const Row row{visibleRow.row, visibleRow.top, visible, m_layout.rangeOf(visibleRow.row), seenOf(visibleRow, visible)};
@@ -93,6 +95,14 @@ void TextViewPainter::paint(QPainter &painter, QRectF area, const Rope &text, co
     }
     for (const QRectF &caret : frame.carets) {
         paintCaret(painter, caret);
+    }
+}
+
+void TextViewPainter::paintRuler(QPainter &painter, QRectF area)
+{
+    if (looks.rulerColumn) {
+        const double x = std::round(m_port.left() + *looks.rulerColumn * m_layout.cellWidth());
+        painter.fillRect(QRectF(x, area.top() - 1, 1, area.height() + 2), blended(looks.colors.background, looks.colors.text, rulerShare));
     }
 }
 

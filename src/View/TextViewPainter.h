@@ -37,6 +37,8 @@ struct TextLooks {
     Colors colors;
     CaretShape caretShape = CaretShape::bar;
     Visibility invisibles = Visibility::hidden;
+    /// A faint line behind so many columns, where lines are not to go further; none for no line.
+    std::optional<int> rulerColumn;
     /// Where one searches, when that is not all of the text.
     MarkProvider searched;
     /// Search hits.
@@ -121,6 +123,7 @@ private:
     void paintUnsavable(QPainter &painter, const Row &row);
     void paintInvisibles(QPainter &painter, const Row &row, const Rope &text);
     void paintText(QPainter &painter, const Row &row, const Selections &selections);
+    void paintRuler(QPainter &painter, QRectF area);
     void paintRowBorder(QPainter &painter, QRectF caretRow);
     void paintDropCaret(QPainter &painter, qsizetype offset);
     void paintCaret(QPainter &painter, QRectF caret);

@@ -561,19 +561,31 @@ TEST_F(DocumentTest, AFileIsOneDocumentWhateverItIsCalledAndWheneverItComes)
     EXPECT_EQ(arrivals, 2);
 }
 
-TEST(SaveTransformation, ReachesTheLastLineOnly)
+TEST(SaveTransformation, TrimsAndEndsTheText)
 {
-    const auto saved = [](const QString &text, bool trims, bool ends) {
-        const Rope rope(text);
-        return saveTransformation(rope, {.trimsTrailingWhitespace = trims, .ensuresTrailingNewline = ends}).applied(rope).toString();
+    using enum SaveOptions::Trimmed;
+    struct Case {
+        QString before;
+        SaveOptions options;
+        QString after;
     };
-    EXPECT_EQ(saved(u"a  \nb \t\n"_s, true, false), u"a  \nb\n"_s);
-    EXPECT_EQ(saved(u"a  \nb \t"_s, true, true), u"a  \nb\n"_s);
-    EXPECT_EQ(saved(u"a \n\n"_s, true, false), u"a \n\n"_s);
-    EXPECT_EQ(saved(u"a"_s, false, true), u"a\n"_s);
-    EXPECT_EQ(saved(u"a\n"_s, true, true), u"a\n"_s);
-    EXPECT_EQ(saved({}, true, true), QString());
-    EXPECT_EQ(saved(u"  "_s, true, true), QString());
+    const Case cases[] = {
+        {u"a  \nb \t\n"_s, {lastLine}, u"a  \nb\n"_s},
+        {u"a  \nb \t"_s, {lastLine, true}, u"a  \nb\n"_s},
+        {u"a \n\n"_s, {lastLine}, u"a \n\n"_s},
+        {u"a\n  "_s, {lastLine, true}, u"a\n"_s},
+        {u"a"_s, {nothing, true}, u"a\n"_s},
+        {u"a\n"_s, {lastLine, true}, u"a\n"_s},
+        {{}, {lastLine, true}, {}},
+        {u"  "_s, {lastLine, true}, {}},
+        {u"a  \n\t\n b \tc\t"_s, {everyLine}, u"a\n\n b \tc"_s},
+        {u"a \n  "_s, {everyLine, true}, u"a\n"_s},
+        {u"a \nb"_s, {everyLine, true}, u"a\nb\n"_s},
+    };
+    for (const Case &one : cases) {
+        const Rope rope(one.before);
+        EXPECT_EQ(saveTransformation(rope, one.options).applied(rope).toString(), one.after) << one.before.toStdString();
+    }
 }
 
 } // namespace

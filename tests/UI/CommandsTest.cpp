@@ -190,6 +190,14 @@ TEST_F(CommandsTest, ATextIsIndentedAsItsLinesAreUnlessSomethingElseIsChosenForI
     EXPECT_EQ(choose(u"Spaces: 8"_s, forAll), u"Spaces: 8, From the settings"_s);
 }
 
+TEST_F(CommandsTest, ADamagedEditorConfigIsTold)
+{
+    put(u".editorconfig"_s, "nonsense\n");
+    workspace().open({put(u"a.txt"_s, "x")});
+    scheduler.advance(std::chrono::milliseconds(0));
+    EXPECT_TRUE(flashes.filter(u".editorconfig is ignored: line 1 of"_s).size() == 1) << flashes.join(u'\n').toStdString();
+}
+
 TEST_F(CommandsTest, ClosingAWindowAsksOnceForAllItsTexts)
 {
     send(Actions::newWindow);

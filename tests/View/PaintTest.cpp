@@ -220,6 +220,30 @@ TEST(Paint, SelectedTextAndTheCaretsRowCanHaveColoursOfTheirOwn)
     EXPECT_EQ(counts(firstRow)[qRgb(255, 255, 0)], 0) << "marked letters keep their colour, so nothing of the selection's is behind them";
 }
 
+TEST(Paint, ARulerStandsBehindItsColumnHoweverTheTextIsScrolled)
+{
+    ViewFixture fixture(QString(200, u'x') + u"\n\n"_s, {400, 200});
+    const auto rulers = [&fixture] {
+        std::vector<double> places;
+        const QImage picture = fixture.view.viewport()->grab().toImage();
+        const int empty = picture.height() - 3;
+        for (int x = 1; x < picture.width(); ++x) {
+            if (picture.pixel(x, empty) != picture.pixel(x - 1, empty) && picture.pixel(x, empty) != picture.pixel(0, empty)) {
+                places.push_back(x / picture.devicePixelRatio());
+            }
+        }
+        return places;
+    };
+    EXPECT_TRUE(rulers().empty());
+    fixture.view.setLook(&TextLooks::rulerColumn, 10);
+    const double column = fixture.view.textViewport().left() + 10 * fixture.view.layoutManager().cellWidth();
+    ASSERT_EQ(rulers().size(), 1U);
+    EXPECT_NEAR(rulers().front(), column, 1);
+    fixture.view.horizontalScrollBar()->setValue(20);
+    ASSERT_EQ(rulers().size(), 1U);
+    EXPECT_NEAR(rulers().front(), column - 20, 1);
+}
+
 /// The width of a long line's part is an estimate until some question lays it out; what is right of it moves then.
 TEST(Paint, WhatIsMeasuredLeftOfTheViewRepaintsIt)
 {

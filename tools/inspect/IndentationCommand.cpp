@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Command.h"
 
+#include "Base/FileCalls.h"
 #include "Base/Scheduler.h"
 #include "Highlighting/LanguageRegistry.h"
 #include "Model/DocumentConventions.h"
@@ -24,6 +25,8 @@ QStringView nameOf(DocumentConventions::Source source)
     case user:
     case preference:
         return u"preference";
+    case editorConfig:
+        return u"editorconfig";
     case text:
         return u"text";
     case language:
@@ -53,6 +56,7 @@ QJsonObject runIndentation(const Arguments &arguments)
     const Language language = LanguageRegistry::detect(path, head.section(u'\n', 0, 0));
     DocumentConventions conventions({storage, language, preferences, {}});
     conventions.noteText();
+    conventions.take(EditorConfig::of(path, FileCalls::system()));
     const Indentation indentation = conventions.indentation();
     return {{u"unit"_s, indentation.unit == Indentation::Unit::tab ? u"tab"_s : u"spaces"_s},
             {u"width"_s, indentation.width},
