@@ -6,11 +6,11 @@
 #include "Editor/BarColors.h"
 #include "Editor/ChangeMarks.h"
 #include "Widgets/AccessibleRole.h"
+#include "Widgets/ElidedLabel.h"
 #include "Widgets/FlatButton.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QShortcut>
@@ -28,7 +28,7 @@ constexpr int slack = 4;
 
 ChangePanel::ChangePanel(const TextView::Services &services, const QFont &font, QWidget *parent)
     : QFrame(parent), m_undoManager(m_storage, [&scheduler = services.scheduler] { return scheduler.now(); }), m_header(new QWidget(this)),
-      m_title(new QLabel(m_header)), m_restore(new QPushButton(localized(u"Restore"), m_header)), m_close(new FlatButton(m_header)),
+      m_title(new ElidedLabel(Qt::ElideRight, m_header)), m_restore(new QPushButton(localized(u"Restore"), m_header)), m_close(new FlatButton(m_header)),
       m_lines(new NumberedTextView(m_storage, m_undoManager, services, font, this)), m_theme(&Theme::light())
 {
     setAccessibleRole(*this, QAccessible::Grouping);
@@ -36,7 +36,6 @@ ChangePanel::ChangePanel(const TextView::Services &services, const QFont &font, 
     setFrameShape(QFrame::Box);
     setFrameShadow(QFrame::Plain);
     setAutoFillBackground(true);
-    m_title->setTextFormat(Qt::PlainText);
     m_close->setSymbol(QStringLiteral("xmark"), symbolSide);
     m_close->setToolTip(localized(u"Close"));
     m_close->setAccessibleName(localized(u"Close"));

@@ -9,7 +9,7 @@
 
 #include <QFrame>
 
-class QLabel;
+class ElidedLabel;
 class FlatButton;
 class QPushButton;
 
@@ -45,7 +45,7 @@ private:
     TextStorage m_storage;
     UndoManager m_undoManager;
     QWidget *m_header;
-    QLabel *m_title;
+    ElidedLabel *m_title;
     QPushButton *m_restore;
     FlatButton *m_close;
     NumberedTextView *m_lines;
