@@ -127,26 +127,16 @@ TEST_F(AutoPairsTest, AreCompletedTypedOverDeletedAndPutAround)
         begin(tested.language, before);
         EXPECT_EQ(after(keys), QString::fromUtf16(tested.after));
         const QString text = storage.string();
-        while (undo.canUndo()) {
+        int steps = 0;
+        for (; undo.canUndo(); ++steps) {
             view.undo();
         }
+        EXPECT_LE(steps, keys.startsWith(u'<') && keys.count(u'<') == 1 ? 1 : keys.size());
         EXPECT_EQ(::marked(view), before);
         while (undo.canRedo()) {
             view.redo();
         }
         EXPECT_EQ(storage.string(), text);
-    }
-}
-
-TEST_F(AutoPairsTest, AreOneStepOfUndo)
-{
-    for (const auto &[before, key] : {std::pair(u"f|"_s, u"("_s), {u"f(|)"_s, u"<BS>"_s}, {u"^f|"_s, u"\""_s}, {u"f {|}"_s, u"<CR>"_s}}) {
-        SCOPED_TRACE(key.toStdString());
-        begin(u"c", before);
-        EXPECT_NE(after(key), before);
-        view.undo();
-        EXPECT_EQ(::marked(view), before);
-        EXPECT_FALSE(undo.canUndo());
     }
 }
 
