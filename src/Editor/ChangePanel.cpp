@@ -28,8 +28,9 @@ constexpr int slack = 4;
 
 ChangePanel::ChangePanel(const TextView::Services &services, const QFont &font, QWidget *parent)
     : QFrame(parent), m_undoManager(m_storage, [&scheduler = services.scheduler] { return scheduler.now(); }), m_header(new QWidget(this)),
-      m_title(new ElidedLabel(Qt::ElideRight, m_header)), m_restore(new QPushButton(localized(u"Restore"), m_header)), m_close(new FlatButton(m_header)),
-      m_lines(new NumberedTextView(m_storage, m_undoManager, services, font, this)), m_theme(&Theme::light())
+      m_title(new ElidedLabel(Qt::ElideRight, m_header)), m_restore(new QPushButton(localized(u"Restore"), m_header)),
+      m_close(new FlatButton(m_header)), m_lines(new NumberedTextView(m_storage, m_undoManager, services, font, this)),
+      m_theme(&Theme::light())
 {
     setAccessibleRole(*this, QAccessible::Grouping);
     becomeNotice(*m_title);
