@@ -236,6 +236,9 @@ void EditorViewController::observe()
         if (m_spelling) {
             m_services.spellingPanel->follow(*m_spelling);
         }
+        if (!m_document->arrival().isPending()) {
+            m_document->conventions.refresh();
+        }
         emit activated();
     });
     connect(m_textView, &TextView::zoomRequested, this, [this](int steps) {

@@ -33,11 +33,6 @@ void DocumentConventions::choose(std::optional<Indentation> indentation)
     m_services.changed();
 }
 
-void DocumentConventions::noteText()
-{
-    m_ofText = indentationOf(m_services.storage.text());
-}
-
 /// A language with an indentation of its own goes before what the user has set for all.
 DocumentConventions::Found DocumentConventions::usual() const
 {
@@ -52,11 +47,17 @@ DocumentConventions::Found DocumentConventions::usual() const
 DocumentConventions::Found DocumentConventions::ofText() const
 {
     const Found usual = this->usual();
-    if (m_services.language.needsTabs() || !m_ofText || !m_services.preferences.value(Settings::detectIndentation)) {
+    if (m_services.language.needsTabs() || !m_services.preferences.value(Settings::detectIndentation)) {
         return usual;
     }
-    const int width = m_ofText->width > 0 ? m_ofText->width : usual.indentation.width;
-    return {.indentation = {.width = width, .unit = m_ofText->unit}, .source = Source::text};
+    if (!m_ofText) {
+        m_ofText = indentationOf(m_services.storage.text());
+    }
+    const std::optional<TextIndentation> own = *m_ofText;
+    if (!own) {
+        return usual;
+    }
+    return {.indentation = {.width = own->width > 0 ? own->width : usual.indentation.width, .unit = own->unit}, .source = Source::text};
 }
 
 DocumentConventions::Found DocumentConventions::found() const
@@ -106,6 +107,25 @@ TextFile::Contents DocumentConventions::filledIn(TextFile::Contents contents) co
         contents.encoding = TextEncoding::isoLatin1;
     }
     return contents;
+}
+
+void DocumentConventions::refresh()
+{
+    // One that waits for a share whose server is gone is enough.
+    if (m_services.path.isEmpty() || m_looking.isPending()) {
+        return;
+    }
+    m_looking = BackgroundTask::start(
+        m_services.workers,
+        [path = m_services.path, &files = m_services.files](const std::stop_token & /*stop*/) {
+            return std::pair(path, EditorConfig::of(path, files));
+        },
+        [this](const std::pair<QString, EditorConfig> &found) {
+            if (found.first == m_services.path && found.second != m_editorConfig) {
+                take(found.second);
+                m_services.changed();
+            }
+        });
 }
 
 SaveOptions DocumentConventions::saveOptions() const

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/BackgroundTask.h"
 #include "Files/EditorConfig.h"
 #include "Files/TextFile.h"
 #include "Model/SaveTransformation.h"
@@ -25,6 +26,10 @@ public:
         /// Of the document, now and later.
         const Language &language;
         const Preferences &preferences;
+        Workers &workers;
+        FileCalls &files;
+        /// Of the document's file, now and later.
+        const QString &path;
         /// Something here is another.
         std::function<void()> changed;
     };
@@ -41,6 +46,8 @@ public:
     /// What .editorconfig files say of the document's file.
     [[nodiscard]] const EditorConfig &editorConfig() const { return m_editorConfig; }
     void take(const EditorConfig &config);
+    /// They may be others since they were looked at: a worker looks again.
+    void refresh();
     /// What is wrong with these, if nobody has been told yet; empty for nothing.
     [[nodiscard]] QString takeProblem() { return std::exchange(m_problem, {}); }
     /// What was read from the file; what that itself does not tell is as .editorconfig files want it.
@@ -51,8 +58,8 @@ public:
     bool isEncodingChosen = false;
     bool isLineEndingChosen = false;
 
-    /// The text is another one: what it is indented with is found out.
-    void noteText();
+    /// The text is another one: what it is indented with is found out when it is asked for.
+    void noteText() { m_ofText.reset(); }
 
 private:
     struct Found {
@@ -65,7 +72,9 @@ private:
 
     Services m_services;
     std::optional<Indentation> m_chosen;
-    std::optional<TextIndentation> m_ofText;
+    /// None while nobody has asked.
+    mutable std::optional<std::optional<TextIndentation>> m_ofText;
     EditorConfig m_editorConfig;
     QString m_problem;
+    BackgroundTask m_looking;
 };

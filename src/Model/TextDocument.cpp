@@ -64,8 +64,8 @@ TextDocument::TextDocument(const DocumentServices &services, const QString &path
 
 TextDocument::TextDocument(const DocumentServices &services, const QString &path, const QString &identity,
                            const std::optional<TextFile::Contents> &contents, const QUuid &id)
-    : conventions({m_storage, m_language, services.preferences, [this] { postMetadata(); }}), m_services(services), m_id(id),
-      m_undoManager(m_storage, [&scheduler = services.scheduler] { return scheduler.now(); }), m_path(path),
+    : conventions({m_storage, m_language, services.preferences, services.workers, services.files, m_path, [this] { postMetadata(); }}),
+      m_services(services), m_id(id), m_undoManager(m_storage, [&scheduler = services.scheduler] { return scheduler.now(); }), m_path(path),
       m_requests(services.scheduler, services.workers, [this] { postMetadata(); }), m_encoding({.storage = m_storage,
                                                                                                 .undoManager = m_undoManager,
                                                                                                 .workers = services.workers,

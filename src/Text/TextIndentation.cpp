@@ -11,7 +11,7 @@
 namespace {
 
 constexpr int mostIndented = 1000;
-constexpr qsizetype mostLines = 20'000;
+constexpr qsizetype mostLines = 10'000;
 constexpr int fewestIndented = 5;
 /// Units of a line that are looked at; what is indented further is no indentation.
 constexpr qsizetype furthest = 240;

@@ -19,5 +19,5 @@ struct TextIndentation {
 
 /// How `text` is indented, by its first indented lines; none where these are fewer than five or nine in ten do not agree. A level of spaces
 /// is what lines mostly go further in by. Lines that go on with a comment (" * …"), and those that stand below something in the line
-/// before, say nothing. O(log n) a line, of 1000 indented lines and 20,000 in all at most, however long they are.
+/// before, say nothing. O(log n) a line, of 1000 indented lines and 10,000 in all at most, however long they are.
 [[nodiscard]] std::optional<TextIndentation> indentationOf(const Rope &text);

@@ -175,6 +175,15 @@ TEST_F(ConventionsTest, ChangesOfTheFilesAreFollowedAndProblemsToldOnce)
     ASSERT_TRUE(saved(*document, folder.path(u"other/b.txt"_s)));
     EXPECT_EQ(conventions.indentation().width, 6);
     EXPECT_EQ(conventions.takeProblem(), QString());
+    folder.put(u"other/.editorconfig"_s, "[*]\nindent_size=7\n");
+    int changes = 0;
+    const auto token = surroundings.notifications.observe(TextDocument::didChangeMetadata, document.get(), [&changes] { ++changes; });
+    conventions.refresh();
+    surroundings.settle();
+    EXPECT_EQ(conventions.indentation().width, 7);
+    conventions.refresh();
+    surroundings.settle();
+    EXPECT_EQ(changes, 1) << "nothing is new";
     folder.put(u"other/.editorconfig"_s, "nonsense\n");
     ASSERT_TRUE(isReverted(*document));
     EXPECT_EQ(conventions.indentation().width, 4);

@@ -54,7 +54,8 @@ QJsonObject runIndentation(const Arguments &arguments)
     storage.apply({{}, contents->text});
     const QString head = storage.string({0, std::min<qsizetype>(storage.length(), 512)});
     const Language language = LanguageRegistry::detect(path, head.section(u'\n', 0, 0));
-    DocumentConventions conventions({storage, language, preferences, {}});
+    InlineWorkers workers;
+    DocumentConventions conventions({storage, language, preferences, workers, FileCalls::system(), path, {}});
     conventions.noteText();
     conventions.take(EditorConfig::of(path, FileCalls::system()));
     const Indentation indentation = conventions.indentation();
