@@ -133,7 +133,7 @@ SyntaxHighlighter::SyntaxHighlighter(TextStorage &storage, const Language &langu
 {
     rebuildAttributeCache();
     m_edits = QObject::connect(&storage, &TextStorage::didProcessEditing, &storage,
-                               [this](const TextChange &change) { noteEdit(change.edits.hull()); });
+                               [this](const TextChange &change) { noteEdits(change.edits); });
 }
 
 SyntaxHighlighter::~SyntaxHighlighter()
@@ -239,12 +239,19 @@ TextRange SyntaxHighlighter::colouredAround(TextRange range, qsizetype margin) c
                               std::clamp(end * chunkSize, range.end(), std::max(range.end(), m_storage.length())));
 }
 
-void SyntaxHighlighter::noteEdit(const ReplacedStretch &edit)
+void SyntaxHighlighter::noteEdits(const TextEdits &edits)
 {
+    const ReplacedStretch edit = edits.hull();
     m_spansAreStale = true;
     m_editSinceSpans = m_editSinceSpans ? m_editSinceSpans->followedBy(edit) : edit;
     addUncoloured(edit);
     m_freshChunks.resize(std::min(m_freshChunks.size(), size_t(edit.location / chunkSize)));
+    if (edits.count() > mostEditsAtOnce && edit.inserted > chunkSize) {
+        // Most of what is between the many places is out of view: whoever shows a part will ask.
+        m_uncolouredEdit.reset();
+        m_pendingWork = m_scheduler.after(editDebounce, [this] { m_notifications.post(needsVisibleRefresh, this); });
+        return;
+    }
     if (m_storage.length() <= largeTextThreshold) {
         rehighlightEdit();
         return;

@@ -33,6 +33,8 @@ public:
     /// Texts longer than this are coloured `editDebounce` after the last edit, not at each.
     static constexpr qsizetype largeTextThreshold = 0x40000;
     static constexpr Scheduler::Milliseconds editDebounce{120};
+    /// More edits in one step, apart from each other by more than a chunk in all, are coloured only where somebody asks.
+    static constexpr size_t mostEditsAtOnce = 64;
     static constexpr qsizetype chunkSize = 16384;
     /// A rule whose searches were given up so many times, because they cost too much, is not tried again before the next reset.
     static constexpr int mostGivenUp = 3;
@@ -117,7 +119,7 @@ private:
 
     void rebuildAttributeCache();
     void cloneRules();
-    void noteEdit(const ReplacedStretch &edit);
+    void noteEdits(const TextEdits &edits);
     void addUncoloured(const ReplacedStretch &edit);
     void rehighlightEdit();
 

@@ -211,6 +211,25 @@ TEST(SyntaxHighlighter, WaitsForAPauseInALargeText)
     document.type(0, u"if "_s);
 }
 
+TEST(SyntaxHighlighter, ColoursNoneOfManyPlacesBeforeAPause)
+{
+    Document document(Language(plainRow), filled(3 * chunk));
+    document.ensureAll();
+    document.restyled.clear();
+    TextEdits edits;
+    for (qsizetype offset = chunk; offset < 3 * chunk; offset += chunk / 64) {
+        edits.add({offset, 0}, Rope(u"\nif "_s));
+    }
+    document.storage.apply(edits);
+    EXPECT_THAT(document.restyled, IsEmpty());
+    EXPECT_EQ(document.refreshCount, 0);
+    document.scheduler.advance(120ms);
+    EXPECT_EQ(document.refreshCount, 1);
+    EXPECT_TRUE(document.isFresh(0));
+    EXPECT_FALSE(document.isFresh(chunk));
+    EXPECT_EQ(document.colours({chunk, 4}), ".kk.");
+}
+
 TEST(SyntaxHighlighter, BeginsAnewForAnotherThemeOrLanguage)
 {
     Document document(Language(plainRow), u"if 1"_s);
@@ -249,8 +268,9 @@ TEST(SyntaxHighlighter, AfterEditsIsAsIfTheTextHadJustBeenOpened)
             const auto place = [&](qsizetype offset) { return TextBoundaries::snapped(edited.storage.text(), std::min(offset, end)); };
             TextEdits batch;
             qsizetype at = random.below(isLong ? end - 3 * chunk / 2 : end + 1);
-            for (qsizetype edits = 1 + random.below(3); edits > 0; --edits) {
-                const qsizetype from = place(at + random.below(isLong ? chunk / 4 : 30));
+            const bool areMany = isLong && random.oneIn(6);
+            for (qsizetype edits = areMany ? 100 : 1 + random.below(3); edits > 0; --edits) {
+                const qsizetype from = place(at + random.below(isLong && !areMany ? chunk / 4 : 30));
                 at = place(from + (random.oneIn(4) ? random.below(isLong ? 600 : 40) : 0));
                 batch.add(TextRange::between(from, at), Rope(isLong && random.oneIn(8) ? filled(random.below(900)) : random.of(pieces)));
             }
