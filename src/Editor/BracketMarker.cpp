@@ -35,18 +35,17 @@ BracketMarker::BracketMarker(EditorTextView &view, TextDocument &document, const
 {
     connect(&view, &TextView::selectionChanged, this, &BracketMarker::update);
     connect(&view, &TextView::visibleRowsChanged, this, &BracketMarker::updateHint);
-    connect(&view.storage(), &TextStorage::didProcessEditing, this, [this] {
+    connect(&view.storage(), &TextStorage::didProcessEditing, this, [this](const TextChange &change) {
         // Whoever edits in this view moves its caret, too.
+        if (m_pair) {
+            for (qsizetype *const place : {&m_pair->beside, &m_pair->partner}) {
+                *place = change.mapped(*place, Bias::after);
+            }
+        }
         show(std::nullopt);
         m_soon = m_services.scheduler.after(Scheduler::Milliseconds(0), [this] { update(); });
     });
-    view.setLook(&TextLooks::brackets, [this](TextRange) {
-        if (!m_pair) {
-            return std::vector<TextRange>();
-        }
-        const auto [first, last] = std::minmax(m_pair->beside, m_pair->partner);
-        return std::vector{TextRange{first, 1}, TextRange{last, 1}};
-    });
+    view.setLook(&TextLooks::brackets, [this](TextRange) { return marked(); });
 }
 
 template<class Answer>
@@ -108,10 +107,22 @@ void BracketMarker::update()
 void BracketMarker::show(const std::optional<Pair> &pair)
 {
     if (m_pair != pair) {
+        const auto before = marked();
         m_pair = pair;
-        m_view.viewport()->update();
+        TextViewRepaint repaint(m_view);
+        repaint.ranges(before);
+        repaint.ranges(marked());
         updateHint();
     }
+}
+
+std::vector<TextRange> BracketMarker::marked() const
+{
+    if (!m_pair) {
+        return {};
+    }
+    const auto [first, last] = std::minmax(m_pair->beside, m_pair->partner);
+    return {TextRange{first, 1}, TextRange{last, 1}};
 }
 
 void BracketMarker::updateHint()

@@ -51,6 +51,8 @@ private:
 
     void update();
     void show(const std::optional<Pair> &pair);
+    /// The two, ascending.
+    [[nodiscard]] std::vector<TextRange> marked() const;
     void updateHint();
     template<class Answer>
     [[nodiscard]] std::optional<Answer> askNear(const Question<Answer> &question);

@@ -437,9 +437,11 @@ void StatusBarView::updateStatistics()
 
 void StatusBarView::showMessageOrPath()
 {
-    QPalette colors = palette();
-    colors.setColor(QPalette::WindowText, accentOn(*m_theme, SystemColor::accent(), AccentUse::text));
-    m_flashLabel->setPalette(colors);
+    if (m_flashMessage) {
+        QPalette colors = palette();
+        colors.setColor(QPalette::WindowText, accentOn(*m_theme, SystemColor::accent(), AccentUse::text));
+        m_flashLabel->setPalette(colors);
+    }
     const QString path = m_state ? m_state->path : localized(u"No document");
     if (path != m_pathLabel->text()) {
         m_pathLabel->setText(path);

@@ -57,7 +57,7 @@ TextView::TextView(TextStorage &storage, UndoManager &undoManager, Services serv
     connect(&storage, &TextStorage::changed, this, &TextView::storageChanged);
     connect(&storage, &TextStorage::stylesChanged, this, [this](const std::vector<TextRange> &ranges) {
         m_layout.stylesChanged(ranges);
-        m_repaint.styles(ranges);
+        m_repaint.ranges(ranges);
     });
 }
 

@@ -54,7 +54,7 @@ void TextViewRepaint::selection(TextSelection before)
     }
 }
 
-void TextViewRepaint::styles(const std::vector<TextRange> &ranges)
+void TextViewRepaint::ranges(const std::vector<TextRange> &ranges)
 {
     Viewport &port = m_view.textViewport();
     const auto last = m_view.layoutManager().rangeOf(port.rowAt(m_view.viewport()->height()).row);

@@ -20,8 +20,8 @@ public:
     void change(const TextChange &change);
     /// The view has another selection now, one as it had before.
     void selection(TextSelection before);
-    /// The text in these has other styles, and the layout knows of it.
-    void styles(const std::vector<TextRange> &ranges);
+    /// What is seen of these, for instance because they have other styles now, and the layout knows of it.
+    void ranges(const std::vector<TextRange> &ranges);
 
 private:
     TextView &m_view;

@@ -51,6 +51,14 @@ QSize FlatButton::sizeHint() const
     if (text().isEmpty()) {
         return iconSize() + QSize(2 * textMargin, 2 * textMargin);
     }
+    if (m_measured.text != text() || m_measured.font != font()) {
+        m_measured = {text(), font(), measured()};
+    }
+    return m_measured.size;
+}
+
+QSize FlatButton::measured() const
+{
     const QFontMetrics metrics(font());
     return {metrics.horizontalAdvance(text()) + 2 * textMargin, metrics.height() + 2 * heightMargin};
 }

@@ -27,8 +27,16 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    [[nodiscard]] QSize measured() const;
     void tintSymbol();
     void paintGround(QPainter &painter) const;
 
     QString m_symbol;
+    /// What the hint of a text was: a status bar asks for all of them at every key.
+    struct Measured {
+        QString text;
+        QFont font;
+        QSize size;
+    };
+    mutable Measured m_measured;
 };
