@@ -8,6 +8,9 @@
 
 namespace {
 
+/// Units; in more than that, which is lines of many screens, one does not look for what to repaint.
+constexpr qsizetype longestLookedThrough = 0x10000;
+
 std::optional<TextSearcher> searcherFor(const QString &word)
 {
     auto searcher = TextSearcher::compile({.pattern = word, .matchesCase = true, .matchesWholeWords = true});
@@ -56,8 +59,12 @@ TextRange OccurrenceMarker::word() const
 void OccurrenceMarker::update()
 {
     m_rest.cancel();
-    if (m_searcher && (!m_isMarking || m_searcher->query().pattern != m_view.storage().string(word()))) {
+    const TextRange before = std::exchange(m_word, word());
+    if (m_searcher && (!m_isMarking || m_searcher->query().pattern != m_view.storage().string(m_word))) {
         mark({});
+    } else if (m_searcher && before != m_word) {
+        // The caret is at another of the same: that one loses its mark, and the one before gets one.
+        TextViewRepaint(m_view).ranges({before, m_word});
     }
     if (m_isMarking && !m_searcher) {
         m_rest = m_scheduler.after(restTime, [this] { mark(m_view.storage().string(word())); });
@@ -71,9 +78,21 @@ void OccurrenceMarker::mark(const QString &word)
     if (word.isEmpty() && !m_searcher) {
         return;
     }
+    repaintMarked();
     m_searcher = word.isEmpty() ? std::nullopt : searcherFor(word);
-    m_view.viewport()->update();
+    repaintMarked();
     count();
+}
+
+void OccurrenceMarker::repaintMarked()
+{
+    TextViewRepaint repaint(m_view);
+    const TextRange seen = repaint.seen();
+    if (seen.length > longestLookedThrough) {
+        m_view.viewport()->update();
+    } else {
+        repaint.ranges(occurrencesIn(seen));
+    }
 }
 
 void OccurrenceMarker::count()

@@ -37,6 +37,7 @@ public:
 private:
     void update();
     void mark(const QString &word);
+    void repaintMarked();
     void count();
     void setPlaces(std::optional<HitIndex> places);
     void goToPlaceIn(TextRange stretch);
@@ -45,6 +46,8 @@ private:
     Scheduler &m_scheduler;
     Workers &m_workers;
     bool m_isMarking = false;
+    /// As it was at the last change of text or selection.
+    TextRange m_word;
     /// Nothing is marked while there is none.
     std::optional<TextSearcher> m_searcher;
     /// Those of a text as it was, which are still about where they are; none if the word stands nowhere else.

@@ -6,6 +6,13 @@
 
 #include <cmath>
 
+TextRange TextViewRepaint::seen() const
+{
+    Viewport &port = m_view.textViewport();
+    const auto last = m_view.layoutManager().rangeOf(port.rowAt(m_view.viewport()->height()).row);
+    return TextRange::between(port.anchor(), last.end());
+}
+
 void TextViewRepaint::rows(TextRange range)
 {
     LayoutManager &layout = m_view.layoutManager();
@@ -56,9 +63,7 @@ void TextViewRepaint::selection(TextSelection before)
 
 void TextViewRepaint::ranges(const std::vector<TextRange> &ranges)
 {
-    Viewport &port = m_view.textViewport();
-    const auto last = m_view.layoutManager().rangeOf(port.rowAt(m_view.viewport()->height()).row);
-    const TextRange visible = TextRange::between(port.anchor(), last.end());
+    const TextRange visible = seen();
     for (const TextRange range : ranges) {
         if (range.touches(visible)) {
             rows(range.intersected(visible));

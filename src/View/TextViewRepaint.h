@@ -14,6 +14,8 @@ class TextViewRepaint final {
 public:
     explicit TextViewRepaint(TextView &view) : m_view(view) {}
 
+    /// From the first row that is seen to the last, whole lines where they do not wrap.
+    [[nodiscard]] TextRange seen() const;
     /// All that `range` touches.
     void rows(TextRange range);
     /// The text was changed, and the layout knows of it.

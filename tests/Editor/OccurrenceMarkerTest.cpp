@@ -8,6 +8,8 @@
 
 #include <QTest>
 
+#include <QPaintEvent>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -55,6 +57,40 @@ TEST_F(OccurrenceMarkerTest, MarksTheWordAtTheCaretElsewhere)
     EXPECT_EQ(marked(), QString());
     sendKeys(view, u"<C-End>"_s);
     EXPECT_TRUE(marker.word().isEmpty());
+}
+
+TEST_F(OccurrenceMarkerTest, PaintsTheRowsOfWhatIsMarkedAndNoOthers)
+{
+    struct Painted : QObject {
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            if (event->type() == QEvent::Paint) {
+                region += static_cast<QPaintEvent *>(event)->region();
+            }
+            return false;
+        }
+        QRegion region;
+    } painted;
+    storage.apply({{0, storage.length()}, u"word\nalone\n\n\nword\n\n\nword\n"_s});
+    view.setSelection(TextSelection::at(0));
+    QCoreApplication::processEvents();
+    view.viewport()->installEventFilter(&painted);
+    const double height = view.layoutManager().rowHeight();
+    const auto rows = [&](const auto &act) {
+        painted.region = {};
+        act();
+        QCoreApplication::processEvents();
+        QString seen;
+        for (int row = 0; row < 8; ++row) {
+            const double middle = view.textViewport().insets().vertical + (row + 0.5) * height;
+            seen += painted.region.contains(QPoint(100, int(middle))) ? QString::number(row) : QString();
+        }
+        return seen;
+    };
+    EXPECT_EQ(rows([this] { rest(); }), u"47"_s);
+    EXPECT_EQ(rows([this] { view.setSelection(TextSelection::at(15)); }), u"04"_s) << "the same word elsewhere";
+    EXPECT_EQ(rows([this] { view.setSelection(TextSelection::at(6)); }), u"047"_s) << "none of these";
+    EXPECT_EQ(rows([this] { rest(); }), QString()) << "it stands nowhere else";
 }
 
 TEST_F(OccurrenceMarkerTest, MarksTheWholeTextOnTheScrollBar)
