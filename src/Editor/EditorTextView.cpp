@@ -37,7 +37,7 @@ EditorTextView::EditorTextView(TextStorage &storage, UndoManager &undoManager, c
     connect(this, &TextView::contextMenuRequested, this, &EditorTextView::addCommands);
     connect(this, &TextView::selectionChanged, this, [this] {
         if (m_vim) {
-            m_vim->keepOneCaret();
+            m_vim->selectionChanged();
         }
     });
 }
@@ -356,7 +356,11 @@ bool EditorTextView::viewportEvent(QEvent *event)
     default:
         break;
     }
-    return TextView::viewportEvent(event);
+    const bool isDone = TextView::viewportEvent(event);
+    if (m_vim && event->type() == QEvent::MouseButtonRelease) {
+        m_vim->takeSelection();
+    }
+    return isDone;
 }
 
 /// True when what is dragged are files for the editor, and shall not become text.

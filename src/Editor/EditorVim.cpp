@@ -11,6 +11,7 @@
 #include <QInputMethod>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
+#include <QScopedValueRollback>
 
 using namespace Qt::StringLiterals;
 
@@ -73,6 +74,7 @@ bool isAltGr(const QKeyEvent &event)
 EditorVim::EditorVim(EditorTextView &view, VimRegisters &registers, ForeignKeyboard &keyboard, VimKeymapPreset preset, Callbacks callbacks)
     : m_view(view), m_keyboard(keyboard), m_callbacks(std::move(callbacks)), m_engine(new VimEngine(*this, *this, registers, preset))
 {
+    m_revision = m_view.storage().revision();
     m_view.setVim(this);
     m_engine->leaveToNormal();
     updateInputMethod();
@@ -110,7 +112,7 @@ VimKeyEvent EditorVim::translated(const QKeyEvent &event) const
     } else if (!text.isEmpty() && !text.front().isPrint() && !text.front().isSurrogate()) {
         text.clear();
     }
-    key.characters = key.control ? QString() : text;
+    key.characters = key.control || key.option ? QString() : text;
     const bool isLiteral = isNamed || (takesCharacters() && !key.control);
     key.charactersIgnoringModifiers = isLiteral ? text : commandText(text, event, m_keyboard);
     return key;
@@ -129,6 +131,7 @@ bool EditorVim::handleKey(const QKeyEvent &event)
         setPreedit({});
         return true;
     }
+    takeSelection();
     const VimKeyEvent key = translated(event);
     if (m_engine->mode() == VimEngine::Mode::insert) {
         m_engine->resumeInsertSession();
@@ -140,7 +143,11 @@ bool EditorVim::handleKey(const QKeyEvent &event)
         // Keys of the view that modal editing has nothing in place of: chords, and modifiers by themselves.
         return !key.control && !key.option;
     }
-    const bool isDone = m_engine->handle(key);
+    bool isDone = false;
+    {
+        const QScopedValueRollback own(m_isOwn, true);
+        isDone = m_engine->handle(key);
+    }
     updateInputMethod();
     runEnteredCommand();
     return isDone;
@@ -210,9 +217,52 @@ void EditorVim::vimEngineDidChangeState(VimEngine & /*engine*/)
     }
 }
 
+void EditorVim::selectionChanged()
+{
+    keepOneCaret();
+    if (m_isOwn) {
+        return;
+    }
+    const quint64 revision = m_view.storage().revision();
+    const bool isMove = std::exchange(m_revision, revision) == revision;
+    if (m_engine->mode() == VimEngine::Mode::insert) {
+        if (isMove) {
+            breakInsertSession();
+        }
+        return;
+    }
+    m_foreign = isMove && m_foreign != Foreign::edited ? Foreign::moved : Foreign::edited;
+    if (isMove && QGuiApplication::mouseButtons() == Qt::NoButton) {
+        takeSelection();
+        return;
+    }
+    // Whoever edits has not yet said where the caret is to be.
+    const auto later = [this] {
+        if (QGuiApplication::mouseButtons() == Qt::NoButton) {
+            takeSelection();
+        }
+    };
+    QMetaObject::invokeMethod(&m_context, later, Qt::QueuedConnection);
+}
+
+void EditorVim::takeSelection()
+{
+    const Foreign foreign = std::exchange(m_foreign, Foreign::nothing);
+    if (foreign == Foreign::nothing) {
+        return;
+    }
+    const QScopedValueRollback own(m_isOwn, true);
+    if (foreign == Foreign::edited && m_engine->mode() == VimEngine::Mode::normal) {
+        m_engine->settleCaret();
+    } else {
+        m_engine->takeSelection(m_view.selection());
+    }
+}
+
 void EditorVim::keepOneCaret()
 {
     if (m_engine && m_engine->mode() != VimEngine::Mode::insert && !m_view.selections().isSingle()) {
+        const QScopedValueRollback own(m_isOwn, true);
         m_view.setSelection(m_view.selection());
     }
 }
@@ -232,6 +282,8 @@ TextRange EditorVim::selectedRange() const
 void EditorVim::select(TextRange range, qsizetype caret)
 {
     // The end that moves is where the caret is, or behind it.
+    const QScopedValueRollback own(m_isOwn, true);
+    m_foreign = Foreign::nothing;
     const TextSelection selection = caret == range.location && !range.isEmpty() ? TextSelection{range.end(), range.location}
                                                                                 : TextSelection{range.location, range.end()};
     m_view.showCaretAt(selection, caret);
@@ -249,6 +301,20 @@ void EditorVim::insertText(const QString &text)
         return;
     }
     m_view.insertText(withLineFeeds(text), m_view.selection().range());
+}
+
+void EditorVim::putText(const QString &text)
+{
+    m_view.insertText(withLineFeeds(text), m_view.selection().range());
+}
+
+void EditorVim::deleteBackward(VimDeletion what)
+{
+    if (what == VimDeletion::letter) {
+        m_view.deleteBackward();
+    } else {
+        m_view.deleteTo(what == VimDeletion::word ? Motion::wordLeft : Motion::rowStart);
+    }
 }
 
 /// What keys did besides writing themselves they do once more.

@@ -45,10 +45,14 @@ public:
     bool handleInputMethod(const QInputMethodEvent &event);
     /// The view loses the keyboard, or something is undone in it: what is typed after that is another step of undo.
     void breakInsertSession() { m_engine->pauseInsertSession(); }
-    /// Only what is typed in insert mode goes to several carets.
-    void keepOneCaret();
+    /// The view has another selection. Only what is typed in insert mode goes to several carets; what was selected by others becomes the
+    /// mode's, at once, or as soon as it is whole.
+    void selectionChanged();
+    /// It is, for instance because the pointer lets go.
+    void takeSelection();
 
 private:
+    void keepOneCaret();
     [[nodiscard]] VimKeyEvent translated(const QKeyEvent &event) const;
     void runEnteredCommand();
     void updateInputMethod();
@@ -60,6 +64,8 @@ private:
     void select(TextRange range, qsizetype caret) override;
     bool apply(const TextEdits &edits) override;
     void insertText(const QString &text) override;
+    void putText(const QString &text) override;
+    void deleteBackward(VimDeletion what) override;
     void typeAgain(const QString &keys);
     void undo() override;
     void redo() override;
@@ -85,4 +91,12 @@ private:
     std::unique_ptr<VimEngine> m_engine;
     std::optional<QString> m_enteredCommand;
     QString m_preedit;
+    /// The engine selects, or handles a key.
+    bool m_isOwn = false;
+    /// What somebody else did to the selection, to be taken before the next key at the latest.
+    enum class Foreign { nothing, moved, edited };
+    Foreign m_foreign = Foreign::nothing;
+    quint64 m_revision = 0;
+    /// For calls that are not to come when this is gone.
+    QObject m_context;
 };

@@ -54,7 +54,7 @@ std::optional<StatusBarView::VimState> vimStateOf(EditorViewController &editor)
     return StatusBarView::VimState{
         .mode = displayName(engine.mode()),
         .pending = engine.pendingDescription() + preedit,
-        .commandLine = hasLine ? std::optional(QChar(engine.commandLinePrefix()) + engine.commandLineText() + preedit) : std::nullopt,
+        .commandLine = hasLine ? std::optional(QChar(engine.commandLine().prefix()) + engine.commandLine().text() + preedit) : std::nullopt,
         .isInsert = engine.mode() == VimEngine::Mode::insert};
 }
 

@@ -3,6 +3,7 @@
 
 // What modal editing does to the text: operators, commands, registers, repeating.
 
+#include "Commands/Actions.h"
 #include "Text/TextBoundaries.h"
 #include "Vim/VimEngine.h"
 #include "Vim/VimKeyTable.h"
@@ -10,9 +11,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// A paste of more is refused: it would come from a mistyped count.
-constexpr qsizetype longestPaste = qsizetype(1) << 30;
 
 /// Upper case becomes lower, all else upper, character by character.
 QString withFlippedCase(const Rope &text)
@@ -120,6 +118,7 @@ void VimEngine::applyToSelection(OperatorKind kind)
 {
     const Span span = m_mode == Mode::visualLine ? Span::lines : Span::characters;
     const TextRange selected = m_view.selectedRange();
+    m_extent = selectedExtent();
     setMode(Mode::normal);
     moveCaret(selected.location);
     apply(kind, selected, span);
@@ -198,7 +197,15 @@ void VimEngine::joinLines(qsizetype count)
 void VimEngine::replaceCharacter(QStringView key, qsizetype count)
 {
     const TextRange range = charactersFrom(caret(), count);
-    if (!range.isEmpty()) {
+    if (range.isEmpty() || key == QChar(VimKey::backspace)) {
+        resetPending();
+        return;
+    }
+    if (key == QChar(u'\r')) {
+        // However many characters go, one line break comes.
+        edit(range, Rope(u"\n"));
+        moveCaret(range.location + 1);
+    } else {
         qsizetype characters = 0;
         for (qsizetype place = range.location; place < range.end(); place = TextBoundaries::nextGrapheme(m_view.text(), place)) {
             ++characters;
@@ -212,7 +219,7 @@ void VimEngine::replaceCharacter(QStringView key, qsizetype count)
 void VimEngine::paste(Side side, qsizetype count)
 {
     const VimRegisterContents contents = m_registers.contents(m_pendingRegister);
-    if (contents.text.length() > longestPaste / count) {
+    if (contents.text.length() > longestInsertion / count) {
         m_view.beep();
     } else if (!contents.text.isEmpty()) {
         Rope text = repeatedText(contents.text, count);
@@ -237,25 +244,58 @@ void VimEngine::paste(Side side, qsizetype count)
 void VimEngine::repeatLastChange()
 {
     resetPending();
-    if (m_isReplaying || !m_lastChangeKeys) {
+    if (m_isReplaying || !m_lastChange) {
         return;
     }
     m_isReplaying = true;
     m_view.beginUndoGroup();
-    const QString keys = *m_lastChangeKeys;
-    for (qsizetype place = 0; place < keys.size();) {
-        const qsizetype length = keys[place].isHighSurrogate() && place + 1 < keys.size() ? 2 : 1;
-        handleNormal(QStringView(keys).sliced(place, length));
+    const Change change = *m_lastChange;
+    if (change.extent) {
+        selectAgain(*change.extent);
+    }
+    for (qsizetype place = 0; place < change.keys.size();) {
+        const qsizetype length = change.keys[place].isHighSurrogate() && place + 1 < change.keys.size() ? 2 : 1;
+        handleNormal(QStringView(change.keys).sliced(place, length));
         place += length;
     }
     if (m_mode == Mode::insert) {
-        if (m_lastChangeInsertedText && !m_lastChangeInsertedText->isEmpty()) {
-            m_view.insertText(*m_lastChangeInsertedText);
+        if (change.insertedText && !change.insertedText->isEmpty()) {
+            m_view.insertText(*change.insertedText);
         }
         leaveToNormal();
     }
+    // Where the keys come to nothing, they leave nothing that waits.
+    resetPending();
     m_view.endUndoGroup();
     m_isReplaying = false;
+}
+
+VimEngine::Extent VimEngine::selectedExtent() const
+{
+    const Rope &text = m_view.text();
+    const TextRange selected = m_view.selectedRange();
+    const qsizetype first = text.lineAt(selected.location);
+    const qsizetype last = text.lineAt(std::max(selected.end() - 1, selected.location));
+    return {.mode = m_mode, .lines = last - first + 1, .units = selected.end() - std::max(selected.location, text.lineStart(last))};
+}
+
+/// As much from the caret on, as far as there is so much.
+void VimEngine::selectAgain(const Extent &extent)
+{
+    VimBuffer text = buffer();
+    const qsizetype place = caret();
+    const qsizetype start = extent.lines > 1 ? text.line(place, extent.lines - 1).value_or(text.lastLineStart()) : place;
+    m_visualAnchor = place;
+    setMode(extent.mode);
+    updateVisualSelection(std::max(std::min(start + extent.units, text.lineContentEnd(start)) - 1, start));
+}
+
+void VimEngine::copySelection()
+{
+    if (isVisual()) {
+        m_view.perform(Actions::copy);
+        leaveToNormal();
+    }
 }
 
 // For key maps

@@ -81,7 +81,13 @@ bool VimEngine::handleKey(const VimKeyEvent &event)
         return true;
     }
     const VimKeyStroke stroke{.character = key, .control = event.control, .option = event.option};
-    const auto outcome = m_keymap.consume(stroke, isVisual() ? VimKeymap::Table::visual : VimKeymap::Table::normal);
+    const auto table = isVisual() ? VimKeymap::Table::visual : VimKeymap::Table::normal;
+    if (m_awaiting && !m_keymap.isWaiting() && !m_keymap.completes(stroke, table)) {
+        // The command has it, not a mapping that could begin with it.
+        handleStroke(stroke, characters);
+        return true;
+    }
+    const auto outcome = m_keymap.consume(stroke, table);
     if (const auto *action = std::get_if<VimKeymapAction>(&outcome)) {
         perform(*action);
     } else if (std::holds_alternative<VimKeymap::Pending>(outcome)) {
@@ -111,9 +117,9 @@ bool VimEngine::wants(const VimKeyEvent &event) const
     }
     switch (m_mode) {
     case Mode::insert:
-        return event.control && key == u'c';
+        return m_awaiting || (event.control && row(KeyPlace::whileInserting, key));
     case Mode::commandLine:
-        return !event.control || !event.characters.isEmpty();
+        return true;
     case Mode::normal:
     case Mode::visual:
     case Mode::visualLine:
@@ -123,7 +129,12 @@ bool VimEngine::wants(const VimKeyEvent &event) const
     if (m_keymap.isWaiting() || m_keymap.wants(stroke, isVisual() ? VimKeymap::Table::visual : VimKeymap::Table::normal)) {
         return true;
     }
-    return event.control ? isControlKey(key) : !event.option;
+    return event.control ? awaitsWindowKey() || row(KeyPlace::withControl, key) : !event.option;
+}
+
+bool VimEngine::awaitsWindowKey() const
+{
+    return m_awaiting && m_awaiting->what == Awaiting::windowPrefix;
 }
 
 void VimEngine::handleStroke(const VimKeyStroke &stroke, QStringView key)
@@ -155,12 +166,13 @@ void VimEngine::perform(const VimKeymapAction &action)
 
 bool VimEngine::handleInsert(const VimKeyEvent &event)
 {
+    const QString &key = event.charactersIgnoringModifiers;
+    if (m_awaiting && !key.isEmpty()) {
+        complete(*std::exchange(m_awaiting, std::nullopt), key);
+        return true;
+    }
     if (event.control) {
-        const bool isEnd = event.charactersIgnoringModifiers == u"c"_s;
-        if (isEnd) {
-            leaveToNormal();
-        }
-        return isEnd;
+        return key.size() == 1 && takeKey(KeyPlace::whileInserting, key.front().unicode());
     }
     noteInsertedText(event.characters);
     return false;
@@ -175,13 +187,11 @@ void VimEngine::noteInsertedText(const QString &text)
 
 void VimEngine::handleControl(char16_t key)
 {
-    takeKey(KeyPlace::withControl, key);
-}
-
-bool VimEngine::isControlKey(char16_t key) const
-{
-    // Control-c ends the insert mode, and is to do no harm when it is pressed once too often.
-    return key == u'c' || row(KeyPlace::withControl, key);
+    if (awaitsWindowKey()) {
+        complete(*std::exchange(m_awaiting, std::nullopt), QStringView(&key, 1));
+    } else {
+        takeKey(KeyPlace::withControl, key);
+    }
 }
 
 void VimEngine::handleNormal(QStringView key)
@@ -250,7 +260,7 @@ bool VimEngine::isKeyOf(OperatorKind kind, char16_t key)
 
 bool VimEngine::takeOperator(OperatorKind kind, KeyPlace place)
 {
-    if (place == KeyPlace::plain && isVisual()) {
+    if (isVisual()) {
         applyToSelection(kind);
         return true;
     }
@@ -290,6 +300,9 @@ void VimEngine::complete(const Awaited &awaited, QStringView key)
         return;
     case Awaiting::registerName:
         m_pendingRegister = unit;
+        return;
+    case Awaiting::insertedRegister:
+        insertRegister(unit);
         return;
     case Awaiting::gPrefix:
         if (!takeKey(KeyPlace::afterG, unit)) {
@@ -388,10 +401,10 @@ void VimEngine::clearPending()
 void VimEngine::resetPending()
 {
     if (m_changedBuffer && !m_isReplaying && m_mode != Mode::insert) {
-        m_lastChangeKeys = m_pendingKeys;
-        m_lastChangeInsertedText.reset();
+        m_lastChange = Change{.keys = m_pendingKeys, .extent = m_extent};
     }
     m_changedBuffer = false;
+    m_extent.reset();
     clearPending();
 }
 
@@ -422,6 +435,29 @@ void VimEngine::settleCaret()
     moveCaret(m_view.selectedRange().location);
 }
 
+void VimEngine::takeSelection(TextSelection selection)
+{
+    if (m_isHandling || takesText()) {
+        return;
+    }
+    const TextRange range = selection.range();
+    m_keymap.forget();
+    clearPending();
+    if (range.isEmpty()) {
+        setMode(Mode::normal);
+        settleCaret();
+        return;
+    }
+    // Both ends are in what a visual mode selects.
+    const qsizetype last = TextBoundaries::previousGrapheme(m_view.text(), range.end());
+    const bool isForward = selection.caret >= selection.anchor;
+    m_visualAnchor = isForward ? range.location : last;
+    m_visualHead = isForward ? last : range.location;
+    m_lastPlace = m_visualHead;
+    m_desiredColumn = m_visualHead - buffer().lineStart(m_visualHead);
+    setMode(Mode::visual);
+}
+
 void VimEngine::leaveToNormal()
 {
     if (m_mode == Mode::insert) {
@@ -429,7 +465,7 @@ void VimEngine::leaveToNormal()
         moveCaret(std::max<qsizetype>(caret() - 1, 0));
     }
     m_keymap.forget();
-    m_commandLineText.clear();
+    m_commandLine.clear();
     clearPending();
     setMode(Mode::normal);
     moveCaret(m_view.selectedRange().location);
@@ -437,10 +473,29 @@ void VimEngine::leaveToNormal()
 
 // Insert sessions
 
+void VimEngine::deleteInserted(VimDeletion what)
+{
+    const qsizetype before = m_view.text().length();
+    m_view.deleteBackward(what);
+    m_insertedText.chop(std::clamp<qsizetype>(before - m_view.text().length(), 0, m_insertedText.size()));
+}
+
+void VimEngine::insertRegister(char16_t name)
+{
+    const Rope text = m_registers.contents(name == u'"' ? std::nullopt : std::optional(name)).text;
+    if (text.length() > longestInsertion) {
+        m_view.beep();
+    } else if (!text.isEmpty()) {
+        const QString inserted = text.toString();
+        m_view.putText(inserted);
+        m_insertedText += inserted;
+    }
+}
+
 /// What the command itself changes first belongs to the session as well.
 void VimEngine::beginInsertSession()
 {
-    m_insertCommandKeys = m_pendingKeys;
+    m_insertCommand = Change{.keys = m_pendingKeys, .extent = m_extent};
     m_insertedText.clear();
     setMode(Mode::insert);
     resumeInsertSession();
@@ -449,8 +504,8 @@ void VimEngine::beginInsertSession()
 void VimEngine::endInsertSession()
 {
     if (!m_isReplaying) {
-        m_lastChangeKeys = m_insertCommandKeys;
-        m_lastChangeInsertedText = m_insertedText;
+        m_lastChange = m_insertCommand;
+        m_lastChange->insertedText = m_insertedText;
     }
     m_insertedText.clear();
     m_changedBuffer = false;

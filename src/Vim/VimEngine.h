@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Text/LineNumber.h"
+#include "Vim/VimCommandLine.h"
 #include "Vim/VimKeyHelp.h"
 #include "Vim/VimKeymap.h"
 #include "Vim/VimMotion.h"
@@ -56,17 +57,20 @@ public:
     [[nodiscard]] bool takesText() const { return m_mode == Mode::insert || m_mode == Mode::commandLine; }
     /// Of a key map's, else of a command's keys so far.
     [[nodiscard]] QString pendingDescription() const;
-    [[nodiscard]] char16_t commandLinePrefix() const { return m_commandLinePrefix; }
-    [[nodiscard]] const QString &commandLineText() const { return m_commandLineText; }
+    [[nodiscard]] const VimCommandLine &commandLine() const { return m_commandLine; }
 
     void setKeymap(VimKeymapPreset preset);
     /// What Escape does.
     void leaveToNormal();
     /// Something else moved the caret or changed the text: puts it on a character.
     void settleCaret();
+    /// Something else selects another text: that is what the visual mode has from now on, and a caret alone ends it. In the modes that
+    /// take text the view has it.
+    void takeSelection(TextSelection selection);
     /// An input method typed `text` while in insert mode.
     void noteInsertedText(const QString &text);
-    /// The changes of an insert session are one step of undo, until the view loses the keyboard or somebody undoes in between.
+    /// The changes of an insert session are one step of undo, until the view loses the keyboard, the caret is moved, or somebody undoes
+    /// in between.
     void pauseInsertSession();
     void resumeInsertSession();
 
@@ -78,6 +82,9 @@ public:
     [[nodiscard]] static VimKeyHelpEntries keyHelp();
 
 private:
+    /// Units. What one key puts into the text is not more: it would come from a mistyped count.
+    static constexpr qsizetype longestInsertion = qsizetype(16) << 20;
+
     enum class Awaiting {
         findCharacter,
         gotoMark,
@@ -85,6 +92,7 @@ private:
         replaceCharacter,
         setMark,
         registerName,
+        insertedRegister,
         gPrefix,
         zPrefix,
         windowPrefix,
@@ -97,19 +105,33 @@ private:
         VimTextObject::Extent extent = VimTextObject::Extent::inner;
     };
     enum class Span { characters, lines };
+    /// How much an operator of a visual mode took: so many lines or, of the last one, units from the start of what was taken in it.
+    struct Extent {
+        Mode mode = Mode::visual;
+        qsizetype lines = 1;
+        qsizetype units = 0;
+    };
+    /// What "." does again: keys, then what was typed; from the caret on so much, if an operator took it.
+    struct Change {
+        QString keys;
+        std::optional<QString> insertedText = std::nullopt;
+        std::optional<Extent> extent = std::nullopt;
+    };
     enum class Keep { nothing, desiredColumn };
     enum class Side { before, after };
     enum class SearchDirection { forward, backward };
     enum class VisibleLine { first, middle, last };
     enum class Shown { anywhere, centered };
-    /// Where a key may come: where commands begin, with Control, behind another one, or in whatever mode.
-    enum class KeyPlace { plain, withControl, afterG, afterZ, afterWindow, anyMode };
+    /// Where a key may come: where commands begin, with Control, behind another one, in whatever mode, or with Control in insert mode.
+    enum class KeyPlace { plain, withControl, afterG, afterZ, afterWindow, anyMode, whileInserting };
     struct KeyRow;
     struct NavigationRow;
 
     // Keys
     bool handleKey(const VimKeyEvent &event);
     bool handleInsert(const VimKeyEvent &event);
+    void deleteInserted(VimDeletion what);
+    void insertRegister(char16_t name);
     void handleCommandLine(const VimKeyEvent &event);
     void handleStroke(const VimKeyStroke &stroke, QStringView key);
     void handleControl(char16_t key);
@@ -123,6 +145,7 @@ private:
     bool takeOperator(OperatorKind kind, KeyPlace place);
     [[nodiscard]] static bool isKeyOf(OperatorKind kind, char16_t key);
     void awaitWindowKey();
+    [[nodiscard]] bool awaitsWindowKey() const;
     void perform(const VimKeymapAction &action);
     void complete(const Awaited &awaited, QStringView key);
     void takeObject(VimTextObject::Extent extent, char16_t key);
@@ -176,6 +199,9 @@ private:
     void replaceCharacter(QStringView key, qsizetype count);
     void paste(Side side, qsizetype count);
     void repeatLastChange();
+    [[nodiscard]] Extent selectedExtent() const;
+    void selectAgain(const Extent &extent);
+    void copySelection();
     void moveLines(int by);
     /// From the caret, `count` characters on, but not beyond the line.
     [[nodiscard]] TextRange charactersFrom(qsizetype caret, qsizetype count) const;
@@ -186,7 +212,6 @@ private:
     void repeatSearch(bool isReversed);
     void searchWordUnderCaret(SearchDirection direction);
     void jumpToMatch(const QString &pattern, SearchDirection direction);
-    [[nodiscard]] bool isControlKey(char16_t key) const;
 
     VimTextView &m_view;
     VimEngineDelegate &m_delegate;
@@ -196,8 +221,7 @@ private:
     Mode m_mode = Mode::normal;
     /// As typed since the last reset.
     QString m_pendingKeys;
-    QString m_commandLineText;
-    char16_t m_commandLinePrefix = u':';
+    VimCommandLine m_commandLine;
     QString m_countBuffer;
     QString m_operatorCountBuffer;
     std::optional<OperatorKind> m_pendingOperator;
@@ -222,10 +246,11 @@ private:
     std::map<QString, qsizetype> m_marks;
 
     // For ".".
-    std::optional<QString> m_lastChangeKeys;
-    std::optional<QString> m_lastChangeInsertedText;
-    QString m_insertCommandKeys;
+    std::optional<Change> m_lastChange;
+    Change m_insertCommand;
     QString m_insertedText;
+    /// Of the operator that is being carried out.
+    std::optional<Extent> m_extent;
     bool m_isReplaying = false;
     bool m_changedBuffer = false;
     bool m_isInUndoGroup = false;

@@ -139,30 +139,28 @@ void VimEngine::repeatFind(bool isReversed)
 
 void VimEngine::beginCommandLine(char16_t prefix)
 {
-    m_commandLinePrefix = prefix;
-    m_commandLineText.clear();
+    m_commandLine.begin(prefix);
     setMode(Mode::commandLine);
     resetPending();
 }
 
 void VimEngine::handleCommandLine(const VimKeyEvent &event)
 {
-    if (event.characters == u"\r"_s || event.characters == u"\n"_s) {
-        const QString text = std::exchange(m_commandLineText, {});
+    switch (m_commandLine.handle(event, m_registers)) {
+    case VimCommandLine::Outcome::goesOn:
+        break;
+    case VimCommandLine::Outcome::isLeft:
         leaveToNormal();
-        if (m_commandLinePrefix == u':') {
-            m_delegate.vimEngineRunsCommand(*this, text);
+        break;
+    case VimCommandLine::Outcome::isEntered:
+        const VimCommandLine entered = m_commandLine;
+        leaveToNormal();
+        if (entered.prefix() == u':') {
+            m_delegate.vimEngineRunsCommand(*this, entered.text());
         } else {
-            performSearch(text, m_commandLinePrefix == u'/' ? SearchDirection::forward : SearchDirection::backward);
+            performSearch(entered.text(), entered.prefix() == u'/' ? SearchDirection::forward : SearchDirection::backward);
         }
-    } else if (event.characters == QString(QChar(VimKey::backspace))) {
-        if (m_commandLineText.isEmpty()) {
-            leaveToNormal();
-        } else {
-            m_commandLineText.truncate(TextBoundaries::previousGrapheme(Rope(m_commandLineText), m_commandLineText.size()));
-        }
-    } else {
-        m_commandLineText += event.characters;
+        break;
     }
     notify();
 }

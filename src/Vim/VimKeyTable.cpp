@@ -194,6 +194,14 @@ std::span<const VimEngine::KeyRow> VimEngine::keys()
                 {u'm', Awaited{.what = Awaiting::setMark}, {editing, u"set a mark", {u"m{a-z}"}}},
                 {u'"', Awaited{.what = Awaiting::registerName}, {editing, u"choose a register; \"+ is the system clipboard", {u"\"{a-z}"}}},
 
+                {u'c', Command{[](VimEngine &engine, qsizetype) { engine.copySelection(); }}, {}, withControl},
+
+                {u'c', Command{[](VimEngine &engine, qsizetype) { engine.leaveToNormal(); }}, {}, whileInserting},
+                {u'h', Command{[](VimEngine &engine, qsizetype) { engine.deleteInserted(VimDeletion::letter); }}, {}, whileInserting},
+                {u'w', Command{[](VimEngine &engine, qsizetype) { engine.deleteInserted(VimDeletion::word); }}, {}, whileInserting},
+                {u'u', Command{[](VimEngine &engine, qsizetype) { engine.deleteInserted(VimDeletion::toLineStart); }}, {}, whileInserting},
+                {u'r', Awaited{.what = Awaiting::insertedRegister}, {}, whileInserting},
+
                 // Panes are a flat list: left and up is the one before, right and down the next.
                 {u'w', Command{[](VimEngine &engine, qsizetype) { engine.awaitWindowKey(); }}, {}, withControl},
                 {u'v', &Actions::splitEditorRight, {windows, u"split right / down"}, afterWindow},

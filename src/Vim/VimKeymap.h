@@ -42,6 +42,11 @@ public:
     void forget() { m_buffer.clear(); }
     /// Whether a mapping begins with, or goes on with, this stroke now.
     [[nodiscard]] bool wants(const VimKeyStroke &stroke, Table table) const;
+    /// Whether a mapping ends with this stroke now.
+    [[nodiscard]] bool completes(const VimKeyStroke &stroke, Table table) const
+    {
+        return mappingsOf(table).contains(m_buffer + QList{stroke});
+    }
     /// The keys so far as the status bar shows them.
     [[nodiscard]] QString pendingDescription() const;
 

@@ -9,6 +9,9 @@ struct Action;
 /// How the caret looks.
 enum class VimCaret { bar, block };
 
+/// What goes before the caret while text is typed.
+enum class VimDeletion { letter, word, toLineStart };
+
 /// What the modal editing of a text needs of the view that shows it. Offsets are UTF-16 units.
 class VimTextView {
 public:
@@ -21,6 +24,10 @@ public:
     virtual bool apply(const TextEdits &edits) = 0;
     /// As if it had been typed over the selection.
     virtual void insertText(const QString &text) = 0;
+    /// Over the selection, as it is.
+    virtual void putText(const QString &text) = 0;
+    /// As the view's own keys do it.
+    virtual void deleteBackward(VimDeletion what) = 0;
     virtual void undo() = 0;
     virtual void redo() = 0;
     /// Changes till the end are one step of undo. Calls nest.

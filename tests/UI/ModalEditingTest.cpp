@@ -94,8 +94,60 @@ TEST_F(ModalEditingTest, ControlChordsThatItHasNoUseForStayShortcuts)
     EXPECT_TRUE(claims(Qt::Key_J, AltModifier));
     type(u"i"_s);
     EXPECT_FALSE(claims(Qt::Key_S, ControlModifier));
-    EXPECT_FALSE(claims(Qt::Key_W, ControlModifier));
-    EXPECT_TRUE(claims(Qt::Key_C, ControlModifier));
+    for (const Qt::Key key : {Qt::Key_C, Qt::Key_H, Qt::Key_R, Qt::Key_U, Qt::Key_W}) {
+        EXPECT_TRUE(claims(key, ControlModifier)) << key;
+    }
+    press(u"<Esc>:"_s);
+    for (const Qt::Key key : {Qt::Key_S, Qt::Key_N, Qt::Key_T, Qt::Key_Q, Qt::Key_V, Qt::Key_W}) {
+        EXPECT_TRUE(claims(key, ControlModifier)) << key;
+    }
+    EXPECT_TRUE(claims(Qt::Key_F, AltModifier, u"f"_s));
+    press(u"<A-f>"_s);
+    EXPECT_EQ(badge(), u":█"_s);
+}
+
+TEST_F(ModalEditingTest, WhatIsSelectedOtherwiseIsTheModesOwn)
+{
+    start("ab cd\nef\n");
+    press(u"ve"_s);
+    textView().setSelection(TextSelection::at(8));
+    EXPECT_EQ(badge(), u"NORMAL"_s);
+    EXPECT_EQ(caret(), 7) << "never on a line's end";
+    send(Actions::selectAll);
+    EXPECT_EQ(badge(), u"VISUAL"_s);
+    press(u"<Esc>0"_s);
+    const auto place = [this](qsizetype offset) {
+        LayoutManager &layout = textView().layoutManager();
+        const RowPosition row = layout.rowOf(offset);
+        const double x = textView().textViewport().left() + layout.xOf(row, offset);
+        return QPoint(int(x) + 1, int(*textView().textViewport().topOf(row) + layout.rowHeight() / 2));
+    };
+    QTest::mousePress(textView().viewport(), Qt::LeftButton, {}, place(0));
+    QTest::mouseMove(textView().viewport(), place(2));
+    QTest::mouseRelease(textView().viewport(), Qt::LeftButton, {}, place(2));
+    EXPECT_EQ(badge(), u"VISUAL"_s);
+    press(u"d"_s);
+    EXPECT_EQ(text(), u" cd\nef\n"_s);
+    press(u"<C-Right><C-Right>"_s);
+    EXPECT_EQ(caret(), 2);
+    send(Actions::undo);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(badge(), u"NORMAL"_s);
+    EXPECT_TRUE(textView().selection().isEmpty());
+    press(u"wvl<C-c>"_s);
+    EXPECT_EQ(badge(), u"NORMAL"_s);
+    EXPECT_EQ(pasteboard.text(), u"cd"_s);
+}
+
+TEST_F(ModalEditingTest, KeysOfInsertMode)
+{
+    start("xy\n");
+    press(u"ia<Right>b<Esc>u"_s);
+    EXPECT_EQ(text(), u"axy\n"_s) << "a caret that moved begins another step";
+    press(u"uione two<C-w>three<C-h><Esc>"_s);
+    EXPECT_EQ(text(), u"one threxy\n"_s);
+    press(u"A!<C-u>?<Esc>yiwo<C-r>\"<Esc>"_s);
+    EXPECT_EQ(text(), u"?\n?\n"_s);
 }
 
 TEST_F(ModalEditingTest, EachEditorHasItsModeAndAllTheSameRegisters)

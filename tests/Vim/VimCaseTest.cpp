@@ -137,6 +137,11 @@ constexpr Case commandCases[] = {
     {u"|a\nb\nc\n", u"J", u"a| b\nc\n"},
     {u"|\n a\n", u"J", u"|a\n"},
     {u"|a\n \nb\n", u"J", u"|a\nb\n"},
+    {u"a|b c\n", u"r<CR>", u"a\n| c\n"},
+    {u"|abc\n", u"3r<CR>", u"\n|\n"},
+    {u"|x\n", u"iab cd<C-w>e<Esc>", u"ab |ex\n"},
+    {u"|x\n", u"iab<C-u>c<Esc>", u"|cx\n"},
+    {u"|x\n", u"iab<C-h>c<Esc>", u"a|cx\n"},
 };
 
 /// More than one command, or one that is not to be repeated.
@@ -159,6 +164,13 @@ constexpr Case sequenceCases[] = {
     {u"|ab\n", u"gvx", u"|b\n"},
     {u"|ab\n", u"3:<BS>x", u"|b\n"},
     {u"|ab\n", u"ix<C-[>l<C-c>x", u"x|b\n"},
+    {u"|ab\n", u"r<BS>x", u"|b\n"},
+    {u"|ab cd\n", u"yiwA <C-r>\"<Esc>", u"ab cd a|b\n"},
+    {u"|abcd\nxy\n", u"vld.j", u"\n|xy\n"},
+    {u"|abc\nxy\n", u"vld.x", u"|\nxy\n"},
+    {u"|a\nb\nc\nd\ne\n", u"Vjd.", u"|e\n"},
+    {u"|ab cd\nab cd\n", u"vlcx<Esc>j.", u"x cd\n|x cd\n"},
+    {u"|ab\ncd\nef\ngh\nij\n", u"lvjd0.", u"|\ngh\nij\n"},
 };
 
 constexpr Case visualCases[] = {
@@ -176,6 +188,8 @@ constexpr Case visualCases[] = {
     {u"|a b\n", u"vizl", u"^a |b\n"},
     {u"|one two\n", u"vecx<Esc>", u"|x two\n"},
     {u"|a\nb\nc\n", u"Vjd", u"|c\n"},
+    {u"|ab cd\n", u"vegU", u"|AB cd\n"},
+    {u"|ab\ncd\n", u"Vjg~", u"|AB\nCD\n"},
     {u" |a\nb\nc\n", u"Vjcx<Esc>", u" |x\nc\n"},
     {u"a |b\n", u"vhy$p", u"a b |b\n"},
     {u"a|b\nc\n", u"vj>", u"    |ab\n    c\n"},
@@ -315,12 +329,78 @@ TEST(VimCase, SomeKeysWait)
     }
     view.press(u"/on"_s);
     EXPECT_EQ(view.engine.mode(), VimEngine::Mode::commandLine);
-    EXPECT_EQ(view.engine.commandLinePrefix(), u'/');
-    EXPECT_EQ(view.engine.commandLineText(), u"on"_s);
+    EXPECT_EQ(view.engine.commandLine().prefix(), u'/');
+    EXPECT_EQ(view.engine.commandLine().text(), u"on"_s);
     view.press(u"e<CR>"_s);
     EXPECT_EQ(view.indicator, (TextRange{8, 3}));
     view.press(u":w x<CR>"_s);
     EXPECT_EQ(view.commandLines, QStringList{u"w x"_s});
+}
+
+TEST(VimCase, KeysBelongToWhatWaitsForThem)
+{
+    VimView view(u"a[b] gx\n"_s, VimKeymapPreset::lazyVim);
+    view.select({2, 0}, 2);
+    view.press(u"ci[X<Esc>"_s);
+    EXPECT_EQ(view.string(), u"a[X] gx\n"_s) << "a mapping begins with [";
+    view.press(u"fgr x"_s);
+    EXPECT_EQ(view.string(), u"a[X] x\n"_s) << "others with g and the leader";
+    EXPECT_EQ(view.actions, QStringList());
+    view.press(u"H<C-w>"_s);
+    EXPECT_TRUE(view.engine.wants({.charactersIgnoringModifiers = u"k"_s, .control = true}));
+    view.press(u"<C-j>"_s);
+    EXPECT_EQ(view.actions, (QStringList{u"selectPreviousTab:"_s, u"focusNextPane:"_s}));
+}
+
+TEST(VimCase, TheCommandLineHasKeysOfItsOwn)
+{
+    VimView view(u"two\n"_s);
+    view.pasteboard.setText(u"a\nb\n"_s);
+    view.press(u"\"zyiw"_s);
+    for (const auto &[keys, line] : std::to_array<std::pair<QString, QString>>({{u"one  two-"_s, u"one  two-"_s},
+                                                                                {u"<C-w>"_s, u"one  two"_s},
+                                                                                {u"<C-w>"_s, u"one  "_s},
+                                                                                {u"<C-w>x"_s, u"x"_s},
+                                                                                {u"<C-n><C-a><C-t>y<C-h>"_s, u"x"_s},
+                                                                                {u"<C-v>"_s, u"xa b"_s},
+                                                                                {u"<C-r>z<C-r>?"_s, u"xa btwo"_s},
+                                                                                {u"<C-u>"_s, u""_s}})) {
+        view.press((view.engine.mode() == VimEngine::Mode::commandLine ? u""_s : u":"_s) + keys);
+        EXPECT_EQ(view.engine.commandLine().text(), line) << keys.toStdString();
+        EXPECT_TRUE(view.engine.wants({.charactersIgnoringModifiers = u"w"_s, .control = true}));
+    }
+    view.press(u"<C-h>"_s);
+    EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
+    view.press(u":x<C-c>"_s);
+    EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
+    EXPECT_EQ(view.commandLines, QStringList());
+}
+
+TEST(VimCase, WhatOthersSelectIsTheModesOwn)
+{
+    VimView view(u"ab cd\nef\n"_s);
+    const auto take = [&view](TextSelection selection) {
+        view.select(selection.range(), selection.caret);
+        view.engine.takeSelection(selection);
+    };
+    view.press(u"ve"_s);
+    take(TextSelection::at(8));
+    EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
+    EXPECT_EQ(view.marked(), u"ab cd\ne|f\n"_s) << "a caret rests on a character";
+    take({0, 2});
+    view.press(u"l"_s);
+    EXPECT_EQ(view.marked(), u"^ab |cd\nef\n"_s);
+    take({5, 3});
+    view.press(u"h"_s);
+    EXPECT_EQ(view.marked(), u"ab| cd^\nef\n"_s);
+    view.press(u"d"_s);
+    EXPECT_EQ(view.string(), u"ab\nef\n"_s);
+    view.press(u"vl<C-c>"_s);
+    EXPECT_EQ(view.actions, QStringList{u"copy:"_s});
+    EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
+    view.press(u"vd:"_s);
+    take({0, 2});
+    EXPECT_EQ(view.engine.mode(), VimEngine::Mode::commandLine);
 }
 
 TEST(VimCase, RegistersAndTheClipboard)

@@ -85,6 +85,17 @@ public:
             select({end, 0}, end);
         }
     }
+    void putText(const QString &text) override { insertText(text); }
+    void deleteBackward(VimDeletion what) override
+    {
+        const qsizetype place = selected.location;
+        const qsizetype from = what == VimDeletion::letter ? TextBoundaries::previousGrapheme(text(), place)
+                               : what == VimDeletion::word ? TextBoundaries::previousWordStart(text(), place)
+                                                           : text().lineStart(text().lineAt(place));
+        if (from < place) {
+            apply({TextRange::between(from, place), QString()});
+        }
+    }
     void undo() override { show(undoManager.undo()); }
     void redo() override { show(undoManager.redo()); }
     void beginUndoGroup() override { undoManager.beginGroup(GroupKind::other, TextSelection::at(selected.location), this); }

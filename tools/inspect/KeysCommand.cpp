@@ -193,7 +193,7 @@ QJsonObject stateOf(MainWindowController &window, const Stage &stage)
             {u"mode"_s, modeOf(vim)},
             {u"pending"_s, vim ? vim->engine().pendingDescription() : QString()},
             {u"commandLine"_s,
-             vim && vim->engine().mode() == VimEngine::Mode::commandLine ? QJsonValue(vim->engine().commandLineText()) : QJsonValue()},
+             vim && vim->engine().mode() == VimEngine::Mode::commandLine ? QJsonValue(vim->engine().commandLine().text()) : QJsonValue()},
             {u"registers"_s, registersOf(stage.registers)},
             {u"clipboard"_s, stage.pasteboard.text()},
             {u"messages"_s, QJsonArray::fromStringList(stage.messages)},
