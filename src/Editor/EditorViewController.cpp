@@ -346,6 +346,7 @@ void EditorViewController::applyVimMode()
         m_vim = std::make_unique<EditorVim>(*m_textView, m_services.registers, m_services.keyboard, preset,
                                             EditorVim::Callbacks{.stateChanged = [this] { emit stateChanged(); },
                                                                  .runCommand = [this](const QString &command) { runCommand(command); },
+                                                                 .say = [this](const QString &message) { showVimMessage(message); },
                                                                  .beep = m_services.beep()});
     }
     if (wasOn != (m_vim != nullptr)) {

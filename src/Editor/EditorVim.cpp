@@ -209,6 +209,11 @@ void EditorVim::runEnteredCommand()
     }
 }
 
+void EditorVim::vimEngineSays(VimEngine & /*engine*/, const QString &message)
+{
+    m_callbacks.say(message);
+}
+
 void EditorVim::vimEngineDidChangeState(VimEngine & /*engine*/)
 {
     if (m_engine) {

@@ -24,6 +24,7 @@ public:
         std::function<void()> stateChanged;
         /// A command line was entered.
         std::function<void(const QString &command)> runCommand;
+        std::function<void(const QString &message)> say;
         std::function<void()> beep;
     };
 
@@ -83,6 +84,7 @@ private:
     void beep() override;
 
     void vimEngineRunsCommand(VimEngine &engine, const QString &command) override;
+    void vimEngineSays(VimEngine &engine, const QString &message) override;
     void vimEngineDidChangeState(VimEngine &engine) override;
 
     EditorTextView &m_view;

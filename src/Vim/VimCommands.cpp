@@ -219,9 +219,7 @@ void VimEngine::replaceCharacter(QStringView key, qsizetype count)
 void VimEngine::paste(Side side, qsizetype count)
 {
     const VimRegisterContents contents = m_registers.contents(m_pendingRegister);
-    if (contents.text.length() > longestInsertion / count) {
-        m_view.beep();
-    } else if (!contents.text.isEmpty()) {
+    if (!contents.text.isEmpty() && mayInsert(contents.text.length(), count)) {
         Rope text = repeatedText(contents.text, count);
         VimBuffer before = buffer();
         if (contents.isLinewise) {

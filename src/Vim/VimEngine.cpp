@@ -5,6 +5,7 @@
 
 #include "Vim/VimEngine.h"
 
+#include "Base/Translation.h"
 #include "Text/TextBoundaries.h"
 #include "Vim/VimKeyTable.h"
 
@@ -480,12 +481,19 @@ void VimEngine::deleteInserted(VimDeletion what)
     m_insertedText.chop(std::clamp<qsizetype>(before - m_view.text().length(), 0, m_insertedText.size()));
 }
 
+bool VimEngine::mayInsert(qsizetype length, qsizetype count)
+{
+    if (length <= longestInsertion / count) {
+        return true;
+    }
+    m_delegate.vimEngineSays(*this, localized(u"Not inserted: it would be more than 32 MB of text"));
+    return false;
+}
+
 void VimEngine::insertRegister(char16_t name)
 {
     const Rope text = m_registers.contents(name == u'"' ? std::nullopt : std::optional(name)).text;
-    if (text.length() > longestInsertion) {
-        m_view.beep();
-    } else if (!text.isEmpty()) {
+    if (!text.isEmpty() && mayInsert(text.length(), 1)) {
         const QString inserted = text.toString();
         m_view.putText(inserted);
         m_insertedText += inserted;

@@ -23,6 +23,8 @@ class VimEngineDelegate {
 public:
     /// A command line was entered; without its ":".
     virtual void vimEngineRunsCommand(VimEngine &engine, const QString &command) = 0;
+    /// In the language of the interface.
+    virtual void vimEngineSays(VimEngine &engine, const QString &message) = 0;
     /// Mode, pending keys or command line are others.
     virtual void vimEngineDidChangeState(VimEngine &engine) = 0;
 
@@ -132,6 +134,8 @@ private:
     bool handleInsert(const VimKeyEvent &event);
     void deleteInserted(VimDeletion what);
     void insertRegister(char16_t name);
+    /// Whether so many units may come into the text at once; says so if not.
+    bool mayInsert(qsizetype length, qsizetype count);
     void handleCommandLine(const VimKeyEvent &event);
     void handleStroke(const VimKeyStroke &stroke, QStringView key);
     void handleControl(char16_t key);

@@ -446,7 +446,10 @@ TEST(VimCase, ModesActionsAndRefusedChanges)
     EXPECT_EQ(view.beeps, 0);
     view.press(u"<C-w>x"_s);
     EXPECT_EQ(view.beeps, 1);
-    view.press(u"i"_s);
+    view.press(u"yl999999999p999999999rx"_s);
+    EXPECT_EQ(view.string(), u"xxxxxxx\n"_s);
+    EXPECT_EQ(view.messages.size(), 1) << "a paste that large is refused";
+    view.press(u"ui"_s);
     EXPECT_EQ(view.caretLook, VimCaret::bar);
     EXPECT_FALSE(view.engine.handle({.characters = {}, .charactersIgnoringModifiers = u"d"_s, .control = true}));
     view.press(u"<C-c>"_s);

@@ -125,6 +125,7 @@ public:
     TextRange indicator;
     Indentation indent;
     QStringList commandLines;
+    QStringList messages;
     bool isReadOnly = false;
     VimCaret caretLook = VimCaret::bar;
     QStringList actions;
@@ -159,5 +160,6 @@ private:
         }
     }
     void vimEngineRunsCommand(VimEngine &, const QString &command) override { commandLines << command; }
+    void vimEngineSays(VimEngine &, const QString &message) override { messages << message; }
     void vimEngineDidChangeState(VimEngine &) override {}
 };
