@@ -96,22 +96,36 @@ void MarkedScrollBar::makeRows()
     m_made = made;
     m_rows.assign(static_cast<size_t>(std::max(0, made.groove.height())), 0);
     m_kinds = 0;
+    quint8 wantedKinds = 0;
     for (size_t kind = 0; kind < m_sources.size(); ++kind) {
-        m_kinds |= static_cast<quint8>(mayHave(kind) ? 1U << kind : 0U);
+        wantedKinds |= static_cast<quint8>(mayHave(kind) ? 1U << kind : 0U);
     }
-    const quint8 asked = std::exchange(m_kinds, quint8(0));
-    qsizetype from = 0;
-    for (int row = 0; row < made.groove.height() && asked != 0; ++row) {
-        const bool isLast = row + 1 == made.groove.height();
-        const qsizetype end = isLast ? m_view.storage().length() + 1 : std::max(from, offsetAt(row + 1, made));
-        for (size_t kind = 0; kind < m_sources.size() && end > from; ++kind) {
-            if ((asked >> kind & 1U) != 0 && m_sources[kind].has(TextRange::between(from, end))) {
-                m_rows[static_cast<size_t>(row)] |= static_cast<quint8>(1U << kind);
-            }
+    if (!m_rows.empty()) {
+        markRows({.first = 0, .end = made.groove.height(), .text = {0, m_view.storage().length() + 1}}, wantedKinds);
+    }
+}
+
+/// Only where something is are rows told apart: what is rare costs few questions.
+void MarkedScrollBar::markRows(const Rows &rows, quint8 kinds)
+{
+    quint8 found = 0;
+    for (size_t kind = 0; kind < m_sources.size() && !rows.text.isEmpty(); ++kind) {
+        if ((kinds >> kind & 1U) != 0 && m_sources[kind].has(rows.text)) {
+            found |= static_cast<quint8>(1U << kind);
         }
-        m_kinds |= m_rows[static_cast<size_t>(row)];
-        from = end;
     }
+    if (found == 0) {
+        return;
+    }
+    if (rows.end - rows.first == 1) {
+        m_rows[static_cast<size_t>(rows.first)] = found;
+        m_kinds |= found;
+        return;
+    }
+    const int middle = rows.first + (rows.end - rows.first) / 2;
+    const qsizetype border = std::clamp(offsetAt(middle, *m_made), rows.text.location, rows.text.end());
+    markRows({.first = rows.first, .end = middle, .text = TextRange::between(rows.text.location, border)}, found);
+    markRows({.first = middle, .end = rows.end, .text = TextRange::between(border, rows.text.end())}, found);
 }
 
 std::vector<int> MarkedScrollBar::rowsOf(ScrollMark mark)

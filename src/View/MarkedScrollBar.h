@@ -19,10 +19,9 @@ class TextView;
 
 /// The vertical scroll bar of a text, with thin marks where something is in the text; a click on one goes there.
 ///
-/// Marks are made of rows of pixels: for each the stretch of text behind it is asked for once, so that their cost depends on the bar's
-/// height and not on what there is to be marked. They are made anew when they are painted and the text, its rows or the places are others;
-/// scrolling and moving the caret ask for nothing.
-/// Main thread only.
+/// Marks are made of rows of pixels: the stretches of text behind halves of the bar are asked for, then those behind their halves, down to
+/// single rows, so that their cost depends on the bar's height, or on how few there are to be marked. They are made anew when they are
+/// painted and the text, its rows or the places are others; scrolling and moving the caret ask for nothing. Main thread only.
 class MarkedScrollBar final : public TextScrollBar {
     Q_OBJECT
 
@@ -33,7 +32,7 @@ public:
     struct Source {
         /// Whether there may be something anywhere, without which scrolling asks for nothing else. May be empty.
         std::function<bool()> any = {};
-        /// Whether something is in `stretch`. Stretches ascend, have gaps nowhere, and end behind the text.
+        /// Whether something is in `stretch`, which may end one behind the text. What is in one is in one of any two that it is cut into.
         std::function<bool(TextRange stretch)> has;
         /// Goes to the first that is in `stretch`.
         std::function<void(TextRange stretch)> go;
@@ -85,7 +84,14 @@ private:
     [[nodiscard]] QRect placeOf(QStyle::SubControl part) const;
     [[nodiscard]] Made wanted();
     [[nodiscard]] qsizetype offsetAt(int row, const Made &made);
+    struct Rows {
+        int first = 0;
+        int end = 0;
+        /// Behind them.
+        TextRange text;
+    };
     void makeRows();
+    void markRows(const Rows &rows, quint8 kinds);
     void paintMarks(QPainter &painter, const ScrollMarkKind &kind) const;
     [[nodiscard]] std::optional<Mark> markAt(QPoint place);
 
