@@ -343,7 +343,8 @@ void EditorViewController::applyVimMode()
     } else if (m_vim) {
         m_vim->engine().setKeymap(preset);
     } else {
-        m_vim = std::make_unique<EditorVim>(*m_textView, m_services.registers, m_services.keyboard, preset,
+        m_vim = std::make_unique<EditorVim>(*m_textView,
+                                            EditorVim::Services{m_services.scheduler, m_services.registers, m_services.keyboard}, preset,
                                             EditorVim::Callbacks{.stateChanged = [this] { emit stateChanged(); },
                                                                  .runCommand = [this](const QString &command) { runCommand(command); },
                                                                  .say = [this](const QString &message) { showVimMessage(message); },

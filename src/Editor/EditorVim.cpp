@@ -4,6 +4,7 @@
 
 #include "Desktop/ForeignKeyboard.h"
 #include "Editor/EditorTextView.h"
+#include "Editor/PendingKeysPanel.h"
 #include "Text/PasteboardText.h"
 #include "Text/TextStorage.h"
 
@@ -71,8 +72,10 @@ bool isAltGr(const QKeyEvent &event)
 
 } // namespace
 
-EditorVim::EditorVim(EditorTextView &view, VimRegisters &registers, ForeignKeyboard &keyboard, VimKeymapPreset preset, Callbacks callbacks)
-    : m_view(view), m_keyboard(keyboard), m_callbacks(std::move(callbacks)), m_engine(new VimEngine(*this, *this, registers, preset))
+EditorVim::EditorVim(EditorTextView &view, const Services &services, VimKeymapPreset preset, Callbacks callbacks)
+    : m_view(view), m_keyboard(services.keyboard), m_callbacks(std::move(callbacks)),
+      m_engine(new VimEngine(*this, *this, services.registers, preset)),
+      m_panel(std::make_unique<PendingKeysPanel>(view, services.scheduler))
 {
     m_revision = m_view.storage().revision();
     m_view.setVim(this);
@@ -218,6 +221,7 @@ void EditorVim::vimEngineDidChangeState(VimEngine & /*engine*/)
 {
     if (m_engine) {
         keepOneCaret();
+        m_panel->follow(m_engine->continuations());
         m_callbacks.stateChanged();
     }
 }

@@ -9,8 +9,10 @@
 
 class EditorTextView;
 class ForeignKeyboard;
+class PendingKeysPanel;
 class QInputMethodEvent;
 class QKeyEvent;
+class Scheduler;
 
 /// The modal editing of one text view: what the view's keys are to the engine, and what the engine does to the view.
 ///
@@ -28,8 +30,15 @@ public:
         std::function<void()> beep;
     };
 
-    /// `view`, `registers` and `keyboard` must outlive it.
-    EditorVim(EditorTextView &view, VimRegisters &registers, ForeignKeyboard &keyboard, VimKeymapPreset preset, Callbacks callbacks);
+    /// All must outlive it.
+    struct Services {
+        Scheduler &scheduler;
+        VimRegisters &registers;
+        ForeignKeyboard &keyboard;
+    };
+
+    /// `view` must outlive it.
+    EditorVim(EditorTextView &view, const Services &services, VimKeymapPreset preset, Callbacks callbacks);
     ~EditorVim();
     Q_DISABLE_COPY_MOVE(EditorVim)
 
@@ -91,6 +100,7 @@ private:
     ForeignKeyboard &m_keyboard;
     Callbacks m_callbacks;
     std::unique_ptr<VimEngine> m_engine;
+    std::unique_ptr<PendingKeysPanel> m_panel;
     std::optional<QString> m_enteredCommand;
     QString m_preedit;
     /// The engine selects, or handles a key.

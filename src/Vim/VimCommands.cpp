@@ -100,6 +100,9 @@ void VimEngine::apply(OperatorKind kind, TextRange given, Span span)
         case OperatorKind::toggleCase:
             changeCase(range, kind);
             break;
+        case OperatorKind::toggleComment:
+            changeComments(range);
+            break;
         case OperatorKind::change:
             break;
         }
@@ -153,6 +156,16 @@ void VimEngine::changeCase(TextRange range, OperatorKind kind)
                                                               : text.toString().toLower();
     edit(range, Rope(changed));
     moveCaret(range.location);
+}
+
+/// The view does so with the lines of its selection.
+void VimEngine::changeComments(TextRange range)
+{
+    const qsizetype before = m_view.text().length();
+    m_view.select(range, range.location);
+    m_view.toggleComment();
+    m_changedBuffer = m_changedBuffer || m_view.text().length() != before;
+    moveCaret(buffer().firstNonBlank(range.location));
 }
 
 // Commands

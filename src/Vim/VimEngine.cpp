@@ -82,13 +82,12 @@ bool VimEngine::handleKey(const VimKeyEvent &event)
         return true;
     }
     const VimKeyStroke stroke{.character = key, .control = event.control, .option = event.option};
-    const auto table = isVisual() ? VimKeymap::Table::visual : VimKeymap::Table::normal;
-    if (m_awaiting && !m_keymap.isWaiting() && !m_keymap.completes(stroke, table)) {
+    if (m_awaiting && !m_keymap.isWaiting() && !m_keymap.completes(stroke, table())) {
         // The command has it, not a mapping that could begin with it.
         handleStroke(stroke, characters);
         return true;
     }
-    const auto outcome = m_keymap.consume(stroke, table);
+    const auto outcome = m_keymap.consume(stroke, table());
     if (const auto *action = std::get_if<VimKeymapAction>(&outcome)) {
         perform(*action);
     } else if (std::holds_alternative<VimKeymap::Pending>(outcome)) {
@@ -127,7 +126,7 @@ bool VimEngine::wants(const VimKeyEvent &event) const
         break;
     }
     const VimKeyStroke stroke{.character = key, .control = event.control, .option = event.option};
-    if (m_keymap.isWaiting() || m_keymap.wants(stroke, isVisual() ? VimKeymap::Table::visual : VimKeymap::Table::normal)) {
+    if (m_keymap.isWaiting() || m_keymap.wants(stroke, table())) {
         return true;
     }
     return event.control ? awaitsWindowKey() || row(KeyPlace::withControl, key) : !event.option;
@@ -156,6 +155,13 @@ void VimEngine::handleStroke(const VimKeyStroke &stroke, QStringView key)
 
 void VimEngine::perform(const VimKeymapAction &action)
 {
+    if (action == VimKeymapAction(&VimEngine::toggleCommentFromKeymap) && !isVisual() && hasCount() && !m_pendingOperator) {
+        // With a count it is the operator of so many lines.
+        for (const QChar key : u"gcc"_s) {
+            handleNormal(QStringView(&key, 1));
+        }
+        return;
+    }
     resetPending();
     if (const auto *const *command = std::get_if<const Action *>(&action)) {
         m_view.perform(**command);
@@ -222,8 +228,10 @@ bool VimEngine::takeDigit(char16_t key)
 const VimEngine::KeyRow *VimEngine::row(KeyPlace place, char16_t key) const
 {
     const bool takesObject = m_pendingOperator || isVisual();
-    const auto found = std::ranges::find_if(
-        keys(), [&](const KeyRow &known) { return known.place == place && known.key == key && (takesObject || !known.awaitsObject()); });
+    const auto found = std::ranges::find_if(keys(), [&](const KeyRow &known) {
+        return known.place == place && known.key == key && (takesObject || !known.awaitsObject()) &&
+               known.preset.value_or(m_keymap.preset()) == m_keymap.preset();
+    });
     return found == keys().end() ? nullptr : &*found;
 }
 
@@ -350,7 +358,11 @@ void VimEngine::takeObject(VimTextObject::Extent extent, char16_t key)
 
 void VimEngine::setKeymap(VimKeymapPreset preset)
 {
+    const bool wasWaiting = m_keymap.isWaiting();
     m_keymap = VimKeymap(preset);
+    if (wasWaiting) {
+        notify();
+    }
 }
 
 void VimEngine::notify()

@@ -41,7 +41,7 @@ protected:
 class VimEngine final {
 public:
     enum class Mode { normal, insert, visual, visualLine, commandLine };
-    enum class OperatorKind { remove, change, yank, indent, outdent, lowercase, uppercase, toggleCase };
+    enum class OperatorKind { remove, change, yank, indent, outdent, lowercase, uppercase, toggleCase, toggleComment };
 
     /// All must outlive the engine.
     VimEngine(VimTextView &view, VimEngineDelegate &delegate, VimRegisters &registers, VimKeymapPreset preset);
@@ -59,6 +59,8 @@ public:
     [[nodiscard]] bool takesText() const { return m_mode == Mode::insert || m_mode == Mode::commandLine; }
     /// Of a key map's, else of a command's keys so far.
     [[nodiscard]] QString pendingDescription() const;
+    /// What may follow the keys of mappings so far.
+    [[nodiscard]] std::vector<VimKeymap::Mapping> continuations() const { return m_keymap.continuations(table()); }
     [[nodiscard]] const VimCommandLine &commandLine() const { return m_commandLine; }
 
     void setKeymap(VimKeymapPreset preset);
@@ -161,6 +163,7 @@ private:
     void resetPending();
     [[nodiscard]] qsizetype effectiveCount() const;
     [[nodiscard]] bool hasCount() const { return !m_countBuffer.isEmpty() || !m_operatorCountBuffer.isEmpty(); }
+    [[nodiscard]] VimKeymap::Table table() const { return isVisual() ? VimKeymap::Table::visual : VimKeymap::Table::normal; }
     [[nodiscard]] bool isVisual() const { return m_mode == Mode::visual || m_mode == Mode::visualLine; }
     [[nodiscard]] VimBuffer buffer() const { return VimBuffer(m_view.text()); }
     [[nodiscard]] qsizetype caret() const;
@@ -195,6 +198,7 @@ private:
     void changeRange(TextRange range, Span span);
     void shiftLines(TextRange range, OperatorKind kind);
     void changeCase(TextRange range, OperatorKind kind);
+    void changeComments(TextRange range);
     void store(TextRange range, Span span);
     void enterInsert(qsizetype place);
     void openLine(Side side);

@@ -3,6 +3,7 @@
 #include "Vim/VimKeyTable.h"
 
 #include "Commands/Actions.h"
+#include "Settings/Preferences.h"
 
 #include <limits>
 
@@ -137,6 +138,7 @@ std::span<const VimEngine::KeyRow> VimEngine::keys()
                 {u'u', OperatorKind::lowercase, {operators, u"lower case, upper case, toggle case"}, afterG},
                 {u'U', OperatorKind::uppercase, besideAbove, afterG},
                 {u'~', OperatorKind::toggleCase, besideAbove, afterG},
+                {u'c', OperatorKind::toggleComment, {}, afterG, VimKeymapPreset::lazyVim},
 
                 {u'x',
                  Command{

@@ -8,6 +8,7 @@
 #include "Vim/VimEngine.h"
 
 #include <array>
+#include <optional>
 
 /// One key where it may come, in normal and visual modes. A key in several places has a row for each.
 struct VimEngine::KeyRow {
@@ -31,6 +32,8 @@ struct VimEngine::KeyRow {
     std::variant<Motion, Command, Operator, Prefix, const Action *> function;
     VimKeyHelp help = {};
     KeyPlace place = KeyPlace::plain;
+    /// Of a key that is there with this key map alone.
+    std::optional<VimKeymapPreset> preset = std::nullopt;
 
     [[nodiscard]] bool awaitsObject() const
     {

@@ -79,9 +79,15 @@ QString written(const QList<VimKeyStroke> &keys, QStringView space, QStringView 
     return text;
 }
 
+/// Whether `keys` begin with `start`, and are more.
+bool goesOn(const QList<VimKeyStroke> &keys, const QList<VimKeyStroke> &start)
+{
+    return keys.size() > start.size() && std::equal(start.begin(), start.end(), keys.begin());
+}
+
 } // namespace
 
-VimKeymap::VimKeymap(VimKeymapPreset preset)
+VimKeymap::VimKeymap(VimKeymapPreset preset) : m_preset(preset)
 {
     if (preset != VimKeymapPreset::lazyVim) {
         return;
@@ -98,9 +104,7 @@ VimKeymap::VimKeymap(VimKeymapPreset preset)
 
 bool VimKeymap::hasLonger(const Mappings &mappings, const QList<VimKeyStroke> &keys)
 {
-    return std::ranges::any_of(mappings, [&](const auto &mapping) {
-        return mapping.first.size() > keys.size() && std::equal(keys.begin(), keys.end(), mapping.first.begin());
-    });
+    return std::ranges::any_of(mappings, [&](const auto &mapping) { return goesOn(mapping.first, keys); });
 }
 
 VimKeymap::Outcome VimKeymap::consume(const VimKeyStroke &stroke, Table table)
@@ -125,6 +129,20 @@ bool VimKeymap::wants(const VimKeyStroke &stroke, Table table) const
     const Mappings &mappings = mappingsOf(table);
     const QList<VimKeyStroke> keys = m_buffer + QList{stroke};
     return mappings.contains(keys) || hasLonger(mappings, keys);
+}
+
+std::vector<VimKeymap::Mapping> VimKeymap::continuations(Table table) const
+{
+    if (!isWaiting()) {
+        return {};
+    }
+    std::vector<Mapping> found = mappings(m_preset);
+    std::erase_if(found,
+                  [&](const Mapping &mapping) { return !goesOn(mapping.keys, m_buffer) || !mappingsOf(table).contains(mapping.keys); });
+    for (Mapping &mapping : found) {
+        mapping.keys.remove(0, m_buffer.size());
+    }
+    return found;
 }
 
 QString VimKeymap::pendingDescription() const

@@ -40,6 +40,10 @@ public:
     [[nodiscard]] Outcome consume(const VimKeyStroke &stroke, Table table);
     [[nodiscard]] bool isWaiting() const { return !m_buffer.isEmpty(); }
     void forget() { m_buffer.clear(); }
+    [[nodiscard]] VimKeymapPreset preset() const { return m_preset; }
+    /// The mappings that the keys so far may become, in the order of the reference, with the keys that are still to come; none when it does
+    /// not wait.
+    [[nodiscard]] std::vector<Mapping> continuations(Table table) const;
     /// Whether a mapping begins with, or goes on with, this stroke now.
     [[nodiscard]] bool wants(const VimKeyStroke &stroke, Table table) const;
     /// Whether a mapping ends with this stroke now.
@@ -60,6 +64,7 @@ private:
     [[nodiscard]] const Mappings &mappingsOf(Table table) const { return table == Table::visual ? m_visual : m_normal; }
     [[nodiscard]] static bool hasLonger(const Mappings &mappings, const QList<VimKeyStroke> &keys);
 
+    VimKeymapPreset m_preset;
     Mappings m_normal;
     Mappings m_visual;
     QList<VimKeyStroke> m_buffer;

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "Editor/PendingKeysPanel.h"
 #include "UI/VimBadge.h"
 #include "WindowFixture.h"
 
@@ -165,4 +166,52 @@ TEST_F(ModalEditingTest, EachEditorHasItsModeAndAllTheSameRegisters)
     EXPECT_EQ(workspace().panes().size(), 2U);
     preferences.set(Settings::vimMode, false);
     EXPECT_TRUE(workspace().statusBar().findChild<VimBadge *>()->isHidden());
+}
+
+TEST_F(ModalEditingTest, WhatMayFollowAKeyIsShownToThoseWhoWait)
+{
+    start("one\ntwo\n");
+    const auto shown = [this] {
+        const auto *const panel = textView().viewport()->findChild<PendingKeysPanel *>();
+        return panel->isVisible() ? panel->accessibleName() : QString();
+    };
+    const auto rest = [this] { scheduler.advance(PendingKeysPanel::delay); };
+    type(u" "_s);
+    rest();
+    EXPECT_EQ(shown(), QString()) << "no key map";
+    preferences.set(Settings::vimKeymapPreset, VimKeymapPreset::lazyVim);
+    type(u"g"_s);
+    scheduler.advance(PendingKeysPanel::delay - std::chrono::milliseconds(1));
+    EXPECT_EQ(shown(), QString());
+    type(u"g"_s);
+    rest();
+    EXPECT_EQ(shown(), QString()) << "nobody waits";
+    type(u"g"_s);
+    rest();
+    EXPECT_EQ(shown(), u"What may follow: cc toggle comment on the line"_s);
+    press(u"<Esc>vg"_s);
+    rest();
+    EXPECT_EQ(shown(), u"What may follow: c toggle comment on the selection"_s);
+    press(u"<Esc> "_s);
+    EXPECT_EQ(shown(), QString());
+    rest();
+    EXPECT_TRUE(shown().startsWith(u"What may follow: bd close tab, bb other tab, | split right"_s)) << shown().toStdString();
+    const auto *const panel = textView().viewport()->findChild<PendingKeysPanel *>();
+    for (const int height : {700, 240}) {
+        window().resize(260, height);
+        const QRect view = textView().viewport()->rect();
+        EXPECT_TRUE(view.contains(panel->geometry()));
+        EXPECT_GT(panel->geometry().bottom(), view.height() - 10);
+        EXPECT_LE(panel->height(), view.height() / 3);
+    }
+    type(u"b"_s);
+    EXPECT_EQ(shown(), u"What may follow: d close tab, b other tab"_s) << "at once";
+    textView().clearFocus();
+    EXPECT_EQ(shown(), QString());
+    textView().setFocus();
+    rest();
+    EXPECT_NE(shown(), QString());
+    preferences.set(Settings::vimKeymapPreset, VimKeymapPreset::plain);
+    EXPECT_EQ(shown(), QString());
+    EXPECT_EQ(badge(), u"NORMAL"_s);
 }

@@ -505,6 +505,11 @@ TEST(VimCase, KeyMaps)
                                                                   {u"a\U0001F601\n", u" f\U0001F600x", u"|\U0001F601\n"},
                                                                   {u"a\n  b", u"G<A-k>", u"  |b\na"},
                                                                   {u"a\nb\u2028c\n", u"j<A-k>", u"|b\u2028a\nc\n"},
+                                                                  {u"a\nb\n\nc\n", u"jgcip", u"|// a\n// b\n\nc\n"},
+                                                                  {u"  a\n  b\nc\n", u"gcj", u"  |// a\n  // b\nc\n"},
+                                                                  {u"a\nb\nc\nd\n", u"j2gcc", u"a\n|// b\n// c\nd\n"},
+                                                                  {u"a\nb\nc\n", u"jgcgg", u"|// a\n// b\nc\n"},
+                                                                  {u"ab\nc\n", u"gcx", u"|b\nc\n"},
                                                                   {u"a\n", u"v}V<A-k>", u"^\n|a"},
                                                                   {u"a\nb\n", u"Vj<A-j>", u"^a\nb\n|"},
                                                                   {u"a\nb\nc\n", u"Vj<A-j>", u"c\n^a\nb\n|"}})) {
@@ -514,4 +519,12 @@ TEST(VimCase, KeyMaps)
         view.press(u"<Esc>u"_s);
         EXPECT_EQ(view.string(), plain(before));
     }
+    VimView again(u"a\nb\nc\nd\n"_s, VimKeymapPreset::lazyVim);
+    again.press(u"gcj2j."_s);
+    EXPECT_EQ(again.marked(), u"// a\n// b\n|// c\n// d\n"_s);
+    again.press(u"gg2gcc3G."_s);
+    EXPECT_EQ(again.marked(), u"a\nb\n|c\nd\n"_s);
+    VimView plainComments(u"a\nb\n"_s);
+    plainComments.press(u"gcj"_s);
+    EXPECT_EQ(plainComments.marked(), u"a\n|b\n"_s);
 }

@@ -106,7 +106,14 @@ public:
     void revealSelection() override { actions << QStringLiteral("reveal"); }
     void showIndicator(TextRange range) override { indicator = range; }
     [[nodiscard]] Indentation indentation() const override { return indent; }
-    void toggleComment() override { actions << QStringLiteral("toggleComment"); }
+    void toggleComment() override
+    {
+        actions << QStringLiteral("toggleComment");
+        const auto step = LineEditing::commentToggled(text(), selected, u"//");
+        if (step && apply(step->edits)) {
+            select(step->after.range(), step->after.caret);
+        }
+    }
     void setCaretLook(VimCaret look) override { caretLook = look; }
     void perform(const Action &action) override { actions << action.name(); }
     void beep() override { ++beeps; }
