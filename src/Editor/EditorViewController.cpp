@@ -343,12 +343,11 @@ void EditorViewController::applyVimMode()
     } else if (m_vim) {
         m_vim->engine().setKeymap(preset);
     } else {
-        m_vim = std::make_unique<EditorVim>(*m_textView,
-                                            EditorVim::Services{m_services.scheduler, m_services.registers, m_services.keyboard}, preset,
+        m_vim = std::make_unique<EditorVim>(*m_textView, EditorVim::Services{commandServices(), m_services.registers, m_services.keyboard},
+                                            preset,
                                             EditorVim::Callbacks{.stateChanged = [this] { emit stateChanged(); },
                                                                  .runCommand = [this](const QString &command) { runCommand(command); },
-                                                                 .say = [this](const QString &message) { showVimMessage(message); },
-                                                                 .beep = m_services.beep()});
+                                                                 .say = [this](const QString &message) { showVimMessage(message); }});
     }
     if (wasOn != (m_vim != nullptr)) {
         emit stateChanged();

@@ -73,9 +73,9 @@ bool isAltGr(const QKeyEvent &event)
 } // namespace
 
 EditorVim::EditorVim(EditorTextView &view, const Services &services, VimKeymapPreset preset, Callbacks callbacks)
-    : m_view(view), m_keyboard(services.keyboard), m_callbacks(std::move(callbacks)),
-      m_engine(new VimEngine(*this, *this, services.registers, preset)),
-      m_panel(std::make_unique<PendingKeysPanel>(view, services.scheduler))
+    : m_view(view), m_keyboard(services.keyboard), m_callbacks(std::move(callbacks)), m_beep(services.commands.beep),
+      m_engine(new VimEngine(*this, *this, services.registers, preset)), m_search(view, services.commands),
+      m_panel(std::make_unique<PendingKeysPanel>(view, services.commands.scheduler))
 {
     m_revision = m_view.storage().revision();
     m_view.setVim(this);
@@ -134,6 +134,9 @@ bool EditorVim::handleKey(const QKeyEvent &event)
         setPreedit({});
         return true;
     }
+    if (m_search.take(event)) {
+        return true;
+    }
     takeSelection();
     const VimKeyEvent key = translated(event);
     if (m_engine->mode() == VimEngine::Mode::insert) {
@@ -151,6 +154,7 @@ bool EditorVim::handleKey(const QKeyEvent &event)
         const QScopedValueRollback own(m_isOwn, true);
         isDone = m_engine->handle(key);
     }
+    m_revision = m_view.storage().revision();
     updateInputMethod();
     runEnteredCommand();
     return isDone;
@@ -229,11 +233,14 @@ void EditorVim::vimEngineDidChangeState(VimEngine & /*engine*/)
 void EditorVim::selectionChanged()
 {
     keepOneCaret();
+    const quint64 revision = m_view.storage().revision();
+    const bool isMove = std::exchange(m_revision, revision) == revision;
     if (m_isOwn) {
         return;
     }
-    const quint64 revision = m_view.storage().revision();
-    const bool isMove = std::exchange(m_revision, revision) == revision;
+    if (isMove) {
+        m_search.stop();
+    }
     if (m_engine->mode() == VimEngine::Mode::insert) {
         if (isMove) {
             breakInsertSession();
@@ -393,6 +400,11 @@ void EditorVim::revealSelection()
     m_view.revealCaret();
 }
 
+void EditorVim::seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive)
+{
+    m_search.start(std::move(prepare), std::move(arrive));
+}
+
 void EditorVim::showIndicator(TextRange range)
 {
     m_view.showIndicator(range);
@@ -422,5 +434,5 @@ void EditorVim::perform(const Action &action)
 
 void EditorVim::beep()
 {
-    m_callbacks.beep();
+    m_beep();
 }

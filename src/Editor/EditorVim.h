@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Editor/SearchRunner.h"
 #include "Vim/VimEngine.h"
 
 #include <functional>
@@ -27,12 +28,11 @@ public:
         /// A command line was entered.
         std::function<void(const QString &command)> runCommand;
         std::function<void(const QString &message)> say;
-        std::function<void()> beep;
     };
 
     /// All must outlive it.
     struct Services {
-        Scheduler &scheduler;
+        CommandServices commands;
         VimRegisters &registers;
         ForeignKeyboard &keyboard;
     };
@@ -85,6 +85,7 @@ private:
     [[nodiscard]] TextRange visibleRange() const override;
     void centerSelection() override;
     void revealSelection() override;
+    void seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive) override;
     void showIndicator(TextRange range) override;
     [[nodiscard]] Indentation indentation() const override;
     void toggleComment() override;
@@ -99,7 +100,9 @@ private:
     EditorTextView &m_view;
     ForeignKeyboard &m_keyboard;
     Callbacks m_callbacks;
+    std::function<void()> m_beep;
     std::unique_ptr<VimEngine> m_engine;
+    SearchRunner m_search;
     std::unique_ptr<PendingKeysPanel> m_panel;
     std::optional<QString> m_enteredCommand;
     QString m_preedit;

@@ -489,14 +489,14 @@ std::optional<TextRange> TextSearcher::firstHit(const Rope &text, TextRange rang
     return first;
 }
 
-std::optional<TextRange> TextSearcher::lastHit(const Rope &text, TextRange range, const SearchControl &control)
+std::optional<TextRange> TextSearcher::lastHit(const Rope &text, TextRange range, const SearchControl &control, qsizetype most)
 {
     constexpr qsizetype smallest = 4096;
     range = range.clampedTo(text.length() + 1);
     range = m_scope ? range.intersected(*m_scope) : range;
     std::optional<TextRange> last;
     qsizetype size = smallest;
-    for (qsizetype end = range.end(); end > range.location && !last && !control.stop.stop_requested();) {
+    for (qsizetype end = range.end(); end > range.location && !last && range.end() - end < most && !control.stop.stop_requested();) {
         qsizetype from = std::max(range.location, end - size);
         if (from > range.location) {
             // Lines that are longer than a window are cut, or a file of one line would be searched again and again.

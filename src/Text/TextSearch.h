@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <atomic>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <stop_token>
@@ -97,8 +98,9 @@ public:
     void forEachHit(const Rope &text, TextRange range, const Visitor &visit, const SearchControl &control = {});
     /// The first that begins in `range`.
     [[nodiscard]] std::optional<TextRange> firstHit(const Rope &text, TextRange range, const SearchControl &control = {});
-    /// The last that begins in `range`, looked for from its end in windows that begin at lines.
-    [[nodiscard]] std::optional<TextRange> lastHit(const Rope &text, TextRange range, const SearchControl &control = {});
+    /// The last that begins in `range`, looked for from its end in windows that begin at lines, till those have `most` units or more.
+    [[nodiscard]] std::optional<TextRange> lastHit(const Rope &text, TextRange range, const SearchControl &control = {},
+                                                   qsizetype most = std::numeric_limits<qsizetype>::max());
 
     /// True when a search of this object left out stretches that were too hard for the expression.
     [[nodiscard]] bool gaveUp() const { return m_gaveUp; }

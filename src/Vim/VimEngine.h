@@ -8,6 +8,7 @@
 #include "Vim/VimKeymap.h"
 #include "Vim/VimMotion.h"
 #include "Vim/VimRegisters.h"
+#include "Vim/VimSearch.h"
 #include "Vim/VimTextObject.h"
 #include "Vim/VimTextView.h"
 
@@ -123,7 +124,7 @@ private:
     };
     enum class Keep { nothing, desiredColumn };
     enum class Side { before, after };
-    enum class SearchDirection { forward, backward };
+    using SearchDirection = VimSearch::Direction;
     enum class VisibleLine { first, middle, last };
     enum class Shown { anywhere, centered };
     /// Where a key may come: where commands begin, with Control, behind another one, in whatever mode, or with Control in insert mode.
@@ -219,7 +220,8 @@ private:
     void performSearch(const QString &pattern, SearchDirection direction);
     void repeatSearch(bool isReversed);
     void searchWordUnderCaret(SearchDirection direction);
-    void jumpToMatch(const QString &pattern, SearchDirection direction);
+    void jumpToMatch(const VimSearch &search);
+    void jumpTo(TextRange hit);
 
     VimTextView &m_view;
     VimEngineDelegate &m_delegate;
@@ -245,12 +247,8 @@ private:
         char16_t character;
         VimMotion::FindKind kind;
     };
-    struct LastSearch {
-        QString pattern;
-        SearchDirection direction;
-    };
     std::optional<LastFind> m_lastFind;
-    std::optional<LastSearch> m_lastSearch;
+    std::optional<VimSearch> m_lastSearch;
     std::map<QString, qsizetype> m_marks;
 
     // For ".".

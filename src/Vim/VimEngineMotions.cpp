@@ -168,8 +168,8 @@ void VimEngine::handleCommandLine(const VimKeyEvent &event)
 void VimEngine::performSearch(const QString &pattern, SearchDirection direction)
 {
     if (!pattern.isEmpty()) {
-        m_lastSearch = LastSearch{pattern, direction};
-        jumpToMatch(pattern, direction);
+        m_lastSearch = VimSearch{pattern, direction};
+        jumpToMatch(*m_lastSearch);
     }
 }
 
@@ -177,7 +177,7 @@ void VimEngine::repeatSearch(bool isReversed)
 {
     if (m_lastSearch) {
         const bool isForward = (m_lastSearch->direction == SearchDirection::forward) != isReversed;
-        jumpToMatch(m_lastSearch->pattern, isForward ? SearchDirection::forward : SearchDirection::backward);
+        jumpToMatch({m_lastSearch->pattern, isForward ? SearchDirection::forward : SearchDirection::backward});
     }
     resetPending();
 }
@@ -193,34 +193,27 @@ void VimEngine::searchWordUnderCaret(SearchDirection direction)
     resetPending();
 }
 
-void VimEngine::jumpToMatch(const QString &pattern, SearchDirection direction)
+void VimEngine::jumpToMatch(const VimSearch &search)
 {
-    auto searcher = TextSearcher::compile({.pattern = pattern, .matchesCase = true, .isRegularExpression = true, .isBareExpression = true});
-    if (!searcher) {
+    const Rope &text = m_view.text();
+    if (!search.isValid()) {
         return;
     }
-    const Rope &text = m_view.text();
-    const qsizetype from = caret();
-    const qsizetype last = VimMotion::lastUnit(text, from);
-    const TextRange before{0, from};
-    const TextRange all{0, text.length() + 1};
-    std::optional<TextRange> hit;
-    if (direction == SearchDirection::forward) {
-        // From the start of the line: of hits that could overlap it is always the same ones, wherever the caret is.
-        const auto take = [&](TextRange found) {
-            if (found.location > last) {
-                hit = found;
-            }
-            return !hit;
+    if (const auto hit = search.nearHit(text, caret())) {
+        jumpTo(*hit);
+    } else if (text.length() > VimSearch::nearby) {
+        const auto prepare = [this, search]() -> VimTextView::Seeking {
+            return [search, all = Rope(m_view.text()), from = caret()](const std::stop_token &stop) { return search.hit(all, from, stop); };
         };
-        searcher->forEachHit(text, TextRange::between(text.lineStart(text.lineAt(from)), text.length() + 1), take);
-        hit = hit ? hit : searcher->firstHit(text, all);
-    } else {
-        hit = searcher->lastHit(text, before);
-        hit = hit ? hit : searcher->lastHit(text, all);
+        m_view.seek(prepare, [this](TextRange found) {
+            jumpTo(found);
+            notify();
+        });
     }
-    if (hit) {
-        moveCaret(hit->location);
-        m_view.showIndicator(*hit);
-    }
+}
+
+void VimEngine::jumpTo(TextRange hit)
+{
+    moveCaret(hit.location);
+    m_view.showIndicator(hit);
 }

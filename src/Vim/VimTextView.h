@@ -4,6 +4,10 @@
 
 #include "Text/LineEditing.h"
 
+#include <functional>
+#include <optional>
+#include <stop_token>
+
 struct Action;
 
 /// How the caret looks.
@@ -40,6 +44,11 @@ public:
     [[nodiscard]] virtual TextRange visibleRange() const = 0;
     virtual void centerSelection() = 0;
     virtual void revealSelection() = 0;
+    /// Looks for a hit; any thread.
+    using Seeking = std::function<std::optional<TextRange>(const std::stop_token &stop)>;
+    /// Has a hit looked for on a worker, and calls `arrive` with it, unless the caret is moved or the user stops it by then. Keys that come
+    /// meanwhile are handled after that. `prepare` is called for the text as it is, and once more when that is another by then.
+    virtual void seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive) = 0;
     /// Draws the eye to a search's hit.
     virtual void showIndicator(TextRange range) = 0;
 

@@ -38,6 +38,7 @@ protected:
         return event.isAccepted();
     }
     [[nodiscard]] QString badge() const { return workspace().statusBar().findChild<VimBadge *>()->text().trimmed(); }
+    [[nodiscard]] TextDocument &document() const { return *workspace().currentDocument(); }
     [[nodiscard]] qsizetype caret() const { return textView().selection().caret; }
 };
 
@@ -149,6 +150,49 @@ TEST_F(ModalEditingTest, KeysOfInsertMode)
     EXPECT_EQ(text(), u"one threxy\n"_s);
     press(u"A!<C-u>?<Esc>yiwo<C-r>\"<Esc>"_s);
     EXPECT_EQ(text(), u"?\n?\n"_s);
+}
+
+TEST_F(ModalEditingTest, KeysWaitForAHitThatIsFarAway)
+{
+    const QByteArray lines = QByteArray(79, '-').append('\n').repeated(20'000);
+    const qsizetype far = lines.size() + 4;
+    start("one hit\n" + lines + "far hit x\n" + lines + "end\n");
+    const auto finish = [this] {
+        for (int searches = 0; searches < 3; ++searches) {
+            workers.finish();
+            QCoreApplication::sendPostedEvents();
+        }
+    };
+    workers.isHeld = true;
+    press(u"/hit<CR>"_s);
+    EXPECT_EQ(caret(), 4) << "near";
+    EXPECT_TRUE(workers.jobs.empty());
+    flashes.clear();
+    press(u"ndwn"_s);
+    EXPECT_EQ(caret(), 4);
+    scheduler.advance(std::chrono::seconds(1));
+    EXPECT_EQ(flashes, QStringList{u"Searching… Esc stops."_s});
+    finish();
+    EXPECT_EQ(text().sliced(far + 4, 6), u"far x\n"_s);
+    EXPECT_EQ(caret(), 4) << "once more, around the end";
+    EXPECT_EQ(flashes.last(), QString());
+
+    press(u"gg/x<CR>dd"_s);
+    send(Actions::selectAll);
+    finish();
+    EXPECT_EQ(badge(), u"VISUAL"_s) << "the caret was moved: no jump, no keys";
+    press(u"<Esc>ggv/x<CR>"_s);
+    document().storage().apply({{0, 0}, u"ab\n"_s});
+    finish();
+    EXPECT_EQ(caret(), far + 11) << "in the text as it is";
+    const QString before = text();
+    press(u"ggnd<Esc>l"_s);
+    finish();
+    EXPECT_EQ(caret(), 1);
+    press(u"nd"_s);
+    preferences.set(Settings::vimMode, false);
+    finish();
+    EXPECT_EQ(text(), before);
 }
 
 TEST_F(ModalEditingTest, EachEditorHasItsModeAndAllTheSameRegisters)

@@ -260,6 +260,29 @@ TEST(VimCase, DoTheirWorkAndAreUndone)
     }
 }
 
+TEST(VimCase, WhatIsNearIsFoundAtOnceAndTheSameAsFromAfar)
+{
+    const QString lines = QString(u"aba ab\nxx "_s.repeated(200) + u'\n').repeated(700);
+    const qsizetype length = lines.size();
+    ASSERT_GT(length, VimSearch::nearby);
+    const Rope text(QString(u"far away\n"_s + lines + u"end"_s));
+    using enum VimSearch::Direction;
+    for (const QString &pattern : {u"aba|ab\\nxx"_s, u"b\\s+xx a"_s, u"far"_s, u"end$"_s, u"$"_s, u"a{2}"_s}) {
+        for (const auto direction : {forward, backward}) {
+            for (const qsizetype from : {qsizetype(0), qsizetype(3), qsizetype(12), length / 2 + 5, length - 9, length + 11}) {
+                const VimSearch search{pattern, direction};
+                if (const auto near = search.nearHit(text, from)) {
+                    EXPECT_EQ(near, search.hit(text, from)) << pattern.toStdString() << " from " << from;
+                }
+            }
+        }
+    }
+    const VimSearch back{u"far"_s, backward};
+    EXPECT_TRUE(back.nearHit(text, 100) && !back.nearHit(text, length));
+    const VimSearch around{u"far"_s, forward};
+    EXPECT_TRUE(around.nearHit(text, length) && !around.nearHit(text, 100));
+}
+
 TEST(VimCase, TheDotRepeatsTheLastChangeAsOneStep)
 {
     for (const auto &[before, keys, after] : std::to_array<Case>({

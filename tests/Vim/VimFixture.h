@@ -104,6 +104,12 @@ public:
     [[nodiscard]] TextRange visibleRange() const override { return visible.value_or(TextRange{0, text().length()}); }
     void centerSelection() override { actions << QStringLiteral("center"); }
     void revealSelection() override { actions << QStringLiteral("reveal"); }
+    void seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive) override
+    {
+        if (const auto hit = prepare()({})) {
+            arrive(*hit);
+        }
+    }
     void showIndicator(TextRange range) override { indicator = range; }
     [[nodiscard]] Indentation indentation() const override { return indent; }
     void toggleComment() override
