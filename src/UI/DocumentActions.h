@@ -63,9 +63,12 @@ private:
     enum class MissingCharactersAnswer { saveInUtf8, replace, cancel };
 
     void openDocument();
-    void saveDocument();
+    void saveDocument(const ActionSender &sender);
     void saveDocumentAs();
     void saveAt(const QString &path, TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner = {});
+    enum class Existing { kept, replaced };
+    void writeTo(const QString &path, TextDocument &document, Existing existing);
+    void writeFile(TextDocument &document, const DocumentFile::Snapshot &snapshot);
     void saveAtPath(TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner = {});
     void askForFileAndEncoding();
     /// Shows what the file would be in each encoding.
@@ -85,6 +88,8 @@ private:
     void revertDocumentToSaved();
     void revertWithoutAsking();
     void makeBackup();
+    using Write = void (DocumentActions::*)(TextDocument &document, const DocumentFile::Snapshot &snapshot);
+    void askHowToWrite(TextDocument &document, const DocumentFile::Snapshot &snapshot, Write write);
     void writeBackup(TextDocument &document, const DocumentFile::Snapshot &snapshot);
     void openInTerminal();
     void moveDocumentToTrash();

@@ -3,7 +3,7 @@
 #include "Vim/VimExCommands.h"
 
 #include "Base/Translation.h"
-#include "Commands/Actions.h"
+#include "Commands/WriteAction.h"
 #include "Settings/Preferences.h"
 #include "Vim/VimSubstitution.h"
 
@@ -33,6 +33,9 @@ constexpr auto commands = std::to_array<VimExCommand>({
     // A search leaves nothing marked.
     {{u"nohlsearch", u"nohl", u"noh"}, VimExCommand::Ignored{}},
 });
+
+/// Commands only with the name of a file.
+constexpr auto writingOver = std::to_array<QStringView>({u"w!", u"write!"});
 
 template<size_t count>
 bool isAmong(const std::array<QStringView, count> &names, QStringView name)
@@ -164,7 +167,9 @@ void VimExCommand::run(const QString &typed, VimCommandHost &host, Preferences &
     const qsizetype blank = text.indexOf(u' ');
     const VimExCommand *command = named(blank < 0 ? text : text.first(blank));
     const QString argument = blank < 0 ? QString() : text.sliced(blank + 1).toString();
-    if (!command) {
+    if (!command && isAmong(writingOver, text.first(std::max<qsizetype>(blank, 0)))) {
+        host.performCommand(Actions::writeOver, argument);
+    } else if (!command) {
         host.showVimMessage(formatted(localized(u"Not a command: %@"), text.toString()));
     } else if (const auto *action = std::get_if<const Action *>(&command->function)) {
         host.performCommand(**action, argument);

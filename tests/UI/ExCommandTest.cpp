@@ -56,6 +56,34 @@ TEST_F(ExCommandTest, WritesAndCloses)
     EXPECT_EQ(documents.documents().size(), 1U);
 }
 
+TEST_F(ExCommandTest, WritesToTheFileThatIsNamed)
+{
+    start("one\n");
+    put(u"b.txt"_s, "two\n");
+    type(u"x"_s);
+    run(u"w "_s + path(u"b.txt"_s));
+    EXPECT_EQ(flashes, QStringList{u"“b.txt” exists already; nothing was written. “:w!” and the name write over it."_s});
+    EXPECT_EQ(read(u"b.txt"_s), "two\n");
+    EXPECT_EQ(read(u"a.txt"_s), "one\n");
+    run(u"w! "_s + path(u"b.txt"_s));
+    run(u"w "_s + path(u"c d.txt"_s));
+    EXPECT_EQ(flashes, QStringList{u"Written to “c d.txt”"_s});
+    EXPECT_EQ(read(u"b.txt"_s), "ne\n");
+    EXPECT_EQ(read(u"c d.txt"_s), "ne\n");
+    EXPECT_EQ(read(u"a.txt"_s), "one\n");
+    EXPECT_TRUE(document().isDirty());
+    EXPECT_EQ(tabs(), QStringList{u"a.txt"_s});
+    run(u"w "_s + path(u"a.txt"_s));
+    EXPECT_EQ(flashes, QStringList{u"Saved"_s}) << "its own";
+    EXPECT_FALSE(document().isDirty());
+    send(Actions::newDocument);
+    press(u"ix<Esc>"_s);
+    run(u"w "_s + path(u"b.txt"_s));
+    EXPECT_TRUE(document().isUntitled());
+    run(u"w "_s + path(u"e.txt"_s));
+    EXPECT_EQ(document().path(), path(u"e.txt"_s));
+}
+
 TEST_F(ExCommandTest, GivesUpNoTextThatIsShownBeside)
 {
     start("one\n");

@@ -60,6 +60,8 @@ TEST(VimExCommand, DoesWhatIsTyped)
         {u"99999999999999999999", u"Not a command: 99999999999999999999"},
         {u" w ", u"saveDocument:"},
         {u"w!", u"Not a command: w!"},
+        {u"w  a b", u"saveDocument: a b"},
+        {u"w! a", u"saveDocument:a"},
         {u"q!", u"forceCloseTab:"},
         {u"e  a", u"editFile: a"},
         {u"e\ta", u"Not a command: e\ta"},
