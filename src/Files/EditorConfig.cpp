@@ -15,7 +15,9 @@
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <map>
 #include <memory>
+#include <mutex>
 
 using namespace Qt::StringLiterals;
 
@@ -109,6 +111,8 @@ struct Look {
     /// They are not to be opened, or are too large.
     bool isDangerous = false;
     QString problem;
+    /// All names, and what is in those that count.
+    QByteArray contents;
 };
 
 Look lookAtFiles(const QString &path, FileCalls &calls)
@@ -130,6 +134,7 @@ Look lookAtFiles(const QString &path, FileCalls &calls)
             return look;
         }
         const auto bytes = counts ? bytesOf(name, status.st_size, calls) : QByteArray();
+        look.contents += name + '\0' + bytes.value_or(QByteArray()) + '\0';
         if (!bytes && look.problem.isEmpty()) {
             look.problem = formatted(localized(u".editorconfig is ignored: “%@” cannot be read."), shownPath(file));
         }
@@ -138,26 +143,42 @@ Look lookAtFiles(const QString &path, FileCalls &calls)
     return look;
 }
 
-} // namespace
-
-EditorConfig EditorConfig::of(const QString &path, FileCalls &calls)
-{
-    const QString clean = QDir::cleanPath(path);
-    const Look look = lookAtFiles(clean, calls);
-    EditorConfig config;
-    config.problem = look.problem;
-    if (!look.isAnyThere || look.isDangerous) {
-        return config;
+/// What the library made of files for a path. It keeps some 20 kB whenever it matches a range of numbers, and whenever it finds an error,
+/// so it is not asked twice about the same.
+class Understood {
+public:
+    [[nodiscard]] std::optional<EditorConfig> of(const QString &path, const QByteArray &contents)
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto found = m_entries.find(path);
+        return found != m_entries.end() && found->second.first == contents ? std::optional(found->second.second) : std::nullopt;
     }
+    void keep(const QString &path, const QByteArray &contents, const EditorConfig &config)
+    {
+        constexpr size_t most = 256;
+        const std::lock_guard lock(m_mutex);
+        if (m_entries.size() >= most) {
+            m_entries.clear();
+        }
+        m_entries.insert_or_assign(path, std::pair(contents, config));
+    }
+
+private:
+    std::mutex m_mutex;
+    std::map<QString, std::pair<QByteArray, EditorConfig>> m_entries;
+};
+
+void understand(const QString &path, EditorConfig &config)
+{
     const std::unique_ptr<void, int (*)(editorconfig_handle)> parsed(editorconfig_handle_init(), editorconfig_handle_destroy);
-    const int error = editorconfig_parse(encodedPath(clean).constData(), parsed.get());
+    const int error = editorconfig_parse(encodedPath(path).constData(), parsed.get());
     if (error > 0) {
         const char *const name = editorconfig_handle_get_err_file(parsed.get());
         config.problem = formatted(localized(u".editorconfig is ignored: line %d of “%@” is damaged."), error,
                                    shownPath(decodedPath(name ? name : ".editorconfig")));
     }
     if (error != 0) {
-        return config;
+        return;
     }
     for (int index = 0; index < editorconfig_handle_get_name_value_count(parsed.get()); ++index) {
         const char *name = nullptr;
@@ -168,5 +189,24 @@ EditorConfig EditorConfig::of(const QString &path, FileCalls &calls)
             row->take(config, QByteArray(value).toLower());
         }
     }
+}
+
+} // namespace
+
+EditorConfig EditorConfig::of(const QString &path, FileCalls &calls)
+{
+    static Understood understood;
+    const QString clean = QDir::cleanPath(path);
+    const Look look = lookAtFiles(clean, calls);
+    EditorConfig config;
+    config.problem = look.problem;
+    if (!look.isAnyThere || look.isDangerous) {
+        return config;
+    }
+    if (const auto known = understood.of(clean, look.contents)) {
+        return *known;
+    }
+    understand(clean, config);
+    understood.keep(clean, look.contents, config);
     return config;
 }
