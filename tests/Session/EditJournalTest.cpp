@@ -302,6 +302,7 @@ TEST_F(EditJournalTest, IsOnDiskWithinASecond)
     scheduler.advance(800ms);
     expectWritten(*store);
     EXPECT_EQ(flushes, 2) << "the file and its folder";
+    calls.before = {};
 }
 
 TEST_P(EditJournalTest, LosesNothingAtAnyMoment)
