@@ -11,7 +11,7 @@ namespace MergeConflicts {
 namespace {
 
 /// Where lines begin that are `marker`, alone or with words behind a blank.
-std::vector<qsizetype> linesOf(const Rope &text, const QString &marker, const std::stop_token &stop)
+std::vector<qsizetype> linesOf(const Rope &text, const QString &marker, const std::stop_token &token)
 {
     std::vector<qsizetype> lines;
     const auto isOneOf = [&text](qsizetype offset, std::initializer_list<char16_t> wanted) {
@@ -27,7 +27,7 @@ std::vector<qsizetype> linesOf(const Rope &text, const QString &marker, const st
                                  }
                                  return lines.size() < mostMarkers;
                              },
-                             {.stop = stop});
+                             {.stop = token});
     }
     return lines;
 }

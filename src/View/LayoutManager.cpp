@@ -215,7 +215,8 @@ const LayoutManager::KnownLine &LayoutManager::known(qsizetype line, qsizetype s
             --end;
         }
     }
-    return m_lastLine.emplace(KnownLine{line, next, {start, end - start}});
+    m_lastLine = KnownLine{line, next, {start, end - start}};
+    return *m_lastLine;
 }
 
 LongLine &LayoutManager::longLine(const Line &line)
