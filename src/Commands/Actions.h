@@ -36,6 +36,9 @@ inline constexpr Action closeSavedTabs{"closeSavedTabs:", u"Close Saved"};
 inline constexpr Action reopenClosedTab{"reopenClosedTab:", u"Reopen Closed Tab", "Ctrl+Shift+T"};
 inline constexpr Action performClose{"performClose:", u"Close Window", "Ctrl+Shift+W"};
 inline constexpr Action saveDocument{"saveDocument:", u"Save", "Ctrl+S", "square.and.arrow.down"};
+/// The text goes into the file whose name it represents, whatever that has. By saveDocument, which can have a name as well, it goes into
+/// a file that does not exist yet.
+inline constexpr Action writeOver{.id = saveDocument.id, .tag = 1};
 inline constexpr Action saveDocumentAs{"saveDocumentAs:", u"Save As…", "Ctrl+Shift+S", "square.and.arrow.down.on.square"};
 inline constexpr Action saveAllDocuments{"saveAllDocuments:", u"Save All", "Ctrl+Alt+S"};
 inline constexpr Action revertDocumentToSaved{.id = "revertDocumentToSaved:",

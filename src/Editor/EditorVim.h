@@ -13,7 +13,6 @@ class ForeignKeyboard;
 class PendingKeysPanel;
 class QInputMethodEvent;
 class QKeyEvent;
-class Scheduler;
 
 /// The modal editing of one text view: what the view's keys are to the engine, and what the engine does to the view.
 ///

@@ -7,7 +7,7 @@
 #include "Base/HomePath.h"
 #include "Base/Pasteboard.h"
 #include "Base/Translation.h"
-#include "Commands/WriteAction.h"
+#include "Commands/Actions.h"
 #include "Desktop/Desktop.h"
 #include "Files/CharacterSet.h"
 #include "Highlighting/LanguageRegistry.h"

@@ -250,7 +250,7 @@ bool VimEngine::takeKey(KeyPlace place, char16_t key)
     } else if (const auto *command = std::get_if<KeyRow::Command>(&known->function)) {
         command->perform(*this, std::max(effectiveCount(), command->leastCount));
     } else if (const auto *kind = std::get_if<OperatorKind>(&known->function)) {
-        return takeOperator(*kind, place);
+        return takeOperator(*kind);
     } else if (const auto *awaited = std::get_if<Awaited>(&known->function)) {
         m_awaiting = *awaited;
     } else {
@@ -267,7 +267,7 @@ bool VimEngine::isKeyOf(OperatorKind kind, char16_t key)
     });
 }
 
-bool VimEngine::takeOperator(OperatorKind kind, KeyPlace place)
+bool VimEngine::takeOperator(OperatorKind kind)
 {
     if (isVisual()) {
         applyToSelection(kind);

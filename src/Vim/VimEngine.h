@@ -149,7 +149,7 @@ private:
     /// Null when there is no such key, or it makes no sense now.
     [[nodiscard]] const KeyRow *row(KeyPlace place, char16_t key) const;
     bool takeKey(KeyPlace place, char16_t key);
-    bool takeOperator(OperatorKind kind, KeyPlace place);
+    bool takeOperator(OperatorKind kind);
     [[nodiscard]] static bool isKeyOf(OperatorKind kind, char16_t key);
     void awaitWindowKey();
     [[nodiscard]] bool awaitsWindowKey() const;

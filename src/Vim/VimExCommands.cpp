@@ -3,7 +3,7 @@
 #include "Vim/VimExCommands.h"
 
 #include "Base/Translation.h"
-#include "Commands/WriteAction.h"
+#include "Commands/Actions.h"
 #include "Settings/Preferences.h"
 #include "Vim/VimSubstitution.h"
 

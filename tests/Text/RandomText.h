@@ -31,7 +31,7 @@ public:
     template<class Choices>
     const auto &of(const Choices &choices)
     {
-        return choices[size_t(below(std::ssize(choices)))];
+        return *(choices.begin() + below(std::ssize(choices)));
     }
     bool oneIn(qsizetype chances) { return below(chances) == 0; }
 
