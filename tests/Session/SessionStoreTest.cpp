@@ -577,6 +577,7 @@ TEST_F(SessionStoreTest, WritesTheLatestTextOnceAndNothingThatIsThere)
     EXPECT_EQ(store->writeDraft(*text), std::nullopt);
     expectWritten(*store);
     EXPECT_EQ(draftOf(firstId), "4");
+    calls.before = nullptr;
 }
 
 TEST_F(SessionStoreTest, AFullDiskIsReportedOnceAndTriedAgain)
