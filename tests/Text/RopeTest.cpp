@@ -172,7 +172,7 @@ TEST(Rope, LatinPortionsOfAnyLengthMakeFullNarrowLeaves)
 {
     const std::u16string text = proseOf(100'000);
     std::string bytes(text.begin(), text.end());
-    for (const size_t portion : {1, 4095, 4096, 65'536, 100'000}) {
+    for (const size_t portion : std::initializer_list<size_t>{1, 4095, 4096, 65'536, 100'000}) {
         RopeBuilder builder;
         for (size_t at = 0; at < bytes.size(); at += portion)
             builder.appendLatin1(reinterpret_cast<const uchar *>(&bytes[at]), qsizetype(std::min(portion, bytes.size() - at)));
