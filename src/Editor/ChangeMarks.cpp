@@ -54,10 +54,17 @@ void ChangeMarks::refreshCommit()
 {
     const QString path = m_document.path();
     if (path.isEmpty() || !areWanted() || !m_services.preferences.value(Settings::compareWithCommit)) {
+        m_lookSoon.cancel();
         m_looking.cancel();
         takeCommit(std::nullopt);
         return;
     }
+    // Not while a window is about to show its first picture: the library takes time and memory of its own.
+    m_lookSoon = m_services.scheduler.after(restTime, [this, path] { lookForCommit(path); });
+}
+
+void ChangeMarks::lookForCommit(const QString &path)
+{
     // One that hangs is not asked a second time.
     if (m_looking.isPending() && m_lookedFor == path) {
         m_looksAgain = true;
@@ -76,7 +83,7 @@ void ChangeMarks::refreshCommit()
         [this](std::optional<GitBase> found) {
             takeCommit(std::move(found));
             if (std::exchange(m_looksAgain, false)) {
-                refreshCommit();
+                lookForCommit(m_lookedFor);
             }
         });
 }

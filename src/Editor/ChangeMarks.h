@@ -64,6 +64,7 @@ private:
     void take(const Rope &base, std::vector<LineChange> changes);
     [[nodiscard]] bool areWanted() const;
     [[nodiscard]] std::optional<Rope> wantedBase() const;
+    void lookForCommit(const QString &path);
     void takeCommit(std::optional<GitBase> found);
 
     TextDocument &m_document;
@@ -74,6 +75,7 @@ private:
     DelayedTask m_soon;
     BackgroundTask m_comparing;
     std::optional<GitBase> m_commit;
+    DelayedTask m_lookSoon;
     BackgroundTask m_looking;
     /// What the worker looks for, and that it has to do so again.
     QString m_lookedFor;
