@@ -5,6 +5,7 @@
 #include "Base/ColorBlend.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace {
@@ -14,14 +15,25 @@ constexpr quint32 white = 0xFFFFFFFF;
 /// A step is less than what one channel can show.
 constexpr int steps = 256;
 
+/// The light of every value of a channel, from 0 to 1: a theme is asked for thousands of contrasts at each start.
+const std::array<double, 256> &lightOfValues()
+{
+    static const auto all = [] {
+        std::array<double, 256> light{};
+        for (size_t value = 0; value < light.size(); ++value) {
+            const double part = double(value) / 0xFF;
+            light[value] = part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+        }
+        return light;
+    }();
+    return all;
+}
+
 /// From 0 to 1, as WCAG 2 defines it.
 double luminance(quint32 color)
 {
-    const auto linear = [color](int shift) {
-        const double part = double(color >> shift & 0xFF) / 0xFF;
-        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(16) + 0.7152 * linear(8) + 0.0722 * linear(0);
+    const auto &light = lightOfValues();
+    return 0.2126 * light[color >> 16 & 0xFF] + 0.7152 * light[color >> 8 & 0xFF] + 0.0722 * light[color & 0xFF];
 }
 
 double leastContrast(quint32 color, std::initializer_list<quint32> grounds)
