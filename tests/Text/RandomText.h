@@ -31,7 +31,7 @@ public:
     template<class Choices>
     const auto &of(const Choices &choices)
     {
-        return *(choices.begin() + below(std::ssize(choices)));
+        return std::begin(choices)[below(std::ssize(choices))];
     }
     bool oneIn(qsizetype chances) { return below(chances) == 0; }
 
