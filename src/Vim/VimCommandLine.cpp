@@ -3,6 +3,7 @@
 #include "Vim/VimCommandLine.h"
 
 #include "Text/TextBoundaries.h"
+#include "Vim/VimBuffer.h"
 #include "Vim/VimRegisters.h"
 
 #include <algorithm>
@@ -13,29 +14,23 @@ namespace {
 /// Nobody reads more in one line; what comes in from a register is cut there.
 constexpr qsizetype longest = 0x10000;
 
-enum class Class { blank, word, other };
-
-Class classOf(QChar unit)
-{
-    return unit.isSpace() ? Class::blank : unit.isLetterOrNumber() || unit == u'_' || unit.isSurrogate() ? Class::word : Class::other;
-}
-
 } // namespace
 
 /// A key with Control.
 struct VimCommandLine::ControlRow {
     char16_t key;
-    Outcome (VimCommandLine::*function)();
+    Outcome (VimCommandLine::*function)(const VimRegisters &registers);
 
-    static const std::array<ControlRow, 5> all;
+    static const std::array<ControlRow, 6> all;
 };
 
-const std::array<VimCommandLine::ControlRow, 5> VimCommandLine::ControlRow::all = {{
+const std::array<VimCommandLine::ControlRow, 6> VimCommandLine::ControlRow::all = {{
     {u'c', &VimCommandLine::leave},
     {u'h', &VimCommandLine::deleteLetter},
     {u'w', &VimCommandLine::deleteWord},
     {u'u', &VimCommandLine::deleteAll},
     {u'r', &VimCommandLine::awaitRegister},
+    {u'v', &VimCommandLine::paste},
 }};
 
 VimCommandLine::Outcome VimCommandLine::handle(const VimKeyEvent &event, const VimRegisters &registers)
@@ -45,16 +40,12 @@ VimCommandLine::Outcome VimCommandLine::handle(const VimKeyEvent &event, const V
         put(registers, key);
         return Outcome::goesOn;
     }
-    if (event.control && key == u'v') {
-        put(registers, u'+');
-        return Outcome::goesOn;
-    }
     if (event.control) {
         const auto row = std::ranges::find(ControlRow::all, key, &ControlRow::key);
-        return row == ControlRow::all.end() ? Outcome::goesOn : (this->*row->function)();
+        return row == ControlRow::all.end() ? Outcome::goesOn : (this->*row->function)(registers);
     }
     if (key == VimKey::backspace) {
-        return deleteLetter();
+        return deleteLetter(registers);
     }
     if (event.characters == QChar(u'\r') || event.characters == QChar(u'\n')) {
         return Outcome::isEntered;
@@ -64,7 +55,7 @@ VimCommandLine::Outcome VimCommandLine::handle(const VimKeyEvent &event, const V
 }
 
 /// Behind the prefix there is nothing to delete but the line itself.
-VimCommandLine::Outcome VimCommandLine::deleteLetter()
+VimCommandLine::Outcome VimCommandLine::deleteLetter(const VimRegisters & /*registers*/)
 {
     if (m_text.isEmpty()) {
         return Outcome::isLeft;
@@ -73,29 +64,37 @@ VimCommandLine::Outcome VimCommandLine::deleteLetter()
     return Outcome::goesOn;
 }
 
-VimCommandLine::Outcome VimCommandLine::deleteWord()
+VimCommandLine::Outcome VimCommandLine::deleteWord(const VimRegisters & /*registers*/)
 {
-    const auto chop = [this](Class kind) {
-        while (!m_text.isEmpty() && classOf(m_text.back()) == kind) {
+    using Class = VimBuffer::CharacterClass;
+    const auto last = [this] { return VimBuffer::classOf(m_text.back().unicode()); };
+    const auto chop = [&](Class kind) {
+        while (!m_text.isEmpty() && last() == kind) {
             m_text.chop(1);
         }
     };
     chop(Class::blank);
     if (!m_text.isEmpty()) {
-        chop(classOf(m_text.back()));
+        chop(last());
     }
     return Outcome::goesOn;
 }
 
-VimCommandLine::Outcome VimCommandLine::deleteAll()
+VimCommandLine::Outcome VimCommandLine::deleteAll(const VimRegisters & /*registers*/)
 {
     m_text.clear();
     return Outcome::goesOn;
 }
 
-VimCommandLine::Outcome VimCommandLine::awaitRegister()
+VimCommandLine::Outcome VimCommandLine::awaitRegister(const VimRegisters & /*registers*/)
 {
     m_awaitsRegister = true;
+    return Outcome::goesOn;
+}
+
+VimCommandLine::Outcome VimCommandLine::paste(const VimRegisters &registers)
+{
+    put(registers, u'+');
     return Outcome::goesOn;
 }
 

@@ -25,11 +25,12 @@ public:
 private:
     struct ControlRow;
 
-    Outcome deleteLetter();
-    Outcome deleteWord();
-    Outcome deleteAll();
-    Outcome leave() { return Outcome::isLeft; }
-    Outcome awaitRegister();
+    Outcome deleteLetter(const VimRegisters &registers);
+    Outcome deleteWord(const VimRegisters &registers);
+    Outcome deleteAll(const VimRegisters &registers);
+    Outcome leave(const VimRegisters & /*registers*/) { return Outcome::isLeft; }
+    Outcome awaitRegister(const VimRegisters &registers);
+    Outcome paste(const VimRegisters &registers);
     void put(const VimRegisters &registers, char16_t name);
 
     char16_t m_prefix = u':';

@@ -196,12 +196,9 @@ void VimEngine::searchWordUnderCaret(SearchDirection direction)
 void VimEngine::jumpToMatch(const VimSearch &search)
 {
     const Rope &text = m_view.text();
-    if (!search.isValid()) {
-        return;
-    }
     if (const auto hit = search.nearHit(text, caret())) {
         jumpTo(*hit);
-    } else if (text.length() > VimSearch::nearby) {
+    } else if (text.length() > VimSearch::nearby && search.isValid()) {
         const auto prepare = [this, search]() -> VimTextView::Seeking {
             return [search, all = Rope(m_view.text()), from = caret()](const std::stop_token &stop) { return search.hit(all, from, stop); };
         };
