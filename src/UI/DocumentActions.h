@@ -8,7 +8,14 @@
 #include "UI/TabPlace.h"
 #include "UI/WorkspaceServices.h"
 
+#include <chrono>
+
 struct Alert;
+
+/// How long a message stays that takes a while to read.
+inline constexpr std::chrono::seconds longFlash{5};
+/// Without its folder, as the user is to read it.
+[[nodiscard]] QString nameOfFile(const QString &path);
 
 /// What can be done with the documents of a window, and the commands for its current one. Saving, and asking before something is lost, end
 /// with a completion, which may come later. It changes no panes: it reports what is to be shown, and what is closed leaves the store, of
