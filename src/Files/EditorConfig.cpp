@@ -6,6 +6,7 @@
 #include "Base/FilePath.h"
 #include "Base/Translation.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
 
@@ -147,20 +148,20 @@ Look lookAtFiles(const QString &path, FileCalls &calls)
 /// so it is not asked twice about the same.
 class Understood {
 public:
-    [[nodiscard]] std::optional<EditorConfig> of(const QString &path, const QByteArray &contents)
+    [[nodiscard]] std::optional<EditorConfig> of(const QString &path, const QByteArray &digest)
     {
         const std::lock_guard lock(m_mutex);
         const auto found = m_entries.find(path);
-        return found != m_entries.end() && found->second.first == contents ? std::optional(found->second.second) : std::nullopt;
+        return found != m_entries.end() && found->second.first == digest ? std::optional(found->second.second) : std::nullopt;
     }
-    void keep(const QString &path, const QByteArray &contents, const EditorConfig &config)
+    void keep(const QString &path, const QByteArray &digest, const EditorConfig &config)
     {
         constexpr size_t most = 256;
         const std::lock_guard lock(m_mutex);
         if (m_entries.size() >= most) {
             m_entries.clear();
         }
-        m_entries.insert_or_assign(path, std::pair(contents, config));
+        m_entries.insert_or_assign(path, std::pair(digest, config));
     }
 
 private:
@@ -203,10 +204,11 @@ EditorConfig EditorConfig::of(const QString &path, FileCalls &calls)
     if (!look.isAnyThere || look.isDangerous) {
         return config;
     }
-    if (const auto known = understood.of(clean, look.contents)) {
+    const QByteArray digest = QCryptographicHash::hash(look.contents, QCryptographicHash::Sha256);
+    if (const auto known = understood.of(clean, digest)) {
         return *known;
     }
     understand(clean, config);
-    understood.keep(clean, look.contents, config);
+    understood.keep(clean, digest, config);
     return config;
 }
