@@ -336,15 +336,15 @@ void EditorViewController::applyTheme()
 
 void EditorViewController::applyVimMode()
 {
-    const VimKeymapPreset preset = m_services.preferences.value(Settings::vimKeymapPreset);
+    const VimOptions options = VimOptions::of(m_services.preferences);
     const bool wasOn = m_vim != nullptr;
     if (!m_services.preferences.value(Settings::vimMode)) {
         m_vim.reset();
     } else if (m_vim) {
-        m_vim->engine().setKeymap(preset);
+        m_vim->engine().configure(options);
     } else {
         m_vim = std::make_unique<EditorVim>(*m_textView, EditorVim::Services{commandServices(), m_services.registers, m_services.keyboard},
-                                            preset,
+                                            options,
                                             EditorVim::Callbacks{.stateChanged = [this] { emit stateChanged(); },
                                                                  .runCommand = [this](const QString &command) { runCommand(command); },
                                                                  .say = [this](const QString &message) { showVimMessage(message); }});

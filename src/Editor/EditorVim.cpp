@@ -72,9 +72,9 @@ bool isAltGr(const QKeyEvent &event)
 
 } // namespace
 
-EditorVim::EditorVim(EditorTextView &view, const Services &services, VimKeymapPreset preset, Callbacks callbacks)
+EditorVim::EditorVim(EditorTextView &view, const Services &services, const VimOptions &options, Callbacks callbacks)
     : m_view(view), m_keyboard(services.keyboard), m_callbacks(std::move(callbacks)), m_beep(services.commands.beep),
-      m_engine(new VimEngine(*this, *this, services.registers, preset)), m_search(view, services.commands),
+      m_engine(new VimEngine(*this, *this, services.registers, options)), m_search(view, services.commands),
       m_panel(std::make_unique<PendingKeysPanel>(view, services.commands.scheduler))
 {
     m_revision = m_view.storage().revision();

@@ -37,7 +37,7 @@ public:
     };
 
     /// `view` must outlive it.
-    EditorVim(EditorTextView &view, const Services &services, VimKeymapPreset preset, Callbacks callbacks);
+    EditorVim(EditorTextView &view, const Services &services, const VimOptions &options, Callbacks callbacks);
     ~EditorVim();
     Q_DISABLE_COPY_MOVE(EditorVim)
 

@@ -28,11 +28,14 @@ inline constexpr std::array<SettingChoice, 0> choicesOf{};
 /// begins with its name and ends with "=N". The first name is the one to show.
 struct ExOption {
     enum class Direction { both, onlyOff };
+    /// Who has it: everyone, or only those whose modal editing is exactly Vim's.
+    enum class Audience { everyone, exact };
 
     std::array<QStringView, 4> names = {};
     /// English.
     const char16_t *purpose = nullptr;
     Direction direction = Direction::both;
+    Audience audience = Audience::everyone;
 
     [[nodiscard]] constexpr bool exists() const { return purpose != nullptr; }
 };

@@ -33,6 +33,8 @@ namespace Settings {
 using namespace Qt::StringLiterals;
 using Announcement = AnySetting::Announcement;
 using enum SettingRow::Place;
+inline constexpr auto exactSwitch = ExOption::Direction::both;
+inline constexpr auto onlyExact = ExOption::Audience::exact;
 
 // Appearance
 
@@ -91,6 +93,40 @@ inline constexpr Setting<VimKeymapPreset> vimKeymapPreset("editor.vimKeymapPrese
 inline constexpr Setting<bool> vimSharesClipboard("editor.vimSharesClipboard"_L1, true,
                                                   {.title = u"Share yanks with the system clipboard"});
 
+inline constexpr Setting<bool> vimExact("editor.vimExact"_L1, false, {.title = u"Behave like Vim in every detail"});
+
+// What Vim's users set; with `vimExact` alone.
+inline constexpr Setting<bool> vimIgnoreCase("vim.ignorecase"_L1, false,
+                                             {.option = {{u"ignorecase", u"ic"}, u"ignore case when searching", exactSwitch, onlyExact}});
+inline constexpr Setting<bool> vimSmartCase("vim.smartcase"_L1, false,
+                                            {.option = {{u"smartcase", u"scs"}, u"but not for capitals", exactSwitch, onlyExact}});
+inline constexpr Setting<bool> vimIncSearch("vim.incsearch"_L1, true,
+                                            {.option = {{u"incsearch", u"is"}, u"search while typing", exactSwitch, onlyExact}});
+inline constexpr Setting<bool> vimHlSearch("vim.hlsearch"_L1, false,
+                                           {.option = {{u"hlsearch", u"hls"}, u"mark all hits of a search", exactSwitch, onlyExact}});
+inline constexpr Setting<bool> vimWrapScan("vim.wrapscan"_L1, true,
+                                           {.option = {{u"wrapscan", u"ws"}, u"search on at the other end", exactSwitch, onlyExact}});
+inline constexpr Setting<bool> vimGDefault("vim.gdefault"_L1, false,
+                                           {.option = {{u"gdefault", u"gd"}, u"substitute all hits of a line", exactSwitch, onlyExact}});
+inline constexpr Setting<bool>
+    vimStartOfLine("vim.startofline"_L1, true,
+                   {.option = {{u"startofline", u"sol"}, u"jumps go to the first non-blank", exactSwitch, onlyExact}});
+inline constexpr Setting<bool>
+    vimRelativeNumber("vim.relativenumber"_L1, false,
+                      {.option = {{u"relativenumber", u"rnu"}, u"line numbers from the caret", exactSwitch, onlyExact}});
+/// Columns; 0 for no width.
+inline constexpr Setting<int>
+    vimTextWidth("vim.textwidth"_L1, 0,
+                 {.minimum = 0, .maximum = 1000, .option = {{u"textwidth", u"tw"}, u"width of formatted lines", exactSwitch, onlyExact}});
+/// Rows.
+inline constexpr Setting<int>
+    vimScrollOff("vim.scrolloff"_L1, 0,
+                 {.minimum = 0, .maximum = 1000, .option = {{u"scrolloff", u"so"}, u"rows kept around the caret", exactSwitch, onlyExact}});
+/// Milliseconds.
+inline constexpr Setting<int> vimTimeoutLen(
+    "vim.timeoutlen"_L1, 1000,
+    {.minimum = 0, .maximum = 60000, .option = {{u"timeoutlen", u"tm"}, u"time for the keys of a mapping", exactSwitch, onlyExact}});
+
 inline constexpr Setting<bool> checkSpelling("editor.checkSpelling"_L1, false, {.title = u"Check spelling while typing"});
 
 inline constexpr Setting<bool> markChanges("editor.markChanges"_L1, true, {.title = u"Mark changed lines"});
@@ -125,6 +161,9 @@ inline constexpr auto editingRows = std::to_array<SettingRow>({
              u"are not here. See the README for the full list."},
     {.setting = vimSharesClipboard,
      .note = u"Vim's clipboard=unnamedplus: y and d also copy to the macOS clipboard, and p pastes what was copied in another app."},
+    {.setting = vimExact,
+     .note = u"Where Vim and this program's own modal editing differ, Vim decides: macros, visual blocks, registers, ranges, patterns and "
+             u"your own mappings included."},
     {.setting = checkSpelling,
      .place = startsGroup,
      .note = u"In texts that are opened from now on. The Edit menu turns it on and off for the one that is shown."},
@@ -226,7 +265,9 @@ inline constexpr auto pages = std::to_array<SettingsPageTable>({
 });
 /// Those that another row shows too, those of which only the settings file knows, and those of paper.
 inline constexpr auto withoutRow = std::to_array<const AnySetting *>(
-    {&fontSize, &terminalIdentifier, &printPaper, &printLandscape, &printFontSize, &printLineNumbers, &printHeader, &printColors});
+    {&fontSize, &vimIgnoreCase, &vimSmartCase, &vimIncSearch, &vimHlSearch, &vimWrapScan, &vimGDefault, &vimStartOfLine, &vimRelativeNumber,
+     &vimTextWidth, &vimScrollOff, &vimTimeoutLen, &terminalIdentifier, &printPaper, &printLandscape, &printFontSize, &printLineNumbers,
+     &printHeader, &printColors});
 
 /// Every setting there is.
 [[nodiscard]] std::span<const AnySetting *const> all();

@@ -40,8 +40,8 @@ QString displayName(VimEngine::Mode mode)
     return names[size_t(mode)].toString();
 }
 
-VimEngine::VimEngine(VimTextView &view, VimEngineDelegate &delegate, VimRegisters &registers, VimKeymapPreset preset)
-    : m_view(view), m_delegate(delegate), m_registers(registers), m_keymap(preset)
+VimEngine::VimEngine(VimTextView &view, VimEngineDelegate &delegate, VimRegisters &registers, const VimOptions &options)
+    : m_view(view), m_delegate(delegate), m_registers(registers), m_options(options), m_keymap(options.preset)
 {
     m_view.setCaretLook(VimCaret::block);
 }
@@ -356,10 +356,11 @@ void VimEngine::takeObject(VimTextObject::Extent extent, char16_t key)
 
 // State
 
-void VimEngine::setKeymap(VimKeymapPreset preset)
+void VimEngine::configure(const VimOptions &options)
 {
     const bool wasWaiting = m_keymap.isWaiting();
-    m_keymap = VimKeymap(preset);
+    m_options = options;
+    m_keymap = VimKeymap(options.preset);
     if (wasWaiting) {
         notify();
     }

@@ -7,6 +7,7 @@
 #include "Vim/VimKeyHelp.h"
 #include "Vim/VimKeymap.h"
 #include "Vim/VimMotion.h"
+#include "Vim/VimOptions.h"
 #include "Vim/VimRegisters.h"
 #include "Vim/VimSearch.h"
 #include "Vim/VimTextObject.h"
@@ -45,7 +46,7 @@ public:
     enum class OperatorKind { remove, change, yank, indent, outdent, lowercase, uppercase, toggleCase, toggleComment };
 
     /// All must outlive the engine.
-    VimEngine(VimTextView &view, VimEngineDelegate &delegate, VimRegisters &registers, VimKeymapPreset preset);
+    VimEngine(VimTextView &view, VimEngineDelegate &delegate, VimRegisters &registers, const VimOptions &options);
     ~VimEngine();
     Q_DISABLE_COPY_MOVE(VimEngine)
 
@@ -64,7 +65,8 @@ public:
     [[nodiscard]] std::vector<VimKeymap::Mapping> continuations() const { return m_keymap.continuations(table()); }
     [[nodiscard]] const VimCommandLine &commandLine() const { return m_commandLine; }
 
-    void setKeymap(VimKeymapPreset preset);
+    void configure(const VimOptions &options);
+    [[nodiscard]] const VimOptions &options() const { return m_options; }
     /// What Escape does.
     void leaveToNormal();
     /// Something else moved the caret or changed the text: puts it on a character.
@@ -226,6 +228,7 @@ private:
     VimTextView &m_view;
     VimEngineDelegate &m_delegate;
     VimRegisters &m_registers;
+    VimOptions m_options;
     VimKeymap m_keymap;
 
     Mode m_mode = Mode::normal;

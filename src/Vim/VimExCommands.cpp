@@ -83,7 +83,7 @@ VimKeyHelpEntries helpOfOptions()
     VimKeyHelpEntries others;
     for (const AnySetting *setting : Settings::all()) {
         const ExOption &option = setting->details.option;
-        if (!option.exists()) {
+        if (!option.exists() || option.audience == ExOption::Audience::exact) {
             continue;
         }
         const VimKeyHelp help{commandLine, option.purpose};
@@ -180,7 +180,11 @@ void VimExCommand::run(const QString &typed, VimCommandHost &host, Preferences &
 
 bool applyExOption(QStringView typed, Preferences &preferences)
 {
+    const bool isExact = preferences.value(Settings::vimExact);
     return std::ranges::any_of(Settings::all(), [&](const AnySetting *setting) {
+        if (setting->details.option.audience == ExOption::Audience::exact && !isExact) {
+            return false;
+        }
         if (const auto *onOff = setting->as<bool>()) {
             return apply(*onOff, typed, preferences);
         }

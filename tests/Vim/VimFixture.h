@@ -17,7 +17,7 @@
 /// A text with modal editing and nothing to show it: a screen has twenty lines, and shows them all unless a test says otherwise.
 class VimView final : public VimTextView, private VimEngineDelegate {
 public:
-    explicit VimView(const QString &content, VimKeymapPreset preset = VimKeymapPreset::plain) : engine(*this, *this, registers, preset)
+    explicit VimView(const QString &content, VimKeymapPreset preset = VimKeymapPreset::plain) : engine(*this, *this, registers, VimOptions(preset))
     {
         {
             const UndoManager::Pause pause(undoManager);

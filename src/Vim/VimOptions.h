@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+class Preferences;
+enum class VimKeymapPreset;
+
+/// What the user has set about modal editing: a value, so that the engine looks nothing up while keys are typed.
+struct VimOptions {
+    VimKeymapPreset preset;
+    /// Vim's documented behaviour decides wherever this program's own differs. The others count with this alone.
+    bool isExact = false;
+    bool ignoresCase = false;
+    /// Not where a pattern has capitals.
+    bool smartCase = false;
+    /// What `:s` does without "g".
+    bool substitutesAll = false;
+    /// A search goes on at the other end of the text.
+    bool wrapsSearch = true;
+    bool searchesWhileTyping = true;
+    bool marksHits = false;
+    /// Jumps go to the first character that is no blank.
+    bool startsAtFirst = true;
+    /// Columns; 0 for no width.
+    int textWidth = 0;
+    /// Rows kept above and below the caret.
+    int scrollOffset = 0;
+    /// Milliseconds that the next key of a user's mapping may take.
+    int mappingTimeout = 1000;
+
+    /// The one that a test or a tool has without preferences.
+    explicit VimOptions(VimKeymapPreset keymap) : preset(keymap) {}
+    [[nodiscard]] static VimOptions of(const Preferences &preferences);
+};
