@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Text/LineEditing.h"
+
+#include <QString>
+
+#include <optional>
+
+class VimMarks;
+class VimPlaces;
+class VimRegisters;
+struct Action;
+struct VimOptions;
+struct VimSearch;
+struct VimSubstituteMemory;
+
+/// What commands behind ":" need of the engine whose text they change. Offsets are UTF-16 units.
+class VimExTarget {
+public:
+    [[nodiscard]] virtual const Rope &text() const = 0;
+    [[nodiscard]] virtual qsizetype caret() const = 0;
+    /// It settles on a character of its line.
+    virtual void moveCaret(qsizetype place) = 0;
+    /// One change, which marks and lists of places follow. False when it was refused.
+    virtual bool apply(const TextEdits &edits) = 0;
+    /// Calls nest.
+    virtual void beginUndoGroup() = 0;
+    virtual void endUndoGroup() = 0;
+    virtual void undo() = 0;
+    virtual void redo() = 0;
+
+    [[nodiscard]] virtual VimMarks &marks() = 0;
+    [[nodiscard]] virtual VimPlaces &jumps() = 0;
+    [[nodiscard]] virtual VimPlaces &changes() = 0;
+    [[nodiscard]] virtual VimRegisters &registers() = 0;
+    /// Keys of normal mode as text, which ends there too: an unfinished command or mode is left. False when a key failed.
+    virtual bool runNormal(const QString &keys, bool usesMappings) = 0;
+
+    /// Shared by `/`, `?`, `n`, `*`, `:s` and `:g`.
+    [[nodiscard]] virtual std::optional<VimSearch> &lastSearch() = 0;
+    /// Of `:s`, `&` and `g&`.
+    [[nodiscard]] virtual VimSubstituteMemory &lastSubstitution() = 0;
+    [[nodiscard]] virtual Indentation indentation() const = 0;
+    [[nodiscard]] virtual const VimOptions &options() const = 0;
+
+    /// For a few seconds.
+    virtual void say(const QString &message) = 0;
+    /// Several lines, to be read at leisure.
+    virtual void list(const QString &title, const QString &text) = 0;
+    /// A command of the window, with what was written behind its name.
+    virtual void perform(const Action &action, const QString &argument) = 0;
+
+protected:
+    ~VimExTarget() = default;
+};

@@ -1,0 +1,229 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Vim/VimPlaces.h"
+
+#include "Vim/VimBuffer.h"
+
+#include <set>
+
+namespace {
+
+bool isAtLineStart(const Rope &text, qsizetype offset)
+{
+    return text.lineStart(text.lineAt(offset)) == offset;
+}
+
+qsizetype contentEnd(const Rope &text, qsizetype line)
+{
+    qsizetype end = line + 1 < text.lineCount() ? text.lineStart(line + 1) : text.length();
+    const qsizetype start = text.lineStart(line);
+    while (end > start && isBreak(text.at(end - 1))) {
+        --end;
+    }
+    return end;
+}
+
+bool endsWithBreak(const Rope &text)
+{
+    return !text.isEmpty() && isBreak(text.at(text.length() - 1));
+}
+
+/// What one edit makes of the place of a line that it touches.
+struct Touch {
+    enum class What { nothing, gone, line, offset };
+
+    What what = What::nothing;
+    /// The line of the new text, or the offset in it.
+    qsizetype target = 0;
+};
+
+class Mover {
+public:
+    Mover(const TextChange &change, qsizetype offset)
+        : m_change(change), m_offset(offset), m_line(change.before.lineAt(offset)), m_start(change.before.lineStart(m_line)),
+          m_contentEnd(contentEnd(change.before, m_line)),
+          m_end(m_line + 1 < change.before.lineCount() ? change.before.lineStart(m_line + 1) : change.before.length())
+    {}
+
+    [[nodiscard]] qsizetype start() const { return m_start; }
+    [[nodiscard]] qsizetype end() const { return m_end; }
+
+    [[nodiscard]] Touch of(size_t index) const
+    {
+        const TextEdit &edit = m_change.edits[index];
+        const TextRange range = edit.range;
+        const qsizetype breaks = edit.text.lineCount() - 1;
+        const bool isWithinLine = range.location >= m_start && range.end() < std::max(m_end, m_start + 1);
+        if (isWithinLine || range.isEmpty()) {
+            return ofOneWithin(index, breaks);
+        }
+        if (range.location > m_start || range.end() <= m_start) {
+            return range.end() == m_start && range.location < m_start ? ofEnd(index, breaks) : Touch();
+        }
+        return ofOneAcross(index, breaks);
+    }
+
+private:
+    [[nodiscard]] Touch ofOneWithin(size_t index, qsizetype breaks) const
+    {
+        const TextEdit &edit = m_change.edits[index];
+        const bool opensLine =
+            edit.range.location == m_contentEnd && !edit.text.isEmpty() && isBreak(edit.text.at(0)) && m_contentEnd > m_start;
+        const bool opensEmptyLine =
+            m_contentEnd == m_start && !edit.text.isEmpty() && isBreak(edit.text.at(0)) && !endsWithBreak(edit.text);
+        if (breaks == 0 || m_offset < edit.range.end() || opensLine || opensEmptyLine) {
+            return {};
+        }
+        if (edit.range.location == m_start && edit.range.isEmpty() && endsWithBreak(edit.text)) {
+            return {Touch::What::line, m_change.after.lineAt(m_change.edits.newRange(index).end())};
+        }
+        return {Touch::What::offset, m_change.edits.mapped(m_offset, Bias::after)};
+    }
+
+    /// It begins before the line, and ends where that starts: lines before are deleted, or the line is added to one of them.
+    [[nodiscard]] Touch ofEnd(size_t index, qsizetype breaks) const
+    {
+        const TextEdit &edit = m_change.edits[index];
+        const bool joins = !isAtLineStart(m_change.before, edit.range.location) && (breaks == 0 || !endsWithBreak(edit.text));
+        return joins ? Touch{Touch::What::offset, m_change.edits.mapped(m_offset, Bias::after)}
+                     : Touch{Touch::What::line, m_change.after.lineAt(m_change.edits.newRange(index).end())};
+    }
+
+    /// It takes the line's start, and more than is in the line.
+    [[nodiscard]] Touch ofOneAcross(size_t index, qsizetype breaks) const
+    {
+        const TextEdit &edit = m_change.edits[index];
+        const bool takesBegun = isAtLineStart(m_change.before, edit.range.location);
+        const bool takesAll = edit.range.end() >= m_contentEnd;
+        const bool leavesLine = !isAtLineStart(m_change.before, edit.range.end()) || edit.range.end() == m_change.before.length();
+        const qsizetype first = m_change.before.lineAt(edit.range.location);
+        // Of the lines that it takes so many are left, as others.
+        const bool deletesAll = edit.text.isEmpty() && edit.range.end() == m_change.before.length();
+        const qsizetype kept =
+            breaks + (takesBegun && leavesLine && !deletesAll && !endsWithBreak(edit.text) ? 1 : 0) + (takesBegun ? 0 : 1);
+        if (!takesAll) {
+            return {Touch::What::offset, m_change.edits.mapped(m_offset, Bias::after)};
+        }
+        if (m_line - first >= kept) {
+            return {Touch::What::gone, m_change.after.lineAt(m_change.edits.newRange(index).location)};
+        }
+        return {Touch::What::line, m_change.after.lineAt(m_change.edits.newRange(index).location) + m_line - first};
+    }
+
+    const TextChange &m_change;
+    qsizetype m_offset;
+    qsizetype m_line;
+    qsizetype m_start;
+    qsizetype m_contentEnd;
+    qsizetype m_end;
+};
+
+VimPlace inLine(const Rope &text, qsizetype line, qsizetype column)
+{
+    const qsizetype start = text.lineStart(line);
+    const qsizetype within = std::min(start + column, contentEnd(text, line));
+    return {within, column};
+}
+
+} // namespace
+
+std::optional<VimPlace> VimPlace::after(const TextChange &change, WithoutLine without) const
+{
+    const Mover mover(change, std::min(offset, change.before.length()));
+    const qsizetype in = column.value_or(offset - mover.start());
+    qsizetype line = change.after.lineAt(change.edits.mapped(mover.start(), Bias::before));
+    for (size_t index = change.edits.firstReaching(mover.start());
+         index < change.edits.count() && change.edits[index].range.location <= mover.end(); ++index) {
+        const Touch touch = mover.of(index);
+        switch (touch.what) {
+        case Touch::What::nothing:
+            break;
+        case Touch::What::gone:
+            if (without == WithoutLine::goes) {
+                return std::nullopt;
+            }
+            return inLine(change.after, std::max<qsizetype>(touch.target - 1, 0), in);
+        case Touch::What::line:
+            line = touch.target;
+            break;
+        case Touch::What::offset: {
+            const qsizetype there = change.after.lineAt(touch.target);
+            return inLine(change.after, there, touch.target - change.after.lineStart(there));
+        }
+        }
+    }
+    return inLine(change.after, line, in);
+}
+
+void VimPlaces::add(qsizetype place, const Rope &text, qsizetype textWidth)
+{
+    constexpr qsizetype usualWidth = 79;
+    if (m_kind == Kind::changes && !m_places.empty()) {
+        const qsizetype line = text.lineAt(place);
+        const qsizetype last = std::min(m_places.back().offset, text.length());
+        if (text.lineAt(last) == line && std::abs(last - place) < (textWidth > 0 ? textWidth : usualWidth)) {
+            m_places.pop_back();
+        }
+    }
+    m_places.push_back({.offset = place});
+    if (m_kind == Kind::jumps) {
+        dropRepeats(text);
+    }
+    if (m_places.size() > limit) {
+        m_places.erase(m_places.begin());
+    }
+    m_position = m_places.size();
+}
+
+void VimPlaces::dropRepeats(const Rope &text)
+{
+    std::set<qsizetype> lines;
+    std::vector<VimPlace> kept;
+    for (auto place = m_places.rbegin(); place != m_places.rend(); ++place) {
+        if (lines.insert(text.lineAt(place->offset)).second) {
+            kept.push_back(*place);
+        }
+    }
+    m_places.assign(kept.rbegin(), kept.rend());
+}
+
+std::optional<qsizetype> VimPlaces::older(qsizetype count, qsizetype caret, const Rope &text)
+{
+    if (m_kind == Kind::changes) {
+        // At most the oldest; one who is there already fails.
+        return m_position == 0 ? std::nullopt : goTo(std::max<qsizetype>(qsizetype(m_position) - count, 0));
+    }
+    if (qsizetype(m_position) < count) {
+        return std::nullopt;
+    }
+    if (m_position == m_places.size()) {
+        add(caret, text);
+        m_position = m_places.size() - 1;
+    }
+    return goTo(qsizetype(m_position) - count);
+}
+
+std::optional<qsizetype> VimPlaces::newer(qsizetype count)
+{
+    const qsizetype last = qsizetype(m_places.size()) - 1;
+    if (m_kind == Kind::changes) {
+        return qsizetype(m_position) >= last ? std::nullopt : goTo(std::min(qsizetype(m_position) + count, last));
+    }
+    return goTo(qsizetype(m_position) + count);
+}
+
+std::optional<qsizetype> VimPlaces::goTo(qsizetype position)
+{
+    if (position < 0 || position >= qsizetype(m_places.size())) {
+        return std::nullopt;
+    }
+    m_position = size_t(position);
+    return m_places[m_position].offset;
+}
+
+void VimPlaces::follow(const TextChange &change)
+{
+    for (VimPlace &place : m_places) {
+        place = place.after(change, VimPlace::WithoutLine::takesLineBefore).value_or(place);
+    }
+}

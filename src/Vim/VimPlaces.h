@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Text/TextEdits.h"
+
+#include <optional>
+#include <span>
+#include <vector>
+
+/// A place in a text as Vim keeps it: a line and a column. Changes before the column in its line do not move it; it goes where its line
+/// goes. Offsets are UTF-16 units.
+struct VimPlace {
+    /// What becomes of it when its line is deleted.
+    enum class WithoutLine { goes, takesLineBefore };
+
+    /// On a unit of the text, or its end.
+    qsizetype offset = 0;
+    /// Units from its line's start, which may lie behind what the line has now; none while nothing was changed.
+    std::optional<qsizetype> column = std::nullopt;
+
+    /// Where it is after a change; none when it went with its line. O(log text + edits of its line).
+    [[nodiscard]] std::optional<VimPlace> after(const TextChange &change, WithoutLine without) const;
+};
+
+/// Places that were left, the oldest first, and where in them one has gone back to; at most `limit`. A value: copies stand for themselves.
+class VimPlaces final {
+public:
+    static constexpr size_t limit = 100;
+    /// Jumps go to any line once; changes near the last one of the same line take its place.
+    enum class Kind { jumps, changes };
+
+    explicit VimPlaces(Kind kind) : m_kind(kind) {}
+
+    /// The newest of them; one has not gone back from it. `textWidth` is the columns that are near for a change, 0 for 79.
+    void add(qsizetype place, const Rope &text, qsizetype textWidth = 0);
+    /// So many back, from `caret`, which joins the jumps when none was gone back to. None when there are not so many jumps, or no older
+    /// change.
+    [[nodiscard]] std::optional<qsizetype> older(qsizetype count, qsizetype caret, const Rope &text);
+    [[nodiscard]] std::optional<qsizetype> newer(qsizetype count);
+    void follow(const TextChange &change);
+    void clear() { *this = VimPlaces(m_kind); }
+
+    [[nodiscard]] std::span<const VimPlace> places() const { return m_places; }
+    /// Of the place that one has gone to; as many as there are places when it is none.
+    [[nodiscard]] size_t position() const { return m_position; }
+
+private:
+    [[nodiscard]] std::optional<qsizetype> goTo(qsizetype position);
+    void dropRepeats(const Rope &text);
+
+    Kind m_kind;
+    std::vector<VimPlace> m_places;
+    size_t m_position = 0;
+};
