@@ -21,6 +21,7 @@
 #include "Settings/Preferences.h"
 #include "TestFolder.h"
 #include "UI/WorkspaceServices.h"
+#include "Vim/VimHistory.h"
 #include "Vim/VimRegisters.h"
 #include "Widgets/AlertPresenter.h"
 
@@ -65,15 +66,16 @@ struct Surroundings : TestFolder {
     ClosedTabs closedTabs{notifications, preferences, documents, session};
     FindState find;
     VimRegisters registers{pasteboard, preferences};
+    VimHistory vimHistory;
     ForeignKeyboard keyboard;
     RecordingDesktop desktop;
     RecentDocuments recent{QString(), workers};
-    WorkspaceServices services{
-        {scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers, keyboard},
-        defaults,
-        desktop,
-        session,
-        keeper,
-        recent,
-        closedTabs};
+    WorkspaceServices services{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers, keyboard,
+                                nullptr, nullptr, nullptr, &vimHistory},
+                               defaults,
+                               desktop,
+                               session,
+                               keeper,
+                               recent,
+                               closedTabs};
 };

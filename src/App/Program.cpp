@@ -29,6 +29,7 @@
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
 #include "Spelling/SpellChecker.h"
+#include "Vim/VimHistory.h"
 #include "Vim/VimRegisters.h"
 #include "Widgets/DesktopPalette.h"
 #include "Widgets/ForeignChords.h"
@@ -191,6 +192,7 @@ struct Program::Parts {
 
     FindState find{session.rootDirectory() + u"/find-history.json"_s, workers};
     VimRegisters registers{pasteboard, preferences};
+    VimHistory vimHistory{session.rootDirectory() + u"/vim-history.json"_s, workers};
     SpellChecker spellChecker{workers, SpellChecker::systemSetup()};
     SpellingPanel spellingPanel{spellChecker};
     NotificationCenter::Token spellingLanguages;
@@ -199,7 +201,7 @@ struct Program::Parts {
     RecentDocuments recent{session.rootDirectory() + u"/recent-documents.json"_s, workers};
     DesktopRecentFiles desktopRecentFiles{DesktopRecentFiles::standardPath(), workers};
     AppDelegate delegate{{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers, keyboard,
-                           &spellChecker, &spellingPanel, &fileMemory},
+                           &spellChecker, &spellingPanel, &fileMemory, &vimHistory},
                           defaults,
                           desktop,
                           session,

@@ -53,11 +53,7 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
     : QWidget(parent), m_services(services), m_document(document.shared_from_this()), m_stack(new QVBoxLayout(this)),
       m_textView(new EditorTextView(document.storage(), document.undoManager(), {services.scheduler, services.pasteboard, services.beep()},
                                     editorFont(services.preferences), this)),
-      m_finder(new TextFinder(
-          *m_textView,
-          {commandServices(), services.find,
-           [this] { return m_document->file().isPrivate() ? FindHistory::Kept::whileRunning : FindHistory::Kept::forNextRun; }},
-          this)),
+      m_finder(new TextFinder(*m_textView, {commandServices(), services.find, [this] { return historyKept(); }}, this)),
       m_findBar(new FindBar(*m_finder, services.scheduler, this)), m_occurrences(*m_textView, commandServices()),
       m_counter(new TextCounter(*m_textView, {services.scheduler, services.workers}, this)),
       m_brackets(new BracketMarker(*m_textView, document, commandServices())),
@@ -177,14 +173,22 @@ ActionState EditorViewController::textFinderActionState(const ActionSender &send
     return m_findBar->textFinderActionState(sender);
 }
 
+EntryHistory::Kept EditorViewController::historyKept() const
+{
+    return m_document->file().isPrivate() ? EntryHistory::Kept::whileRunning : EntryHistory::Kept::forNextRun;
+}
+
 void EditorViewController::clearFindHistory()
 {
     m_services.find.history().clear();
+    if (m_services.vimHistory) {
+        m_services.vimHistory->clear();
+    }
 }
 
 bool EditorViewController::hasFindHistory() const
 {
-    return !m_services.find.history().isEmpty();
+    return !m_services.find.history().isEmpty() || (m_services.vimHistory && !m_services.vimHistory->isEmpty());
 }
 
 void EditorViewController::goToNextChange()
@@ -343,7 +347,9 @@ void EditorViewController::applyVimMode()
     } else if (m_vim) {
         m_vim->engine().configure(options);
     } else {
-        m_vim = std::make_unique<EditorVim>(*m_textView, EditorVim::Services{commandServices(), m_services.registers, m_services.keyboard},
+        m_vim = std::make_unique<EditorVim>(*m_textView,
+                                            EditorVim::Services{commandServices(), m_services.registers, m_services.keyboard,
+                                                                m_services.vimHistory, [this] { return historyKept(); }},
                                             options,
                                             EditorVim::Callbacks{.stateChanged = [this] { emit stateChanged(); },
                                                                  .runCommand = [this](const QString &command) { runCommand(command); },

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/EntryHistory.h"
 #include "Base/NotificationCenter.h"
 #include "Commands/Responder.h"
 #include "Editor/EditorTextView.h"
@@ -38,6 +39,7 @@ class SubstitutionRunner;
 class TextCounter;
 class TextDocument;
 class TextFinder;
+class VimHistory;
 class VimRegisters;
 class Workers;
 
@@ -58,6 +60,8 @@ struct EditorServices {
     SpellingPanel *spellingPanel = nullptr;
     /// None when nothing is to be kept of single files.
     FileMemory *fileMemory = nullptr;
+    /// None keeps no history of command lines.
+    VimHistory *vimHistory = nullptr;
 
     /// The sound for a command that cannot do its work.
     [[nodiscard]] std::function<void()> beep() const;
@@ -110,6 +114,8 @@ signals:
 
 private:
     [[nodiscard]] CommandServices commandServices();
+    /// Whether what is typed to search and command this text is for the next run.
+    [[nodiscard]] EntryHistory::Kept historyKept() const;
     void observe();
     void retranslate();
     void performTextFinderAction(const ActionSender &sender);

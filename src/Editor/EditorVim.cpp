@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/EditorVim.h"
 
+#include "Base/FilePath.h"
 #include "Desktop/ForeignKeyboard.h"
 #include "Editor/EditorTextView.h"
 #include "Editor/PendingKeysPanel.h"
 #include "Text/PasteboardText.h"
 #include "Text/TextStorage.h"
+#include "Vim/VimCompletion.h"
 
 #include <QGuiApplication>
 #include <QInputMethod>
@@ -73,11 +75,14 @@ bool isAltGr(const QKeyEvent &event)
 } // namespace
 
 EditorVim::EditorVim(EditorTextView &view, const Services &services, const VimOptions &options, Callbacks callbacks)
-    : m_view(view), m_keyboard(services.keyboard), m_callbacks(std::move(callbacks)), m_beep(services.commands.beep),
-      m_engine(new VimEngine(*this, *this, services.registers, options)), m_search(view, services.commands),
+    : m_view(view), m_keyboard(services.keyboard), m_workers(services.commands.workers), m_callbacks(std::move(callbacks)),
+      m_beep(services.commands.beep), m_engine(new VimEngine(*this, *this, services.registers, options)), m_search(view, services.commands),
       m_panel(std::make_unique<PendingKeysPanel>(view, services.commands.scheduler))
 {
     m_revision = m_view.storage().revision();
+    if (services.history) {
+        m_engine->setHistory(*services.history, services.historyKept);
+    }
     m_view.setVim(this);
     m_engine->leaveToNormal();
     updateInputMethod();
@@ -100,9 +105,14 @@ VimKeyEvent EditorVim::translated(const QKeyEvent &event) const
                     .charactersIgnoringModifiers = {},
                     .control = event.modifiers().testFlag(Qt::ControlModifier) && !isText,
                     .option = event.modifiers().testFlag(Qt::AltModifier) && !isText};
+    if (event.key() == Qt::Key_Backtab && m_engine->mode() == VimEngine::Mode::commandLine) {
+        key.charactersIgnoringModifiers = QString(QChar(VimKey::backtab));
+        return key;
+    }
     if (const auto *row = std::ranges::find(functionKeys, Qt::Key(event.key()), &KeyRow::key); row != functionKeys.end()) {
         key.charactersIgnoringModifiers = QString(QChar(row->character));
         key.characters = isPrivateUse(row->character) ? QString() : key.charactersIgnoringModifiers;
+        key.shift = event.modifiers().testFlag(Qt::ShiftModifier);
         return key;
     }
     QString text = event.text();
@@ -226,8 +236,22 @@ void EditorVim::vimEngineDidChangeState(VimEngine & /*engine*/)
     if (m_engine) {
         keepOneCaret();
         m_panel->follow(m_engine->continuations());
+        completeFiles();
         m_callbacks.stateChanged();
     }
+}
+
+void EditorVim::completeFiles()
+{
+    const auto typed = m_engine->commandLine().awaitedFiles();
+    if (!typed) {
+        m_files.cancel();
+        return;
+    }
+    m_files = BackgroundTask::start(
+        m_workers,
+        [typed = *typed, folder = workingFolder()](const std::stop_token & /*stop*/) { return VimCompletion::files(typed, folder); },
+        [this](const QStringList &names) { m_engine->completeFiles(names); });
 }
 
 void EditorVim::selectionChanged()

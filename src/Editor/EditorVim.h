@@ -34,6 +34,10 @@ public:
         CommandServices commands;
         VimRegisters &registers;
         ForeignKeyboard &keyboard;
+        /// Null keeps none.
+        VimHistory *history = nullptr;
+        /// Of what is typed for this text.
+        std::function<VimHistory::Kept()> historyKept = {};
     };
 
     /// `view` must outlive it.
@@ -64,6 +68,7 @@ private:
     void keepOneCaret();
     [[nodiscard]] VimKeyEvent translated(const QKeyEvent &event) const;
     void runEnteredCommand();
+    void completeFiles();
     void updateInputMethod();
     void setPreedit(const QString &text);
     [[nodiscard]] bool takesCharacters() const;
@@ -98,11 +103,14 @@ private:
 
     EditorTextView &m_view;
     ForeignKeyboard &m_keyboard;
+    Workers &m_workers;
     Callbacks m_callbacks;
     std::function<void()> m_beep;
     std::unique_ptr<VimEngine> m_engine;
     SearchRunner m_search;
     std::unique_ptr<PendingKeysPanel> m_panel;
+    /// Looks for those that the command line awaits.
+    BackgroundTask m_files;
     std::optional<QString> m_enteredCommand;
     QString m_preedit;
     /// The engine selects, or handles a key.

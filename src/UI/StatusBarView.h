@@ -43,6 +43,8 @@ public:
         QString pending;
         /// With its prefix, while it is open.
         std::optional<QString> commandLine;
+        /// In that line; none stays behind its end.
+        std::optional<qsizetype> cursor = std::nullopt;
         bool isInsert = false;
 
         friend bool operator==(const VimState &, const VimState &) = default;

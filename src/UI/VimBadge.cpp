@@ -8,6 +8,10 @@
 #include "Widgets/SystemColors.h"
 
 #include <QPainter>
+#include <QTextLayout>
+
+#include <algorithm>
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -18,15 +22,32 @@ constexpr int heightMargin = 2;
 /// How much of its colour the badge has.
 constexpr double shareOnDark = 0.85;
 constexpr double shareOnLight = 0.75;
+/// Stand for control characters.
+constexpr char16_t firstControlPicture = 0x2400;
+/// Where the cursor is in a line that is longer than the badge, as a share of this.
+constexpr double cursorShare = 0.75;
 constexpr quint32 black = 0xFF000000;
 constexpr quint32 white = 0xFFFFFFFF;
 
 QString badgeText(const StatusBarView::VimState &state)
 {
+    if (state.commandLine && state.cursor) {
+        QString line = u' ' + *state.commandLine + u' ';
+        for (QChar &unit : line) {
+            unit = unit < u' ' ? QChar(char16_t(firstControlPicture + unit.unicode())) : unit;
+        }
+        return line;
+    }
     if (state.commandLine) {
         return u' ' + *state.commandLine + u"█ "_s;
     }
     return u' ' + state.mode + (state.pending.isEmpty() ? QString() : u"  "_s + state.pending) + u' ';
+}
+
+/// A letter more or none, or one less.
+bool isTyped(const QString &before, const QString &after)
+{
+    return before.size() <= after.size() ? after.size() - before.size() < 3 && after.startsWith(before) : before.startsWith(after);
 }
 
 } // namespace
@@ -46,13 +67,17 @@ void VimBadge::setState(const std::optional<StatusBarView::VimState> &state)
     // The mode is reported when it changes, keys are not: whoever pressed them knows.
     const bool isOtherMode = state && (!m_state || state->mode != m_state->mode);
     const bool wasVisible = isVisible();
+    // So is a line that became another one, but not one that got what was typed.
+    const bool isOtherLine = hasCursor() && state && state->commandLine && !isTyped(*m_state->commandLine, *state->commandLine);
     m_state = state;
     setText(state ? badgeText(*state) : QString());
-    if (isOtherMode) {
+    if (hasCursor()) {
+        setAccessibleName(*state->commandLine);
+    } else if (isOtherMode) {
         setAccessibleName(state->mode);
     }
     setVisible(state.has_value());
-    if (isOtherMode && wasVisible) {
+    if ((isOtherMode || isOtherLine) && wasVisible) {
         announce(*this);
     }
     update();
@@ -83,5 +108,27 @@ void VimBadge::paintEvent(QPaintEvent * /*event*/)
     painter.setBrush(QColor::fromRgb(legible(ground, black, limitsOf(m_theme->contrast).text, {white})));
     painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
     painter.setPen(Qt::white);
+    if (hasCursor()) {
+        paintLine(painter);
+        return;
+    }
     painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, fontMetrics().elidedText(text(), Qt::ElideLeft, width()));
+}
+
+void VimBadge::paintLine(QPainter &painter) const
+{
+    QTextLayout layout(text(), font());
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    line.setNumColumns(int(text().size()));
+    layout.endLayout();
+    // Behind the blank that begins the text.
+    const double cursor = line.cursorToX(int(*m_state->cursor) + 1);
+    const double hidden = std::max(0.0, line.naturalTextWidth() - width());
+    const double left = -std::clamp(cursor - cursorShare * width(), 0.0, hidden);
+    const double top = (height() - line.height()) / 2;
+    painter.setClipRect(rect());
+    layout.draw(&painter, {left, top});
+    const int thickness = std::max(2, fontMetrics().height() / 9);
+    painter.fillRect(QRectF(std::round(left + cursor), top, thickness, line.height()), Qt::white);
 }

@@ -7,7 +7,7 @@
 #include <QLabel>
 
 /// Which mode Vim is in and the keys it has so far, or its command line: white on a colour that tells the modes apart. Where it does not
-/// fit, the end is seen, which is where keys come to. Hidden without a state.
+/// fit, the end is seen, or what is at the cursor, which is where keys come to. Hidden without a state.
 class VimBadge final : public QLabel {
     Q_OBJECT
 
@@ -23,6 +23,9 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    [[nodiscard]] bool hasCursor() const { return m_state && m_state->commandLine && m_state->cursor; }
+    void paintLine(QPainter &painter) const;
+
     std::optional<StatusBarView::VimState> m_state;
     const Theme *m_theme;
 };

@@ -50,12 +50,17 @@ std::optional<StatusBarView::VimState> vimStateOf(EditorViewController &editor)
     }
     const VimEngine &engine = editor.vim()->engine();
     const QString &preedit = editor.vim()->preedit();
-    const bool hasLine = engine.mode() == VimEngine::Mode::commandLine;
-    return StatusBarView::VimState{
-        .mode = displayName(engine.mode()),
-        .pending = engine.pendingDescription() + preedit,
-        .commandLine = hasLine ? std::optional(QChar(engine.commandLine().prefix()) + engine.commandLine().text() + preedit) : std::nullopt,
-        .isInsert = engine.mode() == VimEngine::Mode::insert};
+    StatusBarView::VimState state{.mode = displayName(engine.mode()),
+                                  .pending = engine.pendingDescription() + preedit,
+                                  .commandLine = std::nullopt,
+                                  .isInsert = engine.mode() == VimEngine::Mode::insert};
+    if (engine.mode() == VimEngine::Mode::commandLine) {
+        const VimCommandLine &line = engine.commandLine();
+        const qsizetype cursor = 1 + line.cursor();
+        state.commandLine = QString(QChar(line.prefix()) + line.text()).insert(cursor, preedit);
+        state.cursor = engine.options().isExact ? std::optional(cursor + preedit.size()) : std::nullopt;
+    }
+    return state;
 }
 
 std::optional<StatusBarView::SpellingState> spellingOf(EditorViewController &editor)

@@ -2,39 +2,119 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Text/TextRange.h"
 #include "Vim/VimKey.h"
 
-#include <QString>
+#include <QStringList>
 
+#include <optional>
+
+class Rope;
+class VimHistory;
 class VimRegisters;
 
-/// The line that is typed behind ":", "/" or "?". It knows the keys that change it, and nothing of what it is for.
+/// The line that is typed behind ":", "/" or "?". It knows the keys that change it, and nothing of what it is for. Its cursor, an offset
+/// in UTF-16 units, stays at the end but in exact editing.
 class VimCommandLine final {
 public:
     enum class Outcome { goesOn, isEntered, isLeft };
 
-    void begin(char16_t prefix) { *this = {}, m_prefix = prefix; }
+    /// What it takes text from, and the setting that decides which keys it knows.
+    struct Surroundings {
+        const VimRegisters &registers;
+        const Rope &text;
+        qsizetype caret;
+        /// Null for none.
+        const VimHistory *history = nullptr;
+        bool isExact = false;
+    };
+
+    void begin(char16_t prefix, const QString &text = {});
     void clear() { begin(m_prefix); }
-    /// Takes any key but Escape. What has no meaning here does nothing.
-    Outcome handle(const VimKeyEvent &event, const VimRegisters &registers);
+    /// Takes any key but Escape, and that too while it awaits one. What has no meaning here does nothing.
+    Outcome handle(const VimKeyEvent &event, const Surroundings &around);
 
     [[nodiscard]] char16_t prefix() const { return m_prefix; }
     /// Without the prefix.
     [[nodiscard]] const QString &text() const { return m_text; }
+    [[nodiscard]] qsizetype cursor() const { return m_cursor; }
+    /// The next key is taken as it is, be it Escape.
+    [[nodiscard]] bool awaitsKey() const { return m_awaited == Awaited::literal || m_awaited == Awaited::exactRegister; }
+    /// How many hits further the user wants to see than the one that the line finds; negative ones are before it.
+    [[nodiscard]] int hitSteps() const { return m_hitSteps; }
+
+    /// The part of a file's name that is to be completed, once somebody has looked for files; none while it is not.
+    [[nodiscard]] std::optional<QString> awaitedFiles() const;
+    /// Those that were asked for, see VimCompletion::files().
+    void takeFiles(const QStringList &names);
 
 private:
-    struct ControlRow;
+    struct KeyRow;
+    enum class Awaited { nothing, registerName, exactRegister, literal };
+    enum class Direction { forward, backward };
+    /// What was typed, and what is shown of the history in its place.
+    struct Recall {
+        QString sought;
+        /// Among the entries; -1 is what was typed.
+        qsizetype place = -1;
+        QString shown;
+    };
+    /// What may stand from `from` to the cursor, as the last of it what was typed.
+    struct Candidates {
+        qsizetype from = 0;
+        QStringList names;
+        qsizetype chosen = 0;
+        QString shown;
+    };
+    struct FileQuestion {
+        qsizetype from = 0;
+        Direction direction = Direction::forward;
+    };
 
-    Outcome deleteLetter(const VimRegisters &registers);
-    Outcome deleteWord(const VimRegisters &registers);
-    Outcome deleteAll(const VimRegisters &registers);
-    Outcome leave(const VimRegisters & /*registers*/) { return Outcome::isLeft; }
-    Outcome awaitRegister(const VimRegisters &registers);
-    Outcome paste(const VimRegisters &registers);
-    void put(const VimRegisters &registers, char16_t name);
+    Outcome deleteLetter(const Surroundings &around);
+    Outcome deleteNextLetter(const Surroundings &around);
+    Outcome deleteWord(const Surroundings &around);
+    Outcome deleteToStart(const Surroundings &around);
+    Outcome enter(const Surroundings &around);
+    Outcome leave(const Surroundings &around);
+    Outcome awaitRegister(const Surroundings &around);
+    Outcome awaitLiteral(const Surroundings &around);
+    Outcome paste(const Surroundings &around);
+    Outcome goLeft(const Surroundings &around);
+    Outcome goRight(const Surroundings &around);
+    Outcome goWordLeft(const Surroundings &around);
+    Outcome goWordRight(const Surroundings &around);
+    Outcome goToStart(const Surroundings &around);
+    Outcome goToEnd(const Surroundings &around);
+    Outcome recallOlderAlike(const Surroundings &around);
+    Outcome recallNewerAlike(const Surroundings &around);
+    Outcome recallOlder(const Surroundings &around);
+    Outcome recallNewer(const Surroundings &around);
+    Outcome completeNext(const Surroundings &around);
+    Outcome completePrevious(const Surroundings &around);
+    Outcome showNextHit(const Surroundings &around);
+    Outcome showPreviousHit(const Surroundings &around);
+
+    Outcome takeAwaited(const VimKeyEvent &event, char16_t key, const Surroundings &around);
+    void putText(const QString &text);
+    void putLine(QString text);
+    void putRegister(const VimRegisters &registers, char16_t name);
+    void erase(TextRange range);
+    void show(const QString &text);
+    enum class Among { all, alike };
+    void recall(Direction direction, Among among, const Surroundings &around);
+    [[nodiscard]] bool hasSeveralCandidates() const;
+    void complete(Direction direction);
+    void offer(qsizetype from, QStringList names, Direction direction);
+    void choose(qsizetype index);
 
     char16_t m_prefix = u':';
     QString m_text;
-    /// The next key is the name of a register whose text comes in.
-    bool m_awaitsRegister = false;
+    qsizetype m_cursor = 0;
+    Awaited m_awaited = Awaited::nothing;
+    /// Both hold as long as the line is as they left it.
+    std::optional<Recall> m_recall;
+    std::optional<Candidates> m_candidates;
+    std::optional<FileQuestion> m_fileQuestion;
+    int m_hitSteps = 0;
 };

@@ -68,7 +68,8 @@ bool VimEngine::handleKey(const VimKeyEvent &event)
 {
     const QString &characters = event.charactersIgnoringModifiers;
     const char16_t key = characters.isEmpty() ? 0 : characters.front().unicode();
-    if (characters.size() == 1 && takeKey(KeyPlace::anyMode, keyInAnyMode(event))) {
+    const bool isAwaited = m_mode == Mode::commandLine && m_commandLine.awaitsKey();
+    if (characters.size() == 1 && !isAwaited && takeKey(KeyPlace::anyMode, keyInAnyMode(event))) {
         return true;
     }
     if (m_mode == Mode::insert) {
@@ -479,6 +480,7 @@ void VimEngine::leaveToNormal()
         moveCaret(std::max<qsizetype>(caret() - 1, 0));
     }
     m_keymap.forget();
+    rememberCommandLine();
     m_commandLine.clear();
     clearPending();
     setMode(Mode::normal);

@@ -4,6 +4,7 @@
 
 #include "Text/LineNumber.h"
 #include "Vim/VimCommandLine.h"
+#include "Vim/VimHistory.h"
 #include "Vim/VimKeyHelp.h"
 #include "Vim/VimKeymap.h"
 #include "Vim/VimMotion.h"
@@ -64,6 +65,14 @@ public:
     /// What may follow the keys of mappings so far.
     [[nodiscard]] std::vector<VimKeymap::Mapping> continuations() const { return m_keymap.continuations(table()); }
     [[nodiscard]] const VimCommandLine &commandLine() const { return m_commandLine; }
+    /// What the command line recalls, and whether it keeps lines of this text; must outlive the engine.
+    void setHistory(VimHistory &history, std::function<VimHistory::Kept()> kept) { m_history = &history, m_historyKept = std::move(kept); }
+    /// Those that the command line awaits.
+    void completeFiles(const QStringList &names);
+    /// None before the first search.
+    [[nodiscard]] const std::optional<VimSearch> &lastSearch() const { return m_lastSearch; }
+    /// Where the search that is typed begins instead of at the caret; none takes it back.
+    void setSearchOrigin(std::optional<qsizetype> place) { m_searchOrigin = place; }
 
     void configure(const VimOptions &options);
     [[nodiscard]] const VimOptions &options() const { return m_options; }
@@ -142,6 +151,7 @@ private:
     /// Whether so many units may come into the text at once; says so if not.
     bool mayInsert(qsizetype length, qsizetype count);
     void handleCommandLine(const VimKeyEvent &event);
+    void rememberCommandLine();
     void handleStroke(const VimKeyStroke &stroke, QStringView key);
     void handleControl(char16_t key);
     /// `key` is one character, of one unit or more.
@@ -219,10 +229,10 @@ private:
 
     // Command line and search
     void beginCommandLine(char16_t prefix);
-    void performSearch(const QString &pattern, SearchDirection direction);
+    void performSearch(const QString &pattern, SearchDirection direction, qsizetype from);
     void repeatSearch(bool isReversed);
     void searchWordUnderCaret(SearchDirection direction);
-    void jumpToMatch(const VimSearch &search);
+    void jumpToMatch(const VimSearch &search, qsizetype from);
     void jumpTo(TextRange hit);
 
     VimTextView &m_view;
@@ -235,6 +245,9 @@ private:
     /// As typed since the last reset.
     QString m_pendingKeys;
     VimCommandLine m_commandLine;
+    VimHistory *m_history = nullptr;
+    std::function<VimHistory::Kept()> m_historyKept;
+    std::optional<qsizetype> m_searchOrigin;
     QString m_countBuffer;
     QString m_operatorCountBuffer;
     std::optional<OperatorKind> m_pendingOperator;

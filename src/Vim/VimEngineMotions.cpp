@@ -140,13 +140,14 @@ void VimEngine::repeatFind(bool isReversed)
 void VimEngine::beginCommandLine(char16_t prefix)
 {
     m_commandLine.begin(prefix);
+    m_searchOrigin.reset();
     setMode(Mode::commandLine);
     resetPending();
 }
 
 void VimEngine::handleCommandLine(const VimKeyEvent &event)
 {
-    switch (m_commandLine.handle(event, m_registers)) {
+    switch (m_commandLine.handle(event, {m_registers, m_view.text(), caret(), m_history, m_options.isExact})) {
     case VimCommandLine::Outcome::goesOn:
         break;
     case VimCommandLine::Outcome::isLeft:
@@ -158,18 +159,32 @@ void VimEngine::handleCommandLine(const VimKeyEvent &event)
         if (entered.prefix() == u':') {
             m_delegate.vimEngineRunsCommand(*this, entered.text());
         } else {
-            performSearch(entered.text(), entered.prefix() == u'/' ? SearchDirection::forward : SearchDirection::backward);
+            performSearch(entered.text(), entered.prefix() == u'/' ? SearchDirection::forward : SearchDirection::backward,
+                          std::exchange(m_searchOrigin, std::nullopt).value_or(caret()));
         }
         break;
     }
     notify();
 }
 
-void VimEngine::performSearch(const QString &pattern, SearchDirection direction)
+void VimEngine::rememberCommandLine()
+{
+    if (m_history && m_options.isExact && m_mode == Mode::commandLine) {
+        m_history->add(m_commandLine.prefix(), m_commandLine.text(), m_historyKept());
+    }
+}
+
+void VimEngine::completeFiles(const QStringList &names)
+{
+    m_commandLine.takeFiles(names);
+    notify();
+}
+
+void VimEngine::performSearch(const QString &pattern, SearchDirection direction, qsizetype from)
 {
     if (!pattern.isEmpty()) {
         m_lastSearch = VimSearch{pattern, direction};
-        jumpToMatch(*m_lastSearch);
+        jumpToMatch(*m_lastSearch, from);
     }
 }
 
@@ -177,7 +192,7 @@ void VimEngine::repeatSearch(bool isReversed)
 {
     if (m_lastSearch) {
         const bool isForward = (m_lastSearch->direction == SearchDirection::forward) != isReversed;
-        jumpToMatch({m_lastSearch->pattern, isForward ? SearchDirection::forward : SearchDirection::backward});
+        jumpToMatch({m_lastSearch->pattern, isForward ? SearchDirection::forward : SearchDirection::backward}, caret());
     }
     resetPending();
 }
@@ -188,19 +203,21 @@ void VimEngine::searchWordUnderCaret(SearchDirection direction)
     const auto word = VimTextObject::range(text, caret(), u'w', VimTextObject::Extent::inner, 1);
     if (word && !word->range.isEmpty()) {
         const QString escaped = RegularExpression::escapedPattern(text.text().toString(word->range));
-        performSearch(u"\\b"_s + escaped + u"\\b"_s, direction);
+        performSearch(u"\\b"_s + escaped + u"\\b"_s, direction, caret());
     }
     resetPending();
 }
 
-void VimEngine::jumpToMatch(const VimSearch &search)
+void VimEngine::jumpToMatch(const VimSearch &search, qsizetype from)
 {
     const Rope &text = m_view.text();
-    if (const auto hit = search.nearHit(text, caret())) {
+    if (const auto hit = search.nearHit(text, from)) {
         jumpTo(*hit);
     } else if (text.length() > VimSearch::nearby && search.isValid()) {
-        const auto prepare = [this, search]() -> VimTextView::Seeking {
-            return [search, all = Rope(m_view.text()), from = caret()](const std::stop_token &stop) { return search.hit(all, from, stop); };
+        const auto prepare = [this, search, from]() -> VimTextView::Seeking {
+            // The text may have become shorter.
+            const qsizetype start = std::min(from, m_view.text().length());
+            return [search, all = Rope(m_view.text()), start](const std::stop_token &stop) { return search.hit(all, start, stop); };
         };
         m_view.seek(prepare, [this](TextRange found) {
             jumpTo(found);

@@ -23,6 +23,8 @@ struct VimKeyEvent {
     QString charactersIgnoringModifiers;
     bool control = false;
     bool option = false;
+    /// Of keys that type nothing; what others type tells of it.
+    bool shift = false;
 };
 
 /// Keys that type nothing.
@@ -38,4 +40,6 @@ constexpr char16_t home = 0xF729;
 constexpr char16_t end = 0xF72B;
 constexpr char16_t pageUp = 0xF72C;
 constexpr char16_t pageDown = 0xF72D;
+/// The tab key with Shift, in a command line.
+constexpr char16_t backtab = 0xF8FF;
 } // namespace VimKey

@@ -108,6 +108,27 @@ TEST_F(ModalEditingTest, ControlChordsThatItHasNoUseForStayShortcuts)
     EXPECT_EQ(badge(), u":█"_s);
 }
 
+TEST_F(ModalEditingTest, ExactCommandLinesAreCompletedAndKept)
+{
+    start("one\n");
+    const QString folder = QFileInfo(put(u"alpha.txt"_s, "alpha\n")).path();
+    preferences.set(Settings::vimExact, true);
+    press(u":e "_s);
+    type(folder + u"/al"_s);
+    press(u"<Tab>"_s);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(badge(), u":e "_s + folder + u"/alpha.txt"_s) << "in place of the block that stands for a cursor";
+    press(u"<CR>"_s);
+    EXPECT_EQ(document().path(), folder + u"/alpha.txt"_s);
+    press(u":zz<S-Left>no <Esc>/x<S-Tab>"_s);
+    EXPECT_EQ(badge(), u"/x"_s) << "the keyboard stays where it is";
+    press(u"<Esc>:<Up>"_s);
+    EXPECT_EQ(badge(), u":no zz"_s);
+    press(u"<Esc>"_s);
+    send(Actions::clearFindHistory);
+    EXPECT_TRUE(vimHistory.isEmpty());
+}
+
 TEST_F(ModalEditingTest, WhatIsSelectedOtherwiseIsTheModesOwn)
 {
     start("ab cd\nef\n");

@@ -123,6 +123,36 @@ TEST_F(StatusBarViewTest, ShowsTheStateAndFollowsTheLanguage)
     EXPECT_EQ(texts(), QStringList{u"Kein Dokument"_s});
 }
 
+TEST_F(StatusBarViewTest, TheCursorOfACommandLineIsSeenHoweverLongThatIs)
+{
+    State state = someState();
+    state.vim = {.mode = u"COMMAND"_s, .commandLine = u":"_s + QString(300, u'-')};
+    bar.resize(400, bar.height());
+    for (const qsizetype cursor : {1, 20, 150, 301}) {
+        state.vim->cursor = cursor;
+        bar.setState(state);
+        const QImage image = parts()[0]->grab().toImage();
+        const auto isTall = [&](int x) {
+            int rows = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                rows += image.pixel(x, y) == 0xFFFFFFFF ? 1 : 0;
+            }
+            return rows > image.height() / 2;
+        };
+        int columns = 0;
+        for (int x = 0; x < image.width(); ++x) {
+            columns += isTall(x) ? 1 : 0;
+        }
+        EXPECT_GE(columns, 2) << cursor;
+        EXPECT_LE(columns, 5) << cursor;
+    }
+    state.vim->commandLine = u":a\x1b"_s;
+    state.vim->cursor = 3;
+    bar.setState(state);
+    EXPECT_EQ(texts().first(), u" :a␛ "_s);
+    EXPECT_EQ(parts()[0]->accessibleName(), *state.vim->commandLine);
+}
+
 TEST_F(StatusBarViewTest, TellsHowMuchTextThereIs)
 {
     State state = someState();

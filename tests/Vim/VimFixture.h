@@ -17,7 +17,8 @@
 /// A text with modal editing and nothing to show it: a screen has twenty lines, and shows them all unless a test says otherwise.
 class VimView final : public VimTextView, private VimEngineDelegate {
 public:
-    explicit VimView(const QString &content, VimKeymapPreset preset = VimKeymapPreset::plain) : engine(*this, *this, registers, VimOptions(preset))
+    explicit VimView(const QString &content, VimKeymapPreset preset = VimKeymapPreset::plain)
+        : engine(*this, *this, registers, VimOptions(preset))
     {
         {
             const UndoManager::Pause pause(undoManager);
@@ -37,12 +38,13 @@ public:
                 place += name.size() + 1;
                 event.control = name.startsWith(u"C-");
                 event.option = name.startsWith(u"A-");
-                key = named(event.control || event.option ? name.mid(2) : name);
+                event.shift = name.startsWith(u"S-");
+                key = named(event.control || event.option || event.shift ? name.mid(2) : name);
             } else {
                 place += key.size() - 1;
             }
             event.charactersIgnoringModifiers = key;
-            const bool isText = !event.control && (key.front() < QChar(VimKey::up) || key.front() > QChar(VimKey::pageDown));
+            const bool isText = !event.control && (key.front() < QChar(VimKey::up) || key.front() > QChar(VimKey::backtab));
             event.characters = isText ? key : QString();
             if (!engine.handle(event) && isText) {
                 insertText(key == u"\r" ? QStringLiteral("\n") : key);
@@ -162,6 +164,8 @@ private:
             {QStringLiteral("PageUp"), VimKey::pageUp},
             {QStringLiteral("PageDown"), VimKey::pageDown},
             {QStringLiteral("Del"), VimKey::forwardDelete},
+            {QStringLiteral("Tab"), u'\t'},
+            {QStringLiteral("Backtab"), VimKey::backtab},
         };
         const auto known = names.find(name);
         return known == names.end() ? name : QString(QChar(known->second));

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Find/FindHistory.h"
+#include "Base/EntryHistory.h"
 
 #include "Base/AtomicFile.h"
 
@@ -14,25 +14,20 @@
 #include <mutex>
 #include <utility>
 
-using namespace Qt::StringLiterals;
-
 namespace {
-
-/// By `FindHistory::Kind`.
-constexpr std::array keys{"searches"_L1, "replacements"_L1};
 
 /// Empty when there is no file to be read.
 QByteArray contentOf(const QString &path)
 {
     QFile file(path);
-    const bool isReadable = QFileInfo(path).isFile() && file.size() <= FindHistory::largestFile && file.open(QIODevice::ReadOnly);
-    return isReadable ? file.read(FindHistory::largestFile) : QByteArray();
+    const bool isReadable = QFileInfo(path).isFile() && file.size() <= EntryHistory::largestFile && file.open(QIODevice::ReadOnly);
+    return isReadable ? file.read(EntryHistory::largestFile) : QByteArray();
 }
 
 } // namespace
 
 /// What is to be in the file: the latest, however many there were since it was written.
-struct FindHistory::Writing {
+struct EntryHistory::Writing {
     explicit Writing(QString path) : file(std::move(path)) {}
 
     const QString file;
@@ -60,12 +55,14 @@ struct FindHistory::Writing {
     }
 };
 
-FindHistory::FindHistory(QString file, Workers &workers) : m_writing(std::make_shared<Writing>(std::move(file))), m_workers(&workers)
+EntryHistory::EntryHistory(const Form &form, QString file, Workers &workers) : EntryHistory(form)
 {
+    m_writing = std::make_shared<Writing>(std::move(file));
+    m_workers = &workers;
     load();
 }
 
-FindHistory::~FindHistory()
+EntryHistory::~EntryHistory()
 {
     m_task.cancel();
     if (m_writing) {
@@ -73,29 +70,29 @@ FindHistory::~FindHistory()
     }
 }
 
-void FindHistory::load()
+void EntryHistory::load()
 {
     const QJsonObject object = QJsonDocument::fromJson(contentOf(m_writing->file)).object();
-    for (size_t kind = 0; kind < keys.size(); ++kind) {
+    for (size_t kind = 0; kind < m_form.kinds.size(); ++kind) {
         QStringList &entries = m_entries[kind];
-        for (const auto &value : object[keys[kind]].toArray()) {
+        for (const auto &value : object[m_form.kinds[kind]].toArray()) {
             const QString entry = value.toString();
-            if (!entry.isEmpty() && entry.size() <= largestEntry && entries.size() < mostEntries && !entries.contains(entry)) {
+            if (!entry.isEmpty() && entry.size() <= largestEntry && entries.size() < m_form.mostEntries && !entries.contains(entry)) {
                 entries << entry;
             }
         }
     }
 }
 
-bool FindHistory::isEmpty() const
+bool EntryHistory::isEmpty() const
 {
     return std::ranges::all_of(m_entries, &QStringList::isEmpty);
 }
 
-void FindHistory::add(Kind kind, const QString &entry, Kept kept)
+void EntryHistory::add(size_t kind, const QString &entry, Kept kept)
 {
-    QStringList &entries = m_entries[static_cast<size_t>(kind)];
-    QStringList &isPrivate = m_private[static_cast<size_t>(kind)];
+    QStringList &entries = m_entries[kind];
+    QStringList &isPrivate = m_private[kind];
     const bool wasKept = entries.contains(entry) && !isPrivate.contains(entry);
     const bool keeps = wasKept || kept == Kept::forNextRun;
     const bool isAtHead = !entries.isEmpty() && entries.first() == entry;
@@ -108,7 +105,7 @@ void FindHistory::add(Kind kind, const QString &entry, Kept kept)
     if (!keeps) {
         isPrivate.prepend(entry);
     }
-    if (entries.size() > mostEntries) {
+    if (entries.size() > m_form.mostEntries) {
         isPrivate.removeAll(entries.takeLast());
     }
     if (keeps) {
@@ -116,27 +113,27 @@ void FindHistory::add(Kind kind, const QString &entry, Kept kept)
     }
 }
 
-void FindHistory::clear()
+void EntryHistory::clear()
 {
-    m_entries = {};
-    m_private = {};
+    m_entries.assign(m_form.kinds.size(), {});
+    m_private.assign(m_form.kinds.size(), {});
     write();
 }
 
-void FindHistory::write()
+void EntryHistory::write()
 {
     if (!m_writing) {
         return;
     }
     QJsonObject object;
-    for (size_t kind = 0; kind < keys.size(); ++kind) {
+    for (size_t kind = 0; kind < m_form.kinds.size(); ++kind) {
         QJsonArray array;
         for (const QString &entry : m_entries[kind]) {
             if (entry.size() <= largestEntry && !m_private[kind].contains(entry)) {
                 array << entry;
             }
         }
-        object[keys[kind]] = array;
+        object[m_form.kinds[kind]] = array;
     }
     m_writing->put(QJsonDocument(object).toJson(QJsonDocument::Compact));
     m_task = BackgroundTask::start(
