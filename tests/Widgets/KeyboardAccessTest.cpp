@@ -50,6 +50,10 @@ TEST(Mnemonics, AreFirstLettersWhereverThereIsOne)
                   {u"Neuer Tab"_s, u"Neues Fenster"_s, u"Fenster schließen"_s, u"Speichern"_s, u"Speichern unter …"_s, u"A & B"_s}, taken),
               (QStringList{u"&Neuer Tab"_s, u"N&eues Fenster"_s, u"&Fenster schließen"_s, u"&Speichern"_s, u"Speichern &unter …"_s,
                            u"&A && B"_s}));
+    EXPECT_EQ(withMnemonics({u"Ab"_s, u"Ba"_s, u"AB"_s, u"Bac"_s}, taken = QString()),
+              (QStringList{u"&Ab"_s, u"&Ba"_s, u"AB"_s, u"Ba&c"_s}));
+    EXPECT_EQ(withMnemonics({u"Abc"_s, u"Ba"_s, u"AB"_s}, taken = QString()), (QStringList{u"Ab&c"_s, u"&Ba"_s, u"&AB"_s}))
+        << "Abc gives its A up";
     QMenu menu;
     menu.addAction(u"&Kopieren"_s);
     EXPECT_EQ(withMnemonic(u"Kommentar umschalten"_s, menu), u"Kommentar &umschalten"_s);
