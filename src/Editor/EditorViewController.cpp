@@ -355,6 +355,9 @@ void EditorViewController::applyVimMode()
                                                                  .runCommand = [this](const QString &command) { runCommand(command); },
                                                                  .say = [this](const QString &message) { showVimMessage(message); }});
     }
+    if (m_vim) {
+        m_vim->setChords(VimChords(m_services.preferences.value(Settings::vimChords)));
+    }
     if (wasOn != (m_vim != nullptr)) {
         emit stateChanged();
     }

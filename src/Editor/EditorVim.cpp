@@ -134,7 +134,13 @@ VimKeyEvent EditorVim::translated(const QKeyEvent &event) const
 bool EditorVim::wantsKey(const QKeyEvent &event) const
 {
     // What may be AltGr but mostly is not is a shortcut first.
-    return !isAltGr(event) && m_engine->wants(translated(event));
+    return !isAltGr(event) && engineWants(translated(event));
+}
+
+/// What was begun gets its next key, whosever that is otherwise.
+bool EditorVim::engineWants(const VimKeyEvent &key) const
+{
+    return m_engine->wants(key) && (m_engine->awaitsChord() || m_chords.isVims(key));
 }
 
 bool EditorVim::handleKey(const QKeyEvent &event)
@@ -151,11 +157,13 @@ bool EditorVim::handleKey(const QKeyEvent &event)
     const VimKeyEvent key = translated(event);
     if (m_engine->mode() == VimEngine::Mode::insert) {
         m_engine->resumeInsertSession();
-        if (m_engine->wants(key)) {
+        if (engineWants(key)) {
             // What ends the mode would have it typed as commands.
             m_view.input().commit();
+        } else if (key.control) {
+            return false;
         }
-    } else if (!m_engine->wants(key)) {
+    } else if (!engineWants(key)) {
         // Keys of the view that modal editing has nothing in place of: chords, and modifiers by themselves.
         return !key.control && !key.option;
     }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Editor/SearchRunner.h"
+#include "Vim/VimChords.h"
 #include "Vim/VimEngine.h"
 
 #include <functional>
@@ -18,7 +19,7 @@ class QKeyEvent;
 ///
 /// In normal and visual modes keys of a keyboard of another script are those in the same places of a US keyboard, so that nobody needs to
 /// switch, dead keys are the signs that they stand for, and input methods are off, but for the character that `f`, `t` and `r` wait for.
-/// Control chords that the engine has no use for stay shortcuts. Main thread only.
+/// Control chords that the engine has no use for, or that the user wants to have their other meaning, stay shortcuts. Main thread only.
 class EditorVim final : private VimTextView, private VimEngineDelegate {
 public:
     struct Callbacks {
@@ -45,6 +46,7 @@ public:
     ~EditorVim();
     Q_DISABLE_COPY_MOVE(EditorVim)
 
+    void setChords(const VimChords &chords) { m_chords = chords; }
     [[nodiscard]] VimEngine &engine() { return *m_engine; }
     [[nodiscard]] const VimEngine &engine() const { return *m_engine; }
 
@@ -66,6 +68,7 @@ public:
 
 private:
     void keepOneCaret();
+    [[nodiscard]] bool engineWants(const VimKeyEvent &key) const;
     [[nodiscard]] VimKeyEvent translated(const QKeyEvent &event) const;
     void runEnteredCommand();
     void completeFiles();
@@ -106,6 +109,7 @@ private:
     Workers &m_workers;
     Callbacks m_callbacks;
     std::function<void()> m_beep;
+    VimChords m_chords;
     std::unique_ptr<VimEngine> m_engine;
     SearchRunner m_search;
     std::unique_ptr<PendingKeysPanel> m_panel;

@@ -94,6 +94,10 @@ inline constexpr Setting<bool> vimSharesClipboard("editor.vimSharesClipboard"_L1
                                                   {.title = u"Share yanks with the system clipboard"});
 
 inline constexpr Setting<bool> vimExact("editor.vimExact"_L1, false, {.title = u"Behave like Vim in every detail"});
+/// The Control chords that are not whose they are by default, such as "w=quillet". Others may be among them.
+inline constexpr Setting<QStringList> vimChords("editor.vimChords"_L1, ""_L1, {.title = u"Control Keys…"});
+/// The user has seen whose they are.
+inline constexpr Setting<bool> vimChordsShown("editor.vimChordsShown"_L1, false);
 
 // What Vim's users set; with `vimExact` alone.
 inline constexpr Setting<bool> vimIgnoreCase("vim.ignorecase"_L1, false,
@@ -164,6 +168,7 @@ inline constexpr auto editingRows = std::to_array<SettingRow>({
     {.setting = vimExact,
      .note = u"Where Vim and this program's own modal editing differ, Vim decides: macros, visual blocks, registers, ranges, patterns and "
              u"your own mappings included."},
+    {.setting = vimChords, .note = u"Which of them are Vim’s, and which do what the menus say."},
     {.setting = checkSpelling,
      .place = startsGroup,
      .note = u"In texts that are opened from now on. The Edit menu turns it on and off for the one that is shown."},
@@ -265,9 +270,9 @@ inline constexpr auto pages = std::to_array<SettingsPageTable>({
 });
 /// Those that another row shows too, those of which only the settings file knows, and those of paper.
 inline constexpr auto withoutRow = std::to_array<const AnySetting *>(
-    {&fontSize, &vimIgnoreCase, &vimSmartCase, &vimIncSearch, &vimHlSearch, &vimWrapScan, &vimGDefault, &vimStartOfLine, &vimRelativeNumber,
-     &vimTextWidth, &vimScrollOff, &vimTimeoutLen, &terminalIdentifier, &printPaper, &printLandscape, &printFontSize, &printLineNumbers,
-     &printHeader, &printColors});
+    {&fontSize,    &vimChordsShown, &vimIgnoreCase,     &vimSmartCase,     &vimIncSearch, &vimHlSearch,   &vimWrapScan,
+     &vimGDefault, &vimStartOfLine, &vimRelativeNumber, &vimTextWidth,     &vimScrollOff, &vimTimeoutLen, &terminalIdentifier,
+     &printPaper,  &printLandscape, &printFontSize,     &printLineNumbers, &printHeader,  &printColors});
 
 /// Every setting there is.
 [[nodiscard]] std::span<const AnySetting *const> all();

@@ -10,11 +10,13 @@
 #include "Settings/Preferences.h"
 #include "UI/SettingControls.h"
 #include "UI/ToolbarSettingsView.h"
+#include "UI/VimChordsPanel.h"
 #include "Widgets/AlertPresenter.h"
 #include "Widgets/Mnemonics.h"
 #include "Widgets/WindowSize.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QDir>
 #include <QFontInfo>
 #include <QHBoxLayout>
@@ -109,6 +111,10 @@ void SettingsWindowController::rebuild()
     if (isVisible()) {
         resize(sizeOnScreen(*this, size().expandedTo(sizeHint())));
     }
+    if (m_chords) {
+        delete m_chords;
+        showChords();
+    }
 }
 
 /// As its type says, but for a few.
@@ -122,7 +128,9 @@ void SettingsWindowController::addRow(SettingsForm &form, const SettingRow &row)
     static constexpr auto specialRows = std::to_array<SpecialRow>({
         {&Settings::fontName, &Self::addFontRow},
         {&Settings::themeName, &Self::addThemeRow},
+        {&Settings::vimMode, &Self::addVimModeRow},
         {&Settings::vimKeymapPreset, &Self::addKeymapRow},
+        {&Settings::vimChords, &Self::addChordsRow},
         {&Settings::toolbarItemIDs, &Self::addToolbarList},
     });
     const auto special = std::ranges::find(specialRows, &row.setting, &SpecialRow::setting);
@@ -174,6 +182,38 @@ void SettingsWindowController::addKeymapRow(SettingsForm &form, const SettingRow
     reference->setAutoDefault(false);
     connect(reference, &QPushButton::clicked, this, [this] { perform(Actions::showVimKeyReference); });
     m_controls->add(form, row, reference);
+}
+
+/// Who switches modal editing on sees once whose keys are whose.
+void SettingsWindowController::addVimModeRow(SettingsForm &form, const SettingRow &row)
+{
+    m_controls->add(form, row);
+    connect(form.findChild<QCheckBox *>(row.controlName()), &QCheckBox::clicked, this, [this](bool isOn) {
+        if (isOn && !m_services.preferences.value(Settings::vimChordsShown)) {
+            showChords();
+        }
+    });
+}
+
+void SettingsWindowController::addChordsRow(SettingsForm &form, const SettingRow &row)
+{
+    auto *button = new QPushButton(localized(row.setting.details.title));
+    button->setObjectName(row.controlName());
+    button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, this, &SettingsWindowController::showChords);
+    form.addControl(*button);
+    form.addNote(localized(row.note), *button);
+}
+
+void SettingsWindowController::showChords()
+{
+    if (!m_chords) {
+        m_chords = new VimChordsPanel(m_services.preferences, m_services.notifications, this);
+        m_services.preferences.set(Settings::vimChordsShown, true);
+    }
+    m_chords->show();
+    m_chords->raise();
+    m_chords->activateWindow();
 }
 
 void SettingsWindowController::addToolbarList(SettingsForm &form, const SettingRow &row)
@@ -247,5 +287,8 @@ void SettingsWindowController::comeToFront(const QWidget *beside)
 void SettingsWindowController::hideEvent(QHideEvent *event)
 {
     m_controls->commit();
+    if (m_chords) {
+        m_chords->close();
+    }
     QDialog::hideEvent(event);
 }

@@ -6,6 +6,7 @@
 #include "Commands/Responder.h"
 
 #include <QDialog>
+#include <QPointer>
 
 #include <array>
 #include <memory>
@@ -18,6 +19,7 @@ class QTabWidget;
 class SettingControls;
 class SettingsForm;
 class ToolbarSettingsView;
+class VimChordsPanel;
 struct SettingRow;
 
 /// What the settings window uses; must outlive it.
@@ -50,13 +52,16 @@ private:
     void addRow(SettingsForm &form, const SettingRow &row);
     void addFontRow(SettingsForm &form, const SettingRow &row);
     void addThemeRow(SettingsForm &form, const SettingRow &row);
+    void addVimModeRow(SettingsForm &form, const SettingRow &row);
     void addKeymapRow(SettingsForm &form, const SettingRow &row);
+    void addChordsRow(SettingsForm &form, const SettingRow &row);
     void addToolbarList(SettingsForm &form, const SettingRow &row);
 
     void refresh();
     void refreshFont();
     void chooseFont();
     void useDesktopFont();
+    void showChords();
 
     SettingsServices m_services;
     std::unique_ptr<SettingControls> m_controls;
@@ -67,5 +72,6 @@ private:
     QPushButton *m_fontButton = nullptr;
     QPushButton *m_desktopFontButton = nullptr;
     ToolbarSettingsView *m_toolbarView = nullptr;
+    QPointer<VimChordsPanel> m_chords;
     std::array<NotificationCenter::Token, 3> m_observers;
 };

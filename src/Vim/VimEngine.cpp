@@ -116,9 +116,23 @@ bool VimEngine::wants(const VimKeyEvent &event) const
     if (row(KeyPlace::anyMode, keyInAnyMode(event))) {
         return true;
     }
+    if (awaitsChord()) {
+        return true;
+    }
+    if (m_mode == Mode::insert) {
+        return event.control && row(KeyPlace::whileInserting, key);
+    }
+    if (m_keymap.wants({.character = key, .control = event.control, .option = event.option}, table())) {
+        return true;
+    }
+    return event.control ? row(KeyPlace::withControl, key) != nullptr : !event.option;
+}
+
+bool VimEngine::awaitsChord() const
+{
     switch (m_mode) {
     case Mode::insert:
-        return m_awaiting || (event.control && row(KeyPlace::whileInserting, key));
+        return m_awaiting.has_value();
     case Mode::commandLine:
         return true;
     case Mode::normal:
@@ -126,11 +140,7 @@ bool VimEngine::wants(const VimKeyEvent &event) const
     case Mode::visualLine:
         break;
     }
-    const VimKeyStroke stroke{.character = key, .control = event.control, .option = event.option};
-    if (m_keymap.isWaiting() || m_keymap.wants(stroke, table())) {
-        return true;
-    }
-    return event.control ? awaitsWindowKey() || row(KeyPlace::withControl, key) : !event.option;
+    return m_keymap.isWaiting() || awaitsWindowKey();
 }
 
 bool VimEngine::awaitsWindowKey() const
@@ -230,8 +240,7 @@ const VimEngine::KeyRow *VimEngine::row(KeyPlace place, char16_t key) const
 {
     const bool takesObject = m_pendingOperator || isVisual();
     const auto found = std::ranges::find_if(keys(), [&](const KeyRow &known) {
-        return known.place == place && known.key == key && (takesObject || !known.awaitsObject()) &&
-               known.preset.value_or(m_keymap.preset()) == m_keymap.preset();
+        return known.place == place && known.key == key && (takesObject || !known.awaitsObject()) && known.isThereWith(m_options);
     });
     return found == keys().end() ? nullptr : &*found;
 }

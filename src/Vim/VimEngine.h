@@ -56,6 +56,9 @@ public:
     /// Whether handle() has a use for a key, which otherwise is a shortcut's.
     [[nodiscard]] bool wants(const VimKeyEvent &event) const;
 
+    /// The next key goes on with what was begun, chord or not.
+    [[nodiscard]] bool awaitsChord() const;
+
     [[nodiscard]] Mode mode() const { return m_mode; }
     /// The next key is taken as the character that it types, composed or of any script, rather than as a command.
     [[nodiscard]] bool awaitsCharacter() const;
@@ -96,6 +99,8 @@ public:
 
     /// What there is to say about its keys, without those of key maps.
     [[nodiscard]] static VimKeyHelpEntries keyHelp();
+    /// The Control chords that it has a use for, without those of key maps.
+    [[nodiscard]] static std::vector<VimChordUse> controlChords(const VimOptions &options);
 
 private:
     /// Units. What one key puts into the text is not more: it would come from a mistyped count.

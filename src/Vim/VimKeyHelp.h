@@ -43,4 +43,15 @@ struct VimKeyHelpEntry {
         }
     }
 };
+/// What a Control chord is for.
+struct VimChordUse {
+    enum class When { commanding, inserting };
+
+    /// As key maps know it.
+    char16_t key;
+    When when;
+    /// What its row, or the one that it stands beside, says in English; null for nothing.
+    const char16_t *text;
+};
+
 using VimKeyHelpEntries = std::vector<VimKeyHelpEntry>;

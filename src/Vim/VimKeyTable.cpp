@@ -245,3 +245,24 @@ VimKeyHelpEntries VimEngine::keyHelp()
     }
     return entries;
 }
+
+std::vector<VimChordUse> VimEngine::controlChords(const VimOptions &options)
+{
+    using enum VimChordUse::When;
+    std::vector<VimChordUse> chords;
+    const char16_t *text = nullptr;
+    for (const KeyRow &row : keys()) {
+        if (!row.help.isBesideAbove) {
+            text = row.help.text;
+        }
+        if (!row.isThereWith(options)) {
+            continue;
+        }
+        if (row.place == KeyPlace::withControl || row.place == KeyPlace::whileInserting) {
+            chords.push_back({row.key, row.place == KeyPlace::whileInserting ? inserting : commanding, text});
+        } else if (row.place == KeyPlace::anyMode && row.key == VimKey::escape) {
+            chords.push_back({u'[', commanding, text});
+        }
+    }
+    return chords;
+}

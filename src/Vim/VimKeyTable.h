@@ -35,6 +35,7 @@ struct VimEngine::KeyRow {
     /// Of a key that is there with this key map alone.
     std::optional<VimKeymapPreset> preset = std::nullopt;
 
+    [[nodiscard]] bool isThereWith(const VimOptions &options) const { return preset.value_or(options.preset) == options.preset; }
     [[nodiscard]] bool awaitsObject() const
     {
         const auto *prefix = std::get_if<Prefix>(&function);

@@ -129,6 +129,33 @@ TEST_F(ModalEditingTest, ExactCommandLinesAreCompletedAndKept)
     EXPECT_TRUE(vimHistory.isEmpty());
 }
 
+TEST_F(ModalEditingTest, ChordsAreShortcutsWhereTheUserWantsThemToBe)
+{
+    using enum Qt::KeyboardModifier;
+    const auto claimsAll = [this](std::initializer_list<Qt::Key> keys) {
+        return std::ranges::count_if(keys, [this](Qt::Key key) { return claims(key, ControlModifier); });
+    };
+    start("one two one\n");
+    preferences.set(Settings::vimChords, {u"w=quillet"_s, u"d=quillet"_s, u"k=quillet"_s, u"[=quillet"_s, u"later"_s});
+    for (const QString &keys : {u""_s, u"v"_s, u"<Esc>i"_s, u"<Esc>"_s}) {
+        press(keys);
+        EXPECT_EQ(claimsAll({Qt::Key_W, Qt::Key_D, Qt::Key_BracketLeft}), 0) << keys.toStdString();
+        EXPECT_TRUE(claims(Qt::Key_R, ControlModifier));
+    }
+    EXPECT_EQ(badge(), u"NORMAL"_s) << "Escape is always Vim’s";
+    QTest::keyClick(&textView(), Qt::Key_D, ControlModifier);
+    EXPECT_EQ(textView().selection().range(), (TextRange{0, 3}));
+    press(u"<Esc>i<C-r>"_s);
+    EXPECT_TRUE(claims(Qt::Key_W, ControlModifier)) << "the name of a register";
+    press(u"<Esc><Esc>:"_s);
+    EXPECT_TRUE(claims(Qt::Key_W, ControlModifier));
+    press(u"<Esc>"_s);
+    preferences.set(Settings::vimChords, {u"k=quillet"_s});
+    EXPECT_EQ(claimsAll({Qt::Key_W, Qt::Key_D, Qt::Key_K}), 2);
+    press(u"<C-w>"_s);
+    EXPECT_TRUE(claims(Qt::Key_K, ControlModifier)) << "goes on with what was begun";
+}
+
 TEST_F(ModalEditingTest, WhatIsSelectedOtherwiseIsTheModesOwn)
 {
     start("ab cd\nef\n");

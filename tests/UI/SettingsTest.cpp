@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QSignalSpy>
 #include <QTabWidget>
 
@@ -278,6 +279,51 @@ TEST_F(SettingsTest, ToolbarFollowsOthersAndGoesBackToItsDefaults)
     control<QPushButton>("restoreDefaults", toolbar).click();
     EXPECT_EQ(stored(), u"new open save backup terminal trash"_s);
     EXPECT_EQ(preferences.value(Settings::toolbarStyle), ToolbarStyle::combined);
+}
+
+// Whose the Control chords are.
+
+TEST_F(SettingsTest, ControlKeysAreShownOnceAndChosenFromThenOn)
+{
+    const auto panel = [] { return settings().findChild<QDialog *>(u"vimChordsPanel"_s); };
+    const auto choice = [&](const QString &name) {
+        const auto all = panel()->findChildren<QRadioButton *>();
+        const auto found = std::ranges::find(all, name, &QRadioButton::accessibleName);
+        return found == all.end() ? nullptr : *found;
+    };
+    const auto close = [&] {
+        QTest::keyClick(panel(), Qt::Key_Escape);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        EXPECT_EQ(panel(), nullptr);
+    };
+    auto &box = control<QCheckBox>("vimMode", editing);
+    preferences.set(Settings::vimMode, true);
+    EXPECT_EQ(panel(), nullptr) << "nobody switched it on here";
+    box.click();
+    box.click();
+    ASSERT_NE(panel(), nullptr);
+    EXPECT_FALSE(panel()->isModal());
+    const QString closeTab = u"Ctrl+W, Quillet: Close Tab"_s;
+    choice(closeTab)->click();
+    EXPECT_EQ(preferences.value(Settings::vimChords), QStringList{u"w=quillet"_s});
+    preferences.set(Settings::vimChords, {u"later"_s, u"d=quillet"_s});
+    EXPECT_TRUE(choice(u"Ctrl+W, Vim: split, close and choose panes, while inserting: delete a word"_s)->isChecked());
+    EXPECT_TRUE(choice(u"Ctrl+D, Quillet: Select Next Occurrence"_s)->isChecked());
+    panel()->findChild<QPushButton *>(u"restoreDefaults"_s)->click();
+    EXPECT_EQ(preferences.value(Settings::vimChords), QStringList{u"later"_s});
+    EXPECT_EQ(choice(u"Ctrl+S, Vim: save"_s), nullptr);
+    preferences.set(Settings::vimKeymapPreset, VimKeymapPreset::lazyVim);
+    EXPECT_TRUE(choice(u"Ctrl+S, Vim: save"_s)->isChecked());
+    close();
+    box.click();
+    box.click();
+    EXPECT_EQ(panel(), nullptr);
+    control<QPushButton>("vimChords", editing).click();
+    preferences.set(Settings::language, AppLanguage::german);
+    EXPECT_TRUE(choice(u"Ctrl+W, Quillet: Tab schließen"_s)) << "made anew";
+    settings().close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(panel(), nullptr);
 }
 
 // Keys, readers, words.
