@@ -24,6 +24,8 @@
 #include "Settings/Preferences.h"
 #include "UI/EditorToolbarController.h"
 #include "UI/SettingsWindowController.h"
+#include "Vim/VimChords.h"
+#include "Vim/VimOptions.h"
 #include "Widgets/AlertPresenter.h"
 
 #include <QApplication>
@@ -646,8 +648,9 @@ void AppDelegate::showShortcuts()
 
 void AppDelegate::showVimKeyOverview()
 {
-    const VimKeymapPreset preset = m_services.preferences.value(Settings::vimKeymapPreset);
-    m_services.presenter.present(overviewOf(Actions::showVimKeyOverview, vimKeyOverview(preset)), frontmostWindow(), {});
+    const Preferences &preferences = m_services.preferences;
+    const auto keys = vimKeyOverview(VimOptions::of(preferences), VimChords(preferences.value(Settings::vimChords)));
+    m_services.presenter.present(overviewOf(Actions::showVimKeyOverview, keys), frontmostWindow(), {});
 }
 
 void AppDelegate::revealSupportFolder()

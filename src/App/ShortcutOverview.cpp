@@ -78,10 +78,10 @@ std::vector<Alert::Group> shortcutOverview()
     return overview.groups();
 }
 
-std::vector<Alert::Group> vimKeyOverview(VimKeymapPreset preset)
+std::vector<Alert::Group> vimKeyOverview(const VimOptions &options, const VimChords &chords)
 {
     std::vector<Alert::Group> groups;
-    for (const VimReference::Section &section : VimReference::overview(preset)) {
+    for (const VimReference::Section &section : VimReference::overview(options, chords)) {
         Alert::Group &group = groups.emplace_back(Alert::Group{.title = section.heading});
         for (const VimReference::Row &row : section.rows) {
             group.lines.push_back({row.text, row.keys.join(u"  "_s)});

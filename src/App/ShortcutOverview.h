@@ -4,9 +4,10 @@
 
 #include "Widgets/AlertPresenter.h"
 
-enum class VimKeymapPreset;
+class VimChords;
+struct VimOptions;
 
 /// The keys of all commands that have some, as the menus group them, in the language of the interface.
 [[nodiscard]] std::vector<Alert::Group> shortcutOverview();
-/// The keys of modal editing with that key map, likewise.
-[[nodiscard]] std::vector<Alert::Group> vimKeyOverview(VimKeymapPreset preset);
+/// The keys of modal editing with these options, likewise; `chords` tells which of them are Vim's.
+[[nodiscard]] std::vector<Alert::Group> vimKeyOverview(const VimOptions &options, const VimChords &chords);

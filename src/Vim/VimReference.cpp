@@ -4,6 +4,7 @@
 
 #include "Base/Translation.h"
 #include "Settings/Preferences.h"
+#include "Vim/VimChords.h"
 #include "Vim/VimEngine.h"
 #include "Vim/VimExCommands.h"
 #include "Vim/VimTextObject.h"
@@ -92,6 +93,17 @@ std::vector<Section> sectionsOfKeymap()
         row->keys << VimKeymap::describe(mapping.keys);
     }
     return sections;
+}
+
+Section insertMode(const VimOptions &options)
+{
+    Section section{.heading = localized(u"Insert mode"), .intro = {}, .rows = {}};
+    for (const VimChords::Chord &chord : VimChords::all(options)) {
+        if (!chord.inserting.isEmpty()) {
+            section.rows.push_back({.keys = {u'⌃' + QString(QChar(chord.key))}, .text = chord.inserting});
+        }
+    }
+    return section;
 }
 
 /// "Ctrl+W v" for "⌃w v".
@@ -191,17 +203,24 @@ std::vector<Section> VimReference::sections()
     return all;
 }
 
-std::vector<Section> VimReference::overview(VimKeymapPreset preset)
+std::vector<Section> VimReference::overview(const VimOptions &options, const VimChords &chords)
 {
     std::vector<Section> all = sections();
-    if (preset == VimKeymapPreset::lazyVim) {
+    all.insert(all.begin() + 1, insertMode(options));
+    if (options.preset == VimKeymapPreset::lazyVim) {
         std::ranges::move(sectionsOfKeymap(), std::back_inserter(all));
     }
+    const auto isNotVims = [&](const QString &key) {
+        return key.size() > 1 && key[0] == u'⌃' && chords.owner(key[1].toLower().unicode()) == VimChords::Owner::quillet;
+    };
     for (Section &section : all) {
         for (Row &row : section.rows) {
+            row.keys.removeIf(isNotVims);
             std::ranges::transform(row.keys, row.keys.begin(), asOnTheKeyboard);
         }
+        std::erase_if(section.rows, [](const Row &row) { return row.keys.isEmpty(); });
     }
+    std::erase_if(all, [](const Section &section) { return section.rows.empty(); });
     return all;
 }
 

@@ -6,7 +6,9 @@
 
 #include <vector>
 
+class VimChords;
 enum class VimKeymapPreset;
+struct VimOptions;
 
 /// The keys of modal editing for those who read, in the language of the interface.
 namespace VimReference {
@@ -29,8 +31,8 @@ inline constexpr QLatin1StringView title("Vim Keys.md");
 
 /// Without the keys of a key map.
 [[nodiscard]] std::vector<Section> sections();
-/// With those of the key map `preset`, and keys named as on the keyboard: "Ctrl+D", not "⌃D".
-[[nodiscard]] std::vector<Section> overview(VimKeymapPreset preset);
+/// With those of the key map and of insert mode, without chords that are not Vim's, and keys named as on the keyboard: "Ctrl+D", not "⌃D".
+[[nodiscard]] std::vector<Section> overview(const VimOptions &options, const VimChords &chords);
 /// All of it as Markdown, with columns that line up; says whether `preset` has the keys of LazyVim.
 [[nodiscard]] QString markdown(VimKeymapPreset preset);
 /// `markdown` with the cells of every table as wide as the widest of their column, in characters.

@@ -3,6 +3,8 @@
 #include "App/ShortcutOverview.h"
 #include "Commands/ActionKeys.h"
 #include "Desktop/SystemDesktop.h"
+#include "Vim/VimChords.h"
+#include "Vim/VimOptions.h"
 #include "WindowFixture.h"
 
 #include <QSignalSpy>
@@ -401,7 +403,7 @@ TEST(Actions, TheOverviewOfVimHasKeysAsTheKeyboardHasThem)
 {
     const auto shown = [](VimKeymapPreset preset) {
         QStringList lines;
-        for (const Alert::Group &group : vimKeyOverview(preset)) {
+        for (const Alert::Group &group : vimKeyOverview(VimOptions(preset), VimChords({u"f=quillet"_s, u"h=quillet"_s}))) {
             for (const Alert::Group::Line &line : group.lines) {
                 lines << group.title + u": "_s + line.text + u" "_s + line.detail;
             }
@@ -411,6 +413,9 @@ TEST(Actions, TheOverviewOfVimHasKeysAsTheKeyboardHasThem)
     const QStringList plain = shown(VimKeymapPreset::plain);
     const QStringList lazy = shown(VimKeymapPreset::lazyVim);
     EXPECT_TRUE(plain.contains(u"Editing: undo, redo u  Ctrl+R"_s)) << plain.join(u'\n').toStdString();
+    EXPECT_TRUE(plain.contains(u"Motions: half page / page down and up Ctrl+D  Ctrl+U  Ctrl+B"_s)) << "Ctrl+F is the menus’";
+    EXPECT_TRUE(plain.contains(u"Insert mode: delete a word Ctrl+W"_s));
+    EXPECT_TRUE(plain.filter(u"Ctrl+H"_s).isEmpty());
     EXPECT_TRUE(plain.contains(u"Windows: split right / down Ctrl+W v  Ctrl+W s"_s));
     EXPECT_TRUE(lazy.contains(u"Editing: move line down Alt+J"_s)) << lazy.join(u'\n').toStdString();
     EXPECT_TRUE(lazy.filter(u"<leader>"_s).isEmpty() && lazy.filter(u"⌃"_s).isEmpty() && lazy.filter(u"⌥"_s).isEmpty());
