@@ -17,8 +17,8 @@
 /// A text with modal editing and nothing to show it: a screen has twenty lines, and shows them all unless a test says otherwise.
 class VimView final : public VimTextView, private VimEngineDelegate {
 public:
-    explicit VimView(const QString &content, VimKeymapPreset preset = VimKeymapPreset::plain)
-        : engine(*this, *this, registers, VimOptions(preset))
+    explicit VimView(const QString &content, VimKeymapPreset preset = VimKeymapPreset::plain) : VimView(content, VimOptions(preset)) {}
+    VimView(const QString &content, const VimOptions &options) : engine(*this, *this, registers, options)
     {
         {
             const UndoManager::Pause pause(undoManager);
