@@ -315,7 +315,7 @@ void EditorViewController::applyPreferences()
     }
     const auto visibility = [](bool isShown) { return isShown ? TextView::Visibility::shown : TextView::Visibility::hidden; };
     m_textView->setLook(&TextLooks::invisibles, visibility(preferences.value(Settings::showInvisibles)));
-    m_textView->setLineNumbers(visibility(preferences.value(Settings::showLineNumbers)));
+    applyLineNumbers();
     const auto wrapped = preferences.value(Settings::indentWrappedRows) ? TextView::WrapMode::indented : TextView::WrapMode::viewWidth;
     const auto wrapMode = preferences.value(Settings::wrapLines) ? wrapped : TextView::WrapMode::none;
     if (m_textView->wrapMode() != wrapMode) {
@@ -338,6 +338,18 @@ void EditorViewController::applyTheme()
     }
 }
 
+void EditorViewController::applyLineNumbers()
+{
+    using enum LineNumberRulerView::Numbering;
+    const Preferences &preferences = m_services.preferences;
+    const bool hasOwn = preferences.value(Settings::showLineNumbers);
+    const bool isExact = preferences.value(Settings::vimMode) && preferences.value(Settings::vimExact);
+    const bool isRelative = isExact && preferences.value(Settings::vimRelativeNumber);
+    m_textView->ruler().setNumbering(!isRelative ? fromFirst : hasOwn ? fromCaretWithOwn : fromCaret);
+    m_textView->setLineNumbers(hasOwn || isRelative ? TextView::Visibility::shown : TextView::Visibility::hidden);
+    m_textView->setRevealMargin(isExact ? preferences.value(Settings::vimScrollOff) : 0);
+}
+
 void EditorViewController::applyVimMode()
 {
     const VimOptions options = VimOptions::of(m_services.preferences);
@@ -345,7 +357,7 @@ void EditorViewController::applyVimMode()
     if (!m_services.preferences.value(Settings::vimMode)) {
         m_vim.reset();
     } else if (m_vim) {
-        m_vim->engine().configure(options);
+        m_vim->configure(options);
     } else {
         m_vim = std::make_unique<EditorVim>(*m_textView,
                                             EditorVim::Services{commandServices(), m_services.registers, m_services.keyboard,
@@ -607,6 +619,13 @@ void EditorViewController::substitute(const VimSubstitution &substitution)
         m_substitutions = std::make_unique<SubstitutionRunner>(commandServices(), [this](const TextView & /*view*/) { settleCaret(); });
     }
     m_substitutions->run(*m_textView, substitution);
+}
+
+void EditorViewController::hideSearchHits()
+{
+    if (m_vim) {
+        m_vim->engine().hideHits();
+    }
 }
 
 void EditorViewController::performCommand(const Action &action, const QString &argument)

@@ -133,6 +133,7 @@ private:
     void followCaret();
     void applyConventions();
     void reportProblem();
+    void applyLineNumbers();
     void applyVimMode();
     void adoptLanguage();
     void markMissingCharacters();
@@ -154,6 +155,7 @@ private:
     void settleCaret();
     void showVimMessage(const QString &message) override;
     void substitute(const VimSubstitution &substitution) override;
+    void hideSearchHits() override;
     void performCommand(const Action &action, const QString &argument) override;
 
     void goToNextChange();

@@ -77,7 +77,7 @@ bool isAltGr(const QKeyEvent &event)
 EditorVim::EditorVim(EditorTextView &view, const Services &services, const VimOptions &options, Callbacks callbacks)
     : m_view(view), m_keyboard(services.keyboard), m_workers(services.commands.workers), m_callbacks(std::move(callbacks)),
       m_beep(services.commands.beep), m_engine(new VimEngine(*this, *this, services.registers, options)), m_search(view, services.commands),
-      m_panel(std::make_unique<PendingKeysPanel>(view, services.commands.scheduler))
+      m_preview(view, services.commands.workers), m_panel(std::make_unique<PendingKeysPanel>(view, services.commands.scheduler))
 {
     m_revision = m_view.storage().revision();
     if (services.history) {
@@ -244,9 +244,16 @@ void EditorVim::vimEngineDidChangeState(VimEngine & /*engine*/)
     if (m_engine) {
         keepOneCaret();
         m_panel->follow(m_engine->continuations());
+        m_preview.follow(*m_engine);
         completeFiles();
         m_callbacks.stateChanged();
     }
+}
+
+void EditorVim::configure(const VimOptions &options)
+{
+    m_engine->configure(options);
+    m_preview.follow(*m_engine);
 }
 
 void EditorVim::completeFiles()
@@ -335,6 +342,7 @@ void EditorVim::select(TextRange range, qsizetype caret)
     const TextSelection selection = caret == range.location && !range.isEmpty() ? TextSelection{range.end(), range.location}
                                                                                 : TextSelection{range.location, range.end()};
     m_view.showCaretAt(selection, caret);
+    m_view.ruler().refresh();
 }
 
 bool EditorVim::apply(const TextEdits &edits)

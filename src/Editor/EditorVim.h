@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Editor/SearchPreview.h"
 #include "Editor/SearchRunner.h"
 #include "Vim/VimChords.h"
 #include "Vim/VimEngine.h"
@@ -60,6 +61,8 @@ public:
     bool handleInputMethod(const QInputMethodEvent &event);
     /// The view loses the keyboard, or something is undone in it: what is typed after that is another step of undo.
     void breakInsertSession() { m_engine->pauseInsertSession(); }
+    /// Options are others.
+    void configure(const VimOptions &options);
     /// The view has another selection. Only what is typed in insert mode goes to several carets; what was selected by others becomes the
     /// mode's, at once, or as soon as it is whole.
     void selectionChanged();
@@ -112,6 +115,7 @@ private:
     VimChords m_chords;
     std::unique_ptr<VimEngine> m_engine;
     SearchRunner m_search;
+    SearchPreview m_preview;
     std::unique_ptr<PendingKeysPanel> m_panel;
     /// Looks for those that the command line awaits.
     BackgroundTask m_files;

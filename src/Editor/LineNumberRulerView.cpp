@@ -79,6 +79,13 @@ void LineNumberRulerView::setHighlightsCurrentLine(CurrentLine current)
     update();
 }
 
+void LineNumberRulerView::setNumbering(Numbering numbering)
+{
+    if (std::exchange(m_numbering, numbering) != numbering) {
+        update();
+    }
+}
+
 void LineNumberRulerView::setExplicitNumbers(std::optional<Numbers> numbers)
 {
     m_numbers = std::move(numbers);
@@ -118,10 +125,15 @@ qsizetype LineNumberRulerView::currentLine() const
     return m_current == CurrentLine::highlighted ? m_client.storage().text().lineAt(m_client.selection().range().location) : -1;
 }
 
+qsizetype LineNumberRulerView::originLine() const
+{
+    return m_numbering == Numbering::fromFirst || m_numbers ? -1 : m_client.storage().text().lineAt(m_client.shownCaret());
+}
+
 LineNumberRulerView::Shown LineNumberRulerView::shown() const
 {
     Viewport &port = m_client.textViewport();
-    return {port.topRow(), port.pixelsAbove(), m_client.storage().text().lineCount(), currentLine()};
+    return {port.topRow(), port.pixelsAbove(), m_client.storage().text().lineCount(), currentLine(), originLine()};
 }
 
 void LineNumberRulerView::refresh()
@@ -134,10 +146,11 @@ void LineNumberRulerView::refresh()
     }
 }
 
-QString LineNumberRulerView::labelOf(const RowPosition &row) const
+QString LineNumberRulerView::labelOf(const RowPosition &row, qsizetype origin) const
 {
     if (!m_numbers) {
-        return QString::number(qsizetype(numberOfLine(row.line)));
+        const bool hasOwn = origin < 0 || (row.line == origin && m_numbering == Numbering::fromCaretWithOwn);
+        return QString::number(hasOwn ? qsizetype(numberOfLine(row.line)) : std::abs(row.line - origin));
     }
     const std::optional<LineNumber> number = m_numbers->ofLine(row.line);
     return number ? QString::number(qsizetype(*number)) : QString();
@@ -158,15 +171,18 @@ void LineNumberRulerView::paintEvent(QPaintEvent *event)
     const double baseline = (layout.rowHeight() - metrics.height()) / 2 + metrics.ascent();
     const double right = width() - padding - separator;
     const qsizetype current = currentLine();
+    const qsizetype origin = originLine();
     const auto rows = m_client.textViewport().rows(area.top() - overdraw, area.bottom() + overdraw);
     paintChanges(painter, rows);
     for (const Viewport::VisibleRow &row : rows) {
         if (!layout.startsLine(row.row)) {
             continue;
         }
-        const QString label = labelOf(row.row);
+        const QString label = labelOf(row.row, origin);
+        const bool isAtLeft = row.row.line == origin && m_numbering == Numbering::fromCaretWithOwn;
         painter.setPen(QColor::fromRgb(row.row.line == current ? m_theme->gutterActiveForeground : m_theme->gutterForeground));
-        painter.drawText(QPointF(right - metrics.horizontalAdvance(label), std::round(row.top + baseline)), label);
+        const double left = isAtLeft ? padding : right - metrics.horizontalAdvance(label);
+        painter.drawText(QPointF(left, std::round(row.top + baseline)), label);
     }
 }
 

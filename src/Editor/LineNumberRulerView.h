@@ -23,6 +23,8 @@ class LineNumberRulerView final : public QWidget {
 
 public:
     enum class CurrentLine { plain, highlighted };
+    /// What lines are counted from: the text's first, or the caret's, which has the number 0 or, at the left, its own.
+    enum class Numbering { fromFirst, fromCaret, fromCaretWithOwn };
     /// A number for each line of the text; none for lines that show none.
     struct Numbers {
         std::function<std::optional<LineNumber>(qsizetype line)> ofLine;
@@ -38,6 +40,7 @@ public:
     void setTheme(const Theme &theme);
     void setEditorFont(const QFont &font);
     void setHighlightsCurrentLine(CurrentLine current);
+    void setNumbering(Numbering numbering);
     /// Instead of the lines' own; none goes back to those.
     void setExplicitNumbers(std::optional<Numbers> numbers);
 
@@ -74,13 +77,17 @@ private:
         double above = 0;
         qint64 lines = 0;
         qsizetype currentLine = -1;
+        /// That the others are counted from.
+        qsizetype origin = -1;
 
         friend bool operator==(const Shown &, const Shown &) = default;
     };
 
     [[nodiscard]] Shown shown() const;
     [[nodiscard]] qsizetype currentLine() const;
-    [[nodiscard]] QString labelOf(const RowPosition &row) const;
+    /// -1 where lines are not counted from the caret's.
+    [[nodiscard]] qsizetype originLine() const;
+    [[nodiscard]] QString labelOf(const RowPosition &row, qsizetype origin) const;
     void paintChanges(QPainter &painter, std::span<const Viewport::VisibleRow> rows) const;
     [[nodiscard]] std::optional<size_t> changeAt(QPointF place) const;
 
@@ -88,6 +95,7 @@ private:
     const Theme *m_theme;
     QFont m_editorFont;
     CurrentLine m_current = CurrentLine::highlighted;
+    Numbering m_numbering = Numbering::fromFirst;
     std::optional<Numbers> m_numbers;
     Changes m_changes;
     bool m_isPressingChange = false;

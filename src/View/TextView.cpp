@@ -343,6 +343,13 @@ void TextView::setScrollOffset(double pixels)
     viewport()->update();
 }
 
+void TextView::scrollTo(const Viewport::Place &place)
+{
+    m_port.goTo(place);
+    viewMoved();
+    viewport()->update();
+}
+
 QString TextView::selectedText() const
 {
     return m_storage.string(selection().range());
@@ -355,7 +362,7 @@ void TextView::revealCaret(Reveal reveal)
     }
     const QPointF before = m_port.position();
     const RowPosition row = m_caret.row();
-    m_port.reveal(row, reveal == Reveal::center ? Viewport::Reveal::center : Viewport::Reveal::nearest);
+    m_port.reveal(row, reveal == Reveal::center ? Viewport::Reveal::center : Viewport::Reveal::nearest, m_revealMargin);
     const double x = m_caret.x(row);
     m_port.revealX({x, x + 2});
     if (m_port.position() != before) {

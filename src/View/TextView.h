@@ -78,6 +78,10 @@ public:
     void setSelection(const Selections &selections, Reveal reveal = Reveal::no);
     [[nodiscard]] QString selectedText() const;
     void revealCaret(Reveal reveal = Reveal::nearest);
+    /// So many rows above and below the caret are revealed with it.
+    void setRevealMargin(int rows) { m_revealMargin = rows; }
+    /// The offset at which the caret is shown.
+    [[nodiscard]] qsizetype shownCaret() const { return m_caret.shownOffset(); }
     /// As the view was painted last.
     [[nodiscard]] bool wasCaretSeen() const { return m_caret.wasSeen; }
     /// Scrolls until `offset` is seen; the caret stays where it is.
@@ -85,6 +89,7 @@ public:
     /// Pixels from the top of the content to the top of what is seen; estimated where rows were not laid out yet.
     [[nodiscard]] double scrollOffset() { return m_port.position().y(); }
     void setScrollOffset(double pixels);
+    void scrollTo(const Viewport::Place &place);
 
     /// The one way by which this view changes its text: `edits` as one step of undo, and then the selections `after`. False, and nothing is
     /// changed, when the view is read-only.
@@ -200,6 +205,7 @@ private:
     TextViewRepaint m_repaint{*this};
 
     TextViewCaret m_caret{*this};
+    int m_revealMargin = 0;
     // The change under way is this view's, which will say itself where its caret goes.
     bool m_isEditing = false;
 };

@@ -126,37 +126,45 @@ TextRange TextViewPainter::seenOf(const Viewport::VisibleRow &row, Span visible)
 
 void TextViewPainter::paintMarks(QPainter &painter, const Row &row)
 {
-    if (looks.searched) {
-        for (const TextRange searched : looks.searched(row.seen)) {
-            for (const Span span : m_layout.spansOf(row.position, searched, row.visible)) {
-                painter.fillRect(box(row, span), blended(looks.colors.background, looks.colors.text, searchedShare));
-            }
-        }
-    }
-    if (!looks.marks) {
+    fillRanges(painter, row, looks.searched, blended(looks.colors.background, looks.colors.text, searchedShare));
+    fillRanges(painter, row, looks.modalHits, looks.colors.mark);
+    fillRanges(painter, row, looks.marks, looks.colors.mark);
+}
+
+void TextViewPainter::fillRanges(QPainter &painter, const Row &row, const TextLooks::MarkProvider &provider, const QColor &color)
+{
+    if (!provider) {
         return;
     }
-    for (const TextRange mark : looks.marks(row.seen)) {
-        for (const Span span : m_layout.spansOf(row.position, mark, row.visible)) {
-            painter.fillRect(box(row, span), looks.colors.mark);
+    for (const TextRange range : provider(row.seen)) {
+        for (const Span span : m_layout.spansOf(row.position, range, row.visible)) {
+            painter.fillRect(box(row, span), color);
         }
     }
 }
 
 void TextViewPainter::paintIndicator(QPainter &painter, const Row &row)
 {
-    if (indicator.strength() <= 0 || !indicator.range().touches(row.units)) {
+    paintIndicator(painter, row, indicator.range(), indicator.strength());
+    if (looks.shownHit) {
+        paintIndicator(painter, row, *looks.shownHit, 1);
+    }
+}
+
+void TextViewPainter::paintIndicator(QPainter &painter, const Row &row, TextRange range, double strength)
+{
+    if (strength <= 0 || !range.touches(row.units)) {
         return;
     }
     QColor fill = indicatorColor;
-    fill.setAlphaF(0.5F * float(indicator.strength()));
+    fill.setAlphaF(0.5F * float(strength));
     QColor edge = indicatorColor;
-    edge.setAlphaF(float(indicator.strength()));
+    edge.setAlphaF(float(strength));
     const PainterState state(painter);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(edge, 1.5));
     painter.setBrush(fill);
-    for (const Span span : m_layout.spansOf(row.position, indicator.range(), row.visible)) {
+    for (const Span span : m_layout.spansOf(row.position, range, row.visible)) {
         painter.drawRoundedRect(box(row, span).adjusted(-2, 0.75, 2, -0.75), 3, 3);
     }
 }

@@ -43,6 +43,9 @@ struct TextLooks {
     MarkProvider searched;
     /// Search hits.
     MarkProvider marks;
+    /// Those of modal editing, and of them the one that is looked at.
+    MarkProvider modalHits;
+    std::optional<TextRange> shownHit;
     /// What is underlined with a wavy line.
     MarkProvider misspellings;
     /// Characters that cannot be saved as they are: on a ground and above a thick line, both of one colour.
@@ -114,6 +117,8 @@ private:
     void paintSelections(QPainter &painter, const Row &row, const Selections &selections);
     void paintSelection(QPainter &painter, const Row &row, TextRange selected);
     void paintIndicator(QPainter &painter, const Row &row);
+    void paintIndicator(QPainter &painter, const Row &row, TextRange range, double strength);
+    void fillRanges(QPainter &painter, const Row &row, const TextLooks::MarkProvider &provider, const QColor &color);
     void paintMisspellings(QPainter &painter, const Row &row);
     void paintOccurrences(QPainter &painter, const Row &row);
     void paintBrackets(QPainter &painter, const Row &row);

@@ -185,14 +185,21 @@ void Viewport::scrollRows(qint64 rows)
     place(top, m_layout.previous(top) ? 0 : -insets().vertical);
 }
 
-void Viewport::reveal(const RowPosition &row, Reveal how)
+void Viewport::goTo(const Place &place)
+{
+    this->place(m_layout.rowOf(place.anchor), place.above);
+    setX(place.x);
+}
+
+void Viewport::reveal(const RowPosition &row, Reveal how, qint64 margin)
 {
     const double height = m_layout.rowHeight();
-    const double lowest = std::max(0.0, m_size.height() - height);
+    const double highest = double(std::min(margin, (rowsPerPage() - 1) / 2)) * height;
+    const double lowest = std::max(0.0, m_size.height() - height - highest);
     if (how == Reveal::nearest) {
         if (const auto top = topOf(row); top) {
-            if (*top < 0) {
-                scrollBy(*top);
+            if (*top < highest) {
+                scrollBy(*top - highest);
             } else if (*top > lowest) {
                 scrollBy(*top - lowest);
             }
@@ -200,7 +207,7 @@ void Viewport::reveal(const RowPosition &row, Reveal how)
         }
         const RowPosition first = topRow();
         if (distance(row, first, rowsPerPage())) {
-            place(row, 0);
+            place(row, -highest);
             return;
         }
         if (distance(first, row, 2 * rowsPerPage() + 2)) {
@@ -208,7 +215,7 @@ void Viewport::reveal(const RowPosition &row, Reveal how)
             return;
         }
     }
-    place(row, -lowest / 2);
+    place(row, -std::max(0.0, m_size.height() - height) / 2);
 }
 
 void Viewport::revealX(Span span)

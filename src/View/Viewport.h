@@ -65,13 +65,24 @@ public:
     void scrollBy(double pixels);
     /// By whole rows; afterwards the top row is seen whole.
     void scrollRows(qint64 rows);
-    void reveal(const RowPosition &row, Reveal how = Reveal::nearest);
+    /// With so many rows above and below it, as far as that leaves it in the middle of the view.
+    void reveal(const RowPosition &row, Reveal how = Reveal::nearest, qint64 margin = 0);
     /// Scrolls sideways until the span (pixels along the row) is seen.
     void revealX(Span span);
 
     /// The first unit of the top row and the pixels of that row that are above the edge: a place to come back to.
     [[nodiscard]] qsizetype anchor() const { return m_anchor; }
     [[nodiscard]] double pixelsAbove() const { return m_above; }
+    /// Of both directions.
+    struct Place {
+        qsizetype anchor = 0;
+        double above = 0;
+        double x = 0;
+
+        friend bool operator==(const Place &, const Place &) = default;
+    };
+    [[nodiscard]] Place place() const { return {m_anchor, m_above, m_x}; }
+    void goTo(const Place &place);
 
 private:
     void place(const RowPosition &row, double above);

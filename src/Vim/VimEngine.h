@@ -74,6 +74,9 @@ public:
     void completeFiles(const QStringList &names);
     /// None before the first search.
     [[nodiscard]] const std::optional<VimSearch> &lastSearch() const { return m_lastSearch; }
+    /// Whether its hits are to be marked, if they are to be at all: not from hideHits() on till the next search.
+    [[nodiscard]] bool showsHits() const { return m_showsHits; }
+    void hideHits();
     /// Where the search that is typed begins instead of at the caret; none takes it back.
     void setSearchOrigin(std::optional<qsizetype> place) { m_searchOrigin = place; }
 
@@ -253,6 +256,7 @@ private:
     VimHistory *m_history = nullptr;
     std::function<VimHistory::Kept()> m_historyKept;
     std::optional<qsizetype> m_searchOrigin;
+    bool m_showsHits = true;
     QString m_countBuffer;
     QString m_operatorCountBuffer;
     std::optional<OperatorKind> m_pendingOperator;

@@ -174,6 +174,12 @@ void VimEngine::rememberCommandLine()
     }
 }
 
+void VimEngine::hideHits()
+{
+    m_showsHits = false;
+    notify();
+}
+
 void VimEngine::completeFiles(const QStringList &names)
 {
     m_commandLine.takeFiles(names);
@@ -211,6 +217,7 @@ void VimEngine::searchWordUnderCaret(SearchDirection direction)
 void VimEngine::jumpToMatch(const VimSearch &search, qsizetype from)
 {
     const Rope &text = m_view.text();
+    m_showsHits = true;
     if (const auto hit = search.nearHit(text, from)) {
         jumpTo(*hit);
     } else if (text.length() > VimSearch::nearby && search.isValid()) {

@@ -30,8 +30,7 @@ constexpr auto commands = std::to_array<VimExCommand>({
     {{u"sp", u"split"}, &Actions::splitEditorDown, besideAbove},
     {{u"only", u"on"}, &Actions::closeOtherSplits, besideAbove},
     {{u"set"}, VimExCommand::Set{}},
-    // A search leaves nothing marked.
-    {{u"nohlsearch", u"nohl", u"noh"}, VimExCommand::Ignored{}},
+    {{u"nohlsearch", u"nohl", u"noh"}, VimExCommand::HideHits{}},
 });
 
 /// Commands only with the name of a file.
@@ -173,6 +172,8 @@ void VimExCommand::run(const QString &typed, VimCommandHost &host, Preferences &
         host.showVimMessage(formatted(localized(u"Not a command: %@"), text.toString()));
     } else if (const auto *action = std::get_if<const Action *>(&command->function)) {
         host.performCommand(**action, argument);
+    } else if (std::holds_alternative<HideHits>(command->function)) {
+        host.hideSearchHits();
     } else if (std::holds_alternative<Set>(command->function) && !applyExOption(argument, preferences)) {
         host.showVimMessage(formatted(localized(u"Not an option: %@"), argument));
     }

@@ -23,6 +23,8 @@ public:
     /// From 1; others mean the nearest there is.
     virtual void scrollToLine(LineNumber number) = 0;
     virtual void substitute(const VimSubstitution &substitution) = 0;
+    /// Those of searches, till the next one.
+    virtual void hideSearchHits() = 0;
     /// A command of the window, with what was written behind its name.
     virtual void performCommand(const Action &action, const QString &argument) = 0;
 
@@ -33,14 +35,14 @@ protected:
 /// One ex command: its names and what it does, which mostly is a command of the window.
 struct VimExCommand {
     struct Set {};
-    struct Ignored {};
+    struct HideHits {};
 
     /// The number of a line, and a substitution: no names, but forms of their own.
     struct Line {};
     struct Substitute {};
 
     std::array<QStringView, 4> names;
-    std::variant<Ignored, Set, Line, Substitute, const Action *> function;
+    std::variant<HideHits, Set, Line, Substitute, const Action *> function;
     VimKeyHelp help = {};
     /// How many of the names, from the first on, the reference of keys shows.
     size_t toldNames = 1;

@@ -40,6 +40,14 @@ protected:
     [[nodiscard]] QString badge() const { return workspace().statusBar().findChild<VimBadge *>()->text().trimmed(); }
     [[nodiscard]] TextDocument &document() const { return *workspace().currentDocument(); }
     [[nodiscard]] qsizetype caret() const { return textView().selection().caret; }
+    [[nodiscard]] double rowHeight() const { return textView().layoutManager().rowHeight(); }
+    /// The ground of a low letter at `offset`, if that is seen, has a colour.
+    [[nodiscard]] bool isMarked(qsizetype offset) const
+    {
+        const QPoint place = pointIn(textView(), offset) - QPoint(-2, int(rowHeight() / 2) - 2);
+        const QImage image = textView().viewport()->grab().toImage();
+        return image.rect().contains(place) && image.pixelColor(place) != textView().colors().background;
+    }
 };
 
 } // namespace
@@ -154,6 +162,117 @@ TEST_F(ModalEditingTest, ChordsAreShortcutsWhereTheUserWantsThemToBe)
     EXPECT_EQ(claimsAll({Qt::Key_W, Qt::Key_D, Qt::Key_K}), 2);
     press(u"<C-w>"_s);
     EXPECT_TRUE(claims(Qt::Key_K, ControlModifier)) << "goes on with what was begun";
+}
+
+TEST_F(ModalEditingTest, AnExactSearchIsShownWhileItIsTyped)
+{
+    const QByteArray lines = QByteArray("line\n").repeated(100);
+    start(lines + "xx\n" + lines + "xx\n" + lines);
+    preferences.set(Settings::vimExact, true);
+    const qsizetype first = 500;
+    const qsizetype second = 1003;
+    flashes.clear();
+    const double top = textView().scrollOffset();
+    press(u"/xx"_s);
+    EXPECT_TRUE(isMarked(first));
+    EXPECT_EQ(caret(), 0);
+    press(u"<C-g>"_s);
+    EXPECT_TRUE(isMarked(second));
+    press(u"<C-t>"_s);
+    EXPECT_TRUE(isMarked(first));
+    press(u"<BS><BS>\\(xx"_s);
+    EXPECT_EQ(textView().scrollOffset(), top) << "half a pattern";
+    press(u"\\)"_s);
+    EXPECT_TRUE(isMarked(first));
+    press(u"<Esc>"_s);
+    EXPECT_EQ(textView().scrollOffset(), top);
+    EXPECT_EQ(caret(), 0);
+    press(u"/xx<C-t>"_s);
+    const double seen = textView().scrollOffset();
+    press(u"<CR>"_s);
+    EXPECT_EQ(caret(), second);
+    EXPECT_EQ(textView().scrollOffset(), seen) << "nothing jumps once more";
+    EXPECT_EQ(flashes, QStringList());
+    preferences.set(Settings::vimIncSearch, false);
+    press(u"gg/xx"_s);
+    EXPECT_LE(textView().scrollOffset(), top);
+}
+
+TEST_F(ModalEditingTest, AWorkerLooksForWhatIsTypedInALongText)
+{
+    start(QByteArray("line\n").repeated(300'000) + "xx\n");
+    preferences.set(Settings::vimExact, true);
+    const double top = textView().scrollOffset();
+    workers.isHeld = true;
+    press(u"/x"_s);
+    EXPECT_EQ(badge(), u"/x"_s);
+    press(u"x"_s);
+    EXPECT_EQ(badge(), u"/xx"_s) << "keys do not wait";
+    EXPECT_EQ(textView().scrollOffset(), top);
+    workers.finish();
+    QCoreApplication::sendPostedEvents();
+    EXPECT_TRUE(isMarked(1'500'000));
+    press(u"<BS>"_s);
+    press(u"<Esc>"_s);
+    workers.finish();
+    QCoreApplication::sendPostedEvents();
+    EXPECT_EQ(textView().scrollOffset(), top);
+}
+
+TEST_F(ModalEditingTest, HitsOfAnExactSearchAreMarkedTillTheyAreHidden)
+{
+    start("line\nxx a xx\nxx\n");
+    preferences.set(Settings::highlightCurrentLine, false);
+    preferences.set(Settings::vimExact, true);
+    preferences.set(Settings::vimHlSearch, true);
+    const auto marked = [this] {
+        QString all;
+        for (const qsizetype offset : {2, 5, 8, 10, 13}) {
+            all += isMarked(offset) ? u'+' : u'-';
+        }
+        return all;
+    };
+    press(u"/xx"_s);
+    EXPECT_EQ(marked(), u"-+-++"_s);
+    press(u"<CR>gg"_s);
+    scheduler.advance(std::chrono::seconds(2));
+    EXPECT_EQ(marked(), u"-+-++"_s);
+    press(u":noh<CR>"_s);
+    EXPECT_EQ(marked(), u"-----"_s);
+    press(u"ngg"_s);
+    scheduler.advance(std::chrono::seconds(2));
+    EXPECT_EQ(marked(), u"-+-++"_s);
+    preferences.set(Settings::vimExact, false);
+    EXPECT_EQ(marked(), u"-----"_s);
+}
+
+TEST_F(ModalEditingTest, ExactEditingKeepsRowsAroundTheCaretAndCountsFromItsLine)
+{
+    start(QByteArray("line\n").repeated(100));
+    preferences.set(Settings::highlightCurrentLine, false);
+    LineNumberRulerView &ruler = textView().ruler();
+    const auto row = [&](int index) {
+        const QRect place(0, int(*textView().textViewport().topOf(textView().layoutManager().rowOf(5 * index))), 40, int(rowHeight()));
+        return ruler.grab(place).toImage();
+    };
+    const QImage one = row(0);
+    const QImage three = row(2);
+    preferences.set(Settings::vimRelativeNumber, true);
+    preferences.set(Settings::vimScrollOff, 3);
+    EXPECT_EQ(row(2), three) << "not without the preference";
+    preferences.set(Settings::vimExact, true);
+    EXPECT_EQ(row(3), three);
+    EXPECT_NE(row(0), one) << "at the left";
+    press(u"jj"_s);
+    EXPECT_EQ(row(5), three);
+    EXPECT_EQ(row(1), one);
+    press(u"40j"_s);
+    Viewport &port = textView().textViewport();
+    const auto top = [&] { return *port.topOf(textView().layoutManager().rowOf(caret())); };
+    press(u"jj"_s);
+    EXPECT_LE(top(), port.size().height() - 4 * rowHeight() + 1);
+    press(u"35k"_s);
+    EXPECT_GE(top(), 3 * rowHeight() - 1);
 }
 
 TEST_F(ModalEditingTest, WhatIsSelectedOtherwiseIsTheModesOwn)

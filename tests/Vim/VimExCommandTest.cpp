@@ -25,6 +25,7 @@ private:
                      (substitution.isOfWholeText ? u" in all"_s : QString()) + (substitution.isGlobal ? u" g"_s : QString()) +
                      (substitution.ignoresCase ? u" i"_s : QString());
     }
+    void hideSearchHits() override { calls << u"no hits"_s; }
     void performCommand(const Action &action, const QString &argument) override { calls << action.name() + argument; }
 };
 
