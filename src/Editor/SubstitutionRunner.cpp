@@ -5,8 +5,13 @@
 #include "Base/Translation.h"
 #include "Text/TextStorage.h"
 #include "View/TextView.h"
+#include "Vim/VimSubstituteJob.h"
+#include "Vim/VimSubstitution.h"
 
 #include <QKeyEvent>
+
+#include <memory>
+#include <utility>
 
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
@@ -29,18 +34,54 @@ SubstitutionRunner::~SubstitutionRunner() = default;
 
 void SubstitutionRunner::run(TextView &view, const VimSubstitution &substitution)
 {
-    finish({});
-    auto searcher = substitution.searcher();
-    if (!searcher) {
+    if (!substitution.searcher()) {
         finish(formatted(localized(u"Bad pattern: %@"), substitution.pattern));
         return;
     }
-    m_view = &view;
-    m_substitution = substitution;
+    const qsizetype caret = view.selection().range().location;
+    const auto search = [substitution, caret](const Rope &text, const std::stop_token &stop) {
+        auto searcher = substitution.searcher();
+        TextReplacement replacement = substitution.replacementIn(text, caret, *searcher, {.stop = stop, .searched = nullptr});
+        return Found{std::move(replacement), searcher->gaveUp()};
+    };
+    const auto message = [pattern = substitution.pattern](const Found &found) {
+        const auto count = found.replacement.count;
+        if (count == 0 && !found.isIncomplete) {
+            return formatted(localized(u"Pattern not found: %@"), pattern);
+        }
+        const QString done = count == 1 ? localized(u"1 substitution") : formatted(localized(u"%d substitutions"), count);
+        return found.isIncomplete
+                   ? done + u". "_s + localized(u"The expression is too hard for parts of this text. There may be more hits.")
+                   : done;
+    };
+    const auto selectionAfter = [](const Found &found, const TextView &changed) {
+        return found.replacement.selectionAfter(changed.storage().text(), changed.selection());
+    };
+    run(view, {substitution.isOfWholeText ? view.storage().text().length() : 0, search, selectionAfter, message});
+}
+
+void SubstitutionRunner::run(TextView &view, const VimSubstituteJob &job)
+{
+    const auto outcome = std::make_shared<VimSubstituteOutcome>();
+    const auto search = [job, outcome](const Rope &text, const std::stop_token &stop) {
+        *outcome = job.outcome(text, {.stop = stop, .searched = nullptr});
+        return Found{{.count = outcome->edits.isEmpty() ? 0 : outcome->hits, .edits = outcome->edits}, outcome->isIncomplete};
+    };
+    const auto message = [job, outcome](const Found & /*found*/) { return job.message(*outcome); };
+    const auto selectionAfter = [outcome](const Found & /*found*/, const TextView & /*changed*/) {
+        return TextSelection::at(outcome->caret);
+    };
     const Rope &text = view.storage().text();
-    if (!substitution.isOfWholeText || text.length() <= searchedAtOnce) {
-        TextReplacement replacement = substitution.replacementIn(text, view.selection().range().location, *searcher);
-        arrive({std::move(replacement), searcher->gaveUp()});
+    run(view, {text.lineStart(job.lastLine + 1) - text.lineStart(job.firstLine), search, selectionAfter, message});
+}
+
+void SubstitutionRunner::run(TextView &view, Task task)
+{
+    finish({});
+    m_view = &view;
+    m_task = std::move(task);
+    if (m_task.length <= searchedAtOnce) {
+        arrive(m_task.search(view.storage().text(), {}));
         return;
     }
     view.installEventFilter(this);
@@ -51,40 +92,22 @@ void SubstitutionRunner::run(TextView &view, const VimSubstitution &substitution
     });
     m_showProgressSoon =
         m_services.scheduler.after(timeout, [this] { m_services.showMessage(localized(u"Substituting… Esc stops."), untilReplaced); });
-    start();
+    m_search.start(m_view->storage(), m_services.workers, m_task.search, [this](const Found &found) { arrive(found); });
 }
 
-void SubstitutionRunner::start()
+void SubstitutionRunner::arrive(const Found &found)
 {
-    const auto search = [substitution = m_substitution](const Rope &text, const std::stop_token &stop) {
-        auto searcher = substitution.searcher();
-        TextReplacement replacement = substitution.replacementIn(text, 0, *searcher, {.stop = stop, .searched = nullptr});
-        return ReplacementSearch::Found{std::move(replacement), searcher->gaveUp()};
-    };
-    m_search.start(m_view->storage(), m_services.workers, search, [this](const ReplacementSearch::Found &found) { arrive(found); });
-}
-
-void SubstitutionRunner::arrive(const ReplacementSearch::Found &found)
-{
-    const auto count = found.replacement.count;
-    if (count == 0 && !found.isIncomplete) {
-        finish(formatted(localized(u"Pattern not found: %@"), m_substitution.pattern));
-        return;
-    }
-    if (count > 0 && m_view->isReadOnly()) {
+    const bool changes = found.replacement.count > 0;
+    if (changes && m_view->isReadOnly()) {
         finish(localized(u"This text is read-only; nothing was changed."));
         return;
     }
     TextView &view = *m_view;
-    if (count > 0) {
-        const TextReplacement &replacement = found.replacement;
-        view.apply(replacement.edits, GroupKind::other, replacement.selectionAfter(view.storage().text(), view.selection()),
-                   TextView::Reveal::no);
+    if (changes) {
+        view.apply(found.replacement.edits, GroupKind::other, m_task.selectionAfter(found, view), TextView::Reveal::no);
     }
-    const QString done = count == 1 ? localized(u"1 substitution") : formatted(localized(u"%d substitutions"), count);
-    finish(found.isIncomplete ? done + u". "_s + localized(u"The expression is too hard for parts of this text. There may be more hits.")
-                              : done);
-    if (count > 0) {
+    finish(m_task.message(found));
+    if (changes) {
         m_changed(view);
     }
 }

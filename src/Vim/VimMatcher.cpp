@@ -85,7 +85,7 @@ bool VimMatcher::isLegal(const VimMatch &match) const
     if (isWithin(match.start)) {
         return false;
     }
-    const bool isBehindLast = match.start == length && length > 0 && m_text.lineStart(m_text.lineCount() - 1) == length;
+    const bool isBehindLast = match.hit.location == length && length > 0 && m_text.lineStart(m_text.lineCount() - 1) == length;
     return !isBehindLast;
 }
 

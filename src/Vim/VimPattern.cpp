@@ -248,7 +248,6 @@ private:
     {
         const State before{m_at, m_magic, m_isAtStart, m_isBehindCaret, m_captures, m_result, m_open};
         const qsizetype start = m_at;
-        const auto previous = m_before;
         Atom atom = this->atom(depth);
         QString text = atom.text;
         m_before = atom.literal;
@@ -782,7 +781,11 @@ qsizetype VimPattern::lengthOf(QStringView typed, QChar delimiter)
         const bool takesBare = magic >= Magic::usual;
         if ((unit == u'[' && takesBare) || (isEscaped && next == u'[' && !takesBare)) {
             const qsizetype bracket = at + (isEscaped ? 1 : 0);
-            at = bracket + std::max<qsizetype>(VimCollection::lengthOf(typed.sliced(bracket)), 1) - 1;
+            const qsizetype length = VimCollection::lengthOf(typed.sliced(bracket));
+            if (length == 0) {
+                return typed.size();
+            }
+            at = bracket + length - 1;
         } else if (isEscaped) {
             ++at;
             magic = next == u'v' ? Magic::very : next == u'V' ? Magic::veryNone : magic;

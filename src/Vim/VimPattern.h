@@ -42,6 +42,7 @@ struct VimPattern {
     [[nodiscard]] static Result<VimPattern> translate(QStringView pattern, const Options &options);
     /// What stands for `text` itself in a pattern that is delimited by `delimiter`.
     [[nodiscard]] static QString escaped(QStringView text, QChar delimiter);
-    /// How much of `typed` is a pattern: where the first `delimiter` is that no `\` protects and no collection holds, or its end.
+    /// How much of `typed` is a pattern: where the first `delimiter` is that no `\` protects and no collection holds, or its end; a
+    /// collection that is not closed goes on to that.
     [[nodiscard]] static qsizetype lengthOf(QStringView typed, QChar delimiter);
 };

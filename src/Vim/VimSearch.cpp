@@ -318,9 +318,7 @@ std::optional<VimSearchMove> VimSearch::move(const Rope &text, qsizetype from, q
         move.kind = linewise;
         return move;
     }
-    // A hit may begin behind the last break, where no line is.
-    const bool isBehindLast = at >= text.length() && !text.isEmpty() && text.lineStart(text.lineCount() - 1) == text.length();
-    move.position = movedByCharacters(text, isBehindLast ? text.length() - 1 : at, offset.amount);
+    move.position = movedByCharacters(text, at, offset.amount);
     move.kind = offset.base == Base::end ? inclusive : exclusive;
     return move;
 }
