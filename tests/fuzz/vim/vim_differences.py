@@ -62,6 +62,9 @@ class Compared:
 
 
 class Comparison:
+    """Asks both. What one question leaves behind in Vim (its last command line, the size of its last selection) is not all forgotten at the
+    next one, so that a difference counts only when there is no other question before."""
+
     def __init__(self, program):
         self.vim, self.ours = Vim(), Quillet(program)
         self.pool = concurrent.futures.ThreadPoolExecutor(2)
@@ -74,16 +77,29 @@ class Comparison:
         for chunk, vim, ours in futures:
             yield from (Compared(*each) for each in zip(chunk, vim.result(), ours.result()))
 
+    def alone(self, compared):
+        """These with the answers that Vim has when it is asked nothing else."""
+        answers = self.pool.map(lambda each: self.vim.answers([each.question])[0], compared)
+        return [Compared(each.question, answer, each.ours) for each, answer in zip(compared, answers)]
+
+    def roughly(self, questions):
+        """Keys that end within a command make no difference: while it waits for more, Vim cannot be asked for its state."""
+        compared = list(self._ask(questions))
+        for each in compared:
+            if each.vim.get("isUnfinished"):
+                each.fields = []
+        return compared
+
     def compare(self, questions):
-        """Keys that end within a command get an Escape, without which Vim cannot be asked for its state."""
+        """Keys that end within a command get an Escape."""
         compared = list(self._ask(questions))
         unfinished = [place for place, each in enumerate(compared) if each.vim.get("isUnfinished")]
-        if unfinished:
-            again = self._ask([compared[place].question | {"keys": compared[place].question["keys"] + "\x1b"} for place in unfinished])
-            for place, each in zip(unfinished, again):
-                if each.vim.get("isUnfinished"):
-                    each.fields = []
-                compared[place] = each
+        again = [compared[place].question | {"keys": compared[place].question["keys"] + "\x1b"} for place in unfinished]
+        for place, each in zip(unfinished, self.roughly(again)):
+            compared[place] = each
+        differing = [place for place, each in enumerate(compared) if each.fields]
+        for place, each in zip(differing, self.alone([compared[place] for place in differing])):
+            compared[place] = each
         return compared
 
 
@@ -122,29 +138,41 @@ def less_text(question):
     return sorted(made.values(), key=lambda each: len(each["text"]))
 
 
+def best_candidates(comparison, candidates, is_better):
+    """Of those that differ the first for each place that also does so alone; `candidates` are pairs of a place and a question."""
+    good = collections.defaultdict(list)
+    for (place, _), tried in zip(candidates, comparison.roughly([question for _, question in candidates])):
+        if tried.fields and is_better(place, tried):
+            good[place].append(tried)
+    best = {}
+    for turn in range(3):
+        places = [place for place, tries in good.items() if place not in best and len(tries) > turn]
+        for place, tried in zip(places, comparison.alone([good[place][turn] for place in places])):
+            if tried.fields and not tried.vim.get("isUnfinished") and is_better(place, tried):
+                best[place] = tried
+    return best
+
+
 def reduced(comparison, found):
     """Each of these with the fewest keys and the shortest text that still differ in the same way, all of them at once."""
     found = list(found)
     # The first keys at which they differ, as everything after that may follow from it.
     candidates = [(place, each.question | {"keys": each.question["keys"][:length]})
                   for place, each in enumerate(found) for length in range(1, len(each.question["keys"]))]
-    done = set()
-    for (place, _), tried in zip(candidates, comparison.compare([question for _, question in candidates])):
-        if place not in done and tried.fields:
-            done.add(place)
-            found[place] = tried
+    for place, tried in best_candidates(comparison, candidates, lambda place, tried: True).items():
+        found[place] = tried
+
+    def is_better(place, tried):
+        return tried.fields[0] == found[place].fields[0] and tried.size() < found[place].size()
+
     for less in (fewer_keys, less_text, fewer_keys):
-        active = set(range(len(found)))
+        active = range(len(found))
         while active:
-            candidates = [(place, question) for place in sorted(active) for question in less(found[place].question)[:40]]
-            best = {}
-            for (place, _), tried in zip(candidates, comparison.compare([question for _, question in candidates])):
-                is_same = tried.fields and tried.fields[0] == found[place].fields[0]
-                if is_same and tried.size() < best.get(place, found[place]).size():
-                    best[place] = tried
+            candidates = [(place, question) for place in active for question in less(found[place].question)[:40]]
+            best = best_candidates(comparison, candidates, is_better)
             for place, tried in best.items():
                 found[place] = tried
-            active = set(best)
+            active = sorted(best)
     return found
 
 
@@ -205,11 +233,6 @@ def print_groups(found):
         print_example(example)
 
 
-def is_told(comparison, each):
-    """Whether it differs with nothing before it, too; else the one before it left something behind."""
-    return bool(comparison.compare([each.question])[0].fields)
-
-
 def fuzz(comparison, options):
     chosen = [table for table in sequences.TABLES if re.search(options.only, table[0]) and not (options.no_ex and table[0] in sequences.EX_TABLES)]
     source = random.Random(options.seed)
@@ -223,7 +246,7 @@ def fuzz(comparison, options):
         unanswered += sum("error" in each.vim for each in compared)
         differing += [each for each in compared if each.fields]
     looked_at = differing if len(differing) <= options.reduce else source.sample(differing, options.reduce)
-    found = [each for each in reduced(comparison, looked_at) if is_told(comparison, each)]
+    found = reduced(comparison, looked_at)
     named = [each for each in found if known.reason(each)]
     unnamed = [each for each in found if not known.reason(each)]
     print_groups(unnamed)
