@@ -71,7 +71,7 @@ function! s:Reset()
   call histdel(':') | call histdel('/')
 endfunction
 
-function! s:Answer(question)
+function! s:Prepare(question)
   call s:Reset()
   call writefile(a:question.file, s:file, 'b')
   silent exe 'edit' s:file
@@ -83,12 +83,10 @@ function! s:Answer(question)
   setlocal undolevels=1000
   call cursor(a:question.line, a:question.column)
   let s:state = {}
-  " Silent, so that nothing waits for a key. Not with "!", which would take the failures.
-  let keys = join(map(split(a:question.keys, '\zs'), 'get(s:codes, v:val, v:val)'), '')
-  " A failure is what assert_fails() expects, so Vim does not wait a second for somebody to read it.
-  let s:keys = keys . "\<F12>\<C-\>\<C-n>"
-  silent call assert_fails('call feedkeys(s:keys, "tx")')
-  let v:errors = []
+  let s:keys = join(map(split(a:question.keys, '\zs'), 'get(s:codes, v:val, v:val)'), '') . "\<F12>\<C-\>\<C-n>"
+endfunction
+
+function! s:Answer()
   let answer = s:state
   if empty(answer)
     let answer = s:State()
@@ -101,6 +99,11 @@ function! s:Answer(question)
 endfunction
 
 for s:line in readfile($ORACLE_QUESTIONS)
-  call writefile([json_encode(s:Answer(json_decode(s:line)))], $ORACLE_ANSWERS, 'a')
+  call s:Prepare(json_decode(s:line))
+  " Not in a function, where variables that the keys set would be its own. Silent, so that nothing waits for a key, but not with "!", which
+  " would take the failures. A failure is what assert_fails() expects, so Vim does not wait a second for somebody to read it.
+  silent call assert_fails('call feedkeys(s:keys, "tx")')
+  let v:errors = []
+  call writefile([json_encode(s:Answer())], $ORACLE_ANSWERS, 'a')
 endfor
 qall!

@@ -38,8 +38,11 @@ PARTS = {
     "ex": ["d", "d 2", "d a", "y", "y b", "m{address}", "t{address}", "co{address}", "{substitution}", "{substitution}", "{substitution}", "j", "j!",
            ">", "<lt>", ">>", "norm x", "norm! A{word}", "norm dwj", "k a", "ma b", "pu", "pu!", "pu a", "g/{pattern}/d", "v/{pattern}/d",
            "g/{pattern}/s/a/b/", "g/{pattern}/norm Ax", "g/{pattern}/m0", "g!/{pattern}/j", "sort", "sort!", "sort n", "sort u", "retab", "u", "red",
-           "=", "{address}", "noh", "@a", "*a", "le", "ri 20", "ce 20", "normal .", "copy{address}|d", "d|pu"],
+           "{address}", "noh", "normal .", "copy{address}|d", "d|pu", "undo", "k b|d", "'a,'bd", "retab!"],
 }
+
+COUNTS = ["", "", "", "", "2", "3", "4", "1", "12"]
+PART = re.compile("{(n|" + "|".join(PARTS) + ")}")
 
 # Name, weight, rows.
 TABLES = [
@@ -63,6 +66,7 @@ TABLES = [
                    "qcj~q9@c", "qaq", "yl@\"", "qacw{word}<Esc>wq{n}@a"]),
     ("dot", 8, ["{n}."]),
     ("undo", 7, ["{n}u", "{n}<C-r>", "U", "u<C-r>", "uu"]),
+    ("formatting", 1, ["gq{motion}", "gqq", "gqip", "gwip", "gw{motion}", "Vjgq"]),
     ("numbers", 4, ["{n}<C-a>", "{n}<C-x>", "Vj{n}<C-a>", "VGg<C-a>", "vG<C-x>", "VG{n}g<C-x>"]),
     ("searches", 7, ["/{pattern}<CR>", "?{pattern}<CR>", "{n}n", "{n}N", "{n}*", "#", "g*", "g#", "/{pattern}{offset}<CR>", "d/{pattern}<CR>",
                      "d/{pattern}{offset}<CR>", "y?{pattern}<CR>", "dn", "gn{chosen}", "dgn", "cgn{word}<Esc>", "gN<Esc>", "v/{pattern}<CR>{chosen}", "//<CR>"]),
@@ -99,17 +103,16 @@ def random_text(random):
 
 
 def random_caret(random, text):
-    """Where a caret of normal mode may be."""
+    """Where a caret of normal mode may be: on a character, or in an empty line."""
     places = [place for place, character in enumerate(text)
-              if character not in "\r\n\u0301\u0308" or (character != "\u0301" and (place == 0 or text[place - 1] == "\n"))]
+              if character not in "\u0301\u0308" and (character not in "\r\n" or place == 0 or text[place - 1] == "\n")]
     return units(text[:random.choice(places)]) if places else 0
 
 
 def random_command(random, rows):
     notation = random.choice(rows)
-    while match := re.search(r"{([a-z]+)}", notation):
-        name = match.group(1)
-        part = (random.choice(["", "", "", "", "2", "3", "4", "1", "12"]) if name == "n" else random.choice(PARTS[name]))
+    while match := PART.search(notation):
+        part = random.choice(COUNTS if match.group(1) == "n" else PARTS[match.group(1)])
         notation = notation[:match.start()] + part + notation[match.end():]
     return keys_of(notation)
 
