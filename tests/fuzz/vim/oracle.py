@@ -31,8 +31,8 @@ def prefix(text, length):
 
 
 def in_notation(keys):
-    """As Vim users write them: <Esc>, <CR>, <C-v>, <lt>."""
-    names = {"\x1b": "<Esc>", "\r": "<CR>", "<": "<lt>"} | NAMED_KEYS
+    """As Vim users write them: <Esc>, <CR>, <C-v>, <lt>, and blanks as <Space>."""
+    names = {"\x1b": "<Esc>", "\r": "<CR>", "<": "<lt>", " ": "<Space>"} | NAMED_KEYS
     return "".join(names.get(key) or (f"<C-{chr(ord(key) + 0x40).lower()}>" if key < " " else key) for key in keys)
 
 

@@ -78,7 +78,7 @@ TABLES = [
 # Those that begin with what only the command line makes.
 EX_TABLES = ("ex", "repeats")
 
-KEYS = {"Esc": "\x1b", "CR": "\r", "BS": "\x7f", "Tab": "\t", "lt": "<", "Up": "\uf700", "Down": "\uf701", "Left": "\uf702", "Right": "\uf703",
+KEYS = {"Esc": "\x1b", "CR": "\r", "BS": "\x7f", "Tab": "\t", "lt": "<", "Space": " ", "Up": "\uf700", "Down": "\uf701", "Left": "\uf702", "Right": "\uf703",
         "Del": "\uf728", "Home": "\uf729", "End": "\uf72b", "PageUp": "\uf72c", "PageDown": "\uf72d"}
 
 

@@ -55,10 +55,10 @@ class Compared:
         return len(self.question["keys"]), len(self.question["text"])
 
     def shape(self):
-        """Its keys without what is of no consequence: which count, which text, which of three registers."""
-        keys = re.sub(r"(?<=[fFtTr])[^<]|(?<=[ft])<lt>", "·", in_notation(self.question["keys"]))
+        """Its keys without what is of no consequence: which character, which count, which of three registers."""
+        keys = re.sub(r"(?<=[fFtTr])[^\x00-\x1f\x7f]", "·", self.question["keys"])
         keys = re.sub(r"(?<![0-9$^])[1-9][0-9]*", "N", keys)
-        return re.sub(r"(?<=[m`'@q\"])[abc](?!\w{2})", "a", keys)
+        return in_notation(re.sub(r"(?<=[m`'@q\"])[abc](?!\w{2})", "a", keys))
 
 
 class Comparison:
