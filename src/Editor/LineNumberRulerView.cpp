@@ -170,8 +170,8 @@ void LineNumberRulerView::paintEvent(QPaintEvent *event)
     const QFontMetricsF metrics(font);
     const double baseline = (layout.rowHeight() - metrics.height()) / 2 + metrics.ascent();
     const double right = width() - padding - separator;
-    const qsizetype current = currentLine();
     const qsizetype origin = originLine();
+    const qsizetype current = origin >= 0 && m_current == CurrentLine::highlighted ? origin : currentLine();
     const auto rows = m_client.textViewport().rows(area.top() - overdraw, area.bottom() + overdraw);
     paintChanges(painter, rows);
     for (const Viewport::VisibleRow &row : rows) {

@@ -22,21 +22,25 @@ constexpr int heightMargin = 2;
 /// How much of its colour the badge has.
 constexpr double shareOnDark = 0.85;
 constexpr double shareOnLight = 0.75;
-/// Stand for control characters.
-constexpr char16_t firstControlPicture = 0x2400;
 /// Where the cursor is in a line that is longer than the badge, as a share of this.
 constexpr double cursorShare = 0.75;
 constexpr quint32 black = 0xFF000000;
 constexpr quint32 white = 0xFFFFFFFF;
 
+/// With "^I" and its like for control characters.
+QString visible(QStringView line)
+{
+    QString all;
+    for (const QChar unit : line) {
+        all += unit < u' ' ? u"^"_s + QChar(char16_t(unit.unicode() + u'@')) : QString(unit);
+    }
+    return all;
+}
+
 QString badgeText(const StatusBarView::VimState &state)
 {
     if (state.commandLine && state.cursor) {
-        QString line = u' ' + *state.commandLine + u' ';
-        for (QChar &unit : line) {
-            unit = unit < u' ' ? QChar(char16_t(firstControlPicture + unit.unicode())) : unit;
-        }
-        return line;
+        return u' ' + visible(*state.commandLine) + u' ';
     }
     if (state.commandLine) {
         return u' ' + *state.commandLine + u"█ "_s;
@@ -123,7 +127,7 @@ void VimBadge::paintLine(QPainter &painter) const
     line.setNumColumns(int(text().size()));
     layout.endLayout();
     // Behind the blank that begins the text.
-    const double cursor = line.cursorToX(int(*m_state->cursor) + 1);
+    const double cursor = line.cursorToX(int(visible(QStringView(*m_state->commandLine).first(*m_state->cursor)).size()) + 1);
     const double hidden = std::max(0.0, line.naturalTextWidth() - width());
     const double left = -std::clamp(cursor - cursorShare * width(), 0.0, hidden);
     const double top = (height() - line.height()) / 2;

@@ -149,7 +149,7 @@ TEST_F(StatusBarViewTest, TheCursorOfACommandLineIsSeenHoweverLongThatIs)
     state.vim->commandLine = u":a\x1b"_s;
     state.vim->cursor = 3;
     bar.setState(state);
-    EXPECT_EQ(texts().first(), u" :a␛ "_s);
+    EXPECT_EQ(texts().first(), u" :a^[ "_s);
     EXPECT_EQ(parts()[0]->accessibleName(), *state.vim->commandLine);
 }
 
