@@ -77,7 +77,8 @@ bool isAltGr(const QKeyEvent &event)
 EditorVim::EditorVim(EditorTextView &view, const Services &services, const VimOptions &options, Callbacks callbacks)
     : m_view(view), m_keyboard(services.keyboard), m_workers(services.commands.workers), m_callbacks(std::move(callbacks)),
       m_beep(services.commands.beep), m_engine(new VimEngine(*this, *this, services.registers, options)), m_search(view, services.commands),
-      m_preview(view, services.commands.workers), m_panel(std::make_unique<PendingKeysPanel>(view, services.commands.scheduler))
+      m_preview(view, services.commands.workers), m_substitution(view),
+      m_panel(std::make_unique<PendingKeysPanel>(view, services.commands.scheduler))
 {
     m_revision = m_view.storage().revision();
     if (services.history) {
@@ -245,6 +246,7 @@ void EditorVim::vimEngineDidChangeState(VimEngine & /*engine*/)
         keepOneCaret();
         m_panel->follow(m_engine->continuations());
         m_preview.follow(*m_engine);
+        m_substitution.follow(*m_engine);
         completeFiles();
         m_callbacks.stateChanged();
     }

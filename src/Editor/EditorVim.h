@@ -4,6 +4,7 @@
 
 #include "Editor/SearchPreview.h"
 #include "Editor/SearchRunner.h"
+#include "Editor/SubstitutionPreview.h"
 #include "Vim/VimChords.h"
 #include "Vim/VimEngine.h"
 
@@ -116,6 +117,7 @@ private:
     std::unique_ptr<VimEngine> m_engine;
     SearchRunner m_search;
     SearchPreview m_preview;
+    SubstitutionPreview m_substitution;
     std::unique_ptr<PendingKeysPanel> m_panel;
     /// Looks for those that the command line awaits.
     BackgroundTask m_files;

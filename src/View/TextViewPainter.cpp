@@ -128,6 +128,7 @@ void TextViewPainter::paintMarks(QPainter &painter, const Row &row)
 {
     fillRanges(painter, row, looks.searched, blended(looks.colors.background, looks.colors.text, searchedShare));
     fillRanges(painter, row, looks.modalHits, looks.colors.mark);
+    fillRanges(painter, row, looks.replacedHits, looks.colors.mark);
     fillRanges(painter, row, looks.marks, looks.colors.mark);
 }
 

@@ -46,6 +46,8 @@ struct TextLooks {
     /// Those of modal editing, and of them the one that is looked at.
     MarkProvider modalHits;
     std::optional<TextRange> shownHit;
+    /// What a substitution that is typed would replace.
+    MarkProvider replacedHits;
     /// What is underlined with a wavy line.
     MarkProvider misspellings;
     /// Characters that cannot be saved as they are: on a ground and above a thick line, both of one colour.

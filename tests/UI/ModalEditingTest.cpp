@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
 #include "Editor/PendingKeysPanel.h"
+#include "Editor/SubstitutionPanel.h"
 #include "UI/VimBadge.h"
 #include "WindowFixture.h"
 
@@ -244,6 +245,38 @@ TEST_F(ModalEditingTest, HitsOfAnExactSearchAreMarkedTillTheyAreHidden)
     EXPECT_EQ(marked(), u"-+-++"_s);
     preferences.set(Settings::vimExact, false);
     EXPECT_EQ(marked(), u"-----"_s);
+}
+
+TEST_F(ModalEditingTest, WhatAnExactSubstitutionWouldDoIsShown)
+{
+    start("xx a\n" + QByteArray("line\n").repeated(100) + "xx b xx\nxx\n");
+    preferences.set(Settings::highlightCurrentLine, false);
+    preferences.set(Settings::vimExact, true);
+    const auto &panel = *textView().findChild<SubstitutionPanel *>();
+    const qsizetype far = 505;
+    const QString shown = u"Lines would become: "_s;
+    const double top = textView().scrollOffset();
+    press(u":102s/x"_s);
+    EXPECT_TRUE(isMarked(far));
+    press(u"x"_s);
+    EXPECT_FALSE(isMarked(far + 5)) << "of a line the first alone";
+    EXPECT_FALSE(panel.isVisible());
+    press(u"/[&]"_s);
+    EXPECT_TRUE(panel.isVisible());
+    EXPECT_EQ(panel.accessibleName(), shown + u"102 [xx] b xx"_s);
+    press(u"/g"_s);
+    EXPECT_EQ(panel.accessibleName(), shown + u"102 [xx] b [xx]"_s);
+    press(u"<Home>.,$-<End>"_s);
+    EXPECT_EQ(panel.accessibleName(), shown + u"1 [xx] a"_s) << "what is seen, and that comes back";
+    press(u"<C-u>s/\\("_s);
+    EXPECT_FALSE(panel.isVisible());
+    press(u"<C-u>$s/xx/y<Esc>"_s);
+    EXPECT_FALSE(panel.isVisible());
+    EXPECT_EQ(textView().scrollOffset(), top);
+    EXPECT_FALSE(document().isDirty());
+    preferences.set(Settings::vimExact, false);
+    press(u":%s/xx/y"_s);
+    EXPECT_FALSE(panel.isVisible());
 }
 
 TEST_F(ModalEditingTest, ExactEditingKeepsRowsAroundTheCaretAndCountsFromItsLine)
