@@ -29,6 +29,7 @@
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
 #include "Spelling/SpellChecker.h"
+#include "Vim/VimConfiguration.h"
 #include "Vim/VimHistory.h"
 #include "Vim/VimRegisters.h"
 #include "Widgets/DesktopPalette.h"
@@ -105,6 +106,12 @@ struct Program::Parts {
         useKeyboard();
         recent.onNote([this](const QStringList &paths) { desktopRecentFiles.note(paths); });
         followAppearance();
+        vimProblems = vimConfiguration.follow(VimConfiguration::standardPath());
+        setUpVim = notifications.observe(Preferences::didChange, nullptr, [this] {
+            if (const QStringList problems = vimConfiguration.follow(VimConfiguration::standardPath()); !problems.isEmpty()) {
+                presenter.present(Alert::forError(problems.join(u'\n')), delegate.frontmostWindow(), {});
+            }
+        });
         QObject::connect(
             &application, &QGuiApplication::commitDataRequest, &delegate,
             [this](QSessionManager &manager) {
@@ -192,16 +199,20 @@ struct Program::Parts {
 
     FindState find{session.rootDirectory() + u"/find-history.json"_s, workers};
     VimRegisters registers{pasteboard, preferences};
+    VimConfiguration vimConfiguration{preferences};
     VimHistory vimHistory{session.rootDirectory() + u"/vim-history.json"_s, workers};
     SpellChecker spellChecker{workers, SpellChecker::systemSetup()};
     SpellingPanel spellingPanel{spellChecker};
     NotificationCenter::Token spellingLanguages;
     NotificationCenter::Token chosenTheme;
+    NotificationCenter::Token setUpVim;
+    /// Of the user's file of commands, when the program starts.
+    QStringList vimProblems;
     SystemDesktop desktop;
     RecentDocuments recent{session.rootDirectory() + u"/recent-documents.json"_s, workers};
     DesktopRecentFiles desktopRecentFiles{DesktopRecentFiles::standardPath(), workers};
     AppDelegate delegate{{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers, keyboard,
-                           &spellChecker, &spellingPanel, &fileMemory, &vimHistory},
+                           &spellChecker, &spellingPanel, &fileMemory, &vimHistory, &vimConfiguration},
                           defaults,
                           desktop,
                           session,
@@ -252,7 +263,7 @@ int Program::run(const CommandLine &line)
     const bool showsEmptyTab = shown && shown->isUntitled() && shown->storage().length() == 0;
     OpenRequest request{.files = line.files,
                         .opensNewTab = line.opensNewTab && !showsEmptyTab,
-                        .problems = line.problems,
+                        .problems = line.problems + m_parts->vimProblems,
                         .stream = line.readsStandardInput ? STDIN_FILENO : -1};
     if (line.waits) {
         // With nobody to hand over to, this one is waited for itself.

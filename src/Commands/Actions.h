@@ -427,14 +427,22 @@ inline constexpr Action saveAndClose{"saveAndClose:"};
 inline constexpr Action forceCloseTab{"forceCloseTab:"};
 /// What it represents is the name of the file; none means to read the document's own again.
 inline constexpr Action editFile{"editFile:"};
+/// It represents the number of a tab, from 1, or a part of its name.
+inline constexpr Action showTab{"showTab:"};
+inline constexpr Action listTabs{"listTabs:"};
+/// It represents the number of the line to put it behind, a space, and the name of the file.
+inline constexpr Action insertFile{"insertFile:"};
+/// It represents the name of a file of commands of modal editing; "%" is the text's own.
+inline constexpr Action sourceFile{"sourceFile:"};
 inline constexpr Action revertWithoutAsking{"revertWithoutAsking:"};
 inline constexpr Action finishWaiting{"finishWaiting:"};
 inline constexpr Action abortWaiting{"abortWaiting:"};
 inline constexpr Action compareWithOrigin{"compareWithOrigin:"};
 
 inline constexpr auto inNoMenu = std::to_array<const Action *>(
-    {&showFindInterface, &closeWindowFromVim, &closeOtherSplits, &focusPreviousPane, &saveAndClose, &forceCloseTab, &editFile,
-     &revertWithoutAsking, &finishWaiting, &abortWaiting, &closeOtherTabs, &closeTabsToTheRight, &closeSavedTabs, &compareWithOrigin});
+    {&showFindInterface, &closeWindowFromVim, &closeOtherSplits, &focusPreviousPane, &saveAndClose, &forceCloseTab, &editFile, &showTab,
+     &listTabs, &insertFile, &sourceFile, &revertWithoutAsking, &finishWaiting, &abortWaiting, &closeOtherTabs, &closeTabsToTheRight,
+     &closeSavedTabs, &compareWithOrigin});
 
 /// Those of the menu bar in its order, each once.
 [[nodiscard]] std::vector<const Action *> inMenus();

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/EditorViewController.h"
 
+#include "Base/FilePath.h"
 #include "Base/Localization.h"
 #include "Commands/Actions.h"
 #include "Editor/AutoPairs.h"
@@ -19,6 +20,7 @@
 #include "Editor/SubstitutionRunner.h"
 #include "Editor/TextCounter.h"
 #include "Files/CharacterSet.h"
+#include "Files/TextFile.h"
 #include "Find/FindBar.h"
 #include "Find/FindState.h"
 #include "Find/TextFinder.h"
@@ -28,9 +30,12 @@
 #include "Spelling/SpellChecker.h"
 #include "Text/LineIndex.h"
 #include "Text/LineRange.h"
+#include "Vim/VimConfiguration.h"
+#include "Vim/VimExEdits.h"
 #include "Widgets/AccessibleRole.h"
 #include "Widgets/AlertPresenter.h"
 
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QMenu>
 #include <QVBoxLayout>
@@ -129,6 +134,8 @@ const ActionRow *EditorViewController::actionFor(const Action &wanted) const
         action<&EditorViewController::toggleSpelling, &EditorViewController::spellingState>(Actions::toggleContinuousSpellChecking),
         action<&EditorViewController::checkSpelling, &EditorViewController::canCheckSpelling>(Actions::checkSpelling),
         action<&EditorViewController::showSpellingPanel, &EditorViewController::hasSpelling>(Actions::showGuessPanel),
+        action<&EditorViewController::insertFile>(Actions::insertFile),
+        action<&EditorViewController::sourceFile>(Actions::sourceFile),
     });
     return findAction(rows, wanted);
 }
@@ -352,7 +359,8 @@ void EditorViewController::applyLineNumbers()
 
 void EditorViewController::applyVimMode()
 {
-    const VimOptions options = VimOptions::of(m_services.preferences);
+    const VimOptions options =
+        m_services.vimConfiguration ? m_services.vimConfiguration->options() : VimOptions::of(m_services.preferences);
     const bool wasOn = m_vim != nullptr;
     if (!m_services.preferences.value(Settings::vimMode)) {
         m_vim.reset();
@@ -593,6 +601,49 @@ void EditorViewController::saveAgain()
 }
 
 // Ex commands
+
+/// What is represented is the number of a line, a space, and the name of the file that is put behind it.
+void EditorViewController::insertFile(const ActionSender &sender)
+{
+    const QString represented = sender.represented.toString();
+    const qsizetype line = represented.section(u' ', 0, 0).toLongLong();
+    const QString path = absoluteFilePath(represented.section(u' ', 1), workingFolder());
+    m_reading = BackgroundTask::start(
+        m_services.workers,
+        [path, &files = m_services.documents.services().files](const std::stop_token &) {
+            return TextFile::read(path, std::nullopt, files);
+        },
+        [this, line](const TextFile::ReadResult &read) {
+            if (!read) {
+                showVimMessage(read.error().description());
+                return;
+            }
+            const Rope &text = m_textView->storage().text();
+            const qsizetype after = std::min(line, VimExLines(text).count());
+            if (read->text.isEmpty() || m_textView->isReadOnly()) {
+                return;
+            }
+            const TextEdits edits = VimExEdits::inserted(text, after, VimExEdits::content(read->text, {1, VimExLines(read->text).count()}));
+            m_textView->apply(edits, GroupKind::other, TextSelection::at(edits.newRange(0).location));
+            settleCaret();
+        });
+}
+
+void EditorViewController::sourceFile(const ActionSender &sender)
+{
+    VimConfiguration *configuration = m_services.vimConfiguration;
+    const QString name = sender.represented.toString();
+    const QString path = name == u"%" ? m_document->path() : absoluteFilePath(name, workingFolder());
+    if (!configuration || name.isEmpty() || path.isEmpty()) {
+        m_services.presenter.beep();
+        return;
+    }
+    const auto text = VimConfiguration::textOf(path);
+    const QStringList problems = text ? configuration->read(*text, QFileInfo(path).fileName()) : QStringList(text.error().message);
+    if (!problems.isEmpty()) {
+        showVimMessage(problems.front());
+    }
+}
 
 void EditorViewController::runCommand(const QString &command)
 {

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/BackgroundTask.h"
 #include "Base/EntryHistory.h"
 #include "Base/NotificationCenter.h"
 #include "Commands/Responder.h"
@@ -39,6 +40,7 @@ class SubstitutionRunner;
 class TextCounter;
 class TextDocument;
 class TextFinder;
+class VimConfiguration;
 class VimHistory;
 class VimRegisters;
 class Workers;
@@ -62,6 +64,8 @@ struct EditorServices {
     FileMemory *fileMemory = nullptr;
     /// None keeps no history of command lines.
     VimHistory *vimHistory = nullptr;
+    /// None when nobody sets up modal editing.
+    VimConfiguration *vimConfiguration = nullptr;
 
     /// The sound for a command that cannot do its work.
     [[nodiscard]] std::function<void()> beep() const;
@@ -151,6 +155,8 @@ private:
     void reload();
     void saveAgain();
 
+    void insertFile(const ActionSender &sender);
+    void sourceFile(const ActionSender &sender);
     void runCommand(const QString &command);
     void settleCaret();
     void showVimMessage(const QString &message) override;
@@ -199,6 +205,8 @@ private:
     std::unique_ptr<EditorVim> m_vim;
     /// Made when it is needed first.
     std::unique_ptr<SubstitutionRunner> m_substitutions;
+    /// A file that is to be put into the text.
+    BackgroundTask m_reading;
     std::unique_ptr<LineCommands> m_lineCommands;
     /// What of the text is underlined, null for nothing.
     const CharacterSet *m_characters = nullptr;

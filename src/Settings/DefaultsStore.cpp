@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QSettings>
 
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -98,9 +99,11 @@ template<typename T>
 T DefaultsStore::read(QLatin1StringView key, std::optional<T> (*convert)(const QVariant &value)) const
 {
     load();
-    if (const auto set = m_values.find(key); set != m_values.end()) {
-        if (auto value = convert(set->second)) {
-            return *std::move(value);
+    for (const Values *values : std::array<const Values *, 2>{&m_overrides, &m_values}) {
+        if (const auto set = values->find(key); set != values->end()) {
+            if (auto value = convert(set->second)) {
+                return *std::move(value);
+            }
         }
     }
     const auto registered = m_registered.find(key);
@@ -135,13 +138,22 @@ bool DefaultsStore::boolean(QLatin1StringView key) const
 void DefaultsStore::set(QLatin1StringView key, const QVariant &value)
 {
     load();
+    forgetOverride(key);
     m_values.insert_or_assign(QString(key), value);
     noteChange(key);
+}
+
+void DefaultsStore::forgetOverride(QLatin1StringView key)
+{
+    if (const auto found = m_overrides.find(key); found != m_overrides.end()) {
+        m_overrides.erase(found);
+    }
 }
 
 void DefaultsStore::remove(QLatin1StringView key)
 {
     load();
+    forgetOverride(key);
     if (const auto found = m_values.find(key); found != m_values.end()) {
         m_values.erase(found);
         noteChange(key);

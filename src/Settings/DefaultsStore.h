@@ -31,7 +31,7 @@ public:
     /// What the key answers while the user has set nothing; never written. Its type is the key's type.
     void registerDefault(QLatin1StringView key, QVariant value);
 
-    // The user's value if it is one of that type, else the registered one, else an empty one.
+    // What overrides it, else the user's value if it is one of that type, else the registered one, else an empty one.
     [[nodiscard]] QString string(QLatin1StringView key) const;
     [[nodiscard]] QStringList stringList(QLatin1StringView key) const;
     [[nodiscard]] int integer(QLatin1StringView key) const;
@@ -43,6 +43,10 @@ public:
     void set(QLatin1StringView key, const QVariant &value);
     /// Back to the registered value.
     void remove(QLatin1StringView key);
+    /// What the key answers as long as the store lives, or until it is set or removed; never written.
+    void override(QLatin1StringView key, const QVariant &value) { m_overrides.insert_or_assign(QString(key), value); }
+    /// Forgets those.
+    void dropOverrides() { m_overrides.clear(); }
     /// The user has set the key, to whatever.
     [[nodiscard]] bool isSet(QLatin1StringView key) const;
 
@@ -52,6 +56,7 @@ public:
 private:
     void load() const;
     void noteChange(QLatin1StringView key);
+    void forgetOverride(QLatin1StringView key);
     [[nodiscard]] bool setDamagedFileAside();
     [[nodiscard]] bool makePrivateFile() const;
 
@@ -65,6 +70,7 @@ private:
     Scheduler &m_scheduler;
     Values m_registered;
     mutable Values m_values;
+    Values m_overrides;
     mutable bool m_isLoaded = false;
     mutable bool m_isDamaged = false;
     std::set<QString> m_changed;

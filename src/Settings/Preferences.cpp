@@ -162,6 +162,18 @@ size_t Preferences::choice(const AnySetting &setting) const
     return found == setting.choices.end() ? 0 : size_t(found - setting.choices.begin());
 }
 
+void Preferences::setForRun(const AnySetting &setting, const QVariant &value)
+{
+    m_defaults.override(setting.key, value);
+    announce(setting.details.announcement);
+}
+
+void Preferences::endRunValues()
+{
+    m_defaults.dropOverrides();
+    announce(AnySetting::Announcement::preferences);
+}
+
 void Preferences::store(const AnySetting &setting, const QVariant &value)
 {
     QVariant stored = value;

@@ -38,6 +38,10 @@ public:
     void toggle(const Setting<bool> &setting) { set(setting, !value(setting)); }
     /// Sets what it is by default.
     void reset(const AnySetting &setting);
+    /// Until the program ends, or somebody sets it; whatever the user has set stays what is stored. `value` is as storedValue() has it.
+    void setForRun(const AnySetting &setting, const QVariant &value);
+    /// Back to what is stored.
+    void endRunValues();
 
     /// The user has chosen a value, be it the default.
     [[nodiscard]] bool isSet(const AnySetting &setting) const;

@@ -11,6 +11,7 @@
 #include "Settings/Preferences.h"
 #include "UI/DocumentActions.h"
 #include "UI/UserGuide.h"
+#include "Vim/VimOptions.h"
 #include "Vim/VimReference.h"
 #include "Widgets/AlertPresenter.h"
 
@@ -122,7 +123,7 @@ void DocumentActions::compareWithOpenDocument(const ActionSender &sender)
 
 void DocumentActions::showVimKeyReference()
 {
-    showGenerated(VimReference::title, VimReference::markdown(m_services.preferences.value(Settings::vimKeymapPreset)));
+    showGenerated(VimReference::title, VimReference::markdown(VimOptions::of(m_services.preferences)));
 }
 
 void DocumentActions::showUserGuide()

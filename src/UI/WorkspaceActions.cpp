@@ -17,6 +17,8 @@
 
 #include <array>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr Scheduler::Milliseconds messageTime{8000};
@@ -47,6 +49,8 @@ const ActionRow *WorkspaceViewController::actionFor(const Action &wanted) const
     static constexpr auto rows = std::to_array<ActionRow>({
         action<&Self::newDocument>(Actions::newDocument),
         action<&Self::editFile>(Actions::editFile),
+        action<&Self::showTab>(Actions::showTab),
+        action<&Self::listTabs>(Actions::listTabs),
         action<&Self::showFindInterface, &Self::hasEditor>(Actions::showFindInterface),
         action<&Self::closeWindowFromVim>(Actions::closeWindowFromVim),
         action<&Self::goToLine, &Self::hasEditor>(Actions::goToLine),
@@ -93,6 +97,37 @@ void WorkspaceViewController::editFile(const ActionSender &sender)
     } else {
         open({absoluteFilePath(name, workingFolder())});
     }
+}
+
+/// What is represented is its number, from 1, or a part of the name of the only one that has it.
+void WorkspaceViewController::showTab(const ActionSender &sender)
+{
+    const QString wanted = sender.represented.toString();
+    const PaneLayout::Documents tabs = m_layout.isEmpty() ? PaneLayout::Documents() : m_layout.active()->tabs;
+    bool isNumber = false;
+    int tab = wanted.toInt(&isNumber) - 1;
+    if (!isNumber) {
+        const auto isMeant = [&wanted](const PaneLayout::Document &document) { return document->displayName().contains(wanted); };
+        const auto found = std::ranges::find_if(tabs, isMeant);
+        tab = std::ranges::count_if(tabs, isMeant) == 1 ? int(found - tabs.begin()) : -1;
+    }
+    if (tab < 0 || tab >= int(tabs.size())) {
+        m_statusBar->flash(formatted(localized(u"No such tab: %@"), wanted), messageTime);
+        return;
+    }
+    selectTab(tab);
+}
+
+/// With their numbers; "+" marks those with unsaved changes.
+void WorkspaceViewController::listTabs()
+{
+    QStringList names;
+    if (!m_layout.isEmpty()) {
+        for (const PaneLayout::Document &document : m_layout.active()->tabs) {
+            names << u"%1 %2%3"_s.arg(names.size() + 1).arg(document->displayName(), document->isDirty() ? u" +"_s : QString());
+        }
+    }
+    m_statusBar->flash(names.join(u" │ "_s), messageTime);
 }
 
 // The text

@@ -141,6 +141,8 @@ private:
     void changeFontSize(int steps);
 
     void editFile(const ActionSender &sender);
+    void showTab(const ActionSender &sender);
+    void listTabs();
 
     // Enabling
     [[nodiscard]] bool hasEditor() const { return currentEditor() != nullptr; }

@@ -79,15 +79,8 @@ VimCompletion::Part VimCompletion::partOf(QStringView line)
 
 QStringList VimCompletion::commands(QStringView typed)
 {
-    QStringList names;
-    for (const VimExCommand &command : VimExCommand::table()) {
-        for (const QStringView name : command.names) {
-            const auto isLongForm = [name](QStringView other) { return other.size() > name.size() && other.startsWith(name); };
-            if (!name.isEmpty() && name.startsWith(typed) && isLetter(name.back()) && std::ranges::none_of(command.names, isLongForm)) {
-                names << name.toString();
-            }
-        }
-    }
+    QStringList names = VimExCommand::allNames(VimExCommand::Audience::exact);
+    names.removeIf([typed](const QString &name) { return !name.startsWith(typed) || !isLetter(name.back()); });
     return sorted(std::move(names));
 }
 

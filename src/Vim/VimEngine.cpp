@@ -93,9 +93,9 @@ bool VimEngine::handleKey(const VimKeyEvent &event)
         perform(*action);
     } else if (std::holds_alternative<VimKeymap::Pending>(outcome)) {
         notify();
-    } else {
+    } else if (const auto *passed = std::get_if<VimKeymap::Passthrough>(&outcome)) {
         // Those that waited are keys of mappings, of one unit each.
-        const auto &strokes = std::get<VimKeymap::Passthrough>(outcome);
+        const auto &strokes = *passed;
         std::for_each(strokes.begin(), std::prev(strokes.end()),
                       [this](const VimKeyStroke &earlier) { handleStroke(earlier, QString(QChar(earlier.character))); });
         if (m_mode == Mode::insert) {

@@ -5,6 +5,7 @@
 #include "Base/Translation.h"
 #include "Commands/Actions.h"
 #include "Settings/Preferences.h"
+#include "Vim/VimExFunctions.h"
 #include "Vim/VimSubstitution.h"
 
 #include <algorithm>
@@ -15,22 +16,184 @@ using namespace std::string_view_literals;
 namespace {
 
 using enum VimKeyHelp::Section;
+using enum VimExCommand::Takes;
+using Modes = VimMappings::Modes;
+using Mode = VimMappings::Mode;
+
+constexpr Modes typed = Modes(Mode::insert) | Modes(Mode::commandLine);
+constexpr Modes commanded = Modes(Mode::normal) | Modes(Mode::visual) | Modes(Mode::operatorPending);
+
+template<Modes (*modes)()>
+Result<void> mapRecursively(VimExCall &call)
+{
+    return VimExFunctions::map(call, modes(), VimExFunctions::Mapped::recursively);
+}
+template<Modes (*modes)()>
+Result<void> mapOnce(VimExCall &call)
+{
+    return VimExFunctions::map(call, modes(), VimExFunctions::Mapped::once);
+}
+template<Modes (*modes)()>
+Result<void> unmap(VimExCall &call)
+{
+    return VimExFunctions::unmap(call, modes());
+}
+template<Modes (*modes)()>
+Result<void> clearMappings(VimExCall &call)
+{
+    return VimExFunctions::clearMappings(call, modes());
+}
+template<Mode mode>
+Modes only()
+{
+    return mode;
+}
+Modes allTyped()
+{
+    return typed;
+}
+Modes allCommanded()
+{
+    return commanded;
+}
+
+using ExactNames = std::array<QStringView, 4>;
+
+/// A command that only exact modal editing has.
+constexpr VimExCommand exactly(const ExactNames &names, unsigned takes, VimExCommand::Function function, const VimKeyHelp &help = {})
+{
+    return {{}, VimExCommand::Exact{}, help, 1, names, takes, function};
+}
+constexpr VimExCommand exactly(const ExactNames &names, unsigned takes, const Action &action, const VimKeyHelp &help = {})
+{
+    return {{}, &action, help, 1, names, takes};
+}
+
+namespace Ex = VimExFunctions;
+
+constexpr unsigned lines = range | count;
+constexpr unsigned linesAndRegister = lines | registerName | edits;
+constexpr unsigned optionalName = argument | bang;
+constexpr unsigned mapping = argument | configures;
 
 constexpr auto commands = std::to_array<VimExCommand>({
-    {{u"w", u"write"}, &Actions::saveDocument, {commandLine, u"write, quit, both"}},
-    {{u"q", u"close"}, &Actions::closeTab, besideAbove},
-    {{u"wq", u"x", u"wqa", u"xa"}, &Actions::saveAndClose, besideAbove, 2},
-    {{u"q!"}, &Actions::forceCloseTab, {commandLine, u"quit without saving"}},
-    {{u"qa", u"qa!"}, &Actions::closeWindowFromVim},
-    {{u"e", u"edit", u"e!"}, &Actions::editFile, {commandLine, u"reload, or open a file", {u":e", u":e {file}"sv}}},
+    {{u"w", u"write"},
+     &Actions::saveDocument,
+     {commandLine, u"write, quit, both"},
+     1,
+     {u"w[rite]", u"up[date]"},
+     range | optionalName,
+     &Ex::write},
+    {{u"q", u"close"}, &Actions::closeTab, besideAbove, 1, {u"q[uit]"}},
+    {{u"wq", u"x", u"wqa", u"xa"}, &Actions::saveAndClose, besideAbove, 2, {u"wq", u"x[it]", u"exi[t]"}, bang},
+    {{u"q!"}, &Actions::forceCloseTab, {commandLine, u"quit without saving"}, 1, {u"q[uit]!"}},
+    {{u"qa", u"qa!"}, &Actions::closeWindowFromVim, {}, 1, {u"qa[ll]", u"quita[ll]"}, bang},
+    {{u"e", u"edit", u"e!"},
+     &Actions::editFile,
+     {commandLine, u"reload, or open a file", {u":e", u":e {file}"sv}},
+     1,
+     {u"e[dit]"},
+     optionalName},
     {{}, VimExCommand::Line{}, {commandLine, u"go to a line", {u":{number}"}}},
     {{}, VimExCommand::Substitute{}, {commandLine, u"substitute; flags g and i", {u":s/old/new/"sv, u":%s/old/new/g"sv}}},
-    {{u"hardcopy", u"ha"}, &Actions::printDocument},
-    {{u"vs", u"vsplit"}, &Actions::splitEditorRight, {commandLine, u"split right, split down, close the others"}},
-    {{u"sp", u"split"}, &Actions::splitEditorDown, besideAbove},
-    {{u"only", u"on"}, &Actions::closeOtherSplits, besideAbove},
-    {{u"set"}, VimExCommand::Set{}},
-    {{u"nohlsearch", u"nohl", u"noh"}, VimExCommand::HideHits{}},
+    {{u"hardcopy", u"ha"}, &Actions::printDocument, {}, 1, {u"ha[rdcopy]"}, bang},
+    {{u"vs", u"vsplit"},
+     &Actions::splitEditorRight,
+     {commandLine, u"split right, split down, close the others"},
+     1,
+     {u"vs[plit]"},
+     argument,
+     &Ex::splitBeside},
+    {{u"sp", u"split"}, &Actions::splitEditorDown, besideAbove, 1, {u"sp[lit]"}, argument, &Ex::splitBelow},
+    {{u"only", u"on"}, &Actions::closeOtherSplits, besideAbove, 1, {u"only", u"on[ly]"}, bang},
+    {{u"set"}, VimExCommand::Set{}, {}, 1, {u"se[t]", u"setl[ocal]", u"setg[lobal]"}, argument | configures, &Ex::set},
+    {{u"nohlsearch", u"nohl", u"noh"}, VimExCommand::HideHits{}, {}, 1, {u"noh[lsearch]"}, 0, &Ex::hideHits},
+
+    exactly({u"d[elete]"}, linesAndRegister, &Ex::remove, {commandLine, u"delete, yank lines", {u":{range}d x"sv}}),
+    exactly({u"y[ank]"}, linesAndRegister, &Ex::yank, besideAbove),
+    exactly({u"pu[t]"}, range | lineZero | registerName | bang | edits, &Ex::put,
+            {commandLine, u"put lines of a register below, above", {u":pu x"sv, u":pu! x"sv}}),
+    exactly({u"m[ove]"}, range | argument | edits, &Ex::move, {commandLine, u"move, copy lines behind another", {u":m {line}"sv}}),
+    exactly({u"t", u"co[py]"}, range | argument | edits, &Ex::copy, {.forms = {u":t {line}"sv}, .isBesideAbove = true}),
+    exactly({u"j[oin]"}, lines | bang | edits, &Ex::join, {commandLine, u"join lines, as they are", {u":j"sv, u":j!"sv}}),
+    exactly({u">"}, lines | edits, &Ex::shift, {commandLine, u"indent, outdent lines"}),
+    exactly({u"<"}, lines | edits, &Ex::shift, besideAbove),
+    exactly({u"g[lobal]"}, range | all | bang | rest | edits, &Ex::repeatOnLines,
+            {commandLine, u"do a command on all lines that match, that do not", {u":g/pattern/command"sv}}),
+    exactly({u"v[global]"}, range | all | rest | edits, &Ex::repeatOnOtherLines,
+            {.forms = {u":v/pattern/command"sv}, .isBesideAbove = true}),
+    exactly({u"norm[al]"}, range | bang | rest | edits, &Ex::normal,
+            {commandLine, u"type keys of normal mode, on every line of a range", {u":norm {keys}"sv}}),
+    exactly({u"sor[t]"}, range | all | bang | argument | edits, &Ex::sort,
+            {commandLine, u"sort lines; flags n f x o b i r u, ! for the other way round", {u":sort"sv}}),
+    exactly({u"s[ubstitute]", u"&", u"&&", u"~"}, range | rest | edits, &Ex::substitute,
+            {commandLine, u"substitute; the same again", {u":s/old/new/g"sv, u":&&"sv}}),
+    exactly({u"ret[ab]"}, range | all | bang | argument | edits, &Ex::retab, {commandLine, u"write tabs and spaces anew", {u":retab"sv}}),
+    exactly({u"u[ndo]"}, count, &Ex::undo, {commandLine, u"undo, redo"}),
+    exactly({u"red[o]"}, nothing, &Ex::redo, besideAbove),
+    exactly({u"k"}, range | argument, &Ex::mark, {commandLine, u"set, delete marks", {u":k x"sv}}),
+    exactly({u"ma[rk]"}, range | argument, &Ex::mark),
+    exactly({u"delm[arks]"}, bang | argument, &Ex::deleteMarks, {.forms = {u":delm a-c"sv}, .isBesideAbove = true}),
+    exactly({u"reg[isters]", u"di[splay]"}, argument, &Ex::listRegisters, {commandLine, u"show registers, marks, jumps, changes"}),
+    exactly({u"marks"}, argument, &Ex::listMarks, besideAbove),
+    exactly({u"ju[mps]"}, nothing, &Ex::listJumps, besideAbove),
+    exactly({u"changes"}, nothing, &Ex::listChanges, besideAbove),
+    exactly({u"p[rint]", u"P[rint]"}, lines, &Ex::print, {commandLine, u"show lines, with their numbers, the last number"}),
+    exactly({u"nu[mber]", u"#"}, lines, &Ex::printNumbered, besideAbove),
+    exactly({u"="}, range, &Ex::lineNumber, besideAbove),
+    exactly({u"pw[d]"}, nothing, &Ex::workingFolder),
+    exactly({u"wa[ll]"}, bang, Actions::saveAllDocuments, {commandLine, u"write all, and close the window", {u":wa"sv, u":wqa"sv}}),
+    exactly({u"wqa[ll]", u"xa[ll]"}, bang, &Ex::writeAllAndClose),
+    exactly({u"ene[w]"}, bang, Actions::newDocument),
+    exactly({u"new"}, argument, &Ex::newBelow, {commandLine, u"new text below, beside, in a tab"}),
+    exactly({u"vne[w]"}, argument, &Ex::newBeside, besideAbove),
+    exactly({u"tabe[dit]", u"tabnew"}, argument, &Ex::newTab, besideAbove),
+    exactly({u"clo[se]"}, bang, Actions::closeSplit),
+    exactly({u"bd[elete]", u"tabc[lose]", u"bw[ipeout]", u"bun[load]"}, bang, &Ex::closeTab),
+    exactly({u"tabo[nly]"}, bang, Actions::closeOtherTabs),
+    exactly({u"bn[ext]"}, bang, Actions::selectNextTab, {commandLine, u"next, previous tab, that of a number or name"}),
+    exactly({u"bp[revious]", u"bN[ext]"}, bang, Actions::selectPreviousTab, besideAbove),
+    exactly({u"b[uffer]"}, optionalName, Actions::showTab, {.forms = {u":b {number}"sv}, .isBesideAbove = true}),
+    exactly({u"tabn[ext]"}, count, &Ex::nextTab),
+    exactly({u"tabp[revious]", u"tabN[ext]"}, count, &Ex::previousTab),
+    exactly({u"ls", u"buffers", u"files", u"tabs"}, bang, Actions::listTabs, {commandLine, u"list tabs"}),
+    exactly({u"r[ead]"}, range | lineZero | argument, &Ex::insertFile,
+            {commandLine, u"put a file’s text below the line", {u":r {file}"sv}}),
+    exactly({u"so[urce]"}, argument, Actions::sourceFile, {commandLine, u"carry out a file of :set and :map", {u":so {file}"sv}}),
+    exactly({u"h[elp]"}, argument, Actions::showVimKeyReference),
+
+    exactly({u"let"}, argument | configures, &Ex::let, {commandLine, u"what <leader> stands for", {u":let mapleader = \"\\<Space>\""sv}}),
+    exactly({u"map"}, mapping, &mapRecursively<allCommanded>,
+            {commandLine,
+             u"what keys stand for; n v o i c before it for one mode, nore for no other mapping",
+             {u":map {keys} {others}"sv, u":unmap {keys}"sv}}),
+    exactly({u"nm[ap]"}, mapping, &mapRecursively<only<Mode::normal>>),
+    exactly({u"vm[ap]", u"xm[ap]"}, mapping, &mapRecursively<only<Mode::visual>>),
+    exactly({u"om[ap]"}, mapping, &mapRecursively<only<Mode::operatorPending>>),
+    exactly({u"map!"}, mapping, &mapRecursively<allTyped>),
+    exactly({u"im[ap]"}, mapping, &mapRecursively<only<Mode::insert>>),
+    exactly({u"cm[ap]"}, mapping, &mapRecursively<only<Mode::commandLine>>),
+    exactly({u"no[remap]"}, mapping, &mapOnce<allCommanded>),
+    exactly({u"nn[oremap]"}, mapping, &mapOnce<only<Mode::normal>>),
+    exactly({u"vn[oremap]", u"xn[oremap]"}, mapping, &mapOnce<only<Mode::visual>>),
+    exactly({u"ono[remap]"}, mapping, &mapOnce<only<Mode::operatorPending>>),
+    exactly({u"no[remap]!"}, mapping, &mapOnce<allTyped>),
+    exactly({u"ino[remap]"}, mapping, &mapOnce<only<Mode::insert>>),
+    exactly({u"cno[remap]"}, mapping, &mapOnce<only<Mode::commandLine>>),
+    exactly({u"unm[ap]"}, mapping, &unmap<allCommanded>),
+    exactly({u"nun[map]"}, mapping, &unmap<only<Mode::normal>>),
+    exactly({u"vu[nmap]", u"xu[nmap]"}, mapping, &unmap<only<Mode::visual>>),
+    exactly({u"ou[nmap]"}, mapping, &unmap<only<Mode::operatorPending>>),
+    exactly({u"unm[ap]!"}, mapping, &unmap<allTyped>),
+    exactly({u"iu[nmap]"}, mapping, &unmap<only<Mode::insert>>),
+    exactly({u"cu[nmap]"}, mapping, &unmap<only<Mode::commandLine>>),
+    exactly({u"mapc[lear]"}, configures, &clearMappings<allCommanded>),
+    exactly({u"nmapc[lear]"}, configures, &clearMappings<only<Mode::normal>>),
+    exactly({u"vmapc[lear]", u"xmapc[lear]"}, configures, &clearMappings<only<Mode::visual>>),
+    exactly({u"omapc[lear]"}, configures, &clearMappings<only<Mode::operatorPending>>),
+    exactly({u"mapc[lear]!"}, configures, &clearMappings<allTyped>),
+    exactly({u"imapc[lear]"}, configures, &clearMappings<only<Mode::insert>>),
+    exactly({u"cmapc[lear]"}, configures, &clearMappings<only<Mode::commandLine>>),
 });
 
 /// Commands only with the name of a file.
@@ -76,13 +239,14 @@ bool apply(const Setting<int> &setting, QStringView typed, Preferences &preferen
 }
 
 /// Switches first.
-VimKeyHelpEntries helpOfOptions()
+VimKeyHelpEntries helpOfOptions(VimExCommand::Audience audience)
 {
     VimKeyHelpEntries switches;
     VimKeyHelpEntries others;
     for (const AnySetting *setting : Settings::all()) {
         const ExOption &option = setting->details.option;
-        if (!option.exists() || option.audience == ExOption::Audience::exact) {
+        const bool isForExact = option.audience == ExOption::Audience::exact;
+        if (!option.exists() || (isForExact && audience == VimExCommand::Audience::byDefault)) {
             continue;
         }
         const VimKeyHelp help{commandLine, option.purpose};
@@ -133,19 +297,72 @@ const VimExCommand *VimExCommand::named(QStringView name)
     return found == commands.end() ? nullptr : &*found;
 }
 
-VimKeyHelpEntries VimExCommand::keyHelp()
+namespace {
+
+/// "w" of "w[rite]".
+QStringView shortest(QStringView exactName)
+{
+    const qsizetype bracket = exactName.indexOf(u'[');
+    return bracket < 0 ? exactName : exactName.first(bracket);
+}
+
+/// "write" of it.
+QString longest(QStringView exactName)
+{
+    return exactName.toString().remove(u'[').remove(u']');
+}
+
+} // namespace
+
+bool VimExCommand::isAbbreviation(QStringView typed, QStringView name)
+{
+    const QString full = longest(name);
+    const QStringView ending = name.endsWith(u'!') ? QStringView(u"!") : QStringView();
+    const QStringView letters = QStringView(full).chopped(ending.size());
+    return typed.size() >= shortest(name).size() && typed.endsWith(ending) && letters.startsWith(typed.chopped(ending.size())) &&
+           (typed.size() > ending.size());
+}
+
+const VimExCommand *VimExCommand::namedExactly(QStringView name)
+{
+    const auto found = std::ranges::find_if(commands, [name](const VimExCommand &command) {
+        return std::ranges::any_of(command.exactNames,
+                                   [name](QStringView known) { return !known.isEmpty() && isAbbreviation(name, known); });
+    });
+    return found == commands.end() ? nullptr : &*found;
+}
+
+QStringList VimExCommand::allNames(Audience audience)
+{
+    QStringList names;
+    for (const VimExCommand &command : commands) {
+        for (const QStringView name : audience == Audience::exact ? command.exactNames : command.names) {
+            if (!name.isEmpty()) {
+                names << longest(name);
+            }
+        }
+    }
+    std::ranges::sort(names);
+    return names;
+}
+
+VimKeyHelpEntries VimExCommand::keyHelp(Audience audience)
 {
     VimKeyHelpEntries entries;
     for (const VimExCommand &command : commands) {
-        if (!command.help.exists()) {
+        const auto &names = audience == Audience::exact ? command.exactNames : command.names;
+        const bool isNamed = !names.front().isEmpty();
+        const bool isSubstitution = std::holds_alternative<Substitute>(command.function) && audience == Audience::byDefault;
+        const bool isNameless = std::holds_alternative<Line>(command.function) || isSubstitution;
+        if (!command.help.exists() || !(isNamed || isNameless)) {
             continue;
         }
-        VimKeyHelpEntry &entry = entries.emplace_back(u':' + command.names.front().toString(), command.help);
+        VimKeyHelpEntry &entry = entries.emplace_back(u':' + shortest(names.front()).toString(), command.help);
         for (size_t name = 1; name < command.toldNames; ++name) {
-            entry.keys << u':' + command.names[name].toString();
+            entry.keys << u':' + shortest(names[name]).toString();
         }
     }
-    std::ranges::move(helpOfOptions(), std::back_inserter(entries));
+    std::ranges::move(helpOfOptions(audience), std::back_inserter(entries));
     return entries;
 }
 

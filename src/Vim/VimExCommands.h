@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/Result.h"
 #include "Commands/Action.h"
 #include "Text/LineNumber.h"
 #include "Vim/VimKeyHelp.h"
@@ -13,6 +14,7 @@
 #include <variant>
 
 class Preferences;
+struct VimExCall;
 struct VimSubstitution;
 
 /// The editor in which ex commands are typed.
@@ -36,25 +38,63 @@ protected:
 struct VimExCommand {
     struct Set {};
     struct HideHits {};
+    /// Only exact modal editing has it.
+    struct Exact {};
 
     /// The number of a line, and a substitution: no names, but forms of their own.
     struct Line {};
     struct Substitute {};
 
+    /// What an exact command takes.
+    enum Takes : unsigned {
+        nothing = 0,
+        range = 1U << 0,
+        /// Without a range the whole text.
+        all = 1U << 1,
+        /// A line 0, before the first.
+        lineZero = 1U << 2,
+        count = 1U << 3,
+        registerName = 1U << 4,
+        bang = 1U << 5,
+        argument = 1U << 6,
+        /// An argument that is the rest of the line, with every "|".
+        rest = 1U << 7,
+        /// It changes the text.
+        edits = 1U << 8,
+        /// It needs no text, so that it may stand in a file of such commands.
+        configures = 1U << 9,
+    };
+    /// Who has it.
+    enum class Audience { byDefault, exact };
+    using Function = Result<void> (*)(VimExCall &call);
+
+    /// By default; none for a command that only exact modal editing has.
     std::array<QStringView, 4> names;
-    std::variant<HideHits, Set, Line, Substitute, const Action *> function;
+    std::variant<HideHits, Set, Line, Substitute, Exact, const Action *> function;
     VimKeyHelp help = {};
     /// How many of the names, from the first on, the reference of keys shows.
     size_t toldNames = 1;
+    /// In exact modal editing; "w[rite]" may be written with as many of the letters in brackets as one likes. None for a command that it
+    /// does not have.
+    std::array<QStringView, 4> exactNames = {};
+    unsigned takes = nothing;
+    /// What it does there, where that is not `function`.
+    Function exact = nullptr;
 
     [[nodiscard]] static std::span<const VimExCommand> table();
     /// Null when there is none of that name.
     [[nodiscard]] static const VimExCommand *named(QStringView name);
+    /// In exact modal editing.
+    [[nodiscard]] static const VimExCommand *namedExactly(QStringView name);
+    /// Whether `typed` is `name`, as exact names are written, or an abbreviation of it.
+    [[nodiscard]] static bool isAbbreviation(QStringView typed, QStringView name);
+    /// Full names, ascending, for completion.
+    [[nodiscard]] static QStringList allNames(Audience audience);
 
     /// What there is to say about them and the options of `:set`.
-    [[nodiscard]] static VimKeyHelpEntries keyHelp();
+    [[nodiscard]] static VimKeyHelpEntries keyHelp(Audience audience);
 
-    /// Carries out what was typed behind ":"; says so when it is no command.
+    /// Carries out what was typed behind ":"; says so when it is no command. Not in exact modal editing, which has VimExLine.
     static void run(const QString &typed, VimCommandHost &host, Preferences &preferences);
 };
 

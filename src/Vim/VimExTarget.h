@@ -45,6 +45,8 @@ public:
     [[nodiscard]] virtual Indentation indentation() const = 0;
     [[nodiscard]] virtual const VimOptions &options() const = 0;
 
+    /// The marked hits of searches, till the next one.
+    virtual void hideHits() = 0;
     /// For a few seconds.
     virtual void say(const QString &message) = 0;
     /// Several lines, to be read at leisure.

@@ -42,4 +42,36 @@ constexpr char16_t pageUp = 0xF72C;
 constexpr char16_t pageDown = 0xF72D;
 /// The tab key with Shift, in a command line.
 constexpr char16_t backtab = 0xF8FF;
+/// The first of F1 to F12.
+constexpr char16_t functionKey = 0xF704;
+
+/// In keys as text, where each is one unit, a key of ASCII with Alt.
+constexpr char16_t withAlt(char16_t key)
+{
+    return char16_t(0xF600 + key);
+}
+/// A key as the unit that it is in such a text: Control chords of letters are 0x01 to 0x1A.
+[[nodiscard]] constexpr char16_t unit(const VimKeyStroke &stroke)
+{
+    const char16_t key = stroke.character;
+    if (stroke.control && key == u' ') {
+        return 0;
+    }
+    if (stroke.control && key >= 0x40 && key < 0x7F) {
+        return key & 0x1F;
+    }
+    return stroke.option && key < 0x80 ? withAlt(key) : key;
+}
+/// The key that such a unit is. Tab, Return and Escape are keys of their own rather than chords.
+[[nodiscard]] constexpr VimKeyStroke stroke(char16_t unit)
+{
+    if (unit >= withAlt(0) && unit < withAlt(0x80)) {
+        return {.character = char16_t(unit - withAlt(0)), .option = true};
+    }
+    if (unit < 0x20 && unit != u'\t' && unit != u'\r' && unit != escape) {
+        const char16_t letter = unit >= 1 && unit <= 26 ? char16_t(unit + u'a' - 1) : char16_t(unit + 0x40);
+        return {.character = letter, .control = true};
+    }
+    return {.character = unit};
+}
 } // namespace VimKey

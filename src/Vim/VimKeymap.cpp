@@ -6,6 +6,7 @@
 #include "Commands/Actions.h"
 #include "Settings/Preferences.h"
 #include "Vim/VimEngine.h"
+#include "Vim/VimKeyNotation.h"
 
 #include <array>
 
@@ -79,6 +80,15 @@ QString written(const QList<VimKeyStroke> &keys, QStringView space, QStringView 
     return text;
 }
 
+QString unitsOf(const QList<VimKeyStroke> &keys)
+{
+    QString units;
+    for (const VimKeyStroke &key : keys) {
+        units += QChar(VimKey::unit(key));
+    }
+    return units;
+}
+
 /// Whether `keys` begin with `start`, and are more.
 bool goesOn(const QList<VimKeyStroke> &keys, const QList<VimKeyStroke> &start)
 {
@@ -87,7 +97,7 @@ bool goesOn(const QList<VimKeyStroke> &keys, const QList<VimKeyStroke> &start)
 
 } // namespace
 
-VimKeymap::VimKeymap(VimKeymapPreset preset) : m_preset(preset)
+VimKeymap::VimKeymap(VimKeymapPreset preset, std::shared_ptr<const VimMappings> users) : m_preset(preset), m_users(std::move(users))
 {
     if (preset != VimKeymapPreset::lazyVim) {
         return;
@@ -107,13 +117,36 @@ bool VimKeymap::hasLonger(const Mappings &mappings, const QList<VimKeyStroke> &k
     return std::ranges::any_of(mappings, [&](const auto &mapping) { return goesOn(mapping.first, keys); });
 }
 
+const VimKeymap::Mappings &VimKeymap::mappingsOf(Table table) const
+{
+    static const Mappings none;
+    switch (table) {
+    case Table::normal:
+    case Table::operatorPending:
+        return m_normal;
+    case Table::visual:
+        return m_visual;
+    case Table::insert:
+    case Table::commandLine:
+        break;
+    }
+    return none;
+}
+
 VimKeymap::Outcome VimKeymap::consume(const VimKeyStroke &stroke, Table table)
 {
     const Mappings &mappings = mappingsOf(table);
-    if (mappings.empty()) {
+    const bool hasUsers = this->hasUsers(table);
+    if (mappings.empty() && !hasUsers) {
         return Passthrough{stroke};
     }
     m_buffer << stroke;
+    if (const VimMapping *mapping = users(m_buffer, table); mapping && !usersGoOn(m_buffer, table)) {
+        return fed(*mapping, m_buffer.size());
+    }
+    if (usersGoOn(m_buffer, table)) {
+        return Pending();
+    }
     if (const auto mapping = mappings.find(m_buffer); mapping != mappings.end()) {
         m_buffer.clear();
         return mapping->second;
@@ -121,14 +154,64 @@ VimKeymap::Outcome VimKeymap::consume(const VimKeyStroke &stroke, Table table)
     if (hasLonger(mappings, m_buffer)) {
         return Pending();
     }
-    return std::exchange(m_buffer, {});
+    return hasUsers ? longestOfUsers(table) : Outcome(std::exchange(m_buffer, {}));
+}
+
+std::optional<VimKeymap::Outcome> VimKeymap::expire(Table table)
+{
+    if (!isWaiting() || (!users(m_buffer, table) && !usersGoOn(m_buffer, table))) {
+        return std::nullopt;
+    }
+    return longestOfUsers(table);
+}
+
+/// No mapping has all the keys: the longest one that they begin with, or the first key as it is.
+VimKeymap::Outcome VimKeymap::longestOfUsers(Table table)
+{
+    for (qsizetype length = m_buffer.size(); length > 0; --length) {
+        const QList<VimKeyStroke> keys = m_buffer.first(length);
+        if (const VimMapping *mapping = users(keys, table)) {
+            return fed(*mapping, length);
+        }
+        if (const auto preset = mappingsOf(table).find(keys); preset != mappingsOf(table).end()) {
+            return Fed{.action = preset->second, .rest = std::exchange(m_buffer, {}).sliced(length)};
+        }
+    }
+    QList<VimKeyStroke> rest = std::exchange(m_buffer, {});
+    const VimKeyStroke first = rest.takeFirst();
+    return rest.isEmpty() ? Outcome(Passthrough{first}) : Outcome(Fed{.before = {first}, .rest = rest});
+}
+
+VimKeymap::Fed VimKeymap::fed(const VimMapping &mapping, qsizetype length)
+{
+    const QList<VimKeyStroke> keys = std::exchange(m_buffer, {});
+    // A mapping that begins with its own keys means them as they are.
+    const bool beginsWithItself = mapping.result.startsWith(unitsOf(keys.first(length)));
+    const qsizetype unmapped = !mapping.isRecursive ? mapping.result.size() : beginsWithItself ? length : 0;
+    return {.keys = mapping.result, .unmapped = unmapped, .rest = keys.sliced(length)};
+}
+
+const VimMapping *VimKeymap::users(const QList<VimKeyStroke> &keys, Table table) const
+{
+    return hasUsers(table) ? m_users->find(VimMappings::Mode(table), unitsOf(keys)) : nullptr;
+}
+
+bool VimKeymap::usersGoOn(const QList<VimKeyStroke> &keys, Table table) const
+{
+    return hasUsers(table) && m_users->goOn(VimMappings::Mode(table), unitsOf(keys));
 }
 
 bool VimKeymap::wants(const VimKeyStroke &stroke, Table table) const
 {
     const Mappings &mappings = mappingsOf(table);
     const QList<VimKeyStroke> keys = m_buffer + QList{stroke};
-    return mappings.contains(keys) || hasLonger(mappings, keys);
+    return completes(stroke, table) || hasLonger(mappings, keys) || usersGoOn(keys, table);
+}
+
+bool VimKeymap::completes(const VimKeyStroke &stroke, Table table) const
+{
+    const QList<VimKeyStroke> keys = m_buffer + QList{stroke};
+    return mappingsOf(table).contains(keys) || users(keys, table);
 }
 
 std::vector<VimKeymap::Mapping> VimKeymap::continuations(Table table) const
@@ -141,6 +224,17 @@ std::vector<VimKeymap::Mapping> VimKeymap::continuations(Table table) const
                   [&](const Mapping &mapping) { return !goesOn(mapping.keys, m_buffer) || !mappingsOf(table).contains(mapping.keys); });
     for (Mapping &mapping : found) {
         mapping.keys.remove(0, m_buffer.size());
+    }
+    if (hasUsers(table)) {
+        for (const VimMappings::Listed &listed : m_users->list(VimMappings::Mode(table), unitsOf(m_buffer))) {
+            QList<VimKeyStroke> keys;
+            for (const QChar unit : QStringView(listed.keys).sliced(m_buffer.size())) {
+                keys << VimKey::stroke(unit.unicode());
+            }
+            if (!keys.isEmpty()) {
+                found.push_back({.keys = keys, .label = VimKeyNotation::written(listed.mapping->result), .action = {}, .section = {}});
+            }
+        }
     }
     return found;
 }

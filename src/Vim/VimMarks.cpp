@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Vim/VimMarks.h"
 
+#include "Vim/VimMarkedLines.h"
+
 #include <QStringView>
 
 namespace {
@@ -61,6 +63,16 @@ void VimMarks::follow(const TextChange &change)
         }
     }
     m_places = std::move(left);
+    if (m_lines) {
+        m_lines->follow(change);
+    }
+}
+
+void VimMarks::noteJoined(qsizetype start)
+{
+    if (m_lines) {
+        m_lines->passOver(start);
+    }
 }
 
 std::vector<VimMarks::Mark> VimMarks::all() const

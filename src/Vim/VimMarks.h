@@ -4,7 +4,12 @@
 
 #include "Vim/VimPlaces.h"
 
+#include <QtGlobal>
+
 #include <map>
+#include <utility>
+
+class VimMarkedLines;
 
 /// The marks of one text: a–z and A–Z, which the user sets, and ' [ ] < > ^ . " which follow what is done. ` is ' as well. Offsets are
 /// UTF-16 units. A value.
@@ -32,6 +37,22 @@ public:
     /// In Vim's order.
     [[nodiscard]] std::vector<Mark> all() const;
 
+    /// What began at `start` was joined to a line before, however it looks: followed lines leave it out.
+    void noteJoined(qsizetype start);
+
+    /// While it lives, `lines` follow changes as well. Both must outlive it.
+    class Following final {
+    public:
+        Following(VimMarks &marks, VimMarkedLines &lines) : m_marks(marks), m_before(std::exchange(marks.m_lines, &lines)) {}
+        ~Following() { m_marks.m_lines = m_before; }
+        Q_DISABLE_COPY_MOVE(Following)
+
+    private:
+        VimMarks &m_marks;
+        VimMarkedLines *m_before;
+    };
+
 private:
     std::map<char16_t, VimPlace> m_places;
+    VimMarkedLines *m_lines = nullptr;
 };

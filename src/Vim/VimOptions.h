@@ -2,7 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <memory>
+
 class Preferences;
+class VimMappings;
 enum class VimKeymapPreset;
 
 /// What the user has set about modal editing: a value, so that the engine looks nothing up while keys are typed.
@@ -27,6 +30,8 @@ struct VimOptions {
     int scrollOffset = 0;
     /// Milliseconds that the next key of a user's mapping may take.
     int mappingTimeout = 1000;
+    /// Of the user; null for none.
+    std::shared_ptr<const VimMappings> mappings = nullptr;
 
     /// The one that a test or a tool has without preferences.
     explicit VimOptions(VimKeymapPreset keymap) : preset(keymap) {}

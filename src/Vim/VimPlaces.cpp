@@ -30,10 +30,10 @@ bool endsWithBreak(const Rope &text)
 
 /// What one edit makes of the place of a line that it touches.
 struct Touch {
-    enum class What { nothing, gone, line, offset };
+    enum class What { nothing, gone, line, offset, joined };
 
     What what = What::nothing;
-    /// The line of the new text, or the offset in it.
+    /// The line of the new text, or the offset in it where the place is, in a line that was parted or joined to another.
     qsizetype target = 0;
 };
 
@@ -85,7 +85,7 @@ private:
     {
         const TextEdit &edit = m_change.edits[index];
         const bool joins = !isAtLineStart(m_change.before, edit.range.location) && (breaks == 0 || !endsWithBreak(edit.text));
-        return joins ? Touch{Touch::What::offset, m_change.edits.mapped(m_offset, Bias::after)}
+        return joins ? Touch{Touch::What::joined, m_change.edits.mapped(m_offset, Bias::after)}
                      : Touch{Touch::What::line, m_change.after.lineAt(m_change.edits.newRange(index).end())};
     }
 
@@ -95,14 +95,13 @@ private:
         const TextEdit &edit = m_change.edits[index];
         const bool takesBegun = isAtLineStart(m_change.before, edit.range.location);
         const bool takesAll = edit.range.end() >= m_contentEnd;
-        const bool leavesLine = !isAtLineStart(m_change.before, edit.range.end()) || edit.range.end() == m_change.before.length();
+        const bool leavesLine = !isAtLineStart(m_change.before, edit.range.end());
         const qsizetype first = m_change.before.lineAt(edit.range.location);
         // Of the lines that it takes so many are left, as others.
         const bool deletesAll = edit.text.isEmpty() && edit.range.end() == m_change.before.length();
-        const qsizetype kept =
-            breaks + (takesBegun && leavesLine && !deletesAll && !endsWithBreak(edit.text) ? 1 : 0) + (takesBegun ? 0 : 1);
+        const qsizetype kept = breaks + (takesBegun && leavesLine && !deletesAll ? 1 : 0) + (takesBegun ? 0 : 1);
         if (!takesAll) {
-            return {Touch::What::offset, m_change.edits.mapped(m_offset, Bias::after)};
+            return {Touch::What::joined, m_change.edits.mapped(m_offset, Bias::after)};
         }
         if (m_line - first >= kept) {
             return {Touch::What::gone, m_change.after.lineAt(m_change.edits.newRange(index).location)};
@@ -139,13 +138,18 @@ std::optional<VimPlace> VimPlace::after(const TextChange &change, WithoutLine wi
         case Touch::What::nothing:
             break;
         case Touch::What::gone:
-            if (without == WithoutLine::goes) {
+            if (without != WithoutLine::takesLineBefore) {
                 return std::nullopt;
             }
             return inLine(change.after, std::max<qsizetype>(touch.target - 1, 0), in);
         case Touch::What::line:
             line = touch.target;
             break;
+        case Touch::What::joined:
+            if (without == WithoutLine::goesWhenJoined) {
+                return std::nullopt;
+            }
+            [[fallthrough]];
         case Touch::What::offset: {
             const qsizetype there = change.after.lineAt(touch.target);
             return inLine(change.after, there, touch.target - change.after.lineStart(there));

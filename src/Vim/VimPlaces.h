@@ -11,8 +11,8 @@
 /// A place in a text as Vim keeps it: a line and a column. Changes before the column in its line do not move it; it goes where its line
 /// goes. Offsets are UTF-16 units.
 struct VimPlace {
-    /// What becomes of it when its line is deleted.
-    enum class WithoutLine { goes, takesLineBefore };
+    /// What becomes of it when its line is deleted; it may also go with a line that is joined to another.
+    enum class WithoutLine { goes, takesLineBefore, goesWhenJoined };
 
     /// On a unit of the text, or its end.
     qsizetype offset = 0;

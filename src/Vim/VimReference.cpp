@@ -189,11 +189,12 @@ void align(std::span<QString> lines)
 
 } // namespace
 
-std::vector<Section> VimReference::sections()
+std::vector<Section> VimReference::sections(const VimOptions &options)
 {
     VimKeyHelpEntries entries = VimEngine::keyHelp();
     std::ranges::move(VimTextObject::keyHelp(), std::back_inserter(entries));
-    std::ranges::move(VimExCommand::keyHelp(), std::back_inserter(entries));
+    std::ranges::move(VimExCommand::keyHelp(options.isExact ? VimExCommand::Audience::exact : VimExCommand::Audience::byDefault),
+                      std::back_inserter(entries));
     std::vector<Section> all;
     for (const SectionRow &row : sectionRows) {
         all.push_back({.heading = localized(row.heading),
@@ -205,7 +206,7 @@ std::vector<Section> VimReference::sections()
 
 std::vector<Section> VimReference::overview(const VimOptions &options, const VimChords &chords)
 {
-    std::vector<Section> all = sections();
+    std::vector<Section> all = sections(options);
     all.insert(all.begin() + 1, insertMode(options));
     if (options.preset == VimKeymapPreset::lazyVim) {
         std::ranges::move(sectionsOfKeymap(), std::back_inserter(all));
@@ -224,21 +225,24 @@ std::vector<Section> VimReference::overview(const VimOptions &options, const Vim
     return all;
 }
 
-QString VimReference::markdown(VimKeymapPreset preset)
+QString VimReference::markdown(const VimOptions &options)
 {
     QStringList lines{
         u"# "_s + localized(u"Vim keys"), QString(),
         localized(u"Modal editing is on. The mode shows at the bottom left; Esc always returns to normal mode. Turn it off in "
                   u"Settings ▸ Editing, or with :set novim."),
         QString(), localized(u"Counts work wherever they make sense, on both sides of an operator: 2d3w deletes six words.")};
-    for (const Section &section : sections()) {
+    for (const Section &section : sections(options)) {
         lines << QString() << u"## "_s + section.heading << QString();
         if (!section.intro.isEmpty()) {
             lines << section.intro << QString();
         }
         lines << table(section.rows, u" "_s);
     }
-    lines << presetSection(preset);
+    lines << presetSection(options.preset);
+    if (options.isExact) {
+        return aligningTables(lines.join(u'\n'));
+    }
     lines << QString() << u"## "_s + localized(u"Not implemented") << QString()
           << localized(
                  u"Macros (q, @), visual block (⌃V), the jump list (⌃O, ⌃I) and :g. Anything unrecognised after : says so in the status "

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "Vim/VimOptions.h"
 #include "Vim/VimReference.h"
 #include "Base/Localization.h"
 #include "Base/Translation.h"
@@ -16,10 +17,14 @@ TEST(VimReference, IsAllInGerman)
     const auto texts = [](AppLanguage language) {
         Localization::use(language);
         QStringList all;
-        for (const VimReference::Section &section : VimReference::sections()) {
-            all << section.heading;
-            for (const VimReference::Row &row : section.rows) {
-                all << row.text;
+        VimOptions options(VimKeymapPreset::lazyVim);
+        for (const bool isExact : {false, true}) {
+            options.isExact = isExact;
+            for (const VimReference::Section &section : VimReference::sections(options)) {
+                all << section.heading;
+                for (const VimReference::Row &row : section.rows) {
+                    all << row.text;
+                }
             }
         }
         for (const VimKeymap::Mapping &mapping : VimKeymap::mappings(VimKeymapPreset::lazyVim)) {
@@ -39,7 +44,7 @@ TEST(VimReference, HasColumnsThatLineUp)
 {
     for (const AppLanguage language : {AppLanguage::english, AppLanguage::german}) {
         Localization::use(language);
-        const QString markdown = VimReference::markdown(VimKeymapPreset::lazyVim);
+        const QString markdown = VimReference::markdown(VimOptions(VimKeymapPreset::lazyVim));
         EXPECT_EQ(markdown, VimReference::aligningTables(markdown));
         EXPECT_TRUE(markdown.contains(localized(u"Currently active.")));
         EXPECT_TRUE(markdown.contains(u"| `<leader>\\|` | "_s));

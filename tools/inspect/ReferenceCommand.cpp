@@ -3,6 +3,7 @@
 #include "Command.h"
 
 #include "Settings/Preferences.h"
+#include "Vim/VimOptions.h"
 #include "Vim/VimReference.h"
 
 #include <array>
@@ -17,7 +18,7 @@ QJsonObject runKeyReference(const Arguments &arguments)
 {
     useInterfaceLanguage(arguments);
     const bool isLazyVim = arguments.value(u"preset") == presets[size_t(VimKeymapPreset::lazyVim)].name;
-    return {{u"markdown"_s, VimReference::markdown(isLazyVim ? VimKeymapPreset::lazyVim : VimKeymapPreset::plain)}};
+    return {{u"markdown"_s, VimReference::markdown(VimOptions(isLazyVim ? VimKeymapPreset::lazyVim : VimKeymapPreset::plain))}};
 }
 
 constexpr auto options = std::to_array<OptionRow>({

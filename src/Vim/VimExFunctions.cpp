@@ -1,0 +1,698 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// What changes the text and its marks, and what is shown. Windows and what is set up are in VimExSetup.cpp.
+
+#include "Vim/VimExFunctions.h"
+
+#include "Base/FilePath.h"
+#include "Base/Translation.h"
+#include "Vim/VimExTarget.h"
+#include "Vim/VimMarkedLines.h"
+#include "Vim/VimMarks.h"
+#include "Vim/VimMatcher.h"
+#include "Vim/VimRegisters.h"
+#include "Vim/VimSubstituteJob.h"
+
+using namespace Qt::StringLiterals;
+
+namespace VimExFunctions {
+
+using VimExEdits::LineSpan;
+
+namespace {
+
+void goTo(VimExTarget &target, qsizetype line)
+{
+    const VimExLines lines(target.text());
+    target.moveCaret(lines.firstNonBlank(std::clamp<qsizetype>(line, 1, lines.count())));
+}
+
+/// Has "[" and "]" around what was changed.
+void noteChanged(VimExTarget &target, LineSpan lines)
+{
+    const VimExLines text(target.text());
+    target.marks().set(u'[', text.start(std::min(lines.first, text.count())));
+    target.marks().set(u']', text.start(std::clamp<qsizetype>(lines.last, 1, text.count())));
+}
+
+/// The caret is about to jump.
+void noteJump(VimExTarget &target)
+{
+    target.marks().set(u'\'', target.caret());
+    target.jumps().add(target.caret(), target.text());
+}
+
+/// What was refused was said where it was.
+bool apply(VimExTarget &target, const TextEdits &edits)
+{
+    return edits.isEmpty() || target.apply(edits);
+}
+
+void store(VimExCall &call)
+{
+    if (call.registerName == u'_') {
+        return;
+    }
+    call.target().registers().set({.text = VimExEdits::content(call.target().text(), call.lines), .isLinewise = true}, call.registerName);
+}
+
+tl::unexpected<Error> trailing(const QString &argument)
+{
+    return failure(formatted(localized(u"More than the command takes: %@"), argument));
+}
+
+} // namespace
+
+Result<void> remove(VimExCall &call)
+{
+    VimExTarget &target = call.target();
+    if (target.text().isEmpty()) {
+        return {};
+    }
+    store(call);
+    noteJump(target);
+    if (call.lines.count() == VimExLines(target.text()).count()) {
+        target.marks().deleteAll();
+    }
+    if (apply(target, VimExEdits::removed(target.text(), call.lines))) {
+        goTo(target, call.lines.first);
+        noteChanged(target, {call.lines.first, call.lines.first});
+    }
+    return {};
+}
+
+Result<void> yank(VimExCall &call)
+{
+    store(call);
+    noteChanged(call.target(), call.lines);
+    return {};
+}
+
+Result<void> put(VimExCall &call)
+{
+    VimExTarget &target = call.target();
+    Rope block = target.registers().contents(call.registerName).text;
+    if (block.isEmpty()) {
+        call.line.moveToLine(std::max<qsizetype>(call.lines.last, 1));
+        return failure(formatted(localized(u"Nothing in register %@"), QString(QChar(call.registerName.value_or(u'"')))));
+    }
+    const VimExLines lines(target.text());
+    if (!isBreak(block.at(block.length() - 1))) {
+        block.replace({block.length(), 0}, lines.lineBreak());
+    }
+    const qsizetype after = call.hasBang ? std::max<qsizetype>(call.lines.last - 1, 0) : call.lines.last;
+    if (apply(target, VimExEdits::inserted(target.text(), after, block))) {
+        const LineSpan added{after + 1, after + block.lineCount() - 1};
+        goTo(target, added.last);
+        noteChanged(target, added);
+    }
+    return {};
+}
+
+namespace {
+
+/// The line that `:m` and `:t` go behind.
+Result<qsizetype> destination(VimExCall &call)
+{
+    VimExRange::Trace trace;
+    const auto address = VimExRange::parseAddress(call.argument, call.line.scope(), trace);
+    call.line.note(trace);
+    if (!address) {
+        return tl::make_unexpected(address.error());
+    }
+    if (!address->line || *address->line < 0 || *address->line > VimExLines(call.target().text()).count()) {
+        return failure(localized(u"Invalid range"));
+    }
+    const QStringView rest = QStringView(call.argument).sliced(address->length);
+    return rest.trimmed().isEmpty() ? Result<qsizetype>(*address->line) : trailing(rest.toString());
+}
+
+} // namespace
+
+Result<void> move(VimExCall &call)
+{
+    const auto to = destination(call);
+    if (!to) {
+        return tl::make_unexpected(to.error());
+    }
+    const LineSpan lines = call.lines;
+    if (*to >= lines.first && *to < lines.last) {
+        return failure(localized(u"Lines cannot be moved into themselves"));
+    }
+    VimExTarget &target = call.target();
+    // Marks go with their lines, which to all others are gone from where they were.
+    const VimExLines before(target.text());
+    struct Kept {
+        char16_t name;
+        qsizetype line;
+        qsizetype column;
+    };
+    std::vector<Kept> kept;
+    for (const VimMarks::Mark &mark : target.marks().all()) {
+        const qsizetype line = before.lineOf(mark.place);
+        if (line >= lines.first && line <= lines.last) {
+            kept.push_back({mark.name, line - lines.first, mark.place - before.start(line)});
+        }
+    }
+    if (!apply(target, VimExEdits::moved(target.text(), lines, *to))) {
+        return {};
+    }
+    const qsizetype first = *to >= lines.last ? *to - lines.count() + 1 : *to + 1;
+    const VimExLines after(target.text());
+    for (const Kept &mark : kept) {
+        target.marks().set(mark.name, after.start(first + mark.line) + mark.column);
+    }
+    goTo(target, first + lines.count() - 1);
+    noteChanged(target, {first, first + lines.count() - 1});
+    return {};
+}
+
+Result<void> copy(VimExCall &call)
+{
+    const auto to = destination(call);
+    if (!to) {
+        return tl::make_unexpected(to.error());
+    }
+    VimExTarget &target = call.target();
+    const Rope &text = target.text();
+    if (apply(target, VimExEdits::inserted(text, *to, VimExEdits::content(text, call.lines)))) {
+        goTo(target, *to + call.lines.count());
+        noteChanged(target, {*to + 1, *to + call.lines.count()});
+    }
+    return {};
+}
+
+Result<void> join(VimExCall &call)
+{
+    VimExTarget &target = call.target();
+    LineSpan lines = call.lines;
+    if (lines.first == lines.last) {
+        if (call.written > 1 || lines.last == VimExLines(target.text()).count()) {
+            call.line.moveToLine(lines.first);
+            return {};
+        }
+        ++lines.last;
+    }
+    using enum VimExEdits::Blanks;
+    const TextEdits edits = VimExEdits::joined(target.text(), lines, call.hasBang ? kept : one);
+    std::vector<VimMarks::Mark> marks = target.marks().all();
+    const VimExLines before(target.text());
+    std::erase_if(marks, [&](const VimMarks::Mark &mark) {
+        const qsizetype line = before.lineOf(mark.place);
+        return line < lines.first || line > lines.last;
+    });
+    if (apply(target, edits)) {
+        target.marks().noteJoined(VimExLines(target.text()).start(lines.first));
+        // Of blank lines too, of which nothing is left.
+        for (const VimMarks::Mark &mark : marks) {
+            target.marks().set(mark.name, edits.mapped(mark.place, Bias::after));
+        }
+        goTo(target, lines.first);
+    }
+    return {};
+}
+
+Result<void> shift(VimExCall &call)
+{
+    VimExTarget &target = call.target();
+    noteJump(target);
+    const qsizetype levels = call.name.startsWith(u'>') ? call.name.size() : -call.name.size();
+    if (apply(target, VimExEdits::shifted(target.text(), call.lines, levels, target.indentation()))) {
+        goTo(target, call.lines.last);
+        noteChanged(target, call.lines);
+    }
+    return {};
+}
+
+namespace {
+
+struct SortFlag {
+    char16_t name;
+    VimExEdits::Sorting::By by;
+};
+constexpr auto sortFlags = std::to_array<SortFlag>({
+    {u'n', VimExEdits::Sorting::By::decimal},
+    {u'f', VimExEdits::Sorting::By::real},
+    {u'x', VimExEdits::Sorting::By::hexadecimal},
+    {u'o', VimExEdits::Sorting::By::octal},
+    {u'b', VimExEdits::Sorting::By::binary},
+});
+
+Result<VimExEdits::Sorting> sorting(VimExCall &call)
+{
+    VimExEdits::Sorting sorting{.isReversed = call.hasBang};
+    const QStringView typed = call.argument;
+    int kinds = 0;
+    for (qsizetype at = 0; at < typed.size(); ++at) {
+        const QChar flag = typed[at];
+        const auto kind = std::ranges::find(sortFlags, flag.unicode(), &SortFlag::name);
+        if (kind != sortFlags.end()) {
+            sorting.by = kind->by;
+            ++kinds;
+        } else if (flag == u'i') {
+            sorting.ignoresCase = true;
+        } else if (flag == u'u') {
+            sorting.dropsRepeats = true;
+        } else if (flag == u'r') {
+            sorting.takesMatch = true;
+        } else if (isSpaceOrTab(flag.unicode())) {
+            continue;
+        } else if (flag.isLetterOrNumber() || sorting.pattern) {
+            return failure(formatted(localized(u"Not a way to sort: %@"), call.argument));
+        } else {
+            VimExPart part = VimExPart::upTo(flag, typed.sliced(at + 1));
+            const auto &last = call.target().lastSearch();
+            if (part.text.isEmpty() && !last) {
+                return failure(localized(u"Nothing was searched for yet"));
+            }
+            if (!part.isEnded) {
+                return failure(formatted(localized(u"Not a way to sort: %@"), call.argument));
+            }
+            part.text = part.text.isEmpty() ? last->pattern : part.text;
+            auto pattern = call.line.pattern(part.text);
+            if (!pattern) {
+                return tl::make_unexpected(pattern.error());
+            }
+            call.line.noteSearch(part.text);
+            sorting.pattern = *std::move(pattern);
+            at += part.end;
+        }
+    }
+    return kinds > 1 ? Result<VimExEdits::Sorting>(failure(formatted(localized(u"Not a way to sort: %@"), call.argument)))
+                     : Result<VimExEdits::Sorting>(std::move(sorting));
+}
+
+} // namespace
+
+Result<void> sort(VimExCall &call)
+{
+    auto wanted = sorting(call);
+    if (!wanted) {
+        return tl::make_unexpected(wanted.error());
+    }
+    VimExTarget &target = call.target();
+    if (call.lines.count() > 1 && apply(target, VimExEdits::sorted(target.text(), call.lines, *std::move(wanted)))) {
+        goTo(target, call.lines.first);
+    }
+    return {};
+}
+
+Result<void> retab(VimExCall &call)
+{
+    VimExTarget &target = call.target();
+    bool isNumber = call.argument.isEmpty();
+    const int width = isNumber ? 0 : call.argument.toInt(&isNumber);
+    constexpr int widest = 9999;
+    if (!isNumber || width < 0 || width > widest) {
+        return failure(formatted(localized(u"Needs a number: %@"), call.argument));
+    }
+    const Indentation now = target.indentation();
+    Indentation wanted = now;
+    if (width > 0) {
+        wanted.width = width;
+        wanted.otherTabStops = 0;
+    }
+    const qsizetype line = VimExLines(target.text()).lineOf(target.caret());
+    const qsizetype column = target.caret() - VimExLines(target.text()).start(line);
+    using enum VimExEdits::Runs;
+    if (!apply(target,
+               VimExEdits::retabbed(target.text(), call.lines, now.tabWidth(), wanted, call.hasBang ? VimExEdits::Runs::all : withTabs))) {
+        return {};
+    }
+    const VimExLines after(target.text());
+    target.moveCaret(std::min(after.start(line) + column, after.end(line)));
+    if (width > 0) {
+        call.argument = u"tabstop=%1"_s.arg(width);
+        return set(call);
+    }
+    return {};
+}
+
+Result<void> substitute(VimExCall &call)
+{
+    VimExTarget &target = call.target();
+    const auto command = VimSubstituteCommand::parse(QString(call.name + call.argument));
+    if (!command) {
+        return tl::make_unexpected(command.error());
+    }
+    LineSpan lines = call.lines;
+    if (command->count) {
+        lines = {lines.last, std::min(VimExLines(target.text()).count(), lines.last + *command->count - 1)};
+    }
+    auto job = VimSubstituteJob::prepare(*command, {lines.first - 1, lines.last - 1}, target.options(), target.lastSubstitution(),
+                                         target.lastSearch());
+    if (!job) {
+        return tl::make_unexpected(job.error());
+    }
+    if (job->flags.asks) {
+        return failure(localized(u"Substitutions are not confirmed here"));
+    }
+    job->flags.isQuiet = job->flags.isQuiet || call.line.isRepeating();
+    const VimSubstituteOutcome outcome = job->outcome(target.text());
+    const QString message = job->message(outcome);
+    if (outcome.hits == 0 && !job->flags.isQuiet) {
+        return failure(message);
+    }
+    if (outcome.hits > 0 && !job->flags.onlyCounts && apply(target, outcome.edits)) {
+        target.moveCaret(outcome.caret);
+    }
+    const QString line = job->shownLine(outcome, target.text());
+    call.line.say(line.isEmpty() ? message : line);
+    return call.line.carryOut(command->rest);
+}
+
+// Lines gone through
+
+namespace {
+
+enum class Lines { matching, others };
+
+/// A pattern and commands, as they stand behind `:g`.
+struct Repeated {
+    QString pattern;
+    QStringView commands;
+};
+
+Result<Repeated> repeated(const VimExCall &call)
+{
+    const QStringView typed = call.argument;
+    const auto &last = call.target().lastSearch();
+    const QString lastPattern = last ? last->pattern : QString();
+    Repeated repeated;
+    if (typed.size() > 1 && typed[0] == u'\\' && QStringView(u"/?&").contains(typed[1])) {
+        const QString lastSubstituted = call.target().lastSubstitution().pattern.value_or(QString());
+        repeated = {typed[1] == u'&' ? lastSubstituted : lastPattern, typed.sliced(2)};
+    } else if (typed.isEmpty() || typed[0].isLetterOrNumber() || QStringView(u"\"|\\").contains(typed[0])) {
+        return failure(localized(u"A pattern between slashes is missing"));
+    } else {
+        const VimExPart part = VimExPart::upTo(typed[0], typed.sliced(1));
+        repeated = {part.text.isEmpty() ? lastPattern : part.text, typed.sliced(1 + part.end)};
+    }
+    if (repeated.pattern.isEmpty()) {
+        return failure(localized(u"Nothing was searched for yet"));
+    }
+    return repeated;
+}
+
+/// Where the lines begin.
+std::vector<qsizetype> linesToTake(const VimExCall &call, VimMatcher &matcher, Lines which)
+{
+    const VimExLines lines(call.target().text());
+    std::vector<qsizetype> hits;
+    const qsizetype behind = call.lines.last < lines.count() ? lines.start(call.lines.last + 1) : lines.searchedEnd();
+    qsizetype from = lines.start(call.lines.first);
+    while (const auto match = from < behind ? matcher.next(TextRange::between(from, behind)) : std::nullopt) {
+        const qsizetype line = lines.lineOf(match->start);
+        hits.push_back(lines.start(line));
+        from = line < lines.count() ? lines.start(line + 1) : behind;
+    }
+    if (which == Lines::matching) {
+        return hits;
+    }
+    std::vector<qsizetype> others;
+    auto hit = hits.begin();
+    for (qsizetype line = call.lines.first; line <= call.lines.last; ++line) {
+        const qsizetype start = lines.start(line);
+        if (hit != hits.end() && *hit == start) {
+            ++hit;
+        } else {
+            others.push_back(start);
+        }
+    }
+    return others;
+}
+
+Result<void> repeat(VimExCall &call, Lines which)
+{
+    VimExTarget &target = call.target();
+    if (call.line.isRepeating()) {
+        // Within itself it is a condition for the one line.
+        if (call.written > 0) {
+            return failure(localized(u"This command takes no lines within itself"));
+        }
+        const qsizetype here = VimExLines(target.text()).lineOf(target.caret());
+        call.lines = {here, here};
+    }
+    const auto wanted = repeated(call);
+    if (!wanted) {
+        return tl::make_unexpected(wanted.error());
+    }
+    call.line.noteSearch(wanted->pattern);
+    const auto pattern = call.line.pattern(wanted->pattern);
+    auto matcher = pattern ? VimMatcher::compile(*pattern, target.text()) : tl::make_unexpected(pattern.error());
+    if (!matcher) {
+        return tl::make_unexpected(matcher.error());
+    }
+    const QString commands = wanted->commands.isEmpty() ? u"p"_s : wanted->commands.toString();
+    if (call.line.isRepeating()) {
+        return linesToTake(call, *matcher, which).empty() ? Result<void>() : call.line.carryOut(commands);
+    }
+    VimMarkedLines lines(linesToTake(call, *matcher, which));
+    if (lines.isEmpty()) {
+        call.line.say(
+            formatted(which == Lines::matching ? localized(u"Pattern not found: %@") : localized(u"Pattern found in every line: %@"),
+                      wanted->pattern));
+        return {};
+    }
+    noteJump(target);
+    const VimExLine::Repetition repetition(call.line);
+    const VimMarks::Following following(target.marks(), lines);
+    while (const auto start = lines.take()) {
+        target.moveCaret(std::min(*start, target.text().length()));
+        if (const auto done = call.line.carryOut(commands); !done) {
+            return done;
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+Result<void> repeatOnLines(VimExCall &call)
+{
+    return repeat(call, call.hasBang ? Lines::others : Lines::matching);
+}
+
+Result<void> repeatOnOtherLines(VimExCall &call)
+{
+    return repeat(call, Lines::others);
+}
+
+Result<void> normal(VimExCall &call)
+{
+    VimExTarget &target = call.target();
+    if (call.argument.isEmpty()) {
+        return failure(localized(u"Keys are missing"));
+    }
+    if (call.written == 0) {
+        target.runNormal(call.argument, !call.hasBang);
+        return {};
+    }
+    for (qsizetype line = call.lines.first; line <= call.lines.last; ++line) {
+        const VimExLines lines(target.text());
+        target.moveCaret(lines.start(std::min(line, lines.count())));
+        target.runNormal(call.argument, !call.hasBang);
+    }
+    return {};
+}
+
+Result<void> undo(VimExCall &call)
+{
+    if (call.count) {
+        return failure(localized(u"Changes have no numbers here"));
+    }
+    call.line.endUndoGroup();
+    call.target().undo();
+    return {};
+}
+
+Result<void> redo(VimExCall &call)
+{
+    call.line.endUndoGroup();
+    call.target().redo();
+    return {};
+}
+
+// What is shown
+
+namespace {
+
+void show(VimExCall &call, const QString &title, const QStringList &lines)
+{
+    if (lines.size() == 1) {
+        call.line.say(lines.front());
+    } else if (!lines.isEmpty()) {
+        call.target().list(title, lines.join(u'\n'));
+    }
+}
+
+enum class Numbers { none, shown };
+
+Result<void> printLines(VimExCall &call, Numbers numbers)
+{
+    VimExTarget &target = call.target();
+    const VimExLines text(target.text());
+    constexpr int width = 3;
+    QStringList lines;
+    for (qsizetype line = call.lines.first; line <= call.lines.last; ++line) {
+        lines << (numbers == Numbers::shown ? u"%1 "_s.arg(line, width) : QString()) + text.string(line);
+    }
+    goTo(target, call.lines.last);
+    show(call, localized(u"Lines"), lines);
+    return {};
+}
+
+/// A line of a list, in which what is no letter shows.
+QString shown(const Rope &text)
+{
+    constexpr qsizetype longest = 200;
+    QString line;
+    for (const QChar unit : text.toString({0, std::min(text.length(), longest)})) {
+        const char16_t code = unit.unicode();
+        line += code < 0x20 && code != u'\t' ? u'^' + QString(QChar(code + 0x40)) : QString(unit);
+    }
+    return line;
+}
+
+QStringList places(const VimPlaces &places, const VimExLines &lines)
+{
+    QStringList rows{localized(u"    line  column  text")};
+    size_t index = 0;
+    for (const VimPlace &place : places.places()) {
+        const qsizetype line = lines.lineOf(place.offset);
+        rows << u"%1%2 %3  %4"_s.arg(index == places.position() ? u">"_s : u" "_s)
+                    .arg(line, 7)
+                    .arg(place.offset - lines.start(line), 7)
+                    .arg(lines.string(line).trimmed());
+        ++index;
+    }
+    return rows;
+}
+
+} // namespace
+
+Result<void> print(VimExCall &call)
+{
+    return printLines(call, Numbers::none);
+}
+
+Result<void> printNumbered(VimExCall &call)
+{
+    return printLines(call, Numbers::shown);
+}
+
+Result<void> lineNumber(VimExCall &call)
+{
+    call.line.say(QString::number(call.written > 0 ? call.lines.last : VimExLines(call.target().text()).count()));
+    return {};
+}
+
+Result<void> listRegisters(VimExCall &call)
+{
+    const VimRegisters &registers = call.target().registers();
+    QStringList rows{localized(u"Type Name Content")};
+    const auto add = [&](char16_t name, const VimRegisterContents &contents) {
+        const bool isWanted = call.argument.isEmpty() || call.argument.contains(QChar(name));
+        if (isWanted && !contents.text.isEmpty()) {
+            rows << u"  %1  \"%2   %3"_s.arg(contents.isLinewise ? u'l' : u'c').arg(QChar(name)).arg(shown(contents.text));
+        }
+    };
+    add(u'"', registers.unnamed());
+    for (const auto &[name, contents] : registers.named()) {
+        add(name, contents);
+    }
+    add(u'+', registers.contents(u'+'));
+    call.target().list(localized(u"Registers"), rows.join(u'\n'));
+    return {};
+}
+
+Result<void> listMarks(VimExCall &call)
+{
+    const VimExLines lines(call.target().text());
+    QStringList rows{localized(u"mark line  column  text")};
+    for (const VimMarks::Mark &mark : call.target().marks().all()) {
+        const qsizetype line = lines.lineOf(mark.place);
+        if (call.argument.isEmpty() || call.argument.contains(QChar(mark.name))) {
+            rows << u" %1%2 %3  %4"_s.arg(QChar(mark.name))
+                        .arg(line, 7)
+                        .arg(mark.place - lines.start(line), 7)
+                        .arg(lines.string(line).trimmed());
+        }
+    }
+    if (rows.size() == 1) {
+        return failure(formatted(localized(u"Mark not set: %@"), call.argument));
+    }
+    call.target().list(localized(u"Marks"), rows.join(u'\n'));
+    return {};
+}
+
+Result<void> listJumps(VimExCall &call)
+{
+    call.target().list(localized(u"Jumps"), places(call.target().jumps(), VimExLines(call.target().text())).join(u'\n'));
+    return {};
+}
+
+Result<void> listChanges(VimExCall &call)
+{
+    call.target().list(localized(u"Changes"), places(call.target().changes(), VimExLines(call.target().text())).join(u'\n'));
+    return {};
+}
+
+Result<void> workingFolder(VimExCall &call)
+{
+    call.line.say(shownPath(::workingFolder()));
+    return {};
+}
+
+// Marks
+
+Result<void> hideHits(VimExCall &call)
+{
+    call.target().hideHits();
+    return {};
+}
+
+Result<void> mark(VimExCall &call)
+{
+    VimExTarget &target = call.target();
+    const QString name = call.argument.trimmed();
+    if (name.size() != 1 || !(VimMarks::isUsers(name.front().unicode()) || QStringView(u"'`[]<>").contains(name))) {
+        return failure(formatted(localized(u"Not a mark: %@"), name));
+    }
+    target.marks().set(name.front().unicode(), VimExLines(target.text()).firstNonBlank(call.lines.last));
+    return {};
+}
+
+Result<void> deleteMarks(VimExCall &call)
+{
+    VimMarks &marks = call.target().marks();
+    const QStringView names = call.argument;
+    if (call.hasBang != names.isEmpty()) {
+        return failure(call.hasBang ? formatted(localized(u"More than the command takes: %@"), call.argument)
+                                    : localized(u"The names of marks are missing"));
+    }
+    if (call.hasBang) {
+        marks.deleteAll();
+        return {};
+    }
+    for (qsizetype at = 0; at < names.size(); ++at) {
+        const char16_t first = names[at].unicode();
+        if (isSpaceOrTab(first)) {
+            continue;
+        }
+        const bool isSpan = at + 2 < names.size() && names[at + 1] == u'-';
+        const char16_t last = isSpan ? names[at + 2].unicode() : first;
+        const bool isKind = VimMarks::isUsers(first) && VimMarks::isUsers(last) && QChar::isUpper(first) == QChar::isUpper(last);
+        if (!VimMarks::isName(first) || first == u'\'' || first == u'`' || last < first || (isSpan && !isKind)) {
+            return failure(formatted(localized(u"Not a mark: %@"), names.sliced(at).toString()));
+        }
+        for (char16_t name = first; name <= last; ++name) {
+            marks.remove(name);
+        }
+        at += isSpan ? 2 : 0;
+    }
+    return {};
+}
+
+} // namespace VimExFunctions
