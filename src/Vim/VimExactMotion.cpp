@@ -1,0 +1,794 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Vim/VimExactMotion.h"
+
+#include <string_view>
+
+using VimMotion::Direction;
+using VimMotion::FindKind;
+using VimMotion::Words;
+
+namespace VimExactMotion {
+
+namespace {
+
+using Step = VimLines::Step;
+
+// Characters in a row
+
+int classAt(const VimLines &lines, qsizetype place, Words words)
+{
+    const int kind = lines.isAtEnd(place) ? 0 : vimWordClass(lines.codePoint(place));
+    return words == Words::big ? std::min(kind, 1) : kind;
+}
+
+bool isOnEmptyLine(const VimLines &lines, qsizetype place)
+{
+    return lines.isEmpty(place);
+}
+
+/// Steps until the class is another; false at an end of the text.
+bool leave(const VimLines &lines, qsizetype &place, int kind, Words words, Direction direction)
+{
+    while (classAt(lines, place, words) == kind) {
+        if ((direction == Direction::forward ? lines.forward(place) : lines.backward(place)) == Step::none) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Not behind the line, for an operator then with that character.
+Result onCharacter(const Request &request, qsizetype place, Kind kind)
+{
+    const VimLines &lines = request.lines;
+    if (place > request.caret && lines.isAtEnd(place) && !lines.isEmpty(place) && request.purpose != For::selection) {
+        return {.place = lines.last(place), .kind = Kind::inclusive};
+    }
+    return {.place = place, .kind = kind};
+}
+
+/// Whether a paragraph or section begins or ends at the line.
+bool dividesParagraphs(const VimLines &lines, qsizetype line)
+{
+    return lines.isEmpty(line) || lines.at(line) == u'\f';
+}
+
+Result toLine(const Request &request, qsizetype line, bool isJump = false)
+{
+    return {.place = request.lines.firstNonBlank(line), .kind = Kind::linewise, .isJump = isJump};
+}
+
+/// Of a tab the last one, where Vim shows the caret.
+qsizetype columnOf(const VimLines &lines, qsizetype place)
+{
+    const VimLines::Cells cells = lines.cells(place);
+    return lines.at(place) == u'\t' ? cells.last : cells.first;
+}
+
+/// Down by `lines`; to the last line if there are fewer, but not from the last one itself.
+Result vertical(const Request &request, qsizetype lines)
+{
+    const VimLines &text = request.lines;
+    const bool isAtEdge = lines > 0 ? text.isLast(request.caret) : text.isFirst(request.caret);
+    if (lines != 0 && isAtEdge) {
+        return Result::failure();
+    }
+    const qsizetype line = text.startNear(request.caret, lines);
+    const bool mayStandBehind = request.purpose == For::selection;
+    const qsizetype cell = request.column.value_or(columnOf(text, request.caret));
+    qsizetype place = cell >= VimLines::endless ? text.end(line) : text.placeAt(line, cell);
+    if (place == text.end(line) && !mayStandBehind) {
+        place = text.last(line);
+    }
+    return {.place = place, .kind = Kind::linewise, .column = cell};
+}
+
+bool isOneOf(char16_t unit, std::u16string_view set)
+{
+    return unit != 0 && set.find(unit) != std::u16string_view::npos;
+}
+
+char16_t unitOnLine(const VimLines &lines, qsizetype place)
+{
+    return lines.isAtEnd(place) ? u'\0' : lines.at(place);
+}
+
+constexpr std::u16string_view sentenceEnds = u".!?";
+constexpr std::u16string_view closers = u")]\"'";
+constexpr std::u16string_view endsAndClosers = u".!?)]\"'";
+
+} // namespace
+
+Walked wordsForward(const VimLines &lines, qsizetype place, qsizetype count, Words words, bool staysInLine)
+{
+    while (--count >= 0) {
+        const int kind = classAt(lines, place, words);
+        const bool isLastLine = lines.isLast(place);
+        Step step = lines.forward(place);
+        if (step == Step::none || (step != Step::character && isLastLine)) {
+            return {place, false};
+        }
+        if (step != Step::character && staysInLine && count == 0) {
+            return {place, true};
+        }
+        if (kind != 0) {
+            while (classAt(lines, place, words) == kind) {
+                step = lines.forward(place);
+                if (step == Step::none || (step != Step::character && staysInLine && count == 0)) {
+                    return {place, true};
+                }
+            }
+        }
+        while (classAt(lines, place, words) == 0 && !isOnEmptyLine(lines, place)) {
+            step = lines.forward(place);
+            if (step == Step::none || (step != Step::character && isLastLine)) {
+                return {place, true};
+            }
+        }
+    }
+    return {place, true};
+}
+
+Walked wordsBackward(const VimLines &lines, qsizetype place, qsizetype count, Words words, bool mayStay)
+{
+    while (--count >= 0) {
+        const int kind = classAt(lines, place, words);
+        if (lines.backward(place) == Step::none) {
+            return {place, false};
+        }
+        if (std::exchange(mayStay, false) && kind != 0 && classAt(lines, place, words) != kind) {
+            lines.forward(place);
+            continue;
+        }
+        bool isOnEmpty = false;
+        while (classAt(lines, place, words) == 0) {
+            if (isOnEmptyLine(lines, place)) {
+                isOnEmpty = true;
+                break;
+            }
+            if (lines.backward(place) == Step::none) {
+                return {place, true};
+            }
+        }
+        if (isOnEmpty) {
+            continue;
+        }
+        if (!leave(lines, place, classAt(lines, place, words), words, Direction::backward)) {
+            return {place, true};
+        }
+        lines.forward(place);
+    }
+    return {place, true};
+}
+
+Walked wordEndsForward(const VimLines &lines, qsizetype place, qsizetype count, Words words, bool mayStay, bool stopsAtEmpty)
+{
+    while (--count >= 0) {
+        const int kind = classAt(lines, place, words);
+        if (lines.forward(place) == Step::none) {
+            return {place, false};
+        }
+        if (classAt(lines, place, words) == kind && kind != 0) {
+            if (!leave(lines, place, kind, words, Direction::forward)) {
+                return {place, false};
+            }
+        } else if (!mayStay || kind == 0) {
+            bool isOnEmpty = false;
+            while (classAt(lines, place, words) == 0) {
+                if (stopsAtEmpty && isOnEmptyLine(lines, place)) {
+                    isOnEmpty = true;
+                    break;
+                }
+                if (lines.forward(place) == Step::none) {
+                    return {place, false};
+                }
+            }
+            if (isOnEmpty) {
+                mayStay = false;
+                continue;
+            }
+            if (!leave(lines, place, classAt(lines, place, words), words, Direction::forward)) {
+                return {place, false};
+            }
+        }
+        lines.backward(place);
+        mayStay = false;
+    }
+    return {place, true};
+}
+
+Walked wordEndsBackward(const VimLines &lines, qsizetype place, qsizetype count, Words words, bool staysInLine)
+{
+    while (--count >= 0) {
+        const int kind = classAt(lines, place, words);
+        Step step = lines.backward(place);
+        if (step == Step::none) {
+            return {place, false};
+        }
+        if (step == Step::nextLine && staysInLine) {
+            return {place, true};
+        }
+        const auto goOn = [&] {
+            step = lines.backward(place);
+            return step != Step::none && !(step == Step::nextLine && staysInLine);
+        };
+        while (kind != 0 && classAt(lines, place, words) == kind) {
+            if (!goOn()) {
+                return {place, true};
+            }
+        }
+        while (classAt(lines, place, words) == 0 && !isOnEmptyLine(lines, place)) {
+            if (!goOn()) {
+                return {place, true};
+            }
+        }
+    }
+    return {place, true};
+}
+
+Result left(const Request &request)
+{
+    const qsizetype place = request.lines.before(request.caret, request.count);
+    return {.place = place, .failed = place == request.caret && !request.isForOperator()};
+}
+
+Result right(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    const qsizetype behind = lines.after(request.caret, request.count);
+    if (request.purpose == For::caret) {
+        const qsizetype place = std::min(behind, lines.last(request.caret));
+        return {.place = place, .failed = place == request.caret};
+    }
+    return {.place = behind, .failed = behind == request.caret && request.purpose == For::selection};
+}
+
+Result characterBefore(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    qsizetype place = request.caret;
+    for (qsizetype done = 0; done < request.count; ++done) {
+        if (place == lines.start(place)) {
+            if (place == 0) {
+                return {.place = place, .failed = done == 0 && !request.isForOperator()};
+            }
+            const qsizetype above = lines.start(place - 1);
+            // An operator takes the break by itself.
+            place = request.isForOperator() && !lines.isEmpty(above) ? lines.end(above) : lines.last(above);
+        } else {
+            place = lines.before(place);
+        }
+    }
+    return {.place = place};
+}
+
+Result characterBehind(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    qsizetype place = request.caret;
+    for (qsizetype done = 0; done < request.count; ++done) {
+        const bool isAtLast = request.purpose == For::caret ? place >= lines.last(place) : lines.isAtEnd(place);
+        if (!isAtLast) {
+            place = lines.after(place);
+            if (request.isForOperator() && lines.isAtEnd(place) && done + 1 < request.count && !lines.isLast(place)) {
+                continue;
+            }
+        } else if (lines.isLast(place)) {
+            return {.place = place, .failed = done == 0 && !request.isForOperator()};
+        } else {
+            place = lines.next(place);
+        }
+    }
+    return {.place = place};
+}
+
+Result down(const Request &request)
+{
+    return vertical(request, request.count);
+}
+
+Result up(const Request &request)
+{
+    return vertical(request, -request.count);
+}
+
+namespace {
+
+Result firstNonBlankOf(const Request &request, qsizetype lines)
+{
+    const VimLines &text = request.lines;
+    if (lines != 0 && (lines > 0 ? text.isLast(request.caret) : text.isFirst(request.caret))) {
+        return Result::failure();
+    }
+    return toLine(request, text.startNear(request.caret, lines));
+}
+
+} // namespace
+
+Result firstOfNextLine(const Request &request)
+{
+    return firstNonBlankOf(request, request.count);
+}
+
+Result firstOfPreviousLine(const Request &request)
+{
+    return firstNonBlankOf(request, -request.count);
+}
+
+Result firstOfLineBelow(const Request &request)
+{
+    Result result = firstNonBlankOf(request, request.count - 1);
+    if (!result.failed && request.purpose == For::yank) {
+        result.place = std::max(result.place, request.caret); // the caret stays where it is
+    }
+    return result;
+}
+
+Result lineStart(const Request &request)
+{
+    return {.place = request.lines.start(request.caret)};
+}
+
+Result firstNonBlank(const Request &request)
+{
+    return {.place = request.lines.firstNonBlank(request.caret)};
+}
+
+Result lineEnd(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    if (request.count > 1 && lines.isLast(request.caret)) {
+        return Result::failure();
+    }
+    const qsizetype line = lines.startNear(request.caret, request.count - 1);
+    const qsizetype place = request.purpose == For::selection ? lines.end(line) : lines.last(line);
+    return {.place = place, .kind = Kind::inclusive, .column = VimLines::endless};
+}
+
+Result lastNonBlank(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    if (request.count > 1 && lines.isLast(request.caret)) {
+        return Result::failure();
+    }
+    const qsizetype line = lines.startNear(request.caret, request.count - 1);
+    qsizetype place = lines.last(line);
+    while (place > line && isSpaceOrTab(lines.at(place))) {
+        place = lines.before(place);
+    }
+    return {.place = place, .kind = Kind::inclusive};
+}
+
+Result rowEnd(const Request &request)
+{
+    Result result = lineEnd(request);
+    result.place = std::min(result.place, request.lines.last(result.place));
+    return result;
+}
+
+Result column(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    const qsizetype cell = request.hasCount ? request.count - 1 : 0;
+    const qsizetype place = lines.placeAt(lines.start(request.caret), cell);
+    return {.place = request.purpose == For::selection ? place : std::min(place, lines.last(place)), .column = cell};
+}
+
+Result middleOfLine(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    const qsizetype width = lines.cells(lines.end(request.caret)).first;
+    const qsizetype cell = request.hasCount ? width * std::min<qsizetype>(request.count, 100) / 100 : width / 2;
+    const qsizetype place = std::min(lines.placeAt(lines.start(request.caret), cell), lines.last(request.caret));
+    return {.place = place};
+}
+
+Result byteOfText(const Request &request)
+{
+    // Units rather than bytes: nobody counts those of an encoding.
+    return {.place = request.lines.settled(std::min(request.count - 1, request.lines.text().length())), .isJump = true};
+}
+
+template<Words words>
+Result wordForward(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    if (request.purpose == For::change && !lines.isAtEnd(request.caret) && classAt(lines, request.caret, words) != 0) {
+        const Walked walked = wordEndsForward(lines, request.caret, request.count, words, true, false);
+        Result result = onCharacter(request, walked.place, Kind::inclusive);
+        result.kind = Kind::inclusive;
+        return result;
+    }
+    const Walked walked = wordsForward(lines, request.caret, request.count, words, request.isForOperator());
+    Result result = onCharacter(request, walked.place, Kind::exclusive);
+    result.failed = !walked.isWhole && !request.isForOperator();
+    result.isWordMotion = true;
+    if (!walked.isWhole && result.place != request.caret) {
+        result.failed = false; // it goes as far as it can
+    }
+    return result;
+}
+
+template<Words words>
+Result wordBackward(const Request &request)
+{
+    const Walked walked = wordsBackward(request.lines, request.caret, request.count, words, false);
+    return {.place = walked.place, .failed = !walked.isWhole && walked.place == request.caret};
+}
+
+template<Words words>
+Result wordEndForward(const Request &request)
+{
+    const Walked walked = wordEndsForward(request.lines, request.caret, request.count, words, false, false);
+    Result result = onCharacter(request, walked.place, Kind::inclusive);
+    result.kind = Kind::inclusive;
+    result.failed = !walked.isWhole && result.place == request.caret && !request.isForOperator();
+    return result;
+}
+
+template<Words words>
+Result wordEndBackward(const Request &request)
+{
+    const Walked walked = wordEndsBackward(request.lines, request.caret, request.count, words, false);
+    return {.place = walked.place, .kind = Kind::inclusive, .failed = !walked.isWhole && walked.place == request.caret};
+}
+
+Result firstLine(const Request &request)
+{
+    return toLine(request, request.lines.startOf(request.hasCount ? request.count - 1 : 0), true);
+}
+
+Result lastLine(const Request &request)
+{
+    return toLine(request, request.hasCount ? request.lines.startOf(request.count - 1) : request.lines.lastStart(), true);
+}
+
+namespace {
+
+Result paragraph(const Request &request, Direction direction)
+{
+    const VimLines &lines = request.lines;
+    qsizetype line = lines.start(request.caret);
+    const auto step = [&] {
+        if (direction == Direction::forward ? lines.isLast(line) : lines.isFirst(line)) {
+            return false;
+        }
+        line = direction == Direction::forward ? lines.next(line) : lines.start(line - 1);
+        return true;
+    };
+    for (qsizetype left = request.count - 1; left >= 0; --left) {
+        bool hasSkipped = false;
+        for (bool isFirst = true;; isFirst = false) {
+            hasSkipped = hasSkipped || !lines.isEmpty(line);
+            if (!isFirst && hasSkipped && dividesParagraphs(lines, line)) {
+                break;
+            }
+            if (!step()) {
+                if (left > 0) {
+                    return Result::failure();
+                }
+                break;
+            }
+        }
+    }
+    if (direction == Direction::forward && lines.isLast(line) && !lines.isEmpty(line)) {
+        return {.place = lines.last(line), .kind = Kind::inclusive, .isLarge = true, .isJump = true};
+    }
+    return {.place = line, .isLarge = true, .isJump = true};
+}
+
+} // namespace
+
+Result paragraphForward(const Request &request)
+{
+    return paragraph(request, Direction::forward);
+}
+
+Result paragraphBackward(const Request &request)
+{
+    return paragraph(request, Direction::backward);
+}
+
+std::optional<qsizetype> sentence(const VimLines &lines, qsizetype place, Direction direction, qsizetype count)
+{
+    const bool isForward = direction == Direction::forward;
+    const auto step = [&](qsizetype &at) { return isForward ? lines.forwardOverEnds(at) : lines.backwardOverEnds(at); };
+    const auto skipBlanks = [&] {
+        while (isSpaceOrTab(unitOnLine(lines, place))) {
+            if (!lines.forwardOverEnds(place)) {
+                break;
+            }
+        }
+    };
+    while (count-- > 0) {
+        if (lines.isAtEnd(place)) {
+            bool moved = false;
+            do {
+                moved = step(place);
+            } while (moved && lines.isAtEnd(place));
+            if (isForward) {
+                skipBlanks();
+                continue;
+            }
+        } else if (isForward && place == lines.start(place) && dividesParagraphs(lines, place)) {
+            if (lines.isLast(place)) {
+                return std::nullopt;
+            }
+            place = lines.next(place);
+            skipBlanks();
+            continue;
+        } else if (!isForward) {
+            lines.backwardOverEnds(place);
+        }
+        // Back to the last character of a sentence.
+        bool hasDot = false;
+        for (char16_t unit = unitOnLine(lines, place); isSpaceOrTab(unit) || isOneOf(unit, endsAndClosers);
+             unit = unitOnLine(lines, place)) {
+            qsizetype earlier = place;
+            if (!lines.backwardOverEnds(earlier) || (lines.isEmpty(earlier) && isForward)) {
+                break;
+            }
+            if (hasDot) {
+                break;
+            }
+            hasDot = isOneOf(unit, sentenceEnds);
+            if (isOneOf(unit, closers) && !isOneOf(unitOnLine(lines, earlier), endsAndClosers)) {
+                break;
+            }
+            place = earlier;
+        }
+        const qsizetype startLine = lines.start(place);
+        bool skipsNothing = false;
+        for (;;) {
+            const char16_t unit = unitOnLine(lines, place);
+            if (lines.isAtEnd(place) || (place == lines.start(place) && dividesParagraphs(lines, place))) {
+                if (!isForward && lines.start(place) != startLine) {
+                    place = lines.next(place);
+                }
+                break;
+            }
+            if (isOneOf(unit, sentenceEnds)) {
+                qsizetype behind = place;
+                bool isEnd = false;
+                do {
+                    isEnd = lines.forward(behind) == Step::none;
+                } while (!isEnd && isOneOf(unitOnLine(lines, behind), closers));
+                if (isEnd || lines.isAtEnd(behind) || isSpaceOrTab(lines.at(behind))) {
+                    place = behind;
+                    if (lines.isAtEnd(place)) {
+                        lines.forward(place);
+                    }
+                    break;
+                }
+            }
+            if (!step(place)) {
+                if (count > 0) {
+                    return std::nullopt;
+                }
+                skipsNothing = true;
+                break;
+            }
+        }
+        if (!skipsNothing) {
+            skipBlanks();
+        }
+    }
+    return place;
+}
+
+namespace {
+
+Result toSentence(const Request &request, Direction direction)
+{
+    const auto place = sentence(request.lines, request.caret, direction, request.count);
+    if (!place) {
+        return Result::failure();
+    }
+    Result result = onCharacter(request, *place, Kind::exclusive);
+    result.isLarge = true;
+    result.isJump = true;
+    return result;
+}
+
+} // namespace
+
+Result sentenceForward(const Request &request)
+{
+    return toSentence(request, Direction::forward);
+}
+
+Result sentenceBackward(const Request &request)
+{
+    return toSentence(request, Direction::backward);
+}
+
+template<char16_t first, Direction direction>
+Result section(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    constexpr bool isForward = direction == Direction::forward;
+    qsizetype line = lines.start(request.caret);
+    for (qsizetype left = request.count; left > 0; --left) {
+        do {
+            if (isForward ? lines.isLast(line) : lines.isFirst(line)) {
+                // The end of the text stands for one.
+                const qsizetype edge = isForward ? (request.isForOperator() ? lines.end(line) : lines.firstNonBlank(line)) : 0;
+                if (left > 1 || edge == request.caret) {
+                    return Result::failure();
+                }
+                return {.place = edge, .kind = Kind::exclusive, .isLarge = true, .isJump = true};
+            }
+            line = isForward ? lines.next(line) : lines.start(line - 1);
+        } while (lines.at(line) != first && !(first == u'{' && lines.at(line) == u'\f'));
+    }
+    return {.place = line, .isLarge = true, .isJump = true};
+}
+
+std::optional<qsizetype> enclosing(const VimLines &lines, qsizetype place, char16_t open, char16_t close, Direction direction,
+                                   qsizetype count)
+{
+    VimBuffer &text = lines.buffer();
+    const char16_t wanted = direction == Direction::backward ? open : close;
+    const char16_t other = direction == Direction::backward ? close : open;
+    const qsizetype step = direction == Direction::backward ? -1 : 1;
+    qsizetype depth = count;
+    for (place += step; place >= 0 && place < text.length(); place += step) {
+        const char16_t unit = text.at(place);
+        if (unit == other) {
+            ++depth;
+        } else if (unit == wanted && --depth == 0) {
+            return place;
+        }
+    }
+    return std::nullopt;
+}
+
+template<char16_t wanted>
+Result unmatched(const Request &request)
+{
+    constexpr bool isBackward = wanted == u'(' || wanted == u'{';
+    constexpr char16_t open = wanted == u'(' || wanted == u')' ? u'(' : u'{';
+    constexpr char16_t close = open == u'(' ? u')' : u'}';
+    const auto place =
+        enclosing(request.lines, request.caret, open, close, isBackward ? Direction::backward : Direction::forward, request.count);
+    return place ? Result{.place = *place, .kind = Kind::exclusive, .isJump = true} : Result::failure();
+}
+
+namespace {
+
+/// Backslashes right before `place`, in its line.
+qsizetype backslashesBefore(const VimLines &lines, qsizetype place)
+{
+    const qsizetype first = lines.start(place);
+    qsizetype count = 0;
+    while (place - count > first && lines.at(place - count - 1) == u'\\') {
+        ++count;
+    }
+    return count;
+}
+
+} // namespace
+
+std::optional<qsizetype> partner(const VimLines &lines, qsizetype place)
+{
+    static constexpr std::u16string_view brackets = u"()[]{}";
+    const size_t index = brackets.find(lines.at(place));
+    if (index == std::u16string_view::npos) {
+        return std::nullopt;
+    }
+    VimBuffer &text = lines.buffer();
+    const char16_t own = brackets[index];
+    const char16_t other = brackets[index ^ 1];
+    const qsizetype step = index % 2 == 0 ? 1 : -1;
+    const bool isEscaped = backslashesBefore(lines, place) % 2 == 1;
+    // Whether it stands in quotes tells which others count: those that do as well.
+    const auto quotesUpTo = [&](qsizetype at) {
+        qsizetype count = 0;
+        for (qsizetype on = lines.start(at); on < at; ++on) {
+            count += text.at(on) == u'"' && backslashesBefore(lines, on) % 2 == 0 ? 1 : 0;
+        }
+        return count;
+    };
+    const auto hasPairs = [&](qsizetype at) { return quotesUpTo(lines.end(at)) % 2 == 0; };
+    const bool startsInQuotes = hasPairs(place) && quotesUpTo(place) % 2 == 1;
+    bool isInQuotes = startsInQuotes;
+    bool respectsQuotes = hasPairs(place);
+    qsizetype depth = 0;
+    qsizetype line = lines.start(place);
+    for (qsizetype at = place; at >= 0 && at < text.length(); at += step) {
+        const char16_t unit = text.at(at);
+        if (isBreak(unit)) {
+            continue;
+        }
+        if (const qsizetype here = lines.start(at); here != line) {
+            line = here;
+            respectsQuotes = hasPairs(at);
+            isInQuotes = false;
+            if (startsInQuotes) {
+                return std::nullopt;
+            }
+        }
+        if (unit == u'"' && respectsQuotes && backslashesBefore(lines, at) % 2 == 0) {
+            isInQuotes = !isInQuotes;
+            continue;
+        }
+        if ((unit != own && unit != other) || (respectsQuotes && isInQuotes != startsInQuotes) ||
+            (backslashesBefore(lines, at) % 2 == 1) != isEscaped) {
+            continue;
+        }
+        depth += unit == own ? 1 : -1;
+        if (depth == 0) {
+            return at;
+        }
+    }
+    return std::nullopt;
+}
+
+Result bracketPartner(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    if (request.hasCount) {
+        if (request.count > 100) {
+            return Result::failure();
+        }
+        const qsizetype number = (request.count * lines.count() + 99) / 100;
+        return toLine(request, lines.startOf(number - 1), true);
+    }
+    qsizetype place = request.caret;
+    while (!lines.isAtEnd(place) && !isOneOf(lines.at(place), u"()[]{}")) {
+        ++place;
+    }
+    const auto found = lines.isAtEnd(place) ? std::nullopt : partner(lines, place);
+    return found ? Result{.place = *found, .kind = Kind::inclusive, .isLarge = true, .isJump = true} : Result::failure();
+}
+
+Result find(const Request &request, char32_t character, FindKind kind, bool isRepeated)
+{
+    const VimLines &lines = request.lines;
+    const bool isForward = kind == FindKind::forwardTo || kind == FindKind::forwardBefore;
+    const bool isBefore = kind == FindKind::forwardBefore || kind == FindKind::backwardBefore;
+    const qsizetype first = lines.start(request.caret);
+    const qsizetype behind = lines.end(request.caret);
+    const auto step = [&](qsizetype place) { return isForward ? lines.after(place) : lines.before(place); };
+    const auto canStep = [&](qsizetype place) { return isForward ? place < behind : place > first; };
+    const auto isHit = [&](qsizetype place) { return place < behind && lines.codePoint(place) == character; };
+    qsizetype place = request.caret;
+    qsizetype count = request.count;
+    if (isBefore && isRepeated && count == 1 && canStep(place) && isHit(step(place))) {
+        place = step(place);
+    }
+    while (count > 0) {
+        if (!canStep(place)) {
+            return Result::failure();
+        }
+        place = step(place);
+        if (place >= behind) {
+            return Result::failure();
+        }
+        count -= isHit(place) ? 1 : 0;
+    }
+    if (isBefore) {
+        place = isForward ? lines.before(place) : lines.after(place);
+    }
+    return {.place = place, .kind = isForward ? Kind::inclusive : Kind::exclusive};
+}
+
+template Result wordForward<Words::small>(const Request &request);
+template Result wordForward<Words::big>(const Request &request);
+template Result wordBackward<Words::small>(const Request &request);
+template Result wordBackward<Words::big>(const Request &request);
+template Result wordEndForward<Words::small>(const Request &request);
+template Result wordEndForward<Words::big>(const Request &request);
+template Result wordEndBackward<Words::small>(const Request &request);
+template Result wordEndBackward<Words::big>(const Request &request);
+template Result section<u'{', Direction::forward>(const Request &request);
+template Result section<u'{', Direction::backward>(const Request &request);
+template Result section<u'}', Direction::forward>(const Request &request);
+template Result section<u'}', Direction::backward>(const Request &request);
+template Result unmatched<u'('>(const Request &request);
+template Result unmatched<u')'>(const Request &request);
+template Result unmatched<u'{'>(const Request &request);
+template Result unmatched<u'}'>(const Request &request);
+
+} // namespace VimExactMotion

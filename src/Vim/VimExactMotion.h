@@ -1,0 +1,121 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Vim/VimLines.h"
+#include "Vim/VimMotion.h"
+
+/// Where Vim's motions lead. Pure functions over the text; offsets are UTF-16 units, columns cells from 0.
+namespace VimExactMotion {
+
+using VimMotion::Kind;
+
+/// What waits for the motion.
+enum class For {
+    caret,
+    selection,
+    /// An operator; the one that changes treats words in its own way.
+    operation,
+    change,
+    yank,
+};
+
+struct Request {
+    VimLines lines;
+    qsizetype caret = 0;
+    qsizetype count = 1;
+    bool hasCount = false;
+    For purpose = For::caret;
+    /// The column that `j` and `k` keep, where that is not the caret's; `VimLines::endless` behind `$`.
+    std::optional<qsizetype> column = std::nullopt;
+
+    [[nodiscard]] bool isForOperator() const { return purpose != For::caret && purpose != For::selection; }
+};
+
+struct Result {
+    qsizetype place = 0;
+    Kind kind = Kind::exclusive;
+    bool failed = false;
+    /// What was deleted with it goes to the numbered registers, however little it was.
+    bool isLarge = false;
+    /// It is remembered where the caret was.
+    bool isJump = false;
+    /// To be kept for the next `j`, where that is not the column of the place.
+    std::optional<qsizetype> column = std::nullopt;
+    /// Of `w`, whose operators do not take the next line's indentation.
+    bool isWordMotion = false;
+
+    [[nodiscard]] static Result failure() { return {.failed = true}; }
+};
+
+using Motion = Result (*)(const Request &request);
+
+[[nodiscard]] Result left(const Request &request);
+[[nodiscard]] Result right(const Request &request);
+/// Over line ends.
+[[nodiscard]] Result characterBefore(const Request &request);
+[[nodiscard]] Result characterBehind(const Request &request);
+[[nodiscard]] Result down(const Request &request);
+[[nodiscard]] Result up(const Request &request);
+[[nodiscard]] Result firstOfNextLine(const Request &request);
+[[nodiscard]] Result firstOfPreviousLine(const Request &request);
+[[nodiscard]] Result firstOfLineBelow(const Request &request);
+[[nodiscard]] Result lineStart(const Request &request);
+[[nodiscard]] Result firstNonBlank(const Request &request);
+[[nodiscard]] Result lineEnd(const Request &request);
+[[nodiscard]] Result lastNonBlank(const Request &request);
+[[nodiscard]] Result rowEnd(const Request &request);
+[[nodiscard]] Result column(const Request &request);
+[[nodiscard]] Result middleOfLine(const Request &request);
+[[nodiscard]] Result byteOfText(const Request &request);
+
+template<VimMotion::Words words>
+[[nodiscard]] Result wordForward(const Request &request);
+template<VimMotion::Words words>
+[[nodiscard]] Result wordBackward(const Request &request);
+template<VimMotion::Words words>
+[[nodiscard]] Result wordEndForward(const Request &request);
+template<VimMotion::Words words>
+[[nodiscard]] Result wordEndBackward(const Request &request);
+
+[[nodiscard]] Result firstLine(const Request &request);
+[[nodiscard]] Result lastLine(const Request &request);
+[[nodiscard]] Result paragraphForward(const Request &request);
+[[nodiscard]] Result paragraphBackward(const Request &request);
+[[nodiscard]] Result sentenceForward(const Request &request);
+[[nodiscard]] Result sentenceBackward(const Request &request);
+/// The next or previous line that begins with `{` or `}`.
+template<char16_t first, VimMotion::Direction direction>
+[[nodiscard]] Result section(const Request &request);
+/// A bracket that has no partner between it and the caret.
+template<char16_t wanted>
+[[nodiscard]] Result unmatched(const Request &request);
+/// With a count so many per cent of the lines.
+[[nodiscard]] Result bracketPartner(const Request &request);
+
+/// `f`, `t` and their like; `isRepeated` by `;` goes on from beside a hit.
+[[nodiscard]] Result find(const Request &request, char32_t character, VimMotion::FindKind kind, bool isRepeated);
+
+/// How far steps over words came, and whether there were so many.
+struct Walked {
+    qsizetype place;
+    bool isWhole;
+};
+/// `staysInLine`: the last of the words ends where its line does.
+[[nodiscard]] Walked wordsForward(const VimLines &lines, qsizetype place, qsizetype count, VimMotion::Words words, bool staysInLine);
+/// `mayStay`: at the start of a word that is where it begins.
+[[nodiscard]] Walked wordsBackward(const VimLines &lines, qsizetype place, qsizetype count, VimMotion::Words words, bool mayStay);
+/// `mayStay`: at the end of a word that is where it ends.
+[[nodiscard]] Walked wordEndsForward(const VimLines &lines, qsizetype place, qsizetype count, VimMotion::Words words, bool mayStay,
+                                     bool stopsAtEmpty);
+[[nodiscard]] Walked wordEndsBackward(const VimLines &lines, qsizetype place, qsizetype count, VimMotion::Words words, bool staysInLine);
+
+/// The start of the sentence so many on; none at the text's end.
+[[nodiscard]] std::optional<qsizetype> sentence(const VimLines &lines, qsizetype from, VimMotion::Direction direction, qsizetype count);
+/// The bracket that closes or opens the one at `place`, as `%` finds it.
+[[nodiscard]] std::optional<qsizetype> partner(const VimLines &lines, qsizetype place);
+/// The `count`-th bracket `open` before `place`, or `close` behind it, without those that have their partner between.
+[[nodiscard]] std::optional<qsizetype> enclosing(const VimLines &lines, qsizetype place, char16_t open, char16_t close,
+                                                 VimMotion::Direction direction, qsizetype count = 1);
+
+} // namespace VimExactMotion

@@ -1,0 +1,599 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Vim/VimExactObject.h"
+
+#include <array>
+
+namespace VimExactObject {
+
+namespace {
+
+using VimMotion::Direction;
+using VimMotion::Kind;
+using VimMotion::Words;
+
+int classAt(const VimLines &lines, qsizetype place, Words words)
+{
+    const int kind = lines.isAtEnd(place) ? 0 : vimWordClass(lines.codePoint(place));
+    return words == Words::big ? std::min(kind, 1) : kind;
+}
+
+bool isBlankAt(const VimLines &lines, qsizetype place)
+{
+    return !lines.isAtEnd(place) && isSpaceOrTab(lines.at(place));
+}
+
+// Words
+
+qsizetype startOfRun(const VimLines &lines, qsizetype place, Words words)
+{
+    const int kind = classAt(lines, place, words);
+    const qsizetype first = lines.start(place);
+    while (place > first && classAt(lines, lines.before(place), words) == kind) {
+        place = lines.before(place);
+    }
+    return place;
+}
+
+template<Words words>
+std::optional<Result> word(const Request &request)
+{
+    using namespace VimExactMotion;
+    const VimLines &lines = request.lines;
+    const bool isAround = request.extent == Extent::around;
+    qsizetype place = request.caret;
+    qsizetype from = request.anchor;
+    qsizetype count = request.count;
+    bool isInclusive = true;
+    bool includesBlanks = false;
+    if (!request.isSelecting()) {
+        place = startOfRun(lines, place, words);
+        from = place;
+        if ((classAt(lines, place, words) == 0) == isAround) {
+            const Walked walked = wordEndsForward(lines, place, 1, words, true, true);
+            if (!walked.isWhole) {
+                return std::nullopt;
+            }
+            place = walked.place;
+        } else {
+            place = wordsForward(lines, place, 1, words, true).place;
+            if (place == lines.start(place)) {
+                lines.backwardOverEnds(place);
+            } else {
+                place = lines.before(place);
+            }
+            includesBlanks = isAround;
+        }
+        --count;
+    }
+    const qsizetype first = from;
+    for (; count > 0; --count) {
+        isInclusive = true;
+        if (request.isVisual && place < from) {
+            if (!lines.backwardOverEnds(place)) {
+                return std::nullopt;
+            }
+            if (isAround != (classAt(lines, place, words) != 0)) {
+                const Walked walked = wordsBackward(lines, place, 1, words, true);
+                if (!walked.isWhole) {
+                    return std::nullopt;
+                }
+                place = walked.place;
+            } else {
+                const Walked walked = wordEndsBackward(lines, place, 1, words, true);
+                if (!walked.isWhole) {
+                    return std::nullopt;
+                }
+                place = walked.place;
+                lines.forwardOverEnds(place);
+            }
+        } else {
+            if (!lines.forwardOverEnds(place)) {
+                return std::nullopt;
+            }
+            if (isAround != (classAt(lines, place, words) == 0)) {
+                const Walked walked = wordsForward(lines, place, 1, words, true);
+                if (!walked.isWhole && count > 1) {
+                    return std::nullopt;
+                }
+                place = walked.place;
+                if (place == lines.start(place)) {
+                    isInclusive = false;
+                } else {
+                    place = lines.before(place);
+                }
+            } else {
+                const Walked walked = wordEndsForward(lines, place, 1, words, true, true);
+                if (!walked.isWhole) {
+                    return std::nullopt;
+                }
+                place = walked.place;
+            }
+        }
+    }
+    if (includesBlanks && (classAt(lines, place, words) != 0 || (place == lines.start(place) && !isInclusive)) &&
+        first > lines.start(first)) {
+        // No blanks behind: those before, but no indentation.
+        const qsizetype blanks = startOfRun(lines, lines.before(first), words);
+        if (classAt(lines, blanks, words) == 0 && blanks > lines.start(blanks)) {
+            from = blanks;
+        }
+    }
+    return Result{.from = from, .place = place, .kind = isInclusive ? Kind::inclusive : Kind::exclusive};
+}
+
+// Sentences
+
+qsizetype firstBlankBefore(const VimLines &lines, qsizetype place)
+{
+    qsizetype at = place;
+    while (lines.backwardOverEnds(at)) {
+        if (!isBlankAt(lines, at)) {
+            lines.forwardOverEnds(at);
+            break;
+        }
+    }
+    return at;
+}
+
+qsizetype sentencesForward(const VimLines &lines, qsizetype place, qsizetype count, bool isAtStart)
+{
+    while (count-- > 0) {
+        place = VimExactMotion::sentence(lines, place, Direction::forward, 1).value_or(place);
+        if (isAtStart) {
+            place = firstBlankBefore(lines, place);
+        }
+        if (count == 0 || isAtStart) {
+            lines.backwardOverEnds(place);
+        }
+        isAtStart = !isAtStart;
+    }
+    return place;
+}
+
+std::optional<Result> sentence(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    const bool isAround = request.extent == Extent::around;
+    qsizetype next = VimExactMotion::sentence(lines, request.caret, Direction::forward, 1).value_or(request.caret);
+    if (request.isSelecting()) {
+        // From the end on that moves.
+        qsizetype place = request.caret;
+        if (request.caret < request.anchor) {
+            for (qsizetype left = request.count; left > 0; --left) {
+                place = VimExactMotion::sentence(lines, place, Direction::backward, 1).value_or(place);
+            }
+            return Result{.from = request.anchor, .place = place};
+        }
+        lines.forwardOverEnds(place);
+        const bool startsBlank = isBlankAt(lines, place);
+        place = sentencesForward(lines, request.caret, request.count * (isAround ? 2 : 1), !startsBlank);
+        return Result{.from = request.anchor, .place = place};
+    }
+    qsizetype blank = request.caret;
+    while (isBlankAt(lines, blank)) {
+        if (!lines.forwardOverEnds(blank)) {
+            break;
+        }
+    }
+    const bool startsBlank = blank == next && isBlankAt(lines, request.caret);
+    qsizetype from = startsBlank ? firstBlankBefore(lines, request.caret)
+                                 : VimExactMotion::sentence(lines, next, Direction::backward, 1).value_or(request.caret);
+    qsizetype place = startsBlank ? next : from;
+    const qsizetype count = isAround ? request.count * 2 : request.count - (startsBlank ? 1 : 0);
+    if (count > 0) {
+        place = sentencesForward(lines, place, count, true);
+    } else {
+        lines.backwardOverEnds(place);
+    }
+    if (isAround) {
+        if (startsBlank) {
+            place = firstBlankBefore(lines, place);
+            if (isBlankAt(lines, place)) {
+                lines.backwardOverEnds(place);
+            }
+        } else if (!isBlankAt(lines, place)) {
+            from = firstBlankBefore(lines, from);
+        }
+    }
+    if (request.isVisual) {
+        return Result{.from = from, .place = place};
+    }
+    const bool isAtEnd = !lines.forwardOverEnds(place);
+    return Result{.from = from, .place = place, .kind = isAtEnd ? Kind::inclusive : Kind::exclusive};
+}
+
+// Paragraphs
+
+bool isBlankLine(const VimLines &lines, qsizetype line)
+{
+    return lines.isBlankFrom(lines.start(line));
+}
+
+std::optional<Result> paragraph(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    const bool isAround = request.extent == Extent::around;
+    const auto below = [&](qsizetype line) { return lines.next(line); };
+    const auto above = [&](qsizetype line) { return lines.start(line - 1); };
+    qsizetype start = lines.start(request.caret);
+    if (request.isVisual && lines.start(request.anchor) != start) {
+        const bool isBackward = start < request.anchor;
+        const auto isAtEdge = [&] { return isBackward ? lines.isFirst(start) : lines.isLast(start); };
+        const auto step = [&](qsizetype line) { return isBackward ? above(line) : below(line); };
+        bool isWhole = true;
+        for (qsizetype left = request.count; left > 0; --left) {
+            if (isAtEdge()) {
+                isWhole = false;
+                break;
+            }
+            std::optional<bool> wasBlank;
+            for (int part = 0; part < 2; ++part) {
+                const qsizetype next = step(start);
+                const bool isBlank = isBlankLine(lines, next);
+                if (wasBlank == isBlank) {
+                    break;
+                }
+                start = next;
+                while (!isAtEdge() && isBlankLine(lines, step(start)) == isBlank) {
+                    start = step(start);
+                }
+                if (!isAround || isAtEdge()) {
+                    break;
+                }
+                wasBlank = isBlank;
+            }
+        }
+        if (!isWhole && start == lines.start(request.caret)) {
+            return std::nullopt;
+        }
+        return Result{.from = request.anchor, .place = start, .kind = Kind::linewise, .isCharacterwise = false};
+    }
+    const bool isBlank = isBlankLine(lines, start);
+    while (start > 0 && isBlankLine(lines, above(start)) == isBlank) {
+        start = above(start);
+    }
+    // `end` is the last line that is taken; none yet where `hasEnd` is not.
+    qsizetype end = start;
+    bool hasEnd = false;
+    const auto isAtLast = [&] { return hasEnd ? lines.isLast(end) : false; };
+    const auto following = [&] { return hasEnd ? below(end) : start; };
+    const auto take = [&] {
+        end = following();
+        hasEnd = true;
+    };
+    const auto takeWhile = [&](bool blank) {
+        while (!isAtLast() && isBlankLine(lines, following()) == blank) {
+            take();
+        }
+    };
+    if (isBlank) {
+        takeWhile(true);
+    }
+    for (qsizetype left = request.count - (!isAround && isBlank ? 1 : 0); left > 0; --left) {
+        if (isAtLast()) {
+            return std::nullopt;
+        }
+        const bool takesBlanks = !isAround && isBlankLine(lines, following());
+        if (isAround || !takesBlanks) {
+            take();
+            takeWhile(false);
+        }
+        if (left == 1 && isBlank && isAround) {
+            break;
+        }
+        if (isAround || takesBlanks) {
+            takeWhile(true);
+        }
+    }
+    if (!isBlank && !isBlankLine(lines, end) && isAround) {
+        while (start > 0 && isBlankLine(lines, above(start))) {
+            start = above(start);
+        }
+    }
+    return Result{.from = start, .place = end, .kind = Kind::linewise, .isCharacterwise = false};
+}
+
+// Quotes
+
+bool isEscaped(const VimLines &lines, qsizetype place, qsizetype first)
+{
+    qsizetype count = 0;
+    while (place - count > first && lines.at(place - count - 1) == u'\\') {
+        ++count;
+    }
+    return count % 2 == 1;
+}
+
+template<char16_t quote>
+std::optional<Result> quoted(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    const qsizetype first = lines.start(request.caret);
+    const qsizetype behind = lines.end(request.caret);
+    const auto next = [&](qsizetype from, bool countsEscapes) -> std::optional<qsizetype> {
+        for (qsizetype place = from; place < behind; ++place) {
+            if (countsEscapes && lines.at(place) == u'\\') {
+                ++place;
+            } else if (lines.at(place) == quote) {
+                return place;
+            }
+        }
+        return std::nullopt;
+    };
+    const qsizetype caret = request.isSelecting() ? std::min(request.caret, request.anchor) : request.caret;
+    if (request.isSelecting() && lines.start(request.anchor) != first) {
+        return std::nullopt;
+    }
+    std::optional<qsizetype> open;
+    std::optional<qsizetype> close;
+    if (lines.at(caret) == quote && caret < behind) {
+        // From the line's start on, to know which one it is.
+        for (qsizetype from = first;;) {
+            open = next(from, false);
+            if (!open || *open > caret) {
+                return std::nullopt;
+            }
+            close = next(*open + 1, true);
+            if (!close) {
+                return std::nullopt;
+            }
+            if (caret <= *close) {
+                break;
+            }
+            from = *close + 1;
+        }
+    } else {
+        for (qsizetype place = caret - 1; place >= first && !open; --place) {
+            if (lines.at(place) == quote && !isEscaped(lines, place, first)) {
+                open = place;
+            }
+        }
+        open = open ? open : next(caret, false);
+        close = open ? next(*open + 1, true) : std::nullopt;
+    }
+    if (!close) {
+        return std::nullopt;
+    }
+    qsizetype from = *open;
+    qsizetype last = *close;
+    if (request.extent == Extent::around) {
+        if (isBlankAt(lines, last + 1)) {
+            while (isBlankAt(lines, last + 1)) {
+                ++last;
+            }
+        } else {
+            while (from > first && isBlankAt(lines, from - 1)) {
+                --from;
+            }
+        }
+    } else {
+        const bool isWhole = request.isSelecting() && std::min(request.caret, request.anchor) == from + 1 &&
+                             std::max(request.caret, request.anchor) == lines.before(last);
+        if (request.count < 2 && !isWhole) {
+            ++from;
+            if (from == last) {
+                return Result{.from = from, .place = from, .kind = Kind::exclusive};
+            }
+            last = lines.before(last);
+        }
+    }
+    return Result{.from = from, .place = last};
+}
+
+// Brackets
+
+bool isInIndentation(const VimLines &lines, qsizetype place)
+{
+    for (qsizetype at = lines.start(place); at <= place; ++at) {
+        if (!isBlankAt(lines, at)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+template<char16_t open, char16_t close>
+std::optional<Result> bracketed(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    const auto opening = [&](qsizetype place) { return VimExactMotion::enclosing(lines, place, open, close, Direction::backward); };
+    const auto closing = [&](qsizetype place) { return VimExactMotion::enclosing(lines, place, open, close, Direction::forward); };
+    qsizetype caret = request.caret;
+    const qsizetype oldFrom = std::min(request.caret, request.anchor);
+    const qsizetype oldLast = std::max(request.caret, request.anchor);
+    if (!request.isSelecting()) {
+        if (open == u'{') {
+            while (isInIndentation(lines, caret) && !lines.isAtEnd(lines.after(caret))) {
+                caret = lines.after(caret);
+            }
+        }
+        if (lines.at(caret) == open) {
+            ++caret;
+        }
+    } else {
+        caret = oldFrom;
+    }
+    std::optional<qsizetype> from;
+    for (qsizetype left = request.count; left > 0; --left) {
+        from = opening(caret);
+        if (!from) {
+            break;
+        }
+        caret = *from;
+    }
+    auto to = from ? closing(*from) : std::nullopt;
+    if (!to && !request.isSelecting() && request.count == 1) {
+        // The next one, then.
+        qsizetype place = request.caret;
+        while (place < lines.text().length() && lines.at(place) != open) {
+            ++place;
+        }
+        from = place == lines.text().length() ? std::nullopt : std::optional(place);
+        to = from ? closing(*from) : std::nullopt;
+    }
+    if (!to) {
+        return std::nullopt;
+    }
+    bool isAtLineStart = false;
+    qsizetype start = *from;
+    qsizetype last = *to;
+    while (request.extent == Extent::inner) {
+        lines.forwardOverEnds(start);
+        isAtLineStart = last == lines.start(last);
+        lines.backwardOverEnds(last);
+        while (isInIndentation(lines, last)) {
+            isAtLineStart = true;
+            if (last == lines.start(last)) {
+                lines.backwardOverEnds(last);
+                break;
+            }
+            lines.backwardOverEnds(last);
+        }
+        const bool isNoMore = start >= oldFrom && oldLast >= last && start != last;
+        if (!request.isVisual || !isNoMore) {
+            break;
+        }
+        qsizetype outside = oldFrom;
+        lines.backwardOverEnds(outside);
+        from = opening(outside);
+        to = from ? closing(*from) : std::nullopt;
+        if (!to) {
+            return std::nullopt;
+        }
+        start = *from;
+        last = *to;
+    }
+    if (request.isVisual) {
+        if (isAtLineStart && !lines.isAtEnd(last)) {
+            last = lines.end(last);
+        }
+        return Result{.from = start, .place = last};
+    }
+    if (isAtLineStart) {
+        lines.forwardOverEnds(last);
+        return Result{.from = start, .place = last, .kind = Kind::exclusive};
+    }
+    return start <= last ? Result{.from = start, .place = last} : Result{.from = start, .place = start, .kind = Kind::exclusive};
+}
+
+// Tags
+
+struct Tag {
+    TextRange range;
+    QString name;
+    bool isClosing = false;
+};
+
+/// Tags from `from` on in the text; those that close themselves are none.
+std::optional<Tag> nextTag(VimBuffer &text, qsizetype &from)
+{
+    for (; from < text.length(); ++from) {
+        if (text.at(from) != u'<') {
+            continue;
+        }
+        qsizetype at = from + 1;
+        Tag tag;
+        if (at < text.length() && text.at(at) == u'/') {
+            tag.isClosing = true;
+            ++at;
+        }
+        while (at < text.length() && !isSpaceOrTab(text.at(at)) && !isBreak(text.at(at)) && text.at(at) != u'>' && text.at(at) != u'/') {
+            tag.name += QChar(text.at(at++));
+        }
+        while (at < text.length() && text.at(at) != u'>' && text.at(at) != u'<') {
+            ++at;
+        }
+        const bool isTag = !tag.name.isEmpty() && !tag.name.startsWith(u'!') && at < text.length() && text.at(at) == u'>';
+        if (isTag && text.at(at - 1) != u'/') {
+            tag.range = TextRange::between(from, at + 1);
+            from = at + 1;
+            return tag;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Result> tag(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    VimBuffer &text = lines.buffer();
+    const qsizetype oldFrom = std::min(request.caret, request.anchor);
+    const qsizetype oldLast = std::max(request.caret, request.anchor);
+    struct Pair {
+        TextRange open;
+        TextRange close;
+    };
+    std::vector<Tag> opened;
+    std::vector<Pair> around;
+    qsizetype place = 0;
+    while (const auto found = nextTag(text, place)) {
+        if (!found->isClosing) {
+            opened.push_back(*found);
+            continue;
+        }
+        const auto match = std::find_if(opened.rbegin(), opened.rend(), [&](const Tag &one) { return one.name == found->name; });
+        if (match == opened.rend()) {
+            continue;
+        }
+        // In their order of closing, so the innermost first.
+        if (match->range.location <= oldFrom && oldLast < found->range.end()) {
+            around.push_back({match->range, found->range});
+        }
+        opened.erase(std::prev(match.base()), opened.end());
+    }
+    qsizetype left = request.count;
+    for (const Pair &pair : around) {
+        const TextRange whole = pair.open.united(pair.close);
+        const TextRange inner = TextRange::between(pair.open.end(), pair.close.location);
+        const TextRange wanted = request.extent == Extent::inner ? inner : whole;
+        const bool isSame = request.isSelecting() && oldFrom == wanted.location && lines.after(oldLast) >= wanted.end();
+        if (isSame || (request.isSelecting() && request.extent == Extent::inner && oldFrom < inner.location) || --left > 0) {
+            if (isSame && request.extent == Extent::inner) {
+                return Result{.from = whole.location, .place = lines.before(whole.end())};
+            }
+            continue;
+        }
+        if (wanted.isEmpty()) {
+            return Result{.from = wanted.location, .place = wanted.location, .kind = Kind::exclusive};
+        }
+        qsizetype last = wanted.end();
+        lines.backwardOverEnds(last);
+        return Result{.from = wanted.location, .place = last};
+    }
+    return std::nullopt;
+}
+
+struct Row {
+    std::u16string_view keys;
+    std::optional<Result> (*find)(const Request &request);
+};
+
+constexpr auto rows = std::to_array<Row>({
+    {u"w", word<Words::small>},
+    {u"W", word<Words::big>},
+    {u"s", sentence},
+    {u"p", paragraph},
+    {u"\"", quoted<u'"'>},
+    {u"'", quoted<u'\''>},
+    {u"`", quoted<u'`'>},
+    {u"()b", bracketed<u'(', u')'>},
+    {u"[]", bracketed<u'[', u']'>},
+    {u"{}B", bracketed<u'{', u'}'>},
+    {u"<>", bracketed<u'<', u'>'>},
+    {u"t", tag},
+});
+
+} // namespace
+
+std::optional<Result> range(const Request &request, char16_t object)
+{
+    for (const Row &row : rows) {
+        if (row.keys.find(object) != std::u16string_view::npos) {
+            return row.find(request);
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace VimExactObject

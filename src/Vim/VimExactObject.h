@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Vim/VimExactMotion.h"
+#include "Vim/VimKeyHelp.h"
+#include "Vim/VimTextObject.h"
+
+/// Stretches of text by their structure as Vim has them, of which several may be taken and selections grow. Pure functions over the text.
+namespace VimExactObject {
+
+using VimTextObject::Extent;
+
+struct Request {
+    VimLines lines;
+    qsizetype caret = 0;
+    qsizetype count = 1;
+    Extent extent = Extent::inner;
+    bool isVisual = false;
+    /// The other end of a selection of more than one character; else where the caret is.
+    qsizetype anchor = 0;
+
+    [[nodiscard]] bool isSelecting() const { return isVisual && anchor != caret; }
+};
+
+struct Result {
+    qsizetype from = 0;
+    qsizetype place = 0;
+    /// Of `place`.
+    VimMotion::Kind kind = VimMotion::Kind::inclusive;
+    /// It selects characters, or lines, from now on, whatever was selected before.
+    bool isCharacterwise = true;
+};
+
+/// None when there is no such object here, or the key names none.
+[[nodiscard]] std::optional<Result> range(const Request &request, char16_t object);
+
+} // namespace VimExactObject

@@ -1,0 +1,150 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Vim/VimFormatting.h"
+
+#include "Text/LineEditing.h"
+
+namespace VimFormatting {
+
+namespace {
+
+bool isBlank(QChar unit)
+{
+    return unit == u' ' || unit == u'\t';
+}
+
+QStringView trimmedLeft(QStringView text)
+{
+    qsizetype blanks = 0;
+    while (blanks < text.size() && isBlank(text[blanks])) {
+        ++blanks;
+    }
+    return text.sliced(blanks);
+}
+
+/// `next` behind `text`, with a blank where one belongs.
+void append(QString &text, QStringView next)
+{
+    const QStringView rest = trimmedLeft(next);
+    if (!rest.isEmpty() && rest.front() != u')' && !text.isEmpty() && text.back() != u'\t' && text.back() != u' ') {
+        text += u' ';
+    }
+    text += rest;
+}
+
+qsizetype cellsOf(const QString &text, int tabWidth)
+{
+    const Rope rope(text);
+    VimBuffer buffer(rope);
+    const VimLines lines(buffer, tabWidth);
+    return lines.cells(text.size()).first;
+}
+
+/// Where `line` is broken so that what stays is not wider than `width`: behind the last word that fits, or the first.
+std::optional<TextRange> breakOf(const QString &line, qsizetype indentation, int width, int tabWidth)
+{
+    const Rope rope(line);
+    VimBuffer buffer(rope);
+    const VimLines lines(buffer, tabWidth);
+    std::optional<TextRange> found;
+    for (qsizetype place = indentation; place < line.size(); ++place) {
+        if (!isBlank(line[place])) {
+            continue;
+        }
+        const qsizetype start = place;
+        while (place < line.size() && isBlank(line[place])) {
+            ++place;
+        }
+        if (place == line.size()) {
+            break;
+        }
+        if (lines.cells(start).first > width && found) {
+            break;
+        }
+        found = TextRange::between(start, place);
+        if (lines.cells(start).first > width) {
+            break;
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+Joined joined(const VimLines &lines, qsizetype place, qsizetype count, Glue glue)
+{
+    Joined result;
+    qsizetype line = lines.start(place);
+    qsizetype total = lines.end(line) - line;
+    qsizetype shift = 0;
+    result.place = place;
+    char16_t last = lines.isEmpty(line) ? u'\0' : lines.at(lines.end(line) - 1);
+    for (qsizetype done = 1; done < count && !lines.isLast(line); ++done) {
+        const qsizetype end = lines.end(line);
+        const qsizetype next = lines.next(line);
+        const qsizetype nextEnd = lines.end(next);
+        qsizetype from = next;
+        bool hasBlank = false;
+        if (glue == Glue::blank) {
+            while (from < nextEnd && isSpaceOrTab(lines.at(from))) {
+                ++from;
+            }
+            hasBlank = from < nextEnd && lines.at(from) != u')' && total != 0 && last != u'\t' && last != u' ';
+        }
+        result.edits.add(TextRange::between(end, from), hasBlank ? Rope(u" ") : Rope());
+        result.place = end + shift;
+        shift += (hasBlank ? 1 : 0) - (from - end);
+        total += (nextEnd - from) + (hasBlank ? 1 : 0);
+        last = from < nextEnd ? lines.at(nextEnd - 1) : u'\0';
+        line = next;
+    }
+    return result;
+}
+
+QString filled(const VimLines &lines, TextRange range, int width)
+{
+    const bool hasBreak = !range.isEmpty() && isBreak(lines.at(range.end() - 1));
+    QStringList written;
+    QString paragraph;
+    bool hasParagraph = false;
+    const auto flush = [&] {
+        if (!hasParagraph) {
+            return;
+        }
+        qsizetype blanks = 0;
+        while (blanks < paragraph.size() && isBlank(paragraph[blanks])) {
+            ++blanks;
+        }
+        const QString indentation = paragraph.first(blanks);
+        while (cellsOf(paragraph, lines.tabWidth()) > width) {
+            const auto at = breakOf(paragraph, indentation.size(), width, lines.tabWidth());
+            if (!at) {
+                break;
+            }
+            written << paragraph.first(at->location);
+            paragraph = indentation + paragraph.sliced(at->end());
+        }
+        written << paragraph;
+        paragraph.clear();
+        hasParagraph = false;
+    };
+    for (qsizetype line = range.location; line < range.end() || line == range.location; line = lines.next(line)) {
+        const QString text = lines.text().toString(TextRange::between(line, lines.end(line)));
+        if (lines.isBlankFrom(line)) {
+            flush();
+            written << text;
+        } else if (hasParagraph) {
+            append(paragraph, text);
+        } else {
+            paragraph = text;
+            hasParagraph = true;
+        }
+        if (lines.next(line) <= line) {
+            break;
+        }
+    }
+    flush();
+    return written.join(u'\n') + (hasBreak ? QStringLiteral("\n") : QString());
+}
+
+} // namespace VimFormatting

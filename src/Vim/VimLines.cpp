@@ -1,0 +1,238 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Vim/VimLines.h"
+
+#include "Text/TextBoundaries.h"
+
+#include <unicode/uchar.h>
+
+namespace {
+
+/// Cells of a character that is no tab.
+qsizetype widthOf(char32_t character)
+{
+    if (character < 0x20 || character == 0x7F) {
+        return 2; // ^X
+    }
+    if (character < 0x1100) {
+        return 1;
+    }
+    const int width = u_getIntPropertyValue(UChar32(character), UCHAR_EAST_ASIAN_WIDTH);
+    return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
+}
+
+} // namespace
+
+int vimWordClass(char32_t character)
+{
+    if (character == U' ' || character == U'\t' || character == 0 || character == U'\n' || character == U'\r' || character == 0x3000) {
+        return 0;
+    }
+    if (character < 0x100) {
+        const bool isWord = character == U'_' || (character >= U'0' && character <= U'9') || (character >= U'A' && character <= U'Z') ||
+                            (character >= U'a' && character <= U'z') || character >= 0xC0 || character == 0xB5;
+        return isWord ? 2 : 1;
+    }
+    if (u_hasBinaryProperty(UChar32(character), UCHAR_EMOJI) || (character >= 0x1F300 && character <= 0x1FAFF)) {
+        return 3;
+    }
+    if (character >= 0x4E00 && character <= 0x9FFF) {
+        return 0x4E00;
+    }
+    if (character >= 0x3040 && character <= 0x30FF) {
+        return character < 0x30A0 ? 0x3040 : 0x30A0;
+    }
+    if (character >= 0xAC00 && character <= 0xD7A3) {
+        return 0xAC00;
+    }
+    return u_isalnum(UChar32(character)) || u_charType(UChar32(character)) == U_NON_SPACING_MARK || !u_ispunct(UChar32(character)) ? 2 : 1;
+}
+
+// Lines
+
+qsizetype VimLines::start(qsizetype place) const
+{
+    const qsizetype length = m_text.length();
+    if (length == 0) {
+        return 0;
+    }
+    const bool hasBreak = m_last == LastLine::hasText && isBreak(m_text.at(length - 1));
+    return m_text.lineStart(std::clamp<qsizetype>(place, 0, hasBreak ? length - 1 : length));
+}
+
+qsizetype VimLines::end(qsizetype place) const
+{
+    const qsizetype first = start(place);
+    return first >= m_text.length() ? first : std::max(m_text.lineContentEnd(first), first);
+}
+
+qsizetype VimLines::next(qsizetype place) const
+{
+    return m_text.lineRange(start(place)).end();
+}
+
+qsizetype VimLines::startNear(qsizetype place, qsizetype lines) const
+{
+    return m_text.line(start(place), lines).value_or(lines < 0 ? 0 : lastStart());
+}
+
+qsizetype VimLines::firstNonBlank(qsizetype place) const
+{
+    const qsizetype behind = end(place);
+    qsizetype at = start(place);
+    while (at < behind && isSpaceOrTab(m_text.at(at))) {
+        ++at;
+    }
+    return at == behind ? last(place) : at;
+}
+
+bool VimLines::isBlankFrom(qsizetype place) const
+{
+    const qsizetype behind = end(place);
+    while (place < behind && isSpaceOrTab(m_text.at(place))) {
+        ++place;
+    }
+    return place >= behind;
+}
+
+TextRange VimLines::lines(qsizetype one, qsizetype other) const
+{
+    return TextRange::between(start(std::min(one, other)), next(std::max(one, other)));
+}
+
+TextRange VimLines::removable(TextRange lines) const
+{
+    const bool hasBreak = !lines.isEmpty() && isBreak(m_text.at(lines.end() - 1));
+    return hasBreak || lines.location == 0 ? lines : TextRange::between(end(lines.location - 1), lines.end());
+}
+
+// Characters
+
+char32_t VimLines::codePoint(qsizetype place) const
+{
+    const char16_t unit = at(place);
+    return QChar::isHighSurrogate(unit) && QChar::isLowSurrogate(at(place + 1)) ? QChar::surrogateToUcs4(unit, at(place + 1)) : unit;
+}
+
+qsizetype VimLines::after(qsizetype place) const
+{
+    const qsizetype behind = end(place);
+    return place < behind ? std::min(TextBoundaries::nextGrapheme(text(), place), behind) : behind;
+}
+
+qsizetype VimLines::before(qsizetype place) const
+{
+    return std::max(place > 0 ? TextBoundaries::previousGrapheme(text(), place) : 0, start(place));
+}
+
+qsizetype VimLines::last(qsizetype place) const
+{
+    const qsizetype behind = end(place);
+    return behind == start(place) ? behind : before(behind);
+}
+
+qsizetype VimLines::after(qsizetype place, qsizetype characters) const
+{
+    for (const qsizetype behind = end(place); characters > 0 && place < behind; --characters) {
+        place = std::min(TextBoundaries::nextGrapheme(text(), place), behind);
+    }
+    return place;
+}
+
+qsizetype VimLines::before(qsizetype place, qsizetype characters) const
+{
+    for (const qsizetype first = start(place); characters > 0 && place > first; --characters) {
+        place = std::max(TextBoundaries::previousGrapheme(text(), place), first);
+    }
+    return place;
+}
+
+qsizetype VimLines::settled(qsizetype place) const
+{
+    const qsizetype inText = std::clamp<qsizetype>(place, 0, m_text.length());
+    return inText >= end(inText) ? last(inText) : TextBoundaries::snapped(text(), inText);
+}
+
+// Cells
+
+qsizetype VimLines::width(qsizetype place, qsizetype firstCell) const
+{
+    const char16_t unit = at(place);
+    return unit == u'\t' ? m_tabWidth - firstCell % m_tabWidth : widthOf(codePoint(place));
+}
+
+VimLines::Cells VimLines::cells(qsizetype place) const
+{
+    qsizetype cell = 0;
+    const qsizetype behind = end(place);
+    qsizetype at = start(place);
+    while (at < place && at < behind) {
+        const qsizetype here = width(at, cell);
+        const qsizetype next = after(at);
+        if (next > place) {
+            break;
+        }
+        cell += here;
+        at = next;
+    }
+    return {cell, at < behind ? cell + width(at, cell) - 1 : cell};
+}
+
+qsizetype VimLines::placeAt(qsizetype line, qsizetype cell) const
+{
+    const qsizetype behind = end(line);
+    qsizetype place = start(line);
+    for (qsizetype reached = 0; place < behind; place = after(place)) {
+        reached += width(place, reached);
+        if (reached > cell) {
+            break;
+        }
+    }
+    return place;
+}
+
+// Steps
+
+VimLines::Step VimLines::forward(qsizetype &place) const
+{
+    if (const qsizetype behind = end(place); place < behind) {
+        place = after(place);
+        return place < behind ? Step::character : Step::lineEnd;
+    }
+    if (isLast(place)) {
+        return Step::none;
+    }
+    place = next(place);
+    return Step::nextLine;
+}
+
+VimLines::Step VimLines::backward(qsizetype &place) const
+{
+    if (const qsizetype first = start(place); place > first) {
+        place = before(place);
+        return Step::character;
+    }
+    if (place == 0) {
+        return Step::none;
+    }
+    place = end(place - 1);
+    return Step::nextLine;
+}
+
+bool VimLines::forwardOverEnds(qsizetype &place) const
+{
+    const Step step = forward(place);
+    if (step == Step::lineEnd && !isLast(place)) {
+        return forward(place) != Step::none;
+    }
+    return step != Step::none && step != Step::lineEnd;
+}
+
+bool VimLines::backwardOverEnds(qsizetype &place) const
+{
+    const Step step = backward(place);
+    if (step == Step::nextLine && !isEmpty(place)) {
+        place = before(place);
+    }
+    return step != Step::none;
+}

@@ -1,0 +1,96 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Vim/VimBuffer.h"
+
+#include <limits>
+
+/// A text as Vim has it: lines, each a row of characters with a place behind the last one. The empty line behind a last break is none, and
+/// an empty text is one empty line. Offsets are UTF-16 units; characters are graphemes. Holds the buffer for as long as it lives.
+class VimLines final {
+public:
+    /// Behind any line.
+    static constexpr qsizetype endless = std::numeric_limits<qsizetype>::max() / 4;
+
+    /// While text is typed, the empty line behind a last break is one as well.
+    enum class LastLine { hasText, mayBeEmpty };
+
+    explicit VimLines(VimBuffer &text, int tabWidth = 4, LastLine last = LastLine::hasText)
+        : m_text(text), m_tabWidth(std::max(tabWidth, 1)), m_last(last)
+    {}
+
+    [[nodiscard]] VimBuffer &buffer() const { return m_text; }
+    [[nodiscard]] const Rope &text() const { return m_text.text(); }
+
+    // Lines
+    [[nodiscard]] qsizetype start(qsizetype place) const;
+    /// Behind its last character.
+    [[nodiscard]] qsizetype end(qsizetype place) const;
+    /// Behind its break.
+    [[nodiscard]] qsizetype next(qsizetype place) const;
+    [[nodiscard]] bool isEmpty(qsizetype place) const { return start(place) == end(place); }
+    [[nodiscard]] bool isFirst(qsizetype place) const { return start(place) == 0; }
+    [[nodiscard]] bool isLast(qsizetype place) const { return next(place) >= m_text.length(); }
+    [[nodiscard]] qsizetype lastStart() const { return m_text.lastLineStart(); }
+    /// From 0.
+    [[nodiscard]] qsizetype number(qsizetype place) const { return text().lineAt(start(place)); }
+    [[nodiscard]] qsizetype count() const { return number(lastStart()) + 1; }
+    /// The start of the line so many below, or above, or of the first or last one.
+    [[nodiscard]] qsizetype startNear(qsizetype place, qsizetype lines) const;
+    [[nodiscard]] qsizetype startOf(qsizetype number) const { return text().lineStart(std::clamp<qsizetype>(number, 0, count() - 1)); }
+    /// Of a line of blanks the last one; of an empty line its start.
+    [[nodiscard]] qsizetype firstNonBlank(qsizetype place) const;
+    /// Whether there is nothing but blanks from `place` to the line's end.
+    [[nodiscard]] bool isBlankFrom(qsizetype place) const;
+    /// The whole lines of both and between, the last one's break included.
+    [[nodiscard]] TextRange lines(qsizetype one, qsizetype other) const;
+    /// What has to go so that such lines do: where the last of them has no break, that of the line before.
+    [[nodiscard]] TextRange removable(TextRange lines) const;
+
+    // Characters
+    [[nodiscard]] char16_t at(qsizetype place) const { return place >= 0 && place < m_text.length() ? m_text.at(place) : u'\0'; }
+    [[nodiscard]] char32_t codePoint(qsizetype place) const;
+    /// Behind the last character of its line, which is where nothing stands.
+    [[nodiscard]] bool isAtEnd(qsizetype place) const { return place >= end(place); }
+    [[nodiscard]] qsizetype after(qsizetype place) const;
+    [[nodiscard]] qsizetype before(qsizetype place) const;
+    /// The last character of the line; of an empty one its start.
+    [[nodiscard]] qsizetype last(qsizetype place) const;
+    /// So many characters on in the line, at most its end.
+    [[nodiscard]] qsizetype after(qsizetype place, qsizetype characters) const;
+    /// So many characters back in the line, at most its start.
+    [[nodiscard]] qsizetype before(qsizetype place, qsizetype characters) const;
+    /// On a character, but for empty lines.
+    [[nodiscard]] qsizetype settled(qsizetype place) const;
+
+    // Cells of a screen, from 0
+    struct Cells {
+        qsizetype first = 0;
+        qsizetype last = 0;
+    };
+    /// Those of the character at `place`. Costs a walk from the start of the line.
+    [[nodiscard]] Cells cells(qsizetype place) const;
+    /// Where the character with that cell stands; behind the last one for cells beyond.
+    [[nodiscard]] qsizetype placeAt(qsizetype line, qsizetype cell) const;
+    [[nodiscard]] qsizetype width(qsizetype place, qsizetype firstCell) const;
+    [[nodiscard]] int tabWidth() const { return m_tabWidth; }
+
+    // Steps through all characters and the places behind lines, as `w` goes.
+    enum class Step { none, character, lineEnd, nextLine };
+    /// `lineEnd` when it comes to the place behind a line, `nextLine` when it leaves it.
+    Step forward(qsizetype &place) const;
+    /// `nextLine` when it comes to the place behind the line above.
+    Step backward(qsizetype &place) const;
+    /// Steps that do not stay behind lines that have characters.
+    bool forwardOverEnds(qsizetype &place) const;
+    bool backwardOverEnds(qsizetype &place) const;
+
+private:
+    VimBuffer &m_text;
+    int m_tabWidth;
+    LastLine m_last;
+};
+
+/// What a character is to words: blank (0), punctuation (1), of a word (2), or of a script or kind that makes words of its own.
+[[nodiscard]] int vimWordClass(char32_t character);
