@@ -40,6 +40,56 @@ void VimRegisters::set(const VimRegisterContents &contents, std::optional<char16
     }
 }
 
+void VimRegisters::keep(const VimRegisterContents &contents, std::optional<char16_t> wanted, Taken taken)
+{
+    const auto name = wanted == u'"' ? std::optional(u'0') : wanted;
+    if (name == u'_') {
+        return;
+    }
+    if (name && !isClipboard(*name)) {
+        store(contents, *name);
+    } else if (name || m_preferences.value(Settings::vimSharesClipboard)) {
+        writeToClipboard(contents.text);
+    }
+    m_unnamed = name && !isClipboard(*name) ? m_named[lowerCase(*name)] : contents;
+    if (taken == Taken::removedLines || taken == Taken::removedFar) {
+        for (char16_t number = u'9'; number > u'1'; --number) {
+            const auto before = m_named.find(char16_t(number - 1));
+            m_named[number] = before == m_named.end() ? VimRegisterContents() : before->second;
+        }
+        m_named[u'1'] = contents;
+    }
+    if (taken != Taken::removedLines && !name) {
+        m_named[taken == Taken::yanked ? u'0' : u'-'] = contents;
+    }
+}
+
+void VimRegisters::store(const VimRegisterContents &contents, char16_t name)
+{
+    VimRegisterContents &kept = m_named[lowerCase(name)];
+    if (!QChar::isUpper(name) || kept.text.isEmpty()) {
+        kept = contents;
+        return;
+    }
+    // Whole lines stay whole.
+    if (kept.isLinewise || contents.isLinewise) {
+        if (kept.text.at(kept.text.length() - 1) != u'\n') {
+            kept.text.replace({kept.text.length(), 0}, u"\n");
+        }
+        kept.isLinewise = true;
+        kept.isBlock = false;
+    }
+    kept.text.replace({kept.text.length(), 0}, contents.text);
+    if (kept.isLinewise && kept.text.at(kept.text.length() - 1) != u'\n') {
+        kept.text.replace({kept.text.length(), 0}, u"\n");
+    }
+}
+
+void VimRegisters::setText(char16_t name, const QString &text)
+{
+    store({.text = Rope(text), .isLinewise = false}, name);
+}
+
 VimRegisterContents VimRegisters::contents(std::optional<char16_t> name) const
 {
     if (!name) {
@@ -58,7 +108,7 @@ void VimRegisters::writeToClipboard(const Rope &text)
     if (text.isEmpty()) {
         return;
     }
-    setText(m_pasteboard, text);
+    ::setText(m_pasteboard, text);
     m_lastWrittenChangeCount = m_pasteboard.changeCount();
 }
 

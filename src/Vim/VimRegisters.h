@@ -15,6 +15,10 @@ struct VimRegisterContents {
     Rope text;
     /// Whole lines, to be pasted as lines.
     bool isLinewise = false;
+    /// The rows of a rectangle, one a line, to be pasted beside each other.
+    bool isBlock = false;
+    /// Cells of the widest row of a rectangle.
+    qsizetype blockWidth = 0;
 };
 
 /// What was yanked and deleted, by all editors of the process. There are named registers, "+" and "*", which are the clipboard, and the
@@ -27,6 +31,19 @@ public:
 
     /// An upper-case name appends to the register of the lower-case one.
     void set(const VimRegisterContents &contents, std::optional<char16_t> name);
+    /// What was taken, as Vim tells it apart.
+    enum class Taken {
+        yanked,
+        removedPart,
+        removedLines,
+        /// Part of a line, but with a motion over long ways.
+        removedFar,
+    };
+    /// As Vim does it: yanks go to "0", deleted lines to "1" while what was there moves on to "9", what is less to "-"; "_" takes nothing.
+    /// The unnamed register is the one that was stored to last.
+    void keep(const VimRegisterContents &contents, std::optional<char16_t> name, Taken taken);
+    /// Text that was recorded or is put into a register as it is.
+    void setText(char16_t name, const QString &text);
     /// Empty for a register that was never stored to.
     [[nodiscard]] VimRegisterContents contents(std::optional<char16_t> name) const;
 
@@ -35,6 +52,7 @@ public:
     [[nodiscard]] const VimRegisterContents &unnamed() const { return m_unnamed; }
 
 private:
+    void store(const VimRegisterContents &contents, char16_t name);
     void writeToClipboard(const Rope &text);
     [[nodiscard]] VimRegisterContents clipboard() const;
 
