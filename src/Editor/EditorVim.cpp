@@ -66,6 +66,9 @@ QString commandText(const QString &text, const QKeyEvent &event, const ForeignKe
     return text.isEmpty() && dead != deadKeys.end() ? QString(QChar(dead->character)) : text;
 }
 
+/// At once; more are beyond any text.
+constexpr qsizetype mostRows = 100'000'000;
+
 /// On some keyboards AltGr comes as Control and Alt, and what it types is text.
 bool isAltGr(const QKeyEvent &event)
 {
@@ -86,6 +89,8 @@ EditorVim::EditorVim(EditorTextView &view, const Services &services, const VimOp
     }
     m_view.setVim(this);
     m_engine->leaveToNormal();
+    QObject::connect(&m_view.storage(), &TextStorage::changed, &m_context,
+                     [this](const TextChange &change) { m_engine->textChanged(change); });
     updateInputMethod();
 }
 
@@ -318,7 +323,9 @@ void EditorVim::takeSelection()
 
 void EditorVim::keepOneCaret()
 {
-    if (m_engine && m_engine->mode() != VimEngine::Mode::insert && !m_view.selections().isSingle()) {
+    const bool mayHaveSeveral =
+        m_engine && (m_engine->mode() == VimEngine::Mode::insert || m_engine->mode() == VimEngine::Mode::visualBlock);
+    if (m_engine && !mayHaveSeveral && !m_view.selections().isSingle()) {
         const QScopedValueRollback own(m_isOwn, true);
         m_view.setSelection(m_view.selection());
     }
@@ -347,6 +354,18 @@ void EditorVim::select(TextRange range, qsizetype caret)
     m_view.ruler().refresh();
 }
 
+void EditorVim::selectSeveral(const std::vector<TextRange> &ranges, size_t primary)
+{
+    const QScopedValueRollback own(m_isOwn, true);
+    m_foreign = Foreign::nothing;
+    std::vector<CaretSelection> all;
+    all.reserve(ranges.size());
+    for (const TextRange &range : ranges) {
+        all.push_back(CaretSelection::of({range.location, range.end()}));
+    }
+    m_view.setSelection(Selections::merged(std::move(all), primary), TextView::Reveal::nearest);
+}
+
 bool EditorVim::apply(const TextEdits &edits)
 {
     return m_view.apply(edits, GroupKind::other, TextSelection::at(edits[0].range.location));
@@ -354,7 +373,7 @@ bool EditorVim::apply(const TextEdits &edits)
 
 void EditorVim::insertText(const QString &text)
 {
-    if (m_view.autoPairs()) {
+    if (m_view.autoPairs() || !m_view.selections().isSingle()) {
         typeAgain(text);
         return;
     }
@@ -363,6 +382,10 @@ void EditorVim::insertText(const QString &text)
 
 void EditorVim::putText(const QString &text)
 {
+    if (!m_view.selections().isSingle()) {
+        m_view.typeText(withLineFeeds(text));
+        return;
+    }
     m_view.insertText(withLineFeeds(text), m_view.selection().range());
 }
 
@@ -384,6 +407,7 @@ void EditorVim::typeAgain(const QString &keys)
     };
     static constexpr auto rows = std::to_array<Row>({
         {u'\r', &EditorTextView::insertNewline},
+        {u'\n', &EditorTextView::insertNewline},
         {u'\t', &EditorTextView::insertTab},
         {VimKey::backspace, &EditorTextView::deleteBackward},
     });
@@ -440,6 +464,19 @@ void EditorVim::centerSelection()
 void EditorVim::revealSelection()
 {
     m_view.revealCaret();
+}
+
+void EditorVim::revealAt(Edge edge)
+{
+    m_view.revealCaret(TextView::Reveal::center);
+    const qsizetype half = m_view.textViewport().rowsPerPage() / 2;
+    scrollRows(edge == Edge::top ? half : -half);
+    m_view.revealCaret();
+}
+
+void EditorVim::scrollRows(qsizetype rows)
+{
+    m_view.scrollRows(int(std::clamp<qsizetype>(rows, -mostRows, mostRows)));
 }
 
 void EditorVim::seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive)

@@ -83,6 +83,7 @@ private:
     [[nodiscard]] const Rope &text() const override;
     [[nodiscard]] TextRange selectedRange() const override;
     void select(TextRange range, qsizetype caret) override;
+    void selectSeveral(const std::vector<TextRange> &ranges, size_t primary) override;
     bool apply(const TextEdits &edits) override;
     void insertText(const QString &text) override;
     void putText(const QString &text) override;
@@ -96,6 +97,8 @@ private:
     [[nodiscard]] TextRange visibleRange() const override;
     void centerSelection() override;
     void revealSelection() override;
+    void revealAt(Edge edge) override;
+    void scrollRows(qsizetype rows) override;
     void seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive) override;
     void showIndicator(TextRange range) override;
     [[nodiscard]] Indentation indentation() const override;

@@ -7,7 +7,9 @@
 
 #include "Base/Translation.h"
 #include "Text/TextBoundaries.h"
+#include "Vim/VimExact.h"
 #include "Vim/VimKeyTable.h"
+#include "Vim/VimKeys.h"
 
 #include <QScopedValueRollback>
 
@@ -35,8 +37,8 @@ char16_t keyInAnyMode(const VimKeyEvent &event)
 
 QString displayName(VimEngine::Mode mode)
 {
-    static constexpr std::array<QStringView, 5> names = {u"NORMAL", u"INSERT", u"VISUAL", u"V-LINE", u"COMMAND"};
-    static_assert(names.size() == size_t(VimEngine::Mode::commandLine) + 1);
+    static constexpr std::array<QStringView, 6> names = {u"NORMAL", u"INSERT", u"VISUAL", u"V-LINE", u"COMMAND", u"V-BLOCK"};
+    static_assert(names.size() == size_t(VimEngine::Mode::visualBlock) + 1);
     return names[size_t(mode)].toString();
 }
 
@@ -44,6 +46,9 @@ VimEngine::VimEngine(VimTextView &view, VimEngineDelegate &delegate, VimRegister
     : m_view(view), m_delegate(delegate), m_registers(registers), m_options(options), m_keymap(options.preset)
 {
     m_view.setCaretLook(VimCaret::block);
+    if (options.isExact) {
+        m_exact = std::make_unique<Exact>(*this);
+    }
 }
 
 VimEngine::~VimEngine()
@@ -57,6 +62,9 @@ VimEngine::~VimEngine()
 bool VimEngine::handle(const VimKeyEvent &event)
 {
     const QScopedValueRollback handling(m_isHandling, true);
+    if (m_exact) {
+        m_exact->repeating.record(event);
+    }
     const bool isDone = handleKey(event);
     if (std::exchange(m_hasNews, false)) {
         m_delegate.vimEngineDidChangeState(*this);
@@ -68,7 +76,8 @@ bool VimEngine::handleKey(const VimKeyEvent &event)
 {
     const QString &characters = event.charactersIgnoringModifiers;
     const char16_t key = characters.isEmpty() ? 0 : characters.front().unicode();
-    const bool isAwaited = m_mode == Mode::commandLine && m_commandLine.awaitsKey();
+    const bool isLiteral = m_mode == Mode::insert && m_awaiting && m_awaiting->what == Awaiting::literal;
+    const bool isAwaited = isLiteral || (m_mode == Mode::commandLine && m_commandLine.awaitsKey());
     if (characters.size() == 1 && !isAwaited && takeKey(KeyPlace::anyMode, keyInAnyMode(event))) {
         return true;
     }
@@ -138,9 +147,11 @@ bool VimEngine::awaitsChord() const
     case Mode::normal:
     case Mode::visual:
     case Mode::visualLine:
+    case Mode::visualBlock:
         break;
     }
-    return m_keymap.isWaiting() || awaitsWindowKey();
+    const bool isAfterG = m_exact && m_awaiting && m_awaiting->what == Awaiting::gPrefix;
+    return m_keymap.isWaiting() || awaitsWindowKey() || isAfterG;
 }
 
 bool VimEngine::awaitsWindowKey() const
@@ -152,6 +163,10 @@ void VimEngine::handleStroke(const VimKeyStroke &stroke, QStringView key)
 {
     if (stroke.control) {
         handleControl(stroke.character);
+        return;
+    }
+    if (m_exact && stroke.character == VimKey::forwardDelete && !m_countBuffer.isEmpty() && !m_pendingOperator && !m_awaiting) {
+        m_countBuffer.chop(1); // as one that was mistyped
         return;
     }
     const auto stands = std::ranges::find(NavigationRow::all, stroke.character, &NavigationRow::key);
@@ -184,6 +199,9 @@ void VimEngine::perform(const VimKeymapAction &action)
 
 bool VimEngine::handleInsert(const VimKeyEvent &event)
 {
+    if (m_exact) {
+        return m_exact->inserting.handle(event);
+    }
     const QString &key = event.charactersIgnoringModifiers;
     if (m_awaiting && !key.isEmpty()) {
         complete(*std::exchange(m_awaiting, std::nullopt), key);
@@ -198,7 +216,9 @@ bool VimEngine::handleInsert(const VimKeyEvent &event)
 
 void VimEngine::noteInsertedText(const QString &text)
 {
-    if (m_mode == Mode::insert) {
+    if (m_mode == Mode::insert && m_exact) {
+        m_exact->inserting.noteTyped(text);
+    } else if (m_mode == Mode::insert) {
         m_insertedText += text;
     }
 }
@@ -207,9 +227,20 @@ void VimEngine::handleControl(char16_t key)
 {
     if (awaitsWindowKey()) {
         complete(*std::exchange(m_awaiting, std::nullopt), QStringView(&key, 1));
-    } else {
-        takeKey(KeyPlace::withControl, key);
+        return;
     }
+    if (m_exact) {
+        m_exact->repeating.note(VimKeys::text({.characters = {}, .charactersIgnoringModifiers = QString(QChar(key)), .control = true}));
+        const auto awaited = std::exchange(m_awaiting, std::nullopt);
+        const bool isAfterG = awaited && awaited->what == Awaiting::gPrefix;
+        if (awaited && !isAfterG) {
+            resetPending();
+        } else if (!takeKey(isAfterG ? KeyPlace::withGAndControl : KeyPlace::withControl, key)) {
+            resetPending();
+        }
+        return;
+    }
+    takeKey(KeyPlace::withControl, key);
 }
 
 void VimEngine::handleNormal(QStringView key)
@@ -218,11 +249,36 @@ void VimEngine::handleNormal(QStringView key)
     notify();
     const char16_t unit = key.size() == 1 ? key.front().unicode() : 0;
     if (m_awaiting) {
+        noteKey(key);
         complete(*std::exchange(m_awaiting, std::nullopt), key);
         return;
     }
-    if (!takeDigit(unit) && !takeKey(KeyPlace::plain, unit)) {
-        resetPending();
+    if (takeDigit(unit)) {
+        return;
+    }
+    noteKey(key);
+    if (!takeKey(KeyPlace::plain, unit)) {
+        failKey();
+    }
+}
+
+/// For ".", without counts and registers.
+void VimEngine::noteKey(QStringView key)
+{
+    if (m_exact) {
+        m_exact->repeating.note(key);
+    }
+}
+
+/// There is no such key.
+void VimEngine::failKey()
+{
+    if (m_exact) {
+        m_exact->repeating.noteFailure();
+    }
+    resetPending();
+    if (m_exact) {
+        m_exact->inserting.comeBack();
     }
 }
 
@@ -239,9 +295,22 @@ bool VimEngine::takeDigit(char16_t key)
 const VimEngine::KeyRow *VimEngine::row(KeyPlace place, char16_t key) const
 {
     const bool takesObject = m_pendingOperator || isVisual();
-    const auto found = std::ranges::find_if(keys(), [&](const KeyRow &known) {
-        return known.place == place && known.key == key && (takesObject || !known.awaitsObject()) && known.isThereWith(m_options);
-    });
+    const auto isKey = [&](const KeyRow &known) { return known.place == place && known.key == key; };
+    const auto fits = [&](const KeyRow &known) {
+        return isKey(known) && (takesObject || !known.awaitsObject()) && (known.modes != KeyRow::Modes::normalOnly || !takesObject) &&
+               (known.modes != KeyRow::Modes::notPending || !m_pendingOperator) &&
+               (known.modes != KeyRow::Modes::visualOnly || isVisual()) && known.isThereWith(m_options);
+    };
+    bool isExactly = false;
+    if (m_exact) {
+        if (const auto found = std::ranges::find_if(exactKeys(), fits); found != exactKeys().end()) {
+            return &*found;
+        }
+        isExactly = std::ranges::any_of(exactKeys(), isKey);
+    }
+    // Of a key that Vim has otherwise, only what begins an object is left.
+    const auto found =
+        std::ranges::find_if(keys(), [&](const KeyRow &known) { return fits(known) && (!isExactly || known.awaitsObject()); });
     return found == keys().end() ? nullptr : &*found;
 }
 
@@ -249,7 +318,11 @@ bool VimEngine::takeKey(KeyPlace place, char16_t key)
 {
     const KeyRow *known = row(place, key);
     if (place == KeyPlace::plain && m_pendingOperator && isKeyOf(*m_pendingOperator, key)) {
-        applyLinewiseOperator(*m_pendingOperator, effectiveCount());
+        if (m_exact) {
+            m_exact->operating.applyLines(*m_pendingOperator, effectiveCount());
+        } else {
+            applyLinewiseOperator(*m_pendingOperator, effectiveCount());
+        }
         return true;
     }
     if (!known) {
@@ -263,24 +336,34 @@ bool VimEngine::takeKey(KeyPlace place, char16_t key)
         return takeOperator(*kind);
     } else if (const auto *awaited = std::get_if<Awaited>(&known->function)) {
         m_awaiting = *awaited;
+    } else if (const auto *exactly = std::get_if<KeyRow::ExactMotion>(&known->function)) {
+        m_exact->going.go(exactly->motion);
     } else {
         m_view.perform(*std::get<const Action *>(known->function));
+        if (m_exact) {
+            resetPending();
+        }
     }
     return true;
 }
 
 bool VimEngine::isKeyOf(OperatorKind kind, char16_t key)
 {
-    return std::ranges::any_of(keys(), [&](const KeyRow &known) {
+    const auto isOne = [&](const KeyRow &known) {
         const auto *other = std::get_if<OperatorKind>(&known.function);
         return known.key == key && other && *other == kind;
-    });
+    };
+    return std::ranges::any_of(keys(), isOne) || std::ranges::any_of(exactKeys(), isOne);
 }
 
 bool VimEngine::takeOperator(OperatorKind kind)
 {
     if (isVisual()) {
-        applyToSelection(kind);
+        m_exact ? m_exact->selecting.apply(kind) : applyToSelection(kind);
+        return true;
+    }
+    if (m_pendingOperator == kind && m_exact) {
+        m_exact->operating.applyLines(kind, effectiveCount()); // as in gUgU
         return true;
     }
     if (m_pendingOperator) {
@@ -295,6 +378,9 @@ bool VimEngine::takeOperator(OperatorKind kind)
 void VimEngine::complete(const Awaited &awaited, QStringView key)
 {
     const char16_t unit = key.size() == 1 ? key.front().unicode() : 0;
+    if (m_exact && completeExactly(awaited, key)) {
+        return;
+    }
     switch (awaited.what) {
     case Awaiting::findCharacter:
         if (unit == 0) {
@@ -333,6 +419,13 @@ void VimEngine::complete(const Awaited &awaited, QStringView key)
             resetPending();
         }
         return;
+    case Awaiting::openBracketPrefix:
+    case Awaiting::closeBracketPrefix:
+    case Awaiting::capitalZPrefix:
+    case Awaiting::recordedRegister:
+    case Awaiting::macroRegister:
+    case Awaiting::literal:
+        return;
     case Awaiting::windowPrefix:
         resetPending();
         if (!takeKey(KeyPlace::afterWindow, unit)) {
@@ -340,6 +433,60 @@ void VimEngine::complete(const Awaited &awaited, QStringView key)
         }
         return;
     }
+}
+
+/// What means something else, or only means something, where Vim decides; false for all else.
+bool VimEngine::completeExactly(const Awaited &awaited, QStringView key)
+{
+    const char16_t unit = key.size() == 1 ? key.front().unicode() : 0;
+    switch (awaited.what) {
+    case Awaiting::findCharacter:
+        m_exact->going.find(key, awaited.find);
+        return true;
+    case Awaiting::gotoMark:
+        m_exact->going.toMark(unit, awaited.isExact);
+        return true;
+    case Awaiting::setMark:
+        m_exact->going.setMark(unit);
+        return true;
+    case Awaiting::textObject:
+        isVisual() ? m_exact->selecting.takeObject(awaited.extent, unit) : m_exact->operating.takeObject(awaited.extent, unit);
+        return true;
+    case Awaiting::replaceCharacter:
+        isVisual() ? m_exact->selecting.replaceCharacters(key) : m_exact->operating.replaceCharacter(key, effectiveCount());
+        return true;
+    case Awaiting::registerName:
+        m_pendingRegister = unit;
+        m_exact->repeating.dropNoted(2);
+        return true;
+    case Awaiting::recordedRegister:
+        m_exact->repeating.toggleRecording(unit);
+        return true;
+    case Awaiting::macroRegister:
+        m_exact->repeating.runMacro(unit);
+        return true;
+    case Awaiting::gPrefix:
+        if (!takeKey(KeyPlace::afterG, unit)) {
+            failKey();
+        }
+        return true;
+    case Awaiting::openBracketPrefix:
+    case Awaiting::closeBracketPrefix:
+    case Awaiting::capitalZPrefix:
+        if (!takeKey(awaited.what == Awaiting::openBracketPrefix    ? KeyPlace::afterOpenBracket
+                     : awaited.what == Awaiting::closeBracketPrefix ? KeyPlace::afterCloseBracket
+                                                                    : KeyPlace::afterCapitalZ,
+                     unit)) {
+            failKey();
+        }
+        return true;
+    case Awaiting::insertedRegister:
+    case Awaiting::zPrefix:
+    case Awaiting::windowPrefix:
+    case Awaiting::literal:
+        break;
+    }
+    return false;
 }
 
 void VimEngine::awaitWindowKey()
@@ -369,6 +516,10 @@ void VimEngine::takeObject(VimTextObject::Extent extent, char16_t key)
 void VimEngine::configure(const VimOptions &options)
 {
     const bool wasWaiting = m_keymap.isWaiting();
+    if (options.isExact != m_options.isExact) {
+        leaveToNormal();
+        m_exact = options.isExact ? std::make_unique<Exact>(*this) : nullptr;
+    }
     m_options = options;
     m_keymap = VimKeymap(options.preset);
     if (wasWaiting) {
@@ -424,6 +575,14 @@ void VimEngine::clearPending()
 
 void VimEngine::resetPending()
 {
+    if (m_exact) {
+        m_changedBuffer = false;
+        m_extent.reset();
+        m_exact->repeating.forget();
+        m_exact->operating.forget();
+        clearPending();
+        return;
+    }
     if (m_changedBuffer && !m_isReplaying && m_mode != Mode::insert) {
         m_lastChange = Change{.keys = m_pendingKeys, .extent = m_extent};
     }
@@ -456,6 +615,9 @@ void VimEngine::moveCaret(qsizetype target, Keep keep)
 
 void VimEngine::settleCaret()
 {
+    if (m_exact && m_mode == Mode::insert) {
+        return;
+    }
     moveCaret(m_view.selectedRange().location);
 }
 
@@ -484,6 +646,23 @@ void VimEngine::takeSelection(TextSelection selection)
 
 void VimEngine::leaveToNormal()
 {
+    if (m_exact) {
+        m_keymap.forget();
+        rememberCommandLine();
+        m_commandLine.clear();
+        const Mode mode = m_mode;
+        if (mode == Mode::insert) {
+            m_exact->inserting.leave();
+        } else if (isVisual()) {
+            m_exact->selecting.leave();
+        }
+        resetPending();
+        setMode(Mode::normal);
+        if (mode == Mode::commandLine) {
+            moveCaret(m_view.selectedRange().location);
+        }
+        return;
+    }
     if (m_mode == Mode::insert) {
         endInsertSession();
         moveCaret(std::max<qsizetype>(caret() - 1, 0));
@@ -558,6 +737,28 @@ void VimEngine::resumeInsertSession()
     }
 }
 
+void VimEngine::textChanged(const TextChange &change)
+{
+    if (m_exact) {
+        m_exact->followChange(change);
+    }
+}
+
+bool VimEngine::run(const QString &keys)
+{
+    return m_exact && m_exact->repeating.run(keys);
+}
+
+std::optional<char16_t> VimEngine::recording() const
+{
+    return m_exact ? m_exact->repeating.recording() : std::nullopt;
+}
+
+bool VimEngine::isReplacing() const
+{
+    return m_exact && m_mode == Mode::insert && m_exact->inserting.isReplacing();
+}
+
 // Visual modes
 
 void VimEngine::enterVisual(Mode mode)
@@ -583,6 +784,10 @@ void VimEngine::toggleVisual(Mode mode)
 
 void VimEngine::updateVisualSelection(qsizetype head)
 {
+    if (m_exact) {
+        m_exact->selecting.select(head);
+        return;
+    }
     m_visualHead = head;
     const Rope &text = m_view.text();
     const qsizetype low = std::min(m_visualAnchor, head);

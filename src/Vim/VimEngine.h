@@ -15,6 +15,7 @@
 #include "Vim/VimTextView.h"
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <span>
 #include <variant>
@@ -43,8 +44,21 @@ protected:
 /// Main thread only.
 class VimEngine final {
 public:
-    enum class Mode { normal, insert, visual, visualLine, commandLine };
-    enum class OperatorKind { remove, change, yank, indent, outdent, lowercase, uppercase, toggleCase, toggleComment };
+    enum class Mode { normal, insert, visual, visualLine, commandLine, visualBlock };
+    enum class OperatorKind {
+        remove,
+        change,
+        yank,
+        indent,
+        outdent,
+        lowercase,
+        uppercase,
+        toggleCase,
+        toggleComment,
+        rotate,
+        format,
+        formatInPlace,
+    };
 
     /// All must outlive the engine.
     VimEngine(VimTextView &view, VimEngineDelegate &delegate, VimRegisters &registers, const VimOptions &options);
@@ -91,6 +105,15 @@ public:
     void takeSelection(TextSelection selection);
     /// An input method typed `text` while in insert mode.
     void noteInsertedText(const QString &text);
+    /// The text of the view is another, whoever changed it.
+    void textChanged(const TextChange &change);
+    /// Carries out keys as text (VimKeys); false when one failed, and the rest was dropped.
+    bool run(const QString &keys);
+    /// The name of the register that a macro is being recorded into.
+    [[nodiscard]] std::optional<char16_t> recording() const;
+    [[nodiscard]] bool isReplacing() const;
+    /// Both ends of what a visual mode selects, which it has both.
+    [[nodiscard]] TextSelection visualEnds() const { return {m_visualAnchor, m_visualHead}; }
     /// The changes of an insert session are one step of undo, until the view loses the keyboard, the caret is moved, or somebody undoes
     /// in between.
     void pauseInsertSession();
@@ -120,6 +143,13 @@ private:
         gPrefix,
         zPrefix,
         windowPrefix,
+        // Of exact modal editing alone.
+        openBracketPrefix,
+        closeBracketPrefix,
+        capitalZPrefix,
+        recordedRegister,
+        macroRegister,
+        literal,
     };
     struct Awaited {
         Awaiting what = Awaiting::gPrefix;
@@ -134,6 +164,8 @@ private:
         Mode mode = Mode::visual;
         qsizetype lines = 1;
         qsizetype units = 0;
+        /// To the ends of lines.
+        bool isEndless = false;
     };
     /// What "." does again: keys, then what was typed; from the caret on so much, if an operator took it.
     struct Change {
@@ -147,9 +179,29 @@ private:
     enum class VisibleLine { first, middle, last };
     enum class Shown { anywhere, centered };
     /// Where a key may come: where commands begin, with Control, behind another one, in whatever mode, or with Control in insert mode.
-    enum class KeyPlace { plain, withControl, afterG, afterZ, afterWindow, anyMode, whileInserting };
+    enum class KeyPlace {
+        plain,
+        withControl,
+        afterG,
+        afterZ,
+        afterWindow,
+        anyMode,
+        whileInserting,
+        // Of exact modal editing alone.
+        afterOpenBracket,
+        afterCloseBracket,
+        afterCapitalZ,
+        withGAndControl,
+    };
     struct KeyRow;
     struct NavigationRow;
+    class Exact;
+    class ExactPart;
+    class Repeating;
+    class Inserting;
+    class Operating;
+    class Selecting;
+    class Going;
 
     // Keys
     bool handleKey(const VimKeyEvent &event);
@@ -160,12 +212,17 @@ private:
     bool mayInsert(qsizetype length, qsizetype count);
     void handleCommandLine(const VimKeyEvent &event);
     void rememberCommandLine();
+    void leaveCommandLine();
     void handleStroke(const VimKeyStroke &stroke, QStringView key);
     void handleControl(char16_t key);
     /// `key` is one character, of one unit or more.
     void handleNormal(QStringView key);
+    void noteKey(QStringView key);
+    void failKey();
     bool takeDigit(char16_t key);
     [[nodiscard]] static std::span<const KeyRow> keys();
+    /// Those that are exactly Vim's, which go before the others where that is wanted.
+    [[nodiscard]] static std::span<const KeyRow> exactKeys();
     /// Null when there is no such key, or it makes no sense now.
     [[nodiscard]] const KeyRow *row(KeyPlace place, char16_t key) const;
     bool takeKey(KeyPlace place, char16_t key);
@@ -175,6 +232,7 @@ private:
     [[nodiscard]] bool awaitsWindowKey() const;
     void perform(const VimKeymapAction &action);
     void complete(const Awaited &awaited, QStringView key);
+    bool completeExactly(const Awaited &awaited, QStringView key);
     void takeObject(VimTextObject::Extent extent, char16_t key);
 
     // State
@@ -185,7 +243,7 @@ private:
     [[nodiscard]] qsizetype effectiveCount() const;
     [[nodiscard]] bool hasCount() const { return !m_countBuffer.isEmpty() || !m_operatorCountBuffer.isEmpty(); }
     [[nodiscard]] VimKeymap::Table table() const { return isVisual() ? VimKeymap::Table::visual : VimKeymap::Table::normal; }
-    [[nodiscard]] bool isVisual() const { return m_mode == Mode::visual || m_mode == Mode::visualLine; }
+    [[nodiscard]] bool isVisual() const { return m_mode == Mode::visual || m_mode == Mode::visualLine || m_mode == Mode::visualBlock; }
     [[nodiscard]] VimBuffer buffer() const { return VimBuffer(m_view.text()); }
     [[nodiscard]] qsizetype caret() const;
     void moveCaret(qsizetype target, Keep keep = Keep::nothing);
@@ -257,6 +315,8 @@ private:
     std::function<VimHistory::Kept()> m_historyKept;
     std::optional<qsizetype> m_searchOrigin;
     bool m_showsHits = true;
+    /// Where a search's command line leads back to.
+    Mode m_modeBefore = Mode::normal;
     QString m_countBuffer;
     QString m_operatorCountBuffer;
     std::optional<OperatorKind> m_pendingOperator;
@@ -267,6 +327,8 @@ private:
     /// Units from the start of the line, for `j` and `k`; of the caret itself when that was moved by others than the engine.
     qsizetype m_desiredColumn = 0;
     qsizetype m_lastPlace = 0;
+    /// What was selected last.
+    std::optional<Extent> m_visualExtent;
 
     struct LastFind {
         char16_t character;
@@ -275,6 +337,9 @@ private:
     std::optional<LastFind> m_lastFind;
     std::optional<VimSearch> m_lastSearch;
     std::map<QString, qsizetype> m_marks;
+
+    /// Only with exact modal editing.
+    std::unique_ptr<Exact> m_exact;
 
     // For ".".
     std::optional<Change> m_lastChange;

@@ -5,8 +5,9 @@
 
 #include "Text/TextBoundaries.h"
 #include "Text/TextSearch.h"
-#include "Vim/VimEngine.h"
+#include "Vim/VimExact.h"
 #include "Vim/VimKeyTable.h"
+#include "Vim/VimKeys.h"
 
 using namespace Qt::StringLiterals;
 using VimMotion::Kind;
@@ -141,20 +142,55 @@ void VimEngine::beginCommandLine(char16_t prefix)
 {
     m_commandLine.begin(prefix);
     m_searchOrigin.reset();
+    if (m_exact && prefix != u':') {
+        // An operator waits for it, or a selection grows with it.
+        m_modeBefore = m_mode;
+        setMode(Mode::commandLine);
+        return;
+    }
+    if (m_exact) {
+        m_commandLine.begin(prefix, m_exact->linesToCommand());
+    }
+    m_modeBefore = Mode::normal;
     setMode(Mode::commandLine);
     resetPending();
 }
 
+/// Back to where it was begun.
+void VimEngine::leaveCommandLine()
+{
+    m_commandLine.clear();
+    setMode(m_modeBefore);
+    if (isVisual()) {
+        m_exact->selecting.select(m_visualHead);
+    }
+}
+
 void VimEngine::handleCommandLine(const VimKeyEvent &event)
 {
+    if (m_exact) {
+        m_exact->repeating.note(VimKeys::text(event));
+    }
     switch (m_commandLine.handle(event, {m_registers, m_view.text(), caret(), m_history, m_options.isExact})) {
     case VimCommandLine::Outcome::goesOn:
         break;
     case VimCommandLine::Outcome::isLeft:
-        leaveToNormal();
+        if (m_exact) {
+            rememberCommandLine();
+            leaveCommandLine();
+            resetPending();
+        } else {
+            leaveToNormal();
+        }
         break;
     case VimCommandLine::Outcome::isEntered:
         const VimCommandLine entered = m_commandLine;
+        if (m_exact) {
+            rememberCommandLine();
+            leaveCommandLine();
+            m_exact->enterCommandLine(entered);
+            break;
+        }
         leaveToNormal();
         if (entered.prefix() == u':') {
             m_delegate.vimEngineRunsCommand(*this, entered.text());

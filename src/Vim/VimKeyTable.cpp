@@ -138,7 +138,7 @@ std::span<const VimEngine::KeyRow> VimEngine::keys()
                 {u'u', OperatorKind::lowercase, {operators, u"lower case, upper case, toggle case"}, afterG},
                 {u'U', OperatorKind::uppercase, besideAbove, afterG},
                 {u'~', OperatorKind::toggleCase, besideAbove, afterG},
-                {u'c', OperatorKind::toggleComment, {}, afterG, VimKeymapPreset::lazyVim},
+                {.key = u'c', .function = OperatorKind::toggleComment, .place = afterG, .preset = VimKeymapPreset::lazyVim},
 
                 {u'x',
                  Command{
@@ -251,18 +251,26 @@ std::vector<VimChordUse> VimEngine::controlChords(const VimOptions &options)
     using enum VimChordUse::When;
     std::vector<VimChordUse> chords;
     const char16_t *text = nullptr;
-    for (const KeyRow &row : keys()) {
+    const auto isKnown = [&](const KeyRow &row) {
+        const auto when = row.place == KeyPlace::whileInserting ? inserting : commanding;
+        return std::ranges::any_of(chords, [&](const VimChordUse &chord) { return chord.key == row.key && chord.when == when; });
+    };
+    const auto take = [&](const KeyRow &row) {
         if (!row.help.isBesideAbove) {
             text = row.help.text;
         }
-        if (!row.isThereWith(options)) {
-            continue;
+        if (!row.isThereWith(options) || (options.isExact && isKnown(row))) {
+            return;
         }
         if (row.place == KeyPlace::withControl || row.place == KeyPlace::whileInserting) {
             chords.push_back({row.key, row.place == KeyPlace::whileInserting ? inserting : commanding, text});
         } else if (row.place == KeyPlace::anyMode && row.key == VimKey::escape) {
             chords.push_back({u'[', commanding, text});
         }
+    };
+    if (options.isExact) {
+        std::ranges::for_each(exactKeys(), take);
     }
+    std::ranges::for_each(keys(), take);
     return chords;
 }

@@ -6,6 +6,7 @@
 // engine and its tests.
 
 #include "Vim/VimEngine.h"
+#include "Vim/VimExactMotion.h"
 
 #include <array>
 #include <optional>
@@ -23,15 +24,22 @@ struct VimEngine::KeyRow {
         /// What a smaller count, or none, stands for.
         qsizetype leastCount = 1;
     };
+    /// The same as Vim has it.
+    struct ExactMotion {
+        VimExactMotion::Motion motion;
+    };
     /// Waits for a motion or an object, or to be typed once more for whole lines; in visual modes it takes the selection.
     using Operator = OperatorKind;
     /// Waits for one key more; for that of an object only where an object makes sense.
     using Prefix = Awaited;
 
     char16_t key;
-    std::variant<Motion, Command, Operator, Prefix, const Action *> function;
+    std::variant<Motion, Command, Operator, Prefix, const Action *, ExactMotion> function;
     VimKeyHelp help = {};
     KeyPlace place = KeyPlace::plain;
+    /// Where operators wait for a motion, only what moves makes sense.
+    enum class Modes { all, notPending, normalOnly, visualOnly };
+    Modes modes = Modes::all;
     /// Of a key that is there with this key map alone.
     std::optional<VimKeymapPreset> preset = std::nullopt;
 

@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 #include <stop_token>
+#include <vector>
 
 struct Action;
 
@@ -23,6 +24,9 @@ public:
     [[nodiscard]] virtual TextRange selectedRange() const = 0;
     /// Selects, and shows the caret at `caret`, one of the ends of `range` or the character before its end.
     virtual void select(TextRange range, qsizetype caret) = 0;
+
+    /// Several stretches at once, ascending and apart, or places where text is typed. The caret is in the one of `primary`, or at its end.
+    virtual void selectSeveral(const std::vector<TextRange> &ranges, size_t primary) = 0;
 
     /// One change of the text. False when it was refused.
     virtual bool apply(const TextEdits &edits) = 0;
@@ -44,6 +48,11 @@ public:
     [[nodiscard]] virtual TextRange visibleRange() const = 0;
     virtual void centerSelection() = 0;
     virtual void revealSelection() = 0;
+    /// The caret's line comes to an edge of the screen, as far as it can.
+    enum class Edge { top, bottom };
+    virtual void revealAt(Edge edge) = 0;
+    /// Moves what is seen by so many rows; the caret stays where it is.
+    virtual void scrollRows(qsizetype rows) = 0;
     /// Looks for a hit; any thread.
     using Seeking = std::function<std::optional<TextRange>(const std::stop_token &stop)>;
     /// Has a hit looked for on a worker, and calls `arrive` with it, unless the caret is moved or the user stops it by then. Keys that come

@@ -44,20 +44,10 @@ QString modeName(VimEngine::Mode mode)
         return u"V"_s;
     case VimEngine::Mode::commandLine:
         return u"c"_s;
+    case VimEngine::Mode::visualBlock:
+        return u"\u0016"_s;
     }
     return {};
-}
-
-qsizetype anchorOf(const VimView &view)
-{
-    const Rope &text = view.text();
-    const TextRange selected = view.selected;
-    if (view.engine.mode() == VimEngine::Mode::visualLine) {
-        const bool isUpward = text.lineAt(view.caret) == text.lineAt(selected.location);
-        return isUpward && !selected.isEmpty() ? text.lineStart(text.lineAt(selected.end() - 1)) : selected.location;
-    }
-    const bool isBackward = view.caret == selected.location && selected.length > 1;
-    return isBackward ? TextBoundaries::previousGrapheme(text, selected.end()) : selected.location;
 }
 
 /// As Vim keeps them: lines end in LF whatever ends those of the text, and all of them do.
@@ -74,7 +64,10 @@ QJsonObject registersOf(const VimView &view)
         const VimRegisterContents contents = view.registers.contents(name == u'"' ? std::nullopt : std::optional<char16_t>(name.unicode()));
         const QString text = plainText(contents);
         if (!text.isEmpty()) {
-            all[QString(name)] = QJsonObject{{u"text"_s, text}, {u"type"_s, contents.isLinewise ? u"lines"_s : u"characters"_s}};
+            all[QString(name)] = QJsonObject{{u"text"_s, text},
+                                             {u"type"_s, contents.isLinewise ? u"lines"_s
+                                                         : contents.isBlock  ? u"block"_s
+                                                                             : u"characters"_s}};
         }
     }
     return all;
@@ -93,11 +86,14 @@ QJsonObject VimAnswers::answer(const QJsonObject &question)
     press(view, question[u"keys"_s].toString());
 
     const VimEngine::Mode mode = view.engine.mode();
-    QJsonObject result{{u"text"_s, view.string()}, {u"mode"_s, modeName(mode)}, {u"registers"_s, registersOf(view)}};
-    const bool isVisual = mode == VimEngine::Mode::visual || mode == VimEngine::Mode::visualLine;
-    result[u"caret"_s] = isVisual ? view.caret : view.selected.location;
+    QJsonObject result{
+        {u"text"_s, view.string()}, {u"mode"_s, view.engine.isReplacing() ? u"R"_s : modeName(mode)}, {u"registers"_s, registersOf(view)}};
+    const bool isVisual = mode == VimEngine::Mode::visual || mode == VimEngine::Mode::visualLine || mode == VimEngine::Mode::visualBlock;
+    const TextSelection ends = view.engine.visualEnds();
+    result[u"caret"_s] = isVisual ? ends.caret : view.selected.location;
     if (isVisual) {
-        result[u"anchor"_s] = anchorOf(view);
+        const bool isOfLines = mode == VimEngine::Mode::visualLine;
+        result[u"anchor"_s] = isOfLines ? view.text().lineStart(view.text().lineAt(ends.anchor)) : ends.anchor;
     }
     return result;
 }

@@ -25,6 +25,7 @@ public:
             storage.apply({{}, content});
         }
         preferences.set(Settings::vimSharesClipboard, false);
+        QObject::connect(&storage, &TextStorage::changed, &storage, [this](const TextChange &change) { engine.textChanged(change); });
     }
 
     /// As Vim users write them: <Esc>, <CR>, <C-r>, <A-j>, <Left>, <lt>.
@@ -65,9 +66,16 @@ public:
     [[nodiscard]] TextRange selectedRange() const override { return selected; }
     void select(TextRange range, qsizetype at) override
     {
+        several.clear();
         caret = at;
         const qsizetype from = TextBoundaries::snapped(text(), range.location);
         selected = TextRange::between(from, std::max(from, TextBoundaries::snapped(text(), range.end())));
+    }
+    void selectSeveral(const std::vector<TextRange> &ranges, size_t primary) override
+    {
+        several = ranges;
+        selected = ranges[primary];
+        caret = selected.location;
     }
     bool apply(const TextEdits &edits) override
     {
@@ -82,6 +90,19 @@ public:
     }
     void insertText(const QString &inserted) override
     {
+        if (several.size() > 1) {
+            TextEdits edits;
+            qsizetype shift = 0;
+            std::vector<TextRange> after;
+            for (const TextRange &range : several) {
+                edits.add(range, Rope(inserted));
+                shift += inserted.size() - range.length;
+                after.push_back({range.end() + shift, 0});
+            }
+            apply(edits);
+            selectSeveral(after, 0);
+            return;
+        }
         const qsizetype end = selected.location + inserted.size();
         if (apply({selected, inserted})) {
             select({end, 0}, end);
@@ -90,6 +111,20 @@ public:
     void putText(const QString &text) override { insertText(text); }
     void deleteBackward(VimDeletion what) override
     {
+        if (several.size() > 1) {
+            TextEdits edits;
+            qsizetype shift = 0;
+            std::vector<TextRange> after;
+            for (const TextRange &range : several) {
+                const qsizetype start = TextBoundaries::previousGrapheme(text(), range.location);
+                edits.add(TextRange::between(start, range.location), Rope());
+                shift += range.location - start;
+                after.push_back({range.location - shift, 0});
+            }
+            apply(edits);
+            selectSeveral(after, 0);
+            return;
+        }
         const qsizetype place = selected.location;
         const qsizetype from = what == VimDeletion::letter ? TextBoundaries::previousGrapheme(text(), place)
                                : what == VimDeletion::word ? TextBoundaries::previousWordStart(text(), place)
@@ -106,6 +141,8 @@ public:
     [[nodiscard]] TextRange visibleRange() const override { return visible.value_or(TextRange{0, text().length()}); }
     void centerSelection() override { actions << QStringLiteral("center"); }
     void revealSelection() override { actions << QStringLiteral("reveal"); }
+    void revealAt(Edge edge) override { actions << (edge == Edge::top ? QStringLiteral("top") : QStringLiteral("bottom")); }
+    void scrollRows(qsizetype /*rows*/) override {}
     void seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive) override
     {
         if (const auto hit = prepare()({})) {
@@ -135,6 +172,7 @@ public:
     TextStorage storage;
     UndoManager undoManager{storage, [] { return std::chrono::milliseconds(0); }};
     TextRange selected;
+    std::vector<TextRange> several;
     qsizetype caret = 0;
     std::optional<TextRange> visible;
     TextRange indicator;

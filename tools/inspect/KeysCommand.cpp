@@ -148,7 +148,7 @@ QJsonObject commandStates(MainWindowController &window, bool (*answer)(const Act
 
 QJsonValue modeOf(const EditorVim *vim)
 {
-    static constexpr std::array<QStringView, 5> names = {u"normal", u"insert", u"visual", u"visualLine", u"commandLine"};
+    static constexpr std::array<QStringView, 6> names = {u"normal", u"insert", u"visual", u"visualLine", u"commandLine", u"visualBlock"};
     return vim ? QJsonValue(names[size_t(vim->engine().mode())].toString()) : QJsonValue();
 }
 

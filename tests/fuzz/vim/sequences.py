@@ -98,8 +98,8 @@ LINES = ["one two three", "foo(bar, baz[1]) {", "    return \"a b\" + 'c';", "}"
 def random_text(random):
     lines = [random.choice(LINES) for _ in range(random.choice([1, 1, 2, 3, 3, 4, 5, 7]))]
     kind = random.random()
-    line_end = "\r\n" if kind < 0.08 and len(lines) > 1 else "\n"
-    return line_end.join(lines) + ("" if 0.08 < kind < 0.2 else line_end)
+    # Lines of a text end with LF, whatever those of its file do.
+    return "\n".join(lines) + ("" if kind < 0.12 else "\n")
 
 
 def random_caret(random, text):

@@ -1,0 +1,326 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// What all parts of exact modal editing have, repeating, and macros.
+
+#include "Vim/VimExact.h"
+
+#include "Base/Translation.h"
+#include "Text/TextBoundaries.h"
+#include "Vim/VimKeys.h"
+
+#include <QScopedValueRollback>
+
+using namespace Qt::StringLiterals;
+
+VimEngine::ExactPart::ExactPart(Exact &exact) : m_engine(exact.engine), m_exact(exact) {}
+
+VimEngine::ExactPart::Sight VimEngine::ExactPart::see() const
+{
+    const bool isInserting = m_engine.m_mode == Mode::insert;
+    return Sight(text(), m_engine.m_view.indentation().tabWidth(),
+                 isInserting ? VimLines::LastLine::mayBeEmpty : VimLines::LastLine::hasText);
+}
+
+const Rope &VimEngine::ExactPart::text() const
+{
+    return m_engine.m_view.text();
+}
+
+qsizetype VimEngine::ExactPart::caret() const
+{
+    return m_engine.caret();
+}
+
+void VimEngine::ExactPart::setCaret(qsizetype place, std::optional<qsizetype> column)
+{
+    const Sight sight = see();
+    qsizetype at = std::clamp<qsizetype>(place, 0, text().length());
+    if (m_engine.isVisual()) {
+        at = TextBoundaries::snapped(text(), std::min(at, sight.lines.end(at)));
+        m_exact.selecting.select(at);
+    } else {
+        at = m_engine.m_mode == Mode::insert ? TextBoundaries::snapped(text(), std::min(at, sight.lines.end(at))) : sight.lines.settled(at);
+        m_engine.m_view.select({at, 0}, at);
+    }
+    m_exact.column = column;
+    m_exact.columnPlace = at;
+    m_engine.m_lastPlace = at;
+    if (m_engine.isVisual()) {
+        m_exact.selecting.select(at); // a column without end reaches the ends of lines
+    }
+}
+
+bool VimEngine::ExactPart::edit(const TextEdits &edits)
+{
+    return m_engine.edit(edits);
+}
+
+void VimEngine::ExactPart::finish(Repeatable repeatable)
+{
+    if (repeatable == Repeatable::yes && !m_exact.repeating.isReplaying()) {
+        m_exact.repeating.remember();
+    }
+    m_engine.resetPending();
+    m_exact.inserting.comeBack();
+}
+
+void VimEngine::ExactPart::fail()
+{
+    m_exact.repeating.noteFailure();
+    finish();
+}
+
+VimExactMotion::Request VimEngine::ExactPart::request(const Sight &sight) const
+{
+    using For = VimExactMotion::For;
+    const auto kind = m_engine.m_pendingOperator;
+    const bool isKept = m_exact.columnPlace == caret();
+    return {.lines = sight.lines,
+            .caret = caret(),
+            .count = m_engine.effectiveCount(),
+            .hasCount = m_engine.hasCount(),
+            .purpose = m_engine.isVisual()            ? For::selection
+                       : !kind                        ? For::caret
+                       : kind == OperatorKind::change ? For::change
+                       : kind == OperatorKind::yank   ? For::yank
+                                                      : For::operation,
+            .column = isKept ? m_exact.column : std::nullopt};
+}
+
+// Repeating
+
+void VimEngine::Repeating::forget()
+{
+    m_keys.clear();
+}
+
+void VimEngine::Repeating::remember()
+{
+    if (m_isHeld) {
+        return;
+    }
+    m_redo = Redo{.keys = m_keys,
+                  .registerName = m_engine.m_pendingRegister,
+                  .count = m_engine.hasCount() ? m_engine.effectiveCount() : 0,
+                  .extent = m_engine.m_extent,
+                  .script = std::nullopt};
+}
+
+QString VimEngine::Repeating::hold()
+{
+    m_isHeld = true;
+    return m_keys;
+}
+
+void VimEngine::Repeating::release(const QString &keys)
+{
+    m_isHeld = false;
+    m_keys = keys;
+}
+
+void VimEngine::Repeating::rememberScript(const QString &script)
+{
+    if (m_redo && !m_isReplaying) {
+        m_redo->script = script;
+    }
+}
+
+void VimEngine::Repeating::rememberInsertion()
+{
+    if (!m_isReplaying) {
+        m_redo = Redo{.keys = u"i"_s, .registerName = std::nullopt, .count = 0, .extent = std::nullopt, .script = QString()};
+    }
+}
+
+void VimEngine::Repeating::rememberKeys(const QString &keys)
+{
+    if (m_redo && !m_isReplaying) {
+        m_redo->keys = keys;
+    }
+}
+
+void VimEngine::Repeating::repeat()
+{
+    if (!m_redo || m_isReplaying) {
+        fail();
+        return;
+    }
+    if (m_engine.hasCount() && !m_redo->extent) {
+        m_redo->count = m_engine.effectiveCount();
+    }
+    m_engine.resetPending();
+    if (m_redo->registerName && *m_redo->registerName >= u'1' && *m_redo->registerName < u'9') {
+        ++*m_redo->registerName;
+    }
+    const Redo redo = *m_redo;
+    const QScopedValueRollback replaying(m_isReplaying, true);
+    m_engine.m_view.beginUndoGroup();
+    if (redo.extent) {
+        m_exact.selecting.selectAgain(*redo.extent);
+    }
+    m_engine.m_pendingRegister = redo.registerName;
+    m_engine.m_countBuffer = redo.count > 0 ? QString::number(redo.count) : QString();
+    bool isDone = run(redo.keys);
+    if (m_engine.m_mode == Mode::insert) {
+        if (redo.script) {
+            m_exact.inserting.play(*redo.script);
+        }
+        m_exact.inserting.leave();
+    } else if (m_engine.isVisual()) {
+        m_exact.selecting.leave();
+    }
+    m_engine.resetPending();
+    m_engine.m_view.endUndoGroup();
+    m_hasFailed = !isDone;
+}
+
+bool VimEngine::Repeating::run(const QString &keys)
+{
+    const QString queue = std::exchange(m_queue, keys);
+    const qsizetype place = std::exchange(m_queuePlace, 0);
+    if (m_depth++ == 0) {
+        m_keysRun = 0;
+    }
+    bool isDone = true;
+    while (isDone && m_queuePlace < m_queue.size()) {
+        if (++m_keysRun > mostKeys) {
+            m_engine.m_delegate.vimEngineSays(m_engine, localized(u"Stopped: these keys would go on without an end"));
+            isDone = false;
+            break;
+        }
+        const VimKeyEvent event = VimKeys::next(m_queue, m_queuePlace);
+        m_hasFailed = false;
+        if (!m_engine.handleKey(event) && !event.characters.isEmpty()) {
+            m_engine.m_view.insertText(event.characters);
+        }
+        isDone = !m_hasFailed;
+    }
+    m_queue = queue;
+    m_queuePlace = place;
+    --m_depth;
+    m_hasFailed = !isDone;
+    return isDone;
+}
+
+void VimEngine::Repeating::record(const VimKeyEvent &event)
+{
+    if (m_recording && m_depth == 0) {
+        m_recorded += VimKeys::text(event);
+    }
+}
+
+void VimEngine::Repeating::beginRecording()
+{
+    if (m_recording) {
+        toggleRecording(0);
+    } else {
+        m_engine.m_awaiting = Awaited{.what = Awaiting::recordedRegister};
+    }
+}
+
+void VimEngine::Repeating::toggleRecording(char16_t name)
+{
+    if (m_recording) {
+        m_recorded.chop(1); // the key that ends it
+        m_engine.m_registers.setText(*std::exchange(m_recording, std::nullopt), std::exchange(m_recorded, {}));
+    } else if (QChar(name).isLetterOrNumber() || name == u'"') {
+        m_recording = name;
+        m_recorded.clear();
+    } else {
+        fail();
+        return;
+    }
+    finish();
+}
+
+void VimEngine::Repeating::runMacro(char16_t name)
+{
+    const char16_t wanted = name == u'@' ? m_lastMacro : name;
+    const qsizetype count = m_engine.effectiveCount();
+    const QString command = wanted == u':' ? m_exact.lastCommandLine : QString();
+    const Rope recorded =
+        wanted == 0 || wanted == u':' ? Rope() : m_exact.contents(wanted == u'"' ? std::nullopt : std::optional(wanted)).text;
+    m_engine.resetPending();
+    if ((recorded.isEmpty() && command.isEmpty()) || !m_engine.mayInsert(recorded.length(), count)) {
+        fail();
+        return;
+    }
+    m_lastMacro = wanted;
+    QString keys = command.isEmpty() ? recorded.toString() : u':' + command + u'\r';
+    keys = keys.repeated(count);
+    if (m_depth > 0) {
+        m_queue = keys + m_queue.sliced(m_queuePlace);
+        m_queuePlace = 0;
+    } else {
+        run(keys);
+    }
+}
+
+// All of it
+
+VimEngine::Exact::Exact(VimEngine &owner) : engine(owner) {}
+
+void VimEngine::Exact::escape()
+{
+    const bool endsMode =
+        !engine.m_awaiting && !inserting.comesBack() && (engine.m_mode != Mode::commandLine || engine.m_modeBefore == Mode::normal);
+    if (endsMode) {
+        engine.leaveToNormal();
+        return;
+    }
+    engine.m_keymap.forget();
+    if (engine.m_mode == Mode::commandLine) {
+        engine.rememberCommandLine();
+        engine.leaveCommandLine();
+    }
+    engine.m_mode == Mode::insert ? engine.m_awaiting.reset() : engine.resetPending();
+    inserting.comeBack();
+    engine.notify();
+}
+
+QString VimEngine::Exact::linesToCommand()
+{
+    if (engine.isVisual()) {
+        selecting.leave();
+        return u"'<,'>"_s;
+    }
+    const qsizetype count = engine.effectiveCount();
+    return !engine.hasCount() ? QString() : count > 1 ? u".,.+%1"_s.arg(count - 1) : u"."_s;
+}
+
+void VimEngine::Exact::enterCommandLine(const VimCommandLine &line)
+{
+    if (line.prefix() != u':') {
+        going.search(line.text(), line.prefix() == u'/' ? SearchDirection::forward : SearchDirection::backward);
+        return;
+    }
+    engine.resetPending();
+    if (!line.text().isEmpty()) {
+        lastCommandLine = line.text();
+    }
+    engine.m_delegate.vimEngineRunsCommand(engine, line.text());
+}
+
+void VimEngine::Exact::followChange(const TextChange &change)
+{
+    marks.follow(change);
+    jumps.follow(change);
+    changes.follow(change);
+    operating.followChange(change);
+    selecting.followChange(change);
+}
+
+VimRegisterContents VimEngine::Exact::contents(std::optional<char16_t> name) const
+{
+    if (name == u'.') {
+        return {.text = Rope(inserting.lastInserted())};
+    }
+    if (name == u':') {
+        return {.text = Rope(lastCommandLine)};
+    }
+    if (name == u'/') {
+        return {.text = Rope(engine.m_lastSearch ? engine.m_lastSearch->pattern : QString())};
+    }
+    return name == u'_' ? VimRegisterContents() : engine.m_registers.contents(name == u'"' ? std::nullopt : name);
+}

@@ -1,0 +1,362 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+// What the engine does exactly as Vim, in parts that share the engine's keys and counts; the rows of VimExactKeys.cpp call them. Private to
+// the sources of the engine. Positions are UTF-16 units. Main thread only.
+
+#include "Vim/VimBlock.h"
+#include "Vim/VimEngine.h"
+#include "Vim/VimExactMotion.h"
+#include "Vim/VimExactObject.h"
+#include "Vim/VimFormatting.h"
+#include "Vim/VimMarks.h"
+
+/// What all parts have: the text as Vim sees it, the caret, and how a command ends.
+class VimEngine::ExactPart {
+public:
+    explicit ExactPart(Exact &exact);
+
+protected:
+    /// The text as it is now, to be looked at until the next change.
+    struct Sight {
+        Sight(const Rope &text, int tabWidth, VimLines::LastLine last) : buffer(text), lines(buffer, tabWidth, last) {}
+        Q_DISABLE_COPY_MOVE(Sight)
+
+        VimBuffer buffer;
+        VimLines lines;
+    };
+    enum class Repeatable { no, yes };
+
+    [[nodiscard]] Sight see() const;
+    [[nodiscard]] const Rope &text() const;
+    [[nodiscard]] qsizetype caret() const;
+    /// On a character where the mode wants one; the other end of a selection stays. `column` is to be kept for the next `j`.
+    void setCaret(qsizetype place, std::optional<qsizetype> column = std::nullopt);
+    bool edit(const TextEdits &edits);
+    bool edit(TextRange range, QStringView text) { return edit(TextEdits(range, text)); }
+    /// What was typed is done.
+    void finish(Repeatable repeatable = Repeatable::no);
+    /// It came to nothing: macros stop.
+    void fail();
+    [[nodiscard]] VimExactMotion::Request request(const Sight &sight) const;
+
+    VimEngine &m_engine;
+    Exact &m_exact;
+};
+
+/// Where commands begin and how they are done again: their keys, macros, ".".
+class VimEngine::Repeating final : public ExactPart {
+public:
+    using ExactPart::ExactPart;
+
+    /// A key of a command, other than counts and registers.
+    void note(QStringView key) { m_keys += key; }
+    void dropNoted(qsizetype units) { m_keys.chop(units); }
+    void forget();
+    /// What was noted is what "." does.
+    void remember();
+    void rememberScript(const QString &script);
+    /// "." inserts what was typed since then.
+    void rememberInsertion();
+    /// "." repeats the command by other keys than were typed.
+    void rememberKeys(const QString &keys);
+    [[nodiscard]] bool isReplaying() const { return m_isReplaying; }
+    [[nodiscard]] bool isRunning() const { return m_depth > 0; }
+    void repeat();
+
+    /// Carries keys out, false when one failed; what was left of them is dropped then.
+    bool run(const QString &keys);
+    void noteFailure() { m_hasFailed = true; }
+    /// What is done meanwhile is part of another command.
+    [[nodiscard]] QString hold();
+    void release(const QString &keys);
+
+    void record(const VimKeyEvent &event);
+    /// Ends a recording, or waits for the name of a register to record into.
+    void beginRecording();
+    void toggleRecording(char16_t name);
+    void runMacro(char16_t name);
+    [[nodiscard]] std::optional<char16_t> recording() const { return m_recording; }
+
+private:
+    struct Redo {
+        QString keys;
+        std::optional<char16_t> registerName;
+        /// 0 for none.
+        qsizetype count = 0;
+        std::optional<Extent> extent;
+        /// What was typed in insert mode.
+        std::optional<QString> script;
+    };
+    /// Keys that one press may come to; more are a macro that goes round.
+    static constexpr qsizetype mostKeys = 2'000'000;
+
+    QString m_keys;
+    std::optional<Redo> m_redo;
+    bool m_isReplaying = false;
+    bool m_isHeld = false;
+    bool m_hasFailed = false;
+    std::optional<char16_t> m_recording;
+    QString m_recorded;
+    char16_t m_lastMacro = 0;
+    /// Still to come while keys are carried out; a macro goes before the rest.
+    QString m_queue;
+    qsizetype m_queuePlace = 0;
+    qsizetype m_depth = 0;
+    qsizetype m_keysRun = 0;
+};
+
+/// Insert and replace mode.
+class VimEngine::Inserting final : public ExactPart {
+public:
+    using ExactPart::ExactPart;
+
+    enum class Kind { insert, replace, block };
+
+    /// Text is typed from now on; the command may have changed something already, in the same step of undo.
+    void begin();
+    void enter(qsizetype place, qsizetype count = 1, Kind kind = Kind::insert);
+    void append(qsizetype count);
+    void enterAtFirst(qsizetype count);
+    void enterAtStart(qsizetype count);
+    void enterAtEnd(qsizetype count);
+    void enterWhereLeft(qsizetype count);
+    /// Of several places, in the lines of a block.
+    void enterBlock(const std::vector<qsizetype> &places, std::optional<qsizetype> endsAt = std::nullopt);
+    void openLine(Side side, qsizetype count);
+    /// The line has nothing but the indentation that it was given, which goes with Escape.
+    void noteIndentation(bool isGiven) { m_hasGivenIndentation = isGiven; }
+
+    /// False leaves it to the view.
+    bool handle(const VimKeyEvent &event);
+    void noteTyped(const QString &text);
+    void leave();
+    void deleteBefore(VimDeletion what, char16_t key);
+    void deleteBehind();
+    void insertRegister(char16_t name);
+    void insertLast(bool leaves);
+    void insertNeighbour(qsizetype lines);
+    void shiftLine(OperatorKind kind, char16_t key);
+    void oneCommand();
+    void awaitLiteral();
+    [[nodiscard]] bool isReplacing() const { return m_kind == Kind::replace; }
+    [[nodiscard]] const QString &lastInserted() const { return m_lastInserted; }
+    /// After a command of normal mode that was to be the only one.
+    void comeBack();
+    [[nodiscard]] bool comesBack() const { return m_comesBack; }
+    /// Plays what was typed again.
+    void play(const QString &script);
+
+    void newLine();
+
+private:
+    void move(char16_t key);
+    void finishReplay();
+    void overwrite(const QString &text);
+    void breakBeforeWidth(const QString &next);
+    qsizetype dropGivenIndentation();
+    [[nodiscard]] QString indentationFor(qsizetype place) const;
+
+    Kind m_kind = Kind::insert;
+    qsizetype m_count = 1;
+    std::optional<Side> m_opened;
+    QString m_script;
+    QString m_lastInserted;
+    /// What typed characters took the place of; empty where they were added.
+    std::vector<QString> m_replaced;
+    qsizetype m_start = 0;
+    /// Where the caret is left that was at several places.
+    std::optional<qsizetype> m_blockEnd;
+    bool m_hasGivenIndentation = false;
+    bool m_isRepeating = false;
+    bool m_comesBack = false;
+    bool m_returnsBehind = false;
+};
+
+/// Operators and the other commands that change the text.
+class VimEngine::Operating final : public ExactPart {
+public:
+    using ExactPart::ExactPart;
+
+    struct Region {
+        TextRange range;
+        Span span = Span::characters;
+        /// The caret after a yank.
+        qsizetype start = 0;
+        /// More than a part of a line.
+        bool isOfLines = false;
+        /// What it takes goes to the numbered registers however little it is.
+        bool isLarge = false;
+        /// How often lines are shifted.
+        qsizetype amount = 1;
+        bool isVisual = false;
+    };
+
+    /// The caret goes there, or the operator that waits has its text.
+    void arrive(const VimExactMotion::Result &result);
+    void takeObject(VimTextObject::Extent extent, char16_t key);
+    void applyLines(OperatorKind kind, qsizetype count);
+    void apply(OperatorKind kind, const Region &region);
+    void applyToBlock(OperatorKind kind, const VimBlock &block);
+    void forget() { m_forced.reset(); }
+    /// The operator that waits takes characters, lines or a block, whatever its motion says.
+    void force(Mode mode);
+
+    void deleteCharacters(Side side, qsizetype count);
+    void substituteCharacters(qsizetype count);
+    void toRestOfLine(OperatorKind kind, qsizetype count);
+    void toggleCase(qsizetype count);
+    void replaceCharacter(QStringView key, qsizetype count);
+    void join(qsizetype count, VimFormatting::Glue glue);
+    enum class PasteCaret { onText, behindText };
+    enum class PasteIndentation { asIs, asHere };
+    void paste(Side side, qsizetype count, PasteCaret at = PasteCaret::onText, PasteIndentation indentation = PasteIndentation::asIs);
+    void add(qint64 by);
+    void undo(qsizetype count);
+    void redo(qsizetype count);
+    void undoLine();
+    void keep(const VimRegisterContents &contents, VimRegisters::Taken taken);
+    void keepRange(TextRange range, Span span, VimRegisters::Taken taken);
+    void followChange(const TextChange &change);
+    [[nodiscard]] QString blanks(qsizetype cells) const;
+    void pasteText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
+
+private:
+    void change(const Region &region);
+    void remove(const Region &region);
+    void shift(const Region &region, OperatorKind kind);
+    void changeCase(TextRange range, OperatorKind kind);
+    void format(const Region &region, bool keepsCaret);
+    void pasteBlock(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
+    void showUndone(std::optional<qsizetype> before);
+
+    std::optional<Mode> m_forced;
+    /// The first unit that undoing changed.
+    std::optional<qsizetype> m_firstChanged;
+    /// Line and column, units, of the caret before what was undone, for redoing it.
+    std::vector<std::pair<qsizetype, qsizetype>> m_caretsBefore;
+    struct LineBefore {
+        qsizetype line = 0;
+        QString text;
+        qsizetype column = 0;
+    };
+    std::optional<LineBefore> m_lineBefore;
+    bool m_isUndoing = false;
+};
+
+/// The visual modes.
+class VimEngine::Selecting final : public ExactPart {
+public:
+    using ExactPart::ExactPart;
+
+    void toggle(Mode mode);
+    void begin(Mode mode, qsizetype anchor, qsizetype head);
+    /// Moves the end that moves.
+    void select(qsizetype head);
+    void leave();
+    void again();
+    void otherEnd(bool isInRow);
+    void selectHit(SearchDirection direction);
+    void insert(Side side, qsizetype count);
+    void apply(OperatorKind kind, std::optional<Span> span = std::nullopt, bool toEnds = false);
+    /// Whole lines, or of a block all up to the ends of lines.
+    void removeLines(OperatorKind kind);
+    void removeAll();
+    void yankLines();
+    void replaceCharacters(QStringView key);
+    void paste(qsizetype count, bool keepsRegister);
+    void join(VimFormatting::Glue glue);
+    void add(qint64 by, bool isProgressive);
+    void takeObject(VimTextObject::Extent extent, char16_t key);
+    [[nodiscard]] VimBlock block() const;
+    [[nodiscard]] Extent extent() const;
+    void selectAgain(const Extent &extent);
+    /// Remembers the selection for `gv` and its marks.
+    void remember();
+    void followChange(const TextChange &change);
+
+private:
+    struct Selected {
+        Mode mode = Mode::visual;
+        VimPlace anchor;
+        VimPlace head;
+        bool isEndless = false;
+    };
+    [[nodiscard]] Operating::Region region() const;
+    void endAt(qsizetype place);
+    void removeEmptyLast();
+
+    std::optional<Selected> m_last;
+};
+
+/// Where the caret goes that is no motion of the text alone: marks, jumps, searches, the screen.
+class VimEngine::Going final : public ExactPart {
+public:
+    using ExactPart::ExactPart;
+
+    void go(VimExactMotion::Motion motion);
+    void find(QStringView key, VimMotion::FindKind kind);
+    void findAgain(bool isReversed);
+    void toVisibleLine(VisibleLine line);
+    void scrollHalf(qsizetype direction);
+    void scrollPage(qsizetype direction, qsizetype count);
+    void scrollRows(qsizetype rows);
+    void reveal(std::optional<VimTextView::Edge> edge, bool toFirstNonBlank);
+    void toMark(char16_t name, bool isExact);
+    void setMark(char16_t name);
+    void jump(bool isOlder, qsizetype count);
+    void toChange(bool isOlder, qsizetype count);
+    void search(const QString &typed, SearchDirection direction);
+    void searchAgain(bool isReversed);
+    void searchWord(SearchDirection direction, bool isWhole);
+    /// From where it is left by a jump.
+    void rememberJump();
+
+private:
+    /// Where a search leads from a place in a text, if it does within so many units.
+    using Route =
+        std::function<std::optional<VimSearchMove>(const Rope &text, qsizetype from, const std::stop_token &stop, qsizetype most)>;
+    void seek(qsizetype from, const VimSearch &search, const Route &route);
+    void arriveAtHit(const VimSearchMove &move);
+    void say(const QString &message);
+
+    /// Lines of Control-D and Control-U; 0 for half of the screen.
+    qsizetype m_scroll = 0;
+    struct LastFind {
+        char32_t character;
+        VimMotion::FindKind kind;
+    };
+    std::optional<LastFind> m_last;
+};
+
+class VimEngine::Exact final {
+public:
+    explicit Exact(VimEngine &owner);
+
+    /// The range that a command line begins with: what was selected, or as many lines as the count says.
+    [[nodiscard]] QString linesToCommand();
+    /// Ends what waits for a key, else the mode.
+    void escape();
+    void enterCommandLine(const VimCommandLine &line);
+    void followChange(const TextChange &change);
+    /// What `~` stands for in a pattern.
+    [[nodiscard]] std::optional<QString> lastSubstitute() const { return std::nullopt; }
+    [[nodiscard]] VimRegisterContents contents(std::optional<char16_t> name) const;
+
+    VimEngine &engine;
+    VimMarks marks;
+    VimPlaces jumps{VimPlaces::Kind::jumps};
+    VimPlaces changes{VimPlaces::Kind::changes};
+    /// Cells, kept by `j` and `k` where it is not the caret's; `VimLines::endless` behind `$`.
+    std::optional<qsizetype> column;
+    /// Where the column was kept.
+    qsizetype columnPlace = 0;
+    QString lastCommandLine;
+
+    Repeating repeating{*this};
+    Inserting inserting{*this};
+    Operating operating{*this};
+    Selecting selecting{*this};
+    Going going{*this};
+};

@@ -1,0 +1,325 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// Where Vim's caret goes by marks, jumps, searches and the screen.
+
+#include "Vim/VimExact.h"
+
+#include "Base/Translation.h"
+
+using namespace Qt::StringLiterals;
+using VimMotion::Kind;
+
+void VimEngine::Going::go(VimExactMotion::Motion motion)
+{
+    VimExactMotion::Result result;
+    {
+        const Sight sight = see();
+        result = motion(request(sight));
+    }
+    m_exact.operating.arrive(result);
+}
+
+void VimEngine::Going::find(QStringView key, VimMotion::FindKind kind)
+{
+    if (key == QChar(VimKey::escape) || key.isEmpty()) {
+        fail();
+        return;
+    }
+    m_last =
+        LastFind{key.size() > 1 && key[0].isHighSurrogate() ? QChar::surrogateToUcs4(key[0], key[1]) : char32_t(key[0].unicode()), kind};
+    VimExactMotion::Result result;
+    {
+        const Sight sight = see();
+        result = VimExactMotion::find(request(sight), m_last->character, kind, false);
+    }
+    m_exact.operating.arrive(result);
+}
+
+void VimEngine::Going::findAgain(bool isReversed)
+{
+    if (!m_last) {
+        fail();
+        return;
+    }
+    VimExactMotion::Result result;
+    {
+        const Sight sight = see();
+        const VimMotion::FindKind kind = isReversed ? VimMotion::reversed(m_last->kind) : m_last->kind;
+        result = VimExactMotion::find(request(sight), m_last->character, kind, true);
+    }
+    m_exact.operating.arrive(result);
+}
+
+// The screen
+
+void VimEngine::Going::toVisibleLine(VisibleLine line)
+{
+    VimExactMotion::Result result{.kind = Kind::linewise, .isJump = true};
+    {
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        const TextRange seen = m_engine.m_view.visibleRange();
+        const qsizetype first = lines.number(seen.location);
+        const qsizetype last = std::min(lines.number(std::max(seen.end() - 1, seen.location)), lines.count() - 1);
+        const qsizetype by = m_engine.effectiveCount() - 1;
+        const qsizetype number = line == VisibleLine::first    ? std::min(first + by, last)
+                                 : line == VisibleLine::middle ? first + (last - first) / 2
+                                                               : std::max(last - by, first);
+        result.place = lines.firstNonBlank(lines.startOf(number));
+    }
+    m_exact.operating.arrive(result);
+}
+
+void VimEngine::Going::scrollHalf(qsizetype direction)
+{
+    if (m_engine.hasCount()) {
+        m_scroll = m_engine.effectiveCount();
+    }
+    const qsizetype lines = m_scroll > 0 ? m_scroll : std::max<qsizetype>(m_engine.m_view.visibleLineCount() / 2, 1);
+    scrollPage(direction * lines, 0);
+}
+
+void VimEngine::Going::scrollPage(qsizetype direction, qsizetype count)
+{
+    const qsizetype by = count > 0 ? direction * std::max<qsizetype>(m_engine.m_view.visibleLineCount() - 2, 1) * count : direction;
+    qsizetype place = caret();
+    {
+        const Sight sight = see();
+        if (by > 0 ? sight.lines.isLast(place) : sight.lines.isFirst(place)) {
+            place = -1;
+        } else {
+            place = sight.lines.firstNonBlank(sight.lines.startNear(place, by));
+        }
+    }
+    if (place < 0) {
+        fail();
+        return;
+    }
+    m_engine.m_view.scrollRows(by);
+    setCaret(place);
+    finish();
+}
+
+void VimEngine::Going::scrollRows(qsizetype rows)
+{
+    m_engine.m_view.scrollRows(rows);
+    const TextRange seen = m_engine.m_view.visibleRange();
+    qsizetype place = caret();
+    if (!seen.contains(place) && !seen.isEmpty()) {
+        // The caret stays in sight.
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        const qsizetype line = lines.start(place < seen.location ? seen.location : std::max(seen.end() - 1, seen.location));
+        const qsizetype cell = lines.cells(place).first;
+        place = std::min(lines.placeAt(line, cell), lines.last(line));
+    }
+    setCaret(place, m_exact.column);
+    finish();
+}
+
+void VimEngine::Going::reveal(std::optional<VimTextView::Edge> edge, bool toFirstNonBlank)
+{
+    if (m_engine.hasCount()) {
+        const Sight sight = see();
+        setCaret(sight.lines.startOf(m_engine.effectiveCount() - 1));
+    }
+    if (toFirstNonBlank) {
+        const Sight sight = see();
+        setCaret(sight.lines.firstNonBlank(caret()));
+    }
+    if (edge) {
+        m_engine.m_view.revealAt(*edge);
+    } else {
+        m_engine.m_view.centerSelection();
+    }
+    finish();
+}
+
+// Marks and lists of places
+
+void VimEngine::Going::rememberJump()
+{
+    m_exact.marks.set(u'\'', caret());
+    m_exact.jumps.add(caret(), text());
+}
+
+void VimEngine::Going::toMark(char16_t name, bool isExact)
+{
+    const char16_t known = name == u'`' ? u'\'' : name;
+    auto place = m_exact.marks.place(known);
+    if (!place && (known == u'\'' || known == u'[')) {
+        place = 0; // as in a text that was just opened
+    } else if (!place && known == u']') {
+        const VimBuffer buffer(text());
+        place = buffer.lastLineStart();
+    }
+    if (!place) {
+        say(localized(u"Mark not set"));
+        fail();
+        return;
+    }
+    VimExactMotion::Result result{.place = std::min(*place, text().length()), .isJump = true};
+    {
+        const Sight sight = see();
+        if (isExact) {
+            result.place = m_engine.isVisual() ? result.place : sight.lines.settled(result.place);
+            result.isLarge = true;
+        } else {
+            result.kind = Kind::linewise;
+            result.place = sight.lines.firstNonBlank(result.place);
+        }
+    }
+    m_exact.operating.arrive(result);
+}
+
+void VimEngine::Going::setMark(char16_t name)
+{
+    const char16_t known = name == u'`' ? u'\'' : name;
+    if (!VimMarks::isName(known)) {
+        fail();
+        return;
+    }
+    m_exact.marks.set(known, caret());
+    finish();
+}
+
+void VimEngine::Going::jump(bool isOlder, qsizetype count)
+{
+    const auto place = isOlder ? m_exact.jumps.older(count, caret(), text()) : m_exact.jumps.newer(count);
+    if (!place) {
+        fail();
+        return;
+    }
+    m_exact.marks.set(u'\'', caret());
+    setCaret(*place);
+    finish();
+}
+
+void VimEngine::Going::toChange(bool isOlder, qsizetype count)
+{
+    const bool isBehindAll = m_exact.changes.position() >= m_exact.changes.places().size();
+    const auto place = isOlder || isBehindAll ? m_exact.changes.older(isOlder ? count : 1, caret(), text()) : m_exact.changes.newer(count);
+    if (!place) {
+        fail();
+        return;
+    }
+    m_exact.operating.arrive({.place = *place, .isJump = true});
+}
+
+// Searching
+
+void VimEngine::Going::search(const QString &typed, SearchDirection direction)
+{
+    const qsizetype from = std::exchange(m_engine.m_searchOrigin, std::nullopt).value_or(caret());
+    const VimSearch common = VimSearch::exact({}, direction, m_engine.m_options, m_exact.lastSubstitute());
+    auto searches = VimSearch::parse(typed, common, m_engine.m_lastSearch);
+    if (!searches) {
+        say(searches.error().message);
+        fail();
+        return;
+    }
+    m_engine.m_lastSearch = searches->back();
+    const qsizetype count = m_engine.effectiveCount();
+    seek(from, searches->back(),
+         [searches = *searches, count](const Rope &text, qsizetype place, const std::stop_token &stop, qsizetype most) {
+             std::optional<VimSearchMove> move;
+             for (const VimSearch &one : searches) {
+                 move = one.move(text, move ? move->position : place, move ? 1 : count, stop, most);
+                 if (!move) {
+                     break;
+                 }
+             }
+             return move;
+         });
+}
+
+void VimEngine::Going::searchAgain(bool isReversed)
+{
+    if (!m_engine.m_lastSearch) {
+        say(localized(u"No pattern was searched for yet"));
+        fail();
+        return;
+    }
+    VimSearch search = *m_engine.m_lastSearch;
+    if (isReversed) {
+        search.direction = search.direction == SearchDirection::forward ? SearchDirection::backward : SearchDirection::forward;
+    }
+    const qsizetype count = m_engine.effectiveCount();
+    seek(caret(), search, [search, count](const Rope &text, qsizetype place, const std::stop_token &stop, qsizetype /*most*/) {
+        return search.repeated(text, place, count, stop);
+    });
+}
+
+void VimEngine::Going::searchWord(SearchDirection direction, bool isWhole)
+{
+    const auto pattern = VimSearch::patternOfWord(text(), caret(), isWhole ? VimSearch::Words::whole : VimSearch::Words::parts);
+    if (!pattern) {
+        fail();
+        return;
+    }
+    qsizetype start = caret();
+    {
+        // The word itself is no hit.
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        const auto classAt = [&](qsizetype at) { return lines.isAtEnd(at) ? 0 : vimWordClass(lines.codePoint(at)); };
+        const int kind = classAt(start);
+        while (kind >= 2 && start > lines.start(start) && classAt(lines.before(start)) == kind) {
+            start = lines.before(start);
+        }
+    }
+    VimSearch search = VimSearch::exact(*pattern, direction, m_engine.m_options, m_exact.lastSubstitute());
+    m_engine.m_lastSearch = search;
+    const qsizetype count = m_engine.effectiveCount();
+    seek(start, search, [search, count](const Rope &text, qsizetype place, const std::stop_token &stop, qsizetype most) {
+        return search.move(text, place, count, stop, most);
+    });
+}
+
+/// At once where it is near or something waits for it, else on a worker.
+void VimEngine::Going::seek(qsizetype from, const VimSearch &search, const Route &route)
+{
+    m_engine.m_showsHits = true;
+    if (const QString problem = search.problem(); !problem.isEmpty()) {
+        say(problem);
+        fail();
+        return;
+    }
+    const Rope all = text();
+    const bool mayWait =
+        all.length() > VimSearch::nearby && !m_engine.m_pendingOperator && !m_engine.isVisual() && !m_exact.repeating.isRunning();
+    const auto found = route(all, from, {}, mayWait ? VimSearch::nearby : std::numeric_limits<qsizetype>::max());
+    if (found) {
+        arriveAtHit(*found);
+    } else if (!mayWait) {
+        say(search.messageForNone());
+        fail();
+    } else {
+        finish();
+        const auto move = std::make_shared<std::optional<VimSearchMove>>();
+        const auto prepare = [this, route, move, from]() -> VimTextView::Seeking {
+            return [route, move, all = Rope(text()), from](const std::stop_token &stop) {
+                *move = route(all, from, stop, std::numeric_limits<qsizetype>::max());
+                return *move ? std::optional((*move)->hit) : std::nullopt;
+            };
+        };
+        m_engine.m_view.seek(prepare, [this, move](TextRange /*hit*/) {
+            arriveAtHit(**move);
+            m_engine.notify();
+        });
+    }
+}
+
+void VimEngine::Going::arriveAtHit(const VimSearchMove &move)
+{
+    m_exact.operating.arrive({.place = move.position, .kind = move.kind, .isLarge = true, .isJump = true});
+    m_engine.m_view.showIndicator(move.hit);
+}
+
+void VimEngine::Going::say(const QString &message)
+{
+    if (!message.isEmpty()) {
+        m_engine.m_delegate.vimEngineSays(m_engine, message);
+    }
+}

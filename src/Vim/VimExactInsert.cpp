@@ -1,0 +1,585 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// Insert and replace mode as Vim has them.
+
+#include "Vim/VimExact.h"
+
+#include "Text/LineEditing.h"
+#include "Text/TextBoundaries.h"
+#include "Vim/VimKeys.h"
+
+#include <QScopedValueRollback>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool isMove(char16_t key)
+{
+    return key == VimKey::left || key == VimKey::right || key == VimKey::up || key == VimKey::down || key == VimKey::home ||
+           key == VimKey::end || key == VimKey::pageUp || key == VimKey::pageDown;
+}
+
+/// Keys of a script that are no text.
+constexpr char16_t deleteLetterKey = 0x08;
+constexpr char16_t deleteWordKey = 0x17;
+constexpr char16_t deleteLineKey = 0x15;
+
+/// Nothing but what types itself.
+bool isText(const QString &script)
+{
+    return std::ranges::none_of(script, [](QChar unit) {
+        return unit < u' ' || unit == QChar(VimKey::backspace) || (unit >= QChar(VimKeys::alt) && unit <= QChar(VimKey::pageDown));
+    });
+}
+
+} // namespace
+
+void VimEngine::Inserting::begin()
+{
+    if (m_engine.m_mode == Mode::insert) {
+        return;
+    }
+    if (!m_exact.repeating.isReplaying()) {
+        m_exact.repeating.remember();
+    }
+    m_engine.setMode(Mode::insert);
+    m_engine.resumeInsertSession();
+    m_script.clear();
+    m_replaced.clear();
+    m_opened.reset();
+    m_count = 1;
+    m_kind = Kind::insert;
+    m_hasGivenIndentation = false;
+    m_comesBack = false;
+}
+
+void VimEngine::Inserting::enter(qsizetype place, qsizetype count, Kind kind)
+{
+    if (m_engine.m_mode != Mode::insert) {
+        const qsizetype at = std::clamp<qsizetype>(place, 0, text().length());
+        m_engine.m_view.select({at, 0}, at); // where undoing it leads back to
+    }
+    begin();
+    m_count = count;
+    m_kind = kind;
+    setCaret(place);
+    m_start = caret();
+    m_engine.resetPending();
+}
+
+void VimEngine::Inserting::append(qsizetype count)
+{
+    const qsizetype place = [&] {
+        const Sight sight = see();
+        return sight.lines.after(caret());
+    }();
+    enter(place, count);
+}
+
+void VimEngine::Inserting::enterAtFirst(qsizetype count)
+{
+    const qsizetype place = [&] {
+        const Sight sight = see();
+        const qsizetype first = sight.lines.firstNonBlank(caret());
+        return sight.lines.isBlankFrom(first) ? sight.lines.end(first) : first;
+    }();
+    enter(place, count);
+}
+
+void VimEngine::Inserting::enterAtStart(qsizetype count)
+{
+    const qsizetype place = [&] {
+        const Sight sight = see();
+        return sight.lines.start(caret());
+    }();
+    enter(place, count);
+}
+
+void VimEngine::Inserting::enterAtEnd(qsizetype count)
+{
+    const qsizetype place = [&] {
+        const Sight sight = see();
+        return sight.lines.end(caret());
+    }();
+    enter(place, count);
+}
+
+void VimEngine::Inserting::enterWhereLeft(qsizetype count)
+{
+    enter(std::min(m_exact.marks.place(u'^').value_or(caret()), text().length()), count);
+    m_exact.repeating.rememberKeys(u"i"_s);
+}
+
+void VimEngine::Inserting::enterBlock(const std::vector<qsizetype> &places, std::optional<qsizetype> endsAt)
+{
+    begin();
+    m_kind = Kind::block;
+    m_blockEnd = endsAt;
+    std::vector<TextRange> ranges;
+    for (const qsizetype place : places) {
+        ranges.push_back({place, 0});
+    }
+    m_start = places.front();
+    m_engine.m_view.selectSeveral(ranges, 0);
+    m_engine.resetPending();
+}
+
+/// As wide as that of the line, in what the text is indented with.
+QString VimEngine::Inserting::indentationFor(qsizetype place) const
+{
+    const Sight sight = see();
+    const QString blanks = LineEditing::leadingBlanks(text(), place);
+    return m_exact.operating.blanks(sight.lines.cells(sight.lines.start(place) + blanks.size()).first);
+}
+
+void VimEngine::Inserting::openLine(Side side, qsizetype count)
+{
+    const qsizetype from = caret();
+    begin();
+    m_opened = side;
+    m_count = count;
+    const Sight sight = see();
+    const QString indentation = indentationFor(sight.lines.start(from));
+    const qsizetype place = side == Side::after ? sight.lines.end(from) : sight.lines.start(from);
+    // A text without a break at its end goes on without one.
+    edit({place, 0}, side == Side::after ? u'\n' + indentation : indentation + u'\n');
+    setCaret(place + indentation.size() + (side == Side::after ? 1 : 0));
+    m_start = caret();
+    m_hasGivenIndentation = !indentation.isEmpty();
+    m_engine.resetPending();
+}
+
+// Keys
+
+bool VimEngine::Inserting::handle(const VimKeyEvent &event)
+{
+    const QString &key = event.charactersIgnoringModifiers;
+    const char16_t unit = key.isEmpty() ? 0 : key.front().unicode();
+    if (m_engine.m_awaiting && !key.isEmpty()) {
+        const Awaited awaited = *std::exchange(m_engine.m_awaiting, std::nullopt);
+        if (awaited.what == Awaiting::literal) {
+            const QString literal = event.control ? VimKeys::text(event) : key;
+            noteTyped(literal);
+            m_engine.m_view.putText(literal);
+        } else {
+            insertRegister(unit);
+        }
+        return true;
+    }
+    if (event.control) {
+        return key.size() == 1 && m_engine.takeKey(KeyPlace::whileInserting, unit);
+    }
+    if (isMove(unit)) {
+        move(unit);
+        return true;
+    }
+    if (unit == VimKey::backspace) {
+        deleteBefore(VimDeletion::letter, deleteLetterKey);
+        return true;
+    }
+    if (unit == VimKey::forwardDelete) {
+        deleteBehind();
+        return true;
+    }
+    if (unit == u'\r') {
+        newLine();
+        return true;
+    }
+    if (event.characters.isEmpty()) {
+        return false;
+    }
+    breakBeforeWidth(event.characters);
+    if (m_kind == Kind::replace) {
+        overwrite(event.characters);
+        return true;
+    }
+    noteTyped(event.characters);
+    return false;
+}
+
+void VimEngine::Inserting::noteTyped(const QString &text)
+{
+    if (!m_isRepeating) {
+        m_script += text;
+    }
+    m_hasGivenIndentation = false;
+}
+
+void VimEngine::Inserting::overwrite(const QString &typed)
+{
+    const Sight sight = see();
+    const qsizetype place = caret();
+    const qsizetype end = sight.lines.isAtEnd(place) ? place : sight.lines.after(place);
+    m_replaced.push_back(text().toString(TextRange::between(place, end)));
+    noteTyped(typed);
+    edit(TextRange::between(place, end), typed);
+    setCaret(place + typed.size());
+}
+
+void VimEngine::Inserting::newLine()
+{
+    const Sight sight = see();
+    const qsizetype place = caret();
+    const qsizetype line = sight.lines.start(place);
+    const bool isGivenAway = std::exchange(m_hasGivenIndentation, false) && sight.lines.isBlankFrom(line);
+    noteTyped(u"\r"_s);
+    if (m_kind == Kind::block) {
+        m_engine.m_view.insertText(u"\n"_s);
+        return;
+    }
+    if (m_kind == Kind::replace) {
+        m_replaced.emplace_back();
+    }
+    const QString before = LineEditing::leadingBlanks(text(), line);
+    const qsizetype cells = sight.lines.cells(std::min(line + before.size(), place)).first;
+    const QString indentation = m_exact.operating.blanks(cells);
+    qsizetype end = place;
+    while (!sight.lines.isAtEnd(end) && isSpaceOrTab(sight.lines.at(end))) {
+        ++end; // the indentation stands for them
+    }
+    const qsizetype from = isGivenAway ? line : place;
+    edit(TextRange::between(from, end), u'\n' + indentation);
+    setCaret(from + 1 + indentation.size());
+    m_hasGivenIndentation = !indentation.isEmpty();
+}
+
+void VimEngine::Inserting::move(char16_t key)
+{
+    struct Row {
+        char16_t key;
+        VimExactMotion::Motion motion;
+    };
+    static constexpr Row rows[] = {
+        {VimKey::up, VimExactMotion::up}, {VimKey::down, VimExactMotion::down}, {VimKey::home, VimExactMotion::lineStart}};
+    {
+        const Sight sight = see();
+        const qsizetype place = caret();
+        const bool isStuck = (key == VimKey::left && place == sight.lines.start(place)) ||
+                             (key == VimKey::right && sight.lines.isAtEnd(place)) || (key == VimKey::up && sight.lines.isFirst(place)) ||
+                             (key == VimKey::down && sight.lines.isLast(place));
+        if (isStuck) {
+            return;
+        }
+    }
+    dropGivenIndentation();
+    m_engine.pauseInsertSession();
+    finishReplay();
+    m_script.clear();
+    m_replaced.clear();
+    m_count = 1;
+    m_opened.reset();
+    m_hasGivenIndentation = false;
+    m_exact.repeating.rememberInsertion();
+    {
+        const Sight sight = see();
+        qsizetype place = caret();
+        std::optional<qsizetype> column;
+        if (key == VimKey::left) {
+            place = sight.lines.before(place);
+        } else if (key == VimKey::right) {
+            place = sight.lines.after(place);
+        } else if (key == VimKey::end) {
+            place = sight.lines.end(place);
+            column = VimLines::endless;
+        } else if (const auto *row = std::ranges::find(rows, key, &Row::key); row != std::end(rows)) {
+            VimExactMotion::Request wanted = request(sight);
+            wanted.purpose = VimExactMotion::For::selection; // it may stand behind a line
+            if (const auto result = row->motion(wanted); !result.failed) {
+                place = result.place;
+                column = result.column;
+            }
+        }
+        setCaret(place, column);
+    }
+    m_start = caret();
+    m_engine.resumeInsertSession();
+}
+
+void VimEngine::Inserting::deleteBefore(VimDeletion what, char16_t key)
+{
+    const Sight sight = see();
+    const VimLines &lines = sight.lines;
+    const qsizetype place = caret();
+    if (!m_isRepeating) {
+        m_script += QChar(key);
+    }
+    if (m_kind == Kind::replace) {
+        if (m_replaced.empty()) {
+            setCaret(std::max<qsizetype>(place - 1, lines.start(place)));
+            return;
+        }
+        const QString before = m_replaced.back();
+        m_replaced.pop_back();
+        const qsizetype from = lines.before(place);
+        edit(TextRange::between(from, place), before);
+        setCaret(from);
+        return;
+    }
+    if (m_kind == Kind::block) {
+        m_engine.m_view.deleteBackward(what);
+        return;
+    }
+    qsizetype from = place;
+    if (place == lines.start(place)) {
+        if (place == 0) {
+            return;
+        }
+        from = lines.end(place - 1); // the break
+    } else if (what == VimDeletion::letter) {
+        from = lines.before(place);
+    } else if (what == VimDeletion::word) {
+        const qsizetype first = lines.start(place);
+        while (from > first && vimWordClass(lines.codePoint(lines.before(from))) == 0) {
+            from = lines.before(from);
+        }
+        if (from > first) {
+            const int kind = vimWordClass(lines.codePoint(lines.before(from)));
+            while (from > first && vimWordClass(lines.codePoint(lines.before(from))) == kind) {
+                from = lines.before(from);
+            }
+        }
+        from = m_start < place && m_start > from ? m_start : from;
+    } else {
+        // What was typed first, then all but the indentation.
+        const qsizetype first = lines.start(place);
+        const qsizetype text = std::min(lines.firstNonBlank(first), place);
+        from = m_start < place && m_start >= first ? m_start : text < place ? text : first;
+    }
+    m_hasGivenIndentation = false;
+    edit(TextRange::between(from, place), {});
+    m_start = std::min(m_start, from);
+    setCaret(from);
+}
+
+void VimEngine::Inserting::deleteBehind()
+{
+    const Sight sight = see();
+    const qsizetype place = caret();
+    const qsizetype end =
+        sight.lines.isAtEnd(place) ? (sight.lines.isLast(place) ? place : sight.lines.next(place)) : sight.lines.after(place);
+    if (!m_isRepeating) {
+        m_script += QChar(VimKey::forwardDelete);
+    }
+    edit(TextRange::between(place, end), {});
+    setCaret(place);
+}
+
+void VimEngine::Inserting::insertRegister(char16_t name)
+{
+    const VimRegisterContents contents = m_exact.contents(name);
+    if (contents.text.isEmpty() || !m_engine.mayInsert(contents.text.length(), 1)) {
+        return;
+    }
+    const QString inserted = contents.text.toString();
+    noteTyped(QString(inserted).replace(u'\n', u'\r'));
+    m_engine.m_view.putText(inserted);
+}
+
+void VimEngine::Inserting::insertLast(bool leaves)
+{
+    const QString last = m_lastInserted;
+    play(last);
+    if (leaves) {
+        leave();
+    }
+}
+
+void VimEngine::Inserting::insertNeighbour(qsizetype by)
+{
+    const Sight sight = see();
+    const VimLines &lines = sight.lines;
+    const qsizetype place = caret();
+    if (by < 0 ? lines.isFirst(place) : lines.isLast(place)) {
+        return;
+    }
+    const qsizetype line = lines.startNear(place, by);
+    const qsizetype other = lines.placeAt(line, lines.cells(place).first);
+    if (lines.isAtEnd(other)) {
+        return;
+    }
+    const QString character = text().toString(TextRange::between(other, lines.after(other)));
+    if (m_kind == Kind::replace) {
+        overwrite(character);
+        return;
+    }
+    noteTyped(character);
+    m_engine.m_view.putText(character);
+}
+
+void VimEngine::Inserting::shiftLine(OperatorKind kind, char16_t key)
+{
+    const Sight sight = see();
+    const VimLines &lines = sight.lines;
+    const qsizetype place = caret();
+    const qsizetype line = lines.start(place);
+    const QString before = LineEditing::leadingBlanks(text(), line);
+    const int width = m_engine.m_view.indentation().width;
+    const qsizetype cells = lines.cells(line + before.size()).first;
+    // To the next or previous level.
+    const qsizetype levels = kind == OperatorKind::indent ? cells / width + 1 : (cells + width - 1) / width - 1;
+    const QString after = m_exact.operating.blanks(std::max<qsizetype>(levels, 0) * width);
+    if (!m_isRepeating) {
+        m_script += QChar(key);
+    }
+    m_hasGivenIndentation = false;
+    edit({line, before.size()}, after);
+    setCaret(std::max(place + after.size() - before.size(), line));
+}
+
+void VimEngine::Inserting::oneCommand()
+{
+    const qsizetype place = caret();
+    const bool isBehind = [&] {
+        const Sight sight = see();
+        return sight.lines.isAtEnd(place);
+    }();
+    m_count = 1;
+    leave();
+    setCaret(place);
+    m_comesBack = true;
+    m_returnsBehind = isBehind;
+}
+
+void VimEngine::Inserting::comeBack()
+{
+    if (!m_comesBack || m_engine.m_mode != Mode::normal || m_engine.m_pendingOperator || m_engine.m_awaiting || m_engine.hasCount()) {
+        return;
+    }
+    m_comesBack = false;
+    const Sight sight = see();
+    const qsizetype place = caret();
+    const bool isLast = place == sight.lines.last(place) && !sight.lines.isEmpty(place);
+    enter(m_returnsBehind && isLast ? sight.lines.end(place) : place);
+}
+
+void VimEngine::Inserting::awaitLiteral()
+{
+    m_engine.m_awaiting = Awaited{.what = Awaiting::literal};
+}
+
+/// Before `next` comes behind a line that is as wide as it may be, its last word goes to a line of its own.
+void VimEngine::Inserting::breakBeforeWidth(const QString &next)
+{
+    const int width = m_engine.m_options.textWidth;
+    if (width <= 0 || m_kind != Kind::insert || next.isEmpty() || next.front().isSpace()) {
+        return;
+    }
+    const Sight sight = see();
+    const VimLines &lines = sight.lines;
+    const qsizetype place = caret();
+    if (lines.cells(place).first < width) {
+        return;
+    }
+    const qsizetype line = lines.start(place);
+    const QString indentation = indentationFor(line);
+    std::optional<TextRange> blanks;
+    for (qsizetype at = line + indentation.size(); at < place; ++at) {
+        if (!isSpaceOrTab(lines.at(at))) {
+            continue;
+        }
+        const qsizetype start = at;
+        while (at < place && isSpaceOrTab(lines.at(at))) {
+            ++at;
+        }
+        if (blanks && lines.cells(start).first > width) {
+            break;
+        }
+        blanks = TextRange::between(start, at);
+    }
+    if (blanks && blanks->location > line + indentation.size()) {
+        edit(*blanks, u'\n' + indentation);
+        setCaret(place - blanks->length + 1 + indentation.size());
+    }
+}
+
+// The end
+
+void VimEngine::Inserting::play(const QString &script)
+{
+    for (qsizetype place = 0; place < script.size();) {
+        const VimKeyEvent event = VimKeys::next(script, place);
+        if (!handle(event)) {
+            m_engine.m_view.insertText(event.characters);
+        }
+    }
+}
+
+void VimEngine::Inserting::finishReplay()
+{
+    m_exact.repeating.rememberScript(m_script);
+    m_lastInserted = m_script;
+}
+
+/// Indentation that nothing was typed behind; where the caret is then.
+qsizetype VimEngine::Inserting::dropGivenIndentation()
+{
+    const qsizetype place = caret();
+    qsizetype line = 0;
+    TextRange blanks;
+    {
+        const Sight sight = see();
+        line = sight.lines.start(place);
+        blanks = TextRange::between(line, sight.lines.end(line));
+        if (!std::exchange(m_hasGivenIndentation, false) || place == line || !sight.lines.isBlankFrom(line)) {
+            return place;
+        }
+    }
+    edit(blanks, {});
+    setCaret(line);
+    return line;
+}
+
+void VimEngine::Inserting::leave()
+{
+    if (m_engine.m_mode != Mode::insert) {
+        return;
+    }
+    const QString script = m_script;
+    m_isRepeating = true;
+    if (m_kind == Kind::replace) {
+        for (qsizetype left = m_count - 1; left > 0 && !script.isEmpty() && m_engine.mayInsert(script.size(), m_count); --left) {
+            play(script);
+        }
+    } else if (m_count > 1 && !script.isEmpty() && !m_opened && m_kind == Kind::insert && isText(script) &&
+               m_engine.mayInsert(script.size(), m_count)) {
+        m_engine.m_view.putText(script.repeated(m_count - 1));
+    } else if (m_count > 1 && (m_opened || !script.isEmpty()) && m_engine.mayInsert(script.size() + 1, m_count)) {
+        for (qsizetype left = m_count - 1; left > 0; --left) {
+            if (m_opened) {
+                dropGivenIndentation();
+                const Sight sight = see();
+                const qsizetype from = caret();
+                const QString indentation = indentationFor(sight.lines.start(from));
+                const qsizetype place = sight.lines.end(from);
+                edit({place, 0}, u'\n' + indentation);
+                setCaret(place + 1 + indentation.size());
+                m_hasGivenIndentation = !indentation.isEmpty();
+            }
+            play(script);
+        }
+    }
+    m_isRepeating = false;
+    finishReplay();
+    const bool endsElsewhere = m_kind == Kind::block && m_blockEnd;
+    if (m_kind == Kind::block) {
+        const qsizetype place = m_blockEnd.value_or(caret());
+        m_engine.m_view.select({place, 0}, place);
+    }
+    const qsizetype place = dropGivenIndentation();
+    m_exact.marks.set(u'^', place);
+    m_exact.marks.set(u'[', std::min(m_start, place));
+    m_exact.marks.set(u']', place);
+    m_engine.m_changedBuffer = false;
+    m_engine.pauseInsertSession();
+    m_script.clear();
+    m_replaced.clear();
+    m_blockEnd.reset();
+    m_kind = Kind::insert;
+    m_opened.reset();
+    m_count = 1;
+    const Sight sight = see();
+    m_engine.setMode(Mode::normal);
+    setCaret(endsElsewhere || place == sight.lines.start(place) ? place : sight.lines.before(place));
+}

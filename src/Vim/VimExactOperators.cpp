@@ -1,0 +1,861 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// What Vim's operators and commands do to the text.
+
+#include "Vim/VimExact.h"
+
+#include "Text/TextBoundaries.h"
+#include "Vim/VimNumber.h"
+
+#include <QScopedValueRollback>
+
+using namespace Qt::StringLiterals;
+using VimMotion::Kind;
+
+namespace {
+
+bool isUpper(const QString &character)
+{
+    return character != character.toLower();
+}
+
+QString withFlippedLetters(const QString &text)
+{
+    QString flipped;
+    for (qsizetype place = 0; place < text.size();) {
+        const qsizetype length = text[place].isHighSurrogate() && place + 1 < text.size() ? 2 : 1;
+        const QString character = text.sliced(place, length);
+        flipped += isUpper(character) ? character.toLower() : character.toUpper();
+        place += length;
+    }
+    return flipped;
+}
+
+QString rotated(QString text)
+{
+    for (QChar &unit : text) {
+        const char16_t lower = unit.unicode() | 0x20;
+        if (unit.unicode() < 0x80 && lower >= u'a' && lower <= u'z') {
+            unit = QChar(char16_t(unit.unicode() + (lower < u'n' ? 13 : -13)));
+        }
+    }
+    return text;
+}
+
+/// Nothing but blanks before `place` in its line.
+bool isInIndentation(const VimLines &lines, qsizetype place)
+{
+    qsizetype at = lines.start(place);
+    while (at < place && isSpaceOrTab(lines.at(at))) {
+        ++at;
+    }
+    return at >= place;
+}
+
+} // namespace
+
+// With a motion
+
+void VimEngine::Operating::force(Mode mode)
+{
+    m_forced = mode;
+}
+
+void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
+{
+    const auto forced = std::exchange(m_forced, std::nullopt);
+    if (result.failed) {
+        fail();
+        return;
+    }
+    if (!m_engine.m_pendingOperator) {
+        if (result.isJump && result.place != caret()) {
+            m_exact.going.rememberJump();
+        }
+        setCaret(result.place, result.column);
+        finish();
+        return;
+    }
+    const OperatorKind kind = *m_engine.m_pendingOperator;
+    const Sight sight = see();
+    const VimLines &lines = sight.lines;
+    qsizetype low = std::min(caret(), result.place);
+    qsizetype high = std::max(caret(), result.place);
+    if (result.isWordMotion && !forced && lines.start(high) != lines.start(low) && isInIndentation(lines, high)) {
+        const qsizetype before = lines.start(high) - 1;
+        high = lines.isEmpty(before) ? high : lines.end(before); // the last word's line is the last one
+    }
+    bool isLinewise = result.kind == Kind::linewise;
+    bool isInclusive = result.kind == Kind::inclusive;
+    const qsizetype start = low;
+    if (forced == Mode::visualBlock) {
+        const VimBlock block = VimBlock::between(lines, low, isInclusive || high == low ? high : lines.before(high), false);
+        applyToBlock(kind, block);
+        return;
+    }
+    if (forced == Mode::visualLine) {
+        isLinewise = true;
+    } else if (forced == Mode::visual) {
+        isInclusive = !isLinewise && !isInclusive;
+        isLinewise = false;
+    }
+    if (!isLinewise && !isInclusive && high > low && high == lines.start(high) && lines.start(low) != high && !(high == low)) {
+        // Up to the start of a line is up to the end of the one before, and whole lines if it began with one.
+        const qsizetype last = lines.start(high - 1);
+        if (isInIndentation(lines, low)) {
+            isLinewise = true;
+            high = last;
+        } else {
+            high = lines.end(last);
+        }
+    }
+    if (isLinewise) {
+        apply(kind, {.range = lines.lines(low, high), .span = Span::lines, .start = start, .isOfLines = true});
+        return;
+    }
+    const qsizetype end = isInclusive && !lines.isAtEnd(high) ? lines.after(high) : high;
+    const bool isOfLines = lines.start(low) != lines.start(std::max(low, end > low ? end - 1 : end)) || isBreak(lines.at(end - 1));
+    if (kind == OperatorKind::remove && !forced && lines.start(low) != lines.start(high) && lines.isBlankFrom(end) &&
+        isInIndentation(lines, low)) {
+        apply(kind, {.range = lines.lines(low, high), .span = Span::lines, .start = start, .isOfLines = true});
+        return;
+    }
+    apply(kind, {.range = TextRange::between(low, end), .start = start, .isOfLines = isOfLines && end > low, .isLarge = result.isLarge});
+}
+
+void VimEngine::Operating::takeObject(VimTextObject::Extent extent, char16_t key)
+{
+    const Sight sight = see();
+    const auto object = VimExactObject::range(
+        {.lines = sight.lines, .caret = caret(), .count = m_engine.effectiveCount(), .extent = extent, .anchor = caret()}, key);
+    if (!object) {
+        m_forced.reset();
+        fail();
+        return;
+    }
+    m_engine.m_view.select({object->from, 0}, object->from);
+    arrive({.place = object->place, .kind = object->kind});
+}
+
+void VimEngine::Operating::applyLines(OperatorKind kind, qsizetype count)
+{
+    m_forced.reset();
+    const Sight sight = see();
+    const qsizetype from = caret();
+    if (count > 1 && sight.lines.isLast(from)) {
+        fail();
+        return;
+    }
+    const qsizetype last = sight.lines.startNear(from, count - 1);
+    const bool isInLine = last == sight.lines.start(from);
+    const qsizetype start = kind == OperatorKind::yank || !isInLine ? from : std::min(from, sight.lines.firstNonBlank(from));
+    apply(kind, {.range = sight.lines.lines(from, last), .span = Span::lines, .start = start, .isOfLines = true});
+}
+
+// Operators
+
+void VimEngine::Operating::keep(const VimRegisterContents &contents, VimRegisters::Taken taken)
+{
+    m_engine.m_registers.keep(contents, m_engine.m_pendingRegister, taken);
+}
+
+void VimEngine::Operating::keepRange(TextRange range, Span span, VimRegisters::Taken taken)
+{
+    Rope kept = text().slice(range);
+    if (span == Span::lines && (kept.isEmpty() || !isBreak(kept.at(kept.length() - 1)))) {
+        kept.replace({kept.length(), 0}, u"\n");
+    }
+    keep({.text = kept, .isLinewise = span == Span::lines}, taken);
+}
+
+void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
+{
+    m_exact.marks.set(u'[', region.range.location);
+    m_exact.marks.set(u']', std::max(region.range.end() - 1, region.range.location));
+    if (kind != OperatorKind::formatInPlace) {
+        m_engine.m_view.select({region.start, 0}, region.start); // where undoing it leads back to
+    }
+    switch (kind) {
+    case OperatorKind::change:
+        change(region);
+        return;
+    case OperatorKind::remove:
+        remove(region);
+        break;
+    case OperatorKind::yank:
+        keepRange(region.range, region.span, VimRegisters::Taken::yanked);
+        setCaret(region.start);
+        finish();
+        return;
+    case OperatorKind::indent:
+    case OperatorKind::outdent:
+        shift(region, kind);
+        break;
+    case OperatorKind::lowercase:
+    case OperatorKind::uppercase:
+    case OperatorKind::toggleCase:
+    case OperatorKind::rotate:
+        changeCase(region.range, kind);
+        setCaret(region.start);
+        break;
+    case OperatorKind::toggleComment:
+        m_engine.changeComments(region.range);
+        break;
+    case OperatorKind::format:
+    case OperatorKind::formatInPlace:
+        format(region, kind == OperatorKind::formatInPlace);
+        break;
+    }
+    finish(Repeatable::yes);
+}
+
+void VimEngine::Operating::remove(const Region &region)
+{
+    using enum VimRegisters::Taken;
+    if (region.range.isEmpty() && region.span == Span::characters) {
+        setCaret(region.range.location);
+        return;
+    }
+    keepRange(region.range, region.span, region.isOfLines ? removedLines : region.isLarge ? removedFar : removedPart);
+    if (region.span == Span::characters) {
+        edit(region.range, {});
+        setCaret(region.range.location);
+        return;
+    }
+    TextRange range = region.range;
+    {
+        const Sight sight = see();
+        range = sight.lines.removable(range);
+    }
+    edit(range, {});
+    const Sight sight = see();
+    setCaret(sight.lines.firstNonBlank(std::min(region.range.location, sight.lines.lastStart())));
+}
+
+void VimEngine::Operating::change(const Region &region)
+{
+    using enum VimRegisters::Taken;
+    m_exact.inserting.begin();
+    TextRange range = region.range;
+    bool isGiven = false;
+    if (region.span == Span::lines) {
+        keepRange(range, Span::lines, removedLines);
+        const Sight sight = see();
+        qsizetype from = range.location;
+        const qsizetype first = sight.lines.end(from);
+        while (from < first && isSpaceOrTab(sight.lines.at(from))) {
+            ++from;
+        }
+        isGiven = from > range.location;
+        range = TextRange::between(from, sight.lines.end(std::max(range.end() - 1, range.location)));
+    } else if (!range.isEmpty()) {
+        keepRange(range, Span::characters, region.isOfLines ? removedLines : region.isLarge ? removedFar : removedPart);
+    }
+    if (!range.isEmpty()) {
+        edit(range, {});
+    }
+    m_exact.inserting.enter(range.location);
+    m_exact.inserting.noteIndentation(isGiven);
+}
+
+QString VimEngine::Operating::blanks(qsizetype cells) const
+{
+    const Indentation indentation = m_engine.m_view.indentation();
+    if (indentation.unit == Indentation::Unit::spaces) {
+        return QString(cells, u' ');
+    }
+    return QString(cells / indentation.tabWidth(), u'\t') + QString(cells % indentation.tabWidth(), u' ');
+}
+
+void VimEngine::Operating::shift(const Region &region, OperatorKind kind)
+{
+    const int width = m_engine.m_view.indentation().width;
+    TextEdits edits;
+    {
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        for (qsizetype line = lines.start(region.range.location); line < std::max(region.range.end(), line + 1);) {
+            if (!lines.isEmpty(line)) {
+                qsizetype behind = line;
+                while (!lines.isAtEnd(behind) && isSpaceOrTab(lines.at(behind))) {
+                    ++behind;
+                }
+                const qsizetype cells = lines.cells(behind).first;
+                const qsizetype by = width * region.amount;
+                const QString now = blanks(kind == OperatorKind::indent ? cells + by : std::max<qsizetype>(cells - by, 0));
+                if (text().toString(TextRange::between(line, behind)) != now) {
+                    edits.add(TextRange::between(line, behind), Rope(now));
+                }
+            }
+            const qsizetype next = lines.next(line);
+            if (next <= line || next >= region.range.end()) {
+                break;
+            }
+            line = next;
+        }
+    }
+    const qsizetype line = region.range.location;
+    edit(edits);
+    const Sight sight = see();
+    setCaret(sight.lines.firstNonBlank(line));
+}
+
+void VimEngine::Operating::changeCase(TextRange range, OperatorKind kind)
+{
+    const QString before = text().toString(range);
+    const QString after = kind == OperatorKind::uppercase    ? before.toUpper()
+                          : kind == OperatorKind::lowercase  ? before.toLower()
+                          : kind == OperatorKind::toggleCase ? withFlippedLetters(before)
+                                                             : rotated(before);
+    if (after != before) {
+        edit(TextEdits::difference(text(), [&] {
+            Rope whole = text();
+            whole.replace(range, Rope(after));
+            return whole;
+        }()));
+    }
+}
+
+void VimEngine::Operating::format(const Region &region, bool keepsCaret)
+{
+    const qsizetype from = caret();
+    TextRange range;
+    QString filled;
+    {
+        const Sight sight = see();
+        range = sight.lines.lines(region.range.location, std::max(region.range.end() - 1, region.range.location));
+        const int width = m_engine.m_options.textWidth;
+        filled = VimFormatting::filled(sight.lines, range, width > 0 ? width : 79);
+    }
+    if (text().toString(range) != filled) {
+        edit(range, filled);
+    }
+    if (keepsCaret) {
+        setCaret(from);
+        return;
+    }
+    const qsizetype last = range.location + std::max<qsizetype>(filled.size() - 1, 0);
+    const Sight sight = see();
+    setCaret(sight.lines.firstNonBlank(last));
+}
+
+void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block)
+{
+    using enum VimRegisters::Taken;
+    TextEdits edits;
+    std::vector<qsizetype> places;
+    qsizetype start = 0;
+    {
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        const std::vector<VimBlock::Row> rows = block.rows(lines);
+        start = rows.front().range.location;
+        if (kind == OperatorKind::remove || kind == OperatorKind::change || kind == OperatorKind::yank) {
+            QStringList kept = block.text(lines);
+            qsizetype width = 0;
+            for (const QString &row : kept) {
+                const Rope rope(row);
+                VimBuffer buffer(rope);
+                width = std::max(width, VimLines(buffer, lines.tabWidth()).cells(row.size()).first);
+            }
+            keep({.text = Rope(kept.join(u'\n')), .isBlock = true, .blockWidth = block.goesToEnds() ? width : block.width()},
+                 kind == OperatorKind::yank ? yanked
+                 : rows.size() > 1          ? removedLines
+                                            : removedPart);
+        }
+        qsizetype shift = 0;
+        for (const VimBlock::Row &row : rows) {
+            if (row.isShort || row.range.isEmpty()) {
+                continue;
+            }
+            QString now;
+            const QString before = text().toString(row.range);
+            switch (kind) {
+            case OperatorKind::remove:
+            case OperatorKind::change:
+                now = QString(row.cellsBefore + row.cellsBehind, u' ');
+                places.push_back(row.range.location + row.cellsBefore + shift);
+                break;
+            case OperatorKind::lowercase:
+                now = before.toLower();
+                break;
+            case OperatorKind::uppercase:
+                now = before.toUpper();
+                break;
+            case OperatorKind::toggleCase:
+                now = withFlippedLetters(before);
+                break;
+            case OperatorKind::rotate:
+                now = rotated(before);
+                break;
+            default:
+                now = before;
+            }
+            if (now != before) {
+                edits.add(row.range, Rope(now));
+                shift += now.size() - row.range.length;
+            }
+        }
+    }
+    if (kind == OperatorKind::change) {
+        m_exact.inserting.begin();
+        edit(edits);
+        m_exact.inserting.enterBlock(places.empty() ? std::vector{start} : places);
+        return;
+    }
+    edit(edits);
+    if (kind == OperatorKind::indent || kind == OperatorKind::outdent) {
+        // At the rectangle's left side.
+        TextEdits shifts;
+        const int width = m_engine.m_view.indentation().width;
+        const qsizetype by = width * m_engine.effectiveCount();
+        {
+            const Sight sight = see();
+            const VimLines &lines = sight.lines;
+            for (const VimBlock::Row &row : block.rows(lines)) {
+                if (row.isShort) {
+                    continue;
+                }
+                qsizetype behind = row.range.location;
+                while (!lines.isAtEnd(behind) && isSpaceOrTab(lines.at(behind))) {
+                    ++behind;
+                }
+                if (kind == OperatorKind::indent) {
+                    shifts.add({row.range.location, 0}, Rope(blanks(by)));
+                } else {
+                    const qsizetype cells = lines.cells(behind).first - lines.cells(row.range.location).first;
+                    shifts.add(TextRange::between(row.range.location, behind), Rope(QString(std::max<qsizetype>(cells - by, 0), u' ')));
+                }
+            }
+        }
+        edit(shifts);
+    }
+    setCaret(start);
+    finish(kind == OperatorKind::yank ? Repeatable::no : Repeatable::yes);
+}
+
+// Commands
+
+void VimEngine::Operating::deleteCharacters(Side side, qsizetype count)
+{
+    TextRange range;
+    {
+        const Sight sight = see();
+        const qsizetype place = caret();
+        range = side == Side::after ? TextRange::between(place, sight.lines.after(place, count))
+                                    : TextRange::between(sight.lines.before(place, count), place);
+    }
+    if (range.isEmpty()) {
+        fail();
+        return;
+    }
+    apply(OperatorKind::remove, {.range = range, .start = range.location});
+}
+
+void VimEngine::Operating::substituteCharacters(qsizetype count)
+{
+    TextRange range;
+    {
+        const Sight sight = see();
+        range = TextRange::between(caret(), sight.lines.after(caret(), count));
+    }
+    apply(OperatorKind::change, {.range = range, .start = range.location});
+}
+
+void VimEngine::Operating::toRestOfLine(OperatorKind kind, qsizetype count)
+{
+    TextRange range;
+    bool isOfLines = false;
+    {
+        const Sight sight = see();
+        const qsizetype place = caret();
+        if (count > 1 && sight.lines.isLast(place)) {
+            fail();
+            return;
+        }
+        const qsizetype line = sight.lines.startNear(place, count - 1);
+        range = TextRange::between(place, sight.lines.end(line));
+        isOfLines = line > place;
+        if (isOfLines && kind == OperatorKind::remove && isInIndentation(sight.lines, place)) {
+            apply(kind, {.range = sight.lines.lines(place, line), .span = Span::lines, .start = place, .isOfLines = true});
+            return;
+        }
+    }
+    apply(kind, {.range = range, .start = range.location, .isOfLines = isOfLines});
+}
+
+void VimEngine::Operating::toggleCase(qsizetype count)
+{
+    const qsizetype place = caret();
+    TextRange range;
+    {
+        const Sight sight = see();
+        range = TextRange::between(place, sight.lines.after(place, count));
+    }
+    if (range.isEmpty()) {
+        fail();
+        return;
+    }
+    const QString before = text().toString(range);
+    const QString flipped = withFlippedLetters(before);
+    if (flipped != before) {
+        edit(range, flipped);
+    }
+    setCaret(place + flipped.size());
+    finish(Repeatable::yes);
+}
+
+void VimEngine::Operating::replaceCharacter(QStringView key, qsizetype count)
+{
+    if (key == QChar(VimKey::backspace) || key == QChar(VimKey::escape)) {
+        fail();
+        return;
+    }
+    const qsizetype place = caret();
+    TextRange range;
+    QString indentation;
+    {
+        const Sight sight = see();
+        range = TextRange::between(place, sight.lines.after(place, count));
+        qsizetype characters = 0;
+        for (qsizetype at = place; at < range.end(); at = sight.lines.after(at)) {
+            ++characters;
+        }
+        if (characters < count || !m_engine.mayInsert(key.size(), count)) {
+            fail();
+            return;
+        }
+        indentation = text().toString(TextRange::between(sight.lines.start(place), std::min(sight.lines.firstNonBlank(place), place)));
+        if (key == QChar(u'\r')) {
+            // The indentation stands for the blanks that the rest begins with, if there is a rest.
+            qsizetype behind = range.end();
+            while (!sight.lines.isAtEnd(behind) && isSpaceOrTab(sight.lines.at(behind))) {
+                ++behind;
+            }
+            range = TextRange::between(place, behind);
+            indentation =
+                sight.lines.isAtEnd(behind) ? QString() : blanks(sight.lines.cells(sight.lines.start(place) + indentation.size()).first);
+        }
+    }
+    if (key == QChar(u'\r')) {
+        edit(range, u'\n' + indentation);
+        setCaret(place + 1 + indentation.size());
+    } else {
+        edit(range, key.toString().repeated(count));
+        setCaret(place + (count - 1) * key.size());
+    }
+    finish(Repeatable::yes);
+}
+
+void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
+{
+    VimFormatting::Joined joined;
+    qsizetype lineStart = 0;
+    {
+        const Sight sight = see();
+        lineStart = sight.lines.start(caret());
+        const qsizetype left = sight.lines.count() - sight.lines.number(caret());
+        const qsizetype lines = std::max<qsizetype>(count, 2);
+        if (left < lines && lines <= 2) {
+            fail();
+            return;
+        }
+        joined = VimFormatting::joined(sight.lines, caret(), std::min(lines, left), glue);
+    }
+    edit(joined.edits);
+    setCaret(joined.edits.isEmpty() ? lineStart : joined.place);
+    finish(Repeatable::yes);
+}
+
+// Registers into the text
+
+void VimEngine::Operating::paste(Side side, qsizetype count, PasteCaret at, PasteIndentation indentation)
+{
+    VimRegisterContents contents = m_exact.contents(m_engine.m_pendingRegister);
+    if (contents.text.isEmpty()) {
+        fail();
+        return;
+    }
+    if (!m_engine.mayInsert(contents.text.length(), count)) {
+        finish();
+        return;
+    }
+    if (indentation == PasteIndentation::asHere && contents.isLinewise) {
+        // The first line gets that of the caret's line, the others keep their distance.
+        const Sight sight = see();
+        const qsizetype line = sight.lines.start(caret());
+        const qsizetype wanted = sight.lines.cells(std::min(sight.lines.firstNonBlank(line), sight.lines.end(line))).first;
+        const Rope rope = contents.text;
+        VimBuffer buffer(rope);
+        const VimLines lines(buffer, sight.lines.tabWidth());
+        std::optional<qsizetype> first;
+        QString moved;
+        for (qsizetype at = 0; at < rope.length(); at = lines.next(at)) {
+            qsizetype behind = at;
+            while (!lines.isAtEnd(behind) && isSpaceOrTab(lines.at(behind))) {
+                ++behind;
+            }
+            const qsizetype cells = lines.cells(behind).first;
+            first = first.value_or(cells);
+            const bool isEmpty = lines.isEmpty(at);
+            moved += (isEmpty ? QString() : blanks(std::max<qsizetype>(cells + wanted - *first, 0))) +
+                     rope.toString(TextRange::between(behind, lines.next(at)));
+        }
+        contents.text = Rope(moved);
+    }
+    pasteText(contents, side, count, at);
+    finish(Repeatable::yes);
+}
+
+void VimEngine::Operating::pasteText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at)
+{
+    if (contents.isBlock) {
+        pasteBlock(contents, side, count, at);
+        return;
+    }
+    Rope pasted = contents.text;
+    const Rope once = contents.text;
+    for (qsizetype done = 1; done < count; ++done) {
+        pasted.replace({pasted.length(), 0}, once);
+    }
+    if (!contents.isLinewise) {
+        qsizetype place = caret();
+        {
+            const Sight sight = see();
+            place = side == Side::after && !sight.lines.isEmpty(place) ? sight.lines.after(place) : place;
+        }
+        const bool hasLines = [&] {
+            const QString text = pasted.toString();
+            return text.contains(u'\n');
+        }();
+        edit(TextEdits({place, 0}, pasted));
+        m_exact.marks.set(u'[', place);
+        m_exact.marks.set(u']', place + std::max<qsizetype>(pasted.length() - 1, 0));
+        const qsizetype behind = place + pasted.length();
+        if (at == PasteCaret::behindText) {
+            setCaret(behind);
+        } else {
+            setCaret(hasLines ? place : TextBoundaries::previousGrapheme(text(), behind));
+        }
+        return;
+    }
+    qsizetype place = 0;
+    bool isBehindAll = false;
+    {
+        const Sight sight = see();
+        const qsizetype from = caret();
+        place = side == Side::after ? sight.lines.next(from) : sight.lines.start(from);
+        isBehindAll = side == Side::after && place == text().length() && (place == 0 || !isBreak(sight.lines.at(place - 1)));
+    }
+    if (isBehindAll) {
+        // The last line has no break, and the new last one has none either.
+        pasted.replace({pasted.length() - 1, 1}, Rope());
+        pasted.replace({0, 0}, Rope(u"\n"));
+    }
+    edit(TextEdits({place, 0}, pasted));
+    const qsizetype first = place + (isBehindAll ? 1 : 0);
+    const qsizetype behind = place + pasted.length();
+    m_exact.marks.set(u'[', first);
+    m_exact.marks.set(u']', std::max(behind - 1, first));
+    const Sight sight = see();
+    if (at == PasteCaret::behindText) {
+        setCaret(behind < text().length() ? behind : sight.lines.lastStart());
+    } else {
+        setCaret(sight.lines.firstNonBlank(first));
+    }
+}
+
+void VimEngine::Operating::pasteBlock(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at)
+{
+    const QStringList rows = contents.text.toString().split(u'\n');
+    TextEdits edits;
+    qsizetype first = 0;
+    qsizetype last = 0;
+    {
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        const qsizetype from = caret();
+        const VimLines::Cells cells = lines.cells(from);
+        const qsizetype column = side == Side::after && !lines.isEmpty(from) ? cells.last + 1 : cells.first;
+        qsizetype line = lines.start(from);
+        qsizetype shift = 0;
+        QString behindAll;
+        for (qsizetype index = 0; index < rows.size(); ++index) {
+            const Rope rope(rows[index]);
+            VimBuffer buffer(rope);
+            const qsizetype width = VimLines(buffer, lines.tabWidth()).cells(rows[index].size()).first;
+            const QString padding(std::max<qsizetype>(contents.blockWidth - width, 0), u' ');
+            QString text;
+            for (qsizetype done = 0; done < count; ++done) {
+                text += rows[index] + (done + 1 < count ? padding : QString());
+            }
+            if (line < 0) {
+                behindAll += u'\n' + QString(column, u' ') + text;
+                continue;
+            }
+            const qsizetype end = lines.end(line);
+            const qsizetype place = lines.placeAt(line, column);
+            const qsizetype reached = lines.cells(place).first;
+            const qsizetype missing = place == end ? std::max<qsizetype>(column - reached, 0) : 0;
+            const bool isLast = lines.isLast(line);
+            TextRange range{place, 0};
+            QString inserted = QString(missing, u' ') + text + (place < end ? padding : QString());
+            if (place < end && reached < column) {
+                // Within a tab, which becomes blanks.
+                const qsizetype cellsOfTab = lines.width(place, reached);
+                inserted = QString(column - reached, u' ') + text + padding + QString(reached + cellsOfTab - column, u' ');
+                range = TextRange::between(place, lines.after(place));
+            }
+            const qsizetype start = place + shift + (place < end && reached < column ? column - reached : missing);
+            first = index == 0 ? start : first;
+            last = start + text.size();
+            edits.add(range, Rope(inserted));
+            shift += inserted.size() - range.length;
+            line = isLast ? -1 : lines.next(line);
+        }
+        if (!behindAll.isEmpty()) {
+            const qsizetype end = lines.end(lines.lastStart());
+            if (!edits.isEmpty() && edits[edits.count() - 1].range.end() == end) {
+                const TextEdit lastEdit = edits[edits.count() - 1];
+                TextEdits all;
+                for (size_t index = 0; index + 1 < edits.count(); ++index) {
+                    all.add(edits[index].range, edits[index].text);
+                }
+                Rope text = lastEdit.text;
+                text.replace({text.length(), 0}, Rope(behindAll));
+                all.add(lastEdit.range, text);
+                edits = all;
+            } else {
+                edits.add({end, 0}, Rope(behindAll));
+            }
+            last = end + shift + behindAll.size();
+        }
+    }
+    edit(edits);
+    m_exact.marks.set(u'[', first);
+    m_exact.marks.set(u']', std::max(last - 1, first));
+    if (at == PasteCaret::behindText) {
+        setCaret(last);
+    } else {
+        setCaret(first);
+    }
+}
+
+// Numbers
+
+void VimEngine::Operating::add(qint64 by)
+{
+    std::optional<VimNumber> number;
+    {
+        const Sight sight = see();
+        number = VimNumber::added(sight.lines, caret(), sight.lines.end(caret()), false, by);
+    }
+    if (!number) {
+        fail();
+        return;
+    }
+    edit(number->range, number->text);
+    m_exact.marks.set(u'[', number->range.location);
+    m_exact.marks.set(u']', number->range.location + number->text.size() - 1);
+    setCaret(number->range.location + number->text.size() - 1);
+    finish(Repeatable::yes);
+}
+
+// Undo
+
+void VimEngine::Operating::followChange(const TextChange &change)
+{
+    const ReplacedStretch hull = change.edits.hull();
+    if (m_isUndoing) {
+        m_firstChanged = std::min(m_firstChanged.value_or(hull.location), hull.location);
+        return;
+    }
+    m_caretsBefore.clear();
+    m_exact.changes.add(hull.location, change.after, m_engine.m_options.textWidth);
+    m_exact.marks.set(u'.', hull.location);
+    const VimBuffer before(change.before);
+    const TextRange line = before.lineRange(std::min(hull.location, change.before.length()));
+    const bool isWithin = change.isWithinLines() && hull.location + hull.removed <= line.end();
+    if (isWithin && (!m_lineBefore || m_lineBefore->line != line.location)) {
+        m_lineBefore = LineBefore{line.location, change.before.toString(line), hull.location - line.location};
+    } else if (!isWithin) {
+        m_lineBefore.reset();
+    }
+}
+
+void VimEngine::Operating::undo(qsizetype count)
+{
+    for (qsizetype left = count; left > 0; --left) {
+        m_firstChanged.reset();
+        {
+            const QScopedValueRollback undoing(m_isUndoing, true);
+            m_engine.m_view.undo();
+        }
+        if (!m_firstChanged) {
+            break;
+        }
+        const qsizetype restored = std::min(m_engine.m_view.selectedRange().location, text().length());
+        {
+            const Sight sight = see();
+            const qsizetype line = sight.lines.start(restored);
+            m_caretsBefore.push_back({sight.lines.number(restored), restored - line});
+        }
+        showUndone(restored);
+    }
+    finish();
+}
+
+void VimEngine::Operating::redo(qsizetype count)
+{
+    for (qsizetype left = count; left > 0; --left) {
+        m_firstChanged.reset();
+        {
+            const QScopedValueRollback undoing(m_isUndoing, true);
+            m_engine.m_view.redo();
+        }
+        if (!m_firstChanged) {
+            break;
+        }
+        std::optional<qsizetype> before;
+        if (!m_caretsBefore.empty()) {
+            const Sight sight = see();
+            const qsizetype line = sight.lines.startOf(m_caretsBefore.back().first);
+            before = std::min(line + m_caretsBefore.back().second, sight.lines.end(line));
+            m_caretsBefore.pop_back();
+        }
+        showUndone(before);
+    }
+    finish();
+}
+
+/// In the first line that changed, or the one before it: where the caret was before the change, if that was there, else on its first
+/// character.
+void VimEngine::Operating::showUndone(std::optional<qsizetype> before)
+{
+    const Sight sight = see();
+    const VimLines &lines = sight.lines;
+    const qsizetype line = lines.start(*m_firstChanged);
+    const qsizetype place = before ? std::min(*before, text().length()) : 0;
+    const bool isThere = before && (lines.start(place) == line || (!lines.isLast(place) && lines.next(place) == line));
+    setCaret(isThere ? place : lines.firstNonBlank(line));
+}
+
+void VimEngine::Operating::undoLine()
+{
+    if (!m_lineBefore) {
+        fail();
+        return;
+    }
+    const LineBefore before = *m_lineBefore;
+    const TextRange line = [&] {
+        const Sight sight = see();
+        return sight.buffer.lineRange(before.line);
+    }();
+    const QString now = text().toString(line);
+    const qsizetype column = caret() - before.line;
+    edit(line, before.text);
+    m_lineBefore = LineBefore{before.line, now, std::max<qsizetype>(column, 0)};
+    setCaret(before.line + before.column);
+    finish();
+}

@@ -1,0 +1,582 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// Vim's visual modes.
+
+#include "Vim/VimExact.h"
+
+#include "Text/TextBoundaries.h"
+#include "Vim/VimNumber.h"
+
+using namespace Qt::StringLiterals;
+using VimMotion::Kind;
+
+void VimEngine::Selecting::begin(Mode mode, qsizetype anchor, qsizetype head)
+{
+    m_engine.m_visualAnchor = anchor;
+    m_engine.m_visualHead = head;
+    m_engine.setMode(mode);
+    select(head);
+}
+
+void VimEngine::Selecting::toggle(Mode mode)
+{
+    if (m_engine.m_pendingOperator) {
+        m_exact.operating.force(mode);
+        return; // the motion is still to come
+    }
+    if (m_engine.m_mode == mode) {
+        leave();
+        finish();
+        return;
+    }
+    if (m_engine.isVisual()) {
+        begin(mode, m_engine.m_visualAnchor, m_engine.m_visualHead);
+        finish();
+        return;
+    }
+    if (m_engine.hasCount() && m_last) {
+        // As much as was selected last, so many times.
+        Extent extent = m_engine.m_visualExtent.value_or(Extent{});
+        extent.lines = extent.lines > 1 || mode == Mode::visualLine ? extent.lines * m_engine.effectiveCount() : extent.lines;
+        extent.units *= m_engine.effectiveCount();
+        selectAgain(extent);
+        finish();
+        return;
+    }
+    const qsizetype place = caret();
+    qsizetype head = place;
+    if (m_engine.hasCount()) {
+        const Sight sight = see();
+        const qsizetype more = m_engine.effectiveCount() - 1;
+        head = mode == Mode::visualLine ? sight.lines.startNear(place, more)
+                                        : std::min(sight.lines.after(place, more), sight.lines.last(place));
+    }
+    begin(mode, place, head);
+    setCaret(head);
+    finish();
+}
+
+void VimEngine::Selecting::select(qsizetype head)
+{
+    m_engine.m_visualHead = head;
+    const qsizetype anchor = std::min(m_engine.m_visualAnchor, text().length());
+    const Sight sight = see();
+    const VimLines &lines = sight.lines;
+    const qsizetype low = std::min(anchor, head);
+    const qsizetype high = std::max(anchor, head);
+    if (m_engine.m_mode == Mode::visualLine) {
+        m_engine.m_view.select(lines.lines(low, high), head);
+    } else if (m_engine.m_mode == Mode::visualBlock) {
+        std::vector<TextRange> ranges;
+        size_t primary = 0;
+        const VimBlock shown = block();
+        for (const VimBlock::Row &row : shown.rows(lines)) {
+            primary = row.line == lines.start(head) ? ranges.size() : primary;
+            ranges.push_back(row.range);
+        }
+        m_engine.m_view.selectSeveral(ranges, primary);
+    } else {
+        const qsizetype end = lines.isAtEnd(high) ? (lines.isLast(high) ? high : lines.next(high)) : lines.after(high);
+        m_engine.m_view.select(TextRange::between(low, end), head);
+    }
+}
+
+VimBlock VimEngine::Selecting::block() const
+{
+    const Sight sight = see();
+    const bool toEnds = m_exact.column && *m_exact.column >= VimLines::endless && m_exact.columnPlace == m_engine.m_visualHead;
+    return VimBlock::between(sight.lines, std::min(m_engine.m_visualAnchor, text().length()), m_engine.caret(), toEnds);
+}
+
+void VimEngine::Selecting::remember()
+{
+    if (!m_engine.isVisual() || m_exact.repeating.isReplaying()) {
+        return;
+    }
+    const bool isEndless = m_exact.column && *m_exact.column >= VimLines::endless && m_exact.columnPlace == m_engine.m_visualHead;
+    m_last = Selected{m_engine.m_mode, {m_engine.m_visualAnchor}, {m_engine.m_visualHead}, isEndless};
+    const Sight sight = see();
+    const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
+    const qsizetype high = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
+    const bool isOfLines = m_engine.m_mode == Mode::visualLine;
+    m_exact.marks.set(u'<', isOfLines ? sight.lines.start(low) : low);
+    m_exact.marks.set(u'>', isOfLines ? sight.lines.last(high) : high);
+    m_engine.m_visualExtent = extent();
+}
+
+void VimEngine::Selecting::leave()
+{
+    if (!m_engine.isVisual()) {
+        return;
+    }
+    remember();
+    endAt(m_engine.m_visualHead);
+}
+
+void VimEngine::Selecting::endAt(qsizetype place)
+{
+    const auto column = m_exact.column;
+    const bool isKept = m_exact.columnPlace == m_engine.m_visualHead && place == m_engine.m_visualHead;
+    m_engine.setMode(Mode::normal);
+    setCaret(place, isKept ? column : std::nullopt);
+}
+
+void VimEngine::Selecting::again()
+{
+    if (!m_last) {
+        fail();
+        return;
+    }
+    const Selected last = *m_last;
+    if (m_engine.isVisual()) {
+        remember();
+    }
+    const qsizetype length = text().length();
+    begin(last.mode, std::min(last.anchor.offset, length), std::min(last.head.offset, length));
+    setCaret(std::min(last.head.offset, length), last.isEndless ? std::optional(VimLines::endless) : std::nullopt);
+    finish();
+}
+
+void VimEngine::Selecting::otherEnd(bool isInRow)
+{
+    const qsizetype anchor = m_engine.m_visualAnchor;
+    const qsizetype head = m_engine.m_visualHead;
+    if (isInRow && m_engine.m_mode == Mode::visualBlock) {
+        // The caret goes to the right side, or to the left one if it is there.
+        qsizetype newHead = 0;
+        {
+            const Sight sight = see();
+            const VimLines &lines = sight.lines;
+            const VimBlock shown = VimBlock::between(lines, anchor, head, false);
+            const auto inLine = [&](qsizetype place, qsizetype cell) {
+                return std::min(lines.placeAt(lines.start(place), cell), lines.end(place));
+            };
+            const bool isRight = inLine(head, shown.right) <= head;
+            m_engine.m_visualAnchor = inLine(anchor, isRight ? shown.right : shown.left);
+            newHead = inLine(head, isRight ? shown.left : shown.right);
+        }
+        setCaret(newHead);
+    } else {
+        m_engine.m_visualAnchor = head;
+        setCaret(anchor);
+    }
+    finish();
+}
+
+VimEngine::Extent VimEngine::Selecting::extent() const
+{
+    const Sight sight = see();
+    const VimLines &lines = sight.lines;
+    const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
+    const qsizetype high = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
+    Extent extent{.mode = m_engine.m_mode, .lines = lines.number(high) - lines.number(low) + 1};
+    if (m_engine.m_mode == Mode::visualBlock) {
+        const VimBlock shown = block();
+        extent.isEndless = shown.goesToEnds();
+        extent.units = extent.isEndless ? 0 : shown.width();
+    } else {
+        extent.isEndless = m_exact.column && *m_exact.column >= VimLines::endless && m_exact.columnPlace == m_engine.m_visualHead;
+        const qsizetype last = lines.cells(high).first;
+        extent.units = extent.lines > 1 ? last : last - lines.cells(low).first + 1;
+    }
+    return extent;
+}
+
+void VimEngine::Selecting::selectAgain(const Extent &extent)
+{
+    const qsizetype from = caret();
+    qsizetype head = from;
+    {
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        const qsizetype line = lines.startNear(from, extent.lines - 1);
+        const qsizetype first = lines.cells(from).first;
+        const qsizetype cell = extent.mode == Mode::visualBlock || extent.lines == 1 ? first + extent.units - 1 : extent.units;
+        head = extent.isEndless ? lines.last(line) : lines.placeAt(line, std::max<qsizetype>(cell, 0));
+        head = std::min(head, extent.mode == Mode::visualLine || lines.isEmpty(line) ? lines.end(line) : std::max(lines.last(line), line));
+    }
+    begin(extent.mode, from, head);
+    setCaret(head, extent.isEndless ? std::optional(VimLines::endless) : std::nullopt);
+}
+
+// What is done with what is selected
+
+VimEngine::Operating::Region VimEngine::Selecting::region() const
+{
+    const Sight sight = see();
+    const VimLines &lines = sight.lines;
+    const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
+    const qsizetype high = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
+    if (m_engine.m_mode == Mode::visualLine) {
+        return {.range = lines.lines(low, high), .span = Span::lines, .start = lines.start(low), .isOfLines = true, .isVisual = true};
+    }
+    const qsizetype end = lines.isAtEnd(high) ? (lines.isLast(high) ? high : lines.next(high)) : lines.after(high);
+    const bool isOfLines = lines.start(low) != lines.start(high) || (end > low && isBreak(lines.at(end - 1)));
+    return {.range = TextRange::between(low, end), .start = low, .isOfLines = isOfLines, .isVisual = true};
+}
+
+void VimEngine::Selecting::apply(OperatorKind kind, std::optional<Span> span, bool toEnds)
+{
+    m_engine.m_extent = extent();
+    remember();
+    const qsizetype count = m_engine.effectiveCount();
+    const bool isLineOperator = kind == OperatorKind::indent || kind == OperatorKind::outdent || kind == OperatorKind::format ||
+                                kind == OperatorKind::formatInPlace || kind == OperatorKind::toggleComment;
+    if (m_engine.m_mode == Mode::visualBlock && span != Span::lines &&
+        (!isLineOperator || kind == OperatorKind::indent || kind == OperatorKind::outdent)) {
+        VimBlock shown = block();
+        shown.right = toEnds ? VimLines::endless : shown.right;
+        m_engine.setMode(Mode::normal);
+        m_exact.operating.applyToBlock(kind, shown);
+        return;
+    }
+    Operating::Region taken = region();
+    if (span == Span::lines && taken.span != Span::lines) {
+        const Sight sight = see();
+        taken.range = sight.lines.lines(std::min(m_engine.m_visualAnchor, m_engine.m_visualHead),
+                                        std::max(m_engine.m_visualAnchor, m_engine.m_visualHead));
+        taken.span = Span::lines;
+        taken.start = taken.range.location;
+        taken.isOfLines = true;
+    }
+    if (isLineOperator) {
+        const Sight sight = see();
+        taken.range = sight.lines.lines(std::min(m_engine.m_visualAnchor, m_engine.m_visualHead),
+                                        std::max(m_engine.m_visualAnchor, m_engine.m_visualHead));
+        taken.amount = count;
+    }
+    m_engine.setMode(Mode::normal);
+    m_engine.m_view.select({taken.start, 0}, taken.start);
+    m_exact.operating.apply(kind, taken);
+}
+
+void VimEngine::Selecting::removeLines(OperatorKind kind)
+{
+    const bool isBlock = m_engine.m_mode == Mode::visualBlock;
+    apply(kind, isBlock ? std::nullopt : std::optional(Span::lines), isBlock);
+}
+
+void VimEngine::Selecting::removeAll()
+{
+    apply(OperatorKind::remove, m_engine.m_mode == Mode::visualBlock ? std::nullopt : std::optional(Span::lines));
+}
+
+void VimEngine::Selecting::yankLines()
+{
+    apply(OperatorKind::yank, m_engine.m_mode == Mode::visualBlock ? std::nullopt : std::optional(Span::lines));
+}
+
+void VimEngine::Selecting::replaceCharacters(QStringView key)
+{
+    if (key == QChar(VimKey::escape) || key == QChar(VimKey::backspace)) {
+        fail();
+        return;
+    }
+    m_engine.m_extent = extent();
+    remember();
+    TextEdits edits;
+    qsizetype start = 0;
+    {
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        const auto replace = [&](TextRange range, qsizetype cellsBefore, qsizetype cellsBehind) {
+            QString now(cellsBefore, u' ');
+            for (qsizetype at = range.location; at < range.end();) {
+                if (lines.isAtEnd(at)) {
+                    const qsizetype next = lines.next(at);
+                    now += text().toString(TextRange::between(at, next));
+                    at = next;
+                } else {
+                    const qsizetype cell = lines.at(at) == u'\t' && m_engine.m_mode == Mode::visualBlock
+                                               ? lines.width(at, lines.cells(at).first) - cellsBefore - cellsBehind
+                                               : 1;
+                    now += key.toString().repeated(std::max<qsizetype>(cell, 1));
+                    at = lines.after(at);
+                }
+            }
+            now += QString(cellsBehind, u' ');
+            if (text().toString(range) != now) {
+                edits.add(range, Rope(now));
+            }
+        };
+        if (m_engine.m_mode == Mode::visualBlock) {
+            const VimBlock shown = block();
+            const auto rows = shown.rows(lines);
+            start = rows.front().range.location + rows.front().cellsBefore;
+            for (const VimBlock::Row &row : rows) {
+                if (!row.range.isEmpty()) {
+                    replace(row.range, row.cellsBefore, row.cellsBehind);
+                }
+            }
+        } else {
+            const Operating::Region taken = region();
+            start = taken.range.location;
+            replace(taken.range, 0, 0);
+        }
+    }
+    m_engine.setMode(Mode::normal);
+    edit(edits);
+    setCaret(start);
+    finish(Repeatable::yes);
+}
+
+void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
+{
+    const VimRegisterContents pasted = m_exact.contents(m_engine.m_pendingRegister);
+    m_engine.m_extent = extent();
+    remember();
+    m_engine.m_view.beginUndoGroup();
+    const bool wasBlock = m_engine.m_mode == Mode::visualBlock;
+    const Operating::Region taken = region();
+    const auto name = std::exchange(m_engine.m_pendingRegister, keepsRegister ? std::optional(u'_') : std::nullopt);
+    bool isAtEnd = false;
+    bool isEmptied = false;
+    bool isLastLine = false;
+    const VimBlock shown = block();
+    {
+        const Sight sight = see();
+        isAtEnd = taken.span == Span::characters && !wasBlock && sight.lines.isAtEnd(taken.range.end()) && !taken.range.isEmpty();
+        isLastLine = taken.span == Span::lines && taken.range.end() >= text().length();
+        isEmptied = isLastLine && taken.range.location == 0;
+    }
+    const auto repeating = m_exact.repeating.hold();
+    const auto taking = m_engine.m_extent;
+    m_engine.setMode(Mode::normal);
+    if (wasBlock) {
+        m_exact.operating.applyToBlock(OperatorKind::remove, shown);
+    } else {
+        m_exact.operating.apply(OperatorKind::remove, taken);
+    }
+    m_exact.repeating.release(repeating);
+    m_engine.m_extent = taking;
+    if (!pasted.text.isEmpty() && m_engine.mayInsert(pasted.text.length(), count)) {
+        if (taken.span == Span::lines) {
+            if (pasted.isLinewise) {
+                m_exact.operating.pasteText(pasted, isLastLine && !isEmptied ? Side::after : Side::before, count,
+                                            Operating::PasteCaret::onText);
+                if (isEmptied) {
+                    removeEmptyLast();
+                }
+            } else {
+                // Into a line of its own.
+                const Sight sight = see();
+                const qsizetype line = isLastLine && !isEmptied ? sight.lines.end(sight.lines.lastStart()) : sight.lines.start(caret());
+                if (!isEmptied) {
+                    edit({line, 0}, u"\n");
+                }
+                const qsizetype place = line + (isLastLine && !isEmptied ? 1 : 0);
+                m_engine.m_view.select({place, 0}, place);
+                m_exact.operating.pasteText(pasted, Side::before, count, Operating::PasteCaret::onText);
+            }
+        } else if (pasted.isLinewise && !pasted.isBlock) {
+            // The line is broken in two around them.
+            const qsizetype place = isAtEnd ? taken.range.location : caret();
+            edit({place, 0}, u"\n");
+            m_engine.m_view.select({place, 0}, place);
+            m_exact.operating.pasteText(pasted, Side::after, count, Operating::PasteCaret::onText);
+        } else {
+            const qsizetype place = std::min(taken.range.location, text().length());
+            const qsizetype at = wasBlock ? caret() : place;
+            m_engine.m_view.select({at, 0}, at);
+            m_exact.operating.pasteText(pasted, Side::before, count, Operating::PasteCaret::onText);
+        }
+    }
+    m_engine.m_view.endUndoGroup();
+    finish(Repeatable::yes);
+}
+
+/// What is left of a text that was deleted whole.
+void VimEngine::Selecting::removeEmptyLast()
+{
+    TextRange range;
+    {
+        const Sight sight = see();
+        const qsizetype last = sight.lines.lastStart();
+        if (!sight.lines.isEmpty(last) || last == 0) {
+            return;
+        }
+        range = TextRange::between(last, text().length());
+    }
+    edit(range, {});
+}
+
+void VimEngine::Selecting::join(VimFormatting::Glue glue)
+{
+    m_engine.m_extent = extent();
+    const qsizetype lines = m_engine.m_extent->lines;
+    remember();
+    const qsizetype start = region().start;
+    m_engine.setMode(Mode::normal);
+    setCaret(start);
+    m_exact.operating.join(lines, glue);
+}
+
+void VimEngine::Selecting::add(qint64 by, bool isProgressive)
+{
+    m_engine.m_extent = extent();
+    remember();
+    TextEdits edits;
+    qsizetype start = 0;
+    {
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
+        const qsizetype high = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
+        start = m_engine.m_mode == Mode::visualLine ? lines.start(low) : low;
+        qint64 sum = by;
+        const auto addIn = [&](TextRange range) {
+            if (const auto number = VimNumber::added(lines, range.location, range.end(), true, sum)) {
+                edits.add(number->range, Rope(number->text));
+                sum += isProgressive ? by : 0;
+            }
+        };
+        if (m_engine.m_mode == Mode::visualBlock) {
+            const VimBlock shown = block();
+            const auto rows = shown.rows(lines);
+            start = rows.front().range.location;
+            for (const VimBlock::Row &row : rows) {
+                addIn(row.range);
+            }
+        } else {
+            for (qsizetype line = lines.start(low);; line = lines.next(line)) {
+                const bool isWhole = m_engine.m_mode == Mode::visualLine;
+                const qsizetype from = isWhole ? line : std::max(line, low);
+                const qsizetype behind =
+                    isWhole || lines.start(high) != line ? lines.end(line) : std::min(lines.after(high), lines.end(line));
+                addIn(TextRange::between(from, std::max(from, behind)));
+                if (lines.start(high) == line || lines.isLast(line)) {
+                    break;
+                }
+            }
+        }
+    }
+    m_engine.setMode(Mode::normal);
+    edit(edits);
+    setCaret(start);
+    finish(Repeatable::yes);
+}
+
+void VimEngine::Selecting::insert(Side side, qsizetype count)
+{
+    const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
+    const qsizetype high = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
+    m_engine.m_extent = extent();
+    remember();
+    if (m_engine.m_mode != Mode::visualBlock) {
+        qsizetype place = low;
+        {
+            const Sight sight = see();
+            place = side == Side::after ? sight.lines.after(high) : sight.lines.start(low);
+        }
+        m_engine.setMode(Mode::normal);
+        m_engine.m_view.select({low, 0}, low);
+        m_exact.inserting.enter(place, count);
+        return;
+    }
+    const VimBlock shown = block();
+    TextEdits padding;
+    std::vector<qsizetype> places;
+    qsizetype blockStart = 0;
+    {
+        const Sight sight = see();
+        qsizetype shift = 0;
+        blockStart = shown.row(sight.lines, shown.firstLine).range.location;
+        for (const VimBlock::Row &row : shown.rows(sight.lines)) {
+            if (side == Side::before) {
+                if (!row.isShort) {
+                    places.push_back(row.range.location);
+                }
+                continue;
+            }
+            if (shown.goesToEnds()) {
+                places.push_back(sight.lines.end(row.line));
+                continue;
+            }
+            // Short lines are filled up to the rectangle.
+            const qsizetype missing = row.isShort ? shown.right + 1 - sight.lines.cells(sight.lines.end(row.line)).first : row.missing;
+            if (missing > 0) {
+                padding.add({sight.lines.end(row.line), 0}, Rope(QString(missing, u' ')));
+            }
+            places.push_back(row.range.end() + shift + missing);
+            shift += missing;
+        }
+    }
+    m_engine.setMode(Mode::normal);
+    m_engine.m_view.select({low, 0}, low);
+    m_exact.inserting.begin();
+    edit(padding);
+    m_exact.inserting.enterBlock(places.empty() ? std::vector{low} : places, blockStart);
+}
+
+void VimEngine::Selecting::takeObject(VimTextObject::Extent extent, char16_t key)
+{
+    std::optional<VimExactObject::Result> object;
+    {
+        const Sight sight = see();
+        object = VimExactObject::range({.lines = sight.lines,
+                                        .caret = m_engine.caret(),
+                                        .count = m_engine.effectiveCount(),
+                                        .extent = extent,
+                                        .isVisual = true,
+                                        .anchor = m_engine.m_visualAnchor},
+                                       key);
+    }
+    if (!object) {
+        fail();
+        return;
+    }
+    qsizetype place = object->place;
+    if (object->kind == Kind::exclusive && object->place > object->from) {
+        place = TextBoundaries::previousGrapheme(text(), object->place);
+    }
+    const Mode mode = object->kind == Kind::linewise        ? Mode::visualLine
+                      : m_engine.m_mode == Mode::visualLine ? Mode::visual
+                                                            : m_engine.m_mode;
+    begin(mode, object->from, place);
+    setCaret(place);
+    finish();
+}
+
+void VimEngine::Selecting::selectHit(SearchDirection direction)
+{
+    if (!m_engine.m_lastSearch) {
+        fail();
+        return;
+    }
+    // The hit that the caret is in, or the next one.
+    const qsizetype from = caret();
+    VimSearch search = *m_engine.m_lastSearch;
+    search.direction = SearchDirection::backward;
+    search.wraps = false;
+    auto hit = search.hit(text(), TextBoundaries::nextGrapheme(text(), from));
+    const bool isForward = direction == SearchDirection::forward;
+    if (!hit || (isForward && hit->end() <= from) || (hit->isEmpty() && isForward && hit->location != from)) {
+        search.direction = direction;
+        search.wraps = m_engine.m_options.wrapsSearch;
+        hit = search.hit(text(), from);
+    }
+    if (!hit) {
+        fail();
+        return;
+    }
+    const qsizetype last = hit->isEmpty() ? hit->location : TextBoundaries::previousGrapheme(text(), hit->end());
+    if (m_engine.m_pendingOperator) {
+        m_engine.m_view.select({hit->location, 0}, hit->location);
+        m_exact.operating.arrive({.place = last, .kind = Kind::inclusive});
+        return;
+    }
+    const qsizetype anchor = m_engine.isVisual() ? m_engine.m_visualAnchor : isForward ? hit->location : last;
+    begin(m_engine.isVisual() ? m_engine.m_mode : Mode::visual, anchor, isForward ? last : hit->location);
+    setCaret(isForward ? last : hit->location);
+    finish();
+}
+
+void VimEngine::Selecting::followChange(const TextChange &change)
+{
+    if (m_last) {
+        using enum VimPlace::WithoutLine;
+        m_last->anchor = m_last->anchor.after(change, takesLineBefore).value_or(VimPlace{});
+        m_last->head = m_last->head.after(change, takesLineBefore).value_or(VimPlace{});
+    }
+}
