@@ -20,7 +20,7 @@ using enum VimExCommand::Takes;
 using Modes = VimMappings::Modes;
 using Mode = VimMappings::Mode;
 
-constexpr Modes typed = Modes(Mode::insert) | Modes(Mode::commandLine);
+constexpr Modes typing = Modes(Mode::insert) | Modes(Mode::commandLine);
 constexpr Modes commanded = Modes(Mode::normal) | Modes(Mode::visual) | Modes(Mode::operatorPending);
 
 template<Modes (*modes)()>
@@ -50,7 +50,7 @@ Modes only()
 }
 Modes allTyped()
 {
-    return typed;
+    return typing;
 }
 Modes allCommanded()
 {

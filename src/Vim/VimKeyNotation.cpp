@@ -88,7 +88,7 @@ std::optional<QString> keyIn(QStringView name, QStringView leader)
     if (!key || (isPlain && name.size() == 1)) {
         return std::nullopt;
     }
-    stroke.character = isShifted ? QChar::toUpper(*key) : stroke.control ? QChar::toLower(*key) : *key;
+    stroke.character = char16_t(isShifted ? QChar::toUpper(*key) : stroke.control ? QChar::toLower(*key) : *key);
     return QString(QChar(VimKey::unit(stroke)));
 }
 
