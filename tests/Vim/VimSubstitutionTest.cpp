@@ -25,7 +25,8 @@ struct Editing {
     Result<VimSubstituteJob> job(QStringView typed)
     {
         const bool isOfAll = typed.startsWith(u'%');
-        const VimSubstituteJob::Lines lines{isOfAll ? 0 : text.lineAt(caret), isOfAll ? text.lineAt(text.length() - 1) : text.lineAt(caret)};
+        const VimSubstituteJob::Lines lines{isOfAll ? 0 : text.lineAt(caret),
+                                            isOfAll ? text.lineAt(text.length() - 1) : text.lineAt(caret)};
         const QStringView command = typed.sliced(isOfAll ? 1 : 0);
         EXPECT_TRUE(VimSubstituteCommand::isOne(command));
         const auto parsed = VimSubstituteCommand::parse(command);
@@ -140,10 +141,10 @@ TEST(VimSubstituteJob, KeepsLineEndsAndBringsManyTogether)
     stopped.request_stop();
     EXPECT_EQ(job->outcome(many.text, {.stop = stopped.get_token()}).hits, 0);
     // Only what is seen is looked through for a preview.
-    const auto preview = job->preview(many.text, {70, 14});
-    ASSERT_EQ(preview.size(), 4U);
-    EXPECT_EQ(preview.front().range, (TextRange{71, 2}));
-    EXPECT_EQ(preview.front().text, u"xyz"_s);
+    const auto seen = job->preview(many.text, {70, 13});
+    ASSERT_EQ(seen.size(), 4U);
+    EXPECT_EQ(seen.front().range, (TextRange{71, 2}));
+    EXPECT_EQ(seen.front().text, u"xyz"_s);
 }
 
 TEST(VimSubstituteJob, SaysWhatIsWrong)
@@ -184,7 +185,7 @@ TEST(VimSubstituteConfirmation, TakesAnswers)
         qsizetype lines;
     };
     const Case cases[] = {
-        {u"ynyq", u"Xb a\nX|a\n", 2, 2},     {u"nl", u"|ab X\naa\n", 1, 1},      {u"na", u"ab X\n|XX\n", 3, 2},
+        {u"ynyq", u"Xb a\nX|a\n", 2, 2},     {u"nl", u"|ab X\naa\n", 1, 1},   {u"na", u"ab X\n|XX\n", 3, 2},
         {u"zn\u001B", u"ab |a\naa\n", 0, 0}, {u"yyyy", u"Xb X\n|XX\n", 4, 2},
     };
     for (const Case &one : cases) {
