@@ -359,21 +359,32 @@ void EditorViewController::applyLineNumbers()
 
 void EditorViewController::applyVimMode()
 {
-    const VimOptions options =
-        m_services.vimConfiguration ? m_services.vimConfiguration->options() : VimOptions::of(m_services.preferences);
+    VimOptions options = m_services.vimConfiguration ? m_services.vimConfiguration->options() : VimOptions::of(m_services.preferences);
+    options.longestLine = int(m_document->conventions.editorConfig().longestLine.value_or(0));
     const bool wasOn = m_vim != nullptr;
+    const bool isOn = m_services.preferences.value(Settings::vimMode);
+    if (m_vim && m_vim->engine().isBusy() && (!isOn || options.isExact != m_vim->engine().options().isExact)) {
+        // A command that it carries out has asked for it.
+        QMetaObject::invokeMethod(this, &EditorViewController::applyVimMode, Qt::QueuedConnection);
+        return;
+    }
     if (!m_services.preferences.value(Settings::vimMode)) {
         m_vim.reset();
     } else if (m_vim) {
         m_vim->configure(options);
     } else {
-        m_vim = std::make_unique<EditorVim>(*m_textView,
-                                            EditorVim::Services{commandServices(), m_services.registers, m_services.keyboard,
-                                                                m_services.vimHistory, [this] { return historyKept(); }},
-                                            options,
-                                            EditorVim::Callbacks{.stateChanged = [this] { emit stateChanged(); },
-                                                                 .runCommand = [this](const QString &command) { runCommand(command); },
-                                                                 .say = [this](const QString &message) { showVimMessage(message); }});
+        m_vim = std::make_unique<EditorVim>(
+            *m_textView,
+            EditorVim::Services{commandServices(), m_services.registers, m_services.keyboard, m_services.vimHistory,
+                                m_services.vimConfiguration, [this] { return historyKept(); }},
+            options,
+            EditorVim::Callbacks{
+                .stateChanged = [this] { emit stateChanged(); },
+                .runCommand = [this](const QString &command) { runCommand(command); },
+                .say = [this](const QString &message) { showVimMessage(message); },
+                .list = [this](const QString &title, const QString &text) { showVimList(title, text); },
+                .performCommand = [this](const Action &action, const QString &argument) { performCommand(action, argument); },
+                .substitute = [this](const VimSubstituteJob &job) { substituteExactly(job); }});
     }
     if (m_vim) {
         m_vim->setChords(VimChords(m_services.preferences.value(Settings::vimChords)));
@@ -664,12 +675,27 @@ void EditorViewController::showVimMessage(const QString &message)
     emit messageShown(message, messageTime);
 }
 
-void EditorViewController::substitute(const VimSubstitution &substitution)
+void EditorViewController::showVimList(const QString &title, const QString &text)
+{
+    m_services.presenter.present(Alert{.style = AlertStyle::informational, .messageText = title, .informativeText = text}, window(), {});
+}
+
+SubstitutionRunner &EditorViewController::substitutions()
 {
     if (!m_substitutions) {
         m_substitutions = std::make_unique<SubstitutionRunner>(commandServices(), [this](const TextView & /*view*/) { settleCaret(); });
     }
-    m_substitutions->run(*m_textView, substitution);
+    return *m_substitutions;
+}
+
+void EditorViewController::substitute(const VimSubstitution &substitution)
+{
+    substitutions().run(*m_textView, substitution);
+}
+
+void EditorViewController::substituteExactly(const VimSubstituteJob &job)
+{
+    substitutions().run(*m_textView, job);
 }
 
 void EditorViewController::hideSearchHits()

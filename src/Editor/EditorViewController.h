@@ -41,6 +41,7 @@ class TextCounter;
 class TextDocument;
 class TextFinder;
 class VimConfiguration;
+struct VimSubstituteJob;
 class VimHistory;
 class VimRegisters;
 class Workers;
@@ -161,6 +162,9 @@ private:
     void settleCaret();
     void showVimMessage(const QString &message) override;
     void substitute(const VimSubstitution &substitution) override;
+    void substituteExactly(const VimSubstituteJob &job);
+    [[nodiscard]] SubstitutionRunner &substitutions();
+    void showVimList(const QString &title, const QString &text);
     void hideSearchHits() override;
     void performCommand(const Action &action, const QString &argument) override;
 

@@ -81,8 +81,9 @@ EditorVim::EditorVim(EditorTextView &view, const Services &services, const VimOp
     : m_view(view), m_keyboard(services.keyboard), m_workers(services.commands.workers), m_callbacks(std::move(callbacks)),
       m_beep(services.commands.beep), m_engine(new VimEngine(*this, *this, services.registers, options)), m_search(view, services.commands),
       m_preview(view, services.commands.workers), m_substitution(view),
-      m_panel(std::make_unique<PendingKeysPanel>(view, services.commands.scheduler))
+      m_panel(std::make_unique<PendingKeysPanel>(view, services.commands.scheduler)), m_scheduler(services.commands.scheduler)
 {
+    m_engine->setConfiguration(services.configuration);
     m_revision = m_view.storage().revision();
     if (services.history) {
         m_engine->setHistory(*services.history, services.historyKept);
@@ -234,6 +235,14 @@ void EditorVim::vimEngineRunsCommand(VimEngine & /*engine*/, const QString &comm
 /// The last that is done with a key: a command may switch modal editing off, and so be the end of the engine and of this.
 void EditorVim::runEnteredCommand()
 {
+    awaitMapping();
+    if (!m_enteredActions.empty()) {
+        const auto perform = m_callbacks.performCommand;
+        for (const EnteredAction &entered : std::exchange(m_enteredActions, {})) {
+            perform(*entered.action, entered.argument);
+        }
+        return;
+    }
     if (m_enteredCommand) {
         const auto run = m_callbacks.runCommand;
         run(*std::exchange(m_enteredCommand, std::nullopt));
@@ -243,6 +252,38 @@ void EditorVim::runEnteredCommand()
 void EditorVim::vimEngineSays(VimEngine & /*engine*/, const QString &message)
 {
     m_callbacks.say(message);
+}
+
+void EditorVim::vimEngineLists(VimEngine & /*engine*/, const QString &title, const QString &text)
+{
+    m_callbacks.list(title, text);
+}
+
+void EditorVim::vimEnginePerforms(VimEngine & /*engine*/, const Action &action, const QString &argument)
+{
+    m_enteredActions.push_back({&action, argument});
+}
+
+void EditorVim::vimEngineSubstitutes(VimEngine & /*engine*/, const VimSubstituteJob &job)
+{
+    m_callbacks.substitute(job);
+}
+
+/// A mapping that could go on waits for so long.
+void EditorVim::awaitMapping()
+{
+    m_mappingTimeout.cancel();
+    if (m_engine->awaitsMapping()) {
+        m_mappingTimeout = m_scheduler.after(Scheduler::Milliseconds(m_engine->options().mappingTimeout), [this] {
+            {
+                const QScopedValueRollback own(m_isOwn, true);
+                m_engine->expireMapping();
+            }
+            m_revision = m_view.storage().revision();
+            updateInputMethod();
+            runEnteredCommand();
+        });
+    }
 }
 
 void EditorVim::vimEngineDidChangeState(VimEngine & /*engine*/)

@@ -30,6 +30,10 @@ public:
         /// A command line was entered.
         std::function<void(const QString &command)> runCommand;
         std::function<void(const QString &message)> say;
+        std::function<void(const QString &title, const QString &text)> list;
+        /// A command of the window, with what was written behind its name.
+        std::function<void(const Action &action, const QString &argument)> performCommand;
+        std::function<void(const VimSubstituteJob &job)> substitute;
     };
 
     /// All must outlive it.
@@ -39,6 +43,8 @@ public:
         ForeignKeyboard &keyboard;
         /// Null keeps none.
         VimHistory *history = nullptr;
+        /// Null when nobody sets up modal editing.
+        VimConfiguration *configuration = nullptr;
         /// Of what is typed for this text.
         std::function<VimHistory::Kept()> historyKept = {};
     };
@@ -109,6 +115,10 @@ private:
 
     void vimEngineRunsCommand(VimEngine &engine, const QString &command) override;
     void vimEngineSays(VimEngine &engine, const QString &message) override;
+    void vimEngineLists(VimEngine &engine, const QString &title, const QString &text) override;
+    void vimEnginePerforms(VimEngine &engine, const Action &action, const QString &argument) override;
+    void vimEngineSubstitutes(VimEngine &engine, const VimSubstituteJob &job) override;
+    void awaitMapping();
     void vimEngineDidChangeState(VimEngine &engine) override;
 
     EditorTextView &m_view;
@@ -125,6 +135,14 @@ private:
     /// Looks for those that the command line awaits.
     BackgroundTask m_files;
     std::optional<QString> m_enteredCommand;
+    struct EnteredAction {
+        const Action *action;
+        QString argument;
+    };
+    /// To be done when the engine is done with the key.
+    std::vector<EnteredAction> m_enteredActions;
+    Scheduler &m_scheduler;
+    DelayedTask m_mappingTimeout;
     QString m_preedit;
     /// The engine selects, or handles a key.
     bool m_isOwn = false;

@@ -24,8 +24,8 @@ VimBlock::Row VimBlock::row(const VimLines &lines, qsizetype line) const
     }
     row.range = {place, 0};
     if (place == end) {
-        row.isShort = true;
         row.missing = left - cell;
+        row.isShort = row.missing > 0;
         return row;
     }
     row.cellsBefore = left - cell;
@@ -54,7 +54,7 @@ QStringList VimBlock::text(const VimLines &lines) const
 {
     QStringList all;
     for (const Row &row : rows(lines)) {
-        QString text;
+        QString text = row.isShort && !goesToEnds() ? QString(width(), u' ') : QString();
         const bool hasPart = row.cellsBefore > 0 || row.cellsBehind > 0;
         qsizetype cell = left - row.cellsBefore;
         for (qsizetype place = row.range.location; place < row.range.end(); place = lines.after(place)) {

@@ -35,6 +35,6 @@ struct VimBlock {
     [[nodiscard]] qsizetype width() const { return right - left + 1; }
     [[nodiscard]] Row row(const VimLines &lines, qsizetype line) const;
     [[nodiscard]] std::vector<Row> rows(const VimLines &lines) const;
-    /// What stands in it, with blanks for parts of tabs; no blanks at the ends of short lines.
+    /// What stands in it, with blanks for parts of tabs and for lines that end before it; none for what lines lack at its right side.
     [[nodiscard]] QStringList text(const VimLines &lines) const;
 };

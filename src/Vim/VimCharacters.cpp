@@ -80,18 +80,16 @@ QString made(Class wanted)
     return set + u"]--"_s + emojiSet + u']';
 }
 
-/// All of them beyond ASCII.
-constexpr auto ofOtherWords = std::to_array<Class>({emoji, braille, hiragana, katakana, han, hangul});
+constexpr auto ofWords = std::to_array<Class>({word, emoji, braille, hiragana, katakana, han, hangul});
 
-/// `pattern` with the set of each class of words, one of which is to match; those that are rare only where `isOther` does.
-QString ofAnyWord(const QString &pattern, const QString &isOther)
+/// `pattern` with the set of each class, one of which is to match.
+QString ofAnyWord(QStringView pattern)
 {
-    const auto of = [&pattern](Class one) { return QString(pattern).replace(u'%', VimCharacters::setOf(one)); };
-    QString others;
-    for (const Class one : ofOtherWords) {
-        others += (others.isEmpty() ? QString() : u"|"_s) + of(one);
+    QString all;
+    for (const Class one : ofWords) {
+        all += (all.isEmpty() ? u"(?:"_s : u"|"_s) + pattern.toString().replace(u'%', VimCharacters::setOf(one));
     }
-    return u"(?:"_s + of(word) + u'|' + isOther + u"(?:"_s + others + u"))"_s;
+    return all + u')';
 }
 
 } // namespace
@@ -125,12 +123,12 @@ const QString &VimCharacters::keywordSet()
 
 const QString &VimCharacters::wordStart()
 {
-    static const QString pattern = ofAnyWord(u"(?<!%)(?=%)"_s, u"(?=[^\\x00-\\x7F])"_s);
+    static const QString pattern = ofAnyWord(u"(?<!%)(?=%)");
     return pattern;
 }
 
 const QString &VimCharacters::wordEnd()
 {
-    static const QString pattern = ofAnyWord(u"(?<=%)(?!%)"_s, u"(?<=[^\\x00-\\x7F])"_s);
+    static const QString pattern = ofAnyWord(u"(?<=%)(?!%)");
     return pattern;
 }

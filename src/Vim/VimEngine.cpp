@@ -8,6 +8,7 @@
 #include "Base/Translation.h"
 #include "Text/TextBoundaries.h"
 #include "Vim/VimExact.h"
+#include "Vim/VimKeyQueue.h"
 #include "Vim/VimKeyTable.h"
 #include "Vim/VimKeys.h"
 
@@ -33,6 +34,21 @@ char16_t keyInAnyMode(const VimKeyEvent &event)
     return event.control && key == u'[' ? VimKey::escape : key;
 }
 
+VimKeymap keymapOf(const VimOptions &options)
+{
+    return VimKeymap(options.preset, options.isExact ? options.mappings : nullptr);
+}
+
+VimKeyEvent eventOf(const VimKeyStroke &stroke)
+{
+    const QString key = QString(QChar(stroke.character));
+    const bool isNamed = stroke.character >= VimKey::up && stroke.character <= VimKey::pageDown;
+    return {.characters = stroke.control || stroke.option || isNamed ? QString() : key,
+            .charactersIgnoringModifiers = key,
+            .control = stroke.control,
+            .option = stroke.option};
+}
+
 } // namespace
 
 QString displayName(VimEngine::Mode mode)
@@ -43,7 +59,7 @@ QString displayName(VimEngine::Mode mode)
 }
 
 VimEngine::VimEngine(VimTextView &view, VimEngineDelegate &delegate, VimRegisters &registers, const VimOptions &options)
-    : m_view(view), m_delegate(delegate), m_registers(registers), m_options(options), m_keymap(options.preset)
+    : m_view(view), m_delegate(delegate), m_registers(registers), m_options(options), m_keymap(keymapOf(options))
 {
     m_view.setCaretLook(VimCaret::block);
     if (options.isExact) {
@@ -76,10 +92,29 @@ bool VimEngine::handleKey(const VimKeyEvent &event)
 {
     const QString &characters = event.charactersIgnoringModifiers;
     const char16_t key = characters.isEmpty() ? 0 : characters.front().unicode();
+    if (m_exact && m_exact->commanding.takeAnswer(event)) {
+        return true;
+    }
     const bool isLiteral = m_mode == Mode::insert && m_awaiting && m_awaiting->what == Awaiting::literal;
     const bool isAwaited = isLiteral || (m_mode == Mode::commandLine && m_commandLine.awaitsKey());
     if (characters.size() == 1 && !isAwaited && takeKey(KeyPlace::anyMode, keyInAnyMode(event))) {
         return true;
+    }
+    const VimKeyStroke stroke{.character = key, .control = event.control, .option = event.option};
+    if (m_exact && m_usesMappings && !m_awaiting && characters.size() == 1 && (m_keymap.isWaiting() || m_keymap.wants(stroke, table()))) {
+        auto outcome = m_keymap.consume(stroke, table());
+        if (const auto *fed = std::get_if<VimKeymap::Fed>(&outcome)) {
+            feed(*fed);
+            return true;
+        }
+        if (takesText() && !std::holds_alternative<VimKeymapAction>(outcome)) {
+            if (const auto *strokes = std::get_if<VimKeymap::Passthrough>(&outcome)) {
+                handleStrokes(*strokes);
+            }
+            notify();
+            return true;
+        }
+        return takeOutcome(outcome, event);
     }
     if (m_mode == Mode::insert) {
         return handleInsert(event);
@@ -91,28 +126,103 @@ bool VimEngine::handleKey(const VimKeyEvent &event)
     if (characters.isEmpty()) {
         return true;
     }
-    const VimKeyStroke stroke{.character = key, .control = event.control, .option = event.option};
+    if (m_exact && !m_usesMappings) {
+        handleStroke(stroke, characters);
+        return true;
+    }
     if (m_awaiting && !m_keymap.isWaiting() && !m_keymap.completes(stroke, table())) {
         // The command has it, not a mapping that could begin with it.
         handleStroke(stroke, characters);
         return true;
     }
     const auto outcome = m_keymap.consume(stroke, table());
+    return takeOutcome(outcome, event);
+}
+
+bool VimEngine::takeOutcome(const VimKeymap::Outcome &outcome, const VimKeyEvent &event)
+{
     if (const auto *action = std::get_if<VimKeymapAction>(&outcome)) {
         perform(*action);
-    } else if (std::holds_alternative<VimKeymap::Pending>(outcome)) {
-        notify();
-    } else if (const auto *passed = std::get_if<VimKeymap::Passthrough>(&outcome)) {
+    } else if (const auto *fed = std::get_if<VimKeymap::Fed>(&outcome)) {
+        feed(*fed);
+    } else if (const auto *strokes = std::get_if<VimKeymap::Passthrough>(&outcome)) {
         // Those that waited are keys of mappings, of one unit each.
-        const auto &strokes = *passed;
-        std::for_each(strokes.begin(), std::prev(strokes.end()),
+        std::for_each(strokes->begin(), std::prev(strokes->end()),
                       [this](const VimKeyStroke &earlier) { handleStroke(earlier, QString(QChar(earlier.character))); });
         if (m_mode == Mode::insert) {
             return handleInsert(event);
         }
-        handleStroke(stroke, characters);
+        handleStroke(strokes->back(), event.charactersIgnoringModifiers);
+    } else {
+        notify();
     }
     return true;
+}
+
+VimKeymap::Table VimEngine::table() const
+{
+    if (m_mode == Mode::insert) {
+        return VimKeymap::Table::insert;
+    }
+    if (m_mode == Mode::commandLine) {
+        return VimKeymap::Table::commandLine;
+    }
+    return isVisual() ? VimKeymap::Table::visual : m_pendingOperator ? VimKeymap::Table::operatorPending : VimKeymap::Table::normal;
+}
+
+void VimEngine::handleStrokes(const VimKeymap::Passthrough &strokes)
+{
+    const QScopedValueRollback mapping(m_usesMappings, false);
+    for (const VimKeyStroke &stroke : strokes) {
+        const VimKeyEvent event = eventOf(stroke);
+        if (!handleKey(event) && !event.characters.isEmpty()) {
+            m_view.insertText(event.characters);
+        }
+    }
+}
+
+void VimEngine::feed(const VimKeymap::Fed &fed)
+{
+    handleStrokes(fed.before);
+    if (++m_mappingDepth > VimKeyQueue::deepest) {
+        m_delegate.vimEngineSays(*this, localized(u"Stopped: a mapping leads to itself"));
+        m_exact->repeating.noteFailure();
+    } else if (fed.action) {
+        perform(*fed.action);
+    } else {
+        bool isDone = true;
+        {
+            const QScopedValueRollback mapping(m_usesMappings, false);
+            isDone = m_exact->repeating.run(fed.keys.first(fed.unmapped));
+        }
+        if (isDone && m_exact->repeating.run(fed.keys.sliced(fed.unmapped))) {
+            for (const VimKeyStroke &stroke : fed.rest) {
+                const VimKeyEvent event = eventOf(stroke);
+                if (!handleKey(event) && !event.characters.isEmpty()) {
+                    m_view.insertText(event.characters);
+                }
+            }
+        }
+    }
+    --m_mappingDepth;
+    notify();
+}
+
+void VimEngine::expireMapping()
+{
+    const QScopedValueRollback handling(m_isHandling, true);
+    if (const auto outcome = m_keymap.expire(table())) {
+        if (const auto *fed = std::get_if<VimKeymap::Fed>(&*outcome)) {
+            feed(*fed);
+        } else if (const auto *strokes = std::get_if<VimKeymap::Passthrough>(&*outcome)) {
+            handleStrokes(*strokes);
+        } else if (const auto *action = std::get_if<VimKeymapAction>(&*outcome)) {
+            perform(*action);
+        }
+    }
+    if (std::exchange(m_hasNews, false)) {
+        m_delegate.vimEngineDidChangeState(*this);
+    }
 }
 
 bool VimEngine::wants(const VimKeyEvent &event) const
@@ -521,7 +631,7 @@ void VimEngine::configure(const VimOptions &options)
         m_exact = options.isExact ? std::make_unique<Exact>(*this) : nullptr;
     }
     m_options = options;
-    m_keymap = VimKeymap(options.preset);
+    m_keymap = keymapOf(options);
     if (wasWaiting) {
         notify();
     }

@@ -20,7 +20,9 @@
 #include <span>
 #include <variant>
 
+class VimConfiguration;
 class VimEngine;
+struct VimSubstituteJob;
 
 /// What an engine notifies the editor that has it of.
 class VimEngineDelegate {
@@ -29,6 +31,13 @@ public:
     virtual void vimEngineRunsCommand(VimEngine &engine, const QString &command) = 0;
     /// In the language of the interface.
     virtual void vimEngineSays(VimEngine &engine, const QString &message) = 0;
+    /// Several lines, to be read at leisure; in the language of the interface.
+    virtual void vimEngineLists(VimEngine &engine, const QString &title, const QString &text) = 0;
+    /// A command of the window that was entered behind ":", with what was written behind its name. It may be the end of the engine, and so
+    /// has to wait till that is done with the key.
+    virtual void vimEnginePerforms(VimEngine &engine, const Action &action, const QString &argument) = 0;
+    /// A substitution in so large a text that it is to be looked for on a worker.
+    virtual void vimEngineSubstitutes(VimEngine &engine, const VimSubstituteJob &job) = 0;
     /// Mode, pending keys or command line are others.
     virtual void vimEngineDidChangeState(VimEngine &engine) = 0;
 
@@ -95,6 +104,14 @@ public:
     void setSearchOrigin(std::optional<qsizetype> place) { m_searchOrigin = place; }
 
     void configure(const VimOptions &options);
+    /// Where exact modal editing has its mappings and sets what it sets; it must outlive the engine. Without it commands behind ":" are the
+    /// default ones.
+    void setConfiguration(VimConfiguration *configuration) { m_configuration = configuration; }
+    /// The user's mapping that waits for its next key has waited long enough.
+    void expireMapping();
+    [[nodiscard]] bool awaitsMapping() const { return m_exact && m_keymap.isWaiting(); }
+    /// Keys or commands are being carried out.
+    [[nodiscard]] bool isBusy() const { return m_isHandling; }
     [[nodiscard]] const VimOptions &options() const { return m_options; }
     /// What Escape does.
     void leaveToNormal();
@@ -202,9 +219,13 @@ private:
     class Operating;
     class Selecting;
     class Going;
+    class Commanding;
 
     // Keys
     bool handleKey(const VimKeyEvent &event);
+    bool takeOutcome(const VimKeymap::Outcome &outcome, const VimKeyEvent &event);
+    void feed(const VimKeymap::Fed &fed);
+    void handleStrokes(const VimKeymap::Passthrough &strokes);
     bool handleInsert(const VimKeyEvent &event);
     void deleteInserted(VimDeletion what);
     void insertRegister(char16_t name);
@@ -242,7 +263,7 @@ private:
     void resetPending();
     [[nodiscard]] qsizetype effectiveCount() const;
     [[nodiscard]] bool hasCount() const { return !m_countBuffer.isEmpty() || !m_operatorCountBuffer.isEmpty(); }
-    [[nodiscard]] VimKeymap::Table table() const { return isVisual() ? VimKeymap::Table::visual : VimKeymap::Table::normal; }
+    [[nodiscard]] VimKeymap::Table table() const;
     [[nodiscard]] bool isVisual() const { return m_mode == Mode::visual || m_mode == Mode::visualLine || m_mode == Mode::visualBlock; }
     [[nodiscard]] VimBuffer buffer() const { return VimBuffer(m_view.text()); }
     [[nodiscard]] qsizetype caret() const;
@@ -311,6 +332,7 @@ private:
     /// As typed since the last reset.
     QString m_pendingKeys;
     VimCommandLine m_commandLine;
+    VimConfiguration *m_configuration = nullptr;
     VimHistory *m_history = nullptr;
     std::function<VimHistory::Kept()> m_historyKept;
     std::optional<qsizetype> m_searchOrigin;
@@ -349,6 +371,10 @@ private:
     std::optional<Extent> m_extent;
     bool m_isReplaying = false;
     bool m_changedBuffer = false;
+    /// Keys may be those of the user's mappings.
+    bool m_usesMappings = true;
+    /// How many mappings have led to each other.
+    int m_mappingDepth = 0;
     bool m_isInUndoGroup = false;
     /// What is to be reported while a key is handled is reported once, at its end.
     bool m_isHandling = false;

@@ -49,12 +49,10 @@ bool apply(VimExTarget &target, const TextEdits &edits)
     return edits.isEmpty() || target.apply(edits);
 }
 
-void store(VimExCall &call)
+void store(VimExCall &call, VimRegisters::Taken taken)
 {
-    if (call.registerName == u'_') {
-        return;
-    }
-    call.target().registers().set({.text = VimExEdits::content(call.target().text(), call.lines), .isLinewise = true}, call.registerName);
+    call.target().registers().keep({.text = VimExEdits::content(call.target().text(), call.lines), .isLinewise = true}, call.registerName,
+                                   taken);
 }
 
 tl::unexpected<Error> trailing(const QString &argument)
@@ -70,7 +68,7 @@ Result<void> remove(VimExCall &call)
     if (target.text().isEmpty()) {
         return {};
     }
-    store(call);
+    store(call, VimRegisters::Taken::removedLines);
     noteJump(target);
     if (call.lines.count() == VimExLines(target.text()).count()) {
         target.marks().deleteAll();
@@ -84,7 +82,7 @@ Result<void> remove(VimExCall &call)
 
 Result<void> yank(VimExCall &call)
 {
-    store(call);
+    store(call, VimRegisters::Taken::yanked);
     noteChanged(call.target(), call.lines);
     return {};
 }
@@ -345,10 +343,14 @@ Result<void> substitute(VimExCall &call)
     if (!job) {
         return tl::make_unexpected(job.error());
     }
-    if (job->flags.asks) {
-        return failure(localized(u"Substitutions are not confirmed here"));
+    if (job->flags.asks && !job->flags.onlyCounts) {
+        return call.line.isRepeating() || !target.confirm(*job) ? failure(localized(u"Substitutions are not confirmed here"))
+                                                                : Result<void>();
     }
     job->flags.isQuiet = job->flags.isQuiet || call.line.isRepeating();
+    if (!call.line.isRepeating() && command->rest.isEmpty() && target.substituteElsewhere(*job)) {
+        return {};
+    }
     const VimSubstituteOutcome outcome = job->outcome(target.text());
     const QString message = job->message(outcome);
     if (outcome.hits == 0 && !job->flags.isQuiet) {

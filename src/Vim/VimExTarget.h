@@ -14,6 +14,7 @@ class VimRegisters;
 struct Action;
 struct VimOptions;
 struct VimSearch;
+struct VimSubstituteJob;
 struct VimSubstituteMemory;
 
 /// What commands behind ":" need of the engine whose text they change. Offsets are UTF-16 units.
@@ -51,6 +52,10 @@ public:
     virtual void say(const QString &message) = 0;
     /// Several lines, to be read at leisure.
     virtual void list(const QString &title, const QString &text) = 0;
+    /// Takes a substitution that would take long, to be carried out on a worker; false when it has to be done at once.
+    virtual bool substituteElsewhere(const VimSubstituteJob &job) = 0;
+    /// Asks about each hit; false when nobody can be asked.
+    virtual bool confirm(const VimSubstituteJob &job) = 0;
     /// A command of the window, with what was written behind its name.
     virtual void perform(const Action &action, const QString &argument) = 0;
 

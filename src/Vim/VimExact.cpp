@@ -85,7 +85,8 @@ VimExactMotion::Request VimEngine::ExactPart::request(const Sight &sight) const
                        : kind == OperatorKind::change ? For::change
                        : kind == OperatorKind::yank   ? For::yank
                                                       : For::operation,
-            .column = isKept ? m_exact.column : std::nullopt};
+            .column = isKept ? m_exact.column : std::nullopt,
+            .keepsColumn = !m_engine.m_options.startsAtFirst};
 }
 
 // Repeating
@@ -299,7 +300,7 @@ void VimEngine::Exact::enterCommandLine(const VimCommandLine &line)
     if (!line.text().isEmpty()) {
         lastCommandLine = line.text();
     }
-    engine.m_delegate.vimEngineRunsCommand(engine, line.text());
+    commanding.run(line.text());
 }
 
 void VimEngine::Exact::followChange(const TextChange &change)

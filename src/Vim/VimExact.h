@@ -7,10 +7,12 @@
 
 #include "Vim/VimBlock.h"
 #include "Vim/VimEngine.h"
+#include "Vim/VimExTarget.h"
 #include "Vim/VimExactMotion.h"
 #include "Vim/VimExactObject.h"
 #include "Vim/VimFormatting.h"
 #include "Vim/VimMarks.h"
+#include "Vim/VimSubstituteJob.h"
 
 /// What all parts have: the text as Vim sees it, the caret, and how a command ends.
 class VimEngine::ExactPart {
@@ -151,6 +153,9 @@ public:
     void newLine();
 
 private:
+    void takeLiteral(const VimKeyEvent &event);
+    [[nodiscard]] static QString characterOf(const QString &code, int base);
+    void putLiteral(const QString &text);
     void move(char16_t key);
     void finishReplay();
     void overwrite(const QString &text);
@@ -162,6 +167,8 @@ private:
     qsizetype m_count = 1;
     std::optional<Side> m_opened;
     QString m_script;
+    /// The code of a character so far.
+    QString m_literal;
     QString m_lastInserted;
     /// What typed characters took the place of; empty where they were added.
     std::vector<QString> m_replaced;
@@ -199,7 +206,7 @@ public:
     void applyLines(OperatorKind kind, qsizetype count);
     void apply(OperatorKind kind, const Region &region);
     void applyToBlock(OperatorKind kind, const VimBlock &block);
-    void forget() { m_forced.reset(); }
+    void forget() { m_forced.reset(), m_objectCaret.reset(); }
     /// The operator that waits takes characters, lines or a block, whatever its motion says.
     void force(Mode mode);
 
@@ -232,6 +239,8 @@ private:
     void showUndone(std::optional<qsizetype> before);
 
     std::optional<Mode> m_forced;
+    /// Where the caret was before an object was taken.
+    std::optional<qsizetype> m_objectCaret;
     /// The first unit that undoing changed.
     std::optional<qsizetype> m_firstChanged;
     /// Line and column, units, of the caret before what was undone, for redoing it.
@@ -330,6 +339,50 @@ private:
     std::optional<LastFind> m_last;
 };
 
+/// What commands behind ":" do to the text, and the questions of those that ask.
+class VimEngine::Commanding final : public ExactPart, public VimExTarget {
+public:
+    using ExactPart::ExactPart;
+
+    void run(const QString &typed);
+    /// The last substitution once more, in the line or in all lines.
+    void substituteAgain(bool inAllLines);
+    /// A key that answers a question; false when none is asked.
+    bool takeAnswer(const VimKeyEvent &event);
+    [[nodiscard]] std::optional<QString> lastReplacement() const { return m_substitution.replacement; }
+
+private:
+    [[nodiscard]] const Rope &text() const override { return ExactPart::text(); }
+    [[nodiscard]] qsizetype caret() const override { return ExactPart::caret(); }
+    void moveCaret(qsizetype place) override;
+    bool apply(const TextEdits &edits) override;
+    void beginUndoGroup() override;
+    void endUndoGroup() override;
+    void undo() override;
+    void redo() override;
+    [[nodiscard]] VimMarks &marks() override;
+    [[nodiscard]] VimPlaces &jumps() override;
+    [[nodiscard]] VimPlaces &changes() override;
+    [[nodiscard]] VimRegisters &registers() override;
+    bool runNormal(const QString &keys, bool usesMappings) override;
+    [[nodiscard]] std::optional<VimSearch> &lastSearch() override;
+    [[nodiscard]] VimSubstituteMemory &lastSubstitution() override { return m_substitution; }
+    [[nodiscard]] Indentation indentation() const override;
+    [[nodiscard]] const VimOptions &options() const override;
+    void hideHits() override;
+    void say(const QString &message) override;
+    void list(const QString &title, const QString &text) override;
+    void perform(const Action &action, const QString &argument) override;
+    bool substituteElsewhere(const VimSubstituteJob &job) override;
+    bool confirm(const VimSubstituteJob &job) override;
+    void ask();
+    void endQuestions();
+
+    VimSubstituteMemory m_substitution;
+    std::unique_ptr<VimSubstituteJob> m_job;
+    std::unique_ptr<VimSubstituteConfirmation> m_confirmation;
+};
+
 class VimEngine::Exact final {
 public:
     explicit Exact(VimEngine &owner);
@@ -341,7 +394,7 @@ public:
     void enterCommandLine(const VimCommandLine &line);
     void followChange(const TextChange &change);
     /// What `~` stands for in a pattern.
-    [[nodiscard]] std::optional<QString> lastSubstitute() const { return std::nullopt; }
+    [[nodiscard]] std::optional<QString> lastSubstitute() const { return commanding.lastReplacement(); }
     [[nodiscard]] VimRegisterContents contents(std::optional<char16_t> name) const;
 
     VimEngine &engine;
@@ -359,4 +412,5 @@ public:
     Operating operating{*this};
     Selecting selecting{*this};
     Going going{*this};
+    Commanding commanding{*this};
 };

@@ -160,9 +160,9 @@ bool VimEngine::Inserting::handle(const VimKeyEvent &event)
     if (m_engine.m_awaiting && !key.isEmpty()) {
         const Awaited awaited = *std::exchange(m_engine.m_awaiting, std::nullopt);
         if (awaited.what == Awaiting::literal) {
-            const QString literal = event.control ? VimKeys::text(event) : key;
-            noteTyped(literal);
-            m_engine.m_view.putText(literal);
+            takeLiteral(event);
+        } else if (event.control && (unit == u'r' || unit == u'o' || unit == u'p')) {
+            m_engine.m_awaiting = awaited; // literally, which it is anyway
         } else {
             insertRegister(unit);
         }
@@ -199,6 +199,59 @@ bool VimEngine::Inserting::handle(const VimKeyEvent &event)
     return false;
 }
 
+/// The key as it is, or the character whose code is typed: decimal, or behind x, o, u or U.
+void VimEngine::Inserting::takeLiteral(const VimKeyEvent &event)
+{
+    struct Row {
+        char16_t prefix;
+        int base;
+        qsizetype mostDigits;
+    };
+    static constexpr Row rows[] = {{u'x', 16, 2}, {u'X', 16, 2}, {u'o', 8, 3}, {u'O', 8, 3}, {u'u', 16, 4}, {u'U', 16, 8}};
+    const QString key = event.control ? VimKeys::text(event) : event.charactersIgnoringModifiers;
+    const char16_t unit = key.size() == 1 && !event.control ? key.front().unicode() : u'\0';
+    const auto rowOf = [](const QString &code) {
+        const auto *found = std::ranges::find(rows, code.isEmpty() ? u'\0' : code.front().unicode(), &Row::prefix);
+        return found == std::end(rows) ? Row{0, 10, 3} : *found;
+    };
+    const bool isPrefix = m_literal.isEmpty() && rowOf(key).prefix != 0 && unit != 0;
+    const Row row = rowOf(m_literal);
+    bool isDigit = false;
+    QString(key).toUInt(&isDigit, row.base);
+    isDigit = isDigit && unit != 0 && key.front().isLetterOrNumber();
+    if (isPrefix || isDigit) {
+        m_literal += key;
+        if (isPrefix || m_literal.size() - (row.prefix != 0 ? 1 : 0) < row.mostDigits) {
+            m_engine.m_awaiting = Awaited{.what = Awaiting::literal};
+            return;
+        }
+        putLiteral(characterOf(std::exchange(m_literal, {}), row.base));
+        return;
+    }
+    if (const QString code = std::exchange(m_literal, {}); !code.isEmpty()) {
+        // The code is over; this key is another.
+        putLiteral(code.size() == 1 && row.prefix != 0 ? code : characterOf(code, row.base));
+        if (!m_engine.handleKey(event) && !event.characters.isEmpty()) {
+            m_engine.m_view.insertText(event.characters);
+        }
+        return;
+    }
+    putLiteral(key);
+}
+
+QString VimEngine::Inserting::characterOf(const QString &code, int base)
+{
+    const QString digits = code.front().isDigit() && base == 10 ? code : code.sliced(1);
+    const char32_t value = digits.toUInt(nullptr, base);
+    return value <= 0x10FFFF ? QString::fromUcs4(&value, 1) : QString();
+}
+
+void VimEngine::Inserting::putLiteral(const QString &text)
+{
+    noteTyped(text);
+    m_engine.m_view.putText(text);
+}
+
 void VimEngine::Inserting::noteTyped(const QString &text)
 {
     if (!m_isRepeating) {
@@ -223,7 +276,11 @@ void VimEngine::Inserting::newLine()
     const Sight sight = see();
     const qsizetype place = caret();
     const qsizetype line = sight.lines.start(place);
-    const bool isGivenAway = std::exchange(m_hasGivenIndentation, false) && sight.lines.isBlankFrom(line);
+    qsizetype first = line;
+    while (first < place && isSpaceOrTab(sight.lines.at(first))) {
+        ++first;
+    }
+    const bool isGivenAway = std::exchange(m_hasGivenIndentation, false) && first >= place;
     noteTyped(u"\r"_s);
     if (m_kind == Kind::block) {
         m_engine.m_view.insertText(u"\n"_s);

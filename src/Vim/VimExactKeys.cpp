@@ -344,6 +344,14 @@ std::span<const VimEngine::KeyRow> VimEngine::exactKeys()
         {u't', &Actions::selectNextTab, {windows, u"next / previous tab"}, afterG},
         {u'T', &Actions::selectPreviousTab, besideAbove, afterG},
 
+        {u'&',
+         Command{[](VimEngine &engine, qsizetype) { engine.m_exact->commanding.substituteAgain(false); }},
+         {editing, u"the last substitution again, in the line / in all lines"},
+         plain,
+         normalOnly},
+        {u'&', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->commanding.substituteAgain(true); }}, besideAbove, afterG,
+         normalOnly},
+
         // Insert mode
         {u'c', Command{[](VimEngine &engine, qsizetype) { engine.leaveToNormal(); }}, {}, whileInserting},
         {u'h',

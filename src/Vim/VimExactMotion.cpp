@@ -54,16 +54,22 @@ bool dividesParagraphs(const VimLines &lines, qsizetype line)
     return lines.isEmpty(line) || lines.at(line) == u'\f';
 }
 
-Result toLine(const Request &request, qsizetype line, bool isJump = false)
-{
-    return {.place = request.lines.firstNonBlank(line), .kind = Kind::linewise, .isJump = isJump};
-}
-
 /// Of a tab the last one, where Vim shows the caret.
 qsizetype columnOf(const VimLines &lines, qsizetype place)
 {
     const VimLines::Cells cells = lines.cells(place);
     return lines.at(place) == u'\t' ? cells.last : cells.first;
+}
+
+Result toLine(const Request &request, qsizetype line, bool isJump = false)
+{
+    if (request.keepsColumn) {
+        const VimLines &text = request.lines;
+        const qsizetype cell = request.column.value_or(columnOf(text, request.caret));
+        const qsizetype place = cell >= VimLines::endless ? text.end(line) : text.placeAt(line, cell);
+        return {.place = std::min(place, text.last(line)), .kind = Kind::linewise, .isJump = isJump, .column = cell};
+    }
+    return {.place = request.lines.firstNonBlank(line), .kind = Kind::linewise, .isJump = isJump};
 }
 
 /// Down by `lines`; to the last line if there are fewer, but not from the last one itself.

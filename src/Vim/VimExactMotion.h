@@ -28,6 +28,8 @@ struct Request {
     For purpose = For::caret;
     /// The column that `j` and `k` keep, where that is not the caret's; `VimLines::endless` behind `$`.
     std::optional<qsizetype> column = std::nullopt;
+    /// Jumps to lines go to that column rather than to the first character that is no blank.
+    bool keepsColumn = false;
 
     [[nodiscard]] bool isForOperator() const { return purpose != For::caret && purpose != For::selection; }
 };

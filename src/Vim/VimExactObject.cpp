@@ -547,7 +547,7 @@ std::optional<Result> tag(const Request &request)
         const TextRange whole = pair.open.united(pair.close);
         const TextRange inner = TextRange::between(pair.open.end(), pair.close.location);
         const TextRange wanted = request.extent == Extent::inner ? inner : whole;
-        const bool isSame = request.isSelecting() && oldFrom == wanted.location && lines.after(oldLast) >= wanted.end();
+        const bool isSame = request.isVisual && oldFrom == wanted.location && lines.after(oldLast) >= wanted.end();
         if (isSame || (request.isSelecting() && request.extent == Extent::inner && oldFrom < inner.location) || --left > 0) {
             if (isSame && request.extent == Extent::inner) {
                 return Result{.from = whole.location, .place = lines.before(whole.end())};

@@ -134,6 +134,7 @@ void VimEngine::Operating::takeObject(VimTextObject::Extent extent, char16_t key
         fail();
         return;
     }
+    m_objectCaret = caret();
     m_engine.m_view.select({object->from, 0}, object->from);
     arrive({.place = object->place, .kind = object->kind});
 }
@@ -319,13 +320,14 @@ void VimEngine::Operating::changeCase(TextRange range, OperatorKind kind)
 
 void VimEngine::Operating::format(const Region &region, bool keepsCaret)
 {
-    const qsizetype from = caret();
+    const qsizetype from = m_objectCaret.value_or(caret());
     TextRange range;
     QString filled;
     {
         const Sight sight = see();
         range = sight.lines.lines(region.range.location, std::max(region.range.end() - 1, region.range.location));
-        const int width = m_engine.m_options.textWidth;
+        const VimOptions &options = m_engine.m_options;
+        const int width = options.textWidth > 0 ? options.textWidth : options.longestLine;
         filled = VimFormatting::filled(sight.lines, range, width > 0 ? width : 79);
     }
     if (text().toString(range) != filled) {
@@ -447,7 +449,7 @@ void VimEngine::Operating::deleteCharacters(Side side, qsizetype count)
                                     : TextRange::between(sight.lines.before(place, count), place);
     }
     if (range.isEmpty()) {
-        fail();
+        finish(); // as "dl" and "dh" do
         return;
     }
     apply(OperatorKind::remove, {.range = range, .start = range.location});
@@ -574,6 +576,9 @@ void VimEngine::Operating::paste(Side side, qsizetype count, PasteCaret at, Past
 {
     VimRegisterContents contents = m_exact.contents(m_engine.m_pendingRegister);
     if (contents.text.isEmpty()) {
+        if (!m_exact.repeating.isReplaying()) {
+            m_exact.repeating.remember();
+        }
         fail();
         return;
     }

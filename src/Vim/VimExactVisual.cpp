@@ -368,6 +368,7 @@ void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
                 const qsizetype place = line + (isLastLine && !isEmptied ? 1 : 0);
                 m_engine.m_view.select({place, 0}, place);
                 m_exact.operating.pasteText(pasted, Side::before, count, Operating::PasteCaret::onText);
+                setCaret(place);
             }
         } else if (pasted.isLinewise && !pasted.isBlock) {
             // The line is broken in two around them.
@@ -467,7 +468,8 @@ void VimEngine::Selecting::insert(Side side, qsizetype count)
         qsizetype place = low;
         {
             const Sight sight = see();
-            place = side == Side::after ? sight.lines.after(high) : sight.lines.start(low);
+            const bool isFirst = low == high && high == sight.lines.start(high);
+            place = side == Side::before ? sight.lines.start(low) : isFirst ? high : sight.lines.after(high);
         }
         m_engine.setMode(Mode::normal);
         m_engine.m_view.select({low, 0}, low);
@@ -494,7 +496,8 @@ void VimEngine::Selecting::insert(Side side, qsizetype count)
                 continue;
             }
             // Short lines are filled up to the rectangle.
-            const qsizetype missing = row.isShort ? shown.right + 1 - sight.lines.cells(sight.lines.end(row.line)).first : row.missing;
+            const qsizetype end = sight.lines.end(row.line);
+            const qsizetype missing = row.range.end() == end ? std::max<qsizetype>(shown.right + 1 - sight.lines.cells(end).first, 0) : 0;
             if (missing > 0) {
                 padding.add({sight.lines.end(row.line), 0}, Rope(QString(missing, u' ')));
             }

@@ -98,9 +98,7 @@ std::optional<VimMatch> VimMatcher::next(TextRange range, const SearchControl &c
             readWindow(at);
         }
         const int limitHits = m_expression.limitHits();
-        const qsizetype furthest = m_pattern.staysInLine ? lineEndBehind(std::min(range.end(), length)) : range.end() + TextSearcher::reach;
-        const qsizetype end = std::max(at, std::min(m_matchableEnd, furthest));
-        m_expression.begin(m_units, TextRange::between(at - m_start, end - m_start), RegularExpression::Bounds::window());
+        m_expression.begin(m_units, TextRange::between(at - m_start, m_matchableEnd - m_start), RegularExpression::Bounds::window());
         const bool isFound = m_expression.findNext();
         if (m_expression.limitHits() > limitHits) {
             if (!m_isHard) {

@@ -26,6 +26,8 @@ struct VimOptions {
     bool startsAtFirst = true;
     /// Columns; 0 for no width.
     int textWidth = 0;
+    /// Of the text's own conventions, where the user has set no width.
+    int longestLine = 0;
     /// Rows kept above and below the caret.
     int scrollOffset = 0;
     /// Milliseconds that the next key of a user's mapping may take.

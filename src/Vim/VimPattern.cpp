@@ -189,14 +189,11 @@ private:
     QString branch(int depth)
     {
         QString all;
-        bool beginsAnywhere = depth == 0;
         for (;;) {
             const QString one = concatenation(depth);
-            beginsAnywhere = beginsAnywhere && m_beginsAnywhere;
             const Token token = peek();
             if (!m_error.isEmpty() || !token.is(U'&')) {
-                // What begins with anything begins as early as it can: trying each place of a line would take the square of its length.
-                return (beginsAnywhere ? u"(?:"_s + lineStart + u"|\\G)"_s : QString()) + all + one;
+                return all + one;
             }
             skip(token);
             all += u"(?="_s + one + u')';
@@ -209,15 +206,11 @@ private:
         m_isAtStart = true;
         m_isBehindCaret = false;
         m_before.reset();
-        bool beginsAnywhere = false;
         while (m_error.isEmpty() && !endsBranch(peek())) {
             if (!takeSetting(peek())) {
-                const QString one = piece(depth);
-                beginsAnywhere = all.isEmpty() ? one == anyInLine + u"*"_s || one == anyInLine + u"*?"_s : beginsAnywhere;
-                all += one;
+                all += piece(depth);
             }
         }
-        m_beginsAnywhere = beginsAnywhere;
         return all;
     }
 
@@ -519,11 +512,6 @@ private:
         if (token.character >= U'1' && token.character <= U'9') {
             const size_t number = token.character - U'0';
             if (number > m_result.groups.size() || std::ranges::find(m_open, int(number)) != m_open.end()) {
-                // It may be behind it where text before is looked at, and has not taken part yet.
-                const QStringView rest = m_pattern.sliced(m_at);
-                if (rest.contains("@<="_L1) || rest.contains("@<!"_L1)) {
-                    return {.text = u"(?:)"_s};
-                }
                 fail(localized(u"“%@” refers to a group that does not exist."), m_pattern.sliced(start, m_at - start).toString());
                 return {};
             }
@@ -726,8 +714,6 @@ private:
     QString m_error;
     qsizetype m_at = 0;
     Magic m_magic = Magic::usual;
-    /// The last concatenation began with `.*`.
-    bool m_beginsAnywhere = false;
     /// Where `^` is a line's start and `*` itself.
     bool m_isAtStart = true;
     bool m_isBehindCaret = false;

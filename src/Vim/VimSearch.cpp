@@ -73,25 +73,6 @@ qsizetype movedByCharacters(const Rope &text, qsizetype offset, qsizetype count)
     return offset;
 }
 
-/// Where the next match may begin: where `match` ends in its line, but no longer at the line's end.
-qsizetype placeBehind(const VimMatcher &matcher, const VimMatch &match)
-{
-    const Rope &text = matcher.text();
-    const qsizetype at = matcher.behind(match);
-    const qsizetype line = text.lineAt(match.start);
-    const bool isInLine = at <= text.length() && text.lineAt(at) == line;
-    if (!isInLine || !isBreakAt(text, at)) {
-        return at;
-    }
-    return line + 1 < text.lineCount() ? text.lineStart(line + 1) : text.length() + 1;
-}
-
-Result<VimMatcher> matcherFor(const VimSearch &search, const Rope &text)
-{
-    const auto translated = VimPattern::translate(search.pattern, search.options);
-    return translated ? VimMatcher::compile(*translated, text) : tl::make_unexpected(translated.error());
-}
-
 /// Looks for one pattern.
 class Seeker {
 public:
@@ -120,7 +101,17 @@ public:
     }
 
 private:
-    [[nodiscard]] qsizetype behind(const VimMatch &match) const { return placeBehind(m_matcher, match); }
+    /// The next match may begin where `match` ends in its line, but no longer at the line's end.
+    [[nodiscard]] qsizetype behind(const VimMatch &match) const
+    {
+        const qsizetype at = m_matcher.behind(match);
+        const qsizetype line = m_text.lineAt(match.start);
+        const bool isInLine = at <= m_text.length() && m_text.lineAt(at) == line;
+        if (!isInLine || !isBreakAt(m_text, at)) {
+            return at;
+        }
+        return line + 1 < m_text.lineCount() ? m_text.lineStart(line + 1) : m_text.length() + 1;
+    }
     std::optional<TextRange> firstBehind(qsizetype from, qsizetype end)
     {
         const qsizetype line = m_text.lineAt(from);
@@ -243,17 +234,6 @@ std::optional<QString> VimSearch::patternOfWord(const Rope &text, qsizetype care
     return isWord(within) && words == Words::whole ? u"\\<"_s + escaped + u"\\>"_s : escaped;
 }
 
-std::optional<VimSearch> VimSearch::ofWord(const Rope &text, qsizetype caret, Words words, Direction direction, const VimOptions &options)
-{
-    const auto pattern = patternOfWord(text, caret, words);
-    if (!pattern) {
-        return std::nullopt;
-    }
-    VimSearch search = exact(*pattern, direction, options);
-    search.options.smartCase = false;
-    return search;
-}
-
 Result<std::vector<VimSearch>> VimSearch::parse(QStringView typed, const VimSearch &common, const std::optional<VimSearch> &last)
 {
     std::vector<VimSearch> all;
@@ -312,7 +292,8 @@ QString VimSearch::problem() const
 std::optional<VimSearchMove> VimSearch::move(const Rope &text, qsizetype from, qsizetype count, const std::stop_token &stop,
                                              qsizetype most) const
 {
-    auto matcher = matcherFor(*this, text);
+    const auto translated = VimPattern::translate(pattern, options);
+    auto matcher = translated ? VimMatcher::compile(*translated, text) : tl::make_unexpected(translated.error());
     if (!matcher) {
         return std::nullopt;
     }

@@ -60,9 +60,6 @@ struct VimSearch {
     /// None in a line without any.
     enum class Words { whole, parts };
     [[nodiscard]] static std::optional<QString> patternOfWord(const Rope &text, qsizetype caret, Words words);
-    /// One of exact mode for that pattern, to which capitals mean nothing.
-    [[nodiscard]] static std::optional<VimSearch> ofWord(const Rope &text, qsizetype caret, Words words, Direction direction,
-                                                         const VimOptions &options);
     /// What was typed behind `/` or `?` in exact mode: `pattern/offset`, perhaps with `;/pattern/offset` behind it, each to be looked for
     /// from where the one before it led. What is not said is as in `last`. `common` has everything else. Fails when there is no pattern.
     [[nodiscard]] static Result<std::vector<VimSearch>> parse(QStringView typed, const VimSearch &common,

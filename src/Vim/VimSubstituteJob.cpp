@@ -161,8 +161,8 @@ VimSubstituteOutcome VimSubstituteJob::outcome(const Rope &text, const SearchCon
 std::vector<VimSubstituteHit> VimSubstituteJob::preview(const Rope &text, TextRange visible) const
 {
     std::vector<VimSubstituteHit> hits;
-    VimSubstituteWalk walk(*this, text, visible);
-    while (auto hit = walk.next()) {
+    VimSubstituteWalk walk(*this, text, text.lineStart(text.lineAt(visible.location)));
+    for (auto hit = walk.next(); hit && hit->range.location <= visible.end(); hit = walk.next()) {
         hits.push_back(std::move(*hit));
     }
     return hits;
@@ -202,10 +202,7 @@ QString VimSubstituteJob::shownLine(const VimSubstituteOutcome &outcome, const R
 
 // From hit to hit
 
-VimSubstituteWalk::VimSubstituteWalk(const VimSubstituteJob &job, const Rope &text) : VimSubstituteWalk(job, text, {0, text.length() + 1})
-{}
-
-VimSubstituteWalk::VimSubstituteWalk(const VimSubstituteJob &job, const Rope &text, TextRange range)
+VimSubstituteWalk::VimSubstituteWalk(const VimSubstituteJob &job, const Rope &text, qsizetype from)
     : m_replacement(job.replacement), m_takesAll(job.flags.takesAll), m_onlyCounts(job.flags.onlyCounts),
       m_staysInLine(job.pattern.staysInLine), m_text(text), m_lineBreak(lineBreakOf(text))
 {
@@ -213,8 +210,8 @@ VimSubstituteWalk::VimSubstituteWalk(const VimSubstituteJob &job, const Rope &te
         m_matcher.emplace(std::move(*matcher));
     }
     const qsizetype last = text.lineCount() - 1;
-    m_at = job.firstLine > last ? text.length() + 1 : text.lineStart(std::max(job.firstLine, text.lineAt(range.location)));
-    m_end = lineEnd(std::min(job.lastLine, text.lineAt(range.end())));
+    m_at = std::max(from, job.firstLine > last ? text.length() + 1 : text.lineStart(job.firstLine));
+    m_end = lineEnd(std::min(job.lastLine, last));
 }
 
 /// The start of the next line; behind the text that of the one behind the last.

@@ -48,7 +48,7 @@ struct VimSubstituteJob {
 
     /// Any thread. Stopped, it reports what it had found till then.
     [[nodiscard]] VimSubstituteOutcome outcome(const Rope &text, const SearchControl &control = {}) const;
-    /// The hits that begin in `visible`, or in a line that has a part in it.
+    /// The hits that begin in `visible`, for a preview.
     [[nodiscard]] std::vector<VimSubstituteHit> preview(const Rope &text, TextRange visible) const;
     /// “3 substitutions on 2 lines”, or that there was none; empty where that is no error.
     [[nodiscard]] QString message(const VimSubstituteOutcome &outcome) const;
@@ -59,9 +59,8 @@ struct VimSubstituteJob {
 /// Goes from hit to hit of one job in one text. One object serves one thread at a time.
 class VimSubstituteWalk final {
 public:
-    VimSubstituteWalk(const VimSubstituteJob &job, const Rope &text);
-    /// Of the lines of `job` that have a part in `range`.
-    VimSubstituteWalk(const VimSubstituteJob &job, const Rope &text, TextRange range);
+    /// Of the lines of `job` from `from` on.
+    VimSubstituteWalk(const VimSubstituteJob &job, const Rope &text, qsizetype from = 0);
 
     /// None when there are no more, or it was stopped.
     [[nodiscard]] std::optional<VimSubstituteHit> next(const SearchControl &control = {});

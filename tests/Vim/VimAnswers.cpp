@@ -80,6 +80,8 @@ QJsonObject VimAnswers::answer(const QJsonObject &question)
     VimOptions options(VimKeymapPreset::plain);
     options.isExact = true;
     VimView view(question[u"text"_s].toString(), options);
+    VimHistory history;
+    view.engine.setHistory(history, [] { return VimHistory::Kept::whileRunning; });
     const qsizetype caret = question[u"caret"_s].toInteger();
     view.select({caret, 0}, caret);
     view.engine.settleCaret();

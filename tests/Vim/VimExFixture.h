@@ -43,6 +43,8 @@ public:
     }
     void beginUndoGroup() override { undoManager.beginGroup(GroupKind::other, TextSelection::at(place), this); }
     void endUndoGroup() override { undoManager.endGroup(TextSelection::at(place)); }
+    bool substituteElsewhere(const VimSubstituteJob & /*job*/) override { return false; }
+    bool confirm(const VimSubstituteJob & /*job*/) override { return false; }
     void undo() override { show(undoManager.undo()); }
     void redo() override { show(undoManager.redo()); }
     [[nodiscard]] VimMarks &marks() override { return m_marks; }

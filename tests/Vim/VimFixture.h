@@ -8,6 +8,7 @@
 #include "Settings/Preferences.h"
 #include "Text/TextBoundaries.h"
 #include "Text/UndoManager.h"
+#include "Vim/VimConfiguration.h"
 #include "Vim/VimEngine.h"
 
 #include <gtest/gtest.h>
@@ -25,6 +26,7 @@ public:
             storage.apply({{}, content});
         }
         preferences.set(Settings::vimSharesClipboard, false);
+        engine.setConfiguration(&configuration);
         QObject::connect(&storage, &TextStorage::changed, &storage, [this](const TextChange &change) { engine.textChanged(change); });
     }
 
@@ -183,6 +185,7 @@ public:
     VimCaret caretLook = VimCaret::bar;
     QStringList actions;
     int beeps = 0;
+    VimConfiguration configuration{preferences};
     VimEngine engine;
 
 private:
@@ -216,5 +219,8 @@ private:
     }
     void vimEngineRunsCommand(VimEngine &, const QString &command) override { commandLines << command; }
     void vimEngineSays(VimEngine &, const QString &message) override { messages << message; }
+    void vimEngineLists(VimEngine &, const QString &title, const QString &) override { messages << title; }
+    void vimEnginePerforms(VimEngine &, const Action &action, const QString &argument) override { actions << action.name() + argument; }
+    void vimEngineSubstitutes(VimEngine &, const VimSubstituteJob &) override {}
     void vimEngineDidChangeState(VimEngine &) override {}
 };

@@ -158,16 +158,6 @@ TEST(VimPattern, KnowsWhetherCaseCounts)
     EXPECT_EQ(place(u"\\c\\(b\\)\\1", u"-bB"_s), 1);
 }
 
-TEST(VimMatcher, LeavesOutWhatIsTooHard)
-{
-    const Rope text(u"ab\n"_s + u"a"_s.repeated(60) + u"\nab\n"_s);
-    const auto pattern = VimPattern::translate(u"\\(\\(a\\+\\)\\+\\)\\+b", {});
-    auto matcher = *VimMatcher::compile(*pattern, text);
-    EXPECT_EQ(matcher.next({0, text.length()})->hit, (TextRange{0, 2}));
-    EXPECT_EQ(matcher.next({3, text.length()})->hit, (TextRange{64, 2}));
-    EXPECT_TRUE(matcher.gaveUp());
-}
-
 TEST(VimSearch, WrapsOrStops)
 {
     VimOptions options(VimKeymapPreset::plain);
@@ -230,9 +220,4 @@ TEST(VimSearch, ReadsWhatIsTyped)
     EXPECT_EQ(word(u"-- a.*b"_s, 0, parts), "a");
     EXPECT_EQ(word(u" .*~"_s, 0, parts), "\\.\\*\\~");
     EXPECT_EQ(word(u"  \na"_s, 0, whole), "none");
-    VimOptions options(VimKeymapPreset::plain);
-    options.ignoresCase = options.smartCase = true;
-    const Rope text(u"Foo foo\nfoo2 FOO\nFOO\n"_s);
-    const auto search = VimSearch::ofWord(text, 1, whole, VimSearch::Direction::forward, options);
-    EXPECT_EQ(search->move(text, 4)->position, 13);
 }

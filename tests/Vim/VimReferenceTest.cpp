@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
-#include "Vim/VimOptions.h"
 #include "Vim/VimReference.h"
 #include "Base/Localization.h"
 #include "Base/Translation.h"
 #include "Settings/Settings.h"
 #include "Vim/VimKeymap.h"
+#include "Vim/VimOptions.h"
 
 #include <gtest/gtest.h>
 

@@ -141,10 +141,10 @@ TEST(VimSubstituteJob, KeepsLineEndsAndBringsManyTogether)
     stopped.request_stop();
     EXPECT_EQ(job->outcome(many.text, {.stop = stopped.get_token()}).hits, 0);
     // Only what is seen is looked through for a preview.
-    const auto seen = job->preview(many.text, {70, 13});
-    ASSERT_EQ(seen.size(), 4U);
-    EXPECT_EQ(seen.front().range, (TextRange{71, 2}));
-    EXPECT_EQ(seen.front().text, u"xyz"_s);
+    const auto preview = job->preview(many.text, {70, 14});
+    ASSERT_EQ(preview.size(), 4U);
+    EXPECT_EQ(preview.front().range, (TextRange{71, 2}));
+    EXPECT_EQ(preview.front().text, u"xyz"_s);
 }
 
 TEST(VimSubstituteJob, SaysWhatIsWrong)

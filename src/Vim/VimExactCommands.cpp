@@ -1,0 +1,205 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// What is typed behind ":" in exact modal editing.
+
+#include "Vim/VimExact.h"
+
+#include "Base/Translation.h"
+#include "Vim/VimConfiguration.h"
+#include "Vim/VimExLine.h"
+
+#include <QScopedValueRollback>
+
+using namespace Qt::StringLiterals;
+
+void VimEngine::Commanding::run(const QString &typed)
+{
+    if (!m_engine.m_configuration) {
+        m_engine.m_delegate.vimEngineRunsCommand(m_engine, typed);
+        return;
+    }
+    const bool isDone = VimExLine(*this, *m_engine.m_configuration).run(typed);
+    VimOptions options = m_engine.m_configuration->options();
+    options.longestLine = m_engine.m_options.longestLine;
+    options.isExact = true; // where it was switched off, whoever has the engine does that later
+    m_engine.configure(options);
+    if (!isDone) {
+        m_exact.repeating.noteFailure();
+    }
+    if (m_engine.m_mode == Mode::normal && !m_confirmation) {
+        setCaret(ExactPart::caret(), m_exact.column);
+    }
+}
+
+void VimEngine::Commanding::substituteAgain(bool inAllLines)
+{
+    const qsizetype more = m_engine.effectiveCount() - 1;
+    m_engine.resetPending();
+    run(inAllLines ? u"%s//~/&"_s : more > 0 ? u".,.+%1s"_s.arg(more) : u"s"_s);
+    if (!inAllLines) {
+        m_exact.repeating.note(u"&");
+        finish(Repeatable::yes);
+    }
+}
+
+// For commands
+
+void VimEngine::Commanding::moveCaret(qsizetype place)
+{
+    setCaret(place);
+}
+
+bool VimEngine::Commanding::apply(const TextEdits &edits)
+{
+    const bool isDone = edit(edits);
+    m_engine.m_changedBuffer = false;
+    return isDone;
+}
+
+void VimEngine::Commanding::beginUndoGroup()
+{
+    m_engine.m_view.beginUndoGroup();
+}
+
+void VimEngine::Commanding::endUndoGroup()
+{
+    m_engine.m_view.endUndoGroup();
+}
+
+void VimEngine::Commanding::undo()
+{
+    m_exact.operating.undo(1);
+}
+
+void VimEngine::Commanding::redo()
+{
+    m_exact.operating.redo(1);
+}
+
+VimMarks &VimEngine::Commanding::marks()
+{
+    return m_exact.marks;
+}
+
+VimPlaces &VimEngine::Commanding::jumps()
+{
+    return m_exact.jumps;
+}
+
+VimPlaces &VimEngine::Commanding::changes()
+{
+    return m_exact.changes;
+}
+
+VimRegisters &VimEngine::Commanding::registers()
+{
+    return m_engine.m_registers;
+}
+
+bool VimEngine::Commanding::runNormal(const QString &keys, bool usesMappings)
+{
+    const QScopedValueRollback mapping(m_engine.m_usesMappings, usesMappings);
+    const bool isDone = m_exact.repeating.run(keys);
+    if (m_engine.m_mode == Mode::commandLine) {
+        m_engine.leaveCommandLine();
+    }
+    if (m_engine.m_mode != Mode::normal) {
+        m_engine.leaveToNormal();
+    }
+    m_engine.resetPending();
+    return isDone;
+}
+
+std::optional<VimSearch> &VimEngine::Commanding::lastSearch()
+{
+    return m_engine.m_lastSearch;
+}
+
+Indentation VimEngine::Commanding::indentation() const
+{
+    return m_engine.m_view.indentation();
+}
+
+const VimOptions &VimEngine::Commanding::options() const
+{
+    return m_engine.m_options;
+}
+
+void VimEngine::Commanding::hideHits()
+{
+    m_engine.hideHits();
+}
+
+void VimEngine::Commanding::say(const QString &message)
+{
+    m_engine.m_delegate.vimEngineSays(m_engine, message);
+}
+
+void VimEngine::Commanding::list(const QString &title, const QString &text)
+{
+    m_engine.m_delegate.vimEngineLists(m_engine, title, text);
+}
+
+void VimEngine::Commanding::perform(const Action &action, const QString &argument)
+{
+    m_engine.m_delegate.vimEnginePerforms(m_engine, action, argument);
+}
+
+// Substitutions
+
+bool VimEngine::Commanding::substituteElsewhere(const VimSubstituteJob &job)
+{
+    if (ExactPart::text().length() <= VimSearch::nearby || m_exact.repeating.isRunning() || job.flags.onlyCounts) {
+        return false;
+    }
+    m_engine.m_delegate.vimEngineSubstitutes(m_engine, job);
+    return true;
+}
+
+bool VimEngine::Commanding::confirm(const VimSubstituteJob &job)
+{
+    m_job = std::make_unique<VimSubstituteJob>(job);
+    m_confirmation = std::make_unique<VimSubstituteConfirmation>(*m_job, ExactPart::text());
+    m_engine.m_view.beginUndoGroup();
+    ask();
+    return true;
+}
+
+void VimEngine::Commanding::ask()
+{
+    const auto hit = m_confirmation->hit();
+    if (!hit) {
+        endQuestions();
+        return;
+    }
+    setCaret(hit->location);
+    m_engine.m_view.showIndicator(*hit);
+    say(m_confirmation->question());
+}
+
+bool VimEngine::Commanding::takeAnswer(const VimKeyEvent &event)
+{
+    if (!m_confirmation) {
+        return false;
+    }
+    const QString &key = event.charactersIgnoringModifiers;
+    if (const TextEdits edits = m_confirmation->answer(key.size() == 1 ? key.front().unicode() : u'\0'); !edits.isEmpty()) {
+        apply(edits);
+    }
+    ask();
+    return true;
+}
+
+void VimEngine::Commanding::endQuestions()
+{
+    const VimSubstituteOutcome outcome = m_confirmation->outcome();
+    m_confirmation.reset();
+    m_engine.m_view.endUndoGroup();
+    if (outcome.hits > 0) {
+        setCaret(outcome.caret);
+    }
+    say(m_job->message(outcome));
+    m_job.reset();
+    finish();
+}
