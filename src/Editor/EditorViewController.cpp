@@ -9,6 +9,7 @@
 #include "Editor/BracketMarker.h"
 #include "Editor/ChangeNavigator.h"
 #include "Editor/ConflictNavigator.h"
+#include "Editor/EditorExCommands.h"
 #include "Editor/EditorFont.h"
 #include "Editor/EditorVim.h"
 #include "Editor/ExternalChangeBanner.h"
@@ -17,7 +18,6 @@
 #include "Editor/OccurrenceMarker.h"
 #include "Editor/SpellingController.h"
 #include "Editor/SpellingPanel.h"
-#include "Editor/SubstitutionRunner.h"
 #include "Editor/TextCounter.h"
 #include "Files/CharacterSet.h"
 #include "Files/TextFile.h"
@@ -31,11 +31,9 @@
 #include "Text/LineIndex.h"
 #include "Text/LineRange.h"
 #include "Vim/VimConfiguration.h"
-#include "Vim/VimExEdits.h"
 #include "Widgets/AccessibleRole.h"
 #include "Widgets/AlertPresenter.h"
 
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QMenu>
 #include <QVBoxLayout>
@@ -80,6 +78,7 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
     m_textView->setLanguage(document.language());
     setFocusProxy(m_textView);
     m_lineCommands = std::make_unique<LineCommands>(*m_textView, commandServices(), this);
+    m_exCommands = std::make_unique<EditorExCommands>(*this, m_services, commandServices());
     connect(m_lineCommands.get(), &LineCommands::converted, this, [this](Indentation::Unit unit) {
         Indentation indentation = m_textView->indentation();
         indentation.unit = unit;
@@ -107,7 +106,7 @@ EditorViewController::~EditorViewController()
     // The view may still report losing the focus while it goes.
     m_textView->disconnect(this);
     blockSignals(true);
-    m_substitutions.reset();
+    m_exCommands.reset();
     m_lineCommands.reset();
     m_vim.reset();
     m_spelling.reset();
@@ -201,13 +200,13 @@ bool EditorViewController::hasFindHistory() const
 void EditorViewController::goToNextChange()
 {
     m_changes->goToNext();
-    settleCaret();
+    m_exCommands->settleCaret();
 }
 
 void EditorViewController::goToPreviousChange()
 {
     m_changes->goToPrevious();
-    settleCaret();
+    m_exCommands->settleCaret();
 }
 
 void EditorViewController::showChange()
@@ -380,11 +379,11 @@ void EditorViewController::applyVimMode()
             options,
             EditorVim::Callbacks{
                 .stateChanged = [this] { emit stateChanged(); },
-                .runCommand = [this](const QString &command) { runCommand(command); },
-                .say = [this](const QString &message) { showVimMessage(message); },
-                .list = [this](const QString &title, const QString &text) { showVimList(title, text); },
-                .performCommand = [this](const Action &action, const QString &argument) { performCommand(action, argument); },
-                .substitute = [this](const VimSubstituteJob &job) { substituteExactly(job); }});
+                .runCommand = [this](const QString &command) { m_exCommands->run(command); },
+                .say = [this](const QString &message) { m_exCommands->showVimMessage(message); },
+                .list = [this](const QString &title, const QString &text) { m_exCommands->showList(title, text); },
+                .performCommand = [this](const Action &action, const QString &argument) { m_exCommands->performCommand(action, argument); },
+                .substitute = [this](const VimSubstituteJob &job) { m_exCommands->substitute(job); }});
     }
     if (m_vim) {
         m_vim->setChords(VimChords(m_services.preferences.value(Settings::vimChords)));
@@ -613,103 +612,14 @@ void EditorViewController::saveAgain()
 
 // Ex commands
 
-/// What is represented is the number of a line, a space, and the name of the file that is put behind it.
 void EditorViewController::insertFile(const ActionSender &sender)
 {
-    const QString represented = sender.represented.toString();
-    const qsizetype line = represented.section(u' ', 0, 0).toLongLong();
-    const QString path = absoluteFilePath(represented.section(u' ', 1), workingFolder());
-    m_reading = BackgroundTask::start(
-        m_services.workers,
-        [path, &files = m_services.documents.services().files](const std::stop_token &) {
-            return TextFile::read(path, std::nullopt, files);
-        },
-        [this, line](const TextFile::ReadResult &read) {
-            if (!read) {
-                showVimMessage(read.error().description());
-                return;
-            }
-            const Rope &text = m_textView->storage().text();
-            const qsizetype after = std::min(line, VimExLines(text).count());
-            if (read->text.isEmpty() || m_textView->isReadOnly()) {
-                return;
-            }
-            const TextEdits edits = VimExEdits::inserted(text, after, VimExEdits::content(read->text, {1, VimExLines(read->text).count()}));
-            m_textView->apply(edits, GroupKind::other, TextSelection::at(edits.newRange(0).location));
-            settleCaret();
-        });
+    m_exCommands->insertFile(sender.represented.toString());
 }
 
 void EditorViewController::sourceFile(const ActionSender &sender)
 {
-    VimConfiguration *configuration = m_services.vimConfiguration;
-    const QString name = sender.represented.toString();
-    const QString path = name == u"%" ? m_document->path() : absoluteFilePath(name, workingFolder());
-    if (!configuration || name.isEmpty() || path.isEmpty()) {
-        m_services.presenter.beep();
-        return;
-    }
-    const auto text = VimConfiguration::textOf(path);
-    const QStringList problems = text ? configuration->read(*text, QFileInfo(path).fileName()) : QStringList(text.error().message);
-    if (!problems.isEmpty()) {
-        showVimMessage(problems.front());
-    }
-}
-
-void EditorViewController::runCommand(const QString &command)
-{
-    VimExCommand::run(command, *this, m_services.preferences);
-    settleCaret();
-}
-
-/// Behind a change or a jump: on a character, where a key would have left it.
-void EditorViewController::settleCaret()
-{
-    if (m_vim && m_vim->engine().mode() == VimEngine::Mode::normal) {
-        m_vim->engine().settleCaret();
-    }
-}
-
-void EditorViewController::showVimMessage(const QString &message)
-{
-    emit messageShown(message, messageTime);
-}
-
-void EditorViewController::showVimList(const QString &title, const QString &text)
-{
-    m_services.presenter.present(Alert{.style = AlertStyle::informational, .messageText = title, .informativeText = text}, window(), {});
-}
-
-SubstitutionRunner &EditorViewController::substitutions()
-{
-    if (!m_substitutions) {
-        m_substitutions = std::make_unique<SubstitutionRunner>(commandServices(), [this](const TextView & /*view*/) { settleCaret(); });
-    }
-    return *m_substitutions;
-}
-
-void EditorViewController::substitute(const VimSubstitution &substitution)
-{
-    substitutions().run(*m_textView, substitution);
-}
-
-void EditorViewController::substituteExactly(const VimSubstituteJob &job)
-{
-    substitutions().run(*m_textView, job);
-}
-
-void EditorViewController::hideSearchHits()
-{
-    if (m_vim) {
-        m_vim->engine().hideHits();
-    }
-}
-
-void EditorViewController::performCommand(const Action &action, const QString &argument)
-{
-    if (!carryOut(action, argument)) {
-        m_services.presenter.beep();
-    }
+    m_exCommands->sourceFile(sender.represented.toString());
 }
 
 // Spelling

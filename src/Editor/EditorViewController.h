@@ -23,6 +23,7 @@ class CharacterSet;
 class ConflictNavigator;
 class DocumentStore;
 class BracketMarker;
+class EditorExCommands;
 class EditorVim;
 class ExternalChangeBanner;
 class FileMemory;
@@ -41,7 +42,6 @@ class TextCounter;
 class TextDocument;
 class TextFinder;
 class VimConfiguration;
-struct VimSubstituteJob;
 class VimHistory;
 class VimRegisters;
 class Workers;
@@ -75,7 +75,7 @@ struct EditorServices {
 /// One editor for one document: the text with its line numbers, a banner when others changed the file, and everything set as the
 /// preferences and the document's language want. Several editors may show a document; they share its text, colours and history, each has
 /// its own layout, caret and scroll position. Only what is seen, and half a view around it, is coloured. Main thread only.
-class EditorViewController final : public QWidget, public Responder, private VimCommandHost {
+class EditorViewController final : public QWidget, public Responder {
     Q_OBJECT
 
 public:
@@ -92,7 +92,7 @@ public:
     [[nodiscard]] QWidget *banner() const;
 
     /// Puts the caret at the start of a line, and shows where that is; clamped to the lines there are.
-    void scrollToLine(LineNumber line) override;
+    void scrollToLine(LineNumber line);
     /// Has the document remember caret and scroll position for the next editor of it.
     void saveViewState();
     /// Null while modal editing is off.
@@ -158,15 +158,6 @@ private:
 
     void insertFile(const ActionSender &sender);
     void sourceFile(const ActionSender &sender);
-    void runCommand(const QString &command);
-    void settleCaret();
-    void showVimMessage(const QString &message) override;
-    void substitute(const VimSubstitution &substitution) override;
-    void substituteExactly(const VimSubstituteJob &job);
-    [[nodiscard]] SubstitutionRunner &substitutions();
-    void showVimList(const QString &title, const QString &text);
-    void hideSearchHits() override;
-    void performCommand(const Action &action, const QString &argument) override;
 
     void goToNextChange();
     void goToPreviousChange();
@@ -207,10 +198,7 @@ private:
     /// The file that it was last kept for.
     QString m_spellingPath;
     std::unique_ptr<EditorVim> m_vim;
-    /// Made when it is needed first.
-    std::unique_ptr<SubstitutionRunner> m_substitutions;
-    /// A file that is to be put into the text.
-    BackgroundTask m_reading;
+    std::unique_ptr<EditorExCommands> m_exCommands;
     std::unique_ptr<LineCommands> m_lineCommands;
     /// What of the text is underlined, null for nothing.
     const CharacterSet *m_characters = nullptr;
