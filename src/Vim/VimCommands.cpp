@@ -5,8 +5,8 @@
 
 #include "Commands/Actions.h"
 #include "Text/TextBoundaries.h"
-#include "Vim/VimEngine.h"
 #include "Vim/VimKeyTable.h"
+#include "Vim/VimParts.h"
 
 using namespace Qt::StringLiterals;
 
@@ -60,22 +60,22 @@ bool VimEngine::edit(TextRange range, const Rope &text)
     return edit(TextEdits(wholeCharacters(m_view.text(), range.clampedTo(m_view.text().length())), text));
 }
 
-TextRange VimEngine::charactersFrom(qsizetype caret, qsizetype count) const
+TextRange VimEngine::Editing::charactersFrom(qsizetype caret, qsizetype count) const
 {
-    const qsizetype end = std::min(caret + count, buffer().lineContentEnd(caret));
-    return wholeCharacters(m_view.text(), TextRange::between(caret, std::max(end, caret)));
+    const qsizetype end = std::min(caret + count, m_engine.buffer().lineContentEnd(caret));
+    return wholeCharacters(m_engine.m_view.text(), TextRange::between(caret, std::max(end, caret)));
 }
 
-void VimEngine::store(TextRange range, Span span)
+void VimEngine::Editing::store(TextRange range, Span span)
 {
-    m_registers.set({.text = m_view.text().slice(range), .isLinewise = span == Span::lines}, m_pendingRegister);
+    m_engine.m_registers.set({.text = m_engine.m_view.text().slice(range), .isLinewise = span == Span::lines}, m_engine.m_pendingRegister);
 }
 
 // Operators
 
-void VimEngine::apply(OperatorKind kind, TextRange given, Span span)
+void VimEngine::Editing::apply(OperatorKind kind, TextRange given, Span span)
 {
-    const TextRange range = wholeCharacters(m_view.text(), given);
+    const TextRange range = wholeCharacters(m_engine.m_view.text(), given);
     if (kind == OperatorKind::change) {
         changeRange(range, span);
         return;
@@ -84,12 +84,12 @@ void VimEngine::apply(OperatorKind kind, TextRange given, Span span)
         switch (kind) {
         case OperatorKind::remove:
             store(range, span);
-            edit(range, Rope());
-            moveCaret(span == Span::lines ? buffer().firstNonBlank(range.location) : range.location);
+            m_engine.edit(range, Rope());
+            m_engine.moveCaret(span == Span::lines ? m_engine.buffer().firstNonBlank(range.location) : range.location);
             break;
         case OperatorKind::yank:
             store(range, span);
-            moveCaret(range.location);
+            m_engine.moveCaret(range.location);
             break;
         case OperatorKind::indent:
         case OperatorKind::outdent:
@@ -107,205 +107,213 @@ void VimEngine::apply(OperatorKind kind, TextRange given, Span span)
             break;
         }
     }
-    resetPending();
+    m_engine.resetPending();
 }
 
-void VimEngine::applyLinewiseOperator(OperatorKind kind, qsizetype count)
+void VimEngine::Editing::applyLinewiseOperator(OperatorKind kind, qsizetype count)
 {
-    const VimBuffer text = buffer();
-    const qsizetype last = text.line(caret(), count - 1).value_or(text.lastLineStart());
-    apply(kind, linewiseRange(caret(), std::max(last, caret())), Span::lines);
+    const VimBuffer text = m_engine.buffer();
+    const qsizetype last = text.line(m_engine.caret(), count - 1).value_or(text.lastLineStart());
+    apply(kind, m_engine.linewiseRange(m_engine.caret(), std::max(last, m_engine.caret())), Span::lines);
 }
 
-void VimEngine::applyToSelection(OperatorKind kind)
+void VimEngine::Editing::applyToSelection(OperatorKind kind)
 {
-    const Span span = m_mode == Mode::visualLine ? Span::lines : Span::characters;
-    const TextRange selected = m_view.selectedRange();
-    m_extent = selectedExtent();
-    setMode(Mode::normal);
-    moveCaret(selected.location);
+    const Span span = m_engine.m_mode == Mode::visualLine ? Span::lines : Span::characters;
+    const TextRange selected = m_engine.m_view.selectedRange();
+    m_engine.m_extent = selectedExtent();
+    m_engine.setMode(Mode::normal);
+    m_engine.moveCaret(selected.location);
     apply(kind, selected, span);
 }
 
-void VimEngine::changeRange(TextRange range, Span span)
+void VimEngine::Editing::changeRange(TextRange range, Span span)
 {
-    const QString indentation = span == Span::lines ? LineEditing::leadingBlanks(m_view.text(), range.location) : QString();
+    const QString indentation = span == Span::lines ? LineEditing::leadingBlanks(m_engine.m_view.text(), range.location) : QString();
     beginInsertSession();
     if (!range.isEmpty()) {
         store(range, span);
-        edit(range, span == Span::lines ? Rope(QString(indentation + u'\n')) : Rope());
+        m_engine.edit(range, span == Span::lines ? Rope(QString(indentation + u'\n')) : Rope());
     }
-    moveCaret(range.location + indentation.size());
-    resetPending();
+    m_engine.moveCaret(range.location + indentation.size());
+    m_engine.resetPending();
 }
 
-void VimEngine::shiftLines(TextRange range, OperatorKind kind)
+void VimEngine::Editing::shiftLines(TextRange range, OperatorKind kind)
 {
-    const TextRange block = selectedLines(m_view.text(), range);
-    const QString level = m_view.indentation().level();
-    edit(kind == OperatorKind::indent ? LineEditing::indentation(m_view.text(), block, level, Breaks::all)
-                                      : LineEditing::outdentation(m_view.text(), block, level.size(), Breaks::all));
-    moveCaret(buffer().firstNonBlank(block.location));
+    const TextRange block = selectedLines(m_engine.m_view.text(), range);
+    const QString level = m_engine.m_view.indentation().level();
+    m_engine.edit(kind == OperatorKind::indent ? LineEditing::indentation(m_engine.m_view.text(), block, level, Breaks::all)
+                                               : LineEditing::outdentation(m_engine.m_view.text(), block, level.size(), Breaks::all));
+    m_engine.moveCaret(m_engine.buffer().firstNonBlank(block.location));
 }
 
-void VimEngine::changeCase(TextRange range, OperatorKind kind)
+void VimEngine::Editing::changeCase(TextRange range, OperatorKind kind)
 {
-    const Rope text = m_view.text().slice(range);
+    const Rope text = m_engine.m_view.text().slice(range);
     const QString changed = kind == OperatorKind::toggleCase  ? withFlippedCase(text)
                             : kind == OperatorKind::uppercase ? text.toString().toUpper()
                                                               : text.toString().toLower();
-    edit(range, Rope(changed));
-    moveCaret(range.location);
+    m_engine.edit(range, Rope(changed));
+    m_engine.moveCaret(range.location);
 }
 
 /// The view does so with the lines of its selection.
-void VimEngine::changeComments(TextRange range)
+void VimEngine::Editing::changeComments(TextRange range)
 {
-    const qsizetype before = m_view.text().length();
-    m_view.select(range, range.location);
-    m_view.toggleComment();
-    m_changedBuffer = m_changedBuffer || m_view.text().length() != before;
-    moveCaret(buffer().firstNonBlank(range.location));
+    const qsizetype before = m_engine.m_view.text().length();
+    m_engine.m_view.select(range, range.location);
+    m_engine.m_view.toggleComment();
+    m_engine.m_changedBuffer = m_engine.m_changedBuffer || m_engine.m_view.text().length() != before;
+    m_engine.moveCaret(m_engine.buffer().firstNonBlank(range.location));
 }
 
 // Commands
 
-void VimEngine::enterInsert(qsizetype place)
+void VimEngine::Editing::enterInsert(qsizetype place)
 {
     beginInsertSession();
-    moveCaret(place);
-    resetPending();
+    m_engine.moveCaret(place);
+    m_engine.resetPending();
 }
 
-void VimEngine::openLine(Side side)
+void VimEngine::Editing::openLine(Side side)
 {
-    const TextRange line = buffer().lineRange(caret());
-    const QString indentation = LineEditing::leadingBlanks(m_view.text(), line.location);
+    const TextRange line = m_engine.buffer().lineRange(m_engine.caret());
+    const QString indentation = LineEditing::leadingBlanks(m_engine.m_view.text(), line.location);
     const qsizetype place = side == Side::after ? line.end() : line.location;
     beginInsertSession();
-    edit({place, 0}, Rope(QString(indentation + u'\n')));
-    moveCaret(place + indentation.size());
-    resetPending();
+    m_engine.edit({place, 0}, Rope(QString(indentation + u'\n')));
+    m_engine.moveCaret(place + indentation.size());
+    m_engine.resetPending();
 }
 
-void VimEngine::toggleCaseUnderCaret(qsizetype count)
+void VimEngine::Editing::toggleCaseUnderCaret(qsizetype count)
 {
-    const TextRange range = charactersFrom(caret(), count);
+    const TextRange range = charactersFrom(m_engine.caret(), count);
     if (!range.isEmpty()) {
-        const QString flipped = withFlippedCase(m_view.text().slice(range));
-        edit(range, Rope(flipped));
-        moveCaret(range.location + flipped.size());
+        const QString flipped = withFlippedCase(m_engine.m_view.text().slice(range));
+        m_engine.edit(range, Rope(flipped));
+        m_engine.moveCaret(range.location + flipped.size());
     }
-    resetPending();
+    m_engine.resetPending();
 }
 
-void VimEngine::joinLines(qsizetype count)
+void VimEngine::Editing::joinLines(qsizetype count)
 {
-    if (const auto step = LineEditing::joined(m_view.text(), caret(), count); step && edit(step->edits)) {
-        moveCaret(step->after.caret);
+    if (const auto step = LineEditing::joined(m_engine.m_view.text(), m_engine.caret(), count); step && m_engine.edit(step->edits)) {
+        m_engine.moveCaret(step->after.caret);
     }
-    resetPending();
+    m_engine.resetPending();
 }
 
-void VimEngine::replaceCharacter(QStringView key, qsizetype count)
+void VimEngine::Editing::replaceCharacter(QStringView key, qsizetype count)
 {
-    const TextRange range = charactersFrom(caret(), count);
+    const TextRange range = charactersFrom(m_engine.caret(), count);
     if (range.isEmpty() || key == QChar(VimKey::backspace)) {
-        resetPending();
+        m_engine.resetPending();
         return;
     }
     if (key == QChar(u'\r')) {
         // However many characters go, one line break comes.
-        edit(range, Rope(u"\n"));
-        moveCaret(range.location + 1);
+        m_engine.edit(range, Rope(u"\n"));
+        m_engine.moveCaret(range.location + 1);
     } else {
         qsizetype characters = 0;
-        for (qsizetype place = range.location; place < range.end(); place = TextBoundaries::nextGrapheme(m_view.text(), place)) {
+        for (qsizetype place = range.location; place < range.end(); place = TextBoundaries::nextGrapheme(m_engine.m_view.text(), place)) {
             ++characters;
         }
-        edit(range, repeatedText(Rope(key), characters));
-        moveCaret(range.location + characters * key.size() - 1);
+        m_engine.edit(range, repeatedText(Rope(key), characters));
+        m_engine.moveCaret(range.location + characters * key.size() - 1);
     }
-    resetPending();
+    m_engine.resetPending();
 }
 
-void VimEngine::paste(Side side, qsizetype count)
+void VimEngine::Editing::paste(Side side, qsizetype count)
 {
-    const VimRegisterContents contents = m_registers.contents(m_pendingRegister);
-    if (!contents.text.isEmpty() && mayInsert(contents.text.length(), count)) {
+    const VimRegisterContents contents = m_engine.m_registers.contents(m_engine.m_pendingRegister);
+    if (!contents.text.isEmpty() && m_engine.mayInsert(contents.text.length(), count)) {
         Rope text = repeatedText(contents.text, count);
-        VimBuffer before = buffer();
+        VimBuffer before = m_engine.buffer();
         if (contents.isLinewise) {
             if (!endsWithBreak(text)) {
                 text.replace({text.length(), 0}, u"\n");
             }
-            const TextRange line = before.lineRange(caret());
+            const TextRange line = before.lineRange(m_engine.caret());
             const qsizetype place = side == Side::after ? line.end() : line.location;
-            edit({place, 0}, text);
-            moveCaret(buffer().firstNonBlank(place));
+            m_engine.edit({place, 0}, text);
+            m_engine.moveCaret(m_engine.buffer().firstNonBlank(place));
         } else {
-            const qsizetype place = side == Side::after ? charactersFrom(caret(), 1).end() : caret();
-            edit({place, 0}, text);
-            moveCaret(place + text.length() - 1);
+            const qsizetype place = side == Side::after ? charactersFrom(m_engine.caret(), 1).end() : m_engine.caret();
+            m_engine.edit({place, 0}, text);
+            m_engine.moveCaret(place + text.length() - 1);
         }
     }
-    resetPending();
+    m_engine.resetPending();
 }
 
-void VimEngine::repeatLastChange()
+void VimEngine::Editing::noteChange()
 {
-    resetPending();
+    if (m_engine.m_changedBuffer && !m_isReplaying && m_engine.m_mode != Mode::insert) {
+        m_lastChange = Change{.keys = m_engine.m_pendingKeys, .extent = m_engine.m_extent};
+    }
+}
+
+void VimEngine::Editing::repeatLastChange()
+{
+    m_engine.resetPending();
     if (m_isReplaying || !m_lastChange) {
         return;
     }
     m_isReplaying = true;
-    m_view.beginUndoGroup();
+    m_engine.m_view.beginUndoGroup();
     const Change change = *m_lastChange;
     if (change.extent) {
         selectAgain(*change.extent);
     }
     for (qsizetype place = 0; place < change.keys.size();) {
         const qsizetype length = change.keys[place].isHighSurrogate() && place + 1 < change.keys.size() ? 2 : 1;
-        handleNormal(QStringView(change.keys).sliced(place, length));
+        m_engine.handleNormal(QStringView(change.keys).sliced(place, length));
         place += length;
     }
-    if (m_mode == Mode::insert) {
+    if (m_engine.m_mode == Mode::insert) {
         if (change.insertedText && !change.insertedText->isEmpty()) {
-            m_view.insertText(*change.insertedText);
+            m_engine.m_view.insertText(*change.insertedText);
         }
-        leaveToNormal();
+        m_engine.leaveToNormal();
     }
     // Where the keys come to nothing, they leave nothing that waits.
-    resetPending();
-    m_view.endUndoGroup();
+    m_engine.resetPending();
+    m_engine.m_view.endUndoGroup();
     m_isReplaying = false;
 }
 
-VimEngine::Extent VimEngine::selectedExtent() const
+VimEngine::Extent VimEngine::Editing::selectedExtent() const
 {
-    const Rope &text = m_view.text();
-    const TextRange selected = m_view.selectedRange();
+    const Rope &text = m_engine.m_view.text();
+    const TextRange selected = m_engine.m_view.selectedRange();
     const qsizetype first = text.lineAt(selected.location);
     const qsizetype last = text.lineAt(std::max(selected.end() - 1, selected.location));
-    return {.mode = m_mode, .lines = last - first + 1, .units = selected.end() - std::max(selected.location, text.lineStart(last))};
+    return {
+        .mode = m_engine.m_mode, .lines = last - first + 1, .units = selected.end() - std::max(selected.location, text.lineStart(last))};
 }
 
 /// As much from the caret on, as far as there is so much.
-void VimEngine::selectAgain(const Extent &extent)
+void VimEngine::Editing::selectAgain(const Extent &extent)
 {
-    VimBuffer text = buffer();
-    const qsizetype place = caret();
+    VimBuffer text = m_engine.buffer();
+    const qsizetype place = m_engine.caret();
     const qsizetype start = extent.lines > 1 ? text.line(place, extent.lines - 1).value_or(text.lastLineStart()) : place;
-    m_visualAnchor = place;
-    setMode(extent.mode);
-    updateVisualSelection(std::max(std::min(start + extent.units, text.lineContentEnd(start)) - 1, start));
+    m_engine.m_visualAnchor = place;
+    m_engine.setMode(extent.mode);
+    m_engine.updateVisualSelection(std::max(std::min(start + extent.units, text.lineContentEnd(start)) - 1, start));
 }
 
-void VimEngine::copySelection()
+void VimEngine::Editing::copySelection()
 {
-    if (isVisual()) {
-        m_view.perform(Actions::copy);
-        leaveToNormal();
+    if (m_engine.isVisual()) {
+        m_engine.m_view.perform(Actions::copy);
+        m_engine.leaveToNormal();
     }
 }
 
@@ -342,4 +350,43 @@ void VimEngine::moveLines(int by)
         moveCaret(buffer().firstNonBlank(start));
     }
     resetPending();
+}
+
+// Insert sessions
+
+void VimEngine::Editing::deleteInserted(VimDeletion what)
+{
+    const qsizetype before = m_engine.m_view.text().length();
+    m_engine.m_view.deleteBackward(what);
+    m_insertedText.chop(std::clamp<qsizetype>(before - m_engine.m_view.text().length(), 0, m_insertedText.size()));
+}
+
+void VimEngine::Editing::insertRegister(char16_t name)
+{
+    const Rope text = m_engine.m_registers.contents(name == u'"' ? std::nullopt : std::optional(name)).text;
+    if (!text.isEmpty() && m_engine.mayInsert(text.length(), 1)) {
+        const QString inserted = text.toString();
+        m_engine.m_view.putText(inserted);
+        m_insertedText += inserted;
+    }
+}
+
+/// What the command itself changes first belongs to the session as well.
+void VimEngine::Editing::beginInsertSession()
+{
+    m_insertCommand = Change{.keys = m_engine.m_pendingKeys, .extent = m_engine.m_extent};
+    m_insertedText.clear();
+    m_engine.setMode(Mode::insert);
+    m_engine.resumeInsertSession();
+}
+
+void VimEngine::Editing::endInsertSession()
+{
+    if (!m_isReplaying) {
+        m_lastChange = m_insertCommand;
+        m_lastChange->insertedText = m_insertedText;
+    }
+    m_insertedText.clear();
+    m_engine.m_changedBuffer = false;
+    m_engine.pauseInsertSession();
 }

@@ -8,9 +8,9 @@
 #include "Base/Translation.h"
 #include "Text/TextBoundaries.h"
 #include "Vim/VimExact.h"
-#include "Vim/VimKeyQueue.h"
 #include "Vim/VimKeyTable.h"
 #include "Vim/VimKeys.h"
+#include "Vim/VimParts.h"
 
 #include <QScopedValueRollback>
 
@@ -39,16 +39,6 @@ VimKeymap keymapOf(const VimOptions &options)
     return VimKeymap(options.preset, options.isExact ? options.mappings : nullptr);
 }
 
-VimKeyEvent eventOf(const VimKeyStroke &stroke)
-{
-    const QString key = QString(QChar(stroke.character));
-    const bool isNamed = stroke.character >= VimKey::up && stroke.character <= VimKey::pageDown;
-    return {.characters = stroke.control || stroke.option || isNamed ? QString() : key,
-            .charactersIgnoringModifiers = key,
-            .control = stroke.control,
-            .option = stroke.option};
-}
-
 } // namespace
 
 QString displayName(VimEngine::Mode mode)
@@ -59,7 +49,8 @@ QString displayName(VimEngine::Mode mode)
 }
 
 VimEngine::VimEngine(VimTextView &view, VimEngineDelegate &delegate, VimRegisters &registers, const VimOptions &options)
-    : m_view(view), m_delegate(delegate), m_registers(registers), m_options(options), m_keymap(keymapOf(options))
+    : m_view(view), m_delegate(delegate), m_registers(registers), m_options(options), m_keymap(keymapOf(options)),
+      m_moving(std::make_unique<Moving>(*this)), m_editing(std::make_unique<Editing>(*this))
 {
     m_view.setCaretLook(VimCaret::block);
     if (options.isExact) {
@@ -139,92 +130,6 @@ bool VimEngine::handleKey(const VimKeyEvent &event)
     return takeOutcome(outcome, event);
 }
 
-bool VimEngine::takeOutcome(const VimKeymap::Outcome &outcome, const VimKeyEvent &event)
-{
-    if (const auto *action = std::get_if<VimKeymapAction>(&outcome)) {
-        perform(*action);
-    } else if (const auto *fed = std::get_if<VimKeymap::Fed>(&outcome)) {
-        feed(*fed);
-    } else if (const auto *strokes = std::get_if<VimKeymap::Passthrough>(&outcome)) {
-        // Those that waited are keys of mappings, of one unit each.
-        std::for_each(strokes->begin(), std::prev(strokes->end()),
-                      [this](const VimKeyStroke &earlier) { handleStroke(earlier, QString(QChar(earlier.character))); });
-        if (m_mode == Mode::insert) {
-            return handleInsert(event);
-        }
-        handleStroke(strokes->back(), event.charactersIgnoringModifiers);
-    } else {
-        notify();
-    }
-    return true;
-}
-
-VimKeymap::Table VimEngine::table() const
-{
-    if (m_mode == Mode::insert) {
-        return VimKeymap::Table::insert;
-    }
-    if (m_mode == Mode::commandLine) {
-        return VimKeymap::Table::commandLine;
-    }
-    return isVisual() ? VimKeymap::Table::visual : m_pendingOperator ? VimKeymap::Table::operatorPending : VimKeymap::Table::normal;
-}
-
-void VimEngine::handleStrokes(const VimKeymap::Passthrough &strokes)
-{
-    const QScopedValueRollback mapping(m_usesMappings, false);
-    for (const VimKeyStroke &stroke : strokes) {
-        const VimKeyEvent event = eventOf(stroke);
-        if (!handleKey(event) && !event.characters.isEmpty()) {
-            m_view.insertText(event.characters);
-        }
-    }
-}
-
-void VimEngine::feed(const VimKeymap::Fed &fed)
-{
-    handleStrokes(fed.before);
-    if (++m_mappingDepth > VimKeyQueue::deepest) {
-        m_delegate.vimEngineSays(*this, localized(u"Stopped: a mapping leads to itself"));
-        m_exact->repeating.noteFailure();
-    } else if (fed.action) {
-        perform(*fed.action);
-    } else {
-        bool isDone = true;
-        {
-            const QScopedValueRollback mapping(m_usesMappings, false);
-            isDone = m_exact->repeating.run(fed.keys.first(fed.unmapped));
-        }
-        if (isDone && m_exact->repeating.run(fed.keys.sliced(fed.unmapped))) {
-            for (const VimKeyStroke &stroke : fed.rest) {
-                const VimKeyEvent event = eventOf(stroke);
-                if (!handleKey(event) && !event.characters.isEmpty()) {
-                    m_view.insertText(event.characters);
-                }
-            }
-        }
-    }
-    --m_mappingDepth;
-    notify();
-}
-
-void VimEngine::expireMapping()
-{
-    const QScopedValueRollback handling(m_isHandling, true);
-    if (const auto outcome = m_keymap.expire(table())) {
-        if (const auto *fed = std::get_if<VimKeymap::Fed>(&*outcome)) {
-            feed(*fed);
-        } else if (const auto *strokes = std::get_if<VimKeymap::Passthrough>(&*outcome)) {
-            handleStrokes(*strokes);
-        } else if (const auto *action = std::get_if<VimKeymapAction>(&*outcome)) {
-            perform(*action);
-        }
-    }
-    if (std::exchange(m_hasNews, false)) {
-        m_delegate.vimEngineDidChangeState(*this);
-    }
-}
-
 bool VimEngine::wants(const VimKeyEvent &event) const
 {
     const QString &characters = event.charactersIgnoringModifiers;
@@ -289,24 +194,6 @@ void VimEngine::handleStroke(const VimKeyStroke &stroke, QStringView key)
     }
 }
 
-void VimEngine::perform(const VimKeymapAction &action)
-{
-    if (action == VimKeymapAction(&VimEngine::toggleCommentFromKeymap) && !isVisual() && hasCount() && !m_pendingOperator) {
-        // With a count it is the operator of so many lines.
-        for (const QChar key : u"gcc"_s) {
-            handleNormal(QStringView(&key, 1));
-        }
-        return;
-    }
-    resetPending();
-    if (const auto *const *command = std::get_if<const Action *>(&action)) {
-        m_view.perform(**command);
-    } else {
-        (this->*std::get<void (VimEngine::*)()>(action))();
-    }
-    notify();
-}
-
 bool VimEngine::handleInsert(const VimKeyEvent &event)
 {
     if (m_exact) {
@@ -329,7 +216,7 @@ void VimEngine::noteInsertedText(const QString &text)
     if (m_mode == Mode::insert && m_exact) {
         m_exact->inserting.noteTyped(text);
     } else if (m_mode == Mode::insert) {
-        m_insertedText += text;
+        m_editing->noteInserted(text);
     }
 }
 
@@ -431,7 +318,7 @@ bool VimEngine::takeKey(KeyPlace place, char16_t key)
         if (m_exact) {
             m_exact->operating.applyLines(*m_pendingOperator, effectiveCount());
         } else {
-            applyLinewiseOperator(*m_pendingOperator, effectiveCount());
+            m_editing->applyLinewiseOperator(*m_pendingOperator, effectiveCount());
         }
         return true;
     }
@@ -439,7 +326,7 @@ bool VimEngine::takeKey(KeyPlace place, char16_t key)
         return false;
     }
     if (const auto *motion = std::get_if<KeyRow::Motion>(&known->function)) {
-        go(motion->target, motion->unmoved);
+        m_moving->go(motion->target, motion->unmoved);
     } else if (const auto *command = std::get_if<KeyRow::Command>(&known->function)) {
         command->perform(*this, std::max(effectiveCount(), command->leastCount));
     } else if (const auto *kind = std::get_if<OperatorKind>(&known->function)) {
@@ -469,7 +356,7 @@ bool VimEngine::isKeyOf(OperatorKind kind, char16_t key)
 bool VimEngine::takeOperator(OperatorKind kind)
 {
     if (isVisual()) {
-        m_exact ? m_exact->selecting.apply(kind) : applyToSelection(kind);
+        m_exact ? m_exact->selecting.apply(kind) : m_editing->applyToSelection(kind);
         return true;
     }
     if (m_pendingOperator == kind && m_exact) {
@@ -497,27 +384,26 @@ void VimEngine::complete(const Awaited &awaited, QStringView key)
             resetPending(); // one unit is compared with another
             return;
         }
-        m_lastFind = LastFind{unit, awaited.find};
-        findOnLine(unit, awaited.find);
+        m_moving->find(unit, awaited.find);
         return;
     case Awaiting::gotoMark:
-        goToMark(key.toString(), awaited.isExact);
+        m_moving->goToMark(key.toString(), awaited.isExact);
         return;
     case Awaiting::textObject:
         takeObject(awaited.extent, unit);
         return;
     case Awaiting::replaceCharacter:
-        replaceCharacter(key, effectiveCount());
+        m_editing->replaceCharacter(key, effectiveCount());
         return;
     case Awaiting::setMark:
-        m_marks[key.toString()] = caret();
+        m_moving->setMark(key.toString());
         resetPending();
         return;
     case Awaiting::registerName:
         m_pendingRegister = unit;
         return;
     case Awaiting::insertedRegister:
-        insertRegister(unit);
+        m_editing->insertRegister(unit);
         return;
     case Awaiting::gPrefix:
         if (!takeKey(KeyPlace::afterG, unit)) {
@@ -613,7 +499,7 @@ void VimEngine::takeObject(VimTextObject::Extent extent, char16_t key)
     if (!object) {
         resetPending();
     } else if (m_pendingOperator) {
-        apply(*m_pendingOperator, object->range, object->linewise ? Span::lines : Span::characters);
+        m_editing->apply(*m_pendingOperator, object->range, object->linewise ? Span::lines : Span::characters);
     } else {
         m_visualAnchor = object->range.location;
         moveCaret(std::max(object->range.end() - 1, object->range.location));
@@ -693,9 +579,7 @@ void VimEngine::resetPending()
         clearPending();
         return;
     }
-    if (m_changedBuffer && !m_isReplaying && m_mode != Mode::insert) {
-        m_lastChange = Change{.keys = m_pendingKeys, .extent = m_extent};
-    }
+    m_editing->noteChange();
     m_changedBuffer = false;
     m_extent.reset();
     clearPending();
@@ -774,7 +658,7 @@ void VimEngine::leaveToNormal()
         return;
     }
     if (m_mode == Mode::insert) {
-        endInsertSession();
+        m_editing->endInsertSession();
         moveCaret(std::max<qsizetype>(caret() - 1, 0));
     }
     m_keymap.forget();
@@ -787,13 +671,6 @@ void VimEngine::leaveToNormal()
 
 // Insert sessions
 
-void VimEngine::deleteInserted(VimDeletion what)
-{
-    const qsizetype before = m_view.text().length();
-    m_view.deleteBackward(what);
-    m_insertedText.chop(std::clamp<qsizetype>(before - m_view.text().length(), 0, m_insertedText.size()));
-}
-
 bool VimEngine::mayInsert(qsizetype length, qsizetype count)
 {
     if (length <= longestInsertion / count) {
@@ -801,36 +678,6 @@ bool VimEngine::mayInsert(qsizetype length, qsizetype count)
     }
     m_delegate.vimEngineSays(*this, localized(u"Not inserted: it would be more than 32 MB of text"));
     return false;
-}
-
-void VimEngine::insertRegister(char16_t name)
-{
-    const Rope text = m_registers.contents(name == u'"' ? std::nullopt : std::optional(name)).text;
-    if (!text.isEmpty() && mayInsert(text.length(), 1)) {
-        const QString inserted = text.toString();
-        m_view.putText(inserted);
-        m_insertedText += inserted;
-    }
-}
-
-/// What the command itself changes first belongs to the session as well.
-void VimEngine::beginInsertSession()
-{
-    m_insertCommand = Change{.keys = m_pendingKeys, .extent = m_extent};
-    m_insertedText.clear();
-    setMode(Mode::insert);
-    resumeInsertSession();
-}
-
-void VimEngine::endInsertSession()
-{
-    if (!m_isReplaying) {
-        m_lastChange = m_insertCommand;
-        m_lastChange->insertedText = m_insertedText;
-    }
-    m_insertedText.clear();
-    m_changedBuffer = false;
-    pauseInsertSession();
 }
 
 void VimEngine::pauseInsertSession()

@@ -184,17 +184,10 @@ private:
         /// To the ends of lines.
         bool isEndless = false;
     };
-    /// What "." does again: keys, then what was typed; from the caret on so much, if an operator took it.
-    struct Change {
-        QString keys;
-        std::optional<QString> insertedText = std::nullopt;
-        std::optional<Extent> extent = std::nullopt;
-    };
     enum class Keep { nothing, desiredColumn };
     enum class Side { before, after };
     using SearchDirection = VimSearch::Direction;
     enum class VisibleLine { first, middle, last };
-    enum class Shown { anywhere, centered };
     /// Where a key may come: where commands begin, with Control, behind another one, in whatever mode, or with Control in insert mode.
     enum class KeyPlace {
         plain,
@@ -212,6 +205,9 @@ private:
     };
     struct KeyRow;
     struct NavigationRow;
+    class Part;
+    class Moving;
+    class Editing;
     class Exact;
     class ExactPart;
     class Repeating;
@@ -227,8 +223,6 @@ private:
     void feed(const VimKeymap::Fed &fed);
     void handleStrokes(const VimKeymap::Passthrough &strokes);
     bool handleInsert(const VimKeyEvent &event);
-    void deleteInserted(VimDeletion what);
-    void insertRegister(char16_t name);
     /// Whether so many units may come into the text at once; says so if not.
     bool mayInsert(qsizetype length, qsizetype count);
     void handleCommandLine(const VimKeyEvent &event);
@@ -268,59 +262,21 @@ private:
     [[nodiscard]] VimBuffer buffer() const { return VimBuffer(m_view.text()); }
     [[nodiscard]] qsizetype caret() const;
     void moveCaret(qsizetype target, Keep keep = Keep::nothing);
-    void beginInsertSession();
-    void endInsertSession();
     void enterVisual(Mode mode);
     void toggleVisual(Mode mode);
     void updateVisualSelection(qsizetype head);
 
     // Motions
-    using Target = VimMotion::Result (*)(const VimMotion::Request &request);
     enum class Unmoved { fails, succeeds };
-    void go(Target target, Unmoved unmoved);
-    void applyMotion(const VimMotion::Result &result);
-    void applyVertical(qsizetype lines);
-    void findOnLine(char16_t character, VimMotion::FindKind kind);
-    void repeatFind(bool isReversed);
-    void goToLine(std::optional<LineNumber> number, qsizetype otherwise);
-    void goToMark(const QString &name, bool isExact);
-    void goToVisibleLine(VisibleLine line);
-    void showSelection(Shown where);
-    void scrollLines(qsizetype lines);
     [[nodiscard]] TextRange linewiseRange(qsizetype from, qsizetype to) const;
 
     // Operators and commands
     bool edit(const TextEdits &edits);
     bool edit(TextRange range, const Rope &text);
-    void apply(OperatorKind kind, TextRange range, Span span);
-    void applyLinewiseOperator(OperatorKind kind, qsizetype count);
-    void applyToSelection(OperatorKind kind);
-    void changeRange(TextRange range, Span span);
-    void shiftLines(TextRange range, OperatorKind kind);
-    void changeCase(TextRange range, OperatorKind kind);
-    void changeComments(TextRange range);
-    void store(TextRange range, Span span);
-    void enterInsert(qsizetype place);
-    void openLine(Side side);
-    void toggleCaseUnderCaret(qsizetype count);
-    void joinLines(qsizetype count);
-    void replaceCharacter(QStringView key, qsizetype count);
-    void paste(Side side, qsizetype count);
-    void repeatLastChange();
-    [[nodiscard]] Extent selectedExtent() const;
-    void selectAgain(const Extent &extent);
-    void copySelection();
     void moveLines(int by);
-    /// From the caret, `count` characters on, but not beyond the line.
-    [[nodiscard]] TextRange charactersFrom(qsizetype caret, qsizetype count) const;
 
     // Command line and search
     void beginCommandLine(char16_t prefix);
-    void performSearch(const QString &pattern, SearchDirection direction, qsizetype from);
-    void repeatSearch(bool isReversed);
-    void searchWordUnderCaret(SearchDirection direction);
-    void jumpToMatch(const VimSearch &search, qsizetype from);
-    void jumpTo(TextRange hit);
 
     VimTextView &m_view;
     VimEngineDelegate &m_delegate;
@@ -352,24 +308,17 @@ private:
     /// What was selected last.
     std::optional<Extent> m_visualExtent;
 
-    struct LastFind {
-        char16_t character;
-        VimMotion::FindKind kind;
-    };
-    std::optional<LastFind> m_lastFind;
     std::optional<VimSearch> m_lastSearch;
-    std::map<QString, qsizetype> m_marks;
 
+    // By default; with exact modal editing the latter decides.
+    std::unique_ptr<Moving> m_moving;
+    std::unique_ptr<Editing> m_editing;
     /// Only with exact modal editing.
     std::unique_ptr<Exact> m_exact;
 
     // For ".".
-    std::optional<Change> m_lastChange;
-    Change m_insertCommand;
-    QString m_insertedText;
     /// Of the operator that is being carried out.
     std::optional<Extent> m_extent;
-    bool m_isReplaying = false;
     bool m_changedBuffer = false;
     /// Keys may be those of the user's mappings.
     bool m_usesMappings = true;

@@ -8,33 +8,34 @@
 #include "Vim/VimExact.h"
 #include "Vim/VimKeyTable.h"
 #include "Vim/VimKeys.h"
+#include "Vim/VimParts.h"
 
 using namespace Qt::StringLiterals;
 using VimMotion::Kind;
 
-void VimEngine::go(Target target, Unmoved unmoved)
+void VimEngine::Moving::go(Target target, Unmoved unmoved)
 {
-    VimBuffer text = buffer();
-    const qsizetype from = caret();
-    VimMotion::Result result = target({text, from, effectiveCount(), m_mode != Mode::normal});
+    VimBuffer text = m_engine.buffer();
+    const qsizetype from = m_engine.caret();
+    VimMotion::Result result = target({text, from, m_engine.effectiveCount(), m_engine.m_mode != Mode::normal});
     const bool isUnmoved = TextBoundaries::snapped(text.text(), result.position) == from;
     result.failed = result.failed || (isUnmoved && unmoved == Unmoved::fails);
     applyMotion(result);
 }
 
-void VimEngine::applyMotion(const VimMotion::Result &result)
+void VimEngine::Moving::applyMotion(const VimMotion::Result &result)
 {
     if (result.failed) {
-        resetPending();
+        m_engine.resetPending();
         return;
     }
-    if (!m_pendingOperator) {
-        moveCaret(result.position);
-        resetPending();
+    if (!m_engine.m_pendingOperator) {
+        m_engine.moveCaret(result.position);
+        m_engine.resetPending();
         return;
     }
-    VimBuffer text = buffer();
-    const qsizetype from = caret();
+    VimBuffer text = m_engine.buffer();
+    const qsizetype from = m_engine.caret();
     TextRange range = TextRange::spanning(from, result.position);
     switch (result.kind) {
     case Kind::exclusive:
@@ -47,30 +48,30 @@ void VimEngine::applyMotion(const VimMotion::Result &result)
         range = TextRange::between(range.location, std::min(range.end() + 1, text.length()));
         break;
     case Kind::linewise:
-        apply(*m_pendingOperator, linewiseRange(from, result.position), Span::lines);
+        m_engine.m_editing->apply(*m_engine.m_pendingOperator, m_engine.linewiseRange(from, result.position), Span::lines);
         return;
     }
-    apply(*m_pendingOperator, range, Span::characters);
+    m_engine.m_editing->apply(*m_engine.m_pendingOperator, range, Span::characters);
 }
 
-void VimEngine::applyVertical(qsizetype lines)
+void VimEngine::Moving::applyVertical(qsizetype lines)
 {
-    VimBuffer text = buffer();
-    const auto line = text.line(caret(), lines);
+    VimBuffer text = m_engine.buffer();
+    const auto line = text.line(m_engine.caret(), lines);
     if (!line) {
-        resetPending();
+        m_engine.resetPending();
         return;
     }
-    if (caret() != m_lastPlace) {
-        m_desiredColumn = caret() - text.lineStart(caret());
+    if (m_engine.caret() != m_engine.m_lastPlace) {
+        m_engine.m_desiredColumn = m_engine.caret() - text.lineStart(m_engine.caret());
     }
-    const qsizetype target = std::min(std::max(text.lineContentEnd(*line), *line), *line + m_desiredColumn);
-    if (m_pendingOperator) {
-        apply(*m_pendingOperator, linewiseRange(caret(), target), Span::lines);
+    const qsizetype target = std::min(std::max(text.lineContentEnd(*line), *line), *line + m_engine.m_desiredColumn);
+    if (m_engine.m_pendingOperator) {
+        m_engine.m_editing->apply(*m_engine.m_pendingOperator, m_engine.linewiseRange(m_engine.caret(), target), Span::lines);
         return;
     }
-    moveCaret(target, Keep::desiredColumn);
-    resetPending();
+    m_engine.moveCaret(target, Keep::desiredColumn);
+    m_engine.resetPending();
 }
 
 TextRange VimEngine::linewiseRange(qsizetype from, qsizetype to) const
@@ -79,60 +80,71 @@ TextRange VimEngine::linewiseRange(qsizetype from, qsizetype to) const
     return text.lineRange(std::min(from, to)).united(text.lineRange(std::max(from, to)));
 }
 
-void VimEngine::goToLine(std::optional<LineNumber> number, qsizetype otherwise)
+void VimEngine::Moving::goToLine(std::optional<LineNumber> number, qsizetype otherwise)
 {
-    VimBuffer text = buffer();
+    VimBuffer text = m_engine.buffer();
     const qsizetype line = number ? text.startOfLine(*number) : otherwise;
     applyMotion({.position = text.firstNonBlank(line), .kind = Kind::linewise});
 }
 
-void VimEngine::goToVisibleLine(VisibleLine line)
+void VimEngine::Moving::goToVisibleLine(VisibleLine line)
 {
-    VimBuffer text = buffer();
-    const TextRange seen = m_view.visibleRange();
+    VimBuffer text = m_engine.buffer();
+    const TextRange seen = m_engine.m_view.visibleRange();
     const qsizetype place = line == VisibleLine::first    ? seen.location
                             : line == VisibleLine::middle ? seen.location + seen.length / 2
                                                           : std::max(seen.end() - 1, seen.location);
     applyMotion({.position = text.firstNonBlank(place), .kind = Kind::linewise});
 }
 
-void VimEngine::showSelection(Shown where)
+void VimEngine::Moving::showSelection(Shown where)
 {
-    where == Shown::centered ? m_view.centerSelection() : m_view.revealSelection();
-    resetPending();
+    where == Shown::centered ? m_engine.m_view.centerSelection() : m_engine.m_view.revealSelection();
+    m_engine.resetPending();
 }
 
-void VimEngine::goToMark(const QString &name, bool isExact)
+void VimEngine::Moving::goToMark(const QString &name, bool isExact)
 {
     if (const auto mark = m_marks.find(name); mark != m_marks.end()) {
-        VimBuffer text = buffer();
+        VimBuffer text = m_engine.buffer();
         const qsizetype place = std::min(mark->second, text.length());
-        moveCaret(isExact ? place : text.firstNonBlank(place));
+        m_engine.moveCaret(isExact ? place : text.firstNonBlank(place));
     }
-    resetPending();
+    m_engine.resetPending();
 }
 
-void VimEngine::scrollLines(qsizetype lines)
+void VimEngine::Moving::scrollLines(qsizetype lines)
 {
-    VimBuffer text = buffer();
-    const qsizetype line = text.line(caret(), lines).value_or(lines < 0 ? 0 : text.lastLineStart());
-    moveCaret(text.firstNonBlank(line));
+    VimBuffer text = m_engine.buffer();
+    const qsizetype line = text.line(m_engine.caret(), lines).value_or(lines < 0 ? 0 : text.lastLineStart());
+    m_engine.moveCaret(text.firstNonBlank(line));
 }
 
-void VimEngine::findOnLine(char16_t character, VimMotion::FindKind kind)
+void VimEngine::Moving::findOnLine(char16_t character, VimMotion::FindKind kind)
 {
-    VimBuffer text = buffer();
+    VimBuffer text = m_engine.buffer();
     const bool isForward = kind == VimMotion::FindKind::forwardTo || kind == VimMotion::FindKind::forwardBefore;
-    const qsizetype from = isForward ? VimMotion::lastUnit(text.text(), caret()) : caret();
-    applyMotion(VimMotion::find(text, from, character, kind, effectiveCount()));
+    const qsizetype from = isForward ? VimMotion::lastUnit(text.text(), m_engine.caret()) : m_engine.caret();
+    applyMotion(VimMotion::find(text, from, character, kind, m_engine.effectiveCount()));
 }
 
-void VimEngine::repeatFind(bool isReversed)
+void VimEngine::Moving::find(char16_t character, VimMotion::FindKind kind)
+{
+    m_lastFind = LastFind{character, kind};
+    findOnLine(character, kind);
+}
+
+void VimEngine::Moving::setMark(const QString &name)
+{
+    m_marks[name] = m_engine.caret();
+}
+
+void VimEngine::Moving::repeatFind(bool isReversed)
 {
     if (m_lastFind) {
         findOnLine(m_lastFind->character, isReversed ? VimMotion::reversed(m_lastFind->kind) : m_lastFind->kind);
     } else {
-        resetPending();
+        m_engine.resetPending();
     }
 }
 
@@ -195,8 +207,8 @@ void VimEngine::handleCommandLine(const VimKeyEvent &event)
         if (entered.prefix() == u':') {
             m_delegate.vimEngineRunsCommand(*this, entered.text());
         } else {
-            performSearch(entered.text(), entered.prefix() == u'/' ? SearchDirection::forward : SearchDirection::backward,
-                          std::exchange(m_searchOrigin, std::nullopt).value_or(caret()));
+            m_moving->performSearch(entered.text(), entered.prefix() == u'/' ? SearchDirection::forward : SearchDirection::backward,
+                                    std::exchange(m_searchOrigin, std::nullopt).value_or(caret()));
         }
         break;
     }
@@ -222,55 +234,56 @@ void VimEngine::completeFiles(const QStringList &names)
     notify();
 }
 
-void VimEngine::performSearch(const QString &pattern, SearchDirection direction, qsizetype from)
+void VimEngine::Moving::performSearch(const QString &pattern, SearchDirection direction, qsizetype from)
 {
     if (!pattern.isEmpty()) {
-        m_lastSearch = VimSearch{pattern, direction};
-        jumpToMatch(*m_lastSearch, from);
+        m_engine.m_lastSearch = VimSearch{pattern, direction};
+        jumpToMatch(*m_engine.m_lastSearch, from);
     }
 }
 
-void VimEngine::repeatSearch(bool isReversed)
+void VimEngine::Moving::repeatSearch(bool isReversed)
 {
-    if (m_lastSearch) {
-        const bool isForward = (m_lastSearch->direction == SearchDirection::forward) != isReversed;
-        jumpToMatch({m_lastSearch->pattern, isForward ? SearchDirection::forward : SearchDirection::backward}, caret());
+    if (m_engine.m_lastSearch) {
+        const bool isForward = (m_engine.m_lastSearch->direction == SearchDirection::forward) != isReversed;
+        jumpToMatch({m_engine.m_lastSearch->pattern, isForward ? SearchDirection::forward : SearchDirection::backward}, m_engine.caret());
     }
-    resetPending();
+    m_engine.resetPending();
 }
 
-void VimEngine::searchWordUnderCaret(SearchDirection direction)
+void VimEngine::Moving::searchWordUnderCaret(SearchDirection direction)
 {
-    VimBuffer text = buffer();
-    const auto word = VimTextObject::range(text, caret(), u'w', VimTextObject::Extent::inner, 1);
+    VimBuffer text = m_engine.buffer();
+    const auto word = VimTextObject::range(text, m_engine.caret(), u'w', VimTextObject::Extent::inner, 1);
     if (word && !word->range.isEmpty()) {
         const QString escaped = RegularExpression::escapedPattern(text.text().toString(word->range));
-        performSearch(u"\\b"_s + escaped + u"\\b"_s, direction, caret());
+        performSearch(u"\\b"_s + escaped + u"\\b"_s, direction, m_engine.caret());
     }
-    resetPending();
+    m_engine.resetPending();
 }
 
-void VimEngine::jumpToMatch(const VimSearch &search, qsizetype from)
+void VimEngine::Moving::jumpToMatch(const VimSearch &search, qsizetype from)
 {
-    const Rope &text = m_view.text();
-    m_showsHits = true;
+    const Rope &text = m_engine.m_view.text();
+    m_engine.m_showsHits = true;
     if (const auto hit = search.nearHit(text, from)) {
         jumpTo(*hit);
     } else if (text.length() > VimSearch::nearby && search.isValid()) {
         const auto prepare = [this, search, from]() -> VimTextView::Seeking {
             // The text may have become shorter.
-            const qsizetype start = std::min(from, m_view.text().length());
-            return [search, all = Rope(m_view.text()), start](const std::stop_token &stop) { return search.hit(all, start, stop); };
+            const qsizetype start = std::min(from, m_engine.m_view.text().length());
+            return
+                [search, all = Rope(m_engine.m_view.text()), start](const std::stop_token &stop) { return search.hit(all, start, stop); };
         };
-        m_view.seek(prepare, [this](TextRange found) {
+        m_engine.m_view.seek(prepare, [this](TextRange found) {
             jumpTo(found);
-            notify();
+            m_engine.notify();
         });
     }
 }
 
-void VimEngine::jumpTo(TextRange hit)
+void VimEngine::Moving::jumpTo(TextRange hit)
 {
-    moveCaret(hit.location);
-    m_view.showIndicator(hit);
+    m_engine.moveCaret(hit.location);
+    m_engine.m_view.showIndicator(hit);
 }

@@ -7,6 +7,7 @@
 
 #include "Text/TextBoundaries.h"
 #include "Vim/VimNumber.h"
+#include "Vim/VimParts.h"
 
 #include <QScopedValueRollback>
 
@@ -201,7 +202,7 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
         setCaret(region.start);
         break;
     case OperatorKind::toggleComment:
-        m_engine.changeComments(region.range);
+        m_engine.m_editing->changeComments(region.range);
         break;
     case OperatorKind::format:
     case OperatorKind::formatInPlace:

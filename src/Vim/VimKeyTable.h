@@ -5,8 +5,8 @@
 // The keys of modal editing: one row each, from which they are carried out and which the reference shows. Private to the sources of the
 // engine and its tests.
 
-#include "Vim/VimEngine.h"
 #include "Vim/VimExactMotion.h"
+#include "Vim/VimParts.h"
 
 #include <array>
 #include <optional>
@@ -15,7 +15,7 @@
 struct VimEngine::KeyRow {
     /// Leads the caret somewhere. It fails by itself when that is where the caret is, unless it says otherwise.
     struct Motion {
-        Target target;
+        Moving::Target target;
         Unmoved unmoved = Unmoved::fails;
     };
     /// Anything else that the engine does, among it motions that depend on what was typed before, or on the screen.
