@@ -193,6 +193,7 @@ void scrolling(benchmark::State &state, Qt::Key key, Qt::KeyboardModifiers modif
 void modalKeys(benchmark::State &state)
 {
     Stage stage(state.range(0));
+    stage.preferences.set(Settings::vimExact, state.range(1) != 0);
     stage.preferences.set(Settings::vimMode, true);
     VimEngine &engine = stage.editor->vim()->engine();
     const Rope &text = stage.document->storage().text();
@@ -316,7 +317,12 @@ BENCHMARK(carets)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(substitution)->Name("substitution, 100 MB")->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(modalJumps)->Name("modal jumps, 100 MB")->Iterations(1)->Unit(benchmark::kMillisecond);
-BENCHMARK(modalKeys)->Name("modal keys in C")->Arg(20'000)->Arg(100'000'000)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(modalKeys)
+    ->Name("modal keys in C")
+    ->ArgNames({"", "exact"})
+    ->ArgsProduct({{20'000, 100'000'000}, {0, 1}})
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(typing)->Name("key in C")->Arg(20'000)->Arg(1'000'000)->Arg(100'000'000)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(scrolling, line, Qt::Key_Down, Qt::ControlModifier, 1500, 0)
     ->Name("line by line, 1 MB")
