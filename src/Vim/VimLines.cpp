@@ -3,6 +3,7 @@
 #include "Vim/VimLines.h"
 
 #include "Text/TextBoundaries.h"
+#include "Vim/VimCharacters.h"
 
 #include <unicode/uchar.h>
 
@@ -25,27 +26,8 @@ qsizetype widthOf(char32_t character)
 
 int vimWordClass(char32_t character)
 {
-    if (character == U' ' || character == U'\t' || character == 0 || character == U'\n' || character == U'\r' || character == 0x3000) {
-        return 0;
-    }
-    if (character < 0x100) {
-        const bool isWord = character == U'_' || (character >= U'0' && character <= U'9') || (character >= U'A' && character <= U'Z') ||
-                            (character >= U'a' && character <= U'z') || character >= 0xC0 || character == 0xB5;
-        return isWord ? 2 : 1;
-    }
-    if (u_hasBinaryProperty(UChar32(character), UCHAR_EMOJI) || (character >= 0x1F300 && character <= 0x1FAFF)) {
-        return 3;
-    }
-    if (character >= 0x4E00 && character <= 0x9FFF) {
-        return 0x4E00;
-    }
-    if (character >= 0x3040 && character <= 0x30FF) {
-        return character < 0x30A0 ? 0x3040 : 0x30A0;
-    }
-    if (character >= 0xAC00 && character <= 0xD7A3) {
-        return 0xAC00;
-    }
-    return u_isalnum(UChar32(character)) || u_charType(UChar32(character)) == U_NON_SPACING_MARK || !u_ispunct(UChar32(character)) ? 2 : 1;
+    const bool isBreakOrNone = character == 0 || (character < 0x10000 && isBreak(char16_t(character)));
+    return isBreakOrNone ? 0 : int(VimCharacters::classOf(character));
 }
 
 // Lines

@@ -92,5 +92,5 @@ private:
     LastLine m_last;
 };
 
-/// What a character is to words: blank (0), punctuation (1), of a word (2), or of a script or kind that makes words of its own.
+/// The class of a character as words have it (VimCharacters::Class), blank for a break.
 [[nodiscard]] int vimWordClass(char32_t character);
