@@ -19,6 +19,8 @@
 #include "Settings/DefaultsStore.h"
 #include "Settings/Preferences.h"
 #include "View/FirstResponder.h"
+#include "Vim/VimConfiguration.h"
+#include "Vim/VimHistory.h"
 #include "Vim/VimRegisters.h"
 #include "Widgets/AlertPresenter.h"
 
@@ -67,10 +69,13 @@ public:
     ClosedTabs closedTabs{notifications, preferences, documents, session};
     FindState find;
     VimRegisters registers{pasteboard, preferences};
+    VimHistory vimHistory;
+    VimConfiguration vimConfiguration{preferences};
     ForeignKeyboard keyboard;
     RecordingDesktop desktop;
     RecentDocuments recent{QString(), workers};
-    AppDelegate application{{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers, keyboard},
+    AppDelegate application{{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers, keyboard,
+                              nullptr, nullptr, nullptr, &vimHistory, &vimConfiguration},
                              defaults,
                              desktop,
                              session,
