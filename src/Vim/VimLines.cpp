@@ -32,25 +32,35 @@ int vimWordClass(char32_t character)
 
 // Lines
 
-qsizetype VimLines::start(qsizetype place) const
+const VimLines::Line &VimLines::line(qsizetype place) const
 {
     const qsizetype length = m_text.length();
+    const bool isKept = m_line && place >= m_line->start && (place < m_line->next || (place == m_line->end && m_line->end == m_line->next));
+    if (isKept) {
+        return *m_line;
+    }
     if (length == 0) {
-        return 0;
+        return m_line.emplace(Line{0, 0, 0});
     }
     const bool hasBreak = m_last == LastLine::hasText && isBreak(m_text.at(length - 1));
-    return m_text.lineStart(std::clamp<qsizetype>(place, 0, hasBreak ? length - 1 : length));
+    const TextRange range = m_text.lineRange(std::clamp<qsizetype>(place, 0, hasBreak ? length - 1 : length));
+    const qsizetype end = range.location >= length ? range.location : std::max(m_text.lineContentEnd(range.location), range.location);
+    return m_line.emplace(Line{range.location, end, range.end()});
+}
+
+qsizetype VimLines::start(qsizetype place) const
+{
+    return line(place).start;
 }
 
 qsizetype VimLines::end(qsizetype place) const
 {
-    const qsizetype first = start(place);
-    return first >= m_text.length() ? first : std::max(m_text.lineContentEnd(first), first);
+    return line(place).end;
 }
 
 qsizetype VimLines::next(qsizetype place) const
 {
-    return m_text.lineRange(start(place)).end();
+    return line(place).next;
 }
 
 qsizetype VimLines::startNear(qsizetype place, qsizetype lines) const

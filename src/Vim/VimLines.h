@@ -87,9 +87,18 @@ public:
     bool backwardOverEnds(qsizetype &place) const;
 
 private:
+    struct Line {
+        qsizetype start;
+        qsizetype end;
+        qsizetype next;
+    };
+    /// That of the last question is kept: questions about one line follow each other, and to find its ends may cost a walk through it.
+    [[nodiscard]] const Line &line(qsizetype place) const;
+
     VimBuffer &m_text;
     int m_tabWidth;
     LastLine m_last;
+    mutable std::optional<Line> m_line;
 };
 
 /// The class of a character as words have it (VimCharacters::Class), blank for a break.
