@@ -375,7 +375,7 @@ void EditorViewController::applyVimMode()
         m_vim = std::make_unique<EditorVim>(
             *m_textView,
             EditorVim::Services{commandServices(), m_services.registers, m_services.keyboard, m_services.vimHistory,
-                                m_services.vimConfiguration, [this] { return historyKept(); }},
+                                m_services.vimConfiguration, [this] { return historyKept(); }, [this] { return m_document->path(); }},
             options,
             EditorVim::Callbacks{
                 .stateChanged = [this] { emit stateChanged(); },

@@ -81,7 +81,8 @@ EditorVim::EditorVim(EditorTextView &view, const Services &services, const VimOp
     : m_view(view), m_keyboard(services.keyboard), m_workers(services.commands.workers), m_callbacks(std::move(callbacks)),
       m_beep(services.commands.beep), m_engine(new VimEngine(*this, *this, services.registers, options)), m_search(view, services.commands),
       m_preview(view, services.commands.workers), m_substitution(view),
-      m_panel(std::make_unique<PendingKeysPanel>(view, services.commands.scheduler)), m_scheduler(services.commands.scheduler)
+      m_panel(std::make_unique<PendingKeysPanel>(view, services.commands.scheduler)), m_filePath(services.filePath),
+      m_scheduler(services.commands.scheduler)
 {
     m_engine->setConfiguration(services.configuration);
     m_revision = m_view.storage().revision();

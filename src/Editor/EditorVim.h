@@ -47,6 +47,7 @@ public:
         VimConfiguration *configuration = nullptr;
         /// Of what is typed for this text.
         std::function<VimHistory::Kept()> historyKept = {};
+        std::function<QString()> filePath = {};
     };
 
     /// `view` must outlive it.
@@ -108,6 +109,7 @@ private:
     void seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive) override;
     void showIndicator(TextRange range) override;
     [[nodiscard]] Indentation indentation() const override;
+    [[nodiscard]] QString filePath() const override { return m_filePath ? m_filePath() : QString(); }
     void toggleComment() override;
     void setCaretLook(VimCaret look) override;
     void perform(const Action &action) override;
@@ -141,6 +143,7 @@ private:
     };
     /// To be done when the engine is done with the key.
     std::vector<EnteredAction> m_enteredActions;
+    std::function<QString()> m_filePath;
     Scheduler &m_scheduler;
     DelayedTask m_mappingTimeout;
     QString m_preedit;

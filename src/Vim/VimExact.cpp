@@ -185,7 +185,7 @@ bool VimEngine::Repeating::run(const QString &keys)
     }
     bool isDone = true;
     while (isDone && m_queuePlace < m_queue.size()) {
-        if (++m_keysRun > mostKeys) {
+        if (++m_keysRun > m_engine.m_options.mostKeys) {
             m_engine.m_delegate.vimEngineSays(m_engine, localized(u"Stopped: these keys would go on without an end"));
             isDone = false;
             break;
@@ -322,6 +322,9 @@ VimRegisterContents VimEngine::Exact::contents(std::optional<char16_t> name) con
     }
     if (name == u'/') {
         return {.text = Rope(engine.m_lastSearch ? engine.m_lastSearch->pattern : QString())};
+    }
+    if (name == u'%') {
+        return {.text = Rope(engine.m_view.filePath())};
     }
     return name == u'_' ? VimRegisterContents() : engine.m_registers.contents(name == u'"' ? std::nullopt : name);
 }

@@ -91,9 +91,6 @@ private:
         /// What was typed in insert mode.
         std::optional<QString> script;
     };
-    /// Keys that one press may come to; more are a macro that goes round.
-    static constexpr qsizetype mostKeys = 2'000'000;
-
     QString m_keys;
     std::optional<Redo> m_redo;
     bool m_isReplaying = false;

@@ -22,6 +22,7 @@ void VimEngine::Commanding::run(const QString &typed)
     const bool isDone = VimExLine(*this, *m_engine.m_configuration).run(typed);
     VimOptions options = m_engine.m_configuration->options();
     options.longestLine = m_engine.m_options.longestLine;
+    options.mostKeys = m_engine.m_options.mostKeys;
     options.isExact = true; // where it was switched off, whoever has the engine does that later
     m_engine.configure(options);
     if (!isDone) {

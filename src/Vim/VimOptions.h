@@ -32,6 +32,8 @@ struct VimOptions {
     int scrollOffset = 0;
     /// Milliseconds that the next key of a user's mapping may take.
     int mappingTimeout = 1000;
+    /// That one press may come to; more are a macro that goes round.
+    qsizetype mostKeys = 1'000'000;
     /// Of the user; null for none.
     std::shared_ptr<const VimMappings> mappings = nullptr;
 

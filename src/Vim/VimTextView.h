@@ -62,6 +62,8 @@ public:
     virtual void showIndicator(TextRange range) = 0;
 
     [[nodiscard]] virtual Indentation indentation() const = 0;
+    /// Of the file that the text is of; empty for none.
+    [[nodiscard]] virtual QString filePath() const = 0;
     virtual void toggleComment() = 0;
     virtual void setCaretLook(VimCaret look) = 0;
     /// Up the responder chain.

@@ -153,6 +153,7 @@ public:
     }
     void showIndicator(TextRange range) override { indicator = range; }
     [[nodiscard]] Indentation indentation() const override { return indent; }
+    [[nodiscard]] QString filePath() const override { return QStringLiteral("/folder/file"); }
     void toggleComment() override
     {
         actions << QStringLiteral("toggleComment");

@@ -1,0 +1,124 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// What exact modal editing does that Vim cannot be asked about; all else is in the corpus of its answers.
+
+#include "VimFixture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+VimOptions exact(VimKeymapPreset preset = VimKeymapPreset::plain)
+{
+    VimOptions options(preset);
+    options.isExact = true;
+    return options;
+}
+
+} // namespace
+
+TEST(VimExact, CountsGraphemes)
+{
+    VimView view(u"\U0001F469\u200D\U0001F680\U0001F44D\U0001F3FDe\u0301abc\n"_s, exact());
+    view.press(u"3x"_s);
+    EXPECT_EQ(view.string(), u"abc\n"_s);
+    view.press(u"u2l2rz"_s);
+    EXPECT_EQ(view.string(), u"\U0001F469\u200D\U0001F680\U0001F44D\U0001F3FDzzbc\n"_s);
+}
+
+TEST(VimExact, HasTheRegistersOfItsSurroundings)
+{
+    VimView view(u"ab\n"_s, exact());
+    view.press(u"\"%P"_s);
+    EXPECT_EQ(view.string(), u"/folder/fileab\n"_s);
+    view.pasteboard.setText(u"pasted"_s);
+    view.press(u"0D\"+p"_s);
+    EXPECT_EQ(view.string(), u"pasted\n"_s);
+    view.press(u"\"+yiw\"_dd"_s);
+    EXPECT_EQ(view.pasteboard.text(), u"pasted"_s);
+}
+
+TEST(VimExact, EndsKeysThatWouldGoOnForever)
+{
+    VimOptions options = exact();
+    options.mostKeys = 2000;
+    VimView view(u"a\nb\n"_s, options);
+    view.press(u"qaihop<Esc>@aq@a"_s);
+    EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
+    EXPECT_EQ(view.messages.size(), 1) << view.messages.join(u'|').toStdString();
+    view.messages.clear();
+    view.press(u":nmap x xx<CR>x"_s);
+    EXPECT_EQ(view.messages.size(), 1);
+    EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
+    view.messages.clear();
+    view.press(u"yy999999999p"_s);
+    EXPECT_EQ(view.messages.size(), 1);
+}
+
+TEST(VimExact, GivesKeysBackWhenAMappingIsNotTyped)
+{
+    VimView view(u"ab\n"_s, exact());
+    view.press(u":imap jk <lt>Esc><CR>ij"_s);
+    EXPECT_EQ(view.string(), u"ab\n"_s);
+    EXPECT_TRUE(view.engine.awaitsMapping());
+    view.engine.expireMapping();
+    EXPECT_EQ(view.string(), u"jab\n"_s);
+    view.press(u"jjkx"_s);
+    EXPECT_EQ(view.string(), u"jab\n"_s);
+    EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
+}
+
+TEST(VimExact, HasTheKeysOfThePresetToo)
+{
+    VimView view(u"a\nb\nc\nd\n"_s, exact(VimKeymapPreset::lazyVim));
+    view.press(u"gcj2j."_s);
+    EXPECT_EQ(view.string(), u"// a\n// b\n// c\n// d\n"_s);
+    view.press(u"gg3gccHL"_s);
+    EXPECT_EQ(view.string(), u"a\nb\nc\n// d\n"_s);
+    EXPECT_EQ(view.actions.mid(view.actions.size() - 2), QStringList({u"selectPreviousTab:"_s, u"selectNextTab:"_s}));
+}
+
+TEST(VimExact, AsksBeforeEachHitInOneStep)
+{
+    VimView view(u"a a a a\n"_s, exact());
+    view.press(u":s/a/b/gc<CR>"_s);
+    EXPECT_EQ(view.indicator, (TextRange{0, 1}));
+    view.press(u"ynl"_s);
+    EXPECT_EQ(view.string(), u"b a b a\n"_s);
+    view.press(u"u"_s);
+    EXPECT_EQ(view.string(), u"a a a a\n"_s);
+    view.press(u":s/a/b/gc<CR>y<Esc>x"_s);
+    EXPECT_EQ(view.string(), u"b  a a\n"_s) << "the caret is left on the hit that was asked about";
+}
+
+TEST(VimExact, GoesOnWithWhatOthersSelect)
+{
+    VimView view(u"one two three\n"_s, exact());
+    view.select({4, 3}, 6);
+    view.engine.takeSelection({4, 7});
+    EXPECT_EQ(view.engine.mode(), VimEngine::Mode::visual);
+    view.press(u"d"_s);
+    EXPECT_EQ(view.string(), u"one  three\n"_s);
+    view.press(u"<C-v>l"_s);
+    view.select({2, 0}, 2);
+    view.engine.takeSelection({2, 2});
+    EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
+    view.press(u"x"_s);
+    EXPECT_EQ(view.string(), u"on  three\n"_s);
+}
+
+TEST(VimExact, IsSwitchedOnAndOff)
+{
+    VimView view(u"one two\n"_s, VimOptions(VimKeymapPreset::plain));
+    view.press(u"cwx"_s);
+    view.engine.configure(exact());
+    EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
+    view.press(u"0cwy<Esc>"_s);
+    view.press(u"<C-v>"_s);
+    EXPECT_EQ(view.engine.mode(), VimEngine::Mode::visualBlock);
+    view.engine.configure(VimOptions(VimKeymapPreset::plain));
+    EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
+    view.press(u"<C-v>"_s);
+    EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
+}
