@@ -50,11 +50,23 @@ std::vector<VimBlock::Row> VimBlock::rows(const VimLines &lines) const
     }
 }
 
+qsizetype VimBlock::widthToEnds(const VimLines &lines) const
+{
+    qsizetype behind = left;
+    for (qsizetype line = firstLine;; line = lines.next(line)) {
+        behind = std::max(behind, lines.cells(lines.end(line)).first);
+        if (line >= lastLine || lines.isLast(line)) {
+            return behind - left;
+        }
+    }
+}
+
 QStringList VimBlock::text(const VimLines &lines) const
 {
     QStringList all;
+    const qsizetype missing = goesToEnds() ? widthToEnds(lines) + 1 : width();
     for (const Row &row : rows(lines)) {
-        QString text = row.isShort && !goesToEnds() ? QString(width(), u' ') : QString();
+        QString text = row.isShort ? QString(missing, u' ') : QString();
         const bool hasPart = row.cellsBefore > 0 || row.cellsBehind > 0;
         qsizetype cell = left - row.cellsBefore;
         for (qsizetype place = row.range.location; place < row.range.end(); place = lines.after(place)) {

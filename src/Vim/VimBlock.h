@@ -33,6 +33,8 @@ struct VimBlock {
     [[nodiscard]] static VimBlock between(const VimLines &lines, qsizetype anchor, qsizetype head, bool toEnds);
     [[nodiscard]] bool goesToEnds() const { return right >= VimLines::endless; }
     [[nodiscard]] qsizetype width() const { return right - left + 1; }
+    /// To the end of its longest line.
+    [[nodiscard]] qsizetype widthToEnds(const VimLines &lines) const;
     [[nodiscard]] Row row(const VimLines &lines, qsizetype line) const;
     [[nodiscard]] std::vector<Row> rows(const VimLines &lines) const;
     /// What stands in it, with blanks for parts of tabs and for lines that end before it; none for what lines lack at its right side.

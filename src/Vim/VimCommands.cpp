@@ -5,6 +5,7 @@
 
 #include "Commands/Actions.h"
 #include "Text/TextBoundaries.h"
+#include "Vim/VimExact.h"
 #include "Vim/VimKeyTable.h"
 #include "Vim/VimParts.h"
 
@@ -50,6 +51,9 @@ bool endsWithBreak(const Rope &text)
 
 bool VimEngine::edit(const TextEdits &edits)
 {
+    if (m_exact) {
+        m_exact->operating.noteCaret(m_view.selectedRange().location);
+    }
     const bool isDone = !edits.isEmpty() && m_view.apply(edits);
     m_changedBuffer = m_changedBuffer || isDone;
     return isDone;

@@ -190,6 +190,10 @@ void VimEngine::handleStroke(const VimKeyStroke &stroke, QStringView key)
     } else if (stands->place == KeyPlace::withControl) {
         handleControl(stands->standsFor);
     } else {
+        if (m_exact && stands->standsFor == u'0') {
+            m_countBuffer.clear(); // it is no digit
+            m_operatorCountBuffer.clear();
+        }
         handleNormal(QStringView(&stands->standsFor, 1));
     }
 }
@@ -230,7 +234,13 @@ void VimEngine::handleControl(char16_t key)
         m_exact->repeating.note(VimKeys::text({.characters = {}, .charactersIgnoringModifiers = QString(QChar(key)), .control = true}));
         const auto awaited = std::exchange(m_awaiting, std::nullopt);
         const bool isAfterG = awaited && awaited->what == Awaiting::gPrefix;
-        if (awaited && !isAfterG) {
+        if (awaited && awaited->what == Awaiting::replaceCharacter && key >= u'a' && key <= u'z' && key != u'c') {
+            if (key == u'v' || key == u'q') {
+                m_awaiting = awaited; // whatever comes is literal
+            } else {
+                complete(*awaited, QString(QChar(char16_t(key - u'`'))));
+            }
+        } else if (awaited && !isAfterG) {
             resetPending();
         } else if (!takeKey(isAfterG ? KeyPlace::withGAndControl : KeyPlace::withControl, key)) {
             resetPending();

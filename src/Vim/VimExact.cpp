@@ -17,9 +17,10 @@ VimEngine::ExactPart::ExactPart(Exact &exact) : m_engine(exact.engine), m_exact(
 
 VimEngine::ExactPart::Sight VimEngine::ExactPart::see() const
 {
-    const bool isInserting = m_engine.m_mode == Mode::insert;
+    // Text may be typed behind the last break wherever somebody put the caret.
+    const bool isBehindAll = m_engine.m_mode == Mode::insert && m_engine.m_view.selectedRange().location == text().length();
     return Sight(text(), m_engine.m_view.indentation().tabWidth(),
-                 isInserting ? VimLines::LastLine::mayBeEmpty : VimLines::LastLine::hasText);
+                 isBehindAll || m_exact.isUnterminated() ? VimLines::LastLine::mayBeEmpty : VimLines::LastLine::hasText);
 }
 
 const Rope &VimEngine::ExactPart::text() const
@@ -260,6 +261,15 @@ void VimEngine::Repeating::runMacro(char16_t name)
 
 // All of it
 
+namespace {
+
+bool endsWithBreak(const Rope &text)
+{
+    return !text.isEmpty() && isBreak(text.at(text.length() - 1));
+}
+
+} // namespace
+
 VimEngine::Exact::Exact(VimEngine &owner) : engine(owner) {}
 
 void VimEngine::Exact::escape()
@@ -283,7 +293,7 @@ void VimEngine::Exact::escape()
 QString VimEngine::Exact::linesToCommand()
 {
     if (engine.isVisual()) {
-        selecting.leave();
+        selecting.leaveAtStart();
         return u"'<,'>"_s;
     }
     const qsizetype count = engine.effectiveCount();
@@ -305,6 +315,15 @@ void VimEngine::Exact::enterCommandLine(const VimCommandLine &line)
 
 void VimEngine::Exact::followChange(const TextChange &change)
 {
+    const auto isOpen = [](const Rope &text) { return !text.isEmpty() && !endsWithBreak(text); };
+    m_isUnterminated = m_isUnterminated || isOpen(change.before) || isOpen(change.after);
+    if (!endsWithBreak(change.after)) {
+        // It is so, or there is no line at all.
+    } else if (!engine.isBusy() && engine.m_mode != Mode::insert) {
+        m_isUnterminated = false;
+    } else if (change.before.isEmpty()) {
+        m_isUnterminated = !operating.isUndoing();
+    }
     marks.follow(change);
     jumps.follow(change);
     changes.follow(change);

@@ -141,6 +141,8 @@ public:
     void awaitLiteral();
     [[nodiscard]] bool isReplacing() const { return m_kind == Kind::replace; }
     [[nodiscard]] const QString &lastInserted() const { return m_lastInserted; }
+    void setLastInserted(const QString &text) { m_lastInserted = text; }
+    void insertTab();
     /// After a command of normal mode that was to be the only one.
     void comeBack();
     [[nodiscard]] bool comesBack() const { return m_comesBack; }
@@ -153,6 +155,8 @@ private:
     void takeLiteral(const VimKeyEvent &event);
     [[nodiscard]] static QString characterOf(const QString &code, int base);
     void putLiteral(const QString &text);
+    void put(const QString &text);
+    void restoreReplaced(VimDeletion what);
     void move(char16_t key);
     void finishReplay();
     void overwrite(const QString &text);
@@ -175,7 +179,9 @@ private:
     bool m_hasGivenIndentation = false;
     bool m_isRepeating = false;
     bool m_comesBack = false;
-    bool m_returnsBehind = false;
+    Kind m_returnsTo = Kind::insert;
+    /// The line, from 0, behind which the caret was.
+    std::optional<qsizetype> m_returnsBehind;
 };
 
 /// Operators and the other commands that change the text.
@@ -195,6 +201,8 @@ public:
         /// How often lines are shifted.
         qsizetype amount = 1;
         bool isVisual = false;
+        /// Changing it takes even nothing into registers.
+        bool isInclusive = false;
     };
 
     /// The caret goes there, or the operator that waits has its text.
@@ -223,7 +231,13 @@ public:
     void keep(const VimRegisterContents &contents, VimRegisters::Taken taken);
     void keepRange(TextRange range, Span span, VimRegisters::Taken taken);
     void followChange(const TextChange &change);
+    [[nodiscard]] bool isUndoing() const { return m_isUndoing; }
+    void noteCaret(qsizetype place) { m_caretBefore = place; }
+    /// There is no line any more that could be as it was before.
+    void forgetLine() { m_lineBefore.reset(); }
     [[nodiscard]] QString blanks(qsizetype cells) const;
+    /// The places of `[` and `]`.
+    void setChangeMarks(qsizetype first, qsizetype last);
     void pasteText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
 
 private:
@@ -234,6 +248,7 @@ private:
     void format(const Region &region, bool keepsCaret);
     void pasteBlock(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
     void showUndone(std::optional<qsizetype> before);
+    void shiftBlock(OperatorKind kind, const VimBlock &block);
 
     std::optional<Mode> m_forced;
     /// Where the caret was before an object was taken.
@@ -242,12 +257,15 @@ private:
     std::optional<qsizetype> m_firstChanged;
     /// Line and column, units, of the caret before what was undone, for redoing it.
     std::vector<std::pair<qsizetype, qsizetype>> m_caretsBefore;
+    /// As it was before the changes in it; the number counts from 0, the text has no break.
     struct LineBefore {
-        qsizetype line = 0;
+        qsizetype number = 0;
         QString text;
         qsizetype column = 0;
     };
     std::optional<LineBefore> m_lineBefore;
+    /// Where the caret is while a command changes the text.
+    std::optional<qsizetype> m_caretBefore;
     bool m_isUndoing = false;
 };
 
@@ -261,6 +279,8 @@ public:
     /// Moves the end that moves.
     void select(qsizetype head);
     void leave();
+    /// As an operator does it.
+    void leaveAtStart();
     void again();
     void otherEnd(bool isInRow);
     void selectHit(SearchDirection direction);
@@ -290,6 +310,7 @@ private:
         bool isEndless = false;
     };
     [[nodiscard]] Operating::Region region() const;
+    [[nodiscard]] qsizetype placeToInsert(const VimLines &lines, Side side) const;
     void endAt(qsizetype place);
     void removeEmptyLast();
 
@@ -316,8 +337,9 @@ public:
     void search(const QString &typed, SearchDirection direction);
     void searchAgain(bool isReversed);
     void searchWord(SearchDirection direction, bool isWhole);
-    /// From where it is left by a jump.
-    void rememberJump();
+    /// From where it is left by a jump; the mark of it stays where it was when nobody moves.
+    enum class Moving { stays, goes };
+    void rememberJump(Moving moving);
 
 private:
     /// Where a search leads from a place in a text, if it does within so many units.
@@ -393,6 +415,9 @@ public:
     /// What `~` stands for in a pattern.
     [[nodiscard]] std::optional<QString> lastSubstitute() const { return commanding.lastReplacement(); }
     [[nodiscard]] VimRegisterContents contents(std::optional<char16_t> name) const;
+    /// The line that ends with the last break is the last one again.
+    void terminate() { m_isUnterminated = false; }
+    [[nodiscard]] bool isUnterminated() const { return m_isUnterminated; }
 
     VimEngine &engine;
     VimMarks marks;
@@ -410,4 +435,8 @@ public:
     Selecting selecting{*this};
     Going going{*this};
     Commanding commanding{*this};
+
+private:
+    /// The last line has no break, so that there is a line behind the last break even where it is empty.
+    bool m_isUnterminated = false;
 };

@@ -138,9 +138,11 @@ void VimEngine::Going::reveal(std::optional<VimTextView::Edge> edge, bool toFirs
 
 // Marks and lists of places
 
-void VimEngine::Going::rememberJump()
+void VimEngine::Going::rememberJump(Moving moving)
 {
-    m_exact.marks.set(u'\'', caret());
+    if (moving == Moving::goes) {
+        m_exact.marks.set(u'\'', caret());
+    }
     m_exact.jumps.add(caret(), text());
 }
 
@@ -186,7 +188,7 @@ void VimEngine::Going::setMark(char16_t name)
 
 void VimEngine::Going::jump(bool isOlder, qsizetype count)
 {
-    const auto place = isOlder ? m_exact.jumps.older(count, caret(), text()) : m_exact.jumps.newer(count);
+    const auto place = isOlder ? m_exact.jumps.older(count, caret(), text()) : m_exact.jumps.newer(count, text());
     if (!place) {
         fail();
         return;
@@ -199,7 +201,8 @@ void VimEngine::Going::jump(bool isOlder, qsizetype count)
 void VimEngine::Going::toChange(bool isOlder, qsizetype count)
 {
     const bool isBehindAll = m_exact.changes.position() >= m_exact.changes.places().size();
-    const auto place = isOlder || isBehindAll ? m_exact.changes.older(isOlder ? count : 1, caret(), text()) : m_exact.changes.newer(count);
+    const auto place =
+        isOlder || isBehindAll ? m_exact.changes.older(isOlder ? count : 1, caret(), text()) : m_exact.changes.newer(count, text());
     if (!place) {
         fail();
         return;
@@ -260,10 +263,15 @@ void VimEngine::Going::searchWord(SearchDirection direction, bool isWhole)
     }
     qsizetype start = caret();
     {
-        // The word itself is no hit.
+        // The word itself is no hit, nor is one that lies on.
         const Sight sight = see();
         const VimLines &lines = sight.lines;
         const auto classAt = [&](qsizetype at) { return lines.isAtEnd(at) ? 0 : vimWordClass(lines.codePoint(at)); };
+        qsizetype word = start;
+        while (!lines.isAtEnd(word) && classAt(word) < 2) {
+            word = lines.after(word);
+        }
+        start = lines.isAtEnd(word) ? start : word;
         const int kind = classAt(start);
         while (kind >= 2 && start > lines.start(start) && classAt(lines.before(start)) == kind) {
             start = lines.before(start);

@@ -25,6 +25,8 @@ bool isMove(char16_t key)
 constexpr char16_t deleteLetterKey = 0x08;
 constexpr char16_t deleteWordKey = 0x17;
 constexpr char16_t deleteLineKey = 0x15;
+/// What follows is put into the text whatever it is.
+constexpr char16_t literalKey = 0x16;
 
 /// Nothing but what types itself.
 bool isText(const QString &script)
@@ -145,6 +147,7 @@ void VimEngine::Inserting::openLine(Side side, qsizetype count)
     const qsizetype place = side == Side::after ? sight.lines.end(from) : sight.lines.start(from);
     // A text without a break at its end goes on without one.
     edit({place, 0}, side == Side::after ? u'\n' + indentation : indentation + u'\n');
+    m_exact.operating.forgetLine();
     setCaret(place + indentation.size() + (side == Side::after ? 1 : 0));
     m_start = caret();
     m_hasGivenIndentation = !indentation.isEmpty();
@@ -230,7 +233,11 @@ void VimEngine::Inserting::takeLiteral(const VimKeyEvent &event)
     }
     if (const QString code = std::exchange(m_literal, {}); !code.isEmpty()) {
         // The code is over; this key is another.
-        putLiteral(code.size() == 1 && row.prefix != 0 ? code : characterOf(code, row.base));
+        if (code.size() == 1 && row.prefix != 0) {
+            putLiteral(key); // there is no code
+            return;
+        }
+        putLiteral(characterOf(code, row.base));
         if (!m_engine.handleKey(event) && !event.characters.isEmpty()) {
             m_engine.m_view.insertText(event.characters);
         }
@@ -248,8 +255,33 @@ QString VimEngine::Inserting::characterOf(const QString &code, int base)
 
 void VimEngine::Inserting::putLiteral(const QString &text)
 {
-    noteTyped(text);
-    m_engine.m_view.putText(text);
+    const bool isCommand = text.size() == 1 && (text.front() < u' ' || text.front() == QChar(VimKey::backspace));
+    noteTyped(isCommand ? QChar(literalKey) + text : text);
+    put(text);
+}
+
+/// What was noted already.
+void VimEngine::Inserting::put(const QString &text)
+{
+    if (m_kind == Kind::replace) {
+        const bool isRepeating = std::exchange(m_isRepeating, true);
+        overwrite(text);
+        m_isRepeating = isRepeating;
+    } else {
+        m_engine.m_view.putText(text);
+    }
+}
+
+/// As many blanks as lead to the next tab stop, where the text is indented with blanks.
+void VimEngine::Inserting::insertTab()
+{
+    QString blanks = u"\t"_s;
+    if (const Indentation indentation = m_engine.m_view.indentation(); indentation.unit == Indentation::Unit::spaces) {
+        const Sight sight = see();
+        blanks = QString(indentation.tabWidth() - sight.lines.cells(caret()).first % indentation.tabWidth(), u' ');
+    }
+    noteTyped(u"\t"_s);
+    put(blanks);
 }
 
 void VimEngine::Inserting::noteTyped(const QString &text)
@@ -298,6 +330,7 @@ void VimEngine::Inserting::newLine()
     }
     const qsizetype from = isGivenAway ? line : place;
     edit(TextRange::between(from, end), u'\n' + indentation);
+    m_exact.operating.forgetLine();
     setCaret(from + 1 + indentation.size());
     m_hasGivenIndentation = !indentation.isEmpty();
 }
@@ -359,19 +392,11 @@ void VimEngine::Inserting::deleteBefore(VimDeletion what, char16_t key)
     const Sight sight = see();
     const VimLines &lines = sight.lines;
     const qsizetype place = caret();
-    if (!m_isRepeating) {
+    if (!m_isRepeating && place > 0) {
         m_script += QChar(key);
     }
     if (m_kind == Kind::replace) {
-        if (m_replaced.empty()) {
-            setCaret(std::max<qsizetype>(place - 1, lines.start(place)));
-            return;
-        }
-        const QString before = m_replaced.back();
-        m_replaced.pop_back();
-        const qsizetype from = lines.before(place);
-        edit(TextRange::between(from, place), before);
-        setCaret(from);
+        restoreReplaced(what);
         return;
     }
     if (m_kind == Kind::block) {
@@ -410,6 +435,40 @@ void VimEngine::Inserting::deleteBefore(VimDeletion what, char16_t key)
     setCaret(from);
 }
 
+/// What was typed over comes back; before that the caret only moves.
+void VimEngine::Inserting::restoreReplaced(VimDeletion what)
+{
+    std::optional<int> word;
+    for (bool isFirst = true;; isFirst = false) {
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        const qsizetype place = caret();
+        const bool isAtStart = place == lines.start(place);
+        if (place == 0 || (!isFirst && (isAtStart || what == VimDeletion::letter))) {
+            return;
+        }
+        const qsizetype from = isAtStart ? lines.end(place - 1) : lines.before(place);
+        if (what == VimDeletion::word && !isAtStart) {
+            const int kind = vimWordClass(lines.codePoint(from));
+            if (word && kind != *word) {
+                return;
+            }
+            word = kind != 0 ? std::optional(kind) : word;
+        }
+        if (m_replaced.empty()) {
+            if (!isFirst) {
+                return;
+            }
+            setCaret(from);
+            continue;
+        }
+        const QString before = m_replaced.back();
+        m_replaced.pop_back();
+        edit(TextRange::between(from, place), before);
+        setCaret(from);
+    }
+}
+
 void VimEngine::Inserting::deleteBehind()
 {
     const Sight sight = see();
@@ -429,9 +488,31 @@ void VimEngine::Inserting::insertRegister(char16_t name)
     if (contents.text.isEmpty() || !m_engine.mayInsert(contents.text.length(), 1)) {
         return;
     }
+    // As if it was typed.
     const QString inserted = contents.text.toString();
-    noteTyped(QString(inserted).replace(u'\n', u'\r'));
-    m_engine.m_view.putText(inserted);
+    for (qsizetype from = 0; from < inserted.size();) {
+        qsizetype end = from;
+        while (end < inserted.size() && inserted[end] != u'\n' && inserted[end] != u'\t') {
+            ++end;
+        }
+        if (end > from) {
+            const QString stretch = inserted.sliced(from, end - from);
+            noteTyped(stretch);
+            if (m_kind == Kind::replace) {
+                for (qsizetype at = 0; at < stretch.size();) {
+                    const qsizetype next = TextBoundaries::nextGrapheme(Rope(stretch), at);
+                    put(stretch.sliced(at, next - at));
+                    at = next;
+                }
+            } else {
+                m_engine.m_view.putText(stretch);
+            }
+        }
+        if (end < inserted.size()) {
+            inserted[end] == u'\n' ? newLine() : insertTab();
+        }
+        from = end + 1;
+    }
 }
 
 void VimEngine::Inserting::insertLast(bool leaves)
@@ -488,15 +569,20 @@ void VimEngine::Inserting::shiftLine(OperatorKind kind, char16_t key)
 void VimEngine::Inserting::oneCommand()
 {
     const qsizetype place = caret();
-    const bool isBehind = [&] {
+    bool isBehind = false;
+    qsizetype cell = 0;
+    {
         const Sight sight = see();
-        return sight.lines.isAtEnd(place);
-    }();
+        isBehind = sight.lines.isAtEnd(place);
+        cell = sight.lines.cells(place).first;
+    }
+    const Kind kind = m_kind == Kind::replace ? Kind::replace : Kind::insert;
     m_count = 1;
     leave();
-    setCaret(place);
+    setCaret(place, isBehind ? std::optional(cell) : std::nullopt);
     m_comesBack = true;
-    m_returnsBehind = isBehind;
+    m_returnsTo = kind;
+    m_returnsBehind = isBehind ? std::optional(text().lineAt(place)) : std::nullopt;
 }
 
 void VimEngine::Inserting::comeBack()
@@ -508,7 +594,9 @@ void VimEngine::Inserting::comeBack()
     const Sight sight = see();
     const qsizetype place = caret();
     const bool isLast = place == sight.lines.last(place) && !sight.lines.isEmpty(place);
-    enter(m_returnsBehind && isLast ? sight.lines.end(place) : place);
+    const bool wasBehind = m_returnsBehind == text().lineAt(place);
+    const bool wantsMore = m_exact.column && m_exact.columnPlace == place && *m_exact.column > sight.lines.cells(place).last;
+    enter((wasBehind || wantsMore) && isLast ? sight.lines.end(place) : place, 1, m_returnsTo);
 }
 
 void VimEngine::Inserting::awaitLiteral()
@@ -556,6 +644,11 @@ void VimEngine::Inserting::breakBeforeWidth(const QString &next)
 void VimEngine::Inserting::play(const QString &script)
 {
     for (qsizetype place = 0; place < script.size();) {
+        if (script[place] == QChar(literalKey) && place + 1 < script.size()) {
+            putLiteral(script.sliced(place + 1, 1));
+            place += 2;
+            continue;
+        }
         const VimKeyEvent event = VimKeys::next(script, place);
         if (!handle(event)) {
             m_engine.m_view.insertText(event.characters);
@@ -605,14 +698,7 @@ void VimEngine::Inserting::leave()
     } else if (m_count > 1 && (m_opened || !script.isEmpty()) && m_engine.mayInsert(script.size() + 1, m_count)) {
         for (qsizetype left = m_count - 1; left > 0; --left) {
             if (m_opened) {
-                dropGivenIndentation();
-                const Sight sight = see();
-                const qsizetype from = caret();
-                const QString indentation = indentationFor(sight.lines.start(from));
-                const qsizetype place = sight.lines.end(from);
-                edit({place, 0}, u'\n' + indentation);
-                setCaret(place + 1 + indentation.size());
-                m_hasGivenIndentation = !indentation.isEmpty();
+                newLine();
             }
             play(script);
         }
@@ -620,14 +706,14 @@ void VimEngine::Inserting::leave()
     m_isRepeating = false;
     finishReplay();
     const bool endsElsewhere = m_kind == Kind::block && m_blockEnd;
+    const qsizetype typedUpTo = caret();
     if (m_kind == Kind::block) {
         const qsizetype place = m_blockEnd.value_or(caret());
         m_engine.m_view.select({place, 0}, place);
     }
     const qsizetype place = dropGivenIndentation();
-    m_exact.marks.set(u'^', place);
-    m_exact.marks.set(u'[', std::min(m_start, place));
-    m_exact.marks.set(u']', place);
+    m_exact.marks.set(u'^', endsElsewhere ? typedUpTo : place);
+    m_exact.operating.setChangeMarks(std::min(m_start, place), place);
     m_engine.m_changedBuffer = false;
     m_engine.pauseInsertSession();
     m_script.clear();

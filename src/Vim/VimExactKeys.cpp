@@ -234,7 +234,7 @@ std::span<const VimEngine::KeyRow> VimEngine::exactKeys()
          afterOpenBracket,
          visualOnly},
         {u'p', Command{[](VimEngine &engine, qsizetype count) { engine.m_exact->selecting.paste(count, false); }}, {}, afterG, visualOnly},
-        {u'P', Command{[](VimEngine &engine, qsizetype count) { engine.m_exact->selecting.paste(count, true); }}, {}, afterG, visualOnly},
+        {u'P', Command{[](VimEngine &engine, qsizetype count) { engine.m_exact->selecting.paste(count, false); }}, {}, afterG, visualOnly},
         {u'P', Command{[](VimEngine &engine, qsizetype count) { engine.m_exact->selecting.paste(count, true); }}, {}, plain, visualOnly},
 
         // Editing
@@ -387,6 +387,7 @@ std::span<const VimEngine::KeyRow> VimEngine::exactKeys()
          {editing, u"while inserting: one command of normal mode"},
          whileInserting},
         {u'v', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->inserting.awaitLiteral(); }}, {}, whileInserting},
+        {u'i', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->inserting.insertTab(); }}, {}, whileInserting},
         {u'j', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->inserting.newLine(); }}, {}, whileInserting},
         {u'm', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->inserting.newLine(); }}, {}, whileInserting},
         {u'r', Awaited{.what = Awaiting::insertedRegister}, {editing, u"while inserting: a register's text"}, whileInserting},

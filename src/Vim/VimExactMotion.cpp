@@ -260,8 +260,9 @@ Result characterBefore(const Request &request)
                 return {.place = place, .failed = done == 0 && !request.isForOperator()};
             }
             const qsizetype above = lines.start(place - 1);
-            // An operator takes the break by itself.
-            place = request.isForOperator() && !lines.isEmpty(above) ? lines.end(above) : lines.last(above);
+            // What deletes takes the break by itself.
+            const bool mayStandBehind = request.purpose != For::caret && request.purpose != For::yank;
+            place = mayStandBehind && !lines.isEmpty(above) ? lines.end(above) : lines.last(above);
         } else {
             place = lines.before(place);
         }
@@ -656,8 +657,16 @@ Result unmatched(const Request &request)
     constexpr bool isBackward = wanted == u'(' || wanted == u'{';
     constexpr char16_t open = wanted == u'(' || wanted == u')' ? u'(' : u'{';
     constexpr char16_t close = open == u'(' ? u')' : u'}';
-    const auto place =
-        enclosing(request.lines, request.caret, open, close, isBackward ? Direction::backward : Direction::forward, request.count);
+    // As far out as there are brackets, if not so many.
+    std::optional<qsizetype> place;
+    for (qsizetype left = request.count; left > 0; --left) {
+        const auto next =
+            enclosing(request.lines, place.value_or(request.caret), open, close, isBackward ? Direction::backward : Direction::forward);
+        if (!next) {
+            break;
+        }
+        place = next;
+    }
     return place ? Result{.place = *place, .kind = Kind::exclusive, .isJump = true} : Result::failure();
 }
 

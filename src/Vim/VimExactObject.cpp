@@ -414,6 +414,7 @@ std::optional<Result> bracketed(const Request &request)
     } else {
         caret = oldFrom;
     }
+    const qsizetype outermost = caret; // unless there is one around
     std::optional<qsizetype> from;
     for (qsizetype left = request.count; left > 0; --left) {
         from = opening(caret);
@@ -423,13 +424,15 @@ std::optional<Result> bracketed(const Request &request)
         caret = *from;
     }
     auto to = from ? closing(*from) : std::nullopt;
-    if (!to && !request.isSelecting() && request.count == 1) {
+    if (!from && caret == outermost) {
         // The next one, then.
-        qsizetype place = request.caret;
-        while (place < lines.text().length() && lines.at(place) != open) {
-            ++place;
+        for (qsizetype left = request.count; left > 0; --left) {
+            from = VimExactMotion::enclosing(lines, caret, close, open, Direction::forward);
+            if (!from) {
+                break;
+            }
+            caret = *from;
         }
-        from = place == lines.text().length() ? std::nullopt : std::optional(place);
         to = from ? closing(*from) : std::nullopt;
     }
     if (!to) {
@@ -463,6 +466,9 @@ std::optional<Result> bracketed(const Request &request)
         }
         start = *from;
         last = *to;
+    }
+    if (request.isVisual && start > last) {
+        return std::nullopt;
     }
     if (request.isVisual) {
         if (isAtLineStart && !lines.isAtEnd(last)) {

@@ -71,8 +71,8 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
         return;
     }
     if (!m_engine.m_pendingOperator) {
-        if (result.isJump && result.place != caret()) {
-            m_exact.going.rememberJump();
+        if (result.isJump) {
+            m_exact.going.rememberJump(result.place == caret() ? Going::Moving::stays : Going::Moving::goes);
         }
         setCaret(result.place, result.column);
         finish();
@@ -81,6 +81,10 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
     const OperatorKind kind = *m_engine.m_pendingOperator;
     const Sight sight = see();
     const VimLines &lines = sight.lines;
+    if (result.isJump) {
+        // What begins at the caret leaves it there.
+        m_exact.going.rememberJump(result.place < caret() ? Going::Moving::goes : Going::Moving::stays);
+    }
     qsizetype low = std::min(caret(), result.place);
     qsizetype high = std::max(caret(), result.place);
     if (result.isWordMotion && !forced && lines.start(high) != lines.start(low) && isInIndentation(lines, high)) {
@@ -122,7 +126,11 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
         apply(kind, {.range = lines.lines(low, high), .span = Span::lines, .start = start, .isOfLines = true});
         return;
     }
-    apply(kind, {.range = TextRange::between(low, end), .start = start, .isOfLines = isOfLines && end > low, .isLarge = result.isLarge});
+    apply(kind, {.range = TextRange::between(low, end),
+                 .start = start,
+                 .isOfLines = isOfLines && end > low,
+                 .isLarge = result.isLarge,
+                 .isInclusive = isInclusive});
 }
 
 void VimEngine::Operating::takeObject(VimTextObject::Extent extent, char16_t key)
@@ -171,10 +179,15 @@ void VimEngine::Operating::keepRange(TextRange range, Span span, VimRegisters::T
     keep({.text = kept, .isLinewise = span == Span::lines}, taken);
 }
 
+void VimEngine::Operating::setChangeMarks(qsizetype first, qsizetype last)
+{
+    m_exact.marks.set(u'[', first);
+    m_exact.marks.set(u']', std::max(last, first));
+}
+
 void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
 {
-    m_exact.marks.set(u'[', region.range.location);
-    m_exact.marks.set(u']', std::max(region.range.end() - 1, region.range.location));
+    setChangeMarks(region.range.location, region.range.end() - 1);
     if (kind != OperatorKind::formatInPlace) {
         m_engine.m_view.select({region.start, 0}, region.start); // where undoing it leads back to
     }
@@ -199,6 +212,10 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
     case OperatorKind::toggleCase:
     case OperatorKind::rotate:
         changeCase(region.range, kind);
+        if (region.span == Span::lines) {
+            const Sight sight = see();
+            setChangeMarks(region.range.location, sight.lines.last(std::max(region.range.end() - 1, region.range.location)));
+        }
         setCaret(region.start);
         break;
     case OperatorKind::toggleComment:
@@ -215,13 +232,14 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
 void VimEngine::Operating::remove(const Region &region)
 {
     using enum VimRegisters::Taken;
-    if (region.range.isEmpty() && region.span == Span::characters) {
+    if (text().isEmpty() || (region.range.isEmpty() && region.span == Span::characters)) {
         setCaret(region.range.location);
         return;
     }
     keepRange(region.range, region.span, region.isOfLines ? removedLines : region.isLarge ? removedFar : removedPart);
     if (region.span == Span::characters) {
         edit(region.range, {});
+        setChangeMarks(region.range.location, region.range.location);
         setCaret(region.range.location);
         return;
     }
@@ -231,8 +249,12 @@ void VimEngine::Operating::remove(const Region &region)
         range = sight.lines.removable(range);
     }
     edit(range, {});
+    forgetLine();
     const Sight sight = see();
-    setCaret(sight.lines.firstNonBlank(std::min(region.range.location, sight.lines.lastStart())));
+    const qsizetype line = std::min(region.range.location, sight.lines.lastStart());
+    const qsizetype place = std::min(line + std::max<qsizetype>(region.start - region.range.location, 0), sight.lines.end(line));
+    setChangeMarks(place, place);
+    setCaret(sight.lines.firstNonBlank(line));
 }
 
 void VimEngine::Operating::change(const Region &region)
@@ -242,8 +264,13 @@ void VimEngine::Operating::change(const Region &region)
     TextRange range = region.range;
     bool isGiven = false;
     if (region.span == Span::lines) {
-        keepRange(range, Span::lines, removedLines);
+        if (!text().isEmpty()) {
+            keepRange(range, Span::lines, removedLines);
+        }
         const Sight sight = see();
+        if (sight.lines.start(range.location) != sight.lines.start(std::max(range.end() - 1, range.location))) {
+            forgetLine();
+        }
         qsizetype from = range.location;
         const qsizetype first = sight.lines.end(from);
         while (from < first && isSpaceOrTab(sight.lines.at(from))) {
@@ -251,7 +278,7 @@ void VimEngine::Operating::change(const Region &region)
         }
         isGiven = from > range.location;
         range = TextRange::between(from, sight.lines.end(std::max(range.end() - 1, range.location)));
-    } else if (!range.isEmpty()) {
+    } else if (!text().isEmpty() && (!range.isEmpty() || region.isInclusive)) {
         keepRange(range, Span::characters, region.isOfLines ? removedLines : region.isLarge ? removedFar : removedPart);
     }
     if (!range.isEmpty()) {
@@ -298,8 +325,11 @@ void VimEngine::Operating::shift(const Region &region, OperatorKind kind)
         }
     }
     const qsizetype line = region.range.location;
+    const qsizetype before = text().length();
     edit(edits);
     const Sight sight = see();
+    const qsizetype behind = region.range.end() + text().length() - before;
+    setChangeMarks(std::min(region.start, sight.lines.end(line)), sight.lines.last(std::max(behind - 1, line)));
     setCaret(sight.lines.firstNonBlank(line));
 }
 
@@ -329,7 +359,7 @@ void VimEngine::Operating::format(const Region &region, bool keepsCaret)
         range = sight.lines.lines(region.range.location, std::max(region.range.end() - 1, region.range.location));
         const VimOptions &options = m_engine.m_options;
         const int width = options.textWidth > 0 ? options.textWidth : options.longestLine;
-        filled = VimFormatting::filled(sight.lines, range, width > 0 ? width : 79);
+        filled = VimFormatting::filled(sight.lines, range, width > 0 ? width : 79, [this](qsizetype cells) { return blanks(cells); });
     }
     if (text().toString(range) != filled) {
         edit(range, filled);
@@ -354,22 +384,19 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
         const VimLines &lines = sight.lines;
         const std::vector<VimBlock::Row> rows = block.rows(lines);
         start = rows.front().range.location;
-        if (kind == OperatorKind::remove || kind == OperatorKind::change || kind == OperatorKind::yank) {
-            QStringList kept = block.text(lines);
-            qsizetype width = 0;
-            for (const QString &row : kept) {
-                const Rope rope(row);
-                VimBuffer buffer(rope);
-                width = std::max(width, VimLines(buffer, lines.tabWidth()).cells(row.size()).first);
-            }
-            keep({.text = Rope(kept.join(u'\n')), .isBlock = true, .blockWidth = block.goesToEnds() ? width : block.width()},
+        const bool isNothing = kind == OperatorKind::remove && rows.size() == 1 && lines.isEmpty(start);
+        const bool isTaken = kind == OperatorKind::remove || kind == OperatorKind::change || kind == OperatorKind::yank;
+        if (isTaken && !isNothing) {
+            keep({.text = Rope(block.text(lines).join(u'\n')),
+                  .isBlock = true,
+                  .blockWidth = block.goesToEnds() ? block.widthToEnds(lines) : block.width()},
                  kind == OperatorKind::yank ? yanked
                  : rows.size() > 1          ? removedLines
                                             : removedPart);
         }
         qsizetype shift = 0;
         for (const VimBlock::Row &row : rows) {
-            if (row.isShort || row.range.isEmpty()) {
+            if (row.isShort || (row.range.isEmpty() && kind != OperatorKind::change)) {
                 continue;
             }
             QString now;
@@ -401,6 +428,9 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
             }
         }
     }
+    if (kind != OperatorKind::yank) {
+        m_engine.m_view.select({start, 0}, start); // where undoing it leads back to
+    }
     if (kind == OperatorKind::change) {
         m_exact.inserting.begin();
         edit(edits);
@@ -409,33 +439,53 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
     }
     edit(edits);
     if (kind == OperatorKind::indent || kind == OperatorKind::outdent) {
-        // At the rectangle's left side.
-        TextEdits shifts;
-        const int width = m_engine.m_view.indentation().width;
-        const qsizetype by = width * m_engine.effectiveCount();
-        {
-            const Sight sight = see();
-            const VimLines &lines = sight.lines;
-            for (const VimBlock::Row &row : block.rows(lines)) {
-                if (row.isShort) {
-                    continue;
-                }
-                qsizetype behind = row.range.location;
-                while (!lines.isAtEnd(behind) && isSpaceOrTab(lines.at(behind))) {
-                    ++behind;
-                }
-                if (kind == OperatorKind::indent) {
-                    shifts.add({row.range.location, 0}, Rope(blanks(by)));
-                } else {
-                    const qsizetype cells = lines.cells(behind).first - lines.cells(row.range.location).first;
-                    shifts.add(TextRange::between(row.range.location, behind), Rope(QString(std::max<qsizetype>(cells - by, 0), u' ')));
-                }
-            }
-        }
-        edit(shifts);
+        shiftBlock(kind, block);
     }
     setCaret(start);
     finish(kind == OperatorKind::yank ? Repeatable::no : Repeatable::yes);
+}
+
+/// At the rectangle's left side, where blanks on both sides of it are written anew.
+void VimEngine::Operating::shiftBlock(OperatorKind kind, const VimBlock &block)
+{
+    TextEdits shifts;
+    const Indentation indentation = m_engine.m_view.indentation();
+    const qsizetype by = indentation.width * m_engine.effectiveCount();
+    const auto blanksFrom = [&](qsizetype cell, qsizetype cells) {
+        const qsizetype tab = indentation.tabWidth();
+        const qsizetype tabs = indentation.unit == Indentation::Unit::spaces ? 0 : (cell % tab + cells) / tab;
+        return QString(tabs, u'\t') + QString(tabs > 0 ? (cell % tab + cells) % tab : cells, u' ');
+    };
+    {
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        for (const VimBlock::Row &row : block.rows(lines)) {
+            if (row.isShort || row.range.isEmpty()) {
+                continue;
+            }
+            qsizetype from = row.range.location;
+            qsizetype behind = from;
+            while (!lines.isAtEnd(behind) && isSpaceOrTab(lines.at(behind))) {
+                ++behind;
+            }
+            const qsizetype text = lines.cells(behind).first;
+            if (kind == OperatorKind::indent) {
+                while (from > row.line && isSpaceOrTab(lines.at(from - 1))) {
+                    --from;
+                }
+                const qsizetype cell = lines.cells(from).first;
+                shifts.add(TextRange::between(from, behind), Rope(blanksFrom(cell, text - cell + by)));
+            } else if (const qsizetype target = text - std::min(by, text - block.left); target < text) {
+                qsizetype cell = lines.cells(from).first;
+                while (from < behind && cell + lines.width(from, cell) <= target) {
+                    cell += lines.width(from, cell);
+                    from = lines.after(from);
+                }
+                shifts.add(TextRange::between(from, behind), Rope(QString(std::max<qsizetype>(target - cell, 0), u' ')));
+            }
+        }
+    }
+    edit(shifts);
 }
 
 // Commands
@@ -450,7 +500,7 @@ void VimEngine::Operating::deleteCharacters(Side side, qsizetype count)
                                     : TextRange::between(sight.lines.before(place, count), place);
     }
     if (range.isEmpty()) {
-        finish(); // as "dl" and "dh" do
+        finish(Repeatable::yes); // as "dl" and "dh" do
         return;
     }
     apply(OperatorKind::remove, {.range = range, .start = range.location});
@@ -485,7 +535,7 @@ void VimEngine::Operating::toRestOfLine(OperatorKind kind, qsizetype count)
             return;
         }
     }
-    apply(kind, {.range = range, .start = range.location, .isOfLines = isOfLines});
+    apply(kind, {.range = range, .start = range.location, .isOfLines = isOfLines, .isInclusive = true});
 }
 
 void VimEngine::Operating::toggleCase(qsizetype count)
@@ -504,6 +554,7 @@ void VimEngine::Operating::toggleCase(qsizetype count)
     const QString flipped = withFlippedLetters(before);
     if (flipped != before) {
         edit(range, flipped);
+        setChangeMarks(place, place + flipped.size() - 1);
     }
     setCaret(place + flipped.size());
     finish(Repeatable::yes);
@@ -543,9 +594,15 @@ void VimEngine::Operating::replaceCharacter(QStringView key, qsizetype count)
     }
     if (key == QChar(u'\r')) {
         edit(range, u'\n' + indentation);
-        setCaret(place + 1 + indentation.size());
+        forgetLine();
+        const qsizetype behind = place + 1 + indentation.size();
+        setChangeMarks(place, behind);
+        m_exact.marks.set(u'^', behind);
+        setCaret(behind - (indentation.isEmpty() ? 0 : 1)); // as when insert mode is left
     } else {
         edit(range, key.toString().repeated(count));
+        setChangeMarks(place, place + (count - 1) * key.size());
+        m_exact.inserting.setLastInserted(key.toString());
         setCaret(place + (count - 1) * key.size());
     }
     finish(Repeatable::yes);
@@ -566,7 +623,12 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
         }
         joined = VimFormatting::joined(sight.lines, caret(), std::min(lines, left), glue);
     }
+    const qsizetype first = joined.edits.isEmpty() ? lineStart : joined.edits[0].range.location;
     edit(joined.edits);
+    {
+        const Sight sight = see();
+        setChangeMarks(std::min(first, sight.lines.end(lineStart)), sight.lines.last(lineStart));
+    }
     setCaret(joined.edits.isEmpty() ? lineStart : joined.place);
     finish(Repeatable::yes);
 }
@@ -580,6 +642,7 @@ void VimEngine::Operating::paste(Side side, qsizetype count, PasteCaret at, Past
         if (!m_exact.repeating.isReplaying()) {
             m_exact.repeating.remember();
         }
+        setChangeMarks(caret(), caret());
         fail();
         return;
     }
@@ -758,6 +821,9 @@ void VimEngine::Operating::add(qint64 by)
         number = VimNumber::added(sight.lines, caret(), sight.lines.end(caret()), false, by);
     }
     if (!number) {
+        if (!m_exact.repeating.isReplaying()) {
+            m_exact.repeating.remember();
+        }
         fail();
         return;
     }
@@ -773,6 +839,7 @@ void VimEngine::Operating::add(qint64 by)
 void VimEngine::Operating::followChange(const TextChange &change)
 {
     const ReplacedStretch hull = change.edits.hull();
+    const qsizetype caretBefore = std::exchange(m_caretBefore, std::nullopt).value_or(hull.location);
     if (m_isUndoing) {
         m_firstChanged = std::min(m_firstChanged.value_or(hull.location), hull.location);
         return;
@@ -783,10 +850,13 @@ void VimEngine::Operating::followChange(const TextChange &change)
     const VimBuffer before(change.before);
     const TextRange line = before.lineRange(std::min(hull.location, change.before.length()));
     const bool isWithin = change.isWithinLines() && hull.location + hull.removed <= line.end();
-    if (isWithin && (!m_lineBefore || m_lineBefore->line != line.location)) {
-        m_lineBefore = LineBefore{line.location, change.before.toString(line), hull.location - line.location};
-    } else if (!isWithin) {
-        m_lineBefore.reset();
+    const qsizetype number = change.before.lineAt(line.location);
+    if (isWithin && (!m_lineBefore || m_lineBefore->number != number)) {
+        QString text = change.before.toString(line);
+        while (!text.isEmpty() && isBreak(text.back().unicode())) {
+            text.chop(1);
+        }
+        m_lineBefore = LineBefore{number, text, line.contains(caretBefore) ? caretBefore - line.location : 0};
     }
 }
 
@@ -854,14 +924,23 @@ void VimEngine::Operating::undoLine()
         return;
     }
     const LineBefore before = *m_lineBefore;
-    const TextRange line = [&] {
+    TextRange line;
+    qsizetype column = before.column;
+    {
         const Sight sight = see();
-        return sight.buffer.lineRange(before.line);
-    }();
+        if (before.number >= sight.lines.count()) {
+            fail();
+            return;
+        }
+        const qsizetype start = sight.lines.startOf(before.number);
+        line = TextRange::between(start, sight.lines.end(start));
+        column = sight.lines.start(caret()) == start ? caret() - start : column;
+    }
     const QString now = text().toString(line);
-    const qsizetype column = caret() - before.line;
-    edit(line, before.text);
-    m_lineBefore = LineBefore{before.line, now, std::max<qsizetype>(column, 0)};
-    setCaret(before.line + before.column);
+    if (now != before.text) {
+        edit(line, before.text);
+    }
+    m_lineBefore = LineBefore{before.number, now, column};
+    setCaret(line.location + std::min(before.column, before.text.size()));
     finish();
 }

@@ -49,8 +49,7 @@ void VimEngine::Selecting::toggle(Mode mode)
     if (m_engine.hasCount()) {
         const Sight sight = see();
         const qsizetype more = m_engine.effectiveCount() - 1;
-        head = mode == Mode::visualLine ? sight.lines.startNear(place, more)
-                                        : std::min(sight.lines.after(place, more), sight.lines.last(place));
+        head = mode == Mode::visualLine ? sight.lines.startNear(place, more) : sight.lines.after(place, more);
     }
     begin(mode, place, head);
     setCaret(head);
@@ -102,7 +101,6 @@ void VimEngine::Selecting::remember()
     const bool isOfLines = m_engine.m_mode == Mode::visualLine;
     m_exact.marks.set(u'<', isOfLines ? sight.lines.start(low) : low);
     m_exact.marks.set(u'>', isOfLines ? sight.lines.last(high) : high);
-    m_engine.m_visualExtent = extent();
 }
 
 void VimEngine::Selecting::leave()
@@ -112,6 +110,18 @@ void VimEngine::Selecting::leave()
     }
     remember();
     endAt(m_engine.m_visualHead);
+}
+
+void VimEngine::Selecting::leaveAtStart()
+{
+    const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
+    const bool isOfLines = m_engine.m_mode == Mode::visualLine;
+    leave();
+    const qsizetype place = [&] {
+        const Sight sight = see();
+        return isOfLines ? sight.lines.start(low) : low;
+    }();
+    setCaret(place);
 }
 
 void VimEngine::Selecting::endAt(qsizetype place)
@@ -192,9 +202,11 @@ void VimEngine::Selecting::selectAgain(const Extent &extent)
         const VimLines &lines = sight.lines;
         const qsizetype line = lines.startNear(from, extent.lines - 1);
         const qsizetype first = lines.cells(from).first;
-        const qsizetype cell = extent.mode == Mode::visualBlock || extent.lines == 1 ? first + extent.units - 1 : extent.units;
+        const qsizetype cell = extent.mode == Mode::visualLine                         ? first
+                               : extent.mode == Mode::visualBlock || extent.lines == 1 ? first + extent.units - 1
+                                                                                       : extent.units;
         head = extent.isEndless ? lines.last(line) : lines.placeAt(line, std::max<qsizetype>(cell, 0));
-        head = std::min(head, extent.mode == Mode::visualLine || lines.isEmpty(line) ? lines.end(line) : std::max(lines.last(line), line));
+        head = std::min(head, lines.end(line));
     }
     begin(extent.mode, from, head);
     setCaret(head, extent.isEndless ? std::optional(VimLines::endless) : std::nullopt);
@@ -219,6 +231,10 @@ VimEngine::Operating::Region VimEngine::Selecting::region() const
 void VimEngine::Selecting::apply(OperatorKind kind, std::optional<Span> span, bool toEnds)
 {
     m_engine.m_extent = extent();
+    if (span == Span::lines) {
+        m_engine.m_extent->mode = Mode::visualLine;
+    }
+    m_engine.m_visualExtent = m_engine.m_extent;
     remember();
     const qsizetype count = m_engine.effectiveCount();
     const bool isLineOperator = kind == OperatorKind::indent || kind == OperatorKind::outdent || kind == OperatorKind::format ||
@@ -274,28 +290,30 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
         return;
     }
     m_engine.m_extent = extent();
+    m_engine.m_visualExtent = m_engine.m_extent;
     remember();
     TextEdits edits;
     qsizetype start = 0;
+    const qsizetype keyWidth = key == QChar(u'\r') ? 1 : [&] {
+        const Rope rope(key.toString());
+        VimBuffer buffer(rope);
+        return std::max<qsizetype>(VimLines(buffer).width(0, 0), 1);
+    }();
     {
         const Sight sight = see();
         const VimLines &lines = sight.lines;
-        const auto replace = [&](TextRange range, qsizetype cellsBefore, qsizetype cellsBehind) {
-            QString now(cellsBefore, u' ');
+        const auto replace = [&](TextRange range) {
+            QString now;
             for (qsizetype at = range.location; at < range.end();) {
                 if (lines.isAtEnd(at)) {
                     const qsizetype next = lines.next(at);
                     now += text().toString(TextRange::between(at, next));
                     at = next;
                 } else {
-                    const qsizetype cell = lines.at(at) == u'\t' && m_engine.m_mode == Mode::visualBlock
-                                               ? lines.width(at, lines.cells(at).first) - cellsBefore - cellsBehind
-                                               : 1;
-                    now += key.toString().repeated(std::max<qsizetype>(cell, 1));
+                    now += key;
                     at = lines.after(at);
                 }
             }
-            now += QString(cellsBehind, u' ');
             if (text().toString(range) != now) {
                 edits.add(range, Rope(now));
             }
@@ -305,18 +323,28 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
             const auto rows = shown.rows(lines);
             start = rows.front().range.location + rows.front().cellsBefore;
             for (const VimBlock::Row &row : rows) {
-                if (!row.range.isEmpty()) {
-                    replace(row.range, row.cellsBefore, row.cellsBehind);
+                if (row.range.isEmpty()) {
+                    continue;
                 }
+                // So many as there are cells; a wide one that does not fit leaves a blank.
+                const qsizetype from = lines.cells(row.range.location).first + row.cellsBefore;
+                const qsizetype cells = lines.cells(row.range.end()).first - row.cellsBehind - from;
+                const qsizetype each = keyWidth;
+                const bool isBroken = key == QChar(u'\r');
+                QString now = QString(row.cellsBefore, u' ') + (isBroken ? u"\n"_s : key.toString().repeated(cells / each)) +
+                              QString(row.cellsBehind + (row.missing > 0 ? 0 : cells % each), u' ');
+                edits.add(row.range, Rope(now));
             }
         } else {
             const Operating::Region taken = region();
             start = taken.range.location;
-            replace(taken.range, 0, 0);
+            replace(taken.range);
         }
     }
+    const qsizetype last = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
     m_engine.setMode(Mode::normal);
     edit(edits);
+    m_exact.operating.setChangeMarks(start, last);
     setCaret(start);
     finish(Repeatable::yes);
 }
@@ -329,7 +357,7 @@ void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
     m_engine.m_view.beginUndoGroup();
     const bool wasBlock = m_engine.m_mode == Mode::visualBlock;
     const Operating::Region taken = region();
-    const auto name = std::exchange(m_engine.m_pendingRegister, keepsRegister ? std::optional(u'_') : std::nullopt);
+    m_engine.m_pendingRegister = keepsRegister ? std::optional(u'_') : std::nullopt;
     bool isAtEnd = false;
     bool isEmptied = false;
     bool isLastLine = false;
@@ -384,7 +412,11 @@ void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
         }
     }
     m_engine.m_view.endUndoGroup();
+    // It is the deletion that is repeated.
+    m_engine.m_pendingRegister = keepsRegister ? std::optional(u'_') : std::nullopt;
+    m_engine.m_countBuffer.clear();
     finish(Repeatable::yes);
+    m_exact.repeating.rememberKeys(u"d"_s);
 }
 
 /// What is left of a text that was deleted whole.
@@ -400,6 +432,7 @@ void VimEngine::Selecting::removeEmptyLast()
         range = TextRange::between(last, text().length());
     }
     edit(range, {});
+    m_exact.terminate();
 }
 
 void VimEngine::Selecting::join(VimFormatting::Glue glue)
@@ -458,18 +491,33 @@ void VimEngine::Selecting::add(qint64 by, bool isProgressive)
     finish(Repeatable::yes);
 }
 
+/// Of what is no block: at the start of its first line, or behind it; where it was selected backwards Vim has places of its own.
+qsizetype VimEngine::Selecting::placeToInsert(const VimLines &lines, Side side) const
+{
+    const qsizetype anchor = m_engine.m_visualAnchor;
+    const qsizetype head = m_engine.m_visualHead;
+    const bool isBackward = head < anchor && m_engine.m_mode == Mode::visual;
+    const bool isInLine = lines.start(head) == lines.start(anchor);
+    if (side == Side::before) {
+        return isBackward && !isInLine ? head : lines.start(std::min(anchor, head));
+    }
+    if (isBackward) {
+        return !isInLine ? lines.start(anchor) : head == lines.start(head) ? head : lines.after(head);
+    }
+    return head == anchor && head == lines.start(head) ? head : lines.after(head);
+}
+
 void VimEngine::Selecting::insert(Side side, qsizetype count)
 {
     const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
-    const qsizetype high = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
     m_engine.m_extent = extent();
+    m_engine.m_visualExtent = m_engine.m_extent;
     remember();
     if (m_engine.m_mode != Mode::visualBlock) {
         qsizetype place = low;
         {
             const Sight sight = see();
-            const bool isFirst = low == high && high == sight.lines.start(high);
-            place = side == Side::before ? sight.lines.start(low) : isFirst ? high : sight.lines.after(high);
+            place = placeToInsert(sight.lines, side);
         }
         m_engine.setMode(Mode::normal);
         m_engine.m_view.select({low, 0}, low);

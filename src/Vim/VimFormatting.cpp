@@ -101,7 +101,7 @@ Joined joined(const VimLines &lines, qsizetype place, qsizetype count, Glue glue
     return result;
 }
 
-QString filled(const VimLines &lines, TextRange range, int width)
+QString filled(const VimLines &lines, TextRange range, int width, const std::function<QString(qsizetype cells)> &blanks)
 {
     const bool hasBreak = !range.isEmpty() && isBreak(lines.at(range.end() - 1));
     QStringList written;
@@ -111,11 +111,12 @@ QString filled(const VimLines &lines, TextRange range, int width)
         if (!hasParagraph) {
             return;
         }
-        qsizetype blanks = 0;
-        while (blanks < paragraph.size() && isBlank(paragraph[blanks])) {
-            ++blanks;
+        qsizetype start = 0;
+        while (start < paragraph.size() && isBlank(paragraph[start])) {
+            ++start;
         }
-        const QString indentation = paragraph.first(blanks);
+        const QString indentation = blanks(cellsOf(paragraph.first(start), lines.tabWidth()));
+        paragraph = indentation + paragraph.sliced(start);
         while (cellsOf(paragraph, lines.tabWidth()) > width) {
             const auto at = breakOf(paragraph, indentation.size(), width, lines.tabWidth());
             if (!at) {

@@ -7,6 +7,8 @@
 
 #include <QString>
 
+#include <functional>
+
 /// Lines put together and broken anew. Pure functions over the text; offsets are UTF-16 units.
 namespace VimFormatting {
 
@@ -25,7 +27,7 @@ struct Joined {
 [[nodiscard]] Joined joined(const VimLines &lines, qsizetype place, qsizetype count, Glue glue);
 
 /// The text of `range`, which are whole lines, with paragraphs filled up to `width` cells; blank lines are between paragraphs, which have
-/// the indentation of their first line. Ends with a break if the range does.
-[[nodiscard]] QString filled(const VimLines &lines, TextRange range, int width);
+/// the indentation of their first line, written as `blanks` has so many cells. Ends with a break if the range does.
+[[nodiscard]] QString filled(const VimLines &lines, TextRange range, int width, const std::function<QString(qsizetype cells)> &blanks);
 
 } // namespace VimFormatting

@@ -58,6 +58,17 @@ qsizetype VimLines::end(qsizetype place) const
     return line(place).end;
 }
 
+bool VimLines::hasEmptyLast() const
+{
+    return m_last == LastLine::mayBeEmpty && m_text.length() > 0 && isBreak(m_text.at(m_text.length() - 1));
+}
+
+bool VimLines::isLast(qsizetype place) const
+{
+    const qsizetype behind = next(place);
+    return behind >= m_text.length() && (!hasEmptyLast() || start(place) == m_text.length());
+}
+
 qsizetype VimLines::next(qsizetype place) const
 {
     return line(place).next;
@@ -65,7 +76,7 @@ qsizetype VimLines::next(qsizetype place) const
 
 qsizetype VimLines::startNear(qsizetype place, qsizetype lines) const
 {
-    return m_text.line(start(place), lines).value_or(lines < 0 ? 0 : lastStart());
+    return hasEmptyLast() ? startOf(number(place) + lines) : m_text.line(start(place), lines).value_or(lines < 0 ? 0 : lastStart());
 }
 
 qsizetype VimLines::firstNonBlank(qsizetype place) const

@@ -13,7 +13,7 @@ public:
     /// Behind any line.
     static constexpr qsizetype endless = std::numeric_limits<qsizetype>::max() / 4;
 
-    /// While text is typed, the empty line behind a last break is one as well.
+    /// While text is typed, and in a text whose last line has no break, the empty line behind a last break is one as well.
     enum class LastLine { hasText, mayBeEmpty };
 
     explicit VimLines(VimBuffer &text, int tabWidth = 4, LastLine last = LastLine::hasText)
@@ -31,8 +31,8 @@ public:
     [[nodiscard]] qsizetype next(qsizetype place) const;
     [[nodiscard]] bool isEmpty(qsizetype place) const { return start(place) == end(place); }
     [[nodiscard]] bool isFirst(qsizetype place) const { return start(place) == 0; }
-    [[nodiscard]] bool isLast(qsizetype place) const { return next(place) >= m_text.length(); }
-    [[nodiscard]] qsizetype lastStart() const { return m_text.lastLineStart(); }
+    [[nodiscard]] bool isLast(qsizetype place) const;
+    [[nodiscard]] qsizetype lastStart() const { return hasEmptyLast() ? m_text.length() : m_text.lastLineStart(); }
     /// From 0.
     [[nodiscard]] qsizetype number(qsizetype place) const { return text().lineAt(start(place)); }
     [[nodiscard]] qsizetype count() const { return number(lastStart()) + 1; }
@@ -94,6 +94,7 @@ private:
     };
     /// That of the last question is kept: questions about one line follow each other, and to find its ends may cost a walk through it.
     [[nodiscard]] const Line &line(qsizetype place) const;
+    [[nodiscard]] bool hasEmptyLast() const;
 
     VimBuffer &m_text;
     int m_tabWidth;

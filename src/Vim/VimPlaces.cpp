@@ -170,9 +170,6 @@ void VimPlaces::add(qsizetype place, const Rope &text, qsizetype textWidth)
         }
     }
     m_places.push_back({.offset = place});
-    if (m_kind == Kind::jumps) {
-        dropRepeats(text);
-    }
     if (m_places.size() > limit) {
         m_places.erase(m_places.begin());
     }
@@ -183,11 +180,16 @@ void VimPlaces::dropRepeats(const Rope &text)
 {
     std::set<qsizetype> lines;
     std::vector<VimPlace> kept;
-    for (auto place = m_places.rbegin(); place != m_places.rend(); ++place) {
-        if (lines.insert(text.lineAt(place->offset)).second) {
-            kept.push_back(*place);
+    size_t newer = m_places.size() - m_position;
+    for (size_t index = m_places.size(); index-- > 0;) {
+        if (lines.insert(text.lineAt(std::min(m_places[index].offset, text.length()))).second) {
+            kept.push_back(m_places[index]);
+        }
+        if (index == m_position) {
+            newer = kept.size();
         }
     }
+    m_position = kept.size() - std::min(newer, kept.size());
     m_places.assign(kept.rbegin(), kept.rend());
 }
 
@@ -197,6 +199,7 @@ std::optional<qsizetype> VimPlaces::older(qsizetype count, qsizetype caret, cons
         // At most the oldest; one who is there already fails.
         return m_position == 0 ? std::nullopt : goTo(std::max<qsizetype>(qsizetype(m_position) - count, 0));
     }
+    dropRepeats(text);
     if (qsizetype(m_position) < count) {
         return std::nullopt;
     }
@@ -207,12 +210,13 @@ std::optional<qsizetype> VimPlaces::older(qsizetype count, qsizetype caret, cons
     return goTo(qsizetype(m_position) - count);
 }
 
-std::optional<qsizetype> VimPlaces::newer(qsizetype count)
+std::optional<qsizetype> VimPlaces::newer(qsizetype count, const Rope &text)
 {
     const qsizetype last = qsizetype(m_places.size()) - 1;
     if (m_kind == Kind::changes) {
         return qsizetype(m_position) >= last ? std::nullopt : goTo(std::min(qsizetype(m_position) + count, last));
     }
+    dropRepeats(text);
     return goTo(qsizetype(m_position) + count);
 }
 

@@ -37,7 +37,7 @@ public:
     /// So many back, from `caret`, which joins the jumps when none was gone back to. None when there are not so many jumps, or no older
     /// change.
     [[nodiscard]] std::optional<qsizetype> older(qsizetype count, qsizetype caret, const Rope &text);
-    [[nodiscard]] std::optional<qsizetype> newer(qsizetype count);
+    [[nodiscard]] std::optional<qsizetype> newer(qsizetype count, const Rope &text);
     void follow(const TextChange &change);
     void clear() { *this = VimPlaces(m_kind); }
 

@@ -63,7 +63,7 @@ QJsonObject registersOf(const VimView &view)
     for (const QChar name : u"\"0123456789-abc"_s) {
         const VimRegisterContents contents = view.registers.contents(name == u'"' ? std::nullopt : std::optional<char16_t>(name.unicode()));
         const QString text = plainText(contents);
-        if (!text.isEmpty()) {
+        if (!text.isEmpty() || contents.isBlock) {
             all[QString(name)] = QJsonObject{{u"text"_s, text},
                                              {u"type"_s, contents.isLinewise ? u"lines"_s
                                                          : contents.isBlock  ? u"block"_s

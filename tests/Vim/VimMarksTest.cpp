@@ -104,8 +104,8 @@ TEST(VimPlaces, AreGoneThroughBackAndForth)
     EXPECT_EQ(jumps.older(1, 6, text), 2);
     EXPECT_EQ(jumps.older(2, 8, text), 0);
     EXPECT_EQ(jumps.older(1, 8, text), std::nullopt);
-    EXPECT_EQ(jumps.newer(3), 6);
-    EXPECT_EQ(jumps.newer(1), std::nullopt);
+    EXPECT_EQ(jumps.newer(3, text), 6);
+    EXPECT_EQ(jumps.newer(1, text), std::nullopt);
     VimPlaces changes(VimPlaces::Kind::changes);
     for (const qsizetype place : {0, 1, 4, 6}) {
         changes.add(place, text);
@@ -113,8 +113,8 @@ TEST(VimPlaces, AreGoneThroughBackAndForth)
     EXPECT_EQ(changes.older(1, 0, text), 6);
     EXPECT_EQ(changes.older(9, 0, text), 1);
     EXPECT_EQ(changes.older(1, 0, text), std::nullopt);
-    EXPECT_EQ(changes.newer(9), 6);
-    EXPECT_EQ(changes.newer(1), std::nullopt);
+    EXPECT_EQ(changes.newer(9, text), 6);
+    EXPECT_EQ(changes.newer(1, text), std::nullopt);
     const TextEdits edits({0, 4}, u""_s);
     const Rope after = edits.applied(text);
     changes.follow({edits, text, after});

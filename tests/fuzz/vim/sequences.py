@@ -102,11 +102,15 @@ def random_text(random):
     return "\n".join(lines) + ("" if kind < 0.12 else "\n")
 
 
-def random_caret(random, text):
+def caret_places(text):
     """Where a caret of normal mode may be: on a character, or in an empty line."""
     places = [place for place, character in enumerate(text)
               if character not in "\u0301\u0308" and (character not in "\r\n" or place == 0 or text[place - 1] == "\n")]
-    return units(text[:random.choice(places)]) if places else 0
+    return places or [0]
+
+
+def random_caret(random, text):
+    return units(text[:random.choice(caret_places(text))])
 
 
 def random_command(random, rows):

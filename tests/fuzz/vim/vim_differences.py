@@ -134,6 +134,9 @@ def less_text(question):
             continue
         if "\r" in less and not less.count("\r") == less.count("\n") == less.count("\r\n"):
             continue
+        # Neither does what comes of an unterminated line in one that ends as it should, or of a caret where none can be.
+        if text.endswith("\n") and not less.endswith("\n") or at not in sequences.caret_places(less):
+            continue
         made[less] = {"text": less, "caret": units(less[:max(at, 0)]), "keys": question["keys"]}
     return sorted(made.values(), key=lambda each: len(each["text"]))
 
