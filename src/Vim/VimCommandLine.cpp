@@ -155,7 +155,12 @@ VimCommandLine::Outcome VimCommandLine::takeAwaited(const VimKeyEvent &event, ch
     });
     const Awaited awaited = std::exchange(m_awaited, Awaited::nothing);
     if (awaited == Awaited::literal) {
-        putText(event.control && key >= u'a' && key <= u'z' ? QString(QChar(char16_t(key - u'a' + 1))) : event.characters);
+        const VimLiteral::Taken taken = m_literal.take(event);
+        putText(taken.text);
+        m_awaited = taken.goesOn ? awaited : Awaited::nothing;
+        if (taken.leavesKey) {
+            return key == VimKey::escape || (event.control && key == u'[') ? Outcome::isLeft : handle(event, around);
+        }
     } else if (awaited == Awaited::exactRegister && event.control) {
         if (key == u'r' || key == u'o') {
             m_awaited = awaited; // its text comes as it is anyway

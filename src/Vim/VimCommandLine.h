@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Text/TextRange.h"
-#include "Vim/VimKey.h"
+#include "Vim/VimLiteral.h"
 
 #include <QStringList>
 
@@ -112,6 +112,7 @@ private:
     QString m_text;
     qsizetype m_cursor = 0;
     Awaited m_awaited = Awaited::nothing;
+    VimLiteral m_literal;
     /// Both hold as long as the line is as they left it.
     std::optional<Recall> m_recall;
     std::optional<Candidates> m_candidates;

@@ -11,6 +11,7 @@
 #include "Vim/VimExactMotion.h"
 #include "Vim/VimExactObject.h"
 #include "Vim/VimFormatting.h"
+#include "Vim/VimLiteral.h"
 #include "Vim/VimMarks.h"
 #include "Vim/VimSubstituteJob.h"
 
@@ -153,7 +154,6 @@ public:
 
 private:
     void takeLiteral(const VimKeyEvent &event);
-    [[nodiscard]] static QString characterOf(const QString &code, int base);
     void putLiteral(const QString &text);
     void put(const QString &text);
     void restoreReplaced(VimDeletion what);
@@ -168,8 +168,7 @@ private:
     qsizetype m_count = 1;
     std::optional<Side> m_opened;
     QString m_script;
-    /// The code of a character so far.
-    QString m_literal;
+    VimLiteral m_literal;
     QString m_lastInserted;
     /// What typed characters took the place of; empty where they were added.
     std::vector<QString> m_replaced;

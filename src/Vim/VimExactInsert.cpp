@@ -202,55 +202,17 @@ bool VimEngine::Inserting::handle(const VimKeyEvent &event)
     return false;
 }
 
-/// The key as it is, or the character whose code is typed: decimal, or behind x, o, u or U.
 void VimEngine::Inserting::takeLiteral(const VimKeyEvent &event)
 {
-    struct Row {
-        char16_t prefix;
-        int base;
-        qsizetype mostDigits;
-    };
-    static constexpr Row rows[] = {{u'x', 16, 2}, {u'X', 16, 2}, {u'o', 8, 3}, {u'O', 8, 3}, {u'u', 16, 4}, {u'U', 16, 8}};
-    const QString key = event.control ? VimKeys::text(event) : event.charactersIgnoringModifiers;
-    const char16_t unit = key.size() == 1 && !event.control ? key.front().unicode() : u'\0';
-    const auto rowOf = [](const QString &code) {
-        const auto *found = std::ranges::find(rows, code.isEmpty() ? u'\0' : code.front().unicode(), &Row::prefix);
-        return found == std::end(rows) ? Row{0, 10, 3} : *found;
-    };
-    const bool isPrefix = m_literal.isEmpty() && rowOf(key).prefix != 0 && unit != 0;
-    const Row row = rowOf(m_literal);
-    bool isDigit = false;
-    QString(key).toUInt(&isDigit, row.base);
-    isDigit = isDigit && unit != 0 && key.front().isLetterOrNumber();
-    if (isPrefix || isDigit) {
-        m_literal += key;
-        if (isPrefix || m_literal.size() - (row.prefix != 0 ? 1 : 0) < row.mostDigits) {
-            m_engine.m_awaiting = Awaited{.what = Awaiting::literal};
-            return;
-        }
-        putLiteral(characterOf(std::exchange(m_literal, {}), row.base));
+    const VimLiteral::Taken taken = m_literal.take(event);
+    if (taken.goesOn) {
+        awaitLiteral();
         return;
     }
-    if (const QString code = std::exchange(m_literal, {}); !code.isEmpty()) {
-        // The code is over; this key is another.
-        if (code.size() == 1 && row.prefix != 0) {
-            putLiteral(key); // there is no code
-            return;
-        }
-        putLiteral(characterOf(code, row.base));
-        if (!m_engine.handleKey(event) && !event.characters.isEmpty()) {
-            m_engine.m_view.insertText(event.characters);
-        }
-        return;
+    putLiteral(taken.text);
+    if (taken.leavesKey && !m_engine.handleKey(event) && !event.characters.isEmpty()) {
+        m_engine.m_view.insertText(event.characters);
     }
-    putLiteral(key);
-}
-
-QString VimEngine::Inserting::characterOf(const QString &code, int base)
-{
-    const QString digits = code.front().isDigit() && base == 10 ? code : code.sliced(1);
-    const char32_t value = digits.toUInt(nullptr, base);
-    return value <= 0x10FFFF ? QString::fromUcs4(&value, 1) : QString();
 }
 
 void VimEngine::Inserting::putLiteral(const QString &text)

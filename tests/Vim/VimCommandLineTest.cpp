@@ -67,7 +67,8 @@ TEST_F(VimCommandLineTest, TakesTextFromElsewhereAndKeysAsTheyAre)
            {u"<C-u><C-r><C-l>"_s, u"one  this-thing.bar baz|y"_s},
            {u"<C-u><C-r><Esc><C-r><C-r>a"_s, u"this|y"_s},
            {u"<C-u><C-v><Esc><C-v><C-a><C-q><CR><C-v>v"_s, u"\x1b\x01\rv|y"_s},
-           {u"<C-c>"_s, u"none"_s},
+           {u"<C-u><C-e><C-u><C-v>u00e9<C-v>65.<C-v>x4a<C-v>U1f600x<C-q>uz<C-v>999"_s, u"éA.J\U0001F600xz\u00FF|"_s},
+           {u"<C-v>u4<Esc>"_s, u"none"_s},
            {u"/<Tab>"_s, u"\t|"_s}});
 }
 
