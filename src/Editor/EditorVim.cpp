@@ -51,6 +51,16 @@ constexpr auto deadKeys = std::to_array<KeyRow>({
     {Qt::Key_Dead_Diaeresis, u'"'},
 });
 
+/// F1 to F12, and Tab with Shift; a mapping may want them.
+std::optional<char16_t> keyForMappings(const QKeyEvent &event)
+{
+    const bool isFunctionKey = event.key() >= Qt::Key_F1 && event.key() < Qt::Key_F1 + VimKey::functionKeys;
+    if (isFunctionKey && event.modifiers() == Qt::NoModifier) {
+        return char16_t(VimKey::functionKey + event.key() - Qt::Key_F1);
+    }
+    return event.key() == Qt::Key_Backtab ? std::optional(VimKey::backtab) : std::nullopt;
+}
+
 bool isPrivateUse(char16_t unit)
 {
     return unit >= 0xE000 && unit <= 0xF8FF;
@@ -113,9 +123,12 @@ VimKeyEvent EditorVim::translated(const QKeyEvent &event) const
                     .charactersIgnoringModifiers = {},
                     .control = event.modifiers().testFlag(Qt::ControlModifier) && !isText,
                     .option = event.modifiers().testFlag(Qt::AltModifier) && !isText};
-    if (event.key() == Qt::Key_Backtab && m_engine->mode() == VimEngine::Mode::commandLine) {
-        key.charactersIgnoringModifiers = QString(QChar(VimKey::backtab));
-        return key;
+    if (const auto unit = keyForMappings(event)) {
+        key.charactersIgnoringModifiers = QString(QChar(*unit));
+        if (m_engine->wants(key)) {
+            return key;
+        }
+        key.charactersIgnoringModifiers.clear();
     }
     if (const auto *row = std::ranges::find(functionKeys, Qt::Key(event.key()), &KeyRow::key); row != functionKeys.end()) {
         key.charactersIgnoringModifiers = QString(QChar(row->character));

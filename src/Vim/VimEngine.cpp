@@ -137,6 +137,11 @@ bool VimEngine::wants(const VimKeyEvent &event) const
         return false;
     }
     const char16_t key = characters.front().unicode();
+    const VimKeyStroke stroke{.character = key, .control = event.control, .option = event.option};
+    const bool isMapped = m_exact && m_keymap.wants(stroke, table());
+    if (VimKey::isForMappings(key) && !(m_mode == Mode::commandLine && key == VimKey::backtab)) {
+        return isMapped;
+    }
     if (row(KeyPlace::anyMode, keyInAnyMode(event))) {
         return true;
     }
@@ -144,9 +149,9 @@ bool VimEngine::wants(const VimKeyEvent &event) const
         return true;
     }
     if (m_mode == Mode::insert) {
-        return event.control && row(KeyPlace::whileInserting, key);
+        return ((event.control || event.option) && isMapped) || (event.control && row(KeyPlace::whileInserting, key));
     }
-    if (m_keymap.wants({.character = key, .control = event.control, .option = event.option}, table())) {
+    if (m_keymap.wants(stroke, table())) {
         return true;
     }
     return event.control ? row(KeyPlace::withControl, key) != nullptr : !event.option;

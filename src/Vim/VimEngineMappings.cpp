@@ -17,8 +17,7 @@ namespace {
 VimKeyEvent eventOf(const VimKeyStroke &stroke)
 {
     const QString key = QString(QChar(stroke.character));
-    const bool isNamed = stroke.character >= VimKey::up && stroke.character <= VimKey::pageDown;
-    return {.characters = stroke.control || stroke.option || isNamed ? QString() : key,
+    return {.characters = stroke.control || stroke.option || VimKey::isNamed(stroke.character) ? QString() : key,
             .charactersIgnoringModifiers = key,
             .control = stroke.control,
             .option = stroke.option};

@@ -153,6 +153,9 @@ Result<void> map(VimExCall &call, VimMappings::Modes modes, Mapped mapped)
         return tl::make_unexpected(isSilent.error());
     }
     const qsizetype end = endOfKeys(argument);
+    if (const auto unknown = VimKeyNotation::unknownKey(argument)) {
+        return failure(formatted(localized(u"There is no such key here: %@"), *unknown));
+    }
     const QString keys = VimKeyNotation::parsed(withoutProtection(argument.first(end)), configuration.leader());
     QString result = argument.sliced(end);
     while (result.startsWith(u' ') || result.startsWith(u'\t')) {

@@ -40,10 +40,21 @@ constexpr char16_t home = 0xF729;
 constexpr char16_t end = 0xF72B;
 constexpr char16_t pageUp = 0xF72C;
 constexpr char16_t pageDown = 0xF72D;
-/// The tab key with Shift, in a command line.
+/// The tab key with Shift.
 constexpr char16_t backtab = 0xF8FF;
 /// The first of F1 to F12.
 constexpr char16_t functionKey = 0xF704;
+constexpr char16_t functionKeys = 12;
+
+[[nodiscard]] constexpr bool isNamed(char16_t key)
+{
+    return (key >= up && key <= pageDown) || key == backtab;
+}
+/// It means something only where the user has mapped it, or in a command line.
+[[nodiscard]] constexpr bool isForMappings(char16_t key)
+{
+    return (key >= functionKey && key < functionKey + functionKeys) || key == backtab;
+}
 
 /// In keys as text, where each is one unit, a key of ASCII with Alt.
 constexpr char16_t withAlt(char16_t key)

@@ -38,6 +38,7 @@ constexpr auto namedKeys = std::to_array<NamedKey>({
     {"End"_L1, VimKey::end},
     {"PageUp"_L1, VimKey::pageUp},
     {"PageDown"_L1, VimKey::pageDown},
+    {"S-Tab"_L1, VimKey::backtab},
 });
 
 std::optional<char16_t> keyNamed(QStringView name)
@@ -49,7 +50,7 @@ std::optional<char16_t> keyNamed(QStringView name)
     }
     bool isNumber = false;
     const int number = name.size() > 1 ? name.sliced(1).toInt(&isNumber) : 0;
-    if (isNumber && name.front().toLower() == u'f' && number >= 1 && number <= 12) {
+    if (isNumber && name.front().toLower() == u'f' && number >= 1 && number <= VimKey::functionKeys) {
         return char16_t(VimKey::functionKey + number - 1);
     }
     return name.size() == 1 ? std::optional(name.front().unicode()) : std::nullopt;
@@ -63,6 +64,9 @@ std::optional<QString> keyIn(QStringView name, QStringView leader)
     }
     if (name.compare("nop"_L1, Qt::CaseInsensitive) == 0) {
         return QString();
+    }
+    if (name.compare("S-Tab"_L1, Qt::CaseInsensitive) == 0) {
+        return QString(QChar(VimKey::backtab));
     }
     VimKeyStroke stroke;
     bool isShifted = false;
@@ -85,7 +89,9 @@ std::optional<QString> keyIn(QStringView name, QStringView leader)
     }
     const auto key = keyNamed(name);
     const bool isPlain = !stroke.control && !stroke.option && !isShifted;
-    if (!key || (isPlain && name.size() == 1)) {
+    // What comes from the keyboard does not say whether such a key had Shift or Control.
+    const bool isLost = key && VimKey::isNamed(*key) && (stroke.control || isShifted);
+    if (!key || isLost || (isPlain && name.size() == 1)) {
         return std::nullopt;
     }
     stroke.character = char16_t(isShifted ? QChar::toUpper(*key) : stroke.control ? QChar::toLower(*key) : *key);
@@ -110,6 +116,19 @@ QString VimKeyNotation::parsed(QStringView written, QStringView leader)
     return keys;
 }
 
+std::optional<QString> VimKeyNotation::unknownKey(QStringView written)
+{
+    for (qsizetype at = written.indexOf(u'<'); at >= 0; at = written.indexOf(u'<', at + 1)) {
+        const qsizetype end = written.indexOf(u'>', at + 2);
+        const QStringView name = end < 0 ? QStringView() : written.sliced(at + 1, end - at - 1);
+        const bool hasModifier = name.size() > 2 && name[1] == u'-' && u"csamdCSAMD"_s.contains(name[0]);
+        if (hasModifier && !name.contains(u'<') && !name.contains(u' ') && !keyIn(name, {})) {
+            return written.sliced(at, end + 1 - at).toString();
+        }
+    }
+    return std::nullopt;
+}
+
 QString VimKeyNotation::written(QStringView keys)
 {
     QString text;
@@ -118,7 +137,7 @@ QString VimKeyNotation::written(QStringView keys)
         QString name(QChar(stroke.character));
         const auto named = std::ranges::find(namedKeys, stroke.character, &NamedKey::key);
         const bool isNamed = named != namedKeys.end() && stroke.character != u'|' && stroke.character != u'\\';
-        const bool isFunctionKey = stroke.character >= VimKey::functionKey && stroke.character < VimKey::functionKey + 12;
+        const bool isFunctionKey = stroke.character >= VimKey::functionKey && stroke.character < VimKey::functionKey + VimKey::functionKeys;
         if (isNamed) {
             name = QString(named->name);
         } else if (isFunctionKey) {

@@ -7,11 +7,6 @@ namespace {
 constexpr char16_t lastControl = 0x1F;
 constexpr char16_t control = 0x40;
 
-bool isNamedKey(char16_t unit)
-{
-    return unit >= VimKey::up && unit <= VimKey::pageDown;
-}
-
 } // namespace
 
 QString VimKeys::text(const VimKeyEvent &event)
@@ -44,5 +39,5 @@ VimKeyEvent VimKeys::next(QStringView keys, qsizetype &place)
         const QChar letter = QChar(char16_t(unit + control)).toLower();
         return {.characters = {}, .charactersIgnoringModifiers = QString(letter), .control = true};
     }
-    return {.characters = isNamedKey(unit) ? QString() : key, .charactersIgnoringModifiers = key};
+    return {.characters = VimKey::isNamed(unit) ? QString() : key, .charactersIgnoringModifiers = key};
 }

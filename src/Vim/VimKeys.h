@@ -10,7 +10,7 @@
 /// "\r", Backspace 0x7F; arrows and their like are those of VimKey, and chords with Alt lie in a private plane above `alt`.
 namespace VimKeys {
 
-constexpr char16_t alt = 0xF000;
+constexpr char16_t alt = VimKey::withAlt(0);
 
 [[nodiscard]] QString text(const VimKeyEvent &event);
 /// The key at `place`, which moves behind it.

@@ -199,7 +199,7 @@ TEST(VimKeyNotation, GoesBothWays)
         {u"<C-W>j", u"\x17j"},
         {u"<CR><Esc><BS><Tab>", u"\r\x1b\x7F\t"},
         {u"<Space><Bar>x<lt>a>", u" |x<a>"},
-        {u"<Up><F1>", u"\xF700\xF704"},
+        {u"<Up><F1><S-Tab>", u"\xF700\xF704\xF8FF"},
         {u"<A-j>", u"\xF66A"},
     };
     for (const auto &[written, keys] : rows) {
@@ -216,6 +216,7 @@ QString fed(VimExText &text, const QString &typed)
 {
     VimKeymap keymap(VimKeymapPreset::plain, text.configuration.options().mappings);
     VimKeyQueue queue;
+    EXPECT_EQ(VimKeyNotation::unknownKey(u"<F12><C-w><x-y><S-F1>"), u"<S-F1>"_s);
     queue.putFirst(typed, 0);
     QString done;
     const auto pass = [&](const QList<VimKeyStroke> &strokes) {

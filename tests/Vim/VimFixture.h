@@ -211,6 +211,7 @@ private:
         };
         const auto known = names.find(name);
         return known == names.end() ? name : QString(QChar(known->second));
+            {QStringLiteral("F5"), char16_t(VimKey::functionKey + 4)},
     }
     void show(const std::optional<Selections> &selections)
     {
