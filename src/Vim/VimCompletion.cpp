@@ -20,9 +20,6 @@ constexpr qsizetype mostFiles = 1000;
 /// Shorter names are short forms.
 constexpr qsizetype shortestName = 4;
 
-constexpr auto takingFiles = std::to_array<QStringView>({u"e", u"edit", u"w", u"write", u"sp", u"split", u"vs", u"vsplit", u"r", u"read",
-                                                         u"tabe", u"tabedit", u"tabnew", u"sav", u"saveas", u"wq", u"x", u"so", u"source"});
-
 bool isLetter(QChar unit)
 {
     return unit.isLetter() && unit.unicode() < 0x80;
@@ -68,13 +65,15 @@ VimCompletion::Part VimCompletion::partOf(QStringView line)
     if (end == line.size() || line[end] != u' ') {
         return {};
     }
-    if (name == u"set" || name == u"se") {
+    const VimExCommand *command = VimExCommand::namedExactly(name);
+    const unsigned takes = command ? command->takes : VimExCommand::nothing;
+    if ((takes & VimExCommand::optionNames) != 0) {
         return {Kind::option, line.lastIndexOf(u' ') + 1};
     }
     while (end < line.size() && line[end] == u' ') {
         ++end;
     }
-    return {std::ranges::find(takingFiles, name) == takingFiles.end() ? Kind::nothing : Kind::file, end};
+    return {(takes & VimExCommand::fileName) != 0 ? Kind::file : Kind::nothing, end};
 }
 
 QStringList VimCompletion::commands(QStringView typed)

@@ -63,6 +63,9 @@ struct VimExCommand {
         edits = 1U << 8,
         /// It needs no text, so that it may stand in a file of such commands.
         configures = 1U << 9,
+        /// Its argument is the name of a file, or those are of options.
+        fileName = 1U << 10,
+        optionNames = 1U << 11,
     };
     /// Who has it.
     enum class Audience { byDefault, exact };

@@ -95,6 +95,7 @@ TEST_F(VimCommandLineTest, RecallsWhatWasTypedBefore)
 TEST_F(VimCommandLineTest, CompletesNames)
 {
     check({{u":%'a,/x/wri<Tab>"_s, u"%'a,/x/write|"_s},
+           {u"<C-u>se sw=2 noexp<Tab>"_s, u"se sw=2 noexpandtab|"_s},
            {u"<C-u>set ign<Tab>"_s, u"set ignorecase|"_s},
            {u" noexp<Tab>"_s, u"set ignorecase noexpandtab|"_s},
            {u"<C-u>zzz<Tab><C-u>"_s, u"|"_s}});
