@@ -23,6 +23,7 @@
 class VimConfiguration;
 class VimEngine;
 struct VimSubstituteJob;
+struct VimTypedSubstitution;
 
 /// What an engine notifies the editor that has it of.
 class VimEngineDelegate {
@@ -96,6 +97,8 @@ public:
     /// Those that the command line awaits.
     void completeFiles(const QStringList &names);
     /// None before the first search.
+    /// What the substitution that is typed behind ":" would do, in exact modal editing; none while there is nothing of it to be shown.
+    [[nodiscard]] std::optional<VimTypedSubstitution> typedSubstitution() const;
     [[nodiscard]] const std::optional<VimSearch> &lastSearch() const { return m_lastSearch; }
     /// Whether its hits are to be marked, if they are to be at all: not from hideHits() on till the next search.
     [[nodiscard]] bool showsHits() const { return m_showsHits; }

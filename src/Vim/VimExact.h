@@ -372,6 +372,7 @@ public:
 private:
     [[nodiscard]] const Rope &text() const override { return ExactPart::text(); }
     [[nodiscard]] qsizetype caret() const override { return ExactPart::caret(); }
+    [[nodiscard]] std::optional<VimTypedSubstitution> typedSubstitution() const;
     void moveCaret(qsizetype place) override;
     bool apply(const TextEdits &edits) override;
     void beginUndoGroup() override;

@@ -7,6 +7,8 @@
 
 #include "Base/Translation.h"
 #include "Vim/VimConfiguration.h"
+#include "Vim/VimExEdits.h"
+#include "Vim/VimExFunctions.h"
 #include "Vim/VimExLine.h"
 
 #include <QScopedValueRollback>
@@ -173,6 +175,47 @@ void VimEngine::Commanding::ask()
     if (!hit) {
         endQuestions();
         return;
+std::optional<VimTypedSubstitution> VimEngine::typedSubstitution() const
+{
+    const bool isTyped = m_exact && m_mode == Mode::commandLine && m_commandLine.prefix() == u':' && m_options.searchesWhileTyping;
+    return isTyped ? m_exact->commanding.typedSubstitution() : std::nullopt;
+}
+
+std::optional<VimTypedSubstitution> VimEngine::Commanding::typedSubstitution() const
+{
+    const Rope &all = ExactPart::text();
+    const QStringView typed = m_engine.m_commandLine.text();
+    // Lines told by patterns are looked for at every key.
+    const QStringView before = typed.first(std::max<qsizetype>(typed.indexOf(u's'), 0));
+    if (all.length() > VimSearch::nearby && (before.contains(u'/') || before.contains(u'?') || before.contains(u'\\'))) {
+        return std::nullopt;
+    }
+    auto search = m_engine.m_lastSearch;
+    VimExRange::Trace trace;
+    const auto range = VimExRange::parse(typed,
+                                         {.text = all,
+                                          .caret = ExactPart::caret(),
+                                          .marks = m_exact.marks,
+                                          .options = m_engine.m_options,
+                                          .lastPattern = search ? search->pattern : QString(),
+                                          .lastSubstituted = m_substitution.pattern.value_or(QString())},
+                                         trace);
+    if (!range || range->first < 0 || range->last > VimExLines(all).count()) {
+        return std::nullopt;
+    }
+    const QStringView rest = typed.sliced(range->length);
+    const auto command = VimSubstituteCommand::isOne(rest) ? VimSubstituteCommand::parse(rest) : failure(QString());
+    const bool isAgain = rest.startsWith(u'&') || rest.startsWith(u'~');
+    if (!command || !(isAgain || command->hasReplacement || command->patternKind == VimSubstituteCommand::Pattern::typed)) {
+        return std::nullopt; // ":s" alone may become another command
+    }
+    // What it remembers is forgotten with it.
+    VimSubstituteMemory memory = m_substitution;
+    const VimSubstituteJob::Lines lines{std::max<qsizetype>(range->first, 1) - 1, std::max<qsizetype>(range->last, 1) - 1};
+    auto job = VimSubstituteJob::prepare(*command, lines, m_engine.m_options, memory, search);
+    return job ? std::optional(VimTypedSubstitution{*std::move(job), isAgain || command->hasReplacement}) : std::nullopt;
+}
+
     }
     setCaret(hit->location);
     m_engine.m_view.showIndicator(*hit);

@@ -56,6 +56,13 @@ struct VimSubstituteJob {
     [[nodiscard]] QString shownLine(const VimSubstituteOutcome &outcome, const Rope &text) const;
 };
 
+/// A `:s` that is still being typed.
+struct VimTypedSubstitution {
+    VimSubstituteJob job;
+    /// It goes as far as what comes in place of hits.
+    bool hasReplacement = false;
+};
+
 /// Goes from hit to hit of one job in one text. One object serves one thread at a time.
 class VimSubstituteWalk final {
 public:
