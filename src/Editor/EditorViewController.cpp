@@ -375,7 +375,10 @@ void EditorViewController::applyVimMode()
         m_vim = std::make_unique<EditorVim>(
             *m_textView,
             EditorVim::Services{commandServices(), m_services.registers, m_services.keyboard, m_services.vimHistory,
-                                m_services.vimConfiguration, [this] { return historyKept(); }, [this] { return m_document->path(); }},
+                                m_services.vimConfiguration, [this] { return historyKept(); },
+                                [this] {
+                                    return VimTextName{m_document->path(), m_document->displayName()};
+                                }},
             options,
             EditorVim::Callbacks{
                 .stateChanged = [this] { emit stateChanged(); },

@@ -89,10 +89,9 @@ bool isAltGr(const QKeyEvent &event)
 
 EditorVim::EditorVim(EditorTextView &view, const Services &services, const VimOptions &options, Callbacks callbacks)
     : m_view(view), m_keyboard(services.keyboard), m_workers(services.commands.workers), m_callbacks(std::move(callbacks)),
-      m_beep(services.commands.beep), m_engine(new VimEngine(*this, *this, services.registers, options)), m_search(view, services.commands),
-      m_preview(view, services.commands.workers), m_substitution(view),
-      m_panel(std::make_unique<PendingKeysPanel>(view, services.commands.scheduler)), m_filePath(services.filePath),
-      m_scheduler(services.commands.scheduler)
+      m_name(services.name), m_beep(services.commands.beep), m_engine(new VimEngine(*this, *this, services.registers, options)),
+      m_search(view, services.commands), m_preview(view, services.commands.workers), m_substitution(view),
+      m_panel(std::make_unique<PendingKeysPanel>(view, services.commands.scheduler)), m_scheduler(services.commands.scheduler)
 {
     m_engine->setConfiguration(services.configuration);
     m_revision = m_view.storage().revision();
@@ -393,6 +392,11 @@ const Rope &EditorVim::text() const
     return m_view.storage().text();
 }
 
+VimTextName EditorVim::name() const
+{
+    return m_name ? m_name() : VimTextName();
+}
+
 TextRange EditorVim::selectedRange() const
 {
     return m_view.selection().range();
@@ -485,6 +489,11 @@ void EditorVim::undo()
 void EditorVim::redo()
 {
     m_view.redo();
+}
+
+qsizetype EditorVim::undoSteps() const
+{
+    return m_view.undoManager().steps();
 }
 
 void EditorVim::beginUndoGroup()

@@ -47,7 +47,8 @@ public:
         VimConfiguration *configuration = nullptr;
         /// Of what is typed for this text.
         std::function<VimHistory::Kept()> historyKept = {};
-        std::function<QString()> filePath = {};
+        /// Of the text.
+        std::function<VimTextName()> name = {};
     };
 
     /// `view` must outlive it.
@@ -88,6 +89,7 @@ private:
     [[nodiscard]] bool takesCharacters() const;
 
     [[nodiscard]] const Rope &text() const override;
+    [[nodiscard]] VimTextName name() const override;
     [[nodiscard]] TextRange selectedRange() const override;
     void select(TextRange range, qsizetype caret) override;
     void selectSeveral(const std::vector<TextRange> &ranges, size_t primary) override;
@@ -98,6 +100,7 @@ private:
     void typeAgain(const QString &keys);
     void undo() override;
     void redo() override;
+    [[nodiscard]] qsizetype undoSteps() const override;
     void beginUndoGroup() override;
     void endUndoGroup() override;
     [[nodiscard]] qsizetype visibleLineCount() const override;
@@ -109,7 +112,6 @@ private:
     void seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive) override;
     void showIndicator(TextRange range) override;
     [[nodiscard]] Indentation indentation() const override;
-    [[nodiscard]] QString filePath() const override { return m_filePath ? m_filePath() : QString(); }
     void toggleComment() override;
     void setCaretLook(VimCaret look) override;
     void perform(const Action &action) override;
@@ -127,6 +129,7 @@ private:
     ForeignKeyboard &m_keyboard;
     Workers &m_workers;
     Callbacks m_callbacks;
+    std::function<VimTextName()> m_name;
     std::function<void()> m_beep;
     VimChords m_chords;
     std::unique_ptr<VimEngine> m_engine;
@@ -143,7 +146,6 @@ private:
     };
     /// To be done when the engine is done with the key.
     std::vector<EnteredAction> m_enteredActions;
-    std::function<QString()> m_filePath;
     Scheduler &m_scheduler;
     DelayedTask m_mappingTimeout;
     QString m_preedit;

@@ -42,6 +42,8 @@ public:
     void breakCoalescing() { m_mayCoalesce = false; }
 
     [[nodiscard]] bool canUndo() const { return m_done > 0; }
+    /// Groups that can be undone.
+    [[nodiscard]] qsizetype steps() const { return m_done; }
     [[nodiscard]] bool canRedo() const { return m_done < qsizetype(m_groups.size()); }
     /// Takes back the last group in one change and returns the selections from before it. Nothing when there is none, or a group is open.
     std::optional<Selections> undo();

@@ -68,6 +68,7 @@ public:
         rotate,
         format,
         formatInPlace,
+        filter,
     };
 
     /// All must outlive the engine.
@@ -96,9 +97,9 @@ public:
     void setHistory(VimHistory &history, std::function<VimHistory::Kept()> kept) { m_history = &history, m_historyKept = std::move(kept); }
     /// Those that the command line awaits.
     void completeFiles(const QStringList &names);
-    /// None before the first search.
     /// What the substitution that is typed behind ":" would do, in exact modal editing; none while there is nothing of it to be shown.
     [[nodiscard]] std::optional<VimTypedSubstitution> typedSubstitution() const;
+    /// None before the first search.
     [[nodiscard]] const std::optional<VimSearch> &lastSearch() const { return m_lastSearch; }
     /// Whether its hits are to be marked, if they are to be at all: not from hideHits() on till the next search.
     [[nodiscard]] bool showsHits() const { return m_showsHits; }

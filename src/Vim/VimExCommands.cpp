@@ -129,7 +129,7 @@ constexpr auto commands = std::to_array<VimExCommand>({
     exactly({u"s[ubstitute]", u"&", u"&&", u"~"}, range | rest | edits, &Ex::substitute,
             {commandLine, u"substitute; the same again", {u":s/old/new/g"sv, u":&&"sv}}),
     exactly({u"ret[ab]"}, range | all | bang | argument | edits, &Ex::retab, {commandLine, u"write tabs and spaces anew", {u":retab"sv}}),
-    exactly({u"u[ndo]"}, count, &Ex::undo, {commandLine, u"undo, redo"}),
+    exactly({u"u[ndo]"}, argument, &Ex::undo, {commandLine, u"undo, redo"}),
     exactly({u"red[o]"}, nothing, &Ex::redo, besideAbove),
     exactly({u"k"}, range | argument, &Ex::mark, {commandLine, u"set, delete marks", {u":k x"sv}}),
     exactly({u"ma[rk]"}, range | argument, &Ex::mark),
@@ -142,6 +142,10 @@ constexpr auto commands = std::to_array<VimExCommand>({
     exactly({u"nu[mber]", u"#"}, lines, &Ex::printNumbered, besideAbove),
     exactly({u"="}, range, &Ex::lineNumber, besideAbove),
     exactly({u"pw[d]"}, nothing, &Ex::workingFolder),
+    exactly({u"f[ile]"}, nothing, &Ex::tellPlace, {commandLine, u"name of the text and place in it, the character’s code"}),
+    exactly({u"as[cii]"}, nothing, &Ex::tellCharacter, besideAbove),
+    exactly({u"!", u"sh[ell]", u"ter[minal]", u"mak[e]"}, range | bang | rest, &Ex::refuseProgram),
+    exactly({u"gr[ep]", u"lgr[ep]", u"lmak[e]"}, bang | rest, &Ex::refuseProgram),
     exactly({u"wa[ll]"}, bang, Actions::saveAllDocuments, {commandLine, u"write all, and close the window", {u":wa"sv, u":wqa"sv}}),
     exactly({u"wqa[ll]", u"xa[ll]"}, bang, &Ex::writeAllAndClose),
     exactly({u"ene[w]"}, bang, Actions::newDocument),
@@ -321,7 +325,7 @@ bool VimExCommand::isAbbreviation(QStringView typed, QStringView name)
     const QStringView ending = name.endsWith(u'!') ? QStringView(u"!") : QStringView();
     const QStringView letters = QStringView(full).chopped(ending.size());
     return typed.size() >= shortest(name).size() && typed.endsWith(ending) && letters.startsWith(typed.chopped(ending.size())) &&
-           (typed.size() > ending.size());
+           (typed.size() > ending.size() || name == ending);
 }
 
 const VimExCommand *VimExCommand::namedExactly(QStringView name)

@@ -7,12 +7,14 @@
 
 #include "Base/FilePath.h"
 #include "Base/Translation.h"
+#include "Text/TextBoundaries.h"
 #include "Vim/VimExTarget.h"
 #include "Vim/VimMarkedLines.h"
 #include "Vim/VimMarks.h"
 #include "Vim/VimMatcher.h"
 #include "Vim/VimRegisters.h"
 #include "Vim/VimSubstituteJob.h"
+#include "Vim/VimTextView.h"
 
 using namespace Qt::StringLiterals;
 
@@ -501,11 +503,24 @@ Result<void> normal(VimExCall &call)
 
 Result<void> undo(VimExCall &call)
 {
-    if (call.count) {
-        return failure(localized(u"Changes have no numbers here"));
-    }
+    VimExTarget &target = call.target();
+    const QString wanted = call.argument.trimmed();
     call.line.endUndoGroup();
-    call.target().undo();
+    if (wanted.isEmpty()) {
+        target.undo();
+        return {};
+    }
+    bool isNumber = false;
+    const qsizetype number = wanted.toLongLong(&isNumber);
+    if (!isNumber || number < 0) {
+        return failure(formatted(localized(u"Needs a number: %@"), wanted));
+    }
+    for (qsizetype steps = target.undoSteps(); steps != number; steps = target.undoSteps()) {
+        steps > number ? target.undo() : target.redo();
+        if (target.undoSteps() == steps) {
+            return failure(formatted(localized(u"There is no change %d"), number));
+        }
+    }
     return {};
 }
 
@@ -645,6 +660,47 @@ Result<void> workingFolder(VimExCall &call)
 {
     call.line.say(shownPath(::workingFolder()));
     return {};
+}
+
+Result<void> tellPlace(VimExCall &call)
+{
+    VimExTarget &target = call.target();
+    const VimExLines lines(target.text());
+    const qsizetype line = lines.lineOf(target.caret());
+    const VimTextName name = target.name();
+    call.line.say(formatted(localized(u"“%@”, line %d of %d, column %d"), name.path.isEmpty() ? name.title : shownPath(name.path), line,
+                            lines.count(), target.caret() - lines.start(line) + 1));
+    return {};
+}
+
+/// Of all that is shown as one.
+Result<void> tellCharacter(VimExCall &call)
+{
+    VimExTarget &target = call.target();
+    const VimExLines lines(target.text());
+    const qsizetype caret = target.caret();
+    if (caret >= lines.end(lines.lineOf(caret))) {
+        return failure(localized(u"No character here"));
+    }
+    QStringList codes;
+    for (const uint code : target.text().toString(TextRange::between(caret, TextBoundaries::nextGrapheme(target.text(), caret))).toUcs4()) {
+        const char32_t character = code;
+        constexpr int fewestDigits = 4;
+        codes << formatted(localized(u"<%@> U+%@, decimal %d"), shown(Rope(QString::fromUcs4(&character, 1))),
+                           u"%1"_s.arg(code, fewestDigits, 16, QChar(u'0')).toUpper(), code);
+    }
+    call.line.say(codes.join(u"; "_s));
+    return {};
+}
+
+QString refusalOfProgram(const QString &name)
+{
+    return formatted(localized(u"%@ runs other programs, which this editor does not"), name);
+}
+
+Result<void> refuseProgram(VimExCall &call)
+{
+    return failure(refusalOfProgram(u':' + call.name));
 }
 
 // Marks

@@ -34,6 +34,12 @@ Result<void> listMarks(VimExCall &call);
 Result<void> listJumps(VimExCall &call);
 Result<void> listChanges(VimExCall &call);
 Result<void> workingFolder(VimExCall &call);
+Result<void> tellPlace(VimExCall &call);
+Result<void> tellCharacter(VimExCall &call);
+/// Of commands of Vim that run others.
+Result<void> refuseProgram(VimExCall &call);
+/// The same of a key.
+[[nodiscard]] QString refusalOfProgram(const QString &name);
 
 // Marks
 Result<void> hideHits(VimExCall &call);

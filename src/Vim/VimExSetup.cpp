@@ -212,7 +212,10 @@ void openIfNamed(VimExCall &call)
 Result<void> write(VimExCall &call)
 {
     const QString name = call.argument.trimmed();
-    if (name.startsWith(u'!') || name.startsWith(u">>"_s) || call.written > 0) {
+    if (name.startsWith(u'!')) {
+        return failure(refusalOfProgram(u":w !"_s));
+    }
+    if (name.startsWith(u">>"_s) || call.written > 0) {
         return failure(localized(u"Only whole texts are written, and only to files"));
     }
     perform(call, call.hasBang && !name.isEmpty() ? Actions::writeOver : Actions::saveDocument, name);
@@ -289,7 +292,10 @@ Result<void> previousTab(VimExCall &call)
 Result<void> insertFile(VimExCall &call)
 {
     const QString name = call.argument.trimmed();
-    if (name.isEmpty() || name.startsWith(u'!')) {
+    if (name.startsWith(u'!')) {
+        return failure(refusalOfProgram(u":r !"_s));
+    }
+    if (name.isEmpty()) {
         return failure(localized(u"The name of a file is missing"));
     }
     VimExTarget &target = call.target();

@@ -16,6 +16,7 @@ struct VimOptions;
 struct VimSearch;
 struct VimSubstituteJob;
 struct VimSubstituteMemory;
+struct VimTextName;
 
 /// What commands behind ":" need of the engine whose text they change. Offsets are UTF-16 units.
 class VimExTarget {
@@ -31,6 +32,9 @@ public:
     virtual void endUndoGroup() = 0;
     virtual void undo() = 0;
     virtual void redo() = 0;
+    /// Steps that can be undone.
+    [[nodiscard]] virtual qsizetype undoSteps() const = 0;
+    [[nodiscard]] virtual VimTextName name() const = 0;
 
     [[nodiscard]] virtual VimMarks &marks() = 0;
     [[nodiscard]] virtual VimPlaces &jumps() = 0;

@@ -343,7 +343,7 @@ VimRegisterContents VimEngine::Exact::contents(std::optional<char16_t> name) con
         return {.text = Rope(engine.m_lastSearch ? engine.m_lastSearch->pattern : QString())};
     }
     if (name == u'%') {
-        return {.text = Rope(engine.m_view.filePath())};
+        return {.text = Rope(engine.m_view.name().path)};
     }
     return name == u'_' ? VimRegisterContents() : engine.m_registers.contents(name == u'"' ? std::nullopt : name);
 }

@@ -363,22 +363,28 @@ public:
     using ExactPart::ExactPart;
 
     void run(const QString &typed);
+    /// A command that a key stands for.
+    void runFromKey(const QString &command);
+    /// Of a key that in Vim runs another program.
+    void refuseProgram(const QString &key);
     /// The last substitution once more, in the line or in all lines.
     void substituteAgain(bool inAllLines);
     /// A key that answers a question; false when none is asked.
     bool takeAnswer(const VimKeyEvent &event);
     [[nodiscard]] std::optional<QString> lastReplacement() const { return m_substitution.replacement; }
+    [[nodiscard]] std::optional<VimTypedSubstitution> typedSubstitution() const;
 
 private:
     [[nodiscard]] const Rope &text() const override { return ExactPart::text(); }
     [[nodiscard]] qsizetype caret() const override { return ExactPart::caret(); }
-    [[nodiscard]] std::optional<VimTypedSubstitution> typedSubstitution() const;
     void moveCaret(qsizetype place) override;
     bool apply(const TextEdits &edits) override;
     void beginUndoGroup() override;
     void endUndoGroup() override;
     void undo() override;
     void redo() override;
+    [[nodiscard]] qsizetype undoSteps() const override;
+    [[nodiscard]] VimTextName name() const override;
     [[nodiscard]] VimMarks &marks() override;
     [[nodiscard]] VimPlaces &jumps() override;
     [[nodiscard]] VimPlaces &changes() override;

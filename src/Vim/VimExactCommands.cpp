@@ -10,6 +10,7 @@
 #include "Vim/VimExEdits.h"
 #include "Vim/VimExFunctions.h"
 #include "Vim/VimExLine.h"
+#include "Vim/VimExRange.h"
 
 #include <QScopedValueRollback>
 
@@ -33,6 +34,19 @@ void VimEngine::Commanding::run(const QString &typed)
     if (m_engine.m_mode == Mode::normal && !m_confirmation) {
         setCaret(ExactPart::caret(), m_exact.column);
     }
+}
+
+void VimEngine::Commanding::runFromKey(const QString &command)
+{
+    m_engine.resetPending();
+    run(command);
+    finish();
+}
+
+void VimEngine::Commanding::refuseProgram(const QString &key)
+{
+    say(VimExFunctions::refusalOfProgram(key));
+    fail();
 }
 
 void VimEngine::Commanding::substituteAgain(bool inAllLines)
@@ -78,6 +92,16 @@ void VimEngine::Commanding::undo()
 void VimEngine::Commanding::redo()
 {
     m_exact.operating.redo(1);
+}
+
+qsizetype VimEngine::Commanding::undoSteps() const
+{
+    return m_engine.m_view.undoSteps();
+}
+
+VimTextName VimEngine::Commanding::name() const
+{
+    return m_engine.m_view.name();
 }
 
 VimMarks &VimEngine::Commanding::marks()
@@ -151,30 +175,6 @@ void VimEngine::Commanding::perform(const Action &action, const QString &argumen
 
 // Substitutions
 
-bool VimEngine::Commanding::substituteElsewhere(const VimSubstituteJob &job)
-{
-    if (ExactPart::text().length() <= VimSearch::nearby || m_exact.repeating.isRunning() || job.flags.onlyCounts) {
-        return false;
-    }
-    m_engine.m_delegate.vimEngineSubstitutes(m_engine, job);
-    return true;
-}
-
-bool VimEngine::Commanding::confirm(const VimSubstituteJob &job)
-{
-    m_job = std::make_unique<VimSubstituteJob>(job);
-    m_confirmation = std::make_unique<VimSubstituteConfirmation>(*m_job, ExactPart::text());
-    m_engine.m_view.beginUndoGroup();
-    ask();
-    return true;
-}
-
-void VimEngine::Commanding::ask()
-{
-    const auto hit = m_confirmation->hit();
-    if (!hit) {
-        endQuestions();
-        return;
 std::optional<VimTypedSubstitution> VimEngine::typedSubstitution() const
 {
     const bool isTyped = m_exact && m_mode == Mode::commandLine && m_commandLine.prefix() == u':' && m_options.searchesWhileTyping;
@@ -216,6 +216,30 @@ std::optional<VimTypedSubstitution> VimEngine::Commanding::typedSubstitution() c
     return job ? std::optional(VimTypedSubstitution{*std::move(job), isAgain || command->hasReplacement}) : std::nullopt;
 }
 
+bool VimEngine::Commanding::substituteElsewhere(const VimSubstituteJob &job)
+{
+    if (ExactPart::text().length() <= VimSearch::nearby || m_exact.repeating.isRunning() || job.flags.onlyCounts) {
+        return false;
+    }
+    m_engine.m_delegate.vimEngineSubstitutes(m_engine, job);
+    return true;
+}
+
+bool VimEngine::Commanding::confirm(const VimSubstituteJob &job)
+{
+    m_job = std::make_unique<VimSubstituteJob>(job);
+    m_confirmation = std::make_unique<VimSubstituteConfirmation>(*m_job, ExactPart::text());
+    m_engine.m_view.beginUndoGroup();
+    ask();
+    return true;
+}
+
+void VimEngine::Commanding::ask()
+{
+    const auto hit = m_confirmation->hit();
+    if (!hit) {
+        endQuestions();
+        return;
     }
     setCaret(hit->location);
     m_engine.m_view.showIndicator(*hit);

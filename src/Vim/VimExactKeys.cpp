@@ -209,6 +209,7 @@ std::span<const VimEngine::KeyRow> VimEngine::exactKeys()
         {u'?', rotate, {operators, u"rotate letters by 13"}, afterG},
         {u'q', format, {operators, u"break lines at the text width; gw leaves the caret"}, afterG},
         {u'w', formatInPlace, besideAbove, afterG},
+        {u'!', filter},
         {u'x', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->selecting.apply(remove); }}, {}, plain, visualOnly},
         {u'X', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->selecting.removeAll(); }}, {}, plain, visualOnly},
         {u'D', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->selecting.removeLines(remove); }}, {}, plain, visualOnly},
@@ -351,6 +352,13 @@ std::span<const VimEngine::KeyRow> VimEngine::exactKeys()
          normalOnly},
         {u'&', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->commanding.substituteAgain(true); }}, besideAbove, afterG,
          normalOnly},
+
+        {u'g',
+         Command{[](VimEngine &engine, qsizetype) { engine.m_exact->commanding.runFromKey(u"file"_s); }},
+         {editing, u"name of the text and place in it, the character’s code"},
+         withControl},
+        {u'a', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->commanding.runFromKey(u"ascii"_s); }}, besideAbove, afterG},
+        {u'K', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->commanding.refuseProgram(u"K"_s); }}, {}, plain, notPending},
 
         // Insert mode
         {u'c', Command{[](VimEngine &engine, qsizetype) { engine.leaveToNormal(); }}, {}, whileInserting},

@@ -187,6 +187,10 @@ void VimEngine::Operating::setChangeMarks(qsizetype first, qsizetype last)
 
 void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
 {
+    if (kind == OperatorKind::filter) {
+        m_exact.commanding.refuseProgram(u"!"_s);
+        return;
+    }
     setChangeMarks(region.range.location, region.range.end() - 1);
     if (kind != OperatorKind::formatInPlace) {
         m_engine.m_view.select({region.start, 0}, region.start); // where undoing it leads back to
@@ -224,6 +228,8 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
     case OperatorKind::format:
     case OperatorKind::formatInPlace:
         format(region, kind == OperatorKind::formatInPlace);
+        break;
+    case OperatorKind::filter:
         break;
     }
     finish(Repeatable::yes);
@@ -625,6 +631,7 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
     }
     const qsizetype first = joined.edits.isEmpty() ? lineStart : joined.edits[0].range.location;
     edit(joined.edits);
+    m_exact.marks.noteJoined(lineStart);
     {
         const Sight sight = see();
         setChangeMarks(std::min(first, sight.lines.end(lineStart)), sight.lines.last(lineStart));

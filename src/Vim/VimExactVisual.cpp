@@ -238,7 +238,7 @@ void VimEngine::Selecting::apply(OperatorKind kind, std::optional<Span> span, bo
     remember();
     const qsizetype count = m_engine.effectiveCount();
     const bool isLineOperator = kind == OperatorKind::indent || kind == OperatorKind::outdent || kind == OperatorKind::format ||
-                                kind == OperatorKind::formatInPlace || kind == OperatorKind::toggleComment;
+                                kind == OperatorKind::formatInPlace || kind == OperatorKind::toggleComment || kind == OperatorKind::filter;
     if (m_engine.m_mode == Mode::visualBlock && span != Span::lines &&
         (!isLineOperator || kind == OperatorKind::indent || kind == OperatorKind::outdent)) {
         VimBlock shown = block();

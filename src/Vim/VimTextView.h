@@ -17,10 +17,19 @@ enum class VimCaret { bar, block };
 /// What goes before the caret while text is typed.
 enum class VimDeletion { letter, word, toLineStart };
 
+/// Of a text.
+struct VimTextName {
+    /// Of its file, absolute; empty while it has none.
+    QString path;
+    /// As its tab shows it.
+    QString title;
+};
+
 /// What the modal editing of a text needs of the view that shows it. Offsets are UTF-16 units.
 class VimTextView {
 public:
     [[nodiscard]] virtual const Rope &text() const = 0;
+    [[nodiscard]] virtual VimTextName name() const = 0;
     [[nodiscard]] virtual TextRange selectedRange() const = 0;
     /// Selects, and shows the caret at `caret`, one of the ends of `range` or the character before its end.
     virtual void select(TextRange range, qsizetype caret) = 0;
@@ -38,6 +47,8 @@ public:
     virtual void deleteBackward(VimDeletion what) = 0;
     virtual void undo() = 0;
     virtual void redo() = 0;
+    /// Steps that can be undone.
+    [[nodiscard]] virtual qsizetype undoSteps() const = 0;
     /// Changes till the end are one step of undo. Calls nest.
     virtual void beginUndoGroup() = 0;
     virtual void endUndoGroup() = 0;
@@ -62,8 +73,6 @@ public:
     virtual void showIndicator(TextRange range) = 0;
 
     [[nodiscard]] virtual Indentation indentation() const = 0;
-    /// Of the file that the text is of; empty for none.
-    [[nodiscard]] virtual QString filePath() const = 0;
     virtual void toggleComment() = 0;
     virtual void setCaretLook(VimCaret look) = 0;
     /// Up the responder chain.

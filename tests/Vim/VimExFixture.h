@@ -14,6 +14,7 @@
 #include "Vim/VimRegisters.h"
 #include "Vim/VimSearch.h"
 #include "Vim/VimSubstituteCommand.h"
+#include "Vim/VimTextView.h"
 
 /// A text for commands behind ":" without an engine.
 class VimExText final : public VimExTarget {
@@ -47,6 +48,8 @@ public:
     bool confirm(const VimSubstituteJob & /*job*/) override { return false; }
     void undo() override { show(undoManager.undo()); }
     void redo() override { show(undoManager.redo()); }
+    [[nodiscard]] qsizetype undoSteps() const override { return undoManager.steps(); }
+    [[nodiscard]] VimTextName name() const override { return {.path = {}, .title = QStringLiteral("Untitled")}; }
     [[nodiscard]] VimMarks &marks() override { return m_marks; }
     [[nodiscard]] VimPlaces &jumps() override { return m_jumps; }
     [[nodiscard]] VimPlaces &changes() override { return m_changes; }

@@ -135,6 +135,13 @@ TEST(VimExLine, SaysWhatIsWrong)
         {u"set sw=x", u"Needs a number: sw=x"},
         {u"w >>x", u"Only whole texts are written, and only to files"},
         {u"sil d!|d", u"Takes no “!”: d"},
+        {u"%!sort", u":! runs other programs, which this editor does not"},
+        {u"mak all|d", u":mak runs other programs, which this editor does not"},
+        {u"r !date", u":r ! runs other programs, which this editor does not"},
+        {u"w !cat", u":w ! runs other programs, which this editor does not"},
+        {u"undo 3", u"There is no change 3"},
+        {u"nmap <C-Left> b", u"There is no such key here: <C-Left>"},
+        {u"file x", u"More than the command takes: x"},
         {u"s/nope/x/", u"Pattern not found: nope"},
         {u"%s/o/x/gc", u"Substitutions are not confirmed here"},
     };
@@ -162,6 +169,8 @@ TEST(VimExLine, AsksTheWindow)
         {u"2r x.txt", u"insertFile:2 x.txt"},
         {u"noh", u"hits hidden"},
         {u"=", u"2"},
+        {u"f", u"“Untitled”, line 1 of 2, column 1"},
+        {u"ascii", u"<o> U+006F, decimal 111"},
         {u"1nu", u"  1 one"},
         {u"w|bn", u"saveDocument:|selectNextTab:"},
     };
@@ -207,6 +216,7 @@ TEST(VimKeyNotation, GoesBothWays)
         EXPECT_EQ(VimKeyNotation::parsed(VimKeyNotation::written(keys), {}), keys) << written.toString().toStdString();
     }
     EXPECT_EQ(VimKeyNotation::parsed(u"<leader>x<Nop><x><", u","), u",x<x><"_s);
+    EXPECT_EQ(VimKeyNotation::unknownKey(u"<F12><C-w><x-y><S-F1>"), u"<S-F1>"_s);
 }
 
 namespace {
@@ -216,7 +226,6 @@ QString fed(VimExText &text, const QString &typed)
 {
     VimKeymap keymap(VimKeymapPreset::plain, text.configuration.options().mappings);
     VimKeyQueue queue;
-    EXPECT_EQ(VimKeyNotation::unknownKey(u"<F12><C-w><x-y><S-F1>"), u"<S-F1>"_s);
     queue.putFirst(typed, 0);
     QString done;
     const auto pass = [&](const QList<VimKeyStroke> &strokes) {

@@ -65,6 +65,7 @@ public:
     }
 
     [[nodiscard]] const Rope &text() const override { return storage.text(); }
+    [[nodiscard]] VimTextName name() const override { return textName; }
     [[nodiscard]] TextRange selectedRange() const override { return selected; }
     void select(TextRange range, qsizetype at) override
     {
@@ -137,6 +138,7 @@ public:
     }
     void undo() override { show(undoManager.undo()); }
     void redo() override { show(undoManager.redo()); }
+    [[nodiscard]] qsizetype undoSteps() const override { return undoManager.steps(); }
     void beginUndoGroup() override { undoManager.beginGroup(GroupKind::other, TextSelection::at(selected.location), this); }
     void endUndoGroup() override { undoManager.endGroup(TextSelection::at(selected.location)); }
     [[nodiscard]] qsizetype visibleLineCount() const override { return 20; }
@@ -153,7 +155,6 @@ public:
     }
     void showIndicator(TextRange range) override { indicator = range; }
     [[nodiscard]] Indentation indentation() const override { return indent; }
-    [[nodiscard]] QString filePath() const override { return QStringLiteral("/folder/file"); }
     void toggleComment() override
     {
         actions << QStringLiteral("toggleComment");
@@ -180,6 +181,7 @@ public:
     std::optional<TextRange> visible;
     TextRange indicator;
     Indentation indent;
+    VimTextName textName{.path = QStringLiteral("/folder/file"), .title = QStringLiteral("file")};
     QStringList commandLines;
     QStringList messages;
     bool isReadOnly = false;
@@ -208,10 +210,10 @@ private:
             {QStringLiteral("Del"), VimKey::forwardDelete},
             {QStringLiteral("Tab"), u'\t'},
             {QStringLiteral("Backtab"), VimKey::backtab},
+            {QStringLiteral("F5"), char16_t(VimKey::functionKey + 4)},
         };
         const auto known = names.find(name);
         return known == names.end() ? name : QString(QChar(known->second));
-            {QStringLiteral("F5"), char16_t(VimKey::functionKey + 4)},
     }
     void show(const std::optional<Selections> &selections)
     {

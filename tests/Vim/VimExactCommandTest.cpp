@@ -1,0 +1,92 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// Commands behind ":" and what keys have of them, with the engine that carries them out.
+
+#include "VimFixture.h"
+
+#include "Vim/VimSubstituteJob.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+VimOptions exactly()
+{
+    VimOptions options(VimKeymapPreset::plain);
+    options.isExact = true;
+    options.searchesWhileTyping = true;
+    return options;
+}
+
+} // namespace
+
+TEST(VimExactCommand, KnowsTheSubstitutionThatIsTyped)
+{
+    VimView view(u"one bar\n  two\n"_s, exactly());
+    view.preferences.set(Settings::vimExact, true);
+    view.press(u":2s/o/0/g<CR>ggma"_s);
+    const auto told = [&](const QString &typed) {
+        view.press(u':' + typed);
+        const auto substitution = view.engine.typedSubstitution();
+        QString hits = u"none"_s;
+        if (substitution) {
+            hits = u"%1-%2"_s.arg(substitution->job.firstLine).arg(substitution->job.lastLine);
+            for (const VimSubstituteHit &hit : substitution->job.preview(view.text(), {0, view.text().length()})) {
+                hits += u' ' + view.text().toString(hit.range) + (substitution->hasReplacement ? u'>' + hit.text : QString());
+            }
+        }
+        view.press(u"<Esc>"_s);
+        return hits.toStdString();
+    };
+    const std::pair<QStringView, std::string> rows[] = {
+        {u"s", "none"},
+        {u"s/", "none"},
+        {u"se", "none"},
+        {u"9s/o/x", "none"},
+        {u"s/n", "0-0 n"},
+        {u"s//~~/", "0-0 o>00"},
+        {u"&&", "0-0 o>0"},
+        {u"s/a/x/", "0-0 a>x"},
+        {u"'a,/two/s/b/~", "none"},
+        {u"'a,/tw/s/b/~", "0-1 b>0"},
+        {u"/tw/,'as/o/x", "0-1 o>x"},
+    };
+    for (const auto &[typed, hits] : rows) {
+        EXPECT_EQ(told(typed.toString()), hits) << typed.toString().toStdString();
+    }
+    view.press(u":s//1/<CR>"_s);
+    EXPECT_EQ(view.string().toStdString(), "1ne bar\n  tw0\n") << "what was only typed is not remembered";
+}
+
+TEST(VimExactCommand, DoesWhatKeysAndCommandsSay)
+{
+    struct Row {
+        QString keys;
+        std::string text;
+        std::string said = {};
+    };
+    const std::string before = "a1\na2\na3\na4\n";
+    const Row rows[] = {
+        {u":g/a/norm J<CR>"_s, "a1 a2\na3 a4\n"},
+        {u"xjxjx:undo 1<CR>"_s, "1\na2\na3\na4\n"},
+        {u"xjxjx:undo 0<CR>:undo 2<CR>"_s, "1\n2\na3\na4\n"},
+        {u"x:undo 2<CR>"_s, "1\na2\na3\na4\n", "There is no change 2"},
+        {u"!jx"_s, "1\na2\na3\na4\n", "! runs other programs, which this editor does not"},
+        {u"Vj!x"_s, "1\na2\na3\na4\n", "! runs other programs, which this editor does not"},
+        {u"Kx"_s, "1\na2\na3\na4\n", "K runs other programs, which this editor does not"},
+        {u"jl<C-g>"_s, before, "“Notes”, line 2 of 4, column 2"},
+        {u"ie\u0301<Esc>ga"_s, "e\u0301" + before, "<e> U+0065, decimal 101; <\u0301> U+0301, decimal 769"},
+        {u"i<C-v>u00e9<C-v>74<Esc>x"_s, "\u00e9" + before},
+        {u":nmap <lt>F5> x<CR>:imap <lt>S-Tab> y<CR><F5>i<Backtab>"_s, "y1\na2\na3\na4\n"},
+    };
+    for (const Row &row : rows) {
+        VimView view(QString::fromStdString(before), exactly());
+        view.preferences.set(Settings::vimExact, true);
+        view.engine.configure(view.configuration.options());
+        view.textName = {.path = {}, .title = u"Notes"_s};
+        view.press(row.keys);
+        EXPECT_EQ(view.string().toStdString(), row.text) << row.keys.toStdString();
+        EXPECT_EQ(view.messages.join(u'|').toStdString(), row.said) << row.keys.toStdString();
+    }
+}
