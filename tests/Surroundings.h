@@ -21,6 +21,7 @@
 #include "Settings/Preferences.h"
 #include "TestFolder.h"
 #include "UI/WorkspaceServices.h"
+#include "Vim/VimConfiguration.h"
 #include "Vim/VimHistory.h"
 #include "Vim/VimRegisters.h"
 #include "Widgets/AlertPresenter.h"
@@ -67,11 +68,12 @@ struct Surroundings : TestFolder {
     FindState find;
     VimRegisters registers{pasteboard, preferences};
     VimHistory vimHistory;
+    VimConfiguration vimConfiguration{preferences};
     ForeignKeyboard keyboard;
     RecordingDesktop desktop;
     RecentDocuments recent{QString(), workers};
     WorkspaceServices services{{scheduler, notifications, preferences, pasteboard, presenter, documents, workers, find, registers, keyboard,
-                                nullptr, nullptr, nullptr, &vimHistory},
+                                nullptr, nullptr, nullptr, &vimHistory, &vimConfiguration},
                                defaults,
                                desktop,
                                session,

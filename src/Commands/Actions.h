@@ -430,6 +430,9 @@ inline constexpr Action editFile{"editFile:"};
 /// It represents the number of a tab, from 1, or a part of its name.
 inline constexpr Action showTab{"showTab:"};
 inline constexpr Action listTabs{"listTabs:"};
+/// It represents a line, from 1, a column of UTF-16 units, from 1 or 0 for the first that is no blank, and the path of a file or the
+/// identifier of an open text, with a space between.
+inline constexpr Action goToPlace{"goToPlace:"};
 /// It represents the number of the line to put it behind, a space, and the name of the file.
 inline constexpr Action insertFile{"insertFile:"};
 /// It represents the name of a file of commands of modal editing; "%" is the text's own.
@@ -441,8 +444,8 @@ inline constexpr Action compareWithOrigin{"compareWithOrigin:"};
 
 inline constexpr auto inNoMenu = std::to_array<const Action *>(
     {&showFindInterface, &closeWindowFromVim, &closeOtherSplits, &focusPreviousPane, &saveAndClose, &forceCloseTab, &editFile, &showTab,
-     &listTabs, &insertFile, &sourceFile, &revertWithoutAsking, &finishWaiting, &abortWaiting, &closeOtherTabs, &closeTabsToTheRight,
-     &closeSavedTabs, &compareWithOrigin});
+     &listTabs, &goToPlace, &insertFile, &sourceFile, &revertWithoutAsking, &finishWaiting, &abortWaiting, &closeOtherTabs,
+     &closeTabsToTheRight, &closeSavedTabs, &compareWithOrigin});
 
 /// Those of the menu bar in its order, each once.
 [[nodiscard]] std::vector<const Action *> inMenus();

@@ -377,7 +377,7 @@ void EditorViewController::applyVimMode()
             EditorVim::Services{commandServices(), m_services.registers, m_services.keyboard, m_services.vimHistory,
                                 m_services.vimConfiguration, [this] { return historyKept(); },
                                 [this] {
-                                    return VimTextName{m_document->path(), m_document->displayName()};
+                                    return VimTextName{m_document->path(), m_document->displayName(), m_document->id().toString()};
                                 }},
             options,
             EditorVim::Callbacks{

@@ -8,6 +8,8 @@
 #include "Commands/Actions.h"
 #include "Model/TextDocument.h"
 #include "Settings/Preferences.h"
+#include "Text/LineEditing.h"
+#include "Text/LineIndex.h"
 #include "UI/MissingCharactersPanel.h"
 #include "UI/TextIndentationMenu.h"
 #include "UI/WorkspaceViewController.h"
@@ -51,6 +53,7 @@ const ActionRow *WorkspaceViewController::actionFor(const Action &wanted) const
         action<&Self::editFile>(Actions::editFile),
         action<&Self::showTab>(Actions::showTab),
         action<&Self::listTabs>(Actions::listTabs),
+        action<&Self::goToPlace>(Actions::goToPlace),
         action<&Self::showFindInterface, &Self::hasEditor>(Actions::showFindInterface),
         action<&Self::closeWindowFromVim>(Actions::closeWindowFromVim),
         action<&Self::goToLine, &Self::hasEditor>(Actions::goToLine),
@@ -116,6 +119,36 @@ void WorkspaceViewController::showTab(const ActionSender &sender)
         return;
     }
     selectTab(tab);
+}
+
+/// A file is opened if it is not.
+void WorkspaceViewController::goToPlace(const ActionSender &sender)
+{
+    const QString represented = sender.represented.toString();
+    const auto line = static_cast<LineNumber>(represented.section(u' ', 0, 0).toLongLong());
+    const qsizetype column = represented.section(u' ', 1, 1).toLongLong();
+    const QString name = represented.section(u' ', 2);
+    const auto &documents = m_services.documents.documents();
+    const auto text = std::ranges::find(documents, name, [](const auto &document) { return document->id().toString(); });
+    const PaneLayout::Document document = text != documents.end() ? *text : name.startsWith(u'/') ? open({name}).front() : nullptr;
+    if (!document) {
+        beep();
+        return;
+    }
+    showDocument(*document);
+    document->arrival().whenOver([workspace = QPointer(this), shown = document.get(), line, column] {
+        if (workspace) {
+            const auto twin = shown->arrival().failure().twin;
+            workspace->goToColumn(twin ? *twin : *shown, line, column);
+        }
+    });
+}
+
+void WorkspaceViewController::goToColumn(TextDocument &document, LineNumber line, qsizetype column)
+{
+    const Rope &text = document.storage().text();
+    goTo(document, line, column > 0 ? column : LineEditing::leadingBlanks(text, LineIndex::startOfLine(line, text)).size() + 1);
+    focusEditor();
 }
 
 /// With their numbers; "+" marks those with unsaved changes.

@@ -143,6 +143,9 @@ private:
     void editFile(const ActionSender &sender);
     void showTab(const ActionSender &sender);
     void listTabs();
+    void goToPlace(const ActionSender &sender);
+    /// 0 for the first character of the line that is no blank.
+    void goToColumn(TextDocument &document, LineNumber line, qsizetype column);
 
     // Enabling
     [[nodiscard]] bool hasEditor() const { return currentEditor() != nullptr; }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Base/Result.h"
+#include "Vim/VimFileMarks.h"
 #include "Vim/VimMappings.h"
 #include "Vim/VimOptions.h"
 
@@ -40,12 +41,15 @@ public:
     [[nodiscard]] Preferences &preferences() const { return m_preferences; }
     /// Engines that were given the options go by changes of them at once.
     [[nodiscard]] VimMappings &mappings() { return *m_mappings; }
+    /// Nobody sets them up, but they too are those of all editors.
+    [[nodiscard]] VimFileMarks &fileMarks() { return m_fileMarks; }
     [[nodiscard]] const QString &leader() const { return m_leader; }
     void setLeader(const QString &keys) { m_leader = keys; }
 
 private:
     Preferences &m_preferences;
     std::shared_ptr<VimMappings> m_mappings = std::make_shared<VimMappings>();
+    VimFileMarks m_fileMarks;
     QString m_leader = QStringLiteral("\\");
     bool m_isRead = false;
 };

@@ -219,6 +219,7 @@ private:
     class Operating;
     class Selecting;
     class Going;
+    class Marking;
     class Commanding;
 
     // Keys

@@ -637,6 +637,14 @@ Result<void> listMarks(VimExCall &call)
                         .arg(lines.string(line).trimmed());
         }
     }
+    for (const VimFileMarks::Mark &mark : call.target().marksElsewhere()) {
+        if (call.argument.isEmpty() || call.argument.contains(QChar(mark.name))) {
+            rows << u" %1%2 %3  %4"_s.arg(QChar(mark.name))
+                        .arg(mark.place.line, 7)
+                        .arg(mark.place.column, 7)
+                        .arg(mark.place.text.startsWith(u'/') ? shownPath(mark.place.text) : mark.place.title);
+        }
+    }
     if (rows.size() == 1) {
         return failure(formatted(localized(u"Mark not set: %@"), call.argument));
     }
@@ -718,20 +726,19 @@ Result<void> mark(VimExCall &call)
     if (name.size() != 1 || !(VimMarks::isUsers(name.front().unicode()) || QStringView(u"'`[]<>").contains(name))) {
         return failure(formatted(localized(u"Not a mark: %@"), name));
     }
-    target.marks().set(name.front().unicode(), VimExLines(target.text()).firstNonBlank(call.lines.last));
+    target.setMark(name.front().unicode(), VimExLines(target.text()).firstNonBlank(call.lines.last));
     return {};
 }
 
 Result<void> deleteMarks(VimExCall &call)
 {
-    VimMarks &marks = call.target().marks();
     const QStringView names = call.argument;
     if (call.hasBang != names.isEmpty()) {
         return failure(call.hasBang ? formatted(localized(u"More than the command takes: %@"), call.argument)
                                     : localized(u"The names of marks are missing"));
     }
     if (call.hasBang) {
-        marks.deleteAll();
+        call.target().marks().deleteAll();
         return {};
     }
     for (qsizetype at = 0; at < names.size(); ++at) {
@@ -746,7 +753,7 @@ Result<void> deleteMarks(VimExCall &call)
             return failure(formatted(localized(u"Not a mark: %@"), names.sliced(at).toString()));
         }
         for (char16_t name = first; name <= last; ++name) {
-            marks.remove(name);
+            call.target().removeMark(name);
         }
         at += isSpan ? 2 : 0;
     }

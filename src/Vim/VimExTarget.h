@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Text/LineEditing.h"
+#include "Vim/VimFileMarks.h"
 
 #include <QString>
 
@@ -36,7 +37,11 @@ public:
     [[nodiscard]] virtual qsizetype undoSteps() const = 0;
     [[nodiscard]] virtual VimTextName name() const = 0;
 
+    /// Of this text; those of the user are set and removed by what follows.
     [[nodiscard]] virtual VimMarks &marks() = 0;
+    virtual void setMark(char16_t name, qsizetype place) = 0;
+    virtual void removeMark(char16_t name) = 0;
+    [[nodiscard]] virtual std::vector<VimFileMarks::Mark> marksElsewhere() const = 0;
     [[nodiscard]] virtual VimPlaces &jumps() = 0;
     [[nodiscard]] virtual VimPlaces &changes() = 0;
     [[nodiscard]] virtual VimRegisters &registers() = 0;

@@ -10,6 +10,7 @@
 #include "Vim/VimExTarget.h"
 #include "Vim/VimExactMotion.h"
 #include "Vim/VimExactObject.h"
+#include "Vim/VimFileMarks.h"
 #include "Vim/VimFormatting.h"
 #include "Vim/VimLiteral.h"
 #include "Vim/VimMarks.h"
@@ -357,6 +358,26 @@ private:
     std::optional<LastFind> m_last;
 };
 
+/// The user's marks. Those of other texts are places of theirs.
+class VimEngine::Marking final : public ExactPart, private VimFileMarks::Holder {
+public:
+    using ExactPart::ExactPart;
+    ~Marking();
+    Q_DISABLE_COPY_MOVE(Marking)
+
+    void set(char16_t name, qsizetype place);
+    void remove(char16_t name);
+    /// Has those of A–Z that are in this text, whoever set them, and no others.
+    void update();
+    [[nodiscard]] std::vector<VimFileMarks::Mark> elsewhere() const;
+    /// To a mark in another text; false when there is no such mark.
+    bool goElsewhere(char16_t name, bool isExact);
+
+private:
+    [[nodiscard]] std::optional<VimFileMarks::Place> heldMark(char16_t mark) const override;
+    [[nodiscard]] VimFileMarks *shared() const;
+};
+
 /// What commands behind ":" do to the text, and the questions of those that ask.
 class VimEngine::Commanding final : public ExactPart, public VimExTarget {
 public:
@@ -386,6 +407,9 @@ private:
     [[nodiscard]] qsizetype undoSteps() const override;
     [[nodiscard]] VimTextName name() const override;
     [[nodiscard]] VimMarks &marks() override;
+    void setMark(char16_t name, qsizetype place) override;
+    void removeMark(char16_t name) override;
+    [[nodiscard]] std::vector<VimFileMarks::Mark> marksElsewhere() const override;
     [[nodiscard]] VimPlaces &jumps() override;
     [[nodiscard]] VimPlaces &changes() override;
     [[nodiscard]] VimRegisters &registers() override;
@@ -440,6 +464,7 @@ public:
     Operating operating{*this};
     Selecting selecting{*this};
     Going going{*this};
+    Marking marking{*this};
     Commanding commanding{*this};
 
 private:

@@ -106,7 +106,23 @@ VimTextName VimEngine::Commanding::name() const
 
 VimMarks &VimEngine::Commanding::marks()
 {
+    m_exact.marking.update();
     return m_exact.marks;
+}
+
+void VimEngine::Commanding::setMark(char16_t name, qsizetype place)
+{
+    m_exact.marking.set(name, place);
+}
+
+void VimEngine::Commanding::removeMark(char16_t name)
+{
+    m_exact.marking.remove(name);
+}
+
+std::vector<VimFileMarks::Mark> VimEngine::Commanding::marksElsewhere() const
+{
+    return m_exact.marking.elsewhere();
 }
 
 VimPlaces &VimEngine::Commanding::jumps()

@@ -149,7 +149,11 @@ void VimEngine::Going::rememberJump(Moving moving)
 void VimEngine::Going::toMark(char16_t name, bool isExact)
 {
     const char16_t known = name == u'`' ? u'\'' : name;
+    m_exact.marking.update();
     auto place = m_exact.marks.place(known);
+    if (!place && m_exact.marking.goElsewhere(known, isExact)) {
+        return;
+    }
     if (!place && (known == u'\'' || known == u'[')) {
         place = 0; // as in a text that was just opened
     } else if (!place && known == u']') {
@@ -182,7 +186,7 @@ void VimEngine::Going::setMark(char16_t name)
         fail();
         return;
     }
-    m_exact.marks.set(known, caret());
+    m_exact.marking.set(known, caret());
     finish();
 }
 

@@ -23,6 +23,11 @@ struct VimTextName {
     QString path;
     /// As its tab shows it.
     QString title;
+    /// Of no other text of the process.
+    QString id;
+
+    /// What a place in it is kept by: the file may be opened again.
+    [[nodiscard]] const QString &lasting() const { return path.isEmpty() ? id : path; }
 };
 
 /// What the modal editing of a text needs of the view that shows it. Offsets are UTF-16 units.

@@ -138,6 +138,30 @@ TEST_F(ModalEditingTest, ExactCommandLinesAreCompletedAndKept)
     EXPECT_TRUE(vimHistory.isEmpty());
 }
 
+TEST_F(ModalEditingTest, MarksLeadToOtherFilesAndFunctionKeysToMappings)
+{
+    preferences.set(Settings::vimExact, true);
+    start("one\n  two\nthree\n");
+    TextDocument &first = document();
+    press(u"jllmA"_s);
+    workspace().open({put(u"b.txt"_s, "x\n")});
+    press(u"'A"_s);
+    EXPECT_EQ(&document(), &first);
+    EXPECT_EQ(caret(), 6) << "the first that is no blank";
+    send(Actions::closeTab);
+    QCoreApplication::processEvents();
+    ASSERT_NE(&document(), &first);
+    press(u"`A"_s);
+    EXPECT_EQ(document().displayName(), u"a.txt"_s) << "opened again";
+    EXPECT_EQ(caret(), 6);
+    EXPECT_FALSE(claims(Qt::Key_F5, Qt::NoModifier));
+    type(u":nmap <F5> x"_s);
+    press(u"<CR>"_s);
+    EXPECT_TRUE(claims(Qt::Key_F5, Qt::NoModifier));
+    QTest::keyClick(&textView(), Qt::Key_F5);
+    EXPECT_EQ(text(), u"one\n  wo\nthree\n"_s);
+}
+
 TEST_F(ModalEditingTest, ChordsAreShortcutsWhereTheUserWantsThemToBe)
 {
     using enum Qt::KeyboardModifier;

@@ -51,6 +51,9 @@ public:
     [[nodiscard]] qsizetype undoSteps() const override { return undoManager.steps(); }
     [[nodiscard]] VimTextName name() const override { return {.path = {}, .title = QStringLiteral("Untitled")}; }
     [[nodiscard]] VimMarks &marks() override { return m_marks; }
+    void setMark(char16_t name, qsizetype at) override { m_marks.set(name, at); }
+    void removeMark(char16_t name) override { m_marks.remove(name); }
+    [[nodiscard]] std::vector<VimFileMarks::Mark> marksElsewhere() const override { return {}; }
     [[nodiscard]] VimPlaces &jumps() override { return m_jumps; }
     [[nodiscard]] VimPlaces &changes() override { return m_changes; }
     [[nodiscard]] VimRegisters &registers() override { return m_registers; }

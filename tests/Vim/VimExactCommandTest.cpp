@@ -90,3 +90,37 @@ TEST(VimExactCommand, DoesWhatKeysAndCommandsSay)
         EXPECT_EQ(view.messages.join(u'|').toStdString(), row.said) << row.keys.toStdString();
     }
 }
+
+TEST(VimExactCommand, GoesToMarksOfOtherTexts)
+{
+    VimView one(u"one\n  two\nthree\n"_s, exactly());
+    one.textName = {.path = u"/folder/one.txt"_s, .title = u"one.txt"_s, .id = {}};
+    const auto open = [&](VimView &view) { view.engine.setConfiguration(&one.configuration); };
+    const auto came = [](VimView &view, const QString &keys) {
+        view.actions.clear();
+        view.press(keys);
+        return view.actions.join(u'|').toStdString();
+    };
+    VimView other(u"x\ny\n"_s, exactly());
+    other.textName = {.path = {}, .title = u"Untitled"_s, .id = u"{1}"_s};
+    open(other);
+    one.press(u"jllmAggOzero<Esc>"_s);
+    EXPECT_EQ(came(other, u"`A"_s), "goToPlace:3 3 /folder/one.txt") << "it has moved";
+    EXPECT_EQ(came(other, u"'A"_s), "goToPlace:3 0 /folder/one.txt");
+    EXPECT_EQ(came(other, u"d'A"_s), "");
+    EXPECT_EQ(other.messages, QStringList{u"The mark A is in another text"_s});
+    EXPECT_EQ(other.string(), u"x\ny\n"_s);
+    {
+        VimView again(one.string(), exactly());
+        again.textName = one.textName;
+        open(again);
+        again.press(u"d'A"_s);
+        EXPECT_EQ(again.string(), u"three\n"_s) << "the same file in another pane";
+        again.press(u"mB"_s);
+    }
+    EXPECT_EQ(came(other, u"`B"_s), "goToPlace:1 1 /folder/one.txt") << "whoever had it is gone";
+    other.press(u"jmA"_s);
+    EXPECT_EQ(came(one, u"'A"_s), "goToPlace:2 0 {1}");
+    EXPECT_EQ(came(one, u":marks AB<CR>"_s + u":delm A<CR>"_s + u"'A"_s), "");
+    EXPECT_EQ(one.messages, (QStringList{u"Marks"_s, u"Mark not set"_s}));
+}

@@ -1,0 +1,105 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// The user's marks in exact modal editing, of which A–Z are places in all texts.
+
+#include "Vim/VimExact.h"
+
+#include "Base/Translation.h"
+#include "Commands/Actions.h"
+#include "Vim/VimConfiguration.h"
+#include "Vim/VimExEdits.h"
+
+using namespace Qt::StringLiterals;
+
+VimEngine::Marking::~Marking()
+{
+    if (VimFileMarks *marks = shared()) {
+        marks->release(*this);
+    }
+}
+
+VimFileMarks *VimEngine::Marking::shared() const
+{
+    return m_engine.m_configuration ? &m_engine.m_configuration->fileMarks() : nullptr;
+}
+
+std::optional<VimFileMarks::Place> VimEngine::Marking::heldMark(char16_t mark) const
+{
+    const auto place = m_exact.marks.place(mark);
+    if (!place) {
+        return std::nullopt;
+    }
+    const VimExLines lines(text());
+    const qsizetype line = lines.lineOf(std::min(*place, text().length()));
+    const VimTextName name = m_engine.m_view.name();
+    return VimFileMarks::Place{.text = name.lasting(), .title = name.title, .line = line, .column = *place - lines.start(line)};
+}
+
+void VimEngine::Marking::set(char16_t name, qsizetype place)
+{
+    m_exact.marks.set(name, place);
+    if (VimFileMarks *marks = shared(); marks && VimFileMarks::isName(name)) {
+        marks->set(name, *this);
+    }
+}
+
+void VimEngine::Marking::remove(char16_t name)
+{
+    m_exact.marks.remove(name);
+    if (VimFileMarks *marks = shared()) {
+        marks->remove(name);
+    }
+}
+
+void VimEngine::Marking::update()
+{
+    VimFileMarks *marks = shared();
+    if (!marks) {
+        return;
+    }
+    const QString here = m_engine.m_view.name().lasting();
+    for (char16_t name = u'A'; name <= u'Z'; ++name) {
+        if (marks->holder(name) == this) {
+            continue;
+        }
+        const auto place = marks->place(name);
+        if (!place || place->text != here) {
+            m_exact.marks.remove(name);
+            continue;
+        }
+        const VimExLines lines(text());
+        const qsizetype line = std::min(place->line, lines.count());
+        m_exact.marks.set(name, std::min(lines.start(line) + place->column, lines.end(line)));
+        if (!marks->holder(name)) {
+            marks->set(name, *this);
+        }
+    }
+}
+
+std::vector<VimFileMarks::Mark> VimEngine::Marking::elsewhere() const
+{
+    const VimFileMarks *marks = shared();
+    std::vector<VimFileMarks::Mark> all = marks ? marks->all() : std::vector<VimFileMarks::Mark>();
+    std::erase_if(all, [here = m_engine.m_view.name().lasting()](const VimFileMarks::Mark &mark) { return mark.place.text == here; });
+    return all;
+}
+
+bool VimEngine::Marking::goElsewhere(char16_t name, bool isExact)
+{
+    const std::vector<VimFileMarks::Mark> others = elsewhere();
+    const auto mark = std::ranges::find(others, name, &VimFileMarks::Mark::name);
+    if (mark == others.end()) {
+        return false;
+    }
+    if (m_engine.m_pendingOperator || m_engine.isVisual()) {
+        m_engine.m_delegate.vimEngineSays(m_engine, formatted(localized(u"The mark %@ is in another text"), QString(QChar(name))));
+        fail();
+        return true;
+    }
+    m_exact.going.rememberJump(Going::Moving::goes);
+    finish();
+    m_engine.m_delegate.vimEnginePerforms(
+        m_engine, Actions::goToPlace, u"%1 %2 %3"_s.arg(mark->place.line).arg(isExact ? mark->place.column + 1 : 0).arg(mark->place.text));
+    return true;
+}
