@@ -144,8 +144,8 @@ public:
     void moveLinesDown() { moveLines(1); }
     void moveLinesUp() { moveLines(-1); }
 
-    /// What there is to say about its keys, without those of key maps.
-    [[nodiscard]] static VimKeyHelpEntries keyHelp();
+    /// What there is to say about its keys, without those of key maps; in exact modal editing its own come first.
+    [[nodiscard]] static VimKeyHelpEntries keyHelp(const VimOptions &options);
     /// The Control chords that it has a use for, without those of key maps.
     [[nodiscard]] static std::vector<VimChordUse> controlChords(const VimOptions &options);
 

@@ -573,12 +573,13 @@ std::optional<Result> tag(const Request &request)
 struct Row {
     std::u16string_view keys;
     std::optional<Result> (*find)(const Request &request);
+    VimKeyHelp help = {};
 };
 
 constexpr auto rows = std::to_array<Row>({
     {u"w", word<Words::small>},
     {u"W", word<Words::big>},
-    {u"s", sentence},
+    {u"s", sentence, {VimKeyHelp::Section::textObjects, u"sentence"}},
     {u"p", paragraph},
     {u"\"", quoted<u'"'>},
     {u"'", quoted<u'\''>},
@@ -587,7 +588,7 @@ constexpr auto rows = std::to_array<Row>({
     {u"[]", bracketed<u'[', u']'>},
     {u"{}B", bracketed<u'{', u'}'>},
     {u"<>", bracketed<u'<', u'>'>},
-    {u"t", tag},
+    {u"t", tag, {VimKeyHelp::Section::textObjects, u"tag"}},
 });
 
 } // namespace
@@ -600,6 +601,18 @@ std::optional<Result> range(const Request &request, char16_t object)
         }
     }
     return std::nullopt;
+}
+
+VimKeyHelpEntries keyHelp()
+{
+    VimKeyHelpEntries entries;
+    for (const Row &row : rows) {
+        if (row.help.exists()) {
+            const QChar key(row.keys.front());
+            entries.emplace_back(u'i' + QString(key), row.help).keys << u'a' + QString(key);
+        }
+    }
+    return entries;
 }
 
 } // namespace VimExactObject

@@ -35,4 +35,7 @@ struct Result {
 /// None when there is no such object here, or the key names none.
 [[nodiscard]] std::optional<Result> range(const Request &request, char16_t object);
 
+/// Of those that VimTextObject does not have.
+[[nodiscard]] VimKeyHelpEntries keyHelp();
+
 } // namespace VimExactObject

@@ -10,7 +10,7 @@
 /// What the reference of keys says about a row of a table of keys; nothing by default.
 struct VimKeyHelp {
     /// In the order of the reference.
-    enum class Section { none, modes, motions, operators, textObjects, editing, windows, search, commandLine };
+    enum class Section { none, modes, inserting, motions, operators, textObjects, editing, windows, search, commandLine };
 
     Section section = Section::none;
     /// English; null for the key beside the one of the row above, which describes both.

@@ -249,18 +249,58 @@ std::span<const VimEngine::KeyRow> VimEngine::keys()
     return rows;
 }
 
-VimKeyHelpEntries VimEngine::keyHelp()
+/// As the reference writes it.
+QString VimEngine::KeyRow::written() const
+{
+    struct Prefix {
+        KeyPlace place;
+        QStringView keys;
+    };
+    static constexpr Prefix prefixes[] = {
+        {KeyPlace::withControl, u"⌃"},      {KeyPlace::whileInserting, u"⌃"},    {KeyPlace::afterWindow, u"⌃w "},
+        {KeyPlace::afterG, u"g"},           {KeyPlace::withGAndControl, u"g⌃"},  {KeyPlace::afterZ, u"z"},
+        {KeyPlace::afterOpenBracket, u"["}, {KeyPlace::afterCloseBracket, u"]"}, {KeyPlace::afterCapitalZ, u"Z"},
+    };
+    const auto *prefix = std::ranges::find(prefixes, place, &Prefix::place);
+    const QStringView before = prefix == std::end(prefixes) ? QStringView() : prefix->keys;
+    return before.toString() + (before.endsWith(u'⌃') ? QChar(key).toUpper() : QChar(key));
+}
+
+VimKeyHelpEntries VimEngine::keyHelp(const VimOptions &options)
 {
     VimKeyHelpEntries entries;
-    for (const KeyRow &row : keys()) {
-        const QChar key(row.key);
-        const QString written = row.place == KeyPlace::withControl   ? u"⌃"_s + key.toUpper()
-                                : row.place == KeyPlace::afterWindow ? u"⌃w "_s + key
-                                : row.place == KeyPlace::afterG      ? u"g"_s + key
-                                                                     : QString(key);
+    // What Vim has otherwise, and says so.
+    const auto isExactly = [&](const KeyRow &row) {
+        return options.isExact && std::ranges::any_of(exactKeys(), [&](const KeyRow &exact) {
+                   return exact.place == row.place && exact.key == row.key && exact.help.exists();
+               });
+    };
+    for (const KeyRow &row : options.isExact ? exactKeys() : std::span<const KeyRow>()) {
         if (row.help.exists()) {
-            entries.emplace_back(written, row.help);
+            entries.emplace_back(row.written(), row.help);
         }
+    }
+    const KeyRow *first = nullptr;
+    bool isFirstShown = false;
+    for (const KeyRow &row : keys()) {
+        if (!row.help.exists()) {
+            continue;
+        }
+        if (!row.help.isBesideAbove) {
+            first = &row;
+            isFirstShown = false;
+        }
+        if (isExactly(row)) {
+            continue;
+        }
+        VimKeyHelp help = row.help;
+        if (!std::exchange(isFirstShown, true)) {
+            help.text = first->help.text;
+            help.section = first->help.section;
+            help.alsoIn = first->help.alsoIn;
+            help.isBesideAbove = false;
+        }
+        entries.emplace_back(row.written(), help);
     }
     return entries;
 }

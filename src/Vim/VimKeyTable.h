@@ -44,6 +44,7 @@ struct VimEngine::KeyRow {
     std::optional<VimKeymapPreset> preset = std::nullopt;
 
     [[nodiscard]] bool isThereWith(const VimOptions &options) const { return preset.value_or(options.preset) == options.preset; }
+    [[nodiscard]] QString written() const;
     [[nodiscard]] bool awaitsObject() const
     {
         const auto *prefix = std::get_if<Prefix>(&function);

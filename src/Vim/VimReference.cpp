@@ -7,6 +7,7 @@
 #include "Vim/VimChords.h"
 #include "Vim/VimEngine.h"
 #include "Vim/VimExCommands.h"
+#include "Vim/VimExactObject.h"
 #include "Vim/VimTextObject.h"
 
 #include <QKeySequence>
@@ -30,6 +31,7 @@ using enum VimKeyHelp::Section;
 
 constexpr auto sectionRows = std::to_array<SectionRow>({
     {modes, u"Modes"},
+    {inserting, u"Insert mode"},
     {motions, u"Motions"},
     {operators, u"Operators", u"Each takes a motion, a text object, or a doubled form for whole lines."},
     {textObjects, u"Text objects"},
@@ -191,8 +193,11 @@ void align(std::span<QString> lines)
 
 std::vector<Section> VimReference::sections(const VimOptions &options)
 {
-    VimKeyHelpEntries entries = VimEngine::keyHelp();
+    VimKeyHelpEntries entries = VimEngine::keyHelp(options);
     std::ranges::move(VimTextObject::keyHelp(), std::back_inserter(entries));
+    if (options.isExact) {
+        std::ranges::move(VimExactObject::keyHelp(), std::back_inserter(entries));
+    }
     std::ranges::move(VimExCommand::keyHelp(options.isExact ? VimExCommand::Audience::exact : VimExCommand::Audience::byDefault),
                       std::back_inserter(entries));
     std::vector<Section> all;
@@ -201,13 +206,16 @@ std::vector<Section> VimReference::sections(const VimOptions &options)
                        .intro = row.intro ? localized(row.intro) : QString(),
                        .rows = rowsOf(row.section, entries)});
     }
+    std::erase_if(all, [](const Section &section) { return section.rows.empty(); });
     return all;
 }
 
 std::vector<Section> VimReference::overview(const VimOptions &options, const VimChords &chords)
 {
     std::vector<Section> all = sections(options);
-    all.insert(all.begin() + 1, insertMode(options));
+    const Section inserted = insertMode(options);
+    std::erase_if(all, [&](const Section &section) { return section.heading == inserted.heading; });
+    all.insert(all.begin() + 1, inserted);
     if (options.preset == VimKeymapPreset::lazyVim) {
         std::ranges::move(sectionsOfKeymap(), std::back_inserter(all));
     }

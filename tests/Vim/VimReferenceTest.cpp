@@ -40,6 +40,36 @@ TEST(VimReference, IsAllInGerman)
     }
 }
 
+TEST(VimReference, HasTheKeysOfTheSettingThatIsOn)
+{
+    const auto told = [](bool isExact) {
+        VimOptions options(VimKeymapPreset::plain);
+        options.isExact = isExact;
+        QStringList all;
+        for (const VimReference::Section &section : VimReference::sections(options)) {
+            for (const VimReference::Row &row : section.rows) {
+                EXPECT_FALSE(row.text.isEmpty()) << row.keys.join(u' ').toStdString();
+                all << section.heading + u": "_s + row.keys.join(u' ') + u": "_s + row.text;
+            }
+        }
+        return all;
+    };
+    const QStringList rows = told(true);
+    EXPECT_EQ(QSet(rows.begin(), rows.end()).size(), rows.size()) << "none twice";
+    const QStringView exactly[] = {u"Editing: q{a-z} @{a-z} @@: record a macro, run it",
+                                   u"Motions: f F t T: find a character on the line; ; and , repeat",
+                                   u"Motions: { }: paragraph back / forward",
+                                   u"Insert mode: ⌃T ⌃D: indent more / less",
+                                   u"Editing: g⌃A g⌃X: in a selection: each line one more / less",
+                                   u"Motions: zz zt zb: the line in the middle, at the top, at the bottom of the screen",
+                                   u"Text objects: it at: tag"};
+    for (const QStringView row : exactly) {
+        EXPECT_TRUE(rows.contains(row)) << rows.join(u'\n').toStdString();
+        EXPECT_EQ(told(false).contains(row), row.startsWith(u"Motions: f"));
+    }
+    EXPECT_FALSE(rows.contains(u"Motions: { }: previous / next blank line"_s));
+}
+
 TEST(VimReference, HasColumnsThatLineUp)
 {
     for (const AppLanguage language : {AppLanguage::english, AppLanguage::german}) {
