@@ -260,7 +260,7 @@ private:
     /// As it was before the changes in it; the number counts from 0, the text has no break.
     struct LineBefore {
         qsizetype number = 0;
-        QString text;
+        Rope text;
         qsizetype column = 0;
     };
     std::optional<LineBefore> m_lineBefore;

@@ -859,9 +859,9 @@ void VimEngine::Operating::followChange(const TextChange &change)
     const bool isWithin = change.isWithinLines() && hull.location + hull.removed <= line.end();
     const qsizetype number = change.before.lineAt(line.location);
     if (isWithin && (!m_lineBefore || m_lineBefore->number != number)) {
-        QString text = change.before.toString(line);
-        while (!text.isEmpty() && isBreak(text.back().unicode())) {
-            text.chop(1);
+        Rope text = change.before.slice(line);
+        while (!text.isEmpty() && isBreak(text.at(text.length() - 1))) {
+            text.replace({text.length() - 1, 1}, Rope());
         }
         m_lineBefore = LineBefore{number, text, line.contains(caretBefore) ? caretBefore - line.location : 0};
     }
@@ -943,11 +943,11 @@ void VimEngine::Operating::undoLine()
         line = TextRange::between(start, sight.lines.end(start));
         column = sight.lines.start(caret()) == start ? caret() - start : column;
     }
-    const QString now = text().toString(line);
-    if (now != before.text) {
-        edit(line, before.text);
+    const Rope now = text().slice(line);
+    if (const TextEdits edits = TextEdits::difference(now, before.text).movedBy(line.location); !edits.isEmpty()) {
+        edit(edits);
     }
     m_lineBefore = LineBefore{before.number, now, column};
-    setCaret(line.location + std::min(before.column, before.text.size()));
+    setCaret(line.location + std::min(before.column, before.text.length()));
     finish();
 }

@@ -55,10 +55,11 @@ void VimMarks::deleteAll()
 
 void VimMarks::follow(const TextChange &change)
 {
+    const VimTouchedLines lines(change);
     std::map<char16_t, VimPlace> left;
     for (const auto &[name, place] : m_places) {
         using enum VimPlace::WithoutLine;
-        if (const auto moved = place.after(change, lasting.contains(QChar(name)) ? takesLineBefore : goes)) {
+        if (const auto moved = lines.after(place, lasting.contains(QChar(name)) ? takesLineBefore : goes)) {
             left.emplace(name, *moved);
         }
     }

@@ -159,6 +159,23 @@ std::optional<VimPlace> VimPlace::after(const TextChange &change, WithoutLine wi
     return inLine(change.after, line, in);
 }
 
+VimTouchedLines::VimTouchedLines(const TextChange &change) : m_change(change)
+{
+    const Rope &before = change.before;
+    const ReplacedStretch hull = change.edits.hull();
+    const qsizetype last = before.lineAt(hull.location + hull.removed);
+    m_first = before.lineStart(before.lineAt(hull.location));
+    m_behind = last + 1 < before.lineCount() ? before.lineStart(last + 1) : before.length() + 1;
+}
+
+std::optional<VimPlace> VimTouchedLines::after(const VimPlace &place, VimPlace::WithoutLine without) const
+{
+    if (place.offset < m_first) {
+        return place;
+    }
+    return place.offset >= m_behind ? VimPlace{place.offset + m_change.edits.growth(), place.column} : place.after(m_change, without);
+}
+
 void VimPlaces::add(qsizetype place, const Rope &text, qsizetype textWidth)
 {
     constexpr qsizetype usualWidth = 79;
@@ -231,7 +248,8 @@ std::optional<qsizetype> VimPlaces::goTo(qsizetype position)
 
 void VimPlaces::follow(const TextChange &change)
 {
+    const VimTouchedLines lines(change);
     for (VimPlace &place : m_places) {
-        place = place.after(change, VimPlace::WithoutLine::takesLineBefore).value_or(place);
+        place = lines.after(place, VimPlace::WithoutLine::takesLineBefore).value_or(place);
     }
 }

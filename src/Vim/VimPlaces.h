@@ -23,6 +23,21 @@ struct VimPlace {
     [[nodiscard]] std::optional<VimPlace> after(const TextChange &change, WithoutLine without) const;
 };
 
+/// The lines that a change touches, which are found once for many places: those in other lines are moved by a number.
+class VimTouchedLines final {
+public:
+    explicit VimTouchedLines(const TextChange &change);
+
+    /// See VimPlace::after().
+    [[nodiscard]] std::optional<VimPlace> after(const VimPlace &place, VimPlace::WithoutLine without) const;
+
+private:
+    const TextChange &m_change;
+    qsizetype m_first = 0;
+    /// The start of the first line behind them.
+    qsizetype m_behind = 0;
+};
+
 /// Places that were left, the oldest first, and where in them one has gone back to; at most `limit`. A value: copies stand for themselves.
 class VimPlaces final {
 public:
