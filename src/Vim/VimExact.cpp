@@ -315,11 +315,18 @@ void VimEngine::Exact::enterCommandLine(const VimCommandLine &line)
 
 void VimEngine::Exact::followChange(const TextChange &change)
 {
+    const bool isOwn = engine.isBusy() || engine.m_mode == Mode::insert;
+    if (!isOwn || operating.isUndoing()) {
+        m_isEmptied = false;
+    }
+    if (isOwn && change.after.isEmpty() && endsWithBreak(change.before) && !m_isUnterminated) {
+        m_isEmptied = true;
+    }
     const auto isOpen = [](const Rope &text) { return !text.isEmpty() && !endsWithBreak(text); };
     m_isUnterminated = m_isUnterminated || isOpen(change.before) || isOpen(change.after);
     if (!endsWithBreak(change.after)) {
         // It is so, or there is no line at all.
-    } else if (!engine.isBusy() && engine.m_mode != Mode::insert) {
+    } else if (!isOwn) {
         m_isUnterminated = false;
     } else if (change.before.isEmpty()) {
         m_isUnterminated = !operating.isUndoing();
@@ -329,6 +336,16 @@ void VimEngine::Exact::followChange(const TextChange &change)
     changes.follow(change);
     operating.followChange(change);
     selecting.followChange(change);
+}
+
+bool VimEngine::Exact::restoreLastBreak()
+{
+    if (engine.m_view.text().isEmpty() || !std::exchange(m_isEmptied, false)) {
+        return false;
+    }
+    operating.appendBreak();
+    terminate();
+    return true;
 }
 
 VimRegisterContents VimEngine::Exact::contents(std::optional<char16_t> name) const

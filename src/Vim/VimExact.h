@@ -236,6 +236,7 @@ public:
     /// There is no line any more that could be as it was before.
     void forgetLine() { m_lineBefore.reset(); }
     [[nodiscard]] QString blanks(qsizetype cells) const;
+    void appendBreak();
     /// The places of `[` and `]`.
     void setChangeMarks(qsizetype first, qsizetype last);
     void pasteText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
@@ -248,6 +249,7 @@ private:
     void format(const Region &region, bool keepsCaret);
     void pasteBlock(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
     void showUndone(std::optional<qsizetype> before);
+    void putText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
     void shiftBlock(OperatorKind kind, const VimBlock &block);
 
     std::optional<Mode> m_forced;
@@ -255,6 +257,8 @@ private:
     std::optional<qsizetype> m_objectCaret;
     /// The first unit that undoing changed.
     std::optional<qsizetype> m_firstChanged;
+    /// Behind the last one.
+    qsizetype m_lastChanged = 0;
     /// Line and column, units, of the caret before what was undone, for redoing it.
     std::vector<std::pair<qsizetype, qsizetype>> m_caretsBefore;
     /// As it was before the changes in it; the number counts from 0, the text has no break.
@@ -310,6 +314,8 @@ private:
         bool isEndless = false;
     };
     [[nodiscard]] Operating::Region region() const;
+    void takeExtent();
+    void pasteIntoRows(const VimBlock &block, const QString &pasted);
     [[nodiscard]] qsizetype placeToInsert(const VimLines &lines, Side side) const;
     void endAt(qsizetype place);
     void removeEmptyLast();
@@ -447,6 +453,8 @@ public:
     [[nodiscard]] VimRegisterContents contents(std::optional<char16_t> name) const;
     /// The line that ends with the last break is the last one again.
     void terminate() { m_isUnterminated = false; }
+    /// What came into a text that was emptied gets the break at its end that the text had; whether it did. Part of the same change.
+    bool restoreLastBreak();
     [[nodiscard]] bool isUnterminated() const { return m_isUnterminated; }
 
     VimEngine &engine;
@@ -470,4 +478,6 @@ public:
 private:
     /// The last line has no break, so that there is a line behind the last break even where it is empty.
     bool m_isUnterminated = false;
+    /// All of the text was deleted, with the break at its end.
+    bool m_isEmptied = false;
 };

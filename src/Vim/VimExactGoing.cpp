@@ -244,6 +244,7 @@ void VimEngine::Going::search(const QString &typed, SearchDirection direction)
 void VimEngine::Going::searchAgain(bool isReversed)
 {
     if (!m_engine.m_lastSearch) {
+        m_exact.column.reset();
         say(localized(u"No pattern was searched for yet"));
         fail();
         return;
@@ -293,6 +294,7 @@ void VimEngine::Going::searchWord(SearchDirection direction, bool isWhole)
 void VimEngine::Going::seek(qsizetype from, const VimSearch &search, const Route &route)
 {
     m_engine.m_showsHits = true;
+    m_exact.column.reset();
     if (const QString problem = search.problem(); !problem.isEmpty()) {
         say(problem);
         fail();
@@ -325,7 +327,11 @@ void VimEngine::Going::seek(qsizetype from, const VimSearch &search, const Route
 
 void VimEngine::Going::arriveAtHit(const VimSearchMove &move)
 {
-    m_exact.operating.arrive({.place = move.position, .kind = move.kind, .isLarge = true, .isJump = true});
+    const qsizetype place = [&] {
+        const Sight sight = see();
+        return move.kind == Kind::exclusive && sight.lines.isAtEnd(move.position) ? sight.lines.last(move.position) : move.position;
+    }();
+    m_exact.operating.arrive({.place = place, .kind = move.kind, .isLarge = true, .isJump = true});
     m_engine.m_view.showIndicator(move.hit);
 }
 

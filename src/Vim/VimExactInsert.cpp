@@ -667,6 +667,9 @@ void VimEngine::Inserting::leave()
     }
     m_isRepeating = false;
     finishReplay();
+    if (const qsizetype at = caret(); m_exact.restoreLastBreak()) {
+        setCaret(at);
+    }
     const bool endsElsewhere = m_kind == Kind::block && m_blockEnd;
     const qsizetype typedUpTo = caret();
     if (m_kind == Kind::block) {

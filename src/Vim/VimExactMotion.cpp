@@ -247,6 +247,9 @@ Result right(const Request &request)
         const qsizetype place = std::min(behind, lines.last(request.caret));
         return {.place = place, .failed = place == request.caret};
     }
+    if (request.isForOperator() && lines.isAtEnd(behind) && !lines.isEmpty(behind)) {
+        return {.place = lines.last(behind), .kind = Kind::inclusive};
+    }
     return {.place = behind, .failed = behind == request.caret && request.purpose == For::selection};
 }
 
@@ -254,6 +257,7 @@ Result characterBefore(const Request &request)
 {
     const VimLines &lines = request.lines;
     qsizetype place = request.caret;
+    bool takesBreak = false;
     for (qsizetype done = 0; done < request.count; ++done) {
         if (place == lines.start(place)) {
             if (place == 0) {
@@ -263,11 +267,12 @@ Result characterBefore(const Request &request)
             // What deletes takes the break by itself.
             const bool mayStandBehind = request.purpose != For::caret && request.purpose != For::yank;
             place = mayStandBehind && !lines.isEmpty(above) ? lines.end(above) : lines.last(above);
+            takesBreak = mayStandBehind;
         } else {
             place = lines.before(place);
         }
     }
-    return {.place = place};
+    return {.place = place, .takesBreak = takesBreak};
 }
 
 Result characterBehind(const Request &request)
@@ -514,6 +519,9 @@ std::optional<qsizetype> sentence(const VimLines &lines, qsizetype place, Direct
             do {
                 moved = step(place);
             } while (moved && lines.isAtEnd(place));
+            if (!moved && count > 0) {
+                return std::nullopt;
+            }
             if (isForward) {
                 skipBlanks();
                 continue;

@@ -46,6 +46,8 @@ struct Result {
     std::optional<qsizetype> column = std::nullopt;
     /// Of `w`, whose operators do not take the next line's indentation.
     bool isWordMotion = false;
+    /// An operator that ends where a line begins takes the break before it.
+    bool takesBreak = false;
 
     [[nodiscard]] static Result failure() { return {.failed = true}; }
 };

@@ -105,7 +105,8 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
         isInclusive = !isLinewise && !isInclusive;
         isLinewise = false;
     }
-    if (!isLinewise && !isInclusive && high > low && high == lines.start(high) && lines.start(low) != high && !(high == low)) {
+    if (!result.takesBreak && !isLinewise && !isInclusive && high > low && high == lines.start(high) && lines.start(low) != high &&
+        !(high == low)) {
         // Up to the start of a line is up to the end of the one before, and whole lines if it began with one.
         const qsizetype last = lines.start(high - 1);
         if (isInIndentation(lines, low)) {
@@ -179,6 +180,12 @@ void VimEngine::Operating::keepRange(TextRange range, Span span, VimRegisters::T
     keep({.text = kept, .isLinewise = span == Span::lines}, taken);
 }
 
+void VimEngine::Operating::appendBreak()
+{
+    const QScopedValueRollback undoing(m_isUndoing, true); // no change of its own
+    edit({text().length(), 0}, u"\n");
+}
+
 void VimEngine::Operating::setChangeMarks(qsizetype first, qsizetype last)
 {
     m_exact.marks.set(u'[', first);
@@ -195,6 +202,7 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
     if (kind != OperatorKind::formatInPlace) {
         m_engine.m_view.select({region.start, 0}, region.start); // where undoing it leads back to
     }
+    const auto lineBefore = m_lineBefore;
     switch (kind) {
     case OperatorKind::change:
         change(region);
@@ -232,6 +240,9 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
     case OperatorKind::filter:
         break;
     }
+    if (m_lineBefore && text().lineAt(region.range.location) != text().lineAt(std::max(region.range.end() - 1, region.range.location))) {
+        m_lineBefore = lineBefore; // it is for one line that it is kept
+    }
     finish(Repeatable::yes);
 }
 
@@ -266,8 +277,17 @@ void VimEngine::Operating::remove(const Region &region)
 void VimEngine::Operating::change(const Region &region)
 {
     using enum VimRegisters::Taken;
-    m_exact.inserting.begin();
     TextRange range = region.range;
+    if (region.span == Span::lines) {
+        // Undoing leads back to the second one of several lines, which go first.
+        const Sight sight = see();
+        const qsizetype second = sight.lines.next(range.location);
+        if (second < range.end()) {
+            const qsizetype place = std::min(second + std::max<qsizetype>(region.start - range.location, 0), sight.lines.end(second));
+            m_engine.m_view.select({place, 0}, place);
+        }
+    }
+    m_exact.inserting.begin();
     bool isGiven = false;
     if (region.span == Span::lines) {
         if (!text().isEmpty()) {
@@ -367,11 +387,23 @@ void VimEngine::Operating::format(const Region &region, bool keepsCaret)
         const int width = options.textWidth > 0 ? options.textWidth : options.longestLine;
         filled = VimFormatting::filled(sight.lines, range, width > 0 ? width : 79, [this](qsizetype cells) { return blanks(cells); });
     }
+    // The caret stays on its character.
+    const auto countOf = [](QStringView text) { return std::ranges::count_if(text, [](QChar unit) { return !unit.isSpace(); }); };
+    qsizetype kept = from;
+    if (keepsCaret && range.contains(from)) {
+        const bool isOnText = !text().toString({from, 1}).front().isSpace();
+        auto left = countOf(text().toString(TextRange::between(range.location, from))) + (isOnText ? 1 : 0);
+        qsizetype at = 0;
+        while (left > 0 && at < filled.size()) {
+            left -= filled[at++].isSpace() ? 0 : 1;
+        }
+        kept = range.location + at - (isOnText ? 1 : 0);
+    }
     if (text().toString(range) != filled) {
         edit(range, filled);
     }
     if (keepsCaret) {
-        setCaret(from);
+        setCaret(kept);
         return;
     }
     const qsizetype last = range.location + std::max<qsizetype>(filled.size() - 1, 0);
@@ -385,12 +417,14 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
     TextEdits edits;
     std::vector<qsizetype> places;
     qsizetype start = 0;
+    qsizetype last = 0;
     {
         const Sight sight = see();
         const VimLines &lines = sight.lines;
         const std::vector<VimBlock::Row> rows = block.rows(lines);
         start = rows.front().range.location;
-        const bool isNothing = kind == OperatorKind::remove && rows.size() == 1 && lines.isEmpty(start);
+        const bool isNothing = ExactPart::text().isEmpty() || (kind == OperatorKind::remove && rows.size() == 1 && lines.isEmpty(start));
+        last = rows.back().range.end() - (rows.back().range.isEmpty() ? 0 : 1);
         const bool isTaken = kind == OperatorKind::remove || kind == OperatorKind::change || kind == OperatorKind::yank;
         if (isTaken && !isNothing) {
             keep({.text = Rope(block.text(lines).join(u'\n')),
@@ -444,6 +478,7 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
         return;
     }
     edit(edits);
+    setChangeMarks(start, kind == OperatorKind::remove ? start : last);
     if (kind == OperatorKind::indent || kind == OperatorKind::outdent) {
         shiftBlock(kind, block);
     }
@@ -604,6 +639,7 @@ void VimEngine::Operating::replaceCharacter(QStringView key, qsizetype count)
         const qsizetype behind = place + 1 + indentation.size();
         setChangeMarks(place, behind);
         m_exact.marks.set(u'^', behind);
+        m_exact.inserting.setLastInserted(u"\r"_s);
         setCaret(behind - (indentation.isEmpty() ? 0 : 1)); // as when insert mode is left
     } else {
         edit(range, key.toString().repeated(count));
@@ -635,6 +671,11 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
     {
         const Sight sight = see();
         setChangeMarks(std::min(first, sight.lines.end(lineStart)), sight.lines.last(lineStart));
+        if (!joined.edits.isEmpty() && !sight.lines.isLast(lineStart)) {
+            // What was deleted last is the line below.
+            m_exact.marks.set(u'.', sight.lines.next(lineStart));
+            m_exact.changes.moveLast(sight.lines.next(lineStart));
+        }
     }
     setCaret(joined.edits.isEmpty() ? lineStart : joined.place);
     finish(Repeatable::yes);
@@ -685,6 +726,16 @@ void VimEngine::Operating::paste(Side side, qsizetype count, PasteCaret at, Past
 }
 
 void VimEngine::Operating::pasteText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at)
+{
+    m_engine.m_view.beginUndoGroup();
+    putText(contents, side, count, at);
+    if (const qsizetype place = caret(); m_exact.restoreLastBreak()) {
+        setCaret(place);
+    }
+    m_engine.m_view.endUndoGroup();
+}
+
+void VimEngine::Operating::putText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at)
 {
     if (contents.isBlock) {
         pasteBlock(contents, side, count, at);
@@ -849,6 +900,7 @@ void VimEngine::Operating::followChange(const TextChange &change)
     const qsizetype caretBefore = std::exchange(m_caretBefore, std::nullopt).value_or(hull.location);
     if (m_isUndoing) {
         m_firstChanged = std::min(m_firstChanged.value_or(hull.location), hull.location);
+        m_lastChanged = hull.location + hull.inserted;
         return;
     }
     m_caretsBefore.clear();
@@ -920,7 +972,8 @@ void VimEngine::Operating::showUndone(std::optional<qsizetype> before)
     const VimLines &lines = sight.lines;
     const qsizetype line = lines.start(*m_firstChanged);
     const qsizetype place = before ? std::min(*before, text().length()) : 0;
-    const bool isThere = before && (lines.start(place) == line || (!lines.isLast(place) && lines.next(place) == line));
+    const qsizetype lineBefore = line > 0 ? lines.start(line - 1) : line;
+    const bool isThere = before && place >= lineBefore && (lines.start(place) <= line || place < m_lastChanged);
     setCaret(isThere ? place : lines.firstNonBlank(line));
 }
 

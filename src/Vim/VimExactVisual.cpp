@@ -115,13 +115,8 @@ void VimEngine::Selecting::leave()
 void VimEngine::Selecting::leaveAtStart()
 {
     const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
-    const bool isOfLines = m_engine.m_mode == Mode::visualLine;
     leave();
-    const qsizetype place = [&] {
-        const Sight sight = see();
-        return isOfLines ? sight.lines.start(low) : low;
-    }();
-    setCaret(place);
+    setCaret(low);
 }
 
 void VimEngine::Selecting::endAt(qsizetype place)
@@ -228,6 +223,13 @@ VimEngine::Operating::Region VimEngine::Selecting::region() const
     return {.range = TextRange::between(low, end), .start = low, .isOfLines = isOfLines, .isVisual = true};
 }
 
+/// What the command takes, for repeating it and for as much again.
+void VimEngine::Selecting::takeExtent()
+{
+    m_engine.m_extent = extent();
+    m_engine.m_visualExtent = m_engine.m_extent;
+}
+
 void VimEngine::Selecting::apply(OperatorKind kind, std::optional<Span> span, bool toEnds)
 {
     m_engine.m_extent = extent();
@@ -289,8 +291,7 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
         fail();
         return;
     }
-    m_engine.m_extent = extent();
-    m_engine.m_visualExtent = m_engine.m_extent;
+    takeExtent();
     remember();
     TextEdits edits;
     qsizetype start = 0;
@@ -338,7 +339,8 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
         } else {
             const Operating::Region taken = region();
             start = taken.range.location;
-            replace(taken.range);
+            const bool endsWithBreak = !taken.range.isEmpty() && isBreak(lines.at(taken.range.end() - 1));
+            replace({taken.range.location, taken.range.length - (endsWithBreak ? 1 : 0)});
         }
     }
     const qsizetype last = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
@@ -352,7 +354,7 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
 void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
 {
     const VimRegisterContents pasted = m_exact.contents(m_engine.m_pendingRegister);
-    m_engine.m_extent = extent();
+    takeExtent();
     remember();
     m_engine.m_view.beginUndoGroup();
     const bool wasBlock = m_engine.m_mode == Mode::visualBlock;
@@ -368,6 +370,10 @@ void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
         isLastLine = taken.span == Span::lines && taken.range.end() >= text().length();
         isEmptied = isLastLine && taken.range.location == 0;
     }
+    const auto lastOfBlock = [this, lines = m_engine.m_extent->lines] {
+        const Sight sight = see();
+        return sight.lines.startNear(caret(), lines - 1);
+    };
     const auto repeating = m_exact.repeating.hold();
     const auto taking = m_engine.m_extent;
     m_engine.setMode(Mode::normal);
@@ -398,6 +404,14 @@ void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
                 m_exact.operating.pasteText(pasted, Side::before, count, Operating::PasteCaret::onText);
                 setCaret(place);
             }
+        } else if (pasted.isLinewise && wasBlock) {
+            // Below the rectangle, or above its first line.
+            const qsizetype place = keepsRegister ? caret() : lastOfBlock();
+            const bool isAbove = keepsRegister && caret() >= m_exact.marks.place(u'[').value_or(0);
+            m_engine.m_view.select({place, 0}, place);
+            m_exact.operating.pasteText(pasted, isAbove ? Side::before : Side::after, count, Operating::PasteCaret::onText);
+        } else if (wasBlock && !pasted.isBlock && pasted.text.lineCount() == 1) {
+            pasteIntoRows(shown, pasted.text.toString().repeated(count));
         } else if (pasted.isLinewise && !pasted.isBlock) {
             // The line is broken in two around them.
             const qsizetype place = isAtEnd ? taken.range.location : caret();
@@ -406,7 +420,7 @@ void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
             m_exact.operating.pasteText(pasted, Side::after, count, Operating::PasteCaret::onText);
         } else {
             const qsizetype place = std::min(taken.range.location, text().length());
-            const qsizetype at = wasBlock ? caret() : place;
+            const qsizetype at = wasBlock ? m_exact.marks.place(u'[').value_or(caret()) : place;
             m_engine.m_view.select({at, 0}, at);
             m_exact.operating.pasteText(pasted, Side::before, count, Operating::PasteCaret::onText);
         }
@@ -417,6 +431,32 @@ void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
     m_engine.m_countBuffer.clear();
     finish(Repeatable::yes);
     m_exact.repeating.rememberKeys(u"d"_s);
+}
+
+/// At the left side of a rectangle that was deleted, in each line that reaches it.
+void VimEngine::Selecting::pasteIntoRows(const VimBlock &block, const QString &pasted)
+{
+    TextEdits edits;
+    {
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        qsizetype line = lines.start(block.firstLine);
+        for (qsizetype left = m_engine.m_extent->lines; left > 0; --left) {
+            if (lines.cells(lines.end(line)).first >= block.left) {
+                edits.add({lines.placeAt(line, block.left), 0}, Rope(pasted));
+            }
+            if (lines.isLast(line)) {
+                break;
+            }
+            line = lines.next(line);
+        }
+    }
+    if (edits.isEmpty()) {
+        return;
+    }
+    const qsizetype behind = edits[0].range.location + pasted.size();
+    edit(edits);
+    setCaret(TextBoundaries::previousGrapheme(text(), behind));
 }
 
 /// What is left of a text that was deleted whole.
@@ -437,18 +477,21 @@ void VimEngine::Selecting::removeEmptyLast()
 
 void VimEngine::Selecting::join(VimFormatting::Glue glue)
 {
-    m_engine.m_extent = extent();
+    takeExtent();
     const qsizetype lines = m_engine.m_extent->lines;
     remember();
-    const qsizetype start = region().start;
+    const qsizetype start = m_exact.repeating.isReplaying() ? std::min(m_engine.m_visualAnchor, m_engine.m_visualHead) : region().start;
     m_engine.setMode(Mode::normal);
     setCaret(start);
+    if (!m_exact.repeating.isReplaying()) {
+        m_exact.repeating.remember();
+    }
     m_exact.operating.join(lines, glue);
 }
 
 void VimEngine::Selecting::add(qint64 by, bool isProgressive)
 {
-    m_engine.m_extent = extent();
+    takeExtent();
     remember();
     TextEdits edits;
     qsizetype start = 0;
@@ -501,17 +544,17 @@ qsizetype VimEngine::Selecting::placeToInsert(const VimLines &lines, Side side) 
     if (side == Side::before) {
         return isBackward && !isInLine ? head : lines.start(std::min(anchor, head));
     }
-    if (isBackward) {
-        return !isInLine ? lines.start(anchor) : head == lines.start(head) ? head : lines.after(head);
+    if (isBackward && !isInLine) {
+        return lines.start(anchor);
     }
-    return head == anchor && head == lines.start(head) ? head : lines.after(head);
+    const qsizetype last = isBackward ? head : std::max(anchor, head);
+    return last == lines.start(last) ? last : lines.after(last);
 }
 
 void VimEngine::Selecting::insert(Side side, qsizetype count)
 {
     const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
-    m_engine.m_extent = extent();
-    m_engine.m_visualExtent = m_engine.m_extent;
+    takeExtent();
     remember();
     if (m_engine.m_mode != Mode::visualBlock) {
         qsizetype place = low;

@@ -53,7 +53,8 @@ public:
         const TextEdit &edit = m_change.edits[index];
         const TextRange range = edit.range;
         const qsizetype breaks = edit.text.lineCount() - 1;
-        const bool isWithinLine = range.location >= m_start && range.end() < std::max(m_end, m_start + 1);
+        const bool isWithinLine =
+            range.location >= m_start && (range.end() < std::max(m_end, m_start + 1) || (m_start > 0 && range.end() <= m_contentEnd));
         if (isWithinLine || range.isEmpty()) {
             return ofOneWithin(index, breaks);
         }
@@ -244,6 +245,13 @@ std::optional<qsizetype> VimPlaces::goTo(qsizetype position)
     }
     m_position = size_t(position);
     return m_places[m_position].offset;
+}
+
+void VimPlaces::moveLast(qsizetype place)
+{
+    if (!m_places.empty()) {
+        m_places.back() = {.offset = place};
+    }
 }
 
 void VimPlaces::follow(const TextChange &change)

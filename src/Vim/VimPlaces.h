@@ -53,6 +53,8 @@ public:
     /// change.
     [[nodiscard]] std::optional<qsizetype> older(qsizetype count, qsizetype caret, const Rope &text);
     [[nodiscard]] std::optional<qsizetype> newer(qsizetype count, const Rope &text);
+    /// The change that was added last went on to `place`.
+    void moveLast(qsizetype place);
     void follow(const TextChange &change);
     void clear() { *this = VimPlaces(m_kind); }
 
