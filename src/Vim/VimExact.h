@@ -315,6 +315,7 @@ private:
     };
     [[nodiscard]] Operating::Region region() const;
     void takeExtent();
+    [[nodiscard]] qsizetype firstOfLines(const VimLines &lines) const;
     void pasteIntoRows(const VimBlock &block, const QString &pasted);
     [[nodiscard]] qsizetype placeToInsert(const VimLines &lines, Side side) const;
     void endAt(qsizetype place);

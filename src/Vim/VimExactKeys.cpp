@@ -71,6 +71,7 @@ std::span<const VimEngine::KeyRow> VimEngine::exactKeys()
          normalOnly},
         {u'I', Command{[](VimEngine &engine, qsizetype count) { engine.m_exact->inserting.enterAtStart(count); }}, besideAbove, afterG,
          normalOnly},
+        {u'I', Exactly{Go::lineStart}, {}, afterG, visualOnly},
         {u'v',
          Command{[](VimEngine &engine, qsizetype) { engine.m_exact->selecting.toggle(Mode::visual); }},
          {modes, u"visual, visual line, visual block"}},

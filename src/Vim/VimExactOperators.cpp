@@ -203,6 +203,7 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
         m_engine.m_view.select({region.start, 0}, region.start); // where undoing it leads back to
     }
     const auto lineBefore = m_lineBefore;
+    const bool isInLine = text().lineAt(region.range.location) == text().lineAt(std::max(region.range.end() - 1, region.range.location));
     switch (kind) {
     case OperatorKind::change:
         change(region);
@@ -240,7 +241,7 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
     case OperatorKind::filter:
         break;
     }
-    if (m_lineBefore && text().lineAt(region.range.location) != text().lineAt(std::max(region.range.end() - 1, region.range.location))) {
+    if (m_lineBefore && !isInLine) {
         m_lineBefore = lineBefore; // it is for one line that it is kept
     }
     finish(Repeatable::yes);

@@ -112,11 +112,20 @@ void VimEngine::Selecting::leave()
     endAt(m_engine.m_visualHead);
 }
 
+/// Where the caret is when whole lines were selected: where it was, if that is before the other end, else at their start.
+qsizetype VimEngine::Selecting::firstOfLines(const VimLines &lines) const
+{
+    return m_engine.m_visualHead < m_engine.m_visualAnchor ? m_engine.m_visualHead : lines.start(m_engine.m_visualAnchor);
+}
+
 void VimEngine::Selecting::leaveAtStart()
 {
-    const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
+    const qsizetype place = [&] {
+        const Sight sight = see();
+        return m_engine.m_mode == Mode::visualLine ? firstOfLines(sight.lines) : std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
+    }();
     leave();
-    setCaret(low);
+    setCaret(place);
 }
 
 void VimEngine::Selecting::endAt(qsizetype place)
@@ -216,7 +225,7 @@ VimEngine::Operating::Region VimEngine::Selecting::region() const
     const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
     const qsizetype high = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
     if (m_engine.m_mode == Mode::visualLine) {
-        return {.range = lines.lines(low, high), .span = Span::lines, .start = lines.start(low), .isOfLines = true, .isVisual = true};
+        return {.range = lines.lines(low, high), .span = Span::lines, .start = firstOfLines(lines), .isOfLines = true, .isVisual = true};
     }
     const qsizetype end = lines.isAtEnd(high) ? (lines.isLast(high) ? high : lines.next(high)) : lines.after(high);
     const bool isOfLines = lines.start(low) != lines.start(high) || (end > low && isBreak(lines.at(end - 1)));
@@ -471,8 +480,10 @@ void VimEngine::Selecting::removeEmptyLast()
         }
         range = TextRange::between(last, text().length());
     }
+    const qsizetype place = caret();
     edit(range, {});
     m_exact.terminate();
+    setCaret(place);
 }
 
 void VimEngine::Selecting::join(VimFormatting::Glue glue)
@@ -480,7 +491,11 @@ void VimEngine::Selecting::join(VimFormatting::Glue glue)
     takeExtent();
     const qsizetype lines = m_engine.m_extent->lines;
     remember();
-    const qsizetype start = m_exact.repeating.isReplaying() ? std::min(m_engine.m_visualAnchor, m_engine.m_visualHead) : region().start;
+    qsizetype start = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
+    if (m_engine.m_mode == Mode::visualLine && !m_exact.repeating.isReplaying()) {
+        const Sight sight = see();
+        start = sight.lines.start(start);
+    }
     m_engine.setMode(Mode::normal);
     setCaret(start);
     if (!m_exact.repeating.isReplaying()) {
@@ -670,7 +685,7 @@ void VimEngine::Selecting::followChange(const TextChange &change)
 {
     if (m_last) {
         using enum VimPlace::WithoutLine;
-        m_last->anchor = m_last->anchor.after(change, takesLineBefore).value_or(VimPlace{});
-        m_last->head = m_last->head.after(change, takesLineBefore).value_or(VimPlace{});
+        m_last->anchor = m_last->anchor.after(change, staysThere).value_or(VimPlace{});
+        m_last->head = m_last->head.after(change, staysThere).value_or(VimPlace{});
     }
 }

@@ -59,7 +59,7 @@ void VimMarks::follow(const TextChange &change)
     std::map<char16_t, VimPlace> left;
     for (const auto &[name, place] : m_places) {
         using enum VimPlace::WithoutLine;
-        if (const auto moved = lines.after(place, lasting.contains(QChar(name)) ? takesLineBefore : goes)) {
+        if (const auto moved = lines.after(place, lasting.contains(QChar(name)) ? staysThere : goes)) {
             left.emplace(name, *moved);
         }
     }

@@ -139,10 +139,10 @@ std::optional<VimPlace> VimPlace::after(const TextChange &change, WithoutLine wi
         case Touch::What::nothing:
             break;
         case Touch::What::gone:
-            if (without != WithoutLine::takesLineBefore) {
+            if (without != WithoutLine::staysThere) {
                 return std::nullopt;
             }
-            return inLine(change.after, std::max<qsizetype>(touch.target - 1, 0), in);
+            return inLine(change.after, touch.target, in);
         case Touch::What::line:
             line = touch.target;
             break;
@@ -258,6 +258,6 @@ void VimPlaces::follow(const TextChange &change)
 {
     const VimTouchedLines lines(change);
     for (VimPlace &place : m_places) {
-        place = lines.after(place, VimPlace::WithoutLine::takesLineBefore).value_or(place);
+        place = lines.after(place, VimPlace::WithoutLine::staysThere).value_or(place);
     }
 }

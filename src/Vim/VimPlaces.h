@@ -12,7 +12,7 @@
 /// goes. Offsets are UTF-16 units.
 struct VimPlace {
     /// What becomes of it when its line is deleted; it may also go with a line that is joined to another.
-    enum class WithoutLine { goes, takesLineBefore, goesWhenJoined };
+    enum class WithoutLine { goes, staysThere, goesWhenJoined };
 
     /// On a unit of the text, or its end.
     qsizetype offset = 0;
