@@ -217,6 +217,9 @@ void VimEngine::Inserting::takeLiteral(const VimKeyEvent &event)
 
 void VimEngine::Inserting::putLiteral(const QString &text)
 {
+    if (text.isEmpty()) {
+        return;
+    }
     const bool isCommand = text.size() == 1 && (text.front() < u' ' || text.front() == QChar(VimKey::backspace));
     noteTyped(isCommand ? QChar(literalKey) + text : text);
     put(text);

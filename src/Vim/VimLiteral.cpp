@@ -61,5 +61,7 @@ VimLiteral::Taken VimLiteral::take(const VimKeyEvent &event)
     if (code.size() > (base.prefix != 0 ? 1 : 0)) {
         return {.text = characterOf(code), .leavesKey = true};
     }
-    return {.text = event.control ? VimKeys::text(event) : key};
+    const QString text = VimKeys::text(event); // Escape as well
+    const bool isNamed = text.size() == 1 && text.front() >= QChar(VimKey::up) && text.front() <= QChar(VimKey::pageDown);
+    return {.text = isNamed ? QString() : text};
 }
