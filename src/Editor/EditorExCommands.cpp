@@ -7,6 +7,7 @@
 #include "Editor/EditorViewController.h"
 #include "Editor/EditorVim.h"
 #include "Editor/SubstitutionRunner.h"
+#include "Editor/VimListPanel.h"
 #include "Files/TextFile.h"
 #include "Model/DocumentStore.h"
 #include "Vim/VimConfiguration.h"
@@ -95,8 +96,10 @@ void EditorExCommands::showVimMessage(const QString &message)
 
 void EditorExCommands::showList(const QString &title, const QString &text)
 {
-    m_services.presenter.present(Alert{.style = AlertStyle::informational, .messageText = title, .informativeText = text},
-                                 m_editor.window(), {});
+    if (!m_list) {
+        m_list = new VimListPanel(m_editor.textView());
+    }
+    m_list->showList(title, text);
 }
 
 SubstitutionRunner &EditorExCommands::substitutions()

@@ -6,10 +6,13 @@
 #include "View/CommandServices.h"
 #include "Vim/VimExCommands.h"
 
+#include <QPointer>
+
 #include <memory>
 
 class EditorViewController;
 class SubstitutionRunner;
+class VimListPanel;
 struct EditorServices;
 struct VimSubstituteJob;
 
@@ -47,6 +50,7 @@ private:
     CommandServices m_commands;
     /// Made when it is needed first.
     std::unique_ptr<SubstitutionRunner> m_substitutions;
+    QPointer<VimListPanel> m_list;
     /// A file that is to be put into the text.
     BackgroundTask m_reading;
 };

@@ -612,7 +612,8 @@ Result<void> listRegisters(VimExCall &call)
     const auto add = [&](char16_t name, const VimRegisterContents &contents) {
         const bool isWanted = call.argument.isEmpty() || call.argument.contains(QChar(name));
         if (isWanted && !contents.text.isEmpty()) {
-            rows << u"  %1  \"%2   %3"_s.arg(contents.isLinewise ? u'l' : u'c').arg(QChar(name)).arg(shown(contents.text));
+            const QChar type = contents.isLinewise ? u'l' : u'c';
+            rows << u"  %1  \"%2   %3"_s.arg(type).arg(QChar(name)).arg(shown(contents.text));
         }
     };
     add(u'"', registers.unnamed());
