@@ -9,6 +9,8 @@
 #include "Text/PasteboardText.h"
 #include "Text/TextStorage.h"
 #include "Vim/VimCompletion.h"
+#include "View/CaretMotion.h"
+#include "Vim/VimBuffer.h"
 
 #include <QGuiApplication>
 #include <QInputMethod>
@@ -533,8 +535,28 @@ void EditorVim::revealSelection()
 void EditorVim::revealAt(Edge edge)
 {
     m_view.revealCaret(TextView::Reveal::center);
-    const qsizetype half = m_view.textViewport().rowsPerPage() / 2;
-    scrollRows(edge == Edge::top ? half : -half);
+    Viewport &port = m_view.textViewport();
+    LayoutManager &layout = m_view.layoutManager();
+    // All rows of its line are seen, if they fit.
+    const qsizetype caret = m_view.selection().range().location;
+    const Rope &text = m_view.storage().text();
+    const qsizetype line = text.lineStart(text.lineAt(caret));
+    const double page = double(std::max<qint64>(port.rowsPerPage() - 1, 0));
+    VimBuffer buffer(text);
+    const RowPosition row = layout.rowOf(edge == Edge::top ? line : buffer.lineContentEnd(caret));
+    // One row at a time: where the rows are that are not on the screen need not be known.
+    for (qsizetype left = port.rowsPerPage(); left > 0; --left) {
+        const auto top = port.topOf(row);
+        const bool isThere = top && (edge == Edge::top ? *top <= 0 : *top >= page * layout.rowHeight());
+        const QPointF before = port.position();
+        if (isThere) {
+            break;
+        }
+        scrollRows(edge == Edge::top ? 1 : -1);
+        if (port.position() == before) {
+            break;
+        }
+    }
     m_view.revealCaret();
 }
 
@@ -551,6 +573,24 @@ void EditorVim::seek(std::function<Seeking()> prepare, std::function<void(TextRa
 void EditorVim::showIndicator(TextRange range)
 {
     m_view.showIndicator(range);
+std::optional<VimTextView::RowPlace> EditorVim::movedByRows(const RowPlace &from, qsizetype rows) const
+{
+    const auto moved =
+        ::movedByRows({.offset = from.place, .affinity = Affinity::downstream, .preferredX = from.x}, rows, m_view.layoutManager());
+    if (!moved) {
+        return std::nullopt;
+    }
+    // Behind the last character of a row there is the next row.
+    const bool isBehind = moved->affinity == Affinity::upstream;
+    return RowPlace{isBehind ? TextBoundaries::previousGrapheme(text(), moved->offset) : moved->offset, moved->preferredX};
+}
+
+TextRange EditorVim::rowAt(qsizetype place) const
+{
+    LayoutManager &layout = m_view.layoutManager();
+    return layout.rangeOf(layout.rowOf(place));
+}
+
 }
 
 Indentation EditorVim::indentation() const

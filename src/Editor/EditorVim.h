@@ -108,6 +108,8 @@ private:
     void centerSelection() override;
     void revealSelection() override;
     void revealAt(Edge edge) override;
+    [[nodiscard]] std::optional<RowPlace> movedByRows(const RowPlace &from, qsizetype rows) const override;
+    [[nodiscard]] TextRange rowAt(qsizetype place) const override;
     void scrollRows(qsizetype rows) override;
     void seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive) override;
     void showIndicator(TextRange range) override;

@@ -344,6 +344,10 @@ public:
     void search(const QString &typed, SearchDirection direction);
     void searchAgain(bool isReversed);
     void searchWord(SearchDirection direction, bool isWhole);
+    /// By rows of the screen, of which a line that is wrapped has several.
+    void goRows(qsizetype rows);
+    enum class RowEdge { start, firstNonBlank, end };
+    void toRowEdge(RowEdge edge);
     /// From where it is left by a jump; the mark of it stays where it was when nobody moves.
     enum class Moving { stays, goes };
     void rememberJump(Moving moving);
@@ -386,6 +390,8 @@ private:
 };
 
 /// What commands behind ":" do to the text, and the questions of those that ask.
+    /// Where rows of the screen led, and what is kept for the next one.
+    VimTextView::RowPlace m_row;
 class VimEngine::Commanding final : public ExactPart, public VimExTarget {
 public:
     using ExactPart::ExactPart;

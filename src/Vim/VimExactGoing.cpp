@@ -6,6 +6,7 @@
 #include "Vim/VimExact.h"
 
 #include "Base/Translation.h"
+#include "Text/LineEditing.h"
 
 using namespace Qt::StringLiterals;
 using VimMotion::Kind;
@@ -134,6 +135,52 @@ void VimEngine::Going::reveal(std::optional<VimTextView::Edge> edge, bool toFirs
         m_engine.m_view.centerSelection();
     }
     finish();
+}
+
+void VimEngine::Going::goRows(qsizetype rows)
+{
+    const bool isEndless = m_exact.column && *m_exact.column >= VimLines::endless && m_exact.columnPlace == caret();
+    const auto x = isEndless ? std::optional(double(VimLines::endless)) : m_row.place == caret() ? m_row.x : std::nullopt;
+    auto moved = m_engine.m_view.movedByRows({caret(), x}, rows);
+    if (!moved) {
+        fail();
+        return;
+    }
+    VimExactMotion::Result result{.kind = isEndless ? Kind::inclusive : Kind::exclusive};
+    {
+        const Sight sight = see();
+        result.place = moved->place = std::min(moved->place, sight.lines.last(moved->place));
+    }
+    result.column = isEndless ? m_exact.column : std::nullopt;
+    m_row = *moved;
+    m_exact.operating.arrive(result);
+}
+
+void VimEngine::Going::toRowEdge(RowEdge edge)
+{
+    const TextRange row = m_engine.m_view.rowAt(caret());
+    bool isOfLine = false;
+    VimExactMotion::Result result{.place = row.location};
+    {
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        if (edge == RowEdge::end) {
+            isOfLine = lines.isAtEnd(row.end()) || m_engine.hasCount();
+            result = {.place = isOfLine ? row.end() : lines.before(row.end()), .kind = Kind::inclusive};
+        } else {
+            isOfLine = row.location == lines.start(caret());
+            while (edge == RowEdge::firstNonBlank && result.place + 1 < row.end() && isSpaceOrTab(lines.at(result.place))) {
+                ++result.place;
+            }
+        }
+    }
+    if (isOfLine) {
+        go(edge == RowEdge::end     ? VimExactMotion::rowEnd
+           : edge == RowEdge::start ? VimExactMotion::lineStart
+                                    : VimExactMotion::firstNonBlank);
+        return;
+    }
+    m_exact.operating.arrive(result);
 }
 
 // Marks and lists of places

@@ -68,6 +68,16 @@ public:
     enum class Edge { top, bottom };
     virtual void revealAt(Edge edge) = 0;
     /// Moves what is seen by so many rows; the caret stays where it is.
+    /// A place in a row of the screen, of which a line that is wrapped has several.
+    struct RowPlace {
+        qsizetype place = 0;
+        /// Pixels along the row, to be kept from one row to the next.
+        std::optional<double> x = std::nullopt;
+    };
+    /// So many rows down, or up when negative, as far as there are rows; none when there is not one.
+    [[nodiscard]] virtual std::optional<RowPlace> movedByRows(const RowPlace &from, qsizetype rows) const = 0;
+    /// The row that has the character at `place`, without a line break.
+    [[nodiscard]] virtual TextRange rowAt(qsizetype place) const = 0;
     virtual void scrollRows(qsizetype rows) = 0;
     /// Looks for a hit; any thread.
     using Seeking = std::function<std::optional<TextRange>(const std::stop_token &stop)>;

@@ -10,6 +10,7 @@
 #include "Text/UndoManager.h"
 #include "Vim/VimConfiguration.h"
 #include "Vim/VimEngine.h"
+#include "Vim/VimLines.h"
 
 #include <gtest/gtest.h>
 
@@ -146,6 +147,23 @@ public:
     void centerSelection() override { actions << QStringLiteral("center"); }
     void revealSelection() override { actions << QStringLiteral("reveal"); }
     void revealAt(Edge edge) override { actions << (edge == Edge::top ? QStringLiteral("top") : QStringLiteral("bottom")); }
+    [[nodiscard]] std::optional<RowPlace> movedByRows(const RowPlace &from, qsizetype rows) const override
+    {
+        VimBuffer buffer(text());
+        const VimLines lines(buffer, indent.tabWidth(), VimLines::LastLine::hasText);
+        if (rows > 0 ? lines.isLast(from.place) : lines.isFirst(from.place)) {
+            return std::nullopt;
+        }
+        const double x = from.x.value_or(double(lines.cells(from.place).first));
+        const qsizetype line = lines.startNear(from.place, rows);
+        return RowPlace{std::min(lines.placeAt(line, qsizetype(x)), lines.end(line)), x};
+    }
+    [[nodiscard]] TextRange rowAt(qsizetype place) const override
+    {
+        VimBuffer buffer(text());
+        const VimLines lines(buffer, indent.tabWidth(), VimLines::LastLine::hasText);
+        return TextRange::between(lines.start(place), lines.end(place));
+    }
     void scrollRows(qsizetype /*rows*/) override {}
     void seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive) override
     {
