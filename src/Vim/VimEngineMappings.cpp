@@ -77,6 +77,7 @@ void VimEngine::feed(const VimKeymap::Fed &fed)
         perform(*fed.action);
     } else {
         bool isDone = true;
+        m_exact->repeating.beginStep();
         {
             const QScopedValueRollback mapping(m_usesMappings, false);
             isDone = m_exact->repeating.run(fed.keys.first(fed.unmapped));
@@ -89,6 +90,7 @@ void VimEngine::feed(const VimKeymap::Fed &fed)
                 }
             }
         }
+        m_exact->repeating.endStep();
     }
     --m_mappingDepth;
     notify();

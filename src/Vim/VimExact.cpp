@@ -212,6 +212,38 @@ void VimEngine::Repeating::record(const VimKeyEvent &event)
     }
 }
 
+void VimEngine::Repeating::recordText(const QString &text)
+{
+    if (m_recording && m_depth == 0) {
+        m_recorded += text;
+    }
+}
+
+void VimEngine::Repeating::beginStep()
+{
+    if (m_steps++ == 0) {
+        m_engine.m_view.beginUndoGroup();
+    }
+}
+
+void VimEngine::Repeating::endStep()
+{
+    if (--m_steps == 0) {
+        m_engine.m_view.endUndoGroup();
+    }
+}
+
+void VimEngine::Repeating::outsideStep(const std::function<void()> &replay)
+{
+    if (m_steps > 0) {
+        m_engine.m_view.endUndoGroup();
+    }
+    replay();
+    if (m_steps > 0) {
+        m_engine.m_view.beginUndoGroup();
+    }
+}
+
 void VimEngine::Repeating::beginRecording()
 {
     if (m_recording) {
@@ -257,7 +289,9 @@ void VimEngine::Repeating::runMacro(char16_t name)
     } else {
         run(keys);
     }
+        beginStep();
 }
+        endStep();
 
 // All of it
 

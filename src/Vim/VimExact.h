@@ -77,6 +77,13 @@ public:
     void release(const QString &keys);
 
     void record(const VimKeyEvent &event);
+    /// An input method typed it.
+    void recordText(const QString &text);
+    /// Changes till the end are one step of undo, but for what `u` in between divides.
+    void beginStep();
+    void endStep();
+    /// Undoes or redoes, beside the step that is under way.
+    void outsideStep(const std::function<void()> &replay);
     /// Ends a recording, or waits for the name of a register to record into.
     void beginRecording();
     void toggleRecording(char16_t name);
@@ -105,6 +112,7 @@ private:
     QString m_queue;
     qsizetype m_queuePlace = 0;
     qsizetype m_depth = 0;
+    qsizetype m_steps = 0;
     qsizetype m_keysRun = 0;
 };
 

@@ -926,7 +926,7 @@ void VimEngine::Operating::undo(qsizetype count)
         m_firstChanged.reset();
         {
             const QScopedValueRollback undoing(m_isUndoing, true);
-            m_engine.m_view.undo();
+            m_exact.repeating.outsideStep([this] { m_engine.m_view.undo(); });
         }
         if (!m_firstChanged) {
             break;
@@ -948,7 +948,7 @@ void VimEngine::Operating::redo(qsizetype count)
         m_firstChanged.reset();
         {
             const QScopedValueRollback undoing(m_isUndoing, true);
-            m_engine.m_view.redo();
+            m_exact.repeating.outsideStep([this] { m_engine.m_view.redo(); });
         }
         if (!m_firstChanged) {
             break;
