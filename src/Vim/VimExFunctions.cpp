@@ -427,6 +427,33 @@ std::vector<qsizetype> linesToTake(const VimExCall &call, VimMatcher &matcher, L
     return others;
 }
 
+/// Deletes all of these lines at once but those that the registers keep, which are left for the command itself.
+std::vector<qsizetype> withoutForgotten(VimExTarget &target, std::vector<qsizetype> starts)
+{
+    constexpr size_t kept = 10;
+    if (starts.size() <= kept) {
+        return starts;
+    }
+    const VimExLines lines(target.text());
+    const auto rest = starts.end() - kept;
+    TextEdits edits;
+    qsizetype taken = 0;
+    for (auto start = starts.begin(); start != rest;) {
+        const qsizetype from = *start;
+        qsizetype end = from;
+        for (; start != rest && *start == end; ++start) {
+            end = lines.start(lines.lineOf(*start) + 1);
+        }
+        edits.add(TextRange::between(from, end), Rope());
+        taken += end - from;
+    }
+    if (target.apply(edits)) {
+        starts.erase(starts.begin(), rest);
+        std::ranges::for_each(starts, [taken](qsizetype &start) { start -= taken; });
+    }
+    return starts;
+}
+
 Result<void> repeat(VimExCall &call, Lines which)
 {
     VimExTarget &target = call.target();
@@ -452,14 +479,18 @@ Result<void> repeat(VimExCall &call, Lines which)
     if (call.line.isRepeating()) {
         return linesToTake(call, *matcher, which).empty() ? Result<void>() : call.line.carryOut(commands);
     }
-    VimMarkedLines lines(linesToTake(call, *matcher, which));
-    if (lines.isEmpty()) {
+    std::vector<qsizetype> starts = linesToTake(call, *matcher, which);
+    if (starts.empty()) {
         call.line.say(
             formatted(which == Lines::matching ? localized(u"Pattern not found: %@") : localized(u"Pattern found in every line: %@"),
                       wanted->pattern));
         return {};
     }
     noteJump(target);
+    if (const QStringView command = QStringView(commands).trimmed(); !command.isEmpty() && u"delete"_s.startsWith(command)) {
+        starts = withoutForgotten(target, std::move(starts));
+    }
+    VimMarkedLines lines(std::move(starts));
     const VimExLine::Repetition repetition(call.line);
     const VimMarks::Following following(target.marks(), lines);
     while (const auto start = lines.take()) {
