@@ -92,6 +92,10 @@ void Monkey::raiseCurtain()
     m_stage.reset();
     m_stage = std::make_unique<Stage>(m_random, m_ground, m_work);
     m_stage->application.launch({});
+    if (m_random.oneIn(3)) {
+        m_stage->preferences.set(Settings::vimMode, true);
+        m_stage->preferences.set(Settings::vimExact, true);
+    }
     m_stage->application.windows().front()->activateWindow();
     note(u"start"_s);
 }
@@ -257,7 +261,9 @@ void Monkey::pressShortcut()
 void Monkey::typeLetters()
 {
     static constexpr auto words = std::to_array<QStringView>(
-        {u"word", u"äöüß ÄÖÜ", u"{", u"}", u"\"", u"// x", u"(a+)+$", u"#include <a>", u"\u4e2d\u6587", u"12", u":w", u"dd"});
+        {u"word", u"äöüß ÄÖÜ", u"{", u"}", u"\"", u"// x", u"(a+)+$", u"#include <a>", u"\u4e2d\u6587",  u"12", u":w", u"dd", u"qa",
+         u"q",    u"3@a",      u"u", u".", u"v",  u"R",    u"/o",     u":%s/o/x/c",    u":g/x/normal p", u"y",  u"ma", u"`a", u"gj",
+         u"zt"});
     const QStringView word = m_random.of(words);
     note(u"type "_s + word.toString());
     for (const QChar letter : word) {
