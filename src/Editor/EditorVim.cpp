@@ -7,10 +7,11 @@
 #include "Editor/EditorTextView.h"
 #include "Editor/PendingKeysPanel.h"
 #include "Text/PasteboardText.h"
+#include "Text/TextBoundaries.h"
 #include "Text/TextStorage.h"
-#include "Vim/VimCompletion.h"
 #include "View/CaretMotion.h"
 #include "Vim/VimBuffer.h"
+#include "Vim/VimCompletion.h"
 
 #include <QGuiApplication>
 #include <QInputMethod>
@@ -202,20 +203,27 @@ bool EditorVim::handleKey(const QKeyEvent &event)
 
 bool EditorVim::handleInputMethod(const QInputMethodEvent &event)
 {
-    if (m_engine->mode() == VimEngine::Mode::insert) {
+    const QString committed = event.commitString();
+    const bool isReplacing = m_engine->isReplacing() && !committed.isEmpty();
+    if (m_engine->mode() == VimEngine::Mode::insert && !isReplacing) {
         m_engine->resumeInsertSession();
-        m_engine->noteInsertedText(event.commitString());
+        m_engine->noteInsertedText(committed);
         return false;
     }
-    const QString committed = event.commitString();
+    if (isReplacing) {
+        QInputMethodEvent composed(event.preeditString(), event.attributes());
+        m_view.input().handle(composed);
+    }
+    const QScopedValueRollback own(m_isOwn, true);
     for (qsizetype place = 0; place < committed.size() && takesCharacters();) {
         const qsizetype length = committed[place].isHighSurrogate() && place + 1 < committed.size() ? 2 : 1;
         const QString character = committed.sliced(place, length);
         m_engine->handle({.characters = character, .charactersIgnoringModifiers = character});
         place += length;
     }
-    setPreedit(takesCharacters() ? event.preeditString() : QString());
+    setPreedit(takesCharacters() && !isReplacing ? event.preeditString() : QString());
     updateInputMethod();
+    m_revision = m_view.storage().revision();
     runEnteredCommand();
     return true;
 }
@@ -415,7 +423,7 @@ void EditorVim::select(TextRange range, qsizetype caret)
     m_view.ruler().refresh();
 }
 
-void EditorVim::selectSeveral(const std::vector<TextRange> &ranges, size_t primary)
+void EditorVim::selectSeveral(const std::vector<TextRange> &ranges, size_t primary, std::optional<qsizetype> caret)
 {
     const QScopedValueRollback own(m_isOwn, true);
     m_foreign = Foreign::nothing;
@@ -424,7 +432,12 @@ void EditorVim::selectSeveral(const std::vector<TextRange> &ranges, size_t prima
     for (const TextRange &range : ranges) {
         all.push_back(CaretSelection::of({range.location, range.end()}));
     }
-    m_view.setSelection(Selections::merged(std::move(all), primary), TextView::Reveal::nearest);
+    const Selections selections = Selections::merged(std::move(all), primary);
+    if (caret) {
+        m_view.showCaretAt(selections, *caret);
+    } else {
+        m_view.setSelection(selections, TextView::Reveal::nearest);
+    }
 }
 
 bool EditorVim::apply(const TextEdits &edits)
@@ -560,19 +573,6 @@ void EditorVim::revealAt(Edge edge)
     m_view.revealCaret();
 }
 
-void EditorVim::scrollRows(qsizetype rows)
-{
-    m_view.scrollRows(int(std::clamp<qsizetype>(rows, -mostRows, mostRows)));
-}
-
-void EditorVim::seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive)
-{
-    m_search.start(std::move(prepare), std::move(arrive));
-}
-
-void EditorVim::showIndicator(TextRange range)
-{
-    m_view.showIndicator(range);
 std::optional<VimTextView::RowPlace> EditorVim::movedByRows(const RowPlace &from, qsizetype rows) const
 {
     const auto moved =
@@ -591,6 +591,19 @@ TextRange EditorVim::rowAt(qsizetype place) const
     return layout.rangeOf(layout.rowOf(place));
 }
 
+void EditorVim::scrollRows(qsizetype rows)
+{
+    m_view.scrollRows(int(std::clamp<qsizetype>(rows, -mostRows, mostRows)));
+}
+
+void EditorVim::seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive)
+{
+    m_search.start(std::move(prepare), std::move(arrive));
+}
+
+void EditorVim::showIndicator(TextRange range)
+{
+    m_view.showIndicator(range);
 }
 
 Indentation EditorVim::indentation() const
@@ -605,7 +618,9 @@ void EditorVim::toggleComment()
 
 void EditorVim::setCaretLook(VimCaret look)
 {
-    m_view.setLook(&TextLooks::caretShape, look == VimCaret::bar ? TextView::CaretShape::bar : TextView::CaretShape::block);
+    using enum TextLooks::CaretShape;
+    static constexpr std::array shapes = {bar, block, underline};
+    m_view.setLook(&TextLooks::caretShape, shapes[size_t(look)]);
 }
 
 void EditorVim::perform(const Action &action)

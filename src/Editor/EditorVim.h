@@ -92,7 +92,7 @@ private:
     [[nodiscard]] VimTextName name() const override;
     [[nodiscard]] TextRange selectedRange() const override;
     void select(TextRange range, qsizetype caret) override;
-    void selectSeveral(const std::vector<TextRange> &ranges, size_t primary) override;
+    void selectSeveral(const std::vector<TextRange> &ranges, size_t primary, std::optional<qsizetype> caret) override;
     bool apply(const TextEdits &edits) override;
     void insertText(const QString &text) override;
     void putText(const QString &text) override;

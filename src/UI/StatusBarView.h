@@ -37,8 +37,12 @@ class StatusBarView final : public QWidget {
 
 public:
     struct VimState {
-        /// "NORMAL", "INSERT", "VISUAL", "V-LINE" or "COMMAND"; without Vim editing "OVERWRITE".
+        /// "NORMAL", "INSERT", "REPLACE", "VISUAL", "V-LINE", "V-BLOCK" or "COMMAND"; without Vim editing "OVERWRITE".
         QString mode;
+        /// What goes on besides, as a macro that is recorded.
+        QString note = {};
+        /// Asked until it is answered; empty when nothing is.
+        QString question = {};
         /// The keys so far of a command that is not complete.
         QString pending;
         /// With its prefix, while it is open.

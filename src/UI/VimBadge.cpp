@@ -45,7 +45,17 @@ QString badgeText(const StatusBarView::VimState &state)
     if (state.commandLine) {
         return u' ' + *state.commandLine + u"█ "_s;
     }
-    return u' ' + state.mode + (state.pending.isEmpty() ? QString() : u"  "_s + state.pending) + u' ';
+    if (!state.question.isEmpty()) {
+        return u' ' + state.question + u' ';
+    }
+    return u' ' + state.mode + (state.note.isEmpty() ? QString() : u"  "_s + state.note) +
+           (state.pending.isEmpty() ? QString() : u"  "_s + state.pending) + u' ';
+}
+
+/// What a screen reader says without being asked.
+QString spoken(const StatusBarView::VimState &state)
+{
+    return !state.question.isEmpty() ? state.question : state.note.isEmpty() ? state.mode : state.mode + u", "_s + state.note;
 }
 
 /// A letter more or none, or one less.
@@ -69,7 +79,7 @@ void VimBadge::setState(const std::optional<StatusBarView::VimState> &state)
         return;
     }
     // The mode is reported when it changes, keys are not: whoever pressed them knows.
-    const bool isOtherMode = state && (!m_state || state->mode != m_state->mode);
+    const bool isOtherMode = state && (!m_state || spoken(*state) != spoken(*m_state));
     const bool wasVisible = isVisible();
     // So is a line that became another one, but not one that got what was typed.
     const bool isOtherLine = hasCursor() && state && state->commandLine && !isTyped(*m_state->commandLine, *state->commandLine);
@@ -78,7 +88,7 @@ void VimBadge::setState(const std::optional<StatusBarView::VimState> &state)
     if (hasCursor()) {
         setAccessibleName(*state->commandLine);
     } else if (isOtherMode) {
-        setAccessibleName(state->mode);
+        setAccessibleName(spoken(*state));
     }
     setVisible(state.has_value());
     if ((isOtherMode || isOtherLine) && wasVisible) {
@@ -106,7 +116,9 @@ void VimBadge::paintEvent(QPaintEvent * /*event*/)
     }
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QColor hue = m_state->commandLine ? SystemColor::purple() : m_state->isInsert ? SystemColor::green() : SystemColor::accent();
+    const QColor hue = m_state->commandLine || !m_state->question.isEmpty() ? SystemColor::purple()
+                       : m_state->isInsert                                  ? SystemColor::green()
+                                                                            : SystemColor::accent();
     const quint32 ground = blended(m_theme->gutterBackground, hue.rgb(), m_theme->isDark ? shareOnDark : shareOnLight);
     painter.setPen(Qt::NoPen);
     painter.setBrush(QColor::fromRgb(legible(ground, black, limitsOf(m_theme->contrast).text, {white})));

@@ -32,6 +32,8 @@
 #include <cerrno>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr std::chrono::seconds broughtBackFlash{5};
@@ -50,7 +52,10 @@ std::optional<StatusBarView::VimState> vimStateOf(EditorViewController &editor)
     }
     const VimEngine &engine = editor.vim()->engine();
     const QString &preedit = editor.vim()->preedit();
-    StatusBarView::VimState state{.mode = displayName(engine.mode()),
+    const auto recording = engine.recording();
+    StatusBarView::VimState state{.mode = engine.isReplacing() ? u"REPLACE"_s : displayName(engine.mode()),
+                                  .note = recording ? formatted(localized(u"recording @%@"), QString(QChar(*recording))) : QString(),
+                                  .question = engine.question(),
                                   .pending = engine.pendingDescription() + preedit,
                                   .commandLine = std::nullopt,
                                   .isInsert = engine.mode() == VimEngine::Mode::insert};

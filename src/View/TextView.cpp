@@ -302,11 +302,11 @@ void TextView::setSelection(const Selections &wanted, Reveal reveal)
     revealCaret(reveal);
 }
 
-void TextView::showCaretAt(TextSelection selection, qsizetype place)
+void TextView::showCaretAt(const Selections &wanted, qsizetype place)
 {
-    setSelection(selection);
+    setSelection(wanted);
     const qsizetype shown = TextBoundaries::snapped(m_storage.text(), place);
-    if (shown != m_caret.place().offset) {
+    if (shown != m_caret.place().offset || !selections().isSingle()) {
         m_caret.repaint();
         viewport()->update(m_caret.rowBox().toAlignedRect());
         m_caret.shown = shown;

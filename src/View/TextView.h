@@ -97,7 +97,7 @@ public:
     /// Puts `text` in place of `range` and the caret behind it.
     void insertText(QStringView text, TextRange range);
     /// Selects, and shows the caret at `place` instead of at the selection's end, until one of them changes; scrolls until it is seen.
-    void showCaretAt(TextSelection selection, qsizetype place);
+    void showCaretAt(const Selections &wanted, qsizetype place);
     /// The units that can be seen, half a view above and below counted in; in a line wider than the view those near its visible part.
     [[nodiscard]] TextRange visibleRange();
     /// Caret in the coordinates of the scroll area; where an input method puts its window.

@@ -47,7 +47,7 @@ QRectF TextViewCaret::boxAt(const RowPosition &row, double top, double x, qsizet
 std::vector<QRectF> TextViewCaret::otherBoxes()
 {
     std::vector<QRectF> boxes;
-    if (selections.isSingle()) {
+    if (selections.isSingle() || shown) {
         return boxes;
     }
     LayoutManager &layout = m_view.m_layout;

@@ -38,7 +38,7 @@ public:
     void repaint();
 
     Selections selections;
-    /// Where it is shown instead of at its place.
+    /// Where it is shown instead of at its place, and no other is.
     std::optional<qsizetype> shown;
     /// When the view was painted last.
     bool wasSeen = false;

@@ -224,6 +224,7 @@ void VimEngine::noteInsertedText(const QString &text)
 {
     if (m_mode == Mode::insert && m_exact) {
         m_exact->inserting.noteTyped(text);
+        m_exact->repeating.recordText(text);
     } else if (m_mode == Mode::insert) {
         m_editing->noteInserted(text);
     }
@@ -648,6 +649,10 @@ void VimEngine::takeSelection(TextSelection selection)
     const bool isForward = selection.caret >= selection.anchor;
     m_visualAnchor = isForward ? range.location : last;
     m_visualHead = isForward ? last : range.location;
+    if (m_exact) {
+        m_exact->selecting.begin(Mode::visual, m_visualAnchor, m_visualHead);
+        return;
+    }
     m_lastPlace = m_visualHead;
     m_desiredColumn = m_visualHead - buffer().lineStart(m_visualHead);
     setMode(Mode::visual);
@@ -729,6 +734,11 @@ std::optional<char16_t> VimEngine::recording() const
 bool VimEngine::isReplacing() const
 {
     return m_exact && m_mode == Mode::insert && m_exact->inserting.isReplacing();
+}
+
+QString VimEngine::question() const
+{
+    return m_exact ? m_exact->commanding.question() : QString();
 }
 
 // Visual modes

@@ -133,6 +133,8 @@ public:
     /// The name of the register that a macro is being recorded into.
     [[nodiscard]] std::optional<char16_t> recording() const;
     [[nodiscard]] bool isReplacing() const;
+    /// What is asked about a hit of `:s`, until it is answered; empty when nothing is.
+    [[nodiscard]] QString question() const;
     /// Both ends of what a visual mode selects, which it has both.
     [[nodiscard]] TextSelection visualEnds() const { return {m_visualAnchor, m_visualHead}; }
     /// The changes of an insert session are one step of undo, until the view loses the keyboard, the caret is moved, or somebody undoes

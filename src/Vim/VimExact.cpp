@@ -256,11 +256,13 @@ void VimEngine::Repeating::beginRecording()
 void VimEngine::Repeating::toggleRecording(char16_t name)
 {
     if (m_recording) {
+        m_engine.notify();
         m_recorded.chop(1); // the key that ends it
         m_engine.m_registers.setText(*std::exchange(m_recording, std::nullopt), std::exchange(m_recorded, {}));
     } else if (QChar(name).isLetterOrNumber() || name == u'"') {
         m_recording = name;
         m_recorded.clear();
+        m_engine.notify();
     } else {
         fail();
         return;
@@ -287,11 +289,11 @@ void VimEngine::Repeating::runMacro(char16_t name)
         m_queue = keys + m_queue.sliced(m_queuePlace);
         m_queuePlace = 0;
     } else {
-        run(keys);
-    }
         beginStep();
-}
+        run(keys);
         endStep();
+    }
+}
 
 // All of it
 

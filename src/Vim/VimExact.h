@@ -345,6 +345,10 @@ public:
     void scrollPage(qsizetype direction, qsizetype count);
     void scrollRows(qsizetype rows);
     void reveal(std::optional<VimTextView::Edge> edge, bool toFirstNonBlank);
+    /// By rows of the screen, of which a line that is wrapped has several.
+    void goRows(qsizetype rows);
+    enum class RowEdge { start, firstNonBlank, end };
+    void toRowEdge(RowEdge edge);
     void toMark(char16_t name, bool isExact);
     void setMark(char16_t name);
     void jump(bool isOlder, qsizetype count);
@@ -352,10 +356,6 @@ public:
     void search(const QString &typed, SearchDirection direction);
     void searchAgain(bool isReversed);
     void searchWord(SearchDirection direction, bool isWhole);
-    /// By rows of the screen, of which a line that is wrapped has several.
-    void goRows(qsizetype rows);
-    enum class RowEdge { start, firstNonBlank, end };
-    void toRowEdge(RowEdge edge);
     /// From where it is left by a jump; the mark of it stays where it was when nobody moves.
     enum class Moving { stays, goes };
     void rememberJump(Moving moving);
@@ -370,6 +370,8 @@ private:
 
     /// Lines of Control-D and Control-U; 0 for half of the screen.
     qsizetype m_scroll = 0;
+    /// Where rows of the screen led, and what is kept for the next one.
+    VimTextView::RowPlace m_row;
     struct LastFind {
         char32_t character;
         VimMotion::FindKind kind;
@@ -398,8 +400,6 @@ private:
 };
 
 /// What commands behind ":" do to the text, and the questions of those that ask.
-    /// Where rows of the screen led, and what is kept for the next one.
-    VimTextView::RowPlace m_row;
 class VimEngine::Commanding final : public ExactPart, public VimExTarget {
 public:
     using ExactPart::ExactPart;
@@ -413,6 +413,7 @@ public:
     void substituteAgain(bool inAllLines);
     /// A key that answers a question; false when none is asked.
     bool takeAnswer(const VimKeyEvent &event);
+    [[nodiscard]] QString question() const { return m_confirmation ? m_confirmation->question() : QString(); }
     [[nodiscard]] std::optional<QString> lastReplacement() const { return m_substitution.replacement; }
     [[nodiscard]] std::optional<VimTypedSubstitution> typedSubstitution() const;
 

@@ -258,8 +258,9 @@ void VimEngine::Commanding::ask()
         return;
     }
     setCaret(hit->location);
+    m_engine.m_view.select(*hit, hit->location); // seen while it is asked about
     m_engine.m_view.showIndicator(*hit);
-    say(m_confirmation->question());
+    m_engine.notify();
 }
 
 bool VimEngine::Commanding::takeAnswer(const VimKeyEvent &event)
@@ -279,6 +280,8 @@ void VimEngine::Commanding::endQuestions()
 {
     const VimSubstituteOutcome outcome = m_confirmation->outcome();
     m_confirmation.reset();
+    m_engine.notify();
+    m_engine.m_view.select({m_engine.m_view.selectedRange().location, 0}, m_engine.m_view.selectedRange().location);
     m_engine.m_view.endUndoGroup();
     if (outcome.hits > 0) {
         setCaret(outcome.caret);

@@ -66,6 +66,9 @@ void VimEngine::Inserting::enter(qsizetype place, qsizetype count, Kind kind)
     begin();
     m_count = count;
     m_kind = kind;
+    if (kind == Kind::replace) {
+        m_engine.m_view.setCaretLook(VimCaret::underline);
+    }
     setCaret(place);
     m_start = caret();
     m_engine.resetPending();

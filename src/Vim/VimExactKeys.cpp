@@ -158,15 +158,17 @@ std::span<const VimEngine::KeyRow> VimEngine::exactKeys()
         {u'[', Exactly{Go::section<u'}', Direction::forward>}, {}, afterCloseBracket},
         {u'p',
          Command{
-             [](VimEngine &engine,
-                qsizetype count) { engine.m_exact->operating.paste(Side::before, count, PasteCaret::onText, PasteIndentation::asHere); }},
+             [](VimEngine &engine, qsizetype count) {
+                 engine.m_exact->operating.paste(Side::before, count, PasteCaret::onText, PasteIndentation::asHere);
+             }},
          {},
          afterOpenBracket,
          normalOnly},
         {u'p',
          Command{
-             [](VimEngine &engine,
-                qsizetype count) { engine.m_exact->operating.paste(Side::after, count, PasteCaret::onText, PasteIndentation::asHere); }},
+             [](VimEngine &engine, qsizetype count) {
+                 engine.m_exact->operating.paste(Side::after, count, PasteCaret::onText, PasteIndentation::asHere);
+             }},
          {editing, u"paste indented as the line"},
          afterCloseBracket,
          normalOnly},

@@ -74,7 +74,7 @@ void VimEngine::Selecting::select(qsizetype head)
             primary = row.line == lines.start(head) ? ranges.size() : primary;
             ranges.push_back(row.range);
         }
-        m_engine.m_view.selectSeveral(ranges, primary);
+        m_engine.m_view.selectSeveral(ranges, primary, head);
     } else {
         const qsizetype end = lines.isAtEnd(high) ? (lines.isLast(high) ? high : lines.next(high)) : lines.after(high);
         m_engine.m_view.select(TextRange::between(low, end), head);
@@ -612,7 +612,7 @@ void VimEngine::Selecting::insert(Side side, qsizetype count)
         }
     }
     m_engine.setMode(Mode::normal);
-    m_engine.m_view.select({low, 0}, low);
+    m_engine.m_view.select({blockStart, 0}, blockStart);
     m_exact.inserting.begin();
     edit(padding);
     m_exact.inserting.enterBlock(places.empty() ? std::vector{low} : places, blockStart);

@@ -12,7 +12,7 @@
 struct Action;
 
 /// How the caret looks.
-enum class VimCaret { bar, block };
+enum class VimCaret { bar, block, underline };
 
 /// What goes before the caret while text is typed.
 enum class VimDeletion { letter, word, toLineStart };
@@ -39,8 +39,9 @@ public:
     /// Selects, and shows the caret at `caret`, one of the ends of `range` or the character before its end.
     virtual void select(TextRange range, qsizetype caret) = 0;
 
-    /// Several stretches at once, ascending and apart, or places where text is typed. The caret is in the one of `primary`, or at its end.
-    virtual void selectSeveral(const std::vector<TextRange> &ranges, size_t primary) = 0;
+    /// Several stretches at once, ascending and apart, of which `primary` has the caret, which alone is shown; or places where text is
+    /// typed, each with a caret, while there is no `caret`.
+    virtual void selectSeveral(const std::vector<TextRange> &ranges, size_t primary, std::optional<qsizetype> caret = std::nullopt) = 0;
 
     /// One change of the text. False when it was refused.
     virtual bool apply(const TextEdits &edits) = 0;
@@ -67,7 +68,6 @@ public:
     /// The caret's line comes to an edge of the screen, as far as it can.
     enum class Edge { top, bottom };
     virtual void revealAt(Edge edge) = 0;
-    /// Moves what is seen by so many rows; the caret stays where it is.
     /// A place in a row of the screen, of which a line that is wrapped has several.
     struct RowPlace {
         qsizetype place = 0;
@@ -78,6 +78,7 @@ public:
     [[nodiscard]] virtual std::optional<RowPlace> movedByRows(const RowPlace &from, qsizetype rows) const = 0;
     /// The row that has the character at `place`, without a line break.
     [[nodiscard]] virtual TextRange rowAt(qsizetype place) const = 0;
+    /// Moves what is seen by so many rows; the caret stays where it is.
     virtual void scrollRows(qsizetype rows) = 0;
     /// Looks for a hit; any thread.
     using Seeking = std::function<std::optional<TextRange>(const std::stop_token &stop)>;

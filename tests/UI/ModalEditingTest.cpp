@@ -2,10 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "Editor/PendingKeysPanel.h"
 #include "Editor/SubstitutionPanel.h"
+#include "Editor/VimListPanel.h"
 #include "UI/VimBadge.h"
 #include "WindowFixture.h"
 
 #include <QInputMethodEvent>
+#include <QPlainTextEdit>
 
 using namespace Qt::StringLiterals;
 
@@ -330,6 +332,110 @@ TEST_F(ModalEditingTest, ExactEditingKeepsRowsAroundTheCaretAndCountsFromItsLine
     EXPECT_LE(top(), port.size().height() - 4 * rowHeight() + 1);
     press(u"35k"_s);
     EXPECT_GE(top(), 3 * rowHeight() - 1);
+}
+
+TEST_F(ModalEditingTest, ABlockHasOneCaretWhereItsCornerIsMoved)
+{
+    start("ooooooo\nooooooo\n");
+    preferences.set(Settings::highlightCurrentLine, false);
+    preferences.set(Settings::vimExact, true);
+    press(u"4l"_s);
+    QTest::keyClick(&textView(), Qt::Key_V, Qt::ControlModifier);
+    press(u"jhh"_s);
+    EXPECT_EQ(badge(), u"V-BLOCK"_s);
+    EXPECT_TRUE(isMarked(2) && isMarked(4) && isMarked(10) && isMarked(12)) << "selected";
+    EXPECT_FALSE(isMarked(5) || isMarked(13)) << "no caret behind it";
+    const QImage image = textView().viewport()->grab().toImage();
+    const auto ground = [&](qsizetype offset) {
+        return image.pixelColor(pointIn(textView(), offset) - QPoint(-2, int(rowHeight() / 2) - 2));
+    };
+    EXPECT_EQ(ground(2), ground(3));
+    EXPECT_NE(ground(10), ground(11));
+    press(u"Ix<Esc>"_s);
+    EXPECT_EQ(text(), u"ooxooooo\nooxooooo\n"_s);
+    press(u"u"_s);
+    EXPECT_EQ(text(), u"ooooooo\nooooooo\n"_s);
+    EXPECT_EQ(caret(), 2);
+    textView().setSelection(TextSelection{2, 5});
+    EXPECT_EQ(badge(), u"VISUAL"_s);
+    EXPECT_FALSE(isMarked(5)) << "the caret is in what was selected by others";
+}
+
+TEST_F(ModalEditingTest, TheStatusBarSaysWhatGoesOnInExactEditing)
+{
+    start("one two\none two\n");
+    preferences.set(Settings::vimExact, true);
+    press(u"R"_s);
+    EXPECT_EQ(badge(), u"REPLACE"_s);
+    commit(u"é"_s);
+    press(u"<Esc>"_s);
+    EXPECT_EQ(text(), u"éne two\none two\n"_s) << "an input method replaces, too";
+    press(u"qaA"_s);
+    EXPECT_EQ(badge(), u"INSERT  recording @a"_s);
+    commit(u"ß"_s);
+    press(u"<Esc>jq"_s);
+    EXPECT_EQ(badge(), u"NORMAL"_s);
+    press(u"@a"_s);
+    EXPECT_EQ(text(), u"éne twoß\none twoß\n"_s);
+    press(u":%s/two/2/c<CR>"_s);
+    scheduler.advance(std::chrono::minutes(1));
+    EXPECT_TRUE(badge().startsWith(u"Replace by “2”?"_s)) << "until it is answered";
+    EXPECT_EQ(textView().selection().range(), (TextRange{4, 3}));
+    press(u"y"_s);
+    EXPECT_EQ(textView().selection().range(), (TextRange{11, 3}));
+    press(u"q"_s);
+    EXPECT_EQ(badge(), u"NORMAL"_s);
+    EXPECT_TRUE(textView().selection().isEmpty());
+    press(u"u"_s);
+    EXPECT_EQ(text(), u"éne twoß\none twoß\n"_s);
+}
+
+TEST_F(ModalEditingTest, WhatIsListedStaysUntilItIsRead)
+{
+    start("one\ntwo\n");
+    preferences.set(Settings::vimExact, true);
+    press(u"yiw:reg<CR>"_s);
+    auto *const panel = textView().findChild<VimListPanel *>();
+    ASSERT_TRUE(panel && panel->isVisible());
+    auto *const lines = panel->findChild<QPlainTextEdit *>();
+    EXPECT_TRUE(lines->hasFocus());
+    EXPECT_TRUE(lines->toPlainText().contains(u"  c  \"0   one"_s)) << lines->toPlainText().toStdString();
+    QTest::keyClick(lines, Qt::Key_X);
+    EXPECT_TRUE(panel->isVisible());
+    QTest::keyClick(lines, Qt::Key_Escape);
+    EXPECT_FALSE(panel->isVisible());
+    EXPECT_TRUE(textView().hasFocus());
+    press(u":marks<CR>"_s);
+    QTest::keyClick(lines, ':');
+    EXPECT_FALSE(panel->isVisible());
+    EXPECT_EQ(badge(), u":"_s);
+}
+
+TEST_F(ModalEditingTest, ExactEditingGoesByRowsOfTheScreen)
+{
+    start("word " + QByteArray("word ").repeated(200) + "\n" + QByteArray("line\n").repeated(100));
+    preferences.set(Settings::vimExact, true);
+    preferences.set(Settings::wrapLines, true);
+    const auto row = [this] { return textView().layoutManager().rangeOf(textView().layoutManager().rowOf(caret())); };
+    const TextRange first = row();
+    ASSERT_LT(first.length, 900);
+    press(u"lgj"_s);
+    EXPECT_EQ(caret(), first.end() + 1);
+    press(u"g$"_s);
+    EXPECT_EQ(row().location, first.end());
+    EXPECT_EQ(caret(), row().end() - 1);
+    press(u"g0gk"_s);
+    EXPECT_EQ(caret(), 0);
+    press(u"dgj"_s);
+    EXPECT_EQ(text().indexOf(u'\n'), 1005 - first.length);
+    preferences.set(Settings::wrapLines, false);
+    Viewport &port = textView().textViewport();
+    const auto top = [&] { return *port.topOf(textView().layoutManager().rowOf(caret())); };
+    press(u"50Gzt"_s);
+    EXPECT_EQ(top(), 0);
+    press(u"zb"_s);
+    EXPECT_GT(top(), port.size().height() - 2 * rowHeight());
+    EXPECT_LE(top(), port.size().height() - rowHeight());
 }
 
 TEST_F(ModalEditingTest, WhatIsSelectedOtherwiseIsTheModesOwn)

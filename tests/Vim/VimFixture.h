@@ -75,11 +75,11 @@ public:
         const qsizetype from = TextBoundaries::snapped(text(), range.location);
         selected = TextRange::between(from, std::max(from, TextBoundaries::snapped(text(), range.end())));
     }
-    void selectSeveral(const std::vector<TextRange> &ranges, size_t primary) override
+    void selectSeveral(const std::vector<TextRange> &ranges, size_t primary, std::optional<qsizetype> at = std::nullopt) override
     {
         several = ranges;
         selected = ranges[primary];
-        caret = selected.location;
+        caret = at.value_or(selected.location);
     }
     bool apply(const TextEdits &edits) override
     {
