@@ -107,7 +107,7 @@ void VimEngine::Editing::apply(OperatorKind kind, TextRange given, Span span)
         case OperatorKind::toggleComment:
             changeComments(range);
             break;
-        case OperatorKind::change:
+        default: // those that only exact modal editing has
             break;
         }
     }

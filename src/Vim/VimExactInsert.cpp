@@ -23,8 +23,6 @@ bool isMove(char16_t key)
 
 /// Keys of a script that are no text.
 constexpr char16_t deleteLetterKey = 0x08;
-constexpr char16_t deleteWordKey = 0x17;
-constexpr char16_t deleteLineKey = 0x15;
 /// What follows is put into the text whatever it is.
 constexpr char16_t literalKey = 0x16;
 

@@ -1,0 +1,196 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// What Vim does with what registers have: characters, lines and rectangles put into the text.
+
+#include "Vim/VimExact.h"
+
+#include "Text/TextBoundaries.h"
+
+using namespace Qt::StringLiterals;
+
+void VimEngine::Operating::paste(Side side, qsizetype count, PasteCaret at, PasteIndentation indentation)
+{
+    VimRegisterContents contents = m_exact.contents(m_engine.m_pendingRegister);
+    if (contents.text.isEmpty()) {
+        if (!m_exact.repeating.isReplaying()) {
+            m_exact.repeating.remember();
+        }
+        setChangeMarks(caret(), caret());
+        fail();
+        return;
+    }
+    if (!m_engine.mayInsert(contents.text.length(), count)) {
+        finish();
+        return;
+    }
+    if (indentation == PasteIndentation::asHere && contents.isLinewise) {
+        // The first line gets that of the caret's line, the others keep their distance.
+        const Sight sight = see();
+        const qsizetype line = sight.lines.start(caret());
+        const qsizetype wanted = sight.lines.cells(std::min(sight.lines.firstNonBlank(line), sight.lines.end(line))).first;
+        const Rope rope = contents.text;
+        VimBuffer buffer(rope);
+        const VimLines lines(buffer, sight.lines.tabWidth());
+        std::optional<qsizetype> first;
+        QString moved;
+        for (qsizetype row = 0; row < rope.length(); row = lines.next(row)) {
+            qsizetype behind = row;
+            while (!lines.isAtEnd(behind) && isSpaceOrTab(lines.at(behind))) {
+                ++behind;
+            }
+            const qsizetype cells = lines.cells(behind).first;
+            first = first.value_or(cells);
+            const bool isEmpty = lines.isEmpty(row);
+            moved += (isEmpty ? QString() : blanks(std::max<qsizetype>(cells + wanted - *first, 0))) +
+                     rope.toString(TextRange::between(behind, lines.next(row)));
+        }
+        contents.text = Rope(moved);
+    }
+    pasteText(contents, side, count, at);
+    finish(Repeatable::yes);
+}
+
+void VimEngine::Operating::pasteText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at)
+{
+    m_engine.m_view.beginUndoGroup();
+    putText(contents, side, count, at);
+    if (const qsizetype place = caret(); m_exact.restoreLastBreak()) {
+        setCaret(place);
+    }
+    m_engine.m_view.endUndoGroup();
+}
+
+void VimEngine::Operating::putText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at)
+{
+    if (contents.isBlock) {
+        pasteBlock(contents, side, count, at);
+        return;
+    }
+    Rope pasted = contents.text;
+    const Rope once = contents.text;
+    for (qsizetype done = 1; done < count; ++done) {
+        pasted.replace({pasted.length(), 0}, once);
+    }
+    if (!contents.isLinewise) {
+        qsizetype place = caret();
+        {
+            const Sight sight = see();
+            place = side == Side::after && !sight.lines.isEmpty(place) ? sight.lines.after(place) : place;
+        }
+        const bool hasLines = [&] {
+            const QString text = pasted.toString();
+            return text.contains(u'\n');
+        }();
+        edit(TextEdits({place, 0}, pasted));
+        m_exact.marks.set(u'[', place);
+        m_exact.marks.set(u']', place + std::max<qsizetype>(pasted.length() - 1, 0));
+        const qsizetype behind = place + pasted.length();
+        if (at == PasteCaret::behindText) {
+            setCaret(behind);
+        } else {
+            setCaret(hasLines ? place : TextBoundaries::previousGrapheme(text(), behind));
+        }
+        return;
+    }
+    qsizetype place = 0;
+    bool isBehindAll = false;
+    {
+        const Sight sight = see();
+        const qsizetype from = caret();
+        place = side == Side::after ? sight.lines.next(from) : sight.lines.start(from);
+        isBehindAll = side == Side::after && place == text().length() && (place == 0 || !isBreak(sight.lines.at(place - 1)));
+    }
+    if (isBehindAll) {
+        // The last line has no break, and the new last one has none either.
+        pasted.replace({pasted.length() - 1, 1}, Rope());
+        pasted.replace({0, 0}, Rope(u"\n"));
+    }
+    edit(TextEdits({place, 0}, pasted));
+    const qsizetype first = place + (isBehindAll ? 1 : 0);
+    const qsizetype behind = place + pasted.length();
+    m_exact.marks.set(u'[', first);
+    m_exact.marks.set(u']', std::max(behind - 1, first));
+    const Sight sight = see();
+    if (at == PasteCaret::behindText) {
+        setCaret(behind < text().length() ? behind : sight.lines.lastStart());
+    } else {
+        setCaret(sight.lines.firstNonBlank(first));
+    }
+}
+
+void VimEngine::Operating::pasteBlock(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at)
+{
+    const QStringList rows = contents.text.toString().split(u'\n');
+    TextEdits edits;
+    qsizetype first = 0;
+    qsizetype last = 0;
+    {
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        const qsizetype from = caret();
+        const VimLines::Cells cells = lines.cells(from);
+        const qsizetype column = side == Side::after && !lines.isEmpty(from) ? cells.last + 1 : cells.first;
+        qsizetype line = lines.start(from);
+        qsizetype shift = 0;
+        QString behindAll;
+        for (qsizetype index = 0; index < rows.size(); ++index) {
+            const Rope rope(rows[index]);
+            VimBuffer buffer(rope);
+            const qsizetype width = VimLines(buffer, lines.tabWidth()).cells(rows[index].size()).first;
+            const QString padding(std::max<qsizetype>(contents.blockWidth - width, 0), u' ');
+            QString text;
+            for (qsizetype done = 0; done < count; ++done) {
+                text += rows[index] + (done + 1 < count ? padding : QString());
+            }
+            if (line < 0) {
+                behindAll += u'\n' + QString(column, u' ') + text;
+                continue;
+            }
+            const qsizetype end = lines.end(line);
+            const qsizetype place = lines.placeAt(line, column);
+            const qsizetype reached = lines.cells(place).first;
+            const qsizetype missing = place == end ? std::max<qsizetype>(column - reached, 0) : 0;
+            const bool isLast = lines.isLast(line);
+            TextRange range{place, 0};
+            QString inserted = QString(missing, u' ') + text + (place < end ? padding : QString());
+            if (place < end && reached < column) {
+                // Within a tab, which becomes blanks.
+                const qsizetype cellsOfTab = lines.width(place, reached);
+                inserted = QString(column - reached, u' ') + text + padding + QString(reached + cellsOfTab - column, u' ');
+                range = TextRange::between(place, lines.after(place));
+            }
+            const qsizetype start = place + shift + (place < end && reached < column ? column - reached : missing);
+            first = index == 0 ? start : first;
+            last = start + text.size();
+            edits.add(range, Rope(inserted));
+            shift += inserted.size() - range.length;
+            line = isLast ? -1 : lines.next(line);
+        }
+        if (!behindAll.isEmpty()) {
+            const qsizetype end = lines.end(lines.lastStart());
+            if (!edits.isEmpty() && edits[edits.count() - 1].range.end() == end) {
+                const TextEdit lastEdit = edits[edits.count() - 1];
+                TextEdits all;
+                for (size_t index = 0; index + 1 < edits.count(); ++index) {
+                    all.add(edits[index].range, edits[index].text);
+                }
+                Rope text = lastEdit.text;
+                text.replace({text.length(), 0}, Rope(behindAll));
+                all.add(lastEdit.range, text);
+                edits = all;
+            } else {
+                edits.add({end, 0}, Rope(behindAll));
+            }
+            last = end + shift + behindAll.size();
+        }
+    }
+    edit(edits);
+    m_exact.marks.set(u'[', first);
+    m_exact.marks.set(u']', std::max(last - 1, first));
+    if (at == PasteCaret::behindText) {
+        setCaret(last);
+    } else {
+        setCaret(first);
+    }
+}

@@ -1,0 +1,119 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// Taking changes back as Vim does, and what is remembered of each.
+
+#include "Vim/VimExact.h"
+
+#include <QScopedValueRollback>
+
+void VimEngine::Operating::followChange(const TextChange &change)
+{
+    const ReplacedStretch hull = change.edits.hull();
+    const qsizetype caretBefore = std::exchange(m_caretBefore, std::nullopt).value_or(hull.location);
+    if (m_isUndoing) {
+        m_firstChanged = std::min(m_firstChanged.value_or(hull.location), hull.location);
+        m_lastChanged = hull.location + hull.inserted;
+        return;
+    }
+    m_caretsBefore.clear();
+    m_exact.changes.add(hull.location, change.after, m_engine.m_options.textWidth);
+    m_exact.marks.set(u'.', hull.location);
+    const VimBuffer before(change.before);
+    const TextRange line = before.lineRange(std::min(hull.location, change.before.length()));
+    const bool isWithin = change.isWithinLines() && hull.location + hull.removed <= line.end();
+    const qsizetype number = change.before.lineAt(line.location);
+    if (isWithin && (!m_lineBefore || m_lineBefore->number != number)) {
+        Rope text = change.before.slice(line);
+        while (!text.isEmpty() && isBreak(text.at(text.length() - 1))) {
+            text.replace({text.length() - 1, 1}, Rope());
+        }
+        m_lineBefore = LineBefore{number, text, line.contains(caretBefore) ? caretBefore - line.location : 0};
+    }
+}
+
+void VimEngine::Operating::undo(qsizetype count)
+{
+    for (qsizetype left = count; left > 0; --left) {
+        m_firstChanged.reset();
+        {
+            const QScopedValueRollback undoing(m_isUndoing, true);
+            m_exact.repeating.outsideStep([this] { m_engine.m_view.undo(); });
+        }
+        if (!m_firstChanged) {
+            break;
+        }
+        const qsizetype restored = std::min(m_engine.m_view.selectedRange().location, text().length());
+        {
+            const Sight sight = see();
+            const qsizetype line = sight.lines.start(restored);
+            m_caretsBefore.push_back({sight.lines.number(restored), restored - line});
+        }
+        showUndone(restored);
+    }
+    finish();
+}
+
+void VimEngine::Operating::redo(qsizetype count)
+{
+    for (qsizetype left = count; left > 0; --left) {
+        m_firstChanged.reset();
+        {
+            const QScopedValueRollback undoing(m_isUndoing, true);
+            m_exact.repeating.outsideStep([this] { m_engine.m_view.redo(); });
+        }
+        if (!m_firstChanged) {
+            break;
+        }
+        std::optional<qsizetype> before;
+        if (!m_caretsBefore.empty()) {
+            const Sight sight = see();
+            const qsizetype line = sight.lines.startOf(m_caretsBefore.back().first);
+            before = std::min(line + m_caretsBefore.back().second, sight.lines.end(line));
+            m_caretsBefore.pop_back();
+        }
+        showUndone(before);
+    }
+    finish();
+}
+
+/// In the first line that changed, or the one before it: where the caret was before the change, if that was there, else on its first
+/// character.
+void VimEngine::Operating::showUndone(std::optional<qsizetype> before)
+{
+    const Sight sight = see();
+    const VimLines &lines = sight.lines;
+    const qsizetype line = lines.start(*m_firstChanged);
+    const qsizetype place = before ? std::min(*before, text().length()) : 0;
+    const qsizetype lineBefore = line > 0 ? lines.start(line - 1) : line;
+    const bool isThere = before && place >= lineBefore && (lines.start(place) <= line || place < m_lastChanged);
+    setCaret(isThere ? place : lines.firstNonBlank(line));
+}
+
+void VimEngine::Operating::undoLine()
+{
+    if (!m_lineBefore) {
+        fail();
+        return;
+    }
+    const LineBefore before = *m_lineBefore;
+    TextRange line;
+    qsizetype column = before.column;
+    {
+        const Sight sight = see();
+        if (before.number >= sight.lines.count()) {
+            fail();
+            return;
+        }
+        const qsizetype start = sight.lines.startOf(before.number);
+        line = TextRange::between(start, sight.lines.end(start));
+        column = sight.lines.start(caret()) == start ? caret() - start : column;
+    }
+    const Rope now = text().slice(line);
+    if (const TextEdits edits = TextEdits::difference(now, before.text).movedBy(line.location); !edits.isEmpty()) {
+        edit(edits);
+    }
+    m_lineBefore = LineBefore{before.number, now, column};
+    setCaret(line.location + std::min(before.column, before.text.length()));
+    finish();
+}
