@@ -24,6 +24,8 @@ public:
     /// Its break included.
     [[nodiscard]] TextRange lineRange(qsizetype offset) const;
     [[nodiscard]] qsizetype lineStart(qsizetype offset) const { return lineRange(offset).location; }
+    /// Where the break of `line`, a whole one, begins.
+    [[nodiscard]] qsizetype contentEnd(TextRange line);
     /// Where the line's break begins; an offset at the text's end counts as the one before it.
     [[nodiscard]] qsizetype lineContentEnd(qsizetype offset);
     /// The first unit that is neither space nor tab; of a blank line its start.

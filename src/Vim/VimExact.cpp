@@ -37,18 +37,15 @@ void VimEngine::ExactPart::setCaret(qsizetype place, std::optional<qsizetype> co
 {
     const Sight sight = see();
     qsizetype at = std::clamp<qsizetype>(place, 0, text().length());
-    if (m_engine.isVisual()) {
-        at = TextBoundaries::snapped(text(), std::min(at, sight.lines.end(at)));
-        m_exact.selecting.select(at);
-    } else {
-        at = m_engine.m_mode == Mode::insert ? TextBoundaries::snapped(text(), std::min(at, sight.lines.end(at))) : sight.lines.settled(at);
-        m_engine.m_view.select({at, 0}, at);
-    }
+    const bool mayStandBehind = m_engine.m_mode == Mode::insert || m_engine.isVisual();
+    at = mayStandBehind ? TextBoundaries::snapped(text(), std::min(at, sight.lines.end(at))) : sight.lines.settled(at);
     m_exact.column = column;
     m_exact.columnPlace = at;
     m_engine.m_lastPlace = at;
     if (m_engine.isVisual()) {
-        m_exact.selecting.select(at); // a column without end reaches the ends of lines
+        m_exact.selecting.select(at);
+    } else {
+        m_engine.m_view.select({at, 0}, at);
     }
 }
 

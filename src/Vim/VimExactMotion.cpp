@@ -461,27 +461,17 @@ namespace {
 Result paragraph(const Request &request, Direction direction)
 {
     const VimLines &lines = request.lines;
+    const bool isForward = direction == Direction::forward;
+    const auto isAtEdge = [&](qsizetype line) { return isForward ? lines.isLast(line) : lines.isFirst(line); };
     qsizetype line = lines.start(request.caret);
-    const auto step = [&] {
-        if (direction == Direction::forward ? lines.isLast(line) : lines.isFirst(line)) {
-            return false;
+    for (qsizetype left = request.count; left > 0; --left) {
+        while (lines.isEmpty(line) && !isAtEdge(line)) {
+            line = isForward ? lines.next(line) : lines.start(line - 1);
         }
-        line = direction == Direction::forward ? lines.next(line) : lines.start(line - 1);
-        return true;
-    };
-    for (qsizetype left = request.count - 1; left >= 0; --left) {
-        bool hasSkipped = false;
-        for (bool isFirst = true;; isFirst = false) {
-            hasSkipped = hasSkipped || !lines.isEmpty(line);
-            if (!isFirst && hasSkipped && dividesParagraphs(lines, line)) {
-                break;
-            }
-            if (!step()) {
-                if (left > 0) {
-                    return Result::failure();
-                }
-                break;
-            }
+        const qsizetype from = line;
+        line = lines.start(VimMotion::nextDivider(lines.buffer(), from, direction, VimMotion::Dividers::emptyLinesAndFeeds));
+        if (left > 1 && (line == from || !dividesParagraphs(lines, line))) {
+            return Result::failure();
         }
     }
     if (direction == Direction::forward && lines.isLast(line) && !lines.isEmpty(line)) {

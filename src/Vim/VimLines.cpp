@@ -44,8 +44,7 @@ const VimLines::Line &VimLines::line(qsizetype place) const
     }
     const bool hasBreak = m_last == LastLine::hasText && isBreak(m_text.at(length - 1));
     const TextRange range = m_text.lineRange(std::clamp<qsizetype>(place, 0, hasBreak ? length - 1 : length));
-    const qsizetype end = range.location >= length ? range.location : std::max(m_text.lineContentEnd(range.location), range.location);
-    return m_line.emplace(Line{range.location, end, range.end()});
+    return m_line.emplace(Line{range.location, m_text.contentEnd(range), range.end()});
 }
 
 qsizetype VimLines::start(qsizetype place) const

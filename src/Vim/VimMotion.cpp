@@ -94,11 +94,17 @@ qsizetype lastOfLine(VimBuffer &text, qsizetype from, qsizetype count)
 
 qsizetype nextParagraphBoundary(VimBuffer &text, qsizetype from, Direction direction)
 {
+    return nextDivider(text, from, direction, Dividers::emptyLines);
+}
+
+qsizetype nextDivider(VimBuffer &text, qsizetype from, Direction direction, Dividers dividers)
+{
+    const auto isFeed = [&](char16_t unit) { return dividers == Dividers::emptyLinesAndFeeds && unit == u'\f'; };
     // Unit by unit: to ask for line after line takes much longer in a text of millions.
     const TextRange line = text.lineRange(from);
     if (direction == Direction::forward) {
         qsizetype start = line.end();
-        while (start < text.length() && !isBreak(text.at(start))) {
+        while (start < text.length() && !isBreak(text.at(start)) && !isFeed(text.at(start))) {
             while (start < text.length() && !isBreak(text.at(start))) {
                 ++start;
             }
@@ -117,7 +123,7 @@ qsizetype nextParagraphBoundary(VimBuffer &text, qsizetype from, Direction direc
         while (start > 0 && !isBreak(text.at(start - 1))) {
             --start;
         }
-        if (start == end) {
+        if (start == end || isFeed(text.at(start))) {
             return start;
         }
     }

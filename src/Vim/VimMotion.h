@@ -48,6 +48,9 @@ enum class Words {
 enum class Direction { forward, backward };
 /// The next empty line; lines of blanks are none. Without one an end of the text.
 [[nodiscard]] qsizetype nextParagraphBoundary(VimBuffer &text, qsizetype from, Direction direction);
+enum class Dividers { emptyLines, emptyLinesAndFeeds };
+/// The same, perhaps with lines that begin with a form feed.
+[[nodiscard]] qsizetype nextDivider(VimBuffer &text, qsizetype from, Direction direction, Dividers dividers);
 /// The partner of the first bracket at or behind `from` on its line.
 [[nodiscard]] Result matchingBracket(VimBuffer &text, qsizetype from);
 /// The `count`-th occurrence on the line.
