@@ -93,19 +93,8 @@ bool VimEngine::handleKey(const VimKeyEvent &event)
     }
     const VimKeyStroke stroke{.character = key, .control = event.control, .option = event.option};
     if (m_exact && m_usesMappings && !m_awaiting && characters.size() == 1 && (m_keymap.isWaiting() || m_keymap.wants(stroke, table()))) {
-        auto outcome = m_keymap.consume(stroke, table());
-        if (const auto *fed = std::get_if<VimKeymap::Fed>(&outcome)) {
-            feed(*fed);
-            return true;
-        }
-        if (takesText() && !std::holds_alternative<VimKeymapAction>(outcome)) {
-            if (const auto *strokes = std::get_if<VimKeymap::Passthrough>(&outcome)) {
-                handleStrokes(*strokes);
-            }
-            notify();
-            return true;
-        }
-        return takeOutcome(outcome, event);
+        takeExactly(m_keymap.consume(stroke, table()));
+        return true;
     }
     if (m_mode == Mode::insert) {
         return handleInsert(event);

@@ -227,6 +227,8 @@ private:
     // Keys
     bool handleKey(const VimKeyEvent &event);
     bool takeOutcome(const VimKeymap::Outcome &outcome, const VimKeyEvent &event);
+    /// Where there are mappings of the user.
+    void takeExactly(const VimKeymap::Outcome &outcome);
     void feed(const VimKeymap::Fed &fed);
     void handleStrokes(const VimKeymap::Passthrough &strokes);
     bool handleInsert(const VimKeyEvent &event);

@@ -6,13 +6,15 @@
 #include "Vim/VimExact.h"
 
 #include "Base/Translation.h"
-#include "Vim/VimKeyQueue.h"
 
 #include <QScopedValueRollback>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// As often one mapping may lead to another before a key comes of it.
+constexpr int deepestMapping = 1000;
 
 VimKeyEvent eventOf(const VimKeyStroke &stroke)
 {
@@ -29,8 +31,6 @@ bool VimEngine::takeOutcome(const VimKeymap::Outcome &outcome, const VimKeyEvent
 {
     if (const auto *action = std::get_if<VimKeymapAction>(&outcome)) {
         perform(*action);
-    } else if (const auto *fed = std::get_if<VimKeymap::Fed>(&outcome)) {
-        feed(*fed);
     } else if (const auto *strokes = std::get_if<VimKeymap::Passthrough>(&outcome)) {
         // Those that waited are keys of mappings, of one unit each.
         std::for_each(strokes->begin(), std::prev(strokes->end()),
@@ -43,6 +43,19 @@ bool VimEngine::takeOutcome(const VimKeymap::Outcome &outcome, const VimKeyEvent
         notify();
     }
     return true;
+}
+
+void VimEngine::takeExactly(const VimKeymap::Outcome &outcome)
+{
+    if (const auto *fed = std::get_if<VimKeymap::Fed>(&outcome)) {
+        feed(*fed);
+    } else if (const auto *strokes = std::get_if<VimKeymap::Passthrough>(&outcome)) {
+        const QScopedValueRollback mapping(m_usesMappings, false);
+        handleStrokes(*strokes);
+    } else if (const auto *action = std::get_if<VimKeymapAction>(&outcome)) {
+        perform(*action);
+    }
+    notify();
 }
 
 VimKeymap::Table VimEngine::table() const
@@ -58,7 +71,6 @@ VimKeymap::Table VimEngine::table() const
 
 void VimEngine::handleStrokes(const VimKeymap::Passthrough &strokes)
 {
-    const QScopedValueRollback mapping(m_usesMappings, false);
     for (const VimKeyStroke &stroke : strokes) {
         const VimKeyEvent event = eventOf(stroke);
         if (!handleKey(event) && !event.characters.isEmpty()) {
@@ -69,8 +81,11 @@ void VimEngine::handleStrokes(const VimKeymap::Passthrough &strokes)
 
 void VimEngine::feed(const VimKeymap::Fed &fed)
 {
-    handleStrokes(fed.before);
-    if (++m_mappingDepth > VimKeyQueue::deepest) {
+    {
+        const QScopedValueRollback mapping(m_usesMappings, false);
+        handleStrokes(fed.before);
+    }
+    if (++m_mappingDepth > deepestMapping) {
         m_delegate.vimEngineSays(*this, localized(u"Stopped: a mapping leads to itself"));
         m_exact->repeating.noteFailure();
     } else if (fed.action) {
@@ -83,12 +98,7 @@ void VimEngine::feed(const VimKeymap::Fed &fed)
             isDone = m_exact->repeating.run(fed.keys.first(fed.unmapped));
         }
         if (isDone && m_exact->repeating.run(fed.keys.sliced(fed.unmapped))) {
-            for (const VimKeyStroke &stroke : fed.rest) {
-                const VimKeyEvent event = eventOf(stroke);
-                if (!handleKey(event) && !event.characters.isEmpty()) {
-                    m_view.insertText(event.characters);
-                }
-            }
+            handleStrokes(fed.rest);
         }
         m_exact->repeating.endStep();
     }
@@ -100,13 +110,7 @@ void VimEngine::expireMapping()
 {
     const QScopedValueRollback handling(m_isHandling, true);
     if (const auto outcome = m_keymap.expire(table())) {
-        if (const auto *fed = std::get_if<VimKeymap::Fed>(&*outcome)) {
-            feed(*fed);
-        } else if (const auto *strokes = std::get_if<VimKeymap::Passthrough>(&*outcome)) {
-            handleStrokes(*strokes);
-        } else if (const auto *action = std::get_if<VimKeymapAction>(&*outcome)) {
-            perform(*action);
-        }
+        takeExactly(*outcome);
     }
     if (std::exchange(m_hasNews, false)) {
         m_delegate.vimEngineDidChangeState(*this);
