@@ -318,14 +318,13 @@ void VimEngine::Going::searchWord(SearchDirection direction, bool isWhole)
         // The word itself is no hit, nor is one that lies on.
         const Sight sight = see();
         const VimLines &lines = sight.lines;
-        const auto classAt = [&](qsizetype at) { return lines.isAtEnd(at) ? 0 : vimWordClass(lines.codePoint(at)); };
         qsizetype word = start;
-        while (!lines.isAtEnd(word) && classAt(word) < 2) {
+        while (!lines.isAtEnd(word) && lines.wordClass(word) < 2) {
             word = lines.after(word);
         }
         start = lines.isAtEnd(word) ? start : word;
-        const int kind = classAt(start);
-        while (kind >= 2 && start > lines.start(start) && classAt(lines.before(start)) == kind) {
+        const int kind = lines.wordClass(start);
+        while (kind >= 2 && start > lines.start(start) && lines.wordClass(lines.before(start)) == kind) {
             start = lines.before(start);
         }
     }

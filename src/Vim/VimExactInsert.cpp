@@ -379,12 +379,12 @@ void VimEngine::Inserting::deleteBefore(VimDeletion what, char16_t key)
         from = lines.before(place);
     } else if (what == VimDeletion::word) {
         const qsizetype first = lines.start(place);
-        while (from > first && vimWordClass(lines.codePoint(lines.before(from))) == 0) {
+        while (from > first && lines.wordClass(lines.before(from)) == 0) {
             from = lines.before(from);
         }
         if (from > first) {
-            const int kind = vimWordClass(lines.codePoint(lines.before(from)));
-            while (from > first && vimWordClass(lines.codePoint(lines.before(from))) == kind) {
+            const int kind = lines.wordClass(lines.before(from));
+            while (from > first && lines.wordClass(lines.before(from)) == kind) {
                 from = lines.before(from);
             }
         }
@@ -415,7 +415,7 @@ void VimEngine::Inserting::restoreReplaced(VimDeletion what)
         }
         const qsizetype from = isAtStart ? lines.end(place - 1) : lines.before(place);
         if (what == VimDeletion::word && !isAtStart) {
-            const int kind = vimWordClass(lines.codePoint(from));
+            const int kind = lines.wordClass(from);
             if (word && kind != *word) {
                 return;
             }

@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Vim/VimLines.h"
-#include "Vim/VimMotion.h"
+#include "Vim/VimExactSteps.h"
 
 /// Where Vim's motions lead. Pure functions over the text; offsets are UTF-16 units, columns cells from 0.
 namespace VimExactMotion {
@@ -99,27 +98,5 @@ template<char16_t wanted>
 
 /// `f`, `t` and their like; `isRepeated` by `;` goes on from beside a hit.
 [[nodiscard]] Result find(const Request &request, char32_t character, VimMotion::FindKind kind, bool isRepeated);
-
-/// How far steps over words came, and whether there were so many.
-struct Walked {
-    qsizetype place;
-    bool isWhole;
-};
-/// `staysInLine`: the last of the words ends where its line does.
-[[nodiscard]] Walked wordsForward(const VimLines &lines, qsizetype place, qsizetype count, VimMotion::Words words, bool staysInLine);
-/// `mayStay`: at the start of a word that is where it begins.
-[[nodiscard]] Walked wordsBackward(const VimLines &lines, qsizetype place, qsizetype count, VimMotion::Words words, bool mayStay);
-/// `mayStay`: at the end of a word that is where it ends.
-[[nodiscard]] Walked wordEndsForward(const VimLines &lines, qsizetype place, qsizetype count, VimMotion::Words words, bool mayStay,
-                                     bool stopsAtEmpty);
-[[nodiscard]] Walked wordEndsBackward(const VimLines &lines, qsizetype place, qsizetype count, VimMotion::Words words, bool staysInLine);
-
-/// The start of the sentence so many on; none at the text's end.
-[[nodiscard]] std::optional<qsizetype> sentence(const VimLines &lines, qsizetype from, VimMotion::Direction direction, qsizetype count);
-/// The bracket that closes or opens the one at `place`, as `%` finds it.
-[[nodiscard]] std::optional<qsizetype> partner(const VimLines &lines, qsizetype place);
-/// The `count`-th bracket `open` before `place`, or `close` behind it, without those that have their partner between.
-[[nodiscard]] std::optional<qsizetype> enclosing(const VimLines &lines, qsizetype place, char16_t open, char16_t close,
-                                                 VimMotion::Direction direction, qsizetype count = 1);
 
 } // namespace VimExactMotion

@@ -8,15 +8,10 @@ namespace VimExactObject {
 
 namespace {
 
+using VimExactMotion::classAt;
 using VimMotion::Direction;
 using VimMotion::Kind;
 using VimMotion::Words;
-
-int classAt(const VimLines &lines, qsizetype place, Words words)
-{
-    const int kind = lines.isAtEnd(place) ? 0 : vimWordClass(lines.codePoint(place));
-    return words == Words::big ? std::min(kind, 1) : kind;
-}
 
 bool isBlankAt(const VimLines &lines, qsizetype place)
 {

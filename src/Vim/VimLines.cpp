@@ -24,12 +24,6 @@ qsizetype widthOf(char32_t character)
 
 } // namespace
 
-int vimWordClass(char32_t character)
-{
-    const bool isBreakOrNone = character == 0 || (character < 0x10000 && isBreak(char16_t(character)));
-    return isBreakOrNone ? 0 : int(VimCharacters::classOf(character));
-}
-
 // Lines
 
 const VimLines::Line &VimLines::line(qsizetype place) const
@@ -153,6 +147,11 @@ qsizetype VimLines::settled(qsizetype place) const
 {
     const qsizetype inText = std::clamp<qsizetype>(place, 0, m_text.length());
     return inText >= end(inText) ? last(inText) : TextBoundaries::snapped(text(), inText);
+}
+
+int VimLines::wordClass(qsizetype place) const
+{
+    return isAtEnd(place) ? 0 : int(VimCharacters::classOf(codePoint(place)));
 }
 
 // Cells

@@ -61,6 +61,8 @@ public:
     [[nodiscard]] qsizetype after(qsizetype place, qsizetype characters) const;
     /// So many characters back in the line, at most its start.
     [[nodiscard]] qsizetype before(qsizetype place, qsizetype characters) const;
+    /// Of words (VimCharacters::Class); blank behind the line.
+    [[nodiscard]] int wordClass(qsizetype place) const;
     /// On a character, but for empty lines.
     [[nodiscard]] qsizetype settled(qsizetype place) const;
 
@@ -101,6 +103,3 @@ private:
     LastLine m_last;
     mutable std::optional<Line> m_line;
 };
-
-/// The class of a character as words have it (VimCharacters::Class), blank for a break.
-[[nodiscard]] int vimWordClass(char32_t character);
