@@ -362,7 +362,12 @@ Result<void> substitute(VimExCall &call)
         target.moveCaret(outcome.caret);
     }
     const QString line = job->shownLine(outcome, target.text());
-    call.line.say(line.isEmpty() ? message : line);
+    if (call.line.isRepeating() && !job->flags.onlyCounts) {
+        call.line.noteSubstituted({outcome.hits, outcome.lines});
+    }
+    if (!call.line.isRepeating() || !line.isEmpty() || job->flags.onlyCounts) {
+        call.line.say(line.isEmpty() ? message : line);
+    }
     return call.line.carryOut(command->rest);
 }
 
@@ -499,6 +504,7 @@ Result<void> repeat(VimExCall &call, Lines which)
             return done;
         }
     }
+    call.line.saySubstituted();
     return {};
 }
 

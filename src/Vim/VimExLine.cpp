@@ -10,6 +10,7 @@
 #include "Vim/VimOptions.h"
 #include "Vim/VimSearch.h"
 #include "Vim/VimSubstituteCommand.h"
+#include "Vim/VimSubstituteJob.h"
 
 #include <QScopedValueRollback>
 
@@ -301,6 +302,13 @@ void VimExLine::note(const VimExRange::Trace &trace)
     }
     if (trace.caretLine) {
         moveToLine(*trace.caretLine);
+    }
+}
+
+void VimExLine::saySubstituted()
+{
+    if (const Substituted all = std::exchange(m_substituted, {}); all.hits > 0) {
+        say(VimSubstituteJob::counted(all.hits, all.lines));
     }
 }
 

@@ -52,6 +52,13 @@ public:
         VimExLine &m_line;
     };
     [[nodiscard]] bool isRepeating() const { return m_isRepeating; }
+    /// What substitutions have done while lines are gone through, to be said once for all.
+    struct Substituted {
+        qsizetype hits = 0;
+        qsizetype lines = 0;
+    };
+    void noteSubstituted(Substituted more) { m_substituted = {m_substituted.hits + more.hits, m_substituted.lines + more.lines}; }
+    void saySubstituted();
 
 private:
     /// A command and how it was written.
@@ -75,6 +82,7 @@ private:
     bool m_isInUndoGroup = false;
     bool m_isSilent = false;
     bool m_isRepeating = false;
+    Substituted m_substituted;
 };
 
 /// One command that is carried out.

@@ -88,15 +88,6 @@ qsizetype firstNonBlank(const Rope &text, qsizetype place)
     return at;
 }
 
-QString counted(qsizetype hits, qsizetype lines, bool onlyCounts)
-{
-    const auto say = [&](QStringView one, QStringView onOne, QStringView onMany) {
-        return hits == 1 ? localized(one) : lines == 1 ? formatted(localized(onOne), hits) : formatted(localized(onMany), hits, lines);
-    };
-    return onlyCounts ? say(u"1 hit on 1 line", u"%d hits on 1 line", u"%d hits on %d lines")
-                      : say(u"1 substitution on 1 line", u"%d substitutions on 1 line", u"%d substitutions on %d lines");
-}
-
 } // namespace
 
 Result<VimSubstituteJob> VimSubstituteJob::prepare(const VimSubstituteCommand &command, Lines lines, const VimOptions &options,
@@ -166,6 +157,15 @@ std::vector<VimSubstituteHit> VimSubstituteJob::preview(const Rope &text, TextRa
         hits.push_back(std::move(*hit));
     }
     return hits;
+}
+
+QString VimSubstituteJob::counted(qsizetype hits, qsizetype lines, bool onlyCounts)
+{
+    const auto say = [&](QStringView one, QStringView onOne, QStringView onMany) {
+        return hits == 1 ? localized(one) : lines == 1 ? formatted(localized(onOne), hits) : formatted(localized(onMany), hits, lines);
+    };
+    return onlyCounts ? say(u"1 hit on 1 line", u"%d hits on 1 line", u"%d hits on %d lines")
+                      : say(u"1 substitution on 1 line", u"%d substitutions on 1 line", u"%d substitutions on %d lines");
 }
 
 QString VimSubstituteJob::message(const VimSubstituteOutcome &outcome) const

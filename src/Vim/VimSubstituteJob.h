@@ -50,7 +50,9 @@ struct VimSubstituteJob {
     [[nodiscard]] VimSubstituteOutcome outcome(const Rope &text, const SearchControl &control = {}) const;
     /// The hits that begin in `visible`, for a preview.
     [[nodiscard]] std::vector<VimSubstituteHit> preview(const Rope &text, TextRange visible) const;
-    /// “3 substitutions on 2 lines”, or that there was none; empty where that is no error.
+    /// “3 substitutions on 2 lines”, “hits” where they only were counted.
+    [[nodiscard]] static QString counted(qsizetype hits, qsizetype lines, bool onlyCounts = false);
+    /// The same of `outcome`, or that there was none; empty where that is no error.
     [[nodiscard]] QString message(const VimSubstituteOutcome &outcome) const;
     /// Of the flags `p`, `#` and `l`: the line of `text`, which it has changed, that `outcome` leaves the caret in. Empty without them.
     [[nodiscard]] QString shownLine(const VimSubstituteOutcome &outcome, const Rope &text) const;

@@ -92,6 +92,14 @@ TEST(VimExact, AsksBeforeEachHitInOneStep)
     EXPECT_EQ(view.string(), u"b  a a\n"_s) << "the caret is left on the hit that was asked about";
 }
 
+TEST(VimExact, SaysOnceWhatSubstitutionsOfManyLinesDid)
+{
+    VimView view(u"a a\nb\na\na\n"_s, exact());
+    view.press(u":g/a/s/a/c/g<CR>"_s);
+    EXPECT_EQ(view.string(), u"c c\nb\nc\nc\n"_s);
+    EXPECT_EQ(view.messages, QStringList(u"4 substitutions on 3 lines"_s));
+}
+
 TEST(VimExact, GoesOnWithWhatOthersSelect)
 {
     VimView view(u"one two three\n"_s, exact());
