@@ -1,0 +1,199 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+
+// What commands behind ":" show: lines, registers, marks, places.
+
+#include "Vim/VimExFunctions.h"
+
+#include "Base/FilePath.h"
+#include "Base/Translation.h"
+#include "Text/TextBoundaries.h"
+#include "Vim/VimExTarget.h"
+#include "Vim/VimMarks.h"
+#include "Vim/VimRegisters.h"
+#include "Vim/VimTextView.h"
+
+using namespace Qt::StringLiterals;
+
+namespace VimExFunctions {
+
+namespace {
+
+void show(VimExCall &call, const QString &title, const QStringList &lines)
+{
+    if (lines.size() == 1) {
+        call.line.say(lines.front());
+    } else if (!lines.isEmpty()) {
+        call.target().list(title, lines.join(u'\n'));
+    }
+}
+
+enum class Numbers { none, shown };
+
+Result<void> printLines(VimExCall &call, Numbers numbers)
+{
+    VimExTarget &target = call.target();
+    const VimExLines text(target.text());
+    constexpr int width = 3;
+    QStringList lines;
+    for (qsizetype line = call.lines.first; line <= call.lines.last; ++line) {
+        lines << (numbers == Numbers::shown ? u"%1 "_s.arg(line, width) : QString()) + text.string(line);
+    }
+    target.moveCaret(VimExLines(target.text()).firstNonBlank(std::max<qsizetype>(call.lines.last, 1)));
+    show(call, localized(u"Lines"), lines);
+    return {};
+}
+
+/// A line of a list, in which what is no letter shows.
+QString shown(const Rope &text)
+{
+    constexpr qsizetype longest = 200;
+    QString line;
+    for (const QChar unit : text.toString({0, std::min(text.length(), longest)})) {
+        const char16_t code = unit.unicode();
+        line += code < 0x20 && code != u'\t' ? u'^' + QString(QChar(code + 0x40)) : QString(unit);
+    }
+    return line;
+}
+
+QStringList places(const VimPlaces &places, const VimExLines &lines)
+{
+    QStringList rows{localized(u"    line  column  text")};
+    size_t index = 0;
+    for (const VimPlace &place : places.places()) {
+        const qsizetype line = lines.lineOf(place.offset);
+        rows << u"%1%2 %3  %4"_s.arg(index == places.position() ? u">"_s : u" "_s)
+                    .arg(line, 7)
+                    .arg(place.offset - lines.start(line), 7)
+                    .arg(lines.string(line).trimmed());
+        ++index;
+    }
+    return rows;
+}
+
+} // namespace
+
+Result<void> print(VimExCall &call)
+{
+    return printLines(call, Numbers::none);
+}
+
+Result<void> printNumbered(VimExCall &call)
+{
+    return printLines(call, Numbers::shown);
+}
+
+Result<void> lineNumber(VimExCall &call)
+{
+    call.line.say(QString::number(call.written > 0 ? call.lines.last : VimExLines(call.target().text()).count()));
+    return {};
+}
+
+Result<void> listRegisters(VimExCall &call)
+{
+    const VimRegisters &registers = call.target().registers();
+    QStringList rows{localized(u"Type Name Content")};
+    const auto add = [&](char16_t name, const VimRegisterContents &contents) {
+        const bool isWanted = call.argument.isEmpty() || call.argument.contains(QChar(name));
+        if (isWanted && !contents.text.isEmpty()) {
+            const QChar type = contents.isLinewise ? u'l' : u'c';
+            rows << u"  %1  \"%2   %3"_s.arg(type).arg(QChar(name)).arg(shown(contents.text));
+        }
+    };
+    add(u'"', registers.unnamed());
+    for (const auto &[name, contents] : registers.named()) {
+        add(name, contents);
+    }
+    add(u'+', registers.contents(u'+'));
+    call.target().list(localized(u"Registers"), rows.join(u'\n'));
+    return {};
+}
+
+Result<void> listMarks(VimExCall &call)
+{
+    const VimExLines lines(call.target().text());
+    QStringList rows{localized(u"mark line  column  text")};
+    for (const VimMarks::Mark &mark : call.target().marks().all()) {
+        const qsizetype line = lines.lineOf(mark.place);
+        if (call.argument.isEmpty() || call.argument.contains(QChar(mark.name))) {
+            rows << u" %1%2 %3  %4"_s.arg(QChar(mark.name))
+                        .arg(line, 7)
+                        .arg(mark.place - lines.start(line), 7)
+                        .arg(lines.string(line).trimmed());
+        }
+    }
+    for (const VimFileMarks::Mark &mark : call.target().marksElsewhere()) {
+        if (call.argument.isEmpty() || call.argument.contains(QChar(mark.name))) {
+            rows << u" %1%2 %3  %4"_s.arg(QChar(mark.name))
+                        .arg(mark.place.line, 7)
+                        .arg(mark.place.column, 7)
+                        .arg(mark.place.text.startsWith(u'/') ? shownPath(mark.place.text) : mark.place.title);
+        }
+    }
+    if (rows.size() == 1) {
+        return failure(formatted(localized(u"Mark not set: %@"), call.argument));
+    }
+    call.target().list(localized(u"Marks"), rows.join(u'\n'));
+    return {};
+}
+
+Result<void> listJumps(VimExCall &call)
+{
+    call.target().list(localized(u"Jumps"), places(call.target().jumps(), VimExLines(call.target().text())).join(u'\n'));
+    return {};
+}
+
+Result<void> listChanges(VimExCall &call)
+{
+    call.target().list(localized(u"Changes"), places(call.target().changes(), VimExLines(call.target().text())).join(u'\n'));
+    return {};
+}
+
+Result<void> workingFolder(VimExCall &call)
+{
+    call.line.say(shownPath(::workingFolder()));
+    return {};
+}
+
+Result<void> tellPlace(VimExCall &call)
+{
+    VimExTarget &target = call.target();
+    const VimExLines lines(target.text());
+    const qsizetype line = lines.lineOf(target.caret());
+    const VimTextName name = target.name();
+    call.line.say(formatted(localized(u"“%@”, line %d of %d, column %d"), name.path.isEmpty() ? name.title : shownPath(name.path), line,
+                            lines.count(), target.caret() - lines.start(line) + 1));
+    return {};
+}
+
+/// Of all that is shown as one.
+Result<void> tellCharacter(VimExCall &call)
+{
+    VimExTarget &target = call.target();
+    const VimExLines lines(target.text());
+    const qsizetype caret = target.caret();
+    if (caret >= lines.end(lines.lineOf(caret))) {
+        return failure(localized(u"No character here"));
+    }
+    QStringList codes;
+    for (const uint code : target.text().toString(TextRange::between(caret, TextBoundaries::nextGrapheme(target.text(), caret))).toUcs4()) {
+        const char32_t character = code;
+        constexpr int fewestDigits = 4;
+        codes << formatted(localized(u"<%@> U+%@, decimal %d"), shown(Rope(QString::fromUcs4(&character, 1))),
+                           u"%1"_s.arg(code, fewestDigits, 16, QChar(u'0')).toUpper(), code);
+    }
+    call.line.say(codes.join(u"; "_s));
+    return {};
+}
+
+QString refusalOfProgram(const QString &name)
+{
+    return formatted(localized(u"%@ runs other programs, which this editor does not"), name);
+}
+
+Result<void> refuseProgram(VimExCall &call)
+{
+    return failure(refusalOfProgram(u':' + call.name));
+}
+
+} // namespace VimExFunctions
