@@ -252,16 +252,16 @@ std::span<const VimEngine::KeyRow> VimEngine::keys()
 /// As the reference writes it.
 QString VimEngine::KeyRow::written() const
 {
-    struct Prefix {
+    struct Written {
         KeyPlace place;
         QStringView keys;
     };
-    static constexpr Prefix prefixes[] = {
+    static constexpr Written prefixes[] = {
         {KeyPlace::withControl, u"⌃"},      {KeyPlace::whileInserting, u"⌃"},    {KeyPlace::afterWindow, u"⌃w "},
         {KeyPlace::afterG, u"g"},           {KeyPlace::withGAndControl, u"g⌃"},  {KeyPlace::afterZ, u"z"},
         {KeyPlace::afterOpenBracket, u"["}, {KeyPlace::afterCloseBracket, u"]"}, {KeyPlace::afterCapitalZ, u"Z"},
     };
-    const auto *prefix = std::ranges::find(prefixes, place, &Prefix::place);
+    const auto *prefix = std::ranges::find(prefixes, place, &Written::place);
     const QStringView before = prefix == std::end(prefixes) ? QStringView() : prefix->keys;
     return before.toString() + (before.endsWith(u'⌃') ? QChar(key).toUpper() : QChar(key));
 }

@@ -34,11 +34,13 @@ const VimLines::Line &VimLines::line(qsizetype place) const
         return *m_line;
     }
     if (length == 0) {
-        return m_line.emplace(Line{0, 0, 0});
+        m_line = {0, 0, 0};
+        return *m_line;
     }
     const bool hasBreak = m_last == LastLine::hasText && isBreak(m_text.at(length - 1));
     const TextRange range = m_text.lineRange(std::clamp<qsizetype>(place, 0, hasBreak ? length - 1 : length));
-    return m_line.emplace(Line{range.location, m_text.contentEnd(range), range.end()});
+    m_line = {range.location, m_text.contentEnd(range), range.end()};
+    return *m_line;
 }
 
 qsizetype VimLines::start(qsizetype place) const

@@ -51,7 +51,7 @@ VimLiteral::Taken VimLiteral::take(const VimKeyEvent &event)
     const Base base = baseOf(m_code);
     const bool isPrefix = m_code.isEmpty() && baseOf(key).prefix != 0;
     bool isDigit = false;
-    key.toUInt(&isDigit, base.base);
+    static_cast<void>(key.toUInt(&isDigit, base.base));
     if (isPrefix || (isDigit && key.size() == 1 && key.front().isLetterOrNumber())) {
         m_code += key;
         const bool isWhole = !isPrefix && m_code.size() - (base.prefix != 0 ? 1 : 0) == base.mostDigits;
