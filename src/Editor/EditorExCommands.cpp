@@ -51,11 +51,11 @@ void EditorExCommands::insertFile(const QString &wanted)
             }
             EditorTextView &view = m_editor.textView();
             const Rope &text = view.storage().text();
-            const qsizetype after = std::min(line, VimExLines(text).count());
+            const qsizetype after = std::min(line, VimLines(text).count());
             if (read->text.isEmpty() || view.isReadOnly()) {
                 return;
             }
-            const TextEdits edits = VimExEdits::inserted(text, after, VimExEdits::content(read->text, {1, VimExLines(read->text).count()}));
+            const TextEdits edits = VimExEdits::inserted(text, after, VimExEdits::content(read->text, {1, VimLines(read->text).count()}));
             view.apply(edits, GroupKind::other, TextSelection::at(edits.newRange(0).location));
             settleCaret();
         });

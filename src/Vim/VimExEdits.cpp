@@ -11,44 +11,13 @@
 
 using namespace Qt::StringLiterals;
 
-// Lines
-
-qsizetype VimExLines::end(qsizetype line) const
-{
-    const qsizetype from = start(line);
-    qsizetype end = line >= m_text.lineCount() ? m_text.length() : m_text.lineStart(line);
-    if (end > from && m_text.at(end - 1) == u'\n') {
-        --end;
-        return end > from && m_text.at(end - 1) == u'\r' ? end - 1 : end;
-    }
-    return end > from && m_text.at(end - 1) == u'\r' ? end - 1 : end;
-}
-
-qsizetype VimExLines::firstNonBlank(qsizetype line) const
-{
-    const qsizetype from = start(line);
-    const qsizetype behind = end(line);
-    qsizetype at = from;
-    while (at < behind && isSpaceOrTab(m_text.at(at))) {
-        ++at;
-    }
-    return at == behind && at > from ? at - 1 : at;
-}
-
-QString VimExLines::lineBreak() const
-{
-    const qsizetype behind = end(1);
-    const qsizetype next = m_text.lineCount() > 1 ? m_text.lineStart(1) : behind;
-    return next > behind ? m_text.toString(TextRange::between(behind, next)) : u"\n"_s;
-}
-
 namespace VimExEdits {
 
 namespace {
 
-TextRange whole(const VimExLines &lines, LineSpan span)
+TextRange whole(const VimLines &lines, LineSpan span)
 {
-    return TextRange::between(lines.start(span.first), lines.start(span.last + 1));
+    return TextRange::between(lines.startOf(span.first), lines.startOf(span.last + 1));
 }
 
 /// Columns of a character behind others.
@@ -87,38 +56,45 @@ QString blanks(qsizetype from, qsizetype to, Indentation indentation)
 
 } // namespace
 
+QString lineBreak(const Rope &text)
+{
+    const VimLines lines(text);
+    const QString first = text.toString(TextRange::between(lines.end(0), lines.next(0)));
+    return first.isEmpty() ? u"\n"_s : first;
+}
+
 Rope content(const Rope &text, LineSpan lines)
 {
-    const VimExLines all(text);
+    const VimLines all(text);
     Rope block = text.slice(whole(all, lines));
     if (block.isEmpty() || !isBreak(block.at(block.length() - 1))) {
-        block.replace({block.length(), 0}, all.lineBreak());
+        block.replace({block.length(), 0}, lineBreak(text));
     }
     return block;
 }
 
 TextEdits removed(const Rope &text, LineSpan lines)
 {
-    const VimExLines all(text);
+    const VimLines all(text);
     const bool takesBreakBefore = !all.isEnded() && lines.last == all.count() && lines.first > 1;
-    return {takesBreakBefore ? TextRange::between(all.end(lines.first - 1), text.length()) : whole(all, lines), Rope()};
+    return {takesBreakBefore ? TextRange::between(all.endOf(lines.first - 1), text.length()) : whole(all, lines), Rope()};
 }
 
 TextEdits inserted(const Rope &text, qsizetype after, const Rope &block)
 {
-    const VimExLines all(text);
-    const QString lineBreak = all.lineBreak();
+    const VimLines all(text);
+    const QString wanted = lineBreak(text);
     Rope added = block;
     if (text.isEmpty()) {
         // There is an empty line, before or behind.
-        added.replace({after == 0 ? added.length() : 0, 0}, lineBreak);
+        added.replace({after == 0 ? added.length() : 0, 0}, wanted);
     } else if (after == all.count() && !all.isEnded()) {
         const qsizetype length = block.length();
         const bool isPair = length > 1 && block.at(length - 1) == u'\n' && block.at(length - 2) == u'\r';
         added = block.slice({0, length - (isPair ? 2 : 1)});
-        added.replace({0, 0}, lineBreak);
+        added.replace({0, 0}, wanted);
     }
-    return {{all.start(after + 1), 0}, added};
+    return {{all.startOf(after + 1), 0}, added};
 }
 
 TextEdits moved(const Rope &text, LineSpan lines, qsizetype after)
@@ -138,15 +114,15 @@ TextEdits moved(const Rope &text, LineSpan lines, qsizetype after)
 
 TextEdits joined(const Rope &text, LineSpan lines, Blanks blanks)
 {
-    const VimExLines all(text);
+    const VimLines all(text);
     TextEdits edits;
-    TextRange range{all.end(lines.first), 0};
+    TextRange range{all.endOf(lines.first), 0};
     // What the line ends with so far.
-    bool isEmpty = all.start(lines.first) == all.end(lines.first);
-    bool endsWithBlank = !isEmpty && isSpaceOrTab(text.at(all.end(lines.first) - 1));
+    bool isEmpty = all.startOf(lines.first) == all.endOf(lines.first);
+    bool endsWithBlank = !isEmpty && isSpaceOrTab(text.at(all.endOf(lines.first) - 1));
     for (qsizetype line = lines.first + 1; line <= lines.last; ++line) {
-        const qsizetype end = all.end(line);
-        qsizetype from = all.start(line);
+        const qsizetype end = all.endOf(line);
+        qsizetype from = all.startOf(line);
         while (blanks == Blanks::one && from < end && isSpaceOrTab(text.at(from))) {
             ++from;
         }
@@ -166,11 +142,11 @@ TextEdits joined(const Rope &text, LineSpan lines, Blanks blanks)
 
 TextEdits shifted(const Rope &text, LineSpan lines, qsizetype levels, Indentation indentation)
 {
-    const VimExLines all(text);
+    const VimLines all(text);
     TextEdits edits;
     for (qsizetype line = lines.first; line <= lines.last; ++line) {
-        const qsizetype start = all.start(line);
-        const qsizetype end = all.end(line);
+        const qsizetype start = all.startOf(line);
+        const qsizetype end = all.endOf(line);
         qsizetype at = start;
         qsizetype column = 0;
         for (; at < end && isSpaceOrTab(text.at(at)); ++at) {
@@ -189,13 +165,13 @@ TextEdits shifted(const Rope &text, LineSpan lines, qsizetype levels, Indentatio
 
 TextEdits retabbed(const Rope &text, LineSpan lines, int oldWidth, Indentation wanted, Runs runs)
 {
-    const VimExLines all(text);
+    const VimLines all(text);
     RopeCursor cursor(text);
     TextEdits edits;
     for (qsizetype line = lines.first; line <= lines.last; ++line) {
-        const qsizetype end = all.end(line);
+        const qsizetype end = all.endOf(line);
         qsizetype column = 0;
-        for (qsizetype at = all.start(line); at < end;) {
+        for (qsizetype at = all.startOf(line); at < end;) {
             if (!isSpaceOrTab(cursor.at(at))) {
                 const char16_t unit = cursor.at(at++);
                 const bool isPair = QChar::isHighSurrogate(unit) && at < end && QChar::isLowSurrogate(cursor.at(at));
@@ -316,14 +292,14 @@ SortKey keyOf(const QString &line, const Sorting &sorting, std::optional<TextRan
 
 TextEdits sorted(const Rope &text, LineSpan lines, const Sorting &sorting)
 {
-    const VimExLines all(text);
+    const VimLines all(text);
     std::optional<VimMatcher> matcher;
     if (auto compiled = sorting.pattern ? VimMatcher::compile(*sorting.pattern, text) : failure({})) {
         matcher = *std::move(compiled);
     }
     std::vector<SortKey> keys;
     for (qsizetype line = lines.first; line <= lines.last; ++line) {
-        const TextRange range = TextRange::between(all.start(line), all.end(line));
+        const TextRange range = TextRange::between(all.startOf(line), all.endOf(line));
         std::optional<TextRange> hit;
         if (const auto match = matcher ? matcher->next({range.location, range.length + 1}) : std::nullopt) {
             hit = match->hit.intersected(range);
@@ -347,17 +323,17 @@ TextEdits sorted(const Rope &text, LineSpan lines, const Sorting &sorting)
         std::ranges::reverse(order);
     }
     QString block;
-    const QString lineBreak = all.lineBreak();
+    const QString wanted = lineBreak(text);
     const QString *last = nullptr;
     for (const size_t index : order) {
         const QString &line = keys[index].line;
         const bool isRepeat = last && (sorting.ignoresCase ? lowered(line) == lowered(*last) : line == *last);
         if (!sorting.dropsRepeats || !isRepeat) {
-            block += (last ? lineBreak : QString()) + line;
+            block += (last ? wanted : QString()) + line;
             last = &line;
         }
     }
-    const TextRange range = TextRange::between(all.start(lines.first), all.end(lines.last));
+    const TextRange range = TextRange::between(all.startOf(lines.first), all.endOf(lines.last));
     TextEdits edits;
     if (text.toString(range) != block) {
         edits.add(range, Rope(block));

@@ -4,38 +4,8 @@
 
 #include "Base/Result.h"
 #include "Text/LineEditing.h"
-#include "Vim/VimBuffer.h"
+#include "Vim/VimLines.h"
 #include "Vim/VimPattern.h"
-
-/// A text as commands behind ":" count it: lines from 1, which end as the rope has it. The empty line behind a last break is none, and an
-/// empty text is one empty line. Refers to the text.
-class VimExLines final {
-public:
-    explicit VimExLines(const Rope &text) : m_text(text) {}
-
-    [[nodiscard]] const Rope &text() const { return m_text; }
-    /// The last line has a break; so has that of an empty text, for what is to come.
-    [[nodiscard]] bool isEnded() const { return m_text.isEmpty() || isBreak(m_text.at(m_text.length() - 1)); }
-    [[nodiscard]] qsizetype count() const { return std::max<qsizetype>(m_text.lineCount() - (isEnded() ? 1 : 0), 1); }
-    [[nodiscard]] qsizetype lineOf(qsizetype offset) const { return std::min(m_text.lineAt(offset) + 1, count()); }
-    /// The end of the text behind the last line.
-    [[nodiscard]] qsizetype start(qsizetype line) const
-    {
-        return line > count() ? m_text.length() : m_text.lineStart(std::max<qsizetype>(line, 1) - 1);
-    }
-    /// Before its break.
-    [[nodiscard]] qsizetype end(qsizetype line) const;
-    [[nodiscard]] QString string(qsizetype line) const { return m_text.toString(TextRange::between(start(line), end(line))); }
-    /// Of a line of blanks the last one.
-    [[nodiscard]] qsizetype firstNonBlank(qsizetype line) const;
-    /// What ends a line here.
-    [[nodiscard]] QString lineBreak() const;
-    /// What begins before this begins in a line.
-    [[nodiscard]] qsizetype searchedEnd() const { return isEnded() && !m_text.isEmpty() ? m_text.length() : m_text.length() + 1; }
-
-private:
-    const Rope &m_text;
-};
 
 /// What commands behind ":" do to lines, as functions of the text. Lines are counted from 1 and lie in the text, the last one is not before
 /// the first; offsets are UTF-16 units.
@@ -48,6 +18,8 @@ struct LineSpan {
     [[nodiscard]] qsizetype count() const { return last - first + 1; }
 };
 
+/// What ends a line here.
+[[nodiscard]] QString lineBreak(const Rope &text);
 /// The lines, each with its break; a last one without gets one.
 [[nodiscard]] Rope content(const Rope &text, LineSpan lines);
 [[nodiscard]] TextEdits removed(const Rope &text, LineSpan lines);

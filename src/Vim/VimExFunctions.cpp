@@ -24,16 +24,16 @@ namespace {
 
 void goTo(VimExTarget &target, qsizetype line)
 {
-    const VimExLines lines(target.text());
-    target.moveCaret(lines.firstNonBlank(std::clamp<qsizetype>(line, 1, lines.count())));
+    const VimLines lines(target.text());
+    target.moveCaret(lines.firstNonBlank(lines.startOf(std::min(line, lines.count()))));
 }
 
 /// Has "[" and "]" around what was changed.
 void noteChanged(VimExTarget &target, LineSpan lines)
 {
-    const VimExLines text(target.text());
-    target.marks().set(u'[', text.start(std::min(lines.first, text.count())));
-    target.marks().set(u']', text.start(std::clamp<qsizetype>(lines.last, 1, text.count())));
+    const VimLines text(target.text());
+    target.marks().set(u'[', text.startOf(std::min(lines.first, text.count())));
+    target.marks().set(u']', text.startOf(std::clamp<qsizetype>(lines.last, 1, text.count())));
 }
 
 /// The caret is about to jump.
@@ -70,7 +70,7 @@ Result<void> remove(VimExCall &call)
     }
     store(call, VimRegisters::Taken::removedLines);
     noteJump(target);
-    if (call.lines.count() == VimExLines(target.text()).count()) {
+    if (call.lines.count() == VimLines(target.text()).count()) {
         target.marks().deleteAll();
     }
     if (apply(target, VimExEdits::removed(target.text(), call.lines))) {
@@ -95,9 +95,8 @@ Result<void> put(VimExCall &call)
         call.line.moveToLine(std::max<qsizetype>(call.lines.last, 1));
         return failure(formatted(localized(u"Nothing in register %@"), QString(QChar(call.registerName.value_or(u'"')))));
     }
-    const VimExLines lines(target.text());
     if (!isBreak(block.at(block.length() - 1))) {
-        block.replace({block.length(), 0}, lines.lineBreak());
+        block.replace({block.length(), 0}, VimExEdits::lineBreak(target.text()));
     }
     const qsizetype after = call.hasBang ? std::max<qsizetype>(call.lines.last - 1, 0) : call.lines.last;
     if (apply(target, VimExEdits::inserted(target.text(), after, block))) {
@@ -119,7 +118,7 @@ Result<qsizetype> destination(VimExCall &call)
     if (!address) {
         return tl::make_unexpected(address.error());
     }
-    if (!address->line || *address->line < 0 || *address->line > VimExLines(call.target().text()).count()) {
+    if (!address->line || *address->line < 0 || *address->line > VimLines(call.target().text()).count()) {
         return failure(localized(u"Invalid range"));
     }
     const QStringView rest = QStringView(call.argument).sliced(address->length);
@@ -140,7 +139,7 @@ Result<void> move(VimExCall &call)
     }
     VimExTarget &target = call.target();
     // Marks go with their lines, which to all others are gone from where they were.
-    const VimExLines before(target.text());
+    const VimLines before(target.text());
     struct Kept {
         char16_t name;
         qsizetype line;
@@ -148,18 +147,18 @@ Result<void> move(VimExCall &call)
     };
     std::vector<Kept> kept;
     for (const VimMarks::Mark &mark : target.marks().all()) {
-        const qsizetype line = before.lineOf(mark.place);
+        const qsizetype line = before.number(mark.place);
         if (line >= lines.first && line <= lines.last) {
-            kept.push_back({mark.name, line - lines.first, mark.place - before.start(line)});
+            kept.push_back({mark.name, line - lines.first, mark.place - before.startOf(line)});
         }
     }
     if (!apply(target, VimExEdits::moved(target.text(), lines, *to))) {
         return {};
     }
     const qsizetype first = *to >= lines.last ? *to - lines.count() + 1 : *to + 1;
-    const VimExLines after(target.text());
+    const VimLines after(target.text());
     for (const Kept &mark : kept) {
-        target.marks().set(mark.name, after.start(first + mark.line) + mark.column);
+        target.marks().set(mark.name, after.startOf(first + mark.line) + mark.column);
     }
     goTo(target, first + lines.count() - 1);
     noteChanged(target, {first, first + lines.count() - 1});
@@ -186,7 +185,7 @@ Result<void> join(VimExCall &call)
     VimExTarget &target = call.target();
     LineSpan lines = call.lines;
     if (lines.first == lines.last) {
-        if (call.written > 1 || lines.last == VimExLines(target.text()).count()) {
+        if (call.written > 1 || lines.last == VimLines(target.text()).count()) {
             call.line.moveToLine(lines.first);
             return {};
         }
@@ -195,13 +194,13 @@ Result<void> join(VimExCall &call)
     using enum VimExEdits::Blanks;
     const TextEdits edits = VimExEdits::joined(target.text(), lines, call.hasBang ? kept : one);
     std::vector<VimMarks::Mark> marks = target.marks().all();
-    const VimExLines before(target.text());
+    const VimLines before(target.text());
     std::erase_if(marks, [&](const VimMarks::Mark &mark) {
-        const qsizetype line = before.lineOf(mark.place);
+        const qsizetype line = before.number(mark.place);
         return line < lines.first || line > lines.last;
     });
     if (apply(target, edits)) {
-        target.marks().noteJoined(VimExLines(target.text()).start(lines.first));
+        target.marks().noteJoined(VimLines(target.text()).startOf(lines.first));
         // Of blank lines too, of which nothing is left.
         for (const VimMarks::Mark &mark : marks) {
             target.marks().set(mark.name, edits.mapped(mark.place, Bias::after));
@@ -311,15 +310,15 @@ Result<void> retab(VimExCall &call)
         wanted.width = width;
         wanted.otherTabStops = 0;
     }
-    const qsizetype line = VimExLines(target.text()).lineOf(target.caret());
-    const qsizetype column = target.caret() - VimExLines(target.text()).start(line);
+    const qsizetype line = VimLines(target.text()).number(target.caret());
+    const qsizetype column = target.caret() - VimLines(target.text()).startOf(line);
     using enum VimExEdits::Runs;
     if (!apply(target,
                VimExEdits::retabbed(target.text(), call.lines, now.tabWidth(), wanted, call.hasBang ? VimExEdits::Runs::all : withTabs))) {
         return {};
     }
-    const VimExLines after(target.text());
-    target.moveCaret(std::min(after.start(line) + column, after.end(line)));
+    const VimLines after(target.text());
+    target.moveCaret(std::min(after.startOf(line) + column, after.endOf(line)));
     if (width > 0) {
         call.argument = u"tabstop=%1"_s.arg(width);
         return set(call);
@@ -336,7 +335,7 @@ Result<void> substitute(VimExCall &call)
     }
     LineSpan lines = call.lines;
     if (command->count) {
-        lines = {lines.last, std::min(VimExLines(target.text()).count(), lines.last + *command->count - 1)};
+        lines = {lines.last, std::min(VimLines(target.text()).count(), lines.last + *command->count - 1)};
     }
     auto job = VimSubstituteJob::prepare(*command, {lines.first - 1, lines.last - 1}, target.options(), target.lastSubstitution(),
                                          target.lastSearch());
@@ -405,14 +404,17 @@ Result<Repeated> repeated(const VimExCall &call)
 /// Where the lines begin.
 std::vector<qsizetype> linesToTake(const VimExCall &call, VimMatcher &matcher, Lines which)
 {
-    const VimExLines lines(call.target().text());
+    const Rope &text = call.target().text();
+    const VimLines lines(text);
     std::vector<qsizetype> hits;
-    const qsizetype behind = call.lines.last < lines.count() ? lines.start(call.lines.last + 1) : lines.searchedEnd();
-    qsizetype from = lines.start(call.lines.first);
+    // An empty line at the end begins where the text ends, the one behind a last break is none.
+    const qsizetype behind =
+        call.lines.last < lines.count() ? lines.startOf(call.lines.last + 1) : text.length() + (lines.isEnded() && !text.isEmpty() ? 0 : 1);
+    qsizetype from = lines.startOf(call.lines.first);
     while (const auto match = from < behind ? matcher.next(TextRange::between(from, behind)) : std::nullopt) {
-        const qsizetype line = lines.lineOf(match->start);
-        hits.push_back(lines.start(line));
-        from = line < lines.count() ? lines.start(line + 1) : behind;
+        const qsizetype line = lines.number(match->start);
+        hits.push_back(lines.startOf(line));
+        from = line < lines.count() ? lines.startOf(line + 1) : behind;
     }
     if (which == Lines::matching) {
         return hits;
@@ -420,7 +422,7 @@ std::vector<qsizetype> linesToTake(const VimExCall &call, VimMatcher &matcher, L
     std::vector<qsizetype> others;
     auto hit = hits.begin();
     for (qsizetype line = call.lines.first; line <= call.lines.last; ++line) {
-        const qsizetype start = lines.start(line);
+        const qsizetype start = lines.startOf(line);
         if (hit != hits.end() && *hit == start) {
             ++hit;
         } else {
@@ -437,7 +439,7 @@ std::vector<qsizetype> withoutForgotten(VimExTarget &target, std::vector<qsizety
     if (starts.size() <= kept) {
         return starts;
     }
-    const VimExLines lines(target.text());
+    const VimLines lines(target.text());
     const auto rest = starts.end() - kept;
     TextEdits edits;
     qsizetype taken = 0;
@@ -445,7 +447,7 @@ std::vector<qsizetype> withoutForgotten(VimExTarget &target, std::vector<qsizety
         const qsizetype from = *start;
         qsizetype end = from;
         for (; start != rest && *start == end; ++start) {
-            end = lines.start(lines.lineOf(*start) + 1);
+            end = lines.startOf(lines.number(*start) + 1);
         }
         edits.add(TextRange::between(from, end), Rope());
         taken += end - from;
@@ -465,7 +467,7 @@ Result<void> repeat(VimExCall &call, Lines which)
         if (call.written > 0) {
             return failure(localized(u"This command takes no lines within itself"));
         }
-        const qsizetype here = VimExLines(target.text()).lineOf(target.caret());
+        const qsizetype here = VimLines(target.text()).number(target.caret());
         call.lines = {here, here};
     }
     const auto wanted = repeated(call);
@@ -529,8 +531,8 @@ Result<void> normal(VimExCall &call)
         return {};
     }
     for (qsizetype line = call.lines.first; line <= call.lines.last; ++line) {
-        const VimExLines lines(target.text());
-        target.moveCaret(lines.start(std::min(line, lines.count())));
+        const VimLines lines(target.text());
+        target.moveCaret(lines.startOf(std::min(line, lines.count())));
         target.runNormal(call.argument, !call.hasBang);
     }
     return {};
@@ -581,7 +583,8 @@ Result<void> mark(VimExCall &call)
     if (name.size() != 1 || !(VimMarks::isUsers(name.front().unicode()) || QStringView(u"'`[]<>").contains(name))) {
         return failure(formatted(localized(u"Not a mark: %@"), name));
     }
-    target.setMark(name.front().unicode(), VimExLines(target.text()).firstNonBlank(call.lines.last));
+    const VimLines lines(target.text());
+    target.setMark(name.front().unicode(), lines.firstNonBlank(lines.startOf(call.lines.last)));
     return {};
 }
 

@@ -190,8 +190,8 @@ Result<void> VimExLine::goToLine(const VimExRange &range)
     if (range.first < 0) {
         return failure(localized(u"Invalid range"));
     }
-    const VimExLines lines(m_target->text());
-    m_target->moveCaret(lines.firstNonBlank(std::clamp<qsizetype>(range.target, 1, lines.count())));
+    const VimLines lines(m_target->text());
+    m_target->moveCaret(lines.firstNonBlank(lines.startOf(std::min(range.target, lines.count()))));
     return {};
 }
 
@@ -241,7 +241,7 @@ Result<void> VimExLine::perform(const Parsed &parsed, const VimExRange &range, Q
     }
     VimExCall call{
         .line = *this, .lines = {range.first, range.last}, .name = parsed.name, .written = range.written, .hasBang = parsed.hasBang};
-    const qsizetype last = m_target ? VimExLines(m_target->text()).count() : 1;
+    const qsizetype last = m_target ? VimLines(m_target->text()).count() : 1;
     if ((command.takes & Takes::all) != 0 && range.written == 0) {
         call.lines = {1, last};
     }
@@ -314,9 +314,9 @@ void VimExLine::saySubstituted()
 
 void VimExLine::moveToLine(qsizetype line)
 {
-    const VimExLines lines(m_target->text());
-    const qsizetype column = m_target->caret() - lines.start(lines.lineOf(m_target->caret()));
-    m_target->moveCaret(std::min(lines.start(line) + column, lines.end(line)));
+    const VimLines lines(m_target->text());
+    const qsizetype column = m_target->caret() - lines.startOf(lines.number(m_target->caret()));
+    m_target->moveCaret(std::min(lines.startOf(line) + column, lines.endOf(line)));
 }
 
 void VimExLine::beginUndoGroup()

@@ -33,13 +33,13 @@ enum class Numbers { none, shown };
 Result<void> printLines(VimExCall &call, Numbers numbers)
 {
     VimExTarget &target = call.target();
-    const VimExLines text(target.text());
+    const VimLines text(target.text());
     constexpr int width = 3;
     QStringList lines;
     for (qsizetype line = call.lines.first; line <= call.lines.last; ++line) {
         lines << (numbers == Numbers::shown ? u"%1 "_s.arg(line, width) : QString()) + text.string(line);
     }
-    target.moveCaret(VimExLines(target.text()).firstNonBlank(std::max<qsizetype>(call.lines.last, 1)));
+    target.moveCaret(text.firstNonBlank(text.startOf(call.lines.last)));
     show(call, localized(u"Lines"), lines);
     return {};
 }
@@ -56,15 +56,15 @@ QString shown(const Rope &text)
     return line;
 }
 
-QStringList places(const VimPlaces &places, const VimExLines &lines)
+QStringList places(const VimPlaces &places, const VimLines &lines)
 {
     QStringList rows{localized(u"    line  column  text")};
     size_t index = 0;
     for (const VimPlace &place : places.places()) {
-        const qsizetype line = lines.lineOf(place.offset);
+        const qsizetype line = lines.number(place.offset);
         rows << u"%1%2 %3  %4"_s.arg(index == places.position() ? u">"_s : u" "_s)
                     .arg(line, 7)
-                    .arg(place.offset - lines.start(line), 7)
+                    .arg(place.offset - lines.startOf(line), 7)
                     .arg(lines.string(line).trimmed());
         ++index;
     }
@@ -85,7 +85,7 @@ Result<void> printNumbered(VimExCall &call)
 
 Result<void> lineNumber(VimExCall &call)
 {
-    call.line.say(QString::number(call.written > 0 ? call.lines.last : VimExLines(call.target().text()).count()));
+    call.line.say(QString::number(call.written > 0 ? call.lines.last : VimLines(call.target().text()).count()));
     return {};
 }
 
@@ -111,14 +111,14 @@ Result<void> listRegisters(VimExCall &call)
 
 Result<void> listMarks(VimExCall &call)
 {
-    const VimExLines lines(call.target().text());
+    const VimLines lines(call.target().text());
     QStringList rows{localized(u"mark line  column  text")};
     for (const VimMarks::Mark &mark : call.target().marks().all()) {
-        const qsizetype line = lines.lineOf(mark.place);
+        const qsizetype line = lines.number(mark.place);
         if (call.argument.isEmpty() || call.argument.contains(QChar(mark.name))) {
             rows << u" %1%2 %3  %4"_s.arg(QChar(mark.name))
                         .arg(line, 7)
-                        .arg(mark.place - lines.start(line), 7)
+                        .arg(mark.place - lines.startOf(line), 7)
                         .arg(lines.string(line).trimmed());
         }
     }
@@ -139,13 +139,13 @@ Result<void> listMarks(VimExCall &call)
 
 Result<void> listJumps(VimExCall &call)
 {
-    call.target().list(localized(u"Jumps"), places(call.target().jumps(), VimExLines(call.target().text())).join(u'\n'));
+    call.target().list(localized(u"Jumps"), places(call.target().jumps(), VimLines(call.target().text())).join(u'\n'));
     return {};
 }
 
 Result<void> listChanges(VimExCall &call)
 {
-    call.target().list(localized(u"Changes"), places(call.target().changes(), VimExLines(call.target().text())).join(u'\n'));
+    call.target().list(localized(u"Changes"), places(call.target().changes(), VimLines(call.target().text())).join(u'\n'));
     return {};
 }
 
@@ -158,11 +158,11 @@ Result<void> workingFolder(VimExCall &call)
 Result<void> tellPlace(VimExCall &call)
 {
     VimExTarget &target = call.target();
-    const VimExLines lines(target.text());
-    const qsizetype line = lines.lineOf(target.caret());
+    const VimLines lines(target.text());
+    const qsizetype line = lines.number(target.caret());
     const VimTextName name = target.name();
     call.line.say(formatted(localized(u"“%@”, line %d of %d, column %d"), name.path.isEmpty() ? name.title : shownPath(name.path), line,
-                            lines.count(), target.caret() - lines.start(line) + 1));
+                            lines.count(), target.caret() - lines.startOf(line) + 1));
     return {};
 }
 
@@ -170,9 +170,9 @@ Result<void> tellPlace(VimExCall &call)
 Result<void> tellCharacter(VimExCall &call)
 {
     VimExTarget &target = call.target();
-    const VimExLines lines(target.text());
+    const VimLines lines(target.text());
     const qsizetype caret = target.caret();
-    if (caret >= lines.end(lines.lineOf(caret))) {
+    if (caret >= lines.endOf(lines.number(caret))) {
         return failure(localized(u"No character here"));
     }
     QStringList codes;

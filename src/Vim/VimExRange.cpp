@@ -14,7 +14,7 @@ constexpr qsizetype largest = 1'000'000'000;
 class AddressParser {
 public:
     AddressParser(QStringView typed, const VimExScope &scope, VimExRange::Trace &trace)
-        : m_typed(typed), m_scope(scope), m_trace(trace), m_lines(scope.text), m_here(m_lines.lineOf(scope.caret))
+        : m_typed(typed), m_scope(scope), m_trace(trace), m_lines(scope.text), m_here(m_lines.number(scope.caret))
     {}
 
     [[nodiscard]] QChar next() const { return m_at < m_typed.size() ? m_typed[m_at] : QChar(); }
@@ -57,7 +57,7 @@ public:
         if (!place) {
             return failure(formatted(localized(u"Mark not set: %@"), QString(name)));
         }
-        return m_lines.lineOf(*place);
+        return m_lines.number(*place);
     }
 
 private:
@@ -149,18 +149,18 @@ private:
         m_trace.pattern = pattern;
         const qsizetype from = std::clamp<qsizetype>(before.value_or(m_here), 0, m_lines.count());
         // Line 0 is before all that there is, and the search goes on there as at the other end.
-        const auto found = from > 0 ? search.move(m_scope.text, isForward ? m_lines.end(from) : m_lines.start(from))
+        const auto found = from > 0 ? search.move(m_scope.text, isForward ? m_lines.endOf(from) : m_lines.startOf(from))
                                     : search.move(m_scope.text, isForward ? m_scope.text.length() : 0);
         if (!found) {
             return failure(search.messageForNone());
         }
-        return m_lines.lineOf(found->hit.location);
+        return m_lines.number(found->hit.location);
     }
 
     QStringView m_typed;
     const VimExScope &m_scope;
     VimExRange::Trace &m_trace;
-    VimExLines m_lines;
+    VimLines m_lines;
     qsizetype m_at = 0;
     qsizetype m_here;
 };

@@ -24,10 +24,9 @@ public:
 protected:
     /// The text as it is now, to be looked at until the next change.
     struct Sight {
-        Sight(const Rope &text, int tabWidth, VimLines::LastLine last) : buffer(text), lines(buffer, tabWidth, last) {}
+        Sight(const Rope &text, int tabWidth, VimLines::LastLine last) : lines(text, tabWidth, last) {}
         Q_DISABLE_COPY_MOVE(Sight)
 
-        VimBuffer buffer;
         VimLines lines;
     };
     enum class Repeatable { no, yes };
@@ -269,7 +268,7 @@ private:
     qsizetype m_lastChanged = 0;
     /// Line and column, units, of the caret before what was undone, for redoing it.
     std::vector<std::pair<qsizetype, qsizetype>> m_caretsBefore;
-    /// As it was before the changes in it; the number counts from 0, the text has no break.
+    /// As it was before the changes in it; the text has no break.
     struct LineBefore {
         qsizetype number = 0;
         Rope text;

@@ -216,7 +216,7 @@ std::optional<VimTypedSubstitution> VimEngine::Commanding::typedSubstitution() c
                                           .lastPattern = search ? search->pattern : QString(),
                                           .lastSubstituted = m_substitution.pattern.value_or(QString())},
                                          trace);
-    if (!range || range->first < 0 || range->last > VimExLines(all).count()) {
+    if (!range || range->first < 0 || range->last > VimLines(all).count()) {
         return std::nullopt;
     }
     const QStringView rest = typed.sliced(range->length);

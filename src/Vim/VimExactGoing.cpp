@@ -62,7 +62,7 @@ void VimEngine::Going::toVisibleLine(VisibleLine line)
         const VimLines &lines = sight.lines;
         const TextRange seen = m_engine.m_view.visibleRange();
         const qsizetype first = lines.number(seen.location);
-        const qsizetype last = std::min(lines.number(std::max(seen.end() - 1, seen.location)), lines.count() - 1);
+        const qsizetype last = std::min(lines.number(std::max(seen.end() - 1, seen.location)), lines.count());
         const qsizetype by = m_engine.effectiveCount() - 1;
         const qsizetype number = line == VisibleLine::first    ? std::min(first + by, last)
                                  : line == VisibleLine::middle ? first + (last - first) / 2
@@ -123,7 +123,7 @@ void VimEngine::Going::reveal(std::optional<VimTextView::Edge> edge, bool toFirs
 {
     if (m_engine.hasCount()) {
         const Sight sight = see();
-        setCaret(sight.lines.startOf(m_engine.effectiveCount() - 1));
+        setCaret(sight.lines.startOf(std::min(m_engine.effectiveCount(), sight.lines.count())));
     }
     if (toFirstNonBlank) {
         const Sight sight = see();
@@ -204,8 +204,7 @@ void VimEngine::Going::toMark(char16_t name, bool isExact)
     if (!place && (known == u'\'' || known == u'[')) {
         place = 0; // as in a text that was just opened
     } else if (!place && known == u']') {
-        const VimBuffer buffer(text());
-        place = buffer.lastLineStart();
+        place = VimLines(text()).lastStart();
     }
     if (!place) {
         say(localized(u"Mark not set"));

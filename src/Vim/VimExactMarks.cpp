@@ -30,10 +30,10 @@ std::optional<VimFileMarks::Place> VimEngine::Marking::heldMark(char16_t mark) c
     if (!place) {
         return std::nullopt;
     }
-    const VimExLines lines(text());
-    const qsizetype line = lines.lineOf(std::min(*place, text().length()));
+    const VimLines lines(text());
+    const qsizetype line = lines.number(std::min(*place, text().length()));
     const VimTextName name = m_engine.m_view.name();
-    return VimFileMarks::Place{.text = name.lasting(), .title = name.title, .line = line, .column = *place - lines.start(line)};
+    return VimFileMarks::Place{.text = name.lasting(), .title = name.title, .line = line, .column = *place - lines.startOf(line)};
 }
 
 void VimEngine::Marking::set(char16_t name, qsizetype place)
@@ -68,9 +68,9 @@ void VimEngine::Marking::update()
             m_exact.marks.remove(name);
             continue;
         }
-        const VimExLines lines(text());
+        const VimLines lines(text());
         const qsizetype line = std::min(place->line, lines.count());
-        m_exact.marks.set(name, std::min(lines.start(line) + place->column, lines.end(line)));
+        m_exact.marks.set(name, std::min(lines.startOf(line) + place->column, lines.endOf(line)));
         if (!marks->holder(name)) {
             marks->set(name, *this);
         }

@@ -273,14 +273,24 @@ Result wordEndBackward(const Request &request)
     return {.place = walked.place, .kind = Kind::inclusive, .failed = !walked.isWhole && walked.place == request.caret};
 }
 
+namespace {
+
+/// At most the last one.
+qsizetype numberedLine(const Request &request, qsizetype number)
+{
+    return request.lines.startOf(std::min(number, request.lines.count()));
+}
+
+} // namespace
+
 Result firstLine(const Request &request)
 {
-    return toLine(request, request.lines.startOf(request.hasCount ? request.count - 1 : 0), true);
+    return toLine(request, numberedLine(request, request.hasCount ? request.count : 1), true);
 }
 
 Result lastLine(const Request &request)
 {
-    return toLine(request, request.hasCount ? request.lines.startOf(request.count - 1) : request.lines.lastStart(), true);
+    return toLine(request, numberedLine(request, request.hasCount ? request.count : request.lines.count()), true);
 }
 
 namespace {
@@ -393,8 +403,7 @@ Result bracketPartner(const Request &request)
         if (request.count > 100) {
             return Result::failure();
         }
-        const qsizetype number = (request.count * lines.count() + 99) / 100;
-        return toLine(request, lines.startOf(number - 1), true);
+        return toLine(request, lines.startOf((request.count * lines.count() + 99) / 100), true);
     }
     qsizetype place = request.caret;
     while (!lines.isAtEnd(place) && std::u16string_view(u"()[]{}").find(lines.at(place)) == std::u16string_view::npos) {

@@ -658,7 +658,7 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
     {
         const Sight sight = see();
         lineStart = sight.lines.start(caret());
-        const qsizetype left = sight.lines.count() - sight.lines.number(caret());
+        const qsizetype left = sight.lines.count() - sight.lines.number(caret()) + 1;
         const qsizetype lines = std::max<qsizetype>(count, 2);
         if (left < lines && lines <= 2) {
             fail();

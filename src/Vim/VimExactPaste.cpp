@@ -30,8 +30,7 @@ void VimEngine::Operating::paste(Side side, qsizetype count, PasteCaret at, Past
         const qsizetype line = sight.lines.start(caret());
         const qsizetype wanted = sight.lines.cells(std::min(sight.lines.firstNonBlank(line), sight.lines.end(line))).first;
         const Rope rope = contents.text;
-        VimBuffer buffer(rope);
-        const VimLines lines(buffer, sight.lines.tabWidth());
+        const VimLines lines(rope, sight.lines.tabWidth());
         std::optional<qsizetype> first;
         QString moved;
         for (qsizetype row = 0; row < rope.length(); row = lines.next(row)) {
@@ -136,8 +135,7 @@ void VimEngine::Operating::pasteBlock(const VimRegisterContents &contents, Side 
         QString behindAll;
         for (qsizetype index = 0; index < rows.size(); ++index) {
             const Rope rope(rows[index]);
-            VimBuffer buffer(rope);
-            const qsizetype width = VimLines(buffer, lines.tabWidth()).cells(rows[index].size()).first;
+            const qsizetype width = VimLines(rope, lines.tabWidth()).cells(rows[index].size()).first;
             const QString padding(std::max<qsizetype>(contents.blockWidth - width, 0), u' ');
             QString text;
             for (qsizetype done = 0; done < count; ++done) {

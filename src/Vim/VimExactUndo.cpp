@@ -19,15 +19,12 @@ void VimEngine::Operating::followChange(const TextChange &change)
     m_caretsBefore.clear();
     m_exact.changes.add(hull.location, change.after, m_engine.m_options.textWidth);
     m_exact.marks.set(u'.', hull.location);
-    const VimBuffer before(change.before);
-    const TextRange line = before.lineRange(std::min(hull.location, change.before.length()));
+    const VimLines before(change.before, 1, VimLines::LastLine::mayBeEmpty);
+    const TextRange line = before.lines(hull.location, hull.location);
     const bool isWithin = change.isWithinLines() && hull.location + hull.removed <= line.end();
-    const qsizetype number = change.before.lineAt(line.location);
+    const qsizetype number = before.number(line.location);
     if (isWithin && (!m_lineBefore || m_lineBefore->number != number)) {
-        Rope text = change.before.slice(line);
-        while (!text.isEmpty() && isBreak(text.at(text.length() - 1))) {
-            text.replace({text.length() - 1, 1}, Rope());
-        }
+        const Rope text = change.before.slice(TextRange::between(line.location, before.end(line.location)));
         m_lineBefore = LineBefore{number, text, line.contains(caretBefore) ? caretBefore - line.location : 0};
     }
 }
@@ -101,7 +98,7 @@ void VimEngine::Operating::undoLine()
     qsizetype column = before.column;
     {
         const Sight sight = see();
-        if (before.number >= sight.lines.count()) {
+        if (before.number > sight.lines.count()) {
             fail();
             return;
         }

@@ -306,8 +306,7 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
     qsizetype start = 0;
     const qsizetype keyWidth = key == QChar(u'\r') ? 1 : [&] {
         const Rope rope(key.toString());
-        VimBuffer buffer(rope);
-        return std::max<qsizetype>(VimLines(buffer).width(0, 0), 1);
+        return std::max<qsizetype>(VimLines(rope).width(0, 0), 1);
     }();
     {
         const Sight sight = see();

@@ -35,8 +35,7 @@ void append(QString &text, QStringView next)
 qsizetype cellsOf(const QString &text, int tabWidth)
 {
     const Rope rope(text);
-    VimBuffer buffer(rope);
-    const VimLines lines(buffer, tabWidth);
+    const VimLines lines(rope, tabWidth);
     return lines.cells(text.size()).first;
 }
 
@@ -44,8 +43,7 @@ qsizetype cellsOf(const QString &text, int tabWidth)
 std::optional<TextRange> breakOf(const QString &line, qsizetype indentation, int width, int tabWidth)
 {
     const Rope rope(line);
-    VimBuffer buffer(rope);
-    const VimLines lines(buffer, tabWidth);
+    const VimLines lines(rope, tabWidth);
     std::optional<TextRange> found;
     for (qsizetype place = indentation; place < line.size(); ++place) {
         if (!isBlank(line[place])) {

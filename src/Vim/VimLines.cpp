@@ -28,18 +28,16 @@ qsizetype widthOf(char32_t character)
 
 const VimLines::Line &VimLines::line(qsizetype place) const
 {
-    const qsizetype length = m_text.length();
     const bool isKept = m_line && place >= m_line->start && (place < m_line->next || (place == m_line->end && m_line->end == m_line->next));
-    if (isKept) {
-        return *m_line;
+    if (!isKept) {
+        const qsizetype index = number(place) - 1;
+        const qsizetype first = text().lineStart(index);
+        const qsizetype next = index + 1 < text().lineCount() ? text().lineStart(index + 1) : m_text.length();
+        qsizetype end = next;
+        end -= end > first && m_text.at(end - 1) == u'\n' ? 1 : 0;
+        end -= end > first && m_text.at(end - 1) == u'\r' ? 1 : 0;
+        m_line = {first, end, next};
     }
-    if (length == 0) {
-        m_line = {0, 0, 0};
-        return *m_line;
-    }
-    const bool hasBreak = m_last == LastLine::hasText && isBreak(m_text.at(length - 1));
-    const TextRange range = m_text.lineRange(std::clamp<qsizetype>(place, 0, hasBreak ? length - 1 : length));
-    m_line = {range.location, m_text.contentEnd(range), range.end()};
     return *m_line;
 }
 
@@ -53,15 +51,15 @@ qsizetype VimLines::end(qsizetype place) const
     return line(place).end;
 }
 
-bool VimLines::hasEmptyLast() const
-{
-    return m_last == LastLine::mayBeEmpty && m_text.length() > 0 && isBreak(m_text.at(m_text.length() - 1));
-}
-
 bool VimLines::isLast(qsizetype place) const
 {
-    const qsizetype behind = next(place);
-    return behind >= m_text.length() && (!hasEmptyLast() || start(place) == m_text.length());
+    return next(place) >= m_text.length() && number(place) == count();
+}
+
+qsizetype VimLines::count() const
+{
+    const bool hasEmptyLast = isEnded() && (m_last == LastLine::hasText || m_text.length() == 0);
+    return std::max<qsizetype>(text().lineCount() - (hasEmptyLast ? 1 : 0), 1);
 }
 
 qsizetype VimLines::next(qsizetype place) const
@@ -71,7 +69,17 @@ qsizetype VimLines::next(qsizetype place) const
 
 qsizetype VimLines::startNear(qsizetype place, qsizetype lines) const
 {
-    return hasEmptyLast() ? startOf(number(place) + lines) : m_text.line(start(place), lines).value_or(lines < 0 ? 0 : lastStart());
+    return startOf(std::clamp<qsizetype>(number(place) + lines, 1, count()));
+}
+
+qsizetype VimLines::startOf(qsizetype number) const
+{
+    return number > count() ? m_text.length() : text().lineStart(std::max<qsizetype>(number, 1) - 1);
+}
+
+qsizetype VimLines::endOf(qsizetype number) const
+{
+    return number > count() ? m_text.length() : number < 1 ? 0 : end(startOf(number));
 }
 
 qsizetype VimLines::firstNonBlank(qsizetype place) const
@@ -100,7 +108,7 @@ TextRange VimLines::lines(qsizetype one, qsizetype other) const
 
 TextRange VimLines::removable(TextRange lines) const
 {
-    const bool hasBreak = !lines.isEmpty() && isBreak(m_text.at(lines.end() - 1));
+    const bool hasBreak = !lines.isEmpty() && (lines.end() < m_text.length() || isEnded());
     return hasBreak || lines.location == 0 ? lines : TextRange::between(end(lines.location - 1), lines.end());
 }
 

@@ -6,8 +6,9 @@
 
 #include <limits>
 
-/// A text as Vim has it: lines, each a row of characters with a place behind the last one. The empty line behind a last break is none, and
-/// an empty text is one empty line. Offsets are UTF-16 units; characters are graphemes. Holds the buffer for as long as it lives.
+/// A text as Vim has it: lines, which end as the rope has it, each a row of characters with a place behind the last one. The empty line
+/// behind a last break is none, and an empty text is one empty line. Offsets are UTF-16 units, characters graphemes, and lines are counted
+/// from 1. Of a text that stays as it is, and stays, for as long as this lives.
 class VimLines final {
 public:
     /// Behind any line.
@@ -16,10 +17,11 @@ public:
     /// While text is typed, and in a text whose last line has no break, the empty line behind a last break is one as well.
     enum class LastLine { hasText, mayBeEmpty };
 
-    explicit VimLines(VimBuffer &text, int tabWidth = 4, LastLine last = LastLine::hasText)
+    explicit VimLines(const Rope &text, int tabWidth = 4, LastLine last = LastLine::hasText)
         : m_text(text), m_tabWidth(std::max(tabWidth, 1)), m_last(last)
     {}
 
+    /// The text for what asks no lines of it.
     [[nodiscard]] VimBuffer &buffer() const { return m_text; }
     [[nodiscard]] const Rope &text() const { return m_text.text(); }
 
@@ -32,13 +34,18 @@ public:
     [[nodiscard]] bool isEmpty(qsizetype place) const { return start(place) == end(place); }
     [[nodiscard]] bool isFirst(qsizetype place) const { return start(place) == 0; }
     [[nodiscard]] bool isLast(qsizetype place) const;
-    [[nodiscard]] qsizetype lastStart() const { return hasEmptyLast() ? m_text.length() : m_text.lastLineStart(); }
-    /// From 0.
-    [[nodiscard]] qsizetype number(qsizetype place) const { return text().lineAt(start(place)); }
-    [[nodiscard]] qsizetype count() const { return number(lastStart()) + 1; }
+    [[nodiscard]] qsizetype lastStart() const { return startOf(count()); }
+    [[nodiscard]] qsizetype number(qsizetype place) const { return std::min(text().lineAt(place) + 1, count()); }
+    [[nodiscard]] qsizetype count() const;
+    /// The last line has a break; so has that of an empty text, for what is to come.
+    [[nodiscard]] bool isEnded() const { return text().lineStart(text().lineCount() - 1) == m_text.length(); }
     /// The start of the line so many below, or above, or of the first or last one.
     [[nodiscard]] qsizetype startNear(qsizetype place, qsizetype lines) const;
-    [[nodiscard]] qsizetype startOf(qsizetype number) const { return text().lineStart(std::clamp<qsizetype>(number, 0, count() - 1)); }
+    /// Of the line of that number, of the first for those below; the end of the text behind the last line.
+    [[nodiscard]] qsizetype startOf(qsizetype number) const;
+    [[nodiscard]] qsizetype endOf(qsizetype number) const;
+    /// Without its break.
+    [[nodiscard]] QString string(qsizetype number) const { return text().toString(TextRange::between(startOf(number), endOf(number))); }
     /// Of a line of blanks the last one; of an empty line its start.
     [[nodiscard]] qsizetype firstNonBlank(qsizetype place) const;
     /// Whether there is nothing but blanks from `place` to the line's end.
@@ -96,9 +103,8 @@ private:
     };
     /// That of the last question is kept: questions about one line follow each other, and to find its ends may cost a walk through it.
     [[nodiscard]] const Line &line(qsizetype place) const;
-    [[nodiscard]] bool hasEmptyLast() const;
 
-    VimBuffer &m_text;
+    mutable VimBuffer m_text;
     int m_tabWidth;
     LastLine m_last;
     mutable std::optional<Line> m_line;

@@ -60,8 +60,8 @@ public:
     /// "x" and "A" with what is to be added are all there is.
     bool runNormal(const QString &keys, bool) override
     {
-        const VimExLines lines(text());
-        const qsizetype end = lines.end(lines.lineOf(place));
+        const VimLines lines(text());
+        const qsizetype end = lines.endOf(lines.number(place));
         if (keys.startsWith(u'A')) {
             apply({{end, 0}, keys.sliced(1)});
             moveCaret(end + keys.size() - 2);
@@ -69,7 +69,7 @@ public:
             const TextRange character = TextRange::between(place, TextBoundaries::nextGrapheme(text(), place));
             m_registers.set({.text = text().slice(character)}, std::nullopt);
             apply({character, Rope()});
-            moveCaret(std::max(lines.start(lines.lineOf(character.location)), std::min(place, end - character.length - 1)));
+            moveCaret(std::max(lines.startOf(lines.number(character.location)), std::min(place, end - character.length - 1)));
         }
         return true;
     }

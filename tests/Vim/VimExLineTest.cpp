@@ -107,7 +107,7 @@ TEST(VimExLine, DoesAsVimDoes)
     // clang-format on
     for (const Row &row : rows) {
         VimExText text(row.text.toString());
-        text.moveCaret(VimExLines(text.text()).start(row.line));
+        text.moveCaret(VimLines(text.text()).startOf(row.line));
         text.run(row.typed.toString());
         QString after = text.text().toString();
         EXPECT_EQ(after.insert(text.caret(), u'|').toStdString(), row.after.toString().toStdString()) << row.typed.toString().toStdString();

@@ -149,8 +149,7 @@ public:
     void revealAt(Edge edge) override { actions << (edge == Edge::top ? QStringLiteral("top") : QStringLiteral("bottom")); }
     [[nodiscard]] std::optional<RowPlace> movedByRows(const RowPlace &from, qsizetype rows) const override
     {
-        VimBuffer buffer(text());
-        const VimLines lines(buffer, indent.tabWidth(), VimLines::LastLine::hasText);
+        const VimLines lines(text(), indent.tabWidth(), VimLines::LastLine::hasText);
         if (rows > 0 ? lines.isLast(from.place) : lines.isFirst(from.place)) {
             return std::nullopt;
         }
@@ -160,8 +159,7 @@ public:
     }
     [[nodiscard]] TextRange rowAt(qsizetype place) const override
     {
-        VimBuffer buffer(text());
-        const VimLines lines(buffer, indent.tabWidth(), VimLines::LastLine::hasText);
+        const VimLines lines(text(), indent.tabWidth(), VimLines::LastLine::hasText);
         return TextRange::between(lines.start(place), lines.end(place));
     }
     void scrollRows(qsizetype /*rows*/) override {}
