@@ -46,8 +46,8 @@ QString titleOf(LineChange::Kind kind, ChangeMarks::Reference reference)
 } // namespace
 
 ChangeNavigator::ChangeNavigator(EditorTextView &view, TextDocument &document, const Services &services, QObject *parent)
-    : QObject(parent), m_view(view), m_document(document), m_services(services), m_marks(new ChangeMarks(document, services.marks, this)),
-      m_theme(&Theme::light())
+    : QObject(parent), m_view(view), m_document(document), m_services(services), m_round(view, services.beep),
+      m_marks(new ChangeMarks(document, services.marks, this)), m_theme(&Theme::light())
 {
     view.ruler().setChanges([marks = m_marks] { return marks->changes(); });
     connect(m_marks, &ChangeMarks::changed, &view.ruler(), qOverload<>(&QWidget::update));
@@ -98,12 +98,7 @@ void ChangeNavigator::markScrollBar()
         };
         bar->setSource(row.mark, {.any = [marks = m_marks] { return !marks->changes().empty(); },
                                   .has = [firstIn](TextRange stretch) { return firstIn(stretch).has_value(); },
-                                  .go =
-                                      [this, firstIn](TextRange stretch) {
-                                          if (const auto index = firstIn(stretch)) {
-                                              arriveAt(*index);
-                                          }
-                                      }});
+                                  .go = [this, firstIn](TextRange stretch) { arriveAt(firstIn(stretch)); }});
     }
     connect(m_marks, &ChangeMarks::changed, bar, &MarkedScrollBar::placesChanged);
 }
@@ -118,31 +113,22 @@ ChangeNavigator::CaretLine ChangeNavigator::caretLine() const
 
 void ChangeNavigator::goToNext()
 {
-    goTo(LineChanges::next(m_marks->changes(), caretLine().start), 0);
+    arriveAt(m_round.next(LineChanges::next(m_marks->changes(), caretLine().start), m_marks->changes().size()));
 }
 
 void ChangeNavigator::goToPrevious()
 {
-    goTo(LineChanges::previous(m_marks->changes(), caretLine().start), m_marks->changes().size() - 1);
+    arriveAt(m_round.previous(LineChanges::previous(m_marks->changes(), caretLine().start), m_marks->changes().size()));
 }
 
-void ChangeNavigator::goTo(std::optional<size_t> wanted, size_t otherwise)
+void ChangeNavigator::arriveAt(std::optional<size_t> index)
 {
-    const auto changes = m_marks->changes();
-    if (changes.empty()) {
-        m_services.beep();
+    if (!index) {
         return;
     }
-    arriveAt(wanted.value_or(otherwise));
-}
-
-void ChangeNavigator::arriveAt(size_t index)
-{
-    const LineChange change = m_marks->changes()[index];
-    m_view.setSelection(TextSelection::at(change.range.location), TextView::Reveal::nearest);
-    m_view.showIndicator(change.range);
+    m_round.arriveAt(m_marks->changes()[*index].range);
     if (m_panel) {
-        open(index);
+        open(*index);
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "Editor/ChangeMarks.h"
 #include "Editor/ChangePanel.h"
+#include "Editor/StretchRound.h"
 
 #include <QObject>
 #include <QPointer>
@@ -51,8 +52,7 @@ private:
     };
     [[nodiscard]] CaretLine caretLine() const;
     void markScrollBar();
-    void goTo(std::optional<size_t> wanted, size_t otherwise);
-    void arriveAt(size_t index);
+    void arriveAt(std::optional<size_t> index);
     void open(size_t index);
     void close();
     void place();
@@ -61,6 +61,7 @@ private:
     EditorTextView &m_view;
     TextDocument &m_document;
     Services m_services;
+    StretchRound m_round;
     ChangeMarks *m_marks;
     const Theme *m_theme;
     QPointer<ChangePanel> m_panel;

@@ -6,15 +6,14 @@
 #include "View/MarkedScrollBar.h"
 #include "View/TextView.h"
 
-#include <algorithm>
-
-ConflictNavigator::ConflictNavigator(TextView &view, const CommandServices &services) : QObject(&view), m_view(view), m_services(services)
+ConflictNavigator::ConflictNavigator(TextView &view, const CommandServices &services)
+    : QObject(&view), m_view(view), m_services(services), m_round(view, services.beep)
 {
     connect(&view.storage(), &TextStorage::changed, this, &ConflictNavigator::noteEdit);
     if (MarkedScrollBar *bar = MarkedScrollBar::of(view)) {
         bar->setSource(ScrollMark::conflict, {.any = [this] { return hasConflicts(); },
                                               .has = [this](TextRange stretch) { return firstIn(stretch).has_value(); },
-                                              .go = [this](TextRange stretch) { goTo(firstIn(stretch)); }});
+                                              .go = [this](TextRange stretch) { arriveAt(firstIn(stretch)); }});
     }
     searchSoon();
 }
@@ -55,30 +54,24 @@ void ConflictNavigator::take(std::vector<TextRange> conflicts)
     }
 }
 
-std::optional<TextRange> ConflictNavigator::firstIn(TextRange stretch) const
+std::optional<size_t> ConflictNavigator::firstIn(TextRange stretch) const
 {
-    const auto found = std::ranges::upper_bound(m_conflicts, stretch.location, {}, &TextRange::end);
-    return found != m_conflicts.end() && found->location < stretch.end() ? std::optional(*found) : std::nullopt;
+    return MergeConflicts::firstIn(m_conflicts, stretch);
 }
 
 void ConflictNavigator::goToNext()
 {
-    const auto next = std::ranges::upper_bound(m_conflicts, m_view.selection().caret, {}, &TextRange::location);
-    goTo(m_conflicts.empty() ? std::nullopt : std::optional(next == m_conflicts.end() ? m_conflicts.front() : *next));
+    arriveAt(m_round.next(MergeConflicts::next(m_conflicts, m_view.selection().caret), m_conflicts.size()));
 }
 
 void ConflictNavigator::goToPrevious()
 {
-    const auto behind = std::ranges::lower_bound(m_conflicts, m_view.selection().caret, {}, &TextRange::location);
-    goTo(m_conflicts.empty() ? std::nullopt : std::optional(behind == m_conflicts.begin() ? m_conflicts.back() : *std::prev(behind)));
+    arriveAt(m_round.previous(MergeConflicts::previous(m_conflicts, m_view.selection().caret), m_conflicts.size()));
 }
 
-void ConflictNavigator::goTo(std::optional<TextRange> conflict)
+void ConflictNavigator::arriveAt(std::optional<size_t> conflict)
 {
-    if (!conflict) {
-        m_services.beep();
-        return;
+    if (conflict) {
+        m_round.arriveAt(m_conflicts[*conflict]);
     }
-    m_view.setSelection(TextSelection::at(conflict->location), TextView::Reveal::nearest);
-    m_view.showIndicator(*conflict);
 }

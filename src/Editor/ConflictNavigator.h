@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Base/BackgroundTask.h"
+#include "Editor/StretchRound.h"
 #include "Text/TextRange.h"
 #include "View/CommandServices.h"
 
@@ -11,7 +12,6 @@
 #include <optional>
 #include <vector>
 
-class TextView;
 struct TextChange;
 
 /// Marks on the scroll bar of a view where its text has conflicts of a merge, and goes from one to the next. They are looked for by a
@@ -37,11 +37,12 @@ private:
     void searchSoon();
     void search();
     void take(std::vector<TextRange> conflicts);
-    [[nodiscard]] std::optional<TextRange> firstIn(TextRange stretch) const;
-    void goTo(std::optional<TextRange> conflict);
+    [[nodiscard]] std::optional<size_t> firstIn(TextRange stretch) const;
+    void arriveAt(std::optional<size_t> conflict);
 
     TextView &m_view;
     CommandServices m_services;
+    StretchRound m_round;
     std::vector<TextRange> m_conflicts;
     DelayedTask m_rest;
     BackgroundTask m_searching;

@@ -294,7 +294,7 @@ void EditorViewController::followCaret()
     const auto end = m_document->endBeforeReload();
     if (end && m_textView->selection().range() == TextRange{*end, 0}) {
         m_textView->setSelection(TextSelection::at(m_document->storage().length()), TextView::Reveal::nearest);
-    } else if (m_textView->wasCaretSeen()) {
+    } else if (m_textView->caret().wasSeen) {
         m_textView->revealCaret();
     }
 }
@@ -324,9 +324,7 @@ void EditorViewController::applyPreferences()
     applyLineNumbers();
     const auto wrapped = preferences.value(Settings::indentWrappedRows) ? TextView::WrapMode::indented : TextView::WrapMode::viewWidth;
     const auto wrapMode = preferences.value(Settings::wrapLines) ? wrapped : TextView::WrapMode::none;
-    if (m_textView->wrapMode() != wrapMode) {
-        m_textView->setWrapMode(wrapMode);
-    }
+    m_textView->setWrapMode(wrapMode);
     m_wordMarks->setMarking(preferences.value(Settings::markOccurrences));
     applyVimMode();
 }
@@ -353,7 +351,7 @@ void EditorViewController::applyLineNumbers()
     const bool isRelative = isExact && preferences.value(Settings::vimRelativeNumber);
     m_textView->ruler().setNumbering(!isRelative ? fromFirst : hasOwn ? fromCaretWithOwn : fromCaret);
     m_textView->setLineNumbers(hasOwn || isRelative ? TextView::Visibility::shown : TextView::Visibility::hidden);
-    m_textView->setRevealMargin(isExact ? preferences.value(Settings::vimScrollOff) : 0);
+    m_textView->setLook(&TextLooks::revealMargin, isExact ? preferences.value(Settings::vimScrollOff) : 0);
 }
 
 void EditorViewController::applyVimMode()

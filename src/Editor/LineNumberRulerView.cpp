@@ -127,7 +127,7 @@ qsizetype LineNumberRulerView::currentLine() const
 
 qsizetype LineNumberRulerView::originLine() const
 {
-    return m_numbering == Numbering::fromFirst || m_numbers ? -1 : m_client.storage().text().lineAt(m_client.shownCaret());
+    return m_numbering == Numbering::fromFirst || m_numbers ? -1 : m_client.storage().text().lineAt(m_client.caret().shownOffset());
 }
 
 LineNumberRulerView::Shown LineNumberRulerView::shown() const

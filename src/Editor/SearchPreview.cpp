@@ -50,7 +50,7 @@ void SearchPreview::follow(VimEngine &engine)
     const bool isTyping = isExact && engine.mode() == VimEngine::Mode::commandLine && engine.commandLine().prefix() != u':';
     const auto typed = isTyping ? typedSearch(engine) : std::nullopt;
     if (isTyping && !m_typing) {
-        m_typing = Typing{.place = m_view.textViewport().place(), .caret = m_view.shownCaret()};
+        m_typing = Typing{.place = m_view.textViewport().place(), .caret = m_view.caret().shownOffset()};
     }
     if (!isTyping) {
         endTyping();
@@ -137,7 +137,7 @@ void SearchPreview::endTyping()
     m_looking.cancel();
     const auto shown = std::exchange(m_shown, std::nullopt);
     m_view.setLook(&TextLooks::shownHit, std::nullopt);
-    const qsizetype caret = m_view.shownCaret();
+    const qsizetype caret = m_view.caret().shownOffset();
     const bool isThere = shown && caret == shown->position;
     if (isThere || caret == typing->caret) {
         m_view.scrollTo(typing->place);

@@ -61,4 +61,22 @@ void map(std::vector<TextRange> &conflicts, const TextEdits &edits)
     std::erase_if(conflicts, [](TextRange conflict) { return conflict.isEmpty(); });
 }
 
+std::optional<size_t> next(std::span<const TextRange> conflicts, qsizetype place)
+{
+    const auto found = std::ranges::upper_bound(conflicts, place, {}, &TextRange::location);
+    return found == conflicts.end() ? std::nullopt : std::optional(size_t(found - conflicts.begin()));
+}
+
+std::optional<size_t> previous(std::span<const TextRange> conflicts, qsizetype place)
+{
+    const auto behind = std::ranges::lower_bound(conflicts, place, {}, &TextRange::location);
+    return behind == conflicts.begin() ? std::nullopt : std::optional(size_t(behind - conflicts.begin()) - 1);
+}
+
+std::optional<size_t> firstIn(std::span<const TextRange> conflicts, TextRange stretch)
+{
+    const auto found = std::ranges::upper_bound(conflicts, stretch.location, {}, &TextRange::end);
+    return found != conflicts.end() && found->location < stretch.end() ? std::optional(size_t(found - conflicts.begin())) : std::nullopt;
+}
+
 } // namespace MergeConflicts

@@ -6,6 +6,8 @@
 #include "Text/TextEdits.h"
 #include "Text/TextRange.h"
 
+#include <optional>
+#include <span>
 #include <stop_token>
 #include <vector>
 
@@ -20,5 +22,11 @@ inline constexpr size_t mostMarkers = 10'000;
 [[nodiscard]] std::vector<TextRange> in(const Rope &text, const std::stop_token &stop = {});
 /// Keeps them on their lines while the text is edited, whatever that does to them; those of which nothing is left go.
 void map(std::vector<TextRange> &conflicts, const TextEdits &edits);
+
+/// The index of the first one that begins behind `place`, or of the last one that begins before it; none when there is none.
+[[nodiscard]] std::optional<size_t> next(std::span<const TextRange> conflicts, qsizetype place);
+[[nodiscard]] std::optional<size_t> previous(std::span<const TextRange> conflicts, qsizetype place);
+/// The first one with anything in `stretch`.
+[[nodiscard]] std::optional<size_t> firstIn(std::span<const TextRange> conflicts, TextRange stretch);
 
 } // namespace MergeConflicts

@@ -75,7 +75,6 @@ private:
     void saveAt(const QString &path, TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner = {});
     enum class Existing { kept, replaced };
     void writeTo(const QString &path, TextDocument &document, Existing existing);
-    void writeFile(TextDocument &document, const DocumentFile::Snapshot &snapshot);
     void saveAtPath(TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner = {});
     void askForFileAndEncoding();
     /// Shows what the file would be in each encoding.
@@ -95,9 +94,10 @@ private:
     void revertDocumentToSaved();
     void revertWithoutAsking();
     void makeBackup();
-    using Write = void (DocumentActions::*)(TextDocument &document, const DocumentFile::Snapshot &snapshot);
-    void askHowToWrite(TextDocument &document, const DocumentFile::Snapshot &snapshot, Write write);
-    void writeBackup(TextDocument &document, const DocumentFile::Snapshot &snapshot);
+    /// Beside the document's file, or in the file that the snapshot names.
+    enum class Copy { backup, named };
+    void writeCopy(TextDocument &document, const DocumentFile::Snapshot &snapshot, Copy copy);
+    void askHowToWrite(TextDocument &document, const DocumentFile::Snapshot &snapshot, Copy copy);
     void openInTerminal();
     void moveDocumentToTrash();
     void trash(TextDocument &document);

@@ -51,26 +51,7 @@ void DocumentActions::writeTo(const QString &path, TextDocument &document, Exist
                 DocumentFile::Snapshot snapshot = snapshotOf(*document, path);
                 snapshot.rescueFolder = self->m_services.documents.services().rescueFolder;
                 snapshot.expected = existing == Existing::kept ? std::optional(AtomicFile::Expectation{}) : std::nullopt;
-                self->writeFile(*document, snapshot);
-            }
-        });
-}
-
-void DocumentActions::writeFile(TextDocument &document, const DocumentFile::Snapshot &snapshot)
-{
-    const DocumentServices &services = m_services.documents.services();
-    document.requests().start(
-        FileRequests::Kind::copying, services.timeout,
-        [snapshot, &files = services.files](const std::stop_token &stop) { return DocumentFile::write(snapshot, files, nullptr, stop); },
-        [self = QPointer(this), &document, snapshot](const DocumentFile::WriteResult &written) {
-            if (self && written) {
-                emit self->messageShown(formatted(localized(u"Written to “%@”"), nameOfFile(snapshot.path)), longFlash);
-            } else if (self && written.error().code == AtomicFile::changedError) {
-                emit self->messageShown(alreadyThere(snapshot.path), longFlash);
-            } else if (self && written.error().code == TextFile::missingCharactersError) {
-                self->askHowToWrite(document, snapshot, &DocumentActions::writeFile);
-            } else if (self) {
-                self->presentError(written.error().message);
+                self->writeCopy(*document, snapshot, Copy::named);
             }
         });
 }
@@ -86,13 +67,13 @@ void DocumentActions::makeBackup()
         beep();
         return;
     }
-    writeBackup(document, snapshotOf(document, document.path()));
+    writeCopy(document, snapshotOf(document, document.path()), Copy::backup);
 }
 
 /// The document keeps its encoding.
-void DocumentActions::askHowToWrite(TextDocument &document, const DocumentFile::Snapshot &snapshot, Write write)
+void DocumentActions::askHowToWrite(TextDocument &document, const DocumentFile::Snapshot &snapshot, Copy copy)
 {
-    askAboutMissingCharacters(document, [self = QPointer(this), kept = document.shared_from_this(), write,
+    askAboutMissingCharacters(document, [self = QPointer(this), kept = document.shared_from_this(), copy,
                                          other = DocumentFile::Snapshot(snapshot)](MissingCharactersAnswer answer) mutable {
         if (answer == MissingCharactersAnswer::saveInUtf8) {
             other.encoding = TextEncoding::utf8;
@@ -100,24 +81,36 @@ void DocumentActions::askHowToWrite(TextDocument &document, const DocumentFile::
             other.manner.missingCharacters = TextFile::MissingCharacters::substituted;
         }
         if (self && answer != MissingCharactersAnswer::cancel) {
-            (self->*write)(*kept, other);
+            self->writeCopy(*kept, other, copy);
         }
     });
 }
 
-void DocumentActions::writeBackup(TextDocument &document, const DocumentFile::Snapshot &snapshot)
+void DocumentActions::writeCopy(TextDocument &document, const DocumentFile::Snapshot &snapshot, Copy copy)
 {
     const DocumentServices &services = m_services.documents.services();
     document.requests().start(
         FileRequests::Kind::copying, services.timeout,
-        [snapshot, &files = services.files](const std::stop_token &) { return DocumentFile::copy(snapshot, files); },
-        [self = QPointer(this), &document, snapshot](const Result<QString> &copy) {
-            if (self && copy) {
-                emit self->messageShown(formatted(localized(u"Copied to “%@”"), nameOfFile(*copy)), longFlash);
-            } else if (self && copy.error().code == TextFile::missingCharactersError) {
-                self->askHowToWrite(document, snapshot, &DocumentActions::writeBackup);
-            } else if (self) {
-                self->presentError(copy.error().message);
+        [snapshot, copy, &files = services.files](const std::stop_token &stop) -> Result<QString> {
+            if (copy == Copy::backup) {
+                return DocumentFile::copy(snapshot, files);
+            }
+            const DocumentFile::WriteResult written = DocumentFile::write(snapshot, files, nullptr, stop);
+            return written ? Result<QString>(snapshot.path) : tl::make_unexpected(written.error());
+        },
+        [self = QPointer(this), &document, snapshot, copy](const Result<QString> &written) {
+            if (!self) {
+                return;
+            }
+            if (written) {
+                const QString message = copy == Copy::backup ? localized(u"Copied to “%@”") : localized(u"Written to “%@”");
+                emit self->messageShown(formatted(message, nameOfFile(*written)), longFlash);
+            } else if (copy == Copy::named && written.error().code == AtomicFile::changedError) {
+                emit self->messageShown(alreadyThere(snapshot.path), longFlash);
+            } else if (written.error().code == TextFile::missingCharactersError) {
+                self->askHowToWrite(document, snapshot, copy);
+            } else {
+                self->presentError(written.error().message);
             }
         });
 }

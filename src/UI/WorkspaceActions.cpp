@@ -3,13 +3,10 @@
 
 // The commands of a window that concern its panes, its tabs and the look of its texts, and when each can be used.
 
-#include "Base/FilePath.h"
 #include "Base/Translation.h"
 #include "Commands/Actions.h"
 #include "Model/TextDocument.h"
 #include "Settings/Preferences.h"
-#include "Text/LineEditing.h"
-#include "Text/LineIndex.h"
 #include "UI/MissingCharactersPanel.h"
 #include "UI/TextIndentationMenu.h"
 #include "UI/WorkspaceViewController.h"
@@ -18,8 +15,6 @@
 #include <QPointer>
 
 #include <array>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -50,12 +45,7 @@ const ActionRow *WorkspaceViewController::actionFor(const Action &wanted) const
     using Self = WorkspaceViewController;
     static constexpr auto rows = std::to_array<ActionRow>({
         action<&Self::newDocument>(Actions::newDocument),
-        action<&Self::editFile>(Actions::editFile),
-        action<&Self::showTab>(Actions::showTab),
-        action<&Self::listTabs>(Actions::listTabs),
-        action<&Self::goToPlace>(Actions::goToPlace),
         action<&Self::showFindInterface, &Self::hasEditor>(Actions::showFindInterface),
-        action<&Self::closeWindowFromVim>(Actions::closeWindowFromVim),
         action<&Self::goToLine, &Self::hasEditor>(Actions::goToLine),
         action<&Self::listMissingCharacters, &Self::hasMissingCharacters>(Actions::listMissingCharacters),
         action<&Self::splitEditorRight>(Actions::splitEditorRight),
@@ -90,77 +80,6 @@ ActionState WorkspaceViewController::themeState(const ActionSender &sender) cons
 void WorkspaceViewController::beep()
 {
     m_services.presenter.beep();
-}
-
-/// Opens the file of that name, or without one reads the document's own again, without a question.
-void WorkspaceViewController::editFile(const ActionSender &sender)
-{
-    if (const QString name = sender.represented.toString(); name.isEmpty()) {
-        perform(Actions::revertWithoutAsking);
-    } else {
-        open({absoluteFilePath(name, workingFolder())});
-    }
-}
-
-/// What is represented is its number, from 1, or a part of the name of the only one that has it.
-void WorkspaceViewController::showTab(const ActionSender &sender)
-{
-    const QString wanted = sender.represented.toString();
-    const PaneLayout::Documents tabs = m_layout.isEmpty() ? PaneLayout::Documents() : m_layout.active()->tabs;
-    bool isNumber = false;
-    int tab = wanted.toInt(&isNumber) - 1;
-    if (!isNumber) {
-        const auto isMeant = [&wanted](const PaneLayout::Document &document) { return document->displayName().contains(wanted); };
-        const auto found = std::ranges::find_if(tabs, isMeant);
-        tab = std::ranges::count_if(tabs, isMeant) == 1 ? int(found - tabs.begin()) : -1;
-    }
-    if (tab < 0 || tab >= int(tabs.size())) {
-        m_statusBar->flash(formatted(localized(u"No such tab: %@"), wanted), messageTime);
-        return;
-    }
-    selectTab(tab);
-}
-
-/// A file is opened if it is not.
-void WorkspaceViewController::goToPlace(const ActionSender &sender)
-{
-    const QString represented = sender.represented.toString();
-    const auto line = static_cast<LineNumber>(represented.section(u' ', 0, 0).toLongLong());
-    const qsizetype column = represented.section(u' ', 1, 1).toLongLong();
-    const QString name = represented.section(u' ', 2);
-    const auto &documents = m_services.documents.documents();
-    const auto text = std::ranges::find(documents, name, [](const auto &document) { return document->id().toString(); });
-    const PaneLayout::Document document = text != documents.end() ? *text : name.startsWith(u'/') ? open({name}).front() : nullptr;
-    if (!document) {
-        beep();
-        return;
-    }
-    showDocument(*document);
-    document->arrival().whenOver([workspace = QPointer(this), shown = document.get(), line, column] {
-        if (workspace) {
-            const auto twin = shown->arrival().failure().twin;
-            workspace->goToColumn(twin ? *twin : *shown, line, column);
-        }
-    });
-}
-
-void WorkspaceViewController::goToColumn(TextDocument &document, LineNumber line, qsizetype column)
-{
-    const Rope &text = document.storage().text();
-    goTo(document, line, column > 0 ? column : LineEditing::leadingBlanks(text, LineIndex::startOfLine(line, text)).size() + 1);
-    focusEditor();
-}
-
-/// With their numbers; "+" marks those with unsaved changes.
-void WorkspaceViewController::listTabs()
-{
-    QStringList names;
-    if (!m_layout.isEmpty()) {
-        for (const PaneLayout::Document &document : m_layout.active()->tabs) {
-            names << u"%1 %2%3"_s.arg(names.size() + 1).arg(document->displayName(), document->isDirty() ? u" +"_s : QString());
-        }
-    }
-    m_statusBar->flash(names.join(u" │ "_s), messageTime);
 }
 
 // The text

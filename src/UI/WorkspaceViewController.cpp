@@ -95,7 +95,8 @@ WorkspaceViewController::WorkspaceViewController(const WorkspaceServices &servic
     : FileDropView(parent), m_services(services), m_layouts(&layouts), m_tabActions(services, *this),
       m_documentActions(services, m_layout, *this), m_printActions(
                                                         services, m_documentActions, [this] { return currentEditor(); }, *this),
-      m_splitView(new PaneSplitter(this)), m_statusBar(new StatusBarView(services.scheduler, services.notifications, this))
+      m_typedDestinations(services, *this), m_splitView(new PaneSplitter(this)),
+      m_statusBar(new StatusBarView(services.scheduler, services.notifications, this))
 {
     resize(startSize);
     setAcceptDrops(true);
@@ -129,7 +130,8 @@ void WorkspaceViewController::connectParts()
     m_layouts->add(m_layout);
     connect(&m_services.documents, &DocumentStore::removed, this, &WorkspaceViewController::takeTabs);
     // Commands that are about the current document go on from here to where they are carried out.
-    setNextResponder(&m_tabActions);
+    setNextResponder(&m_typedDestinations);
+    m_typedDestinations.setNextResponder(&m_tabActions);
     m_tabActions.setNextResponder(&m_documentActions);
     m_documentActions.setNextResponder(&m_printActions);
     m_printActions.setNextResponder(nearestResponder(parent()));
@@ -552,7 +554,6 @@ void WorkspaceViewController::goTo(TextDocument &document, LineNumber line, qsiz
 
 // Tabs
 
-/// In the active pane.
 void WorkspaceViewController::selectTab(int tab)
 {
     if (PaneViewController *pane = activePane()) {

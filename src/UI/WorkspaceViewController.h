@@ -9,6 +9,7 @@
 #include "UI/PrintActions.h"
 #include "UI/StatusBarView.h"
 #include "UI/TabActions.h"
+#include "UI/TypedDestinations.h"
 #include "Widgets/FileDropView.h"
 
 class MissingCharactersPanel;
@@ -54,6 +55,10 @@ public:
     PaneLayout::Documents openWithin(std::chrono::milliseconds timeout, const QStringList &paths, MissingFile missingFile);
     /// Shows a document that exists already.
     void adopt(TextDocument &document);
+    /// In the tab that it has, or in a new one.
+    void showDocument(TextDocument &document);
+    /// Of the active pane.
+    void selectTab(int tab);
     TextDocument &openUntitled();
     /// Shows a document that has a tab here at a place: line and column (UTF-16 units from 1), a column of 0 for none. Beyond the end it
     /// is the end.
@@ -96,10 +101,8 @@ private:
     [[nodiscard]] PaneViewController *makePane(int id);
     [[nodiscard]] int indexOf(const PaneViewController &pane) const { return m_layout.paneWithId(pane.id()); }
     void activate(const PaneViewController &pane) { setPaneLayout(m_layout.activating(indexOf(pane))); }
-    void selectTab(int tab);
     [[nodiscard]] PaneLayout::Selected keptSelection() const;
     void takeTabs(const TextDocument &document);
-    void showDocument(TextDocument &document);
     void redistributePanes();
     void limitPanes();
     void makeSplit(Qt::Orientation orientation, const ActionSender &sender);
@@ -129,7 +132,6 @@ private:
     void focusNextPane() { focusPane(1); }
     void focusPreviousPane() { focusPane(-1); }
     void toggleSplitOrientation();
-    void closeWindowFromVim() { window()->close(); }
     void goToLine();
     void listMissingCharacters();
     void selectTheme(const ActionSender &sender);
@@ -139,13 +141,6 @@ private:
     void decreaseFontSize() { changeFontSize(-1); }
     void resetFontSize();
     void changeFontSize(int steps);
-
-    void editFile(const ActionSender &sender);
-    void showTab(const ActionSender &sender);
-    void listTabs();
-    void goToPlace(const ActionSender &sender);
-    /// 0 for the first character of the line that is no blank.
-    void goToColumn(TextDocument &document, LineNumber line, qsizetype column);
 
     // Enabling
     [[nodiscard]] bool hasEditor() const { return currentEditor() != nullptr; }
@@ -171,6 +166,7 @@ private:
     TabActions m_tabActions;
     DocumentActions m_documentActions;
     PrintActions m_printActions;
+    TypedDestinations m_typedDestinations;
     PaneSplitter *m_splitView;
     StatusBarView *m_statusBar;
     PaneLayout m_layout;

@@ -157,7 +157,9 @@ void TextView::setTabWidth(int cells)
 
 void TextView::setWrapMode(WrapMode mode)
 {
-    m_wrapMode = mode;
+    if (std::exchange(m_wrapMode, mode) == mode) {
+        return;
+    }
     // Wrapped text never needs the bar; asking for it would change the width and so the wrapping.
     setHorizontalScrollBarPolicy(mode == WrapMode::none ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(mode == WrapMode::none ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOn);
@@ -362,7 +364,7 @@ void TextView::revealCaret(Reveal reveal)
     }
     const QPointF before = m_port.position();
     const RowPosition row = m_caret.row();
-    m_port.reveal(row, reveal == Reveal::center ? Viewport::Reveal::center : Viewport::Reveal::nearest, m_revealMargin);
+    m_port.reveal(row, reveal == Reveal::center ? Viewport::Reveal::center : Viewport::Reveal::nearest, m_painter.looks.revealMargin);
     const double x = m_caret.x(row);
     m_port.revealX({x, x + 2});
     if (m_port.position() != before) {

@@ -55,7 +55,6 @@ public:
     [[nodiscard]] const QFont &textFont() const { return m_layout.settings().font; }
     void setTabWidth(int cells);
     void setWrapMode(WrapMode mode);
-    [[nodiscard]] WrapMode wrapMode() const { return m_wrapMode; }
     /// Without a call the colours follow the palette.
     void setColors(const Colors &colors);
     [[nodiscard]] const Colors &colors() const { return m_painter.looks.colors; }
@@ -78,12 +77,8 @@ public:
     void setSelection(const Selections &selections, Reveal reveal = Reveal::no);
     [[nodiscard]] QString selectedText() const;
     void revealCaret(Reveal reveal = Reveal::nearest);
-    /// So many rows above and below the caret are revealed with it.
-    void setRevealMargin(int rows) { m_revealMargin = rows; }
-    /// The offset at which the caret is shown.
-    [[nodiscard]] qsizetype shownCaret() const { return m_caret.shownOffset(); }
-    /// As the view was painted last.
-    [[nodiscard]] bool wasCaretSeen() const { return m_caret.wasSeen; }
+    /// Where the caret is shown, and whether it was seen when the view was painted last.
+    [[nodiscard]] const TextViewCaret &caret() const { return m_caret; }
     /// Scrolls until `offset` is seen; the caret stays where it is.
     void revealOffset(qsizetype offset);
     /// Pixels from the top of the content to the top of what is seen; estimated where rows were not laid out yet.
@@ -205,7 +200,6 @@ private:
     TextViewRepaint m_repaint{*this};
 
     TextViewCaret m_caret{*this};
-    int m_revealMargin = 0;
     // The change under way is this view's, which will say itself where its caret goes.
     bool m_isEditing = false;
 };

@@ -39,6 +39,8 @@ struct TextLooks {
     Visibility invisibles = Visibility::hidden;
     /// A faint line behind so many columns, where lines are not to go further; none for no line.
     std::optional<int> rulerColumn;
+    /// So many rows above and below the caret are revealed with it.
+    int revealMargin = 0;
     /// Where one searches, when that is not all of the text.
     MarkProvider searched;
     /// Search hits.

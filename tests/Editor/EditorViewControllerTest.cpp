@@ -88,9 +88,10 @@ TEST_F(EditorTest, FollowsThePreferences)
     preferences.set(Settings::wrapLines, false);
     EXPECT_EQ(view.horizontalScrollBarPolicy(), Qt::ScrollBarAsNeeded);
     preferences.set(Settings::wrapLines, true);
-    EXPECT_EQ(view.wrapMode(), TextView::WrapMode::indented);
+    EXPECT_TRUE(view.layoutManager().settings().indentsWrappedRows);
     preferences.set(Settings::indentWrappedRows, false);
-    EXPECT_EQ(view.wrapMode(), TextView::WrapMode::viewWidth);
+    EXPECT_FALSE(view.layoutManager().settings().indentsWrappedRows);
+    EXPECT_TRUE(view.layoutManager().settings().wrapWidth);
     EXPECT_EQ(view.horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
     const int width = view.viewport()->width();
     preferences.set(Settings::showLineNumbers, false);

@@ -111,6 +111,13 @@ bool setPreference(Preferences &preferences, const QString &setting)
     return known && preferences.setFromText(*known, setting.mid(equals + 1));
 }
 
+QStringList setPreferences(Preferences &preferences, const QStringList &settings)
+{
+    QStringList others = settings;
+    others.removeIf([&](const QString &setting) { return setPreference(preferences, setting); });
+    return others;
+}
+
 bool isPreferenceSetting(const QString &setting)
 {
     ManualScheduler scheduler;

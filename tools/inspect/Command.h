@@ -86,6 +86,8 @@ void useInterfaceLanguage(const Arguments &arguments);
 
 /// "KEY=VALUE" for one of the preferences: what it says, through the typed setter. False, and nothing set, when it says nothing.
 bool setPreference(Preferences &preferences, const QString &setting);
+/// All of them; those that say nothing are returned.
+QStringList setPreferences(Preferences &preferences, const QStringList &settings);
 [[nodiscard]] bool isPreferenceSetting(const QString &setting);
 
 /// A whole number, decimal or with 0x in front, that fits into 32 bits.

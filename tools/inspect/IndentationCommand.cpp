@@ -47,9 +47,7 @@ QJsonObject runIndentation(const Arguments &arguments)
     DefaultsStore defaults{QString(), scheduler};
     NotificationCenter notifications;
     Preferences preferences{defaults, notifications};
-    for (const QString &setting : arguments.values(u"pref")) {
-        setPreference(preferences, setting);
-    }
+    setPreferences(preferences, arguments.values(u"pref"));
     TextStorage storage;
     storage.apply({{}, contents->text});
     const QString head = storage.string({0, std::min<qsizetype>(storage.length(), 512)});

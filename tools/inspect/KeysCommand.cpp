@@ -241,18 +241,11 @@ bool isPreferenceOrText(const QString &setting)
     return isPreferenceSetting(setting) || textSettingOf(setting);
 }
 
-void storePreference(Stage &stage, const QString &setting)
-{
-    if (!setPreference(stage.preferences, setting)) {
-        stage.defaults.set(textSettingOf(setting)->key, setting.section(u'=', 1));
-    }
-}
-
 QJsonObject runKeys(const Arguments &arguments)
 {
     Stage stage;
-    for (const QString &setting : arguments.values(u"pref")) {
-        storePreference(stage, setting);
+    for (const QString &setting : setPreferences(stage.preferences, arguments.values(u"pref"))) {
+        stage.defaults.set(textSettingOf(setting)->key, setting.section(u'=', 1));
     }
     if (const auto text = arguments.value(u"clipboard")) {
         stage.pasteboard.setTextFromElsewhere(*text);

@@ -24,9 +24,7 @@ struct PrivatePreferences {
 QJsonObject runPreferences(const Arguments &arguments)
 {
     PrivatePreferences store;
-    for (const QString &setting : arguments.values(u"set")) {
-        setPreference(store.preferences, setting);
-    }
+    setPreferences(store.preferences, arguments.values(u"set"));
     QJsonObject values;
     for (const AnySetting *setting : Settings::all()) {
         values[setting->key] = QJsonValue::fromVariant(store.preferences.storedValue(*setting));

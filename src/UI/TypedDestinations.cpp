@@ -1,0 +1,122 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "UI/TypedDestinations.h"
+
+#include "Base/FilePath.h"
+#include "Base/Translation.h"
+#include "Commands/Actions.h"
+#include "Text/LineEditing.h"
+#include "Text/LineIndex.h"
+#include "UI/WorkspaceViewController.h"
+#include "Widgets/AlertPresenter.h"
+
+#include <QPointer>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr Scheduler::Milliseconds messageTime{8000};
+
+PaneLayout::Documents activeTabs(const PaneLayout &layout)
+{
+    return layout.isEmpty() ? PaneLayout::Documents() : layout.active()->tabs;
+}
+
+} // namespace
+
+TypedDestinations::TypedDestinations(const WorkspaceServices &services, WorkspaceViewController &workspace)
+    : m_services(services), m_workspace(workspace)
+{}
+
+const ActionRow *TypedDestinations::actionFor(const Action &wanted) const
+{
+    using Self = TypedDestinations;
+    static constexpr auto rows = std::to_array<ActionRow>({
+        action<&Self::editFile>(Actions::editFile),
+        action<&Self::showTab>(Actions::showTab),
+        action<&Self::listTabs>(Actions::listTabs),
+        action<&Self::goToPlace>(Actions::goToPlace),
+        action<&Self::closeWindow>(Actions::closeWindowFromVim),
+    });
+    return findAction(rows, wanted);
+}
+
+/// Opens the file of that name, or without one reads the document's own again, without a question.
+void TypedDestinations::editFile(const ActionSender &sender)
+{
+    if (const QString name = sender.represented.toString(); name.isEmpty()) {
+        perform(Actions::revertWithoutAsking);
+    } else {
+        m_workspace.open({absoluteFilePath(name, workingFolder())});
+    }
+}
+
+/// What is represented is its number, from 1, or a part of the name of the only one that has it.
+void TypedDestinations::showTab(const ActionSender &sender)
+{
+    const QString wanted = sender.represented.toString();
+    const PaneLayout::Documents tabs = activeTabs(m_workspace.paneLayout());
+    bool isNumber = false;
+    int tab = wanted.toInt(&isNumber) - 1;
+    if (!isNumber) {
+        const auto isMeant = [&wanted](const PaneLayout::Document &document) { return document->displayName().contains(wanted); };
+        const auto found = std::ranges::find_if(tabs, isMeant);
+        tab = std::ranges::count_if(tabs, isMeant) == 1 ? int(found - tabs.begin()) : -1;
+    }
+    if (tab < 0 || tab >= int(tabs.size())) {
+        m_workspace.statusBar().flash(formatted(localized(u"No such tab: %@"), wanted), messageTime);
+        return;
+    }
+    m_workspace.selectTab(tab);
+}
+
+/// With their numbers; "+" marks those with unsaved changes.
+void TypedDestinations::listTabs()
+{
+    QStringList names;
+    for (const PaneLayout::Document &document : activeTabs(m_workspace.paneLayout())) {
+        names << u"%1 %2%3"_s.arg(names.size() + 1).arg(document->displayName(), document->isDirty() ? u" +"_s : QString());
+    }
+    m_workspace.statusBar().flash(names.join(u" │ "_s), messageTime);
+}
+
+/// A file is opened if it is not.
+void TypedDestinations::goToPlace(const ActionSender &sender)
+{
+    const QString represented = sender.represented.toString();
+    const auto line = static_cast<LineNumber>(represented.section(u' ', 0, 0).toLongLong());
+    const qsizetype column = represented.section(u' ', 1, 1).toLongLong();
+    const QString name = represented.section(u' ', 2);
+    const auto &documents = m_services.documents.documents();
+    const auto text = std::ranges::find(documents, name, [](const auto &document) { return document->id().toString(); });
+    const PaneLayout::Document document = text != documents.end() ? *text
+                                          : name.startsWith(u'/') ? m_workspace.open({name}).front()
+                                                                  : nullptr;
+    if (!document) {
+        m_services.presenter.beep();
+        return;
+    }
+    m_workspace.showDocument(*document);
+    document->arrival().whenOver([destinations = QPointer(this), shown = document.get(), line, column] {
+        if (destinations) {
+            const auto twin = shown->arrival().failure().twin;
+            destinations->goToColumn(twin ? *twin : *shown, line, column);
+        }
+    });
+}
+
+void TypedDestinations::goToColumn(TextDocument &document, LineNumber line, qsizetype column)
+{
+    const Rope &text = document.storage().text();
+    m_workspace.goTo(document, line, column > 0 ? column : LineEditing::leadingBlanks(text, LineIndex::startOfLine(line, text)).size() + 1);
+    m_workspace.focusEditor();
+}
+
+void TypedDestinations::closeWindow()
+{
+    m_workspace.window()->close();
+}
