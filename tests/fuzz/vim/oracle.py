@@ -7,6 +7,7 @@ not answer, because of a crash or an endless loop, the answer has an "error" and
 import json
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import tempfile
@@ -17,6 +18,10 @@ HERE = pathlib.Path(__file__).resolve().parent
 PATIENCE = 5
 NAMED_KEYS = {"\x7f": "<BS>", "\uf700": "<Up>", "\uf701": "<Down>", "\uf702": "<Left>", "\uf703": "<Right>", "\uf728": "<Del>",
               "\uf729": "<Home>", "\uf72b": "<End>", "\uf72c": "<PageUp>", "\uf72d": "<PageDown>"}
+# As Vim keeps those of them in registers that have no character, by the names of terminals.
+KEY_CODES = {"kb": "\x7f", "ku": "\uf700", "kd": "\uf701", "kl": "\uf702", "kr": "\uf703", "kD": "\uf728", "kh": "\uf729", "@7": "\uf72b",
+             "kP": "\uf72c", "kN": "\uf72d"}
+KEY_CODE = re.compile("\ufffd(" + "|".join(KEY_CODES) + ")")
 TYPES = {"v": "characters", "V": "lines", "\x16": "block"}
 
 
@@ -62,7 +67,11 @@ def understood(answer, line_end):
         result["anchor"] = place(answer["anchor"][0], 1)
     elif mode in "v\x16":
         result["anchor"] = place(*answer["anchor"])
-    result["registers"] = {name: {"text": "\n".join(text) + ("\n" if kind == "V" else ""), "type": TYPES[kind]}
+
+    def kept(text):
+        return KEY_CODE.sub(lambda code: KEY_CODES[code.group(1)], "\n".join(text))
+
+    result["registers"] = {name: {"text": kept(text) + ("\n" if kind == "V" else ""), "type": TYPES[kind]}
                            for name, (kind, text) in answer["registers"].items() if name != "z"}
     if answer.get("isUnfinished"):
         result["isUnfinished"] = True

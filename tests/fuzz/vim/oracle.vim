@@ -49,6 +49,9 @@ endfunction
 function! NoChange(kind)
 endfunction
 
+" Where somebody listens to letters, those that are all there already are inserted one by one, as when they are typed.
+autocmd InsertCharPre * let g:letter = v:char
+
 " Vim as it was at its start, as far as questions change it.
 function! s:Reset()
   silent! %bwipeout!
