@@ -364,6 +364,9 @@ void VimEngine::Exact::followChange(const TextChange &change)
     } else if (change.before.isEmpty()) {
         m_isUnterminated = !operating.isUndoing();
     }
+    if (!operating.isUndoing()) {
+        rememberMarks();
+    }
     marks.follow(change);
     jumps.follow(change);
     changes.follow(change);

@@ -16,6 +16,8 @@
 #include "Vim/VimMarks.h"
 #include "Vim/VimSubstituteJob.h"
 
+#include <deque>
+
 /// What all parts have: the text as Vim sees it, the caret, and how a command ends.
 class VimEngine::ExactPart {
 public:
@@ -131,7 +133,15 @@ public:
     void enterAtEnd(qsizetype count);
     void enterWhereLeft(qsizetype count);
     /// Of several places, in the lines of a block.
-    void enterBlock(const std::vector<qsizetype> &places, std::optional<qsizetype> endsAt = std::nullopt);
+    struct BlockInsertion {
+        std::vector<qsizetype> places;
+        /// Where the caret is left; where it is by then without.
+        std::optional<qsizetype> endsAt = std::nullopt;
+        bool isBehind = false;
+        /// Takes away again what short lines were filled up with, if nothing is typed.
+        TextEdits unfilling = {};
+    };
+    void enterBlock(const BlockInsertion &block);
     void openLine(Side side, qsizetype count);
     /// The line has nothing but the indentation that it was given, which goes with Escape.
     void noteIndentation(bool isGiven) { m_hasGivenIndentation = isGiven; }
@@ -165,6 +175,8 @@ private:
     void putLiteral(const QString &text);
     void put(const QString &text);
     void restoreReplaced(VimDeletion what);
+    [[nodiscard]] qsizetype deletedFrom(VimDeletion what) const;
+    void leaveBlock();
     void move(char16_t key);
     void finishReplay();
     void overwrite(const QString &text);
@@ -181,8 +193,7 @@ private:
     /// What typed characters took the place of; empty where they were added.
     std::vector<QString> m_replaced;
     qsizetype m_start = 0;
-    /// Where the caret is left that was at several places.
-    std::optional<qsizetype> m_blockEnd;
+    std::optional<BlockInsertion> m_block;
     bool m_hasGivenIndentation = false;
     bool m_isRepeating = false;
     bool m_comesBack = false;
@@ -210,6 +221,8 @@ public:
         bool isVisual = false;
         /// Changing it takes even nothing into registers.
         bool isInclusive = false;
+        /// Where yanking it leaves the mark `]`, where that is not its last unit.
+        std::optional<qsizetype> markEnd = std::nullopt;
     };
 
     /// The caret goes there, or the operator that waits has its text.
@@ -312,14 +325,17 @@ public:
     /// Remembers the selection for `gv` and its marks.
     void remember();
     void followChange(const TextChange &change);
-
-private:
     struct Selected {
         Mode mode = Mode::visual;
         VimPlace anchor;
         VimPlace head;
         bool isEndless = false;
     };
+    [[nodiscard]] const std::optional<Selected> &selected() const { return m_last; }
+    /// Of a text that is as it was then.
+    void setSelected(const Selected &selected);
+
+private:
     [[nodiscard]] Operating::Region region() const;
     void takeExtent();
     [[nodiscard]] qsizetype firstOfLines(const VimLines &lines) const;
@@ -327,8 +343,15 @@ private:
     [[nodiscard]] qsizetype placeToInsert(const VimLines &lines, Side side) const;
     void endAt(qsizetype place);
     void removeEmptyLast();
+    void selectPasted(Mode mode);
 
     std::optional<Selected> m_last;
+    /// Cells of a rectangle that a repetition takes whatever its last line has, while its end is at `head`.
+    struct Width {
+        qsizetype head = 0;
+        qsizetype cells = 0;
+    };
+    std::optional<Width> m_width;
 };
 
 /// Where the caret goes that is no motion of the text alone: marks, jumps, searches, the screen.
@@ -471,6 +494,8 @@ public:
     /// What came into a text that was emptied gets the break at its end that the text had; whether it did. Part of the same change.
     bool restoreLastBreak();
     [[nodiscard]] bool isUnterminated() const { return m_isUnterminated; }
+    /// After a step was undone: the marks that went with their lines are back, and what was selected before it.
+    void restoreMarks();
 
     VimEngine &engine;
     VimMarks marks;
@@ -495,4 +520,13 @@ private:
     bool m_isUnterminated = false;
     /// All of the text was deleted, with the break at its end.
     bool m_isEmptied = false;
+    void rememberMarks();
+    /// As it was before a step of undo, the first of which is 1.
+    struct BeforeStep {
+        qsizetype step = 0;
+        VimMarks marks;
+        std::optional<Selecting::Selected> selected;
+    };
+    /// The oldest first.
+    std::deque<BeforeStep> m_beforeSteps;
 };

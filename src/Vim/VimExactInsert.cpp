@@ -115,16 +115,16 @@ void VimEngine::Inserting::enterWhereLeft(qsizetype count)
     m_exact.repeating.rememberKeys(u"i"_s);
 }
 
-void VimEngine::Inserting::enterBlock(const std::vector<qsizetype> &places, std::optional<qsizetype> endsAt)
+void VimEngine::Inserting::enterBlock(const BlockInsertion &block)
 {
     begin();
     m_kind = Kind::block;
-    m_blockEnd = endsAt;
+    m_block = block;
     std::vector<TextRange> ranges;
-    for (const qsizetype place : places) {
+    for (const qsizetype place : block.places) {
         ranges.push_back({place, 0});
     }
-    m_start = places.front();
+    m_start = block.places.front();
     m_engine.m_view.selectSeveral(ranges, 0);
     m_engine.resetPending();
 }
@@ -365,40 +365,56 @@ void VimEngine::Inserting::deleteBefore(VimDeletion what, char16_t key)
         restoreReplaced(what);
         return;
     }
+    const qsizetype from = deletedFrom(what);
     if (m_kind == Kind::block) {
-        m_engine.m_view.deleteBackward(what);
+        // As many letters in each line as in the first.
+        qsizetype letters = 0;
+        for (qsizetype at = place; at > from; at = TextBoundaries::previousGrapheme(text(), at)) {
+            ++letters;
+        }
+        while (letters-- > 0) {
+            m_engine.m_view.deleteBackward(VimDeletion::letter);
+        }
         return;
     }
-    qsizetype from = place;
-    if (place == lines.start(place)) {
-        if (place == 0) {
-            return;
-        }
-        from = lines.end(place - 1); // the break
-    } else if (what == VimDeletion::letter) {
-        from = lines.before(place);
-    } else if (what == VimDeletion::word) {
-        const qsizetype first = lines.start(place);
-        while (from > first && lines.wordClass(lines.before(from)) == 0) {
-            from = lines.before(from);
-        }
-        if (from > first) {
-            const int kind = lines.wordClass(lines.before(from));
-            while (from > first && lines.wordClass(lines.before(from)) == kind) {
-                from = lines.before(from);
-            }
-        }
-        from = m_start < place && m_start > from ? m_start : from;
-    } else {
-        // What was typed first, then all but the indentation.
-        const qsizetype first = lines.start(place);
-        const qsizetype text = std::min(lines.firstNonBlank(first), place);
-        from = m_start < place && m_start >= first ? m_start : text < place ? text : first;
+    if (from == place) {
+        return;
     }
     m_hasGivenIndentation = false;
     edit(TextRange::between(from, place), {});
     m_start = std::min(m_start, from);
     setCaret(from);
+}
+
+/// To the caret.
+qsizetype VimEngine::Inserting::deletedFrom(VimDeletion what) const
+{
+    const Sight sight = see();
+    const VimLines &lines = sight.lines;
+    const qsizetype place = caret();
+    const qsizetype first = lines.start(place);
+    if (place == first) {
+        return place == 0 ? place : lines.end(place - 1); // the break
+    }
+    if (what == VimDeletion::letter) {
+        return lines.before(place);
+    }
+    if (what == VimDeletion::toLineStart) {
+        // What was typed first, then all but the indentation.
+        const qsizetype text = std::min(lines.firstNonBlank(first), place);
+        return m_start < place && m_start >= first ? m_start : text < place ? text : first;
+    }
+    qsizetype from = place;
+    while (from > first && lines.wordClass(lines.before(from)) == 0) {
+        from = lines.before(from);
+    }
+    if (from > first) {
+        const int kind = lines.wordClass(lines.before(from));
+        while (from > first && lines.wordClass(lines.before(from)) == kind) {
+            from = lines.before(from);
+        }
+    }
+    return m_start < place && m_start > from ? m_start : from;
 }
 
 /// What was typed over comes back; before that the caret only moves.
@@ -647,6 +663,23 @@ qsizetype VimEngine::Inserting::dropGivenIndentation()
     return line;
 }
 
+/// The marks of what was typed at several places.
+void VimEngine::Inserting::leaveBlock()
+{
+    const qsizetype typed = caret() - m_start;
+    if (m_script.isEmpty() && !m_block->unfilling.isEmpty()) {
+        edit(m_block->unfilling);
+        m_engine.m_view.select({std::min(m_start, text().length()), 0}, std::min(m_start, text().length()));
+    }
+    if (!m_block->endsAt) { // what was there was changed
+        m_exact.operating.setChangeMarks(m_start, std::max(caret() - 1, m_start));
+        return;
+    }
+    const qsizetype last = m_block->places.back() + (qsizetype(m_block->places.size()) - 1) * typed;
+    m_exact.operating.setChangeMarks(m_block->isBehind ? m_block->places.front() : std::min(m_start, m_block->endsAt.value_or(m_start)),
+                                     std::clamp<qsizetype>(last + (m_block->isBehind ? 0 : typed), 0, text().length()));
+}
+
 void VimEngine::Inserting::leave()
 {
     if (m_engine.m_mode != Mode::insert) {
@@ -674,20 +707,23 @@ void VimEngine::Inserting::leave()
     if (const qsizetype at = caret(); m_exact.restoreLastBreak()) {
         setCaret(at);
     }
-    const bool endsElsewhere = m_kind == Kind::block && m_blockEnd;
     const qsizetype typedUpTo = caret();
-    if (m_kind == Kind::block) {
-        const qsizetype place = m_blockEnd.value_or(caret());
+    const bool endsElsewhere = m_block && m_block->endsAt && !script.isEmpty();
+    if (m_block) {
+        leaveBlock();
+        const qsizetype place = endsElsewhere ? *m_block->endsAt : caret();
         m_engine.m_view.select({place, 0}, place);
     }
     const qsizetype place = dropGivenIndentation();
     m_exact.marks.set(u'^', endsElsewhere ? typedUpTo : place);
-    m_exact.operating.setChangeMarks(std::min(m_start, place), place);
+    if (!m_block) {
+        m_exact.operating.setChangeMarks(std::min(m_start, place), place);
+    }
     m_engine.m_changedBuffer = false;
     m_engine.pauseInsertSession();
     m_script.clear();
     m_replaced.clear();
-    m_blockEnd.reset();
+    m_block.reset();
     m_kind = Kind::insert;
     m_opened.reset();
     m_count = 1;

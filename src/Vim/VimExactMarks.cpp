@@ -103,3 +103,42 @@ bool VimEngine::Marking::goElsewhere(char16_t name, bool isExact)
         m_engine, Actions::goToPlace, u"%1 %2 %3"_s.arg(mark->place.line).arg(isExact ? mark->place.column + 1 : 0).arg(mark->place.text));
     return true;
 }
+
+// Before each step
+
+void VimEngine::Exact::rememberMarks()
+{
+    constexpr size_t limit = 1000;
+    const qsizetype step = engine.m_view.undoSteps(); // the one that is under way counts
+    while (!m_beforeSteps.empty() && m_beforeSteps.back().step > step) {
+        m_beforeSteps.pop_back();
+    }
+    if (!m_beforeSteps.empty() && m_beforeSteps.back().step == step) {
+        return;
+    }
+    m_beforeSteps.push_back({step, marks, selecting.selected()});
+    if (m_beforeSteps.size() > limit) {
+        m_beforeSteps.pop_front();
+    }
+}
+
+void VimEngine::Exact::restoreMarks()
+{
+    const qsizetype step = engine.m_view.undoSteps() + 1;
+    while (!m_beforeSteps.empty() && m_beforeSteps.back().step > step) {
+        m_beforeSteps.pop_back();
+    }
+    if (m_beforeSteps.empty() || m_beforeSteps.back().step != step) {
+        return;
+    }
+    const BeforeStep before = std::move(m_beforeSteps.back());
+    m_beforeSteps.pop_back();
+    for (const VimMarks::Mark &mark : before.marks.all()) {
+        if (VimMarks::isUsers(mark.name) && !marks.place(mark.name)) {
+            marks.set(mark.name, mark.place);
+        }
+    }
+    if (before.selected) {
+        selecting.setSelected(*before.selected);
+    }
+}

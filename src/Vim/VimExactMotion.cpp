@@ -270,7 +270,8 @@ template<Words words>
 Result wordEndBackward(const Request &request)
 {
     const Walked walked = wordEndsBackward(request.lines, request.caret, request.count, words, false);
-    return {.place = walked.place, .kind = Kind::inclusive, .failed = !walked.isWhole && walked.place == request.caret};
+    const bool failed = !walked.isWhole && (walked.place == request.caret || request.isForOperator());
+    return {.place = walked.place, .kind = Kind::inclusive, .failed = failed, .goesNonetheless = failed};
 }
 
 namespace {

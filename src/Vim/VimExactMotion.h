@@ -39,6 +39,8 @@ struct Result {
     bool failed = false;
     /// What was deleted with it goes to the numbered registers, however little it was.
     bool isLarge = false;
+    /// It fails, yet the caret goes to the place.
+    bool goesNonetheless = false;
     /// It is remembered where the caret was.
     bool isJump = false;
     /// To be kept for the next `j`, where that is not the column of the place.

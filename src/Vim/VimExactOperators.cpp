@@ -67,6 +67,9 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
 {
     const auto forced = std::exchange(m_forced, std::nullopt);
     if (result.failed) {
+        if (result.goesNonetheless) {
+            setCaret(result.place);
+        }
         fail();
         return;
     }
@@ -95,7 +98,7 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
     bool isInclusive = result.kind == Kind::inclusive;
     const qsizetype start = low;
     if (forced == Mode::visualBlock) {
-        const VimBlock block = VimBlock::between(lines, low, isInclusive || high == low ? high : lines.before(high), false);
+        const VimBlock block = VimBlock::between(lines, low, high, false);
         applyToBlock(kind, block);
         return;
     }
@@ -131,7 +134,8 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
                  .start = start,
                  .isOfLines = isOfLines && end > low,
                  .isLarge = result.isLarge,
-                 .isInclusive = isInclusive});
+                 .isInclusive = isInclusive,
+                 .markEnd = isInclusive ? std::nullopt : std::optional(high)});
 }
 
 void VimEngine::Operating::takeObject(VimTextObject::Extent extent, char16_t key)
@@ -213,6 +217,9 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
         break;
     case OperatorKind::yank:
         keepRange(region.range, region.span, VimRegisters::Taken::yanked);
+        if (region.markEnd) {
+            setChangeMarks(region.range.location, *region.markEnd);
+        }
         setCaret(region.start);
         finish();
         return;
@@ -225,9 +232,10 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
     case OperatorKind::toggleCase:
     case OperatorKind::rotate:
         changeCase(region.range, kind);
-        if (region.span == Span::lines) {
+        {
             const Sight sight = see();
-            setChangeMarks(region.range.location, sight.lines.last(std::max(region.range.end() - 1, region.range.location)));
+            const qsizetype last = std::max(region.range.end() - 1, region.range.location);
+            setChangeMarks(region.range.location, region.span == Span::lines ? sight.lines.last(last) : last);
         }
         setCaret(region.start);
         break;
@@ -419,13 +427,14 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
     std::vector<qsizetype> places;
     qsizetype start = 0;
     qsizetype last = 0;
+    qsizetype shiftOfLast = 0;
     {
         const Sight sight = see();
         const VimLines &lines = sight.lines;
         const std::vector<VimBlock::Row> rows = block.rows(lines);
         start = rows.front().range.location;
         const bool isNothing = ExactPart::text().isEmpty() || (kind == OperatorKind::remove && rows.size() == 1 && lines.isEmpty(start));
-        last = rows.back().range.end() - (rows.back().range.isEmpty() ? 0 : 1);
+        last = kind == OperatorKind::remove ? rows.back().range.location : rows.back().range.end() - (rows.back().range.isEmpty() ? 0 : 1);
         const bool isTaken = kind == OperatorKind::remove || kind == OperatorKind::change || kind == OperatorKind::yank;
         if (isTaken && !isNothing) {
             keep({.text = Rope(block.text(lines).join(u'\n')),
@@ -437,6 +446,7 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
         }
         qsizetype shift = 0;
         for (const VimBlock::Row &row : rows) {
+            shiftOfLast = shift;
             if (row.isShort || (row.range.isEmpty() && kind != OperatorKind::change)) {
                 continue;
             }
@@ -475,11 +485,11 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
     if (kind == OperatorKind::change) {
         m_exact.inserting.begin();
         edit(edits);
-        m_exact.inserting.enterBlock(places.empty() ? std::vector{start} : places);
+        m_exact.inserting.enterBlock({.places = places.empty() ? std::vector{start} : places});
         return;
     }
     edit(edits);
-    setChangeMarks(start, kind == OperatorKind::remove ? start : last);
+    setChangeMarks(start, last + shiftOfLast);
     if (kind == OperatorKind::indent || kind == OperatorKind::outdent) {
         shiftBlock(kind, block);
     }
@@ -596,9 +606,9 @@ void VimEngine::Operating::toggleCase(qsizetype count)
     const QString flipped = withFlippedLetters(before);
     if (flipped != before) {
         edit(range, flipped);
-        setChangeMarks(place, place + flipped.size() - 1);
     }
     setCaret(place + flipped.size());
+    setChangeMarks(place, TextBoundaries::previousGrapheme(text(), caret()));
     finish(Repeatable::yes);
 }
 
@@ -671,7 +681,7 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
     m_exact.marks.noteJoined(lineStart);
     {
         const Sight sight = see();
-        setChangeMarks(std::min(first, sight.lines.end(lineStart)), sight.lines.last(lineStart));
+        setChangeMarks(std::min(first, sight.lines.end(lineStart)), sight.lines.end(lineStart));
         if (!joined.edits.isEmpty() && !sight.lines.isLast(lineStart)) {
             // What was deleted last is the line below.
             m_exact.marks.set(u'.', sight.lines.next(lineStart));

@@ -37,6 +37,7 @@ void VimEngine::Operating::undo(qsizetype count)
             const QScopedValueRollback undoing(m_isUndoing, true);
             m_exact.repeating.outsideStep([this] { m_engine.m_view.undo(); });
         }
+        m_exact.restoreMarks();
         if (!m_firstChanged) {
             break;
         }

@@ -13,6 +13,7 @@ using VimMotion::Kind;
 
 void VimEngine::Selecting::begin(Mode mode, qsizetype anchor, qsizetype head)
 {
+    m_width.reset();
     m_engine.m_visualAnchor = anchor;
     m_engine.m_visualHead = head;
     m_engine.setMode(mode);
@@ -85,7 +86,11 @@ VimBlock VimEngine::Selecting::block() const
 {
     const Sight sight = see();
     const bool toEnds = m_exact.column && *m_exact.column >= VimLines::endless && m_exact.columnPlace == m_engine.m_visualHead;
-    return VimBlock::between(sight.lines, std::min(m_engine.m_visualAnchor, text().length()), m_engine.caret(), toEnds);
+    VimBlock block = VimBlock::between(sight.lines, std::min(m_engine.m_visualAnchor, text().length()), m_engine.caret(), toEnds);
+    if (m_width && m_width->head == m_engine.m_visualHead && !toEnds) {
+        block.right = block.left + m_width->cells - 1;
+    }
+    return block;
 }
 
 void VimEngine::Selecting::remember()
@@ -94,13 +99,7 @@ void VimEngine::Selecting::remember()
         return;
     }
     const bool isEndless = m_exact.column && *m_exact.column >= VimLines::endless && m_exact.columnPlace == m_engine.m_visualHead;
-    m_last = Selected{m_engine.m_mode, {m_engine.m_visualAnchor}, {m_engine.m_visualHead}, isEndless};
-    const Sight sight = see();
-    const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
-    const qsizetype high = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
-    const bool isOfLines = m_engine.m_mode == Mode::visualLine;
-    m_exact.marks.set(u'<', isOfLines ? sight.lines.start(low) : low);
-    m_exact.marks.set(u'>', isOfLines ? sight.lines.last(high) : high);
+    setSelected({m_engine.m_mode, {m_engine.m_visualAnchor}, {m_engine.m_visualHead}, isEndless});
 }
 
 void VimEngine::Selecting::leave()
@@ -112,10 +111,11 @@ void VimEngine::Selecting::leave()
     endAt(m_engine.m_visualHead);
 }
 
-/// Where the caret is when whole lines were selected: where it was, if that is before the other end, else at their start.
+/// Where the caret is when whole lines were selected: where it was, if that is in a line before the other end, else at their start.
 qsizetype VimEngine::Selecting::firstOfLines(const VimLines &lines) const
 {
-    return m_engine.m_visualHead < m_engine.m_visualAnchor ? m_engine.m_visualHead : lines.start(m_engine.m_visualAnchor);
+    const qsizetype first = lines.start(m_engine.m_visualAnchor);
+    return m_engine.m_visualHead < first ? m_engine.m_visualHead : first;
 }
 
 void VimEngine::Selecting::leaveAtStart()
@@ -213,6 +213,9 @@ void VimEngine::Selecting::selectAgain(const Extent &extent)
         head = std::min(head, lines.end(line));
     }
     begin(extent.mode, from, head);
+    if (extent.mode == Mode::visualBlock && !extent.isEndless) {
+        m_width = Width{head, extent.units};
+    }
     setCaret(head, extent.isEndless ? std::optional(VimLines::endless) : std::nullopt);
 }
 
@@ -229,7 +232,11 @@ VimEngine::Operating::Region VimEngine::Selecting::region() const
     }
     const qsizetype end = lines.isAtEnd(high) ? (lines.isLast(high) ? high : lines.next(high)) : lines.after(high);
     const bool isOfLines = lines.start(low) != lines.start(high) || (end > low && isBreak(lines.at(end - 1)));
-    return {.range = TextRange::between(low, end), .start = low, .isOfLines = isOfLines, .isVisual = true};
+    return {.range = TextRange::between(low, end),
+            .start = low,
+            .isOfLines = isOfLines,
+            .isVisual = true,
+            .markEnd = end > low && isBreak(lines.at(end - 1)) ? std::optional(end) : std::nullopt};
 }
 
 /// What the command takes, for repeating it and for as much again.
@@ -423,7 +430,9 @@ void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
         } else if (pasted.isLinewise && !pasted.isBlock) {
             // The line is broken in two around them.
             const qsizetype place = isAtEnd ? taken.range.location : caret();
-            edit({place, 0}, u"\n");
+            if (!text().isEmpty()) {
+                edit({place, 0}, u"\n");
+            }
             m_engine.m_view.select({place, 0}, place);
             m_exact.operating.pasteText(pasted, Side::after, count, Operating::PasteCaret::onText);
         } else {
@@ -434,6 +443,7 @@ void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
         }
     }
     m_engine.m_view.endUndoGroup();
+    selectPasted(taking->mode);
     // It is the deletion that is repeated.
     m_engine.m_pendingRegister = keepsRegister ? std::optional(u'_') : std::nullopt;
     m_engine.m_countBuffer.clear();
@@ -464,7 +474,17 @@ void VimEngine::Selecting::pasteIntoRows(const VimBlock &block, const QString &p
     }
     const qsizetype behind = edits[0].range.location + pasted.size();
     edit(edits);
+    m_exact.operating.setChangeMarks(behind - pasted.size(), behind - 1);
     setCaret(TextBoundaries::previousGrapheme(text(), behind));
+}
+
+/// `gv` selects what was put, in the mode in which something was selected.
+void VimEngine::Selecting::selectPasted(Mode mode)
+{
+    const qsizetype first = m_exact.marks.place(u'[').value_or(caret());
+    const qsizetype behind = m_exact.marks.place(u']').value_or(first);
+    const Sight sight = see();
+    setSelected({mode, {first}, {std::min(behind, sight.lines.last(behind))}, false});
 }
 
 /// What is left of a text that was deleted whole.
@@ -544,6 +564,9 @@ void VimEngine::Selecting::add(qint64 by, bool isProgressive)
     }
     m_engine.setMode(Mode::normal);
     edit(edits);
+    if (!edits.isEmpty()) {
+        m_exact.operating.setChangeMarks(edits.newRange(0).location, edits.newRange(edits.count() - 1).end() - 1);
+    }
     setCaret(start);
     finish(Repeatable::yes);
 }
@@ -613,8 +636,12 @@ void VimEngine::Selecting::insert(Side side, qsizetype count)
     m_engine.setMode(Mode::normal);
     m_engine.m_view.select({blockStart, 0}, blockStart);
     m_exact.inserting.begin();
+    const TextEdits unfilling = padding.inverse(text());
     edit(padding);
-    m_exact.inserting.enterBlock(places.empty() ? std::vector{low} : places, blockStart);
+    m_exact.inserting.enterBlock({.places = places.empty() ? std::vector{low} : places,
+                                  .endsAt = blockStart,
+                                  .isBehind = side == Side::after,
+                                  .unfilling = unfilling});
 }
 
 void VimEngine::Selecting::takeObject(VimTextObject::Extent extent, char16_t key)
@@ -678,6 +705,15 @@ void VimEngine::Selecting::selectHit(SearchDirection direction)
     begin(m_engine.isVisual() ? m_engine.m_mode : Mode::visual, anchor, isForward ? last : hit->location);
     setCaret(isForward ? last : hit->location);
     finish();
+}
+
+void VimEngine::Selecting::setSelected(const Selected &selected)
+{
+    m_last = selected;
+    const Sight sight = see();
+    const auto [low, high] = std::minmax(selected.anchor.offset, selected.head.offset);
+    m_exact.marks.set(u'<', selected.mode == Mode::visualLine ? sight.lines.start(low) : low);
+    m_exact.marks.set(u'>', selected.mode == Mode::visualLine ? sight.lines.last(high) : high);
 }
 
 void VimEngine::Selecting::followChange(const TextChange &change)

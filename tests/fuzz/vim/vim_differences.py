@@ -156,17 +156,17 @@ def best_candidates(comparison, candidates, is_better):
     return best
 
 
-def reduced(comparison, found):
+def reduced(comparison, found, known):
     """Each of these with the fewest keys and the shortest text that still differ in the same way, all of them at once."""
     found = list(found)
-    # The first keys at which they differ, as everything after that may follow from it.
+    # The first keys at which they differ for more than a while, as everything after that may follow from it.
     candidates = [(place, each.question | {"keys": each.question["keys"][:length]})
                   for place, each in enumerate(found) for length in range(1, len(each.question["keys"]))]
-    for place, tried in best_candidates(comparison, candidates, lambda place, tried: True).items():
+    for place, tried in best_candidates(comparison, candidates, lambda place, tried: not known.is_passing(tried)).items():
         found[place] = tried
 
     def is_better(place, tried):
-        return tried.fields[0] == found[place].fields[0] and tried.size() < found[place].size()
+        return tried.fields[0] == found[place].fields[0] and tried.size() < found[place].size() and not known.is_passing(tried)
 
     for less in (fewer_keys, less_text, fewer_keys):
         active = range(len(found))
@@ -187,16 +187,23 @@ class Known:
         blocks = re.split(r"\n\s*\n", re.sub(r"(?m)^#.*\n", "", path.read_text(encoding="utf-8")).strip())
         for block in filter(None, blocks):
             row = dict(line.split(": ", 1) for line in block.splitlines())
-            if "reason" not in row or not row.keys() <= {"keys", "fields", "text", "reason"}:
+            if "reason" not in row or not row.keys() <= {"keys", "fields", "mode", "text", "reason", "passing"}:
                 raise SystemExit(f"{path.name}: no such entry: {block}")
             self.rows.append(row)
 
-    def reason(self, each):
+    def _row(self, each):
         for row in self.rows:
             if (re.fullmatch(row.get("keys", ".*"), in_notation(each.question["keys"])) and re.fullmatch(row.get("fields", ".*"), " ".join(each.fields))
-                    and re.search(row.get("text", ""), each.question["text"])):
-                return row["reason"]
-        return None
+                    and re.fullmatch(row.get("mode", ".*"), each.vim.get("mode", "")) and re.search(row.get("text", ""), each.question["text"])):
+                return row
+        return {}
+
+    def reason(self, each):
+        return self._row(each).get("reason")
+
+    def is_passing(self, each):
+        """Whether nothing is left of the difference when the mode ends."""
+        return "passing" in self._row(each)
 
 
 def marked(text, caret):
@@ -249,7 +256,7 @@ def fuzz(comparison, options):
         unanswered += sum("error" in each.vim for each in compared)
         differing += [each for each in compared if each.fields]
     looked_at = differing if len(differing) <= options.reduce else source.sample(differing, options.reduce)
-    found = reduced(comparison, looked_at)
+    found = reduced(comparison, looked_at, known)
     named = [each for each in found if known.reason(each)]
     unnamed = [each for each in found if not known.reason(each)]
     print_groups(unnamed)
