@@ -339,11 +339,22 @@ void VimEngine::Exact::enterCommandLine(const VimCommandLine &line)
         going.search(line.text(), line.prefix() == u'/' ? SearchDirection::forward : SearchDirection::backward);
         return;
     }
+    const auto waiting = engine.m_pendingOperator;
+    const auto name = engine.m_pendingRegister;
+    const qsizetype from = engine.caret();
     engine.resetPending();
     if (!line.text().isEmpty()) {
         lastCommandLine = line.text();
     }
     commanding.run(line.text());
+    if (waiting && engine.m_mode == Mode::normal) {
+        // The operator takes what the command went over.
+        const qsizetype place = engine.caret();
+        engine.m_view.select({std::min(from, engine.m_view.text().length()), 0}, std::min(from, engine.m_view.text().length()));
+        engine.m_pendingOperator = waiting;
+        engine.m_pendingRegister = name;
+        operating.arrive({.place = place});
+    }
 }
 
 void VimEngine::Exact::followChange(const TextChange &change)
@@ -374,9 +385,9 @@ void VimEngine::Exact::followChange(const TextChange &change)
     selecting.followChange(change);
 }
 
-bool VimEngine::Exact::restoreLastBreak()
+bool VimEngine::Exact::restoreLastBreak(bool wasTyped)
 {
-    if (engine.m_view.text().isEmpty() || !std::exchange(m_isEmptied, false)) {
+    if ((engine.m_view.text().isEmpty() && !wasTyped) || !std::exchange(m_isEmptied, false)) {
         return false;
     }
     operating.appendBreak();

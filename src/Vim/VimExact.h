@@ -315,7 +315,8 @@ public:
     void removeAll();
     void yankLines();
     void replaceCharacters(QStringView key);
-    void paste(qsizetype count, bool keepsRegister);
+    enum class PasteRegister { takes, keeps };
+    void paste(qsizetype count, PasteRegister taking, Operating::PasteCaret at = Operating::PasteCaret::onText);
     void join(VimFormatting::Glue glue);
     void add(qint64 by, bool isProgressive);
     void takeObject(VimTextObject::Extent extent, char16_t key);
@@ -491,8 +492,9 @@ public:
     [[nodiscard]] VimRegisterContents contents(std::optional<char16_t> name) const;
     /// The line that ends with the last break is the last one again.
     void terminate() { m_isUnterminated = false; }
-    /// What came into a text that was emptied gets the break at its end that the text had; whether it did. Part of the same change.
-    bool restoreLastBreak();
+    /// What came into a text that was emptied, also if it is gone again when it `wasTyped`, gets the break at its end that the text had;
+    /// whether it did. Part of the same change.
+    bool restoreLastBreak(bool wasTyped = false);
     [[nodiscard]] bool isUnterminated() const { return m_isUnterminated; }
     /// After a step was undone: the marks that went with their lines are back, and what was selected before it.
     void restoreMarks();

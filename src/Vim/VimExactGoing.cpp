@@ -195,13 +195,30 @@ void VimEngine::Going::rememberJump(Moving moving)
 
 void VimEngine::Going::toMark(char16_t name, bool isExact)
 {
+    struct Place {
+        char16_t name;
+        VimExactMotion::Motion motion;
+    };
+    static constexpr Place motions[] = {{u'(', VimExactMotion::sentenceBackward},
+                                        {u')', VimExactMotion::sentenceForward},
+                                        {u'{', VimExactMotion::paragraphBackward},
+                                        {u'}', VimExactMotion::paragraphForward}};
+    if (const auto *motion = std::ranges::find(motions, name, &Place::name); motion != std::end(motions)) {
+        VimExactMotion::Result result = motion->motion(request(see()));
+        if (!isExact && !result.failed) {
+            result.kind = VimMotion::Kind::linewise;
+            result.place = see().lines.firstNonBlank(result.place);
+        }
+        m_exact.operating.arrive(result);
+        return;
+    }
     const char16_t known = name == u'`' ? u'\'' : name;
     m_exact.marking.update();
     auto place = m_exact.marks.place(known);
     if (!place && m_exact.marking.goElsewhere(known, isExact)) {
         return;
     }
-    if (!place && (known == u'\'' || known == u'[')) {
+    if (!place && (known == u'\'' || known == u'[' || known == u'"')) {
         place = 0; // as in a text that was just opened
     } else if (!place && known == u']') {
         place = VimLines(text()).lastStart();

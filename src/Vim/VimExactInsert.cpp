@@ -537,6 +537,7 @@ void VimEngine::Inserting::shiftLine(OperatorKind kind, char16_t key)
     const QString before = LineEditing::leadingBlanks(text(), line);
     const int width = m_engine.m_view.indentation().width;
     const qsizetype cells = lines.cells(line + before.size()).first;
+    const qsizetype cellBefore = lines.cells(place).first;
     // To the next or previous level.
     const qsizetype levels = kind == OperatorKind::indent ? cells / width + 1 : (cells + width - 1) / width - 1;
     const QString after = m_exact.operating.blanks(std::max<qsizetype>(levels, 0) * width);
@@ -545,7 +546,14 @@ void VimEngine::Inserting::shiftLine(OperatorKind kind, char16_t key)
     }
     m_hasGivenIndentation = false;
     edit({line, before.size()}, after);
-    setCaret(std::max(place + after.size() - before.size(), line));
+    if (place >= line + before.size()) {
+        setCaret(std::max(place + after.size() - before.size(), line));
+        return;
+    }
+    // Within the blanks it goes as far as what follows them.
+    const qsizetype cell = std::max<qsizetype>(cellBefore + std::max<qsizetype>(levels, 0) * width - cells, 0);
+    const Sight now = see();
+    setCaret(std::min(now.lines.placeAt(line, cell), line + after.size()));
 }
 
 void VimEngine::Inserting::oneCommand()
@@ -704,7 +712,7 @@ void VimEngine::Inserting::leave()
     }
     m_isRepeating = false;
     finishReplay();
-    if (const qsizetype at = caret(); m_exact.restoreLastBreak()) {
+    if (const qsizetype at = caret(); m_exact.restoreLastBreak(!script.isEmpty())) {
         setCaret(at);
     }
     const qsizetype typedUpTo = caret();

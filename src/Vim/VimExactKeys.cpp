@@ -24,6 +24,7 @@ std::span<const VimEngine::KeyRow> VimEngine::exactKeys()
     using enum OperatorKind;
     using enum KeyRow::Modes;
     using Glue = VimFormatting::Glue;
+    using PasteRegister = Selecting::PasteRegister;
     using PasteCaret = Operating::PasteCaret;
     using PasteIndentation = Operating::PasteIndentation;
     using Edge = VimTextView::Edge;
@@ -229,20 +230,38 @@ std::span<const VimEngine::KeyRow> VimEngine::exactKeys()
         {u'~', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->selecting.apply(toggleCase); }}, {}, plain, visualOnly},
         {u'J', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->selecting.join(Glue::blank); }}, {}, plain, visualOnly},
         {u'J', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->selecting.join(Glue::nothing); }}, {}, afterG, visualOnly},
-        {u'p', Command{[](VimEngine &engine, qsizetype count) { engine.m_exact->selecting.paste(count, false); }}, {}, plain, visualOnly},
         {u'p',
-         Command{[](VimEngine &engine, qsizetype count) { engine.m_exact->selecting.paste(count, false); }},
+         Command{[](VimEngine &engine, qsizetype count) { engine.m_exact->selecting.paste(count, PasteRegister::takes); }},
+         {},
+         plain,
+         visualOnly},
+        {u'p',
+         Command{[](VimEngine &engine, qsizetype count) { engine.m_exact->selecting.paste(count, PasteRegister::takes); }},
          {},
          afterCloseBracket,
          visualOnly},
         {u'p',
-         Command{[](VimEngine &engine, qsizetype count) { engine.m_exact->selecting.paste(count, false); }},
+         Command{[](VimEngine &engine, qsizetype count) { engine.m_exact->selecting.paste(count, PasteRegister::takes); }},
          {},
          afterOpenBracket,
          visualOnly},
-        {u'p', Command{[](VimEngine &engine, qsizetype count) { engine.m_exact->selecting.paste(count, false); }}, {}, afterG, visualOnly},
-        {u'P', Command{[](VimEngine &engine, qsizetype count) { engine.m_exact->selecting.paste(count, false); }}, {}, afterG, visualOnly},
-        {u'P', Command{[](VimEngine &engine, qsizetype count) { engine.m_exact->selecting.paste(count, true); }}, {}, plain, visualOnly},
+        {u'p',
+         Command{[](VimEngine &engine,
+                    qsizetype count) { engine.m_exact->selecting.paste(count, PasteRegister::takes, PasteCaret::behindText); }},
+         {},
+         afterG,
+         visualOnly},
+        {u'P',
+         Command{[](VimEngine &engine,
+                    qsizetype count) { engine.m_exact->selecting.paste(count, PasteRegister::takes, PasteCaret::behindText); }},
+         {},
+         afterG,
+         visualOnly},
+        {u'P',
+         Command{[](VimEngine &engine, qsizetype count) { engine.m_exact->selecting.paste(count, PasteRegister::keeps); }},
+         {},
+         plain,
+         visualOnly},
 
         // Editing
         {u'x',

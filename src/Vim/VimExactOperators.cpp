@@ -123,7 +123,9 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
         apply(kind, {.range = lines.lines(low, high), .span = Span::lines, .start = start, .isOfLines = true});
         return;
     }
-    const qsizetype end = isInclusive && !lines.isAtEnd(high) ? lines.after(high) : high;
+    const bool isOfCase = kind == OperatorKind::uppercase || kind == OperatorKind::lowercase || kind == OperatorKind::toggleCase;
+    const bool takesOne = isInclusive || (isOfCase && high == low); // also where the motion leads nowhere
+    const qsizetype end = takesOne && !lines.isAtEnd(high) ? lines.after(high) : high;
     const bool isOfLines = lines.start(low) != lines.start(std::max(low, end > low ? end - 1 : end)) || isBreak(lines.at(end - 1));
     if (kind == OperatorKind::remove && !forced && lines.start(low) != lines.start(high) && lines.isBlankFrom(end) &&
         isInIndentation(lines, low)) {
@@ -512,7 +514,7 @@ void VimEngine::Operating::shiftBlock(OperatorKind kind, const VimBlock &block)
         const Sight sight = see();
         const VimLines &lines = sight.lines;
         for (const VimBlock::Row &row : block.rows(lines)) {
-            if (row.isShort || row.range.isEmpty()) {
+            if (row.isShort || (row.range.isEmpty() && lines.isEmpty(row.line))) {
                 continue;
             }
             qsizetype from = row.range.location;
@@ -670,7 +672,7 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
         lineStart = sight.lines.start(caret());
         const qsizetype left = sight.lines.count() - sight.lines.number(caret()) + 1;
         const qsizetype lines = std::max<qsizetype>(count, 2);
-        if (left < lines && lines <= 2) {
+        if (left < 2) {
             fail();
             return;
         }

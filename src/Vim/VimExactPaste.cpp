@@ -108,9 +108,9 @@ void VimEngine::Operating::putText(const VimRegisterContents &contents, Side sid
     edit(TextEdits({place, 0}, pasted));
     const qsizetype first = place + (isBehindAll ? 1 : 0);
     const qsizetype behind = place + pasted.length();
-    m_exact.marks.set(u'[', first);
-    m_exact.marks.set(u']', std::max(behind - 1, first));
     const Sight sight = see();
+    m_exact.marks.set(u'[', first);
+    m_exact.marks.set(u']', sight.lines.last(std::max(behind - 1, first)));
     if (at == PasteCaret::behindText) {
         setCaret(behind < text().length() ? behind : sight.lines.lastStart());
     } else {

@@ -52,8 +52,9 @@ void VimEngine::Selecting::toggle(Mode mode)
         const qsizetype more = m_engine.effectiveCount() - 1;
         head = mode == Mode::visualLine ? sight.lines.startNear(place, more) : sight.lines.after(place, more);
     }
+    const auto column = head == place && m_exact.columnPlace == place ? m_exact.column : std::nullopt;
     begin(mode, place, head);
-    setCaret(head);
+    setCaret(head, column);
     finish();
 }
 
@@ -88,6 +89,7 @@ VimBlock VimEngine::Selecting::block() const
     const bool toEnds = m_exact.column && *m_exact.column >= VimLines::endless && m_exact.columnPlace == m_engine.m_visualHead;
     VimBlock block = VimBlock::between(sight.lines, std::min(m_engine.m_visualAnchor, text().length()), m_engine.caret(), toEnds);
     if (m_width && m_width->head == m_engine.m_visualHead && !toEnds) {
+        block.left = sight.lines.cells(std::min(m_engine.m_visualAnchor, text().length())).first;
         block.right = block.left + m_width->cells - 1;
     }
     return block;
@@ -122,6 +124,10 @@ void VimEngine::Selecting::leaveAtStart()
 {
     const qsizetype place = [&] {
         const Sight sight = see();
+        if (m_engine.m_mode == Mode::visualBlock) {
+            const VimBlock shown = block();
+            return shown.row(sight.lines, shown.firstLine).range.location;
+        }
         return m_engine.m_mode == Mode::visualLine ? firstOfLines(sight.lines) : std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
     }();
     leave();
@@ -366,8 +372,9 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
     finish(Repeatable::yes);
 }
 
-void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
+void VimEngine::Selecting::paste(qsizetype count, PasteRegister taking, Operating::PasteCaret at)
 {
+    const bool keepsRegister = taking == PasteRegister::keeps;
     const VimRegisterContents pasted = m_exact.contents(m_engine.m_pendingRegister);
     takeExtent();
     remember();
@@ -390,7 +397,7 @@ void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
         return sight.lines.startNear(caret(), lines - 1);
     };
     const auto repeating = m_exact.repeating.hold();
-    const auto taking = m_engine.m_extent;
+    const auto extentTaken = m_engine.m_extent;
     m_engine.setMode(Mode::normal);
     if (wasBlock) {
         m_exact.operating.applyToBlock(OperatorKind::remove, shown);
@@ -398,12 +405,11 @@ void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
         m_exact.operating.apply(OperatorKind::remove, taken);
     }
     m_exact.repeating.release(repeating);
-    m_engine.m_extent = taking;
+    m_engine.m_extent = extentTaken;
     if (!pasted.text.isEmpty() && m_engine.mayInsert(pasted.text.length(), count)) {
         if (taken.span == Span::lines) {
             if (pasted.isLinewise) {
-                m_exact.operating.pasteText(pasted, isLastLine && !isEmptied ? Side::after : Side::before, count,
-                                            Operating::PasteCaret::onText);
+                m_exact.operating.pasteText(pasted, isLastLine && !isEmptied ? Side::after : Side::before, count, at);
                 if (isEmptied) {
                     removeEmptyLast();
                 }
@@ -416,17 +422,25 @@ void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
                 }
                 const qsizetype place = line + (isLastLine && !isEmptied ? 1 : 0);
                 m_engine.m_view.select({place, 0}, place);
-                m_exact.operating.pasteText(pasted, Side::before, count, Operating::PasteCaret::onText);
-                setCaret(place);
+                m_exact.operating.pasteText(pasted, Side::before, count, at);
+                if (at == Operating::PasteCaret::onText) {
+                    setCaret(place);
+                } else {
+                    const Sight now = see();
+                    setCaret(now.lines.isLast(place) ? caret() : now.lines.next(place));
+                }
             }
         } else if (pasted.isLinewise && wasBlock) {
             // Below the rectangle, or above its first line.
             const qsizetype place = keepsRegister ? caret() : lastOfBlock();
             const bool isAbove = keepsRegister && caret() >= m_exact.marks.place(u'[').value_or(0);
             m_engine.m_view.select({place, 0}, place);
-            m_exact.operating.pasteText(pasted, isAbove ? Side::before : Side::after, count, Operating::PasteCaret::onText);
+            m_exact.operating.pasteText(pasted, isAbove ? Side::before : Side::after, count, at);
         } else if (wasBlock && !pasted.isBlock && pasted.text.lineCount() == 1) {
             pasteIntoRows(shown, pasted.text.toString().repeated(count));
+            if (at == Operating::PasteCaret::behindText) {
+                setCaret(TextBoundaries::nextGrapheme(text(), caret()));
+            }
         } else if (pasted.isLinewise && !pasted.isBlock) {
             // The line is broken in two around them.
             const qsizetype place = isAtEnd ? taken.range.location : caret();
@@ -434,16 +448,16 @@ void VimEngine::Selecting::paste(qsizetype count, bool keepsRegister)
                 edit({place, 0}, u"\n");
             }
             m_engine.m_view.select({place, 0}, place);
-            m_exact.operating.pasteText(pasted, Side::after, count, Operating::PasteCaret::onText);
+            m_exact.operating.pasteText(pasted, Side::after, count, at);
         } else {
             const qsizetype place = std::min(taken.range.location, text().length());
-            const qsizetype at = wasBlock ? m_exact.marks.place(u'[').value_or(caret()) : place;
-            m_engine.m_view.select({at, 0}, at);
-            m_exact.operating.pasteText(pasted, Side::before, count, Operating::PasteCaret::onText);
+            const qsizetype first = wasBlock ? m_exact.marks.place(u'[').value_or(caret()) : place;
+            m_engine.m_view.select({first, 0}, first);
+            m_exact.operating.pasteText(pasted, Side::before, count, at);
         }
     }
     m_engine.m_view.endUndoGroup();
-    selectPasted(taking->mode);
+    selectPasted(extentTaken->mode);
     // It is the deletion that is repeated.
     m_engine.m_pendingRegister = keepsRegister ? std::optional(u'_') : std::nullopt;
     m_engine.m_countBuffer.clear();

@@ -69,7 +69,7 @@ def understood(answer, line_end):
         result["anchor"] = place(*answer["anchor"])
 
     def kept(text):
-        return KEY_CODE.sub(lambda code: KEY_CODES[code.group(1)], "\n".join(text))
+        return KEY_CODE.sub(lambda code: KEY_CODES[code.group(1)], "\n".join(text).replace("\ufffd\ufffda", ""))
 
     result["registers"] = {name: {"text": kept(text) + ("\n" if kind == "V" else ""), "type": TYPES[kind]}
                            for name, (kind, text) in answer["registers"].items() if name != "z"}
