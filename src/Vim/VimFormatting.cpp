@@ -39,32 +39,51 @@ qsizetype cellsOf(const QString &text, int tabWidth)
     return lines.cells(text.size()).first;
 }
 
-/// Where `line` is broken so that what stays is not wider than `width`: behind the last word that fits, or the first.
-std::optional<TextRange> breakOf(const QString &line, qsizetype indentation, int width, int tabWidth)
+/// Where a line that begins at `start` and cell `margin` is broken so that what stays is not wider than `width`: behind the last word that
+/// fits, or the first. Looks no further than that.
+std::optional<TextRange> breakOf(const VimLines &lines, qsizetype start, qsizetype margin, int width)
 {
-    const Rope rope(line);
-    const VimLines lines(rope, tabWidth);
     std::optional<TextRange> found;
-    for (qsizetype place = indentation; place < line.size(); ++place) {
-        if (!isBlank(line[place])) {
+    const qsizetype end = lines.text().length();
+    qsizetype cell = margin;
+    const auto step = [&](qsizetype &place) {
+        cell += lines.width(place, cell);
+        place = lines.after(place);
+    };
+    for (qsizetype place = start; place < end;) {
+        if (!isBlank(lines.at(place))) {
+            step(place);
             continue;
         }
-        const qsizetype start = place;
-        while (place < line.size() && isBlank(line[place])) {
-            ++place;
+        const qsizetype blanks = place;
+        const bool isBeyond = cell > width;
+        while (place < end && isBlank(lines.at(place))) {
+            step(place);
         }
-        if (place == line.size()) {
-            break;
+        if (place < end && !(isBeyond && found)) {
+            found = TextRange::between(blanks, place);
         }
-        if (lines.cells(start).first > width && found) {
-            break;
-        }
-        found = TextRange::between(start, place);
-        if (lines.cells(start).first > width) {
+        if (isBeyond) {
             break;
         }
     }
-    return found;
+    return cell > width ? found : std::nullopt;
+}
+
+/// Whole lines of `paragraph`, which has no break, behind `indentation`.
+QStringList linesOf(const QString &paragraph, const QString &indentation, int width, int tabWidth)
+{
+    const qsizetype margin = cellsOf(indentation, tabWidth);
+    const Rope rope(paragraph);
+    const VimLines lines(rope, tabWidth);
+    QStringList written;
+    qsizetype start = 0;
+    while (const auto at = breakOf(lines, start, margin, width)) {
+        written << indentation + paragraph.sliced(start, at->location - start);
+        start = at->end();
+    }
+    written << indentation + paragraph.sliced(start);
+    return written;
 }
 
 } // namespace
@@ -114,16 +133,7 @@ QString filled(const VimLines &lines, TextRange range, int width, const std::fun
             ++start;
         }
         const QString indentation = blanks(cellsOf(paragraph.first(start), lines.tabWidth()));
-        paragraph = indentation + paragraph.sliced(start);
-        while (cellsOf(paragraph, lines.tabWidth()) > width) {
-            const auto at = breakOf(paragraph, indentation.size(), width, lines.tabWidth());
-            if (!at) {
-                break;
-            }
-            written << paragraph.first(at->location);
-            paragraph = indentation + paragraph.sliced(at->end());
-        }
-        written << paragraph;
+        written << linesOf(paragraph.sliced(start), indentation, width, lines.tabWidth());
         paragraph.clear();
         hasParagraph = false;
     };

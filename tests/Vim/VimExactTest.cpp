@@ -130,3 +130,14 @@ TEST(VimExact, IsSwitchedOnAndOff)
     view.press(u"<C-v>"_s);
     EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
 }
+
+TEST(VimExact, FillsALineOfAnyLengthInOneWalk)
+{
+    VimView view(u"  word \U0001F600 longer,\t"_s.repeated(40'000) + u"\n"_s, exact());
+    const QString typed = view.string();
+    view.press(u":set textwidth=30<CR>gqq"_s);
+    const QStringList lines = view.string().split(u'\n');
+    EXPECT_EQ(view.string().simplified(), typed.simplified());
+    EXPECT_GT(lines.size(), 20'000);
+    EXPECT_TRUE(std::ranges::all_of(lines, [](const QString &line) { return line.size() <= 31 && (line.isEmpty() || line.startsWith(u"  ")); }));
+}
