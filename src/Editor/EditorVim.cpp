@@ -64,6 +64,11 @@ std::optional<char16_t> keyForMappings(const QKeyEvent &event)
     return event.key() == Qt::Key_Backtab ? std::optional(VimKey::backtab) : std::nullopt;
 }
 
+bool isModifier(int key)
+{
+    return (key >= Qt::Key_Shift && key <= Qt::Key_ScrollLock) || key == Qt::Key_AltGr;
+}
+
 bool isPrivateUse(char16_t unit)
 {
     return unit >= 0xE000 && unit <= 0xF8FF;
@@ -175,6 +180,13 @@ bool EditorVim::handleKey(const QKeyEvent &event)
     }
     if (m_search.take(event)) {
         return true;
+    }
+    if (!isModifier(event.key())) {
+        const bool isSign = m_engine->options().isExact && !takesCharacters() &&
+                            std::ranges::find(deadKeys, Qt::Key(event.key()), &KeyRow::key) != deadKeys.end();
+        if (std::exchange(m_isAfterDeadKey, isSign) && event.key() == Qt::Key_Space && event.modifiers() == Qt::NoModifier) {
+            return true;
+        }
     }
     takeSelection();
     const VimKeyEvent key = translated(event);

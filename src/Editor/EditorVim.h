@@ -151,6 +151,8 @@ private:
     Scheduler &m_scheduler;
     DelayedTask m_mappingTimeout;
     QString m_preedit;
+    /// A dead key was taken as its sign; the space bar behind it would say just that.
+    bool m_isAfterDeadKey = false;
     /// The engine selects, or handles a key.
     bool m_isOwn = false;
     /// What somebody else did to the selection, to be taken before the next key at the latest.

@@ -390,6 +390,20 @@ TEST_F(ModalEditingTest, TheStatusBarSaysWhatGoesOnInExactEditing)
     EXPECT_EQ(text(), u"éne twoß\none twoß\n"_s);
 }
 
+TEST_F(ModalEditingTest, ADeadKeyIsItsSignWithOrWithoutTheSpaceBarBehindIt)
+{
+    start("  one two\n");
+    preferences.set(Settings::vimExact, true);
+    press(u"$"_s);
+    QKeyEvent dead(QEvent::KeyPress, Qt::Key_Dead_Circumflex, Qt::NoModifier);
+    QCoreApplication::sendEvent(&textView(), &dead);
+    EXPECT_EQ(caret(), 2);
+    QTest::keyClick(&textView(), Qt::Key_Space);
+    EXPECT_EQ(caret(), 2);
+    QTest::keyClick(&textView(), Qt::Key_Space);
+    EXPECT_EQ(caret(), 3);
+}
+
 TEST_F(ModalEditingTest, WhatIsListedStaysUntilItIsRead)
 {
     start("one\ntwo\n");
