@@ -85,9 +85,10 @@ size_t SubstitutionPanel::mostRows() const
     return size_t(std::max(1, (m_view.viewport()->height() / largestShare - 2 * padding) / rowHeight()));
 }
 
-void SubstitutionPanel::show(std::vector<Row> rows)
+void SubstitutionPanel::show(std::vector<Row> rows, QRect hit)
 {
     m_rows = std::move(rows);
+    m_hit = hit;
     QStringList said;
     for (const Row &row : m_rows) {
         said << u"%1 %2"_s.arg(qsizetype(row.number)).arg(row.text);
@@ -105,7 +106,11 @@ void SubstitutionPanel::place()
 {
     const QRect room = m_view.viewport()->rect().adjusted(margin, margin, -margin, -margin);
     const int height = int(std::min(m_rows.size(), mostRows())) * rowHeight() + 2 * padding;
-    setGeometry(room.left(), room.bottom() - height + 1, room.width(), height);
+    QRect place(room.left(), room.bottom() - height + 1, room.width(), height);
+    if (place.intersects(m_hit)) {
+        place.moveTop(room.top());
+    }
+    setGeometry(place);
 }
 
 bool SubstitutionPanel::eventFilter(QObject *watched, QEvent *event)

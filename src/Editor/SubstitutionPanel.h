@@ -5,6 +5,7 @@
 #include "Text/LineNumber.h"
 #include "Text/TextRange.h"
 
+#include <QRect>
 #include <QWidget>
 
 #include <vector>
@@ -13,8 +14,8 @@ class Rope;
 class TextView;
 struct VimSubstituteHit;
 
-/// What lines would become, over the lower end of a text: their numbers and their texts, with what came in on a ground of its own. It takes
-/// neither keys nor clicks. What does not fit into a third of the view is left out.
+/// What lines would become, over the lower end of a text, or the upper one where a hit is seen below: their numbers and their texts, with
+/// what came in on a ground of its own. It takes neither keys nor clicks. What does not fit into a third of the view is left out.
 class SubstitutionPanel final : public QWidget {
     Q_OBJECT
 
@@ -36,8 +37,8 @@ public:
     [[nodiscard]] static std::vector<Row> rows(const Rope &text, const std::vector<VimSubstituteHit> &hits, size_t most);
     /// That fit.
     [[nodiscard]] size_t mostRows() const;
-    /// None hides it.
-    void show(std::vector<Row> rows);
+    /// None hides it. `hit` is to be seen beside it, in pixels of the viewport.
+    void show(std::vector<Row> rows, QRect hit = {});
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -49,4 +50,5 @@ private:
 
     TextView &m_view;
     std::vector<Row> m_rows;
+    QRect m_hit;
 };

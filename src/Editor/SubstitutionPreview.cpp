@@ -83,8 +83,18 @@ void SubstitutionPreview::show()
     const TextRange seen = TextViewRepaint(m_view).seen();
     const bool isTooLong = seen.end() - text.lineStart(text.lineAt(seen.location)) > longestSeen;
     m_hits = isTooLong ? std::vector<VimSubstituteHit>() : m_job->preview(text, seen);
-    m_panel->show(m_hasReplacement ? SubstitutionPanel::rows(text, m_hits, m_panel->mostRows()) : std::vector<SubstitutionPanel::Row>());
+    const bool hasRows = m_hasReplacement && !m_hits.empty();
+    m_panel->show(hasRows ? SubstitutionPanel::rows(text, m_hits, m_panel->mostRows()) : std::vector<SubstitutionPanel::Row>(),
+                  hasRows ? rowOf(m_hits.front()) : QRect());
     m_view.viewport()->update();
+}
+
+/// The row of the screen that has it.
+QRect SubstitutionPreview::rowOf(const VimSubstituteHit &hit) const
+{
+    const LayoutManager &layout = m_view.layoutManager();
+    const auto top = m_view.textViewport().topOf(m_view.layoutManager().rowOf(hit.range.location));
+    return top ? QRect(0, int(*top), m_view.viewport()->width(), int(layout.rowHeight())) : QRect();
 }
 
 std::vector<TextRange> SubstitutionPreview::hitsIn(TextRange seen) const

@@ -6,6 +6,7 @@
 #include "Vim/VimSubstituteJob.h"
 
 #include <QObject>
+#include <QRect>
 
 #include <memory>
 #include <optional>
@@ -34,6 +35,7 @@ private:
     void revealFirstHit();
     void show();
     void end();
+    [[nodiscard]] QRect rowOf(const VimSubstituteHit &hit) const;
     [[nodiscard]] std::vector<TextRange> hitsIn(TextRange seen) const;
 
     TextView &m_view;

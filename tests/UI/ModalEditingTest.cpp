@@ -292,6 +292,7 @@ TEST_F(ModalEditingTest, WhatAnExactSubstitutionWouldDoIsShown)
     EXPECT_EQ(panel.accessibleName(), shown + u"102 [xx] b xx"_s);
     press(u"/g"_s);
     EXPECT_EQ(panel.accessibleName(), shown + u"102 [xx] b [xx]"_s);
+    EXPECT_FALSE(panel.geometry().contains(pointIn(textView(), far)));
     press(u"<Home>.,$-<End>"_s);
     EXPECT_EQ(panel.accessibleName(), shown + u"1 [xx] a"_s) << "what is seen, and that comes back";
     press(u"<C-u>s/\\("_s);
