@@ -517,13 +517,14 @@ void VimEngine::takeObject(VimTextObject::Extent extent, char16_t key)
 void VimEngine::configure(const VimOptions &options)
 {
     const bool wasWaiting = m_keymap.isWaiting();
-    if (options.isExact != m_options.isExact) {
+    const bool isOther = options.isExact != m_options.isExact;
+    if (isOther) {
         leaveToNormal();
         m_exact = options.isExact ? std::make_unique<Exact>(*this) : nullptr;
     }
     m_options = options;
     m_keymap = keymapOf(options);
-    if (wasWaiting) {
+    if (wasWaiting || isOther) {
         notify();
     }
 }

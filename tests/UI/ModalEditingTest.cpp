@@ -389,6 +389,9 @@ TEST_F(ModalEditingTest, TheStatusBarSaysWhatGoesOnInExactEditing)
     EXPECT_TRUE(textView().selection().isEmpty());
     press(u"u"_s);
     EXPECT_EQ(text(), u"éne twoß\none twoß\n"_s);
+    press(u"qb"_s);
+    preferences.set(Settings::vimExact, false);
+    EXPECT_EQ(badge(), u"NORMAL"_s) << "nothing is recorded any more";
 }
 
 TEST_F(ModalEditingTest, ADeadKeyIsItsSignWithOrWithoutTheSpaceBarBehindIt)
