@@ -521,11 +521,20 @@ void VimEngine::configure(const VimOptions &options)
     if (isOther) {
         leaveToNormal();
         m_exact = options.isExact ? std::make_unique<Exact>(*this) : nullptr;
+        setConfiguration(m_configuration);
     }
     m_options = options;
     m_keymap = keymapOf(options);
     if (wasWaiting || isOther) {
         notify();
+    }
+}
+
+void VimEngine::setConfiguration(VimConfiguration *configuration)
+{
+    m_configuration = configuration;
+    if (m_exact) {
+        m_exact->marking.join();
     }
 }
 

@@ -110,7 +110,7 @@ public:
     void configure(const VimOptions &options);
     /// Where exact modal editing has its mappings and sets what it sets; it must outlive the engine. Without it commands behind ":" are the
     /// default ones.
-    void setConfiguration(VimConfiguration *configuration) { m_configuration = configuration; }
+    void setConfiguration(VimConfiguration *configuration);
     /// The user's mapping that waits for its next key has waited long enough.
     void expireMapping();
     [[nodiscard]] bool awaitsMapping() const { return m_exact && m_keymap.isWaiting(); }

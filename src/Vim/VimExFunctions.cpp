@@ -596,7 +596,9 @@ Result<void> deleteMarks(VimExCall &call)
                                     : localized(u"The names of marks are missing"));
     }
     if (call.hasBang) {
-        call.target().marks().deleteAll();
+        for (char16_t name = u'a'; name <= u'z'; ++name) {
+            call.target().removeMark(name);
+        }
         return {};
     }
     for (qsizetype at = 0; at < names.size(); ++at) {

@@ -409,6 +409,8 @@ public:
     ~Marking();
     Q_DISABLE_COPY_MOVE(Marking)
 
+    /// From now on the text's other views have the same.
+    void join();
     void set(char16_t name, qsizetype place);
     void remove(char16_t name);
     /// Has those of A–Z that are in this text, whoever set them, and no others.
@@ -419,6 +421,8 @@ public:
 
 private:
     [[nodiscard]] std::optional<VimFileMarks::Place> heldMark(char16_t mark) const override;
+    [[nodiscard]] QString heldText() const override;
+    [[nodiscard]] VimMarks &heldMarks() override;
     [[nodiscard]] VimFileMarks *shared() const;
 };
 

@@ -19,6 +19,23 @@ VimEngine::Marking::~Marking()
     }
 }
 
+void VimEngine::Marking::join()
+{
+    if (VimFileMarks *marks = shared()) {
+        marks->join(*this);
+    }
+}
+
+QString VimEngine::Marking::heldText() const
+{
+    return m_engine.m_view.name().id;
+}
+
+VimMarks &VimEngine::Marking::heldMarks()
+{
+    return m_exact.marks;
+}
+
 VimFileMarks *VimEngine::Marking::shared() const
 {
     return m_engine.m_configuration ? &m_engine.m_configuration->fileMarks() : nullptr;
@@ -41,6 +58,8 @@ void VimEngine::Marking::set(char16_t name, qsizetype place)
     m_exact.marks.set(name, place);
     if (VimFileMarks *marks = shared(); marks && VimFileMarks::isName(name)) {
         marks->set(name, *this);
+    } else if (marks && VimMarks::isUsers(name)) {
+        marks->share(name, *this);
     }
 }
 
@@ -49,6 +68,9 @@ void VimEngine::Marking::remove(char16_t name)
     m_exact.marks.remove(name);
     if (VimFileMarks *marks = shared()) {
         marks->remove(name);
+        if (VimMarks::isUsers(name)) {
+            marks->share(name, *this);
+        }
     }
 }
 

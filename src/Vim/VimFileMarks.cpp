@@ -2,6 +2,48 @@
 // SPDX-License-Identifier: MIT
 #include "Vim/VimFileMarks.h"
 
+#include "Vim/VimMarks.h"
+
+#include <algorithm>
+
+namespace {
+
+void copyMark(char16_t name, const VimMarks &from, VimMarks &to)
+{
+    if (const auto place = from.place(name)) {
+        to.set(name, *place);
+    } else {
+        to.remove(name);
+    }
+}
+
+bool showTheSame(const VimFileMarks::Holder &one, const VimFileMarks::Holder &other)
+{
+    return &one != &other && !one.heldText().isEmpty() && one.heldText() == other.heldText();
+}
+
+} // namespace
+
+void VimFileMarks::join(Holder &holder)
+{
+    const auto other = std::ranges::find_if(m_holders, [&](const Holder *known) { return showTheSame(*known, holder); });
+    for (char16_t name = u'a'; other != m_holders.end() && name <= u'z'; ++name) {
+        copyMark(name, (*other)->heldMarks(), holder.heldMarks());
+    }
+    if (std::ranges::find(m_holders, &holder) == m_holders.end()) {
+        m_holders.push_back(&holder);
+    }
+}
+
+void VimFileMarks::share(char16_t name, Holder &holder)
+{
+    for (Holder *other : m_holders) {
+        if (showTheSame(*other, holder)) {
+            copyMark(name, holder.heldMarks(), other->heldMarks());
+        }
+    }
+}
+
 void VimFileMarks::set(char16_t name, const Holder &holder)
 {
     m_marks.insert_or_assign(name, Kept{.holder = &holder});
@@ -9,6 +51,7 @@ void VimFileMarks::set(char16_t name, const Holder &holder)
 
 void VimFileMarks::release(const Holder &holder)
 {
+    std::erase(m_holders, &holder);
     for (auto mark = m_marks.begin(); mark != m_marks.end();) {
         const bool isItsOwn = mark->second.holder == &holder;
         const auto place = isItsOwn ? holder.heldMark(mark->first) : std::nullopt;

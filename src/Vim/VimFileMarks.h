@@ -8,8 +8,11 @@
 #include <optional>
 #include <vector>
 
-/// The marks A–Z, each a place in one of all texts, as long as the process runs. Whoever has the text in which one was set holds it, and
-/// moves it with changes; when that goes, line and column are what is left of it. Main thread only.
+class VimMarks;
+
+/// The user's marks beyond one view. Those of a–z are the same in all views of a text. A–Z are places in one of all texts, as long as the
+/// process runs. Whoever has the text in which one was set holds it, and moves it with changes; when that goes, line and column are what is
+/// left of it. Main thread only.
 class VimFileMarks final {
 public:
     struct Place {
@@ -30,6 +33,9 @@ public:
     public:
         /// None when its line was deleted.
         [[nodiscard]] virtual std::optional<Place> heldMark(char16_t name) const = 0;
+        /// VimTextName::id; empty for a text that nobody else shows.
+        [[nodiscard]] virtual QString heldText() const = 0;
+        [[nodiscard]] virtual VimMarks &heldMarks() = 0;
 
     protected:
         ~Holder() = default;
@@ -37,6 +43,10 @@ public:
 
     [[nodiscard]] static bool isName(char16_t name) { return name >= u'A' && name <= u'Z'; }
 
+    /// `holder` has those of other views of its text from now on, and gives them its own, till release().
+    void join(Holder &holder);
+    /// Has the mark, one of a–z, in the other views of the text as `holder` has it.
+    void share(char16_t name, Holder &holder);
     /// `holder` holds it from now on, till release().
     void set(char16_t name, const Holder &holder);
     void remove(char16_t name) { m_marks.erase(name); }
@@ -55,4 +65,5 @@ private:
     };
 
     std::map<char16_t, Kept> m_marks;
+    std::vector<Holder *> m_holders;
 };

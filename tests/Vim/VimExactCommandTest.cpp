@@ -124,3 +124,27 @@ TEST(VimExactCommand, GoesToMarksOfOtherTexts)
     EXPECT_EQ(came(one, u":marks AB<CR>"_s + u":delm A<CR>"_s + u"'A"_s), "");
     EXPECT_EQ(one.messages, (QStringList{u"Marks"_s, u"Mark not set"_s}));
 }
+
+TEST(VimExactCommand, HasTheMarksOfATextInAllItsViews)
+{
+    VimView one(u"one\ntwo\nthree\n"_s, exactly());
+    one.textName = {.path = {}, .title = u"Untitled"_s, .id = u"{1}"_s};
+    one.press(u"jma"_s);
+    const auto open = [&](VimView &view, const QString &id) {
+        view.textName = {.path = {}, .title = u"Untitled"_s, .id = id};
+        view.engine.setConfiguration(&one.configuration);
+    };
+    VimView again(one.string(), exactly());
+    open(again, u"{1}"_s);
+    VimView other(one.string(), exactly());
+    open(other, u"{2}"_s);
+    again.press(u"'aDgg:mark b<CR>"_s);
+    EXPECT_EQ(again.string(), u"one\n\nthree\n"_s);
+    one.press(u"G'bx"_s);
+    EXPECT_EQ(one.string(), u"ne\ntwo\nthree\n"_s);
+    other.press(u"mbG'a"_s);
+    EXPECT_EQ(other.messages, QStringList{u"Mark not set"_s});
+    again.press(u":delm!<CR>"_s);
+    one.press(u"'b"_s);
+    EXPECT_EQ(one.messages, QStringList{u"Mark not set"_s});
+}
