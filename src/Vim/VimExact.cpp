@@ -326,6 +326,8 @@ void VimEngine::Exact::escape()
 QString VimEngine::Exact::linesToCommand()
 {
     if (engine.isVisual()) {
+        selecting.takeExtent();
+        engine.m_extent.reset();
         selecting.leaveAtStart();
         return u"'<,'>"_s;
     }

@@ -259,6 +259,10 @@ public:
     void appendBreak();
     /// The places of `[` and `]`.
     void setChangeMarks(qsizetype first, qsizetype last);
+    /// Of the mark `.` and the list of changes.
+    void moveLastChange(qsizetype place);
+    /// Of its line, as for commands that change lines.
+    void moveLastChangeToStart();
     void pasteText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
 
 private:
@@ -322,6 +326,8 @@ public:
     void takeObject(VimTextObject::Extent extent, char16_t key);
     [[nodiscard]] VimBlock block() const;
     [[nodiscard]] Extent extent() const;
+    /// What the command takes, for repeating it and for as much again.
+    void takeExtent();
     void selectAgain(const Extent &extent);
     /// Remembers the selection for `gv` and its marks.
     void remember();
@@ -338,7 +344,6 @@ public:
 
 private:
     [[nodiscard]] Operating::Region region() const;
-    void takeExtent();
     [[nodiscard]] qsizetype firstOfLines(const VimLines &lines) const;
     void pasteIntoRows(const VimBlock &block, const QString &pasted);
     [[nodiscard]] qsizetype placeToInsert(const VimLines &lines, Side side) const;

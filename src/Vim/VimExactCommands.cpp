@@ -71,6 +71,9 @@ bool VimEngine::Commanding::apply(const TextEdits &edits)
 {
     const bool isDone = edit(edits);
     m_engine.m_changedBuffer = false;
+    if (isDone && !edits.isEmpty()) {
+        m_exact.operating.moveLastChangeToStart();
+    }
     return isDone;
 }
 

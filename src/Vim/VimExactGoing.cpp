@@ -391,7 +391,8 @@ void VimEngine::Going::arriveAtHit(const VimSearchMove &move)
 {
     const qsizetype place = [&] {
         const Sight sight = see();
-        return move.kind == Kind::exclusive && sight.lines.isAtEnd(move.position) ? sight.lines.last(move.position) : move.position;
+        const bool isBehindLine = move.kind == Kind::exclusive && sight.lines.isAtEnd(move.position) && !m_engine.isVisual();
+        return isBehindLine ? sight.lines.last(move.position) : move.position;
     }();
     m_exact.operating.arrive({.place = place, .kind = move.kind, .isLarge = true, .isJump = true});
     m_engine.m_view.showIndicator(move.hit);

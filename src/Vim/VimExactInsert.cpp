@@ -151,6 +151,7 @@ void VimEngine::Inserting::openLine(Side side, qsizetype count)
     m_exact.operating.forgetLine();
     setCaret(place + indentation.size() + (side == Side::after ? 1 : 0));
     m_start = caret();
+    m_exact.operating.moveLastChange(text().lineStart(text().lineAt(m_start)));
     m_hasGivenIndentation = !indentation.isEmpty();
     m_engine.resetPending();
 }
@@ -679,6 +680,10 @@ void VimEngine::Inserting::leaveBlock()
         edit(m_block->unfilling);
         m_engine.m_view.select({std::min(m_start, text().length()), 0}, std::min(m_start, text().length()));
     }
+    if (typed != 0) {
+        const qsizetype row = m_block->places.back() + (qsizetype(m_block->places.size()) - 1) * typed;
+        m_exact.operating.moveLastChange(text().lineStart(text().lineAt(std::clamp<qsizetype>(row, 0, text().length()))));
+    }
     if (!m_block->endsAt) { // what was there was changed
         m_exact.operating.setChangeMarks(m_start, std::max(caret() - 1, m_start));
         return;
@@ -702,6 +707,7 @@ void VimEngine::Inserting::leave()
     } else if (m_count > 1 && !script.isEmpty() && !m_opened && m_kind == Kind::insert && isText(script) &&
                m_engine.mayInsert(script.size(), m_count)) {
         m_engine.m_view.putText(script.repeated(m_count - 1));
+        m_exact.operating.moveLastChange(TextBoundaries::previousGrapheme(text(), caret()));
     } else if (m_count > 1 && (m_opened || !script.isEmpty()) && m_engine.mayInsert(script.size() + 1, m_count)) {
         for (qsizetype left = m_count - 1; left > 0; --left) {
             if (m_opened) {

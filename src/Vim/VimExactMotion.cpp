@@ -114,10 +114,16 @@ Result characterBehind(const Request &request)
                 continue;
             }
         } else if (lines.isLast(place)) {
-            return {.place = place, .failed = done == 0 && !request.isForOperator()};
+            const bool isOnCharacter = request.isForOperator() && !lines.isEmpty(place);
+            return {.place = isOnCharacter ? lines.last(place) : place,
+                    .kind = isOnCharacter ? Kind::inclusive : Kind::exclusive,
+                    .failed = done == 0 && !request.isForOperator()};
         } else {
             place = lines.next(place);
         }
+    }
+    if (request.isForOperator() && lines.isAtEnd(place) && !lines.isEmpty(place)) {
+        return {.place = lines.last(place), .kind = Kind::inclusive};
     }
     return {.place = place};
 }
@@ -201,7 +207,9 @@ Result lastNonBlank(const Request &request)
 
 Result rowEnd(const Request &request)
 {
-    Result result = lineEnd(request);
+    Request within = request;
+    within.count = request.lines.isLast(request.caret) ? 1 : request.count;
+    Result result = lineEnd(within);
     result.place = std::min(result.place, request.lines.last(result.place));
     return result;
 }

@@ -41,13 +41,17 @@ std::optional<Result> word(const Request &request)
     qsizetype count = request.count;
     bool isInclusive = true;
     bool includesBlanks = false;
+    // A selection grows up to the text's end nonetheless.
+    const auto failure = [&] {
+        return request.isVisual ? std::optional(Result{.from = from, .place = lines.end(lines.lastStart())}) : std::nullopt;
+    };
     if (!request.isSelecting()) {
         place = startOfRun(lines, place, words);
         from = place;
         if ((classAt(lines, place, words) == 0) == isAround) {
             const Walked walked = wordEndsForward(lines, place, 1, words, true, true);
             if (!walked.isWhole) {
-                return std::nullopt;
+                return failure();
             }
             place = walked.place;
         } else {
@@ -84,12 +88,12 @@ std::optional<Result> word(const Request &request)
             }
         } else {
             if (!lines.forwardOverEnds(place)) {
-                return std::nullopt;
+                return failure();
             }
             if (isAround != (classAt(lines, place, words) == 0)) {
                 const Walked walked = wordsForward(lines, place, 1, words, true);
                 if (!walked.isWhole && count > 1) {
-                    return std::nullopt;
+                    return failure();
                 }
                 place = walked.place;
                 if (place == lines.start(place)) {
@@ -100,7 +104,7 @@ std::optional<Result> word(const Request &request)
             } else {
                 const Walked walked = wordEndsForward(lines, place, 1, words, true, true);
                 if (!walked.isWhole) {
-                    return std::nullopt;
+                    return failure();
                 }
                 place = walked.place;
             }

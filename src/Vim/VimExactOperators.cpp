@@ -90,7 +90,8 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
     }
     qsizetype low = std::min(caret(), result.place);
     qsizetype high = std::max(caret(), result.place);
-    if (result.isWordMotion && !forced && lines.start(high) != lines.start(low) && isInIndentation(lines, high)) {
+    if (result.isWordMotion && result.kind == Kind::exclusive && !forced && lines.start(high) != lines.start(low) &&
+        isInIndentation(lines, high)) {
         const qsizetype before = lines.start(high) - 1;
         high = lines.isEmpty(before) ? high : lines.end(before); // the last word's line is the last one
     }
@@ -124,7 +125,7 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
         return;
     }
     const bool isOfCase = kind == OperatorKind::uppercase || kind == OperatorKind::lowercase || kind == OperatorKind::toggleCase;
-    const bool takesOne = isInclusive || (isOfCase && high == low); // also where the motion leads nowhere
+    const bool takesOne = isInclusive || (isOfCase && high == lines.start(low)); // also where the motion leads nowhere
     const qsizetype end = takesOne && !lines.isAtEnd(high) ? lines.after(high) : high;
     const bool isOfLines = lines.start(low) != lines.start(std::max(low, end > low ? end - 1 : end)) || isBreak(lines.at(end - 1));
     if (kind == OperatorKind::remove && !forced && lines.start(low) != lines.start(high) && lines.isBlankFrom(end) &&
@@ -196,6 +197,19 @@ void VimEngine::Operating::setChangeMarks(qsizetype first, qsizetype last)
 {
     m_exact.marks.set(u'[', first);
     m_exact.marks.set(u']', std::max(last, first));
+}
+
+void VimEngine::Operating::moveLastChange(qsizetype place)
+{
+    m_exact.marks.set(u'.', place);
+    m_exact.changes.moveLast(place);
+}
+
+void VimEngine::Operating::moveLastChangeToStart()
+{
+    if (const auto place = m_exact.marks.place(u'.')) {
+        moveLastChange(text().lineStart(text().lineAt(std::min(*place, text().length()))));
+    }
 }
 
 void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
@@ -282,6 +296,7 @@ void VimEngine::Operating::remove(const Region &region)
     const qsizetype line = std::min(region.range.location, sight.lines.lastStart());
     const qsizetype place = std::min(line + std::max<qsizetype>(region.start - region.range.location, 0), sight.lines.end(line));
     setChangeMarks(place, place);
+    moveLastChange(line);
     setCaret(sight.lines.firstNonBlank(line));
 }
 
@@ -361,12 +376,15 @@ void VimEngine::Operating::shift(const Region &region, OperatorKind kind)
             line = next;
         }
     }
-    const qsizetype line = region.range.location;
+    const qsizetype line = text().lineStart(text().lineAt(region.range.location));
     const qsizetype before = text().length();
     edit(edits);
     const Sight sight = see();
     const qsizetype behind = region.range.end() + text().length() - before;
     setChangeMarks(std::min(region.start, sight.lines.end(line)), sight.lines.last(std::max(behind - 1, line)));
+    if (!edits.isEmpty()) {
+        moveLastChange(line);
+    }
     setCaret(sight.lines.firstNonBlank(line));
 }
 
@@ -383,6 +401,7 @@ void VimEngine::Operating::changeCase(TextRange range, OperatorKind kind)
             whole.replace(range, Rope(after));
             return whole;
         }()));
+        moveLastChange(range.location);
     }
 }
 
@@ -419,6 +438,7 @@ void VimEngine::Operating::format(const Region &region, bool keepsCaret)
     }
     const qsizetype last = range.location + std::max<qsizetype>(filled.size() - 1, 0);
     const Sight sight = see();
+    setChangeMarks(range.location, sight.lines.start(last));
     setCaret(sight.lines.firstNonBlank(last));
 }
 
@@ -494,6 +514,7 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
     setChangeMarks(start, last + shiftOfLast);
     if (kind == OperatorKind::indent || kind == OperatorKind::outdent) {
         shiftBlock(kind, block);
+        moveLastChangeToStart();
     }
     setCaret(start);
     finish(kind == OperatorKind::yank ? Repeatable::no : Repeatable::yes);
@@ -656,6 +677,7 @@ void VimEngine::Operating::replaceCharacter(QStringView key, qsizetype count)
         setCaret(behind - (indentation.isEmpty() ? 0 : 1)); // as when insert mode is left
     } else {
         edit(range, key.toString().repeated(count));
+        moveLastChange(place + (count - 1) * key.size());
         setChangeMarks(place, place + (count - 1) * key.size());
         m_exact.inserting.setLastInserted(key.toString());
         setCaret(place + (count - 1) * key.size());
@@ -672,9 +694,17 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
         lineStart = sight.lines.start(caret());
         const qsizetype left = sight.lines.count() - sight.lines.number(caret()) + 1;
         const qsizetype lines = std::max<qsizetype>(count, 2);
-        if (left < 2) {
+        if (left < lines && lines <= 2) {
             fail();
             return;
+        }
+        if (text().isEmpty()) {
+            m_exact.restoreLastBreak(true);
+            finish(Repeatable::yes);
+            return;
+        }
+        if (left < lines && m_engine.hasCount()) {
+            m_engine.m_countBuffer = QString::number(left); // as many are joined by a repetition
         }
         joined = VimFormatting::joined(sight.lines, caret(), std::min(lines, left), glue);
     }
@@ -686,8 +716,7 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
         setChangeMarks(std::min(first, sight.lines.end(lineStart)), sight.lines.end(lineStart));
         if (!joined.edits.isEmpty() && !sight.lines.isLast(lineStart)) {
             // What was deleted last is the line below.
-            m_exact.marks.set(u'.', sight.lines.next(lineStart));
-            m_exact.changes.moveLast(sight.lines.next(lineStart));
+            moveLastChange(sight.lines.next(lineStart));
         }
     }
     setCaret(joined.edits.isEmpty() ? lineStart : joined.place);
@@ -713,6 +742,7 @@ void VimEngine::Operating::add(qint64 by)
     edit(number->range, number->text);
     m_exact.marks.set(u'[', number->range.location);
     m_exact.marks.set(u']', number->range.location + number->text.size() - 1);
+    moveLastChangeToStart();
     setCaret(number->range.location + number->text.size() - 1);
     finish(Repeatable::yes);
 }

@@ -124,6 +124,7 @@ void VimEngine::Operating::pasteBlock(const VimRegisterContents &contents, Side 
     TextEdits edits;
     qsizetype first = 0;
     qsizetype last = 0;
+    qsizetype behindLast = 0;
     {
         const Sight sight = see();
         const VimLines &lines = sight.lines;
@@ -161,6 +162,7 @@ void VimEngine::Operating::pasteBlock(const VimRegisterContents &contents, Side 
             const qsizetype start = place + shift + (place < end && reached < column ? column - reached : missing);
             first = index == 0 ? start : first;
             last = start + text.size();
+            behindLast = last + (place < end ? padding.size() : 0);
             edits.add(range, Rope(inserted));
             shift += inserted.size() - range.length;
             line = isLast ? -1 : lines.next(line);
@@ -181,13 +183,14 @@ void VimEngine::Operating::pasteBlock(const VimRegisterContents &contents, Side 
                 edits.add({end, 0}, Rope(behindAll));
             }
             last = end + shift + behindAll.size();
+            behindLast = last;
         }
     }
     edit(edits);
     m_exact.marks.set(u'[', first);
     m_exact.marks.set(u']', std::max(last - 1, first));
     if (at == PasteCaret::behindText) {
-        setCaret(last);
+        setCaret(behindLast);
     } else {
         setCaret(first);
     }

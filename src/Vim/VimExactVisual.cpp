@@ -39,7 +39,7 @@ void VimEngine::Selecting::toggle(Mode mode)
     if (m_engine.hasCount() && m_last) {
         // As much as was selected last, so many times.
         Extent extent = m_engine.m_visualExtent.value_or(Extent{});
-        extent.lines = extent.lines > 1 || mode == Mode::visualLine ? extent.lines * m_engine.effectiveCount() : extent.lines;
+        extent.lines = extent.lines > 1 || extent.mode == Mode::visualLine ? extent.lines * m_engine.effectiveCount() : extent.lines;
         extent.units *= m_engine.effectiveCount();
         selectAgain(extent);
         finish();
@@ -198,7 +198,7 @@ VimEngine::Extent VimEngine::Selecting::extent() const
     } else {
         extent.isEndless = m_exact.column && *m_exact.column >= VimLines::endless && m_exact.columnPlace == m_engine.m_visualHead;
         const qsizetype last = lines.cells(high).first;
-        extent.units = extent.lines > 1 ? last : last - lines.cells(low).first + 1;
+        extent.units = extent.lines > 1 ? last : lines.cells(high).last - lines.cells(low).first + 1;
     }
     return extent;
 }
@@ -245,7 +245,6 @@ VimEngine::Operating::Region VimEngine::Selecting::region() const
             .markEnd = end > low && isBreak(lines.at(end - 1)) ? std::optional(end) : std::nullopt};
 }
 
-/// What the command takes, for repeating it and for as much again.
 void VimEngine::Selecting::takeExtent()
 {
     m_engine.m_extent = extent();
@@ -277,7 +276,7 @@ void VimEngine::Selecting::apply(OperatorKind kind, std::optional<Span> span, bo
         taken.range = sight.lines.lines(std::min(m_engine.m_visualAnchor, m_engine.m_visualHead),
                                         std::max(m_engine.m_visualAnchor, m_engine.m_visualHead));
         taken.span = Span::lines;
-        taken.start = taken.range.location;
+        taken.start = kind == OperatorKind::yank ? firstOfLines(sight.lines) : taken.range.location;
         taken.isOfLines = true;
     }
     if (isLineOperator) {
@@ -580,6 +579,7 @@ void VimEngine::Selecting::add(qint64 by, bool isProgressive)
     edit(edits);
     if (!edits.isEmpty()) {
         m_exact.operating.setChangeMarks(edits.newRange(0).location, edits.newRange(edits.count() - 1).end() - 1);
+        m_exact.operating.moveLastChangeToStart();
     }
     setCaret(start);
     finish(Repeatable::yes);
