@@ -96,7 +96,7 @@ Result<void> listRegisters(VimExCall &call)
     const auto add = [&](char16_t name, const VimRegisterContents &contents) {
         const bool isWanted = call.argument.isEmpty() || call.argument.contains(QChar(name));
         if (isWanted && !contents.text.isEmpty()) {
-            const QChar type = contents.isLinewise ? u'l' : u'c';
+            const QChar type = contents.isLinewise ? u'l' : contents.isBlock ? u'b' : u'c';
             rows << u"  %1  \"%2   %3"_s.arg(type).arg(QChar(name)).arg(shown(contents.text));
         }
     };

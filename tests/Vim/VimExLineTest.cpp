@@ -282,3 +282,11 @@ TEST(VimConfiguration, ReadsAFileOfCommands)
     EXPECT_FALSE(text.preferences.value(Settings::vimSmartCase)) << "back to what is stored";
     EXPECT_FALSE(isMapped());
 }
+
+TEST(VimExLine, ListsRegistersWithWhatTheyAre)
+{
+    VimExText text(u"a\n"_s);
+    text.registers().set({.text = Rope(u"x\ny"_s), .isBlock = true, .blockWidth = 1}, u'b');
+    text.run(u"reg b"_s);
+    EXPECT_EQ(text.said.join(u'|').toStdString(), "Registers\nType Name Content\n  b  \"b   x^Jy");
+}
