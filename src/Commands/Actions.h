@@ -422,6 +422,12 @@ inline constexpr Action showFindInterface{.id = "showFindInterface:", .keys = fi
 inline constexpr Action closeWindowFromVim{"closeWindowFromVim:"};
 inline constexpr Action closeOtherSplits{"closeOtherSplits:"};
 inline constexpr Action focusPreviousPane{"focusPreviousPane:"};
+inline constexpr Action focusPaneLeft{"focusPaneLeft:"};
+inline constexpr Action focusPaneRight{"focusPaneRight:"};
+inline constexpr Action focusPaneAbove{"focusPaneAbove:"};
+inline constexpr Action focusPaneBelow{"focusPaneBelow:"};
+/// The one that was active before.
+inline constexpr Action focusLastPane{"focusLastPane:"};
 /// What is typed behind ":" in modal editing asks for these as well.
 inline constexpr Action saveAndClose{"saveAndClose:"};
 inline constexpr Action forceCloseTab{"forceCloseTab:"};
@@ -443,9 +449,10 @@ inline constexpr Action abortWaiting{"abortWaiting:"};
 inline constexpr Action compareWithOrigin{"compareWithOrigin:"};
 
 inline constexpr auto inNoMenu = std::to_array<const Action *>(
-    {&showFindInterface, &closeWindowFromVim, &closeOtherSplits, &focusPreviousPane, &saveAndClose, &forceCloseTab, &editFile, &showTab,
-     &listTabs, &goToPlace, &insertFile, &sourceFile, &revertWithoutAsking, &finishWaiting, &abortWaiting, &closeOtherTabs,
-     &closeTabsToTheRight, &closeSavedTabs, &compareWithOrigin});
+    {&showFindInterface, &closeWindowFromVim, &closeOtherSplits, &focusPreviousPane,   &focusPaneLeft,  &focusPaneRight,
+     &focusPaneAbove,    &focusPaneBelow,     &focusLastPane,    &saveAndClose,        &forceCloseTab,  &editFile,
+     &showTab,           &listTabs,           &goToPlace,        &insertFile,          &sourceFile,     &revertWithoutAsking,
+     &finishWaiting,     &abortWaiting,       &closeOtherTabs,   &closeTabsToTheRight, &closeSavedTabs, &compareWithOrigin});
 
 /// Those of the menu bar in its order, each once.
 [[nodiscard]] std::vector<const Action *> inMenus();

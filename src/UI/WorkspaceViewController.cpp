@@ -196,6 +196,9 @@ void WorkspaceViewController::setPaneLayout(PaneLayout layout)
         return;
     }
     const bool isTurned = layout.orientation() != m_layout.orientation();
+    if (!m_layout.isEmpty() && !layout.isEmpty() && layout.active()->id != m_layout.active()->id) {
+        m_lastPane = m_layout.active()->id;
+    }
     m_layout = layout;
     const std::vector<PaneViewController *> before = std::exchange(m_panes, {});
     for (const PaneLayout::Pane &pane : layout.panes()) {
@@ -350,6 +353,14 @@ void WorkspaceViewController::focusPane(int step)
 {
     if (hasSeveralPanes()) {
         setPaneLayout(m_layout.activatingNext(step));
+        focusEditor();
+    }
+}
+
+void WorkspaceViewController::focusPaneAt(int index)
+{
+    if (index >= 0 && index < m_layout.paneCount()) {
+        setPaneLayout(m_layout.activating(index));
         focusEditor();
     }
 }

@@ -107,6 +107,8 @@ private:
     void limitPanes();
     void makeSplit(Qt::Orientation orientation, const ActionSender &sender);
     void focusPane(int step);
+    /// Where there is none of that index nothing happens.
+    void focusPaneAt(int index);
     void updateStatusBar();
     void updateState();
     void updateTabDetails();
@@ -131,6 +133,15 @@ private:
     void closeOtherSplits();
     void focusNextPane() { focusPane(1); }
     void focusPreviousPane() { focusPane(-1); }
+    /// That side by side, or one above the other; at the edge nothing happens.
+    template<Qt::Orientation orientation, int step>
+    void focusNeighbour()
+    {
+        if (m_layout.orientation() == orientation) {
+            focusPaneAt(m_layout.activeIndex() + step);
+        }
+    }
+    void focusLastPane() { focusPaneAt(m_layout.paneWithId(m_lastPane)); }
     void toggleSplitOrientation();
     void goToLine();
     void listMissingCharacters();
@@ -174,6 +185,8 @@ private:
     DelayedTask m_detailsSoon;
     /// The widgets of its panes.
     std::vector<PaneViewController *> m_panes;
+    /// The identifier of the pane that was active before the one that is.
+    int m_lastPane = -1;
     /// Made when it is needed first.
     MissingCharactersPanel *m_missingCharacters = nullptr;
     /// The panes have got their equal shares of the window.

@@ -373,6 +373,11 @@ std::span<const VimEngine::KeyRow> VimEngine::exactKeys()
         {u'Q', &Actions::forceCloseTab, {.forms = {u"ZQ"sv}, .isBesideAbove = true}, afterCapitalZ},
         {u't', &Actions::selectNextTab, {windows, u"next / previous tab"}, afterG},
         {u'T', &Actions::selectPreviousTab, besideAbove, afterG},
+        {u'h', &Actions::focusPaneLeft, {windows, u"move to the pane on that side"}, afterWindow},
+        {u'j', &Actions::focusPaneBelow, besideAbove, afterWindow},
+        {u'k', &Actions::focusPaneAbove, besideAbove, afterWindow},
+        {u'l', &Actions::focusPaneRight, besideAbove, afterWindow},
+        {u'p', &Actions::focusLastPane, {windows, u"move to the pane before"}, afterWindow},
 
         {u'&',
          Command{[](VimEngine &engine, qsizetype) { engine.m_exact->commanding.substituteAgain(false); }},

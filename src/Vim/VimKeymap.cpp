@@ -23,6 +23,8 @@ struct MappingRow {
     const char16_t *section;
     VimKeymapAction action;
     Modes modes = Modes::both;
+    /// Instead, in exact modal editing.
+    const Action *exactly = nullptr;
 };
 
 const auto lazyVim = std::to_array<MappingRow>({
@@ -32,10 +34,10 @@ const auto lazyVim = std::to_array<MappingRow>({
     {u"]b", u"next tab", u"Tabs", &Actions::selectNextTab},
     {u" bd", u"close tab", u"Tabs", &Actions::closeTab},
     {u" bb", u"other tab", u"Tabs", &Actions::selectPreviousTab},
-    {u"^h", u"previous pane", u"Panes", &Actions::focusPreviousPane},
-    {u"^k", u"previous pane", u"Panes", &Actions::focusPreviousPane},
-    {u"^l", u"next pane", u"Panes", &Actions::focusNextPane},
-    {u"^j", u"next pane", u"Panes", &Actions::focusNextPane},
+    {u"^h", u"previous pane", u"Panes", &Actions::focusPreviousPane, Modes::both, &Actions::focusPaneLeft},
+    {u"^k", u"previous pane", u"Panes", &Actions::focusPreviousPane, Modes::both, &Actions::focusPaneAbove},
+    {u"^l", u"next pane", u"Panes", &Actions::focusNextPane, Modes::both, &Actions::focusPaneRight},
+    {u"^j", u"next pane", u"Panes", &Actions::focusNextPane, Modes::both, &Actions::focusPaneBelow},
     {u" |", u"split right", u"Panes", &Actions::splitEditorRight},
     {u" -", u"split down", u"Panes", &Actions::splitEditorDown},
     {u" wd", u"close split", u"Panes", &Actions::closeSplit},
@@ -103,11 +105,12 @@ VimKeymap::VimKeymap(VimKeymapPreset preset, std::shared_ptr<const VimMappings> 
         return;
     }
     for (const MappingRow &row : lazyVim) {
+        const VimKeymapAction action = m_users && row.exactly ? VimKeymapAction(row.exactly) : row.action;
         if (row.modes != Modes::visual) {
-            m_normal.insert_or_assign(strokesOf(row.keys), row.action);
+            m_normal.insert_or_assign(strokesOf(row.keys), action);
         }
         if (row.modes != Modes::normal) {
-            m_visual.insert_or_assign(strokesOf(row.keys), row.action);
+            m_visual.insert_or_assign(strokesOf(row.keys), action);
         }
     }
 }

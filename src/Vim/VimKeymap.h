@@ -49,7 +49,8 @@ public:
     /// In the order of VimMappings::Mode.
     enum class Table { normal, visual, operatorPending, insert, commandLine };
 
-    /// Without `users` there are none, and no key of theirs takes another way than without them.
+    /// Without `users` there are none, and no key of theirs takes another way than without them. They come with exact modal editing, in
+    /// which the preset's keys for panes go by where these are.
     explicit VimKeymap(VimKeymapPreset preset, std::shared_ptr<const VimMappings> users = nullptr);
 
     [[nodiscard]] Outcome consume(const VimKeyStroke &stroke, Table table);

@@ -125,6 +125,29 @@ TEST_F(WorkspaceTest, QuittingAsksEachWindowOnceWhereNothingIsKept)
     EXPECT_EQ(finished.size(), 1) << "the other window has nothing to lose";
 }
 
+TEST_F(WorkspaceTest, PanesAreFoundByWhereTheyAre)
+{
+    workspace().open({put(u"a"_s, "aaa")});
+    send(Actions::splitEditorRight);
+    send(Actions::splitEditorRight);
+    const auto active = [this](const Action &action) {
+        send(action);
+        EXPECT_TRUE(textView().hasFocus());
+        return pane(0).isActive() ? 0 : pane(1).isActive() ? 1 : 2;
+    };
+    EXPECT_EQ(active(Actions::focusPaneRight), 2);
+    EXPECT_EQ(active(Actions::focusPaneAbove), 2);
+    EXPECT_EQ(active(Actions::focusPaneLeft), 1);
+    EXPECT_EQ(active(Actions::focusPaneLeft), 0);
+    EXPECT_EQ(active(Actions::focusPaneLeft), 0);
+    EXPECT_EQ(active(Actions::focusLastPane), 1);
+    EXPECT_EQ(active(Actions::focusLastPane), 0);
+    send(Actions::toggleSplitOrientation);
+    EXPECT_EQ(active(Actions::focusPaneRight), 0);
+    EXPECT_EQ(active(Actions::focusPaneBelow), 1);
+    EXPECT_EQ(active(Actions::focusPaneAbove), 0);
+}
+
 TEST_F(WorkspaceTest, PanesHandTheKeyboardOn)
 {
     workspace().open({put(u"a"_s, "aaa"), put(u"b"_s, "bbb")});

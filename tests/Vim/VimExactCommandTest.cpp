@@ -148,3 +148,13 @@ TEST(VimExactCommand, HasTheMarksOfATextInAllItsViews)
     one.press(u"'b"_s);
     EXPECT_EQ(one.messages, QStringList{u"Mark not set"_s});
 }
+
+TEST(VimExactCommand, FindsPanesByWhereTheyAre)
+{
+    VimView view(u"one\ntwo\n"_s);
+    view.preferences.set(Settings::vimExact, true);
+    view.preferences.set(Settings::vimKeymapPreset, VimKeymapPreset::lazyVim);
+    view.engine.configure(view.configuration.options());
+    view.press(u"<C-w>h<C-w>p<C-h><C-j>"_s);
+    EXPECT_EQ(view.actions.join(u' ').toStdString(), "focusPaneLeft: focusLastPane: focusPaneLeft: focusPaneBelow:");
+}
