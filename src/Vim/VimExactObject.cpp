@@ -42,8 +42,8 @@ std::optional<Result> word(const Request &request)
     bool isInclusive = true;
     bool includesBlanks = false;
     // A selection grows up to the text's end nonetheless.
-    const auto failure = [&] {
-        return request.isVisual ? std::optional(Result{.from = from, .place = lines.end(lines.lastStart())}) : std::nullopt;
+    const auto failure = [&](qsizetype start) {
+        return request.isVisual ? std::optional(Result{.from = start, .place = lines.end(lines.lastStart())}) : std::nullopt;
     };
     if (!request.isSelecting()) {
         place = startOfRun(lines, place, words);
@@ -51,7 +51,7 @@ std::optional<Result> word(const Request &request)
         if ((classAt(lines, place, words) == 0) == isAround) {
             const Walked walked = wordEndsForward(lines, place, 1, words, true, true);
             if (!walked.isWhole) {
-                return failure();
+                return failure(request.anchor);
             }
             place = walked.place;
         } else {
@@ -88,12 +88,12 @@ std::optional<Result> word(const Request &request)
             }
         } else {
             if (!lines.forwardOverEnds(place)) {
-                return failure();
+                return failure(from);
             }
             if (isAround != (classAt(lines, place, words) == 0)) {
                 const Walked walked = wordsForward(lines, place, 1, words, true);
                 if (!walked.isWhole && count > 1) {
-                    return failure();
+                    return failure(from);
                 }
                 place = walked.place;
                 if (place == lines.start(place)) {
@@ -104,7 +104,7 @@ std::optional<Result> word(const Request &request)
             } else {
                 const Walked walked = wordEndsForward(lines, place, 1, words, true, true);
                 if (!walked.isWhole) {
-                    return failure();
+                    return failure(from);
                 }
                 place = walked.place;
             }

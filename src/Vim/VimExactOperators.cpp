@@ -420,7 +420,7 @@ void VimEngine::Operating::format(const Region &region, bool keepsCaret)
     // The caret stays on its character.
     const auto countOf = [](QStringView text) { return std::ranges::count_if(text, [](QChar unit) { return !unit.isSpace(); }); };
     qsizetype kept = from;
-    if (keepsCaret && range.contains(from)) {
+    if (keepsCaret && range.contains(from) && text().toString(range) != filled) {
         const bool isOnText = !text().toString({from, 1}).front().isSpace();
         auto left = countOf(text().toString(TextRange::between(range.location, from))) + (isOnText ? 1 : 0);
         qsizetype at = 0;

@@ -196,11 +196,10 @@ std::optional<qsizetype> sentence(const VimLines &lines, qsizetype place, Direct
     };
     while (count-- > 0) {
         if (lines.isAtEnd(place)) {
-            bool moved = false;
-            do {
-                moved = step(place);
-            } while (moved && lines.isAtEnd(place));
-            if (!moved && count > 0) {
+            const qsizetype from = place;
+            while (step(place) && lines.isAtEnd(place)) {
+            }
+            if (place == from && count > 0) {
                 return std::nullopt;
             }
             if (isForward) {

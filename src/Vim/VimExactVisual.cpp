@@ -36,9 +36,9 @@ void VimEngine::Selecting::toggle(Mode mode)
         finish();
         return;
     }
-    if (m_engine.hasCount() && m_last) {
+    if (m_engine.hasCount() && m_engine.m_visualExtent) {
         // As much as was selected last, so many times.
-        Extent extent = m_engine.m_visualExtent.value_or(Extent{});
+        Extent extent = *m_engine.m_visualExtent;
         extent.lines = extent.lines > 1 || extent.mode == Mode::visualLine ? extent.lines * m_engine.effectiveCount() : extent.lines;
         extent.units *= m_engine.effectiveCount();
         selectAgain(extent);
@@ -374,7 +374,7 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
 void VimEngine::Selecting::paste(qsizetype count, PasteRegister taking, Operating::PasteCaret at)
 {
     const bool keepsRegister = taking == PasteRegister::keeps;
-    const VimRegisterContents pasted = m_exact.contents(m_engine.m_pendingRegister);
+    VimRegisterContents pasted = m_exact.contents(m_engine.m_pendingRegister);
     takeExtent();
     remember();
     m_engine.m_view.beginUndoGroup();
@@ -407,13 +407,18 @@ void VimEngine::Selecting::paste(qsizetype count, PasteRegister taking, Operatin
     m_engine.m_extent = extentTaken;
     if (!pasted.text.isEmpty() && m_engine.mayInsert(pasted.text.length(), count)) {
         if (taken.span == Span::lines) {
+            if (!pasted.isLinewise && !pasted.isBlock) {
+                // Into a line of its own.
+                pasted.text.replace({pasted.text.length(), 0}, Rope(u"\n"));
+                pasted.isLinewise = true;
+            }
             if (pasted.isLinewise) {
                 m_exact.operating.pasteText(pasted, isLastLine && !isEmptied ? Side::after : Side::before, count, at);
                 if (isEmptied) {
                     removeEmptyLast();
                 }
             } else {
-                // Into a line of its own.
+                // A rectangle, into a line of its own.
                 const Sight sight = see();
                 const qsizetype line = isLastLine && !isEmptied ? sight.lines.end(sight.lines.lastStart()) : sight.lines.start(caret());
                 if (!isEmptied) {
