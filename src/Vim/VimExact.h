@@ -138,6 +138,7 @@ public:
         /// Where the caret is left; where it is by then without.
         std::optional<qsizetype> endsAt = std::nullopt;
         bool isBehind = false;
+        qsizetype count = 1;
         /// Takes away again what short lines were filled up with, if nothing is typed.
         TextEdits unfilling = {};
     };

@@ -120,6 +120,7 @@ void VimEngine::Inserting::enterBlock(const BlockInsertion &block)
     begin();
     m_kind = Kind::block;
     m_block = block;
+    m_count = block.count;
     std::vector<TextRange> ranges;
     for (const qsizetype place : block.places) {
         ranges.push_back({place, 0});
@@ -704,7 +705,7 @@ void VimEngine::Inserting::leave()
         for (qsizetype left = m_count - 1; left > 0 && !script.isEmpty() && m_engine.mayInsert(script.size(), m_count); --left) {
             play(script);
         }
-    } else if (m_count > 1 && !script.isEmpty() && !m_opened && m_kind == Kind::insert && isText(script) &&
+    } else if (m_count > 1 && !script.isEmpty() && !m_opened && m_kind != Kind::replace && isText(script) &&
                m_engine.mayInsert(script.size(), m_count)) {
         m_engine.m_view.putText(script.repeated(m_count - 1));
         m_exact.operating.moveLastChange(TextBoundaries::previousGrapheme(text(), caret()));

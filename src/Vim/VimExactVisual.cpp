@@ -660,6 +660,7 @@ void VimEngine::Selecting::insert(Side side, qsizetype count)
     m_exact.inserting.enterBlock({.places = places.empty() ? std::vector{low} : places,
                                   .endsAt = blockStart,
                                   .isBehind = side == Side::after,
+                                  .count = count,
                                   .unfilling = unfilling});
 }
 
