@@ -385,6 +385,9 @@ public:
     void search(const QString &typed, SearchDirection direction);
     void searchAgain(bool isReversed);
     void searchWord(SearchDirection direction, bool isWhole);
+    /// To where the word is first named, which is not in a comment.
+    enum class Scope { function, text };
+    void toDeclaration(Scope scope);
     /// From where it is left by a jump; the mark of it stays where it was when nobody moves.
     enum class Moving { stays, goes };
     void rememberJump(Moving moving);

@@ -352,6 +352,55 @@ void VimEngine::Going::searchWord(SearchDirection direction, bool isWhole)
     });
 }
 
+namespace {
+
+/// What Vim takes for a comment without knowing the language.
+bool isComment(const Rope &text, qsizetype place)
+{
+    const VimLines lines(text);
+    const qsizetype first = lines.firstNonBlank(place);
+    const QString begin = text.toString(TextRange::between(first, std::min(first + 2, lines.end(first))));
+    static constexpr QStringView marks[] = {u"//", u"/*", u"* ", u"*/", u"# ", u"%"};
+    return begin == u"*" || std::ranges::any_of(marks, [&](QStringView mark) { return begin.startsWith(mark); });
+}
+
+} // namespace
+
+void VimEngine::Going::toDeclaration(Scope scope)
+{
+    const auto pattern = VimSearch::patternOfWord(text(), caret(), VimSearch::Words::whole);
+    if (!pattern) {
+        fail();
+        return;
+    }
+    qsizetype from = 0;
+    if (scope == Scope::function) {
+        // Behind the empty line before the function's brace.
+        const Sight sight = see();
+        const VimExactMotion::Result function =
+            VimExactMotion::section<u'{', VimMotion::Direction::backward>({.lines = sight.lines, .caret = caret()});
+        from = function.failed ? 0 : sight.lines.start(function.place);
+        while (from > 0 && !sight.lines.isEmpty(from)) {
+            from = sight.lines.start(from - 1);
+        }
+    }
+    VimSearch search = VimSearch::exact(*pattern, SearchDirection::forward, m_engine.m_options, m_exact.lastSubstitute());
+    m_engine.m_lastSearch = search;
+    search.wraps = true; // from the end a search finds what the text begins with
+    seek(from > 0 ? from - 1 : text().length(), search,
+         [search](const Rope &text, qsizetype place, const std::stop_token &stop, qsizetype most) {
+             auto move = search.move(text, place, 1, stop, most);
+             while (move && isComment(text, move->hit.location)) {
+                 const auto next = search.move(text, move->hit.location, 1, stop, most);
+                 if (!next || next->hit.location <= move->hit.location) {
+                     break;
+                 }
+                 move = next;
+             }
+             return move;
+         });
+}
+
 /// At once where it is near or something waits for it, else on a worker.
 void VimEngine::Going::seek(qsizetype from, const VimSearch &search, const Route &route)
 {

@@ -449,6 +449,11 @@ std::span<const VimEngine::KeyRow> VimEngine::exactKeys()
          besideAbove, afterG},
         {u'#', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->going.searchWord(SearchDirection::backward, false); }},
          besideAbove, afterG},
+        {u'd',
+         Command{[](VimEngine &engine, qsizetype) { engine.m_exact->going.toDeclaration(Going::Scope::function); }},
+         {search, u"local / global declaration of the word"},
+         afterG},
+        {u'D', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->going.toDeclaration(Going::Scope::text); }}, besideAbove, afterG},
     });
     return rows;
 }
