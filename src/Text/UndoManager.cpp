@@ -61,7 +61,7 @@ void UndoManager::record(const TextChange &change)
         openGroup(change);
     lastDone().time = m_clock();
     m_bringsLine = m_bringsLine || std::ranges::any_of(change.edits, [](const TextEdit &edit) { return edit.text.lineCount() > 1; });
-    addStep(std::move(inverse));
+    m_steps.add(std::move(inverse));
     if (m_depth == 0)
         closeGroup(after);
 }
@@ -78,7 +78,7 @@ void UndoManager::openGroup(const TextChange &first)
     m_isOpen = true;
     m_bringsLine = false;
     if (continuesLastGroup(first.edits)) {
-        m_steps.push_back(std::move(lastDone().edits));
+        m_steps.add(std::move(lastDone().edits));
     } else {
         m_groups.push_back(m_next);
         m_groups.back().number = ++m_lastNumber;
@@ -110,26 +110,13 @@ bool UndoManager::continuesLastGroup(const TextEdits &first) const
     return std::ranges::equal(first, group.edits, continues);
 }
 
-/// Steps are put together when they have about as many edits, so that a group of n changes does not cost n².
-void UndoManager::addStep(TextEdits inverse)
-{
-    m_steps.push_back(std::move(inverse));
-    while (m_steps.size() > 1 && m_steps[m_steps.size() - 2].count() <= 2 * std::max<size_t>(m_steps.back().count(), 1)) {
-        const TextEdits later = std::move(m_steps.back());
-        m_steps.pop_back();
-        m_steps.back() = later.followedBy(m_steps.back());
-    }
-}
-
 void UndoManager::closeGroup(const Selections &after)
 {
     m_isOpen = false;
     Group &group = lastDone();
     m_mayCoalesce = group.kind != GroupKind::typing || !m_bringsLine;
     group.after = after;
-    group.edits = std::move(m_steps.back());
-    for (m_steps.pop_back(); !m_steps.empty(); m_steps.pop_back())
-        group.edits = group.edits.followedBy(m_steps.back());
+    group.edits = m_steps.take();
     m_units -= group.units;
     group.units = qsizetype(group.before.count() + group.after.count() - 2) * unitsPerSelection;
     for (const TextEdit &edit : group.edits)
@@ -192,7 +179,7 @@ void UndoManager::markSavePoint()
 {
     if (m_isOpen) {
         // What the caller's group still brings is not saved, so it becomes a group behind this one.
-        if (const auto place = behind(m_steps.back()))
+        if (const auto place = behind(m_steps.last()))
             m_next.before = *place;
         const Selections after = m_next.before;
         closeGroup(after);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Text/EditSteps.h"
 #include "Text/Selections.h"
 #include "Text/TextStorage.h"
 
@@ -11,7 +12,6 @@
 #include <deque>
 #include <functional>
 #include <optional>
-#include <vector>
 
 /// What the changes of a group have in common; all but `other` let groups grow together.
 enum class GroupKind { typing, deletingBackward, deletingForward, other };
@@ -121,14 +121,13 @@ private:
     Group m_next;          ///< what begins with the next change
     bool m_isOpen = false; ///< m_groups[m_done - 1] still takes changes
     bool m_bringsLine = false;
-    /// What takes back the changes of the group that is open, the last one first, the fewer edits the later.
-    std::vector<TextEdits> m_steps;
+    /// What takes back the changes of the group that is open.
+    EditSteps m_steps{EditSteps::Order::before};
     State m_lastState;
 
     void record(const TextChange &change);
     void openGroup(const TextChange &first);
     [[nodiscard]] bool continuesLastGroup(const TextEdits &first) const;
-    void addStep(TextEdits inverse);
     void closeGroup(const Selections &after);
     [[nodiscard]] Group &lastDone() { return m_groups[size_t(m_done) - 1]; }
     void replay(Group &group, qsizetype done);
