@@ -8,8 +8,6 @@
 #include "Editor/EditorTextView.h"
 #include "Text/LineTransformations.h"
 
-#include <QKeyEvent>
-
 #include <array>
 #include <numeric>
 #include <utility>
@@ -19,9 +17,6 @@ using namespace LineTransformations;
 
 namespace {
 
-/// Before anything is said of what goes on.
-constexpr Scheduler::Milliseconds timeout = 500ms;
-constexpr Scheduler::Milliseconds untilDone = 24h;
 constexpr Scheduler::Milliseconds toBeRead = 5s;
 
 using Context = LineCommands::Context;
@@ -103,9 +98,8 @@ TextRange nothing(const Rope & /*text*/, TextRange selection)
 } // namespace
 
 LineCommands::LineCommands(EditorTextView &view, CommandServices services, QObject *parent)
-    : QObject(parent), m_view(view), m_services(std::move(services))
+    : QObject(parent), m_view(view), m_services(std::move(services)), m_work(m_services)
 {
-    view.installEventFilter(this);
     view.setNextResponder(this);
 }
 
@@ -218,10 +212,8 @@ void LineCommands::start(const Row &row)
     m_view.commitInput();
     const Rope &text = m_view.storage().text();
     if (row.unitsRead(text, m_view.selections()) > readAtOnce) {
-        m_showProgressSoon = m_services.scheduler.after(timeout, [this] {
-            m_isProgressShown = true;
-            m_services.showMessage(localized(u"Working… Esc stops."), untilDone);
-        });
+        m_work.begin(m_view, localized(u"Working… Esc stops."), LongWork::Keys::pass,
+                     [this] { stop(localized(u"Stopped; nothing was changed.")); });
         startOnWorker(row);
     } else {
         apply(row.step(text, m_view.selections(), context()), m_view.selections());
@@ -268,24 +260,10 @@ void LineCommands::apply(const std::optional<CaretStep> &step, const Selections 
 void LineCommands::stop(const QString &message)
 {
     m_task.cancel();
-    m_showProgressSoon.cancel();
-    const bool wasShown = std::exchange(m_isProgressShown, false);
+    const bool wasShown = m_work.end();
     if (!message.isEmpty()) {
         m_services.showMessage(message, toBeRead);
     } else if (wasShown) {
         m_services.showMessage(localized(u"Done."), toBeRead);
     }
-}
-
-bool LineCommands::eventFilter(QObject *object, QEvent *event)
-{
-    const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
-    if (!isKey || !m_task.isPending() || static_cast<const QKeyEvent *>(event)->key() != Qt::Key_Escape) {
-        return QObject::eventFilter(object, event);
-    }
-    event->accept();
-    if (event->type() == QEvent::KeyPress) {
-        stop(localized(u"Stopped; nothing was changed."));
-    }
-    return true;
 }

@@ -4,9 +4,9 @@
 
 #include "Base/BackgroundTask.h"
 #include "Commands/Responder.h"
+#include "Editor/LongWork.h"
 #include "Text/CaretEditing.h"
 #include "Text/LineEditing.h"
-#include "View/CommandServices.h"
 
 #include <QObject>
 
@@ -50,9 +50,6 @@ signals:
     /// The text is indented with these from now on.
     void converted(Indentation::Unit unit);
 
-protected:
-    bool eventFilter(QObject *object, QEvent *event) override;
-
 private:
     template<Command command, Scope scope, Extent extent>
     void run()
@@ -80,6 +77,5 @@ private:
     EditorTextView &m_view;
     CommandServices m_services;
     BackgroundTask m_task;
-    DelayedTask m_showProgressSoon;
-    bool m_isProgressShown = false;
+    LongWork m_work;
 };

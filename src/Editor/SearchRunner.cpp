@@ -6,26 +6,9 @@
 #include "Text/TextStorage.h"
 #include "View/TextView.h"
 
-#include <QCoreApplication>
-#include <QKeyEvent>
-#include <QPointer>
-
 using namespace std::chrono_literals;
 
-namespace {
-
-/// Before anything is said of a search that goes on.
-constexpr Scheduler::Milliseconds timeout = 300ms;
-constexpr Scheduler::Milliseconds untilFound = 24h;
-
-bool isEscape(const QKeyEvent &event)
-{
-    return event.key() == Qt::Key_Escape || (event.key() == Qt::Key_BracketLeft && event.modifiers() == Qt::ControlModifier);
-}
-
-} // namespace
-
-SearchRunner::SearchRunner(TextView &view, CommandServices services) : m_view(view), m_services(std::move(services)) {}
+SearchRunner::SearchRunner(TextView &view, const CommandServices &services) : m_view(view), m_services(services), m_work(services) {}
 
 SearchRunner::~SearchRunner()
 {
@@ -37,10 +20,7 @@ void SearchRunner::start(std::function<Seeking()> prepare, std::function<void(Te
     finish();
     m_prepare = std::move(prepare);
     m_arrive = std::move(arrive);
-    m_showProgressSoon = m_services.scheduler.after(timeout, [this] {
-        m_showsProgress = true;
-        m_services.showMessage(localized(u"Searching… Esc stops."), untilFound);
-    });
+    m_work.begin(m_view, localized(u"Searching… Esc stops."), LongWork::Keys::wait, [this] { stop(); });
     search();
 }
 
@@ -58,21 +38,14 @@ void SearchRunner::arrive(const std::optional<TextRange> &hit)
     if (hit) {
         m_arrive(*hit);
     }
-    // Any of the keys may be the end of this, or search once more.
-    const QPointer self(this);
-    while (self && !m_task.isPending() && !m_keys.empty()) {
-        const auto key = std::move(m_keys.front());
-        m_keys.pop_front();
-        QCoreApplication::sendEvent(&m_view, key.get());
-    }
+    m_work.handOver();
 }
 
 /// What waits for it stays.
 void SearchRunner::finish()
 {
     m_task.cancel();
-    m_showProgressSoon.cancel();
-    if (std::exchange(m_showsProgress, false)) {
+    if (m_work.end()) {
         m_services.showMessage({}, 0ms);
     }
 }
@@ -80,20 +53,7 @@ void SearchRunner::finish()
 void SearchRunner::stop()
 {
     if (m_task.isPending()) {
-        m_keys.clear();
+        m_work.dropKeys();
         finish();
     }
-}
-
-bool SearchRunner::take(const QKeyEvent &event)
-{
-    if (!m_task.isPending()) {
-        return false;
-    }
-    if (isEscape(event)) {
-        stop();
-    } else {
-        m_keys.emplace_back(event.clone());
-    }
-    return true;
 }

@@ -8,8 +8,6 @@
 #include "Vim/VimSubstituteJob.h"
 #include "Vim/VimSubstitution.h"
 
-#include <QKeyEvent>
-
 #include <memory>
 #include <utility>
 
@@ -19,15 +17,12 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qsizetype searchedAtOnce = qsizetype(512) * 1024;
-/// Before anything is said of a search that goes on.
-constexpr Scheduler::Milliseconds timeout = 500ms;
 constexpr Scheduler::Milliseconds toBeRead = 5s;
-constexpr Scheduler::Milliseconds untilReplaced = 24h;
 
 } // namespace
 
 SubstitutionRunner::SubstitutionRunner(CommandServices services, std::function<void(TextView &view)> changed)
-    : m_services(std::move(services)), m_changed(std::move(changed))
+    : m_services(std::move(services)), m_changed(std::move(changed)), m_work(m_services)
 {}
 
 SubstitutionRunner::~SubstitutionRunner() = default;
@@ -84,14 +79,13 @@ void SubstitutionRunner::run(TextView &view, Task task)
         arrive(m_task.search(view.storage().text(), {}));
         return;
     }
-    view.installEventFilter(this);
+    m_work.begin(view, localized(u"Substituting… Esc stops."), LongWork::Keys::pass,
+                 [this] { finish(localized(u"The substitution was stopped; nothing was changed.")); });
     m_viewGone = connect(&view, &QObject::destroyed, this, [this] {
         // Nothing but a widget is left of it.
         m_view = nullptr;
         finish(localized(u"The substitution was stopped; nothing was changed."));
     });
-    m_showProgressSoon =
-        m_services.scheduler.after(timeout, [this] { m_services.showMessage(localized(u"Substituting… Esc stops."), untilReplaced); });
     m_search.start(m_view->storage(), m_services.workers, m_task.search, [this](const Found &found) { arrive(found); });
 }
 
@@ -116,26 +110,10 @@ void SubstitutionRunner::arrive(const Found &found)
 void SubstitutionRunner::finish(const QString &message)
 {
     m_search.cancel();
-    m_showProgressSoon.cancel();
+    m_work.end();
     disconnect(m_viewGone);
-    if (m_view) {
-        m_view->removeEventFilter(this);
-    }
     m_view = nullptr;
     if (!message.isEmpty()) {
         m_services.showMessage(message, toBeRead);
     }
-}
-
-bool SubstitutionRunner::eventFilter(QObject *object, QEvent *event)
-{
-    const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
-    if (!isKey || static_cast<const QKeyEvent *>(event)->key() != Qt::Key_Escape) {
-        return QObject::eventFilter(object, event);
-    }
-    event->accept();
-    if (event->type() == QEvent::KeyPress) {
-        finish(localized(u"The substitution was stopped; nothing was changed."));
-    }
-    return true;
 }

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Editor/LongWork.h"
 #include "Find/ReplacementSearch.h"
-#include "View/CommandServices.h"
 
 #include <QObject>
 #include <QPointer>
@@ -30,9 +30,6 @@ public:
     /// One of exact mode; without asking, whatever its flags.
     void run(TextView &view, const VimSubstituteJob &job);
 
-protected:
-    bool eventFilter(QObject *object, QEvent *event) override;
-
 private:
     using Found = ReplacementSearch::Found;
     /// What is asked for, in whichever language.
@@ -55,5 +52,5 @@ private:
     QMetaObject::Connection m_viewGone;
     Task m_task;
     ReplacementSearch m_search;
-    DelayedTask m_showProgressSoon;
+    LongWork m_work;
 };
