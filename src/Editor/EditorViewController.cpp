@@ -360,6 +360,9 @@ void EditorViewController::applyVimMode()
     options.longestLine = int(m_document->conventions.editorConfig().longestLine.value_or(0));
     const bool wasOn = m_vim != nullptr;
     const bool isOn = m_services.preferences.value(Settings::vimMode);
+    if (m_vim && (!isOn || options.isExact != m_vim->engine().options().isExact)) {
+        m_vim->stop();
+    }
     if (m_vim && m_vim->engine().isBusy() && (!isOn || options.isExact != m_vim->engine().options().isExact)) {
         // A command that it carries out has asked for it.
         QMetaObject::invokeMethod(this, &EditorViewController::applyVimMode, Qt::QueuedConnection);

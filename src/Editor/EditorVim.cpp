@@ -3,6 +3,7 @@
 #include "Editor/EditorVim.h"
 
 #include "Base/FilePath.h"
+#include "Base/Translation.h"
 #include "Desktop/ForeignKeyboard.h"
 #include "Editor/EditorTextView.h"
 #include "Editor/PendingKeysPanel.h"
@@ -97,7 +98,14 @@ bool isAltGr(const QKeyEvent &event)
 
 EditorVim::EditorVim(EditorTextView &view, const Services &services, const VimOptions &options, Callbacks callbacks)
     : m_view(view), m_keyboard(services.keyboard), m_workers(services.commands.workers), m_callbacks(std::move(callbacks)),
-      m_name(services.name), m_beep(services.commands.beep), m_engine(new VimEngine(*this, *this, services.registers, options)),
+      m_name(services.name), m_beep(services.commands.beep), m_text(view,
+                                                                    [this](const TextChange &change) {
+                                                                        if (m_engine) {
+                                                                            m_engine->textChanged(change);
+                                                                        }
+                                                                    }),
+      m_engine(new VimEngine(*this, *this, services.registers, options)),
+      m_run(view, services.commands, {[this] { m_text.flush(); }, [this](bool isStopped) { keysDone(isStopped); }}),
       m_search(view, services.commands), m_preview(view, services.commands.workers), m_substitution(view),
       m_panel(std::make_unique<PendingKeysPanel>(view, services.commands.scheduler)), m_scheduler(services.commands.scheduler)
 {
@@ -108,13 +116,18 @@ EditorVim::EditorVim(EditorTextView &view, const Services &services, const VimOp
     }
     m_view.setVim(this);
     m_engine->leaveToNormal();
-    QObject::connect(&m_view.storage(), &TextStorage::changed, &m_context,
-                     [this](const TextChange &change) { m_engine->textChanged(change); });
     updateInputMethod();
 }
 
 EditorVim::~EditorVim()
 {
+    m_callbacks = {.stateChanged = [] {},
+                   .runCommand = [](const QString &) {},
+                   .say = [](const QString &) {},
+                   .list = [](const QString &, const QString &) {},
+                   .performCommand = [](const Action &, const QString &) {},
+                   .substitute = [](const VimSubstituteJob &) {}};
+    m_run.stop();
     m_engine.reset();
     m_view.setVim(nullptr);
     m_view.setAttribute(Qt::WA_InputMethodEnabled, !m_view.isReadOnly());
@@ -178,9 +191,6 @@ bool EditorVim::handleKey(const QKeyEvent &event)
         setPreedit({});
         return true;
     }
-    if (m_search.take(event)) {
-        return true;
-    }
     if (!isModifier(event.key())) {
         const bool isSign = m_engine->options().isExact && !takesCharacters() &&
                             std::ranges::find(deadKeys, Qt::Key(event.key()), &KeyRow::key) != deadKeys.end();
@@ -202,19 +212,53 @@ bool EditorVim::handleKey(const QKeyEvent &event)
         // Keys of the view that modal editing has nothing in place of: chords, and modifiers by themselves.
         return !key.control && !key.option;
     }
-    bool isDone = false;
-    {
+    return carryOut([this, key] { return m_engine->handle(key); });
+}
+
+/// True when the key is done with, or goes on by itself; this may be gone then.
+bool EditorVim::carryOut(std::function<bool()> keys)
+{
+    const auto isDone = std::make_shared<bool>(true);
+    const auto work = [this, isDone, keys = std::move(keys)] {
         const QScopedValueRollback own(m_isOwn, true);
-        isDone = m_engine->handle(key);
+        *isDone = keys();
+    };
+    if (m_engine->options().isExact) {
+        m_run.start(work);
+    } else {
+        work();
+        keysDone(false);
+    }
+    return *isDone;
+}
+
+void EditorVim::keysDone(bool isStopped)
+{
+    if (isStopped) {
+        const QScopedValueRollback own(m_isOwn, true);
+        m_engine->leaveToNormal();
+        m_lastSaid = localized(u"Interrupted. What was done by then is one step of undo.");
     }
     m_revision = m_view.storage().revision();
     updateInputMethod();
+    if (const QString said = std::exchange(m_lastSaid, {}); !said.isEmpty()) {
+        m_callbacks.say(said);
+    }
     runEnteredCommand();
-    return isDone;
+}
+
+void EditorVim::breakInsertSession()
+{
+    if (!m_run.isRunning()) {
+        m_engine->pauseInsertSession();
+    }
 }
 
 bool EditorVim::handleInputMethod(const QInputMethodEvent &event)
 {
+    if (m_run.isPaused()) {
+        return true;
+    }
     const QString committed = event.commitString();
     const bool isReplacing = m_engine->isReplacing() && !committed.isEmpty();
     if (m_engine->mode() == VimEngine::Mode::insert && !isReplacing) {
@@ -286,7 +330,11 @@ void EditorVim::runEnteredCommand()
 
 void EditorVim::vimEngineSays(VimEngine & /*engine*/, const QString &message)
 {
-    m_callbacks.say(message);
+    if (m_run.isRunning()) {
+        m_lastSaid = message;
+    } else {
+        m_callbacks.say(message);
+    }
 }
 
 void EditorVim::vimEngineLists(VimEngine & /*engine*/, const QString &title, const QString &text)
@@ -310,13 +358,12 @@ void EditorVim::awaitMapping()
     m_mappingTimeout.cancel();
     if (m_engine->awaitsMapping()) {
         m_mappingTimeout = m_scheduler.after(Scheduler::Milliseconds(m_engine->options().mappingTimeout), [this] {
-            {
-                const QScopedValueRollback own(m_isOwn, true);
-                m_engine->expireMapping();
+            if (!m_run.isRunning()) {
+                carryOut([this] {
+                    m_engine->expireMapping();
+                    return true;
+                });
             }
-            m_revision = m_view.storage().revision();
-            updateInputMethod();
-            runEnteredCommand();
         });
     }
 }
@@ -386,7 +433,7 @@ void EditorVim::selectionChanged()
 void EditorVim::takeSelection()
 {
     const Foreign foreign = std::exchange(m_foreign, Foreign::nothing);
-    if (foreign == Foreign::nothing) {
+    if (foreign == Foreign::nothing || m_run.isPaused()) {
         return;
     }
     const QScopedValueRollback own(m_isOwn, true);
@@ -411,7 +458,7 @@ void EditorVim::keepOneCaret()
 
 const Rope &EditorVim::text() const
 {
-    return m_view.storage().text();
+    return m_text.text();
 }
 
 VimTextName EditorVim::name() const
@@ -421,7 +468,7 @@ VimTextName EditorVim::name() const
 
 TextRange EditorVim::selectedRange() const
 {
-    return m_view.selection().range();
+    return m_text.selection().range();
 }
 
 void EditorVim::select(TextRange range, qsizetype caret)
@@ -431,6 +478,10 @@ void EditorVim::select(TextRange range, qsizetype caret)
     m_foreign = Foreign::nothing;
     const TextSelection selection = caret == range.location && !range.isEmpty() ? TextSelection{range.end(), range.location}
                                                                                 : TextSelection{range.location, range.end()};
+    if (m_text.isDeferring()) {
+        m_text.select(selection, caret);
+        return;
+    }
     m_view.showCaretAt(selection, caret);
     m_view.ruler().refresh();
 }
@@ -446,19 +497,23 @@ void EditorVim::selectSeveral(const std::vector<TextRange> &ranges, size_t prima
     }
     const Selections selections = Selections::merged(std::move(all), primary);
     if (caret) {
-        m_view.showCaretAt(selections, *caret);
+        m_text.direct().showCaretAt(selections, *caret);
     } else {
-        m_view.setSelection(selections, TextView::Reveal::nearest);
+        m_text.direct().setSelection(selections, TextView::Reveal::nearest);
     }
 }
 
 bool EditorVim::apply(const TextEdits &edits)
 {
-    return m_view.apply(edits, GroupKind::other, TextSelection::at(edits[0].range.location));
+    return m_text.isDeferring() ? m_text.apply(edits) : m_view.apply(edits, GroupKind::other, TextSelection::at(edits[0].range.location));
 }
 
 void EditorVim::insertText(const QString &text)
 {
+    if (m_text.mayType()) {
+        m_text.type(withLineFeeds(text));
+        return;
+    }
     if (m_view.autoPairs() || !m_view.selections().isSingle()) {
         typeAgain(text);
         return;
@@ -468,19 +523,25 @@ void EditorVim::insertText(const QString &text)
 
 void EditorVim::putText(const QString &text)
 {
-    if (!m_view.selections().isSingle()) {
-        m_view.typeText(withLineFeeds(text));
+    if (m_text.mayType()) {
+        m_text.type(withLineFeeds(text));
         return;
     }
-    m_view.insertText(withLineFeeds(text), m_view.selection().range());
+    EditorTextView &view = m_text.direct();
+    if (!view.selections().isSingle()) {
+        view.typeText(withLineFeeds(text));
+        return;
+    }
+    view.insertText(withLineFeeds(text), view.selection().range());
 }
 
 void EditorVim::deleteBackward(VimDeletion what)
 {
+    EditorTextView &view = m_text.direct();
     if (what == VimDeletion::letter) {
-        m_view.deleteBackward();
+        view.deleteBackward();
     } else {
-        m_view.deleteTo(what == VimDeletion::word ? Motion::wordLeft : Motion::rowStart);
+        view.deleteTo(what == VimDeletion::word ? Motion::wordLeft : Motion::rowStart);
     }
 }
 
@@ -497,12 +558,13 @@ void EditorVim::typeAgain(const QString &keys)
         {u'\t', &EditorTextView::insertTab},
         {VimKey::backspace, &EditorTextView::deleteBackward},
     });
+    EditorTextView &view = m_text.direct();
     for (qsizetype place = 0; place < keys.size();) {
         const qsizetype length = keys[place].isHighSurrogate() && place + 1 < keys.size() ? 2 : 1;
         if (const auto *row = std::ranges::find(rows, keys[place].unicode(), &Row::character); row != rows.end()) {
-            (m_view.*row->command)();
+            (view.*row->command)();
         } else {
-            m_view.typeText(QStringView(keys).sliced(place, length));
+            view.typeText(QStringView(keys).sliced(place, length));
         }
         place += length;
     }
@@ -510,12 +572,12 @@ void EditorVim::typeAgain(const QString &keys)
 
 void EditorVim::undo()
 {
-    m_view.undo();
+    m_text.direct().undo();
 }
 
 void EditorVim::redo()
 {
-    m_view.redo();
+    m_text.direct().redo();
 }
 
 qsizetype EditorVim::undoSteps() const
@@ -525,12 +587,18 @@ qsizetype EditorVim::undoSteps() const
 
 void EditorVim::beginUndoGroup()
 {
+    if (m_undoGroups++ == 0) {
+        m_text.flush(); // that is no part of it
+    }
     m_view.undoManager().breakCoalescing();
     m_view.undoManager().beginGroup(GroupKind::other, m_view.selection(), &m_view);
 }
 
 void EditorVim::endUndoGroup()
 {
+    if (--m_undoGroups == 0) {
+        m_text.flush();
+    }
     m_view.undoManager().endGroup(m_view.selection());
 }
 
@@ -541,6 +609,7 @@ qsizetype EditorVim::visibleLineCount() const
 
 TextRange EditorVim::visibleRange() const
 {
+    m_text.flush();
     Viewport &port = m_view.textViewport();
     LayoutManager &layout = m_view.layoutManager();
     const TextRange first = layout.rangeOf(port.rowAt(0).row);
@@ -549,16 +618,23 @@ TextRange EditorVim::visibleRange() const
 
 void EditorVim::centerSelection()
 {
-    m_view.revealCaret(TextView::Reveal::center);
+    if (m_text.isDeferring()) {
+        m_text.center();
+    } else {
+        m_view.revealCaret(TextView::Reveal::center);
+    }
 }
 
 void EditorVim::revealSelection()
 {
-    m_view.revealCaret();
+    if (!m_text.isDeferring()) {
+        m_view.revealCaret();
+    }
 }
 
 void EditorVim::revealAt(Edge edge)
 {
+    m_text.flush();
     m_view.revealCaret(TextView::Reveal::center);
     Viewport &port = m_view.textViewport();
     LayoutManager &layout = m_view.layoutManager();
@@ -587,6 +663,7 @@ void EditorVim::revealAt(Edge edge)
 
 std::optional<VimTextView::RowPlace> EditorVim::movedByRows(const RowPlace &from, qsizetype rows) const
 {
+    m_text.flush();
     const auto moved =
         ::movedByRows({.offset = from.place, .affinity = Affinity::downstream, .preferredX = from.x}, rows, m_view.layoutManager());
     if (!moved) {
@@ -599,12 +676,14 @@ std::optional<VimTextView::RowPlace> EditorVim::movedByRows(const RowPlace &from
 
 TextRange EditorVim::rowAt(qsizetype place) const
 {
+    m_text.flush();
     LayoutManager &layout = m_view.layoutManager();
     return layout.rangeOf(layout.rowOf(place));
 }
 
 void EditorVim::scrollRows(qsizetype rows)
 {
+    m_text.flush();
     m_view.scrollRows(int(std::clamp<qsizetype>(rows, -mostRows, mostRows)));
 }
 
@@ -615,7 +694,9 @@ void EditorVim::seek(std::function<Seeking()> prepare, std::function<void(TextRa
 
 void EditorVim::showIndicator(TextRange range)
 {
-    m_view.showIndicator(range);
+    if (!m_text.isDeferring()) {
+        m_view.showIndicator(range);
+    }
 }
 
 Indentation EditorVim::indentation() const
@@ -625,19 +706,23 @@ Indentation EditorVim::indentation() const
 
 void EditorVim::toggleComment()
 {
-    m_view.toggleComment();
+    m_text.direct().toggleComment();
 }
 
 void EditorVim::setCaretLook(VimCaret look)
 {
     using enum TextLooks::CaretShape;
     static constexpr std::array shapes = {bar, block, underline};
-    m_view.setLook(&TextLooks::caretShape, shapes[size_t(look)]);
+    if (m_text.isDeferring()) {
+        m_text.setCaretShape(shapes[size_t(look)]);
+    } else {
+        m_view.setLook(&TextLooks::caretShape, shapes[size_t(look)]);
+    }
 }
 
 void EditorVim::perform(const Action &action)
 {
-    if (!m_view.Responder::perform(action)) {
+    if (!m_text.direct().Responder::perform(action)) {
         beep();
     }
 }

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Editor/DeferredView.h"
+#include "Editor/KeyRun.h"
 #include "Editor/SearchPreview.h"
 #include "Editor/SearchRunner.h"
 #include "Editor/SubstitutionPreview.h"
@@ -69,7 +71,9 @@ public:
     /// True when what an input method typed is done with.
     bool handleInputMethod(const QInputMethodEvent &event);
     /// The view loses the keyboard, or something is undone in it: what is typed after that is another step of undo.
-    void breakInsertSession() { m_engine->pauseInsertSession(); }
+    void breakInsertSession();
+    /// Stops what runs by itself, as a macro does. Harmless when nothing does.
+    void stop() { m_run.stop(); }
     /// Options are others.
     void configure(const VimOptions &options);
     /// The view has another selection. Only what is typed in insert mode goes to several carets; what was selected by others becomes the
@@ -82,6 +86,8 @@ private:
     void keepOneCaret();
     [[nodiscard]] bool engineWants(const VimKeyEvent &key) const;
     [[nodiscard]] VimKeyEvent translated(const QKeyEvent &event) const;
+    bool carryOut(std::function<bool()> keys);
+    void keysDone(bool isStopped);
     void runEnteredCommand();
     void completeFiles();
     void updateInputMethod();
@@ -111,6 +117,10 @@ private:
     [[nodiscard]] std::optional<RowPlace> movedByRows(const RowPlace &from, qsizetype rows) const override;
     [[nodiscard]] TextRange rowAt(qsizetype place) const override;
     void scrollRows(qsizetype rows) override;
+    void beginRun() override { m_text.begin(); }
+    void endRun() override { m_text.end(); }
+    [[nodiscard]] bool goesOn() override { return m_run.goesOn(); }
+    [[nodiscard]] bool compute(const Computing &computing) override { return m_run.compute(computing); }
     void seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive) override;
     void showIndicator(TextRange range) override;
     [[nodiscard]] Indentation indentation() const override;
@@ -134,7 +144,13 @@ private:
     std::function<VimTextName()> m_name;
     std::function<void()> m_beep;
     VimChords m_chords;
+    /// Questions bring the view up to date, too.
+    mutable DeferredView m_text;
     std::unique_ptr<VimEngine> m_engine;
+    KeyRun m_run;
+    /// What was said last while keys run: of hundreds of lines nobody could read it.
+    QString m_lastSaid;
+    int m_undoGroups = 0;
     SearchRunner m_search;
     SearchPreview m_preview;
     SubstitutionPreview m_substitution;

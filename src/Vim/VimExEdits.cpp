@@ -290,7 +290,7 @@ SortKey keyOf(const QString &line, const Sorting &sorting, std::optional<TextRan
 
 } // namespace
 
-TextEdits sorted(const Rope &text, LineSpan lines, const Sorting &sorting)
+TextEdits sorted(const Rope &text, LineSpan lines, const Sorting &sorting, const std::stop_token &stop)
 {
     const VimLines all(text);
     std::optional<VimMatcher> matcher;
@@ -299,6 +299,9 @@ TextEdits sorted(const Rope &text, LineSpan lines, const Sorting &sorting)
     }
     std::vector<SortKey> keys;
     for (qsizetype line = lines.first; line <= lines.last; ++line) {
+        if (stop.stop_requested()) {
+            return {};
+        }
         const TextRange range = TextRange::between(all.startOf(line), all.endOf(line));
         std::optional<TextRange> hit;
         if (const auto match = matcher ? matcher->next({range.location, range.length + 1}) : std::nullopt) {

@@ -7,6 +7,8 @@
 #include "Vim/VimLines.h"
 #include "Vim/VimPattern.h"
 
+#include <stop_token>
+
 /// What commands behind ":" do to lines, as functions of the text. Lines are counted from 1 and lie in the text, the last one is not before
 /// the first; offsets are UTF-16 units.
 namespace VimExEdits {
@@ -51,6 +53,7 @@ struct Sorting {
     bool takesMatch = false;
     std::optional<VimPattern> pattern = std::nullopt;
 };
-[[nodiscard]] TextEdits sorted(const Rope &text, LineSpan lines, const Sorting &sorting);
+/// Nothing when it is stopped.
+[[nodiscard]] TextEdits sorted(const Rope &text, LineSpan lines, const Sorting &sorting, const std::stop_token &stop = {});
 
 } // namespace VimExEdits

@@ -11,6 +11,7 @@
 #include "Vim/VimMarks.h"
 #include "Vim/VimMatcher.h"
 #include "Vim/VimRegisters.h"
+#include "Vim/VimRunning.h"
 #include "Vim/VimSubstituteJob.h"
 #include "Vim/VimTextView.h"
 
@@ -47,6 +48,21 @@ void noteJump(VimExTarget &target)
 bool apply(VimExTarget &target, const TextEdits &edits)
 {
     return edits.isEmpty() || target.apply(edits);
+}
+
+/// What `function` makes of these lines of the text, on a worker where they are many; none when the user has stopped it.
+template<class Function>
+auto computed(VimExTarget &target, LineSpan read, Function function)
+{
+    constexpr qsizetype readAtOnce = qsizetype(256) * 1024;
+    // The text may have become shorter by then.
+    auto make = [read, function = std::move(function)](const Rope &text, const std::stop_token &stop) {
+        const qsizetype count = VimLines(text).count();
+        return function(text, LineSpan{std::min(read.first, count), std::min(read.last, count)}, stop);
+    };
+    const VimLines lines(target.text());
+    const bool isShort = lines.startOf(read.last + 1) - lines.startOf(read.first) <= readAtOnce;
+    return isShort ? std::optional(make(target.text(), {})) : target.running().computed(std::move(make));
 }
 
 void store(VimExCall &call, VimRegisters::Taken taken)
@@ -192,18 +208,24 @@ Result<void> join(VimExCall &call)
         ++lines.last;
     }
     using enum VimExEdits::Blanks;
-    const TextEdits edits = VimExEdits::joined(target.text(), lines, call.hasBang ? kept : one);
+    const auto edits =
+        computed(target, lines, [blanks = call.hasBang ? kept : one](const Rope &text, LineSpan span, const auto & /*stop*/) {
+            return VimExEdits::joined(text, span, blanks);
+        });
+    if (!edits) {
+        return {};
+    }
     std::vector<VimMarks::Mark> marks = target.marks().all();
     const VimLines before(target.text());
     std::erase_if(marks, [&](const VimMarks::Mark &mark) {
         const qsizetype line = before.number(mark.place);
         return line < lines.first || line > lines.last;
     });
-    if (apply(target, edits)) {
+    if (apply(target, *edits)) {
         target.marks().noteJoined(VimLines(target.text()).startOf(lines.first));
         // Of blank lines too, of which nothing is left.
         for (const VimMarks::Mark &mark : marks) {
-            target.marks().set(mark.name, edits.mapped(mark.place, Bias::after));
+            target.marks().set(mark.name, edits->mapped(mark.place, Bias::after));
         }
         goTo(target, lines.first);
     }
@@ -215,7 +237,11 @@ Result<void> shift(VimExCall &call)
     VimExTarget &target = call.target();
     noteJump(target);
     const qsizetype levels = call.name.startsWith(u'>') ? call.name.size() : -call.name.size();
-    if (apply(target, VimExEdits::shifted(target.text(), call.lines, levels, target.indentation()))) {
+    const auto edits =
+        computed(target, call.lines, [levels, indentation = target.indentation()](const Rope &text, LineSpan span, const auto & /*stop*/) {
+            return VimExEdits::shifted(text, span, levels, indentation);
+        });
+    if (edits && apply(target, *edits)) {
         goTo(target, call.lines.last);
         noteChanged(target, call.lines);
     }
@@ -289,7 +315,14 @@ Result<void> sort(VimExCall &call)
         return tl::make_unexpected(wanted.error());
     }
     VimExTarget &target = call.target();
-    if (call.lines.count() > 1 && apply(target, VimExEdits::sorted(target.text(), call.lines, *std::move(wanted)))) {
+    if (call.lines.count() < 2) {
+        return {};
+    }
+    const auto edits =
+        computed(target, call.lines, [sorting = *std::move(wanted)](const Rope &text, LineSpan span, const std::stop_token &stop) {
+            return VimExEdits::sorted(text, span, sorting, stop);
+        });
+    if (edits && apply(target, *edits)) {
         goTo(target, call.lines.first);
     }
     return {};
@@ -313,8 +346,11 @@ Result<void> retab(VimExCall &call)
     const qsizetype line = VimLines(target.text()).number(target.caret());
     const qsizetype column = target.caret() - VimLines(target.text()).startOf(line);
     using enum VimExEdits::Runs;
-    if (!apply(target,
-               VimExEdits::retabbed(target.text(), call.lines, now.tabWidth(), wanted, call.hasBang ? VimExEdits::Runs::all : withTabs))) {
+    const auto edits = computed(
+        target, call.lines,
+        [old = now.tabWidth(), wanted, runs = call.hasBang ? VimExEdits::Runs::all : withTabs](
+            const Rope &text, LineSpan span, const auto & /*stop*/) { return VimExEdits::retabbed(text, span, old, wanted, runs); });
+    if (!edits || !apply(target, *edits)) {
         return {};
     }
     const VimLines after(target.text());
@@ -350,7 +386,13 @@ Result<void> substitute(VimExCall &call)
     if (!call.line.isRepeating() && command->rest.isEmpty() && target.substituteElsewhere(*job)) {
         return {};
     }
-    const VimSubstituteOutcome outcome = job->outcome(target.text());
+    const auto found = computed(target, lines, [job = *job](const Rope &text, LineSpan /*span*/, const std::stop_token &stop) {
+        return job.outcome(text, {.stop = stop, .searched = nullptr});
+    });
+    if (!found) {
+        return {};
+    }
+    const VimSubstituteOutcome &outcome = *found;
     const QString message = job->message(outcome);
     if (outcome.hits == 0 && !job->flags.isQuiet) {
         return failure(message);
@@ -401,17 +443,18 @@ Result<Repeated> repeated(const VimExCall &call)
     return repeated;
 }
 
-/// Where the lines begin.
-std::vector<qsizetype> linesToTake(const VimExCall &call, VimMatcher &matcher, Lines which)
+/// Where those of `span` begin.
+std::vector<qsizetype> linesToTake(const Rope &text, LineSpan span, const VimPattern &pattern, Lines which, const std::stop_token &stop)
 {
-    const Rope &text = call.target().text();
+    auto matcher = VimMatcher::compile(pattern, text);
+    const SearchControl control{.stop = stop, .searched = nullptr};
     const VimLines lines(text);
     std::vector<qsizetype> hits;
     // An empty line at the end begins where the text ends, the one behind a last break is none.
     const qsizetype behind =
-        call.lines.last < lines.count() ? lines.startOf(call.lines.last + 1) : text.length() + (lines.isEnded() && !text.isEmpty() ? 0 : 1);
-    qsizetype from = lines.startOf(call.lines.first);
-    while (const auto match = from < behind ? matcher.next(TextRange::between(from, behind)) : std::nullopt) {
+        span.last < lines.count() ? lines.startOf(span.last + 1) : text.length() + (lines.isEnded() && !text.isEmpty() ? 0 : 1);
+    qsizetype from = lines.startOf(span.first);
+    while (const auto match = matcher && from < behind ? matcher->next(TextRange::between(from, behind), control) : std::nullopt) {
         const qsizetype line = lines.number(match->start);
         hits.push_back(lines.startOf(line));
         from = line < lines.count() ? lines.startOf(line + 1) : behind;
@@ -421,7 +464,7 @@ std::vector<qsizetype> linesToTake(const VimExCall &call, VimMatcher &matcher, L
     }
     std::vector<qsizetype> others;
     auto hit = hits.begin();
-    for (qsizetype line = call.lines.first; line <= call.lines.last; ++line) {
+    for (qsizetype line = span.first; line <= span.last; ++line) {
         const qsizetype start = lines.startOf(line);
         if (hit != hits.end() && *hit == start) {
             ++hit;
@@ -476,16 +519,20 @@ Result<void> repeat(VimExCall &call, Lines which)
     }
     call.line.noteSearch(wanted->pattern);
     const auto pattern = call.line.pattern(wanted->pattern);
-    auto matcher = pattern ? VimMatcher::compile(*pattern, target.text()) : tl::make_unexpected(pattern.error());
-    if (!matcher) {
+    if (const auto matcher = pattern ? VimMatcher::compile(*pattern, Rope()) : tl::make_unexpected(pattern.error()); !matcher) {
         return tl::make_unexpected(matcher.error());
+    }
+    auto starts = computed(target, call.lines, [pattern = *pattern, which](const Rope &text, LineSpan span, const std::stop_token &stop) {
+        return linesToTake(text, span, pattern, which, stop);
+    });
+    if (!starts) {
+        return {};
     }
     const QString commands = wanted->commands.isEmpty() ? u"p"_s : wanted->commands.toString();
     if (call.line.isRepeating()) {
-        return linesToTake(call, *matcher, which).empty() ? Result<void>() : call.line.carryOut(commands);
+        return starts->empty() ? Result<void>() : call.line.carryOut(commands);
     }
-    std::vector<qsizetype> starts = linesToTake(call, *matcher, which);
-    if (starts.empty()) {
+    if (starts->empty()) {
         call.line.say(
             formatted(which == Lines::matching ? localized(u"Pattern not found: %@") : localized(u"Pattern found in every line: %@"),
                       wanted->pattern));
@@ -493,12 +540,13 @@ Result<void> repeat(VimExCall &call, Lines which)
     }
     noteJump(target);
     if (const QStringView command = QStringView(commands).trimmed(); !command.isEmpty() && u"delete"_s.startsWith(command)) {
-        starts = withoutForgotten(target, std::move(starts));
+        starts = withoutForgotten(target, *std::move(starts));
     }
-    VimMarkedLines lines(std::move(starts));
+    VimMarkedLines lines(*std::move(starts));
     const VimExLine::Repetition repetition(call.line);
     const VimMarks::Following following(target.marks(), lines);
-    while (const auto start = lines.take()) {
+    const VimRunning::Scope running(target.running());
+    while (const auto start = target.running().goesOn() ? lines.take() : std::nullopt) {
         target.moveCaret(std::min(*start, target.text().length()));
         if (const auto done = call.line.carryOut(commands); !done) {
             return done;
@@ -530,7 +578,8 @@ Result<void> normal(VimExCall &call)
         target.runNormal(call.argument, !call.hasBang);
         return {};
     }
-    for (qsizetype line = call.lines.first; line <= call.lines.last; ++line) {
+    const VimRunning::Scope running(target.running());
+    for (qsizetype line = call.lines.first; line <= call.lines.last && target.running().goesOn(); ++line) {
         const VimLines lines(target.text());
         target.moveCaret(lines.startOf(std::min(line, lines.count())));
         target.runNormal(call.argument, !call.hasBang);

@@ -12,6 +12,7 @@
 class VimMarks;
 class VimPlaces;
 class VimRegisters;
+class VimRunning;
 struct Action;
 struct VimOptions;
 struct VimSearch;
@@ -47,6 +48,9 @@ public:
     [[nodiscard]] virtual VimRegisters &registers() = 0;
     /// Keys of normal mode as text, which ends there too: an unfinished command or mode is left. False when a key failed.
     virtual bool runNormal(const QString &keys, bool usesMappings) = 0;
+
+    /// For what goes through many lines.
+    [[nodiscard]] virtual VimRunning &running() = 0;
 
     /// Shared by `/`, `?`, `n`, `*`, `:s` and `:g`.
     [[nodiscard]] virtual std::optional<VimSearch> &lastSearch() = 0;

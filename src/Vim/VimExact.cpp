@@ -181,8 +181,13 @@ bool VimEngine::Repeating::run(const QString &keys)
     if (m_depth++ == 0) {
         m_keysRun = 0;
     }
+    const VimRunning::Scope running(m_engine.m_view);
     bool isDone = true;
     while (isDone && m_queuePlace < m_queue.size()) {
+        if (!m_engine.m_view.goesOn()) {
+            isDone = false;
+            break;
+        }
         if (++m_keysRun > m_engine.m_options.mostKeys) {
             m_engine.m_delegate.vimEngineSays(m_engine, localized(u"Stopped: these keys would go on without an end"));
             isDone = false;

@@ -472,6 +472,7 @@ private:
     [[nodiscard]] VimPlaces &changes() override;
     [[nodiscard]] VimRegisters &registers() override;
     bool runNormal(const QString &keys, bool usesMappings) override;
+    [[nodiscard]] VimRunning &running() override { return m_engine.m_view; }
     [[nodiscard]] std::optional<VimSearch> &lastSearch() override;
     [[nodiscard]] VimSubstituteMemory &lastSubstitution() override { return m_substitution; }
     [[nodiscard]] Indentation indentation() const override;

@@ -34,8 +34,8 @@ struct VimOptions {
     int scrollOffset = 0;
     /// Milliseconds that the next key of a user's mapping may take.
     int mappingTimeout = 1000;
-    /// That one press may come to; more are a macro that goes round.
-    qsizetype mostKeys = 1'000'000;
+    /// That one press may come to; more are a macro that goes round and that nobody stops.
+    qsizetype mostKeys = 1'000'000'000;
     /// Of the user; null for none.
     std::shared_ptr<const VimMappings> mappings = nullptr;
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Text/LineEditing.h"
+#include "Vim/VimRunning.h"
 
 #include <functional>
 #include <optional>
@@ -31,7 +32,7 @@ struct VimTextName {
 };
 
 /// What the modal editing of a text needs of the view that shows it. Offsets are UTF-16 units.
-class VimTextView {
+class VimTextView : public VimRunning {
 public:
     [[nodiscard]] virtual const Rope &text() const = 0;
     [[nodiscard]] virtual VimTextName name() const = 0;

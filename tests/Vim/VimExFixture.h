@@ -17,7 +17,7 @@
 #include "Vim/VimTextView.h"
 
 /// A text for commands behind ":" without an engine.
-class VimExText final : public VimExTarget {
+class VimExText final : public VimExTarget, private VimRunning {
 public:
     explicit VimExText(const QString &content)
     {
@@ -49,6 +49,15 @@ public:
     void undo() override { show(undoManager.undo()); }
     void redo() override { show(undoManager.redo()); }
     [[nodiscard]] qsizetype undoSteps() const override { return undoManager.steps(); }
+    [[nodiscard]] VimRunning &running() override { return *this; }
+    void beginRun() override {}
+    void endRun() override {}
+    [[nodiscard]] bool goesOn() override { return true; }
+    [[nodiscard]] bool compute(const Computing &computing) override
+    {
+        computing(text(), {});
+        return true;
+    }
     [[nodiscard]] VimTextName name() const override { return {.path = {}, .title = QStringLiteral("Untitled")}; }
     [[nodiscard]] VimMarks &marks() override { return m_marks; }
     void setMark(char16_t name, qsizetype at) override { m_marks.set(name, at); }

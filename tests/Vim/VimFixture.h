@@ -171,6 +171,14 @@ public:
     }
     void showIndicator(TextRange range) override { indicator = range; }
     [[nodiscard]] Indentation indentation() const override { return indent; }
+    void beginRun() override { ++runs; }
+    void endRun() override {}
+    [[nodiscard]] bool goesOn() override { return !isStopped; }
+    [[nodiscard]] bool compute(const Computing &computing) override
+    {
+        computing(text(), {});
+        return true;
+    }
     void toggleComment() override
     {
         actions << QStringLiteral("toggleComment");
@@ -201,6 +209,8 @@ public:
     QStringList commandLines;
     QStringList messages;
     bool isReadOnly = false;
+    bool isStopped = false;
+    int runs = 0;
     VimCaret caretLook = VimCaret::bar;
     QStringList actions;
     int beeps = 0;
