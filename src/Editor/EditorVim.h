@@ -119,6 +119,7 @@ private:
     void scrollRows(qsizetype rows) override;
     void beginRun() override { m_text.begin(); }
     void endRun() override { m_text.end(); }
+    void showRun() override { m_text.flush(); }
     [[nodiscard]] bool goesOn() override { return m_run.goesOn(); }
     [[nodiscard]] bool compute(const Computing &computing) override { return m_run.compute(computing); }
     void seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive) override;

@@ -432,6 +432,7 @@ private:
     [[nodiscard]] std::optional<VimFileMarks::Place> heldMark(char16_t mark) const override;
     [[nodiscard]] QString heldText() const override;
     [[nodiscard]] VimMarks &heldMarks() override;
+    void share(char16_t name);
     [[nodiscard]] VimFileMarks *shared() const;
 };
 

@@ -53,13 +53,21 @@ std::optional<VimFileMarks::Place> VimEngine::Marking::heldMark(char16_t mark) c
     return VimFileMarks::Place{.text = name.lasting(), .title = name.title, .line = line, .column = *place - lines.startOf(line)};
 }
 
+void VimEngine::Marking::share(char16_t name)
+{
+    if (VimFileMarks *marks = shared(); marks && marks->isShared(*this)) {
+        m_engine.m_view.showRun();
+        marks->share(name, *this);
+    }
+}
+
 void VimEngine::Marking::set(char16_t name, qsizetype place)
 {
     m_exact.marks.set(name, place);
     if (VimFileMarks *marks = shared(); marks && VimFileMarks::isName(name)) {
         marks->set(name, *this);
-    } else if (marks && VimMarks::isUsers(name)) {
-        marks->share(name, *this);
+    } else if (VimMarks::isUsers(name)) {
+        share(name);
     }
 }
 
@@ -69,7 +77,7 @@ void VimEngine::Marking::remove(char16_t name)
     if (VimFileMarks *marks = shared()) {
         marks->remove(name);
         if (VimMarks::isUsers(name)) {
-            marks->share(name, *this);
+            share(name);
         }
     }
 }

@@ -35,6 +35,11 @@ void VimFileMarks::join(Holder &holder)
     }
 }
 
+bool VimFileMarks::isShared(const Holder &holder) const
+{
+    return std::ranges::any_of(m_holders, [&](const Holder *other) { return showTheSame(*other, holder); });
+}
+
 void VimFileMarks::share(char16_t name, Holder &holder)
 {
     for (Holder *other : m_holders) {

@@ -45,6 +45,7 @@ public:
 
     /// `holder` has those of other views of its text from now on, and gives them its own, till release().
     void join(Holder &holder);
+    [[nodiscard]] bool isShared(const Holder &holder) const;
     /// Has the mark, one of a–z, in the other views of the text as `holder` has it.
     void share(char16_t name, Holder &holder);
     /// `holder` holds it from now on, till release().

@@ -17,6 +17,8 @@ public:
     /// Nobody looks at the text and the caret till the end, so that what is to be seen of them may wait. Calls nest.
     virtual void beginRun() = 0;
     virtual void endRun() = 0;
+    /// Others are to see the text as it is here.
+    virtual void showRun() = 0;
     /// To be asked between two of them; false when the user has stopped them, and then until the end.
     [[nodiscard]] virtual bool goesOn() = 0;
     using Computing = std::function<void(const Rope &text, const std::stop_token &stop)>;

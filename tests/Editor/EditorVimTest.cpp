@@ -56,19 +56,15 @@ private:
 
 class EditorVimTest : public testing::Test {
 protected:
-    void start(const QString &text, Scheduler &clock)
+    [[nodiscard]] std::unique_ptr<EditorVim> modalEditing(EditorTextView &view, Scheduler &clock)
     {
-        preferences.set(Settings::vimMode, true);
-        preferences.set(Settings::vimExact, true);
-        preferences.set(Settings::vimSharesClipboard, false);
-        editor = std::make_unique<EditorFixture>(text);
-        configuration = std::make_unique<VimConfiguration>(preferences);
-        vim = std::make_unique<EditorVim>(
-            editor->view,
+        return std::make_unique<EditorVim>(
+            view,
             EditorVim::Services{.commands = {clock, workers, [] {}, [this](const QString &message, auto) { shown << message; }},
                                 .registers = registers,
                                 .keyboard = keyboard,
-                                .configuration = configuration.get()},
+                                .configuration = configuration.get(),
+                                .name = [] { return VimTextName{.path = {}, .title = {}, .id = u"text"_s}; }},
             configuration->options(),
             EditorVim::Callbacks{.stateChanged = [] {},
                                  .runCommand = [](const QString &) {},
@@ -76,6 +72,15 @@ protected:
                                  .list = [](const QString &, const QString &) {},
                                  .performCommand = [](const Action &, const QString &) {},
                                  .substitute = [](const VimSubstituteJob &) {}});
+    }
+    void start(const QString &text, Scheduler &clock)
+    {
+        preferences.set(Settings::vimMode, true);
+        preferences.set(Settings::vimExact, true);
+        preferences.set(Settings::vimSharesClipboard, false);
+        editor = std::make_unique<EditorFixture>(text);
+        configuration = std::make_unique<VimConfiguration>(preferences);
+        vim = modalEditing(editor->view, clock);
         QObject::connect(&editor->storage, &TextStorage::changed, &editor->view, [this] { ++changes; });
         QObject::connect(&editor->view, &TextView::selectionChanged, &editor->view, [this] { ++selections; });
     }
@@ -137,6 +142,18 @@ TEST_F(EditorVimTest, ChangesTheViewOnceForAllKeysThatRunByThemselves)
     record(u'b', u"ox\u001bua y\u001b"_s);
     press(u"gg3@b"_s);
     EXPECT_TRUE(text().startsWith(u"l yine\nline\n"_s)) << text().first(30).toStdString();
+}
+
+TEST_F(EditorVimTest, SharesTheMarksThatKeysSetAsTheyRun)
+{
+    start(u"one\ntwo\n"_s, still);
+    EditorTextView otherView(editor->storage, editor->undo, {editor->scheduler, pasteboard, [] {}}, testFont());
+    const auto other = modalEditing(otherView, still);
+    record(u'a', u"Ofirst\u001bjmaOmore\u001b"_s);
+    press(u"2@a"_s);
+    EXPECT_EQ(text(), u"first\nfirst\nmore\nmore\none\ntwo\n"_s);
+    QTest::keyClicks(&otherView, u"'ax"_s);
+    EXPECT_EQ(text(), u"first\nfirst\nmore\nore\none\ntwo\n"_s);
 }
 
 TEST_F(EditorVimTest, RunsInSlicesWhileFurtherKeysWait)

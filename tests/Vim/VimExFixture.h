@@ -52,6 +52,7 @@ public:
     [[nodiscard]] VimRunning &running() override { return *this; }
     void beginRun() override {}
     void endRun() override {}
+    void showRun() override {}
     [[nodiscard]] bool goesOn() override { return true; }
     [[nodiscard]] bool compute(const Computing &computing) override
     {

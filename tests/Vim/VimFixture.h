@@ -173,6 +173,7 @@ public:
     [[nodiscard]] Indentation indentation() const override { return indent; }
     void beginRun() override { ++runs; }
     void endRun() override {}
+    void showRun() override {}
     [[nodiscard]] bool goesOn() override { return !isStopped; }
     [[nodiscard]] bool compute(const Computing &computing) override
     {
