@@ -636,6 +636,11 @@ void VimEngine::takeSelection(TextSelection selection)
         return;
     }
     const TextRange range = selection.range();
+    if (m_exact && !m_exact->commanding.question().isEmpty()) {
+        // Who points elsewhere answers no more.
+        m_exact->commanding.endQuestions();
+        m_view.select(range, selection.caret);
+    }
     m_keymap.forget();
     clearPending();
     if (range.isEmpty()) {

@@ -450,6 +450,8 @@ public:
     void substituteAgain(bool inAllLines);
     /// A key that answers a question; false when none is asked.
     bool takeAnswer(const VimKeyEvent &event);
+    /// What is replaced stays so, and the rest as it is.
+    void endQuestions();
     [[nodiscard]] QString question() const { return m_confirmation ? m_confirmation->question() : QString(); }
     [[nodiscard]] std::optional<QString> lastReplacement() const { return m_substitution.replacement; }
     [[nodiscard]] std::optional<VimTypedSubstitution> typedSubstitution() const;
@@ -485,7 +487,6 @@ private:
     bool substituteElsewhere(const VimSubstituteJob &job) override;
     bool confirm(const VimSubstituteJob &job) override;
     void ask();
-    void endQuestions();
 
     VimSubstituteMemory m_substitution;
     std::unique_ptr<VimSubstituteJob> m_job;

@@ -90,6 +90,12 @@ TEST(VimExact, AsksBeforeEachHitInOneStep)
     EXPECT_EQ(view.string(), u"a a a a\n"_s);
     view.press(u":s/a/b/gc<CR>y<Esc>x"_s);
     EXPECT_EQ(view.string(), u"b  a a\n"_s) << "the caret is left on the hit that was asked about";
+    view.press(u"u:s/a/c/gc<CR>y"_s);
+    view.select({6, 0}, 6);
+    view.engine.takeSelection(TextSelection::at(6));
+    EXPECT_EQ(view.engine.question(), QString()) << "one click elsewhere ends it";
+    view.press(u"x"_s);
+    EXPECT_EQ(view.string(), u"b c a \n"_s);
 }
 
 TEST(VimExact, SaysOnceWhatSubstitutionsOfManyLinesDid)
