@@ -606,10 +606,12 @@ void VimEngine::Inserting::breakBeforeWidth(const QString &next)
     const Sight sight = see();
     const VimLines &lines = sight.lines;
     const qsizetype place = caret();
-    if (lines.cells(place).first < width) {
+    const qsizetype line = lines.start(place);
+    // So far behind its start nobody counts cells for each letter.
+    constexpr qsizetype farther = 1 << 16;
+    if (place - line < farther && lines.cells(place).first < width) {
         return;
     }
-    const qsizetype line = lines.start(place);
     const QString indentation = indentationFor(line);
     std::optional<TextRange> blanks;
     for (qsizetype at = line + indentation.size(); at < place; ++at) {
