@@ -104,8 +104,12 @@ EditorVim::EditorVim(EditorTextView &view, const Services &services, const VimOp
                                                                             m_engine->textChanged(change);
                                                                         }
                                                                     }),
-      m_engine(new VimEngine(*this, *this, services.registers, options)),
-      m_run(view, services.commands, {[this] { m_text.flush(); }, [this](bool isStopped) { keysDone(isStopped); }}),
+      m_engine(new VimEngine(*this, *this, services.registers, options)), m_run(view, services.commands,
+                                                                                {[this] {
+                                                                                     m_text.flush();
+                                                                                     vimEngineDidChangeState(*m_engine);
+                                                                                 },
+                                                                                 [this](bool isStopped) { keysDone(isStopped); }}),
       m_search(view, services.commands), m_preview(view, services.commands.workers), m_substitution(view),
       m_panel(std::make_unique<PendingKeysPanel>(view, services.commands.scheduler)), m_scheduler(services.commands.scheduler)
 {
