@@ -73,6 +73,9 @@ bool VimEngine::handle(const VimKeyEvent &event)
         m_exact->repeating.record(event);
     }
     const bool isDone = handleKey(event);
+    if (m_exact) {
+        m_exact->operating.endChange();
+    }
     if (std::exchange(m_hasNews, false)) {
         m_delegate.vimEngineDidChangeState(*this);
     }

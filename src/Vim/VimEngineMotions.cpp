@@ -165,11 +165,9 @@ void VimEngine::beginCommandLine(char16_t prefix)
     }
     m_modeBefore = Mode::normal;
     setMode(Mode::commandLine);
-    const auto waiting = m_exact ? m_pendingOperator : std::nullopt; // for what the command goes over
-    const auto name = waiting ? m_pendingRegister : std::nullopt;
-    resetPending();
-    m_pendingOperator = waiting;
-    m_pendingRegister = name;
+    if (!m_exact || !m_pendingOperator) {
+        resetPending(); // an operator waits for where the command leads
+    }
 }
 
 /// Back to where it was begun.

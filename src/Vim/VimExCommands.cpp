@@ -72,7 +72,7 @@ constexpr VimExCommand exactly(const ExactNames &names, unsigned takes, const Ac
 namespace Ex = VimExFunctions;
 
 constexpr unsigned lines = range | count;
-constexpr unsigned linesAndRegister = lines | registerName | edits;
+constexpr unsigned linesAndRegister = lines | registerName;
 constexpr unsigned optionalName = argument | bang;
 constexpr unsigned mapping = argument | configures;
 
@@ -111,25 +111,24 @@ constexpr auto commands = std::to_array<VimExCommand>({
 
     exactly({u"d[elete]"}, linesAndRegister, &Ex::remove, {commandLine, u"delete, yank lines", {u":{range}d x"sv}}),
     exactly({u"y[ank]"}, linesAndRegister, &Ex::yank, besideAbove),
-    exactly({u"pu[t]"}, range | lineZero | registerName | bang | edits, &Ex::put,
+    exactly({u"pu[t]"}, range | lineZero | registerName | bang, &Ex::put,
             {commandLine, u"put lines of a register below, above", {u":pu x"sv, u":pu! x"sv}}),
-    exactly({u"m[ove]"}, range | argument | edits, &Ex::move, {commandLine, u"move, copy lines behind another", {u":m {line}"sv}}),
-    exactly({u"t", u"co[py]"}, range | argument | edits, &Ex::copy, {.forms = {u":t {line}"sv}, .isBesideAbove = true}),
-    exactly({u"j[oin]"}, lines | bang | edits, &Ex::join, {commandLine, u"join lines, as they are", {u":j"sv, u":j!"sv}}),
-    exactly({u">"}, lines | edits, &Ex::shift, {commandLine, u"indent, outdent lines"}),
-    exactly({u"<"}, lines | edits, &Ex::shift, besideAbove),
-    exactly({u"g[lobal]"}, range | all | bang | rest | edits, &Ex::repeatOnLines,
+    exactly({u"m[ove]"}, range | argument, &Ex::move, {commandLine, u"move, copy lines behind another", {u":m {line}"sv}}),
+    exactly({u"t", u"co[py]"}, range | argument, &Ex::copy, {.forms = {u":t {line}"sv}, .isBesideAbove = true}),
+    exactly({u"j[oin]"}, lines | bang, &Ex::join, {commandLine, u"join lines, as they are", {u":j"sv, u":j!"sv}}),
+    exactly({u">"}, lines, &Ex::shift, {commandLine, u"indent, outdent lines"}),
+    exactly({u"<"}, lines, &Ex::shift, besideAbove),
+    exactly({u"g[lobal]"}, range | all | bang | rest, &Ex::repeatOnLines,
             {commandLine, u"do a command on all lines that match, that do not", {u":g/pattern/command"sv}}),
-    exactly({u"v[global]"}, range | all | rest | edits, &Ex::repeatOnOtherLines,
-            {.forms = {u":v/pattern/command"sv}, .isBesideAbove = true}),
-    exactly({u"norm[al]"}, range | bang | rest | edits, &Ex::normal,
+    exactly({u"v[global]"}, range | all | rest, &Ex::repeatOnOtherLines, {.forms = {u":v/pattern/command"sv}, .isBesideAbove = true}),
+    exactly({u"norm[al]"}, range | bang | rest, &Ex::normal,
             {commandLine, u"type keys of normal mode, on every line of a range", {u":norm {keys}"sv}}),
-    exactly({u"sor[t]"}, range | all | bang | argument | edits, &Ex::sort,
+    exactly({u"sor[t]"}, range | all | bang | argument, &Ex::sort,
             {commandLine, u"sort lines; flags n f x o b i r u, ! for the other way round", {u":sort"sv}}),
-    exactly({u"s[ubstitute]", u"&", u"&&", u"~"}, range | rest | edits, &Ex::substitute,
+    exactly({u"s[ubstitute]", u"&", u"&&", u"~"}, range | rest, &Ex::substitute,
             {commandLine, u"substitute; the same again", {u":s/old/new/g"sv, u":&&"sv}}),
-    exactly({u"ret[ab]"}, range | all | bang | argument | edits, &Ex::retab, {commandLine, u"write tabs and spaces anew", {u":retab"sv}}),
-    exactly({u"u[ndo]"}, argument, &Ex::undo, {commandLine, u"undo, redo"}),
+    exactly({u"ret[ab]"}, range | all | bang | argument, &Ex::retab, {commandLine, u"write tabs and spaces anew", {u":retab"sv}}),
+    exactly({u"u[ndo]"}, range | lineZero | anyNumber | argument, &Ex::undo, {commandLine, u"undo, redo"}),
     exactly({u"red[o]"}, nothing, &Ex::redo, besideAbove),
     exactly({u"k"}, range | argument, &Ex::mark, {commandLine, u"set, delete marks", {u":k x"sv}}),
     exactly({u"ma[rk]"}, range | argument, &Ex::mark),

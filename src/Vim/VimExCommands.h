@@ -59,8 +59,8 @@ struct VimExCommand {
         argument = 1U << 6,
         /// An argument that is the rest of the line, with every "|".
         rest = 1U << 7,
-        /// It changes the text.
-        edits = 1U << 8,
+        /// What is written before it is a number rather than lines.
+        anyNumber = 1U << 8,
         /// It needs no text, so that it may stand in a file of such commands.
         configures = 1U << 9,
         /// Its argument is the name of a file, or those are of options.

@@ -37,6 +37,13 @@ void noteChanged(VimExTarget &target, LineSpan lines)
     target.marks().set(u']', text.startOf(std::clamp<qsizetype>(lines.last, 1, text.count())));
 }
 
+/// What was changed goes as far as that of a line.
+void noteLastCharacter(VimExTarget &target, qsizetype line)
+{
+    const VimLines lines(target.text());
+    target.marks().set(u']', lines.last(lines.startOf(line)));
+}
+
 /// The caret is about to jump.
 void noteJump(VimExTarget &target)
 {
@@ -45,9 +52,13 @@ void noteJump(VimExTarget &target)
 }
 
 /// What was refused was said where it was.
-bool apply(VimExTarget &target, const TextEdits &edits)
+bool apply(VimExCall &call, const TextEdits &edits)
 {
-    return edits.isEmpty() || target.apply(edits);
+    if (edits.isEmpty()) {
+        return true;
+    }
+    call.line.beginUndoGroup();
+    return call.target().apply(edits);
 }
 
 /// What `function` makes of these lines of the text, on a worker where they are many; none when the user has stopped it.
@@ -86,10 +97,12 @@ Result<void> remove(VimExCall &call)
     }
     store(call, VimRegisters::Taken::removedLines);
     noteJump(target);
+    goTo(target, call.lines.first);
+    target.forgetLine();
     if (call.lines.count() == VimLines(target.text()).count()) {
         target.marks().deleteAll();
     }
-    if (apply(target, VimExEdits::removed(target.text(), call.lines))) {
+    if (apply(call, VimExEdits::removed(target.text(), call.lines))) {
         goTo(target, call.lines.first);
         noteChanged(target, {call.lines.first, call.lines.first});
     }
@@ -100,6 +113,7 @@ Result<void> yank(VimExCall &call)
 {
     store(call, VimRegisters::Taken::yanked);
     noteChanged(call.target(), call.lines);
+    noteLastCharacter(call.target(), call.lines.last);
     return {};
 }
 
@@ -115,7 +129,7 @@ Result<void> put(VimExCall &call)
         block.replace({block.length(), 0}, VimExEdits::lineBreak(target.text()));
     }
     const qsizetype after = call.hasBang ? std::max<qsizetype>(call.lines.last - 1, 0) : call.lines.last;
-    if (apply(target, VimExEdits::inserted(target.text(), after, block))) {
+    if (apply(call, VimExEdits::inserted(target.text(), after, block))) {
         const LineSpan added{after + 1, after + block.lineCount() - 1};
         goTo(target, added.last);
         noteChanged(target, added);
@@ -150,6 +164,7 @@ Result<void> move(VimExCall &call)
         return tl::make_unexpected(to.error());
     }
     const LineSpan lines = call.lines;
+    call.target().forgetLine();
     if (*to >= lines.first && *to < lines.last) {
         return failure(localized(u"Lines cannot be moved into themselves"));
     }
@@ -168,7 +183,7 @@ Result<void> move(VimExCall &call)
             kept.push_back({mark.name, line - lines.first, mark.place - before.startOf(line)});
         }
     }
-    if (!apply(target, VimExEdits::moved(target.text(), lines, *to))) {
+    if (!apply(call, VimExEdits::moved(target.text(), lines, *to))) {
         return {};
     }
     const qsizetype first = *to >= lines.last ? *to - lines.count() + 1 : *to + 1;
@@ -188,8 +203,9 @@ Result<void> copy(VimExCall &call)
         return tl::make_unexpected(to.error());
     }
     VimExTarget &target = call.target();
+    target.forgetLine();
     const Rope &text = target.text();
-    if (apply(target, VimExEdits::inserted(text, *to, VimExEdits::content(text, call.lines)))) {
+    if (apply(call, VimExEdits::inserted(text, *to, VimExEdits::content(text, call.lines)))) {
         goTo(target, *to + call.lines.count());
         noteChanged(target, {*to + 1, *to + call.lines.count()});
     }
@@ -221,7 +237,7 @@ Result<void> join(VimExCall &call)
         const qsizetype line = before.number(mark.place);
         return line < lines.first || line > lines.last;
     });
-    if (apply(target, *edits)) {
+    if (apply(call, *edits)) {
         target.marks().noteJoined(VimLines(target.text()).startOf(lines.first));
         // Of blank lines too, of which nothing is left.
         for (const VimMarks::Mark &mark : marks) {
@@ -236,14 +252,20 @@ Result<void> shift(VimExCall &call)
 {
     VimExTarget &target = call.target();
     noteJump(target);
+    goTo(target, call.lines.first);
     const qsizetype levels = call.name.startsWith(u'>') ? call.name.size() : -call.name.size();
     const auto edits =
         computed(target, call.lines, [levels, indentation = target.indentation()](const Rope &text, LineSpan span, const auto & /*stop*/) {
             return VimExEdits::shifted(text, span, levels, indentation);
         });
-    if (edits && apply(target, *edits)) {
+    if (!edits) {
+        return {};
+    }
+    call.line.beginUndoGroup();
+    if (target.apply(*edits)) {
         goTo(target, call.lines.last);
         noteChanged(target, call.lines);
+        noteLastCharacter(target, call.lines.last);
     }
     return {};
 }
@@ -322,7 +344,7 @@ Result<void> sort(VimExCall &call)
         computed(target, call.lines, [sorting = *std::move(wanted)](const Rope &text, LineSpan span, const std::stop_token &stop) {
             return VimExEdits::sorted(text, span, sorting, stop);
         });
-    if (edits && apply(target, *edits)) {
+    if (edits && apply(call, *edits)) {
         goTo(target, call.lines.first);
     }
     return {};
@@ -350,7 +372,7 @@ Result<void> retab(VimExCall &call)
         target, call.lines,
         [old = now.tabWidth(), wanted, runs = call.hasBang ? VimExEdits::Runs::all : withTabs](
             const Rope &text, LineSpan span, const auto & /*stop*/) { return VimExEdits::retabbed(text, span, old, wanted, runs); });
-    if (!edits || !apply(target, *edits)) {
+    if (!edits || !apply(call, *edits)) {
         return {};
     }
     const VimLines after(target.text());
@@ -397,8 +419,13 @@ Result<void> substitute(VimExCall &call)
     if (outcome.hits == 0 && !job->flags.isQuiet) {
         return failure(message);
     }
-    if (outcome.hits > 0 && !job->flags.onlyCounts && apply(target, outcome.edits)) {
-        target.moveCaret(outcome.caret);
+    if (outcome.hits > 0 && !job->flags.onlyCounts) {
+        if (!outcome.edits.isEmpty()) {
+            target.moveCaret(target.text().lineStart(target.text().lineAt(outcome.edits[0].range.location)));
+        }
+        if (apply(call, outcome.edits)) {
+            target.moveCaret(outcome.caret);
+        }
     }
     const QString line = job->shownLine(outcome, target.text());
     if (call.line.isRepeating() && !job->flags.onlyCounts) {
@@ -476,13 +503,13 @@ std::vector<qsizetype> linesToTake(const Rope &text, LineSpan span, const VimPat
 }
 
 /// Deletes all of these lines at once but those that the registers keep, which are left for the command itself.
-std::vector<qsizetype> withoutForgotten(VimExTarget &target, std::vector<qsizetype> starts)
+std::vector<qsizetype> withoutForgotten(VimExCall &call, std::vector<qsizetype> starts)
 {
     constexpr size_t kept = 10;
     if (starts.size() <= kept) {
         return starts;
     }
-    const VimLines lines(target.text());
+    const VimLines lines(call.target().text());
     const auto rest = starts.end() - kept;
     TextEdits edits;
     qsizetype taken = 0;
@@ -495,7 +522,7 @@ std::vector<qsizetype> withoutForgotten(VimExTarget &target, std::vector<qsizety
         edits.add(TextRange::between(from, end), Rope());
         taken += end - from;
     }
-    if (target.apply(edits)) {
+    if (apply(call, edits)) {
         starts.erase(starts.begin(), rest);
         std::ranges::for_each(starts, [taken](qsizetype &start) { start -= taken; });
     }
@@ -540,7 +567,7 @@ Result<void> repeat(VimExCall &call, Lines which)
     }
     noteJump(target);
     if (const QStringView command = QStringView(commands).trimmed(); !command.isEmpty() && u"delete"_s.startsWith(command)) {
-        starts = withoutForgotten(target, *std::move(starts));
+        starts = withoutForgotten(call, *std::move(starts));
     }
     VimMarkedLines lines(*std::move(starts));
     const VimExLine::Repetition repetition(call.line);
@@ -575,6 +602,7 @@ Result<void> normal(VimExCall &call)
         return failure(localized(u"Keys are missing"));
     }
     if (call.written == 0) {
+        call.line.beginUndoGroup();
         target.runNormal(call.argument, !call.hasBang);
         return {};
     }
@@ -582,6 +610,7 @@ Result<void> normal(VimExCall &call)
     for (qsizetype line = call.lines.first; line <= call.lines.last && target.running().goesOn(); ++line) {
         const VimLines lines(target.text());
         target.moveCaret(lines.startOf(std::min(line, lines.count())));
+        call.line.beginUndoGroup();
         target.runNormal(call.argument, !call.hasBang);
     }
     return {};
@@ -590,7 +619,7 @@ Result<void> normal(VimExCall &call)
 Result<void> undo(VimExCall &call)
 {
     VimExTarget &target = call.target();
-    const QString wanted = call.argument.trimmed();
+    const QString wanted = call.written == 1 ? QString::number(call.lines.last) : call.argument.trimmed();
     call.line.endUndoGroup();
     if (wanted.isEmpty()) {
         target.undo();

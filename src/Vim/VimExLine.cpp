@@ -150,6 +150,7 @@ Result<void> VimExLine::carryOutNext(QStringView &commands)
             return tl::make_unexpected(parsed.error());
         }
         range = *parsed;
+        range.hasMark = commands.first(range.length).contains(u'\'');
         commands = commands.sliced(range.length);
     }
     if (commands.isEmpty() || commands.front() == u'|' || commands.front() == u'"') {
@@ -161,6 +162,9 @@ Result<void> VimExLine::carryOutNext(QStringView &commands)
         return tl::make_unexpected(parsed.error());
     }
     const unsigned takes = parsed->command->takes;
+    if ((takes & VimExCommand::anyNumber) != 0 && range.hasMark) {
+        return failure(localized(u"Invalid range"));
+    }
     QString argument;
     if ((takes & VimExCommand::rest) != 0) {
         argument = std::exchange(commands, {}).toString();
@@ -245,7 +249,8 @@ Result<void> VimExLine::perform(const Parsed &parsed, const VimExRange &range, Q
     if ((command.takes & Takes::all) != 0 && range.written == 0) {
         call.lines = {1, last};
     }
-    if (call.lines.first < 0 || call.lines.last > last) {
+    const bool isAnyNumber = (command.takes & Takes::anyNumber) != 0;
+    if (!isAnyNumber && (call.lines.first < 0 || call.lines.last > last)) {
         return failure(localized(u"Invalid range"));
     }
     if ((command.takes & Takes::lineZero) == 0) {
@@ -282,9 +287,6 @@ Result<void> VimExLine::perform(const Parsed &parsed, const VimExRange &range, Q
         return failure(formatted(localized(u"More than the command takes: %@"), argument));
     }
     call.argument = argument;
-    if ((command.takes & Takes::edits) != 0) {
-        beginUndoGroup();
-    }
     if (command.exact) {
         return command.exact(call);
     }

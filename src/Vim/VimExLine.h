@@ -40,6 +40,8 @@ public:
     void note(const VimExRange::Trace &trace);
     /// In its column, as far as there is one.
     void moveToLine(qsizetype line);
+    /// What it changes from now on is one step of undo, which leads back to where the caret is now.
+    void beginUndoGroup();
     /// What it changes from now on is a step of undo of its own.
     void endUndoGroup();
     /// A command that goes through lines, which cannot be nested.
@@ -74,7 +76,6 @@ private:
     [[nodiscard]] Result<void> goToLine(const VimExRange &range);
     [[nodiscard]] Result<Parsed> takeName(QStringView &commands) const;
     [[nodiscard]] Result<void> perform(const Parsed &parsed, const VimExRange &range, QString argument);
-    void beginUndoGroup();
     void takeModifiers(QStringView &commands);
 
     VimExTarget *m_target = nullptr;

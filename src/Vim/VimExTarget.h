@@ -27,7 +27,7 @@ public:
     [[nodiscard]] virtual qsizetype caret() const = 0;
     /// It settles on a character of its line.
     virtual void moveCaret(qsizetype place) = 0;
-    /// One change, which marks and lists of places follow. False when it was refused.
+    /// One change, which marks and lists of places follow. False when it was refused. Without edits it is a step of undo all the same.
     virtual bool apply(const TextEdits &edits) = 0;
     /// Calls nest.
     virtual void beginUndoGroup() = 0;
@@ -36,6 +36,8 @@ public:
     virtual void redo() = 0;
     /// Steps that can be undone.
     [[nodiscard]] virtual qsizetype undoSteps() const = 0;
+    /// There is no line any more that `U` could restore.
+    virtual void forgetLine() = 0;
     [[nodiscard]] virtual VimTextName name() const = 0;
 
     /// Of this text; those of the user are set and removed by what follows.

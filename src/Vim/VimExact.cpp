@@ -37,7 +37,7 @@ void VimEngine::ExactPart::setCaret(qsizetype place, std::optional<qsizetype> co
 {
     const Sight sight = see();
     qsizetype at = std::clamp<qsizetype>(place, 0, text().length());
-    const bool mayStandBehind = m_engine.m_mode == Mode::insert || m_engine.isVisual();
+    const bool mayStandBehind = m_engine.m_mode == Mode::insert || m_engine.isVisual() || m_exact.inserting.comesBack();
     at = mayStandBehind ? TextBoundaries::snapped(text(), std::min(at, sight.lines.end(at))) : sight.lines.settled(at);
     m_exact.column = column;
     m_exact.columnPlace = at;
@@ -99,11 +99,16 @@ void VimEngine::Repeating::remember()
     if (m_isHeld) {
         return;
     }
-    m_redo = Redo{.keys = m_keys,
-                  .registerName = m_engine.m_pendingRegister,
-                  .count = m_engine.hasCount() ? m_engine.effectiveCount() : 0,
-                  .extent = m_engine.m_extent,
-                  .script = std::nullopt};
+    push({.keys = m_keys,
+          .registerName = m_engine.m_pendingRegister,
+          .count = m_engine.hasCount() ? m_engine.effectiveCount() : 0,
+          .extent = m_engine.m_extent,
+          .script = std::nullopt});
+}
+
+void VimEngine::Repeating::push(Redo redo)
+{
+    m_redoBefore = std::exchange(m_redo, std::move(redo));
 }
 
 QString VimEngine::Repeating::hold()
@@ -128,7 +133,7 @@ void VimEngine::Repeating::rememberScript(const QString &script)
 void VimEngine::Repeating::rememberInsertion()
 {
     if (!m_isReplaying) {
-        m_redo = Redo{.keys = u"i"_s, .registerName = std::nullopt, .count = 0, .extent = std::nullopt, .script = QString()};
+        push({.keys = u"i"_s, .registerName = std::nullopt, .count = 0, .extent = std::nullopt, .script = QString()});
     }
 }
 
@@ -141,14 +146,19 @@ void VimEngine::Repeating::rememberKeys(const QString &keys)
 
 void VimEngine::Repeating::repeat()
 {
-    if (!m_redo || m_isReplaying) {
+    const bool isEarlier = m_exact.inserting.comesBack() && !m_exact.inserting.isAnew();
+    const auto wanted = isEarlier ? m_redoBefore : m_redo;
+    if (!wanted || m_isReplaying) {
         fail();
         return;
     }
+    push(*wanted);
     if (m_engine.hasCount() && !m_redo->extent) {
         m_redo->count = m_engine.effectiveCount();
     }
     m_engine.resetPending();
+    const bool comesBack = m_exact.inserting.comesBack();
+    m_exact.inserting.setComesBack(false); // all of the command is the one command
     if (m_redo->registerName && *m_redo->registerName >= u'1' && *m_redo->registerName < u'9') {
         ++*m_redo->registerName;
     }
@@ -172,6 +182,8 @@ void VimEngine::Repeating::repeat()
     m_engine.resetPending();
     m_engine.m_view.endUndoGroup();
     m_hasFailed = !isDone;
+    m_exact.inserting.setComesBack(comesBack);
+    m_exact.inserting.comeBack();
 }
 
 bool VimEngine::Repeating::run(const QString &keys)
@@ -280,11 +292,11 @@ void VimEngine::Repeating::runMacro(char16_t name)
     const Rope recorded =
         wanted == 0 || wanted == u':' ? Rope() : m_exact.contents(wanted == u'"' ? std::nullopt : std::optional(wanted)).text;
     m_engine.resetPending();
+    m_lastMacro = wanted;
     if ((recorded.isEmpty() && command.isEmpty()) || !m_engine.mayInsert(recorded.length(), count)) {
         fail();
         return;
     }
-    m_lastMacro = wanted;
     QString keys = command.isEmpty() ? recorded.toString() : u':' + command + u'\r';
     keys = keys.repeated(count);
     if (m_depth > 0) {
@@ -308,7 +320,10 @@ bool endsWithBreak(const Rope &text)
 
 } // namespace
 
-VimEngine::Exact::Exact(VimEngine &owner) : engine(owner) {}
+VimEngine::Exact::Exact(VimEngine &owner) : engine(owner)
+{
+    marks.set(u'\'', 0); // as in a text that was just opened
+}
 
 void VimEngine::Exact::escape()
 {
@@ -322,6 +337,8 @@ void VimEngine::Exact::escape()
     if (engine.m_mode == Mode::commandLine) {
         engine.rememberCommandLine();
         engine.leaveCommandLine();
+    } else if (engine.isVisual() && !engine.m_awaiting) {
+        selecting.leave();
     }
     engine.m_mode == Mode::insert ? engine.m_awaiting.reset() : engine.resetPending();
     inserting.comeBack();
@@ -346,21 +363,17 @@ void VimEngine::Exact::enterCommandLine(const VimCommandLine &line)
         going.search(line.text(), line.prefix() == u'/' ? SearchDirection::forward : SearchDirection::backward);
         return;
     }
-    const auto waiting = engine.m_pendingOperator;
-    const auto name = engine.m_pendingRegister;
-    const qsizetype from = engine.caret();
-    engine.resetPending();
     if (!line.text().isEmpty()) {
         lastCommandLine = line.text();
     }
+    if (engine.m_pendingOperator) {
+        operating.applyOver(line.text());
+        return;
+    }
+    engine.resetPending();
     commanding.run(line.text());
-    if (waiting && engine.m_mode == Mode::normal) {
-        // The operator takes what the command went over.
-        const qsizetype place = engine.caret();
-        engine.m_view.select({std::min(from, engine.m_view.text().length()), 0}, std::min(from, engine.m_view.text().length()));
-        engine.m_pendingOperator = waiting;
-        engine.m_pendingRegister = name;
-        operating.arrive({.place = place});
+    if (commanding.question().isEmpty()) {
+        inserting.comeBack();
     }
 }
 
@@ -400,6 +413,15 @@ bool VimEngine::Exact::restoreLastBreak(bool wasTyped)
     operating.appendBreak();
     terminate();
     return true;
+}
+
+void VimEngine::Exact::settleLastBreak(bool wasUnterminated)
+{
+    if (std::exchange(m_isEmptied, false)) {
+        terminate();
+    } else if (const Rope &text = engine.m_view.text(); wasUnterminated && endsWithBreak(text)) {
+        operating.dropLastBreak();
+    }
 }
 
 VimRegisterContents VimEngine::Exact::contents(std::optional<char16_t> name) const

@@ -12,6 +12,7 @@
 #include "Vim/VimExactObject.h"
 #include "Vim/VimFileMarks.h"
 #include "Vim/VimFormatting.h"
+#include "Vim/VimIdleSteps.h"
 #include "Vim/VimLiteral.h"
 #include "Vim/VimMarks.h"
 #include "Vim/VimSubstituteJob.h"
@@ -102,7 +103,11 @@ private:
         std::optional<QString> script;
     };
     QString m_keys;
+    void push(Redo redo);
+
     std::optional<Redo> m_redo;
+    /// That before it, which "." repeats while the one that inserts text goes on.
+    std::optional<Redo> m_redoBefore;
     bool m_isReplaying = false;
     bool m_isHeld = false;
     bool m_hasFailed = false;
@@ -166,6 +171,11 @@ public:
     /// After a command of normal mode that was to be the only one.
     void comeBack();
     [[nodiscard]] bool comesBack() const { return m_comesBack; }
+    void setComesBack(bool comesBack) { m_comesBack = comesBack; }
+    /// To where the caret is then, even if it was behind the line.
+    void comeBackBefore() { m_returnsBehind.reset(); }
+    /// Nothing was typed yet since the caret was moved, or since a command of normal mode.
+    [[nodiscard]] bool isAnew() const { return m_isAnew; }
     /// Plays what was typed again.
     void play(const QString &script);
 
@@ -173,6 +183,8 @@ public:
 
 private:
     void takeLiteral(const VimKeyEvent &event);
+    /// Before a key changes the text.
+    void startTyping();
     void putLiteral(const QString &text);
     void put(const QString &text);
     void restoreReplaced(VimDeletion what);
@@ -198,6 +210,9 @@ private:
     bool m_hasGivenIndentation = false;
     bool m_isRepeating = false;
     bool m_comesBack = false;
+    bool m_isAnew = false;
+    /// The next key is the first one that changes the text.
+    bool m_isFirstKey = false;
     Kind m_returnsTo = Kind::insert;
     /// The line, from 0, behind which the caret was.
     std::optional<qsizetype> m_returnsBehind;
@@ -233,6 +248,8 @@ public:
     void apply(OperatorKind kind, const Region &region);
     void applyToBlock(OperatorKind kind, const VimBlock &block);
     void forget() { m_forced.reset(), m_objectCaret.reset(); }
+    /// The operator that waits takes what lies between the caret and where `command` leads.
+    void applyOver(const QString &command);
     /// The operator that waits takes characters, lines or a block, whatever its motion says.
     void force(Mode mode);
 
@@ -256,8 +273,19 @@ public:
     void noteCaret(qsizetype place) { m_caretBefore = place; }
     /// There is no line any more that could be as it was before.
     void forgetLine() { m_lineBefore.reset(); }
+    /// A command is about to change the text there: where it changes nothing, that is a step of undo as well. It is for changes of one
+    /// line that the line is kept for `U`.
+    enum class Reach { line, lines };
+    void beginChange(qsizetype place, Reach reach = Reach::line);
+    /// The line at `place` is as it is, unless it is kept already.
+    void keepLine(qsizetype place);
+    /// A key is done with.
+    void endChange();
+    /// Steps that can be undone.
+    [[nodiscard]] qsizetype undoSteps() const;
     [[nodiscard]] QString blanks(qsizetype cells) const;
     void appendBreak();
+    void dropLastBreak();
     /// The places of `[` and `]`.
     void setChangeMarks(qsizetype first, qsizetype last);
     /// Of the mark `.` and the list of changes.
@@ -274,6 +302,7 @@ private:
     void format(const Region &region, bool keepsCaret);
     void pasteBlock(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
     void showUndone(std::optional<qsizetype> before);
+    void takeBackJump(const VimPlaces &jumps, std::optional<qsizetype> leftAt);
     void putText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
     void shiftBlock(OperatorKind kind, const VimBlock &block);
 
@@ -293,6 +322,11 @@ private:
         qsizetype column = 0;
     };
     std::optional<LineBefore> m_lineBefore;
+    void keepLineOf(const Rope &before, qsizetype place, qsizetype caret);
+    VimIdleSteps m_idleSteps;
+    std::optional<qsizetype> m_begun;
+    bool m_hasChanged = false;
+    bool m_changesLines = false;
     /// Where the caret is while a command changes the text.
     std::optional<qsizetype> m_caretBefore;
     bool m_isUndoing = false;
@@ -391,6 +425,8 @@ public:
     /// From where it is left by a jump; the mark of it stays where it was when nobody moves.
     enum class Moving { stays, goes };
     void rememberJump(Moving moving);
+    /// Before a text object is looked for, of which brackets are jumps.
+    void rememberObject(char16_t key);
 
 private:
     /// Where a search leads from a place in a text, if it does within so many units.
@@ -466,6 +502,7 @@ private:
     void undo() override;
     void redo() override;
     [[nodiscard]] qsizetype undoSteps() const override;
+    void forgetLine() override;
     [[nodiscard]] VimTextName name() const override;
     [[nodiscard]] VimMarks &marks() override;
     void setMark(char16_t name, qsizetype place) override;
@@ -511,6 +548,8 @@ public:
     /// What came into a text that was emptied, also if it is gone again when it `wasTyped`, gets the break at its end that the text had;
     /// whether it did. Part of the same change.
     bool restoreLastBreak(bool wasTyped = false);
+    /// The same of what brought one of its own, which goes where the text `wasUnterminated`.
+    void settleLastBreak(bool wasUnterminated);
     [[nodiscard]] bool isUnterminated() const { return m_isUnterminated; }
     /// After a step was undone: the marks that went with their lines are back, and what was selected before it.
     void restoreMarks();

@@ -18,6 +18,9 @@ using namespace Qt::StringLiterals;
 
 void VimEngine::Commanding::run(const QString &typed)
 {
+    if (typed == u"'<,'>") {
+        return; // what a visual mode begins the line with, and nothing else
+    }
     if (!m_engine.m_configuration) {
         m_engine.m_delegate.vimEngineRunsCommand(m_engine, typed);
         return;
@@ -54,10 +57,7 @@ void VimEngine::Commanding::substituteAgain(bool inAllLines)
     const qsizetype more = m_engine.effectiveCount() - 1;
     m_engine.resetPending();
     run(inAllLines ? u"%s//~/&"_s : more > 0 ? u".,.+%1s"_s.arg(more) : u"s"_s);
-    if (!inAllLines) {
-        m_exact.repeating.note(u"&");
-        finish(Repeatable::yes);
-    }
+    m_exact.inserting.comeBack();
 }
 
 // For commands
@@ -69,7 +69,16 @@ void VimEngine::Commanding::moveCaret(qsizetype place)
 
 bool VimEngine::Commanding::apply(const TextEdits &edits)
 {
+    if (edits.isEmpty()) {
+        m_exact.operating.beginChange(ExactPart::caret());
+        return true;
+    }
+    const bool wasEmpty = text().isEmpty();
+    const bool wasUnterminated = m_exact.isUnterminated();
     const bool isDone = edit(edits);
+    if (wasEmpty && isDone) {
+        m_exact.settleLastBreak(wasUnterminated);
+    }
     m_engine.m_changedBuffer = false;
     if (isDone && !edits.isEmpty()) {
         m_exact.operating.moveLastChangeToStart();
@@ -89,7 +98,13 @@ void VimEngine::Commanding::endUndoGroup()
 
 void VimEngine::Commanding::undo()
 {
+    const qsizetype column = [&] {
+        const Sight sight = see();
+        const bool isKept = m_exact.column && m_exact.columnPlace == ExactPart::caret();
+        return isKept ? *m_exact.column : sight.lines.cells(ExactPart::caret()).first;
+    }();
     m_exact.operating.undo(1);
+    m_exact.column = column; // `j` goes on in it
 }
 
 void VimEngine::Commanding::redo()
@@ -99,7 +114,12 @@ void VimEngine::Commanding::redo()
 
 qsizetype VimEngine::Commanding::undoSteps() const
 {
-    return m_engine.m_view.undoSteps();
+    return m_exact.operating.undoSteps();
+}
+
+void VimEngine::Commanding::forgetLine()
+{
+    m_exact.operating.forgetLine();
 }
 
 VimTextName VimEngine::Commanding::name() const

@@ -18,6 +18,9 @@ void VimEngine::Going::go(VimExactMotion::Motion motion)
         const Sight sight = see();
         result = motion(request(sight));
     }
+    if (motion == VimExactMotion::lineStart || motion == VimExactMotion::firstNonBlank) {
+        m_exact.inserting.comeBackBefore();
+    }
     m_exact.operating.arrive(result);
 }
 
@@ -191,6 +194,13 @@ void VimEngine::Going::rememberJump(Moving moving)
         m_exact.marks.set(u'\'', caret());
     }
     m_exact.jumps.add(caret(), text());
+}
+
+void VimEngine::Going::rememberObject(char16_t key)
+{
+    if (QStringView(u"()[]{}<>bB").contains(QChar(key))) {
+        rememberJump(Moving::goes);
+    }
 }
 
 void VimEngine::Going::toMark(char16_t name, bool isExact)

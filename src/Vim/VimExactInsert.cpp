@@ -53,6 +53,20 @@ void VimEngine::Inserting::begin()
     m_kind = Kind::insert;
     m_hasGivenIndentation = false;
     m_comesBack = false;
+    m_isAnew = false;
+    m_isFirstKey = true;
+}
+
+void VimEngine::Inserting::startTyping()
+{
+    if (std::exchange(m_isFirstKey, false)) {
+        m_exact.operating.keepLine(caret());
+    }
+    if (std::exchange(m_isAnew, false)) {
+        m_exact.repeating.rememberInsertion();
+        m_script.clear();
+        m_start = caret();
+    }
 }
 
 void VimEngine::Inserting::enter(qsizetype place, qsizetype count, Kind kind)
@@ -254,6 +268,7 @@ void VimEngine::Inserting::insertTab()
 
 void VimEngine::Inserting::noteTyped(const QString &text)
 {
+    startTyping();
     if (!m_isRepeating) {
         m_script += text;
     }
@@ -324,12 +339,13 @@ void VimEngine::Inserting::move(char16_t key)
     dropGivenIndentation();
     m_engine.pauseInsertSession();
     finishReplay();
+    m_isAnew = true;
+    m_isFirstKey = true;
     m_script.clear();
     m_replaced.clear();
     m_count = 1;
     m_opened.reset();
     m_hasGivenIndentation = false;
-    m_exact.repeating.rememberInsertion();
     {
         const Sight sight = see();
         qsizetype place = caret();
@@ -357,6 +373,7 @@ void VimEngine::Inserting::move(char16_t key)
 
 void VimEngine::Inserting::deleteBefore(VimDeletion what, char16_t key)
 {
+    startTyping();
     const Sight sight = see();
     const VimLines &lines = sight.lines;
     const qsizetype place = caret();
@@ -455,6 +472,7 @@ void VimEngine::Inserting::restoreReplaced(VimDeletion what)
 
 void VimEngine::Inserting::deleteBehind()
 {
+    startTyping();
     const Sight sight = see();
     const qsizetype place = caret();
     const qsizetype end =
@@ -532,6 +550,7 @@ void VimEngine::Inserting::insertNeighbour(qsizetype by)
 
 void VimEngine::Inserting::shiftLine(OperatorKind kind, char16_t key)
 {
+    startTyping();
     const Sight sight = see();
     const VimLines &lines = sight.lines;
     const qsizetype place = caret();
@@ -573,8 +592,8 @@ void VimEngine::Inserting::oneCommand()
     leave();
     setCaret(place, isBehind ? std::optional(cell) : std::nullopt);
     m_comesBack = true;
-    m_returnsTo = kind;
     m_returnsBehind = isBehind ? std::optional(text().lineAt(place)) : std::nullopt;
+    m_returnsTo = kind;
 }
 
 void VimEngine::Inserting::comeBack()
@@ -586,9 +605,14 @@ void VimEngine::Inserting::comeBack()
     const Sight sight = see();
     const qsizetype place = caret();
     const bool isLast = place == sight.lines.last(place) && !sight.lines.isEmpty(place);
+    const auto column = m_exact.columnPlace == place ? m_exact.column : std::nullopt;
     const bool wasBehind = m_returnsBehind == text().lineAt(place);
     const bool wantsMore = m_exact.column && m_exact.columnPlace == place && *m_exact.column > sight.lines.cells(place).last;
+    const QString keys = m_exact.repeating.hold();
     enter((wasBehind || wantsMore) && isLast ? sight.lines.end(place) : place, 1, m_returnsTo);
+    m_exact.column = column;
+    m_exact.repeating.release(keys);
+    m_isAnew = true;
 }
 
 void VimEngine::Inserting::awaitLiteral()
@@ -652,6 +676,9 @@ void VimEngine::Inserting::play(const QString &script)
 
 void VimEngine::Inserting::finishReplay()
 {
+    if (m_isAnew) {
+        return;
+    }
     m_exact.repeating.rememberScript(m_script);
     m_lastInserted = m_script;
 }

@@ -141,8 +141,27 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
                  .markEnd = isInclusive ? std::nullopt : std::optional(high)});
 }
 
+void VimEngine::Operating::applyOver(const QString &command)
+{
+    const auto kind = m_engine.m_pendingOperator;
+    const auto name = m_engine.m_pendingRegister;
+    const auto forced = m_forced;
+    const qsizetype from = caret();
+    const QString keys = m_exact.repeating.hold() + command + u'\r';
+    m_engine.resetPending();
+    m_exact.commanding.run(command);
+    const qsizetype to = caret();
+    m_engine.m_pendingOperator = kind;
+    m_engine.m_pendingRegister = name;
+    m_forced = forced;
+    m_exact.repeating.release(keys);
+    setCaret(from);
+    arrive({.place = to});
+}
+
 void VimEngine::Operating::takeObject(VimTextObject::Extent extent, char16_t key)
 {
+    m_exact.going.rememberObject(key);
     const Sight sight = see();
     const auto object = VimExactObject::range(
         {.lines = sight.lines, .caret = caret(), .count = m_engine.effectiveCount(), .extent = extent, .anchor = caret()}, key);
@@ -193,6 +212,12 @@ void VimEngine::Operating::appendBreak()
     edit({text().length(), 0}, u"\n");
 }
 
+void VimEngine::Operating::dropLastBreak()
+{
+    const QScopedValueRollback undoing(m_isUndoing, true);
+    edit({text().length() - 1, 1}, {});
+}
+
 void VimEngine::Operating::setChangeMarks(qsizetype first, qsizetype last)
 {
     m_exact.marks.set(u'[', first);
@@ -222,8 +247,13 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
     if (kind != OperatorKind::formatInPlace) {
         m_engine.m_view.select({region.start, 0}, region.start); // where undoing it leads back to
     }
-    const auto lineBefore = m_lineBefore;
-    const bool isInLine = text().lineAt(region.range.location) == text().lineAt(std::max(region.range.end() - 1, region.range.location));
+    const bool comesToNothing = kind == OperatorKind::remove && region.range.isEmpty() && region.isInclusive;
+    const qsizetype behind = region.range.end() - (region.span == Span::lines && !region.range.isEmpty() ? 1 : 0);
+    const bool isInLine = text().lineAt(region.range.location) == text().lineAt(behind);
+    const bool isCut = kind == OperatorKind::remove && region.span == Span::lines;
+    if (kind != OperatorKind::yank && !comesToNothing) {
+        beginChange(m_engine.m_view.selectedRange().location, isInLine && !isCut ? Reach::line : Reach::lines);
+    }
     switch (kind) {
     case OperatorKind::change:
         change(region);
@@ -264,9 +294,6 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
         break;
     case OperatorKind::filter:
         break;
-    }
-    if (m_lineBefore && !isInLine) {
-        m_lineBefore = lineBefore; // it is for one line that it is kept
     }
     finish(Repeatable::yes);
 }
@@ -503,6 +530,9 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
     }
     if (kind != OperatorKind::yank) {
         m_engine.m_view.select({start, 0}, start); // where undoing it leads back to
+        if (kind != OperatorKind::remove || !edits.isEmpty()) {
+            beginChange(start, text().lineAt(start) == text().lineAt(last) ? Reach::line : Reach::lines);
+        }
     }
     if (kind == OperatorKind::change) {
         m_exact.inserting.begin();
@@ -575,6 +605,7 @@ void VimEngine::Operating::deleteCharacters(Side side, qsizetype count)
                                     : TextRange::between(sight.lines.before(place, count), place);
     }
     if (range.isEmpty()) {
+        beginChange(caret());
         finish(Repeatable::yes); // as "dl" and "dh" do
         return;
     }
@@ -625,6 +656,7 @@ void VimEngine::Operating::toggleCase(qsizetype count)
         fail();
         return;
     }
+    beginChange(place);
     const QString before = text().toString(range);
     const QString flipped = withFlippedLetters(before);
     if (flipped != before) {
@@ -698,6 +730,7 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
             fail();
             return;
         }
+        beginChange(caret(), left > 1 ? Reach::lines : Reach::line);
         if (text().isEmpty()) {
             m_exact.restoreLastBreak(true);
             finish(Repeatable::yes);
@@ -727,6 +760,7 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
 
 void VimEngine::Operating::add(qint64 by)
 {
+    beginChange(caret());
     std::optional<VimNumber> number;
     {
         const Sight sight = see();

@@ -17,28 +17,89 @@ void VimEngine::Operating::followChange(const TextChange &change)
         return;
     }
     m_caretsBefore.clear();
+    m_idleSteps.forgetUndone();
+    m_hasChanged = m_hasChanged || m_engine.isBusy() || m_engine.m_mode == Mode::insert;
     m_exact.changes.add(hull.location, change.after, m_engine.m_options.textWidth);
     m_exact.marks.set(u'.', hull.location);
+    if (m_engine.m_mode == Mode::insert || (m_changesLines && !change.before.isEmpty())) {
+        return;
+    }
     const VimLines before(change.before, 1, VimLines::LastLine::mayBeEmpty);
     const TextRange line = before.lines(hull.location, hull.location);
-    const bool isWithin = change.isWithinLines() && hull.location + hull.removed <= line.end();
-    const qsizetype number = before.number(line.location);
-    if (isWithin && (!m_lineBefore || m_lineBefore->number != number)) {
-        const Rope text = change.before.slice(TextRange::between(line.location, before.end(line.location)));
-        m_lineBefore = LineBefore{number, text, line.contains(caretBefore) ? caretBefore - line.location : 0};
+    if (change.before.isEmpty() || (change.isWithinLines() && hull.location + hull.removed <= line.end())) {
+        keepLineOf(change.before, line.location, caretBefore);
     }
+}
+
+void VimEngine::Operating::beginChange(qsizetype place, Reach reach)
+{
+    m_begun = m_begun.value_or(place);
+    m_changesLines = reach == Reach::lines;
+    if (reach == Reach::line) {
+        keepLineOf(text(), place, place);
+    }
+}
+
+void VimEngine::Operating::keepLine(qsizetype place)
+{
+    keepLineOf(text(), place, place);
+}
+
+void VimEngine::Operating::keepLineOf(const Rope &before, qsizetype place, qsizetype caret)
+{
+    const VimLines lines(before, 1, VimLines::LastLine::mayBeEmpty);
+    const TextRange line = lines.lines(place, place);
+    const qsizetype number = lines.number(line.location);
+    if (m_lineBefore && m_lineBefore->number == number) {
+        return;
+    }
+    const Rope text = before.slice(TextRange::between(line.location, lines.end(line.location)));
+    m_lineBefore = LineBefore{number, text, line.contains(caret) ? caret - line.location : 0};
+}
+
+void VimEngine::Operating::endChange()
+{
+    if (m_engine.m_mode == Mode::insert) {
+        return;
+    }
+    if (m_begun && !m_hasChanged) {
+        m_idleSteps.add(m_engine.m_view.undoSteps(), *m_begun);
+    }
+    m_begun.reset();
+    m_hasChanged = false;
+    m_changesLines = false;
+}
+
+qsizetype VimEngine::Operating::undoSteps() const
+{
+    return m_engine.m_view.undoSteps() + m_idleSteps.count();
+}
+
+/// There was no step after all.
+void VimEngine::Operating::takeBackJump(const VimPlaces &jumps, std::optional<qsizetype> leftAt)
+{
+    m_exact.jumps = jumps;
+    m_exact.marks.set(u'\'', leftAt.value_or(0));
 }
 
 void VimEngine::Operating::undo(qsizetype count)
 {
     for (qsizetype left = count; left > 0; --left) {
         m_firstChanged.reset();
+        const VimPlaces jumps = m_exact.jumps;
+        const auto leftAt = m_exact.marks.place(u'\'');
+        m_exact.going.rememberJump(Going::Moving::goes);
+        if (const auto place = m_idleSteps.undo(m_engine.m_view.undoSteps())) {
+            setCaret(*place);
+            continue;
+        }
         {
             const QScopedValueRollback undoing(m_isUndoing, true);
             m_exact.repeating.outsideStep([this] { m_engine.m_view.undo(); });
         }
         m_exact.restoreMarks();
         if (!m_firstChanged) {
+            takeBackJump(jumps, leftAt);
             break;
         }
         const qsizetype restored = std::min(m_engine.m_view.selectedRange().location, text().length());
@@ -56,11 +117,23 @@ void VimEngine::Operating::redo(qsizetype count)
 {
     for (qsizetype left = count; left > 0; --left) {
         m_firstChanged.reset();
+        const VimPlaces jumps = m_exact.jumps;
+        const auto leftAt = m_exact.marks.place(u'\'');
+        m_exact.going.rememberJump(Going::Moving::goes);
+        if (const auto place = m_idleSteps.redo(m_engine.m_view.undoSteps())) {
+            setCaret(*place);
+            continue;
+        }
+        if (!m_idleSteps.mayRedo(m_engine.m_view.undoSteps())) {
+            takeBackJump(jumps, leftAt);
+            break;
+        }
         {
             const QScopedValueRollback undoing(m_isUndoing, true);
             m_exact.repeating.outsideStep([this] { m_engine.m_view.redo(); });
         }
         if (!m_firstChanged) {
+            takeBackJump(jumps, leftAt);
             break;
         }
         std::optional<qsizetype> before;

@@ -581,6 +581,8 @@ void VimEngine::Selecting::add(qint64 by, bool isProgressive)
         }
     }
     m_engine.setMode(Mode::normal);
+    const bool isInLine = text().lineAt(m_engine.m_visualAnchor) == text().lineAt(m_engine.m_visualHead);
+    m_exact.operating.beginChange(start, isInLine ? Operating::Reach::line : Operating::Reach::lines);
     edit(edits);
     if (!edits.isEmpty()) {
         m_exact.operating.setChangeMarks(edits.newRange(0).location, edits.newRange(edits.count() - 1).end() - 1);

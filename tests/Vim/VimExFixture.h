@@ -38,6 +38,9 @@ public:
     void moveCaret(qsizetype to) override { place = TextBoundaries::snapped(text(), VimBuffer(text()).clampToNormalMode(to)); }
     bool apply(const TextEdits &edits) override
     {
+        if (edits.isEmpty()) {
+            return true;
+        }
         storage.apply(edits);
         place = std::min(place, text().length());
         return true;
@@ -49,6 +52,7 @@ public:
     void undo() override { show(undoManager.undo()); }
     void redo() override { show(undoManager.redo()); }
     [[nodiscard]] qsizetype undoSteps() const override { return undoManager.steps(); }
+    void forgetLine() override {}
     [[nodiscard]] VimRunning &running() override { return *this; }
     void beginRun() override {}
     void endRun() override {}

@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The Quillet authors
+// SPDX-License-Identifier: MIT
+#include "Vim/VimIdleSteps.h"
+
+void VimIdleSteps::add(qsizetype steps, qsizetype place)
+{
+    m_undone.clear();
+    m_done.push_back({steps, place});
+    m_last = steps;
+}
+
+std::optional<qsizetype> VimIdleSteps::undo(qsizetype steps)
+{
+    // Others may have undone what was before them.
+    while (!m_done.empty() && m_done.back().steps > steps) {
+        m_undone.push_back(m_done.back());
+        m_done.pop_back();
+    }
+    if (m_done.empty() || m_done.back().steps < steps) {
+        return std::nullopt;
+    }
+    m_undone.push_back(m_done.back());
+    m_done.pop_back();
+    return m_undone.back().place;
+}
+
+std::optional<qsizetype> VimIdleSteps::redo(qsizetype steps)
+{
+    while (!m_undone.empty() && m_undone.back().steps < steps) {
+        m_done.push_back(m_undone.back());
+        m_undone.pop_back();
+    }
+    if (m_undone.empty() || m_undone.back().steps > steps) {
+        return std::nullopt;
+    }
+    m_done.push_back(m_undone.back());
+    m_undone.pop_back();
+    return m_done.back().place;
+}
+
+void VimIdleSteps::forgetUndone()
+{
+    m_undone.clear();
+    m_last.reset();
+}
