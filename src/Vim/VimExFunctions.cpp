@@ -365,18 +365,21 @@ Result<void> retab(VimExCall &call)
         wanted.width = width;
         wanted.otherTabStops = 0;
     }
-    const qsizetype line = VimLines(target.text()).number(target.caret());
-    const qsizetype column = target.caret() - VimLines(target.text()).startOf(line);
     using enum VimExEdits::Runs;
     const auto edits = computed(
         target, call.lines,
         [old = now.tabWidth(), wanted, runs = call.hasBang ? VimExEdits::Runs::all : withTabs](
             const Rope &text, LineSpan span, const auto & /*stop*/) { return VimExEdits::retabbed(text, span, old, wanted, runs); });
-    if (!edits || !apply(call, *edits)) {
+    if (!edits) {
         return {};
     }
-    const VimLines after(target.text());
-    target.moveCaret(std::min(after.startOf(line) + column, after.endOf(line)));
+    // On a tab the caret is at its last column.
+    const bool isOnBlank = target.caret() < target.text().length() && isSpaceOrTab(target.text().at(target.caret()));
+    const qsizetype place = isOnBlank ? edits->mapped(target.caret() + 1, Bias::after) - 1 : edits->mapped(target.caret(), Bias::after);
+    if (!apply(call, *edits)) {
+        return {};
+    }
+    target.moveCaret(place);
     if (width > 0) {
         call.argument = u"tabstop=%1"_s.arg(width);
         return set(call);

@@ -420,7 +420,10 @@ qsizetype VimEngine::Inserting::deletedFrom(VimDeletion what) const
     }
     if (what == VimDeletion::toLineStart) {
         // What was typed first, then all but the indentation.
-        const qsizetype text = std::min(lines.firstNonBlank(first), place);
+        qsizetype text = first;
+        while (text < place && isSpaceOrTab(lines.at(text))) {
+            ++text;
+        }
         return m_start < place && m_start >= first ? m_start : text < place ? text : first;
     }
     qsizetype from = place;

@@ -244,11 +244,12 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
         return;
     }
     setChangeMarks(region.range.location, region.range.end() - 1);
-    if (kind != OperatorKind::formatInPlace) {
+    if (kind != OperatorKind::formatInPlace && kind != OperatorKind::format) {
         m_engine.m_view.select({region.start, 0}, region.start); // where undoing it leads back to
     }
     const bool comesToNothing = kind == OperatorKind::remove && region.range.isEmpty() && region.isInclusive;
-    const qsizetype behind = region.range.end() - (region.span == Span::lines && !region.range.isEmpty() ? 1 : 0);
+    const bool takesBreak = region.span == Span::characters && (kind == OperatorKind::change || kind == OperatorKind::remove);
+    const qsizetype behind = region.range.end() - (takesBreak || region.range.isEmpty() ? 0 : 1);
     const bool isInLine = text().lineAt(region.range.location) == text().lineAt(behind);
     const bool isCut = kind == OperatorKind::remove && region.span == Span::lines;
     if (kind != OperatorKind::yank && !comesToNothing) {

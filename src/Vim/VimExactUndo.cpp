@@ -54,7 +54,7 @@ void VimEngine::Operating::keepLineOf(const Rope &before, qsizetype place, qsize
         return;
     }
     const Rope text = before.slice(TextRange::between(line.location, lines.end(line.location)));
-    m_lineBefore = LineBefore{number, text, line.contains(caret) ? caret - line.location : 0};
+    m_lineBefore = LineBefore{number, text, caret >= line.location && caret <= lines.end(line.location) ? caret - line.location : 0};
 }
 
 void VimEngine::Operating::endChange()

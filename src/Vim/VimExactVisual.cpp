@@ -286,7 +286,9 @@ void VimEngine::Selecting::apply(OperatorKind kind, std::optional<Span> span, bo
         taken.amount = count;
     }
     m_engine.setMode(Mode::normal);
-    m_engine.m_view.select({taken.start, 0}, taken.start);
+    const bool isFormat = kind == OperatorKind::format || kind == OperatorKind::formatInPlace;
+    const qsizetype place = isFormat ? std::min(m_engine.m_visualHead, text().length()) : taken.start;
+    m_engine.m_view.select({place, 0}, place);
     m_exact.operating.apply(kind, taken);
 }
 
