@@ -379,7 +379,8 @@ void EditorViewController::applyVimMode()
                                 m_services.vimConfiguration, [this] { return historyKept(); },
                                 [this] {
                                     return VimTextName{m_document->path(), m_document->displayName(), m_document->id().toString()};
-                                }},
+                                },
+                                [this] { return otherTexts(); }},
             options,
             EditorVim::Callbacks{
                 .stateChanged = [this] { emit stateChanged(); },
@@ -395,6 +396,17 @@ void EditorViewController::applyVimMode()
     if (wasOn != (m_vim != nullptr)) {
         emit stateChanged();
     }
+}
+
+std::vector<Rope> EditorViewController::otherTexts() const
+{
+    std::vector<Rope> texts;
+    for (const auto &document : m_services.documents.documents()) {
+        if (document != m_document) {
+            texts.push_back(document->storage().text());
+        }
+    }
+    return texts;
 }
 
 void EditorViewController::applyConventions()

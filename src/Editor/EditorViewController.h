@@ -140,6 +140,8 @@ private:
     void reportProblem();
     void applyLineNumbers();
     void applyVimMode();
+    /// Those that are open.
+    [[nodiscard]] std::vector<Rope> otherTexts() const;
     void adoptLanguage();
     void markMissingCharacters();
     void restoreViewState();

@@ -5,6 +5,7 @@
 #include "Base/FilePath.h"
 #include "Base/Translation.h"
 #include "Desktop/ForeignKeyboard.h"
+#include "Editor/CompletionPanel.h"
 #include "Editor/EditorTextView.h"
 #include "Editor/PendingKeysPanel.h"
 #include "Text/PasteboardText.h"
@@ -98,12 +99,13 @@ bool isAltGr(const QKeyEvent &event)
 
 EditorVim::EditorVim(EditorTextView &view, const Services &services, const VimOptions &options, Callbacks callbacks)
     : m_view(view), m_keyboard(services.keyboard), m_workers(services.commands.workers), m_callbacks(std::move(callbacks)),
-      m_name(services.name), m_beep(services.commands.beep), m_text(view,
-                                                                    [this](const TextChange &change) {
-                                                                        if (m_engine) {
-                                                                            m_engine->textChanged(change);
-                                                                        }
-                                                                    }),
+      m_name(services.name), m_otherTexts(services.otherTexts), m_beep(services.commands.beep),
+      m_text(view,
+             [this](const TextChange &change) {
+                 if (m_engine) {
+                     m_engine->textChanged(change);
+                 }
+             }),
       m_engine(new VimEngine(*this, *this, services.registers, options)), m_run(view, services.commands,
                                                                                 {[this] {
                                                                                      m_text.flush();
@@ -412,6 +414,7 @@ void EditorVim::selectionChanged()
         return;
     }
     if (isMove) {
+        showOffer(std::nullopt);
         m_search.stop();
     }
     if (m_engine->mode() == VimEngine::Mode::insert) {
@@ -721,6 +724,21 @@ void EditorVim::setCaretLook(VimCaret look)
         m_text.setCaretShape(shapes[size_t(look)]);
     } else {
         m_view.setLook(&TextLooks::caretShape, shapes[size_t(look)]);
+    }
+}
+
+std::vector<Rope> EditorVim::otherTexts() const
+{
+    return m_otherTexts ? m_otherTexts() : std::vector<Rope>();
+}
+
+void EditorVim::showOffer(const std::optional<VimOffer> &offer)
+{
+    if (offer && !m_completions) {
+        m_completions = std::make_unique<CompletionPanel>(m_view);
+    }
+    if (m_completions) {
+        m_completions->showOffer(offer);
     }
 }
 

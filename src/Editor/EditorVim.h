@@ -13,6 +13,7 @@
 #include <functional>
 #include <memory>
 
+class CompletionPanel;
 class EditorTextView;
 class ForeignKeyboard;
 class PendingKeysPanel;
@@ -51,6 +52,8 @@ public:
         std::function<VimHistory::Kept()> historyKept = {};
         /// Of the text.
         std::function<VimTextName()> name = {};
+        /// Others that are open.
+        std::function<std::vector<Rope>()> otherTexts = {};
     };
 
     /// `view` must outlive it.
@@ -127,6 +130,8 @@ private:
     [[nodiscard]] Indentation indentation() const override;
     void toggleComment() override;
     void setCaretLook(VimCaret look) override;
+    [[nodiscard]] std::vector<Rope> otherTexts() const override;
+    void showOffer(const std::optional<VimOffer> &offer) override;
     void perform(const Action &action) override;
     void beep() override;
 
@@ -143,6 +148,7 @@ private:
     Workers &m_workers;
     Callbacks m_callbacks;
     std::function<VimTextName()> m_name;
+    std::function<std::vector<Rope>()> m_otherTexts;
     std::function<void()> m_beep;
     VimChords m_chords;
     /// Questions bring the view up to date, too.
@@ -156,6 +162,8 @@ private:
     SearchPreview m_preview;
     SubstitutionPreview m_substitution;
     std::unique_ptr<PendingKeysPanel> m_panel;
+    /// Made when it is needed first.
+    std::unique_ptr<CompletionPanel> m_completions;
     /// Looks for those that the command line awaits.
     BackgroundTask m_files;
     std::optional<QString> m_enteredCommand;

@@ -6,6 +6,7 @@
 #include "Vim/VimBuffer.h"
 #include "Vim/VimCompletion.h"
 #include "Vim/VimHistory.h"
+#include "Vim/VimKeys.h"
 #include "Vim/VimMotion.h"
 #include "Vim/VimRegisters.h"
 #include "Vim/VimTextObject.h"
@@ -65,12 +66,12 @@ struct VimCommandLine::KeyRow {
         return chord == pressed && key == typed && (audience == Audience::everyone || (audience == Audience::exact) == isExact);
     }
 
-    static const std::array<KeyRow, 35> all;
+    static const std::array<KeyRow, 36> all;
 };
 
 using Line = VimCommandLine;
 
-const std::array<VimCommandLine::KeyRow, 35> VimCommandLine::KeyRow::all = {{
+const std::array<VimCommandLine::KeyRow, 36> VimCommandLine::KeyRow::all = {{
     {Chord::plain, VimKey::backspace, &Line::deleteLetter},
     {Chord::withControl, u'c', &Line::leave},
     {Chord::withControl, u'h', &Line::deleteLetter},
@@ -80,6 +81,7 @@ const std::array<VimCommandLine::KeyRow, 35> VimCommandLine::KeyRow::all = {{
     {Chord::withControl, u'v', &Line::paste, Audience::usual},
     {Chord::withControl, u'v', &Line::awaitLiteral, Audience::exact},
     {Chord::withControl, u'q', &Line::awaitLiteral, Audience::exact},
+    {Chord::withControl, u'k', &Line::awaitDigraph, Audience::exact},
     {Chord::withControl, u'j', &Line::enter, Audience::exact},
     {Chord::withControl, u'm', &Line::enter, Audience::exact},
     {Chord::withControl, u'b', &Line::goToStart, Audience::exact},
@@ -161,6 +163,10 @@ VimCommandLine::Outcome VimCommandLine::takeAwaited(const VimKeyEvent &event, ch
         if (taken.leavesKey) {
             return key == VimKey::escape || (event.control && key == u'[') ? Outcome::isLeft : handle(event, around);
         }
+    } else if (awaited == Awaited::digraph) {
+        const auto typed = key == VimKey::escape ? std::optional(QString()) : m_digraph.take(VimKeys::text(event));
+        putText(typed.value_or(QString()));
+        m_awaited = typed ? Awaited::nothing : awaited;
     } else if (awaited == Awaited::exactRegister && event.control) {
         if (key == u'r' || key == u'o') {
             m_awaited = awaited; // its text comes as it is anyway
@@ -168,7 +174,7 @@ VimCommandLine::Outcome VimCommandLine::takeAwaited(const VimKeyEvent &event, ch
             putText(row->text(around.text, around.caret));
         }
     } else if (awaited == Awaited::registerName || key != VimKey::escape) {
-        putRegister(around.registers, key);
+        putRegister(around, key);
     }
     return Outcome::goesOn;
 }
@@ -200,9 +206,13 @@ void VimCommandLine::putLine(QString text)
     putText(text.replace(u'\n', u' '));
 }
 
-void VimCommandLine::putRegister(const VimRegisters &registers, char16_t name)
+void VimCommandLine::putRegister(const Surroundings &around, char16_t name)
 {
-    const Rope text = registers.contents(name == u'"' ? std::nullopt : std::optional(name)).text;
+    if (const auto derived = around.derived ? around.derived(name) : std::nullopt) {
+        putLine(*derived);
+        return;
+    }
+    const Rope text = around.registers.contents(name == u'"' ? std::nullopt : std::optional(name)).text;
     putLine(cut(text, {0, text.length()}));
 }
 
@@ -278,9 +288,16 @@ VimCommandLine::Outcome VimCommandLine::awaitLiteral(const Surroundings & /*arou
     return Outcome::goesOn;
 }
 
+VimCommandLine::Outcome VimCommandLine::awaitDigraph(const Surroundings & /*around*/)
+{
+    m_awaited = Awaited::digraph;
+    m_digraph = {};
+    return Outcome::goesOn;
+}
+
 VimCommandLine::Outcome VimCommandLine::paste(const Surroundings &around)
 {
-    putRegister(around.registers, u'+');
+    putRegister(around, u'+');
     return Outcome::goesOn;
 }
 

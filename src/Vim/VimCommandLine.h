@@ -3,10 +3,12 @@
 #pragma once
 
 #include "Text/TextRange.h"
+#include "Vim/VimDigraphs.h"
 #include "Vim/VimLiteral.h"
 
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 class Rope;
@@ -27,6 +29,8 @@ public:
         /// Null for none.
         const VimHistory *history = nullptr;
         bool isExact = false;
+        /// What registers have that are no kept ones; none for kept ones.
+        std::function<std::optional<QString>(char16_t name)> derived = {};
     };
 
     void begin(char16_t prefix, const QString &text = {});
@@ -39,7 +43,10 @@ public:
     [[nodiscard]] const QString &text() const { return m_text; }
     [[nodiscard]] qsizetype cursor() const { return m_cursor; }
     /// The next key is taken as it is, be it Escape.
-    [[nodiscard]] bool awaitsKey() const { return m_awaited == Awaited::literal || m_awaited == Awaited::exactRegister; }
+    [[nodiscard]] bool awaitsKey() const
+    {
+        return m_awaited == Awaited::literal || m_awaited == Awaited::digraph || m_awaited == Awaited::exactRegister;
+    }
     /// How many hits further the user wants to see than the one that the line finds; negative ones are before it.
     [[nodiscard]] int hitSteps() const { return m_hitSteps; }
 
@@ -50,7 +57,7 @@ public:
 
 private:
     struct KeyRow;
-    enum class Awaited { nothing, registerName, exactRegister, literal };
+    enum class Awaited { nothing, registerName, exactRegister, literal, digraph };
     enum class Direction { forward, backward };
     /// What was typed, and what is shown of the history in its place.
     struct Recall {
@@ -79,6 +86,7 @@ private:
     Outcome leave(const Surroundings &around);
     Outcome awaitRegister(const Surroundings &around);
     Outcome awaitLiteral(const Surroundings &around);
+    Outcome awaitDigraph(const Surroundings &around);
     Outcome paste(const Surroundings &around);
     Outcome goLeft(const Surroundings &around);
     Outcome goRight(const Surroundings &around);
@@ -98,7 +106,7 @@ private:
     Outcome takeAwaited(const VimKeyEvent &event, char16_t key, const Surroundings &around);
     void putText(const QString &text);
     void putLine(QString text);
-    void putRegister(const VimRegisters &registers, char16_t name);
+    void putRegister(const Surroundings &around, char16_t name);
     void erase(TextRange range);
     void show(const QString &text);
     enum class Among { all, alike };
@@ -113,6 +121,7 @@ private:
     qsizetype m_cursor = 0;
     Awaited m_awaited = Awaited::nothing;
     VimLiteral m_literal;
+    VimDigraph m_digraph;
     /// Both hold as long as the line is as they left it.
     std::optional<Recall> m_recall;
     std::optional<Candidates> m_candidates;

@@ -89,7 +89,7 @@ bool VimEngine::handleKey(const VimKeyEvent &event)
     if (m_exact && m_exact->commanding.takeAnswer(event)) {
         return true;
     }
-    const bool isLiteral = m_mode == Mode::insert && m_awaiting && m_awaiting->what == Awaiting::literal;
+    const bool isLiteral = m_mode == Mode::insert && m_awaiting && m_awaiting->what == Awaiting::literal && !m_awaiting->digraph;
     const bool isAwaited = isLiteral || (m_mode == Mode::commandLine && m_commandLine.awaitsKey());
     if (characters.size() == 1 && !isAwaited && takeKey(KeyPlace::anyMode, keyInAnyMode(event))) {
         return true;
@@ -146,7 +146,8 @@ bool VimEngine::wants(const VimKeyEvent &event) const
     if (m_keymap.wants(stroke, table())) {
         return true;
     }
-    return event.control ? row(KeyPlace::withControl, key) != nullptr : !event.option;
+    const bool beginsDigraph = m_exact && key == u'k' && m_awaiting && m_awaiting->mayBeDigraph();
+    return event.control ? beginsDigraph || row(KeyPlace::withControl, key) : !event.option;
 }
 
 bool VimEngine::awaitsChord() const
@@ -232,7 +233,11 @@ void VimEngine::handleControl(char16_t key)
         m_exact->repeating.note(VimKeys::text({.characters = {}, .charactersIgnoringModifiers = QString(QChar(key)), .control = true}));
         const auto awaited = std::exchange(m_awaiting, std::nullopt);
         const bool isAfterG = awaited && awaited->what == Awaiting::gPrefix;
-        if (awaited && awaited->what == Awaiting::replaceCharacter && key >= u'a' && key <= u'z' && key != u'c') {
+        if (awaited && awaited->mayBeDigraph() && key == u'k') {
+            m_awaiting = awaited;
+            m_awaiting->digraph.emplace();
+        } else if (awaited && !awaited->digraph && awaited->what == Awaiting::replaceCharacter && key >= u'a' && key <= u'z' &&
+                   key != u'c') {
             if (key == u'v' || key == u'q') {
                 m_awaiting = awaited; // whatever comes is literal
             } else {
@@ -442,6 +447,17 @@ void VimEngine::complete(const Awaited &awaited, QStringView key)
 /// What means something else, or only means something, where Vim decides; false for all else.
 bool VimEngine::completeExactly(const Awaited &awaited, QStringView key)
 {
+    if (awaited.digraph) {
+        Awaited waiting = awaited;
+        const auto typed = waiting.digraph->take(key);
+        if (typed) {
+            waiting.digraph.reset();
+            complete(waiting, *typed);
+        } else {
+            m_awaiting = waiting;
+        }
+        return true;
+    }
     const char16_t unit = key.size() == 1 ? key.front().unicode() : 0;
     switch (awaited.what) {
     case Awaiting::findCharacter:

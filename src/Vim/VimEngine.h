@@ -4,6 +4,7 @@
 
 #include "Text/LineNumber.h"
 #include "Vim/VimCommandLine.h"
+#include "Vim/VimDigraphs.h"
 #include "Vim/VimHistory.h"
 #include "Vim/VimKeyHelp.h"
 #include "Vim/VimKeymap.h"
@@ -180,6 +181,13 @@ private:
         /// Of a mark: its place rather than its line.
         bool isExact = false;
         VimTextObject::Extent extent = VimTextObject::Extent::inner;
+        /// Behind Ctrl+K: two characters stand for the one that is awaited.
+        std::optional<VimDigraph> digraph = std::nullopt;
+
+        [[nodiscard]] bool mayBeDigraph() const
+        {
+            return !digraph && (what == Awaiting::findCharacter || what == Awaiting::replaceCharacter);
+        }
     };
     enum class Span { characters, lines };
     /// How much an operator of a visual mode took: so many lines or, of the last one, units from the start of what was taken in it.

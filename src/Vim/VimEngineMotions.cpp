@@ -185,7 +185,11 @@ void VimEngine::handleCommandLine(const VimKeyEvent &event)
     if (m_exact) {
         m_exact->repeating.note(VimKeys::text(event));
     }
-    switch (m_commandLine.handle(event, {m_registers, m_view.text(), caret(), m_history, m_options.isExact})) {
+    const auto derived = [this](char16_t name) {
+        const bool isDerived = m_exact && QStringView(u".:/%#").contains(name);
+        return isDerived ? std::optional(m_exact->contents(name).text.toString()) : std::nullopt;
+    };
+    switch (m_commandLine.handle(event, {m_registers, m_view.text(), caret(), m_history, m_options.isExact, derived})) {
     case VimCommandLine::Outcome::goesOn:
         break;
     case VimCommandLine::Outcome::isLeft:

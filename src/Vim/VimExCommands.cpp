@@ -143,6 +143,7 @@ constexpr auto commands = std::to_array<VimExCommand>({
     exactly({u"pw[d]"}, nothing, &Ex::workingFolder),
     exactly({u"f[ile]"}, nothing, &Ex::tellPlace, {commandLine, u"name of the text and place in it, the character’s code"}),
     exactly({u"as[cii]"}, nothing, &Ex::tellCharacter, besideAbove),
+    exactly({u"dig[raphs]"}, nothing, &Ex::listDigraphs, {commandLine, u"the characters that two others stand for"}),
     exactly({u"!", u"sh[ell]", u"ter[minal]", u"mak[e]"}, range | bang | rest, &Ex::refuseProgram),
     exactly({u"gr[ep]", u"lgr[ep]", u"lmak[e]"}, bang | rest, &Ex::refuseProgram),
     exactly({u"wa[ll]"}, bang, Actions::saveAllDocuments, {commandLine, u"write all, and close the window", {u":wa"sv, u":wqa"sv}}),

@@ -36,6 +36,7 @@ Result<void> listChanges(VimExCall &call);
 Result<void> workingFolder(VimExCall &call);
 Result<void> tellPlace(VimExCall &call);
 Result<void> tellCharacter(VimExCall &call);
+Result<void> listDigraphs(VimExCall &call);
 /// Of commands of Vim that run others.
 Result<void> refuseProgram(VimExCall &call);
 /// The same of a key.

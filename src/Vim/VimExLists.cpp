@@ -8,6 +8,7 @@
 #include "Base/FilePath.h"
 #include "Base/Translation.h"
 #include "Text/TextBoundaries.h"
+#include "Vim/VimDigraphs.h"
 #include "Vim/VimExTarget.h"
 #include "Vim/VimMarks.h"
 #include "Vim/VimRegisters.h"
@@ -54,6 +55,15 @@ QString shown(const Rope &text)
         line += code < 0x20 && code != u'\t' ? u'^' + QString(QChar(code + 0x40)) : QString(unit);
     }
     return line;
+}
+
+/// A character as Vim shows it where that is none to be seen.
+QString shownAlone(char16_t character)
+{
+    constexpr char16_t toLetter = 0x40;
+    const bool isControl = character < 0x20 || (character >= 0x7F && character < 0xA0);
+    return !isControl ? QString(QChar(character))
+                      : QString(character < 0x80 ? u'^' : u'~') + QChar(char16_t((character ^ toLetter) & 0x7F));
 }
 
 QStringList places(const VimPlaces &places, const VimLines &lines)
@@ -183,6 +193,26 @@ Result<void> tellCharacter(VimExCall &call)
                            u"%1"_s.arg(code, fewestDigits, 16, QChar(u'0')).toUpper(), code);
     }
     call.line.say(codes.join(u"; "_s));
+    return {};
+}
+
+Result<void> listDigraphs(VimExCall &call)
+{
+    constexpr qsizetype columns = 6;
+    QStringList rows;
+    QString row;
+    qsizetype count = 0;
+    for (const VimDigraphs::Digraph &digraph : VimDigraphs::all()) {
+        const QString character = shownAlone(digraph.character);
+        constexpr qsizetype width = 13;
+        row += QString(QChar(digraph.first) + QString(QChar(digraph.second)) + u' ' + character + u' ' + QString::number(digraph.character))
+                   .leftJustified(width);
+        if (++count % columns == 0) {
+            rows << std::exchange(row, {});
+        }
+    }
+    rows << row;
+    call.target().list(localized(u"Digraphs"), rows.join(u'\n'));
     return {};
 }
 

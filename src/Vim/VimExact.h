@@ -16,6 +16,7 @@
 #include "Vim/VimLiteral.h"
 #include "Vim/VimMarks.h"
 #include "Vim/VimSubstituteJob.h"
+#include "Vim/VimWordCompletion.h"
 
 #include <deque>
 
@@ -164,6 +165,9 @@ public:
     void shiftLine(OperatorKind kind, char16_t key);
     void oneCommand();
     void awaitLiteral();
+    void awaitDigraph();
+    /// The word before the caret.
+    void complete(VimWordCompletion::Direction direction);
     [[nodiscard]] bool isReplacing() const { return m_kind == Kind::replace; }
     [[nodiscard]] const QString &lastInserted() const { return m_lastInserted; }
     void setLastInserted(const QString &text) { m_lastInserted = text; }
@@ -185,6 +189,12 @@ private:
     void takeLiteral(const VimKeyEvent &event);
     /// Before a key changes the text.
     void startTyping();
+    /// While a word is being completed. False leaves the key to insert mode, where it ends that.
+    bool takeCompletionKey(const VimKeyEvent &event);
+    void endCompletion();
+    void putCompletion(const QString &word);
+    void showCompletion();
+    void takeDigraph(const VimKeyEvent &event, VimDigraph digraph);
     void putLiteral(const QString &text);
     void put(const QString &text);
     void restoreReplaced(VimDeletion what);
@@ -202,6 +212,14 @@ private:
     std::optional<Side> m_opened;
     QString m_script;
     VimLiteral m_literal;
+    /// A word that is being completed, and what stands in its place now.
+    struct Completing {
+        VimWordCompletion words;
+        QString shown;
+        /// It was chosen by an arrow key, which leaves the text as it is.
+        bool isOnlyShown = false;
+    };
+    std::optional<Completing> m_completing;
     QString m_lastInserted;
     /// What typed characters took the place of; empty where they were added.
     std::vector<QString> m_replaced;

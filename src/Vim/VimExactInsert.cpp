@@ -47,6 +47,7 @@ void VimEngine::Inserting::begin()
     m_engine.setMode(Mode::insert);
     m_engine.resumeInsertSession();
     m_script.clear();
+    m_completing.reset();
     m_replaced.clear();
     m_opened.reset();
     m_count = 1;
@@ -179,13 +180,18 @@ bool VimEngine::Inserting::handle(const VimKeyEvent &event)
     const char16_t unit = key.isEmpty() ? 0 : key.front().unicode();
     if (m_engine.m_awaiting && !key.isEmpty()) {
         const Awaited awaited = *std::exchange(m_engine.m_awaiting, std::nullopt);
-        if (awaited.what == Awaiting::literal) {
+        if (awaited.digraph) {
+            takeDigraph(event, *awaited.digraph);
+        } else if (awaited.what == Awaiting::literal) {
             takeLiteral(event);
         } else if (event.control && (unit == u'r' || unit == u'o' || unit == u'p')) {
             m_engine.m_awaiting = awaited; // literally, which it is anyway
         } else {
             insertRegister(unit);
         }
+        return true;
+    }
+    if (m_completing && takeCompletionKey(event)) {
         return true;
     }
     if (event.control) {
@@ -229,6 +235,15 @@ void VimEngine::Inserting::takeLiteral(const VimKeyEvent &event)
     putLiteral(taken.text);
     if (taken.leavesKey && !m_engine.handleKey(event) && !event.characters.isEmpty()) {
         m_engine.m_view.insertText(event.characters);
+    }
+}
+
+void VimEngine::Inserting::takeDigraph(const VimKeyEvent &event, VimDigraph digraph)
+{
+    if (const auto typed = digraph.take(VimKeys::text(event))) {
+        putLiteral(*typed);
+    } else {
+        m_engine.m_awaiting = Awaited{.what = Awaiting::literal, .digraph = digraph};
     }
 }
 
@@ -623,6 +638,11 @@ void VimEngine::Inserting::awaitLiteral()
     m_engine.m_awaiting = Awaited{.what = Awaiting::literal};
 }
 
+void VimEngine::Inserting::awaitDigraph()
+{
+    m_engine.m_awaiting = Awaited{.what = Awaiting::literal, .digraph = VimDigraph()};
+}
+
 /// Before `next` comes behind a line that is as wide as it may be, its last word goes to a line of its own.
 void VimEngine::Inserting::breakBeforeWidth(const QString &next)
 {
@@ -731,6 +751,7 @@ void VimEngine::Inserting::leave()
     if (m_engine.m_mode != Mode::insert) {
         return;
     }
+    endCompletion();
     const QString script = m_script;
     m_isRepeating = true;
     if (m_kind == Kind::replace) {

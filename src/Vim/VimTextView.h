@@ -5,6 +5,8 @@
 #include "Text/LineEditing.h"
 #include "Vim/VimRunning.h"
 
+#include <QStringList>
+
 #include <functional>
 #include <optional>
 #include <stop_token>
@@ -29,6 +31,17 @@ struct VimTextName {
 
     /// What a place in it is kept by: the file may be opened again.
     [[nodiscard]] const QString &lasting() const { return path.isEmpty() ? id : path; }
+};
+
+/// Words that may come in place of the one before the caret, to be seen beside it.
+struct VimOffer {
+    /// Where that word begins; UTF-16 units.
+    qsizetype place = 0;
+    QStringList words;
+    /// None while what was typed stands there.
+    std::optional<qsizetype> chosen;
+
+    friend bool operator==(const VimOffer &, const VimOffer &) = default;
 };
 
 /// What the modal editing of a text needs of the view that shows it. Offsets are UTF-16 units.
@@ -92,6 +105,10 @@ public:
     [[nodiscard]] virtual Indentation indentation() const = 0;
     virtual void toggleComment() = 0;
     virtual void setCaretLook(VimCaret look) = 0;
+    /// Other texts that are open, for words in them.
+    [[nodiscard]] virtual std::vector<Rope> otherTexts() const = 0;
+    /// Until the next call; none takes it back.
+    virtual void showOffer(const std::optional<VimOffer> &offer) = 0;
     /// Up the responder chain.
     virtual void perform(const Action &action) = 0;
     virtual void beep() = 0;

@@ -54,7 +54,7 @@ TEST_F(VimCommandLineTest, HasACursor)
            {u"<C-w>"_s, u"foo.|yx"_s},
            {u"<C-u><C-e><Del>"_s, u"y|"_s},
            {u"<C-b>x<End>z<Home><Right>"_s, u"x|yz"_s},
-           {u"<C-u><C-k>"_s, u"|yz"_s},
+           {u"<C-u><C-y>"_s, u"|yz"_s},
            {u"<Del><Del><BS>"_s, u"none"_s}});
 }
 
@@ -68,6 +68,7 @@ TEST_F(VimCommandLineTest, TakesTextFromElsewhereAndKeysAsTheyAre)
            {u"<C-u><C-r><Esc><C-r><C-r>a"_s, u"this|y"_s},
            {u"<C-u><C-v><Esc><C-v><C-a><C-q><CR><C-v>v"_s, u"\x1b\x01\rv|y"_s},
            {u"<C-u><C-e><C-u><C-v>u00e9<C-v>65.<C-v>x4a<C-v>U1f600x<C-q>uz<C-v>999"_s, u"éA.J\U0001F600xz\u00FF|"_s},
+           {u"<C-u><C-k>a:<C-k>:o<C-k>a<Esc>b<C-r>%"_s, u"äöb/folder/file|"_s},
            {u"<C-v>u4<Esc>"_s, u"none"_s},
            {u"/<Tab>"_s, u"\t|"_s}});
 }

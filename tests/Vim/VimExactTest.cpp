@@ -3,6 +3,8 @@
 
 // What exact modal editing does that Vim cannot be asked about; all else is in the corpus of its answers.
 
+#include "Vim/VimDigraphs.h"
+#include "Vim/VimWordCompletion.h"
 #include "VimFixture.h"
 
 using namespace Qt::StringLiterals;
@@ -122,6 +124,45 @@ TEST(VimExact, GoesOnWithWhatOthersSelect)
     EXPECT_EQ(view.string(), u"on  three\n"_s);
 }
 
+TEST(VimExact, KnowsEachDigraphByOnePair)
+{
+    EXPECT_EQ(VimDigraphs::all().size(), 1362U);
+    for (const VimDigraphs::Digraph &digraph : VimDigraphs::all()) {
+        EXPECT_EQ(VimDigraphs::character(digraph.first, digraph.second), char32_t(digraph.character));
+    }
+}
+
+TEST(VimExact, OffersWordsOfThisTextAndOfOthers)
+{
+    VimView view(u"foobar\n\nfoam\n"_s, exact());
+    view.others = {Rope(u"foam food foo-d"_s), Rope(u"xfoo fo\u00F6"_s)};
+    view.press(u"jifo<C-p>"_s);
+    const QStringList words{u"fo\u00F6"_s, u"food"_s, u"foo"_s, u"foam"_s, u"foobar"_s};
+    EXPECT_EQ(view.offer, (VimOffer{.place = 7, .words = words, .chosen = 4}));
+    view.press(u"<Up><Up>"_s);
+    EXPECT_EQ(view.offer->chosen, 2);
+    EXPECT_EQ(view.string(), u"foobar\nfoobar\nfoam\n"_s) << "arrows leave the text as it is";
+    view.press(u"<CR>"_s);
+    EXPECT_EQ(view.string(), u"foobar\nfoo\nfoam\n"_s);
+    EXPECT_FALSE(view.offer);
+    view.press(u"<CR><C-n><C-n><C-y>.<C-n><C-e>"_s);
+    EXPECT_EQ(view.string(), u"foobar\nfoo\nfoobar.\nfoam\n"_s);
+    view.press(u"fo<C-n>"_s);
+    view.select({0, 0}, 0); // somebody clicks
+    view.press(u"<C-n>"_s);
+    EXPECT_EQ(view.string().first(8), u"foofooba"_s) << "from there on";
+}
+
+TEST(VimExact, LooksForWordsAsFarAsThereIsTime)
+{
+    const QString far(VimWordCompletion::longestSearch, u'.');
+    const Rope text(u"abfar"_s + far + u"ab abnear"_s + far + u" abfar"_s);
+    const qsizetype caret = 5 + far.size() + 2;
+    using enum VimWordCompletion::Direction;
+    EXPECT_EQ(VimWordCompletion({text, caret}, {text}, forward).listed(), QStringList({u"abnear"_s, u"abfar"_s}));
+    EXPECT_EQ(VimWordCompletion({text, caret}, {}, backward).listed(), QStringList(u"abfar"_s));
+}
+
 TEST(VimExact, IsSwitchedOnAndOff)
 {
     VimView view(u"one two\n"_s, VimOptions(VimKeymapPreset::plain));
@@ -145,5 +186,6 @@ TEST(VimExact, FillsALineOfAnyLengthInOneWalk)
     const QStringList lines = view.string().split(u'\n');
     EXPECT_EQ(view.string().simplified(), typed.simplified());
     EXPECT_GT(lines.size(), 20'000);
-    EXPECT_TRUE(std::ranges::all_of(lines, [](const QString &line) { return line.size() <= 31 && (line.isEmpty() || line.startsWith(u"  ")); }));
+    EXPECT_TRUE(
+        std::ranges::all_of(lines, [](const QString &line) { return line.size() <= 31 && (line.isEmpty() || line.startsWith(u"  ")); }));
 }

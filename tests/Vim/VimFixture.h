@@ -189,6 +189,8 @@ public:
         }
     }
     void setCaretLook(VimCaret look) override { caretLook = look; }
+    [[nodiscard]] std::vector<Rope> otherTexts() const override { return others; }
+    void showOffer(const std::optional<VimOffer> &wanted) override { offer = wanted; }
     void perform(const Action &action) override { actions << action.name(); }
     void beep() override { ++beeps; }
 
@@ -205,6 +207,8 @@ public:
     qsizetype caret = 0;
     std::optional<TextRange> visible;
     TextRange indicator;
+    std::vector<Rope> others;
+    std::optional<VimOffer> offer;
     Indentation indent;
     VimTextName textName{.path = QStringLiteral("/folder/file"), .title = QStringLiteral("file")};
     QStringList commandLines;
