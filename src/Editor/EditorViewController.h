@@ -98,6 +98,7 @@ public:
     /// Null while modal editing is off.
     [[nodiscard]] EditorVim *vim() { return m_vim.get(); }
     [[nodiscard]] LineCommands &lineCommands() { return *m_lineCommands; }
+    [[nodiscard]] EditorExCommands &exCommands() { return *m_exCommands; }
     [[nodiscard]] TextCounter &counter() { return *m_counter; }
     [[nodiscard]] ChangeNavigator &changes() { return *m_changes; }
     /// Null where no spelling is checked.

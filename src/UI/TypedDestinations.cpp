@@ -5,9 +5,12 @@
 #include "Base/FilePath.h"
 #include "Base/Translation.h"
 #include "Commands/Actions.h"
+#include "Editor/EditorExCommands.h"
+#include "Editor/EditorViewController.h"
 #include "Text/LineEditing.h"
 #include "Text/LineIndex.h"
 #include "UI/WorkspaceViewController.h"
+#include "Vim/VimConfiguration.h"
 #include "Widgets/AlertPresenter.h"
 
 #include <QPointer>
@@ -30,7 +33,38 @@ PaneLayout::Documents activeTabs(const PaneLayout &layout)
 
 TypedDestinations::TypedDestinations(const WorkspaceServices &services, WorkspaceViewController &workspace)
     : m_services(services), m_workspace(workspace)
-{}
+{
+    connect(&workspace, &WorkspaceViewController::currentDocumentChanged, this, &TypedDestinations::noteCurrent);
+}
+
+void TypedDestinations::noteCurrent()
+{
+    const TextDocument *document = m_workspace.currentDocument();
+    if (!document) {
+        return;
+    }
+    if (document->id() != m_current.id) {
+        m_other = m_current;
+    }
+    m_current = {document->id(), document->path()};
+    if (VimConfiguration *configuration = m_services.vimConfiguration) {
+        configuration->setAlternateFile(m_other.path);
+    }
+}
+
+/// A file that was closed is opened again.
+void TypedDestinations::showOther()
+{
+    const auto &documents = m_services.documents.documents();
+    const auto open = std::ranges::find(documents, m_other.id, [](const auto &document) { return document->id(); });
+    if (open != documents.end()) {
+        m_workspace.showDocument(**open);
+    } else if (!m_other.path.isEmpty()) {
+        m_workspace.open({m_other.path});
+    } else {
+        m_workspace.statusBar().flash(localized(u"There was no other text before this one"), messageTime);
+    }
+}
 
 const ActionRow *TypedDestinations::actionFor(const Action &wanted) const
 {
@@ -50,15 +84,21 @@ void TypedDestinations::editFile(const ActionSender &sender)
 {
     if (const QString name = sender.represented.toString(); name.isEmpty()) {
         perform(Actions::revertWithoutAsking);
+    } else if (name == u"#") {
+        showOther();
     } else {
         m_workspace.open({absoluteFilePath(name, workingFolder())});
     }
 }
 
-/// What is represented is its number, from 1, or a part of the name of the only one that has it.
+/// What is represented is its number, from 1, or a part of the name of the only one that has it, or "#" for the one before.
 void TypedDestinations::showTab(const ActionSender &sender)
 {
     const QString wanted = sender.represented.toString();
+    if (wanted == u"#") {
+        showOther();
+        return;
+    }
     const PaneLayout::Documents tabs = activeTabs(m_workspace.paneLayout());
     bool isNumber = false;
     int tab = wanted.toInt(&isNumber) - 1;
@@ -74,14 +114,20 @@ void TypedDestinations::showTab(const ActionSender &sender)
     m_workspace.selectTab(tab);
 }
 
-/// With their numbers; "+" marks those with unsaved changes.
+/// With their numbers; "%" marks the one in front, "#" the one before, and "+" those with unsaved changes.
 void TypedDestinations::listTabs()
 {
-    QStringList names;
+    constexpr int numberWidth = 3;
+    QStringList rows;
     for (const PaneLayout::Document &document : activeTabs(m_workspace.paneLayout())) {
-        names << u"%1 %2%3"_s.arg(names.size() + 1).arg(document->displayName(), document->isDirty() ? u" +"_s : QString());
+        const QChar place = document->id() == m_current.id ? u'%' : document->id() == m_other.id ? u'#' : u' ';
+        const QString name = document->isUntitled() ? document->displayName() : shownPath(document->path());
+        const QChar edited = document->isDirty() ? u'+' : u' ';
+        rows << u"%1 %2 %3 %4"_s.arg(QString::number(rows.size() + 1).rightJustified(numberWidth), QString(place), QString(edited), name);
     }
-    m_workspace.statusBar().flash(names.join(u" │ "_s), messageTime);
+    if (EditorViewController *editor = m_workspace.currentEditor()) {
+        editor->exCommands().showList(localized(u"Tabs"), rows.join(u'\n'));
+    }
 }
 
 /// A file is opened if it is not.

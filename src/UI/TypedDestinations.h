@@ -5,6 +5,8 @@
 #include "Text/LineNumber.h"
 #include "UI/WorkspaceServices.h"
 
+#include <QUuid>
+
 class TextDocument;
 class WorkspaceViewController;
 
@@ -23,6 +25,8 @@ private:
     void editFile(const ActionSender &sender);
     void showTab(const ActionSender &sender);
     void listTabs();
+    void noteCurrent();
+    void showOther();
     void goToPlace(const ActionSender &sender);
     /// 0 for the first character of the line that is no blank.
     void goToColumn(TextDocument &document, LineNumber line, qsizetype column);
@@ -30,4 +34,13 @@ private:
 
     WorkspaceServices m_services;
     WorkspaceViewController &m_workspace;
+    /// A text that was in front.
+    struct Visited {
+        QUuid id;
+        /// Empty while it has no file.
+        QString path;
+    };
+    Visited m_current;
+    /// The one before.
+    Visited m_other;
 };

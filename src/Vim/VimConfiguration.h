@@ -45,11 +45,15 @@ public:
     [[nodiscard]] VimFileMarks &fileMarks() { return m_fileMarks; }
     [[nodiscard]] const QString &leader() const { return m_leader; }
     void setLeader(const QString &keys) { m_leader = keys; }
+    /// Of the text before the one that is worked on; empty for none.
+    [[nodiscard]] const QString &alternateFile() const { return m_alternateFile; }
+    void setAlternateFile(const QString &path) { m_alternateFile = path; }
 
 private:
     Preferences &m_preferences;
     std::shared_ptr<VimMappings> m_mappings = std::make_shared<VimMappings>();
     VimFileMarks m_fileMarks;
     QString m_leader = QStringLiteral("\\");
+    QString m_alternateFile;
     bool m_isRead = false;
 };

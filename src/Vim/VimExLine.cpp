@@ -100,7 +100,7 @@ std::optional<qsizetype> takeCount(QString &argument)
 
 bool isRegister(QChar name)
 {
-    return isLetter(name) || QStringView(u"\"-_+*.:%/").contains(name);
+    return isLetter(name) || QStringView(u"\"-_+*.:%#/").contains(name);
 }
 
 } // namespace

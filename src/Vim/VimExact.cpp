@@ -7,6 +7,7 @@
 
 #include "Base/Translation.h"
 #include "Text/TextBoundaries.h"
+#include "Vim/VimConfiguration.h"
 #include "Vim/VimKeys.h"
 
 #include <QScopedValueRollback>
@@ -437,6 +438,9 @@ VimRegisterContents VimEngine::Exact::contents(std::optional<char16_t> name) con
     }
     if (name == u'%') {
         return {.text = Rope(engine.m_view.name().path)};
+    }
+    if (name == u'#') {
+        return {.text = Rope(engine.m_configuration ? engine.m_configuration->alternateFile() : QString())};
     }
     return name == u'_' ? VimRegisterContents() : engine.m_registers.contents(name == u'"' ? std::nullopt : name);
 }

@@ -432,6 +432,8 @@ public:
     void toRowEdge(RowEdge edge);
     void toMark(char16_t name, bool isExact);
     void setMark(char16_t name);
+    /// The one before, or of the tab with the count for its number.
+    void toOtherText();
     void jump(bool isOlder, qsizetype count);
     void toChange(bool isOlder, qsizetype count);
     void search(const QString &typed, SearchDirection direction);

@@ -6,6 +6,7 @@
 #include "Vim/VimExact.h"
 
 #include "Base/Translation.h"
+#include "Commands/Actions.h"
 #include "Text/LineEditing.h"
 
 using namespace Qt::StringLiterals;
@@ -250,6 +251,13 @@ void VimEngine::Going::toMark(char16_t name, bool isExact)
         }
     }
     m_exact.operating.arrive(result);
+}
+
+void VimEngine::Going::toOtherText()
+{
+    const QString wanted = m_engine.hasCount() ? QString::number(m_engine.effectiveCount()) : u"#"_s;
+    finish();
+    m_engine.m_delegate.vimEnginePerforms(m_engine, Actions::showTab, wanted);
 }
 
 void VimEngine::Going::setMark(char16_t name)

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "Editor/CompletionPanel.h"
 #include "Editor/PendingKeysPanel.h"
 #include "Editor/SubstitutionPanel.h"
 #include "Editor/VimListPanel.h"
@@ -427,6 +428,43 @@ TEST_F(ModalEditingTest, WhatIsListedStaysUntilItIsRead)
     QTest::keyClick(lines, ':');
     EXPECT_FALSE(panel->isVisible());
     EXPECT_EQ(badge(), u":"_s);
+}
+
+TEST_F(ModalEditingTest, WordsAreCompletedFromAllOpenTexts)
+{
+    start("window word\n\n");
+    preferences.set(Settings::vimExact, true);
+    workspace().open({put(u"b.txt"_s, "wonder\n")});
+    press(u"<C-^>"_s);
+    EXPECT_EQ(document().displayName(), u"a.txt"_s);
+    press(u"jiwo<C-n>"_s);
+    const auto &panel = *textView().findChild<CompletionPanel *>();
+    EXPECT_TRUE(panel.isVisible());
+    EXPECT_EQ(panel.accessibleName(), u"word, 1 of 2"_s);
+    const QPoint caret = textView().caretRectangle().bottomLeft() - textView().viewport()->pos();
+    EXPECT_LE(caret.y(), panel.geometry().top() + 1) << "below the word";
+    press(u"<C-n>"_s);
+    EXPECT_EQ(text(), u"window word\nwonder\n"_s);
+    press(u"<Esc>"_s);
+    EXPECT_FALSE(panel.isVisible());
+    press(u"a wi<C-n> wo<C-n>"_s);
+    EXPECT_TRUE(panel.isVisible());
+    QTest::mouseClick(textView().viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
+    EXPECT_FALSE(panel.isVisible());
+    press(u"<Esc>u"_s);
+    EXPECT_EQ(text(), u"window word\nwonder\n"_s);
+    // A text that was closed is opened again.
+    workspace().open({path(u"b.txt"_s)});
+    press(u":ls<CR>"_s);
+    auto *const list = textView().findChild<VimListPanel *>()->findChild<QPlainTextEdit *>();
+    EXPECT_TRUE(list->toPlainText().startsWith(u"  1 # + "_s)) << list->toPlainText().toStdString();
+    EXPECT_TRUE(list->toPlainText().contains(u"\n  2 %   "_s)) << list->toPlainText().toStdString();
+    QTest::keyClick(list, Qt::Key_Escape);
+    press(u"o<C-r>#<Esc>:b 1<CR>:q!<CR>"_s);
+    EXPECT_EQ(tabs(), QStringList{u"b.txt"_s});
+    EXPECT_EQ(text(), u"wonder\n"_s + path(u"a.txt"_s) + u'\n');
+    press(u":e #<CR>"_s);
+    EXPECT_EQ(document().displayName(), u"a.txt"_s);
 }
 
 TEST_F(ModalEditingTest, ExactEditingGoesByRowsOfTheScreen)
