@@ -625,30 +625,6 @@ qsizetype VimEngine::caret() const
     return isVisual() ? std::min(m_visualHead, m_view.text().length()) : m_view.selectedRange().location;
 }
 
-void VimEngine::moveCaret(qsizetype target, Keep keep)
-{
-    VimBuffer text = buffer();
-    const qsizetype place = TextBoundaries::snapped(text.text(), m_mode == Mode::normal ? text.clampToNormalMode(target)
-                                                                                        : std::clamp<qsizetype>(target, 0, text.length()));
-    if (isVisual()) {
-        updateVisualSelection(place);
-    } else {
-        m_view.select({place, 0}, place);
-    }
-    m_lastPlace = place;
-    if (keep == Keep::nothing) {
-        m_desiredColumn = place - text.lineStart(place);
-    }
-}
-
-void VimEngine::settleCaret()
-{
-    if (m_exact && m_mode == Mode::insert) {
-        return;
-    }
-    moveCaret(m_view.selectedRange().location);
-}
-
 void VimEngine::takeSelection(TextSelection selection)
 {
     if (m_isHandling || takesText()) {

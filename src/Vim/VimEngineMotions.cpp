@@ -148,6 +148,30 @@ void VimEngine::Moving::repeatFind(bool isReversed)
     }
 }
 
+void VimEngine::moveCaret(qsizetype target, Keep keep)
+{
+    VimBuffer text = buffer();
+    const qsizetype place = TextBoundaries::snapped(text.text(), m_mode == Mode::normal ? text.clampToNormalMode(target)
+                                                                                        : std::clamp<qsizetype>(target, 0, text.length()));
+    if (isVisual()) {
+        updateVisualSelection(place);
+    } else {
+        m_view.select({place, 0}, place);
+    }
+    m_lastPlace = place;
+    if (keep == Keep::nothing) {
+        m_desiredColumn = place - text.lineStart(place);
+    }
+}
+
+void VimEngine::settleCaret()
+{
+    if (m_exact && m_mode == Mode::insert) {
+        return;
+    }
+    moveCaret(m_view.selectedRange().location);
+}
+
 // Command line and search
 
 void VimEngine::beginCommandLine(char16_t prefix)
