@@ -319,7 +319,8 @@ private:
     void changeCase(TextRange range, OperatorKind kind);
     void format(const Region &region, bool keepsCaret);
     void pasteBlock(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
-    void showUndone(std::optional<qsizetype> before);
+    enum class Replay { undo, redo };
+    void showUndone(std::optional<qsizetype> before, Replay replay);
     void takeBackJump(const VimPlaces &jumps, std::optional<qsizetype> leftAt);
     void putText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
     void shiftBlock(OperatorKind kind, const VimBlock &block);

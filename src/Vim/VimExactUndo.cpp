@@ -108,7 +108,7 @@ void VimEngine::Operating::undo(qsizetype count)
             const qsizetype line = sight.lines.start(restored);
             m_caretsBefore.push_back({sight.lines.number(restored), restored - line});
         }
-        showUndone(restored);
+        showUndone(restored, Replay::undo);
     }
     finish();
 }
@@ -143,18 +143,24 @@ void VimEngine::Operating::redo(qsizetype count)
             before = std::min(line + m_caretsBefore.back().second, sight.lines.end(line));
             m_caretsBefore.pop_back();
         }
-        showUndone(before);
+        showUndone(before, Replay::redo);
     }
     finish();
 }
 
 /// In the first line that changed, or the one before it: where the caret was before the change, if that was there, else on its first
 /// character.
-void VimEngine::Operating::showUndone(std::optional<qsizetype> before)
+void VimEngine::Operating::showUndone(std::optional<qsizetype> before, Replay replay)
 {
     const Sight sight = see();
     const VimLines &lines = sight.lines;
     const qsizetype line = lines.start(*m_firstChanged);
+    // Undoing is a change of lines as well.
+    const bool isOfLines =
+        replay == Replay::undo && *m_firstChanged == line && m_lastChanged > line && m_lastChanged == lines.start(m_lastChanged);
+    setChangeMarks(line, lines.start(isOfLines ? m_lastChanged - 1 : std::min(m_lastChanged, text().length())));
+    m_exact.marks.set(u'.', line);
+    m_exact.changes.add(line, text(), m_engine.m_options.textWidth);
     const qsizetype place = before ? std::min(*before, text().length()) : 0;
     const qsizetype lineBefore = line > 0 ? lines.start(line - 1) : line;
     const bool isThere = before && place >= lineBefore && (lines.start(place) <= line || place < m_lastChanged);
