@@ -64,6 +64,11 @@ bool LongWork::isStop(const QKeyEvent &event) const
     return event.key() == Qt::Key_Escape || (isControl && (event.key() == Qt::Key_BracketLeft || event.key() == Qt::Key_C));
 }
 
+void LongWork::dropKeys()
+{
+    m_keys.clear();
+}
+
 bool LongWork::eventFilter(QObject *object, QEvent *event)
 {
     const bool isPress = event->type() == QEvent::KeyPress;

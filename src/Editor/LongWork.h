@@ -37,7 +37,7 @@ public:
     [[nodiscard]] bool isUnderWay() const { return m_isUnderWay; }
     /// Has keys handled that waited, up to one that begins work again. One of them may be the end of this: the last thing to be done.
     void handOver();
-    void dropKeys() { m_keys.clear(); }
+    void dropKeys();
 
 protected:
     bool eventFilter(QObject *object, QEvent *event) override;

@@ -10,8 +10,6 @@
 void VimEngine::Inserting::deleteBefore(VimDeletion what, char16_t key)
 {
     startTyping();
-    const Sight sight = see();
-    const VimLines &lines = sight.lines;
     const qsizetype place = caret();
     if (!m_isRepeating && place > 0) {
         m_script += QChar(key);
