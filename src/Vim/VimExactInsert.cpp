@@ -341,9 +341,12 @@ void VimEngine::Inserting::move(char16_t key)
     };
     static constexpr Row rows[] = {
         {VimKey::up, VimExactMotion::up}, {VimKey::down, VimExactMotion::down}, {VimKey::home, VimExactMotion::lineStart}};
+    const bool leavesLine = key == VimKey::up || key == VimKey::down;
+    std::optional<qsizetype> cell;
     {
         const Sight sight = see();
         const qsizetype place = caret();
+        cell = leavesLine && m_hasGivenIndentation ? std::optional(sight.lines.cells(place).first) : std::nullopt;
         const bool isStuck = (key == VimKey::left && place == sight.lines.start(place)) ||
                              (key == VimKey::right && sight.lines.isAtEnd(place)) || (key == VimKey::up && sight.lines.isFirst(place)) ||
                              (key == VimKey::down && sight.lines.isLast(place));
@@ -351,7 +354,9 @@ void VimEngine::Inserting::move(char16_t key)
             return;
         }
     }
-    dropGivenIndentation();
+    if (leavesLine) {
+        dropGivenIndentation();
+    }
     m_engine.pauseInsertSession();
     finishReplay();
     m_isAnew = true;
@@ -375,6 +380,7 @@ void VimEngine::Inserting::move(char16_t key)
         } else if (const auto *row = std::ranges::find(rows, key, &Row::key); row != std::end(rows)) {
             VimExactMotion::Request wanted = request(sight);
             wanted.purpose = VimExactMotion::For::selection; // it may stand behind a line
+            wanted.column = cell ? cell : wanted.column;
             if (const auto result = row->motion(wanted); !result.failed) {
                 place = result.place;
                 column = result.column;

@@ -542,6 +542,9 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
         return;
     }
     edit(edits);
+    if (!edits.isEmpty() && kind != OperatorKind::remove) {
+        moveLastChangeToStart();
+    }
     setChangeMarks(start, last + shiftOfLast);
     if (kind == OperatorKind::indent || kind == OperatorKind::outdent) {
         shiftBlock(kind, block);
