@@ -745,7 +745,7 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
         }
         joined = VimFormatting::joined(sight.lines, caret(), std::min(lines, left), glue);
     }
-    const qsizetype first = joined.edits.isEmpty() ? lineStart : joined.edits[0].range.location;
+    const qsizetype first = joined.edits.isEmpty() ? text().length() : joined.edits[0].range.location;
     edit(joined.edits);
     m_exact.marks.noteJoined(lineStart);
     {
