@@ -252,7 +252,6 @@ public:
         bool isLarge = false;
         /// How often lines are shifted.
         qsizetype amount = 1;
-        bool isVisual = false;
         /// Changing it takes even nothing into registers.
         bool isInclusive = false;
         /// Where yanking it leaves the mark `]`, where that is not its last unit.
@@ -320,8 +319,9 @@ private:
     void format(const Region &region, bool keepsCaret);
     void pasteBlock(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
     enum class Replay { undo, redo };
+    enum class Replayed { nothing, idleStep, change };
+    Replayed replayStep(Replay replay);
     void showUndone(std::optional<qsizetype> before, Replay replay);
-    void takeBackJump(const VimPlaces &jumps, std::optional<qsizetype> leftAt);
     void putText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
     void shiftBlock(OperatorKind kind, const VimBlock &block);
 

@@ -75,33 +75,42 @@ qsizetype VimEngine::Operating::undoSteps() const
     return m_engine.m_view.undoSteps() + m_idleSteps.count();
 }
 
-/// There was no step after all.
-void VimEngine::Operating::takeBackJump(const VimPlaces &jumps, std::optional<qsizetype> leftAt)
+/// One step, with what changed nothing among them.
+VimEngine::Operating::Replayed VimEngine::Operating::replayStep(Replay replay)
 {
+    m_firstChanged.reset();
+    const VimPlaces jumps = m_exact.jumps;
+    const auto leftAt = m_exact.marks.place(u'\'');
+    m_exact.going.rememberJump(Going::Moving::goes);
+    const bool isUndo = replay == Replay::undo;
+    const qsizetype steps = m_engine.m_view.undoSteps();
+    if (const auto place = isUndo ? m_idleSteps.undo(steps) : m_idleSteps.redo(steps)) {
+        setCaret(*place);
+        return Replayed::idleStep;
+    }
+    if (isUndo || m_idleSteps.mayRedo(steps)) {
+        const QScopedValueRollback undoing(m_isUndoing, true);
+        m_exact.repeating.outsideStep([&] { isUndo ? m_engine.m_view.undo() : m_engine.m_view.redo(); });
+    }
+    if (m_firstChanged) {
+        return Replayed::change;
+    }
     m_exact.jumps = jumps;
     m_exact.marks.set(u'\'', leftAt.value_or(0));
+    return Replayed::nothing;
 }
 
 void VimEngine::Operating::undo(qsizetype count)
 {
     for (qsizetype left = count; left > 0; --left) {
-        m_firstChanged.reset();
-        const VimPlaces jumps = m_exact.jumps;
-        const auto leftAt = m_exact.marks.place(u'\'');
-        m_exact.going.rememberJump(Going::Moving::goes);
-        if (const auto place = m_idleSteps.undo(m_engine.m_view.undoSteps())) {
-            setCaret(*place);
-            continue;
-        }
-        {
-            const QScopedValueRollback undoing(m_isUndoing, true);
-            m_exact.repeating.outsideStep([this] { m_engine.m_view.undo(); });
-        }
-        m_exact.restoreMarks();
-        if (!m_firstChanged) {
-            takeBackJump(jumps, leftAt);
+        const Replayed replayed = replayStep(Replay::undo);
+        if (replayed == Replayed::nothing) {
             break;
         }
+        if (replayed == Replayed::idleStep) {
+            continue;
+        }
+        m_exact.restoreMarks();
         const qsizetype restored = std::min(m_engine.m_view.selectedRange().location, text().length());
         {
             const Sight sight = see();
@@ -116,25 +125,12 @@ void VimEngine::Operating::undo(qsizetype count)
 void VimEngine::Operating::redo(qsizetype count)
 {
     for (qsizetype left = count; left > 0; --left) {
-        m_firstChanged.reset();
-        const VimPlaces jumps = m_exact.jumps;
-        const auto leftAt = m_exact.marks.place(u'\'');
-        m_exact.going.rememberJump(Going::Moving::goes);
-        if (const auto place = m_idleSteps.redo(m_engine.m_view.undoSteps())) {
-            setCaret(*place);
+        const Replayed replayed = replayStep(Replay::redo);
+        if (replayed == Replayed::nothing) {
+            break;
+        }
+        if (replayed == Replayed::idleStep) {
             continue;
-        }
-        if (!m_idleSteps.mayRedo(m_engine.m_view.undoSteps())) {
-            takeBackJump(jumps, leftAt);
-            break;
-        }
-        {
-            const QScopedValueRollback undoing(m_isUndoing, true);
-            m_exact.repeating.outsideStep([this] { m_engine.m_view.redo(); });
-        }
-        if (!m_firstChanged) {
-            takeBackJump(jumps, leftAt);
-            break;
         }
         std::optional<qsizetype> before;
         if (!m_caretsBefore.empty()) {

@@ -234,14 +234,13 @@ VimEngine::Operating::Region VimEngine::Selecting::region() const
     const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
     const qsizetype high = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
     if (m_engine.m_mode == Mode::visualLine) {
-        return {.range = lines.lines(low, high), .span = Span::lines, .start = firstOfLines(lines), .isOfLines = true, .isVisual = true};
+        return {.range = lines.lines(low, high), .span = Span::lines, .start = firstOfLines(lines), .isOfLines = true};
     }
     const qsizetype end = lines.isAtEnd(high) ? (lines.isLast(high) ? high : lines.next(high)) : lines.after(high);
     const bool isOfLines = lines.start(low) != lines.start(high) || (end > low && isBreak(lines.at(end - 1)));
     return {.range = TextRange::between(low, end),
             .start = low,
             .isOfLines = isOfLines,
-            .isVisual = true,
             .markEnd = end > low && isBreak(lines.at(end - 1)) ? std::optional(end) : std::nullopt};
 }
 
