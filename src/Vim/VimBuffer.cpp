@@ -28,19 +28,18 @@ TextRange VimBuffer::lineRange(qsizetype offset) const
     return ::lineRange(m_text, {clamped(offset), 0});
 }
 
-qsizetype VimBuffer::contentEnd(TextRange line)
+qsizetype VimBuffer::lineContentEnd(qsizetype offset)
 {
+    if (length() == 0) {
+        return 0;
+    }
+    const TextRange line = lineRange(std::min(offset, length() - 1));
     qsizetype end = line.end();
     if (end > line.location && at(end - 1) == u'\n') {
         --end;
         return end > line.location && at(end - 1) == u'\r' ? end - 1 : end;
     }
     return end > line.location && isBreak(at(end - 1)) ? end - 1 : end;
-}
-
-qsizetype VimBuffer::lineContentEnd(qsizetype offset)
-{
-    return length() == 0 ? 0 : contentEnd(lineRange(std::min(offset, length() - 1)));
 }
 
 qsizetype VimBuffer::firstNonBlank(qsizetype offset)

@@ -24,8 +24,6 @@ public:
     /// Its break included.
     [[nodiscard]] TextRange lineRange(qsizetype offset) const;
     [[nodiscard]] qsizetype lineStart(qsizetype offset) const { return lineRange(offset).location; }
-    /// Where the break of `line`, a whole one, begins.
-    [[nodiscard]] qsizetype contentEnd(TextRange line);
     /// Where the line's break begins; an offset at the text's end counts as the one before it.
     [[nodiscard]] qsizetype lineContentEnd(qsizetype offset);
     /// The first unit that is neither space nor tab; of a blank line its start.
@@ -57,6 +55,11 @@ private:
 [[nodiscard]] constexpr bool isBreak(char16_t unit)
 {
     return unit == u'\n' || unit == u'\r' || isLineSeparator(unit);
+}
+
+[[nodiscard]] inline bool endsWithBreak(const Rope &text)
+{
+    return !text.isEmpty() && isBreak(text.at(text.length() - 1));
 }
 
 [[nodiscard]] constexpr bool isSpaceOrTab(char16_t unit)

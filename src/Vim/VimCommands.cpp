@@ -40,7 +40,7 @@ Rope repeatedText(const Rope &text, qsizetype count)
     return result;
 }
 
-bool endsWithBreak(const Rope &text)
+bool endsWithLineFeed(const Rope &text)
 {
     return !text.isEmpty() && text.at(text.length() - 1) == u'\n';
 }
@@ -240,7 +240,7 @@ void VimEngine::Editing::paste(Side side, qsizetype count)
         Rope text = repeatedText(contents.text, count);
         VimBuffer before = m_engine.buffer();
         if (contents.isLinewise) {
-            if (!endsWithBreak(text)) {
+            if (!endsWithLineFeed(text)) {
                 text.replace({text.length(), 0}, u"\n");
             }
             const TextRange line = before.lineRange(m_engine.caret());

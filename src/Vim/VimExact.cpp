@@ -312,15 +312,6 @@ void VimEngine::Repeating::runMacro(char16_t name)
 
 // All of it
 
-namespace {
-
-bool endsWithBreak(const Rope &text)
-{
-    return !text.isEmpty() && isBreak(text.at(text.length() - 1));
-}
-
-} // namespace
-
 VimEngine::Exact::Exact(VimEngine &owner) : engine(owner)
 {
     marks.set(u'\'', 0); // as in a text that was just opened

@@ -23,11 +23,6 @@ qsizetype contentEnd(const Rope &text, qsizetype line)
     return end;
 }
 
-bool endsWithBreak(const Rope &text)
-{
-    return !text.isEmpty() && isBreak(text.at(text.length() - 1));
-}
-
 /// What one edit makes of the place of a line that it touches.
 struct Touch {
     enum class What { nothing, gone, line, offset, joined };
