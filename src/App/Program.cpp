@@ -31,6 +31,7 @@
 #include "Spelling/SpellChecker.h"
 #include "Vim/VimConfiguration.h"
 #include "Vim/VimHistory.h"
+#include "Vim/VimSavedState.h"
 #include "Vim/VimRegisters.h"
 #include "Widgets/DesktopPalette.h"
 #include "Widgets/ForeignChords.h"
@@ -200,6 +201,8 @@ struct Program::Parts {
     FindState find{session.rootDirectory() + u"/find-history.json"_s, workers};
     VimRegisters registers{pasteboard, preferences};
     VimConfiguration vimConfiguration{preferences};
+    VimSavedState vimState{session.rootDirectory() + u"/vim-state.json"_s,
+                           {scheduler, workers, notifications, preferences, registers, vimConfiguration.fileMarks()}};
     VimHistory vimHistory{session.rootDirectory() + u"/vim-history.json"_s, workers};
     SpellChecker spellChecker{workers, SpellChecker::systemSetup()};
     SpellingPanel spellingPanel{spellChecker};

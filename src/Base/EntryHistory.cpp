@@ -2,77 +2,21 @@
 // SPDX-License-Identifier: MIT
 #include "Base/EntryHistory.h"
 
-#include "Base/AtomicFile.h"
-
-#include <QFile>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
-#include <mutex>
-#include <utility>
-
-namespace {
-
-/// Empty when there is no file to be read.
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    const bool isReadable = QFileInfo(path).isFile() && file.size() <= EntryHistory::largestFile && file.open(QIODevice::ReadOnly);
-    return isReadable ? file.read(EntryHistory::largestFile) : QByteArray();
-}
-
-} // namespace
-
-/// What is to be in the file: the latest, however many there were since it was written.
-struct EntryHistory::Writing {
-    explicit Writing(QString path) : file(std::move(path)) {}
-
-    const QString file;
-    std::mutex isWriting;
-    std::mutex hasLatest;
-    QByteArray latest;
-
-    void put(const QByteArray &content)
-    {
-        const std::lock_guard lock(hasLatest);
-        latest = content;
-    }
-    void run()
-    {
-        const std::lock_guard one(isWriting);
-        QByteArray content;
-        {
-            const std::lock_guard lock(hasLatest);
-            content = std::exchange(latest, {});
-        }
-        if (!content.isEmpty()) {
-            makePrivateFolder(QFileInfo(file).path());
-            std::ignore = writeAtomically(file, content, AtomicFile::NewFile::privateToUser);
-        }
-    }
-};
 
 EntryHistory::EntryHistory(const Form &form, QString file, Workers &workers) : EntryHistory(form)
 {
-    m_writing = std::make_shared<Writing>(std::move(file));
-    m_workers = &workers;
+    m_file.emplace(std::move(file), workers);
     load();
-}
-
-EntryHistory::~EntryHistory()
-{
-    m_task.cancel();
-    if (m_writing) {
-        m_writing->run();
-    }
 }
 
 void EntryHistory::load()
 {
-    const QJsonObject object = QJsonDocument::fromJson(contentOf(m_writing->file)).object();
+    const QJsonObject object = QJsonDocument::fromJson(m_file->content(largestFile)).object();
     for (size_t kind = 0; kind < m_form.kinds.size(); ++kind) {
         QStringList &entries = m_entries[kind];
         for (const auto &value : object[m_form.kinds[kind]].toArray()) {
@@ -122,7 +66,7 @@ void EntryHistory::clear()
 
 void EntryHistory::write()
 {
-    if (!m_writing) {
+    if (!m_file) {
         return;
     }
     QJsonObject object;
@@ -135,7 +79,5 @@ void EntryHistory::write()
         }
         object[m_form.kinds[kind]] = array;
     }
-    m_writing->put(QJsonDocument(object).toJson(QJsonDocument::Compact));
-    m_task = BackgroundTask::start(
-        *m_workers, [writing = m_writing](const std::stop_token & /*stop*/) { return writing->run(), 0; }, [](int /*done*/) {});
+    m_file->write(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }

@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Base/BackgroundTask.h"
+#include "Base/KeptFile.h"
 
 #include <QLatin1StringView>
 #include <QStringList>
 
-#include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -36,8 +36,6 @@ public:
     explicit EntryHistory(const Form &form) : m_form(form), m_entries(form.kinds.size()), m_private(form.kinds.size()) {}
     /// `file` is absolute; its folder is made, for its user only, when something is first written. `workers` must outlive this.
     EntryHistory(const Form &form, QString file, Workers &workers);
-    Q_DISABLE_COPY_MOVE(EntryHistory)
-    ~EntryHistory();
 
     [[nodiscard]] const QStringList &entries(size_t kind) const { return m_entries[kind]; }
     [[nodiscard]] bool isEmpty() const;
@@ -46,8 +44,6 @@ public:
     void clear();
 
 private:
-    struct Writing;
-
     void load();
     void write();
 
@@ -55,7 +51,6 @@ private:
     std::vector<QStringList> m_entries;
     /// Of each kind, those that are not for the next run.
     std::vector<QStringList> m_private;
-    std::shared_ptr<Writing> m_writing;
-    Workers *m_workers = nullptr;
-    BackgroundTask m_task;
+    /// None that keeps all in memory.
+    std::optional<KeptFile> m_file;
 };

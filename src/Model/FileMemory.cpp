@@ -2,16 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "Model/FileMemory.h"
 
-#include "Base/AtomicFile.h"
+#include "Base/KeptFile.h"
 
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 
 #include <algorithm>
-#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -28,11 +25,7 @@ QString pathOf(const QJsonObject &entry)
 
 FileMemory::FileMemory(QString file) : m_file(std::move(file))
 {
-    QFile kept(m_file);
-    if (!QFileInfo(m_file).isFile() || kept.size() > largestFile || !kept.open(QIODevice::ReadOnly)) {
-        return;
-    }
-    for (const auto &value : QJsonDocument::fromJson(kept.read(largestFile)).array()) {
+    for (const auto &value : QJsonDocument::fromJson(KeptFile::contentAt(m_file, largestFile)).array()) {
         const QJsonObject entry = value.toObject();
         if (QDir::isAbsolutePath(pathOf(entry)) && m_entries.size() < largestCount) {
             m_entries.push_back(entry);
@@ -74,6 +67,5 @@ void FileMemory::write() const
     for (const QJsonObject &entry : m_entries) {
         array << entry;
     }
-    makePrivateFolder(QFileInfo(m_file).path());
-    std::ignore = writeAtomically(m_file, QJsonDocument(array).toJson(QJsonDocument::Compact), AtomicFile::NewFile::privateToUser);
+    KeptFile::writeAt(m_file, QJsonDocument(array).toJson(QJsonDocument::Compact));
 }

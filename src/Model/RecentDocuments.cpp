@@ -2,11 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "Model/RecentDocuments.h"
 
-#include "Base/AtomicFile.h"
 #include "Base/FilePath.h"
+#include "Base/KeptFile.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -38,14 +37,6 @@ QJsonObject toJson(const RecentDocuments::Entry &entry)
     return object;
 }
 
-/// Empty when there is no file to be read.
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    const bool isReadable = QFileInfo(path).isFile() && file.size() <= RecentDocuments::largestFile && file.open(QIODevice::ReadOnly);
-    return isReadable ? file.read(RecentDocuments::largestFile) : QByteArray();
-}
-
 } // namespace
 
 RecentDocuments::RecentDocuments(QString file, Workers &workers, std::chrono::milliseconds timeout)
@@ -56,7 +47,7 @@ RecentDocuments::RecentDocuments(QString file, Workers &workers, std::chrono::mi
 
 void RecentDocuments::load()
 {
-    for (const auto &value : QJsonDocument::fromJson(contentOf(m_file)).array()) {
+    for (const auto &value : QJsonDocument::fromJson(KeptFile::contentAt(m_file, largestFile)).array()) {
         auto entry = entryFrom(value);
         if (entry && m_entries.size() < largestCount && std::ranges::find(m_entries, entry->path, &Entry::path) == m_entries.end()) {
             m_entries.push_back(*std::move(entry));
@@ -73,8 +64,7 @@ void RecentDocuments::write() const
     for (const Entry &entry : m_entries) {
         array << toJson(entry);
     }
-    makePrivateFolder(QFileInfo(m_file).path());
-    std::ignore = writeAtomically(m_file, QJsonDocument(array).toJson(QJsonDocument::Compact), AtomicFile::NewFile::privateToUser);
+    KeptFile::writeAt(m_file, QJsonDocument(array).toJson(QJsonDocument::Compact));
 }
 
 void RecentDocuments::note(const QStringList &paths)

@@ -78,8 +78,7 @@ auto computed(VimExTarget &target, LineSpan read, Function function)
 
 void store(VimExCall &call, VimRegisters::Taken taken)
 {
-    call.target().registers().keep({.text = VimExEdits::content(call.target().text(), call.lines), .isLinewise = true}, call.registerName,
-                                   taken);
+    call.target().keep({.text = VimExEdits::content(call.target().text(), call.lines), .isLinewise = true}, call.registerName, taken);
 }
 
 tl::unexpected<Error> trailing(const QString &argument)

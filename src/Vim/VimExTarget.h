@@ -4,6 +4,7 @@
 
 #include "Text/LineEditing.h"
 #include "Vim/VimFileMarks.h"
+#include "Vim/VimRegisters.h"
 
 #include <QString>
 
@@ -11,7 +12,6 @@
 
 class VimMarks;
 class VimPlaces;
-class VimRegisters;
 class VimRunning;
 struct Action;
 struct VimOptions;
@@ -47,7 +47,8 @@ public:
     [[nodiscard]] virtual std::vector<VimFileMarks::Mark> marksElsewhere() const = 0;
     [[nodiscard]] virtual VimPlaces &jumps() = 0;
     [[nodiscard]] virtual VimPlaces &changes() = 0;
-    [[nodiscard]] virtual VimRegisters &registers() = 0;
+    [[nodiscard]] virtual const VimRegisters &registers() const = 0;
+    virtual void keep(const VimRegisterContents &contents, std::optional<char16_t> name, VimRegisters::Taken taken) = 0;
     /// Keys of normal mode as text, which ends there too: an unfinished command or mode is left. False when a key failed.
     virtual bool runNormal(const QString &keys, bool usesMappings) = 0;
 

@@ -273,7 +273,8 @@ void VimEngine::Repeating::toggleRecording(char16_t name)
     if (m_recording) {
         m_engine.notify();
         m_recorded.chop(1); // the key that ends it
-        m_engine.m_registers.setText(*std::exchange(m_recording, std::nullopt), std::exchange(m_recorded, {}));
+        m_engine.m_registers.store({.text = Rope(std::exchange(m_recorded, {})), .isPrivate = m_exact.isPrivate()},
+                                   *std::exchange(m_recording, std::nullopt));
     } else if (QChar(name).isLetterOrNumber() || name == u'"') {
         m_recording = name;
         m_recorded.clear();
@@ -434,4 +435,15 @@ VimRegisterContents VimEngine::Exact::contents(std::optional<char16_t> name) con
         return {.text = Rope(engine.m_configuration ? engine.m_configuration->alternateFile() : QString())};
     }
     return name == u'_' ? VimRegisterContents() : engine.m_registers.contents(name == u'"' ? std::nullopt : name);
+}
+
+void VimEngine::Exact::keep(VimRegisterContents contents, std::optional<char16_t> name, VimRegisters::Taken taken) const
+{
+    contents.isPrivate = isPrivate();
+    engine.m_registers.keep(contents, name, taken);
+}
+
+bool VimEngine::Exact::isPrivate() const
+{
+    return engine.m_historyKept && engine.m_historyKept() == VimHistory::Kept::whileRunning;
 }

@@ -531,7 +531,8 @@ private:
     [[nodiscard]] std::vector<VimFileMarks::Mark> marksElsewhere() const override;
     [[nodiscard]] VimPlaces &jumps() override;
     [[nodiscard]] VimPlaces &changes() override;
-    [[nodiscard]] VimRegisters &registers() override;
+    [[nodiscard]] const VimRegisters &registers() const override;
+    void keep(const VimRegisterContents &contents, std::optional<char16_t> name, VimRegisters::Taken taken) override;
     bool runNormal(const QString &keys, bool usesMappings) override;
     [[nodiscard]] VimRunning &running() override { return m_engine.m_view; }
     [[nodiscard]] std::optional<VimSearch> &lastSearch() override;
@@ -564,6 +565,9 @@ public:
     /// What `~` stands for in a pattern.
     [[nodiscard]] std::optional<QString> lastSubstitute() const { return commanding.lastReplacement(); }
     [[nodiscard]] VimRegisterContents contents(std::optional<char16_t> name) const;
+    void keep(VimRegisterContents contents, std::optional<char16_t> name, VimRegisters::Taken taken) const;
+    /// Whether nothing of the text is to be kept when the program ends.
+    [[nodiscard]] bool isPrivate() const;
     /// The line that ends with the last break is the last one again.
     void terminate() { m_isUnterminated = false; }
     /// What came into a text that was emptied, also if it is gone again when it `wasTyped`, gets the break at its end that the text had;

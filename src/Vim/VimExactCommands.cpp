@@ -158,9 +158,14 @@ VimPlaces &VimEngine::Commanding::changes()
     return m_exact.changes;
 }
 
-VimRegisters &VimEngine::Commanding::registers()
+const VimRegisters &VimEngine::Commanding::registers() const
 {
     return m_engine.m_registers;
+}
+
+void VimEngine::Commanding::keep(const VimRegisterContents &contents, std::optional<char16_t> name, VimRegisters::Taken taken)
+{
+    m_exact.keep(contents, name, taken);
 }
 
 bool VimEngine::Commanding::runNormal(const QString &keys, bool usesMappings)

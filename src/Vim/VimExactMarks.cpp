@@ -50,7 +50,11 @@ std::optional<VimFileMarks::Place> VimEngine::Marking::heldMark(char16_t mark) c
     const VimLines lines(text());
     const qsizetype line = lines.number(std::min(*place, text().length()));
     const VimTextName name = m_engine.m_view.name();
-    return VimFileMarks::Place{.text = name.lasting(), .title = name.title, .line = line, .column = *place - lines.startOf(line)};
+    return VimFileMarks::Place{.text = name.lasting(),
+                               .title = name.title,
+                               .line = line,
+                               .column = *place - lines.startOf(line),
+                               .isPrivate = m_exact.isPrivate()};
 }
 
 void VimEngine::Marking::share(char16_t name)

@@ -194,7 +194,7 @@ void VimEngine::Operating::applyLines(OperatorKind kind, qsizetype count)
 
 void VimEngine::Operating::keep(const VimRegisterContents &contents, VimRegisters::Taken taken)
 {
-    m_engine.m_registers.keep(contents, m_engine.m_pendingRegister, taken);
+    m_exact.keep(contents, m_engine.m_pendingRegister, taken);
 }
 
 void VimEngine::Operating::keepRange(TextRange range, Span span, VimRegisters::Taken taken)

@@ -52,6 +52,27 @@ void VimFileMarks::share(char16_t name, Holder &holder)
 void VimFileMarks::set(char16_t name, const Holder &holder)
 {
     m_marks.insert_or_assign(name, Kept{.holder = &holder});
+    noteChange();
+}
+
+void VimFileMarks::remove(char16_t name)
+{
+    m_marks.erase(name);
+    noteChange();
+}
+
+void VimFileMarks::restore(char16_t name, const Place &place)
+{
+    if (isName(name)) {
+        m_marks.try_emplace(name, Kept{.place = place});
+    }
+}
+
+void VimFileMarks::noteChange() const
+{
+    if (m_changed) {
+        m_changed();
+    }
 }
 
 void VimFileMarks::release(const Holder &holder)

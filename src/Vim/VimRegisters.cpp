@@ -28,6 +28,7 @@ void VimRegisters::set(const VimRegisterContents &contents, std::optional<char16
         writeToClipboard(contents.text);
     }
     m_unnamed = contents;
+    noteChange();
     if (!name || isClipboard(*name)) {
         return;
     }
@@ -35,6 +36,7 @@ void VimRegisters::set(const VimRegisterContents &contents, std::optional<char16
     if (QChar::isUpper(*name)) {
         kept.text.replace({kept.text.length(), 0}, contents.text);
         kept.isLinewise = kept.isLinewise || contents.isLinewise;
+        kept.isPrivate = kept.isPrivate || contents.isPrivate;
     } else {
         kept = contents;
     }
@@ -62,15 +64,18 @@ void VimRegisters::keep(const VimRegisterContents &contents, std::optional<char1
     if (taken != Taken::removedLines && !name) {
         m_named[taken == Taken::yanked ? u'0' : u'-'] = contents;
     }
+    noteChange();
 }
 
 void VimRegisters::store(const VimRegisterContents &contents, char16_t name)
 {
+    noteChange();
     VimRegisterContents &kept = m_named[lowerCase(name)];
     if (!QChar::isUpper(name) || kept.text.isEmpty()) {
         kept = contents;
         return;
     }
+    kept.isPrivate = kept.isPrivate || contents.isPrivate;
     // Whole lines stay whole.
     if (kept.isLinewise || contents.isLinewise) {
         if (kept.text.at(kept.text.length() - 1) != u'\n') {
@@ -85,9 +90,18 @@ void VimRegisters::store(const VimRegisterContents &contents, char16_t name)
     }
 }
 
-void VimRegisters::setText(char16_t name, const QString &text)
+void VimRegisters::restore(char16_t name, const VimRegisterContents &contents)
 {
-    store({.text = Rope(text), .isLinewise = false}, name);
+    if (VimRegisterContents &kept = name == unnamedName ? m_unnamed : m_named[lowerCase(name)]; kept.text.isEmpty()) {
+        kept = contents;
+    }
+}
+
+void VimRegisters::noteChange() const
+{
+    if (m_changed) {
+        m_changed();
+    }
 }
 
 VimRegisterContents VimRegisters::contents(std::optional<char16_t> name) const

@@ -4,8 +4,10 @@
 
 #include "Text/Rope.h"
 
+#include <functional>
 #include <map>
 #include <optional>
+#include <utility>
 
 class Pasteboard;
 class Preferences;
@@ -19,6 +21,8 @@ struct VimRegisterContents {
     bool isBlock = false;
     /// Cells of the widest row of a rectangle.
     qsizetype blockWidth = 0;
+    /// Of a private file: forgotten when the program ends.
+    bool isPrivate = false;
 };
 
 /// What was yanked and deleted, by all editors of the process. There are named registers, "+" and "*", which are the clipboard, and the
@@ -26,6 +30,9 @@ struct VimRegisterContents {
 /// there too, and what other programs put there is what it has. Main thread only.
 class VimRegisters final {
 public:
+    /// Of the unnamed register where it has to have a name.
+    static constexpr char16_t unnamedName = u'"';
+
     /// Both must outlive the registers.
     VimRegisters(Pasteboard &pasteboard, const Preferences &preferences) : m_pasteboard(pasteboard), m_preferences(preferences) {}
 
@@ -42,8 +49,12 @@ public:
     /// As Vim does it: yanks go to "0", deleted lines to "1" while what was there moves on to "9", what is less to "-"; "_" takes nothing.
     /// The unnamed register is the one that was stored to last.
     void keep(const VimRegisterContents &contents, std::optional<char16_t> name, Taken taken);
-    /// Text that was recorded or is put into a register as it is.
-    void setText(char16_t name, const QString &text);
+    /// What was recorded or is put into a register as it is.
+    void store(const VimRegisterContents &contents, char16_t name);
+    /// Contents of an earlier run, for a register that has none.
+    void restore(char16_t name, const VimRegisterContents &contents);
+    /// Instead of what it called before; of changes that are made here, not of those of the clipboard.
+    void whenChanged(std::function<void()> action) { m_changed = std::move(action); }
     /// Empty for a register that was never stored to.
     [[nodiscard]] VimRegisterContents contents(std::optional<char16_t> name) const;
 
@@ -52,7 +63,7 @@ public:
     [[nodiscard]] const VimRegisterContents &unnamed() const { return m_unnamed; }
 
 private:
-    void store(const VimRegisterContents &contents, char16_t name);
+    void noteChange() const;
     void writeToClipboard(const Rope &text);
     [[nodiscard]] VimRegisterContents clipboard() const;
 
@@ -62,4 +73,5 @@ private:
     VimRegisterContents m_unnamed;
     /// Right after this program wrote to the clipboard; none before, and then what is there is somebody else's.
     std::optional<int> m_lastWrittenChangeCount;
+    std::function<void()> m_changed;
 };

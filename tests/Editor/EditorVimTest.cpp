@@ -84,7 +84,7 @@ protected:
         QObject::connect(&editor->storage, &TextStorage::changed, &editor->view, [this] { ++changes; });
         QObject::connect(&editor->view, &TextView::selectionChanged, &editor->view, [this] { ++selections; });
     }
-    void record(char16_t name, const QString &keys) { registers.setText(name, keys); }
+    void record(char16_t name, const QString &keys) { registers.store({.text = Rope(keys)}, name); }
     void press(const QString &keys)
     {
         for (const QChar key : keys) {

@@ -70,7 +70,11 @@ public:
     [[nodiscard]] std::vector<VimFileMarks::Mark> marksElsewhere() const override { return {}; }
     [[nodiscard]] VimPlaces &jumps() override { return m_jumps; }
     [[nodiscard]] VimPlaces &changes() override { return m_changes; }
-    [[nodiscard]] VimRegisters &registers() override { return m_registers; }
+    [[nodiscard]] const VimRegisters &registers() const override { return m_registers; }
+    void keep(const VimRegisterContents &contents, std::optional<char16_t> name, VimRegisters::Taken taken) override
+    {
+        m_registers.keep(contents, name, taken);
+    }
     /// "x" and "A" with what is to be added are all there is.
     bool runNormal(const QString &keys, bool) override
     {

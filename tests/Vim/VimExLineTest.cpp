@@ -286,7 +286,7 @@ TEST(VimConfiguration, ReadsAFileOfCommands)
 TEST(VimExLine, ListsRegistersWithWhatTheyAre)
 {
     VimExText text(u"a\n"_s);
-    text.registers().set({.text = Rope(u"x\ny"_s), .isBlock = true, .blockWidth = 1}, u'b');
+    text.keep({.text = Rope(u"x\ny"_s), .isBlock = true, .blockWidth = 1}, u'b', VimRegisters::Taken::yanked);
     text.run(u"reg b"_s);
     EXPECT_EQ(text.said.join(u'|').toStdString(), "Registers\nType Name Content\n  b  \"b   x^Jy");
 }
