@@ -389,7 +389,7 @@ void VimEngine::Exact::followChange(const TextChange &change)
         m_isUnterminated = !operating.isUndoing();
     }
     if (!operating.isUndoing()) {
-        rememberMarks();
+        rememberStep(change, isOwn ? ChangedBy::keys : ChangedBy::others);
     }
     marks.follow(change);
     jumps.follow(change);

@@ -15,6 +15,7 @@
 #include "Vim/VimIdleSteps.h"
 #include "Vim/VimLiteral.h"
 #include "Vim/VimMarks.h"
+#include "Vim/VimStepCaret.h"
 #include "Vim/VimSubstituteJob.h"
 #include "Vim/VimWordCompletion.h"
 
@@ -264,7 +265,7 @@ public:
     void applyLines(OperatorKind kind, qsizetype count);
     void apply(OperatorKind kind, const Region &region);
     void applyToBlock(OperatorKind kind, const VimBlock &block);
-    void forget() { m_forced.reset(), m_objectCaret.reset(); }
+    void forget() { m_forced.reset(), m_objectCaret.reset(), m_taken.reset(); }
     /// The operator that waits takes what lies between the caret and where `command` leads.
     void applyOver(const QString &command);
     /// The operator that waits takes characters, lines or a block, whatever its motion says.
@@ -293,7 +294,12 @@ public:
     /// A command is about to change the text there: where it changes nothing, that is a step of undo as well. It is for changes of one
     /// line that the line is kept for `U`.
     enum class Reach { line, lines };
-    void beginChange(qsizetype place, Reach reach = Reach::line);
+    /// `taken` is what it takes, even if some of that stays as it is.
+    void beginChange(qsizetype place, Reach reach = Reach::line, std::optional<TextRange> taken = std::nullopt);
+    /// What a step keeps of `change`, which begins it: where the caret was.
+    [[nodiscard]] VimStepCaret stepOf(const TextChange &change);
+    /// The lines that a command took, all that it changes or not.
+    [[nodiscard]] std::optional<VimStepCaret::LineSpan> takenLines() const { return m_taken; }
     /// The line at `place` is as it is, unless it is kept already.
     void keepLine(qsizetype place);
     /// A key is done with.
@@ -312,16 +318,18 @@ public:
     void pasteText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
 
 private:
+    [[nodiscard]] qsizetype placeBefore(OperatorKind kind, const Region &region) const;
     void change(const Region &region);
     void remove(const Region &region);
     void shift(const Region &region, OperatorKind kind);
     void changeCase(TextRange range, OperatorKind kind);
     void format(const Region &region, bool keepsCaret);
     void pasteBlock(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
-    enum class Replay { undo, redo };
+    using Replay = VimStepCaret::Replay;
     enum class Replayed { nothing, idleStep, change };
     Replayed replayStep(Replay replay);
-    void showUndone(std::optional<qsizetype> before, Replay replay);
+    void replaySteps(Replay replay, qsizetype count);
+    void showReplayed(Replay replay);
     void putText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
     void shiftBlock(OperatorKind kind, const VimBlock &block);
 
@@ -332,8 +340,6 @@ private:
     std::optional<qsizetype> m_firstChanged;
     /// Behind the last one.
     qsizetype m_lastChanged = 0;
-    /// Line and column, units, of the caret before what was undone, for redoing it.
-    std::vector<std::pair<qsizetype, qsizetype>> m_caretsBefore;
     /// As it was before the changes in it; the text has no break.
     struct LineBefore {
         qsizetype number = 0;
@@ -344,6 +350,7 @@ private:
     void keepLineOf(const Rope &before, qsizetype place, qsizetype caret);
     VimIdleSteps m_idleSteps;
     std::optional<qsizetype> m_begun;
+    std::optional<VimStepCaret::LineSpan> m_taken;
     bool m_hasChanged = false;
     bool m_changesLines = false;
     /// Where the caret is while a command changes the text.
@@ -578,6 +585,8 @@ public:
     [[nodiscard]] bool isUnterminated() const { return m_isUnterminated; }
     /// After a step was undone: the marks that went with their lines are back, and what was selected before it.
     void restoreMarks();
+    /// Of the step that was undone or redone last; null where nothing is known of it.
+    [[nodiscard]] const VimStepCaret *replayedStep(VimStepCaret::Replay replay);
 
     VimEngine &engine;
     VimMarks marks;
@@ -602,13 +611,17 @@ private:
     bool m_isUnterminated = false;
     /// All of the text was deleted, with the break at its end.
     bool m_isEmptied = false;
-    void rememberMarks();
-    /// As it was before a step of undo, the first of which is 1.
-    struct BeforeStep {
-        qsizetype step = 0;
+    enum class ChangedBy { others, keys };
+    void rememberStep(const TextChange &change, ChangedBy by);
+    /// A step of undo, the first of which is 1, with what there was before it.
+    struct Step {
+        qsizetype number = 0;
         VimMarks marks;
         std::optional<Selecting::Selected> selected;
+        VimStepCaret caret;
+        bool isUndone = false;
     };
+    [[nodiscard]] Step *step(qsizetype number);
     /// The oldest first.
-    std::deque<BeforeStep> m_beforeSteps;
+    std::deque<Step> m_steps;
 };

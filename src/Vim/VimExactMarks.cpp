@@ -140,39 +140,54 @@ bool VimEngine::Marking::goElsewhere(char16_t name, bool isExact)
 
 // Before each step
 
-void VimEngine::Exact::rememberMarks()
+void VimEngine::Exact::rememberStep(const TextChange &change, ChangedBy by)
 {
     constexpr size_t limit = 1000;
-    const qsizetype step = engine.m_view.undoSteps(); // the one that is under way counts
-    while (!m_beforeSteps.empty() && m_beforeSteps.back().step > step) {
-        m_beforeSteps.pop_back();
+    const qsizetype number = engine.m_view.undoSteps(); // the one that is under way counts
+    while (!m_steps.empty() && (m_steps.back().number > number || (m_steps.back().number == number && m_steps.back().isUndone))) {
+        m_steps.pop_back();
     }
-    if (!m_beforeSteps.empty() && m_beforeSteps.back().step == step) {
-        return;
+    const bool isNew = m_steps.empty() || m_steps.back().number < number;
+    if (isNew) {
+        m_steps.push_back({number, marks, selecting.selected(), operating.stepOf(change)});
     }
-    m_beforeSteps.push_back({step, marks, selecting.selected()});
-    if (m_beforeSteps.size() > limit) {
-        m_beforeSteps.pop_front();
+    if (isNew || by == ChangedBy::keys) {
+        m_steps.back().caret.add(change, operating.takenLines());
     }
+    if (m_steps.size() > limit) {
+        m_steps.pop_front();
+    }
+}
+
+VimEngine::Exact::Step *VimEngine::Exact::step(qsizetype number)
+{
+    const auto found = std::ranges::find(m_steps, number, &Step::number);
+    return found == m_steps.end() ? nullptr : &*found;
 }
 
 void VimEngine::Exact::restoreMarks()
 {
-    const qsizetype step = engine.m_view.undoSteps() + 1;
-    while (!m_beforeSteps.empty() && m_beforeSteps.back().step > step) {
-        m_beforeSteps.pop_back();
-    }
-    if (m_beforeSteps.empty() || m_beforeSteps.back().step != step) {
+    const Step *undone = step(engine.m_view.undoSteps() + 1);
+    if (!undone) {
         return;
     }
-    const BeforeStep before = std::move(m_beforeSteps.back());
-    m_beforeSteps.pop_back();
-    for (const VimMarks::Mark &mark : before.marks.all()) {
+    for (const VimMarks::Mark &mark : undone->marks.all()) {
         if (VimMarks::isUsers(mark.name) && !marks.place(mark.name)) {
             marks.set(mark.name, mark.place);
         }
     }
-    if (before.selected) {
-        selecting.setSelected(*before.selected);
+    if (undone->selected) {
+        selecting.setSelected(*undone->selected);
     }
+}
+
+const VimStepCaret *VimEngine::Exact::replayedStep(VimStepCaret::Replay replay)
+{
+    const bool isUndo = replay == VimStepCaret::Replay::undo;
+    Step *replayed = step(engine.m_view.undoSteps() + (isUndo ? 1 : 0));
+    if (!replayed) {
+        return nullptr;
+    }
+    replayed->isUndone = isUndo;
+    return &replayed->caret;
 }

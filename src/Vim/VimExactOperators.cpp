@@ -244,8 +244,10 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
         return;
     }
     setChangeMarks(region.range.location, region.range.end() - 1);
-    if (kind != OperatorKind::formatInPlace && kind != OperatorKind::format) {
-        m_engine.m_view.select({region.start, 0}, region.start); // where undoing it leads back to
+    const bool isFormat = kind == OperatorKind::format || kind == OperatorKind::formatInPlace;
+    if (!isFormat) {
+        const qsizetype place = placeBefore(kind, region);
+        m_engine.m_view.select({place, 0}, place); // where undoing it leads back to
     }
     const bool comesToNothing = kind == OperatorKind::remove && region.range.isEmpty() && region.isInclusive;
     const bool takesBreak = region.span == Span::characters && (kind == OperatorKind::change || kind == OperatorKind::remove);
@@ -253,7 +255,8 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
     const bool isInLine = text().lineAt(region.range.location) == text().lineAt(behind);
     const bool isCut = kind == OperatorKind::remove && region.span == Span::lines;
     if (kind != OperatorKind::yank && !comesToNothing) {
-        beginChange(m_engine.m_view.selectedRange().location, isInLine && !isCut ? Reach::line : Reach::lines);
+        beginChange(isFormat ? m_objectCaret.value_or(caret()) : caret(), isInLine && !isCut ? Reach::line : Reach::lines,
+                    isFormat ? std::nullopt : std::optional(region.range));
     }
     switch (kind) {
     case OperatorKind::change:
@@ -299,6 +302,18 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
     finish(Repeatable::yes);
 }
 
+/// Where undoing leads back to: of several lines that are changed the second one, as the others go first.
+qsizetype VimEngine::Operating::placeBefore(OperatorKind kind, const Region &region) const
+{
+    if (kind != OperatorKind::change || region.span != Span::lines) {
+        return region.start;
+    }
+    const Sight sight = see();
+    const qsizetype second = sight.lines.next(region.range.location);
+    const qsizetype column = std::max<qsizetype>(region.start - region.range.location, 0);
+    return second < region.range.end() ? std::min(second + column, sight.lines.end(second)) : region.start;
+}
+
 void VimEngine::Operating::remove(const Region &region)
 {
     using enum VimRegisters::Taken;
@@ -332,15 +347,6 @@ void VimEngine::Operating::change(const Region &region)
 {
     using enum VimRegisters::Taken;
     TextRange range = region.range;
-    if (region.span == Span::lines) {
-        // Undoing leads back to the second one of several lines, which go first.
-        const Sight sight = see();
-        const qsizetype second = sight.lines.next(range.location);
-        if (second < range.end()) {
-            const qsizetype place = std::min(second + std::max<qsizetype>(region.start - range.location, 0), sight.lines.end(second));
-            m_engine.m_view.select({place, 0}, place);
-        }
-    }
     m_exact.inserting.begin();
     bool isGiven = false;
     if (region.span == Span::lines) {
@@ -532,7 +538,7 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
     if (kind != OperatorKind::yank) {
         m_engine.m_view.select({start, 0}, start); // where undoing it leads back to
         if (kind != OperatorKind::remove || !edits.isEmpty()) {
-            beginChange(start, text().lineAt(start) == text().lineAt(last) ? Reach::line : Reach::lines);
+            beginChange(start, text().lineAt(start) == text().lineAt(last) ? Reach::line : Reach::lines, TextRange::between(start, last));
         }
     }
     if (kind == OperatorKind::change) {

@@ -16,7 +16,6 @@ void VimEngine::Operating::followChange(const TextChange &change)
         m_lastChanged = hull.location + hull.inserted;
         return;
     }
-    m_caretsBefore.clear();
     m_idleSteps.forgetUndone();
     m_hasChanged = m_hasChanged || m_engine.isBusy() || m_engine.m_mode == Mode::insert;
     m_exact.changes.add(hull.location, change.after, m_engine.m_options.textWidth);
@@ -31,10 +30,20 @@ void VimEngine::Operating::followChange(const TextChange &change)
     }
 }
 
-void VimEngine::Operating::beginChange(qsizetype place, Reach reach)
+VimStepCaret VimEngine::Operating::stepOf(const TextChange &change)
+{
+    const qsizetype place = std::exchange(m_begun, std::nullopt).value_or(m_caretBefore.value_or(change.edits.hull().location));
+    const qsizetype line = change.before.lineAt(place);
+    return VimStepCaret({line, place - change.before.lineStart(line)});
+}
+
+void VimEngine::Operating::beginChange(qsizetype place, Reach reach, std::optional<TextRange> taken)
 {
     m_begun = m_begun.value_or(place);
     m_changesLines = reach == Reach::lines;
+    if (taken) {
+        m_taken = {text().lineAt(taken->location), text().lineAt(std::max(taken->end() - 1, taken->location))};
+    }
     if (reach == Reach::line) {
         keepLineOf(text(), place, place);
     }
@@ -92,7 +101,7 @@ VimEngine::Operating::Replayed VimEngine::Operating::replayStep(Replay replay)
         const QScopedValueRollback undoing(m_isUndoing, true);
         m_exact.repeating.outsideStep([&] { isUndo ? m_engine.m_view.undo() : m_engine.m_view.redo(); });
     }
-    if (m_firstChanged) {
+    if (m_engine.m_view.undoSteps() != steps) {
         return Replayed::change;
     }
     m_exact.jumps = jumps;
@@ -102,65 +111,48 @@ VimEngine::Operating::Replayed VimEngine::Operating::replayStep(Replay replay)
 
 void VimEngine::Operating::undo(qsizetype count)
 {
-    for (qsizetype left = count; left > 0; --left) {
-        const Replayed replayed = replayStep(Replay::undo);
-        if (replayed == Replayed::nothing) {
-            break;
-        }
-        if (replayed == Replayed::idleStep) {
-            continue;
-        }
-        m_exact.restoreMarks();
-        const qsizetype restored = std::min(m_engine.m_view.selectedRange().location, text().length());
-        {
-            const Sight sight = see();
-            const qsizetype line = sight.lines.start(restored);
-            m_caretsBefore.push_back({sight.lines.number(restored), restored - line});
-        }
-        showUndone(restored, Replay::undo);
-    }
-    finish();
+    replaySteps(Replay::undo, count);
 }
 
 void VimEngine::Operating::redo(qsizetype count)
 {
+    replaySteps(Replay::redo, count);
+}
+
+void VimEngine::Operating::replaySteps(Replay replay, qsizetype count)
+{
     for (qsizetype left = count; left > 0; --left) {
-        const Replayed replayed = replayStep(Replay::redo);
+        const Replayed replayed = replayStep(replay);
         if (replayed == Replayed::nothing) {
             break;
         }
-        if (replayed == Replayed::idleStep) {
-            continue;
+        if (replayed == Replayed::change) {
+            if (replay == Replay::undo) {
+                m_exact.restoreMarks();
+            }
+            showReplayed(replay);
         }
-        std::optional<qsizetype> before;
-        if (!m_caretsBefore.empty()) {
-            const Sight sight = see();
-            const qsizetype line = sight.lines.startOf(m_caretsBefore.back().first);
-            before = std::min(line + m_caretsBefore.back().second, sight.lines.end(line));
-            m_caretsBefore.pop_back();
-        }
-        showUndone(before, Replay::redo);
     }
     finish();
 }
 
-/// In the first line that changed, or the one before it: where the caret was before the change, if that was there, else on its first
-/// character.
-void VimEngine::Operating::showUndone(std::optional<qsizetype> before, Replay replay)
+void VimEngine::Operating::showReplayed(Replay replay)
 {
     const Sight sight = see();
     const VimLines &lines = sight.lines;
-    const qsizetype line = lines.start(*m_firstChanged);
-    // Undoing is a change of lines as well.
-    const bool isOfLines =
-        replay == Replay::undo && *m_firstChanged == line && m_lastChanged > line && m_lastChanged == lines.start(m_lastChanged);
-    setChangeMarks(line, lines.start(isOfLines ? m_lastChanged - 1 : std::min(m_lastChanged, text().length())));
-    m_exact.marks.set(u'.', line);
-    m_exact.changes.add(line, text(), m_engine.m_options.textWidth);
-    const qsizetype place = before ? std::min(*before, text().length()) : 0;
-    const qsizetype lineBefore = line > 0 ? lines.start(line - 1) : line;
-    const bool isThere = before && place >= lineBefore && (lines.start(place) <= line || place < m_lastChanged);
-    setCaret(isThere ? place : lines.firstNonBlank(line));
+    // What was typed may have been deleted in the same step.
+    const qsizetype first = m_firstChanged.value_or(std::min(caret(), text().length()));
+    const qsizetype line = lines.start(first);
+    if (m_firstChanged) {
+        // Undoing is a change of lines as well.
+        const bool isOfLines =
+            replay == Replay::undo && first == line && m_lastChanged > line && m_lastChanged == lines.start(m_lastChanged);
+        setChangeMarks(line, lines.start(isOfLines ? m_lastChanged - 1 : std::min(m_lastChanged, text().length())));
+        m_exact.marks.set(u'.', line);
+        m_exact.changes.add(line, text(), m_engine.m_options.textWidth);
+    }
+    const VimStepCaret *step = m_exact.replayedStep(replay);
+    setCaret(step ? step->place(replay, lines, lines.number(first) - 1) : lines.firstNonBlank(line));
 }
 
 void VimEngine::Operating::undoLine()

@@ -366,6 +366,7 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
     }
     const qsizetype last = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
     m_engine.setMode(Mode::normal);
+    m_exact.operating.beginChange(start, Operating::Reach::lines, TextRange::between(std::min(start, last), last + 1));
     edit(edits);
     m_exact.operating.setChangeMarks(start, last);
     setCaret(start);
@@ -583,7 +584,8 @@ void VimEngine::Selecting::add(qint64 by, bool isProgressive)
     }
     m_engine.setMode(Mode::normal);
     const bool isInLine = text().lineAt(m_engine.m_visualAnchor) == text().lineAt(m_engine.m_visualHead);
-    m_exact.operating.beginChange(start, isInLine ? Operating::Reach::line : Operating::Reach::lines);
+    const auto [low, high] = std::minmax(m_engine.m_visualAnchor, m_engine.m_visualHead);
+    m_exact.operating.beginChange(start, isInLine ? Operating::Reach::line : Operating::Reach::lines, TextRange::between(low, high + 1));
     edit(edits);
     if (!edits.isEmpty()) {
         m_exact.operating.setChangeMarks(edits.newRange(0).location, edits.newRange(edits.count() - 1).end() - 1);
