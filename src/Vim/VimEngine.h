@@ -178,7 +178,7 @@ private:
     struct Awaited {
         Awaiting what = Awaiting::gPrefix;
         VimMotion::FindKind find = VimMotion::FindKind::forwardTo;
-        /// Of a mark: its place rather than its line.
+        /// Of a mark: its place rather than its line. Of a register: its characters rather than its keys.
         bool isExact = false;
         VimTextObject::Extent extent = VimTextObject::Extent::inner;
         /// Behind Ctrl+K: two characters stand for the one that is awaited.

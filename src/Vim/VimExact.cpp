@@ -220,6 +220,16 @@ bool VimEngine::Repeating::run(const QString &keys)
     return isDone;
 }
 
+void VimEngine::Repeating::runNext(const QString &keys)
+{
+    if (m_depth > 0) {
+        m_queue = keys + m_queue.sliced(m_queuePlace);
+        m_queuePlace = 0;
+    } else {
+        run(keys);
+    }
+}
+
 void VimEngine::Repeating::record(const VimKeyEvent &event)
 {
     if (m_recording && m_depth == 0) {
@@ -302,13 +312,12 @@ void VimEngine::Repeating::runMacro(char16_t name)
     QString keys = command.isEmpty() ? recorded.toString() : u':' + command + u'\r';
     keys = keys.repeated(count);
     if (m_depth > 0) {
-        m_queue = keys + m_queue.sliced(m_queuePlace);
-        m_queuePlace = 0;
-    } else {
-        beginStep();
-        run(keys);
-        endStep();
+        runNext(keys);
+        return;
     }
+    beginStep();
+    run(keys);
+    endStep();
 }
 
 // All of it

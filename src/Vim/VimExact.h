@@ -75,6 +75,8 @@ public:
 
     /// Carries keys out, false when one failed; what was left of them is dropped then.
     bool run(const QString &keys);
+    /// The same, before what is still to come while others are carried out.
+    void runNext(const QString &keys);
     void noteFailure() { m_hasFailed = true; }
     /// What is done meanwhile is part of another command.
     [[nodiscard]] QString hold();
@@ -160,7 +162,8 @@ public:
     void leave();
     void deleteBefore(VimDeletion what, char16_t key);
     void deleteBehind();
-    void insertRegister(char16_t name);
+    enum class Inserted { asTyped, asIs };
+    void insertRegister(char16_t name, Inserted inserted);
     void insertLast(bool leaves);
     void insertNeighbour(qsizetype lines);
     void shiftLine(OperatorKind kind, char16_t key);
@@ -179,12 +182,16 @@ public:
     void setComesBack(bool comesBack) { m_comesBack = comesBack; }
     /// To where the caret is then, even if it was behind the line.
     void comeBackBefore() { m_returnsBehind.reset(); }
+    /// Behind its last character if it is there then.
+    void comeBackBehind(qsizetype line) { m_returnsBehind = line; }
     /// Nothing was typed yet since the caret was moved, or since a command of normal mode.
     [[nodiscard]] bool isAnew() const { return m_isAnew; }
     /// Plays what was typed again.
     void play(const QString &script);
 
     void newLine();
+    /// Where insert mode ends that was at `place`, right behind indentation that a new line was given: behind a single character there.
+    [[nodiscard]] static qsizetype endBehindGiven(const VimLines &lines, qsizetype place);
 
 private:
     void takeLiteral(const VimKeyEvent &event);
@@ -206,7 +213,14 @@ private:
     void overwrite(const QString &text);
     void breakBeforeWidth(const QString &next);
     qsizetype dropGivenIndentation();
+    /// Where insert mode ends, and the cell that is kept for the next `j` where that is another.
+    struct End {
+        qsizetype place = 0;
+        std::optional<qsizetype> column = std::nullopt;
+    };
+    End endAtGivenIndentation();
     [[nodiscard]] QString indentationFor(qsizetype place) const;
+    [[nodiscard]] bool dropsIndentation(qsizetype place) const;
 
     Kind m_kind = Kind::insert;
     qsizetype m_count = 1;
@@ -227,6 +241,8 @@ private:
     qsizetype m_start = 0;
     std::optional<BlockInsertion> m_block;
     bool m_hasGivenIndentation = false;
+    /// Of the next line, which this one was to have.
+    std::optional<QString> m_nextIndentation;
     bool m_isRepeating = false;
     bool m_comesBack = false;
     bool m_isAnew = false;
@@ -257,6 +273,8 @@ public:
         bool isInclusive = false;
         /// Where yanking it leaves the mark `]`, where that is not its last unit.
         std::optional<qsizetype> markEnd = std::nullopt;
+        /// The motion led to the start of the line below.
+        bool endsBelow = false;
     };
 
     /// The caret goes there, or the operator that waits has its text.

@@ -26,12 +26,15 @@ constexpr char16_t deleteLetterKey = 0x08;
 /// What follows is put into the text whatever it is.
 constexpr char16_t literalKey = 0x16;
 
-/// Nothing but what types itself.
+/// A key that types itself.
+bool isText(QChar key)
+{
+    return key >= u' ' && key != QChar(VimKey::backspace) && (key < QChar(VimKeys::alt) || key > QChar(VimKey::pageDown));
+}
+
 bool isText(const QString &script)
 {
-    return std::ranges::none_of(script, [](QChar unit) {
-        return unit < u' ' || unit == QChar(VimKey::backspace) || (unit >= QChar(VimKeys::alt) && unit <= QChar(VimKey::pageDown));
-    });
+    return std::ranges::all_of(script, [](QChar key) { return isText(key); });
 }
 
 } // namespace
@@ -53,6 +56,7 @@ void VimEngine::Inserting::begin()
     m_count = 1;
     m_kind = Kind::insert;
     m_hasGivenIndentation = false;
+    m_nextIndentation.reset();
     m_comesBack = false;
     m_isAnew = false;
     m_isFirstKey = true;
@@ -185,9 +189,10 @@ bool VimEngine::Inserting::handle(const VimKeyEvent &event)
         } else if (awaited.what == Awaiting::literal) {
             takeLiteral(event);
         } else if (event.control && (unit == u'r' || unit == u'o' || unit == u'p')) {
-            m_engine.m_awaiting = awaited; // literally, which it is anyway
+            m_engine.m_awaiting = awaited;
+            m_engine.m_awaiting->isExact = true;
         } else {
-            insertRegister(unit);
+            insertRegister(unit, awaited.isExact ? Inserted::asIs : Inserted::asTyped);
         }
         return true;
     }
@@ -321,7 +326,7 @@ void VimEngine::Inserting::newLine()
     }
     const QString before = LineEditing::leadingBlanks(text(), line);
     const qsizetype cells = sight.lines.cells(std::min(line + before.size(), place)).first;
-    const QString indentation = m_exact.operating.blanks(cells);
+    const QString indentation = std::exchange(m_nextIndentation, std::nullopt).value_or(m_exact.operating.blanks(cells));
     qsizetype end = place;
     while (!sight.lines.isAtEnd(end) && isSpaceOrTab(sight.lines.at(end))) {
         ++end; // the indentation stands for them
@@ -392,17 +397,17 @@ void VimEngine::Inserting::move(char16_t key)
     m_engine.resumeInsertSession();
 }
 
-void VimEngine::Inserting::insertRegister(char16_t name)
+void VimEngine::Inserting::insertRegister(char16_t name, Inserted how)
 {
     const VimRegisterContents contents = m_exact.contents(name);
     if (contents.text.isEmpty() || !m_engine.mayInsert(contents.text.length(), 1)) {
         return;
     }
-    // As if it was typed.
     const QString inserted = contents.text.toString();
+    const auto isKey = [how](QChar unit) { return how == Inserted::asTyped && unit != u'\n' && unit != u'\t' && !isText(unit); };
     for (qsizetype from = 0; from < inserted.size();) {
         qsizetype end = from;
-        while (end < inserted.size() && inserted[end] != u'\n' && inserted[end] != u'\t') {
+        while (end < inserted.size() && inserted[end] != u'\n' && inserted[end] != u'\t' && !isKey(inserted[end])) {
             ++end;
         }
         if (end > from) {
@@ -417,6 +422,10 @@ void VimEngine::Inserting::insertRegister(char16_t name)
             } else {
                 m_engine.m_view.putText(stretch);
             }
+        }
+        if (end < inserted.size() && isKey(inserted[end])) {
+            m_exact.repeating.runNext(inserted.sliced(end));
+            return;
         }
         if (end < inserted.size()) {
             inserted[end] == u'\n' ? newLine() : insertTab();
@@ -456,6 +465,13 @@ void VimEngine::Inserting::insertNeighbour(qsizetype by)
     m_engine.m_view.putText(character);
 }
 
+/// Behind "0" or "^" that was just typed, the key that takes indentation takes all of it, and that character.
+bool VimEngine::Inserting::dropsIndentation(qsizetype place) const
+{
+    const QChar last = place > m_start ? QChar(text().at(place - 1)) : QChar();
+    return m_kind == Kind::insert && (last == u'0' || last == u'^') && (m_isRepeating || m_script.endsWith(last));
+}
+
 void VimEngine::Inserting::shiftLine(OperatorKind kind, char16_t key)
 {
     startTyping();
@@ -464,6 +480,18 @@ void VimEngine::Inserting::shiftLine(OperatorKind kind, char16_t key)
     const qsizetype place = caret();
     const qsizetype line = lines.start(place);
     const QString before = LineEditing::leadingBlanks(text(), line);
+    if (kind == OperatorKind::outdent && dropsIndentation(place)) {
+        m_nextIndentation = text().at(place - 1) == u'^' ? std::optional(before) : std::nullopt;
+        m_script += m_isRepeating ? QString() : QString(QChar(key));
+        TextEdits edits;
+        if (!before.isEmpty()) {
+            edits.add({line, before.size()}, Rope());
+        }
+        edits.add({place - 1, 1}, Rope());
+        edit(edits);
+        setCaret(place - 1 - before.size());
+        return;
+    }
     const int width = m_engine.m_view.indentation().width;
     const qsizetype cells = lines.cells(line + before.size()).first;
     const qsizetype cellBefore = lines.cells(place).first;
@@ -474,6 +502,9 @@ void VimEngine::Inserting::shiftLine(OperatorKind kind, char16_t key)
         m_script += QChar(key);
     }
     m_hasGivenIndentation = false;
+    if (before == after) {
+        return;
+    }
     edit({line, before.size()}, after);
     if (place >= line + before.size()) {
         setCaret(std::max(place + after.size() - before.size(), line));
@@ -615,6 +646,23 @@ qsizetype VimEngine::Inserting::dropGivenIndentation()
     return line;
 }
 
+VimEngine::Inserting::End VimEngine::Inserting::endAtGivenIndentation()
+{
+    const qsizetype before = caret();
+    if (!m_hasGivenIndentation) {
+        return {.place = before};
+    }
+    const qsizetype cell = see().lines.cells(before).first;
+    const qsizetype place = dropGivenIndentation();
+    return place < before ? End{.place = place, .column = cell} : End{.place = endBehindGiven(see().lines, place)};
+}
+
+qsizetype VimEngine::Inserting::endBehindGiven(const VimLines &lines, qsizetype place)
+{
+    const qsizetype behind = lines.after(place);
+    return lines.isAtEnd(behind) && !lines.isBlankFrom(place) ? behind : place;
+}
+
 /// The marks of what was typed at several places.
 void VimEngine::Inserting::leaveBlock()
 {
@@ -672,7 +720,7 @@ void VimEngine::Inserting::leave()
         const qsizetype place = endsElsewhere ? *m_block->endsAt : caret();
         m_engine.m_view.select({place, 0}, place);
     }
-    const qsizetype place = dropGivenIndentation();
+    const auto [place, column] = endAtGivenIndentation();
     m_exact.marks.set(u'^', endsElsewhere ? typedUpTo : place);
     if (!m_block) {
         m_exact.operating.setChangeMarks(std::min(m_start, place), place);
@@ -687,5 +735,5 @@ void VimEngine::Inserting::leave()
     m_count = 1;
     const Sight sight = see();
     m_engine.setMode(Mode::normal);
-    setCaret(endsElsewhere || place == sight.lines.start(place) ? place : sight.lines.before(place));
+    setCaret(endsElsewhere || place == sight.lines.start(place) ? place : sight.lines.before(place), column);
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Vim/VimLiteral.h"
 
+#include "Vim/VimKeyNotation.h"
 #include "Vim/VimKeys.h"
 
 #include <algorithm>
@@ -62,6 +63,7 @@ VimLiteral::Taken VimLiteral::take(const VimKeyEvent &event)
         return {.text = characterOf(code), .leavesKey = true};
     }
     const QString text = VimKeys::text(event); // Escape as well
-    const bool isNamed = text.size() == 1 && text.front() >= QChar(VimKey::up) && text.front() <= QChar(VimKey::pageDown);
-    return {.text = isNamed ? QString() : text};
+    const char16_t unit = text.size() == 1 ? text.front().unicode() : u'\0';
+    const bool typesNothing = unit == VimKey::backspace || VimKey::isNamed(unit);
+    return {.text = typesNothing ? VimKeyNotation::written(text) : text};
 }
