@@ -82,6 +82,7 @@ VimExactMotion::Request VimEngine::ExactPart::request(const Sight &sight) const
             .purpose = m_engine.isVisual()            ? For::selection
                        : !kind                        ? For::caret
                        : kind == OperatorKind::change ? For::change
+                       : kind == OperatorKind::remove ? For::remove
                        : kind == OperatorKind::yank   ? For::yank
                                                       : For::operation,
             .column = isKept ? m_exact.column : std::nullopt,

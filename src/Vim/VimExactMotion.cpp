@@ -10,6 +10,12 @@ using VimMotion::Words;
 
 namespace VimExactMotion {
 
+qsizetype columnOf(const VimLines &lines, qsizetype place)
+{
+    const VimLines::Cells cells = lines.cells(place);
+    return lines.at(place) == u'\t' ? cells.last : cells.first;
+}
+
 namespace {
 
 /// Not behind the line, for an operator then with that character.
@@ -20,13 +26,6 @@ Result onCharacter(const Request &request, qsizetype place, Kind kind)
         return {.place = lines.last(place), .kind = Kind::inclusive};
     }
     return {.place = place, .kind = kind};
-}
-
-/// Of a tab the last one, where Vim shows the caret.
-qsizetype columnOf(const VimLines &lines, qsizetype place)
-{
-    const VimLines::Cells cells = lines.cells(place);
-    return lines.at(place) == u'\t' ? cells.last : cells.first;
 }
 
 Result toLine(const Request &request, qsizetype line, bool isJump = false)
@@ -83,6 +82,7 @@ Result right(const Request &request)
 Result characterBefore(const Request &request)
 {
     const VimLines &lines = request.lines;
+    const bool mayStandBehind = request.purpose == For::selection || request.purpose == For::remove || request.purpose == For::change;
     qsizetype place = request.caret;
     bool takesBreak = false;
     for (qsizetype done = 0; done < request.count; ++done) {
@@ -92,9 +92,9 @@ Result characterBefore(const Request &request)
             }
             const qsizetype above = lines.start(place - 1);
             // What deletes takes the break by itself.
-            const bool mayStandBehind = request.purpose != For::caret && request.purpose != For::yank;
-            place = mayStandBehind && !lines.isEmpty(above) ? lines.end(above) : lines.last(above);
-            takesBreak = mayStandBehind;
+            const bool standsBehind = mayStandBehind && !lines.isEmpty(above);
+            place = standsBehind ? lines.end(above) : lines.last(above);
+            takesBreak = takesBreak || standsBehind;
         } else {
             place = lines.before(place);
         }
@@ -250,7 +250,7 @@ Result wordForward(const Request &request)
     const Walked walked = wordsForward(lines, request.caret, request.count, words, request.isForOperator());
     Result result = onCharacter(request, walked.place, Kind::exclusive);
     result.failed = !walked.isWhole && !request.isForOperator();
-    result.isWordMotion = true;
+    result.isWordMotion = walked.isWhole;
     if (!walked.isWhole && result.place != request.caret) {
         result.failed = false; // it goes as far as it can
     }
@@ -261,7 +261,7 @@ template<Words words>
 Result wordBackward(const Request &request)
 {
     const Walked walked = wordsBackward(request.lines, request.caret, request.count, words, false);
-    return {.place = walked.place, .failed = !walked.isWhole && walked.place == request.caret};
+    return {.place = walked.place, .failed = !walked.isWhole, .goesNonetheless = !walked.isWhole};
 }
 
 template<Words words>
@@ -278,8 +278,7 @@ template<Words words>
 Result wordEndBackward(const Request &request)
 {
     const Walked walked = wordEndsBackward(request.lines, request.caret, request.count, words, false);
-    const bool failed = !walked.isWhole && (walked.place == request.caret || request.isForOperator());
-    return {.place = walked.place, .kind = Kind::inclusive, .failed = failed, .goesNonetheless = failed};
+    return {.place = walked.place, .kind = Kind::inclusive, .failed = !walked.isWhole, .goesNonetheless = !walked.isWhole};
 }
 
 namespace {

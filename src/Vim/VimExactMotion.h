@@ -13,8 +13,9 @@ using VimMotion::Kind;
 enum class For {
     caret,
     selection,
-    /// An operator; the one that changes treats words in its own way.
+    /// An operator; the one that changes treats words in its own way, and both it and the one that removes may go behind a line.
     operation,
+    remove,
     change,
     yank,
 };
@@ -54,6 +55,9 @@ struct Result {
 };
 
 using Motion = Result (*)(const Request &request);
+
+/// The cell that `j` and `k` keep: of a tab the last one, where Vim shows the caret.
+[[nodiscard]] qsizetype columnOf(const VimLines &lines, qsizetype place);
 
 [[nodiscard]] Result left(const Request &request);
 [[nodiscard]] Result right(const Request &request);

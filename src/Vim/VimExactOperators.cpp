@@ -54,6 +54,17 @@ bool isInIndentation(const VimLines &lines, qsizetype place)
     return at >= place;
 }
 
+bool changesLetters(VimEngine::OperatorKind kind)
+{
+    using enum VimEngine::OperatorKind;
+    return kind == uppercase || kind == lowercase || kind == toggleCase || kind == rotate;
+}
+
+bool fillsLines(VimEngine::OperatorKind kind)
+{
+    return kind == VimEngine::OperatorKind::format || kind == VimEngine::OperatorKind::formatInPlace;
+}
+
 } // namespace
 
 // With a motion
@@ -90,13 +101,18 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
     }
     qsizetype low = std::min(caret(), result.place);
     qsizetype high = std::max(caret(), result.place);
-    if (result.isWordMotion && result.kind == Kind::exclusive && !forced && lines.start(high) != lines.start(low) &&
-        isInIndentation(lines, high)) {
-        const qsizetype before = lines.start(high) - 1;
-        high = lines.isEmpty(before) ? high : lines.end(before); // the last word's line is the last one
-    }
     bool isLinewise = result.kind == Kind::linewise;
     bool isInclusive = result.kind == Kind::inclusive;
+    if (result.isWordMotion && !forced && lines.start(high) != lines.start(low) &&
+        isInIndentation(lines, isInclusive ? lines.after(high) : high)) {
+        // The last word's line is the last one.
+        qsizetype before = lines.start(high) - 1;
+        while (lines.start(before) > low && !lines.isEmpty(before) && lines.isBlankFrom(lines.start(before))) {
+            before = lines.start(before) - 1;
+        }
+        high = lines.isEmpty(before) ? high : lines.end(before);
+        isInclusive = false;
+    }
     const qsizetype start = low;
     if (forced == Mode::visualBlock) {
         const VimBlock block = VimBlock::between(lines, low, high, false);
@@ -109,8 +125,8 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
         isInclusive = !isLinewise && !isInclusive;
         isLinewise = false;
     }
-    if (!result.takesBreak && !isLinewise && !isInclusive && high > low && high == lines.start(high) && lines.start(low) != high &&
-        !(high == low)) {
+    const bool endsBelow = !result.takesBreak && !isLinewise && !isInclusive && high > low && high == lines.start(high);
+    if (endsBelow) {
         // Up to the start of a line is up to the end of the one before, and whole lines if it began with one.
         const qsizetype last = lines.start(high - 1);
         if (isInIndentation(lines, low)) {
@@ -120,13 +136,15 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
             high = lines.end(last);
         }
     }
-    if (isLinewise) {
-        apply(kind, {.range = lines.lines(low, high), .span = Span::lines, .start = start, .isOfLines = true});
+    if (isLinewise || fillsLines(kind)) {
+        apply(kind, {.range = lines.lines(low, high), .span = Span::lines, .start = start, .isOfLines = true, .endsBelow = endsBelow});
         return;
     }
-    const bool isOfCase = kind == OperatorKind::uppercase || kind == OperatorKind::lowercase || kind == OperatorKind::toggleCase;
-    const bool takesOne = isInclusive || (isOfCase && high == lines.start(low)); // also where the motion leads nowhere
-    const qsizetype end = takesOne && !lines.isAtEnd(high) ? lines.after(high) : high;
+    qsizetype end = isInclusive && !lines.isAtEnd(high) ? lines.after(high) : high;
+    if (changesLetters(kind) && !isInclusive && high == lines.start(low)) {
+        // A motion that leads nowhere from the start of a line has all of it, but one character of the first line.
+        end = lines.isFirst(high) ? lines.after(high) : lines.end(high);
+    }
     const bool isOfLines = lines.start(low) != lines.start(std::max(low, end > low ? end - 1 : end)) || isBreak(lines.at(end - 1));
     if (kind == OperatorKind::remove && !forced && lines.start(low) != lines.start(high) && lines.isBlankFrom(end) &&
         isInIndentation(lines, low)) {
@@ -244,19 +262,16 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
         return;
     }
     setChangeMarks(region.range.location, region.range.end() - 1);
-    const bool isFormat = kind == OperatorKind::format || kind == OperatorKind::formatInPlace;
-    if (!isFormat) {
-        const qsizetype place = placeBefore(kind, region);
-        m_engine.m_view.select({place, 0}, place); // where undoing it leads back to
-    }
+    const qsizetype place = placeBefore(kind, region);
+    m_engine.m_view.select({place, 0}, place); // where undoing it leads back to
     const bool comesToNothing = kind == OperatorKind::remove && region.range.isEmpty() && region.isInclusive;
     const bool takesBreak = region.span == Span::characters && (kind == OperatorKind::change || kind == OperatorKind::remove);
     const qsizetype behind = region.range.end() - (takesBreak || region.range.isEmpty() ? 0 : 1);
     const bool isInLine = text().lineAt(region.range.location) == text().lineAt(behind);
     const bool isCut = kind == OperatorKind::remove && region.span == Span::lines;
     if (kind != OperatorKind::yank && !comesToNothing) {
-        beginChange(isFormat ? m_objectCaret.value_or(caret()) : caret(), isInLine && !isCut ? Reach::line : Reach::lines,
-                    isFormat ? std::nullopt : std::optional(region.range));
+        beginChange(caret(), isInLine && !isCut ? Reach::line : Reach::lines,
+                    fillsLines(kind) ? std::nullopt : std::optional(region.range));
     }
     switch (kind) {
     case OperatorKind::change:
@@ -305,6 +320,9 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
 /// Where undoing leads back to: of several lines that are changed the second one, as the others go first.
 qsizetype VimEngine::Operating::placeBefore(OperatorKind kind, const Region &region) const
 {
+    if (fillsLines(kind)) {
+        return m_objectCaret.value_or(caret());
+    }
     if (kind != OperatorKind::change || region.span != Span::lines) {
         return region.start;
     }
@@ -383,45 +401,6 @@ QString VimEngine::Operating::blanks(qsizetype cells) const
     return QString(cells / indentation.tabWidth(), u'\t') + QString(cells % indentation.tabWidth(), u' ');
 }
 
-void VimEngine::Operating::shift(const Region &region, OperatorKind kind)
-{
-    const int width = m_engine.m_view.indentation().width;
-    TextEdits edits;
-    {
-        const Sight sight = see();
-        const VimLines &lines = sight.lines;
-        for (qsizetype line = lines.start(region.range.location); line < std::max(region.range.end(), line + 1);) {
-            if (!lines.isEmpty(line)) {
-                qsizetype behind = line;
-                while (!lines.isAtEnd(behind) && isSpaceOrTab(lines.at(behind))) {
-                    ++behind;
-                }
-                const qsizetype cells = lines.cells(behind).first;
-                const qsizetype by = width * region.amount;
-                const QString now = blanks(kind == OperatorKind::indent ? cells + by : std::max<qsizetype>(cells - by, 0));
-                if (text().toString(TextRange::between(line, behind)) != now) {
-                    edits.add(TextRange::between(line, behind), Rope(now));
-                }
-            }
-            const qsizetype next = lines.next(line);
-            if (next <= line || next >= region.range.end()) {
-                break;
-            }
-            line = next;
-        }
-    }
-    const qsizetype line = text().lineStart(text().lineAt(region.range.location));
-    const qsizetype before = text().length();
-    edit(edits);
-    const Sight sight = see();
-    const qsizetype behind = region.range.end() + text().length() - before;
-    setChangeMarks(std::min(region.start, sight.lines.end(line)), sight.lines.last(std::max(behind - 1, line)));
-    if (!edits.isEmpty()) {
-        moveLastChange(line);
-    }
-    setCaret(sight.lines.firstNonBlank(line));
-}
-
 void VimEngine::Operating::changeCase(TextRange range, OperatorKind kind)
 {
     const QString before = text().toString(range);
@@ -437,43 +416,6 @@ void VimEngine::Operating::changeCase(TextRange range, OperatorKind kind)
         }()));
         moveLastChange(range.location);
     }
-}
-
-void VimEngine::Operating::format(const Region &region, bool keepsCaret)
-{
-    const qsizetype from = m_objectCaret.value_or(caret());
-    TextRange range;
-    QString filled;
-    {
-        const Sight sight = see();
-        range = sight.lines.lines(region.range.location, std::max(region.range.end() - 1, region.range.location));
-        const VimOptions &options = m_engine.m_options;
-        const int width = options.textWidth > 0 ? options.textWidth : options.longestLine;
-        filled = VimFormatting::filled(sight.lines, range, width > 0 ? width : 79, [this](qsizetype cells) { return blanks(cells); });
-    }
-    // The caret stays on its character.
-    const auto countOf = [](QStringView text) { return std::ranges::count_if(text, [](QChar unit) { return !unit.isSpace(); }); };
-    qsizetype kept = from;
-    if (keepsCaret && range.contains(from) && text().toString(range) != filled) {
-        const bool isOnText = !text().toString({from, 1}).front().isSpace();
-        auto left = countOf(text().toString(TextRange::between(range.location, from))) + (isOnText ? 1 : 0);
-        qsizetype at = 0;
-        while (left > 0 && at < filled.size()) {
-            left -= filled[at++].isSpace() ? 0 : 1;
-        }
-        kept = range.location + at - (isOnText ? 1 : 0);
-    }
-    if (text().toString(range) != filled) {
-        edit(range, filled);
-    }
-    if (keepsCaret) {
-        setCaret(kept);
-        return;
-    }
-    const qsizetype last = range.location + std::max<qsizetype>(filled.size() - 1, 0);
-    const Sight sight = see();
-    setChangeMarks(range.location, sight.lines.start(last));
-    setCaret(sight.lines.firstNonBlank(last));
 }
 
 void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block)
@@ -616,6 +558,7 @@ void VimEngine::Operating::deleteCharacters(Side side, qsizetype count)
     }
     if (range.isEmpty()) {
         beginChange(caret());
+        setCaret(caret());
         finish(Repeatable::yes); // as "dl" and "dh" do
         return;
     }
@@ -712,7 +655,8 @@ void VimEngine::Operating::replaceCharacter(QStringView key, qsizetype count)
     if (key == QChar(u'\r')) {
         edit(range, u'\n' + indentation);
         forgetLine();
-        const qsizetype behind = place + 1 + indentation.size();
+        const qsizetype given = place + 1 + indentation.size();
+        const qsizetype behind = indentation.isEmpty() ? given : Inserting::endBehindGiven(see().lines, given);
         setChangeMarks(place, behind);
         m_exact.marks.set(u'^', behind);
         m_exact.inserting.setLastInserted(u"\r"_s);
@@ -724,45 +668,6 @@ void VimEngine::Operating::replaceCharacter(QStringView key, qsizetype count)
         m_exact.inserting.setLastInserted(key.toString());
         setCaret(place + (count - 1) * key.size());
     }
-    finish(Repeatable::yes);
-}
-
-void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
-{
-    VimFormatting::Joined joined;
-    qsizetype lineStart = 0;
-    {
-        const Sight sight = see();
-        lineStart = sight.lines.start(caret());
-        const qsizetype left = sight.lines.count() - sight.lines.number(caret()) + 1;
-        const qsizetype lines = std::max<qsizetype>(count, 2);
-        if (left < lines && lines <= 2) {
-            fail();
-            return;
-        }
-        beginChange(caret(), left > 1 ? Reach::lines : Reach::line);
-        if (text().isEmpty()) {
-            m_exact.restoreLastBreak(true);
-            finish(Repeatable::yes);
-            return;
-        }
-        if (left < lines && m_engine.hasCount()) {
-            m_engine.m_countBuffer = QString::number(left); // as many are joined by a repetition
-        }
-        joined = VimFormatting::joined(sight.lines, caret(), std::min(lines, left), glue);
-    }
-    const qsizetype first = joined.edits.isEmpty() ? text().length() : joined.edits[0].range.location;
-    edit(joined.edits);
-    m_exact.marks.noteJoined(lineStart);
-    {
-        const Sight sight = see();
-        setChangeMarks(std::min(first, sight.lines.end(lineStart)), sight.lines.end(lineStart));
-        if (!joined.edits.isEmpty() && !sight.lines.isLast(lineStart)) {
-            // What was deleted last is the line below.
-            moveLastChange(sight.lines.next(lineStart));
-        }
-    }
-    setCaret(joined.edits.isEmpty() ? lineStart : joined.place);
     finish(Repeatable::yes);
 }
 

@@ -77,7 +77,7 @@ Walked wordsForward(const VimLines &lines, qsizetype place, qsizetype count, Wor
         while (classAt(lines, place, words) == 0 && !lines.isEmpty(place)) {
             step = lines.forward(place);
             if (step == Step::none || (step != Step::character && isLastLine)) {
-                return {place, true};
+                return {place, count == 0};
             }
         }
     }
