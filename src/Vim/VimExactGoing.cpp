@@ -21,6 +21,8 @@ void VimEngine::Going::go(VimExactMotion::Motion motion)
     }
     if (motion == VimExactMotion::lineStart || motion == VimExactMotion::firstNonBlank) {
         m_exact.inserting.comeBackBefore();
+    } else if (motion == VimExactMotion::characterBefore && text().lineAt(result.place) < text().lineAt(caret())) {
+        m_exact.inserting.comeBackBehind(text().lineAt(result.place));
     }
     m_exact.operating.arrive(result);
 }
@@ -66,7 +68,7 @@ void VimEngine::Going::toVisibleLine(VisibleLine line)
         const VimLines &lines = sight.lines;
         const TextRange seen = m_engine.m_view.visibleRange();
         const qsizetype first = lines.number(seen.location);
-        const qsizetype last = std::min(lines.number(std::max(seen.end() - 1, seen.location)), lines.count());
+        const qsizetype last = seen.end() >= text().length() ? lines.count() : lines.number(std::max(seen.end() - 1, seen.location));
         const qsizetype by = m_engine.effectiveCount() - 1;
         const qsizetype number = line == VisibleLine::first    ? std::min(first + by, last)
                                  : line == VisibleLine::middle ? first + (last - first) / 2
@@ -78,6 +80,10 @@ void VimEngine::Going::toVisibleLine(VisibleLine line)
 
 void VimEngine::Going::scrollHalf(qsizetype direction)
 {
+    if (m_engine.m_pendingOperator) {
+        fail();
+        return;
+    }
     if (m_engine.hasCount()) {
         m_scroll = m_engine.effectiveCount();
     }
@@ -97,29 +103,37 @@ void VimEngine::Going::scrollPage(qsizetype direction, qsizetype count)
             place = sight.lines.firstNonBlank(sight.lines.startNear(place, by));
         }
     }
-    if (place < 0) {
+    const TextRange seen = m_engine.m_view.visibleRange();
+    if (m_engine.m_pendingOperator || place < 0 || (count > 0 && by < 0 && seen.location == 0)) {
         fail();
         return;
     }
-    m_engine.m_view.scrollRows(by);
+    // Half a page brings up lines that are not seen yet, and no others.
+    const qsizetype hidden = std::max(see().lines.count() - see().lines.number(std::max(seen.end() - 1, seen.location)), qsizetype(0));
+    m_engine.m_view.scrollRows(count > 0 ? by : std::min(by, hidden));
     setCaret(place);
     finish();
 }
 
 void VimEngine::Going::scrollRows(qsizetype rows)
 {
+    if (m_engine.m_pendingOperator) {
+        fail();
+        return;
+    }
     m_engine.m_view.scrollRows(rows);
     const TextRange seen = m_engine.m_view.visibleRange();
     qsizetype place = caret();
+    auto column = m_exact.columnPlace == place ? m_exact.column : std::nullopt;
     if (!seen.contains(place) && !seen.isEmpty()) {
         // The caret stays in sight.
         const Sight sight = see();
         const VimLines &lines = sight.lines;
         const qsizetype line = lines.start(place < seen.location ? seen.location : std::max(seen.end() - 1, seen.location));
-        const qsizetype cell = lines.cells(place).first;
-        place = std::min(lines.placeAt(line, cell), lines.last(line));
+        column = column.value_or(VimExactMotion::columnOf(lines, place));
+        place = *column >= VimLines::endless ? lines.last(line) : std::min(lines.placeAt(line, *column), lines.last(line));
     }
-    setCaret(place, m_exact.column);
+    setCaret(place, column);
     finish();
 }
 
@@ -349,16 +363,19 @@ void VimEngine::Going::searchWord(SearchDirection direction, bool isWhole)
     }
     qsizetype start = caret();
     {
-        // The word itself is no hit, nor is one that lies on.
+        // The word itself is no hit, nor is one that lies on. Where there is none, signs are one.
         const Sight sight = see();
         const VimLines &lines = sight.lines;
-        qsizetype word = start;
-        while (!lines.isAtEnd(word) && lines.wordClass(word) < 2) {
-            word = lines.after(word);
-        }
-        start = lines.isAtEnd(word) ? start : word;
+        const auto firstOf = [&](int least) {
+            qsizetype place = caret();
+            while (!lines.isAtEnd(place) && lines.wordClass(place) < least) {
+                place = lines.after(place);
+            }
+            return place;
+        };
+        start = lines.isAtEnd(firstOf(2)) ? firstOf(1) : firstOf(2);
         const int kind = lines.wordClass(start);
-        while (kind >= 2 && start > lines.start(start) && lines.wordClass(lines.before(start)) == kind) {
+        while (kind >= 1 && start > lines.start(start) && lines.wordClass(lines.before(start)) == kind) {
             start = lines.before(start);
         }
     }

@@ -25,9 +25,7 @@ void press(VimView &view, const QString &keys)
         const QStringView key = QStringView(keys).mid(place, keys[place].isHighSurrogate() ? 2 : 1);
         place += key.size();
         const VimKeyEvent event = eventOf(key);
-        if (!view.engine.handle(event) && !event.characters.isEmpty()) {
-            view.insertText(key == u"\r" ? u"\n"_s : event.characters);
-        }
+        view.handle(event, event.characters);
     }
 }
 

@@ -16,7 +16,7 @@
 
 #include <map>
 
-/// A text with modal editing and nothing to show it: a screen has twenty lines, and shows them all unless a test says otherwise.
+/// A text with modal editing and nothing to show it: a screen of twenty lines follows the caret as Vim's window does.
 class VimView final : public VimTextView, private VimEngineDelegate {
 public:
     explicit VimView(const QString &content, VimKeymapPreset preset = VimKeymapPreset::plain) : VimView(content, VimOptions(preset)) {}
@@ -50,10 +50,16 @@ public:
             event.charactersIgnoringModifiers = key;
             const bool isText = !event.control && (key.front() < QChar(VimKey::up) || key.front() > QChar(VimKey::backtab));
             event.characters = isText ? key : QString();
-            if (!engine.handle(event) && isText) {
-                insertText(key == u"\r" ? QStringLiteral("\n") : key);
-            }
+            handle(event, isText ? key : QString());
         }
+    }
+    /// A key that types `text` where the engine leaves it to the view.
+    void handle(const VimKeyEvent &event, const QString &text)
+    {
+        if (!engine.handle(event) && !text.isEmpty()) {
+            insertText(text == u"\r" ? QStringLiteral("\n") : text);
+        }
+        followCaret();
     }
     [[nodiscard]] QString string() const { return storage.string(); }
     /// With "|" for the caret; with the selection between "^" and "|" in the visual modes, "|" where it is moved.
@@ -142,11 +148,25 @@ public:
     [[nodiscard]] qsizetype undoSteps() const override { return undoManager.steps(); }
     void beginUndoGroup() override { undoManager.beginGroup(GroupKind::other, TextSelection::at(selected.location), this); }
     void endUndoGroup() override { undoManager.endGroup(TextSelection::at(selected.location)); }
-    [[nodiscard]] qsizetype visibleLineCount() const override { return 20; }
-    [[nodiscard]] TextRange visibleRange() const override { return visible.value_or(TextRange{0, text().length()}); }
-    void centerSelection() override { actions << QStringLiteral("center"); }
+    [[nodiscard]] qsizetype visibleLineCount() const override { return screenLines; }
+    [[nodiscard]] TextRange visibleRange() const override
+    {
+        const qsizetype behind = topLine + screenLines;
+        const TextRange seen = TextRange::between(text().lineStart(std::min(topLine, lastLine())),
+                                                  behind > lastLine() ? text().length() : text().lineStart(behind));
+        return visible.value_or(seen);
+    }
+    void centerSelection() override
+    {
+        actions << QStringLiteral("center");
+        showLine(caretLine(), screenLines / 2 - 1);
+    }
     void revealSelection() override { actions << QStringLiteral("reveal"); }
-    void revealAt(Edge edge) override { actions << (edge == Edge::top ? QStringLiteral("top") : QStringLiteral("bottom")); }
+    void revealAt(Edge edge) override
+    {
+        actions << (edge == Edge::top ? QStringLiteral("top") : QStringLiteral("bottom"));
+        showLine(caretLine(), edge == Edge::top ? 0 : screenLines - 1);
+    }
     [[nodiscard]] std::optional<RowPlace> movedByRows(const RowPlace &from, qsizetype rows) const override
     {
         const VimLines lines(text(), indent.tabWidth(), VimLines::LastLine::hasText);
@@ -162,7 +182,7 @@ public:
         const VimLines lines(text(), indent.tabWidth(), VimLines::LastLine::hasText);
         return TextRange::between(lines.start(place), lines.end(place));
     }
-    void scrollRows(qsizetype /*rows*/) override {}
+    void scrollRows(qsizetype rows) override { topLine = std::clamp<qsizetype>(topLine + rows, 0, lastLine()); }
     void seek(std::function<Seeking()> prepare, std::function<void(TextRange hit)> arrive) override
     {
         if (const auto hit = prepare()({})) {
@@ -206,6 +226,8 @@ public:
     std::vector<TextRange> several;
     qsizetype caret = 0;
     std::optional<TextRange> visible;
+    /// The first one that is seen, from 0.
+    qsizetype topLine = 0;
     TextRange indicator;
     std::vector<Rope> others;
     std::optional<VimOffer> offer;
@@ -246,6 +268,32 @@ private:
         const auto known = names.find(name);
         return known == names.end() ? name : QString(QChar(known->second));
     }
+    static constexpr qsizetype screenLines = 20;
+
+    [[nodiscard]] qsizetype caretLine() const { return text().lineAt(std::min(caret, text().length())); }
+    /// From 0; the empty one behind a last break only if the caret is there.
+    [[nodiscard]] qsizetype lastLine() const
+    {
+        const qsizetype last = text().lineCount() - 1;
+        return std::max({caretLine(), text().lineStart(last) < text().length() ? last : last - 1, qsizetype(0)});
+    }
+    /// So many lines below the first one that is seen, as far as there are lines above it.
+    void showLine(qsizetype line, qsizetype below) { topLine = std::max<qsizetype>(line - below, 0); }
+    /// Goes as far as it has to, or has the line in the middle where that would be half of the screen.
+    void followCaret()
+    {
+        const qsizetype line = caretLine();
+        const qsizetype above = topLine - line;
+        const qsizetype below = line - (topLine + screenLines - 1);
+        if (above > 0) {
+            showLine(line, above >= screenLines / 2 - 1 ? screenLines / 2 - 1 : 0);
+        } else if (below > 0) {
+            const qsizetype last = std::max<qsizetype>(lastLine() - screenLines + 1, 0);
+            showLine(line, below > screenLines / 2 ? screenLines / 2 : screenLines - 1);
+            topLine = std::min(topLine, last);
+        }
+    }
+
     void show(const std::optional<Selections> &selections)
     {
         if (selections) {

@@ -52,7 +52,8 @@ def asked(question):
 
 def understood(answer, line_end):
     """An answer of oracle.vim in the form of the other one's."""
-    lines = answer["lines"]
+    # A NUL is what Vim keeps as a line feed within a line.
+    lines = [line.replace("\n", "\0") for line in answer["lines"]]
 
     def place(line, column):
         before = "".join(text + line_end for text in lines[:line - 1])
@@ -69,7 +70,8 @@ def understood(answer, line_end):
         result["anchor"] = place(*answer["anchor"])
 
     def kept(text):
-        return KEY_CODE.sub(lambda code: KEY_CODES[code.group(1)], "\n".join(text).replace("\ufffd\ufffda", ""))
+        joined = "\n".join(line.replace("\n", "\0") for line in text)
+        return KEY_CODE.sub(lambda code: KEY_CODES[code.group(1)], joined.replace("\ufffd\ufffda", ""))
 
     result["registers"] = {name: {"text": kept(text) + ("\n" if kind == "V" else ""), "type": TYPES[kind]}
                            for name, (kind, text) in answer["registers"].items() if name != "z"}
