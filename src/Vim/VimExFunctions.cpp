@@ -25,8 +25,14 @@ namespace {
 
 void goTo(VimExTarget &target, qsizetype line)
 {
-    const VimLines lines(target.text());
+    const VimLines lines(target.text(), 1, target.lastLine());
     target.moveCaret(lines.firstNonBlank(lines.startOf(std::min(line, lines.count()))));
+}
+
+TextRange whole(const VimExTarget &target, LineSpan span)
+{
+    const VimLines lines(target.text());
+    return TextRange::between(lines.startOf(span.first), lines.startOf(span.last + 1));
 }
 
 /// Has "[" and "]" around what was changed.
@@ -119,12 +125,14 @@ Result<void> yank(VimExCall &call)
 Result<void> put(VimExCall &call)
 {
     VimExTarget &target = call.target();
-    Rope block = target.registers().contents(call.registerName).text;
+    const VimRegisterContents contents = target.registers().contents(call.registerName);
+    Rope block = contents.text;
+    call.line.moveToLine(std::max<qsizetype>(call.lines.last, 1));
     if (block.isEmpty()) {
-        call.line.moveToLine(std::max<qsizetype>(call.lines.last, 1));
+        target.beginChange({target.caret(), 0});
         return failure(formatted(localized(u"Nothing in register %@"), QString(QChar(call.registerName.value_or(u'"')))));
     }
-    if (!isBreak(block.at(block.length() - 1))) {
+    if (!contents.isLinewise) {
         block.replace({block.length(), 0}, VimExEdits::lineBreak(target.text()));
     }
     const qsizetype after = call.hasBang ? std::max<qsizetype>(call.lines.last - 1, 0) : call.lines.last;
@@ -215,9 +223,9 @@ Result<void> join(VimExCall &call)
 {
     VimExTarget &target = call.target();
     LineSpan lines = call.lines;
+    call.line.moveToLine(lines.first);
     if (lines.first == lines.last) {
         if (call.written > 1 || lines.last == VimLines(target.text()).count()) {
-            call.line.moveToLine(lines.first);
             return {};
         }
         ++lines.last;
@@ -261,6 +269,7 @@ Result<void> shift(VimExCall &call)
         return {};
     }
     call.line.beginUndoGroup();
+    target.beginChange(whole(target, call.lines));
     if (target.apply(*edits)) {
         goTo(target, call.lines.last);
         noteChanged(target, call.lines);
@@ -343,7 +352,11 @@ Result<void> sort(VimExCall &call)
         computed(target, call.lines, [sorting = *std::move(wanted)](const Rope &text, LineSpan span, const std::stop_token &stop) {
             return VimExEdits::sorted(text, span, sorting, stop);
         });
-    if (edits && apply(call, *edits)) {
+    if (!edits) {
+        return {};
+    }
+    target.beginChange(whole(target, call.lines));
+    if (apply(call, *edits)) {
         goTo(target, call.lines.first);
     }
     return {};
@@ -421,7 +434,9 @@ Result<void> substitute(VimExCall &call)
     if (outcome.hits == 0 && !job->flags.isQuiet) {
         return failure(message);
     }
-    if (outcome.hits > 0 && !job->flags.onlyCounts) {
+    if (outcome.hits > 0 && job->flags.onlyCounts) {
+        goTo(target, VimLines(target.text()).number(target.caret()));
+    } else if (outcome.hits > 0) {
         if (!outcome.edits.isEmpty()) {
             target.moveCaret(target.text().lineStart(target.text().lineAt(outcome.edits[0].range.location)));
         }
@@ -547,6 +562,7 @@ Result<void> repeat(VimExCall &call, Lines which)
         return tl::make_unexpected(wanted.error());
     }
     call.line.noteSearch(wanted->pattern);
+    target.lastSubstitution().pattern = wanted->pattern;
     const auto pattern = call.line.pattern(wanted->pattern);
     if (const auto matcher = pattern ? VimMatcher::compile(*pattern, Rope()) : tl::make_unexpected(pattern.error()); !matcher) {
         return tl::make_unexpected(matcher.error());

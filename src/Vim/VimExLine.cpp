@@ -150,7 +150,7 @@ Result<void> VimExLine::carryOutNext(QStringView &commands)
             return tl::make_unexpected(parsed.error());
         }
         range = *parsed;
-        range.hasMark = commands.first(range.length).contains(u'\'');
+        range.hasPlace = std::ranges::any_of(commands.first(range.length), [](QChar unit) { return QStringView(u"'/?\\").contains(unit); });
         commands = commands.sliced(range.length);
     }
     if (commands.isEmpty() || commands.front() == u'|' || commands.front() == u'"') {
@@ -162,7 +162,7 @@ Result<void> VimExLine::carryOutNext(QStringView &commands)
         return tl::make_unexpected(parsed.error());
     }
     const unsigned takes = parsed->command->takes;
-    if ((takes & VimExCommand::anyNumber) != 0 && range.hasMark) {
+    if ((takes & VimExCommand::anyNumber) != 0 && range.hasPlace) {
         return failure(localized(u"Invalid range"));
     }
     QString argument;
@@ -316,9 +316,21 @@ void VimExLine::saySubstituted()
 
 void VimExLine::moveToLine(qsizetype line)
 {
-    const VimLines lines(m_target->text());
-    const qsizetype column = m_target->caret() - lines.startOf(lines.number(m_target->caret()));
-    m_target->moveCaret(std::min(lines.startOf(line) + column, lines.endOf(line)));
+    const Rope &text = m_target->text();
+    const VimLines lines(text, 1, m_target->lastLine());
+    const auto bytes = [&](qsizetype from, qsizetype to) { return text.toString(TextRange::between(from, to)).toUtf8().size(); };
+    // Columns are bytes of UTF-8.
+    qsizetype left = bytes(lines.start(m_target->caret()), m_target->caret());
+    qsizetype place = lines.startOf(line);
+    while (!lines.isAtEnd(place)) {
+        const qsizetype next = lines.after(place);
+        left -= bytes(place, next);
+        if (left < 0) {
+            break;
+        }
+        place = next;
+    }
+    m_target->moveCaret(place);
 }
 
 void VimExLine::beginUndoGroup()

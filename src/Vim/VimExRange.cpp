@@ -26,6 +26,15 @@ public:
             ++m_at;
         }
     }
+    /// Over what else could be of lines, if there is a command behind it.
+    void skipToCommand()
+    {
+        qsizetype at = m_at;
+        while (at < m_typed.size() && QStringView(u".$%,;+-0123456789 \t:").contains(m_typed[at])) {
+            ++at;
+        }
+        m_at = at < m_typed.size() && m_typed[at] != u'|' ? at : m_at;
+    }
     [[nodiscard]] qsizetype here() const { return m_here; }
     /// Before the first line too, to search from there.
     void goTo(qsizetype line)
@@ -231,6 +240,7 @@ Result<VimExRange> VimExRange::parse(QStringView typed, const VimExScope &scope,
     while (parser.next() == u':' || isSpaceOrTab(parser.next().unicode())) {
         parser.skip();
     }
+    parser.skipToCommand();
     range.target = range.last;
     range.isTurned = range.first > range.last;
     if (range.isTurned) {

@@ -33,8 +33,8 @@ struct VimExRange {
     qsizetype target = 1;
     /// They were written the other way round.
     bool isTurned = false;
-    /// One of them is that of a mark.
-    bool hasMark = false;
+    /// One of them is that of a mark or a hit.
+    bool hasPlace = false;
     /// How many lines were written; 0 when both are that of the caret.
     int written = 0;
     /// Units of what was typed that are this.

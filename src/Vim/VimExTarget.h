@@ -4,6 +4,7 @@
 
 #include "Text/LineEditing.h"
 #include "Vim/VimFileMarks.h"
+#include "Vim/VimLines.h"
 #include "Vim/VimRegisters.h"
 
 #include <QString>
@@ -24,11 +25,15 @@ struct VimTextName;
 class VimExTarget {
 public:
     [[nodiscard]] virtual const Rope &text() const = 0;
+    /// Whether there is a line behind the last break.
+    [[nodiscard]] virtual VimLines::LastLine lastLine() const = 0;
     [[nodiscard]] virtual qsizetype caret() const = 0;
     /// It settles on a character of its line.
     virtual void moveCaret(qsizetype place) = 0;
     /// One change, which marks and lists of places follow. False when it was refused. Without edits it is a step of undo all the same.
     virtual bool apply(const TextEdits &edits) = 0;
+    /// `taken` is about to be changed, even if some of its lines stay as they are; if all do, that is a step of undo as well.
+    virtual void beginChange(TextRange taken) = 0;
     /// Calls nest.
     virtual void beginUndoGroup() = 0;
     virtual void endUndoGroup() = 0;

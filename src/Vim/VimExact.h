@@ -69,6 +69,8 @@ public:
     void rememberInsertion();
     /// "." repeats the command by other keys than were typed.
     void rememberKeys(const QString &keys);
+    /// "." does it no more than so often.
+    void limitCount(qsizetype count);
     [[nodiscard]] bool isReplaying() const { return m_isReplaying; }
     [[nodiscard]] bool isRunning() const { return m_depth > 0; }
     void repeat();
@@ -523,7 +525,8 @@ class VimEngine::Commanding final : public ExactPart, public VimExTarget {
 public:
     using ExactPart::ExactPart;
 
-    void run(const QString &typed);
+    /// False when it failed.
+    bool run(const QString &typed);
     /// A command that a key stands for.
     void runFromKey(const QString &command);
     /// Of a key that in Vim runs another program.
@@ -540,9 +543,11 @@ public:
 
 private:
     [[nodiscard]] const Rope &text() const override { return ExactPart::text(); }
+    [[nodiscard]] VimLines::LastLine lastLine() const override;
     [[nodiscard]] qsizetype caret() const override { return ExactPart::caret(); }
     void moveCaret(qsizetype place) override;
     bool apply(const TextEdits &edits) override;
+    void beginChange(TextRange taken) override;
     void beginUndoGroup() override;
     void endUndoGroup() override;
     void undo() override;

@@ -16,14 +16,14 @@
 
 using namespace Qt::StringLiterals;
 
-void VimEngine::Commanding::run(const QString &typed)
+bool VimEngine::Commanding::run(const QString &typed)
 {
     if (typed == u"'<,'>") {
-        return; // what a visual mode begins the line with, and nothing else
+        return true; // what a visual mode begins the line with, and nothing else
     }
     if (!m_engine.m_configuration) {
         m_engine.m_delegate.vimEngineRunsCommand(m_engine, typed);
-        return;
+        return true;
     }
     const bool isDone = VimExLine(*this, *m_engine.m_configuration).run(typed);
     VimOptions options = m_engine.m_configuration->options();
@@ -37,6 +37,7 @@ void VimEngine::Commanding::run(const QString &typed)
     if (m_engine.m_mode == Mode::normal && !m_confirmation) {
         setCaret(ExactPart::caret(), m_exact.column);
     }
+    return isDone;
 }
 
 void VimEngine::Commanding::runFromKey(const QString &command)
@@ -62,6 +63,11 @@ void VimEngine::Commanding::substituteAgain(bool inAllLines)
 
 // For commands
 
+VimLines::LastLine VimEngine::Commanding::lastLine() const
+{
+    return m_exact.isUnterminated() ? VimLines::LastLine::mayBeEmpty : VimLines::LastLine::hasText;
+}
+
 void VimEngine::Commanding::moveCaret(qsizetype place)
 {
     setCaret(place);
@@ -84,6 +90,12 @@ bool VimEngine::Commanding::apply(const TextEdits &edits)
         m_exact.operating.moveLastChangeToStart();
     }
     return isDone;
+}
+
+void VimEngine::Commanding::beginChange(TextRange taken)
+{
+    const bool isInLine = text().lineAt(taken.location) == text().lineAt(std::max(taken.end() - 1, taken.location));
+    m_exact.operating.beginChange(ExactPart::caret(), isInLine ? Operating::Reach::line : Operating::Reach::lines, taken);
 }
 
 void VimEngine::Commanding::beginUndoGroup()

@@ -34,6 +34,7 @@ public:
     bool run(const QString &typed) { return VimExLine(*this, configuration).run(typed); }
 
     [[nodiscard]] const Rope &text() const override { return storage.text(); }
+    [[nodiscard]] VimLines::LastLine lastLine() const override { return VimLines::LastLine::hasText; }
     [[nodiscard]] qsizetype caret() const override { return place; }
     void moveCaret(qsizetype to) override { place = TextBoundaries::snapped(text(), VimBuffer(text()).clampToNormalMode(to)); }
     bool apply(const TextEdits &edits) override
@@ -45,6 +46,7 @@ public:
         place = std::min(place, text().length());
         return true;
     }
+    void beginChange(TextRange /*taken*/) override {}
     void beginUndoGroup() override { undoManager.beginGroup(GroupKind::other, TextSelection::at(place), this); }
     void endUndoGroup() override { undoManager.endGroup(TextSelection::at(place)); }
     bool substituteElsewhere(const VimSubstituteJob & /*job*/) override { return false; }
