@@ -51,7 +51,7 @@ bool endsWithLineFeed(const Rope &text)
 
 bool VimEngine::edit(const TextEdits &edits)
 {
-    if (m_exact) {
+    if (m_exact && !edits.isEmpty()) {
         m_exact->operating.noteCaret(m_view.selectedRange().location);
     }
     const bool isDone = !edits.isEmpty() && m_view.apply(edits);

@@ -146,6 +146,15 @@ void VimEngine::Repeating::rememberKeys(const QString &keys)
     }
 }
 
+void VimEngine::Repeating::limitCount(qsizetype count)
+{
+    if (m_isReplaying) {
+        m_redo->count = std::min(m_redo->count, count);
+    } else if (m_engine.hasCount()) {
+        m_engine.m_countBuffer = QString::number(count);
+    }
+}
+
 void VimEngine::Repeating::repeat()
 {
     const bool isEarlier = m_exact.inserting.comesBack() && !m_exact.inserting.isAnew();

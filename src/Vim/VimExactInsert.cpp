@@ -64,7 +64,7 @@ void VimEngine::Inserting::begin()
 
 void VimEngine::Inserting::startTyping()
 {
-    if (std::exchange(m_isFirstKey, false)) {
+    if (std::exchange(m_isFirstKey, false) && m_kind != Kind::block) {
         m_exact.operating.keepLine(caret());
     }
     if (std::exchange(m_isAnew, false)) {
@@ -362,6 +362,9 @@ void VimEngine::Inserting::move(char16_t key)
     if (leavesLine) {
         dropGivenIndentation();
     }
+    if (const qsizetype at = caret(); m_exact.restoreLastBreak(!m_script.isEmpty())) {
+        setCaret(at);
+    }
     m_engine.pauseInsertSession();
     finishReplay();
     m_isAnew = true;
@@ -609,6 +612,11 @@ void VimEngine::Inserting::play(const QString &script)
         if (script[place] == QChar(literalKey) && place + 1 < script.size()) {
             putLiteral(script.sliced(place + 1, 1));
             place += 2;
+            continue;
+        }
+        if (script[place] == u'\t') {
+            insertTab();
+            ++place;
             continue;
         }
         const VimKeyEvent event = VimKeys::next(script, place);

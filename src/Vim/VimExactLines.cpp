@@ -134,8 +134,8 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
             finish(Repeatable::yes);
             return;
         }
-        if (left < lines && m_engine.hasCount()) {
-            m_engine.m_countBuffer = QString::number(left); // as many are joined by a repetition
+        if (left < lines) {
+            m_exact.repeating.limitCount(left); // as many are joined by a repetition
         }
         joined = VimFormatting::joined(sight.lines, caret(), std::min(lines, left), glue);
     }

@@ -164,16 +164,23 @@ void VimEngine::Operating::applyOver(const QString &command)
     const auto kind = m_engine.m_pendingOperator;
     const auto name = m_engine.m_pendingRegister;
     const auto forced = m_forced;
-    const qsizetype from = caret();
+    const qsizetype line = see().lines.number(caret());
+    const qsizetype column = caret() - see().lines.start(caret());
     const QString keys = m_exact.repeating.hold() + command + u'\r';
     m_engine.resetPending();
-    m_exact.commanding.run(command);
+    const bool isDone = m_exact.commanding.run(command);
     const qsizetype to = caret();
     m_engine.m_pendingOperator = kind;
     m_engine.m_pendingRegister = name;
     m_forced = forced;
     m_exact.repeating.release(keys);
-    setCaret(from);
+    const Sight sight = see();
+    const qsizetype from = sight.lines.startOf(line) + column;
+    if (!isDone || line > sight.lines.count() || from > sight.lines.endOf(line)) {
+        fail(); // where the caret was there is nothing any more
+        return;
+    }
+    m_engine.m_view.select({from, 0}, from);
     arrive({.place = to});
 }
 
@@ -264,7 +271,7 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
     setChangeMarks(region.range.location, region.range.end() - 1);
     const qsizetype place = placeBefore(kind, region);
     m_engine.m_view.select({place, 0}, place); // where undoing it leads back to
-    const bool comesToNothing = kind == OperatorKind::remove && region.range.isEmpty() && region.isInclusive;
+    const bool comesToNothing = kind == OperatorKind::remove && (text().isEmpty() || (region.range.isEmpty() && region.isInclusive));
     const bool takesBreak = region.span == Span::characters && (kind == OperatorKind::change || kind == OperatorKind::remove);
     const qsizetype behind = region.range.end() - (takesBreak || region.range.isEmpty() ? 0 : 1);
     const bool isInLine = text().lineAt(region.range.location) == text().lineAt(behind);
@@ -486,6 +493,7 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
     if (kind == OperatorKind::change) {
         m_exact.inserting.begin();
         edit(edits);
+        keepLine(places.empty() ? start : places.front());
         m_exact.inserting.enterBlock({.places = places.empty() ? std::vector{start} : places});
         return;
     }
@@ -557,7 +565,9 @@ void VimEngine::Operating::deleteCharacters(Side side, qsizetype count)
                                     : TextRange::between(sight.lines.before(place, count), place);
     }
     if (range.isEmpty()) {
-        beginChange(caret());
+        if (!text().isEmpty()) {
+            beginChange(caret());
+        }
         setCaret(caret());
         finish(Repeatable::yes); // as "dl" and "dh" do
         return;
@@ -583,6 +593,7 @@ void VimEngine::Operating::toRestOfLine(OperatorKind kind, qsizetype count)
         const Sight sight = see();
         const qsizetype place = caret();
         if (count > 1 && sight.lines.isLast(place)) {
+            m_exact.column = VimLines::endless; // of "$", which it stands for
             fail();
             return;
         }

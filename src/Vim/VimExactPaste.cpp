@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 void VimEngine::Operating::paste(Side side, qsizetype count, PasteCaret at, PasteIndentation indentation)
 {
     VimRegisterContents contents = m_exact.contents(m_engine.m_pendingRegister);
-    beginChange(caret(), contents.text.isEmpty() || contents.isLinewise ? Reach::lines : Reach::line);
+    beginChange(caret(), contents.text.isEmpty() || contents.isLinewise || contents.isBlock ? Reach::lines : Reach::line);
     if (contents.text.isEmpty()) {
         if (!m_exact.repeating.isReplaying()) {
             m_exact.repeating.remember();

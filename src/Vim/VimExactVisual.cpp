@@ -39,9 +39,11 @@ void VimEngine::Selecting::toggle(Mode mode)
     if (m_engine.hasCount() && m_engine.m_visualExtent) {
         // As much as was selected last, so many times.
         Extent extent = *m_engine.m_visualExtent;
-        extent.lines = extent.lines > 1 || extent.mode == Mode::visualLine ? extent.lines * m_engine.effectiveCount() : extent.lines;
+        extent.lines *= extent.lines > 1 || extent.mode != Mode::visual ? m_engine.effectiveCount() : 1;
         extent.units *= m_engine.effectiveCount();
         selectAgain(extent);
+        m_width.reset();
+        select(m_engine.m_visualHead);
         finish();
         return;
     }
@@ -116,8 +118,9 @@ void VimEngine::Selecting::leave()
 /// Where the caret is when whole lines were selected: where it was, if that is in a line before the other end, else at their start.
 qsizetype VimEngine::Selecting::firstOfLines(const VimLines &lines) const
 {
-    const qsizetype first = lines.start(m_engine.m_visualAnchor);
-    return m_engine.m_visualHead < first ? m_engine.m_visualHead : first;
+    const qsizetype anchor = m_engine.m_visualAnchor;
+    const qsizetype first = m_exact.repeating.isReplaying() ? anchor : lines.start(anchor); // "." begins at the caret
+    return std::min(m_engine.m_visualHead, first);
 }
 
 void VimEngine::Selecting::leaveAtStart()
@@ -554,7 +557,7 @@ void VimEngine::Selecting::add(qint64 by, bool isProgressive)
         const VimLines &lines = sight.lines;
         const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
         const qsizetype high = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
-        start = m_engine.m_mode == Mode::visualLine ? lines.start(low) : low;
+        start = m_engine.m_mode == Mode::visualLine ? firstOfLines(lines) : low;
         qint64 sum = by;
         const auto addIn = [&](TextRange range) {
             if (const auto number = VimNumber::added(lines, range.location, range.end(), true, sum)) {
@@ -632,10 +635,13 @@ void VimEngine::Selecting::insert(Side side, qsizetype count)
     TextEdits padding;
     std::vector<qsizetype> places;
     qsizetype blockStart = 0;
+    qsizetype typedFirst = 0;
     {
         const Sight sight = see();
         qsizetype shift = 0;
-        blockStart = shown.row(sight.lines, shown.firstLine).range.location;
+        const TextRange first = shown.row(sight.lines, shown.firstLine).range;
+        blockStart = first.location;
+        typedFirst = side == Side::before ? first.location : first.end();
         for (const VimBlock::Row &row : shown.rows(sight.lines)) {
             if (side == Side::before) {
                 if (!row.isShort) {
@@ -660,6 +666,11 @@ void VimEngine::Selecting::insert(Side side, qsizetype count)
     m_engine.setMode(Mode::normal);
     m_engine.m_view.select({blockStart, 0}, blockStart);
     m_exact.inserting.begin();
+    // The line below goes by itself when there is but one.
+    m_exact.operating.keepLine(typedFirst);
+    if (shown.lastLine == text().lineStart(text().lineAt(shown.firstLine) + 1)) {
+        m_exact.operating.keepLine(shown.lastLine);
+    }
     const TextEdits unfilling = padding.inverse(text());
     edit(padding);
     m_exact.inserting.enterBlock({.places = places.empty() ? std::vector{low} : places,
