@@ -43,15 +43,14 @@ bool isModifier(int key)
 KeyboardLayout::KeyboardLayout(QObject *parent) : QObject(parent)
 {
     QCoreApplication::instance()->installEventFilter(this);
+    // Rather than the event of a window that becomes active, which all of its widgets get.
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &KeyboardLayout::look);
     look();
 }
 
 bool KeyboardLayout::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
-    case QEvent::WindowActivate:
-        look();
-        break;
     case QEvent::KeyRelease:
         if (isModifier(static_cast<QKeyEvent *>(event)->key())) {
             look();

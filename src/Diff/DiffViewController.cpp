@@ -460,5 +460,5 @@ void DiffViewController::performTextFinderAction(const ActionSender &sender)
 
 ActionState DiffViewController::textFinderActionState(const ActionSender &sender) const
 {
-    return focusedColumn().findBar->textFinderActionState(sender);
+    return FindBar::textFinderActionState(*focusedColumn().finder, sender);
 }

@@ -57,8 +57,7 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
       m_textView(new EditorTextView(document.storage(), document.undoManager(), {services.scheduler, services.pasteboard, services.beep()},
                                     editorFont(services.preferences), this)),
       m_finder(new TextFinder(*m_textView, {commandServices(), services.find, [this] { return historyKept(); }}, this)),
-      m_findBar(new FindBar(*m_finder, services.scheduler, this)), m_occurrences(*m_textView, commandServices()),
-      m_counter(new TextCounter(*m_textView, {services.scheduler, services.workers}, this)),
+      m_occurrences(*m_textView, commandServices()), m_counter(new TextCounter(*m_textView, {services.scheduler, services.workers}, this)),
       m_brackets(new BracketMarker(*m_textView, document, commandServices())),
       m_wordMarks(new OccurrenceMarker(*m_textView, services.scheduler, services.workers)),
       m_conflicts(new ConflictNavigator(*m_textView, commandServices())),
@@ -71,7 +70,6 @@ EditorViewController::EditorViewController(const EditorServices &services, TextD
     resize(startSize);
     m_stack->setContentsMargins({});
     m_stack->setSpacing(0);
-    m_stack->addWidget(m_findBar);
     m_stack->addWidget(m_textView, 1);
     applyAccess();
     m_awaitsText = m_document->arrival().isPending();
@@ -171,12 +169,17 @@ void EditorViewController::goToNextOccurrence()
 
 void EditorViewController::performTextFinderAction(const ActionSender &sender)
 {
+    if (!m_findBar) {
+        m_findBar = new FindBar(*m_finder, m_services.scheduler, this);
+        m_stack->insertWidget(m_stack->indexOf(m_textView), m_findBar);
+        m_findBar->comeAfter(*m_textView);
+    }
     m_findBar->performTextFinderAction(sender);
 }
 
 ActionState EditorViewController::textFinderActionState(const ActionSender &sender) const
 {
-    return m_findBar->textFinderActionState(sender);
+    return FindBar::textFinderActionState(*m_finder, sender);
 }
 
 EntryHistory::Kept EditorViewController::historyKept() const
@@ -221,7 +224,9 @@ bool EditorViewController::hasChanges() const
 
 void EditorViewController::retranslate()
 {
-    m_findBar->retranslate();
+    if (m_findBar) {
+        m_findBar->retranslate();
+    }
     updateBanner();
     if (m_services.spellingPanel) {
         m_services.spellingPanel->retranslate();

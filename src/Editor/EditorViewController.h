@@ -190,7 +190,8 @@ private:
     /// While the text looks like one in another encoding.
     ExternalChangeBanner *m_suggestionBanner = nullptr;
     TextFinder *m_finder;
-    FindBar *m_findBar;
+    /// None until something is to be found.
+    FindBar *m_findBar = nullptr;
     OccurrenceSelector m_occurrences;
     TextCounter *m_counter;
     BracketMarker *m_brackets;

@@ -147,17 +147,36 @@ void FindBar::makeRows()
     grid->setColumnStretch(0, 1000);
     grid->setColumnStretch(2, 1);
 
+    for (QWidget *stop : stops()) {
+        stop->installEventFilter(this);
+        if (stop != m_pattern && stop != m_replacement) {
+            stop->setFocusPolicy(Qt::TabFocus);
+        }
+    }
+    orderStops();
+}
+
+std::vector<QWidget *> FindBar::stops() const
+{
     // From the text that is sought to what replaces it, and from there to the buttons that do so.
-    const auto order = std::to_array<QWidget *>({m_pattern, m_replacement, m_replace, m_replaceAll, m_keepCase, m_previous, m_next,
-                                                 m_matchCase, m_wholeWords, m_expression, m_inSelection, m_selectAll, m_done});
-    for (size_t i = 0; i < order.size(); ++i) {
-        order[i]->installEventFilter(this);
-        if (i >= 2) {
-            order[i]->setFocusPolicy(Qt::TabFocus);
+    return {m_pattern,   m_replacement, m_replace,    m_replaceAll,  m_keepCase,  m_previous, m_next,
+            m_matchCase, m_wholeWords,  m_expression, m_inSelection, m_selectAll, m_done};
+}
+
+void FindBar::comeAfter(QWidget &widget)
+{
+    setTabOrder(&widget, m_pattern);
+    orderStops();
+}
+
+void FindBar::orderStops()
+{
+    QWidget *before = nullptr;
+    for (QWidget *stop : stops()) {
+        if (before) {
+            setTabOrder(before, stop);
         }
-        if (i > 0) {
-            setTabOrder(order[i - 1], order[i]);
-        }
+        before = stop;
     }
 }
 
@@ -283,13 +302,13 @@ void FindBar::performTextFinderAction(const ActionSender &sender)
     }
 }
 
-ActionState FindBar::textFinderActionState(const ActionSender &sender) const
+ActionState FindBar::textFinderActionState(const TextFinder &finder, const ActionSender &sender)
 {
     switch (sender.tag) {
     case Actions::findAndReplace.tag:
-        return {.isEnabled = m_finder.canReplace()};
+        return {.isEnabled = finder.canReplace()};
     case Actions::useSelectionForFind.tag:
-        return {.isEnabled = m_finder.hasUsableSelection()};
+        return {.isEnabled = finder.hasUsableSelection()};
     default:
         return {};
     }

@@ -11,6 +11,8 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <vector>
+
 class FindField;
 class ReplacementPreview;
 class QHBoxLayout;
@@ -35,8 +37,11 @@ public:
 
     /// For Actions::find and those named like it; works whether the bar is open or not. Unknown tags do nothing.
     void performTextFinderAction(const ActionSender &sender);
-    [[nodiscard]] ActionState textFinderActionState(const ActionSender &sender) const;
+    /// Whether there is a bar or not.
+    [[nodiscard]] static ActionState textFinderActionState(const TextFinder &finder, const ActionSender &sender);
 
+    /// The keyboard comes to its controls right behind `widget`, of the same window.
+    void comeAfter(QWidget &widget);
     /// Sets all texts anew.
     void retranslate();
 
@@ -54,6 +59,8 @@ private:
     [[nodiscard]] bool takesKey(const QObject *widget, const QKeyEvent &event);
     [[nodiscard]] QToolButton *buttonFor(const QKeyEvent &event) const;
     void makeRows();
+    [[nodiscard]] std::vector<QWidget *> stops() const;
+    void orderStops();
     void connectControls();
     void setRows(Rows rows);
     [[nodiscard]] SearchQuery enteredQuery() const;

@@ -5,7 +5,9 @@
 #include "Base/ColorContrast.h"
 
 #include <algorithm>
-#include <vector>
+#include <map>
+#include <mutex>
+#include <utility>
 
 namespace {
 
@@ -230,15 +232,13 @@ const Theme &Theme::shown(const Theme &builtIn, Contrast contrast)
     if (contrast == Contrast::own) {
         return builtIn;
     }
-    const auto made = [](Contrast wanted) {
-        std::vector<Theme> moved;
-        std::ranges::transform(themes, std::back_inserter(moved), [wanted](const Theme &theme) { return withContrast(theme, wanted); });
-        return moved;
-    };
-    static const std::vector<Theme> legible = made(Contrast::legible);
-    static const std::vector<Theme> high = made(Contrast::high);
-    const auto place = size_t(std::ranges::find(themes, builtIn.name, &Theme::name) - themes.begin());
-    return (contrast == Contrast::high ? high : legible)[place];
+    // Few of them are ever shown in a run.
+    static std::mutex isMaking;
+    static std::map<std::pair<QStringView, Contrast>, Theme> moved;
+    const std::lock_guard lock(isMaking);
+    const auto known = moved.find({builtIn.name, contrast});
+    return known != moved.end() ? known->second
+                                : moved.emplace(std::pair(builtIn.name, contrast), withContrast(builtIn, contrast)).first->second;
 }
 
 TextAttributes Theme::attributes(Scope scope) const

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Widgets/InterfaceStyle.h"
 
+#include "Widgets/SymbolIcon.h"
+
 #include <QApplication>
 #include <QPainter>
 #include <QStyleOptionComplex>
@@ -40,6 +42,11 @@ void InterfaceStyle::drawComplexControl(ComplexControl control, const QStyleOpti
     painter->drawRoundedRect(QRectF(option->rect).adjusted(ringWidth / 2, ringWidth / 2, -ringWidth / 2, -ringWidth / 2), ringRadius,
                              ringRadius);
     painter->restore();
+}
+
+QIcon InterfaceStyle::standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const
+{
+    return icon == SP_ToolBarHorizontalExtensionButton ? symbolIcon(u"chevron.right.2") : QProxyStyle::standardIcon(icon, option, widget);
 }
 
 QString InterfaceStyle::baseName()

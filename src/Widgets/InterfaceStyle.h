@@ -16,6 +16,9 @@ public:
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
                             const QWidget *widget) const override;
 
+    /// Of a menu bar that has not enough room: every one makes its picture when it is made itself, which the toolkit reads from files.
+    [[nodiscard]] QIcon standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const override;
+
     /// The name of the style that the program's is, or is made of.
     [[nodiscard]] static QString baseName();
 };

@@ -252,7 +252,7 @@ TEST_F(FindBarTest, ReplacesTheSelectedHitOnly)
     EXPECT_EQ(editor.window.focusWidget(), editor.field(0)) << "not the button that closes the bar";
 
     editor.view->setAccess(TextView::Access::readOnly);
-    EXPECT_FALSE(editor.bar->textFinderActionState({.tag = Actions::findAndReplace.tag}).isEnabled);
+    EXPECT_FALSE(FindBar::textFinderActionState(editor.finder, {.tag = Actions::findAndReplace.tag}).isEnabled);
     editor.perform(Actions::findAndReplace);
     EXPECT_FALSE(editor.field(1)->isVisible());
     const QString before = editor.storage.string();
