@@ -41,17 +41,19 @@ std::optional<Result> word(const Request &request)
     qsizetype count = request.count;
     bool isInclusive = true;
     bool includesBlanks = false;
-    // A selection grows up to the text's end nonetheless.
-    const auto failure = [&](qsizetype start) {
-        return request.isVisual ? std::optional(Result{.from = start, .place = lines.end(lines.lastStart())}) : std::nullopt;
+    // A selection grows up to the end of the text, or to its start, nonetheless.
+    const auto failure = [&](qsizetype start, qsizetype edge) {
+        const Result all{.from = start, .place = edge, .selects = Result::Selects::asBefore, .failed = true};
+        return request.isVisual ? std::optional(all) : std::nullopt;
     };
+    const qsizetype textEnd = lines.end(lines.lastStart());
     if (!request.isSelecting()) {
         place = startOfRun(lines, place, words);
         from = place;
         if ((classAt(lines, place, words) == 0) == isAround) {
             const Walked walked = wordEndsForward(lines, place, 1, words, true, true);
             if (!walked.isWhole) {
-                return failure(request.anchor);
+                return failure(request.anchor, textEnd);
             }
             place = walked.place;
         } else {
@@ -70,30 +72,26 @@ std::optional<Result> word(const Request &request)
         isInclusive = true;
         if (request.isVisual && place < from) {
             if (!lines.backwardOverEnds(place)) {
-                return std::nullopt;
+                return failure(from, place);
             }
-            if (isAround != (classAt(lines, place, words) != 0)) {
-                const Walked walked = wordsBackward(lines, place, 1, words, true);
-                if (!walked.isWhole) {
-                    return std::nullopt;
-                }
-                place = walked.place;
-            } else {
-                const Walked walked = wordEndsBackward(lines, place, 1, words, true);
-                if (!walked.isWhole) {
-                    return std::nullopt;
-                }
-                place = walked.place;
+            const bool goesToStart = isAround != (classAt(lines, place, words) != 0);
+            const Walked walked =
+                goesToStart ? wordsBackward(lines, place, 1, words, true) : wordEndsBackward(lines, place, 1, words, true);
+            if (!walked.isWhole) {
+                return failure(from, walked.place);
+            }
+            place = walked.place;
+            if (!goesToStart) {
                 lines.forwardOverEnds(place);
             }
         } else {
             if (!lines.forwardOverEnds(place)) {
-                return failure(from);
+                return failure(from, textEnd);
             }
             if (isAround != (classAt(lines, place, words) == 0)) {
                 const Walked walked = wordsForward(lines, place, 1, words, true);
                 if (!walked.isWhole && count > 1) {
-                    return failure(from);
+                    return failure(from, textEnd);
                 }
                 place = walked.place;
                 if (place == lines.start(place)) {
@@ -104,7 +102,7 @@ std::optional<Result> word(const Request &request)
             } else {
                 const Walked walked = wordEndsForward(lines, place, 1, words, true, true);
                 if (!walked.isWhole) {
-                    return failure(from);
+                    return failure(from, textEnd);
                 }
                 place = walked.place;
             }
@@ -150,32 +148,70 @@ qsizetype sentencesForward(const VimLines &lines, qsizetype place, qsizetype cou
     return place;
 }
 
+qsizetype sentencesBackward(const VimLines &lines, qsizetype place, qsizetype count, bool isAtStart, Extent extent)
+{
+    for (; count > 0; --count) {
+        place = isAtStart ? firstBlankBefore(lines, place) : place;
+        if (!isAtStart || (extent == Extent::inner && !isBlankAt(lines, place))) {
+            place = VimExactMotion::sentence(lines, place, Direction::backward, 1).value_or(place);
+        }
+        isAtStart = !isAtStart;
+    }
+    return place;
+}
+
+bool areBlanks(const VimLines &lines, qsizetype from, qsizetype end)
+{
+    while (from < end && isBlankAt(lines, from)) {
+        if (!lines.forwardOverEnds(from)) {
+            break;
+        }
+    }
+    return from >= end;
+}
+
+/// A selection that is to grow at the end that moves, which is `moving`; from there on `next` is where a sentence begins.
+Result grownSentences(const Request &request, qsizetype moving, qsizetype next)
+{
+    const VimLines &lines = request.lines;
+    const qsizetype count = request.count * (request.extent == Extent::around ? 2 : 1); // sentences and blanks in turn
+    Result result{.from = request.anchor, .place = next, .selects = Result::Selects::asBefore};
+    if (request.caret < request.anchor) {
+        lines.backwardOverEnds(moving);
+        bool isAtStart = areBlanks(lines, moving, next);
+        if (!isAtStart) {
+            const qsizetype start = VimExactMotion::sentence(lines, next, Direction::backward, 1).value_or(next);
+            isAtStart = start == request.caret;
+            result.place = isAtStart ? start : VimExactMotion::sentence(lines, start, Direction::forward, 1).value_or(start);
+        }
+        result.place = sentencesBackward(lines, result.place, count, isAtStart, request.extent);
+        return result;
+    }
+    lines.forwardOverEnds(moving);
+    bool isAtStart = true;
+    if (moving != next) {
+        isAtStart = !areBlanks(lines, moving, next);
+        result.place = isAtStart ? VimExactMotion::sentence(lines, next, Direction::backward, 1).value_or(next) : request.caret;
+    }
+    result.place = sentencesForward(lines, result.place, count, isAtStart);
+    return result;
+}
+
 std::optional<Result> sentence(const Request &request)
 {
     const VimLines &lines = request.lines;
     const bool isAround = request.extent == Extent::around;
-    qsizetype next = VimExactMotion::sentence(lines, request.caret, Direction::forward, 1).value_or(request.caret);
+    const qsizetype next = VimExactMotion::sentence(lines, request.caret, Direction::forward, 1).value_or(request.caret);
     if (request.isSelecting()) {
-        // From the end on that moves.
-        qsizetype place = request.caret;
-        if (request.caret < request.anchor) {
-            for (qsizetype left = request.count; left > 0; --left) {
-                place = VimExactMotion::sentence(lines, place, Direction::backward, 1).value_or(place);
-            }
-            return Result{.from = request.anchor, .place = place};
-        }
-        lines.forwardOverEnds(place);
-        const bool startsBlank = isBlankAt(lines, place);
-        place = sentencesForward(lines, request.caret, request.count * (isAround ? 2 : 1), !startsBlank);
-        return Result{.from = request.anchor, .place = place};
+        return grownSentences(request, request.caret, next);
     }
-    qsizetype blank = request.caret;
-    while (isBlankAt(lines, blank)) {
-        if (!lines.forwardOverEnds(blank)) {
+    qsizetype behindBlanks = request.caret;
+    while (isBlankAt(lines, behindBlanks)) {
+        if (!lines.forwardOverEnds(behindBlanks)) {
             break;
         }
     }
-    const bool startsBlank = blank == next && isBlankAt(lines, request.caret);
+    const bool startsBlank = behindBlanks == next;
     qsizetype from = startsBlank ? firstBlankBefore(lines, request.caret)
                                  : VimExactMotion::sentence(lines, next, Direction::backward, 1).value_or(request.caret);
     qsizetype place = startsBlank ? next : from;
@@ -196,7 +232,9 @@ std::optional<Result> sentence(const Request &request)
         }
     }
     if (request.isVisual) {
-        return Result{.from = from, .place = place};
+        // One character is what was selected already.
+        return from == place ? grownSentences(request, behindBlanks, place)
+                             : Result{.from = from, .place = place, .selects = Result::Selects::characters};
     }
     const bool isAtEnd = !lines.forwardOverEnds(place);
     return Result{.from = from, .place = place, .kind = isAtEnd ? Kind::inclusive : Kind::exclusive};
@@ -209,6 +247,46 @@ bool isBlankLine(const VimLines &lines, qsizetype line)
     return lines.isBlankFrom(lines.start(line));
 }
 
+/// A selection of lines that is to grow at the end that moves.
+std::optional<Result> grownParagraphs(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    const bool isAround = request.extent == Extent::around;
+    const auto below = [&](qsizetype line) { return lines.next(line); };
+    const auto above = [&](qsizetype line) { return lines.start(line - 1); };
+    qsizetype start = lines.start(request.caret);
+    const bool isBackward = start < lines.start(request.anchor);
+    const auto isAtEdge = [&] { return isBackward ? lines.isFirst(start) : lines.isLast(start); };
+    const auto step = [&](qsizetype line) { return isBackward ? above(line) : below(line); };
+    bool isWhole = true;
+    for (qsizetype left = request.count; left > 0; --left) {
+        if (isAtEdge()) {
+            isWhole = false;
+            break;
+        }
+        std::optional<bool> wasBlank;
+        for (int part = 0; part < 2; ++part) {
+            const qsizetype next = step(start);
+            const bool isBlank = isBlankLine(lines, next);
+            if (wasBlank == isBlank) {
+                break;
+            }
+            start = next;
+            while (!isAtEdge() && isBlankLine(lines, step(start)) == isBlank) {
+                start = step(start);
+            }
+            if (!isAround || isAtEdge()) {
+                break;
+            }
+            wasBlank = isBlank;
+        }
+    }
+    if (!isWhole && start == lines.start(request.caret)) {
+        return std::nullopt;
+    }
+    return Result{.from = request.anchor, .place = start, .kind = Kind::linewise, .selects = Result::Selects::asBefore};
+}
+
 std::optional<Result> paragraph(const Request &request)
 {
     const VimLines &lines = request.lines;
@@ -217,36 +295,7 @@ std::optional<Result> paragraph(const Request &request)
     const auto above = [&](qsizetype line) { return lines.start(line - 1); };
     qsizetype start = lines.start(request.caret);
     if (request.isVisual && lines.start(request.anchor) != start) {
-        const bool isBackward = start < request.anchor;
-        const auto isAtEdge = [&] { return isBackward ? lines.isFirst(start) : lines.isLast(start); };
-        const auto step = [&](qsizetype line) { return isBackward ? above(line) : below(line); };
-        bool isWhole = true;
-        for (qsizetype left = request.count; left > 0; --left) {
-            if (isAtEdge()) {
-                isWhole = false;
-                break;
-            }
-            std::optional<bool> wasBlank;
-            for (int part = 0; part < 2; ++part) {
-                const qsizetype next = step(start);
-                const bool isBlank = isBlankLine(lines, next);
-                if (wasBlank == isBlank) {
-                    break;
-                }
-                start = next;
-                while (!isAtEdge() && isBlankLine(lines, step(start)) == isBlank) {
-                    start = step(start);
-                }
-                if (!isAround || isAtEdge()) {
-                    break;
-                }
-                wasBlank = isBlank;
-            }
-        }
-        if (!isWhole && start == lines.start(request.caret)) {
-            return std::nullopt;
-        }
-        return Result{.from = request.anchor, .place = start, .kind = Kind::linewise, .isCharacterwise = false};
+        return grownParagraphs(request);
     }
     const bool isBlank = isBlankLine(lines, start);
     while (start > 0 && isBlankLine(lines, above(start)) == isBlank) {
@@ -290,7 +339,12 @@ std::optional<Result> paragraph(const Request &request)
             start = above(start);
         }
     }
-    return Result{.from = start, .place = end, .kind = Kind::linewise, .isCharacterwise = false};
+    if (request.isOfLines && start == lines.start(request.caret)) {
+        return grownParagraphs(request); // which may be selected already
+    }
+    const qsizetype column = request.anchor - lines.start(request.anchor);
+    const qsizetype from = request.isVisual ? std::min(start + column, lines.end(start)) : start;
+    return Result{.from = from, .place = end, .kind = Kind::linewise, .selects = Result::Selects::lines};
 }
 
 // Quotes
@@ -473,7 +527,7 @@ std::optional<Result> bracketed(const Request &request)
         if (isAtLineStart && !lines.isAtEnd(last)) {
             last = lines.end(last);
         }
-        return Result{.from = start, .place = last};
+        return Result{.from = start, .place = last, .selects = Result::Selects::characters};
     }
     if (isAtLineStart) {
         lines.forwardOverEnds(last);
@@ -542,31 +596,34 @@ std::optional<Result> tag(const Request &request)
             continue;
         }
         // In their order of closing, so the innermost first.
-        if (match->range.location <= oldFrom && oldLast < found->range.end()) {
+        const bool isAround = request.isSelecting() ? match->range.location < oldFrom && oldFrom <= found->range.location
+                                                    : match->range.location <= oldFrom && oldFrom < found->range.end();
+        if (isAround) {
             around.push_back({match->range, found->range});
         }
         opened.erase(std::prev(match.base()), opened.end());
     }
-    qsizetype left = request.count;
-    for (const Pair &pair : around) {
-        const TextRange whole = pair.open.united(pair.close);
-        const TextRange inner = TextRange::between(pair.open.end(), pair.close.location);
-        const TextRange wanted = request.extent == Extent::inner ? inner : whole;
-        const bool isSame = request.isVisual && oldFrom == wanted.location && lines.after(oldLast) >= wanted.end();
-        if (isSame || (request.isSelecting() && request.extent == Extent::inner && oldFrom < inner.location) || --left > 0) {
-            if (isSame && request.extent == Extent::inner) {
-                return Result{.from = whole.location, .place = lines.before(whole.end())};
-            }
-            continue;
-        }
-        if (wanted.isEmpty()) {
-            return Result{.from = wanted.location, .place = wanted.location, .kind = Kind::exclusive};
-        }
-        qsizetype last = wanted.end();
-        lines.backwardOverEnds(last);
-        return Result{.from = wanted.location, .place = last};
+    size_t wanted = size_t(request.count - 1);
+    while (request.isSelecting() && wanted < around.size() && around[wanted].close.location < oldLast) {
+        ++wanted; // the selection ends behind it
     }
-    return std::nullopt;
+    if (wanted >= around.size()) {
+        return std::nullopt;
+    }
+    const Pair pair = around[wanted];
+    const TextRange whole = pair.open.united(pair.close);
+    const TextRange inner = TextRange::between(pair.open.end(), pair.close.location);
+    const auto lastOf = [&](TextRange range) {
+        qsizetype last = range.end();
+        lines.backwardOverEnds(last);
+        return last;
+    };
+    const bool isSame = request.isVisual && oldFrom == inner.location && (oldLast == lastOf(inner) || inner.isEmpty());
+    const TextRange taken = request.extent == Extent::around || isSame ? whole : inner;
+    if (taken.isEmpty()) {
+        return Result{.from = taken.location, .place = taken.location, .kind = Kind::exclusive, .selects = Result::Selects::characters};
+    }
+    return Result{.from = taken.location, .place = lastOf(taken), .selects = Result::Selects::characters};
 }
 
 struct Row {

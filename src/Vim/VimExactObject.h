@@ -17,6 +17,8 @@ struct Request {
     qsizetype count = 1;
     Extent extent = Extent::inner;
     bool isVisual = false;
+    /// Of a selection: whole lines.
+    bool isOfLines = false;
     /// The other end of a selection of more than one character; else where the caret is.
     qsizetype anchor = 0;
 
@@ -28,8 +30,11 @@ struct Result {
     qsizetype place = 0;
     /// Of `place`.
     VimMotion::Kind kind = VimMotion::Kind::inclusive;
-    /// It selects characters, or lines, from now on, whatever was selected before.
-    bool isCharacterwise = true;
+    /// What is selected from now on.
+    enum class Selects { asBefore, characters, noLines, lines };
+    Selects selects = Selects::noLines;
+    /// There is not as much as was asked for, yet a selection goes as far as it can.
+    bool failed = false;
 };
 
 /// None when there is no such object here, or the key names none.

@@ -690,6 +690,7 @@ void VimEngine::Selecting::takeObject(VimTextObject::Extent extent, char16_t key
                                         .count = m_engine.effectiveCount(),
                                         .extent = extent,
                                         .isVisual = true,
+                                        .isOfLines = m_engine.m_mode == Mode::visualLine,
                                         .anchor = m_engine.m_visualAnchor},
                                        key);
     }
@@ -697,16 +698,14 @@ void VimEngine::Selecting::takeObject(VimTextObject::Extent extent, char16_t key
         fail();
         return;
     }
-    qsizetype place = object->place;
-    if (object->kind == Kind::exclusive && object->place > object->from) {
-        place = TextBoundaries::previousGrapheme(text(), object->place);
-    }
-    const Mode mode = object->kind == Kind::linewise        ? Mode::visualLine
-                      : m_engine.m_mode == Mode::visualLine ? Mode::visual
-                                                            : m_engine.m_mode;
-    begin(mode, object->from, place);
-    setCaret(place);
-    finish();
+    using enum VimExactObject::Result::Selects;
+    const bool isOfLines = m_engine.m_mode == Mode::visualLine;
+    const Mode mode = object->selects == lines                                                     ? Mode::visualLine
+                      : object->selects == characters || (object->selects == noLines && isOfLines) ? Mode::visual
+                                                                                                   : m_engine.m_mode;
+    begin(mode, object->from, object->place);
+    setCaret(object->place);
+    object->failed ? fail() : finish();
 }
 
 void VimEngine::Selecting::selectHit(SearchDirection direction)
