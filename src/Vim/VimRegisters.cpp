@@ -20,6 +20,23 @@ bool isClipboard(char16_t name)
     return name == u'+' || name == u'*';
 }
 
+void append(const VimRegisterContents &contents, VimRegisterContents &kept)
+{
+    kept.isPrivate = kept.isPrivate || contents.isPrivate;
+    // Whole lines stay whole.
+    if (kept.isLinewise || contents.isLinewise) {
+        if (kept.text.at(kept.text.length() - 1) != u'\n') {
+            kept.text.replace({kept.text.length(), 0}, u"\n");
+        }
+        kept.isLinewise = true;
+        kept.isBlock = false;
+    }
+    kept.text.replace({kept.text.length(), 0}, contents.text);
+    if (kept.isLinewise && kept.text.at(kept.text.length() - 1) != u'\n') {
+        kept.text.replace({kept.text.length(), 0}, u"\n");
+    }
+}
+
 } // namespace
 
 void VimRegisters::set(const VimRegisterContents &contents, std::optional<char16_t> name)
@@ -28,6 +45,7 @@ void VimRegisters::set(const VimRegisterContents &contents, std::optional<char16
         writeToClipboard(contents.text);
     }
     m_unnamed = contents;
+    m_unnamedName.reset();
     noteChange();
     if (!name || isClipboard(*name)) {
         return;
@@ -53,7 +71,8 @@ void VimRegisters::keep(const VimRegisterContents &contents, std::optional<char1
     } else if (name || m_preferences.value(Settings::vimSharesClipboard)) {
         writeToClipboard(contents.text);
     }
-    m_unnamed = name && !isClipboard(*name) ? m_named[lowerCase(*name)] : contents;
+    m_unnamedName = name && !isClipboard(*name) ? std::optional(lowerCase(*name)) : std::nullopt;
+    m_unnamed = m_unnamedName ? m_named[*m_unnamedName] : contents;
     if (taken == Taken::removedLines || taken == Taken::removedFar) {
         for (char16_t number = u'9'; number > u'1'; --number) {
             const auto before = m_named.find(char16_t(number - 1));
@@ -71,22 +90,13 @@ void VimRegisters::store(const VimRegisterContents &contents, char16_t name)
 {
     noteChange();
     VimRegisterContents &kept = m_named[lowerCase(name)];
-    if (!QChar::isUpper(name) || kept.text.isEmpty()) {
+    if (QChar::isUpper(name) && !kept.text.isEmpty()) {
+        append(contents, kept);
+    } else {
         kept = contents;
-        return;
     }
-    kept.isPrivate = kept.isPrivate || contents.isPrivate;
-    // Whole lines stay whole.
-    if (kept.isLinewise || contents.isLinewise) {
-        if (kept.text.at(kept.text.length() - 1) != u'\n') {
-            kept.text.replace({kept.text.length(), 0}, u"\n");
-        }
-        kept.isLinewise = true;
-        kept.isBlock = false;
-    }
-    kept.text.replace({kept.text.length(), 0}, contents.text);
-    if (kept.isLinewise && kept.text.at(kept.text.length() - 1) != u'\n') {
-        kept.text.replace({kept.text.length(), 0}, u"\n");
+    if (m_unnamedName == lowerCase(name)) {
+        m_unnamed = kept;
     }
 }
 

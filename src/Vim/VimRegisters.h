@@ -71,6 +71,8 @@ private:
     const Preferences &m_preferences;
     std::map<char16_t, VimRegisterContents> m_named;
     VimRegisterContents m_unnamed;
+    /// Of the one that the unnamed one is, where that is one of the named.
+    std::optional<char16_t> m_unnamedName;
     /// Right after this program wrote to the clipboard; none before, and then what is there is somebody else's.
     std::optional<int> m_lastWrittenChangeCount;
     std::function<void()> m_changed;
