@@ -398,6 +398,7 @@ void VimEngine::Exact::followChange(const TextChange &change)
     if (isOwn && change.after.isEmpty() && endsWithBreak(change.before) && !m_isUnterminated) {
         m_isEmptied = true;
     }
+    m_hasEmptyLine = isOwn && !operating.isUndoing();
     const auto isOpen = [](const Rope &text) { return !text.isEmpty() && !endsWithBreak(text); };
     m_isUnterminated = m_isUnterminated || isOpen(change.before) || isOpen(change.after);
     if (!endsWithBreak(change.after)) {
@@ -465,4 +466,9 @@ void VimEngine::Exact::keep(VimRegisterContents contents, std::optional<char16_t
 bool VimEngine::Exact::isPrivate() const
 {
     return engine.m_historyKept && engine.m_historyKept() == VimHistory::Kept::whileRunning;
+}
+
+bool VimEngine::Exact::isSet(std::optional<char16_t> name) const
+{
+    return name == u'_' || (name && engine.m_registers.named().contains(char16_t(QChar::toLower(*name))));
 }

@@ -401,7 +401,8 @@ public:
     void yankLines();
     void replaceCharacters(QStringView key);
     enum class PasteRegister { takes, keeps };
-    void paste(qsizetype count, PasteRegister taking, Operating::PasteCaret at = Operating::PasteCaret::onText);
+    /// Lines go above a rectangle, or below it.
+    void paste(qsizetype count, Side side, PasteRegister taking, Operating::PasteCaret at = Operating::PasteCaret::onText);
     void join(VimFormatting::Glue glue);
     void add(qint64 by, bool isProgressive);
     void takeObject(VimTextObject::Extent extent, char16_t key);
@@ -409,7 +410,8 @@ public:
     [[nodiscard]] Extent extent() const;
     /// What the command takes, for repeating it and for as much again.
     void takeExtent();
-    void selectAgain(const Extent &extent);
+    /// From the caret on, or from the `column` of its line.
+    void selectAgain(const Extent &extent, std::optional<qsizetype> column = std::nullopt);
     /// Remembers the selection for `gv` and its marks.
     void remember();
     void followChange(const TextChange &change);
@@ -426,7 +428,23 @@ public:
 private:
     [[nodiscard]] Operating::Region region() const;
     [[nodiscard]] qsizetype firstOfLines(const VimLines &lines) const;
+    /// What was selected, and is deleted, for something to be put in its place.
+    struct Replaced {
+        Operating::Region region;
+        VimBlock block;
+        bool isBlock = false;
+        qsizetype lines = 1;
+        /// Up to the end of a line.
+        bool isAtEnd = false;
+        /// The last lines of the text, or all of them.
+        bool isLast = false;
+        bool isAll = false;
+        /// The end that moves was in a line above the other one's.
+        bool isUpward = false;
+    };
+    void put(const VimRegisterContents &pasted, const Replaced &replaced, Side side, qsizetype count, Operating::PasteCaret at);
     void pasteIntoRows(const VimBlock &block, const QString &pasted);
+    [[nodiscard]] bool isEndless() const;
     [[nodiscard]] qsizetype placeToInsert(const VimLines &lines, Side side) const;
     void endAt(qsizetype place);
     void removeEmptyLast();
@@ -606,6 +624,11 @@ public:
     /// The same of what brought one of its own, which goes where the text `wasUnterminated`.
     void settleLastBreak(bool wasUnterminated);
     [[nodiscard]] bool isUnterminated() const { return m_isUnterminated; }
+    /// Whether a text that is empty has a line nonetheless, which has nothing in it. It has none at first and when its lines were deleted.
+    [[nodiscard]] bool hasEmptyLine() const { return m_hasEmptyLine && !m_isEmptied && engine.m_view.text().isEmpty(); }
+    void setHasEmptyLine(bool hasEmptyLine) { m_hasEmptyLine = hasEmptyLine; }
+    /// Something was put there, be it nothing.
+    [[nodiscard]] bool isSet(std::optional<char16_t> name) const;
     /// After a step was undone: the marks that went with their lines are back, and what was selected before it.
     void restoreMarks();
     /// Of the step that was undone or redone last; null where nothing is known of it.
@@ -634,6 +657,7 @@ private:
     bool m_isUnterminated = false;
     /// All of the text was deleted, with the break at its end.
     bool m_isEmptied = false;
+    bool m_hasEmptyLine = false;
     enum class ChangedBy { others, keys };
     void rememberStep(const TextChange &change, ChangedBy by);
     /// A step of undo, the first of which is 1, with what there was before it.

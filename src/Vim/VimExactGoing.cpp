@@ -167,9 +167,22 @@ void VimEngine::Going::goRows(qsizetype rows)
     VimExactMotion::Result result{.kind = isEndless ? Kind::inclusive : Kind::exclusive};
     {
         const Sight sight = see();
-        result.place = moved->place = std::min(moved->place, sight.lines.last(moved->place));
+        const VimLines &lines = sight.lines;
+        const TextRange row = m_engine.m_view.rowAt(caret());
+        const bool isWhole = row.location == lines.start(caret()) && row.end() >= lines.end(caret());
+        if (isWhole && lines.number(moved->place) - lines.number(caret()) == rows) {
+            // No line is wrapped, so it goes by columns.
+            VimExactMotion::Request wanted = request(sight);
+            wanted.count = std::abs(rows);
+            const VimExactMotion::Result gone = rows > 0 ? VimExactMotion::down(wanted) : VimExactMotion::up(wanted);
+            moved->place = gone.place;
+            result.column = gone.column;
+        } else {
+            moved->place = std::min(moved->place, lines.last(moved->place));
+            result.column = isEndless ? m_exact.column : std::nullopt;
+        }
+        result.place = moved->place;
     }
-    result.column = isEndless ? m_exact.column : std::nullopt;
     m_row = *moved;
     m_exact.operating.arrive(result);
 }

@@ -11,6 +11,8 @@
 
 #include <QScopedValueRollback>
 
+#include <array>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -137,7 +139,7 @@ void VimEngine::Inserting::enterWhereLeft(qsizetype count)
 void VimEngine::Inserting::enterBlock(const BlockInsertion &block)
 {
     begin();
-    m_kind = Kind::block;
+    m_kind = block.places.size() > 1 ? Kind::block : Kind::insert;
     m_block = block;
     m_count = block.count;
     std::vector<TextRange> ranges;
@@ -459,7 +461,7 @@ void VimEngine::Inserting::insertNeighbour(qsizetype by)
     if (lines.isAtEnd(other)) {
         return;
     }
-    const QString character = text().toString(TextRange::between(other, lines.after(other)));
+    const QString character = QString::fromUcs4(std::array{lines.codePoint(other)}.data(), 1); // without what combines with it
     if (m_kind == Kind::replace) {
         overwrite(character);
         return;

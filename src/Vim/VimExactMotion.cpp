@@ -32,7 +32,7 @@ Result toLine(const Request &request, qsizetype line, bool isJump = false)
 {
     if (request.keepsColumn) {
         const VimLines &text = request.lines;
-        const qsizetype cell = request.column.value_or(columnOf(text, request.caret));
+        const qsizetype cell = request.column.value_or(text.column(request.caret));
         const qsizetype place = cell >= VimLines::endless ? text.end(line) : text.placeAt(line, cell);
         return {.place = std::min(place, text.last(line)), .kind = Kind::linewise, .isJump = isJump, .column = cell};
     }
@@ -49,7 +49,7 @@ Result vertical(const Request &request, qsizetype lines)
     }
     const qsizetype line = text.startNear(request.caret, lines);
     const bool mayStandBehind = request.purpose == For::selection;
-    const qsizetype cell = request.column.value_or(columnOf(text, request.caret));
+    const qsizetype cell = request.column.value_or(text.column(request.caret));
     qsizetype place = cell >= VimLines::endless ? text.end(line) : text.placeAt(line, cell);
     if (place == text.end(line) && !mayStandBehind) {
         place = text.last(line);
@@ -180,11 +180,21 @@ Result firstNonBlank(const Request &request)
     return {.place = request.lines.firstNonBlank(request.caret)};
 }
 
+namespace {
+
+/// There is no such line, yet the column is that of ends from now on.
+Result endlessHere(const Request &request)
+{
+    return {.place = request.caret, .failed = true, .goesNonetheless = true, .column = VimLines::endless};
+}
+
+} // namespace
+
 Result lineEnd(const Request &request)
 {
     const VimLines &lines = request.lines;
     if (request.count > 1 && lines.isLast(request.caret)) {
-        return Result::failure();
+        return endlessHere(request);
     }
     const qsizetype line = lines.startNear(request.caret, request.count - 1);
     const qsizetype place = request.purpose == For::selection ? lines.end(line) : lines.last(line);
@@ -195,7 +205,7 @@ Result lastNonBlank(const Request &request)
 {
     const VimLines &lines = request.lines;
     if (request.count > 1 && lines.isLast(request.caret)) {
-        return Result::failure();
+        return endlessHere(request);
     }
     const qsizetype line = lines.startNear(request.caret, request.count - 1);
     qsizetype place = lines.last(line);

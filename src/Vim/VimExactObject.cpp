@@ -41,10 +41,8 @@ std::optional<Result> word(const Request &request)
     qsizetype count = request.count;
     bool isInclusive = true;
     bool includesBlanks = false;
-    // A selection grows up to the end of the text, or to its start, nonetheless.
     const auto failure = [&](qsizetype start, qsizetype edge) {
-        const Result all{.from = start, .place = edge, .selects = Result::Selects::asBefore, .failed = true};
-        return request.isVisual ? std::optional(all) : std::nullopt;
+        return Result{.from = start, .place = edge, .selects = Result::Selects::asBefore, .failed = true};
     };
     const qsizetype textEnd = lines.end(lines.lastStart());
     if (!request.isSelecting()) {
@@ -577,8 +575,10 @@ std::optional<Result> tag(const Request &request)
 {
     const VimLines &lines = request.lines;
     VimBuffer &text = lines.buffer();
-    const qsizetype oldFrom = std::min(request.caret, request.anchor);
-    const qsizetype oldLast = std::max(request.caret, request.anchor);
+    qsizetype oldFrom = std::min(request.caret, request.anchor);
+    const bool isInIndent = !request.isSelecting() && isInIndentation(lines, oldFrom) && !lines.isBlankFrom(oldFrom);
+    oldFrom = isInIndent ? lines.firstNonBlank(oldFrom) : oldFrom;
+    const qsizetype oldLast = std::max({request.caret, request.anchor, oldFrom});
     struct Pair {
         TextRange open;
         TextRange close;

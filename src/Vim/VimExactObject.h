@@ -33,7 +33,7 @@ struct Result {
     /// What is selected from now on.
     enum class Selects { asBefore, characters, noLines, lines };
     Selects selects = Selects::noLines;
-    /// There is not as much as was asked for, yet a selection goes as far as it can.
+    /// There is not as much as was asked for, yet the caret goes as far as it can.
     bool failed = false;
 };
 

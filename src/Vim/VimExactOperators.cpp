@@ -79,7 +79,7 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
     const auto forced = std::exchange(m_forced, std::nullopt);
     if (result.failed) {
         if (result.goesNonetheless) {
-            setCaret(result.place);
+            setCaret(result.place, result.column);
         }
         fail();
         return;
@@ -190,8 +190,9 @@ void VimEngine::Operating::takeObject(VimTextObject::Extent extent, char16_t key
     const Sight sight = see();
     const auto object = VimExactObject::range(
         {.lines = sight.lines, .caret = caret(), .count = m_engine.effectiveCount(), .extent = extent, .anchor = caret()}, key);
-    if (!object) {
+    if (!object || object->failed) {
         m_forced.reset();
+        setCaret(object ? object->place : caret());
         fail();
         return;
     }
@@ -225,7 +226,8 @@ void VimEngine::Operating::keep(const VimRegisterContents &contents, VimRegister
 void VimEngine::Operating::keepRange(TextRange range, Span span, VimRegisters::Taken taken)
 {
     Rope kept = text().slice(range);
-    if (span == Span::lines && (kept.isEmpty() || !isBreak(kept.at(kept.length() - 1)))) {
+    const bool isOpen = range.end() == text().length() && m_exact.isUnterminated() && !text().isEmpty(); // its last line has no break
+    if (span == Span::lines && (kept.isEmpty() || !isBreak(kept.at(kept.length() - 1)) || isOpen)) {
         kept.replace({kept.length(), 0}, u"\n");
     }
     keep({.text = kept, .isLinewise = span == Span::lines}, taken);
@@ -342,7 +344,8 @@ qsizetype VimEngine::Operating::placeBefore(OperatorKind kind, const Region &reg
 void VimEngine::Operating::remove(const Region &region)
 {
     using enum VimRegisters::Taken;
-    if (text().isEmpty() || (region.range.isEmpty() && region.span == Span::characters)) {
+    const bool hasNoLine = text().isEmpty() && !m_exact.hasEmptyLine();
+    if (hasNoLine || (region.range.isEmpty() && region.span == Span::characters)) {
         setCaret(region.range.location);
         return;
     }
@@ -360,6 +363,7 @@ void VimEngine::Operating::remove(const Region &region)
     }
     edit(range, {});
     forgetLine();
+    m_exact.setHasEmptyLine(false);
     const Sight sight = see();
     const qsizetype line = std::min(region.range.location, sight.lines.lastStart());
     const qsizetype place = std::min(line + std::max<qsizetype>(region.start - region.range.location, 0), sight.lines.end(line));
@@ -374,8 +378,9 @@ void VimEngine::Operating::change(const Region &region)
     TextRange range = region.range;
     m_exact.inserting.begin();
     bool isGiven = false;
+    const bool hasLine = !text().isEmpty() || m_exact.hasEmptyLine();
     if (region.span == Span::lines) {
-        if (!text().isEmpty()) {
+        if (hasLine) {
             keepRange(range, Span::lines, removedLines);
         }
         const Sight sight = see();
@@ -389,7 +394,7 @@ void VimEngine::Operating::change(const Region &region)
         }
         isGiven = from > range.location;
         range = TextRange::between(from, sight.lines.end(std::max(range.end() - 1, range.location)));
-    } else if (!text().isEmpty() && (!range.isEmpty() || region.isInclusive)) {
+    } else if (hasLine && (!range.isEmpty() || region.isInclusive)) {
         keepRange(range, Span::characters, region.isOfLines ? removedLines : region.isLarge ? removedFar : removedPart);
     }
     if (!range.isEmpty()) {
@@ -433,12 +438,15 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
     qsizetype start = 0;
     qsizetype last = 0;
     qsizetype shiftOfLast = 0;
+    qsizetype cellsLeft = 0; // before it, of a tab in the first line
     {
         const Sight sight = see();
         const VimLines &lines = sight.lines;
         const std::vector<VimBlock::Row> rows = block.rows(lines);
         start = rows.front().range.location;
-        const bool isNothing = ExactPart::text().isEmpty() || (kind == OperatorKind::remove && rows.size() == 1 && lines.isEmpty(start));
+        cellsLeft = kind == OperatorKind::remove && !rows.front().isShort ? rows.front().cellsBefore : 0;
+        const bool isOfNothing = ExactPart::text().isEmpty() || (rows.size() == 1 && lines.isEmpty(start));
+        const bool isNothing = kind == OperatorKind::remove ? isOfNothing : kind == OperatorKind::change && ExactPart::text().isEmpty();
         last = kind == OperatorKind::remove ? rows.back().range.location : rows.back().range.end() - (rows.back().range.isEmpty() ? 0 : 1);
         const bool isTaken = kind == OperatorKind::remove || kind == OperatorKind::change || kind == OperatorKind::yank;
         if (isTaken && !isNothing) {
@@ -506,7 +514,7 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
         shiftBlock(kind, block);
         moveLastChangeToStart();
     }
-    setCaret(start);
+    setCaret(start + cellsLeft);
     finish(kind == OperatorKind::yank ? Repeatable::no : Repeatable::yes);
 }
 

@@ -9,6 +9,22 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// Cells of a row of a rectangle, each tab as wide as where a line begins.
+qsizetype widthOf(const QString &row, int tabWidth)
+{
+    const Rope rope(row);
+    const VimLines lines(rope, tabWidth);
+    qsizetype width = 0;
+    for (qsizetype place = 0; place < rope.length(); place = lines.after(place)) {
+        width += lines.width(place, 0);
+    }
+    return width;
+}
+
+} // namespace
+
 void VimEngine::Operating::paste(Side side, qsizetype count, PasteCaret at, PasteIndentation indentation)
 {
     VimRegisterContents contents = m_exact.contents(m_engine.m_pendingRegister);
@@ -136,8 +152,7 @@ void VimEngine::Operating::pasteBlock(const VimRegisterContents &contents, Side 
         qsizetype shift = 0;
         QString behindAll;
         for (qsizetype index = 0; index < rows.size(); ++index) {
-            const Rope rope(rows[index]);
-            const qsizetype width = VimLines(rope, lines.tabWidth()).cells(rows[index].size()).first;
+            const qsizetype width = widthOf(rows[index], lines.tabWidth());
             const QString padding(std::max<qsizetype>(contents.blockWidth - width, 0), u' ');
             QString text;
             for (qsizetype done = 0; done < count; ++done) {

@@ -76,7 +76,7 @@ Walked wordsForward(const VimLines &lines, qsizetype place, qsizetype count, Wor
         }
         while (classAt(lines, place, words) == 0 && !lines.isEmpty(place)) {
             step = lines.forward(place);
-            if (step == Step::none || (step != Step::character && isLastLine)) {
+            if (step == Step::none || (step != Step::character && (isLastLine || (staysInLine && count == 0)))) {
                 return {place, count == 0};
             }
         }

@@ -37,11 +37,12 @@ void VimEngine::Selecting::toggle(Mode mode)
         return;
     }
     if (m_engine.hasCount() && m_engine.m_visualExtent) {
-        // As much as was selected last, so many times.
+        // As much as was selected last, so many times; of characters in several lines the column stays.
         Extent extent = *m_engine.m_visualExtent;
-        extent.lines *= extent.lines > 1 || extent.mode != Mode::visual ? m_engine.effectiveCount() : 1;
-        extent.units *= m_engine.effectiveCount();
-        selectAgain(extent);
+        const bool isInLine = extent.mode == Mode::visual && extent.lines == 1;
+        extent.lines *= isInLine ? 1 : m_engine.effectiveCount();
+        extent.units *= isInLine || extent.mode == Mode::visualBlock ? m_engine.effectiveCount() : 1;
+        selectAgain(extent, m_exact.columnPlace == caret() ? m_exact.column : std::nullopt);
         m_width.reset();
         select(m_engine.m_visualHead);
         finish();
@@ -52,7 +53,8 @@ void VimEngine::Selecting::toggle(Mode mode)
     if (m_engine.hasCount()) {
         const Sight sight = see();
         const qsizetype more = m_engine.effectiveCount() - 1;
-        head = mode == Mode::visualLine ? sight.lines.startNear(place, more) : sight.lines.after(place, more);
+        const qsizetype line = mode == Mode::visualLine ? sight.lines.startNear(place, more) : place;
+        head = mode == Mode::visualLine ? sight.lines.placeAt(line, sight.lines.column(place)) : sight.lines.after(place, more);
     }
     const auto column = head == place && m_exact.columnPlace == place ? m_exact.column : std::nullopt;
     begin(mode, place, head);
@@ -85,10 +87,16 @@ void VimEngine::Selecting::select(qsizetype head)
     }
 }
 
+/// `$` made it go to the ends of its lines.
+bool VimEngine::Selecting::isEndless() const
+{
+    return m_exact.column && *m_exact.column >= VimLines::endless && m_exact.columnPlace == m_engine.m_visualHead;
+}
+
 VimBlock VimEngine::Selecting::block() const
 {
     const Sight sight = see();
-    const bool toEnds = m_exact.column && *m_exact.column >= VimLines::endless && m_exact.columnPlace == m_engine.m_visualHead;
+    const bool toEnds = isEndless();
     VimBlock block = VimBlock::between(sight.lines, std::min(m_engine.m_visualAnchor, text().length()), m_engine.caret(), toEnds);
     if (m_width && m_width->head == m_engine.m_visualHead && !toEnds) {
         block.left = sight.lines.cells(std::min(m_engine.m_visualAnchor, text().length())).first;
@@ -102,8 +110,7 @@ void VimEngine::Selecting::remember()
     if (!m_engine.isVisual() || m_exact.repeating.isReplaying()) {
         return;
     }
-    const bool isEndless = m_exact.column && *m_exact.column >= VimLines::endless && m_exact.columnPlace == m_engine.m_visualHead;
-    setSelected({m_engine.m_mode, {m_engine.m_visualAnchor}, {m_engine.m_visualHead}, isEndless});
+    setSelected({m_engine.m_mode, {m_engine.m_visualAnchor}, {m_engine.m_visualHead}, isEndless()});
 }
 
 void VimEngine::Selecting::leave()
@@ -147,7 +154,7 @@ void VimEngine::Selecting::endAt(qsizetype place)
 
 void VimEngine::Selecting::again()
 {
-    if (!m_last) {
+    if (!m_last || m_engine.m_pendingOperator) {
         fail();
         return;
     }
@@ -199,14 +206,14 @@ VimEngine::Extent VimEngine::Selecting::extent() const
         extent.isEndless = shown.goesToEnds();
         extent.units = extent.isEndless ? 0 : shown.width();
     } else {
-        extent.isEndless = m_exact.column && *m_exact.column >= VimLines::endless && m_exact.columnPlace == m_engine.m_visualHead;
+        extent.isEndless = isEndless();
         const qsizetype last = lines.cells(high).first;
         extent.units = extent.lines > 1 ? last : lines.cells(high).last - lines.cells(low).first + 1;
     }
     return extent;
 }
 
-void VimEngine::Selecting::selectAgain(const Extent &extent)
+void VimEngine::Selecting::selectAgain(const Extent &extent, std::optional<qsizetype> column)
 {
     const qsizetype from = caret();
     qsizetype head = from;
@@ -214,11 +221,11 @@ void VimEngine::Selecting::selectAgain(const Extent &extent)
         const Sight sight = see();
         const VimLines &lines = sight.lines;
         const qsizetype line = lines.startNear(from, extent.lines - 1);
-        const qsizetype first = lines.cells(from).first;
+        const qsizetype first = column.value_or(lines.column(from));
         const qsizetype cell = extent.mode == Mode::visualLine                         ? first
                                : extent.mode == Mode::visualBlock || extent.lines == 1 ? first + extent.units - 1
                                                                                        : extent.units;
-        head = extent.isEndless ? lines.last(line) : lines.placeAt(line, std::max<qsizetype>(cell, 0));
+        head = extent.isEndless ? lines.end(line) : lines.placeAt(line, std::max<qsizetype>(cell, 0));
         head = std::min(head, lines.end(line));
     }
     begin(extent.mode, from, head);
@@ -346,7 +353,7 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
         if (m_engine.m_mode == Mode::visualBlock) {
             const VimBlock shown = block();
             const auto rows = shown.rows(lines);
-            start = rows.front().range.location + rows.front().cellsBefore;
+            start = rows.front().range.location;
             for (const VimBlock::Row &row : rows) {
                 if (row.range.isEmpty()) {
                     continue;
@@ -374,158 +381,6 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
     m_exact.operating.setChangeMarks(start, last);
     setCaret(start);
     finish(Repeatable::yes);
-}
-
-void VimEngine::Selecting::paste(qsizetype count, PasteRegister taking, Operating::PasteCaret at)
-{
-    const bool keepsRegister = taking == PasteRegister::keeps;
-    VimRegisterContents pasted = m_exact.contents(m_engine.m_pendingRegister);
-    takeExtent();
-    remember();
-    m_engine.m_view.beginUndoGroup();
-    const bool wasBlock = m_engine.m_mode == Mode::visualBlock;
-    const Operating::Region taken = region();
-    m_engine.m_pendingRegister = keepsRegister ? std::optional(u'_') : std::nullopt;
-    bool isAtEnd = false;
-    bool isEmptied = false;
-    bool isLastLine = false;
-    const VimBlock shown = block();
-    {
-        const Sight sight = see();
-        isAtEnd = taken.span == Span::characters && !wasBlock && sight.lines.isAtEnd(taken.range.end()) && !taken.range.isEmpty();
-        isLastLine = taken.span == Span::lines && taken.range.end() >= text().length();
-        isEmptied = isLastLine && taken.range.location == 0;
-    }
-    const auto lastOfBlock = [this, lines = m_engine.m_extent->lines] {
-        const Sight sight = see();
-        return sight.lines.startNear(caret(), lines - 1);
-    };
-    const auto repeating = m_exact.repeating.hold();
-    const auto extentTaken = m_engine.m_extent;
-    m_engine.setMode(Mode::normal);
-    if (wasBlock) {
-        m_exact.operating.applyToBlock(OperatorKind::remove, shown);
-    } else {
-        m_exact.operating.apply(OperatorKind::remove, taken);
-    }
-    m_exact.repeating.release(repeating);
-    m_engine.m_extent = extentTaken;
-    if (!pasted.text.isEmpty() && m_engine.mayInsert(pasted.text.length(), count)) {
-        if (taken.span == Span::lines) {
-            if (!pasted.isLinewise && !pasted.isBlock) {
-                // Into a line of its own.
-                pasted.text.replace({pasted.text.length(), 0}, Rope(u"\n"));
-                pasted.isLinewise = true;
-            }
-            if (pasted.isLinewise) {
-                m_exact.operating.pasteText(pasted, isLastLine && !isEmptied ? Side::after : Side::before, count, at);
-                if (isEmptied) {
-                    removeEmptyLast();
-                }
-            } else {
-                // A rectangle, into a line of its own.
-                const Sight sight = see();
-                const qsizetype line = isLastLine && !isEmptied ? sight.lines.end(sight.lines.lastStart()) : sight.lines.start(caret());
-                if (!isEmptied) {
-                    edit({line, 0}, u"\n");
-                }
-                const qsizetype place = line + (isLastLine && !isEmptied ? 1 : 0);
-                m_engine.m_view.select({place, 0}, place);
-                m_exact.operating.pasteText(pasted, Side::before, count, at);
-                if (at == Operating::PasteCaret::onText) {
-                    setCaret(place);
-                } else {
-                    const Sight now = see();
-                    setCaret(now.lines.isLast(place) ? caret() : now.lines.next(place));
-                }
-            }
-        } else if (pasted.isLinewise && wasBlock) {
-            // Below the rectangle, or above its first line.
-            const qsizetype place = keepsRegister ? caret() : lastOfBlock();
-            const bool isAbove = keepsRegister && caret() >= m_exact.marks.place(u'[').value_or(0);
-            m_engine.m_view.select({place, 0}, place);
-            m_exact.operating.pasteText(pasted, isAbove ? Side::before : Side::after, count, at);
-        } else if (wasBlock && !pasted.isBlock && pasted.text.lineCount() == 1) {
-            pasteIntoRows(shown, pasted.text.toString().repeated(count));
-            if (at == Operating::PasteCaret::behindText) {
-                setCaret(TextBoundaries::nextGrapheme(text(), caret()));
-            }
-        } else if (pasted.isLinewise && !pasted.isBlock) {
-            // The line is broken in two around them.
-            const qsizetype place = isAtEnd ? taken.range.location : caret();
-            if (!text().isEmpty()) {
-                edit({place, 0}, u"\n");
-            }
-            m_engine.m_view.select({place, 0}, place);
-            m_exact.operating.pasteText(pasted, Side::after, count, at);
-        } else {
-            const qsizetype place = std::min(taken.range.location, text().length());
-            const qsizetype first = wasBlock ? m_exact.marks.place(u'[').value_or(caret()) : place;
-            m_engine.m_view.select({first, 0}, first);
-            m_exact.operating.pasteText(pasted, Side::before, count, at);
-        }
-    }
-    m_engine.m_view.endUndoGroup();
-    selectPasted(extentTaken->mode);
-    // It is the deletion that is repeated.
-    m_engine.m_pendingRegister = keepsRegister ? std::optional(u'_') : std::nullopt;
-    m_engine.m_countBuffer.clear();
-    finish(Repeatable::yes);
-    m_exact.repeating.rememberKeys(u"d"_s);
-}
-
-/// At the left side of a rectangle that was deleted, in each line that reaches it.
-void VimEngine::Selecting::pasteIntoRows(const VimBlock &block, const QString &pasted)
-{
-    TextEdits edits;
-    {
-        const Sight sight = see();
-        const VimLines &lines = sight.lines;
-        qsizetype line = lines.start(block.firstLine);
-        for (qsizetype left = m_engine.m_extent->lines; left > 0; --left) {
-            if (lines.cells(lines.end(line)).first >= block.left) {
-                edits.add({lines.placeAt(line, block.left), 0}, Rope(pasted));
-            }
-            if (lines.isLast(line)) {
-                break;
-            }
-            line = lines.next(line);
-        }
-    }
-    if (edits.isEmpty()) {
-        return;
-    }
-    const qsizetype behind = edits[0].range.location + pasted.size();
-    edit(edits);
-    m_exact.operating.setChangeMarks(behind - pasted.size(), behind - 1);
-    setCaret(TextBoundaries::previousGrapheme(text(), behind));
-}
-
-/// `gv` selects what was put, in the mode in which something was selected.
-void VimEngine::Selecting::selectPasted(Mode mode)
-{
-    const qsizetype first = m_exact.marks.place(u'[').value_or(caret());
-    const qsizetype behind = m_exact.marks.place(u']').value_or(first);
-    const Sight sight = see();
-    setSelected({mode, {first}, {std::min(behind, sight.lines.last(behind))}, false});
-}
-
-/// What is left of a text that was deleted whole.
-void VimEngine::Selecting::removeEmptyLast()
-{
-    TextRange range;
-    {
-        const Sight sight = see();
-        const qsizetype last = sight.lines.lastStart();
-        if (!sight.lines.isEmpty(last) || last == 0) {
-            return;
-        }
-        range = TextRange::between(last, text().length());
-    }
-    const qsizetype place = caret();
-    edit(range, {});
-    m_exact.terminate();
-    setCaret(place);
 }
 
 void VimEngine::Selecting::join(VimFormatting::Glue glue)
@@ -603,22 +458,32 @@ qsizetype VimEngine::Selecting::placeToInsert(const VimLines &lines, Side side) 
 {
     const qsizetype anchor = m_engine.m_visualAnchor;
     const qsizetype head = m_engine.m_visualHead;
-    const bool isBackward = head < anchor && m_engine.m_mode == Mode::visual;
+    const bool isBackward = head < anchor;
     const bool isInLine = lines.start(head) == lines.start(anchor);
     if (side == Side::before) {
-        return isBackward && !isInLine ? head : lines.start(std::min(anchor, head));
+        if (m_exact.repeating.isReplaying()) {
+            return std::min(anchor, head);
+        }
+        return isBackward && !isInLine && m_engine.m_mode == Mode::visual ? head : lines.start(std::min(anchor, head));
     }
     if (isBackward && !isInLine) {
         return lines.start(anchor);
     }
     const qsizetype last = isBackward ? head : std::max(anchor, head);
-    return last == lines.start(last) ? last : lines.after(last);
+    if (isEndless()) {
+        return lines.last(last);
+    }
+    const bool isFirst = last == lines.start(last) && lines.codePoint(last) < 0x80; // there it looks for one that goes on
+    return isFirst ? last : lines.after(last);
 }
 
 void VimEngine::Selecting::insert(Side side, qsizetype count)
 {
     const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
     takeExtent();
+    if (m_engine.m_mode != Mode::visualBlock) {
+        m_engine.m_visualExtent->mode = Mode::visualLine; // it is a command for whole lines
+    }
     remember();
     if (m_engine.m_mode != Mode::visualBlock) {
         qsizetype place = low;
@@ -643,9 +508,19 @@ void VimEngine::Selecting::insert(Side side, qsizetype count)
         blockStart = first.location;
         typedFirst = side == Side::before ? first.location : first.end();
         for (const VimBlock::Row &row : shown.rows(sight.lines)) {
+            const bool isFirst = row.line == shown.firstLine;
             if (side == Side::before) {
+                const bool isBroken = row.cellsBefore > 0 && !isFirst && sight.lines.at(row.range.location) == u'\t';
+                if (isBroken) {
+                    const qsizetype cells = sight.lines.width(row.range.location, shown.left - row.cellsBefore);
+                    padding.add({row.range.location, 1}, Rope(QString(cells, u' ')));
+                }
                 if (!row.isShort) {
-                    places.push_back(row.range.location);
+                    places.push_back(row.range.location + shift + (isBroken ? row.cellsBefore : 0));
+                    shift += isBroken ? sight.lines.width(row.range.location, shown.left - row.cellsBefore) - 1 : 0;
+                }
+                if (isFirst && row.cellsBefore > 0) {
+                    break; // what would begin within a tab goes before it, and there alone
                 }
                 continue;
             }
@@ -671,7 +546,13 @@ void VimEngine::Selecting::insert(Side side, qsizetype count)
     if (shown.lastLine == text().lineStart(text().lineAt(shown.firstLine) + 1)) {
         m_exact.operating.keepLine(shown.lastLine);
     }
-    const TextEdits unfilling = padding.inverse(text());
+    TextEdits unfilling;
+    const TextEdits inverse = padding.inverse(text());
+    for (size_t index = 0; index < padding.count(); ++index) {
+        if (text().lineAt(padding[index].range.location) != text().lineAt(blockStart)) { // what fills up the first line stays
+            unfilling.add(inverse[index].range, inverse[index].text);
+        }
+    }
     edit(padding);
     m_exact.inserting.enterBlock({.places = places.empty() ? std::vector{low} : places,
                                   .endsAt = blockStart,
@@ -714,14 +595,20 @@ void VimEngine::Selecting::selectHit(SearchDirection direction)
         fail();
         return;
     }
-    // The hit that the caret is in, or the next one.
+    // The hit that the caret is in, or the next one; a selection grows to the next one.
     const qsizetype from = caret();
+    const bool isGrowing = m_engine.isVisual() && m_engine.m_visualAnchor != m_engine.m_visualHead;
+    const bool isForward = direction == SearchDirection::forward;
     VimSearch search = *m_engine.m_lastSearch;
     search.direction = SearchDirection::backward;
     search.wraps = false;
-    auto hit = search.hit(text(), TextBoundaries::nextGrapheme(text(), from));
-    const bool isForward = direction == SearchDirection::forward;
-    if (!hit || (isForward && hit->end() <= from) || (hit->isEmpty() && isForward && hit->location != from)) {
+    auto hit = isGrowing ? std::nullopt : search.hit(text(), TextBoundaries::nextGrapheme(text(), from));
+    bool isHere = hit && (hit->end() > from || (hit->isEmpty() && hit->location == from));
+    if (const qsizetype end = see().lines.end(from); isForward && !isHere && !isGrowing && see().lines.last(from) == from) {
+        hit = search.hit(text(), end + 1); // of nothing, behind the last character
+        isHere = hit && hit->isEmpty() && hit->location == end;
+    }
+    if (!hit || (isForward && !isHere)) {
         search.direction = direction;
         search.wraps = m_engine.m_options.wrapsSearch;
         hit = search.hit(text(), from);
@@ -730,10 +617,12 @@ void VimEngine::Selecting::selectHit(SearchDirection direction)
         fail();
         return;
     }
+    // Of nothing it takes the character there, if only the break of its line.
     const qsizetype last = hit->isEmpty() ? hit->location : TextBoundaries::previousGrapheme(text(), hit->end());
-    if (m_engine.m_pendingOperator) {
-        m_engine.m_view.select({hit->location, 0}, hit->location);
-        m_exact.operating.arrive({.place = last, .kind = Kind::inclusive});
+    if (const auto kind = m_engine.m_pendingOperator) {
+        const TextRange range = TextRange::between(hit->location, std::max(hit->end(), TextBoundaries::nextGrapheme(text(), last)));
+        const bool isOfLines = text().lineAt(range.location) != text().lineAt(range.end());
+        m_exact.operating.apply(*kind, {.range = range, .start = range.location, .isOfLines = isOfLines, .isInclusive = true});
         return;
     }
     const qsizetype anchor = m_engine.isVisual() ? m_engine.m_visualAnchor : isForward ? hit->location : last;

@@ -108,7 +108,7 @@ TextRange VimLines::lines(qsizetype one, qsizetype other) const
 
 TextRange VimLines::removable(TextRange lines) const
 {
-    const bool hasBreak = !lines.isEmpty() && (lines.end() < m_text.length() || isEnded());
+    const bool hasBreak = !lines.isEmpty() && (lines.end() < m_text.length() || (isEnded() && m_last == LastLine::hasText));
     return hasBreak || lines.location == 0 ? lines : TextRange::between(end(lines.location - 1), lines.end());
 }
 
@@ -187,6 +187,12 @@ VimLines::Cells VimLines::cells(qsizetype place) const
         at = next;
     }
     return {cell, at < behind ? cell + width(at, cell) - 1 : cell};
+}
+
+qsizetype VimLines::column(qsizetype place) const
+{
+    const Cells of = cells(place);
+    return at(place) == u'\t' ? of.last : of.first;
 }
 
 qsizetype VimLines::placeAt(qsizetype line, qsizetype cell) const

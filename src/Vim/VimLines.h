@@ -80,6 +80,8 @@ public:
     };
     /// Those of the character at `place`. Costs a walk from the start of the line.
     [[nodiscard]] Cells cells(qsizetype place) const;
+    /// Its first cell; of a tab the last one, where the caret is shown.
+    [[nodiscard]] qsizetype column(qsizetype place) const;
     /// Where the character with that cell stands; behind the last one for cells beyond.
     [[nodiscard]] qsizetype placeAt(qsizetype line, qsizetype cell) const;
     [[nodiscard]] qsizetype width(qsizetype place, qsizetype firstCell) const;
