@@ -71,26 +71,30 @@ bool CompletionPanel::place()
 {
     const QRect room = m_view.viewport()->rect();
     const QFontMetrics metrics(m_view.textFont());
-    LayoutManager &layout = m_view.layoutManager();
-    if (m_offer.place > m_view.storage().length()) {
-        return false;
-    }
-    const RowPosition row = layout.rowOf(m_offer.place);
-    const auto top = m_view.textViewport().topOf(row);
-    if (!top || *top < -layout.rowHeight() || *top > room.height()) {
-        return false;
-    }
     const qsizetype rows = std::min(m_offer.words.size(), mostRows);
     int width = fewestPixels;
     for (qsizetype index = m_first; index < m_first + rows; ++index) {
         width = std::max(width, metrics.horizontalAdvance(m_offer.words[index]) + 2 * (padding + inset) + thumbWidth);
     }
     const QSize size(std::min(width, room.width()), int(rows) * rowHeight() + 2 * padding);
+    if (!m_offer.place) {
+        setGeometry(QRect(QPoint(0, std::max(room.height() - size.height(), 0)), size));
+        return true;
+    }
+    LayoutManager &layout = m_view.layoutManager();
+    if (*m_offer.place > m_view.storage().length()) {
+        return false;
+    }
+    const RowPosition row = layout.rowOf(*m_offer.place);
+    const auto top = m_view.textViewport().topOf(row);
+    if (!top || *top < -layout.rowHeight() || *top > room.height()) {
+        return false;
+    }
     const int below = int(*top + layout.rowHeight()) + 1;
     const int above = int(*top) - size.height() - 1;
     // Where it cannot be whole, on the side that has more of it.
     const bool isBelow = below + size.height() <= room.height() || (above < 0 && room.height() - below >= *top);
-    const int left = int(m_view.textViewport().left() + layout.xOf(row, m_offer.place)) - padding - inset;
+    const int left = int(m_view.textViewport().left() + layout.xOf(row, *m_offer.place)) - padding - inset;
     setGeometry(QRect(QPoint(std::clamp(left, 0, std::max(room.width() - size.width(), 0)), isBelow ? below : above), size));
     return true;
 }

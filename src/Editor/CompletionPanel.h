@@ -8,7 +8,8 @@
 
 class TextView;
 
-/// Words that may come in place of the one before the caret, in a column below it, or above it where there is no room. It takes neither
+/// Words that may come in place of the one before the caret, in a column below it, or above it where there is no room; of a
+/// command line over the lower left corner of the text. It takes neither
 /// keys nor clicks, scrolls to the word that is chosen, and goes with whatever moves the text.
 class CompletionPanel final : public QWidget {
     Q_OBJECT

@@ -66,12 +66,12 @@ struct VimCommandLine::KeyRow {
         return chord == pressed && key == typed && (audience == Audience::everyone || (audience == Audience::exact) == isExact);
     }
 
-    static const std::array<KeyRow, 36> all;
+    static const std::array<KeyRow, 38> all;
 };
 
 using Line = VimCommandLine;
 
-const std::array<VimCommandLine::KeyRow, 36> VimCommandLine::KeyRow::all = {{
+const std::array<VimCommandLine::KeyRow, 38> VimCommandLine::KeyRow::all = {{
     {Chord::plain, VimKey::backspace, &Line::deleteLetter},
     {Chord::withControl, u'c', &Line::leave},
     {Chord::withControl, u'h', &Line::deleteLetter},
@@ -85,7 +85,9 @@ const std::array<VimCommandLine::KeyRow, 36> VimCommandLine::KeyRow::all = {{
     {Chord::withControl, u'j', &Line::enter, Audience::exact},
     {Chord::withControl, u'm', &Line::enter, Audience::exact},
     {Chord::withControl, u'b', &Line::goToStart, Audience::exact},
-    {Chord::withControl, u'e', &Line::goToEnd, Audience::exact},
+    {Chord::withControl, u'd', &Line::listNames, Audience::exact},
+    {Chord::withControl, u'e', &Line::takeBack, Audience::exact},
+    {Chord::withControl, u'y', &Line::accept, Audience::exact},
     {Chord::withControl, u'p', &Line::recallOlder, Audience::exact},
     {Chord::withControl, u'n', &Line::recallNewer, Audience::exact},
     {Chord::withControl, u'i', &Line::completeNext, Audience::exact},
@@ -425,6 +427,47 @@ VimCommandLine::Outcome VimCommandLine::completePrevious(const Surroundings & /*
     return Outcome::goesOn;
 }
 
+VimCommandLine::Outcome VimCommandLine::listNames(const Surroundings & /*around*/)
+{
+    if (m_prefix == u':' && !hasSeveralCandidates()) {
+        complete(Direction::nowhere);
+    }
+    return Outcome::goesOn;
+}
+
+/// While there is no choice it goes to the end.
+VimCommandLine::Outcome VimCommandLine::takeBack(const Surroundings &around)
+{
+    if (!hasSeveralCandidates()) {
+        return goToEnd(around);
+    }
+    choose(m_candidates->names.size() - 1);
+    return accept(around);
+}
+
+VimCommandLine::Outcome VimCommandLine::accept(const Surroundings & /*around*/)
+{
+    m_candidates.reset();
+    return Outcome::goesOn;
+}
+
+std::optional<VimOffer> VimCommandLine::offer() const
+{
+    if (!hasSeveralCandidates()) {
+        return std::nullopt;
+    }
+    VimOffer offer;
+    const qsizetype typed = m_candidates->names.size() - 1;
+    for (const QString &name : m_candidates->names.first(typed)) {
+        // Of a file without its folders.
+        offer.words << name.sliced(name.chopped(1).lastIndexOf(u'/') + 1);
+    }
+    if (m_candidates->chosen < typed) {
+        offer.chosen = m_candidates->chosen;
+    }
+    return offer;
+}
+
 bool VimCommandLine::hasSeveralCandidates() const
 {
     return m_candidates && m_candidates->names.size() > 2 && m_candidates->shown == m_text.first(m_cursor);
@@ -478,7 +521,7 @@ void VimCommandLine::offer(qsizetype from, QStringList names, Direction directio
     names << m_text.sliced(from, m_cursor - from);
     const qsizetype count = names.size();
     m_candidates = Candidates{.from = from, .names = std::move(names)};
-    choose(direction == Direction::forward ? 0 : count - 2);
+    choose(direction == Direction::forward ? 0 : direction == Direction::backward ? count - 2 : count - 1);
 }
 
 void VimCommandLine::choose(qsizetype index)

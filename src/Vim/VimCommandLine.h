@@ -5,6 +5,7 @@
 #include "Text/TextRange.h"
 #include "Vim/VimDigraphs.h"
 #include "Vim/VimLiteral.h"
+#include "Vim/VimTextView.h"
 
 #include <QStringList>
 
@@ -54,11 +55,13 @@ public:
     [[nodiscard]] std::optional<QString> awaitedFiles() const;
     /// Those that were asked for, see VimCompletion::files().
     void takeFiles(const QStringList &names);
+    /// What may stand before the cursor, while there is a choice.
+    [[nodiscard]] std::optional<VimOffer> offer() const;
 
 private:
     struct KeyRow;
     enum class Awaited { nothing, registerName, exactRegister, literal, digraph };
-    enum class Direction { forward, backward };
+    enum class Direction { forward, backward, nowhere };
     /// What was typed, and what is shown of the history in its place.
     struct Recall {
         QString sought;
@@ -100,6 +103,9 @@ private:
     Outcome recallNewer(const Surroundings &around);
     Outcome completeNext(const Surroundings &around);
     Outcome completePrevious(const Surroundings &around);
+    Outcome listNames(const Surroundings &around);
+    Outcome takeBack(const Surroundings &around);
+    Outcome accept(const Surroundings &around);
     Outcome showNextHit(const Surroundings &around);
     Outcome showPreviousHit(const Surroundings &around);
 

@@ -663,6 +663,7 @@ void VimEngine::leaveToNormal()
         m_keymap.forget();
         rememberCommandLine();
         m_commandLine.clear();
+        m_view.showOffer(std::nullopt);
         const Mode mode = m_mode;
         if (mode == Mode::insert) {
             m_exact->inserting.leave();

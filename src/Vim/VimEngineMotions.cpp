@@ -198,6 +198,7 @@ void VimEngine::beginCommandLine(char16_t prefix)
 void VimEngine::leaveCommandLine()
 {
     m_commandLine.clear();
+    m_view.showOffer(std::nullopt);
     setMode(m_modeBefore);
     if (isVisual()) {
         m_exact->selecting.select(m_visualHead);
@@ -215,6 +216,9 @@ void VimEngine::handleCommandLine(const VimKeyEvent &event)
     };
     switch (m_commandLine.handle(event, {m_registers, m_view.text(), caret(), m_history, m_options.isExact, derived})) {
     case VimCommandLine::Outcome::goesOn:
+        if (m_exact) {
+            m_view.showOffer(m_commandLine.offer());
+        }
         break;
     case VimCommandLine::Outcome::isLeft:
         if (m_exact) {
@@ -261,6 +265,7 @@ void VimEngine::hideHits()
 void VimEngine::completeFiles(const QStringList &names)
 {
     m_commandLine.takeFiles(names);
+    m_view.showOffer(m_commandLine.offer());
     notify();
 }
 

@@ -35,8 +35,8 @@ struct VimTextName {
 
 /// Words that may come in place of the one before the caret, to be seen beside it.
 struct VimOffer {
-    /// Where that word begins; UTF-16 units.
-    qsizetype place = 0;
+    /// Where that word begins; UTF-16 units. None for one in a command line.
+    std::optional<qsizetype> place;
     QStringList words;
     /// None while what was typed stands there.
     std::optional<qsizetype> chosen;

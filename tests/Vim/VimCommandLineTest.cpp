@@ -122,7 +122,17 @@ TEST_F(VimCommandLineTest, CompletesFiles)
     };
     EXPECT_EQ(complete(u":e al.x<Left><Left><Tab>"_s), u"e alpha.txt|.x"_s);
     check({{u"<Tab>"_s, u"e alpine.txt|.x"_s}, {u"<C-n>"_s, u"e al|.x"_s}, {u"<Backtab><C-p>"_s, u"e alpha.txt|.x"_s}});
-    EXPECT_EQ(complete(u"<C-e><C-u>vs su<Tab>"_s), u"vs sub/|"_s);
+    EXPECT_EQ(m_view.offer, (VimOffer{.words = {u"alpha.txt"_s, u"alpine.txt"_s}, .chosen = 0}));
+    check({{u"<C-e>"_s, u"e al|.x"_s}, {u"<C-e>"_s, u"e al.x|"_s}});
+    EXPECT_FALSE(m_view.offer);
+    EXPECT_EQ(complete(u"<C-u>e ./al<C-d>"_s), u"e ./al|"_s);
+    EXPECT_EQ(m_view.offer, (VimOffer{.words = {u"alpha.txt"_s, u"alpine.txt"_s}})) << "all names, and none of them yet";
+    check({{u"<Tab><C-y>"_s, u"e ./alpha.txt|"_s}});
+    EXPECT_FALSE(m_view.offer);
+    check({{u"<C-u>r<C-d>"_s, u"r|"_s}, {u"<Tab><Esc>"_s, u"none"_s}});
+    EXPECT_FALSE(m_view.offer);
+    m_view.press(u":"_s);
+    EXPECT_EQ(complete(u"vs su<Tab>"_s), u"vs sub/|"_s);
     EXPECT_EQ(complete(u"<Tab>"_s), u"vs sub/inner.txt|"_s);
     EXPECT_EQ(complete(u"<C-u>w! .<Tab>"_s), u"w! .hid|"_s);
     EXPECT_EQ(complete(u"<C-u>e <Backtab>"_s), u"e sub/|"_s);
