@@ -103,11 +103,12 @@ Result<void> remove(VimExCall &call)
     store(call, VimRegisters::Taken::removedLines);
     noteJump(target);
     goTo(target, call.lines.first);
-    target.forgetLine();
     if (call.lines.count() == VimLines(target.text()).count()) {
         target.marks().deleteAll();
     }
-    if (apply(call, VimExEdits::removed(target.text(), call.lines))) {
+    const bool isDone = apply(call, VimExEdits::removed(target.text(), call.lines));
+    target.forgetLine();
+    if (isDone) {
         goTo(target, call.lines.first);
         noteChanged(target, {call.lines.first, call.lines.first});
     }

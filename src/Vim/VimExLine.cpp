@@ -300,7 +300,8 @@ Result<void> VimExLine::perform(const Parsed &parsed, const VimExRange &range, Q
 void VimExLine::note(const VimExRange::Trace &trace)
 {
     if (trace.pattern) {
-        noteSearch(*trace.pattern);
+        using enum VimSearch::Direction;
+        noteSearch(*trace.pattern, trace.isBackward ? backward : forward);
     }
     if (trace.caretLine) {
         moveToLine(*trace.caretLine);
@@ -364,9 +365,12 @@ VimSearch VimExLine::search(const QString &pattern) const
     return VimSearch::exact(pattern, VimSearch::Direction::forward, m_target->options(), m_target->lastSubstitution().replacement);
 }
 
-void VimExLine::noteSearch(const QString &pattern)
+void VimExLine::noteSearch(const QString &pattern, std::optional<VimSearch::Direction> direction)
 {
-    m_target->lastSearch() = search(pattern);
+    auto &last = m_target->lastSearch();
+    const auto kept = last ? last->direction : VimSearch::Direction::forward;
+    last = search(pattern);
+    last->direction = direction.value_or(kept);
 }
 
 VimExScope VimExLine::scope() const

@@ -33,7 +33,7 @@ public:
     [[nodiscard]] Result<VimPattern> pattern(const QString &written) const;
     [[nodiscard]] VimSearch search(const QString &pattern) const;
     /// That is what was looked for last.
-    void noteSearch(const QString &pattern);
+    void noteSearch(const QString &pattern, std::optional<VimSearch::Direction> direction = std::nullopt);
     [[nodiscard]] VimExScope scope() const;
     void say(const QString &message) const;
     /// What the lines before a command have done.

@@ -156,6 +156,7 @@ private:
             return failure(problem);
         }
         m_trace.pattern = pattern;
+        m_trace.isBackward = !isForward;
         const qsizetype from = std::clamp<qsizetype>(before.value_or(m_here), 0, m_lines.count());
         // Line 0 is before all that there is, and the search goes on there as at the other end.
         const auto found = from > 0 ? search.move(m_scope.text, isForward ? m_lines.endOf(from) : m_lines.startOf(from))

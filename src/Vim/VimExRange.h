@@ -45,6 +45,7 @@ struct VimExRange {
         std::optional<qsizetype> caretLine = std::nullopt;
         /// The last pattern that was looked for.
         std::optional<QString> pattern = std::nullopt;
+        bool isBackward = false;
     };
     /// Of what `typed` begins with, blanks and colons too; fails with words.
     [[nodiscard]] static Result<VimExRange> parse(QStringView typed, const VimExScope &scope, Trace &trace);

@@ -94,7 +94,7 @@ bool VimEngine::Commanding::apply(const TextEdits &edits)
 
 void VimEngine::Commanding::beginChange(TextRange taken)
 {
-    const bool isInLine = text().lineAt(taken.location) == text().lineAt(std::max(taken.end() - 1, taken.location));
+    const bool isInLine = !taken.isEmpty() && text().lineAt(taken.location) == text().lineAt(taken.end() - 1);
     m_exact.operating.beginChange(ExactPart::caret(), isInLine ? Operating::Reach::line : Operating::Reach::lines, taken);
 }
 

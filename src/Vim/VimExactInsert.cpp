@@ -461,13 +461,7 @@ void VimEngine::Inserting::insertNeighbour(qsizetype by)
     if (lines.isAtEnd(other)) {
         return;
     }
-    const QString character = QString::fromUcs4(std::array{lines.codePoint(other)}.data(), 1); // without what combines with it
-    if (m_kind == Kind::replace) {
-        overwrite(character);
-        return;
-    }
-    noteTyped(character);
-    m_engine.m_view.putText(character);
+    putLiteral(QString::fromUcs4(std::array{lines.codePoint(other)}.data(), 1)); // without what combines with it
 }
 
 /// Behind "0" or "^" that was just typed, the key that takes indentation takes all of it, and that character.

@@ -285,7 +285,7 @@ void VimEngine::Selecting::apply(OperatorKind kind, std::optional<Span> span, bo
         taken.range = sight.lines.lines(std::min(m_engine.m_visualAnchor, m_engine.m_visualHead),
                                         std::max(m_engine.m_visualAnchor, m_engine.m_visualHead));
         taken.span = Span::lines;
-        taken.start = kind == OperatorKind::yank ? firstOfLines(sight.lines) : taken.range.location;
+        taken.start = firstOfLines(sight.lines);
         taken.isOfLines = true;
     }
     if (isLineOperator) {
@@ -376,7 +376,9 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
     }
     const qsizetype last = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
     m_engine.setMode(Mode::normal);
-    m_exact.operating.beginChange(start, Operating::Reach::lines, TextRange::between(std::min(start, last), last + 1));
+    const TextRange taken = TextRange::between(std::min(start, last), last + 1);
+    const bool isInLine = text().lineAt(taken.location) == text().lineAt(last);
+    m_exact.operating.beginChange(start, isInLine ? Operating::Reach::line : Operating::Reach::lines, taken);
     edit(edits);
     m_exact.operating.setChangeMarks(start, last);
     setCaret(start);
@@ -388,11 +390,13 @@ void VimEngine::Selecting::join(VimFormatting::Glue glue)
     takeExtent();
     const qsizetype lines = m_engine.m_extent->lines;
     remember();
-    qsizetype start = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
-    if (m_engine.m_mode == Mode::visualLine && !m_exact.repeating.isReplaying()) {
+    const qsizetype start = [&] {
         const Sight sight = see();
-        start = sight.lines.start(start);
-    }
+        const VimBlock shown = block();
+        return m_engine.m_mode == Mode::visualBlock  ? shown.row(sight.lines, shown.firstLine).range.location
+               : m_engine.m_mode == Mode::visualLine ? firstOfLines(sight.lines)
+                                                     : std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
+    }();
     m_engine.setMode(Mode::normal);
     setCaret(start);
     if (!m_exact.repeating.isReplaying()) {
@@ -403,6 +407,7 @@ void VimEngine::Selecting::join(VimFormatting::Glue glue)
 
 void VimEngine::Selecting::add(qint64 by, bool isProgressive)
 {
+    const bool isOfLines = m_engine.m_mode == Mode::visualLine;
     takeExtent();
     remember();
     TextEdits edits;
@@ -449,7 +454,7 @@ void VimEngine::Selecting::add(qint64 by, bool isProgressive)
         m_exact.operating.setChangeMarks(edits.newRange(0).location, edits.newRange(edits.count() - 1).end() - 1);
         m_exact.operating.moveLastChangeToStart();
     }
-    setCaret(start);
+    setCaret(isOfLines ? text().lineStart(text().lineAt(start)) : start);
     finish(Repeatable::yes);
 }
 

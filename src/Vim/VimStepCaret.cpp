@@ -75,12 +75,9 @@ qsizetype VimStepCaret::place(Replay replay, const VimLines &lines, qsizetype no
     } else {
         std::for_each(m_changes.begin(), m_changes.end(), look);
     }
-    qsizetype line = found.value_or(now);
+    qsizetype line = std::min(found.value_or(now), lines.count() - 1);
     if (line > 0 && m_before.line + 1 == line) {
         --line; // above what was opened
-    }
-    if (line >= lines.count()) {
-        return lines.lastStart();
     }
     const qsizetype start = lines.startOf(line + 1);
     return line == m_before.line ? std::min(start + m_before.column, lines.endOf(line + 1)) : lines.firstNonBlank(start);
