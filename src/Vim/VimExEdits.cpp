@@ -20,6 +20,13 @@ TextRange whole(const VimLines &lines, LineSpan span)
     return TextRange::between(lines.startOf(span.first), lines.startOf(span.last + 1));
 }
 
+/// The empty line behind a last break is one of them if that is the one that a command takes.
+VimLines linesOf(const Rope &text, qsizetype taken)
+{
+    using enum VimLines::LastLine;
+    return VimLines(text, 1, taken > VimLines(text).count() ? mayBeEmpty : hasText);
+}
+
 /// Columns of a character behind others.
 qsizetype widthOf(char32_t character, qsizetype column, int tabWidth)
 {
@@ -65,7 +72,7 @@ QString lineBreak(const Rope &text)
 
 Rope content(const Rope &text, LineSpan lines)
 {
-    const VimLines all(text);
+    const VimLines all = linesOf(text, lines.last);
     Rope block = text.slice(whole(all, lines));
     if (block.isEmpty() || !isBreak(block.at(block.length() - 1))) {
         block.replace({block.length(), 0}, lineBreak(text));
@@ -75,20 +82,20 @@ Rope content(const Rope &text, LineSpan lines)
 
 TextEdits removed(const Rope &text, LineSpan lines)
 {
-    const VimLines all(text);
-    const bool takesBreakBefore = !all.isEnded() && lines.last == all.count() && lines.first > 1;
+    const VimLines all = linesOf(text, lines.last);
+    const bool takesBreakBefore = all.endOf(lines.last) == text.length() && lines.last == all.count() && lines.first > 1;
     return {takesBreakBefore ? TextRange::between(all.endOf(lines.first - 1), text.length()) : whole(all, lines), Rope()};
 }
 
 TextEdits inserted(const Rope &text, qsizetype after, const Rope &block)
 {
-    const VimLines all(text);
+    const VimLines all = linesOf(text, after);
     const QString wanted = lineBreak(text);
     Rope added = block;
     if (text.isEmpty()) {
         // There is an empty line, before or behind.
         added.replace({after == 0 ? added.length() : 0, 0}, wanted);
-    } else if (after == all.count() && !all.isEnded()) {
+    } else if (after == all.count() && all.endOf(after) == text.length()) {
         const qsizetype length = block.length();
         const bool isPair = length > 1 && block.at(length - 1) == u'\n' && block.at(length - 2) == u'\r';
         added = block.slice({0, length - (isPair ? 2 : 1)});
@@ -114,7 +121,7 @@ TextEdits moved(const Rope &text, LineSpan lines, qsizetype after)
 
 TextEdits joined(const Rope &text, LineSpan lines, Blanks blanks)
 {
-    const VimLines all(text);
+    const VimLines all = linesOf(text, lines.last);
     TextEdits edits;
     TextRange range{all.endOf(lines.first), 0};
     // What the line ends with so far.
@@ -142,7 +149,7 @@ TextEdits joined(const Rope &text, LineSpan lines, Blanks blanks)
 
 TextEdits shifted(const Rope &text, LineSpan lines, qsizetype levels, Indentation indentation)
 {
-    const VimLines all(text);
+    const VimLines all = linesOf(text, lines.last);
     TextEdits edits;
     for (qsizetype line = lines.first; line <= lines.last; ++line) {
         const qsizetype start = all.startOf(line);
@@ -165,7 +172,7 @@ TextEdits shifted(const Rope &text, LineSpan lines, qsizetype levels, Indentatio
 
 TextEdits retabbed(const Rope &text, LineSpan lines, int oldWidth, Indentation wanted, Runs runs)
 {
-    const VimLines all(text);
+    const VimLines all = linesOf(text, lines.last);
     RopeCursor cursor(text);
     TextEdits edits;
     for (qsizetype line = lines.first; line <= lines.last; ++line) {
@@ -292,7 +299,7 @@ SortKey keyOf(const QString &line, const Sorting &sorting, std::optional<TextRan
 
 TextEdits sorted(const Rope &text, LineSpan lines, const Sorting &sorting, const std::stop_token &stop)
 {
-    const VimLines all(text);
+    const VimLines all = linesOf(text, lines.last);
     std::optional<VimMatcher> matcher;
     if (auto compiled = sorting.pattern ? VimMatcher::compile(*sorting.pattern, text) : failure({})) {
         matcher = *std::move(compiled);

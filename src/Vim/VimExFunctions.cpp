@@ -25,20 +25,20 @@ namespace {
 
 void goTo(VimExTarget &target, qsizetype line)
 {
-    const VimLines lines(target.text(), 1, target.lastLine());
+    const VimLines lines = target.lines();
     target.moveCaret(lines.firstNonBlank(lines.startOf(std::min(line, lines.count()))));
 }
 
 TextRange whole(const VimExTarget &target, LineSpan span)
 {
-    const VimLines lines(target.text());
+    const VimLines lines = target.lines();
     return TextRange::between(lines.startOf(span.first), lines.startOf(span.last + 1));
 }
 
 /// Has "[" and "]" around what was changed.
 void noteChanged(VimExTarget &target, LineSpan lines)
 {
-    const VimLines text(target.text());
+    const VimLines text = target.lines();
     target.marks().set(u'[', text.startOf(std::min(lines.first, text.count())));
     target.marks().set(u']', text.startOf(std::clamp<qsizetype>(lines.last, 1, text.count())));
 }
@@ -46,7 +46,7 @@ void noteChanged(VimExTarget &target, LineSpan lines)
 /// What was changed goes as far as that of a line.
 void noteLastCharacter(VimExTarget &target, qsizetype line)
 {
-    const VimLines lines(target.text());
+    const VimLines lines = target.lines();
     target.marks().set(u']', lines.last(lines.startOf(line)));
 }
 
@@ -73,11 +73,11 @@ auto computed(VimExTarget &target, LineSpan read, Function function)
 {
     constexpr qsizetype readAtOnce = qsizetype(256) * 1024;
     // The text may have become shorter by then.
-    auto make = [read, function = std::move(function)](const Rope &text, const std::stop_token &stop) {
-        const qsizetype count = VimLines(text).count();
+    auto make = [read, last = target.lastLine(), function = std::move(function)](const Rope &text, const std::stop_token &stop) {
+        const qsizetype count = VimLines(text, 1, last).count();
         return function(text, LineSpan{std::min(read.first, count), std::min(read.last, count)}, stop);
     };
-    const VimLines lines(target.text());
+    const VimLines lines = target.lines();
     const bool isShort = lines.startOf(read.last + 1) - lines.startOf(read.first) <= readAtOnce;
     return isShort ? std::optional(make(target.text(), {})) : target.running().computed(std::move(make));
 }
@@ -103,7 +103,7 @@ Result<void> remove(VimExCall &call)
     store(call, VimRegisters::Taken::removedLines);
     noteJump(target);
     goTo(target, call.lines.first);
-    if (call.lines.count() == VimLines(target.text()).count()) {
+    if (call.lines.count() == target.lines().count()) {
         target.marks().deleteAll();
     }
     const bool isDone = apply(call, VimExEdits::removed(target.text(), call.lines));
@@ -156,7 +156,7 @@ Result<qsizetype> destination(VimExCall &call)
     if (!address) {
         return tl::make_unexpected(address.error());
     }
-    if (!address->line || *address->line < 0 || *address->line > VimLines(call.target().text()).count()) {
+    if (!address->line || *address->line < 0 || *address->line > call.target().lines().count()) {
         return failure(localized(u"Invalid range"));
     }
     const QStringView rest = QStringView(call.argument).sliced(address->length);
@@ -178,7 +178,7 @@ Result<void> move(VimExCall &call)
     }
     VimExTarget &target = call.target();
     // Marks go with their lines, which to all others are gone from where they were.
-    const VimLines before(target.text());
+    const VimLines before = target.lines();
     struct Kept {
         char16_t name;
         qsizetype line;
@@ -195,7 +195,7 @@ Result<void> move(VimExCall &call)
         return {};
     }
     const qsizetype first = *to >= lines.last ? *to - lines.count() + 1 : *to + 1;
-    const VimLines after(target.text());
+    const VimLines after = target.lines();
     for (const Kept &mark : kept) {
         target.marks().set(mark.name, after.startOf(first + mark.line) + mark.column);
     }
@@ -226,7 +226,7 @@ Result<void> join(VimExCall &call)
     LineSpan lines = call.lines;
     call.line.moveToLine(lines.first);
     if (lines.first == lines.last) {
-        if (call.written > 1 || lines.last == VimLines(target.text()).count()) {
+        if (call.written > 1 || lines.last == target.lines().count()) {
             return {};
         }
         ++lines.last;
@@ -240,13 +240,13 @@ Result<void> join(VimExCall &call)
         return {};
     }
     std::vector<VimMarks::Mark> marks = target.marks().all();
-    const VimLines before(target.text());
+    const VimLines before = target.lines();
     std::erase_if(marks, [&](const VimMarks::Mark &mark) {
         const qsizetype line = before.number(mark.place);
         return line < lines.first || line > lines.last;
     });
     if (apply(call, *edits)) {
-        target.marks().noteJoined(VimLines(target.text()).startOf(lines.first));
+        target.marks().noteJoined(target.lines().startOf(lines.first));
         // Of blank lines too, of which nothing is left.
         for (const VimMarks::Mark &mark : marks) {
             target.marks().set(mark.name, edits->mapped(mark.place, Bias::after));
@@ -409,7 +409,7 @@ Result<void> substitute(VimExCall &call)
     }
     LineSpan lines = call.lines;
     if (command->count) {
-        lines = {lines.last, std::min(VimLines(target.text()).count(), lines.last + *command->count - 1)};
+        lines = {lines.last, std::min(target.lines().count(), lines.last + *command->count - 1)};
     }
     auto job = VimSubstituteJob::prepare(*command, {lines.first - 1, lines.last - 1}, target.options(), target.lastSubstitution(),
                                          target.lastSearch());
@@ -436,7 +436,7 @@ Result<void> substitute(VimExCall &call)
         return failure(message);
     }
     if (outcome.hits > 0 && job->flags.onlyCounts) {
-        goTo(target, VimLines(target.text()).number(target.caret()));
+        goTo(target, target.lines().number(target.caret()));
     } else if (outcome.hits > 0) {
         if (!outcome.edits.isEmpty()) {
             target.moveCaret(target.text().lineStart(target.text().lineAt(outcome.edits[0].range.location)));
@@ -489,15 +489,16 @@ Result<Repeated> repeated(const VimExCall &call)
 }
 
 /// Where those of `span` begin.
-std::vector<qsizetype> linesToTake(const Rope &text, LineSpan span, const VimPattern &pattern, Lines which, const std::stop_token &stop)
+std::vector<qsizetype> linesToTake(const VimLines &lines, LineSpan span, const VimPattern &pattern, Lines which,
+                                   const std::stop_token &stop)
 {
+    const Rope &text = lines.text();
     auto matcher = VimMatcher::compile(pattern, text);
     const SearchControl control{.stop = stop, .searched = nullptr};
-    const VimLines lines(text);
     std::vector<qsizetype> hits;
-    // An empty line at the end begins where the text ends, the one behind a last break is none.
+    // An empty line at the end begins where the text ends.
     const qsizetype behind =
-        span.last < lines.count() ? lines.startOf(span.last + 1) : text.length() + (lines.isEnded() && !text.isEmpty() ? 0 : 1);
+        span.last < lines.count() ? lines.startOf(span.last + 1) : text.length() + (lines.endOf(span.last) < text.length() ? 0 : 1);
     qsizetype from = lines.startOf(span.first);
     while (const auto match = matcher && from < behind ? matcher->next(TextRange::between(from, behind), control) : std::nullopt) {
         const qsizetype line = lines.number(match->start);
@@ -527,7 +528,7 @@ std::vector<qsizetype> withoutForgotten(VimExCall &call, std::vector<qsizetype> 
     if (starts.size() <= kept) {
         return starts;
     }
-    const VimLines lines(call.target().text());
+    const VimLines lines = call.target().lines();
     const auto rest = starts.end() - kept;
     TextEdits edits;
     qsizetype taken = 0;
@@ -555,7 +556,7 @@ Result<void> repeat(VimExCall &call, Lines which)
         if (call.written > 0) {
             return failure(localized(u"This command takes no lines within itself"));
         }
-        const qsizetype here = VimLines(target.text()).number(target.caret());
+        const qsizetype here = target.lines().number(target.caret());
         call.lines = {here, here};
     }
     const auto wanted = repeated(call);
@@ -568,9 +569,11 @@ Result<void> repeat(VimExCall &call, Lines which)
     if (const auto matcher = pattern ? VimMatcher::compile(*pattern, Rope()) : tl::make_unexpected(pattern.error()); !matcher) {
         return tl::make_unexpected(matcher.error());
     }
-    auto starts = computed(target, call.lines, [pattern = *pattern, which](const Rope &text, LineSpan span, const std::stop_token &stop) {
-        return linesToTake(text, span, pattern, which, stop);
-    });
+    auto starts =
+        computed(target, call.lines,
+                 [pattern = *pattern, which, last = target.lastLine()](const Rope &text, LineSpan span, const std::stop_token &stop) {
+                     return linesToTake(VimLines(text, 1, last), span, pattern, which, stop);
+                 });
     if (!starts) {
         return {};
     }
@@ -627,7 +630,7 @@ Result<void> normal(VimExCall &call)
     }
     const VimRunning::Scope running(target.running());
     for (qsizetype line = call.lines.first; line <= call.lines.last && target.running().goesOn(); ++line) {
-        const VimLines lines(target.text());
+        const VimLines lines = target.lines();
         target.moveCaret(lines.startOf(std::min(line, lines.count())));
         call.line.beginUndoGroup();
         target.runNormal(call.argument, !call.hasBang);
@@ -680,7 +683,7 @@ Result<void> mark(VimExCall &call)
     if (name.size() != 1 || !(VimMarks::isUsers(name.front().unicode()) || QStringView(u"'`[]<>").contains(name))) {
         return failure(formatted(localized(u"Not a mark: %@"), name));
     }
-    const VimLines lines(target.text());
+    const VimLines lines = target.lines();
     target.setMark(name.front().unicode(), lines.firstNonBlank(lines.startOf(call.lines.last)));
     return {};
 }

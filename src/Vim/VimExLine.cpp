@@ -194,7 +194,7 @@ Result<void> VimExLine::goToLine(const VimExRange &range)
     if (range.first < 0) {
         return failure(localized(u"Invalid range"));
     }
-    const VimLines lines(m_target->text());
+    const VimLines lines = m_target->lines();
     m_target->moveCaret(lines.firstNonBlank(lines.startOf(std::min(range.target, lines.count()))));
     return {};
 }
@@ -245,7 +245,7 @@ Result<void> VimExLine::perform(const Parsed &parsed, const VimExRange &range, Q
     }
     VimExCall call{
         .line = *this, .lines = {range.first, range.last}, .name = parsed.name, .written = range.written, .hasBang = parsed.hasBang};
-    const qsizetype last = m_target ? VimLines(m_target->text()).count() : 1;
+    const qsizetype last = m_target ? m_target->lines().count() : 1;
     if ((command.takes & Takes::all) != 0 && range.written == 0) {
         call.lines = {1, last};
     }
@@ -318,7 +318,7 @@ void VimExLine::saySubstituted()
 void VimExLine::moveToLine(qsizetype line)
 {
     const Rope &text = m_target->text();
-    const VimLines lines(text, 1, m_target->lastLine());
+    const VimLines lines = m_target->lines();
     const auto bytes = [&](qsizetype from, qsizetype to) { return text.toString(TextRange::between(from, to)).toUtf8().size(); };
     // Columns are bytes of UTF-8.
     qsizetype left = bytes(lines.start(m_target->caret()), m_target->caret());
@@ -377,6 +377,7 @@ VimExScope VimExLine::scope() const
 {
     const auto &last = m_target->lastSearch();
     return {.text = m_target->text(),
+            .lastLine = m_target->lastLine(),
             .caret = m_target->caret(),
             .marks = m_target->marks(),
             .options = m_target->options(),

@@ -34,7 +34,7 @@ enum class Numbers { none, shown };
 Result<void> printLines(VimExCall &call, Numbers numbers)
 {
     VimExTarget &target = call.target();
-    const VimLines text(target.text());
+    const VimLines text = target.lines();
     constexpr int width = 3;
     QStringList lines;
     for (qsizetype line = call.lines.first; line <= call.lines.last; ++line) {
@@ -95,7 +95,7 @@ Result<void> printNumbered(VimExCall &call)
 
 Result<void> lineNumber(VimExCall &call)
 {
-    call.line.say(QString::number(call.written > 0 ? call.lines.last : VimLines(call.target().text()).count()));
+    call.line.say(QString::number(call.written > 0 ? call.lines.last : call.target().lines().count()));
     return {};
 }
 
@@ -121,7 +121,7 @@ Result<void> listRegisters(VimExCall &call)
 
 Result<void> listMarks(VimExCall &call)
 {
-    const VimLines lines(call.target().text());
+    const VimLines lines = call.target().lines();
     QStringList rows{localized(u"mark line  column  text")};
     for (const VimMarks::Mark &mark : call.target().marks().all()) {
         const qsizetype line = lines.number(mark.place);
@@ -149,13 +149,13 @@ Result<void> listMarks(VimExCall &call)
 
 Result<void> listJumps(VimExCall &call)
 {
-    call.target().list(localized(u"Jumps"), places(call.target().jumps(), VimLines(call.target().text())).join(u'\n'));
+    call.target().list(localized(u"Jumps"), places(call.target().jumps(), call.target().lines()).join(u'\n'));
     return {};
 }
 
 Result<void> listChanges(VimExCall &call)
 {
-    call.target().list(localized(u"Changes"), places(call.target().changes(), VimLines(call.target().text())).join(u'\n'));
+    call.target().list(localized(u"Changes"), places(call.target().changes(), call.target().lines()).join(u'\n'));
     return {};
 }
 
@@ -168,7 +168,7 @@ Result<void> workingFolder(VimExCall &call)
 Result<void> tellPlace(VimExCall &call)
 {
     VimExTarget &target = call.target();
-    const VimLines lines(target.text());
+    const VimLines lines = target.lines();
     const qsizetype line = lines.number(target.caret());
     const VimTextName name = target.name();
     call.line.say(formatted(localized(u"“%@”, line %d of %d, column %d"), name.path.isEmpty() ? name.title : shownPath(name.path), line,
@@ -180,7 +180,7 @@ Result<void> tellPlace(VimExCall &call)
 Result<void> tellCharacter(VimExCall &call)
 {
     VimExTarget &target = call.target();
-    const VimLines lines(target.text());
+    const VimLines lines = target.lines();
     const qsizetype caret = target.caret();
     if (caret >= lines.endOf(lines.number(caret))) {
         return failure(localized(u"No character here"));

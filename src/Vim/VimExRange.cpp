@@ -14,7 +14,7 @@ constexpr qsizetype largest = 1'000'000'000;
 class AddressParser {
 public:
     AddressParser(QStringView typed, const VimExScope &scope, VimExRange::Trace &trace)
-        : m_typed(typed), m_scope(scope), m_trace(trace), m_lines(scope.text), m_here(m_lines.number(scope.caret))
+        : m_typed(typed), m_scope(scope), m_trace(trace), m_lines(scope.text, 1, scope.lastLine), m_here(m_lines.number(scope.caret))
     {}
 
     [[nodiscard]] QChar next() const { return m_at < m_typed.size() ? m_typed[m_at] : QChar(); }

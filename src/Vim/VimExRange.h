@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Base/Result.h"
-#include "Text/Rope.h"
+#include "Vim/VimLines.h"
 
 #include <QString>
 
@@ -15,6 +15,7 @@ struct VimOptions;
 /// What the lines before a command are told by. All must outlive it.
 struct VimExScope {
     const Rope &text;
+    VimLines::LastLine lastLine = VimLines::LastLine::hasText;
     /// Units.
     qsizetype caret = 0;
     const VimMarks &marks;

@@ -300,7 +300,7 @@ Result<void> insertFile(VimExCall &call)
     }
     VimExTarget &target = call.target();
     perform(call, Actions::insertFile,
-            u"%1 %2"_s.arg(call.written > 0 ? call.lines.last : VimLines(target.text()).number(target.caret())).arg(name));
+            u"%1 %2"_s.arg(call.written > 0 ? call.lines.last : target.lines().number(target.caret())).arg(name));
     return {};
 }
 

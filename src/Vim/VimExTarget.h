@@ -27,6 +27,8 @@ public:
     [[nodiscard]] virtual const Rope &text() const = 0;
     /// Whether there is a line behind the last break.
     [[nodiscard]] virtual VimLines::LastLine lastLine() const = 0;
+    /// Of the text as it is now.
+    [[nodiscard]] VimLines lines() const { return VimLines(text(), 1, lastLine()); }
     [[nodiscard]] virtual qsizetype caret() const = 0;
     /// It settles on a character of its line.
     virtual void moveCaret(qsizetype place) = 0;

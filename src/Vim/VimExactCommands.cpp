@@ -250,13 +250,14 @@ std::optional<VimTypedSubstitution> VimEngine::Commanding::typedSubstitution() c
     VimExRange::Trace trace;
     const auto range = VimExRange::parse(typed,
                                          {.text = all,
+                                          .lastLine = lastLine(),
                                           .caret = ExactPart::caret(),
                                           .marks = m_exact.marks,
                                           .options = m_engine.m_options,
                                           .lastPattern = search ? search->pattern : QString(),
                                           .lastSubstituted = m_substitution.pattern.value_or(QString())},
                                          trace);
-    if (!range || range->first < 0 || range->last > VimLines(all).count()) {
+    if (!range || range->first < 0 || range->last > lines().count()) {
         return std::nullopt;
     }
     const QStringView rest = typed.sliced(range->length);
