@@ -152,6 +152,8 @@ public:
         qsizetype count = 1;
         /// Takes away again what short lines were filled up with, if nothing is typed.
         TextEdits unfilling = {};
+        /// The text when typing began.
+        Rope before = {};
     };
     void enterBlock(const BlockInsertion &block);
     void openLine(Side side, qsizetype count);
@@ -209,7 +211,10 @@ private:
     void put(const QString &text);
     void restoreReplaced(VimDeletion what);
     [[nodiscard]] qsizetype deletedFrom(VimDeletion what) const;
-    void leaveBlock();
+    /// From now on it is typed into the first line of a block alone.
+    void gatherBlock();
+    [[nodiscard]] TextRange typedIntoBlock() const;
+    bool leaveBlock();
     void move(char16_t key);
     void finishReplay();
     void overwrite(const QString &text);

@@ -19,6 +19,9 @@ void VimEngine::Inserting::deleteBefore(VimDeletion what, char16_t key)
         return;
     }
     const qsizetype from = deletedFrom(what);
+    if (from < m_start) {
+        gatherBlock();
+    }
     if (m_kind == Kind::block) {
         // As many letters in each line as in the first.
         qsizetype letters = 0;
@@ -109,6 +112,7 @@ void VimEngine::Inserting::restoreReplaced(VimDeletion what)
 
 void VimEngine::Inserting::deleteBehind()
 {
+    gatherBlock();
     startTyping();
     const Sight sight = see();
     const qsizetype place = caret();

@@ -136,21 +136,6 @@ void VimEngine::Inserting::enterWhereLeft(qsizetype count)
     m_exact.repeating.rememberKeys(u"i"_s);
 }
 
-void VimEngine::Inserting::enterBlock(const BlockInsertion &block)
-{
-    begin();
-    m_kind = block.places.size() > 1 ? Kind::block : Kind::insert;
-    m_block = block;
-    m_count = block.count;
-    std::vector<TextRange> ranges;
-    for (const qsizetype place : block.places) {
-        ranges.push_back({place, 0});
-    }
-    m_start = block.places.front();
-    m_engine.m_view.selectSeveral(ranges, 0);
-    m_engine.resetPending();
-}
-
 /// As wide as that of the line, in what the text is indented with.
 QString VimEngine::Inserting::indentationFor(qsizetype place) const
 {
@@ -310,6 +295,7 @@ void VimEngine::Inserting::overwrite(const QString &typed)
 
 void VimEngine::Inserting::newLine()
 {
+    gatherBlock();
     const Sight sight = see();
     const qsizetype place = caret();
     const qsizetype line = sight.lines.start(place);
@@ -319,10 +305,6 @@ void VimEngine::Inserting::newLine()
     }
     const bool isGivenAway = std::exchange(m_hasGivenIndentation, false) && first >= place;
     noteTyped(u"\r"_s);
-    if (m_kind == Kind::block) {
-        m_engine.m_view.insertText(u"\n"_s);
-        return;
-    }
     if (m_kind == Kind::replace) {
         m_replaced.emplace_back();
     }
@@ -361,6 +343,7 @@ void VimEngine::Inserting::move(char16_t key)
             return;
         }
     }
+    gatherBlock();
     if (leavesLine) {
         dropGivenIndentation();
     }
@@ -473,6 +456,7 @@ bool VimEngine::Inserting::dropsIndentation(qsizetype place) const
 
 void VimEngine::Inserting::shiftLine(OperatorKind kind, char16_t key)
 {
+    gatherBlock();
     startTyping();
     const Sight sight = see();
     const VimLines &lines = sight.lines;
@@ -667,27 +651,6 @@ qsizetype VimEngine::Inserting::endBehindGiven(const VimLines &lines, qsizetype 
     return lines.isAtEnd(behind) && !lines.isBlankFrom(place) ? behind : place;
 }
 
-/// The marks of what was typed at several places.
-void VimEngine::Inserting::leaveBlock()
-{
-    const qsizetype typed = caret() - m_start;
-    if (m_script.isEmpty() && !m_block->unfilling.isEmpty()) {
-        edit(m_block->unfilling);
-        m_engine.m_view.select({std::min(m_start, text().length()), 0}, std::min(m_start, text().length()));
-    }
-    if (typed != 0) {
-        const qsizetype row = m_block->places.back() + (qsizetype(m_block->places.size()) - 1) * typed;
-        m_exact.operating.moveLastChange(text().lineStart(text().lineAt(std::clamp<qsizetype>(row, 0, text().length()))));
-    }
-    if (!m_block->endsAt) { // what was there was changed
-        m_exact.operating.setChangeMarks(m_start, std::max(caret() - 1, m_start));
-        return;
-    }
-    const qsizetype last = m_block->places.back() + (qsizetype(m_block->places.size()) - 1) * typed;
-    m_exact.operating.setChangeMarks(m_block->isBehind ? m_block->places.front() : std::min(m_start, m_block->endsAt.value_or(m_start)),
-                                     std::clamp<qsizetype>(last + (m_block->isBehind ? 0 : typed), 0, text().length()));
-}
-
 void VimEngine::Inserting::leave()
 {
     if (m_engine.m_mode != Mode::insert) {
@@ -718,10 +681,9 @@ void VimEngine::Inserting::leave()
         setCaret(at);
     }
     const qsizetype typedUpTo = caret();
-    const bool endsElsewhere = m_block && m_block->endsAt && !script.isEmpty();
+    const bool endsElsewhere = m_block && leaveBlock() && m_block->endsAt;
     if (m_block) {
-        leaveBlock();
-        const qsizetype place = endsElsewhere ? *m_block->endsAt : caret();
+        const qsizetype place = endsElsewhere ? std::min(*m_block->endsAt, m_start) : caret();
         m_engine.m_view.select({place, 0}, place);
     }
     const auto [place, column] = endAtGivenIndentation();
