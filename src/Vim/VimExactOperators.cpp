@@ -378,6 +378,7 @@ void VimEngine::Operating::change(const Region &region)
     TextRange range = region.range;
     m_exact.inserting.begin();
     bool isGiven = false;
+    TextEdits edits;
     const bool hasLine = !text().isEmpty() || m_exact.hasEmptyLine();
     if (region.span == Span::lines) {
         if (hasLine) {
@@ -393,13 +394,23 @@ void VimEngine::Operating::change(const Region &region)
             ++from;
         }
         isGiven = from > range.location;
-        range = TextRange::between(from, sight.lines.end(std::max(range.end() - 1, range.location)));
+        // The first line is emptied, the others are deleted.
+        const TextRange emptied = TextRange::between(from, first);
+        const TextRange others = sight.lines.removable(TextRange::between(sight.lines.next(first), range.end()));
+        if (range.end() > sight.lines.next(first) && others.location > first) {
+            edits.add(emptied, Rope());
+            edits.add(others, Rope());
+            range = emptied;
+        } else {
+            range = TextRange::between(from, sight.lines.end(std::max(range.end() - 1, range.location)));
+        }
     } else if (hasLine && (!range.isEmpty() || region.isInclusive)) {
         keepRange(range, Span::characters, region.isOfLines ? removedLines : region.isLarge ? removedFar : removedPart);
     }
-    if (!range.isEmpty()) {
-        edit(range, {});
+    if (edits.isEmpty() && !range.isEmpty()) {
+        edits.add(range, Rope());
     }
+    edit(edits);
     m_exact.inserting.enter(range.location);
     m_exact.inserting.noteIndentation(isGiven);
 }

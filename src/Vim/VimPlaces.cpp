@@ -30,6 +30,8 @@ struct Touch {
     What what = What::nothing;
     /// The line of the new text, or the offset in it where the place is, in a line that was parted or joined to another.
     qsizetype target = 0;
+    /// Its column counts from there on.
+    bool keepsColumn = false;
 };
 
 class Mover {
@@ -73,7 +75,7 @@ private:
         if (edit.range.location == m_start && edit.range.isEmpty() && endsWithBreak(edit.text)) {
             return {Touch::What::line, m_change.after.lineAt(m_change.edits.newRange(index).end())};
         }
-        return {Touch::What::offset, m_change.edits.mapped(m_offset, Bias::after)};
+        return {}; // in what it began with, if it was parted
     }
 
     /// It begins before the line, and ends where that starts: lines before are deleted, or the line is added to one of them.
@@ -96,8 +98,15 @@ private:
         // Of the lines that it takes so many are left, as others.
         const bool deletesAll = edit.text.isEmpty() && edit.range.end() == m_change.before.length();
         const qsizetype kept = breaks + (takesBegun && leavesLine && !deletesAll ? 1 : 0) + (takesBegun ? 0 : 1);
-        if (!takesAll) {
+        const bool takesOnlyBreak = edit.range.location >= contentEnd(m_change.before, first);
+        if (takesOnlyBreak && !takesAll) {
             return {Touch::What::joined, m_change.edits.mapped(m_offset, Bias::after)};
+        }
+        // What is left of it is joined to the first line, however much went before; a last line without a break goes with the one before
+        // it.
+        const bool isLastLine = takesOnlyBreak && edit.range.end() == m_change.before.length();
+        if (!takesAll || (!takesBegun && edit.range.end() <= m_contentEnd && !isLastLine)) {
+            return {Touch::What::joined, m_change.edits.newRange(index).end(), true};
         }
         if (m_line - first >= kept) {
             return {Touch::What::gone, m_change.after.lineAt(m_change.edits.newRange(index).location)};
@@ -148,7 +157,7 @@ std::optional<VimPlace> VimPlace::after(const TextChange &change, WithoutLine wi
             [[fallthrough]];
         case Touch::What::offset: {
             const qsizetype there = change.after.lineAt(touch.target);
-            return inLine(change.after, there, touch.target - change.after.lineStart(there));
+            return inLine(change.after, there, touch.target - change.after.lineStart(there) + (touch.keepsColumn ? in : 0));
         }
         }
     }

@@ -57,10 +57,11 @@ TEST(VimMarks, GoWithTheirLines)
         {u"one\nt|wo\nsix\n", {0, 8}, u"abc\ndef\n", u"abc\nd|ef\nsix\n"},
         {u"one\ntwo\ns|ix\n", {0, 8}, u"abc\n", u"abc\ns|ix\n"},
         // Parted and joined.
-        {u"one t|wo\n", {4, 0}, u"\n", u"one \nt|wo\n"},
+        {u"one t|wo\n", {4, 0}, u"\n", u"one |\ntwo\n"},
         {u"o|ne two\n", {4, 0}, u"\n", u"o|ne \ntwo\n"},
         {u"one\n  t|wo\n", {3, 3}, u" ", u"one t|wo\n"},
         {u"one\n|two\n", {3, 1}, u"", u"one|two\n"},
+        {u"one\nt|wo and\n", {2, 4}, u"", u"ono| and\n"},
     };
     for (const Case &row : cases) {
         QString before = row.before.toString();
