@@ -222,11 +222,11 @@ void VimEngine::Selecting::selectAgain(const Extent &extent, std::optional<qsize
         const VimLines &lines = sight.lines;
         const qsizetype line = lines.startNear(from, extent.lines - 1);
         const qsizetype first = column.value_or(lines.column(from));
-        const qsizetype cell = extent.mode == Mode::visualLine                         ? first
-                               : extent.mode == Mode::visualBlock || extent.lines == 1 ? first + extent.units - 1
-                                                                                       : extent.units;
-        head = extent.isEndless ? lines.end(line) : lines.placeAt(line, std::max<qsizetype>(cell, 0));
-        head = std::min(head, lines.end(line));
+        const qsizetype cell = extent.mode == Mode::visualBlock || extent.lines == 1 ? first + extent.units - 1 : extent.units;
+        head = extent.isEndless                  ? lines.end(line)
+               : extent.mode == Mode::visualLine ? line + from - lines.start(from)
+                                                 : lines.placeAt(line, std::max<qsizetype>(cell, 0));
+        head = head < lines.end(line) ? TextBoundaries::previousGrapheme(text(), head + 1) : lines.end(line);
     }
     begin(extent.mode, from, head);
     if (extent.mode == Mode::visualBlock && !extent.isEndless) {
@@ -335,19 +335,15 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
         const Sight sight = see();
         const VimLines &lines = sight.lines;
         const auto replace = [&](TextRange range) {
-            QString now;
-            for (qsizetype at = range.location; at < range.end();) {
-                if (lines.isAtEnd(at)) {
-                    const qsizetype next = lines.next(at);
-                    now += text().toString(TextRange::between(at, next));
-                    at = next;
-                } else {
+            for (qsizetype at = range.location; at < range.end(); at = std::max(lines.next(at), at + 1)) {
+                const TextRange inLine = TextRange::between(at, std::min(lines.end(at), range.end()));
+                QString now;
+                for (qsizetype place = inLine.location; place < inLine.end(); place = lines.after(place)) {
                     now += key;
-                    at = lines.after(at);
                 }
-            }
-            if (text().toString(range) != now) {
-                edits.add(range, Rope(now));
+                if (text().toString(inLine) != now) {
+                    edits.add(inLine, Rope(now));
+                }
             }
         };
         if (m_engine.m_mode == Mode::visualBlock) {
@@ -364,7 +360,7 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
                 const qsizetype each = keyWidth;
                 const bool isBroken = key == QChar(u'\r');
                 QString now = QString(row.cellsBefore, u' ') + (isBroken ? u"\n"_s : key.toString().repeated(cells / each)) +
-                              QString(row.cellsBehind + (row.missing > 0 ? 0 : cells % each), u' ');
+                              QString(row.cellsBehind + (row.missing > 0 || shown.goesToEnds() ? 0 : cells % each), u' ');
                 edits.add(row.range, Rope(now));
             }
         } else {
@@ -469,7 +465,7 @@ qsizetype VimEngine::Selecting::placeToInsert(const VimLines &lines, Side side) 
         if (m_exact.repeating.isReplaying()) {
             return std::min(anchor, head);
         }
-        return isBackward && !isInLine && m_engine.m_mode == Mode::visual ? head : lines.start(std::min(anchor, head));
+        return isBackward && !isInLine ? head : lines.start(std::min(anchor, head));
     }
     if (isBackward && !isInLine) {
         return lines.start(anchor);
@@ -478,8 +474,7 @@ qsizetype VimEngine::Selecting::placeToInsert(const VimLines &lines, Side side) 
     if (isEndless()) {
         return lines.last(last);
     }
-    const bool isFirst = last == lines.start(last) && lines.codePoint(last) < 0x80; // there it looks for one that goes on
-    return isFirst ? last : lines.after(last);
+    return lines.cells(last).last == 0 ? last : lines.after(last); // Vim looks at the column
 }
 
 void VimEngine::Selecting::insert(Side side, qsizetype count)
@@ -627,6 +622,7 @@ void VimEngine::Selecting::selectHit(SearchDirection direction)
     if (const auto kind = m_engine.m_pendingOperator) {
         const TextRange range = TextRange::between(hit->location, std::max(hit->end(), TextBoundaries::nextGrapheme(text(), last)));
         const bool isOfLines = text().lineAt(range.location) != text().lineAt(range.end());
+        setSelected({Mode::visual, {hit->location}, {last}, false});
         m_exact.operating.apply(*kind, {.range = range, .start = range.location, .isOfLines = isOfLines, .isInclusive = true});
         return;
     }

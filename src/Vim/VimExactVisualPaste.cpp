@@ -11,8 +11,8 @@ using namespace Qt::StringLiterals;
 
 void VimEngine::Selecting::paste(qsizetype count, Side side, PasteRegister taking, Operating::PasteCaret at)
 {
-    const auto name = m_engine.m_pendingRegister;
-    VimRegisterContents pasted = m_exact.contents(name);
+    VimRegisterContents pasted = m_exact.contents(m_engine.m_pendingRegister);
+    const bool isSet = m_exact.isSet(m_engine.m_pendingRegister);
     takeExtent();
     remember();
     m_engine.m_view.beginUndoGroup();
@@ -38,7 +38,7 @@ void VimEngine::Selecting::paste(qsizetype count, Side side, PasteRegister takin
     }
     m_exact.repeating.release(repeating);
     m_engine.m_extent = extentTaken;
-    if (replaced.region.span == Span::lines && (!pasted.text.isEmpty() || pasted.isBlock || m_exact.isSet(name)) && !pasted.isLinewise) {
+    if (replaced.region.span == Span::lines && (!pasted.text.isEmpty() || pasted.isBlock || isSet) && !pasted.isLinewise) {
         // Into lines of their own.
         pasted.text.replace({pasted.text.length(), 0}, u"\n");
         pasted.isLinewise = true;

@@ -76,7 +76,11 @@ void VimRegisters::keep(const VimRegisterContents &contents, std::optional<char1
     if (taken == Taken::removedLines || taken == Taken::removedFar) {
         for (char16_t number = u'9'; number > u'1'; --number) {
             const auto before = m_named.find(char16_t(number - 1));
-            m_named[number] = before == m_named.end() ? VimRegisterContents() : before->second;
+            if (before == m_named.end()) {
+                m_named.erase(number);
+            } else {
+                m_named[number] = before->second;
+            }
         }
         m_named[u'1'] = contents;
     }
