@@ -346,6 +346,7 @@ private:
     [[nodiscard]] qsizetype placeBefore(OperatorKind kind, const Region &region) const;
     void change(const Region &region);
     void remove(const Region &region);
+    void replaceByBreak(TextRange range);
     void shift(const Region &region, OperatorKind kind);
     void changeCase(TextRange range, OperatorKind kind);
     void format(const Region &region, bool keepsCaret);

@@ -164,6 +164,9 @@ void VimEngine::Going::goRows(qsizetype rows)
         fail();
         return;
     }
+    const qsizetype others = rows - (rows > 0 ? 1 : -1);
+    const auto before = others != 0 ? m_engine.m_view.movedByRows({caret(), x}, others) : std::nullopt;
+    const bool isTooFar = before && before->place == moved->place;
     VimExactMotion::Result result{.kind = isEndless ? Kind::inclusive : Kind::exclusive};
     {
         const Sight sight = see();
@@ -184,6 +187,7 @@ void VimEngine::Going::goRows(qsizetype rows)
         result.place = moved->place;
     }
     m_row = *moved;
+    result.failed = result.goesNonetheless = isTooFar;
     m_exact.operating.arrive(result);
 }
 

@@ -270,7 +270,18 @@ void VimEngine::Inserting::insertTab()
         blanks = QString(indentation.tabWidth() - sight.lines.cells(caret()).first % indentation.tabWidth(), u' ');
     }
     noteTyped(u"\t"_s);
-    put(blanks);
+    if (m_kind != Kind::replace) {
+        put(blanks);
+        return;
+    }
+    // It takes the place of one character, however wide it is.
+    put(blanks.first(1));
+    if (blanks.size() > 1) {
+        const qsizetype place = caret();
+        m_replaced.insert(m_replaced.end(), size_t(blanks.size() - 1), QString());
+        edit({place, 0}, blanks.sliced(1));
+        setCaret(place + blanks.size() - 1);
+    }
 }
 
 void VimEngine::Inserting::noteTyped(const QString &text)

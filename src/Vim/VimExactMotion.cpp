@@ -88,7 +88,7 @@ Result characterBefore(const Request &request)
     for (qsizetype done = 0; done < request.count; ++done) {
         if (place == lines.start(place)) {
             if (place == 0) {
-                return {.place = place, .failed = done == 0 && !request.isForOperator()};
+                return {.place = place, .failed = done == 0 && !request.isForOperator(), .takesBreak = takesBreak};
             }
             const qsizetype above = lines.start(place - 1);
             // What deletes takes the break by itself.

@@ -591,7 +591,8 @@ std::optional<Result> tag(const Request &request)
             opened.push_back(*found);
             continue;
         }
-        const auto match = std::find_if(opened.rbegin(), opened.rend(), [&](const Tag &one) { return one.name == found->name; });
+        const auto match = std::find_if(opened.rbegin(), opened.rend(),
+                                        [&](const Tag &one) { return one.name.compare(found->name, Qt::CaseInsensitive) == 0; });
         if (match == opened.rend()) {
             continue;
         }

@@ -103,15 +103,14 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
     qsizetype high = std::max(caret(), result.place);
     bool isLinewise = result.kind == Kind::linewise;
     bool isInclusive = result.kind == Kind::inclusive;
-    if (result.isWordMotion && !forced && lines.start(high) != lines.start(low) &&
-        isInIndentation(lines, isInclusive ? lines.after(high) : high)) {
+    if (result.isWordMotion && lines.start(high) != lines.start(low) && isInIndentation(lines, isInclusive ? lines.after(high) : high)) {
         // The last word's line is the last one.
         qsizetype before = lines.start(high) - 1;
         while (lines.start(before) > low && !lines.isEmpty(before) && lines.isBlankFrom(lines.start(before))) {
             before = lines.start(before) - 1;
         }
-        high = lines.isEmpty(before) ? high : lines.end(before);
-        isInclusive = false;
+        isInclusive = !lines.isEmpty(before);
+        high = isInclusive ? lines.last(before) : high;
     }
     const qsizetype start = low;
     if (forced == Mode::visualBlock) {
@@ -658,7 +657,6 @@ void VimEngine::Operating::replaceCharacter(QStringView key, qsizetype count)
     }
     const qsizetype place = caret();
     TextRange range;
-    QString indentation;
     {
         const Sight sight = see();
         range = TextRange::between(place, sight.lines.after(place, count));
@@ -670,34 +668,45 @@ void VimEngine::Operating::replaceCharacter(QStringView key, qsizetype count)
             fail();
             return;
         }
-        indentation = text().toString(TextRange::between(sight.lines.start(place), std::min(sight.lines.firstNonBlank(place), place)));
-        if (key == QChar(u'\r')) {
-            // The indentation stands for the blanks that the rest begins with, if there is a rest.
-            qsizetype behind = range.end();
-            while (!sight.lines.isAtEnd(behind) && isSpaceOrTab(sight.lines.at(behind))) {
-                ++behind;
-            }
-            range = TextRange::between(place, behind);
-            indentation =
-                sight.lines.isAtEnd(behind) ? QString() : blanks(sight.lines.cells(sight.lines.start(place) + indentation.size()).first);
-        }
     }
     if (key == QChar(u'\r')) {
-        edit(range, u'\n' + indentation);
-        forgetLine();
-        const qsizetype given = place + 1 + indentation.size();
-        const qsizetype behind = indentation.isEmpty() ? given : Inserting::endBehindGiven(see().lines, given);
-        setChangeMarks(place, behind);
-        m_exact.marks.set(u'^', behind);
-        m_exact.inserting.setLastInserted(u"\r"_s);
-        setCaret(behind - (indentation.isEmpty() ? 0 : 1)); // as when insert mode is left
-    } else {
-        edit(range, key.toString().repeated(count));
-        moveLastChange(place + (count - 1) * key.size());
-        setChangeMarks(place, place + (count - 1) * key.size());
-        m_exact.inserting.setLastInserted(key.toString());
-        setCaret(place + (count - 1) * key.size());
+        replaceByBreak(range);
+        return;
     }
+    edit(range, key.toString().repeated(count));
+    moveLastChange(place + (count - 1) * key.size());
+    setChangeMarks(place, place + (count - 1) * key.size());
+    m_exact.inserting.setLastInserted(key.toString());
+    setCaret(place + (count - 1) * key.size());
+    finish(Repeatable::yes);
+}
+
+/// As if it was typed, and insert mode left.
+void VimEngine::Operating::replaceByBreak(TextRange range)
+{
+    const qsizetype place = range.location;
+    qsizetype behind = range.end();
+    qsizetype cells = 0;
+    bool hasRest = false;
+    {
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        cells = lines.cells(std::min(lines.firstNonBlank(place), place)).first;
+        // The indentation stands for the blanks that the rest begins with, if there is a rest.
+        while (!lines.isAtEnd(behind) && isSpaceOrTab(lines.at(behind))) {
+            ++behind;
+        }
+        hasRest = !lines.isAtEnd(behind);
+    }
+    const QString indentation = hasRest ? blanks(cells) : QString();
+    edit(TextRange::between(place, behind), u'\n' + indentation);
+    forgetLine();
+    const qsizetype given = place + 1 + indentation.size();
+    const qsizetype left = indentation.isEmpty() ? given : Inserting::endBehindGiven(see().lines, given);
+    setChangeMarks(place, left);
+    m_exact.marks.set(u'^', left);
+    m_exact.inserting.setLastInserted(u"\r"_s);
+    setCaret(left - (indentation.isEmpty() ? 0 : 1), hasRest ? std::nullopt : std::optional(cells));
     finish(Repeatable::yes);
 }
 

@@ -114,8 +114,8 @@ private:
     }
     std::optional<TextRange> firstBehind(qsizetype from, qsizetype end)
     {
-        const qsizetype line = m_text.lineAt(from);
-        const qsizetype last = VimMotion::lastUnit(m_text, from);
+        const qsizetype line = m_text.lineAt(std::max<qsizetype>(from, 0));
+        const qsizetype last = from < 0 ? from : VimMotion::lastUnit(m_text, from);
         qsizetype at = m_text.lineStart(line);
         while (const auto match = m_matcher.next(TextRange::between(at, end), m_control)) {
             const bool isOfEnd = m_search.offset.base == Base::end;
@@ -301,6 +301,9 @@ std::optional<VimSearchMove> VimSearch::move(const Rope &text, qsizetype from, q
     Seeker seeker(std::move(*matcher), *this, control);
     // Else a search with an offset would find again what it has come from.
     qsizetype at = offset.base == Base::line ? from : movedByCharacters(text, from, -offset.amount);
+    if (at == 0 && direction == Direction::forward && offset.base != Base::line && movedByCharacters(text, at, offset.amount) > from) {
+        at = -1; // there are not so many before it
+    }
     std::optional<TextRange> hit;
     for (qsizetype left = std::max<qsizetype>(count, 1); left > 0; --left) {
         hit = seeker.seek(at, most);
