@@ -115,7 +115,8 @@ void VimEngine::Operating::putText(const VimRegisterContents &contents, Side sid
         const Sight sight = see();
         const qsizetype from = caret();
         place = side == Side::after ? sight.lines.next(from) : sight.lines.start(from);
-        isBehindAll = side == Side::after && place == text().length() && (place == 0 || !isBreak(sight.lines.at(place - 1)));
+        const bool isOpen = place == 0 || !isBreak(sight.lines.at(place - 1)) || sight.lines.start(from) == place;
+        isBehindAll = side == Side::after && place == text().length() && isOpen;
     }
     if (isBehindAll) {
         // The last line has no break, and the new last one has none either.
