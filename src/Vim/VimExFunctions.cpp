@@ -53,7 +53,7 @@ void noteLastCharacter(VimExTarget &target, qsizetype line)
 /// The caret is about to jump.
 void noteJump(VimExTarget &target)
 {
-    target.marks().set(u'\'', target.caret());
+    target.marks().leave(target.caret());
     target.jumps().add(target.caret(), target.text());
 }
 
@@ -131,6 +131,8 @@ Result<void> put(VimExCall &call)
     call.line.moveToLine(std::max<qsizetype>(call.lines.last, 1));
     if (block.isEmpty()) {
         target.beginChange({target.caret(), 0});
+        target.marks().set(u'[', target.caret());
+        target.marks().set(u']', target.caret());
         return failure(formatted(localized(u"Nothing in register %@"), QString(QChar(call.registerName.value_or(u'"')))));
     }
     if (!contents.isLinewise) {
@@ -141,6 +143,7 @@ Result<void> put(VimExCall &call)
         const LineSpan added{after + 1, after + block.lineCount() - 1};
         goTo(target, added.last);
         noteChanged(target, added);
+        noteLastCharacter(target, added.last);
     }
     return {};
 }
@@ -177,6 +180,10 @@ Result<void> move(VimExCall &call)
         return failure(localized(u"Lines cannot be moved into themselves"));
     }
     VimExTarget &target = call.target();
+    if (*to == lines.last || *to == lines.first - 1) {
+        goTo(target, lines.last); // they are there already
+        return {};
+    }
     // Marks go with their lines, which to all others are gone from where they were.
     const VimLines before = target.lines();
     struct Kept {
@@ -251,6 +258,11 @@ Result<void> join(VimExCall &call)
         for (const VimMarks::Mark &mark : marks) {
             target.marks().set(mark.name, edits->mapped(mark.place, Bias::after));
         }
+        const VimLines after(target.text());
+        const qsizetype end = after.endOf(lines.first);
+        target.marks().set(u'[', std::min((*edits)[0].range.location, end));
+        target.marks().set(u']', end);
+        target.noteChange(after.startOf(lines.first + 1));
         goTo(target, lines.first);
     }
     return {};
@@ -438,11 +450,16 @@ Result<void> substitute(VimExCall &call)
     if (outcome.hits > 0 && job->flags.onlyCounts) {
         goTo(target, target.lines().number(target.caret()));
     } else if (outcome.hits > 0) {
+        if (!call.line.isRepeating()) {
+            noteJump(target);
+        }
         if (!outcome.edits.isEmpty()) {
             target.moveCaret(target.text().lineStart(target.text().lineAt(outcome.edits[0].range.location)));
         }
+        const qsizetype more = VimLines(target.text()).count() - lines.last;
         if (apply(call, outcome.edits)) {
             target.moveCaret(outcome.caret);
+            noteChanged(target, {lines.first, VimLines(target.text()).count() - more});
         }
     }
     const QString line = job->shownLine(outcome, target.text());

@@ -43,6 +43,8 @@ public:
     virtual void redo() = 0;
     /// Steps that can be undone.
     [[nodiscard]] virtual qsizetype undoSteps() const = 0;
+    /// What was changed is there, rather than where the first line that was begins.
+    virtual void noteChange(qsizetype place) = 0;
     /// There is no line any more that `U` could restore.
     virtual void forgetLine() = 0;
     [[nodiscard]] virtual VimTextName name() const = 0;

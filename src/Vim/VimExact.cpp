@@ -61,6 +61,7 @@ void VimEngine::ExactPart::finish(Repeatable repeatable)
         m_exact.repeating.remember();
     }
     m_engine.resetPending();
+    m_exact.marks.arrive(caret());
     m_exact.inserting.comeBack();
 }
 
@@ -411,9 +412,10 @@ void VimEngine::Exact::followChange(const TextChange &change)
     if (!operating.isUndoing()) {
         rememberStep(change, isOwn ? ChangedBy::keys : ChangedBy::others);
     }
-    marks.follow(change);
-    jumps.follow(change);
-    changes.follow(change);
+    const VimPlace::Kind kind = operating.isReplaying() ? VimPlace::Kind::undone : VimPlace::Kind::change;
+    marks.follow(change, kind);
+    jumps.follow(change, kind);
+    changes.follow(change, kind);
     operating.followChange(change);
     selecting.followChange(change);
 }

@@ -148,7 +148,6 @@ public:
         std::vector<qsizetype> places;
         /// Where the caret is left; where it is by then without.
         std::optional<qsizetype> endsAt = std::nullopt;
-        bool isBehind = false;
         qsizetype count = 1;
         /// Takes away again what short lines were filled up with, if nothing is typed.
         TextEdits unfilling = {};
@@ -312,13 +311,15 @@ public:
     void keep(const VimRegisterContents &contents, VimRegisters::Taken taken);
     void keepRange(TextRange range, Span span, VimRegisters::Taken taken);
     void followChange(const TextChange &change);
-    [[nodiscard]] bool isUndoing() const { return m_isUndoing; }
+    /// The change under way is none of its own.
+    [[nodiscard]] bool isUndoing() const { return m_making != Making::change; }
+    [[nodiscard]] bool isReplaying() const { return m_making == Making::replay; }
     void noteCaret(qsizetype place) { m_caretBefore = place; }
     /// There is no line any more that could be as it was before.
     void forgetLine() { m_lineBefore.reset(); }
     /// A command is about to change the text there: where it changes nothing, that is a step of undo as well. It is for changes of one
-    /// line that the line is kept for `U`.
-    enum class Reach { line, lines };
+    /// line that the line is kept for `U`. What comes `between` lines lets those alone.
+    enum class Reach { line, lines, between };
     /// `taken` is what it takes, even if some of that stays as it is.
     void beginChange(qsizetype place, Reach reach = Reach::line, std::optional<TextRange> taken = std::nullopt);
     /// What a step keeps of `change`, which begins it: where the caret was.
@@ -336,10 +337,13 @@ public:
     void dropLastBreak();
     /// The places of `[` and `]`.
     void setChangeMarks(qsizetype first, qsizetype last);
-    /// Of the mark `.` and the list of changes.
-    void moveLastChange(qsizetype place);
-    /// Of its line, as for commands that change lines.
-    void moveLastChangeToStart();
+    /// A command has changed the text there, or changed nothing in what it was to change: that is where the mark `.` is, and where the
+    /// list of changes leads for the step of undo. Without a call it is where the change begins.
+    void noteChange(qsizetype place);
+    /// The line of `place` as such was changed.
+    void noteLine(qsizetype place);
+    /// The line below that of `place` was there before the change; there need be none any more.
+    void noteLineBelow(qsizetype place);
     void pasteText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
 
 private:
@@ -356,6 +360,7 @@ private:
     Replayed replayStep(Replay replay);
     void replaySteps(Replay replay, qsizetype count);
     void showReplayed(Replay replay);
+    void showIdleStep(const VimIdleSteps::Step &step);
     void putText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
     void shiftBlock(OperatorKind kind, const VimBlock &block);
 
@@ -364,8 +369,6 @@ private:
     std::optional<qsizetype> m_objectCaret;
     /// The first unit that undoing changed.
     std::optional<qsizetype> m_firstChanged;
-    /// Behind the last one.
-    qsizetype m_lastChanged = 0;
     /// As it was before the changes in it; the text has no break.
     struct LineBefore {
         qsizetype number = 0;
@@ -375,13 +378,25 @@ private:
     std::optional<LineBefore> m_lineBefore;
     void keepLineOf(const Rope &before, qsizetype place, qsizetype caret);
     VimIdleSteps m_idleSteps;
-    std::optional<qsizetype> m_begun;
     std::optional<VimStepCaret::LineSpan> m_taken;
+    /// That of the step that has a place in the list of changes already.
+    qsizetype m_stepNoted = 0;
+    [[nodiscard]] qsizetype stepUnderWay() const;
+    /// A command that may change nothing.
+    struct Begun {
+        qsizetype place = 0;
+        Reach reach = Reach::line;
+        /// Of the mark `]`.
+        qsizetype last = 0;
+    };
+    std::optional<Begun> m_begun;
     bool m_hasChanged = false;
     bool m_changesLines = false;
     /// Where the caret is while a command changes the text.
     std::optional<qsizetype> m_caretBefore;
-    bool m_isUndoing = false;
+    /// What the change under way is: one of the user, what goes with one, or one that is undone or redone.
+    enum class Making { change, addition, replay };
+    Making m_making = Making::change;
 };
 
 /// The visual modes.
@@ -494,9 +509,8 @@ public:
     /// To where the word is first named, which is not in a comment.
     enum class Scope { function, text };
     void toDeclaration(Scope scope);
-    /// From where it is left by a jump; the mark of it stays where it was when nobody moves.
-    enum class Moving { stays, goes };
-    void rememberJump(Moving moving);
+    /// From where it is about to be left by a jump.
+    void rememberJump();
     /// Before a text object is looked for, of which brackets are jumps.
     void rememberObject(char16_t key);
 
@@ -577,6 +591,7 @@ private:
     void undo() override;
     void redo() override;
     [[nodiscard]] qsizetype undoSteps() const override;
+    void noteChange(qsizetype place) override;
     void forgetLine() override;
     [[nodiscard]] VimTextName name() const override;
     [[nodiscard]] VimMarks &marks() override;

@@ -87,15 +87,12 @@ bool VimEngine::Inserting::leaveBlock()
         edit(edits);
         m_engine.m_view.select({place, 0}, place);
     }
-    const qsizetype last = std::clamp<qsizetype>(places.back() + (qsizetype(places.size()) - 1) * typed, 0, text().length());
-    if (typed != 0) {
-        m_exact.operating.moveLastChange(text().lineStart(text().lineAt(last)));
+    const auto rows = qsizetype(places.size());
+    const bool wasThere = !m_block->endsAt; // it was changed
+    if (typed != 0 && (rows > 1 || !wasThere)) {
+        m_exact.operating.noteLineBelow(m_start);
     }
-    if (!m_block->endsAt) { // what was there was changed
-        m_exact.operating.setChangeMarks(m_start, std::max(place - 1, m_start));
-        return typed > 0;
-    }
-    m_exact.operating.setChangeMarks(m_block->isBehind ? places.front() : std::min(m_start, *m_block->endsAt),
-                                     std::clamp<qsizetype>(last + (m_block->isBehind ? 0 : typed), 0, text().length()));
+    const qsizetype last = std::clamp<qsizetype>(wasThere || typed == 0 ? place : places.back() + rows * typed, 0, text().length());
+    m_exact.operating.setChangeMarks(std::min(m_start, last), last);
     return typed > 0;
 }

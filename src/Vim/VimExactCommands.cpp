@@ -37,6 +37,7 @@ bool VimEngine::Commanding::run(const QString &typed)
     if (m_engine.m_mode == Mode::normal && !m_confirmation) {
         setCaret(ExactPart::caret(), m_exact.column);
     }
+    m_exact.marks.arrive(ExactPart::caret());
     return isDone;
 }
 
@@ -86,16 +87,17 @@ bool VimEngine::Commanding::apply(const TextEdits &edits)
         m_exact.settleLastBreak(wasUnterminated);
     }
     m_engine.m_changedBuffer = false;
-    if (isDone && !edits.isEmpty()) {
-        m_exact.operating.moveLastChangeToStart();
+    if (isDone) {
+        m_exact.operating.noteLine(edits.newRange(0).location);
     }
     return isDone;
 }
 
 void VimEngine::Commanding::beginChange(TextRange taken)
 {
-    const bool isInLine = !taken.isEmpty() && text().lineAt(taken.location) == text().lineAt(taken.end() - 1);
-    m_exact.operating.beginChange(ExactPart::caret(), isInLine ? Operating::Reach::line : Operating::Reach::lines, taken);
+    using enum Operating::Reach;
+    const bool isInLine = text().lineAt(taken.location) == text().lineAt(std::max(taken.end() - 1, taken.location));
+    m_exact.operating.beginChange(ExactPart::caret(), taken.isEmpty() ? between : isInLine ? line : lines, taken);
 }
 
 void VimEngine::Commanding::beginUndoGroup()
@@ -122,6 +124,11 @@ void VimEngine::Commanding::undo()
 void VimEngine::Commanding::redo()
 {
     m_exact.operating.redo(1);
+}
+
+void VimEngine::Commanding::noteChange(qsizetype place)
+{
+    m_exact.operating.noteChange(place);
 }
 
 qsizetype VimEngine::Commanding::undoSteps() const

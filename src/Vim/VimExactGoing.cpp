@@ -220,18 +220,16 @@ void VimEngine::Going::toRowEdge(RowEdge edge)
 
 // Marks and lists of places
 
-void VimEngine::Going::rememberJump(Moving moving)
+void VimEngine::Going::rememberJump()
 {
-    if (moving == Moving::goes) {
-        m_exact.marks.set(u'\'', caret());
-    }
+    m_exact.marks.leave(caret());
     m_exact.jumps.add(caret(), text());
 }
 
 void VimEngine::Going::rememberObject(char16_t key)
 {
-    if (QStringView(u"()[]{}<>bB").contains(QChar(key))) {
-        rememberJump(Moving::goes);
+    if (QStringView(u"()[]{}<>bBt").contains(QChar(key))) {
+        rememberJump();
     }
 }
 
@@ -260,7 +258,7 @@ void VimEngine::Going::toMark(char16_t name, bool isExact)
     if (!place && m_exact.marking.goElsewhere(known, isExact)) {
         return;
     }
-    if (!place && (known == u'\'' || known == u'[' || known == u'"')) {
+    if (!place && (known == u'[' || known == u'"')) {
         place = 0; // as in a text that was just opened
     } else if (!place && known == u']') {
         place = VimLines(text()).lastStart();
@@ -273,6 +271,7 @@ void VimEngine::Going::toMark(char16_t name, bool isExact)
     VimExactMotion::Result result{.place = std::min(*place, text().length()), .isJump = true};
     {
         const Sight sight = see();
+        result.failed = sight.lines.isBehindAll(result.place);
         if (isExact) {
             result.place = m_engine.isVisual() ? result.place : sight.lines.settled(result.place);
             result.isLarge = true;
@@ -309,7 +308,11 @@ void VimEngine::Going::jump(bool isOlder, qsizetype count)
         fail();
         return;
     }
-    m_exact.marks.set(u'\'', caret());
+    if (see().lines.isBehindAll(*place)) {
+        fail();
+        return;
+    }
+    m_exact.marks.leave(caret());
     setCaret(*place);
     finish();
 }
@@ -323,7 +326,7 @@ void VimEngine::Going::toChange(bool isOlder, qsizetype count)
         fail();
         return;
     }
-    m_exact.operating.arrive({.place = *place, .isJump = true});
+    m_exact.operating.arrive({.place = *place, .failed = see().lines.isBehindAll(*place), .isJump = true});
 }
 
 // Searching

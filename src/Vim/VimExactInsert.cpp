@@ -90,6 +90,7 @@ void VimEngine::Inserting::enter(qsizetype place, qsizetype count, Kind kind)
     }
     setCaret(place);
     m_start = caret();
+    m_exact.marks.set(u'[', m_start);
     m_engine.resetPending();
 }
 
@@ -132,7 +133,13 @@ void VimEngine::Inserting::enterAtEnd(qsizetype count)
 
 void VimEngine::Inserting::enterWhereLeft(qsizetype count)
 {
-    enter(std::min(m_exact.marks.place(u'^').value_or(caret()), text().length()), count);
+    const qsizetype place = std::min(m_exact.marks.place(u'^').value_or(caret()), text().length());
+    if (m_engine.m_pendingOperator || m_engine.isVisual()) {
+        setCaret(place); // and no further
+        fail();
+        return;
+    }
+    enter(place, count);
     m_exact.repeating.rememberKeys(u"i"_s);
 }
 
@@ -152,13 +159,16 @@ void VimEngine::Inserting::openLine(Side side, qsizetype count)
     m_count = count;
     const Sight sight = see();
     const QString indentation = indentationFor(sight.lines.start(from));
-    const qsizetype place = side == Side::after ? sight.lines.end(from) : sight.lines.start(from);
+    const qsizetype place = side == Side::after ? sight.lines.next(from) : sight.lines.start(from);
     // A text without a break at its end goes on without one.
-    edit({place, 0}, side == Side::after ? u'\n' + indentation : indentation + u'\n');
+    const bool isBehindAll = side == Side::after && place == sight.lines.end(from);
+    edit({place, 0}, isBehindAll ? u'\n' + indentation : indentation + u'\n');
     m_exact.operating.forgetLine();
-    setCaret(place + indentation.size() + (side == Side::after ? 1 : 0));
+    const qsizetype line = place + (isBehindAll ? 1 : 0);
+    m_exact.marks.set(u'[', line);
+    m_exact.operating.noteChange(line);
+    setCaret(line + indentation.size());
     m_start = caret();
-    m_exact.operating.moveLastChange(text().lineStart(text().lineAt(m_start)));
     m_hasGivenIndentation = !indentation.isEmpty();
     m_engine.resetPending();
 }
@@ -393,6 +403,7 @@ void VimEngine::Inserting::move(char16_t key)
         setCaret(place, column);
     }
     m_start = caret();
+    m_exact.marks.set(u'[', m_start);
     m_engine.resumeInsertSession();
 }
 
@@ -499,6 +510,9 @@ void VimEngine::Inserting::shiftLine(OperatorKind kind, char16_t key)
     if (before == after) {
         return;
     }
+    if (m_start <= line + before.size()) {
+        m_exact.marks.set(u'[', line);
+    }
     edit({line, before.size()}, after);
     if (place >= line + before.size()) {
         setCaret(std::max(place + after.size() - before.size(), line));
@@ -512,7 +526,7 @@ void VimEngine::Inserting::shiftLine(OperatorKind kind, char16_t key)
 
 void VimEngine::Inserting::oneCommand()
 {
-    const qsizetype place = caret();
+    const qsizetype place = dropGivenIndentation();
     bool isBehind = false;
     qsizetype cell = 0;
     {
@@ -677,7 +691,7 @@ void VimEngine::Inserting::leave()
     } else if (m_count > 1 && !script.isEmpty() && !m_opened && m_kind != Kind::replace && isText(script) &&
                m_engine.mayInsert(script.size(), m_count)) {
         m_engine.m_view.putText(script.repeated(m_count - 1));
-        m_exact.operating.moveLastChange(TextBoundaries::previousGrapheme(text(), caret()));
+        m_exact.operating.noteChange(TextBoundaries::previousGrapheme(text(), caret()));
     } else if (m_count > 1 && (m_opened || !script.isEmpty()) && m_engine.mayInsert(script.size() + 1, m_count)) {
         for (qsizetype left = m_count - 1; left > 0; --left) {
             if (m_opened) {
@@ -700,7 +714,7 @@ void VimEngine::Inserting::leave()
     const auto [place, column] = endAtGivenIndentation();
     m_exact.marks.set(u'^', endsElsewhere ? typedUpTo : place);
     if (!m_block) {
-        m_exact.operating.setChangeMarks(std::min(m_start, place), place);
+        m_exact.marks.set(u']', place);
     }
     m_engine.m_changedBuffer = false;
     m_engine.pauseInsertSession();
@@ -713,4 +727,5 @@ void VimEngine::Inserting::leave()
     const Sight sight = see();
     m_engine.setMode(Mode::normal);
     setCaret(endsElsewhere || place == sight.lines.start(place) ? place : sight.lines.before(place), column);
+    m_exact.marks.arrive(caret());
 }

@@ -72,9 +72,7 @@ void VimEngine::Operating::shift(const Region &region, OperatorKind kind)
     const Sight sight = see();
     const qsizetype behind = region.range.end() + text().length() - before;
     setChangeMarks(std::min(region.start, sight.lines.end(line)), sight.lines.last(std::max(behind - 1, line)));
-    if (!edits.isEmpty()) {
-        moveLastChange(line);
-    }
+    noteChange(line);
     setCaret(sight.lines.firstNonBlank(line));
 }
 
@@ -101,16 +99,18 @@ void VimEngine::Operating::format(const Region &region, bool keepsCaret)
             kept = range.location + placeInFilled(sight.lines, range, from, filled);
         }
     }
-    if (text().toString(range) != filled) {
-        edit(range, filled);
+    const TextEdits edits = TextEdits::difference(text().slice(range), Rope(filled)).movedBy(range.location);
+    if (!edits.isEmpty()) {
+        edit(edits);
+        noteLineBelow(edits.newRange(edits.count() - 1).end());
     }
+    const qsizetype last = range.location + std::max<qsizetype>(filled.size() - 1, 0);
+    const Sight sight = see();
+    m_exact.marks.set(u']', sight.lines.firstNonBlank(last));
     if (keepsCaret) {
         setCaret(kept);
         return;
     }
-    const qsizetype last = range.location + std::max<qsizetype>(filled.size() - 1, 0);
-    const Sight sight = see();
-    setChangeMarks(range.location, sight.lines.start(last));
     const bool goesOn = region.endsBelow && !sight.lines.isLast(last);
     setCaret(sight.lines.firstNonBlank(goesOn ? sight.lines.next(last) : last));
 }
@@ -145,11 +145,9 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
     m_exact.marks.noteJoined(lineStart);
     {
         const Sight sight = see();
-        setChangeMarks(std::min(first, sight.lines.end(lineStart)), sight.lines.end(lineStart));
-        if (!joined.edits.isEmpty() && !sight.lines.isLast(lineStart)) {
-            // What was deleted last is the line below.
-            moveLastChange(sight.lines.next(lineStart));
-        }
+        const qsizetype end = sight.lines.end(lineStart);
+        setChangeMarks(std::min(first, end), end);
+        noteChange(joined.edits.isEmpty() ? end : sight.lines.next(lineStart)); // the line below is what was deleted last
     }
     setCaret(joined.edits.isEmpty() ? lineStart : joined.place);
     finish(Repeatable::yes);

@@ -131,7 +131,7 @@ bool VimEngine::Marking::goElsewhere(char16_t name, bool isExact)
         fail();
         return true;
     }
-    m_exact.going.rememberJump(Going::Moving::goes);
+    m_exact.going.rememberJump();
     finish();
     m_engine.m_delegate.vimEnginePerforms(
         m_engine, Actions::goToPlace, u"%1 %2 %3"_s.arg(mark->place.line).arg(isExact ? mark->place.column + 1 : 0).arg(mark->place.text));

@@ -86,7 +86,7 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
     }
     if (!m_engine.m_pendingOperator) {
         if (result.isJump) {
-            m_exact.going.rememberJump(result.place == caret() ? Going::Moving::stays : Going::Moving::goes);
+            m_exact.going.rememberJump();
         }
         setCaret(result.place, result.column);
         finish();
@@ -96,8 +96,7 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
     const Sight sight = see();
     const VimLines &lines = sight.lines;
     if (result.isJump) {
-        // What begins at the caret leaves it there.
-        m_exact.going.rememberJump(result.place < caret() ? Going::Moving::goes : Going::Moving::stays);
+        m_exact.going.rememberJump();
     }
     qsizetype low = std::min(caret(), result.place);
     qsizetype high = std::max(caret(), result.place);
@@ -234,33 +233,14 @@ void VimEngine::Operating::keepRange(TextRange range, Span span, VimRegisters::T
 
 void VimEngine::Operating::appendBreak()
 {
-    const QScopedValueRollback undoing(m_isUndoing, true); // no change of its own
+    const QScopedValueRollback making(m_making, Making::addition);
     edit({text().length(), 0}, u"\n");
 }
 
 void VimEngine::Operating::dropLastBreak()
 {
-    const QScopedValueRollback undoing(m_isUndoing, true);
+    const QScopedValueRollback making(m_making, Making::addition);
     edit({text().length() - 1, 1}, {});
-}
-
-void VimEngine::Operating::setChangeMarks(qsizetype first, qsizetype last)
-{
-    m_exact.marks.set(u'[', first);
-    m_exact.marks.set(u']', std::max(last, first));
-}
-
-void VimEngine::Operating::moveLastChange(qsizetype place)
-{
-    m_exact.marks.set(u'.', place);
-    m_exact.changes.moveLast(place);
-}
-
-void VimEngine::Operating::moveLastChangeToStart()
-{
-    if (const auto place = m_exact.marks.place(u'.')) {
-        moveLastChange(text().lineStart(text().lineAt(std::min(*place, text().length()))));
-    }
 }
 
 void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
@@ -269,7 +249,6 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
         m_exact.commanding.refuseProgram(u"!"_s);
         return;
     }
-    setChangeMarks(region.range.location, region.range.end() - 1);
     const qsizetype place = placeBefore(kind, region);
     m_engine.m_view.select({place, 0}, place); // where undoing it leads back to
     const bool comesToNothing = kind == OperatorKind::remove && (text().isEmpty() || (region.range.isEmpty() && region.isInclusive));
@@ -281,6 +260,9 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
         beginChange(caret(), isInLine && !isCut ? Reach::line : Reach::lines,
                     fillsLines(kind) ? std::nullopt : std::optional(region.range));
     }
+    if (!comesToNothing) {
+        setChangeMarks(fillsLines(kind) ? region.start : region.range.location, std::max(region.range.end() - 1, region.range.location));
+    }
     switch (kind) {
     case OperatorKind::change:
         change(region);
@@ -291,7 +273,7 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
     case OperatorKind::yank:
         keepRange(region.range, region.span, VimRegisters::Taken::yanked);
         if (region.markEnd) {
-            setChangeMarks(region.range.location, *region.markEnd);
+            setChangeMarks(region.range.location, std::max(*region.markEnd, region.range.location));
         }
         setCaret(region.start);
         finish();
@@ -308,7 +290,9 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
         {
             const Sight sight = see();
             const qsizetype last = std::max(region.range.end() - 1, region.range.location);
-            setChangeMarks(region.range.location, region.span == Span::lines ? sight.lines.last(last) : last);
+            // Nothing at the start of a line ends behind the line before.
+            const bool isEmpty = region.markEnd == region.range.location && last > 0 && sight.lines.start(last) == last;
+            setChangeMarks(region.range.location, region.span == Span::lines ? sight.lines.last(last) : isEmpty ? last - 1 : last);
         }
         setCaret(region.start);
         break;
@@ -352,6 +336,9 @@ void VimEngine::Operating::remove(const Region &region)
     if (region.span == Span::characters) {
         edit(region.range, {});
         setChangeMarks(region.range.location, region.range.location);
+        if (region.isOfLines) {
+            noteLineBelow(region.range.location);
+        }
         setCaret(region.range.location);
         return;
     }
@@ -364,11 +351,13 @@ void VimEngine::Operating::remove(const Region &region)
     forgetLine();
     m_exact.setHasEmptyLine(false);
     const Sight sight = see();
-    const qsizetype line = std::min(region.range.location, sight.lines.lastStart());
-    const qsizetype place = std::min(line + std::max<qsizetype>(region.start - region.range.location, 0), sight.lines.end(line));
+    // There need be no such line any more.
+    const qsizetype line = std::min(region.range.location, text().length());
+    const qsizetype end = std::max(sight.lines.end(line), line);
+    const qsizetype place = std::min(line + std::max<qsizetype>(region.start - region.range.location, 0), end);
     setChangeMarks(place, place);
-    moveLastChange(line);
-    setCaret(sight.lines.firstNonBlank(line));
+    noteChange(line);
+    setCaret(sight.lines.firstNonBlank(std::min(line, sight.lines.lastStart())));
 }
 
 void VimEngine::Operating::change(const Region &region)
@@ -410,6 +399,9 @@ void VimEngine::Operating::change(const Region &region)
         edits.add(range, Rope());
     }
     edit(edits);
+    if (region.span == Span::characters && region.isOfLines) {
+        noteLineBelow(range.location);
+    }
     m_exact.inserting.enter(range.location);
     m_exact.inserting.noteIndentation(isGiven);
 }
@@ -436,7 +428,7 @@ void VimEngine::Operating::changeCase(TextRange range, OperatorKind kind)
             whole.replace(range, Rope(after));
             return whole;
         }()));
-        moveLastChange(range.location);
+        noteChange(range.location);
     }
 }
 
@@ -447,6 +439,7 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
     std::vector<qsizetype> places;
     qsizetype start = 0;
     qsizetype last = 0;
+    qsizetype below = 0;
     qsizetype shiftOfLast = 0;
     qsizetype cellsLeft = 0; // before it, of a tab in the first line
     {
@@ -457,6 +450,7 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
         cellsLeft = kind == OperatorKind::remove && !rows.front().isShort ? rows.front().cellsBefore : 0;
         const bool isOfNothing = ExactPart::text().isEmpty() || (rows.size() == 1 && lines.isEmpty(start));
         const bool isNothing = kind == OperatorKind::remove ? isOfNothing : kind == OperatorKind::change && ExactPart::text().isEmpty();
+        below = qsizetype(rows.size()) - 1;
         last = kind == OperatorKind::remove ? rows.back().range.location : rows.back().range.end() - (rows.back().range.isEmpty() ? 0 : 1);
         const bool isTaken = kind == OperatorKind::remove || kind == OperatorKind::change || kind == OperatorKind::yank;
         if (isTaken && !isNothing) {
@@ -516,13 +510,15 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
         return;
     }
     edit(edits);
-    if (!edits.isEmpty() && kind != OperatorKind::remove) {
-        moveLastChangeToStart();
-    }
     setChangeMarks(start, last + shiftOfLast);
+    if (!edits.isEmpty()) {
+        kind == OperatorKind::remove ? noteChange(see().lines.settled(start)) : noteLine(start);
+    }
     if (kind == OperatorKind::indent || kind == OperatorKind::outdent) {
         shiftBlock(kind, block);
-        moveLastChangeToStart();
+        noteLine(start);
+        const Sight sight = see();
+        setChangeMarks(start, sight.lines.last(sight.lines.startNear(start, below)));
     }
     setCaret(start + cellsLeft);
     finish(kind == OperatorKind::yank ? Repeatable::no : Repeatable::yes);
@@ -645,7 +641,10 @@ void VimEngine::Operating::toggleCase(qsizetype count)
         edit(range, flipped);
     }
     setCaret(place + flipped.size());
-    setChangeMarks(place, TextBoundaries::previousGrapheme(text(), caret()));
+    if (flipped != before) {
+        const Sight sight = see();
+        setChangeMarks(place, sight.lines.before(caret()));
+    }
     finish(Repeatable::yes);
 }
 
@@ -674,7 +673,7 @@ void VimEngine::Operating::replaceCharacter(QStringView key, qsizetype count)
         return;
     }
     edit(range, key.toString().repeated(count));
-    moveLastChange(place + (count - 1) * key.size());
+    noteChange(place + (count - 1) * key.size());
     setChangeMarks(place, place + (count - 1) * key.size());
     m_exact.inserting.setLastInserted(key.toString());
     setCaret(place + (count - 1) * key.size());
@@ -728,9 +727,8 @@ void VimEngine::Operating::add(qint64 by)
         return;
     }
     edit(number->range, number->text);
-    m_exact.marks.set(u'[', number->range.location);
-    m_exact.marks.set(u']', number->range.location + number->text.size() - 1);
-    moveLastChangeToStart();
+    setChangeMarks(number->range.location, number->range.location + number->text.size() - 1);
+    noteLine(number->range.location);
     setCaret(number->range.location + number->text.size() - 1);
     finish(Repeatable::yes);
 }

@@ -28,7 +28,14 @@ qsizetype widthOf(const QString &row, int tabWidth)
 void VimEngine::Operating::paste(Side side, qsizetype count, PasteCaret at, PasteIndentation indentation)
 {
     VimRegisterContents contents = m_exact.contents(m_engine.m_pendingRegister);
-    beginChange(caret(), contents.text.isEmpty() || contents.isLinewise || contents.isBlock ? Reach::lines : Reach::line);
+    TextRange around{caret(), 0}; // what Vim keeps for undoing it, lines that stay as they are
+    {
+        const Sight sight = see();
+        const qsizetype below = sight.lines.startNear(caret(), 1);
+        around = TextRange::between(contents.isLinewise && side == Side::after ? below : sight.lines.start(caret()), below + 1);
+    }
+    const bool isOfLines = contents.isLinewise || contents.isBlock;
+    beginChange(caret(), contents.text.isEmpty() ? Reach::between : isOfLines ? Reach::lines : Reach::line, around);
     if (contents.text.isEmpty()) {
         if (!m_exact.repeating.isReplaying()) {
             m_exact.repeating.remember();
@@ -99,9 +106,8 @@ void VimEngine::Operating::putText(const VimRegisterContents &contents, Side sid
             return text.contains(u'\n');
         }();
         edit(TextEdits({place, 0}, pasted));
-        m_exact.marks.set(u'[', place);
-        m_exact.marks.set(u']', place + std::max<qsizetype>(pasted.length() - 1, 0));
         const qsizetype behind = place + pasted.length();
+        setChangeMarks(place, endsWithBreak(pasted) ? behind : behind - 1);
         if (at == PasteCaret::behindText) {
             setCaret(behind);
         } else {
@@ -127,8 +133,8 @@ void VimEngine::Operating::putText(const VimRegisterContents &contents, Side sid
     const qsizetype first = place + (isBehindAll ? 1 : 0);
     const qsizetype behind = place + pasted.length();
     const Sight sight = see();
-    m_exact.marks.set(u'[', first);
-    m_exact.marks.set(u']', sight.lines.last(std::max(behind - 1, first)));
+    setChangeMarks(first, sight.lines.last(std::max(behind - 1, first)));
+    noteChange(first);
     if (at == PasteCaret::behindText) {
         setCaret(behind < text().length() ? behind : sight.lines.lastStart());
     } else {
@@ -204,8 +210,8 @@ void VimEngine::Operating::pasteBlock(const VimRegisterContents &contents, Side 
         }
     }
     edit(edits);
-    m_exact.marks.set(u'[', first);
-    m_exact.marks.set(u']', std::max(last - 1, first));
+    setChangeMarks(first, std::max(last - 1, first));
+    noteLine(first);
     if (at == PasteCaret::behindText) {
         setCaret(behindLast);
     } else {

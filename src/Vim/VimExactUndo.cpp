@@ -11,15 +11,13 @@ void VimEngine::Operating::followChange(const TextChange &change)
 {
     const ReplacedStretch hull = change.edits.hull();
     const qsizetype caretBefore = std::exchange(m_caretBefore, std::nullopt).value_or(hull.location);
-    if (m_isUndoing) {
+    if (isUndoing()) {
         m_firstChanged = std::min(m_firstChanged.value_or(hull.location), hull.location);
-        m_lastChanged = hull.location + hull.inserted;
         return;
     }
     m_idleSteps.forgetUndone();
     m_hasChanged = m_hasChanged || m_engine.isBusy() || m_engine.m_mode == Mode::insert;
-    m_exact.changes.add(hull.location, change.after, m_engine.m_options.textWidth);
-    m_exact.marks.set(u'.', hull.location);
+    noteChange(hull.location);
     if (m_engine.m_mode == Mode::insert || (m_changesLines && !change.before.isEmpty())) {
         return;
     }
@@ -30,17 +28,53 @@ void VimEngine::Operating::followChange(const TextChange &change)
     }
 }
 
+void VimEngine::Operating::setChangeMarks(qsizetype first, qsizetype last)
+{
+    m_exact.marks.set(u'[', first);
+    m_exact.marks.set(u']', last);
+    if (m_begun) {
+        m_begun->last = std::max(m_begun->last, last);
+    }
+}
+
+qsizetype VimEngine::Operating::stepUnderWay() const
+{
+    return undoSteps() + (m_begun && !m_hasChanged ? 1 : 0);
+}
+
+void VimEngine::Operating::noteChange(qsizetype place)
+{
+    m_exact.marks.set(u'.', place);
+    const qsizetype step = stepUnderWay();
+    if (std::exchange(m_stepNoted, step) == step && !m_exact.changes.places().empty()) {
+        m_exact.changes.moveLast(place);
+    } else {
+        m_exact.changes.add(place, text(), m_engine.m_options.textWidth);
+    }
+}
+
+void VimEngine::Operating::noteLine(qsizetype place)
+{
+    noteChange(text().lineStart(text().lineAt(std::clamp<qsizetype>(place, 0, text().length()))));
+}
+
+void VimEngine::Operating::noteLineBelow(qsizetype place)
+{
+    noteChange(see().lines.next(place));
+}
+
 VimStepCaret VimEngine::Operating::stepOf(const TextChange &change)
 {
-    const qsizetype place = std::exchange(m_begun, std::nullopt).value_or(m_caretBefore.value_or(change.edits.hull().location));
+    const auto begun = std::exchange(m_begun, std::nullopt);
+    const qsizetype place = begun ? begun->place : m_caretBefore.value_or(change.edits.hull().location);
     const qsizetype line = change.before.lineAt(place);
     return VimStepCaret({line, place - change.before.lineStart(line)});
 }
 
 void VimEngine::Operating::beginChange(qsizetype place, Reach reach, std::optional<TextRange> taken)
 {
-    m_begun = m_begun.value_or(place);
-    m_changesLines = reach == Reach::lines;
+    m_begun = m_begun.value_or(Begun{place, reach, taken ? std::max(taken->end() - 1, taken->location) : place});
+    m_changesLines = reach != Reach::line;
     if (taken) {
         m_taken = {text().lineAt(taken->location), text().lineAt(std::max(taken->end() - 1, taken->location))};
     }
@@ -72,7 +106,7 @@ void VimEngine::Operating::endChange()
         return;
     }
     if (m_begun && !m_hasChanged) {
-        m_idleSteps.add(m_engine.m_view.undoSteps(), *m_begun);
+        m_idleSteps.add(m_engine.m_view.undoSteps(), {m_begun->place, m_begun->last, m_begun->reach == Reach::between});
     }
     m_begun.reset();
     m_hasChanged = false;
@@ -89,23 +123,23 @@ VimEngine::Operating::Replayed VimEngine::Operating::replayStep(Replay replay)
 {
     m_firstChanged.reset();
     const VimPlaces jumps = m_exact.jumps;
-    const auto leftAt = m_exact.marks.place(u'\'');
-    m_exact.going.rememberJump(Going::Moving::goes);
+    const VimMarks marks = m_exact.marks;
+    m_exact.going.rememberJump();
     const bool isUndo = replay == Replay::undo;
     const qsizetype steps = m_engine.m_view.undoSteps();
-    if (const auto place = isUndo ? m_idleSteps.undo(steps) : m_idleSteps.redo(steps)) {
-        setCaret(*place);
+    if (const auto step = isUndo ? m_idleSteps.undo(steps) : m_idleSteps.redo(steps)) {
+        showIdleStep(*step);
         return Replayed::idleStep;
     }
     if (isUndo || m_idleSteps.mayRedo(steps)) {
-        const QScopedValueRollback undoing(m_isUndoing, true);
+        const QScopedValueRollback making(m_making, Making::replay);
         m_exact.repeating.outsideStep([&] { isUndo ? m_engine.m_view.undo() : m_engine.m_view.redo(); });
     }
     if (m_engine.m_view.undoSteps() != steps) {
         return Replayed::change;
     }
     m_exact.jumps = jumps;
-    m_exact.marks.set(u'\'', leftAt.value_or(0));
+    m_exact.marks = marks;
     return Replayed::nothing;
 }
 
@@ -136,23 +170,39 @@ void VimEngine::Operating::replaySteps(Replay replay, qsizetype count)
     finish();
 }
 
+void VimEngine::Operating::showIdleStep(const VimIdleSteps::Step &step)
+{
+    {
+        const Sight sight = see();
+        const VimLines &lines = sight.lines;
+        const qsizetype first = lines.start(step.place);
+        const qsizetype behind = lines.isLast(first) ? first : lines.next(first);
+        setChangeMarks(step.isBetweenLines ? behind : first, step.isBetweenLines ? behind : lines.start(step.last));
+    }
+    if (!step.isBetweenLines) {
+        m_stepNoted = stepUnderWay();
+        noteLine(step.place);
+    }
+    setCaret(step.place);
+}
+
 void VimEngine::Operating::showReplayed(Replay replay)
 {
     const Sight sight = see();
     const VimLines &lines = sight.lines;
     // What was typed may have been deleted in the same step.
     const qsizetype first = m_firstChanged.value_or(std::min(caret(), text().length()));
-    const qsizetype line = lines.start(first);
-    if (m_firstChanged) {
-        // Undoing is a change of lines as well.
-        const bool isOfLines =
-            replay == Replay::undo && first == line && m_lastChanged > line && m_lastChanged == lines.start(m_lastChanged);
-        setChangeMarks(line, lines.start(isOfLines ? m_lastChanged - 1 : std::min(m_lastChanged, text().length())));
-        m_exact.marks.set(u'.', line);
-        m_exact.changes.add(line, text(), m_engine.m_options.textWidth);
-    }
     const VimStepCaret *step = m_exact.replayedStep(replay);
-    setCaret(step ? step->place(replay, lines, lines.number(first) - 1) : lines.firstNonBlank(line));
+    m_stepNoted = stepUnderWay();
+    if (const auto changed = step && m_firstChanged ? step->changed(replay) : std::nullopt) {
+        const auto startOf = [&](qsizetype line) { return lines.startOf(std::min(line + 1, lines.count())); };
+        setChangeMarks(startOf(changed->lines.first), startOf(changed->lines.last));
+        noteChange(lines.startOf(changed->last + 1)); // of a line that may be gone
+    } else if (m_firstChanged) {
+        setChangeMarks(lines.start(first), lines.start(first));
+        noteLine(first);
+    }
+    setCaret(step ? step->place(replay, lines, lines.number(first) - 1) : lines.firstNonBlank(lines.start(first)));
 }
 
 void VimEngine::Operating::undoLine()
@@ -178,6 +228,7 @@ void VimEngine::Operating::undoLine()
     if (const TextEdits edits = TextEdits::difference(now, before.text).movedBy(line.location); !edits.isEmpty()) {
         edit(edits);
     }
+    noteChange(line.location);
     m_lineBefore = LineBefore{before.number, now, column};
     setCaret(line.location + std::min(before.column, before.text.length()));
     finish();

@@ -154,7 +154,7 @@ void VimEngine::Selecting::endAt(qsizetype place)
 
 void VimEngine::Selecting::again()
 {
-    if (!m_last || m_engine.m_pendingOperator) {
+    if (!m_last || m_engine.m_pendingOperator || see().lines.isBehindAll(std::min(m_last->anchor.offset, text().length()))) {
         fail();
         return;
     }
@@ -371,12 +371,17 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
         }
     }
     const qsizetype last = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
+    const bool isBlock = m_engine.m_mode == Mode::visualBlock;
     m_engine.setMode(Mode::normal);
     const TextRange taken = TextRange::between(std::min(start, last), last + 1);
     const bool isInLine = text().lineAt(taken.location) == text().lineAt(last);
     m_exact.operating.beginChange(start, isInLine ? Operating::Reach::line : Operating::Reach::lines, taken);
+    m_exact.operating.setChangeMarks(start, last); // of a rectangle in their lines and columns, whatever becomes of those
     edit(edits);
-    m_exact.operating.setChangeMarks(start, last);
+    if (!isBlock && !edits.isEmpty()) {
+        m_exact.operating.setChangeMarks(start, edits.newRange(edits.count() - 1).end() - 1);
+    }
+    m_exact.operating.noteChange(start);
     setCaret(start);
     finish(Repeatable::yes);
 }
@@ -448,7 +453,7 @@ void VimEngine::Selecting::add(qint64 by, bool isProgressive)
     edit(edits);
     if (!edits.isEmpty()) {
         m_exact.operating.setChangeMarks(edits.newRange(0).location, edits.newRange(edits.count() - 1).end() - 1);
-        m_exact.operating.moveLastChangeToStart();
+        m_exact.operating.noteLine(start);
     }
     setCaret(isOfLines ? text().lineStart(text().lineAt(start)) : start);
     finish(Repeatable::yes);
@@ -554,15 +559,13 @@ void VimEngine::Selecting::insert(Side side, qsizetype count)
         }
     }
     edit(padding);
-    m_exact.inserting.enterBlock({.places = places.empty() ? std::vector{low} : places,
-                                  .endsAt = blockStart,
-                                  .isBehind = side == Side::after,
-                                  .count = count,
-                                  .unfilling = unfilling});
+    m_exact.inserting.enterBlock(
+        {.places = places.empty() ? std::vector{low} : places, .endsAt = blockStart, .count = count, .unfilling = unfilling});
 }
 
 void VimEngine::Selecting::takeObject(VimTextObject::Extent extent, char16_t key)
 {
+    m_exact.going.rememberObject(key);
     std::optional<VimExactObject::Result> object;
     {
         const Sight sight = see();
@@ -637,8 +640,13 @@ void VimEngine::Selecting::setSelected(const Selected &selected)
     m_last = selected;
     const Sight sight = see();
     const auto [low, high] = std::minmax(selected.anchor.offset, selected.head.offset);
-    m_exact.marks.set(u'<', selected.mode == Mode::visualLine ? sight.lines.start(low) : low);
-    m_exact.marks.set(u'>', selected.mode == Mode::visualLine ? sight.lines.last(high) : high);
+    if (selected.mode == Mode::visualLine) {
+        m_exact.marks.set(u'<', sight.lines.start(low));
+        m_exact.marks.set(u'>', {.offset = sight.lines.last(high), .column = VimPlace::atLineEnd});
+    } else {
+        m_exact.marks.set(u'<', low);
+        m_exact.marks.set(u'>', high);
+    }
 }
 
 void VimEngine::Selecting::followChange(const TextChange &change)

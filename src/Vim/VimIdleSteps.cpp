@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "Vim/VimIdleSteps.h"
 
-void VimIdleSteps::add(qsizetype steps, qsizetype place)
+void VimIdleSteps::add(qsizetype steps, const Step &step)
 {
     m_undone.clear();
-    m_done.push_back({steps, place});
+    m_done.push_back({steps, step});
     m_last = steps;
 }
 
-std::optional<qsizetype> VimIdleSteps::undo(qsizetype steps)
+std::optional<VimIdleSteps::Step> VimIdleSteps::undo(qsizetype steps)
 {
     // Others may have undone what was before them.
     while (!m_done.empty() && m_done.back().steps > steps) {
@@ -21,10 +21,10 @@ std::optional<qsizetype> VimIdleSteps::undo(qsizetype steps)
     }
     m_undone.push_back(m_done.back());
     m_done.pop_back();
-    return m_undone.back().place;
+    return m_undone.back().step;
 }
 
-std::optional<qsizetype> VimIdleSteps::redo(qsizetype steps)
+std::optional<VimIdleSteps::Step> VimIdleSteps::redo(qsizetype steps)
 {
     while (!m_undone.empty() && m_undone.back().steps < steps) {
         m_done.push_back(m_undone.back());
@@ -35,7 +35,7 @@ std::optional<qsizetype> VimIdleSteps::redo(qsizetype steps)
     }
     m_done.push_back(m_undone.back());
     m_undone.pop_back();
-    return m_done.back().place;
+    return m_done.back().step;
 }
 
 void VimIdleSteps::forgetUndone()

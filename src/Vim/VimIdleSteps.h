@@ -11,11 +11,20 @@
 /// by their number: how many can be undone. Places are UTF-16 units. Main thread only.
 class VimIdleSteps final {
 public:
-    /// A command at `place` changed nothing. What was undone before it cannot be redone any more.
-    void add(qsizetype steps, qsizetype place);
-    /// Where the caret goes when the last step is an idle one, which is undone now.
-    [[nodiscard]] std::optional<qsizetype> undo(qsizetype steps);
-    [[nodiscard]] std::optional<qsizetype> redo(qsizetype steps);
+    struct Step {
+        /// Where the caret goes when it is undone.
+        qsizetype place = 0;
+        /// In the last line of those that were to be changed, of which `place` is in the first.
+        qsizetype last = 0;
+        /// Something was to come behind the line of `place`, and those that were there were let alone.
+        bool isBetweenLines = false;
+    };
+
+    /// A command changed nothing. What was undone before it cannot be redone any more.
+    void add(qsizetype steps, const Step &step);
+    /// The last step when it is an idle one, which is undone now.
+    [[nodiscard]] std::optional<Step> undo(qsizetype steps);
+    [[nodiscard]] std::optional<Step> redo(qsizetype steps);
     /// Whether a step that changed the text may be redone.
     [[nodiscard]] bool mayRedo(qsizetype steps) const { return m_last != steps; }
     /// The text was changed anew.
@@ -24,14 +33,14 @@ public:
     [[nodiscard]] qsizetype count() const { return qsizetype(m_done.size()); }
 
 private:
-    struct Step {
+    struct Kept {
         /// How many others were before it.
         qsizetype steps = 0;
-        qsizetype place = 0;
+        Step step;
     };
-    std::vector<Step> m_done;
+    std::vector<Kept> m_done;
     /// The next one is the last one.
-    std::vector<Step> m_undone;
+    std::vector<Kept> m_undone;
     /// There is nothing to be redone where so many can be undone.
     std::optional<qsizetype> m_last;
 };

@@ -34,6 +34,8 @@ public:
     [[nodiscard]] bool isEmpty(qsizetype place) const { return start(place) == end(place); }
     [[nodiscard]] bool isFirst(qsizetype place) const { return start(place) == 0; }
     [[nodiscard]] bool isLast(qsizetype place) const;
+    /// Behind the last line, where there is none.
+    [[nodiscard]] bool isBehindAll(qsizetype place) const { return text().lineAt(place) >= count(); }
     [[nodiscard]] qsizetype lastStart() const { return startOf(count()); }
     [[nodiscard]] qsizetype number(qsizetype place) const { return std::min(text().lineAt(place) + 1, count()); }
     [[nodiscard]] qsizetype count() const;

@@ -36,10 +36,25 @@ std::optional<qsizetype> VimMarks::place(char16_t name) const
     return known == m_places.end() ? std::nullopt : std::optional(known->second.offset);
 }
 
-void VimMarks::set(char16_t name, qsizetype place)
+void VimMarks::set(char16_t name, const VimPlace &place)
 {
     if (isName(name)) {
-        m_places.insert_or_assign(named(name), VimPlace{.offset = place});
+        m_places.insert_or_assign(named(name), place);
+    }
+}
+
+void VimMarks::leave(qsizetype place)
+{
+    const auto left = m_places.find(u'\'');
+    m_leftBefore = left == m_places.end() ? std::nullopt : std::optional(left->second);
+    set(u'\'', place);
+}
+
+void VimMarks::arrive(qsizetype caret)
+{
+    const auto before = std::exchange(m_leftBefore, std::nullopt);
+    if (before && place(u'\'').value_or(caret) == caret) {
+        set(u'\'', *before);
     }
 }
 
@@ -53,9 +68,9 @@ void VimMarks::deleteAll()
     std::erase_if(m_places, [](const auto &mark) { return mark.first >= u'a' && mark.first <= u'z'; });
 }
 
-void VimMarks::follow(const TextChange &change)
+void VimMarks::follow(const TextChange &change, VimPlace::Kind kind)
 {
-    const VimTouchedLines lines(change);
+    const VimTouchedLines lines(change, kind);
     std::map<char16_t, VimPlace> left;
     for (const auto &[name, place] : m_places) {
         using enum VimPlace::WithoutLine;
@@ -64,6 +79,9 @@ void VimMarks::follow(const TextChange &change)
         }
     }
     m_places = std::move(left);
+    if (m_leftBefore) {
+        m_leftBefore = lines.after(*m_leftBefore, VimPlace::WithoutLine::goes);
+    }
     if (m_lines) {
         m_lines->follow(change);
     }

@@ -28,12 +28,17 @@ public:
     /// None where it is not set, or went with its line.
     [[nodiscard]] std::optional<qsizetype> place(char16_t name) const;
     /// What is no name is left alone.
-    void set(char16_t name, qsizetype place);
+    void set(char16_t name, const VimPlace &place);
+    void set(char16_t name, qsizetype place) { set(name, VimPlace{.offset = place}); }
+    /// Has ' at `place`, from where a command leads the caret somewhere; arrive() says when it is done.
+    void leave(qsizetype place);
+    /// At the same place, or without the line that was left, nobody went anywhere: ' is where it was before.
+    void arrive(qsizetype caret);
     void remove(char16_t name);
     /// Of a–z, as `:delmarks!` does.
     void deleteAll();
     /// A mark goes with its line; those of lines that are deleted are gone.
-    void follow(const TextChange &change);
+    void follow(const TextChange &change, VimPlace::Kind kind = VimPlace::Kind::change);
     /// In Vim's order.
     [[nodiscard]] std::vector<Mark> all() const;
 
@@ -54,5 +59,7 @@ public:
 
 private:
     std::map<char16_t, VimPlace> m_places;
+    /// Of the mark ', while a command goes on; none where that was not set.
+    std::optional<VimPlace> m_leftBefore;
     VimMarkedLines *m_lines = nullptr;
 };

@@ -23,6 +23,41 @@ qsizetype contentEnd(const Rope &text, qsizetype line)
     return end;
 }
 
+/// So far from a line's start columns are units: nobody walks along a long line at each key.
+constexpr qsizetype farther = 4096;
+
+/// Bytes of UTF-8; a pair of surrogates has four.
+constexpr qsizetype bytesOf(char16_t unit)
+{
+    return unit < 0x80 ? 1 : unit < 0x800 || QChar::isSurrogate(unit) ? 2 : 3;
+}
+
+qsizetype columnAt(const Rope &text, qsizetype line, qsizetype offset)
+{
+    RopeCursor cursor(text);
+    qsizetype column = 0;
+    qsizetype at = line;
+    for (const qsizetype near = std::min(offset, line + farther); at < near; ++at) {
+        column += bytesOf(cursor.at(at));
+    }
+    return column + offset - at;
+}
+
+/// On the character that has the column, at most `end`.
+qsizetype offsetAt(const Rope &text, qsizetype line, qsizetype end, qsizetype column)
+{
+    RopeCursor cursor(text);
+    qsizetype at = line;
+    for (const qsizetype near = std::min(end, line + farther); at < near; ++at) {
+        const qsizetype bytes = bytesOf(cursor.at(at));
+        if (column < bytes) {
+            return QChar::isLowSurrogate(cursor.at(at)) ? at - 1 : at;
+        }
+        column -= bytes;
+    }
+    return std::min(at + column, end);
+}
+
 /// What one edit makes of the place of a line that it touches.
 struct Touch {
     enum class What { nothing, gone, line, offset, joined };
@@ -36,8 +71,8 @@ struct Touch {
 
 class Mover {
 public:
-    Mover(const TextChange &change, qsizetype offset)
-        : m_change(change), m_offset(offset), m_line(change.before.lineAt(offset)), m_start(change.before.lineStart(m_line)),
+    Mover(const TextChange &change, VimPlace::Kind kind, qsizetype offset)
+        : m_change(change), m_kind(kind), m_offset(offset), m_line(change.before.lineAt(offset)), m_start(change.before.lineStart(m_line)),
           m_contentEnd(contentEnd(change.before, m_line)),
           m_end(m_line + 1 < change.before.lineCount() ? change.before.lineStart(m_line + 1) : change.before.length())
     {}
@@ -50,6 +85,9 @@ public:
         const TextEdit &edit = m_change.edits[index];
         const TextRange range = edit.range;
         const qsizetype breaks = edit.text.lineCount() - 1;
+        if (m_kind == VimPlace::Kind::undone && isOfOtherLines(edit)) {
+            return {Touch::What::gone, m_change.after.lineAt(m_change.edits.newRange(index).location)};
+        }
         const bool isWithinLine =
             range.location >= m_start && (range.end() < std::max(m_end, m_start + 1) || (m_start > 0 && range.end() <= m_contentEnd));
         if (isWithinLine || range.isEmpty()) {
@@ -62,6 +100,17 @@ public:
     }
 
 private:
+    /// It makes more or less lines of some, the one of the place among them, other than by bringing or taking whole ones.
+    [[nodiscard]] bool isOfOtherLines(const TextEdit &edit) const
+    {
+        const Rope &before = m_change.before;
+        const qsizetype first = before.lineAt(edit.range.location);
+        const qsizetype last = before.lineAt(edit.range.end());
+        const bool isWhole = before.lineStart(first) == edit.range.location && before.lineStart(last) == edit.range.end() &&
+                             (edit.text.isEmpty() || endsWithBreak(edit.text));
+        return !isWhole && m_line >= first && m_line <= last && edit.text.lineCount() - 1 != last - first;
+    }
+
     [[nodiscard]] Touch ofOneWithin(size_t index, qsizetype breaks) const
     {
         const TextEdit &edit = m_change.edits[index];
@@ -115,6 +164,7 @@ private:
     }
 
     const TextChange &m_change;
+    VimPlace::Kind m_kind;
     qsizetype m_offset;
     qsizetype m_line;
     qsizetype m_start;
@@ -125,16 +175,15 @@ private:
 VimPlace inLine(const Rope &text, qsizetype line, qsizetype column)
 {
     const qsizetype start = text.lineStart(line);
-    const qsizetype within = std::min(start + column, contentEnd(text, line));
-    return {within, column};
+    return {offsetAt(text, start, contentEnd(text, line), column), column};
 }
 
 } // namespace
 
-std::optional<VimPlace> VimPlace::after(const TextChange &change, WithoutLine without) const
+std::optional<VimPlace> VimPlace::after(const TextChange &change, WithoutLine without, Kind kind) const
 {
-    const Mover mover(change, std::min(offset, change.before.length()));
-    const qsizetype in = column.value_or(offset - mover.start());
+    const Mover mover(change, kind, std::min(offset, change.before.length()));
+    const qsizetype in = column ? *column : columnAt(change.before, mover.start(), std::min(offset, change.before.length()));
     qsizetype line = change.after.lineAt(change.edits.mapped(mover.start(), Bias::before));
     for (size_t index = change.edits.firstReaching(mover.start());
          index < change.edits.count() && change.edits[index].range.location <= mover.end(); ++index) {
@@ -157,14 +206,15 @@ std::optional<VimPlace> VimPlace::after(const TextChange &change, WithoutLine wi
             [[fallthrough]];
         case Touch::What::offset: {
             const qsizetype there = change.after.lineAt(touch.target);
-            return inLine(change.after, there, touch.target - change.after.lineStart(there) + (touch.keepsColumn ? in : 0));
+            const qsizetype column = columnAt(change.after, change.after.lineStart(there), touch.target);
+            return inLine(change.after, there, column + (touch.keepsColumn ? in : 0));
         }
         }
     }
     return inLine(change.after, line, in);
 }
 
-VimTouchedLines::VimTouchedLines(const TextChange &change) : m_change(change)
+VimTouchedLines::VimTouchedLines(const TextChange &change, VimPlace::Kind kind) : m_change(change), m_kind(kind)
 {
     const Rope &before = change.before;
     const ReplacedStretch hull = change.edits.hull();
@@ -178,7 +228,8 @@ std::optional<VimPlace> VimTouchedLines::after(const VimPlace &place, VimPlace::
     if (place.offset < m_first) {
         return place;
     }
-    return place.offset >= m_behind ? VimPlace{place.offset + m_change.edits.growth(), place.column} : place.after(m_change, without);
+    return place.offset >= m_behind ? VimPlace{place.offset + m_change.edits.growth(), place.column}
+                                    : place.after(m_change, without, m_kind);
 }
 
 void VimPlaces::add(qsizetype place, const Rope &text, qsizetype textWidth)
@@ -258,9 +309,9 @@ void VimPlaces::moveLast(qsizetype place)
     }
 }
 
-void VimPlaces::follow(const TextChange &change)
+void VimPlaces::follow(const TextChange &change, VimPlace::Kind kind)
 {
-    const VimTouchedLines lines(change);
+    const VimTouchedLines lines(change, kind);
     for (VimPlace &place : m_places) {
         place = lines.after(place, VimPlace::WithoutLine::staysThere).value_or(place);
     }

@@ -54,6 +54,26 @@ void VimStepCaret::add(const TextChange &change, std::optional<LineSpan> taken)
     }
 }
 
+std::optional<VimStepCaret::Changed> VimStepCaret::changed(Replay replay) const
+{
+    std::optional<Changed> all;
+    const auto take = [&](const Replaced &change) {
+        const bool isUndo = replay == Replay::undo;
+        const qsizetype restored = isUndo ? change.removed : change.inserted;
+        const qsizetype gone = isUndo ? change.inserted : change.removed;
+        const qsizetype first = change.first;
+        const qsizetype last = first + std::max<qsizetype>(restored, 1) - 1;
+        const qsizetype lastBefore = all ? all->lines.last + (all->lines.last >= first ? restored - gone : 0) : last;
+        all = Changed{{all ? std::min(all->lines.first, first) : first, std::max(lastBefore, last)}, first};
+    };
+    if (replay == Replay::undo) {
+        std::for_each(m_changes.rbegin(), m_changes.rend(), take);
+    } else {
+        std::for_each(m_changes.begin(), m_changes.end(), take);
+    }
+    return all;
+}
+
 qsizetype VimStepCaret::place(Replay replay, const VimLines &lines, qsizetype now) const
 {
     std::optional<qsizetype> found;

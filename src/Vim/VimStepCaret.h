@@ -31,6 +31,13 @@ public:
     void add(const TextChange &change, std::optional<LineSpan> taken = std::nullopt);
 
     enum class Replay { undo, redo };
+    struct Changed {
+        LineSpan lines;
+        /// The first one of what was changed last.
+        qsizetype last = 0;
+    };
+    /// In the text that undoing or redoing the step gave. None of a step that changed nothing.
+    [[nodiscard]] std::optional<Changed> changed(Replay replay) const;
     /// Where the caret goes in the text that undoing or redoing the step gave; from the line `now`, where it stays if nothing was changed.
     [[nodiscard]] qsizetype place(Replay replay, const VimLines &lines, qsizetype now) const;
 

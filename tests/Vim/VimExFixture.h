@@ -54,6 +54,7 @@ public:
     void undo() override { show(undoManager.undo()); }
     void redo() override { show(undoManager.redo()); }
     [[nodiscard]] qsizetype undoSteps() const override { return undoManager.steps(); }
+    void noteChange(qsizetype changed) override { m_changes.moveLast(changed); }
     void forgetLine() override {}
     [[nodiscard]] VimRunning &running() override { return *this; }
     void beginRun() override {}

@@ -53,7 +53,7 @@ TEST(VimMarks, GoWithTheirLines)
         // A line is changed, or several.
         {u"one\nt|wo\n", {4, 3}, u"a\nlong", u"one\na|\nlong\n"},
         {u"o|ne\ntwo\nsix\n", {0, 7}, u"", u"|\nsix\n"},
-        {u"one\nt|wo\nsix\n", {0, 7}, u"", u"\nsix\n"},
+        {u"one\nt|wo\nsix\n", {1, 6}, u"", u"o|\nsix\n"},
         {u"one\nt|wo\nsix\n", {0, 8}, u"abc\ndef\n", u"abc\nd|ef\nsix\n"},
         {u"one\ntwo\ns|ix\n", {0, 8}, u"abc\n", u"abc\ns|ix\n"},
         // Parted and joined.
