@@ -127,6 +127,14 @@ def drop_caches():
         file.write('3')
 
 
+def remove_left(folder):
+    """Files that a program left: a swap file makes the next start ask what to do with it. Folders are others' data."""
+    known = {os.path.join(DATA, name) for name in make_files.FILES}
+    for entry in os.scandir(folder):
+        if entry.is_file() and entry.path not in known:
+            os.remove(entry.path)
+
+
 def one(name, key, args, round_number):
     sample, program = SAMPLES[key], PROGRAMS[name]
     path = os.path.join(DATA, sample.name)
@@ -145,8 +153,7 @@ def one(name, key, args, round_number):
         os.remove(path)
         make_files.make(DATA)
         result['failed'] = 'the program saved the file by itself'
-    for left in set(os.listdir(DATA)) - set(make_files.FILES):
-        os.remove(os.path.join(DATA, left))  # A swap file makes the next start ask what to do with it.
+    remove_left(DATA)
     return {'program': name, 'file': key, 'round': round_number, **result}
 
 
