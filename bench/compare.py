@@ -18,6 +18,7 @@ import make_files
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 DATA = os.path.join(ROOT, 'build', 'bench-data')
 RESULTS = os.path.join(ROOT, 'build', 'bench-results')
+BARE_WINDOW = os.path.join(ROOT, 'build', 'bench', 'bin', 'bare_window')
 LETTERS = 40
 
 
@@ -71,7 +72,7 @@ class Program:
 TOP = ['key ctrl+Home']
 # A middle click into a Qt scroll bar goes there at once (in GTK a left click does); the click after it puts the caret there.
 BAR = ['click 1272 450 2', 'click 640 450']
-BARE = 'bare window'
+BARE, LABEL = 'bare window', 'window with text'
 
 PROGRAMS = {
     'quillet': Program(['{quillet}'], None, {'20kb': TOP, '100mb': BAR, '1line': BAR}),
@@ -91,8 +92,11 @@ PROGRAMS = {
         '1line': ['key ctrl+l', 'key Tab', 'type {unit}', 'key Return']}),
     'gedit': Program(['gedit', '--standalone'], 'gedit', {
         '20kb': TOP, '100mb': ['key ctrl+i', 'type {line}', 'key Return'], '1line': ['click 1272 450', 'click 640 450']}),
-    BARE: Program([os.path.join(ROOT, 'build', 'bench', 'bin', 'bare_window')], None, {}),
+    BARE: Program([BARE_WINDOW], None, {}),
+    LABEL: Program([BARE_WINDOW, 'One line of text'], None, {}),
 }
+
+YARDSTICKS = {BARE: 'Qt Widgets without anything in it', LABEL: "the same with a label, in the size of Quillet's first window"}
 
 # Heading, key in a result, unit, places, and whether it means something only when the picture changed by it.
 COLUMNS = [
@@ -117,7 +121,7 @@ def middle(path):
 
 
 def command_of(name, paths, quillet):
-    return [word.format(quillet=quillet) for word in PROGRAMS[name].command] + (paths if name != BARE else [])
+    return [word.format(quillet=quillet) for word in PROGRAMS[name].command] + (paths if name not in YARDSTICKS else [])
 
 
 def drop_caches():
@@ -140,7 +144,7 @@ def one(name, key, args, round_number):
     path = os.path.join(DATA, sample.name)
     line, unit = middle(path)
     steps = [step.format(line=line, unit=unit) for step in program.go.get(key, [])]
-    passive = name == BARE or bool(sample.others) or args.cold
+    passive = name in YARDSTICKS or bool(sample.others) or args.cold
     if args.cold:
         drop_caches()
     shots = os.path.join(RESULTS, 'shots', f'{key}-{name.replace(" ", "-")}') if round_number == 1 else None
@@ -169,7 +173,7 @@ def rounds(names, keys, args, log):
                     pass
         for number in range(1, args.rounds + 1):
             for name in names:
-                if (name, key) in given_up or key in PROGRAMS[name].refuses or (name == BARE and key != 'empty'):
+                if (name, key) in given_up or key in PROGRAMS[name].refuses or (name in YARDSTICKS and key != 'empty'):
                     continue
                 result = one(name, key, args, number)
                 results.append(result)
@@ -200,6 +204,14 @@ def cell(results, column, limit):
     return f'{median:.{places}f} {unit}', median
 
 
+def beside(value, base):
+    """How many times `base` it is, in brackets; nothing where one of them is none."""
+    if value is None or not base:
+        return ''
+    ratio = value / base
+    return f' ({ratio:.0f}×)' if ratio >= 20 else f' ({ratio:.1f}×)' if ratio >= 1 else f' ({ratio:.2f}×)'
+
+
 def table(key, names, results, limit):
     lines = ['| | ' + ' | '.join(column[0] for column in COLUMNS) + ' |', '|---' + '|---:' * len(COLUMNS) + '|']
     ours = [result for result in results if result['file'] == key and result['program'] == 'quillet']
@@ -211,10 +223,7 @@ def table(key, names, results, limit):
         for column in COLUMNS:
             text, value = cell(theirs, column, limit)
             base = cell(ours, column, limit)[1] if ours else None
-            if value is not None and base and name != 'quillet':
-                ratio = value / base
-                text += f' ({ratio:.0f}×)' if ratio >= 20 else f' ({ratio:.1f}×)' if ratio >= 1 else f' ({ratio:.2f}×)'
-            cells.append(text)
+            cells.append(text + (beside(value, base) if name != 'quillet' else ''))
         lines.append(f'| {name} | ' + ' | '.join(cells) + ' |')
     remarks = [f'{name} {PROGRAMS[name].notes.get(key) or "is not here: it " + PROGRAMS[name].refuses[key]}' for name in names
                if key in PROGRAMS[name].notes or key in PROGRAMS[name].refuses]
@@ -228,7 +237,7 @@ def version(name, quillet):
     if name == 'quillet':
         commit = subprocess.run(['git', '-C', ROOT, 'describe', '--always', '--dirty'], capture_output=True, text=True, check=False)
         return f'{commit.stdout.strip()}, {os.path.getsize(quillet) / 2**20:.1f} MB'
-    return 'Qt Widgets without anything in it'
+    return YARDSTICKS[name]
 
 
 def machine():
