@@ -10,7 +10,8 @@ Prints one JSON line:
                             or the first picture where that came later)
   painted_s                 until the screen showed what it shows then (or at the limit), colours and a caret apart
   rss_mb, peak_mb           resident and peak memory of the tree then; end_* after the keys
-  type_cpu_ms, page_cpu_ms  CPU of the tree per typed letter and per Page Down; *_server_ms what the X server used for it
+  type_cpu_ms, page_cpu_ms  CPU of the tree per typed letter and per Page Down; *_server_ms what the X server used for it,
+                            *_wall_s from the first key to the last busy moment
   *_taken                   whether the picture changed by it; a figure without that is worth nothing
   late                      the first of open, goto, type, page that took longer than the limit; what follows it is left out
 Steps, pressed before typing: "key CHORD...", "type TEXT", "click X Y [BUTTON]".
@@ -171,6 +172,7 @@ class Run:
         if wall is None:
             return False
         self.result[f'{name}_cpu_ms'] = round((self.cpu.seconds() - cpu) / count * 1000, 3)
+        self.result[f'{name}_wall_s'] = round(wall, 3)
         self.result[f'{name}_server_ms'] = round((process_cpu(self.screen.server) - server) / count * 1000, 3)
         self.result[f'{name}_taken'] = screens.changed(before, self.screen.look(), max(24, 4 * count))
         return True

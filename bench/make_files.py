@@ -7,7 +7,12 @@ small.c     20 kB of C
 large.c     100 MB of C, one byte below 104857600: about 30 bytes a line, some units indented with tabs and some with spaces
 line.json   10 MB of JSON in a single line without a line end
 empty.txt   nothing
+many-*.c    twenty more of 20 kB of C
+hits.txt    a million lines with one x in each
+carets.txt  ten thousand lines
+tabs/*.c    2000 files of 2 kB of C
 """
+import functools
 import json
 import os
 import random
@@ -155,16 +160,30 @@ def write_json(file, size):
     file.write(']')
 
 
+def write_lines(file, size, words, count):
+    """`count` lines of these words, each with its number."""
+    file.writelines(f'{words} {number:07}\n' for number in range(count))
+
+
+HITS, CARETS = ('some of the words x marks, line', 1_000_000), ('a caret at the end of', 10_000)
+
+
+def lines_of(words, count):
+    return functools.partial(write_lines, words=words, count=count), (len(words) + 9) * count
+
+
 FILES = {'small.c': (write_c, SMALL), 'large.c': (write_c, LARGE), 'line.json': (write_json, LINE),
-         'empty.txt': (lambda file, size: None, 0)}
+         'empty.txt': (lambda file, size: None, 0), 'hits.txt': lines_of(*HITS), 'carets.txt': lines_of(*CARETS)}
 MANY = [f'many-{number:02}.c' for number in range(1, 21)]
 FILES |= {name: (write_c, SMALL) for name in MANY}
+TABS = [f'tabs/{number:04}.c' for number in range(1, 2001)]
+FILES |= {name: (write_c, 2048) for name in TABS}
 
 
 def make(folder):
-    os.makedirs(folder, exist_ok=True)
     for name, (write, size) in FILES.items():
         path = os.path.join(folder, name)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
         if os.path.exists(path) and os.path.getsize(path) == size and os.path.getmtime(path) > os.path.getmtime(__file__):
             continue
         with open(path + '.part', 'w', encoding='ascii', newline='') as file:

@@ -148,7 +148,22 @@ class Film:
             moment = when
         return None  # It never differed: nothing was painted.
 
+    def became(self, before):
+        """The moment from which on the screen was nearer to what it is at the end than to `before`; None when that is the same."""
+        before = before[:len(PICTURE_ROWS) * WIDTH]
+        moment, last = None, self.scenes[-1][1]
+        for when, picture in reversed(self.scenes):
+            if difference(picture, last) >= difference(picture, before):
+                return moment
+            moment = when
+        return moment
+
+
+def difference(one, other):
+    """How many sampled pixels differ."""
+    return 0 if one == other else sum(a != b for a, b in zip(one, other))
+
 
 def changed(before, after, least=24):
     """True when at least `least` sampled pixels differ; a caret of a pixel or two has less than 24."""
-    return before != after and sum(a != b for a, b in zip(before, after)) >= least
+    return before != after and difference(before, after) >= least

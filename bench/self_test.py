@@ -7,6 +7,8 @@ import json
 import unittest
 
 import compare
+import compare_use
+import frames
 import make_files
 import screen
 
@@ -43,6 +45,14 @@ class FirstPicture(unittest.TestCase):
                 self.assertEqual(self.film(*scenes), expected)
         self.assertIsNone(self.film(black, picture((5000, 400, 0)), least=0.02), 'a window without text at the limit')
 
+    def test_when_the_text_became_another(self):
+        film, before = screen.Film(), picture((5000, 4000, 0))
+        marked = picture((5000, 4000, 0), (60000, 900, 90))
+        for moment, shown in enumerate([before, marked, picture((9000, 4000, 0)), picture((9000, 4000, 0), (60000, 900, 90))]):
+            film.add(float(moment), shown)
+        self.assertEqual(film.became(before), 2.0)
+        self.assertIsNone(film.became(film.scenes[-1][1]))
+
     def test_keys_without_effect(self):
         self.assertFalse(screen.changed(picture(), picture((20000, 20, 0)), 24))
         self.assertTrue(screen.changed(picture(), picture((20000, 400, 0)), 160))
@@ -62,6 +72,38 @@ class Cell(unittest.TestCase):
         self.assertEqual(self.cell('type_cpu_ms', done, {**done, 'type_taken': False}), ('no effect', None))
         self.assertEqual(self.cell('rss_mb', {'rss_mb': 10, 'late': 'open'}), ('10 MB', 10))
         self.assertEqual(self.cell('rss_mb', done, {'failed': 'it ended'}), ('failed', None))
+
+
+class Frames(unittest.TestCase):
+    def test_pairs_inputs_with_pictures(self):
+        for name, expected, times in [
+                ('one each', [5.0, 7.0], 'input 0 drawn 5 input 60 drawn 67'),
+                ('drawn in pieces', [5.0, 7.0], 'input 0 drawn 5 drawn 5.5 drawn 6 input 60 drawn 67 drawn 67.9'),
+                ('a second picture', [5.0, 7.0], 'input 0 drawn 5 drawn 30 input 60 drawn 67'),
+                ('what was drawn before', [None, 3.0], 'drawn -1 input 0 input 60 drawn 63'),
+                ('the rest of a picture before', [59.7, 5.0], 'input 0 drawn 59.7 input 60 drawn 60.2 drawn 65')]:
+            words = times.split()
+            with self.subTest(name):
+                got = frames.waits([(what, float(when)) for what, when in zip(words[::2], words[1::2])])
+                self.assertEqual([time and round(time, 3) for time in got], expected)
+
+    def test_reckons_with_them(self):
+        keys = [event for key in range(200) for event in (('input', 60.0 * key), ('drawn', 60.0 * key + (50 if key == 7 else 2 + key % 2)))]
+        self.assertEqual(frames.keys(keys), {'unseen': 0, 'p50_ms': 2.0, 'p99_ms': 3.0, 'longest_ms': 50.0})
+        self.assertEqual(frames.keys([('input', 0.0)]), {'unseen': 1})
+        turns = [event for turn in range(6) for event in [('input', 16.0 * turn)] + ([('drawn', 16.0 * turn + 4)] if turn not in (2, 3) else [])]
+        self.assertEqual(frames.scrolling(turns), {'missed': 2, 'gap_ms': 48.0, 'wait_ms': 4.0})
+
+
+class Row(unittest.TestCase):
+    def test_says_what_was_measured(self):
+        table = compare_use.Table('', [], None, [('CPU', 'cpu_s', 's', 1), ('peak', 'peak_mb', 'MB', 0)], {})
+        figures = {'cpu_s': 2.0, 'peak_mb': 50}
+        results = {'quillet': [figures, {'cpu_s': 9.0, 'peak_mb': 60}, figures], 'gvim': [{'cpu_s': 3.0}], 'kate': 'kate is',
+                   'slow': [figures, {'late': True}], 'deaf': [{**figures, 'act_taken': False}]}
+        self.assertEqual(compare_use.rows(table, results, 90)[2:], [
+            '| quillet | 2.0 s | 50 MB |', '| gvim | 3.0 s (1.5×) | – |', '| kate | kate is not installed | |',
+            '| slow | over 90 s | over 90 s |', '| deaf | no effect | no effect |'])
 
 
 class Files(unittest.TestCase):
