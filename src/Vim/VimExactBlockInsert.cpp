@@ -60,7 +60,7 @@ TextRange VimEngine::Inserting::typedIntoBlock() const
     // Behind the indentation that does not count.
     const qsizetype indented = start - line > indentation(linesBefore) ? indentation(lines) - indentation(linesBefore) : 0;
     const qsizetype grown = lines.end(line) - linesBefore.end(line) - indented;
-    return {start + indented, std::max<qsizetype>(grown, 0)};
+    return wholeCharacters(text(), {start + indented, std::max<qsizetype>(grown, 0)});
 }
 
 /// Its lines are as they are to be, and the marks of what was typed. False when the others have got nothing.

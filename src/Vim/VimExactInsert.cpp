@@ -394,7 +394,7 @@ void VimEngine::Inserting::move(char16_t key)
         } else if (const auto *row = std::ranges::find(rows, key, &Row::key); row != std::end(rows)) {
             VimExactMotion::Request wanted = request(sight);
             wanted.purpose = VimExactMotion::For::selection; // it may stand behind a line
-            wanted.column = cell ? cell : wanted.column;
+            wanted.column = cell ? cell : wanted.column.value_or(sight.lines.cells(place).first);
             if (const auto result = row->motion(wanted); !result.failed) {
                 place = result.place;
                 column = result.column;

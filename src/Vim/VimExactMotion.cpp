@@ -259,11 +259,8 @@ Result wordForward(const Request &request)
     }
     const Walked walked = wordsForward(lines, request.caret, request.count, words, request.isForOperator());
     Result result = onCharacter(request, walked.place, Kind::exclusive);
-    result.failed = !walked.isWhole && !request.isForOperator();
-    result.isWordMotion = walked.isWhole;
-    if (!walked.isWhole && result.place != request.caret) {
-        result.failed = false; // it goes as far as it can
-    }
+    result.failed = result.goesNonetheless = !walked.isWhole && !request.isForOperator();
+    result.isWordMotion = walked.isWhole && !walked.isCutShort;
     return result;
 }
 
@@ -280,7 +277,7 @@ Result wordEndForward(const Request &request)
     const Walked walked = wordEndsForward(request.lines, request.caret, request.count, words, false, false);
     Result result = onCharacter(request, walked.place, Kind::inclusive);
     result.kind = Kind::inclusive;
-    result.failed = !walked.isWhole && result.place == request.caret && !request.isForOperator();
+    result.failed = result.goesNonetheless = !walked.isWhole && !request.isForOperator();
     return result;
 }
 

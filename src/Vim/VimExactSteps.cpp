@@ -77,7 +77,7 @@ Walked wordsForward(const VimLines &lines, qsizetype place, qsizetype count, Wor
         while (classAt(lines, place, words) == 0 && !lines.isEmpty(place)) {
             step = lines.forward(place);
             if (step == Step::none || (step != Step::character && (isLastLine || (staysInLine && count == 0)))) {
-                return {place, count == 0};
+                return {place, true, count > 0};
             }
         }
     }

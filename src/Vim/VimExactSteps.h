@@ -13,10 +13,12 @@ namespace VimExactMotion {
 /// Whether a paragraph or section begins or ends at the line.
 [[nodiscard]] bool dividesParagraphs(const VimLines &lines, qsizetype line);
 
-/// How far steps over words came, and whether there were so many.
+/// How far steps over words came, and whether there was a step to be made each time.
 struct Walked {
     qsizetype place;
     bool isWhole;
+    /// The last step that was made led to the end of the text, and there were more to come.
+    bool isCutShort = false;
 };
 /// `staysInLine`: the last of the words ends where its line does.
 [[nodiscard]] Walked wordsForward(const VimLines &lines, qsizetype place, qsizetype count, VimMotion::Words words, bool staysInLine);
