@@ -39,6 +39,22 @@ bool isText(const QString &script)
     return std::ranges::all_of(script, [](QChar key) { return isText(key); });
 }
 
+/// `part`, which begins with a break, in place of `range`. At the start of a line it says so that the line stays where it is, with its
+/// marks, rather than goes below a new one.
+TextEdits parting(const VimLines &lines, TextRange range, const QString &part)
+{
+    const qsizetype place = range.location;
+    if (!range.isEmpty() || place != lines.start(place)) {
+        return TextEdits(range, part);
+    }
+    if (lines.isEmpty(place)) {
+        const qsizetype next = lines.next(place);
+        return next > place ? TextEdits({next, 0}, part.sliced(1) + u'\n') : TextEdits(range, part);
+    }
+    const TextRange first = TextRange::between(place, lines.after(place));
+    return TextEdits(first, part + lines.text().toString(first));
+}
+
 } // namespace
 
 void VimEngine::Inserting::begin()
@@ -337,7 +353,7 @@ void VimEngine::Inserting::newLine()
         ++end; // the indentation stands for them
     }
     const qsizetype from = isGivenAway ? line : place;
-    edit(TextRange::between(from, end), u'\n' + indentation);
+    edit(parting(sight.lines, TextRange::between(from, end), u'\n' + indentation));
     m_exact.operating.forgetLine();
     setCaret(from + 1 + indentation.size());
     m_hasGivenIndentation = !indentation.isEmpty();

@@ -148,7 +148,7 @@ private:
         const bool deletesAll = edit.text.isEmpty() && edit.range.end() == m_change.before.length();
         const qsizetype kept = breaks + (takesBegun && leavesLine && !deletesAll ? 1 : 0) + (takesBegun ? 0 : 1);
         const bool takesOnlyBreak = edit.range.location >= contentEnd(m_change.before, first);
-        if (takesOnlyBreak && !takesAll) {
+        if (takesOnlyBreak && !takesAll && isBlank(TextRange::between(m_start, edit.range.end()))) {
             return {Touch::What::joined, m_change.edits.mapped(m_offset, Bias::after)};
         }
         // What is left of it is joined to the first line, however much went before; a last line without a break goes with the one before
@@ -161,6 +161,15 @@ private:
             return {Touch::What::gone, m_change.after.lineAt(m_change.edits.newRange(index).location)};
         }
         return {Touch::What::line, m_change.after.lineAt(m_change.edits.newRange(index).location) + m_line - first};
+    }
+
+    [[nodiscard]] bool isBlank(TextRange range) const
+    {
+        qsizetype place = range.location;
+        while (place < range.end() && isSpaceOrTab(m_change.before.at(place))) {
+            ++place;
+        }
+        return place >= range.end();
     }
 
     const TextChange &m_change;
