@@ -182,7 +182,10 @@ void VimEngine::Repeating::repeat()
     }
     m_engine.m_pendingRegister = redo.registerName;
     m_engine.m_countBuffer = redo.count > 0 ? QString::number(redo.count) : QString();
-    bool isDone = run(redo.keys);
+    const bool isDone = run(redo.keys);
+    if (!isDone) {
+        m_redo = wanted; // the next one has the count of what was done
+    }
     if (m_engine.m_mode == Mode::insert) {
         if (redo.script) {
             m_exact.inserting.play(*redo.script);
