@@ -43,10 +43,10 @@ TextRange VimEngine::Inserting::typedIntoBlock() const
 {
     const Rope &before = m_block->before;
     const qsizetype start = m_block->places.front();
-    if (text().lineCount() != before.lineCount()) {
+    const VimLines linesBefore(before);
+    if (VimLines(text()).count() != linesBefore.count()) {
         return {start, 0};
     }
-    const VimLines linesBefore(before);
     const Sight sight = see();
     const VimLines &lines = sight.lines;
     const qsizetype line = linesBefore.start(start);

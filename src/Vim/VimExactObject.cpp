@@ -279,10 +279,7 @@ std::optional<Result> grownParagraphs(const Request &request)
             wasBlank = isBlank;
         }
     }
-    if (!isWhole && start == lines.start(request.caret)) {
-        return std::nullopt;
-    }
-    return Result{.from = request.anchor, .place = start, .kind = Kind::linewise, .selects = Result::Selects::asBefore};
+    return Result{.from = request.anchor, .place = start, .kind = Kind::linewise, .selects = Result::Selects::asBefore, .failed = !isWhole};
 }
 
 std::optional<Result> paragraph(const Request &request)
@@ -341,7 +338,7 @@ std::optional<Result> paragraph(const Request &request)
         return grownParagraphs(request); // which may be selected already
     }
     const qsizetype column = request.anchor - lines.start(request.anchor);
-    const qsizetype from = request.isVisual ? std::min(start + column, lines.end(start)) : start;
+    const qsizetype from = request.isVisual ? std::min(start + column, lines.last(start)) : start;
     return Result{.from = from, .place = end, .kind = Kind::linewise, .selects = Result::Selects::lines};
 }
 
@@ -424,7 +421,8 @@ std::optional<Result> quoted(const Request &request)
         if (request.count < 2 && !isWhole) {
             ++from;
             if (from == last) {
-                return Result{.from = from, .place = from, .kind = Kind::exclusive};
+                // Of nothing a selection takes both quotes.
+                return Result{.from = from, .place = request.isVisual ? *open : from, .kind = Kind::exclusive};
             }
             last = lines.before(last);
         }

@@ -154,7 +154,7 @@ void VimEngine::Selecting::endAt(qsizetype place)
 
 void VimEngine::Selecting::again()
 {
-    if (!m_last || m_engine.m_pendingOperator || see().lines.isBehindAll(std::min(m_last->anchor.offset, text().length()))) {
+    if (!m_last || m_engine.m_pendingOperator) {
         fail();
         return;
     }
@@ -162,9 +162,15 @@ void VimEngine::Selecting::again()
     if (m_engine.isVisual()) {
         remember();
     }
-    const qsizetype length = text().length();
-    begin(last.mode, std::min(last.anchor.offset, length), std::min(last.head.offset, length));
-    setCaret(std::min(last.head.offset, length), last.isEndless ? std::optional(VimLines::endless) : std::nullopt);
+    const auto placeOf = [this](const VimPlace &place) {
+        const Sight sight = see();
+        const qsizetype offset = std::min(place.offset, text().length());
+        const qsizetype last = sight.lines.lastStart();
+        return sight.lines.isBehindAll(offset) ? std::min(last + place.column.value_or(0), sight.lines.end(last)) : offset;
+    };
+    const qsizetype head = placeOf(last.head);
+    begin(last.mode, placeOf(last.anchor), head);
+    setCaret(head, last.isEndless ? std::optional(VimLines::endless) : std::nullopt);
     finish();
 }
 
@@ -175,6 +181,7 @@ void VimEngine::Selecting::otherEnd(bool isInRow)
     if (isInRow && m_engine.m_mode == Mode::visualBlock) {
         // The caret goes to the right side, or to the left one if it is there.
         qsizetype newHead = 0;
+        qsizetype column = 0;
         {
             const Sight sight = see();
             const VimLines &lines = sight.lines;
@@ -184,9 +191,10 @@ void VimEngine::Selecting::otherEnd(bool isInRow)
             };
             const bool isRight = inLine(head, shown.right) <= head;
             m_engine.m_visualAnchor = inLine(anchor, isRight ? shown.right : shown.left);
-            newHead = inLine(head, isRight ? shown.left : shown.right);
+            column = isRight ? shown.left : shown.right;
+            newHead = inLine(head, column);
         }
-        setCaret(newHead);
+        setCaret(newHead, column);
     } else {
         m_engine.m_visualAnchor = head;
         setCaret(anchor);
@@ -223,10 +231,10 @@ void VimEngine::Selecting::selectAgain(const Extent &extent, std::optional<qsize
         const qsizetype line = lines.startNear(from, extent.lines - 1);
         const qsizetype first = column.value_or(lines.column(from));
         const qsizetype cell = extent.mode == Mode::visualBlock || extent.lines == 1 ? first + extent.units - 1 : extent.units;
-        head = extent.isEndless                  ? lines.end(line)
-               : extent.mode == Mode::visualLine ? line + from - lines.start(from)
-                                                 : lines.placeAt(line, std::max<qsizetype>(cell, 0));
-        head = head < lines.end(line) ? TextBoundaries::previousGrapheme(text(), head + 1) : lines.end(line);
+        head = extent.isEndless ? lines.end(line)
+               : extent.mode == Mode::visualLine
+                   ? TextBoundaries::snapped(text(), std::min(line + from - lines.start(from), lines.end(line)))
+                   : lines.placeAt(line, std::max<qsizetype>(cell, 0));
     }
     begin(extent.mode, from, head);
     if (extent.mode == Mode::visualBlock && !extent.isEndless) {
@@ -266,6 +274,7 @@ void VimEngine::Selecting::apply(OperatorKind kind, std::optional<Span> span, bo
     if (span == Span::lines) {
         m_engine.m_extent->mode = Mode::visualLine;
     }
+    m_engine.m_extent->isEndless = m_engine.m_extent->isEndless || toEnds;
     m_engine.m_visualExtent = m_engine.m_extent;
     remember();
     const qsizetype count = m_engine.effectiveCount();
@@ -607,9 +616,10 @@ void VimEngine::Selecting::selectHit(SearchDirection direction)
     search.wraps = false;
     auto hit = isGrowing ? std::nullopt : search.hit(text(), TextBoundaries::nextGrapheme(text(), from));
     bool isHere = hit && (hit->end() > from || (hit->isEmpty() && hit->location == from));
-    if (const qsizetype end = see().lines.end(from); isForward && !isHere && !isGrowing && see().lines.last(from) == from) {
-        hit = search.hit(text(), end + 1); // of nothing, behind the last character
-        isHere = hit && hit->isEmpty() && hit->location == end;
+    if (const qsizetype end = see().lines.end(from); !isHere && !isGrowing && see().lines.last(from) == from) {
+        const auto behind = search.hit(text(), end + 1); // of nothing, behind the last character
+        isHere = behind && behind->isEmpty() && behind->location == end;
+        hit = isHere ? behind : hit;
     }
     if (!hit || (isForward && !isHere)) {
         search.direction = direction;
@@ -651,9 +661,15 @@ void VimEngine::Selecting::setSelected(const Selected &selected)
 
 void VimEngine::Selecting::followChange(const TextChange &change)
 {
-    if (m_last) {
-        using enum VimPlace::WithoutLine;
-        m_last->anchor = m_last->anchor.after(change, staysThere).value_or(VimPlace{});
-        m_last->head = m_last->head.after(change, staysThere).value_or(VimPlace{});
+    if (!m_last) {
+        return;
     }
+    using enum VimPlace::WithoutLine;
+    const qsizetype line = change.before.lineAt(std::min(m_last->anchor.offset, change.before.length()));
+    if (!m_last->anchor.after(change, goes) && line >= VimLines(change.after).count()) {
+        m_last.reset(); // it went with the last line
+        return;
+    }
+    m_last->anchor = m_last->anchor.after(change, staysThere).value_or(VimPlace{});
+    m_last->head = m_last->head.after(change, staysThere).value_or(VimPlace{});
 }
