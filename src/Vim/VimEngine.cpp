@@ -178,8 +178,9 @@ void VimEngine::handleStroke(const VimKeyStroke &stroke, QStringView key)
         handleControl(stroke.character);
         return;
     }
-    if (m_exact && stroke.character == VimKey::forwardDelete && !m_countBuffer.isEmpty() && !m_pendingOperator && !m_awaiting) {
-        m_countBuffer.chop(1); // as one that was mistyped
+    QString &digits = m_pendingOperator ? m_operatorCountBuffer : m_countBuffer;
+    if (m_exact && stroke.character == VimKey::forwardDelete && !digits.isEmpty() && !m_awaiting) {
+        digits.chop(1); // as one that was mistyped
         return;
     }
     const auto stands = std::ranges::find(NavigationRow::all, stroke.character, &NavigationRow::key);

@@ -370,7 +370,8 @@ QString VimEngine::Exact::linesToCommand()
         return u"'<,'>"_s;
     }
     const qsizetype count = engine.effectiveCount();
-    return !engine.hasCount() ? QString() : count > 1 ? u".,.+%1"_s.arg(count - 1) : u"."_s;
+    const bool isMotion = engine.m_pendingOperator.has_value();
+    return isMotion || !engine.hasCount() ? QString() : count > 1 ? u".,.+%1"_s.arg(count - 1) : u"."_s;
 }
 
 void VimEngine::Exact::enterCommandLine(const VimCommandLine &line)

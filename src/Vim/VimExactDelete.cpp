@@ -36,7 +36,7 @@ void VimEngine::Inserting::deleteBefore(VimDeletion what, char16_t key)
     if (from == place) {
         return;
     }
-    m_hasGivenIndentation = false;
+    m_hasGivenIndentation = m_hasGivenIndentation && text().lineAt(from) == text().lineAt(place);
     edit(TextRange::between(from, place), {});
     m_start = std::min(m_start, from);
     setCaret(from);
@@ -114,6 +114,7 @@ void VimEngine::Inserting::deleteBehind()
 {
     gatherBlock();
     startTyping();
+    m_hasGivenIndentation = false;
     const Sight sight = see();
     const qsizetype place = caret();
     const qsizetype end =

@@ -185,7 +185,7 @@ void VimEngine::Inserting::openLine(Side side, qsizetype count)
     m_exact.operating.noteChange(line);
     setCaret(line + indentation.size());
     m_start = caret();
-    m_hasGivenIndentation = !indentation.isEmpty();
+    m_hasGivenIndentation = true;
     m_engine.resetPending();
 }
 
@@ -356,7 +356,7 @@ void VimEngine::Inserting::newLine()
     edit(parting(sight.lines, TextRange::between(from, end), u'\n' + indentation));
     m_exact.operating.forgetLine();
     setCaret(from + 1 + indentation.size());
-    m_hasGivenIndentation = !indentation.isEmpty();
+    m_hasGivenIndentation = true;
 }
 
 void VimEngine::Inserting::move(char16_t key)
@@ -430,6 +430,9 @@ void VimEngine::Inserting::insertRegister(char16_t name, Inserted how)
         return;
     }
     const QString inserted = contents.text.toString();
+    // What was deleted last is put there, which takes the place of nothing and leaves the indentation that goes with Escape.
+    const bool isPut = name == u'-';
+    const bool hasGivenIndentation = m_hasGivenIndentation;
     const auto isKey = [how](QChar unit) { return how == Inserted::asTyped && unit != u'\n' && unit != u'\t' && !isText(unit); };
     for (qsizetype from = 0; from < inserted.size();) {
         qsizetype end = from;
@@ -439,7 +442,8 @@ void VimEngine::Inserting::insertRegister(char16_t name, Inserted how)
         if (end > from) {
             const QString stretch = inserted.sliced(from, end - from);
             noteTyped(stretch);
-            if (m_kind == Kind::replace) {
+            m_hasGivenIndentation = isPut && hasGivenIndentation;
+            if (m_kind == Kind::replace && !isPut) {
                 for (qsizetype at = 0; at < stretch.size();) {
                     const qsizetype next = TextBoundaries::nextGrapheme(Rope(stretch), at);
                     put(stretch.sliced(at, next - at));
@@ -522,7 +526,6 @@ void VimEngine::Inserting::shiftLine(OperatorKind kind, char16_t key)
     if (!m_isRepeating) {
         m_script += QChar(key);
     }
-    m_hasGivenIndentation = false;
     if (before == after) {
         return;
     }

@@ -701,11 +701,11 @@ void VimEngine::Operating::replaceByBreak(TextRange range)
     edit(TextRange::between(place, behind), u'\n' + indentation);
     forgetLine();
     const qsizetype given = place + 1 + indentation.size();
-    const qsizetype left = indentation.isEmpty() ? given : Inserting::endBehindGiven(see().lines, given);
+    const qsizetype left = Inserting::endBehindGiven(see().lines, given);
     setChangeMarks(place, left);
     m_exact.marks.set(u'^', left);
     m_exact.inserting.setLastInserted(u"\r"_s);
-    setCaret(left - (indentation.isEmpty() ? 0 : 1), hasRest ? std::nullopt : std::optional(cells));
+    setCaret(left - (left > place + 1 ? 1 : 0), hasRest ? std::nullopt : std::optional(cells));
     finish(Repeatable::yes);
 }
 

@@ -633,7 +633,10 @@ void VimEngine::Selecting::selectHit(SearchDirection direction)
     // Of nothing it takes the character there, if only the break of its line.
     const qsizetype last = hit->isEmpty() ? hit->location : TextBoundaries::previousGrapheme(text(), hit->end());
     if (const auto kind = m_engine.m_pendingOperator) {
-        const TextRange range = TextRange::between(hit->location, std::max(hit->end(), TextBoundaries::nextGrapheme(text(), last)));
+        // The last break stays.
+        const qsizetype behind = std::max(hit->end(), TextBoundaries::nextGrapheme(text(), last));
+        const qsizetype most = see().lines.end(see().lines.lastStart());
+        const TextRange range = TextRange::between(hit->location, std::max(std::min(behind, most), hit->location));
         const bool isOfLines = text().lineAt(range.location) != text().lineAt(range.end());
         setSelected({Mode::visual, {hit->location}, {last}, false});
         m_exact.operating.apply(*kind, {.range = range, .start = range.location, .isOfLines = isOfLines, .isInclusive = true});
