@@ -317,21 +317,10 @@ void VimExLine::saySubstituted()
 
 void VimExLine::moveToLine(qsizetype line)
 {
-    const Rope &text = m_target->text();
     const VimLines lines = m_target->lines();
-    const auto bytes = [&](qsizetype from, qsizetype to) { return text.toString(TextRange::between(from, to)).toUtf8().size(); };
-    // Columns are bytes of UTF-8.
-    qsizetype left = bytes(lines.start(m_target->caret()), m_target->caret());
-    qsizetype place = lines.startOf(line);
-    while (!lines.isAtEnd(place)) {
-        const qsizetype next = lines.after(place);
-        left -= bytes(place, next);
-        if (left < 0) {
-            break;
-        }
-        place = next;
-    }
-    m_target->moveCaret(place);
+    const qsizetype start = lines.startOf(line);
+    const auto bytes = byteColumn(lines, m_target->caret());
+    m_target->moveCaret(bytes ? placeAtByte(lines, start, *bytes) : lines.endOf(line));
 }
 
 void VimExLine::beginUndoGroup()

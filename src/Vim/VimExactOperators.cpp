@@ -320,8 +320,7 @@ qsizetype VimEngine::Operating::placeBefore(OperatorKind kind, const Region &reg
     }
     const Sight sight = see();
     const qsizetype second = sight.lines.next(region.range.location);
-    const qsizetype column = std::max<qsizetype>(region.start - region.range.location, 0);
-    return second < region.range.end() ? std::min(second + column, sight.lines.end(second)) : region.start;
+    return second < region.range.end() ? placeAtByte(sight.lines, second, byteColumn(sight.lines, region.start).value_or(0)) : region.start;
 }
 
 void VimEngine::Operating::remove(const Region &region)

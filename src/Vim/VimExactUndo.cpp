@@ -67,8 +67,8 @@ VimStepCaret VimEngine::Operating::stepOf(const TextChange &change)
 {
     const auto begun = std::exchange(m_begun, std::nullopt);
     const qsizetype place = begun ? begun->place : m_caretBefore.value_or(change.edits.hull().location);
-    const qsizetype line = change.before.lineAt(place);
-    return VimStepCaret({line, place - change.before.lineStart(line)});
+    const VimLines lines(change.before, 1, VimLines::LastLine::mayBeEmpty);
+    return VimStepCaret({change.before.lineAt(place), place - lines.start(place), byteColumn(lines, place)});
 }
 
 void VimEngine::Operating::beginChange(qsizetype place, Reach reach, std::optional<TextRange> taken)

@@ -253,3 +253,26 @@ bool VimLines::backwardOverEnds(qsizetype &place) const
     }
     return step != Step::none;
 }
+
+// Bytes
+
+std::optional<qsizetype> byteColumn(const VimLines &lines, qsizetype place)
+{
+    constexpr qsizetype farthest = 1 << 16;
+    const qsizetype start = lines.start(place);
+    return place - start > farthest ? std::nullopt : std::optional(lines.text().toString(TextRange::between(start, place)).toUtf8().size());
+}
+
+qsizetype placeAtByte(const VimLines &lines, qsizetype line, qsizetype bytes)
+{
+    qsizetype place = line;
+    while (!lines.isAtEnd(place)) {
+        const qsizetype next = lines.after(place);
+        bytes -= lines.text().toString(TextRange::between(place, next)).toUtf8().size();
+        if (bytes < 0) {
+            break;
+        }
+        place = next;
+    }
+    return place;
+}

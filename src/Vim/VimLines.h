@@ -113,3 +113,9 @@ private:
     LastLine m_last;
     mutable std::optional<Line> m_line;
 };
+
+/// Bytes of UTF-8 between the start of the line and `place`: the column that Vim keeps where a caret goes to another line. None far behind
+/// the start, where nobody counts them.
+[[nodiscard]] std::optional<qsizetype> byteColumn(const VimLines &lines, qsizetype place);
+/// The character of the line at `line` that has that byte, or the line's end.
+[[nodiscard]] qsizetype placeAtByte(const VimLines &lines, qsizetype line, qsizetype bytes);

@@ -100,5 +100,8 @@ qsizetype VimStepCaret::place(Replay replay, const VimLines &lines, qsizetype no
         --line; // above what was opened
     }
     const qsizetype start = lines.startOf(line + 1);
-    return line == m_before.line ? std::min(start + m_before.column, lines.endOf(line + 1)) : lines.firstNonBlank(start);
+    if (line != m_before.line) {
+        return lines.firstNonBlank(start);
+    }
+    return m_before.bytes ? placeAtByte(lines, start, *m_before.bytes) : std::min(start + m_before.column, lines.endOf(line + 1));
 }

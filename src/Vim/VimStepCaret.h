@@ -11,13 +11,15 @@ class VimLines;
 
 /// What a step of undo keeps for the caret: where it was before the first change, and the lines that each change replaced. When the step is
 /// undone or redone, the caret goes to the first line that this changes; where the changed lines or their neighbours have the line in which
-/// it was before, it is there again. Lines count from 0, columns are UTF-16 units. A value.
+/// it was before, it is there again. Lines count from 0. A value.
 class VimStepCaret final {
 public:
     struct Place {
         qsizetype line = 0;
-        /// May lie behind what the line has by then.
+        /// Units, which may lie behind what the line has by then.
         qsizetype column = 0;
+        /// Of UTF-8 before it, which go before its units (see byteColumn).
+        std::optional<qsizetype> bytes = std::nullopt;
     };
     /// The first and the last one.
     struct LineSpan {
