@@ -64,6 +64,7 @@ bool apply(VimExCall &call, const TextEdits &edits)
         return true;
     }
     call.line.beginUndoGroup();
+    call.target().beginChange();
     return call.target().apply(edits);
 }
 
@@ -130,7 +131,7 @@ Result<void> put(VimExCall &call)
     Rope block = contents.text;
     call.line.moveToLine(std::max<qsizetype>(call.lines.last, 1));
     if (block.isEmpty()) {
-        target.beginChange({target.caret(), 0});
+        target.beginChange(TextRange{target.caret(), 0});
         target.marks().set(u'[', target.caret());
         target.marks().set(u']', target.caret());
         return failure(formatted(localized(u"Nothing in register %@"), QString(QChar(call.registerName.value_or(u'"')))));

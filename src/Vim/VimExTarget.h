@@ -35,7 +35,8 @@ public:
     /// One change, which marks and lists of places follow. False when it was refused. Without edits it is a step of undo all the same.
     virtual bool apply(const TextEdits &edits) = 0;
     /// `taken` is about to be changed, even if some of its lines stay as they are; if all do, that is a step of undo as well.
-    virtual void beginChange(TextRange taken) = 0;
+    /// Without it the command changes no line that `U` could restore.
+    virtual void beginChange(std::optional<TextRange> taken = std::nullopt) = 0;
     /// Calls nest.
     virtual void beginUndoGroup() = 0;
     virtual void endUndoGroup() = 0;

@@ -585,7 +585,7 @@ private:
     [[nodiscard]] qsizetype caret() const override { return ExactPart::caret(); }
     void moveCaret(qsizetype place) override;
     bool apply(const TextEdits &edits) override;
-    void beginChange(TextRange taken) override;
+    void beginChange(std::optional<TextRange> taken) override;
     void beginUndoGroup() override;
     void endUndoGroup() override;
     void undo() override;

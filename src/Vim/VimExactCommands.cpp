@@ -93,11 +93,12 @@ bool VimEngine::Commanding::apply(const TextEdits &edits)
     return isDone;
 }
 
-void VimEngine::Commanding::beginChange(TextRange taken)
+void VimEngine::Commanding::beginChange(std::optional<TextRange> taken)
 {
     using enum Operating::Reach;
-    const bool isInLine = text().lineAt(taken.location) == text().lineAt(std::max(taken.end() - 1, taken.location));
-    m_exact.operating.beginChange(ExactPart::caret(), taken.isEmpty() ? between : isInLine ? line : lines, taken);
+    const bool isInLine = taken && text().lineAt(taken->location) == text().lineAt(std::max(taken->end() - 1, taken->location));
+    const auto reach = taken && taken->isEmpty() ? between : isInLine ? line : lines;
+    m_exact.operating.beginChange(ExactPart::caret(), reach, taken);
 }
 
 void VimEngine::Commanding::beginUndoGroup()
@@ -318,6 +319,7 @@ bool VimEngine::Commanding::takeAnswer(const VimKeyEvent &event)
     }
     const QString &key = event.charactersIgnoringModifiers;
     if (const TextEdits edits = m_confirmation->answer(key.size() == 1 ? key.front().unicode() : u'\0'); !edits.isEmpty()) {
+        beginChange(std::nullopt);
         apply(edits);
     }
     ask();

@@ -46,7 +46,7 @@ public:
         place = std::min(place, text().length());
         return true;
     }
-    void beginChange(TextRange /*taken*/) override {}
+    void beginChange(std::optional<TextRange> /*taken*/) override {}
     void beginUndoGroup() override { undoManager.beginGroup(GroupKind::other, TextSelection::at(place), this); }
     void endUndoGroup() override { undoManager.endGroup(TextSelection::at(place)); }
     bool substituteElsewhere(const VimSubstituteJob & /*job*/) override { return false; }
