@@ -130,7 +130,7 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
         }
         beginChange(caret(), left > 1 ? Reach::lines : Reach::line);
         if (text().isEmpty()) {
-            m_exact.restoreLastBreak(true);
+            m_hasChanged = m_exact.restoreLastBreak(true) || m_hasChanged;
             m_exact.setHasEmptyLine(true);
             finish(Repeatable::yes);
             return;
