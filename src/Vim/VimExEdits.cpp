@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Vim/VimExEdits.h"
 
+#include "Vim/VimFormatting.h"
+
 #include "Vim/VimMatcher.h"
 
 #include <unicode/uchar.h>
@@ -48,19 +50,6 @@ qsizetype widthOf(char32_t character, qsizetype column, int tabWidth)
 }
 
 /// From one column to another.
-QString blanks(qsizetype from, qsizetype to, Indentation indentation)
-{
-    QString text;
-    if (indentation.unit == Indentation::Unit::tab) {
-        const qsizetype width = indentation.tabWidth();
-        for (qsizetype stop = (from / width + 1) * width; stop <= to; stop += width) {
-            text += u'\t';
-            from = stop;
-        }
-    }
-    return text + QString(to - from, u' ');
-}
-
 } // namespace
 
 QString lineBreak(const Rope &text)
@@ -160,7 +149,7 @@ TextEdits shifted(const Rope &text, LineSpan lines, qsizetype levels, Indentatio
             column += widthOf(text.at(at), column, indentation.tabWidth());
         }
         if (start < end) {
-            const QString wanted = blanks(0, std::max<qsizetype>(column + levels * indentation.width, 0), indentation);
+            const QString wanted = VimFormatting::blanks(0, std::max<qsizetype>(column + levels * indentation.width, 0), indentation);
             const TextRange old = TextRange::between(start, at);
             if (text.toString(old) != wanted) {
                 edits.add(old, Rope(wanted));
@@ -195,7 +184,7 @@ TextEdits retabbed(const Rope &text, LineSpan lines, int oldWidth, Indentation w
             if (!hasTab && (runs == Runs::withTabs || at - start < 2)) {
                 continue;
             }
-            const QString anew = blanks(startColumn, column, wanted);
+            const QString anew = VimFormatting::blanks(startColumn, column, wanted);
             const TextRange old = TextRange::between(start, at);
             const bool isShorter = hasTab || anew.size() < old.length;
             if (isShorter && text.toString(old) != anew) {

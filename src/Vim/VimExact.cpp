@@ -16,12 +16,18 @@ using namespace Qt::StringLiterals;
 
 VimEngine::ExactPart::ExactPart(Exact &exact) : m_engine(exact.engine), m_exact(exact) {}
 
-VimEngine::ExactPart::Sight VimEngine::ExactPart::see() const
+VimEngine::ExactPart::Form VimEngine::ExactPart::form() const
 {
     // Text may be typed behind the last break wherever somebody put the caret.
     const bool isBehindAll = m_engine.m_mode == Mode::insert && m_engine.m_view.selectedRange().location == text().length();
-    return Sight(text(), m_engine.m_view.indentation().tabWidth(),
-                 isBehindAll || m_exact.isUnterminated() ? VimLines::LastLine::mayBeEmpty : VimLines::LastLine::hasText);
+    return {m_engine.m_view.indentation().tabWidth(),
+            isBehindAll || m_exact.isUnterminated() ? VimLines::LastLine::mayBeEmpty : VimLines::LastLine::hasText};
+}
+
+VimEngine::ExactPart::Sight VimEngine::ExactPart::see() const
+{
+    const auto [tabWidth, last] = form();
+    return Sight(text(), tabWidth, last);
 }
 
 const Rope &VimEngine::ExactPart::text() const

@@ -35,8 +35,29 @@ protected:
         VimLines lines;
     };
     enum class Repeatable { no, yes };
+    struct Form {
+        int tabWidth;
+        VimLines::LastLine last;
+    };
 
+    [[nodiscard]] Form form() const;
     [[nodiscard]] Sight see() const;
+    /// What `function` makes of the lines of the text, on a worker where it is about much of it; none when the user has stopped it, or when
+    /// the text is another one by then.
+    template<class Function>
+    [[nodiscard]] auto computed(TextRange about, Function function)
+    {
+        constexpr qsizetype readAtOnce = qsizetype(256) * 1024;
+        const Rope before = text();
+        const auto make = [form = form(), function = std::move(function)](const Rope &rope, const std::stop_token & /*stop*/) {
+            return function(VimLines(rope, form.tabWidth, form.last));
+        };
+        auto made = about.length <= readAtOnce ? std::optional(make(before, {})) : m_engine.m_view.computed(make);
+        if (!(text() == before)) {
+            made.reset();
+        }
+        return made;
+    }
     [[nodiscard]] const Rope &text() const;
     [[nodiscard]] qsizetype caret() const;
     /// On a character where the mode wants one; the other end of a selection stays. `column` is to be kept for the next `j`.

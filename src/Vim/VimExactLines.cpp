@@ -3,6 +3,7 @@
 
 // What Vim's operators and commands do to whole lines: shift, fill and join them.
 
+#include "Vim/VimExEdits.h"
 #include "Vim/VimExact.h"
 
 namespace {
@@ -37,35 +38,46 @@ qsizetype placeInFilled(const VimLines &lines, TextRange range, qsizetype place,
     return at;
 }
 
+struct FilledPart {
+    TextEdits edits;
+    /// Of all of it then.
+    qsizetype size = 0;
+    /// Where the character at the caret is then.
+    qsizetype kept = 0;
+};
+
+struct Filling {
+    int width;
+    Indentation indentation;
+};
+
+FilledPart filledPart(const VimLines &lines, TextRange range, qsizetype caret, const Filling &filling)
+{
+    const auto fill = [&](TextRange part) { return VimFormatting::filled(lines, part, filling.width, filling.indentation); };
+    const QString filled = fill(range);
+    FilledPart part{.size = filled.size(), .kept = caret};
+    const qsizetype line = lines.start(caret);
+    if (range.contains(caret) && lines.isBlankFrom(line)) { // which is between paragraphs
+        const qsizetype before = line > range.location ? fill(TextRange::between(range.location, line)).size() : 0;
+        part.kept = range.location + before + caret - line;
+    } else if (range.contains(caret)) {
+        part.kept = range.location + placeInFilled(lines, range, caret, filled);
+    }
+    part.edits = TextEdits::difference(lines.text().slice(range), Rope(filled)).movedBy(range.location);
+    return part;
+}
+
 } // namespace
 
 void VimEngine::Operating::shift(const Region &region, OperatorKind kind)
 {
-    const int width = m_engine.m_view.indentation().width;
-    TextEdits edits;
-    {
-        const Sight sight = see();
-        const VimLines &lines = sight.lines;
-        for (qsizetype line = lines.start(region.range.location); line < std::max(region.range.end(), line + 1);) {
-            if (!lines.isEmpty(line)) {
-                qsizetype behind = line;
-                while (!lines.isAtEnd(behind) && isSpaceOrTab(lines.at(behind))) {
-                    ++behind;
-                }
-                const qsizetype cells = lines.cells(behind).first;
-                const qsizetype by = width * region.amount;
-                const QString now = blanks(kind == OperatorKind::indent ? cells + by : std::max<qsizetype>(cells - by, 0));
-                if (text().toString(TextRange::between(line, behind)) != now) {
-                    edits.add(TextRange::between(line, behind), Rope(now));
-                }
-            }
-            const qsizetype next = lines.next(line);
-            if (next <= line || next >= region.range.end()) {
-                break;
-            }
-            line = next;
-        }
-    }
+    const qsizetype levels = kind == OperatorKind::indent ? region.amount : -region.amount;
+    const auto made =
+        computed(region.range, [range = region.range, levels, indentation = m_engine.m_view.indentation()](const VimLines &lines) {
+            const VimExEdits::LineSpan span{lines.number(range.location), lines.number(std::max(range.end() - 1, range.location))};
+            return VimExEdits::shifted(lines.text(), span, levels, indentation);
+        });
+    const TextEdits edits = made.value_or(TextEdits());
     const qsizetype line = text().lineStart(text().lineAt(region.range.location));
     const qsizetype before = text().length();
     edit(edits);
@@ -79,32 +91,26 @@ void VimEngine::Operating::shift(const Region &region, OperatorKind kind)
 void VimEngine::Operating::format(const Region &region, bool keepsCaret)
 {
     const qsizetype from = m_objectCaret.value_or(caret());
-    qsizetype kept = from;
-    TextRange range;
-    QString filled;
-    {
+    const TextRange range = [&] {
         const Sight sight = see();
-        range = sight.lines.lines(region.range.location, std::max(region.range.end() - 1, region.range.location));
-        const VimOptions &options = m_engine.m_options;
-        const int wanted = options.textWidth > 0 ? options.textWidth : options.longestLine;
-        const auto fill = [&, width = wanted > 0 ? wanted : 79](TextRange part) {
-            return VimFormatting::filled(sight.lines, part, width, [this](qsizetype cells) { return blanks(cells); });
-        };
-        filled = fill(range);
-        const qsizetype line = sight.lines.start(from);
-        if (range.contains(from) && sight.lines.isBlankFrom(line)) { // which is between paragraphs
-            const qsizetype before = line > range.location ? fill(TextRange::between(range.location, line)).size() : 0;
-            kept = range.location + before + from - line;
-        } else if (range.contains(from)) {
-            kept = range.location + placeInFilled(sight.lines, range, from, filled);
-        }
+        return sight.lines.lines(region.range.location, std::max(region.range.end() - 1, region.range.location));
+    }();
+    const VimOptions &options = m_engine.m_options;
+    const int wanted = options.textWidth > 0 ? options.textWidth : options.longestLine;
+    const auto made = computed(
+        range, [range, from, width = wanted > 0 ? wanted : 79, indentation = m_engine.m_view.indentation()](const VimLines &lines) {
+            return filledPart(lines, range, from, {width, indentation});
+        });
+    if (!made) {
+        setCaret(from);
+        return;
     }
-    const TextEdits edits = TextEdits::difference(text().slice(range), Rope(filled)).movedBy(range.location);
+    const auto &[edits, size, kept] = *made;
     if (!edits.isEmpty()) {
         edit(edits);
         noteLineBelow(edits.newRange(edits.count() - 1).end());
     }
-    const qsizetype last = range.location + std::max<qsizetype>(filled.size() - 1, 0);
+    const qsizetype last = range.location + std::max<qsizetype>(size - 1, 0);
     const Sight sight = see();
     m_exact.marks.set(u']', sight.lines.firstNonBlank(last));
     if (keepsCaret) {

@@ -54,6 +54,23 @@ bool isInIndentation(const VimLines &lines, qsizetype place)
     return at >= place;
 }
 
+/// The same for other operators.
+QString withLetters(const QString &text, VimEngine::OperatorKind kind)
+{
+    switch (kind) {
+    case VimEngine::OperatorKind::lowercase:
+        return text.toLower();
+    case VimEngine::OperatorKind::uppercase:
+        return text.toUpper();
+    case VimEngine::OperatorKind::toggleCase:
+        return withFlippedLetters(text);
+    case VimEngine::OperatorKind::rotate:
+        return rotated(text);
+    default:
+        return text;
+    }
+}
+
 bool changesLetters(VimEngine::OperatorKind kind)
 {
     using enum VimEngine::OperatorKind;
@@ -407,26 +424,17 @@ void VimEngine::Operating::change(const Region &region)
 
 QString VimEngine::Operating::blanks(qsizetype cells) const
 {
-    const Indentation indentation = m_engine.m_view.indentation();
-    if (indentation.unit == Indentation::Unit::spaces) {
-        return QString(cells, u' ');
-    }
-    return QString(cells / indentation.tabWidth(), u'\t') + QString(cells % indentation.tabWidth(), u' ');
+    return VimFormatting::blanks(0, cells, m_engine.m_view.indentation());
 }
 
 void VimEngine::Operating::changeCase(TextRange range, OperatorKind kind)
 {
-    const QString before = text().toString(range);
-    const QString after = kind == OperatorKind::uppercase    ? before.toUpper()
-                          : kind == OperatorKind::lowercase  ? before.toLower()
-                          : kind == OperatorKind::toggleCase ? withFlippedLetters(before)
-                                                             : rotated(before);
-    if (after != before) {
-        edit(TextEdits::difference(text(), [&] {
-            Rope whole = text();
-            whole.replace(range, Rope(after));
-            return whole;
-        }()));
+    const auto edits = computed(range, [range, kind](const VimLines &lines) {
+        const Rope before = lines.text().slice(range);
+        return TextEdits::difference(before, Rope(withLetters(before.toString(), kind))).movedBy(range.location);
+    });
+    if (edits && !edits->isEmpty()) {
+        edit(*edits);
         noteChange(range.location);
     }
 }
@@ -474,20 +482,8 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
                 now = QString(row.cellsBefore + row.cellsBehind, u' ');
                 places.push_back(row.range.location + row.cellsBefore + shift);
                 break;
-            case OperatorKind::lowercase:
-                now = before.toLower();
-                break;
-            case OperatorKind::uppercase:
-                now = before.toUpper();
-                break;
-            case OperatorKind::toggleCase:
-                now = withFlippedLetters(before);
-                break;
-            case OperatorKind::rotate:
-                now = rotated(before);
-                break;
             default:
-                now = before;
+                now = withLetters(before, kind);
             }
             if (now != before) {
                 edits.add(row.range, Rope(now));
@@ -529,11 +525,6 @@ void VimEngine::Operating::shiftBlock(OperatorKind kind, const VimBlock &block)
     TextEdits shifts;
     const Indentation indentation = m_engine.m_view.indentation();
     const qsizetype by = indentation.width * m_engine.effectiveCount();
-    const auto blanksFrom = [&](qsizetype cell, qsizetype cells) {
-        const qsizetype tab = indentation.tabWidth();
-        const qsizetype tabs = indentation.unit == Indentation::Unit::spaces ? 0 : (cell % tab + cells) / tab;
-        return QString(tabs, u'\t') + QString(tabs > 0 ? (cell % tab + cells) % tab : cells, u' ');
-    };
     {
         const Sight sight = see();
         const VimLines &lines = sight.lines;
@@ -552,7 +543,7 @@ void VimEngine::Operating::shiftBlock(OperatorKind kind, const VimBlock &block)
                     --from;
                 }
                 const qsizetype cell = lines.cells(from).first;
-                shifts.add(TextRange::between(from, behind), Rope(blanksFrom(cell, text - cell + by)));
+                shifts.add(TextRange::between(from, behind), Rope(VimFormatting::blanks(cell, text + by, indentation)));
             } else if (const qsizetype target = text - std::min(by, text - block.left); target < text) {
                 qsizetype cell = lines.cells(from).first;
                 while (from < behind && cell + lines.width(from, cell) <= target) {

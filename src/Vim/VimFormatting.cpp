@@ -118,7 +118,7 @@ Joined joined(const VimLines &lines, qsizetype place, qsizetype count, Glue glue
     return result;
 }
 
-QString filled(const VimLines &lines, TextRange range, int width, const std::function<QString(qsizetype cells)> &blanks)
+QString filled(const VimLines &lines, TextRange range, int width, const Indentation &indentation)
 {
     const bool hasBreak = !range.isEmpty() && isBreak(lines.at(range.end() - 1));
     QStringList written;
@@ -132,8 +132,8 @@ QString filled(const VimLines &lines, TextRange range, int width, const std::fun
         while (start < paragraph.size() && isBlank(paragraph[start])) {
             ++start;
         }
-        const QString indentation = blanks(cellsOf(paragraph.first(start), lines.tabWidth()));
-        written << linesOf(paragraph.sliced(start), indentation, width, lines.tabWidth());
+        const QString margin = blanks(0, cellsOf(paragraph.first(start), lines.tabWidth()), indentation);
+        written << linesOf(paragraph.sliced(start), margin, width, lines.tabWidth());
         paragraph.clear();
         hasParagraph = false;
     };
@@ -154,6 +154,19 @@ QString filled(const VimLines &lines, TextRange range, int width, const std::fun
     }
     flush();
     return written.join(u'\n') + (hasBreak ? QStringLiteral("\n") : QString());
+}
+
+QString blanks(qsizetype from, qsizetype to, const Indentation &indentation)
+{
+    QString text;
+    if (indentation.unit == Indentation::Unit::tab) {
+        const qsizetype width = indentation.tabWidth();
+        for (qsizetype stop = (from / width + 1) * width; stop <= to; stop += width) {
+            text += u'\t';
+            from = stop;
+        }
+    }
+    return text + QString(to - from, u' ');
 }
 
 } // namespace VimFormatting

@@ -2,12 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Text/TextEdits.h"
+#include "Text/LineEditing.h"
 #include "Vim/VimLines.h"
 
 #include <QString>
-
-#include <functional>
 
 /// Lines put together and broken anew. Pure functions over the text; offsets are UTF-16 units.
 namespace VimFormatting {
@@ -27,7 +25,10 @@ struct Joined {
 [[nodiscard]] Joined joined(const VimLines &lines, qsizetype place, qsizetype count, Glue glue);
 
 /// The text of `range`, which are whole lines, with paragraphs filled up to `width` cells; blank lines are between paragraphs, which have
-/// the indentation of their first line, written as `blanks` has so many cells. Ends with a break if the range does.
-[[nodiscard]] QString filled(const VimLines &lines, TextRange range, int width, const std::function<QString(qsizetype cells)> &blanks);
+/// the indentation of their first line, written as `indentation` says. Ends with a break if the range does.
+[[nodiscard]] QString filled(const VimLines &lines, TextRange range, int width, const Indentation &indentation);
+
+/// From one cell of a line to another.
+[[nodiscard]] QString blanks(qsizetype from, qsizetype to, const Indentation &indentation);
 
 } // namespace VimFormatting

@@ -230,3 +230,27 @@ TEST_F(EditorVimTest, ComputesLongLinesOnAWorkerWhereTheyCanBeStopped)
     }
     EXPECT_EQ(text(), u"\n"_s + before.chopped(2) + u"0\n"_s) << "the text as it is, and then the key";
 }
+
+TEST_F(EditorVimTest, ComputesOperatorsOverMuchTextOnAWorker)
+{
+    const QString before = u"b 012345678901234567890123456789012345678901234567890123456789\n"_s.repeated(5000);
+    start(before, still);
+    for (const QStringView keys : {u"gUG", u"g~G", u">G", u"gqG"}) {
+        const auto run = [&](const std::function<void()> &meanwhile) {
+            press(keys.toString());
+            EXPECT_EQ(workers.jobs.size(), 1U) << keys.toString().toStdString();
+            meanwhile();
+            for (int round = 0; round < 2; ++round) {
+                workers.finish();
+                QCoreApplication::sendPostedEvents();
+            }
+            return text();
+        };
+        EXPECT_EQ(run([&] { press(Qt::Key_Escape); }), before);
+        EXPECT_EQ(run([&] { editor->storage.apply({{0, 0}, u"0\n"_s}); }), u"0\n"_s + before) << "what was meant is elsewhere now";
+        editor->storage.apply({{0, 2}, QString()});
+        EXPECT_NE(run([] {}), before);
+        press(u"u"_s);
+        EXPECT_EQ(text(), before);
+    }
+}
