@@ -195,7 +195,7 @@ Result<void> move(VimExCall &call)
     std::vector<Kept> kept;
     for (const VimMarks::Mark &mark : target.marks().all()) {
         const qsizetype line = before.number(mark.place);
-        if (line >= lines.first && line <= lines.last) {
+        if (line >= lines.first && line <= lines.last && mark.name != u'.') {
             kept.push_back({mark.name, line - lines.first, mark.place - before.startOf(line)});
         }
     }

@@ -36,8 +36,12 @@ void VimEngine::Inserting::deleteBefore(VimDeletion what, char16_t key)
     if (from == place) {
         return;
     }
-    m_hasGivenIndentation = m_hasGivenIndentation && text().lineAt(from) == text().lineAt(place);
+    const bool joins = text().lineAt(from) != text().lineAt(place);
+    m_hasGivenIndentation = m_hasGivenIndentation && !joins;
     edit(TextRange::between(from, place), {});
+    if (joins) {
+        m_exact.operating.noteLineBelow(from);
+    }
     m_start = std::min(m_start, from);
     setCaret(from);
 }
@@ -95,6 +99,9 @@ void VimEngine::Inserting::restoreReplaced(VimDeletion what)
                 return;
             }
             word = kind != 0 ? std::optional(kind) : word;
+        }
+        if (isAtStart) {
+            m_exact.marks.set(u'[', from);
         }
         if (m_replaced.empty()) {
             if (!isFirst) {

@@ -153,7 +153,10 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
         const Sight sight = see();
         const qsizetype end = sight.lines.end(lineStart);
         setChangeMarks(std::min(first, end), end);
-        noteChange(joined.edits.isEmpty() ? end : sight.lines.next(lineStart)); // the line below is what was deleted last
+        noteChange(std::min(first, end));
+        if (!joined.edits.isEmpty()) {
+            noteLineBelow(lineStart); // which was deleted last
+        }
     }
     setCaret(joined.edits.isEmpty() ? lineStart : joined.place);
     finish(Repeatable::yes);

@@ -171,7 +171,7 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
                  .isOfLines = isOfLines && end > low,
                  .isLarge = result.isLarge,
                  .isInclusive = isInclusive,
-                 .markEnd = isInclusive ? std::nullopt : std::optional(high)});
+                 .markEnd = isInclusive || (endsBelow && end > low) ? std::nullopt : std::optional(high)});
 }
 
 void VimEngine::Operating::applyOver(const QString &command)
@@ -277,7 +277,7 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
         beginChange(caret(), isInLine && !isCut ? Reach::line : Reach::lines,
                     fillsLines(kind) ? std::nullopt : std::optional(region.range));
     }
-    if (!comesToNothing) {
+    if (kind != OperatorKind::remove || !region.range.isEmpty()) {
         setChangeMarks(fillsLines(kind) ? region.start : region.range.location, std::max(region.range.end() - 1, region.range.location));
     }
     switch (kind) {

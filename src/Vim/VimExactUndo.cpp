@@ -46,10 +46,10 @@ void VimEngine::Operating::noteChange(qsizetype place)
 {
     m_exact.marks.set(u'.', place);
     const qsizetype step = stepUnderWay();
-    if (std::exchange(m_stepNoted, step) == step && !m_exact.changes.places().empty()) {
+    if (m_stepNoted == step && !m_exact.changes.places().empty()) {
         m_exact.changes.moveLast(place);
-    } else {
-        m_exact.changes.add(place, text(), m_engine.m_options.textWidth);
+    } else if (m_exact.changes.add(place, text(), m_engine.m_options.textWidth)) {
+        m_stepNoted = step;
     }
 }
 

@@ -655,7 +655,7 @@ void VimEngine::Selecting::setSelected(const Selected &selected)
     const auto [low, high] = std::minmax(selected.anchor.offset, selected.head.offset);
     if (selected.mode == Mode::visualLine) {
         m_exact.marks.set(u'<', sight.lines.start(low));
-        m_exact.marks.set(u'>', {.offset = sight.lines.last(high), .column = VimPlace::atLineEnd});
+        m_exact.marks.set(u'>', {.offset = sight.lines.end(high), .column = VimPlace::atLineEnd});
     } else {
         m_exact.marks.set(u'<', low);
         m_exact.marks.set(u'>', high);

@@ -60,10 +60,10 @@ qsizetype offsetAt(const Rope &text, qsizetype line, qsizetype end, qsizetype co
 
 /// What one edit makes of the place of a line that it touches.
 struct Touch {
-    enum class What { nothing, gone, line, offset, joined };
+    enum class What { nothing, gone, line, joined };
 
     What what = What::nothing;
-    /// The line of the new text, or the offset in it where the place is, in a line that was parted or joined to another.
+    /// The line of the new text, or the offset in it where the place is, in a line that was joined to another.
     qsizetype target = 0;
     /// Its column counts from there on.
     bool keepsColumn = false;
@@ -208,12 +208,10 @@ std::optional<VimPlace> VimPlace::after(const TextChange &change, WithoutLine wi
         case Touch::What::line:
             line = touch.target;
             break;
-        case Touch::What::joined:
+        case Touch::What::joined: {
             if (without == WithoutLine::goesWhenJoined) {
                 return std::nullopt;
             }
-            [[fallthrough]];
-        case Touch::What::offset: {
             const qsizetype there = change.after.lineAt(touch.target);
             const qsizetype column = columnAt(change.after, change.after.lineStart(there), touch.target);
             return inLine(change.after, there, column + (touch.keepsColumn ? in : 0));
@@ -241,13 +239,15 @@ std::optional<VimPlace> VimTouchedLines::after(const VimPlace &place, VimPlace::
                                     : place.after(m_change, without, m_kind);
 }
 
-void VimPlaces::add(qsizetype place, const Rope &text, qsizetype textWidth)
+bool VimPlaces::add(qsizetype place, const Rope &text, qsizetype textWidth)
 {
+    bool isNear = false;
     constexpr qsizetype usualWidth = 79;
     if (m_kind == Kind::changes && !m_places.empty()) {
         const qsizetype line = text.lineAt(place);
         const qsizetype last = std::min(m_places.back().offset, text.length());
-        if (text.lineAt(last) == line && std::abs(last - place) < (textWidth > 0 ? textWidth : usualWidth)) {
+        isNear = text.lineAt(last) == line && std::abs(last - place) < (textWidth > 0 ? textWidth : usualWidth);
+        if (isNear) {
             m_places.pop_back();
         }
     }
@@ -256,6 +256,7 @@ void VimPlaces::add(qsizetype place, const Rope &text, qsizetype textWidth)
         m_places.erase(m_places.begin());
     }
     m_position = m_places.size();
+    return !isNear;
 }
 
 void VimPlaces::dropRepeats(const Rope &text)

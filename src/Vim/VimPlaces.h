@@ -54,8 +54,9 @@ public:
 
     explicit VimPlaces(Kind kind) : m_kind(kind) {}
 
-    /// The newest of them; one has not gone back from it. `textWidth` is the columns that are near for a change, 0 for 79.
-    void add(qsizetype place, const Rope &text, qsizetype textWidth = 0);
+    /// The newest of them; one has not gone back from it. `textWidth` is the columns that are near for a change, 0 for 79. Whether there is
+    /// one more.
+    bool add(qsizetype place, const Rope &text, qsizetype textWidth = 0);
     /// So many back, from `caret`, which joins the jumps when none was gone back to. None when there are not so many jumps, or no older
     /// change.
     [[nodiscard]] std::optional<qsizetype> older(qsizetype count, qsizetype caret, const Rope &text);

@@ -32,8 +32,8 @@ VimStepCaret::Replaced VimStepCaret::replaced(const TextChange &change)
     if (hull.location == start && endsWithBreak(change.before, before) && endsWithBreak(change.after, after)) {
         return {line, change.before.lineAt(before.end()) - line, change.after.lineAt(after.end()) - line};
     }
-    const auto endsLine = [&](qsizetype place) { return place == change.before.length() || isBreak(change.before.at(place)); };
-    if (endsLine(hull.location) && endsLine(before.end()) && beginsWithBreak(change.before, before) &&
+    const bool isAtEnd = hull.location == change.before.length() || isBreak(change.before.at(hull.location));
+    if (isAtEnd && before.end() == change.before.length() && beginsWithBreak(change.before, before) &&
         beginsWithBreak(change.after, after)) {
         return {line + 1, change.before.lineAt(before.end()) - line, change.after.lineAt(after.end()) - line};
     }
