@@ -9,12 +9,16 @@
 
 void VimEngine::Inserting::deleteBefore(VimDeletion what, char16_t key)
 {
+    const bool isFirstKey = m_isFirstKey;
     startTyping();
     const qsizetype place = caret();
     if (!m_isRepeating && place > 0) {
         m_script += QChar(key);
     }
     if (m_kind == Kind::replace) {
+        if (isFirstKey && place > 0) {
+            m_exact.operating.beginChange(place); // though the caret only moves
+        }
         restoreReplaced(what);
         return;
     }
