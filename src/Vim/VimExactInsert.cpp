@@ -354,6 +354,7 @@ void VimEngine::Inserting::newLine()
     }
     const qsizetype from = isGivenAway ? line : place;
     edit(parting(sight.lines, TextRange::between(from, end), u'\n' + indentation));
+    m_exact.operating.noteChange(from);
     m_exact.operating.forgetLine();
     setCaret(from + 1 + indentation.size());
     m_hasGivenIndentation = true;

@@ -505,9 +505,16 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
         return;
     }
     edit(edits);
-    setChangeMarks(start, last + shiftOfLast);
+    if (kind == OperatorKind::remove) {
+        // In the column of the first line.
+        const Sight sight = see();
+        const qsizetype line = sight.lines.startNear(start, below);
+        setChangeMarks(start, std::min(line + start - sight.lines.start(start), sight.lines.end(line)));
+    } else {
+        setChangeMarks(start, last + shiftOfLast);
+    }
     if (!edits.isEmpty()) {
-        kind == OperatorKind::remove ? noteChange(see().lines.settled(start)) : noteLine(start);
+        kind == OperatorKind::remove ? noteChange(see().lines.settled(start + cellsLeft)) : noteLine(start);
     }
     if (kind == OperatorKind::indent || kind == OperatorKind::outdent) {
         shiftBlock(kind, block);
@@ -693,6 +700,9 @@ void VimEngine::Operating::replaceByBreak(TextRange range)
     const qsizetype given = place + 1 + indentation.size();
     const qsizetype left = Inserting::endBehindGiven(see().lines, given);
     setChangeMarks(place, left);
+    if (!hasRest && cells > 0) {
+        noteChange(given); // indentation went again
+    }
     m_exact.marks.set(u'^', left);
     m_exact.inserting.setLastInserted(u"\r"_s);
     setCaret(left - (left > place + 1 ? 1 : 0), hasRest ? std::nullopt : std::optional(cells));
