@@ -111,29 +111,8 @@ TextEdits moved(const Rope &text, LineSpan lines, qsizetype after)
 TextEdits joined(const Rope &text, LineSpan lines, Blanks blanks)
 {
     const VimLines all = linesOf(text, lines.last);
-    TextEdits edits;
-    TextRange range{all.endOf(lines.first), 0};
-    // What the line ends with so far.
-    bool isEmpty = all.startOf(lines.first) == all.endOf(lines.first);
-    bool endsWithBlank = !isEmpty && isSpaceOrTab(text.at(all.endOf(lines.first) - 1));
-    for (qsizetype line = lines.first + 1; line <= lines.last; ++line) {
-        const qsizetype end = all.endOf(line);
-        qsizetype from = all.startOf(line);
-        while (blanks == Blanks::one && from < end && isSpaceOrTab(text.at(from))) {
-            ++from;
-        }
-        range = TextRange::between(range.location, from);
-        if (from == end) {
-            continue;
-        }
-        const bool needsSpace = blanks == Blanks::one && text.at(from) != u')' && !isEmpty && !endsWithBlank;
-        edits.add(range, Rope(needsSpace ? QStringView(u" ") : QStringView()));
-        range = {end, 0};
-        isEmpty = false;
-        endsWithBlank = isSpaceOrTab(text.at(end - 1));
-    }
-    edits.add(range, Rope());
-    return edits;
+    const auto glue = blanks == Blanks::one ? VimFormatting::Glue::blank : VimFormatting::Glue::nothing;
+    return VimFormatting::joined(all, all.startOf(lines.first), lines.last - lines.first + 1, glue).edits;
 }
 
 TextEdits shifted(const Rope &text, LineSpan lines, qsizetype levels, Indentation indentation)

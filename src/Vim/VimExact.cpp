@@ -82,6 +82,9 @@ VimExactMotion::Request VimEngine::ExactPart::request(const Sight &sight) const
     using For = VimExactMotion::For;
     const auto kind = m_engine.m_pendingOperator;
     const bool isKept = m_exact.columnPlace == caret();
+    // Where a selection begins at a tab, that is shown as a whole.
+    const bool isTabOfSelection = m_engine.isVisual() && caret() < m_engine.m_visualAnchor && sight.lines.at(caret()) == u'\t';
+    const auto shown = isTabOfSelection ? std::optional(sight.lines.cells(caret()).first) : std::nullopt;
     return {.lines = sight.lines,
             .caret = caret(),
             .count = m_engine.effectiveCount(),
@@ -92,7 +95,7 @@ VimExactMotion::Request VimEngine::ExactPart::request(const Sight &sight) const
                        : kind == OperatorKind::remove ? For::remove
                        : kind == OperatorKind::yank   ? For::yank
                                                       : For::operation,
-            .column = isKept ? m_exact.column : std::nullopt,
+            .column = isKept && m_exact.column ? m_exact.column : shown,
             .keepsColumn = !m_engine.m_options.startsAtFirst};
 }
 

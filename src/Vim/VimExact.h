@@ -372,6 +372,8 @@ private:
     void change(const Region &region);
     void remove(const Region &region);
     void replaceByBreak(TextRange range);
+    [[nodiscard]] qsizetype indentationAt(qsizetype line) const;
+    void alignLines(qsizetype first, qsizetype count, qsizetype cells);
     void shift(const Region &region, OperatorKind kind);
     void changeCase(TextRange range, OperatorKind kind);
     void format(const Region &region, bool keepsCaret);

@@ -125,7 +125,8 @@ void VimEngine::Going::scrollRows(qsizetype rows)
     const TextRange seen = m_engine.m_view.visibleRange();
     qsizetype place = caret();
     auto column = m_exact.columnPlace == place ? m_exact.column : std::nullopt;
-    if (!seen.contains(place) && !seen.isEmpty()) {
+    const bool isSeen = seen.contains(place) || (place == text().length() && seen.end() == place);
+    if (!isSeen && !seen.isEmpty()) {
         // The caret stays in sight.
         const Sight sight = see();
         const VimLines &lines = sight.lines;

@@ -693,7 +693,8 @@ VimEngine::Inserting::End VimEngine::Inserting::endAtGivenIndentation()
 qsizetype VimEngine::Inserting::endBehindGiven(const VimLines &lines, qsizetype place)
 {
     const qsizetype behind = lines.after(place);
-    return lines.isAtEnd(behind) && !lines.isBlankFrom(place) ? behind : place;
+    const bool isAscii = lines.at(place) < 0x80; // others are several bytes, of which the first is not the last
+    return lines.isAtEnd(behind) && !lines.isBlankFrom(place) && isAscii ? behind : place;
 }
 
 void VimEngine::Inserting::leave()

@@ -5,6 +5,7 @@
 
 #include "Vim/VimExact.h"
 
+#include "Text/LineEditing.h"
 #include "Text/TextBoundaries.h"
 
 using namespace Qt::StringLiterals;
@@ -70,8 +71,49 @@ void VimEngine::Operating::paste(Side side, qsizetype count, PasteCaret at, Past
         }
         contents.text = Rope(moved);
     }
+    const bool isWithin = indentation == PasteIndentation::asHere && !contents.isLinewise && !contents.isBlock;
+    const qsizetype line = text().lineAt(caret());
+    const qsizetype cells = isWithin ? indentationAt(line) : 0;
+    m_engine.m_view.beginUndoGroup();
     pasteText(contents, side, count, at);
+    if (isWithin) {
+        const qsizetype place = caret();
+        alignLines(line + 1, (contents.text.lineCount() - 1) * count, cells);
+        setCaret(place);
+    }
+    m_engine.m_view.endUndoGroup();
     finish(Repeatable::yes);
+}
+
+/// Cells of the blanks that the line, from 0, begins with.
+qsizetype VimEngine::Operating::indentationAt(qsizetype line) const
+{
+    const Sight sight = see();
+    qsizetype behind = text().lineStart(line);
+    while (!sight.lines.isAtEnd(behind) && isSpaceOrTab(sight.lines.at(behind))) {
+        ++behind;
+    }
+    return sight.lines.cells(behind).first;
+}
+
+/// The first of so many lines gets so much indentation, and the others keep their distance, but for empty ones.
+void VimEngine::Operating::alignLines(qsizetype first, qsizetype count, qsizetype cells)
+{
+    TextEdits edits;
+    {
+        const Sight sight = see();
+        std::optional<qsizetype> by;
+        for (qsizetype line = first; line < first + count; ++line) {
+            const qsizetype start = text().lineStart(line);
+            if (sight.lines.isEmpty(start)) {
+                continue;
+            }
+            const qsizetype now = indentationAt(line);
+            by = by.value_or(cells - now);
+            edits.add({start, LineEditing::leadingBlanks(text(), start).size()}, Rope(blanks(std::max<qsizetype>(now + *by, 0))));
+        }
+    }
+    edit(edits);
 }
 
 void VimEngine::Operating::pasteText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at)
