@@ -302,6 +302,11 @@ public:
         std::optional<qsizetype> markEnd = std::nullopt;
         /// The motion led to the start of the line below.
         bool endsBelow = false;
+        /// With the empty line behind the last break, which the range cannot tell.
+        bool takesOpenLine = false;
+
+        /// Whole lines, up to that of `last`.
+        [[nodiscard]] static Region ofLines(const VimLines &lines, qsizetype first, qsizetype last, qsizetype start);
     };
 
     /// The caret goes there, or the operator that waits has its text.
@@ -330,7 +335,7 @@ public:
     void redo(qsizetype count);
     void undoLine();
     void keep(const VimRegisterContents &contents, VimRegisters::Taken taken);
-    void keepRange(TextRange range, Span span, VimRegisters::Taken taken);
+    void keepRange(const Region &region, VimRegisters::Taken taken);
     void followChange(const TextChange &change);
     /// The change under way is none of its own.
     [[nodiscard]] bool isUndoing() const { return m_making != Making::change; }

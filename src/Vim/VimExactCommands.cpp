@@ -140,6 +140,7 @@ qsizetype VimEngine::Commanding::undoSteps() const
 void VimEngine::Commanding::forgetLine()
 {
     m_exact.operating.forgetLine();
+    m_exact.setHasEmptyLine(false); // what is deleted here is lines
 }
 
 VimTextName VimEngine::Commanding::name() const

@@ -131,6 +131,7 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
     const qsizetype start = low;
     if (forced == Mode::visualBlock) {
         const VimBlock block = VimBlock::between(lines, low, high, false);
+        m_exact.selecting.setSelected({Mode::visualBlock, {caret()}, {result.place}, false});
         applyToBlock(kind, block);
         return;
     }
@@ -152,7 +153,9 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
         }
     }
     if (isLinewise || fillsLines(kind)) {
-        apply(kind, {.range = lines.lines(low, high), .span = Span::lines, .start = start, .isOfLines = true, .endsBelow = endsBelow});
+        Region whole = Region::ofLines(lines, low, high, start);
+        whole.endsBelow = endsBelow;
+        apply(kind, whole);
         return;
     }
     qsizetype end = isInclusive && !lines.isAtEnd(high) ? lines.after(high) : high;
@@ -163,7 +166,7 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
     const bool isOfLines = lines.start(low) != lines.start(std::max(low, end > low ? end - 1 : end)) || isBreak(lines.at(end - 1));
     if (kind == OperatorKind::remove && !forced && lines.start(low) != lines.start(high) && lines.isBlankFrom(end) &&
         isInIndentation(lines, low)) {
-        apply(kind, {.range = lines.lines(low, high), .span = Span::lines, .start = start, .isOfLines = true});
+        apply(kind, Region::ofLines(lines, low, high, start));
         return;
     }
     apply(kind, {.range = TextRange::between(low, end),
@@ -228,24 +231,33 @@ void VimEngine::Operating::applyLines(OperatorKind kind, qsizetype count)
     const qsizetype last = sight.lines.startNear(from, count - 1);
     const bool isInLine = last == sight.lines.start(from);
     const qsizetype start = kind == OperatorKind::yank || !isInLine ? from : std::min(from, sight.lines.firstNonBlank(from));
-    apply(kind, {.range = sight.lines.lines(from, last), .span = Span::lines, .start = start, .isOfLines = true});
+    apply(kind, Region::ofLines(sight.lines, from, last, start));
 }
 
 // Operators
+
+VimEngine::Operating::Region VimEngine::Operating::Region::ofLines(const VimLines &lines, qsizetype first, qsizetype last, qsizetype start)
+{
+    return {.range = lines.lines(first, last),
+            .span = Span::lines,
+            .start = start,
+            .isOfLines = true,
+            .takesOpenLine = lines.isOpenLine(std::max(first, last))};
+}
 
 void VimEngine::Operating::keep(const VimRegisterContents &contents, VimRegisters::Taken taken)
 {
     m_exact.keep(contents, m_engine.m_pendingRegister, taken);
 }
 
-void VimEngine::Operating::keepRange(TextRange range, Span span, VimRegisters::Taken taken)
+void VimEngine::Operating::keepRange(const Region &region, VimRegisters::Taken taken)
 {
-    Rope kept = text().slice(range);
-    const bool isOpen = range.end() == text().length() && m_exact.isUnterminated() && !text().isEmpty(); // its last line has no break
-    if (span == Span::lines && (kept.isEmpty() || !isBreak(kept.at(kept.length() - 1)) || isOpen)) {
+    Rope kept = text().slice(region.range);
+    const bool isOfLines = region.span == Span::lines;
+    if (isOfLines && (!endsWithBreak(kept) || region.takesOpenLine)) {
         kept.replace({kept.length(), 0}, u"\n");
     }
-    keep({.text = kept, .isLinewise = span == Span::lines}, taken);
+    keep({.text = kept, .isLinewise = isOfLines}, taken);
 }
 
 void VimEngine::Operating::appendBreak()
@@ -288,7 +300,7 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
         remove(region);
         break;
     case OperatorKind::yank:
-        keepRange(region.range, region.span, VimRegisters::Taken::yanked);
+        keepRange(region, VimRegisters::Taken::yanked);
         if (region.markEnd) {
             setChangeMarks(region.range.location, std::max(*region.markEnd, region.range.location));
         }
@@ -348,7 +360,7 @@ void VimEngine::Operating::remove(const Region &region)
         setCaret(region.range.location);
         return;
     }
-    keepRange(region.range, region.span, region.isOfLines ? removedLines : region.isLarge ? removedFar : removedPart);
+    keepRange(region, region.isOfLines ? removedLines : region.isLarge ? removedFar : removedPart);
     if (region.span == Span::characters) {
         edit(region.range, {});
         setChangeMarks(region.range.location, region.range.location);
@@ -359,13 +371,17 @@ void VimEngine::Operating::remove(const Region &region)
         return;
     }
     TextRange range = region.range;
+    bool leavesOpenLine = false;
     {
         const Sight sight = see();
-        range = sight.lines.removable(range);
+        const VimLines &lines = sight.lines;
+        leavesOpenLine = lines.isOpenLine(lines.lastStart()) && !region.takesOpenLine;
+        range = region.takesOpenLine && range.location > 0 ? TextRange::between(lines.end(range.location - 1), range.end())
+                                                           : lines.removable(range);
     }
     edit(range, {});
     forgetLine();
-    m_exact.setHasEmptyLine(false);
+    m_exact.setHasEmptyLine(leavesOpenLine);
     const Sight sight = see();
     // There need be no such line any more.
     const qsizetype line = std::min(region.range.location, text().length());
@@ -386,7 +402,7 @@ void VimEngine::Operating::change(const Region &region)
     const bool hasLine = !text().isEmpty() || m_exact.hasEmptyLine();
     if (region.span == Span::lines) {
         if (hasLine) {
-            keepRange(range, Span::lines, removedLines);
+            keepRange(region, removedLines);
         }
         const Sight sight = see();
         if (sight.lines.start(range.location) != sight.lines.start(std::max(range.end() - 1, range.location))) {
@@ -401,15 +417,16 @@ void VimEngine::Operating::change(const Region &region)
         // The first line is emptied, the others are deleted.
         const TextRange emptied = TextRange::between(from, first);
         const TextRange others = sight.lines.removable(TextRange::between(sight.lines.next(first), range.end()));
-        if (range.end() > sight.lines.next(first) && others.location > first) {
+        if (range.end() > sight.lines.next(first) && others.location > first && !region.takesOpenLine) {
             edits.add(emptied, Rope());
             edits.add(others, Rope());
             range = emptied;
         } else {
-            range = TextRange::between(from, sight.lines.end(std::max(range.end() - 1, range.location)));
+            const qsizetype last = region.takesOpenLine ? range.end() : std::max(range.end() - 1, range.location);
+            range = TextRange::between(from, sight.lines.end(last));
         }
     } else if (hasLine && (!range.isEmpty() || region.isInclusive)) {
-        keepRange(range, Span::characters, region.isOfLines ? removedLines : region.isLarge ? removedFar : removedPart);
+        keepRange(region, region.isOfLines ? removedLines : region.isLarge ? removedFar : removedPart);
     }
     if (edits.isEmpty() && !range.isEmpty()) {
         edits.add(range, Rope());
@@ -456,7 +473,9 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
         start = rows.front().range.location;
         cellsLeft = kind == OperatorKind::remove && !rows.front().isShort ? rows.front().cellsBefore : 0;
         const bool isOfNothing = ExactPart::text().isEmpty() || (rows.size() == 1 && lines.isEmpty(start));
-        const bool isNothing = kind == OperatorKind::remove ? isOfNothing : kind == OperatorKind::change && ExactPart::text().isEmpty();
+        const bool isNothing = kind == OperatorKind::remove
+                                   ? isOfNothing
+                                   : kind == OperatorKind::change && ExactPart::text().isEmpty() && !m_exact.hasEmptyLine();
         below = qsizetype(rows.size()) - 1;
         last = kind == OperatorKind::remove ? rows.back().range.location : rows.back().range.end() - (rows.back().range.isEmpty() ? 0 : 1);
         const bool isTaken = kind == OperatorKind::remove || kind == OperatorKind::change || kind == OperatorKind::yank;
@@ -612,7 +631,7 @@ void VimEngine::Operating::toRestOfLine(OperatorKind kind, qsizetype count)
         range = TextRange::between(place, sight.lines.end(line));
         isOfLines = line > place;
         if (isOfLines && kind == OperatorKind::remove && isInIndentation(sight.lines, place)) {
-            apply(kind, {.range = sight.lines.lines(place, line), .span = Span::lines, .start = place, .isOfLines = true});
+            apply(kind, Region::ofLines(sight.lines, place, line, place));
             return;
         }
     }

@@ -37,7 +37,7 @@ void VimEngine::Operating::paste(Side side, qsizetype count, PasteCaret at, Past
     }
     const bool isOfLines = contents.isLinewise || contents.isBlock;
     beginChange(caret(), contents.text.isEmpty() ? Reach::between : isOfLines ? Reach::lines : Reach::line, around);
-    if (contents.text.isEmpty()) {
+    if (contents.text.isEmpty() && !contents.isBlock) {
         if (!m_exact.repeating.isReplaying()) {
             m_exact.repeating.remember();
         }

@@ -252,7 +252,7 @@ VimEngine::Operating::Region VimEngine::Selecting::region() const
     const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
     const qsizetype high = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
     if (m_engine.m_mode == Mode::visualLine) {
-        return {.range = lines.lines(low, high), .span = Span::lines, .start = firstOfLines(lines), .isOfLines = true};
+        return Operating::Region::ofLines(lines, low, high, firstOfLines(lines));
     }
     const qsizetype end = lines.isAtEnd(high) ? (lines.isLast(high) ? high : lines.next(high)) : lines.after(high);
     const bool isOfLines = lines.start(low) != lines.start(high) || (end > low && isBreak(lines.at(end - 1)));
@@ -291,11 +291,7 @@ void VimEngine::Selecting::apply(OperatorKind kind, std::optional<Span> span, bo
     Operating::Region taken = region();
     if (span == Span::lines && taken.span != Span::lines) {
         const Sight sight = see();
-        taken.range = sight.lines.lines(std::min(m_engine.m_visualAnchor, m_engine.m_visualHead),
-                                        std::max(m_engine.m_visualAnchor, m_engine.m_visualHead));
-        taken.span = Span::lines;
-        taken.start = firstOfLines(sight.lines);
-        taken.isOfLines = true;
+        taken = Operating::Region::ofLines(sight.lines, m_engine.m_visualAnchor, m_engine.m_visualHead, firstOfLines(sight.lines));
     }
     if (isLineOperator) {
         const Sight sight = see();

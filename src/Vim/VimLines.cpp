@@ -108,7 +108,7 @@ TextRange VimLines::lines(qsizetype one, qsizetype other) const
 
 TextRange VimLines::removable(TextRange lines) const
 {
-    const bool hasBreak = !lines.isEmpty() && (lines.end() < m_text.length() || (isEnded() && m_last == LastLine::hasText));
+    const bool hasBreak = !lines.isEmpty() && (lines.end() < m_text.length() || isEnded());
     return hasBreak || lines.location == 0 ? lines : TextRange::between(end(lines.location - 1), lines.end());
 }
 

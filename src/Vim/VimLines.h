@@ -54,6 +54,8 @@ public:
     [[nodiscard]] bool isBlankFrom(qsizetype place) const;
     /// The whole lines of both and between, the last one's break included.
     [[nodiscard]] TextRange lines(qsizetype one, qsizetype other) const;
+    /// The empty one behind the last break, where that is a line.
+    [[nodiscard]] bool isOpenLine(qsizetype place) const { return m_text.length() > 0 && start(place) == m_text.length(); }
     /// What has to go so that such lines do: where the last of them has no break, that of the line before.
     [[nodiscard]] TextRange removable(TextRange lines) const;
 
