@@ -53,6 +53,10 @@ public:
         owned(xcb_damage_query_version_reply(m_connection, xcb_damage_query_version(m_connection, 1, 1), nullptr));
         xcb_damage_create(m_connection, m_damage, m_root, XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES);
         owned(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+        // At first all that there is counts as drawn.
+        while (xcb_generic_event_t *event = xcb_poll_for_event(m_connection)) {
+            std::free(event);
+        }
     }
     ~Probe() { xcb_disconnect(m_connection); }
     Probe(const Probe &) = delete;
