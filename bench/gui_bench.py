@@ -104,7 +104,7 @@ class Run:
     def __init__(self, command, limit):
         self.screen, self.limit = screens.Screen(), limit
         self.film, self._blank = screens.Film(), self.screen.look()
-        self.program, self.cpu = None, None
+        self.program, self.cpu, self.opened = None, None, None
         self.result = {'command': ' '.join(command)}
         self._command = command
 
@@ -139,6 +139,7 @@ class Run:
                                         stdin=subprocess.DEVNULL, **screens.QUIET)
         self.cpu = Cpu(self.program.pid)
         wall = self.settle(since, self.film)
+        self.opened = self.screen.look()
         rss, peak = memory(self.program.pid)
         # At the limit a window that is still empty is no picture; a screen of text has more ink than any toolbar.
         painted = self.film.painted(MUCH_INK if wall is None else 0.0)

@@ -8,7 +8,7 @@ large.c     100 MB of C, one byte below 104857600: about 30 bytes a line, some u
 line.json   10 MB of JSON in a single line without a line end
 empty.txt   nothing
 many-*.c    twenty more of 20 kB of C
-hits.txt    a million lines with one x in each
+hits.txt    a million lines that begin with their only x
 carets.txt  ten thousand lines
 tabs/*.c    2000 files of 2 kB of C
 """
@@ -165,7 +165,7 @@ def write_lines(file, size, words, count):
     file.writelines(f'{words} {number:07}\n' for number in range(count))
 
 
-HITS, CARETS = ('some of the words x marks, line', 1_000_000), ('a caret at the end of', 10_000)
+HITS, CARETS = ('x and more words of the same line', 1_000_000), ('a caret at the end of', 10_000)
 
 
 def lines_of(words, count):

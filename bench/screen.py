@@ -148,12 +148,12 @@ class Film:
             moment = when
         return None  # It never differed: nothing was painted.
 
-    def became(self, before):
-        """The moment from which on the screen was nearer to what it is at the end than to `before`; None when that is the same."""
-        before = before[:len(PICTURE_ROWS) * WIDTH]
+    def became(self, *others):
+        """The moment from which on the screen was nearer to what it is at the end than to `others`; None when that is one of them."""
+        others = [other[:len(PICTURE_ROWS) * WIDTH] for other in others]
         moment, last = None, self.scenes[-1][1]
         for when, picture in reversed(self.scenes):
-            if difference(picture, last) >= difference(picture, before):
+            if difference(picture, last) >= min(difference(picture, other) for other in others):
                 return moment
             moment = when
         return moment

@@ -46,12 +46,12 @@ class FirstPicture(unittest.TestCase):
         self.assertIsNone(self.film(black, picture((5000, 400, 0)), least=0.02), 'a window without text at the limit')
 
     def test_when_the_text_became_another(self):
-        film, before = screen.Film(), picture((5000, 4000, 0))
-        marked = picture((5000, 4000, 0), (60000, 900, 90))
-        for moment, shown in enumerate([before, marked, picture((9000, 4000, 0)), picture((9000, 4000, 0), (60000, 900, 90))]):
+        text, result, panel, marks = (5000, 4000, 0), (9000, 4000, 0), (60000, 9000, 90), (80000, 900, 90)
+        film, before = screen.Film(), picture(text, panel)
+        for moment, shown in enumerate([before, picture(text), picture(result), picture(result, marks)]):
             film.add(float(moment), shown)
-        self.assertEqual(film.became(before), 2.0)
-        self.assertIsNone(film.became(film.scenes[-1][1]))
+        self.assertEqual(film.became(picture(text), before), 2.0)
+        self.assertIsNone(film.became(picture(result, marks)))
 
     def test_keys_without_effect(self):
         self.assertFalse(screen.changed(picture(), picture((20000, 20, 0)), 24))
