@@ -30,6 +30,10 @@
 
 #include <qpa/qwindowsysteminterface.h>
 
+#include <functional>
+#include <random>
+
+#include <malloc.h>
 #include <time.h>
 
 using namespace Qt::StringLiterals;
@@ -85,6 +89,17 @@ public:
         const double taken = now();
         QCoreApplication::processEvents();
         return {taken - start, now() - taken};
+    }
+
+    /// Moves the text by pixels as two fingers on a touchpad do, and paints; the microseconds of all of it.
+    static double scrollBy(QPoint pixels)
+    {
+        QWindow *window = QGuiApplication::focusWindow();
+        const QPointF place(window->width() / 2.0, window->height() / 2.0);
+        const double start = now();
+        QWindowSystemInterface::handleWheelEvent(window, place, window->mapToGlobal(place), pixels, pixels * 8);
+        QCoreApplication::processEvents();
+        return now() - start;
     }
 
     /// Lets time go by; the longest time for which it could not have taken a key, in microseconds.
@@ -188,6 +203,26 @@ void scrolling(benchmark::State &state, Qt::Key key, Qt::KeyboardModifiers modif
     report(state, times);
 }
 
+/// Frames of a touchpad's scrolling, faster and slower, down and up again.
+void pixelScrolling(benchmark::State &state)
+{
+    Stage stage(state.range(0));
+    TextView &view = stage.editor->textView();
+    view.setSelection(TextSelection::at(view.storage().length() / 2), TextView::Reveal::center);
+    Stage::pass(400);
+    const QImage before = view.grab().toImage();
+    std::vector<double> times;
+    for (auto _ : state) {
+        for (int step = 0; step < 1800; ++step) {
+            times.push_back(Stage::scrollBy({0, (step % 600 < 400 ? -1 : 1) * (1 + step % 41)}));
+        }
+    }
+    if (view.grab().toImage() == before) {
+        state.SkipWithError("nothing was scrolled");
+    }
+    report(state, times);
+}
+
 /// The engine's own work for keys of modal editing in the middle of the text, as keys a second and as microseconds a command; nothing is
 /// painted.
 void modalKeys(benchmark::State &state)
@@ -245,19 +280,15 @@ void modalJumps(benchmark::State &state)
     }
 }
 
-/// More than a million hits in 100 MB: looking for them, which a worker does, the change on the main thread, its painting left out, and
-/// taking it back.
-void substitution(benchmark::State &state)
+/// A million hits, one in a line: looking for them, which a worker does, the change on the main thread, its painting left out, and taking
+/// it back.
+void substitution(benchmark::State &state, const QString &line, const VimSubstitution &substitution)
 {
     Stage stage(1);
-    QString text;
-    while (text.size() < 100'000'000) {
-        text += u"    some words of a line (which are some 88 units, so that there are a few more than a million)\n"_s;
-    }
+    QString text = line.repeated(1'000'000);
     TextStorage &storage = stage.document->storage();
     storage.apply({{0, storage.length()}, text});
     text.clear();
-    const VimSubstitution substitution{.isOfWholeText = true, .pattern = u"s(o)me"_s, .replacement = u"n$1ne"_s, .isGlobal = false};
     for (auto _ : state) {
         double start = now();
         auto searcher = substitution.searcher();
@@ -307,6 +338,54 @@ void carets(benchmark::State &state)
     state.counters["ms_painting"] = painting / 1000;
 }
 
+/// Resident memory of this process in megabytes, what is free given back.
+double residentMegabytes()
+{
+    malloc_trim(0);
+    QFile file(u"/proc/self/statm"_s);
+    return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').value(1).toDouble() * 4096 / 1e6 : 0;
+}
+
+/// A million edits here and there, each a step of its own to undo; then all of them undone.
+void manyEdits(benchmark::State &state)
+{
+    constexpr int count = 1'000'000;
+    Stage stage(state.range(0));
+    // Plain text, the last: colours would take most of the time.
+    stage.document->setLanguage(LanguageRegistry::all().back());
+    TextView &view = stage.editor->textView();
+    UndoManager &history = view.undoManager();
+    const Rope before = view.storage().text();
+    const Rope letter(u"x");
+    const auto often = [&](const char *name, const std::function<void()> &act) {
+        const double start = now();
+        for (int index = 0; index < count; ++index) {
+            act();
+            if (index % 1000 == 999) {
+                QCoreApplication::processEvents();
+            }
+        }
+        state.counters[std::string("us_") + name] = (now() - start) / count;
+        Stage::pass(1500);
+        state.counters[std::string("MB_after_") + name] = residentMegabytes();
+    };
+    std::minstd_rand random(1);
+    for (auto _ : state) {
+        state.counters["MB_before"] = residentMegabytes();
+        often("edit", [&] {
+            const auto at = qsizetype(random()) % view.storage().length();
+            history.breakCoalescing();
+            view.apply({{at, 0}, letter}, GroupKind::other, TextSelection::at(at + 1), TextView::Reveal::no);
+        });
+        state.counters["steps"] = double(history.steps());
+        often("undo", [&] { view.undo(); });
+        if (view.storage().text().toString() != before.toString()) {
+            state.SkipWithError("not all was undone");
+        }
+    }
+}
+
+BENCHMARK(manyEdits)->Name("a million edits")->Arg(1'000'000)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(carets)
     ->ArgNames({"carets", "units", "wraps"})
     ->Args({10'000, 200'000, 0})
@@ -315,7 +394,16 @@ BENCHMARK(carets)
     ->Args({100'000, 100'000'000, 0})
     ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(substitution)->Name("substitution, 100 MB")->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(substitution, groups, u"    some words of a line (which are some 88 units, so that a million of them are 88 MB)\n"_s,
+                  {.isOfWholeText = true, .pattern = u"s(o)me"_s, .replacement = u"n$1ne"_s})
+    ->Name("substitution of an expression, 88 MB")
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(substitution, letter, u"x and more words of the same line 0000000\n"_s,
+                  {.isOfWholeText = true, .pattern = u"x"_s, .replacement = u"yy"_s, .isGlobal = true})
+    ->Name("substitution of a letter, 40 MB")
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(modalJumps)->Name("modal jumps, 100 MB")->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(modalKeys)
     ->Name("modal keys in C")
@@ -324,6 +412,7 @@ BENCHMARK(modalKeys)
     ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(typing)->Name("key in C")->Arg(20'000)->Arg(1'000'000)->Arg(100'000'000)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(pixelScrolling)->Name("by pixels")->Arg(1'000'000)->Arg(100'000'000)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(scrolling, line, Qt::Key_Down, Qt::ControlModifier, 1500, 0)
     ->Name("line by line, 1 MB")
     ->Iterations(1)
