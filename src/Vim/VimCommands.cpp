@@ -52,7 +52,7 @@ bool endsWithLineFeed(const Rope &text)
 bool VimEngine::edit(const TextEdits &edits)
 {
     if (m_exact && !edits.isEmpty()) {
-        m_exact->operating.noteCaret(m_view.selectedRange().location);
+        m_exact->changing.noteCaret(m_view.selectedRange().location);
     }
     const bool isDone = !edits.isEmpty() && m_view.apply(edits);
     m_changedBuffer = m_changedBuffer || isDone;

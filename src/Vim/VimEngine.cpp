@@ -74,7 +74,7 @@ bool VimEngine::handle(const VimKeyEvent &event)
     }
     const bool isDone = handleKey(event);
     if (m_exact) {
-        m_exact->operating.endChange();
+        m_exact->changing.endChange();
     }
     if (std::exchange(m_hasNews, false)) {
         m_delegate.vimEngineDidChangeState(*this);
@@ -611,6 +611,7 @@ void VimEngine::resetPending()
         m_extent.reset();
         m_exact->repeating.forget();
         m_exact->operating.forget();
+        m_exact->changing.forgetTaken();
         clearPending();
         return;
     }

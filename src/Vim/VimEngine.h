@@ -226,6 +226,7 @@ private:
     class ExactPart;
     class Repeating;
     class Inserting;
+    class Changing;
     class Operating;
     class Selecting;
     class Going;

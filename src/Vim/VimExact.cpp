@@ -406,13 +406,13 @@ void VimEngine::Exact::enterCommandLine(const VimCommandLine &line)
 void VimEngine::Exact::followChange(const TextChange &change)
 {
     const bool isOwn = engine.isBusy() || engine.m_mode == Mode::insert;
-    if (!isOwn || operating.isUndoing()) {
+    if (!isOwn || changing.isUndoing()) {
         m_isEmptied = false;
     }
     if (isOwn && change.after.isEmpty() && endsWithBreak(change.before) && !m_isUnterminated) {
         m_isEmptied = true;
     }
-    m_hasEmptyLine = isOwn && !operating.isUndoing();
+    m_hasEmptyLine = isOwn && !changing.isUndoing();
     const auto isOpen = [](const Rope &text) { return !text.isEmpty() && !endsWithBreak(text); };
     m_isUnterminated = m_isUnterminated || isOpen(change.before) || isOpen(change.after);
     if (!endsWithBreak(change.after)) {
@@ -420,16 +420,16 @@ void VimEngine::Exact::followChange(const TextChange &change)
     } else if (!isOwn) {
         m_isUnterminated = false;
     } else if (change.before.isEmpty()) {
-        m_isUnterminated = !operating.isUndoing();
+        m_isUnterminated = !changing.isUndoing();
     }
-    if (!operating.isUndoing()) {
+    if (!changing.isUndoing()) {
         rememberStep(change, isOwn ? ChangedBy::keys : ChangedBy::others);
     }
-    const VimPlace::Kind kind = operating.isReplaying() ? VimPlace::Kind::undone : VimPlace::Kind::change;
+    const VimPlace::Kind kind = changing.isReplaying() ? VimPlace::Kind::undone : VimPlace::Kind::change;
     marks.follow(change, kind);
     jumps.follow(change, kind);
     changes.follow(change, kind);
-    operating.followChange(change);
+    changing.followChange(change);
     selecting.followChange(change);
 }
 
@@ -438,7 +438,7 @@ bool VimEngine::Exact::restoreLastBreak(bool wasTyped)
     if ((engine.m_view.text().isEmpty() && !wasTyped) || !std::exchange(m_isEmptied, false)) {
         return false;
     }
-    operating.appendBreak();
+    changing.appendBreak();
     terminate();
     return true;
 }
@@ -448,7 +448,7 @@ void VimEngine::Exact::settleLastBreak(bool wasUnterminated)
     if (std::exchange(m_isEmptied, false)) {
         terminate();
     } else if (const Rope &text = engine.m_view.text(); wasUnterminated && endsWithBreak(text)) {
-        operating.dropLastBreak();
+        changing.dropLastBreak();
     }
 }
 

@@ -90,9 +90,9 @@ bool VimEngine::Inserting::leaveBlock()
     const auto rows = qsizetype(places.size());
     const bool wasThere = !m_block->endsAt; // it was changed
     if (typed != 0 && (rows > 1 || !wasThere)) {
-        m_exact.operating.noteLineBelow(m_start);
+        m_exact.changing.noteLineBelow(m_start);
     }
     const qsizetype last = std::clamp<qsizetype>(wasThere || typed == 0 ? place : places.back() + rows * typed, 0, text().length());
-    m_exact.operating.setChangeMarks(std::min(m_start, last), last);
+    m_exact.changing.setChangeMarks(std::min(m_start, last), last);
     return typed > 0;
 }

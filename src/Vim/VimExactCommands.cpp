@@ -77,7 +77,7 @@ void VimEngine::Commanding::moveCaret(qsizetype place)
 bool VimEngine::Commanding::apply(const TextEdits &edits)
 {
     if (edits.isEmpty()) {
-        m_exact.operating.beginChange(ExactPart::caret());
+        m_exact.changing.beginChange(ExactPart::caret());
         return true;
     }
     const bool wasEmpty = text().isEmpty();
@@ -88,17 +88,17 @@ bool VimEngine::Commanding::apply(const TextEdits &edits)
     }
     m_engine.m_changedBuffer = false;
     if (isDone) {
-        m_exact.operating.noteLine(edits.newRange(0).location);
+        m_exact.changing.noteLine(edits.newRange(0).location);
     }
     return isDone;
 }
 
 void VimEngine::Commanding::beginChange(std::optional<TextRange> taken)
 {
-    using enum Operating::Reach;
+    using enum Changing::Reach;
     const bool isInLine = taken && text().lineAt(taken->location) == text().lineAt(std::max(taken->end() - 1, taken->location));
     const auto reach = taken && taken->isEmpty() ? between : isInLine ? line : lines;
-    m_exact.operating.beginChange(ExactPart::caret(), reach, taken);
+    m_exact.changing.beginChange(ExactPart::caret(), reach, taken);
 }
 
 void VimEngine::Commanding::beginUndoGroup()
@@ -118,28 +118,28 @@ void VimEngine::Commanding::undo()
         const bool isKept = m_exact.column && m_exact.columnPlace == ExactPart::caret();
         return isKept ? *m_exact.column : sight.lines.cells(ExactPart::caret()).first;
     }();
-    m_exact.operating.undo(1);
+    m_exact.changing.undo(1);
     m_exact.column = column; // `j` goes on in it
 }
 
 void VimEngine::Commanding::redo()
 {
-    m_exact.operating.redo(1);
+    m_exact.changing.redo(1);
 }
 
 void VimEngine::Commanding::noteChange(qsizetype place)
 {
-    m_exact.operating.noteChange(place);
+    m_exact.changing.noteChange(place);
 }
 
 qsizetype VimEngine::Commanding::undoSteps() const
 {
-    return m_exact.operating.undoSteps();
+    return m_exact.changing.undoSteps();
 }
 
 void VimEngine::Commanding::forgetLine()
 {
-    m_exact.operating.forgetLine();
+    m_exact.changing.forgetLine();
     m_exact.setHasEmptyLine(false); // what is deleted here is lines
 }
 

@@ -17,7 +17,7 @@ void VimEngine::Inserting::deleteBefore(VimDeletion what, char16_t key)
     }
     if (m_kind == Kind::replace) {
         if (isFirstKey && place > 0) {
-            m_exact.operating.beginChange(place); // though the caret only moves
+            m_exact.changing.beginChange(place); // though the caret only moves
         }
         restoreReplaced(what);
         return;
@@ -44,7 +44,7 @@ void VimEngine::Inserting::deleteBefore(VimDeletion what, char16_t key)
     m_hasGivenIndentation = m_hasGivenIndentation && !joins;
     edit(TextRange::between(from, place), {});
     if (joins) {
-        m_exact.operating.noteLineBelow(from);
+        m_exact.changing.noteLineBelow(from);
     }
     m_start = std::min(m_start, from);
     setCaret(from);

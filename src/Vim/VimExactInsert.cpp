@@ -83,7 +83,7 @@ void VimEngine::Inserting::begin()
 void VimEngine::Inserting::startTyping()
 {
     if (std::exchange(m_isFirstKey, false) && m_kind != Kind::block) {
-        m_exact.operating.keepLine(caret());
+        m_exact.changing.keepLine(caret());
     }
     if (std::exchange(m_isAnew, false)) {
         m_exact.repeating.rememberInsertion();
@@ -179,10 +179,10 @@ void VimEngine::Inserting::openLine(Side side, qsizetype count)
     // A text without a break at its end goes on without one.
     const bool isBehindAll = side == Side::after && place == sight.lines.end(from);
     edit({place, 0}, isBehindAll ? u'\n' + indentation : indentation + u'\n');
-    m_exact.operating.forgetLine();
+    m_exact.changing.forgetLine();
     const qsizetype line = place + (isBehindAll ? 1 : 0);
     m_exact.marks.set(u'[', line);
-    m_exact.operating.noteChange(line);
+    m_exact.changing.noteChange(line);
     setCaret(line + indentation.size());
     m_start = caret();
     m_hasGivenIndentation = true;
@@ -354,8 +354,8 @@ void VimEngine::Inserting::newLine()
     }
     const qsizetype from = isGivenAway ? line : place;
     edit(parting(sight.lines, TextRange::between(from, end), u'\n' + indentation));
-    m_exact.operating.noteChange(from);
-    m_exact.operating.forgetLine();
+    m_exact.changing.noteChange(from);
+    m_exact.changing.forgetLine();
     setCaret(from + 1 + indentation.size());
     m_hasGivenIndentation = true;
 }
@@ -712,7 +712,7 @@ void VimEngine::Inserting::leave()
     } else if (m_count > 1 && !script.isEmpty() && !m_opened && m_kind != Kind::replace && isText(script) &&
                m_engine.mayInsert(script.size(), m_count)) {
         m_engine.m_view.putText(script.repeated(m_count - 1));
-        m_exact.operating.noteChange(TextBoundaries::previousGrapheme(text(), caret()));
+        m_exact.changing.noteChange(TextBoundaries::previousGrapheme(text(), caret()));
     } else if (m_count > 1 && (m_opened || !script.isEmpty()) && m_engine.mayInsert(script.size() + 1, m_count)) {
         for (qsizetype left = m_count - 1; left > 0; --left) {
             if (m_opened) {

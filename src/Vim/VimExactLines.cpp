@@ -83,8 +83,8 @@ void VimEngine::Operating::shift(const Region &region, OperatorKind kind)
     edit(edits);
     const Sight sight = see();
     const qsizetype behind = region.range.end() + text().length() - before;
-    setChangeMarks(std::min(region.start, sight.lines.end(line)), sight.lines.last(std::max(behind - 1, line)));
-    noteChange(line);
+    m_exact.changing.setChangeMarks(std::min(region.start, sight.lines.end(line)), sight.lines.last(std::max(behind - 1, line)));
+    m_exact.changing.noteChange(line);
     setCaret(sight.lines.firstNonBlank(line));
 }
 
@@ -108,7 +108,7 @@ void VimEngine::Operating::format(const Region &region, bool keepsCaret)
     const auto &[edits, size, kept] = *made;
     if (!edits.isEmpty()) {
         edit(edits);
-        noteLineBelow(edits.newRange(edits.count() - 1).end());
+        m_exact.changing.noteLineBelow(edits.newRange(edits.count() - 1).end());
     }
     const qsizetype last = range.location + std::max<qsizetype>(size - 1, 0);
     const Sight sight = see();
@@ -134,9 +134,11 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
             fail();
             return;
         }
-        beginChange(caret(), left > 1 ? Reach::lines : Reach::line);
+        m_exact.changing.beginChange(caret(), left > 1 ? Changing::Reach::lines : Changing::Reach::line);
         if (text().isEmpty()) {
-            m_hasChanged = m_exact.restoreLastBreak(true) || m_hasChanged;
+            if (m_exact.restoreLastBreak(true)) {
+                m_exact.changing.countChange();
+            }
             m_exact.setHasEmptyLine(true);
             finish(Repeatable::yes);
             return;
@@ -152,10 +154,10 @@ void VimEngine::Operating::join(qsizetype count, VimFormatting::Glue glue)
     {
         const Sight sight = see();
         const qsizetype end = sight.lines.end(lineStart);
-        setChangeMarks(std::min(first, end), end);
-        noteChange(std::min(first, end));
+        m_exact.changing.setChangeMarks(std::min(first, end), end);
+        m_exact.changing.noteChange(std::min(first, end));
         if (!joined.edits.isEmpty()) {
-            noteLineBelow(lineStart); // which was deleted last
+            m_exact.changing.noteLineBelow(lineStart); // which was deleted last
         }
     }
     setCaret(joined.edits.isEmpty() ? lineStart : joined.place);

@@ -149,10 +149,10 @@ void VimEngine::Exact::rememberStep(const TextChange &change, ChangedBy by)
     }
     const bool isNew = m_steps.empty() || m_steps.back().number < number;
     if (isNew) {
-        m_steps.push_back({number, marks, selecting.selected(), operating.stepOf(change)});
+        m_steps.push_back({number, marks, selecting.selected(), changing.stepOf(change)});
     }
     if (isNew || by == ChangedBy::keys) {
-        m_steps.back().caret.add(change, operating.takenLines());
+        m_steps.back().caret.add(change, changing.takenLines());
     }
     if (m_steps.size() > limit) {
         m_steps.pop_front();

@@ -9,8 +9,6 @@
 #include "Vim/VimNumber.h"
 #include "Vim/VimParts.h"
 
-#include <QScopedValueRollback>
-
 using namespace Qt::StringLiterals;
 using VimMotion::Kind;
 
@@ -260,18 +258,6 @@ void VimEngine::Operating::keepRange(const Region &region, VimRegisters::Taken t
     keep({.text = kept, .isLinewise = isOfLines}, taken);
 }
 
-void VimEngine::Operating::appendBreak()
-{
-    const QScopedValueRollback making(m_making, Making::addition);
-    edit({text().length(), 0}, u"\n");
-}
-
-void VimEngine::Operating::dropLastBreak()
-{
-    const QScopedValueRollback making(m_making, Making::addition);
-    edit({text().length() - 1, 1}, {});
-}
-
 void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
 {
     if (kind == OperatorKind::filter) {
@@ -286,11 +272,12 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
     const bool isInLine = text().lineAt(region.range.location) == text().lineAt(behind);
     const bool isCut = kind == OperatorKind::remove && region.span == Span::lines;
     if (kind != OperatorKind::yank && !comesToNothing) {
-        beginChange(caret(), isInLine && !isCut ? Reach::line : Reach::lines,
-                    fillsLines(kind) ? std::nullopt : std::optional(region.range));
+        m_exact.changing.beginChange(caret(), isInLine && !isCut ? Changing::Reach::line : Changing::Reach::lines,
+                                     fillsLines(kind) ? std::nullopt : std::optional(region.range));
     }
     if (kind != OperatorKind::remove || !region.range.isEmpty()) {
-        setChangeMarks(fillsLines(kind) ? region.start : region.range.location, std::max(region.range.end() - 1, region.range.location));
+        m_exact.changing.setChangeMarks(fillsLines(kind) ? region.start : region.range.location,
+                                        std::max(region.range.end() - 1, region.range.location));
     }
     switch (kind) {
     case OperatorKind::change:
@@ -302,7 +289,7 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
     case OperatorKind::yank:
         keepRange(region, VimRegisters::Taken::yanked);
         if (region.markEnd) {
-            setChangeMarks(region.range.location, std::max(*region.markEnd, region.range.location));
+            m_exact.changing.setChangeMarks(region.range.location, std::max(*region.markEnd, region.range.location));
         }
         setCaret(region.start);
         finish();
@@ -321,7 +308,9 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
             const qsizetype last = std::max(region.range.end() - 1, region.range.location);
             // Nothing at the start of a line ends behind the line before.
             const bool isEmpty = region.markEnd == region.range.location && last > 0 && sight.lines.start(last) == last;
-            setChangeMarks(region.range.location, region.span == Span::lines ? sight.lines.last(last) : isEmpty ? last - 1 : last);
+            m_exact.changing.setChangeMarks(region.range.location, region.span == Span::lines ? sight.lines.last(last)
+                                                                   : isEmpty                  ? last - 1
+                                                                                              : last);
         }
         setCaret(region.start);
         break;
@@ -363,9 +352,9 @@ void VimEngine::Operating::remove(const Region &region)
     keepRange(region, region.isOfLines ? removedLines : region.isLarge ? removedFar : removedPart);
     if (region.span == Span::characters) {
         edit(region.range, {});
-        setChangeMarks(region.range.location, region.range.location);
+        m_exact.changing.setChangeMarks(region.range.location, region.range.location);
         if (region.isOfLines) {
-            noteLineBelow(region.range.location);
+            m_exact.changing.noteLineBelow(region.range.location);
         }
         setCaret(region.range.location);
         return;
@@ -380,15 +369,15 @@ void VimEngine::Operating::remove(const Region &region)
                                                            : lines.removable(range);
     }
     edit(range, {});
-    forgetLine();
+    m_exact.changing.forgetLine();
     m_exact.setHasEmptyLine(leavesOpenLine);
     const Sight sight = see();
     // There need be no such line any more.
     const qsizetype line = std::min(region.range.location, text().length());
     const qsizetype end = std::max(sight.lines.end(line), line);
     const qsizetype place = std::min(line + std::max<qsizetype>(region.start - region.range.location, 0), end);
-    setChangeMarks(place, place);
-    noteChange(line);
+    m_exact.changing.setChangeMarks(place, place);
+    m_exact.changing.noteChange(line);
     setCaret(sight.lines.firstNonBlank(std::min(line, sight.lines.lastStart())));
 }
 
@@ -406,7 +395,7 @@ void VimEngine::Operating::change(const Region &region)
         }
         const Sight sight = see();
         if (sight.lines.start(range.location) != sight.lines.start(std::max(range.end() - 1, range.location))) {
-            forgetLine();
+            m_exact.changing.forgetLine();
         }
         qsizetype from = range.location;
         const qsizetype first = sight.lines.end(from);
@@ -433,7 +422,7 @@ void VimEngine::Operating::change(const Region &region)
     }
     edit(edits);
     if (region.span == Span::characters && region.isOfLines) {
-        noteLineBelow(range.location);
+        m_exact.changing.noteLineBelow(range.location);
     }
     m_exact.inserting.enter(range.location);
     m_exact.inserting.noteIndentation(isGiven);
@@ -452,7 +441,7 @@ void VimEngine::Operating::changeCase(TextRange range, OperatorKind kind)
     });
     if (edits && !edits->isEmpty()) {
         edit(*edits);
-        noteChange(range.location);
+        m_exact.changing.noteChange(range.location);
     }
 }
 
@@ -513,13 +502,15 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
     if (kind != OperatorKind::yank) {
         m_engine.m_view.select({start, 0}, start); // where undoing it leads back to
         if (kind != OperatorKind::remove || !edits.isEmpty()) {
-            beginChange(start, text().lineAt(start) == text().lineAt(last) ? Reach::line : Reach::lines, TextRange::between(start, last));
+            m_exact.changing.beginChange(start,
+                                         text().lineAt(start) == text().lineAt(last) ? Changing::Reach::line : Changing::Reach::lines,
+                                         TextRange::between(start, last));
         }
     }
     if (kind == OperatorKind::change) {
         m_exact.inserting.begin();
         edit(edits);
-        keepLine(places.empty() ? start : places.front());
+        m_exact.changing.keepLine(places.empty() ? start : places.front());
         m_exact.inserting.enterBlock({.places = places.empty() ? std::vector{start} : places});
         return;
     }
@@ -528,18 +519,19 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
         // In the column of the first line.
         const Sight sight = see();
         const qsizetype line = sight.lines.startNear(start, below);
-        setChangeMarks(start, std::min(line + start - sight.lines.start(start), sight.lines.end(line)));
+        m_exact.changing.setChangeMarks(start, std::min(line + start - sight.lines.start(start), sight.lines.end(line)));
     } else {
-        setChangeMarks(start, last + shiftOfLast);
+        m_exact.changing.setChangeMarks(start, last + shiftOfLast);
     }
     if (!edits.isEmpty()) {
-        kind == OperatorKind::remove ? noteChange(see().lines.settled(start + cellsLeft)) : noteLine(start);
+        kind == OperatorKind::remove ? m_exact.changing.noteChange(see().lines.settled(start + cellsLeft))
+                                     : m_exact.changing.noteLine(start);
     }
     if (kind == OperatorKind::indent || kind == OperatorKind::outdent) {
         shiftBlock(kind, block);
-        noteLine(start);
+        m_exact.changing.noteLine(start);
         const Sight sight = see();
-        setChangeMarks(start, sight.lines.last(sight.lines.startNear(start, below)));
+        m_exact.changing.setChangeMarks(start, sight.lines.last(sight.lines.startNear(start, below)));
     }
     setCaret(start + cellsLeft);
     finish(kind == OperatorKind::yank ? Repeatable::no : Repeatable::yes);
@@ -596,7 +588,7 @@ void VimEngine::Operating::deleteCharacters(Side side, qsizetype count)
     }
     if (range.isEmpty()) {
         if (!text().isEmpty()) {
-            beginChange(caret());
+            m_exact.changing.beginChange(caret());
         }
         setCaret(caret());
         finish(Repeatable::yes); // as "dl" and "dh" do
@@ -650,7 +642,7 @@ void VimEngine::Operating::toggleCase(qsizetype count)
         fail();
         return;
     }
-    beginChange(place);
+    m_exact.changing.beginChange(place);
     const QString before = text().toString(range);
     const QString flipped = withFlippedLetters(before);
     if (flipped != before) {
@@ -659,7 +651,7 @@ void VimEngine::Operating::toggleCase(qsizetype count)
     setCaret(place + flipped.size());
     if (flipped != before) {
         const Sight sight = see();
-        setChangeMarks(place, sight.lines.before(caret()));
+        m_exact.changing.setChangeMarks(place, sight.lines.before(caret()));
     }
     finish(Repeatable::yes);
 }
@@ -689,8 +681,8 @@ void VimEngine::Operating::replaceCharacter(QStringView key, qsizetype count)
         return;
     }
     edit(range, key.toString().repeated(count));
-    noteChange(place + (count - 1) * key.size());
-    setChangeMarks(place, place + (count - 1) * key.size());
+    m_exact.changing.noteChange(place + (count - 1) * key.size());
+    m_exact.changing.setChangeMarks(place, place + (count - 1) * key.size());
     m_exact.inserting.setLastInserted(key.toString());
     setCaret(place + (count - 1) * key.size());
     finish(Repeatable::yes);
@@ -715,12 +707,12 @@ void VimEngine::Operating::replaceByBreak(TextRange range)
     }
     const QString indentation = hasRest ? blanks(cells) : QString();
     edit(TextRange::between(place, behind), u'\n' + indentation);
-    forgetLine();
+    m_exact.changing.forgetLine();
     const qsizetype given = place + 1 + indentation.size();
     const qsizetype left = Inserting::endBehindGiven(see().lines, given);
-    setChangeMarks(place, left);
+    m_exact.changing.setChangeMarks(place, left);
     if (!hasRest && cells > 0) {
-        noteChange(given); // indentation went again
+        m_exact.changing.noteChange(given); // indentation went again
     }
     m_exact.marks.set(u'^', left);
     m_exact.inserting.setLastInserted(u"\r"_s);
@@ -732,7 +724,7 @@ void VimEngine::Operating::replaceByBreak(TextRange range)
 
 void VimEngine::Operating::add(qint64 by)
 {
-    beginChange(caret());
+    m_exact.changing.beginChange(caret());
     std::optional<VimNumber> number;
     {
         const Sight sight = see();
@@ -746,8 +738,8 @@ void VimEngine::Operating::add(qint64 by)
         return;
     }
     edit(number->range, number->text);
-    setChangeMarks(number->range.location, number->range.location + number->text.size() - 1);
-    noteLine(number->range.location);
+    m_exact.changing.setChangeMarks(number->range.location, number->range.location + number->text.size() - 1);
+    m_exact.changing.noteLine(number->range.location);
     setCaret(number->range.location + number->text.size() - 1);
     finish(Repeatable::yes);
 }

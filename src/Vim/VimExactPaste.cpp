@@ -36,12 +36,16 @@ void VimEngine::Operating::paste(Side side, qsizetype count, PasteCaret at, Past
         around = TextRange::between(contents.isLinewise && side == Side::after ? below : sight.lines.start(caret()), below + 1);
     }
     const bool isOfLines = contents.isLinewise || contents.isBlock;
-    beginChange(caret(), contents.text.isEmpty() ? Reach::between : isOfLines ? Reach::lines : Reach::line, around);
+    m_exact.changing.beginChange(caret(),
+                                 contents.text.isEmpty() ? Changing::Reach::between
+                                 : isOfLines             ? Changing::Reach::lines
+                                                         : Changing::Reach::line,
+                                 around);
     if (contents.text.isEmpty() && !contents.isBlock) {
         if (!m_exact.repeating.isReplaying()) {
             m_exact.repeating.remember();
         }
-        setChangeMarks(caret(), caret());
+        m_exact.changing.setChangeMarks(caret(), caret());
         fail();
         return;
     }
@@ -149,7 +153,7 @@ void VimEngine::Operating::putText(const VimRegisterContents &contents, Side sid
         }();
         edit(TextEdits({place, 0}, pasted));
         const qsizetype behind = place + pasted.length();
-        setChangeMarks(place, endsWithBreak(pasted) ? behind : behind - 1);
+        m_exact.changing.setChangeMarks(place, endsWithBreak(pasted) ? behind : behind - 1);
         if (at == PasteCaret::behindText) {
             setCaret(behind);
         } else {
@@ -175,8 +179,8 @@ void VimEngine::Operating::putText(const VimRegisterContents &contents, Side sid
     const qsizetype first = place + (isBehindAll ? 1 : 0);
     const qsizetype behind = place + pasted.length();
     const Sight sight = see();
-    setChangeMarks(first, sight.lines.last(std::max(behind - 1, first)));
-    noteChange(first);
+    m_exact.changing.setChangeMarks(first, sight.lines.last(std::max(behind - 1, first)));
+    m_exact.changing.noteChange(first);
     if (at == PasteCaret::behindText) {
         setCaret(behind < text().length() ? behind : sight.lines.lastStart());
     } else {
@@ -252,8 +256,8 @@ void VimEngine::Operating::pasteBlock(const VimRegisterContents &contents, Side 
         }
     }
     edit(edits);
-    setChangeMarks(first, std::max(last - 1, first));
-    noteLine(first);
+    m_exact.changing.setChangeMarks(first, std::max(last - 1, first));
+    m_exact.changing.noteLine(first);
     if (at == PasteCaret::behindText) {
         setCaret(behindLast);
     } else {

@@ -7,7 +7,7 @@
 
 #include <QScopedValueRollback>
 
-void VimEngine::Operating::followChange(const TextChange &change)
+void VimEngine::Changing::followChange(const TextChange &change)
 {
     const ReplacedStretch hull = change.edits.hull();
     const qsizetype caretBefore = std::exchange(m_caretBefore, std::nullopt).value_or(hull.location);
@@ -28,7 +28,7 @@ void VimEngine::Operating::followChange(const TextChange &change)
     }
 }
 
-void VimEngine::Operating::setChangeMarks(qsizetype first, qsizetype last)
+void VimEngine::Changing::setChangeMarks(qsizetype first, qsizetype last)
 {
     m_exact.marks.set(u'[', first);
     m_exact.marks.set(u']', last);
@@ -37,12 +37,12 @@ void VimEngine::Operating::setChangeMarks(qsizetype first, qsizetype last)
     }
 }
 
-qsizetype VimEngine::Operating::stepUnderWay() const
+qsizetype VimEngine::Changing::stepUnderWay() const
 {
     return undoSteps() + (m_begun && !m_hasChanged ? 1 : 0);
 }
 
-void VimEngine::Operating::noteChange(qsizetype place)
+void VimEngine::Changing::noteChange(qsizetype place)
 {
     m_exact.marks.set(u'.', place);
     const qsizetype step = stepUnderWay();
@@ -53,17 +53,29 @@ void VimEngine::Operating::noteChange(qsizetype place)
     }
 }
 
-void VimEngine::Operating::noteLine(qsizetype place)
+void VimEngine::Changing::noteLine(qsizetype place)
 {
     noteChange(text().lineStart(text().lineAt(std::clamp<qsizetype>(place, 0, text().length()))));
 }
 
-void VimEngine::Operating::noteLineBelow(qsizetype place)
+void VimEngine::Changing::noteLineBelow(qsizetype place)
 {
     noteChange(see().lines.next(place));
 }
 
-VimStepCaret VimEngine::Operating::stepOf(const TextChange &change)
+void VimEngine::Changing::appendBreak()
+{
+    const QScopedValueRollback making(m_making, Making::addition);
+    edit({text().length(), 0}, u"\n");
+}
+
+void VimEngine::Changing::dropLastBreak()
+{
+    const QScopedValueRollback making(m_making, Making::addition);
+    edit({text().length() - 1, 1}, {});
+}
+
+VimStepCaret VimEngine::Changing::stepOf(const TextChange &change)
 {
     const auto begun = std::exchange(m_begun, std::nullopt);
     const qsizetype place = begun ? begun->place : m_caretBefore.value_or(change.edits.hull().location);
@@ -71,7 +83,7 @@ VimStepCaret VimEngine::Operating::stepOf(const TextChange &change)
     return VimStepCaret({change.before.lineAt(place), place - lines.start(place), byteColumn(lines, place)});
 }
 
-void VimEngine::Operating::beginChange(qsizetype place, Reach reach, std::optional<TextRange> taken)
+void VimEngine::Changing::beginChange(qsizetype place, Reach reach, std::optional<TextRange> taken)
 {
     m_begun = m_begun.value_or(Begun{place, reach, taken ? std::max(taken->end() - 1, taken->location) : place});
     m_changesLines = reach != Reach::line;
@@ -83,12 +95,12 @@ void VimEngine::Operating::beginChange(qsizetype place, Reach reach, std::option
     }
 }
 
-void VimEngine::Operating::keepLine(qsizetype place)
+void VimEngine::Changing::keepLine(qsizetype place)
 {
     keepLineOf(text(), place, place);
 }
 
-void VimEngine::Operating::keepLineOf(const Rope &before, qsizetype place, qsizetype caret)
+void VimEngine::Changing::keepLineOf(const Rope &before, qsizetype place, qsizetype caret)
 {
     const VimLines lines(before, 1, VimLines::LastLine::mayBeEmpty);
     const TextRange line = lines.lines(place, place);
@@ -100,7 +112,7 @@ void VimEngine::Operating::keepLineOf(const Rope &before, qsizetype place, qsize
     m_lineBefore = LineBefore{number, text, caret >= line.location && caret <= lines.end(line.location) ? caret - line.location : 0};
 }
 
-void VimEngine::Operating::endChange()
+void VimEngine::Changing::endChange()
 {
     if (m_engine.m_mode == Mode::insert) {
         return;
@@ -113,13 +125,13 @@ void VimEngine::Operating::endChange()
     m_changesLines = false;
 }
 
-qsizetype VimEngine::Operating::undoSteps() const
+qsizetype VimEngine::Changing::undoSteps() const
 {
     return m_engine.m_view.undoSteps() + m_idleSteps.count();
 }
 
 /// One step, with what changed nothing among them.
-VimEngine::Operating::Replayed VimEngine::Operating::replayStep(Replay replay)
+VimEngine::Changing::Replayed VimEngine::Changing::replayStep(Replay replay)
 {
     m_firstChanged.reset();
     const VimPlaces jumps = m_exact.jumps;
@@ -143,17 +155,17 @@ VimEngine::Operating::Replayed VimEngine::Operating::replayStep(Replay replay)
     return Replayed::nothing;
 }
 
-void VimEngine::Operating::undo(qsizetype count)
+void VimEngine::Changing::undo(qsizetype count)
 {
     replaySteps(Replay::undo, count);
 }
 
-void VimEngine::Operating::redo(qsizetype count)
+void VimEngine::Changing::redo(qsizetype count)
 {
     replaySteps(Replay::redo, count);
 }
 
-void VimEngine::Operating::replaySteps(Replay replay, qsizetype count)
+void VimEngine::Changing::replaySteps(Replay replay, qsizetype count)
 {
     for (qsizetype left = count; left > 0; --left) {
         const Replayed replayed = replayStep(replay);
@@ -170,7 +182,7 @@ void VimEngine::Operating::replaySteps(Replay replay, qsizetype count)
     finish();
 }
 
-void VimEngine::Operating::showIdleStep(const VimIdleSteps::Step &step)
+void VimEngine::Changing::showIdleStep(const VimIdleSteps::Step &step)
 {
     {
         const Sight sight = see();
@@ -186,7 +198,7 @@ void VimEngine::Operating::showIdleStep(const VimIdleSteps::Step &step)
     setCaret(step.place);
 }
 
-void VimEngine::Operating::showReplayed(Replay replay)
+void VimEngine::Changing::showReplayed(Replay replay)
 {
     const Sight sight = see();
     const VimLines &lines = sight.lines;
@@ -205,7 +217,7 @@ void VimEngine::Operating::showReplayed(Replay replay)
     setCaret(step ? step->place(replay, lines, lines.number(first) - 1) : lines.firstNonBlank(lines.start(first)));
 }
 
-void VimEngine::Operating::undoLine()
+void VimEngine::Changing::undoLine()
 {
     if (!m_lineBefore) {
         fail();

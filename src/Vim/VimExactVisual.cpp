@@ -380,13 +380,13 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
     m_engine.setMode(Mode::normal);
     const TextRange taken = TextRange::between(std::min(start, last), last + 1);
     const bool isInLine = text().lineAt(taken.location) == text().lineAt(last);
-    m_exact.operating.beginChange(start, isInLine ? Operating::Reach::line : Operating::Reach::lines, taken);
-    m_exact.operating.setChangeMarks(start, last); // of a rectangle in their lines and columns, whatever becomes of those
+    m_exact.changing.beginChange(start, isInLine ? Changing::Reach::line : Changing::Reach::lines, taken);
+    m_exact.changing.setChangeMarks(start, last); // of a rectangle in their lines and columns, whatever becomes of those
     edit(edits);
     if (!isBlock && !edits.isEmpty()) {
-        m_exact.operating.setChangeMarks(start, edits.newRange(edits.count() - 1).end() - 1);
+        m_exact.changing.setChangeMarks(start, edits.newRange(edits.count() - 1).end() - 1);
     }
-    m_exact.operating.noteChange(start);
+    m_exact.changing.noteChange(start);
     setCaret(start);
     finish(Repeatable::yes);
 }
@@ -454,11 +454,11 @@ void VimEngine::Selecting::add(qint64 by, bool isProgressive)
     m_engine.setMode(Mode::normal);
     const bool isInLine = text().lineAt(m_engine.m_visualAnchor) == text().lineAt(m_engine.m_visualHead);
     const auto [low, high] = std::minmax(m_engine.m_visualAnchor, m_engine.m_visualHead);
-    m_exact.operating.beginChange(start, isInLine ? Operating::Reach::line : Operating::Reach::lines, TextRange::between(low, high + 1));
+    m_exact.changing.beginChange(start, isInLine ? Changing::Reach::line : Changing::Reach::lines, TextRange::between(low, high + 1));
     edit(edits);
     if (!edits.isEmpty()) {
-        m_exact.operating.setChangeMarks(edits.newRange(0).location, edits.newRange(edits.count() - 1).end() - 1);
-        m_exact.operating.noteLine(start);
+        m_exact.changing.setChangeMarks(edits.newRange(0).location, edits.newRange(edits.count() - 1).end() - 1);
+        m_exact.changing.noteLine(start);
     }
     setCaret(isOfLines ? text().lineStart(text().lineAt(start)) : start);
     finish(Repeatable::yes);
@@ -552,9 +552,9 @@ void VimEngine::Selecting::insert(Side side, qsizetype count)
     m_engine.m_view.select({blockStart, 0}, blockStart);
     m_exact.inserting.begin();
     // The line below goes by itself when there is but one.
-    m_exact.operating.keepLine(typedFirst);
+    m_exact.changing.keepLine(typedFirst);
     if (shown.lastLine == text().lineStart(text().lineAt(shown.firstLine) + 1)) {
-        m_exact.operating.keepLine(shown.lastLine);
+        m_exact.changing.keepLine(shown.lastLine);
     }
     TextEdits unfilling;
     const TextEdits inverse = padding.inverse(text());

@@ -47,7 +47,7 @@ void VimEngine::Selecting::paste(qsizetype count, Side side, PasteRegister takin
     if (!pasted.text.isEmpty() && m_engine.mayInsert(pasted.text.length(), count)) {
         put(pasted, replaced, side, count, at);
     } else {
-        m_exact.operating.setChangeMarks(caret(), caret());
+        m_exact.changing.setChangeMarks(caret(), caret());
     }
     m_engine.m_view.endUndoGroup();
     selectPasted(extentTaken->mode);
@@ -123,8 +123,8 @@ void VimEngine::Selecting::pasteIntoRows(const VimBlock &block, const QString &p
     }
     const qsizetype behind = edits[0].range.location + pasted.size();
     edit(edits);
-    m_exact.operating.setChangeMarks(behind - pasted.size(), behind - 1);
-    m_exact.operating.noteChange(edits.newRange(edits.count() - 1).location);
+    m_exact.changing.setChangeMarks(behind - pasted.size(), behind - 1);
+    m_exact.changing.noteChange(edits.newRange(edits.count() - 1).location);
     setCaret(TextBoundaries::previousGrapheme(text(), behind));
 }
 
