@@ -326,8 +326,7 @@ Result paragraph(const Request &request, Direction direction)
             return Result::failure();
         }
     }
-    // Either way, as in Vim 9.0: in a text of one line that is where one comes.
-    if (lines.isLast(line) && !lines.isEmpty(line)) {
+    if (direction == Direction::forward && lines.isLast(line) && !lines.isEmpty(line)) {
         return {.place = lines.last(line), .kind = Kind::inclusive, .isLarge = true, .isJump = true};
     }
     return {.place = line, .isLarge = true, .isJump = true};
