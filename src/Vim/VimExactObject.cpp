@@ -338,7 +338,8 @@ std::optional<Result> paragraph(const Request &request)
         return grownParagraphs(request); // which may be selected already
     }
     const qsizetype column = request.anchor - lines.start(request.anchor);
-    const qsizetype from = request.isVisual ? std::min(start + column, lines.last(start)) : start;
+    const bool keepsColumn = request.isVisual && start == lines.start(request.caret);
+    const qsizetype from = keepsColumn ? std::min(start + column, lines.last(start)) : start;
     return Result{.from = from, .place = end, .kind = Kind::linewise, .selects = Result::Selects::lines};
 }
 

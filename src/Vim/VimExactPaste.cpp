@@ -56,8 +56,7 @@ void VimEngine::Operating::paste(Side side, qsizetype count, PasteCaret at, Past
     if (indentation == PasteIndentation::asHere && contents.isLinewise) {
         // The first line gets that of the caret's line, the others keep their distance.
         const Sight sight = see();
-        const qsizetype line = sight.lines.start(caret());
-        const qsizetype wanted = sight.lines.cells(std::min(sight.lines.firstNonBlank(line), sight.lines.end(line))).first;
+        const qsizetype wanted = indentationAt(text().lineAt(caret()));
         const Rope rope = contents.text;
         const VimLines lines(rope, sight.lines.tabWidth());
         std::optional<qsizetype> first;

@@ -239,6 +239,8 @@ void VimEngine::Changing::undoLine()
     const Rope now = text().slice(line);
     if (const TextEdits edits = TextEdits::difference(now, before.text).movedBy(line.location); !edits.isEmpty()) {
         edit(edits);
+    } else {
+        beginChange(line.location);
     }
     noteChange(line.location);
     m_lineBefore = LineBefore{before.number, now, column};
