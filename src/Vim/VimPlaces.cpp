@@ -213,8 +213,8 @@ std::optional<VimPlace> VimPlace::after(const TextChange &change, WithoutLine wi
                 return std::nullopt;
             }
             const qsizetype there = change.after.lineAt(touch.target);
-            const qsizetype column = columnAt(change.after, change.after.lineStart(there), touch.target);
-            return inLine(change.after, there, column + (touch.keepsColumn ? in : 0));
+            const qsizetype target = columnAt(change.after, change.after.lineStart(there), touch.target);
+            return inLine(change.after, there, target + (touch.keepsColumn ? in : 0));
         }
         }
     }
