@@ -143,14 +143,20 @@ QByteArray EditJournal::beginning(quint64 baseHash, const SessionSnapshot::Docum
 
 QByteArray EditJournal::record(const TextEdits &change)
 {
+    qsizetype size = 0;
+    for (const TextEdit &edit : change) {
+        size += qsizetype(3 * sizeof(quint64) + sizeof(char16_t) * size_t(edit.text.length()));
+    }
     QByteArray content;
+    content.reserve(size); // replacing all may be a million edits
     for (const TextEdit &edit : change) {
         append(content, qint64(edit.range.location));
         append(content, qint64(edit.range.length));
         append(content, quint64(edit.text.length()));
-        for (const QChar unit : edit.text.toString()) {
-            append(content, unit.unicode());
-        }
+        const QString text = edit.text.toString();
+        const qsizetype at = content.size();
+        content.resize(at + text.size() * qsizetype(sizeof(char16_t)));
+        qToLittleEndian<char16_t>(text.utf16(), text.size(), content.data() + at);
     }
     return recordOf(content);
 }

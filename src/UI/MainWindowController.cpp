@@ -107,7 +107,10 @@ void MainWindowController::updateTitle()
     // Doubled, the mark's placeholder stands for itself.
     setWindowTitle(document ? document->displayName().replace("[*]"_L1, "[*][*]"_L1) + u"[*]"_s : u"Quillet"_s);
     setWindowFilePath(document ? document->path() : QString());
-    setWindowModified(document && (document->isDirty() || document->hasUnsavedText()));
+    // The toolkit would tell the window manager at each key, which answers before the letter is seen.
+    if (const bool isModified = document && (document->isDirty() || document->hasUnsavedText()); isModified != isWindowModified()) {
+        setWindowModified(isModified);
+    }
 }
 
 /// The size it was left with; where it stands is the window manager's affair.
