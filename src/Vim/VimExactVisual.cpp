@@ -165,8 +165,8 @@ void VimEngine::Selecting::again()
     const auto placeOf = [this](const VimPlace &place) {
         const Sight sight = see();
         const qsizetype offset = std::min(place.offset, text().length());
-        const qsizetype last = sight.lines.lastStart();
-        return sight.lines.isBehindAll(offset) ? std::min(last + place.column.value_or(0), sight.lines.end(last)) : offset;
+        const qsizetype open = sight.lines.lastStart();
+        return sight.lines.isBehindAll(offset) ? std::min(open + place.column.value_or(0), sight.lines.end(open)) : offset;
     };
     const qsizetype head = placeOf(last.head);
     begin(last.mode, placeOf(last.anchor), head);
