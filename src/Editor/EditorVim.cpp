@@ -243,7 +243,9 @@ void EditorVim::keysDone(bool isStopped)
     if (isStopped) {
         const QScopedValueRollback own(m_isOwn, true);
         m_engine->leaveToNormal();
-        m_lastSaid = localized(u"Interrupted. What was done by then is one step of undo.");
+        if (!std::exchange(m_isStoppedFromWithin, false)) {
+            m_lastSaid = localized(u"Interrupted. What was done by then is one step of undo.");
+        }
     }
     m_revision = m_view.storage().revision();
     updateInputMethod();
@@ -251,6 +253,12 @@ void EditorVim::keysDone(bool isStopped)
         m_callbacks.say(said);
     }
     runEnteredCommand();
+}
+
+void EditorVim::stop()
+{
+    m_isStoppedFromWithin = m_run.isRunning() && !m_run.isPaused();
+    m_run.stop();
 }
 
 void EditorVim::breakInsertSession()

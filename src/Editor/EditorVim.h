@@ -75,8 +75,8 @@ public:
     bool handleInputMethod(const QInputMethodEvent &event);
     /// The view loses the keyboard, or something is undone in it: what is typed after that is another step of undo.
     void breakInsertSession();
-    /// Stops what runs by itself, as a macro does. Harmless when nothing does.
-    void stop() { m_run.stop(); }
+    /// Stops what runs by itself, as a macro does, and says so unless a command of it has asked for that. Harmless when nothing does.
+    void stop();
     /// Options are others.
     void configure(const VimOptions &options);
     /// The view has another selection. Only what is typed in insert mode goes to several carets; what was selected by others becomes the
@@ -180,6 +180,7 @@ private:
     bool m_isAfterDeadKey = false;
     /// The engine selects, or handles a key.
     bool m_isOwn = false;
+    bool m_isStoppedFromWithin = false;
     /// What somebody else did to the selection, to be taken before the next key at the latest.
     enum class Foreign { nothing, moved, edited };
     Foreign m_foreign = Foreign::nothing;

@@ -160,6 +160,12 @@ TEST_F(ExCommandTest, SwitchesModalEditingOffFromWithin)
     type(u"x"_s);
     EXPECT_EQ(text(), u"xabc\n"_s);
     EXPECT_EQ(pane(0).currentEditor()->vim(), nullptr);
+
+    preferences.set(Settings::vimExact, true);
+    preferences.set(Settings::vimMode, true);
+    run(u"set novim"_s);
+    EXPECT_FALSE(preferences.value(Settings::vimMode));
+    EXPECT_EQ(flashes, QStringList()) << "it is no interruption";
 }
 
 TEST_F(ExCommandTest, KeepsTheWindowUsableWhileItSubstitutesInALongText)
