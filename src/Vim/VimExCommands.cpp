@@ -311,6 +311,13 @@ QStringView shortest(QStringView exactName)
     return bracket < 0 ? exactName : exactName.first(bracket);
 }
 
+/// "w" of it, "q!" of "q[uit]!".
+QString told(QStringView exactName)
+{
+    const bool isCut = exactName.contains(u'[') && exactName.endsWith(u'!');
+    return u':' + shortest(exactName).toString() + (isCut ? u"!"_s : QString());
+}
+
 /// "write" of it.
 QString longest(QStringView exactName)
 {
@@ -362,9 +369,9 @@ VimKeyHelpEntries VimExCommand::keyHelp(Audience audience)
         if (!command.help.exists() || !(isNamed || isNameless)) {
             continue;
         }
-        VimKeyHelpEntry &entry = entries.emplace_back(u':' + shortest(names.front()).toString(), command.help);
+        VimKeyHelpEntry &entry = entries.emplace_back(told(names.front()), command.help);
         for (size_t name = 1; name < command.toldNames; ++name) {
-            entry.keys << u':' + shortest(names[name]).toString();
+            entry.keys << told(names[name]);
         }
     }
     std::ranges::move(helpOfOptions(audience), std::back_inserter(entries));

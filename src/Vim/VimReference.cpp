@@ -202,9 +202,10 @@ std::vector<Section> VimReference::sections(const VimOptions &options)
                       std::back_inserter(entries));
     std::vector<Section> all;
     for (const SectionRow &row : sectionRows) {
-        all.push_back({.heading = localized(row.heading),
-                       .intro = row.intro ? localized(row.intro) : QString(),
-                       .rows = rowsOf(row.section, entries)});
+        // Exactly like Vim these keys lead to the pane on that side.
+        const bool isTold = row.intro && !(options.isExact && row.section == windows);
+        all.push_back(
+            {.heading = localized(row.heading), .intro = isTold ? localized(row.intro) : QString(), .rows = rowsOf(row.section, entries)});
     }
     std::erase_if(all, [](const Section &section) { return section.rows.empty(); });
     return all;
