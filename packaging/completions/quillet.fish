@@ -1,4 +1,4 @@
-complete -c quillet -s w -l wait -d 'end when the files are closed; 1 when edits were not saved'
+complete -c quillet -s w -l wait -d 'end when the files are closed; exit status 1 when edits were not saved'
 complete -c quillet -s n -l new-window -d 'open the files in a window of their own'
 complete -c quillet -s t -l new-tab -d 'open an empty tab'
 complete -c quillet -s d -l diff -r -d 'compare two files side by side; with --wait, end when that is closed'

@@ -1,7 +1,7 @@
 #compdef quillet
 _arguments \
-    '(-w --wait)-w[end when the files are closed; 1 when edits were not saved]' \
-    '(-w --wait)--wait[end when the files are closed; 1 when edits were not saved]' \
+    '(-w --wait)-w[end when the files are closed; exit status 1 when edits were not saved]' \
+    '(-w --wait)--wait[end when the files are closed; exit status 1 when edits were not saved]' \
     '(-n --new-window)-n[open the files in a window of their own]' \
     '(-n --new-window)--new-window[open the files in a window of their own]' \
     '(-t --new-tab)-t[open an empty tab]' \

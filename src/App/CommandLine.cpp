@@ -19,7 +19,7 @@ using OptionRow = CommandLine::OptionRow;
 using Option = OptionRow::Option;
 
 constexpr auto optionRows = std::to_array<OptionRow>({
-    {Option::wait, "--wait"_L1, "-w"_L1, {}, 0, u"end when the files are closed; 1 when edits were not saved"},
+    {Option::wait, "--wait"_L1, "-w"_L1, {}, 0, u"end when the files are closed; exit status 1 when edits were not saved"},
     {Option::newWindow, "--new-window"_L1, "-n"_L1, {}, 0, u"open the files in a window of their own"},
     {Option::newTab, "--new-tab"_L1, "-t"_L1, {}, 0, u"open an empty tab"},
     {Option::compare, "--diff"_L1, "-d"_L1, "OLD NEW"_L1, 2, u"compare two files side by side; with --wait, end when that is closed"},
