@@ -180,7 +180,7 @@ private:
         const qsizetype wanted = hasValue ? 0 : row->valueCount;
         const QStringList values = hasValue ? QStringList{argument.sliced(name.size() + 1)} : arguments.mid(at + 1, wanted);
         if (values.size() < row->valueCount) {
-            return refuse(formatted(localized(u"“%@” needs more: %@"), argument, QString(row->values)));
+            return refuse(formatted(localized(u"“%@” needs more: %@"), argument, CommandLine::inWords(row->values)));
         }
         switch (row->option) {
         case Option::wait:
@@ -262,10 +262,10 @@ QString CommandLine::help()
     std::vector<std::pair<QString, QString>> rows;
     for (const OptionRow &option : optionRows) {
         const QString names = (option.shortName.isEmpty() ? QString() : option.shortName + u", "_s) + option.longName;
-        rows.emplace_back(option.values.isEmpty() ? names : names + u' ' + option.values, localized(option.purpose));
+        rows.emplace_back(option.values.isEmpty() ? names : names + u' ' + inWords(option.values), localized(option.purpose));
     }
     for (const auto &[form, purpose] : others) {
-        rows.emplace_back(QString(form), localized(purpose));
+        rows.emplace_back(inWords(form), localized(purpose));
     }
     const qsizetype width = std::ranges::max(rows, {}, [](const auto &row) { return row.first.size(); }).first.size();
     QString text = localized(u"Usage: quillet [OPTION] [FILE…]") + u"\n\n"_s;
@@ -273,4 +273,17 @@ QString CommandLine::help()
         text += u"  "_s + form.leftJustified(width) + u"  "_s + purpose + u'\n';
     }
     return text;
+}
+
+QString CommandLine::inWords(QString form)
+{
+    const std::pair<QLatin1StringView, QString> words[] = {{"FILE"_L1, localized(u"FILE")},
+                                                           {"LINE"_L1, localized(u"LINE")},
+                                                           {"COLUMN"_L1, localized(u"COLUMN")},
+                                                           {"OLD"_L1, localized(u"OLD")},
+                                                           {"NEW"_L1, localized(u"NEW")}};
+    for (const auto &[english, word] : words) {
+        form.replace(english, word);
+    }
+    return form;
 }

@@ -56,6 +56,8 @@ struct CommandLine {
     /// Waits as long as a start may take at most.
     [[nodiscard]] static std::vector<PathKind> patientQuery(const QStringList &paths);
     [[nodiscard]] static QString help();
+    /// "DATEI:ZEILE" for "FILE:LINE": what is typed for these words, in the language of the interface.
+    [[nodiscard]] static QString inWords(QString form);
 };
 
 struct CommandLine::OptionRow {

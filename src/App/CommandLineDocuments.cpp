@@ -46,14 +46,14 @@ QString CommandLineDocuments::manPage()
     const auto section = [](const QString &title) { return u".SH "_s + title + u'\n'; };
     QString page = u".TH QUILLET 1\n"_s + section(localized(u"NAME")) + u"quillet \\- "_s +
                    forMan(localized(u"An editor for plain text and source code.")).chopped(1) + u'\n' + section(localized(u"SYNOPSIS")) +
-                   u"\\fBquillet\\fR [\\fIOPTION\\fR] [\\fIFILE\\fR...]\n"_s + section(localized(u"OPTIONS"));
+                   CommandLine::inWords(u"\\fBquillet\\fR [\\fIOPTION\\fR] [\\fIFILE\\fR...]\n"_s) + section(localized(u"OPTIONS"));
     for (const OptionRow &option : CommandLine::options()) {
         const QString names = namesOf(option).join(", "_L1);
-        page += tagged(option.values.isEmpty() ? names : names + u' ' + option.values, localized(option.purpose));
+        page += tagged(option.values.isEmpty() ? names : names + u' ' + CommandLine::inWords(option.values), localized(option.purpose));
     }
     page += section(localized(u"FILES"));
     for (const auto &[form, purpose] : CommandLine::otherForms()) {
-        page += tagged(form, localized(purpose));
+        page += tagged(CommandLine::inWords(form), localized(purpose));
     }
     return page;
 }
