@@ -39,6 +39,7 @@ constexpr auto descriptions = std::to_array<VimChordUse>({
     {u'h', commanding, u"to the left"},
     {u'h', inserting, u"delete a letter"},
     {u'i', commanding, u"forward in the jump list"},
+    {u'i', inserting, u"a tab"},
     {u'j', commanding, u"a line down"},
     {u'j', inserting, u"a new line"},
     {u'k', inserting, u"a digraph"},
@@ -65,6 +66,7 @@ constexpr auto descriptions = std::to_array<VimChordUse>({
     {u'y', commanding, u"scroll up by a line"},
     {u'y', inserting, u"the character above the caret"},
     {u'^', commanding, u"the file before this one"},
+    {u'@', inserting, u"insert what was typed last, and end"},
 });
 
 QString described(const VimChordUse &use)

@@ -40,4 +40,10 @@ TEST(VimChords, SaysWhatEachIsFor)
     EXPECT_NE(lazy.find("Ctrl+H|previous pane|delete a letter|Find and Replace…\nCtrl+J|next pane||Jump to Selection\n"),
               std::string::npos);
     EXPECT_NE(lazy.find("\nCtrl+[|back to normal mode||Shift Left"), std::string::npos);
+    VimOptions exact(VimKeymapPreset::plain);
+    exact.isExact = true;
+    for (const VimChords::Chord &chord : VimChords::all(exact)) {
+        EXPECT_NE(chord.commanding, u"what it does in Vim"_s) << chord.name.toStdString();
+        EXPECT_NE(chord.inserting, u"what it does in Vim"_s) << chord.name.toStdString();
+    }
 }
