@@ -389,7 +389,7 @@ std::span<const VimEngine::KeyRow> VimEngine::exactKeys()
         {u'j', &Actions::focusPaneBelow, besideAbove, afterWindow},
         {u'k', &Actions::focusPaneAbove, besideAbove, afterWindow},
         {u'l', &Actions::focusPaneRight, besideAbove, afterWindow},
-        {u'p', &Actions::focusLastPane, {windows, u"move to the pane before"}, afterWindow},
+        {u'p', &Actions::focusLastPane, {windows, u"move to the pane used before"}, afterWindow},
 
         {u'&',
          Command{[](VimEngine &engine, qsizetype) { engine.m_exact->commanding.substituteAgain(false); }},
