@@ -63,6 +63,7 @@ public:
     void setLook(Look TextLooks::*look, std::type_identity_t<Look> value)
     {
         m_painter.looks.*look = std::move(value);
+        m_caret.restartBlinking(); // which not all of its shapes do
         viewport()->update();
     }
     void setAccess(Access access);

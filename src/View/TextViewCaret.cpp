@@ -86,7 +86,7 @@ QRectF TextViewCaret::rowBox()
 
 void TextViewCaret::restartBlinking()
 {
-    if (m_view.hasFocus()) {
+    if (m_view.hasFocus() && m_view.m_painter.looks.caretShape != TextLooks::CaretShape::block) {
         blinking.restart(m_view.m_services.scheduler, [this] { repaint(); });
     } else {
         blinking.rest();
@@ -95,8 +95,7 @@ void TextViewCaret::restartBlinking()
 
 bool TextViewCaret::isToBeSeen() const
 {
-    const bool isOn = blinking.isOn() || m_view.m_painter.looks.caretShape == TextLooks::CaretShape::block;
-    return m_view.hasFocus() && isOn && (!m_view.isComposing() || m_view.m_input.isCaretShown());
+    return m_view.hasFocus() && blinking.isOn() && (!m_view.isComposing() || m_view.m_input.isCaretShown());
 }
 
 void TextViewCaret::repaint()

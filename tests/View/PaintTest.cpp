@@ -220,6 +220,28 @@ TEST(Paint, SelectedTextAndTheCaretsRowCanHaveColoursOfTheirOwn)
     EXPECT_EQ(counts(firstRow)[qRgb(255, 255, 0)], 0) << "marked letters keep their colour, so nothing of the selection's is behind them";
 }
 
+TEST(Paint, TheCaretBlinksForAWhileAndABlockNever)
+{
+    ViewFixture fixture(u"ab"_s);
+    const auto look = [&](std::chrono::milliseconds time) {
+        QString seen;
+        for (std::chrono::milliseconds at{0}; at < time; at += std::chrono::milliseconds(500)) {
+            fixture.scheduler.advance(std::chrono::milliseconds(500));
+            seen += fixture.view.caret().blinking.isOn() ? u'|' : u'.';
+        }
+        return seen;
+    };
+    fixture.keys(u"<Right>"_s);
+    const QString blinked = look(std::chrono::seconds(14));
+    EXPECT_TRUE(blinked.startsWith(u".|.|.|"_s) && blinked.endsWith(u"||||||"_s)) << blinked.toStdString();
+    fixture.keys(u"<Left>"_s);
+    EXPECT_TRUE(look(std::chrono::seconds(1)).contains(u'.')) << "the next key begins anew";
+    fixture.view.setLook(&TextLooks::caretShape, TextView::CaretShape::block);
+    EXPECT_FALSE(look(std::chrono::seconds(2)).contains(u'.'));
+    fixture.view.setLook(&TextLooks::caretShape, TextView::CaretShape::bar);
+    EXPECT_TRUE(look(std::chrono::seconds(2)).contains(u'.'));
+}
+
 TEST(Paint, ARulerStandsBehindItsColumnHoweverTheTextIsScrolled)
 {
     ViewFixture fixture(QString(200, u'x') + u"\n\n"_s, {400, 200});
