@@ -6,6 +6,7 @@
 #include "Vim/VimExact.h"
 
 #include "Text/TextBoundaries.h"
+#include "Vim/VimExactObject.h"
 #include "Vim/VimNumber.h"
 
 using namespace Qt::StringLiterals;
