@@ -112,10 +112,7 @@ void VimEngine::Inserting::enter(qsizetype place, qsizetype count, Kind kind)
 
 void VimEngine::Inserting::append(qsizetype count)
 {
-    const qsizetype place = [&] {
-        const Sight sight = see();
-        return sight.lines.after(caret());
-    }();
+    const qsizetype place = see().lines.after(caret());
     enter(place, count);
 }
 
@@ -131,19 +128,13 @@ void VimEngine::Inserting::enterAtFirst(qsizetype count)
 
 void VimEngine::Inserting::enterAtStart(qsizetype count)
 {
-    const qsizetype place = [&] {
-        const Sight sight = see();
-        return sight.lines.start(caret());
-    }();
+    const qsizetype place = see().lines.start(caret());
     enter(place, count);
 }
 
 void VimEngine::Inserting::enterAtEnd(qsizetype count)
 {
-    const qsizetype place = [&] {
-        const Sight sight = see();
-        return sight.lines.end(caret());
-    }();
+    const qsizetype place = see().lines.end(caret());
     enter(place, count);
 }
 

@@ -91,10 +91,7 @@ void VimEngine::Operating::shift(const Region &region, OperatorKind kind)
 void VimEngine::Operating::format(const Region &region, bool keepsCaret)
 {
     const qsizetype from = m_objectCaret.value_or(caret());
-    const TextRange range = [&] {
-        const Sight sight = see();
-        return sight.lines.lines(region.range.location, std::max(region.range.end() - 1, region.range.location));
-    }();
+    const TextRange range = see().lines.lines(region.range.location, std::max(region.range.end() - 1, region.range.location));
     const VimOptions &options = m_engine.m_options;
     const int wanted = options.textWidth > 0 ? options.textWidth : options.longestLine;
     const auto made = computed(

@@ -600,11 +600,7 @@ void VimEngine::Operating::deleteCharacters(Side side, qsizetype count)
 
 void VimEngine::Operating::substituteCharacters(qsizetype count)
 {
-    TextRange range;
-    {
-        const Sight sight = see();
-        range = TextRange::between(caret(), sight.lines.after(caret(), count));
-    }
+    const TextRange range = TextRange::between(caret(), see().lines.after(caret(), count));
     apply(OperatorKind::change, {.range = range, .start = range.location});
 }
 
@@ -634,11 +630,7 @@ void VimEngine::Operating::toRestOfLine(OperatorKind kind, qsizetype count)
 void VimEngine::Operating::toggleCase(qsizetype count)
 {
     const qsizetype place = caret();
-    TextRange range;
-    {
-        const Sight sight = see();
-        range = TextRange::between(place, sight.lines.after(place, count));
-    }
+    const TextRange range = TextRange::between(place, see().lines.after(place, count));
     if (range.isEmpty()) {
         fail();
         return;
@@ -651,8 +643,7 @@ void VimEngine::Operating::toggleCase(qsizetype count)
     }
     setCaret(place + flipped.size());
     if (flipped != before) {
-        const Sight sight = see();
-        m_exact.changing.setChangeMarks(place, sight.lines.before(caret()));
+        m_exact.changing.setChangeMarks(place, see().lines.before(caret()));
     }
     finish(Repeatable::yes);
 }

@@ -274,14 +274,13 @@ std::optional<qsizetype> sentence(const VimLines &lines, qsizetype place, Direct
 
 // Brackets
 
-std::optional<qsizetype> enclosing(const VimLines &lines, qsizetype place, char16_t open, char16_t close, Direction direction,
-                                   qsizetype count)
+std::optional<qsizetype> enclosing(const VimLines &lines, qsizetype place, char16_t open, char16_t close, Direction direction)
 {
     VimBuffer &text = lines.buffer();
     const char16_t wanted = direction == Direction::backward ? open : close;
     const char16_t other = direction == Direction::backward ? close : open;
     const qsizetype step = direction == Direction::backward ? -1 : 1;
-    qsizetype depth = count;
+    qsizetype depth = 1;
     for (place += step; place >= 0 && place < text.length(); place += step) {
         const char16_t unit = text.at(place);
         if (unit == other) {

@@ -33,8 +33,8 @@ struct Walked {
 [[nodiscard]] std::optional<qsizetype> sentence(const VimLines &lines, qsizetype from, VimMotion::Direction direction, qsizetype count);
 /// The bracket that closes or opens the one at `place`, as `%` finds it.
 [[nodiscard]] std::optional<qsizetype> partner(const VimLines &lines, qsizetype place);
-/// The `count`-th bracket `open` before `place`, or `close` behind it, without those that have their partner between.
+/// The next bracket `open` before `place`, or `close` behind it, without those that have their partner between.
 [[nodiscard]] std::optional<qsizetype> enclosing(const VimLines &lines, qsizetype place, char16_t open, char16_t close,
-                                                 VimMotion::Direction direction, qsizetype count = 1);
+                                                 VimMotion::Direction direction);
 
 } // namespace VimExactMotion

@@ -74,10 +74,7 @@ void VimEngine::Selecting::put(const VimRegisterContents &pasted, const Replaced
         // Below the line of the rectangle where the caret was, or above its first one.
         const bool wasEmpty = text().isEmpty();
         const bool isAbove = side == Side::before && caret() >= m_exact.marks.place(u'[').value_or(0);
-        const qsizetype place = [&] {
-            const Sight sight = see();
-            return side == Side::before || replaced.isUpward ? caret() : sight.lines.startNear(caret(), replaced.lines - 1);
-        }();
+        const qsizetype place = side == Side::before || replaced.isUpward ? caret() : see().lines.startNear(caret(), replaced.lines - 1);
         putAt(place, isAbove ? Side::before : Side::after);
         if (isAbove && wasEmpty) {
             removeEmptyLast();
