@@ -22,7 +22,7 @@ public:
     /// `paint` draws what stands within the margins of `paper`, in points from their corner, whenever the sheet is drawn anew.
     void setPage(const QPageLayout &paper, std::function<void(QPainter &painter)> paint, const QString &name);
     /// `factor`, 1 for the size on paper, counts for that fit only.
-    void setFit(Fit fit, double factor = 1);
+    void setFit(Fit fit, double factor);
 
     enum class Step { previous, next, first, last };
     /// Shows another page; answers false when there is none.

@@ -17,9 +17,6 @@ class FormPopUp final : public QComboBox {
 public:
     explicit FormPopUp(QWidget *parent = nullptr);
 
-    /// Shows the choice with that value; none when there is none.
-    void showValue(const QVariant &value) { setCurrentIndex(findData(value)); }
-
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
