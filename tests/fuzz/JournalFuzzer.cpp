@@ -26,6 +26,11 @@ QByteArray recordOf(const QByteArray &content)
            QByteArray(reinterpret_cast<const char *>(&hash), sizeof hash) + content;
 }
 
+SessionSnapshot::Document entry()
+{
+    return {.id = QUuid(u"1B4E28BA-2FA1-11D2-883F-0016D3CCA427"_s), .lineEnding = u"\n"_s};
+}
+
 QByteArray bytesFrom(FuzzedDataProvider &data, size_t most)
 {
     const std::string taken = data.ConsumeRandomLengthString(most);
@@ -54,7 +59,7 @@ void checkParsed(const EditJournal &journal, const Rope &base)
 void checkForged(FuzzedDataProvider &data)
 {
     const Rope base(QString::fromUtf8(bytesFrom(data, 64)));
-    QByteArray bytes = EditJournal::beginning(data.ConsumeBool() ? EditJournal::hashOf(base) : data.ConsumeIntegral<quint64>(), {});
+    QByteArray bytes = EditJournal::beginning(data.ConsumeBool() ? EditJournal::hashOf(base) : data.ConsumeIntegral<quint64>(), entry());
     while (data.remaining_bytes() > 0) {
         bytes += data.ConsumeProbability<float>() < 0.9F ? recordOf(bytesFrom(data, 200)) : bytesFrom(data, 20);
     }
@@ -68,11 +73,11 @@ void checkWritten(FuzzedDataProvider &data)
 {
     Rope text(QString::fromUtf8(bytesFrom(data, 64)));
     std::vector<Rope> texts{text};
-    QByteArray bytes = EditJournal::beginning(EditJournal::hashOf(text), {});
+    QByteArray bytes = EditJournal::beginning(EditJournal::hashOf(text), entry());
     std::vector<qsizetype> ends{bytes.size()};
     while (data.remaining_bytes() > 4) {
         TextEdits change;
-        for (qsizetype from = 0; from < text.length() && data.ConsumeBool();) {
+        for (qsizetype from = 0; data.ConsumeBool() && from <= text.length();) {
             const auto start = data.ConsumeIntegralInRange<qsizetype>(from, text.length());
             const auto end = data.ConsumeIntegralInRange<qsizetype>(start, text.length());
             change.add(TextRange::between(start, end), Rope(QString::fromUtf8(bytesFrom(data, 8))));
