@@ -72,15 +72,13 @@ bool apply(VimExCall &call, const TextEdits &edits)
 template<class Function>
 auto computed(VimExTarget &target, LineSpan read, Function function)
 {
-    constexpr qsizetype readAtOnce = qsizetype(256) * 1024;
     // The text may have become shorter by then.
     auto make = [read, last = target.lastLine(), function = std::move(function)](const Rope &text, const std::stop_token &stop) {
         const qsizetype count = VimLines(text, 1, last).count();
         return function(text, LineSpan{std::min(read.first, count), std::min(read.last, count)}, stop);
     };
     const VimLines lines = target.lines();
-    const bool isShort = lines.startOf(read.last + 1) - lines.startOf(read.first) <= readAtOnce;
-    return isShort ? std::optional(make(target.text(), {})) : target.running().computed(std::move(make));
+    return target.running().computed(target.text(), lines.startOf(read.last + 1) - lines.startOf(read.first), std::move(make));
 }
 
 void store(VimExCall &call, VimRegisters::Taken taken)

@@ -35,12 +35,11 @@ protected:
     template<class Function>
     [[nodiscard]] auto computed(TextRange about, Function function)
     {
-        constexpr qsizetype readAtOnce = qsizetype(256) * 1024;
         const Rope before = text();
         const auto make = [form = form(), function = std::move(function)](const Rope &rope, const std::stop_token & /*stop*/) {
             return function(VimLines(rope, form.tabWidth, form.last));
         };
-        auto made = about.length <= readAtOnce ? std::optional(make(before, {})) : m_engine.m_view.computed(make);
+        auto made = m_engine.m_view.computed(before, about.length, make);
         if (!(text() == before)) {
             made.reset();
         }

@@ -37,6 +37,14 @@ public:
         return isDone ? std::move(*result) : std::optional<Result>();
     }
 
+    /// The same of `about` units of `text`, which is the text: at once where they are few.
+    template<class Function>
+    [[nodiscard]] auto computed(const Rope &text, qsizetype about, Function function)
+    {
+        constexpr qsizetype few = qsizetype(256) * 1024;
+        return about <= few ? std::optional(function(text, std::stop_token())) : computed(std::move(function));
+    }
+
     class Scope {
     public:
         explicit Scope(VimRunning &running) : m_running(running) { m_running.beginRun(); }
