@@ -72,7 +72,10 @@ TextRange VimEngine::Editing::charactersFrom(qsizetype caret, qsizetype count) c
 
 void VimEngine::Editing::store(TextRange range, Span span)
 {
-    m_engine.m_registers.set({.text = m_engine.m_view.text().slice(range), .isLinewise = span == Span::lines}, m_engine.m_pendingRegister);
+    const Rope text = m_engine.m_view.text().slice(range);
+    // Exact modal editing, which may be switched on later, keeps registers for the next start.
+    m_engine.m_registers.set({.text = text, .isLinewise = span == Span::lines, .isPrivate = m_engine.isPrivate()},
+                             m_engine.m_pendingRegister);
 }
 
 // Operators

@@ -309,6 +309,8 @@ private:
     VimConfiguration *m_configuration = nullptr;
     VimHistory *m_history = nullptr;
     std::function<VimHistory::Kept()> m_historyKept;
+    /// Whether nothing of the text is to be kept when the program ends.
+    [[nodiscard]] bool isPrivate() const { return m_historyKept && m_historyKept() == VimHistory::Kept::whileRunning; }
     std::optional<qsizetype> m_searchOrigin;
     bool m_showsHits = true;
     /// Where a search's command line leads back to.

@@ -226,13 +226,8 @@ VimRegisterContents VimEngine::Exact::contents(std::optional<char16_t> name) con
 
 void VimEngine::Exact::keep(VimRegisterContents contents, std::optional<char16_t> name, VimRegisters::Taken taken) const
 {
-    contents.isPrivate = isPrivate();
+    contents.isPrivate = engine.isPrivate();
     engine.m_registers.keep(contents, name, taken);
-}
-
-bool VimEngine::Exact::isPrivate() const
-{
-    return engine.m_historyKept && engine.m_historyKept() == VimHistory::Kept::whileRunning;
 }
 
 bool VimEngine::Exact::isSet(std::optional<char16_t> name) const

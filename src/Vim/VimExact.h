@@ -30,8 +30,6 @@ public:
     [[nodiscard]] std::optional<QString> lastSubstitute() const { return commanding.lastReplacement(); }
     [[nodiscard]] VimRegisterContents contents(std::optional<char16_t> name) const;
     void keep(VimRegisterContents contents, std::optional<char16_t> name, VimRegisters::Taken taken) const;
-    /// Whether nothing of the text is to be kept when the program ends.
-    [[nodiscard]] bool isPrivate() const;
     /// The line that ends with the last break is the last one again.
     void terminate() { m_isUnterminated = false; }
     /// What came into a text that was emptied, also if it is gone again when it `wasTyped`, gets the break at its end that the text had;

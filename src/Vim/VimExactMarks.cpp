@@ -54,7 +54,7 @@ std::optional<VimFileMarks::Place> VimEngine::Marking::heldMark(char16_t mark) c
                                .title = name.title,
                                .line = line,
                                .column = *place - lines.startOf(line),
-                               .isPrivate = m_exact.isPrivate()};
+                               .isPrivate = m_engine.isPrivate()};
 }
 
 void VimEngine::Marking::share(char16_t name)

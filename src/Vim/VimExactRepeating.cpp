@@ -217,7 +217,7 @@ void VimEngine::Repeating::toggleRecording(char16_t name)
     if (m_recording) {
         m_engine.notify();
         m_recorded.chop(1); // the key that ends it
-        m_engine.m_registers.store({.text = Rope(std::exchange(m_recorded, {})), .isPrivate = m_exact.isPrivate()},
+        m_engine.m_registers.store({.text = Rope(std::exchange(m_recorded, {})), .isPrivate = m_engine.isPrivate()},
                                    *std::exchange(m_recording, std::nullopt));
     } else if (QChar(name).isLetterOrNumber() || name == u'"') {
         m_recording = name;

@@ -94,8 +94,13 @@ TEST_F(VimSavedStateTest, NothingIsKeptWhileTheModeIsOff)
         run->view.preferences.set(Settings::vimExact, true);
         EXPECT_EQ(run->kept(), "0onelines, xonelines") << "it is switched on while the program runs";
         run->view.preferences.set(Settings::vimExact, false);
+        run->view.engine.configure(VimOptions(VimKeymapPreset::plain));
+        run->view.press(u"\"yyy"_s);
+        run->isPrivate = true;
+        run->view.press(u"\"zyy"_s);
+        run->view.preferences.set(Settings::vimExact, true);
     }
-    EXPECT_EQ(next()->kept(), "0onelines");
+    EXPECT_EQ(next()->kept(), "0onelines, xonelines, yonelines") << "nothing private, whatever the mode was";
 }
 
 TEST_F(VimSavedStateTest, TakesNothingElse)
