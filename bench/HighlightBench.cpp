@@ -4,6 +4,7 @@
 // What colouring costs: the samples of the tests, repeated until the text is as long as it should be.
 
 #include "Highlighting/LanguageRegistry.h"
+#include "Highlighting/Rule.h"
 #include "Highlighting/SyntaxHighlighter.h"
 
 #include <benchmark/benchmark.h>

@@ -4,6 +4,7 @@
 
 #include "Base/Translation.h"
 #include "Editor/SpellingPanel.h"
+#include "Highlighting/Rule.h"
 #include "Highlighting/SyntaxHighlighter.h"
 #include "Spelling/SpellChecker.h"
 #include "View/TextView.h"

@@ -6,6 +6,7 @@
 #include "Base/Scheduler.h"
 #include "Commands/Responder.h"
 #include "Highlighting/Language.h"
+#include "Highlighting/Scope.h"
 #include "Spelling/SpellingWords.h"
 #include "Text/TextStorage.h"
 

@@ -3,6 +3,7 @@
 #include "Highlighting/Language.h"
 
 #include "Highlighting/Languages/LanguageRow.h"
+#include "Highlighting/Rule.h"
 
 #include <algorithm>
 #include <mutex>
@@ -44,11 +45,19 @@ void compileSpans(std::span<const RuleRow> rows, std::vector<SpanRule> &spans)
     }
 }
 
+WordList wordsOf(const RuleRow &row)
+{
+    if (!hasTrait(row.traits, RuleTraits::words)) {
+        return {};
+    }
+    return {row.pattern, row.moreWords, hasTrait(row.traits, RuleTraits::anyCase) ? WordList::Case::any : WordList::Case::asWritten};
+}
+
 void compileTokens(std::span<const RuleRow> rows, std::vector<TokenRule> &rules)
 {
     for (const RuleRow &row : rows) {
         if (auto regex = RegularExpression::compile(patternOf(row), {.anchorsMatchLines = hasTrait(row.traits, RuleTraits::lines)})) {
-            rules.push_back({row.scope, std::move(*regex), hasTrait(row.traits, RuleTraits::group1) ? 1 : 0});
+            rules.push_back({row.scope, std::move(*regex), hasTrait(row.traits, RuleTraits::group1) ? 1 : 0, wordsOf(row)});
         }
     }
 }
@@ -65,7 +74,7 @@ QString patternOf(const RuleRow &row)
         pattern += u'|';
         pattern += row.moreWords;
     }
-    return u"\\b(?:"_s + pattern + u")\\b"_s;
+    return (hasTrait(row.traits, RuleTraits::anyCase) ? u"(?i)\\b(?:"_s : u"\\b(?:"_s) + pattern + u")\\b"_s;
 }
 
 Language::Language() : Language(plainText()) {}

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Highlighting/Rule.h"
-
 #include <QString>
 #include <QStringList>
 
@@ -13,6 +11,8 @@
 #include <vector>
 
 struct LanguageRow;
+struct SpanRule;
+struct TokenRule;
 
 /// What opens something and what closes it: a pair of brackets, a block comment.
 struct DelimiterPair {

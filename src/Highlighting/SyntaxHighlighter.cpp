@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Highlighting/SyntaxHighlighter.h"
 
+#include "Highlighting/Rule.h"
 #include "Text/LineRange.h"
 
 #include <algorithm>
@@ -16,6 +17,17 @@ namespace {
 constexpr qsizetype spanMargin = 0x20000;
 
 } // namespace
+
+/// A rule of the language at work in this text.
+struct SyntaxHighlighter::Rule {
+    Scope scope;
+    RegularExpression regex;
+    int group = 0;
+    const WordList *words = nullptr; ///< the language's
+    int givenUp = 0;
+
+    [[nodiscard]] bool isOff() const { return givenUp >= mostGivenUp; }
+};
 
 /// A part of the text in one piece, which is what expressions search quickest. Positions are still those of the text.
 class SyntaxHighlighter::Excerpt {
@@ -37,6 +49,12 @@ public:
     void forEachMatch(Rule &rule, TextRange range, Rest rest, Visitor &&visit) const
     {
         const TextRange all{range.location - m_range.location, range.length};
+        if (rule.words && !rule.words->isEmpty()) {
+            rule.words->forEachIn(units().sliced(all.location, all.length), rule.regex, [&](TextRange word) {
+                visit(TextRange{word.location + range.location, word.length});
+            });
+            return;
+        }
         qsizetype done = search(rule, all, {}, visit);
         if (done == all.end()) {
             return;
@@ -178,7 +196,7 @@ void SyntaxHighlighter::cloneRules()
         m_spanRules.push_back({rule.scope, rule.regex.clone()});
     }
     for (const TokenRule &rule : m_language.rules()) {
-        m_tokenRules.push_back({rule.scope, rule.regex.clone(), rule.group});
+        m_tokenRules.push_back({rule.scope, rule.regex.clone(), rule.group, &rule.words});
     }
 }
 

@@ -5,6 +5,7 @@
 #include "Base/NotificationCenter.h"
 #include "Base/Scheduler.h"
 #include "Highlighting/Language.h"
+#include "Highlighting/Scope.h"
 #include "Highlighting/Theme.h"
 #include "Text/TextStorage.h"
 
@@ -83,15 +84,7 @@ private:
         qsizetype knownEnd = 0;
         bool isKnownBefore = false;
     };
-    /// A rule of the language at work in this text.
-    struct Rule {
-        Scope scope;
-        RegularExpression regex;
-        int group = 0;
-        int givenUp = 0;
-
-        [[nodiscard]] bool isOff() const { return givenUp >= mostGivenUp; }
-    };
+    struct Rule;
     class Excerpt;
     class Paint;
 

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/Languages/LanguageRow.h"
+#include "Highlighting/Rule.h"
+#include "Text/RandomText.h"
 
 #include <QDirIterator>
 #include <QFile>
@@ -132,6 +134,44 @@ TEST(Language, DropsRulesThatDoNotCompileAndKeepsTheOthersInOrder)
     EXPECT_EQ(find(0, u"elsewhere unless"), (TextRange{10, 6}));
     EXPECT_EQ(find(1, u"a\n1"), (TextRange{2, 1}));
     EXPECT_EQ(find(2, u"b\na"), std::nullopt);
+}
+
+TEST(Language, LooksUpWordsAsItsExpressionsFindThem)
+{
+    static constexpr auto between =
+        std::to_array<QStringView>({u" ", u"\n", u"-", u"$", u"_", u"x", u"7", u"é", u"\u0301", u"\u200d", u"\u00ad", u"\U0001d538",
+                                    u"\U0001f600", u"\xd83d", u"ſ", u"\u212a", u"ß", u"\ufb01", u""});
+    Random random(1);
+    int listCount = 0;
+    for (const LanguageRow &row : builtInLanguages()) {
+        const Language language(row);
+        for (size_t place = 0; place < language.rules().size(); ++place) {
+            const WordList &words = language.rules()[place].words;
+            const RuleRow &rule = row.rules->tokens[place];
+            if (words.isEmpty()) {
+                continue;
+            }
+            ++listCount;
+            const QStringList list = rule.pattern.toString().split(u'|') + rule.moreWords.toString().split(u'|');
+            QString text;
+            for (int i = 0; i < 1000; ++i) {
+                const QString &word = random.of(list);
+                text += random.oneIn(3) ? word.toLower() : random.oneIn(3) ? word.toUpper() : word;
+                text += random.of(between);
+                text += random.oneIn(9) ? QString(word).replace(u's', u'ſ').replace(u"fi"_s, u"\ufb01"_s) : QString();
+            }
+            RegularExpression regex = language.rules()[place].regex.clone();
+            std::vector<TextRange> expected, found;
+            regex.forEachMatch(text, {0, text.size()}, [&](const RegularExpression &match) {
+                expected.push_back(match.range());
+                return true;
+            });
+            words.forEachIn(text, regex, [&](TextRange word) { found.push_back(word); });
+            EXPECT_TRUE(found == expected && expected.size() > 30) << language.id().toStdString() << ", rule " << place + 1;
+        }
+    }
+    EXPECT_GT(listCount, 20);
+    EXPECT_TRUE(WordList(u"define|defined?", {}, WordList::Case::asWritten).isEmpty()) << "a pattern";
 }
 
 TEST(Language, CompilesOnceForAllThreads)

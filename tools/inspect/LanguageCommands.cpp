@@ -3,6 +3,7 @@
 #include "Command.h"
 
 #include "Highlighting/LanguageRegistry.h"
+#include "Highlighting/Rule.h"
 
 #include <QJsonArray>
 

@@ -23,7 +23,7 @@ constexpr auto cmakeTokens = std::to_array<RuleRow>({
     hashLineComment,
     doubleQuotedString,
     {variable, none, uR"(\$\{[^}\n]*\})"},
-    {keyword, none, uR"((?i)\b(?:if|elseif|else|endif|foreach|endforeach|while|endwhile|function|endfunction|macro|endmacro|return|break|continue|include|set|unset|option|project|cmake_minimum_required)\b)"},
+    {keyword, words | anyCase, u"if|elseif|else|endif|foreach|endforeach|while|endwhile|function|endfunction|macro|endmacro|return|break|continue|include|set|unset|option|project|cmake_minimum_required"},
     call,
 });
 

@@ -19,6 +19,8 @@ enum class RuleTraits {
     group1 = 2,
     /// The pattern is a list of words with `|` between them; each of them is matched where it stands alone.
     words = 4,
+    /// Capital and small letters are the same. For words only; any other pattern says `(?i)`.
+    anyCase = 8,
 };
 
 [[nodiscard]] constexpr RuleTraits operator|(RuleTraits left, RuleTraits right)

@@ -9,14 +9,14 @@
 // Rules that several languages have.
 
 // clang-format off
-inline constexpr RuleRow cBlockComment =      {Scope::comment,  RuleTraits::none,   uR"(/\*(?:[^*]|\*(?!/))*\*/)"};
+inline constexpr RuleRow cBlockComment =      {Scope::comment,  RuleTraits::none,   uR"(/\*[^*]*+(?:\*(?!/)[^*]*+)*+\*/)"};
 inline constexpr RuleRow slashLineComment =   {Scope::comment,  RuleTraits::lines,  uR"(//.*$)"};
 inline constexpr RuleRow hashLineComment =    {Scope::comment,  RuleTraits::lines,  uR"(#.*$)"};
 inline constexpr RuleRow doubleQuotedString = {Scope::string,   RuleTraits::none,   uR"("(?:[^"\\\n]|\\.)*")"};
 inline constexpr RuleRow singleQuotedString = {Scope::string,   RuleTraits::none,   uR"('(?:[^'\\\n]|\\.)*')"};
 inline constexpr RuleRow rawSingleQuotedString = {Scope::string, RuleTraits::none,  uR"('[^'\n]*')"};
 inline constexpr RuleRow standardNumber =     {Scope::number,   RuleTraits::none,   uR"(\b(?:0[xX][0-9a-fA-F_]+|0[bB][01_]+|0[oO][0-7_]+|\d[\d_]*(?:\.[\d_]+)?(?:[eE][+-]?\d+)?)\b)"};
-inline constexpr RuleRow call =               {Scope::function, RuleTraits::group1, uR"(\b([A-Za-z_][A-Za-z0-9_]*)\s*\()"};
+inline constexpr RuleRow call =               {Scope::function, RuleTraits::group1, uR"(\b([A-Za-z_][A-Za-z0-9_]*+)\s*\()"};
 inline constexpr RuleRow capitalisedName =    {Scope::type,     RuleTraits::group1, uR"(\b([A-Z][A-Za-z0-9_]*)\b)"};
 // clang-format on
 
