@@ -83,9 +83,7 @@ void ScriptedAlertPresenter::present(const ChoicePanel &panel, QWidget *, Choice
     completion(found == panel.choices.end() ? std::nullopt : std::optional(int(found - panel.choices.begin())));
 }
 
-void ScriptedAlertPresenter::present(const FontPanel &panel, QWidget *, FontCompletion completion)
+void ScriptedAlertPresenter::present(const FontPanel & /*panel*/, QWidget *, FontCompletion completion)
 {
-    m_fontPanels.push_back(panel);
-    const std::optional<FontChoice> font = takeFirst(m_fonts);
-    completion(font);
+    completion(takeFirst(m_fonts));
 }

@@ -186,7 +186,6 @@ public:
     [[nodiscard]] const std::vector<Alert> &alerts() const { return m_alerts; }
     [[nodiscard]] const std::vector<OpenPanel> &openPanels() const { return m_openPanels; }
     [[nodiscard]] const std::vector<SavePanel> &savePanels() const { return m_savePanels; }
-    [[nodiscard]] const std::vector<FontPanel> &fontPanels() const { return m_fontPanels; }
     [[nodiscard]] const std::vector<ChoicePanel> &choicePanels() const { return m_choicePanels; }
     [[nodiscard]] int beepCount() const { return m_beepCount; }
 
@@ -202,7 +201,6 @@ private:
     std::vector<Alert> m_alerts;
     std::vector<OpenPanel> m_openPanels;
     std::vector<SavePanel> m_savePanels;
-    std::vector<FontPanel> m_fontPanels;
     std::deque<AlertReply> m_replies;
     std::deque<QStringList> m_openPaths;
     std::deque<QString> m_savePaths;
