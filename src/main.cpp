@@ -121,6 +121,8 @@ int main(int argc, char **argv)
     CommandLine line = CommandLine::parse(arguments, workingFolder());
     if (line.language) {
         Localization::use(*line.language);
+        // What is wrong was worded before that was known.
+        line = line.problems.isEmpty() ? line : CommandLine::parse(arguments, workingFolder());
     }
     printProblems(line);
     switch (line.request) {

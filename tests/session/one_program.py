@@ -111,7 +111,9 @@ class OneProgram(unittest.TestCase):
         self.assertNotEqual(os.getsid(behind[0]), os.getsid(0), "it stays when the terminal goes")
         os.kill(behind[0], signal.SIGTERM)
         until("its end", lambda: not self.others(asked))
-        self.assertEqual(self.code(self.start("--diff", "a.txt", "missing")), 2)
+        refused = self.start("--language", "de", "--diff", "a.txt", "missing")
+        self.assertEqual(self.code(refused), 2)
+        self.assertIn("existiert nicht", refused.stderr.read())
 
     def test_one_that_hangs_is_left_alone(self):
         first = self.start_with("a.txt")
