@@ -126,6 +126,7 @@ void VimSavedState::load()
 
 void VimSavedState::noteChange()
 {
+    m_hasChanged = true;
     if (isKept() && !m_pending.isPending()) {
         m_pending = m_services.scheduler.after(delay, [this] { write(); });
     }
@@ -133,7 +134,7 @@ void VimSavedState::noteChange()
 
 void VimSavedState::write()
 {
-    if (!isKept() || !m_isLoaded) {
+    if (!isKept() || !m_isLoaded || !m_hasChanged) {
         return;
     }
     if (const QByteArray content = toJson(); content != m_written) {

@@ -15,7 +15,8 @@ class VimRegisters;
 ///
 /// The file is a JSON object with two arrays: "registers", of objects with "name", "text", "type" ("characters", "lines" or "block") and of
 /// a block "width" in cells; and "marks", of objects with "name", "path", "line" (from 1) and "column" (UTF-16 units, from 0). It is never
-/// trusted: what is not of that kind is left out. It is written some seconds after a change, and by the destructor.
+/// trusted: what is not of that kind is left out. It is written some seconds after a change, and by the destructor when something was
+/// changed: of several programs the last that has something to say wins.
 class VimSavedState final {
 public:
     struct Services {
@@ -50,6 +51,8 @@ private:
     KeptFile m_file;
     QByteArray m_written;
     bool m_isLoaded = false;
+    /// By this run, whatever the mode was.
+    bool m_hasChanged = false;
     DelayedTask m_pending;
     NotificationCenter::Token m_preferences;
 };

@@ -103,6 +103,14 @@ TEST_F(VimSavedStateTest, NothingIsKeptWhileTheModeIsOff)
     EXPECT_EQ(next()->kept(), "0onelines, xonelines, yonelines") << "nothing private, whatever the mode was";
 }
 
+TEST_F(VimSavedStateTest, ARunThatChangedNothingLeavesWhatAnotherKept)
+{
+    auto idle = next();
+    next()->view.press(u"\"ayy"_s);
+    idle.reset();
+    EXPECT_EQ(next()->kept(), "aonelines");
+}
+
 TEST_F(VimSavedStateTest, TakesNothingElse)
 {
     m_folder.put(u"data/vim.json"_s,
