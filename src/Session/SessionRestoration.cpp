@@ -15,8 +15,9 @@ namespace {
 
 class Restoration final {
 public:
-    Restoration(const SessionStore::Saved &saved, SessionStore &store, DocumentStore &documents)
-        : m_saved(saved), m_store(store), m_documents(documents), m_otherDrafts(saved.otherDrafts.begin(), saved.otherDrafts.end())
+    Restoration(const SessionStore::Saved &saved, SessionStore &store, DocumentStore &documents, std::chrono::milliseconds timeout)
+        : m_saved(saved), m_store(store), m_documents(documents), m_deadline(std::chrono::steady_clock::now() + timeout),
+          m_otherDrafts(saved.otherDrafts.begin(), saved.otherDrafts.end())
     {
         // What killed programs were writing in place, unless they had come to the end.
         for (const RescuedFile &rescued : rescuedFiles(store.rescueDirectory())) {
@@ -24,7 +25,7 @@ public:
             if (rescued.isBeingWritten || !content) {
                 continue;
             }
-            if (content->state && DocumentFile::hasContent(rescued.target, *content->state)) {
+            if (content->state && isWritten(rescued.target, *content->state)) {
                 removeRescued(rescued);
             } else {
                 m_rescued.insert_or_assign(rescued.target, Rescued{rescued, *content});
@@ -32,7 +33,7 @@ public:
         }
     }
 
-    std::vector<RestoredDocument> run(std::chrono::milliseconds timeout, const RecoveryReport &report)
+    std::vector<RestoredDocument> run(const RecoveryReport &report)
     {
         m_later->report = report;
         collectSources();
@@ -48,10 +49,7 @@ public:
             }
             add({}, std::move(document), isOther ? QString() : path);
         }
-        const auto deadline = std::chrono::steady_clock::now() + timeout;
-        for (Made &made : m_made) {
-            finish(made, deadline);
-        }
+        std::ranges::for_each(m_made, [this](Made &made) { finish(made); });
         for (TextDocument &document : recoverInsertions(m_store, m_documents)) {
             m_restored.push_back({{}, document.shared_from_this()});
         }
@@ -85,6 +83,19 @@ private:
         bool isNow = false;
         RecoveryReport report;
     };
+
+    /// The file at `target` has the whole text. One that does not answer, as when a share that is gone was being written, is not known to.
+    [[nodiscard]] bool isWritten(const QString &target, const FileState &text) const
+    {
+        bool isWritten = false;
+        const DocumentServices &services = m_documents.services();
+        BackgroundTask looking = BackgroundTask::start(
+            services.workers,
+            [target, text, &files = services.files](const std::stop_token &) { return DocumentFile::hasContent(target, text, files); },
+            [&isWritten](bool hasContent) { isWritten = hasContent; });
+        std::ignore = looking.waitUntil(m_deadline);
+        return isWritten;
+    }
 
     void collectSources()
     {
@@ -337,10 +348,10 @@ private:
     }
 
     /// The store gets the document when it has its text: a highlighter would colour all of that as an edit.
-    void finish(Made &made, std::chrono::steady_clock::time_point deadline)
+    void finish(Made &made)
     {
         if (made.document) {
-            std::ignore = made.document->requests().waitUntil(FileRequests::Kind::arrival, deadline);
+            std::ignore = made.document->requests().waitUntil(FileRequests::Kind::arrival, m_deadline);
             if (made.document->arrival().failure().error) {
                 return;
             }
@@ -368,6 +379,8 @@ private:
     const SessionStore::Saved &m_saved;
     SessionStore &m_store;
     DocumentStore &m_documents;
+    /// For files that are waited for, all together.
+    std::chrono::steady_clock::time_point m_deadline;
     std::set<QString> m_otherDrafts;
     std::vector<Source> m_sources;
     std::shared_ptr<Later> m_later = std::make_shared<Later>();
@@ -385,5 +398,5 @@ private:
 std::vector<RestoredDocument> restoreDocuments(const SessionStore::Saved &saved, SessionStore &store, DocumentStore &documents,
                                                std::chrono::milliseconds timeout, const RecoveryReport &report)
 {
-    return Restoration(saved, store, documents).run(timeout, report);
+    return Restoration(saved, store, documents, timeout).run(report);
 }

@@ -53,6 +53,13 @@ protected:
     {
         return TestFolder::put(QStringLiteral("Quillet/") + name, content);
     }
+    /// What a program that has ended was writing to `target`; nobody has its number.
+    void putRescued(const QString &name, const QString &target, const QByteArray &content) const
+    {
+        const QString base = QStringLiteral("Rescue/") + QString::fromLatin1(programMark(99'999'999)) + name;
+        put(base + QStringLiteral(".content"), content);
+        put(base + QStringLiteral(".target"), target.toUtf8());
+    }
 
     DocumentStore documents{services, {}};
     FaultyCalls calls;

@@ -177,15 +177,9 @@ TEST_F(SessionKeeperTest, AFileThatWasBeingWrittenInPlaceComesBackWhole)
     showInWindow({file});
     keeper.performAutosave();
     expectWritten(*store);
-    // By a program that has ended; nobody has this number.
-    const QByteArray mark = programMark(99'999'999);
-    for (const auto &[name, target, content] :
-         {std::tuple(u"1"_s, file->path(), "the whole text"), std::tuple(u"2"_s, other, "written to its end"),
-          std::tuple(u"3"_s, path(u"gone.txt"_s), "of a file that is gone")}) {
-        const QString base = u"Rescue/"_s + QString::fromLatin1(mark) + name;
-        put(base + u".content"_s, content);
-        put(base + u".target"_s, target.toUtf8());
-    }
+    putRescued(u"1"_s, file->path(), "the whole text");
+    putRescued(u"2"_s, other, "written to its end");
+    putRescued(u"3"_s, path(u"gone.txt"_s), "of a file that is gone");
     put(u"a.txt"_s, "the wh");
     owned.reset();
     store.reset();
@@ -202,7 +196,7 @@ TEST_F(SessionKeeperTest, AFileThatWasBeingWrittenInPlaceComesBackWhole)
     }
     EXPECT_EQ(texts, (QStringList{u"a.txt: the whole text"_s, u"gone.txt: of a file that is gone"_s}));
     expectWritten(*store);
-    EXPECT_EQ(names(u"Rescue"_s), QStringList());
+    EXPECT_EQ(names(u"Quillet/Rescue"_s), QStringList());
     EXPECT_EQ(drafts().size(), 2);
 }
 

@@ -692,3 +692,15 @@ TEST_F(SessionStoreTest, FilesThatDoNotAnswerAreWaitedForInTheirTabs)
     workers.isHeld = false;
     EXPECT_TRUE(saved(text, file));
 }
+
+TEST_F(SessionStoreTest, NobodyWaitsForAFileThatWasBeingWritten)
+{
+    putRescued(u"1"_s, put(u"a.txt"_s, "whole"), "whole");
+    workers.isHeld = true;
+    auto store = open();
+    const auto restored = restoreDocuments(store->read(), *store, documents, 0ms);
+    ASSERT_EQ(restored.size(), 1U) << "what is on a share that is gone nobody knows";
+    EXPECT_TRUE(restored.front().document->hasUnsavedText());
+    EXPECT_EQ(restored.front().document->storage().string(), u"whole"_s);
+    workers.finish();
+}
