@@ -173,14 +173,16 @@ std::optional<WindowLayout> SessionKeeper::restore()
 
 void SessionKeeper::bringBack(const QString &path)
 {
-    if (!m_preferences.value(Settings::restoreSession)) {
+    SessionStore::Saved saved;
+    if (m_preferences.value(Settings::restoreSession)) {
+        saved = m_store.takeCarriedOver(path);
+    }
+    // A file that was not written to its end gets its text back, whatever is wanted of sessions.
+    saved.rescued = m_store.takeRescued(path);
+    if (saved.isEmpty()) {
         return;
     }
     const auto show = [this](TextDocument &document) { showBehind(document); };
-    const SessionStore::Saved saved = m_store.takeCarriedOver(path);
-    if (saved.snapshot->documents.isEmpty() && saved.edited.isEmpty()) {
-        return;
-    }
     for (const RestoredDocument &restored : restoreDocuments(saved, m_store, m_documents, restorationTimeout, show)) {
         if (restored.document->origin) {
             show(*restored.document);

@@ -19,15 +19,11 @@ public:
         : m_saved(saved), m_store(store), m_documents(documents), m_deadline(std::chrono::steady_clock::now() + timeout),
           m_otherDrafts(saved.otherDrafts.begin(), saved.otherDrafts.end())
     {
-        // What killed programs were writing in place, unless they had come to the end.
-        for (const RescuedFile &rescued : rescuedFiles(store.rescueDirectory())) {
+        for (const RescuedFile &rescued : saved.rescued) {
             const auto content = TextFile::read(rescued.content);
-            if (rescued.isBeingWritten || !content) {
-                continue;
-            }
-            if (content->state && isWritten(rescued.target, *content->state)) {
+            if (content && content->state && isWritten(rescued.target, *content->state)) {
                 removeRescued(rescued);
-            } else {
+            } else if (content) {
                 m_rescued.insert_or_assign(rescued.target, Rescued{rescued, *content});
             }
         }

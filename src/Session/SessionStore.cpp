@@ -19,6 +19,8 @@
 #include <QFileInfo>
 #include <QThreadPool>
 
+#include <algorithm>
+#include <functional>
 #include <mutex>
 #include <set>
 #include <unistd.h>
@@ -38,6 +40,16 @@ constexpr qsizetype bytesOfEdit = 24;
 constexpr auto temporaryFiles = ".quillet-*"_L1;
 /// The beginning of 2001 in UTC, in seconds of Unix.
 constexpr double referenceDate = 978307200;
+
+/// Those that are wanted, which are gone from `list`.
+template<class List>
+List taken(List &list, const auto &isWanted)
+{
+    const auto first = std::stable_partition(list.begin(), list.end(), std::not_fn(isWanted));
+    const List wanted(first, list.end());
+    list.erase(first, list.end());
+    return wanted;
+}
 
 bool isPlainName(const QString &name)
 {
@@ -193,6 +205,8 @@ SessionStore::Saved SessionStore::read()
     }
     const auto setAside = m_journal->readSetAside();
     m_setAside.assign(setAside.begin(), setAside.end());
+    saved.rescued = rescuedFiles(rescueDirectory());
+    std::erase_if(saved.rescued, &RescuedFile::isBeingWritten);
     std::set<QString> named;
     if (saved.snapshot) {
         for (const Snapshot::Document &document : saved.snapshot->documents) {
@@ -252,20 +266,25 @@ void SessionStore::carryOver()
     std::ranges::copy_if(saved.edited, std::back_inserter(m_carriedEdits), [this](const Snapshot::Document &edited) {
         return std::ranges::find(m_carriedOver, edited.id, &Snapshot::Document::id) == m_carriedOver.end();
     });
+    m_carriedRescued = saved.rescued;
 }
 
 SessionStore::Saved SessionStore::takeCarriedOver(const QString &path)
 {
     carryOver();
-    const auto take = [name = QDir::cleanPath(path)](QList<Snapshot::Document> &from) {
-        const auto ofFile = std::stable_partition(from.begin(), from.end(), [&name](const Snapshot::Document &document) {
-            return !document.filePath || QDir::cleanPath(*document.filePath) != name;
-        });
-        const QList<Snapshot::Document> taken(ofFile, from.end());
-        from.erase(ofFile, from.end());
-        return taken;
+    const auto isOfFile = [name = QDir::cleanPath(path)](const Snapshot::Document &document) {
+        return document.filePath && QDir::cleanPath(*document.filePath) == name;
     };
-    return {.snapshot = Snapshot{.documents = take(m_carriedOver)}, .otherDrafts = {}, .edited = take(m_carriedEdits)};
+    const auto documents = taken(m_carriedOver, isOfFile);
+    return {.snapshot = documents.isEmpty() ? std::nullopt : std::optional(Snapshot{.documents = documents}),
+            .otherDrafts = {},
+            .edited = taken(m_carriedEdits, isOfFile)};
+}
+
+std::vector<RescuedFile> SessionStore::takeRescued(const QString &path)
+{
+    carryOver();
+    return taken(m_carriedRescued, [&](const RescuedFile &rescued) { return rescued.target == QDir::cleanPath(path); });
 }
 
 bool SessionStore::setAside(const QString &folder)

@@ -64,6 +64,10 @@ public:
         QStringList otherDrafts;
         /// Documents in which something was typed since they were last written, as they were then.
         QList<Snapshot::Document> edited = {};
+        /// Texts of files that were not written to their end.
+        std::vector<RescuedFile> rescued = {};
+
+        [[nodiscard]] bool isEmpty() const { return !snapshot && otherDrafts.isEmpty() && edited.isEmpty() && rescued.empty(); }
     };
 
     /// Makes the folders, for the user only, unless it is a guest. `preferences` and `calls` must outlive the store.
@@ -93,8 +97,11 @@ public:
     /// Once. A snapshot that cannot be read is moved to a folder of its own, with all drafts. When this was not called before anything is
     /// written, what it would have returned is carried over: texts that were not saved are in the next snapshots too.
     [[nodiscard]] Saved read();
-    /// What was carried over of unsaved texts of the file at `path`, which is absolute; from now on that is the caller's.
+    /// What was carried over of unsaved texts of the file at `path`, which is absolute, but for `rescued`; from now on that is the
+    /// caller's.
     [[nodiscard]] Saved takeCarriedOver(const QString &path);
+    /// The same for the text that stands for a file which was not written to its end.
+    [[nodiscard]] std::vector<RescuedFile> takeRescued(const QString &path);
     /// A draft's text; none when the name is none of a draft, or when it cannot be read: then it is left where it is.
     [[nodiscard]] std::optional<Rope> draft(const QString &name);
     /// When the draft was written; none when that is unknown.
@@ -207,6 +214,7 @@ private:
     QList<Snapshot::Document> m_carriedOver;
     /// The same for what has been edited only, and has no draft.
     QList<Snapshot::Document> m_carriedEdits;
+    std::vector<RescuedFile> m_carriedRescued;
     std::function<void(const QString &folder)> m_reportSetAside;
     /// Drafts that may be on disk, and the revision of the text that was last handed over.
     std::map<QString, std::optional<quint64>> m_drafts;

@@ -200,6 +200,21 @@ TEST_F(SessionKeeperTest, AFileThatWasBeingWrittenInPlaceComesBackWhole)
     EXPECT_EQ(drafts().size(), 2);
 }
 
+TEST_F(SessionKeeperTest, AFileThatWasBeingWrittenInPlaceOpensWithItsText)
+{
+    const QString file = put(u"a.txt"_s, "the wh");
+    putRescued(u"1"_s, file, "the whole text");
+    putRescued(u"2"_s, path(u"other.txt"_s), "of another file");
+    preferences.set(Settings::restoreSession, false);
+    keeper.bringBack(file);
+    ASSERT_EQ(documents.documents().size(), 1U);
+    EXPECT_EQ(documents.documentAt(file)->storage().string(), u"the whole text"_s);
+    EXPECT_TRUE(documents.documentAt(file)->hasUnsavedText());
+    expectWritten(*store);
+    EXPECT_EQ(drafts().size(), 1);
+    EXPECT_EQ(names(u"Quillet/Rescue"_s).size(), 2) << "that of the other one waits for it";
+}
+
 TEST_F(SessionKeeperTest, NonsenseInASnapshotLosesNoText)
 {
     const Documents all = {add(u"a"_s), add(u"b"_s), add(u"c"_s)};
