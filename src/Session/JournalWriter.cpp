@@ -204,7 +204,7 @@ void JournalWriter::dropSetAside(const QUuid &document, quint64 lastNumber)
     });
 }
 
-bool JournalWriter::waitUntilWritten(std::chrono::milliseconds timeout)
+bool JournalWriter::waitUntilWritten(QDeadlineTimer deadline)
 {
-    return m_thread.waitForDone(int(timeout.count())) && m_flushing.waitForDone(int(timeout.count()));
+    return m_thread.waitForDone(int(deadline.remainingTime())) && m_flushing.waitForDone(int(deadline.remainingTime()));
 }

@@ -5,9 +5,9 @@
 #include "Base/FileCalls.h"
 #include "Session/EditJournal.h"
 
+#include <QDeadlineTimer>
 #include <QThreadPool>
 
-#include <chrono>
 #include <functional>
 #include <map>
 #include <set>
@@ -51,7 +51,7 @@ public:
     void drop(const QUuid &document, quint64 number);
     /// Those up to `lastNumber` that were set aside are not needed any more.
     void dropSetAside(const QUuid &document, quint64 lastNumber);
-    [[nodiscard]] bool waitUntilWritten(std::chrono::milliseconds timeout);
+    [[nodiscard]] bool waitUntilWritten(QDeadlineTimer deadline);
 
 private:
     /// The last one of a document.

@@ -14,6 +14,7 @@
 
 #include <QCryptographicHash>
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -613,6 +614,7 @@ void SessionStore::runInOrder(std::function<void()> job)
 
 bool SessionStore::waitUntilWritten(std::chrono::milliseconds timeout)
 {
+    const QDeadlineTimer deadline(timeout);
     // Drafts first: they make journals go.
-    return m_thread->waitForDone(int(timeout.count())) && m_journal->waitUntilWritten(timeout);
+    return m_thread->waitForDone(int(deadline.remainingTime())) && m_journal->waitUntilWritten(deadline);
 }
