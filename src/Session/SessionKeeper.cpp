@@ -25,6 +25,7 @@ SessionKeeper::SessionKeeper(Scheduler &scheduler, NotificationCenter &notificat
     m_documentsObserver = notifications.observe(DocumentStore::didChange, &documents, [this] { followDocuments(); });
     QObject::connect(&documents, &DocumentStore::removed, &m_context, [this](const TextDocument &document) {
         m_followed.erase(&document);
+        m_editedWhileSaved.erase(&document);
         QObject::disconnect(&document.storage(), nullptr, &m_context, nullptr);
     });
     startTimer();
@@ -46,9 +47,13 @@ void SessionKeeper::follow(TextDocument &document)
     // The document itself has heard of it then.
     QObject::connect(&document.storage(), &TextStorage::didProcessEditing, &m_context, [this, &document](const TextChange &change) {
         m_store.noteEdit(document, change, m_wasDirty ? SessionStore::Before::dirty : SessionStore::Before::saved);
-        if (document.saves().isActive()) {
+        if (document.saves().isActive() && m_editedWhileSaved.insert(&document).second) {
             // What the edits build on goes with the old content of the file.
-            document.saves().whenOver([this, &document](bool /*isWritten*/) { m_store.writeDraft(document); });
+            document.saves().whenOver([this, &document](bool /*isWritten*/) {
+                if (m_editedWhileSaved.erase(&document) != 0) {
+                    m_store.writeDraft(document);
+                }
+            });
         }
         if (!m_flush.isPending()) {
             m_flush = m_scheduler.after(flushInterval, [this] { m_store.flushEdits(); });
@@ -86,25 +91,19 @@ void SessionKeeper::performAutosave()
     if (m_preferences.value(Settings::autosaveToDisk)) {
         saveToFiles();
     }
-    const DraftNames drafts = writeDrafts();
-    if (const auto windows = layouts(); wantsSession(windows)) {
-        writeSession(windows[m_windows->frontmostLayout()], drafts);
-    }
+    keep();
 }
 
 void SessionKeeper::keep()
 {
-    if (const auto windows = layouts(); wantsSession(windows)) {
-        writeSession(windows[m_windows->frontmostLayout()], writeDrafts());
-    }
+    const auto windows = layouts();
+    write(windows, windows.empty() ? 0 : m_windows->frontmostLayout());
 }
 
 SessionKeeper::Kept SessionKeeper::keepAndWait(std::chrono::milliseconds timeout)
 {
     const auto windows = layouts();
-    if (wantsSession(windows)) {
-        writeSession(windows.back(), writeDrafts());
-    }
+    write(windows, windows.size() - 1);
     const bool isWritten = m_store.waitUntilWritten(timeout);
     const bool hasUnsavedText = std::ranges::any_of(windows, [](const WindowLayout &window) {
         return std::ranges::any_of(window.panes.documents(), [](const auto &document) { return document->hasUnsavedText(); });
@@ -112,7 +111,7 @@ SessionKeeper::Kept SessionKeeper::keepAndWait(std::chrono::milliseconds timeout
     if (!hasUnsavedText || (isWritten && m_store.keepsUnsavedText())) {
         return Kept::all;
     }
-    const bool isForLater = isWritten && !m_store.isOwner() && wantsSession(windows) && m_store.keepsDrafts();
+    const bool isForLater = isWritten && !m_store.isOwner() && wantsSession() && m_store.keepsDrafts();
     return isForLater ? Kept::forLater : Kept::notAll;
 }
 
@@ -121,9 +120,9 @@ std::vector<WindowLayout> SessionKeeper::layouts() const
     return m_windows ? m_windows->layouts() : std::vector<WindowLayout>();
 }
 
-bool SessionKeeper::wantsSession(const std::vector<WindowLayout> &layouts) const
+bool SessionKeeper::wantsSession() const
 {
-    return m_preferences.value(Settings::restoreSession) && !layouts.empty();
+    return m_preferences.value(Settings::restoreSession);
 }
 
 void SessionKeeper::saveToFiles()
@@ -154,15 +153,19 @@ DraftNames SessionKeeper::writeDrafts()
     return drafts;
 }
 
-void SessionKeeper::writeSession(const WindowLayout &window, const DraftNames &drafts)
+/// Drafts, and then the session, if it is wanted: that of one of the windows.
+void SessionKeeper::write(const std::vector<WindowLayout> &windows, size_t shown)
 {
-    m_windows->rememberPlaces();
-    m_store.write(snapshotOf(window, m_documents.documents(), drafts));
+    const DraftNames drafts = writeDrafts();
+    if (wantsSession() && !windows.empty()) {
+        m_windows->rememberPlaces();
+        m_store.write(snapshotOf(windows[shown], m_documents.documents(), drafts));
+    }
 }
 
 std::optional<WindowLayout> SessionKeeper::restore()
 {
-    if (!m_preferences.value(Settings::restoreSession)) {
+    if (!wantsSession()) {
         return std::nullopt;
     }
     const SessionStore::Saved saved = m_store.read();
@@ -174,7 +177,7 @@ std::optional<WindowLayout> SessionKeeper::restore()
 void SessionKeeper::bringBack(const QString &path)
 {
     SessionStore::Saved saved;
-    if (m_preferences.value(Settings::restoreSession)) {
+    if (wantsSession()) {
         saved = m_store.takeCarriedOver(path);
     }
     // A file that was not written to its end gets its text back, whatever is wanted of sessions.

@@ -82,9 +82,9 @@ private:
     void saveToFiles();
     [[nodiscard]] DraftNames writeDrafts();
     void showBehind(TextDocument &document);
-    void writeSession(const WindowLayout &window, const DraftNames &drafts);
+    void write(const std::vector<WindowLayout> &windows, size_t shown);
     [[nodiscard]] std::vector<WindowLayout> layouts() const;
-    [[nodiscard]] bool wantsSession(const std::vector<WindowLayout> &layouts) const;
+    [[nodiscard]] bool wantsSession() const;
 
     Scheduler &m_scheduler;
     const Preferences &m_preferences;
@@ -98,6 +98,8 @@ private:
     DelayedTask m_flush;
     /// Those whose edits are noted, and whether the one that is being edited was dirty.
     std::set<const TextDocument *> m_followed;
+    /// Those that were edited since their save began.
+    std::set<const TextDocument *> m_editedWhileSaved;
     bool m_wasDirty = false;
     QObject m_context;
     NotificationCenter::Token m_documentsObserver;
