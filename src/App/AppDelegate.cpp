@@ -140,9 +140,9 @@ const ActionRow *AppDelegate::actionFor(const Action &wanted) const
 
 // Windows
 
-MainWindowController &AppDelegate::makeWindow(MainWindowController::Content content)
+MainWindowController &AppDelegate::addWindow()
 {
-    auto *window = new MainWindowController(m_services, m_layouts, content);
+    auto *window = new MainWindowController(m_services, m_layouts);
     window->setNextResponder(this);
     MainMenu::install(*window, window->firstResponder(), menuSources());
     window->toolbar().setMenuFiller(
@@ -159,6 +159,19 @@ MainWindowController &AppDelegate::makeWindow(MainWindowController::Content cont
     connect(window, &MainWindowController::closed, this, [this, window] { windowClosed(*window); });
     connect(window, &MainWindowController::closingRefused, this, [this] { m_isTerminating = false; });
     return *window;
+}
+
+MainWindowController &AppDelegate::makeWindow()
+{
+    MainWindowController &window = addWindow();
+    window.workspace().openUntitled();
+    return window;
+}
+
+MainWindowController &AppDelegate::windowInFront()
+{
+    MainWindowController *front = frontmostWindow();
+    return front ? *front : makeWindow();
 }
 
 MenuSources AppDelegate::menuSources() const
@@ -178,6 +191,11 @@ MenuSources AppDelegate::menuSources() const
 
 void AppDelegate::windowClosed(MainWindowController &window)
 {
+    // The session is that of a window that is there, or was the last.
+    window.workspace().rememberPlaces();
+    if (m_windows.size() == 1) {
+        m_services.keeper.keep();
+    }
     std::erase(m_windows, &window);
     window.workspace().retire();
     const bool isKept = m_services.session.keepsUnsavedText();
@@ -203,7 +221,6 @@ void AppDelegate::windowClosed(MainWindowController &window)
         emit finished();
         return;
     }
-    // The session is that of a window that is there.
     m_services.keeper.keep();
     if (m_isTerminating) {
         closeNext();
@@ -300,12 +317,14 @@ void AppDelegate::showBehind(TextDocument &document)
 
 AppDelegate::Documents AppDelegate::launch(const QStringList &paths)
 {
-    using Content = MainWindowController::Content;
     const Preferences &preferences = m_services.preferences;
-    const bool restores =
-        preferences.value(Settings::restoreSession) && (paths.isEmpty() || preferences.value(Settings::restoreSessionWhenOpeningFiles));
-    MainWindowController &window = makeWindow(restores ? Content::session : Content::nothing);
+    MainWindowController &window = addWindow();
     WorkspaceViewController &workspace = window.workspace();
+    if (paths.isEmpty() || preferences.value(Settings::restoreSessionWhenOpeningFiles)) {
+        if (const auto layout = m_services.keeper.restore()) {
+            workspace.setWindowLayout(*layout);
+        }
+    }
     // An untitled text that the files replace at once would be made, laid out and thrown away.
     if (paths.isEmpty() && !workspace.currentDocument()) {
         workspace.openUntitled();
@@ -487,8 +506,7 @@ void AppDelegate::openStream(int descriptor, const Waiting &waiting)
             return contents;
         },
         [this, waiting](const TextFile::ReadResult &contents) {
-            MainWindowController *front = frontmostWindow();
-            MainWindowController &window = front ? *front : makeWindow();
+            MainWindowController &window = windowInFront();
             Waiting forThis = waiting;
             if (contents) {
                 TextDocument &document =
@@ -508,8 +526,7 @@ void AppDelegate::openStream(int descriptor, const Waiting &waiting)
 
 AppDelegate::Documents AppDelegate::open(const QStringList &paths, TextDocument::MissingFile missingFile)
 {
-    MainWindowController *front = frontmostWindow();
-    MainWindowController &window = front ? *front : makeWindow();
+    MainWindowController &window = windowInFront();
     window.comeToFront();
     return paths.isEmpty() ? Documents() : window.workspace().open(paths, missingFile);
 }
@@ -633,8 +650,7 @@ void AppDelegate::showVimKeyReference()
 /// For those who ask from a window that has no tabs.
 void AppDelegate::showInWindow(const Action &reference)
 {
-    MainWindowController *front = frontmostWindow();
-    MainWindowController &window = front ? *front : makeWindow();
+    MainWindowController &window = windowInFront();
     window.comeToFront();
     if (!window.workspace().perform(reference)) {
         m_services.presenter.beep();

@@ -48,7 +48,8 @@ public:
     /// Files from outside, for the window in front; with none a window comes to the front. Returns their documents.
     Documents open(const QStringList &paths, TextDocument::MissingFile missingFile = TextDocument::MissingFile::isError);
 
-    [[nodiscard]] MainWindowController &makeWindow(MainWindowController::Content content = MainWindowController::Content::untitledTab);
+    /// With one empty untitled tab.
+    [[nodiscard]] MainWindowController &makeWindow();
     /// In the order in which they came.
     [[nodiscard]] const std::vector<MainWindowController *> &windows() const { return m_windows; }
     /// The active one, else the one that was last, else the first; null when there is none.
@@ -76,6 +77,9 @@ private:
         int status = 0;
     };
 
+    [[nodiscard]] MainWindowController &addWindow();
+    /// A new one where there is none.
+    [[nodiscard]] MainWindowController &windowInFront();
     void newWindow();
     void closeNext();
     void goTo(TextDocument &document, const CommandLine::File &place);
@@ -102,7 +106,7 @@ private:
 
     [[nodiscard]] MenuSources menuSources() const;
 
-    /// A new one, which has one empty untitled tab and is shown.
+    /// A new one, which is shown.
     [[nodiscard]] WorkspaceViewController &openWindow();
     /// Both texts side by side, with the colours of `language`.
     void openComparison(const DiffViewController::Side &left, const DiffViewController::Side &right, const Language &language);

@@ -5,7 +5,6 @@
 #include "Base/Translation.h"
 #include "Commands/Actions.h"
 #include "Model/DocumentStore.h"
-#include "Session/SessionKeeper.h"
 #include "Session/SessionStore.h"
 #include "Settings/DefaultsStore.h"
 #include "UI/EditorToolbarController.h"
@@ -46,7 +45,7 @@ QWidget *firstStop(QWidget &region)
 
 } // namespace
 
-MainWindowController::MainWindowController(const WorkspaceServices &services, PaneLayouts &layouts, Content content)
+MainWindowController::MainWindowController(const WorkspaceServices &services, PaneLayouts &layouts)
     : m_services(services), m_firstResponder(*this, services.presenter, [this] { return mainFocus(); }),
       m_workspace(new WorkspaceViewController(services, layouts, this)),
       m_toolbar(new EditorToolbarController(*this, {services.scheduler, services.notifications, services.preferences, m_firstResponder}))
@@ -60,13 +59,6 @@ MainWindowController::MainWindowController(const WorkspaceServices &services, Pa
     connect(new QShortcut(Qt::Key_F6, this), &QShortcut::activated, this, [this] { focusNextRegion(1); });
     connect(new QShortcut(Qt::SHIFT | Qt::Key_F6, this), &QShortcut::activated, this, [this] { focusNextRegion(-1); });
     connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this, &MainWindowController::openFirstMenu);
-    if (const auto layout = content == Content::session ? m_services.keeper.restore() : std::nullopt) {
-        m_workspace->setWindowLayout(*layout);
-        return;
-    }
-    if (content == Content::untitledTab) {
-        m_workspace->openUntitled();
-    }
 }
 
 MainWindowController::~MainWindowController()
@@ -246,7 +238,6 @@ void MainWindowController::closeEvent(QCloseEvent *event)
         m_services.defaults.set(frameKey, u"%1x%2"_s.arg(width()).arg(height()));
     }
     if (std::exchange(m_closing, Closing::done) != Closing::done) {
-        m_services.keeper.keep();
         emit closed();
     }
 }

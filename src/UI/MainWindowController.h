@@ -15,12 +15,8 @@ class MainWindowController final : public QMainWindow, public Responder {
     Q_OBJECT
 
 public:
-    /// What a new window shows; `session` is nothing when there is none. One without a tab is to be given one before the event loop goes
-    /// on.
-    enum class Content { untitledTab, session, nothing };
-
-    /// `layouts` has those of all windows.
-    MainWindowController(const WorkspaceServices &services, PaneLayouts &layouts, Content content = Content::untitledTab);
+    /// `layouts` has those of all windows. It is to be given a tab before the event loop goes on.
+    MainWindowController(const WorkspaceServices &services, PaneLayouts &layouts);
     ~MainWindowController() override;
 
     [[nodiscard]] WorkspaceViewController &workspace() { return *m_workspace; }
