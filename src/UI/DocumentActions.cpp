@@ -254,81 +254,79 @@ void DocumentActions::save(TextDocument &document, const Completion &completion)
         saveAs(document, completion);
         return;
     }
-    saveAtPath(document, completion);
+    attempt({.document = document, .completion = completion});
 }
 
-void DocumentActions::saveAtPath(TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner)
+void DocumentActions::attempt(const Attempt &attempt)
 {
-    const auto take = [self = QPointer(this), document = &document, isNew = document.file().isNew(), path = document.path(), manner,
-                       completion](const Result<AtomicFile::InPlace> &saved) {
-        if (!self) {
-            return;
+    const bool isNew = attempt.path || attempt.document.file().isNew();
+    const auto take = [self = QPointer(this), attempt, isNew](const Result<AtomicFile::InPlace> &saved) {
+        if (self && saved) {
+            self->handleSaved(attempt, *saved, isNew);
+        } else if (self) {
+            self->handleSaveError(attempt, saved.error());
         }
-        if (!saved && isNew && saved.error().code == ENOENT && manner.missingFolder == DocumentFile::MissingFolder::isError) {
-            self->askForFolder(*document, completion);
-            return;
-        }
-        if (!saved) {
-            const auto again = [self, document, completion](const DocumentFile::Manner &other) {
-                self->saveAtPath(*document, completion, other);
-            };
-            self->handleSaveError(saved.error(), manner, *document, again, completion);
-            return;
-        }
-        if (isNew) {
-            self->m_services.recent.note({path});
-        }
-        const QString remark = remarkOn(*saved, manner.authority);
-        emit self->messageShown(remark.isEmpty() ? localized(u"Saved") : remark, remark.isEmpty() ? shortFlash : longFlash);
-        completion(true);
     };
-    document.save(document.path(), take, manner);
+    attempt.document.save(attempt.path.value_or(attempt.document.path()), take, attempt.manner);
 }
 
-void DocumentActions::handleSaveError(const Error &error, const DocumentFile::Manner &manner, TextDocument &document,
-                                      const Attempt &attempt, const Completion &completion)
+void DocumentActions::handleSaved(const Attempt &done, AtomicFile::InPlace inPlace, bool isNew)
 {
+    const QString path = done.document.path();
+    if (done.path) {
+        // Until the session knows its file, it would not come back.
+        m_services.keeper.keep();
+    }
+    if (isNew) {
+        m_services.recent.note({path});
+    }
+    const QString remark = done.path ? QString() : remarkOn(inPlace, done.manner.authority);
+    const QString plain = done.path ? formatted(localized(u"Saved as “%@”"), nameOfFile(path)) : localized(u"Saved");
+    emit messageShown(remark.isEmpty() ? plain : remark, remark.isEmpty() ? shortFlash : longFlash);
+    done.completion(true);
+}
+
+void DocumentActions::handleSaveError(const Attempt &failed, const Error &error)
+{
+    using Authority = DocumentFile::Authority;
+    const auto document = failed.document.shared_from_this();
+    const bool isOfUser = failed.manner.authority == Authority::user;
     if (error.code == TextFile::missingCharactersError) {
-        askAboutMissingCharacters(document,
-                                  [document = document.shared_from_this(), manner, attempt, completion](MissingCharactersAnswer answer) {
-                                      if (answer == MissingCharactersAnswer::cancel) {
-                                          completion(false);
-                                          return;
-                                      }
-                                      if (answer == MissingCharactersAnswer::saveInUtf8) {
-                                          document->setEncoding(TextEncoding::utf8);
-                                      } else {
-                                          document->encodingDetails().replaceMissing();
-                                      }
-                                      attempt(manner);
-                                  });
-        return;
-    }
-    const bool isForbidden = error.code == EACCES || error.code == EPERM;
-    if (isForbidden && manner.authority == DocumentFile::Authority::user) {
-        offerOtherWays(error, document, attempt, completion);
-        return;
-    }
-    // What the banner says at the same time, or the user has just chosen, needs no dialog.
-    if (error.code == AtomicFile::changedError || error.code == Administrator::dismissedError) {
+        askAboutMissingCharacters(*document, [this, document, failed](MissingCharactersAnswer answer) {
+            if (answer == MissingCharactersAnswer::cancel) {
+                failed.completion(false);
+                return;
+            }
+            if (answer == MissingCharactersAnswer::saveInUtf8) {
+                document->setEncoding(TextEncoding::utf8);
+            } else {
+                document->encodingDetails().replaceMissing();
+            }
+            attempt(failed);
+        });
+    } else if (error.code == ENOENT && !failed.path && document->file().isNew() &&
+               failed.manner.missingFolder == DocumentFile::MissingFolder::isError) {
+        askForFolder(failed);
+    } else if ((error.code == EACCES || error.code == EPERM) && isOfUser) {
+        offerOtherWays(failed, error);
+    } else if (error.code == AtomicFile::changedError || error.code == Administrator::dismissedError) {
+        // What the banner says at the same time, or the user has just chosen, needs no dialog.
         emit messageShown(error.message, longFlash);
-        completion(false);
-        return;
-    }
-    if (manner.authority != DocumentFile::Authority::user) {
+        failed.completion(false);
+    } else if (!isOfUser) {
         presentError(error.message);
-        completion(false);
-        return;
+        failed.completion(false);
+    } else {
+        Alert report = Alert::forError(error.message, localized(u"The text is as it was and can be saved somewhere else."));
+        report.buttons = {{localized(u"OK"), AlertButtonRole::cancel}, {localized(u"Save As…")}};
+        present(report, [this, document, completion = failed.completion](int button) {
+            if (button == AlertReply::secondButton) {
+                saveAs(*document, completion);
+            } else {
+                completion(false);
+            }
+        });
     }
-    Alert report = Alert::forError(error.message, localized(u"The text is as it was and can be saved somewhere else."));
-    report.buttons = {{localized(u"OK"), AlertButtonRole::cancel}, {localized(u"Save As…")}};
-    present(report, [this, document = document.shared_from_this(), completion](int button) {
-        if (button == AlertReply::secondButton) {
-            saveAs(*document, completion);
-        } else {
-            completion(false);
-        }
-    });
 }
 
 /// Nothing is written before somebody has said what is to become of them.
@@ -366,7 +364,7 @@ void DocumentActions::askAboutMissingCharacters(TextDocument &document, std::fun
     });
 }
 
-void DocumentActions::offerOtherWays(const Error &error, TextDocument &document, const Attempt &attempt, const Completion &completion)
+void DocumentActions::offerOtherWays(const Attempt &failed, const Error &error)
 {
     const Administrator *administrator = m_services.documents.services().administrator;
     const bool canBeAuthorized = administrator && administrator->isAvailable();
@@ -378,29 +376,30 @@ void DocumentActions::offerOtherWays(const Error &error, TextDocument &document,
     question.buttons.append({localized(u"Save As…")});
     question.buttons.append({localized(u"Cancel"), AlertButtonRole::cancel});
     const int saveAsButton = canBeAuthorized ? AlertReply::secondButton : AlertReply::firstButton;
-    present(question, [this, document = document.shared_from_this(), attempt, completion, canBeAuthorized, saveAsButton](int button) {
+    present(question, [this, document = failed.document.shared_from_this(), failed, canBeAuthorized, saveAsButton](int button) {
         if (button == saveAsButton) {
-            saveAs(*document, completion);
+            saveAs(*document, failed.completion);
         } else if (canBeAuthorized && button == AlertReply::firstButton) {
-            attempt({.authority = DocumentFile::Authority::administrator});
+            attempt(failed.in({.authority = DocumentFile::Authority::administrator}));
         } else {
-            completion(false);
+            failed.completion(false);
         }
     });
 }
 
 /// Somebody named a file in a folder that does not exist either.
-void DocumentActions::askForFolder(TextDocument &document, const Completion &completion)
+void DocumentActions::askForFolder(const Attempt &failed)
 {
+    const auto document = failed.document.shared_from_this();
     const Alert question{.messageText = formatted(localized(u"The folder “%@” does not exist. Do you want to create it?"),
-                                                  shownPath(abbreviatedPath(folderOf(document.path())))),
-                         .informativeText = formatted(localized(u"“%@” is saved there."), document.displayName()),
+                                                  shownPath(abbreviatedPath(folderOf(document->path())))),
+                         .informativeText = formatted(localized(u"“%@” is saved there."), document->displayName()),
                          .buttons = {{localized(u"Create Folder")}, {localized(u"Cancel"), AlertButtonRole::cancel}}};
-    present(question, [this, document = document.shared_from_this(), completion](int button) {
+    present(question, [this, document, failed](int button) {
         if (button == AlertReply::firstButton) {
-            saveAtPath(*document, completion, {.missingFolder = DocumentFile::MissingFolder::isMade});
+            attempt(failed.in({.missingFolder = DocumentFile::MissingFolder::isMade}));
         } else {
-            completion(false);
+            failed.completion(false);
         }
     });
 }
@@ -417,33 +416,11 @@ void DocumentActions::saveAs(TextDocument &document, const Completion &completio
                                  [this, document = document.shared_from_this(), completion](const std::optional<QString> &path) {
                                      if (path) {
                                          rememberPanelFolder(*path);
-                                         saveAt(*path, *document, completion);
+                                         attempt({.document = *document, .path = *path, .completion = completion});
                                      } else {
                                          completion(false);
                                      }
                                  });
-}
-
-void DocumentActions::saveAt(const QString &path, TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner)
-{
-    const auto take = [self = QPointer(this), document = &document, path, completion, manner](const Result<AtomicFile::InPlace> &saved) {
-        if (!self) {
-            return;
-        }
-        if (!saved) {
-            const auto again = [self, document, path, completion](const DocumentFile::Manner &other) {
-                self->saveAt(path, *document, completion, other);
-            };
-            self->handleSaveError(saved.error(), manner, *document, again, completion);
-            return;
-        }
-        // Until the session knows its file, it would not come back.
-        self->m_services.keeper.keep();
-        self->m_services.recent.note({path});
-        emit self->messageShown(formatted(localized(u"Saved as “%@”"), nameOfFile(path)), shortFlash);
-        completion(true);
-    };
-    document.save(path, take, manner);
 }
 
 void DocumentActions::confirmClose(TextDocument &document, const Completion &completion)

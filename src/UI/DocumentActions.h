@@ -72,22 +72,29 @@ private:
     void openDocument();
     void saveDocument(const ActionSender &sender);
     void saveDocumentAs();
-    void saveAt(const QString &path, TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner = {});
     enum class Existing { kept, replaced };
     void writeTo(const QString &path, TextDocument &document, Existing existing);
-    void saveAtPath(TextDocument &document, const Completion &completion, const DocumentFile::Manner &manner = {});
     void askForFileAndEncoding();
     /// Shows what the file would be in each encoding.
     void chooseEncodingOf(const QString &path, const QString &consequence, const QString &prompt,
                           std::function<void(TextEncoding encoding)> completion);
-    void askForFolder(TextDocument &document, const Completion &completion);
-    /// A save in some manner, to be tried again in another.
-    using Attempt = std::function<void(const DocumentFile::Manner &manner)>;
-    /// Tells the user why the attempt failed, and whatever else may be tried then; at the end the completion is called.
-    void handleSaveError(const Error &error, const DocumentFile::Manner &manner, TextDocument &document, const Attempt &attempt,
-                         const Completion &completion);
+    /// A save, which may be tried again in another manner.
+    struct Attempt {
+        TextDocument &document;
+        /// None for the document's own.
+        std::optional<QString> path = std::nullopt;
+        Completion completion = [](bool) {};
+        DocumentFile::Manner manner = {};
+
+        [[nodiscard]] Attempt in(const DocumentFile::Manner &other) const { return {document, path, completion, other}; }
+    };
+    void attempt(const Attempt &attempt);
+    void handleSaved(const Attempt &done, AtomicFile::InPlace inPlace, bool isNew);
+    /// Tells the user why it failed, and whatever else may be tried then; at the end the completion is called.
+    void handleSaveError(const Attempt &failed, const Error &error);
+    void askForFolder(const Attempt &failed);
     void askAboutMissingCharacters(TextDocument &document, std::function<void(MissingCharactersAnswer answer)> completion);
-    void offerOtherWays(const Error &error, TextDocument &document, const Attempt &attempt, const Completion &completion);
+    void offerOtherWays(const Attempt &failed, const Error &error);
     void saveAllDocuments();
     void saveUntitled(PaneLayout::Documents documents);
     void saveAll(const PaneLayout::Documents &documents, const Completion &completion);

@@ -42,11 +42,11 @@ void DocumentActions::writeTo(const QString &path, TextDocument &document, Exist
                 return;
             }
             if (!document->isUntitled() && target.identity == document->file().identity()) {
-                self->saveAtPath(*document, [](bool) {});
+                self->attempt({.document = *document});
             } else if (target.exists && existing == Existing::kept) {
                 emit self->messageShown(alreadyThere(path), longFlash);
             } else if (document->isUntitled()) {
-                self->saveAt(path, *document, [](bool) {});
+                self->attempt({.document = *document, .path = path});
             } else {
                 DocumentFile::Snapshot snapshot = snapshotOf(*document, path);
                 snapshot.rescueFolder = self->m_services.documents.services().rescueFolder;
