@@ -151,11 +151,12 @@ qsizetype PageLayout::rowEnd(qsizetype from, qsizetype lineEnd, double indent) c
     }
 }
 
-std::optional<std::vector<qsizetype>> pageStarts(const PageLayout &layout, const std::stop_token &stop, PrintProgress &progress, int share)
+std::optional<std::vector<qsizetype>> pageStarts(const PageLayout &layout, const std::stop_token &stop, PrintProgress &progress, int share,
+                                                 std::vector<qsizetype> known)
 {
-    std::vector<qsizetype> starts{layout.start()};
+    std::vector<qsizetype> starts = known.empty() ? std::vector{layout.start()} : std::move(known);
     const qsizetype length = std::max<qsizetype>(1, layout.end() - layout.start());
-    for (qsizetype next = layout.page(layout.start()).next; next < layout.end(); next = layout.page(next).next) {
+    for (qsizetype next = layout.page(starts.back()).next; next < layout.end(); next = layout.page(next).next) {
         if (stop.stop_requested()) {
             return std::nullopt;
         }

@@ -85,6 +85,7 @@ private:
     std::atomic<int> m_done = 0;
 };
 
-/// Where the pages begin, one at least, eight bytes for each; none once `stop` says so. `progress` goes from 0 to `share`.
+/// Where the pages begin, one at least, eight bytes for each; none once `stop` says so. `known` are the first of them, which are not laid
+/// out again, but for the last. `progress` goes from 0 to `share`.
 [[nodiscard]] std::optional<std::vector<qsizetype>> pageStarts(const PageLayout &layout, const std::stop_token &stop,
-                                                               PrintProgress &progress, int share);
+                                                               PrintProgress &progress, int share, std::vector<qsizetype> known = {});

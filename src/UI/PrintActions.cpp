@@ -10,7 +10,6 @@
 #include "Print/Printing.h"
 #include "Settings/Preferences.h"
 #include "UI/DocumentActions.h"
-#include "UI/PrintJob.h"
 #include "UI/PrintPreview.h"
 #include "Widgets/AlertPresenter.h"
 #include "Widgets/Mnemonics.h"
@@ -101,20 +100,23 @@ bool PrintActions::hasText() const
     return editor && !editor->document().arrival().isPending();
 }
 
-/// There has to be a text.
-PrintSource PrintActions::source() const
+std::optional<PrintSource> PrintActions::source() const
 {
+    if (!hasText()) {
+        m_services.presenter.beep();
+        return std::nullopt;
+    }
     EditorViewController &editor = *m_editor();
     const TextDocument &document = editor.document();
     const Rope &text = document.storage().text();
-    return {.text = {.text = text,
-                     .range = {0, text.length()},
-                     .language = document.highlighter() ? document.highlighter()->language() : document.language(),
-                     .title = shownPath(document.displayName()),
-                     .font = lettersOf(editor.textView().textFont()),
-                     .tabWidth = editor.textView().indentation().tabWidth(),
-                     .date = Localization::current().locale().toString(QDate::currentDate(), localized(u"d MMMM yyyy"))},
-            .selection = editor.textView().selection().range()};
+    return PrintSource{.text = {.text = text,
+                                .range = {0, text.length()},
+                                .language = document.highlighter() ? document.highlighter()->language() : document.language(),
+                                .title = shownPath(document.displayName()),
+                                .font = lettersOf(editor.textView().textFont()),
+                                .tabWidth = editor.textView().indentation().tabWidth(),
+                                .date = Localization::current().locale().toString(QDate::currentDate(), localized(u"d MMMM yyyy"))},
+                       .selection = editor.textView().selection().range()};
 }
 
 void PrintActions::start(const QString &title, Work work, const QString &success)
@@ -135,26 +137,22 @@ void PrintActions::start(const QString &title, Work work, const QString &success
 
 void PrintActions::printDocument()
 {
-    if (hasText()) {
-        print(source());
-    } else {
-        m_services.presenter.beep();
+    if (const auto whole = source()) {
+        print(*whole, whole->text.range);
     }
 }
 
 void PrintActions::printPreview()
 {
-    if (!hasText()) {
-        m_services.presenter.beep();
+    const auto shown = source();
+    if (!shown) {
         return;
     }
-    const PrintSource shown = source();
-    auto *preview = new PrintPreview(m_services.preferences, m_services.notifications, m_services.workers, shown, m_widget.window());
+    auto *preview = new PrintPreview(m_services.preferences, m_services.notifications, m_services.workers, *shown, m_widget.window());
     connect(preview, &PrintPreview::printRequested, this, [this, preview, shown] {
-        PrintSource chosen = shown;
-        chosen.text = preview->text();
+        const TextRange range = preview->text().range;
         preview->close();
-        print(chosen);
+        print(*shown, range);
     });
     connect(preview, &PrintPreview::exportRequested, this, [this, preview] {
         const PrintedText chosen = preview->text();
@@ -164,7 +162,7 @@ void PrintActions::printPreview()
     preview->open();
 }
 
-void PrintActions::print(const PrintSource &source)
+void PrintActions::print(const PrintSource &source, TextRange range)
 {
     const auto printer = std::make_shared<QPrinter>(QPrinter::HighResolution);
     const QPageLayout paper = ::printPaper(m_services.preferences);
@@ -174,7 +172,7 @@ void PrintActions::print(const PrintSource &source)
     auto *dialog = new QPrintDialog(printer.get(), m_widget.window());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setOption(QAbstractPrintDialog::PrintSelection, !source.selection.isEmpty());
-    if (source.text.range == source.selection && !source.selection.isEmpty()) {
+    if (range == source.selection && !range.isEmpty()) {
         dialog->setPrintRange(QAbstractPrintDialog::Selection);
     }
     auto *options =
@@ -185,9 +183,7 @@ void PrintActions::print(const PrintSource &source)
     connect(dialog, &QDialog::accepted, this, [this, dialog, options, printer, source] {
         options->commit();
         rememberPaper(printer->pageLayout(), m_services.preferences);
-        PrintSource whole = source;
-        whole.text.range = {0, whole.text.text.length()};
-        print(dialog->printRange() == QAbstractPrintDialog::Selection ? whole.selected() : whole.text, printer);
+        print(dialog->printRange() == QAbstractPrintDialog::Selection ? source.selected() : source.text, printer);
     });
     dialog->open();
 }
@@ -214,8 +210,8 @@ void PrintActions::print(const PrintedText &text, const std::shared_ptr<QPrinter
 
 void PrintActions::askForOptions(Format format)
 {
-    if (!hasText()) {
-        m_services.presenter.beep();
+    const auto whole = source();
+    if (!whole) {
         return;
     }
     const bool isPdf = format == Format::pdf;
@@ -225,7 +221,7 @@ void PrintActions::askForOptions(Format format)
     dialog->setMinimumWidth(leastDialogWidth);
     dialog->setWindowTitle(localized(isPdf ? u"Export as PDF" : u"Export as HTML"));
     const auto purpose = isPdf ? PrintOptionsForm::Purpose::pages : PrintOptionsForm::Purpose::webPage;
-    auto *options = new PrintOptionsForm(m_services.preferences, m_services.notifications, purpose, source());
+    auto *options = new PrintOptionsForm(m_services.preferences, m_services.notifications, purpose, *whole);
     auto *stack = new QVBoxLayout(dialog);
     stack->addWidget(options, 1);
     QString taken;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Print/PageLayout.h"
+#include "UI/PrintJob.h"
 #include "UI/PrintOptions.h"
 #include "UI/WorkspaceServices.h"
 
@@ -27,16 +27,18 @@ signals:
 
 private:
     enum class Format { pdf, html };
-    using Work = std::function<Result<void>(const std::stop_token &stop, PrintProgress &progress)>;
+    using Work = PrintJob::Work;
 
     void printDocument();
     void printPreview();
     void exportAsPdf() { askForOptions(Format::pdf); }
     void exportAsHtml() { askForOptions(Format::html); }
     [[nodiscard]] bool hasText() const;
-    [[nodiscard]] PrintSource source() const;
+    /// Beeps where there is none.
+    [[nodiscard]] std::optional<PrintSource> source() const;
 
-    void print(const PrintSource &source);
+    /// Asks how; `range` is what is printed if nobody says otherwise.
+    void print(const PrintSource &source, TextRange range);
     void print(const PrintedText &text, const std::shared_ptr<QPrinter> &printer);
     void askForOptions(Format format);
     void askForFile(Format format, const PrintedText &text);

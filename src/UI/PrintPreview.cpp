@@ -146,17 +146,17 @@ QLayout *PrintPreview::makeButtons()
 void PrintPreview::rebuild()
 {
     const qsizetype place = m_starts.empty() ? 0 : m_starts[size_t(m_page - 1)];
-    m_style = printStyle(m_preferences);
+    const PrintStyle style = printStyle(m_preferences);
     m_paper = printPaper(m_preferences);
-    m_painter =
-        std::make_unique<PagePainter>(text(), m_style, dots(m_paper.paintRect(QPageLayout::Point).size()), PaperColors::Slab::pages);
-    findPages();
+    const QSizeF area = dots(m_paper.paintRect(QPageLayout::Point).size());
+    m_painter = std::make_unique<PagePainter>(text(), style, area, PaperColors::Slab::pages);
+    findPages(style, area);
     const auto behind = std::ranges::upper_bound(m_starts, place);
     const bool isFound = m_areAllKnown || behind != m_starts.end();
     show(isFound ? std::max(1, int(behind - m_starts.begin())) : 1);
 }
 
-void PrintPreview::findPages()
+void PrintPreview::findPages(const PrintStyle &style, QSizeF area)
 {
     m_counting.cancel();
     const PageLayout &layout = m_painter->layout();
@@ -169,11 +169,12 @@ void PrintPreview::findPages()
     if (m_areAllKnown) {
         return;
     }
+    std::vector<qsizetype> known = m_starts;
+    known.push_back(next);
     // A layout of its own: fonts are not to be used by two threads.
-    const auto find = [text = text(), style = m_style,
-                       area = dots(m_paper.paintRect(QPageLayout::Point).size())](const std::stop_token &stop) {
+    const auto find = [text = text(), style, area, known = std::move(known)](const std::stop_token &stop) {
         PrintProgress unseen;
-        return pageStarts(PageLayout(text, style, area), stop, unseen, 0).value_or(std::vector<qsizetype>());
+        return pageStarts(PageLayout(text, style, area), stop, unseen, 0, known).value_or(std::vector<qsizetype>());
     };
     m_counting = BackgroundTask::start(m_workers, find, [this](const std::vector<qsizetype> &starts) {
         m_starts = starts;

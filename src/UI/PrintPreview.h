@@ -38,7 +38,7 @@ private:
     [[nodiscard]] QLayout *makePageBar();
     [[nodiscard]] QLayout *makeButtons();
     void rebuild();
-    void findPages();
+    void findPages(const PrintStyle &style, QSizeF area);
     bool show(int page);
     bool step(PageView::Step step);
     void updateBar();
@@ -52,7 +52,6 @@ private:
     QSpinBox *m_number;
     QLabel *m_count;
     QPageLayout m_paper;
-    PrintStyle m_style;
     std::unique_ptr<PagePainter> m_painter;
     /// Of the first pages, or of all.
     std::vector<qsizetype> m_starts;
