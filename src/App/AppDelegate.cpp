@@ -560,6 +560,12 @@ void AppDelegate::newWindow()
 
 void AppDelegate::terminate()
 {
+    const auto isPrinting = [](MainWindowController *window) { return window->workspace().printActions().isActive(); };
+    if (const auto printing = std::ranges::find_if(m_windows, isPrinting); printing != m_windows.end()) {
+        (*printing)->comeToFront();
+        (*printing)->workspace().printActions().whenOver([this] { terminate(); });
+        return;
+    }
     // Asked once more, it does not wait for what is in a draft as well.
     using Kept = SessionKeeper::Kept;
     if (m_writes.isWaiting() && m_services.keeper.keepAndWait(SessionKeeper::userPatience) == Kept::all) {

@@ -189,6 +189,12 @@ void MainWindowController::keyPressEvent(QKeyEvent *event)
 
 void MainWindowController::closeEvent(QCloseEvent *event)
 {
+    if (PrintActions &printing = m_workspace->printActions(); m_closing < Closing::allowed && printing.isActive()) {
+        event->ignore();
+        comeToFront();
+        printing.whenOver([this] { close(); });
+        return;
+    }
     const PaneLayout::Documents dirty = unsavedDocuments();
     PaneLayout::Documents saving = m_workspace->paneLayout().documents();
     std::erase_if(saving, [](const auto &document) { return !document->saves().isActive(); });

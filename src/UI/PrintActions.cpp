@@ -121,16 +121,37 @@ std::optional<PrintSource> PrintActions::source() const
 
 void PrintActions::start(const QString &title, Work work, const QString &success)
 {
-    new PrintJob(
+    auto *job = new PrintJob(
         m_services.scheduler, m_services.workers, title, *m_widget.window(), std::move(work),
         [this, success](const Result<void> &result) {
             if (result) {
                 emit messageShown(success, flash);
             } else {
+                m_whenOver = nullptr;
                 m_services.presenter.present(Alert::forError(result.error().message), m_widget.window(), {});
             }
         },
         this);
+    connect(job, &QObject::destroyed, this, &PrintActions::noticeEnd);
+}
+
+bool PrintActions::isActive() const
+{
+    return findChild<PrintJob *>({}, Qt::FindDirectChildrenOnly) != nullptr;
+}
+
+void PrintActions::whenOver(std::function<void()> then)
+{
+    m_whenOver = std::move(then);
+    std::ranges::for_each(findChildren<PrintJob *>(Qt::FindDirectChildrenOnly), &PrintJob::show);
+    noticeEnd();
+}
+
+void PrintActions::noticeEnd()
+{
+    if (m_whenOver && !isActive()) {
+        std::exchange(m_whenOver, nullptr)();
+    }
 }
 
 // Paper

@@ -22,6 +22,11 @@ public:
 
     [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
 
+    [[nodiscard]] bool isActive() const;
+    /// Shows how far what is being printed or exported has come, and calls `then` when that is over, at once when nothing is. Never when
+    /// something of it fails, which is said. The latest call counts.
+    void whenOver(std::function<void()> then);
+
 signals:
     void messageShown(const QString &message, Scheduler::Milliseconds duration);
 
@@ -45,9 +50,11 @@ private:
     void exportTo(const QString &path, Format format, const PrintedText &text);
     [[nodiscard]] Work writing(const QString &path, const PrintedText &text, const QPageLayout &paper, const PageOrder &order) const;
     void start(const QString &title, Work work, const QString &success);
+    void noticeEnd();
 
     WorkspaceServices m_services;
     DocumentActions &m_documents;
     std::function<EditorViewController *()> m_editor;
     QWidget &m_widget;
+    std::function<void()> m_whenOver;
 };

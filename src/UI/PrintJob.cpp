@@ -20,7 +20,7 @@ constexpr int leastWidth = 380;
 } // namespace
 
 PrintJob::PrintJob(Scheduler &scheduler, Workers &workers, const QString &title, QWidget &window, Work work, Done done, QObject *parent)
-    : QObject(parent)
+    : QObject(parent), m_scheduler(scheduler), m_title(title), m_window(&window)
 {
     m_work = BackgroundTask::start(
         workers, [work = std::move(work), progress = m_progress](const std::stop_token &stop) { return work(stop, *progress); },
@@ -31,21 +31,20 @@ PrintJob::PrintJob(Scheduler &scheduler, Workers &workers, const QString &title,
             deleteLater();
             done(result);
         });
-    m_showing = scheduler.after(delay, [this, &scheduler, title, window = QPointer(&window)] {
-        if (window) {
-            showProgress(title, *window);
-            m_timer = scheduler.every(interval, interval / 2, [this] { m_dialog->setValue(m_progress->done()); });
-        }
-    });
+    m_showing = scheduler.after(delay, [this] { show(); });
 }
 
 PrintJob::~PrintJob() = default;
 
-void PrintJob::showProgress(const QString &title, QWidget &window)
+void PrintJob::show()
 {
-    m_dialog = std::make_unique<QProgressDialog>(title, localized(u"Cancel"), 0, allDone, &window);
+    if (m_dialog || !m_window || !m_work.isPending()) {
+        return;
+    }
+    m_showing.cancel();
+    m_dialog = std::make_unique<QProgressDialog>(m_title, localized(u"Cancel"), 0, allDone, m_window);
     m_dialog->setObjectName(u"printProgress"_s);
-    m_dialog->setWindowTitle(window.windowTitle().remove(u"[*]"_s));
+    m_dialog->setWindowTitle(m_window->windowTitle().remove(u"[*]"_s));
     m_dialog->setMinimumDuration(std::numeric_limits<int>::max());
     m_dialog->setAutoClose(false);
     m_dialog->setAutoReset(false);
@@ -55,6 +54,7 @@ void PrintJob::showProgress(const QString &title, QWidget &window)
     connect(m_dialog.get(), &QProgressDialog::canceled, this, &PrintJob::cancel);
     m_dialog->setValue(m_progress->done());
     m_dialog->show();
+    m_timer = m_scheduler.every(interval, interval / 2, [this] { m_dialog->setValue(m_progress->done()); });
 }
 
 void PrintJob::cancel()

@@ -8,6 +8,7 @@
 #include "Print/PageLayout.h"
 
 #include <QObject>
+#include <QPointer>
 
 #include <functional>
 #include <memory>
@@ -31,10 +32,15 @@ public:
     PrintJob(Scheduler &scheduler, Workers &workers, const QString &title, QWidget &window, Work work, Done done, QObject *parent);
     ~PrintJob() override;
 
+    /// From now on its window is seen.
+    void show();
+
 private:
-    void showProgress(const QString &title, QWidget &window);
     void cancel();
 
+    Scheduler &m_scheduler;
+    const QString m_title;
+    const QPointer<QWidget> m_window;
     std::shared_ptr<PrintProgress> m_progress = std::make_shared<PrintProgress>();
     std::unique_ptr<QProgressDialog> m_dialog;
     BackgroundTask m_work;

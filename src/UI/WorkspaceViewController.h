@@ -41,6 +41,7 @@ public:
     [[nodiscard]] PaneViewController *activePane() const;
     [[nodiscard]] StatusBarView &statusBar() { return *m_statusBar; }
     [[nodiscard]] DocumentActions &documentActions() { return m_documentActions; }
+    [[nodiscard]] PrintActions &printActions() { return m_printActions; }
     [[nodiscard]] TextDocument *currentDocument() const { return m_layout.current().get(); }
     [[nodiscard]] EditorViewController *currentEditor() const;
 

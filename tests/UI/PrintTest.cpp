@@ -99,6 +99,26 @@ TEST_F(PrintTest, WhatTakesLongIsShownAndCanBeCancelled)
     EXPECT_TRUE(flashes.isEmpty());
 }
 
+TEST_F(PrintTest, WhatIsPrintedIsWrittenBeforeTheWindowGoes)
+{
+    QSignalSpy finished(&application, &AppDelegate::finished);
+    workers.isHeld = true;
+    exportTo(u"no/such/folder.pdf"_s, Actions::exportAsPdf);
+    window().close();
+    EXPECT_TRUE(dialog<QProgressDialog>(u"printProgress"_s).isVisible()) << "at once, since it can be cancelled";
+    workers.finish();
+    settle();
+    EXPECT_TRUE(lastAlert().contains(u"folder.pdf"_s));
+    EXPECT_TRUE(window().isVisible()) << "somebody has to read that";
+    exportTo(u"text.pdf"_s, Actions::exportAsPdf);
+    application.terminate();
+    EXPECT_EQ(finished.count(), 0);
+    workers.finish();
+    settle();
+    EXPECT_TRUE(read(u"text.pdf"_s).startsWith("%PDF"));
+    EXPECT_EQ(finished.count(), 1);
+}
+
 TEST_F(PrintTest, ThePreviewTurnsPages)
 {
     workspace().currentDocument()->storage().apply(TextEdits({0, 0}, u"x\n"_s.repeated(100)));
