@@ -109,17 +109,13 @@ bool VimEngine::handleKey(const VimKeyEvent &event)
     if (characters.isEmpty()) {
         return true;
     }
-    if (m_exact && !m_usesMappings) {
+    // A command that awaits it has it, not a mapping that could begin with it; exact mappings had their turn.
+    const bool isCommands = m_exact || (m_awaiting && !m_keymap.completes(stroke, table()));
+    if (isCommands && !m_keymap.isWaiting()) {
         handleStroke(stroke, characters);
         return true;
     }
-    if (m_awaiting && !m_keymap.isWaiting() && !m_keymap.completes(stroke, table())) {
-        // The command has it, not a mapping that could begin with it.
-        handleStroke(stroke, characters);
-        return true;
-    }
-    const auto outcome = m_keymap.consume(stroke, table());
-    return takeOutcome(outcome, event);
+    return takeOutcome(m_keymap.consume(stroke, table()), event);
 }
 
 bool VimEngine::wants(const VimKeyEvent &event) const

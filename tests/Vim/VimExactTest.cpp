@@ -81,6 +81,14 @@ TEST(VimExact, HasTheKeysOfThePresetToo)
     EXPECT_EQ(view.actions.mid(view.actions.size() - 2), QStringList({u"selectPreviousTab:"_s, u"selectNextTab:"_s}));
 }
 
+TEST(VimExact, GivesWhatAwaitsACharacterTheKeysOfMappingsToo)
+{
+    VimView view(u"a H x\n"_s, exact(VimKeymapPreset::lazyVim));
+    view.press(u":nnoremap x dd<CR>fHrx"_s);
+    EXPECT_EQ(view.string(), u"a x x\n"_s);
+    EXPECT_TRUE(view.actions.isEmpty()) << view.actions.join(u'|').toStdString();
+}
+
 TEST(VimExact, AsksBeforeEachHitInOneStep)
 {
     VimView view(u"a a a a\n"_s, exact());
