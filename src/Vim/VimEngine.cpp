@@ -126,7 +126,7 @@ bool VimEngine::wants(const VimKeyEvent &event) const
     }
     const char16_t key = characters.front().unicode();
     const VimKeyStroke stroke{.character = key, .control = event.control, .option = event.option};
-    const bool isMapped = m_exact && m_keymap.wants(stroke, table());
+    const bool isMapped = m_keymap.wants(stroke, table());
     if (VimKey::isForMappings(key) && !(m_mode == Mode::commandLine && key == VimKey::backtab)) {
         return isMapped;
     }
@@ -139,7 +139,7 @@ bool VimEngine::wants(const VimKeyEvent &event) const
     if (m_mode == Mode::insert) {
         return ((event.control || event.option) && isMapped) || (event.control && row(KeyPlace::whileInserting, key));
     }
-    if (m_keymap.wants(stroke, table())) {
+    if (isMapped) {
         return true;
     }
     const bool beginsDigraph = m_exact && key == u'k' && m_awaiting && m_awaiting->mayBeDigraph();

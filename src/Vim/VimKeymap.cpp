@@ -206,9 +206,8 @@ bool VimKeymap::usersGoOn(const QList<VimKeyStroke> &keys, Table table) const
 
 bool VimKeymap::wants(const VimKeyStroke &stroke, Table table) const
 {
-    const Mappings &mappings = mappingsOf(table);
     const QList<VimKeyStroke> keys = m_buffer + QList{stroke};
-    return completes(stroke, table) || hasLonger(mappings, keys) || usersGoOn(keys, table);
+    return completes(stroke, table) || hasLonger(mappingsOf(table), keys) || usersGoOn(keys, table);
 }
 
 bool VimKeymap::completes(const VimKeyStroke &stroke, Table table) const
