@@ -30,6 +30,44 @@ qsizetype startOfRun(const VimLines &lines, qsizetype place, Words words)
     return place;
 }
 
+/// One word or stretch of blanks more in front of `place`; false where there is none, and then as far as it goes.
+template<Words words>
+bool takeBefore(const VimLines &lines, qsizetype &place, bool isAround)
+{
+    using namespace VimExactMotion;
+    if (!lines.backwardOverEnds(place)) {
+        return false;
+    }
+    const bool goesToStart = isAround != (classAt(lines, place, words) != 0);
+    const Walked walked = goesToStart ? wordsBackward(lines, place, 1, words, true) : wordEndsBackward(lines, place, 1, words, true);
+    place = walked.place;
+    if (walked.isWhole && !goesToStart) {
+        lines.forwardOverEnds(place);
+    }
+    return walked.isWhole;
+}
+
+/// The same behind `place`, with whether its last unit is taken with it; none where there is none, unless it is the `isLast` wanted.
+template<Words words>
+std::optional<Kind> takeBehind(const VimLines &lines, qsizetype &place, bool isAround, bool isLast)
+{
+    using namespace VimExactMotion;
+    if (!lines.forwardOverEnds(place)) {
+        return std::nullopt;
+    }
+    const bool goesToEnd = isAround == (classAt(lines, place, words) == 0);
+    const Walked walked = goesToEnd ? wordEndsForward(lines, place, 1, words, true, true) : wordsForward(lines, place, 1, words, true);
+    if (!walked.isWhole && (goesToEnd || !isLast)) {
+        return std::nullopt;
+    }
+    place = walked.place;
+    if (!goesToEnd && place == lines.start(place)) {
+        return Kind::exclusive;
+    }
+    place = goesToEnd ? place : lines.before(place);
+    return Kind::inclusive;
+}
+
 template<Words words>
 std::optional<Result> word(const Request &request)
 {
@@ -39,7 +77,7 @@ std::optional<Result> word(const Request &request)
     qsizetype place = request.caret;
     qsizetype from = request.anchor;
     qsizetype count = request.count;
-    bool isInclusive = true;
+    Kind kind = Kind::inclusive;
     bool includesBlanks = false;
     const auto failure = [&](qsizetype start, qsizetype edge) {
         return Result{.from = start, .place = edge, .selects = Result::Selects::asBefore, .failed = true};
@@ -67,46 +105,18 @@ std::optional<Result> word(const Request &request)
     }
     const qsizetype first = from;
     for (; count > 0; --count) {
-        isInclusive = true;
+        kind = Kind::inclusive;
         if (request.isVisual && place < from) {
-            if (!lines.backwardOverEnds(place)) {
+            if (!takeBefore<words>(lines, place, isAround)) {
                 return failure(from, place);
             }
-            const bool goesToStart = isAround != (classAt(lines, place, words) != 0);
-            const Walked walked =
-                goesToStart ? wordsBackward(lines, place, 1, words, true) : wordEndsBackward(lines, place, 1, words, true);
-            if (!walked.isWhole) {
-                return failure(from, walked.place);
-            }
-            place = walked.place;
-            if (!goesToStart) {
-                lines.forwardOverEnds(place);
-            }
+        } else if (const auto taken = takeBehind<words>(lines, place, isAround, count == 1)) {
+            kind = *taken;
         } else {
-            if (!lines.forwardOverEnds(place)) {
-                return failure(from, textEnd);
-            }
-            if (isAround != (classAt(lines, place, words) == 0)) {
-                const Walked walked = wordsForward(lines, place, 1, words, true);
-                if (!walked.isWhole && count > 1) {
-                    return failure(from, textEnd);
-                }
-                place = walked.place;
-                if (place == lines.start(place)) {
-                    isInclusive = false;
-                } else {
-                    place = lines.before(place);
-                }
-            } else {
-                const Walked walked = wordEndsForward(lines, place, 1, words, true, true);
-                if (!walked.isWhole) {
-                    return failure(from, textEnd);
-                }
-                place = walked.place;
-            }
+            return failure(from, textEnd);
         }
     }
-    if (includesBlanks && (classAt(lines, place, words) != 0 || (place == lines.start(place) && !isInclusive)) &&
+    if (includesBlanks && (classAt(lines, place, words) != 0 || (place == lines.start(place) && kind == Kind::exclusive)) &&
         first > lines.start(first)) {
         // No blanks behind: those before, but no indentation.
         const qsizetype blanks = startOfRun(lines, lines.before(first), words);
@@ -114,7 +124,7 @@ std::optional<Result> word(const Request &request)
             from = blanks;
         }
     }
-    return Result{.from = from, .place = place, .kind = isInclusive ? Kind::inclusive : Kind::exclusive};
+    return Result{.from = from, .place = place, .kind = kind};
 }
 
 // Sentences
@@ -354,12 +364,17 @@ bool isEscaped(const VimLines &lines, qsizetype place, qsizetype first)
     return count % 2 == 1;
 }
 
-template<char16_t quote>
-std::optional<Result> quoted(const Request &request)
+/// Both ends of what something is around.
+struct Pair {
+    qsizetype open = 0;
+    qsizetype close = 0;
+};
+
+/// The quotes around `caret` in its line, or else the next ones behind it.
+std::optional<Pair> quotesAt(const VimLines &lines, qsizetype caret, char16_t quote)
 {
-    const VimLines &lines = request.lines;
-    const qsizetype first = lines.start(request.caret);
-    const qsizetype behind = lines.end(request.caret);
+    const qsizetype first = lines.start(caret);
+    const qsizetype behind = lines.end(caret);
     const auto next = [&](qsizetype from, bool countsEscapes) -> std::optional<qsizetype> {
         for (qsizetype place = from; place < behind; ++place) {
             if (countsEscapes && lines.at(place) == u'\\') {
@@ -370,42 +385,40 @@ std::optional<Result> quoted(const Request &request)
         }
         return std::nullopt;
     };
+    const auto closed = [&](std::optional<qsizetype> open) -> std::optional<Pair> {
+        const auto close = open ? next(*open + 1, true) : std::nullopt;
+        return close ? std::optional(Pair{*open, *close}) : std::nullopt;
+    };
+    if (lines.at(caret) == quote && caret < behind) {
+        // From the line's start on, to know which one it is.
+        auto pair = closed(next(first, false));
+        while (pair && pair->close < caret) {
+            pair = closed(next(pair->close + 1, false));
+        }
+        return pair && pair->open <= caret ? pair : std::nullopt;
+    }
+    for (qsizetype place = caret - 1; place >= first; --place) {
+        if (lines.at(place) == quote && !isEscaped(lines, place, first)) {
+            return closed(place);
+        }
+    }
+    return closed(next(caret, false));
+}
+
+template<char16_t quote>
+std::optional<Result> quoted(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    const qsizetype first = lines.start(request.caret);
     const qsizetype caret = request.isSelecting() ? std::min(request.caret, request.anchor) : request.caret;
     if (request.isSelecting() && lines.start(request.anchor) != first) {
         return std::nullopt;
     }
-    std::optional<qsizetype> open;
-    std::optional<qsizetype> close;
-    if (lines.at(caret) == quote && caret < behind) {
-        // From the line's start on, to know which one it is.
-        for (qsizetype from = first;;) {
-            open = next(from, false);
-            if (!open || *open > caret) {
-                return std::nullopt;
-            }
-            close = next(*open + 1, true);
-            if (!close) {
-                return std::nullopt;
-            }
-            if (caret <= *close) {
-                break;
-            }
-            from = *close + 1;
-        }
-    } else {
-        for (qsizetype place = caret - 1; place >= first && !open; --place) {
-            if (lines.at(place) == quote && !isEscaped(lines, place, first)) {
-                open = place;
-            }
-        }
-        open = open ? open : next(caret, false);
-        close = open ? next(*open + 1, true) : std::nullopt;
-    }
-    if (!close) {
+    const auto pair = quotesAt(lines, caret, quote);
+    if (!pair) {
         return std::nullopt;
     }
-    qsizetype from = *open;
-    qsizetype last = *close;
+    auto [from, last] = *pair;
     if (request.extent == Extent::around) {
         if (isBlankAt(lines, last + 1)) {
             while (isBlankAt(lines, last + 1)) {
@@ -416,17 +429,16 @@ std::optional<Result> quoted(const Request &request)
                 --from;
             }
         }
-    } else {
-        const bool isWhole = request.isSelecting() && std::min(request.caret, request.anchor) == from + 1 &&
-                             std::max(request.caret, request.anchor) == lines.before(last);
-        if (request.count < 2 && !isWhole) {
-            ++from;
-            if (from == last) {
-                // Of nothing a selection takes both quotes.
-                return Result{.from = from, .place = request.isVisual ? *open : from, .kind = Kind::exclusive};
-            }
-            last = lines.before(last);
+        return Result{.from = from, .place = last};
+    }
+    const bool isWhole = request.isSelecting() && caret == from + 1 && std::max(request.caret, request.anchor) == lines.before(last);
+    if (request.count < 2 && !isWhole) {
+        ++from;
+        if (from == last) {
+            // Of nothing a selection takes both quotes.
+            return Result{.from = from, .place = request.isVisual ? pair->open : from, .kind = Kind::exclusive};
         }
+        last = lines.before(last);
     }
     return Result{.from = from, .place = last};
 }
@@ -443,90 +455,96 @@ bool isInIndentation(const VimLines &lines, qsizetype place)
     return true;
 }
 
+/// The brackets of which `from` is the opening one.
 template<char16_t open, char16_t close>
-std::optional<Result> bracketed(const Request &request)
+std::optional<Pair> closed(const VimLines &lines, std::optional<qsizetype> from)
 {
-    const VimLines &lines = request.lines;
-    const auto opening = [&](qsizetype place) { return VimExactMotion::enclosing(lines, place, open, close, Direction::backward); };
-    const auto closing = [&](qsizetype place) { return VimExactMotion::enclosing(lines, place, open, close, Direction::forward); };
-    qsizetype caret = request.caret;
-    const qsizetype oldFrom = std::min(request.caret, request.anchor);
-    const qsizetype oldLast = std::max(request.caret, request.anchor);
-    if (!request.isSelecting()) {
-        if (open == u'{') {
-            while (isInIndentation(lines, caret) && !lines.isAtEnd(lines.after(caret))) {
-                caret = lines.after(caret);
-            }
-        }
-        if (lines.at(caret) == open) {
-            ++caret;
-        }
-    } else {
-        caret = oldFrom;
-    }
-    const qsizetype outermost = caret; // unless there is one around
+    const auto to = from ? VimExactMotion::enclosing(lines, *from, open, close, Direction::forward) : std::nullopt;
+    return to ? std::optional(Pair{*from, *to}) : std::nullopt;
+}
+
+/// The brackets around `caret`, `count` levels up, or else the next ones behind it, so many levels down.
+template<char16_t open, char16_t close>
+std::optional<Pair> bracketsAt(const VimLines &lines, qsizetype caret, qsizetype count)
+{
+    const qsizetype innermost = caret;
     std::optional<qsizetype> from;
-    for (qsizetype left = request.count; left > 0; --left) {
-        from = opening(caret);
-        if (!from) {
-            break;
-        }
-        caret = *from;
-    }
-    auto to = from ? closing(*from) : std::nullopt;
-    if (!from && caret == outermost) {
-        // The next one, then.
-        for (qsizetype left = request.count; left > 0; --left) {
-            from = VimExactMotion::enclosing(lines, caret, close, open, Direction::forward);
+    const auto go = [&](char16_t wanted, char16_t other, Direction direction) {
+        for (qsizetype left = count; left > 0; --left) {
+            from = VimExactMotion::enclosing(lines, caret, wanted, other, direction);
             if (!from) {
                 break;
             }
             caret = *from;
         }
-        to = from ? closing(*from) : std::nullopt;
+    };
+    go(open, close, Direction::backward);
+    if (!from && caret == innermost) {
+        go(close, open, Direction::forward);
     }
-    if (!to) {
-        return std::nullopt;
-    }
-    bool isAtLineStart = false;
-    qsizetype start = *from;
-    qsizetype last = *to;
-    while (request.extent == Extent::inner) {
-        lines.forwardOverEnds(start);
-        isAtLineStart = last == lines.start(last);
-        lines.backwardOverEnds(last);
-        while (isInIndentation(lines, last)) {
-            isAtLineStart = true;
-            if (last == lines.start(last)) {
-                lines.backwardOverEnds(last);
-                break;
-            }
-            lines.backwardOverEnds(last);
+    return closed<open, close>(lines, from);
+}
+
+/// What lies between brackets, first and last unit, without a break behind the one and the indentation before the other.
+struct Inside {
+    qsizetype start = 0;
+    qsizetype last = 0;
+    /// Nothing but indentation is before the closing one.
+    bool endsAtLineStart = false;
+};
+
+Inside insideOf(const VimLines &lines, const Pair &pair)
+{
+    Inside inside{pair.open, pair.close, pair.close == lines.start(pair.close)};
+    lines.forwardOverEnds(inside.start);
+    lines.backwardOverEnds(inside.last);
+    while (isInIndentation(lines, inside.last)) {
+        inside.endsAtLineStart = true;
+        const bool isFirst = inside.last == lines.start(inside.last);
+        lines.backwardOverEnds(inside.last);
+        if (isFirst) {
+            break;
         }
-        const bool isNoMore = start >= oldFrom && oldLast >= last && start != last;
-        if (!request.isVisual || !isNoMore) {
+    }
+    return inside;
+}
+
+template<char16_t open, char16_t close>
+std::optional<Result> bracketed(const Request &request)
+{
+    const VimLines &lines = request.lines;
+    const qsizetype oldFrom = std::min(request.caret, request.anchor);
+    const qsizetype oldLast = std::max(request.caret, request.anchor);
+    qsizetype caret = request.isSelecting() ? oldFrom : request.caret;
+    if (!request.isSelecting()) {
+        while (open == u'{' && isInIndentation(lines, caret) && !lines.isAtEnd(lines.after(caret))) {
+            caret = lines.after(caret);
+        }
+        caret += lines.at(caret) == open ? 1 : 0;
+    }
+    auto pair = bracketsAt<open, close>(lines, caret, request.count);
+    Inside taken;
+    while (pair) {
+        taken = request.extent == Extent::inner ? insideOf(lines, *pair) : Inside{pair->open, pair->close};
+        const bool isNoMore = taken.start >= oldFrom && oldLast >= taken.last && taken.start != taken.last;
+        if (request.extent != Extent::inner || !request.isVisual || !isNoMore) {
             break;
         }
         qsizetype outside = oldFrom;
         lines.backwardOverEnds(outside);
-        from = opening(outside);
-        to = from ? closing(*from) : std::nullopt;
-        if (!to) {
-            return std::nullopt;
-        }
-        start = *from;
-        last = *to;
+        pair = closed<open, close>(lines, VimExactMotion::enclosing(lines, outside, open, close, Direction::backward));
     }
-    if (request.isVisual && start > last) {
+    if (!pair || (request.isVisual && taken.start > taken.last)) {
         return std::nullopt;
     }
+    auto [start, last, endsAtLineStart] = taken;
     if (request.isVisual) {
-        if (isAtLineStart && !lines.isAtEnd(last)) {
+        if (endsAtLineStart && !lines.isAtEnd(last)) {
             last = lines.end(last);
         }
         return Result{.from = start, .place = last, .selects = Result::Selects::characters};
     }
-    if (isAtLineStart) {
+    if (endsAtLineStart) {
         lines.forwardOverEnds(last);
         return Result{.from = start, .place = last, .kind = Kind::exclusive};
     }
@@ -578,12 +596,12 @@ std::optional<Result> tag(const Request &request)
     const bool isInIndent = !request.isSelecting() && isInIndentation(lines, oldFrom) && !lines.isBlankFrom(oldFrom);
     oldFrom = isInIndent ? lines.firstNonBlank(oldFrom) : oldFrom;
     const qsizetype oldLast = std::max({request.caret, request.anchor, oldFrom});
-    struct Pair {
+    struct Element {
         TextRange open;
         TextRange close;
     };
     std::vector<Tag> opened;
-    std::vector<Pair> around;
+    std::vector<Element> around;
     qsizetype place = 0;
     while (const auto found = nextTag(text, place)) {
         if (!found->isClosing) {
@@ -610,9 +628,9 @@ std::optional<Result> tag(const Request &request)
     if (wanted >= around.size()) {
         return std::nullopt;
     }
-    const Pair pair = around[wanted];
-    const TextRange whole = pair.open.united(pair.close);
-    const TextRange inner = TextRange::between(pair.open.end(), pair.close.location);
+    const auto [open, close] = around[wanted];
+    const TextRange whole = open.united(close);
+    const TextRange inner = TextRange::between(open.end(), close.location);
     const auto lastOf = [&](TextRange range) {
         qsizetype last = range.end();
         lines.backwardOverEnds(last);

@@ -183,6 +183,48 @@ Walked wordEndsBackward(const VimLines &lines, qsizetype place, qsizetype count,
 
 // Sentences
 
+namespace {
+
+/// From behind a sentence back to its last character.
+qsizetype backToSentence(const VimLines &lines, qsizetype place, Direction direction)
+{
+    bool hasDot = false;
+    for (char16_t unit = unitOnLine(lines, place); !hasDot && (isSpaceOrTab(unit) || isOneOf(unit, endsAndClosers));
+         unit = unitOnLine(lines, place)) {
+        qsizetype earlier = place;
+        if (!lines.backwardOverEnds(earlier) || (lines.isEmpty(earlier) && direction == Direction::forward)) {
+            break;
+        }
+        hasDot = isOneOf(unit, sentenceEnds);
+        if (isOneOf(unit, closers) && !isOneOf(unitOnLine(lines, earlier), endsAndClosers)) {
+            break;
+        }
+        place = earlier;
+    }
+    return place;
+}
+
+/// Behind the sentence that ends at `place`, with what closes there too; none if it goes on.
+std::optional<qsizetype> behindSentence(const VimLines &lines, qsizetype place)
+{
+    if (!isOneOf(unitOnLine(lines, place), sentenceEnds)) {
+        return std::nullopt;
+    }
+    bool isEnd = false;
+    do {
+        isEnd = lines.forward(place) == Step::none;
+    } while (!isEnd && isOneOf(unitOnLine(lines, place), closers));
+    if (!isEnd && !lines.isAtEnd(place) && !isSpaceOrTab(lines.at(place))) {
+        return std::nullopt;
+    }
+    if (lines.isAtEnd(place)) {
+        lines.forward(place);
+    }
+    return place;
+}
+
+} // namespace
+
 std::optional<qsizetype> sentence(const VimLines &lines, qsizetype place, Direction direction, qsizetype count)
 {
     const bool isForward = direction == Direction::forward;
@@ -216,46 +258,19 @@ std::optional<qsizetype> sentence(const VimLines &lines, qsizetype place, Direct
         } else if (!isForward) {
             lines.backwardOverEnds(place);
         }
-        // Back to the last character of a sentence.
-        bool hasDot = false;
-        for (char16_t unit = unitOnLine(lines, place); isSpaceOrTab(unit) || isOneOf(unit, endsAndClosers);
-             unit = unitOnLine(lines, place)) {
-            qsizetype earlier = place;
-            if (!lines.backwardOverEnds(earlier) || (lines.isEmpty(earlier) && isForward)) {
-                break;
-            }
-            if (hasDot) {
-                break;
-            }
-            hasDot = isOneOf(unit, sentenceEnds);
-            if (isOneOf(unit, closers) && !isOneOf(unitOnLine(lines, earlier), endsAndClosers)) {
-                break;
-            }
-            place = earlier;
-        }
+        place = backToSentence(lines, place, direction);
         const qsizetype startLine = lines.start(place);
         bool skipsNothing = false;
         for (;;) {
-            const char16_t unit = unitOnLine(lines, place);
             if (lines.isAtEnd(place) || (place == lines.start(place) && dividesParagraphs(lines, place))) {
                 if (!isForward && lines.start(place) != startLine) {
                     place = lines.next(place);
                 }
                 break;
             }
-            if (isOneOf(unit, sentenceEnds)) {
-                qsizetype behind = place;
-                bool isEnd = false;
-                do {
-                    isEnd = lines.forward(behind) == Step::none;
-                } while (!isEnd && isOneOf(unitOnLine(lines, behind), closers));
-                if (isEnd || lines.isAtEnd(behind) || isSpaceOrTab(lines.at(behind))) {
-                    place = behind;
-                    if (lines.isAtEnd(place)) {
-                        lines.forward(place);
-                    }
-                    break;
-                }
+            if (const auto behind = behindSentence(lines, place)) {
+                place = *behind;
+                break;
             }
             if (!step(place)) {
                 if (count > 0) {
