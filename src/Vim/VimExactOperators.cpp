@@ -100,80 +100,84 @@ void VimEngine::Operating::arrive(const VimExactMotion::Result &result)
         fail();
         return;
     }
+    if (result.isJump) {
+        m_exact.going.rememberJump();
+    }
     if (!m_engine.m_pendingOperator) {
-        if (result.isJump) {
-            m_exact.going.rememberJump();
-        }
         setCaret(result.place, result.column);
         finish();
         return;
     }
     const OperatorKind kind = *m_engine.m_pendingOperator;
     const Sight sight = see();
-    const VimLines &lines = sight.lines;
-    if (result.isJump) {
-        m_exact.going.rememberJump();
-    }
-    qsizetype low = std::min(caret(), result.place);
-    qsizetype high = std::max(caret(), result.place);
-    bool isLinewise = result.kind == Kind::linewise;
-    bool isInclusive = result.kind == Kind::inclusive;
-    if (result.isWordMotion && lines.start(high) != lines.start(low) && isInIndentation(lines, isInclusive ? lines.after(high) : high)) {
-        // The last word's line is the last one.
-        qsizetype before = lines.start(high) - 1;
-        while (lines.start(before) > low && !lines.isEmpty(before) && lines.isBlankFrom(lines.start(before))) {
-            before = lines.start(before) - 1;
-        }
-        isInclusive = !lines.isEmpty(before);
-        high = isInclusive ? lines.last(before) : high;
-    }
-    const qsizetype start = low;
+    const Stretch stretch = stretchTo(sight.lines, caret(), result);
     if (forced == Mode::visualBlock) {
-        const VimBlock block = VimBlock::between(lines, low, high, false);
+        const VimBlock block = VimBlock::between(sight.lines, stretch.low, stretch.high, false);
         m_exact.selecting.setSelected({Mode::visualBlock, {caret()}, {result.place}, false});
         applyToBlock(kind, block);
         return;
     }
+    apply(kind, regionOf(sight.lines, kind, stretch, result, forced));
+}
+
+/// What the operator takes.
+VimEngine::Operating::Region VimEngine::Operating::regionOf(const VimLines &lines, OperatorKind kind, const Stretch &stretch,
+                                                            const VimExactMotion::Result &motion, std::optional<Mode> forced)
+{
+    auto [low, high, isInclusive] = stretch;
+    bool isLinewise = motion.kind == Kind::linewise;
     if (forced == Mode::visualLine) {
         isLinewise = true;
     } else if (forced == Mode::visual) {
         isInclusive = !isLinewise && !isInclusive;
         isLinewise = false;
     }
-    const bool endsBelow = !result.takesBreak && !isLinewise && !isInclusive && high > low && high == lines.start(high);
+    const bool endsBelow = !motion.takesBreak && !isLinewise && !isInclusive && high > low && high == lines.start(high);
     if (endsBelow) {
         // Up to the start of a line is up to the end of the one before, and whole lines if it began with one.
         const qsizetype last = lines.start(high - 1);
-        if (isInIndentation(lines, low)) {
-            isLinewise = true;
-            high = last;
-        } else {
-            high = lines.end(last);
-        }
+        isLinewise = isInIndentation(lines, low);
+        high = isLinewise ? last : lines.end(last);
     }
     if (isLinewise || fillsLines(kind)) {
-        Region whole = Region::ofLines(lines, low, high, start);
+        Region whole = Region::ofLines(lines, low, high, low);
         whole.endsBelow = endsBelow;
-        apply(kind, whole);
-        return;
+        return whole;
     }
     qsizetype end = isInclusive && !lines.isAtEnd(high) ? lines.after(high) : high;
     if (changesLetters(kind) && !isInclusive && high == lines.start(low)) {
         // A motion that leads nowhere from the start of a line has all of it, but one character of the first line.
         end = lines.isFirst(high) ? lines.after(high) : lines.end(high);
     }
-    const bool isOfLines = lines.start(low) != lines.start(std::max(low, end > low ? end - 1 : end)) || isBreak(lines.at(end - 1));
     if (kind == OperatorKind::remove && !forced && lines.start(low) != lines.start(high) && lines.isBlankFrom(end) &&
         isInIndentation(lines, low)) {
-        apply(kind, Region::ofLines(lines, low, high, start));
-        return;
+        return Region::ofLines(lines, low, high, low);
     }
-    apply(kind, {.range = TextRange::between(low, end),
-                 .start = start,
-                 .isOfLines = isOfLines && end > low,
-                 .isLarge = result.isLarge,
-                 .isInclusive = isInclusive,
-                 .markEnd = isInclusive || (endsBelow && end > low) ? std::nullopt : std::optional(high)});
+    const bool isOfLines = lines.start(low) != lines.start(std::max(low, end > low ? end - 1 : end)) || isBreak(lines.at(end - 1));
+    return {.range = TextRange::between(low, end),
+            .start = low,
+            .isOfLines = isOfLines && end > low,
+            .isLarge = motion.isLarge,
+            .isInclusive = isInclusive,
+            .markEnd = isInclusive || (endsBelow && end > low) ? std::nullopt : std::optional(high)};
+}
+
+/// What lies between the caret and where a motion leads.
+VimEngine::Operating::Stretch VimEngine::Operating::stretchTo(const VimLines &lines, qsizetype caret, const VimExactMotion::Result &motion)
+{
+    Stretch stretch{std::min(caret, motion.place), std::max(caret, motion.place), motion.kind == Kind::inclusive};
+    const qsizetype line = lines.start(stretch.high);
+    const qsizetype behind = stretch.isInclusive ? lines.after(stretch.high) : stretch.high;
+    if (motion.isWordMotion && line != lines.start(stretch.low) && isInIndentation(lines, behind)) {
+        // The last word's line is the last one.
+        qsizetype before = line - 1;
+        while (lines.start(before) > stretch.low && !lines.isEmpty(before) && lines.isBlankFrom(lines.start(before))) {
+            before = lines.start(before) - 1;
+        }
+        stretch.isInclusive = !lines.isEmpty(before);
+        stretch.high = stretch.isInclusive ? lines.last(before) : stretch.high;
+    }
+    return stretch;
 }
 
 void VimEngine::Operating::applyOver(const QString &command)
@@ -288,12 +292,7 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
         remove(region);
         break;
     case OperatorKind::yank:
-        keepRange(region, VimRegisters::Taken::yanked);
-        if (region.markEnd) {
-            m_exact.changing.setChangeMarks(region.range.location, std::max(*region.markEnd, region.range.location));
-        }
-        setCaret(region.start);
-        finish();
+        yank(region);
         return;
     case OperatorKind::indent:
     case OperatorKind::outdent:
@@ -303,17 +302,7 @@ void VimEngine::Operating::apply(OperatorKind kind, const Region &region)
     case OperatorKind::uppercase:
     case OperatorKind::toggleCase:
     case OperatorKind::rotate:
-        changeCase(region.range, kind);
-        {
-            const Sight sight = see();
-            const qsizetype last = std::max(region.range.end() - 1, region.range.location);
-            // Nothing at the start of a line ends behind the line before.
-            const bool isEmpty = region.markEnd == region.range.location && last > 0 && sight.lines.start(last) == last;
-            m_exact.changing.setChangeMarks(region.range.location, region.span == Span::lines ? sight.lines.last(last)
-                                                                   : isEmpty                  ? last - 1
-                                                                                              : last);
-        }
-        setCaret(region.start);
+        changeCase(region, kind);
         break;
     case OperatorKind::toggleComment:
         m_engine.m_editing->changeComments(region.range);
@@ -340,6 +329,16 @@ qsizetype VimEngine::Operating::placeBefore(OperatorKind kind, const Region &reg
     const Sight sight = see();
     const qsizetype second = sight.lines.next(region.range.location);
     return second < region.range.end() ? placeAtByte(sight.lines, second, byteColumn(sight.lines, region.start).value_or(0)) : region.start;
+}
+
+void VimEngine::Operating::yank(const Region &region)
+{
+    keepRange(region, VimRegisters::Taken::yanked);
+    if (region.markEnd) {
+        m_exact.changing.setChangeMarks(region.range.location, std::max(*region.markEnd, region.range.location));
+    }
+    setCaret(region.start);
+    finish();
 }
 
 void VimEngine::Operating::remove(const Region &region)
@@ -434,8 +433,9 @@ QString VimEngine::Operating::blanks(qsizetype cells) const
     return VimFormatting::blanks(0, cells, m_engine.m_view.indentation());
 }
 
-void VimEngine::Operating::changeCase(TextRange range, OperatorKind kind)
+void VimEngine::Operating::changeCase(const Region &region, OperatorKind kind)
 {
+    const TextRange range = region.range;
     const auto edits = computed(range, [range, kind](const VimLines &lines) {
         const Rope before = lines.text().slice(range);
         return TextEdits::difference(before, Rope(withLetters(before.toString(), kind))).movedBy(range.location);
@@ -444,65 +444,94 @@ void VimEngine::Operating::changeCase(TextRange range, OperatorKind kind)
         edit(*edits);
         m_exact.changing.noteChange(range.location);
     }
+    const Sight sight = see();
+    const qsizetype last = std::max(range.end() - 1, range.location);
+    // Nothing at the start of a line ends behind the line before.
+    const bool isEmpty = region.markEnd == range.location && last > 0 && sight.lines.start(last) == last;
+    m_exact.changing.setChangeMarks(range.location, region.span == Span::lines ? sight.lines.last(last) : isEmpty ? last - 1 : last);
+    setCaret(region.start);
+}
+
+namespace {
+
+bool fillsRegister(VimEngine::OperatorKind kind)
+{
+    using enum VimEngine::OperatorKind;
+    return kind == remove || kind == change || kind == yank;
+}
+
+/// What an operator makes of a rectangle.
+struct BlockChange {
+    TextEdits edits;
+    /// What is typed in place of it goes there, in the text after them.
+    std::vector<qsizetype> places;
+    /// By how much the rows above have moved the last one.
+    qsizetype shiftOfLast = 0;
+};
+
+BlockChange changeOf(VimEngine::OperatorKind kind, const Rope &text, const std::vector<VimBlock::Row> &rows)
+{
+    using enum VimEngine::OperatorKind;
+    BlockChange made;
+    for (const VimBlock::Row &row : rows) {
+        made.shiftOfLast = made.edits.growth();
+        if (row.isShort || (row.range.isEmpty() && kind != change)) {
+            continue;
+        }
+        const bool isEmptied = kind == remove || kind == change;
+        if (isEmptied) {
+            made.places.push_back(row.range.location + row.cellsBefore + made.edits.growth());
+        }
+        const QString before = text.toString(row.range);
+        const QString now = isEmptied ? QString(row.cellsBefore + row.cellsBehind, u' ') : withLetters(before, kind);
+        if (now != before) {
+            made.edits.add(row.range, Rope(now));
+        }
+    }
+    return made;
+}
+
+} // namespace
+
+void VimEngine::Operating::keepBlock(OperatorKind kind, const VimBlock &block, const VimLines &lines, bool isOfOneLine)
+{
+    using enum VimRegisters::Taken;
+    keep({.text = Rope(block.text(lines).join(u'\n')),
+          .isBlock = true,
+          .blockWidth = block.goesToEnds() ? block.widthToEnds(lines) : block.width()},
+         kind == OperatorKind::yank ? yanked
+         : isOfOneLine              ? removedPart
+                                    : removedLines);
 }
 
 void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block)
 {
-    using enum VimRegisters::Taken;
-    TextEdits edits;
-    std::vector<qsizetype> places;
+    const bool isRemoved = kind == OperatorKind::remove;
+    BlockChange made;
     qsizetype start = 0;
     qsizetype last = 0;
     qsizetype below = 0;
-    qsizetype shiftOfLast = 0;
     qsizetype cellsLeft = 0; // before it, of a tab in the first line
     {
         const Sight sight = see();
         const VimLines &lines = sight.lines;
         const std::vector<VimBlock::Row> rows = block.rows(lines);
         start = rows.front().range.location;
-        cellsLeft = kind == OperatorKind::remove && !rows.front().isShort ? rows.front().cellsBefore : 0;
-        const bool isOfNothing = ExactPart::text().isEmpty() || (rows.size() == 1 && lines.isEmpty(start));
-        const bool isNothing = kind == OperatorKind::remove
-                                   ? isOfNothing
-                                   : kind == OperatorKind::change && ExactPart::text().isEmpty() && !m_exact.hasEmptyLine();
+        cellsLeft = isRemoved && !rows.front().isShort ? rows.front().cellsBefore : 0;
         below = qsizetype(rows.size()) - 1;
-        last = kind == OperatorKind::remove ? rows.back().range.location : rows.back().range.end() - (rows.back().range.isEmpty() ? 0 : 1);
-        const bool isTaken = kind == OperatorKind::remove || kind == OperatorKind::change || kind == OperatorKind::yank;
-        if (isTaken && !isNothing) {
-            keep({.text = Rope(block.text(lines).join(u'\n')),
-                  .isBlock = true,
-                  .blockWidth = block.goesToEnds() ? block.widthToEnds(lines) : block.width()},
-                 kind == OperatorKind::yank ? yanked
-                 : rows.size() > 1          ? removedLines
-                                            : removedPart);
+        last = isRemoved ? rows.back().range.location : rows.back().range.end() - (rows.back().range.isEmpty() ? 0 : 1);
+        const bool isNothing = isRemoved ? text().isEmpty() || (below == 0 && lines.isEmpty(start))
+                                         : kind == OperatorKind::change && text().isEmpty() && !m_exact.hasEmptyLine();
+        if (fillsRegister(kind) && !isNothing) {
+            keepBlock(kind, block, lines, below == 0);
         }
-        qsizetype shift = 0;
-        for (const VimBlock::Row &row : rows) {
-            shiftOfLast = shift;
-            if (row.isShort || (row.range.isEmpty() && kind != OperatorKind::change)) {
-                continue;
-            }
-            QString now;
-            const QString before = text().toString(row.range);
-            switch (kind) {
-            case OperatorKind::remove:
-            case OperatorKind::change:
-                now = QString(row.cellsBefore + row.cellsBehind, u' ');
-                places.push_back(row.range.location + row.cellsBefore + shift);
-                break;
-            default:
-                now = withLetters(before, kind);
-            }
-            if (now != before) {
-                edits.add(row.range, Rope(now));
-                shift += now.size() - row.range.length;
-            }
+        if (kind != OperatorKind::yank) {
+            made = changeOf(kind, text(), rows);
         }
     }
     if (kind != OperatorKind::yank) {
         m_engine.m_view.select({start, 0}, start); // where undoing it leads back to
-        if (kind != OperatorKind::remove || !edits.isEmpty()) {
+        if (!isRemoved || !made.edits.isEmpty()) {
             m_exact.changing.beginChange(start,
                                          text().lineAt(start) == text().lineAt(last) ? Changing::Reach::line : Changing::Reach::lines,
                                          TextRange::between(start, last));
@@ -510,23 +539,23 @@ void VimEngine::Operating::applyToBlock(OperatorKind kind, const VimBlock &block
     }
     if (kind == OperatorKind::change) {
         m_exact.inserting.begin();
-        edit(edits);
-        m_exact.changing.keepLine(places.empty() ? start : places.front());
-        m_exact.inserting.enterBlock({.places = places.empty() ? std::vector{start} : places});
+        edit(made.edits);
+        const std::vector<qsizetype> places = made.places.empty() ? std::vector{start} : std::move(made.places);
+        m_exact.changing.keepLine(places.front());
+        m_exact.inserting.enterBlock({.places = places});
         return;
     }
-    edit(edits);
-    if (kind == OperatorKind::remove) {
+    edit(made.edits);
+    if (isRemoved) {
         // In the column of the first line.
         const Sight sight = see();
         const qsizetype line = sight.lines.startNear(start, below);
         m_exact.changing.setChangeMarks(start, std::min(line + start - sight.lines.start(start), sight.lines.end(line)));
     } else {
-        m_exact.changing.setChangeMarks(start, last + shiftOfLast);
+        m_exact.changing.setChangeMarks(start, last + made.shiftOfLast);
     }
-    if (!edits.isEmpty()) {
-        kind == OperatorKind::remove ? m_exact.changing.noteChange(see().lines.settled(start + cellsLeft))
-                                     : m_exact.changing.noteLine(start);
+    if (!made.edits.isEmpty()) {
+        isRemoved ? m_exact.changing.noteChange(see().lines.settled(start + cellsLeft)) : m_exact.changing.noteLine(start);
     }
     if (kind == OperatorKind::indent || kind == OperatorKind::outdent) {
         shiftBlock(kind, block);

@@ -63,17 +63,28 @@ public:
     void pasteText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
 
 private:
+    /// Units, the last of which is taken too if it `isInclusive`.
+    struct Stretch {
+        qsizetype low = 0;
+        qsizetype high = 0;
+        bool isInclusive = false;
+    };
+    [[nodiscard]] static Stretch stretchTo(const VimLines &lines, qsizetype caret, const VimExactMotion::Result &motion);
+    [[nodiscard]] static Region regionOf(const VimLines &lines, OperatorKind kind, const Stretch &stretch,
+                                         const VimExactMotion::Result &motion, std::optional<Mode> forced);
     [[nodiscard]] qsizetype placeBefore(OperatorKind kind, const Region &region) const;
     void change(const Region &region);
+    void yank(const Region &region);
     void remove(const Region &region);
     void replaceByBreak(TextRange range);
     [[nodiscard]] qsizetype indentationAt(qsizetype line) const;
     void alignLines(qsizetype first, qsizetype count, qsizetype cells);
     void shift(const Region &region, OperatorKind kind);
-    void changeCase(TextRange range, OperatorKind kind);
+    void changeCase(const Region &region, OperatorKind kind);
     void format(const Region &region, bool keepsCaret);
     void pasteBlock(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
     void putText(const VimRegisterContents &contents, Side side, qsizetype count, PasteCaret at);
+    void keepBlock(OperatorKind kind, const VimBlock &block, const VimLines &lines, bool isOfOneLine);
     void shiftBlock(OperatorKind kind, const VimBlock &block);
 
     std::optional<Mode> m_forced;
