@@ -201,7 +201,6 @@ void VimEngine::Operating::pasteBlock(const VimRegisterContents &contents, Side 
         const VimLines::Cells cells = lines.cells(from);
         const qsizetype column = side == Side::after && !lines.isEmpty(from) ? cells.last + 1 : cells.first;
         qsizetype line = lines.start(from);
-        qsizetype shift = 0;
         QString behindAll;
         for (qsizetype index = 0; index < rows.size(); ++index) {
             const qsizetype width = widthOf(rows[index], lines.tabWidth());
@@ -227,39 +226,22 @@ void VimEngine::Operating::pasteBlock(const VimRegisterContents &contents, Side 
                 inserted = QString(column - reached, u' ') + text + padding + QString(reached + cellsOfTab - column, u' ');
                 range = TextRange::between(place, lines.after(place));
             }
-            const qsizetype start = place + shift + (place < end && reached < column ? column - reached : missing);
+            const qsizetype start = place + edits.growth() + (place < end && reached < column ? column - reached : missing);
             first = index == 0 ? start : first;
             last = start + text.size();
             behindLast = last + (place < end ? padding.size() : 0);
             edits.add(range, Rope(inserted));
-            shift += inserted.size() - range.length;
             line = isLast ? -1 : lines.next(line);
         }
         if (!behindAll.isEmpty()) {
             const qsizetype end = lines.end(lines.lastStart());
-            if (!edits.isEmpty() && edits[edits.count() - 1].range.end() == end) {
-                const TextEdit lastEdit = edits[edits.count() - 1];
-                TextEdits all;
-                for (size_t index = 0; index + 1 < edits.count(); ++index) {
-                    all.add(edits[index].range, edits[index].text);
-                }
-                Rope text = lastEdit.text;
-                text.replace({text.length(), 0}, Rope(behindAll));
-                all.add(lastEdit.range, text);
-                edits = all;
-            } else {
-                edits.add({end, 0}, Rope(behindAll));
-            }
-            last = end + shift + behindAll.size();
+            edits.add({end, 0}, Rope(behindAll));
+            last = end + edits.growth();
             behindLast = last;
         }
     }
     edit(edits);
     m_exact.changing.setChangeMarks(first, std::max(last - 1, first));
     m_exact.changing.noteLine(first);
-    if (at == PasteCaret::behindText) {
-        setCaret(behindLast);
-    } else {
-        setCaret(first);
-    }
+    setCaret(at == PasteCaret::behindText ? behindLast : first);
 }

@@ -323,6 +323,47 @@ void VimEngine::Selecting::yankLines()
     apply(OperatorKind::yank, m_engine.m_mode == Mode::visualBlock ? std::nullopt : std::optional(Span::lines));
 }
 
+namespace {
+
+/// `key` in place of each character but breaks.
+TextEdits replacedCharacters(const VimLines &lines, TextRange range, QStringView key)
+{
+    TextEdits edits;
+    for (qsizetype at = range.location; at < range.end(); at = std::max(lines.next(at), at + 1)) {
+        const TextRange inLine = TextRange::between(at, std::min(lines.end(at), range.end()));
+        QString now;
+        for (qsizetype place = inLine.location; place < inLine.end(); place = lines.after(place)) {
+            now += key;
+        }
+        if (lines.text().toString(inLine) != now) {
+            edits.add(inLine, Rope(now));
+        }
+    }
+    return edits;
+}
+
+/// As often as there are cells; a wide one that does not fit leaves a blank.
+TextEdits replacedCells(const VimLines &lines, const VimBlock &block, QStringView key)
+{
+    const bool isBroken = key == QChar(u'\r');
+    const Rope character(key);
+    const qsizetype each = isBroken ? 1 : std::max<qsizetype>(VimLines(character).width(0, 0), 1);
+    TextEdits edits;
+    for (const VimBlock::Row &row : block.rows(lines)) {
+        if (row.range.isEmpty()) {
+            continue;
+        }
+        const qsizetype from = lines.cells(row.range.location).first + row.cellsBefore;
+        const qsizetype cells = lines.cells(row.range.end()).first - row.cellsBehind - from;
+        const QString now = QString(row.cellsBefore, u' ') + (isBroken ? u"\n"_s : key.toString().repeated(cells / each)) +
+                            QString(row.cellsBehind + (row.missing > 0 || block.goesToEnds() ? 0 : cells % each), u' ');
+        edits.add(row.range, Rope(now));
+    }
+    return edits;
+}
+
+} // namespace
+
 void VimEngine::Selecting::replaceCharacters(QStringView key)
 {
     if (key == QChar(VimKey::escape) || key == QChar(VimKey::backspace)) {
@@ -331,53 +372,24 @@ void VimEngine::Selecting::replaceCharacters(QStringView key)
     }
     takeExtent();
     remember();
+    const bool isBlock = m_engine.m_mode == Mode::visualBlock;
     TextEdits edits;
     qsizetype start = 0;
-    const qsizetype keyWidth = key == QChar(u'\r') ? 1 : [&] {
-        const Rope rope(key.toString());
-        return std::max<qsizetype>(VimLines(rope).width(0, 0), 1);
-    }();
     {
         const Sight sight = see();
         const VimLines &lines = sight.lines;
-        const auto replace = [&](TextRange range) {
-            for (qsizetype at = range.location; at < range.end(); at = std::max(lines.next(at), at + 1)) {
-                const TextRange inLine = TextRange::between(at, std::min(lines.end(at), range.end()));
-                QString now;
-                for (qsizetype place = inLine.location; place < inLine.end(); place = lines.after(place)) {
-                    now += key;
-                }
-                if (text().toString(inLine) != now) {
-                    edits.add(inLine, Rope(now));
-                }
-            }
-        };
-        if (m_engine.m_mode == Mode::visualBlock) {
+        if (isBlock) {
             const VimBlock shown = block();
-            const auto rows = shown.rows(lines);
-            start = rows.front().range.location;
-            for (const VimBlock::Row &row : rows) {
-                if (row.range.isEmpty()) {
-                    continue;
-                }
-                // So many as there are cells; a wide one that does not fit leaves a blank.
-                const qsizetype from = lines.cells(row.range.location).first + row.cellsBefore;
-                const qsizetype cells = lines.cells(row.range.end()).first - row.cellsBehind - from;
-                const qsizetype each = keyWidth;
-                const bool isBroken = key == QChar(u'\r');
-                QString now = QString(row.cellsBefore, u' ') + (isBroken ? u"\n"_s : key.toString().repeated(cells / each)) +
-                              QString(row.cellsBehind + (row.missing > 0 || shown.goesToEnds() ? 0 : cells % each), u' ');
-                edits.add(row.range, Rope(now));
-            }
+            start = shown.rows(lines).front().range.location;
+            edits = replacedCells(lines, shown, key);
         } else {
-            const Operating::Region taken = region();
-            start = taken.range.location;
-            const bool endsWithBreak = !taken.range.isEmpty() && isBreak(lines.at(taken.range.end() - 1));
-            replace({taken.range.location, taken.range.length - (endsWithBreak ? 1 : 0)});
+            const TextRange taken = region().range;
+            start = taken.location;
+            const bool endsWithBreak = !taken.isEmpty() && isBreak(lines.at(taken.end() - 1));
+            edits = replacedCharacters(lines, {taken.location, taken.length - (endsWithBreak ? 1 : 0)}, key);
         }
     }
     const qsizetype last = std::max(m_engine.m_visualAnchor, m_engine.m_visualHead);
-    const bool isBlock = m_engine.m_mode == Mode::visualBlock;
     m_engine.setMode(Mode::normal);
     const TextRange taken = TextRange::between(std::min(start, last), last + 1);
     const bool isInLine = text().lineAt(taken.location) == text().lineAt(last);
@@ -488,6 +500,50 @@ qsizetype VimEngine::Selecting::placeToInsert(const VimLines &lines, Side side) 
     return lines.cells(last).last == 0 ? last : lines.after(last); // Vim looks at the column
 }
 
+namespace {
+
+/// What is typed at a side of a rectangle goes to `places`, in the text after what makes room for it there.
+struct BlockInsertion {
+    TextEdits padding;
+    std::vector<qsizetype> places;
+};
+
+BlockInsertion insertionBefore(const VimLines &lines, const VimBlock &block)
+{
+    BlockInsertion made;
+    for (const VimBlock::Row &row : block.rows(lines)) {
+        const qsizetype from = row.range.location;
+        const bool isFirst = row.line == block.firstLine;
+        const bool isBroken = row.cellsBefore > 0 && !isFirst && lines.at(from) == u'\t';
+        if (!row.isShort) {
+            made.places.push_back(from + made.padding.growth() + (isBroken ? row.cellsBefore : 0));
+        }
+        if (isBroken) {
+            made.padding.add({from, 1}, Rope(QString(lines.width(from, block.left - row.cellsBefore), u' ')));
+        }
+        if (isFirst && row.cellsBefore > 0) {
+            break; // what would begin within a tab goes before it, and there alone
+        }
+    }
+    return made;
+}
+
+/// Short lines are filled up to the rectangle.
+BlockInsertion insertionBehind(const VimLines &lines, const VimBlock &block)
+{
+    BlockInsertion made;
+    for (const VimBlock::Row &row : block.rows(lines)) {
+        const qsizetype end = lines.end(row.line);
+        const qsizetype from = block.goesToEnds() ? end : row.range.end();
+        const qsizetype missing = from == end && !block.goesToEnds() ? std::max<qsizetype>(block.right + 1 - lines.cells(end).first, 0) : 0;
+        made.padding.add({end, 0}, Rope(QString(missing, u' ')));
+        made.places.push_back(from + made.padding.growth());
+    }
+    return made;
+}
+
+} // namespace
+
 void VimEngine::Selecting::insert(Side side, qsizetype count)
 {
     const qsizetype low = std::min(m_engine.m_visualAnchor, m_engine.m_visualHead);
@@ -497,76 +553,39 @@ void VimEngine::Selecting::insert(Side side, qsizetype count)
     }
     remember();
     if (m_engine.m_mode != Mode::visualBlock) {
-        qsizetype place = low;
-        {
-            const Sight sight = see();
-            place = placeToInsert(sight.lines, side);
-        }
+        const qsizetype place = placeToInsert(see().lines, side);
         m_engine.setMode(Mode::normal);
         m_engine.m_view.select({low, 0}, low);
         m_exact.inserting.enter(place, count);
         return;
     }
     const VimBlock shown = block();
-    TextEdits padding;
-    std::vector<qsizetype> places;
-    qsizetype blockStart = 0;
-    qsizetype typedFirst = 0;
+    BlockInsertion made;
+    TextRange first;
     {
         const Sight sight = see();
-        qsizetype shift = 0;
-        const TextRange first = shown.row(sight.lines, shown.firstLine).range;
-        blockStart = first.location;
-        typedFirst = side == Side::before ? first.location : first.end();
-        for (const VimBlock::Row &row : shown.rows(sight.lines)) {
-            const bool isFirst = row.line == shown.firstLine;
-            if (side == Side::before) {
-                const bool isBroken = row.cellsBefore > 0 && !isFirst && sight.lines.at(row.range.location) == u'\t';
-                if (isBroken) {
-                    const qsizetype cells = sight.lines.width(row.range.location, shown.left - row.cellsBefore);
-                    padding.add({row.range.location, 1}, Rope(QString(cells, u' ')));
-                }
-                if (!row.isShort) {
-                    places.push_back(row.range.location + shift + (isBroken ? row.cellsBefore : 0));
-                    shift += isBroken ? sight.lines.width(row.range.location, shown.left - row.cellsBefore) - 1 : 0;
-                }
-                if (isFirst && row.cellsBefore > 0) {
-                    break; // what would begin within a tab goes before it, and there alone
-                }
-                continue;
-            }
-            if (shown.goesToEnds()) {
-                places.push_back(sight.lines.end(row.line));
-                continue;
-            }
-            // Short lines are filled up to the rectangle.
-            const qsizetype end = sight.lines.end(row.line);
-            const qsizetype missing = row.range.end() == end ? std::max<qsizetype>(shown.right + 1 - sight.lines.cells(end).first, 0) : 0;
-            if (missing > 0) {
-                padding.add({sight.lines.end(row.line), 0}, Rope(QString(missing, u' ')));
-            }
-            places.push_back(row.range.end() + shift + missing);
-            shift += missing;
-        }
+        first = shown.row(sight.lines, shown.firstLine).range;
+        made = side == Side::before ? insertionBefore(sight.lines, shown) : insertionBehind(sight.lines, shown);
     }
     m_engine.setMode(Mode::normal);
-    m_engine.m_view.select({blockStart, 0}, blockStart);
+    m_engine.m_view.select({first.location, 0}, first.location);
     m_exact.inserting.begin();
     // The line below goes by itself when there is but one.
-    m_exact.changing.keepLine(typedFirst);
+    m_exact.changing.keepLine(side == Side::before ? first.location : first.end());
     if (shown.lastLine == text().lineStart(text().lineAt(shown.firstLine) + 1)) {
         m_exact.changing.keepLine(shown.lastLine);
     }
     TextEdits unfilling;
-    const TextEdits inverse = padding.inverse(text());
-    for (size_t index = 0; index < padding.count(); ++index) {
-        if (text().lineAt(padding[index].range.location) != text().lineAt(blockStart)) { // what fills up the first line stays
+    const TextEdits inverse = made.padding.inverse(text());
+    for (size_t index = 0; index < made.padding.count(); ++index) {
+        // What fills up the first line stays.
+        if (text().lineAt(made.padding[index].range.location) != text().lineAt(first.location)) {
             unfilling.add(inverse[index].range, inverse[index].text);
         }
     }
-    edit(padding);
+    edit(made.padding);
     m_exact.inserting.enterBlock(
-        {.places = places.empty() ? std::vector{low} : places, .endsAt = blockStart, .count = count, .unfilling = unfilling});
+        {.places = made.places.empty() ? std::vector{low} : made.places, .endsAt = first.location, .count = count, .unfilling = unfilling});
 }
 
 void VimEngine::Selecting::takeObject(VimTextObject::Extent extent, char16_t key)
