@@ -98,6 +98,18 @@ std::optional<qsizetype> takeCount(QString &argument)
     return count;
 }
 
+/// Each ">" behind ">" shifts once more.
+void takeShifts(VimExCall &call, QString &argument)
+{
+    if (call.name == u">" || call.name == u"<") {
+        while (argument.startsWith(call.name.front())) {
+            call.name += call.name.front();
+            argument.remove(0, 1);
+        }
+        argument = withoutBlanksBefore(argument).toString();
+    }
+}
+
 bool isRegister(QChar name)
 {
     return isLetter(name) || QStringView(u"\"-_+*.:%#/").contains(name);
@@ -261,19 +273,12 @@ Result<void> VimExLine::perform(const Parsed &parsed, const VimExRange &range, Q
     }
     // A mapping begins behind its name and means every blank.
     argument = withoutBlanksBefore(argument).toString();
-    if (call.name == u">" || call.name == u"<") {
-        while (argument.startsWith(call.name.front())) {
-            call.name += call.name.front();
-            argument.remove(0, 1);
-        }
-        argument = withoutBlanksBefore(argument).toString();
-    }
-    const bool isCounted = (command.takes & Takes::count) != 0;
+    takeShifts(call, argument);
     if ((command.takes & Takes::registerName) != 0 && !argument.isEmpty() && isRegister(argument.front())) {
         call.registerName = argument.front().unicode();
         argument = withoutBlanksBefore(QStringView(argument).sliced(1)).toString();
     }
-    if (isCounted) {
+    if ((command.takes & Takes::count) != 0) {
         call.count = takeCount(argument);
         if (call.count == 0) {
             return failure(localized(u"A count is 1 or more"));

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Vim/VimNumber.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -18,37 +20,54 @@ struct Prefix {
 };
 constexpr Prefix prefixes[] = {{u'x', 16}, {u'b', 2}};
 
+/// Where a number may stand in a line.
+struct Stretch {
+    const VimLines &lines;
+    qsizetype first;
+    qsizetype behind;
+
+    [[nodiscard]] bool hasDigit(qsizetype at, int base) const { return at >= first && at < behind && isDigit(lines.at(at), base); }
+    [[nodiscard]] bool hasPrefix(qsizetype at, Prefix prefix) const
+    {
+        return at >= first && lines.at(at) == u'0' && at + 2 < behind && (lines.at(at + 1) | 0x20) == prefix.letter &&
+               hasDigit(at + 2, prefix.base);
+    }
+    /// Of the number that begins there.
+    [[nodiscard]] int baseAt(qsizetype at) const
+    {
+        const auto *const found = std::ranges::find_if(prefixes, [&](Prefix prefix) { return hasPrefix(at, prefix); });
+        return found == std::end(prefixes) ? 10 : found->base;
+    }
+    /// The start of the number with such a prefix that has `place` in it, or else `place`.
+    [[nodiscard]] qsizetype startAround(qsizetype place, Prefix prefix) const
+    {
+        qsizetype start = place;
+        while (hasDigit(start, prefix.base) && hasDigit(start - 1, prefix.base)) {
+            --start;
+        }
+        for (const qsizetype at : {start - 2, start - 1, start}) {
+            if (hasPrefix(at, prefix) && at <= place && place < endOfDigits(at + 2, prefix.base)) {
+                return at;
+            }
+        }
+        return place;
+    }
+    [[nodiscard]] qsizetype endOfDigits(qsizetype at, int base) const
+    {
+        while (hasDigit(at, base)) {
+            ++at;
+        }
+        return at;
+    }
+};
+
 } // namespace
 
 std::optional<VimNumber> VimNumber::added(const VimLines &lines, qsizetype from, qsizetype behind, bool isBounded, qint64 by)
 {
-    const qsizetype first = isBounded ? from : lines.start(from);
-    const auto isDigitAt = [&](qsizetype at, int base) { return at >= first && at < behind && isDigit(lines.at(at), base); };
-    const auto isPrefixAt = [&](qsizetype at, Prefix prefix) {
-        return at >= first && lines.at(at) == u'0' && at + 2 < behind && (lines.at(at + 1) | 0x20) == prefix.letter &&
-               isDigitAt(at + 2, prefix.base);
-    };
-    // Within a number with a prefix?
+    const Stretch stretch{lines, isBounded ? from : lines.start(from), behind};
     for (const Prefix prefix : prefixes) {
-        qsizetype start = from;
-        while (isDigitAt(start, prefix.base) && isDigitAt(start - 1, prefix.base)) {
-            --start;
-        }
-        const qsizetype candidates[] = {start - 2, start - 1, start};
-        for (const qsizetype at : candidates) {
-            const bool isInside = isPrefixAt(at, prefix) && at <= from;
-            if (!isInside) {
-                continue;
-            }
-            qsizetype end = at + 2;
-            while (isDigitAt(end, prefix.base)) {
-                ++end;
-            }
-            if (from < end) {
-                from = at;
-                break;
-            }
-        }
+        from = stretch.startAround(from, prefix);
     }
     qsizetype start = from;
     while (start < behind && !isDigit(lines.at(start), 10)) {
@@ -57,43 +76,29 @@ std::optional<VimNumber> VimNumber::added(const VimLines &lines, qsizetype from,
     if (start >= behind) {
         return std::nullopt;
     }
-    int base = 10;
-    for (const Prefix prefix : prefixes) {
-        base = isPrefixAt(start, prefix) ? prefix.base : base;
-    }
-    if (base == 10) {
-        while (isDigitAt(start - 1, 10)) {
+    if (stretch.baseAt(start) == 10) {
+        while (stretch.hasDigit(start - 1, 10)) {
             --start;
         }
-        for (const Prefix prefix : prefixes) {
-            base = isPrefixAt(start, prefix) ? prefix.base : base;
-        }
     }
+    const int base = stretch.baseAt(start);
     const qsizetype digits = start + (base == 10 ? 0 : 2);
-    qsizetype end = digits;
-    bool isUpper = false;
-    QString text;
-    while (isDigitAt(end, base)) {
-        const char16_t unit = lines.at(end++);
-        text += QChar(unit);
-        if (unit > u'9') {
-            isUpper = unit < u'a';
-        }
-    }
+    const qsizetype end = stretch.endOfDigits(digits, base);
+    const QString text = lines.text().toString(TextRange::between(digits, end));
     bool fits = false;
     quint64 value = text.toULongLong(&fits, base);
     value = fits ? value : std::numeric_limits<quint64>::max();
-    const qsizetype width = end - digits;
     if (base != 10) {
-        QString number = QString::number(value + quint64(by), base);
-        number = (isUpper ? number.toUpper() : number).rightJustified(width, u'0');
-        return VimNumber{TextRange::between(digits, end), number};
+        const auto letter = std::find_if(text.rbegin(), text.rend(), [](QChar unit) { return unit > u'9'; });
+        const bool isUpper = letter != text.rend() && *letter < u'a';
+        const QString number = QString::number(value + quint64(by), base);
+        return VimNumber{TextRange::between(digits, end), (isUpper ? number.toUpper() : number).rightJustified(text.size(), u'0')};
     }
-    const bool isNegative = start > first && lines.at(start - 1) == u'-';
+    const bool isNegative = start > stretch.first && lines.at(start - 1) == u'-';
     const qint64 sum = (isNegative ? -qint64(value) : qint64(value)) + by;
     QString number = QString::number(sum < 0 ? 0 - quint64(sum) : quint64(sum));
     if (text.startsWith(u'0')) {
-        number = number.rightJustified(width, u'0');
+        number = number.rightJustified(text.size(), u'0');
     }
     return VimNumber{TextRange::between(start - (isNegative ? 1 : 0), end), (sum < 0 ? u"-"_s : QString()) + number};
 }
