@@ -27,6 +27,8 @@ public:
     [[nodiscard]] bool isDeferring() const { return m_depth > 0; }
     /// One caret that types nothing but what it is given, so that changes can be put off.
     [[nodiscard]] bool mayType() const;
+    /// The view has not all of the changes yet.
+    [[nodiscard]] bool hasEdits() const { return !m_edits.isEmpty(); }
     /// Brings the view up to date.
     void flush();
     /// The view, for all else: up to date, and what it has selected afterwards counts.

@@ -597,13 +597,17 @@ void EditorVim::redo()
 
 qsizetype EditorVim::undoSteps() const
 {
-    return m_view.undoManager().steps();
+    // What has not come to the view yet makes a step, unless it goes into one that is there.
+    const qsizetype steps = m_view.undoManager().steps();
+    const bool isInStep = m_undoGroups > 0 && steps > m_stepsBefore;
+    return steps + (m_text.hasEdits() && !isInStep ? 1 : 0);
 }
 
 void EditorVim::beginUndoGroup()
 {
     if (m_undoGroups++ == 0) {
         m_text.flush(); // that is no part of it
+        m_stepsBefore = m_view.undoManager().steps();
     }
     m_view.undoManager().breakCoalescing();
     m_view.undoManager().beginGroup(GroupKind::other, m_view.selection(), &m_view);

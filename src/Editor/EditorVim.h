@@ -158,6 +158,8 @@ private:
     /// What was said last while keys run: of hundreds of lines nobody could read it.
     QString m_lastSaid;
     int m_undoGroups = 0;
+    /// Steps that could be undone when the outermost of these began.
+    qsizetype m_stepsBefore = 0;
     SearchRunner m_search;
     SearchPreview m_preview;
     SubstitutionPreview m_substitution;

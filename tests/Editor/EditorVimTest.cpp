@@ -144,6 +144,21 @@ TEST_F(EditorVimTest, ChangesTheViewOnceForAllKeysThatRunByThemselves)
     EXPECT_TRUE(text().startsWith(u"l yine\nline\n"_s)) << text().first(30).toStdString();
 }
 
+TEST_F(EditorVimTest, UndoesWhatRanByItselfWithTheCaretWhereItWas)
+{
+    for (const QString &keys : {u"jfcxw."_s, u"jfcxw@a"_s, u"jfcxw:normal x\n"_s}) {
+        start(u"one\n  abc bcd cde\n"_s, still);
+        record(u'a', u"x"_s);
+        press(keys);
+        EXPECT_EQ(text(), u"one\n  ab cd cde\n"_s) << keys.toStdString();
+        press(u"u"_s);
+        EXPECT_EQ(editor->view.selection().caret, 9) << keys.toStdString();
+        press(u"u"_s);
+        EXPECT_EQ(editor->view.selection().caret, 8) << keys.toStdString();
+        vim.reset();
+    }
+}
+
 TEST_F(EditorVimTest, SharesTheMarksThatKeysSetAsTheyRun)
 {
     start(u"one\ntwo\n"_s, still);
