@@ -235,10 +235,6 @@ void EditorViewController::retranslate()
 
 void EditorViewController::observe()
 {
-    connect(&m_document->storage(), &TextStorage::didProcessEditing, this, [this] {
-        m_textView->ruler().updateThickness();
-        m_textView->ruler().refresh();
-    });
     connect(m_textView, &TextView::visibleRowsChanged, this, &EditorViewController::scheduleVisibleHighlight);
     connect(m_textView, &TextView::selectionChanged, this, &EditorViewController::stateChanged);
     connect(m_finder, &TextFinder::allHitsWanted, this, [this] {

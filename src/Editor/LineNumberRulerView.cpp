@@ -57,6 +57,9 @@ LineNumberRulerView::LineNumberRulerView(TextView &client, QWidget *parent)
     setCursor(Qt::ArrowCursor);
     setMouseTracking(true);
     updateThickness();
+    connect(&client, &TextView::visibleRowsChanged, this, &LineNumberRulerView::refresh);
+    connect(&client, &TextView::selectionChanged, this, &LineNumberRulerView::refresh);
+    connect(&client.storage(), &TextStorage::didProcessEditing, this, &LineNumberRulerView::updateThickness);
 }
 
 void LineNumberRulerView::setTheme(const Theme &theme)

@@ -51,11 +51,6 @@ public:
     [[nodiscard]] qint64 lineCount() const;
     /// Pixels; room for three digits at least.
     [[nodiscard]] int thickness() const { return m_thickness; }
-    /// To be called after the text changed; the width stays unless the number of digits changes.
-    void updateThickness();
-    /// The text under it scrolled, changed or has another selection; paints only if that can be seen here.
-    void refresh();
-
     [[nodiscard]] QSize sizeHint() const override { return {m_thickness, 0}; }
 
 signals:
@@ -83,6 +78,10 @@ private:
         friend bool operator==(const Shown &, const Shown &) = default;
     };
 
+    /// The width stays unless the number of digits changes.
+    void updateThickness();
+    /// The text under it scrolled, changed or has another selection; paints only if that can be seen here.
+    void refresh();
     [[nodiscard]] Shown shown() const;
     [[nodiscard]] qsizetype currentLine() const;
     /// -1 where lines are not counted from the caret's.

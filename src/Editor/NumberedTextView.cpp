@@ -11,8 +11,6 @@ NumberedTextView::NumberedTextView(TextStorage &storage, UndoManager &undoManage
     setVerticalScrollBar(m_verticalBar);
     setHorizontalScrollBar(m_horizontalBar);
     connect(m_ruler, &LineNumberRulerView::thicknessChanged, this, &NumberedTextView::placeRuler);
-    connect(this, &TextView::visibleRowsChanged, m_ruler, &LineNumberRulerView::refresh);
-    connect(this, &TextView::selectionChanged, m_ruler, &LineNumberRulerView::refresh);
     placeRuler();
 }
 
