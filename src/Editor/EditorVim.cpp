@@ -498,7 +498,6 @@ void EditorVim::select(TextRange range, qsizetype caret)
         return;
     }
     m_view.showCaretAt(selection, caret);
-    m_view.ruler().refresh();
 }
 
 void EditorVim::selectSeveral(const std::vector<TextRange> &ranges, size_t primary, std::optional<qsizetype> caret)

@@ -239,8 +239,9 @@ void TextView::storageChanged(const TextChange &change)
     }
     if (m_port.settle() || hadSeveral) {
         viewport()->update();
+    } else {
+        m_repaint.change(change);
     }
-    m_repaint.change(change);
     TextViewAccessible::reportChange(*this, change);
     viewMoved();
     if (!m_isEditing && selection() != before) {
@@ -251,14 +252,15 @@ void TextView::storageChanged(const TextChange &change)
 
 // Selection
 
-void TextView::setCarets(const Selections &wanted)
+void TextView::setCarets(const Selections &wanted, std::optional<qsizetype> shown)
 {
-    const bool isSame = selections() == wanted;
-    const bool hadSeveral = !selections().isSingle();
+    const bool isSame = selections() == wanted && m_caret.shown == shown;
+    const bool areSeveral = !selections().isSingle() || !wanted.isSingle();
+    const auto repaintCarets = [this, areSeveral] { areSeveral ? viewport()->update() : m_caret.repaint(); };
     const TextSelection before = selection();
     const QRectF rowBefore = m_caret.rowBox();
-    m_caret.repaint();
-    m_caret.shown.reset();
+    repaintCarets();
+    m_caret.shown = shown;
     m_caret.selections = wanted;
     if (isComposing() && m_layout.preedit().offset != m_caret.place().offset) {
         m_input.movePreedit();
@@ -268,17 +270,14 @@ void TextView::setCarets(const Selections &wanted)
         viewport()->update(rowBefore.toAlignedRect());
         viewport()->update(row.toAlignedRect());
     }
+    repaintCarets();
     // An edit of this view has already moved the ends along with the text, which is no reason to keep silent about it.
     if (isSame && !m_isEditing) {
-        m_caret.repaint();
         return;
     }
-    if (hadSeveral || !wanted.isSingle()) {
-        viewport()->update();
-    } else {
+    if (!areSeveral) {
         m_repaint.selection(before);
     }
-    m_caret.repaint();
     if (hasFocus()) {
         QGuiApplication::inputMethod()->update(Qt::ImCursorRectangle | Qt::ImAnchorRectangle | Qt::ImCursorPosition | Qt::ImAnchorPosition |
                                                Qt::ImCurrentSelection | Qt::ImSurroundingText | Qt::ImTextBeforeCursor |
@@ -289,8 +288,19 @@ void TextView::setCarets(const Selections &wanted)
     emit selectionChanged();
 }
 
-/// Rows between the old and the new ends change their look; with no selection at all only the carets do.
 void TextView::setSelection(const Selections &wanted, Reveal reveal)
+{
+    select(wanted);
+    revealCaret(reveal);
+}
+
+void TextView::showCaretAt(const Selections &wanted, qsizetype place)
+{
+    select(wanted, TextBoundaries::snapped(m_storage.text(), place));
+    revealCaret();
+}
+
+void TextView::select(const Selections &wanted, std::optional<qsizetype> shown)
 {
     std::vector<CaretSelection> all(wanted.begin(), wanted.end());
     for (CaretSelection &one : all) {
@@ -300,22 +310,9 @@ void TextView::setSelection(const Selections &wanted, Reveal reveal)
     if (all[wanted.primaryIndex()].caret.offset != m_caret.place().offset) {
         m_undoManager.breakCoalescing();
     }
-    setCarets(Selections::merged(std::move(all), wanted.primaryIndex()));
-    revealCaret(reveal);
-}
-
-void TextView::showCaretAt(const Selections &wanted, qsizetype place)
-{
-    setSelection(wanted);
-    const qsizetype shown = TextBoundaries::snapped(m_storage.text(), place);
-    if (shown != m_caret.place().offset || !selections().isSingle()) {
-        m_caret.repaint();
-        viewport()->update(m_caret.rowBox().toAlignedRect());
-        m_caret.shown = shown;
-        m_caret.repaint();
-        viewport()->update(m_caret.rowBox().toAlignedRect());
-    }
-    revealCaret();
+    const Selections merged = Selections::merged(std::move(all), wanted.primaryIndex());
+    const bool isAtPlace = merged.isSingle() && shown == merged.primary().caret.offset;
+    setCarets(merged, isAtPlace ? std::nullopt : shown);
 }
 
 TextRange TextView::visibleRange()

@@ -178,7 +178,9 @@ private:
     [[nodiscard]] LayoutManager::Settings settingsForViewport() const;
     void replay(std::optional<Selections> (UndoManager::*step)());
     void storageChanged(const TextChange &change);
-    void setCarets(const Selections &selections);
+    /// Clamps them, and shows the caret at `shown`, if it is given.
+    void select(const Selections &wanted, std::optional<qsizetype> shown = {});
+    void setCarets(const Selections &wanted, std::optional<qsizetype> shown = {});
     void viewMoved();
 
     void centerSelection() { revealCaret(Reveal::center); }
