@@ -36,14 +36,14 @@ BracketMarker::BracketMarker(EditorTextView &view, TextDocument &document, const
     connect(&view, &TextView::selectionChanged, this, &BracketMarker::update);
     connect(&view, &TextView::visibleRowsChanged, this, &BracketMarker::updateHint);
     connect(&view.storage(), &TextStorage::didProcessEditing, this, [this](const TextChange &change) {
-        // Whoever edits in this view moves its caret, too.
         if (m_pair) {
             for (qsizetype *const place : {&m_pair->beside, &m_pair->partner}) {
                 *place = change.mapped(*place, Bias::after);
             }
         }
-        show(std::nullopt);
-        m_soon = m_services.scheduler.after(Scheduler::Milliseconds(0), [this] { update(); });
+        if (!m_view.isEditing()) {
+            update();
+        }
     });
     view.setLook(&TextLooks::brackets, [this](TextRange) { return marked(); });
 }

@@ -23,7 +23,11 @@ OccurrenceMarker::OccurrenceMarker(TextView &view, Scheduler &scheduler, Workers
     : QObject(&view), m_view(view), m_scheduler(scheduler), m_workers(workers)
 {
     connect(&view, &TextView::selectionChanged, this, &OccurrenceMarker::update);
-    connect(&view.storage(), &TextStorage::didProcessEditing, this, &OccurrenceMarker::update);
+    connect(&view.storage(), &TextStorage::didProcessEditing, this, [this] {
+        if (!m_view.isEditing()) {
+            update();
+        }
+    });
     view.setLook(&TextLooks::occurrences, [this](TextRange seen) { return occurrencesIn(seen); });
     if (MarkedScrollBar *bar = MarkedScrollBar::of(view)) {
         bar->setSource(ScrollMark::occurrence, {.any = [this] { return m_places.has_value(); },

@@ -68,6 +68,8 @@ public:
     }
     void setAccess(Access access);
     [[nodiscard]] bool isReadOnly() const { return m_access == Access::readOnly; }
+    /// The change of the text under way is this view's, which tells of its selection when that is where it belongs.
+    [[nodiscard]] bool isEditing() const { return m_isEditing; }
     /// Draws the eye to `range`, which is seen already: a highlight that fades within a second.
     void showIndicator(TextRange range);
 
@@ -203,6 +205,5 @@ private:
     TextViewRepaint m_repaint{*this};
 
     TextViewCaret m_caret{*this};
-    // The change under way is this view's, which will say itself where its caret goes.
     bool m_isEditing = false;
 };
