@@ -5,6 +5,7 @@
 #include "Base/Localization.h"
 #include "Base/Translation.h"
 #include "Commands/KeyboardChords.h"
+#include "Editor/TextCounter.h"
 #include "Model/DocumentStore.h"
 #include "Settings/Preferences.h"
 #include "View/FirstResponder.h"
@@ -171,6 +172,7 @@ EditorViewController *PaneViewController::makeEditor(TextDocument &document)
     connect(editor, &EditorViewController::activated, this, &PaneViewController::activated);
     connect(editor, &EditorViewController::filesDropped, this, &PaneViewController::filesDropped);
     connect(editor, &EditorViewController::messageShown, this, &PaneViewController::messageShown);
+    connect(&editor->counter(), &TextCounter::changed, this, &PaneViewController::countsChanged);
     connect(editor, &EditorViewController::stateChanged, this, [this, editor] {
         if (editor == m_currentEditor) {
             emit stateChanged();

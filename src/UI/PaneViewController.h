@@ -45,6 +45,8 @@ signals:
     void activated();
     /// The selection in its text or the state of one of its documents is another.
     void stateChanged();
+    /// What one of its texts has of words and characters is known, or other than before.
+    void countsChanged();
     /// Something to be said for so long.
     void messageShown(const QString &message, Scheduler::Milliseconds duration);
     /// Absolute paths of files that exist.

@@ -248,6 +248,7 @@ PaneViewController *WorkspaceViewController::makePane(int id)
             m_services.keeper.noteActivity();
         }
     });
+    connect(pane, &PaneViewController::countsChanged, this, &WorkspaceViewController::updateStatusBar);
     connect(pane, &PaneViewController::messageShown, m_statusBar, &StatusBarView::flash);
     connect(pane, &PaneViewController::filesDropped, this, [this, pane](const QStringList &paths) {
         activate(*pane);
@@ -744,5 +745,4 @@ void WorkspaceViewController::updateStatusBar()
         .caretHint = [text, caret = selected.location, encoding = document.encoding(),
                       lineEnding = document.lineEnding()] { return ::caretHint(text, caret, encoding, lineEnding); },
     });
-    connect(&editor->counter(), &TextCounter::changed, this, &WorkspaceViewController::updateStatusBar, Qt::UniqueConnection);
 }
