@@ -519,7 +519,7 @@ void EditorViewController::updateBanner()
         return;
     }
     if (!m_banner) {
-        m_banner = new ExternalChangeBanner(this);
+        m_banner = makeBanner();
         m_banner->onReload = [this] { reload(); };
         m_banner->onKeep = [this] { m_document->clearExternalState(); };
         m_banner->onSave = [this] { saveAgain(); };
@@ -527,9 +527,7 @@ void EditorViewController::updateBanner()
             const bool isConflicted = m_document->externalState() == TextDocument::ExternalState::conflicted;
             performHere(isConflicted ? Actions::compareWithFileOnDisk : Actions::compareWithOrigin);
         };
-        m_stack->insertWidget(0, m_banner);
     }
-    m_banner->applyTheme(m_services.documents.theme());
     if (isOfFile) {
         m_banner->configure(state, m_document->displayName());
     } else {
@@ -544,12 +542,10 @@ void EditorViewController::updateAwaitedBanner()
         return;
     }
     if (!m_awaitedBanner) {
-        m_awaitedBanner = new ExternalChangeBanner(this);
+        m_awaitedBanner = makeBanner();
         m_awaitedBanner->onDone = [this] { performHere(Actions::finishWaiting); };
         m_awaitedBanner->onAbort = [this] { performHere(Actions::abortWaiting); };
-        m_stack->insertWidget(0, m_awaitedBanner);
     }
-    m_awaitedBanner->applyTheme(m_services.documents.theme());
     m_awaitedBanner->configureAwaited(m_document->displayName());
 }
 
@@ -568,20 +564,23 @@ void EditorViewController::updateSuggestionBanner()
         return;
     }
     if (!m_suggestionBanner) {
-        m_suggestionBanner = new ExternalChangeBanner(this);
+        m_suggestionBanner = makeBanner();
         m_suggestionBanner->onReopen = [this] {
             m_document->reinterpret(m_document->encodingDetails().suggested().value_or(m_document->encoding()), {},
                                     TextDocument::Remembered::yes);
         };
         m_suggestionBanner->onKeep = [this] { m_document->encodingDetails().keep(); };
-        m_suggestionBanner->onChoose = [this] {
-            m_textView->setFocus();
-            perform(Actions::reopenWithEncoding);
-        };
-        m_stack->insertWidget(0, m_suggestionBanner);
+        m_suggestionBanner->onChoose = [this] { performHere(Actions::reopenWithEncoding); };
     }
-    m_suggestionBanner->applyTheme(m_services.documents.theme());
     m_suggestionBanner->configureSuggestion(displayName(*encoding));
+}
+
+ExternalChangeBanner *EditorViewController::makeBanner()
+{
+    auto *banner = new ExternalChangeBanner(this);
+    banner->applyTheme(m_services.documents.theme());
+    m_stack->insertWidget(0, banner);
+    return banner;
 }
 
 void EditorViewController::dropBanner(ExternalChangeBanner *&banner)

@@ -155,6 +155,7 @@ private:
     void updateAwaitedBanner();
     void updateSuggestionBanner();
     void performHere(const Action &action);
+    [[nodiscard]] ExternalChangeBanner *makeBanner();
     void dropBanner(ExternalChangeBanner *&banner);
     void reload();
     void saveAgain();
