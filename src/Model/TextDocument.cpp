@@ -683,7 +683,8 @@ void TextDocument::takeChanged(const FileReading &reading)
         m_follower.agreeOn(reading.contents.state, reading.contents.position);
         m_undoManager.markSavePoint();
         m_isDraft = false;
-        setDirty(false);
+        m_isDirty = false;
+        postMetadata(); // a draft counts as clean before, too
         return;
     }
     if (!hasUnsavedText() && m_services.preferences.value(Settings::reloadCleanFilesAutomatically)) {

@@ -30,6 +30,15 @@ struct Life : WholeProgram {
         ASSERT_TRUE(session.waitUntilWritten(1min));
         QCoreApplication::processEvents();
     }
+    /// As long as it takes to hear of what others have written.
+    void look()
+    {
+        for (int turn = 0; turn < 20; ++turn) {
+            QCoreApplication::processEvents();
+            scheduler.advance(50ms);
+        }
+        QCoreApplication::processEvents();
+    }
     void answer(int button)
     {
         presenter.answer(button);
@@ -213,6 +222,10 @@ TEST_F(SessionTest, AFileWithUnsavedTextOpensWithThat)
     EXPECT_EQ(run->workspace().currentDocument()->externalState(), TextDocument::ExternalState::conflicted);
     run->workspace().open({file});
     EXPECT_EQ(run->texts(), QStringList{u"typed a"_s}) << "one tab";
+    EXPECT_TRUE(run->window().isWindowModified());
+    put(u"a.txt"_s, "typed a");
+    run->look();
+    EXPECT_FALSE(run->window().isWindowModified()) << "others have written the same";
 }
 
 TEST_F(SessionTest, WhatASecondProgramWasKilledWithComesBackWhenNoOtherRuns)
