@@ -83,6 +83,12 @@ AppDelegate::AppDelegate(const WorkspaceServices &services) : m_services(service
     m_keyboardObserver = m_services.notifications.observe(KeyboardChords::didChangeNotification, nullptr, installMenus);
     connect(qApp, &QGuiApplication::focusWindowChanged, this, &AppDelegate::rememberActiveWindow);
     m_documentObserver = m_services.notifications.observe(DocumentStore::didChange, nullptr, [this] { noticeClosed(); });
+    m_savedObserver = m_services.notifications.observe(TextDocument::didChangeMetadata, nullptr, [this] {
+        if (!m_leftBehind.empty()) {
+            // The document that says so is still at work.
+            QMetaObject::invokeMethod(this, &AppDelegate::dismissSaved, Qt::QueuedConnection);
+        }
+    });
     m_services.keeper.setWindows(this);
     m_services.session.onSetAside([this](const QString &folder) {
         warn(localized(u"The last session could not be read."),
@@ -208,6 +214,8 @@ void AppDelegate::windowClosed(MainWindowController &window)
                 window.workspace().noteClosed(*document);
             }
             m_services.documents.remove(*document);
+        } else if (!isShown) {
+            m_leftBehind.push_back(document);
         }
     }
     window.deleteLater();
@@ -225,6 +233,20 @@ void AppDelegate::windowClosed(MainWindowController &window)
     if (m_isTerminating) {
         closeNext();
     }
+}
+
+/// What has come into its file since, by others or by itself, goes like any text that nobody shows.
+void AppDelegate::dismissSaved()
+{
+    std::erase_if(m_leftBehind, [this](const std::weak_ptr<TextDocument> &each) {
+        const auto document = each.lock();
+        const bool isShown = document && m_layouts.countOf(*document) > 0;
+        const bool isSaved = document && !document->hasUnsavedText();
+        if (isSaved && !isShown) {
+            m_services.documents.remove(*document);
+        }
+        return !document || isShown || isSaved;
+    });
 }
 
 MainWindowController *AppDelegate::frontmostWindow() const

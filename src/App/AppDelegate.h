@@ -102,6 +102,7 @@ private:
     void clearRecentDocuments();
     [[nodiscard]] bool hasRecentDocuments() const;
     void windowClosed(MainWindowController &window);
+    void dismissSaved();
     void inform(const QString &message, const QString &details);
 
     [[nodiscard]] MenuSources menuSources() const;
@@ -127,7 +128,10 @@ private:
     std::unique_ptr<SettingsWindowController> m_settings;
     std::vector<BackgroundTask> m_readings;
     std::vector<Waiting> m_waiting;
+    /// Texts of closed windows, which were not saved then.
+    std::vector<std::weak_ptr<TextDocument>> m_leftBehind;
     NotificationCenter::Token m_documentObserver;
+    NotificationCenter::Token m_savedObserver;
     bool m_isTerminating = false;
     PendingWrites m_writes{m_services.presenter};
     DelayedTask m_warning;

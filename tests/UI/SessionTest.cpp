@@ -228,6 +228,24 @@ TEST_F(SessionTest, AFileWithUnsavedTextOpensWithThat)
     EXPECT_FALSE(run->window().isWindowModified()) << "others have written the same";
 }
 
+TEST_F(SessionTest, ATextOfAClosedWindowGoesWhenItIsInItsFile)
+{
+    const QString file = put(u"a.txt"_s, "a");
+    auto run = start({file});
+    run->type(u"1"_s);
+    run->send(Actions::newWindow);
+    run->window().close();
+    run->answer(AlertReply::thirdButton);
+    ASSERT_EQ(run->application.windows().size(), 1U);
+    run->tick();
+    EXPECT_NE(run->documents.documentAt(file), nullptr) << "opening it brings it back";
+    put(u"a.txt"_s, "1a");
+    run->look();
+    EXPECT_EQ(run->documents.documentAt(file), nullptr);
+    run->tick();
+    EXPECT_EQ(run->drafts(), QStringList());
+}
+
 TEST_F(SessionTest, WhatASecondProgramWasKilledWithComesBackWhenNoOtherRuns)
 {
     const QString file = put(u"a.txt"_s, "a");
