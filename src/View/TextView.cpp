@@ -39,6 +39,21 @@ TextView::Colors colorsOf(const QPalette &palette)
     return colors;
 }
 
+/// Where commands reckon with the lengths of lines, their selections may end within a pair.
+Selections outsidePairs(const Rope &text, const Selections &selections)
+{
+    const auto isWhole = [&text](const CaretSelection &one) { return !text.splitsPair(one.caret.offset) && !text.splitsPair(one.anchor); };
+    if (text.characterCount() == text.length() || std::ranges::all_of(selections, isWhole)) {
+        return selections;
+    }
+    std::vector<CaretSelection> all(selections.begin(), selections.end());
+    for (CaretSelection &one : all) {
+        one.caret.offset -= text.splitsPair(one.caret.offset) ? 1 : 0;
+        one.anchor -= text.splitsPair(one.anchor) ? 1 : 0;
+    }
+    return Selections::merged(std::move(all), selections.primaryIndex());
+}
+
 } // namespace
 
 TextView::TextView(TextStorage &storage, UndoManager &undoManager, Services services, const QFont &font, QWidget *parent)
@@ -196,8 +211,9 @@ bool TextView::apply(const TextEdits &edits, GroupKind kind, const Selections &a
         const QScopedValueRollback<bool> editing(m_isEditing, true);
         m_undoManager.beginGroup(kind, selections(), this);
         m_storage.apply(edits);
-        m_undoManager.endGroup(after);
-        setCarets(after);
+        const Selections whole = outsidePairs(m_storage.text(), after);
+        m_undoManager.endGroup(whole);
+        setCarets(whole);
     }
     revealCaret(reveal);
     return true;

@@ -138,6 +138,13 @@ TEST(LineCommands, HoldNothingUpInALongText)
     EXPECT_EQ(fixture.messages.last(), u"Stopped; nothing was changed."_s);
 }
 
+TEST(ShiftedLines, EndNoSelectionWithinACharacter)
+{
+    EditorFixture fixture(u"👍abc^d\n    e|"_s, {4, Indentation::Unit::spaces});
+    fixture.view.perform(Actions::insertBacktab);
+    EXPECT_EQ(fixture.marked(), u"^👍ab|cd\ne"_s);
+}
+
 TEST(ShiftedLines, StayTheSameUntilSomethingElseIsDone)
 {
     EditorFixture fixture(u"^a\nb|\nc"_s, {4, Indentation::Unit::spaces});
