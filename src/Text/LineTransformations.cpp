@@ -57,8 +57,9 @@ std::optional<TextStep> arranged(const Rope &text, TextRange block, TextRange se
     if (arranged == text.slice(block)) {
         return std::nullopt;
     }
-    const TextSelection after = selection.isEmpty() ? TextSelection::at(selection.location) : TextSelection{block.location, block.end()};
-    return TextStep{{block, arranged}, after};
+    // The caret stays where it is, which may be within a letter of another line.
+    const qsizetype caret = block.location + TextBoundaries::snapped(arranged, selection.location - block.location);
+    return TextStep{{block, arranged}, selection.isEmpty() ? TextSelection::at(caret) : TextSelection{block.location, block.end()}};
 }
 
 /// What lines are compared by: one after another, so that a text of millions has one piece of memory.

@@ -53,6 +53,7 @@ const Case cases[] = {
     {Actions::sortLines, u"^a\nb\nc|", u"^c\nb\na|"},
     {Actions::reverseLines, u"^a\n\nb\n|c", u"^b\n\na\n|c"},
     {Actions::reverseLines, u"|a\nb", u"|b\na"},
+    {Actions::reverseLines, u"a|b\n👍🏽", u"|👍🏽\nab"},
     {Actions::uniqueLines, u"a\nb\na\nA\nb\n|c\na", u"a\nb\nA\n|c"},
     {Actions::uniqueLines, u"x\n^a\nx\na\n|x", u"x\n^a\nx\n|x"},
     {Actions::trimTrailingWhitespace, u"a \t\n \n|b  ", u"a\n\n|b"},
