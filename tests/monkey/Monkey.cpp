@@ -4,6 +4,7 @@
 
 #include "Commands/ActionKeys.h"
 #include "Commands/Actions.h"
+#include "Highlighting/LanguageRegistry.h"
 #include "Highlighting/Theme.h"
 #include "fuzz/Require.h"
 
@@ -77,6 +78,7 @@ void Monkey::tick()
     } else if (m_nestedTurns = 0; std::exchange(m_isCheckDue, false)) {
         check();
     } else if (m_step++ == m_steps) {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         m_stage.reset();
         QCoreApplication::quit();
         return;
@@ -89,21 +91,41 @@ void Monkey::tick()
 
 void Monkey::raiseCurtain()
 {
+    // Windows that were closed are still there, and use what the stage has.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     m_stage.reset();
     m_stage = std::make_unique<Stage>(m_random, m_ground, m_work);
     m_stage->application.launch({});
-    if (m_random.oneIn(3)) {
-        m_stage->preferences.set(Settings::vimMode, true);
-        m_stage->preferences.set(Settings::vimExact, true);
-    }
+    struct Mode {
+        QStringView name;
+        bool isModal = false;
+        bool isExact = false;
+        VimKeymapPreset preset = VimKeymapPreset::plain;
+    };
+    static constexpr auto modes = std::to_array<Mode>({
+        {u"plain editing"},
+        {u"plain editing"},
+        {u"Vim", true},
+        {u"LazyVim", true, false, VimKeymapPreset::lazyVim},
+        {u"exact Vim", true, true},
+        {u"exact LazyVim", true, true, VimKeymapPreset::lazyVim},
+    });
+    const Mode &mode = m_random.of(modes);
+    m_stage->preferences.set(Settings::vimMode, mode.isModal);
+    m_stage->preferences.set(Settings::vimExact, mode.isExact);
+    m_stage->preferences.set(Settings::vimKeymapPreset, mode.preset);
     m_stage->application.windows().front()->activateWindow();
-    note(u"start"_s);
+    note(u"start with "_s + mode.name.toString());
 }
 
 void Monkey::leaveNestedLoop()
 {
     note(u"leave a loop"_s);
     m_nestedTurns = 0;
+    // The toolkit's own, such as one that asks for a file to print into.
+    if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget())) {
+        dialog->reject();
+    }
     if (QWindow *window = QGuiApplication::focusWindow()) {
         Input::handleKeyEvent<Input::SynchronousDelivery>(window, QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
     }
@@ -126,6 +148,10 @@ void Monkey::step()
         {.weight = 12, .act = &Monkey::pressShortcut},
         {.weight = 10, .act = &Monkey::typeLetters},
         {.weight = 12, .act = &Monkey::sendCommand},
+        {.weight = 4, .act = &Monkey::multiplyCarets},
+        {.weight = 2, .act = &Monkey::openDialog},
+        {.weight = 3, .act = &Monkey::leaveDialog},
+        {.weight = 3, .act = &Monkey::editBehind},
         {.weight = 3, .act = &Monkey::composeText},
         {.weight = 14, .act = &Monkey::click},
         {.weight = 5, .act = &Monkey::drag},
@@ -174,6 +200,8 @@ void Monkey::step()
 
 void Monkey::check()
 {
+    // What it does about a text in the turn after hearing of it is part of the step.
+    QCoreApplication::sendPostedEvents(&m_stage->application);
     std::set<const TextDocument *> shown;
     for (MainWindowController *window : m_stage->application.windows()) {
         REQUIRE(window->isVisible());
@@ -184,10 +212,14 @@ void Monkey::check()
     }
     for (const auto &document : m_stage->documents.documents()) {
         // Unsaved changes of a file outlive their window: opening it again brings them back.
+        requirementContext = displayPath(*document).toStdString();
         REQUIRE(shown.erase(document.get()) > 0 || document->hasUnsavedText());
         REQUIRE(m_step % turnsBetweenFullChecks != 0 || document->storage().checkInvariants());
     }
     REQUIRE(shown.empty());
+    for (const DiffWindowController *comparison : m_stage->application.comparisons()) {
+        REQUIRE(comparison->isVisible());
+    }
 }
 
 void Monkey::checkWorkspace(WorkspaceViewController &workspace)
@@ -201,9 +233,16 @@ void Monkey::checkWorkspace(WorkspaceViewController &workspace)
         REQUIRE(editor != nullptr && editor->isVisible());
         REQUIRE(&editor->document() == pane->documents().at(size_t(pane->selectedIndex())).get());
         const Rope &text = editor->document().storage().text();
-        const TextRange selected = editor->textView().selection().range();
-        REQUIRE(selected.location >= 0 && selected.end() <= text.length());
-        REQUIRE(!text.splitsPair(selected.location) && !text.splitsPair(selected.end()));
+        qsizetype previousEnd = -1;
+        for (const CaretSelection &selection : editor->textView().selections()) {
+            const TextRange selected = selection.range();
+            REQUIRE(selected.location >= 0 && selected.end() <= text.length() && selected.location >= previousEnd);
+            REQUIRE(!text.splitsPair(selected.location) && !text.splitsPair(selected.end()));
+            previousEnd = selected.end();
+        }
+        if (m_step % turnsBetweenFullChecks == 0) {
+            editor->textView().layoutManager().checkInvariants();
+        }
     }
 }
 
@@ -260,32 +299,172 @@ void Monkey::pressShortcut()
 
 void Monkey::typeLetters()
 {
-    static constexpr auto words = std::to_array<QStringView>(
-        {u"word", u"äöüß ÄÖÜ", u"{", u"}", u"\"", u"// x", u"(a+)+$", u"#include <a>", u"\u4e2d\u6587",  u"12", u":w", u"dd", u"qa",
-         u"q",    u"3@a",      u"u", u".", u"v",  u"R",    u"/o",     u":%s/o/x/c",    u":g/x/normal p", u"y",  u"ma", u"`a", u"gj",
-         u"zt"});
+    // What is below a blank are chords with Control, Escape and Return; some of the lines are commands of modal editing.
+    static constexpr auto words = std::to_array<QStringView>({u"word",
+                                                              u"äöüß ÄÖÜ",
+                                                              u"{",
+                                                              u"}",
+                                                              u"\"",
+                                                              u"// x",
+                                                              u"(a+)+$",
+                                                              u"#include <a>",
+                                                              u"\u4e2d\u6587",
+                                                              u"12",
+                                                              u":w",
+                                                              u"dd",
+                                                              u"qa",
+                                                              u"q",
+                                                              u"3@a",
+                                                              u"u",
+                                                              u".",
+                                                              u"v",
+                                                              u"R",
+                                                              u"/o",
+                                                              u":%s/o/x/c",
+                                                              u":g/x/normal p",
+                                                              u"y",
+                                                              u"ma",
+                                                              u"`a",
+                                                              u"gj",
+                                                              u"zt",
+                                                              u"\x16jjlI-\x1b",
+                                                              u"\x16j$A;\x1b",
+                                                              u"\x16\x04r+",
+                                                              u"\x16jlc_\x1b",
+                                                              u"qqcw\x12\"\x1bjq",
+                                                              u"5@q",
+                                                              u"\x17s",
+                                                              u"\x17w",
+                                                              u"\x17"
+                                                              u"c",
+                                                              u"\x0f",
+                                                              u"\x12",
+                                                              u"ggVG=",
+                                                              u":s/a/b/g\r",
+                                                              u":map x ddp\r",
+                                                              u"xxx",
+                                                              u":vsplit\r",
+                                                              u":set nu! wrap!\r",
+                                                              u":2,4m0\r",
+                                                              u"/a\rcgnb\x1b",
+                                                              u"\x01",
+                                                              u"gv",
+                                                              u":registers\r",
+                                                              u"q:",
+                                                              u":q\r",
+                                                              u" |",
+                                                              u" bd",
+                                                              u"yyP",
+                                                              u"\"ayiw\"ap",
+                                                              u"ciw\x0e\x1b"});
     const QStringView word = m_random.of(words);
-    note(u"type "_s + word.toString());
+    note(u"type "_s + QString::fromUtf8(word.toString().toUtf8().toPercentEncoding(" |:/\"{}()+$<>#`=%;-_&!,")));
     for (const QChar letter : word) {
-        const bool isKey = letter.unicode() < 0x80;
-        sendKey(isKey ? Qt::Key(letter.toUpper().unicode()) : Qt::Key_unknown, letter.isUpper() ? Qt::ShiftModifier : Qt::NoModifier,
-                letter);
+        if (letter == u'\r' || letter == u'\x1b') {
+            sendKey(letter == u'\r' ? Qt::Key_Return : Qt::Key_Escape, Qt::NoModifier, letter);
+        } else if (letter < u' ') {
+            sendKey(Qt::Key(Qt::Key_A + letter.unicode() - 1), Qt::ControlModifier, letter);
+        } else {
+            const bool isKey = letter.unicode() < 0x80;
+            sendKey(isKey ? Qt::Key(letter.toUpper().unicode()) : Qt::Key_unknown, letter.isUpper() ? Qt::ShiftModifier : Qt::NoModifier,
+                    letter);
+        }
     }
 }
+
+namespace {
+
+/// Only other windows can be used then, and the program can end.
+bool hasDialog(const QWidget &window)
+{
+    return std::ranges::any_of(window.findChildren<QDialog *>(), [](const QDialog *each) { return each->isVisible() && each->isModal(); });
+}
+
+} // namespace
 
 void Monkey::sendCommand()
 {
     const Action &action = *m_random.of(m_actions);
+    const auto &comparisons = m_stage->application.comparisons();
     MainWindowController *window = m_stage->application.frontmostWindow();
+    const bool isForComparison = !comparisons.empty() && m_random.oneIn(3);
+    if (!window || (!isForComparison && hasDialog(*window))) {
+        return;
+    }
+    FirstResponder &responder = isForComparison ? m_random.of(comparisons)->firstResponder() : window->firstResponder();
+    const QVariant represented = anyRepresented(action);
     // Quitting comes up by its key.
-    if (!window || action.isNamedLike(Actions::terminate) || !window->firstResponder().state(action).isEnabled) {
+    if (action.isNamedLike(Actions::terminate) || !responder.state(action, represented).isEnabled) {
         return;
     }
     note(u"command "_s + action.name());
-    window->firstResponder().perform(action);
-    // What it asks about paper would be all that is left to use.
-    for (QDialog *dialog : window->findChildren<QDialog *>()) {
-        dialog->reject();
+    responder.perform(action, represented);
+}
+
+QVariant Monkey::anyRepresented(const Action &action)
+{
+    const auto &documents = m_stage->documents.documents();
+    if (action.isNamedLike(Actions::compareWithOpenDocument) && !documents.empty()) {
+        return m_random.of(documents)->id().toString();
+    }
+    if (action.isNamedLike(Actions::openRecentDocument)) {
+        return m_ground.anyPath();
+    }
+    if (action.isNamedLike(Actions::selectLanguage)) {
+        return m_random.of(LanguageRegistry::all()).id();
+    }
+    return {};
+}
+
+void Monkey::multiplyCarets()
+{
+    static constexpr auto chords = std::to_array<QKeyCombination>(
+        {Qt::ALT | Qt::SHIFT | Qt::Key_Down, Qt::ALT | Qt::SHIFT | Qt::Key_Up, Qt::CTRL | Qt::Key_D, Qt::CTRL | Qt::Key_K,
+         Qt::CTRL | Qt::ALT | Qt::Key_A, Qt::ALT | Qt::SHIFT | Qt::Key_I, Qt::SHIFT | Qt::Key_End});
+    const QKeyCombination chord = m_random.of(chords);
+    const qsizetype times = 1 + m_random.below(5);
+    note(u"carets by %1 x %2"_s.arg(QKeySequence(chord).toString()).arg(times));
+    for (qsizetype i = 0; i < times; ++i) {
+        sendKey(chord.key(), chord.keyboardModifiers());
+    }
+}
+
+void Monkey::openDialog()
+{
+    static constexpr auto actions = std::to_array<const Action *>(
+        {&Actions::printPreview, &Actions::printPreview, &Actions::printDocument, &Actions::exportAsPdf, &Actions::exportAsHtml,
+         &Actions::showSettings, &Actions::compareWithFileOnDisk, &Actions::compareWithFile, &Actions::listMissingCharacters});
+    const Action &action = *m_random.of(actions);
+    MainWindowController *window = m_stage->application.frontmostWindow();
+    if (window && !hasDialog(*window) && window->firstResponder().state(action).isEnabled) {
+        note(u"dialog "_s + action.name());
+        window->firstResponder().perform(action);
+    }
+}
+
+void Monkey::leaveDialog()
+{
+    if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget())) {
+        note(u"leave the dialog "_s + dialog->objectName());
+        m_random.oneIn(3) ? dialog->accept() : dialog->reject();
+    }
+}
+
+/// As another window does while a dialog is open.
+void Monkey::editBehind()
+{
+    const auto &documents = m_stage->documents.documents();
+    if (!QApplication::activeModalWidget() || documents.empty()) {
+        return;
+    }
+    TextDocument &document = *m_random.of(documents);
+    const Rope &text = document.storage().text();
+    const qsizetype start = m_random.below(text.length() + 1);
+    const TextRange range{start, m_random.below(text.length() + 1 - start)};
+    const bool isEditable = !document.arrival().isPending() && !document.isGenerated();
+    if (isEditable && !text.splitsPair(range.location) && !text.splitsPair(range.end())) {
+        note(u"edit behind, %1 units at %2"_s.arg(range.length).arg(range.location));
+        document.storage().apply(TextEdits(range, QString::fromStdU16String(m_random.text(m_random.below(200)))));
     }
 }
 
@@ -306,18 +485,36 @@ void Monkey::composeText()
 
 QWindow *Monkey::target()
 {
-    const QWidget *popup = QApplication::activePopupWidget();
-    if (popup && !m_random.oneIn(4)) {
-        return popup->windowHandle();
+    for (const QWidget *above : {QApplication::activePopupWidget(), QApplication::activeModalWidget()}) {
+        if (above && !m_random.oneIn(4)) {
+            return above->windowHandle();
+        }
     }
     const auto &windows = m_stage->application.windows();
-    return windows.empty() ? nullptr : m_random.of(windows)->windowHandle();
+    // In the order in which they came.
+    QWindowList all = QGuiApplication::topLevelWindows();
+    all.removeIf(
+        [](const QWindow *window) { return !window->isVisible() || (window->type() != Qt::Window && window->type() != Qt::Dialog); });
+    if (windows.empty() || (!all.empty() && m_random.oneIn(4))) {
+        return all.empty() ? nullptr : m_random.of(all);
+    }
+    return m_random.of(windows)->windowHandle();
 }
 
 QPoint Monkey::anyPlace(const QWindow &window)
 {
     const auto within = [this](int length) { return int(m_random.below(std::max(1, length))); };
     const int height = window.height();
+    const QWidget *widget = QWidget::find(const_cast<QWindow &>(window).winId());
+    if (widget && window.type() == Qt::Dialog && !m_random.oneIn(4)) {
+        // Most of a dialog is nothing to click at.
+        QList<QWidget *> controls = widget->findChildren<QWidget *>();
+        controls.removeIf([](const QWidget *each) { return !each->isVisible() || each->focusPolicy() == Qt::NoFocus; });
+        if (!controls.empty()) {
+            const QWidget *control = m_random.of(controls);
+            return control->mapTo(widget, QPoint(within(control->width()), within(control->height())));
+        }
+    }
     // Half of it where the tabs, the toolbar and the status bar are.
     const qsizetype part = m_random.below(6);
     const int y = part < 2 ? within(std::min(height, 120)) : part == 2 ? height - 1 - within(std::min(height, 30)) : within(height);
@@ -362,15 +559,24 @@ void Monkey::drag()
     if (m_random.oneIn(2)) {
         to.setY(from.y());
     }
-    note(u"drag %1, %2 to %3, %4"_s.arg(from.x()).arg(from.y()).arg(to.x()).arg(to.y()));
-    sendMouse(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
+    // Columns are, with those.
+    const bool isColumn = m_random.oneIn(4);
+    const bool isMiddle = m_random.oneIn(6);
+    const Qt::MouseButton button = isMiddle ? Qt::MiddleButton : Qt::LeftButton;
+    const Qt::KeyboardModifiers modifiers = isColumn ? Qt::AltModifier | Qt::ShiftModifier : Qt::NoModifier;
+    note(u"drag%1%2 %3, %4 to %5, %6"_s.arg(isMiddle ? u" the middle button"_s : QString(), isColumn ? u" a column"_s : QString())
+             .arg(from.x())
+             .arg(from.y())
+             .arg(to.x())
+             .arg(to.y()));
+    sendMouse(QEvent::MouseButtonPress, from, button, button, modifiers);
     for (int i = 1; i <= 5; ++i) {
-        sendMouse(QEvent::MouseMove, from + (to - from) * i / 5, Qt::NoButton, Qt::LeftButton);
+        sendMouse(QEvent::MouseMove, from + (to - from) * i / 5, Qt::NoButton, button, modifiers);
     }
     if (m_random.oneIn(5)) {
         sendKey(Qt::Key_Escape, Qt::NoModifier);
     }
-    sendMouse(QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
+    sendMouse(QEvent::MouseButtonRelease, to, button, Qt::NoButton, modifiers);
 }
 
 void Monkey::turnWheel()

@@ -35,6 +35,10 @@ private:
     void pressShortcut();
     void typeLetters();
     void sendCommand();
+    void multiplyCarets();
+    void openDialog();
+    void leaveDialog();
+    void editBehind();
     void composeText();
     void click();
     void drag();
@@ -50,9 +54,11 @@ private:
 
     void sendKey(Qt::Key key, Qt::KeyboardModifiers modifiers, const QString &text = {});
     void sendMouse(QEvent::Type type, QPoint place, Qt::MouseButton button, Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers = {});
-    /// The popup that is open, else a main window; null when there is none that takes input.
+    /// The popup or the dialog that is open, else a main window, or one beside it; null when there is none that takes input.
     [[nodiscard]] QWindow *target();
     [[nodiscard]] QPoint anyPlace(const QWindow &window);
+    /// What `action` is sent with, where it needs something.
+    [[nodiscard]] QVariant anyRepresented(const Action &action);
     [[nodiscard]] Qt::KeyboardModifiers anyModifiers();
 
     quint32 m_seed;

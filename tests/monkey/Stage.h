@@ -89,7 +89,7 @@ struct Stage : Surroundings {
     SpellChecker speller{workers, {{QStringLiteral(QUILLET_TEST_DATA "/spelling")}, {QStringLiteral("en")}, {}}};
     SpellingPanel spellingPanel{speller};
     AppDelegate application{{{scheduler, notifications, preferences, pasteboard, moody, documents, workers, find, registers, keyboard,
-                              &speller, &spellingPanel},
+                              &speller, &spellingPanel, &fileMemory, &vimHistory, &vimConfiguration},
                              defaults,
                              desktop,
                              session,
