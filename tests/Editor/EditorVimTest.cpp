@@ -139,7 +139,7 @@ TEST_F(EditorVimTest, ChangesTheViewOnceForAllKeysThatRunByThemselves)
     EXPECT_TRUE(shown.isEmpty());
 
     // What the view itself does, and what undoes, sees all that was done before.
-    record(u'b', u"ox\u001bua y\u001b"_s);
+    record(u'b', u"ox\u001bu0a y\u001b"_s);
     press(u"gg3@b"_s);
     EXPECT_TRUE(text().startsWith(u"l yine\nline\n"_s)) << text().first(30).toStdString();
 }
