@@ -25,7 +25,7 @@
 #endif
 
 #if defined(QUILLET_CHECKS_ADDRESSES)
-#include <sanitizer/common_interface_defs.h>
+#include <sanitizer/asan_interface.h>
 #endif
 #if defined(QUILLET_CHECKS_THREADS)
 #include <sanitizer/tsan_interface.h>
@@ -99,6 +99,10 @@ struct PausableCall::Stack {
     {
 #if defined(QUILLET_CHECKS_THREADS)
         __tsan_destroy_fiber(inside.fiber);
+#endif
+#if defined(QUILLET_CHECKS_ADDRESSES)
+        // The marks of what never returns would be found on whatever comes to lie here.
+        __asan_unpoison_memory_region(memory, size);
 #endif
         munmap(memory, size);
     }

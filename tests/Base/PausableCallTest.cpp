@@ -8,6 +8,9 @@
 #include <string>
 #include <vector>
 
+#include <sanitizer/asan_interface.h>
+#include <unistd.h>
+
 using testing::ElementsAre;
 
 namespace {
@@ -23,6 +26,27 @@ int depthReached(PausableCall &call, int depth)
 }
 
 } // namespace
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+/// They would be found on whatever comes to lie there.
+TEST(PausableCall, LeavesNoMarksOfTheSanitizerWhereItsStackWas)
+{
+    volatile char *place = nullptr;
+    {
+        PausableCall call;
+        call.start([&place] {
+            volatile char here = 0;
+            place = &here;
+        });
+    }
+    // The stack ended with the page.
+    const auto pageSize = uintptr_t(sysconf(_SC_PAGESIZE));
+    const auto from = reinterpret_cast<uintptr_t>(place);
+    EXPECT_EQ(__asan_region_is_poisoned(reinterpret_cast<void *>(from), pageSize - from % pageSize), nullptr);
+}
+#endif
+#endif
 
 TEST(PausableCall, GoesOnWhereItPausedWithAllThatItHolds)
 {
