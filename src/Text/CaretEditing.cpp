@@ -175,12 +175,16 @@ std::optional<CaretStep> atLines(const Rope &text, const Selections &selections,
         for (const TextEdit &edit : step->edits)
             result.edits.add(edit.range, edit.text);
         done = step->edits[step->edits.count() - 1].range.end();
+        // The break that was selected last may be gone from there.
+        const auto moved = [&](qsizetype offset) {
+            return std::min(step->after.range().location + offset - hull.anchor, step->after.range().end());
+        };
         for (size_t i = block.first; i < block.behind; ++i) {
             const TextSelection one = selections[i].ends();
             if (isAlone)
                 place(step->after, shift);
             else if (places == Places::withLines)
-                place(one, shift + step->after.range().location - hull.anchor);
+                place({moved(one.anchor), moved(one.caret)}, shift);
             else
                 place({step->edits.mapped(one.anchor, Bias::after), step->edits.mapped(one.caret, Bias::after)}, shift);
         }

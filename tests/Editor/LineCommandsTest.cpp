@@ -139,6 +139,15 @@ TEST(LineCommands, HoldNothingUpInALongText)
     EXPECT_EQ(fixture.messages.last(), u"Stopped; nothing was changed."_s);
 }
 
+TEST(LineCommands, MoveNoSelectionOutOfTheText)
+{
+    LineCommandsFixture fixture(u"|a\nb"_s);
+    fixture.view.setSelection(Selections::merged({CaretSelection::of({0, 0}), CaretSelection::of({1, 2})}, 0));
+    EXPECT_TRUE(fixture.view.perform(Actions::moveLinesDown));
+    EXPECT_EQ(fixture.storage.string(), u"b\na"_s);
+    EXPECT_EQ(fixture.view.selections(), Selections::merged({CaretSelection::of({2, 2}), CaretSelection::of({3, 3})}, 0));
+}
+
 TEST(ShiftedLines, EndNoSelectionWithinACharacter)
 {
     EditorFixture fixture(u"👍abc^d\n    e|"_s, {4, Indentation::Unit::spaces});
