@@ -42,6 +42,28 @@ TEST(TextCountsTest, CountsAsPeopleDo)
     }
 }
 
+// A text of ASCII alone is counted by rules of its own, any other by ICU's.
+TEST(TextCountsTest, CountsAsciiAsItIsCountedBesideOtherText)
+{
+    constexpr QStringView units = u"ab@01_:'.,;\"- \r\n/#";
+    Random random(7);
+    QString text;
+    for (qsizetype number = 0; number < units.size() * units.size() * units.size(); ++number) {
+        text.clear();
+        for (qsizetype rest = number; text.size() < 3; rest /= units.size()) {
+            text += units[rest % units.size()];
+        }
+        ASSERT_EQ(countsOf(text).words + 1, countsOf(text + u"\né"_s).words) << '"' << qPrintable(text) << '"';
+    }
+    for (int round = 0; round < 200; ++round) {
+        text.clear();
+        for (int unit = 0; unit < 300; ++unit) {
+            text += random.oneIn(9) ? QChar(char16_t(random.below(0x80))) : random.of(units);
+        }
+        ASSERT_EQ(countsOf(text).words + 1, countsOf(text + u"\né"_s).words) << qPrintable(text);
+    }
+}
+
 // Texts of many pieces: words, one word, blanks, graphemes at every cut, and no blank at all.
 TEST(TextCountsTest, DoesNotCountAnythingTwiceWhereALongTextIsCut)
 {
