@@ -175,7 +175,7 @@ class Run:
         self.result[f'{name}_cpu_ms'] = round((self.cpu.seconds() - cpu) / count * 1000, 3)
         self.result[f'{name}_wall_s'] = round(wall, 3)
         self.result[f'{name}_server_ms'] = round((process_cpu(self.screen.server) - server) / count * 1000, 3)
-        self.result[f'{name}_taken'] = screens.changed(before, self.screen.look(), max(24, 4 * count))
+        self.result[f'{name}_taken'] = screens.changed(before, self.screen.look(), max(24, 2 * count))
         return True
 
     def close(self):
