@@ -78,7 +78,7 @@ enum class WordUnit : quint8 { other, letter, digit, connector, withinDigits, wi
 constexpr auto wordUnits = [] {
     using enum WordUnit;
     std::array<WordUnit, 0x80> units = {};
-    for (char16_t unit = 0; unit < units.size(); ++unit) {
+    for (char16_t unit = 0; unit != 0x80; ++unit) {
         const bool isLetter = (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || unit == u'@';
         units[unit] = isLetter ? letter : unit >= u'0' && unit <= u'9' ? digit : unit == u'_' ? connector : other;
     }
