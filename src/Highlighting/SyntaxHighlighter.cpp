@@ -23,7 +23,7 @@ struct SyntaxHighlighter::Rule {
     Scope scope;
     RegularExpression regex;
     int group = 0;
-    const WordList *words = nullptr; ///< the language's
+    const WordList *words = nullptr; ///< the language's; null where it has to be searched
     int givenUp = 0;
 
     [[nodiscard]] bool isOff() const { return givenUp >= mostGivenUp; }
@@ -49,7 +49,7 @@ public:
     void forEachMatch(Rule &rule, TextRange range, Rest rest, Visitor &&visit) const
     {
         const TextRange all{range.location - m_range.location, range.length};
-        if (rule.words && !rule.words->isEmpty()) {
+        if (rule.words) {
             rule.words->forEachIn(units().sliced(all.location, all.length), rule.regex, [&](TextRange word) {
                 visit(TextRange{word.location + range.location, word.length});
             });
@@ -196,7 +196,7 @@ void SyntaxHighlighter::cloneRules()
         m_spanRules.push_back({rule.scope, rule.regex.clone()});
     }
     for (const TokenRule &rule : m_language.rules()) {
-        m_tokenRules.push_back({rule.scope, rule.regex.clone(), rule.group, &rule.words});
+        m_tokenRules.push_back({rule.scope, rule.regex.clone(), rule.group, rule.words.isEmpty() ? nullptr : &rule.words});
     }
 }
 
