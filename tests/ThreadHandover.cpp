@@ -9,7 +9,9 @@
 #include <private/qobject_p.h>
 #include <sanitizer/tsan_interface.h>
 
+#include <cstdarg>
 #include <dlfcn.h>
+#include <sched.h>
 
 /// The compiler's header for it is not installed with it.
 extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*allocated)(const volatile void *, size_t),
@@ -72,4 +74,19 @@ bool QThreadPool::waitForDone(int milliseconds)
     const bool isDone = waiting(this, milliseconds);
     __tsan_acquire(this);
     return isDone;
+}
+
+/// Starts a process with memory of its own: the sanitizer's clone() ends the program when the new process shares that of its parent,
+/// as those that QProcess starts do.
+extern "C" int clone(int (*start)(void *), void *stack, int flags, void *argument, ...)
+{
+    using Cloning = int (*)(int (*)(void *), void *, int, void *, ...);
+    static const auto cloning = reinterpret_cast<Cloning>(dlsym(RTLD_NEXT, "clone"));
+    va_list more;
+    va_start(more, argument);
+    auto *const parent = va_arg(more, pid_t *);
+    auto *const storage = va_arg(more, void *);
+    auto *const child = va_arg(more, pid_t *);
+    va_end(more);
+    return cloning(start, stack, flags & ~(CLONE_VM | CLONE_VFORK), argument, parent, storage, child);
 }
