@@ -13,5 +13,5 @@
 /// Main thread only.
 [[nodiscard]] QIcon symbolIcon(QAnyStringView name, const QColor &normal = {}, const QColor &disabled = {});
 
-/// The icon that the desktop's theme has for the program, else its own.
+/// What window managers show that do not look for the entry of the menus.
 [[nodiscard]] QIcon applicationIcon();
