@@ -75,8 +75,9 @@ std::optional<TextEdits> changeFrom(QByteArrayView content)
     while (!reader.rest().isEmpty()) {
         const TextRange range{reader.number<qint64>(), reader.number<qint64>()};
         const auto length = reader.number<quint64>();
-        const QByteArrayView units = length <= quint64(content.size()) ? reader.bytes(2 * length) : QByteArrayView();
-        const bool isValid = reader.isWhole() && quint64(units.size()) == 2 * length && range.location >= end && range.length >= 0 &&
+        const bool isThere = length <= quint64(reader.rest().size()) / 2;
+        const QByteArrayView units = isThere ? reader.bytes(2 * length) : QByteArrayView();
+        const bool isValid = reader.isWhole() && isThere && range.location >= end && range.length >= 0 &&
                              range.length <= std::numeric_limits<qsizetype>::max() - range.location;
         if (!isValid) {
             return std::nullopt;

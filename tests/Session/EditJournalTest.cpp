@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Session/EditJournal.h"
 
+#include "Base/FileState.h"
 #include "FileAnswers.h"
 #include "Files/TextHash.h"
 #include "Session/SessionFixture.h"
@@ -10,7 +11,9 @@
 #include "Text/RandomText.h"
 
 #include <QDirIterator>
+#include <QtEndian>
 
+#include <array>
 #include <semaphore>
 
 using namespace std::chrono_literals;
@@ -139,6 +142,16 @@ TEST(EditJournal, GivesWhatIsWholeOfAFileThatWasCutOff)
         }
     }
     EXPECT_EQ(EditJournal::parse(bytes)->entry, entry);
+    // Whole, and with more units than any file has.
+    for (const quint64 length : {quint64(1) << 63, ~quint64(0), quint64(1) << 31, quint64(1)}) {
+        const std::array<quint64, 3> numbers{0, 0, qToLittleEndian(length)};
+        const QByteArray forged(reinterpret_cast<const char *>(numbers.data()), sizeof numbers);
+        const auto size = qToLittleEndian(quint32(forged.size()));
+        const auto hash = qToLittleEndian(quint64(ContentHash::of(forged.data(), size_t(forged.size()))));
+        const QByteArray record = QByteArray(reinterpret_cast<const char *>(&size), sizeof size) +
+                                  QByteArray(reinterpret_cast<const char *>(&hash), sizeof hash) + forged;
+        EXPECT_EQ(EditJournal::parse(bytes + record)->changes.size(), 20) << length;
+    }
     // Of another text it is nothing.
     EXPECT_FALSE(replayed({*EditJournal::parse(bytes)}, Rope(u"one\ntwo"_s)));
     const EditJournal beyond{.baseHash = EditJournal::hashOf(Rope()), .entry = entry, .changes = {TextEdits({5, 1}, u"x")}};
