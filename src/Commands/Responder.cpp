@@ -31,11 +31,9 @@ Responder *Responder::target(const Action &wanted)
 
 bool Responder::perform(const Action &wanted, const QVariant &represented)
 {
-    Responder *last = this;
-    while (Responder *next = last->nextResponder()) {
-        last = next;
+    for (Responder *responder = this; responder; responder = responder->nextResponder()) {
+        responder->willPerform(wanted);
     }
-    last->willPerform(wanted);
     return carryOut(wanted, represented);
 }
 

@@ -71,7 +71,7 @@ public:
     [[nodiscard]] Responder *target(const Action &wanted);
     /// Lets the target act, whether or not it calls the action enabled; false when nobody takes it.
     bool perform(const Action &wanted, const QVariant &represented = {});
-    /// The same for a command that was spelled out rather than chosen: the end of the chain is not told.
+    /// The same for a command that was spelled out rather than chosen: the chain is not told.
     bool carryOut(const Action &wanted, const QVariant &represented = {});
     /// What the target says, and it alone: a disabled action is not offered to the rest of the chain. Disabled when nobody takes it.
     [[nodiscard]] ActionState state(const Action &wanted, const QVariant &represented = {}) const;
@@ -82,7 +82,7 @@ protected:
     template<auto Perform, auto State = nullptr>
     [[nodiscard]] static constexpr ActionRow action(const Action &taken);
 
-    /// Told to the end of the chain of every action before it is carried out, whoever takes it.
+    /// Told to the whole chain of every action before it is carried out, whoever takes it.
     virtual void willPerform(const Action &) {}
 
     [[nodiscard]] static const ActionRow *findAction(std::span<const ActionRow> rows, const Action &wanted);

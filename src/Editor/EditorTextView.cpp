@@ -101,6 +101,18 @@ void EditorTextView::inputMethodEvent(QInputMethodEvent *event)
     TextView::inputMethodEvent(event);
 }
 
+void EditorTextView::willPerform(const Action & /*wanted*/)
+{
+    finishTyping();
+}
+
+void EditorTextView::finishTyping()
+{
+    if (m_vim) {
+        m_vim->settleMapping();
+    }
+}
+
 void EditorTextView::willReplay()
 {
     if (m_vim) {
@@ -110,6 +122,7 @@ void EditorTextView::willReplay()
 
 void EditorTextView::focusOutEvent(QFocusEvent *event)
 {
+    finishTyping();
     if (m_vim) {
         m_vim->breakInsertSession();
     }

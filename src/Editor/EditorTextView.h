@@ -74,6 +74,8 @@ signals:
 protected:
     void typeText(QStringView text) override;
     void willReplay() override;
+    void willPerform(const Action &wanted) override;
+    void finishTyping() override;
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;

@@ -210,7 +210,9 @@ bool EditorVim::handleKey(const QKeyEvent &event)
         m_engine->resumeInsertSession();
         if (engineWants(key)) {
             // What ends the mode would have it typed as commands.
-            m_view.input().commit();
+            if (m_view.isComposing()) {
+                m_view.input().commit();
+            }
         } else if (key.control) {
             return false;
         }
@@ -261,6 +263,17 @@ void EditorVim::stop()
     m_run.stop();
 }
 
+void EditorVim::settleMapping()
+{
+    if (!m_run.isRunning() && m_engine->awaitsMapping()) {
+        const QScopedValueRollback settling(m_isSettling, true);
+        carryOut([this] {
+            m_engine->settleMapping();
+            return true;
+        });
+    }
+}
+
 void EditorVim::breakInsertSession()
 {
     if (!m_run.isRunning()) {
@@ -274,6 +287,9 @@ bool EditorVim::handleInputMethod(const QInputMethodEvent &event)
         return true;
     }
     const QString committed = event.commitString();
+    if (!committed.isEmpty() || !event.preeditString().isEmpty()) {
+        settleMapping();
+    }
     const bool isReplacing = m_engine->isReplacing() && !committed.isEmpty();
     if (m_engine->mode() == VimEngine::Mode::insert && !isReplacing) {
         m_engine->resumeInsertSession();
@@ -329,6 +345,11 @@ void EditorVim::vimEngineRunsCommand(VimEngine & /*engine*/, const QString &comm
 void EditorVim::runEnteredCommand()
 {
     awaitMapping();
+    if (m_isSettling) {
+        QMetaObject::invokeMethod(
+            &m_context, [this] { runEnteredCommand(); }, Qt::QueuedConnection);
+        return;
+    }
     if (!m_enteredActions.empty()) {
         const auto perform = m_callbacks.performCommand;
         for (const EnteredAction &entered : std::exchange(m_enteredActions, {})) {

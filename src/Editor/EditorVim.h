@@ -73,6 +73,8 @@ public:
     bool handleKey(const QKeyEvent &event);
     /// True when what an input method typed is done with.
     bool handleInputMethod(const QInputMethodEvent &event);
+    /// What was typed takes effect where it was typed: no key follows those that wait for one of a mapping.
+    void settleMapping();
     /// The view loses the keyboard, or something is undone in it: what is typed after that is another step of undo.
     void breakInsertSession();
     /// Stops what runs by itself, as a macro does, and says so unless a command of it has asked for that. Harmless when nothing does.
@@ -183,6 +185,8 @@ private:
     /// The engine selects, or handles a key.
     bool m_isOwn = false;
     bool m_isStoppedFromWithin = false;
+    /// Something else is about to happen, and commands are to wait for its end.
+    bool m_isSettling = false;
     /// What somebody else did to the selection, to be taken before the next key at the latest.
     enum class Foreign { nothing, moved, edited };
     Foreign m_foreign = Foreign::nothing;

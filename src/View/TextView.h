@@ -146,6 +146,8 @@ protected:
     [[nodiscard]] TextViewPainter &painter() { return m_painter; }
     /// Something is about to be undone or redone in this view.
     virtual void willReplay() {}
+    /// What was typed but is no text yet becomes text: something else is about to happen.
+    virtual void finishTyping() {}
 
     [[nodiscard]] TextViewInput &input() { return m_input; }
     /// What keys and input methods write, in place of what is selected.

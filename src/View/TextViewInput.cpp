@@ -147,6 +147,7 @@ void TextViewInput::movePreedit()
 
 void TextViewInput::commit()
 {
+    m_view.finishTyping();
     if (!isComposing()) {
         return;
     }

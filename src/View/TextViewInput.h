@@ -18,7 +18,7 @@ public:
 
     void handle(QInputMethodEvent &event);
     [[nodiscard]] QVariant answer(Qt::InputMethodQuery query) const;
-    /// What an input method has shown so far becomes text.
+    /// What was typed, or an input method has shown so far, becomes text.
     void commit();
     /// True when the key gave up what an input method had shown so far. It comes here only from one that does not do that itself.
     bool isCancelledBy(const QKeyEvent &event);

@@ -68,11 +68,18 @@ VimEngine::~VimEngine()
 
 bool VimEngine::handle(const VimKeyEvent &event)
 {
+    return carryOut([&] {
+        if (m_exact) {
+            m_exact->repeating.record(event);
+        }
+        return handleKey(event);
+    });
+}
+
+bool VimEngine::carryOut(const std::function<bool()> &keys)
+{
     const QScopedValueRollback handling(m_isHandling, true);
-    if (m_exact) {
-        m_exact->repeating.record(event);
-    }
-    const bool isDone = handleKey(event);
+    const bool isDone = keys();
     if (m_exact) {
         m_exact->changing.endChange();
     }
@@ -91,12 +98,20 @@ bool VimEngine::handleKey(const VimKeyEvent &event)
     }
     const bool isLiteral = m_mode == Mode::insert && m_awaiting && m_awaiting->what == Awaiting::literal && !m_awaiting->digraph;
     const bool isAwaited = isLiteral || (m_mode == Mode::commandLine && m_commandLine.awaitsKey());
-    if (characters.size() == 1 && !isAwaited && takeKey(KeyPlace::anyMode, keyInAnyMode(event))) {
-        return true;
-    }
     const VimKeyStroke stroke{.character = key, .control = event.control, .option = event.option};
-    if (m_exact && m_usesMappings && !m_awaiting && characters.size() == 1 && (m_keymap.isWaiting() || m_keymap.wants(stroke, table()))) {
-        takeExactly(m_keymap.consume(stroke, table()));
+    const bool isOfAnyMode = characters.size() == 1 && !isAwaited && row(KeyPlace::anyMode, keyInAnyMode(event));
+    if (m_exact && m_usesMappings && !m_awaiting && !isAwaited && !characters.isEmpty()) {
+        // Escape calls off the preset's keys.
+        const bool goesOn = m_keymap.isWaiting() && (!isOfAnyMode || m_keymap.awaitsUsers(table()));
+        if (characters.size() == 1 && (goesOn || m_keymap.wants(stroke, table()))) {
+            takeExactly(m_keymap.consume(stroke, table()));
+            return true;
+        }
+        if (characters.size() > 1) {
+            releaseKeys(); // no mapping has one of several units
+        }
+    }
+    if (isOfAnyMode && takeKey(KeyPlace::anyMode, keyInAnyMode(event))) {
         return true;
     }
     if (m_mode == Mode::insert) {
@@ -698,6 +713,13 @@ bool VimEngine::mayInsert(qsizetype length, qsizetype count)
     return false;
 }
 
+/// A block is filled up to its width.
+bool VimEngine::mayPaste(const VimRegisterContents &contents, qsizetype count)
+{
+    const qsizetype filled = contents.isBlock ? (contents.blockWidth + 1) * contents.text.lineCount() : 0;
+    return mayInsert(std::max(contents.text.length(), filled), count);
+}
+
 void VimEngine::pauseInsertSession()
 {
     if (std::exchange(m_isInUndoGroup, false)) {
@@ -710,33 +732,6 @@ void VimEngine::resumeInsertSession()
     if (m_mode == Mode::insert && !std::exchange(m_isInUndoGroup, true)) {
         m_view.beginUndoGroup();
     }
-}
-
-void VimEngine::textChanged(const TextChange &change)
-{
-    if (m_exact) {
-        m_exact->followChange(change);
-    }
-}
-
-bool VimEngine::run(const QString &keys)
-{
-    return m_exact && m_exact->repeating.run(keys);
-}
-
-std::optional<char16_t> VimEngine::recording() const
-{
-    return m_exact ? m_exact->repeating.recording() : std::nullopt;
-}
-
-bool VimEngine::isReplacing() const
-{
-    return m_exact && m_mode == Mode::insert && m_exact->inserting.isReplacing();
-}
-
-QString VimEngine::question() const
-{
-    return m_exact ? m_exact->commanding.question() : QString();
 }
 
 // Visual modes

@@ -15,6 +15,7 @@
 #include "Vim/VimTextObject.h"
 #include "Vim/VimTextView.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -114,7 +115,11 @@ public:
     void setConfiguration(VimConfiguration *configuration);
     /// The user's mapping that waits for its next key has waited long enough.
     void expireMapping();
+    /// No key follows those that wait for one of a mapping of the user: they are now what they are without it.
+    void settleMapping();
     [[nodiscard]] bool awaitsMapping() const { return m_exact && m_keymap.isWaiting(); }
+    /// The text was read from its file anew, and nothing of before can be brought back.
+    void textReloaded();
     /// Keys or commands are being carried out.
     [[nodiscard]] bool isBusy() const { return m_isHandling; }
     [[nodiscard]] const VimOptions &options() const { return m_options; }
@@ -234,15 +239,20 @@ private:
     class Commanding;
 
     // Keys
+    /// Then changes of the text become a step, and news is told.
+    bool carryOut(const std::function<bool()> &keys);
     bool handleKey(const VimKeyEvent &event);
     bool takeOutcome(const VimKeymap::Outcome &outcome, const VimKeyEvent &event);
     /// Where there are mappings of the user.
     void takeExactly(const VimKeymap::Outcome &outcome);
+    /// None follow those that wait for a mapping.
+    void releaseKeys();
     void feed(const VimKeymap::Fed &fed);
     void handleStrokes(const VimKeymap::Passthrough &strokes);
     bool handleInsert(const VimKeyEvent &event);
     /// Whether so many units may come into the text at once; says so if not.
     bool mayInsert(qsizetype length, qsizetype count);
+    bool mayPaste(const VimRegisterContents &contents, qsizetype count);
     void handleCommandLine(const VimKeyEvent &event);
     void rememberCommandLine();
     void leaveCommandLine();

@@ -108,12 +108,29 @@ void VimEngine::feed(const VimKeymap::Fed &fed)
 
 void VimEngine::expireMapping()
 {
-    const QScopedValueRollback handling(m_isHandling, true);
-    if (const auto outcome = m_keymap.expire(table())) {
-        takeExactly(*outcome);
-    }
-    if (std::exchange(m_hasNews, false)) {
-        m_delegate.vimEngineDidChangeState(*this);
+    carryOut([this] {
+        if (const auto outcome = m_keymap.expire(table())) {
+            takeExactly(*outcome);
+        }
+        return true;
+    });
+}
+
+void VimEngine::settleMapping()
+{
+    carryOut([this] {
+        if (m_keymap.awaitsUsers(table())) {
+            releaseKeys();
+        }
+        return true;
+    });
+}
+
+/// As often as there are keys: what they lead to may wait once more.
+void VimEngine::releaseKeys()
+{
+    for (qsizetype left = m_keymap.waiting(); left > 0 && m_keymap.isWaiting(); --left) {
+        takeExactly(m_keymap.release(table()));
     }
 }
 

@@ -95,6 +95,42 @@ VimExactMotion::Request VimEngine::ExactPart::request(const Sight &sight) const
             .keepsColumn = !m_engine.m_options.startsAtFirst};
 }
 
+// What the engine has of it
+
+void VimEngine::textChanged(const TextChange &change)
+{
+    if (m_exact) {
+        m_exact->followChange(change);
+    }
+}
+
+void VimEngine::textReloaded()
+{
+    if (m_exact) {
+        m_exact->changing.forgetLine();
+    }
+}
+
+bool VimEngine::run(const QString &keys)
+{
+    return m_exact && m_exact->repeating.run(keys);
+}
+
+std::optional<char16_t> VimEngine::recording() const
+{
+    return m_exact ? m_exact->repeating.recording() : std::nullopt;
+}
+
+bool VimEngine::isReplacing() const
+{
+    return m_exact && m_mode == Mode::insert && m_exact->inserting.isReplacing();
+}
+
+QString VimEngine::question() const
+{
+    return m_exact ? m_exact->commanding.question() : QString();
+}
+
 // All of it
 
 VimEngine::Exact::Exact(VimEngine &owner) : engine(owner)

@@ -193,6 +193,7 @@ bool VimEngine::Commanding::runNormal(const QString &keys, bool usesMappings)
 {
     const QScopedValueRollback mapping(m_engine.m_usesMappings, usesMappings);
     const bool isDone = m_exact.repeating.run(keys);
+    m_engine.releaseKeys();
     if (m_engine.m_mode == Mode::commandLine) {
         m_engine.leaveCommandLine();
     }

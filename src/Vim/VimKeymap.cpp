@@ -157,15 +157,22 @@ VimKeymap::Outcome VimKeymap::consume(const VimKeyStroke &stroke, Table table)
     if (hasLonger(mappings, m_buffer)) {
         return Pending();
     }
-    return hasUsers ? longestOfUsers(table) : Outcome(std::exchange(m_buffer, {}));
+    return release(table);
 }
 
 std::optional<VimKeymap::Outcome> VimKeymap::expire(Table table)
 {
-    if (!isWaiting() || (!users(m_buffer, table) && !usersGoOn(m_buffer, table))) {
-        return std::nullopt;
-    }
-    return longestOfUsers(table);
+    return awaitsUsers(table) ? std::optional(longestOfUsers(table)) : std::nullopt;
+}
+
+VimKeymap::Outcome VimKeymap::release(Table table)
+{
+    return hasUsers(table) ? longestOfUsers(table) : Outcome(std::exchange(m_buffer, {}));
+}
+
+bool VimKeymap::awaitsUsers(Table table) const
+{
+    return isWaiting() && (users(m_buffer, table) || usersGoOn(m_buffer, table));
 }
 
 /// No mapping has all the keys: the longest one that they begin with, or the first key as it is.

@@ -57,7 +57,13 @@ public:
     /// The time for the next key is over: what the keys so far are without it. None when it does not wait, or waits for keys of the preset
     /// alone, which may take any time.
     [[nodiscard]] std::optional<Outcome> expire(Table table);
+    /// No key follows those that wait, of which there is one at least: what they are without it.
+    [[nodiscard]] Outcome release(Table table);
+    /// So many keys wait for another.
+    [[nodiscard]] qsizetype waiting() const { return m_buffer.size(); }
     [[nodiscard]] bool isWaiting() const { return !m_buffer.isEmpty(); }
+    /// A mapping of the user may come of those that wait.
+    [[nodiscard]] bool awaitsUsers(Table table) const;
     void forget() { m_buffer.clear(); }
     [[nodiscard]] VimKeymapPreset preset() const { return m_preset; }
     /// The mappings that the keys so far may become, in the order of the reference, with the keys that are still to come; none when it does

@@ -4,6 +4,7 @@
 // Keys that run by themselves in a view.
 
 #include "Editor/EditorVim.h"
+#include "Commands/Actions.h"
 #include "Desktop/ForeignKeyboard.h"
 #include "Editor/EditorFixture.h"
 #include "HeldWorkers.h"
@@ -155,6 +156,35 @@ TEST_F(EditorVimTest, UndoesWhatRanByItselfWithTheCaretWhereItWas)
         EXPECT_EQ(editor->view.selection().caret, 9) << keys.toStdString();
         press(u"u"_s);
         EXPECT_EQ(editor->view.selection().caret, 8) << keys.toStdString();
+        vim.reset();
+    }
+}
+
+TEST_F(EditorVimTest, TakesAKeyThatWaitsForAMappingWhereItWasTyped)
+{
+    QInputMethodEvent composed({}, {});
+    composed.setCommitString(u"ö"_s);
+    const std::pair<std::function<void()>, QString> rows[] = {
+        {[this] { editor->view.perform(Actions::selectAll); }, u"one jtwo\n"_s},
+        {[&] { QCoreApplication::sendEvent(&editor->view, &composed); }, u"one jötwo\n"_s},
+        {[this] {
+             QTest::mouseClick(editor->view.viewport(), Qt::LeftButton, {}, {1, 1});
+         },
+         u"one jtwo\n"_s},
+        {[this] {
+             QFocusEvent left(QEvent::FocusOut);
+             QCoreApplication::sendEvent(&editor->view, &left);
+         },
+         u"one jtwo\n"_s},
+        {[this] { press(u"k"_s); }, u"one Xtwo\n"_s},
+    };
+    for (const auto &[happen, after] : rows) {
+        start(u"one two\n"_s, still);
+        press(u":inoremap jk X\nwij"_s);
+        EXPECT_EQ(text(), u"one two\n"_s);
+        happen();
+        EXPECT_EQ(text(), after);
+        EXPECT_FALSE(vim->engine().awaitsMapping());
         vim.reset();
     }
 }
