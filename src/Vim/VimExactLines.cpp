@@ -72,11 +72,16 @@ FilledPart filledPart(const VimLines &lines, TextRange range, qsizetype caret, c
 void VimEngine::Operating::shift(const Region &region, OperatorKind kind)
 {
     const qsizetype levels = kind == OperatorKind::indent ? region.amount : -region.amount;
-    const auto made =
-        computed(region.range, [range = region.range, levels, indentation = m_engine.m_view.indentation()](const VimLines &lines) {
-            const VimExEdits::LineSpan span{lines.number(range.location), lines.number(std::max(range.end() - 1, range.location))};
-            return VimExEdits::shifted(lines.text(), span, levels, indentation);
-        });
+    const Indentation indentation = m_engine.m_view.indentation();
+    const qsizetype lineCount =
+        text().lineAt(std::max(region.range.end() - 1, region.range.location)) - text().lineAt(region.range.location) + 1;
+    if (levels > 0 && !m_engine.mayInsert(levels * indentation.width, lineCount)) {
+        return;
+    }
+    const auto made = computed(region.range, [range = region.range, levels, indentation](const VimLines &lines) {
+        const VimExEdits::LineSpan span{lines.number(range.location), lines.number(std::max(range.end() - 1, range.location))};
+        return VimExEdits::shifted(lines.text(), span, levels, indentation);
+    });
     const TextEdits edits = made.value_or(TextEdits());
     const qsizetype line = text().lineStart(text().lineAt(region.range.location));
     const qsizetype before = text().length();

@@ -517,8 +517,10 @@ std::optional<Result> bracketed(const Request &request)
     const qsizetype oldLast = std::max(request.caret, request.anchor);
     qsizetype caret = request.isSelecting() ? oldFrom : request.caret;
     if (!request.isSelecting()) {
-        while (open == u'{' && isInIndentation(lines, caret) && !lines.isAtEnd(lines.after(caret))) {
-            caret = lines.after(caret);
+        if (open == u'{' && isInIndentation(lines, caret)) {
+            while (isBlankAt(lines, caret) && !lines.isAtEnd(lines.after(caret))) {
+                caret = lines.after(caret);
+            }
         }
         caret += lines.at(caret) == open ? 1 : 0;
     }

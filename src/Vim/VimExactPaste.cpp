@@ -49,7 +49,7 @@ void VimEngine::Operating::paste(Side side, qsizetype count, PasteCaret at, Past
         fail();
         return;
     }
-    if (!m_engine.mayInsert(contents.text.length(), count)) {
+    if (!m_engine.mayPaste(contents, count)) {
         finish();
         return;
     }

@@ -239,11 +239,11 @@ void VimEngine::Repeating::runMacro(char16_t name)
         wanted == 0 || wanted == u':' ? Rope() : m_exact.contents(wanted == u'"' ? std::nullopt : std::optional(wanted)).text;
     m_engine.resetPending();
     m_lastMacro = wanted;
-    if ((recorded.isEmpty() && command.isEmpty()) || !m_engine.mayInsert(recorded.length(), count)) {
+    QString keys = command.isEmpty() ? recorded.toString() : u':' + command + u'\r';
+    if (keys.isEmpty() || !m_engine.mayInsert(keys.size(), count)) {
         fail();
         return;
     }
-    QString keys = command.isEmpty() ? recorded.toString() : u':' + command + u'\r';
     keys = keys.repeated(count);
     if (m_depth > 0) {
         runNext(keys);

@@ -13,6 +13,11 @@ void VimEngine::Selecting::paste(qsizetype count, Side side, PasteRegister takin
 {
     VimRegisterContents pasted = m_exact.contents(m_engine.m_pendingRegister);
     const bool isSet = m_exact.isSet(m_engine.m_pendingRegister);
+    if (!m_engine.mayPaste(pasted, count)) {
+        leave();
+        finish();
+        return;
+    }
     takeExtent();
     remember();
     m_engine.m_view.beginUndoGroup();
@@ -44,7 +49,7 @@ void VimEngine::Selecting::paste(qsizetype count, Side side, PasteRegister takin
         pasted.isLinewise = true;
         pasted.isBlock = false;
     }
-    if (!pasted.text.isEmpty() && m_engine.mayInsert(pasted.text.length(), count)) {
+    if (!pasted.text.isEmpty()) {
         put(pasted, replaced, side, count, at);
     } else {
         m_exact.changing.setChangeMarks(caret(), caret());

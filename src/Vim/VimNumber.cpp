@@ -95,10 +95,18 @@ std::optional<VimNumber> VimNumber::added(const VimLines &lines, qsizetype from,
         return VimNumber{TextRange::between(digits, end), (isUpper ? number.toUpper() : number).rightJustified(text.size(), u'0')};
     }
     const bool isNegative = start > stretch.first && lines.at(start - 1) == u'-';
-    const qint64 sum = (isNegative ? -qint64(value) : qint64(value)) + by;
-    QString number = QString::number(sum < 0 ? 0 - quint64(sum) : quint64(sum));
+    // Beyond zero and beyond 64 bits it goes on with the other sign, as in Vim.
+    const quint64 amount = by < 0 ? 0 - quint64(by) : quint64(by);
+    const bool isTowardsZero = (by < 0) != isNegative;
+    quint64 size = isTowardsZero ? value - amount : value + amount;
+    bool isBelowZero = isNegative;
+    if (isTowardsZero ? size > value : size < value) {
+        size = ~size + (isTowardsZero ? 1 : 0);
+        isBelowZero = !isBelowZero;
+    }
+    QString number = QString::number(size);
     if (text.startsWith(u'0')) {
         number = number.rightJustified(text.size(), u'0');
     }
-    return VimNumber{TextRange::between(start - (isNegative ? 1 : 0), end), (sum < 0 ? u"-"_s : QString()) + number};
+    return VimNumber{TextRange::between(start - (isNegative ? 1 : 0), end), (isBelowZero && size != 0 ? u"-"_s : QString()) + number};
 }
