@@ -280,6 +280,9 @@ void EditorViewController::observe()
             restoreViewState();
         }
         followCaret();
+        if (m_vim) {
+            m_vim->engine().textReloaded();
+        }
         m_textView->ruler().update();
         highlightVisibleRange();
         updateBanner();
@@ -379,7 +382,12 @@ void EditorViewController::applyVimMode()
             EditorVim::Services{commandServices(), m_services.registers, m_services.keyboard, m_services.vimHistory,
                                 m_services.vimConfiguration, [this] { return historyKept(); },
                                 [this] {
-                                    return VimTextName{m_document->path(), m_document->displayName(), m_document->id().toString()};
+                                    return VimTextName{.path = m_document->path(),
+                                                       .title = m_document->displayName(),
+                                                       .id = m_document->id().toString(),
+                                                       .isUnsaved = m_document->isDirty() || m_document->hasUnsavedText(),
+                                                       .isInConflict =
+                                                           m_document->externalState() == TextDocument::ExternalState::conflicted};
                                 },
                                 [this] { return otherTexts(); }},
             options,

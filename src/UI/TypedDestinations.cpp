@@ -7,6 +7,8 @@
 #include "Commands/Actions.h"
 #include "Editor/EditorExCommands.h"
 #include "Editor/EditorViewController.h"
+#include "Settings/Preferences.h"
+#include "Settings/Settings.h"
 #include "Text/LineEditing.h"
 #include "Text/LineIndex.h"
 #include "UI/WorkspaceViewController.h"
@@ -87,7 +89,10 @@ void TypedDestinations::editFile(const ActionSender &sender)
     } else if (name == u"#") {
         showOther();
     } else {
-        m_workspace.open({absoluteFilePath(name, workingFolder())});
+        // As in Vim, a file that is not there is one to be written.
+        const bool isExact = m_services.preferences.value(Settings::vimExact);
+        m_workspace.open({absoluteFilePath(name, workingFolder())},
+                         isExact ? TextDocument::MissingFile::isMade : TextDocument::MissingFile::isError);
     }
 }
 

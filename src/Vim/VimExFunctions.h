@@ -56,7 +56,10 @@ enum class Mapped { recursively, once };
 [[nodiscard]] Result<void> clearMappings(VimExCall &call, VimMappings::Modes modes);
 
 // Windows, tabs and files
+Result<void> edit(VimExCall &call);
 Result<void> write(VimExCall &call);
+Result<void> writeAndClose(VimExCall &call);
+Result<void> writeIfChangedAndClose(VimExCall &call);
 Result<void> writeAllAndClose(VimExCall &call);
 Result<void> newBelow(VimExCall &call);
 Result<void> newBeside(VimExCall &call);

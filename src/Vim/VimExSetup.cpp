@@ -10,6 +10,7 @@
 #include "Vim/VimExOptions.h"
 #include "Vim/VimExTarget.h"
 #include "Vim/VimKeyNotation.h"
+#include "Vim/VimTextView.h"
 
 using namespace Qt::StringLiterals;
 
@@ -207,7 +208,40 @@ void openIfNamed(VimExCall &call)
     }
 }
 
+/// What another program wrote is not written over without a "!".
+Result<void> mayWrite(VimExCall &call)
+{
+    if (!call.hasBang && call.target().name().isInConflict) {
+        return failure(localized(u"Not saved: the file was changed by another program (add ! to write over it)"));
+    }
+    return {};
+}
+
 } // namespace
+
+Result<void> edit(VimExCall &call)
+{
+    const QString name = call.argument.trimmed();
+    if (name.isEmpty() && !call.hasBang && call.target().name().isUnsaved) {
+        return failure(localized(u"Not saved since the last change (add ! to give that up)"));
+    }
+    perform(call, Actions::editFile, name);
+    return {};
+}
+
+Result<void> writeAndClose(VimExCall &call)
+{
+    return mayWrite(call).map([&] { perform(call, Actions::saveAndClose); });
+}
+
+Result<void> writeIfChangedAndClose(VimExCall &call)
+{
+    if (call.target().name().isUnsaved) {
+        return writeAndClose(call);
+    }
+    perform(call, Actions::closeTab);
+    return {};
+}
 
 Result<void> write(VimExCall &call)
 {
@@ -218,8 +252,11 @@ Result<void> write(VimExCall &call)
     if (name.startsWith(u">>"_s) || call.written > 0) {
         return failure(localized(u"Only whole texts are written, and only to files"));
     }
-    perform(call, call.hasBang && !name.isEmpty() ? Actions::writeOver : Actions::saveDocument, name);
-    return {};
+    if (!name.isEmpty()) {
+        perform(call, call.hasBang ? Actions::writeOver : Actions::saveDocument, name);
+        return {};
+    }
+    return mayWrite(call).map([&] { perform(call, Actions::saveDocument); });
 }
 
 Result<void> writeAllAndClose(VimExCall &call)

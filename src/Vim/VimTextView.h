@@ -28,6 +28,10 @@ struct VimTextName {
     QString title;
     /// Of no other text of the process.
     QString id;
+    /// It has changes that its file has not.
+    bool isUnsaved = false;
+    /// Another program has changed the file since, and what is to become of that has not been said.
+    bool isInConflict = false;
 
     /// What a place in it is kept by: the file may be opened again.
     [[nodiscard]] const QString &lasting() const { return path.isEmpty() ? id : path; }

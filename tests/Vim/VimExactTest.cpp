@@ -53,9 +53,13 @@ TEST(VimExact, EndsKeysThatWouldGoOnForever)
     view.press(u":nmap x xx<CR>x"_s);
     EXPECT_EQ(view.messages.size(), 1);
     EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
-    view.messages.clear();
-    view.press(u"yy999999999p"_s);
-    EXPECT_EQ(view.messages.size(), 1);
+    for (const char16_t *keys :
+         {u"yy999999999p", u":k a<CR>999999999@:", u"V999999999>", u"yyV999999999p", u"yyGp<C-v>gg$y9999999p"}) {
+        VimView other(QString(40, u'a') + u"\nb\n"_s, options);
+        other.press(QString::fromUtf16(keys));
+        EXPECT_EQ(other.messages.size(), 1) << QString::fromUtf16(keys).toStdString() << other.messages.join(u'|').toStdString();
+        EXPECT_LT(other.string().size(), 200) << QString::fromUtf16(keys).toStdString();
+    }
 }
 
 TEST(VimExact, GivesKeysBackWhenAMappingIsNotTyped)
@@ -69,6 +73,96 @@ TEST(VimExact, GivesKeysBackWhenAMappingIsNotTyped)
     view.press(u"jjkx"_s);
     EXPECT_EQ(view.string(), u"jab\n"_s);
     EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
+}
+
+TEST(VimExact, LosesNoKeyThatWaitsForAMapping)
+{
+    const std::pair<QString, QString> rows[] = {
+        {u"ij<Esc>"_s, u"jab\n"_s},
+        {u"Rxj<Esc>"_s, u"xj\n"_s},
+        {u"ij\U0001F600"_s, u"j\U0001F600ab\n"_s},
+        {u"D\U0001F600"_s, u"\n"_s},
+        {u":g/a/normal Aj<CR>"_s, u"abj\n"_s},
+        {u"qqAj<Esc>q@q"_s, u"abjj\n"_s},
+        {u"ijE<Esc>"_s, u"jEab\n"_s},
+        {u":inoremap j<lt>Esc> X<CR>ij<Esc>"_s, u"Xab\n"_s},
+        {u":nnoremap <lt>Esc> ~<CR><Esc>"_s, u"Ab\n"_s},
+    };
+    for (const auto &[keys, after] : rows) {
+        VimView view(u"ab\n"_s, exact());
+        view.press(u":inoremap jk -<CR>:nnoremap Dx -<CR>"_s + keys);
+        EXPECT_EQ(view.string().toStdString(), after.toStdString()) << keys.toStdString();
+        EXPECT_FALSE(view.engine.awaitsMapping());
+    }
+    VimView view(u"ab\n"_s, exact(VimKeymapPreset::lazyVim));
+    view.preferences.set(Settings::vimKeymapPreset, VimKeymapPreset::lazyVim);
+    view.press(u":inoremap jk X<CR>ij"_s);
+    view.engine.settleMapping();
+    EXPECT_EQ(view.string(), u"jab\n"_s);
+    view.press(u"<Esc>0 <Esc>x"_s);
+    EXPECT_EQ(view.string(), u"ab\n"_s) << "the space bar that begins keys of the preset is called off";
+}
+
+TEST(VimExact, WritesOverAndGivesUpNothingWithoutAsking)
+{
+    struct Row {
+        QString typed;
+        bool isUnsaved;
+        bool isInConflict;
+        QString action;
+    };
+    const Row rows[] = {
+        {u":e"_s, true, false, {}},
+        {u":e!"_s, true, false, u"editFile:"_s},
+        {u":e"_s, false, false, u"editFile:"_s},
+        {u":e other"_s, true, true, u"editFile:other"_s},
+        {u":w"_s, true, false, u"saveDocument:"_s},
+        {u":w"_s, true, true, {}},
+        {u":w!"_s, true, true, u"saveDocument:"_s},
+        {u":w other"_s, true, true, u"saveDocument:other"_s},
+        {u":wq"_s, true, true, {}},
+        {u":wq!"_s, true, true, u"saveAndClose:"_s},
+        {u":x"_s, true, true, {}},
+        {u"ZZ"_s, true, true, {}},
+        {u"ZZ"_s, true, false, u"saveAndClose:"_s},
+        {u":x"_s, false, false, u"closeTab:"_s},
+    };
+    for (const Row &row : rows) {
+        VimView view(u"ab\n"_s, exact());
+        view.textName.isUnsaved = row.isUnsaved;
+        view.textName.isInConflict = row.isInConflict;
+        view.press(row.typed.startsWith(u':') ? row.typed + u"<CR>"_s : row.typed);
+        EXPECT_EQ(view.actions.join(u'|').toStdString(), row.action.toStdString()) << row.typed.toStdString();
+        EXPECT_EQ(view.messages.isEmpty(), !row.action.isEmpty()) << row.typed.toStdString();
+    }
+}
+
+TEST(VimExact, ForgetsTheLineOfATextThatWasReadAnew)
+{
+    VimView view(u"abc\n"_s, exact());
+    view.press(u"x"_s);
+    view.engine.textReloaded();
+    view.press(u"U"_s);
+    EXPECT_EQ(view.string(), u"bc\n"_s);
+    view.press(u"xU"_s);
+    EXPECT_EQ(view.string(), u"bc\n"_s);
+}
+
+TEST(VimExact, CountsBeyondNumbersAsVimDoes)
+{
+    const std::pair<QString, QString> rows[] = {
+        {u"9223372036854775807<C-a>"_s, u"9223372036854775808"_s},
+        {u"-9223372036854775808<C-a>"_s, u"-9223372036854775807"_s},
+        {u"-9223372036854775808<C-x>"_s, u"-9223372036854775809"_s},
+        {u"18446744073709551615<C-a>"_s, u"-18446744073709551615"_s},
+        {u"-3<C-a><C-a><C-a><C-a>"_s, u"1"_s},
+        {u"2<C-x><C-x>"_s, u"0"_s},
+    };
+    for (const auto &[keys, after] : rows) {
+        VimView view(keys.section(u'<', 0, 0) + u'\n', exact());
+        view.press(keys.sliced(keys.indexOf(u'<')));
+        EXPECT_EQ(view.string().trimmed().toStdString(), after.toStdString()) << keys.toStdString();
+    }
 }
 
 TEST(VimExact, HasTheKeysOfThePresetToo)
