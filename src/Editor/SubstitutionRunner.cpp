@@ -80,11 +80,11 @@ void SubstitutionRunner::run(TextView &view, Task task)
         return;
     }
     m_work.begin(view, localized(u"Substituting… Esc stops."), LongWork::Keys::pass,
-                 [this] { finish(localized(u"The substitution was stopped; nothing was changed.")); });
+                 [this] { finish(localized(u"The substitution was stopped; nothing was changed")); });
     m_viewGone = connect(&view, &QObject::destroyed, this, [this] {
         // Nothing but a widget is left of it.
         m_view = nullptr;
-        finish(localized(u"The substitution was stopped; nothing was changed."));
+        finish(localized(u"The substitution was stopped; nothing was changed"));
     });
     m_search.start(m_view->storage(), m_services.workers, m_task.search, [this](const Found &found) { arrive(found); });
 }
@@ -93,7 +93,7 @@ void SubstitutionRunner::arrive(const Found &found)
 {
     const bool changes = found.replacement.count > 0;
     if (changes && m_view->isReadOnly()) {
-        finish(localized(u"This text is read-only; nothing was changed."));
+        finish(localized(u"This text is read-only; nothing was changed"));
         return;
     }
     TextView &view = *m_view;

@@ -360,7 +360,7 @@ Result<std::optional<VimCollection>> VimCollection::parse(QStringView text, VimL
         return std::optional<VimCollection>();
     }
     if (reader.isBackward) {
-        return failure(formatted(localized(u"A range in “%@” runs backwards."), text.first(reader.at).toString()));
+        return failure(formatted(localized(u"A range in “%@” runs backwards"), text.first(reader.at).toString()));
     }
     const QString set = reader.result(letterCase);
     return VimCollection{.characters = {set, reader.takesBreak}, .length = reader.at};

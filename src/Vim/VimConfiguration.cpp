@@ -38,11 +38,11 @@ Result<QString> VimConfiguration::textOf(const QString &path)
     }
     QFile file(path);
     if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {
-        return failure(formatted(localized(u"The file “%@” cannot be read."), shownPath(path)));
+        return failure(formatted(localized(u"The file “%@” cannot be read"), shownPath(path)));
     }
     const QByteArray bytes = file.read(largestFile + 1);
     if (bytes.size() > largestFile) {
-        return failure(formatted(localized(u"“%@” is too large to be a file of commands."), shownPath(path)));
+        return failure(formatted(localized(u"“%@” is too large to be a file of commands"), shownPath(path)));
     }
     return QString::fromUtf8(bytes);
 }

@@ -107,7 +107,7 @@ public:
     {
         m_result.expression = branches(0);
         if (m_error.isEmpty() && !peek().isEnd) {
-            fail(localized(u"“%@” has no counterpart."), m_pattern.sliced(m_at, peek().behind - m_at).toString());
+            fail(localized(u"“%@” has no counterpart"), m_pattern.sliced(m_at, peek().behind - m_at).toString());
         }
         return m_error.isEmpty();
     }
@@ -139,7 +139,7 @@ private:
     }
     void failUnsupported(qsizetype from, qsizetype end)
     {
-        fail(localized(u"“%@” cannot be looked for here."), m_pattern.sliced(from, std::min(end, m_pattern.size()) - from).toString());
+        fail(localized(u"“%@” cannot be looked for here"), m_pattern.sliced(from, std::min(end, m_pattern.size()) - from).toString());
     }
 
     [[nodiscard]] char32_t characterAt(qsizetype at) const
@@ -170,7 +170,7 @@ private:
     QString branches(int depth)
     {
         if (depth > deepest) {
-            fail(localized(u"The pattern has too many groups within groups."));
+            fail(localized(u"The pattern has too many groups within groups"));
             return {};
         }
         QString all;
@@ -256,7 +256,7 @@ private:
         const auto repetition = m_error.isEmpty() && !isStar ? takeRepetition(token) : std::nullopt;
         if (repetition) {
             if (!atom.isRepeatable && (repetition->most != 1 || token.is(U'{'))) {
-                fail(localized(u"“%@” cannot be repeated."), m_pattern.sliced(start, token.behind - start).toString());
+                fail(localized(u"“%@” cannot be repeated"), m_pattern.sliced(start, token.behind - start).toString());
             }
             text = repeated(atom, *repetition);
             m_before.reset();
@@ -266,7 +266,7 @@ private:
         }
         if (m_error.isEmpty() && text != atom.text && isRepetition(peek())) {
             const Token next = peek();
-            fail(localized(u"“%@” has nothing to repeat."), m_pattern.sliced(m_at, next.behind - m_at).toString());
+            fail(localized(u"“%@” has nothing to repeat"), m_pattern.sliced(m_at, next.behind - m_at).toString());
         }
         return text;
     }
@@ -315,7 +315,7 @@ private:
             std::swap(counts.most, counts.least);
         }
         if (!skips("}"_L1) && !skips("\\}"_L1)) {
-            fail(localized(u"“%@” is no count of repetitions."),
+            fail(localized(u"“%@” is no count of repetitions"),
                  u"\\{"_s + m_pattern.sliced(start).first(std::min<qsizetype>(m_pattern.size() - start, 20)).toString());
         }
         return counts;
@@ -362,7 +362,7 @@ private:
         const QStringView rest = m_pattern.sliced(m_at);
         const auto row = std::ranges::find_if(rows, [rest](const Row &one) { return rest.startsWith(one.written); });
         if (row == std::end(rows)) {
-            fail(localized(u"“%@” is incomplete."), m_pattern.sliced(start, m_at - start).toString());
+            fail(localized(u"“%@” is incomplete"), m_pattern.sliced(start, m_at - start).toString());
             return {};
         }
         m_at += row->written.size();
@@ -419,7 +419,7 @@ private:
         int number = 0;
         if (isCapturing) {
             if (m_result.groups.size() == mostGroups) {
-                fail(localized(u"The pattern has more than nine groups."));
+                fail(localized(u"The pattern has more than nine groups"));
                 return {};
             }
             m_result.groups.push_back(++m_captures);
@@ -433,7 +433,7 @@ private:
         }
         const Token token = peek();
         if (!token.is(U')')) {
-            fail(localized(u"“%@” has no counterpart."), m_pattern.sliced(start, opening).toString());
+            fail(localized(u"“%@” has no counterpart"), m_pattern.sliced(start, opening).toString());
         }
         skip(token);
         std::erase(m_open, number);
@@ -472,7 +472,7 @@ private:
         case U'?':
         case U'{':
         case U'@':
-            fail(localized(u"“%@” has nothing to repeat."), m_pattern.sliced(start, m_at - start).toString());
+            fail(localized(u"“%@” has nothing to repeat"), m_pattern.sliced(start, m_at - start).toString());
             return {};
         case U'.':
             return m_ignoresMarks ? Atom{.text = u"(?:"_s + anyInLine + marks + u')'} : Atom{.text = anyInLine};
@@ -512,7 +512,7 @@ private:
         if (token.character >= U'1' && token.character <= U'9') {
             const size_t number = token.character - U'0';
             if (number > m_result.groups.size() || std::ranges::find(m_open, int(number)) != m_open.end()) {
-                fail(localized(u"“%@” refers to a group that does not exist."), m_pattern.sliced(start, m_at - start).toString());
+                fail(localized(u"“%@” refers to a group that does not exist"), m_pattern.sliced(start, m_at - start).toString());
                 return {};
             }
             const auto reference = [](int group) { return u"\\%1"_s.arg(group); };
@@ -545,7 +545,7 @@ private:
     Atom lastSubstitute()
     {
         if (!m_options.lastSubstitute) {
-            fail(localized(u"There was no substitution yet for “~” to stand for."));
+            fail(localized(u"There was no substitution yet for “~” to stand for"));
             return {};
         }
         QString all = u"(?:"_s;
@@ -594,7 +594,7 @@ private:
     Atom withBreak(qsizetype start)
     {
         if (m_at >= m_pattern.size()) {
-            fail(localized(u"“%@” is incomplete."), u"\\_"_s);
+            fail(localized(u"“%@” is incomplete"), u"\\_"_s);
             return {};
         }
         const char32_t next = characterAt(m_at);
@@ -613,7 +613,7 @@ private:
         }
         const auto characters = vimCharacterClass(next);
         if (!characters) {
-            fail(localized(u"“%@” cannot be looked for here."), m_pattern.sliced(start, m_at - start).toString());
+            fail(localized(u"“%@” cannot be looked for here"), m_pattern.sliced(start, m_at - start).toString());
             return {};
         }
         return set(*characters, true);
@@ -623,14 +623,14 @@ private:
     Atom percent(qsizetype start, int depth)
     {
         if (m_at >= m_pattern.size()) {
-            fail(localized(u"“%@” is incomplete."), u"\\%"_s);
+            fail(localized(u"“%@” is incomplete"), u"\\%"_s);
             return {};
         }
         const char16_t next = m_pattern[m_at++].unicode();
         switch (next) {
         case u'(':
             if (m_magic == Magic::usual && m_pattern.sliced(m_at).startsWith(u'*')) {
-                fail(localized(u"“%@” has nothing to repeat."), u"*"_s);
+                fail(localized(u"“%@” has nothing to repeat"), u"*"_s);
             }
             return group(start, false, depth);
         case u'[':
@@ -669,7 +669,7 @@ private:
     {
         const auto number = vimNumber(m_pattern, m_at, base, most);
         if (!number || *number > 0x10FFFF) {
-            fail(localized(u"“%@” names no character."), m_pattern.sliced(start, m_at - start).toString());
+            fail(localized(u"“%@” names no character"), m_pattern.sliced(start, m_at - start).toString());
             return {};
         }
         return literal(*number);
@@ -688,7 +688,7 @@ private:
             atoms << atom(depth).text;
         }
         if (m_error.isEmpty() && (m_at >= m_pattern.size() || m_pattern[m_at] != u']' || atoms.isEmpty())) {
-            fail(localized(u"“%@” is incomplete."), m_pattern.sliced(start, m_at - start).toString());
+            fail(localized(u"“%@” is incomplete"), m_pattern.sliced(start, m_at - start).toString());
             return {};
         }
         ++m_at;

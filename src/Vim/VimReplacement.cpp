@@ -68,7 +68,7 @@ void VimReplacement::addEscape(QChar escape)
 Result<VimReplacement> VimReplacement::parse(QStringView typed)
 {
     if (typed.startsWith("\\="_L1)) {
-        return failure(localized(u"A replacement cannot be computed by an expression here."));
+        return failure(localized(u"A replacement cannot be computed by an expression here"));
     }
     VimReplacement all;
     for (qsizetype at = 0; at < typed.size(); ++at) {

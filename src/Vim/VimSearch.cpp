@@ -248,7 +248,7 @@ Result<std::vector<VimSearch>> VimSearch::parse(QStringView typed, const VimSear
         const bool hasOffset = length < typed.size();
         typed = typed.sliced(hasOffset ? length + 1 : length);
         if (pattern.isEmpty() && !last && all.empty()) {
-            return failure(localized(u"There is no pattern yet to look for again."));
+            return failure(localized(u"There is no pattern yet to look for again"));
         }
         const VimSearch &before = all.empty() && last ? *last : all.empty() ? step : all.back();
         step.pattern = pattern.isEmpty() ? before.pattern : pattern;
@@ -265,7 +265,7 @@ Result<std::vector<VimSearch>> VimSearch::parse(QStringView typed, const VimSear
         }
         typed = typed.sliced(next + 1);
         if (!typed.startsWith(u'/') && !typed.startsWith(u'?')) {
-            return failure(localized(u"“/” or “?” has to follow “;”."));
+            return failure(localized(u"“/” or “?” has to follow “;”"));
         }
         step.direction = typed.startsWith(u'/') ? Direction::forward : Direction::backward;
         typed = typed.sliced(1);

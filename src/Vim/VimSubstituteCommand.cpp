@@ -110,13 +110,13 @@ Result<VimSubstituteCommand> VimSubstituteCommand::parse(QStringView command)
     const bool isNew = name && !u"0123456789cegriIp|\""_s.contains(first);
     if (isNew) {
         if (first.unicode() < 0x80 && first.isLetter()) {
-            return failure(localized(u"A pattern cannot be delimited by letters."));
+            return failure(localized(u"A pattern cannot be delimited by letters"));
         }
         QChar delimiter = first;
         if (reader.skips(u'\\')) {
             delimiter = reader.rest.isEmpty() ? QChar() : reader.rest.front();
             if (delimiter.isNull() || !u"/?&"_s.contains(delimiter)) {
-                return failure(localized(u"“\\” has to be followed by “/”, “?” or “&”."));
+                return failure(localized(u"“\\” has to be followed by “/”, “?” or “&”"));
             }
             parsed.patternKind = delimiter == u'&' ? lastSubstituted : lastUsed;
             reader.take(1);
@@ -140,7 +140,7 @@ Result<VimSubstituteCommand> VimSubstituteCommand::parse(QStringView command)
         reader.take(digits);
         reader.skipBlanks();
         if (*count == 0) {
-            return failure(localized(u"A count of lines is at least 1."));
+            return failure(localized(u"A count of lines is at least 1"));
         }
         parsed.count = qsizetype(*count);
     }

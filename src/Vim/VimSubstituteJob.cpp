@@ -98,7 +98,7 @@ Result<VimSubstituteJob> VimSubstituteJob::prepare(const VimSubstituteCommand &c
     const auto used = lastSearch ? std::optional(lastSearch->pattern) : memory.pattern;
     const auto repeated = command.patternKind == Pattern::lastSubstituted && memory.pattern ? memory.pattern : used;
     if ((command.patternKind != Pattern::typed && !repeated) || (!command.replacement && !memory.typed)) {
-        return failure(localized(u"There is no substitution yet to repeat."));
+        return failure(localized(u"There is no substitution yet to repeat"));
     }
     job.typedPattern = command.patternKind == Pattern::typed ? command.pattern : *repeated;
     job.flags = command.resolved(memory.flags, options.substitutesAll ? VimSubstituteCommand::Default::allOfLine

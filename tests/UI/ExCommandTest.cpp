@@ -184,7 +184,7 @@ TEST_F(ExCommandTest, KeepsTheWindowUsableWhileItSubstitutesInALongText)
     scheduler.advance(std::chrono::seconds(1));
     EXPECT_EQ(flashes, QStringList{u"Substituting… Esc stops."_s});
     press(u"<Esc>"_s);
-    EXPECT_EQ(flashes.last(), u"The substitution was stopped; nothing was changed."_s);
+    EXPECT_EQ(flashes.last(), u"The substitution was stopped; nothing was changed"_s);
     flashes.clear();
     EXPECT_TRUE(finish().isEmpty());
     EXPECT_EQ(text(), before);
@@ -212,7 +212,7 @@ TEST_F(ExCommandTest, ShowsTheKeysInATabThatCannotBeEditedUntilItIsSaved)
     const QString before = text();
     press(u"ddixyz<Esc>"_s);
     run(u"%s/Key/x/"_s);
-    EXPECT_EQ(flashes, QStringList{u"This text is read-only; nothing was changed."_s});
+    EXPECT_EQ(flashes, QStringList{u"This text is read-only; nothing was changed"_s});
     document().setLineEnding(LineEnding::crlf);
     EXPECT_EQ(text(), before);
     EXPECT_FALSE(document().isDirty()) << "nothing of it is to be saved";

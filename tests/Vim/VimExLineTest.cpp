@@ -278,7 +278,7 @@ TEST(VimConfiguration, ReadsAFileOfCommands)
     text.preferences.set(Settings::tabWidth, 8);
     EXPECT_EQ(text.preferences.value(Settings::tabWidth), 8);
     EXPECT_EQ(read(QByteArray(VimConfiguration::largestFile + 1, ' ')),
-              u"“%1” is too large to be a file of commands."_s.arg(path).toStdString());
+              u"“%1” is too large to be a file of commands"_s.arg(path).toStdString());
     EXPECT_FALSE(text.preferences.value(Settings::vimSmartCase)) << "back to what is stored";
     EXPECT_FALSE(isMapped());
 }

@@ -104,19 +104,19 @@ TEST(VimPattern, FindsWhatVimFinds)
 TEST(VimPattern, SaysWhatIsWrong)
 {
     const std::pair<QStringView, QStringView> rows[] = {
-        {u"a**", u"“*” has nothing to repeat."},
-        {u"\\v+", u"“+” has nothing to repeat."},
-        {u"\\%(a", u"“\\%(” has no counterpart."},
-        {u"b\\)", u"“\\)” has no counterpart."},
-        {u"[b-a]", u"A range in “[b-a]” runs backwards."},
-        {u"\\1", u"“\\1” refers to a group that does not exist."},
-        {u"a\\%V", u"“\\%V” cannot be looked for here."},
-        {u"\\%>23lx", u"“\\%>23l” cannot be looked for here."},
-        {u"\\zs*", u"“\\zs*” cannot be repeated."},
-        {u"~", u"There was no substitution yet for “~” to stand for."},
-        {u"\\%[a", u"“\\%[a” is incomplete."},
-        {u"a\\{x}", u"“\\{x}” is no count of repetitions."},
-        {u"\\%u", u"“\\%u” names no character."},
+        {u"a**", u"“*” has nothing to repeat"},
+        {u"\\v+", u"“+” has nothing to repeat"},
+        {u"\\%(a", u"“\\%(” has no counterpart"},
+        {u"b\\)", u"“\\)” has no counterpart"},
+        {u"[b-a]", u"A range in “[b-a]” runs backwards"},
+        {u"\\1", u"“\\1” refers to a group that does not exist"},
+        {u"a\\%V", u"“\\%V” cannot be looked for here"},
+        {u"\\%>23lx", u"“\\%>23l” cannot be looked for here"},
+        {u"\\zs*", u"“\\zs*” cannot be repeated"},
+        {u"~", u"There was no substitution yet for “~” to stand for"},
+        {u"\\%[a", u"“\\%[a” is incomplete"},
+        {u"a\\{x}", u"“\\{x}” is no count of repetitions"},
+        {u"\\%u", u"“\\%u” names no character"},
     };
     for (const auto &[pattern, message] : rows) {
         const auto translated = VimPattern::translate(pattern, {});
@@ -204,7 +204,7 @@ TEST(VimSearch, ReadsWhatIsTyped)
         {u"[/]/2", u"[/] l2;"},
         {u"a/b+;?c?s", u"a s1;c s0;"},
         {u"a/;//e", u"a s0;a e0;"},
-        {u"a/;b", u"“/” or “?” has to follow “;”."},
+        {u"a/;b", u"“/” or “?” has to follow “;”"},
     };
     for (const auto &[typed, expected] : rows) {
         EXPECT_EQ(told(typed).toStdString(), expected.toString().toStdString()) << typed.toString().toStdString();

@@ -150,12 +150,12 @@ TEST(VimSubstituteJob, KeepsLineEndsAndBringsManyTogether)
 TEST(VimSubstituteJob, SaysWhatIsWrong)
 {
     const std::pair<QStringView, QStringView> cases[] = {
-        {u"s", u"There is no substitution yet to repeat."},
+        {u"s", u"There is no substitution yet to repeat"},
         {u"s/a/b/q", u"Not a flag or count: q"},
-        {u"s/a/b/ 0", u"A count of lines is at least 1."},
-        {u"s xaxbx", u"A pattern cannot be delimited by letters."},
-        {u"s\\a", u"“\\” has to be followed by “/”, “?” or “&”."},
-        {u"s/a/\\=1/", u"A replacement cannot be computed by an expression here."},
+        {u"s/a/b/ 0", u"A count of lines is at least 1"},
+        {u"s xaxbx", u"A pattern cannot be delimited by letters"},
+        {u"s\\a", u"“\\” has to be followed by “/”, “?” or “&”"},
+        {u"s/a/\\=1/", u"A replacement cannot be computed by an expression here"},
         {u"s/z/b/", u"Pattern not found: z"},
     };
     for (const auto &[typed, message] : cases) {
