@@ -268,7 +268,7 @@ bool TextDocument::hasUnsavedText() const
 QString TextDocument::displayName() const
 {
     if (m_generatedTitle) {
-        return *m_generatedTitle;
+        return localized(*m_generatedTitle);
     }
     if (!m_path.isEmpty()) {
         return shownPath(QFileInfo(m_path).fileName());

@@ -135,8 +135,8 @@ void DocumentActions::showUserGuide()
 void DocumentActions::showGenerated(const QString &title, const QString &text)
 {
     const auto &open = m_services.documents.documents();
-    const auto found =
-        std::ranges::find_if(open, [&](const auto &document) { return document->isGenerated() && document->displayName() == title; });
+    const auto found = std::ranges::find_if(
+        open, [name = localized(title)](const auto &document) { return document->isGenerated() && document->displayName() == name; });
     if (found != open.end()) {
         const std::shared_ptr<TextDocument> document = *found;
         document->setGeneratedText(text);

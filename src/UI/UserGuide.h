@@ -8,7 +8,7 @@
 /// The user's guide, which is part of the program.
 namespace UserGuide {
 
-/// The name of the document.
+/// The name of the document; its tab has it in the language of the interface.
 inline constexpr QLatin1StringView title("Quillet Guide.md");
 
 /// All of it as Markdown, in the language of the interface.

@@ -145,5 +145,5 @@ TEST_F(UserGuideWindow, IsATextOfTheLanguageThatNobodyEdits)
     // A window that has no tabs, such as a comparison, has it shown in one that does.
     send(Actions::closeTab);
     ASSERT_TRUE(application.perform(Actions::showUserGuide));
-    EXPECT_EQ(tabs().last(), u"Quillet Guide.md"_s);
+    EXPECT_EQ(tabs().last(), u"Quillet-Handbuch.md"_s);
 }
