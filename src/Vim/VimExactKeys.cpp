@@ -453,7 +453,7 @@ std::span<const VimEngine::KeyRow> VimEngine::exactKeys()
          whileInserting},
         {u'n',
          Command{[](VimEngine &engine, qsizetype) { engine.m_exact->inserting.complete(VimWordCompletion::Direction::forward); }},
-         {inserting, u"complete the word, next / previous; Ctrl+E takes it back, Ctrl+Y keeps it"},
+         {inserting, u"complete the word, next / previous; E with Ctrl takes it back, Y keeps it"},
          whileInserting},
         {u'p', Command{[](VimEngine &engine, qsizetype) { engine.m_exact->inserting.complete(VimWordCompletion::Direction::backward); }},
          besideAbove, whileInserting},

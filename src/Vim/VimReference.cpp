@@ -54,7 +54,8 @@ std::vector<Row> rowsOf(VimKeyHelp::Section section, const VimKeyHelpEntries &en
             }
         }
         if (isHere) {
-            rows.back().keys << entry.keys;
+            // What they stand for, as in ":e {file}", is said in the language of the interface; keys have no text of their own there.
+            std::ranges::transform(entry.keys, std::back_inserter(rows.back().keys), [](const QString &key) { return localized(key); });
         }
     }
     return rows;
@@ -111,6 +112,9 @@ Section insertMode(const VimOptions &options)
 /// "Ctrl+W v" for "⌃w v".
 QString asOnTheKeyboard(const QString &keys)
 {
+    if (keys == "Space"_L1 || keys == "Backspace"_L1) {
+        return QKeySequence::fromString(keys, QKeySequence::PortableText).toString(QKeySequence::NativeText);
+    }
     QString named;
     for (qsizetype place = 0; place < keys.size(); ++place) {
         const bool isControl = keys[place] == u'⌃';
