@@ -352,7 +352,7 @@ void DocumentActions::askAboutMissingCharacters(TextDocument &document, std::fun
                        : formatted(localized(u"“%@” has %d characters that %@ does not have."), document.displayName(), count, encoding),
         .informativeText =
             named.join(u", "_s) + u"\n\n"_s +
-            localized(u"In UTF-8 all characters are kept; the file is in UTF-8 from then on. To replace them puts “?” in their "
+            localized(u"In UTF-8 all characters are kept; the file is in UTF-8 from then on. Replacing them puts “?” in their "
                       u"place, in the text and in the file."),
         .buttons = {{localized(u"Save in UTF-8")},
                     {localized(u"Cancel"), AlertButtonRole::cancel},
