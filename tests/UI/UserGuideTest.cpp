@@ -42,11 +42,11 @@ std::vector<Mention> mentions()
 QString portable(QString key)
 {
     key.replace(u"Strg"_s, u"Ctrl"_s).replace(u"Umschalt"_s, u"Shift"_s);
-    key.replace(u"Eingabe"_s, u"Return"_s).replace(u"Einfg"_s, u"Ins"_s);
-    return key.replace(u"Bild aufwärts"_s, u"PgUp"_s)
+    return key.replace(u"Einfg"_s, u"Ins"_s)
+        .replace(u"Bild aufwärts"_s, u"PgUp"_s)
         .replace(u"Bild abwärts"_s, u"PgDown"_s)
         .replace(u"Hoch"_s, u"Up"_s)
-        .replace(u"Runter"_s, u"Down"_s);
+        .replace(u"Herunter"_s, u"Down"_s);
 }
 
 using Paths = QHash<QString, MenuNode>;
