@@ -213,7 +213,7 @@ void LineCommands::start(const Row &row)
     const Rope &text = m_view.storage().text();
     if (row.unitsRead(text, m_view.selections()) > readAtOnce) {
         m_work.begin(m_view, localized(u"Working… Esc stops."), LongWork::Keys::pass,
-                     [this] { stop(localized(u"Stopped; nothing was changed.")); });
+                     [this] { stop(localized(u"Stopped; nothing was changed")); });
         startOnWorker(row);
     } else {
         apply(row.step(text, m_view.selections(), context()), m_view.selections());
@@ -264,6 +264,6 @@ void LineCommands::stop(const QString &message)
     if (!message.isEmpty()) {
         m_services.showMessage(message, toBeRead);
     } else if (wasShown) {
-        m_services.showMessage(localized(u"Done."), toBeRead);
+        m_services.showMessage(localized(u"Done"), toBeRead);
     }
 }

@@ -129,14 +129,14 @@ TEST(LineCommands, HoldNothingUpInALongText)
     fixture.finish();
     EXPECT_EQ(fixture.storage.string(), u"b\nax\n"_s + u"b\na\n"_s.repeated(LineCommands::readAtOnce / 4 - 1));
     EXPECT_EQ(fixture.view.selection(), TextSelection::at(4));
-    EXPECT_EQ(fixture.messages.last(), u"Done."_s);
+    EXPECT_EQ(fixture.messages.last(), u"Done"_s);
 
     fixture.view.perform(Actions::reverseLines);
     const quint64 trimmed = fixture.storage.revision();
     sendKeys(fixture.view, u"<Esc>"_s);
     fixture.finish();
     EXPECT_EQ(fixture.storage.revision(), trimmed);
-    EXPECT_EQ(fixture.messages.last(), u"Stopped; nothing was changed."_s);
+    EXPECT_EQ(fixture.messages.last(), u"Stopped; nothing was changed"_s);
 }
 
 TEST(LineCommands, MoveNoSelectionOutOfTheText)
