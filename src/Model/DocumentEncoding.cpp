@@ -9,6 +9,7 @@
 void DocumentEncoding::set(TextEncoding encoding)
 {
     m_value = encoding;
+    m_isWanted = true;
     m_suggested.reset();
     m_missing.setEncoding(encoding);
     m_services.changed();
@@ -17,6 +18,7 @@ void DocumentEncoding::set(TextEncoding encoding)
 void DocumentEncoding::take(TextEncoding encoding, std::optional<TextEncoding> suggested)
 {
     m_value = encoding;
+    m_isWanted = false;
     m_missing.setEncoding(encoding);
     const bool isSettled = m_services.memory && m_services.memory->knows(m_services.path);
     m_suggested = isSettled ? std::nullopt : suggested;
@@ -45,8 +47,12 @@ void DocumentEncoding::remember(TextEncoding encoding)
 
 void DocumentEncoding::noteWritten(const QString &path, TextEncoding encoding)
 {
+    if (!m_services.memory) {
+        return;
+    }
     const auto known = remembered();
-    if (known && (*known != encoding || path != m_services.path)) {
+    const bool isNew = known ? *known != encoding || path != m_services.path : m_isWanted && encoding != TextEncoding::utf8;
+    if (isNew) {
         m_services.memory->note(path, encoding == TextEncoding::utf8 ? std::nullopt : std::optional(encoding));
     }
 }

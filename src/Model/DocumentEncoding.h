@@ -45,7 +45,7 @@ public:
     [[nodiscard]] std::optional<TextEncoding> remembered() const;
     /// The file is to be read so from now on.
     void remember(TextEncoding encoding);
-    /// A file in an encoding that had to be named is read in the one that it was written in, under whatever name.
+    /// A file in an encoding that was named, before or for this, is read in the one that it was written in, under whatever name.
     void noteWritten(const QString &path, TextEncoding encoding);
 
     /// What of the text it lacks.
@@ -58,6 +58,8 @@ public:
 private:
     Services m_services;
     TextEncoding m_value = TextEncoding::utf8;
+    /// The user has chosen it since the text was read.
+    bool m_isWanted = false;
     std::optional<TextEncoding> m_suggested;
     MissingCharacters m_missing;
 };

@@ -157,6 +157,20 @@ TEST_F(FileFormTest, KeepsAllThatWasNotEdited)
     }
 }
 
+TEST_F(FileFormTest, AnEncodingThatWasChosenIsTheOneToReadIn)
+{
+    const auto chosen = open("caf\xC3\xA9\n");
+    chosen->setEncoding(TextEncoding::utf16);
+    const QByteArray bytes = saved(*chosen);
+    EXPECT_TRUE(bytes.contains('\0'));
+    const auto back = open(bytes);
+    EXPECT_EQ(back->storage().string(), u"caf\u00E9\n"_s);
+    EXPECT_EQ(back->encoding(), TextEncoding::utf16);
+    back->setEncoding(TextEncoding::utf8);
+    EXPECT_EQ(saved(*back), "caf\xC3\xA9\n");
+    EXPECT_EQ(open("caf\xC3\xA9\n")->storage().string(), u"caf\u00E9\n"_s);
+}
+
 TEST_F(FileFormTest, NormalFormIsWrittenUnlessTheFormIsToBeKept)
 {
     const QByteArray content = "\xEF\xBB\xBF"
