@@ -472,13 +472,32 @@ void TextDocument::takeForm(const DocumentFile::Snapshot &asked, const DocumentF
     }
 }
 
+/// As one step of undo. A caret behind blanks that go at the end of the text stays in its line, not behind the break that comes.
+void TextDocument::applyInParts(const TextEdits &edits)
+{
+    const ReplacedStretch hull = edits.hull();
+    m_undoManager.beginGroup(GroupKind::other, TextSelection{hull.location, hull.location + hull.removed}, nullptr);
+    const TextEdit last = edits[edits.count() - 1];
+    if (!last.range.isEmpty() && last.text == Rope(u"\n")) {
+        TextEdits blanks;
+        for (const TextEdit &edit : edits) {
+            blanks.add(edit.range, edit.range == last.range ? Rope() : edit.text);
+        }
+        m_storage.apply(blanks);
+        m_storage.apply({{m_storage.length(), 0}, last.text});
+    } else {
+        m_storage.apply(edits);
+    }
+    m_undoManager.endGroup(TextSelection::at(hull.location + hull.inserted));
+}
+
 void TextDocument::takeWritten(const FinishedText &text, const DocumentFile::Written &written)
 {
     const DocumentFile::Snapshot &snapshot = text.snapshot;
     const bool isSameText = m_storage.revision() == snapshot.revision;
     if (isSameText && !text.edits.isEmpty()) {
         m_isLoading = true;
-        m_storage.apply(text.edits);
+        applyInParts(text.edits);
         m_isLoading = false;
         m_undoManager.breakCoalescing();
         m_undoManager.markSavePoint();

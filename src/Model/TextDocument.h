@@ -194,6 +194,7 @@ private:
     [[nodiscard]] const Language &colouredLanguage() const;
     void noteEdit();
     void setDirty(bool isDirty);
+    void applyInParts(const TextEdits &edits);
     void setReadOnly(bool isReadOnly);
     void postMetadata() const;
 

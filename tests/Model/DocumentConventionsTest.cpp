@@ -91,6 +91,21 @@ TEST_F(ConventionsTest, SavingTrimsAndEndsTheTextAsItsFileWants)
     EXPECT_EQ(folder.read(u"a.txt"_s), "x  \na \n b\t\nc\n") << "as the file says by now";
 }
 
+TEST_F(ConventionsTest, ACaretBehindBlanksThatAreTrimmedStaysInItsLine)
+{
+    configure("trim_trailing_whitespace=true\ninsert_final_newline=true");
+    folder.put(u"a.txt"_s, "one  \ntwo ");
+    const auto document = open(u"a.txt"_s);
+    TextSelection caret = TextSelection::at(document->storage().length());
+    QObject::connect(&document->storage(), &TextStorage::changed, [&caret](const TextChange &change) { caret = change.mapped(caret); });
+    document->storage().apply({{0, 0}, u"x"_s});
+    ASSERT_TRUE(saved(*document, document->path()));
+    EXPECT_EQ(document->storage().string(), u"xone\ntwo\n"_s);
+    EXPECT_EQ(caret.caret, 8);
+    document->undoManager().undo();
+    EXPECT_EQ(document->storage().string(), u"xone  \ntwo "_s) << "one step";
+}
+
 TEST_F(ConventionsTest, WhatIsTypedWhileItIsSavedStays)
 {
     configure("trim_trailing_whitespace=true");
