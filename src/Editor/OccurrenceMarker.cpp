@@ -17,6 +17,12 @@ std::optional<TextSearcher> searcherFor(const QString &word)
     return searcher ? std::optional(std::move(*searcher)) : std::nullopt;
 }
 
+bool isWord(const Rope &text, TextRange range)
+{
+    const QChar first = range.isEmpty() ? QChar() : text.toString({range.location, 1}).front();
+    return first.isLetterOrNumber() || first.isSurrogate() || first == u'_';
+}
+
 } // namespace
 
 OccurrenceMarker::OccurrenceMarker(TextView &view, Scheduler &scheduler, Workers &workers)
@@ -49,15 +55,12 @@ TextRange OccurrenceMarker::word() const
     const Rope &text = m_view.storage().text();
     const TextRange selected = m_view.selection().range();
     TextRange word = TextBoundaries::wordAt(text, selected.location);
-    // Behind the last letter of a word one is still at it.
-    if (selected.isEmpty() && selected.location > 0 && (word.isEmpty() || !text.toString({word.location, 1}).front().isLetterOrNumber())) {
+    // Behind the last letter of a word one is still at it, but not in the line below.
+    if (selected.isEmpty() && selected.location > 0 && !isWord(text, word)) {
         word = TextBoundaries::wordAt(text, selected.location - 1);
     }
-    if (word.isEmpty() || word.length > longestWord || (!selected.isEmpty() && word != selected)) {
-        return {};
-    }
-    const QChar first = text.toString({word.location, 1}).front();
-    return first.isLetterOrNumber() || first.isSurrogate() || first == u'_' ? word : TextRange();
+    const bool isThere = selected.isEmpty() ? word.location <= selected.location && selected.location <= word.end() : word == selected;
+    return isThere && word.length <= longestWord && isWord(text, word) ? word : TextRange();
 }
 
 void OccurrenceMarker::update()

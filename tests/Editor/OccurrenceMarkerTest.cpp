@@ -53,10 +53,14 @@ TEST_F(OccurrenceMarkerTest, MarksTheWordAtTheCaretElsewhere)
     rest();
     EXPECT_EQ(marked(), u"6"_s);
     EXPECT_EQ(marker.word(), (TextRange{0, 5})) << "also behind its last letter";
+    storage.apply({{0, storage.length()}, u"_a word\n\n<<< word\n"_s});
+    for (const auto &[caret, word] : std::initializer_list<std::pair<qsizetype, TextRange>>{
+             {0, {0, 2}}, {2, {0, 2}}, {7, {3, 4}}, {8, {}}, {9, {}}, {13, {13, 4}}, {17, {13, 4}}, {18, {}}}) {
+        view.setSelection(TextSelection::at(caret));
+        EXPECT_EQ(marker.word(), word) << caret;
+    }
     marker.setMarking(false);
     EXPECT_EQ(marked(), QString());
-    sendKeys(view, u"<C-End>"_s);
-    EXPECT_TRUE(marker.word().isEmpty());
 }
 
 TEST_F(OccurrenceMarkerTest, PaintsTheRowsOfWhatIsMarkedAndNoOthers)
