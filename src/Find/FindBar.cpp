@@ -60,6 +60,17 @@ void name(QToolButton *button, const QString &title, const QKeySequence &key)
     button->setToolTip(titleWithKey(title, key));
 }
 
+bool isReturn(const QKeyEvent &event)
+{
+    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
+
+/// In the text that is sought, or its replacement.
+bool isLineBreak(const QObject *widget, const QKeyEvent &event)
+{
+    return isReturn(event) && event.modifiers().testFlag(Qt::ControlModifier) && qobject_cast<const FindField *>(widget);
+}
+
 /// As far as known: while hits are being counted, seeking may have ended without one.
 bool isNotFound(const TextFinder::Status &status)
 {
@@ -630,8 +641,8 @@ bool FindBar::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
     case QEvent::ShortcutOverride:
-        // Before a menu whose letter it is.
-        if (buttonFor(static_cast<const QKeyEvent &>(*event))) {
+        // Before a menu whose letter it is, and before a command of the text.
+        if (const auto &key = static_cast<const QKeyEvent &>(*event); buttonFor(key) || isLineBreak(watched, key)) {
             event->accept();
             return true;
         }
@@ -663,7 +674,6 @@ bool FindBar::takesKey(const QObject *widget, const QKeyEvent &event)
         }
         return true;
     }
-    const bool isReturn = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
     const bool isShifted = (event.modifiers() & Qt::ShiftModifier) != 0;
     if (event.key() == Qt::Key_Escape) {
         if (!m_finder.cancel()) {
@@ -671,12 +681,11 @@ bool FindBar::takesKey(const QObject *widget, const QKeyEvent &event)
         }
         return true;
     }
-    if (!isReturn) {
+    if (!isReturn(event)) {
         return false;
     }
-    auto *field = qobject_cast<FindField *>(const_cast<QObject *>(widget));
-    if (field && (event.modifiers() & Qt::ControlModifier) != 0) {
-        field->insertPlainText(u"\n"_s);
+    if (isLineBreak(widget, event)) {
+        static_cast<FindField *>(const_cast<QObject *>(widget))->insertPlainText(u"\n"_s);
         return true;
     }
     if (widget == m_pattern && event.modifiers().testFlag(Qt::AltModifier)) {

@@ -13,6 +13,7 @@
 #include "View/ViewFixture.h"
 
 #include <QLabel>
+#include <QShortcut>
 #include <QTest>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -330,6 +331,7 @@ TEST_F(FindBarTest, SeeksAndReplacesSeveralLines)
     editor.perform(Actions::findAndReplace);
     editor.scheduler.advance(1s);
     const int height = editor.bar->height();
+    QShortcut textsOwn(Qt::CTRL | Qt::Key_Return, &editor.window);
     editor.keys(u"one<C-CR>tw"_s);
     // First the panel learns of its field, then the bar of its panel.
     QCoreApplication::processEvents();
