@@ -25,7 +25,6 @@
 #include <QPushButton>
 #include <QScopedValueRollback>
 #include <QScrollBar>
-#include <QShortcut>
 #include <QSplitter>
 
 using namespace std::chrono_literals;
@@ -86,11 +85,6 @@ DiffViewController::DiffViewController(const EditorServices &services, Side left
     all->addLayout(middle, 1);
     all->addWidget(makeFooter());
     connect(m_overview, &DiffOverview::rowWanted, this, [this](qsizetype row) { scrollBothTo(row, 0.5); });
-    const auto go = [this](const Action &taken, void (DiffViewController::*where)()) {
-        connect(new QShortcut(QKeySequence(QLatin1StringView(taken.keys)), this), &QShortcut::activated, this, where);
-    };
-    go(Actions::goToNextChange, &DiffViewController::nextChange);
-    go(Actions::goToPreviousChange, &DiffViewController::previousChange);
 
     retranslate();
     applyPreferences();

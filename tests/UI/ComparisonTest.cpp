@@ -70,6 +70,11 @@ TEST_F(ComparisonTest, GoesThroughTheChangesByKeysAndButtons)
     EXPECT_EQ(content.leftView().scrollOffset(), content.rightView().scrollOffset());
     control<QPushButton>(content, u"Previous"_s)->click();
     EXPECT_EQ(place(), u"1 of 3 changes"_s);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(application.comparisons().back()));
+    QTest::keyClick(&content.leftView(), Qt::Key_F7);
+    EXPECT_EQ(place(), u"2 of 3 changes"_s);
+    QTest::keyClick(&content.rightView(), Qt::Key_F8);
+    EXPECT_EQ(place(), u"1 of 3 changes"_s);
     // The strip, in the middle of it.
     auto *strip = content.findChild<DiffOverview *>();
     QTest::mouseClick(strip, Qt::LeftButton, {}, {5, strip->height() / 2});
