@@ -145,6 +145,9 @@ bool VimEngine::wants(const VimKeyEvent &event) const
     if (VimKey::isForMappings(key) && !(m_mode == Mode::commandLine && key == VimKey::backtab)) {
         return isMapped;
     }
+    if (event.control && event.option) {
+        return isMapped; // no command has both
+    }
     if (row(KeyPlace::anyMode, keyInAnyMode(event))) {
         return true;
     }

@@ -101,6 +101,12 @@ TEST_F(ModalEditingTest, ControlChordsThatItHasNoUseForStayShortcuts)
         EXPECT_FALSE(claims(key, ControlModifier)) << key;
     }
     EXPECT_FALSE(claims(Qt::Key_F, ControlModifier | ShiftModifier)) << "the other key of Find";
+    for (const QString &keys : {u""_s, u"v"_s, u"<Esc>i"_s, u"<Esc>:"_s, u"<Esc><C-w>"_s, u"<Esc>"_s}) {
+        press(keys);
+        for (const Qt::Key key : {Qt::Key_D, Qt::Key_F, Qt::Key_W, Qt::Key_BracketRight}) {
+            EXPECT_FALSE(claims(key, ControlModifier | AltModifier)) << keys.toStdString() << key;
+        }
+    }
     EXPECT_FALSE(claims(Qt::Key_J, AltModifier));
     EXPECT_FALSE(claims(Qt::Key_Adiaeresis, ControlModifier | AltModifier, u"ä"_s)) << "writes a letter all the same";
     preferences.set(Settings::vimKeymapPreset, VimKeymapPreset::lazyVim);
