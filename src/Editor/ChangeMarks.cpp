@@ -106,7 +106,14 @@ bool ChangeMarks::areWanted() const
 
 void ChangeMarks::noteEdit(const TextChange &change)
 {
+    const auto looks = [this] {
+        std::vector<LineChange::Kind> kinds;
+        std::ranges::transform(m_changes, std::back_inserter(kinds), &LineChange::kind);
+        return kinds;
+    };
+    const auto before = looks();
     LineChanges::map(m_changes, change.edits);
+    m_hasOthers |= looks() != before;
     compareSoon();
 }
 
@@ -152,7 +159,7 @@ void ChangeMarks::take(const Rope &base, std::vector<LineChange> changes)
     m_isCurrent = true;
     const bool isSame = m_changes == changes;
     m_changes = std::move(changes);
-    if (!isSame) {
+    if (std::exchange(m_hasOthers, false) || !isSame) {
         emit changed();
     }
 }

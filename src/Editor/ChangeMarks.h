@@ -72,6 +72,8 @@ private:
     std::vector<LineChange> m_changes;
     Rope m_base;
     bool m_isCurrent = true;
+    /// An edit took some away, which nobody was told yet.
+    bool m_hasOthers = false;
     DelayedTask m_soon;
     BackgroundTask m_comparing;
     std::optional<GitBase> m_commit;

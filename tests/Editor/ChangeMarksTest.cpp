@@ -115,6 +115,18 @@ TEST_F(ChangeMarksTest, MarksNothingWhereNoFileIsKnown)
               u""_s);
 }
 
+TEST_F(ChangeMarksTest, TellsOfMarksThatAnEditTookAway)
+{
+    open("one\n");
+    edit({4, 0}, u"x");
+    ASSERT_EQ(marks(), u"a4"_s);
+    int told = 0;
+    QObject::connect(&editor->changes().marks(), &ChangeMarks::changed, editor.get(), [&told] { ++told; });
+    edit({4, 1}, u"");
+    EXPECT_EQ(marks(), u""_s);
+    EXPECT_EQ(told, 1);
+}
+
 TEST_F(ChangeMarksTest, ComparesWithTheLastCommitWhereThereIsOne)
 {
     const GitRepository repository(path(QString()));
