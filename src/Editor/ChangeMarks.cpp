@@ -133,7 +133,7 @@ std::optional<Rope> ChangeMarks::wantedBase() const
     if (m_commit) {
         return m_commit->text;
     }
-    return m_document.isDirty() ? m_document.file().savedText() : std::nullopt;
+    return m_document.isDirty() || m_document.hasUnsavedText() ? m_document.file().savedText() : std::nullopt;
 }
 
 void ChangeMarks::compare()

@@ -17,6 +17,7 @@ void SavedText::set(const Rope &text, std::optional<quint64> hash)
     m_hashing.cancel();
     m_isNone = false;
     m_isUnwritten = false;
+    m_fileText.reset();
     m_text = text;
     m_hash = hash;
     if (!hash && text.length() < largeText) {

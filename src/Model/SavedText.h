@@ -27,10 +27,14 @@ public:
     [[nodiscard]] std::optional<quint64> hash() const { return m_isNone ? std::nullopt : m_hash; }
     /// The file is gone, so no text is a saved one.
     void setNone() { m_isNone = true; }
-    /// What was set last stands in no file, though it counts as saved.
-    void setUnwritten() { m_isUnwritten = true; }
+    /// What was set last stands in no file, though it counts as saved; the file has `fileText`, or that is not known.
+    void setUnwritten(const std::optional<Rope> &fileText = {})
+    {
+        m_isUnwritten = true;
+        m_fileText = fileText;
+    }
     /// None where no file is known to have one. O(1): it shares its leaves with the document's as far as they are the same.
-    [[nodiscard]] std::optional<Rope> text() const { return m_isNone || m_isUnwritten ? std::nullopt : std::optional(m_text); }
+    [[nodiscard]] std::optional<Rope> text() const { return m_isNone ? std::nullopt : m_isUnwritten ? m_fileText : std::optional(m_text); }
     /// Compares when nobody has asked again for `comparisonDelay`.
     void compareSoon();
     /// `compared` is still to be called.
@@ -53,6 +57,7 @@ private:
     std::optional<quint64> m_hash;
     bool m_isNone = false;
     bool m_isUnwritten = false;
+    std::optional<Rope> m_fileText;
     DelayedTask m_soon;
     BackgroundTask m_hashing;
     BackgroundTask m_comparison;

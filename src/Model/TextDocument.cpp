@@ -40,8 +40,15 @@ bool isForbidden(int error)
     return error == EACCES || error == EPERM || error == EROFS;
 }
 
-/// What the file has beside its text, for `draft`, which was made of it. None when it cannot be read.
-std::optional<FileForm> formOf(const QString &path, std::optional<TextEncoding> remembered, const Rope &draft, FileCalls &files)
+struct DraftOrigin {
+    /// What the file has beside its text, for the draft.
+    FileForm form;
+    /// Of the file; what is the same in the draft is kept once.
+    Rope text;
+};
+
+/// The file that `draft` was made of. None when it cannot be read.
+std::optional<DraftOrigin> originOf(const QString &path, std::optional<TextEncoding> remembered, const Rope &draft, FileCalls &files)
 {
     const auto contents = TextFile::readRemembered(path, remembered, files);
     if (!contents) {
@@ -50,7 +57,7 @@ std::optional<FileForm> formOf(const QString &path, std::optional<TextEncoding> 
     FileForm form = contents->form;
     const TextEdits edits = TextEdits::difference(contents->text, draft);
     form.lineEndings.apply({edits, contents->text, draft}, contents->lineEnding);
-    return form;
+    return DraftOrigin{std::move(form), edits.inverse(contents->text).applied(draft)};
 }
 
 } // namespace
@@ -139,13 +146,13 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
             bool isChanged = false;
             bool isReadOnly = false;
             EditorConfig config;
-            /// Of the draft.
-            std::optional<FileForm> form = std::nullopt;
+            std::optional<DraftOrigin> origin = std::nullopt;
         };
         const bool keepsForm = services.preferences.value(Settings::keepFileForm);
+        const bool isRead = keepsForm || services.preferences.value(Settings::markChanges);
         document->m_draftLooking = BackgroundTask::start(
             services.workers,
-            [path, keptAt, keepsForm, draft = contents.text, remembered = document->m_encoding.remembered(), state = contents.state,
+            [path, keptAt, isRead, draft = contents.text, remembered = document->m_encoding.remembered(), state = contents.state,
              &files = services.files](const std::stop_token &) {
                 const bool exists = isThere(path);
                 const bool isChanged =
@@ -155,15 +162,18 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
                              exists && isChanged,
                              TextFile::isReadOnly(path, files),
                              EditorConfig::of(path, files),
-                             exists && !isChanged && keepsForm ? formOf(path, remembered, draft, files) : std::nullopt};
+                             exists && !isChanged && isRead ? originOf(path, remembered, draft, files) : std::nullopt};
             },
-            [self = document.get(), path, missingFile, draft = contents.text](const Found &found) {
+            [self = document.get(), path, missingFile, keepsForm, draft = contents.text](const Found &found) {
                 if (self->m_path != path) {
                     return;
                 }
                 self->m_follower.setIdentity(found.identity);
                 self->setReadOnly(found.isReadOnly);
                 self->conventions.take(found.config);
+                if (found.origin && self->m_isDraft) {
+                    self->m_savedText.setUnwritten(found.origin->text);
+                }
                 self->postMetadata();
                 if (!found.exists && missingFile == MissingFile::isMade) {
                     self->m_follower.setNew(true);
@@ -171,8 +181,8 @@ std::unique_ptr<TextDocument> TextDocument::fromDraft(const DocumentServices &se
                     self->takeDeleted();
                 } else if (found.isChanged) {
                     self->m_follower.read();
-                } else if (found.form) {
-                    self->takeForm(*found.form, draft);
+                } else if (found.origin && keepsForm) {
+                    self->takeForm(found.origin->form, draft);
                 }
             });
     }

@@ -99,13 +99,16 @@ TEST_F(ChangeMarksTest, ComparesWithTheFileWhenEditsHaveComeToRest)
     EXPECT_EQ(marks(), u""_s);
 }
 
-TEST_F(ChangeMarksTest, MarksNothingWhereNoFileIsKnown)
+TEST_F(ChangeMarksTest, ComparesWhatWasNotReadFromAFileWithTheFileThereIs)
 {
     open("one\n");
-    const auto textWithoutFile = [this](std::unique_ptr<TextDocument> made) {
+    const auto show = [this](std::unique_ptr<TextDocument> made) {
         editor.reset();
-        document = made ? documents.add(std::move(made)).shared_from_this() : nullptr;
+        document = documents.add(std::move(made)).shared_from_this();
         editor = std::make_unique<EditorViewController>(services, *document);
+    };
+    const auto textWithoutFile = [&](std::unique_ptr<TextDocument> made) {
+        show(std::move(made));
         edit({0, 0}, u"typed\n");
         return marks();
     };
@@ -113,6 +116,17 @@ TEST_F(ChangeMarksTest, MarksNothingWhereNoFileIsKnown)
     EXPECT_EQ(textWithoutFile(
                   TextDocument::fromDraft(documents.services(), path(u"gone.txt"_s), {.text = Rope(u"draft\n")}, QUuid::createUuid())),
               u""_s);
+    put(u"kept.txt"_s, "one\ntwo\n");
+    TextFile::Contents kept = TextFile::readRemembered(path(u"kept.txt"_s), std::nullopt, files).value();
+    kept.text = Rope(u"one\n2\n");
+    show(TextDocument::fromDraft(documents.services(), path(u"kept.txt"_s), kept, QUuid::createUuid()));
+    rest();
+    EXPECT_EQ(marks(), u"m4"_s) << "though it counts as unchanged";
+    edit({0, 0}, u"typed\n");
+    EXPECT_EQ(marks(), u"a0 m10"_s);
+    document->save(document->path());
+    rest();
+    EXPECT_EQ(marks(), u""_s);
 }
 
 TEST_F(ChangeMarksTest, TellsOfMarksThatAnEditTookAway)
