@@ -504,6 +504,17 @@ void EditorViewController::saveViewState()
     m_document->lastScrollOffset = m_textView->scrollOffset();
 }
 
+void EditorViewController::revealCaretSoon()
+{
+    const auto offset = m_scrolling.isPending() ? std::optional(m_document->lastScrollOffset) : std::nullopt;
+    m_scrolling = m_services.scheduler.after(Scheduler::Milliseconds(0), [this, offset] {
+        if (offset) {
+            m_textView->setScrollOffset(*offset);
+        }
+        m_textView->revealCaret();
+    });
+}
+
 void EditorViewController::scrollToLine(LineNumber line)
 {
     const Rope &text = m_document->storage().text();

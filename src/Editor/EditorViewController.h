@@ -95,6 +95,8 @@ public:
     void scrollToLine(LineNumber line);
     /// Has the document remember caret and scroll position for the next editor of it.
     void saveViewState();
+    /// Scrolls to the caret as soon as the view has the size that it is about to get.
+    void revealCaretSoon();
     /// Null while modal editing is off.
     [[nodiscard]] EditorVim *vim() { return m_vim.get(); }
     [[nodiscard]] LineCommands &lineCommands() { return *m_lineCommands; }

@@ -320,10 +320,16 @@ void WorkspaceViewController::showEvent(QShowEvent *event)
 void WorkspaceViewController::makeSplit(Qt::Orientation orientation, const ActionSender &sender)
 {
     const TabIndex tab = tabOf(m_layout, sender);
-    if (tab.exists()) {
-        m_panes[size_t(tab.pane)]->saveViewState();
+    PaneViewController *source = tab.exists() ? m_panes[size_t(tab.pane)] : nullptr;
+    if (source) {
+        source->saveViewState();
     }
     setPaneLayout(m_layout.activating(tab.pane).selecting(tab.pane, tab.tab).split(orientation));
+    // Either has less room than the one before.
+    if (EditorViewController *split = source ? source->currentEditor() : nullptr; split && split->textView().caret().wasSeen) {
+        split->revealCaretSoon();
+        currentEditor()->revealCaretSoon();
+    }
     focusEditor();
 }
 

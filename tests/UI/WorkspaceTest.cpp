@@ -9,6 +9,7 @@
 #include <QSplitter>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -202,6 +203,30 @@ TEST_F(WorkspaceTest, PanesAreEquallyWide)
     window().resize(480, 300);
     QCoreApplication::processEvents();
     EXPECT_EQ(window().size(), QSize(480, 300));
+}
+
+TEST_F(WorkspaceTest, ASplitKeepsTheCaretInSight)
+{
+    workspace().open({put(u"long"_s, QByteArray("line\n").repeated(200))});
+    const auto seesCaret = [this](size_t index) {
+        EditorTextView &view = pane(index).currentEditor()->textView();
+        const auto top = view.textViewport().topOf(view.layoutManager().rowOf(view.selection().caret));
+        return top && *top >= 0 && *top + view.layoutManager().rowHeight() <= view.viewport()->height();
+    };
+    const auto split = [this] {
+        textView().viewport()->grab();
+        send(Actions::splitEditorDown);
+        scheduler.advance(0ms);
+        QCoreApplication::processEvents();
+    };
+    press(u"<C-End>"_s);
+    split();
+    EXPECT_TRUE(seesCaret(0));
+    EXPECT_TRUE(seesCaret(1));
+    textView().setScrollOffset(0);
+    split();
+    EXPECT_EQ(pane(1).currentEditor()->textView().scrollOffset(), 0) << "where the user was reading";
+    EXPECT_EQ(pane(2).currentEditor()->textView().scrollOffset(), 0);
 }
 
 TEST_F(WorkspaceTest, TypingGoesOnInTheTabThatIsShown)
