@@ -55,6 +55,14 @@ TEST_F(ConflictNavigatorTest, MarksThemAndGoesThere)
         conflicts.goToPrevious();
         EXPECT_EQ(view.selection(), TextSelection::at(place));
     }
+    // Just below what is seen it comes with all of its lines.
+    view.setSelection(TextSelection::at(second - 1));
+    const double height = view.layoutManager().rowHeight();
+    view.setScrollOffset(double(storage.text().lineAt(second) - view.textViewport().rowsPerPage()) * height);
+    conflicts.goToNext();
+    const auto last = view.textViewport().topOf(view.layoutManager().rowOf(second + conflict.size() - 1));
+    ASSERT_TRUE(last);
+    EXPECT_LE(*last + height, view.viewport()->height());
 
     storage.apply({{0, storage.length()}, u"decided\n"_s});
     rest();
