@@ -53,7 +53,8 @@ void FileFollower::look()
     m_looking = BackgroundTask::start(
         m_services.workers, [path = m_path](const std::stop_token &) { return isThere(path); },
         [this](bool exists) {
-            if (!exists) {
+            const bool neverWas = m_isNew && !m_state && !m_shown;
+            if (!exists && !neverWas) {
                 m_reading.cancel(); // of a file that was there
                 m_services.deleted();
             }

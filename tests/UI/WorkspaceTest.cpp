@@ -13,7 +13,17 @@ using namespace std::chrono_literals;
 
 namespace {
 
-using WorkspaceTest = WindowTest;
+class WorkspaceTest : public WindowTest {
+protected:
+    /// What happened to files has been noticed.
+    void waitForWatchers()
+    {
+        for (int turn = 0; turn < 20; ++turn) {
+            scheduler.advance(100ms);
+            QCoreApplication::processEvents();
+        }
+    }
+};
 
 constexpr auto save = AlertReply::firstButton;
 constexpr auto cancel = AlertReply::secondButton;
@@ -295,6 +305,8 @@ TEST_F(WorkspaceTest, AFileThatIsNotThereYetIsMadeByItsFirstSave)
     EXPECT_TRUE(lastAlert().contains(path(u"none/yet"_s))) << lastAlert().toStdString();
     EXPECT_FALSE(QFileInfo::exists(path(u"none"_s)));
     EXPECT_TRUE(workspace().currentDocument()->isDirty());
+    waitForWatchers();
+    EXPECT_FALSE(workspace().currentEditor()->banner()) << "it was never there";
     presenter.answer(AlertReply::firstButton);
     send(Actions::saveDocument);
     EXPECT_EQ(read(file), "int x;");
