@@ -39,6 +39,7 @@
 #include <QVBoxLayout>
 
 #include <array>
+#include <cerrno>
 
 namespace {
 
@@ -634,9 +635,9 @@ void EditorViewController::saveAgain()
         return;
     }
     m_document->save(m_document->path(), [editor = QPointer(this)](const Result<AtomicFile::InPlace> &saved) {
-        if (editor && !saved && saved.error().code == TextFile::missingCharactersError) {
+        if (editor && !saved && (saved.error().code == TextFile::missingCharactersError || saved.error().code == ENOENT)) {
             editor->textView().setFocus();
-            editor->perform(Actions::saveDocument); // who does that asks what is to become of them
+            editor->perform(Actions::saveDocument); // who does that asks what is to become of them, or of the missing folder
         } else if (editor && !saved && saved.error().code == AtomicFile::changedError) {
             emit editor->messageShown(saved.error().message, messageTime);
         } else if (editor && !saved) {

@@ -304,8 +304,8 @@ void DocumentActions::handleSaveError(const Attempt &failed, const Error &error)
             }
             attempt(failed);
         });
-    } else if (error.code == ENOENT && !failed.path && document->file().isNew() &&
-               failed.manner.missingFolder == DocumentFile::MissingFolder::isError) {
+    } else if (error.code == ENOENT && !failed.path && failed.manner.missingFolder == DocumentFile::MissingFolder::isError &&
+               (document->file().isNew() || !isFolderThere(folderOf(document->path())))) {
         askForFolder(failed);
     } else if ((error.code == EACCES || error.code == EPERM) && isOfUser) {
         offerOtherWays(failed, error);
@@ -387,17 +387,20 @@ void DocumentActions::offerOtherWays(const Attempt &failed, const Error &error)
     });
 }
 
-/// Somebody named a file in a folder that does not exist either.
+/// The file's folder does not exist either, or no longer.
 void DocumentActions::askForFolder(const Attempt &failed)
 {
     const auto document = failed.document.shared_from_this();
-    const Alert question{.messageText = formatted(localized(u"The folder “%@” does not exist. Do you want to create it?"),
-                                                  shownPath(abbreviatedPath(folderOf(document->path())))),
-                         .informativeText = formatted(localized(u"“%@” is saved there."), document->displayName()),
-                         .buttons = {{localized(u"Create Folder")}, {localized(u"Cancel"), AlertButtonRole::cancel}}};
+    const Alert question{
+        .messageText = formatted(localized(u"The folder “%@” does not exist. Do you want to create it?"),
+                                 shownPath(abbreviatedPath(folderOf(document->path())))),
+        .informativeText = formatted(localized(u"“%@” is saved there."), document->displayName()),
+        .buttons = {{localized(u"Create Folder")}, {localized(u"Cancel"), AlertButtonRole::cancel}, {localized(u"Save As…")}}};
     present(question, [this, document, failed](int button) {
         if (button == AlertReply::firstButton) {
             attempt(failed.in({.missingFolder = DocumentFile::MissingFolder::isMade}));
+        } else if (button == AlertReply::thirdButton) {
+            saveAs(*document, failed.completion);
         } else {
             failed.completion(false);
         }

@@ -86,7 +86,7 @@ TEST_F(WaitingTest, WhatClosesWaitsForTheWriteItDependsOn)
         answer();
         EXPECT_EQ(tabs(), QStringList{u"a.txt"_s});
         EXPECT_GT(presenter.alerts().size(), alerts);
-        EXPECT_TRUE(lastAlert().contains(u"its folder does not exist")) << lastAlert().toStdString();
+        EXPECT_TRUE(lastAlert().contains(u"does not exist")) << lastAlert().toStdString();
         send(Actions::forceCloseTab);
         EXPECT_EQ(tabs(), QStringList{u"Untitled"_s});
     }

@@ -4,6 +4,7 @@
 #include "Base/FilePath.h"
 #include "WindowFixture.h"
 
+#include <QDir>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSplitter>
@@ -310,6 +311,15 @@ TEST_F(WorkspaceTest, AFileThatIsNotThereYetIsMadeByItsFirstSave)
     presenter.answer(AlertReply::firstButton);
     send(Actions::saveDocument);
     EXPECT_EQ(read(file), "int x;");
+    // Nor need its folder be there any more.
+    QDir(path(u"none"_s)).removeRecursively();
+    waitForWatchers();
+    ASSERT_TRUE(workspace().currentEditor()->banner());
+    presenter.answer(AlertReply::firstButton);
+    control<QPushButton>(*workspace().currentEditor()->banner(), u"Save Again"_s)->click();
+    EXPECT_TRUE(lastAlert().contains(path(u"none/yet"_s))) << lastAlert().toStdString();
+    EXPECT_EQ(read(file), "int x;");
+    EXPECT_FALSE(workspace().currentEditor()->banner());
     EXPECT_EQ(recent.entries().front().path, file);
     const size_t alerts = presenter.alerts().size();
     send(Actions::closeTab);
