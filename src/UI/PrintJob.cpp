@@ -61,8 +61,10 @@ void PrintJob::cancel()
 {
     m_work.cancel();
     m_timer.cancel();
-    // One of its buttons is what led here.
-    m_dialog->hide();
-    m_dialog.release()->deleteLater();
+    // One of its buttons is what led here, and may be clicked twice.
+    QProgressDialog *dialog = m_dialog.release();
+    dialog->disconnect(this);
+    dialog->hide();
+    dialog->deleteLater();
     deleteLater();
 }
