@@ -110,6 +110,14 @@ void takeShifts(VimExCall &call, QString &argument)
     }
 }
 
+/// "s" and "sgin", but not "syntax", as in Vim.
+bool isSubstitution(QStringView letters)
+{
+    const auto isFlag = [](QChar letter) { return QStringView(u"cegiIlnpr").contains(letter); };
+    return letters.startsWith(u's') && (letters.size() == 1 || QStringView(u"cgiIr").contains(letters[1])) &&
+           std::ranges::all_of(letters.sliced(1), isFlag);
+}
+
 bool isRegister(QChar name)
 {
     return isLetter(name) || QStringView(u"\"-_+*.:%#/").contains(name);
@@ -222,7 +230,7 @@ Result<VimExLine::Parsed> VimExLine::takeName(QStringView &commands) const
         name = commands.startsWith(u"&&") ? u"&&"_s : commands.first(1).toString();
     } else if (letters.startsWith(u'k') && !named(letters)) {
         name = u"k"_s;
-    } else if (letters.startsWith(u's') && !named(letters)) {
+    } else if (isSubstitution(letters) && !named(letters)) {
         name = u"s"_s;
     }
     commands = commands.sliced(name.size());

@@ -129,6 +129,7 @@ TEST(VimExLine, SaysWhatIsWrong)
         {u"d!", u"Takes no “!”: d"},
         {u"1reg", u"Takes no lines: reg"},
         {u"frob 1", u"Not a command: frob 1"},
+        {u"syntax on", u"Not a command: syntax on"},
         {u"sort q", u"Not a way to sort: q"},
         {u"marks x", u"Mark not set: x"},
         {u"set nonsense", u"Not an option: nonsense"},
