@@ -274,6 +274,57 @@ TEST_F(AtomicFileTest, WritesThroughNoLinkOfAStrangerInAFolderForAll)
     EXPECT_TRUE(save(u"b"_s, calls)) << "the kernel follows it too";
 }
 
+TEST_F(AtomicFileTest, WritesOverNothingThatComesAtTheLastMoment)
+{
+    struct Case {
+        std::string when;
+        bool wasThere;
+        std::string call;
+        int time;
+    };
+    const Case cases[] = {{"where no file was found", false, "rename", 1}, {"behind the bytes that were compared", true, "fstatat", 2}};
+    const QByteArray others = "what another program writes\n";
+    for (const Case &tested : cases) {
+        SCOPED_TRACE(tested.when);
+        AtomicFile::Expectation expected;
+        if (tested.wasThere) {
+            putOld(u"a"_s);
+            struct stat status = {};
+            ASSERT_EQ(::stat(bytePath(u"a"_s).constData(), &status), 0);
+            expected.state = FileState::of(status, ContentHash::of(oldContent.constData(), size_t(oldContent.size())));
+            expected.state->isFresh = true;
+        }
+        FaultyCalls calls;
+        calls.before = [&, left = tested.time](const char *call) mutable {
+            if (tested.call == call && --left == 0) {
+                put(u"a"_s, others);
+            }
+            return 0;
+        };
+        auto file = AtomicFile::open(path(u"a"_s), AtomicFile::NewFile::readableByOthers, calls);
+        ASSERT_TRUE(file && file->write(newContent));
+        const auto written = file->commit(expected);
+        EXPECT_TRUE(!written && written.error().code == AtomicFile::changedError);
+        EXPECT_EQ(read(u"a"_s), others);
+        QFile::remove(path(u"a"_s));
+    }
+}
+
+TEST_F(AtomicFileTest, TimesOfCoarseClocksAreTrustedLater)
+{
+    constexpr long tenth = 100'000'000;
+    struct stat status = {};
+    ASSERT_EQ(clock_gettime(CLOCK_REALTIME, &status.st_mtim), 0);
+    // Some tenths of a second ago, and a second more at the most.
+    status.st_mtim.tv_sec -= status.st_mtim.tv_nsec < tenth ? 1 : 0;
+    status.st_mtim.tv_nsec = 0;
+    EXPECT_FALSE(FileState::of(status, std::nullopt).isSurelySameAs(status)) << "written again, it may have the same time";
+    status.st_mtim.tv_nsec = 1;
+    EXPECT_TRUE(FileState::of(status, std::nullopt).isSurelySameAs(status));
+    status.st_mtim = {.tv_sec = status.st_mtim.tv_sec - 2, .tv_nsec = 0};
+    EXPECT_TRUE(FileState::of(status, std::nullopt).isSurelySameAs(status));
+}
+
 TEST_F(AtomicFileTest, RemovesWhatEndedProgramsLeft)
 {
     const QString left = put(u".quillet-"_s + QString::fromLatin1(programMark(99'999'999)) + u"x"_s, "left");
@@ -356,6 +407,13 @@ TEST_F(AtomicFileTest, GoesOnAfterInterruptionsAndShortWrites)
     };
     ASSERT_TRUE(save(u"a"_s, calls));
     EXPECT_EQ(read(u"a"_s), newContent);
+
+    // That a disk is full may come out only when the file is closed.
+    FaultyCalls full;
+    full.before = [](const char *call) { return std::strcmp(call, "close") == 0 ? ENOSPC : 0; };
+    putOld(u"a"_s);
+    EXPECT_FALSE(save(u"a"_s, full));
+    EXPECT_EQ(read(u"a"_s), oldContent);
 }
 
 TEST_F(AtomicFileTest, KeepsModeAttributesAndAccessList)
