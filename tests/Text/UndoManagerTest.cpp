@@ -152,10 +152,15 @@ TEST_F(Undo, UnrecordedEditsTakeTheHistoryWithThem)
 TEST_F(Undo, TheOldestGroupsGoWhenTheyKeepTooMuch)
 {
     undo.setUnitLimit(100);
-    for (int i = 0; i < 20; ++i)
+    for (int i = 0; i < 20; ++i) {
         group(GroupKind::other, {storage.length(), 0}, QString(10, QChar(u'a' + i)));
+        if (i == 9)
+            undo.markSavePoint();
+    }
+    EXPECT_FALSE(undo.isAtSavePoint());
     EXPECT_EQ(unwind().size(), 11);
     EXPECT_EQ(storage.length(), 100);
+    EXPECT_TRUE(undo.isAtSavePoint());
     group(GroupKind::other, {0, 0}, QString(500, u'z'));
     EXPECT_TRUE(undo.undo()) << "the last one stays whatever its size";
 }
