@@ -115,6 +115,21 @@ TEST_F(SessionTest, AProgramThatWasKilledComesBackAsItWas)
     EXPECT_EQ(run->drafts().size(), 1);
 }
 
+TEST_F(SessionTest, AFileThatWasJustMadeComesBack)
+{
+    {
+        auto run = start();
+        run->type(u"typed"_s);
+        run->tick();
+        run->presenter.answerSave(path(u"a.txt"_s));
+        run->send(Actions::saveDocumentAs);
+        run->presenter.answerHeld();
+        ASSERT_TRUE(run->session.waitUntilWritten(1min));
+        EXPECT_EQ(run->drafts(), QStringList());
+    }
+    EXPECT_EQ(start()->workspace().currentDocument()->path(), path(u"a.txt"_s));
+}
+
 TEST_F(SessionTest, QuittingAsksNothingAndLosesNothing)
 {
     {
@@ -164,21 +179,21 @@ TEST_F(SessionTest, AClosedWindowsTextsComeBack)
         const auto kept = SessionSnapshot::fromJson(read(u"data/session.json"_s)).value_or(SessionSnapshot());
         EXPECT_EQ(kept.panes.value(0).documentIDs, QList{run->workspace().currentDocument()->id()}) << "the window that is left";
         run->type(u"3"_s);
-        run->tick();
+        run->workspace().open({put(u"b.txt"_s, "b")});
         run->window().close();
         run->answer(AlertReply::thirdButton);
         EXPECT_TRUE(run->application.windows().empty());
     }
     auto run = start();
-    EXPECT_EQ(run->texts(), (QStringList{u"3"_s, u"1a"_s, u"2"_s}));
+    EXPECT_EQ(run->texts(), (QStringList{u"3"_s, u"b"_s, u"1a"_s, u"2"_s}));
     // What the user does not want goes.
-    run->workspace().focusPaneShowing(*run->workspace().paneLayout().documents()[2]);
+    run->workspace().focusPaneShowing(*run->workspace().paneLayout().documents()[3]);
     run->send(Actions::closeTab);
     run->answer(AlertReply::thirdButton);
     run->tick();
     EXPECT_EQ(run->drafts().size(), 2);
     run.reset();
-    EXPECT_EQ(start()->texts(), (QStringList{u"3"_s, u"1a"_s}));
+    EXPECT_EQ(start()->texts(), (QStringList{u"3"_s, u"b"_s, u"1a"_s}));
 }
 
 TEST_F(SessionTest, FilesOpenBesideTheSessionOrInItsPlace)

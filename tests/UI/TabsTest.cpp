@@ -4,6 +4,7 @@
 #include "WindowFixture.h"
 
 #include <QContextMenuEvent>
+#include <QDir>
 
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
@@ -79,6 +80,11 @@ TEST_F(TabsTest, TheMenuIsAboutItsTab)
     EXPECT_EQ(tabs(), (QStringList{u"a"_s, u"b"_s, u"d"_s}));
     send(Actions::closeTab, place(0));
     EXPECT_EQ(tabs(), (QStringList{u"b"_s, u"d"_s}));
+    workspace().focusPaneShowing(*pane(0).documents()[1]);
+    textView().setSelection(TextSelection::at(1));
+    send(Actions::moveTabToNewWindow);
+    EXPECT_EQ(text(2), u"4"_s);
+    EXPECT_EQ(textView(2).selection().caret, 1);
 }
 
 TEST_F(TabsTest, ClosingSeveralAsksAboutEachUnsavedTextUntilCancel)
@@ -120,6 +126,8 @@ TEST_F(TabsTest, AClosedTabOpensAgainWithAllThatWasInIt)
     press(u"<C-S-t>"_s);
     EXPECT_EQ(tabs(1), (QStringList{u"b"_s, u"Untitled"_s}));
     EXPECT_EQ(text(), u"given up"_s);
+    ASSERT_TRUE(session.waitUntilWritten(1min));
+    EXPECT_EQ(QDir(session.draftsDirectory()).entryList(QDir::Files).size(), 1) << "it is no closed tab any more";
     EXPECT_EQ(textView().selection().range(), (TextRange{5, 0}));
     EXPECT_TRUE(textView().hasFocus());
     send(Actions::undo);
