@@ -108,6 +108,7 @@ TEST_F(WaitingTest, WhatWasTypedDuringASaveIsAskedAbout)
     presenter.answer(AlertReply::thirdButton);
     answer();
     EXPECT_EQ(read(u"disk/a.txt"_s), "xytext\n");
+    EXPECT_EQ(presenter.alerts().size(), 4U);
     EXPECT_TRUE(application.windows().empty());
 }
 

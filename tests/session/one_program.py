@@ -135,6 +135,12 @@ class OneProgram(unittest.TestCase):
         first.terminate()
         self.assertEqual(self.code(waiting), 0, "nothing was edited")
 
+    def test_nothing_came_of_what_a_killed_one_had(self):
+        first = self.start_with("a.txt")
+        waiting = self.start_with("b.txt", "--wait")
+        first.kill()
+        self.assertEqual(self.code(waiting), 1)
+
     def test_it_starts_one_to_wait_for(self):
         waiting = self.start_with("a.txt", "--wait")
         self.assertIsNone(waiting.poll())
