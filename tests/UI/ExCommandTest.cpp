@@ -82,6 +82,18 @@ TEST_F(ExCommandTest, WritesToTheFileThatIsNamed)
     EXPECT_TRUE(document().isUntitled());
     run(u"w "_s + path(u"e.txt"_s));
     EXPECT_EQ(document().path(), path(u"e.txt"_s));
+
+    // One that comes between the look and the writing is not written over either.
+    workers.isHeld = true;
+    run(u"w "_s + path(u"f.txt"_s));
+    workers.finish();
+    QCoreApplication::processEvents();
+    put(u"f.txt"_s, "theirs\n");
+    workers.isHeld = false;
+    workers.finish();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(flashes.value(0).contains(u"exists already")) << flashes.join(u'\n').toStdString();
+    EXPECT_EQ(read(u"f.txt"_s), "theirs\n");
 }
 
 TEST_F(ExCommandTest, GivesUpNoTextThatIsShownBeside)
