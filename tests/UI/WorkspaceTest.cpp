@@ -423,3 +423,20 @@ TEST_F(WorkspaceTest, NotifiesThoseWhoWaitForFiles)
     application.open({.files = {a}, .opensNewWindow = true});
     EXPECT_EQ(workspace(1).currentDocument()->path(), path(u"a.txt"_s));
 }
+
+TEST_F(WorkspaceTest, AWindowIsAsLargeAsTheLastOneThatDidNotFillTheScreen)
+{
+    for (const Qt::WindowState state : {Qt::WindowNoState, Qt::WindowMaximized, Qt::WindowFullScreen}) {
+        send(Actions::newWindow);
+        if (state == Qt::WindowNoState) {
+            window(1).resize(600, 400);
+        }
+        window(1).setWindowState(state);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(window(1).size() == QSize(600, 400), state == Qt::WindowNoState);
+        window(1).close();
+        send(Actions::newWindow);
+        EXPECT_EQ(window(1).size(), QSize(600, 400));
+        window(1).close();
+    }
+}
