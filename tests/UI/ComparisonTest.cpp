@@ -36,16 +36,16 @@ protected:
 
 TEST_F(ComparisonTest, PutsTheRowsSideBySide)
 {
-    DiffViewController &content = compare("same\nonly old\nchanged one\nend\n", u"same\nchanged two\nend\nonly new\n"_s);
-    EXPECT_EQ(shown(content.leftView()), u"same\nonly old\nchanged one\nend\n\n"_s);
-    EXPECT_EQ(shown(content.rightView()), u"same\nchanged two\n\nend\nonly new\n"_s);
+    DiffViewController &content = compare("same\nonly old\nold too\nchanged one\nend\n", u"same\nchanged two\nend\nonly new\n"_s);
+    EXPECT_EQ(shown(content.leftView()), u"same\nonly old\nold too\nchanged one\nend\n\n"_s);
+    EXPECT_EQ(shown(content.rightView()), u"same\nchanged two\n\n\nend\nonly new\n"_s);
     EXPECT_EQ(application.comparisons().back()->windowTitle(), u"a.txt \u2194 a.txt"_s);
     EXPECT_EQ(content.leftView().accessibleName(), u"a.txt  ·  on disk"_s);
     EXPECT_EQ(content.rightView().accessibleName(), u"a.txt  ·  in the editor (unsaved)"_s);
-    EXPECT_EQ(content.summary(), u"2 changes   +2  \u22122"_s);
+    EXPECT_EQ(content.summary(), u"2 changes   +2  \u22123"_s);
     type(u"x"_s);
     QTest::keyClicks(&content.rightView(), u"xyz\b"_s);
-    EXPECT_EQ(shown(content.rightView()), u"same\nchanged two\n\nend\nonly new\n"_s) << "it stays as it was";
+    EXPECT_EQ(shown(content.rightView()), u"same\nchanged two\n\n\nend\nonly new\n"_s) << "it stays as it was";
     application.comparisons().back()->close();
     EXPECT_TRUE(application.comparisons().empty());
 }
@@ -75,6 +75,8 @@ TEST_F(ComparisonTest, GoesThroughTheChangesByKeysAndButtons)
     EXPECT_EQ(place(), u"2 of 3 changes"_s);
     QTest::keyClick(&content.rightView(), Qt::Key_F8);
     EXPECT_EQ(place(), u"1 of 3 changes"_s);
+    QTest::keyClick(&content.leftView(), Qt::Key_P);
+    EXPECT_EQ(place(), u"3 of 3 changes"_s);
     // The strip, in the middle of it.
     auto *strip = content.findChild<DiffOverview *>();
     QTest::mouseClick(strip, Qt::LeftButton, {}, {5, strip->height() / 2});

@@ -188,6 +188,8 @@ TEST_F(TabsTest, SaveAllSavesFilesAndAsksForNames)
     QFile::remove(path(u"a"_s));
     QDir().mkdir(path(u"a"_s));
     put(u"d"_s, "theirs");
+    send(Actions::saveDocument);
+    EXPECT_EQ(workspace().currentDocument()->externalState(), TextDocument::ExternalState::conflicted);
     for (const QString &words : {u"first"_s, u"second"_s, u"third"_s}) {
         send(Actions::newDocument);
         type(words);

@@ -112,6 +112,20 @@ TEST_F(WaitingTest, WhatWasTypedDuringASaveIsAskedAbout)
     EXPECT_TRUE(application.windows().empty());
 }
 
+TEST_F(WaitingTest, NothingGoesToTheTrashThatIsBeingWritten)
+{
+    openTyped();
+    send(Actions::saveDocument);
+    const size_t jobs = workers.jobs.size();
+    presenter.answer(AlertReply::firstButton);
+    send(Actions::moveDocumentToTrash);
+    EXPECT_EQ(workers.jobs.size(), jobs);
+    answer();
+    answer();
+    EXPECT_EQ(desktop.trashed, QStringList{path(u"disk/a.txt"_s)});
+    EXPECT_EQ(tabs(), QStringList{u"Untitled"_s});
+}
+
 TEST_F(WaitingTest, WhoClosesAgainNeedNotWaitForever)
 {
     openTyped();
