@@ -24,7 +24,7 @@ protected:
     void readAgain()
     {
         calls.bytesRead = 0;
-        const auto again = DocumentFile::readAgain(file, {known.position, hash}, {known.text, 1}, calls, {});
+        const auto again = DocumentFile::readAgain(file, {known.position, hash, known.form}, {known.text, 1}, calls, {});
         ASSERT_TRUE(again && again->difference.applied(known.text) == again->contents.text);
         known = again->contents;
         hash = again->hash;
@@ -34,7 +34,7 @@ protected:
     {
         const auto all = TextFile::read(file);
         return all->text == known.text && all->encoding == known.encoding && all->lineEnding == known.lineEnding &&
-               all->state->hash == known.state->hash && hash == textHash(all->text);
+               all->form.lineEndings == known.form.lineEndings && all->state->hash == known.state->hash && hash == textHash(all->text);
     }
 
     const QString file = path(u"log"_s);

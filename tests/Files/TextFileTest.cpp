@@ -168,6 +168,13 @@ TEST_F(TextFileTest, AFileThatChangesMeanwhileIsReadAsOneState)
     EXPECT_TRUE(restless->state->stamp.size == size && restless->state->hash == TextFile::read(file)->state->hash);
 }
 
+TEST_F(TextFileTest, LinesThatTellEncodingsApartAreFoundToTheEnd)
+{
+    const QByteArray plain = QByteArray("plain\n").repeated(20'000);
+    const QString file = put(u"a"_s, plain + "gr\xFC\xDF\n" + plain + "\xE9");
+    EXPECT_EQ(TextFile::tellingBytes(file, FileCalls::system()), "gr\xFC\xDF\n\xE9");
+}
+
 TEST_F(TextFileTest, WritesWhatItReads)
 {
     const QString narrow = u"line of é\n"_s.repeated(2000);
