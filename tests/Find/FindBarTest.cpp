@@ -315,9 +315,11 @@ TEST_F(FindBarTest, FindsInTheSelectionThatTheUserMade)
     EXPECT_NE(editor.view->viewport()->grab().toImage(), plain) << "one sees where";
     editor.storage.apply({{0, 0}, u"ab "_s});
     EXPECT_EQ(editor.note(), "↻ 3 of 3") << "it moves with its text";
+    editor.storage.apply({{editor.storage.length() - 2, 0}, u"ab "});
+    EXPECT_EQ(editor.note(), "↻ 3 of 4") << "what comes at its end is in it";
     editor.field(1)->setText(u"x"_s);
     editor.button(u"Replace All"_s)->click();
-    EXPECT_EQ(editor.storage.string(), u"ab ab ab\nx x x\nab"_s);
+    EXPECT_EQ(editor.storage.string(), u"ab ab ab\nx x x\nx ab"_s);
     editor.keys(u"<Esc>"_s);
     editor.view->setSelection({0, 2});
     editor.perform(Actions::find);
@@ -520,6 +522,22 @@ TEST_F(FindBarInALargeText, ReplacesAllInItAsItIsThen)
     editor.scheduler.advance(1s);
     editor.finishWork();
     EXPECT_EQ(editor.storage.string(), before) << "given up";
+}
+
+TEST_F(FindBarInALargeText, ReplacesAllInASelectionWhereverItIsThen)
+{
+    const QString before = editor.storage.string();
+    const QString selected = before.first(100 * (before.indexOf(u'\n') + 1));
+    editor.view->setSelection({0, selected.size()});
+    editor.perform(Actions::findAndReplace);
+    editor.keys(u"often<A-l>"_s);
+    editor.field(1)->setText(u"always"_s);
+    editor.button(u"Replace All"_s)->click();
+    const QString pushing(selected.size(), u'x');
+    editor.storage.apply({{0, 0}, pushing});
+    editor.finishWork();
+    editor.finishWork();
+    EXPECT_EQ(editor.storage.string(), pushing + QString(selected).replace(u"often"_s, u"always"_s) + before.sliced(selected.size()));
 }
 
 TEST_F(FindBarTest, ShowsAllOfItsControlsInNarrowWindows)
