@@ -191,6 +191,16 @@ TEST_F(FileFormTest, NormalFormIsWrittenUnlessTheFormIsToBeKept)
                             "a\r\nb\r\nc\r\n");
 }
 
+TEST_F(FileFormTest, TheLastLineEndsLikeTheOneBeforeIt)
+{
+    preferences.set(Settings::keepFileForm, true);
+    preferences.set(Settings::ensureTrailingNewlineOnSave, true);
+    const auto document = open("a\r\nb\nc");
+    ASSERT_EQ(document->lineEnding(), LineEnding::crlf);
+    document->storage().apply({{0, 0}, QStringView(u"x")});
+    EXPECT_EQ(saved(*document), "xa\r\nb\nc\n");
+}
+
 TEST_F(FileFormTest, LinesThatAreAddedToAFileKeepTheirOwnEndings)
 {
     preferences.set(Settings::keepFileForm, true);

@@ -531,6 +531,33 @@ TEST_F(DocumentTest, RevertingComesAfterSavingAndNotAfterTyping)
     settle();
     EXPECT_EQ(document.storage().string(), u"zyxtext\n"_s);
     EXPECT_EQ(document.requests().activity(), FileRequests::Activity::none);
+
+    document.revertToFileOnDisk();
+    document.save(file);
+    finishWork();
+    EXPECT_EQ(document.storage().string(), u"zyxtext\n"_s);
+    EXPECT_EQ(read(file), "zyxtext\n");
+}
+
+TEST_F(DocumentTest, WhatIsChosenDuringASaveIsNotInTheFileYet)
+{
+    const std::pair<void (*)(TextDocument &), QByteArray> choices[] = {
+        {[](TextDocument &document) { document.setLineEnding(LineEnding::crlf); }, "xa\r\n"},
+        {[](TextDocument &document) { document.setEncoding(TextEncoding::utf16BigEndian); }, QByteArray("\0x\0a\0\n", 6)},
+    };
+    for (const auto &[choose, content] : choices) {
+        TextDocument &document = open("a\n", u"b%1.txt"_s.arg(content.size()));
+        workers.isHeld = true;
+        type(document, u"x"_s);
+        document.save(document.path());
+        choose(document);
+        finishWork();
+        EXPECT_TRUE(document.isDirty() && document.hasUnsavedText());
+        workers.isHeld = false;
+        ASSERT_TRUE(saved(document, document.path()));
+        EXPECT_EQ(read(document.path()), content);
+        EXPECT_FALSE(document.isDirty());
+    }
 }
 
 TEST_F(DocumentTest, AFileIsOneDocumentWhateverItIsCalledAndWheneverItComes)
