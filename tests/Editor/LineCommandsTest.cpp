@@ -187,6 +187,13 @@ TEST(OverwriteMode, PutsWhatIsTypedInPlaceOfWhatIsThere)
     fixture.view.perform(Actions::toggleOverwriteMode);
     sendKeys(fixture.view, u"<Home>x"_s);
     EXPECT_EQ(fixture.marked(), u"a\nz\nx|ce  "_s);
+
+    EditorFixture other(u"|abc"_s);
+    other.view.perform(Actions::toggleOverwriteMode);
+    QInputMethodEvent event;
+    event.setCommitString(u"👍🏽"_s);
+    QApplication::sendEvent(&other.view, &event);
+    EXPECT_EQ(other.marked(), u"👍🏽|bc"_s) << "one for one, whatever it is made of";
 }
 
 TEST(BareCopy, TakesTheLineIfThatIsWanted)

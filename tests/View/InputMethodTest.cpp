@@ -55,6 +55,10 @@ TEST_F(InputMethod, ComposingIsShownButIsNoText)
     EXPECT_EQ(marked(), u"a日本|b"_s);
     keys(u"<C-z>"_s);
     EXPECT_EQ(text(), u"ab"_s) << "a commit is one undo step";
+    compose(u"nihon"_s);
+    view.redo();
+    EXPECT_FALSE(view.isComposing());
+    EXPECT_EQ(text(), u"a日本b"_s);
 }
 
 TEST_F(InputMethod, WhatIsSelectedMakesWayAndAReadOnlyTextTakesNothing)
