@@ -164,6 +164,8 @@ TEST_F(PrintingTest, AWebPageHoldsTheText)
     EXPECT_TRUE(page.contains(u"<pre>\n\n<span class=\"keyword\">return</span>"_s)) << page.toStdString();
     EXPECT_TRUE(page.contains(u"<span class=\"comment\">/* a</span>\n<span class=\"comment\">b */</span> \U0001F600\u2407"_s));
     EXPECT_FALSE(html(printed(u"return"_s), {.hasColors = false}).contains(u"class="_s));
+    const QString longLine = QString(0xFFFF, u'x') + u"\U0001F600 end"_s;
+    EXPECT_EQ(textOfHtml(html(printed(longLine), {})), longLine) << "no character is cut";
 }
 
 /// However far a text is from its start, its colours are those of the text as a whole.

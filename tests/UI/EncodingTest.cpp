@@ -123,6 +123,15 @@ TEST_F(EncodingTest, ClosingAndBackupsAskAsWell)
     send(Actions::closeTab);
     EXPECT_EQ(read(path), "gr\xFC\xDF dich.\n");
     EXPECT_EQ(text(), u"€grüß dich.\n"_s);
+    // So does saving again what is gone.
+    QFile::remove(path);
+    for (int turn = 0; turn < 40; ++turn) {
+        QCoreApplication::processEvents();
+        scheduler.advance(50ms);
+    }
+    presenter.answer(AlertReply::firstButton);
+    control<QPushButton>(*workspace().currentEditor(), u"Save Again"_s)->click();
+    EXPECT_EQ(read(path), "€grüß dich.\n");
 }
 
 TEST_F(EncodingTest, ListedCharactersAreShownInTheText)

@@ -280,6 +280,13 @@ TEST(VimExact, IsSwitchedOnAndOff)
     EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
 }
 
+TEST(VimExact, PutsABlockIntoATabWithItsWholeWidth)
+{
+    VimView view(u"ab\nc\n    x\n\ty\n"_s, exact());
+    view.press(u"j<C-v>kly2j2lP"_s);
+    EXPECT_EQ(view.string().toStdString(), "ab\nc\n  ab  x\n  c   y\n");
+}
+
 TEST(VimExact, FillsALineOfAnyLengthInOneWalk)
 {
     VimView view(u"  word \U0001F600 longer,\t"_s.repeated(40'000) + u"\n"_s, exact());
