@@ -232,6 +232,24 @@ TEST_F(EditJournalTest, WhatWasTypedIntoAFileThatOthersWroteGetsATextOfItsOwn)
     EXPECT_TRUE(killed().size() == 1 && killed().begin()->second.second == u" typed"_s);
 }
 
+TEST_F(EditJournalTest, EditsOfAFileThatCannotBeReadWaitForIt)
+{
+    addFile(u"a.txt"_s, u"text"_s).storage().apply({{0, 0}, u"1"_s});
+    expectWritten(*store);
+    keeper.reset();
+    open.reset();
+    store.reset();
+    TestFolder::put(u"a.txt"_s, QByteArray("te\0t", 4));
+    store = SessionFixture::open();
+    start();
+    std::ignore = restoreDocuments(store->read(), *store, *open);
+    EXPECT_TRUE(open->documents().empty());
+    TestFolder::put(u"a.txt"_s, "text");
+    const auto found = killed();
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found.begin()->second.second, u"1text"_s);
+}
+
 TEST_F(EditJournalTest, BringsNoFileBackForEditsThatWereTakenBack)
 {
     TextDocument &file = addFile(u"a.txt"_s, u"text"_s);

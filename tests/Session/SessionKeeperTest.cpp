@@ -215,6 +215,17 @@ TEST_F(SessionKeeperTest, AFileThatWasBeingWrittenInPlaceOpensWithItsText)
     EXPECT_EQ(names(u"Quillet/Rescue"_s).size(), 2) << "that of the other one waits for it";
 }
 
+TEST_F(SessionKeeperTest, WhatWasBeingWrittenStaysUntilItsDraftIsThere)
+{
+    const QString file = put(u"a.txt"_s, "the wh");
+    putRescued(u"1"_s, file, "the whole text");
+    calls.before = [](const char *call) { return std::string(call) == "write" ? ENOSPC : 0; };
+    keeper.bringBack(file);
+    expectWritten(*store);
+    EXPECT_EQ(names(u"Quillet/Rescue"_s).size(), 2);
+    calls.before = nullptr;
+}
+
 TEST_F(SessionKeeperTest, NonsenseInASnapshotLosesNoText)
 {
     const Documents all = {add(u"a"_s), add(u"b"_s), add(u"c"_s)};
@@ -340,7 +351,13 @@ TEST_F(SessionKeeperTest, SavesToTheFilesThemselvesWhenThatIsWanted)
     keeper.performAutosave();
     EXPECT_EQ(read(saved->path()), "typed");
     EXPECT_FALSE(saved->hasUnsavedText());
+    edit(*saved, u"typed on"_s);
+    put(u"a.txt"_s, "by others");
+    settle();
+    keeper.performAutosave();
+    EXPECT_EQ(read(saved->path()), "by others") << "it is for the user to say";
     EXPECT_EQ(draftOf(*failing), "typed");
     EXPECT_EQ(draftOf(*untitled), "typed");
-    EXPECT_EQ(drafts().size(), 2);
+    EXPECT_EQ(draftOf(*saved), "typed on");
+    EXPECT_EQ(drafts().size(), 3);
 }

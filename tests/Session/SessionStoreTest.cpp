@@ -357,6 +357,32 @@ TEST_F(SessionStoreTest, WhatAnotherProgramLeftIsTakenOverWhateverCutsThatOff)
     FAIL() << "it never ends";
 }
 
+TEST_F(SessionStoreTest, NothingIsLostOfWhatASecondProgramLeftInOddShape)
+{
+    const QString file = put(u"a.txt"_s, "file");
+    auto owner = open();
+    auto other = open();
+    // It ends with nothing but a journal, and a draft has the name of another one.
+    const auto edited = document(u"file"_s, secondId, file);
+    QObject::connect(&edited->storage(), &TextStorage::didProcessEditing,
+                     [&](const TextChange &change) { other->noteEdit(*edited, change, SessionStore::Before::saved); });
+    edit(*edited, u"edited"_s);
+    expectWritten(*other);
+    put(draftName(firstId), "own");
+    put(u"Guests/odd/"_s + draftName(firstId), "other");
+    other.reset();
+    owner.reset();
+    const auto next = open();
+    DocumentStore restored(services, {});
+    QStringList texts;
+    std::ignore = restoreDocuments(next->read(), *next, restored);
+    for (const auto &document : restored.documents()) {
+        texts << document->storage().string();
+    }
+    texts.sort();
+    EXPECT_EQ(texts, (QStringList{u"edited"_s, u"other"_s, u"own"_s}));
+}
+
 TEST_F(SessionStoreTest, OfSeveralUnsavedTextsOfAFileTheLatestHasItsTab)
 {
     const QString file = path(u"Quillet/a.txt"_s);
@@ -367,14 +393,14 @@ TEST_F(SessionStoreTest, OfSeveralUnsavedTextsOfAFileTheLatestHasItsTab)
     keep(*owner, {own.get()});
     auto other = open();
     const auto edited = document(u"file"_s, secondId, file);
-    edit(*edited, u"of another"_s);
+    edit(*edited, u"its"_s);
     const auto same = document(u"file"_s, thirdId, file);
     edit(*same, u"own"_s);
     keep(*other, {edited.get(), same.get()});
     other.reset();
     owner.reset();
-    for (const auto &[latest, texts] : {std::pair(firstId, QStringList{u"own a.txt"_s, u"of another a.txt (recovered)"_s}),
-                                        std::pair(secondId, QStringList{u"of another a.txt"_s, u"own a.txt (recovered)"_s})}) {
+    for (const auto &[latest, texts] : {std::pair(firstId, QStringList{u"own a.txt"_s, u"its a.txt (recovered)"_s}),
+                                        std::pair(secondId, QStringList{u"its a.txt"_s, u"own a.txt (recovered)"_s})}) {
         auto store = open();
         const auto saved = store->read();
         for (const QUuid &id : {firstId, secondId, thirdId}) {
@@ -529,6 +555,17 @@ TEST_F(SessionStoreTest, HasALockOnAnyFileSystem)
     EXPECT_EQ(state(), held);
     refused.insert("open");
     EXPECT_EQ(state(), unavailable);
+
+    // Whoever removes the file before it is locked leaves a lock of nothing.
+    calls.before = [&, isFirst = true](const char *call) mutable {
+        if (std::string(call) == "flock" && std::exchange(isFirst, false)) {
+            QFile::remove(lock);
+        }
+        return 0;
+    };
+    const SessionLock first(lock, calls);
+    EXPECT_EQ(first.state(), held);
+    EXPECT_EQ(state(), heldByOther);
 }
 
 TEST_F(SessionStoreTest, WritesTheLatestTextOnceAndNothingThatIsThere)
