@@ -522,6 +522,8 @@ TEST_F(DocumentTest, RevertingComesAfterSavingAndNotAfterTyping)
     EXPECT_EQ(document.storage().string(), u"xtext\n"_s);
     EXPECT_FALSE(document.undoManager().canUndo()) << "it was reverted to what was saved";
 
+    EXPECT_EQ(discarded.count(document.id()), 2) << "its draft, by both";
+
     type(document, u"y"_s);
     document.revertToFileOnDisk();
     scheduler.advance(FileRequests::slowAfter);

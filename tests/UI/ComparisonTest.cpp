@@ -206,6 +206,10 @@ TEST_F(ComparisonTest, TheBarOfARecoveredTextComparesItWithItsFile)
     EXPECT_FALSE(banner());
     EXPECT_EQ(text.displayName(), u"Untitled"_s);
     EXPECT_TRUE(text.hasUnsavedText());
+    text.origin = TextOrigin{TextOrigin::Kind::otherVersion, file};
+    presenter.answerSave(path(u"b.cpp"_s));
+    send(Actions::saveDocumentAs);
+    EXPECT_FALSE(banner()) << "it is a file of its own";
 }
 
 TEST_F(ComparisonTest, IsThereWhileLongTextsAreCompared)
