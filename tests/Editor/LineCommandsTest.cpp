@@ -51,6 +51,7 @@ const Case cases[] = {
     {Actions::sortLines, u"^b\nÄ\na\nB\n|z\na", u"^a\nÄ\nb\nB\n|z\na"},
     {Actions::sortLines, u"|b\na\nc", u"|a\nb\nc"},
     {Actions::sortLines, u"^a\nb\nc|", u"^c\nb\na|"},
+    {Actions::sortLines, u"^\uFDFAb\n\uFDFAa\n\uFDFAc|", u"^\uFDFAa\n\uFDFAb\n\uFDFAc|"},
     {Actions::reverseLines, u"^a\n\nb\n|c", u"^b\n\na\n|c"},
     {Actions::reverseLines, u"|a\nb", u"|b\na"},
     {Actions::reverseLines, u"a|b\n👍🏽", u"|👍🏽\nab"},

@@ -140,6 +140,10 @@ TEST_F(SeveralCarets, TypeOnInOneStepAndEscapeLeavesThePrimary)
     EXPECT_EQ(shown(), u"|a\n|b\n|c"_s);
     keys(u"<Esc>"_s);
     EXPECT_EQ(shown(), u"|a\nb\nc"_s);
+    view.setSelection(Selections::merged({CaretSelection::at({0}), CaretSelection::at({2})}, 1));
+    keys(u"x<Esc>"_s);
+    EXPECT_EQ(shown(), u"xa\nx|b\nc"_s) << "not always the first one";
+    view.undo();
     set(u"|a\n|b"_s);
     QInputMethodEvent composing(u"é"_s, {});
     QApplication::sendEvent(&view, &composing);
