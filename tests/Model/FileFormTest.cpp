@@ -191,6 +191,17 @@ TEST_F(FileFormTest, NormalFormIsWrittenUnlessTheFormIsToBeKept)
                             "a\r\nb\r\nc\r\n");
 }
 
+TEST_F(FileFormTest, AnEncodingThatWasNamedIsForgottenWhenTheFileGetsAnother)
+{
+    const auto document = open("gr\xFC\xDF", TextEncoding::windows1252);
+    EXPECT_EQ(document->storage().string(), u"grüß"_s);
+    for (const TextEncoding encoding : {TextEncoding::isoLatin1, TextEncoding::utf8}) {
+        document->setEncoding(encoding);
+        std::ignore = saved(*document);
+        EXPECT_EQ(encodings.encodingOf(document->path()).value_or(TextEncoding::utf8), encoding);
+    }
+}
+
 TEST_F(FileFormTest, TheLastLineEndsLikeTheOneBeforeIt)
 {
     preferences.set(Settings::keepFileForm, true);

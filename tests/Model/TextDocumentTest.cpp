@@ -93,6 +93,9 @@ TEST_F(DocumentTest, ALargeTextIsHashedElsewhereAndOldAnswersAreDropped)
     const int before = workers.count;
     settle(500ms);
     EXPECT_EQ(workers.count, before) << "a text of another length needs no hash";
+    document.storage().apply({{9, 2}, u"z"});
+    document.save(file);
+    EXPECT_TRUE(document.hasUnsavedText()) << "until it is in the file";
 }
 
 TEST_F(DocumentTest, WhatIsDecidedBeforeTheComparisonKnowsWhatWasTakenBack)
@@ -588,6 +591,17 @@ TEST_F(DocumentTest, AFileIsOneDocumentWhateverItIsCalledAndWheneverItComes)
     EXPECT_TRUE(late[1]->document->arrival().failure().error);
     EXPECT_EQ(failures, 2);
     EXPECT_EQ(arrivals, 2);
+
+    workers.isHeld = false;
+    QStringList many;
+    for (int number = 0; number < 40; ++number) {
+        many << put(u"many/%1"_s.arg(number), "text");
+    }
+    const auto all = store.open(many, 0ms);
+    ASSERT_EQ(all.size(), size_t(many.size()));
+    for (size_t index = 0; index < all.size(); ++index) {
+        EXPECT_EQ(all[index]->document->path(), many[qsizetype(index)]);
+    }
 }
 
 TEST(SaveTransformation, TrimsAndEndsTheText)
