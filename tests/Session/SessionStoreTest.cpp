@@ -477,7 +477,8 @@ TEST_F(SessionStoreTest, AFolderThatIsNotTheUsersAloneIsRefused)
         return kinds;
     };
     const std::vector refused{SessionStore::Problem::Kind::sharedFolder};
-    for (const QString &folder : {root(), root() + u"/Drafts"_s}) {
+    ASSERT_TRUE(QDir().mkpath(root() + u"/Guests"_s));
+    for (const QString &folder : {root(), root() + u"/Drafts"_s, root() + u"/Guests"_s}) {
         ASSERT_EQ(::chmod(QFile::encodeName(folder).constData(), 0775), 0);
         auto store = open();
         EXPECT_EQ(problemsOf(*store), refused);
@@ -487,7 +488,7 @@ TEST_F(SessionStoreTest, AFolderThatIsNotTheUsersAloneIsRefused)
     foreign.owner += 1;
     SessionStore store({root(), {}}, preferences, foreign);
     EXPECT_EQ(problemsOf(store), refused);
-    EXPECT_EQ(names(u"Quillet"_s), QStringList{u"Drafts"_s}) << "nothing is written";
+    EXPECT_EQ(names(u"Quillet"_s), (QStringList{u"Drafts"_s, u"Guests"_s})) << "nothing is written";
     EXPECT_TRUE(open()->isOwner());
 }
 

@@ -338,6 +338,9 @@ TEST_F(SessionTest, ATabWhoseFileDoesNotComeSaysSo)
     EXPECT_TRUE(workspace.currentEditor()->banner()->accessibleName().contains(u"Waiting for “slow.txt”"));
     run->type(u"typed"_s);
     EXPECT_EQ(run->text(), QString());
+    run->send(Actions::saveDocument);
+    EXPECT_TRUE(run->lastAlert().contains(u"has not been read yet"));
+    run->answer(AlertReply::firstButton);
     // What is kept of it meanwhile is what was known.
     run->scheduler.advance(3s);
     EXPECT_EQ(workspace.currentDocument()->lastSelectedRange, (TextRange{8, 0}));

@@ -112,6 +112,19 @@ TEST_F(WaitingTest, WhatWasTypedDuringASaveIsAskedAbout)
     EXPECT_TRUE(application.windows().empty());
 }
 
+TEST_F(WaitingTest, SeveralTabsStayWhenOneCannotBeWritten)
+{
+    workers.isHeld = false;
+    workspace().open({put(u"b.txt"_s, "b")});
+    openTyped();
+    send(Actions::saveDocument);
+    send(Actions::selectTab1);
+    send(Actions::closeOtherTabs);
+    QDir(path(u"disk"_s)).removeRecursively();
+    answer();
+    EXPECT_EQ(tabs(), (QStringList{u"b.txt"_s, u"a.txt"_s}));
+}
+
 TEST_F(WaitingTest, NothingGoesToTheTrashThatIsBeingWritten)
 {
     openTyped();

@@ -194,6 +194,13 @@ TEST_F(WorkspaceTest, PanesHandTheKeyboardOn)
     send(Actions::closeOtherSplits);
     EXPECT_EQ(workspace().panes(), std::vector{kept});
     EXPECT_TRUE(textView().hasFocus());
+    // What only a pane that goes has shown keeps its caret.
+    send(Actions::splitEditorRight);
+    workspace().open({put(u"c"_s, "ccc")});
+    textView().setSelection(TextSelection::at(2));
+    send(Actions::closeSplit);
+    workspace().focusPaneShowing(*documents.documentAt(path(u"c"_s)));
+    EXPECT_EQ(textView().selection(), TextSelection::at(2));
 }
 
 TEST_F(WorkspaceTest, PanesAreEquallyWide)
