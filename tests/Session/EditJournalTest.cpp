@@ -232,6 +232,22 @@ TEST_F(EditJournalTest, WhatWasTypedIntoAFileThatOthersWroteGetsATextOfItsOwn)
     EXPECT_TRUE(killed().size() == 1 && killed().begin()->second.second == u" typed"_s);
 }
 
+TEST_F(EditJournalTest, ADamagedJournalIsKeptForAMonth)
+{
+    store.reset();
+    QStringList kept;
+    for (const int days : {29, 31}) {
+        const QString name = EditJournal::nameFor(QUuid::createUuid(), 1);
+        kept << (days < 30 ? QStringList{name} : QStringList());
+        QFile journal(SessionFixture::put(u"Journal/Unused/"_s + name, "damaged by a disk"));
+        ASSERT_TRUE(journal.open(QIODevice::ReadWrite) &&
+                    journal.setFileTime(QDateTime::currentDateTime().addDays(-days), QFile::FileModificationTime));
+    }
+    store = SessionFixture::open();
+    std::ignore = store->read();
+    EXPECT_EQ(names(u"Quillet/Journal/Unused"_s), kept);
+}
+
 TEST_F(EditJournalTest, EditsOfAFileThatCannotBeReadWaitForIt)
 {
     addFile(u"a.txt"_s, u"text"_s).storage().apply({{0, 0}, u"1"_s});

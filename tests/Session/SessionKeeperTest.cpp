@@ -7,6 +7,7 @@
 #include "Session/SessionFixture.h"
 
 #include <filesystem>
+#include <semaphore>
 
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
@@ -224,6 +225,23 @@ TEST_F(SessionKeeperTest, WhatWasBeingWrittenStaysUntilItsDraftIsThere)
     expectWritten(*store);
     EXPECT_EQ(names(u"Quillet/Rescue"_s).size(), 2);
     calls.before = nullptr;
+}
+
+TEST_F(SessionKeeperTest, ADiskThatDoesNotAnswerKeepsNothing)
+{
+    const auto text = add(u"1"_s);
+    showInWindow({text});
+    std::counting_semaphore<1000> mayGoOn(0);
+    calls.before = [&](const char *call) {
+        if (std::string(call) == "write") {
+            mayGoOn.acquire();
+        }
+        return 0;
+    };
+    EXPECT_EQ(keeper.keepAndWait(1ms), SessionKeeper::Kept::notAll);
+    mayGoOn.release(1000);
+    EXPECT_EQ(keeper.keepAndWait(1min), SessionKeeper::Kept::all);
+    expectWritten(*store); // the thread is still at the semaphore
 }
 
 TEST_F(SessionKeeperTest, NonsenseInASnapshotLosesNoText)
