@@ -159,6 +159,10 @@ TEST_F(SessionTest, QuittingAsksNothingAndLosesNothing)
     ASSERT_EQ(finished.count(), 0);
     EXPECT_TRUE(run->lastAlert().contains(u"2 documents"));
     EXPECT_TRUE(run->presenter.alerts().back().informativeText.contains(u"will be lost"));
+    run->answer(AlertReply::secondButton);
+    run->send(Actions::newWindow);
+    run->window(1).close();
+    EXPECT_EQ(run->presenter.alerts().size(), 1U) << "it does not go on ending";
     run->application.terminateNow();
     EXPECT_EQ(finished.count(), 1);
 }
@@ -291,7 +295,7 @@ TEST_F(SessionTest, SaysWhatCannotBeKept)
 {
     {
         auto first = start();
-        auto second = start();
+        auto second = start({put(u"s.txt"_s, "s")});
         EXPECT_EQ(second->presenter.alerts().size(), 1U);
         EXPECT_TRUE(second->lastAlert().contains(u"running already"));
         second->presenter.answerHeld();
@@ -302,6 +306,7 @@ TEST_F(SessionTest, SaysWhatCannotBeKept)
         EXPECT_TRUE(second->lastAlert().contains(u"save the changes")) << "it would not be seen for long";
         second->answer(AlertReply::thirdButton);
     }
+    EXPECT_FALSE(QDir(path(u"data/Guests"_s)).exists()) << "what was not wanted does not come back";
     put(u"data/session.json"_s, "[]");
     auto run = start();
     run->scheduler.advance(1ms);
