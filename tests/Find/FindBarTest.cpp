@@ -465,6 +465,12 @@ TEST_F(FindBarInALargeText, SearchesInTheBackground)
     EXPECT_EQ(editor.note(), "Not found") << "counting found that there are none before seeking did";
     EXPECT_EQ(editor.view->selectedText(), u"XXXXXXXX"_s);
 
+    // Who goes elsewhere is not taken from there when there is one.
+    editor.field(0)->setText(u"rare"_s);
+    editor.view->setSelection(TextSelection::at(3));
+    editor.finishWork();
+    EXPECT_EQ(editor.view->selection(), TextSelection::at(3));
+
     editor.field(0)->setText(u"nowhere"_s);
     EXPECT_FALSE(editor.workers.jobs.empty());
     editor.keys(u"<Esc>"_s);

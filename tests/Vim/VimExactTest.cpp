@@ -280,6 +280,16 @@ TEST(VimExact, IsSwitchedOnAndOff)
     EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
 }
 
+TEST(VimExact, KeepsLinesThatGetWordsAndStaysAtTheLastNumber)
+{
+    VimView view(u"ab\ncd\n"_s, exact());
+    view.press(u"\"ayyj\"Ayiw\"ap"_s);
+    EXPECT_EQ(view.string(), u"ab\ncd\nab\ncd\n"_s);
+    VimView lines(u"1\n2\n3\n4\n5\n6\n7\n8\n9\nx\n"_s, exact());
+    lines.press(u"dddddddddddddddddd\"8p..."_s);
+    EXPECT_EQ(lines.string(), u"x\n2\n1\n1\n1\n"_s);
+}
+
 TEST(VimExact, PutsABlockIntoATabWithItsWholeWidth)
 {
     VimView view(u"ab\nc\n    x\n\ty\n"_s, exact());
