@@ -70,6 +70,9 @@ TEST_F(ModalEditingTest, AnInsertSessionIsOneStepOfUndoUntilTheFocusGoes)
     textView().setFocus();
     press(u"b<Esc>u"_s);
     EXPECT_EQ(text(), u'a' + after);
+    press(u"Ic"_s);
+    send(Actions::undo);
+    EXPECT_EQ(text(), u'a' + after) << "from the menu";
 }
 
 TEST_F(ModalEditingTest, InputMethodsTypeTextAndNoCommands)

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillet authors
 // SPDX-License-Identifier: MIT
+#include "Commands/Actions.h"
 #include "ViewFixture.h"
 
 #include <QApplication>
@@ -59,6 +60,13 @@ TEST_F(InputMethod, ComposingIsShownButIsNoText)
     view.redo();
     EXPECT_FALSE(view.isComposing());
     EXPECT_EQ(text(), u"a日本b"_s);
+    const std::function<void()> others[] = {[this] { view.perform(Actions::paste); },
+                                            [this] { view.setAccess(TextView::Access::readOnly); }};
+    for (const auto &other : others) {
+        compose(u"nihon"_s);
+        other();
+        EXPECT_FALSE(view.isComposing());
+    }
 }
 
 TEST_F(InputMethod, WhatIsSelectedMakesWayAndAReadOnlyTextTakesNothing)
