@@ -585,7 +585,13 @@ void AppDelegate::terminate()
     const auto isPrinting = [](MainWindowController *window) { return window->workspace().printActions().isActive(); };
     if (const auto printing = std::ranges::find_if(m_windows, isPrinting); printing != m_windows.end()) {
         (*printing)->comeToFront();
-        (*printing)->workspace().printActions().whenOver([this] { terminate(); });
+        (*printing)->workspace().printActions().whenOver([this](PrintActions::Outcome outcome) {
+            if (outcome == PrintActions::Outcome::failed) {
+                m_isTerminating = false;
+            } else {
+                terminate();
+            }
+        });
         return;
     }
     // Asked once more, it does not wait for what is in a draft as well.

@@ -192,7 +192,13 @@ void MainWindowController::closeEvent(QCloseEvent *event)
     if (PrintActions &printing = m_workspace->printActions(); m_closing < Closing::allowed && printing.isActive()) {
         event->ignore();
         comeToFront();
-        printing.whenOver([this] { close(); });
+        printing.whenOver([this](PrintActions::Outcome outcome) {
+            if (outcome == PrintActions::Outcome::failed) {
+                emit closingRefused();
+            } else {
+                close();
+            }
+        });
         return;
     }
     const PaneLayout::Documents dirty = unsavedDocuments();

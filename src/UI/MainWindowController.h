@@ -31,7 +31,7 @@ public:
 signals:
     /// It is closed, and nobody will see it again.
     void closed();
-    /// The user kept it open when asked.
+    /// It stays: the user kept it open when asked, or something failed that it waited for.
     void closingRefused();
 
 protected:

@@ -127,8 +127,8 @@ void PrintActions::start(const QString &title, Work work, const QString &success
             if (result) {
                 emit messageShown(success, flash);
             } else {
-                m_whenOver = nullptr;
                 m_services.presenter.present(Alert::forError(result.error().message), m_widget.window(), {});
+                end(Outcome::failed);
             }
         },
         this);
@@ -140,7 +140,7 @@ bool PrintActions::isActive() const
     return findChild<PrintJob *>({}, Qt::FindDirectChildrenOnly) != nullptr;
 }
 
-void PrintActions::whenOver(std::function<void()> then)
+void PrintActions::whenOver(std::function<void(Outcome outcome)> then)
 {
     m_whenOver = std::move(then);
     std::ranges::for_each(findChildren<PrintJob *>(Qt::FindDirectChildrenOnly), &PrintJob::show);
@@ -149,8 +149,15 @@ void PrintActions::whenOver(std::function<void()> then)
 
 void PrintActions::noticeEnd()
 {
-    if (m_whenOver && !isActive()) {
-        std::exchange(m_whenOver, nullptr)();
+    if (!isActive()) {
+        end(Outcome::over);
+    }
+}
+
+void PrintActions::end(Outcome outcome)
+{
+    if (const auto then = std::exchange(m_whenOver, nullptr)) {
+        then(outcome);
     }
 }
 

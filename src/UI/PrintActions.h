@@ -23,9 +23,15 @@ public:
     [[nodiscard]] const ActionRow *actionFor(const Action &wanted) const override;
 
     [[nodiscard]] bool isActive() const;
-    /// Shows how far what is being printed or exported has come, and calls `then` when that is over, at once when nothing is. Never when
-    /// something of it fails, which is said. The latest call counts.
-    void whenOver(std::function<void()> then);
+    enum class Outcome {
+        /// Cancelled too.
+        over,
+        /// Something of it did, which is said.
+        failed,
+    };
+    /// Shows how far what is being printed or exported has come, and calls `then` when that is over, at once when nothing is. The latest
+    /// call counts.
+    void whenOver(std::function<void(Outcome outcome)> then);
 
 signals:
     void messageShown(const QString &message, Scheduler::Milliseconds duration);
@@ -51,10 +57,11 @@ private:
     [[nodiscard]] Work writing(const QString &path, const PrintedText &text, const QPageLayout &paper, const PageOrder &order) const;
     void start(const QString &title, Work work, const QString &success);
     void noticeEnd();
+    void end(Outcome outcome);
 
     WorkspaceServices m_services;
     DocumentActions &m_documents;
     std::function<EditorViewController *()> m_editor;
     QWidget &m_widget;
-    std::function<void()> m_whenOver;
+    std::function<void(Outcome outcome)> m_whenOver;
 };

@@ -121,6 +121,40 @@ TEST_F(PrintTest, WhatIsPrintedIsWrittenBeforeTheWindowGoes)
     EXPECT_EQ(finished.count(), 1);
 }
 
+TEST_F(PrintTest, APrintThatFailsEndsTheQuitThatWaitsForIt)
+{
+    preferences.set(Settings::autosaveDrafts, false);
+    presenter.hold();
+    for (const bool isAskedOnceMore : {false, true}) {
+        send(Actions::newWindow);
+        window(1).activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window(1)));
+        type(u"x"_s, 1);
+        application.terminate();
+        // While the question of the one window is on the screen, the other one prints.
+        workers.isHeld = true;
+        exportTo(u"no/such/folder.pdf"_s, Actions::exportAsPdf);
+        presenter.answer(AlertReply::thirdButton);
+        presenter.answerHeld();
+        ASSERT_EQ(application.windows().size(), 1U);
+        if (isAskedOnceMore) {
+            application.terminate();
+        }
+        workers.finish();
+        workers.isHeld = false;
+        settle();
+        EXPECT_TRUE(lastAlert().contains(u"folder.pdf"_s));
+        presenter.answerHeld();
+        ASSERT_TRUE(window().isVisible());
+        // The next closing is only its own.
+        const size_t questions = presenter.alerts().size();
+        send(Actions::newWindow);
+        window(1).close();
+        EXPECT_EQ(application.windows().size(), 1U);
+        EXPECT_EQ(presenter.alerts().size(), questions) << isAskedOnceMore;
+    }
+}
+
 TEST_F(PrintTest, ThePreviewTurnsPages)
 {
     workspace().currentDocument()->storage().apply(TextEdits({0, 0}, u"x\n"_s.repeated(100)));
