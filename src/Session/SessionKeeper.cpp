@@ -97,13 +97,13 @@ void SessionKeeper::performAutosave()
 void SessionKeeper::keep()
 {
     const auto windows = layouts();
-    write(windows, windows.empty() ? 0 : m_windows->frontmostLayout());
+    write(windows.empty() ? nullptr : &windows[m_windows->frontmostLayout()]);
 }
 
 SessionKeeper::Kept SessionKeeper::keepAndWait(std::chrono::milliseconds timeout)
 {
     const auto windows = layouts();
-    write(windows, windows.size() - 1);
+    write(windows.empty() ? nullptr : &windows.back());
     const bool isWritten = m_store.waitUntilWritten(timeout);
     const bool hasUnsavedText = std::ranges::any_of(windows, [](const WindowLayout &window) {
         return std::ranges::any_of(window.panes.documents(), [](const auto &document) { return document->hasUnsavedText(); });
@@ -153,13 +153,13 @@ DraftNames SessionKeeper::writeDrafts()
     return drafts;
 }
 
-/// Drafts, and then the session, if it is wanted: that of one of the windows.
-void SessionKeeper::write(const std::vector<WindowLayout> &windows, size_t shown)
+/// Drafts, and then the session, if it is wanted and there is a window.
+void SessionKeeper::write(const WindowLayout *window)
 {
     const DraftNames drafts = writeDrafts();
-    if (wantsSession() && !windows.empty()) {
+    if (wantsSession() && window) {
         m_windows->rememberPlaces();
-        m_store.write(snapshotOf(windows[shown], m_documents.documents(), drafts));
+        m_store.write(snapshotOf(*window, m_documents.documents(), drafts));
     }
 }
 

@@ -82,7 +82,8 @@ private:
     void saveToFiles();
     [[nodiscard]] DraftNames writeDrafts();
     void showBehind(TextDocument &document);
-    void write(const std::vector<WindowLayout> &windows, size_t shown);
+    /// Null where there is none.
+    void write(const WindowLayout *window);
     [[nodiscard]] std::vector<WindowLayout> layouts() const;
     [[nodiscard]] bool wantsSession() const;
 
