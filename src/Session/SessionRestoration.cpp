@@ -16,23 +16,18 @@ namespace {
 class Restoration final {
 public:
     Restoration(const SessionStore::Saved &saved, SessionStore &store, DocumentStore &documents, std::chrono::milliseconds timeout)
-        : m_saved(saved), m_store(store), m_documents(documents), m_deadline(std::chrono::steady_clock::now() + timeout),
+        : m_saved(saved), m_store(store), m_documents(documents), m_timeout(timeout),
           m_otherDrafts(saved.otherDrafts.begin(), saved.otherDrafts.end())
-    {
-        for (const RescuedFile &rescued : saved.rescued) {
-            const auto content = TextFile::read(rescued.content);
-            if (content && content->state && isWritten(rescued.target, *content->state)) {
-                removeRescued(rescued);
-            } else if (content) {
-                m_rescued.insert_or_assign(rescued.target, Rescued{rescued, *content});
-            }
-        }
-    }
+    {}
 
     std::vector<RestoredDocument> run(const RecoveryReport &report)
     {
+        using Clock = std::chrono::steady_clock;
         m_later->report = report;
         collectSources();
+        // Each with a deadline of its own: a share that is gone leaves the time that files on other disks need.
+        collectRescued(Clock::now() + m_timeout);
+        m_deadline = Clock::now() + m_timeout;
         for (const Source &source : m_sources) {
             restore(source);
         }
@@ -80,17 +75,38 @@ private:
         RecoveryReport report;
     };
 
-    /// The file at `target` has the whole text. One that does not answer, as when a share that is gone was being written, is not known to.
-    [[nodiscard]] bool isWritten(const QString &target, const FileState &text) const
+    /// But for those whose files have the whole text. One that does not answer, as when a share that is gone was being written, is not
+    /// known to.
+    void collectRescued(std::chrono::steady_clock::time_point deadline)
     {
-        bool isWritten = false;
+        struct Looked {
+            bool isWritten = false;
+            BackgroundTask looking = {};
+        };
         const DocumentServices &services = m_documents.services();
-        BackgroundTask looking = BackgroundTask::start(
-            services.workers,
-            [target, text, &files = services.files](const std::stop_token &) { return DocumentFile::hasContent(target, text, files); },
-            [&isWritten](bool hasContent) { isWritten = hasContent; });
-        std::ignore = looking.waitUntil(m_deadline);
-        return isWritten;
+        const std::vector<RescuedFile> &rescued = m_saved.rescued;
+        std::vector<Looked> looked(rescued.size());
+        std::vector<std::optional<TextFile::Contents>> contents;
+        for (size_t index = 0; index < rescued.size(); ++index) {
+            auto content = TextFile::read(rescued[index].content);
+            if (content && content->state) {
+                looked[index].looking = BackgroundTask::start(
+                    services.workers,
+                    [target = rescued[index].target, text = *content->state, &files = services.files](const std::stop_token &) {
+                        return DocumentFile::hasContent(target, text, files);
+                    },
+                    [&one = looked[index]](bool hasContent) { one.isWritten = hasContent; });
+            }
+            contents.push_back(content ? std::optional(*std::move(content)) : std::nullopt);
+        }
+        for (size_t index = 0; index < rescued.size(); ++index) {
+            std::ignore = looked[index].looking.waitUntil(deadline);
+            if (looked[index].isWritten) {
+                removeRescued(rescued[index]);
+            } else if (contents[index]) {
+                m_rescued.insert_or_assign(rescued[index].target, Rescued{rescued[index], *std::move(contents[index])});
+            }
+        }
     }
 
     void collectSources()
@@ -375,8 +391,9 @@ private:
     const SessionStore::Saved &m_saved;
     SessionStore &m_store;
     DocumentStore &m_documents;
+    std::chrono::milliseconds m_timeout;
     /// For files that are waited for, all together.
-    std::chrono::steady_clock::time_point m_deadline;
+    std::chrono::steady_clock::time_point m_deadline = {};
     std::set<QString> m_otherDrafts;
     std::vector<Source> m_sources;
     std::shared_ptr<Later> m_later = std::make_shared<Later>();

@@ -10,6 +10,7 @@
 #include <QDateTime>
 #include <QJsonDocument>
 
+#include <atomic>
 #include <filesystem>
 #include <semaphore>
 #include <set>
@@ -729,6 +730,54 @@ TEST_F(SessionStoreTest, FilesThatDoNotAnswerAreWaitedForInTheirTabs)
     settle();
     workers.isHeld = false;
     EXPECT_TRUE(saved(text, file));
+}
+
+TEST_F(SessionStoreTest, AShareThatIsGoneLeavesOtherFilesTheirTime)
+{
+    /// The first job is of a disk that does not answer, the others are of one that does not at once.
+    struct Disks final : Workers {
+        std::function<void()> hanging;
+        std::atomic_bool isReady = false;
+        DetachedWorkers healthy;
+
+        void run(std::function<void()> job) override
+        {
+            if (!hanging) {
+                hanging = std::move(job);
+                return;
+            }
+            healthy.run([this, job = std::move(job)] {
+                isReady.wait(false);
+                job();
+            });
+        }
+    };
+    const QString gone = path(u"share/a.txt"_s);
+    putRescued(u"1"_s, gone, "whole");
+    const QString large = put(u"b.txt"_s, QByteArray("text\n").repeated(200'000));
+    constexpr auto utf8 = quint32(TextEncoding::utf8);
+    const Snapshot snapshot{.documents = {{.id = firstId, .filePath = gone, .encodingRawValue = utf8},
+                                          {.id = secondId, .filePath = large, .encodingRawValue = utf8}}};
+    auto store = open();
+    SessionStore::Saved saved = store->read();
+    saved.snapshot = snapshot;
+    Disks disks;
+    DocumentStore restored({.scheduler = scheduler,
+                            .notifications = notifications,
+                            .preferences = preferences,
+                            .workers = disks,
+                            .watchers = watchers,
+                            .discardDraft = {}},
+                           {});
+    // The first is there, and the second is waited for.
+    const auto observer = notifications.observe(DocumentStore::didChange, &restored, [&disks] {
+        disks.isReady = true;
+        disks.isReady.notify_all();
+    });
+    const auto all = restoreDocuments(saved, *store, restored, 1s);
+    ASSERT_EQ(all.size(), 2U);
+    EXPECT_EQ(all.front().document->storage().string(), u"whole"_s);
+    EXPECT_FALSE(all.back().document->arrival().isPending());
 }
 
 TEST_F(SessionStoreTest, NobodyWaitsForAFileThatWasBeingWritten)
