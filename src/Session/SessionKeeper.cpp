@@ -49,10 +49,14 @@ void SessionKeeper::follow(TextDocument &document)
         m_store.noteEdit(document, change, m_wasDirty ? SessionStore::Before::dirty : SessionStore::Before::saved);
         if (document.saves().isActive() && m_editedWhileSaved.insert(&document).second) {
             // What the edits build on goes with the old content of the file.
-            document.saves().whenOver([this, &document](bool /*isWritten*/) {
-                if (m_editedWhileSaved.erase(&document) != 0) {
-                    m_store.writeDraft(document);
+            document.saves().whenOver([this, &document](bool isWritten) {
+                if (m_editedWhileSaved.erase(&document) == 0) {
+                    return;
                 }
+                if (isWritten) {
+                    m_store.dropRescued(document.id());
+                }
+                m_store.writeDraft(document);
             });
         }
         if (!m_flush.isPending()) {

@@ -132,6 +132,38 @@ void SessionStore::Queue::writeSnapshot(const Snapshot &snapshot)
     if (result) {
         lastWritten = snapshot;
         prune(snapshot);
+        dropRescued(snapshot);
+    }
+}
+
+/// From now on the next start finds the drafts, and which files they are of.
+void SessionStore::Queue::dropRescued(const Snapshot &snapshot)
+{
+    QStringList names;
+    {
+        const std::lock_guard lock(mutex);
+        for (const Snapshot::Document &document : snapshot.documents) {
+            const QString name = document.draftFilename.value_or(QString());
+            if (rescued.contains(name) && !failedDrafts.contains(name)) {
+                names << name;
+            }
+        }
+    }
+    for (const QString &name : names) {
+        dropRescued(name);
+    }
+}
+
+void SessionStore::Queue::dropRescued(const QString &name)
+{
+    std::vector<RescuedFile> dropped;
+    {
+        const std::lock_guard lock(mutex);
+        dropped = std::exchange(rescued[name], {});
+        rescued.erase(name);
+    }
+    for (const RescuedFile &each : dropped) {
+        removeRescued(each, calls);
     }
 }
 

@@ -39,6 +39,8 @@ struct SessionStore::Queue : std::enable_shared_from_this<Queue> {
     // Guarded: what is to be tried again.
     std::set<QString> failedDrafts;
     bool hasFailedSnapshot = false;
+    // Guarded: what the texts of drafts stood in as files that were not written to their end.
+    std::map<QString, std::vector<RescuedFile>> rescued;
     // Guarded: they may be readable again some day.
     std::set<QString> unreadableDrafts;
 
@@ -59,6 +61,7 @@ struct SessionStore::Queue : std::enable_shared_from_this<Queue> {
     void writeSnapshot(quint64 ticket);
     void lookForMissing();
     void remove(const QStringList &names);
+    void dropRescued(const QString &name);
 
 private:
     [[nodiscard]] bool isThere(const QString &path) const;
@@ -66,5 +69,6 @@ private:
     void writeMissingDrafts(const Snapshot &snapshot);
     void writeSnapshot(const Snapshot &snapshot);
     void note(Problem::Kind kind, const Result<void> &result);
+    void dropRescued(const Snapshot &snapshot);
     void prune(const Snapshot &snapshot);
 };

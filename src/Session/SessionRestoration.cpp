@@ -33,12 +33,7 @@ public:
         }
         while (!m_rescued.empty()) {
             const QString path = m_rescued.begin()->first;
-            const bool isOther = m_paths.contains(path);
-            auto document = rescuedOf(path, QUuid::createUuid(), isOther ? QString() : path);
-            if (isOther) {
-                document->origin = TextOrigin{TextOrigin::Kind::otherVersion, path};
-            }
-            add({}, std::move(document), isOther ? QString() : path);
+            restoreRescued(path);
         }
         std::ranges::for_each(m_made, [this](Made &made) { finish(made); });
         for (TextDocument &document : recoverInsertions(m_store, m_documents)) {
@@ -104,7 +99,9 @@ private:
             if (looked[index].isWritten) {
                 removeRescued(rescued[index]);
             } else if (contents[index]) {
-                m_rescued.insert_or_assign(rescued[index].target, Rescued{rescued[index], *std::move(contents[index])});
+                Rescued &one = m_rescued[rescued[index].target];
+                one.files.push_back(rescued[index]);
+                one.contents = *std::move(contents[index]);
             }
         }
     }
@@ -205,6 +202,28 @@ private:
         m_made.back().isForEdits = isForEdits;
     }
 
+    /// Where the file has a draft of another text, it has a tab beside that.
+    void restoreRescued(const QString &path)
+    {
+        const bool isOther = m_paths.contains(path);
+        if (isOther && isMade(path, m_rescued[path].contents.text)) {
+            const Rescued known = m_rescued.extract(path).mapped();
+            std::ranges::for_each(known.files, [](const RescuedFile &each) { removeRescued(each); });
+            return;
+        }
+        auto document = rescuedOf(path, QUuid::createUuid(), isOther ? QString() : path);
+        if (isOther) {
+            document->origin = TextOrigin{TextOrigin::Kind::otherVersion, path};
+        }
+        add({}, std::move(document), isOther ? QString() : path);
+    }
+
+    [[nodiscard]] bool isMade(const QString &path, const Rope &text) const
+    {
+        return std::ranges::any_of(
+            m_made, [&](const Made &made) { return made.document && made.path == path && made.document->storage().text() == text; });
+    }
+
     [[nodiscard]] static TextFile::Contents emptyOf(const SessionSnapshot::Document &entry)
     {
         return {.text = {},
@@ -259,9 +278,7 @@ private:
             return nullptr;
         }
         const Rope &text = document->storage().text();
-        const bool isSame = std::ranges::any_of(
-            m_made, [&](const Made &made) { return made.document && made.path == source.path && made.document->storage().text() == text; });
-        if (isSame || text.isEmpty()) {
+        if (text.isEmpty() || isMade(source.path, text)) {
             m_store.discardDraft(document->id());
             return nullptr;
         }
@@ -299,7 +316,7 @@ private:
         Rescued rescued = std::move(m_rescued.extract(path).mapped());
         rescued.contents.state.reset();
         auto document = TextDocument::fromDraft(m_documents.services(), shownPath, rescued.contents, id, FileStamp());
-        m_store.adoptRescued(*document, rescued.file);
+        m_store.adoptRescued(*document, rescued.files);
         return document;
     }
 
@@ -384,8 +401,9 @@ private:
     }
 
     struct Rescued {
-        RescuedFile file;
-        TextFile::Contents contents;
+        /// The latest is the last.
+        std::vector<RescuedFile> files = {};
+        TextFile::Contents contents = {};
     };
 
     const SessionStore::Saved &m_saved;

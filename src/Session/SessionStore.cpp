@@ -417,8 +417,16 @@ std::vector<SessionStore::SetAside> SessionStore::takeSetAside()
 
 void SessionStore::adoptSetAside(const TextDocument &document, const SetAside &setAside)
 {
-    writeInsteadOf(document,
-                   [journal = m_journal, id = setAside.entry.id, number = setAside.lastNumber] { journal->dropSetAside(id, number); });
+    const auto name = writeDraft(document);
+    if (!name) {
+        return;
+    }
+    m_thread->start([queue = m_queue, name = *name, id = setAside.entry.id, number = setAside.lastNumber] {
+        const std::lock_guard lock(queue->mutex);
+        if (!queue->failedDrafts.contains(name)) {
+            queue->journal->dropSetAside(id, number);
+        }
+    });
 }
 
 // Writing
@@ -526,27 +534,27 @@ std::optional<QString> SessionStore::writeDraft(const TextDocument &document)
     return name;
 }
 
-void SessionStore::adoptRescued(const TextDocument &document, const RescuedFile &rescued)
+void SessionStore::adoptRescued(const TextDocument &document, const std::vector<RescuedFile> &rescued)
 {
-    writeInsteadOf(document, [rescued, &calls = m_calls] { removeRescued(rescued, calls); });
+    {
+        const std::lock_guard lock(m_queue->mutex);
+        m_queue->rescued[DraftFile::nameFor(document.id())] = rescued;
+    }
+    std::ignore = writeDraft(document);
 }
 
-void SessionStore::writeInsteadOf(const TextDocument &document, std::function<void()> remove)
+void SessionStore::dropRescued(const QUuid &document)
 {
-    const auto name = writeDraft(document);
-    if (!name) {
-        return;
+    const QString name = DraftFile::nameFor(document);
+    const std::lock_guard lock(m_queue->mutex);
+    if (m_queue->rescued.contains(name)) {
+        m_thread->start([queue = m_queue, name] { queue->dropRescued(name); });
     }
-    m_thread->start([queue = m_queue, name = *name, remove = std::move(remove)] {
-        const std::lock_guard lock(queue->mutex);
-        if (!queue->failedDrafts.contains(name)) {
-            remove();
-        }
-    });
 }
 
 void SessionStore::discardDraft(const QUuid &document)
 {
+    dropRescued(document);
     const QString name = DraftFile::nameFor(document);
     const bool hasEdits = (m_journals.erase(document) | m_adoptedEdits.erase(document)) != 0;
     if (m_drafts.erase(name) == 0) {

@@ -142,8 +142,11 @@ public:
     /// Writes the document's unsaved text and returns the name for the snapshot. None, and the draft goes, when all is saved; none, and
     /// nothing is touched, when drafts are not wanted or nobody saves the document.
     std::optional<QString> writeDraft(const TextDocument &document);
-    /// `document` has the text of `rescued`, which goes when the draft is written.
-    void adoptRescued(const TextDocument &document, const RescuedFile &rescued);
+    /// `document` has the text of the last of `rescued`. They go when a session that names its draft is on disk, else with the draft: no
+    /// start but one of the session finds a draft by its file.
+    void adoptRescued(const TextDocument &document, const std::vector<RescuedFile> &rescued);
+    /// The file was written to its end since.
+    void dropRescued(const QUuid &document);
     /// Whether the text is the same as that of the document's file, or as its draft.
     enum class Before { saved, dirty };
     /// The document was edited just now, after it was as `before` says: that is safe within a tenth of a second.
@@ -192,8 +195,6 @@ private:
     [[nodiscard]] std::optional<Snapshot> readSnapshot();
     [[nodiscard]] bool setAside(const QString &folder);
     void carryOver();
-    /// Writes the draft, and then removes what it is written instead of.
-    void writeInsteadOf(const TextDocument &document, std::function<void()> remove);
     [[nodiscard]] quint64 beginJournal(const TextDocument &document, const Rope &base, quint64 revision);
     void setFolder(const QString &folder);
     void lookForMissing();

@@ -54,6 +54,24 @@ protected:
         return SessionFixture::draftOf(document.id());
     }
 
+    /// Another start of the program, without a window, which is killed when this goes.
+    struct Start {
+        Start(SessionKeeperTest &test, SessionStore::Role role)
+            : store({test.root(), test.path({}), role}, test.preferences, test.calls), documents(test.servicesOf(store), {}),
+              keeper(test.scheduler, test.notifications, test.preferences, documents, store)
+        {}
+
+        SessionStore store;
+        DocumentStore documents;
+        SessionKeeper keeper;
+    };
+    [[nodiscard]] DocumentServices servicesOf(SessionStore &ofStart) const
+    {
+        DocumentServices result = services;
+        result.discardDraft = [&ofStart](const QUuid &id) { ofStart.discardDraft(id); };
+        return result;
+    }
+
     std::unique_ptr<SessionStore> store = open();
     Windows windows;
     /// Goes before a store that is closed while time goes on.
@@ -175,13 +193,17 @@ TEST_F(SessionKeeperTest, AFileThatWasBeingWrittenInPlaceComesBackWhole)
 {
     const auto file = addFile(u"a.txt"_s, u"theirs"_s);
     const QString other = put(u"b.txt"_s, "written to its end");
-    showInWindow({file});
+    const auto edited = addFile(u"c.txt"_s, u"theirs"_s);
+    edit(*edited, u"mine"_s);
+    showInWindow({file, edited});
     keeper.performAutosave();
     expectWritten(*store);
     putRescued(u"1"_s, file->path(), "the whole text");
     putRescued(u"2"_s, other, "written to its end");
     putRescued(u"3"_s, path(u"gone.txt"_s), "of a file that is gone");
+    putRescued(u"4"_s, edited->path(), "mine");
     put(u"a.txt"_s, "the wh");
+    put(u"c.txt"_s, "mi");
     owned.reset();
     store.reset();
     store = open();
@@ -195,25 +217,68 @@ TEST_F(SessionKeeperTest, AFileThatWasBeingWrittenInPlaceComesBackWhole)
         EXPECT_TRUE(document->hasUnsavedText());
         EXPECT_NE(document->externalState(), TextDocument::ExternalState::none) << "the banner asks";
     }
-    EXPECT_EQ(texts, (QStringList{u"a.txt: the whole text"_s, u"gone.txt: of a file that is gone"_s}));
+    EXPECT_EQ(texts, (QStringList{u"a.txt: the whole text"_s, u"c.txt: mine"_s, u"gone.txt: of a file that is gone"_s}));
+    expectWritten(*store);
+    EXPECT_EQ(names(u"Quillet/Rescue"_s).size(), 4) << "the program may be killed before its session has them";
+    Windows shown;
+    shown.shown.push_back({.panes = PaneLayout().addingPane(restored.documents(), 0)});
+    next.setWindows(&shown);
+    next.keep();
     expectWritten(*store);
     EXPECT_EQ(names(u"Quillet/Rescue"_s), QStringList());
-    EXPECT_EQ(drafts().size(), 2);
+    EXPECT_EQ(drafts().size(), 3);
 }
 
 TEST_F(SessionKeeperTest, AFileThatWasBeingWrittenInPlaceOpensWithItsText)
 {
     const QString file = put(u"a.txt"_s, "the wh");
-    putRescued(u"1"_s, file, "the whole text");
-    putRescued(u"2"_s, path(u"other.txt"_s), "of another file");
+    putRescued(u"1"_s, path(u"other.txt"_s), "of another file");
+    putRescued(u"2"_s, file, "the whole text");
     preferences.set(Settings::restoreSession, false);
-    keeper.bringBack(file);
-    ASSERT_EQ(documents.documents().size(), 1U);
-    EXPECT_EQ(documents.documentAt(file)->storage().string(), u"the whole text"_s);
-    EXPECT_TRUE(documents.documentAt(file)->hasUnsavedText());
-    expectWritten(*store);
-    EXPECT_EQ(drafts().size(), 1);
-    EXPECT_EQ(names(u"Quillet/Rescue"_s).size(), 2) << "that of the other one waits for it";
+    owned.reset();
+    store.reset();
+    for (int time = 0; time < 2; ++time) {
+        Start start(*this, SessionStore::Role::owner);
+        start.keeper.bringBack(file);
+        ASSERT_EQ(start.documents.documents().size(), 1U) << "it may be killed before the file is saved";
+        EXPECT_EQ(start.documents.documentAt(file)->storage().string(), u"the whole text"_s);
+        EXPECT_TRUE(start.documents.documentAt(file)->hasUnsavedText());
+        start.keeper.performAutosave();
+        expectWritten(start.store);
+        EXPECT_EQ(names(u"Quillet/Rescue"_s).size(), 4);
+    }
+}
+
+TEST_F(SessionKeeperTest, ATextOfAFileThatWasBeingWrittenGoesWhenTheFileIsWholeOrNobodyWantsIt)
+{
+    const QString file = put(u"a.txt"_s, "the wh");
+    putRescued(u"1"_s, path(u"other.txt"_s), "of another file");
+    preferences.set(Settings::restoreSession, false);
+    owned.reset();
+    store.reset();
+    for (const bool isSaved : {true, false}) {
+        putRescued(u"2"_s, file, "the whole text");
+        Start start(*this, SessionStore::Role::owner);
+        start.keeper.bringBack(file);
+        const auto document = start.documents.documentAt(file);
+        ASSERT_TRUE(document);
+        settle();
+        if (isSaved) {
+            workers.isHeld = true;
+            document->save(file, {});
+            edit(*document, u"typed meanwhile"_s);
+            workers.finish();
+            workers.isHeld = false;
+            settle();
+            EXPECT_EQ(read(file), "the whole text");
+            EXPECT_TRUE(document->isDirty());
+        } else {
+            start.documents.remove(*document);
+        }
+        expectWritten(start.store);
+        EXPECT_EQ(names(u"Quillet/Rescue"_s).size(), 2) << isSaved;
+        put(u"a.txt"_s, "the wh");
+    }
 }
 
 TEST_F(SessionKeeperTest, WhatWasBeingWrittenStaysUntilItsDraftIsThere)
