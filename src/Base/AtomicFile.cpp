@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
@@ -150,6 +151,13 @@ bool isOfEndedProgram(const QByteArray &name)
     bool isNumber = false;
     const int program = parts.size() == 3 ? parts[1].toInt(&isNumber) : 0;
     return isNumber && name.startsWith(programMark(program)) && ::kill(program, 0) != 0 && errno == ESRCH;
+}
+
+/// One name for a file, however its folder is reached.
+QByteArray realPath(const QByteArray &path)
+{
+    QByteArray found(PATH_MAX, Qt::Uninitialized);
+    return ::realpath(path.constData(), found.data()) ? QByteArray(found.constData()) : path;
 }
 
 constexpr QByteArrayView temporaryBegin = ".quillet-";
@@ -342,9 +350,10 @@ Result<AtomicFile::Written> AtomicFile::commit(const std::optional<Expectation> 
     }
     if (written) {
         removeLeftBehind(folderOf(m_target), *m_calls);
-        const QString target = decodedPath(m_target);
+        // Of attempts that failed. What other programs were writing there somebody has to see first.
+        const QByteArray own = programMark(QCoreApplication::applicationPid());
         for (const RescuedFile &rescued : rescuedFiles(decodedPath(m_rescueFolder))) {
-            if (rescued.target == target) {
+            if (nameIn(encodedPath(rescued.content)).startsWith(own) && encodedPath(rescued.target) == realPath(m_target)) {
                 removeRescued(rescued, *m_calls);
             }
         }
@@ -643,7 +652,7 @@ Result<AtomicFile::Written> AtomicFile::writeInPlace(const std::optional<Expecta
         return failed(errno);
     }
     m_note = m_temporary.chopped(contentEnding.size()) + QByteArray(targetEnding.data(), targetEnding.size());
-    if (auto noted = writeAtomically(decodedPath(m_note), m_target, NewFile::privateToUser, *m_calls); !noted) {
+    if (auto noted = writeAtomically(decodedPath(m_note), realPath(m_target), NewFile::privateToUser, *m_calls); !noted) {
         return tl::make_unexpected(noted.error());
     }
     if (expected) {

@@ -185,7 +185,7 @@ void SessionKeeper::bringBack(const QString &path)
         saved = m_store.takeCarriedOver(path);
     }
     // A file that was not written to its end gets its text back, whatever is wanted of sessions.
-    saved.rescued = m_store.takeRescued(path);
+    saved.rescued = rescuedAt(path, m_store.rescued(), m_documents, restorationTimeout);
     if (saved.isEmpty()) {
         return;
     }

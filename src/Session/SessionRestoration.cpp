@@ -13,6 +13,31 @@
 
 namespace {
 
+/// Gives each of `rescued` the one of `paths` that leads to its file as its target, where one is known to until `deadline`.
+void nameByPaths(std::vector<RescuedFile> &rescued, const std::set<QString> &paths, Workers &workers,
+                 std::chrono::steady_clock::time_point deadline)
+{
+    if (rescued.empty()) {
+        return;
+    }
+    std::map<QString, QString> pathsOfFiles;
+    std::vector<BackgroundTask> looking;
+    for (const QString &path : paths) {
+        pathsOfFiles.emplace(QDir::cleanPath(path), path);
+        looking.push_back(BackgroundTask::start(
+            workers, [path](const std::stop_token &) { return DocumentFile::identityOf(path); },
+            [&pathsOfFiles, path](const QString &file) { pathsOfFiles.emplace(file, path); }));
+    }
+    for (BackgroundTask &each : looking) {
+        std::ignore = each.waitUntil(deadline);
+    }
+    for (RescuedFile &each : rescued) {
+        if (const auto found = pathsOfFiles.find(each.target); found != pathsOfFiles.end()) {
+            each.target = found->second;
+        }
+    }
+}
+
 class Restoration final {
 public:
     Restoration(const SessionStore::Saved &saved, SessionStore &store, DocumentStore &documents, std::chrono::milliseconds timeout)
@@ -79,7 +104,7 @@ private:
             BackgroundTask looking = {};
         };
         const DocumentServices &services = m_documents.services();
-        const std::vector<RescuedFile> &rescued = m_saved.rescued;
+        std::vector<RescuedFile> rescued = m_saved.rescued;
         std::vector<Looked> looked(rescued.size());
         std::vector<std::optional<TextFile::Contents>> contents;
         for (size_t index = 0; index < rescued.size(); ++index) {
@@ -94,6 +119,10 @@ private:
             }
             contents.push_back(content ? std::optional(*std::move(content)) : std::nullopt);
         }
+        std::set<QString> paths;
+        std::ranges::transform(m_sources, std::inserter(paths, paths.end()), &Source::path);
+        paths.erase(QString());
+        nameByPaths(rescued, paths, services.workers, deadline);
         for (size_t index = 0; index < rescued.size(); ++index) {
             std::ignore = looked[index].looking.waitUntil(deadline);
             if (looked[index].isWritten) {
@@ -425,6 +454,16 @@ private:
 };
 
 } // namespace
+
+std::vector<RescuedFile> rescuedAt(const QString &path, std::vector<RescuedFile> rescued, const DocumentStore &documents,
+                                   std::chrono::milliseconds timeout)
+{
+    const QString shown = QDir::cleanPath(path);
+    std::erase_if(rescued, [&](const RescuedFile &each) { return documents.documentAt(each.target) != nullptr; });
+    nameByPaths(rescued, {shown}, documents.services().workers, std::chrono::steady_clock::now() + timeout);
+    std::erase_if(rescued, [&](const RescuedFile &each) { return each.target != shown; });
+    return rescued;
+}
 
 std::vector<RestoredDocument> restoreDocuments(const SessionStore::Saved &saved, SessionStore &store, DocumentStore &documents,
                                                std::chrono::milliseconds timeout, const RecoveryReport &report)

@@ -23,6 +23,11 @@ constexpr std::chrono::milliseconds restorationTimeout{300};
 /// Told of a document that was made later, because its file took its time to come.
 using RecoveryReport = std::function<void(TextDocument &document)>;
 
+/// Those of `rescued` that are texts of the file at `path`, however it leads there, with that path as their target. None when the file is
+/// open. What the path leads to is asked on a worker, if there are any.
+[[nodiscard]] std::vector<RescuedFile> rescuedAt(const QString &path, std::vector<RescuedFile> rescued, const DocumentStore &documents,
+                                                 std::chrono::milliseconds timeout);
+
 /// Makes the documents of an earlier session and adds them to `documents`: first those of the snapshot in its order, then texts whose
 /// drafts no snapshot names. A draft goes before a file. Files are read on workers, all at once; one that cannot be read, or is not there,
 /// does not come back. Main thread only.

@@ -206,8 +206,7 @@ SessionStore::Saved SessionStore::read()
     }
     const auto setAside = m_journal->readSetAside();
     m_setAside.assign(setAside.begin(), setAside.end());
-    saved.rescued = rescuedFiles(rescueDirectory());
-    std::erase_if(saved.rescued, &RescuedFile::isBeingWritten);
+    saved.rescued = rescued();
     std::set<QString> named;
     if (saved.snapshot) {
         for (const Snapshot::Document &document : saved.snapshot->documents) {
@@ -267,7 +266,6 @@ void SessionStore::carryOver()
     std::ranges::copy_if(saved.edited, std::back_inserter(m_carriedEdits), [this](const Snapshot::Document &edited) {
         return std::ranges::find(m_carriedOver, edited.id, &Snapshot::Document::id) == m_carriedOver.end();
     });
-    m_carriedRescued = saved.rescued;
 }
 
 SessionStore::Saved SessionStore::takeCarriedOver(const QString &path)
@@ -282,10 +280,14 @@ SessionStore::Saved SessionStore::takeCarriedOver(const QString &path)
             .edited = taken(m_carriedEdits, isOfFile)};
 }
 
-std::vector<RescuedFile> SessionStore::takeRescued(const QString &path)
+std::vector<RescuedFile> SessionStore::rescued() const
 {
-    carryOver();
-    return taken(m_carriedRescued, [&](const RescuedFile &rescued) { return rescued.target == QDir::cleanPath(path); });
+    if (!m_isOwner && sharedFolder()) {
+        return {};
+    }
+    std::vector<RescuedFile> found = rescuedFiles(rescueDirectory());
+    std::erase_if(found, [this](const RescuedFile &each) { return each.isBeingWritten || m_adoptedRescued.contains(each.content); });
+    return found;
 }
 
 bool SessionStore::setAside(const QString &folder)
@@ -536,6 +538,9 @@ std::optional<QString> SessionStore::writeDraft(const TextDocument &document)
 
 void SessionStore::adoptRescued(const TextDocument &document, const std::vector<RescuedFile> &rescued)
 {
+    for (const RescuedFile &each : rescued) {
+        m_adoptedRescued.insert(each.content);
+    }
     {
         const std::lock_guard lock(m_queue->mutex);
         m_queue->rescued[DraftFile::nameFor(document.id())] = rescued;

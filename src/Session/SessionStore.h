@@ -18,6 +18,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 class Preferences;
@@ -100,8 +101,9 @@ public:
     /// What was carried over of unsaved texts of the file at `path`, which is absolute, but for `rescued`; from now on that is the
     /// caller's.
     [[nodiscard]] Saved takeCarriedOver(const QString &path);
-    /// The same for the text that stands for a file which was not written to its end.
-    [[nodiscard]] std::vector<RescuedFile> takeRescued(const QString &path);
+    /// Texts of files that were not written to their end and that no document of this program has got. Looks anew, since programs beside
+    /// this one end too; also when this is not the owner.
+    [[nodiscard]] std::vector<RescuedFile> rescued() const;
     /// A draft's text; none when the name is none of a draft, or when it cannot be read: then it is left where it is.
     [[nodiscard]] std::optional<Rope> draft(const QString &name);
     /// When the draft was written; none when that is unknown.
@@ -215,7 +217,8 @@ private:
     QList<Snapshot::Document> m_carriedOver;
     /// The same for what has been edited only, and has no draft.
     QList<Snapshot::Document> m_carriedEdits;
-    std::vector<RescuedFile> m_carriedRescued;
+    /// Contents that documents of this program have got.
+    std::set<QString> m_adoptedRescued;
     std::function<void(const QString &folder)> m_reportSetAside;
     /// Drafts that may be on disk, and the revision of the text that was last handed over.
     std::map<QString, std::optional<quint64>> m_drafts;

@@ -3,6 +3,7 @@
 #include "Base/AtomicFile.h"
 
 #include "Base/FaultyCalls.h"
+#include "Base/FilePath.h"
 #include "TestFolder.h"
 
 #include <QRegularExpression>
@@ -333,6 +334,30 @@ TEST_F(AtomicFileTest, RemovesWhatEndedProgramsLeft)
     ASSERT_TRUE(save(u"a"_s));
     EXPECT_FALSE(QFile::exists(left));
     EXPECT_TRUE(QFile::exists(own) && QFile::exists(unknown));
+}
+
+TEST_F(AtomicFileTest, OfTextsThatWereRescuedItsOwnGo)
+{
+    putLinked(oldContent);
+    ASSERT_EQ(::symlink(".", bytePath(u"folder"_s).constData()), 0);
+    const auto putRescued = [this](qint64 program, const QString &target) {
+        const QString name = u"rescue/"_s + QString::fromLatin1(programMark(program)) + QFileInfo(target).fileName();
+        put(name + u".content"_s, "kept");
+        put(name + u".target"_s, encodedPath(path(target)));
+        return QFileInfo(name).fileName();
+    };
+    const qint64 own = QCoreApplication::applicationPid();
+    const QString a = QFileInfo(path(u"a"_s)).canonicalFilePath();
+    putRescued(own, a);
+    const QString ofOther = putRescued(own, QFileInfo(path(u"b"_s)).canonicalFilePath());
+    const QString ofEnded = putRescued(99'999'999, a);
+    ASSERT_TRUE(saveAnyhow(u"folder/a"_s, FileCalls::system()));
+    QStringList left;
+    for (const QString &name : {ofOther, ofEnded}) {
+        left << name + u".content"_s << name + u".target"_s;
+    }
+    left.sort();
+    EXPECT_EQ(names(u"rescue"_s), left) << "nobody has seen what another program was writing";
 }
 
 TEST_F(AtomicFileTest, WritesInPlaceWhatCannotBeReplaced)

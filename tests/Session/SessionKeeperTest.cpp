@@ -191,14 +191,16 @@ TEST_F(SessionKeeperTest, WhatOthersDidToAFileIsKnownAfterTheNextStart)
 
 TEST_F(SessionKeeperTest, AFileThatWasBeingWrittenInPlaceComesBackWhole)
 {
-    const auto file = addFile(u"a.txt"_s, u"theirs"_s);
+    const QString target = QFileInfo(put(u"a.txt"_s, "theirs")).canonicalFilePath();
+    ASSERT_TRUE(QFile::link(target, path(u"link.txt"_s)));
+    const auto file = add(u"theirs"_s, path(u"link.txt"_s));
     const QString other = put(u"b.txt"_s, "written to its end");
     const auto edited = addFile(u"c.txt"_s, u"theirs"_s);
     edit(*edited, u"mine"_s);
     showInWindow({file, edited});
     keeper.performAutosave();
     expectWritten(*store);
-    putRescued(u"1"_s, file->path(), "the whole text");
+    putRescued(u"1"_s, target, "the whole text");
     putRescued(u"2"_s, other, "written to its end");
     putRescued(u"3"_s, path(u"gone.txt"_s), "of a file that is gone");
     putRescued(u"4"_s, edited->path(), "mine");
@@ -217,7 +219,7 @@ TEST_F(SessionKeeperTest, AFileThatWasBeingWrittenInPlaceComesBackWhole)
         EXPECT_TRUE(document->hasUnsavedText());
         EXPECT_NE(document->externalState(), TextDocument::ExternalState::none) << "the banner asks";
     }
-    EXPECT_EQ(texts, (QStringList{u"a.txt: the whole text"_s, u"c.txt: mine"_s, u"gone.txt: of a file that is gone"_s}));
+    EXPECT_EQ(texts, (QStringList{u"link.txt: the whole text"_s, u"c.txt: mine"_s, u"gone.txt: of a file that is gone"_s}));
     expectWritten(*store);
     EXPECT_EQ(names(u"Quillet/Rescue"_s).size(), 4) << "the program may be killed before its session has them";
     Windows shown;
@@ -231,18 +233,29 @@ TEST_F(SessionKeeperTest, AFileThatWasBeingWrittenInPlaceComesBackWhole)
 
 TEST_F(SessionKeeperTest, AFileThatWasBeingWrittenInPlaceOpensWithItsText)
 {
-    const QString file = put(u"a.txt"_s, "the wh");
+    const QString file = QFileInfo(put(u"a.txt"_s, "the wh")).canonicalFilePath();
+    ASSERT_TRUE(QFile::link(file, path(u"link.txt"_s)) && QFile::link(root(), path(u"folder"_s)));
     putRescued(u"1"_s, path(u"other.txt"_s), "of another file");
-    putRescued(u"2"_s, file, "the whole text");
     preferences.set(Settings::restoreSession, false);
     owned.reset();
     store.reset();
-    for (int time = 0; time < 2; ++time) {
-        Start start(*this, SessionStore::Role::owner);
-        start.keeper.bringBack(file);
-        ASSERT_EQ(start.documents.documents().size(), 1U) << "it may be killed before the file is saved";
-        EXPECT_EQ(start.documents.documentAt(file)->storage().string(), u"the whole text"_s);
-        EXPECT_TRUE(start.documents.documentAt(file)->hasUnsavedText());
+    // However it is reached, whoever opens it, and however often the program is killed before it is saved.
+    using Role = SessionStore::Role;
+    const std::pair<QString, Role> starts[] = {{file, Role::owner},
+                                               {file, Role::owner},
+                                               {path(u"link.txt"_s), Role::owner},
+                                               {path(u"folder/a.txt"_s), Role::owner},
+                                               {file, Role::guest}};
+    for (const auto &[opened, role] : starts) {
+        Start start(*this, role);
+        std::ignore = start.store.read();
+        // Perhaps by a program beside it.
+        putRescued(u"2"_s, file, "the whole text");
+        start.keeper.bringBack(opened);
+        start.keeper.bringBack(opened);
+        ASSERT_EQ(start.documents.documents().size(), 1U) << opened.toStdString();
+        EXPECT_EQ(start.documents.documentAt(opened)->storage().string(), u"the whole text"_s);
+        EXPECT_TRUE(start.documents.documentAt(opened)->hasUnsavedText());
         start.keeper.performAutosave();
         expectWritten(start.store);
         EXPECT_EQ(names(u"Quillet/Rescue"_s).size(), 4);
@@ -251,7 +264,7 @@ TEST_F(SessionKeeperTest, AFileThatWasBeingWrittenInPlaceOpensWithItsText)
 
 TEST_F(SessionKeeperTest, ATextOfAFileThatWasBeingWrittenGoesWhenTheFileIsWholeOrNobodyWantsIt)
 {
-    const QString file = put(u"a.txt"_s, "the wh");
+    const QString file = QFileInfo(put(u"a.txt"_s, "the wh")).canonicalFilePath();
     putRescued(u"1"_s, path(u"other.txt"_s), "of another file");
     preferences.set(Settings::restoreSession, false);
     owned.reset();
