@@ -5,6 +5,9 @@
 #include "Base/Administrator.h"
 #include "Base/FilePath.h"
 
+#include <QDir>
+#include <QFileInfo>
+
 #include <cerrno>
 #include <unistd.h>
 
@@ -21,6 +24,15 @@ public:
             return -1;
         }
         return FileCalls::open(path, flags, mode);
+    }
+
+    int mkdir(const char *path, mode_t mode) override
+    {
+        if (decodedPath(path) == guarded) {
+            errno = EACCES;
+            return -1;
+        }
+        return FileCalls::mkdir(path, mode);
     }
 
     int access(const char *path, int mode) override
@@ -48,6 +60,9 @@ public:
         ++writes;
         if (error) {
             return tl::make_unexpected(*error);
+        }
+        if (request.missingFolder == MissingFolder::isMade) {
+            QDir().mkpath(QFileInfo(request.path).path());
         }
         auto file = AtomicFile::open(request.path, request.newFile);
         const auto written = file->write(text).and_then([&] { return file->commit(request.expected); });

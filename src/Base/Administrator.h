@@ -9,12 +9,14 @@
 /// Somebody with all rights on this machine, who writes a file for the user when the user has proven to be allowed that.
 class Administrator {
 public:
+    enum class MissingFolder { isError, isMade };
     struct Request {
         /// Absolute.
         QString path;
         AtomicFile::NewFile newFile = AtomicFile::NewFile::readableByOthers;
         /// None when any file may be replaced.
         std::optional<AtomicFile::Expectation> expected = std::nullopt;
+        MissingFolder missingFolder = MissingFolder::isError;
     };
     /// `Error::code` of a write that the user called off.
     static constexpr int dismissedError = 520;

@@ -13,6 +13,7 @@ namespace {
 
 using AdministratorProtocol::Answer;
 using AdministratorProtocol::Request;
+using MissingFolder = Administrator::MissingFolder;
 
 constexpr QByteArrayView mark("QLTsave1", 8);
 /// A path and some numbers.
@@ -83,7 +84,8 @@ auto unframed(const QByteArray &body, const auto &read)
 QByteArray AdministratorProtocol::encoded(const Request &request)
 {
     return framed([&](QDataStream &stream) {
-        stream << request.path << request.textSize << quint32(request.newFile) << request.expected.has_value();
+        stream << request.path << request.textSize << quint32(request.newFile) << (request.missingFolder == MissingFolder::isMade)
+               << request.expected.has_value();
         if (request.expected) {
             put(stream, request.expected->state);
         }
@@ -112,8 +114,10 @@ std::optional<Request> AdministratorProtocol::decodedRequest(const QByteArray &b
     auto request = unframed(body, [](QDataStream &stream) {
         Request read;
         quint32 permissions = 0;
+        bool isFolderMade = false;
         bool isExpected = false;
-        stream >> read.path >> read.textSize >> permissions >> isExpected;
+        stream >> read.path >> read.textSize >> permissions >> isFolderMade >> isExpected;
+        read.missingFolder = isFolderMade ? MissingFolder::isMade : MissingFolder::isError;
         read.newFile = AtomicFile::NewFile(permissions & plainPermissions);
         if (isExpected) {
             read.expected = AtomicFile::Expectation{takeState(stream)};

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/Administrator.h"
 #include "Base/AtomicFile.h"
 
 #include <QByteArray>
@@ -39,6 +40,7 @@ struct Request {
     qint64 textSize = 0;
     AtomicFile::NewFile newFile = AtomicFile::NewFile::readableByOthers;
     std::optional<AtomicFile::Expectation> expected = std::nullopt;
+    Administrator::MissingFolder missingFolder = Administrator::MissingFolder::isError;
 };
 
 struct Answer {

@@ -111,8 +111,11 @@ Result<FileState, WriteError> PolkitAdministrator::write(const Request &request,
 {
     namespace Protocol = AdministratorProtocol;
     const QByteArray path = encodedPath(request.path);
-    const QByteArray head = Protocol::encoded(
-        Protocol::Request{.path = path, .textSize = text.size(), .newFile = request.newFile, .expected = request.expected});
+    const QByteArray head = Protocol::encoded(Protocol::Request{.path = path,
+                                                                .textSize = text.size(),
+                                                                .newFile = request.newFile,
+                                                                .expected = request.expected,
+                                                                .missingFolder = request.missingFolder});
     // Nobody but the desktop's own agent asks: not on the terminal that the program was started from.
     const QList<QByteArray> command = {encodedPath(m_programs.pkexec), "--disable-internal-agent", encodedPath(m_programs.helper),
                                        Protocol::consentName(path)};

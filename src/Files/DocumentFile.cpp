@@ -17,14 +17,17 @@
 
 namespace {
 
-/// With all that is missing above it. What fails shows when the file is written.
-void makeFolder(const QString &path, FileCalls &files)
+/// With all that is missing above it. Returns `errno`, 0 when it is there.
+int makeFolder(const QString &path, FileCalls &files)
 {
     constexpr mode_t openToAll = 0777; // but for what the user's mask says
-    if (!isThere(path)) {
-        makeFolder(QFileInfo(path).path(), files);
-        std::ignore = files.mkdir(encodedPath(path).constData(), openToAll);
+    if (isThere(path)) {
+        return 0;
     }
+    if (const int error = makeFolder(QFileInfo(path).path(), files); error != 0) {
+        return error;
+    }
+    return files.mkdir(encodedPath(path).constData(), openToAll) == 0 || errno == EEXIST ? 0 : errno;
 }
 
 /// The administrator gets the whole text and the file's own path: what links lead to is found here, with the user's rights.
@@ -40,9 +43,13 @@ TextFile::WriteResult writeByAdministrator(const DocumentFile::Snapshot &snapsho
     if (!target || !bytes) {
         return tl::make_unexpected(failed(target ? bytes.error() : target.error()));
     }
-    return administrator
-        ->write({.path = DocumentFile::identityOf(*target), .newFile = options.newFile, .expected = options.expected}, *bytes, stop)
-        .map([](const FileState &state) { return AtomicFile::Written{state}; });
+    using MissingFolder = Administrator::MissingFolder;
+    const bool isFolderMade = snapshot.manner.missingFolder == DocumentFile::MissingFolder::isMade;
+    const Administrator::Request request{.path = DocumentFile::identityOf(*target),
+                                         .newFile = options.newFile,
+                                         .expected = options.expected,
+                                         .missingFolder = isFolderMade ? MissingFolder::isMade : MissingFolder::isError};
+    return administrator->write(request, *bytes, stop).map([](const FileState &state) { return AtomicFile::Written{state}; });
 }
 
 } // namespace
@@ -50,8 +57,11 @@ TextFile::WriteResult writeByAdministrator(const DocumentFile::Snapshot &snapsho
 DocumentFile::WriteResult DocumentFile::write(const Snapshot &snapshot, FileCalls &files, Administrator *administrator,
                                               const std::stop_token &stop)
 {
-    if (snapshot.manner.missingFolder == MissingFolder::isMade) {
-        makeFolder(QFileInfo(snapshot.path).path(), files);
+    const bool isByAdministrator = snapshot.manner.authority == Authority::administrator;
+    if (snapshot.manner.missingFolder == MissingFolder::isMade && !isByAdministrator) {
+        if (const int error = makeFolder(QFileInfo(snapshot.path).path(), files); error != 0) {
+            return tl::make_unexpected(TextFile::WriteError{saveError(snapshot.path, error)});
+        }
     }
     TextFile::WriteOptions options{.expected = snapshot.expected,
                                    .rescueFolder = snapshot.rescueFolder,
@@ -60,7 +70,7 @@ DocumentFile::WriteResult DocumentFile::write(const Snapshot &snapshot, FileCall
         // One that is gone gets back the permissions that it had.
         options.newFile = AtomicFile::NewFile(snapshot.expected->state->mode);
     }
-    const auto written = snapshot.manner.authority == Authority::administrator
+    const auto written = isByAdministrator
                              ? writeByAdministrator(snapshot, options, administrator, stop)
                              : TextFile::write(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding, files, options);
     return written.map([&](const AtomicFile::Written &done) {
@@ -129,9 +139,9 @@ QString DocumentFile::identityOf(const QString &path)
     if (const QString file = resolved(path); !file.isEmpty()) {
         return file;
     }
-    const QString clean = QDir::cleanPath(path);
-    const QString folder = resolved(QFileInfo(clean).path());
-    return folder.isEmpty() ? clean : QDir(folder).filePath(QFileInfo(clean).fileName());
+    const QFileInfo missing(QDir::cleanPath(path));
+    const bool hasFolder = missing.isAbsolute() && !missing.isRoot();
+    return hasFolder ? QDir(identityOf(missing.path())).filePath(missing.fileName()) : missing.filePath();
 }
 
 bool DocumentFile::hasChangedSince(const QString &path, const FileStamp &stamp, FileCalls &files)

@@ -13,10 +13,13 @@
 #include <string_view>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 namespace {
+
+using MissingFolder = Administrator::MissingFolder;
 
 /// Rights of the program that the old content was, and signatures of that content.
 constexpr std::array<std::string_view, 3> attributesOfContent = {"security.capability", "security.ima", "security.evm"};
@@ -28,9 +31,17 @@ int failed(int error)
 }
 
 /// The descriptor of a folder in one that is open, or -1 with `errno`.
-int openFolder(int parent, const char *name)
+int openFolder(int parent, const char *name, MissingFolder missing)
 {
-    const int folder = ::openat(parent, name, O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    constexpr mode_t openToAll = 0777; // but for what the mask says
+    constexpr int flags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+    int folder = ::openat(parent, name, flags);
+    if (folder < 0 && errno == ENOENT && missing == MissingFolder::isMade) {
+        if (::mkdirat(parent, name, openToAll) != 0 && errno != EEXIST) {
+            return -1;
+        }
+        folder = ::openat(parent, name, flags);
+    }
     if (folder < 0 && errno == ENOTDIR) {
         struct stat status = {};
         const bool isLink = ::fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(status.st_mode);
@@ -41,14 +52,14 @@ int openFolder(int parent, const char *name)
 
 } // namespace
 
-int enterFolder(const QByteArray &path)
+int enterFolder(const QByteArray &path, MissingFolder missing)
 {
     int folder = ::open("/", O_PATH | O_DIRECTORY | O_CLOEXEC);
     for (const QByteArray &name : path.split('/')) {
         if (folder < 0 || name.isEmpty()) {
             continue;
         }
-        const int next = openFolder(folder, name.constData());
+        const int next = openFolder(folder, name.constData(), missing);
         const int error = errno;
         ::close(folder);
         errno = error;

@@ -2,13 +2,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/Administrator.h"
 #include "Base/FileCalls.h"
 
 class QByteArray;
 
 /// Makes the folder at `path` the working folder, having followed no symbolic link on the way: what is renamed or linked anew afterwards
 /// leads nowhere else. `path` is absolute, clean and ends with a slash. Returns `errno`, 0 when it is done.
-[[nodiscard]] int enterFolder(const QByteArray &path);
+[[nodiscard]] int enterFolder(const QByteArray &path, Administrator::MissingFolder missing);
 
 /// For a file in the working folder, whoever else may write there: it follows no link; it knows no file that has further names or the
 /// rights of its owner; it gives nothing away that was given to the old content, and takes no owner from it.

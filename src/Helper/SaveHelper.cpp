@@ -15,6 +15,7 @@
 
 using AdministratorProtocol::Answer;
 using AdministratorProtocol::Request;
+using MissingFolder = Administrator::MissingFolder;
 
 namespace {
 
@@ -58,6 +59,12 @@ void outliveAsker()
     }
 }
 
+/// 0 for none.
+int errorOf(const Result<void> &result)
+{
+    return result ? 0 : result.error().code;
+}
+
 /// The text, all of it and nothing else; `errno` for a failure, 0 when it is written.
 int copyText(int input, qint64 size, AtomicFile &file)
 {
@@ -66,8 +73,8 @@ int copyText(int input, qint64 size, AtomicFile &file)
         if (block.isEmpty()) {
             return AdministratorProtocol::malformed;
         }
-        if (const auto written = file.write(block); !written) {
-            return written.error().code;
+        if (const int error = errorOf(file.write(block)); error != 0) {
+            return error;
         }
         size -= block.size();
     }
@@ -95,7 +102,16 @@ Answer saveOnRequest(int input, const QByteArray &consentName)
         return {.code = EFBIG};
     }
     const qsizetype nameStart = request->path.lastIndexOf('/') + 1;
-    if (const int error = enterFolder(request->path.first(nameStart)); error != 0) {
+    const QByteArray folder = request->path.first(nameStart);
+    std::optional<QByteArray> text;
+    int error = enterFolder(folder, MissingFolder::isError);
+    if (error == ENOENT && request->missingFolder == MissingFolder::isMade) {
+        // All of it first: for a text that is cut off nothing is made.
+        text = readFrom(input, request->textSize);
+        const bool isWhole = text->size() == request->textSize && readFrom(input, 1).isEmpty();
+        error = isWhole ? enterFolder(folder, MissingFolder::isMade) : AdministratorProtocol::malformed;
+    }
+    if (error != 0) {
         return {.code = error};
     }
     PinnedCalls calls;
@@ -103,7 +119,8 @@ Answer saveOnRequest(int input, const QByteArray &consentName)
     if (!file) {
         return {.code = file.error().code};
     }
-    if (const int error = copyText(input, request->textSize, *file); error != 0) {
+    error = text ? errorOf(file->write(*text)) : copyText(input, request->textSize, *file);
+    if (error != 0) {
         return {.code = error};
     }
     outliveAsker();

@@ -380,7 +380,9 @@ void DocumentActions::offerOtherWays(const Attempt &failed, const Error &error)
         if (button == saveAsButton) {
             saveAs(*document, failed.completion);
         } else if (canBeAuthorized && button == AlertReply::firstButton) {
-            attempt(failed.in({.authority = DocumentFile::Authority::administrator}));
+            Attempt next = failed;
+            next.manner.authority = DocumentFile::Authority::administrator;
+            attempt(next);
         } else {
             failed.completion(false);
         }
@@ -398,7 +400,9 @@ void DocumentActions::askForFolder(const Attempt &failed)
         .buttons = {{localized(u"Create Folder")}, {localized(u"Cancel"), AlertButtonRole::cancel}, {localized(u"Save As…")}}};
     present(question, [this, document, failed](int button) {
         if (button == AlertReply::firstButton) {
-            attempt(failed.in({.missingFolder = DocumentFile::MissingFolder::isMade}));
+            Attempt next = failed;
+            next.manner.missingFolder = DocumentFile::MissingFolder::isMade;
+            attempt(next);
         } else if (button == AlertReply::thirdButton) {
             saveAs(*document, failed.completion);
         } else {

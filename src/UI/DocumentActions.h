@@ -85,8 +85,6 @@ private:
         std::optional<QString> path = std::nullopt;
         Completion completion = [](bool) {};
         DocumentFile::Manner manner = {};
-
-        [[nodiscard]] Attempt in(const DocumentFile::Manner &other) const { return {document, path, completion, other}; }
     };
     void attempt(const Attempt &attempt);
     void handleSaved(const Attempt &done, AtomicFile::InPlace inPlace, bool isNew);

@@ -78,6 +78,25 @@ TEST_F(SaveHelperTest, SavesWhatIsAsItIsExpected)
     EXPECT_EQ(names(), QStringList({u"a"_s, u"new"_s}));
 }
 
+TEST_F(SaveHelperTest, MakesTheFolderWhenThatIsWanted)
+{
+    Request wanted = request(u"none/below/a"_s);
+    wanted.missingFolder = Administrator::MissingFolder::isMade;
+    const QByteArray whole = AdministratorProtocol::encoded(wanted) + newText;
+    for (const QByteArray &bytes : {whole.chopped(1), whole + 'x'}) {
+        const auto answer = answerTo(bytes, AdministratorProtocol::consentName(wanted.path));
+        EXPECT_EQ(answer ? answer->code : -1, AdministratorProtocol::malformed);
+        EXPECT_EQ(names(), QStringList()) << "not for a text that is cut off";
+    }
+    EXPECT_EQ(answerTo(wanted).code, 0);
+    EXPECT_EQ(read(u"none/below/a"_s), newText);
+    EXPECT_EQ(status(u"none/below"_s).st_mode & 07777, 0755U);
+    ASSERT_EQ(::symlink("none", bytePath(u"link"_s).constData()), 0);
+    wanted.path = bytePath(u"link/other/a"_s);
+    EXPECT_EQ(answerTo(wanted).code, AdministratorProtocol::isLink);
+    EXPECT_EQ(names(u"none"_s), QStringList{u"below"_s});
+}
+
 TEST_F(SaveHelperTest, RefusesWhatIsCutOffOrHasSomethingBehindIt)
 {
     put(u"a"_s, oldText);

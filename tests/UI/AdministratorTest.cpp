@@ -116,6 +116,18 @@ TEST_F(AdministratorTest, AnAdministratorIsOfferedAndSaves)
     EXPECT_EQ(administrator.writes, 3);
 }
 
+TEST_F(AdministratorTest, AFolderThatTheUserMayNotMakeIsMade)
+{
+    files.guarded = path(u"etc"_s);
+    workspace().open({path(u"etc/new/x.conf"_s)}, TextDocument::MissingFile::isMade);
+    type(u"x"_s);
+    presenter.answer(AlertReply::firstButton);
+    saveTaking(AlertReply::firstButton);
+    EXPECT_EQ(lastButtons().value(0), u"Save as Administrator…"_s) << lastAlert().toStdString();
+    EXPECT_EQ(read(u"etc/new/x.conf"_s), "x");
+    EXPECT_EQ(document().hasUnsavedText(), false);
+}
+
 TEST_F(AdministratorTest, WhatComesOfItIsSaid)
 {
     openGuarded();
