@@ -9,9 +9,12 @@
 #include <QFileInfo>
 
 #include <cerrno>
+#include <fcntl.h>
+#include <functional>
 #include <unistd.h>
 
-/// The real calls, but for a file that the user may not write to, and one that cannot even be read, whoever runs the test.
+/// The real calls, but for a file that the user may not write to, or a folder with its slash, and one that cannot even be read, whoever
+/// runs the test.
 class GuardedFiles final : public FileCalls {
 public:
     QString guarded;
@@ -19,7 +22,9 @@ public:
 
     int open(const char *path, int flags, mode_t mode) override
     {
-        if (!secret.isEmpty() && decodedPath(path) == secret) {
+        const QString name = decodedPath(path);
+        const bool isMadeInGuarded = (flags & O_CREAT) != 0 && !guarded.isEmpty() && QFileInfo(name).path() + u'/' == guarded;
+        if (isMadeInGuarded || (!secret.isEmpty() && name == secret)) {
             errno = EACCES;
             return -1;
         }
@@ -52,12 +57,16 @@ public:
     bool isThere = true;
     std::optional<AtomicFile::WriteError> error;
     int writes = 0;
+    std::function<void()> beforeWriting;
 
     [[nodiscard]] bool isAvailable() const override { return isThere; }
     [[nodiscard]] Result<FileState, AtomicFile::WriteError> write(const Request &request, QByteArrayView text,
                                                                   const std::stop_token & /*stop*/) override
     {
         ++writes;
+        if (beforeWriting) {
+            beforeWriting();
+        }
         if (error) {
             return tl::make_unexpected(*error);
         }

@@ -77,6 +77,8 @@ QStringView reasonOf(int error)
         return u"“%@” could not be saved, because its folder does not exist.";
     case ENOTDIR:
         return u"“%@” could not be saved, because a file stands where its folder should be.";
+    case EEXIST:
+        return u"“%@” could not be saved, because there is a file of that name now.";
     case EISDIR:
         return u"“%@” could not be saved, because there is a folder of that name.";
     case ENAMETOOLONG:

@@ -31,7 +31,7 @@ int makeFolder(const QString &path, FileCalls &files)
 }
 
 /// The administrator gets the whole text and the file's own path: what links lead to is found here, with the user's rights.
-TextFile::WriteResult writeByAdministrator(const DocumentFile::Snapshot &snapshot, const TextFile::WriteOptions &options,
+TextFile::WriteResult writeByAdministrator(const DocumentFile::Snapshot &snapshot, const TextFile::WriteOptions &options, FileCalls &files,
                                            Administrator *administrator, const std::stop_token &stop)
 {
     const auto failed = [](const Error &error) { return TextFile::WriteError{error}; };
@@ -45,11 +45,21 @@ TextFile::WriteResult writeByAdministrator(const DocumentFile::Snapshot &snapsho
     }
     using MissingFolder = Administrator::MissingFolder;
     const bool isFolderMade = snapshot.manner.missingFolder == DocumentFile::MissingFolder::isMade;
-    const Administrator::Request request{.path = DocumentFile::identityOf(*target),
-                                         .newFile = options.newFile,
-                                         .expected = options.expected,
-                                         .missingFolder = isFolderMade ? MissingFolder::isMade : MissingFolder::isError};
-    return administrator->write(request, *bytes, stop).map([](const FileState &state) { return AtomicFile::Written{state}; });
+    Administrator::Request request{.path = DocumentFile::identityOf(*target),
+                                   .newFile = options.newFile,
+                                   .expected = options.expected,
+                                   .missingFolder = isFolderMade ? MissingFolder::isMade : MissingFolder::isError};
+    // Who chose a free name was asked about no file that comes there before the password does.
+    struct stat status = {};
+    const bool isFree = !request.expected && files.lstat(encodedPath(*target).constData(), &status) != 0 && errno == ENOENT;
+    if (isFree) {
+        request.expected = AtomicFile::Expectation{};
+    }
+    return administrator->write(request, *bytes, stop)
+        .map([](const FileState &state) { return AtomicFile::Written{state}; })
+        .map_error([&](const AtomicFile::WriteError &error) {
+            return isFree && error.code == AtomicFile::changedError ? failed(saveError(*target, EEXIST)) : error;
+        });
 }
 
 } // namespace
@@ -71,7 +81,7 @@ DocumentFile::WriteResult DocumentFile::write(const Snapshot &snapshot, FileCall
         options.newFile = AtomicFile::NewFile(snapshot.expected->state->mode);
     }
     const auto written = isByAdministrator
-                             ? writeByAdministrator(snapshot, options, administrator, stop)
+                             ? writeByAdministrator(snapshot, options, files, administrator, stop)
                              : TextFile::write(snapshot.text, snapshot.path, snapshot.encoding, snapshot.lineEnding, files, options);
     return written.map([&](const AtomicFile::Written &done) {
         return Written{.state = done.state,

@@ -128,6 +128,21 @@ TEST_F(AdministratorTest, AFolderThatTheUserMayNotMakeIsMade)
     EXPECT_EQ(document().hasUnsavedText(), false);
 }
 
+TEST_F(AdministratorTest, WhatComesToAFreeNameMeanwhileIsNotReplaced)
+{
+    type(u"mine"_s);
+    files.guarded = path({}) + u'/';
+    administrator.beforeWriting = [this] { put(u"a.txt"_s, "theirs"); };
+    presenter.answerSave(path(u"a.txt"_s));
+    presenter.answer(AlertReply::firstButton);
+    send(Actions::saveDocumentAs);
+    EXPECT_EQ(administrator.writes, 1);
+    EXPECT_EQ(read(u"a.txt"_s), "theirs");
+    EXPECT_TRUE(lastAlert().contains(u"a.txt"_s)) << lastAlert().toStdString();
+    EXPECT_TRUE(document().isUntitled());
+    EXPECT_EQ(document().externalState(), TextDocument::ExternalState::none);
+}
+
 TEST_F(AdministratorTest, WhatComesOfItIsSaid)
 {
     openGuarded();
