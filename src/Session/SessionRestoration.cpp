@@ -128,6 +128,7 @@ private:
             if (looked[index].isWritten) {
                 removeRescued(rescued[index]);
             } else if (contents[index]) {
+                m_rescuedTexts.push_back(contents[index]->text);
                 Rescued &one = m_rescued[rescued[index].target];
                 one.files.push_back(rescued[index]);
                 one.contents = *std::move(contents[index]);
@@ -286,7 +287,9 @@ private:
     {
         std::unique_ptr<TextDocument> document = draftOf(source, {});
         const bool isUnnamed = m_otherDrafts.contains(source.draft);
-        if (document && isUnnamed && document->storage().length() == 0) {
+        // Of a rescued text when the program was killed before its session knew the draft.
+        const auto isRescued = [this](const Rope &text) { return std::ranges::find(m_rescuedTexts, text) != m_rescuedTexts.end(); };
+        if (document && isUnnamed && (document->storage().length() == 0 || isRescued(document->storage().text()))) {
             return nullptr;
         }
         if (!document) {
@@ -446,6 +449,7 @@ private:
     std::shared_ptr<Later> m_later = std::make_shared<Later>();
     /// By their targets.
     std::map<QString, Rescued> m_rescued;
+    std::vector<Rope> m_rescuedTexts;
     std::set<QUuid> m_ids;
     std::set<QString> m_paths;
     std::vector<Made> m_made;
