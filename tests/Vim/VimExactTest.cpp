@@ -53,8 +53,7 @@ TEST(VimExact, EndsKeysThatWouldGoOnForever)
     view.press(u":nmap x xx<CR>x"_s);
     EXPECT_EQ(view.messages.size(), 1);
     EXPECT_EQ(view.engine.mode(), VimEngine::Mode::normal);
-    for (const char16_t *keys :
-         {u"yy999999999p", u":k a<CR>999999999@:", u"V999999999>", u"yyV999999999p", u"yyGp<C-v>gg$y9999999p"}) {
+    for (const char16_t *keys : {u"yy999999999p", u":k a<CR>999999999@:", u"V999999999>", u"yyV999999999p", u"yyGp<C-v>gg$y9999999p"}) {
         VimView other(QString(40, u'a') + u"\nb\n"_s, options);
         other.press(QString::fromUtf16(keys));
         EXPECT_EQ(other.messages.size(), 1) << QString::fromUtf16(keys).toStdString() << other.messages.join(u'|').toStdString();
