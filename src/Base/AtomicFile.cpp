@@ -15,7 +15,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
@@ -155,11 +154,11 @@ bool isOfEndedProgram(const QByteArray &name)
     return isNumber && name.startsWith(programMark(program)) && ::kill(program, 0) != 0 && errno == ESRCH;
 }
 
-/// One name for a file, however its folder is reached.
-QByteArray realPath(const QByteArray &path)
+/// One name for a file, however its folder is reached, where that can be asked.
+QByteArray lastingName(const QByteArray &path)
 {
-    QByteArray found(PATH_MAX, Qt::Uninitialized);
-    return ::realpath(path.constData(), found.data()) ? QByteArray(found.constData()) : path;
+    const QByteArray found = realPath(path);
+    return found.isEmpty() ? path : found;
 }
 
 constexpr QByteArrayView temporaryBegin = ".quillet-";
@@ -355,7 +354,7 @@ Result<AtomicFile::Written> AtomicFile::commit(const std::optional<Expectation> 
         // Of attempts that failed. What other programs were writing there somebody has to see first.
         const QByteArray own = programMark(QCoreApplication::applicationPid());
         for (const RescuedFile &rescued : rescuedFiles(decodedPath(m_rescueFolder))) {
-            if (nameIn(encodedPath(rescued.content)).startsWith(own) && encodedPath(rescued.target) == realPath(m_target)) {
+            if (nameIn(encodedPath(rescued.content)).startsWith(own) && encodedPath(rescued.target) == lastingName(m_target)) {
                 removeRescued(rescued, *m_calls);
             }
         }
@@ -654,7 +653,7 @@ Result<AtomicFile::Written> AtomicFile::writeInPlace(const std::optional<Expecta
         return failed(errno);
     }
     m_note = m_temporary.chopped(contentEnding.size()) + QByteArray(targetEnding.data(), targetEnding.size());
-    if (auto noted = writeAtomically(decodedPath(m_note), realPath(m_target), NewFile::privateToUser, *m_calls); !noted) {
+    if (auto noted = writeAtomically(decodedPath(m_note), lastingName(m_target), NewFile::privateToUser, *m_calls); !noted) {
         return tl::make_unexpected(noted.error());
     }
     if (expected) {

@@ -79,6 +79,12 @@ bool isThere(const QString &path)
     return ::stat(encodedPath(path).constData(), &status) == 0;
 }
 
+QByteArray realPath(const QByteArray &path)
+{
+    const std::unique_ptr<char, decltype(&std::free)> found(::realpath(path.constData(), nullptr), std::free);
+    return found.get();
+}
+
 QString shownPath(const QString &path)
 {
     return withoutByteSigns<QString>(

@@ -17,6 +17,9 @@ class QUrl;
 /// Something has that name; asks the file system, which takes its time.
 [[nodiscard]] bool isThere(const QString &path);
 
+/// The one name of what `path`, in bytes, leads to, with no symbolic link on the way; empty where that is nothing. Asks the file system.
+[[nodiscard]] QByteArray realPath(const QByteArray &path);
+
 /// A path, or part of one, for people to read: what is no character is shown as such.
 [[nodiscard]] QString shownPath(const QString &path);
 

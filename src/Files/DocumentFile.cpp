@@ -11,7 +11,6 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include <cstdlib>
 #include <memory>
 #include <utility>
 
@@ -43,12 +42,10 @@ TextFile::WriteResult writeByAdministrator(const DocumentFile::Snapshot &snapsho
     if (!target || !bytes) {
         return tl::make_unexpected(failed(target ? bytes.error() : target.error()));
     }
-    using MissingFolder = Administrator::MissingFolder;
-    const bool isFolderMade = snapshot.manner.missingFolder == DocumentFile::MissingFolder::isMade;
     Administrator::Request request{.path = DocumentFile::identityOf(*target),
                                    .newFile = options.newFile,
                                    .expected = options.expected,
-                                   .missingFolder = isFolderMade ? MissingFolder::isMade : MissingFolder::isError};
+                                   .missingFolder = snapshot.manner.missingFolder};
     // Who chose a free name was asked about no file that comes there before the password does.
     struct stat status = {};
     const bool isFree = !request.expected && files.lstat(encodedPath(*target).constData(), &status) != 0 && errno == ENOENT;
@@ -142,12 +139,8 @@ DocumentFile::ReadResult DocumentFile::readAgain(const QString &path, const Basi
 
 QString DocumentFile::identityOf(const QString &path)
 {
-    const auto resolved = [](const QString &name) {
-        const std::unique_ptr<char, decltype(&std::free)> found(::realpath(encodedPath(name).constData(), nullptr), std::free);
-        return found ? decodedPath(found.get()) : QString();
-    };
-    if (const QString file = resolved(path); !file.isEmpty()) {
-        return file;
+    if (const QByteArray file = realPath(encodedPath(path)); !file.isEmpty()) {
+        return decodedPath(file);
     }
     const QFileInfo missing(QDir::cleanPath(path));
     const bool hasFolder = missing.isAbsolute() && !missing.isRoot();

@@ -2,13 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Base/Administrator.h"
 #include "Files/TextFile.h"
 #include "Text/TextEdits.h"
 #include "Text/TextStorage.h"
 
 #include <stop_token>
-
-class Administrator;
 
 /// What documents ask of their files. Every function here works on copies, takes the time that the file system takes, and so is for
 /// workers. Keeps no state.
@@ -16,7 +15,7 @@ class DocumentFile final {
 public:
     DocumentFile() = delete;
 
-    enum class MissingFolder { isError, isMade };
+    using MissingFolder = Administrator::MissingFolder;
     /// With whose rights.
     enum class Authority { user, administrator };
     /// Whether the user wanted it saved now.

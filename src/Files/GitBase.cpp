@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <memory>
 #include <vector>
 
@@ -25,13 +24,6 @@ template<class Object>
 {
     Object *object = nullptr;
     return {make(&object) == 0 ? object : nullptr, free};
-}
-
-/// Symbolic links followed; empty for none.
-QByteArray realPath(const QByteArray &path)
-{
-    const std::unique_ptr<char, void (*)(void *)> real(::realpath(path.constData(), nullptr), std::free);
-    return real.get();
 }
 
 QByteArray folderOf(const QByteArray &path)
