@@ -106,14 +106,7 @@ bool ChangeMarks::areWanted() const
 
 void ChangeMarks::noteEdit(const TextChange &change)
 {
-    const auto looks = [this] {
-        std::vector<LineChange::Kind> kinds;
-        std::ranges::transform(m_changes, std::back_inserter(kinds), &LineChange::kind);
-        return kinds;
-    };
-    const auto before = looks();
-    LineChanges::map(m_changes, change.edits);
-    m_hasOthers |= looks() != before;
+    m_hasOthers |= LineChanges::map(m_changes, change.edits);
     compareSoon();
 }
 

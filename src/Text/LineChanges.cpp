@@ -47,8 +47,9 @@ std::vector<LineChange> of(const LineDiff::Result &compared)
     return changes;
 }
 
-void map(std::vector<LineChange> &changes, const TextEdits &edits)
+bool map(std::vector<LineChange> &changes, const TextEdits &edits)
 {
+    bool hasOthers = false;
     for (LineChange &change : changes) {
         // What is typed before the first letter of a marked line, or of the line below missing ones, belongs to that line.
         const qsizetype start = edits.mapped(change.range.location, Bias::before);
@@ -56,9 +57,11 @@ void map(std::vector<LineChange> &changes, const TextEdits &edits)
         change.range = TextRange::between(start, end);
         if (change.range.isEmpty() && change.kind == Kind::modified) {
             change.kind = Kind::deleted;
+            hasOthers = true;
         }
     }
-    std::erase_if(changes, [](const LineChange &change) { return change.range.isEmpty() && change.kind == Kind::added; });
+    const auto gone = std::erase_if(changes, [](const LineChange &change) { return change.range.isEmpty() && change.kind == Kind::added; });
+    return hasOthers || gone > 0;
 }
 
 std::optional<size_t> next(std::span<const LineChange> changes, qsizetype lineStart)

@@ -35,8 +35,8 @@ namespace LineChanges {
 /// What makes the right text of `compared` of the left one, its base. O(runs · log n).
 [[nodiscard]] std::vector<LineChange> of(const LineDiff::Result &compared);
 /// Keeps the changes on their lines while the text is edited; what the edits themselves change is not looked at. One of which nothing is
-/// left in the text marks missing lines. O(changes · log edits).
-void map(std::vector<LineChange> &changes, const TextEdits &edits);
+/// left in the text marks missing lines. True when a mark went or became another. O(changes · log edits).
+bool map(std::vector<LineChange> &changes, const TextEdits &edits);
 
 /// The index of the first change behind the line that begins at `lineStart`, or of the last one before it; none when there is none.
 [[nodiscard]] std::optional<size_t> next(std::span<const LineChange> changes, qsizetype lineStart);

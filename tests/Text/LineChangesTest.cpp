@@ -45,13 +45,13 @@ TEST(LineChangesTest, StaysOnItsLinesWhileTheTextIsEdited)
     const auto after = [&](TextRange range, QStringView typed) {
         auto found = changes(base, text);
         const TextEdits edits(range, typed);
-        LineChanges::map(found, edits);
-        return described(found, edits.applied(text));
+        const bool hasOthers = LineChanges::map(found, edits);
+        return described(found, edits.applied(text)) + (hasOthers ? u", others"_s : QString());
     };
     EXPECT_EQ(after({0, 0}, u"1\n2\n"), u"m3-4 d5-5"_s);
     EXPECT_EQ(after({2, 0}, u"letter "), u"m1-2 d3-3"_s) << "before the line's first letter";
     EXPECT_EQ(after({4, 0}, u"below\n"), u"m1-2 d4-4"_s);
-    EXPECT_EQ(after({2, 2}, u""), u"d1-1 d2-2"_s) << "nothing is left of the modified line";
+    EXPECT_EQ(after({2, 2}, u""), u"d1-1 d2-2, others"_s) << "nothing is left of the modified line";
 }
 
 TEST(LineChangesTest, FindsThemByKindAndPlace)
