@@ -3,7 +3,6 @@
 #include "Editor/EditorExCommands.h"
 
 #include "Base/FilePath.h"
-#include "Base/Translation.h"
 #include "Editor/EditorTextView.h"
 #include "Editor/EditorViewController.h"
 #include "Editor/EditorVim.h"
@@ -68,10 +67,6 @@ void EditorExCommands::sourceFile(const QString &name)
     const QString path = name == u"%" ? m_editor.document().path() : absoluteFilePath(name, workingFolder());
     if (!configuration || name.isEmpty() || path.isEmpty()) {
         m_services.presenter.beep();
-        return;
-    }
-    if (!QFileInfo::exists(path)) {
-        showVimMessage(formatted(localized(u"The file “%@” cannot be read"), shownPath(path)));
         return;
     }
     const auto text = VimConfiguration::textOf(path);

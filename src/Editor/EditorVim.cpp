@@ -209,7 +209,7 @@ bool EditorVim::handleKey(const QKeyEvent &event)
     if (m_engine->mode() == VimEngine::Mode::insert) {
         m_engine->resumeInsertSession();
         if (engineWants(key)) {
-            // What ends the mode would have it typed as commands.
+            // What ends the mode would have it typed as commands. Keys that wait for a mapping wait on: this may be the next of it.
             if (m_view.isComposing()) {
                 m_view.input().commit();
             }

@@ -32,12 +32,8 @@ QString VimConfiguration::standardPath()
 
 Result<QString> VimConfiguration::textOf(const QString &path)
 {
-    const QFileInfo info(path);
-    if (!info.exists()) {
-        return QString();
-    }
     QFile file(path);
-    if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
         return failure(formatted(localized(u"The file “%@” cannot be read"), shownPath(path)));
     }
     const QByteArray bytes = file.read(largestFile + 1);
@@ -88,6 +84,9 @@ QStringList VimConfiguration::follow(const QString &path)
         *m_mappings = {};
         m_leader = u"\\"_s;
         m_preferences.endRunValues();
+        return {};
+    }
+    if (!QFileInfo::exists(path)) {
         return {};
     }
     const auto text = textOf(path);

@@ -26,7 +26,7 @@ public:
     /// Where the user's file of commands is: in $XDG_CONFIG_HOME if that is absolute, else in ~/.config.
     [[nodiscard]] static QString standardPath();
 
-    /// The text of such a file; empty when there is none. Only of a regular file, so that it is there at once.
+    /// The text of such a file. Only of a regular file, so that it is there at once.
     [[nodiscard]] static Result<QString> textOf(const QString &path);
 
     /// Carries out lines of `:set`, `:map` and their like, `:let mapleader` and comments; a line that begins with "\" goes on with the one
