@@ -491,6 +491,10 @@ bool VimEngine::completeExactly(const Awaited &awaited, QStringView key)
         isVisual() ? m_exact->selecting.replaceCharacters(key) : m_exact->operating.replaceCharacter(key, effectiveCount());
         return true;
     case Awaiting::registerName:
+        if (!VimRegisters::isExactName(unit)) {
+            failKey();
+            return true;
+        }
         m_pendingRegister = unit;
         m_exact->repeating.dropNoted(2);
         return true;

@@ -327,7 +327,7 @@ void VimEngine::Going::toChange(bool isOlder, qsizetype count)
         fail();
         return;
     }
-    m_exact.operating.arrive({.place = *place, .failed = see().lines.isBehindAll(*place), .isJump = true});
+    m_exact.operating.arrive({.place = *place, .failed = see().lines.isBehindAll(*place)});
 }
 
 // Searching

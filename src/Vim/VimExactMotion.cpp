@@ -420,7 +420,8 @@ Result bracketPartner(const Request &request)
         }
         return toLine(request, lines.startOf((request.count * lines.count() + 99) / 100), true);
     }
-    qsizetype place = request.caret;
+    // A selection may have its caret behind the last character.
+    qsizetype place = lines.isAtEnd(request.caret) ? lines.last(request.caret) : request.caret;
     while (!lines.isAtEnd(place) && std::u16string_view(u"()[]{}").find(lines.at(place)) == std::u16string_view::npos) {
         ++place;
     }

@@ -659,7 +659,7 @@ void VimEngine::Selecting::selectHit(SearchDirection direction)
         return;
     }
     const qsizetype anchor = m_engine.isVisual() ? m_engine.m_visualAnchor : isForward ? hit->location : last;
-    begin(m_engine.isVisual() ? m_engine.m_mode : Mode::visual, anchor, isForward ? last : hit->location);
+    begin(Mode::visual, anchor, isForward ? last : hit->location);
     setCaret(isForward ? last : hit->location);
     finish();
 }

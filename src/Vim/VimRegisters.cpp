@@ -22,7 +22,6 @@ bool isClipboard(char16_t name)
 
 void append(const VimRegisterContents &contents, VimRegisterContents &kept)
 {
-    kept.isPrivate = kept.isPrivate || contents.isPrivate;
     // Whole lines stay whole.
     if (kept.isLinewise || contents.isLinewise) {
         if (kept.text.at(kept.text.length() - 1) != u'\n') {
@@ -37,7 +36,18 @@ void append(const VimRegisterContents &contents, VimRegisterContents &kept)
     }
 }
 
+void continueLastLine(const Rope &text, Rope &kept)
+{
+    const bool isWhole = kept.at(kept.length() - 1) == u'\n';
+    kept.replace({kept.length() - (isWhole ? 1 : 0), 0}, text);
+}
+
 } // namespace
+
+bool VimRegisters::isExactName(char16_t key)
+{
+    return (key < 0x80 && QChar::isLetterOrNumber(key)) || QStringView(u"\"-_+*.:%#/").contains(key);
+}
 
 void VimRegisters::set(const VimRegisterContents &contents, std::optional<char16_t> name)
 {
@@ -67,7 +77,7 @@ void VimRegisters::keep(const VimRegisterContents &contents, std::optional<char1
         return;
     }
     if (name && !isClipboard(*name)) {
-        store(contents, *name);
+        store(contents, *name, Appending::lines);
     } else if (name || m_preferences.value(Settings::vimSharesClipboard)) {
         writeToClipboard(contents.text);
     }
@@ -83,6 +93,9 @@ void VimRegisters::keep(const VimRegisterContents &contents, std::optional<char1
             }
         }
         m_named[u'1'] = contents;
+        if (name && !QChar::isUpper(*name)) {
+            m_unnamedName.reset();
+        }
     }
     if (taken != Taken::removedLines && !name) {
         m_named[taken == Taken::yanked ? u'0' : u'-'] = contents;
@@ -92,10 +105,20 @@ void VimRegisters::keep(const VimRegisterContents &contents, std::optional<char1
 
 void VimRegisters::store(const VimRegisterContents &contents, char16_t name)
 {
+    store(contents, name, Appending::characters);
+}
+
+void VimRegisters::store(const VimRegisterContents &contents, char16_t name, Appending appending)
+{
     noteChange();
     VimRegisterContents &kept = m_named[lowerCase(name)];
     if (QChar::isUpper(name) && !kept.text.isEmpty()) {
-        append(contents, kept);
+        kept.isPrivate = kept.isPrivate || contents.isPrivate;
+        if (appending == Appending::characters && !contents.isLinewise) {
+            continueLastLine(contents.text, kept.text);
+        } else {
+            append(contents, kept);
+        }
     } else {
         kept = contents;
     }

@@ -33,6 +33,9 @@ public:
     /// Of the unnamed register where it has to have a name.
     static constexpr char16_t unnamedName = u'"';
 
+    /// Whether a key chooses a register in exact modal editing.
+    [[nodiscard]] static bool isExactName(char16_t key);
+
     /// Both must outlive the registers.
     VimRegisters(Pasteboard &pasteboard, const Preferences &preferences) : m_pasteboard(pasteboard), m_preferences(preferences) {}
 
@@ -47,9 +50,9 @@ public:
         removedFar,
     };
     /// As Vim does it: yanks go to "0", deleted lines to "1" while what was there moves on to "9", what is less to "-"; "_" takes nothing.
-    /// The unnamed register is the one that was stored to last.
+    /// The unnamed register is the one that was stored to last, which for deleted lines is "1" unless they were appended.
     void keep(const VimRegisterContents &contents, std::optional<char16_t> name, Taken taken);
-    /// What was recorded or is put into a register as it is.
+    /// What was recorded or is put into a register as it is; what is appended to whole lines goes on in the last of them.
     void store(const VimRegisterContents &contents, char16_t name);
     /// Contents of an earlier run, for a register that has none.
     void restore(char16_t name, const VimRegisterContents &contents);
@@ -63,7 +66,10 @@ public:
     [[nodiscard]] const VimRegisterContents &unnamed() const { return m_unnamed; }
 
 private:
+    enum class Appending { lines, characters };
+
     void noteChange() const;
+    void store(const VimRegisterContents &contents, char16_t name, Appending appending);
     void writeToClipboard(const Rope &text);
     [[nodiscard]] VimRegisterContents clipboard() const;
 
