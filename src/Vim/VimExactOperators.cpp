@@ -439,15 +439,15 @@ void VimEngine::Operating::changeCase(const Region &region, OperatorKind kind)
     const auto edits = computed(range, [range, kind](const VimLines &lines) {
         // The last line apart, so that places in it keep their columns.
         const qsizetype last = std::max(lines.start(range.end()), range.location);
-        TextEdits edits;
+        TextEdits all;
         for (const TextRange part : {TextRange::between(range.location, last), TextRange::between(last, range.end())}) {
             const Rope before = lines.text().slice(part);
             const TextEdits changed = TextEdits::difference(before, Rope(withLetters(before.toString(), kind))).movedBy(part.location);
             for (size_t index = 0; index < changed.count(); ++index) {
-                edits.add(changed[index].range, changed[index].text);
+                all.add(changed[index].range, changed[index].text);
             }
         }
-        return edits;
+        return all;
     });
     if (edits && !edits->isEmpty()) {
         edit(*edits);
