@@ -8,6 +8,7 @@
 #include "Vim/VimExTarget.h"
 #include "Vim/VimMarks.h"
 #include "Vim/VimOptions.h"
+#include "Vim/VimRegisters.h"
 #include "Vim/VimSearch.h"
 #include "Vim/VimSubstituteCommand.h"
 #include "Vim/VimSubstituteJob.h"
@@ -120,7 +121,7 @@ bool isSubstitution(QStringView letters)
 
 bool isRegister(QChar name)
 {
-    return isLetter(name) || QStringView(u"\"-_+*.:%#/").contains(name);
+    return !name.isDigit() && VimRegisters::isExactName(name.unicode()); // a digit is a count
 }
 
 } // namespace

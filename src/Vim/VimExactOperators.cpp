@@ -442,9 +442,9 @@ void VimEngine::Operating::changeCase(const Region &region, OperatorKind kind)
         TextEdits all;
         for (const TextRange part : {TextRange::between(range.location, last), TextRange::between(last, range.end())}) {
             const Rope before = lines.text().slice(part);
-            const TextEdits changed = TextEdits::difference(before, Rope(withLetters(before.toString(), kind))).movedBy(part.location);
-            for (size_t index = 0; index < changed.count(); ++index) {
-                all.add(changed[index].range, changed[index].text);
+            const Rope after(withLetters(before.toString(), kind));
+            for (const TextEdit &change : TextEdits::difference(before, after).movedBy(part.location)) {
+                all.add(change.range, change.text);
             }
         }
         return all;
